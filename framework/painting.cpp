@@ -1,0 +1,146 @@
+#include "framework/painting.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <vector>
+
+#include "framework/guards.h"
+#include "framework/picture.h"
+
+namespace kv {
+
+namespace {
+
+int BlendChannel(int start, int end, int steps, int step) {
+  // In 64 bits: a caller's step count may be anything.
+  const long long blended = start + static_cast<long long>(end - start) * step / steps;
+  return static_cast<int>(std::llabs(blended) & 0xFF);
+}
+
+void FillGradient(HDC dc, const RECT& area, COLORREF from, COLORREF to, ULONG direction) {
+  const auto vertex = [](LONG x, LONG y, COLORREF color) {
+    const auto channel = [](BYTE value) { return static_cast<COLOR16>(value << 8); };
+    return TRIVERTEX{x, y, channel(GetRValue(color)), channel(GetGValue(color)), channel(GetBValue(color)), 0};
+  };
+  TRIVERTEX corners[] = {vertex(area.left, area.top, from), vertex(area.right, area.bottom, to)};
+  GRADIENT_RECT rectangle{0, 1};
+  GradientFill(dc, corners, 2, &rectangle, 1, direction);
+}
+
+COLORREF SchemeColor(int scheme) {
+  switch (scheme) {
+    case kSchemeAmber: return 0x009FDF;
+    case kSchemeGreen: return 0x00EF00;
+    case kSchemeBlue: return 0xFF7F4F;
+    default: return GetSysColor(COLOR_BTNSHADOW);
+  }
+}
+
+}  // namespace
+
+BOOL BlendColor(COLORREF start, COLORREF end, int steps, int step, COLORREF* result) {
+  if (steps == 0 || IsBadWritePtr(result, sizeof(*result))) return FALSE;
+  *result = RGB(BlendChannel(GetRValue(start), GetRValue(end), steps, step),
+                BlendChannel(GetGValue(start), GetGValue(end), steps, step),
+                BlendChannel(GetBValue(start), GetBValue(end), steps, step));
+  return TRUE;
+}
+
+COLORREF ShadeColor(COLORREF color, double factor) {
+  const auto shade = [factor](BYTE channel) {
+    return static_cast<int>(std::clamp(std::round(channel * factor), 0.0, 255.0));
+  };
+  return RGB(shade(GetRValue(color)), shade(GetGValue(color)), shade(GetBValue(color)));
+}
+
+COLORREF SeverityColor(double value, double full) {
+  double severity = full > 0 ? std::fabs(value) / full : 0.0;
+  if (std::isnan(severity)) severity = 0.0;
+  const int step = static_cast<int>(std::min(severity, 1.0) * 200);
+  const COLORREF green = RGB(0, 208, 0), amber = RGB(255, 191, 0), red = RGB(255, 32, 0);
+  COLORREF color = green;
+  if (step <= 100) {
+    BlendColor(green, amber, 100, step, &color);
+  } else {
+    BlendColor(amber, red, 100, step - 100, &color);
+  }
+  return color;
+}
+
+void FillSolid(HDC dc, const RECT& area, COLORREF color) {
+  const OwnedBrush brush(CreateSolidBrush(color));
+  FillRect(dc, &area, brush);
+}
+
+void FillHorizontalGradient(HDC dc, const RECT& area, COLORREF from, COLORREF to) {
+  FillGradient(dc, area, from, to, GRADIENT_FILL_RECT_H);
+}
+
+void FillVerticalGradient(HDC dc, const RECT& area, COLORREF from, COLORREF to) {
+  FillGradient(dc, area, from, to, GRADIENT_FILL_RECT_V);
+}
+
+void DrawSunkenFrame(HDC dc, RECT* area) {
+  RECT edge = *area;
+  DrawEdge(dc, &edge, EDGE_SUNKEN, BF_RECT);
+  InflateRect(area, -kSunkenEdge, -kSunkenEdge);
+  area->right = std::max(area->right, area->left);
+  area->bottom = std::max(area->bottom, area->top);
+}
+
+void DrawRoundedFrame(HDC dc, const RECT& area, int radius, int width, COLORREF color) {
+  const OwnedPen pen(CreatePen(PS_INSIDEFRAME, width, color));
+  const SelectedObject selectedPen(dc, pen);
+  const SelectedObject hollow(dc, GetStockObject(NULL_BRUSH));
+  RoundRect(dc, area.left, area.top, area.right, area.bottom, 2 * radius, 2 * radius);
+}
+
+BOOL ReplaceBitmapColor(HDC dc, HBITMAP bitmap, COLORREF from, COLORREF to) {
+  BITMAP shape{};
+  if (!GetObjectA(bitmap, sizeof(shape), &shape) || shape.bmWidth <= 0 || shape.bmHeight <= 0) return FALSE;
+  BITMAPINFO info = TopDownBitmapInfo(shape.bmWidth, shape.bmHeight);
+  const auto asPixel = [](COLORREF color) -> DWORD {
+    return (GetRValue(color) << 16) | (GetGValue(color) << 8) | GetBValue(color);
+  };
+  constexpr DWORD kColorBits = 0x00FFFFFF;
+  std::vector<DWORD> pixels(static_cast<size_t>(shape.bmWidth) * shape.bmHeight);
+  if (!GetDIBits(dc, bitmap, 0, shape.bmHeight, pixels.data(), &info, DIB_RGB_COLORS)) return FALSE;
+  std::for_each(pixels.begin(), pixels.end(), [&](DWORD& pixel) {
+    if ((pixel & kColorBits) == asPixel(from)) pixel = asPixel(to);
+  });
+  return SetDIBits(dc, bitmap, 0, shape.bmHeight, pixels.data(), &info, DIB_RGB_COLORS) != 0;
+}
+
+void DrawStatusButton(const DRAWITEMSTRUCT& item, int scheme, UINT flags) {
+  RECT area = item.rcItem;
+  const bool pressed = (item.itemState & ODS_SELECTED) != 0;
+  const COLORREF base = ShadeColor(SchemeColor(scheme), flags & kButtonLit ? 1.0 : 0.8);
+  if (flags & kButtonGradient) {
+    COLORREF bright = base;
+    BlendColor(base, RGB(255, 255, 255), 100, flags & kButtonLit ? 55 : 25, &bright);
+    const COLORREF dark = ShadeColor(base, 0.72);
+    FillVerticalGradient(item.hDC, area, pressed ? dark : bright, pressed ? bright : dark);
+  } else {
+    FillSolid(item.hDC, area, base);
+  }
+  DrawEdge(item.hDC, &area, pressed ? BDR_SUNKENOUTER : BDR_RAISEDINNER, BF_RECT);
+
+  wchar_t text[256] = L"";
+  GetWindowTextW(item.hwndItem, text, ARRAYSIZE(text));
+  const auto font = reinterpret_cast<HFONT>(SendMessageA(item.hwndItem, WM_GETFONT, 0, 0));
+  const SelectedObject selectedFont(item.hDC, font ? font : GetStockObject(SYSTEM_FONT));
+  const int oldMode = SetBkMode(item.hDC, TRANSPARENT);
+  // A dark twin one pixel down keeps the white text readable on the green face.
+  RECT shadow = area;
+  OffsetRect(&shadow, 1, 1);
+  const COLORREF oldColor = SetTextColor(item.hDC, ShadeColor(base, 0.45));
+  constexpr UINT kCentred = DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX;
+  DrawTextW(item.hDC, text, -1, &shadow, kCentred);
+  SetTextColor(item.hDC, RGB(255, 255, 255));
+  DrawTextW(item.hDC, text, -1, &area, kCentred);
+  SetTextColor(item.hDC, oldColor);
+  SetBkMode(item.hDC, oldMode);
+}
+
+}  // namespace kv

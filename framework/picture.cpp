@@ -1,0 +1,54 @@
+#include "framework/picture.h"
+
+#include <algorithm>
+
+#include "framework/guards.h"
+
+namespace kv {
+
+SIZE ClientSize(HWND window) {
+  RECT client{};
+  GetClientRect(window, &client);
+  return {client.right, client.bottom};
+}
+
+HBITMAP CreateWindowBitmap(HWND window, SIZE size) {
+  // An empty size would yield GDI's monochrome 1 x 1 stand-in instead of a failure.
+  if (size.cx <= 0 || size.cy <= 0) return nullptr;
+  const WindowDc dc(window);
+  return CreateCompatibleBitmap(dc, size.cx, size.cy);
+}
+
+BITMAPINFO TopDownBitmapInfo(int width, int height) {
+  return {.bmiHeader = {.biSize = sizeof(BITMAPINFOHEADER),
+                        .biWidth = width,
+                        .biHeight = -height,
+                        .biPlanes = 1,
+                        .biBitCount = 32,
+                        .biCompression = BI_RGB}};
+}
+
+void ShowBitmap(HDC target, const RECT& area, HBITMAP bitmap, SIZE bitmapSize) {
+  const MemoryDc source(target);
+  const SelectedObject selected(source, bitmap);
+  SetStretchBltMode(target, COLORONCOLOR);
+  StretchBlt(target, area.left, area.top, area.right - area.left, area.bottom - area.top, source, 0, 0, bitmapSize.cx,
+             bitmapSize.cy, SRCCOPY);
+}
+
+SIZE RequestedPictureSize(LPARAM lParam, SIZE ownSize, int smallest, int largest) {
+  if (lParam == 0) return ownSize;
+  return {std::clamp<int>(LOWORD(lParam), smallest, largest), std::clamp<int>(HIWORD(lParam), smallest, largest)};
+}
+
+BOOL GiveBitmapToClipboard(HWND window, HBITMAP bitmap) {
+  OwnedBitmap owned(bitmap);
+  if (!bitmap || !OpenClipboard(window)) return FALSE;
+  EmptyClipboard();
+  const BOOL taken = SetClipboardData(CF_BITMAP, bitmap) != nullptr;
+  if (taken) owned.Release();
+  CloseClipboard();
+  return taken;
+}
+
+}  // namespace kv

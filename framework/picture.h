@@ -1,0 +1,29 @@
+// Off-screen pictures of controls: the back buffer that a control renders into and shows, and pictures for the
+// clipboard. Main thread only.
+#pragma once
+
+#include <windows.h>
+
+namespace kv {
+
+// The window's client size in pixels.
+SIZE ClientSize(HWND window);
+
+// A bitmap in the window's own format; null when the size is empty or memory is short. The caller owns it.
+HBITMAP CreateWindowBitmap(HWND window, SIZE size);
+
+// Describes a 32-bit picture whose first row is the top one (0x00RRGGBB pixels, no padding between rows).
+BITMAPINFO TopDownBitmapInfo(int width, int height);
+
+// Stretches the whole bitmap onto `target` without blending: each pixel shown is a pixel of the bitmap.
+void ShowBitmap(HDC target, const RECT& area, HBITMAP bitmap, SIZE bitmapSize);
+
+// The size that a WM_COPY asks for in lParam (width in the low word, height in the high word), each side clamped to
+// `smallest`..`largest` pixels; with lParam 0 it is `ownSize`, unclamped.
+SIZE RequestedPictureSize(LPARAM lParam, SIZE ownSize, int smallest, int largest);
+
+// Puts the bitmap on the clipboard as CF_BITMAP. It belongs to the clipboard afterwards; if the clipboard refuses it,
+// it is deleted and the result is FALSE.
+BOOL GiveBitmapToClipboard(HWND window, HBITMAP bitmap);
+
+}  // namespace kv

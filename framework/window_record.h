@@ -1,0 +1,46 @@
+// The state record of a control's window: one zero-filled movable global memory block, locked for the window's life,
+// whose first field `hMemory` is its own memory handle and whose address stands in the window's user data.
+//
+// The record belongs to its window, from WM_CREATE to WM_DESTROY, and is touched only on the window's thread.
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+#include <type_traits>
+
+namespace kv {
+
+// Makes the record of `window` and stores its address. Null when memory is short.
+template <class Record>
+Record* CreateWindowRecord(HWND window) {
+  static_assert(std::is_trivially_copyable_v<Record> && offsetof(Record, hMemory) == 0);
+  HGLOBAL memory = GlobalAlloc(GHND, sizeof(Record));
+  if (!memory) return nullptr;
+  auto* record = static_cast<Record*>(GlobalLock(memory));
+  if (!record) {
+    GlobalFree(memory);
+    return nullptr;
+  }
+  record->hMemory = memory;
+  SetWindowLongA(window, GWL_USERDATA, reinterpret_cast<LONG>(record));
+  return record;
+}
+
+// The record of `window`, or null when there is none or the address is not writable over the whole record.
+template <class Record>
+Record* WindowRecord(HWND window) {
+  auto* record = reinterpret_cast<Record*>(GetWindowLongA(window, GWL_USERDATA));
+  return IsBadWritePtr(record, sizeof(Record)) ? nullptr : record;
+}
+
+// Clears the window's slot, then unlocks and frees the record. What the record owns must be gone before.
+template <class Record>
+void DestroyWindowRecord(HWND window, Record* record) {
+  SetWindowLongA(window, GWL_USERDATA, 0);
+  HGLOBAL memory = record->hMemory;
+  GlobalUnlock(memory);
+  GlobalFree(memory);
+}
+
+}  // namespace kv

@@ -1,0 +1,134 @@
+#include "tests/support/test_window.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace kvtest {
+
+namespace {
+constexpr char kParentClass[] = "kvTestParent";
+constexpr size_t kPageSize = 4096;
+}  // namespace
+
+RecordingParent::RecordingParent(bool visible, int width, int height) {
+  HINSTANCE instance = GetModuleHandleA(nullptr);
+  WNDCLASSEXA windowClass{};
+  windowClass.cbSize = sizeof(windowClass);
+  windowClass.lpfnWndProc = Procedure;
+  windowClass.hInstance = instance;
+  windowClass.hCursor = LoadCursorA(nullptr, reinterpret_cast<LPCSTR>(IDC_ARROW));
+  windowClass.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
+  windowClass.lpszClassName = kParentClass;
+  RegisterClassExA(&windowClass);  // fails harmlessly from the second parent on
+  window_ = CreateWindowExA(0, kParentClass, "test parent", WS_POPUP | WS_CLIPCHILDREN, 0, 0, width, height, nullptr,
+                            nullptr, instance, this);
+  if (visible) {
+    ShowWindow(window_, SW_SHOW);
+    SetForegroundWindow(window_);
+  }
+}
+
+RecordingParent::~RecordingParent() {
+  DestroyWindow(window_);
+}
+
+int RecordingParent::CountOf(UINT message) {
+  PumpMessages();
+  return static_cast<int>(
+      std::count_if(seen_.begin(), seen_.end(), [&](const SeenMessage& seen) { return seen.message == message; }));
+}
+
+LRESULT CALLBACK RecordingParent::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_NCCREATE) {
+    SetWindowLongA(window, GWL_USERDATA,
+                   reinterpret_cast<LONG>(reinterpret_cast<CREATESTRUCTA*>(lParam)->lpCreateParams));
+  }
+  auto* self = reinterpret_cast<RecordingParent*>(GetWindowLongA(window, GWL_USERDATA));
+  if (self) {
+    self->seen_.push_back({message, wParam, lParam});
+    LRESULT result = 0;
+    if (self->handler_ && self->handler_(window, message, wParam, lParam, &result)) return result;
+  }
+  return DefWindowProcA(window, message, wParam, lParam);
+}
+
+HWND CreateControl(HWND parent, const char* className, const char* text, DWORD style, RECT place, int id) {
+  return CreateWindowExA(0, className, text, WS_CHILD | WS_VISIBLE | style, place.left, place.top,
+                         place.right - place.left, place.bottom - place.top, parent, reinterpret_cast<HMENU>(id),
+                         GetModuleHandleA(nullptr), nullptr);
+}
+
+Picture::Picture(int width, int height) : width_(width), height_(height), dc_(CreateCompatibleDC(nullptr)) {
+  BITMAPINFO info{};
+  info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
+  info.bmiHeader.biWidth = width;
+  info.bmiHeader.biHeight = -height;
+  info.bmiHeader.biPlanes = 1;
+  info.bmiHeader.biBitCount = 32;
+  void* bits = nullptr;
+  bitmap_ = CreateDIBSection(dc_, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+  pixels_ = static_cast<std::uint32_t*>(bits);
+  previous_ = SelectObject(dc_, bitmap_);
+  Fill(0xCC);
+}
+
+Picture::~Picture() {
+  SelectObject(dc_, previous_);
+  DeleteObject(bitmap_);
+  DeleteDC(dc_);
+}
+
+COLORREF Picture::At(int x, int y) const {
+  if (x < 0 || y < 0 || x >= width_ || y >= height_) return CLR_INVALID;
+  GdiFlush();
+  const std::uint32_t pixel = pixels_[static_cast<size_t>(y) * width_ + x];
+  return RGB((pixel >> 16) & 0xFF, (pixel >> 8) & 0xFF, pixel & 0xFF);
+}
+
+int Picture::CountOf(COLORREF color) const {
+  int count = 0;
+  for (int y = 0; y < height_; ++y) {
+    for (int x = 0; x < width_; ++x) count += At(x, y) == color;
+  }
+  return count;
+}
+
+void Picture::Fill(std::uint8_t byte) {
+  GdiFlush();
+  std::memset(pixels_, byte, static_cast<size_t>(width_) * height_ * sizeof(*pixels_));
+}
+
+GuardedBytes::GuardedBytes(size_t size) : pages_((size + kPageSize - 1) / kPageSize) {
+  base_ = VirtualAlloc(nullptr, (pages_ + 1) * kPageSize, MEM_RESERVE, PAGE_NOACCESS);
+  VirtualAlloc(base_, pages_ * kPageSize, MEM_COMMIT, PAGE_READWRITE);
+  data_ = static_cast<char*>(base_) + pages_ * kPageSize - size;
+}
+
+GuardedBytes::~GuardedBytes() {
+  VirtualFree(base_, 0, MEM_RELEASE);
+}
+
+void GuardedBytes::MakeReadOnly() {
+  DWORD previous = 0;
+  VirtualProtect(base_, pages_ * kPageSize, PAGE_READONLY, &previous);
+}
+
+void PumpMessages() {
+  MSG message;
+  while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+    TranslateMessage(&message);
+    DispatchMessageA(&message);
+  }
+}
+
+bool WaitUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit) {
+  const auto end = std::chrono::steady_clock::now() + limit;
+  for (;;) {
+    PumpMessages();
+    if (condition()) return true;
+    if (std::chrono::steady_clock::now() >= end) return false;
+    Sleep(1);
+  }
+}
+
+}  // namespace kvtest

@@ -1,0 +1,57 @@
+# Shared by the scripts in this folder: paths, messages, and the Wine environment that every step runs in.
+# Source it; it defines and changes nothing on the machine.
+
+set -euo pipefail
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+build_dir=$root/build
+export WINEPREFIX=$build_dir/wine
+export WINEARCH=win32
+# No debugger on a crash (the process ends with an error code instead of hanging) and no offers to download add-ons.
+export WINEDLLOVERRIDES="winedbg.exe=d;mscoree,mshtml="
+export WINEDEBUG=${WINEDEBUG:--all}
+
+say() { printf '%s\n' "$*" >&2; }
+die() { printf '%s: %s\n' "$(basename "$0")" "$*" >&2; exit 1; }
+
+# Runs a step quietly; what it printed is shown only when it fails, with one line that says what to do.
+quietly() {
+  local what=$1 log
+  shift
+  mkdir -p "$build_dir"
+  log=$build_dir/$(printf '%s' "$what" | tr -c 'a-zA-Z0-9\n' '-').log
+  say "$what ..."
+  if ! "$@" >"$log" 2>&1; then
+    tail -n 40 "$log" >&2
+    die "failed: $what (whole output: ${log#"$root"/})"
+  fi
+}
+
+# Starts a virtual display of its own and points DISPLAY at it; ends with the calling script.
+start_display() {
+  local geometry=${1:-1280x1024x24} number_file=$build_dir/display.$$
+  : >"$number_file"
+  Xvfb -displayfd 3 -screen 0 "$geometry" -nolisten tcp 3>"$number_file" >/dev/null 2>&1 &
+  display_pid=$!
+  for _ in $(seq 100); do
+    [ -s "$number_file" ] && break
+    sleep 0.05
+  done
+  [ -s "$number_file" ] || die "the virtual display did not start; is the package xvfb whole?"
+  DISPLAY=:$(cat "$number_file")
+  export DISPLAY
+  rm -f "$number_file"
+}
+
+stop_display() {
+  [ -n "${display_pid:-}" ] || return 0
+  kill "$display_pid" 2>/dev/null || true
+  wait "$display_pid" 2>/dev/null || true
+  display_pid=
+}
+
+stop_wine() {
+  command -v wineserver >/dev/null && [ -d "$WINEPREFIX" ] || return 0
+  wineserver -k 2>/dev/null || true
+  wineserver -w 2>/dev/null || true
+}

@@ -1,0 +1,61 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that building, running and testing need. Does nothing, quickly, when all are there.
+source "$(dirname "$0")/common.sh"
+
+packages=(
+  cmake ninja-build g++-mingw-w64-i686-posix googletest  # tool chain and test library
+  wine wine64 wine32:i386                                # runs what was built
+  xvfb xdotool imagemagick x11-utils                     # display, mouse, screenshots
+  socat                                                  # pseudo-terminal pairs as serial lines
+  fp-utils                                               # chmcmd, the help compiler
+  python3                                                # artwork and small build steps
+  fonts-dejavu-core fonts-liberation                     # text in the windows
+)
+
+missing() {
+  local package status
+  for package in "${packages[@]}"; do
+    status=$(dpkg-query -W -f '${Status}' "$package" 2>/dev/null || true)
+    [ "$status" = "install ok installed" ] || printf '%s\n' "$package"
+  done
+}
+
+mapfile -t wanted < <(missing)
+[ ${#wanted[@]} -eq 0 ] && exit 0
+
+command -v apt-get >/dev/null || die "this machine has no apt-get; install by hand: ${wanted[*]}"
+if [ "$(id -u)" -eq 0 ]; then
+  as_root=()
+elif command -v sudo >/dev/null; then
+  as_root=(sudo)
+else
+  die "packages are missing and neither root nor sudo is at hand; install as root: ${wanted[*]}"
+fi
+
+dpkg --print-foreign-architectures | grep -qx i386 || "${as_root[@]}" dpkg --add-architecture i386 ||
+  die "could not add the i386 architecture (32-bit Wine needs it)"
+
+export DEBIAN_FRONTEND=noninteractive
+install_with() { "${as_root[@]}" apt-get "$@" install -y --no-install-recommends "${wanted[@]}"; }
+
+# A stale index is worse than a partly refreshed one, so a failed update is not yet the end: the install decides.
+update() { "${as_root[@]}" apt-get update || say "apt-get update reported errors; trying with what it fetched"; }
+
+# When the i386 index of the security suite is broken, amd64 and i386 versions of shared libraries differ and nothing
+# installs. Lowering that suite for this one call, in a preferences file of our own, gives both the same version.
+install_without_security_suite() {
+  local preferences
+  preferences=$(mktemp)
+  printf 'Package: *\nPin: release l=Debian-Security\nPin-Priority: 90\n' >"$preferences"
+  chmod 644 "$preferences"
+  install_with -o Dir::Etc::preferences="$preferences"
+  local result=$?
+  rm -f "$preferences"
+  return $result
+}
+
+install_all() { update; install_with || install_without_security_suite; }
+quietly "installing packages" install_all
+
+mapfile -t wanted < <(missing)
+[ ${#wanted[@]} -eq 0 ] || die "still missing after the install: ${wanted[*]}"
