@@ -7,6 +7,7 @@
 
 #include "framework/guards.h"
 #include "framework/picture.h"
+#include "framework/whole_number.h"
 
 namespace kv {
 
@@ -48,9 +49,7 @@ BOOL BlendColor(COLORREF start, COLORREF end, int steps, int step, COLORREF* res
 }
 
 COLORREF ShadeColor(COLORREF color, double factor) {
-  const auto shade = [factor](BYTE channel) {
-    return static_cast<int>(std::clamp(std::round(channel * factor), 0.0, 255.0));
-  };
+  const auto shade = [factor](BYTE channel) { return std::clamp(ToInt(std::round(channel * factor)), 0, 255); };
   return RGB(shade(GetRValue(color)), shade(GetGValue(color)), shade(GetBValue(color)));
 }
 
@@ -129,18 +128,19 @@ void DrawStatusButton(const DRAWITEMSTRUCT& item, int scheme, UINT flags) {
   wchar_t text[256] = L"";
   GetWindowTextW(item.hwndItem, text, ARRAYSIZE(text));
   const auto font = reinterpret_cast<HFONT>(SendMessageA(item.hwndItem, WM_GETFONT, 0, 0));
-  const SelectedObject selectedFont(item.hDC, font ? font : GetStockObject(SYSTEM_FONT));
-  const int oldMode = SetBkMode(item.hDC, TRANSPARENT);
+  const int saved = SaveDC(item.hDC);
+  SelectObject(item.hDC, font ? font : GetStockObject(SYSTEM_FONT));
+  SetBkMode(item.hDC, TRANSPARENT);
+  IntersectClipRect(item.hDC, area.left, area.top, area.right, area.bottom);
   // A dark twin one pixel down keeps the white text readable on the green face.
   RECT shadow = area;
   OffsetRect(&shadow, 1, 1);
-  const COLORREF oldColor = SetTextColor(item.hDC, ShadeColor(base, 0.45));
   constexpr UINT kCentred = DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX;
+  SetTextColor(item.hDC, ShadeColor(base, 0.45));
   DrawTextW(item.hDC, text, -1, &shadow, kCentred);
   SetTextColor(item.hDC, RGB(255, 255, 255));
   DrawTextW(item.hDC, text, -1, &area, kCentred);
-  SetTextColor(item.hDC, oldColor);
-  SetBkMode(item.hDC, oldMode);
+  RestoreDC(item.hDC, saved);
 }
 
 }  // namespace kv
