@@ -142,12 +142,13 @@ TEST_F(WindowPositionTest, Numbers) {
   number = 5;
   EXPECT_TRUE(kv::WindowNumber(kName, &number, kv::kPositionRestorePlace));
   EXPECT_EQ(77u, number);
-  Store("ab", REG_SZ, false);  // any type does
+  Store("ab", REG_BINARY, false);  // any type does, and what it does not cover stays
+  number = 0x12345678;
   EXPECT_TRUE(kv::WindowNumber(kName, &number, kv::kPositionRestore));
-  EXPECT_EQ('a' | 'b' << 8, static_cast<int>(number));
+  EXPECT_EQ(0x12346261u, number);
   Store("too long", REG_BINARY);
   EXPECT_TRUE(kv::WindowNumber(kName, &number, kv::kPositionRestore));
-  EXPECT_EQ('a' | 'b' << 8, static_cast<int>(number));
+  EXPECT_EQ(0x12346261u, number);
 
   kvtest::GuardedBytes readOnly(sizeof(DWORD));
   readOnly.MakeReadOnly();
