@@ -7,6 +7,7 @@
 
 #include "framework/guards.h"
 #include "framework/picture.h"
+#include "framework/whole_number.h"
 
 namespace kv {
 
@@ -82,9 +83,7 @@ BOOL BlendColor(COLORREF start, COLORREF end, int steps, int step, COLORREF* res
 }
 
 COLORREF ShadeColor(COLORREF color, double factor) {
-  const auto shade = [factor](BYTE channel) {
-    return static_cast<int>(std::clamp(std::round(channel * factor), 0.0, 255.0));
-  };
+  const auto shade = [factor](BYTE channel) { return std::clamp(ToInt(std::round(channel * factor)), 0, 255); };
   return RGB(shade(GetRValue(color)), shade(GetGValue(color)), shade(GetBValue(color)));
 }
 
