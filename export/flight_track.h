@@ -69,7 +69,7 @@ struct LocalFrame {
 LocalFrame LocalFrameOf(const FlightTrack& track);
 GeodeticPosition PositionFromLocal(const LocalFrame& frame, double x, double y);
 
-// The position on the WGS-84 ellipsoid, to better than 1e-11 degrees from 50 km above the earth's centre outwards
+// The position on the WGS-84 ellipsoid, to better than 1e-11 degrees from 60 km above the earth's centre outwards
 // (further in, a position is not unique; the result is then finite but arbitrary). Longitude -180..180; at a pole and
 // at the centre it is what the signs of x and y say.
 GeodeticPosition PositionFromEarthCentred(double x, double y, double z);
