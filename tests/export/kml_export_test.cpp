@@ -3,11 +3,13 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <psapi.h>
+
 #include <cmath>
 #include <cstdio>
-#include <limits>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "export/flight_track_view.h"
@@ -20,12 +22,8 @@
 #include "framework/window_record.h"
 #include "tests/support/test_window.h"
 
-#include <psapi.h>
-
 namespace kv {
 namespace {
-
-constexpr char kSettingsKey[] = "Software\\korvel\\Configuration";
 
 std::vector<std::wstring> launched;  // "verb|program|parameter" of each shell call
 
@@ -35,11 +33,10 @@ HINSTANCE WINAPI NoteLaunch(HWND, LPCWSTR verb, LPCWSTR program, LPCWSTR paramet
 }
 
 std::string Contents(const std::wstring& path) {
-  std::string text;
+  std::string text(1 << 20, '\0');
   FILE* file = _wfopen(path.c_str(), L"rb");
   if (!file) return "no file";
-  char piece[4096];
-  while (const size_t count = fread(piece, 1, sizeof(piece), file)) text.append(piece, count);
+  text.resize(fread(text.data(), 1, text.size(), file));
   fclose(file);
   return text;
 }
@@ -53,40 +50,47 @@ std::string WithFileLineEnds(std::string text) {
   return text;
 }
 
-// The value of an element's first occurrence.
+// A template filled in, as it stands in a file.
+template <class... Values>
+std::string Printed(KmlTemplate which, Values... values) {
+  wchar_t wide[2048];
+  FormatBounded(wide, sizeof(wide), KmlTemplateText(which), values...);
+  const std::wstring text = wide;
+  return WithFileLineEnds({text.begin(), text.end()});
+}
+
+// What an element holds where it first occurs.
 std::string Element(const std::string& text, const std::string& name) {
   const size_t from = text.find("<" + name + ">") + name.size() + 2;
   return text.substr(from, text.find("</" + name + ">") - from);
 }
 
-// Every element is closed in its order, there is one root, and no character data holds a bare "<" or "&".
+// Every element is closed in its order, there is one root, and no text holds a bare "<" or "&".
 bool IsWellFormed(const std::string& text) {
   std::vector<std::string> open;
-  bool rootSeen = false;
+  int roots = 0;
   size_t at = text.starts_with("<?xml ") ? text.find("?>") + 2 : 0;
   while ((at = text.find_first_of("<&", at)) != std::string::npos) {
     const size_t end = text.find('>', at);
     if (text[at] == '&' || end == std::string::npos) return false;
-    std::string tag = text.substr(at + 1, end - at - 1);
-    if (tag.starts_with('/')) {
-      if (open.empty() || tag != "/" + open.back()) return false;
-      open.pop_back();
+    const std::string tag = text.substr(at + 1, end - at - 1);
+    if (!tag.starts_with('/')) {
+      roots += open.empty();
+      open.push_back("/" + tag.substr(0, tag.find(' ')));
     } else {
-      if (open.empty() && rootSeen) return false;
-      rootSeen = true;
-      open.push_back(tag.substr(0, tag.find(' ')));
+      if (open.empty() || tag != open.back()) return false;
+      open.pop_back();
     }
     at = end + 1;
   }
-  return rootSeen && open.empty();
+  return roots == 1 && open.empty();
 }
 
-void Store(const char* name, const void* data, DWORD size, DWORD type = REG_DWORD) {
-  RegSetValueExA(RegistryKey::Create(kSettingsKey), name, 0, type, static_cast<const BYTE*>(data), size);
-}
+constexpr char kSettingsKey[] = "Software\\korvel\\Configuration";
 
-void StoreFloat(const char* name, float value) {
-  Store(name, &value, sizeof(value), REG_BINARY);
+template <class Value>
+void Store(const char* name, Value value, DWORD type = REG_DWORD, DWORD size = sizeof(Value)) {
+  RegSetValueExA(RegistryKey::Create(kSettingsKey), name, 0, type, reinterpret_cast<const BYTE*>(&value), size);
 }
 
 class KmlExport : public testing::Test {
@@ -96,7 +100,7 @@ class KmlExport : public testing::Test {
     RegDeleteKeyA(HKEY_CURRENT_USER, kSettingsKey);
     wchar_t folder[MAX_PATH];
     GetTempPathW(MAX_PATH, folder);
-    temporary_ = folder;
+    temporary = folder;
     FormatBounded(view.szKmlPath, sizeof(view.szKmlPath), L"%skvTest%lu.kml", folder, GetCurrentProcessId());
     CreateDirectoryW(L"C:\\Temp", nullptr);
     DeleteFileW(kWaypointsPath);
@@ -121,7 +125,7 @@ class KmlExport : public testing::Test {
   std::vector<FlightTrackPoint> points;
   FlightTrack track{};
   FlightTrackViewState view{};
-  std::wstring temporary_;
+  std::wstring temporary;
 
  private:
   decltype(ShellCalls::executeW) realExecute_;
@@ -175,40 +179,28 @@ TEST_F(KmlExport, WholeDocumentOfThreePoints) {
 }
 
 TEST_F(KmlExport, SettingsShapeTheDocument) {
-  const DWORD flags = 2, width = 0xFFFFFFFF, line = 0x12345678, fill = 0x9A0B0C0D;
-  const std::uint64_t tooLong = 7;
-  Store("KMLFlags", &flags, 4, REG_SZ);
-  Store("KMLLineWidth", &width, 4);
-  Store("KMLLineColor", &line, 4, REG_BINARY);
-  Store("KMLPolygonColor", &fill, 4);
-  Store("KMLAltitude", &tooLong, 8, REG_BINARY);
-  Store("KMLHeading", &tooLong, 2, REG_BINARY);
-  StoreFloat("KMLRange", 1500.25f);
-  StoreFloat("KMLTilt", -60);
+  Store("KMLFlags", DWORD{2}, REG_SZ);
+  Store("KMLLineWidth", DWORD{0xFFFFFFFF});
+  Store("KMLLineColor", DWORD{0x12345678}, REG_BINARY);
+  Store("KMLPolygonColor", DWORD{0x9A0B0C0D});
+  Store("KMLAltitude", 7.0, REG_BINARY);     // eight bytes
+  Store("KMLHeading", 7.0f, REG_BINARY, 2);  // two
+  Store("KMLRange", 1500.25f, REG_BINARY);
+  Store("KMLTilt", -60.0f);
   const std::string text = Exported();
-  EXPECT_NE(std::string::npos, text.find("<color>FF345678</color>\r\n    <width>-1</width>"));
-  EXPECT_EQ("BF0B0C0D", Element(text.substr(text.find("<PolyStyle>")), "color"));
-  EXPECT_EQ("1", Element(text, "extrude"));
-  EXPECT_EQ("0", Element(text, "tessellate"));
-  EXPECT_EQ("0.0", Element(text, "altitude"));
-  EXPECT_EQ("0.0", Element(text, "heading"));
-  EXPECT_EQ("1500.3", Element(text, "range"));
-  EXPECT_EQ("-60.0", Element(text, "tilt"));
+  const GeodeticPosition at = PositionFromLocal(LocalFrameOf(track), 0, 0);
+  EXPECT_TRUE(text.starts_with(Printed(KmlTemplate::kHeader, at.longitude, at.latitude, 0.0, 1500.25, -60.0, 0.0) +
+                               Printed(KmlTemplate::kTrackHead, 0xFF345678ul, -1l, 0xBF0B0C0Dul, 1l, 0l)));
 
-  StoreFloat("KMLTransparency", 100);
+  Store("KMLTransparency", 100.0f);
   EXPECT_EQ(0xFF0B0C0Du, ReadKmlSettings().dwPolygonColor);
 }
 
 TEST(FillAlpha, LowByteOfTheTruncatedValueAndNothingUndefined) {
-  EXPECT_EQ(255u, FillAlpha(0));
-  EXPECT_EQ(0xBFu, FillAlpha(25));
-  EXPECT_EQ(254u, FillAlpha(0.1f));  // 254.744
-  EXPECT_EQ(0u, FillAlpha(99.7f));   // -0.232 is truncated towards zero
-  EXPECT_EQ(0xFFu, FillAlpha(100));
-  EXPECT_EQ(0xFFu, FillAlpha(200));   // -257
-  EXPECT_EQ(0xFFu, FillAlpha(-100));  // 511
-  const float infinity = std::numeric_limits<float>::infinity();
-  for (const float none : {infinity, -infinity, NAN, 1e9f, -1e9f, 3e38f}) EXPECT_EQ(0u, FillAlpha(none));
+  const std::pair<float, DWORD> known[] = {{0, 255},      {25, 0xBF},     {0.1f, 254},  {99.7f, 0},
+                                           {100, 0xFF},   {200, 0xFF},    {-100, 0xFF}, {NAN, 0},
+                                           {INFINITY, 0}, {-INFINITY, 0}, {1e9f, 0},    {-3e38f, 0}};
+  for (const auto& [transparency, alpha] : known) EXPECT_EQ(alpha, FillAlpha(transparency)) << transparency;
 }
 
 TEST_F(KmlExport, CoordinateLinesAreWhatTheTemplatePrints) {
@@ -216,53 +208,50 @@ TEST_F(KmlExport, CoordinateLinesAreWhatTheTemplatePrints) {
   for (const double latitude : {0.0, 89.9999, 90.0, -90.0}) {
     track.dReferenceLatitude = latitude;
     const std::string text = Exported();
+    EXPECT_TRUE(IsWellFormed(text));
     for (const FlightTrackPoint& point : points) {
       const GeodeticPosition at = PositionFromLocal(LocalFrameOf(track), point.dX, point.dY);
-      wchar_t wide[1024];
-      FormatBounded(wide, sizeof(wide), KmlTemplateText(KmlTemplate::kCoordinateLine), at.longitude, at.latitude,
-                    point.dAltitude);
-      const std::wstring line = wide;
-      EXPECT_NE(std::string::npos, text.find(WithFileLineEnds({line.begin(), line.end()}))) << latitude;
+      const std::string line = Printed(KmlTemplate::kCoordinateLine, at.longitude, at.latitude, point.dAltitude);
+      EXPECT_NE(std::string::npos, text.find(line)) << latitude;
     }
-    EXPECT_TRUE(IsWellFormed(text));
   }
+  EXPECT_FALSE(IsWellFormed("<a><b></a></b>"));
 }
 
-TEST_F(KmlExport, OnePointIsOneLineAndNoPointIsNoFile) {
-  SetPoints({{0, 0, 7}});
-  EXPECT_EQ("\r\n    8.0000000000,47.0000000000,7.0\r\n    ", Element(Exported(), "coordinates"));
-  DeleteFileW(view.szKmlPath);
-  launched.clear();
+TEST_F(KmlExport, NoPointIsNoFileOneIsOneLineAndManyAreAllThere) {
   track.nPoints = 0;
   EXPECT_TRUE(exportTrackKml(&view));
   EXPECT_TRUE(exportWaypointsText(&view));
   EXPECT_FALSE(Exists(view.szKmlPath));
   EXPECT_FALSE(Exists(kWaypointsPath));
   EXPECT_TRUE(launched.empty());
+
+  SetPoints({{0, 0, 7}});
+  EXPECT_EQ("\r\n    8.0000000000,47.0000000000,7.0\r\n    ", Element(Exported(), "coordinates"));
+
+  SetPoints(std::vector<FlightTrackPoint>(5000, {.bKind = kPointGeodetic}));
+  std::string expected;
+  for (int i = 0; i < 5000; ++i) {
+    points[i].dAltitude = i;
+    expected += "0.0000000000,0.0000000000," + std::to_string(i) + ".0\r\n";
+  }
+  EXPECT_TRUE(exportWaypointsText(&view));
+  EXPECT_EQ(expected, Contents(kWaypointsPath));
 }
 
 TEST_F(KmlExport, TemplatesOfTheSinglePointAreWellFormed) {
-  std::wstring wide;
-  for (const auto which : {KmlTemplate::kPointHead, KmlTemplate::kPoint, KmlTemplate::kPointTail}) {
-    wchar_t text[1024];
-    if (which == KmlTemplate::kPointHead) FormatBounded(text, sizeof(text), KmlTemplateText(which), L"Start");
-    if (which == KmlTemplate::kPoint) FormatBounded(text, sizeof(text), KmlTemplateText(which), 8.5, 47.25, 1.5);
-    if (which == KmlTemplate::kPointTail) FormatBounded(text, sizeof(text), KmlTemplateText(which));
-    wide += text;
-  }
-  const std::string text(wide.begin(), wide.end());
+  const std::string text = Printed(KmlTemplate::kPointHead, L"Start") + Printed(KmlTemplate::kPoint, 8.5, 47.25, 1.5) +
+                           Printed(KmlTemplate::kPointTail);
   EXPECT_TRUE(IsWellFormed(text));
   EXPECT_EQ("Start", Element(text, "name"));
   EXPECT_EQ("8.500000000000000,47.250000000000000,1.50", Element(text, "coordinates"));
-  EXPECT_FALSE(IsWellFormed("<a><b></a></b>"));
 }
 
 TEST_F(KmlExport, RefusesABadStateAndAFileThatCannotBeCreated) {
-  kvtest::GuardedBytes small(sizeof(view) - 1);
+  kvtest::GuardedBytes small(sizeof(view) - 4);
   EXPECT_FALSE(exportTrackKml(small.as<FlightTrackViewState>()));
   EXPECT_FALSE(exportWaypointsText(small.as<FlightTrackViewState>()));
-  EXPECT_FALSE(exportTrackKml(nullptr));
-  FormatBounded(view.szKmlPath, sizeof(view.szKmlPath), L"%sno such folder\\a.kml", temporary_.c_str());
+  FormatBounded(view.szKmlPath, sizeof(view.szKmlPath), L"%sno such folder\\a.kml", temporary.c_str());
   EXPECT_FALSE(exportTrackKml(&view));
   CreateDirectoryW(kWaypointsPath, nullptr);  // in the file's place
   EXPECT_TRUE(exportWaypointsText(&view));
@@ -271,11 +260,10 @@ TEST_F(KmlExport, RefusesABadStateAndAFileThatCannotBeCreated) {
 }
 
 // A pipe whose reader goes away stands for the disk that fills up.
-TEST_F(KmlExport, AFailedWriteStartsNoViewer) {
+TEST_F(KmlExport, AFailedWriteStartsNoViewerAndLeavesNoFile) {
   SetPoints(std::vector<FlightTrackPoint>(3000));
   FormatBounded(view.szKmlPath, sizeof(view.szKmlPath), L"\\\\.\\pipe\\kvTest%lu", GetCurrentProcessId());
-  HANDLE pipe =
-      CreateNamedPipeW(view.szKmlPath, PIPE_ACCESS_INBOUND, PIPE_TYPE_BYTE | PIPE_WAIT, 1, 512, 512, 0, nullptr);
+  HANDLE pipe = CreateNamedPipeW(view.szKmlPath, PIPE_ACCESS_INBOUND, PIPE_TYPE_BYTE, 1, 512, 512, 0, nullptr);
   ASSERT_NE(INVALID_HANDLE_VALUE, pipe);
   std::thread reader([pipe] {
     ConnectNamedPipe(pipe, nullptr);
@@ -285,54 +273,44 @@ TEST_F(KmlExport, AFailedWriteStartsNoViewer) {
   reader.join();
   EXPECT_TRUE(launched.empty());
 
-  const std::wstring path = temporary_ + L"kvTestGivenUp.txt";
+  const std::wstring path = temporary + L"kvTestGivenUp.txt";
   {
     TextFile file(path.c_str());
-    file.Write("half a line");
     EXPECT_TRUE(Exists(path));
   }
   EXPECT_FALSE(Exists(path));
 }
 
 TEST_F(KmlExport, WaypointsComeFromWhatTheKindSays) {
-  SetPoints(std::vector<FlightTrackPoint>(6, {.dX = 100, .dY = -200, .dAltitude = 5}));
-  points[0].bKind = 9;
-  points[1].bKind = kPointLocal;
-  points[2].bKind = kPointGeodetic;
-  points[2].dLongitude = -12.5;
-  points[2].dLatitude = 33.25;
-  points[3].bKind = 3;
-  points[3].dAltitude = 6;
-  points[4].bKind = kPointEarthCentred;
-  points[4].dCentredX = points[4].dCentredY = 3194419.1450605732;
-  points[4].dCentredZ = 4487348.408865919;
-  points[5].bKind = 255;
+  SetPoints({{.dAltitude = 5, .bKind = 9},
+             {.dX = 100, .dY = -200, .dAltitude = 5, .bKind = kPointLocal},
+             {.dAltitude = 5, .bKind = kPointGeodetic, .dLatitude = 33.25, .dLongitude = -12.5},
+             {.dAltitude = 6, .bKind = 3},
+             {.bKind = kPointEarthCentred,
+              .dCentredX = 3194419.1450605732,
+              .dCentredY = 3194419.1450605732,
+              .dCentredZ = 4487348.408865919}});
   EXPECT_TRUE(exportWaypointsText(&view));
   EXPECT_EQ(
       "8.0000000000,47.0000000000,5.0\r\n"
       "8.0013171810,47.0018026746,5.0\r\n"
       "-12.5000000000,33.2500000000,5.0\r\n"
       "-12.5000000000,33.2500000000,6.0\r\n"
-      "45.0000000000,45.0000000000,5.0\r\n"
-      "45.0000000000,45.0000000000,5.0\r\n",
+      "45.0000000000,45.0000000000,0.0\r\n",
       Contents(kWaypointsPath));
   EXPECT_TRUE(launched.empty());
 }
 
-TEST_F(KmlExport, PositionIsWrittenShownAndTheParentActivated) {
-  const std::wstring path = temporary_ + L"kvHelmsdeckTemp.kml";
+TEST_F(KmlExport, PositionIsWrittenAndShownAndTheParentActivated) {
+  const std::wstring path = temporary + L"kvHelmsdeckTemp.kml";
   kvtest::RecordingParent parent, other;
   HWND child = kvtest::CreateControl(parent, "STATIC", "", 0, {0, 0, 9, 9}, 1);
   SetActiveWindow(other);
-  ASSERT_EQ(static_cast<HWND>(other), GetActiveWindow());
   EXPECT_TRUE(showPositionInGlobe(child, -70.5, -33.25, 1234.5));
   EXPECT_EQ(static_cast<HWND>(parent), GetActiveWindow());
   const std::string text = Contents(path);
   EXPECT_TRUE(IsWellFormed(text));
-  EXPECT_EQ("-70.5000000000", Element(text, "longitude"));
-  EXPECT_EQ("-33.2500000000", Element(text, "latitude"));
-  EXPECT_EQ("1234.5", Element(text, "range"));
-  EXPECT_NE(std::string::npos, text.find("  </LookAt>\r\n\r\n </Folder>\r\n</kml>\r\n"));
+  EXPECT_EQ(Printed(KmlTemplate::kHeader, -70.5, -33.25, 0.0, 1234.5, 0.0, 0.0) + " </Folder>\r\n</kml>\r\n", text);
 
   DeleteFileW(path.c_str());
   CreateDirectoryW(path.c_str(), nullptr);  // the file cannot be created; the viewer starts nevertheless
@@ -359,7 +337,7 @@ class FlightTrackView : public KmlExport {
     state = WindowRecord<FlightTrackViewState>(window);
   }
   ~FlightTrackView() override {
-    if (state) DeleteFileW(state->szKmlPath);
+    DeleteFileW(state->szKmlPath);
     DestroyWindow(window);
     RegisterFlightTrackView(GetModuleHandleA(nullptr), FALSE);
   }
@@ -375,27 +353,29 @@ class FlightTrackView : public KmlExport {
   FlightTrackViewState* state;
 };
 
-TEST_F(FlightTrackView, FixesItsPathAtCreation) {
-  ASSERT_NE(nullptr, state);
+TEST_F(FlightTrackView, FixesItsPathAndFillsItsBackground) {
   const std::wstring path = state->szKmlPath;
-  EXPECT_TRUE(path.starts_with(temporary_));
-  const std::wstring name = path.substr(temporary_.size());
-  EXPECT_EQ(12u, name.size());
+  ASSERT_TRUE(path.starts_with(temporary));
+  const std::wstring name = path.substr(temporary.size());
   EXPECT_EQ(8u, name.find_first_not_of(L"0123456789ABCDEF"));
-  const DWORD age = GetTickCount() - std::wcstoul(name.c_str(), nullptr, 16);
-  EXPECT_LT(age, 10000u);
+  EXPECT_LT(GetTickCount() - std::wcstoul(name.c_str(), nullptr, 16), 10000u);
+  EXPECT_TRUE(name.ends_with(L".kml"));
+
+  ShowWindow(parent, SW_SHOWNOACTIVATE);
+  UpdateWindow(window);
+  const WindowDc dc(window);
+  EXPECT_EQ(kDialogBlue, GetPixel(dc, 20, 15));
 }
 
 TEST_F(FlightTrackView, ExportsOnRequestAndByItself) {
   EXPECT_EQ(1, Send(19, &track));
-  EXPECT_TRUE(launched.empty());
   EXPECT_EQ(1, Export(0x8000 | 0x0100, 7));  // neither document: nothing is done, nothing switched
   EXPECT_FALSE(state->bAutoExport);
-  EXPECT_FALSE(Exists(state->szKmlPath));
-
   EXPECT_EQ(1, Export(0x8000, 0));
   EXPECT_TRUE(Exists(kWaypointsPath));
+  EXPECT_FALSE(Exists(state->szKmlPath));
   EXPECT_TRUE(launched.empty());
+
   EXPECT_EQ(1, Export(0x8000 | 0x0100, 1));
   EXPECT_TRUE(IsWellFormed(Contents(state->szKmlPath)));
   EXPECT_EQ(1, Send(19, &track));
@@ -413,24 +393,14 @@ TEST_F(FlightTrackView, HoldsTheTrackOfItsOwner) {
   FlightTrack copy{};
   EXPECT_EQ(0, Send(19 | 0x8000, &copy));
   EXPECT_EQ(1, Send(19, &track));
-  kvtest::GuardedBytes small(sizeof(FlightTrack) - 1);
-  for (const void* bad : {static_cast<const void*>(nullptr), static_cast<const void*>(small.data())}) {
-    EXPECT_EQ(0, Send(19, bad));
-    EXPECT_EQ(0, Send(19 | 0x8000, bad));
-  }
+  kvtest::GuardedBytes small(sizeof(FlightTrack) - 8);
+  EXPECT_EQ(0, Send(19, small.data()));
+  EXPECT_EQ(0, Send(19 | 0x8000, small.data()));
   EXPECT_EQ(1, Send(19 | 0x8000, &copy));
   EXPECT_EQ(points.data(), copy.lpPoints);
   EXPECT_EQ(1, Send(19 | 0x4000, nullptr));
-  EXPECT_EQ(nullptr, state->lpTrack);
   EXPECT_EQ(1, Export(0x8000, 1));
-  EXPECT_FALSE(Exists(state->szKmlPath));
-}
-
-TEST_F(FlightTrackView, FillsItsBackground) {
-  ShowWindow(parent, SW_SHOWNOACTIVATE);
-  UpdateWindow(window);
-  const WindowDc dc(window);
-  EXPECT_EQ(kDialogBlue, GetPixel(dc, 20, 15));
+  EXPECT_TRUE(launched.empty());
 }
 
 SIZE_T MemoryInUse() {
@@ -440,40 +410,28 @@ SIZE_T MemoryInUse() {
 }
 
 TEST_F(FlightTrackView, OutlivesAStormAndLeavesNoMemoryBehind) {
-  const char* wanted = std::getenv("KV_STORM_MESSAGES");
-  const int count = wanted ? std::atoi(wanted) : 20000;
   kvtest::GuardedBytes readOnly(sizeof(FlightTrack)), small(16);
   readOnly.MakeReadOnly();
-  const LPARAM addresses[] = {0,
-                              1,
-                              2,
-                              -1,
-                              0x10,
-                              reinterpret_cast<LPARAM>(&track),
-                              reinterpret_cast<LPARAM>(readOnly.data()),
-                              reinterpret_cast<LPARAM>(small.data())};
-  const UINT messages[] = {WM_PAINT,         WM_ERASEBKGND, WM_SIZE,  WM_COPY,    WM_KEYDOWN,  WM_MOUSEMOVE,
-                           WM_LBUTTONDBLCLK, WM_ENABLE,     WM_TIMER, WM_COMMAND, WM_USER + 2, WM_USER + 4};
-  const auto storm = [&](int messageCount) {
-    for (int i = 0; i < messageCount; ++i) {
-      const unsigned dice = static_cast<unsigned>(std::rand());
-      const WPARAM flags = (dice & 7) << 13 | (dice & 0x100);
+  const void* addresses[] = {
+      nullptr, &track, small.data(), readOnly.data(), reinterpret_cast<void*>(1), reinterpret_cast<void*>(-1)};
+  const UINT others[] = {WM_PAINT, WM_ERASEBKGND, WM_SIZE, WM_COPY, WM_KEYDOWN, WM_TIMER, WM_COMMAND, WM_USER + 4};
+  const auto storm = [&](int messages) {
+    for (int i = 0; i < messages; ++i) {
+      const auto dice = static_cast<unsigned>(std::rand());
       const WPARAM operation = dice % 5 == 0 ? 12 : dice % 5 < 4 ? 19 : dice & 0xFF;
-      const UINT message = dice % 3 ? kControlCommand : messages[dice / 3 % std::size(messages)];
-      SendMessageA(window, message, flags | operation, addresses[dice / 64 % std::size(addresses)]);
-      ASSERT_EQ(state, WindowRecord<FlightTrackViewState>(window));
+      const WPARAM wParam = (dice & 7) << 13 | (dice & 0x100) | operation;
+      const auto lParam = reinterpret_cast<LPARAM>(addresses[dice / 64 % std::size(addresses)]);
+      SendMessageA(window, dice % 3 ? kControlCommand : others[dice / 3 % std::size(others)], wParam, lParam);
       launched.clear();
     }
-  };
-  const auto windows = [&] {
     for (int i = 0; i < 3000; ++i) DestroyWindow(Create());
   };
   storm(1000);
-  windows();
   const SIZE_T before = MemoryInUse();
-  storm(count);
-  windows();
+  const char* wanted = std::getenv("KV_STORM_MESSAGES");
+  storm(wanted ? std::atoi(wanted) : 20000);
   EXPECT_LT(MemoryInUse(), before + 1024 * 1024);
+  EXPECT_EQ(state, WindowRecord<FlightTrackViewState>(window));
 }
 
 }  // namespace
