@@ -1,6 +1,5 @@
 #include "export/flight_track.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -65,7 +64,7 @@ GeodeticPosition PositionFromEarthCentred(double x, double y, double z) {
     const double length = std::hypot(sine, cosine);
     if (length == 0) break;
     up = z + kSecondEccentricitySquared * kPolarRadius * Cube(sine / length);
-    out = std::max(0.0, fromAxis - kEccentricitySquared * kEquatorRadius * Cube(cosine / length));
+    out = fromAxis - kEccentricitySquared * kEquatorRadius * Cube(cosine / length);
     sine = up * kAxisRatio;
     cosine = out;
   }
