@@ -1,0 +1,93 @@
+#include "export/fixed_number.h"
+
+#include <cmath>
+#include <cstdint>
+
+#include "framework/bounded_format.h"
+
+namespace kv {
+
+namespace {
+
+// Beyond this the integer part does not fit the 32-bit arithmetic below.
+constexpr double kWholeLimit = 1e9;
+
+// Run-times differ in how they print a number that lies half way between two texts: some round to even, some away from
+// zero, and some first cut the number to 17 significant digits, so that a number just beside the middle counts as the
+// middle. Within this distance of the middle (in 2^-64 of the last decimal's unit; here 1/4096 of that unit) the
+// run-time itself prints the number. It also covers what the arithmetic below cuts off, which is less than 2^34.
+constexpr std::uint64_t kUndecided = std::uint64_t{1} << 52;
+constexpr std::uint64_t kMiddle = std::uint64_t{1} << 63;
+
+// The distance above holds for a 17-digit rounding as long as value and decimals together stay below 10^13 units.
+constexpr double kLimits[kMaxFixedDecimals + 1] = {
+    kWholeLimit, kWholeLimit, kWholeLimit, kWholeLimit, kWholeLimit, 1e8, 1e7, 1e6, 1e5, 1e4, 1e3,
+};
+constexpr std::uint32_t kPowersOfTen[6] = {1, 10, 100, 1000, 10000, 100000};
+constexpr int kDigitsPerStep = 5;
+
+char* PutFixedByRunTime(char* to, double value, int decimals) {
+  wchar_t text[kFixedNumberRoom + 1];
+  FormatBounded(text, sizeof(text), L"%.*f", decimals, value);
+  for (const wchar_t* from = text; *from; ++from) *to++ = static_cast<char>(*from);
+  return to;
+}
+
+// Multiplies a fraction in units of 2^-64 by `factor`: the whole part is returned, the rest stays in `fraction`.
+std::uint32_t TakeDigits(std::uint64_t& fraction, std::uint32_t factor) {
+  const std::uint64_t low = (fraction & 0xFFFFFFFF) * factor;
+  const std::uint64_t high = (fraction >> 32) * factor + (low >> 32);
+  fraction = (high << 32) | (low & 0xFFFFFFFF);
+  return static_cast<std::uint32_t>(high >> 32);
+}
+
+char* PutDigits(char* to, std::uint32_t number, int count) {
+  for (int i = count - 1; i >= 0; --i) {
+    to[i] = static_cast<char>('0' + number % 10);
+    number /= 10;
+  }
+  return to + count;
+}
+
+char* PutWhole(char* to, std::uint32_t number) {
+  int count = 1;
+  for (std::uint32_t rest = number / 10; rest; rest /= 10) ++count;
+  return PutDigits(to, number, count);
+}
+
+}  // namespace
+
+char* PutFixed(char* to, double value, int decimals) {
+  const double magnitude = std::fabs(value);
+  if (!(magnitude < kLimits[decimals])) return PutFixedByRunTime(to, value, decimals);
+
+  // Both subtractions and both scalings are exact; only what lies below 2^-64 is cut off.
+  auto whole = static_cast<std::uint32_t>(magnitude);
+  const double scaled = (magnitude - whole) * 4294967296.0;
+  const auto upper = static_cast<std::uint32_t>(scaled);
+  const auto lower = static_cast<std::uint32_t>((scaled - upper) * 4294967296.0);
+  std::uint64_t fraction = std::uint64_t{upper} << 32 | lower;
+
+  const int firstCount = decimals > kDigitsPerStep ? decimals - kDigitsPerStep : 0;
+  const int lastCount = decimals - firstCount;
+  std::uint32_t first = TakeDigits(fraction, kPowersOfTen[firstCount]);
+  std::uint32_t last = TakeDigits(fraction, kPowersOfTen[lastCount]);
+
+  const std::uint64_t toMiddle = fraction > kMiddle ? fraction - kMiddle : kMiddle - fraction;
+  if (toMiddle < kUndecided) return PutFixedByRunTime(to, value, decimals);
+  if (fraction > kMiddle && ++last == kPowersOfTen[lastCount]) {
+    last = 0;
+    if (++first == kPowersOfTen[firstCount]) {
+      first = 0;
+      ++whole;
+    }
+  }
+
+  if (std::signbit(value)) *to++ = '-';
+  to = PutWhole(to, whole);
+  *to++ = '.';
+  to = PutDigits(to, first, firstCount);
+  return PutDigits(to, last, lastCount);
+}
+
+}  // namespace kv

@@ -1,0 +1,195 @@
+#include "export/kml_export.h"
+
+#include <shlobj.h>
+
+#include <cstdarg>
+#include <cstring>
+#include <cwchar>
+#include <iterator>
+#include <string_view>
+#include <utility>
+
+#include "export/fixed_number.h"
+#include "export/kml_templates.h"
+#include "export/text_file.h"
+#include "framework/bounded_format.h"
+#include "framework/shell_launch.h"
+
+namespace kv {
+
+namespace {
+
+constexpr wchar_t kPositionFile[] = L"kvHelmsdeckTemp.kml";
+constexpr DWORD kPositionFolderRoom = 228;
+constexpr wchar_t kViewerBelowProgramFiles[] = L"Google\\Google Earth\\GoogleEarth.exe";
+constexpr char kHelmsdeckMutex[] = "kvHelmsdeck_Process_Mutex";
+
+constexpr int kAngleDecimals = 10;
+constexpr int kAltitudeDecimals = 1;
+constexpr std::string_view kCoordinateIndent = "    ";
+
+// A number or two as text, kept while lines are put together.
+struct NumberText {
+  char text[2 * kFixedNumberRoom];
+  size_t length;
+
+  std::string_view view() const { return {text, length}; }
+};
+static_assert(kCoordinateIndent.size() + 3 * kFixedNumberRoom + 3 <= TextFile::kLineRoom);
+
+void PutPosition(NumberText& to, GeodeticPosition position) {
+  char* end = PutFixed(to.text, position.longitude, kAngleDecimals);
+  *end++ = ',';
+  end = PutFixed(end, position.latitude, kAngleDecimals);
+  to.length = static_cast<size_t>(end - to.text);
+}
+
+void PutAltitude(NumberText& to, double altitude) {
+  to.length = static_cast<size_t>(PutFixed(to.text, altitude, kAltitudeDecimals) - to.text);
+}
+
+char* PutText(char* to, std::string_view text) {
+  std::memcpy(to, text.data(), text.size());
+  return to + text.size();
+}
+
+// One line as KmlTemplate::kCoordinateLine prints it, from numbers that are text already.
+void WriteLine(TextFile& file, std::string_view indent, const NumberText& position, const NumberText& altitude) {
+  char* end = PutText(file.LineRoom(), indent);
+  end = PutText(end, position.view());
+  *end++ = ',';
+  end = PutText(end, altitude.view());
+  *end++ = '\n';
+  file.LineDone(end);
+}
+
+// The templates and what is put into them are ASCII, so each character is one byte of the file.
+void WriteFormatted(TextFile& file, const wchar_t* format, ...) {
+  wchar_t text[4096];
+  va_list arguments;
+  va_start(arguments, format);
+  FormatBoundedV(text, std::size(text), format, arguments);
+  va_end(arguments);
+  for (const wchar_t* from = text; *from; ++from) {
+    const char character = static_cast<char>(*from);
+    file.Write({&character, 1});
+  }
+}
+
+void WriteHeader(TextFile& file, GeodeticPosition at, double altitude, double range, double tilt, double heading) {
+  WriteFormatted(file, KmlTemplateText(KmlTemplate::kHeader), at.longitude, at.latitude, altitude, range, tilt,
+                 heading);
+}
+
+void WriteTrackHead(TextFile& file, const KmlSettings& settings) {
+  WriteFormatted(file, KmlTemplateText(KmlTemplate::kTrackHead), settings.dwLineColor, settings.dwLineWidth,
+                 settings.dwPolygonColor, settings.dwFlags & kKmlExtrude ? 1L : 0L,
+                 settings.dwFlags & kKmlTessellate ? 1L : 0L);
+}
+
+// Every change of altitude becomes a vertical step: the line first climbs or sinks at the place where it was. A track
+// of a million points is common, and most of the time goes into printing numbers, so each number is printed once only.
+void WriteCoordinates(TextFile& file, const LocalFrame& frame, std::span<const FlightTrackPoint> points) {
+  NumberText positions[2], altitude;
+  NumberText *position = &positions[0], *previous = &positions[1];
+  const FlightTrackPoint& first = points.front();
+  PutPosition(*previous, PositionFromLocal(frame, first.dX, first.dY));
+  PutAltitude(altitude, first.dAltitude);
+  double previousAltitude = first.dAltitude;
+  for (const FlightTrackPoint& point : points) {
+    PutPosition(*position, PositionFromLocal(frame, point.dX, point.dY));
+    if (point.dAltitude != previousAltitude) {
+      PutAltitude(altitude, point.dAltitude);
+      WriteLine(file, kCoordinateIndent, *previous, altitude);
+      previousAltitude = point.dAltitude;
+    }
+    WriteLine(file, kCoordinateIndent, *position, altitude);
+    std::swap(position, previous);
+  }
+}
+
+void OpenInViewer(const wchar_t* document) {
+  wchar_t folder[MAX_PATH];
+  if (FAILED(SHGetFolderPathW(nullptr, CSIDL_PROGRAM_FILES, nullptr, SHGFP_TYPE_CURRENT, folder))) return;
+  const size_t length = std::wcslen(folder);
+  const wchar_t* separator = length > 0 && folder[length - 1] == L'\\' ? L"" : L"\\";
+  wchar_t program[2 * MAX_PATH];
+  FormatBounded(program, sizeof(program), L"%s%s%s", folder, separator, kViewerBelowProgramFiles);
+  shellCalls.executeW(nullptr, L"open", program, document, nullptr, SW_SHOWNORMAL);
+}
+
+}  // namespace
+
+BOOL WriteTrackKml(const wchar_t* path, const FlightTrack& track, std::span<const FlightTrackPoint> points,
+                   const KmlSettings& settings) {
+  TextFile file(path);
+  if (!file.IsOpen()) return FALSE;
+  const LocalFrame frame = LocalFrameOf(track);
+  const FlightTrackPoint& first = points.front();
+  WriteHeader(file, PositionFromLocal(frame, first.dX, first.dY), settings.fAltitude, settings.fRange, settings.fTilt,
+              settings.fHeading);
+  WriteTrackHead(file, settings);
+  WriteCoordinates(file, frame, points);
+  WriteFormatted(file, KmlTemplateText(KmlTemplate::kTrackTail));
+  WriteFormatted(file, KmlTemplateText(KmlTemplate::kFooter));
+  return file.Close();
+}
+
+BOOL exportTrackKml(FlightTrackViewState* view) {
+  if (IsBadWritePtr(view, sizeof(*view))) return FALSE;
+  const auto points = ReadablePoints(view->lpTrack);
+  if (points.empty()) return TRUE;
+  if (!WriteTrackKml(view->szKmlPath, *view->lpTrack, points, ReadKmlSettings())) return FALSE;
+  OpenInViewer(view->szKmlPath);
+  return TRUE;
+}
+
+BOOL exportWaypointsText(FlightTrackViewState* view) {
+  if (IsBadWritePtr(view, sizeof(*view))) return FALSE;
+  const auto points = ReadablePoints(view->lpTrack);
+  if (points.empty()) return TRUE;
+  TextFile file(kWaypointsPath);
+  if (!file.IsOpen()) return TRUE;
+  const LocalFrame frame = LocalFrameOf(*view->lpTrack);
+  GeodeticPosition position{.longitude = frame.longitude, .latitude = frame.latitude};
+  NumberText positionText, altitudeText;
+  for (const FlightTrackPoint& point : points) {
+    position = StatedPosition(frame, point, position);
+    PutPosition(positionText, position);
+    PutAltitude(altitudeText, point.dAltitude);
+    WriteLine(file, "", positionText, altitudeText);
+  }
+  file.Close();
+  return TRUE;
+}
+
+BOOL showPositionInGlobe(HWND window, double longitude, double latitude, double range) {
+  wchar_t path[kPositionFolderRoom + std::size(kPositionFile)] = L"";
+  const DWORD length = GetTempPathW(kPositionFolderRoom, path);
+  // Without a folder the path stays empty and no file can be created; a bare name would land in the working directory.
+  if (length > 0 && length < kPositionFolderRoom) {
+    std::wcscpy(path + length, kPositionFile);
+  } else {
+    path[0] = L'\0';
+  }
+  {
+    TextFile file(path);
+    if (file.IsOpen()) {
+      WriteHeader(file, {.longitude = longitude, .latitude = latitude}, 0, range, 0, 0);
+      WriteFormatted(file, KmlTemplateText(KmlTemplate::kFooter));
+      file.Close();
+    }
+  }
+  OpenInViewer(path);
+  if (IsWindow(window)) SetActiveWindow(GetParent(window));
+  return TRUE;
+}
+
+BOOL isHelmsdeckRunning() {
+  HANDLE mutex = OpenMutexA(MUTEX_ALL_ACCESS, TRUE, kHelmsdeckMutex);
+  if (!mutex) return FALSE;
+  CloseHandle(mutex);
+  return TRUE;
+}
+
+}  // namespace kv

@@ -1,0 +1,58 @@
+#include "export/fixed_number.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cfloat>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <random>
+#include <string>
+
+namespace kv {
+namespace {
+
+std::string Ours(double value, int decimals) {
+  char text[kFixedNumberRoom];
+  return {text, PutFixed(text, value, decimals)};
+}
+
+std::string RunTimes(double value, int decimals) {
+  char text[kFixedNumberRoom + 1];
+  _snprintf(text, sizeof(text), "%.*f", decimals, value);
+  return text;
+}
+
+TEST(FixedNumber, PrintsWhatIsPlain) {
+  EXPECT_EQ("8.5417000000", Ours(8.5417, 10));
+  EXPECT_EQ("-179.9999999999", Ours(-179.99999999994, 10));
+  EXPECT_EQ("-180.0000000000", Ours(-179.99999999996, 10));  // a carry through all digits
+  EXPECT_EQ("1000.0", Ours(999.96, 1));
+  EXPECT_EQ("-0.0000000000", Ours(-1e-300, 10));
+  EXPECT_EQ("1000000000.0", Ours(999999999.99, 1));  // the carry leaves the fast range
+}
+
+TEST(FixedNumber, EqualsTheRunTime) {
+  for (const double hard : {0.0, -0.0, 0.25, 10.35, 0.05, 1 / 2048., 3 / 2048., 1000.0, 1e9, 1e9 - .1, 1e22 / 3, 5e-324,
+                            4294967296.5, 1 / 3., -DBL_MAX, HUGE_VAL, -HUGE_VAL, std::nan("")}) {
+    for (int decimals = 1; decimals <= kMaxFixedDecimals; ++decimals) {
+      EXPECT_EQ(RunTimes(hard, decimals), Ours(hard, decimals)) << decimals;
+    }
+  }
+  // A third each: anywhere, a few bits beside the middle between two texts, any bits at all.
+  std::mt19937_64 random(7);
+  std::uniform_real_distribution<double> anywhere(-1200, 1200);
+  for (int i = 0; i < 60000; ++i) {
+    const int decimals = i % 2 ? 10 : 1;
+    const double unit = std::pow(10.0, -decimals);
+    double value = anywhere(random);
+    const double middle = (std::floor(value / unit) + 0.5) * unit;
+    if (i % 3 == 1) value = std::bit_cast<double>(std::bit_cast<std::uint64_t>(middle) + random() % 9 - 4);
+    if (i % 3 == 2) value = std::bit_cast<double>(random());
+    ASSERT_EQ(RunTimes(value, decimals), Ours(value, decimals));
+  }
+}
+
+}  // namespace
+}  // namespace kv

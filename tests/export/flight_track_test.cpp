@@ -1,0 +1,98 @@
+#include "export/flight_track.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "tests/support/test_window.h"
+
+namespace kv {
+namespace {
+
+constexpr double kRadian = 3.141592653589793 / 180;
+
+struct Centred {
+  double x, y, z;
+};
+
+Centred CentredFrom(double latitude, double longitude, double height) {
+  constexpr double kRadius = 6378137.0, kFlat = 1 / 298.257223563, kE2 = kFlat * (2 - kFlat);
+  const double sine = std::sin(latitude * kRadian);
+  const double normal = kRadius / std::sqrt(1 - kE2 * sine * sine);
+  const double out = (normal + height) * std::cos(latitude * kRadian);
+  return {out * std::cos(longitude * kRadian), out * std::sin(longitude * kRadian),
+          (normal * (1 - kE2) + height) * sine};
+}
+
+void ExpectPosition(double latitude, double longitude, GeodeticPosition found, double tolerance = 1e-11) {
+  EXPECT_NEAR(latitude, found.latitude, tolerance);
+  EXPECT_NEAR(longitude, found.longitude, tolerance);
+}
+
+TEST(EarthCentred, KnownPositions) {
+  ExpectPosition(0, 0, PositionFromEarthCentred(6378137, 0, 0));
+  ExpectPosition(0, 180, PositionFromEarthCentred(-6378137, 0, 0));
+  ExpectPosition(0, -90, PositionFromEarthCentred(0, -7e6, 0));
+  ExpectPosition(90, 0, PositionFromEarthCentred(0, 0, 6356752.314245179));
+  ExpectPosition(-90, 0, PositionFromEarthCentred(0, 0, -1e9));
+  ExpectPosition(45, 45, PositionFromEarthCentred(3194419.1450605732, 3194419.1450605732, 4487348.408865919));
+  ExpectPosition(0, 0, PositionFromEarthCentred(0, 0, 0));
+  ExpectPosition(0, 0, PositionFromEarthCentred(1000, 0, 0));  // not unique so deep, but still a position
+  EXPECT_TRUE(std::isnan(PositionFromEarthCentred(NAN, 0, 1).latitude));
+}
+
+TEST(EarthCentred, RoundTrip) {
+  for (const double height : {-6.3e6, -5e6, -1e4, 0.0, 9e3, 4e5, 3.6e7, 1e12}) {
+    for (double latitude = -90; latitude <= 90; latitude += 0.25) {
+      const double longitude = latitude * 1.99;
+      const Centred at = CentredFrom(latitude, longitude, height);
+      const GeodeticPosition found = PositionFromEarthCentred(at.x, at.y, at.z);
+      ASSERT_NEAR(latitude, found.latitude, 1e-11) << height;
+      if (std::fabs(latitude) < 90) {
+        ASSERT_NEAR(longitude, found.longitude, 1e-11) << height;
+      }
+    }
+  }
+}
+
+TEST(LocalFrame, EastIsPositiveXAndSouthIsPositiveY) {
+  FlightTrack track{};
+  track.dReferenceLatitude = 60;
+  track.dReferenceLongitude = 179;
+  const LocalFrame frame = LocalFrameOf(track);
+  ExpectPosition(60, 179, PositionFromLocal(frame, 0, 0));
+  // Two degrees further at half the equator's length of a degree, and not wrapped; one degree south.
+  ExpectPosition(59, 181, PositionFromLocal(frame, 111319.49079327358, 110946.25761734763), 1e-9);
+
+  track.dReferenceLatitude = 90;
+  EXPECT_GT(PositionFromLocal(LocalFrameOf(track), 1, 0).longitude, 1e9);
+}
+
+TEST(ReadablePoints, TestsRecordCountAndPoints) {
+  EXPECT_TRUE(ReadablePoints(nullptr).empty());
+
+  kvtest::GuardedBytes pointMemory(2 * sizeof(FlightTrackPoint));
+  kvtest::GuardedBytes shortRecord(sizeof(FlightTrack) - 8);
+  kvtest::GuardedBytes record(sizeof(FlightTrack));
+  for (auto* track : {shortRecord.as<FlightTrack>(), record.as<FlightTrack>()}) {
+    track->nPoints = 2;
+    track->lpPoints = pointMemory.as<FlightTrackPoint>();
+  }
+  EXPECT_TRUE(ReadablePoints(shortRecord.as<FlightTrack>()).empty());
+  auto* track = record.as<FlightTrack>();
+  pointMemory.MakeReadOnly();
+  EXPECT_EQ(2u, ReadablePoints(track).size());
+  for (const LONG badCount : {0L, -1L, 3L, 0x7FFFFFFFL, 59652324L}) {  // the last one: 2^32 bytes and a few
+    track->nPoints = badCount;
+    EXPECT_TRUE(ReadablePoints(track).empty()) << badCount;
+  }
+  track->nPoints = 2;
+  track->lpPoints = nullptr;
+  EXPECT_TRUE(ReadablePoints(track).empty());
+  track->lpPoints = pointMemory.as<FlightTrackPoint>();
+  record.MakeReadOnly();
+  EXPECT_TRUE(ReadablePoints(track).empty());
+}
+
+}  // namespace
+}  // namespace kv

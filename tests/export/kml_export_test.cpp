@@ -1,0 +1,438 @@
+#include "export/kml_export.h"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <psapi.h>
+
+#include <cmath>
+#include <cstdio>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "export/flight_track_view.h"
+#include "export/kml_templates.h"
+#include "export/text_file.h"
+#include "framework/bounded_format.h"
+#include "framework/guards.h"
+#include "framework/painting.h"
+#include "framework/shell_launch.h"
+#include "framework/window_record.h"
+#include "tests/support/test_window.h"
+
+namespace kv {
+namespace {
+
+std::vector<std::wstring> launched;  // "verb|program|parameter" of each shell call
+
+HINSTANCE WINAPI NoteLaunch(HWND, LPCWSTR verb, LPCWSTR program, LPCWSTR parameter, LPCWSTR, INT show) {
+  launched.push_back(std::wstring(verb) + L"|" + program + L"|" + parameter + (show == 1 ? L"" : L"|not shown"));
+  return nullptr;
+}
+
+std::string Contents(const std::wstring& path) {
+  std::string text(1 << 20, '\0');
+  FILE* file = _wfopen(path.c_str(), L"rb");
+  if (!file) return "no file";
+  text.resize(fread(text.data(), 1, text.size(), file));
+  fclose(file);
+  return text;
+}
+
+bool Exists(const std::wstring& path) {
+  return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+std::string WithFileLineEnds(std::string text) {
+  for (size_t at = 0; (at = text.find('\n', at)) != std::string::npos; at += 2) text.insert(at, 1, '\r');
+  return text;
+}
+
+// A template filled in, as it stands in a file.
+template <class... Values>
+std::string Printed(KmlTemplate which, Values... values) {
+  wchar_t wide[2048];
+  FormatBounded(wide, sizeof(wide), KmlTemplateText(which), values...);
+  const std::wstring text = wide;
+  return WithFileLineEnds({text.begin(), text.end()});
+}
+
+// What an element holds where it first occurs.
+std::string Element(const std::string& text, const std::string& name) {
+  const size_t from = text.find("<" + name + ">") + name.size() + 2;
+  return text.substr(from, text.find("</" + name + ">") - from);
+}
+
+// Every element is closed in its order, there is one root, and no text holds a bare "<" or "&".
+bool IsWellFormed(const std::string& text) {
+  std::vector<std::string> open;
+  int roots = 0;
+  size_t at = text.starts_with("<?xml ") ? text.find("?>") + 2 : 0;
+  while ((at = text.find_first_of("<&", at)) != std::string::npos) {
+    const size_t end = text.find('>', at);
+    if (text[at] == '&' || end == std::string::npos) return false;
+    const std::string tag = text.substr(at + 1, end - at - 1);
+    if (!tag.starts_with('/')) {
+      roots += open.empty();
+      open.push_back("/" + tag.substr(0, tag.find(' ')));
+    } else {
+      if (open.empty() || tag != open.back()) return false;
+      open.pop_back();
+    }
+    at = end + 1;
+  }
+  return roots == 1 && open.empty();
+}
+
+constexpr char kSettingsKey[] = "Software\\korvel\\Configuration";
+
+template <class Value>
+void Store(const char* name, Value value, DWORD type = REG_DWORD, DWORD size = sizeof(Value)) {
+  RegSetValueExA(RegistryKey::Create(kSettingsKey), name, 0, type, reinterpret_cast<const BYTE*>(&value), size);
+}
+
+class KmlExport : public testing::Test {
+ protected:
+  KmlExport() : realExecute_(std::exchange(shellCalls.executeW, NoteLaunch)) {
+    launched.clear();
+    RegDeleteKeyA(HKEY_CURRENT_USER, kSettingsKey);
+    wchar_t folder[MAX_PATH];
+    GetTempPathW(MAX_PATH, folder);
+    temporary = folder;
+    FormatBounded(view.szKmlPath, sizeof(view.szKmlPath), L"%skvTest%lu.kml", folder, GetCurrentProcessId());
+    CreateDirectoryW(L"C:\\Temp", nullptr);
+    DeleteFileW(kWaypointsPath);
+    view.lpTrack = &track;
+    track.dReferenceLatitude = 47;
+    track.dReferenceLongitude = 8;
+    SetPoints({{0, 0, 10}, {100, 0, 10}, {100, -200, 20}});
+  }
+  ~KmlExport() override {
+    DeleteFileW(view.szKmlPath);
+    DeleteFileW(kWaypointsPath);
+    shellCalls.executeW = realExecute_;
+  }
+
+  void SetPoints(std::vector<FlightTrackPoint> newPoints) {
+    points = std::move(newPoints);
+    track.nPoints = static_cast<LONG>(points.size());
+    track.lpPoints = points.data();
+  }
+  std::string Exported() { return exportTrackKml(&view) ? Contents(view.szKmlPath) : "refused"; }
+
+  std::vector<FlightTrackPoint> points;
+  FlightTrack track{};
+  FlightTrackViewState view{};
+  std::wstring temporary;
+
+ private:
+  decltype(ShellCalls::executeW) realExecute_;
+};
+
+TEST_F(KmlExport, WholeDocumentOfThreePoints) {
+  EXPECT_EQ(WithFileLineEnds(R"(<?xml version="1.0" encoding="UTF-8"?>
+<kml xmlns="http://earth.google.com/kml/2.0">
+<Folder>
+ <name>3D Flight route</name>
+
+  <LookAt>
+   <longitude>8.0000000000</longitude>
+   <latitude>47.0000000000</latitude>
+   <altitude>0.0</altitude>
+   <range>0.0</range>
+   <tilt>0.0</tilt>
+   <heading>0.0</heading>
+  </LookAt>
+
+ <Placemark>
+  <Style id="kvDronePoly">
+   <LineStyle>
+    <color>FF00FF00</color>
+    <width>5</width>
+   </LineStyle>
+   <PolyStyle>
+    <color>C02FFF2F</color>
+   </PolyStyle>
+  </Style>
+
+  <LineString>
+   <extrude>0</extrude>
+   <tessellate>1</tessellate>
+   <altitudeMode>relativeToGround</altitudeMode>
+   <coordinates>
+    8.0000000000,47.0000000000,10.0
+    8.0013171810,47.0000000000,10.0
+    8.0013171810,47.0000000000,20.0
+    8.0013171810,47.0018026746,20.0
+    </coordinates>
+   </LineString>
+  </Placemark>
+ </Folder>
+</kml>
+)"),
+            Exported());
+  ASSERT_EQ(1u, launched.size());
+  EXPECT_EQ(L"open|C:\\Program Files\\Google\\Google Earth\\GoogleEarth.exe|" + std::wstring(view.szKmlPath),
+            launched[0]);
+}
+
+TEST_F(KmlExport, SettingsShapeTheDocument) {
+  Store("KMLFlags", DWORD{2}, REG_SZ);
+  Store("KMLLineWidth", DWORD{0xFFFFFFFF});
+  Store("KMLLineColor", DWORD{0x12345678}, REG_BINARY);
+  Store("KMLPolygonColor", DWORD{0x9A0B0C0D});
+  Store("KMLAltitude", 7.0, REG_BINARY);     // eight bytes
+  Store("KMLHeading", 7.0f, REG_BINARY, 2);  // two
+  Store("KMLRange", 1500.25f, REG_BINARY);
+  Store("KMLTilt", -60.0f);
+  const std::string text = Exported();
+  const GeodeticPosition at = PositionFromLocal(LocalFrameOf(track), 0, 0);
+  EXPECT_TRUE(text.starts_with(Printed(KmlTemplate::kHeader, at.longitude, at.latitude, 0.0, 1500.25, -60.0, 0.0) +
+                               Printed(KmlTemplate::kTrackHead, 0xFF345678ul, -1l, 0xBF0B0C0Dul, 1l, 0l)));
+
+  Store("KMLTransparency", 100.0f);
+  EXPECT_EQ(0xFF0B0C0Du, ReadKmlSettings().dwPolygonColor);
+}
+
+TEST(FillAlpha, LowByteOfTheTruncatedValueAndNothingUndefined) {
+  const std::pair<float, DWORD> known[] = {{0, 255},      {25, 0xBF},     {0.1f, 254},  {99.7f, 0},
+                                           {100, 0xFF},   {200, 0xFF},    {-100, 0xFF}, {NAN, 0},
+                                           {INFINITY, 0}, {-INFINITY, 0}, {1e9f, 0},    {-3e38f, 0}};
+  for (const auto& [transparency, alpha] : known) EXPECT_EQ(alpha, FillAlpha(transparency)) << transparency;
+}
+
+TEST_F(KmlExport, CoordinateLinesAreWhatTheTemplatePrints) {
+  SetPoints({{5e7, 1e7, 0.25}, {-1e300, 1e300, 1e300}, {0, 0, -0.0}, {INFINITY, 1, -INFINITY}, {1, NAN, NAN}});
+  for (const double latitude : {0.0, 89.9999, 90.0, -90.0}) {
+    track.dReferenceLatitude = latitude;
+    const std::string text = Exported();
+    EXPECT_TRUE(IsWellFormed(text));
+    for (const FlightTrackPoint& point : points) {
+      const GeodeticPosition at = PositionFromLocal(LocalFrameOf(track), point.dX, point.dY);
+      const std::string line = Printed(KmlTemplate::kCoordinateLine, at.longitude, at.latitude, point.dAltitude);
+      EXPECT_NE(std::string::npos, text.find(line)) << latitude;
+    }
+  }
+  EXPECT_FALSE(IsWellFormed("<a><b></a></b>"));
+}
+
+TEST_F(KmlExport, NoPointIsNoFileOneIsOneLineAndManyAreAllThere) {
+  track.nPoints = 0;
+  EXPECT_TRUE(exportTrackKml(&view));
+  EXPECT_TRUE(exportWaypointsText(&view));
+  EXPECT_FALSE(Exists(view.szKmlPath));
+  EXPECT_FALSE(Exists(kWaypointsPath));
+  EXPECT_TRUE(launched.empty());
+
+  SetPoints({{0, 0, 7}});
+  EXPECT_EQ("\r\n    8.0000000000,47.0000000000,7.0\r\n    ", Element(Exported(), "coordinates"));
+
+  SetPoints(std::vector<FlightTrackPoint>(5000, {.bKind = kPointGeodetic}));
+  std::string expected;
+  for (int i = 0; i < 5000; ++i) {
+    points[i].dAltitude = i;
+    expected += "0.0000000000,0.0000000000," + std::to_string(i) + ".0\r\n";
+  }
+  EXPECT_TRUE(exportWaypointsText(&view));
+  EXPECT_EQ(expected, Contents(kWaypointsPath));
+}
+
+TEST_F(KmlExport, TemplatesOfTheSinglePointAreWellFormed) {
+  const std::string text = Printed(KmlTemplate::kPointHead, L"Start") + Printed(KmlTemplate::kPoint, 8.5, 47.25, 1.5) +
+                           Printed(KmlTemplate::kPointTail);
+  EXPECT_TRUE(IsWellFormed(text));
+  EXPECT_EQ("Start", Element(text, "name"));
+  EXPECT_EQ("8.500000000000000,47.250000000000000,1.50", Element(text, "coordinates"));
+}
+
+TEST_F(KmlExport, RefusesABadStateAndAFileThatCannotBeCreated) {
+  kvtest::GuardedBytes small(sizeof(view) - 4);
+  EXPECT_FALSE(exportTrackKml(small.as<FlightTrackViewState>()));
+  EXPECT_FALSE(exportWaypointsText(small.as<FlightTrackViewState>()));
+  FormatBounded(view.szKmlPath, sizeof(view.szKmlPath), L"%sno such folder\\a.kml", temporary.c_str());
+  EXPECT_FALSE(exportTrackKml(&view));
+  CreateDirectoryW(kWaypointsPath, nullptr);  // in the file's place
+  EXPECT_TRUE(exportWaypointsText(&view));
+  RemoveDirectoryW(kWaypointsPath);
+  EXPECT_TRUE(launched.empty());
+}
+
+// A pipe whose reader goes away stands for the disk that fills up.
+TEST_F(KmlExport, AFailedWriteStartsNoViewerAndLeavesNoFile) {
+  SetPoints(std::vector<FlightTrackPoint>(3000));
+  FormatBounded(view.szKmlPath, sizeof(view.szKmlPath), L"\\\\.\\pipe\\kvTest%lu", GetCurrentProcessId());
+  HANDLE pipe = CreateNamedPipeW(view.szKmlPath, PIPE_ACCESS_INBOUND, PIPE_TYPE_BYTE, 1, 512, 512, 0, nullptr);
+  ASSERT_NE(INVALID_HANDLE_VALUE, pipe);
+  std::thread reader([pipe] {
+    ConnectNamedPipe(pipe, nullptr);
+    CloseHandle(pipe);
+  });
+  EXPECT_FALSE(exportTrackKml(&view));
+  reader.join();
+  EXPECT_TRUE(launched.empty());
+
+  const std::wstring path = temporary + L"kvTestGivenUp.txt";
+  {
+    TextFile file(path.c_str());
+    EXPECT_TRUE(Exists(path));
+  }
+  EXPECT_FALSE(Exists(path));
+}
+
+TEST_F(KmlExport, WaypointsComeFromWhatTheKindSays) {
+  SetPoints({{.dAltitude = 5, .bKind = 9},
+             {.dX = 100, .dY = -200, .dAltitude = 5, .bKind = kPointLocal},
+             {.dAltitude = 5, .bKind = kPointGeodetic, .dLatitude = 33.25, .dLongitude = -12.5},
+             {.dAltitude = 6, .bKind = 3},
+             {.bKind = kPointEarthCentred,
+              .dCentredX = 3194419.1450605732,
+              .dCentredY = 3194419.1450605732,
+              .dCentredZ = 4487348.408865919}});
+  EXPECT_TRUE(exportWaypointsText(&view));
+  EXPECT_EQ(
+      "8.0000000000,47.0000000000,5.0\r\n"
+      "8.0013171810,47.0018026746,5.0\r\n"
+      "-12.5000000000,33.2500000000,5.0\r\n"
+      "-12.5000000000,33.2500000000,6.0\r\n"
+      "45.0000000000,45.0000000000,0.0\r\n",
+      Contents(kWaypointsPath));
+  EXPECT_TRUE(launched.empty());
+}
+
+TEST_F(KmlExport, PositionIsWrittenAndShownAndTheParentActivated) {
+  const std::wstring path = temporary + L"kvHelmsdeckTemp.kml";
+  kvtest::RecordingParent parent, other;
+  HWND child = kvtest::CreateControl(parent, "STATIC", "", 0, {0, 0, 9, 9}, 1);
+  SetActiveWindow(other);
+  EXPECT_TRUE(showPositionInGlobe(child, -70.5, -33.25, 1234.5));
+  EXPECT_EQ(static_cast<HWND>(parent), GetActiveWindow());
+  const std::string text = Contents(path);
+  EXPECT_TRUE(IsWellFormed(text));
+  EXPECT_EQ(Printed(KmlTemplate::kHeader, -70.5, -33.25, 0.0, 1234.5, 0.0, 0.0) + " </Folder>\r\n</kml>\r\n", text);
+
+  DeleteFileW(path.c_str());
+  CreateDirectoryW(path.c_str(), nullptr);  // the file cannot be created; the viewer starts nevertheless
+  EXPECT_TRUE(showPositionInGlobe(nullptr, 0, 0, 0));
+  RemoveDirectoryW(path.c_str());
+  ASSERT_EQ(2u, launched.size());
+  EXPECT_EQ(launched[0], launched[1]);
+  EXPECT_TRUE(launched[0].ends_with(L"GoogleEarth.exe|" + path));
+}
+
+TEST(Helmsdeck, RunsWhileItsMutexExists) {
+  EXPECT_FALSE(isHelmsdeckRunning());
+  HANDLE mutex = CreateMutexA(nullptr, FALSE, "kvHelmsdeck_Process_Mutex");
+  EXPECT_TRUE(isHelmsdeckRunning());
+  CloseHandle(mutex);
+  EXPECT_FALSE(isHelmsdeckRunning());
+}
+
+class FlightTrackView : public KmlExport {
+ protected:
+  FlightTrackView() {
+    RegisterFlightTrackView(GetModuleHandleA(nullptr), TRUE);
+    window = Create();
+    state = WindowRecord<FlightTrackViewState>(window);
+  }
+  ~FlightTrackView() override {
+    DeleteFileW(state->szKmlPath);
+    DestroyWindow(window);
+    RegisterFlightTrackView(GetModuleHandleA(nullptr), FALSE);
+  }
+
+  HWND Create() { return kvtest::CreateControl(parent, kFlightTrackClass, "", 0, {0, 0, 40, 30}, 5); }
+  LRESULT Send(WPARAM wParam, const void* lParam) {
+    return SendMessageA(window, kControlCommand, wParam, reinterpret_cast<LPARAM>(lParam));
+  }
+  LRESULT Export(WPARAM flags, LPARAM what) { return SendMessageA(window, kControlCommand, 12 | flags, what); }
+
+  kvtest::RecordingParent parent;
+  HWND window;
+  FlightTrackViewState* state;
+};
+
+TEST_F(FlightTrackView, FixesItsPathAndFillsItsBackground) {
+  const std::wstring path = state->szKmlPath;
+  ASSERT_TRUE(path.starts_with(temporary));
+  const std::wstring name = path.substr(temporary.size());
+  EXPECT_EQ(8u, name.find_first_not_of(L"0123456789ABCDEF"));
+  EXPECT_LT(GetTickCount() - std::wcstoul(name.c_str(), nullptr, 16), 10000u);
+  EXPECT_TRUE(name.ends_with(L".kml"));
+
+  ShowWindow(parent, SW_SHOWNOACTIVATE);
+  UpdateWindow(window);
+  const WindowDc dc(window);
+  EXPECT_EQ(kDialogBlue, GetPixel(dc, 20, 15));
+}
+
+TEST_F(FlightTrackView, ExportsOnRequestAndByItself) {
+  EXPECT_EQ(1, Send(19, &track));
+  EXPECT_EQ(1, Export(0x8000 | 0x0100, 7));  // neither document: nothing is done, nothing switched
+  EXPECT_FALSE(state->bAutoExport);
+  EXPECT_EQ(1, Export(0x8000, 0));
+  EXPECT_TRUE(Exists(kWaypointsPath));
+  EXPECT_FALSE(Exists(state->szKmlPath));
+  EXPECT_TRUE(launched.empty());
+
+  EXPECT_EQ(1, Export(0x8000 | 0x0100, 1));
+  EXPECT_TRUE(IsWellFormed(Contents(state->szKmlPath)));
+  EXPECT_EQ(1, Send(19, &track));
+  EXPECT_EQ(2u, launched.size());
+  EXPECT_EQ(1, Export(0x4000, 0));
+  EXPECT_EQ(1, Send(19, &track));
+  EXPECT_EQ(2u, launched.size());
+
+  state->szKmlPath[0] = L'\0';
+  EXPECT_EQ(0, Export(0x8000, 1));
+  EXPECT_EQ(0, Send(13, &track));
+}
+
+TEST_F(FlightTrackView, HoldsTheTrackOfItsOwner) {
+  FlightTrack copy{};
+  EXPECT_EQ(0, Send(19 | 0x8000, &copy));
+  EXPECT_EQ(1, Send(19, &track));
+  kvtest::GuardedBytes small(sizeof(FlightTrack) - 8);
+  EXPECT_EQ(0, Send(19, small.data()));
+  EXPECT_EQ(0, Send(19 | 0x8000, small.data()));
+  EXPECT_EQ(1, Send(19 | 0x8000, &copy));
+  EXPECT_EQ(points.data(), copy.lpPoints);
+  EXPECT_EQ(1, Send(19 | 0x4000, nullptr));
+  EXPECT_EQ(1, Export(0x8000, 1));
+  EXPECT_TRUE(launched.empty());
+}
+
+SIZE_T MemoryInUse() {
+  PROCESS_MEMORY_COUNTERS counters{};
+  GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof(counters));
+  return counters.PagefileUsage;
+}
+
+TEST_F(FlightTrackView, OutlivesAStormAndLeavesNoMemoryBehind) {
+  kvtest::GuardedBytes readOnly(sizeof(FlightTrack)), small(16);
+  readOnly.MakeReadOnly();
+  const void* addresses[] = {
+      nullptr, &track, small.data(), readOnly.data(), reinterpret_cast<void*>(1), reinterpret_cast<void*>(-1)};
+  const UINT others[] = {WM_PAINT, WM_ERASEBKGND, WM_SIZE, WM_COPY, WM_KEYDOWN, WM_TIMER, WM_COMMAND, WM_USER + 4};
+  const auto storm = [&](int messages) {
+    for (int i = 0; i < messages; ++i) {
+      const auto dice = static_cast<unsigned>(std::rand());
+      const WPARAM operation = dice % 5 == 0 ? 12 : dice % 5 < 4 ? 19 : dice & 0xFF;
+      const WPARAM wParam = (dice & 7) << 13 | (dice & 0x100) | operation;
+      const auto lParam = reinterpret_cast<LPARAM>(addresses[dice / 64 % std::size(addresses)]);
+      SendMessageA(window, dice % 3 ? kControlCommand : others[dice / 3 % std::size(others)], wParam, lParam);
+      launched.clear();
+    }
+    for (int i = 0; i < 3000; ++i) DestroyWindow(Create());
+  };
+  storm(1000);
+  const SIZE_T before = MemoryInUse();
+  const char* wanted = std::getenv("KV_STORM_MESSAGES");
+  storm(wanted ? std::atoi(wanted) : 20000);
+  EXPECT_LT(MemoryInUse(), before + 1024 * 1024);
+  EXPECT_EQ(state, WindowRecord<FlightTrackViewState>(window));
+}
+
+}  // namespace
+}  // namespace kv
