@@ -147,8 +147,8 @@ TEST_F(VideoCapture, AChangedFormatIsStretchedIntoTheSameBitmap) {
   EXPECT_EQ(0xD8D8FFu, PixelOf(link, 0, 0));
   EXPECT_EQ(0xD80000u, PixelOf(link, 5 * 320 / 7 + 5, 0));
   // A format that became unusable leaves the latest frame.
-  camera().height = -240;
   camera().width = 0;
+  EXPECT_TRUE(DrawVideoFrame(link, picture.dc(), 0, 0, 8, 8));
   EXPECT_EQ(0xD8D8FFu, PixelOf(link, 0, 0));
   EXPECT_TRUE(CloseVideoLink(link));
 }
@@ -170,9 +170,9 @@ TEST_F(VideoCapture, FramesThatCannotBeReadAreRefused) {
   std::fill_n(data.as<BYTE>(), 320 * 240 * 3, BYTE{0x55});
   EXPECT_EQ(1, arrived(capture, &header));
   EXPECT_EQ(0x555555u, PixelOf(link, 7, 7));
-  camera().height = -240;
+  camera().colorsUsed = 100000;
   EXPECT_EQ(0, arrived(capture, &header));
-  camera().height = 240;
+  camera().colorsUsed = 0;
 
   // Once closed there is no link: nothing is drawn, whatever comes. A window that still names a bad record neither.
   camera().callsBackWhileClosing = TRUE;
@@ -214,6 +214,7 @@ TEST_F(VideoCapture, RecordsUntilStopped) {
   camera().refusesCaptureFile = FALSE;
   camera().refusesSequence = TRUE;
   EXPECT_EQ(0, RecordVideo(link, "a.avi", TRUE));
+  camera().refusesSequence = FALSE;
   kvtest::GuardedBytes endless(3);
   std::fill_n(endless.as<char>(), 3, 'a');
   EXPECT_EQ(0, RecordVideo(link, endless.as<char>(), TRUE));
@@ -221,11 +222,31 @@ TEST_F(VideoCapture, RecordsUntilStopped) {
   EXPECT_TRUE(CloseVideoLink(link));
 }
 
+// A new GDI object takes the lowest number that is free, more or less: frames that leave objects behind drive it up.
+TEST_F(VideoCapture, ManyFramesLeaveNoHandleBehind) {
+  constexpr int kFrames = 2000;
+  camera().width = camera().height = 4;
+  VideoLink* link = OpenVideoLink(host_);
+  ASSERT_NE(nullptr, link);
+  kvtest::Picture picture(4, 4);
+  const auto freeNumber = [] {
+    HBRUSH brush = CreateSolidBrush(RGB(1, 2, 3));
+    DeleteObject(brush);
+    return static_cast<int>(LOWORD(reinterpret_cast<DWORD>(brush)));
+  };
+  const int before = freeNumber();
+  for (int i = 0; i < kFrames; ++i) ASSERT_TRUE(DrawVideoFrame(link, picture.dc(), 0, 0, 4, 4));
+  EXPECT_LT(freeNumber() - before, kFrames / 2);
+  EXPECT_TRUE(CloseVideoLink(link));
+}
+
 VideoLink* linkToClose;
 WNDPROC captureProcedure;
+std::uint32_t tagWhileClosing;
 
 LRESULT CALLBACK ClosingProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == kCloseTheLink) return CloseVideoLink(linkToClose);
+  if (message == WM_CAP_SET_CALLBACK_FRAME) tagWhileClosing = linkToClose->tag;
   return CallWindowProcA(captureProcedure, window, message, wParam, lParam);
 }
 
@@ -236,8 +257,10 @@ TEST_F(VideoCapture, MayBeClosedWhileItRecords) {
   const HWND capture = linkToClose->hCapture;
   captureProcedure =
       reinterpret_cast<WNDPROC>(SetWindowLongA(capture, GWL_WNDPROC, reinterpret_cast<LONG>(ClosingProcedure)));
+  tagWhileClosing = 1;
   PostMessageA(capture, kCloseTheLink, 0, 0);
   RecordVideo(linkToClose, "a.avi", TRUE);
+  EXPECT_EQ(0u, tagWhileClosing);
   EXPECT_FALSE(IsWindow(capture));
   EXPECT_FALSE(CloseVideoLink(linkToClose));
 }
@@ -269,8 +292,8 @@ TEST_F(VideoCapture, ForeignRecordsAreRefused) {
 TEST_F(VideoCapture, ErrorTextIsShownInABox) {
   std::wstring shown;
   host_.Answer([&](HWND host, UINT message, WPARAM, LPARAM, LRESULT*) {
-    HWND box = message == WM_TIMER ? GetLastActivePopup(host) : host;
-    if (box == host) return false;
+    HWND box = message == WM_TIMER ? FindWindowW(L"#32770", L"Video Error") : nullptr;
+    if (!box || GetWindow(box, GW_OWNER) != host) return false;
     wchar_t caption[64] = L"", text[64] = L"";
     GetWindowTextW(box, caption, 64);
     GetDlgItemTextW(box, 0xFFFF, text, 64);

@@ -45,7 +45,8 @@ Format CurrentFormat() {
                    .biHeight = camera.height,
                    .biPlanes = 1,
                    .biBitCount = camera.bitCount,
-                   .biCompression = BI_RGB};
+                   .biCompression = BI_RGB,
+                   .biClrUsed = camera.colorsUsed};
   for (int i = 0; i < 256 && camera.bitCount == 8; ++i) {
     format.colors[i] = {.rgbBlue = static_cast<BYTE>((i & 3) * 85),
                         .rgbGreen = static_cast<BYTE>((i >> 2 & 7) * 36),

@@ -23,6 +23,7 @@ struct State {
   LONG width = 320;                   // what the "format dialog" would change, also in the middle of it all
   LONG height = 240;
   WORD bitCount = 24;  // 24, or 8 with a colour table
+  DWORD colorsUsed = 0;
   BOOL refusesSequenceSetup = FALSE;
   BOOL refusesCaptureFile = FALSE;
   BOOL refusesSequence = FALSE;
