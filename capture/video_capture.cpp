@@ -1,0 +1,297 @@
+#include "capture/video_capture.h"
+
+#include "framework/guards.h"
+#include "framework/picture.h"
+
+namespace kv {
+
+namespace {
+
+constexpr wchar_t kCaptureName[] = L"kvVideoCapture";
+constexpr int kCaptureId = 0x8001;
+constexpr int kDriverAttempts = 101;
+constexpr int kDriverSlots = 8;
+constexpr int kDriverTextBytes = 256;
+constexpr size_t kLongestErrorText = 4096;
+
+constexpr DWORD kMostColors = 256;
+
+// A format with room for what Video for Windows reads behind the header: a driver's own extension of it, and a full
+// colour table or colour masks.
+struct WholeFormat {
+  BITMAPINFOHEADER header;
+  RGBQUAD extension[kMostColors];
+  RGBQUAD colors[kMostColors];
+};
+
+struct VideoLibraries {
+  decltype(&::capCreateCaptureWindowW) createCaptureWindow;
+  decltype(&::capGetDriverDescriptionA) getDriverDescription;
+  decltype(&::DrawDibOpen) drawDibOpen;
+  decltype(&::DrawDibDraw) drawDibDraw;
+  decltype(&::DrawDibClose) drawDibClose;
+
+  bool Whole() const {
+    return createCaptureWindow && getDriverDescription && drawDibOpen && drawDibDraw && drawDibClose;
+  }
+};
+
+template <class Function>
+void FindFunction(HMODULE library, const char* name, Function* function) {
+  if (library) *function = reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)));
+}
+
+VideoLibraries LoadVideoLibraries() {
+  VideoLibraries libraries{};
+  const HMODULE capture = LoadLibraryW(L"avicap32.dll");
+  const HMODULE video = LoadLibraryW(L"msvfw32.dll");
+  FindFunction(capture, "capCreateCaptureWindowW", &libraries.createCaptureWindow);
+  FindFunction(capture, "capGetDriverDescriptionA", &libraries.getDriverDescription);
+  FindFunction(video, "DrawDibOpen", &libraries.drawDibOpen);
+  FindFunction(video, "DrawDibDraw", &libraries.drawDibDraw);
+  FindFunction(video, "DrawDibClose", &libraries.drawDibClose);
+  return libraries;
+}
+
+const VideoLibraries& Libraries() {
+  static const VideoLibraries libraries = LoadVideoLibraries();
+  return libraries;
+}
+
+LRESULT Ask(HWND capture, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) {
+  return SendMessageA(capture, message, wParam, lParam);
+}
+
+template <class Function>
+LPARAM CallbackAddress(Function* callback) {
+  return reinterpret_cast<LPARAM>(callback);
+}
+
+bool HasTag(VideoLink* link) {
+  return !IsBadWritePtr(link, sizeof(*link)) && link->tag == kVideoLinkTag;
+}
+
+bool IsOpen(VideoLink* link) {
+  return HasTag(link) && IsWindow(link->hCapture);
+}
+
+// Drivers report bottom-up pictures, so a height that is not positive is none of theirs.
+bool IsUsable(const BITMAPINFOHEADER& format) {
+  return format.biSize >= sizeof(BITMAPINFOHEADER) && format.biSize <= offsetof(WholeFormat, colors) &&
+         format.biWidth > 0 && format.biWidth <= kLargestVideoSide && format.biHeight > 0 &&
+         format.biHeight <= kLargestVideoSide && format.biBitCount <= 32 && format.biClrUsed <= kMostColors;
+}
+
+// --- Frames
+// -----------------------------------------------------------------------------------------------------------
+
+// The driver's own dialogs can change the format while the link is open: what it says now goes before what it said when
+// the link was opened.
+WholeFormat CurrentFormat(const VideoLink* link) {
+  WholeFormat format{};
+  if (Ask(link->hCapture, WM_CAP_GET_VIDEOFORMAT, sizeof(format), reinterpret_cast<LPARAM>(&format)) == 0) {
+    format = {.header = link->sourceFormat.header, .extension = {link->sourceFormat.firstColor}};
+  }
+  return format;
+}
+
+// How many bytes drawing will read for a frame of this format (a usable one: no overflow).
+UINT_PTR FrameBytes(const BITMAPINFOHEADER& format, const VIDEOHDR& frame) {
+  if (format.biCompression != BI_RGB && format.biCompression != BI_BITFIELDS) return frame.dwBytesUsed;
+  const UINT_PTR rowBytes = (static_cast<UINT_PTR>(format.biWidth) * format.biBitCount + 31) / 32 * 4;
+  return rowBytes * static_cast<UINT_PTR>(format.biHeight);
+}
+
+void DrawIntoFrame(const VideoLink* link, WholeFormat* format, void* data) {
+  const VideoLibraries& libraries = Libraries();
+  const WindowDc hostDc(link->hHost);
+  const MemoryDc dc(hostDc);
+  const SelectedObject selected(dc, link->hFrame);
+  const HDRAWDIB draw = libraries.drawDibOpen();
+  if (!draw) return;
+  libraries.drawDibDraw(draw, dc, 0, 0, link->frameWidth, link->frameHeight, &format->header, data, 0, 0,
+                        format->header.biWidth, format->header.biHeight, DDF_SAME_HDC);
+  libraries.drawDibClose(draw);
+}
+
+LRESULT CALLBACK FrameArrived(HWND capture, VIDEOHDR* frame) {
+  if (IsBadReadPtr(frame, sizeof(VIDEOHDR))) return FALSE;
+  auto* link = reinterpret_cast<VideoLink*>(Ask(capture, WM_CAP_GET_USER_DATA));
+  if (!HasTag(link)) return TRUE;
+  WholeFormat format = CurrentFormat(link);
+  if (!IsUsable(format.header)) return FALSE;
+  const UINT_PTR bytes = FrameBytes(format.header, *frame);
+  if (bytes == 0 || IsBadReadPtr(frame->lpData, bytes)) return FALSE;
+  format.header.biSizeImage = static_cast<DWORD>(bytes);
+  DrawIntoFrame(link, &format, frame->lpData);
+  return TRUE;
+}
+
+// Called over and over while a sequence is recorded.
+LRESULT CALLBACK PumpWhileRecording(HWND capture) {
+  MSG message;
+  while (PeekMessageA(&message, capture, 0, 0, PM_REMOVE)) {
+    if (message.message == WM_QUIT) {  // meant for the program's own loop
+      PostQuitMessage(static_cast<int>(message.wParam));
+      break;
+    }
+    if (TranslateAcceleratorA(capture, nullptr, &message)) continue;
+    TranslateMessage(&message);
+    DispatchMessageA(&message);
+  }
+  return TRUE;
+}
+
+// --- Opening and closing
+// ----------------------------------------------------------------------------------------------
+
+VideoLink* CreateLink(HWND host) {
+  HGLOBAL memory = GlobalAlloc(GHND, sizeof(VideoLink));
+  if (!memory) return nullptr;
+  auto* link = static_cast<VideoLink*>(GlobalLock(memory));
+  if (!link) {
+    GlobalFree(memory);
+    return nullptr;
+  }
+  link->hMemory = memory;
+  link->tag = kVideoLinkTag;
+  link->hHost = host;
+  return link;
+}
+
+void FreeLink(VideoLink* link) {
+  const HGLOBAL memory = link->hMemory;
+  link->tag = 0;
+  GlobalUnlock(memory);
+  GlobalFree(memory);
+}
+
+// Without WS_VISIBLE: the frames reach the owner through the frame bitmap, nobody sees the preview itself.
+HWND CreateCaptureWindow(HWND host) {
+  RECT place{};
+  GetWindowRect(host, &place);
+  MapWindowPoints(nullptr, host, reinterpret_cast<POINT*>(&place), 2);
+  return Libraries().createCaptureWindow(kCaptureName, WS_CHILD | WS_TABSTOP, place.left, place.top,
+                                         place.right - place.left, place.bottom - place.top, host, kCaptureId);
+}
+
+bool ConnectDriver(HWND capture, int index) {
+  char name[kDriverTextBytes] = "", version[kDriverTextBytes] = "";
+  return Libraries().getDriverDescription(static_cast<WORD>(index), name, sizeof(name), version, sizeof(version)) &&
+         name[0] != '\0' && Ask(capture, WM_CAP_DRIVER_CONNECT, static_cast<WPARAM>(index));
+}
+
+// Counts down, so that the slots are tried in the order 4, 3, 2, 1, 0, 7, 6, 5 and again: a driver that is still busy
+// gets a dozen chances.
+bool ConnectAnyDriver(HWND capture) {
+  for (int attempt = kDriverAttempts - 1; attempt >= 0; --attempt) {
+    if (ConnectDriver(capture, attempt % kDriverSlots)) return true;
+  }
+  return false;
+}
+
+bool ApplyParameters(VideoLink* link) {
+  link->parameters.fYield = TRUE;
+  link->parameters.fAbortLeftMouse = FALSE;
+  link->parameters.fAbortRightMouse = FALSE;
+  return Ask(link->hCapture, WM_CAP_SET_SEQUENCE_SETUP, sizeof(link->parameters),
+             reinterpret_cast<LPARAM>(&link->parameters)) != 0;
+}
+
+void SetUpDriver(VideoLink* link) {
+  const HWND capture = link->hCapture;
+  Ask(capture, WM_CAP_SET_CALLBACK_YIELD, 0, CallbackAddress(PumpWhileRecording));
+  Ask(capture, WM_CAP_GET_STATUS, sizeof(link->status), reinterpret_cast<LPARAM>(&link->status));
+  Ask(capture, WM_CAP_GET_SEQUENCE_SETUP, sizeof(link->parameters), reinterpret_cast<LPARAM>(&link->parameters));
+  ApplyParameters(link);
+  Ask(capture, WM_CAP_GET_VIDEOFORMAT, sizeof(link->sourceFormat), reinterpret_cast<LPARAM>(&link->sourceFormat));
+  Ask(capture, WM_CAP_SET_PREVIEW, TRUE);
+}
+
+bool CreateFrameBitmap(VideoLink* link) {
+  const BITMAPINFOHEADER& source = link->sourceFormat.header;
+  if (!IsUsable(source)) return false;
+  link->frameWidth = source.biWidth;
+  link->frameHeight = source.biHeight;
+  link->frameFormat.header = TopDownBitmapInfo(source.biWidth, source.biHeight).bmiHeader;
+  const WindowDc dc(link->hHost);
+  link->hFrame = CreateDIBSection(dc, reinterpret_cast<const BITMAPINFO*>(&link->frameFormat), DIB_RGB_COLORS,
+                                  &link->framePixels, nullptr, 0);
+  return link->hFrame != nullptr;
+}
+
+void StartFrames(VideoLink* link) {
+  Ask(link->hCapture, WM_CAP_SET_USER_DATA, 0, reinterpret_cast<LPARAM>(link));
+  Ask(link->hCapture, WM_CAP_SET_CALLBACK_FRAME, 0, CallbackAddress(FrameArrived));
+  Ask(link->hCapture, WM_CAP_SET_CALLBACK_VIDEOSTREAM, 0, CallbackAddress(FrameArrived));
+}
+
+}  // namespace
+
+VideoLink* OpenVideoLink(HWND host) {
+  if (!IsWindow(host) || !Libraries().Whole()) return nullptr;
+  VideoLink* link = CreateLink(host);
+  if (!link) return nullptr;
+  link->hCapture = CreateCaptureWindow(host);
+  if (!link->hCapture) {
+    FreeLink(link);
+    return nullptr;
+  }
+  if (!ConnectAnyDriver(link->hCapture)) {
+    DestroyWindow(link->hCapture);
+    FreeLink(link);
+    return nullptr;
+  }
+  SetUpDriver(link);
+  if (!CreateFrameBitmap(link)) {
+    CloseVideoLink(link);
+    return nullptr;
+  }
+  StartFrames(link);
+  return link;
+}
+
+BOOL CloseVideoLink(VideoLink* link) {
+  if (!IsOpen(link)) return FALSE;
+  link->tag = 0;  // first of all: a callback that comes while all this goes on finds no link
+  Ask(link->hCapture, WM_CAP_SET_CALLBACK_FRAME);
+  Ask(link->hCapture, WM_CAP_SET_CALLBACK_VIDEOSTREAM);
+  Ask(link->hCapture, WM_CAP_SET_PREVIEW, FALSE);
+  Ask(link->hCapture, WM_CAP_DRIVER_DISCONNECT);
+  DestroyWindow(link->hCapture);
+  if (link->hFrame) DeleteObject(link->hFrame);
+  FreeLink(link);
+  return TRUE;
+}
+
+// --- Using the link
+// ---------------------------------------------------------------------------------------------------
+
+BOOL DrawVideoFrame(VideoLink* link, HDC target, int x, int y, int width, int height) {
+  if (!IsOpen(link)) return FALSE;
+  Ask(link->hCapture, WM_CAP_GRAB_FRAME_NOSTOP);
+  if (!IsOpen(link)) return FALSE;  // grabbing may call the owner, and he may have closed the link
+  const MemoryDc source(target);
+  const SelectedObject selected(source, link->hFrame);
+  SetStretchBltMode(target, COLORONCOLOR);
+  return StretchBlt(target, x, y, width, height, source, 0, 0, link->frameWidth, link->frameHeight, SRCCOPY);
+}
+
+// The link may be gone when the last step returns, so nothing of it is touched from there on.
+LRESULT RecordVideo(VideoLink* link, const char* fileName, BOOL start) {
+  if (!IsOpen(link)) return 0;
+  const HWND capture = link->hCapture;
+  if (!start) return Ask(capture, WM_CAP_STOP);
+  if (fileName && IsBadStringPtrA(fileName, MAX_PATH)) return 0;
+  if (!ApplyParameters(link)) return 0;
+  if (!Ask(capture, WM_CAP_FILE_SET_CAPTURE_FILEA, 0, reinterpret_cast<LPARAM>(fileName))) return 0;
+  return Ask(capture, WM_CAP_SEQUENCE);
+}
+
+LRESULT CALLBACK VideoErrorText(HWND window, int, const wchar_t* text) {
+  if (IsBadStringPtrW(text, kLongestErrorText)) return FALSE;
+  MessageBoxW(window, text, L"Video Error", MB_OK | MB_ICONERROR);
+  return TRUE;
+}
+
+}  // namespace kv

@@ -1,0 +1,341 @@
+#include "views3d/mesh_model.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "tests/support/test_window.h"
+
+namespace kv {
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr int kLargestInt = std::numeric_limits<int>::max();
+
+UINT LockCount(HGLOBAL memory) {
+  return GlobalFlags(memory) & GMEM_LOCKCOUNT;
+}
+
+// A model that stays locked while the test looks at it. One triangle for each depth, all three corners at that depth;
+// its attribute word numbers it.
+struct LockedMesh {
+  explicit LockedMesh(const std::vector<double>& depths) {
+    const auto count = static_cast<std::uint32_t>(depths.size());
+    handle = meshCreate(count, count);
+    meshLock(handle, &model, &vertices, &triangles);
+    model->scale = 1;
+    model->vertexCount = model->triangleCount = static_cast<std::int32_t>(count);
+    for (std::uint32_t i = 0; i < count; ++i) {
+      vertices[i].y = depths[i];
+      triangles[i] = {.attributes = i, .vertices = {i, i, i}};
+    }
+  }
+  ~LockedMesh() {
+    meshUnlock(model);
+    meshDestroy(handle);
+  }
+
+  HGLOBAL handle;
+  MeshModel* model = nullptr;
+  MeshVertex* vertices = nullptr;
+  MeshTriangle* triangles = nullptr;
+};
+
+TEST(MeshModel, IsOneBlockThatStartsEmpty) {
+  HGLOBAL handle = meshCreate(3, 2);
+  ASSERT_EQ(1144u + 3 * 52 + 2 * 32, GlobalSize(handle));
+  MeshModel* model = nullptr;
+  MeshVertex* vertices = nullptr;
+  MeshTriangle* triangles = nullptr;
+  ASSERT_TRUE(meshLock(handle, &model, &vertices, &triangles));
+  EXPECT_EQ(1u, LockCount(handle));
+  EXPECT_EQ(0x20070806u, model->tag);
+  EXPECT_EQ(handle, model->selfHandle);
+  EXPECT_EQ(reinterpret_cast<char*>(model) + 1144, reinterpret_cast<char*>(vertices));
+  EXPECT_EQ(reinterpret_cast<char*>(vertices) + 3 * 52, reinterpret_cast<char*>(triangles));
+  EXPECT_EQ(0, model->vertexCount | model->triangleCount);
+  EXPECT_EQ(3.5, model->scale);
+  EXPECT_EQ(0x0A0A0Au, model->shadeTable[10]);
+  EXPECT_EQ(0xFFFFFFu, model->shadeTable[255]);
+  EXPECT_TRUE(meshUnlock(model));
+  EXPECT_EQ(0u, LockCount(handle));
+  EXPECT_TRUE(meshDestroy(handle));
+
+  EXPECT_EQ(nullptr, meshCreate(82595524, 1));  // just past 32 bits of bytes
+  EXPECT_EQ(nullptr, meshCreate(0xFFFFFFFF, 0xFFFFFFFF));
+}
+
+TEST(MeshModel, DestroyedNullAndForeignHandlesAreRefusedByAll) {
+  HGLOBAL destroyed = meshCreate(1, 1);
+  ASSERT_TRUE(meshDestroy(destroyed));
+  HGLOBAL untagged = GlobalAlloc(GHND, 4096);
+  HGLOBAL small = GlobalAlloc(GHND, 4);  // smaller than a head, though it carries the tag
+  *static_cast<std::uint32_t*>(GlobalLock(small)) = kMeshTag;
+  GlobalUnlock(small);
+  for (HGLOBAL handle : {destroyed, untagged, small, HGLOBAL{nullptr}}) {
+    auto* model = reinterpret_cast<MeshModel*>(0x1234);
+    double angle = 7;
+    EXPECT_FALSE(meshLock(handle, &model, nullptr, nullptr));
+    EXPECT_EQ(reinterpret_cast<MeshModel*>(0x1234), model);
+    EXPECT_FALSE(meshSetView(handle, 1, 1, 0, 0, 0, 7));
+    EXPECT_FALSE(meshGetAngles(handle, &angle, &angle, &angle));
+    EXPECT_EQ(7, angle);
+    EXPECT_FALSE(meshProject(handle));
+    EXPECT_FALSE(meshDestroy(handle));
+  }
+  EXPECT_EQ(0u, LockCount(untagged) + LockCount(small));
+  GlobalFree(untagged);
+  GlobalFree(small);
+}
+
+TEST(MeshModel, BadPointersAreRefusedOrSkipped) {
+  HGLOBAL handle = meshCreate(1, 1);
+  kvtest::GuardedBytes tooSmall(3), readOnly(sizeof(double));
+  readOnly.MakeReadOnly();
+  MeshModel* model = nullptr;
+  EXPECT_FALSE(meshLock(handle, nullptr, nullptr, nullptr));
+  EXPECT_FALSE(meshLock(handle, tooSmall.as<MeshModel*>(), nullptr, nullptr));
+  EXPECT_EQ(0u, LockCount(handle));
+  ASSERT_TRUE(meshLock(handle, &model, readOnly.as<MeshVertex*>(), tooSmall.as<MeshTriangle*>()));
+  model->angleB = 12;
+  double angle = 0;
+  EXPECT_TRUE(meshGetAngles(handle, readOnly.as<double>(), &angle, nullptr));
+  EXPECT_EQ(12, angle);
+  meshUnlock(model);
+  EXPECT_TRUE(meshDestroy(handle));
+
+  // A fixed block stands for itself as a handle; this one ends within a head.
+  kvtest::GuardedBytes fixed(8);
+  *fixed.as<std::uint32_t>() = kMeshTag;
+  EXPECT_FALSE(meshLock(fixed.data(), &model, nullptr, nullptr));
+
+  HGLOBAL large = meshCreate(100000, 0);  // large enough for pages of its own
+  ASSERT_TRUE(meshLock(large, &model, nullptr, nullptr));
+  meshUnlock(model);
+  DWORD protection = 0;
+  VirtualProtect(model, 1, PAGE_READONLY, &protection);
+  EXPECT_FALSE(meshDestroy(large));
+  VirtualProtect(model, 1, protection, &protection);
+  EXPECT_EQ(0u, LockCount(large));
+  EXPECT_TRUE(meshDestroy(large));
+}
+
+TEST(MeshModel, UnlockWantsOneByteMoreThanTheHead) {
+  HGLOBAL handle = GlobalAlloc(GHND, 8);
+  GlobalLock(handle);
+  for (size_t size : {1143, 1144, 1145}) {
+    kvtest::GuardedBytes bytes(size);
+    auto* model = bytes.as<MeshModel>();
+    model->tag = kMeshTag;
+    if (size >= 1144) model->selfHandle = handle;
+    EXPECT_EQ(size == 1145, meshUnlock(model)) << size;
+    EXPECT_EQ(size == 1145 ? 0u : 1u, LockCount(handle));
+    model->tag = kMeshTag + 1;
+    EXPECT_FALSE(meshUnlock(model));
+  }
+  GlobalFree(handle);
+}
+
+TEST(MeshSetView, NormalisesTheFlaggedAngles) {
+  LockedMesh mesh({});
+  const std::pair<double, double> cases[] = {{540, 180},      {-540, -180},      {180, 180},        {-180, -180},
+                                             {180.5, -179.5}, {-1000.25, 79.75}, {3600000017.0, 17}};
+  for (const auto& [given, stored] : cases) {
+    ASSERT_TRUE(meshSetView(mesh.handle, 2, 1.25, given, given, given, 7));
+    EXPECT_EQ(stored, mesh.model->angleA) << given;
+    EXPECT_EQ(stored, mesh.model->angleB);
+    EXPECT_EQ(stored, mesh.model->angleC);
+  }
+  for (int flags = 0; flags < 8; ++flags) {
+    meshSetView(mesh.handle, 1, 1, 1, 2, 3, 7);
+    ASSERT_TRUE(meshSetView(mesh.handle, flags, 0.5, 41, 42, 43, static_cast<std::uint8_t>(flags)));
+    double a = 0, b = 0, c = 0;
+    ASSERT_TRUE(meshGetAngles(mesh.handle, &a, &b, &c));
+    EXPECT_EQ(flags & 1 ? 41 : 1, a);
+    EXPECT_EQ(flags & 2 ? 42 : 2, b);
+    EXPECT_EQ(flags & 4 ? 43 : 3, c);
+    EXPECT_EQ(flags * 0.5, mesh.model->scale);
+  }
+  ASSERT_TRUE(meshSetView(mesh.handle, 1, 1, 1e300, kInfinity, kNotANumber, 7));
+  EXPECT_LE(std::fabs(mesh.model->angleA), 180);
+  EXPECT_EQ(42, mesh.model->angleB);
+  EXPECT_EQ(43, mesh.model->angleC);
+  EXPECT_EQ(1u, LockCount(mesh.handle));
+}
+
+using Vector = std::array<double, 3>;
+using Matrix = std::array<Vector, 3>;
+
+Matrix Times(const Matrix& left, const Matrix& right) {
+  Matrix product{};
+  for (int i = 0; i < 3; ++i) {
+    for (int j = 0; j < 3; ++j) {
+      for (int k = 0; k < 3; ++k) product[i][j] += left[i][k] * right[k][j];
+    }
+  }
+  return product;
+}
+
+// The right-handed rotation about a unit axis: cos I + sin [axis]x + (1 - cos) axis axis^T.
+Matrix RotationAbout(const Vector& axis, double degrees) {
+  const double angle = degrees * 3.14159265358979323846 / 180, s = std::sin(angle), c = std::cos(angle);
+  const Matrix cross{{{0, -axis[2], axis[1]}, {axis[2], 0, -axis[0]}, {-axis[1], axis[0], 0}}};
+  Matrix rotation{};
+  for (int i = 0; i < 3; ++i) {
+    for (int j = 0; j < 3; ++j) rotation[i][j] = c * (i == j) + s * cross[i][j] + (1 - c) * axis[i] * axis[j];
+  }
+  return rotation;
+}
+
+void ExpectProjection(const Vector& turned, double scale, const MeshVertex& vertex) {
+  const double larger = (750 + turned[1]) / 750;
+  EXPECT_NEAR(turned[0] * scale * larger, vertex.projectedX, 1e-9);
+  EXPECT_NEAR(turned[1] * scale, vertex.depthY, 1e-9);
+  EXPECT_NEAR(turned[2] * scale * larger, vertex.projectedZ, 1e-9);
+}
+
+TEST(MeshProject, AgreesWithRotationMatrices) {
+  LockedMesh mesh(std::vector<double>(100, 0));
+  std::mt19937 random(5);
+  std::uniform_real_distribution<double> coordinate(-400, 400), angle(-180, 180), factor(0.1, 4);
+  for (int view = 0; view < 20; ++view) {
+    const double a = angle(random), b = angle(random), c = angle(random), scale = factor(random);
+    for (int i = 0; i < 100; ++i) {
+      mesh.vertices[i].x = coordinate(random);
+      mesh.vertices[i].y = coordinate(random);
+      mesh.vertices[i].z = coordinate(random);
+    }
+    meshSetView(mesh.handle, scale, 1, a, b, c, 7);
+    ASSERT_TRUE(meshProject(mesh.handle));
+    // A turns x towards y, B turns z towards y, C turns x towards z.
+    const Matrix rotation =
+        Times(RotationAbout({0, 1, 0}, -c), Times(RotationAbout({1, 0, 0}, -b), RotationAbout({0, 0, 1}, a)));
+    for (int i = 0; i < 100; ++i) {
+      const MeshVertex& vertex = mesh.vertices[i];
+      Vector turned{};
+      for (int row = 0; row < 3; ++row) {
+        turned[row] = rotation[row][0] * vertex.x + rotation[row][1] * vertex.y + rotation[row][2] * vertex.z;
+      }
+      ExpectProjection(turned, scale, vertex);
+    }
+  }
+}
+
+TEST(MeshProject, QuarterTurnsByHand) {
+  LockedMesh mesh({2});
+  mesh.vertices[0].x = 1;
+  mesh.vertices[0].z = 3;
+  const std::pair<Vector, Vector> cases[] = {
+      {{0, 0, 0}, {1, 2, 3}}, {{90, 0, 0}, {-2, 1, 3}}, {{0, 90, 0}, {1, 3, -2}}, {{0, 0, 90}, {-3, 2, 1}}};
+  for (const auto& [angles, turned] : cases) {
+    meshSetView(mesh.handle, 2, 1, angles[0], angles[1], angles[2], 7);
+    ASSERT_TRUE(meshProject(mesh.handle));
+    ExpectProjection(turned, 2, mesh.vertices[0]);
+  }
+}
+
+TEST(MeshProject, SortsFartherTrianglesFirst) {
+  LockedMesh mesh({3, -1, 7, 0.5, -9});
+  mesh.triangles[0].vertices[1] = 4;  // 3 - 9 + 3
+  ASSERT_TRUE(meshProject(mesh.handle));
+  const double depths[] = {-27, -3, -3, 1.5, 21};
+  for (int i = 0; i < 5; ++i) EXPECT_DOUBLE_EQ(depths[i], mesh.triangles[i].depth);
+  EXPECT_EQ(4u, mesh.triangles[0].attributes);
+  EXPECT_EQ(4u, mesh.triangles[0].vertices[2]);  // the whole record moves
+  EXPECT_EQ(2u, mesh.triangles[4].attributes);
+
+  EXPECT_TRUE(meshProject(LockedMesh({}).handle));
+}
+
+// Also near-equal depths, which make the comparison contradict itself (a = b, b = c, a < c), must lose no triangle.
+TEST(MeshProject, DepthsMayBeHugeNearlyEqualOrNotNumbers) {
+  std::mt19937 random(9);
+  const double special[] = {kNotANumber, kInfinity, -kInfinity, 1e308, -1e308, 1e12, -1e12, 0, 5, -5};
+  for (int count : {1, 2, 11, 300, 20000}) {
+    std::vector<double> extreme(count), close(count);
+    for (double& depth : extreme) depth = special[random() % std::size(special)];
+    for (double& depth : close) depth = (random() % 1000) * 0.00002;
+    for (const auto& depths : {extreme, close}) {
+      const bool ordered = depths != close;
+      LockedMesh mesh(depths);
+      ASSERT_TRUE(meshProject(mesh.handle));
+      std::vector<bool> seen(count);
+      for (int i = 0; i < count; ++i) {
+        seen[mesh.triangles[i].attributes] = true;
+        if (i == 0 || !ordered) continue;
+        const double before = mesh.triangles[i - 1].depth, depth = mesh.triangles[i].depth;
+        EXPECT_TRUE(std::isnan(before) || before <= depth) << before << " before " << depth;
+      }
+      EXPECT_EQ(count, std::count(seen.begin(), seen.end(), true));
+    }
+  }
+}
+
+TEST(MeshProject, CountsAndIndicesStayInsideTheBlock) {
+  LockedMesh mesh({4, 2});
+  mesh.triangles[0].vertices[0] = 2;
+  mesh.triangles[0].vertices[1] = 0x04000000;
+  mesh.model->vertexCount = mesh.model->triangleCount = kLargestInt;
+  ASSERT_TRUE(meshProject(mesh.handle));
+  double depth = mesh.triangles[0].depth;
+  EXPECT_EQ(4, depth);
+
+  mesh.model->vertexCount = mesh.model->triangleCount = -kLargestInt;
+  mesh.vertices[0].y = 100;
+  mesh.triangles[0].depth = 77;
+  ASSERT_TRUE(meshProject(mesh.handle));
+  EXPECT_DOUBLE_EQ(4, mesh.vertices[0].depthY);
+  EXPECT_DOUBLE_EQ(77, mesh.triangles[0].depth);
+
+  // A capacity that was written over would lead out of the block.
+  mesh.model->vertexCapacity = 1000;
+  EXPECT_FALSE(meshProject(mesh.handle));
+  mesh.model->vertexCapacity = 2;
+}
+
+TEST(MeshRotateShades, ShiftsByTheLimitedStep) {
+  const struct {
+    int length, shift, step;  // position i takes the shade of position i + step
+  } cases[] = {{0, 3, 0},           {1, 3, 0},   {1, -3, 0}, {2, 5, 1},   {2, -1, 1},    {3, 5, 1},
+               {3, -1, -1},         {6, 5, 2},   {6, 1, 1},  {6, 0, 1},   {6, -4, -1},   {6, -kLargestInt, -1},
+               {6, kLargestInt, 2}, {7, 100, 2}, {8, 4, 3},  {255, 9, 9}, {257, -9, -1}, {1000, 600, 499}};
+  for (const auto& [length, shift, step] : cases) {
+    for (int start : {-1, 0, 2}) {
+      const int first = start + 1;
+      const auto shadeBefore = [&](int i) { return static_cast<std::uint8_t>(i * 7 + 1); };
+      kvtest::GuardedBytes bytes((first + length) * sizeof(MeshVertex));
+      auto* vertices = bytes.as<MeshVertex>();
+      for (int i = 0; i < first + length; ++i) vertices[i].shade = shadeBefore(i);
+      ASSERT_TRUE(meshRotateShades(vertices, start, length, shift));
+      for (int i = 0; i < first + length; ++i) {
+        const int source = i < first ? i : first + (i - first + step + length) % length;
+        EXPECT_EQ(shadeBefore(source), vertices[i].shade) << length << " by " << shift << " at " << i;
+      }
+    }
+  }
+}
+
+TEST(MeshRotateShades, RefusesWhatCannotBeWritten) {
+  kvtest::GuardedBytes bytes(4 * sizeof(MeshVertex));
+  auto* vertices = bytes.as<MeshVertex>();
+  for (int i = 0; i < 4; ++i) vertices[i].shade = static_cast<std::uint8_t>(i);
+  EXPECT_FALSE(meshRotateShades(nullptr, 0, 4, 1));
+  EXPECT_FALSE(meshRotateShades(vertices, -1, 5, 1));
+  EXPECT_FALSE(meshRotateShades(vertices, 0, 4, 1));  // the ring's last vertex would lie behind the array
+  EXPECT_FALSE(meshRotateShades(vertices, -2, 3, 1));
+  EXPECT_FALSE(meshRotateShades(vertices, 0, -1, 1));
+  EXPECT_FALSE(meshRotateShades(vertices, kLargestInt, kLargestInt, 1));
+  for (int i = 0; i < 4; ++i) EXPECT_EQ(i, vertices[i].shade);
+  EXPECT_TRUE(meshRotateShades(vertices, 0, 3, 1));
+  bytes.MakeReadOnly();
+  EXPECT_FALSE(meshRotateShades(vertices, 0, 3, 1));
+}
+
+}  // namespace
+}  // namespace kv

@@ -1,0 +1,214 @@
+#include "views3d/mesh_model.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <span>
+#include <utility>
+
+namespace kv {
+
+namespace {
+
+constexpr double kInitialScale = 3.5;
+constexpr double kRadiansPerDegree = 0.017453292519943295;
+constexpr double kEyeDistance = 750;
+constexpr double kDepthStepsPerUnit = 10000;
+constexpr size_t kUnlockProbe = sizeof(MeshModel) + 1;
+
+std::uint64_t BlockBytes(std::uint32_t vertexCapacity, std::uint32_t triangleCapacity) {
+  return sizeof(MeshModel) + std::uint64_t{vertexCapacity} * sizeof(MeshVertex) +
+         std::uint64_t{triangleCapacity} * sizeof(MeshTriangle);
+}
+
+MeshVertex* VerticesOf(MeshModel* model) {
+  return reinterpret_cast<MeshVertex*>(model + 1);
+}
+
+MeshTriangle* TrianglesOf(MeshModel* model) {
+  return reinterpret_cast<MeshTriangle*>(VerticesOf(model) + model->vertexCapacity);
+}
+
+size_t CountInUse(std::int32_t count, std::uint32_t capacity) {
+  return count < 0 ? 0 : std::min<size_t>(static_cast<size_t>(count), capacity);
+}
+
+// A handle may by now stand for another, smaller block; and what its user wrote over the capacities must not lead
+// outside the block.
+bool IsLiveModel(HGLOBAL mesh, MeshModel* model) {
+  return !IsBadReadPtr(model, sizeof(*model)) && model->tag == kMeshTag &&
+         BlockBytes(model->vertexCapacity, model->triangleCapacity) <= GlobalSize(mesh);
+}
+
+template <class T>
+void Deliver(T* target, T value) {
+  if (!IsBadWritePtr(target, sizeof(T))) *target = value;
+}
+
+// Takes whole turns off in one step, where taking them off one by one would never end for a huge angle. For angles
+// below 2^56 both give the same to the last bit.
+double WithinHalfTurn(double degrees) {
+  const double angle = std::fmod(degrees, 360.0);
+  if (angle > 180) return angle - 360;
+  return angle < -180 ? angle + 360 : angle;
+}
+
+double NewAngle(double stored, double degrees) {
+  return std::isfinite(degrees) ? WithinHalfTurn(degrees) : stored;
+}
+
+struct Turn {
+  explicit Turn(double degrees)
+      : sine(std::sin(degrees * kRadiansPerDegree)), cosine(std::cos(degrees * kRadiansPerDegree)) {}
+  double sine, cosine;
+};
+
+void ProjectVertices(const MeshModel& model, std::span<MeshVertex> vertices) {
+  const Turn a(model.angleA), b(model.angleB), c(model.angleC);
+  const double scale = model.scale;
+  for (MeshVertex& vertex : vertices) {
+    const double x1 = vertex.x * a.cosine - vertex.y * a.sine;
+    const double y1 = vertex.y * a.cosine + vertex.x * a.sine;
+    const double z1 = vertex.z * b.cosine - y1 * b.sine;
+    const double y2 = y1 * b.cosine + vertex.z * b.sine;
+    const double x2 = x1 * c.cosine - z1 * c.sine;
+    const double z2 = z1 * c.cosine + x1 * c.sine;
+    const double perspective = y2 / kEyeDistance + 1;
+    vertex.projectedX = x2 * scale * perspective;
+    vertex.depthY = y2 * scale;
+    vertex.projectedZ = z2 * scale * perspective;
+  }
+}
+
+// `vertices` is the whole array, used or not.
+void MeasureDepths(std::span<const MeshVertex> vertices, std::span<MeshTriangle> triangles) {
+  for (MeshTriangle& triangle : triangles) {
+    double depth = 0;
+    for (const std::uint32_t index : triangle.vertices) {
+      if (index < vertices.size()) depth += vertices[index].depthY;
+    }
+    triangle.depth = depth;
+  }
+}
+
+// The difference in steps of 0.0001, truncated to an integer and limited to its range, so that far apart stays far
+// apart. What is not a number goes before every number: counted as equal to all it would keep the rest from being
+// sorted.
+int CompareDepth(const void* first, const void* second) {
+  const double a = static_cast<const MeshTriangle*>(first)->depth;
+  const double b = static_cast<const MeshTriangle*>(second)->depth;
+  const double steps = (a - b) * kDepthStepsPerUnit;
+  if (std::isnan(steps)) return static_cast<int>(std::isnan(b)) - static_cast<int>(std::isnan(a));
+  constexpr double kLargest = std::numeric_limits<int>::max();
+  return static_cast<int>(std::clamp(steps, -kLargest, kLargest));
+}
+
+void ReverseShades(MeshVertex* ring, int from, int to) {
+  for (; from < --to; ++from) std::swap(ring[from].shade, ring[to].shade);
+}
+
+}  // namespace
+
+HGLOBAL meshCreate(std::uint32_t vertexCapacity, std::uint32_t triangleCapacity) {
+  const std::uint64_t bytes = BlockBytes(vertexCapacity, triangleCapacity);
+  if (bytes > std::numeric_limits<size_t>::max()) return nullptr;
+  HGLOBAL mesh = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, static_cast<size_t>(bytes));
+  if (!mesh) return nullptr;
+  auto* model = static_cast<MeshModel*>(GlobalLock(mesh));
+  const bool usable = model && !IsBadWritePtr(model, static_cast<UINT_PTR>(bytes));
+  if (usable) {
+    model->tag = kMeshTag;
+    model->selfHandle = mesh;
+    model->vertexCapacity = vertexCapacity;
+    model->triangleCapacity = triangleCapacity;
+    model->scale = kInitialScale;
+    for (std::uint32_t level = 0; level < 256; ++level) model->shadeTable[level] = level * 0x10101;
+  }
+  if (model) GlobalUnlock(mesh);
+  return usable ? mesh : GlobalFree(mesh);
+}
+
+BOOL meshDestroy(HGLOBAL mesh) {
+  MeshModel* model = nullptr;
+  if (!meshLock(mesh, &model, nullptr, nullptr)) return FALSE;
+  const bool writable = !IsBadWritePtr(model, sizeof(*model));
+  if (writable) model->tag = 0;
+  GlobalUnlock(mesh);
+  if (writable) GlobalFree(mesh);
+  return writable;
+}
+
+BOOL meshLock(HGLOBAL mesh, MeshModel** model, MeshVertex** vertices, MeshTriangle** triangles) {
+  if (!mesh || IsBadWritePtr(model, sizeof(*model))) return FALSE;
+  auto* locked = static_cast<MeshModel*>(GlobalLock(mesh));
+  if (!locked) return FALSE;
+  if (!IsLiveModel(mesh, locked)) {
+    GlobalUnlock(mesh);
+    return FALSE;
+  }
+  *model = locked;
+  Deliver(vertices, VerticesOf(locked));
+  Deliver(triangles, TrianglesOf(locked));
+  return TRUE;
+}
+
+BOOL meshUnlock(MeshModel* model) {
+  if (IsBadWritePtr(model, kUnlockProbe) || model->tag != kMeshTag) return FALSE;
+  GlobalUnlock(model->selfHandle);
+  return TRUE;
+}
+
+BOOL meshSetView(HGLOBAL mesh, double factor1, double factor2, double angleA, double angleB, double angleC,
+                 std::uint8_t flags) {
+  MeshModel* model = nullptr;
+  if (!meshLock(mesh, &model, nullptr, nullptr)) return FALSE;
+  model->scale = factor1 * factor2;
+  if (flags & kMeshSetAngleA) model->angleA = NewAngle(model->angleA, angleA);
+  if (flags & kMeshSetAngleB) model->angleB = NewAngle(model->angleB, angleB);
+  if (flags & kMeshSetAngleC) model->angleC = NewAngle(model->angleC, angleC);
+  meshUnlock(model);
+  return TRUE;
+}
+
+BOOL meshGetAngles(HGLOBAL mesh, double* angleA, double* angleB, double* angleC) {
+  MeshModel* model = nullptr;
+  if (!meshLock(mesh, &model, nullptr, nullptr)) return FALSE;
+  Deliver<double>(angleA, model->angleA);
+  Deliver<double>(angleB, model->angleB);
+  Deliver<double>(angleC, model->angleC);
+  meshUnlock(model);
+  return TRUE;
+}
+
+BOOL meshProject(HGLOBAL mesh) {
+  MeshModel* model = nullptr;
+  MeshVertex* vertices = nullptr;
+  MeshTriangle* triangles = nullptr;
+  if (!meshLock(mesh, &model, &vertices, &triangles)) return FALSE;
+  const std::span usedTriangles(triangles, CountInUse(model->triangleCount, model->triangleCapacity));
+  ProjectVertices(*model, {vertices, CountInUse(model->vertexCount, model->vertexCapacity)});
+  MeasureDepths({vertices, model->vertexCapacity}, usedTriangles);
+  std::qsort(usedTriangles.data(), usedTriangles.size(), sizeof(MeshTriangle), CompareDepth);
+  meshUnlock(model);
+  return TRUE;
+}
+
+BOOL meshRotateShades(MeshVertex* vertices, int start, int length, int shift) {
+  if (length < 0 || start < -1) return FALSE;
+  const std::int64_t bytes = (std::int64_t{start} + 1 + length) * static_cast<std::int64_t>(sizeof(MeshVertex));
+  if (bytes > std::numeric_limits<std::int32_t>::max() || IsBadWritePtr(vertices, static_cast<UINT_PTR>(bytes))) {
+    return FALSE;
+  }
+  if (length < 2) return TRUE;
+
+  // Three reversals turn a ring back by `step` places where it lies; one place forward is length - 1 back.
+  const int step = shift < 0 ? length - 1 : std::max(1, std::min(shift, length / 2 - 1));
+  MeshVertex* ring = vertices + (start + 1);
+  ReverseShades(ring, 0, step);
+  ReverseShades(ring, step, length);
+  ReverseShades(ring, 0, length);
+  return TRUE;
+}
+
+}  // namespace kv
