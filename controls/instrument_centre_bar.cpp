@@ -38,12 +38,14 @@ void DrawValue(HDC dc, const RECT& display, const InstrumentView& view, double d
   const std::wstring text = reading.valid
                                 ? FixedWidthNumber(reading.value, kValueWidth, view.block.format | kFormatSign)
                                 : std::wstring(L"---");
-  const int characterWidth = (display.right - display.left - 8) / (static_cast<int>(text.size()) + 1);
+  const int roomWidth = (display.right - display.left - 8) / (static_cast<int>(text.size()) + 1);
+  const int roomHeight = static_cast<int>(((display.bottom - display.top) / 2 - kValueGap) / 2.5);
+  const int characterWidth = std::min(roomWidth, roomHeight);
   if (characterWidth < 1) return;
   const int height = static_cast<int>(2.5 * characterWidth);
   const OwnedFont font = CreateInstrumentFont(height, characterWidth, FW_BOLD);
-  DrawTextLine(dc, font, text, CentreValueBox(display, deviation, height), ShownColor(view, RGB(255, 255, 255)),
-               DT_CENTER | DT_NOCLIP);
+  DrawTextLine(dc, font, WithoutPadding(text), CentreValueBox(display, deviation, height),
+               ShownColor(view, RGB(255, 255, 255)), DT_CENTER | DT_NOCLIP);
 }
 
 }  // namespace

@@ -12,22 +12,27 @@ namespace kv {
 namespace {
 
 // Radii as parts of the face's.
-constexpr double kMarkOuter = 0.98, kZoneInner = 0.93;
-constexpr double kTenInner = 0.89, kThirtyInner = 0.85, kFineInner = 0.93;
-constexpr double kNumbers = 0.755;
+constexpr double kZoneOuter = 0.985, kZoneInner = 0.945, kMarkOuter = 0.94;
+constexpr double kTenInner = 0.87, kThirtyInner = 0.83, kFineInner = 0.895;
+constexpr double kNumbers = 0.74;
 constexpr double kHub = 0.31;
 
-constexpr double kLeastFaceWithNumbers = 88, kLeastFaceWithEightLetters = 42, kLeastFaceWithRose = 26,
-                 kLeastFaceWithName = 52, kLeastFaceWithPlaces = 60;
+constexpr double kLeastFaceWithHeading = 19, kLeastFaceWithNumbers = 88, kLeastFaceWithEightLetters = 42,
+                 kLeastFaceWithRose = 26, kLeastFaceWithName = 52, kLeastFaceWithPlaces = 60;
 
 struct CardLetters {
   double radius, cardinalHeight, otherHeight;
 };
 
 CardLetters LettersOf(double face) {
-  if (face >= kLeastFaceWithNumbers) return {0.585, 0.155, 0.085};
-  if (face >= kLeastFaceWithEightLetters) return {0.68, 0.21, 0.125};
-  return {0.66, 0.27, 0};
+  if (face >= kLeastFaceWithNumbers) return {0.575, 0.155, 0.085};
+  if (face >= kLeastFaceWithEightLetters) return {0.665, 0.21, 0.125};
+  return {0.645, 0.27, 0};
+}
+
+// North stands out by the display colour, as long as there is a heading to read.
+COLORREF NorthColor(const InstrumentView& view) {
+  return ReadingOf(view.block).valid ? DisplayColor(view) : ColorsOf(view).ink;
 }
 
 struct CardGlyph {
@@ -67,14 +72,14 @@ void DrawCardText(const Supersample& canvas, const Dial& dial, const wchar_t* te
 }
 
 void DrawZones(const Supersample& canvas, const Dial& dial, const InstrumentView& view, double heading) {
-  const double inner = std::min(kZoneInner * dial.faceRadius, kMarkOuter * dial.faceRadius - 2);
+  const double inner = std::min(kZoneInner * dial.faceRadius, kZoneOuter * dial.faceRadius - 1.5);
   for (int i = 0; i < kInstrumentZones; ++i) {
     if (!(view.block.state & ZoneEnabledBit(i))) continue;
     const InstrumentZone& zone = view.block.zones[i];
     if (!std::isfinite(zone.lower) || !std::isfinite(zone.upper)) continue;
     const double from = CardAngle(zone.lower, heading);
     const double sweep = std::clamp(static_cast<double>(zone.upper) - zone.lower, 0.0, 360.0);
-    FillRingSector(canvas, dial.centre, inner, kMarkOuter * dial.faceRadius, from, from + sweep,
+    FillRingSector(canvas, dial.centre, inner, kZoneOuter * dial.faceRadius, from, from + sweep,
                    ShownColor(view, zone.color & 0x00FFFFFF));
   }
 }
@@ -99,7 +104,7 @@ void DrawLetters(const Supersample& canvas, const Dial& dial, const InstrumentVi
     const double height = face * (direction.count == 1 ? letters.cardinalHeight : letters.otherHeight);
     const bool north = direction.bearing == 0;
     if (height <= 0) continue;
-    const COLORREF color = north ? DisplayColor(view) : direction.count == 1 ? colors.ink : colors.faintInk;
+    const COLORREF color = north ? NorthColor(view) : direction.count == 1 ? colors.ink : colors.faintInk;
     DrawCardText(canvas, dial, direction.letters, direction.count, letters.radius, height,
                  CardAngle(direction.bearing, heading), color);
   }
@@ -131,7 +136,7 @@ void DrawRose(const Supersample& canvas, const Dial& dial, const InstrumentView&
       const PointD tip = PolarPoint(dial.centre, length, angle);
       const double waist = face * kHub * 1.02;
       const bool north = direction.bearing == 0;
-      const COLORREF light = north ? DisplayColor(view) : cardinal ? colors.ink : colors.faintInk;
+      const COLORREF light = north ? NorthColor(view) : cardinal ? colors.ink : colors.faintInk;
       const PointD left[] = {tip, PolarPoint(dial.centre, waist, angle - 22.5), dial.centre};
       const PointD right[] = {tip, PolarPoint(dial.centre, waist, angle + 22.5), dial.centre};
       FillPolygon(canvas, left, ShadeColor(light, 0.85));
@@ -144,7 +149,7 @@ void DrawRose(const Supersample& canvas, const Dial& dial, const InstrumentView&
 void DrawIndex(const Supersample& canvas, const Dial& dial, const InstrumentView& view) {
   const double face = dial.faceRadius, half = std::max(3.0, face * 0.075);
   const double top = dial.centre.y - dial.radius + std::max(0.5, (dial.radius - face) * 0.3);
-  const double tip = dial.centre.y - face * 0.835;
+  const double tip = dial.centre.y - face * 0.82;
   const auto triangle = [&](double wider) {
     return std::array{PointD{dial.centre.x - half - wider, top}, PointD{dial.centre.x + half + wider, top},
                       PointD{dial.centre.x, tip + 1.6 * wider}};
@@ -249,7 +254,7 @@ void DrawCompassValue(HDC dc, const RECT& area, const InstrumentView& view) {
     }
     if (reading.valid) DrawIndex(canvas, dial, view);
   }
-  DrawHeading(dc, dial, view);
+  if (dial.faceRadius >= kLeastFaceWithHeading) DrawHeading(dc, dial, view);
   RestoreDC(dc, saved);
 }
 

@@ -11,7 +11,7 @@ namespace kv {
 namespace {
 
 // Proportions of a character to its height.
-constexpr double kWidth = 0.54, kStroke = 0.115, kBetween = 0.20, kSlant = 0.10;
+constexpr double kWidth = 0.54, kStroke = 0.115, kBetween = 0.25, kSlant = 0.10;
 // What remains free around the characters.
 constexpr double kMarginX = 0.03, kMarginY = 0.10;
 
@@ -70,7 +70,7 @@ std::vector<PointD> Bar(const CellFrame& frame, PointD from, PointD to, double t
 
 // A slanting arm with level ends.
 std::vector<PointD> Arm(const CellFrame& frame, PointD from, PointD to, double thickness) {
-  const double half = thickness * 0.55;
+  const double half = thickness * 0.36;
   return {frame.At(from.x - half, from.y), frame.At(from.x + half, from.y), frame.At(to.x + half, to.y),
           frame.At(to.x - half, to.y)};
 }
@@ -156,9 +156,8 @@ StrokeCorners CornersOf(const DigitLayout& layout, int cell, int stroke) {
     case kSegmentUpperLeft: return bar({left, top}, {left, middle});
     case kSegmentMiddle: return bar({left, middle}, {right, middle});
     case kStrokeUpright: {
-      const double arm = (right - left) / 2, clear = t / 2;
-      return {Bar(frame, {centre, middle - arm}, {centre, middle - clear}, t, gap),
-              Bar(frame, {centre, middle + clear}, {centre, middle + arm}, t, gap)};
+      const double arm = (right - left) * 0.55;
+      return bar({centre, middle - arm}, {centre, middle + arm});
     }
     case kStrokeFalling: return {Arm(frame, {left + t * 1.2, t}, {right - t * 1.2, layout.height - t}, t), {}};
     case kStrokeRoof:

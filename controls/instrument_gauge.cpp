@@ -179,12 +179,18 @@ void DrawValueWindow(const Supersample& canvas, const Dial& dial, const DialColo
 
 void DrawValueText(HDC dc, const Dial& dial, const InstrumentView& view) {
   const InstrumentReading reading = ReadingOf(view.block);
-  const int places = view.block.format & kFormatPlaces;
-  const std::wstring text =
-      reading.valid ? PlainNumber(reading.value, places, (view.block.format & kFormatSign) != 0) : L"---";
   const RECT box = ValueBox(dial);
-  const int height = Round(std::max(10.0, dial.faceRadius * 0.25));
-  const OwnedFont font = CreateFittingFont(dc, text, height, 9, box.right - box.left - 2, FW_BOLD);
+  const int width = box.right - box.left - 2, height = Round(std::max(10.0, dial.faceRadius * 0.25));
+  std::wstring text = L"---";
+  if (reading.valid) {
+    text = PlainNumber(reading.value, view.block.format & kFormatPlaces, (view.block.format & kFormatSign) != 0);
+  }
+  OwnedFont font = CreateFittingFont(dc, text, height, 9, width, FW_BOLD);
+  if (TextSize(dc, font, text).cx > width) {
+    // A number cut at its end would be a wrong one.
+    text = ShortNumber(reading.value);
+    font = CreateFittingFont(dc, text, height, 9, width, FW_BOLD);
+  }
   DrawTextLine(dc, font, text, box, ColorsOf(view).ink, DT_CENTER);
 }
 

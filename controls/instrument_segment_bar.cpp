@@ -136,10 +136,20 @@ void DrawBarValue(HDC dc, const RECT& bar, const InstrumentView& view) {
   if (characterWidth < 1) return;
   const int height = static_cast<int>(2.5 * characterWidth);
   const OwnedFont font = CreateInstrumentFont(height, characterWidth, FW_SEMIBOLD);
-  RECT place{bar.left, bar.bottom - height - 2, bar.right, bar.bottom - 2};
-  DrawTextLine(dc, font, text, place, kValueShadow, DT_CENTER | DT_NOCLIP);
-  OffsetRect(&place, -1, -1);
-  DrawTextLine(dc, font, text, place, DisplayColor(view), DT_CENTER | DT_NOCLIP);
+  const RECT place{bar.left, bar.bottom - height - 2, bar.right, bar.bottom - 2};
+  const std::wstring shown = WithoutPadding(text);
+  const auto write = [&](int x, int y, COLORREF color) {
+    RECT moved = place;
+    OffsetRect(&moved, x, y);
+    DrawTextLine(dc, font, shown, moved, color, DT_CENTER | DT_NOCLIP);
+  };
+  // Number and lit segments have one colour: a black edge keeps them apart.
+  const int edge = std::clamp(height / 20, 1, 4);
+  for (int x = -edge; x <= edge; x += edge) {
+    for (int y = -edge; y <= edge; y += edge) write(x - 1, y - 1, RGB(0, 0, 0));
+  }
+  write(0, 0, kValueShadow);
+  write(-1, -1, DisplayColor(view));
 }
 
 }  // namespace

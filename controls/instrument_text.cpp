@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <cwchar>
 
 #include "framework/bounded_format.h"
 
@@ -60,17 +61,29 @@ std::wstring FixedWidthNumber(double value, int width, BYTE format) {
   const int places = PlacesOf(format);
   wchar_t number[32];
   FormatBounded(number, sizeof(number), format & kFormatSign ? L"%%+%ld.%ldf" : L"%%%ld.%ldf",
-                static_cast<long>(width - places), static_cast<long>(places));
+                static_cast<long>(std::max(0, width - places)), static_cast<long>(places));
   const std::wstring text = Format((kPadding + std::wstring(number)).c_str(), value);
   const size_t integerWidth = std::max(1, width - places - (places > 0 ? 1 : 0));
   const size_t point = std::min({text.find(L'.'), text.size(), kPointSearch});
   return text.substr(point > integerWidth ? point - integerWidth : 0);
 }
 
+std::wstring WithoutPadding(const std::wstring& text) {
+  return text.substr(std::min(text.find_first_not_of(L' '), text.size()));
+}
+
 std::wstring PlainNumber(double value, int places, bool sign) {
   wchar_t number[32];
   FormatBounded(number, sizeof(number), sign ? L"%%+.%ldf" : L"%%.%ldf", static_cast<long>(places));
   return Format(number, value);
+}
+
+std::wstring ShortNumber(double value) {
+  const std::wstring text = Format(L"%.3g", value);
+  const size_t power = text.find(L'e');
+  if (power == std::wstring::npos) return text;
+  // The run-time writes at least two digits of the power, some three.
+  return text.substr(0, power + 1) + Format(L"%ld", wcstol(text.c_str() + power + 1, nullptr, 10));
 }
 
 int NumberWidth(const InstrumentBlock& block) {

@@ -14,8 +14,14 @@ namespace kv {
 // number that outgrows its display keeps its low digits in place instead of moving the point. `format` as in the block.
 std::wstring FixedWidthNumber(double value, int width, BYTE format);
 
+// The text without its leading blanks, for writing it centred.
+std::wstring WithoutPadding(const std::wstring& text);
+
 // The number with as many digits as it needs.
 std::wstring PlainNumber(double value, int places, bool sign);
+
+// The number to three digits, with a power of ten if need be.
+std::wstring ShortNumber(double value);
 
 // The width in characters that the block's maximum, decimal places and sign ask for.
 int NumberWidth(const InstrumentBlock& block);
