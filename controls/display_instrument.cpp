@@ -1,0 +1,385 @@
+#include "controls/display_instrument.h"
+
+#include <shellapi.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "controls/instrument_centre_bar.h"
+#include "controls/instrument_compass.h"
+#include "controls/instrument_digital.h"
+#include "controls/instrument_gauge.h"
+#include "controls/instrument_record.h"
+#include "controls/instrument_segment_bar.h"
+#include "controls/instrument_text.h"
+#include "framework/picture.h"
+#include "framework/window_record.h"
+
+namespace kv {
+
+namespace {
+
+constexpr UINT_PTR kGlideTimer = 5;
+constexpr UINT kGlideTickMs = 20;
+constexpr LONG kGlideCountdown = 20;
+constexpr size_t kShownTextSize = 32;
+constexpr LRESULT kNoRecord = 1;
+
+// --- Record
+// -----------------------------------------------------------------------------------------------------------
+
+DWORD ModeOf(const InstrumentRecord& record) {
+  return record.dwStyle & kInstrumentModeBits;
+}
+
+BlockDefaults DefaultsOf(DWORD mode, const char* compassName, const char* barName) {
+  switch (mode) {
+    case kModeCompass: return {-360, 360, 1, 1, 0, "\xB0", compassName};
+    case kModeCentreBar: return {-100, 100, 1, 0, 0, "%", barName};
+    default: return {0, 100, 1, 0, 0, "%", "Relative"};
+  }
+}
+
+void SetBlock(InstrumentRecord* record, const InstrumentBlock& block) {
+  record->block = block;
+  record->target = block.current;
+  record->bRedraw = TRUE;
+}
+
+void MakeBuffers(InstrumentRecord* record) {
+  const SIZE size = ClientSize(record->hWnd);
+  record->nWidth = size.cx;
+  record->nHeight = size.cy;
+  record->hBuffer = CreateWindowBitmap(record->hWnd, size);
+  record->work.hFace = CreateWindowBitmap(record->hWnd, size);
+  record->work.bFaceDrawn = FALSE;
+  record->bRedraw = TRUE;
+}
+
+void DeleteBuffers(InstrumentRecord* record) {
+  for (HBITMAP* bitmap : {&record->hBuffer, &record->work.hFace}) {
+    if (*bitmap) DeleteObject(*bitmap);
+    *bitmap = nullptr;
+  }
+}
+
+// --- Drawing
+// ----------------------------------------------------------------------------------------------------------
+
+struct Layout {
+  DrawLayer face, value;
+};
+
+Layout LayoutOf(DWORD mode) {
+  switch (mode) {
+    case kModeDigital: return {DrawDigitalFace, DrawDigitalValue};
+    case kModeSegmentBar: return {DrawSegmentBarFace, DrawSegmentBarValue};
+    case kModeCompass: return {DrawCompassFace, DrawCompassValue};
+    case kModeCentreBar: return {DrawCentreBarFace, DrawCentreBarValue};
+    default: return {DrawGaugeFace, DrawGaugeValue};
+  }
+}
+
+void StoreShownText(InstrumentRecord* record) {
+  const std::wstring text = DigitalText(record->block, record->dwStyle, record->time);
+  const size_t length = std::min(text.size(), kShownTextSize - 1);
+  std::transform(text.begin(), text.begin() + length, record->szText,
+                 [](wchar_t character) { return static_cast<char>(character); });
+  record->szText[length] = '\0';
+}
+
+bool FaceIsCurrent(const InstrumentRecord& record, const InstrumentBlock& key) {
+  const InstrumentWork& work = record.work;
+  return work.bFaceDrawn && work.faceStyle == record.dwStyle && memcmp(&work.faceBlock, &key, sizeof(key)) == 0;
+}
+
+void RenderFace(InstrumentRecord* record, HDC faceDc, const RECT& area, const InstrumentView& view) {
+  InstrumentBlock key = record->block;
+  key.current = 0;
+  if (FaceIsCurrent(*record, key)) return;
+  LayoutOf(ModeOf(*record)).face(faceDc, area, view);
+  record->work.faceBlock = key;
+  record->work.faceStyle = record->dwStyle;
+  record->work.bFaceDrawn = TRUE;
+}
+
+// Brings the back buffer up to date, if it is not.
+void EnsureRendered(InstrumentRecord* record) {
+  if (!record->bRedraw) return;
+  record->bRedraw = FALSE;
+  if (!record->hBuffer || !record->work.hFace) return;
+  ++record->work.renderings;
+  if (ModeOf(*record) == kModeDigital) StoreShownText(record);
+  const InstrumentView view{record->block, record->dwStyle, record->time, record->szText};
+  const RECT area{0, 0, record->nWidth, record->nHeight};
+  const MemoryDc faceDc(nullptr), bufferDc(nullptr);
+  const SelectedObject face(faceDc, record->work.hFace), buffer(bufferDc, record->hBuffer);
+  RenderFace(record, faceDc, area, view);
+  BitBlt(bufferDc, 0, 0, area.right, area.bottom, faceDc, 0, 0, SRCCOPY);
+  LayoutOf(ModeOf(*record)).value(bufferDc, area, view);
+}
+
+// --- Commands
+// ---------------------------------------------------------------------------------------------------------
+
+// Reading changes nothing: always false.
+template <class Item>
+bool ReadOut(const Item& item, LPARAM address) {
+  auto* target = reinterpret_cast<Item*>(address);
+  if (!IsBadWritePtr(target, sizeof(Item))) memcpy(target, &item, sizeof(Item));
+  return false;
+}
+
+// Takes a copy, so that the owner's memory is tested and read once.
+template <class Item>
+bool TakeIn(LPARAM address, Item* item) {
+  const auto* source = reinterpret_cast<const Item*>(address);
+  if (IsBadReadPtr(source, sizeof(Item))) return false;
+  memcpy(item, source, sizeof(Item));
+  return true;
+}
+
+void RenderAnew(InstrumentRecord* record) {
+  record->work.bFaceDrawn = FALSE;
+  record->bRedraw = TRUE;
+  RepaintNow(record->hWnd);
+}
+
+void ResetBlock(InstrumentRecord* record) {
+  SetBlock(record, BuildDefaultBlock(DefaultsOf(ModeOf(*record), "Compass", "Compass")));
+  RepaintNow(record->hWnd);
+}
+
+bool SetStyle(InstrumentRecord* record, DWORD style) {
+  if (style == record->dwStyle) return false;
+  record->dwStyle = style;
+  record->bRedraw = TRUE;
+  return true;
+}
+
+// The exchanges below tell whether they changed what is shown.
+
+bool ExchangeStyle(InstrumentRecord* record, WPARAM wParam, LPARAM address) {
+  if (wParam & kCommandRead) return ReadOut(record->dwStyle, address);
+  DWORD mask = 0;
+  if (!TakeIn(address, &mask)) return false;
+  return SetStyle(record, wParam & kCommandRemove ? record->dwStyle & ~mask : record->dwStyle | mask);
+}
+
+bool ExchangeBlock(InstrumentRecord* record, WPARAM wParam, LPARAM address) {
+  if (wParam & kCommandRead) return ReadOut(record->block, address);
+  InstrumentBlock block;
+  if (!TakeIn(address, &block) || block.version != kInstrumentVersion) return false;
+  SetBlock(record, block);
+  return true;
+}
+
+void StartGliding(InstrumentRecord* record) {
+  if (record->bGliding) return;
+  record->bGliding = SetTimer(record->hWnd, kGlideTimer, kGlideTickMs, nullptr) != 0;
+  record->nCountdown = kGlideCountdown;
+  // Without a timer the value would never arrive.
+  if (!record->bGliding) record->block.current = record->target;
+}
+
+bool MoveTo(InstrumentRecord* record, float value, bool glide) {
+  if (value == record->block.current || value == record->target) return false;
+  record->target = value;
+  if (glide) {
+    StartGliding(record);
+  } else {
+    record->block.current = value;
+  }
+  return true;
+}
+
+bool ExchangeValue(InstrumentRecord* record, WPARAM wParam, LPARAM address) {
+  InstrumentBlock& block = record->block;
+  if (wParam & kCommandRead) return ReadOut(block.current, address);
+  float value = 0;
+  bool changed = true;
+  if (!TakeIn(address, &value) || std::isnan(value)) {
+    block.state |= kInstrumentNoValue;
+  } else {
+    // A value that comes back after none must show again even if it is still the old one.
+    changed = (block.state & kInstrumentNoValue) != 0;
+    block.state &= ~kInstrumentNoValue;
+    changed |= MoveTo(record, ClampToRange(block, value), (wParam & kValueGlide) != 0);
+  }
+  if (changed) record->bRedraw = TRUE;
+  return changed;
+}
+
+bool ExchangeTime(InstrumentRecord* record, WPARAM wParam, LPARAM address) {
+  if (ModeOf(*record) != kModeDigital || !(record->dwStyle & (kInstrumentShowTime | kInstrumentShowDate))) return false;
+  if (wParam & kCommandRead) return ReadOut(record->time, address);
+  SYSTEMTIME time;
+  if (!TakeIn(address, &time) || memcmp(&time, &record->time, sizeof(time)) == 0) return false;
+  record->time = time;
+  record->bRedraw = TRUE;
+  return true;
+}
+
+bool ExchangeZone(InstrumentRecord* record, WPARAM wParam, LPARAM address) {
+  InstrumentBlock& block = record->block;
+  const int index = std::min<int>(HIWORD(wParam), kInstrumentZones - 1);
+  if (wParam & kCommandRead) return ReadOut(block.zones[index], address);
+  InstrumentZone zone;
+  if (!TakeIn(address, &zone)) return false;
+  zone.lower = ClampToRange(block, zone.lower);
+  zone.upper = ClampToRange(block, zone.upper);
+  block.zones[index] = zone;
+  block.state = wParam & kZoneEnable ? block.state | ZoneEnabledBit(index) : block.state & ~ZoneEnabledBit(index);
+  record->bRedraw = TRUE;
+  return true;
+}
+
+LRESULT OnCommand(InstrumentRecord* record, WPARAM wParam, LPARAM lParam) {
+  bool changed = false;
+  switch (LOBYTE(wParam)) {
+    case kCommandRender: RenderAnew(record); break;
+    case kCommandReset: ResetBlock(record); break;
+    case kCommandStyle: changed = ExchangeStyle(record, wParam, lParam); break;
+    case kCommandBlock: changed = ExchangeBlock(record, wParam, lParam); break;
+    case kCommandValue: changed = ExchangeValue(record, wParam, lParam); break;
+    case kCommandTime: changed = ExchangeTime(record, wParam, lParam); break;
+    case kCommandZone: changed = ExchangeZone(record, wParam, lParam); break;
+  }
+  if (changed && (wParam & kCommandRedraw)) RepaintNow(record->hWnd);
+  return 0;
+}
+
+// --- Message handlers
+// -------------------------------------------------------------------------------------------------
+
+LRESULT OnCreate(HWND window) {
+  auto* record = CreateWindowRecord<InstrumentRecord>(window);
+  if (!record) return kNoRecord;
+  record->hInstance = reinterpret_cast<HINSTANCE>(GetWindowLongA(window, GWL_HINSTANCE));
+  record->hWnd = window;
+  record->hParent = GetParent(window);
+  record->nId = GetWindowLongA(window, GWL_ID);
+  record->dwStyle = static_cast<DWORD>(GetWindowLongA(window, GWL_STYLE));
+  GetLocalTime(&record->time);
+  GetWindowTextA(window, record->szText, sizeof(record->szText));
+  SetBlock(record, BuildDefaultBlock(DefaultsOf(ModeOf(*record), record->szText, "Relative")));
+  MakeBuffers(record);
+  DragAcceptFiles(window, TRUE);
+  return 0;
+}
+
+LRESULT OnDestroy(HWND window, InstrumentRecord* record) {
+  KillTimer(window, kGlideTimer);
+  DeleteBuffers(record);
+  DestroyWindowRecord(window, record);
+  return 0;
+}
+
+LRESULT OnSize(InstrumentRecord* record) {
+  DeleteBuffers(record);
+  MakeBuffers(record);
+  RepaintNow(record->hWnd);
+  return 0;
+}
+
+LRESULT OnEnable(InstrumentRecord* record, bool enabled) {
+  SetStyle(record, enabled ? record->dwStyle & ~kInstrumentDisabled : record->dwStyle | kInstrumentDisabled);
+  RepaintNow(record->hWnd);
+  return 0;
+}
+
+LRESULT OnSetText(InstrumentRecord* record, const char* text) {
+  if (IsBadStringPtrA(text, sizeof(record->szText))) return 0;
+  lstrcpynA(record->szText, text, sizeof(record->szText));
+  if (ModeOf(*record) == kModeCompass) lstrcpynA(record->block.szName, text, sizeof(record->block.szName));
+  record->bRedraw = TRUE;
+  RepaintNow(record->hWnd);
+  return 0;
+}
+
+LRESULT OnPaint(HWND window, InstrumentRecord* record) {
+  const PaintScope paint(window);
+  if (!record) return kNoRecord;
+  EnsureRendered(record);
+  const SIZE client = ClientSize(window);
+  if (record->hBuffer) {
+    ShowBitmap(paint.dc(), {0, 0, client.cx, client.cy}, record->hBuffer, {record->nWidth, record->nHeight});
+  }
+  return 0;
+}
+
+LRESULT OnGlideTick(InstrumentRecord* record) {
+  const GlideStep step = NextGlideStep(record->block, record->target);
+  if (step.moving) {
+    record->block.current = step.current;
+    record->bRedraw = TRUE;
+    RepaintNow(record->hWnd);
+  } else if (record->nCountdown == 0) {
+    KillTimer(record->hWnd, kGlideTimer);
+    record->bGliding = FALSE;
+  } else {
+    --record->nCountdown;
+  }
+  return 0;
+}
+
+LRESULT CopyToClipboard(InstrumentRecord* record, LPARAM requested) {
+  EnsureRendered(record);
+  if (!record->hBuffer) return 0;
+  const SIZE own{record->nWidth, record->nHeight};
+  const SIZE size = RequestedPictureSize(requested, own, kInstrumentSmallestPicture, kInstrumentLargestPicture);
+  OwnedBitmap picture(CreateWindowBitmap(record->hWnd, size));
+  if (!picture) return 0;
+  {
+    const MemoryDc dc(nullptr);
+    const SelectedObject selected(dc, picture);
+    ShowBitmap(dc, {0, 0, size.cx, size.cy}, record->hBuffer, own);
+  }
+  GiveBitmapToClipboard(record->hWnd, picture.Release());
+  return 0;
+}
+
+// --- Window procedure
+// -------------------------------------------------------------------------------------------------
+
+LRESULT CALLBACK InstrumentProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_CREATE: return OnCreate(window);
+    case WM_DROPFILES: return SendMessageA(GetParent(window), message, wParam, lParam);
+    case WM_DESTROY:
+    case WM_SIZE:
+    case WM_ENABLE:
+    case WM_SETTEXT:
+    case WM_PAINT:
+    case WM_TIMER:
+    case WM_COPY:
+    case WM_LBUTTONDBLCLK:
+    case kControlCommand: break;
+    default: return DefWindowProcA(window, message, wParam, lParam);
+  }
+  auto* record = WindowRecord<InstrumentRecord>(window);
+  if (message == WM_PAINT) return OnPaint(window, record);
+  if (!record) return kNoRecord;
+  switch (message) {
+    case WM_DESTROY: return OnDestroy(window, record);
+    case WM_SIZE: return OnSize(record);
+    case WM_ENABLE: return OnEnable(record, wParam != 0);
+    case WM_SETTEXT: return OnSetText(record, reinterpret_cast<const char*>(lParam));
+    case WM_TIMER: return wParam == kGlideTimer ? OnGlideTick(record) : 0;
+    case WM_COPY: return CopyToClipboard(record, lParam);
+    case WM_LBUTTONDBLCLK: return CopyToClipboard(record, 0);
+    default: return OnCommand(record, wParam, lParam);
+  }
+}
+
+}  // namespace
+
+// --- Registration
+// -----------------------------------------------------------------------------------------------------
+
+BOOL RegisterDisplayInstrumentClass(HINSTANCE instance, BOOL registerIt) {
+  return RegisterControlClass(instance, kDisplayInstrumentClass, InstrumentProcedure, registerIt);
+}
+
+}  // namespace kv

@@ -1,0 +1,261 @@
+#include "controls/instrument_compass.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "controls/instrument_dial.h"
+#include "framework/bounded_format.h"
+#include "framework/painting.h"
+
+namespace kv {
+
+namespace {
+
+// Radii as parts of the face's.
+constexpr double kZoneOuter = 0.985, kZoneInner = 0.945, kMarkOuter = 0.94;
+constexpr double kTenInner = 0.87, kThirtyInner = 0.83, kFineInner = 0.895;
+constexpr double kNumbers = 0.74;
+constexpr double kHub = 0.31;
+
+constexpr double kLeastFaceWithHeading = 19, kLeastFaceWithNumbers = 88, kLeastFaceWithEightLetters = 42,
+                 kLeastFaceWithRose = 26, kLeastFaceWithName = 52, kLeastFaceWithPlaces = 60;
+
+struct CardLetters {
+  double radius, cardinalHeight, otherHeight;
+};
+
+CardLetters LettersOf(double face) {
+  if (face >= kLeastFaceWithNumbers) return {0.575, 0.155, 0.085};
+  if (face >= kLeastFaceWithEightLetters) return {0.665, 0.21, 0.125};
+  return {0.645, 0.27, 0};
+}
+
+// North stands out by the display colour, as long as there is a heading to read.
+COLORREF NorthColor(const InstrumentView& view) {
+  return ReadingOf(view.block).valid ? DisplayColor(view) : ColorsOf(view).ink;
+}
+
+struct CardGlyph {
+  wchar_t character;
+  GlyphOutline outline;
+  double advance;
+};
+
+// Outlines of the card's characters. They turn with the card at every step of it: as outlines they do so smoothly and
+// need no font for every angle.
+const CardGlyph& GlyphOf(wchar_t character) {
+  static const auto glyphs = [] {
+    constexpr wchar_t kCharacters[] = L"NESW0123456789";
+    std::array<CardGlyph, ARRAYSIZE(kCharacters) - 1> made;
+    for (size_t i = 0; i < made.size(); ++i) {
+      made[i].character = kCharacters[i];
+      made[i].outline = OutlineOfCharacter(kInstrumentFont, FW_BOLD, kCharacters[i], &made[i].advance);
+    }
+    return made;
+  }();
+  return *std::find_if(glyphs.begin(), glyphs.end() - 1,
+                       [character](const CardGlyph& glyph) { return glyph.character == character; });
+}
+
+// Writes along the tangent, upright when seen from the middle of the card.
+void DrawCardText(const Supersample& canvas, const Dial& dial, const wchar_t* text, int count, double radius,
+                  double height, double angle, COLORREF color) {
+  double width = 0;
+  for (int i = 0; i < count; ++i) width += GlyphOf(text[i]).advance * height;
+  const PointD place = PolarPoint(dial.centre, radius * dial.faceRadius, angle);
+  double along = -width / 2;
+  for (int i = 0; i < count; ++i) {
+    const CardGlyph& glyph = GlyphOf(text[i]);
+    FillGlyph(canvas, glyph.outline, place, along + glyph.advance * height / 2, height, angle, color);
+    along += glyph.advance * height;
+  }
+}
+
+void DrawZones(const Supersample& canvas, const Dial& dial, const InstrumentView& view, double heading) {
+  const double inner = std::min(kZoneInner * dial.faceRadius, kZoneOuter * dial.faceRadius - 1.5);
+  for (int i = 0; i < kInstrumentZones; ++i) {
+    if (!(view.block.state & ZoneEnabledBit(i))) continue;
+    const InstrumentZone& zone = view.block.zones[i];
+    if (!std::isfinite(zone.lower) || !std::isfinite(zone.upper)) continue;
+    const double from = CardAngle(zone.lower, heading);
+    const double sweep = std::clamp(static_cast<double>(zone.upper) - zone.lower, 0.0, 360.0);
+    FillRingSector(canvas, dial.centre, inner, kZoneOuter * dial.faceRadius, from, from + sweep,
+                   ShownColor(view, zone.color & 0x00FFFFFF));
+  }
+}
+
+void DrawMarks(const Supersample& canvas, const Dial& dial, const DialColors& colors, double heading) {
+  const double face = dial.faceRadius;
+  for (int bearing = 0, spacing = MarkSpacing(face); bearing < 360; bearing += spacing) {
+    const double angle = CardAngle(bearing, heading);
+    const bool thirty = bearing % 30 == 0, ten = bearing % 10 == 0;
+    const double inner = thirty ? kThirtyInner : ten ? kTenInner : kFineInner;
+    const double width = thirty ? std::max(1.3, face * 0.02) : ten ? std::max(0.85, face * 0.012) : face * 0.007;
+    FillLine(canvas, PolarPoint(dial.centre, face * inner, angle), PolarPoint(dial.centre, face * kMarkOuter, angle),
+             std::max(width, 0.7), thirty ? colors.ink : colors.faintInk);
+  }
+}
+
+void DrawLetters(const Supersample& canvas, const Dial& dial, const InstrumentView& view, double heading) {
+  const double face = dial.faceRadius;
+  const DialColors colors = ColorsOf(view);
+  const CardLetters letters = LettersOf(face);
+  for (const Direction& direction : Directions()) {
+    const double height = face * (direction.count == 1 ? letters.cardinalHeight : letters.otherHeight);
+    const bool north = direction.bearing == 0;
+    if (height <= 0) continue;
+    const COLORREF color = north ? NorthColor(view) : direction.count == 1 ? colors.ink : colors.faintInk;
+    DrawCardText(canvas, dial, direction.letters, direction.count, letters.radius, height,
+                 CardAngle(direction.bearing, heading), color);
+  }
+}
+
+// Tens of degrees, as on an aircraft's card; the cardinal directions have their letters further in.
+void DrawNumbers(const Supersample& canvas, const Dial& dial, const DialColors& colors, double heading) {
+  if (dial.faceRadius < kLeastFaceWithNumbers) return;
+  for (int bearing = 0; bearing < 360; bearing += 30) {
+    wchar_t text[8];
+    FormatBounded(text, sizeof(text), L"%ld", static_cast<long>(bearing == 0 ? 36 : bearing / 10));
+    DrawCardText(canvas, dial, text, lstrlenW(text), kNumbers, dial.faceRadius * 0.095, CardAngle(bearing, heading),
+                 bearing % 90 == 0 ? colors.ink : colors.faintInk);
+  }
+}
+
+// Eight rays, each with a light and a dark side, the cardinal ones longer and on top.
+void DrawRose(const Supersample& canvas, const Dial& dial, const InstrumentView& view, double heading) {
+  const double face = dial.faceRadius;
+  if (face < kLeastFaceWithRose) return;
+  const DialColors colors = ColorsOf(view);
+  const CardLetters letters = LettersOf(face);
+  for (const bool cardinal : {false, true}) {
+    for (const Direction& direction : Directions()) {
+      if ((direction.count == 1) != cardinal) continue;
+      const double angle = CardAngle(direction.bearing, heading);
+      const double height = cardinal ? letters.cardinalHeight : std::max(letters.otherHeight, 0.1);
+      const double length = face * (letters.radius - height * (cardinal ? 0.75 : 1.1) - (cardinal ? 0.0 : 0.03));
+      const PointD tip = PolarPoint(dial.centre, length, angle);
+      const double waist = face * kHub * 1.02;
+      const bool north = direction.bearing == 0;
+      const COLORREF light = north ? NorthColor(view) : cardinal ? colors.ink : colors.faintInk;
+      const PointD left[] = {tip, PolarPoint(dial.centre, waist, angle - 22.5), dial.centre};
+      const PointD right[] = {tip, PolarPoint(dial.centre, waist, angle + 22.5), dial.centre};
+      FillPolygon(canvas, left, ShadeColor(light, 0.85));
+      FillPolygon(canvas, right, ShadeColor(light, 0.5));
+    }
+  }
+}
+
+// The fixed index at the top: where it points, the heading is read.
+void DrawIndex(const Supersample& canvas, const Dial& dial, const InstrumentView& view) {
+  const double face = dial.faceRadius, half = std::max(3.0, face * 0.075);
+  const double top = dial.centre.y - dial.radius + std::max(0.5, (dial.radius - face) * 0.3);
+  const double tip = dial.centre.y - face * 0.82;
+  const auto triangle = [&](double wider) {
+    return std::array{PointD{dial.centre.x - half - wider, top}, PointD{dial.centre.x + half + wider, top},
+                      PointD{dial.centre.x, tip + 1.6 * wider}};
+  };
+  FillPolygon(canvas, triangle(std::max(0.7, face * 0.012)), ColorsOf(view).faceBottom);
+  FillPolygon(canvas, triangle(0), DisplayColor(view));
+}
+
+void DrawHeading(HDC dc, const Dial& dial, const InstrumentView& view) {
+  const double face = dial.faceRadius;
+  const InstrumentReading reading = ReadingOf(view.block);
+  const DialColors colors = ColorsOf(view);
+  const bool named = face >= kLeastFaceWithName;
+  const int places = face >= kLeastFaceWithPlaces ? view.block.format & kFormatPlaces : 0;
+  const std::wstring text =
+      reading.valid ? HeadingText(reading.value, places) + InstrumentUnit(view.block) : std::wstring(L"---");
+  const int width = static_cast<int>(face * (face < kLeastFaceWithRose ? 0.9 : 2 * kHub * 0.93));
+  const auto box = [&](double middle, double height) {
+    const LONG centre = std::lround(dial.centre.x), half = width / 2 + 1;
+    return RECT{centre - half, std::lround(dial.centre.y + middle - height / 2), centre + half,
+                std::lround(dial.centre.y + middle + height / 2)};
+  };
+  const OwnedFont font = CreateFittingFont(dc, text, std::max(10, static_cast<int>(face * 0.26)), 9, width, FW_BOLD);
+  DrawTextLine(dc, font, text, box(named ? -face * 0.035 : 0, face * 0.34), colors.ink, DT_CENTER | DT_NOCLIP);
+  if (!named) return;
+  const std::wstring name = InstrumentName(view.block);
+  const OwnedFont nameFont =
+      CreateFittingFont(dc, name, std::max(9, static_cast<int>(face * 0.11)), 9, width * 5 / 6, FW_NORMAL);
+  DrawTextLine(dc, nameFont, name, box(face * 0.14, face * 0.16), colors.faintInk, DT_CENTER);
+}
+
+}  // namespace
+
+std::array<Direction, 8> Directions() {
+  const wchar_t* letters = kDirectionLetters;
+  return {{{letters, 1, 0},
+           {letters + 1, 1, 90},
+           {letters + 2, 1, 180},
+           {letters + 3, 1, 270},
+           {letters + 4, 2, 45},
+           {letters + 6, 2, 135},
+           {letters + 8, 2, 225},
+           {letters + 10, 2, 315}}};
+}
+
+double NormalHeading(double degrees) {
+  const double turned = std::fmod(degrees, 360.0);
+  if (std::isnan(turned)) return 0;
+  const double heading = turned < 0 ? turned + 360 : turned;
+  return heading >= 360 ? 0 : heading;  // a tiny negative number rounds up to the whole circle
+}
+
+double CardAngle(double bearing, double heading) {
+  return NormalHeading(bearing - heading);
+}
+
+int MarkSpacing(double faceRadius) {
+  constexpr double kLeastPixels = 4.0;
+  const double perDegree = faceRadius * 3.14159 / 180;
+  for (int spacing : {1, 2, 5}) {
+    if (perDegree * spacing >= kLeastPixels) return spacing;
+  }
+  return 10;
+}
+
+std::wstring HeadingText(double degrees, int places) {
+  const double unit = std::pow(10.0, places);
+  const double rounded = NormalHeading(std::round(NormalHeading(degrees) * unit) / unit);
+  wchar_t text[32];
+  FormatBounded(text, sizeof(text), L"%0*.*f", places > 0 ? 4 + places : 3, places, rounded);
+  return text;
+}
+
+void DrawCompassFace(HDC dc, const RECT& area, const InstrumentView& view) {
+  FillSolid(dc, area, GetSysColor(COLOR_BTNFACE));
+  const Dial dial = DialIn(area);
+  if (dial.radius <= 0) return;
+  const Supersample canvas(dc, area);
+  DrawDialCase(canvas, dial, ColorsOf(view));
+}
+
+void DrawCompassValue(HDC dc, const RECT& area, const InstrumentView& view) {
+  const Dial dial = DialIn(area);
+  if (dial.radius <= 0) return;
+  const InstrumentReading reading = ReadingOf(view.block);
+  const double heading = reading.valid ? NormalHeading(reading.value) : 0;
+  const DialColors colors = ColorsOf(view);
+  const int saved = SaveDC(dc);
+  IntersectClipRect(dc, area.left, area.top, area.right, area.bottom);
+  {
+    const PointD corners[] = {{dial.centre.x - dial.radius, dial.centre.y - dial.radius},
+                              {dial.centre.x + dial.radius, dial.centre.y + dial.radius}};
+    const Supersample canvas(dc, BoundsOf(corners, 1, area));
+    DrawZones(canvas, dial, view, heading);
+    DrawMarks(canvas, dial, colors, heading);
+    DrawNumbers(canvas, dial, colors, heading);
+    DrawLetters(canvas, dial, view, heading);
+    DrawRose(canvas, dial, view, heading);
+    if (dial.faceRadius >= kLeastFaceWithRose) {
+      FillDisc(canvas, dial.centre, dial.faceRadius * kHub * 1.05, colors.faceBottom);
+      FillGradientDisc(canvas, dial.centre, dial.faceRadius * kHub, colors.window, colors.faceTop);
+    }
+    if (reading.valid) DrawIndex(canvas, dial, view);
+  }
+  if (dial.faceRadius >= kLeastFaceWithHeading) DrawHeading(dc, dial, view);
+  RestoreDC(dc, saved);
+}
+
+}  // namespace kv

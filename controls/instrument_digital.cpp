@@ -1,0 +1,44 @@
+#include "controls/instrument_digital.h"
+
+#include "controls/instrument_digits.h"
+#include "framework/painting.h"
+
+namespace kv {
+
+namespace {
+
+constexpr int kLeastHeightWithCaption = 24;
+constexpr int kCaptionRightMargin = 4;
+
+RECT DigitsWithin(RECT display) {
+  InflateRect(&display, -kSunkenEdge, -kSunkenEdge);
+  InflateRect(&display, -2, -1);
+  return display;
+}
+
+}  // namespace
+
+DigitalParts LayOutDigital(const RECT& area, DWORD style) {
+  const int height = area.bottom - area.top;
+  DigitalParts parts{0, {}, area};
+  if (height < kLeastHeightWithCaption || (style & kInstrumentNoCaption)) return parts;
+  parts.captionHeight = CaptionFontHeight(height);
+  parts.caption = {area.left, area.top, area.right - kCaptionRightMargin, area.top + parts.captionHeight};
+  parts.display.top += parts.captionHeight;
+  return parts;
+}
+
+void DrawDigitalFace(HDC dc, const RECT& area, const InstrumentView& view) {
+  FillSolid(dc, area, GetSysColor(COLOR_BTNFACE));
+  const DigitalParts parts = LayOutDigital(area, view.style);
+  if (parts.captionHeight) DrawCaption(dc, parts.caption, view, parts.captionHeight, DT_CENTER);
+  DrawDisplayWell(dc, parts.display);
+}
+
+void DrawDigitalValue(HDC dc, const RECT& area, const InstrumentView& view) {
+  const COLORREF color = DisplayColor(view);
+  DrawDigits(dc, DigitsWithin(LayOutDigital(area, view.style).display), view.text, view.style, color,
+             ShadeColor(color, kUnlit));
+}
+
+}  // namespace kv

@@ -1,0 +1,19 @@
+// The digital read-out: a caption over a black display with seven-segment characters. Drawing takes a device context
+// and a rectangle.
+#pragma once
+
+#include "controls/instrument_view.h"
+
+namespace kv {
+
+struct DigitalParts {
+  int captionHeight;  // also the caption's font; 0 without a caption
+  RECT caption;
+  RECT display;  // with its frame
+};
+DigitalParts LayOutDigital(const RECT& area, DWORD style);
+
+void DrawDigitalFace(HDC dc, const RECT& area, const InstrumentView& view);
+void DrawDigitalValue(HDC dc, const RECT& area, const InstrumentView& view);
+
+}  // namespace kv

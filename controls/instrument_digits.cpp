@@ -1,0 +1,190 @@
+#include "controls/instrument_digits.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+#include "controls/instrument_block.h"
+
+namespace kv {
+
+namespace {
+
+// Proportions of a character to its height.
+constexpr double kWidth = 0.54, kStroke = 0.115, kBetween = 0.25, kSlant = 0.10;
+// What remains free around the characters.
+constexpr double kMarginX = 0.03, kMarginY = 0.10;
+
+struct LetterSegments {
+  char character;
+  unsigned segments;
+};
+constexpr LetterSegments kLetters[] = {
+    {'-', 0x40},
+    {'+', kSegmentMiddle | kStrokeUpright},
+    {'N', 0x36 | kStrokeFalling},
+    {'E', 0x79},
+    {'S', 0x6D},
+    {'W', 0x36 | kStrokeRoof},
+    {'A', 0x77},
+    {'C', 0x39},
+    {'F', 0x71},
+    {'H', 0x76},
+    {'L', 0x38},
+    {'O', 0x3F},
+    {'P', 0x73},
+    {'U', 0x3E},
+};
+
+Separator SeparatorAt(DWORD style, int index) {
+  if (style & kInstrumentShowTime) return Separator::kColon;
+  if (style & kInstrumentShowDate) return Separator::kPoint;
+  if (!(style & kInstrumentShowAngle)) return Separator::kPoint;
+  constexpr Separator kOfAngle[] = {Separator::kDegree, Separator::kMinute, Separator::kPoint, Separator::kSecond};
+  return index < 4 ? kOfAngle[index] : Separator::kNone;
+}
+
+// Places within a character's upright box, turned into slanted places of the target.
+class CellFrame {
+ public:
+  CellFrame(const DigitLayout& layout, int cell) : layout_(layout), left_(layout.left + layout.pitch * cell) {}
+  PointD At(double x, double y) const { return {left_ + x + (layout_.height - y) * kSlant, layout_.top + y}; }
+
+ private:
+  const DigitLayout& layout_;
+  double left_;
+};
+
+// A bar with pointed ends from one node of the character to another, leaving a gap to its neighbours.
+std::vector<PointD> Bar(const CellFrame& frame, PointD from, PointD to, double thickness, double gap) {
+  const double half = thickness / 2;
+  const bool level = from.y == to.y;
+  const double dx = level ? 1 : 0, dy = level ? 0 : 1;
+  const PointD a{from.x + dx * gap, from.y + dy * gap}, b{to.x - dx * gap, to.y - dy * gap};
+  const auto corner = [&](PointD end, double inwards, double aside) {
+    return frame.At(end.x + dx * inwards + dy * aside, end.y + dy * inwards + dx * aside);
+  };
+  return {corner(a, 0, 0), corner(a, half, -half), corner(b, -half, -half),
+          corner(b, 0, 0), corner(b, -half, half), corner(a, half, half)};
+}
+
+// A slanting arm with level ends.
+std::vector<PointD> Arm(const CellFrame& frame, PointD from, PointD to, double thickness) {
+  const double half = thickness * 0.36;
+  return {frame.At(from.x - half, from.y), frame.At(from.x + half, from.y), frame.At(to.x + half, to.y),
+          frame.At(to.x - half, to.y)};
+}
+
+void DrawSeparator(const Supersample& canvas, const DigitLayout& layout, int cell, Separator separator,
+                   COLORREF color) {
+  const CellFrame frame(layout, cell);
+  const double height = layout.height, radius = layout.stroke * 0.62;
+  const double x = layout.width + (layout.pitch - layout.width) / 2;
+  const auto tick = [&](double aside) {
+    FillLine(canvas, frame.At(x + aside + radius * 0.3, 0), frame.At(x + aside - radius * 0.2, height * 0.22),
+             layout.stroke * 0.6, color);
+  };
+  switch (separator) {
+    case Separator::kNone: break;
+    case Separator::kPoint: FillDisc(canvas, frame.At(x, height - radius), radius, color); break;
+    case Separator::kColon:
+      FillDisc(canvas, frame.At(x, height * 0.30), radius, color);
+      FillDisc(canvas, frame.At(x, height * 0.70), radius, color);
+      break;
+    case Separator::kDegree:
+      FillRingSector(canvas, frame.At(x, height * 0.08), height * 0.045, height * 0.085, 0, 360, color);
+      break;
+    case Separator::kMinute: tick(0); break;
+    case Separator::kSecond:
+      tick(-layout.stroke * 0.5);
+      tick(layout.stroke * 0.5);
+      break;
+  }
+}
+
+}  // namespace
+
+unsigned SegmentsOf(char character) {
+  constexpr unsigned kDigits[] = {0x3F, 0x06, 0x5B, 0x4F, 0x66, 0x6D, 0x7D, 0x07, 0x7F, 0x6F};
+  if (character >= '0' && character <= '9') return kDigits[character - '0'];
+  const auto* letter = std::find_if(std::begin(kLetters), std::end(kLetters),
+                                    [character](const LetterSegments& item) { return item.character == character; });
+  return letter == std::end(kLetters) ? 0 : letter->segments;
+}
+
+std::vector<DigitCell> CellsOf(const char* text, DWORD style) {
+  std::vector<DigitCell> cells;
+  int separators = 0;
+  for (; *text; ++text) {
+    if (*text != '.') {
+      cells.push_back({SegmentsOf(*text), Separator::kNone});
+      continue;
+    }
+    if (cells.empty() || cells.back().separator != Separator::kNone) cells.push_back({0, Separator::kNone});
+    cells.back().separator = SeparatorAt(style, separators++);
+  }
+  return cells;
+}
+
+DigitLayout LayOutDigits(const RECT& area, int cells) {
+  const double width = std::max<LONG>(area.right - area.left, 0), height = std::max<LONG>(area.bottom - area.top, 0);
+  // The last character keeps its room for a separator: the point of "88.8" and of "888." must not move the digits.
+  const double widthInHeights = std::max(cells, 1) * (kWidth + kBetween) + kSlant;
+  const double digitHeight =
+      std::max(0.0, std::min(height * (1 - 2 * kMarginY), width * (1 - 2 * kMarginX) / widthInHeights));
+  const double visible = widthInHeights - kBetween;
+  return {.left = area.left + (width - visible * digitHeight) / 2,
+          .top = area.top + (height - digitHeight) / 2,
+          .width = kWidth * digitHeight,
+          .height = digitHeight,
+          .pitch = (kWidth + kBetween) * digitHeight,
+          .stroke = kStroke * digitHeight};
+}
+
+StrokeCorners CornersOf(const DigitLayout& layout, int cell, int stroke) {
+  const CellFrame frame(layout, cell);
+  const double t = layout.stroke, gap = std::max(layout.height * 0.012, 0.12);
+  const double left = t / 2, right = layout.width - t / 2, centre = layout.width / 2;
+  const double top = t / 2, middle = layout.height / 2, bottom = layout.height - t / 2;
+  const auto bar = [&](PointD from, PointD to) { return StrokeCorners{Bar(frame, from, to, t, gap), {}}; };
+  switch (1u << stroke) {
+    case kSegmentTop: return bar({left, top}, {right, top});
+    case kSegmentUpperRight: return bar({right, top}, {right, middle});
+    case kSegmentLowerRight: return bar({right, middle}, {right, bottom});
+    case kSegmentBottom: return bar({left, bottom}, {right, bottom});
+    case kSegmentLowerLeft: return bar({left, middle}, {left, bottom});
+    case kSegmentUpperLeft: return bar({left, top}, {left, middle});
+    case kSegmentMiddle: return bar({left, middle}, {right, middle});
+    case kStrokeUpright: {
+      const double arm = (right - left) * 0.55;
+      return bar({centre, middle - arm}, {centre, middle + arm});
+    }
+    case kStrokeFalling: return {Arm(frame, {left + t * 1.2, t}, {right - t * 1.2, layout.height - t}, t), {}};
+    case kStrokeRoof:
+      return {Arm(frame, {centre, middle}, {left + t * 1.2, layout.height - t}, t),
+              Arm(frame, {centre, middle}, {right - t * 1.2, layout.height - t}, t)};
+    default: return {};
+  }
+}
+
+void DrawDigits(HDC dc, const RECT& area, const char* text, DWORD style, COLORREF lit, COLORREF unlit) {
+  const std::vector<DigitCell> cells = CellsOf(text, style);
+  const int count = static_cast<int>(cells.size());
+  if (count == 0 || IsRectEmpty(&area)) return;
+  const DigitLayout layout = LayOutDigits(area, count);
+  const Supersample canvas(dc, area);
+  const auto draw = [&](int cell, int stroke, COLORREF color) {
+    for (const auto& corners : CornersOf(layout, cell, stroke)) {
+      if (!corners.empty()) FillPolygon(canvas, corners, color);
+    }
+  };
+  for (int cell = 0; cell < count; ++cell) {
+    for (int stroke = 0; stroke < kAllStrokes; ++stroke) {
+      const bool isLit = (cells[cell].segments >> stroke) & 1;
+      if (isLit || stroke < kSevenSegments) draw(cell, stroke, isLit ? lit : unlit);
+    }
+    DrawSeparator(canvas, layout, cell, cells[cell].separator, lit);
+  }
+}
+
+}  // namespace kv

@@ -1,0 +1,64 @@
+// The digit painter: seven-segment characters, slanted, lit before unlit ones. The geometry is pure; drawing takes a
+// device context and a rectangle.
+#pragma once
+
+#include <windows.h>
+
+#include <array>
+#include <span>
+#include <vector>
+
+#include "framework/supersample.h"
+
+namespace kv {
+
+// Segments of a character: the seven, clockwise from the top, then the middle; and strokes that only some letters and
+// the plus need, which therefore do not show unlit.
+enum Segment : unsigned {
+  kSegmentTop = 1,
+  kSegmentUpperRight = 2,
+  kSegmentLowerRight = 4,
+  kSegmentBottom = 8,
+  kSegmentLowerLeft = 16,
+  kSegmentUpperLeft = 32,
+  kSegmentMiddle = 64,
+  kStrokeUpright = 128,  // the plus
+  kStrokeFalling = 256,  // N
+  kStrokeRoof = 512,     // W
+};
+inline constexpr int kSevenSegments = 7, kAllStrokes = 10;
+
+// What stands between a character and the next, within the room of the former.
+enum class Separator { kNone, kPoint, kColon, kDegree, kMinute, kSecond };
+
+struct DigitCell {
+  unsigned segments;
+  Separator separator;
+};
+
+// Lit segments of a character: digits, minus (and dash), plus, N, E, S, W and the further letters that seven segments
+// can show; 0 (blank) for all others.
+unsigned SegmentsOf(char character);
+
+// The characters of a text; each '.' becomes the separator that `style` asks for in its place (kInstrumentShowTime ...)
+// behind the character before it, or behind a blank when there is none.
+std::vector<DigitCell> CellsOf(const char* text, DWORD style);
+
+// Places of the characters: all of one size, in the middle of the area.
+struct DigitLayout {
+  double left, top;      // of the first character's upright box
+  double width, height;  // of a character
+  double pitch;          // from one character to the next
+  double stroke;         // thickness of a segment
+};
+DigitLayout LayOutDigits(const RECT& area, int cells);
+
+// Corners of a segment or stroke (bit number 0..9) of the given cell. A stroke of two arms comes in two parts; the
+// second is empty for all others.
+using StrokeCorners = std::array<std::vector<PointD>, 2>;
+StrokeCorners CornersOf(const DigitLayout& layout, int cell, int stroke);
+
+// Draws the text over what stands in the area; unlit segments have the colour `unlit`.
+void DrawDigits(HDC dc, const RECT& area, const char* text, DWORD style, COLORREF lit, COLORREF unlit);
+
+}  // namespace kv

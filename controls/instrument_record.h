@@ -1,0 +1,50 @@
+// The state record of a display instrument's window. Private to the control and its tests; owners use the messages of
+// controls/display_instrument.h.
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+
+#include "controls/instrument_block.h"
+
+namespace kv {
+
+// What the control keeps between two renderings.
+struct InstrumentWork {
+  HBITMAP hFace;    // picture of the face layer, of client size; belongs to the record
+  BOOL bFaceDrawn;  // the picture shows what the next two fields say
+  DWORD faceStyle;
+  InstrumentBlock faceBlock;  // with its current value cleared: the face does not depend on it
+  DWORD renderings;           // how often the back buffer was rendered, wrapping
+  BYTE free[3572];
+};
+
+struct InstrumentRecord {
+  HGLOBAL hMemory;  // of this record
+  HINSTANCE hInstance;
+  HWND hWnd, hParent;
+  LONG nId;
+  DWORD dwStyle;         // the window's style at creation, changed only by messages
+  BOOL bRedraw;          // the back buffer is out of date
+  BOOL bGliding;         // timer 5 runs
+  LONG nCountdown;       // ticks until a glide that has arrived stops
+  LONG nWidth, nHeight;  // of the back buffer, in pixels
+  HBITMAP hBuffer;       // null when the client area is empty
+  InstrumentBlock block;
+  float target;  // where the displayed value glides to
+  SYSTEMTIME time;
+  char szText[256];  // last WM_SETTEXT; the digital read-out keeps what it shows in the first 32 bytes
+  InstrumentWork work;
+};
+static_assert(sizeof(InstrumentRecord) == 4936);
+static_assert(offsetof(InstrumentRecord, hInstance) == 4 && offsetof(InstrumentRecord, hWnd) == 8 &&
+              offsetof(InstrumentRecord, hParent) == 12 && offsetof(InstrumentRecord, nId) == 16 &&
+              offsetof(InstrumentRecord, dwStyle) == 20 && offsetof(InstrumentRecord, bRedraw) == 24 &&
+              offsetof(InstrumentRecord, bGliding) == 28 && offsetof(InstrumentRecord, nCountdown) == 32 &&
+              offsetof(InstrumentRecord, nWidth) == 36 && offsetof(InstrumentRecord, hBuffer) == 44 &&
+              offsetof(InstrumentRecord, block) == 48 && offsetof(InstrumentRecord, target) == 560 &&
+              offsetof(InstrumentRecord, time) == 564 && offsetof(InstrumentRecord, szText) == 580 &&
+              offsetof(InstrumentRecord, work) == 836);
+
+}  // namespace kv

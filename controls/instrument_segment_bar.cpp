@@ -1,0 +1,203 @@
+#include "controls/instrument_segment_bar.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+#include "controls/instrument_digital.h"
+#include "controls/instrument_text.h"
+#include "framework/painting.h"
+
+namespace kv {
+
+namespace {
+
+constexpr COLORREF kValueShadow = RGB(63, 63, 63);
+constexpr double kSideMargin = 2;
+
+struct BarParts {
+  RECT caption;  // empty without one
+  int captionFont;
+  RECT display;  // with its frame
+};
+
+BarParts LayOutBar(const RECT& area, DWORD style) {
+  if (!IsVerticalBar(area)) {
+    const DigitalParts parts = LayOutDigital(area, style & ~kInstrumentNoCaption);
+    return {parts.caption, parts.captionHeight, parts.display};
+  }
+  const int font = CaptionFontHeight(area.right - area.left);
+  BarParts parts{area, font, area};
+  parts.caption.bottom = parts.display.top = std::min(area.top + font + 1, area.bottom);
+  return parts;
+}
+
+RECT BarWithin(RECT display) {
+  InflateRect(&display, -kSunkenEdge, -kSunkenEdge);
+  return display;
+}
+
+// Maps stretches along the bar to rectangles of the target.
+struct BarFrame {
+  RECT area;
+  bool vertical, reversed;
+
+  double Length() const { return vertical ? area.bottom - area.top : area.right - area.left; }
+  RECT Place(BarSpan span, double side) const {
+    // A vertical bar rises and a horizontal one runs to the right, unless reversed.
+    if (vertical != reversed) span = {Length() - span.to, Length() - span.from};
+    const auto edge = [](LONG start, double offset) { return start + std::lround(offset); };
+    const LONG margin = std::lround(side);
+    if (vertical) return {area.left + margin, edge(area.top, span.from), area.right - margin, edge(area.top, span.to)};
+    return {edge(area.left, span.from), area.top + margin, edge(area.left, span.to), area.bottom - margin};
+  }
+};
+
+COLORREF SegmentColor(const InstrumentView& view, double value) {
+  for (int i = kInstrumentZones - 1; i >= 0; --i) {
+    const InstrumentZone& zone = view.block.zones[i];
+    const bool enabled = (view.block.state & ZoneEnabledBit(i)) != 0;
+    if (enabled && zone.lower <= value && value <= zone.upper && zone.lower < zone.upper) {
+      return ShownColor(view, zone.color & 0x00FFFFFF);
+    }
+  }
+  return DisplayColor(view);
+}
+
+// A lit segment is a little rounded to the light: brighter in its middle, darker towards both sides.
+void DrawLitSegment(HDC dc, const RECT& place, COLORREF color, bool vertical) {
+  const COLORREF edge = ShadeColor(color, 0.72);
+  RECT first = place, second = place;
+  if (vertical) {
+    first.right = second.left = (place.left + place.right) / 2;
+    FillHorizontalGradient(dc, first, edge, color);
+    FillHorizontalGradient(dc, second, color, edge);
+  } else {
+    first.bottom = second.top = (place.top + place.bottom) / 2;
+    FillVerticalGradient(dc, first, edge, color);
+    FillVerticalGradient(dc, second, color, edge);
+  }
+}
+
+void DrawMarker(HDC dc, const BarFrame& frame, double percent, COLORREF color) {
+  const double length = frame.Length(),
+               across = frame.vertical ? frame.area.right - frame.area.left : frame.area.bottom - frame.area.top;
+  const double middle = std::clamp(length * percent / 100, 1.0, std::max(1.0, length - 1));
+  const RECT line = frame.Place({middle - 1, middle + 1}, 0);
+  FillSolid(dc, line, color);
+  // Two arrow heads point at the line from the sides.
+  const double head = std::clamp(across * 0.14, 2.0, 10.0);
+  const double x = (line.left + line.right) / 2.0, y = (line.top + line.bottom) / 2.0;
+  const Supersample canvas(dc, frame.area);
+  const RECT& area = frame.area;
+  if (frame.vertical) {
+    const PointD left[] = {{area.left + 0.0, y - head}, {area.left + head * 1.2, y}, {area.left + 0.0, y + head}};
+    const PointD right[] = {{area.right + 0.0, y - head}, {area.right - head * 1.2, y}, {area.right + 0.0, y + head}};
+    FillPolygon(canvas, left, color);
+    FillPolygon(canvas, right, color);
+  } else {
+    const PointD top[] = {{x - head, area.top + 0.0}, {x, area.top + head * 1.2}, {x + head, area.top + 0.0}};
+    const PointD bottom[] = {
+        {x - head, area.bottom + 0.0}, {x, area.bottom - head * 1.2}, {x + head, area.bottom + 0.0}};
+    FillPolygon(canvas, top, color);
+    FillPolygon(canvas, bottom, color);
+  }
+}
+
+void DrawSegments(HDC dc, const BarFrame& frame, const InstrumentView& view, int count) {
+  const InstrumentReading reading = ReadingOf(view.block);
+  const int lit = reading.valid ? LitSegments(FractionOf(reading, reading.value) * 100, count) : 0;
+  const double side =
+      std::min(frame.vertical ? frame.area.right - frame.area.left : frame.area.bottom - frame.area.top, 12L) < 12
+          ? 1
+          : kSideMargin;
+  const double lead = 1;  // keeps the first and last segment off the frame
+  for (int i = 0; i < count; ++i) {
+    BarSpan span = SegmentSpan(frame.Length() - 2 * lead, count, i);
+    const RECT place = frame.Place({span.from + lead, span.to + lead}, side);
+    const double value = reading.minimum + (reading.maximum - reading.minimum) * (i + 0.5) / count;
+    const COLORREF color = SegmentColor(view, value);
+    if (i < lit) {
+      DrawLitSegment(dc, place, color, frame.vertical);
+    } else {
+      FillSolid(dc, place, ShadeColor(color, kUnlit));
+    }
+  }
+}
+
+void DrawBarValue(HDC dc, const RECT& bar, const InstrumentView& view) {
+  const InstrumentReading reading = ReadingOf(view.block);
+  const InstrumentBlock& block = view.block;
+  // At the minimum itself the bar is empty and stays free of a number as well.
+  if (reading.valid && !(block.current > block.minimum && block.current <= block.maximum)) return;
+  const std::wstring text =
+      reading.valid ? FixedWidthNumber(reading.value, NumberWidth(block), block.format) : NoValueNumber(block);
+  const int characterWidth = (bar.right - bar.left) / (static_cast<int>(text.size()) + 2) - 1;
+  if (characterWidth < 1) return;
+  const int height = static_cast<int>(2.5 * characterWidth);
+  const OwnedFont font = CreateInstrumentFont(height, characterWidth, FW_SEMIBOLD);
+  const RECT place{bar.left, bar.bottom - height - 2, bar.right, bar.bottom - 2};
+  const std::wstring shown = WithoutPadding(text);
+  const auto write = [&](int x, int y, COLORREF color) {
+    RECT moved = place;
+    OffsetRect(&moved, x, y);
+    DrawTextLine(dc, font, shown, moved, color, DT_CENTER | DT_NOCLIP);
+  };
+  // Number and lit segments have one colour: a black edge keeps them apart.
+  const int edge = std::clamp(height / 20, 1, 4);
+  for (int x = -edge; x <= edge; x += edge) {
+    for (int y = -edge; y <= edge; y += edge) write(x - 1, y - 1, RGB(0, 0, 0));
+  }
+  write(0, 0, kValueShadow);
+  write(-1, -1, DisplayColor(view));
+}
+
+}  // namespace
+
+int SegmentCount(const InstrumentBlock& block, DWORD style) {
+  const double wanted = (static_cast<double>(block.maximum) - block.minimum) / block.step + 0.5;
+  const int count = std::isnan(wanted) ? 100 : static_cast<int>(std::clamp(wanted, 3.0, 100.0));
+  return style & kInstrumentReversed ? -count : count;
+}
+
+double MarkerPercent(const InstrumentBlock& block) {
+  if (!(block.state & ZoneEnabledBit(0))) return kNoMarker;
+  return FractionOf(ReadingOf(block), block.zones[0].lower) * 100;
+}
+
+int LitSegments(double percent, int count) {
+  return static_cast<int>(std::lround(std::clamp(percent, 0.0, 100.0) * count / 100));
+}
+
+BarSpan SegmentSpan(double length, int count, int index) {
+  const double pitch = length / count;
+  const double gap = pitch < 3 ? 0 : std::clamp(std::round(pitch * 0.18), 1.0, 4.0);
+  // Whole pixels: sharp edges matter more here than that all segments are equally long to a fraction.
+  const double from = std::round(pitch * index), to = std::round(pitch * (index + 1)) - gap;
+  return {from, std::max(from, to)};
+}
+
+bool IsVerticalBar(const RECT& area) {
+  return area.right - area.left <= area.bottom - area.top;
+}
+
+void DrawSegmentBarFace(HDC dc, const RECT& area, const InstrumentView& view) {
+  FillSolid(dc, area, GetSysColor(COLOR_BTNFACE));
+  const BarParts parts = LayOutBar(area, view.style);
+  if (parts.captionFont) {
+    DrawCaption(dc, parts.caption, view, parts.captionFont, IsVerticalBar(area) ? DT_RIGHT : DT_CENTER);
+  }
+  DrawDisplayWell(dc, parts.display);
+}
+
+void DrawSegmentBarValue(HDC dc, const RECT& area, const InstrumentView& view) {
+  const BarFrame frame{BarWithin(LayOutBar(area, view.style).display), IsVerticalBar(area),
+                       SegmentCount(view.block, view.style) < 0};
+  if (IsRectEmpty(&frame.area)) return;
+  DrawSegments(dc, frame, view, std::abs(SegmentCount(view.block, view.style)));
+  const double marker = MarkerPercent(view.block);
+  if (marker != kNoMarker) DrawMarker(dc, frame, marker, ShownColor(view, RGB(255, 255, 255)));
+  if (frame.vertical) DrawBarValue(dc, frame.area, view);
+}
+
+}  // namespace kv

@@ -1,0 +1,38 @@
+// What display instruments write: numbers of fixed width, and the read-out's time, date, angle and dashes. Pure
+// functions; any thread.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+#include "controls/instrument_block.h"
+
+namespace kv {
+
+// A number of fixed width: the integer part is padded or cut at its upper end to what `width` leaves for it, so a
+// number that outgrows its display keeps its low digits in place instead of moving the point. `format` as in the block.
+std::wstring FixedWidthNumber(double value, int width, BYTE format);
+
+// The text without its leading blanks, for writing it centred.
+std::wstring WithoutPadding(const std::wstring& text);
+
+// The number with as many digits as it needs.
+std::wstring PlainNumber(double value, int places, bool sign);
+
+// The number to three digits, with a power of ten if need be.
+std::wstring ShortNumber(double value);
+
+// The width in characters that the block's maximum, decimal places and sign ask for.
+int NumberWidth(const InstrumentBlock& block);
+
+// Dashes of the block's width, with one behind the point.
+std::wstring NoValueNumber(const InstrumentBlock& block);
+
+// The value as degrees, minutes, seconds, hundredths and the hemisphere letter, separated by points.
+std::wstring AngleText(double degrees, const char (&hemispheres)[6]);
+
+// The text of the digital read-out. `style` picks between number, time, date and angle (kInstrumentShowTime ...).
+std::wstring DigitalText(const InstrumentBlock& block, DWORD style, const SYSTEMTIME& time);
+
+}  // namespace kv

@@ -1,0 +1,65 @@
+// What the layouts of the display instrument share: what they are given, their colours and their text.
+//
+// Every layout draws in two layers. The face is what stays while the value changes (panel, caption, dial, scale); the
+// control keeps it as a picture. The value layer is drawn over a copy of the face and reads the current value. Main
+// thread only.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+#include "controls/instrument_block.h"
+#include "framework/guards.h"
+
+namespace kv {
+
+struct InstrumentView {
+  const InstrumentBlock& block;
+  DWORD style;
+  const SYSTEMTIME& time;
+  const char* text;  // digital read-out: what it shows
+};
+
+using DrawLayer = void (*)(HDC dc, const RECT& area, const InstrumentView& view);
+
+inline bool IsDisabled(const InstrumentView& view) {
+  return (view.style & kInstrumentDisabled) != 0;
+}
+
+// The colours of dials. A disabled instrument has the same shapes in greys of little contrast.
+struct DialColors {
+  COLORREF rimTop, rimBottom;    // metal rim; its inner edge has them exchanged
+  COLORREF faceTop, faceBottom;  // dial
+  COLORREF ink, faintInk;        // scale and value; minor marks, name and unit
+  COLORREF window;               // recessed window behind the value
+};
+DialColors ColorsOf(const InstrumentView& view);
+
+// The colour as the instrument shows it: grey of the same lightness, but subdued, when disabled.
+COLORREF ShownColor(const InstrumentView& view, COLORREF color);
+inline COLORREF DisplayColor(const InstrumentView& view) {
+  return ShownColor(view, view.block.color & 0x00FFFFFF);
+}
+// Brightness of unlit segments against lit ones.
+inline constexpr double kUnlit = 0.2;
+
+inline constexpr wchar_t kInstrumentFont[] = L"Arial Unicode MS";
+
+// The instruments' font. `height` is that of the character cell; width 0 is the font's own.
+OwnedFont CreateInstrumentFont(int height, int width, int weight);
+
+SIZE TextSize(HDC dc, HFONT font, const std::wstring& text);
+// One line, transparent, vertically centred; `align` is DT_LEFT, DT_CENTER or DT_RIGHT. What does not fit ends in dots.
+void DrawTextLine(HDC dc, HFONT font, const std::wstring& text, RECT area, COLORREF color, UINT align);
+// The largest font of at most `height` in which the text fits into `width`, but not below `least`.
+OwnedFont CreateFittingFont(HDC dc, const std::wstring& text, int height, int least, int width, int weight);
+
+// Captions of the rectangular layouts: the block's name in the system's text colour.
+int CaptionFontHeight(int governingSide);
+void DrawCaption(HDC dc, const RECT& strip, const InstrumentView& view, int fontHeight, UINT align);
+
+// A sunken frame around a black display; returns what lies within the frame.
+RECT DrawDisplayWell(HDC dc, RECT area);
+
+}  // namespace kv
