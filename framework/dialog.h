@@ -26,12 +26,13 @@ enum ModelessOperation {
 // dispatch only and tested for readability; `window` by add and remove only. Any other operation returns 0.
 BOOL ModelessDialogs(HWND window, MSG* message, int operation);
 
+// Both return 0 when the window does not exist.
+//
 // Sets a trackbar's range and `intervals` + 1 evenly spaced ticks. Ticks deliberately count from 0, not from `minimum`:
-// 10..50 in 4 intervals has ticks 0, 10, 20, 30, 40. No intervals give the tick at 0, fewer none. Always 1.
+// 10..50 in 4 intervals has ticks 0, 10, 20, 30, 40. No intervals give the tick at 0, fewer none.
 BOOL SetTrackbarTicks(HWND trackbar, int minimum, int maximum, int intervals);
 
-// Sets range, page and position of a scroll bar control, which is disabled while there is nothing to scroll. 0 when the
-// window does not exist.
+// Sets range, page and position of a scroll bar control, which is disabled while there is nothing to scroll.
 BOOL SetScrollBarControl(HWND scrollBar, int minimum, int maximum, UINT page, int position);
 
 }  // namespace kv

@@ -16,7 +16,8 @@ struct LayoutSlot {
 static_assert(sizeof(LayoutSlot) == 16);
 
 // Fills `slots`. It needs one slot more than the range has controls; if the memory ends earlier, later controls get no
-// slot and are not scaled. Returns 0 when slot 0 cannot be written.
+// slot and are not scaled. Returns 0 when the dialog does not exist or slot 0 cannot be
+// written.
 BOOL CaptureLayout(HWND dialog, LayoutSlot* slots, int lowestId, int highestId);
 
 // The slot number of a control, from 1; -1 when the range or the dialog does not have it.
