@@ -5,7 +5,9 @@
 #include "app/app_context.h"
 #include "app/main_dialog.h"
 #include "app/optical_flow_chart.h"
+#include "controls/display_instrument.h"
 #include "controls/line_recorder.h"
+#include "controls/simple_bitmap.h"
 #include "framework/dialog.h"
 #include "framework/modules.h"
 
@@ -15,6 +17,8 @@ namespace {
 
 void RegisterClasses(HINSTANCE instance) {
   RegisterDialogClass(instance, TRUE);
+  RegisterSimpleBitmapClass(instance, TRUE);
+  RegisterDisplayInstrumentClass(instance, TRUE);
   RegisterLineRecorderClass(instance, TRUE);
   RegisterChartClass(instance, TRUE);
 }
@@ -24,6 +28,8 @@ void UnregisterClasses(HINSTANCE instance) {
   // still on its way out keeps its procedure.
   RegisterChartClass(instance, TRUE);
   RegisterLineRecorderClass(instance, FALSE);
+  RegisterDisplayInstrumentClass(instance, FALSE);
+  RegisterSimpleBitmapClass(instance, FALSE);
   RegisterDialogClass(instance, FALSE);
 }
 
