@@ -62,25 +62,32 @@ class TarnwickTest : public testing::Test {
   PlayedCamera camera_{4};
 };
 
-// Drags the window's lower right corner with the mouse.
+void PressLeft(bool down) {
+  INPUT input{};
+  input.type = INPUT_MOUSE;
+  input.mi.dwFlags = down ? MOUSEEVENTF_LEFTDOWN : MOUSEEVENTF_LEFTUP;
+  SendInput(1, &input, sizeof(input));
+  Sleep(50);
+}
+
+// Drags the window's lower right corner with the mouse. On a busy machine the press may come before the window is ready
+// for it; the caller looks at the size and tries again.
 void DragCorner(HWND window, int byX, int byY) {
   RECT place{};
   GetWindowRect(window, &place);
-  const auto send = [](DWORD flags) {
-    INPUT input{};
-    input.type = INPUT_MOUSE;
-    input.mi.dwFlags = flags;
-    SendInput(1, &input, sizeof(input));
-    Sleep(100);
-  };
-  SetCursorPos(place.right - 2, place.bottom - 2);
-  Sleep(100);
-  send(MOUSEEVENTF_LEFTDOWN);
+  const POINT corner{place.right - 2, place.bottom - 2};
+  SetForegroundWindow(window);
+  WaitUntil([&] {
+    SetCursorPos(corner.x, corner.y);
+    return SendMessageA(window, WM_NCHITTEST, 0, MAKELPARAM(corner.x, corner.y)) == HTBOTTOMRIGHT &&
+           WindowFromPoint(corner) == window;
+  });
+  PressLeft(true);
   for (int step = 1; step <= 8; ++step) {
-    SetCursorPos(place.right - 2 + byX * step / 8, place.bottom - 2 + byY * step / 8);
+    SetCursorPos(corner.x + byX * step / 8, corner.y + byY * step / 8);
     Sleep(30);
   }
-  send(MOUSEEVENTF_LEFTUP);
+  PressLeft(false);
 }
 
 TEST_F(TarnwickTest, ShowsWhatTheCameraSees) {
@@ -175,12 +182,15 @@ TEST_F(TarnwickTest, ResizesDownToItsMinimumAndComesBackWhereItWas) {
     TarnwickProcess tool(directory);
     ASSERT_NE(nullptr, tool.window());
     SetWindowPos(tool.window(), nullptr, 60, 50, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
-    DragCorner(tool.window(), -900, -900);
-    EXPECT_TRUE(WaitUntil([&] {
+    const auto isSmallest = [&] {
       GetWindowRect(tool.window(), &place);
       return place.right - place.left == 412 && place.bottom - place.top == 412;
-    })) << place.right - place.left
-        << " x " << place.bottom - place.top;
+    };
+    for (int tries = 0; tries < 4 && !isSmallest(); ++tries) {
+      DragCorner(tool.window(), -900, -900);
+      WaitUntil(isSmallest, std::chrono::milliseconds(500));
+    }
+    EXPECT_TRUE(isSmallest()) << place.right - place.left << " x " << place.bottom - place.top;
     EXPECT_NE(INFINITE, tool.CloseAndWait());
   }
   char stored[64];
