@@ -309,7 +309,8 @@ LRESULT OnPaint(HWND window, InstrumentRecord* record) {
   return 0;
 }
 
-LRESULT OnGlideTick(InstrumentRecord* record) {
+LRESULT OnTimer(InstrumentRecord* record, WPARAM timer) {
+  if (timer != kGlideTimer) return 0;
   const GlideStep step = NextGlideStep(record->block, record->target);
   if (step.moving) {
     record->block.current = step.current;
@@ -344,32 +345,20 @@ LRESULT CopyToClipboard(InstrumentRecord* record, LPARAM requested) {
 // -------------------------------------------------------------------------------------------------
 
 LRESULT CALLBACK InstrumentProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  auto* record = WindowRecord<InstrumentRecord>(window);
   switch (message) {
     case WM_CREATE: return OnCreate(window);
+    case WM_DESTROY: return record ? OnDestroy(window, record) : kNoRecord;
+    case WM_SIZE: return record ? OnSize(record) : kNoRecord;
+    case WM_ENABLE: return record ? OnEnable(record, wParam != 0) : kNoRecord;
+    case WM_SETTEXT: return record ? OnSetText(record, reinterpret_cast<const char*>(lParam)) : kNoRecord;
+    case WM_PAINT: return OnPaint(window, record);
+    case WM_TIMER: return record ? OnTimer(record, wParam) : kNoRecord;
+    case WM_LBUTTONDBLCLK: return record ? CopyToClipboard(record, 0) : kNoRecord;
+    case WM_COPY: return record ? CopyToClipboard(record, lParam) : kNoRecord;
     case WM_DROPFILES: return SendMessageA(GetParent(window), message, wParam, lParam);
-    case WM_DESTROY:
-    case WM_SIZE:
-    case WM_ENABLE:
-    case WM_SETTEXT:
-    case WM_PAINT:
-    case WM_TIMER:
-    case WM_COPY:
-    case WM_LBUTTONDBLCLK:
-    case kControlCommand: break;
+    case kControlCommand: return record ? OnCommand(record, wParam, lParam) : kNoRecord;
     default: return DefWindowProcA(window, message, wParam, lParam);
-  }
-  auto* record = WindowRecord<InstrumentRecord>(window);
-  if (message == WM_PAINT) return OnPaint(window, record);
-  if (!record) return kNoRecord;
-  switch (message) {
-    case WM_DESTROY: return OnDestroy(window, record);
-    case WM_SIZE: return OnSize(record);
-    case WM_ENABLE: return OnEnable(record, wParam != 0);
-    case WM_SETTEXT: return OnSetText(record, reinterpret_cast<const char*>(lParam));
-    case WM_TIMER: return wParam == kGlideTimer ? OnGlideTick(record) : 0;
-    case WM_COPY: return CopyToClipboard(record, lParam);
-    case WM_LBUTTONDBLCLK: return CopyToClipboard(record, 0);
-    default: return OnCommand(record, wParam, lParam);
   }
 }
 

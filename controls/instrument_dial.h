@@ -18,7 +18,4 @@ Dial DialIn(const RECT& area);
 
 void DrawDialCase(const Supersample& canvas, const Dial& dial, const DialColors& colors);
 
-// The smallest rectangle of whole pixels around some places and `margin` pixels about them, within `limit`.
-RECT BoundsOf(std::span<const PointD> places, double margin, const RECT& limit);
-
 }  // namespace kv

@@ -172,7 +172,9 @@ void DrawDigits(HDC dc, const RECT& area, const char* text, DWORD style, COLORRE
   const int count = static_cast<int>(cells.size());
   if (count == 0 || IsRectEmpty(&area)) return;
   const DigitLayout layout = LayOutDigits(area, count);
-  const Supersample canvas(dc, area);
+  const PointD corners[] = {{layout.left, layout.top},
+                            {layout.left + layout.pitch * count + layout.height * kSlant, layout.top + layout.height}};
+  const Supersample canvas(dc, BoundsOf(corners, 1, area));
   const auto draw = [&](int cell, int stroke, COLORREF color) {
     for (const auto& corners : CornersOf(layout, cell, stroke)) {
       if (!corners.empty()) FillPolygon(canvas, corners, color);

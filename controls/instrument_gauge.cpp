@@ -151,7 +151,7 @@ void DrawTexts(HDC dc, const Dial& dial, const InstrumentView& view, const Label
     DrawTextLine(dc, labels.font, labels.texts[i], box, colors.ink, DT_CENTER);
   }
   if (face < kLeastFaceWithName) return;
-  const double width = face * (labels.texts.empty() ? 1.15 : 0.84);
+  const double width = face * (labels.texts.empty() ? 1.15 : 0.72);
   const std::wstring name = InstrumentName(view.block);
   const OwnedFont nameFont = CreateFittingFont(dc, name, Round(std::max(9.0, face * 0.16)), 9, Round(width), FW_NORMAL);
   DrawTextLine(dc, nameFont, name, BoxAt({dial.centre.x, dial.centre.y - face * kNameHeight}, width, face * 0.24),
@@ -197,7 +197,7 @@ void DrawValueText(HDC dc, const Dial& dial, const InstrumentView& view) {
 void DrawNeedle(HDC dc, const RECT& area, const Dial& dial, const InstrumentView& view) {
   const double face = dial.faceRadius, hub = std::max(2.0, face * kHub);
   const double angle = GaugeAngle(ReadingOf(view.block), ReadingOf(view.block).value);
-  const double root = std::max(1.2, face * 0.042), point = std::max(0.3, face * 0.006);
+  const double root = std::max(1.6, face * 0.042), point = std::max(0.5, face * 0.006);
   const PointD tip = PolarPoint(dial.centre, face * kNeedleTip, angle);
   const PointD tail = PolarPoint(dial.centre, -face * kNeedleTail, angle);
   const PointD ends[] = {

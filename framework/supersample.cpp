@@ -116,6 +116,21 @@ POINT Supersample::At(PointD place) const {
   return {RoundToLong((place.x - area_.left) * factor_), RoundToLong((place.y - area_.top) * factor_)};
 }
 
+RECT BoundsOf(std::span<const PointD> places, double margin, const RECT& limit) {
+  double left = limit.right, top = limit.bottom, right = limit.left, bottom = limit.top;
+  for (const PointD& place : places) {
+    left = std::min(left, place.x - margin);
+    top = std::min(top, place.y - margin);
+    right = std::max(right, place.x + margin);
+    bottom = std::max(bottom, place.y + margin);
+  }
+  const auto within = [](double value, LONG low, LONG high) {
+    return static_cast<LONG>(std::clamp(value, static_cast<double>(low), static_cast<double>(high)));
+  };
+  return {within(std::floor(left), limit.left, limit.right), within(std::floor(top), limit.top, limit.bottom),
+          within(std::ceil(right), limit.left, limit.right), within(std::ceil(bottom), limit.top, limit.bottom)};
+}
+
 PointD PolarPoint(PointD centre, double radius, double degrees) {
   const double radians = degrees * std::numbers::pi / 180;
   return {centre.x + radius * std::sin(radians), centre.y - radius * std::cos(radians)};

@@ -49,6 +49,9 @@ class Supersample {
   HGDIOBJ previousPlain_ = nullptr, previousEnlarged_ = nullptr;
 };
 
+// The smallest rectangle of whole pixels around some places and `margin` pixels about them, within `limit`.
+RECT BoundsOf(std::span<const PointD> places, double margin, const RECT& limit);
+
 // Shapes, in places of the target. Angles are degrees clockwise from the top.
 PointD PolarPoint(PointD centre, double radius, double degrees);
 void FillPolygon(const Supersample& canvas, std::span<const PointD> corners, COLORREF color);

@@ -1,0 +1,112 @@
+// Prints what the display instruments cost: milliseconds to render each layout, anew and after a change of the value
+// only, and the share of one processor core that twenty gliding instruments take.
+#include <windows.h>
+
+#include <chrono>
+#include <cstdio>
+
+#include "controls/display_instrument.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+struct Mode {
+  const char* name;
+  DWORD style;
+  float low, high;  // values to go between
+};
+constexpr Mode kModes[] = {{"gauge", kv::kModeGauge, 20, 80},
+                           {"read-out", kv::kModeDigital, 20, 80},
+                           {"segment bar", kv::kModeSegmentBar, 20, 80},
+                           {"compass", kv::kModeCompass, 20, 80},
+                           {"centre bar", kv::kModeCentreBar, -60, 60}};
+
+HWND Create(HWND parent, DWORD style, int left, int top, int size) {
+  return CreateWindowExA(0, kv::kDisplayInstrumentClass, "Heading", WS_CHILD | WS_VISIBLE | style, left, top, size,
+                         size, parent, nullptr, GetModuleHandleA(nullptr), nullptr);
+}
+
+void SetValue(HWND control, float value, WPARAM flags) {
+  SendMessageA(control, kv::kControlCommand, kv::kCommandValue | flags, reinterpret_cast<LPARAM>(&value));
+}
+
+double CpuSeconds() {
+  FILETIME created, ended, kernel, user;
+  GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user);
+  const auto seconds = [](FILETIME time) {
+    return static_cast<double>(ULARGE_INTEGER{{time.dwLowDateTime, time.dwHighDateTime}}.QuadPart) / 1e7;
+  };
+  return seconds(kernel) + seconds(user);
+}
+
+// Processor time, so that a busy machine does not count.
+template <class Work>
+double MillisecondsEach(Work work) {
+  constexpr auto kLeast = std::chrono::milliseconds(600);
+  work(0);
+  const double cpu = CpuSeconds();
+  const auto start = Clock::now();
+  int count = 0;
+  do {
+    work(++count);
+  } while (Clock::now() - start < kLeast);
+  return (CpuSeconds() - cpu) * 1000 / count;
+}
+
+void MeasureRendering(HWND parent) {
+  printf("%-12s %6s %14s %14s\n", "layout", "pixels", "anew ms", "new value ms");
+  for (const Mode& mode : kModes) {
+    for (const int size : {64, 200, 600}) {
+      HWND control = Create(parent, mode.style, 0, 0, size);
+      const double anew =
+          MillisecondsEach([control](int) { SendMessageA(control, kv::kControlCommand, kv::kCommandRender, 0); });
+      const double changed = MillisecondsEach([&](int i) {
+        SetValue(control, mode.low + (mode.high - mode.low) * static_cast<float>(i % 50) / 50, kv::kCommandRedraw);
+      });
+      printf("%-12s %6d %14.2f %14.2f\n", mode.name, size, anew, changed);
+      DestroyWindow(control);
+    }
+  }
+}
+
+void MeasureGliding(HWND parent) {
+  constexpr int kInstruments = 20;
+  constexpr std::chrono::seconds kSpan(4);
+  HWND controls[kInstruments];
+  for (int i = 0; i < kInstruments; ++i) {
+    controls[i] = Create(parent, kModes[i % std::size(kModes)].style, i % 5 * 130, i / 5 * 130, 120);
+  }
+  const double cpu = CpuSeconds();
+  const auto start = Clock::now();
+  float value = 30;
+  auto next = start;
+  while (Clock::now() - start < kSpan) {
+    if (Clock::now() >= next) {
+      // A new goal four times a second, near enough not to be jumped to, keeps every one of them moving.
+      value = value > 35 ? 30.0f : 40.0f;
+      for (HWND control : controls) SetValue(control, value, kv::kValueGlide);
+      next += std::chrono::milliseconds(250);
+    }
+    MSG message;
+    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageA(&message);
+    MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
+  }
+  const double wall = std::chrono::duration<double>(Clock::now() - start).count();
+  printf("%d instruments of 120 pixels gliding: %.1f %% of one core\n", kInstruments,
+         (CpuSeconds() - cpu) / wall * 100);
+}
+
+}  // namespace
+
+int main() {
+  setvbuf(stdout, nullptr, _IONBF, 0);
+  HINSTANCE instance = GetModuleHandleA(nullptr);
+  if (!kv::RegisterDisplayInstrumentClass(instance, TRUE)) return 1;
+  HWND parent = CreateWindowExA(0, "STATIC", "benchmark", WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN, 0, 0, 700, 700,
+                                nullptr, nullptr, instance, nullptr);
+  MeasureRendering(parent);
+  MeasureGliding(parent);
+  DestroyWindow(parent);
+  return 0;
+}
