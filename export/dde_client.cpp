@@ -1,0 +1,128 @@
+#include "export/dde_client.h"
+
+#include <cstring>
+
+namespace kv {
+
+namespace {
+
+constexpr int kLibraryCodePage = 0;  // whatever the library takes as its own
+
+bool IsText(const char* text) {
+  return !IsBadStringPtrA(text, UINT_MAX);
+}
+
+// A string handle for one call.
+class DdeString {
+ public:
+  DdeString(DWORD instance, const char* text, int codePage)
+      : instance_(instance), handle_(DdeCreateStringHandleA(instance, text, codePage)) {}
+  ~DdeString() {
+    if (handle_) DdeFreeStringHandle(instance_, handle_);
+  }
+  DdeString(const DdeString&) = delete;
+  DdeString& operator=(const DdeString&) = delete;
+
+  operator HSZ() const { return handle_; }
+
+ private:
+  DWORD instance_;
+  HSZ handle_;
+};
+
+DWORD TimeoutOrDefault(DWORD timeoutMs) {
+  return timeoutMs ? timeoutMs : kDdeTimeoutMs;
+}
+
+// A client that takes no advice has nothing to answer.
+HDDEDATA CALLBACK IgnoreTransaction(UINT, UINT, HCONV, HSZ, HSZ, HDDEDATA, ULONG_PTR, ULONG_PTR) {
+  return nullptr;
+}
+
+BOOL StartDde(DWORD* instance) {
+  if (*instance != 0) return 1;
+  // Not into the slot itself, which was just found not writable: the library would fault while it holds its own locks.
+  DWORD made = 0;
+  DdeInitializeA(&made, IgnoreTransaction, APPCMD_CLIENTONLY, 0);
+  if (IsBadWritePtr(instance, sizeof(*instance))) {
+    DdeUninitialize(made);
+    return 0;
+  }
+  *instance = made;
+  return 1;
+}
+
+BOOL StopDde(DWORD* instance) {
+  DdeUninitialize(*instance);
+  if (!IsBadWritePtr(instance, sizeof(*instance))) *instance = 0;
+  return 1;
+}
+
+}  // namespace
+
+HCONV ddeConnect(DWORD instance, const char* service, const char* topic) {
+  if (!IsText(service) || !IsText(topic)) return nullptr;
+  const DdeString serviceName(instance, service, CP_WINANSI);
+  const DdeString topicName(instance, topic, CP_WINANSI);
+  // Without a handle a name would count as "any server": one that is too long must not find a stranger.
+  if ((*service && !serviceName) || (*topic && !topicName)) return nullptr;
+  return DdeConnect(instance, serviceName, topicName, nullptr);
+}
+
+BOOL ddeDisconnect(HCONV conversation) {
+  return DdeDisconnect(conversation);
+}
+
+BOOL ddeExecute(DWORD instance, HCONV conversation, const char* command) {
+  if (!IsText(command)) return 0;
+  auto* bytes = reinterpret_cast<BYTE*>(const_cast<char*>(command));  // only read
+  HDDEDATA data = DdeCreateDataHandle(instance, bytes, lstrlenA(command) + 1, 0, nullptr, CF_TEXT, 0);
+  if (!data) return 0;
+  // The length of all bits set says that a data handle stands in the place of the bytes.
+  DdeClientTransaction(reinterpret_cast<BYTE*>(data), 0xFFFFFFFF, conversation, nullptr, CF_TEXT, XTYP_EXECUTE,
+                       TIMEOUT_ASYNC, nullptr);
+  return 1;
+}
+
+bool RequestDdeText(DWORD instance, HCONV conversation, const char* item, DWORD timeoutMs,
+                    char (&answer)[kDdeAnswerSize]) {
+  if (!IsText(item)) return false;
+  const DdeString itemName(instance, item, kLibraryCodePage);
+  HDDEDATA data = DdeClientTransaction(nullptr, 0, conversation, itemName, CF_TEXT, XTYP_REQUEST,
+                                       TimeoutOrDefault(timeoutMs), nullptr);
+  if (!data) return false;
+  std::memset(answer, 0, sizeof(answer));
+  DdeGetData(data, reinterpret_cast<BYTE*>(answer), sizeof(answer), 0);
+  // The data handle is not freed: answers belong to the instance, which gives them back when it is uninitialised.
+  return true;
+}
+
+BOOL ddeRequest(DWORD instance, HCONV conversation, const char* item, char* destination, DWORD timeoutMs) {
+  char answer[kDdeAnswerSize];
+  if (!RequestDdeText(instance, conversation, item, timeoutMs, answer)) return 0;
+  const size_t length = strnlen(answer, sizeof(answer));
+  if (IsBadWritePtr(destination, length)) return 1;
+  std::memcpy(destination, answer, length);
+  char* end = destination + length;
+  if (length < sizeof(answer) && !IsBadWritePtr(end, 1)) *end = '\0';
+  return 1;
+}
+
+HDDEDATA ddePoke(DWORD instance, HCONV conversation, const char* item, const char* text, DWORD timeoutMs) {
+  if (!IsText(item) || !IsText(text)) return nullptr;
+  const DdeString itemName(instance, item, CP_WINANSI);
+  auto* bytes = reinterpret_cast<BYTE*>(const_cast<char*>(text));  // only read
+  return DdeClientTransaction(bytes, lstrlenA(text) + 1, conversation, itemName, CF_TEXT, XTYP_POKE,
+                              TimeoutOrDefault(timeoutMs), nullptr);
+}
+
+BOOL ddeStartStop(BOOL start, DWORD* instance) {
+  // The test is this way round on purpose: an ordinary slot keeps the DDE library out of the process, and with it the
+  // wait for every window of the desktop. Programs rely on a link that stays closed.
+  if (!IsBadWritePtr(instance, sizeof(*instance))) return 0;
+  if (!start && !instance) return 1;
+  if (IsBadReadPtr(instance, sizeof(*instance))) return 0;
+  return start ? StartDde(instance) : StopDde(instance);
+}
+
+}  // namespace kv

@@ -1,0 +1,173 @@
+// Plays the spreadsheet program for the DDE tests, in a process of its own, and writes down what comes over the wire:
+// it speaks the DDE messages themselves and does not lean on the library under which the client runs.
+//
+//   dde_server LOG SERVICE TOPIC[,TOPIC...] [delay=MS | silent | refuse | leave]
+//
+// Items: "Topics" is the list of topics; "BytesN" an answer of N letters without a terminator; any other item is what
+// was last poked into it, and refused before that. With delay=MS every request is answered that much later, with silent
+// never; with refuse only the connection is accepted; with leave an execute ends the conversation. What is written down
+// has been answered: the answer waits in the client's queue by then. Ends with a WM_QUIT to its thread.
+#include <windows.h>
+
+#include <dde.h>
+
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <string>
+
+namespace {
+
+constexpr WORD kAck = 0x8000, kResponse = 0x1000, kRelease = 0x2000;
+constexpr size_t kHeader = offsetof(DDEDATA, Value);  // also that of DDEPOKE
+
+FILE* logFile;
+DWORD started;
+std::string service, topics, mode;
+std::map<std::string, std::string> cells;
+
+void Log(const std::string& line) {
+  fprintf(logFile, "%6lu ms  %s\n", GetTickCount() - started, line.c_str());
+  fflush(logFile);
+}
+
+std::string NameOf(UINT_PTR atom) {
+  char text[256] = "";
+  GlobalGetAtomNameA(static_cast<ATOM>(atom), text, sizeof(text));
+  return text;
+}
+
+// A conversation's window bears its topic.
+std::string TopicOf(HWND conversation) {
+  char text[256] = "";
+  GetWindowTextA(conversation, text, sizeof(text));
+  return text;
+}
+
+std::string BytesOf(HGLOBAL memory, size_t skipped) {
+  const auto* bytes = static_cast<const char*>(GlobalLock(memory));
+  std::string copy(bytes + skipped, GlobalSize(memory) - skipped);
+  GlobalUnlock(memory);
+  return copy;
+}
+
+// Bytes as they came, terminators made visible.
+std::string Shown(const std::string& bytes) {
+  std::string text;
+  for (char byte : bytes) text += byte ? std::string(1, byte) : "\\0";
+  return "\"" + text + "\" (" + std::to_string(bytes.size()) + " bytes)";
+}
+
+void PostAck(HWND server, HWND client, bool positive, UINT_PTR what) {
+  PostMessageA(client, WM_DDE_ACK, reinterpret_cast<WPARAM>(server),
+               PackDDElParam(WM_DDE_ACK, positive ? kAck : 0, what));
+}
+
+void PostData(HWND server, HWND client, const std::string& bytes, UINT_PTR item) {
+  HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE | GMEM_DDESHARE, kHeader + bytes.size());
+  auto* header = static_cast<WORD*>(GlobalLock(memory));
+  header[0] = kResponse | kRelease;
+  header[1] = CF_TEXT;
+  memcpy(reinterpret_cast<char*>(header) + kHeader, bytes.data(), bytes.size());
+  GlobalUnlock(memory);
+  PostMessageA(client, WM_DDE_DATA, reinterpret_cast<WPARAM>(server),
+               PackDDElParam(WM_DDE_DATA, reinterpret_cast<UINT_PTR>(memory), item));
+}
+
+void Initiate(HWND client, ATOM application, ATOM topic) {
+  const bool asked = application == 0 || NameOf(application) == service;  // no name asks for any server
+  const bool mine = asked && ("," + topics + ",").find("," + NameOf(topic) + ",") != std::string::npos;
+  Log("connect " + NameOf(application) + "|" + NameOf(topic) + (mine ? ": accepted" : ": not mine"));
+  if (!mine) return;
+  HWND conversation = CreateWindowExA(0, "DdeServerConversation", NameOf(topic).c_str(), 0, 0, 0, 0, 0, HWND_MESSAGE,
+                                      nullptr, nullptr, nullptr);
+  SendMessageA(client, WM_DDE_ACK, reinterpret_cast<WPARAM>(conversation),
+               MAKELPARAM(GlobalAddAtomA(service.c_str()), GlobalAddAtomA(NameOf(topic).c_str())));
+}
+
+void Request(HWND server, HWND client, UINT_PTR format, UINT_PTR item) {
+  const std::string name = NameOf(item);
+  if (mode == "silent") return Log("request " + name + ": not answered");
+  if (mode.starts_with("delay=")) Sleep(atoi(mode.c_str() + 6));
+  std::string bytes;
+  if (name == "Topics") bytes = topics + '\0';
+  if (cells.contains(name)) bytes = cells[name];
+  if (name.starts_with("Bytes")) {
+    for (int i = 0; i < atoi(name.c_str() + 5); ++i) bytes += static_cast<char>('a' + i % 26);
+  }
+  if (mode == "refuse" || format != CF_TEXT || bytes.empty()) {
+    PostAck(server, client, false, item);
+    return Log("request " + name + ": refused");
+  }
+  PostData(server, client, bytes, item);
+  Log("request " + name + ": answered with " + std::to_string(bytes.size()) + " bytes");
+}
+
+void Poke(HWND server, HWND client, HGLOBAL memory, UINT_PTR item) {
+  const bool takes = mode != "refuse";
+  const std::string bytes = BytesOf(memory, kHeader);
+  const std::string name = NameOf(item);
+  if (takes) {
+    cells[name] = bytes;
+    GlobalFree(memory);
+  }
+  PostAck(server, client, takes, item);
+  Log("poke " + name + " " + Shown(bytes) + (takes ? "" : ": refused"));
+}
+
+void Execute(HWND server, HWND client, HGLOBAL command) {
+  const bool takes = mode != "refuse";
+  const std::string bytes = BytesOf(command, 0);
+  PostAck(server, client, takes, reinterpret_cast<UINT_PTR>(command));
+  if (mode == "leave") PostMessageA(client, WM_DDE_TERMINATE, reinterpret_cast<WPARAM>(server), 0);
+  Log("execute " + TopicOf(server) + " " + Shown(bytes) + (takes ? "" : ": refused"));
+}
+
+LRESULT CALLBACK Serve(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  HWND client = reinterpret_cast<HWND>(wParam);
+  UINT_PTR low = 0, high = 0;
+  switch (message) {
+    case WM_DDE_INITIATE: Initiate(client, LOWORD(lParam), HIWORD(lParam)); return 0;
+    case WM_DDE_REQUEST: Request(window, client, LOWORD(lParam), HIWORD(lParam)); return 0;
+    case WM_DDE_POKE:
+      UnpackDDElParam(message, lParam, &low, &high);
+      FreeDDElParam(message, lParam);
+      Poke(window, client, reinterpret_cast<HGLOBAL>(low), high);
+      return 0;
+    case WM_DDE_EXECUTE: Execute(window, client, reinterpret_cast<HGLOBAL>(lParam)); return 0;
+    case WM_DDE_TERMINATE:
+      Log("disconnect " + TopicOf(window));
+      PostMessageA(client, WM_DDE_TERMINATE, reinterpret_cast<WPARAM>(window), 0);
+      DestroyWindow(window);
+      return 0;
+    default: return DefWindowProcA(window, message, wParam, lParam);
+  }
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  if (count < 4) return 2;
+  started = GetTickCount();
+  logFile = fopen(arguments[1], "a");
+  if (!logFile) return 2;
+  service = arguments[2];
+  topics = arguments[3];
+  if (count > 4) mode = arguments[4];
+  WNDCLASSA windowClass{};
+  windowClass.lpfnWndProc = Serve;
+  for (const char* name : {"DdeServer", "DdeServerConversation"}) {
+    windowClass.lpszClassName = name;
+    RegisterClassA(&windowClass);
+  }
+  // A hidden top-level window: a broadcast reaches no other kind.
+  HWND window = CreateWindowExA(0, "DdeServer", "", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+  if (!window) return 3;
+  Log("ready: " + service + " with " + topics + " " + mode);
+  MSG message;
+  while (GetMessageA(&message, nullptr, 0, 0) > 0) DispatchMessageA(&message);
+  fclose(logFile);
+  return 0;
+}

@@ -1,0 +1,428 @@
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "export/dde_client.h"
+#include "export/excel_link.h"
+#include "framework/shell_launch.h"
+#include "tests/support/test_window.h"
+
+namespace {
+
+using kvtest::GuardedBytes;
+using kvtest::WaitUntil;
+
+std::string Beside(const char* file) {
+  char path[MAX_PATH];
+  GetModuleFileNameA(nullptr, path, sizeof(path));
+  return std::string(path, strrchr(path, '\\') + 1) + file;
+}
+
+std::string Transcript() {
+  std::ifstream file(Beside("dde_transcript.txt"), std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// Everything happens on a desktop of its own: a connect waits for every window of the desktop, also for those of other
+// tests that do not pump messages at that moment.
+std::string desktopName;
+
+class OwnDesktop : public testing::Environment {
+ public:
+  void SetUp() override {
+    desktopName = "kvDdeTest" + std::to_string(GetCurrentProcessId());
+    HDESK desktop = CreateDesktopA(desktopName.c_str(), nullptr, nullptr, 0, GENERIC_ALL, nullptr);
+    ASSERT_TRUE(SetThreadDesktop(desktop));
+    DeleteFileA(Beside("dde_transcript.txt").c_str());
+  }
+};
+const testing::Environment* const ownDesktop = testing::AddGlobalTestEnvironment(new OwnDesktop);
+
+// A running server; ends with the object. The transcript of the whole test program stays beside it.
+class Server {
+ public:
+  explicit Server(const std::string& arguments) : begin_(Transcript().size()) {
+    const std::string log = Beside("dde_transcript.txt");
+    std::string command = "\"" + Beside("dde_server.exe") + "\" \"" + log + "\" " + arguments;
+    STARTUPINFOA startup{};
+    startup.cb = sizeof(startup);
+    startup.lpDesktop = desktopName.data();
+    EXPECT_TRUE(
+        CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process_));
+    EXPECT_TRUE(Saw("ready"));
+  }
+  ~Server() {
+    PostThreadMessageA(process_.dwThreadId, WM_QUIT, 0, 0);
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(process_.hProcess, 5000)) << "the server hangs";
+    Kill();
+    CloseHandle(process_.hProcess);
+    CloseHandle(process_.hThread);
+  }
+  void Kill() {
+    TerminateProcess(process_.hProcess, 1);
+    WaitForSingleObject(process_.hProcess, 5000);
+  }
+  std::string Log() const { return Transcript().substr(begin_); }
+  // Whether a text comes to be in the log; what the server answered to it has been dispatched then.
+  bool Saw(const std::string& text) const {
+    const bool seen = WaitUntil([&] { return Log().find(text) != std::string::npos; });
+    kvtest::PumpMessages();
+    return seen;
+  }
+
+ private:
+  size_t begin_;
+  PROCESS_INFORMATION process_{};
+};
+
+HDDEDATA CALLBACK Ignore(UINT, UINT, HCONV, HSZ, HSZ, HDDEDATA, ULONG_PTR, ULONG_PTR) {
+  return nullptr;
+}
+
+class Dde : public testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_EQ(static_cast<UINT>(DMLERR_NO_ERROR), DdeInitializeA(&instance_, Ignore, APPCMD_CLIENTONLY, 0));
+  }
+  void TearDown() override { DdeUninitialize(instance_); }
+
+  DWORD instance_ = 0;
+};
+
+long long MillisecondsOf(const std::function<void()>& call) {
+  const auto begin = std::chrono::steady_clock::now();
+  call();
+  return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - begin).count();
+}
+
+TEST_F(Dde, ConverseWithAServerInAnotherProcess) {
+  Server server("Excel System,Mappe2");
+  EXPECT_FALSE(kv::ddeConnect(instance_, "Excel", "Mappe3"));
+  EXPECT_FALSE(kv::ddeConnect(instance_, "Other", "System"));
+  HCONV conversation = kv::ddeConnect(instance_, "Excel", "Mappe2");
+  ASSERT_TRUE(conversation);
+
+  EXPECT_TRUE(kv::ddePoke(instance_, conversation, "Z1S1", "12,5", 0));
+  EXPECT_TRUE(server.Saw("poke Z1S1 \"12,5\\0\" (5 bytes)")) << server.Log();
+  char text[16] = "untouched";
+  EXPECT_EQ(1, kv::ddeRequest(instance_, conversation, "Z1S1", text, 0));
+  EXPECT_STREQ("12,5", text);
+  EXPECT_EQ(0, kv::ddeRequest(instance_, conversation, "Z9S9", text, 0));
+  EXPECT_STREQ("12,5", text);
+
+  // Last, because Wine serves no further transaction of a conversation after an asynchronous one.
+  EXPECT_EQ(1, kv::ddeExecute(instance_, conversation, "[NEW(1)]"));
+  EXPECT_TRUE(server.Saw("execute Mappe2 \"[NEW(1)]\\0\" (9 bytes)")) << server.Log();
+
+  EXPECT_TRUE(kv::ddeDisconnect(conversation));
+  EXPECT_TRUE(server.Saw("disconnect"));
+  EXPECT_FALSE(kv::ddeDisconnect(conversation));
+  EXPECT_EQ(0, kv::ddeRequest(instance_, conversation, "Z1S1", text, 200));
+}
+
+TEST_F(Dde, LongAnswersEndAtTheBuffer) {
+  Server server("Excel System");
+  HCONV conversation = kv::ddeConnect(instance_, "Excel", "System");
+  ASSERT_TRUE(conversation);
+  const auto request = [&](const char* item, char* to) { return kv::ddeRequest(instance_, conversation, item, to, 0); };
+
+  GuardedBytes room(kv::kDdeAnswerSize + 1);  // the byte after these faults
+  char* text = room.as<char>();
+  text[kv::kDdeAnswerSize] = '!';
+  EXPECT_EQ(1, request("Bytes8191", text));
+  EXPECT_EQ(8191u, strnlen(text, kv::kDdeAnswerSize));
+  for (const char* item : {"Bytes8192", "Bytes9000"}) {
+    memset(text, 0, kv::kDdeAnswerSize);
+    EXPECT_EQ(1, request(item, text));
+    EXPECT_EQ(8192u, strnlen(text, kv::kDdeAnswerSize)) << item;
+    EXPECT_EQ('a' + 8191 % 26, text[8191]);
+    EXPECT_EQ('!', text[8192]);  // a destination of kDdeAnswerSize bytes would end here
+  }
+
+  // One byte too few for the text: nothing is stored, and still the server has answered.
+  EXPECT_EQ(1, request("Bytes8192", text + 2));
+  EXPECT_EQ('c', text[2]);
+  EXPECT_EQ('!', text[8192]);
+  EXPECT_EQ(1, request("Bytes10", nullptr));
+  // Room for the text and none for the terminator.
+  EXPECT_EQ(1, request("Bytes10", text + kv::kDdeAnswerSize - 9));
+  EXPECT_EQ(0, memcmp("abcdefghij", text + kv::kDdeAnswerSize - 9, 10));
+  kv::ddeDisconnect(conversation);
+}
+
+TEST_F(Dde, TimeOutsEndTheWait) {
+  char text[64] = "untouched";
+  {
+    Server slow("Excel System delay=700");
+    HCONV conversation = kv::ddeConnect(instance_, "Excel", "System");
+    ASSERT_TRUE(conversation);
+    const long long waited =
+        MillisecondsOf([&] { EXPECT_EQ(0, kv::ddeRequest(instance_, conversation, "Topics", text, 150)); });
+    EXPECT_GE(waited, 140);
+    EXPECT_LT(waited, 650);
+    EXPECT_STREQ("untouched", text);
+    // The late answer belongs to nobody; a later request gets its own.
+    EXPECT_TRUE(slow.Saw("request Topics: answered"));
+    EXPECT_EQ(1, kv::ddeRequest(instance_, conversation, "Bytes3", text, 0));
+    EXPECT_STREQ("abc", text);
+    kv::ddeDisconnect(conversation);
+  }
+  Server silent("Excel System silent");
+  HCONV conversation = kv::ddeConnect(instance_, "Excel", "System");
+  ASSERT_TRUE(conversation);
+  // The default of ten seconds is waited out only on demand.
+  const bool whole = getenv("KV_DDE_WHOLE_TIMEOUT") != nullptr;
+  const DWORD limit = whole ? kv::kDdeTimeoutMs : 200;
+  const long long waited =
+      MillisecondsOf([&] { EXPECT_EQ(0, kv::ddeRequest(instance_, conversation, "Topics", text, whole ? 0 : limit)); });
+  EXPECT_GE(waited, limit - 10);
+  EXPECT_LT(waited, limit + 2000);
+  kv::ddeDisconnect(conversation);
+}
+
+TEST_F(Dde, RefusalsAndADeadServerAreFailures) {
+  char text[64] = "untouched";
+  {
+    Server server("Excel System refuse");
+    HCONV conversation = kv::ddeConnect(instance_, "Excel", "System");
+    ASSERT_TRUE(conversation);
+    EXPECT_EQ(0, kv::ddeRequest(instance_, conversation, "Topics", text, 0));
+    // The result of a refused poke is the system's, and not every system tells it apart.
+    kv::ddePoke(instance_, conversation, "Z1S1", "1", 0);
+    EXPECT_TRUE(server.Saw("poke Z1S1 \"1\\0\" (2 bytes): refused"));
+    EXPECT_EQ(1, kv::ddeExecute(instance_, conversation, "[QUIT]"));  // sent; its fate is not looked at
+    EXPECT_TRUE(server.Saw("\"[QUIT]\\0\" (7 bytes): refused"));
+    kv::ddeDisconnect(conversation);
+  }
+  Server server("Excel System");
+  HCONV conversation = kv::ddeConnect(instance_, "Excel", "System");
+  ASSERT_TRUE(conversation);
+  server.Kill();
+  EXPECT_EQ(0, kv::ddeRequest(instance_, conversation, "Topics", text, 500));
+  EXPECT_FALSE(kv::ddePoke(instance_, conversation, "Z1S1", "1", 500));
+  EXPECT_STREQ("untouched", text);
+  kv::ddeDisconnect(conversation);
+}
+
+TEST_F(Dde, BadArgumentsAreRefused) {
+  Server server("Excel System");
+  HCONV conversation = kv::ddeConnect(instance_, "Excel", "System");
+  ASSERT_TRUE(conversation);
+  GuardedBytes unterminated(4);
+  memset(unterminated.data(), 'A', 4);
+  const std::string tooLong(300, 'x');
+  char text[8] = "kept";
+  for (const char* bad : {static_cast<const char*>(nullptr), unterminated.as<const char>()}) {
+    EXPECT_FALSE(kv::ddeConnect(instance_, bad, "System"));
+    EXPECT_FALSE(kv::ddeConnect(instance_, "Excel", bad));
+    EXPECT_EQ(0, kv::ddeExecute(instance_, conversation, bad));
+    EXPECT_EQ(0, kv::ddeRequest(instance_, conversation, bad, text, 200));
+    EXPECT_FALSE(kv::ddePoke(instance_, conversation, bad, "1", 200));
+    EXPECT_FALSE(kv::ddePoke(instance_, conversation, "Z1S1", bad, 200));
+  }
+  EXPECT_FALSE(kv::ddeConnect(instance_, tooLong.c_str(), "System"));
+  EXPECT_FALSE(kv::ddeConnect(instance_, "Excel", tooLong.c_str()));
+  EXPECT_FALSE(kv::ddeConnect(0, "Excel", "System"));
+  EXPECT_EQ(0, kv::ddeExecute(0, conversation, "[NEW(1)]"));
+  EXPECT_STREQ("kept", text);
+  kv::ddeDisconnect(conversation);
+}
+
+// Makes a word's page read-only until something tries to write there, and lets that one try fail. To ddeStartStop,
+// which tries before it stores, such a word is not writable and yet can be stored to: the one case in which a start
+// succeeds.
+class WritableAfterOneFault {
+ public:
+  explicit WritableAfterOneFault(void* address) {
+    page_ = reinterpret_cast<ULONG_PTR>(address) / kPage;
+    handler_ = AddVectoredExceptionHandler(1, Handle);
+    DWORD previous = 0;
+    VirtualProtect(address, 1, PAGE_READONLY, &previous);  // from here on nothing may write until the call under test
+  }
+  ~WritableAfterOneFault() { RemoveVectoredExceptionHandler(handler_); }
+
+ private:
+  static constexpr ULONG_PTR kPage = 4096;
+  static LONG CALLBACK Handle(EXCEPTION_POINTERS* exception) {
+    const EXCEPTION_RECORD& record = *exception->ExceptionRecord;
+    if (record.ExceptionCode == EXCEPTION_ACCESS_VIOLATION && record.ExceptionInformation[1] / kPage == page_) {
+      DWORD previous = 0;
+      VirtualProtect(reinterpret_cast<void*>(record.ExceptionInformation[1]), 1, PAGE_READWRITE, &previous);
+    }
+    return EXCEPTION_CONTINUE_SEARCH;
+  }
+  static inline ULONG_PTR page_ = 0;
+  void* handler_;
+};
+
+bool IsLive(DWORD instance) {
+  HSZ name = DdeCreateStringHandleA(instance, "probe", CP_WINANSI);
+  return name && DdeFreeStringHandle(instance, name);
+}
+
+TEST_F(Dde, StartStopRefusesAWritableSlot) {
+  DWORD slot = 0;
+  EXPECT_EQ(0, kv::ddeStartStop(1, &slot));
+  EXPECT_EQ(0u, slot);
+  slot = instance_;
+  EXPECT_EQ(0, kv::ddeStartStop(0, &slot));
+  EXPECT_EQ(instance_, slot);
+  EXPECT_TRUE(IsLive(instance_));
+}
+
+TEST_F(Dde, StartStopGoesOnWithASlotThatIsNotWritable) {
+  EXPECT_EQ(0, kv::ddeStartStop(1, nullptr));
+  EXPECT_EQ(1, kv::ddeStartStop(0, nullptr));
+  GuardedBytes page(sizeof(DWORD));
+  DWORD* slot = page.as<DWORD>();
+  DWORD* unreadable = slot + 1;
+  EXPECT_EQ(0, kv::ddeStartStop(1, unreadable));
+  EXPECT_EQ(0, kv::ddeStartStop(0, unreadable));
+
+  *slot = 0;
+  {
+    WritableAfterOneFault once(slot);
+    EXPECT_EQ(1, kv::ddeStartStop(1, slot));
+  }
+  const DWORD made = *slot;
+  EXPECT_TRUE(IsLive(made));
+  {
+    WritableAfterOneFault once(slot);
+    EXPECT_EQ(1, kv::ddeStartStop(1, slot));
+    EXPECT_EQ(made, *slot);
+  }
+  {
+    WritableAfterOneFault once(slot);
+    EXPECT_EQ(1, kv::ddeStartStop(0, slot));
+    EXPECT_EQ(0u, *slot);
+    EXPECT_FALSE(IsLive(made));
+  }
+
+  // A page that stays read-only: a new instance has no place and is given back, an old one is ended.
+  page.MakeReadOnly();
+  EXPECT_EQ(0, kv::ddeStartStop(1, slot));
+  GuardedBytes kept(sizeof(DWORD));
+  *kept.as<DWORD>() = instance_;
+  kept.MakeReadOnly();
+  EXPECT_EQ(1, kv::ddeStartStop(1, kept.as<DWORD>()));
+  EXPECT_TRUE(IsLive(instance_));
+  EXPECT_EQ(1, kv::ddeStartStop(0, kept.as<DWORD>()));
+  EXPECT_FALSE(IsLive(instance_));
+}
+
+std::vector<SHELLEXECUTEINFOA> launches;
+
+BOOL WINAPI NoteLaunch(SHELLEXECUTEINFOA* info) {
+  launches.push_back(*info);
+  return FALSE;
+}
+
+class ExcelLink : public testing::Test {
+ protected:
+  void SetUp() override {
+    launches.clear();
+    previous_ = std::exchange(kv::shellCalls.executeExA, NoteLaunch);
+  }
+  void TearDown() override {
+    kv::shellCalls.executeExA = previous_;
+    kv::excelLink(0);
+    DdeUninitialize(std::exchange(kv::excelLinkState.ddeInstance, 0));
+  }
+  // Opens the link in the one case in which its start succeeds.
+  static BOOL Open() {
+    WritableAfterOneFault once(&kv::excelLinkState.ddeInstance);
+    return kv::excelLink(1);
+  }
+  const kv::ExcelLinkState& link_ = kv::excelLinkState;
+  decltype(kv::shellCalls.executeExA) previous_;
+};
+
+TEST_F(ExcelLink, OrdinaryOpeningsAndClosingsEndAtTheStart) {
+  EXPECT_EQ(0, kv::excelLink(1));
+  EXPECT_EQ(0u, link_.ddeInstance);
+  EXPECT_FALSE(link_.systemConversation);
+  EXPECT_EQ(0u, launches.size());
+  EXPECT_EQ(0, kv::excelLink(0));
+}
+
+TEST_F(ExcelLink, StartsTheSpreadsheetThatDoesNotRun) {
+  EXPECT_EQ(0, Open());
+  EXPECT_TRUE(IsLive(link_.ddeInstance));
+  EXPECT_FALSE(link_.systemConversation);
+  EXPECT_FALSE(link_.workbookConversation);
+  ASSERT_EQ(1u, launches.size());
+  const SHELLEXECUTEINFOA& info = launches[0];
+  EXPECT_EQ(60u, info.cbSize);
+  EXPECT_EQ(0x140u, info.fMask);
+  EXPECT_STREQ("open", info.lpVerb);
+  EXPECT_STREQ("Excel.exe", info.lpFile);
+  EXPECT_STREQ("", info.lpParameters);
+  EXPECT_EQ(1, info.nShow);
+  EXPECT_TRUE(!info.hwnd && !info.lpDirectory && !info.hProcess);
+
+  WritableAfterOneFault once(&kv::excelLinkState.ddeInstance);
+  EXPECT_EQ(1, kv::excelLink(0));
+  EXPECT_EQ(0u, link_.ddeInstance);
+}
+
+// Takes ten seconds under Wine, which does not serve the request for the topics after the execute.
+TEST_F(ExcelLink, MakesAWorkbookInTheRunningSpreadsheet) {
+  Server server("Excel System,Mappe2");
+  EXPECT_EQ(0, Open());
+  EXPECT_EQ(0u, launches.size());
+  ASSERT_TRUE(link_.systemConversation);
+  ASSERT_TRUE(link_.workbookConversation);
+  const std::string log = server.Log();
+  size_t place = 0;
+  for (const char* line : {"connect Excel|System: accepted", "execute System \"[NEW(1)]\\0\" (9 bytes)",
+                           "request Topics: answered", "connect Excel|Mappe2: accepted"}) {
+    place = log.find(line, place);
+    ASSERT_NE(std::string::npos, place) << line << " is not in its place in\n" << log;
+  }
+  EXPECT_TRUE(kv::ddePoke(link_.ddeInstance, link_.workbookConversation, "Z1S1", "12,5", 0));
+
+  EXPECT_EQ(0, kv::excelLink(0));
+  EXPECT_FALSE(link_.systemConversation);
+  EXPECT_FALSE(link_.workbookConversation);
+  EXPECT_TRUE(server.Saw("disconnect System"));
+  EXPECT_TRUE(server.Saw("disconnect Mappe2"));
+  EXPECT_LT(server.Log().find("disconnect System"), server.Log().find("disconnect Mappe2"));
+}
+
+TEST_F(ExcelLink, AWorkbookThatCannotBeReachedClosesBothConversations) {
+  Server server("Excel System leave");
+  EXPECT_EQ(0, Open());
+  EXPECT_FALSE(link_.systemConversation);
+  EXPECT_FALSE(link_.workbookConversation);
+  EXPECT_TRUE(IsLive(link_.ddeInstance));
+  EXPECT_EQ(0u, launches.size());
+  EXPECT_TRUE(server.Saw("connect Excel|Mappe2: not mine"));
+}
+
+TEST(DecimalPoint, OnlyTheFirstBecomesAComma) {
+  char number[] = "12.5.3";
+  EXPECT_EQ(1, kv::decimalPointToComma(number));
+  EXPECT_STREQ("12,5.3", number);
+  char whole[] = "125";
+  EXPECT_EQ(1, kv::decimalPointToComma(whole));
+  EXPECT_STREQ("125", whole);
+  GuardedBytes bytes(4);
+  memcpy(bytes.data(), "1.25", 4);  // no terminator before the page ends
+  EXPECT_EQ(1, kv::decimalPointToComma(bytes.as<char>()));
+  EXPECT_EQ(0, memcmp("1.25", bytes.data(), 4));
+  memcpy(bytes.data(), "1.2", 4);
+  bytes.MakeReadOnly();
+  EXPECT_EQ(1, kv::decimalPointToComma(bytes.as<char>()));
+  EXPECT_EQ(1, kv::decimalPointToComma(nullptr));
+}
+
+}  // namespace
