@@ -1,11 +1,11 @@
 #include "export/kml_settings.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <cstring>
 #include <iterator>
 
 #include "framework/guards.h"
+#include "framework/whole_number.h"
 
 namespace kv {
 
@@ -32,12 +32,11 @@ constexpr SettingPlace kPlaces[] = {
 };
 static_assert(sizeof(KmlSettings) == std::size(kPlaces) * kValueSize);
 
-// Read into a buffer of its own: a longer value may leave anything in the buffer when it fails.
+// Read into a buffer of its own: a value that is too long may leave anything there.
 void ReadFourBytes(HKEY key, const char* name, void* setting) {
   BYTE bytes[kValueSize];
   DWORD size = kValueSize;
-  if (RegQueryValueExA(key, name, nullptr, nullptr, bytes, &size) != ERROR_SUCCESS || size != kValueSize) return;
-  std::memcpy(setting, bytes, kValueSize);
+  if (RegQueryValueExA(key, name, nullptr, nullptr, bytes, &size) == ERROR_SUCCESS) std::memcpy(setting, bytes, size);
 }
 
 DWORD WithAlpha(DWORD color, DWORD alpha) {
@@ -59,9 +58,7 @@ KmlSettings ReadKmlSettings() {
 }
 
 DWORD FillAlpha(float transparencyPercent) {
-  const double alpha = 255 - double{transparencyPercent} * 256 / 100;
-  if (!(alpha > INT32_MIN && alpha < INT32_MAX)) return 0;
-  return static_cast<DWORD>(static_cast<std::int32_t>(alpha)) & 0xFF;
+  return static_cast<DWORD>(ToInt(255 - double{transparencyPercent} * 256 / 100)) & 0xFF;
 }
 
 }  // namespace kv

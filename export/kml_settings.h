@@ -18,15 +18,15 @@ struct KmlSettings {
   float fAltitude = 0, fRange = 0, fTilt = 0, fHeading = 0;  // of the view point
 };
 
-// Reads HKEY_CURRENT_USER "Software\korvel\Configuration". A value of four bytes counts, whatever its type; any other
-// length is not one of ours and the default stays, as for a value that is missing. When the key could be opened, the
-// line's alpha becomes 0xFF and the fill's alpha follows from the transparency; otherwise both colours are the
-// defaults as they stand.
+// Reads HKEY_CURRENT_USER "Software\korvel\Configuration": four bytes of each value, whatever its type. A value that is
+// missing or longer leaves the default; a shorter one leaves the default's bytes that it does not cover. When the key
+// could be opened, the line's alpha becomes 0xFF and the fill's alpha follows from the transparency; otherwise both
+// colours are the defaults as they stand.
 KmlSettings ReadKmlSettings();
 
-// The fill's alpha, 0..255: the low byte of 255 - transparency * 256 / 100, truncated towards zero. 0 percent gives
-// 255, 25 gives 191, and 100 gives 255 again (the low byte of -1). A transparency that is not a number, or so large
-// that the result does not fit 32 bits, gives 0.
+// The fill's alpha, 0..255: the low byte of 255 - transparency * 256 / 100, truncated towards zero and limited to 32
+// bits. 0 percent gives 255, 25 gives 191, and 100 gives 255 again (the low byte of -1). Not a number and plus infinity
+// give 0 (nothing is filled), minus infinity 255.
 DWORD FillAlpha(float transparencyPercent);
 
 }  // namespace kv
