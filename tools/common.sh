@@ -50,6 +50,9 @@ use_wine_desktop() {
   if [ -n "$size" ]; then
     wine reg add "$key" /v Desktop /d Bench /f >/dev/null 2>&1
     wine reg add "$key\Desktops" /v Bench /d "$size" /f >/dev/null 2>&1
+    # An idle program holds the desktop open as long as this script runs, or it would close behind the last test and take
+    # the next one, just starting, with it.
+    exec {desktop_holder}> >(wine cmd >/dev/null 2>&1)
   else
     wine reg delete "$key" /v Desktop /f >/dev/null 2>&1 || true
   fi
