@@ -4,6 +4,8 @@
 #include <cstring>
 
 #include "framework/modules.h"
+#include "gallery/pages/chart_page.h"
+#include "gallery/pages/dialog_services_page.h"
 #include "gallery/pages/overview_page.h"
 
 namespace gallery {
@@ -13,6 +15,8 @@ namespace {
 // The order is that of the texts in resource_ids.h.
 constexpr Page kPages[] = {
     {"overview", L"PAGE_OVERVIEW", OverviewPageProcedure},
+    {"dialog-services", L"PAGE_DIALOG_SERVICES", DialogServicesPageProcedure},
+    {"chart", L"PAGE_CHART", ChartPageProcedure},
 };
 
 std::array<HWND, std::size(kPages)> windows;

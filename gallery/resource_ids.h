@@ -23,6 +23,9 @@
 #define IDS_DESCRIPTION_FIRST 200
 #define IDS_PAGE_FIRST 1000
 
+#define IDC_OVERVIEW_TEXT 1000
+#define IDC_OVERVIEW_INDEX 1001
+
 // Controls of pages lie in this range; the layout scaling applies to all of it.
 #define IDC_PAGE_FIRST 1000
 #define IDC_PAGE_LAST 9999
