@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "framework/modules.h"
+#include "gallery/pages/instruments_page.h"
 #include "gallery/pages/overview_page.h"
 
 namespace gallery {
@@ -13,6 +14,7 @@ namespace {
 // The order is that of the texts in resource_ids.h.
 constexpr Page kPages[] = {
     {"overview", L"PAGE_OVERVIEW", OverviewPageProcedure},
+    {"instruments", L"PAGE_INSTRUMENTS", InstrumentsPageProcedure},
 };
 
 std::array<HWND, std::size(kPages)> windows;
