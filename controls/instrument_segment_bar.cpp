@@ -14,6 +14,7 @@ namespace {
 
 constexpr COLORREF kValueShadow = RGB(63, 63, 63);
 constexpr double kSideMargin = 2;
+constexpr double kBehindNumber = 0.55;  // brightness of lit segments that the number stands on
 
 struct BarParts {
   RECT caption;  // empty without one
@@ -104,7 +105,27 @@ void DrawMarker(HDC dc, const BarFrame& frame, double percent, COLORREF color) {
   }
 }
 
-void DrawSegments(HDC dc, const BarFrame& frame, const InstrumentView& view, int count) {
+// The number over the bar's bottom; without text when there is none to show.
+struct BarValue {
+  std::wstring text;
+  int characterWidth, height;
+  RECT place;
+};
+
+BarValue LayOutBarValue(const RECT& bar, const InstrumentView& view) {
+  const InstrumentReading reading = ReadingOf(view.block);
+  const InstrumentBlock& block = view.block;
+  // At the minimum itself the bar is empty and stays free of a number as well.
+  if (reading.valid && !(block.current > block.minimum && block.current <= block.maximum)) return {};
+  const std::wstring text =
+      reading.valid ? FixedWidthNumber(reading.value, NumberWidth(block), block.format) : NoValueNumber(block);
+  const int characterWidth = (bar.right - bar.left) / (static_cast<int>(text.size()) + 2) - 1;
+  if (characterWidth < 1) return {};
+  const int height = static_cast<int>(2.5 * characterWidth);
+  return {WithoutPadding(text), characterWidth, height, {bar.left, bar.bottom - height - 2, bar.right, bar.bottom - 2}};
+}
+
+void DrawSegments(HDC dc, const BarFrame& frame, const InstrumentView& view, int count, const BarValue& number) {
   const InstrumentReading reading = ReadingOf(view.block);
   const int lit = reading.valid ? LitSegments(FractionOf(reading, reading.value) * 100, count) : 0;
   const double side =
@@ -118,33 +139,25 @@ void DrawSegments(HDC dc, const BarFrame& frame, const InstrumentView& view, int
     const double value = reading.minimum + (reading.maximum - reading.minimum) * (i + 0.5) / count;
     const COLORREF color = SegmentColor(view, value);
     if (i < lit) {
-      DrawLitSegment(dc, place, color, frame.vertical);
+      RECT behind{};
+      const bool dimmed = !number.text.empty() && IntersectRect(&behind, &place, &number.place);
+      DrawLitSegment(dc, place, dimmed ? ShadeColor(color, kBehindNumber) : color, frame.vertical);
     } else {
       FillSolid(dc, place, ShadeColor(color, kUnlit));
     }
   }
 }
 
-void DrawBarValue(HDC dc, const RECT& bar, const InstrumentView& view) {
-  const InstrumentReading reading = ReadingOf(view.block);
-  const InstrumentBlock& block = view.block;
-  // At the minimum itself the bar is empty and stays free of a number as well.
-  if (reading.valid && !(block.current > block.minimum && block.current <= block.maximum)) return;
-  const std::wstring text =
-      reading.valid ? FixedWidthNumber(reading.value, NumberWidth(block), block.format) : NoValueNumber(block);
-  const int characterWidth = (bar.right - bar.left) / (static_cast<int>(text.size()) + 2) - 1;
-  if (characterWidth < 1) return;
-  const int height = static_cast<int>(2.5 * characterWidth);
-  const OwnedFont font = CreateInstrumentFont(height, characterWidth, FW_SEMIBOLD);
-  const RECT place{bar.left, bar.bottom - height - 2, bar.right, bar.bottom - 2};
-  const std::wstring shown = WithoutPadding(text);
+void DrawBarValue(HDC dc, const BarValue& value, const InstrumentView& view) {
+  if (value.text.empty()) return;
+  const OwnedFont font = CreateInstrumentFont(value.height, value.characterWidth, FW_SEMIBOLD);
   const auto write = [&](int x, int y, COLORREF color) {
-    RECT moved = place;
+    RECT moved = value.place;
     OffsetRect(&moved, x, y);
-    DrawTextLine(dc, font, shown, moved, color, DT_CENTER | DT_NOCLIP);
+    DrawTextLine(dc, font, value.text, moved, color, DT_CENTER | DT_NOCLIP);
   };
   // Number and lit segments have one colour: a black edge keeps them apart.
-  const int edge = std::clamp(height / 20, 1, 4);
+  const int edge = std::clamp(value.height / 20, 1, 4);
   for (int x = -edge; x <= edge; x += edge) {
     for (int y = -edge; y <= edge; y += edge) write(x - 1, y - 1, RGB(0, 0, 0));
   }
@@ -194,10 +207,11 @@ void DrawSegmentBarValue(HDC dc, const RECT& area, const InstrumentView& view) {
   const BarFrame frame{BarWithin(LayOutBar(area, view.style).display), IsVerticalBar(area),
                        SegmentCount(view.block, view.style) < 0};
   if (IsRectEmpty(&frame.area)) return;
-  DrawSegments(dc, frame, view, std::abs(SegmentCount(view.block, view.style)));
+  const BarValue number = frame.vertical ? LayOutBarValue(frame.area, view) : BarValue{};
+  DrawSegments(dc, frame, view, std::abs(SegmentCount(view.block, view.style)), number);
   const double marker = MarkerPercent(view.block);
   if (marker != kNoMarker) DrawMarker(dc, frame, marker, ShownColor(view, RGB(255, 255, 255)));
-  if (frame.vertical) DrawBarValue(dc, frame.area, view);
+  DrawBarValue(dc, number, view);
 }
 
 }  // namespace kv

@@ -1,6 +1,7 @@
 #include "gallery/classes.h"
 
 #include "app/optical_flow_chart.h"
+#include "controls/display_instrument.h"
 #include "framework/dialog.h"
 
 namespace gallery {
@@ -9,6 +10,7 @@ void RegisterAllClasses(HINSTANCE instance, BOOL registerThem) {
   using Registration = BOOL (*)(HINSTANCE, BOOL);
   constexpr Registration kRegistrations[] = {
       kv::RegisterDialogClass,
+      kv::RegisterDisplayInstrumentClass,
       kv::RegisterChartClass,
   };
   for (const Registration registration : kRegistrations) registration(instance, registerThem);

@@ -29,3 +29,9 @@
 // Controls of pages lie in this range; the layout scaling applies to all of it.
 #define IDC_PAGE_FIRST 1000
 #define IDC_PAGE_LAST 9999
+
+// Page 1: the instruments in the order of their table, then what changes them.
+#define IDC_INSTRUMENTS 1100
+#define IDC_INSTRUMENTS_GLIDE 1180
+#define IDC_INSTRUMENTS_VALID 1181
+#define IDC_INSTRUMENTS_ENABLED 1182
