@@ -2,6 +2,7 @@
 
 #include "app/optical_flow_chart.h"
 #include "framework/dialog.h"
+#include "gallery/pages/mesh_view.h"
 
 namespace gallery {
 
@@ -10,6 +11,7 @@ void RegisterAllClasses(HINSTANCE instance, BOOL registerThem) {
   constexpr Registration kRegistrations[] = {
       kv::RegisterDialogClass,
       kv::RegisterChartClass,
+      RegisterMeshViewClass,
   };
   for (const Registration registration : kRegistrations) registration(instance, registerThem);
 }

@@ -4,6 +4,8 @@
 #include <cstring>
 
 #include "framework/modules.h"
+#include "gallery/pages/capture_page.h"
+#include "gallery/pages/mesh_page.h"
 #include "gallery/pages/overview_page.h"
 
 namespace gallery {
@@ -13,6 +15,8 @@ namespace {
 // The order is that of the texts in resource_ids.h.
 constexpr Page kPages[] = {
     {"overview", L"PAGE_OVERVIEW", OverviewPageProcedure},
+    {"mesh", L"PAGE_MESH", MeshPageProcedure},
+    {"capture", L"PAGE_CAPTURE", CapturePageProcedure},
 };
 
 std::array<HWND, std::size(kPages)> windows;

@@ -26,3 +26,18 @@
 // Controls of pages lie in this range; the layout scaling applies to all of it.
 #define IDC_PAGE_FIRST 1000
 #define IDC_PAGE_LAST 9999
+
+// Page 1, the mesh.
+#define IDC_MESH_VIEW 1100
+#define IDC_MESH_HINT 1101
+#define IDC_MESH_FIGURES 1102
+#define IDS_MESH_HINT 1100
+#define IDS_MESH_FIGURES 1101
+
+// Page 2, video capture.
+#define IDC_CAPTURE_SCREEN 1200
+#define IDC_CAPTURE_STATE 1201
+#define IDC_CAPTURE_SEARCH 1202
+#define IDS_CAPTURE_NO_DEVICE 1200
+#define IDS_CAPTURE_STATE 1201
+#define IDS_CAPTURE_SEARCH 1202
