@@ -22,8 +22,10 @@ constexpr UINT_PTR kMotionTimer = 1;
 constexpr UINT kMotionMs = 33;
 constexpr int kOversampling = 2;
 constexpr double kTurnPerPicture = 0.5, kDegreesPerPixel = 0.5, kBankDegrees = 5;
-constexpr double kFittingWidth = 600, kFittingHeight = 400;  // model units that fill the window
-constexpr double kEyeDistance = 750;                         // of the mesh model's perspective
+// Model units that fill the window; its height takes in more when the craft is seen from above or below.
+constexpr double kFittingWidth = 530, kFittingHeight = 260, kFittingHeightFromAbove = 500;
+constexpr double kRadiansPerDegree = 0.017453292519943295;
+constexpr double kEyeDistance = 750;  // of the mesh model's perspective
 constexpr std::uint32_t kSkyTop = 0x0C1018, kSkyBottom = 0x26344A, kGlassTint = 0xB8D4FF;
 
 struct MeshView {
@@ -109,11 +111,17 @@ int DrawMesh(HGLOBAL mesh, const Raster& raster) {
   return count;
 }
 
+double FittingScale(const MeshView& view) {
+  const double fromAbove = std::fabs(std::sin(view.tilt * kRadiansPerDegree));
+  const double height = kFittingHeight + (kFittingHeightFromAbove - kFittingHeight) * fromAbove;
+  return std::min(view.size.cx / kFittingWidth, view.size.cy / height);
+}
+
 void Render(MeshView* view) {
   if (!view->picture) return;
   LARGE_INTEGER start{}, end{}, frequency{};
   QueryPerformanceCounter(&start);
-  const double fit = std::min(view->size.cx / kFittingWidth, view->size.cy / kFittingHeight);
+  const double fit = FittingScale(*view);
   const double bank = kBankDegrees * std::sin(view->figures.pictures * 0.03);
   for (HGLOBAL mesh : {view->craft.mesh, view->ground}) {
     const double ownBank = mesh == view->ground ? 0 : bank;

@@ -15,9 +15,9 @@ constexpr std::uint32_t kVertexRoom = 6000, kTriangleRoom = 10000;
 constexpr double kRotorReach = 158;  // from the middle to a motor
 constexpr double kRotorRadius = 92;
 constexpr double kGroundLevel = -120;
-constexpr int kTurnSteps = 3;  // ring places a picture
+constexpr int kTurnSteps = 5;  // ring places a picture
 
-constexpr std::uint32_t kHull = 0x46505E | kPartShiny, kCanopy = 0x1C2A44 | kPartShiny;
+constexpr std::uint32_t kHull = 0x46505E | kPartShiny, kCanopy = 0x24508C | kPartShiny;
 constexpr std::uint32_t kFrontArm = 0xF07820 | kPartShiny, kRearArm = 0x9AA4B2 | kPartShiny;
 constexpr std::uint32_t kMotor = 0x2C323A | kPartShiny, kSkid = 0x707A86, kLens = 0x101418 | kPartShiny;
 constexpr std::uint32_t kFrontLamp = 0xF4FFF0, kRearLamp = 0xFF3030;
@@ -112,13 +112,24 @@ void AddTube(Builder* to, const Vector& from, const Vector& end, double radius, 
   AddTurned(to, from, Unit(end - from), profile, 10, attributes);
 }
 
+// Hull and canopy meet in a ring and do not cross: what crosses cannot be sorted by depth.
+void AddHull(Builder* to) {
+  constexpr Vector kStretch{1, 1.35, 1};
+  constexpr int kAround = 40;
+  const ProfilePoint hull[] = {{0, -26}, {16, -25}, {32, -22}, {46, -15}, {55, -7},
+                               {58, 0},  {55, 8},   {49, 15},  {42, 19},  {36, 21}};
+  const ProfilePoint canopy[] = {{36, 21}, {34, 26}, {30, 31}, {24, 35}, {16, 38}, {8, 39.5}, {0, 40}};
+  AddTurned(to, {0, 0, 0}, {0, 0, 1}, hull, kAround, kHull, kStretch);
+  AddTurned(to, {0, 0, 0}, {0, 0, 1}, canopy, kAround, kCanopy, kStretch);
+}
+
 // A disc whose ring carries two bright blades, each with a tail that fades: shifting the shades makes it turn.
 int AddRotor(Builder* to, const Vector& middle, bool backwards) {
   const std::uint32_t hub = AddVertex(to, middle);
   for (int i = 0; i < kRotorRing; ++i) {
     const double angle = 2 * kPi * i / kRotorRing;
     const int behindBlade = (backwards ? kRotorRing - i : i) % (kRotorRing / 2);
-    const auto shade = static_cast<std::uint8_t>(36 + 200 * std::exp(-behindBlade / 3.0));
+    const auto shade = static_cast<std::uint8_t>(36 + 200 * std::exp(-behindBlade / 3.5));
     AddVertex(to, middle + Vector{std::cos(angle), std::sin(angle), 0} * kRotorRadius, shade);
   }
   for (std::uint32_t i = 0; i < kRotorRing; ++i) {
@@ -130,7 +141,7 @@ int AddRotor(Builder* to, const Vector& middle, bool backwards) {
 int AddArm(Builder* to, double degrees, std::uint32_t color, std::uint32_t lamp, bool backwards) {
   const Vector direction{std::cos(degrees * kPi / 180), std::sin(degrees * kPi / 180), 0};
   const Vector end = direction * kRotorReach;
-  AddTube(to, direction * 40, end, 7.5, color, 9);
+  AddTube(to, direction * 61, end, 7.5, color, 8);  // from the hull's rim
   const ProfilePoint motor[] = {{0, -16}, {14, -14}, {16, -8}, {16, 8}, {14, 13}, {5, 14}, {5, 22}, {0, 23}};
   AddTurned(to, end, {0, 0, 1}, motor, 18, kMotor);
   AddBall(to, end + direction * 17 + Vector{0, 0, -2}, 5, lamp, {1, 1, 1}, 6);
@@ -182,8 +193,7 @@ Multirotor CreateMultirotor() {
   Multirotor craft{.mesh = kv::meshCreate(kVertexRoom, kTriangleRoom)};
   Builder builder{};
   if (!StartBuilding(craft.mesh, &builder)) return craft;
-  AddBall(&builder, {0, 0, 0}, 58, kHull, {1, 1.35, 0.42}, 16);
-  AddBall(&builder, {0, 22, 12}, 34, kCanopy, {0.95, 1.25, 0.55}, 12);
+  AddHull(&builder);
   AddBall(&builder, {0, 66, -26}, 15, kHull, {1, 1, 1}, 10);
   AddTube(&builder, {0, 74, -27}, {0, 84, -28}, 8, kLens, 2);
   craft.hubs[0] = AddArm(&builder, 45, kFrontArm, kFrontLamp, false);

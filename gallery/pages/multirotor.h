@@ -15,7 +15,7 @@ inline constexpr std::uint32_t kPartGlass = 0x80000000;  // translucent, seen fr
 inline constexpr std::uint32_t kPartShiny = 0x40000000;
 
 inline constexpr int kRotors = 4;
-inline constexpr int kRotorRing = 48;
+inline constexpr int kRotorRing = 72;
 
 struct Multirotor {
   HGLOBAL mesh;                   // null when memory is short
