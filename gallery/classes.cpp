@@ -3,6 +3,7 @@
 #include "app/optical_flow_chart.h"
 #include "controls/display_instrument.h"
 #include "framework/dialog.h"
+#include "gallery/pages/mesh_view.h"
 
 namespace gallery {
 
@@ -12,6 +13,7 @@ void RegisterAllClasses(HINSTANCE instance, BOOL registerThem) {
       kv::RegisterDialogClass,
       kv::RegisterDisplayInstrumentClass,
       kv::RegisterChartClass,
+      RegisterMeshViewClass,
   };
   for (const Registration registration : kRegistrations) registration(instance, registerThem);
 }

@@ -1,0 +1,49 @@
+#include "gallery/pages/mesh_page.h"
+
+#include "framework/bounded_format.h"
+#include "gallery/page.h"
+#include "gallery/pages/mesh_view.h"
+#include "gallery/resource_ids.h"
+#include "gallery/texts.h"
+
+namespace gallery {
+
+namespace {
+
+constexpr UINT_PTR kFiguresTimer = 1;
+constexpr UINT kFiguresMs = 1000;
+
+int picturesBefore = 0;
+
+void ShowFigures(HWND page) {
+  MeshViewFigures figures{};
+  if (!GetMeshViewFigures(GetDlgItem(page, IDC_MESH_VIEW), &figures)) return;
+  wchar_t text[128] = L"";
+  kv::FormatBounded(text, sizeof(text), Text(IDS_MESH_FIGURES).c_str(), figures.triangles,
+                    figures.pictures - picturesBefore, figures.pictureMs);
+  picturesBefore = figures.pictures;
+  SetDlgItemTextW(page, IDC_MESH_FIGURES, text);
+}
+
+void Run(HWND page, bool shown) {
+  RunMeshView(GetDlgItem(page, IDC_MESH_VIEW), shown);
+  if (shown) {
+    SetTimer(page, kFiguresTimer, kFiguresMs, nullptr);
+  } else {
+    KillTimer(page, kFiguresTimer);
+  }
+}
+
+}  // namespace
+
+INT_PTR CALLBACK MeshPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case kTextsChanged: SetPageText(page, IDC_MESH_HINT, IDS_MESH_HINT); break;
+    case kPageShown: Run(page, wParam != 0); return TRUE;
+    case WM_TIMER: ShowFigures(page); return TRUE;
+    default: break;
+  }
+  return HandlePageMessage(page, message, wParam, lParam);
+}
+
+}  // namespace gallery

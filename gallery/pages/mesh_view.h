@@ -1,0 +1,24 @@
+// A window that shows the multirotor: projected and depth-sorted by the library's mesh model, flat-shaded, drawn into a
+// picture twice as large, shrunk and shown at once. It turns by itself, and with the mouse. Main thread only.
+#pragma once
+
+#include <windows.h>
+
+namespace gallery {
+
+inline constexpr char kMeshViewClass[] = "kvGalleryMeshView";
+
+BOOL RegisterMeshViewClass(HINSTANCE instance, BOOL registerIt);
+
+// Starts or stops the motion.
+void RunMeshView(HWND view, BOOL run);
+
+struct MeshViewFigures {
+  int triangles;
+  int pictures;      // drawn since the window was made
+  double pictureMs;  // what the latest one took
+};
+// 0 when the window is no such view.
+BOOL GetMeshViewFigures(HWND view, MeshViewFigures* figures);
+
+}  // namespace gallery
