@@ -4,6 +4,8 @@
 #include <cstring>
 
 #include "framework/modules.h"
+#include "gallery/pages/dde_page.h"
+#include "gallery/pages/nmea_page.h"
 #include "gallery/pages/overview_page.h"
 
 namespace gallery {
@@ -13,6 +15,8 @@ namespace {
 // The order is that of the texts in resource_ids.h.
 constexpr Page kPages[] = {
     {"overview", L"PAGE_OVERVIEW", OverviewPageProcedure},
+    {"nmea", L"PAGE_NMEA_SENTENCE", NmeaPageProcedure},
+    {"dde", L"PAGE_DDE_LINK", DdePageProcedure},
 };
 
 std::array<HWND, std::size(kPages)> windows;
