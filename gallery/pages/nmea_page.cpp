@@ -1,0 +1,117 @@
+#include "gallery/pages/nmea_page.h"
+
+#include <richedit.h>
+
+#include <cmath>
+#include <numbers>
+#include <string>
+
+#include "export/nmea.h"
+#include "export/terminal_edit.h"
+#include "export/web_links.h"
+#include "framework/bounded_format.h"
+#include "gallery/page.h"
+#include "gallery/resource_ids.h"
+
+namespace gallery {
+
+namespace {
+
+constexpr UINT_PTR kTimer = 1;
+constexpr UINT kTimerMs = 500;
+constexpr int kMostLines = 200;
+
+// The boat's clock: how many sentences it has sent.
+int step = 0;
+
+// A boat on a round of two minutes near the Greenwich meridian, so that the longitude changes its letter.
+kv::GprmcFix FixAt(int sentence) {
+  constexpr double kCenterLatitude = 50.7, kCenterLongitude = 0, kRadius = 0.04, kSentencesPerRound = 240;
+  const double angle = 2 * std::numbers::pi * sentence / kSentencesPerRound;
+  return {.latitude = kCenterLatitude + kRadius * std::cos(angle),
+          .longitude = kCenterLongitude + kRadius * std::sin(angle),
+          .speed = 6.5 + 1.5 * std::sin(3 * angle),
+          .course = std::fmod(90 + angle * 180 / std::numbers::pi, 360.0)};
+}
+
+void ShowValue(HWND page, int controlId, const wchar_t* format, double value) {
+  wchar_t text[64];
+  kv::FormatBounded(text, sizeof(text), format, value);
+  SetDlgItemTextW(page, controlId, text);
+}
+
+// Styling also clears the control and makes it writable.
+void ClearTerminal(HWND terminal) {
+  kv::styleTerminalEdit(terminal);
+  SendMessageA(terminal, EM_SETREADONLY, TRUE, 0);
+}
+
+void ReplaceText(HWND terminal, LONG first, LONG last, const char* text) {
+  CHARRANGE range{.cpMin = first, .cpMax = last};
+  SendMessageA(terminal, EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
+  SendMessageA(terminal, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(text));
+}
+
+void AppendLine(HWND terminal, const char* text) {
+  if (SendMessageA(terminal, EM_GETLINECOUNT, 0, 0) > kMostLines) {
+    ReplaceText(terminal, 0, static_cast<LONG>(SendMessageA(terminal, EM_LINEINDEX, 1, 0)), "");
+  }
+  const LONG end = GetWindowTextLengthA(terminal);
+  ReplaceText(terminal, end, end, ((end ? "\r\n" : "") + std::string(text)).c_str());
+  SendMessageA(terminal, EM_SCROLLCARET, 0, 0);
+}
+
+void SendSentence(HWND page) {
+  const kv::GprmcFix fix = FixAt(step++);
+  ShowValue(page, IDC_NMEA_LATITUDE, L" %.5f\u00B0", fix.latitude);
+  ShowValue(page, IDC_NMEA_LONGITUDE, L" %.5f\u00B0", fix.longitude);
+  ShowValue(page, IDC_NMEA_SPEED, L" %.1f kn", fix.speed);
+  ShowValue(page, IDC_NMEA_COURSE, L" %.1f\u00B0", fix.course);
+  char sentence[kv::kSentenceSize] = "";
+  kv::formatGprmc(sentence, fix.latitude, fix.longitude, 0, 0, fix.speed, fix.course, 0, 0, 0);
+  AppendLine(GetDlgItem(page, IDC_NMEA_TERMINAL), sentence);
+}
+
+INT_PTR OnInit(HWND page, WPARAM wParam, LPARAM lParam) {
+  ClearTerminal(GetDlgItem(page, IDC_NMEA_TERMINAL));
+  CheckDlgButton(page, IDC_NMEA_MOVING, BST_CHECKED);
+  return HandlePageMessage(page, WM_INITDIALOG, wParam, lParam);
+}
+
+INT_PTR OnShown(HWND page, bool shown) {
+  if (shown) {
+    SendSentence(page);
+    SetTimer(page, kTimer, kTimerMs, nullptr);
+  } else {
+    KillTimer(page, kTimer);
+  }
+  return TRUE;
+}
+
+INT_PTR OnTimer(HWND page) {
+  if (IsDlgButtonChecked(page, IDC_NMEA_MOVING)) SendSentence(page);
+  return TRUE;
+}
+
+INT_PTR OnCommand(HWND page, UINT command) {
+  switch (command) {
+    case IDC_NMEA_CLEAR: ClearTerminal(GetDlgItem(page, IDC_NMEA_TERMINAL)); return TRUE;
+    case IDC_NMEA_HOME_PAGE: kv::openMakerWebPage(0); return TRUE;
+    case IDC_NMEA_WAYPOINT_PAGE: kv::openMakerWebPage(kv::kWaypointPage); return TRUE;
+    default: return FALSE;
+  }
+}
+
+}  // namespace
+
+INT_PTR CALLBACK NmeaPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_INITDIALOG: return OnInit(page, wParam, lParam);
+    case kPageShown: return OnShown(page, wParam != 0);
+    case WM_TIMER: return OnTimer(page);
+    case WM_COMMAND: return OnCommand(page, LOWORD(wParam));
+    default: return HandlePageMessage(page, message, wParam, lParam);
+  }
+}
+
+}  // namespace gallery
