@@ -1,6 +1,7 @@
 #include "gallery/classes.h"
 
 #include "app/optical_flow_chart.h"
+#include "export/flight_track_view.h"
 #include "framework/dialog.h"
 
 namespace gallery {
@@ -10,6 +11,7 @@ void RegisterAllClasses(HINSTANCE instance, BOOL registerThem) {
   constexpr Registration kRegistrations[] = {
       kv::RegisterDialogClass,
       kv::RegisterChartClass,
+      kv::RegisterFlightTrackView,
   };
   for (const Registration registration : kRegistrations) registration(instance, registerThem);
 }

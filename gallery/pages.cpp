@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "framework/modules.h"
+#include "gallery/pages/flight_page.h"
 #include "gallery/pages/overview_page.h"
 
 namespace gallery {
@@ -13,6 +14,7 @@ namespace {
 // The order is that of the texts in resource_ids.h.
 constexpr Page kPages[] = {
     {"overview", L"PAGE_OVERVIEW", OverviewPageProcedure},
+    {"flight", L"PAGE_FLIGHT", FlightPageProcedure},
 };
 
 std::array<HWND, std::size(kPages)> windows;
