@@ -2,6 +2,8 @@
 // same bytes, and whether our number text equals the run-time's over many values. Exits with 1 when a byte differs or
 // the export is not at least three times as fast.
 //
+//   benchmarks/run kml_benchmark [POINTS] [VALUES]
+//
 // Arguments: points of the track (1000000), values compared for each format (4000000).
 #include <windows.h>
 

@@ -1,0 +1,232 @@
+#include "gallery/pages/flight_page.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <vector>
+
+#include "export/flight_track.h"
+#include "export/flight_track_view.h"
+#include "export/kml_export.h"
+#include "framework/bounded_format.h"
+#include "framework/guards.h"
+#include "framework/painting.h"
+#include "framework/whole_number.h"
+#include "framework/window_record.h"
+#include "gallery/page.h"
+#include "gallery/resource_ids.h"
+#include "gallery/texts.h"
+
+namespace gallery {
+
+namespace {
+
+constexpr double kPi = 3.141592653589793;
+constexpr double kMetresPerPoint = 4;  // two points a second at 8 m/s
+constexpr COLORREF kPaper = RGB(0xFA, 0xFA, 0xF4), kInk = RGB(0x40, 0x40, 0xA0), kGround = RGB(0x60, 0x90, 0x50);
+constexpr size_t kShownBytes = 8000;
+
+// The flight that the view holds. One page, one flight; it lives as long as the program.
+std::vector<kv::FlightTrackPoint> points;
+kv::FlightTrack track;
+int flightNumber = 0;
+
+// ---- The sample flight ---------------------------------------------------------------------------------------------
+
+// Straight on from the last point to a place, climbing or sinking evenly.
+void FlyTo(double x, double y, double altitude) {
+  const kv::FlightTrackPoint from = points.back();
+  const double distance = std::hypot(std::hypot(x - from.dX, y - from.dY), altitude - from.dAltitude);
+  const int steps = std::max(1, kv::ToInt(distance / kMetresPerPoint));
+  for (int i = 1; i <= steps; ++i) {
+    const double part = static_cast<double>(i) / steps;
+    points.push_back({.dX = std::lerp(from.dX, x, part),
+                      .dY = std::lerp(from.dY, y, part),
+                      .dAltitude = std::lerp(from.dAltitude, altitude, part),
+                      .bKind = kv::kPointLocal});
+  }
+}
+
+// A survey of a field: up, lane after lane at a height that follows the slope of the ground, home and down. Each flight
+// surveys in another direction.
+void Fly() {
+  constexpr double kLane = 240, kBetweenLanes = 30, kSurveyAltitude = 45;
+  constexpr int kLanes = 6;
+  const double direction = flightNumber * 0.5 + 0.2;
+  const auto flyTo = [direction](double along, double across, double altitude) {
+    FlyTo(along * std::cos(direction) - across * std::sin(direction),
+          along * std::sin(direction) + across * std::cos(direction), altitude);
+  };
+  points.assign(1, {.bKind = kv::kPointLocal});
+  flyTo(0, 0, kSurveyAltitude);
+  for (int lane = 0; lane < kLanes; ++lane) {
+    const double across = 20 + lane * kBetweenLanes, altitude = kSurveyAltitude + 6 * lane;
+    const bool outward = lane % 2 == 0;
+    flyTo(outward ? 20 : kLane, across, altitude);
+    for (int i = 1; i <= 8; ++i) {
+      const double along = 20 + (kLane - 20) * (outward ? i : 8 - i) / 8;
+      flyTo(along, across, altitude + 4 * std::sin(along / kLane * kPi));
+    }
+  }
+  flyTo(0, 0, kSurveyAltitude);
+  flyTo(0, 0, 0);
+  track.nPoints = static_cast<LONG>(points.size());
+  track.lpPoints = points.data();
+  track.dReferenceLatitude = 54.4609;
+  track.dReferenceLongitude = -3.0886;
+}
+
+// ---- The plan ------------------------------------------------------------------------------------------------------
+
+// A line through `count` places that at(i) gives (x to the right, y upwards, any unit), as large as the area allows and
+// in its middle.
+template <class At>
+void DrawCurve(HDC dc, const RECT& area, int count, bool sameScale, At at) {
+  double left = at(0).first, right = left, bottom = at(0).second, top = bottom;
+  for (int i = 1; i < count; ++i) {
+    const auto [x, y] = at(i);
+    left = std::min(left, x), right = std::max(right, x), bottom = std::min(bottom, y), top = std::max(top, y);
+  }
+  double xScale = (area.right - area.left) / std::max(right - left, 1.0);
+  double yScale = (area.bottom - area.top) / std::max(top - bottom, 1.0);
+  if (sameScale) xScale = yScale = std::min(xScale, yScale);
+  const double margin = (area.right - area.left - (right - left) * xScale) / 2;
+  std::vector<POINT> line(static_cast<size_t>(count));
+  for (int i = 0; i < count; ++i) {
+    const auto [x, y] = at(i);
+    line[i] = {area.left + kv::ToInt(margin + (x - left) * xScale), area.bottom - kv::ToInt((y - bottom) * yScale)};
+  }
+  Polyline(dc, line.data(), count);
+}
+
+void DrawPlan(HDC dc, RECT area) {
+  kv::DrawSunkenFrame(dc, &area);
+  kv::FillSolid(dc, area, kPaper);
+  InflateRect(&area, -10, -10);
+  RECT plan = area, profile = area;
+  plan.bottom = area.bottom - (area.bottom - area.top) / 3;
+  profile.top = plan.bottom + 16;
+
+  const kv::OwnedPen ground(CreatePen(PS_SOLID, 1, kGround)), ink(CreatePen(PS_SOLID, 2, kInk));
+  {
+    const kv::SelectedObject selected(dc, ground);
+    for (const LONG y : {plan.bottom + 8, profile.bottom}) {
+      MoveToEx(dc, area.left, y, nullptr);
+      LineTo(dc, area.right, y);
+    }
+  }
+  const kv::SelectedObject selected(dc, ink);
+  DrawCurve(dc, plan, track.nPoints, true, [](int i) { return std::pair(points[i].dX, -points[i].dY); });
+  DrawCurve(dc, profile, track.nPoints, false, [](int i) { return std::pair(1.0 * i, points[i].dAltitude); });
+}
+
+// ---- What was written ----------------------------------------------------------------------------------------------
+
+HWND ViewOf(HWND page) {
+  return GetDlgItem(page, IDC_FLIGHT_VIEW);
+}
+
+// Shows the beginning of a file and its name and size, or that there is none.
+void ShowFile(HWND page, const wchar_t* path) {
+  char bytes[kShownBytes];
+  size_t count = 0;
+  long size = -1;
+  if (FILE* file = _wfopen(path, L"rb")) {
+    count = std::fread(bytes, 1, sizeof(bytes), file);
+    std::fseek(file, 0, SEEK_END);
+    size = std::ftell(file);
+    std::fclose(file);
+  }
+  std::wstring text(bytes, bytes + count);  // it is ASCII
+  if (size > static_cast<long>(count)) text += L"...";
+  SetDlgItemTextW(page, IDC_FLIGHT_TEXT, text.c_str());
+  wchar_t result[512];
+  kv::FormatBounded(result, sizeof(result), Text(size < 0 ? IDS_FLIGHT_NO_FILE : IDS_FLIGHT_FILE).c_str(), path, size);
+  SetDlgItemTextW(page, IDC_FLIGHT_RESULT, result);
+}
+
+void ShowKmlFile(HWND page) {
+  const auto* state = kv::WindowRecord<kv::FlightTrackViewState>(ViewOf(page));
+  if (state) ShowFile(page, state->szKmlPath);
+}
+
+// ---- Commands ------------------------------------------------------------------------------------------------------
+
+bool ExportsAlways(HWND page) {
+  return IsDlgButtonChecked(page, IDC_FLIGHT_ALWAYS) == BST_CHECKED;
+}
+
+INT_PTR OnNewFlight(HWND page) {
+  ++flightNumber;
+  Fly();
+  SendMessageA(ViewOf(page), kv::kControlCommand, kv::kTrackRecord, reinterpret_cast<LPARAM>(&track));
+  InvalidateRect(GetDlgItem(page, IDC_FLIGHT_PLAN), nullptr, FALSE);
+  if (ExportsAlways(page)) ShowKmlFile(page);
+  return TRUE;
+}
+
+INT_PTR OnExportKml(HWND page) {
+  SendMessageA(ViewOf(page), kv::kControlCommand, kv::kTrackExport | kv::kTrackExportNow, 1);
+  ShowKmlFile(page);
+  return TRUE;
+}
+
+INT_PTR OnExportWaypoints(HWND page) {
+  SendMessageA(ViewOf(page), kv::kControlCommand, kv::kTrackExport | kv::kTrackExportNow, 0);
+  ShowFile(page, kv::kWaypointsPath);
+  return TRUE;
+}
+
+INT_PTR OnExportAlways(HWND page) {
+  const WPARAM flag = ExportsAlways(page) ? kv::kTrackExportAlways : kv::kTrackExportNotAlways;
+  SendMessageA(ViewOf(page), kv::kControlCommand, kv::kTrackExport | flag, 0);
+  return TRUE;
+}
+
+INT_PTR OnShowInGlobe(HWND page) {
+  constexpr double kViewFromMetres = 600;
+  kv::showPositionInGlobe(page, track.dReferenceLongitude, track.dReferenceLatitude, kViewFromMetres);
+  return TRUE;
+}
+
+INT_PTR OnCommand(HWND page, UINT command) {
+  switch (command) {
+    case IDC_FLIGHT_NEW: return OnNewFlight(page);
+    case IDC_FLIGHT_KML: return OnExportKml(page);
+    case IDC_FLIGHT_WAYPOINTS: return OnExportWaypoints(page);
+    case IDC_FLIGHT_ALWAYS: return OnExportAlways(page);
+    case IDC_FLIGHT_GLOBE: return OnShowInGlobe(page);
+    default: return FALSE;
+  }
+}
+
+// ---- Life ----------------------------------------------------------------------------------------------------------
+
+INT_PTR OnDrawItem(const DRAWITEMSTRUCT* item) {
+  DrawPlan(item->hDC, item->rcItem);
+  return TRUE;
+}
+
+void ShowTexts(HWND page) {
+  SetPageText(page, IDC_FLIGHT_STATION,
+              kv::isHelmsdeckRunning() ? IDS_FLIGHT_STATION_RUNS : IDS_FLIGHT_STATION_RUNS_NOT);
+  if (GetWindowTextLengthW(GetDlgItem(page, IDC_FLIGHT_TEXT)) == 0) {
+    SetPageText(page, IDC_FLIGHT_RESULT, IDS_FLIGHT_HINT);
+  }
+}
+
+}  // namespace
+
+INT_PTR CALLBACK FlightPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_INITDIALOG: OnNewFlight(page); break;
+    case WM_COMMAND: return OnCommand(page, LOWORD(wParam));
+    case WM_DRAWITEM: return OnDrawItem(reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+    case kPageShown:
+    case kTextsChanged: ShowTexts(page); break;
+    default: break;
+  }
+  return HandlePageMessage(page, message, wParam, lParam);
+}
+
+}  // namespace gallery
