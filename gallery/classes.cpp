@@ -2,6 +2,8 @@
 
 #include "app/optical_flow_chart.h"
 #include "controls/display_instrument.h"
+#include "controls/simple_bitmap.h"
+#include "export/flight_track_view.h"
 #include "framework/dialog.h"
 #include "gallery/pages/mesh_view.h"
 
@@ -10,10 +12,8 @@ namespace gallery {
 void RegisterAllClasses(HINSTANCE instance, BOOL registerThem) {
   using Registration = BOOL (*)(HINSTANCE, BOOL);
   constexpr Registration kRegistrations[] = {
-      kv::RegisterDialogClass,
-      kv::RegisterDisplayInstrumentClass,
-      kv::RegisterChartClass,
-      RegisterMeshViewClass,
+      kv::RegisterDialogClass, kv::RegisterSimpleBitmapClass, kv::RegisterDisplayInstrumentClass,
+      kv::RegisterChartClass,  kv::RegisterFlightTrackView,   RegisterMeshViewClass,
   };
   for (const Registration registration : kRegistrations) registration(instance, registerThem);
 }

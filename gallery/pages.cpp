@@ -4,19 +4,32 @@
 #include <cstring>
 
 #include "framework/modules.h"
+#include "gallery/pages/capture_page.h"
 #include "gallery/pages/chart_page.h"
+#include "gallery/pages/dde_page.h"
 #include "gallery/pages/dialog_services_page.h"
+#include "gallery/pages/flight_page.h"
+#include "gallery/pages/instruments_page.h"
+#include "gallery/pages/mesh_page.h"
+#include "gallery/pages/nmea_page.h"
 #include "gallery/pages/overview_page.h"
+#include "gallery/resource_ids.h"
 
 namespace gallery {
 
 namespace {
 
-// The order is that of the texts in resource_ids.h.
+// In the order of PAGE_INDEX_... in resource_ids.h.
 constexpr Page kPages[] = {
     {"overview", L"PAGE_OVERVIEW", OverviewPageProcedure},
     {"dialog-services", L"PAGE_DIALOG_SERVICES", DialogServicesPageProcedure},
     {"chart", L"PAGE_CHART", ChartPageProcedure},
+    {"instruments", L"PAGE_INSTRUMENTS", InstrumentsPageProcedure},
+    {"mesh", L"PAGE_MESH", MeshPageProcedure},
+    {"capture", L"PAGE_CAPTURE", CapturePageProcedure},
+    {"flight", L"PAGE_FLIGHT", FlightPageProcedure},
+    {"nmea", L"PAGE_NMEA_SENTENCE", NmeaPageProcedure},
+    {"dde", L"PAGE_DDE_LINK", DdePageProcedure},
 };
 
 std::array<HWND, std::size(kPages)> windows;

@@ -1,9 +1,5 @@
 // Numbers that the gallery's code and resource scripts share. The resource compiler reads this file: plain #defines
 // only.
-//
-// Texts: page n (from 0, in the order of the table in pages.cpp) has its title at IDS_TITLE_FIRST + n and its
-// description at IDS_DESCRIPTION_FIRST + n. A page's own texts and controls take a range of 100 from IDS_PAGE_FIRST +
-// 100 * n and IDC_PAGE_FIRST + 100 * n.
 #pragma once
 
 #define IDI_GALLERY 1
@@ -19,19 +15,23 @@
 #define IDS_ABOUT_TEXT 3
 #define IDS_LIST_TIP 4
 
+// The pages, in the order of the list and of the table in pages.cpp.
+#define PAGE_INDEX_OVERVIEW 0
+#define PAGE_INDEX_DIALOG_SERVICES 1
+#define PAGE_INDEX_CHART 2
+#define PAGE_INDEX_INSTRUMENTS 3
+#define PAGE_INDEX_MESH 4
+#define PAGE_INDEX_CAPTURE 5
+#define PAGE_INDEX_FLIGHT 6
+#define PAGE_INDEX_NMEA 7
+#define PAGE_INDEX_DDE 8
+
+// Texts: page n has its title at IDS_TITLE_FIRST + n and its description at IDS_DESCRIPTION_FIRST + n.
 #define IDS_TITLE_FIRST 100
 #define IDS_DESCRIPTION_FIRST 200
+
+// A page's own texts and controls, in gallery/pages/NAME_ids.h, take a range of 100 each from IDS_PAGE_FIRST + 100 * n
+// and IDC_PAGE_FIRST + 100 * n. The layout scaling applies to all controls up to IDC_PAGE_LAST.
 #define IDS_PAGE_FIRST 1000
-
-#define IDC_OVERVIEW_TEXT 1000
-#define IDC_OVERVIEW_INDEX 1001
-
-// Controls of pages lie in this range; the layout scaling applies to all of it.
 #define IDC_PAGE_FIRST 1000
 #define IDC_PAGE_LAST 9999
-
-// Page 1: the instruments in the order of their table, then what changes them.
-#define IDC_INSTRUMENTS 1100
-#define IDC_INSTRUMENTS_GLIDE 1180
-#define IDC_INSTRUMENTS_VALID 1181
-#define IDC_INSTRUMENTS_ENABLED 1182

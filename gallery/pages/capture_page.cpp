@@ -7,7 +7,7 @@
 #include "framework/guards.h"
 #include "framework/painting.h"
 #include "gallery/page.h"
-#include "gallery/resource_ids.h"
+#include "gallery/pages/capture_ids.h"
 #include "gallery/texts.h"
 
 namespace gallery {

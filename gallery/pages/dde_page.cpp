@@ -8,7 +8,7 @@
 #include "export/excel_link.h"
 #include "framework/bounded_format.h"
 #include "gallery/page.h"
-#include "gallery/resource_ids.h"
+#include "gallery/pages/dde_ids.h"
 
 namespace gallery {
 

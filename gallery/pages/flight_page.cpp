@@ -14,7 +14,7 @@
 #include "framework/whole_number.h"
 #include "framework/window_record.h"
 #include "gallery/page.h"
-#include "gallery/resource_ids.h"
+#include "gallery/pages/flight_ids.h"
 #include "gallery/texts.h"
 
 namespace gallery {

@@ -6,7 +6,7 @@
 
 #include "controls/display_instrument.h"
 #include "gallery/page.h"
-#include "gallery/resource_ids.h"
+#include "gallery/pages/instruments_ids.h"
 
 namespace gallery {
 

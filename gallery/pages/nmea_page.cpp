@@ -11,7 +11,7 @@
 #include "export/web_links.h"
 #include "framework/bounded_format.h"
 #include "gallery/page.h"
-#include "gallery/resource_ids.h"
+#include "gallery/pages/nmea_ids.h"
 
 namespace gallery {
 

@@ -5,7 +5,7 @@
 #include "gallery/frame.h"
 #include "gallery/page.h"
 #include "gallery/pages.h"
-#include "gallery/resource_ids.h"
+#include "gallery/pages/overview_ids.h"
 #include "gallery/texts.h"
 
 namespace gallery {

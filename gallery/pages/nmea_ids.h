@@ -1,0 +1,19 @@
+// Numbers of the page "NMEA sentence". Read by the resource compiler: plain #defines only.
+#pragma once
+
+#include "gallery/resource_ids.h"
+
+#define IDC_NMEA_FIRST (IDC_PAGE_FIRST + 100 * PAGE_INDEX_NMEA)
+#define IDC_NMEA_LATITUDE (IDC_NMEA_FIRST + 0)
+#define IDC_NMEA_LONGITUDE (IDC_NMEA_FIRST + 1)
+#define IDC_NMEA_SPEED (IDC_NMEA_FIRST + 2)
+#define IDC_NMEA_COURSE (IDC_NMEA_FIRST + 3)
+#define IDC_NMEA_TERMINAL (IDC_NMEA_FIRST + 4)
+#define IDC_NMEA_MOVING (IDC_NMEA_FIRST + 5)
+#define IDC_NMEA_CLEAR (IDC_NMEA_FIRST + 6)
+#define IDC_NMEA_HOME_PAGE (IDC_NMEA_FIRST + 7)
+#define IDC_NMEA_WAYPOINT_PAGE (IDC_NMEA_FIRST + 8)
+#define IDC_NMEA_LABEL_LATITUDE (IDC_NMEA_FIRST + 10)
+#define IDC_NMEA_LABEL_LONGITUDE (IDC_NMEA_FIRST + 11)
+#define IDC_NMEA_LABEL_SPEED (IDC_NMEA_FIRST + 12)
+#define IDC_NMEA_LABEL_COURSE (IDC_NMEA_FIRST + 13)
