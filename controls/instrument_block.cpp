@@ -10,7 +10,6 @@ namespace {
 constexpr UINT kWestern = 1252;
 constexpr COLORREF kRed = RGB(255, 0, 0);
 constexpr COLORREF kPaletteRelative = 0x02000000;
-constexpr COLORREF kRgbBits = 0x00FFFFFF;
 
 template <size_t Size>
 void CopyText(char (&target)[Size], const char* text, const char* otherwise) {

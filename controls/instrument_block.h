@@ -23,6 +23,8 @@ inline constexpr BYTE kFormatSign = 0x10;    // always print a sign
 
 inline constexpr int kInstrumentZones = 3;
 
+inline constexpr COLORREF kRgbBits = 0x00FFFFFF;  // of a colour field
+
 // The low four bits of the window style pick the layout; every value not named here is the circular gauge.
 inline constexpr DWORD kInstrumentModeBits = 0x000F;
 inline constexpr DWORD kModeGauge = 0, kModeDigital = 2, kModeSegmentBar = 3, kModeCompass = 4, kModeCentreBar = 5;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 #include "controls/instrument_dial.h"
 #include "framework/bounded_format.h"
@@ -80,7 +81,7 @@ void DrawZones(const Supersample& canvas, const Dial& dial, const InstrumentView
     const double from = CardAngle(zone.lower, heading);
     const double sweep = std::clamp(static_cast<double>(zone.upper) - zone.lower, 0.0, 360.0);
     FillRingSector(canvas, dial.centre, inner, kZoneOuter * dial.faceRadius, from, from + sweep,
-                   ShownColor(view, zone.color & 0x00FFFFFF));
+                   ShownColor(view, zone.color));
   }
 }
 
@@ -208,7 +209,7 @@ double CardAngle(double bearing, double heading) {
 
 int MarkSpacing(double faceRadius) {
   constexpr double kLeastPixels = 4.0;
-  const double perDegree = faceRadius * 3.14159 / 180;
+  const double perDegree = faceRadius * std::numbers::pi / 180;
   for (int spacing : {1, 2, 5}) {
     if (perDegree * spacing >= kLeastPixels) return spacing;
   }

@@ -103,7 +103,7 @@ void DrawZones(const Supersample& canvas, const Dial& dial, const InstrumentView
     const InstrumentZone& zone = view.block.zones[i];
     const double lower = GaugeAngle(reading, zone.lower), upper = GaugeAngle(reading, zone.upper);
     FillRingSector(canvas, dial.centre, inner, kZoneOuter * dial.faceRadius, std::min(lower, upper),
-                   std::max(lower, upper), ShownColor(view, zone.color & 0x00FFFFFF));
+                   std::max(lower, upper), ShownColor(view, zone.color));
   }
 }
 

@@ -13,7 +13,7 @@ namespace kv {
 namespace {
 
 constexpr COLORREF kValueShadow = RGB(63, 63, 63);
-constexpr double kSideMargin = 2;
+constexpr LONG kSideMargin = 2, kNarrowMargin = 1, kNarrow = 12;
 constexpr double kBehindNumber = 0.55;  // brightness of lit segments that the number stands on
 
 struct BarParts {
@@ -43,12 +43,13 @@ struct BarFrame {
   RECT area;
   bool vertical, reversed;
 
-  double Length() const { return vertical ? area.bottom - area.top : area.right - area.left; }
-  RECT Place(BarSpan span, double side) const {
+  LONG Length() const { return vertical ? area.bottom - area.top : area.right - area.left; }
+  LONG Breadth() const { return vertical ? area.right - area.left : area.bottom - area.top; }
+  RECT Place(BarSpan span, LONG margin) const {
     // A vertical bar rises and a horizontal one runs to the right, unless reversed.
-    if (vertical != reversed) span = {Length() - span.to, Length() - span.from};
+    const double length = Length();
+    if (vertical != reversed) span = {length - span.to, length - span.from};
     const auto edge = [](LONG start, double offset) { return start + std::lround(offset); };
-    const LONG margin = std::lround(side);
     if (vertical) return {area.left + margin, edge(area.top, span.from), area.right - margin, edge(area.top, span.to)};
     return {edge(area.left, span.from), area.top + margin, edge(area.left, span.to), area.bottom - margin};
   }
@@ -59,7 +60,7 @@ COLORREF SegmentColor(const InstrumentView& view, double value) {
     const InstrumentZone& zone = view.block.zones[i];
     const bool enabled = (view.block.state & ZoneEnabledBit(i)) != 0;
     if (enabled && zone.lower <= value && value <= zone.upper && zone.lower < zone.upper) {
-      return ShownColor(view, zone.color & 0x00FFFFFF);
+      return ShownColor(view, zone.color);
     }
   }
   return DisplayColor(view);
@@ -81,15 +82,15 @@ void DrawLitSegment(HDC dc, const RECT& place, COLORREF color, bool vertical) {
 }
 
 void DrawMarker(HDC dc, const BarFrame& frame, double percent, COLORREF color) {
-  const double length = frame.Length(),
-               across = frame.vertical ? frame.area.right - frame.area.left : frame.area.bottom - frame.area.top;
+  const double length = frame.Length();
   const double middle = std::clamp(length * percent / 100, 1.0, std::max(1.0, length - 1));
   const RECT line = frame.Place({middle - 1, middle + 1}, 0);
   FillSolid(dc, line, color);
   // Two arrow heads point at the line from the sides.
-  const double head = std::clamp(across * 0.14, 2.0, 10.0);
+  const double head = std::clamp(frame.Breadth() * 0.14, 2.0, 10.0);
   const double x = (line.left + line.right) / 2.0, y = (line.top + line.bottom) / 2.0;
-  const Supersample canvas(dc, frame.area);
+  const PointD corners[] = {{line.left + 0.0, line.top + 0.0}, {line.right + 0.0, line.bottom + 0.0}};
+  const Supersample canvas(dc, BoundsOf(corners, head + 1, frame.area));
   const RECT& area = frame.area;
   if (frame.vertical) {
     const PointD left[] = {{area.left + 0.0, y - head}, {area.left + head * 1.2, y}, {area.left + 0.0, y + head}};
@@ -128,14 +129,11 @@ BarValue LayOutBarValue(const RECT& bar, const InstrumentView& view) {
 void DrawSegments(HDC dc, const BarFrame& frame, const InstrumentView& view, int count, const BarValue& number) {
   const InstrumentReading reading = ReadingOf(view.block);
   const int lit = reading.valid ? LitSegments(FractionOf(reading, reading.value) * 100, count) : 0;
-  const double side =
-      std::min(frame.vertical ? frame.area.right - frame.area.left : frame.area.bottom - frame.area.top, 12L) < 12
-          ? 1
-          : kSideMargin;
+  const LONG margin = frame.Breadth() < kNarrow ? kNarrowMargin : kSideMargin;
   const double lead = 1;  // keeps the first and last segment off the frame
   for (int i = 0; i < count; ++i) {
-    BarSpan span = SegmentSpan(frame.Length() - 2 * lead, count, i);
-    const RECT place = frame.Place({span.from + lead, span.to + lead}, side);
+    const BarSpan span = SegmentSpan(frame.Length() - 2 * lead, count, i);
+    const RECT place = frame.Place({span.from + lead, span.to + lead}, margin);
     const double value = reading.minimum + (reading.maximum - reading.minimum) * (i + 0.5) / count;
     const COLORREF color = SegmentColor(view, value);
     if (i < lit) {

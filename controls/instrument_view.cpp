@@ -27,6 +27,7 @@ DialColors ColorsOf(const InstrumentView& view) {
 }
 
 COLORREF ShownColor(const InstrumentView& view, COLORREF color) {
+  color &= kRgbBits;
   if (!IsDisabled(view)) return color;
   const int lightness = (GetRValue(color) * 30 + GetGValue(color) * 59 + GetBValue(color) * 11) / 100;
   const int grey = 84 + lightness / 3;

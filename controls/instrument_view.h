@@ -36,10 +36,10 @@ struct DialColors {
 };
 DialColors ColorsOf(const InstrumentView& view);
 
-// The colour as the instrument shows it: grey of the same lightness, but subdued, when disabled.
+// A block's or zone's colour as the instrument shows it: grey of the same lightness, but subdued, when disabled.
 COLORREF ShownColor(const InstrumentView& view, COLORREF color);
 inline COLORREF DisplayColor(const InstrumentView& view) {
-  return ShownColor(view, view.block.color & 0x00FFFFFF);
+  return ShownColor(view, view.block.color);
 }
 // Brightness of unlit segments against lit ones.
 inline constexpr double kUnlit = 0.2;

@@ -319,6 +319,35 @@ TEST_F(DisplayInstrument, EveryLayoutShowsValueColourDisabledAndMissingValue) {
   }
 }
 
+TEST_F(DisplayInstrument, TheFaceIsDrawnAnewOnlyForWhatItDependsOn) {
+  constexpr COLORREF kMark = RGB(255, 0, 255);
+  HWND control = Create(kModeGauge);
+  SetValue(control, 10);
+  // A dot in the kept picture of the face shows as long as that picture is in use.
+  const auto keptAfter = [&](auto change) {
+    const HDC dc = CreateCompatibleDC(nullptr);
+    HGDIOBJ previous = SelectObject(dc, Record(control).work.hFace);
+    SetPixel(dc, 2, 2, kMark);
+    SelectObject(dc, previous);  // a bitmap stands in one device context at a time
+    change();
+    SelectObject(dc, Record(control).hBuffer);
+    const bool kept = GetPixel(dc, 2, 2) == kMark;
+    SelectObject(dc, previous);
+    DeleteDC(dc);
+    return kept;
+  };
+  EXPECT_TRUE(keptAfter([&] { SetValue(control, 20); }));
+  EXPECT_TRUE(keptAfter([&] { RepaintNow(control); }));
+  EXPECT_FALSE(keptAfter([&] { EnableWindow(control, FALSE); }));
+  EXPECT_FALSE(keptAfter([&] { SetValue(control, NAN); }));
+  EXPECT_FALSE(keptAfter([&] {
+    InstrumentBlock block = BlockOf(control);
+    block.maximum = 50;
+    Send(control, kCommandBlock | kCommandRedraw, &block);
+  }));
+  EXPECT_FALSE(keptAfter([&] { Send(control, kCommandRender, nullptr); }));
+}
+
 TEST_F(DisplayInstrument, ZonesAreDrawnWhereEnabled) {
   constexpr COLORREF kZone = RGB(20, 220, 240);
   for (const DWORD mode : {kModeGauge, kModeSegmentBar, kModeCompass}) {
