@@ -59,8 +59,7 @@ BOOL RegisterDialogClass(HINSTANCE instance, BOOL registerIt) {
       .hInstance = instance,
       .hIcon = LoadIconA(instance, MAKEINTRESOURCEA(kLargeIconId)),
       .hCursor = LoadCursorA(nullptr, reinterpret_cast<LPCSTR>(IDC_ARROW)),
-      // Never used to erase, since the procedure answers WM_ERASEBKGND, and never deleted: it is part of the class that
-      // other code may look up, and there is one per process.
+      // Never used to erase, since the procedure answers WM_ERASEBKGND, and never deleted here: one per process.
       .hbrBackground = CreateSolidBrush(kDialogBlue),
       .lpszMenuName = nullptr,
       .lpszClassName = kDialogClass,
