@@ -1,0 +1,42 @@
+// kvExtList: a long list whose rows are measured and drawn by its parent. It stores no items; it knows how many rows
+// there are, how high one is and how wide they are drawn. One redraw asks for a header row and one screenful of rows,
+// however long the list is, and goes into an off-screen surface; scrolling sideways only shifts the surface.
+// Main thread only.
+//
+// Messages:
+//   LB_SETCOUNT             wParam: the number of rows, unsigned, at most 2^32 - 1; paints
+//   LB_RESETCONTENT         no rows; paints
+//   LB_SETHORIZONTALEXTENT  wParam: the surface width in pixels, at most 16,384; a negative one counts as 0. At first
+//   it
+//                           is the client width, and it does not follow the window. With 0 nothing is drawn; paints
+//   WM_HSCROLL, WM_VSCROLL  move the offsets and paint. The offsets may pass both ends: the surface is then drawn
+//                           farther right or lower down. Only the bars hold their position within their range
+// They answer with 0. The scroll bars are brought up to date by WM_SIZE, by scrolling and by a released left button,
+// but not by the list box messages.
+//
+// The parent is sent, as by an owner-drawn list box but with the control type 0 and no item data:
+//   WM_MEASUREITEM  before each redraw, with a height of 17; a height that is 0 or negative afterwards counts as 17
+//   WM_DRAWITEM     with rows: the header (item -1, at the top), then each row on view, across the whole surface. The
+//                   surface has been filled with the window colour
+// While it draws, the parent may change, resize or destroy the list: a changed list is redrawn after that, at the next
+// WM_PAINT. Both requests are valid until the parent returns, whatever becomes of the list.
+#pragma once
+
+#include <windows.h>
+
+namespace kv {
+
+inline constexpr char kExtendedListClass[] = "kvExtList";
+inline constexpr UINT kHeaderRow = static_cast<UINT>(-1);  // DRAWITEMSTRUCT::itemID of the header
+
+// Registers (non-zero flag) or unregisters the class. Returns 0 only when registering fails.
+BOOL RegisterExtendedListClass(HINSTANCE instance, BOOL registerIt);
+
+// The lists' own key below HKEY_CURRENT_USER. Nothing is stored in it as yet: a list makes it when the left button is
+// released and when it is destroyed, so that it exists by the time there is something to keep.
+inline constexpr char kExtendedListSettingsPath[] = "Software\\korvel\\WindowPositions\\ExtendedListWindows";
+
+// Opens the settings key and closes it again. Returns 0 when it does not exist or cannot be opened.
+BOOL OpenExtendedListSettings();
+
+}  // namespace kv

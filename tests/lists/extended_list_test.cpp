@@ -1,0 +1,279 @@
+#include "lists/extended_list.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <random>
+#include <vector>
+
+#include "framework/guards.h"
+#include "lists/extended_list_layout.h"
+#include "tests/support/scarce_objects.h"
+#include "tests/support/test_window.h"
+
+namespace kv {
+namespace {
+
+TEST(ExtendedListLayout, RowsStartAtTheOffsetAndEndPastTheSurface) {
+  const struct {
+    DWORD rowCount;
+    LONG rowHeight, verticalOffset, surfaceHeight;
+    RowRun run;
+  } cases[] = {
+      {100, 20, 0, 100, {0, 5, 20}},  // a row whose top is just the height still counts
+      {100, 20, 0, 99, {0, 4, 20}},
+      {100, 20, 39, 100, {1, 5, 20}},  // whole rows: the offset within a row does not show
+      {3, 20, 0, 100, {0, 3, 20}},
+      {3, 20, 60, 100, {0, 0, 0}},
+      {100, 20, -19, 100, {0, 5, 20}},
+      {100, 20, -40, 100, {0, 3, 60}},
+      {100, 20, INT_MIN, 100, {0, 0, 0}},
+      {100, 20, INT_MAX, 100, {0, 0, 0}},
+      {UINT_MAX, 1, INT_MAX, INT_MAX, {INT_MAX, INT_MAX, 1}},
+      {UINT_MAX, INT_MAX, 0, INT_MAX, {0, 1, INT_MAX}},
+      {100, 20, 0, 0, {0, 0, 0}},
+  };
+  for (const auto& test : cases) {
+    const RowRun run = VisibleRows(test.rowCount, test.rowHeight, test.verticalOffset, test.surfaceHeight);
+    EXPECT_EQ(test.run.first, run.first) << test.verticalOffset;
+    EXPECT_EQ(test.run.count, run.count) << test.verticalOffset;
+    EXPECT_EQ(test.run.top, run.top) << test.verticalOffset;
+  }
+  EXPECT_EQ(INT_MAX, RowRect(5, 2, INT_MAX).bottom);
+  EXPECT_EQ(17, UsableRowHeight(0));
+  EXPECT_EQ(17, UsableRowHeight(static_cast<UINT>(-5)));
+  EXPECT_EQ(16384, UsableSurfaceWidth(20000));
+  EXPECT_EQ(0, UsableSurfaceWidth(static_cast<WPARAM>(-5)));
+}
+
+TEST(ExtendedListLayout, OffsetsPassTheEndsButNotTheNumberRange) {
+  const SCROLLINFO bar{.nPos = 300, .nTrackPos = 400};
+  const LONG expected[] = {-17, 17, -170, 170, 0, 400, 0, 0, 300, 0};
+  for (int request = 0; request < 10; ++request) EXPECT_EQ(expected[request], ScrolledOffset(request, 0, 17, bar));
+  EXPECT_EQ(INT_MIN, ScrolledOffset(SB_PAGEUP, INT_MIN + 5, 17, bar));
+  EXPECT_EQ(INT_MAX, ScrolledOffset(SB_PAGEDOWN, 0, INT_MAX, bar));
+
+  EXPECT_EQ(299, HorizontalBar(300, 100, 0).nMax);
+  EXPECT_EQ(0, HorizontalBar(0, 100, 0).nMax);
+  EXPECT_EQ(31u, HorizontalBar(300, 100, 0).fMask);
+  EXPECT_EQ(170000000, VerticalBar(10000000, 17, 400, 0).nMax);
+  EXPECT_EQ(INT_MAX - 1, VerticalBar(UINT_MAX, INT_MAX, 400, 0).nMax);
+  EXPECT_EQ(17, SurfaceLeft(-17, 300, 100));
+  EXPECT_EQ(100, SurfaceLeft(INT_MIN, 300, 100));
+  EXPECT_EQ(-300, SurfaceLeft(INT_MAX, 300, 100));
+}
+
+constexpr COLORREF kHeaderColor = RGB(10, 20, 30);
+constexpr int kListId = 4711;
+
+COLORREF RowColor(UINT row) {
+  return row == kHeaderRow ? kHeaderColor : RGB(200, row & 0xFF, 100);
+}
+
+// A list with 100 x 85 pixels between its bars, whose parent answers with `height_`, draws each row in a colour of its
+// own and notes its number.
+class ExtendedList : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    ASSERT_TRUE(RegisterExtendedListClass(GetModuleHandleA(nullptr), TRUE));
+    shared_ = std::make_unique<kvtest::RecordingParent>(true);
+  }
+  static void TearDownTestSuite() {
+    shared_.reset();
+    EXPECT_TRUE(RegisterExtendedListClass(GetModuleHandleA(nullptr), FALSE));
+  }
+  ExtendedList() {
+    parent_.Answer([this](HWND, UINT message, WPARAM wParam, LPARAM lParam, LRESULT*) {
+      if (message == WM_MEASUREITEM) Measure(wParam, reinterpret_cast<MEASUREITEMSTRUCT*>(lParam));
+      if (message == WM_DRAWITEM) Draw(wParam, reinterpret_cast<DRAWITEMSTRUCT*>(lParam));
+      return message == WM_MEASUREITEM || message == WM_DRAWITEM;
+    });
+    RECT place{0, 0, 100 + GetSystemMetrics(SM_CXVSCROLL), 85 + GetSystemMetrics(SM_CYHSCROLL)};
+    list_ = CreateControl(parent_, kExtendedListClass, "", WS_HSCROLL | WS_VSCROLL, place, kListId);
+    Forget();
+  }
+  ~ExtendedList() override {
+    parent_.Answer(nullptr);
+    DestroyWindow(list_);
+    kvtest::PumpMessages();
+    parent_.seen().clear();
+  }
+
+  void Measure(WPARAM wParam, MEASUREITEMSTRUCT* request) {
+    ++measured_;
+    EXPECT_EQ(static_cast<WPARAM>(kListId), wParam);
+    EXPECT_EQ(static_cast<UINT>(kListId), request->CtlID);
+    EXPECT_EQ(17u, request->itemHeight);
+    if (height_ != 17) request->itemHeight = static_cast<UINT>(height_);
+  }
+  void Draw(WPARAM wParam, DRAWITEMSTRUCT* request) {
+    EXPECT_EQ(static_cast<WPARAM>(kListId), wParam);
+    EXPECT_EQ(list_, request->hwndItem);
+    EXPECT_EQ(0u, request->CtlType | request->itemAction | request->itemState | request->itemData);
+    rows_.push_back(static_cast<int>(request->itemID));
+    const OwnedBrush brush(CreateSolidBrush(RowColor(request->itemID)));
+    FillRect(request->hDC, &request->rcItem, brush);
+    if (react_) react_();
+    request->rcItem = {-1, -1, -1, -1};  // a parent may spoil the request
+  }
+
+  void Forget() {
+    kvtest::PumpMessages();
+    rows_.clear();
+    measured_ = 0;
+  }
+  LRESULT Send(UINT message, WPARAM wParam = 0) { return SendMessageA(list_, message, wParam, 0); }
+  std::vector<int> RowsAfter(UINT message, WPARAM wParam = 0) {
+    Forget();
+    EXPECT_EQ(0, Send(message, wParam));
+    return rows_;
+  }
+  COLORREF PixelAt(int x, int y) {
+    const WindowDc dc(list_);
+    return GetPixel(dc, x, y);
+  }
+  int BarPosition(int barKind) { return GetScrollPos(list_, barKind); }
+
+  kvtest::RecordingParent& parent_ = *shared_;
+  HWND list_ = nullptr;
+  int height_ = 17, measured_ = 0;
+  std::vector<int> rows_;
+  std::function<void()> react_;
+
+ private:
+  static inline std::unique_ptr<kvtest::RecordingParent> shared_;
+};
+
+using Rows = std::vector<int>;
+
+TEST_F(ExtendedList, AsksForOneHeaderAndOneScreenful) {
+  EXPECT_EQ(Rows{}, RowsAfter(LB_RESETCONTENT));
+  EXPECT_EQ(1, measured_);
+  EXPECT_EQ(GetSysColor(COLOR_WINDOW), PixelAt(50, 5));
+  EXPECT_EQ((Rows{-1, 0, 1}), RowsAfter(LB_SETCOUNT, 2));
+  EXPECT_EQ(kHeaderColor, PixelAt(0, 0));
+  EXPECT_EQ(RowColor(1), PixelAt(99, 50));
+  EXPECT_EQ(GetSysColor(COLOR_WINDOW), PixelAt(0, 51));
+  for (WPARAM count : {WPARAM{10000000}, WPARAM{0x80000000}, WPARAM{UINT_MAX}}) {
+    EXPECT_EQ((Rows{-1, 0, 1, 2, 3, 4}), RowsAfter(LB_SETCOUNT, count));
+  }
+  height_ = 40;
+  EXPECT_EQ((Rows{-1, 0, 1}), RowsAfter(WM_LBUTTONUP));
+  for (int bad : {0, -40}) {
+    height_ = bad;
+    EXPECT_EQ((Rows{-1, 0, 1, 2, 3, 4}), RowsAfter(WM_LBUTTONUP));
+  }
+  EXPECT_EQ(Rows{}, RowsAfter(WM_MOUSEMOVE));  // nothing has changed
+}
+
+TEST_F(ExtendedList, ScrollsByWholeRowsAndPastBothEnds) {
+  Send(LB_SETCOUNT, 10000000);
+  EXPECT_EQ((Rows{-1, 1, 2, 3, 4, 5}), RowsAfter(WM_VSCROLL, SB_LINEDOWN));
+  EXPECT_EQ(17, BarPosition(SB_VERT));
+  EXPECT_EQ((Rows{-1, 11, 12, 13, 14, 15}), RowsAfter(WM_VSCROLL, SB_PAGEDOWN));
+  EXPECT_EQ((Rows{-1, 1, 2, 3, 4, 5}), RowsAfter(WM_VSCROLL, SB_PAGEUP));
+  Send(WM_VSCROLL, SB_PAGEUP);
+  EXPECT_EQ((Rows{-1}), RowsAfter(WM_VSCROLL, SB_THUMBPOSITION));  // nine rows above the first: only blank ones on view
+  EXPECT_EQ(0, BarPosition(SB_VERT));
+  EXPECT_EQ((Rows{-1, 0, 1, 2, 3, 4}), RowsAfter(WM_VSCROLL, SB_ENDSCROLL));
+  // The bar holds its position within its range, which ends a page before the last row's lower edge.
+  SCROLLINFO bar{.cbSize = sizeof(bar), .fMask = SIF_POS, .nPos = INT_MAX};
+  SetScrollInfo(list_, SB_VERT, &bar, FALSE);
+  EXPECT_EQ((Rows{-1, 9999995, 9999996, 9999997, 9999998, 9999999}), RowsAfter(WM_VSCROLL, SB_ENDSCROLL));
+}
+
+TEST_F(ExtendedList, ScrollsSidewaysWithoutARedraw) {
+  Send(LB_SETCOUNT, 10);
+  EXPECT_EQ((Rows{-1, 0, 1, 2, 3, 4}), RowsAfter(LB_SETHORIZONTALEXTENT, 300));
+  EXPECT_EQ(Rows{}, RowsAfter(WM_HSCROLL, SB_LINELEFT));
+  EXPECT_EQ(GetSysColor(COLOR_WINDOW), PixelAt(16, 0));
+  EXPECT_EQ(kHeaderColor, PixelAt(17, 0));
+  EXPECT_EQ(Rows{}, RowsAfter(WM_HSCROLL, SB_PAGERIGHT));
+  EXPECT_EQ(153, BarPosition(SB_HORZ));
+  Send(WM_HSCROLL, SB_PAGERIGHT);
+  EXPECT_EQ(GetSysColor(COLOR_WINDOW), PixelAt(0, 0));
+  Send(WM_HSCROLL, SB_ENDSCROLL);
+  EXPECT_EQ(kHeaderColor, PixelAt(0, 0));
+
+  EXPECT_EQ(Rows{}, RowsAfter(LB_SETHORIZONTALEXTENT, 0));
+  EXPECT_EQ(Rows{}, RowsAfter(LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(-1)));
+  EXPECT_EQ(6u, RowsAfter(LB_SETHORIZONTALEXTENT, 20000).size());
+}
+
+TEST_F(ExtendedList, SizeChangesTheSurfacesHeightOnly) {
+  Send(LB_SETCOUNT, 100);
+  Forget();
+  MoveWindow(list_, 0, 0, 200, 51 + GetSystemMetrics(SM_CYHSCROLL), TRUE);
+  kvtest::PumpMessages();
+  EXPECT_EQ((Rows{-1, 0, 1, 2}), Rows(rows_.begin(), rows_.begin() + 4));
+  EXPECT_EQ(kHeaderColor, PixelAt(99, 0));
+  EXPECT_EQ(GetSysColor(COLOR_WINDOW), PixelAt(100, 0));
+  SCROLLINFO bar{.cbSize = sizeof(bar), .fMask = SIF_ALL};
+  GetScrollInfo(list_, SB_VERT, &bar);
+  EXPECT_EQ(1700, bar.nMax);
+}
+
+TEST_F(ExtendedList, TheParentMayChangeOrDestroyTheListWhileItDraws) {
+  react_ = [&] { Send(LB_SETCOUNT, 2); };
+  EXPECT_EQ((Rows{-1, 0, 1}), RowsAfter(LB_SETCOUNT, 100));
+  react_ = nullptr;
+  EXPECT_TRUE(kvtest::WaitUntil([&] { return rows_ == Rows{-1, 0, 1, -1, 0, 1}; }));
+
+  react_ = [&] {
+    react_ = nullptr;
+    Send(LB_SETHORIZONTALEXTENT, 50);
+  };
+  Send(LB_SETCOUNT, 100);
+  kvtest::PumpMessages();
+  EXPECT_EQ(RowColor(0), PixelAt(49, 20));
+  EXPECT_EQ(GetSysColor(COLOR_WINDOW), PixelAt(50, 20));
+
+  react_ = [&] { DestroyWindow(list_); };
+  EXPECT_EQ((Rows{-1}), RowsAfter(WM_LBUTTONUP));
+  EXPECT_FALSE(IsWindow(list_));
+}
+
+TEST_F(ExtendedList, MakesItsSettingsKeyAndRefusesMessagesWithoutARecord) {
+  RegDeleteKeyA(HKEY_CURRENT_USER, kExtendedListSettingsPath);
+  EXPECT_FALSE(OpenExtendedListSettings());
+  SetCapture(list_);
+  Send(WM_LBUTTONUP);
+  EXPECT_TRUE(OpenExtendedListSettings());
+  EXPECT_EQ(nullptr, GetCapture());
+  RegDeleteKeyA(HKEY_CURRENT_USER, kExtendedListSettingsPath);
+  Send(WM_DESTROY);
+  EXPECT_TRUE(OpenExtendedListSettings());
+  for (UINT message : {WM_PAINT, WM_SIZE, WM_COMMAND, WM_VSCROLL, WM_MOUSEMOVE, LB_SETCOUNT}) {
+    EXPECT_EQ(1, Send(message)) << message;
+  }
+  EXPECT_FALSE(GetUpdateRect(list_, nullptr, FALSE));
+}
+
+TEST_F(ExtendedList, SurvivesAStormOfMessages) {
+  const UINT messages[] = {WM_CREATE,      WM_DESTROY,      WM_SIZE,     WM_PAINT,       WM_COMMAND,
+                           WM_HSCROLL,     WM_VSCROLL,      LB_SETCOUNT, WM_LBUTTONDOWN, WM_LBUTTONUP,
+                           WM_RBUTTONDOWN, WM_MOUSEMOVE,    WM_HSCROLL,  WM_VSCROLL,     LB_SETHORIZONTALEXTENT,
+                           WM_COPY,        LB_RESETCONTENT, WM_TIMER,    WM_USER + 3,    LB_SETCOUNT};
+  const kvtest::ScarceObjects scarce(500);
+  std::mt19937 random(7201);
+  react_ = [&] {
+    height_ = static_cast<int>(random() % 4 ? random() % 64 : random());
+    if (random() % 16 == 0) Send(messages[random() % ARRAYSIZE(messages)], random());
+  };
+  const char* wanted = std::getenv("KV_STORM_MESSAGES");
+  for (int i = wanted ? std::atoi(wanted) : 4000; i > 0; --i) {
+    const WPARAM wParam = random() % 8 ? random() % 32 : random();
+    SendMessageA(list_, messages[random() % ARRAYSIZE(messages)], wParam, static_cast<LPARAM>(random()));
+    if (i % 64 == 0) parent_.seen().clear();
+  }
+  react_ = nullptr;
+  height_ = 17;
+  for (UINT message : {WM_DESTROY, WM_CREATE}) Send(message);
+  EXPECT_EQ((Rows{-1, 0}), RowsAfter(LB_SETCOUNT, 1));
+}
+
+}  // namespace
+}  // namespace kv
