@@ -1,4 +1,4 @@
-// Bounded wide-string formatting: every formatted text of the program goes through here. Any thread; no state.
+// Bounded string formatting: every formatted text of the program goes through here. Any thread; no state.
 #pragma once
 
 #include <windows.h>
@@ -18,5 +18,8 @@ HRESULT FormatBounded(wchar_t* buffer, size_t sizeBytes, const wchar_t* format, 
 
 // The same with an argument list and the buffer's size in characters.
 HRESULT FormatBoundedV(wchar_t* buffer, size_t sizeCharacters, const wchar_t* format, va_list arguments);
+
+// The same for 8-bit text, for the formats that other programs read as bytes.
+HRESULT FormatBoundedA(char* buffer, size_t sizeBytes, const char* format, ...);
 
 }  // namespace kv

@@ -7,6 +7,7 @@
 
 #include "framework/guards.h"
 #include "framework/picture.h"
+#include "framework/whole_number.h"
 
 namespace kv {
 
@@ -37,6 +38,40 @@ COLORREF SchemeColor(int scheme) {
   }
 }
 
+COLORREF ButtonColor(int scheme, UINT flags) {
+  return ShadeColor(SchemeColor(scheme), flags & kButtonLit ? 1.0 : 0.8);
+}
+
+void DrawButtonFace(HDC dc, const RECT& area, COLORREF color, UINT flags, bool pressed) {
+  if (flags & kButtonGradient) {
+    COLORREF bright = color;
+    BlendColor(color, RGB(255, 255, 255), 100, flags & kButtonLit ? 55 : 25, &bright);
+    const COLORREF dark = ShadeColor(color, 0.72);
+    FillVerticalGradient(dc, area, pressed ? dark : bright, pressed ? bright : dark);
+  } else {
+    FillSolid(dc, area, color);
+  }
+  RECT edge = area;
+  DrawEdge(dc, &edge, pressed ? BDR_SUNKENOUTER : BDR_RAISEDINNER, BF_RECT);
+}
+
+void DrawButtonText(HDC dc, const RECT& area, HWND button, COLORREF shadowColor) {
+  wchar_t text[256] = L"";
+  GetWindowTextW(button, text, ARRAYSIZE(text));
+  const auto font = reinterpret_cast<HFONT>(SendMessageA(button, WM_GETFONT, 0, 0));
+  const SelectedObject selectedFont(dc, font ? font : GetStockObject(SYSTEM_FONT));
+  SetBkMode(dc, TRANSPARENT);
+  constexpr UINT kCentred = DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX;
+  // A dark twin one pixel down keeps the white text readable on the green face.
+  RECT place = area;
+  OffsetRect(&place, 1, 1);
+  SetTextColor(dc, shadowColor);
+  DrawTextW(dc, text, -1, &place, kCentred);
+  OffsetRect(&place, -1, -1);
+  SetTextColor(dc, RGB(255, 255, 255));
+  DrawTextW(dc, text, -1, &place, kCentred);
+}
+
 }  // namespace
 
 BOOL BlendColor(COLORREF start, COLORREF end, int steps, int step, COLORREF* result) {
@@ -48,9 +83,7 @@ BOOL BlendColor(COLORREF start, COLORREF end, int steps, int step, COLORREF* res
 }
 
 COLORREF ShadeColor(COLORREF color, double factor) {
-  const auto shade = [factor](BYTE channel) {
-    return static_cast<int>(std::clamp(std::round(channel * factor), 0.0, 255.0));
-  };
+  const auto shade = [factor](BYTE channel) { return std::clamp(ToInt(std::round(channel * factor)), 0, 255); };
   return RGB(shade(GetRValue(color)), shade(GetGValue(color)), shade(GetBValue(color)));
 }
 
@@ -113,34 +146,16 @@ BOOL ReplaceBitmapColor(HDC dc, HBITMAP bitmap, COLORREF from, COLORREF to) {
 }
 
 void DrawStatusButton(const DRAWITEMSTRUCT& item, int scheme, UINT flags) {
-  RECT area = item.rcItem;
-  const bool pressed = (item.itemState & ODS_SELECTED) != 0;
-  const COLORREF base = ShadeColor(SchemeColor(scheme), flags & kButtonLit ? 1.0 : 0.8);
-  if (flags & kButtonGradient) {
-    COLORREF bright = base;
-    BlendColor(base, RGB(255, 255, 255), 100, flags & kButtonLit ? 55 : 25, &bright);
-    const COLORREF dark = ShadeColor(base, 0.72);
-    FillVerticalGradient(item.hDC, area, pressed ? dark : bright, pressed ? bright : dark);
-  } else {
-    FillSolid(item.hDC, area, base);
-  }
-  DrawEdge(item.hDC, &area, pressed ? BDR_SUNKENOUTER : BDR_RAISEDINNER, BF_RECT);
-
-  wchar_t text[256] = L"";
-  GetWindowTextW(item.hwndItem, text, ARRAYSIZE(text));
-  const auto font = reinterpret_cast<HFONT>(SendMessageA(item.hwndItem, WM_GETFONT, 0, 0));
-  const SelectedObject selectedFont(item.hDC, font ? font : GetStockObject(SYSTEM_FONT));
-  const int oldMode = SetBkMode(item.hDC, TRANSPARENT);
-  // A dark twin one pixel down keeps the white text readable on the green face.
-  RECT shadow = area;
-  OffsetRect(&shadow, 1, 1);
-  const COLORREF oldColor = SetTextColor(item.hDC, ShadeColor(base, 0.45));
-  constexpr UINT kCentred = DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX;
-  DrawTextW(item.hDC, text, -1, &shadow, kCentred);
-  SetTextColor(item.hDC, RGB(255, 255, 255));
-  DrawTextW(item.hDC, text, -1, &area, kCentred);
-  SetTextColor(item.hDC, oldColor);
-  SetBkMode(item.hDC, oldMode);
+  const RECT& area = item.rcItem;
+  const SIZE size{area.right - area.left, area.bottom - area.top};
+  // Drawn aside and shown at once: these buttons are repainted several times a second and must not flicker.
+  const MemoryDc memory(item.hDC);
+  const OwnedBitmap bitmap(CreateCompatibleBitmap(item.hDC, std::max(size.cx, 1L), std::max(size.cy, 1L)));
+  const SelectedObject selected(memory, bitmap);
+  DrawButtonFace(memory, {0, 0, size.cx, size.cy}, ButtonColor(scheme, flags), flags,
+                 (item.itemState & ODS_SELECTED) != 0);
+  DrawButtonText(memory, {0, 0, size.cx, size.cy}, item.hwndItem, ShadeColor(ButtonColor(scheme, flags), 0.45));
+  BitBlt(item.hDC, area.left, area.top, size.cx, size.cy, memory, 0, 0, SRCCOPY);
 }
 
 }  // namespace kv

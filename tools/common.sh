@@ -43,6 +43,18 @@ start_display() {
   rm -f "$number_file"
 }
 
+# Lets every Wine program of the prefix run on one desktop window of this size, which draws captions and lets windows be
+# moved and sized with no window manager about; without a size each window is on its own, as a person wants it.
+use_wine_desktop() {
+  local size=${1:-} key='HKCU\Software\Wine\Explorer'
+  if [ -n "$size" ]; then
+    wine reg add "$key" /v Desktop /d Bench /f >/dev/null 2>&1
+    wine reg add "$key\Desktops" /v Bench /d "$size" /f >/dev/null 2>&1
+  else
+    wine reg delete "$key" /v Desktop /f >/dev/null 2>&1 || true
+  fi
+}
+
 stop_display() {
   [ -n "${display_pid:-}" ] || return 0
   kill "$display_pid" 2>/dev/null || true
@@ -52,6 +64,6 @@ stop_display() {
 
 stop_wine() {
   command -v wineserver >/dev/null && [ -d "$WINEPREFIX" ] || return 0
-  wineserver -k 2>/dev/null || true
-  wineserver -w 2>/dev/null || true
+  wineserver -k >/dev/null 2>&1 || true
+  wineserver -w >/dev/null 2>&1 || true
 }

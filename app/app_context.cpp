@@ -1,0 +1,36 @@
+#include "app/app_context.h"
+
+#include "framework/guards.h"
+
+namespace kv {
+
+namespace {
+// The tool went by this name first; the key stays, so that nobody's setting is lost.
+constexpr char kSettingsKey[] = "Software\\korvel\\Brisklight";
+constexpr wchar_t kDataFolderValue[] = L"DataFolder";
+// Smaller than the field on purpose: what is longer than a folder may be here is refused instead of cut.
+constexpr DWORD kLoadLimitBytes = 256;
+}  // namespace
+
+BOOL DataFolderSetting(AppContext* context, BOOL save) {
+  if (!IsContextUsable(context)) return FALSE;
+  if (save) {
+    const RegistryKey key = RegistryKey::Create(kSettingsKey);
+    if (!key) return TRUE;
+    const DWORD sizeBytes = (lstrlenW(context->szDataFolder) + 1) * sizeof(wchar_t);
+    RegSetValueExW(key, kDataFolderValue, 0, REG_SZ, reinterpret_cast<const BYTE*>(context->szDataFolder), sizeBytes);
+    return TRUE;
+  }
+  const RegistryKey key = RegistryKey::Open(kSettingsKey);
+  if (!key) return TRUE;
+  // Through a buffer of its own: a value that is too long must not leave half a path in the field.
+  wchar_t stored[kLoadLimitBytes / sizeof(wchar_t) + 1] = L"";
+  DWORD sizeBytes = kLoadLimitBytes;
+  if (RegQueryValueExW(key, kDataFolderValue, nullptr, nullptr, reinterpret_cast<BYTE*>(stored), &sizeBytes) ==
+      ERROR_SUCCESS) {
+    lstrcpynW(context->szDataFolder, stored, ARRAYSIZE(stored));
+  }
+  return TRUE;
+}
+
+}  // namespace kv

@@ -1,0 +1,217 @@
+#include "app/camera_link.h"
+
+#include <cstring>
+
+#include "app/camera_record.h"
+#include "framework/bounded_format.h"
+
+namespace kv {
+
+namespace {
+
+constexpr DWORD kQueueBytes = 65536;
+constexpr DWORD kDisconnectPauseMs = 250;
+constexpr DWORD kReplyBytes = 64;
+constexpr int kBufferBytes = 1024;
+
+DCB ReadLineState(HANDLE hPort, BOOL* done) {
+  DCB line{};
+  line.DCBlength = sizeof(line);
+  *done = GetCommState(hPort, &line);
+  line.DCBlength = sizeof(line);
+  return line;
+}
+
+bool SetLine(HANDLE hPort) {
+  BOOL read = FALSE;
+  DCB line = ReadLineState(hPort, &read);
+  line.fBinary = TRUE;
+  line.BaudRate = kCameraBaudRate;
+  line.ByteSize = 8;
+  line.Parity = NOPARITY;
+  line.StopBits = ONESTOPBIT;
+  line.fOutxCtsFlow = FALSE;
+  line.fOutxDsrFlow = FALSE;
+  line.fDsrSensitivity = FALSE;
+  line.fOutX = FALSE;
+  line.fInX = FALSE;
+  line.fDtrControl = DTR_CONTROL_DISABLE;
+  line.fRtsControl = RTS_CONTROL_DISABLE;
+  return SetCommState(hPort, &line) != FALSE;
+}
+
+// What a driver says to these is not tested: adapters differ, and the camera talks all the same.
+void PrepareTransfer(HANDLE hPort) {
+  SetupComm(hPort, kQueueBytes, kQueueBytes);
+  SetCommMask(hPort, EV_RXCHAR | EV_RXFLAG);
+  COMMTIMEOUTS timeouts{};
+  timeouts.ReadIntervalTimeout = 5;
+  SetCommTimeouts(hPort, &timeouts);
+  EscapeCommFunction(hPort, CLRDTR);
+  EscapeCommFunction(hPort, CLRRTS);
+  PurgeComm(hPort, PURGE_TXABORT | PURGE_RXABORT | PURGE_TXCLEAR | PURGE_RXCLEAR);
+}
+
+struct WaitList {
+  HANDLE events[2];
+  DWORD count;
+};
+
+// Waits for a transfer that may still be pending and returns the bytes that it moved.
+DWORD FinishTransfer(BOOL started, HANDLE hPort, const WaitList& waits, DWORD timeoutMs, OVERLAPPED* overlapped,
+                     DWORD movedAtOnce) {
+  if (started) return movedAtOnce;
+  if (GetLastError() != ERROR_IO_PENDING) return 0;
+  WaitForMultipleObjects(waits.count, waits.events, FALSE, timeoutMs);
+  DWORD moved = 0;
+  return GetOverlappedResult(hPort, overlapped, &moved, FALSE) ? moved : 0;
+}
+
+DWORD SendCommand(HANDLE hPort, const char* command, const WaitList& waits, OVERLAPPED* overlapped) {
+  DWORD written = 0;
+  const BOOL started = WriteFile(hPort, command, lstrlenA(command), &written, overlapped);
+  return FinishTransfer(started, hPort, waits, kCommandTimeoutMs, overlapped, written);
+}
+
+DWORD ReceiveReply(HANDLE hPort, char* reply, const WaitList& waits, OVERLAPPED* overlapped) {
+  // Static, because a read that is still pending when the wait runs out may write until the caller closes the port.
+  static char buffer[kBufferBytes];
+  std::memset(buffer, 0, sizeof(buffer));
+  ResetEvent(overlapped->hEvent);
+  DWORD read = 0;
+  const BOOL started = ReadFile(hPort, buffer, kReplyBytes, &read, overlapped);
+  read = FinishTransfer(started, hPort, waits, kReplyTimeoutMs, overlapped, read);
+  if (read > 0 && !IsBadWritePtr(reply, read)) lstrcpynA(reply, buffer, kBufferBytes);
+  return read;
+}
+
+void Disconnect(AppContext* context) {
+  SetEvent(context->hConnectEvent);
+  context->bConnected = FALSE;
+  Sleep(kDisconnectPauseMs);
+  if (context->hPort == INVALID_HANDLE_VALUE) return;
+  CloseHandle(context->hPort);
+  context->hPort = INVALID_HANDLE_VALUE;
+  context->nPort = -1;
+}
+
+bool CameraTalksOn(int portNumber, HANDLE hQuitEvent, OVERLAPPED* overlapped) {
+  HANDLE port = OpenCameraPort(portNumber);
+  if (port == INVALID_HANDLE_VALUE) return false;
+  SetPortBaudRate(port, kCameraBaudRate);
+  char reply[256] = "";
+  const DWORD received = PortTransaction(port, hQuitEvent, nullptr, reply, overlapped);
+  CloseHandle(port);
+  return received > kSilentPortBytes;
+}
+
+// The number of the camera's port, or -1.
+int FindCameraPort(HANDLE hQuitEvent) {
+  OVERLAPPED overlapped{};
+  overlapped.hEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+  int found = -1;
+  for (int port = kFirstScannedPort; port <= kLastScannedPort && found < 0; ++port) {
+    if (CameraTalksOn(port, hQuitEvent, &overlapped)) found = port;
+  }
+  CloseHandle(overlapped.hEvent);
+  return found;
+}
+
+// Reads up to one record; waits as long as it takes, or until the quit event. Returns the bytes read.
+DWORD ReadRecord(HANDLE hPort, HANDLE hQuitEvent, char* buffer, OVERLAPPED* overlapped) {
+  ResetEvent(overlapped->hEvent);
+  DWORD read = 0;
+  if (ReadFile(hPort, buffer, kRecordLength, &read, overlapped)) return read;
+  if (GetLastError() != ERROR_IO_PENDING) return 0;
+  const HANDLE waits[] = {hQuitEvent, overlapped->hEvent};
+  if (WaitForMultipleObjects(2, waits, FALSE, INFINITE) != WAIT_OBJECT_0 + 1) return 0;
+  return GetOverlappedResult(hPort, overlapped, &read, FALSE) ? read : 0;
+}
+
+void StorePoints(AppContext* context, const CameraPoint (&points)[kPointCount]) {
+  for (int i = 0; i < kPointCount; ++i) {
+    CameraPoint& stored = context->points[i];
+    if (points[i].x == stored.x && points[i].y == stored.y) continue;
+    stored = points[i];
+    context->bChanged = TRUE;
+  }
+}
+
+}  // namespace
+
+DWORD SetPortBaudRate(HANDLE hPort, DWORD baud) {
+  if (hPort == INVALID_HANDLE_VALUE) return FALSE;
+  BOOL read = FALSE;
+  DCB line = ReadLineState(hPort, &read);
+  if (!read) return FALSE;
+  line.BaudRate = baud;
+  return SetCommState(hPort, &line) != FALSE;
+}
+
+HANDLE OpenCameraPort(int portNumber) {
+  if (portNumber < 1 || portNumber > 999) return INVALID_HANDLE_VALUE;
+  wchar_t name[32];
+  FormatBounded(name, sizeof(name), L"\\\\.\\COM%d", portNumber);
+  HANDLE port = CreateFileW(name, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                            OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr);
+  if (port == INVALID_HANDLE_VALUE) return port;
+  if (!SetLine(port)) {
+    CloseHandle(port);
+    return INVALID_HANDLE_VALUE;
+  }
+  PrepareTransfer(port);
+  return port;
+}
+
+DWORD PortTransaction(HANDLE hPort, HANDLE hExtraEvent, const char* command, char* reply, OVERLAPPED* overlapped) {
+  if (hPort == INVALID_HANDLE_VALUE || IsBadReadPtr(overlapped, sizeof(*overlapped))) return 0;
+  PurgeComm(hPort, PURGE_TXCLEAR | PURGE_RXCLEAR);
+  WaitList waits{};
+  if (hExtraEvent) waits.events[waits.count++] = hExtraEvent;
+  if (overlapped->hEvent) waits.events[waits.count++] = overlapped->hEvent;
+  ResetEvent(overlapped->hEvent);
+  DWORD moved = 0;
+  if (!IsBadReadPtr(command, 2)) {
+    moved = SendCommand(hPort, command, waits, overlapped);
+    if (moved != static_cast<DWORD>(lstrlenA(command))) return 0;
+  }
+  if (!IsBadWritePtr(reply, 2)) moved = ReceiveReply(hPort, reply, waits, overlapped);
+  return moved;
+}
+
+DWORD ConnectCamera(AppContext* context, BOOL connect) {
+  if (!IsContextUsable(context)) return FALSE;
+  Disconnect(context);
+  if (!connect) return TRUE;
+  const int port = FindCameraPort(context->hQuitEvent);
+  if (port < 0) return FALSE;
+  context->nPort = port;
+  context->hPort = OpenCameraPort(port);
+  SetPortBaudRate(context->hPort, kCameraBaudRate);
+  context->bConnected = TRUE;
+  return TRUE;
+}
+
+DWORD WINAPI CameraReaderThread(void* parameter) {
+  auto* context = static_cast<AppContext*>(parameter);
+  if (!IsContextUsable(context)) ExitThread(1);
+  OVERLAPPED overlapped{};
+  overlapped.hEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+  CameraPoint points[kPointCount];
+  for (CameraPoint& point : points) point = {kFieldWidth, kFieldHeight};
+  // Without a port this spins: the tool is made for machines where a connect must never wait for a sleeping reader.
+  while (WaitForSingleObject(context->hQuitEvent, 0) == WAIT_TIMEOUT) {
+    HANDLE port = context->hPort;
+    if (port == INVALID_HANDLE_VALUE) continue;
+    char buffer[kBufferBytes] = "";
+    if (ReadRecord(port, context->hQuitEvent, buffer, &overlapped) != kRecordLength || !HasRecordShape(buffer)) {
+      continue;
+    }
+    ParseRecord(buffer, points);
+    StorePoints(context, points);
+  }
+  CloseHandle(overlapped.hEvent);
+  ExitThread(1);
+}
+
+}  // namespace kv

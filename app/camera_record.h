@@ -1,0 +1,25 @@
+// The camera's wire format: 41 bytes of 8-bit text, "XXXX,YYYY,XXXX,YYYY,XXXX,YYYY,XXXX,YYYY" and two closing bytes,
+// one (x, y) pair for each of the four points. docs/wire-format.md tells the whole story. Pure functions, any thread.
+#pragma once
+
+#include <cstddef>
+
+#include "app/camera_point.h"
+
+namespace kv {
+
+inline constexpr size_t kRecordLength = 41;
+
+// True if the seven commas between the eight number fields stand where they belong. Nothing else of a record is
+// checked: the number fields are read leniently, and the closing bytes are the camera's own affair.
+bool HasRecordShape(const char* record);
+
+// Reads the points of a record that has the right shape. `record` needs a terminator behind its 41 bytes and is used
+// up: commas become terminators. A point for which no number pair is left keeps the value that `points` holds.
+void ParseRecord(char* record, CameraPoint (&points)[kPointCount]);
+
+// Writes the record of four points, as the camera would send it: numbers with leading zeros, CR LF as closing bytes.
+// Each coordinate must have at most four characters, its sign included. `record` gets no terminator.
+void WriteRecord(const CameraPoint (&points)[kPointCount], char (&record)[kRecordLength]);
+
+}  // namespace kv

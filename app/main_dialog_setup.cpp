@@ -1,0 +1,139 @@
+#include "app/main_dialog_setup.h"
+
+#include <commctrl.h>
+
+#include "app/camera_link.h"
+#include "app/main_dialog.h"
+#include "app/main_dialog_layout.h"
+#include "app/resource_ids.h"
+#include "app/version.h"
+#include "framework/dialog.h"
+#include "framework/dialog_texts.h"
+#include "framework/guards.h"
+#include "framework/modules.h"
+#include "framework/painting.h"
+#include "framework/tool_tips.h"
+#include "framework/window_position.h"
+
+namespace kv {
+
+namespace {
+
+#define WIDE_TEXT_(text) L##text
+#define WIDE_TEXT(text) WIDE_TEXT_(text)
+
+// The strip's images follow the common controls' standard ones.
+constexpr int kStandardImages = 15, kToolbarImages = 88;
+constexpr int kConnectImage = 32;
+constexpr COLORREF kTransparentColor = RGB(255, 0, 255);
+static_assert(sizeof(TBBUTTON) == 20);
+
+// Tab pages show one of eight groups of controls, each with a range of ids.
+constexpr int kTabGroups = 8;
+constexpr int TabGroupFirst(int group) {
+  return 1100 + 100 * group;
+}
+constexpr int TabGroupLast(int group) {
+  return TabGroupFirst(group);
+}
+
+void SetUpToolbar(HWND dialog) {
+  HWND toolbar = GetDlgItem(dialog, IDC_TOOLBAR);
+  SendMessageA(toolbar, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
+  const TBBUTTON buttons[] = {
+      {.iBitmap = 0, .idCommand = -1, .fsState = TBSTATE_ENABLED, .fsStyle = TBSTYLE_SEP},
+      {.iBitmap = kConnectImage, .idCommand = IDM_CONNECT, .fsState = TBSTATE_ENABLED, .fsStyle = TBSTYLE_CHECK},
+  };
+  SendMessageA(toolbar, TB_ADDBUTTONS, ARRAYSIZE(buttons), reinterpret_cast<LPARAM>(buttons));
+
+  TBADDBITMAP standard{HINST_COMMCTRL, IDB_STD_LARGE_COLOR};
+  SendMessageA(toolbar, TB_ADDBITMAP, kStandardImages, reinterpret_cast<LPARAM>(&standard));
+
+  // The toolbar keeps using the bitmap, so it lives as long as the process.
+  HBITMAP strip = LoadBitmapA(modules.resources, MAKEINTRESOURCEA(IDB_TOOLBAR));
+  {
+    const WindowDc dc(dialog);
+    ReplaceBitmapColor(dc, strip, kTransparentColor, GetSysColor(COLOR_BTNFACE));
+  }
+  TBADDBITMAP own{nullptr, reinterpret_cast<UINT_PTR>(strip)};
+  SendMessageA(toolbar, TB_ADDBITMAP, kToolbarImages, reinterpret_cast<LPARAM>(&own));
+}
+
+void SetUpToolTips(HWND dialog) {
+  constexpr ToolTipEntry kToolbarTips[] = {{0, nullptr}, {IDM_CONNECT, L"Connect / Disconnect"}};
+  constexpr ToolTipEntry kDialogTips[] = {{IDC_VERSION, WIDE_TEXT(TARNWICK_VERSION_LINE)}};
+  CreateToolTips(modules.resources, GetDlgItem(dialog, IDC_TOOLBAR), kToolbarTips, ARRAYSIZE(kToolbarTips));
+  CreateToolTips(modules.resources, dialog, kDialogTips, ARRAYSIZE(kDialogTips));
+}
+
+void SetUpStatusButtons(HWND dialog) {
+  // Made and left: the face that a later status bar is to use, so that the font mapper has it ready.
+  CreateFontA(26, 11, 0, 0, FW_SEMIBOLD, FALSE, FALSE, FALSE, ANSI_CHARSET, OUT_TT_PRECIS, CLIP_DEFAULT_PRECIS,
+              DEFAULT_QUALITY, VARIABLE_PITCH | FF_SWISS, "Arial");
+  for (int id = IDC_PORT; id <= IDC_POINT_4; ++id) {
+    SendDlgItemMessageA(dialog, id, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(SYSTEM_FONT)), TRUE);
+  }
+}
+
+void StartReader(AppContext* context) {
+  context->hConnectEvent = CreateEventA(nullptr, TRUE, TRUE, nullptr);
+  context->hReaderThread = CreateThread(nullptr, 0, CameraReaderThread, context, 0, &context->dwReaderThreadId);
+  SetThreadPriority(context->hReaderThread, THREAD_PRIORITY_NORMAL);
+}
+
+void SetUpPages(HWND dialog, AppContext* context) {
+  HWND pages = GetDlgItem(dialog, IDC_PAGES);
+  SendMessageA(pages, TCM_DELETEALLITEMS, 0, 0);
+  wchar_t text[] = L"Diagram";
+  TCITEMW item{.mask = TCIF_TEXT | TCIF_PARAM, .pszText = text, .lParam = 0};
+  SendMessageW(pages, TCM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
+  SelectTabPage(dialog, context, context->nTabPage);
+  SelectTabPage(dialog, context, 0);
+}
+
+}  // namespace
+
+void SelectTabPage(HWND dialog, AppContext* context, int page) {
+  if (page == context->nTabPage) return;
+  context->nTabPage = page;
+  HWND pages = GetDlgItem(dialog, IDC_PAGES);
+  SendMessageA(pages, TCM_SETCURSEL, page, 0);
+  TCITEMW item{.mask = TCIF_PARAM};
+  const bool read = SendMessageW(pages, TCM_GETITEMW, page, reinterpret_cast<LPARAM>(&item)) != 0;
+  context->nTabGroup = read ? static_cast<DWORD>(item.lParam) & (kTabGroups - 1) : 0;
+  for (int group = 0; group < kTabGroups; ++group) {
+    const int show = group == static_cast<int>(context->nTabGroup) ? SW_SHOW : SW_HIDE;
+    for (int id = TabGroupFirst(group); id <= TabGroupLast(group); ++id) ShowWindow(GetDlgItem(dialog, id), show);
+  }
+  DrawMenuBar(dialog);
+  InvalidateRect(pages, nullptr, TRUE);
+  UpdateWindow(dialog);
+}
+
+INT_PTR SetUpMainDialog(HWND dialog, AppContext* context) {
+  if (!IsContextUsable(context)) return 1;
+  SetWindowLongA(dialog, DWL_USER, reinterpret_cast<LONG>(context));
+  context->hDlg = dialog;
+  SetDialogTexts(dialog, modules.resources, kMainDialogTemplate);
+  context->fScaleX = context->fScaleY = 1.0f;
+  context->nPort = -1;
+  context->hPort = INVALID_HANDLE_VALUE;
+  context->nTabPage = -1;
+  for (int id = IDC_PORT; id <= IDC_POINT_4; ++id) SetDlgItemTextW(dialog, id, L"---");
+  CaptureLayout(dialog, context->layout, kScaledIdFirst, kScaledIdLast);
+  SetUpToolbar(dialog);
+  SetUpToolTips(dialog);
+  SetUpStatusButtons(dialog);
+  StartReader(context);
+  SetUpPages(dialog, context);
+  WindowPosition(dialog, kMainPositionName, kPositionRestore);
+  ModelessDialogs(dialog, nullptr, kModelessAdd);
+  LayOutMainDialog(dialog, context);
+  BringWindowToTop(dialog);
+  SetActiveWindow(dialog);
+  SetTimer(dialog, kPointsTimer, kPointsPeriodMs, nullptr);
+  SetTimer(dialog, kBlinkTimer, kBlinkPeriodMs, nullptr);
+  return 0;
+}
+
+}  // namespace kv

@@ -1,0 +1,247 @@
+#include "framework/dialog_layout.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "framework/control_class.h"
+#include "framework/control_kind.h"
+#include "framework/whole_number.h"
+
+namespace kv {
+
+namespace {
+
+// A combo box's window includes its list, which needs this room.
+constexpr int kComboBoxHeight = 512;
+
+// Style bits of the bitmap control: which side follows the other one's scale, so that the picture keeps its
+// proportions.
+constexpr LONG kBitmapHeightFollowsWidth = 16;
+constexpr LONG kBitmapWidthFollowsHeight = 32;
+
+// Calls visit(control, slot number from 1) for each child of the range in child-window order, until it returns false.
+template <class Visit>
+void VisitControls(HWND dialog, int lowestId, int highestId, Visit visit) {
+  int slot = 0;
+  for (HWND child = GetWindow(dialog, GW_CHILD); IsWindow(child); child = GetWindow(child, GW_HWNDNEXT)) {
+    const int id = GetWindowLongA(child, GWL_ID);
+    if (id >= lowestId && id <= highestId && !visit(child, ++slot)) return;
+  }
+}
+
+LayoutSlot SlotOfControl(HWND dialog, HWND control) {
+  RECT place{};
+  GetWindowRect(control, &place);
+  MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
+  LayoutSlot slot{place.left, place.top, place.right - place.left, place.bottom - place.top};
+  if (ClassifyControl(control) == kControlComboBox) {
+    slot.height = static_cast<LONG>(SendMessageA(control, CB_GETITEMHEIGHT, static_cast<WPARAM>(-1), 0));
+  }
+  return slot;
+}
+
+// What one pass scales by.
+struct Scaling {
+  double x, y;
+  int leftMargin, topMargin;
+};
+
+// The present extent in proportion to the captured one, both without margins; 1 when the captured one is nothing.
+double Proportion(double present, double captured) {
+  return captured == 0 ? 1.0 : present / captured;
+}
+
+struct FontShape {
+  int height, width, weight;
+};
+
+// What a pass does to one control.
+struct Treatment {
+  int x, y, width, height;
+  enum { kKeepFont, kNewFont, kSystemFont } fontChange;
+  FontShape font;   // of a new font
+  int fieldHeight;  // of a combo box's selection field; 0 elsewhere
+};
+
+Treatment PlanControl(ControlKind kind, LONG style, bool hasText, const LayoutSlot& slot, const Scaling& scale) {
+  const auto place = [](LONG captured, double factor, int margin) {
+    return ToInt(std::trunc(factor * (static_cast<double>(captured) - margin)) + margin);
+  };
+  Treatment plan{
+      .x = place(slot.x, scale.x, scale.leftMargin),
+      .y = place(slot.y, scale.y, scale.topMargin),
+      .width = ToInt(scale.x * slot.width),
+      .height = ToInt(scale.y * slot.height),
+      .fontChange = Treatment::kKeepFont,
+      .font = {},
+      .fieldHeight = 0,
+  };
+  const int height = ToInt(scale.y * 14.0);
+  const int width = ToInt(scale.x * 6.0);
+  const int narrowWidth = ToInt(scale.x * 4.5);
+  const auto useFont = [&plan](FontShape font) {
+    plan.fontChange = Treatment::kNewFont;
+    plan.font = font;
+  };
+  switch (kind) {
+    case kControlStatic:
+    case kControlButton:
+      if (hasText) useFont({height, width, 600});
+      break;
+    case kControlEdit:
+      if (style & ES_MULTILINE) {
+        plan.fontChange = Treatment::kSystemFont;
+      } else {
+        useFont({ToInt(plan.height * 0.85), ToInt(plan.height * 0.3), 600});
+      }
+      break;
+    case kControlComboBox:
+      if (style & (CBS_OWNERDRAWFIXED | CBS_OWNERDRAWVARIABLE)) {
+        plan.fieldHeight = plan.height;
+      } else {
+        useFont({height, width, 600});
+        plan.fieldHeight = height;
+      }
+      plan.height = kComboBoxHeight;
+      break;
+    case kControlTab: useFont({height, narrowWidth, 500}); break;
+    case kControlTreeView: useFont({height, narrowWidth, 400}); break;
+    case kControlSimpleBitmap:
+      if (style & kBitmapHeightFollowsWidth) plan.height = ToInt(scale.x * slot.height);
+      if (style & kBitmapWidthFollowsHeight) plan.width = ToInt(scale.y * slot.width);
+      break;
+    default: break;
+  }
+  return plan;
+}
+
+// The fonts that a pass replaces. They are deleted after the pass: controls may share one.
+class ReplacedFonts {
+ public:
+  ReplacedFonts() = default;
+  ~ReplacedFonts() { std::for_each(fonts_.begin(), end_, DeleteObject); }
+  ReplacedFonts(const ReplacedFonts&) = delete;
+  ReplacedFonts& operator=(const ReplacedFonts&) = delete;
+
+  void Remember(HFONT font) {
+    if (!font || IsStock(font) || end_ == fonts_.end() || std::find(fonts_.begin(), end_, font) != end_) return;
+    *end_++ = font;
+  }
+
+ private:
+  static bool IsStock(HFONT font) {
+    constexpr int kStockFonts[] = {SYSTEM_FONT, SYSTEM_FIXED_FONT, ANSI_VAR_FONT, ANSI_FIXED_FONT};
+    return std::any_of(std::begin(kStockFonts), std::end(kStockFonts),
+                       [font](int stock) { return GetStockObject(stock) == font; });
+  }
+
+  std::array<HFONT, 1024> fonts_{};
+  std::array<HFONT, 1024>::iterator end_ = fonts_.begin();
+};
+
+HFONT CreateDialogFont(const FontShape& shape) {
+  return CreateFontA(shape.height, shape.width, 0, 0, shape.weight, FALSE, FALSE, FALSE, ANSI_CHARSET, OUT_TT_PRECIS,
+                     CLIP_DEFAULT_PRECIS, PROOF_QUALITY, VARIABLE_PITCH | FF_SWISS, "Arial Unicode MS");
+}
+
+void ChangeFont(HWND control, const Treatment& plan, ReplacedFonts* replaced) {
+  if (plan.fontChange == Treatment::kKeepFont) return;
+  const bool made = plan.fontChange == Treatment::kNewFont;
+  const HGDIOBJ font = made ? CreateDialogFont(plan.font) : GetStockObject(SYSTEM_FONT);
+  if (!font) return;
+  const auto previous = reinterpret_cast<HFONT>(SendMessageA(control, WM_GETFONT, 0, 0));
+  SendMessageA(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+  // A stock font replaces only a control's first font, which was not made here.
+  if (made) replaced->Remember(previous);
+}
+
+void TreatControl(HWND control, const LayoutSlot& slot, const Scaling& scale, ReplacedFonts* replaced) {
+  const ControlKind kind = ClassifyControl(control);
+  const LONG style = GetWindowLongA(control, GWL_STYLE);
+  const Treatment plan = PlanControl(kind, style, GetWindowTextLengthA(control) > 0, slot, scale);
+  ChangeFont(control, plan, replaced);
+  if (kind == kControlComboBox) {
+    SendMessageA(control, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), plan.fieldHeight);
+  }
+  MoveWindow(control, plan.x, plan.y, plan.width, plan.height, FALSE);
+}
+
+void StoreScale(float* output, double scale) {
+  if (!IsBadWritePtr(output, sizeof(*output))) *output = static_cast<float>(scale);
+}
+
+// Moves one of two edges away from the other where they are closer than `minimum`. In floating point: whoever sends
+// WM_SIZING may send any rectangle.
+BOOL KeepExtent(LONG* low, LONG* high, bool moveLow, double minimum) {
+  if (static_cast<double>(*high) - *low >= minimum) return FALSE;
+  (moveLow ? *low : *high) = ToInt(moveLow ? *high - minimum : *low + minimum);
+  return TRUE;
+}
+
+}  // namespace
+
+BOOL CaptureLayout(HWND dialog, LayoutSlot* slots, int lowestId, int highestId) {
+  if (!IsWindow(dialog) || IsBadWritePtr(slots, sizeof(*slots))) return FALSE;
+  RECT client{};
+  GetClientRect(dialog, &client);
+  slots[0] = {client.left, client.top, client.right, client.bottom};
+  VisitControls(dialog, lowestId, highestId, [&](HWND control, int slot) {
+    if (IsBadWritePtr(&slots[slot], sizeof(*slots))) return false;
+    slots[slot] = SlotOfControl(dialog, control);
+    return true;
+  });
+  return TRUE;
+}
+
+int LayoutSlotOf(HWND dialog, int lowestId, int highestId, int id) {
+  int found = -1;
+  VisitControls(dialog, lowestId, highestId, [&](HWND control, int slot) {
+    if (GetWindowLongA(control, GWL_ID) != id) return true;
+    found = slot;
+    return false;
+  });
+  return found;
+}
+
+BOOL ApplyLayout(HWND dialog, int bottomMargin, int leftMargin, int topMargin, int lowestId, int highestId,
+                 const LayoutSlot* slots, float* scaleX, float* scaleY, BOOL redraw) {
+  if (!IsWindow(dialog) || IsBadReadPtr(slots, sizeof(*slots))) return FALSE;
+  RECT client{};
+  GetClientRect(dialog, &client);
+  // In floating point: margins may be any number.
+  const double verticalMargins = static_cast<double>(bottomMargin) + topMargin;
+  const LayoutSlot& captured = slots[0];
+  const Scaling scale{
+      .x = Proportion(client.right - static_cast<double>(leftMargin), captured.width - static_cast<double>(leftMargin)),
+      .y = Proportion(client.bottom - verticalMargins, captured.height - verticalMargins),
+      .leftMargin = leftMargin,
+      .topMargin = topMargin,
+  };
+  StoreScale(scaleX, scale.x);
+  StoreScale(scaleY, scale.y);
+  {
+    ReplacedFonts replaced;
+    VisitControls(dialog, lowestId, highestId, [&](HWND control, int slot) {
+      if (IsBadReadPtr(&slots[slot], sizeof(*slots))) return false;
+      TreatControl(control, slots[slot], scale, &replaced);
+      return true;
+    });
+  }
+  if (redraw) RepaintNow(dialog);
+  return TRUE;
+}
+
+BOOL LimitSizing(UINT edge, RECT* window, int minimumWidth, int minimumHeight) {
+  if (edge < WMSZ_LEFT || edge > WMSZ_BOTTOMRIGHT || IsBadWritePtr(window, sizeof(*window))) return FALSE;
+  const bool dragsLeft = edge == WMSZ_LEFT || edge == WMSZ_TOPLEFT || edge == WMSZ_BOTTOMLEFT;
+  const bool dragsTop = edge == WMSZ_TOP || edge == WMSZ_TOPLEFT || edge == WMSZ_TOPRIGHT;
+  const bool dragsWidth = edge != WMSZ_TOP && edge != WMSZ_BOTTOM;
+  const bool dragsHeight = edge != WMSZ_LEFT && edge != WMSZ_RIGHT;
+  BOOL changed = FALSE;
+  if (dragsWidth) changed |= KeepExtent(&window->left, &window->right, dragsLeft, minimumWidth);
+  if (dragsHeight) changed |= KeepExtent(&window->top, &window->bottom, dragsTop, minimumHeight);
+  return changed;
+}
+
+}  // namespace kv

@@ -1,0 +1,7 @@
+#include "framework/modules.h"
+
+namespace kv {
+
+Modules modules{};
+
+}  // namespace kv

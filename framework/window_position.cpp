@@ -1,0 +1,115 @@
+#include "framework/window_position.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+
+#include "framework/bounded_format.h"
+#include "framework/guards.h"
+
+namespace kv {
+
+namespace {
+
+constexpr int kTextCharacters = 256;
+
+// Reads at most `size` bytes of a value. FALSE, with the memory in any state, when it is missing or longer.
+BOOL ReadValue(const char* name, void* data, DWORD size) {
+  const RegistryKey key = RegistryKey::Open(kWindowPositionsKey);
+  return key && RegQueryValueExA(key, name, nullptr, nullptr, static_cast<BYTE*>(data), &size) == ERROR_SUCCESS;
+}
+
+void WriteValue(const char* name, DWORD type, const void* data, DWORD size) {
+  const RegistryKey key = RegistryKey::Create(kWindowPositionsKey);
+  if (key) RegSetValueExA(key, name, 0, type, static_cast<const BYTE*>(data), size);
+}
+
+void WritePosition(const char* name, const RECT& position) {
+  wchar_t wide[kTextCharacters];
+  FormatBounded(wide, sizeof(wide), L"%d,%d,%d,%d", position.left, position.top, position.right, position.bottom);
+  char text[kTextCharacters];
+  const int size = WideCharToMultiByte(CP_ACP, 0, wide, -1, text, sizeof(text), nullptr, nullptr);
+  WriteValue(name, REG_SZ, text, size);
+}
+
+RECT StoredPosition(HWND window, const char* name) {
+  // One byte more than is ever read: a value stored without its terminator has one here.
+  char text[kTextCharacters] = "";
+  if (ReadValue(name, text, sizeof(text) - 1)) return ParsePosition(text);
+  RECT desktop{}, present{};
+  GetClientRect(GetDesktopWindow(), &desktop);
+  GetWindowRect(window, &present);
+  return CentredPosition({desktop.right, desktop.bottom}, {present.right - present.left, present.bottom - present.top});
+}
+
+// The distance between two edges; the nearest that fits for edges that no screen has.
+int Extent(LONG from, LONG to) {
+  return static_cast<int>(std::clamp<long long>(static_cast<long long>(to) - from, INT_MIN, INT_MAX));
+}
+
+BOOL SavePosition(HWND window, const char* name) {
+  // Neither is where the window will want to be the next time.
+  if (IsIconic(window) || IsZoomed(window)) return FALSE;
+  RECT position{};
+  GetWindowRect(window, &position);
+  WritePosition(name, position);
+  return TRUE;
+}
+
+}  // namespace
+
+RECT ParsePosition(const char* text) {
+  const char* fields[] = {text, text, text, text};
+  for (int i = 1; i < 4; ++i) {
+    const char* comma = std::strchr(fields[i - 1], ',');
+    if (!comma) break;
+    fields[i] = comma + 1;
+  }
+  const auto number = [](const char* field) { return std::strtol(field, nullptr, 10); };
+  return {number(fields[0]), number(fields[1]), number(fields[2]), number(fields[3])};
+}
+
+RECT ClampPosition(RECT position) {
+  position.left = std::max(position.left, 0L);
+  position.top = std::max(position.top, 0L);
+  return position;
+}
+
+RECT CentredPosition(SIZE desktop, SIZE window) {
+  const LONG left = desktop.cx / 2 - (window.cx >> 1);
+  const LONG top = desktop.cy / 2 - (window.cy >> 1);
+  return {left, top, left + window.cx, top + window.cy};
+}
+
+BOOL WindowPosition(HWND window, const char* name, int mode) {
+  if (!IsWindow(window) || IsBadReadPtr(name, 1) || mode < kPositionSave) return FALSE;
+  if (mode == kPositionSave) return SavePosition(window, name);
+  const RECT position = ClampPosition(StoredPosition(window, name));
+  switch (mode) {
+    case kPositionRestore:
+      SetWindowPos(window, nullptr, position.left, position.top, Extent(position.left, position.right),
+                   Extent(position.top, position.bottom), SWP_SHOWWINDOW);
+      break;
+    case kPositionRestorePlace: SetWindowPos(window, nullptr, position.left, position.top, 0, 0, SWP_NOSIZE); break;
+    default: WritePosition(name, position); break;
+  }
+  return TRUE;
+}
+
+BOOL WindowNumber(const char* name, DWORD* number, int mode) {
+  if (IsBadReadPtr(name, 1) || IsBadWritePtr(number, sizeof(*number))) return FALSE;
+  switch (mode) {
+    case kPositionSave: WriteValue(name, REG_DWORD, number, sizeof(*number)); return TRUE;
+    case kPositionRestore:
+    case kPositionRestorePlace: {
+      // Read beside the number: a value that is too long may leave anything behind.
+      DWORD stored = *number;
+      if (ReadValue(name, &stored, sizeof(stored))) *number = stored;
+      return TRUE;
+    }
+    default: return FALSE;
+  }
+}
+
+}  // namespace kv

@@ -1,0 +1,23 @@
+#include "gallery/texts.h"
+
+#include "framework/modules.h"
+
+namespace gallery {
+
+namespace {
+
+std::wstring Load(HINSTANCE module, UINT id) {
+  // With a size of 0 the call gives the address of the text itself, which has no terminator.
+  const wchar_t* text = nullptr;
+  const int length = LoadStringW(module, id, reinterpret_cast<LPWSTR>(&text), 0);
+  return length > 0 ? std::wstring(text, length) : std::wstring();
+}
+
+}  // namespace
+
+std::wstring Text(UINT id) {
+  std::wstring text = Load(kv::modules.resources, id);
+  return text.empty() ? Load(kv::modules.application, id) : text;
+}
+
+}  // namespace gallery

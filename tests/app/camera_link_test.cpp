@@ -1,0 +1,285 @@
+#include "app/camera_link.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <string>
+#include <thread>
+
+#include "app/camera_record.h"
+#include "tests/support/serial_line.h"
+#include "tests/support/test_window.h"
+
+namespace kv {
+namespace {
+
+using kvtest::PlayedCamera;
+using kvtest::SerialLine;
+using kvtest::WaitUntil;
+using std::chrono::milliseconds;
+
+constexpr int kPort = 3, kFarPort = 4;
+
+bool IsAt(const CameraPoint& point, LONG x, LONG y) {
+  return point.x == x && point.y == y;
+}
+
+// A context as start-up and the main dialog make it, and the reader thread on request.
+class CameraLinkTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(line_.isPlugged());
+    context_.hQuitEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    context_.hConnectEvent = CreateEventA(nullptr, TRUE, TRUE, nullptr);
+    context_.nPort = -1;
+    context_.hPort = INVALID_HANDLE_VALUE;
+  }
+  void TearDown() override {
+    if (context_.hPort != INVALID_HANDLE_VALUE) CloseHandle(context_.hPort);
+    context_.hPort = INVALID_HANDLE_VALUE;
+    SetEvent(context_.hQuitEvent);
+    if (context_.hReaderThread) {
+      EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(context_.hReaderThread, 1000)) << "the reader did not end";
+      DWORD code = 0;
+      GetExitCodeThread(context_.hReaderThread, &code);
+      EXPECT_EQ(1u, code);
+      CloseHandle(context_.hReaderThread);
+    }
+    CloseHandle(context_.hQuitEvent);
+    CloseHandle(context_.hConnectEvent);
+  }
+
+  void StartReader() {
+    context_.hReaderThread = CreateThread(nullptr, 0, CameraReaderThread, &context_, 0, &context_.dwReaderThreadId);
+  }
+  void OpenAndRead() {
+    context_.hPort = OpenCameraPort(kPort);
+    ASSERT_NE(INVALID_HANDLE_VALUE, context_.hPort);
+    context_.nPort = kPort;
+    StartReader();
+  }
+  bool FirstPointBecomes(LONG x, LONG y, milliseconds limit = milliseconds(3000)) {
+    return WaitUntil([&] { return IsAt(context_.points[0], x, y); }, limit);
+  }
+  // Lets the line be quiet for long enough that a started read has ended.
+  void Quiet() { Sleep(60); }
+
+  SerialLine line_{kPort, kFarPort};
+  PlayedCamera camera_{kFarPort};
+  AppContext context_{};
+};
+
+std::string RecordOf(LONG x, LONG y) {
+  const CameraPoint points[kPointCount] = {{x, y}, {1, 2}, {kNoPoint, kNoPoint}, {4, 5}};
+  char record[kRecordLength];
+  WriteRecord(points, record);
+  return std::string(record, sizeof(record));
+}
+
+TEST_F(CameraLinkTest, OpensWithTheCamerasLineSettings) {
+  for (const int number : {-1, 0, 1000}) EXPECT_EQ(INVALID_HANDLE_VALUE, OpenCameraPort(number));
+  EXPECT_EQ(INVALID_HANDLE_VALUE, OpenCameraPort(97));
+  HANDLE port = OpenCameraPort(kPort);
+  ASSERT_NE(INVALID_HANDLE_VALUE, port);
+  DCB state{};
+  state.DCBlength = sizeof(state);
+  ASSERT_TRUE(GetCommState(port, &state));
+  EXPECT_EQ(38400u, state.BaudRate);
+  EXPECT_EQ(8, state.ByteSize);
+  EXPECT_EQ(NOPARITY, state.Parity);
+  EXPECT_EQ(ONESTOPBIT, state.StopBits);
+  EXPECT_FALSE(state.fOutX || state.fInX || state.fOutxCtsFlow || state.fOutxDsrFlow);
+  COMMTIMEOUTS timeouts{};
+  ASSERT_TRUE(GetCommTimeouts(port, &timeouts));
+  EXPECT_EQ(5u, timeouts.ReadIntervalTimeout);
+  EXPECT_EQ(0u, timeouts.ReadTotalTimeoutConstant | timeouts.ReadTotalTimeoutMultiplier);
+
+  EXPECT_EQ(1u, SetPortBaudRate(port, 9600));
+  ASSERT_TRUE(GetCommState(port, &state));
+  EXPECT_EQ(9600u, state.BaudRate);
+  EXPECT_EQ(8, state.ByteSize);
+  CloseHandle(port);
+  EXPECT_EQ(0u, SetPortBaudRate(port, 9600));
+  EXPECT_EQ(0u, SetPortBaudRate(INVALID_HANDLE_VALUE, 9600));
+}
+
+TEST_F(CameraLinkTest, TransactionSendsAndListens) {
+  HANDLE port = OpenCameraPort(kPort);
+  OVERLAPPED overlapped{};
+  overlapped.hEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+  char reply[256] = "untouched";
+  EXPECT_EQ(0u, PortTransaction(INVALID_HANDLE_VALUE, nullptr, nullptr, reply, &overlapped));
+  EXPECT_EQ(0u, PortTransaction(port, nullptr, nullptr, reply, nullptr));
+  EXPECT_EQ(0u, PortTransaction(port, nullptr, nullptr, nullptr, &overlapped));
+  EXPECT_EQ(7u, PortTransaction(port, nullptr, "command", nullptr, &overlapped));
+
+  const DWORD start = GetTickCount();
+  EXPECT_EQ(0u, PortTransaction(port, nullptr, nullptr, reply, &overlapped));
+  EXPECT_GE(GetTickCount() - start, 200u);
+  EXPECT_STREQ("untouched", reply);
+  CloseHandle(port);
+
+  port = OpenCameraPort(kPort);
+  std::thread answer([&] {
+    Sleep(60);
+    camera_.Send("fifteen bytes..");
+  });
+  EXPECT_EQ(15u, PortTransaction(port, context_.hQuitEvent, nullptr, reply, &overlapped));
+  EXPECT_STREQ("fifteen bytes..", reply);
+  answer.join();
+  CloseHandle(port);
+
+  // The extra event ends the wait early.
+  port = OpenCameraPort(kPort);
+  SetEvent(context_.hQuitEvent);
+  const DWORD again = GetTickCount();
+  EXPECT_EQ(0u, PortTransaction(port, context_.hQuitEvent, nullptr, reply, &overlapped));
+  EXPECT_LT(GetTickCount() - again, 150u);
+  CloseHandle(port);
+  CloseHandle(overlapped.hEvent);
+}
+
+// Sends the same bytes every 40 ms until it goes out of scope.
+class Chatter {
+ public:
+  Chatter(PlayedCamera* camera, std::string bytes)
+      : thread_([this, camera, bytes = std::move(bytes)] {
+          while (!stop_) {
+            camera->Send(bytes);
+            Sleep(40);
+          }
+        }) {}
+  ~Chatter() {
+    stop_ = true;
+    thread_.join();
+  }
+
+ private:
+  std::atomic<bool> stop_{false};
+  std::thread thread_;
+};
+
+TEST_F(CameraLinkTest, ScanPassesSilentPortsAndTakesTheCameras) {
+  const SerialLine silent(2, 12);
+  EXPECT_EQ(0u, ConnectCamera(nullptr, TRUE));
+  EXPECT_EQ(0u, ConnectCamera(&context_, TRUE)) << "nobody sends";
+  EXPECT_EQ(-1, context_.nPort);
+  EXPECT_EQ(INVALID_HANDLE_VALUE, context_.hPort);
+
+  const Chatter chatter(&camera_, RecordOf(1, 2));
+  ResetEvent(context_.hConnectEvent);
+  ASSERT_EQ(1u, ConnectCamera(&context_, TRUE));
+  EXPECT_EQ(3, context_.nPort);
+  EXPECT_EQ(1u, context_.bConnected);
+  EXPECT_NE(INVALID_HANDLE_VALUE, context_.hPort);
+  EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(context_.hConnectEvent, 0));
+
+  HANDLE first = context_.hPort;
+  ASSERT_EQ(1u, ConnectCamera(&context_, TRUE)) << "connecting again closes the port first";
+  DWORD flags = 0;
+  EXPECT_TRUE(context_.hPort == first || !GetHandleInformation(first, &flags));
+  EXPECT_EQ(1u, ConnectCamera(&context_, FALSE));
+  EXPECT_EQ(-1, context_.nPort);
+  EXPECT_EQ(0u, context_.bConnected);
+}
+
+TEST_F(CameraLinkTest, ScanWantsMoreThanFifteenBytes) {
+  {
+    const Chatter chatter(&camera_, std::string(15, '1'));
+    EXPECT_EQ(0u, ConnectCamera(&context_, TRUE));
+  }
+  const Chatter chatter(&camera_, std::string(16, '1'));
+  EXPECT_EQ(1u, ConnectCamera(&context_, TRUE));
+}
+
+TEST_F(CameraLinkTest, ReaderStoresChangedPointsOnly) {
+  OpenAndRead();
+  EXPECT_TRUE(IsAt(context_.points[0], 0, 0)) << "nothing before the first record";
+  ASSERT_TRUE(camera_.Send("0100,0200,0300,0400,1023,1023,1023,1023\r\n"));
+  ASSERT_TRUE(WaitUntil([&] { return context_.bChanged && context_.points[3].x == 1023; }));
+  EXPECT_TRUE(IsAt(context_.points[0], 100, 200));
+  EXPECT_TRUE(IsAt(context_.points[1], 300, 400));
+  EXPECT_TRUE(IsAt(context_.points[2], 1023, 1023));
+
+  context_.bChanged = FALSE;
+  ASSERT_TRUE(camera_.Send("0100,0200,0300,0400,1023,1023,1023,1023\r\n"));
+  Quiet();
+  EXPECT_FALSE(context_.bChanged);
+  ASSERT_TRUE(camera_.Send("0100,0200,0300,0400,1023,1023,1023,1022\r\n"));
+  EXPECT_TRUE(WaitUntil([&] { return context_.bChanged && IsAt(context_.points[3], 1023, 1022); }));
+}
+
+TEST_F(CameraLinkTest, ReaderDropsWhatIsNoRecordAndRealigns) {
+  OpenAndRead();
+  ASSERT_TRUE(camera_.Send(RecordOf(10, 10)));
+  ASSERT_TRUE(FirstPointBecomes(10, 10));
+  const std::string disturbed[] = {
+      RecordOf(20, 20).substr(7),                                    // starts in the middle
+      RecordOf(20, 20).substr(0, 40),                                // one byte short
+      RecordOf(20, 20).substr(0, 12) + RecordOf(20, 20).substr(15),  // bytes lost within
+      "x" + RecordOf(20, 20),                                        // garbage in front
+      std::string(300, ','),                                         // nothing but garbage
+      std::string(41, '\0'),
+  };
+  LONG next = 30;
+  for (const std::string& bytes : disturbed) {
+    ASSERT_TRUE(camera_.Send(bytes));
+    Quiet();
+    EXPECT_FALSE(IsAt(context_.points[0], 20, 20)) << bytes;
+    ASSERT_TRUE(camera_.Send(RecordOf(next, next)));
+    EXPECT_TRUE(FirstPointBecomes(next, next)) << "not realigned after " << bytes;
+    Quiet();
+    ++next;
+  }
+}
+
+TEST_F(CameraLinkTest, ReaderJoinsARecordAcrossAShortGapOnly) {
+  OpenAndRead();
+  const std::string late = RecordOf(50, 51);
+  ASSERT_TRUE(camera_.Send(late.substr(0, 20)));
+  Quiet();
+  ASSERT_TRUE(camera_.Send(late.substr(20)));
+  Quiet();
+  EXPECT_FALSE(IsAt(context_.points[0], 50, 51)) << "two halves with a pause between are no record";
+
+  // A busy machine may stretch a gap beyond 5 ms, so one join of several tries is enough.
+  bool joined = false;
+  for (LONG x = 60; x < 70 && !joined; ++x) {
+    const std::string record = RecordOf(x, x);
+    camera_.Send(record.substr(0, 17));
+    camera_.Send(record.substr(17));
+    joined = FirstPointBecomes(x, x, milliseconds(100));
+  }
+  EXPECT_TRUE(joined);
+}
+
+TEST_F(CameraLinkTest, PortThatVanishesUnderAReadIsSurvived) {
+  StartReader();
+  for (LONG round = 1; round <= 3; ++round) {
+    context_.hPort = OpenCameraPort(kPort);
+    ASSERT_NE(INVALID_HANDLE_VALUE, context_.hPort);
+    camera_.Reopen();
+    ASSERT_TRUE(camera_.Send(RecordOf(round, 7)));
+    ASSERT_TRUE(FirstPointBecomes(round, 7));
+    camera_.Send(RecordOf(900, 900).substr(0, 20));
+    line_.Unplug();
+    EXPECT_EQ(1u, ConnectCamera(&context_, FALSE));
+    EXPECT_TRUE(IsAt(context_.points[0], round, 7));
+    line_.PlugIn();
+    ASSERT_TRUE(line_.isPlugged());
+  }
+}
+
+TEST_F(CameraLinkTest, ConnectAndDisconnectUnderStreaming) {
+  StartReader();
+  const Chatter chatter(&camera_, RecordOf(77, 78));
+  for (int round = 0; round < 3; ++round) {
+    context_.points[0] = {};
+    ASSERT_EQ(1u, ConnectCamera(&context_, TRUE));
+    EXPECT_TRUE(FirstPointBecomes(77, 78));
+    EXPECT_EQ(1u, ConnectCamera(&context_, FALSE));
+  }
+}
+
+}  // namespace
+}  // namespace kv

@@ -1,0 +1,244 @@
+#include "app/main_dialog.h"
+
+#include <commctrl.h>
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+#include "app/main_dialog_geometry.h"
+#include "app/optical_flow_chart.h"
+#include "app/resource_ids.h"
+#include "framework/control_class.h"
+#include "framework/dialog.h"
+#include "framework/guards.h"
+#include "framework/modules.h"
+#include "tests/support/test_window.h"
+
+namespace kv {
+namespace {
+
+using kvtest::PumpMessages;
+
+class MainDialogTest : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    HINSTANCE instance = GetModuleHandleA(nullptr);
+    modules = {.resources = instance, .application = instance};
+    ASSERT_TRUE(RegisterDialogClass(instance, TRUE));
+    ASSERT_TRUE(RegisterChartClass(instance, TRUE));
+  }
+  static void TearDownTestSuite() {
+    HINSTANCE instance = GetModuleHandleA(nullptr);
+    RegisterChartClass(instance, FALSE);
+    RegisterDialogClass(instance, FALSE);
+  }
+  void SetUp() override {
+    RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\korvel");
+    context_.hQuitEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    ModelessDialogs(nullptr, nullptr, kModelessReset);
+    dialog_ = CreateDialogParamW(modules.resources, kMainDialogTemplate, nullptr, MainDialogProcedure,
+                                 reinterpret_cast<LPARAM>(&context_));
+    ASSERT_NE(nullptr, dialog_);
+    ShowWindow(dialog_, SW_SHOW);
+    UpdateWindow(dialog_);
+  }
+  void TearDown() override {
+    if (GetWindowLongA(dialog_, DWL_USER)) SendMessageA(dialog_, WM_CLOSE, 0, 0);
+    DestroyWindow(dialog_);
+    PumpMessages();
+    CloseHandle(context_.hQuitEvent);
+  }
+
+  INT_PTR Call(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) {
+    return MainDialogProcedure(dialog_, message, wParam, lParam);
+  }
+  std::string Text(int id) {
+    char text[128] = "";
+    GetDlgItemTextA(dialog_, id, text, sizeof(text));
+    return text;
+  }
+  FlowPoints Shown() {
+    FlowPoints points{};
+    SendDlgItemMessageA(dialog_, IDC_CHART, kControlCommand, kCommandRead | kChartPoints,
+                        reinterpret_cast<LPARAM>(&points));
+    return points;
+  }
+  void Arrive(LONG x, LONG y) {
+    context_.points[0] = {x, y};
+    context_.bChanged = TRUE;
+  }
+  // The colour in the face of a status button, apart from its text.
+  COLORREF Face(int id) {
+    kvtest::Picture picture(60, 16);
+    DRAWITEMSTRUCT item{.CtlType = ODT_BUTTON, .CtlID = static_cast<UINT>(id), .itemAction = ODA_DRAWENTIRE};
+    item.hwndItem = GetDlgItem(dialog_, id);
+    item.hDC = picture.dc();
+    item.rcItem = {0, 0, 60, 16};
+    EXPECT_EQ(1, Call(WM_DRAWITEM, id, reinterpret_cast<LPARAM>(&item)));
+    return picture.At(3, 5);
+  }
+
+  AppContext context_{};
+  HWND dialog_ = nullptr;
+};
+
+TEST_F(MainDialogTest, StartsIdleWithThePageShown) {
+  EXPECT_EQ(0, context_.nTabPage);
+  EXPECT_EQ(-1, context_.nPort);
+  EXPECT_EQ(INVALID_HANDLE_VALUE, context_.hPort);
+  EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(context_.hConnectEvent, 0)) << "starts signalled";
+  EXPECT_EQ("---", Text(IDC_PORT));
+  EXPECT_TRUE(IsWindowVisible(GetDlgItem(dialog_, IDC_CHART)));
+  EXPECT_GT(context_.layout[0].width, 500);
+  HWND toolbar = GetDlgItem(dialog_, IDC_TOOLBAR);
+  TBBUTTON button{};
+  EXPECT_EQ(2, SendMessageA(toolbar, TB_BUTTONCOUNT, 0, 0));
+  SendMessageA(toolbar, TB_GETBUTTON, 1, reinterpret_cast<LPARAM>(&button));
+  EXPECT_EQ(32, button.iBitmap);
+  EXPECT_EQ(IDM_CONNECT, button.idCommand);
+  wchar_t text[32] = L"";
+  TCITEMW page{.mask = TCIF_TEXT | TCIF_PARAM, .pszText = text, .cchTextMax = ARRAYSIZE(text), .lParam = 9};
+  SendDlgItemMessageW(dialog_, IDC_PAGES, TCM_GETITEMW, 0, reinterpret_cast<LPARAM>(&page));
+  EXPECT_STREQ(L"Diagram", text);
+  EXPECT_EQ(0, page.lParam);
+}
+
+TEST_F(MainDialogTest, NewPointsReachTheChartOnceUnlessPaused) {
+  Arrive(100, 200);
+  Call(WM_TIMER, kPointsTimer);
+  EXPECT_EQ(100, Shown().points[0].x);
+  EXPECT_EQ(0u, context_.bChanged);
+  EXPECT_EQ("-", Text(IDC_POINT_1)) << "no port, no numbers";
+
+  context_.nPort = 7;
+  Call(WM_COMMAND, IDM_PAUSE);
+  Arrive(300, 400);
+  Call(WM_TIMER, kPointsTimer);
+  EXPECT_EQ(100, Shown().points[0].x) << "the chart stands still while paused";
+  EXPECT_EQ(1u, context_.bChanged);
+  EXPECT_EQ("300,400", Text(IDC_POINT_1)) << "the numbers do not";
+
+  Call(WM_COMMAND, IDM_PAUSE);
+  Call(WM_TIMER, kPointsTimer);
+  EXPECT_EQ(300, Shown().points[0].x);
+}
+
+TEST_F(MainDialogTest, StatusButtonsTellTheState) {
+  const COLORREF idle = Face(IDC_PORT);
+  EXPECT_GT(GetBValue(idle), GetRValue(idle) + 60) << "blue";
+  context_.hPort = CreateEventA(nullptr, TRUE, FALSE, nullptr);  // any handle that closing may close
+  const COLORREF running = Face(IDC_PORT);
+  EXPECT_GT(GetGValue(running), GetRValue(running) + 60) << "green";
+  EXPECT_EQ(idle, Face(IDC_POINT_1));
+  Call(WM_COMMAND, IDM_PAUSE);
+  const COLORREF paused = Face(IDC_PORT);
+  EXPECT_GT(GetRValue(paused), GetBValue(paused) + 60) << "amber";
+  Call(WM_TIMER, kBlinkTimer);
+  EXPECT_NE(paused, Face(IDC_PORT)) << "blinks while paused";
+  EXPECT_EQ(idle, Face(IDC_POINT_2)) << "the points do not";
+  Call(WM_TIMER, kBlinkTimer);
+  EXPECT_EQ(paused, Face(IDC_PORT));
+}
+
+TEST_F(MainDialogTest, CommandsDoWhatTheySay) {
+  Call(WM_COMMAND, 32768 + 5);
+  EXPECT_EQ(5, context_.nMenuSelection);
+  Call(WM_COMMAND, 33767);
+  EXPECT_EQ(999, context_.nMenuSelection);
+  Call(WM_COMMAND, 33768);
+  Call(WM_COMMAND, IDM_RESERVED);
+  EXPECT_EQ(999, context_.nMenuSelection);
+
+  Call(WM_HSCROLL, 0, reinterpret_cast<LPARAM>(GetDlgItem(dialog_, IDC_CHART)));
+  EXPECT_EQ(0u, context_.bChanged);
+  HWND nameless = kvtest::CreateControl(dialog_, "SCROLLBAR", "", 0, {0, 0, 10, 10}, -1);
+  Call(WM_HSCROLL, 0, reinterpret_cast<LPARAM>(nameless));
+  EXPECT_EQ(1u, context_.bChanged);
+
+  MSG message;
+  while (PeekMessageA(&message, dialog_, WM_CLOSE, WM_CLOSE, PM_REMOVE)) {
+  }
+  Call(WM_COMMAND, IDM_CLOSE);
+  EXPECT_TRUE(PeekMessageA(&message, dialog_, WM_CLOSE, WM_CLOSE, PM_REMOVE));
+}
+
+TEST_F(MainDialogTest, EnterNeverClosesAndTabWalksTheControls) {
+  SetForegroundWindow(dialog_);
+  SetFocus(GetDlgItem(dialog_, IDC_PORT));
+  std::set<int> visited;
+  for (int i = 0; i < 12; ++i) {
+    MSG tab{.hwnd = GetFocus(), .message = WM_KEYDOWN, .wParam = VK_TAB};
+    EXPECT_TRUE(ModelessDialogs(nullptr, &tab, kModelessDispatch));
+    visited.insert(GetDlgCtrlID(GetFocus()));
+  }
+  for (const int id : {IDC_PAGES, IDC_PORT, IDC_POINT_1, IDC_POINT_4}) EXPECT_TRUE(visited.contains(id)) << id;
+
+  MSG enter{.hwnd = GetDlgItem(dialog_, IDC_PAGES), .message = WM_KEYDOWN, .wParam = VK_RETURN};
+  SetFocus(enter.hwnd);
+  EXPECT_TRUE(ModelessDialogs(nullptr, &enter, kModelessDispatch));
+  PumpMessages();
+  EXPECT_TRUE(IsWindowVisible(dialog_));
+  EXPECT_NE(0, GetWindowLongA(dialog_, DWL_USER));
+}
+
+TEST_F(MainDialogTest, LayoutFillsTheWindowAtEverySize) {
+  for (const SIZE size : {SIZE{412, 412}, SIZE{1000, 500}, SIZE{500, 900}}) {
+    SetWindowPos(dialog_, nullptr, 0, 0, size.cx, size.cy, SWP_NOZORDER);
+    RECT client{}, chart{}, tab{}, bar{}, port{};
+    GetClientRect(dialog_, &client);
+    const auto place = [&](int id, RECT* rect) {
+      GetWindowRect(GetDlgItem(dialog_, id), rect);
+      MapWindowPoints(nullptr, dialog_, reinterpret_cast<POINT*>(rect), 2);
+    };
+    place(IDC_CHART, &chart);
+    place(IDC_PAGES, &tab);
+    place(IDC_STATUS_BAR, &bar);
+    place(IDC_POINT_4, &port);
+    EXPECT_EQ(client.bottom, bar.bottom);
+    EXPECT_EQ(client.bottom - 1, port.bottom);
+    EXPECT_GE(port.left, bar.left);
+    EXPECT_TRUE(tab.left < chart.left && tab.right > chart.right && tab.bottom > chart.bottom);
+    EXPECT_LE(tab.bottom, bar.top);
+    EXPECT_NEAR(context_.fScaleX, static_cast<double>(client.right) / context_.layout[0].width, 0.001);
+  }
+  RECT tooSmall{100, 100, 200, 200};
+  EXPECT_EQ(1, Call(WM_SIZING, WMSZ_BOTTOMRIGHT, reinterpret_cast<LPARAM>(&tooSmall)));
+  EXPECT_EQ(512, tooSmall.right);
+  EXPECT_EQ(512, tooSmall.bottom);
+}
+
+TEST_F(MainDialogTest, RefusesAnUnusableRecordInEveryHandler) {
+  kvtest::GuardedBytes cut(sizeof(AppContext) - 1);
+  const LONG record = SetWindowLongA(dialog_, DWL_USER, reinterpret_cast<LONG>(cut.data()));
+  for (const UINT message : {WM_SIZE, WM_PAINT, WM_CLOSE, WM_DRAWITEM, WM_NOTIFY, WM_COMMAND, WM_TIMER, WM_HSCROLL}) {
+    EXPECT_EQ(1, Call(message, 1, 0)) << message;
+  }
+  EXPECT_EQ(1, Call(WM_INITDIALOG, 0, 0));
+  SetWindowLongA(dialog_, DWL_USER, record);
+  EXPECT_EQ(1, Call(WM_DRAWITEM, 0, 1)) << "unreadable item";
+  EXPECT_EQ(0, Call(WM_NOTIFY, 0, 1)) << "unreadable notice";
+}
+
+TEST_F(MainDialogTest, CloseRemembersTheWindowAndStopsTheReader) {
+  SetWindowPos(dialog_, nullptr, 30, 40, 700, 600, SWP_NOZORDER);
+  HANDLE thread = nullptr;
+  DuplicateHandle(GetCurrentProcess(), context_.hReaderThread, GetCurrentProcess(), &thread, 0, FALSE,
+                  DUPLICATE_SAME_ACCESS);
+  PumpMessages();
+  EXPECT_EQ(1, Call(WM_CLOSE));
+  MSG quit{};
+  EXPECT_TRUE(PeekMessageA(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+  EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(thread, 0));
+  CloseHandle(thread);
+  EXPECT_EQ(0, GetWindowLongA(dialog_, DWL_USER));
+  EXPECT_TRUE(IsWindow(dialog_)) << "goes with the process";
+  char stored[64] = "";
+  DWORD size = sizeof(stored);
+  const RegistryKey key = RegistryKey::Open("Software\\korvel\\WindowPositions");
+  RegQueryValueExA(key, kMainPositionName, nullptr, nullptr, reinterpret_cast<BYTE*>(stored), &size);
+  EXPECT_STREQ("30,40,730,640", stored);
+}
+
+}  // namespace
+}  // namespace kv

@@ -1,0 +1,180 @@
+#include "app/optical_flow_chart.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <random>
+
+#include "framework/control_class.h"
+#include "tests/support/message_storm.h"
+#include "tests/support/test_window.h"
+
+namespace kv {
+namespace {
+
+using kvtest::Picture;
+using kvtest::RecordingParent;
+
+constexpr COLORREF kBlack = RGB(0, 0, 0);
+
+class ChartTest : public testing::Test {
+ protected:
+  static void SetUpTestSuite() { ASSERT_TRUE(RegisterChartClass(GetModuleHandleA(nullptr), TRUE)); }
+  static void TearDownTestSuite() { EXPECT_TRUE(RegisterChartClass(GetModuleHandleA(nullptr), FALSE)); }
+
+  LRESULT Command(WPARAM wParam, void* address = nullptr) {
+    return SendMessageA(chart_, kControlCommand, wParam, reinterpret_cast<LPARAM>(address));
+  }
+  FlowPoints Read() {
+    FlowPoints points{.mask = 0xFFFF};
+    EXPECT_EQ(0, Command(kCommandRead | kChartPoints, &points));
+    return points;
+  }
+  // What stands on the clipboard, which is emptied.
+  static SIZE ClipboardPictureSize(Picture* copyTo = nullptr) {
+    BITMAP shape{};
+    if (!OpenClipboard(nullptr)) return {-1, -1};
+    auto bitmap = static_cast<HBITMAP>(GetClipboardData(CF_BITMAP));
+    if (bitmap) GetObjectA(bitmap, sizeof(shape), &shape);
+    if (bitmap && copyTo) {
+      HDC dc = CreateCompatibleDC(nullptr);
+      HGDIOBJ old = SelectObject(dc, bitmap);
+      BitBlt(copyTo->dc(), 0, 0, copyTo->width(), copyTo->height(), dc, 0, 0, SRCCOPY);
+      SelectObject(dc, old);
+      DeleteDC(dc);
+    }
+    EmptyClipboard();
+    CloseClipboard();
+    return {shape.bmWidth, shape.bmHeight};
+  }
+
+  RecordingParent parent_{true};
+  HWND chart_ = kvtest::CreateControl(parent_, kChartClass, "", 0, {0, 0, 512, 384}, 1100);
+};
+
+bool IsNowhere(const CameraPoint& point) {
+  return point.x == kNoPoint && point.y == kNoPoint;
+}
+
+TEST_F(ChartTest, ExchangesPointsThroughItsMask) {
+  FlowPoints read = Read();
+  EXPECT_EQ(0u, read.mask);
+  for (const CameraPoint& point : read.points) EXPECT_TRUE(IsNowhere(point));
+
+  FlowPoints set{.mask = 0b1011, .points = {{2000, -5}, {40, 900}, {7, 8}, {300, 1023}}};
+  EXPECT_EQ(0, Command(kChartPoints, &set));
+  read = Read();
+  EXPECT_EQ(1023, read.points[0].x);
+  EXPECT_EQ(0, read.points[0].y);
+  EXPECT_EQ(900, read.points[1].y) << "clamped to 1023 only";
+  EXPECT_TRUE(IsNowhere(read.points[2])) << "not in the mask";
+  EXPECT_EQ(0b0010u, read.mask) << "a point with one coordinate at 1023 is not shown";
+
+  FlowPoints remove{.mask = 0b0010, .points = {{1, 1}, {1, 1}, {1, 1}, {1, 1}}};
+  EXPECT_EQ(0, Command(kCommandRemove | kChartPoints, &remove));
+  EXPECT_TRUE(IsNowhere(Read().points[1]));
+  EXPECT_EQ(0, Read().points[0].y) << "others stay";
+  EXPECT_EQ(0, Command(kChartClear));
+  EXPECT_TRUE(IsNowhere(Read().points[0]));
+}
+
+TEST_F(ChartTest, RefusesBadAddresses) {
+  EXPECT_EQ(1, Command(kChartPoints, nullptr));
+  kvtest::GuardedBytes tooSmall(sizeof(FlowPoints) - 1);
+  EXPECT_EQ(1, Command(kCommandRead | kChartPoints, tooSmall.data()));
+  kvtest::GuardedBytes readOnly(sizeof(FlowPoints));
+  readOnly.MakeReadOnly();
+  EXPECT_EQ(1, Command(kChartPoints, readOnly.data()));
+  EXPECT_EQ(0, Command(0x55, nullptr)) << "unknown operations do nothing";
+}
+
+TEST_F(ChartTest, DrawsEachPointOnItsPlaceAndNothingElse) {
+  Picture picture(512, 384);
+  Command(kChartClear);
+  SendMessageA(chart_, WM_COPY, 0, 0);
+  SIZE size = ClipboardPictureSize(&picture);
+  EXPECT_EQ(512, size.cx);
+  EXPECT_EQ(384, size.cy);
+  EXPECT_EQ(512 * 384, picture.CountOf(kBlack)) << "without points the field is plain black";
+
+  FlowPoints set{.mask = 15, .points = {{100, 100}, {900, 100}, {512, 600}, {kNoPoint, 300}}};
+  Command(kChartPoints, &set);
+  SendMessageA(chart_, WM_COPY, 0, 0);
+  ClipboardPictureSize(&picture);
+  EXPECT_NE(kBlack, picture.At(50, 50));
+  EXPECT_NE(kBlack, picture.At(450, 50));
+  EXPECT_NE(kBlack, picture.At(256, 300));
+  // A marker is 32 camera units wide, which is 16 pixels here: nothing may be lit farther away than that.
+  for (int y = 0; y < 384; ++y) {
+    for (int x = 0; x < 512; ++x) {
+      if (picture.At(x, y) == kBlack) continue;
+      const auto isNear = [&](int px, int py) { return std::abs(x - px) <= 10 && std::abs(y - py) <= 10; };
+      ASSERT_TRUE(isNear(50, 50) || isNear(450, 50) || isNear(256, 300)) << x << "," << y;
+    }
+  }
+  const auto differs = [&] {
+    for (int dy = -8; dy <= 8; ++dy) {
+      for (int dx = -8; dx <= 8; ++dx) {
+        if (picture.At(50 + dx, 50 + dy) != picture.At(450 + dx, 50 + dy)) return true;
+      }
+    }
+    return false;
+  };
+  EXPECT_TRUE(differs()) << "each point has a marker of its own";
+}
+
+TEST_F(ChartTest, CopiesAtTheAskedSizeWithinLimits) {
+  SendMessageA(chart_, WM_COPY, 0, MAKELPARAM(10, 10000));
+  SIZE size = ClipboardPictureSize();
+  EXPECT_EQ(64, size.cx);
+  EXPECT_EQ(5120, size.cy);
+  SendMessageA(chart_, WM_COPY, 0, MAKELPARAM(200, 100));
+  size = ClipboardPictureSize();
+  EXPECT_EQ(200, size.cx);
+  EXPECT_EQ(100, size.cy);
+}
+
+TEST_F(ChartTest, RedrawsOnlyOnDemand) {
+  UpdateWindow(chart_);
+  FlowPoints set{.mask = 1, .points = {{512, 384}}};
+  Command(kChartPoints, &set);
+  EXPECT_EQ(kBlack, [&] {
+    HDC dc = GetDC(chart_);
+    const COLORREF color = GetPixel(dc, 256, 192);
+    ReleaseDC(chart_, dc);
+    return color;
+  }()) << "shown at the next paint only";
+  Command(kCommandRedraw | kChartPoints, &set);
+  EXPECT_FALSE(GetUpdateRect(chart_, nullptr, FALSE)) << "painted at once";
+  HDC dc = GetDC(chart_);
+  EXPECT_NE(kBlack, GetPixel(dc, 256, 192));
+  ReleaseDC(chart_, dc);
+}
+
+TEST_F(ChartTest, SwallowsInputAndPassesDroppedFilesOn) {
+  for (const UINT message : {WM_COMMAND, WM_MOUSEMOVE, WM_LBUTTONDOWN, WM_LBUTTONDBLCLK, WM_MBUTTONUP}) {
+    EXPECT_EQ(0, SendMessageA(chart_, message, 0, 0));
+  }
+  EXPECT_EQ(DLGC_STATIC, SendMessageA(chart_, WM_GETDLGCODE, 0, 0));
+  parent_.Answer([](HWND, UINT message, WPARAM wParam, LPARAM, LRESULT* result) {
+    *result = 4711;
+    return message == WM_DROPFILES && wParam == 12;
+  });
+  EXPECT_EQ(4711, SendMessageA(chart_, WM_DROPFILES, 12, 0));
+}
+
+TEST_F(ChartTest, SurvivesEmptySizesAndAStormOfMessages) {
+  MoveWindow(chart_, 0, 0, 0, 0, TRUE);
+  FlowPoints set{.mask = 15, .points = {{1, 2}, {3, 4}, {5, 6}, {7, 8}}};
+  EXPECT_EQ(0, Command(kCommandRedraw | kChartPoints, &set));
+  SendMessageA(chart_, WM_COPY, 0, 0);
+  MoveWindow(chart_, 0, 0, 100, 100, TRUE);
+  EXPECT_EQ(15u, Read().mask);
+  kvtest::SendMessageStorm(chart_);
+  EXPECT_TRUE(IsWindow(chart_));
+  EXPECT_EQ(0, Command(kChartClear));
+  EXPECT_EQ(0u, Read().mask);
+}
+
+}  // namespace
+}  // namespace kv

@@ -1,0 +1,75 @@
+#include "export/terminal_edit.h"
+
+#include <gtest/gtest.h>
+#include <richedit.h>
+
+#include "tests/support/test_window.h"
+
+namespace {
+
+using kvtest::RecordingParent;
+
+CHARFORMAT2A FormatOf(HWND edit) {
+  CHARFORMAT2A format{};
+  format.cbSize = sizeof(format);
+  SendMessageA(edit, EM_GETCHARFORMAT, SCF_SELECTION, reinterpret_cast<LPARAM>(&format));
+  return format;
+}
+
+// The program loads the older library, whose class the newer one stands behind.
+struct Version {
+  const char* library;
+  const char* className;
+};
+
+void ClearsAndColoursARealControl(RecordingParent& parent, const Version& version) {
+  SCOPED_TRACE(version.className);
+  ASSERT_TRUE(LoadLibraryA(version.library));  // kept: it is there for the program's whole life
+  HWND edit = kvtest::CreateControl(parent, version.className, "old text", ES_MULTILINE, {0, 0, 300, 200}, 7);
+  ASSERT_TRUE(edit);
+  SendMessageA(edit, EM_SETEVENTMASK, 0, ENM_SELCHANGE);
+  UpdateWindow(edit);
+
+  EXPECT_EQ(1, kv::styleTerminalEdit(edit));
+  EXPECT_EQ(0, GetWindowTextLengthA(edit));
+  EXPECT_TRUE(GetUpdateRect(edit, nullptr, FALSE));
+  EXPECT_EQ(ENM_SELCHANGE | 0x130001, SendMessageA(edit, EM_GETEVENTMASK, 0, 0));
+  // Whether it scrolls by itself depends on the scroll bars the control was made with.
+  constexpr LRESULT kOptions = ECO_AUTOWORDSELECTION | ECO_NOHIDESEL | ECO_WANTRETURN;
+  EXPECT_EQ(kOptions, SendMessageA(edit, EM_GETOPTIONS, 0, 0) & ~(ECO_AUTOVSCROLL | ECO_AUTOHSCROLL));
+
+  SendMessageA(edit, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>("$GPRMC"));
+  SendMessageA(edit, EM_SETSEL, 0, -1);
+  const CHARFORMAT2A format = FormatOf(edit);
+  EXPECT_EQ(0x80FF40u, format.crTextColor);
+  EXPECT_EQ(0u, format.crBackColor);
+  EXPECT_EQ(192, format.yHeight);
+  EXPECT_EQ(FW_BOLD, format.wWeight);
+  EXPECT_STREQ("Terminal", format.szFaceName);
+  SendMessageA(edit, EM_SETSEL, 6, 6);
+
+  // Black where no letter is, green letters.
+  kvtest::PumpMessages();
+  kvtest::Picture seen(300, 200);
+  HDC dc = GetDC(edit);
+  BitBlt(seen.dc(), 0, 0, 300, 200, dc, 0, 0, SRCCOPY);
+  ReleaseDC(edit, dc);
+  EXPECT_EQ(0u, seen.At(250, 150));
+  EXPECT_GT(seen.CountOf(0x80FF40), 20);
+  DestroyWindow(edit);
+}
+
+TEST(TerminalEdit, StylesEveryVersionAndLeavesOtherWindowsAlone) {
+  RecordingParent parent(true, 300, 200);
+  for (const Version& version : {Version{"RichEd32.dll", "RICHEDIT"}, Version{"RichEd20.dll", "RichEdit20A"},
+                                 Version{"RichEd20.dll", "RichEdit20W"}}) {
+    ClearsAndColoursARealControl(parent, version);
+  }
+  kvtest::PumpMessages();
+  ASSERT_FALSE(GetUpdateRect(parent, nullptr, FALSE));
+  EXPECT_EQ(1, kv::styleTerminalEdit(nullptr));
+  EXPECT_EQ(1, kv::styleTerminalEdit(reinterpret_cast<HWND>(0x12345)));
+  EXPECT_FALSE(GetUpdateRect(parent, nullptr, FALSE));  // a null window would repaint everything on the screen
+}
+
+}  // namespace

@@ -1,0 +1,88 @@
+#include "tests/support/serial_line.h"
+
+#include <cstdio>
+#include <string>
+
+#include "app/camera_link.h"
+#include "app/camera_record.h"
+
+namespace kvtest {
+
+namespace {
+
+// KV_SOURCE_DIR is the project's folder on the machine that runs Wine, which it shows as drive Z.
+bool IsMarked(int port) {
+  char path[MAX_PATH];
+  std::snprintf(path, sizeof(path), "Z:%s/build/serial/line-com%d.pid", KV_SOURCE_DIR, port);
+  return GetFileAttributesA(path) != INVALID_FILE_ATTRIBUTES;
+}
+
+// Wine starts the machine's own programs, but gives no handle to wait for: the marker file tells the end.
+bool RunPairScript(const std::string& arguments, int port, bool expectMarked) {
+  std::string command = "\"Z:\\bin\\bash\" \"" KV_SOURCE_DIR "/tools/serial_pair.sh\" " + arguments;
+  STARTUPINFOA start{};
+  start.cb = sizeof(start);
+  PROCESS_INFORMATION process{};
+  if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &process)) {
+    return false;
+  }
+  for (int waited = 0; waited < 10000; waited += 5) {
+    if (IsMarked(port) == expectMarked) return true;
+    Sleep(5);
+  }
+  return false;
+}
+
+}  // namespace
+
+SerialLine::SerialLine(int port, int farPort) : port_(port), farPort_(farPort) {
+  PlugIn();
+}
+
+SerialLine::~SerialLine() {
+  Unplug();
+}
+
+void SerialLine::Unplug() {
+  if (plugged_) RunPairScript("unplug com" + std::to_string(port_), port_, false);
+  plugged_ = false;
+}
+
+void SerialLine::PlugIn() {
+  const std::string ports = "com" + std::to_string(port_) + " com" + std::to_string(farPort_);
+  plugged_ = RunPairScript("plug " + ports, port_, true);
+}
+
+PlayedCamera::PlayedCamera(int farPort)
+    : farPort_(farPort), port_(kv::OpenCameraPort(farPort)), written_(CreateEventA(nullptr, TRUE, FALSE, nullptr)) {}
+
+PlayedCamera::~PlayedCamera() {
+  if (isOpen()) CloseHandle(port_);
+  CloseHandle(written_);
+}
+
+void PlayedCamera::Reopen() {
+  if (isOpen()) CloseHandle(port_);
+  port_ = kv::OpenCameraPort(farPort_);
+}
+
+bool PlayedCamera::Send(std::string_view bytes) {
+  OVERLAPPED overlapped{};
+  overlapped.hEvent = written_;
+  ResetEvent(written_);
+  DWORD written = 0;
+  if (!WriteFile(port_, bytes.data(), static_cast<DWORD>(bytes.size()), &written, &overlapped)) {
+    if (GetLastError() != ERROR_IO_PENDING) return false;
+    if (WaitForSingleObject(written_, 100) != WAIT_OBJECT_0) CancelIo(port_);
+    if (!GetOverlappedResult(port_, &overlapped, &written, TRUE)) return false;
+  }
+  return written == bytes.size();
+}
+
+bool PlayedCamera::SendRecord(const kv::CameraPoint (&points)[kv::kPointCount]) {
+  char record[kv::kRecordLength];
+  kv::WriteRecord(points, record);
+  return Send(std::string_view(record, sizeof(record)));
+}
+
+}  // namespace kvtest

@@ -1,0 +1,70 @@
+// uidriver: what ./run asks of a running Tarnwick when there is no person in front of it.
+//
+//   uidriver button    prints "X Y", where the connect button is on the screen
+//   uidriver points    waits until points arrive and move, prints the port and the points
+//   uidriver close     closes the window as its close box does, and waits until it is gone
+#include <windows.h>
+
+#include <cstdio>
+#include <cstring>
+
+#include "app/resource_ids.h"
+#include "tools/uidriver/driver.h"
+
+namespace {
+
+constexpr DWORD kPatienceMs = 30000;
+
+int Fail(const char* message) {
+  std::fprintf(stderr, "uidriver: %s\n", message);
+  return 1;
+}
+
+int PrintButton(HWND window) {
+  const POINT centre = uidriver::ToolbarButtonCentre(window, IDM_CONNECT);
+  if (centre.x < 0) return Fail("the toolbar has no connect button");
+  std::printf("%ld %ld\n", centre.x, centre.y);
+  return 0;
+}
+
+bool ShowsPoints(const std::array<std::string, 5>& texts) {
+  return texts[0].starts_with("COM") && texts[1].find(',') != std::string::npos;
+}
+
+int PrintPoints(HWND window) {
+  std::array<std::string, 5> first{};
+  for (DWORD start = GetTickCount(); GetTickCount() - start < kPatienceMs; Sleep(50)) {
+    const auto texts = uidriver::StatusTexts(window);
+    if (!ShowsPoints(texts)) continue;
+    if (first[0].empty()) first = texts;
+    if (texts == first) continue;
+    std::printf("port %s, points %s %s %s %s\n", texts[0].c_str(), texts[1].c_str(), texts[2].c_str(), texts[3].c_str(),
+                texts[4].c_str());
+    return 0;
+  }
+  return Fail(first[0].empty() ? "the tool found no port on which a camera sends"
+                               : "points arrived but did not move; is the camera still sending?");
+}
+
+int Close(HWND window) {
+  PostMessageA(window, WM_CLOSE, 0, 0);
+  for (DWORD start = GetTickCount(); GetTickCount() - start < kPatienceMs; Sleep(20)) {
+    if (!IsWindow(window)) return 0;
+  }
+  return Fail("the window did not close");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  constexpr struct {
+    const char* name;
+    int (*run)(HWND);
+  } kVerbs[] = {{"button", PrintButton}, {"points", PrintPoints}, {"close", Close}};
+  for (const auto& verb : kVerbs) {
+    if (argc != 2 || std::strcmp(argv[1], verb.name) != 0) continue;
+    HWND window = uidriver::WaitForTarnwick(kPatienceMs);
+    return window ? verb.run(window) : Fail("no Tarnwick window appeared");
+  }
+  return Fail("usage: uidriver button | points | close");
+}
