@@ -129,10 +129,22 @@ class RegistryKey {
     RegOpenKeyExA(HKEY_CURRENT_USER, path, 0, KEY_ALL_ACCESS, &key);
     return RegistryKey(key);
   }
+  static RegistryKey Open(const wchar_t* path) {
+    HKEY key = nullptr;
+    RegOpenKeyExW(HKEY_CURRENT_USER, path, 0, KEY_ALL_ACCESS, &key);
+    return RegistryKey(key);
+  }
   static RegistryKey Create(const char* path) {
     HKEY key = nullptr;
     char noClass[] = "";
     RegCreateKeyExA(HKEY_CURRENT_USER, path, 0, noClass, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr, &key,
+                    nullptr);
+    return RegistryKey(key);
+  }
+  static RegistryKey Create(const wchar_t* path) {
+    HKEY key = nullptr;
+    wchar_t noClass[] = L"";
+    RegCreateKeyExW(HKEY_CURRENT_USER, path, 0, noClass, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr, &key,
                     nullptr);
     return RegistryKey(key);
   }

@@ -1,0 +1,12 @@
+# kv_add_resource_library(NAME script.rc)
+# A library that holds resources and no code, not even an entry point. It is loaded, never linked.
+function(kv_add_resource_library name script)
+  add_library(${name} MODULE ${script})
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
+  set_target_properties(${name} PROPERTIES PREFIX "" SUFFIX ".dll" LINKER_LANGUAGE C)
+  if(MSVC)
+    target_link_options(${name} PRIVATE /NOENTRY)
+  else()
+    target_link_options(${name} PRIVATE -nostdlib -Wl,--entry=0)
+  endif()
+endfunction()

@@ -1,0 +1,39 @@
+// The taskbar's notification area, and notices about USB devices that come and go. Main thread only.
+#pragma once
+
+#include <windows.h>
+
+#include <shellapi.h>
+
+namespace kv {
+
+// What the shell sends to the owner for mouse events over the icon: the icon's identifier in wParam, the mouse message
+// in lParam. Numeric value 1025.
+inline constexpr UINT kNotificationCallback = WM_USER + 1;
+
+// The longest tip, terminator included; a longer one is cut.
+inline constexpr int kNotificationTipCharacters = 64;
+
+// Adds the icon that `owner` knows as `id`. A tip that is not readable stays empty. The owner removes the icon before
+// it is destroyed. All three return the shell's answer: 0 when there is no notification area or the icon is not known.
+BOOL AddNotificationIcon(HWND owner, UINT id, HICON icon, const char* tip);
+
+// Changes what is given: an icon of 0 and a tip that is not readable leave what is shown.
+BOOL ChangeNotificationIcon(HWND owner, UINT id, HICON icon, const char* tip);
+
+// Removes the icon and has the whole desktop repainted, so that no image of it is left behind.
+BOOL RemoveNotificationIcon(HWND owner, UINT id);
+
+// Non-zero `registerThem`: has WM_DEVICECHANGE sent to the window `target` whenever a USB device comes or goes, and
+// returns the notification's handle, or 0 if that failed. Zero: ends the notification `target`, and returns 0.
+HDEVNOTIFY DeviceNotices(HANDLE target, BOOL registerThem);
+
+// The system calls behind all this. A test puts its own functions here; production code never does.
+struct NotificationCalls {
+  decltype(&::Shell_NotifyIconA) notifyIcon;
+  decltype(&::RegisterDeviceNotificationA) registerDevices;
+  decltype(&::UnregisterDeviceNotification) unregisterDevices;
+};
+extern NotificationCalls notificationCalls;
+
+}  // namespace kv

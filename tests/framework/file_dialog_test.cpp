@@ -1,0 +1,176 @@
+#include "framework/file_dialog.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cwchar>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "tests/support/test_window.h"
+
+namespace kv {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr wchar_t kTitle[] = L"kvTest: choose α file";
+constexpr int kFilterList = 0x470, kNameList = 0x47C, kNameEdit = 0x480;  // the common dialog's control ids
+
+std::wstring TextOf(HWND window) {
+  wchar_t text[1024] = L"";
+  SendMessageW(window, WM_GETTEXT, ARRAYSIZE(text), reinterpret_cast<LPARAM>(text));
+  return text;
+}
+
+// The user: a thread that sees the dialog come up, reads it and answers it.
+class User {
+ public:
+  using Answer = std::function<void(HWND dialog)>;
+
+  // The first window with the dialog's title is answered by the first answer, the next one by the second ...
+  explicit User(std::vector<Answer> answers) : thread_([this, answers] { Act(answers); }) {}
+  ~User() { thread_.join(); }
+
+ private:
+  static HWND Find(HWND except) {
+    HWND found = nullptr;
+    while ((found = FindWindowExW(nullptr, found, L"#32770", kTitle)) != nullptr) {
+      if (found != except && IsWindowVisible(found)) return found;
+    }
+    return nullptr;
+  }
+  static void Act(const std::vector<Answer>& answers) {
+    HWND window = nullptr;
+    for (const Answer& answer : answers) {
+      const HWND previous = window;
+      if (!kvtest::WaitUntil([&] { return (window = Find(previous)) != nullptr; }, std::chrono::seconds(10))) {
+        ADD_FAILURE() << "no window came up to be answered";
+        return;
+      }
+      answer(window);
+    }
+  }
+  std::thread thread_;
+};
+
+HWND NameField(HWND dialog) {
+  const HWND list = GetDlgItem(dialog, kNameList);
+  return list ? list : GetDlgItem(dialog, kNameEdit);
+}
+
+void Type(HWND dialog, const std::wstring& name) {
+  SendMessageW(NameField(dialog), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(name.c_str()));
+  PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+}
+
+void Cancel(HWND dialog) {
+  PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+}
+
+// A folder of the test's own whose name no code page holds.
+class FileDialog : public testing::Test {
+ protected:
+  FileDialog() { fs::create_directories(folder_); }
+  ~FileDialog() override {
+    EXPECT_EQ(workingFolder_, fs::current_path());  // the dialog never moves it
+    fs::remove_all(folder_);
+  }
+
+  BOOL Choose(const fs::path& proposed, BOOL save) {
+    wcscpy(path_, proposed.c_str());
+    return ChooseFile(nullptr, path_, kTitle, save);
+  }
+
+  const fs::path workingFolder_ = fs::current_path();
+  const fs::path folder_ = fs::temp_directory_path() / (L"kv 日本 Ω " + std::to_wstring(GetCurrentProcessId()));
+  wchar_t path_[kPathCharacters] = L"";
+};
+
+TEST_F(FileDialog, OpenProposesTheFileWithItsTypeAndGivesTheChosenOne) {
+  std::wstring name, type, allTypes;
+  const User user({[&](HWND dialog) {
+    name = TextOf(NameField(dialog));
+    const auto entry = [&](int index) {
+      wchar_t text[256] = L"";
+      SendDlgItemMessageW(dialog, kFilterList, CB_GETLBTEXT, index, reinterpret_cast<LPARAM>(text));
+      return std::wstring(text);
+    };
+    type = entry(0);
+    allTypes = entry(1);
+    EXPECT_EQ(0, SendDlgItemMessageW(dialog, kFilterList, CB_GETCURSEL, 0, 0));
+    EXPECT_EQ(2, SendDlgItemMessageW(dialog, kFilterList, CB_GETCOUNT, 0, 0));
+    Type(dialog, L"another Ω 名.kml");
+  }});
+  EXPECT_TRUE(Choose(folder_ / L"my track α.kml", FALSE));
+  EXPECT_EQ(folder_ / L"another Ω 名.kml", path_);
+  EXPECT_EQ(L"my track α.kml", name);
+  EXPECT_EQ(L"kml files (*.kml)", type);
+  EXPECT_EQ(L"All files (*.*)", allTypes);
+  EXPECT_TRUE(fs::is_empty(folder_));
+}
+
+TEST_F(FileDialog, SaveMakesTheProposedPathAFolderFirst) {
+  const User user({[&](HWND dialog) {
+    EXPECT_TRUE(fs::is_directory(folder_ / L"track.kml"));
+    Type(dialog, L"other.kml");
+  }});
+  EXPECT_TRUE(Choose(folder_ / L"track.kml", TRUE));
+  EXPECT_EQ(folder_ / L"other.kml", path_);
+  EXPECT_FALSE(fs::exists(path_));
+}
+
+TEST_F(FileDialog, CancellingShowsNothingAndKeepsThePath) {
+  const User user({Cancel});
+  EXPECT_FALSE(Choose(folder_ / L"track.kml", FALSE));
+  EXPECT_EQ(folder_ / L"track.kml", path_);
+}
+
+TEST_F(FileDialog, AFailureIsShownWithItsCode) {
+  std::wstring text;
+  const User user({[](HWND dialog) { Type(dialog, std::wstring(230, L'n') + L".kml"); },
+                   [&](HWND box) {
+                     constexpr int kMessageText = 0xFFFF;
+                     text = TextOf(GetDlgItem(box, kMessageText));
+                     PostMessageW(box, WM_COMMAND, IDOK, 0);
+                   }});
+  EXPECT_FALSE(Choose(folder_ / L"track.kml", FALSE));
+  EXPECT_EQ(L"Error 12291", text);  // the chosen path does not fit into the buffer
+  EXPECT_EQ(folder_ / L"track.kml", path_);
+}
+
+TEST_F(FileDialog, RefusesWhatIsNoPathWithoutADialog) {
+  wchar_t endless[kPathCharacters];
+  std::wmemset(endless, L'x', kPathCharacters);
+  EXPECT_FALSE(ChooseFile(nullptr, endless, kTitle, TRUE));
+  EXPECT_FALSE(ChooseFile(nullptr, nullptr, kTitle, TRUE));
+  EXPECT_FALSE(ChooseFile(nullptr, path_, nullptr, TRUE));
+  kvtest::GuardedBytes path(kPathCharacters * sizeof(wchar_t));
+  EXPECT_FALSE(ChooseFile(nullptr, path.as<wchar_t>() + 1, kTitle, TRUE));
+  path.MakeReadOnly();
+  EXPECT_FALSE(ChooseFile(nullptr, path.as<wchar_t>(), kTitle, TRUE));
+}
+
+std::wstring FilterOf(const std::wstring& extension, size_t length) {
+  return {BuildFilterText(extension.c_str()).text, length};
+}
+
+TEST(FilterText, IsPairsWithADoubleZeroAtTheEnd) {
+  const std::wstring all = std::wstring(L"All files (*.*)") + L'\0' + L"*.*" + L'\0' + L'\0';
+  const std::wstring kml = std::wstring(L"kml files (*.kml)") + L'\0' + L"*.kml" + L'\0' + all;
+  EXPECT_EQ(kml, FilterOf(L".kml", kml.size()));
+  const std::wstring none = std::wstring(L" files (*)") + L'\0' + L"*" + L'\0' + all;
+  EXPECT_EQ(none, FilterOf(L"", none.size()));
+
+  // Separators beyond the first 256 characters stay; the list ends all the same.
+  const FilterText filter = BuildFilterText((L"." + std::wstring(258, L'e')).c_str());
+  EXPECT_EQ(L'\r', filter.text[wcslen(filter.text) - 1]);
+  EXPECT_EQ(L'\0', filter.text[ARRAYSIZE(filter.text) - 1]);
+}
+
+}  // namespace
+}  // namespace kv
