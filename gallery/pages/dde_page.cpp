@@ -25,19 +25,13 @@ HDDEDATA CALLBACK IgnoreTransaction(UINT, UINT, HCONV, HSZ, HSZ, HDDEDATA, ULONG
   return nullptr;
 }
 
-std::string Hexadecimal(const void* value) {
-  char text[16];
-  kv::FormatBoundedA(text, sizeof(text), "%08X", value);
-  return text;
-}
-
 std::string FieldText(HWND page, int controlId) {
   char text[256] = "";
   GetDlgItemTextA(page, controlId, text, sizeof(text));
   return text;
 }
 
-void Log(HWND page, const std::string& line) {
+void AppendToLog(HWND page, const char* text) {
   HWND log = GetDlgItem(page, IDC_DDE_LOG);
   LONG end = GetWindowTextLengthA(log);
   if (end > kLongestLog) {
@@ -45,14 +39,28 @@ void Log(HWND page, const std::string& line) {
     end = 0;
   }
   SendMessageA(log, EM_SETSEL, end, end);
-  SendMessageA(log, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>((line + "\r\n").c_str()));
+  SendMessageA(log, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(text));
+}
+
+template <class... Values>
+void Log(HWND page, const char* format, Values... values) {
+  char line[1024];
+  kv::FormatBoundedA(line, sizeof(line), format, values...);
+  AppendToLog(page, line);
+  AppendToLog(page, "\r\n");
+}
+
+void ShowWord(HWND page, int controlId, const void* word) {
+  char text[16];
+  kv::FormatBoundedA(text, sizeof(text), " %08X", word);
+  SetDlgItemTextA(page, controlId, text);
 }
 
 void ShowState(HWND page) {
   const kv::ExcelLinkState& link = kv::excelLinkState;
-  SetDlgItemTextA(page, IDC_DDE_INSTANCE, (" " + Hexadecimal(reinterpret_cast<void*>(link.ddeInstance))).c_str());
-  SetDlgItemTextA(page, IDC_DDE_SYSTEM, (" " + Hexadecimal(link.systemConversation)).c_str());
-  SetDlgItemTextA(page, IDC_DDE_WORKBOOK, (" " + Hexadecimal(link.workbookConversation)).c_str());
+  ShowWord(page, IDC_DDE_INSTANCE, reinterpret_cast<void*>(link.ddeInstance));
+  ShowWord(page, IDC_DDE_SYSTEM, link.systemConversation);
+  ShowWord(page, IDC_DDE_WORKBOOK, link.workbookConversation);
   EnableWindow(GetDlgItem(page, IDC_DDE_CONNECT), !conversation);
   for (int id : {IDC_DDE_DISCONNECT, IDC_DDE_REQUEST, IDC_DDE_POKE, IDC_DDE_EXECUTE}) {
     EnableWindow(GetDlgItem(page, id), conversation != nullptr);
@@ -63,22 +71,23 @@ void Connect(HWND page) {
   if (!instance) DdeInitializeA(&instance, IgnoreTransaction, APPCMD_CLIENTONLY, 0);
   const std::string service = FieldText(page, IDC_DDE_SERVICE), topic = FieldText(page, IDC_DDE_TOPIC);
   conversation = kv::ddeConnect(instance, service.c_str(), topic.c_str());
-  Log(page, "ddeConnect \"" + service + "\" \"" + topic + "\" = " + Hexadecimal(conversation));
+  Log(page, "ddeConnect \"%s\" \"%s\" = %08X", service.c_str(), topic.c_str(), conversation);
 }
 
 void Disconnect(HWND page) {
   const BOOL done = kv::ddeDisconnect(conversation);
   conversation = nullptr;
-  Log(page, "ddeDisconnect = " + std::to_string(done));
+  Log(page, "ddeDisconnect = %d", done);
 }
 
 void Request(HWND page) {
   const std::string item = FieldText(page, IDC_DDE_ITEM);
-  std::string answer(kv::kDdeAnswerSize, '\0');
-  const BOOL done = kv::ddeRequest(instance, conversation, item.c_str(), answer.data(), kAnswerTimeoutMs);
-  Log(page, "ddeRequest \"" + item + "\" = " + std::to_string(done));
-  answer.resize(answer.find('\0') == std::string::npos ? answer.size() : answer.find('\0'));
-  if (!answer.empty()) Log(page, answer);
+  char answer[kv::kDdeAnswerSize + 1] = "";  // the longest answer brings no terminator
+  const BOOL done = kv::ddeRequest(instance, conversation, item.c_str(), answer, kAnswerTimeoutMs);
+  Log(page, "ddeRequest \"%s\" = %d", item.c_str(), done);
+  if (!answer[0]) return;
+  AppendToLog(page, answer);
+  AppendToLog(page, "\r\n");
 }
 
 void Poke(HWND page) {
@@ -86,17 +95,18 @@ void Poke(HWND page) {
   std::string text = FieldText(page, IDC_DDE_TEXT);
   if (IsDlgButtonChecked(page, IDC_DDE_COMMA)) kv::decimalPointToComma(text.data());
   HDDEDATA done = kv::ddePoke(instance, conversation, item.c_str(), text.c_str(), kAnswerTimeoutMs);
-  Log(page, "ddePoke \"" + item + "\" \"" + text + "\" = " + Hexadecimal(done));
+  Log(page, "ddePoke \"%s\" \"%s\" = %08X", item.c_str(), text.c_str(), done);
 }
 
 void Execute(HWND page) {
   const std::string command = FieldText(page, IDC_DDE_TEXT);
   const BOOL done = kv::ddeExecute(instance, conversation, command.c_str());
-  Log(page, "ddeExecute \"" + command + "\" = " + std::to_string(done));
+  Log(page, "ddeExecute \"%s\" = %d", command.c_str(), done);
 }
 
 void SetLink(HWND page, BOOL open) {
-  Log(page, "excelLink " + std::to_string(open) + " = " + std::to_string(kv::excelLink(open)));
+  const BOOL result = kv::excelLink(open);
+  Log(page, "excelLink %d = %d", open, result);
 }
 
 INT_PTR OnInit(HWND page, WPARAM wParam, LPARAM lParam) {

@@ -77,14 +77,15 @@ void PostData(HWND server, HWND client, const std::string& bytes, UINT_PTR item)
 }
 
 void Initiate(HWND client, ATOM application, ATOM topic) {
-  const bool asked = application == 0 || NameOf(application) == service;  // no name asks for any server
-  const bool mine = asked && ("," + topics + ",").find("," + NameOf(topic) + ",") != std::string::npos;
-  Log("connect " + NameOf(application) + "|" + NameOf(topic) + (mine ? ": accepted" : ": not mine"));
+  const std::string askedFor = NameOf(application), askedAbout = NameOf(topic);
+  const bool serves = application == 0 || askedFor == service;  // no name asks for any server
+  const bool mine = serves && ("," + topics + ",").find("," + askedAbout + ",") != std::string::npos;
+  Log("connect " + askedFor + "|" + askedAbout + (mine ? ": accepted" : ": not mine"));
   if (!mine) return;
-  HWND conversation = CreateWindowExA(0, "DdeServerConversation", NameOf(topic).c_str(), 0, 0, 0, 0, 0, HWND_MESSAGE,
+  HWND conversation = CreateWindowExA(0, "DdeServerConversation", askedAbout.c_str(), 0, 0, 0, 0, 0, HWND_MESSAGE,
                                       nullptr, nullptr, nullptr);
   SendMessageA(client, WM_DDE_ACK, reinterpret_cast<WPARAM>(conversation),
-               MAKELPARAM(GlobalAddAtomA(service.c_str()), GlobalAddAtomA(NameOf(topic).c_str())));
+               MAKELPARAM(GlobalAddAtomA(service.c_str()), GlobalAddAtomA(askedAbout.c_str())));
 }
 
 void Request(HWND server, HWND client, UINT_PTR format, UINT_PTR item) {

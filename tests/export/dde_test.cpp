@@ -51,8 +51,8 @@ const testing::Environment* const ownDesktop = testing::AddGlobalTestEnvironment
 class Server {
  public:
   explicit Server(const std::string& arguments) : begin_(Transcript().size()) {
-    const std::string log = Beside("dde_transcript.txt");
-    std::string command = "\"" + Beside("dde_server.exe") + "\" \"" + log + "\" " + arguments;
+    const std::string program = Beside("dde_server.exe"), log = Beside("dde_transcript.txt");
+    std::string command = "\"" + program + "\" \"" + log + "\" " + arguments;
     STARTUPINFOA startup{};
     startup.cb = sizeof(startup);
     startup.lpDesktop = desktopName.data();
