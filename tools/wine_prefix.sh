@@ -13,6 +13,7 @@ make_prefix() {
   local replacements='HKCU\Software\Wine\Fonts\Replacements'
   env -u DISPLAY wine reg add "$replacements" /v "Arial Unicode MS" /d "Liberation Sans" /f
   env -u DISPLAY wine reg add "$replacements" /v "Microsoft Sans Serif" /d "Liberation Sans" /f
+  env -u DISPLAY wine reg add "$replacements" /v "Terminal" /d "Liberation Mono" /f
   wineserver -w
 }
 
