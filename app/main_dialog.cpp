@@ -67,6 +67,12 @@ INT_PTR OnDrawItem(const AppContext* context, const DRAWITEMSTRUCT* item) {
   return 1;
 }
 
+// The status buttons paint their whole face; being erased before each repaint they would flicker.
+INT_PTR OnButtonColor(HWND button) {
+  const int id = GetDlgCtrlID(button);
+  return id >= IDC_PORT && id <= IDC_POINT_4 ? reinterpret_cast<INT_PTR>(GetStockObject(NULL_BRUSH)) : 0;
+}
+
 // ---- Commands ------------------------------------------------------------------------------------------------------
 
 void CheckToolbarButton(HWND dialog, int command, bool checked) {
@@ -211,6 +217,7 @@ INT_PTR CALLBACK MainDialogProcedure(HWND dialog, UINT message, WPARAM wParam, L
   switch (message) {
     case WM_INITDIALOG: return SetUpMainDialog(dialog, reinterpret_cast<AppContext*>(lParam));
     case WM_MEASUREITEM: return IsBadReadPtr(reinterpret_cast<void*>(lParam), sizeof(MEASUREITEMSTRUCT)) ? 1 : 0;
+    case WM_CTLCOLORBTN: return OnButtonColor(reinterpret_cast<HWND>(lParam));
     case WM_SIZING:
       return LimitSizing(static_cast<UINT>(wParam), reinterpret_cast<RECT*>(lParam), kSmallestWidth, kSmallestHeight);
     case WM_SIZE:

@@ -50,8 +50,11 @@ use_wine_desktop() {
   if [ -n "$size" ]; then
     wine reg add "$key" /v Desktop /d Bench /f >/dev/null 2>&1
     wine reg add "$key\Desktops" /v Bench /d "$size" /f >/dev/null 2>&1
-    # An idle program holds the desktop open as long as this script runs, or it would close behind the last test and take
-    # the next one, just starting, with it.
+    # The desktop stands before anything uses it: whatever program opened it would stay tied to it by its output. An idle
+    # program then keeps it open as long as this script runs, or it would close behind the last program and take the next
+    # one, just starting, with it.
+    wine explorer "/desktop=Bench,$size" >/dev/null 2>&1 &
+    timeout 30 xdotool search --sync --name 'Wine desktop' >/dev/null 2>&1 || die "the Wine desktop did not start"
     exec {desktop_holder}> >(wine cmd >/dev/null 2>&1)
   else
     wine reg delete "$key" /v Desktop /f >/dev/null 2>&1 || true

@@ -139,6 +139,9 @@ TEST_F(MainDialogTest, StatusButtonsTellTheState) {
   EXPECT_EQ(idle, Face(IDC_POINT_2)) << "the points do not";
   Call(WM_TIMER, kBlinkTimer);
   EXPECT_EQ(paused, Face(IDC_PORT));
+  EXPECT_EQ(reinterpret_cast<INT_PTR>(GetStockObject(NULL_BRUSH)),
+            Call(WM_CTLCOLORBTN, 0, reinterpret_cast<LPARAM>(GetDlgItem(dialog_, IDC_PORT))))
+      << "erasing them would flicker";
 }
 
 TEST_F(MainDialogTest, CommandsDoWhatTheySay) {
