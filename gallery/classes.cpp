@@ -1,7 +1,9 @@
 #include "gallery/classes.h"
 
 #include "app/optical_flow_chart.h"
+#include "controls/simple_bitmap.h"
 #include "framework/dialog.h"
+#include "lists/extended_list.h"
 
 namespace gallery {
 
@@ -9,7 +11,9 @@ void RegisterAllClasses(HINSTANCE instance, BOOL registerThem) {
   using Registration = BOOL (*)(HINSTANCE, BOOL);
   constexpr Registration kRegistrations[] = {
       kv::RegisterDialogClass,
+      kv::RegisterSimpleBitmapClass,
       kv::RegisterChartClass,
+      kv::RegisterExtendedListClass,
   };
   for (const Registration registration : kRegistrations) registration(instance, registerThem);
 }

@@ -4,8 +4,10 @@
 #include <cstring>
 
 #include "framework/modules.h"
+#include "gallery/pages/bitmap_page.h"
 #include "gallery/pages/chart_page.h"
 #include "gallery/pages/dialog_services_page.h"
+#include "gallery/pages/list_page.h"
 #include "gallery/pages/overview_page.h"
 
 namespace gallery {
@@ -17,6 +19,8 @@ constexpr Page kPages[] = {
     {"overview", L"PAGE_OVERVIEW", OverviewPageProcedure},
     {"dialog-services", L"PAGE_DIALOG_SERVICES", DialogServicesPageProcedure},
     {"chart", L"PAGE_CHART", ChartPageProcedure},
+    {"bitmap", L"PAGE_BITMAP", BitmapPageProcedure},
+    {"list", L"PAGE_LIST", ListPageProcedure},
 };
 
 std::array<HWND, std::size(kPages)> windows;
