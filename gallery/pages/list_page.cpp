@@ -162,11 +162,22 @@ void GoTo(HWND page, long long position) {
   SendMessageA(ListOf(page), WM_VSCROLL, SB_ENDSCROLL, 0);
 }
 
+long long ListHeight() {
+  return static_cast<long long>(state.rowCount) * state.rowHeight;
+}
+
+// The bar does not count the header, so the last row hides below the bar's end; the list itself goes on.
+void ShowLastRow(HWND page) {
+  GoTo(page, ListHeight());
+  for (int i = 0; i < 2; ++i) SendMessageA(ListOf(page), WM_VSCROLL, SB_LINEDOWN, 0);
+}
+
 int Position(HWND page) {
   return GetScrollPos(ListOf(page), SB_VERT);
 }
 
-// Row count and row height do not move the bars by themselves; a WM_SIZE does.
+// Row count and row height do not move the bars by themselves; a WM_SIZE does, once the list has measured its rows, and
+// that it does only while it can be seen.
 void Apply(HWND page) {
   const LRESULT count = SendDlgItemMessageA(page, IDC_LIST_COUNT, CB_GETCURSEL, 0, 0);
   const LRESULT height = SendDlgItemMessageA(page, IDC_LIST_HEIGHT, CB_GETCURSEL, 0, 0);
@@ -183,15 +194,14 @@ void OnWheel(HWND page, int delta) {
 }
 
 void OnCommand(HWND page, int controlId, UINT code) {
-  const long long listHeight = static_cast<long long>(state.rowCount) * state.rowHeight;
   switch (controlId) {
     case IDC_LIST_COUNT:
     case IDC_LIST_HEIGHT:
       if (code == CBN_SELCHANGE) Apply(page);
       break;
     case IDC_LIST_FIRST: GoTo(page, 0); break;
-    case IDC_LIST_MIDDLE: GoTo(page, listHeight / 2); break;
-    case IDC_LIST_LAST: GoTo(page, listHeight); break;
+    case IDC_LIST_MIDDLE: GoTo(page, ListHeight() / 2); break;
+    case IDC_LIST_LAST: ShowLastRow(page); break;
     default: break;
   }
 }
@@ -238,6 +248,9 @@ INT_PTR CALLBACK ListPageProcedure(HWND page, UINT message, WPARAM wParam, LPARA
     case WM_DRAWITEM: OnDrawItem(page, *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam)); return TRUE;
     case WM_COMMAND: OnCommand(page, LOWORD(wParam), HIWORD(wParam)); return TRUE;
     case WM_MOUSEWHEEL: OnWheel(page, GET_WHEEL_DELTA_WPARAM(wParam)); return TRUE;
+    case kPageShown:
+      if (wParam) Apply(page);
+      return TRUE;
     case kShowCost: ShowCost(page); return TRUE;
     case kTextsChanged: OnTextsChanged(page); return TRUE;
     case WM_DESTROY: OnDestroy(); break;
