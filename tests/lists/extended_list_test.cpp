@@ -244,7 +244,13 @@ TEST_F(ExtendedList, MakesItsSettingsKeyAndRefusesMessagesWithoutARecord) {
   EXPECT_TRUE(OpenExtendedListSettings());
   EXPECT_EQ(nullptr, GetCapture());
   RegDeleteKeyA(HKEY_CURRENT_USER, kExtendedListSettingsPath);
+  const auto record = [&] { return reinterpret_cast<HGLOBAL*>(GetWindowLongA(list_, GWL_USERDATA)); };
+  HGLOBAL memory = *record();
+  Send(WM_CREATE);  // a second one must not cost a second record
+  EXPECT_EQ(memory, *record());
   Send(WM_DESTROY);
+  EXPECT_EQ(nullptr, record());
+  EXPECT_EQ(static_cast<UINT>(GMEM_INVALID_HANDLE), GlobalFlags(memory));
   EXPECT_TRUE(OpenExtendedListSettings());
   for (UINT message : {WM_PAINT, WM_SIZE, WM_COMMAND, WM_VSCROLL, WM_MOUSEMOVE, LB_SETCOUNT}) {
     EXPECT_EQ(1, Send(message)) << message;
@@ -264,7 +270,7 @@ TEST_F(ExtendedList, SurvivesAStormOfMessages) {
     if (random() % 16 == 0) Send(messages[random() % ARRAYSIZE(messages)], random());
   };
   const char* wanted = std::getenv("KV_STORM_MESSAGES");
-  for (int i = wanted ? std::atoi(wanted) : 4000; i > 0; --i) {
+  for (int i = wanted ? std::atoi(wanted) : 10000; i > 0; --i) {
     const WPARAM wParam = random() % 8 ? random() % 32 : random();
     SendMessageA(list_, messages[random() % ARRAYSIZE(messages)], wParam, static_cast<LPARAM>(random()));
     if (i % 64 == 0) parent_.seen().clear();
