@@ -7,8 +7,8 @@
 // leaves the control without one; it then shows the button-face colour.
 //
 // Styles, read at each use:
-//   kBitmapTransparent   magenta (255, 0, 255) becomes the button-face colour when the bitmap is loaded
-//   kBitmapSquareByWidth the drawn width is at most the client height
+//   kBitmapTransparent    magenta (255, 0, 255) becomes the button-face colour when the bitmap is loaded
+//   kBitmapSquareByWidth  the drawn width is at most the client height
 //   kBitmapSquareByHeight the drawn height is at most the drawn width
 // A picture smaller than the client area sits in its top left corner; the rest is not painted.
 //

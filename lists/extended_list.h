@@ -6,9 +6,8 @@
 // Messages:
 //   LB_SETCOUNT             wParam: the number of rows, unsigned, at most 2^32 - 1; paints
 //   LB_RESETCONTENT         no rows; paints
-//   LB_SETHORIZONTALEXTENT  wParam: the surface width in pixels, at most 16,384; a negative one counts as 0. At first
-//   it
-//                           is the client width, and it does not follow the window. With 0 nothing is drawn; paints
+//   LB_SETHORIZONTALEXTENT  wParam: the surface width in pixels, at most 16,384; a negative one counts as 0. It begins
+//                           as the client width and does not follow the window. With 0 nothing is drawn; paints
 //   WM_HSCROLL, WM_VSCROLL  move the offsets and paint. The offsets may pass both ends: the surface is then drawn
 //                           farther right or lower down. Only the bars hold their position within their range
 // They answer with 0. The scroll bars are brought up to date by WM_SIZE, by scrolling and by a released left button,

@@ -1,0 +1,100 @@
+// What we promise about the extended list: a redraw costs one header and one screenful of rows, whether the list has a
+// hundred rows or ten million, at its beginning, its middle and its end; and scrolling sideways costs no row at all.
+//
+//   extended_list_benchmark [REDRAWS]
+//
+// Each line: rows in the list, where it is scrolled to, rows asked for by one redraw, and its median and slowest time.
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
+
+#include "lists/extended_list.h"
+
+namespace {
+
+constexpr int kWidth = 1000, kHeight = 700, kColumns = 8, kColumnWidth = 120;
+
+long rowsAsked = 0;
+
+void DrawRow(const DRAWITEMSTRUCT& item) {
+  ++rowsAsked;
+  for (int i = 0; i < kColumns; ++i) {
+    wchar_t text[32];
+    const int length = _snwprintf(text, ARRAYSIZE(text), L"%u", item.itemID * kColumns + i);
+    ExtTextOutW(item.hDC, i * kColumnWidth, item.rcItem.top, 0, nullptr, text, length, nullptr);
+  }
+}
+
+LRESULT CALLBACK ParentProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_MEASUREITEM: return TRUE;  // the list's own row height will do
+    case WM_DRAWITEM: DrawRow(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam)); return TRUE;
+    default: return DefWindowProcA(window, message, wParam, lParam);
+  }
+}
+
+double Milliseconds() {
+  LARGE_INTEGER count, frequency;
+  QueryPerformanceCounter(&count);
+  QueryPerformanceFrequency(&frequency);
+  return 1000.0 * static_cast<double>(count.QuadPart) / static_cast<double>(frequency.QuadPart);
+}
+
+void Measure(HWND list, const char* what, int redraws, UINT message, WPARAM wParam) {
+  std::vector<double> times;
+  rowsAsked = 0;
+  for (int i = 0; i < redraws; ++i) {
+    const double start = Milliseconds();
+    SendMessageA(list, message, wParam, 0);
+    GdiFlush();
+    times.push_back(Milliseconds() - start);
+  }
+  std::sort(times.begin(), times.end());
+  std::printf("%-32s %5.1f rows asked for   median %7.3f ms   slowest %7.3f ms\n", what,
+              static_cast<double>(rowsAsked) / redraws, times[times.size() / 2], times.back());
+}
+
+void MeasureList(HWND list, UINT rowCount, int redraws) {
+  SendMessageA(list, LB_SETCOUNT, rowCount, 0);
+  SendMessageA(list, WM_SIZE, SIZE_RESTORED, 0);
+  const struct {
+    const char* name;
+    double part;
+  } places[] = {{"beginning", 0}, {"middle", 0.5}, {"end", 1}};
+  SCROLLINFO bar{};
+  bar.cbSize = sizeof(bar);
+  bar.fMask = SIF_RANGE;
+  GetScrollInfo(list, SB_VERT, &bar);
+  for (const auto& place : places) {
+    SetScrollPos(list, SB_VERT, static_cast<int>(bar.nMax * place.part), FALSE);
+    char what[64];
+    std::snprintf(what, sizeof(what), "%10u rows, %s", rowCount, place.name);
+    Measure(list, what, redraws, WM_VSCROLL, SB_ENDSCROLL);
+  }
+  char what[64];
+  std::snprintf(what, sizeof(what), "%10u rows, sideways", rowCount);
+  Measure(list, what, redraws, WM_HSCROLL, SB_THUMBPOSITION);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const int redraws = argc > 1 ? std::max(std::atoi(argv[1]), 1) : 200;
+  HINSTANCE instance = GetModuleHandleA(nullptr);
+  WNDCLASSA parentClass{};
+  parentClass.lpfnWndProc = ParentProcedure;
+  parentClass.hInstance = instance;
+  parentClass.lpszClassName = "kvBenchmarkParent";
+  if (!RegisterClassA(&parentClass) || !kv::RegisterExtendedListClass(instance, TRUE)) return 1;
+  HWND parent = CreateWindowA(parentClass.lpszClassName, "extended list", WS_POPUP | WS_VISIBLE, 0, 0, kWidth, kHeight,
+                              nullptr, nullptr, instance, nullptr);
+  HWND list = CreateWindowA(kv::kExtendedListClass, "", WS_CHILD | WS_VISIBLE | WS_HSCROLL | WS_VSCROLL, 0, 0, kWidth,
+                            kHeight, parent, nullptr, instance, nullptr);
+  if (!list) return 1;
+  for (UINT rowCount : {100u, 10000000u}) MeasureList(list, rowCount, redraws);
+  DestroyWindow(parent);
+  return 0;
+}

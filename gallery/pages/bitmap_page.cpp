@@ -1,0 +1,97 @@
+#include "gallery/pages/bitmap_page.h"
+
+#include <iterator>
+
+#include "controls/simple_bitmap.h"
+#include "framework/bounded_format.h"
+#include "gallery/page.h"
+#include "gallery/pages/bitmap_ids.h"
+#include "gallery/texts.h"
+
+namespace gallery {
+
+namespace {
+
+constexpr int kLoggedLines = 200;
+constexpr int kLogLineHeight = 16;
+
+// Three ways to write one number, a name, and a name that no resource has.
+constexpr const wchar_t* kNames[] = {L"301", L"0x12D", L"0455", L"BACKDROP", L"MISSING"};
+
+void Log(HWND page, const wchar_t* line) {
+  HWND log = GetDlgItem(page, IDC_BITMAP_LOG);
+  SendMessageW(log, LB_INSERTSTRING, 0, reinterpret_cast<LPARAM>(line));
+  SendMessageW(log, LB_DELETESTRING, kLoggedLines, 0);
+  SendMessageW(log, LB_SETTOPINDEX, 0, 0);
+}
+
+void LogPictureClick(HWND page, int controlId, UINT textId) {
+  wchar_t line[128];
+  kv::FormatBounded(line, sizeof(line), Text(textId).c_str(), controlId - IDC_BITMAP_PLAIN + 1);
+  Log(page, line);
+}
+
+void OnPictureNotification(HWND page, int controlId, UINT code) {
+  switch (code) {
+    case kv::kBitmapLeftClick: return LogPictureClick(page, controlId, IDS_BITMAP_LEFT);
+    case kv::kBitmapRightClick: return LogPictureClick(page, controlId, IDS_BITMAP_RIGHT);
+    case kv::kBitmapMiddleClick: return LogPictureClick(page, controlId, IDS_BITMAP_MIDDLE);
+    case kv::kBitmapDoubleClick: return LogPictureClick(page, controlId, IDS_BITMAP_DOUBLE);
+    default: return;
+  }
+}
+
+void ShowChosen(HWND page) {
+  const LRESULT choice = SendDlgItemMessageW(page, IDC_BITMAP_NAME, CB_GETCURSEL, 0, 0);
+  if (choice >= 0 && choice < static_cast<LRESULT>(std::size(kNames))) {
+    SetDlgItemTextW(page, IDC_BITMAP_CHOSEN, kNames[choice]);
+  }
+}
+
+void OnCommand(HWND page, int controlId, UINT code) {
+  if (controlId >= IDC_BITMAP_PLAIN && controlId <= IDC_BITMAP_LAST) {
+    return OnPictureNotification(page, controlId, code);
+  }
+  switch (controlId) {
+    case IDC_BITMAP_NAME:
+      if (code == CBN_SELCHANGE) ShowChosen(page);
+      break;
+    case IDC_BITMAP_BUTTON:
+      if (code == BN_CLICKED) Log(page, Text(IDS_BITMAP_BUTTON).c_str());
+      break;
+    case IDC_BITMAP_EDIT:
+      if (code == EN_UPDATE && GetFocus() == GetDlgItem(page, IDC_BITMAP_EDIT))
+        Log(page, Text(IDS_BITMAP_TYPED).c_str());
+      break;
+    case IDC_BITMAP_CLEAR: SendDlgItemMessageW(page, IDC_BITMAP_LOG, LB_RESETCONTENT, 0, 0); break;
+    default: break;
+  }
+}
+
+void OnInit(HWND page) {
+  for (const wchar_t* name : kNames) {
+    SendDlgItemMessageW(page, IDC_BITMAP_NAME, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name));
+  }
+  SendDlgItemMessageW(page, IDC_BITMAP_NAME, CB_SETCURSEL, 0, 0);
+  SendDlgItemMessageW(page, IDC_BITMAP_LOG, LB_SETITEMHEIGHT, 0, kLogLineHeight);
+}
+
+// The template's texts are the pictures' names too; the chosen one is chosen anew.
+void OnTextsChanged(HWND page) {
+  HandlePageMessage(page, kTextsChanged, 0, 0);
+  ShowChosen(page);
+}
+
+}  // namespace
+
+INT_PTR CALLBACK BitmapPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_INITDIALOG: OnInit(page); break;
+    case WM_COMMAND: OnCommand(page, LOWORD(wParam), HIWORD(wParam)); return TRUE;
+    case kTextsChanged: OnTextsChanged(page); return TRUE;
+    default: break;
+  }
+  return HandlePageMessage(page, message, wParam, lParam);
+}
+
+}  // namespace gallery
