@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 #include <numbers>
+#include <type_traits>
 
 #include "framework/painting.h"
 #include "framework/picture.h"
@@ -13,7 +14,9 @@ namespace kv {
 namespace {
 
 constexpr int kLargestFactor = 4;
-constexpr long long kMostPixels = 16LL * 1024 * 1024;  // 64 MB, for the moment of drawing
+constexpr long long kMillion = 1024 * 1024;
+constexpr long long kMostFinePixels = 4 * kMillion;  // 16 MB; beyond, smoothness is not worth more than factor 2
+constexpr long long kMostPixels = 16 * kMillion;     // 64 MB, for the moment of drawing
 
 LONG RoundToLong(double value) {
   constexpr double kLimit = 1 << 24;  // far outside of every picture, yet harmless to GDI's arithmetic
@@ -39,21 +42,66 @@ class FillScope {
   SelectedObject brush_, pen_;
 };
 
-// Averages one row of the result from `factor` rows of the enlarged picture, red and blue together in one word.
-void AverageRow(const DWORD* source, size_t stride, int factor, int width, DWORD* result) {
-  const DWORD count = static_cast<DWORD>(factor) * factor, half = count / 2;
-  for (int x = 0; x < width; ++x, source += factor) {
+// Hands the factor on as a constant: the inner loops are a few times faster when the compiler knows their length.
+template <class Work>
+void WithConstantFactor(int factor, Work work) {
+  switch (factor) {
+    case 1: return work(std::integral_constant<int, 1>());
+    case 2: return work(std::integral_constant<int, 2>());
+    case 3: return work(std::integral_constant<int, 3>());
+    case 4: return work(std::integral_constant<int, 4>());
+  }
+}
+
+template <int kFactor>
+void RepeatPixels(const DWORD* source, LONG width, DWORD* result) {
+  for (LONG x = 0; x < width; ++x, result += kFactor) {
+    for (int column = 0; column < kFactor; ++column) result[column] = source[x];
+  }
+}
+
+// Averages one row of the result, red and blue together in one word.
+template <int kFactor>
+void AveragePixels(const DWORD* source, size_t stride, LONG width, DWORD* result) {
+  constexpr DWORD kCount = kFactor * kFactor, kHalf = kCount / 2;
+  for (LONG x = 0; x < width; ++x, source += kFactor) {
     DWORD redBlue = 0, green = 0;
-    for (int row = 0; row < factor; ++row) {
-      const DWORD* pixel = source + row * stride;
-      for (int column = 0; column < factor; ++column) {
-        redBlue += pixel[column] & 0xFF00FF;
-        green += (pixel[column] >> 8) & 0xFF;
+    for (int row = 0; row < kFactor; ++row) {
+      for (int column = 0; column < kFactor; ++column) {
+        const DWORD pixel = source[row * stride + column];
+        redBlue += pixel & 0xFF00FF;
+        green += pixel & 0x00FF00;
       }
     }
-    const DWORD red = ((redBlue >> 16) + half) / count, blue = ((redBlue & 0xFFFF) + half) / count;
-    result[x] = (red << 16) | (((green + half) / count) << 8) | blue;
+    const DWORD red = ((redBlue >> 16) + kHalf) / kCount, blue = ((redBlue & 0xFFFF) + kHalf) / kCount;
+    result[x] = (red << 16) | ((((green >> 8) + kHalf) / kCount) << 8) | blue;
   }
+}
+
+// An enlarged picture that stays from one use to the next: touching fresh memory costs more than drawing in it. It
+// grows to what is asked for, up to 16 MB.
+struct KeptPicture {
+  OwnedBitmap bitmap;
+  DWORD* pixels = nullptr;
+  LONG width = 0, height = 0;
+  bool taken = false;
+};
+KeptPicture keptPicture;
+
+bool TakeKeptPicture(HDC dc, LONG width, LONG height) {
+  KeptPicture& kept = keptPicture;
+  if (kept.taken || static_cast<long long>(width) * height > kMostFinePixels) return false;
+  if (kept.width < width || kept.height < height) {
+    const LONG wider = std::max(kept.width, width), higher = std::max(kept.height, height);
+    const bool both = static_cast<long long>(wider) * higher <= kMostFinePixels;
+    kept.width = both ? wider : width;
+    kept.height = both ? higher : height;
+    kept.bitmap.Reset();
+    kept.bitmap.Reset(CreatePixels(dc, kept.width, kept.height, &kept.pixels));
+    if (!kept.bitmap) kept.width = kept.height = 0;
+  }
+  kept.taken = kept.bitmap != nullptr;
+  return kept.taken;
 }
 
 }  // namespace
@@ -62,7 +110,7 @@ int SupersampleFactor(LONG width, LONG height) {
   if (width <= 0 || height <= 0) return 0;
   const long long pixels = static_cast<long long>(width) * height;
   int factor = kLargestFactor;
-  while (factor > 0 && pixels * factor * factor > kMostPixels) --factor;
+  while (factor > 0 && pixels * factor * factor > (factor > 2 ? kMostFinePixels : kMostPixels)) --factor;
   return factor;
 }
 
@@ -75,10 +123,13 @@ Supersample::Supersample(HDC target, const RECT& area)
   if (!factor_) return;
   const LONG width = area.right - area.left, height = area.bottom - area.top;
   plain_.Reset(CreatePixels(target, width, height, &plainPixels_));
-  enlarged_.Reset(CreatePixels(target, width * factor_, height * factor_, &enlargedPixels_));
-  if (!plain_ || !enlarged_) return;
+  usesKept_ = TakeKeptPicture(target, width * factor_, height * factor_);
+  if (!usesKept_) enlarged_.Reset(CreatePixels(target, width * factor_, height * factor_, &enlargedPixels_));
+  if (usesKept_) enlargedPixels_ = keptPicture.pixels;
+  stride_ = usesKept_ ? keptPicture.width : width * factor_;
+  if (!plain_ || !enlargedPixels_) return;
   previousPlain_ = SelectObject(plainDc_, plain_);
-  previousEnlarged_ = SelectObject(enlargedDc_, enlarged_);
+  previousEnlarged_ = SelectObject(enlargedDc_, usesKept_ ? keptPicture.bitmap : enlarged_);
   Enlarge();
 }
 
@@ -86,29 +137,33 @@ Supersample::~Supersample() {
   if (previousEnlarged_) Average();
   if (previousEnlarged_) SelectObject(enlargedDc_, previousEnlarged_);
   if (previousPlain_) SelectObject(plainDc_, previousPlain_);
+  if (usesKept_) keptPicture.taken = false;
 }
 
 void Supersample::Enlarge() {
   const LONG width = area_.right - area_.left, height = area_.bottom - area_.top;
   BitBlt(plainDc_, 0, 0, width, height, target_, area_.left, area_.top, SRCCOPY);
   GdiFlush();
-  const size_t stride = static_cast<size_t>(width) * factor_;
-  for (LONG y = 0; y < height; ++y) {
-    const DWORD* source = plainPixels_ + static_cast<size_t>(y) * width;
-    DWORD* first = enlargedPixels_ + y * factor_ * stride;
-    for (LONG x = 0; x < width; ++x) std::fill_n(first + x * factor_, factor_, source[x]);
-    for (int copy = 1; copy < factor_; ++copy) std::memcpy(first + copy * stride, first, stride * sizeof(DWORD));
-  }
+  WithConstantFactor(factor_, [&](auto factor) {
+    for (LONG y = 0; y < height; ++y) {
+      DWORD* first = enlargedPixels_ + y * factor() * stride_;
+      RepeatPixels<factor()>(plainPixels_ + static_cast<size_t>(y) * width, width, first);
+      for (int copy = 1; copy < factor(); ++copy) {
+        std::memcpy(first + copy * stride_, first, width * factor() * sizeof(DWORD));
+      }
+    }
+  });
 }
 
 void Supersample::Average() {
   const LONG width = area_.right - area_.left, height = area_.bottom - area_.top;
-  const size_t stride = static_cast<size_t>(width) * factor_;
   GdiFlush();
-  for (LONG y = 0; y < height; ++y) {
-    AverageRow(enlargedPixels_ + y * factor_ * stride, stride, factor_, width,
-               plainPixels_ + static_cast<size_t>(y) * width);
-  }
+  WithConstantFactor(factor_, [&](auto factor) {
+    for (LONG y = 0; y < height; ++y) {
+      AveragePixels<factor()>(enlargedPixels_ + y * factor() * stride_, stride_, width,
+                              plainPixels_ + static_cast<size_t>(y) * width);
+    }
+  });
   BitBlt(target_, area_.left, area_.top, width, height, plainDc_, 0, 0, SRCCOPY);
 }
 

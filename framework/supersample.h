@@ -43,7 +43,9 @@ class Supersample {
   RECT area_;
   int factor_;
   MemoryDc plainDc_, enlargedDc_;
-  OwnedBitmap plain_, enlarged_;
+  OwnedBitmap plain_, enlarged_;  // no enlarged one of its own when the kept picture serves
+  bool usesKept_ = false;
+  size_t stride_ = 0;  // pixels from one row of the enlarged picture to the next
   DWORD* plainPixels_ = nullptr;
   DWORD* enlargedPixels_ = nullptr;
   HGDIOBJ previousPlain_ = nullptr, previousEnlarged_ = nullptr;

@@ -60,7 +60,8 @@ TEST(Supersample, DiscsAndRingsCoverWhatTheyShould) {
 }
 
 TEST(Supersample, FactorShrinksWithTheAreaAndOddInputIsHarmless) {
-  EXPECT_EQ(4, SupersampleFactor(600, 600));
+  EXPECT_EQ(4, SupersampleFactor(500, 500));
+  EXPECT_EQ(3, SupersampleFactor(600, 600));
   EXPECT_EQ(2, SupersampleFactor(2000, 2000));
   EXPECT_EQ(1, SupersampleFactor(4000, 4000));
   EXPECT_EQ(0, SupersampleFactor(32767, 32767));
@@ -79,6 +80,26 @@ TEST(Supersample, FactorShrinksWithTheAreaAndOddInputIsHarmless) {
     FillLine(canvas, {1, 1}, {1, 1}, 5, kWhite);
   }
   EXPECT_EQ(100, picture.CountOf(kUntouched));
+}
+
+TEST(Supersample, PicturesOfAllSizesAndNestedOnesKeepApart) {
+  kvtest::Picture picture(700, 300);
+  FillSolid(picture.dc(), {0, 0, 700, 300}, kBlack);
+  const RECT areas[] = {{0, 0, 20, 20}, {30, 0, 40, 280}, {50, 0, 690, 290}, {100, 100, 200, 120}};
+  const COLORREF colors[] = {RGB(1, 0, 0), RGB(0, 2, 0), RGB(0, 0, 3), RGB(4, 4, 4)};
+  for (int i = 0; i < 4; ++i) {
+    const Supersample outer(picture.dc(), areas[i]);
+    {
+      const Supersample inner(picture.dc(), {0, 290, 30, 300});
+      FillDisc(inner, {15, 295}, 40, kWhite);
+    }
+    FillDisc(outer, {areas[i].left + 10.0, areas[i].top + 10.0}, 900, colors[i]);
+  }
+  EXPECT_EQ(20 * 20, picture.CountOf(colors[0]));
+  EXPECT_EQ(10 * 280, picture.CountOf(colors[1]));
+  EXPECT_EQ(640 * 290 - 100 * 20, picture.CountOf(colors[2]));
+  EXPECT_EQ(100 * 20, picture.CountOf(colors[3]));
+  EXPECT_EQ(30 * 10, picture.CountOf(kWhite));
 }
 
 TEST(Supersample, GlyphsHaveOutlinesThatTurn) {
