@@ -4,12 +4,14 @@
 #include <cstring>
 
 #include "framework/modules.h"
+#include "gallery/pages/bitmap_page.h"
 #include "gallery/pages/capture_page.h"
 #include "gallery/pages/chart_page.h"
 #include "gallery/pages/dde_page.h"
 #include "gallery/pages/dialog_services_page.h"
 #include "gallery/pages/flight_page.h"
 #include "gallery/pages/instruments_page.h"
+#include "gallery/pages/list_page.h"
 #include "gallery/pages/mesh_page.h"
 #include "gallery/pages/nmea_page.h"
 #include "gallery/pages/overview_page.h"
@@ -24,7 +26,9 @@ constexpr Page kPages[] = {
     {"overview", L"PAGE_OVERVIEW", OverviewPageProcedure},
     {"dialog-services", L"PAGE_DIALOG_SERVICES", DialogServicesPageProcedure},
     {"chart", L"PAGE_CHART", ChartPageProcedure},
+    {"bitmap", L"PAGE_BITMAP", BitmapPageProcedure},
     {"instruments", L"PAGE_INSTRUMENTS", InstrumentsPageProcedure},
+    {"list", L"PAGE_LIST", ListPageProcedure},
     {"mesh", L"PAGE_MESH", MeshPageProcedure},
     {"capture", L"PAGE_CAPTURE", CapturePageProcedure},
     {"flight", L"PAGE_FLIGHT", FlightPageProcedure},

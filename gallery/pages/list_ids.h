@@ -1,14 +1,19 @@
 // Numbers of the page "Extended list". Read by the resource compiler: plain #defines only.
 #pragma once
 
-#define IDC_LIST_LIST 1400
-#define IDC_LIST_COUNT 1401
-#define IDC_LIST_HEIGHT 1402
-#define IDC_LIST_FIRST 1403
-#define IDC_LIST_MIDDLE 1404
-#define IDC_LIST_LAST 1405
-#define IDC_LIST_COST 1406
-#define IDC_LIST_LABEL 1410
+#include "gallery/resource_ids.h"
 
-#define IDS_LIST_COST 1400
-#define IDS_LIST_COLUMN 1410  // one for each column
+#define IDC_LIST_BASE (IDC_PAGE_FIRST + 100 * PAGE_INDEX_LIST)
+#define IDS_LIST_BASE (IDS_PAGE_FIRST + 100 * PAGE_INDEX_LIST)
+
+#define IDC_LIST_LIST (IDC_LIST_BASE + 0)
+#define IDC_LIST_COUNT (IDC_LIST_BASE + 1)
+#define IDC_LIST_HEIGHT (IDC_LIST_BASE + 2)
+#define IDC_LIST_FIRST (IDC_LIST_BASE + 3)
+#define IDC_LIST_MIDDLE (IDC_LIST_BASE + 4)
+#define IDC_LIST_LAST (IDC_LIST_BASE + 5)
+#define IDC_LIST_COST (IDC_LIST_BASE + 6)
+#define IDC_LIST_LABEL (IDC_LIST_BASE + 10)
+
+#define IDS_LIST_COST (IDS_LIST_BASE + 0)
+#define IDS_LIST_COLUMN (IDS_LIST_BASE + 10)  // one for each column
