@@ -9,7 +9,7 @@ packages=(
   socat                                                  # pseudo-terminal pairs as serial lines
   fp-utils                                               # chmcmd, the help compiler
   python3                                                # artwork and small build steps
-  fonts-dejavu-core fonts-liberation fonts-wine          # text in the windows, symbols on their captions
+  fonts-dejavu-core fonts-liberation fonts-wine          # text in the windows
 )
 
 missing() {
