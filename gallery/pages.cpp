@@ -4,6 +4,9 @@
 #include <cstring>
 
 #include "framework/modules.h"
+#include "gallery/pages/files_page.h"
+#include "gallery/pages/language_page.h"
+#include "gallery/pages/notices_page.h"
 #include "gallery/pages/overview_page.h"
 
 namespace gallery {
@@ -13,6 +16,9 @@ namespace {
 // The order is that of the texts in resource_ids.h.
 constexpr Page kPages[] = {
     {"overview", L"PAGE_OVERVIEW", OverviewPageProcedure},
+    {"language", L"PAGE_LANGUAGE", LanguagePageProcedure},
+    {"files", L"PAGE_FILES", FilesPageProcedure},
+    {"notices", L"PAGE_NOTICES", NoticesPageProcedure},
 };
 
 std::array<HWND, std::size(kPages)> windows;
