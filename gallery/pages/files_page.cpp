@@ -13,7 +13,13 @@ namespace gallery {
 namespace {
 
 // What the dialogs propose: the file that was chosen last, at first one beside the program.
-wchar_t proposedPath[kv::kPathCharacters] = L"";
+wchar_t proposedPath[kv::kPathCharacters];
+
+void ProposeFileBesideProgram() {
+  kv::ProgramDirectory(proposedPath);
+  const int length = lstrlenW(proposedPath);
+  lstrcpynW(proposedPath + length, L"notes.txt", static_cast<int>(kv::kPathCharacters) - length);
+}
 
 void ShowStatus(HWND page, UINT textId, const wchar_t* path = L"") {
   SetDlgItemTextW(page, IDC_FILES_STATUS, TextWith(textId, path).c_str());
@@ -33,10 +39,6 @@ std::wstring NotesOf(HWND page) {
 }
 
 bool Choose(HWND page, UINT titleId, BOOL save) {
-  if (proposedPath[0] == L'\0') {
-    kv::ProgramDirectory(proposedPath);
-    lstrcpynW(proposedPath + lstrlenW(proposedPath), L"notes.txt", kv::kPathCharacters - lstrlenW(proposedPath));
-  }
   return kv::ChooseFile(GetAncestor(page, GA_ROOT), proposedPath, Text(titleId).c_str(), save);
 }
 
@@ -72,6 +74,7 @@ void Save(HWND page) {
 }
 
 INT_PTR OnInit(HWND page) {
+  ProposeFileBesideProgram();
   SendDlgItemMessageW(page, IDC_FILES_NOTES, EM_SETLIMITTEXT, kLargestNotes, 0);
   return HandlePageMessage(page, WM_INITDIALOG, 0, 0);
 }
