@@ -35,7 +35,8 @@ INT_PTR OnInit(HWND page) {
 INT_PTR OnSize(HWND page) {
   if (PageLayout* layout = LayoutOf(page)) {
     kv::ApplyLayout(page, 0, 0, 0, IDC_PAGE_FIRST, IDC_PAGE_LAST, layout->slots, nullptr, nullptr, FALSE);
-    InvalidateRect(page, nullptr, TRUE);
+    // The page clips its children, so they have to be named: each has been moved without being painted.
+    RedrawWindow(page, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
   }
   return TRUE;
 }

@@ -4,6 +4,8 @@
 #include <cstring>
 
 #include "framework/modules.h"
+#include "gallery/pages/chart_page.h"
+#include "gallery/pages/dialog_services_page.h"
 #include "gallery/pages/files_page.h"
 #include "gallery/pages/language_page.h"
 #include "gallery/pages/notices_page.h"
@@ -16,6 +18,8 @@ namespace {
 // The order is that of the texts in resource_ids.h.
 constexpr Page kPages[] = {
     {"overview", L"PAGE_OVERVIEW", OverviewPageProcedure},
+    {"dialog-services", L"PAGE_DIALOG_SERVICES", DialogServicesPageProcedure},
+    {"chart", L"PAGE_CHART", ChartPageProcedure},
     {"language", L"PAGE_LANGUAGE", LanguagePageProcedure},
     {"files", L"PAGE_FILES", FilesPageProcedure},
     {"notices", L"PAGE_NOTICES", NoticesPageProcedure},

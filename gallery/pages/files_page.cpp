@@ -4,8 +4,8 @@
 
 #include "framework/file_dialog.h"
 #include "gallery/page.h"
+#include "gallery/pages/files_ids.h"
 #include "gallery/pages/notes_file.h"
-#include "gallery/resource_ids.h"
 #include "gallery/texts.h"
 
 namespace gallery {

@@ -13,6 +13,7 @@
 #include "framework/picture.h"
 #include "gallery/languages.h"
 #include "gallery/page.h"
+#include "gallery/pages/language_ids.h"
 #include "gallery/resource_ids.h"
 #include "gallery/texts.h"
 

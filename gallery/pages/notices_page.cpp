@@ -8,6 +8,7 @@
 #include "framework/modules.h"
 #include "framework/notification_icon.h"
 #include "gallery/page.h"
+#include "gallery/pages/notices_ids.h"
 #include "gallery/resource_ids.h"
 #include "gallery/texts.h"
 

@@ -1,13 +1,66 @@
 #include "gallery/pages/overview_page.h"
 
+#include "framework/guards.h"
+#include "framework/painting.h"
+#include "gallery/frame.h"
 #include "gallery/page.h"
+#include "gallery/pages.h"
 #include "gallery/resource_ids.h"
+#include "gallery/texts.h"
 
 namespace gallery {
 
+namespace {
+
+constexpr int kRowHeight = 30, kRowMargin = 12, kTitleWidth = 170, kTextHeight = 16;
+
+void FillIndex(HWND page) {
+  const HWND index = GetDlgItem(page, IDC_OVERVIEW_INDEX);
+  SendMessageA(index, LB_SETITEMHEIGHT, 0, kRowHeight);
+  for (size_t i = 1; i < AllPages().size(); ++i) SendMessageA(index, LB_ADDSTRING, 0, static_cast<LPARAM>(i));
+}
+
+void DrawCell(HDC dc, UINT textId, RECT area, int weight, COLORREF color) {
+  const kv::OwnedFont font(CreateFontW(kTextHeight, 0, 0, 0, weight, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
+                                       OUT_TT_PRECIS, CLIP_DEFAULT_PRECIS, PROOF_QUALITY, VARIABLE_PITCH | FF_SWISS,
+                                       L"Arial Unicode MS"));
+  const kv::SelectedObject selected(dc, font);
+  SetTextColor(dc, color);
+  DrawTextW(dc, Text(textId).c_str(), -1, &area, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
+}
+
+// A row: the page's title and, beside it, its description.
+INT_PTR OnDrawItem(const DRAWITEMSTRUCT* item) {
+  const size_t index = item->itemData;
+  if (item->CtlID != IDC_OVERVIEW_INDEX || index >= AllPages().size()) return FALSE;
+  const bool isSelected = (item->itemState & ODS_SELECTED) != 0;
+  kv::FillSolid(item->hDC, item->rcItem, isSelected ? kv::kDialogBlue : GetSysColor(COLOR_WINDOW));
+  SetBkMode(item->hDC, TRANSPARENT);
+  const RECT& row = item->rcItem;
+  const COLORREF color = isSelected ? RGB(255, 255, 255) : GetSysColor(COLOR_WINDOWTEXT);
+  DrawCell(item->hDC, IDS_TITLE_FIRST + index, {row.left + kRowMargin, row.top, row.left + kTitleWidth, row.bottom},
+           FW_SEMIBOLD, color);
+  DrawCell(item->hDC, IDS_DESCRIPTION_FIRST + index,
+           {row.left + kTitleWidth + kRowMargin, row.top, row.right - kRowMargin, row.bottom}, FW_NORMAL, color);
+  return TRUE;
+}
+
+INT_PTR OnCommand(HWND page, UINT command, UINT code) {
+  if (command != IDC_OVERVIEW_INDEX || code != LBN_DBLCLK) return FALSE;
+  const LRESULT row = SendDlgItemMessageA(page, IDC_OVERVIEW_INDEX, LB_GETCURSEL, 0, 0);
+  SelectPage(GetParent(page), static_cast<int>(row) + 1);
+  return TRUE;
+}
+
+}  // namespace
+
 INT_PTR CALLBACK OverviewPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
-    case kTextsChanged: SetPageText(page, IDC_PAGE_FIRST, IDS_PAGE_FIRST); break;
+    case WM_INITDIALOG: FillIndex(page); break;
+    case WM_MEASUREITEM: reinterpret_cast<MEASUREITEMSTRUCT*>(lParam)->itemHeight = kRowHeight; return TRUE;
+    case WM_DRAWITEM: return OnDrawItem(reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+    case WM_COMMAND: return OnCommand(page, LOWORD(wParam), HIWORD(wParam));
+    case kTextsChanged: SetPageText(page, IDC_OVERVIEW_TEXT, IDS_PAGE_FIRST); break;
     default: break;
   }
   return HandlePageMessage(page, message, wParam, lParam);

@@ -6,7 +6,9 @@
 #include <fstream>
 #include <string>
 
-#include "gallery/resource_ids.h"
+#include "gallery/pages/files_ids.h"
+#include "gallery/pages/language_ids.h"
+#include "gallery/pages/notices_ids.h"
 #include "tests/gallery/running_gallery.h"
 #include "tests/support/test_window.h"
 

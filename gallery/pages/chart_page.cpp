@@ -1,0 +1,129 @@
+#include "gallery/pages/chart_page.h"
+
+#include <cmath>
+
+#include "app/optical_flow_chart.h"
+#include "framework/bounded_format.h"
+#include "framework/control_class.h"
+#include "framework/whole_number.h"
+#include "gallery/page.h"
+#include "gallery/pages/chart_ids.h"
+
+namespace gallery {
+
+namespace {
+
+constexpr UINT kTimer = 1;
+constexpr UINT kTickMs = 50;  // as often as the tool shows what its camera saw
+constexpr DWORD kAllPoints = 15;
+
+// The courses' own clock, which stands still while paused.
+double seconds;
+
+// Where a point is: each runs through a figure of its own that stays well within the field.
+kv::CameraPoint PointAt(int index, double time) {
+  constexpr double kTurnsX[] = {0.5, 0.9, -0.7, 0.35}, kTurnsY[] = {0.5, 0.45, 1.05, -0.7};
+  const double size = 110.0 + 75.0 * index;
+  return {kv::ToInt(512 + 1.3 * size * std::cos(kTurnsX[index] * time + index)),
+          kv::ToInt(384 + size * std::sin(kTurnsY[index] * time))};
+}
+
+bool IsChecked(HWND page, int controlId) {
+  return IsDlgButtonChecked(page, controlId) == BST_CHECKED;
+}
+
+void Exchange(HWND page, WPARAM flags, kv::FlowPoints* points) {
+  SendDlgItemMessageA(page, IDC_CHART_VIEW, kv::kControlCommand, kv::kChartPoints | flags,
+                      reinterpret_cast<LPARAM>(points));
+}
+
+// Shows what the chart itself says that it shows.
+void ShowPlaces(HWND page) {
+  kv::FlowPoints shown{};
+  Exchange(page, kv::kCommandRead, &shown);
+  for (int i = 0; i < kv::kPointCount; ++i) {
+    wchar_t text[32] = L"-";
+    if (shown.mask & 1u << i) {
+      kv::FormatBounded(text, sizeof(text), L"%ld, %ld", shown.points[i].x, shown.points[i].y);
+    }
+    SetDlgItemTextW(page, IDC_CHART_PLACE + i, text);
+  }
+}
+
+void ShowPoints(HWND page) {
+  kv::FlowPoints points{};
+  for (int i = 0; i < kv::kPointCount; ++i) {
+    points.points[i] = PointAt(i, seconds);
+    if (IsChecked(page, IDC_CHART_POINT + i)) points.mask |= 1u << i;
+  }
+  kv::FlowPoints hidden{.mask = kAllPoints & ~points.mask, .points = {}};
+  Exchange(page, kv::kCommandRemove, &hidden);
+  Exchange(page, kv::kCommandRedraw, &points);
+  ShowPlaces(page);
+}
+
+void OnTimer(HWND page) {
+  if (IsChecked(page, IDC_CHART_PAUSE)) return;
+  seconds += kTickMs / 1000.0;
+  ShowPoints(page);
+}
+
+void Clear(HWND page) {
+  CheckDlgButton(page, IDC_CHART_PAUSE, BST_CHECKED);
+  SendDlgItemMessageA(page, IDC_CHART_VIEW, kv::kControlCommand, kv::kChartClear, 0);
+  ShowPlaces(page);
+}
+
+void CopyPicture(HWND page) {
+  const DWORD before = GetClipboardSequenceNumber();
+  SendDlgItemMessageA(page, IDC_CHART_VIEW, WM_COPY, 0, MAKELPARAM(kv::kFieldWidth, kv::kFieldHeight));
+  const bool copied = GetClipboardSequenceNumber() != before;
+  SetPageText(page, IDC_CHART_RESULT, copied ? IDS_CHART_COPIED : IDS_CHART_NOT_COPIED);
+}
+
+void OnInit(HWND page) {
+  for (int i = 0; i < kv::kPointCount; ++i) CheckDlgButton(page, IDC_CHART_POINT + i, BST_CHECKED);
+}
+
+void OnTextsChanged(HWND page) {
+  HandlePageMessage(page, kTextsChanged, 0, 0);
+  SetPageText(page, IDC_CHART_RESULT, IDS_CHART_NOTHING_COPIED);
+  ShowPlaces(page);
+}
+
+void OnShown(HWND page, bool shown) {
+  if (shown) {
+    ShowPoints(page);
+    SetTimer(page, kTimer, kTickMs, nullptr);
+  } else {
+    KillTimer(page, kTimer);
+  }
+}
+
+void OnCommand(HWND page, int controlId) {
+  switch (controlId) {
+    case IDC_CHART_CLEAR: Clear(page); break;
+    case IDC_CHART_COPY: CopyPicture(page); break;
+    case IDC_CHART_POINT:
+    case IDC_CHART_POINT + 1:
+    case IDC_CHART_POINT + 2:
+    case IDC_CHART_POINT + 3: ShowPoints(page); break;
+    default: break;
+  }
+}
+
+}  // namespace
+
+INT_PTR CALLBACK ChartPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_INITDIALOG: OnInit(page); break;
+    case WM_TIMER: OnTimer(page); return TRUE;
+    case WM_COMMAND: OnCommand(page, LOWORD(wParam)); return TRUE;
+    case kTextsChanged: OnTextsChanged(page); return TRUE;
+    case kPageShown: OnShown(page, wParam != 0); return TRUE;
+    default: break;
+  }
+  return HandlePageMessage(page, message, wParam, lParam);
+}
+
+}  // namespace gallery

@@ -1,0 +1,51 @@
+// Numbers of the page "Dialog services". Read by the resource compiler: plain #defines only.
+#pragma once
+
+#define IDC_SERVICES_CHECK 1101
+#define IDC_SERVICES_EDIT 1102
+#define IDC_SERVICES_COMBO 1103
+#define IDC_SERVICES_LIST 1104
+#define IDC_SERVICES_TAB 1105
+#define IDC_SERVICES_TREE 1106
+#define IDC_SERVICES_BUTTON 1107
+#define IDC_SERVICES_SCALE 1108
+
+#define IDC_SERVICES_TRACKBAR 1110
+#define IDC_SERVICES_VALUE 1111
+#define IDC_SERVICES_SCROLL 1112
+#define IDC_SERVICES_INTERVALS 1113
+
+#define IDC_SERVICES_VISITS 1120
+#define IDC_SERVICES_REMEMBER 1121
+#define IDC_SERVICES_RETURN 1122
+#define IDC_SERVICES_PLACE 1123
+
+// The calendar's fields, each followed by its spin control.
+#define IDC_SERVICES_YEAR 1130
+#define IDC_SERVICES_MONTH 1132
+#define IDC_SERVICES_DAY 1134
+#define IDC_SERVICES_HOUR 1136
+#define IDC_SERVICES_ADD 1138
+// Its results.
+#define IDC_SERVICES_NUMBER 1140
+#define IDC_SERVICES_WEEKDAY 1141
+#define IDC_SERVICES_WEEK 1142
+#define IDC_SERVICES_BACK 1143
+#define IDC_SERVICES_NORMAL 1144
+#define IDC_SERVICES_LATER 1145
+
+// Labels, headings and lines, by place.
+#define IDC_SERVICES_LABEL 1150
+#define IDC_SERVICES_HEADING 1170
+
+#define IDS_SERVICES_SCALE 1100
+#define IDS_SERVICES_VALUE 1101
+#define IDS_SERVICES_INTERVALS 1102
+#define IDS_SERVICES_VISITS 1103
+#define IDS_SERVICES_NO_PLACE 1104
+#define IDS_SERVICES_PLACE 1105
+#define IDS_SERVICES_NOT_NORMAL 1106
+#define IDS_SERVICES_LEAP_YEAR 1107
+#define IDS_SERVICES_SAMPLE 1110  // three of them
+#define IDS_SERVICES_TIP 1120     // one for each control with a tip
+#define IDS_SERVICES_SUNDAY 1130  // and the six days after it

@@ -1,0 +1,274 @@
+#include "gallery/pages/dialog_services_page.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <iterator>
+#include <string>
+
+#include "framework/bounded_format.h"
+#include "framework/calendar.h"
+#include "framework/dialog.h"
+#include "framework/modules.h"
+#include "framework/picture.h"
+#include "framework/tool_tips.h"
+#include "framework/window_position.h"
+#include "gallery/page.h"
+#include "gallery/pages/dialog_services_ids.h"
+#include "gallery/texts.h"
+
+namespace gallery {
+
+namespace {
+
+constexpr char kVisitsName[] = "Gallery.DialogServicesVisits";
+constexpr char kPlaceName[] = "Gallery.Remembered";
+
+constexpr int kTrackbarLargest = 100;
+constexpr int kFewestIntervals = 1, kMostIntervals = 20, kScrollPage = 4;
+
+// The page exists once.
+SIZE designSize;
+HWND tips;
+
+// Shows text resource `textId`, a format, with its arguments.
+template <class... Arguments>
+void Show(HWND page, int controlId, UINT textId, Arguments... arguments) {
+  wchar_t text[256];
+  kv::FormatBounded(text, sizeof(text), Text(textId).c_str(), arguments...);
+  SetDlgItemTextW(page, controlId, text);
+}
+
+// ---- One control of each kind --------------------------------------------------------------------------------------
+
+void FillSamples(HWND page) {
+  const HWND combo = GetDlgItem(page, IDC_SERVICES_COMBO), list = GetDlgItem(page, IDC_SERVICES_LIST);
+  const HWND tab = GetDlgItem(page, IDC_SERVICES_TAB), tree = GetDlgItem(page, IDC_SERVICES_TREE);
+  SendMessageW(combo, CB_RESETCONTENT, 0, 0);
+  SendMessageW(list, LB_RESETCONTENT, 0, 0);
+  SendMessageW(tab, TCM_DELETEALLITEMS, 0, 0);
+  SendMessageW(tree, TVM_DELETEITEM, 0, reinterpret_cast<LPARAM>(TVI_ROOT));
+  HTREEITEM first = TVI_ROOT;
+  for (int i = 0; i < 3; ++i) {
+    std::wstring text = Text(IDS_SERVICES_SAMPLE + i);
+    SendMessageW(combo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
+    SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
+    TCITEMW tabItem{};
+    tabItem.mask = TCIF_TEXT;
+    tabItem.pszText = text.data();
+    if (i < 2) SendMessageW(tab, TCM_INSERTITEMW, i, reinterpret_cast<LPARAM>(&tabItem));
+    TVINSERTSTRUCTW treeItem{};
+    treeItem.hParent = i == 2 ? first : TVI_ROOT;
+    treeItem.item.mask = TVIF_TEXT;
+    treeItem.item.pszText = text.data();
+    const LRESULT inserted = SendMessageW(tree, TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&treeItem));
+    if (i == 0) first = reinterpret_cast<HTREEITEM>(inserted);
+  }
+  SetDlgItemTextW(page, IDC_SERVICES_EDIT, Text(IDS_SERVICES_SAMPLE).c_str());
+  SendMessageW(combo, CB_SETCURSEL, 0, 0);
+}
+
+void ShowScale(HWND page) {
+  const SIZE size = kv::ClientSize(page);
+  Show(page, IDC_SERVICES_SCALE, IDS_SERVICES_SCALE, static_cast<double>(size.cx) / std::max(designSize.cx, 1L),
+       static_cast<double>(size.cy) / std::max(designSize.cy, 1L));
+}
+
+void AttachToolTips(HWND page) {
+  constexpr UINT kControls[] = {IDC_SERVICES_BUTTON, IDC_SERVICES_EDIT,     IDC_SERVICES_TRACKBAR,
+                                IDC_SERVICES_SCROLL, IDC_SERVICES_REMEMBER, IDC_SERVICES_RETURN};
+  constexpr int kCount = static_cast<int>(std::size(kControls));
+  std::wstring texts[kCount];
+  kv::ToolTipEntry entries[kCount];
+  for (int i = 0; i < kCount; ++i) {
+    texts[i] = Text(IDS_SERVICES_TIP + i);
+    entries[i] = {kControls[i], texts[i].c_str()};
+  }
+  if (tips) DestroyWindow(tips);
+  tips = kv::CreateToolTips(kv::modules.application, page, entries, kCount);
+}
+
+// ---- Trackbar and scroll bar ---------------------------------------------------------------------------------------
+
+void SetIntervals(HWND page, int intervals) {
+  // The largest position of a scroll bar lies a page before its end.
+  kv::SetScrollBarControl(GetDlgItem(page, IDC_SERVICES_SCROLL), kFewestIntervals, kMostIntervals + kScrollPage - 1,
+                          kScrollPage, intervals);
+  kv::SetTrackbarTicks(GetDlgItem(page, IDC_SERVICES_TRACKBAR), 0, kTrackbarLargest, intervals);
+  Show(page, IDC_SERVICES_INTERVALS, IDS_SERVICES_INTERVALS, intervals);
+}
+
+int Intervals(HWND page, int field) {
+  SCROLLINFO info{};
+  info.cbSize = sizeof(info);
+  info.fMask = SIF_ALL;
+  GetScrollInfo(GetDlgItem(page, IDC_SERVICES_SCROLL), SB_CTL, &info);
+  return field == SB_THUMBTRACK ? info.nTrackPos : info.nPos;
+}
+
+void ShowTrackbarValue(HWND page) {
+  Show(page, IDC_SERVICES_VALUE, IDS_SERVICES_VALUE,
+       static_cast<int>(SendDlgItemMessageA(page, IDC_SERVICES_TRACKBAR, TBM_GETPOS, 0, 0)));
+}
+
+void OnScroll(HWND page, HWND control, int code) {
+  if (control != GetDlgItem(page, IDC_SERVICES_SCROLL)) return ShowTrackbarValue(page);
+  int intervals = Intervals(page, code);
+  switch (code) {
+    case SB_LINELEFT: intervals -= 1; break;
+    case SB_LINERIGHT: intervals += 1; break;
+    case SB_PAGELEFT: intervals -= kScrollPage; break;
+    case SB_PAGERIGHT: intervals += kScrollPage; break;
+    case SB_THUMBTRACK: break;
+    default: return;
+  }
+  SetIntervals(page, std::clamp(intervals, kFewestIntervals, kMostIntervals));
+}
+
+// ---- Window store --------------------------------------------------------------------------------------------------
+
+void ShowVisits(HWND page) {
+  DWORD visits = 0;
+  kv::WindowNumber(kVisitsName, &visits, kv::kPositionRestore);
+  Show(page, IDC_SERVICES_VISITS, IDS_SERVICES_VISITS, visits);
+}
+
+void CountVisit(HWND page) {
+  DWORD visits = 0;
+  kv::WindowNumber(kVisitsName, &visits, kv::kPositionRestore);
+  ++visits;
+  kv::WindowNumber(kVisitsName, &visits, kv::kPositionSave);
+  ShowVisits(page);
+}
+
+void RememberPlace(HWND page) {
+  const HWND frame = GetParent(page);
+  if (!kv::WindowPosition(frame, kPlaceName, kv::kPositionSave)) {
+    return SetPageText(page, IDC_SERVICES_PLACE, IDS_SERVICES_NOT_NORMAL);
+  }
+  RECT place{};
+  GetWindowRect(frame, &place);
+  Show(page, IDC_SERVICES_PLACE, IDS_SERVICES_PLACE, place.left, place.top, place.right, place.bottom);
+}
+
+// ---- Calendar ------------------------------------------------------------------------------------------------------
+
+void ShowTime(HWND page, int controlId, const SYSTEMTIME& time) {
+  wchar_t text[64];
+  kv::FormatBounded(text, sizeof(text), L"%04u-%02u-%02u  %02u:00", time.wYear, time.wMonth, time.wDay, time.wHour);
+  SetDlgItemTextW(page, controlId, text);
+}
+
+void ShowCalendar(HWND page) {
+  const auto field = [page](int controlId) {
+    return static_cast<WORD>(std::min<UINT>(GetDlgItemInt(page, controlId, nullptr, FALSE), MAXWORD));
+  };
+  SYSTEMTIME time{};
+  time.wYear = field(IDC_SERVICES_YEAR);
+  time.wMonth = field(IDC_SERVICES_MONTH);
+  time.wDay = field(IDC_SERVICES_DAY);
+  time.wHour = field(IDC_SERVICES_HOUR);
+
+  constexpr double kHoursPerDay = 24;
+  const double number = kv::DayNumber(&time) + time.wHour / kHoursPerDay;
+  wchar_t text[64];
+  kv::FormatBounded(text, sizeof(text), L"%.3f", number);
+  SetDlgItemTextW(page, IDC_SERVICES_NUMBER, text);
+  SetDlgItemInt(page, IDC_SERVICES_WEEK, kv::WeekNumber(number), TRUE);
+
+  SYSTEMTIME back{};
+  kv::DayNumberToTime(number, &back);
+  // An hour is no round fraction of a day: rounded, it comes back whole.
+  kv::DayFractionToTime(number, &back);
+  ShowTime(page, IDC_SERVICES_BACK, back);
+  const std::wstring weekday = Text(IDS_SERVICES_SUNDAY + back.wDayOfWeek);
+  if (kv::IsLeapYear(back.wYear)) {
+    Show(page, IDC_SERVICES_WEEKDAY, IDS_SERVICES_LEAP_YEAR, weekday.c_str());
+  } else {
+    SetDlgItemTextW(page, IDC_SERVICES_WEEKDAY, weekday.c_str());
+  }
+
+  SYSTEMTIME later{};
+  kv::AddDays(&time, GetDlgItemInt(page, IDC_SERVICES_ADD, nullptr, FALSE), &later);
+  ShowTime(page, IDC_SERVICES_LATER, later);
+  kv::NormalizeTime(&time);
+  ShowTime(page, IDC_SERVICES_NORMAL, time);
+}
+
+void PrepareCalendar(HWND page) {
+  SYSTEMTIME now{};
+  GetLocalTime(&now);
+  const struct {
+    int controlId, largest, value;
+  } kFields[] = {
+      {IDC_SERVICES_YEAR, 9999, now.wYear}, {IDC_SERVICES_MONTH, 99, now.wMonth}, {IDC_SERVICES_DAY, 999, now.wDay},
+      {IDC_SERVICES_HOUR, 999, now.wHour},  {IDC_SERVICES_ADD, 9999, 30},
+  };
+  for (const auto& field : kFields) {
+    const HWND spin = GetDlgItem(page, field.controlId + 1);
+    SendMessageA(spin, UDM_SETBUDDY, reinterpret_cast<WPARAM>(GetDlgItem(page, field.controlId)), 0);
+    SendMessageA(spin, UDM_SETRANGE32, 0, field.largest);
+    SendMessageA(spin, UDM_SETPOS32, 0, field.value);
+  }
+}
+
+// ---- Messages ------------------------------------------------------------------------------------------------------
+
+void OnInit(HWND page) {
+  designSize = kv::ClientSize(page);
+  // Scaling gives a list box no font of its own.
+  SendDlgItemMessageA(page, IDC_SERVICES_LIST, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)),
+                      FALSE);
+  PrepareCalendar(page);
+  SetIntervals(page, 8);
+  SendDlgItemMessageA(page, IDC_SERVICES_TRACKBAR, TBM_SETPOS, TRUE, 40);
+}
+
+void OnTextsChanged(HWND page) {
+  FillSamples(page);
+  AttachToolTips(page);
+  ShowScale(page);
+  ShowTrackbarValue(page);
+  SetIntervals(page, Intervals(page, SB_ENDSCROLL));
+  ShowVisits(page);
+  SetPageText(page, IDC_SERVICES_PLACE, IDS_SERVICES_NO_PLACE);
+  ShowCalendar(page);
+}
+
+void OnCommand(HWND page, int controlId, int code) {
+  switch (controlId) {
+    case IDC_SERVICES_REMEMBER: RememberPlace(page); break;
+    case IDC_SERVICES_RETURN: kv::WindowPosition(GetParent(page), kPlaceName, kv::kPositionRestore); break;
+    case IDC_SERVICES_YEAR:
+    case IDC_SERVICES_MONTH:
+    case IDC_SERVICES_DAY:
+    case IDC_SERVICES_HOUR:
+    case IDC_SERVICES_ADD:
+      if (code == EN_CHANGE) ShowCalendar(page);
+      break;
+    default: break;
+  }
+}
+
+}  // namespace
+
+INT_PTR CALLBACK DialogServicesPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_INITDIALOG: OnInit(page); break;
+    case WM_SIZE: ShowScale(page); break;
+    case WM_HSCROLL: OnScroll(page, reinterpret_cast<HWND>(lParam), LOWORD(wParam)); return TRUE;
+    case WM_COMMAND: OnCommand(page, LOWORD(wParam), HIWORD(wParam)); return TRUE;
+    case kPageShown:
+      if (wParam) CountVisit(page);
+      return TRUE;
+    case kTextsChanged: {
+      const INT_PTR result = HandlePageMessage(page, message, wParam, lParam);
+      OnTextsChanged(page);
+      return result;
+    }
+    default: break;
+  }
+  return HandlePageMessage(page, message, wParam, lParam);
+}
+
+}  // namespace gallery
