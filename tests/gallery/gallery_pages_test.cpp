@@ -17,8 +17,8 @@ namespace {
 using kvtest::WaitUntil;
 
 TEST(GalleryPages, TheLanguagePageTellsWhatMeansYes) {
-  kvtest::ForgetStoredLanguage();
   kvtest::RunningGallery gallery(kvtest::GalleryFolder(), L"language");
+  gallery.Command(IDM_LANGUAGE_FIRST);
   const auto answers = [&](const wchar_t* word) {
     SendMessageW(GetDlgItem(gallery.page(), IDC_LANGUAGE_WORD), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(word));
     return gallery.ControlText(IDC_LANGUAGE_ANSWER);
@@ -32,6 +32,7 @@ TEST(GalleryPages, TheLanguagePageTellsWhatMeansYes) {
 
 TEST(GalleryPages, TheNoticesPageListsWhatHappens) {
   kvtest::RunningGallery gallery(kvtest::GalleryFolder(), L"notices");
+  gallery.Command(IDM_LANGUAGE_FIRST);
   const HWND list = GetDlgItem(gallery.page(), IDC_NOTICES_EVENTS);
   const auto lastLine = [&] {
     wchar_t text[512] = L"";
@@ -57,6 +58,7 @@ TEST(GalleryPages, TheNoticesPageListsWhatHappens) {
 TEST(GalleryPages, TheFilesPageSavesAndLeavesNoFolderBehind) {
   const kvtest::GalleryCopy copy({});
   kvtest::RunningGallery gallery(copy.folder(), L"files");
+  gallery.Command(IDM_LANGUAGE_FIRST);
   SendMessageW(GetDlgItem(gallery.page(), IDC_FILES_NOTES), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"Ω one"));
   gallery.Press(IDC_FILES_SAVE);
   HWND dialog = nullptr;

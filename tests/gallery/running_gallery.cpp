@@ -7,21 +7,7 @@ namespace kvtest {
 
 namespace {
 
-constexpr char kConfiguration[] = "Software\\korvel\\Configuration\\kvGallery";
 constexpr DWORD kPatienceMs = 10000;
-
-// HKEY_CURRENT_USER itself is a private one in tests.
-class RealRegistry {
- public:
-  RealRegistry() { RegOpenCurrentUser(KEY_ALL_ACCESS, &key_); }
-  ~RealRegistry() { RegCloseKey(key_); }
-  RealRegistry(const RealRegistry&) = delete;
-  RealRegistry& operator=(const RealRegistry&) = delete;
-  operator HKEY() const { return key_; }
-
- private:
-  HKEY key_ = nullptr;
-};
 
 std::wstring TextOf(HWND window) {
   wchar_t text[1024] = L"";
@@ -101,18 +87,6 @@ DWORD RunningGallery::Close() {
   DWORD code = 0;
   GetExitCodeProcess(process_.hProcess, &code);
   return code;
-}
-
-DWORD StoredLanguage() {
-  const RealRegistry user;
-  DWORD language = 0xDEAD, size = sizeof(language);
-  RegGetValueA(user, kConfiguration, "LanguageCode", RRF_RT_REG_DWORD, nullptr, &language, &size);
-  return language;
-}
-
-void ForgetStoredLanguage() {
-  const RealRegistry user;
-  RegDeleteKeyValueA(user, kConfiguration, "LanguageCode");
 }
 
 }  // namespace kvtest

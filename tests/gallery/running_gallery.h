@@ -51,8 +51,4 @@ class RunningGallery {
   HWND frame_ = nullptr, page_ = nullptr;
 };
 
-// The language that the gallery stored in the real registry, which tests do not share; and its removal.
-DWORD StoredLanguage();
-void ForgetStoredLanguage();
-
 }  // namespace kvtest
