@@ -4,11 +4,13 @@
 #include "framework/dialog.h"
 #include "framework/dialog_layout.h"
 #include "framework/guards.h"
+#include "framework/language.h"
 #include "framework/modules.h"
 #include "framework/painting.h"
 #include "framework/picture.h"
 #include "framework/tool_tips.h"
 #include "framework/window_position.h"
+#include "gallery/languages.h"
 #include "gallery/page.h"
 #include "gallery/pages.h"
 #include "gallery/resource_ids.h"
@@ -23,6 +25,8 @@ constexpr int kListWidth = 196, kHeaderHeight = 64, kRowHeight = 28, kMargin = 1
 constexpr int kSmallestWidth = 760, kSmallestHeight = 560;
 
 int selectedPage = -1;
+HWND toolTips = nullptr;
+WNDPROC classProcedure = nullptr;
 
 HWND ListOf(HWND frame) {
   return GetDlgItem(frame, IDC_PAGE_LIST);
@@ -94,24 +98,67 @@ INT_PTR OnDrawItem(const DRAWITEMSTRUCT* item) {
 
 // ---- Texts ---------------------------------------------------------------------------------------------------------
 
+void TranslateMenu(HMENU menu) {
+  for (int i = 0; i < GetMenuItemCount(menu); ++i) {
+    MENUITEMINFOW item{};
+    item.cbSize = sizeof(item);
+    item.fMask = MIIM_ID | MIIM_SUBMENU;
+    GetMenuItemInfoW(menu, i, TRUE, &item);
+    TranslateMenu(item.hSubMenu);
+    std::wstring text = Text(TEXT_OF(item.wID));
+    if (text.empty()) continue;
+    item.fMask = MIIM_STRING;
+    item.dwTypeData = text.data();
+    SetMenuItemInfoW(menu, i, TRUE, &item);
+  }
+}
+
+// The language menu outlives the menu bars that it is in.
+void SetLanguageMenu(HMENU bar, HMENU languageMenu) {
+  MENUITEMINFOW item{};
+  item.cbSize = sizeof(item);
+  item.fMask = MIIM_SUBMENU;
+  item.hSubMenu = languageMenu;
+  SetMenuItemInfoW(bar, IDM_GALLERY_LANGUAGE_MENU, FALSE, &item);
+}
+
 void ReplaceMenu(HWND frame) {
-  HMENU menu = LoadMenuW(kv::modules.resources, L"MENU_GALLERY");
-  if (!menu) menu = LoadMenuW(kv::modules.application, L"MENU_GALLERY");
+  HMENU menu = LoadMenuW(kv::modules.application, L"MENU_GALLERY");
+  TranslateMenu(menu);
   HMENU previous = GetMenu(frame);
+  if (previous) RemoveMenu(previous, IDM_GALLERY_LANGUAGE_MENU, MF_BYCOMMAND);
+  SetLanguageMenu(menu, LanguageMenu());
   SetMenu(frame, menu);
   if (previous) DestroyMenu(previous);
+}
+
+void ReplaceToolTips(HWND frame) {
+  if (toolTips) DestroyWindow(toolTips);
+  const std::wstring tip = Text(IDS_LIST_TIP);
+  const kv::ToolTipEntry tips[] = {{IDC_PAGE_LIST, tip.c_str()}};
+  toolTips = kv::CreateToolTips(kv::modules.application, frame, tips, ARRAYSIZE(tips));
+}
+
+// Windows of the dialog class speak the code page, where a caption in another script ends as question marks: what
+// concerns the caption goes past the class.
+LRESULT CALLBACK WideCaptionProcedure(HWND frame, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_SETTEXT:
+    case WM_GETTEXT:
+    case WM_GETTEXTLENGTH: return DefWindowProcW(frame, message, wParam, lParam);
+    default: return CallWindowProcW(classProcedure, frame, message, wParam, lParam);
+  }
 }
 
 // ---- Life ----------------------------------------------------------------------------------------------------------
 
 INT_PTR OnInit(HWND frame, int firstPage) {
+  classProcedure =
+      reinterpret_cast<WNDPROC>(SetWindowLongW(frame, GWL_WNDPROC, reinterpret_cast<LONG>(WideCaptionProcedure)));
   HWND list = ListOf(frame);
   SendMessageA(list, LB_SETITEMHEIGHT, 0, kRowHeight);
   for (size_t i = 0; i < AllPages().size(); ++i) SendMessageA(list, LB_ADDSTRING, 0, static_cast<LPARAM>(i));
   RefreshTexts(frame);
-  const std::wstring tip = Text(IDS_LIST_TIP);
-  const kv::ToolTipEntry tips[] = {{IDC_PAGE_LIST, tip.c_str()}};
-  kv::CreateToolTips(kv::modules.application, frame, tips, ARRAYSIZE(tips));
   kv::WindowPosition(frame, kPositionName, kv::kPositionRestore);
   kv::ModelessDialogs(frame, nullptr, kv::kModelessAdd);
   OnSize(frame, SIZE_RESTORED);
@@ -141,7 +188,11 @@ INT_PTR OnCommand(HWND frame, UINT command, UINT code) {
     case IDM_GALLERY_ABOUT:
       MessageBoxW(frame, Text(IDS_ABOUT_TEXT).c_str(), Text(IDS_ABOUT_CAPTION).c_str(), MB_ICONINFORMATION);
       return TRUE;
-    default: return FALSE;
+    case IDM_GALLERY_HELP: return OpenGalleryHelp(frame);
+    default:
+      if (command < IDM_LANGUAGE_FIRST || command >= IDM_LANGUAGE_FIRST + kv::kLanguageCount) return FALSE;
+      ChooseLanguage(frame, static_cast<int>(command) - IDM_LANGUAGE_FIRST);
+      return TRUE;
   }
 }
 
@@ -155,6 +206,7 @@ INT_PTR CALLBACK FrameProcedure(HWND frame, UINT message, WPARAM wParam, LPARAM 
     case WM_MEASUREITEM: reinterpret_cast<MEASUREITEMSTRUCT*>(lParam)->itemHeight = kRowHeight; return TRUE;
     case WM_DRAWITEM: return OnDrawItem(reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
     case WM_COMMAND: return OnCommand(frame, LOWORD(wParam), HIWORD(wParam));
+    case WM_HELP: return OpenGalleryHelp(frame);
     case WM_SIZING:
       return kv::LimitSizing(static_cast<UINT>(wParam), reinterpret_cast<RECT*>(lParam), kSmallestWidth,
                              kSmallestHeight);
@@ -182,6 +234,7 @@ void SelectPage(HWND frame, int index) {
 
 void RefreshTexts(HWND frame) {
   ReplaceMenu(frame);
+  ReplaceToolTips(frame);
   SetWindowTextW(frame, Text(IDS_GALLERY_CAPTION).c_str());
   for (size_t i = 0; i < AllPages().size(); ++i) {
     if (HWND page = ExistingPageWindow(static_cast<int>(i))) SendMessageA(page, kTextsChanged, 0, 0);

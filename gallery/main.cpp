@@ -3,8 +3,8 @@
 //   kvgallery                 begins with the first page
 //   kvgallery --page NAME     begins with that page
 //   kvgallery --walk          shows each page in turn: prints its name to standard output once it has settled, waits
-//   for a
-//                             line on standard input, goes on; ends after the last. For scripts that take pictures.
+//                             for a line on standard input, goes on; ends after the last. For scripts that take
+//                             pictures.
 #include <windows.h>
 
 #include <commctrl.h>
@@ -16,6 +16,7 @@
 #include "framework/modules.h"
 #include "gallery/classes.h"
 #include "gallery/frame.h"
+#include "gallery/languages.h"
 #include "gallery/pages.h"
 
 namespace {
@@ -73,6 +74,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
   LoadLibraryA("RichEd32.dll");
   InitCommonControls();
   gallery::RegisterAllClasses(instance, TRUE);
+  gallery::BeginWithStoredLanguage();
   kv::ModelessDialogs(nullptr, nullptr, kv::kModelessReset);
   HWND frame = CreateDialogParamW(instance, gallery::kFrameTemplate, nullptr, gallery::FrameProcedure,
                                   FirstPage(__argc, __argv));
@@ -82,6 +84,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
     MSG message;
     while (GetMessageA(&message, nullptr, 0, 0) > 0) Dispatch(&message);
   }
+  gallery::EndLanguages();
   gallery::RegisterAllClasses(instance, FALSE);
   return frame ? 0 : 1;
 }

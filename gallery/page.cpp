@@ -54,9 +54,18 @@ INT_PTR OnStaticColor(HDC dc) {
   return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_BTNFACE));
 }
 
+void TranslateControls(HWND page) {
+  for (HWND control = GetWindow(page, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
+    const std::wstring text = Text(TEXT_OF(GetDlgCtrlID(control)));
+    if (!text.empty()) SetWindowTextW(control, text.c_str());
+  }
+}
+
 INT_PTR OnTextsChanged(HWND page) {
   if (const Page* description = PageOf(page)) {
-    kv::SetDialogTexts(page, kv::modules.resources, description->dialogTemplate);
+    // English first: it shows where the language lacks a text, also after another language was shown.
+    kv::SetDialogTexts(page, kv::modules.application, description->dialogTemplate);
+    TranslateControls(page);
   }
   return TRUE;
 }
@@ -83,6 +92,13 @@ INT_PTR HandlePageMessage(HWND page, UINT message, WPARAM wParam, LPARAM) {
 
 COLORREF PageColor() {
   return GetSysColor(COLOR_BTNFACE);
+}
+
+void SetListFont(HWND page, int controlId) {
+  static const HFONT font =
+      CreateFontW(-13, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_TT_PRECIS, CLIP_DEFAULT_PRECIS,
+                  PROOF_QUALITY, VARIABLE_PITCH | FF_SWISS, L"Arial Unicode MS");
+  SendDlgItemMessageW(page, controlId, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
 }
 
 void SetPageText(HWND page, int controlId, UINT textId) {

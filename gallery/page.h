@@ -9,11 +9,15 @@
 // 0, 0, 1; about 400 x 270 dialog units; controls with ids in the page's range (resource_ids.h).
 //
 // The dialog procedure hands every message that it does not finish itself to HandlePageMessage, which
-//   WM_INITDIALOG     captures the layout of all controls in IDC_PAGE_FIRST..IDC_PAGE_LAST. Create further controls
-//   before. WM_SIZE           scales them in proportion, never smaller than designed WM_PAINT          fills the
-//   background (the dialog class does not erase) WM_CTLCOLORSTATIC gives labels that background kTextsChanged     sets
-//   the page's texts anew from the template of modules.resources, if that has one of its name WM_NCDESTROY      frees
-//   what it keeps
+//
+//   WM_INITDIALOG      captures the layout of all controls in IDC_PAGE_FIRST..IDC_PAGE_LAST; create further ones before
+//   WM_SIZE            scales them in proportion
+//   WM_PAINT           fills the background (the dialog class does not erase)
+//   WM_CTLCOLORSTATIC  gives labels that background
+//   kTextsChanged      sets the texts of the page's template anew: those at TEXT_OF(control) of the language library,
+//                      English where it has none
+//   WM_NCDESTROY       frees what it keeps
+//
 // and returns the dialog procedure's result. All on the main thread.
 #pragma once
 
@@ -36,6 +40,10 @@ INT_PTR HandlePageMessage(HWND page, UINT message, WPARAM wParam, LPARAM lParam)
 
 // The colour of a page's background.
 COLORREF PageColor();
+
+// Gives a list of the page a font of its own, which the process keeps: scaling gives lists none, and deletes the
+// template's.
+void SetListFont(HWND page, int controlId);
 
 // Shows text resource `textId` in a control of the page.
 void SetPageText(HWND page, int controlId, UINT textId);

@@ -9,11 +9,14 @@
 #include "gallery/pages/chart_page.h"
 #include "gallery/pages/dde_page.h"
 #include "gallery/pages/dialog_services_page.h"
+#include "gallery/pages/files_page.h"
 #include "gallery/pages/flight_page.h"
 #include "gallery/pages/instruments_page.h"
+#include "gallery/pages/language_page.h"
 #include "gallery/pages/list_page.h"
 #include "gallery/pages/mesh_page.h"
 #include "gallery/pages/nmea_page.h"
+#include "gallery/pages/notices_page.h"
 #include "gallery/pages/overview_page.h"
 #include "gallery/resource_ids.h"
 
@@ -34,6 +37,9 @@ constexpr Page kPages[] = {
     {"flight", L"PAGE_FLIGHT", FlightPageProcedure},
     {"nmea", L"PAGE_NMEA_SENTENCE", NmeaPageProcedure},
     {"dde", L"PAGE_DDE_LINK", DdePageProcedure},
+    {"language", L"PAGE_LANGUAGE", LanguagePageProcedure},
+    {"files", L"PAGE_FILES", FilesPageProcedure},
+    {"notices", L"PAGE_NOTICES", NoticesPageProcedure},
 };
 
 std::array<HWND, std::size(kPages)> windows;

@@ -9,6 +9,14 @@
 
 #define IDM_GALLERY_EXIT 200
 #define IDM_GALLERY_ABOUT 201
+#define IDM_GALLERY_HELP 202
+#define IDM_GALLERY_FILE_MENU 203
+#define IDM_GALLERY_LANGUAGE_MENU 204
+#define IDM_GALLERY_HELP_MENU 205
+
+// One for each of 24 languages; two bitmaps for each.
+#define IDM_LANGUAGE_FIRST 300
+#define IDB_LANGUAGE_FIRST 400
 
 #define IDS_GALLERY_CAPTION 1
 #define IDS_ABOUT_CAPTION 2
@@ -27,6 +35,9 @@
 #define PAGE_INDEX_FLIGHT 8
 #define PAGE_INDEX_NMEA 9
 #define PAGE_INDEX_DDE 10
+#define PAGE_INDEX_LANGUAGE 11
+#define PAGE_INDEX_FILES 12
+#define PAGE_INDEX_NOTICES 13
 
 // Texts: page n has its title at IDS_TITLE_FIRST + n and its description at IDS_DESCRIPTION_FIRST + n.
 #define IDS_TITLE_FIRST 100
@@ -37,3 +48,7 @@
 #define IDS_PAGE_FIRST 1000
 #define IDC_PAGE_FIRST 1000
 #define IDC_PAGE_LAST 9999
+
+// A control or menu item has its English text in its template; its text in another language is the one at TEXT_OF(its
+// id) of the language library.
+#define TEXT_OF(id) (20000 + (id))

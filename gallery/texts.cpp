@@ -1,5 +1,6 @@
 #include "gallery/texts.h"
 
+#include "framework/bounded_format.h"
 #include "framework/modules.h"
 
 namespace gallery {
@@ -18,6 +19,12 @@ std::wstring Load(HINSTANCE module, UINT id) {
 std::wstring Text(UINT id) {
   std::wstring text = Load(kv::modules.resources, id);
   return text.empty() ? Load(kv::modules.application, id) : text;
+}
+
+std::wstring TextWith(UINT id, const wchar_t* value, int number) {
+  wchar_t text[1000];
+  kv::FormatBounded(text, sizeof(text), Text(id).c_str(), value, number);
+  return text;
 }
 
 }  // namespace gallery

@@ -10,4 +10,7 @@ namespace gallery {
 
 std::wstring Text(UINT id);
 
+// The text with one or two values put in, as FormatBounded does it; cut at 1,000 characters.
+std::wstring TextWith(UINT id, const wchar_t* value, int number = 0);
+
 }  // namespace gallery

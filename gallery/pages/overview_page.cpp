@@ -60,7 +60,7 @@ INT_PTR CALLBACK OverviewPageProcedure(HWND page, UINT message, WPARAM wParam, L
     case WM_MEASUREITEM: reinterpret_cast<MEASUREITEMSTRUCT*>(lParam)->itemHeight = kRowHeight; return TRUE;
     case WM_DRAWITEM: return OnDrawItem(reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam), HIWORD(wParam));
-    case kTextsChanged: SetPageText(page, IDC_OVERVIEW_TEXT, IDS_PAGE_FIRST); break;
+    case kTextsChanged: SetPageText(page, IDC_OVERVIEW_TEXT, IDS_OVERVIEW_TEXT); break;
     default: break;
   }
   return HandlePageMessage(page, message, wParam, lParam);

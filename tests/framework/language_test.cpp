@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cwchar>
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -45,28 +45,24 @@ class LanguageFiles : public testing::Test {
     }
   }
 
-  void StoreNumber(DWORD number) { Store(REG_DWORD, &number, sizeof(number)); }
-  void Store(DWORD type, const void* data, DWORD size) {
+  static void Store(DWORD type, const void* data, DWORD size) {
     RegSetValueExW(RegistryKey::Create(kApplicationKey), L"LanguageCode", 0, type, static_cast<const BYTE*>(data),
                    size);
   }
-  DWORD StoredNumber() {
-    DWORD type = 0, number = 0xDEAD, size = sizeof(number);
-    RegQueryValueExW(RegistryKey::Open(kApplicationKey), L"LanguageCode", nullptr, &type,
-                     reinterpret_cast<BYTE*>(&number), &size);
-    return type == REG_DWORD ? number : 0xDEAD;
-  }
 
-  // Loads and frees again; gives the file name of the module that held the resources.
-  std::wstring Load(int* language) {
+  // Loads and frees again: the file that held the resources (empty for the program), the language, what is stored.
+  using Outcome = std::tuple<std::wstring, int, DWORD>;
+  static Outcome Load(int language) {
     const HMODULE own = GetModuleHandleW(nullptr);
-    const HMODULE module = LoadLanguageResources(own, kStem, kApplication, language);
-    wchar_t name[kPathCharacters] = L"none", text[64] = L"";
-    GetModuleFileNameW(module, name, kPathCharacters);
-    if (module == own) return L"own";
-    EXPECT_GT(LoadStringW(module, 1, text, ARRAYSIZE(text)), 0);
-    EXPECT_TRUE(FreeLibrary(module));
-    return name;
+    const HMODULE module = LoadLanguageResources(own, kStem, kApplication, &language);
+    wchar_t name[kPathCharacters] = L"";
+    if (module != own) {
+      GetModuleFileNameW(module, name, kPathCharacters);
+      EXPECT_TRUE(FreeLibrary(module));
+    }
+    DWORD stored = 0xDEAD, size = sizeof(stored);
+    RegGetValueW(HKEY_CURRENT_USER, kApplicationKey, L"LanguageCode", RRF_RT_REG_DWORD, nullptr, &stored, &size);
+    return {name, language, stored};
   }
 };
 
@@ -159,60 +155,29 @@ TEST(FilePath, ProgramDirectoryWritesOnlyWhereItsTextFits) {
 
 TEST_F(LanguageFiles, LoadTakesTheLibraryAndRemembersTheLanguage) {
   const std::wstring german = Add(L"GE.dll");
-  int language = 1;
-  EXPECT_EQ(german, Load(&language));
-  EXPECT_EQ(1u, StoredNumber());
-
-  language = kStoredLanguage;
-  EXPECT_EQ(german, Load(&language));
-  EXPECT_EQ(1, language);
-
-  // Another language's library stands in, and the choice stays.
-  language = 8;
-  EXPECT_EQ(german, Load(&language));
-  EXPECT_EQ(8, language);
-  EXPECT_EQ(8u, StoredNumber());
+  EXPECT_EQ(Outcome(german, 1, 1), Load(1));
+  EXPECT_EQ(Outcome(german, 1, 1), Load(kStoredLanguage));
+  EXPECT_EQ(Outcome(german, 8, 8), Load(8));  // stands in for the missing Russian one, and the choice stays
 }
 
 TEST_F(LanguageFiles, LoadGivesEnglishForWhatIsMissingDamagedOrNoLanguage) {
-  StoreNumber(7);
-  int language = 5;
-  EXPECT_EQ(L"own", Load(&language));  // no library at all
-  EXPECT_EQ(0, language);
-  EXPECT_EQ(0u, StoredNumber());
-
+  const Outcome english(L"", 0, 0);
+  EXPECT_EQ(english, Load(5));  // no library at all
   const std::wstring german = Add(L"GE.dll");
+  EXPECT_EQ(english, Load(99));
+  const BYTE bytes[] = {1, 0, 0, 0, 0, 0, 0, 0x80};
+  const struct {
+    DWORD type;
+    int first, size;
+  } unusable[] = {{REG_BINARY, 0, 4}, {REG_SZ, 0, 4}, {REG_DWORD, 0, 1}, {REG_DWORD, 0, 8}, {REG_DWORD, 4, 4}};
+  for (const auto& value : unusable) {
+    Store(value.type, bytes + value.first, value.size);
+    EXPECT_EQ(english, Load(kStoredLanguage)) << value.type << " " << value.size;
+  }
   std::filesystem::resize_file(german, 1500);
-  language = 1;
-  EXPECT_EQ(L"own", Load(&language));  // cut
-  EXPECT_EQ(0u, StoredNumber());
+  EXPECT_EQ(english, Load(1));
   std::ofstream(std::filesystem::path(german)) << "no library";
-  language = 1;
-  EXPECT_EQ(L"own", Load(&language));  // something else
-  EXPECT_EQ(0, language);
-
-  for (const DWORD stored : {30u, 0x80000000u, 24u}) {
-    StoreNumber(stored);
-    language = kStoredLanguage;
-    EXPECT_EQ(L"own", Load(&language));
-    EXPECT_EQ(0, language);
-    EXPECT_EQ(0u, StoredNumber());
-  }
-  language = 99;
-  EXPECT_EQ(L"own", Load(&language));
-  EXPECT_EQ(0, language);
-}
-
-TEST_F(LanguageFiles, LoadTakesNoStoredValueOfAnotherTypeOrSize) {
-  Add(L"GE.dll");
-  const BYTE one[] = {1, 0, 0, 0, 0, 0, 0, 0};
-  const struct { DWORD type, size; } values[] = {{REG_BINARY, 4}, {REG_SZ, 4}, {REG_DWORD, 1}, {REG_DWORD, 8}};
-  for (const auto& value : values) {
-    Store(value.type, one, value.size);
-    int language = kStoredLanguage;
-    EXPECT_EQ(L"own", Load(&language)) << value.type << " " << value.size;
-    EXPECT_EQ(0u, StoredNumber());
-  }
+  EXPECT_EQ(english, Load(1));
 }
 
 TEST_F(LanguageFiles, LoadWithoutPointerOrNameTakesEnglishUnderTheCommonName) {
@@ -229,75 +194,64 @@ TEST_F(LanguageFiles, LoadWithoutPointerOrNameTakesEnglishUnderTheCommonName) {
 constexpr UINT kFirstCommand = 500;
 constexpr int kHandlesInArea = kLanguageBitmapArea / sizeof(HBITMAP);
 
-TEST_F(LanguageFiles, MenuListsWhatHasALibraryAndDoesWithoutBitmaps) {
+TEST_F(LanguageFiles, MenuListsWhatHasALibraryWithTwoBitmapsEach) {
+  // The test's library holds bitmaps 1 to 48, see language_library.rc; the identifier wraps at 65536.
+  const HMODULE library = LoadLibraryW(Add(L"RU.dll").c_str());
   Add(L"ES.dll");
-  Add(L"RU.dll");
-  HBITMAP handles[kHandlesInArea];
-  std::fill_n(handles, kHandlesInArea, reinterpret_cast<HBITMAP>(1));
-  const HMENU menu =
-      BuildLanguageMenu(8, GetModuleHandleW(nullptr), kFirstCommand, 0x1FFF0, kStem, handles);  // no such bitmaps
+  HBITMAP handles[kHandlesInArea] = {};
+  const HMENU menu = BuildLanguageMenu(8, library, kFirstCommand, 0x10001, kStem, handles);
   const int expected[] = {0, 3, 8, 23};
   ASSERT_EQ(4, GetMenuItemCount(menu));
   for (int i = 0; i < 4; ++i) {
     wchar_t text[64];
-    GetMenuStringW(menu, i, text, ARRAYSIZE(text), MF_BYPOSITION);
-    EXPECT_EQ(kFirstCommand + expected[i], GetMenuItemID(menu, i));
+    MENUITEMINFOW item{.cbSize = sizeof(item), .fMask = MIIM_ID | MIIM_STATE | MIIM_STRING | MIIM_CHECKMARKS};
+    item.dwTypeData = text;
+    item.cch = ARRAYSIZE(text);
+    ASSERT_TRUE(GetMenuItemInfoW(menu, i, TRUE, &item));
+    EXPECT_EQ(kFirstCommand + expected[i], item.wID);
     EXPECT_STREQ(kLanguages[expected[i]].menuName, text);
-    EXPECT_EQ(expected[i] == 8, (GetMenuState(menu, i, MF_BYPOSITION) & MF_CHECKED) != 0);
+    EXPECT_EQ(expected[i] == 8, (item.fState & MFS_CHECKED) != 0);
+    EXPECT_EQ(handles[expected[i]], item.hbmpUnchecked);
+    EXPECT_EQ(handles[24 + expected[i]], item.hbmpChecked);
   }
-  EXPECT_EQ(0, std::count(handles, handles + kLanguageBitmapCount, reinterpret_cast<HBITMAP>(1)));
-  EXPECT_EQ(reinterpret_cast<HBITMAP>(1), handles[kLanguageBitmapCount]);
-  EXPECT_TRUE(FreeLanguageMenuBitmaps(handles));
-  DestroyMenu(menu);
-
-  kvtest::GuardedBytes oneShort(kLanguageBitmapArea - sizeof(HBITMAP));
-  const HMENU second = BuildLanguageMenu(0, nullptr, kFirstCommand, 1, kStem, oneShort.as<HBITMAP>());
-  EXPECT_EQ(0, *oneShort.as<int>());
-  DestroyMenu(second);
-  const HMENU empty = BuildLanguageMenu(0, nullptr, kFirstCommand, 1, nullptr, handles);
-  EXPECT_EQ(0, GetMenuItemCount(empty));
-  DestroyMenu(empty);
-}
-
-TEST_F(LanguageFiles, MenuItemsShowTheirTwoBitmapsWhoseFirst32AreFreed) {
-  // The bitmaps of the test's language library: 1 to 48, see language_library.rc. The identifier wraps at 65536.
-  const HMODULE library = LoadLibraryW(Add(L"GE.dll").c_str());
-  HBITMAP handles[kHandlesInArea] = {};
-  const HMENU menu = BuildLanguageMenu(1, library, kFirstCommand, 0x10001, kStem, handles);
-  MENUITEMINFOA item{};
-  item.cbSize = sizeof(item);
-  item.fMask = MIIM_CHECKMARKS;
-  ASSERT_TRUE(GetMenuItemInfoA(menu, 1, TRUE, &item));
-  EXPECT_EQ(handles[1], item.hbmpUnchecked);
-  EXPECT_EQ(handles[25], item.hbmpChecked);
-  BITMAP first{}, checked{};
-  GetObjectA(handles[1], sizeof(first), &first);
-  GetObjectA(handles[25], sizeof(checked), &checked);
-  EXPECT_EQ(8, first.bmWidth);
+  BITMAP plain{}, checked{};
+  GetObjectA(handles[23], sizeof(plain), &plain);
+  GetObjectA(handles[24], sizeof(checked), &checked);
+  EXPECT_EQ(8, plain.bmWidth);
   EXPECT_EQ(16, checked.bmWidth);
+  EXPECT_EQ(nullptr, handles[kLanguageBitmapCount]);
   DestroyMenu(menu);
 
   FreeLanguageMenuBitmaps(handles);
   EXPECT_EQ(0u, GetObjectType(handles[31]));
   EXPECT_EQ(static_cast<DWORD>(OBJ_BITMAP), GetObjectType(handles[32]));
   for (int i = 32; i < kLanguageBitmapCount; ++i) DeleteObject(handles[i]);
+  FreeLibrary(library);
+}
+
+TEST_F(LanguageFiles, MenuDoesWithoutBitmapsStemOrArea) {
+  HBITMAP handles[kHandlesInArea] = {reinterpret_cast<HBITMAP>(1)};
+  const HMENU plain = BuildLanguageMenu(0, nullptr, kFirstCommand, 40000, kStem, handles);  // no such bitmaps
+  EXPECT_EQ(1, GetMenuItemCount(plain));
+  EXPECT_EQ(nullptr, handles[0]);
+  kvtest::GuardedBytes oneShort(kLanguageBitmapArea - sizeof(HBITMAP));
+  *oneShort.as<HBITMAP>() = reinterpret_cast<HBITMAP>(1);
+  const HMENU second = BuildLanguageMenu(0, nullptr, kFirstCommand, 40000, kStem, oneShort.as<HBITMAP>());
+  EXPECT_EQ(reinterpret_cast<HBITMAP>(1), *oneShort.as<HBITMAP>());
+  const HMENU empty = BuildLanguageMenu(0, nullptr, kFirstCommand, 1, nullptr, handles);
+  EXPECT_EQ(0, GetMenuItemCount(empty));
+  for (const HMENU menu : {plain, second, empty}) DestroyMenu(menu);
 
   kvtest::GuardedBytes half(16 * sizeof(HBITMAP));
   EXPECT_TRUE(FreeLanguageMenuBitmaps(half.as<HBITMAP>()));
   EXPECT_TRUE(FreeLanguageMenuBitmaps(nullptr));
-  FreeLibrary(library);
 }
 
-struct HelpRequest {
-  HWND caller;
-  std::wstring file;
-  UINT command;
-  DWORD_PTR data;
-};
+using HelpRequest = std::tuple<HWND, std::wstring, UINT, DWORD_PTR>;
 std::vector<HelpRequest> helpRequests;
 
 HWND WINAPI RecordHelp(HWND caller, const wchar_t* file, UINT command, DWORD_PTR data) {
-  helpRequests.push_back({caller, file, command, data});
+  helpRequests.emplace_back(caller, file, command, data);
   return nullptr;
 }
 
@@ -311,17 +265,12 @@ TEST_F(LanguageFiles, HelpOpensTheLanguagesFileAndAlwaysRepaints) {
     return window.CountOf(WM_PAINT) - before;
   };
   EXPECT_EQ(1, paints(1));  // no file: nothing opens
-  EXPECT_TRUE(helpRequests.empty());
-
   EXPECT_EQ(1, paints(0));  // the English one unseen
   const std::wstring russian = Add(L"RU.chm");
   EXPECT_EQ(1, paints(1));  // another language's stands in
   ASSERT_EQ(2u, helpRequests.size());
-  EXPECT_EQ(BesideProgram(L"kvtéstEN.chm"), helpRequests[0].file);
-  EXPECT_EQ(russian, helpRequests[1].file);
-  EXPECT_EQ(window, helpRequests[1].caller);
-  EXPECT_EQ(15u, helpRequests[1].command);
-  EXPECT_EQ(77u, helpRequests[1].data);
+  EXPECT_EQ(HelpRequest(window, BesideProgram(L"kvtéstEN.chm"), 15, 77), helpRequests[0]);
+  EXPECT_EQ(HelpRequest(window, russian, 15, 77), helpRequests[1]);
   htmlHelp = systemHelp;
 }
 

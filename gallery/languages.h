@@ -1,0 +1,30 @@
+// The gallery's language: which one is shown, the menu to choose another one, and help in it. The languages' libraries
+// and help files lie beside the program (kvgalleryGE.dll, kvgalleryGE.chm ...). Main thread only.
+#pragma once
+
+#include <windows.h>
+
+namespace gallery {
+
+inline constexpr wchar_t kFileStem[] = L"kvgallery";
+
+// Makes modules.resources that of the language that was chosen last. Before the frame exists.
+void BeginWithStoredLanguage();
+
+// Shows the frame and its pages in another language at once; in English when its library is missing or damaged.
+void ChooseLanguage(HWND frame, int language);
+
+// The index of the language that is shown.
+int CurrentLanguage();
+
+// The popup menu of languages (commands IDM_LANGUAGE_FIRST + index), made when first asked for. It belongs to the menu
+// bar that it is put into.
+HMENU LanguageMenu();
+
+// Opens the help file of the language. Always 1.
+BOOL OpenGalleryHelp(HWND frame);
+
+// Frees the library and the menu's bitmaps. After the frame is gone.
+void EndLanguages();
+
+}  // namespace gallery

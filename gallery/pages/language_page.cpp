@@ -1,0 +1,203 @@
+#include "gallery/pages/language_page.h"
+
+#include <commctrl.h>
+
+#include <string>
+
+#include "framework/affirmative.h"
+#include "framework/file_path.h"
+#include "framework/guards.h"
+#include "framework/language.h"
+#include "framework/modules.h"
+#include "framework/painting.h"
+#include "framework/picture.h"
+#include "gallery/languages.h"
+#include "gallery/page.h"
+#include "gallery/pages/language_ids.h"
+#include "gallery/resource_ids.h"
+#include "gallery/texts.h"
+
+namespace gallery {
+
+namespace {
+
+struct Column {
+  UINT title;
+  int share;  // of the table's width, in parts of 100
+};
+constexpr Column kColumns[] = {{IDS_LANGUAGE_COLUMN_NAME, 24},
+                               {IDS_LANGUAGE_COLUMN_CODE, 12},
+                               {IDS_LANGUAGE_COLUMN_LIBRARY, 34},
+                               {IDS_LANGUAGE_COLUMN_HELP, 30}};
+
+constexpr COLORREF kClear = RGB(255, 0, 255);
+
+HWND TableOf(HWND page) {
+  return GetDlgItem(page, IDC_LANGUAGE_TABLE);
+}
+
+// The name of the file that FindLanguageFile gives, another language's when that one stands in.
+std::wstring FileText(int language, const wchar_t* extension) {
+  wchar_t path[kv::kPathCharacters];
+  if (kv::FindLanguageFile(language, kFileStem, extension, path, FALSE) == kv::kLanguageFileNone) {
+    return Text(IDS_LANGUAGE_MISSING);
+  }
+  return kv::FileNameOf(path);
+}
+
+// The rows' item data is the language's index: reserved places have no row.
+int LanguageOfRow(HWND table, int row) {
+  LVITEMW item{};
+  item.mask = LVIF_PARAM;
+  item.iItem = row;
+  return SendMessageW(table, LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item)) ? static_cast<int>(item.lParam) : -1;
+}
+
+int SelectedRow(HWND table) {
+  return static_cast<int>(SendMessageW(table, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+}
+
+int SelectedLanguage(HWND page) {
+  const HWND table = TableOf(page);
+  const int row = SelectedRow(table);
+  const int language = row < 0 ? -1 : LanguageOfRow(table, row);
+  return language < 0 ? CurrentLanguage() : language;
+}
+
+void SetCell(HWND table, int row, int column, const std::wstring& text) {
+  LVITEMW item{};
+  item.iSubItem = column;
+  item.pszText = const_cast<wchar_t*>(text.c_str());
+  SendMessageW(table, LVM_SETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item));
+}
+
+// The plain images of the language menu, one for each language. The table owns the list and deletes it with itself.
+HIMAGELIST FlagImages() {
+  constexpr int kFlagPx = 13, kRowPx = 17;
+  const HIMAGELIST images = ImageList_Create(kFlagPx, kRowPx, ILC_COLOR24 | ILC_MASK, kv::kLanguageCount, 0);
+  const kv::WindowDc screen(nullptr);
+  for (int i = 0; i < kv::kLanguageCount; ++i) {
+    const kv::OwnedBitmap flag(LoadBitmapA(kv::modules.application, MAKEINTRESOURCEA(IDB_LANGUAGE_FIRST + i)));
+    // Images are as high as the rows, so each flag is drawn into the middle of a larger one, which stays clear around
+    // it.
+    const kv::OwnedBitmap image(CreateCompatibleBitmap(screen, kFlagPx, kRowPx));
+    const kv::MemoryDc dc(screen);
+    {
+      const kv::SelectedObject selected(dc, image);
+      kv::FillSolid(dc, {0, 0, kFlagPx, kRowPx}, kClear);
+      kv::ShowBitmap(dc, {0, 2, kFlagPx, 2 + kFlagPx}, flag, {kFlagPx, kFlagPx});
+    }
+    ImageList_AddMasked(images, image, kClear);
+  }
+  return images;
+}
+
+void AddRow(HWND table, int language) {
+  LVITEMW item{};
+  item.mask = LVIF_TEXT | LVIF_PARAM | LVIF_IMAGE;
+  item.iImage = language;
+  item.iItem = kv::kLanguageCount;
+  item.pszText = const_cast<wchar_t*>(kv::kLanguages[language].menuName);
+  item.lParam = language;
+  const int row = static_cast<int>(SendMessageW(table, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item)));
+  SetCell(table, row, 1, kv::kLanguages[language].code);
+  SetCell(table, row, 2, language == 0 ? Text(IDS_LANGUAGE_BUILT_IN) : FileText(language, L".dll"));
+  SetCell(table, row, 3, FileText(language, L".chm"));
+  if (language != CurrentLanguage()) return;
+  item.stateMask = item.state = LVIS_SELECTED | LVIS_FOCUSED;
+  SendMessageW(table, LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&item));
+  SendMessageW(table, LVM_ENSUREVISIBLE, row, FALSE);
+}
+
+void FillTable(HWND table) {
+  SendMessageW(table, WM_SETREDRAW, FALSE, 0);
+  SendMessageW(table, LVM_DELETEALLITEMS, 0, 0);
+  for (int i = 0; i < static_cast<int>(ARRAYSIZE(kColumns)); ++i) {
+    std::wstring title = Text(kColumns[i].title);
+    LVCOLUMNW column{};
+    column.mask = LVCF_TEXT;
+    column.pszText = title.data();
+    SendMessageW(table, LVM_SETCOLUMNW, i, reinterpret_cast<LPARAM>(&column));
+  }
+  for (int i = 0; i < kv::kLanguageCount; ++i) {
+    if (kv::kLanguages[i].code[0] != L'\0') AddRow(table, i);
+  }
+  SendMessageW(table, WM_SETREDRAW, TRUE, 0);
+}
+
+void ShareWidth(HWND table) {
+  RECT client{};
+  GetClientRect(table, &client);
+  for (int i = 0; i < static_cast<int>(ARRAYSIZE(kColumns)); ++i) {
+    SendMessageW(table, LVM_SETCOLUMNWIDTH, i, client.right * kColumns[i].share / 100);
+  }
+}
+
+void ShowAnswer(HWND page) {
+  wchar_t word[kv::kPathCharacters];
+  GetDlgItemTextW(page, IDC_LANGUAGE_WORD, word, ARRAYSIZE(word));
+  const bool every = IsDlgButtonChecked(page, IDC_LANGUAGE_EVERY) == BST_CHECKED;
+  const BOOL yes = kv::IsAffirmative(every ? kv::kEveryLanguage : SelectedLanguage(page), word);
+  SetPageText(page, IDC_LANGUAGE_ANSWER, yes ? IDS_LANGUAGE_YES : IDS_LANGUAGE_NO);
+}
+
+void ShowTexts(HWND page) {
+  const int current = CurrentLanguage();
+  const std::wstring now = TextWith(IDS_LANGUAGE_NOW, kv::kLanguages[current].menuName, current);
+  SetDlgItemTextW(page, IDC_LANGUAGE_NOW, now.c_str());
+  FillTable(TableOf(page));
+  ShowAnswer(page);
+}
+
+INT_PTR OnInit(HWND page) {
+  const HWND table = TableOf(page);
+  SetListFont(page, IDC_LANGUAGE_TABLE);
+  SendMessageW(table, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT);
+  SendMessageW(table, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(FlagImages()));
+  for (int i = 0; i < static_cast<int>(ARRAYSIZE(kColumns)); ++i) {
+    LVCOLUMNW column{};
+    SendMessageW(table, LVM_INSERTCOLUMNW, i, reinterpret_cast<LPARAM>(&column));
+  }
+  return HandlePageMessage(page, WM_INITDIALOG, 0, 0);
+}
+
+INT_PTR OnSize(HWND page) {
+  const INT_PTR result = HandlePageMessage(page, WM_SIZE, 0, 0);
+  ShareWidth(TableOf(page));
+  SendMessageW(TableOf(page), LVM_ENSUREVISIBLE, SelectedRow(TableOf(page)), FALSE);
+  return result;
+}
+
+INT_PTR OnCommand(HWND page, UINT id, UINT code) {
+  switch (id) {
+    case IDC_LANGUAGE_USE: ChooseLanguage(GetParent(page), SelectedLanguage(page)); return TRUE;
+    case IDC_LANGUAGE_WORD:
+      if (code == EN_CHANGE) ShowAnswer(page);
+      return TRUE;
+    case IDC_LANGUAGE_EVERY: ShowAnswer(page); return TRUE;
+    default: return FALSE;
+  }
+}
+
+INT_PTR OnNotify(HWND page, const NMHDR* notification) {
+  if (notification->idFrom != IDC_LANGUAGE_TABLE) return FALSE;
+  if (notification->code == LVN_ITEMCHANGED) ShowAnswer(page);
+  if (notification->code == static_cast<UINT>(NM_DBLCLK)) OnCommand(page, IDC_LANGUAGE_USE, 0);
+  return TRUE;
+}
+
+}  // namespace
+
+INT_PTR CALLBACK LanguagePageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_INITDIALOG: return OnInit(page);
+    case WM_SIZE: return OnSize(page);
+    case WM_COMMAND: return OnCommand(page, LOWORD(wParam), HIWORD(wParam));
+    case WM_NOTIFY: return OnNotify(page, reinterpret_cast<const NMHDR*>(lParam));
+    case kTextsChanged: ShowTexts(page); break;
+    default: break;
+  }
+  return HandlePageMessage(page, message, wParam, lParam);
+}
+
+}  // namespace gallery

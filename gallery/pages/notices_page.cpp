@@ -1,0 +1,132 @@
+#include "gallery/pages/notices_page.h"
+
+#include <dbt.h>
+
+#include <cstddef>
+#include <string>
+
+#include "framework/modules.h"
+#include "framework/notification_icon.h"
+#include "gallery/page.h"
+#include "gallery/pages/notices_ids.h"
+#include "gallery/resource_ids.h"
+#include "gallery/texts.h"
+
+namespace gallery {
+
+namespace {
+
+constexpr UINT kIconId = 1;
+constexpr int kLongestList = 500;
+
+HDEVNOTIFY deviceNotices = nullptr;
+
+void Report(HWND page, const std::wstring& event) {
+  const HWND list = GetDlgItem(page, IDC_NOTICES_EVENTS);
+  SYSTEMTIME now;
+  GetLocalTime(&now);
+  wchar_t time[32] = L"";
+  GetTimeFormatW(LOCALE_USER_DEFAULT, 0, &now, L"HH':'mm':'ss  ", time, ARRAYSIZE(time));
+  if (SendMessageW(list, LB_GETCOUNT, 0, 0) >= kLongestList) SendMessageW(list, LB_DELETESTRING, 0, 0);
+  const auto row = SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>((time + event).c_str()));
+  SendMessageW(list, LB_SETCURSEL, row, 0);
+}
+
+void ReportAnswer(HWND page, BOOL done, UINT textId) {
+  Report(page, Text(done ? textId : IDS_NOTICES_REFUSED));
+}
+
+HICON GalleryIcon() {
+  return LoadIconA(kv::modules.application, MAKEINTRESOURCEA(IDI_GALLERY_SMALL));
+}
+
+void AddOrChange(HWND page, bool add) {
+  char tip[256] = "";
+  GetDlgItemTextA(page, IDC_NOTICES_TIP, tip, sizeof(tip));
+  if (add) {
+    ReportAnswer(page, kv::AddNotificationIcon(page, kIconId, GalleryIcon(), tip), IDS_NOTICES_ADDED);
+  } else {
+    ReportAnswer(page, kv::ChangeNotificationIcon(page, kIconId, nullptr, tip), IDS_NOTICES_CHANGED);
+  }
+}
+
+void ListenToDevices(HWND page, bool listen) {
+  if (deviceNotices) kv::DeviceNotices(deviceNotices, FALSE);
+  deviceNotices = listen ? kv::DeviceNotices(page, TRUE) : nullptr;
+}
+
+void ToggleDevices(HWND page) {
+  ListenToDevices(page, IsDlgButtonChecked(page, IDC_NOTICES_DEVICES) == BST_CHECKED);
+  Report(page, Text(deviceNotices ? IDS_NOTICES_DEVICES_ON : IDS_NOTICES_DEVICES_OFF));
+}
+
+// The name stands in the record as narrow or wide text, by the kind of the window; a device's name begins with two
+// backslashes, and only a wide one has a zero between them.
+std::wstring DeviceName(const DEV_BROADCAST_HDR* record) {
+  constexpr size_t kNameAt = offsetof(DEV_BROADCAST_DEVICEINTERFACE_A, dbcc_name);
+  if (IsBadReadPtr(record, sizeof(*record)) || record->dbch_devicetype != DBT_DEVTYP_DEVICEINTERFACE ||
+      record->dbch_size <= kNameAt + 2 || IsBadReadPtr(record, record->dbch_size)) {
+    return L"?";
+  }
+  const char* name = reinterpret_cast<const char*>(record) + kNameAt;
+  const size_t size = record->dbch_size - kNameAt;
+  if (name[1] == '\0') {
+    std::wstring text(reinterpret_cast<const wchar_t*>(name), size / sizeof(wchar_t));
+    return text.c_str();
+  }
+  std::wstring text;
+  for (size_t i = 0; i < size && name[i]; ++i) text += static_cast<unsigned char>(name[i]);
+  return text;
+}
+
+INT_PTR OnDeviceChange(HWND page, WPARAM event, LPARAM record) {
+  if (event != DBT_DEVICEARRIVAL && event != DBT_DEVICEREMOVECOMPLETE) return TRUE;
+  const std::wstring name = DeviceName(reinterpret_cast<const DEV_BROADCAST_HDR*>(record));
+  Report(page, TextWith(event == DBT_DEVICEARRIVAL ? IDS_NOTICES_ARRIVED : IDS_NOTICES_LEFT, name.c_str()));
+  return TRUE;
+}
+
+INT_PTR OnIconMessage(HWND page, UINT mouseMessage) {
+  if (mouseMessage == WM_LBUTTONUP || mouseMessage == WM_RBUTTONUP) Report(page, Text(IDS_NOTICES_CLICKED));
+  // Taken in any case: the dialog manager has a message of the same number, which sets the default button.
+  return TRUE;
+}
+
+INT_PTR OnInit(HWND page) {
+  SetListFont(page, IDC_NOTICES_EVENTS);
+  SetDlgItemTextA(page, IDC_NOTICES_TIP, "kvGallery");
+  return HandlePageMessage(page, WM_INITDIALOG, 0, 0);
+}
+
+INT_PTR OnDestroy(HWND page) {
+  ListenToDevices(page, false);
+  kv::RemoveNotificationIcon(page, kIconId);
+  return TRUE;
+}
+
+INT_PTR OnCommand(HWND page, UINT id) {
+  switch (id) {
+    case IDC_NOTICES_ADD: AddOrChange(page, true); return TRUE;
+    case IDC_NOTICES_CHANGE: AddOrChange(page, false); return TRUE;
+    case IDC_NOTICES_REMOVE:
+      ReportAnswer(page, kv::RemoveNotificationIcon(page, kIconId), IDS_NOTICES_REMOVED);
+      return TRUE;
+    case IDC_NOTICES_DEVICES: ToggleDevices(page); return TRUE;
+    default: return FALSE;
+  }
+}
+
+}  // namespace
+
+INT_PTR CALLBACK NoticesPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_INITDIALOG: return OnInit(page);
+    case WM_COMMAND: return OnCommand(page, LOWORD(wParam));
+    case WM_DEVICECHANGE: return OnDeviceChange(page, wParam, lParam);
+    case kv::kNotificationCallback: return OnIconMessage(page, static_cast<UINT>(lParam));
+    case WM_DESTROY: return OnDestroy(page);
+    default: return HandlePageMessage(page, message, wParam, lParam);
+  }
+}
+
+}  // namespace gallery
