@@ -24,28 +24,19 @@
 #include "app/resource_ids.h"
 #include "tests/e2e/tarnwick_process.h"
 #include "tests/support/serial_line.h"
+#include "tools/camtool/pace.h"
 #include "tools/uidriver/driver.h"
 
 namespace {
 
+using camtool::Now;
+using camtool::SleepUntil;
 using kvtest::PlayedCamera;
 using kvtest::SerialLine;
 using kvtest::TarnwickProcess;
 
 // 41 bytes of 10 bits each at 38400 bits a second.
 constexpr double kRecordSeconds = 41 * 10 / 38400.0;
-
-double Now() {
-  LARGE_INTEGER count, frequency;
-  QueryPerformanceCounter(&count);
-  QueryPerformanceFrequency(&frequency);
-  return static_cast<double>(count.QuadPart) / static_cast<double>(frequency.QuadPart);
-}
-
-void SleepUntil(double time) {
-  const double left = time - Now();
-  if (left > 0) Sleep(static_cast<DWORD>(left * 1000));
-}
 
 // ---- No record lost ------------------------------------------------------------------------------------------------
 

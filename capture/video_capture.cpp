@@ -82,8 +82,7 @@ bool IsUsable(const BITMAPINFOHEADER& format) {
          format.biHeight <= kLargestVideoSide && format.biBitCount <= 32 && format.biClrUsed <= kMostColors;
 }
 
-// --- Frames
-// -----------------------------------------------------------------------------------------------------------
+// ---- Frames ---------------------------------------------------------------------------------------------------------
 
 // The driver's own dialogs can change the format while the link is open: what it says now goes before what it said when
 // the link was opened.
@@ -142,8 +141,7 @@ LRESULT CALLBACK PumpWhileRecording(HWND capture) {
   return TRUE;
 }
 
-// --- Opening and closing
-// ----------------------------------------------------------------------------------------------
+// ---- Opening and closing --------------------------------------------------------------------------------------------
 
 VideoLink* CreateLink(HWND host) {
   HGLOBAL memory = GlobalAlloc(GHND, sizeof(VideoLink));
@@ -264,8 +262,7 @@ BOOL CloseVideoLink(VideoLink* link) {
   return TRUE;
 }
 
-// --- Using the link
-// ---------------------------------------------------------------------------------------------------
+// ---- Using the link -------------------------------------------------------------------------------------------------
 
 BOOL DrawVideoFrame(VideoLink* link, HDC target, int x, int y, int width, int height) {
   if (!IsOpen(link)) return FALSE;

@@ -26,8 +26,7 @@ constexpr LONG kGlideCountdown = 20;
 constexpr size_t kShownTextSize = 32;
 constexpr LRESULT kNoRecord = 1;
 
-// --- Record
-// -----------------------------------------------------------------------------------------------------------
+// ---- Record ---------------------------------------------------------------------------------------------------------
 
 DWORD ModeOf(const InstrumentRecord& record) {
   return record.dwStyle & kInstrumentModeBits;
@@ -64,8 +63,7 @@ void DeleteBuffers(InstrumentRecord* record) {
   }
 }
 
-// --- Drawing
-// ----------------------------------------------------------------------------------------------------------
+// ---- Drawing --------------------------------------------------------------------------------------------------------
 
 struct Layout {
   DrawLayer face, value;
@@ -120,8 +118,7 @@ void EnsureRendered(InstrumentRecord* record) {
   LayoutOf(ModeOf(*record)).value(bufferDc, area, view);
 }
 
-// --- Commands
-// ---------------------------------------------------------------------------------------------------------
+// ---- Commands -------------------------------------------------------------------------------------------------------
 
 // Reading changes nothing: always false.
 template <class Item>
@@ -250,8 +247,7 @@ LRESULT OnCommand(InstrumentRecord* record, WPARAM wParam, LPARAM lParam) {
   return 0;
 }
 
-// --- Message handlers
-// -------------------------------------------------------------------------------------------------
+// ---- Message handlers -----------------------------------------------------------------------------------------------
 
 LRESULT OnCreate(HWND window) {
   auto* record = CreateWindowRecord<InstrumentRecord>(window);
@@ -341,8 +337,7 @@ LRESULT CopyToClipboard(InstrumentRecord* record, LPARAM requested) {
   return 0;
 }
 
-// --- Window procedure
-// -------------------------------------------------------------------------------------------------
+// ---- Window procedure -----------------------------------------------------------------------------------------------
 
 LRESULT CALLBACK InstrumentProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   auto* record = WindowRecord<InstrumentRecord>(window);
@@ -364,8 +359,7 @@ LRESULT CALLBACK InstrumentProcedure(HWND window, UINT message, WPARAM wParam, L
 
 }  // namespace
 
-// --- Registration
-// -----------------------------------------------------------------------------------------------------
+// ---- Registration ---------------------------------------------------------------------------------------------------
 
 BOOL RegisterDisplayInstrumentClass(HINSTANCE instance, BOOL registerIt) {
   return RegisterControlClass(instance, kDisplayInstrumentClass, InstrumentProcedure, registerIt);

@@ -50,7 +50,7 @@ void UpdateScrollBars(HWND window) {
   }
 }
 
-// Drawing
+// ---- Drawing --------------------------------------------------------------------------------------------------------
 
 void MeasureRows(HWND window, const ListRecord& record) {
   MEASUREITEMSTRUCT request{.CtlID = record.nControlId, .itemHeight = kDefaultRowHeight};
@@ -116,7 +116,7 @@ void ShowSurface(HDC dc, SIZE client, HBITMAP surface, SIZE size, LONG horizonta
   FillRect(dc, &rest, GetSysColorBrush(COLOR_WINDOW));
 }
 
-// Message handlers
+// ---- Message handlers -----------------------------------------------------------------------------------------------
 
 LRESULT OnCreate(HWND window) {
   if (RecordOf(window)) return 0;

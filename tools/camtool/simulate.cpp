@@ -10,6 +10,7 @@
 
 #include "app/camera_link.h"
 #include "app/camera_record.h"
+#include "tools/camtool/pace.h"
 #include "tools/camtool/paths.h"
 #include "tools/camtool/verbs.h"
 
@@ -78,18 +79,6 @@ Sent SendRecord(HANDLE port, const char (&record)[kv::kRecordLength], DWORD pati
   if (!done) CancelIo(port);
   if (!GetOverlappedResult(port, overlapped, &written, TRUE)) return done ? Sent::kFailed : Sent::kDropped;
   return written == sizeof(record) ? Sent::kYes : Sent::kDropped;
-}
-
-double Now() {
-  LARGE_INTEGER count, frequency;
-  QueryPerformanceCounter(&count);
-  QueryPerformanceFrequency(&frequency);
-  return static_cast<double>(count.QuadPart) / static_cast<double>(frequency.QuadPart);
-}
-
-void SleepUntil(double time) {
-  const double left = time - Now();
-  if (left > 0) Sleep(static_cast<DWORD>(left * 1000 + 0.5));
 }
 
 int Stream(HANDLE port, const Options& options) {

@@ -29,8 +29,7 @@ CaptureWindow* Self(HWND window) {
   return reinterpret_cast<CaptureWindow*>(GetWindowLongW(window, GWL_USERDATA));
 }
 
-// --- Pictures
-// ---------------------------------------------------------------------------------------------------------
+// ---- Pictures -------------------------------------------------------------------------------------------------------
 
 struct Format {
   BITMAPINFOHEADER header;
@@ -81,8 +80,7 @@ LRESULT SendFrame(HWND window, CAPVIDEOCALLBACK callback) {
   return callback ? callback(window, &header) : 0;
 }
 
-// --- The capture window
-// -----------------------------------------------------------------------------------------------
+// ---- The capture window ---------------------------------------------------------------------------------------------
 
 LRESULT Connect(int driver) {
   if (camera.attempts < fakecamera::kMostAttempts) camera.attemptedDrivers[camera.attempts++] = driver;

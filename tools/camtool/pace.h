@@ -1,0 +1,13 @@
+// Time for things that must happen at a steady pace. Any thread.
+#pragma once
+
+namespace camtool {
+
+// Seconds on a clock that only goes forward.
+double Now();
+
+// Sleeps until that time of the clock; returns at once when it has passed. As exact as the system's timer period, which
+// the caller sets.
+void SleepUntil(double time);
+
+}  // namespace camtool
