@@ -7,6 +7,7 @@
 //                                        connects and disconnects under streaming, unplugs in mid-record, in the real
 //                                        program
 //   camera_benchmark start [COUNT]       start of the process to first paint, and its memory
+//   camera_benchmark soak [SECONDS]      memory before and after a long connection, in the real program
 #include <windows.h>
 
 #include <psapi.h>
@@ -198,16 +199,20 @@ int MeasureCycles(int connects, int unplugs) {
 
 // ---- Start ---------------------------------------------------------------------------------------------------------
 
+PROCESS_MEMORY_COUNTERS MemoryOf(HANDLE process) {
+  PROCESS_MEMORY_COUNTERS memory{};
+  GetProcessMemoryInfo(process, &memory, sizeof(memory));
+  return memory;
+}
+
 int MeasureStart(int count) {
   std::vector<DWORD> times;
   SIZE_T workingSet = 0, pages = 0;
   for (int i = 0; i < count; ++i) {
     TarnwickProcess tool;
     times.push_back(tool.startUpMs());
-    PROCESS_MEMORY_COUNTERS memory{};
-    GetProcessMemoryInfo(tool.process(), &memory, sizeof(memory));
-    workingSet = memory.WorkingSetSize;
-    pages = memory.PagefileUsage;
+    workingSet = MemoryOf(tool.process()).WorkingSetSize;
+    pages = MemoryOf(tool.process()).PagefileUsage;
     tool.CloseAndWait();
   }
   std::sort(times.begin(), times.end());
@@ -215,6 +220,29 @@ int MeasureStart(int count) {
               times[times.size() / 2], times.back(), static_cast<unsigned long>(workingSet / 1024),
               static_cast<unsigned long>(pages / 1024));
   return 0;
+}
+
+// ---- Soak ----------------------------------------------------------------------------------------------------------
+
+int MeasureSoak(int seconds) {
+  constexpr int kWarmUpMs = 10000;
+  SerialLine line(3, 4);
+  PlayedCamera camera(4);
+  TarnwickProcess tool;
+  const Stream stream(&camera);
+  tool.ClickConnect();
+  if (!tool.WaitForPortText("COM3")) return std::puts("soak: not connected"), 1;
+  Sleep(kWarmUpMs);
+  const SIZE_T before = MemoryOf(tool.process()).PagefileUsage;
+  Sleep(seconds * 1000);
+  const SIZE_T after = MemoryOf(tool.process()).PagefileUsage;
+  const bool stillShows = uidriver::TextOf(tool.window(), IDC_PORT) == "COM3";
+  const DWORD close = tool.CloseAndWait();
+  std::printf(
+      "%d s of streaming: private memory %lu KiB before, %lu KiB after; still connected: %s; closed in %lu ms\n",
+      seconds, static_cast<unsigned long>(before / 1024), static_cast<unsigned long>(after / 1024),
+      stillShows ? "yes" : "no", close);
+  return !stillShows || close == INFINITE;
 }
 
 }  // namespace
@@ -228,7 +256,8 @@ int main(int argc, char** argv) {
   if (!std::strcmp(verb, "cycles")) return MeasureCycles(number(2, 200), number(3, 50));
   if (!std::strcmp(verb, "start")) return MeasureStart(number(2, 10));
   std::fputs(
-      "usage: camera_benchmark records [SECONDS] | latency [COUNT] | cycles [CONNECTS] [UNPLUGS] | start [COUNT]\n",
+      "usage: camera_benchmark records [SECONDS] | latency [COUNT] | cycles [CONNECTS] [UNPLUGS] | start [COUNT] |\n"
+      "       camera_benchmark soak [SECONDS]\n",
       stderr);
   return 2;
 }
