@@ -79,6 +79,14 @@ void CheckToolbarButton(HWND dialog, int command, bool checked) {
   SendDlgItemMessageA(dialog, IDC_TOOLBAR, TB_CHECKBUTTON, command, MAKELPARAM(checked, 0));
 }
 
+// The port button blinks while the display is paused.
+void SetPaused(HWND dialog, AppContext* context, BOOL paused) {
+  context->bPaused = paused;
+  CheckToolbarButton(dialog, IDM_PAUSE, paused);
+  constexpr DWORD kPortBlinks = 1u << kBlinkFlagShift;
+  context->dwButtonFlags = (context->dwButtonFlags & ~kPortBlinks) | (paused ? kPortBlinks : 0);
+}
+
 void ToggleConnection(HWND dialog, AppContext* context) {
   for (int id = IDC_PORT; id <= IDC_POINT_4; ++id) SetDlgItemTextW(dialog, id, L"-");
   // The scan keeps this thread busy for a while: show the cleared buttons and that the tool is at work.
@@ -92,17 +100,9 @@ void ToggleConnection(HWND dialog, AppContext* context) {
     SetDlgItemTextW(dialog, IDC_PORT, text);
   }
   SetCursor(cursor);
-  CheckToolbarButton(dialog, IDM_PAUSE, false);
   CheckToolbarButton(dialog, IDM_CONNECT, IsPortOpen(context));
-  context->bPaused = FALSE;
+  SetPaused(dialog, context, FALSE);
   LayOutMainDialog(dialog, context);
-}
-
-void TogglePause(HWND dialog, AppContext* context) {
-  context->bPaused = !context->bPaused;
-  CheckToolbarButton(dialog, IDM_PAUSE, context->bPaused);
-  constexpr DWORD kPortBlinks = 1u << kBlinkFlagShift;
-  context->dwButtonFlags = (context->dwButtonFlags & ~kPortBlinks) | (context->bPaused ? kPortBlinks : 0);
 }
 
 INT_PTR OnCommand(HWND dialog, AppContext* context, UINT command) {
@@ -114,7 +114,7 @@ INT_PTR OnCommand(HWND dialog, AppContext* context, UINT command) {
     case IDM_WEB_SITE: openMakerWebPage(0); break;
     case IDM_CONNECT: ToggleConnection(dialog, context); break;
     case IDM_RESERVED: break;
-    case IDM_PAUSE: TogglePause(dialog, context); break;
+    case IDM_PAUSE: SetPaused(dialog, context, !context->bPaused); break;
     default:
       if (command >= kMenuCommandFirst && command <= kMenuCommandLast) {
         context->nMenuSelection = static_cast<LONG>(command - kMenuCommandFirst);
