@@ -256,6 +256,7 @@ int main(int argc, char** argv) {
   if (!std::strcmp(verb, "latency")) return MeasureLatency(number(2, 200));
   if (!std::strcmp(verb, "cycles")) return MeasureCycles(number(2, 200), number(3, 50));
   if (!std::strcmp(verb, "start")) return MeasureStart(number(2, 10));
+  if (!std::strcmp(verb, "soak")) return MeasureSoak(number(2, 600));
   std::fputs(
       "usage: camera_benchmark records [SECONDS] | latency [COUNT] | cycles [CONNECTS] [UNPLUGS] | start [COUNT] |\n"
       "       camera_benchmark soak [SECONDS]\n",
