@@ -30,6 +30,7 @@ quietly() {
 # Starts a virtual display of its own and points DISPLAY at it; ends with the calling script.
 start_display() {
   local geometry=${1:-1280x1024x24} number_file=$build_dir/display.$$
+  mkdir -p "$build_dir"
   : >"$number_file"
   Xvfb -displayfd 3 -screen 0 "$geometry" -nolisten tcp 3>"$number_file" >/dev/null 2>&1 &
   display_pid=$!
