@@ -13,8 +13,8 @@
 #include "framework/guards.h"
 #include "framework/painting.h"
 #include "framework/window_record.h"
+#include "tests/support/control_test.h"
 #include "tests/support/message_storm.h"
-#include "tests/support/test_window.h"
 
 namespace kv {
 namespace {
@@ -78,25 +78,11 @@ struct Shown : kvtest::Picture {
   }
 };
 
-class DisplayInstrument : public testing::Test {
+class DisplayInstrument : public kvtest::ControlTest<RegisterDisplayInstrumentClass> {
  protected:
-  static void SetUpTestSuite() {
-    ASSERT_TRUE(RegisterDisplayInstrumentClass(GetModuleHandleA(nullptr), TRUE));
-    parent_ = new kvtest::RecordingParent(true, 700, 700);  // one for all: showing a window takes its time
-  }
-  static void TearDownTestSuite() {
-    delete parent_;
-    EXPECT_TRUE(RegisterDisplayInstrumentClass(GetModuleHandleA(nullptr), FALSE));
-  }
-  void TearDown() override {
-    while (HWND child = GetWindow(*parent_, GW_CHILD)) DestroyWindow(child);
-  }
-
   HWND Create(DWORD style, int width = 120, int height = 120) {
-    return kvtest::CreateControl(*parent_, kDisplayInstrumentClass, "Heading", style, {0, 0, width, height}, 77);
+    return kvtest::CreateControl(parent_, kDisplayInstrumentClass, "Heading", style, {0, 0, width, height}, 77);
   }
-
-  static inline kvtest::RecordingParent* parent_ = nullptr;
 };
 
 TEST_F(DisplayInstrument, EveryModeStartsWithItsDefaults) {
@@ -354,7 +340,7 @@ TEST_F(DisplayInstrument, CopiesItsPictureInOwnOrWantedSize) {
       {WM_COPY, 0, 80, 60}, {WM_COPY, MAKELPARAM(3, 9000), 16, 5120}, {WM_LBUTTONDBLCLK, MAKELPARAM(300, 300), 80, 60}};
   for (const auto& [message, lParam, width, height] : cases) {
     SendMessageA(control, message, 0, lParam);
-    const SIZE size = kvtest::ClipboardPictureSize(*parent_);
+    const SIZE size = kvtest::ClipboardPictureSize(parent_);
     EXPECT_EQ(std::tie(width, height), std::tie(size.cx, size.cy));
   }
 }
@@ -370,7 +356,7 @@ TEST_F(DisplayInstrument, WithoutARecordEveryMessageAnswersOne) {
   EXPECT_FALSE(GetUpdateRect(control, nullptr, FALSE));
   SetWindowLongA(control, GWL_USERDATA, record);
   const HGLOBAL memory = Record(control).hMemory;
-  parent_->Answer([](HWND, UINT message, WPARAM, LPARAM, LRESULT* result) {
+  parent_.Answer([](HWND, UINT message, WPARAM, LPARAM, LRESULT* result) {
     *result = 4711;
     return message == WM_DROPFILES;
   });

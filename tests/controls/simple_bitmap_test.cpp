@@ -5,16 +5,15 @@
 #include <algorithm>
 #include <cstring>
 #include <functional>
-#include <memory>
 #include <string>
 #include <tuple>
 #include <vector>
 
 #include "framework/click_through.h"
 #include "framework/guards.h"
+#include "tests/support/control_test.h"
 #include "tests/support/message_storm.h"
 #include "tests/support/scarce_objects.h"
-#include "tests/support/test_window.h"
 
 namespace kv {
 namespace {
@@ -42,26 +41,16 @@ LRESULT SetText(HWND control, const void* text) {
 }
 
 // The picture lies at (20, 20)-(120, 80) of its parent, with the mouse above its middle.
-class SimpleBitmap : public testing::Test {
+class SimpleBitmap : public kvtest::ControlTest<RegisterSimpleBitmapClass> {
  protected:
-  // One parent for all tests: without a window manager, each visible window takes Wine two seconds to take away.
-  static void SetUpTestSuite() {
-    ASSERT_TRUE(RegisterSimpleBitmapClass(GetModuleHandleA(nullptr), TRUE));
-    shared_ = std::make_unique<kvtest::RecordingParent>(true);
+  SimpleBitmap() {
     POINT middle{70, 50};
-    ClientToScreen(*shared_, &middle);
+    ClientToScreen(parent_, &middle);
     SetCursorPos(middle.x, middle.y);
   }
   static void TearDownTestSuite() {
     SetCursorPos(0, 0);
-    shared_.reset();
-    EXPECT_TRUE(RegisterSimpleBitmapClass(GetModuleHandleA(nullptr), FALSE));
-  }
-  ~SimpleBitmap() override {
-    parent_.Answer(nullptr);
-    while (HWND child = GetWindow(parent_, GW_CHILD)) DestroyWindow(child);
-    kvtest::PumpMessages();
-    parent_.seen().clear();
+    ControlTest::TearDownTestSuite();
   }
 
   HWND Create(const char* text, DWORD style = 0) {
@@ -77,11 +66,6 @@ class SimpleBitmap : public testing::Test {
     parent_.seen().clear();
     return codes;
   }
-
-  kvtest::RecordingParent& parent_ = *shared_;
-
- private:
-  static inline std::unique_ptr<kvtest::RecordingParent> shared_;
 };
 
 TEST_F(SimpleBitmap, NumbersInThreeBasesAndNamesChooseTheResource) {

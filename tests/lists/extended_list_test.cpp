@@ -4,16 +4,15 @@
 
 #include <climits>
 #include <functional>
-#include <memory>
 #include <random>
 #include <tuple>
 #include <vector>
 
 #include "framework/guards.h"
 #include "lists/extended_list_layout.h"
+#include "tests/support/control_test.h"
 #include "tests/support/message_storm.h"
 #include "tests/support/scarce_objects.h"
-#include "tests/support/test_window.h"
 
 namespace kv {
 namespace {
@@ -66,16 +65,8 @@ COLORREF RowColor(UINT row) {
 
 // A list with 100 x 85 pixels between its bars, whose parent answers with `height_`, draws each row in a colour of its
 // own and notes its number.
-class ExtendedList : public testing::Test {
+class ExtendedList : public kvtest::ControlTest<RegisterExtendedListClass> {
  protected:
-  static void SetUpTestSuite() {
-    ASSERT_TRUE(RegisterExtendedListClass(GetModuleHandleA(nullptr), TRUE));
-    shared_ = std::make_unique<kvtest::RecordingParent>(true);
-  }
-  static void TearDownTestSuite() {
-    shared_.reset();
-    EXPECT_TRUE(RegisterExtendedListClass(GetModuleHandleA(nullptr), FALSE));
-  }
   ExtendedList() {
     parent_.Answer([this](HWND, UINT message, WPARAM wParam, LPARAM lParam, LRESULT*) {
       if (message == WM_MEASUREITEM) Measure(wParam, reinterpret_cast<MEASUREITEMSTRUCT*>(lParam));
@@ -85,12 +76,6 @@ class ExtendedList : public testing::Test {
     RECT place{0, 0, 100 + GetSystemMetrics(SM_CXVSCROLL), 85 + GetSystemMetrics(SM_CYHSCROLL)};
     list_ = CreateControl(parent_, kExtendedListClass, "", WS_HSCROLL | WS_VSCROLL, place, kListId);
     Forget();
-  }
-  ~ExtendedList() override {
-    parent_.Answer(nullptr);
-    DestroyWindow(list_);
-    kvtest::PumpMessages();
-    parent_.seen().clear();
   }
 
   void Measure(WPARAM wParam, MEASUREITEMSTRUCT* request) {
@@ -128,14 +113,10 @@ class ExtendedList : public testing::Test {
   }
   int BarPosition(int barKind) { return GetScrollPos(list_, barKind); }
 
-  kvtest::RecordingParent& parent_ = *shared_;
   HWND list_ = nullptr;
   int height_ = 17, measured_ = 0;
   std::vector<int> rows_;
   std::function<void()> react_;
-
- private:
-  static inline std::unique_ptr<kvtest::RecordingParent> shared_;
 };
 
 using Rows = std::vector<int>;

@@ -76,10 +76,13 @@ TEST(MeshModel, DestroyedNullAndForeignHandlesAreRefusedByAll) {
   HGLOBAL destroyed = meshCreate(1, 1);
   ASSERT_TRUE(meshDestroy(destroyed));
   HGLOBAL untagged = GlobalAlloc(GHND, 4096);
+  HGLOBAL small = GlobalAlloc(GHND, 4);  // smaller than a head, though it carries the tag
+  *static_cast<std::uint32_t*>(GlobalLock(small)) = kMeshTag;
+  GlobalUnlock(small);
   // A fixed block stands for itself as a handle. This one carries the tag, but ends within a head.
   kvtest::GuardedBytes fixed(8);
   *fixed.as<std::uint32_t>() = kMeshTag;
-  for (HGLOBAL handle : {destroyed, untagged, HGLOBAL{fixed.data()}, HGLOBAL{nullptr}}) {
+  for (HGLOBAL handle : {destroyed, untagged, small, HGLOBAL{fixed.data()}, HGLOBAL{nullptr}}) {
     MeshModel* model = nullptr;
     double angle = 7;
     EXPECT_FALSE(meshLock(handle, &model, nullptr, nullptr));
@@ -90,8 +93,9 @@ TEST(MeshModel, DestroyedNullAndForeignHandlesAreRefusedByAll) {
     EXPECT_FALSE(meshProject(handle));
     EXPECT_FALSE(meshDestroy(handle));
   }
-  EXPECT_EQ(0u, LockCount(untagged));
+  EXPECT_EQ(0u, LockCount(untagged) + LockCount(small));
   GlobalFree(untagged);
+  GlobalFree(small);
 }
 
 TEST(MeshModel, BadPointersAreRefusedOrSkipped) {
