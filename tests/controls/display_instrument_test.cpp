@@ -162,6 +162,7 @@ TEST_F(DisplayInstrument, StyleTimeZoneAndBlockCommands) {
   const DWORD bits = kInstrumentShowTime | kInstrumentNoCaption;
   const SYSTEMTIME time{2000, 1, 0, 2, 3, 4, 5, 6};
   const WORD year = Record(control).time.wYear;
+  EXPECT_NE(0, year);                  // the time of its creation
   Send(control, kCommandTime, &time);  // not a clock yet: refused
   EXPECT_EQ(0, Read<SYSTEMTIME>(control, kCommandTime).wYear);
   EXPECT_EQ(year, Record(control).time.wYear);
@@ -265,8 +266,9 @@ TEST_F(DisplayInstrument, EveryLayoutShowsValueColourZoneDisabledAndMissingValue
     EnableWindow(control, TRUE);
     EXPECT_GT(Shown(control, 100, 160).CountWhere(coloured), 0) << mode;
 
-    // Whatever it went through, it looks like a new one with the same block: nothing of the former face stays.
-    block.maximum *= 2, block.szName[0] = 'W';
+    // With another range alone it looks like a new one: nothing of the former face stays.
+    Send(control, kCommandBlock | kCommandRedraw, &block);
+    block.maximum *= 2;
     HWND fresh = Create(mode, 100, 160);
     for (HWND each : {control, fresh}) Send(each, kCommandBlock | kCommandRedraw, &block);
     const Shown expected(fresh, 100, 160);

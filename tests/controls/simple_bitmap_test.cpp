@@ -250,7 +250,7 @@ TEST_F(SimpleBitmap, SurvivesAStormOfMessages) {
   HWND control = Create("101", kBitmapTransparent);
   CreateControl(parent_, "EDIT", "beneath", 0, {60, 40, 65, 60}, 2);
   CreateControl(parent_, "BUTTON", "beneath", 0, kBeneath, 3);
-  const kvtest::ScarceObjects scarce(500);
+  const kvtest::ScarceObjects scarce(50);
   kvtest::SendMessageStorm(control, {WM_CREATE, WM_DESTROY, WM_SETTEXT, WM_COPY, WM_DROPFILES, WM_LBUTTONDBLCLK});
   EXPECT_EQ(1, SetText(control, "BADGE"));
   EXPECT_EQ("6x3", HeldSize(control));
