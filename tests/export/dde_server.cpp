@@ -1,12 +1,12 @@
 // Plays the spreadsheet program for the DDE tests, in a process of its own, and writes down what comes over the wire:
 // it speaks the DDE messages themselves and does not lean on the library under which the client runs.
 //
-//   dde_server LOG SERVICE TOPIC[,TOPIC...] [delay=MS | silent | refuse | leave]
+//   dde_server LOG TOPIC[,TOPIC...] [delay=MS | leave]
 //
-// Items: "Topics" is the list of topics; "BytesN" an answer of N letters without a terminator; any other item is what
-// was last poked into it, and refused before that. With delay=MS every request is answered that much later, with silent
-// never; with refuse only the connection is accepted; with leave an execute ends the conversation. What is written down
-// has been answered: the answer waits in the client's queue by then. Ends with a WM_QUIT to its thread.
+// The service is "Excel". Items: "Topics" is the list of topics; "BytesN" an answer of N letters without a terminator;
+// any other item is what was last poked into it, and refused before that. With delay=MS every request is answered that
+// much later, with leave an execute ends the conversation. What is written down has been answered: the answer waits in
+// the client's queue by then. Ends with a WM_QUIT to its thread.
 #include <windows.h>
 
 #include <dde.h>
@@ -24,12 +24,11 @@ constexpr WORD kAck = 0x8000, kResponse = 0x1000, kRelease = 0x2000;
 constexpr size_t kHeader = offsetof(DDEDATA, Value);  // also that of DDEPOKE
 
 FILE* logFile;
-DWORD started;
-std::string service, topics, mode;
+std::string topics, mode;
 std::map<std::string, std::string> cells;
 
 void Log(const std::string& line) {
-  fprintf(logFile, "%6lu ms  %s\n", GetTickCount() - started, line.c_str());
+  fprintf(logFile, "%s\n", line.c_str());
   fflush(logFile);
 }
 
@@ -78,19 +77,18 @@ void PostData(HWND server, HWND client, const std::string& bytes, UINT_PTR item)
 
 void Initiate(HWND client, ATOM application, ATOM topic) {
   const std::string askedFor = NameOf(application), askedAbout = NameOf(topic);
-  const bool serves = application == 0 || askedFor == service;  // no name asks for any server
+  const bool serves = application == 0 || askedFor == "Excel";  // no name asks for any server
   const bool mine = serves && ("," + topics + ",").find("," + askedAbout + ",") != std::string::npos;
   Log("connect " + askedFor + "|" + askedAbout + (mine ? ": accepted" : ": not mine"));
   if (!mine) return;
   HWND conversation = CreateWindowExA(0, "DdeServerConversation", askedAbout.c_str(), 0, 0, 0, 0, 0, HWND_MESSAGE,
                                       nullptr, nullptr, nullptr);
   SendMessageA(client, WM_DDE_ACK, reinterpret_cast<WPARAM>(conversation),
-               MAKELPARAM(GlobalAddAtomA(service.c_str()), GlobalAddAtomA(askedAbout.c_str())));
+               MAKELPARAM(GlobalAddAtomA("Excel"), GlobalAddAtomA(askedAbout.c_str())));
 }
 
 void Request(HWND server, HWND client, UINT_PTR format, UINT_PTR item) {
   const std::string name = NameOf(item);
-  if (mode == "silent") return Log("request " + name + ": not answered");
   if (mode.starts_with("delay=")) Sleep(atoi(mode.c_str() + 6));
   std::string bytes;
   if (name == "Topics") bytes = topics + '\0';
@@ -98,7 +96,7 @@ void Request(HWND server, HWND client, UINT_PTR format, UINT_PTR item) {
   if (name.starts_with("Bytes")) {
     for (int i = 0; i < atoi(name.c_str() + 5); ++i) bytes += static_cast<char>('a' + i % 26);
   }
-  if (mode == "refuse" || format != CF_TEXT || bytes.empty()) {
+  if (format != CF_TEXT || bytes.empty()) {
     PostAck(server, client, false, item);
     return Log("request " + name + ": refused");
   }
@@ -107,23 +105,18 @@ void Request(HWND server, HWND client, UINT_PTR format, UINT_PTR item) {
 }
 
 void Poke(HWND server, HWND client, HGLOBAL memory, UINT_PTR item) {
-  const bool takes = mode != "refuse";
-  const std::string bytes = BytesOf(memory, kHeader);
-  const std::string name = NameOf(item);
-  if (takes) {
-    cells[name] = bytes;
-    GlobalFree(memory);
-  }
-  PostAck(server, client, takes, item);
-  Log("poke " + name + " " + Shown(bytes) + (takes ? "" : ": refused"));
+  const std::string bytes = BytesOf(memory, kHeader), name = NameOf(item);
+  cells[name] = bytes;
+  GlobalFree(memory);
+  PostAck(server, client, true, item);
+  Log("poke " + name + " " + Shown(bytes));
 }
 
 void Execute(HWND server, HWND client, HGLOBAL command) {
-  const bool takes = mode != "refuse";
   const std::string bytes = BytesOf(command, 0);
-  PostAck(server, client, takes, reinterpret_cast<UINT_PTR>(command));
+  PostAck(server, client, true, reinterpret_cast<UINT_PTR>(command));
   if (mode == "leave") PostMessageA(client, WM_DDE_TERMINATE, reinterpret_cast<WPARAM>(server), 0);
-  Log("execute " + TopicOf(server) + " " + Shown(bytes) + (takes ? "" : ": refused"));
+  Log("execute " + TopicOf(server) + " " + Shown(bytes));
 }
 
 LRESULT CALLBACK Serve(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -150,13 +143,10 @@ LRESULT CALLBACK Serve(HWND window, UINT message, WPARAM wParam, LPARAM lParam) 
 }  // namespace
 
 int main(int count, char** arguments) {
-  if (count < 4) return 2;
-  started = GetTickCount();
-  logFile = fopen(arguments[1], "a");
+  logFile = count > 2 ? fopen(arguments[1], "a") : nullptr;
   if (!logFile) return 2;
-  service = arguments[2];
-  topics = arguments[3];
-  if (count > 4) mode = arguments[4];
+  topics = arguments[2];
+  if (count > 3) mode = arguments[3];
   WNDCLASSA windowClass{};
   windowClass.lpfnWndProc = Serve;
   for (const char* name : {"DdeServer", "DdeServerConversation"}) {
@@ -166,7 +156,7 @@ int main(int count, char** arguments) {
   // A hidden top-level window: a broadcast reaches no other kind.
   HWND window = CreateWindowExA(0, "DdeServer", "", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
   if (!window) return 3;
-  Log("ready: " + service + " with " + topics + " " + mode);
+  Log("ready");
   MSG message;
   while (GetMessageA(&message, nullptr, 0, 0) > 0) DispatchMessageA(&message);
   fclose(logFile);

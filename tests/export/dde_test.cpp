@@ -2,10 +2,8 @@
 #include <windows.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <functional>
 #include <iterator>
 #include <string>
 #include <utility>
@@ -64,8 +62,6 @@ class Server {
     PostThreadMessageA(process_.dwThreadId, WM_QUIT, 0, 0);
     EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(process_.hProcess, 5000)) << "the server hangs";
     Kill();
-    CloseHandle(process_.hProcess);
-    CloseHandle(process_.hThread);
   }
   void Kill() {
     TerminateProcess(process_.hProcess, 1);
@@ -90,151 +86,105 @@ HDDEDATA CALLBACK Ignore(UINT, UINT, HCONV, HSZ, HSZ, HDDEDATA, ULONG_PTR, ULONG
 
 class Dde : public testing::Test {
  protected:
-  void SetUp() override {
-    ASSERT_EQ(static_cast<UINT>(DMLERR_NO_ERROR), DdeInitializeA(&instance_, Ignore, APPCMD_CLIENTONLY, 0));
+  Dde() { EXPECT_EQ(0u, DdeInitializeA(&instance_, Ignore, APPCMD_CLIENTONLY, 0)); }
+  ~Dde() override { DdeUninitialize(instance_); }
+
+  void Connect(const char* topic) { ASSERT_TRUE(conversation_ = kv::ddeConnect(instance_, "Excel", topic)); }
+  BOOL Request(const char* item, char* to, DWORD timeoutMs = 0) {
+    return kv::ddeRequest(instance_, conversation_, item, to, timeoutMs);
   }
-  void TearDown() override { DdeUninitialize(instance_); }
+  HDDEDATA Poke(const char* item, const char* text, DWORD timeoutMs = 0) {
+    return kv::ddePoke(instance_, conversation_, item, text, timeoutMs);
+  }
 
   DWORD instance_ = 0;
+  HCONV conversation_ = nullptr;
 };
 
-long long MillisecondsOf(const std::function<void()>& call) {
-  const auto begin = std::chrono::steady_clock::now();
-  call();
-  return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - begin).count();
-}
-
 TEST_F(Dde, ConverseWithAServerInAnotherProcess) {
-  Server server("Excel System,Mappe2");
+  Server server("System,Mappe2");
   EXPECT_FALSE(kv::ddeConnect(instance_, "Excel", "Mappe3"));
   EXPECT_FALSE(kv::ddeConnect(instance_, "Other", "System"));
-  HCONV conversation = kv::ddeConnect(instance_, "Excel", "Mappe2");
-  ASSERT_TRUE(conversation);
-
-  EXPECT_TRUE(kv::ddePoke(instance_, conversation, "Z1S1", "12,5", 0));
+  Connect("Mappe2");
+  EXPECT_TRUE(Poke("Z1S1", "12,5"));
   EXPECT_TRUE(server.Saw("poke Z1S1 \"12,5\\0\" (5 bytes)")) << server.Log();
   char text[16] = "untouched";
-  EXPECT_EQ(1, kv::ddeRequest(instance_, conversation, "Z1S1", text, 0));
-  EXPECT_STREQ("12,5", text);
-  EXPECT_EQ(0, kv::ddeRequest(instance_, conversation, "Z9S9", text, 0));
+  EXPECT_EQ(1, Request("Z1S1", text));
+  EXPECT_EQ(0, Request("Z9S9", text));
   EXPECT_STREQ("12,5", text);
 
   // Last, because Wine serves no further transaction of a conversation after an asynchronous one.
-  EXPECT_EQ(1, kv::ddeExecute(instance_, conversation, "[NEW(1)]"));
+  EXPECT_EQ(1, kv::ddeExecute(instance_, conversation_, "[NEW(1)]"));
   EXPECT_TRUE(server.Saw("execute Mappe2 \"[NEW(1)]\\0\" (9 bytes)")) << server.Log();
-
-  EXPECT_TRUE(kv::ddeDisconnect(conversation));
+  EXPECT_TRUE(kv::ddeDisconnect(conversation_));
   EXPECT_TRUE(server.Saw("disconnect"));
-  EXPECT_FALSE(kv::ddeDisconnect(conversation));
-  EXPECT_EQ(0, kv::ddeRequest(instance_, conversation, "Z1S1", text, 200));
+  EXPECT_FALSE(kv::ddeDisconnect(conversation_));
+  EXPECT_EQ(0, Request("Z1S1", text, 200));
 }
 
 TEST_F(Dde, LongAnswersEndAtTheBuffer) {
-  Server server("Excel System");
-  HCONV conversation = kv::ddeConnect(instance_, "Excel", "System");
-  ASSERT_TRUE(conversation);
-  const auto request = [&](const char* item, char* to) { return kv::ddeRequest(instance_, conversation, item, to, 0); };
-
+  Server server("System");
+  Connect("System");
   GuardedBytes room(kv::kDdeAnswerSize + 1);  // the byte after these faults
   char* text = room.as<char>();
   text[kv::kDdeAnswerSize] = '!';
-  EXPECT_EQ(1, request("Bytes8191", text));
+  EXPECT_EQ(1, Request("Bytes8191", text));
   EXPECT_EQ(8191u, strnlen(text, kv::kDdeAnswerSize));
   for (const char* item : {"Bytes8192", "Bytes9000"}) {
     memset(text, 0, kv::kDdeAnswerSize);
-    EXPECT_EQ(1, request(item, text));
+    EXPECT_EQ(1, Request(item, text));
     EXPECT_EQ(8192u, strnlen(text, kv::kDdeAnswerSize)) << item;
     EXPECT_EQ('a' + 8191 % 26, text[8191]);
     EXPECT_EQ('!', text[8192]);  // a destination of kDdeAnswerSize bytes would end here
   }
-
   // One byte too few for the text: nothing is stored, and still the server has answered.
-  EXPECT_EQ(1, request("Bytes8192", text + 2));
+  EXPECT_EQ(1, Request("Bytes8192", text + 2));
   EXPECT_EQ('c', text[2]);
   EXPECT_EQ('!', text[8192]);
-  EXPECT_EQ(1, request("Bytes10", nullptr));
+  EXPECT_EQ(1, Request("Bytes10", nullptr));
   // Room for the text and none for the terminator.
-  EXPECT_EQ(1, request("Bytes10", text + kv::kDdeAnswerSize - 9));
+  EXPECT_EQ(1, Request("Bytes10", text + kv::kDdeAnswerSize - 9));
   EXPECT_EQ(0, memcmp("abcdefghij", text + kv::kDdeAnswerSize - 9, 10));
-  kv::ddeDisconnect(conversation);
 }
 
-TEST_F(Dde, TimeOutsEndTheWait) {
+TEST_F(Dde, TimeOutsEndTheWaitAndADeadServerFails) {
   char text[64] = "untouched";
-  {
-    Server slow("Excel System delay=700");
-    HCONV conversation = kv::ddeConnect(instance_, "Excel", "System");
-    ASSERT_TRUE(conversation);
-    const long long waited =
-        MillisecondsOf([&] { EXPECT_EQ(0, kv::ddeRequest(instance_, conversation, "Topics", text, 150)); });
-    EXPECT_GE(waited, 140);
-    EXPECT_LT(waited, 650);
-    EXPECT_STREQ("untouched", text);
-    // The late answer belongs to nobody; a later request gets its own.
-    EXPECT_TRUE(slow.Saw("request Topics: answered"));
-    EXPECT_EQ(1, kv::ddeRequest(instance_, conversation, "Bytes3", text, 0));
-    EXPECT_STREQ("abc", text);
-    kv::ddeDisconnect(conversation);
-  }
-  Server silent("Excel System silent");
-  HCONV conversation = kv::ddeConnect(instance_, "Excel", "System");
-  ASSERT_TRUE(conversation);
-  // The default of ten seconds is waited out only on demand.
-  const bool whole = getenv("KV_DDE_WHOLE_TIMEOUT") != nullptr;
-  const DWORD limit = whole ? kv::kDdeTimeoutMs : 200;
-  const long long waited =
-      MillisecondsOf([&] { EXPECT_EQ(0, kv::ddeRequest(instance_, conversation, "Topics", text, whole ? 0 : limit)); });
-  EXPECT_GE(waited, limit - 10);
-  EXPECT_LT(waited, limit + 2000);
-  kv::ddeDisconnect(conversation);
-}
-
-TEST_F(Dde, RefusalsAndADeadServerAreFailures) {
-  char text[64] = "untouched";
-  {
-    Server server("Excel System refuse");
-    HCONV conversation = kv::ddeConnect(instance_, "Excel", "System");
-    ASSERT_TRUE(conversation);
-    EXPECT_EQ(0, kv::ddeRequest(instance_, conversation, "Topics", text, 0));
-    // The result of a refused poke is the system's, and not every system tells it apart.
-    kv::ddePoke(instance_, conversation, "Z1S1", "1", 0);
-    EXPECT_TRUE(server.Saw("poke Z1S1 \"1\\0\" (2 bytes): refused"));
-    EXPECT_EQ(1, kv::ddeExecute(instance_, conversation, "[QUIT]"));  // sent; its fate is not looked at
-    EXPECT_TRUE(server.Saw("\"[QUIT]\\0\" (7 bytes): refused"));
-    kv::ddeDisconnect(conversation);
-  }
-  Server server("Excel System");
-  HCONV conversation = kv::ddeConnect(instance_, "Excel", "System");
-  ASSERT_TRUE(conversation);
-  server.Kill();
-  EXPECT_EQ(0, kv::ddeRequest(instance_, conversation, "Topics", text, 500));
-  EXPECT_FALSE(kv::ddePoke(instance_, conversation, "Z1S1", "1", 500));
+  Server slow("System delay=700");
+  Connect("System");
+  const auto begin = std::chrono::steady_clock::now();
+  EXPECT_EQ(0, Request("Topics", text, 150));
+  const std::chrono::duration<double, std::milli> waited = std::chrono::steady_clock::now() - begin;
+  EXPECT_GE(waited.count(), 140);
+  EXPECT_LT(waited.count(), 650);
   EXPECT_STREQ("untouched", text);
-  kv::ddeDisconnect(conversation);
+  // The late answer belongs to nobody; a later request gets its own.
+  EXPECT_TRUE(slow.Saw("request Topics: answered"));
+  EXPECT_EQ(1, Request("Bytes3", text));
+  EXPECT_STREQ("abc", text);
+
+  slow.Kill();
+  EXPECT_EQ(0, Request("Topics", text, 500));
+  EXPECT_FALSE(Poke("Z1S1", "1", 500));
+  EXPECT_STREQ("abc", text);
 }
 
 TEST_F(Dde, BadArgumentsAreRefused) {
-  Server server("Excel System");
-  HCONV conversation = kv::ddeConnect(instance_, "Excel", "System");
-  ASSERT_TRUE(conversation);
+  Server server("System");
+  Connect("System");
   GuardedBytes unterminated(4);
   memset(unterminated.data(), 'A', 4);
   const std::string tooLong(300, 'x');
   char text[8] = "kept";
-  for (const char* bad : {static_cast<const char*>(nullptr), unterminated.as<const char>()}) {
-    EXPECT_FALSE(kv::ddeConnect(instance_, bad, "System"));
-    EXPECT_FALSE(kv::ddeConnect(instance_, "Excel", bad));
-    EXPECT_EQ(0, kv::ddeExecute(instance_, conversation, bad));
-    EXPECT_EQ(0, kv::ddeRequest(instance_, conversation, bad, text, 200));
-    EXPECT_FALSE(kv::ddePoke(instance_, conversation, bad, "1", 200));
-    EXPECT_FALSE(kv::ddePoke(instance_, conversation, "Z1S1", bad, 200));
+  for (const char* bad : {static_cast<const char*>(nullptr), unterminated.as<const char>(), tooLong.c_str()}) {
+    EXPECT_FALSE(kv::ddeConnect(instance_, bad, "System") || kv::ddeConnect(instance_, "Excel", bad));
+    if (bad == tooLong.c_str()) continue;  // too long for a name only
+    EXPECT_EQ(0, kv::ddeExecute(instance_, conversation_, bad));
+    EXPECT_EQ(0, Request(bad, text, 200));
+    EXPECT_FALSE(Poke(bad, "1", 200) || Poke("Z1S1", bad, 200));
   }
-  EXPECT_FALSE(kv::ddeConnect(instance_, tooLong.c_str(), "System"));
-  EXPECT_FALSE(kv::ddeConnect(instance_, "Excel", tooLong.c_str()));
   EXPECT_FALSE(kv::ddeConnect(0, "Excel", "System"));
-  EXPECT_EQ(0, kv::ddeExecute(0, conversation, "[NEW(1)]"));
+  EXPECT_EQ(0, kv::ddeExecute(0, conversation_, "[NEW(1)]"));
   EXPECT_STREQ("kept", text);
-  kv::ddeDisconnect(conversation);
 }
 
 // Makes a word's page read-only until something tries to write there, and lets that one try fail. To ddeStartStop,
@@ -284,28 +234,19 @@ TEST_F(Dde, StartStopGoesOnWithASlotThatIsNotWritable) {
   EXPECT_EQ(1, kv::ddeStartStop(0, nullptr));
   GuardedBytes page(sizeof(DWORD));
   DWORD* slot = page.as<DWORD>();
-  DWORD* unreadable = slot + 1;
-  EXPECT_EQ(0, kv::ddeStartStop(1, unreadable));
-  EXPECT_EQ(0, kv::ddeStartStop(0, unreadable));
+  EXPECT_EQ(0, kv::ddeStartStop(1, slot + 1) || kv::ddeStartStop(0, slot + 1));  // unreadable
 
   *slot = 0;
-  {
+  const auto startStop = [slot](BOOL start) {
     WritableAfterOneFault once(slot);
-    EXPECT_EQ(1, kv::ddeStartStop(1, slot));
-  }
-  const DWORD made = *slot;
+    EXPECT_EQ(1, kv::ddeStartStop(start, slot));
+    return *slot;
+  };
+  const DWORD made = startStop(1);
   EXPECT_TRUE(IsLive(made));
-  {
-    WritableAfterOneFault once(slot);
-    EXPECT_EQ(1, kv::ddeStartStop(1, slot));
-    EXPECT_EQ(made, *slot);
-  }
-  {
-    WritableAfterOneFault once(slot);
-    EXPECT_EQ(1, kv::ddeStartStop(0, slot));
-    EXPECT_EQ(0u, *slot);
-    EXPECT_FALSE(IsLive(made));
-  }
+  EXPECT_EQ(made, startStop(1));
+  EXPECT_EQ(0u, startStop(0));
+  EXPECT_FALSE(IsLive(made));
 
   // A page that stays read-only: a new instance has no place and is given back, an old one is ended.
   page.MakeReadOnly();
@@ -328,37 +269,31 @@ BOOL WINAPI NoteLaunch(SHELLEXECUTEINFOA* info) {
 
 class ExcelLink : public testing::Test {
  protected:
-  void SetUp() override {
-    launches.clear();
-    previous_ = std::exchange(kv::shellCalls.executeExA, NoteLaunch);
-  }
-  void TearDown() override {
+  ExcelLink() { launches.clear(); }
+  ~ExcelLink() override {
     kv::shellCalls.executeExA = previous_;
     kv::excelLink(0);
     DdeUninitialize(std::exchange(kv::excelLinkState.ddeInstance, 0));
   }
-  // Opens the link in the one case in which its start succeeds.
-  static BOOL Open() {
+  // Opens or closes the link in the one case in which that succeeds.
+  static BOOL Link(BOOL open) {
     WritableAfterOneFault once(&kv::excelLinkState.ddeInstance);
-    return kv::excelLink(1);
+    return kv::excelLink(open);
   }
+  bool IsConnected() const { return link_.systemConversation || link_.workbookConversation; }
+
   const kv::ExcelLinkState& link_ = kv::excelLinkState;
-  decltype(kv::shellCalls.executeExA) previous_;
+  const decltype(kv::shellCalls.executeExA) previous_ = std::exchange(kv::shellCalls.executeExA, NoteLaunch);
 };
 
-TEST_F(ExcelLink, OrdinaryOpeningsAndClosingsEndAtTheStart) {
-  EXPECT_EQ(0, kv::excelLink(1));
-  EXPECT_EQ(0u, link_.ddeInstance);
-  EXPECT_FALSE(link_.systemConversation);
-  EXPECT_EQ(0u, launches.size());
-  EXPECT_EQ(0, kv::excelLink(0));
-}
-
 TEST_F(ExcelLink, StartsTheSpreadsheetThatDoesNotRun) {
-  EXPECT_EQ(0, Open());
+  EXPECT_EQ(0, kv::excelLink(1));  // ordinarily an opening or closing ends at the start
+  EXPECT_EQ(0, kv::excelLink(0));
+  EXPECT_TRUE(link_.ddeInstance == 0 && !IsConnected() && launches.empty());
+
+  EXPECT_EQ(0, Link(1));
   EXPECT_TRUE(IsLive(link_.ddeInstance));
-  EXPECT_FALSE(link_.systemConversation);
-  EXPECT_FALSE(link_.workbookConversation);
+  EXPECT_FALSE(IsConnected());
   ASSERT_EQ(1u, launches.size());
   const SHELLEXECUTEINFOA& info = launches[0];
   EXPECT_EQ(60u, info.cbSize);
@@ -368,19 +303,16 @@ TEST_F(ExcelLink, StartsTheSpreadsheetThatDoesNotRun) {
   EXPECT_STREQ("", info.lpParameters);
   EXPECT_EQ(1, info.nShow);
   EXPECT_TRUE(!info.hwnd && !info.lpDirectory && !info.hProcess);
-
-  WritableAfterOneFault once(&kv::excelLinkState.ddeInstance);
-  EXPECT_EQ(1, kv::excelLink(0));
+  EXPECT_EQ(1, Link(0));
   EXPECT_EQ(0u, link_.ddeInstance);
 }
 
 // Takes ten seconds under Wine, which does not serve the request for the topics after the execute.
 TEST_F(ExcelLink, MakesAWorkbookInTheRunningSpreadsheet) {
-  Server server("Excel System,Mappe2");
-  EXPECT_EQ(0, Open());
+  Server server("System,Mappe2");
+  EXPECT_EQ(0, Link(1));
   EXPECT_EQ(0u, launches.size());
-  ASSERT_TRUE(link_.systemConversation);
-  ASSERT_TRUE(link_.workbookConversation);
+  ASSERT_TRUE(link_.systemConversation && link_.workbookConversation);
   const std::string log = server.Log();
   size_t place = 0;
   for (const char* line : {"connect Excel|System: accepted", "execute System \"[NEW(1)]\\0\" (9 bytes)",
@@ -389,30 +321,24 @@ TEST_F(ExcelLink, MakesAWorkbookInTheRunningSpreadsheet) {
     ASSERT_NE(std::string::npos, place) << line << " is not in its place in\n" << log;
   }
   EXPECT_TRUE(kv::ddePoke(link_.ddeInstance, link_.workbookConversation, "Z1S1", "12,5", 0));
-
   EXPECT_EQ(0, kv::excelLink(0));
-  EXPECT_FALSE(link_.systemConversation);
-  EXPECT_FALSE(link_.workbookConversation);
-  EXPECT_TRUE(server.Saw("disconnect System"));
-  EXPECT_TRUE(server.Saw("disconnect Mappe2"));
+  EXPECT_FALSE(IsConnected());
+  EXPECT_TRUE(server.Saw("disconnect Mappe2") && server.Saw("disconnect System"));
   EXPECT_LT(server.Log().find("disconnect System"), server.Log().find("disconnect Mappe2"));
 }
 
 TEST_F(ExcelLink, AWorkbookThatCannotBeReachedClosesBothConversations) {
-  Server server("Excel System leave");
-  EXPECT_EQ(0, Open());
-  EXPECT_FALSE(link_.systemConversation);
-  EXPECT_FALSE(link_.workbookConversation);
-  EXPECT_TRUE(IsLive(link_.ddeInstance));
-  EXPECT_EQ(0u, launches.size());
+  Server server("System leave");
+  EXPECT_EQ(0, Link(1));
+  EXPECT_FALSE(IsConnected());
+  EXPECT_TRUE(IsLive(link_.ddeInstance) && launches.empty());
   EXPECT_TRUE(server.Saw("connect Excel|Mappe2: not mine"));
 }
 
 TEST(DecimalPoint, OnlyTheFirstBecomesAComma) {
-  char number[] = "12.5.3";
+  char number[] = "12.5.3", whole[] = "125";
   EXPECT_EQ(1, kv::decimalPointToComma(number));
   EXPECT_STREQ("12,5.3", number);
-  char whole[] = "125";
   EXPECT_EQ(1, kv::decimalPointToComma(whole));
   EXPECT_STREQ("125", whole);
   GuardedBytes bytes(4);

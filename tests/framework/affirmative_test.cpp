@@ -4,58 +4,46 @@
 
 #include <cwchar>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "tests/support/test_window.h"
 
 namespace kv {
 namespace {
 
-struct Sample {
-  int language;
-  std::wstring text;
-  BOOL affirms;
-};
-
 TEST(Affirmative, KnowsFirstWordsSignsAndTheTrapsOfTheVocabulary) {
-  const Sample samples[] = {
-      {0, L"Yes please", TRUE},
-      {0, L"true\tand more", TRUE},
-      {0, L"no", FALSE},
-      {0, L"please: yes", FALSE},  // the first word alone counts
-      {0, L"ye", FALSE},
-      {0, L"on1y", TRUE},  // signs count anywhere in it ...
-      {0, L"10", TRUE},
-      {0, L"C++", TRUE},
-      {0, L"EYESORE", TRUE},
-      {99, L"yes", TRUE},  // ... in whatever language
-      {99, L"ja", FALSE},
-      {-2, L"ja", FALSE},
-      {0, L"", TRUE},  // whoever only presses Enter agrees
-      {0, L" no", TRUE},
-      {22, L"\nno", TRUE},
-      {kEveryLanguage, L"", TRUE},
-      {99, L"", FALSE},
-      {0, L"ja", FALSE},
-      {1, L"JA", TRUE},
-      {kEveryLanguage, L"Wahr", TRUE},
-      {2, L"qui", TRUE},  // our users' French
-      {2, L"oui", FALSE},
-      {4, L"disattivato", TRUE},
-      {9, L"ΑΛΗΘΕΙΑ", TRUE},
-      {11, L"नहीं", TRUE},
-      {12, L"〜の上に", TRUE},
-      {17, L"av", TRUE},  // Norwegian and Finnish when asked for only
-      {kEveryLanguage, L"av", FALSE},
-      {18, L"kyllä", TRUE},
-      {kEveryLanguage, L"kyllä", FALSE},
-      {kEveryLanguage, L"sant", TRUE},
-      {21, L"enabled", TRUE},
-      {23, L"cierto", TRUE},
-      {24, L"cierto", FALSE},
+  // The first word alone counts. Signs count anywhere in it, in whatever language. Who only presses Enter agrees. Our
+  // users' French is "qui". Norwegian and Finnish count when asked for only.
+  const std::pair<int, std::vector<const wchar_t*>> affirming[] = {
+      {0, {L"Yes please", L"true\tand more", L"on1y", L"10", L"C++", L"EYESORE", L"", L" no"}},
+      {kEveryLanguage, {L"", L"Wahr", L"sant"}},
+      {1, {L"JA"}},
+      {2, {L"qui"}},
+      {4, {L"disattivato"}},
+      {9, {L"ΑΛΗΘΕΙΑ"}},
+      {11, {L"नहीं"}},
+      {12, {L"〜の上に"}},
+      {17, {L"av"}},
+      {18, {L"kyllä"}},
+      {21, {L"enabled"}},
+      {22, {L"\nno"}},
+      {23, {L"cierto"}},
+      {99, {L"yes"}},
   };
-  for (const Sample& sample : samples) {
-    EXPECT_EQ(sample.affirms, IsAffirmative(sample.language, sample.text.c_str()))
-        << sample.language << " " << testing::PrintToString(sample.text);
+  const std::pair<int, std::vector<const wchar_t*>> others[] = {
+      {0, {L"no", L"please: yes", L"ye", L"ja"}},
+      {kEveryLanguage, {L"av", L"kyllä"}},
+      {-2, {L"ja"}},
+      {2, {L"oui"}},
+      {24, {L"cierto"}},
+      {99, {L"ja", L""}},
+  };
+  for (const auto& [language, words] : affirming) {
+    for (const wchar_t* word : words) EXPECT_TRUE(IsAffirmative(language, word)) << language << " " << word;
+  }
+  for (const auto& [language, words] : others) {
+    for (const wchar_t* word : words) EXPECT_FALSE(IsAffirmative(language, word)) << language << " " << word;
   }
 }
 

@@ -8,36 +8,23 @@
 namespace kv {
 namespace {
 
-TEST(Guards, OwnedObjectIsDeletedOnceAndReleasedOnesSurvive) {
-  HBRUSH brush = CreateSolidBrush(RGB(1, 2, 3));
-  {
-    const OwnedBrush owned(brush);
-    EXPECT_EQ(static_cast<DWORD>(OBJ_BRUSH), GetObjectType(brush));
-  }
-  EXPECT_EQ(0u, GetObjectType(brush));
-
-  HBRUSH kept = CreateSolidBrush(RGB(4, 5, 6));
-  {
-    OwnedBrush owned(kept);
-    OwnedBrush moved(std::move(owned));
-    EXPECT_EQ(nullptr, static_cast<HBRUSH>(owned));
-    moved.Release();
-  }
-  EXPECT_EQ(static_cast<DWORD>(OBJ_BRUSH), GetObjectType(kept));
-  DeleteObject(kept);
-}
-
-TEST(Guards, SelectionEndsBeforeTheObjectIsDeleted) {
+TEST(Guards, DeleteWhatTheyOwnOnceAndAfterItsSelection) {
   kvtest::Picture picture(8, 8);
-  HGDIOBJ before = GetCurrentObject(picture.dc(), OBJ_PEN);
-  HPEN pen = CreatePen(PS_SOLID, 1, RGB(255, 0, 0));
+  const HGDIOBJ before = GetCurrentObject(picture.dc(), OBJ_PEN);
+  const HPEN pen = CreatePen(PS_SOLID, 1, RGB(255, 0, 0));
+  const HBRUSH kept = CreateSolidBrush(RGB(4, 5, 6));
   {
     const OwnedPen owned(pen);
     const SelectedObject selected(picture.dc(), owned);
     EXPECT_EQ(static_cast<HGDIOBJ>(pen), GetCurrentObject(picture.dc(), OBJ_PEN));
+    OwnedBrush first(kept);
+    OwnedBrush moved(std::move(first));
+    EXPECT_EQ(nullptr, static_cast<HBRUSH>(first));
+    moved.Release();
   }
   EXPECT_EQ(before, GetCurrentObject(picture.dc(), OBJ_PEN));
   EXPECT_EQ(0u, GetObjectType(pen));
+  EXPECT_TRUE(DeleteObject(kept));
 }
 
 TEST(Guards, PaintScopeValidatesTheWindow) {
@@ -48,7 +35,7 @@ TEST(Guards, PaintScopeValidatesTheWindow) {
   EXPECT_FALSE(GetUpdateRect(parent, nullptr, FALSE));
 }
 
-TEST(Guards, LockedMemoryUnlocksAtTheEnd) {
+TEST(Guards, LockedMemoryUnlocksAndKeysOpenOnlyWhatExists) {
   HGLOBAL memory = GlobalAlloc(GHND, 16);
   {
     const LockedMemory locked(memory);
@@ -57,13 +44,11 @@ TEST(Guards, LockedMemoryUnlocksAtTheEnd) {
   }
   EXPECT_EQ(0u, GlobalFlags(memory) & GMEM_LOCKCOUNT);
   GlobalFree(memory);
-  EXPECT_EQ(nullptr, LockedMemory(nullptr).address());
-}
 
-TEST(Guards, RegistryKeyOpensOnlyWhatExists) {
-  EXPECT_EQ(nullptr, static_cast<HKEY>(RegistryKey::Open("Software\\korvel\\GuardTest")));
-  EXPECT_NE(nullptr, static_cast<HKEY>(RegistryKey::Create("Software\\korvel\\GuardTest")));
-  EXPECT_NE(nullptr, static_cast<HKEY>(RegistryKey::Open("Software\\korvel\\GuardTest")));
+  constexpr char kKey[] = "Software\\korvel\\GuardTest";
+  RegDeleteKeyA(HKEY_CURRENT_USER, kKey);
+  EXPECT_FALSE(RegistryKey::Open(kKey));
+  EXPECT_TRUE(RegistryKey::Create(kKey) && RegistryKey::Open(kKey));
 }
 
 struct SampleRecord {
@@ -72,7 +57,8 @@ struct SampleRecord {
 };
 
 TEST(WindowRecord, LivesInTheUserDataAndStartsZeroed) {
-  HWND window = CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+  const kvtest::RecordingParent parent;
+  HWND window = kvtest::CreateControl(parent, "STATIC", "", 0, {0, 0, 10, 10}, 1);
   EXPECT_EQ(nullptr, WindowRecord<SampleRecord>(window));
   auto* record = CreateWindowRecord<SampleRecord>(window);
   ASSERT_NE(nullptr, record);
@@ -86,8 +72,6 @@ TEST(WindowRecord, LivesInTheUserDataAndStartsZeroed) {
   kvtest::GuardedBytes tooSmall(sizeof(SampleRecord) - 1);
   SetWindowLongA(window, GWL_USERDATA, reinterpret_cast<LONG>(tooSmall.data()));
   EXPECT_EQ(nullptr, WindowRecord<SampleRecord>(window));
-  SetWindowLongA(window, GWL_USERDATA, 0);
-  DestroyWindow(window);
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 
 #include <climits>
 #include <cmath>
+#include <memory>
+#include <utility>
 
 #include "framework/guards.h"
 #include "framework/picture.h"
@@ -17,33 +19,27 @@ constexpr COLORREF kUntouched = 0xCCCCCC;
 
 // No pixel outside `area` was drawn.
 void ExpectOnlyWithin(const Picture& picture, const RECT& area) {
-  for (int y = 0; y < picture.height(); ++y) {
-    for (int x = 0; x < picture.width(); ++x) {
-      if (!PtInRect(&area, {x, y})) {
-        ASSERT_EQ(kUntouched, picture.At(x, y)) << x << "," << y;
-      }
-    }
+  for (int i = 0; i < picture.width() * picture.height(); ++i) {
+    const POINT at{i % picture.width(), i / picture.width()};
+    ASSERT_TRUE(PtInRect(&area, at) || picture.At(at.x, at.y) == kUntouched) << at.x << "," << at.y;
   }
-}
-
-COLORREF Blend(COLORREF start, COLORREF end, int steps, int step) {
-  COLORREF color = kUntouched;
-  EXPECT_TRUE(kv::BlendColor(start, end, steps, step, &color));
-  return color;
 }
 
 TEST(Painting, BlendTruncatesTowardsZeroAndMasks) {
   const COLORREF start = RGB(0, 255, 10), end = RGB(255, 0, 20);
-  EXPECT_EQ(start, Blend(start, end, 8, 0));
-  EXPECT_EQ(end, Blend(start, end, 8, 8));
-  EXPECT_EQ(RGB(95, 160, 13), Blend(start, end, 8, 3));
-  EXPECT_EQ(RGB(254, 255, 30), Blend(start, end, 8, 16));  // 510, -255, 30
-  EXPECT_EQ(RGB(95, 94, 7), Blend(start, end, 8, -3));     // -95, 350, 7
-  EXPECT_EQ(RGB(95, 160, 13), Blend(start, end, -8, -3));
-  Blend(start, end, -1, INT_MIN);
-  Blend(start, end, 1, INT_MAX);
-
   COLORREF color = kUntouched;
+  const auto blend = [&](int steps, int step) {
+    EXPECT_TRUE(kv::BlendColor(start, end, steps, step, &color));
+    return std::exchange(color, kUntouched);
+  };
+  EXPECT_EQ(start, blend(8, 0));
+  EXPECT_EQ(end, blend(8, 8));
+  EXPECT_EQ(RGB(95, 160, 13), blend(8, 3));
+  EXPECT_EQ(RGB(254, 255, 30), blend(8, 16));  // 510, -255, 30
+  EXPECT_EQ(RGB(95, 94, 7), blend(8, -3));     // -95, 350, 7
+  EXPECT_EQ(RGB(95, 160, 13), blend(-8, -3));
+  blend(-1, INT_MIN);
+  blend(1, INT_MAX);
   EXPECT_FALSE(kv::BlendColor(start, end, 0, 1, &color));
   EXPECT_EQ(kUntouched, color);
   EXPECT_FALSE(kv::BlendColor(start, end, 8, 1, nullptr));
@@ -67,61 +63,54 @@ TEST(Painting, ShadesAndSeverities) {
 }
 
 TEST(Painting, FillsAndFramesStayInTheirArea) {
-  const RECT area{10, 5, 50, 35};
-  Picture solid(64, 48);
-  kv::FillSolid(solid.dc(), area, RGB(1, 2, 3));
-  EXPECT_EQ(40 * 30, solid.CountOf(RGB(1, 2, 3)));
-  ExpectOnlyWithin(solid, area);
+  constexpr RECT kArea{10, 5, 50, 35};
+  const auto drawn = [&](auto draw) {
+    auto picture = std::make_unique<Picture>(64, 48);
+    draw(picture->dc());
+    ExpectOnlyWithin(*picture, kArea);
+    return picture;
+  };
+  EXPECT_EQ(40 * 30, drawn([&](HDC dc) { kv::FillSolid(dc, kArea, RGB(1, 2, 3)); })->CountOf(RGB(1, 2, 3)));
 
-  Picture across(64, 48), down(64, 48);
-  kv::FillHorizontalGradient(across.dc(), area, RGB(0, 0, 0), RGB(200, 200, 200));
-  kv::FillVerticalGradient(down.dc(), area, RGB(0, 0, 0), RGB(200, 200, 200));
-  EXPECT_LT(GetRValue(across.At(10, 20)), 12);
-  EXPECT_GT(GetRValue(across.At(49, 20)), 188);
-  EXPECT_EQ(across.At(30, 5), across.At(30, 34));
-  EXPECT_LT(GetRValue(down.At(30, 5)), 12);
-  EXPECT_GT(GetRValue(down.At(30, 34)), 188);
-  ExpectOnlyWithin(across, area);
-  ExpectOnlyWithin(down, area);
+  constexpr COLORREF kGray = RGB(200, 200, 200);
+  const auto across = drawn([&](HDC dc) { kv::FillHorizontalGradient(dc, kArea, 0, kGray); });
+  EXPECT_LT(GetRValue(across->At(10, 20)), 12);
+  EXPECT_GT(GetRValue(across->At(49, 20)), 188);
+  EXPECT_EQ(across->At(30, 5), across->At(30, 34));
+  const auto down = drawn([&](HDC dc) { kv::FillVerticalGradient(dc, kArea, 0, kGray); });
+  EXPECT_LT(GetRValue(down->At(30, 5)), 12);
+  EXPECT_GT(GetRValue(down->At(30, 34)), 188);
 
-  Picture sunken(64, 48);
-  RECT inside = area;
-  kv::DrawSunkenFrame(sunken.dc(), &inside);
+  RECT inside = kArea, tiny{20, 20, 21, 21};
+  const auto sunken = drawn([&](HDC dc) {
+    kv::DrawSunkenFrame(dc, &inside);
+    kv::DrawSunkenFrame(dc, &tiny);
+  });
   const RECT expected{12, 7, 48, 33};
   EXPECT_TRUE(EqualRect(&expected, &inside));
-  EXPECT_NE(kUntouched, sunken.At(10, 5));
-  EXPECT_EQ(kUntouched, sunken.At(12, 7));
-  ExpectOnlyWithin(sunken, area);
-  RECT tiny{3, 3, 4, 4};
-  kv::DrawSunkenFrame(sunken.dc(), &tiny);
+  EXPECT_NE(kUntouched, sunken->At(10, 5));
+  EXPECT_EQ(kUntouched, sunken->At(12, 7));
   EXPECT_TRUE(tiny.right >= tiny.left && tiny.bottom >= tiny.top && IsRectEmpty(&tiny));
 
-  Picture rounded(64, 48);
-  kv::DrawRoundedFrame(rounded.dc(), area, 6, 2, RGB(255, 255, 255));
-  EXPECT_EQ(RGB(255, 255, 255), rounded.At(30, 6));
-  EXPECT_EQ(kUntouched, rounded.At(30, 20));
-  EXPECT_EQ(kUntouched, rounded.At(10, 5));  // the corner is cut
-  ExpectOnlyWithin(rounded, area);
+  const auto rounded = drawn([&](HDC dc) { kv::DrawRoundedFrame(dc, kArea, 6, 2, RGB(255, 255, 255)); });
+  EXPECT_EQ(RGB(255, 255, 255), rounded->At(30, 6));
+  EXPECT_EQ(kUntouched, rounded->At(30, 20));
+  EXPECT_EQ(kUntouched, rounded->At(10, 5));  // the corner is cut
 }
 
 TEST(Painting, ReplacesExactlyOneColourOfABitmap) {
   const kv::WindowDc screen(nullptr);
   const kv::MemoryDc dc(screen);
   const kv::OwnedBitmap bitmap(CreateCompatibleBitmap(screen, 3, 1));
+  const COLORREF before[] = {RGB(255, 0, 255), RGB(255, 0, 254), RGB(255, 0, 255)};
   {
     const kv::SelectedObject selected(dc, bitmap);
-    SetPixelV(dc, 0, 0, RGB(255, 0, 255));
-    SetPixelV(dc, 1, 0, RGB(255, 0, 254));
-    SetPixelV(dc, 2, 0, RGB(255, 0, 255));
+    for (int x = 0; x < 3; ++x) SetPixelV(dc, x, 0, before[x]);
   }
   EXPECT_TRUE(kv::ReplaceBitmapColor(dc, bitmap, RGB(255, 0, 255), RGB(10, 20, 30)));
-  {
-    const kv::SelectedObject selected(dc, bitmap);
-    EXPECT_EQ(RGB(10, 20, 30), GetPixel(dc, 0, 0));
-    EXPECT_EQ(RGB(255, 0, 254), GetPixel(dc, 1, 0));
-    EXPECT_EQ(RGB(10, 20, 30), GetPixel(dc, 2, 0));
-  }
   EXPECT_FALSE(kv::ReplaceBitmapColor(dc, nullptr, 0, 0));
+  const kv::SelectedObject selected(dc, bitmap);
+  for (int x = 0; x < 3; ++x) EXPECT_EQ(x == 1 ? before[1] : RGB(10, 20, 30), GetPixel(dc, x, 0));
 }
 
 TEST(Painting, StatusButtonShowsItsSchemeAndLeavesTheDcAlone) {
@@ -129,10 +118,7 @@ TEST(Painting, StatusButtonShowsItsSchemeAndLeavesTheDcAlone) {
   const HWND button = kvtest::CreateControl(parent, "BUTTON", "WWWWWWWWWWWWWWWWWWWW", BS_OWNERDRAW, {0, 0, 60, 20}, 9);
   Picture picture(80, 40);
   SetTextColor(picture.dc(), RGB(7, 8, 9));
-  DRAWITEMSTRUCT item{};
-  item.hwndItem = button;
-  item.hDC = picture.dc();
-  item.rcItem = {10, 10, 70, 30};
+  DRAWITEMSTRUCT item{.hwndItem = button, .hDC = picture.dc(), .rcItem = {10, 10, 70, 30}};
   kv::DrawStatusButton(item, kv::kSchemeGreen, kv::kButtonLit);
   EXPECT_GT(picture.CountOf(0x00EF00), 0);
   EXPECT_GT(picture.CountOf(RGB(255, 255, 255)), 10);  // the text
@@ -142,18 +128,20 @@ TEST(Painting, StatusButtonShowsItsSchemeAndLeavesTheDcAlone) {
   EXPECT_EQ(GetStockObject(SYSTEM_FONT), GetCurrentObject(picture.dc(), OBJ_FONT));
 
   SetWindowTextA(button, "");
-  const auto middle = [&](int scheme, UINT flags, UINT state, int y) {
+  const auto at = [&](int y, int scheme, UINT flags, UINT state = 0) {
     item.itemState = state;
     kv::DrawStatusButton(item, scheme, flags);
     return picture.At(40, y);
   };
-  EXPECT_EQ(0x009FDFu, middle(kv::kSchemeAmber, kv::kButtonLit, 0, 20));
-  EXPECT_EQ(0xFF7F4Fu, middle(kv::kSchemeBlue, kv::kButtonLit, 0, 20));
-  EXPECT_LT(GetBValue(middle(kv::kSchemeBlue, 0, 0, 20)), 0xFF);
+  EXPECT_EQ(0x009FDFu, at(20, kv::kSchemeAmber, kv::kButtonLit));
+  EXPECT_EQ(0xFF7F4Fu, at(20, kv::kSchemeBlue, kv::kButtonLit));
+  EXPECT_LT(GetBValue(at(20, kv::kSchemeBlue, 0)), 0xFF);
   constexpr UINT kBoth = kv::kButtonLit | kv::kButtonGradient;
-  EXPECT_GT(GetGValue(middle(kv::kSchemeGreen, kBoth, 0, 12)), GetGValue(middle(kv::kSchemeGreen, kBoth, 0, 27)));
-  EXPECT_LT(GetGValue(middle(kv::kSchemeGreen, kBoth, ODS_SELECTED, 12)),
-            GetGValue(middle(kv::kSchemeGreen, kBoth, ODS_SELECTED, 27)));
+  const auto fall = [&](UINT state) {  // of the light, from top to bottom
+    return GetGValue(at(12, kv::kSchemeGreen, kBoth, state)) - GetGValue(at(27, kv::kSchemeGreen, kBoth, state));
+  };
+  EXPECT_GT(fall(0), 0);
+  EXPECT_LT(fall(ODS_SELECTED), 0);
 }
 
 TEST(Pictures, SizesAndBuffers) {
@@ -164,8 +152,8 @@ TEST(Pictures, SizesAndBuffers) {
   EXPECT_EQ(nullptr, kv::CreateWindowBitmap(parent, {40, -1}));
 
   const auto requested = [](LPARAM lParam) { return kv::RequestedPictureSize(lParam, {7, 9000}, 32, 2048); };
-  EXPECT_TRUE(requested(0).cx == 7 && requested(0).cy == 9000);
-  EXPECT_TRUE(requested(MAKELPARAM(1, 0xFFFF)).cx == 32 && requested(MAKELPARAM(1, 0xFFFF)).cy == 2048);
+  const SIZE own = requested(0), limited = requested(MAKELPARAM(1, 0xFFFF));
+  EXPECT_TRUE(own.cx == 7 && own.cy == 9000 && limited.cx == 32 && limited.cy == 2048);
 
   const kv::OwnedBitmap bitmap(kv::CreateWindowBitmap(parent, {2, 1}));
   {

@@ -32,21 +32,15 @@ std::vector<Tool> ToolsOf(HWND tips) {
   return tools;
 }
 
-const wchar_t* Number(int id) {
-  return MAKEINTRESOURCEW(id);
-}
-
 TEST(ToolTips, OfAToolbarCoverButtonsByIndex) {
   HWND tips = nullptr;
   {
     const kvtest::RecordingParent parent;
     const HWND toolbar = kvtest::CreateControl(parent, "ToolbarWindow32", "", CCS_NORESIZE, {0, 0, 200, 30}, 1001);
     SendMessageA(toolbar, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
-    TBBUTTON buttons[3]{};
-    buttons[0].fsStyle = TBSTYLE_SEP;
-    buttons[1].idCommand = 3001;
-    buttons[2].idCommand = 3002;
-    for (auto& button : buttons) button.fsState = TBSTATE_ENABLED;
+    const TBBUTTON buttons[] = {{.fsState = TBSTATE_ENABLED, .fsStyle = TBSTYLE_SEP},
+                                {.idCommand = 3001, .fsState = TBSTATE_ENABLED},
+                                {.idCommand = 3002, .fsState = TBSTATE_ENABLED}};
     SendMessageA(toolbar, TB_ADDBUTTONSA, 3, reinterpret_cast<LPARAM>(buttons));
 
     const kv::ToolTipEntry entries[] = {{0, nullptr}, {3001, L"Connect / Disconnect"}, {3002, nullptr}, {3003, L""}};
@@ -72,10 +66,12 @@ TEST(ToolTips, OfADialogCoverControls) {
   const HWND button = kvtest::CreateControl(parent, "BUTTON", "", 0, {0, 0, 50, 20}, 1011);
   kvtest::CreateControl(parent, "BUTTON", "", 0, {0, 30, 50, 50}, 1013);
   const std::wstring longText(1500, L'x');
-  const kv::ToolTipEntry entries[] = {
-      {1011, L"the button"}, {1012, longText.c_str()}, {1013, Number(3010)}, {1011, Number(3999)}, {3999, nullptr}};
-  const HWND tips = kv::CreateToolTips(GetModuleHandleA(nullptr), parent, entries, 5);
-  const auto tools = ToolsOf(tips);
+  const kv::ToolTipEntry entries[] = {{1011, L"the button"},
+                                      {1012, longText.c_str()},
+                                      {1013, MAKEINTRESOURCEW(3010)},
+                                      {1011, MAKEINTRESOURCEW(3999)},
+                                      {3999, nullptr}};
+  const auto tools = ToolsOf(kv::CreateToolTips(GetModuleHandleA(nullptr), parent, entries, 5));
   ASSERT_EQ(3u, tools.size());
   EXPECT_EQ(17u, tools[0].flags);
   EXPECT_EQ(reinterpret_cast<UINT_PTR>(button), tools[0].id);
@@ -83,17 +79,13 @@ TEST(ToolTips, OfADialogCoverControls) {
   EXPECT_EQ(0u, tools[1].id);  // no such control: a tool for no window
   EXPECT_EQ(1023u, tools[1].text.size());
   EXPECT_EQ(L"By number", tools[2].text);
-}
 
-TEST(ToolTips, BadTablesGiveNoWindow) {
-  const kvtest::RecordingParent parent;
-  const kvtest::GuardedBytes oneEntry(sizeof(kv::ToolTipEntry));
-  *oneEntry.as<kv::ToolTipEntry>() = {1, L"one"};
+  const kvtest::GuardedBytes memory(sizeof(kv::ToolTipEntry));
+  auto* one = memory.as<kv::ToolTipEntry>();
+  *one = {1, L"one"};
   EXPECT_EQ(nullptr, kv::CreateToolTips(nullptr, parent, nullptr, 1));
-  EXPECT_EQ(nullptr, kv::CreateToolTips(nullptr, parent, oneEntry.as<kv::ToolTipEntry>(), 2));
-  EXPECT_EQ(nullptr, kv::CreateToolTips(nullptr, parent, oneEntry.as<kv::ToolTipEntry>(), 0x7FFFFFFF));
-  EXPECT_NE(nullptr, kv::CreateToolTips(nullptr, parent, oneEntry.as<kv::ToolTipEntry>(), 1));
-  EXPECT_NE(nullptr, kv::CreateToolTips(nullptr, parent, oneEntry.as<kv::ToolTipEntry>(), -1));
+  for (const int tooMany : {2, 0x7FFFFFFF}) EXPECT_EQ(nullptr, kv::CreateToolTips(nullptr, parent, one, tooMany));
+  for (const int harmless : {1, -1}) EXPECT_NE(nullptr, kv::CreateToolTips(nullptr, parent, one, harmless));
 }
 
 }  // namespace

@@ -40,18 +40,18 @@ TEST(GalleryPages, TheNoticesPageListsWhatHappens) {
     return std::wstring(text);
   };
   const auto waitFor = [&](const wchar_t* ending) { return WaitUntil([&] { return lastLine().ends_with(ending); }); };
-  gallery.Press(IDC_NOTICES_ADD);
-  EXPECT_TRUE(waitFor(L"Icon added"));
-  gallery.Press(IDC_NOTICES_CHANGE);
-  EXPECT_TRUE(waitFor(L"Icon changed"));
+  const auto press = [&](int button, const wchar_t* ending) {
+    gallery.Press(button);
+    EXPECT_TRUE(waitFor(ending)) << ending;
+  };
+  press(IDC_NOTICES_ADD, L"Icon added");
+  press(IDC_NOTICES_CHANGE, L"Icon changed");
   PostMessageW(gallery.page(), WM_USER + 1, 1, WM_LBUTTONUP);
   EXPECT_TRUE(waitFor(L"Clicked on the icon"));
   SendMessageW(gallery.page(), WM_DEVICECHANGE, DBT_DEVICEARRIVAL, 0);
   EXPECT_TRUE(waitFor(L"A device has come: ?"));
-  gallery.Press(IDC_NOTICES_DEVICES);
-  EXPECT_TRUE(waitFor(L"Waiting for USB devices"));
-  gallery.Press(IDC_NOTICES_REMOVE);
-  EXPECT_TRUE(waitFor(L"Icon removed"));
+  press(IDC_NOTICES_DEVICES, L"Waiting for USB devices");
+  press(IDC_NOTICES_REMOVE, L"Icon removed");
   EXPECT_EQ(0u, gallery.Close());
 }
 
