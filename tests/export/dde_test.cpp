@@ -25,11 +25,6 @@ std::string Beside(const char* file) {
   return std::string(path, strrchr(path, '\\') + 1) + file;
 }
 
-std::string Transcript() {
-  std::ifstream file(Beside("dde_transcript.txt"), std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 // Everything happens on a desktop of its own: a connect waits for every window of the desktop, also for those of other
 // tests that do not pump messages at that moment.
 std::string desktopName;
@@ -40,16 +35,16 @@ class OwnDesktop : public testing::Environment {
     desktopName = "kvDdeTest" + std::to_string(GetCurrentProcessId());
     HDESK desktop = CreateDesktopA(desktopName.c_str(), nullptr, nullptr, 0, GENERIC_ALL, nullptr);
     ASSERT_TRUE(SetThreadDesktop(desktop));
-    DeleteFileA(Beside("dde_transcript.txt").c_str());
   }
 };
 const testing::Environment* const ownDesktop = testing::AddGlobalTestEnvironment(new OwnDesktop);
 
-// A running server; ends with the object. The transcript of the whole test program stays beside it.
+// A running server; ends with the object. Its transcript stays beside it.
 class Server {
  public:
-  explicit Server(const std::string& arguments) : begin_(Transcript().size()) {
+  explicit Server(const std::string& arguments) {
     const std::string program = Beside("dde_server.exe"), log = Beside("dde_transcript.txt");
+    DeleteFileA(log.c_str());
     std::string command = "\"" + program + "\" \"" + log + "\" " + arguments;
     STARTUPINFOA startup{};
     startup.cb = sizeof(startup);
@@ -67,7 +62,10 @@ class Server {
     TerminateProcess(process_.hProcess, 1);
     WaitForSingleObject(process_.hProcess, 5000);
   }
-  std::string Log() const { return Transcript().substr(begin_); }
+  std::string Log() const {
+    std::ifstream file(Beside("dde_transcript.txt"), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
   // Whether a text comes to be in the log; what the server answered to it has been dispatched then.
   bool Saw(const std::string& text) const {
     const bool seen = WaitUntil([&] { return Log().find(text) != std::string::npos; });
@@ -76,7 +74,6 @@ class Server {
   }
 
  private:
-  size_t begin_;
   PROCESS_INFORMATION process_{};
 };
 
@@ -219,17 +216,14 @@ bool IsLive(DWORD instance) {
   return name && DdeFreeStringHandle(instance, name);
 }
 
-TEST_F(Dde, StartStopRefusesAWritableSlot) {
-  DWORD slot = 0;
-  EXPECT_EQ(0, kv::ddeStartStop(1, &slot));
-  EXPECT_EQ(0u, slot);
-  slot = instance_;
-  EXPECT_EQ(0, kv::ddeStartStop(0, &slot));
-  EXPECT_EQ(instance_, slot);
-  EXPECT_TRUE(IsLive(instance_));
-}
+TEST_F(Dde, StartStopRefusesAWritableSlotAndGoesOnWithOthers) {
+  DWORD writable = instance_;
+  EXPECT_EQ(0, kv::ddeStartStop(0, &writable));
+  EXPECT_TRUE(writable == instance_ && IsLive(instance_));
+  writable = 0;
+  EXPECT_EQ(0, kv::ddeStartStop(1, &writable));
+  EXPECT_EQ(0u, writable);
 
-TEST_F(Dde, StartStopGoesOnWithASlotThatIsNotWritable) {
   EXPECT_EQ(0, kv::ddeStartStop(1, nullptr));
   EXPECT_EQ(1, kv::ddeStartStop(0, nullptr));
   GuardedBytes page(sizeof(DWORD));
@@ -249,15 +243,13 @@ TEST_F(Dde, StartStopGoesOnWithASlotThatIsNotWritable) {
   EXPECT_FALSE(IsLive(made));
 
   // A page that stays read-only: a new instance has no place and is given back, an old one is ended.
-  page.MakeReadOnly();
-  EXPECT_EQ(0, kv::ddeStartStop(1, slot));
   GuardedBytes kept(sizeof(DWORD));
   *kept.as<DWORD>() = instance_;
+  page.MakeReadOnly();
   kept.MakeReadOnly();
-  EXPECT_EQ(1, kv::ddeStartStop(1, kept.as<DWORD>()));
-  EXPECT_TRUE(IsLive(instance_));
-  EXPECT_EQ(1, kv::ddeStartStop(0, kept.as<DWORD>()));
-  EXPECT_FALSE(IsLive(instance_));
+  EXPECT_EQ(0, kv::ddeStartStop(1, slot));
+  EXPECT_TRUE(kv::ddeStartStop(1, kept.as<DWORD>()) && IsLive(instance_));
+  EXPECT_TRUE(kv::ddeStartStop(0, kept.as<DWORD>()) && !IsLive(instance_));
 }
 
 std::vector<SHELLEXECUTEINFOA> launches;
@@ -296,12 +288,8 @@ TEST_F(ExcelLink, StartsTheSpreadsheetThatDoesNotRun) {
   EXPECT_FALSE(IsConnected());
   ASSERT_EQ(1u, launches.size());
   const SHELLEXECUTEINFOA& info = launches[0];
-  EXPECT_EQ(60u, info.cbSize);
-  EXPECT_EQ(0x140u, info.fMask);
-  EXPECT_STREQ("open", info.lpVerb);
-  EXPECT_STREQ("Excel.exe", info.lpFile);
-  EXPECT_STREQ("", info.lpParameters);
-  EXPECT_EQ(1, info.nShow);
+  EXPECT_TRUE(info.cbSize == 60 && info.fMask == 0x140 && info.nShow == 1);
+  EXPECT_EQ("open|Excel.exe|", std::string(info.lpVerb) + "|" + info.lpFile + "|" + info.lpParameters);
   EXPECT_TRUE(!info.hwnd && !info.lpDirectory && !info.hProcess);
   EXPECT_EQ(1, Link(0));
   EXPECT_EQ(0u, link_.ddeInstance);
@@ -336,19 +324,18 @@ TEST_F(ExcelLink, AWorkbookThatCannotBeReachedClosesBothConversations) {
 }
 
 TEST(DecimalPoint, OnlyTheFirstBecomesAComma) {
+  GuardedBytes unterminated(4);
+  memcpy(unterminated.data(), "1.25", 4);
   char number[] = "12.5.3", whole[] = "125";
-  EXPECT_EQ(1, kv::decimalPointToComma(number));
+  for (char* text : {number, whole, unterminated.as<char>(), static_cast<char*>(nullptr)}) {
+    EXPECT_EQ(1, kv::decimalPointToComma(text));
+  }
   EXPECT_STREQ("12,5.3", number);
-  EXPECT_EQ(1, kv::decimalPointToComma(whole));
   EXPECT_STREQ("125", whole);
-  GuardedBytes bytes(4);
-  memcpy(bytes.data(), "1.25", 4);  // no terminator before the page ends
-  EXPECT_EQ(1, kv::decimalPointToComma(bytes.as<char>()));
-  EXPECT_EQ(0, memcmp("1.25", bytes.data(), 4));
-  memcpy(bytes.data(), "1.2", 4);
-  bytes.MakeReadOnly();
-  EXPECT_EQ(1, kv::decimalPointToComma(bytes.as<char>()));
-  EXPECT_EQ(1, kv::decimalPointToComma(nullptr));
+  EXPECT_EQ(0, memcmp("1.25", unterminated.data(), 4));
+  memcpy(unterminated.data(), "1.2", 4);
+  unterminated.MakeReadOnly();  // terminated now
+  EXPECT_EQ(1, kv::decimalPointToComma(unterminated.as<char>()));
 }
 
 }  // namespace

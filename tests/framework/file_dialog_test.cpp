@@ -50,10 +50,9 @@ class User {
  private:
   static HWND Find(HWND except) {
     HWND found = nullptr;
-    while ((found = FindWindowExW(nullptr, found, L"#32770", kTitle)) != nullptr) {
-      if (found != except && IsWindowVisible(found)) return found;
-    }
-    return nullptr;
+    do found = FindWindowExW(nullptr, found, L"#32770", kTitle);
+    while (found && (found == except || !IsWindowVisible(found)));
+    return found;
   }
   std::thread thread_;
 };

@@ -40,13 +40,8 @@ class Recorded : public testing::Test {
 
   // What the shell was told last.
   void ExpectTold(DWORD message, UINT id, UINT flags, UINT callback, HICON icon, const char* tip) const {
-    EXPECT_EQ(message, seenMessage);
-    EXPECT_EQ(488u, seen.cbSize);  // the short form
-    EXPECT_EQ(owner_, seen.hWnd);
-    EXPECT_EQ(id, seen.uID);
-    EXPECT_EQ(flags, seen.uFlags);
-    EXPECT_EQ(callback, seen.uCallbackMessage);
-    EXPECT_EQ(icon, seen.hIcon);
+    EXPECT_TRUE(message == seenMessage && seen.cbSize == 488 && seen.hWnd == owner_);  // the short form's size
+    EXPECT_TRUE(id == seen.uID && flags == seen.uFlags && callback == seen.uCallbackMessage && icon == seen.hIcon);
     EXPECT_STREQ(tip, seen.szTip);
   }
 
@@ -85,8 +80,7 @@ TEST_F(Recorded, TipsAreCutAndUnreadableOnesStayEmpty) {
 
 TEST_F(Recorded, DeviceNoticesAskForUsbAndEndWhatTheyBegan) {
   EXPECT_EQ(owner_, DeviceNotices(owner_, TRUE));
-  EXPECT_EQ(29u, seenFilter.dbcc_size);
-  EXPECT_EQ(5u, seenFilter.dbcc_devicetype);
+  EXPECT_TRUE(seenFilter.dbcc_size == 29 && seenFilter.dbcc_devicetype == 5);
   EXPECT_TRUE(seenFilter.dbcc_reserved == 0 && seenFilter.dbcc_name[0] == '\0');
   wchar_t guid[40];
   StringFromGUID2(seenFilter.dbcc_classguid, guid, ARRAYSIZE(guid));
