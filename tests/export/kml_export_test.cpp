@@ -6,7 +6,9 @@
 #include <psapi.h>
 
 #include <cmath>
-#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <thread>
 #include <utility>
@@ -20,6 +22,7 @@
 #include "framework/painting.h"
 #include "framework/shell_launch.h"
 #include "framework/window_record.h"
+#include "tests/support/message_storm.h"
 #include "tests/support/test_window.h"
 
 namespace kv {
@@ -32,17 +35,11 @@ HINSTANCE WINAPI NoteLaunch(HWND, LPCWSTR verb, LPCWSTR program, LPCWSTR paramet
   return nullptr;
 }
 
-std::string Contents(const std::wstring& path) {
-  std::string text(1 << 20, '\0');
-  FILE* file = _wfopen(path.c_str(), L"rb");
-  if (!file) return "no file";
-  text.resize(fread(text.data(), 1, text.size(), file));
-  fclose(file);
-  return text;
-}
+using std::filesystem::exists;
 
-bool Exists(const std::wstring& path) {
-  return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+std::string Contents(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return file ? std::string{std::istreambuf_iterator<char>(file), {}} : "no file";
 }
 
 std::string WithFileLineEnds(std::string text) {
@@ -57,12 +54,6 @@ std::string Printed(KmlTemplate which, Values... values) {
   FormatBounded(wide, sizeof(wide), KmlTemplateText(which), values...);
   const std::wstring text = wide;
   return WithFileLineEnds({text.begin(), text.end()});
-}
-
-// What an element holds where it first occurs.
-std::string Element(const std::string& text, const std::string& name) {
-  const size_t from = text.find("<" + name + ">") + name.size() + 2;
-  return text.substr(from, text.find("</" + name + ">") - from);
 }
 
 // Every element is closed in its order, there is one root, and no text holds a bare "<" or "&".
@@ -186,11 +177,8 @@ TEST_F(KmlExport, SettingsShapeTheDocument) {
   Store("KMLAltitude", 7.0, REG_BINARY);                       // eight bytes
   Store("KMLRange", 1500.25f, REG_BINARY);
   Store("KMLTilt", -60.0f);
-  const std::string text = Exported();
-  const GeodeticPosition at = PositionFromLocal(LocalFrameOf(track), 0, 0);
-  EXPECT_TRUE(text.starts_with(Printed(KmlTemplate::kHeader, at.longitude, at.latitude, 0.0, 1500.25, -60.0, 0.0) +
-                               Printed(KmlTemplate::kTrackHead, 0xFF345678ul, -1l, 0xBF2FFF0Dul, 1l, 0l)));
-
+  EXPECT_TRUE(Exported().starts_with(Printed(KmlTemplate::kHeader, 8.0, 47.0, 0.0, 1500.25, -60.0, 0.0) +
+                                     Printed(KmlTemplate::kTrackHead, 0xFF345678ul, -1l, 0xBF2FFF0Dul, 1l, 0l)));
   Store("KMLTransparency", 100.0f);
   EXPECT_EQ(0xFF2FFF0Du, ReadKmlSettings().dwPolygonColor);
 }
@@ -203,6 +191,9 @@ TEST(FillAlpha, LowByteOfTheTruncatedValueAndNothingUndefined) {
 }
 
 TEST_F(KmlExport, CoordinateLinesAreWhatTheTemplatePrints) {
+  EXPECT_FALSE(IsWellFormed("<a><b></a></b>") || IsWellFormed("<a>&</a>"));
+  EXPECT_TRUE(IsWellFormed(Printed(KmlTemplate::kPointHead, L"Start") + Printed(KmlTemplate::kPoint, 8.5, 47.25, 1.5) +
+                           Printed(KmlTemplate::kPointTail)));
   SetPoints({{5e7, 1e7, 0.25}, {-1e300, 1e300, 1e300}, {0, 0, -0.0}, {INFINITY, 1, -INFINITY}, {1, NAN, NAN}});
   for (const double latitude : {0.0, 89.9999, 90.0, -90.0}) {
     track.dReferenceLatitude = latitude;
@@ -214,19 +205,16 @@ TEST_F(KmlExport, CoordinateLinesAreWhatTheTemplatePrints) {
       EXPECT_NE(std::string::npos, text.find(line)) << latitude;
     }
   }
-  EXPECT_FALSE(IsWellFormed("<a><b></a></b>"));
 }
 
 TEST_F(KmlExport, NoPointIsNoFileOneIsOneLineAndManyAreAllThere) {
   track.nPoints = 0;
-  EXPECT_TRUE(exportTrackKml(&view));
-  EXPECT_TRUE(exportWaypointsText(&view));
-  EXPECT_FALSE(Exists(view.szKmlPath));
-  EXPECT_FALSE(Exists(kWaypointsPath));
-  EXPECT_TRUE(launched.empty());
+  EXPECT_TRUE(exportTrackKml(&view) && exportWaypointsText(&view));
+  EXPECT_FALSE(exists(view.szKmlPath) || exists(kWaypointsPath) || !launched.empty());
 
   SetPoints({{0, 0, 7}});
-  EXPECT_EQ("\r\n    8.0000000000,47.0000000000,7.0\r\n    ", Element(Exported(), "coordinates"));
+  const std::string one = "<coordinates>\r\n    8.0000000000,47.0000000000,7.0\r\n    </coordinates>";
+  EXPECT_NE(std::string::npos, Exported().find(one));
 
   SetPoints(std::vector<FlightTrackPoint>(5000, {.bKind = kPointGeodetic}));
   std::string expected;
@@ -238,18 +226,10 @@ TEST_F(KmlExport, NoPointIsNoFileOneIsOneLineAndManyAreAllThere) {
   EXPECT_EQ(expected, Contents(kWaypointsPath));
 }
 
-TEST_F(KmlExport, TemplatesOfTheSinglePointAreWellFormed) {
-  const std::string text = Printed(KmlTemplate::kPointHead, L"Start") + Printed(KmlTemplate::kPoint, 8.5, 47.25, 1.5) +
-                           Printed(KmlTemplate::kPointTail);
-  EXPECT_TRUE(IsWellFormed(text));
-  EXPECT_EQ("Start", Element(text, "name"));
-  EXPECT_EQ("8.500000000000000,47.250000000000000,1.50", Element(text, "coordinates"));
-}
-
 TEST_F(KmlExport, RefusesABadStateAndAFileThatCannotBeCreated) {
   kvtest::GuardedBytes small(sizeof(view) - 4);
-  EXPECT_FALSE(exportTrackKml(small.as<FlightTrackViewState>()));
-  EXPECT_FALSE(exportWaypointsText(small.as<FlightTrackViewState>()));
+  auto* bad = small.as<FlightTrackViewState>();
+  EXPECT_FALSE(exportTrackKml(bad) || exportWaypointsText(bad));
   FormatBounded(view.szKmlPath, sizeof(view.szKmlPath), L"%sno such folder\\a.kml", temporary.c_str());
   EXPECT_FALSE(exportTrackKml(&view));
   CreateDirectoryW(kWaypointsPath, nullptr);  // in the file's place
@@ -275,9 +255,9 @@ TEST_F(KmlExport, AFailedWriteStartsNoViewerAndLeavesNoFile) {
   const std::wstring path = temporary + L"kvTestGivenUp.txt";
   {
     TextFile file(path.c_str());
-    EXPECT_TRUE(Exists(path));
+    EXPECT_TRUE(exists(path));
   }
-  EXPECT_FALSE(Exists(path));
+  EXPECT_FALSE(exists(path));
 }
 
 TEST_F(KmlExport, WaypointsComeFromWhatTheKindSays) {
@@ -285,17 +265,14 @@ TEST_F(KmlExport, WaypointsComeFromWhatTheKindSays) {
              {.dX = 100, .dY = -200, .dAltitude = 5, .bKind = kPointLocal},
              {.dAltitude = 5, .bKind = kPointGeodetic, .dLatitude = 33.25, .dLongitude = -12.5},
              {.dAltitude = 6, .bKind = 3},
-             {.bKind = kPointEarthCentred,
-              .dCentredX = 3194419.1450605732,
-              .dCentredY = 3194419.1450605732,
-              .dCentredZ = 4487348.408865919}});
+             {.bKind = kPointEarthCentred, .dCentredY = 7e6}});
   EXPECT_TRUE(exportWaypointsText(&view));
   EXPECT_EQ(
       "8.0000000000,47.0000000000,5.0\r\n"
       "8.0013171810,47.0018026746,5.0\r\n"
       "-12.5000000000,33.2500000000,5.0\r\n"
       "-12.5000000000,33.2500000000,6.0\r\n"
-      "45.0000000000,45.0000000000,0.0\r\n",
+      "90.0000000000,0.0000000000,0.0\r\n",
       Contents(kWaypointsPath));
   EXPECT_TRUE(launched.empty());
 }
@@ -307,9 +284,8 @@ TEST_F(KmlExport, PositionIsWrittenAndShownAndTheParentActivated) {
   SetActiveWindow(other);
   EXPECT_TRUE(showPositionInGlobe(child, -70.5, -33.25, 1234.5));
   EXPECT_EQ(static_cast<HWND>(parent), GetActiveWindow());
-  const std::string text = Contents(path);
-  EXPECT_TRUE(IsWellFormed(text));
-  EXPECT_EQ(Printed(KmlTemplate::kHeader, -70.5, -33.25, 0.0, 1234.5, 0.0, 0.0) + " </Folder>\r\n</kml>\r\n", text);
+  EXPECT_EQ(Printed(KmlTemplate::kHeader, -70.5, -33.25, 0.0, 1234.5, 0.0, 0.0) + " </Folder>\r\n</kml>\r\n",
+            Contents(path));
 
   DeleteFileW(path.c_str());
   CreateDirectoryW(path.c_str(), nullptr);  // the file cannot be created; the viewer starts nevertheless
@@ -318,10 +294,7 @@ TEST_F(KmlExport, PositionIsWrittenAndShownAndTheParentActivated) {
   ASSERT_EQ(2u, launched.size());
   EXPECT_EQ(launched[0], launched[1]);
   EXPECT_TRUE(launched[0].ends_with(L"GoogleEarth.exe|" + path));
-}
 
-TEST(Helmsdeck, RunsWhileItsMutexExists) {
-  EXPECT_FALSE(isHelmsdeckRunning());
   HANDLE mutex = CreateMutexA(nullptr, FALSE, "kvHelmsdeck_Process_Mutex");
   EXPECT_TRUE(isHelmsdeckRunning());
   CloseHandle(mutex);
@@ -355,10 +328,8 @@ class FlightTrackView : public KmlExport {
 TEST_F(FlightTrackView, FixesItsPathAndFillsItsBackground) {
   const std::wstring path = state->szKmlPath;
   ASSERT_TRUE(path.starts_with(temporary));
-  const std::wstring name = path.substr(temporary.size());
-  EXPECT_EQ(8u, name.find_first_not_of(L"0123456789ABCDEF"));
-  EXPECT_LT(GetTickCount() - std::wcstoul(name.c_str(), nullptr, 16), 10000u);
-  EXPECT_TRUE(name.ends_with(L".kml"));
+  EXPECT_EQ(L".kml", path.substr(temporary.size() + 8));
+  EXPECT_LT(GetTickCount() - std::wcstoul(path.c_str() + temporary.size(), nullptr, 16), 10000u);
 
   ShowWindow(parent, SW_SHOWNOACTIVATE);
   UpdateWindow(window);
@@ -371,18 +342,15 @@ TEST_F(FlightTrackView, ExportsOnRequestAndByItself) {
   EXPECT_EQ(1, Export(0x8000 | 0x0100, 7));  // neither document: nothing is done, nothing switched
   EXPECT_FALSE(state->bAutoExport);
   EXPECT_EQ(1, Export(0x8000, 0));
-  EXPECT_TRUE(Exists(kWaypointsPath));
-  EXPECT_FALSE(Exists(state->szKmlPath));
-  EXPECT_TRUE(launched.empty());
+  EXPECT_TRUE(exists(kWaypointsPath));
+  EXPECT_FALSE(exists(state->szKmlPath) || !launched.empty());
 
   EXPECT_EQ(1, Export(0x8000 | 0x0100, 1));
   EXPECT_TRUE(IsWellFormed(Contents(state->szKmlPath)));
   EXPECT_EQ(1, Send(19, &track));
   EXPECT_EQ(2u, launched.size());
-  EXPECT_EQ(1, Export(0x4000, 0));
-  EXPECT_EQ(1, Send(19, &track));
+  EXPECT_TRUE(Export(0x4000, 0) && Send(19, &track));
   EXPECT_EQ(2u, launched.size());
-
   state->szKmlPath[0] = L'\0';
   EXPECT_EQ(0, Export(0x8000, 1));
   EXPECT_EQ(0, Send(13, &track));
@@ -392,9 +360,12 @@ TEST_F(FlightTrackView, HoldsTheTrackOfItsOwner) {
   FlightTrack copy{};
   EXPECT_EQ(0, Send(19 | 0x8000, &copy));
   EXPECT_EQ(1, Send(19, &track));
-  kvtest::GuardedBytes small(sizeof(FlightTrack) - 8);
-  EXPECT_EQ(0, Send(19, small.data()));
-  EXPECT_EQ(0, Send(19 | 0x8000, small.data()));
+  kvtest::GuardedBytes small(sizeof(FlightTrack) - 8), readOnly(sizeof(FlightTrack));
+  readOnly.MakeReadOnly();
+  for (const void* bad : {small.data(), reinterpret_cast<void*>(1), static_cast<void*>(nullptr)}) {
+    EXPECT_FALSE(Send(19, bad) || Send(19 | 0x8000, bad));
+  }
+  EXPECT_EQ(0, Send(19 | 0x8000, readOnly.data()));
   EXPECT_EQ(1, Send(19 | 0x8000, &copy));
   EXPECT_EQ(points.data(), copy.lpPoints);
   EXPECT_EQ(1, Send(19 | 0x4000, nullptr));
@@ -409,26 +380,15 @@ SIZE_T MemoryInUse() {
 }
 
 TEST_F(FlightTrackView, OutlivesAStormAndLeavesNoMemoryBehind) {
-  kvtest::GuardedBytes readOnly(sizeof(FlightTrack)), small(16);
-  readOnly.MakeReadOnly();
-  const void* addresses[] = {
-      nullptr, &track, small.data(), readOnly.data(), reinterpret_cast<void*>(1), reinterpret_cast<void*>(-1)};
-  const UINT others[] = {WM_PAINT, WM_ERASEBKGND, WM_SIZE, WM_COPY, WM_KEYDOWN, WM_TIMER, WM_COMMAND, WM_USER + 4};
-  const auto storm = [&](int messages) {
-    for (int i = 0; i < messages; ++i) {
-      const auto dice = static_cast<unsigned>(std::rand());
-      const WPARAM operation = dice % 5 == 0 ? 12 : dice % 5 < 4 ? 19 : dice & 0xFF;
-      const WPARAM wParam = (dice & 7) << 13 | (dice & 0x100) | operation;
-      const auto lParam = reinterpret_cast<LPARAM>(addresses[dice / 64 % std::size(addresses)]);
-      SendMessageA(window, dice % 3 ? kControlCommand : others[dice / 3 % std::size(others)], wParam, lParam);
-      launched.clear();
-    }
+  const auto storm = [&] {
+    Send(19, &track);
+    kvtest::SendMessageStorm(window);
+    launched = {};
     for (int i = 0; i < 1500; ++i) DestroyWindow(Create());
   };
-  storm(1000);
+  storm();
   const SIZE_T before = MemoryInUse();
-  const char* wanted = std::getenv("KV_STORM_MESSAGES");
-  storm(wanted ? std::atoi(wanted) : 20000);
+  storm();
   EXPECT_LT(MemoryInUse(), before + 1024 * 1024);
   EXPECT_EQ(state, WindowRecord<FlightTrackViewState>(window));
 }

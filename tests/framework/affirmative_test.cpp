@@ -10,53 +10,26 @@
 namespace kv {
 namespace {
 
-struct Sample {
-  int language;
-  std::wstring text;
-  BOOL affirms;
-};
-
 TEST(Affirmative, KnowsFirstWordsSignsAndTheTrapsOfTheVocabulary) {
-  const Sample samples[] = {
-      {0, L"Yes please", TRUE},
-      {0, L"true\tand more", TRUE},
-      {0, L"no", FALSE},
-      {0, L"please: yes", FALSE},  // the first word alone counts
-      {0, L"ye", FALSE},
-      {0, L"on1y", TRUE},  // signs count anywhere in it ...
-      {0, L"10", TRUE},
-      {0, L"C++", TRUE},
-      {0, L"EYESORE", TRUE},
-      {99, L"yes", TRUE},  // ... in whatever language
-      {99, L"ja", FALSE},
-      {-2, L"ja", FALSE},
-      {0, L"", TRUE},  // whoever only presses Enter agrees
-      {0, L" no", TRUE},
-      {22, L"\nno", TRUE},
-      {kEveryLanguage, L"", TRUE},
-      {99, L"", FALSE},
-      {0, L"ja", FALSE},
-      {1, L"JA", TRUE},
-      {kEveryLanguage, L"Wahr", TRUE},
-      {2, L"qui", TRUE},  // our users' French
-      {2, L"oui", FALSE},
-      {4, L"disattivato", TRUE},
-      {9, L"ΑΛΗΘΕΙΑ", TRUE},
-      {11, L"नहीं", TRUE},
-      {12, L"〜の上に", TRUE},
-      {17, L"av", TRUE},  // Norwegian and Finnish when asked for only
-      {kEveryLanguage, L"av", FALSE},
-      {18, L"kyllä", TRUE},
-      {kEveryLanguage, L"kyllä", FALSE},
-      {kEveryLanguage, L"sant", TRUE},
-      {21, L"enabled", TRUE},
-      {23, L"cierto", TRUE},
-      {24, L"cierto", FALSE},
+  const auto expect = [](BOOL affirms, int language, std::initializer_list<const wchar_t*> words) {
+    for (const wchar_t* word : words) EXPECT_EQ(affirms, IsAffirmative(language, word)) << language << " " << word;
   };
-  for (const Sample& sample : samples) {
-    EXPECT_EQ(sample.affirms, IsAffirmative(sample.language, sample.text.c_str()))
-        << sample.language << " " << testing::PrintToString(sample.text);
-  }
+  // The first word alone counts; signs count anywhere in it, in whatever language; who only presses Enter agrees.
+  expect(TRUE, 0, {L"Yes please", L"true\tand more", L"on1y", L"C++", L"EYESORE", L"", L" no"});
+  expect(FALSE, 0, {L"no", L"please: yes", L"ye", L"ja"});
+  expect(TRUE, 1, {L"JA"});
+  expect(TRUE, 2, {L"qui"});  // our users' French
+  expect(FALSE, 2, {L"oui"});
+  expect(TRUE, 12, {L"〜の上に"});
+  expect(TRUE, 17, {L"av"});
+  expect(TRUE, 18, {L"kyllä"});
+  expect(TRUE, 22, {L"\nno"});
+  expect(TRUE, 23, {L"cierto"});
+  expect(TRUE, 99, {L"yes"});
+  for (const int none : {-2, 24, 99}) expect(FALSE, none, {L"ja", L"cierto"});
+  expect(FALSE, 99, {L""});
+  expect(TRUE, kEveryLanguage, {L"", L"Wahr", L"sant", L"ΑΛΗΘΕΙΑ", L"नहीं"});
+  expect(FALSE, kEveryLanguage, {L"av", L"kyllä"});  // Norwegian and Finnish count when asked for only
 }
 
 TEST(Affirmative, ReadsNoFurtherThan256Characters) {

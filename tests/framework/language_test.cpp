@@ -45,11 +45,6 @@ class LanguageFiles : public testing::Test {
     }
   }
 
-  static void Store(DWORD type, const void* data, DWORD size) {
-    RegSetValueExW(RegistryKey::Create(kApplicationKey), L"LanguageCode", 0, type, static_cast<const BYTE*>(data),
-                   size);
-  }
-
   // Loads and frees again: the file that held the resources (empty for the program), the language, what is stored.
   using Outcome = std::tuple<std::wstring, int, DWORD>;
   static Outcome Load(int language) {
@@ -67,46 +62,39 @@ class LanguageFiles : public testing::Test {
 };
 
 TEST_F(LanguageFiles, FindTakesEnglishUnseenOthersOnlyWhenThereAndThenAnyLanguage) {
-  wchar_t path[kPathCharacters] = L"untouched";
-  EXPECT_EQ(kLanguageFileOwn, FindLanguageFile(0, kStem, L".chm", path, TRUE));
+  wchar_t path[kPathCharacters];
+  const auto find = [&](int language, const wchar_t* extension, BOOL mustExist) {
+    wcscpy(path, L"untouched");
+    return FindLanguageFile(language, kStem, extension, path, mustExist);
+  };
+  EXPECT_EQ(kLanguageFileOwn, find(0, L".chm", TRUE));
   EXPECT_EQ(BesideProgram(L"kvtéstEN.chm"), path);
-
-  wcscpy(path, L"untouched");
-  EXPECT_EQ(kLanguageFileNone, FindLanguageFile(1, kStem, nullptr, path, FALSE));
+  EXPECT_EQ(kLanguageFileNone, find(1, nullptr, FALSE));
   EXPECT_STREQ(L"untouched", path);
 
   const std::wstring french = Add(L"FR.dll"), spanish = Add(L"ES.dll");
-  EXPECT_EQ(kLanguageFileNone, FindLanguageFile(1, kStem, nullptr, path, TRUE));
+  EXPECT_EQ(kLanguageFileNone, find(1, nullptr, TRUE));
   EXPECT_STREQ(L"untouched", path);
-  EXPECT_EQ(kLanguageFileOther, FindLanguageFile(1, kStem, nullptr, path, FALSE));
+  EXPECT_EQ(kLanguageFileOther, find(1, nullptr, FALSE));
   EXPECT_EQ(french, path);
-  EXPECT_EQ(kLanguageFileOwn, FindLanguageFile(23, kStem, nullptr, path, TRUE));
+  EXPECT_EQ(kLanguageFileOwn, find(23, nullptr, TRUE));
   EXPECT_EQ(spanish, path);
   EXPECT_EQ(kLanguageFileOwn, FindLanguageFile(2, kStem, L".dll", nullptr, TRUE));
 
   // A reserved place has no code: its file is stem + extension, and it stands in for others like any file.
   const std::wstring codeless = Add(L".dat");
-  EXPECT_EQ(kLanguageFileOwn, FindLanguageFile(20, kStem, L".dat", path, TRUE));
-  EXPECT_EQ(kLanguageFileOther, FindLanguageFile(2, kStem, L".dat", path, FALSE));
+  EXPECT_EQ(kLanguageFileOwn, find(20, L".dat", TRUE));
+  EXPECT_EQ(kLanguageFileOther, find(2, L".dat", FALSE));
   EXPECT_EQ(codeless, path);
-}
 
-TEST_F(LanguageFiles, FindRefusesWhatIsNoLanguageNoTextAndNoPath) {
-  wchar_t path[kPathCharacters] = L"untouched";
-  for (const int language : {24, 1000, -1}) {
-    EXPECT_EQ(kLanguageFileNone, FindLanguageFile(language, kStem, nullptr, path, FALSE));
-  }
+  for (const int none : {24, 1000, -1}) EXPECT_EQ(kLanguageFileNone, find(none, nullptr, FALSE));
   EXPECT_EQ(kLanguageFileNone, FindLanguageFile(0, nullptr, nullptr, path, FALSE));
-  EXPECT_STREQ(L"untouched", path);
-
-  Add(L"GE.dll");
-  kvtest::GuardedBytes oneShort((kPathCharacters - 1) * sizeof(wchar_t));
-  EXPECT_EQ(kLanguageFileOwn, FindLanguageFile(1, kStem, nullptr, oneShort.as<wchar_t>(), TRUE));
-
   // A stem of a whole path's length without a terminator, and a folder that leaves no room for the file.
-  kvtest::GuardedBytes stem(kPathCharacters * sizeof(wchar_t));
+  kvtest::GuardedBytes oneShort((kPathCharacters - 1) * sizeof(wchar_t)), stem(kPathCharacters * sizeof(wchar_t));
+  EXPECT_EQ(kLanguageFileOwn, FindLanguageFile(2, kStem, nullptr, oneShort.as<wchar_t>(), TRUE));
   std::wmemset(stem.as<wchar_t>(), L'x', kPathCharacters);
   EXPECT_EQ(kLanguageFileNone, FindLanguageFile(1, stem.as<wchar_t>(), nullptr, path, FALSE));
+  EXPECT_STREQ(L"untouched", path);
   const std::wstring deep(kPathCharacters - 6, L'x');
   EXPECT_EQ(kLanguageFileOwn, FindLanguageFileIn(deep.c_str(), 0, kStem, nullptr, path, FALSE));
   EXPECT_EQ(deep + L"kvtés", path);
@@ -139,20 +127,6 @@ TEST(FilePath, SplitsAtSeparatorsDriveAndLastDot) {
   EXPECT_EQ(fits, directory);
 }
 
-TEST(FilePath, ProgramDirectoryWritesOnlyWhereItsTextFits) {
-  wchar_t program[kPathCharacters], directory[kPathCharacters];
-  GetModuleFileNameW(nullptr, program, kPathCharacters);
-  EXPECT_TRUE(ProgramDirectory(directory));
-  EXPECT_EQ(std::filesystem::path(program).parent_path().wstring() + L"\\", directory);
-
-  const size_t size = (wcslen(directory) + 1) * sizeof(wchar_t);
-  kvtest::GuardedBytes exact(size), oneShort(size - sizeof(wchar_t));
-  EXPECT_TRUE(ProgramDirectory(exact.as<wchar_t>()));
-  EXPECT_STREQ(directory, exact.as<wchar_t>());
-  EXPECT_TRUE(ProgramDirectory(oneShort.as<wchar_t>()));
-  EXPECT_EQ(0, *oneShort.as<wchar_t>());
-}
-
 TEST_F(LanguageFiles, LoadTakesTheLibraryAndRemembersTheLanguage) {
   const std::wstring german = Add(L"GE.dll");
   EXPECT_EQ(Outcome(german, 1, 1), Load(1));
@@ -171,7 +145,8 @@ TEST_F(LanguageFiles, LoadGivesEnglishForWhatIsMissingDamagedOrNoLanguage) {
     int first, size;
   } unusable[] = {{REG_BINARY, 0, 4}, {REG_SZ, 0, 4}, {REG_DWORD, 0, 1}, {REG_DWORD, 0, 8}, {REG_DWORD, 4, 4}};
   for (const auto& value : unusable) {
-    Store(value.type, bytes + value.first, value.size);
+    RegSetValueExW(RegistryKey::Create(kApplicationKey), L"LanguageCode", 0, value.type, bytes + value.first,
+                   value.size);
     EXPECT_EQ(english, Load(kStoredLanguage)) << value.type << " " << value.size;
   }
   std::filesystem::resize_file(german, 1500);
@@ -186,7 +161,6 @@ TEST_F(LanguageFiles, LoadWithoutPointerOrNameTakesEnglishUnderTheCommonName) {
   EXPECT_NE(nullptr, static_cast<HKEY>(RegistryKey::Open("Software\\korvel\\Configuration\\CommonLanguage")));
 
   kvtest::GuardedBytes constant(sizeof(int));
-  *constant.as<int>() = 200;
   constant.MakeReadOnly();
   EXPECT_EQ(own, LoadLanguageResources(own, kStem, nullptr, constant.as<int>()));
 }
@@ -214,11 +188,11 @@ TEST_F(LanguageFiles, MenuListsWhatHasALibraryWithTwoBitmapsEach) {
     EXPECT_EQ(handles[expected[i]], item.hbmpUnchecked);
     EXPECT_EQ(handles[24 + expected[i]], item.hbmpChecked);
   }
-  BITMAP plain{}, checked{};
-  GetObjectA(handles[23], sizeof(plain), &plain);
-  GetObjectA(handles[24], sizeof(checked), &checked);
-  EXPECT_EQ(8, plain.bmWidth);
-  EXPECT_EQ(16, checked.bmWidth);
+  for (const auto& [index, width] : {std::pair{23, 8}, {24, 16}}) {
+    BITMAP image{};
+    GetObjectA(handles[index], sizeof(image), &image);
+    EXPECT_EQ(width, image.bmWidth);
+  }
   EXPECT_EQ(nullptr, handles[kLanguageBitmapCount]);
   DestroyMenu(menu);
 
@@ -230,21 +204,22 @@ TEST_F(LanguageFiles, MenuListsWhatHasALibraryWithTwoBitmapsEach) {
 }
 
 TEST_F(LanguageFiles, MenuDoesWithoutBitmapsStemOrArea) {
-  HBITMAP handles[kHandlesInArea] = {reinterpret_cast<HBITMAP>(1)};
-  const HMENU plain = BuildLanguageMenu(0, nullptr, kFirstCommand, 40000, kStem, handles);  // no such bitmaps
-  EXPECT_EQ(1, GetMenuItemCount(plain));
+  const auto untouched = reinterpret_cast<HBITMAP>(1);
+  HBITMAP handles[kHandlesInArea] = {untouched};
+  kvtest::GuardedBytes oneShort(kLanguageBitmapArea - sizeof(HBITMAP)), half(16 * sizeof(HBITMAP));
+  *oneShort.as<HBITMAP>() = untouched;
+  const auto items = [](UINT firstBitmap, const wchar_t* stem, HBITMAP* area) {
+    const HMENU menu = BuildLanguageMenu(0, nullptr, kFirstCommand, firstBitmap, stem, area);
+    const int count = GetMenuItemCount(menu);
+    DestroyMenu(menu);
+    return count;
+  };
+  EXPECT_EQ(1, items(40000, kStem, handles));  // no such bitmaps
   EXPECT_EQ(nullptr, handles[0]);
-  kvtest::GuardedBytes oneShort(kLanguageBitmapArea - sizeof(HBITMAP));
-  *oneShort.as<HBITMAP>() = reinterpret_cast<HBITMAP>(1);
-  const HMENU second = BuildLanguageMenu(0, nullptr, kFirstCommand, 40000, kStem, oneShort.as<HBITMAP>());
-  EXPECT_EQ(reinterpret_cast<HBITMAP>(1), *oneShort.as<HBITMAP>());
-  const HMENU empty = BuildLanguageMenu(0, nullptr, kFirstCommand, 1, nullptr, handles);
-  EXPECT_EQ(0, GetMenuItemCount(empty));
-  for (const HMENU menu : {plain, second, empty}) DestroyMenu(menu);
-
-  kvtest::GuardedBytes half(16 * sizeof(HBITMAP));
-  EXPECT_TRUE(FreeLanguageMenuBitmaps(half.as<HBITMAP>()));
-  EXPECT_TRUE(FreeLanguageMenuBitmaps(nullptr));
+  EXPECT_EQ(1, items(40000, kStem, oneShort.as<HBITMAP>()));
+  EXPECT_EQ(untouched, *oneShort.as<HBITMAP>());
+  EXPECT_EQ(0, items(1, nullptr, handles));
+  EXPECT_TRUE(FreeLanguageMenuBitmaps(half.as<HBITMAP>()) && FreeLanguageMenuBitmaps(nullptr));
 }
 
 using HelpRequest = std::tuple<HWND, std::wstring, UINT, DWORD_PTR>;
@@ -268,9 +243,9 @@ TEST_F(LanguageFiles, HelpOpensTheLanguagesFileAndAlwaysRepaints) {
   EXPECT_EQ(1, paints(0));  // the English one unseen
   const std::wstring russian = Add(L"RU.chm");
   EXPECT_EQ(1, paints(1));  // another language's stands in
-  ASSERT_EQ(2u, helpRequests.size());
-  EXPECT_EQ(HelpRequest(window, BesideProgram(L"kvtéstEN.chm"), 15, 77), helpRequests[0]);
-  EXPECT_EQ(HelpRequest(window, russian, 15, 77), helpRequests[1]);
+  const std::vector<HelpRequest> expected = {{window, BesideProgram(L"kvtéstEN.chm"), 15, 77},
+                                             {window, russian, 15, 77}};
+  EXPECT_EQ(expected, helpRequests);
   htmlHelp = systemHelp;
 }
 

@@ -12,14 +12,14 @@ namespace kv {
 namespace {
 
 DWORD seenMessage;
-NOTIFYICONDATAA seenRecord;
+NOTIFYICONDATAA seen;
 DEV_BROADCAST_DEVICEINTERFACE_A seenFilter;
 HANDLE endedNotices;
 
 BOOL WINAPI RecordNotification(DWORD message, PNOTIFYICONDATAA record) {
   seenMessage = message;
-  std::memset(&seenRecord, 0xCC, sizeof(seenRecord));
-  std::memcpy(&seenRecord, record, record->cbSize);
+  std::memset(&seen, 0xCC, sizeof(seen));
+  std::memcpy(&seen, record, record->cbSize);
   return 42;  // the shell's answer is passed on as it is
 }
 
@@ -38,38 +38,23 @@ class Recorded : public testing::Test {
   Recorded() { notificationCalls = {RecordNotification, RecordDevices, RecordEnd}; }
   ~Recorded() override { notificationCalls = real_; }
 
+  // What the shell was told last.
+  void ExpectTold(DWORD message, UINT id, UINT flags, UINT callback, HICON icon, const char* tip) const {
+    EXPECT_TRUE(message == seenMessage && seen.cbSize == 488 && seen.hWnd == owner_);  // the short form's size
+    EXPECT_TRUE(id == seen.uID && flags == seen.uFlags && callback == seen.uCallbackMessage && icon == seen.hIcon);
+    EXPECT_STREQ(tip, seen.szTip);
+  }
+
   const NotificationCalls real_ = notificationCalls;
   kvtest::RecordingParent owner_;
   const HICON icon_ = LoadIconA(nullptr, reinterpret_cast<LPCSTR>(IDI_INFORMATION));
 };
 
-TEST_F(Recorded, AddSendsAWholeIconInTheShortForm) {
+TEST_F(Recorded, AddIsWholeRemoveNamesTheIconAndChangeWhatIsGiven) {
   EXPECT_EQ(42, AddNotificationIcon(owner_, 7, icon_, "bench 3"));
-  EXPECT_EQ(static_cast<DWORD>(NIM_ADD), seenMessage);
-  EXPECT_EQ(488u, seenRecord.cbSize);
-  EXPECT_EQ(owner_, seenRecord.hWnd);
-  EXPECT_EQ(7u, seenRecord.uID);
-  EXPECT_EQ(static_cast<UINT>(NIF_MESSAGE | NIF_ICON | NIF_TIP), seenRecord.uFlags);
-  EXPECT_EQ(1025u, seenRecord.uCallbackMessage);
-  EXPECT_EQ(icon_, seenRecord.hIcon);
-  EXPECT_STREQ("bench 3", seenRecord.szTip);
-}
-
-TEST_F(Recorded, TipsAreCutAndUnreadableOnesStayEmpty) {
-  AddNotificationIcon(owner_, 1, icon_, std::string(300, 'x').c_str());
-  EXPECT_EQ(std::string(63, 'x'), seenRecord.szTip);
-
-  kvtest::GuardedBytes exact(63);
-  std::memset(exact.data(), 'y', 63);
-  AddNotificationIcon(owner_, 1, icon_, exact.as<char>());
-  EXPECT_EQ(std::string(63, 'y'), seenRecord.szTip);
-  AddNotificationIcon(owner_, 1, icon_, exact.as<char>() + 1);  // 62 without an end
-  EXPECT_STREQ("", seenRecord.szTip);
-  AddNotificationIcon(owner_, 1, icon_, nullptr);
-  EXPECT_EQ(7u, seenRecord.uFlags);
-}
-
-TEST_F(Recorded, ChangeNamesOnlyWhatIsGiven) {
+  ExpectTold(NIM_ADD, 7, NIF_MESSAGE | NIF_ICON | NIF_TIP, 1025, icon_, "bench 3");
+  EXPECT_EQ(42, RemoveNotificationIcon(owner_, 9));
+  ExpectTold(NIM_DELETE, 9, 7, 1025, nullptr, "");
   const struct {
     HICON icon;
     const char* tip;
@@ -77,35 +62,34 @@ TEST_F(Recorded, ChangeNamesOnlyWhatIsGiven) {
   } changes[] = {{nullptr, nullptr, 0}, {icon_, nullptr, NIF_ICON}, {nullptr, "", NIF_TIP}, {icon_, "on", 6}};
   for (const auto& change : changes) {
     EXPECT_EQ(42, ChangeNotificationIcon(owner_, 9, change.icon, change.tip));
-    EXPECT_EQ(static_cast<DWORD>(NIM_MODIFY), seenMessage);
-    EXPECT_EQ(change.flags, seenRecord.uFlags);
-    EXPECT_EQ(change.icon, seenRecord.hIcon);
-    EXPECT_EQ(0u, seenRecord.uCallbackMessage);
+    ExpectTold(NIM_MODIFY, 9, change.flags, 0, change.icon, change.tip ? change.tip : "");
   }
 }
 
-TEST_F(Recorded, RemoveNamesTheIcon) {
-  EXPECT_EQ(42, RemoveNotificationIcon(owner_, 9));
-  EXPECT_EQ(static_cast<DWORD>(NIM_DELETE), seenMessage);
-  EXPECT_EQ(9u, seenRecord.uID);
-  EXPECT_EQ(7u, seenRecord.uFlags);
-  EXPECT_EQ(1025u, seenRecord.uCallbackMessage);
-  EXPECT_EQ(nullptr, seenRecord.hIcon);
+TEST_F(Recorded, TipsAreCutAndUnreadableOnesStayEmpty) {
+  kvtest::GuardedBytes exact(63);
+  std::memset(exact.data(), 'y', 63);
+  const std::string longTip(300, 'y'), cut(63, 'y');
+  const std::pair<const char*, std::string> tips[] = {
+      {longTip.c_str(), cut}, {exact.as<char>(), cut}, {exact.as<char>() + 1, ""}, {nullptr, ""}};
+  for (const auto& [tip, shown] : tips) {
+    AddNotificationIcon(owner_, 1, icon_, tip);
+    ExpectTold(NIM_ADD, 1, 7, 1025, icon_, shown.c_str());
+  }
 }
 
 TEST_F(Recorded, DeviceNoticesAskForUsbAndEndWhatTheyBegan) {
   EXPECT_EQ(owner_, DeviceNotices(owner_, TRUE));
-  EXPECT_EQ(29u, seenFilter.dbcc_size);
-  EXPECT_EQ(5u, seenFilter.dbcc_devicetype);
-  EXPECT_EQ(0u, seenFilter.dbcc_reserved);
-  EXPECT_EQ('\0', seenFilter.dbcc_name[0]);
+  EXPECT_TRUE(seenFilter.dbcc_size == 29 && seenFilter.dbcc_devicetype == 5);
+  EXPECT_TRUE(seenFilter.dbcc_reserved == 0 && seenFilter.dbcc_name[0] == '\0');
   wchar_t guid[40];
   StringFromGUID2(seenFilter.dbcc_classguid, guid, ARRAYSIZE(guid));
   EXPECT_STREQ(L"{A5DCBF10-6530-11D2-901F-00C04FB951ED}", guid);
 
-  EXPECT_EQ(nullptr, DeviceNotices(reinterpret_cast<HANDLE>(0x1234), FALSE));
-  EXPECT_EQ(reinterpret_cast<HANDLE>(0x1234), endedNotices);
-  EXPECT_EQ(nullptr, DeviceNotices(reinterpret_cast<HANDLE>(0x1234), TRUE));  // no window
+  const auto noWindow = reinterpret_cast<HANDLE>(0x1234);
+  EXPECT_EQ(nullptr, DeviceNotices(noWindow, FALSE));
+  EXPECT_EQ(noWindow, endedNotices);
+  EXPECT_EQ(nullptr, DeviceNotices(noWindow, TRUE));
 }
 
 TEST(Notifications, TheRealShellKnowsTheIconUntilItIsRemoved) {
@@ -115,7 +99,6 @@ TEST(Notifications, TheRealShellKnowsTheIconUntilItIsRemoved) {
   EXPECT_TRUE(ChangeNotificationIcon(owner, 3, nullptr, "changed"));
   EXPECT_TRUE(RemoveNotificationIcon(owner, 3));
   EXPECT_FALSE(ChangeNotificationIcon(owner, 3, nullptr, "gone"));
-
   const HDEVNOTIFY notices = DeviceNotices(owner, TRUE);
   EXPECT_NE(nullptr, notices);
   EXPECT_EQ(nullptr, DeviceNotices(notices, FALSE));

@@ -5,35 +5,26 @@
 #include <commctrl.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "tests/support/test_window.h"
 
 namespace {
 
-struct Tool {
-  UINT flags;
-  UINT_PTR id;
-  RECT place;
-  std::wstring text;
-};
+// Flags, id, place and text of each tool.
+using Tool = std::tuple<UINT, UINT_PTR, LONG, std::wstring>;
 
 std::vector<Tool> ToolsOf(HWND tips) {
-  std::vector<Tool> tools(SendMessageW(tips, TTM_GETTOOLCOUNT, 0, 0));
-  for (size_t i = 0; i < tools.size(); ++i) {
+  std::vector<Tool> tools;
+  for (int i = 0, count = SendMessageW(tips, TTM_GETTOOLCOUNT, 0, 0); i < count; ++i) {
     wchar_t text[2048] = L"";
-    TTTOOLINFOW info{};
-    info.cbSize = 44;
-    info.lpszText = text;
+    TTTOOLINFOW info{.cbSize = 44, .lpszText = text};
     SendMessageW(tips, TTM_ENUMTOOLSW, i, reinterpret_cast<LPARAM>(&info));
     SendMessageW(tips, TTM_GETTEXTW, 0, reinterpret_cast<LPARAM>(&info));
-    tools[i] = {info.uFlags, info.uId, info.rect, text};
+    tools.emplace_back(info.uFlags, info.uId, info.rect.left, text);
   }
   return tools;
-}
-
-const wchar_t* Number(int id) {
-  return MAKEINTRESOURCEW(id);
 }
 
 TEST(ToolTips, OfAToolbarCoverButtonsByIndex) {
@@ -42,27 +33,23 @@ TEST(ToolTips, OfAToolbarCoverButtonsByIndex) {
     const kvtest::RecordingParent parent;
     const HWND toolbar = kvtest::CreateControl(parent, "ToolbarWindow32", "", CCS_NORESIZE, {0, 0, 200, 30}, 1001);
     SendMessageA(toolbar, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
-    TBBUTTON buttons[3]{};
-    buttons[0].fsStyle = TBSTYLE_SEP;
-    buttons[1].idCommand = 3001;
-    buttons[2].idCommand = 3002;
-    for (auto& button : buttons) button.fsState = TBSTATE_ENABLED;
+    const TBBUTTON buttons[] = {{.fsState = TBSTATE_ENABLED, .fsStyle = TBSTYLE_SEP},
+                                {.idCommand = 3001, .fsState = TBSTATE_ENABLED},
+                                {.idCommand = 3002, .fsState = TBSTATE_ENABLED}};
     SendMessageA(toolbar, TB_ADDBUTTONSA, 3, reinterpret_cast<LPARAM>(buttons));
 
     const kv::ToolTipEntry entries[] = {{0, nullptr}, {3001, L"Connect / Disconnect"}, {3002, nullptr}, {3003, L""}};
     tips = kv::CreateToolTips(nullptr, toolbar, entries, 4);
     ASSERT_TRUE(IsWindow(tips));
     EXPECT_NE(0, GetWindowLongA(tips, GWL_STYLE) & TTS_ALWAYSTIP);
-    const auto tools = ToolsOf(tips);
-    ASSERT_EQ(2u, tools.size());
-    RECT second{};
-    SendMessageA(toolbar, TB_GETITEMRECT, 1, reinterpret_cast<LPARAM>(&second));
-    EXPECT_EQ(static_cast<UINT>(TTF_SUBCLASS), tools[0].flags);
-    EXPECT_EQ(3001u, tools[0].id);
-    EXPECT_TRUE(EqualRect(&second, &tools[0].place));
-    EXPECT_EQ(L"Connect / Disconnect", tools[0].text);
-    EXPECT_EQ(L"Verbinden / Trennen", tools[1].text);  // no text: the string resource of the id
-    EXPECT_GE(tools[1].place.left, second.right);
+    RECT first{}, second{};
+    SendMessageA(toolbar, TB_GETITEMRECT, 1, reinterpret_cast<LPARAM>(&first));
+    SendMessageA(toolbar, TB_GETITEMRECT, 2, reinterpret_cast<LPARAM>(&second));
+    EXPECT_LT(first.left, second.left);
+    const std::vector<Tool> expected = {
+        {TTF_SUBCLASS, 3001, first.left, L"Connect / Disconnect"},
+        {TTF_SUBCLASS, 3002, second.left, L"Verbinden / Trennen"}};  // no text: the string resource of the id
+    EXPECT_EQ(expected, ToolsOf(tips));
   }
   EXPECT_FALSE(IsWindow(tips));
 }
@@ -72,28 +59,23 @@ TEST(ToolTips, OfADialogCoverControls) {
   const HWND button = kvtest::CreateControl(parent, "BUTTON", "", 0, {0, 0, 50, 20}, 1011);
   kvtest::CreateControl(parent, "BUTTON", "", 0, {0, 30, 50, 50}, 1013);
   const std::wstring longText(1500, L'x');
-  const kv::ToolTipEntry entries[] = {
-      {1011, L"the button"}, {1012, longText.c_str()}, {1013, Number(3010)}, {1011, Number(3999)}, {3999, nullptr}};
-  const HWND tips = kv::CreateToolTips(GetModuleHandleA(nullptr), parent, entries, 5);
-  const auto tools = ToolsOf(tips);
-  ASSERT_EQ(3u, tools.size());
-  EXPECT_EQ(17u, tools[0].flags);
-  EXPECT_EQ(reinterpret_cast<UINT_PTR>(button), tools[0].id);
-  EXPECT_EQ(L"the button", tools[0].text);
-  EXPECT_EQ(0u, tools[1].id);  // no such control: a tool for no window
-  EXPECT_EQ(1023u, tools[1].text.size());
-  EXPECT_EQ(L"By number", tools[2].text);
-}
+  const kv::ToolTipEntry entries[] = {{1011, L"the button"},
+                                      {1012, longText.c_str()},
+                                      {1013, MAKEINTRESOURCEW(3010)},
+                                      {1011, MAKEINTRESOURCEW(3999)},
+                                      {3999, nullptr}};
+  const auto idOf = [](HWND window) { return reinterpret_cast<UINT_PTR>(window); };
+  const std::vector<Tool> expected = {{17, idOf(button), 0, L"the button"},
+                                      {17, 0, 0, longText.substr(0, 1023)},  // no such control: for no window
+                                      {17, idOf(GetDlgItem(parent, 1013)), 0, L"By number"}};
+  EXPECT_EQ(expected, ToolsOf(kv::CreateToolTips(GetModuleHandleA(nullptr), parent, entries, 5)));
 
-TEST(ToolTips, BadTablesGiveNoWindow) {
-  const kvtest::RecordingParent parent;
-  const kvtest::GuardedBytes oneEntry(sizeof(kv::ToolTipEntry));
-  *oneEntry.as<kv::ToolTipEntry>() = {1, L"one"};
+  const kvtest::GuardedBytes memory(sizeof(kv::ToolTipEntry));
+  auto* one = memory.as<kv::ToolTipEntry>();
+  *one = {1, L"one"};
   EXPECT_EQ(nullptr, kv::CreateToolTips(nullptr, parent, nullptr, 1));
-  EXPECT_EQ(nullptr, kv::CreateToolTips(nullptr, parent, oneEntry.as<kv::ToolTipEntry>(), 2));
-  EXPECT_EQ(nullptr, kv::CreateToolTips(nullptr, parent, oneEntry.as<kv::ToolTipEntry>(), 0x7FFFFFFF));
-  EXPECT_NE(nullptr, kv::CreateToolTips(nullptr, parent, oneEntry.as<kv::ToolTipEntry>(), 1));
-  EXPECT_NE(nullptr, kv::CreateToolTips(nullptr, parent, oneEntry.as<kv::ToolTipEntry>(), -1));
+  for (const int tooMany : {2, 0x7FFFFFFF}) EXPECT_EQ(nullptr, kv::CreateToolTips(nullptr, parent, one, tooMany));
+  for (const int harmless : {1, -1}) EXPECT_NE(nullptr, kv::CreateToolTips(nullptr, parent, one, harmless));
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include <windows.h>
 
-#include <dbt.h>
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -8,52 +7,12 @@
 
 #include "gallery/pages/files_ids.h"
 #include "gallery/pages/language_ids.h"
-#include "gallery/pages/notices_ids.h"
 #include "tests/gallery/running_gallery.h"
 #include "tests/support/test_window.h"
 
 namespace {
 
 using kvtest::WaitUntil;
-
-TEST(GalleryPages, TheLanguagePageTellsWhatMeansYes) {
-  kvtest::RunningGallery gallery(kvtest::GalleryFolder(), L"language");
-  gallery.Command(IDM_LANGUAGE_FIRST);
-  const auto answers = [&](const wchar_t* word) {
-    SendMessageW(GetDlgItem(gallery.page(), IDC_LANGUAGE_WORD), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(word));
-    return gallery.ControlText(IDC_LANGUAGE_ANSWER);
-  };
-  EXPECT_EQ(L"Yes, it does.", answers(L"enabled"));
-  EXPECT_EQ(L"No, it does not.", answers(L"wahr"));
-  gallery.Press(IDC_LANGUAGE_EVERY);
-  EXPECT_TRUE(WaitUntil([&] { return gallery.ControlText(IDC_LANGUAGE_ANSWER) == L"Yes, it does."; }));
-  EXPECT_EQ(0u, gallery.Close());
-}
-
-TEST(GalleryPages, TheNoticesPageListsWhatHappens) {
-  kvtest::RunningGallery gallery(kvtest::GalleryFolder(), L"notices");
-  gallery.Command(IDM_LANGUAGE_FIRST);
-  const HWND list = GetDlgItem(gallery.page(), IDC_NOTICES_EVENTS);
-  const auto lastLine = [&] {
-    wchar_t text[512] = L"";
-    SendMessageW(list, LB_GETTEXT, SendMessageW(list, LB_GETCOUNT, 0, 0) - 1, reinterpret_cast<LPARAM>(text));
-    return std::wstring(text);
-  };
-  const auto waitFor = [&](const wchar_t* ending) { return WaitUntil([&] { return lastLine().ends_with(ending); }); };
-  gallery.Press(IDC_NOTICES_ADD);
-  EXPECT_TRUE(waitFor(L"Icon added"));
-  gallery.Press(IDC_NOTICES_CHANGE);
-  EXPECT_TRUE(waitFor(L"Icon changed"));
-  PostMessageW(gallery.page(), WM_USER + 1, 1, WM_LBUTTONUP);
-  EXPECT_TRUE(waitFor(L"Clicked on the icon"));
-  SendMessageW(gallery.page(), WM_DEVICECHANGE, DBT_DEVICEARRIVAL, 0);
-  EXPECT_TRUE(waitFor(L"A device has come: ?"));
-  gallery.Press(IDC_NOTICES_DEVICES);
-  EXPECT_TRUE(waitFor(L"Waiting for USB devices"));
-  gallery.Press(IDC_NOTICES_REMOVE);
-  EXPECT_TRUE(waitFor(L"Icon removed"));
-  EXPECT_EQ(0u, gallery.Close());
-}
 
 TEST(GalleryPages, TheFilesPageSavesAndLeavesNoFolderBehind) {
   const kvtest::GalleryCopy copy({});

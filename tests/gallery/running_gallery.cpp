@@ -60,12 +60,12 @@ RunningGallery::~RunningGallery() {
 
 HWND RunningGallery::Find(const wchar_t* windowClass, const wchar_t* title) const {
   HWND found = nullptr;
-  while ((found = FindWindowExW(nullptr, found, windowClass, title)) != nullptr) {
-    DWORD owner = 0;
+  DWORD owner = 0;
+  do {
+    found = FindWindowExW(nullptr, found, windowClass, title);
     GetWindowThreadProcessId(found, &owner);
-    if (owner == process_.dwProcessId && IsWindowVisible(found)) return found;
-  }
-  return nullptr;
+  } while (found && (owner != process_.dwProcessId || !IsWindowVisible(found)));
+  return found;
 }
 
 void RunningGallery::Press(int controlId) const {

@@ -34,7 +34,6 @@ class RunningGallery {
   RunningGallery(const RunningGallery&) = delete;
   RunningGallery& operator=(const RunningGallery&) = delete;
 
-  HWND frame() const { return frame_; }
   HWND page() const { return page_; }
   // A visible top-level window of the process with this class and title.
   HWND Find(const wchar_t* windowClass, const wchar_t* title) const;
