@@ -9,6 +9,8 @@ export WINEPREFIX=$build_dir/wine
 export WINEARCH=win32
 # No debugger on a crash (the process ends with an error code instead of hanging) and no offers to download add-ons.
 export WINEDLLOVERRIDES="winedbg.exe=d;mscoree,mshtml="
+# File names may have any character; in a locale that knows ASCII only, Wine could not make such files.
+export LC_ALL=C.UTF-8
 export WINEDEBUG=${WINEDEBUG:--all}
 
 say() { printf '%s\n' "$*" >&2; }
