@@ -10,6 +10,7 @@
 #include "framework/picture.h"
 #include "framework/tool_tips.h"
 #include "framework/window_position.h"
+#include "gallery/drawing.h"
 #include "gallery/languages.h"
 #include "gallery/page.h"
 #include "gallery/pages.h"
@@ -40,11 +41,6 @@ RECT PageArea(SIZE client) {
   return {kListWidth + 1, kHeaderHeight + 1, client.cx, client.cy};
 }
 
-kv::OwnedFont MakeFont(int height, int weight) {
-  return kv::OwnedFont(CreateFontW(height, 0, 0, 0, weight, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_TT_PRECIS,
-                                   CLIP_DEFAULT_PRECIS, PROOF_QUALITY, VARIABLE_PITCH | FF_SWISS, L"Arial Unicode MS"));
-}
-
 // ---- Layout and painting -------------------------------------------------------------------------------------------
 
 void PlacePage(HWND page, SIZE client) {
@@ -62,20 +58,12 @@ INT_PTR OnSize(HWND frame, WPARAM kind) {
   return TRUE;
 }
 
-void DrawLine(HDC dc, const std::wstring& text, RECT area, int height, int weight, COLORREF color) {
-  const kv::OwnedFont font = MakeFont(height, weight);
-  const kv::SelectedObject selected(dc, font);
-  SetTextColor(dc, color);
-  DrawTextW(dc, text.c_str(), -1, &area, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
-}
-
 INT_PTR OnPaint(HWND frame) {
   const kv::PaintScope paint(frame);
   const SIZE client = kv::ClientSize(frame);
   const RECT header = HeaderArea(client);
   kv::FillSolid(paint.dc(), {kListWidth, 0, client.cx, client.cy}, PageColor());
   kv::FillHorizontalGradient(paint.dc(), header, kv::kDialogBlue, RGB(0x78, 0x78, 0xFF));
-  SetBkMode(paint.dc(), TRANSPARENT);
   if (selectedPage < 0) return TRUE;
   DrawLine(paint.dc(), Text(IDS_TITLE_FIRST + selectedPage), {header.left + kMargin, 6, header.right - kMargin, 36}, 24,
            FW_SEMIBOLD, RGB(255, 255, 255));
@@ -88,7 +76,6 @@ INT_PTR OnDrawItem(const DRAWITEMSTRUCT* item) {
   if (item->CtlID != IDC_PAGE_LIST || item->itemID >= AllPages().size()) return FALSE;
   const bool isSelected = (item->itemState & ODS_SELECTED) != 0;
   kv::FillSolid(item->hDC, item->rcItem, isSelected ? kv::kDialogBlue : GetSysColor(COLOR_WINDOW));
-  SetBkMode(item->hDC, TRANSPARENT);
   RECT area = item->rcItem;
   area.left += kMargin;
   DrawLine(item->hDC, Text(IDS_TITLE_FIRST + item->itemID), area, 16, isSelected ? FW_SEMIBOLD : FW_NORMAL,

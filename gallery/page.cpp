@@ -5,6 +5,7 @@
 #include "framework/guards.h"
 #include "framework/modules.h"
 #include "framework/painting.h"
+#include "gallery/drawing.h"
 #include "gallery/pages.h"
 #include "gallery/resource_ids.h"
 #include "gallery/texts.h"
@@ -95,9 +96,7 @@ COLORREF PageColor() {
 }
 
 void SetListFont(HWND page, int controlId) {
-  static const HFONT font =
-      CreateFontW(-13, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_TT_PRECIS, CLIP_DEFAULT_PRECIS,
-                  PROOF_QUALITY, VARIABLE_PITCH | FF_SWISS, L"Arial Unicode MS");
+  static const HFONT font = MakeFont(-13, FW_NORMAL).Release();
   SendDlgItemMessageW(page, controlId, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
 }
 

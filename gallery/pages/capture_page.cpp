@@ -6,6 +6,7 @@
 #include "framework/bounded_format.h"
 #include "framework/guards.h"
 #include "framework/painting.h"
+#include "gallery/drawing.h"
 #include "gallery/page.h"
 #include "gallery/pages/capture_ids.h"
 #include "gallery/texts.h"
@@ -31,9 +32,7 @@ RECT FittingArea(const RECT& area, int pictureWidth, int pictureHeight) {
 }
 
 void DrawMessage(HDC dc, RECT area) {
-  const kv::OwnedFont font(CreateFontW(22, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_TT_PRECIS,
-                                       CLIP_DEFAULT_PRECIS, PROOF_QUALITY, VARIABLE_PITCH | FF_SWISS,
-                                       L"Arial Unicode MS"));
+  const kv::OwnedFont font = MakeFont(22, FW_NORMAL);
   const kv::SelectedObject selected(dc, font);
   SetBkMode(dc, TRANSPARENT);
   SetTextColor(dc, RGB(0xB4, 0xC0, 0xD2));

@@ -9,6 +9,7 @@
 #include "framework/bounded_format.h"
 #include "framework/guards.h"
 #include "framework/painting.h"
+#include "gallery/drawing.h"
 #include "gallery/page.h"
 #include "gallery/pages/list_ids.h"
 #include "gallery/texts.h"
@@ -208,9 +209,10 @@ void OnCommand(HWND page, int controlId, UINT code) {
 
 // ---- Life ----------------------------------------------------------------------------------------------------------
 
-kv::OwnedFont MakeFont(int weight, const wchar_t* name, DWORD pitch) {
-  return kv::OwnedFont(CreateFontW(-13, 0, 0, 0, weight, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_TT_PRECIS,
-                                   CLIP_DEFAULT_PRECIS, PROOF_QUALITY, pitch, name));
+// Records as they are on the wire, with all characters of one width.
+kv::OwnedFont MakeFixedFont() {
+  return kv::OwnedFont(CreateFontW(-13, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_TT_PRECIS,
+                                   CLIP_DEFAULT_PRECIS, PROOF_QUALITY, FIXED_PITCH | FF_MODERN, L"Courier New"));
 }
 
 void AddNumber(HWND page, int controlId, UINT number) {
@@ -218,9 +220,9 @@ void AddNumber(HWND page, int controlId, UINT number) {
 }
 
 void OnInit(HWND page) {
-  state.rowFont = MakeFont(FW_NORMAL, L"Arial Unicode MS", VARIABLE_PITCH | FF_SWISS);
-  state.headerFont = MakeFont(FW_SEMIBOLD, L"Arial Unicode MS", VARIABLE_PITCH | FF_SWISS);
-  state.sentFont = MakeFont(FW_NORMAL, L"Courier New", FIXED_PITCH | FF_MODERN);
+  state.rowFont = MakeFont(-13, FW_NORMAL);
+  state.headerFont = MakeFont(-13, FW_SEMIBOLD);
+  state.sentFont = MakeFixedFont();
   for (UINT count : kCounts) AddNumber(page, IDC_LIST_COUNT, count);
   for (int height : kHeights) AddNumber(page, IDC_LIST_HEIGHT, height);
   SendDlgItemMessageA(page, IDC_LIST_COUNT, CB_SETCURSEL, kFirstCount, 0);

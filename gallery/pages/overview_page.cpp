@@ -2,6 +2,7 @@
 
 #include "framework/guards.h"
 #include "framework/painting.h"
+#include "gallery/drawing.h"
 #include "gallery/frame.h"
 #include "gallery/page.h"
 #include "gallery/pages.h"
@@ -20,28 +21,19 @@ void FillIndex(HWND page) {
   for (size_t i = 1; i < AllPages().size(); ++i) SendMessageA(index, LB_ADDSTRING, 0, static_cast<LPARAM>(i));
 }
 
-void DrawCell(HDC dc, UINT textId, RECT area, int weight, COLORREF color) {
-  const kv::OwnedFont font(CreateFontW(kTextHeight, 0, 0, 0, weight, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
-                                       OUT_TT_PRECIS, CLIP_DEFAULT_PRECIS, PROOF_QUALITY, VARIABLE_PITCH | FF_SWISS,
-                                       L"Arial Unicode MS"));
-  const kv::SelectedObject selected(dc, font);
-  SetTextColor(dc, color);
-  DrawTextW(dc, Text(textId).c_str(), -1, &area, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
-}
-
 // A row: the page's title and, beside it, its description.
 INT_PTR OnDrawItem(const DRAWITEMSTRUCT* item) {
   const size_t index = item->itemData;
   if (item->CtlID != IDC_OVERVIEW_INDEX || index >= AllPages().size()) return FALSE;
   const bool isSelected = (item->itemState & ODS_SELECTED) != 0;
   kv::FillSolid(item->hDC, item->rcItem, isSelected ? kv::kDialogBlue : GetSysColor(COLOR_WINDOW));
-  SetBkMode(item->hDC, TRANSPARENT);
   const RECT& row = item->rcItem;
   const COLORREF color = isSelected ? RGB(255, 255, 255) : GetSysColor(COLOR_WINDOWTEXT);
-  DrawCell(item->hDC, IDS_TITLE_FIRST + index, {row.left + kRowMargin, row.top, row.left + kTitleWidth, row.bottom},
-           FW_SEMIBOLD, color);
-  DrawCell(item->hDC, IDS_DESCRIPTION_FIRST + index,
-           {row.left + kTitleWidth + kRowMargin, row.top, row.right - kRowMargin, row.bottom}, FW_NORMAL, color);
+  DrawLine(item->hDC, Text(IDS_TITLE_FIRST + index),
+           {row.left + kRowMargin, row.top, row.left + kTitleWidth, row.bottom}, kTextHeight, FW_SEMIBOLD, color);
+  DrawLine(item->hDC, Text(IDS_DESCRIPTION_FIRST + index),
+           {row.left + kTitleWidth + kRowMargin, row.top, row.right - kRowMargin, row.bottom}, kTextHeight, FW_NORMAL,
+           color);
   return TRUE;
 }
 
