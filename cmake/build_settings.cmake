@@ -1,0 +1,34 @@
+# What every target of this project is compiled and linked with. These are settings of our folders and not of our targets,
+# so nobody who links the library inherits them.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+
+include_directories(${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR}/generated)
+add_compile_definitions(NOMINMAX WINVER=0x0600 _WIN32_WINNT=0x0600 _WIN32_IE=0x0700)
+
+if(MSVC)
+  add_compile_definitions(_CRT_SECURE_NO_WARNINGS)
+  add_compile_options("$<$<COMPILE_LANGUAGE:C,CXX>:/W4;/utf-8;/arch:SSE2;/permissive->")
+  add_link_options(/MANIFEST:NO)  # the resource scripts bring it
+  set(warnings_are_errors /WX)
+else()
+  # Double arithmetic must not pass through x87's 80 bits: calendar and mesh results would depend on the optimiser.
+  # No path of the build machine stays in what is built, so that two builds give the same bytes.
+  add_compile_options(
+    "$<$<COMPILE_LANGUAGE:C,CXX>:-Wall;-Wextra;-Wno-missing-field-initializers;-Wno-restrict;-msse2;-mfpmath=sse>"
+    "$<$<COMPILE_LANGUAGE:C,CXX>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>"
+    "$<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions>"
+    "$<$<AND:$<CONFIG:Release>,$<COMPILE_LANGUAGE:C,CXX>>:-ffunction-sections;-fdata-sections>")
+  add_link_options(-static -Wl,--no-insert-timestamp "$<$<CONFIG:Release>:-s;-Wl,--gc-sections>")
+  set(warnings_are_errors -Werror)
+  if(KV_SANITIZE)
+    add_compile_options(
+      "$<$<COMPILE_LANGUAGE:C,CXX>:-fsanitize=undefined,float-cast-overflow;-fsanitize-undefined-trap-on-error>")
+  endif()
+endif()
+
+# In a project that adds this one, a newer compiler's new warning must not stop the build.
+if(PROJECT_IS_TOP_LEVEL)
+  add_compile_options($<$<COMPILE_LANGUAGE:C,CXX>:${warnings_are_errors}>)
+endif()

@@ -1,0 +1,24 @@
+# Builds and runs a program of somebody else. WAY says how it gets the library: `find_package` from what `cmake --install`
+# leaves, or `add_subdirectory`. Run by ctest with SOURCE_DIR, BUILD_DIR (this project's), WORK_DIR, TOOLCHAIN, GENERATOR,
+# EMULATOR and VERSION.
+function(step what)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
+  if(NOT result EQUAL 0)
+    message(FATAL_ERROR "${what} failed (${result}):\n${output}")
+  endif()
+endfunction()
+
+set(options -G ${GENERATOR} -DCMAKE_BUILD_TYPE=Debug "-DCMAKE_CXX_FLAGS=-DEXPECTED_VERSION='\"${VERSION}\"'")
+if(TOOLCHAIN)
+  list(APPEND options -DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN})
+endif()
+if(WAY STREQUAL "find_package")
+  file(REMOVE_RECURSE ${WORK_DIR})  # a header that is no longer installed must not be found from last time
+  step("Installing" ${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${WORK_DIR}/sdk --component sdk)
+  list(APPEND options -DCMAKE_PREFIX_PATH=${WORK_DIR}/sdk)
+else()
+  list(APPEND options -DKV_SOURCE_DIR=${SOURCE_DIR})
+endif()
+step("Configuring" ${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR}/outside -B ${WORK_DIR}/build ${options})
+step("Building" ${CMAKE_COMMAND} --build ${WORK_DIR}/build)
+step("Running" ${EMULATOR} ${WORK_DIR}/build/outside.exe)

@@ -1,0 +1,57 @@
+// Shows a dialog of the library with an instrument in it, looks at what it shows, and ends: 0 when all is as it should
+// be, otherwise the number of the first thing that is not.
+#include <kv/controls/display_instrument.h>
+#include <kv/framework/dialog.h>
+#include <kv/framework/language.h>
+#include <kv/framework/version.h>
+
+#include <cstring>
+
+namespace {
+
+INT_PTR CALLBACK DialogProcedure(HWND, UINT message, WPARAM, LPARAM) {
+  return message == WM_INITDIALOG;
+}
+
+// Whether the picture of the window has more than the one colour of an empty one.
+bool ShowsSomething(HWND window) {
+  RECT rect;
+  GetClientRect(window, &rect);
+  HDC dc = GetDC(window);
+  const COLORREF corner = GetPixel(dc, 0, 0);
+  bool differs = false;
+  for (int x = 0; x < rect.right; ++x) differs |= GetPixel(dc, x, rect.bottom / 2) != corner;
+  ReleaseDC(window, dc);
+  return differs;
+}
+
+int Run(HINSTANCE instance) {
+  if (std::strcmp(KV_VERSION_TEXT, EXPECTED_VERSION) != 0) return 1;
+  if (!kv::RegisterDialogClass(instance, TRUE) || !kv::RegisterDisplayInstrumentClass(instance, TRUE)) return 2;
+  HWND dialog = CreateDialogParamA(instance, "DLG_OUTSIDE", nullptr, DialogProcedure, 0);
+  if (dialog == nullptr) return 3;
+  wchar_t text[64];
+  if (GetWindowTextW(dialog, text, 64) == 0 ||
+      std::wcscmp(text, L"H\u00F6he \u038E\u03C8\u03BF\u03C2 \u0412\u044B\u0441\u043E\u0442\u0430") != 0)
+    return 4;
+  HWND instrument = GetDlgItem(dialog, 100);
+  float value = 42;
+  float shown = 0;
+  SendMessageA(instrument, kv::kControlCommand, kv::kCommandValue | kv::kCommandRedraw,
+               reinterpret_cast<LPARAM>(&value));
+  SendMessageA(instrument, kv::kControlCommand, kv::kCommandValue | kv::kCommandRead, reinterpret_cast<LPARAM>(&shown));
+  if (shown != value) return 5;
+  if (!ShowsSomething(instrument)) return 6;
+  int language = 9;
+  HMODULE greek = kv::LoadLanguageResources(instance, L"outside", L"Outside", &language);
+  if (greek == instance || LoadStringW(greek, 1, text, 64) == 0 || std::wcscmp(text, L"\u038E\u03C8\u03BF\u03C2") != 0)
+    return 7;
+  DestroyWindow(dialog);
+  return 0;
+}
+
+}  // namespace
+
+int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
+  return Run(instance);
+}
