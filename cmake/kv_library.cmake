@@ -10,8 +10,6 @@ target_link_libraries(kv PUBLIC comctl32 msimg32 comdlg32 shell32 advapi32 gdi32
 if(NOT MSVC)
   target_link_options(kv INTERFACE "$<$<NOT:$<BOOL:$<TARGET_PROPERTY:KV_SHARED_RUNTIME>>>:-static>")
 endif()
-# Resource scripts of whoever links it are UTF-8, as its own are.
-target_compile_options(kv INTERFACE "$<$<COMPILE_LANGUAGE:RC>:${KV_RESOURCE_FLAGS}>")
 
 # kv_sources(sources... [HEADERS public headers...]), paths relative to the calling folder.
 function(kv_sources)

@@ -31,8 +31,7 @@ int Run(HINSTANCE instance) {
   HWND dialog = CreateDialogParamA(instance, "DLG_OUTSIDE", nullptr, DialogProcedure, 0);
   if (dialog == nullptr) return 3;
   wchar_t text[64];
-  if (GetWindowTextW(dialog, text, 64) == 0 ||
-      std::wcscmp(text, L"H\u00F6he \u038E\u03C8\u03BF\u03C2 \u0412\u044B\u0441\u043E\u0442\u0430") != 0)
+  if (LoadStringW(instance, 1, text, 64) == 0 || std::wcscmp(text, L"H\u00F6he \u2013 \u038E\u03C8\u03BF\u03C2") != 0)
     return 4;
   HWND instrument = GetDlgItem(dialog, 100);
   float value = 42;
