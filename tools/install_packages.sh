@@ -10,6 +10,7 @@ packages=(
   fp-utils                                               # chmcmd, the help compiler
   python3                                                # artwork and small build steps
   fonts-dejavu-core fonts-liberation fonts-wine          # text in the windows
+  fonts-wqy-microhei fonts-lohit-deva                    # Chinese, Japanese, Korean; Hindi
 )
 
 missing() {

@@ -1,21 +1,57 @@
 #!/usr/bin/env bash
-# Makes the Wine prefix under build/ on first use: 32-bit, with the fonts that the windows name mapped to installed ones.
+# Makes the Wine prefix under build/ on first use: 32-bit, with the fonts that the windows name. A prefix that stands gets
+# its fonts anew whenever this script has changed.
 source "$(dirname "$0")/common.sh"
 
 ready=$WINEPREFIX/.tarnwick-ready
-[ -f "$ready" ] && exit 0
+version=$(cksum <"$0")
+[ "$(cat "$ready" 2>/dev/null)" = "$version" ] && exit 0
+
+# Programs that still run would keep the fonts that they started with.
+stop_wine
 
 make_prefix() {
   rm -rf "$WINEPREFIX"
   mkdir -p "$WINEPREFIX"
   # No window is shown while the prefix is made, so no display is needed.
   env -u DISPLAY wineboot --init
-  local replacements='HKCU\Software\Wine\Fonts\Replacements'
-  env -u DISPLAY wine reg add "$replacements" /v "Arial Unicode MS" /d "Liberation Sans" /f
-  env -u DISPLAY wine reg add "$replacements" /v "Microsoft Sans Serif" /d "Liberation Sans" /f
-  env -u DISPLAY wine reg add "$replacements" /v "Terminal" /d "Liberation Mono" /f
   wineserver -w
 }
 
-quietly "making the Wine prefix" make_prefix
-touch "$ready"
+# Wine as Debian packages it does not find its own fonts: without them every face becomes the same substitute, dialog units
+# come out too small, and captions show letters where their buttons should be.
+copy_fonts() {
+  local font target=$WINEPREFIX/drive_c/windows/Fonts
+  mkdir -p "$target"
+  for font in tahoma.ttf tahomabd.ttf ms_sans_serif.ttf system.ttf marlett.ttf vgasys.fon sserife.fon; do
+    cp -f "/usr/share/wine/fonts/$font" "$target/"
+  done
+}
+
+# Faces that no package brings become their nearest kin; scripts that a face lacks come from the fonts linked to it.
+map_fonts() {
+  local face other faces='HKCU\Software\Wine\Fonts\Replacements'
+  local links='HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink'
+  local others=(
+    'LiberationSans-Regular.ttf,Liberation Sans'   # Greek
+    'DejaVuSans.ttf,DejaVu Sans'                   # Arabic
+    'wqy-microhei.ttc,WenQuanYi Micro Hei'         # Chinese, Japanese, Korean
+    'Lohit-Devanagari.ttf,Lohit Devanagari'        # Hindi
+  )
+  while IFS='=' read -r face other; do
+    env -u DISPLAY wine reg add "$faces" /v "$face" /d "$other" /f
+  done <<'END'
+Arial=Liberation Sans
+Arial Unicode MS=Liberation Sans
+Microsoft Sans Serif=Tahoma
+Terminal=Liberation Mono
+END
+  for face in 'Tahoma' 'MS Sans Serif' 'Microsoft Sans Serif' 'System' 'Liberation Sans' 'Arial' 'Arial Unicode MS'; do
+    env -u DISPLAY wine reg add "$links" /v "$face" /t REG_MULTI_SZ /s '|' /d "$(IFS='|'; echo "${others[*]}")" /f
+  done
+  wineserver -w
+}
+
+[ -f "$ready" ] || quietly "making the Wine prefix" make_prefix
+quietly "giving the Wine prefix its fonts" eval 'copy_fonts && map_fonts'
+printf '%s\n' "$version" >"$ready"
