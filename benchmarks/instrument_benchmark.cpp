@@ -1,11 +1,14 @@
 // Prints what the display instruments cost: milliseconds to render each layout, anew and after a change of the value
-// only, and the share of one processor core that twenty gliding instruments take.
+// only, and the share of one processor core that twenty gliding instruments take. The floor is what an empty control
+// costs that shows a picture of the same size in the same way and renders nothing.
 #include <windows.h>
 
 #include <chrono>
 #include <cstdio>
 
 #include "controls/display_instrument.h"
+#include "framework/guards.h"
+#include "framework/picture.h"
 
 namespace {
 
@@ -31,6 +34,41 @@ void SetValue(HWND control, float value, WPARAM flags) {
   SendMessageA(control, kv::kControlCommand, kv::kCommandValue | flags, reinterpret_cast<LPARAM>(&value));
 }
 
+// ---- The empty control ----------------------------------------------------------------------------------------------
+
+constexpr char kEmptyClass[] = "kvEmptyControl";
+
+void Repaint(HWND control) {
+  InvalidateRect(control, nullptr, FALSE);
+  UpdateWindow(control);
+}
+
+LRESULT CALLBACK EmptyProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  const auto bitmap = reinterpret_cast<HBITMAP>(GetWindowLongA(window, GWL_USERDATA));
+  switch (message) {
+    case WM_CREATE:
+      SetWindowLongA(window, GWL_USERDATA,
+                     reinterpret_cast<LONG>(kv::CreateWindowBitmap(window, kv::ClientSize(window))));
+      return 0;
+    case WM_DESTROY: DeleteObject(bitmap); return 0;
+    case WM_TIMER: Repaint(window); return 0;
+    case WM_PAINT: {
+      const kv::PaintScope paint(window);
+      const SIZE size = kv::ClientSize(window);
+      kv::ShowBitmap(paint.dc(), {0, 0, size.cx, size.cy}, bitmap, size);
+      return 0;
+    }
+    default: return DefWindowProcA(window, message, wParam, lParam);
+  }
+}
+
+HWND CreateEmpty(HWND parent, int left, int top, int size) {
+  return CreateWindowExA(0, kEmptyClass, "", WS_CHILD | WS_VISIBLE, left, top, size, size, parent, nullptr,
+                         GetModuleHandleA(nullptr), nullptr);
+}
+
+// ---- Measuring ------------------------------------------------------------------------------------------------------
+
 double CpuSeconds() {
   FILETIME created, ended, kernel, user;
   GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user);
@@ -55,7 +93,7 @@ double MillisecondsEach(Work work) {
 }
 
 void MeasureRendering(HWND parent) {
-  printf("%-12s %6s %14s %14s\n", "layout", "pixels", "anew ms", "new value ms");
+  printf("%-12s %6s %14s %14s %14s\n", "layout", "pixels", "anew ms", "new value ms", "floor ms");
   for (const Mode& mode : kModes) {
     for (const int size : {64, 200, 600}) {
       HWND control = Create(parent, mode.style, 0, 0, size);
@@ -64,37 +102,55 @@ void MeasureRendering(HWND parent) {
       const double changed = MillisecondsEach([&](int i) {
         SetValue(control, mode.low + (mode.high - mode.low) * static_cast<float>(i % 50) / 50, kv::kCommandRedraw);
       });
-      printf("%-12s %6d %14.2f %14.2f\n", mode.name, size, anew, changed);
       DestroyWindow(control);
+      HWND empty = CreateEmpty(parent, 0, 0, size);
+      const double floor = MillisecondsEach([empty](int) { Repaint(empty); });
+      DestroyWindow(empty);
+      printf("%-12s %6d %14.2f %14.2f %14.2f\n", mode.name, size, anew, changed, floor);
     }
   }
 }
 
-void MeasureGliding(HWND parent) {
-  constexpr int kInstruments = 20;
+constexpr int kInstruments = 20;
+
+// The share of a core, in percent, while messages are dispatched and `often` is called four times a second.
+template <class Work>
+double PercentOfACore(Work often) {
   constexpr std::chrono::seconds kSpan(4);
-  HWND controls[kInstruments];
-  for (int i = 0; i < kInstruments; ++i) {
-    controls[i] = Create(parent, kModes[i % std::size(kModes)].style, i % 5 * 130, i / 5 * 130, 120);
-  }
   const double cpu = CpuSeconds();
   const auto start = Clock::now();
-  float value = 30;
   auto next = start;
   while (Clock::now() - start < kSpan) {
     if (Clock::now() >= next) {
-      // A new goal four times a second, near enough not to be jumped to, keeps every one of them moving.
-      value = value > 35 ? 30.0f : 40.0f;
-      for (HWND control : controls) SetValue(control, value, kv::kValueGlide);
+      often();
       next += std::chrono::milliseconds(250);
     }
     MSG message;
     while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageA(&message);
     MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
   }
-  const double wall = std::chrono::duration<double>(Clock::now() - start).count();
-  printf("%d instruments of 120 pixels gliding: %.1f %% of one core\n", kInstruments,
-         (CpuSeconds() - cpu) / wall * 100);
+  return (CpuSeconds() - cpu) / std::chrono::duration<double>(Clock::now() - start).count() * 100;
+}
+
+void MeasureGliding(HWND parent) {
+  HWND controls[kInstruments];
+  for (int i = 0; i < kInstruments; ++i) {
+    controls[i] = Create(parent, kModes[i % std::size(kModes)].style, i % 5 * 130, i / 5 * 130, 120);
+  }
+  float value = 30;
+  const double gliding = PercentOfACore([&] {
+    // A new goal, near enough not to be jumped to, keeps every one of them moving.
+    value = value > 35 ? 30.0f : 40.0f;
+    for (HWND control : controls) SetValue(control, value, kv::kValueGlide);
+  });
+  for (HWND control : controls) DestroyWindow(control);
+  for (int i = 0; i < kInstruments; ++i) {
+    controls[i] = CreateEmpty(parent, i % 5 * 130, i / 5 * 130, 120);
+    SetTimer(controls[i], 1, 20, nullptr);
+  }
+  const double floor = PercentOfACore([] {});
+  for (HWND control : controls) DestroyWindow(control);
+  printf("%d instruments of 120 pixels gliding: %.1f %% of one core, floor %.1f %%\n", kInstruments, gliding, floor);
 }
 
 }  // namespace
@@ -103,6 +159,11 @@ int main() {
   setvbuf(stdout, nullptr, _IONBF, 0);
   HINSTANCE instance = GetModuleHandleA(nullptr);
   if (!kv::RegisterDisplayInstrumentClass(instance, TRUE)) return 1;
+  WNDCLASSA empty{};
+  empty.lpfnWndProc = EmptyProcedure;
+  empty.hInstance = instance;
+  empty.lpszClassName = kEmptyClass;
+  RegisterClassA(&empty);
   HWND parent = CreateWindowExA(0, "STATIC", "benchmark", WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN, 0, 0, 700, 700,
                                 nullptr, nullptr, instance, nullptr);
   MeasureRendering(parent);
