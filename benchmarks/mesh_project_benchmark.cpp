@@ -1,5 +1,5 @@
-// How long meshProject takes and how it grows with the triangles. The C run-time's quicksort is the part that could
-// grow badly: it is measured with depths in no order, all alike, rising, falling, and as the frame before left them.
+// How long meshProject takes and how it grows with the triangles, with depths in no order, all alike, rising, falling,
+// and as the frame before left them. Promised: 100,000 triangles in at most 10 ms.
 #include <windows.h>
 
 #include <algorithm>

@@ -32,12 +32,22 @@ DWORD ModeOf(const InstrumentRecord& record) {
   return record.dwStyle & kInstrumentModeBits;
 }
 
-BlockDefaults DefaultsOf(DWORD mode, const char* compassName, const char* barName) {
-  switch (mode) {
-    case kModeCompass: return {-360, 360, 1, 1, 0, "\xB0", compassName};
-    case kModeCentreBar: return {-100, 100, 1, 0, 0, "%", barName};
-    default: return {0, 100, 1, 0, 0, "%", "Relative"};
-  }
+struct ModeDefaults {
+  BlockDefaults compass, centreBar, other;
+};
+constexpr BlockDefaults kPlainDefaults{0, 100, 1, 0, 0, "%", "Relative"};
+constexpr ModeDefaults kAtCreation{
+    {-360, 360, 1, 1, 0, "\xB0", nullptr}, {-100, 100, 1, 0, 0, "%", "Relative"}, kPlainDefaults};
+// A reset is no second creation: compass and bar are called "Compass" whatever they were called, and the bar gets a
+// decimal place. That is meant; owners who reset give the names and places that they want anew.
+constexpr ModeDefaults kAfterReset{
+    {-360, 360, 1, 1, 0, "\xB0", "Compass"}, {-100, 100, 1, 1, 0, "%", "Compass"}, kPlainDefaults};
+
+// `name` is for the mode that has none of its own.
+InstrumentBlock DefaultBlock(const ModeDefaults& row, DWORD mode, const char* name) {
+  BlockDefaults defaults = mode == kModeCompass ? row.compass : mode == kModeCentreBar ? row.centreBar : row.other;
+  if (!defaults.name) defaults.name = name;
+  return BuildDefaultBlock(defaults);
 }
 
 void SetBlock(InstrumentRecord* record, const InstrumentBlock& block) {
@@ -87,24 +97,28 @@ void StoreShownText(InstrumentRecord* record) {
   record->szText[length] = '\0';
 }
 
-bool FaceIsCurrent(const InstrumentRecord& record, const InstrumentBlock& key) {
-  const InstrumentWork& work = record.work;
-  return work.bFaceDrawn && work.faceStyle == record.dwStyle && memcmp(&work.faceBlock, &key, sizeof(key)) == 0;
+InstrumentFaceKey FaceKeyOf(const InstrumentRecord& record) {
+  InstrumentFaceKey key{record.dwStyle, ReadingOf(record.block).valid, {}, record.block};
+  std::transform(std::begin(kFaceColors), std::end(kFaceColors), key.colors, GetSysColor);
+  key.block.current = 0;
+  return key;
+}
+
+bool FaceIsCurrent(const InstrumentRecord& record, const InstrumentFaceKey& key) {
+  return record.work.bFaceDrawn && memcmp(&record.work.faceKey, &key, sizeof(key)) == 0;
 }
 
 void RenderFace(InstrumentRecord* record, HDC faceDc, const RECT& area, const InstrumentView& view) {
-  InstrumentBlock key = record->block;
-  key.current = 0;
+  const InstrumentFaceKey key = FaceKeyOf(*record);
   if (FaceIsCurrent(*record, key)) return;
   LayoutOf(ModeOf(*record)).face(faceDc, area, view);
-  record->work.faceBlock = key;
-  record->work.faceStyle = record->dwStyle;
+  record->work.faceKey = key;
   record->work.bFaceDrawn = TRUE;
 }
 
 // Brings the back buffer up to date, if it is not.
 void EnsureRendered(InstrumentRecord* record) {
-  if (!record->bRedraw) return;
+  if (!record->bRedraw && FaceIsCurrent(*record, FaceKeyOf(*record))) return;
   record->bRedraw = FALSE;
   if (!record->hBuffer || !record->work.hFace) return;
   ++record->work.renderings;
@@ -144,7 +158,7 @@ void RenderAnew(InstrumentRecord* record) {
 }
 
 void ResetBlock(InstrumentRecord* record) {
-  SetBlock(record, BuildDefaultBlock(DefaultsOf(ModeOf(*record), "Compass", "Compass")));
+  SetBlock(record, DefaultBlock(kAfterReset, ModeOf(*record), nullptr));
   RepaintNow(record->hWnd);
 }
 
@@ -243,7 +257,12 @@ LRESULT OnCommand(InstrumentRecord* record, WPARAM wParam, LPARAM lParam) {
     case kCommandTime: changed = ExchangeTime(record, wParam, lParam); break;
     case kCommandZone: changed = ExchangeZone(record, wParam, lParam); break;
   }
-  if (changed && (wParam & kCommandRedraw)) RepaintNow(record->hWnd);
+  if (!changed) return 0;
+  if (wParam & kCommandRedraw) {
+    RepaintNow(record->hWnd);
+  } else {
+    InvalidateRect(record->hWnd, nullptr, FALSE);
+  }
   return 0;
 }
 
@@ -259,7 +278,7 @@ LRESULT OnCreate(HWND window) {
   record->dwStyle = static_cast<DWORD>(GetWindowLongA(window, GWL_STYLE));
   GetLocalTime(&record->time);
   GetWindowTextA(window, record->szText, sizeof(record->szText));
-  SetBlock(record, BuildDefaultBlock(DefaultsOf(ModeOf(*record), record->szText, "Relative")));
+  SetBlock(record, DefaultBlock(kAtCreation, ModeOf(*record), record->szText));
   MakeBuffers(record);
   DragAcceptFiles(window, TRUE);
   return 0;
@@ -352,6 +371,7 @@ LRESULT CALLBACK InstrumentProcedure(HWND window, UINT message, WPARAM wParam, L
     case WM_LBUTTONDBLCLK: return record ? CopyToClipboard(record, 0) : kNoRecord;
     case WM_COPY: return record ? CopyToClipboard(record, lParam) : kNoRecord;
     case WM_DROPFILES: return SendMessageA(GetParent(window), message, wParam, lParam);
+    case WM_SYSCOLORCHANGE: return record ? OnCommand(record, kCommandRender, 0) : kNoRecord;
     case kControlCommand: return record ? OnCommand(record, wParam, lParam) : kNoRecord;
     default: return DefWindowProcA(window, message, wParam, lParam);
   }

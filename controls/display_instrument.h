@@ -10,7 +10,7 @@
 // Gliding     On request the control moves to a new value in steps of 20 ms: a tenth of the way each, while the way is
 //             at most a fifth of the range; a larger jump is shown at once.
 // Drawing     From 0 x 0 pixels up. The control renders into a back buffer, and only when something changed; painting
-//             copies it. Colours of the system are read when the face is drawn: after they change, send kCommandRender.
+//             copies it. New colours of the system show at the next paint.
 // Messages    WM_ENABLE    draws disabled or enabled (style bit kInstrumentDisabled; WS_DISABLED itself does not
 // count).
 //             WM_SETTEXT   kept by the control (255 characters); the compass takes it as its name (31). The window's
@@ -19,6 +19,7 @@
 //                          width (low word) and height (high word) in pixels, each clamped to 16..5120. A double click
 //                          does the same at the control's own size.
 //             WM_DROPFILES sent on to the parent.
+//             WM_SYSCOLORCHANGE  renders and paints anew, like kCommandRender.
 //             kControlCommand  below.
 //             All answer 1 when the control has no record (memory was short at its creation).
 // Notifies    Nothing.
@@ -36,7 +37,7 @@ inline constexpr char kDisplayInstrumentClass[] = "kvDisplayInstrument";
 
 // Codes of kControlCommand (low byte of wParam). Each returns 0, also when it refuses a bad address. With kCommandRead
 // the item is copied to lParam instead of from it; with kCommandRedraw a change is painted before the call returns,
-// otherwise at the next paint. Other codes do nothing.
+// otherwise the control is invalidated and shows it at its next paint. Other codes do nothing.
 inline constexpr WPARAM kCommandRender = 0;  // renders and paints anew; no address
 inline constexpr WPARAM kCommandReset = 1;   // the mode's default block, compass and centre-zero bar named "Compass"
 inline constexpr WPARAM kCommandStyle = 3;   // a DWORD: bits to set, or with kCommandRemove to clear; read: the style

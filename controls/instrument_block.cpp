@@ -71,21 +71,16 @@ float ClampToRange(const InstrumentBlock& block, float value) {
   return value;
 }
 
-double EffectiveStep(const InstrumentBlock& block) {
-  const double step = std::fabs(static_cast<double>(block.step));
-  if (std::isfinite(step) && step > 0) return step;
-  const double hundredth = std::fabs(static_cast<double>(block.maximum) - block.minimum) / 100;
-  return std::isfinite(hundredth) && hundredth > 0 ? hundredth : 1.0;
-}
-
 GlideStep NextGlideStep(const InstrumentBlock& block, float target) {
+  if (std::isnan(block.current)) return {target, !std::isnan(target)};
+  const double step = std::isfinite(block.step) ? std::fabs(static_cast<double>(block.step)) : 0.0;
   const double distance = std::fabs(static_cast<double>(target) - block.current);
-  if (!(EffectiveStep(block) <= distance)) return {block.current, false};
+  if (distance == 0 || !(step <= distance)) return {block.current, false};
   const double range = std::fabs(static_cast<double>(block.maximum) - block.minimum);
   if (!(distance <= 0.2 * range)) return {target, true};
   const auto next = static_cast<float>((9 * static_cast<double>(block.current) + target) / 10);
-  // With a step below the value's own resolution a tenth of the way may round to nothing: that counts as arrived.
-  return {next, next != block.current};
+  // The last tenths round to nothing: there it arrives, or the timer would never end.
+  return {next == block.current ? target : next, true};
 }
 
 InstrumentReading ReadingOf(const InstrumentBlock& block) {

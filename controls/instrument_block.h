@@ -85,11 +85,10 @@ InstrumentBlock BuildDefaultBlock(const BlockDefaults& defaults);
 // Pulls a value into the block's range, whichever way round it stands; NaN becomes the lower end.
 float ClampToRange(const InstrumentBlock& block, float value);
 
-// The block's step as a positive number; a step that is none (0, NaN, infinite) counts as a hundredth of the range.
-double EffectiveStep(const InstrumentBlock& block);
-
-// One step of gliding towards `target`: the next displayed value, and whether it is still on its way. A large jump
-// arrives at once; otherwise the way is shortened by a tenth until it is less than one step.
+// One step of gliding towards `target`: the next displayed value, and whether it is still on its way. A large jump, or
+// a way from where no value was, arrives at once; otherwise the way is shortened by a tenth until it is less than the
+// block's step. A step finer than the value's own resolution (0 too, and NaN and infinity count as 0) leads to the
+// target itself.
 struct GlideStep {
   float current;
   bool moving;

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 #include "controls/instrument_dial.h"
+#include "framework/angles.h"
 #include "framework/bounded_format.h"
 #include "framework/painting.h"
 
@@ -209,7 +209,7 @@ double CardAngle(double bearing, double heading) {
 
 int MarkSpacing(double faceRadius) {
   constexpr double kLeastPixels = 4.0;
-  const double perDegree = faceRadius * std::numbers::pi / 180;
+  const double perDegree = faceRadius * kRadiansPerDegree;
   for (int spacing : {1, 2, 5}) {
     if (perDegree * spacing >= kLeastPixels) return spacing;
   }

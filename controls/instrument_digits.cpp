@@ -15,26 +15,38 @@ constexpr double kWidth = 0.54, kStroke = 0.115, kBetween = 0.25, kSlant = 0.10;
 // What remains free around the characters.
 constexpr double kMarginX = 0.03, kMarginY = 0.10;
 
-struct LetterSegments {
-  char character;
-  unsigned segments;
+constexpr unsigned kLeftSide = kSegmentUpperLeft | kSegmentLowerLeft,
+                   kRightSide = kSegmentUpperRight | kSegmentLowerRight, kStem = kStrokeStemUpper | kStrokeStemLower,
+                   kRing = kSegmentTop | kSegmentBottom | kLeftSide | kRightSide;
+constexpr unsigned kLetters[] = {
+    kRing - kSegmentBottom + kSegmentMiddle,                                        // A
+    kSegmentTop | kSegmentBottom | kRightSide | kStem | kStrokeMiddleRight,         // B
+    kRing - kRightSide,                                                             // C
+    kSegmentTop | kSegmentBottom | kRightSide | kStem,                              // D
+    kRing - kRightSide + kSegmentMiddle,                                            // E
+    kSegmentTop | kLeftSide | kSegmentMiddle,                                       // F
+    kRing - kSegmentUpperRight + kStrokeMiddleRight,                                // G
+    kLeftSide | kRightSide | kSegmentMiddle,                                        // H
+    kSegmentTop | kSegmentBottom | kStem,                                           // I
+    kRightSide | kSegmentBottom | kSegmentLowerLeft,                                // J
+    kLeftSide | kStrokeMiddleLeft | kArmUpperRight | kArmLowerRight,                // K
+    kLeftSide | kSegmentBottom,                                                     // L
+    kLeftSide | kRightSide | kArmUpperLeft | kArmUpperRight,                        // M
+    kLeftSide | kRightSide | kArmUpperLeft | kArmLowerRight,                        // N
+    kRing,                                                                          // O
+    kRing - kSegmentBottom - kSegmentLowerRight + kSegmentMiddle,                   // P
+    kRing | kArmLowerRight,                                                         // Q
+    kRing - kSegmentBottom - kSegmentLowerRight + kSegmentMiddle + kArmLowerRight,  // R
+    kRing - kSegmentUpperRight - kSegmentLowerLeft + kSegmentMiddle,                // S
+    kSegmentTop | kStem,                                                            // T
+    kRing - kSegmentTop,                                                            // U
+    kLeftSide | kArmUpperRight | kArmLowerLeft,                                     // V
+    kLeftSide | kRightSide | kArmLowerLeft | kArmLowerRight,                        // W
+    kArmUpperLeft | kArmUpperRight | kArmLowerRight | kArmLowerLeft,                // X
+    kArmUpperLeft | kArmUpperRight | kStrokeStemLower,                              // Y
+    kSegmentTop | kSegmentBottom | kArmUpperRight | kArmLowerLeft,                  // Z
 };
-constexpr LetterSegments kLetters[] = {
-    {'-', 0x40},
-    {'+', kSegmentMiddle | kStrokeUpright},
-    {'N', 0x36 | kStrokeFalling},
-    {'E', 0x79},
-    {'S', 0x6D},
-    {'W', 0x36 | kStrokeRoof},
-    {'A', 0x77},
-    {'C', 0x39},
-    {'F', 0x71},
-    {'H', 0x76},
-    {'L', 0x38},
-    {'O', 0x3F},
-    {'P', 0x73},
-    {'U', 0x3E},
-};
+static_assert(std::size(kLetters) == 26);
 
 Separator SeparatorAt(DWORD style, int index) {
   if (style & kInstrumentShowTime) return Separator::kColon;
@@ -68,9 +80,9 @@ std::vector<PointD> Bar(const CellFrame& frame, PointD from, PointD to, double t
           corner(b, 0, 0), corner(b, -half, half), corner(a, half, half)};
 }
 
-// A slanting arm with level ends.
+// A slanting arm with level ends, thinner than a segment: two of them have to part within a character.
 std::vector<PointD> Arm(const CellFrame& frame, PointD from, PointD to, double thickness) {
-  const double half = thickness * 0.36;
+  const double half = thickness * 0.38;
   return {frame.At(from.x - half, from.y), frame.At(from.x + half, from.y), frame.At(to.x + half, to.y),
           frame.At(to.x - half, to.y)};
 }
@@ -107,9 +119,9 @@ void DrawSeparator(const Supersample& canvas, const DigitLayout& layout, int cel
 unsigned SegmentsOf(char character) {
   constexpr unsigned kDigits[] = {0x3F, 0x06, 0x5B, 0x4F, 0x66, 0x6D, 0x7D, 0x07, 0x7F, 0x6F};
   if (character >= '0' && character <= '9') return kDigits[character - '0'];
-  const auto* letter = std::find_if(std::begin(kLetters), std::end(kLetters),
-                                    [character](const LetterSegments& item) { return item.character == character; });
-  return letter == std::end(kLetters) ? 0 : letter->segments;
+  if (character >= 'A' && character <= 'Z') return kLetters[character - 'A'];
+  if (character >= 'a' && character <= 'z') return kLetters[character - 'a'];
+  return character == '-' ? kSegmentMiddle : character == '+' ? kSegmentMiddle | kStrokeUpright : 0;
 }
 
 std::vector<DigitCell> CellsOf(const char* text, DWORD style) {
@@ -141,12 +153,17 @@ DigitLayout LayOutDigits(const RECT& area, int cells) {
           .stroke = kStroke * digitHeight};
 }
 
-StrokeCorners CornersOf(const DigitLayout& layout, int cell, int stroke) {
+std::vector<PointD> CornersOf(const DigitLayout& layout, int cell, int stroke) {
   const CellFrame frame(layout, cell);
   const double t = layout.stroke, gap = std::max(layout.height * 0.012, 0.12);
   const double left = t / 2, right = layout.width - t / 2, centre = layout.width / 2;
   const double top = t / 2, middle = layout.height / 2, bottom = layout.height - t / 2;
-  const auto bar = [&](PointD from, PointD to) { return StrokeCorners{Bar(frame, from, to, t, gap), {}}; };
+  const auto bar = [&](PointD from, PointD to) { return Bar(frame, from, to, t, gap); };
+  // Arms end beside the segments at the character's sides.
+  const auto arm = [&](double side, double end) {
+    const double x = centre + side * (layout.width / 2 - t * 1.15);
+    return Arm(frame, {centre, middle}, {x, end}, t);
+  };
   switch (1u << stroke) {
     case kSegmentTop: return bar({left, top}, {right, top});
     case kSegmentUpperRight: return bar({right, top}, {right, middle});
@@ -156,13 +173,17 @@ StrokeCorners CornersOf(const DigitLayout& layout, int cell, int stroke) {
     case kSegmentUpperLeft: return bar({left, top}, {left, middle});
     case kSegmentMiddle: return bar({left, middle}, {right, middle});
     case kStrokeUpright: {
-      const double arm = (right - left) * 0.55;
-      return bar({centre, middle - arm}, {centre, middle + arm});
+      const double half = (right - left) * 0.55;
+      return bar({centre, middle - half}, {centre, middle + half});
     }
-    case kStrokeFalling: return {Arm(frame, {left + t * 1.2, t}, {right - t * 1.2, layout.height - t}, t), {}};
-    case kStrokeRoof:
-      return {Arm(frame, {centre, middle}, {left + t * 1.2, layout.height - t}, t),
-              Arm(frame, {centre, middle}, {right - t * 1.2, layout.height - t}, t)};
+    case kStrokeMiddleLeft: return bar({left, middle}, {centre, middle});
+    case kStrokeMiddleRight: return bar({centre, middle}, {right, middle});
+    case kStrokeStemUpper: return bar({centre, top}, {centre, middle});
+    case kStrokeStemLower: return bar({centre, middle}, {centre, bottom});
+    case kArmUpperLeft: return arm(-1, t);
+    case kArmUpperRight: return arm(1, t);
+    case kArmLowerRight: return arm(1, layout.height - t);
+    case kArmLowerLeft: return arm(-1, layout.height - t);
     default: return {};
   }
 }
@@ -176,9 +197,7 @@ void DrawDigits(HDC dc, const RECT& area, const char* text, DWORD style, COLORRE
                             {layout.left + layout.pitch * count + layout.height * kSlant, layout.top + layout.height}};
   const Supersample canvas(dc, BoundsOf(corners, 1, area));
   const auto draw = [&](int cell, int stroke, COLORREF color) {
-    for (const auto& corners : CornersOf(layout, cell, stroke)) {
-      if (!corners.empty()) FillPolygon(canvas, corners, color);
-    }
+    FillPolygon(canvas, CornersOf(layout, cell, stroke), color);
   };
   for (int cell = 0; cell < count; ++cell) {
     for (int stroke = 0; stroke < kAllStrokes; ++stroke) {

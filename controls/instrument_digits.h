@@ -4,7 +4,6 @@
 
 #include <windows.h>
 
-#include <array>
 #include <span>
 #include <vector>
 
@@ -12,8 +11,8 @@
 
 namespace kv {
 
-// Segments of a character: the seven, clockwise from the top, then the middle; and strokes that only some letters and
-// the plus need, which therefore do not show unlit.
+// Segments of a character: the seven, clockwise from the top, then the middle; and strokes that only letters and the
+// plus need, which therefore do not show unlit.
 enum Segment : unsigned {
   kSegmentTop = 1,
   kSegmentUpperRight = 2,
@@ -22,11 +21,17 @@ enum Segment : unsigned {
   kSegmentLowerLeft = 16,
   kSegmentUpperLeft = 32,
   kSegmentMiddle = 64,
-  kStrokeUpright = 128,  // the plus
-  kStrokeFalling = 256,  // N
-  kStrokeRoof = 512,     // W
+  kStrokeUpright = 128,     // the plus
+  kStrokeMiddleLeft = 256,  // halves of the middle segment
+  kStrokeMiddleRight = 512,
+  kStrokeStemUpper = 1024,  // half-way between left and right
+  kStrokeStemLower = 2048,
+  kArmUpperLeft = 4096,  // from the character's middle towards its corners
+  kArmUpperRight = 8192,
+  kArmLowerRight = 16384,
+  kArmLowerLeft = 32768,
 };
-inline constexpr int kSevenSegments = 7, kAllStrokes = 10;
+inline constexpr int kSevenSegments = 7, kAllStrokes = 16;
 
 // What stands between a character and the next, within the room of the former.
 enum class Separator { kNone, kPoint, kColon, kDegree, kMinute, kSecond };
@@ -36,8 +41,8 @@ struct DigitCell {
   Separator separator;
 };
 
-// Lit segments of a character: digits, minus (and dash), plus, N, E, S, W and the further letters that seven segments
-// can show; 0 (blank) for all others.
+// Lit segments of a character: digits, minus (and dash), plus, and the letters A to Z, small ones as capitals; 0
+// (blank) for all others.
 unsigned SegmentsOf(char character);
 
 // The characters of a text; each '.' becomes the separator that `style` asks for in its place (kInstrumentShowTime ...)
@@ -53,10 +58,8 @@ struct DigitLayout {
 };
 DigitLayout LayOutDigits(const RECT& area, int cells);
 
-// Corners of a segment or stroke (bit number 0..9) of the given cell. A stroke of two arms comes in two parts; the
-// second is empty for all others.
-using StrokeCorners = std::array<std::vector<PointD>, 2>;
-StrokeCorners CornersOf(const DigitLayout& layout, int cell, int stroke);
+// Corners of a segment or stroke (bit number 0..kAllStrokes - 1) of the given cell.
+std::vector<PointD> CornersOf(const DigitLayout& layout, int cell, int stroke);
 
 // Draws the text over what stands in the area; unlit segments have the colour `unlit`.
 void DrawDigits(HDC dc, const RECT& area, const char* text, DWORD style, COLORREF lit, COLORREF unlit);

@@ -10,14 +10,26 @@
 
 namespace kv {
 
+// The system's colours that faces read.
+inline constexpr int kFaceColors[] = {COLOR_BTNFACE,     COLOR_BTNTEXT, COLOR_GRAYTEXT,   COLOR_3DSHADOW,
+                                      COLOR_3DHIGHLIGHT, COLOR_3DLIGHT, COLOR_3DDKSHADOW, COLOR_WINDOWFRAME};
+
+// All that a face depends on; compared byte by byte.
+struct InstrumentFaceKey {
+  DWORD style;
+  BOOL valid;  // there is a value to show
+  COLORREF colors[ARRAYSIZE(kFaceColors)];
+  InstrumentBlock block;  // with its current value cleared
+};
+static_assert(sizeof(InstrumentFaceKey) == 40 + sizeof(InstrumentBlock));
+
 // What the control keeps between two renderings.
 struct InstrumentWork {
   HBITMAP hFace;    // picture of the face layer, of client size; belongs to the record
-  BOOL bFaceDrawn;  // the picture shows what the next two fields say
-  DWORD faceStyle;
-  InstrumentBlock faceBlock;  // with its current value cleared: the face does not depend on it
-  DWORD renderings;           // how often the back buffer was rendered, wrapping
-  BYTE free[3572];
+  BOOL bFaceDrawn;  // the picture shows what the key says
+  InstrumentFaceKey faceKey;
+  DWORD renderings;  // how often the back buffer was rendered, wrapping
+  BYTE free[3536];
 };
 
 struct InstrumentRecord {

@@ -4,6 +4,7 @@
 #include <climits>
 #include <cmath>
 #include <cwchar>
+#include <utility>
 
 #include "framework/bounded_format.h"
 
@@ -49,6 +50,15 @@ std::wstring TimeText(const SYSTEMTIME& time, int kind, bool valid) {
   }
 }
 
+// To three digits, with a power of ten if need be.
+std::wstring ShortNumber(double value) {
+  const std::wstring text = Format(L"%.3g", value);
+  const size_t power = text.find(L'e');
+  if (power == std::wstring::npos) return text;
+  // The run-time writes at least two digits of the power, some three.
+  return text.substr(0, power + 1) + Format(L"%ld", wcstol(text.c_str() + power + 1, nullptr, 10));
+}
+
 std::wstring DateText(const SYSTEMTIME& time, bool valid) {
   if (!valid) return L"--.--.--";
   return Format(L"%-4.4ld.%-2.2ld.%-2.2ld", static_cast<long>(time.wYear), static_cast<long>(time.wMonth),
@@ -75,15 +85,17 @@ std::wstring WithoutPadding(const std::wstring& text) {
 std::wstring PlainNumber(double value, int places, bool sign) {
   wchar_t number[32];
   FormatBounded(number, sizeof(number), sign ? L"%%+.%ldf" : L"%%.%ldf", static_cast<long>(places));
-  return Format(number, value);
+  const std::wstring text = Format(number, value);
+  const bool zero = text.find_first_not_of(L"+-0.") == std::wstring::npos;
+  return zero ? text.substr(text.find_first_not_of(L"+-")) : text;
 }
 
-std::wstring ShortNumber(double value) {
-  const std::wstring text = Format(L"%.3g", value);
-  const size_t power = text.find(L'e');
-  if (power == std::wstring::npos) return text;
-  // The run-time writes at least two digits of the power, some three.
-  return text.substr(0, power + 1) + Format(L"%ld", wcstol(text.c_str() + power + 1, nullptr, 10));
+std::vector<std::wstring> NumberForms(double value, int places, bool sign) {
+  std::vector<std::wstring> forms;
+  for (; places >= 0; --places) forms.push_back(PlainNumber(value, places, sign));
+  std::wstring power = ShortNumber(value);
+  if (power.size() < forms.back().size()) forms.push_back(std::move(power));
+  return forms;
 }
 
 int NumberWidth(const InstrumentBlock& block) {

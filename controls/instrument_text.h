@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <string>
+#include <vector>
 
 #include "controls/instrument_block.h"
 
@@ -17,11 +18,12 @@ std::wstring FixedWidthNumber(double value, int width, BYTE format);
 // The text without its leading blanks, for writing it centred.
 std::wstring WithoutPadding(const std::wstring& text);
 
-// The number with as many digits as it needs.
+// The number with as many digits as it needs; what rounds to zero has no sign.
 std::wstring PlainNumber(double value, int places, bool sign);
 
-// The number to three digits, with a power of ten if need be.
-std::wstring ShortNumber(double value);
+// The number as it is, then ever shorter: with fewer decimal places, and at last to three digits with a power of ten,
+// where that is shorter still. For whoever has room for one of them.
+std::vector<std::wstring> NumberForms(double value, int places, bool sign);
 
 // The width in characters that the block's maximum, decimal places and sign ask for.
 int NumberWidth(const InstrumentBlock& block);

@@ -3,11 +3,12 @@
 #include <cmath>
 #include <cstdint>
 
+#include "framework/angles.h"
+
 namespace kv {
 
 namespace {
 
-constexpr double kPi = 3.141592653589793;
 constexpr double kMetresPerDegreeEast = 111319.49079327358;  // at the equator
 constexpr double kMetresPerDegreeNorth = 110946.25761734763;
 
@@ -18,14 +19,6 @@ constexpr double kAxisRatio = 1 - kFlattening;  // polar to equatorial radius
 constexpr double kPolarRadius = kEquatorRadius * kAxisRatio;
 constexpr double kEccentricitySquared = kFlattening * (2 - kFlattening);
 constexpr double kSecondEccentricitySquared = kEccentricitySquared / (1 - kEccentricitySquared);
-
-double Radians(double degrees) {
-  return degrees * kPi / 180;
-}
-
-double Degrees(double radians) {
-  return radians * 180 / kPi;
-}
 
 double Cube(double value) {
   return value * value * value;

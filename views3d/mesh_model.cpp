@@ -2,19 +2,18 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <limits>
 #include <span>
 #include <utility>
+
+#include "framework/angles.h"
+#include "views3d/mesh_depth_order.h"
 
 namespace kv {
 
 namespace {
 
 constexpr double kInitialScale = 3.5;
-constexpr double kRadiansPerDegree = 0.017453292519943295;
-constexpr double kEyeDistance = 750;
-constexpr double kDepthStepsPerUnit = 10000;
 constexpr size_t kUnlockProbe = sizeof(MeshModel) + 1;
 
 std::uint64_t BlockBytes(std::uint32_t vertexCapacity, std::uint32_t triangleCapacity) {
@@ -46,8 +45,8 @@ void Deliver(T* target, T value) {
   if (!IsBadWritePtr(target, sizeof(T))) *target = value;
 }
 
-// Takes whole turns off in one step, where taking them off one by one would never end for a huge angle. For angles
-// below 2^56 both give the same to the last bit.
+// Takes whole turns off in one step, where taking them off one by one would never end for a huge angle. Whole turns
+// leave a zero with the sign of the angle.
 double WithinHalfTurn(double degrees) {
   const double angle = std::fmod(degrees, 360.0);
   if (angle > 180) return angle - 360;
@@ -59,8 +58,7 @@ double NewAngle(double stored, double degrees) {
 }
 
 struct Turn {
-  explicit Turn(double degrees)
-      : sine(std::sin(degrees * kRadiansPerDegree)), cosine(std::cos(degrees * kRadiansPerDegree)) {}
+  explicit Turn(double degrees) : sine(std::sin(Radians(degrees))), cosine(std::cos(Radians(degrees))) {}
   double sine, cosine;
 };
 
@@ -74,7 +72,7 @@ void ProjectVertices(const MeshModel& model, std::span<MeshVertex> vertices) {
     const double y2 = y1 * b.cosine + vertex.z * b.sine;
     const double x2 = x1 * c.cosine - z1 * c.sine;
     const double z2 = z1 * c.cosine + x1 * c.sine;
-    const double perspective = y2 / kEyeDistance + 1;
+    const double perspective = y2 / kMeshEyeDistance + 1;
     vertex.projectedX = x2 * scale * perspective;
     vertex.depthY = y2 * scale;
     vertex.projectedZ = z2 * scale * perspective;
@@ -90,18 +88,6 @@ void MeasureDepths(std::span<const MeshVertex> vertices, std::span<MeshTriangle>
     }
     triangle.depth = depth;
   }
-}
-
-// The difference in steps of 0.0001, truncated to an integer and limited to its range, so that far apart stays far
-// apart. What is not a number goes before every number: counted as equal to all it would keep the rest from being
-// sorted.
-int CompareDepth(const void* first, const void* second) {
-  const double a = static_cast<const MeshTriangle*>(first)->depth;
-  const double b = static_cast<const MeshTriangle*>(second)->depth;
-  const double steps = (a - b) * kDepthStepsPerUnit;
-  if (std::isnan(steps)) return static_cast<int>(std::isnan(b)) - static_cast<int>(std::isnan(a));
-  constexpr double kLargest = std::numeric_limits<int>::max();
-  return static_cast<int>(std::clamp(steps, -kLargest, kLargest));
 }
 
 void ReverseShades(MeshVertex* ring, int from, int to) {
@@ -189,7 +175,7 @@ BOOL meshProject(HGLOBAL mesh) {
   const std::span usedTriangles(triangles, CountInUse(model->triangleCount, model->triangleCapacity));
   ProjectVertices(*model, {vertices, CountInUse(model->vertexCount, model->vertexCapacity)});
   MeasureDepths({vertices, model->vertexCapacity}, usedTriangles);
-  std::qsort(usedTriangles.data(), usedTriangles.size(), sizeof(MeshTriangle), CompareDepth);
+  SortByDepth(usedTriangles);
   meshUnlock(model);
   return TRUE;
 }

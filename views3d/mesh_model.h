@@ -18,6 +18,7 @@
 namespace kv {
 
 inline constexpr std::uint32_t kMeshTag = 0x20070806;
+inline constexpr double kMeshEyeDistance = 750;  // of the perspective, in units of the model
 
 // Without padding or alignment: in an array of 52-byte vertices every second one is off a double's natural place.
 #pragma pack(push, 1)
@@ -87,8 +88,8 @@ BOOL meshSetView(HGLOBAL mesh, double factor1, double factor2, double angleA, do
 BOOL meshGetAngles(HGLOBAL mesh, double* angleA, double* angleB, double* angleC);
 
 // Rotates and projects every vertex, then puts the triangles in drawing order: by ascending depth, so that nearer faces
-// are painted over farther ones. Depths less than 0.0001 apart count as equal, and their order is left to the sort.
-// Depths that are not numbers come first.
+// are painted over farther ones. Equal depths keep the order in which they stood; depths that are not numbers come
+// first.
 BOOL meshProject(HGLOBAL mesh);
 
 // Turns the shades of the vertices start+1 .. start+length one ring: a positive or zero shift by that many places,

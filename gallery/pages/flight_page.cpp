@@ -8,6 +8,7 @@
 #include "export/flight_track.h"
 #include "export/flight_track_view.h"
 #include "export/kml_export.h"
+#include "framework/angles.h"
 #include "framework/bounded_format.h"
 #include "framework/guards.h"
 #include "framework/painting.h"
@@ -21,7 +22,6 @@ namespace gallery {
 
 namespace {
 
-constexpr double kPi = 3.141592653589793;
 constexpr double kMetresPerPoint = 4;  // two points a second at 8 m/s
 constexpr COLORREF kPaper = RGB(0xFA, 0xFA, 0xF4), kInk = RGB(0x40, 0x40, 0xA0), kGround = RGB(0x60, 0x90, 0x50);
 constexpr size_t kShownBytes = 8000;
@@ -65,7 +65,7 @@ void Fly() {
     flyTo(outward ? 20 : kLane, across, altitude);
     for (int i = 1; i <= 8; ++i) {
       const double along = 20 + (kLane - 20) * (outward ? i : 8 - i) / 8;
-      flyTo(along, across, altitude + 4 * std::sin(along / kLane * kPi));
+      flyTo(along, across, altitude + 4 * std::sin(along / kLane * kv::kPi));
     }
   }
   flyTo(0, 0, kSurveyAltitude);

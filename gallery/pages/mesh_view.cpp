@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "framework/angles.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
 #include "framework/picture.h"
@@ -24,8 +25,6 @@ constexpr int kOversampling = 2;
 constexpr double kTurnPerPicture = 0.5, kDegreesPerPixel = 0.5, kBankDegrees = 5;
 // Model units that fill the window; its height takes in more when the craft is seen from above or below.
 constexpr double kFittingWidth = 530, kFittingHeight = 260, kFittingHeightFromAbove = 500;
-constexpr double kRadiansPerDegree = 0.017453292519943295;
-constexpr double kEyeDistance = 750;  // of the mesh model's perspective
 constexpr std::uint32_t kSkyTop = 0x0C1018, kSkyBottom = 0x26344A, kGlassTint = 0xB8D4FF;
 
 struct MeshView {
@@ -50,7 +49,7 @@ struct Vector {
 
 // Where the vertex stands after turning, before perspective.
 Vector TurnedPlace(const kv::MeshVertex& vertex, double scale) {
-  const double perspective = vertex.depthY / (scale * kEyeDistance) + 1;
+  const double perspective = vertex.depthY / (scale * kv::kMeshEyeDistance) + 1;
   return {vertex.projectedX / perspective, vertex.depthY, vertex.projectedZ / perspective};
 }
 
@@ -112,7 +111,7 @@ int DrawMesh(HGLOBAL mesh, const Raster& raster) {
 }
 
 double FittingScale(const MeshView& view) {
-  const double fromAbove = std::fabs(std::sin(view.tilt * kRadiansPerDegree));
+  const double fromAbove = std::fabs(std::sin(kv::Radians(view.tilt)));
   const double height = kFittingHeight + (kFittingHeightFromAbove - kFittingHeight) * fromAbove;
   return std::min(view.size.cx / kFittingWidth, view.size.cy / height);
 }

@@ -4,13 +4,13 @@
 #include <span>
 #include <vector>
 
+#include "framework/angles.h"
 #include "views3d/mesh_model.h"
 
 namespace gallery {
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
 constexpr std::uint32_t kVertexRoom = 6000, kTriangleRoom = 10000;
 constexpr double kRotorReach = 158;  // from the middle to a motor
 constexpr double kRotorRadius = 92;
@@ -77,7 +77,7 @@ void AddTurned(Builder* to, const Vector& base, const Vector& axis, std::span<co
   const auto first = static_cast<std::uint32_t>(to->model->vertexCount);
   for (const ProfilePoint& point : profile) {
     for (int i = 0; i < around; ++i) {
-      const double angle = 2 * kPi * i / around;
+      const double angle = 2 * kv::kPi * i / around;
       const Vector offset =
           side * (std::cos(angle) * point.radius) + other * (std::sin(angle) * point.radius) + axis * point.along;
       AddVertex(to, base + Vector{offset.x * stretch.x, offset.y * stretch.y, offset.z * stretch.z});
@@ -97,7 +97,7 @@ void AddBall(Builder* to, const Vector& middle, double radius, std::uint32_t att
              const Vector& stretch = {1, 1, 1}, int steps = 10) {
   std::vector<ProfilePoint> profile;
   for (int i = 0; i <= steps; ++i) {
-    const double angle = kPi * i / steps;
+    const double angle = kv::kPi * i / steps;
     profile.push_back({radius * std::sin(angle), -radius * std::cos(angle)});
   }
   AddTurned(to, middle, {0, 0, 1}, profile, steps * 2, attributes, stretch);
@@ -127,7 +127,7 @@ void AddHull(Builder* to) {
 int AddRotor(Builder* to, const Vector& middle, bool backwards) {
   const std::uint32_t hub = AddVertex(to, middle);
   for (int i = 0; i < kRotorRing; ++i) {
-    const double angle = 2 * kPi * i / kRotorRing;
+    const double angle = 2 * kv::kPi * i / kRotorRing;
     const int behindBlade = (backwards ? kRotorRing - i : i) % (kRotorRing / 2);
     const auto shade = static_cast<std::uint8_t>(36 + 200 * std::exp(-behindBlade / 3.5));
     AddVertex(to, middle + Vector{std::cos(angle), std::sin(angle), 0} * kRotorRadius, shade);
@@ -139,7 +139,7 @@ int AddRotor(Builder* to, const Vector& middle, bool backwards) {
 }
 
 int AddArm(Builder* to, double degrees, std::uint32_t color, std::uint32_t lamp, bool backwards) {
-  const Vector direction{std::cos(degrees * kPi / 180), std::sin(degrees * kPi / 180), 0};
+  const Vector direction{std::cos(kv::Radians(degrees)), std::sin(kv::Radians(degrees)), 0};
   const Vector end = direction * kRotorReach;
   AddTube(to, direction * 61, end, 7.5, color, 8);  // from the hull's rim
   const ProfilePoint motor[] = {{0, -16}, {14, -14}, {16, -8}, {16, 8}, {14, 13}, {5, 14}, {5, 22}, {0, 23}};
@@ -163,7 +163,7 @@ void AddGroundRing(Builder* to, double inner, double outer, std::uint8_t shade) 
   constexpr std::uint32_t kAround = 72;
   const auto first = static_cast<std::uint32_t>(to->model->vertexCount);
   for (std::uint32_t i = 0; i < kAround; ++i) {
-    const double angle = 2 * kPi * i / kAround;
+    const double angle = 2 * kv::kPi * i / kAround;
     const Vector direction{std::cos(angle), std::sin(angle), 0};
     AddVertex(to, direction * inner + Vector{0, 0, kGroundLevel}, shade);
     AddVertex(to, direction * outer + Vector{0, 0, kGroundLevel}, shade);
@@ -176,7 +176,7 @@ void AddGroundRing(Builder* to, double inner, double outer, std::uint8_t shade) 
 }
 
 void AddGroundLine(Builder* to, double degrees, double length, std::uint8_t shade) {
-  const Vector along{std::cos(degrees * kPi / 180), std::sin(degrees * kPi / 180), 0};
+  const Vector along{std::cos(kv::Radians(degrees)), std::sin(kv::Radians(degrees)), 0};
   const Vector across = Vector{-along.y, along.x, 0} * 1.2;
   const Vector base{0, 0, kGroundLevel};
   const std::uint32_t a = AddVertex(to, base + along * length + across, shade);

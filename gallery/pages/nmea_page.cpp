@@ -3,12 +3,12 @@
 #include <richedit.h>
 
 #include <cmath>
-#include <numbers>
 #include <string>
 
 #include "export/nmea.h"
 #include "export/terminal_edit.h"
 #include "export/web_links.h"
+#include "framework/angles.h"
 #include "framework/bounded_format.h"
 #include "gallery/page.h"
 #include "gallery/pages/nmea_ids.h"
@@ -27,11 +27,11 @@ int step = 0;
 // A boat on a round of two minutes near the Greenwich meridian, so that the longitude changes its letter.
 kv::GprmcFix FixAt(int sentence) {
   constexpr double kCenterLatitude = 50.7, kCenterLongitude = 0, kRadius = 0.04, kSentencesPerRound = 240;
-  const double angle = 2 * std::numbers::pi * sentence / kSentencesPerRound;
+  const double angle = 2 * kv::kPi * sentence / kSentencesPerRound;
   return {.latitude = kCenterLatitude + kRadius * std::cos(angle),
           .longitude = kCenterLongitude + kRadius * std::sin(angle),
           .speed = 6.5 + 1.5 * std::sin(3 * angle),
-          .course = std::fmod(90 + angle * 180 / std::numbers::pi, 360.0)};
+          .course = std::fmod(90 + kv::Degrees(angle), 360.0)};
 }
 
 void ShowValue(HWND page, int controlId, const wchar_t* format, double value) {

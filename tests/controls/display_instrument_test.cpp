@@ -86,13 +86,13 @@ class DisplayInstrument : public kvtest::ControlTest<RegisterDisplayInstrumentCl
 };
 
 TEST_F(DisplayInstrument, EveryModeStartsWithItsDefaults) {
-  // Mode, range, format, unit, name, name after a reset.
-  using Defaults = std::tuple<DWORD, float, float, int, std::string, std::string, std::string>;
-  const Defaults cases[] = {{0, 0, 100, 0, "%", "Relative", "Relative"},
-                            {9, 0, 100, 0, "%", "Relative", "Relative"},
-                            {2, 0, 100, 0, "%", "Relative", "Relative"},
-                            {4, -360, 360, 1, "\xB0", "Heading", "Compass"},
-                            {5, -100, 100, 0, "%", "Relative", "Compass"}};
+  // Mode, range, unit, then format and name as created and as reset.
+  using Defaults = std::tuple<DWORD, float, float, std::string, int, std::string, int, std::string>;
+  const Defaults cases[] = {{0, 0, 100, "%", 0, "Relative", 0, "Relative"},
+                            {9, 0, 100, "%", 0, "Relative", 0, "Relative"},
+                            {2, 0, 100, "%", 0, "Relative", 0, "Relative"},
+                            {4, -360, 360, "\xB0", 1, "Heading", 1, "Compass"},
+                            {5, -100, 100, "%", 0, "Relative", 1, "Compass"}};
   for (const Defaults& expected : cases) {
     const DWORD mode = std::get<0>(expected);
     HWND control = Create(mode);
@@ -100,8 +100,8 @@ TEST_F(DisplayInstrument, EveryModeStartsWithItsDefaults) {
     SetValue(control, 20, 0);
     EXPECT_EQ(0, Send(control, kCommandReset, nullptr));
     const InstrumentBlock reset = BlockOf(control);
-    EXPECT_EQ(expected,
-              Defaults(mode, block.minimum, block.maximum, block.format, block.szUnit, block.szName, reset.szName));
+    EXPECT_EQ(expected, Defaults(mode, reset.minimum, block.maximum, reset.szUnit, block.format, block.szName,
+                                 reset.format, reset.szName));
     EXPECT_EQ(0.0f, reset.current);
     EXPECT_EQ(0.0f, Record(control).target);
   }
@@ -191,7 +191,9 @@ TEST_F(DisplayInstrument, StyleTimeZoneAndBlockCommands) {
   block.current = 33;
   for (const DWORD version : {DWORD{1}, kInstrumentVersion}) {
     block.version = version;
+    ValidateRect(control, nullptr);
     Send(control, kCommandBlock, &block);
+    EXPECT_EQ(version != 1, GetUpdateRect(control, nullptr, FALSE) != FALSE);  // there is a next paint to show it
     EXPECT_EQ(version == 1 ? 0.0f : 33.0f, ValueOf(control));
     EXPECT_EQ(ValueOf(control), Record(control).target);
   }
@@ -253,6 +255,11 @@ TEST_F(DisplayInstrument, EveryLayoutShowsValueColourZoneDisabledAndMissingValue
     }
     SetValue(control, block.current);
     EXPECT_EQ(0, Shown(control, 100, 160).DifferencesFrom(first)) << mode;
+    InstrumentBlock none = block;
+    none.current = NAN;
+    Send(control, kCommandBlock | kCommandRedraw, &none);
+    SetValue(control, block.current);  // nothing of the face without a value stays
+    EXPECT_EQ(0, Shown(control, 100, 160).DifferencesFrom(first)) << mode;
     if (mode == kModeGauge || mode == kModeSegmentBar || mode == kModeCompass) {
       const InstrumentZone zone{20, 90, RGB(20, 220, 240), {}, 0};
       const auto bluish = [](COLORREF color, int, int) { return GetBValue(color) > 140 && GetRValue(color) < 60; };
@@ -290,6 +297,18 @@ TEST_F(DisplayInstrument, TheFaceIsKeptForNewValuesAndDrawnAnewOnCommand) {
   EXPECT_EQ(kOrange, Shown(control, 120, 120).At(2, 2));
   Send(control, kCommandRender, nullptr);
   EXPECT_NE(kOrange, Shown(control, 120, 120).At(2, 2));
+
+  // New colours of the system show at the next paint, whoever causes it.
+  const INT element = COLOR_BTNFACE;
+  const COLORREF before = GetSysColor(element), other = RGB(11, 99, 33);
+  for (const COLORREF color : {other, before}) {
+    SetSysColors(1, &element, &color);
+    RepaintNow(control);
+    EXPECT_EQ(color, Shown(control, 120, 120).At(2, 2));
+  }
+  const DWORD renderings = Renderings(control);
+  SendMessageA(control, WM_SYSCOLORCHANGE, 0, 0);
+  EXPECT_EQ(renderings + 1, Renderings(control));
 }
 
 TEST_F(DisplayInstrument, SegmentsGrowFromTheirEnd) {

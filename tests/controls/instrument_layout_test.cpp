@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <set>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -13,7 +14,7 @@
 #include "controls/instrument_dial.h"
 #include "controls/instrument_digital.h"
 #include "controls/instrument_digits.h"
-#include "controls/instrument_gauge.h"
+#include "controls/instrument_gauge_layout.h"
 #include "controls/instrument_segment_bar.h"
 #include "controls/instrument_text.h"
 
@@ -61,24 +62,25 @@ TEST(InstrumentBlock, RangeArithmeticBearsEveryInput) {
   EXPECT_FALSE(ReadingOf(Block(0, 10, 1, 0, NAN)).valid);
   EXPECT_EQ(10.0, ReadingOf(Block(0, 10, 1, 0, kInfinite)).value);
   EXPECT_EQ(0.0, FractionOf(ReadingOf(Block(0, 10, 1, 0, 0)), NAN));
-  EXPECT_DOUBLE_EQ(2.0, EffectiveStep(Block(0, 200, 0, 0, 0)));
-  EXPECT_DOUBLE_EQ(3.0, EffectiveStep(Block(0, 200, -3, 0, 0)));
 }
 
 TEST(InstrumentBlock, GlidingShortensTheWayByATenthAndJumpsOverAFifth) {
   EXPECT_FLOAT_EQ(51.0f, NextGlideStep(Block(0, 100, 1, 0, 50), 60).current);
   EXPECT_EQ(71.0f, NextGlideStep(Block(0, 100, 1, 0, 50), 71).current);
   EXPECT_FALSE(NextGlideStep(Block(0, 100, 1, 0, 59.5f), 60).moving);  // stays where it came to rest
-  // A step finer than the value's resolution must not keep the timer going for ever, nor a step of 0.
-  for (const float tiny : {1e-30f, 0.0f}) {
-    InstrumentBlock block = Block(0, 100, tiny, 0, 50);
-    GlideStep step = NextGlideStep(block, 60);
-    for (int ticks = 0; step.moving && ticks < 400; ++ticks, step = NextGlideStep(block, 60)) {
-      block.current = step.current;
+  // A step finer than the value's resolution leads all the way, and does not keep the timer going for ever.
+  for (const float tiny : {1e-30f, 0.0f, NAN, kInfinite}) {
+    for (const auto& [from, target] : {std::pair{45.0f, 50.0f}, {-1e-38f, 3.0f}, {NAN, 7.0f}}) {
+      InstrumentBlock block = Block(-100, 100, tiny, 0, from);
+      GlideStep step = NextGlideStep(block, target);
+      for (int ticks = 0; step.moving && ticks < 1200; ++ticks, step = NextGlideStep(block, target)) {
+        block.current = step.current;
+      }
+      EXPECT_FALSE(step.moving);
+      EXPECT_EQ(target, block.current) << from << " step " << tiny;
     }
-    EXPECT_FALSE(step.moving);
-    EXPECT_NEAR(60, block.current, 1);
   }
+  EXPECT_FALSE(NextGlideStep(Block(0, 1, 1, 0, NAN), NAN).moving);
 }
 
 TEST(InstrumentText, NamesAndUnitsAreReadInTheirEncodings) {
@@ -110,8 +112,10 @@ TEST(InstrumentText, FixedWidthKeepsTheLowDigits) {
   }
   EXPECT_GE(60u, FixedWidthNumber(3.4e38, 4, 2).size());
   for (const double wild : {1e300, static_cast<double>(NAN)}) EXPECT_FALSE(FixedWidthNumber(wild, 5, 7).empty());
-  EXPECT_EQ(L"1.2e9", ShortNumber(1.2e9));
-  EXPECT_EQ(L"-1.1e-7", ShortNumber(-1.1e-7));
+  using Forms = std::vector<std::wstring>;
+  EXPECT_EQ((Forms{L"1013.28", L"1013.3", L"1013"}), NumberForms(1013.28, 2, false));
+  EXPECT_EQ((Forms{L"1234567890", L"1.23e9"}), NumberForms(1234567890, 0, false));
+  EXPECT_EQ((Forms{L"-0.3", L"0"}), NumberForms(-0.3, 1, true));  // what rounds to zero has no sign
 }
 
 TEST(InstrumentText, WidthFollowsTheMaximum) {
@@ -163,6 +167,7 @@ TEST(InstrumentGauge, ScalesStandAtRoundNumbersInEveryRange) {
   EXPECT_EQ(3, large.exponent);
   EXPECT_DOUBLE_EQ(120, LabelValue(large, large.last));
   EXPECT_EQ(-6, ChooseScale(0, 0.00042, 10).exponent);
+  EXPECT_EQ(0, ChooseScale(99990, 100010, 4).exponent);  // 100005 beats 100.005 and a power
   for (const auto& [low, high] : {std::pair{-3.4e38, 3.4e38}, {1e9, 1e9 + 64}, {-1e-38, 1e-38}, {0.0, 7e-5}}) {
     const GaugeScale scale = ChooseScale(low, high, 10);
     EXPECT_GE(scale.last - scale.first, 2) << low;
@@ -179,17 +184,61 @@ TEST(InstrumentGauge, AnglesAndLabels) {
   // A label touches its circle from within, wherever it stands.
   EXPECT_NEAR(24, LabelCentre({100, 100}, 80, 0, {30, 10}).y, 1e-9);
   EXPECT_NEAR(165, LabelCentre({100, 100}, 80, 90, {30, 10}).x, 1e-9);
-  const PointD places[] = {{0, 0}, {20, 0}, {35, 9}};
-  const SIZE small[] = {{14, 8}, {14, 8}, {14, 8}}, wide[] = {{14, 8}, {24, 8}, {14, 8}};
-  EXPECT_FALSE(LabelsCollide(places, small, 2));
-  EXPECT_TRUE(LabelsCollide(places, wide, 2));
-
   const Dial dial = DialIn({10, 20, 310, 140});
   EXPECT_DOUBLE_EQ(160, dial.centre.x);
   EXPECT_DOUBLE_EQ(80, dial.centre.y);
   EXPECT_LT(dial.faceRadius, dial.radius);
   EXPECT_LE(dial.radius, 60);
   EXPECT_EQ(0, DialIn({0, 0, 3, 100}).radius);
+}
+
+// A font of plain proportions.
+SIZE MeasureByCount(const std::wstring& text, int height, int weight) {
+  return {std::lround(text.size() * height * (weight > FW_NORMAL ? 0.49 : 0.45)), height};
+}
+
+TEST(InstrumentGauge, NoTwoTextsTouchAtAnySizeAndRange) {
+  const std::tuple<float, float, int, float> ranges[] = {{99990, 100010, 2, 100003},
+                                                         {-500, 500, 0x10, 0},
+                                                         {0, 1e6, 0, 4e5f},
+                                                         {0.001f, 0.002f, 4, 0.0011f},
+                                                         {40, -10, 1, 0}};
+  for (int side = 4; side <= 620; side += side < 130 ? 1 : 35) {
+    for (const auto& [minimum, maximum, format, value] : ranges) {
+      InstrumentBlock block = Block(minimum, maximum, 1, static_cast<BYTE>(format), value);
+      strcpy(block.szName, "Barometer");
+      strcpy(block.szUnit, "ft/m");
+      const GaugeLayout layout = LayOutGauge({0, 0, side, side}, block, MeasureByCount);
+      const std::string what = std::to_string(side) + " px from " + std::to_string(minimum);
+      std::vector<RECT> boxes;
+      if (layout.dial.faceRadius >= kLeastFaceWithWindow) boxes.push_back(GaugeValueBox(layout.dial));
+      std::vector<GaugeText> texts = layout.labels;
+      for (const GaugeText& text : {layout.name, layout.unit}) {
+        if (text.height) texts.push_back(text);
+      }
+      for (const GaugeText& text : texts) {
+        boxes.push_back(text.box);
+        InflateRect(&boxes.back(), 0, -text.height / 10 - 1);  // the air of a font's cell
+        EXPECT_GE(text.height, 9);
+        EXPECT_NE(L"+0", text.text);
+      }
+      for (size_t i = 0; i < boxes.size(); ++i) {
+        for (size_t k = 0; k < i; ++k) {
+          RECT common;
+          EXPECT_FALSE(IntersectRect(&common, &boxes[i], &boxes[k])) << what;
+        }
+      }
+      EXPECT_TRUE(side < 90 || layout.unit.height) << what;
+      if (side >= 120) {
+        EXPECT_GE(layout.labels.size(), 3u) << what;
+        EXPECT_TRUE(side < 200 || (layout.name.height && layout.unit.box.top > layout.dial.centre.y)) << what;
+      }
+      if (side < 48) continue;
+      const GaugeText shown = LayOutGaugeValue(layout.dial, block, MeasureByCount);
+      EXPECT_GE(shown.height, 7) << what;
+      EXPECT_LE(MeasureByCount(shown.text, shown.height, shown.weight).cx, shown.box.right - shown.box.left) << what;
+    }
+  }
 }
 
 TEST(InstrumentCompass, HeadingsWrapAndTheCardTurnsAgainstThem) {
@@ -213,8 +262,11 @@ TEST(InstrumentDigits, CharactersAndSeparators) {
   EXPECT_EQ(0x06u, SegmentsOf('1'));
   EXPECT_EQ(static_cast<unsigned>(kSegmentMiddle), SegmentsOf('-'));
   EXPECT_EQ(0u, SegmentsOf(' ') | SegmentsOf('%'));
-  EXPECT_NE(SegmentsOf('-'), SegmentsOf('+'));
-  EXPECT_NE(SegmentsOf('N'), SegmentsOf('W'));
+  std::set<unsigned> shapes{0, SegmentsOf('-'), SegmentsOf('+')};
+  for (char letter = 'A'; letter <= 'Z'; ++letter) {
+    EXPECT_TRUE(shapes.insert(SegmentsOf(letter)).second) << letter;
+    EXPECT_EQ(SegmentsOf(letter), SegmentsOf(static_cast<char>(letter + 'a' - 'A')));
+  }
   const auto separators = [](const char* text, DWORD style) {
     std::string all;
     for (const DigitCell& cell : CellsOf(text, style)) all += " .:dms"[static_cast<int>(cell.separator)];
@@ -233,11 +285,9 @@ TEST(InstrumentDigits, CharactersFillTheAreaWithoutLeavingIt) {
       const DigitLayout layout = LayOutDigits(area, count);
       double left = 1e9, right = 0, top = 1e9, bottom = 0;
       for (int end = 0; end < 2 * kAllStrokes; ++end) {
-        for (const auto& part : CornersOf(layout, end % 2 ? count - 1 : 0, end / 2)) {
-          for (const PointD& corner : part) {
-            left = std::min(left, corner.x), right = std::max(right, corner.x);
-            top = std::min(top, corner.y), bottom = std::max(bottom, corner.y);
-          }
+        for (const PointD& corner : CornersOf(layout, end % 2 ? count - 1 : 0, end / 2)) {
+          left = std::min(left, corner.x), right = std::max(right, corner.x);
+          top = std::min(top, corner.y), bottom = std::max(bottom, corner.y);
         }
       }
       EXPECT_GE(left, area.left);
@@ -249,7 +299,7 @@ TEST(InstrumentDigits, CharactersFillTheAreaWithoutLeavingIt) {
   }
   // Slanted to the right, with a gap between neighbours.
   const DigitLayout layout = LayOutDigits({0, 0, 200, 100}, 2);
-  const auto upper = CornersOf(layout, 0, 5)[0], lower = CornersOf(layout, 0, 4)[0];
+  const auto upper = CornersOf(layout, 0, 5), lower = CornersOf(layout, 0, 4);
   EXPECT_GT(upper[0].x, lower[0].x + 1);
   EXPECT_GT(lower[0].y, upper[3].y + 0.5);
 }

@@ -1,0 +1,319 @@
+#include "controls/instrument_gauge_layout.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <utility>
+
+#include "controls/instrument_text.h"
+#include "framework/bounded_format.h"
+
+namespace kv {
+
+namespace {
+
+// Parts of the face's radius.
+constexpr double kLabelOuter = 0.77, kLabelHeight = 0.165, kLabelWidth = 0.52;  // at most so wide
+constexpr double kHubRoom = 0.13;                                              // hub with a little air
+constexpr double kTailEnd = 0.20;     // of the needle: rows of text begin below it
+constexpr double kNeedleRoom = 0.07;  // half the needle's thickness with a little air
+constexpr double kNameHeight = 0.16, kUnitHeight = 0.15, kAboveHub = 0.34, kAboveHeight = 0.24;
+constexpr double kValueMiddle = 0.76, kValueBottom = 0.92, kValueWidth = 0.80, kBareValueWidth = 1.15,
+                 kValueHeight = 0.26;
+
+constexpr double kLeastFaceWithLabels = 36, kLeastFaceWithName = 29;
+constexpr int kLeastHeight = 9;               // of a font that can be read
+constexpr double kLeastCaptionHeight = 0.09;  // of name and unit: on a large dial no tiny text
+constexpr int kLeastCutWidth = 26;            // of a name that ends in dots
+constexpr double kInk = 0.8;                  // part of a font's cell that is not air
+
+struct NiceStep {
+  double factor;
+  int parts;
+};
+constexpr NiceStep kNiceSteps[] = {{1, 5}, {2, 4}, {2.5, 5}, {5, 5}, {10, 5}};
+
+int PlacesFor(double step) {
+  for (int places = 0; places < 7; ++places) {
+    const double scaled = step * std::pow(10.0, places);
+    if (std::fabs(scaled - std::round(scaled)) < 1e-6 * scaled) return places;
+  }
+  return 7;
+}
+
+int LabelLength(double magnitude, double step) {
+  const int places = PlacesFor(step);
+  return std::max(1, static_cast<int>(std::floor(std::log10(magnitude) + 1e-9)) + 1) + (places > 0 ? places + 1 : 0);
+}
+
+// A power of ten has to be written beside the unit and read into every label: it must save more than that.
+int LabelExponent(double magnitude, double step) {
+  if (magnitude >= 1e-2 && magnitude < 1e4) return 0;
+  const int exponent = 3 * static_cast<int>(std::floor(std::log10(magnitude) / 3));
+  const double unit = std::pow(10.0, exponent);
+  return LabelLength(magnitude, step) <= LabelLength(magnitude / unit, step / unit) + 2 ? 0 : exponent;
+}
+
+int Round(double value) {
+  return static_cast<int>(std::lround(value));
+}
+
+RECT BoxAt(PointD centre, double width, double height) {
+  const int left = Round(centre.x - width / 2), top = Round(centre.y - height / 2);
+  return {left, top, left + Round(width), top + Round(height)};
+}
+
+// What a text covers of its box.
+RECT InkOf(RECT box) {
+  const LONG air = std::lround((box.bottom - box.top) * (1 - kInk) / 2);
+  return {box.left, box.top + air, box.right, box.bottom - air};
+}
+
+bool Touch(const RECT& first, const RECT& second, double gap) {
+  return first.left < second.right + gap && second.left < first.right + gap && first.top < second.bottom + gap &&
+         second.top < first.bottom + gap;
+}
+
+// A dial while texts are put on it.
+struct Room {
+  Dial dial;
+  double gap;
+  std::vector<RECT> taken;
+};
+
+// Where a row of text may stand, from the dial's middle downwards.
+struct Band {
+  double top, bottom;
+};
+
+// Half the width that a row around the dial's vertical axis may take. Below the hub the needle never comes; its ways to
+// the two ends of the scale bound the row there.
+double FreeHalf(const Room& room, double top, double bottom) {
+  const PointD centre = room.dial.centre;
+  const double face = room.dial.faceRadius, reach = std::max(std::fabs(top), std::fabs(bottom));
+  const double within = kLabelOuter * face;
+  double half = reach < within ? std::sqrt(within * within - reach * reach) : 0;
+  if (top > 0) half = std::min(half, (top + bottom) / 2 - kNeedleRoom * face);
+  for (const RECT& box : room.taken) {
+    if (box.bottom <= centre.y + top || box.top >= centre.y + bottom) continue;
+    half = std::min(half, std::max(box.left - centre.x, centre.x - box.right) - room.gap);
+  }
+  return half;
+}
+
+double FreeHalf(const Room& room, const Band& band, int height) {
+  const double middle = (band.top + band.bottom) / 2, ink = height * kInk / 2;
+  return FreeHalf(room, middle - ink, middle + ink);
+}
+
+GaugeText TextIn(const Room& room, const Band& band, const std::wstring& text, int height, double half) {
+  const PointD middle{room.dial.centre.x, room.dial.centre.y + (band.top + band.bottom) / 2};
+  return {text, height, FW_NORMAL, BoxAt(middle, 2 * half, height)};
+}
+
+int LeastHeight(const Room& room) {
+  return std::max(kLeastHeight, Round(kLeastCaptionHeight * room.dial.faceRadius));
+}
+
+// The text in the largest font up to `wanted` in which the band takes all of it; not shown when none is.
+GaugeText FitText(const Room& room, const Band& band, const std::wstring& text, double wanted,
+                  const MeasureText& measure) {
+  const int least = LeastHeight(room);
+  int height = std::max(least, Round(std::min(wanted, (band.bottom - band.top) / kInk)));
+  while (true) {
+    const double width = measure(text, height, FW_NORMAL).cx, half = FreeHalf(room, band, height);
+    if (width <= 2 * half) return TextIn(room, band, text, height, width / 2 + 1);
+    if (height == least) return {};
+    height = std::clamp(Round(height * 2 * half / width) + 1, least, height - 1);
+  }
+}
+
+std::vector<Band> BandsOf(const Room& room) {
+  const double face = room.dial.faceRadius, top = kTailEnd * face;
+  const double bottom = GaugeValueBox(room.dial).top - room.dial.centre.y, middle = (top + bottom) / 2;
+  const Band above{-(kAboveHub + kAboveHeight / 2) * face, -(kAboveHub - kAboveHeight / 2) * face};
+  if (middle - top < kLeastHeight * kInk) return {{top, bottom}, above};
+  return {{top, middle}, {middle, bottom}, above};
+}
+
+struct Captions {
+  GaugeText name, unit;
+  bool nameFits, unitFits;
+  int Score() const { return nameFits + 2 * unitFits; }
+};
+
+// The unit at the hub and the name beneath it, or as they fit better; above the hub, where the needle passes over, only
+// what finds no room below.
+Captions PlaceCaptions(const Room& room, const std::wstring& name, const std::wstring& unit,
+                       const MeasureText& measure) {
+  const double face = room.dial.faceRadius;
+  const std::vector<Band> bands = BandsOf(room);
+  // Of unit and name; the band above is the last.
+  constexpr std::pair<size_t, size_t> kPairs[] = {{0, 1}, {1, 0}, {0, 2}, {1, 2}, {2, 0}, {2, 1}};
+  Captions best{{}, {}, false, false};
+  for (const auto& [ofUnit, ofName] : kPairs) {
+    if (std::max(ofUnit, ofName) >= bands.size()) break;
+    Captions tried{FitText(room, bands[ofName], name, kNameHeight * face, measure),
+                   FitText(room, bands[ofUnit], unit, kUnitHeight * face, measure), false, false};
+    tried.nameFits = tried.name.height > 0;
+    tried.unitFits = tried.unit.height > 0;
+    if (tried.Score() > best.Score()) best = std::move(tried);
+    if (best.Score() == 3) break;
+  }
+  return best;
+}
+
+// A name that fits nowhere is cut where there is most room.
+void PlaceCutName(const Room& room, const std::wstring& name, Captions* captions) {
+  double widest = kLeastCutWidth / 2.0;
+  for (const Band& band : BandsOf(room)) {
+    const int height = LeastHeight(room);
+    const double half = FreeHalf(room, band, height);
+    const GaugeText cut = TextIn(room, band, name, height, half);
+    if (half < widest || (captions->unitFits && Touch(InkOf(cut.box), InkOf(captions->unit.box), 0))) continue;
+    widest = half + 0.5;
+    captions->name = cut;
+  }
+}
+
+std::vector<GaugeText> PlaceLabels(const Room& room, const InstrumentBlock& block, const GaugeScale& scale,
+                                   const MeasureText& measure) {
+  const Dial& dial = room.dial;
+  const InstrumentReading reading = ReadingOf(block);
+  const int height = std::max(kLeastHeight, Round(dial.faceRadius * kLabelHeight));
+  std::vector<GaugeText> labels;
+  for (long long index = scale.first; index <= scale.last; ++index) {
+    const std::wstring text =
+        PlainNumber(LabelValue(scale, index), scale.labelPlaces, (block.format & kFormatSign) != 0);
+    const SIZE size = measure(text, height, FW_SEMIBOLD);
+    const double angle = GaugeAngle(reading, static_cast<double>(index) * scale.step);
+    const PointD centre = LabelCentre(dial.centre, dial.faceRadius * kLabelOuter, angle, size);
+    labels.push_back({text, height, FW_SEMIBOLD, BoxAt(centre, size.cx, size.cy)});
+  }
+  return labels;
+}
+
+// Whether the labels keep apart from each other and from what is there; they then take their places.
+bool TakePlaces(const std::vector<GaugeText>& labels, Room* room) {
+  const double widest = kLabelWidth * room->dial.faceRadius;
+  for (const GaugeText& label : labels) {
+    const RECT ink = InkOf(label.box);
+    if (ink.right - ink.left > widest) return false;
+    if (std::any_of(room->taken.begin(), room->taken.end(),
+                    [&](const RECT& other) { return Touch(ink, other, room->gap); })) {
+      return false;
+    }
+    room->taken.push_back(ink);
+  }
+  return true;
+}
+
+std::wstring UnitText(const InstrumentBlock& block, int exponent) {
+  const std::wstring unit = InstrumentUnit(block);
+  if (exponent == 0) return unit;
+  wchar_t scaled[32];
+  if (exponent == 3) {
+    FormatBounded(scaled, sizeof(scaled), L"\u00D71000 %s", unit.c_str());
+  } else {
+    FormatBounded(scaled, sizeof(scaled), L"\u00D71E%ld %s", static_cast<long>(exponent), unit.c_str());
+  }
+  return scaled;
+}
+
+}  // namespace
+
+double GaugeAngle(const InstrumentReading& reading, double value) {
+  return kGaugeStart + kGaugeSweep * FractionOf(reading, value);
+}
+
+GaugeScale ChooseScale(double minimum, double maximum, int mostIntervals) {
+  const double low = std::min(minimum, maximum), high = std::max(minimum, maximum);
+  const double raw = (high - low) / std::max(mostIntervals, 1);
+  const double power = std::pow(10.0, std::floor(std::log10(raw)));
+  const auto* nice = std::find_if(std::begin(kNiceSteps), std::end(kNiceSteps) - 1, [raw, power](const NiceStep& step) {
+    return raw <= step.factor * power * (1 + 1e-9);
+  });
+  const double step = nice->factor * power, slack = 1e-6;
+  const int exponent = LabelExponent(std::max(std::fabs(low), std::fabs(high)), step);
+  return {.step = step,
+          .parts = nice->parts,
+          .first = static_cast<long long>(std::ceil(low / step - slack)),
+          .last = static_cast<long long>(std::floor(high / step + slack)),
+          .exponent = exponent,
+          .labelPlaces = PlacesFor(step / std::pow(10.0, exponent))};
+}
+
+double LabelValue(const GaugeScale& scale, long long index) {
+  return static_cast<double>(index) * scale.step / std::pow(10.0, scale.exponent);
+}
+
+PointD LabelCentre(PointD centre, double radius, double degrees, SIZE label) {
+  const PointD direction = PolarPoint({0, 0}, 1, degrees);
+  // A text fills its box like an ellipse: that keeps all labels at one apparent distance from the marks.
+  const double extent = std::hypot(direction.x * label.cx / 2, direction.y * label.cy / 2 * kInk);
+  return PolarPoint(centre, radius - extent, degrees);
+}
+
+GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, const MeasureText& measure) {
+  const Dial dial = DialIn(area);
+  const double face = dial.faceRadius;
+  const InstrumentReading reading = ReadingOf(block);
+  GaugeLayout layout{dial, ChooseScale(reading.minimum, reading.maximum, 10), {}, {}, {}};
+  if (face < kLeastFaceWithName) return layout;
+  const Room empty{dial,
+                   std::max(2.0, face * 0.04),
+                   {BoxAt(dial.centre, 2 * kHubRoom * face, 2 * kHubRoom * face), GaugeValueBox(dial)}};
+  const std::wstring name = InstrumentName(block);
+  Room chosen = empty;
+  Captions captions{{}, {}, false, false};
+  if (face >= kLeastFaceWithLabels) {
+    // The finest scale that leaves room for name and unit. A name is not worth a scale of less than four parts.
+    for (const int intervals : {10, 8, 6, 5, 4, 2}) {
+      const GaugeScale scale = ChooseScale(reading.minimum, reading.maximum, intervals);
+      std::vector<GaugeText> labels = PlaceLabels(empty, block, scale, measure);
+      Room room = empty;
+      if ((intervals < 4 && !layout.labels.empty()) || !TakePlaces(labels, &room)) continue;
+      Captions placed = PlaceCaptions(room, name, UnitText(block, scale.exponent), measure);
+      if (scale.exponent != 0 && !placed.unitFits) continue;
+      if (!layout.labels.empty() && placed.Score() <= captions.Score()) continue;
+      captions = std::move(placed);
+      chosen = std::move(room);
+      layout.scale = scale;
+      layout.labels = std::move(labels);
+      if (captions.Score() == 3) break;
+    }
+  }
+  if (layout.labels.empty()) captions = PlaceCaptions(chosen, name, InstrumentUnit(block), measure);
+  if (!captions.nameFits) PlaceCutName(chosen, name, &captions);
+  layout.name = std::move(captions.name);
+  layout.unit = std::move(captions.unit);
+  return layout;
+}
+
+RECT GaugeValueBox(const Dial& dial) {
+  const double face = dial.faceRadius, height = std::max(10.0, face * kValueHeight);
+  const double middle = std::min(kValueMiddle * face, kValueBottom * face - height / 2);
+  const double width = face < kLeastFaceWithLabels ? kBareValueWidth : kValueWidth;
+  return BoxAt({dial.centre.x, dial.centre.y + middle}, std::max(24.0, face * width), height);
+}
+
+GaugeText LayOutGaugeValue(const Dial& dial, const InstrumentBlock& block, const MeasureText& measure) {
+  const InstrumentReading reading = ReadingOf(block);
+  const RECT box = GaugeValueBox(dial);
+  const int room = box.right - box.left - 2, wanted = Round(std::max(10.0, dial.faceRadius * 0.25));
+  const std::vector<std::wstring> forms =
+      reading.valid ? NumberForms(reading.value, block.format & kFormatPlaces, (block.format & kFormatSign) != 0)
+                    : std::vector<std::wstring>{L"---"};
+  // A number cut at its end would be a wrong one: the last form becomes as small as it must.
+  for (const std::wstring& form : forms) {
+    const int least = &form == &forms.back() ? 1 : kLeastHeight;
+    for (int height = wanted; height >= least;) {
+      const int width = measure(form, height, FW_BOLD).cx;
+      if (width <= room) return {form, height, FW_BOLD, box};
+      height = std::min(height - 1, MulDiv(height, room, width));
+    }
+  }
+  return {};
+}
+
+}  // namespace kv
