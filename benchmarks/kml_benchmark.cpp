@@ -73,7 +73,7 @@ void WriteWithRunTime(const wchar_t* path, const kv::FlightTrack& track,
   RUN_TIME_FWPRINTF(file, KmlTemplateText(KmlTemplate::kHeader), previous.longitude, previous.latitude, 0.0, 0.0, 0.0,
                     0.0);
   RUN_TIME_FWPRINTF(file, KmlTemplateText(KmlTemplate::kTrackHead), 0xFF00FF00ul, 5l, 0xC02FFF2Ful, 0l, 1l);
-  const wchar_t* line = KmlTemplateText(KmlTemplate::kCoordinateLine);
+  const wchar_t* line = L"    %.10f,%.10f,%.1f\n";
   for (const auto& point : points) {
     const kv::GeodeticPosition at = kv::PositionFromLocal(frame, point.dX, point.dY);
     if (point.dAltitude != altitude) {

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 
 #include "framework/bounded_format.h"
 
@@ -27,10 +28,11 @@ constexpr std::uint32_t kPowersOfTen[6] = {1, 10, 100, 1000, 10000, 100000};
 constexpr int kDigitsPerStep = 5;
 
 char* PutFixedByRunTime(char* to, double value, int decimals) {
-  wchar_t text[kFixedNumberRoom + 1];
-  FormatBounded(text, sizeof(text), L"%.*f", decimals, value);
-  for (const wchar_t* from = text; *from; ++from) *to++ = static_cast<char>(*from);
-  return to;
+  char text[kFixedNumberRoom + 1];
+  FormatBoundedA(text, sizeof(text), "%.*f", decimals, value);
+  const size_t length = std::strlen(text);
+  std::memcpy(to, text, length);
+  return to + length;
 }
 
 // Multiplies a fraction in units of 2^-64 by `factor`: the whole part is returned, the rest stays in `fraction`.

@@ -1,5 +1,5 @@
-// Numbers in fixed-point notation, character for character what the C run-time's "%.10f" and its like print, but
-// several times faster. Any thread; no state.
+// Numbers in fixed-point notation, character for character what the C run-time's "%.10f" and its like print in the "C"
+// locale, but several times faster. Any thread; no state.
 #pragma once
 
 #include <cstddef>

@@ -2,6 +2,7 @@
 
 #include <shlobj.h>
 
+#include <cmath>
 #include <cstdarg>
 #include <cstring>
 #include <cwchar>
@@ -53,7 +54,7 @@ char* PutText(char* to, std::string_view text) {
   return to + text.size();
 }
 
-// One line as KmlTemplate::kCoordinateLine prints it, from numbers that are text already.
+// One line of coordinates, "%.10f,%.10f,%.1f" behind the indent, from numbers that are text already.
 void WriteLine(TextFile& file, std::string_view indent, const NumberText& position, const NumberText& altitude) {
   char* end = PutText(file.LineRoom(), indent);
   end = PutText(end, position.view());
@@ -68,7 +69,7 @@ void WriteFormatted(TextFile& file, const wchar_t* format, ...) {
   wchar_t text[4096];
   va_list arguments;
   va_start(arguments, format);
-  FormatBoundedV(text, std::size(text), format, arguments);
+  FormatPlainV(text, std::size(text), format, arguments);
   va_end(arguments);
   for (const wchar_t* from = text; *from; ++from) {
     const char character = static_cast<char>(*from);
@@ -87,8 +88,8 @@ void WriteTrackHead(TextFile& file, const KmlSettings& settings) {
                  settings.dwFlags & kKmlTessellate ? 1L : 0L);
 }
 
-// Every change of altitude becomes a vertical step: the line first climbs or sinks at the place where it was. A track
-// of a million points is common, and most of the time goes into printing numbers, so each number is printed once only.
+// Every change of altitude becomes a vertical step: the line first climbs or sinks at the place where it was. Nearly
+// all the time goes into printing numbers, so each number is printed once only.
 void WriteCoordinates(TextFile& file, const LocalFrame& frame, std::span<const FlightTrackPoint> points) {
   NumberText positions[2], altitude;
   NumberText *position = &positions[0], *previous = &positions[1];
@@ -98,11 +99,11 @@ void WriteCoordinates(TextFile& file, const LocalFrame& frame, std::span<const F
   double previousAltitude = first.dAltitude;
   for (const FlightTrackPoint& point : points) {
     PutPosition(*position, PositionFromLocal(frame, point.dX, point.dY));
-    if (point.dAltitude != previousAltitude) {
-      PutAltitude(altitude, point.dAltitude);
-      WriteLine(file, kCoordinateIndent, *previous, altitude);
-      previousAltitude = point.dAltitude;
-    }
+    const bool step = point.dAltitude != previousAltitude;
+    // Zeros of either sign are equal, but not as texts.
+    if (step || std::signbit(point.dAltitude) != std::signbit(previousAltitude)) PutAltitude(altitude, point.dAltitude);
+    if (step) WriteLine(file, kCoordinateIndent, *previous, altitude);
+    previousAltitude = point.dAltitude;
     WriteLine(file, kCoordinateIndent, *position, altitude);
     std::swap(position, previous);
   }

@@ -45,9 +45,6 @@ constexpr const wchar_t* kTemplates[] = {
    <altitudeMode>relativeToGround</altitudeMode>
    <coordinates>
 )",
-    // kCoordinateLine
-    LR"(    %.10f,%.10f,%.1f
-)",
     // kTrackTail
     LR"(    </coordinates>
    </LineString>

@@ -7,12 +7,11 @@
 namespace kv {
 
 enum class KmlTemplate : size_t {
-  kHeader,          // longitude, latitude, altitude, range, tilt, heading (double)
-  kFooter,          // closes what the header opened
-  kTrackHead,       // line colour, line width, fill colour, extrude, tessellate (long)
-  kCoordinateLine,  // longitude, latitude, altitude (double)
-  kTrackTail,       // closes what the track head opened
-  // A placemark for a single point. No operation writes one; the table keeps the texts for the day one does.
+  kHeader,     // longitude, latitude, altitude, range, tilt, heading (double)
+  kFooter,     // closes what the header opened
+  kTrackHead,  // line colour, line width, fill colour, extrude, tessellate (long)
+  kTrackTail,  // closes what the track head opened
+  // A placemark for a single point. No operation of ours writes one; a host may.
   kPointHead,  // name (wide text)
   kPoint,      // longitude, latitude, altitude (double)
   kPointTail,  // closes what the point head opened

@@ -1,29 +1,20 @@
 #include "export/nmea.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstring>
 
 #include "framework/bounded_format.h"
+#include "framework/whole_number.h"
 
 namespace kv {
-
-namespace {
-
-int TruncateToInt(double value) {
-  if (std::isnan(value)) return 0;
-  return static_cast<int>(std::clamp(value, -2147483648.0, 2147483647.0));
-}
-
-}  // namespace
 
 AngleParts SplitAngle(double angle) {
   const double magnitude = std::abs(angle);
   AngleParts parts{};
-  parts.degrees = TruncateToInt(magnitude);
+  parts.degrees = ToInt(magnitude);
   const double fraction = magnitude - parts.degrees;
-  parts.minutes = TruncateToInt(fraction * 60);
-  parts.seconds = TruncateToInt((fraction - parts.minutes / 60.0) * 3600);
+  parts.minutes = ToInt(fraction * 60);
+  parts.seconds = ToInt((fraction - parts.minutes / 60.0) * 3600);
   return parts;
 }
 

@@ -1,21 +1,52 @@
 #include "framework/bounded_format.h"
 
+#include <clocale>
+#include <cstdint>
 #include <cstdio>
+#include <cwchar>
 
 namespace kv {
 
 namespace {
 
-// What the run-time's bounded formatters leave to do. They answer -1 when the text is longer than the room or cannot be
-// formatted, and leave a text of exactly `room` characters without a terminator.
+// What the run-time's formatters take for the locale that setlocale has set.
+constexpr _locale_t kHostLocale = nullptr;
+
+_locale_t PlainLocale() {
+  static const _locale_t locale = _create_locale(LC_ALL, "C");
+  return locale;
+}
+
+bool IsBadFormat(const char* format) {
+  return IsBadStringPtrA(format, UINT_MAX);
+}
+
+bool IsBadFormat(const wchar_t* format) {
+  return IsBadStringPtrW(format, UINT_MAX);
+}
+
+// The run-time's own functions and not the standard ones: only their wide "%s" reads wide text in every tool chain.
+int Print(char* buffer, size_t room, const char* format, _locale_t locale, va_list arguments) {
+  return _vsnprintf_l(buffer, room, format, locale, arguments);
+}
+
+int Print(wchar_t* buffer, size_t room, const wchar_t* format, _locale_t locale, va_list arguments) {
+  return _vsnwprintf_l(buffer, room, format, locale, arguments);
+}
+
 template <class Character>
-HRESULT Terminate(Character* buffer, size_t room, int length) {
-  if (length < 0 || static_cast<size_t>(length) > room) {
-    buffer[room] = 0;
-    return kFormatCut;
+HRESULT Format(Character* buffer, size_t size, const Character* format, _locale_t locale, va_list arguments) {
+  if (size == 0 || size > SIZE_MAX / sizeof(Character) || IsBadWritePtr(buffer, size * sizeof(Character)) ||
+      IsBadFormat(format)) {
+    return kFormatRefused;
   }
-  if (static_cast<size_t>(length) == room) buffer[room] = 0;
-  return kFormatDone;
+  const size_t room = size - 1;
+  const int length = Print(buffer, room, format, locale, arguments);
+  // They answer -1 when the text is longer than the room or cannot be formatted, and leave a text of exactly `room`
+  // characters without a terminator.
+  const bool fits = length >= 0 && static_cast<size_t>(length) <= room;
+  if (!fits || static_cast<size_t>(length) == room) buffer[room] = 0;
+  return fits ? kFormatDone : kFormatCut;
 }
 
 }  // namespace
@@ -29,20 +60,19 @@ HRESULT FormatBounded(wchar_t* buffer, size_t sizeBytes, const wchar_t* format, 
 }
 
 HRESULT FormatBoundedV(wchar_t* buffer, size_t sizeCharacters, const wchar_t* format, va_list arguments) {
-  if (sizeCharacters == 0) return kFormatNoRoom;
-  const size_t room = sizeCharacters - 1;
-  // The run-time's own function and not the standard one: only its wide "%s" reads wide text in every tool chain.
-  return Terminate(buffer, room, _vsnwprintf(buffer, room, format, arguments));
+  return Format(buffer, sizeCharacters, format, kHostLocale, arguments);
+}
+
+HRESULT FormatPlainV(wchar_t* buffer, size_t sizeCharacters, const wchar_t* format, va_list arguments) {
+  return Format(buffer, sizeCharacters, format, PlainLocale(), arguments);
 }
 
 HRESULT FormatBoundedA(char* buffer, size_t sizeBytes, const char* format, ...) {
-  if (sizeBytes == 0) return kFormatNoRoom;
-  const size_t room = sizeBytes - 1;
   va_list arguments;
   va_start(arguments, format);
-  const int length = _vsnprintf(buffer, room, format, arguments);
+  const HRESULT result = Format(buffer, sizeBytes, format, PlainLocale(), arguments);
   va_end(arguments);
-  return Terminate(buffer, room, length);
+  return result;
 }
 
 }  // namespace kv

@@ -10,6 +10,8 @@
 #include <random>
 #include <string>
 
+#include "tests/support/comma_locale.h"
+
 namespace kv {
 namespace {
 
@@ -25,12 +27,14 @@ std::string RunTimes(double value, int decimals) {
 }
 
 TEST(FixedNumber, PrintsWhatIsPlain) {
+  const kvtest::CommaLocale commas;
   EXPECT_EQ("8.5417000000", Ours(8.5417, 10));
   EXPECT_EQ("-179.9999999999", Ours(-179.99999999994, 10));
   EXPECT_EQ("-180.0000000000", Ours(-179.99999999996, 10));  // a carry through all digits
   EXPECT_EQ("1000.0", Ours(999.96, 1));
   EXPECT_EQ("-0.0000000000", Ours(-1e-300, 10));
   EXPECT_EQ("1000000000.0", Ours(999999999.99, 1));  // the carry leaves the fast range
+  EXPECT_EQ("0.5", Ours(0.45000000000000001, 1));    // the run-time decides
 }
 
 TEST(FixedNumber, EqualsTheRunTime) {

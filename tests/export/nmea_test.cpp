@@ -9,6 +9,7 @@
 
 #include "export/web_links.h"
 #include "framework/shell_launch.h"
+#include "tests/support/comma_locale.h"
 #include "tests/support/test_window.h"
 
 namespace {
@@ -25,6 +26,7 @@ std::string SentenceOf(const kv::GprmcFix& fix, const SYSTEMTIME& time = kTime) 
 }
 
 TEST(Nmea, PutsEveryFieldInItsPlace) {
+  const kvtest::CommaLocale commas;
   EXPECT_EQ("$GPRMC,070342.09,A,4830.0000,N,1115.0000,W,5.3,123.5,090308,0.0,E,*",
             SentenceOf({48.5, -11.25, 5.25001, 123.46}));
   // Seconds are cut, not rounded; zero counts as north and east; 100 degrees and more lengthen the sentence.

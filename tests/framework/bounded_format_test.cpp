@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "tests/support/test_window.h"
 
 namespace {
@@ -25,8 +27,28 @@ TEST(BoundedFormat, FitsOrCutsAtTheSize) {
   EXPECT_EQ(kv::kFormatDone, kv::FormatBoundedA(bytes, 5, "%s%d", "ab", 34));
   EXPECT_STREQ("ab34", bytes);
   EXPECT_EQ(kv::kFormatCut, kv::FormatBoundedA(bytes, 5, "%d", 123456));
-  EXPECT_EQ(kv::kFormatNoRoom, kv::FormatBoundedA(bytes, 0, "no"));
+  EXPECT_EQ(kv::kFormatRefused, kv::FormatBoundedA(bytes, 0, "no"));
   EXPECT_STREQ("1234", bytes);
+}
+
+TEST(BoundedFormat, RefusesBadPointers) {
+  kvtest::GuardedBytes memory(8);
+  auto *wide = memory.as<wchar_t>(), *noWide = static_cast<wchar_t*>(nullptr);
+  auto *bytes = memory.as<char>(), *noBytes = static_cast<char*>(nullptr);
+  std::memset(memory.data(), 'a', 8);  // without a terminator: no format
+  for (const size_t size : {size_t{64}, ~size_t{0}}) {
+    EXPECT_EQ(kv::kFormatRefused, kv::FormatBounded(noWide, size, L"x"));
+    EXPECT_EQ(kv::kFormatRefused, kv::FormatBounded(wide, size, L"x"));
+    EXPECT_EQ(kv::kFormatRefused, kv::FormatBoundedV(wide, size, L"x", {}));
+    EXPECT_EQ(kv::kFormatRefused, kv::FormatBoundedA(noBytes, size, "x"));
+  }
+  wchar_t text[8] = L"kept";
+  char textA[8] = "kept";
+  for (const auto* format : {noWide, wide}) EXPECT_EQ(kv::kFormatRefused, kv::FormatBounded(text, 16, format));
+  for (const auto* format : {noBytes, bytes}) EXPECT_EQ(kv::kFormatRefused, kv::FormatBoundedA(textA, 8, format));
+  EXPECT_STREQ(L"kept", text);
+  EXPECT_STREQ("kept", textA);
+  EXPECT_EQ(0, std::memcmp(bytes, "aaaaaaaa", 8));
 }
 
 }  // namespace
