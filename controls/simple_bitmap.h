@@ -27,13 +27,14 @@
 
 #include <windows.h>
 
+#include "framework/control_kind.h"
+
 namespace kv {
 
 inline constexpr char kSimpleBitmapClass[] = "kvSimpleBitmap";
 
 inline constexpr DWORD kBitmapTransparent = 0x0002;
-inline constexpr DWORD kBitmapSquareByWidth = 0x0010;
-inline constexpr DWORD kBitmapSquareByHeight = 0x0020;
+// kBitmapSquareByWidth and kBitmapSquareByHeight are those of framework/control_kind.h.
 
 inline constexpr WORD kBitmapLeftClick = 1;
 inline constexpr WORD kBitmapRightClick = 2;

@@ -25,7 +25,7 @@ constexpr struct {
 }  // namespace
 
 ControlKind ClassifyClassName(const char* className) {
-  if (IsBadReadPtr(className, 1)) return kControlOther;
+  if (IsBadStringPtrA(className, kClassNameCharacters - 1)) return kControlOther;
   char name[kClassNameCharacters];
   lstrcpynA(name, className, kClassNameCharacters);
   CharUpperA(name);

@@ -17,6 +17,11 @@ enum ControlKind {
   kControlSimpleBitmap = 8,
 };
 
+// Styles of the bitmap control (controls/simple_bitmap.h). Scaled with its dialog, its height follows the width's
+// scale, or its width the height's, so that the picture keeps its proportions.
+inline constexpr DWORD kBitmapSquareByWidth = 0x0010;
+inline constexpr DWORD kBitmapSquareByHeight = 0x0020;
+
 // Only this many characters of a class name are looked at, the terminator included.
 inline constexpr int kClassNameCharacters = 64;
 

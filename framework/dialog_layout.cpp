@@ -4,7 +4,6 @@
 #include <array>
 #include <cmath>
 
-#include "framework/control_class.h"
 #include "framework/control_kind.h"
 #include "framework/whole_number.h"
 
@@ -14,11 +13,6 @@ namespace {
 
 // A combo box's window includes its list, which needs this room.
 constexpr int kComboBoxHeight = 512;
-
-// Style bits of the bitmap control: which side follows the other one's scale, so that the picture keeps its
-// proportions.
-constexpr LONG kBitmapHeightFollowsWidth = 16;
-constexpr LONG kBitmapWidthFollowsHeight = 32;
 
 // Calls visit(control, slot number from 1) for each child of the range in child-window order, until it returns false.
 template <class Visit>
@@ -41,16 +35,20 @@ LayoutSlot SlotOfControl(HWND dialog, HWND control) {
   return slot;
 }
 
-// What one pass scales by.
-struct Scaling {
-  double x, y;
-  int leftMargin, topMargin;
+// The present extent in proportion to the captured one, both without margins; 1 when the captured one is nothing. Kept
+// as a fraction: multiplied before it is divided, a product that is a whole number comes out as one, and a control as
+// wide as the dialog stays as wide as the dialog.
+struct Proportion {
+  double present, captured;
+
+  double Of(double length) const { return captured == 0 ? length : length * present / captured; }
 };
 
-// The present extent in proportion to the captured one, both without margins; 1 when the captured one is nothing.
-double Proportion(double present, double captured) {
-  return captured == 0 ? 1.0 : present / captured;
-}
+// What one pass scales by.
+struct Scaling {
+  Proportion x, y;
+  int leftMargin, topMargin;
+};
 
 struct FontShape {
   int height, width, weight;
@@ -65,21 +63,21 @@ struct Treatment {
 };
 
 Treatment PlanControl(ControlKind kind, LONG style, bool hasText, const LayoutSlot& slot, const Scaling& scale) {
-  const auto place = [](LONG captured, double factor, int margin) {
-    return ToInt(std::trunc(factor * (static_cast<double>(captured) - margin)) + margin);
+  const auto place = [](LONG captured, const Proportion& proportion, int margin) {
+    return ToInt(std::trunc(proportion.Of(static_cast<double>(captured) - margin)) + margin);
   };
   Treatment plan{
       .x = place(slot.x, scale.x, scale.leftMargin),
       .y = place(slot.y, scale.y, scale.topMargin),
-      .width = ToInt(scale.x * slot.width),
-      .height = ToInt(scale.y * slot.height),
+      .width = ToInt(scale.x.Of(slot.width)),
+      .height = ToInt(scale.y.Of(slot.height)),
       .fontChange = Treatment::kKeepFont,
       .font = {},
       .fieldHeight = 0,
   };
-  const int height = ToInt(scale.y * 14.0);
-  const int width = ToInt(scale.x * 6.0);
-  const int narrowWidth = ToInt(scale.x * 4.5);
+  const int height = ToInt(scale.y.Of(14.0));
+  const int width = ToInt(scale.x.Of(6.0));
+  const int narrowWidth = ToInt(scale.x.Of(4.5));
   const auto useFont = [&plan](FontShape font) {
     plan.fontChange = Treatment::kNewFont;
     plan.font = font;
@@ -108,8 +106,8 @@ Treatment PlanControl(ControlKind kind, LONG style, bool hasText, const LayoutSl
     case kControlTab: useFont({height, narrowWidth, 500}); break;
     case kControlTreeView: useFont({height, narrowWidth, 400}); break;
     case kControlSimpleBitmap:
-      if (style & kBitmapHeightFollowsWidth) plan.height = ToInt(scale.x * slot.height);
-      if (style & kBitmapWidthFollowsHeight) plan.width = ToInt(scale.y * slot.width);
+      if (style & kBitmapSquareByWidth) plan.height = ToInt(scale.x.Of(slot.height));
+      if (style & kBitmapSquareByHeight) plan.width = ToInt(scale.y.Of(slot.width));
       break;
     default: break;
   }
@@ -152,7 +150,7 @@ void ChangeFont(HWND control, const Treatment& plan, ReplacedFonts* replaced) {
   if (!font) return;
   const auto previous = reinterpret_cast<HFONT>(SendMessageA(control, WM_GETFONT, 0, 0));
   SendMessageA(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
-  // A stock font replaces only a control's first font, which was not made here.
+  // What a stock font replaces was not made here: such a control never gets one of our fonts.
   if (made) replaced->Remember(previous);
 }
 
@@ -213,13 +211,13 @@ BOOL ApplyLayout(HWND dialog, int bottomMargin, int leftMargin, int topMargin, i
   const double verticalMargins = static_cast<double>(bottomMargin) + topMargin;
   const LayoutSlot& captured = slots[0];
   const Scaling scale{
-      .x = Proportion(client.right - static_cast<double>(leftMargin), captured.width - static_cast<double>(leftMargin)),
-      .y = Proportion(client.bottom - verticalMargins, captured.height - verticalMargins),
+      .x = {client.right - static_cast<double>(leftMargin), captured.width - static_cast<double>(leftMargin)},
+      .y = {client.bottom - verticalMargins, captured.height - verticalMargins},
       .leftMargin = leftMargin,
       .topMargin = topMargin,
   };
-  StoreScale(scaleX, scale.x);
-  StoreScale(scaleY, scale.y);
+  StoreScale(scaleX, scale.x.Of(1));
+  StoreScale(scaleY, scale.y.Of(1));
   {
     ReplacedFonts replaced;
     VisitControls(dialog, lowestId, highestId, [&](HWND control, int slot) {
@@ -228,7 +226,8 @@ BOOL ApplyLayout(HWND dialog, int bottomMargin, int leftMargin, int topMargin, i
       return true;
     });
   }
-  if (redraw) RepaintNow(dialog);
+  // With the controls of a dialog that clips them: they were moved without a repaint.
+  if (redraw) RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW | RDW_ALLCHILDREN);
   return TRUE;
 }
 

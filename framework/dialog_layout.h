@@ -15,8 +15,9 @@ struct LayoutSlot {
 };
 static_assert(sizeof(LayoutSlot) == 16);
 
-// Fills `slots`. It needs one slot more than the range has controls; if the memory ends earlier, later controls get no
-// slot and are not scaled. Returns 0 when the dialog does not exist or slot 0 cannot be
+// Fills `slots`, one slot more than the range has controls. There is no size argument: slots are filled as long as
+// their memory is writable, so what lies behind an array that is too short is overwritten. Where the memory ends
+// earlier, later controls get no slot and are not scaled. Returns 0 when the dialog does not exist or slot 0 cannot be
 // written.
 BOOL CaptureLayout(HWND dialog, LayoutSlot* slots, int lowestId, int highestId);
 
@@ -25,14 +26,22 @@ int LayoutSlotOf(HWND dialog, int lowestId, int highestId, int id);
 
 // Scales the controls of the range from their captured slots into the dialog's present client area. The margins (where
 // toolbar and status bar are) do not scale. Stores the scales where their outputs can be written. `redraw` repaints the
-// whole dialog at the end; without it the caller has to.
+// whole dialog with its controls at the end. Without it the caller has to: the controls are moved without a repaint,
+// and in a dialog with WS_CLIPCHILDREN invalidating the dialog does not reach them (RedrawWindow with RDW_ALLCHILDREN
+// does).
 //
 // A client area as small as the margins scales everything to nothing; a captured area as small as the margins gives no
 // proportion, and the controls then keep their captured size (scale 1).
 //
 // Fonts: each pass gives the controls new ones of "Arial Unicode MS" and deletes those it replaced (other than stock
 // fonts, up to 1,024 a pass), whoever made them: the dialog's own template font goes with the first pass, so every
-// control that shows text should lie in the range or have a font of its own.
+// control that shows text should lie in the range or have a font of its own. A static or button without a text keeps
+// its font, which the pass deletes if other controls shared it; given a text later, it shows it in the system's font
+// until the next pass. A blank for a text avoids that. Multi-line edits get the system's stock font, at one size for
+// all scales; list boxes and controls of other kinds keep what they have.
+//
+// In a DPI-aware host: places and sizes follow the captured ones, whatever their dpi. Fonts are 14 pixels high at scale
+// 1, and combo boxes 512 with their lists, at every dpi.
 //
 // Returns 0 when the dialog does not exist or slot 0 cannot be read.
 BOOL ApplyLayout(HWND dialog, int bottomMargin, int leftMargin, int topMargin, int lowestId, int highestId,

@@ -40,8 +40,11 @@ std::string Font(HWND dialog, int id) {
   return std::to_string(font.lfHeight) + "x" + std::to_string(font.lfWidth) + " " + std::to_string(font.lfWeight);
 }
 
+int comboBoxPaints;
+
 // Takes whatever size it is given, has a field of 17 pixels and keeps the field height it was told last.
 LRESULT CALLBACK PlainComboBox(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  comboBoxPaints += message == WM_PAINT;
   if (message == CB_GETITEMHEIGHT) return 17;
   if (message == CB_SETITEMHEIGHT) return SetWindowLongA(window, GWL_USERDATA, lParam);
   return DefWindowProcA(window, message, wParam, lParam);
@@ -97,6 +100,9 @@ class Dialog : public RecordingParent {
 };
 
 TEST(ControlKind, ByContainedTextTheLastWins) {
+  kvtest::GuardedBytes unterminated(4);
+  std::memcpy(unterminated.data(), "EDIT", 4);
+  EXPECT_EQ(0, kv::ClassifyClassName(unterminated.as<char>()));
   EXPECT_EQ(3, kv::ClassifyClassName("MyEditBox"));
   EXPECT_EQ(4, kv::ClassifyClassName("ComboBoxEx32 with a Static"));
   EXPECT_EQ(7, kv::ClassifyClassName("systreeview32kvsimplebitmap"));
@@ -177,6 +183,16 @@ TEST(DialogLayout, MarginsStayAndTheirExtremesAreDefined) {
   EXPECT_TRUE(dialog.Apply(INT_MIN, INT_MIN, INT_MIN));
 }
 
+TEST(DialogLayout, AControlAsLargeAsTheDialogStaysSo) {
+  Dialog dialog;
+  dialog.slots[0] = dialog.slots[1] = {0, 0, 413, 300};
+  for (int width = 1; width <= 1100; ++width) {
+    dialog.Resize(width, 300);
+    kv::ApplyLayout(dialog, 0, 0, 0, 1011, 1011, dialog.slots, nullptr, nullptr, FALSE);
+    ASSERT_EQ("0,0 " + std::to_string(width) + "x300", Place(dialog, 1011));
+  }
+}
+
 TEST(DialogLayout, DeletesTheFontsItReplaces) {
   Dialog dialog;
   kv::CaptureLayout(dialog, dialog.slots, kLowest, kHighest);
@@ -191,6 +207,7 @@ TEST(DialogLayout, DeletesTheFontsItReplaces) {
   for (const HFONT font : before) EXPECT_EQ(0u, GetObjectType(font));
 }
 
+// Its controls, too, although it clips them.
 TEST(DialogLayout, RedrawsOnRequest) {
   Dialog dialog;
   ShowWindow(dialog, SW_SHOWNA);
@@ -202,7 +219,9 @@ TEST(DialogLayout, RedrawsOnRequest) {
     return dialog.CountOf(WM_PAINT) - before;
   };
   EXPECT_EQ(0, paintsOf(FALSE));
+  comboBoxPaints = 0;
   EXPECT_EQ(1, paintsOf(TRUE));
+  EXPECT_GT(comboBoxPaints, 0);
 }
 
 TEST(LimitSizing, MovesTheDraggedEdges) {
