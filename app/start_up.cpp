@@ -9,6 +9,7 @@
 #include "controls/line_recorder.h"
 #include "controls/simple_bitmap.h"
 #include "framework/dialog.h"
+#include "framework/locked_record.h"
 #include "framework/modules.h"
 
 namespace kv {
@@ -34,13 +35,8 @@ void UnregisterClasses(HINSTANCE instance) {
 }
 
 AppContext* MakeContext() {
-  HGLOBAL memory = GlobalAlloc(GHND, sizeof(AppContext));
-  auto* context = memory ? static_cast<AppContext*>(GlobalLock(memory)) : nullptr;
-  if (!context) {
-    GlobalFree(memory);
-    return nullptr;
-  }
-  context->hMemory = memory;
+  auto* context = CreateLockedRecord<AppContext>();
+  if (!context) return nullptr;
   context->hQuitEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
   context->nPort = -1;
   context->hPort = INVALID_HANDLE_VALUE;
@@ -51,9 +47,7 @@ AppContext* MakeContext() {
 void FreeContext(AppContext* context) {
   CloseHandle(context->hQuitEvent);
   context->hDlg = nullptr;
-  HGLOBAL memory = context->hMemory;
-  GlobalUnlock(memory);
-  GlobalFree(memory);
+  FreeLockedRecord(context);
 }
 
 void RunMessageLoop() {

@@ -1,6 +1,10 @@
 #include "capture/video_capture.h"
 
+#include <algorithm>
+#include <cstdlib>
+
 #include "framework/guards.h"
+#include "framework/locked_record.h"
 #include "framework/picture.h"
 
 namespace kv {
@@ -75,11 +79,16 @@ bool IsOpen(VideoLink* link) {
   return HasTag(link) && IsWindow(link->hCapture);
 }
 
-// Drivers report bottom-up pictures, so a height that is not positive is none of theirs.
 bool IsUsable(const BITMAPINFOHEADER& format) {
   return format.biSize >= sizeof(BITMAPINFOHEADER) && format.biSize <= offsetof(WholeFormat, colors) &&
-         format.biWidth > 0 && format.biWidth <= kLargestVideoSide && format.biHeight > 0 &&
-         format.biHeight <= kLargestVideoSide && format.biBitCount <= 32 && format.biClrUsed <= kMostColors;
+         format.biWidth > 0 && format.biWidth <= kLargestVideoSide && format.biHeight != 0 &&
+         format.biHeight >= -kLargestVideoSide && format.biHeight <= kLargestVideoSide && format.biBitCount <= 32 &&
+         format.biClrUsed <= kMostColors;
+}
+
+// Of all others the header says how many bytes a picture has, and their height is positive.
+bool IsUncompressed(const BITMAPINFOHEADER& format) {
+  return format.biCompression == BI_RGB || format.biCompression == BI_BITFIELDS;
 }
 
 // ---- Frames ---------------------------------------------------------------------------------------------------------
@@ -96,21 +105,36 @@ WholeFormat CurrentFormat(const VideoLink* link) {
 
 // How many bytes drawing will read for a frame of this format (a usable one: no overflow).
 UINT_PTR FrameBytes(const BITMAPINFOHEADER& format, const VIDEOHDR& frame) {
-  if (format.biCompression != BI_RGB && format.biCompression != BI_BITFIELDS) return frame.dwBytesUsed;
+  if (!IsUncompressed(format)) return frame.dwBytesUsed;
   const UINT_PTR rowBytes = (static_cast<UINT_PTR>(format.biWidth) * format.biBitCount + 31) / 32 * 4;
-  return rowBytes * static_cast<UINT_PTR>(format.biHeight);
+  return rowBytes * static_cast<UINT_PTR>(std::abs(format.biHeight));
 }
 
+void TurnFrameOver(const VideoLink* link) {
+  GdiFlush();
+  const auto row = [link](LONG y) {
+    return static_cast<std::uint32_t*>(link->framePixels) + static_cast<size_t>(y) * link->frameWidth;
+  };
+  for (LONG top = 0, bottom = link->frameHeight - 1; top < bottom; ++top, --bottom) {
+    std::swap_ranges(row(top), row(top + 1), row(bottom));
+  }
+}
+
+// A picture whose height is negative begins with its top row. It is drawn like any other, upside down, and turned over
+// then: not everything that decompresses and draws pictures knows such heights.
 void DrawIntoFrame(const VideoLink* link, WholeFormat* format, void* data) {
+  const bool topFirst = format->header.biHeight < 0;
+  format->header.biHeight = std::abs(format->header.biHeight);
   const VideoLibraries& libraries = Libraries();
   const WindowDc hostDc(link->hHost);
   const MemoryDc dc(hostDc);
   const SelectedObject selected(dc, link->hFrame);
   const HDRAWDIB draw = libraries.drawDibOpen();
   if (!draw) return;
-  libraries.drawDibDraw(draw, dc, 0, 0, link->frameWidth, link->frameHeight, &format->header, data, 0, 0,
-                        format->header.biWidth, format->header.biHeight, DDF_SAME_HDC);
+  const BOOL drawn = libraries.drawDibDraw(draw, dc, 0, 0, link->frameWidth, link->frameHeight, &format->header, data,
+                                           0, 0, format->header.biWidth, format->header.biHeight, DDF_SAME_HDC);
   libraries.drawDibClose(draw);
+  if (drawn && topFirst && IsUncompressed(format->header)) TurnFrameOver(link);
 }
 
 LRESULT CALLBACK FrameArrived(HWND capture, VIDEOHDR* frame) {
@@ -144,24 +168,11 @@ LRESULT CALLBACK PumpWhileRecording(HWND capture) {
 // ---- Opening and closing --------------------------------------------------------------------------------------------
 
 VideoLink* CreateLink(HWND host) {
-  HGLOBAL memory = GlobalAlloc(GHND, sizeof(VideoLink));
-  if (!memory) return nullptr;
-  auto* link = static_cast<VideoLink*>(GlobalLock(memory));
-  if (!link) {
-    GlobalFree(memory);
-    return nullptr;
-  }
-  link->hMemory = memory;
+  auto* link = CreateLockedRecord<VideoLink>();
+  if (!link) return nullptr;
   link->tag = kVideoLinkTag;
   link->hHost = host;
   return link;
-}
-
-void FreeLink(VideoLink* link) {
-  const HGLOBAL memory = link->hMemory;
-  link->tag = 0;
-  GlobalUnlock(memory);
-  GlobalFree(memory);
 }
 
 // Without WS_VISIBLE: the frames reach the owner through the frame bitmap, nobody sees the preview itself.
@@ -210,8 +221,8 @@ bool CreateFrameBitmap(VideoLink* link) {
   const BITMAPINFOHEADER& source = link->sourceFormat.header;
   if (!IsUsable(source)) return false;
   link->frameWidth = source.biWidth;
-  link->frameHeight = source.biHeight;
-  link->frameFormat.header = TopDownBitmapInfo(source.biWidth, source.biHeight).bmiHeader;
+  link->frameHeight = std::abs(source.biHeight);
+  link->frameFormat.header = TopDownBitmapInfo(link->frameWidth, link->frameHeight).bmiHeader;
   const WindowDc dc(link->hHost);
   link->hFrame = CreateDIBSection(dc, reinterpret_cast<const BITMAPINFO*>(&link->frameFormat), DIB_RGB_COLORS,
                                   &link->framePixels, nullptr, 0);
@@ -224,41 +235,49 @@ void StartFrames(VideoLink* link) {
   Ask(link->hCapture, WM_CAP_SET_CALLBACK_VIDEOSTREAM, 0, CallbackAddress(FrameArrived));
 }
 
+// Gives back what was made of a link so far. The capture window may be gone: connecting a driver may show a dialog, in
+// which the user may close the host.
+void ReleaseLink(VideoLink* link) {
+  link->tag = 0;  // first of all: a callback that comes while all this goes on finds no link
+  if (IsWindow(link->hCapture)) {
+    Ask(link->hCapture, WM_CAP_SET_CALLBACK_FRAME);
+    Ask(link->hCapture, WM_CAP_SET_CALLBACK_VIDEOSTREAM);
+    Ask(link->hCapture, WM_CAP_SET_PREVIEW, FALSE);
+    Ask(link->hCapture, WM_CAP_DRIVER_DISCONNECT);
+    DestroyWindow(link->hCapture);
+  }
+  if (link->hFrame) DeleteObject(link->hFrame);
+  FreeLockedRecord(link);
+}
+
+// False when there is no driver, or the host went while it was connected or started.
+bool Start(VideoLink* link) {
+  link->hCapture = CreateCaptureWindow(link->hHost);
+  if (!link->hCapture) return false;
+  if (!ConnectAnyDriver(link->hCapture)) {
+    DestroyWindow(link->hCapture);
+    return false;
+  }
+  SetUpDriver(link);
+  if (!CreateFrameBitmap(link)) return false;
+  StartFrames(link);
+  return IsOpen(link);
+}
+
 }  // namespace
 
 VideoLink* OpenVideoLink(HWND host) {
   if (!IsWindow(host) || !Libraries().Whole()) return nullptr;
   VideoLink* link = CreateLink(host);
   if (!link) return nullptr;
-  link->hCapture = CreateCaptureWindow(host);
-  if (!link->hCapture) {
-    FreeLink(link);
-    return nullptr;
-  }
-  if (!ConnectAnyDriver(link->hCapture)) {
-    DestroyWindow(link->hCapture);
-    FreeLink(link);
-    return nullptr;
-  }
-  SetUpDriver(link);
-  if (!CreateFrameBitmap(link)) {
-    CloseVideoLink(link);
-    return nullptr;
-  }
-  StartFrames(link);
-  return link;
+  if (Start(link)) return link;
+  ReleaseLink(link);
+  return nullptr;
 }
 
 BOOL CloseVideoLink(VideoLink* link) {
   if (!IsOpen(link)) return FALSE;
-  link->tag = 0;  // first of all: a callback that comes while all this goes on finds no link
-  Ask(link->hCapture, WM_CAP_SET_CALLBACK_FRAME);
-  Ask(link->hCapture, WM_CAP_SET_CALLBACK_VIDEOSTREAM);
-  Ask(link->hCapture, WM_CAP_SET_PREVIEW, FALSE);
-  Ask(link->hCapture, WM_CAP_DRIVER_DISCONNECT);
-  DestroyWindow(link->hCapture);
-  if (link->hFrame) DeleteObject(link->hFrame);
-  FreeLink(link);
+  ReleaseLink(link);
   return TRUE;
 }
 

@@ -38,7 +38,7 @@ struct VideoLink {
   HWND hCapture;  // hidden child of the host
   CAPSTATUS status;
   CAPTUREPARMS parameters;
-  VideoFormat sourceFormat;  // as the driver reported it when the link was opened
+  VideoFormat sourceFormat;  // as the driver reported it when the link was opened; a negative height: top row first
   VideoFormat frameFormat;   // of the frame bitmap: 32 bits, top row first
   HBITMAP hFrame;            // the latest frame
   void* framePixels;
@@ -55,7 +55,8 @@ static_assert(offsetof(VideoLink, status) == 16 && offsetof(VideoLink, parameter
 inline constexpr LONG kLargestVideoSide = 16384;
 
 // Connects to the first driver that answers and starts its frames. Null when the host is no window, when no driver
-// answers, or when its pictures are of no usable size. The caller owns the link and closes it.
+// answers, when its pictures are of no usable size, or when the host is destroyed meanwhile. The caller owns the link
+// and closes it.
 VideoLink* OpenVideoLink(HWND host);
 BOOL CloseVideoLink(VideoLink* link);
 

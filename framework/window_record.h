@@ -1,29 +1,20 @@
-// The state record of a control's window: one zero-filled movable global memory block, locked for the window's life,
-// whose first field `hMemory` is its own memory handle and whose address stands in the window's user data.
+// The state record of a control's window: a locked record (framework/locked_record.h) whose address stands in the
+// window's user data.
 //
 // The record belongs to its window, from WM_CREATE to WM_DESTROY, and is touched only on the window's thread.
 #pragma once
 
 #include <windows.h>
 
-#include <cstddef>
-#include <type_traits>
+#include "framework/locked_record.h"
 
 namespace kv {
 
 // Makes the record of `window` and stores its address. Null when memory is short.
 template <class Record>
 Record* CreateWindowRecord(HWND window) {
-  static_assert(std::is_trivially_copyable_v<Record> && offsetof(Record, hMemory) == 0);
-  HGLOBAL memory = GlobalAlloc(GHND, sizeof(Record));
-  if (!memory) return nullptr;
-  auto* record = static_cast<Record*>(GlobalLock(memory));
-  if (!record) {
-    GlobalFree(memory);
-    return nullptr;
-  }
-  record->hMemory = memory;
-  SetWindowLongA(window, GWL_USERDATA, reinterpret_cast<LONG>(record));
+  auto* record = CreateLockedRecord<Record>();
+  if (record) SetWindowLongA(window, GWL_USERDATA, reinterpret_cast<LONG>(record));
   return record;
 }
 
@@ -38,9 +29,7 @@ Record* WindowRecord(HWND window) {
 template <class Record>
 void DestroyWindowRecord(HWND window, Record* record) {
   SetWindowLongA(window, GWL_USERDATA, 0);
-  HGLOBAL memory = record->hMemory;
-  GlobalUnlock(memory);
-  GlobalFree(memory);
+  FreeLockedRecord(record);
 }
 
 }  // namespace kv

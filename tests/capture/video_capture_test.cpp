@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "framework/picture.h"
+#include "tests/support/message_storm.h"
 #include "tests/support/scarce_objects.h"
 #include "tests/support/test_window.h"
 #include "tools/fake_camera/fake_camera.h"
@@ -107,7 +108,7 @@ TEST_F(VideoCapture, SearchesFromFourDownAndAroundUntilADriverAnswers) {
   EXPECT_EQ(13, camera().attempts);  // 96, 88 ... 0 of the attempts 100 ... 0
   EXPECT_EQ(nullptr, OpenVideoLink(nullptr));
   camera() = {};
-  for (const auto& [width, height] : {std::pair<LONG, LONG>{0, 240}, {320, 0}, {320, -240}, {320, 0x7FFFFFFF}}) {
+  for (const auto& [width, height] : {std::pair<LONG, LONG>{0, 240}, {320, 0}, {320, -16385}, {320, 0x7FFFFFFF}}) {
     camera().width = width;
     camera().height = height;
     EXPECT_EQ(nullptr, OpenVideoLink(host_)) << width << " x " << height;
@@ -129,6 +130,25 @@ TEST_F(VideoCapture, FramesArriveTopDownAndAreDrawn) {
                                                    {649, 484, 0x5F5F5F}, {9, 5, 0xCCCCCC},   {10, 485, 0xCCCCCC}};
   for (const auto& [x, y, color] : pixels) EXPECT_EQ(color, picture_.At(x, y)) << x << ", " << y;
   EXPECT_FALSE(DrawVideoFrame(link, nullptr, 0, 0, 10, 10));
+}
+
+TEST_F(VideoCapture, PicturesWithTheTopRowFirstAreNotTurnedOver) {
+  camera().height = -240;
+  EXPECT_EQ(-240, Open()->frameFormat.header.biHeight);
+  ASSERT_TRUE(Draw());
+  ExpectFrame(camera().framesMade - 1);
+}
+
+TEST_F(VideoCapture, AHostThatGoesWhileTheDriverConnectsLeavesNothingBehind) {
+  SIZE_T before = 0;
+  for (int i = 0; i < 2000; ++i) {
+    if (i == 500) before = kvtest::MemoryInUse();
+    const HWND host = kvtest::CreateControl(host_, "STATIC", "", 0, {0, 0, 9, 9}, 1);
+    camera().destroyedByConnecting = host;
+    ASSERT_EQ(nullptr, OpenVideoLink(host));
+  }
+  camera().connectedDriver = -1;
+  EXPECT_LT(kvtest::MemoryInUse(), before + (256 << 10)) << "1,500 records are 433 KB";
 }
 
 TEST_F(VideoCapture, AChangedFormatIsStretchedIntoTheSameBitmap) {

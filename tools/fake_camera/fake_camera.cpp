@@ -1,6 +1,7 @@
 #include "tools/fake_camera/fake_camera.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <vector>
 
@@ -57,11 +58,12 @@ Format CurrentFormat() {
 std::vector<BYTE> MakePicture(int frame) {
   const size_t bytesPerPixel = camera.bitCount / 8;
   const size_t rowBytes = (camera.width * bytesPerPixel + 3) / 4 * 4;
-  std::vector<BYTE> picture(rowBytes * camera.height);
-  for (LONG y = 0; y < camera.height; ++y) {
-    BYTE* pixel = picture.data() + rowBytes * (camera.height - 1 - y);
+  const LONG height = std::abs(camera.height);
+  std::vector<BYTE> picture(rowBytes * height);
+  for (LONG y = 0; y < height; ++y) {
+    BYTE* pixel = picture.data() + rowBytes * (camera.height < 0 ? y : height - 1 - y);
     for (LONG x = 0; x < camera.width; ++x, pixel += bytesPerPixel) {
-      const std::uint32_t color = Pixel(x, y, frame, camera.width, camera.height);
+      const std::uint32_t color = Pixel(x, y, frame, camera.width, height);
       if (bytesPerPixel == 1) {
         *pixel = static_cast<BYTE>((color >> 16 & 0xE0) | (color >> 11 & 0x1C) | (color >> 6 & 3));
       } else {
@@ -86,6 +88,7 @@ LRESULT Connect(int driver) {
   if (camera.attempts < fakecamera::kMostAttempts) camera.attemptedDrivers[camera.attempts++] = driver;
   if (driver < 0 || driver > 31 || (camera.refusingDrivers >> driver & 1)) return FALSE;
   camera.connectedDriver = driver;
+  if (camera.destroyedByConnecting) DestroyWindow(camera.destroyedByConnecting);
   return TRUE;
 }
 
@@ -107,7 +110,7 @@ LRESULT CopyOut(const Record& record, WPARAM room, LPARAM target) {
 LRESULT CopyStatus(WPARAM room, LPARAM target) {
   CAPSTATUS status{};
   status.uiImageWidth = static_cast<UINT>(camera.width);
-  status.uiImageHeight = static_cast<UINT>(camera.height);
+  status.uiImageHeight = static_cast<UINT>(std::abs(camera.height));
   status.fLiveWindow = camera.previewing;
   status.fCapturingNow = camera.recording;
   return CopyOut(status, room, target);

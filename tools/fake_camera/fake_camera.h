@@ -21,14 +21,15 @@ struct State {
   std::uint32_t namelessDrivers = 0;
   std::uint32_t refusingDrivers = 0;  // present, but busy when they should connect
   LONG width = 320;                   // what the "format dialog" would change, also in the middle of it all
-  LONG height = 240;
-  WORD bitCount = 24;  // 24, or 8 with a colour table
+  LONG height = 240;                  // negative: the top row comes first
+  WORD bitCount = 24;                 // 24, or 8 with a colour table
   DWORD colorsUsed = 0;
   BOOL refusesSequenceSetup = FALSE;
   BOOL refusesCaptureFile = FALSE;
   BOOL refusesSequence = FALSE;
-  BOOL callsBackWhileClosing = FALSE;  // sends frames even after the callback was removed
-  int longestSequence = 50;            // frames, unless it is stopped
+  HWND destroyedByConnecting = nullptr;  // by a user who closes it while the driver's dialog is up
+  BOOL callsBackWhileClosing = FALSE;    // sends frames even after the callback was removed
+  int longestSequence = 50;              // frames, unless it is stopped
 
   // Read by the test.
   int attempts = 0;
