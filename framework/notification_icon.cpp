@@ -2,7 +2,10 @@
 
 #include <dbt.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <utility>
+#include <vector>
 
 #include "framework/control_class.h"
 
@@ -10,9 +13,8 @@ namespace kv {
 
 namespace {
 
-// The record of Windows 2000's shell, in narrow text.
-constexpr DWORD kIconRecordSize = offsetof(NOTIFYICONDATAA, guidItem);
-static_assert(kIconRecordSize == 488);
+// The record up to what Windows 2000's shell knows of it.
+static_assert(offsetof(NOTIFYICONDATAA, guidItem) == 488);
 static_assert(kNotificationTipCharacters <= sizeof(NOTIFYICONDATAA::szTip));
 
 // What the record says of its size: up to the first character of the name, without the padding behind it.
@@ -21,9 +23,10 @@ static_assert(kDeviceFilterSize == 29);
 
 constexpr GUID kUsbDevice = {0xA5DCBF10, 0x6530, 0x11D2, {0x90, 0x1F, 0x00, 0xC0, 0x4F, 0xB9, 0x51, 0xED}};
 
-NOTIFYICONDATAA IconRecord(HWND owner, UINT id) {
-  NOTIFYICONDATAA record{};
-  record.cbSize = kIconRecordSize;
+template <class Record>
+Record IconRecord(HWND owner, UINT id) {
+  Record record{};
+  record.cbSize = offsetof(Record, guidItem);
   record.hWnd = owner;
   record.uID = id;
   return record;
@@ -31,7 +34,7 @@ NOTIFYICONDATAA IconRecord(HWND owner, UINT id) {
 
 // With the flags of a whole icon, whatever of it is given.
 NOTIFYICONDATAA WholeIconRecord(HWND owner, UINT id) {
-  NOTIFYICONDATAA record = IconRecord(owner, id);
+  auto record = IconRecord<NOTIFYICONDATAA>(owner, id);
   record.uFlags = NIF_MESSAGE | NIF_ICON | NIF_TIP;
   record.uCallbackMessage = kNotificationCallback;
   return record;
@@ -44,32 +47,118 @@ bool CopyTip(NOTIFYICONDATAA* record, const char* tip) {
   return true;
 }
 
+// ---- What is shown, for a taskbar that starts anew ------------------------------------------------------------------
+
+struct ShownIcon {
+  NOTIFYICONDATAA whole;
+  NOTIFYICONDATAW wideTip;  // with a size of 0: the narrow tip stands
+};
+
+std::vector<ShownIcon> shownIcons;
+HWND listener;  // exists while there are icons
+
+ShownIcon* FindShown(HWND owner, UINT id) {
+  const auto found = std::find_if(shownIcons.begin(), shownIcons.end(), [&](const ShownIcon& icon) {
+    return icon.whole.hWnd == owner && icon.whole.uID == id;
+  });
+  return found == shownIcons.end() ? nullptr : &*found;
+}
+
+void ShowAgain(ShownIcon& icon) {
+  notificationCalls.notifyIcon(NIM_ADD, &icon.whole);
+  if (icon.wideTip.cbSize) notificationCalls.notifyIconWide(NIM_MODIFY, &icon.wideTip);
+}
+
+// What the taskbar sends to every top-level window when it has been made.
+UINT TaskbarCreated() {
+  static const UINT message = RegisterWindowMessageA("TaskbarCreated");
+  return message;
+}
+
+LRESULT CALLBACK ListenerProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message != TaskbarCreated()) return DefWindowProcA(window, message, wParam, lParam);
+  std::erase_if(shownIcons, [](const ShownIcon& icon) { return !IsWindow(icon.whole.hWnd); });
+  std::for_each(shownIcons.begin(), shownIcons.end(), ShowAgain);
+  return 0;
+}
+
+// A window of our own and not the owner's: an icon's owner may be a child window, which no broadcast reaches.
+void Listen() {
+  if (listener) return;
+  const HINSTANCE module = GetModuleHandleA(nullptr);
+  const WNDCLASSA windowClass{
+      .lpfnWndProc = ListenerProcedure, .hInstance = module, .lpszClassName = "kvNotificationListener"};
+  RegisterClassA(&windowClass);  // fails harmlessly from the second time on
+  listener = CreateWindowExA(0, windowClass.lpszClassName, "", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, module, nullptr);
+  // A program with more rights than the shell would not be sent the message otherwise.
+  ChangeWindowMessageFilter(TaskbarCreated(), MSGFLT_ADD);
+}
+
+// Also an icon that the shell refused: without a taskbar it refuses every one. One that it refused because it has it
+// already stays as it is.
+void RememberAdded(const NOTIFYICONDATAA& record, bool taken) {
+  ShownIcon* known = FindShown(record.hWnd, record.uID);
+  if (known && !taken) return;
+  if (!known) known = &shownIcons.emplace_back();
+  *known = {.whole = record, .wideTip = {}};
+  Listen();
+}
+
+void RememberChanged(const NOTIFYICONDATAA& change) {
+  ShownIcon* icon = FindShown(change.hWnd, change.uID);
+  if (!icon) return;
+  if (change.uFlags & NIF_ICON) icon->whole.hIcon = change.hIcon;
+  if (change.uFlags & NIF_TIP) {
+    lstrcpynA(icon->whole.szTip, change.szTip, kNotificationTipCharacters);
+    icon->wideTip = {};
+  }
+}
+
+void Forget(HWND owner, UINT id) {
+  if (const ShownIcon* icon = FindShown(owner, id)) shownIcons.erase(shownIcons.begin() + (icon - shownIcons.data()));
+  if (shownIcons.empty() && listener) DestroyWindow(std::exchange(listener, nullptr));
+}
+
 }  // namespace
 
 NotificationCalls notificationCalls{
     .notifyIcon = ::Shell_NotifyIconA,
     .registerDevices = ::RegisterDeviceNotificationA,
     .unregisterDevices = ::UnregisterDeviceNotification,
+    .notifyIconWide = ::Shell_NotifyIconW,
 };
 
 BOOL AddNotificationIcon(HWND owner, UINT id, HICON icon, const char* tip) {
   NOTIFYICONDATAA record = WholeIconRecord(owner, id);
   record.hIcon = icon;
   CopyTip(&record, tip);
-  return notificationCalls.notifyIcon(NIM_ADD, &record);
+  const BOOL answer = notificationCalls.notifyIcon(NIM_ADD, &record);
+  RememberAdded(record, answer);
+  return answer;
 }
 
 BOOL ChangeNotificationIcon(HWND owner, UINT id, HICON icon, const char* tip) {
-  NOTIFYICONDATAA record = IconRecord(owner, id);
+  auto record = IconRecord<NOTIFYICONDATAA>(owner, id);
   record.hIcon = icon;
   if (icon) record.uFlags |= NIF_ICON;
   if (CopyTip(&record, tip)) record.uFlags |= NIF_TIP;
+  RememberChanged(record);
   return notificationCalls.notifyIcon(NIM_MODIFY, &record);
+}
+
+BOOL SetNotificationTip(HWND owner, UINT id, const wchar_t* tip) {
+  if (IsBadStringPtrW(tip, kNotificationTipCharacters - 1)) return FALSE;
+  auto record = IconRecord<NOTIFYICONDATAW>(owner, id);
+  record.uFlags = NIF_TIP;
+  lstrcpynW(record.szTip, tip, kNotificationTipCharacters);
+  if (ShownIcon* icon = FindShown(owner, id)) icon->wideTip = record;
+  return notificationCalls.notifyIconWide(NIM_MODIFY, &record);
 }
 
 BOOL RemoveNotificationIcon(HWND owner, UINT id) {
   NOTIFYICONDATAA record = WholeIconRecord(owner, id);
   const BOOL answer = notificationCalls.notifyIcon(NIM_DELETE, &record);
+  Forget(owner, id);
   RepaintNow(GetDesktopWindow());
   return answer;
 }

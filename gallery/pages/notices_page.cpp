@@ -41,13 +41,13 @@ HICON GalleryIcon() {
 }
 
 void AddOrChange(HWND page, bool add) {
-  char tip[256] = "";
-  GetDlgItemTextA(page, IDC_NOTICES_TIP, tip, sizeof(tip));
-  if (add) {
-    ReportAnswer(page, kv::AddNotificationIcon(page, kIconId, GalleryIcon(), tip), IDS_NOTICES_ADDED);
-  } else {
-    ReportAnswer(page, kv::ChangeNotificationIcon(page, kIconId, nullptr, tip), IDS_NOTICES_CHANGED);
-  }
+  wchar_t tip[256] = L"";
+  GetDlgItemTextW(page, IDC_NOTICES_TIP, tip, ARRAYSIZE(tip));
+  const BOOL shown = add ? kv::AddNotificationIcon(page, kIconId, GalleryIcon(), nullptr)
+                         : kv::ChangeNotificationIcon(page, kIconId, GalleryIcon(), nullptr);
+  // In a step of its own: only this one takes letters of any script.
+  const BOOL done = shown && kv::SetNotificationTip(page, kIconId, tip);
+  ReportAnswer(page, done, add ? IDS_NOTICES_ADDED : IDS_NOTICES_CHANGED);
 }
 
 void ListenToDevices(HWND page, bool listen) {

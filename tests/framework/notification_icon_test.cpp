@@ -23,6 +23,14 @@ BOOL WINAPI RecordNotification(DWORD message, PNOTIFYICONDATAA record) {
   return 42;  // the shell's answer is passed on as it is
 }
 
+std::wstring seenWideTip;
+
+BOOL WINAPI RecordWide(DWORD message, PNOTIFYICONDATAW record) {
+  EXPECT_TRUE(message == NIM_MODIFY && record->uFlags == NIF_TIP && record->cbSize == 936);
+  seenWideTip = record->szTip;
+  return 42;
+}
+
 HDEVNOTIFY WINAPI RecordDevices(HANDLE target, LPVOID filter, DWORD flags) {
   std::memcpy(&seenFilter, filter, *static_cast<DWORD*>(filter));
   return flags == DEVICE_NOTIFY_WINDOW_HANDLE ? target : nullptr;
@@ -35,7 +43,7 @@ BOOL WINAPI RecordEnd(HDEVNOTIFY notices) {
 
 class Recorded : public testing::Test {
  protected:
-  Recorded() { notificationCalls = {RecordNotification, RecordDevices, RecordEnd}; }
+  Recorded() { notificationCalls = {RecordNotification, RecordDevices, RecordEnd, RecordWide}; }
   ~Recorded() override { notificationCalls = real_; }
 
   // What the shell was told last.
@@ -76,6 +84,33 @@ TEST_F(Recorded, TipsAreCutAndUnreadableOnesStayEmpty) {
     AddNotificationIcon(owner_, 1, icon_, tip);
     ExpectTold(NIM_ADD, 1, 7, 1025, icon_, shown.c_str());
   }
+}
+
+TEST_F(Recorded, IconsComeBackAsTheyWereWhenTheTaskbarStartsAnew) {
+  const auto restart = [&] {
+    seenMessage = 0xDEAD;
+    seenWideTip = L"none";
+    SendMessageA(FindWindowA("kvNotificationListener", nullptr), RegisterWindowMessageA("TaskbarCreated"), 0, 0);
+  };
+  AddNotificationIcon(owner_, 7, nullptr, "bench 3");
+  ChangeNotificationIcon(owner_, 7, icon_, nullptr);
+  EXPECT_EQ(42, SetNotificationTip(owner_, 7, L"темп. Ω"));
+  EXPECT_FALSE(SetNotificationTip(owner_, 7, nullptr));
+  restart();
+  ExpectTold(NIM_ADD, 7, 7, 1025, icon_, "bench 3");
+  EXPECT_EQ(L"темп. Ω", seenWideTip);
+  ChangeNotificationIcon(owner_, 7, nullptr, "on");
+  restart();
+  ExpectTold(NIM_ADD, 7, 7, 1025, icon_, "on");
+  EXPECT_EQ(L"none", seenWideTip);
+  {
+    const kvtest::RecordingParent gone;
+    AddNotificationIcon(gone, 8, icon_, "");
+  }
+  restart();
+  ExpectTold(NIM_ADD, 7, 7, 1025, icon_, "on");  // not 8
+  RemoveNotificationIcon(owner_, 7);
+  EXPECT_EQ(nullptr, FindWindowA("kvNotificationListener", nullptr));
 }
 
 TEST_F(Recorded, DeviceNoticesAskForUsbAndEndWhatTheyBegan) {
