@@ -1,5 +1,4 @@
-// Scope guards for what Windows wants back: device contexts, selected and owned GDI objects, memory locks, registry
-// keys.
+// Scope guards for what Windows wants back: device contexts, selected and owned GDI objects, registry keys.
 //
 // Destruction runs in reverse order of declaration, so declare the owner of an object before the guard that selects it:
 // the object is then deselected before it is deleted. Guards belong to one scope on one thread; none can be copied.
@@ -103,23 +102,6 @@ using OwnedBrush = OwnedGdiObject<HBRUSH>;
 using OwnedFont = OwnedGdiObject<HFONT>;
 using OwnedPen = OwnedGdiObject<HPEN>;
 using OwnedRegion = OwnedGdiObject<HRGN>;
-
-// Locks movable global memory for a scope.
-class LockedMemory {
- public:
-  explicit LockedMemory(HGLOBAL memory) : memory_(memory), address_(memory ? GlobalLock(memory) : nullptr) {}
-  ~LockedMemory() {
-    if (address_) GlobalUnlock(memory_);
-  }
-  LockedMemory(const LockedMemory&) = delete;
-  LockedMemory& operator=(const LockedMemory&) = delete;
-
-  void* address() const { return address_; }
-
- private:
-  HGLOBAL memory_;
-  void* address_;
-};
 
 // A key below HKEY_CURRENT_USER with full access; null when it could not be opened or made.
 class RegistryKey {

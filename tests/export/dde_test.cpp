@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <functional>
 #include <iterator>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -93,48 +93,59 @@ class Dde : public testing::Test {
   void SetUp() override {
     ASSERT_EQ(static_cast<UINT>(DMLERR_NO_ERROR), DdeInitializeA(&instance_, Ignore, APPCMD_CLIENTONLY, 0));
   }
-  void TearDown() override { DdeUninitialize(instance_); }
+  void TearDown() override {
+    kv::ddeDisconnect(conversation_);
+    server_.reset();
+    DdeUninitialize(instance_);
+  }
+  // Ends the server before it, if any.
+  void ConverseWith(const char* arguments, const char* topic = "System") {
+    kv::ddeDisconnect(conversation_);
+    server_.reset();
+    server_ = std::make_unique<Server>(arguments);
+    conversation_ = kv::ddeConnect(instance_, "Excel", topic);
+    ASSERT_TRUE(conversation_);
+  }
+  BOOL Request(const char* item, DWORD timeout = 0) {
+    return kv::ddeRequest(instance_, conversation_, item, text_, timeout);
+  }
+  // How long a request goes without an answer, in milliseconds.
+  long long SilenceOf(DWORD timeout) {
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(0, Request("Topics", timeout));
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - begin).count();
+  }
 
   DWORD instance_ = 0;
+  std::unique_ptr<Server> server_;
+  HCONV conversation_ = nullptr;
+  char text_[64] = "untouched";
 };
 
-long long MillisecondsOf(const std::function<void()>& call) {
-  const auto begin = std::chrono::steady_clock::now();
-  call();
-  return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - begin).count();
-}
-
 TEST_F(Dde, ConverseWithAServerInAnotherProcess) {
-  Server server("Excel System,Mappe2");
-  EXPECT_FALSE(kv::ddeConnect(instance_, "Excel", "Mappe3"));
-  EXPECT_FALSE(kv::ddeConnect(instance_, "Other", "System"));
-  HCONV conversation = kv::ddeConnect(instance_, "Excel", "Mappe2");
-  ASSERT_TRUE(conversation);
-
-  EXPECT_TRUE(kv::ddePoke(instance_, conversation, "Z1S1", "12,5", 0));
-  EXPECT_TRUE(server.Saw("poke Z1S1 \"12,5\\0\" (5 bytes)")) << server.Log();
-  char text[16] = "untouched";
-  EXPECT_EQ(1, kv::ddeRequest(instance_, conversation, "Z1S1", text, 0));
-  EXPECT_STREQ("12,5", text);
-  EXPECT_EQ(0, kv::ddeRequest(instance_, conversation, "Z9S9", text, 0));
-  EXPECT_STREQ("12,5", text);
+  ConverseWith("Excel System,Mappe2", "Mappe2");
+  EXPECT_FALSE(kv::ddeConnect(instance_, "Excel", "Mappe3") || kv::ddeConnect(instance_, "Other", "System"));
+  EXPECT_TRUE(kv::ddePoke(instance_, conversation_, "Z1S1", "12,5", 0));
+  EXPECT_TRUE(server_->Saw("poke Z1S1 \"12,5\\0\" (5 bytes)"));
+  EXPECT_EQ(1, Request("Z1S1"));
+  EXPECT_STREQ("12,5", text_);
+  EXPECT_EQ(0, Request("Z9S9"));
+  EXPECT_STREQ("12,5", text_);
 
   // Last, because Wine serves no further transaction of a conversation after an asynchronous one.
-  EXPECT_EQ(1, kv::ddeExecute(instance_, conversation, "[NEW(1)]"));
-  EXPECT_TRUE(server.Saw("execute Mappe2 \"[NEW(1)]\\0\" (9 bytes)")) << server.Log();
-
-  EXPECT_TRUE(kv::ddeDisconnect(conversation));
-  EXPECT_TRUE(server.Saw("disconnect"));
-  EXPECT_FALSE(kv::ddeDisconnect(conversation));
-  EXPECT_EQ(0, kv::ddeRequest(instance_, conversation, "Z1S1", text, 200));
+  EXPECT_EQ(1, kv::ddeExecute(instance_, conversation_, "[NEW(1)]"));
+  EXPECT_TRUE(server_->Saw("execute Mappe2 \"[NEW(1)]\\0\" (9 bytes)"));
+  EXPECT_TRUE(kv::ddeDisconnect(conversation_));
+  EXPECT_TRUE(server_->Saw("disconnect"));
+  EXPECT_FALSE(kv::ddeDisconnect(conversation_));
+  EXPECT_EQ(0, Request("Z1S1", 200));
 }
 
 TEST_F(Dde, LongAnswersEndAtTheBuffer) {
-  Server server("Excel System");
-  HCONV conversation = kv::ddeConnect(instance_, "Excel", "System");
-  ASSERT_TRUE(conversation);
-  const auto request = [&](const char* item, char* to) { return kv::ddeRequest(instance_, conversation, item, to, 0); };
-
+  ConverseWith("Excel System");
+  const auto request = [&](const char* item, char* to) {
+    return kv::ddeRequest(instance_, conversation_, item, to, 0);
+  };
   GuardedBytes room(kv::kDdeAnswerSize + 1);  // the byte after these faults
   char* text = room.as<char>();
   text[kv::kDdeAnswerSize] = '!';
@@ -147,94 +158,61 @@ TEST_F(Dde, LongAnswersEndAtTheBuffer) {
     EXPECT_EQ('a' + 8191 % 26, text[8191]);
     EXPECT_EQ('!', text[8192]);  // a destination of kDdeAnswerSize bytes would end here
   }
-
   // One byte too few for the text: nothing is stored, and still the server has answered.
   EXPECT_EQ(1, request("Bytes8192", text + 2));
-  EXPECT_EQ('c', text[2]);
-  EXPECT_EQ('!', text[8192]);
+  EXPECT_TRUE(text[2] == 'c' && text[8192] == '!');
   EXPECT_EQ(1, request("Bytes10", nullptr));
   // Room for the text and none for the terminator.
   EXPECT_EQ(1, request("Bytes10", text + kv::kDdeAnswerSize - 9));
   EXPECT_EQ(0, memcmp("abcdefghij", text + kv::kDdeAnswerSize - 9, 10));
-  kv::ddeDisconnect(conversation);
 }
 
 TEST_F(Dde, TimeOutsEndTheWait) {
-  char text[64] = "untouched";
-  {
-    Server slow("Excel System delay=700");
-    HCONV conversation = kv::ddeConnect(instance_, "Excel", "System");
-    ASSERT_TRUE(conversation);
-    const long long waited =
-        MillisecondsOf([&] { EXPECT_EQ(0, kv::ddeRequest(instance_, conversation, "Topics", text, 150)); });
-    EXPECT_GE(waited, 140);
-    EXPECT_LT(waited, 650);
-    EXPECT_STREQ("untouched", text);
-    // The late answer belongs to nobody; a later request gets its own.
-    EXPECT_TRUE(slow.Saw("request Topics: answered"));
-    EXPECT_EQ(1, kv::ddeRequest(instance_, conversation, "Bytes3", text, 0));
-    EXPECT_STREQ("abc", text);
-    kv::ddeDisconnect(conversation);
-  }
-  Server silent("Excel System silent");
-  HCONV conversation = kv::ddeConnect(instance_, "Excel", "System");
-  ASSERT_TRUE(conversation);
+  ConverseWith("Excel System delay=700");
+  const long long waited = SilenceOf(150);
+  EXPECT_TRUE(waited >= 140 && waited < 650) << waited;
+  EXPECT_STREQ("untouched", text_);
+  // The late answer belongs to nobody; a later request gets its own.
+  EXPECT_TRUE(server_->Saw("request Topics: answered"));
+  EXPECT_EQ(1, Request("Bytes3"));
+  EXPECT_STREQ("abc", text_);
   // The default of ten seconds is waited out only on demand.
-  const bool whole = getenv("KV_DDE_WHOLE_TIMEOUT") != nullptr;
-  const DWORD limit = whole ? kv::kDdeTimeoutMs : 200;
-  const long long waited =
-      MillisecondsOf([&] { EXPECT_EQ(0, kv::ddeRequest(instance_, conversation, "Topics", text, whole ? 0 : limit)); });
-  EXPECT_GE(waited, limit - 10);
-  EXPECT_LT(waited, limit + 2000);
-  kv::ddeDisconnect(conversation);
+  if (!getenv("KV_DDE_WHOLE_TIMEOUT")) return;
+  ConverseWith("Excel System silent");
+  EXPECT_GE(SilenceOf(0), kv::kDdeTimeoutMs - 10);
 }
 
 TEST_F(Dde, RefusalsAndADeadServerAreFailures) {
-  char text[64] = "untouched";
-  {
-    Server server("Excel System refuse");
-    HCONV conversation = kv::ddeConnect(instance_, "Excel", "System");
-    ASSERT_TRUE(conversation);
-    EXPECT_EQ(0, kv::ddeRequest(instance_, conversation, "Topics", text, 0));
-    // The result of a refused poke is the system's, and not every system tells it apart.
-    kv::ddePoke(instance_, conversation, "Z1S1", "1", 0);
-    EXPECT_TRUE(server.Saw("poke Z1S1 \"1\\0\" (2 bytes): refused"));
-    EXPECT_EQ(1, kv::ddeExecute(instance_, conversation, "[QUIT]"));  // sent; its fate is not looked at
-    EXPECT_TRUE(server.Saw("\"[QUIT]\\0\" (7 bytes): refused"));
-    kv::ddeDisconnect(conversation);
-  }
-  Server server("Excel System");
-  HCONV conversation = kv::ddeConnect(instance_, "Excel", "System");
-  ASSERT_TRUE(conversation);
-  server.Kill();
-  EXPECT_EQ(0, kv::ddeRequest(instance_, conversation, "Topics", text, 500));
-  EXPECT_FALSE(kv::ddePoke(instance_, conversation, "Z1S1", "1", 500));
-  EXPECT_STREQ("untouched", text);
-  kv::ddeDisconnect(conversation);
+  ConverseWith("Excel System refuse");
+  EXPECT_EQ(0, Request("Topics"));
+  // The result of a refused poke is the system's, and not every system tells it apart.
+  kv::ddePoke(instance_, conversation_, "Z1S1", "1", 0);
+  EXPECT_TRUE(server_->Saw("poke Z1S1 \"1\\0\" (2 bytes): refused"));
+  EXPECT_EQ(1, kv::ddeExecute(instance_, conversation_, "[QUIT]"));  // sent; its fate is not looked at
+  EXPECT_TRUE(server_->Saw("\"[QUIT]\\0\" (7 bytes): refused"));
+
+  ConverseWith("Excel System");
+  server_->Kill();
+  EXPECT_EQ(0, Request("Topics", 500));
+  EXPECT_FALSE(kv::ddePoke(instance_, conversation_, "Z1S1", "1", 500));
+  EXPECT_STREQ("untouched", text_);
 }
 
 TEST_F(Dde, BadArgumentsAreRefused) {
-  Server server("Excel System");
-  HCONV conversation = kv::ddeConnect(instance_, "Excel", "System");
-  ASSERT_TRUE(conversation);
-  GuardedBytes unterminated(4);
+  ConverseWith("Excel System");
+  const GuardedBytes unterminated(4);
   memset(unterminated.data(), 'A', 4);
-  const std::string tooLong(300, 'x');
-  char text[8] = "kept";
   for (const char* bad : {static_cast<const char*>(nullptr), unterminated.as<const char>()}) {
-    EXPECT_FALSE(kv::ddeConnect(instance_, bad, "System"));
-    EXPECT_FALSE(kv::ddeConnect(instance_, "Excel", bad));
-    EXPECT_EQ(0, kv::ddeExecute(instance_, conversation, bad));
-    EXPECT_EQ(0, kv::ddeRequest(instance_, conversation, bad, text, 200));
-    EXPECT_FALSE(kv::ddePoke(instance_, conversation, bad, "1", 200));
-    EXPECT_FALSE(kv::ddePoke(instance_, conversation, "Z1S1", bad, 200));
+    EXPECT_FALSE(kv::ddeConnect(instance_, bad, "System") || kv::ddeConnect(instance_, "Excel", bad));
+    EXPECT_FALSE(kv::ddeExecute(instance_, conversation_, bad) || Request(bad, 200));
+    EXPECT_FALSE(kv::ddePoke(instance_, conversation_, bad, "1", 200));
+    EXPECT_FALSE(kv::ddePoke(instance_, conversation_, "Z1S1", bad, 200));
   }
+  const std::string tooLong(300, 'x');
   EXPECT_FALSE(kv::ddeConnect(instance_, tooLong.c_str(), "System"));
   EXPECT_FALSE(kv::ddeConnect(instance_, "Excel", tooLong.c_str()));
-  EXPECT_FALSE(kv::ddeConnect(0, "Excel", "System"));
-  EXPECT_EQ(0, kv::ddeExecute(0, conversation, "[NEW(1)]"));
-  EXPECT_STREQ("kept", text);
-  kv::ddeDisconnect(conversation);
+  EXPECT_FALSE(kv::ddeConnect(0, "Excel", "System") || kv::ddeExecute(0, conversation_, "[NEW(1)]"));
+  EXPECT_STREQ("untouched", text_);
 }
 
 // Makes a word's page read-only until something tries to write there, and lets that one try fail. To ddeStartStop,
@@ -269,50 +247,40 @@ bool IsLive(DWORD instance) {
   return name && DdeFreeStringHandle(instance, name);
 }
 
-TEST_F(Dde, StartStopRefusesAWritableSlot) {
-  DWORD slot = 0;
-  EXPECT_EQ(0, kv::ddeStartStop(1, &slot));
-  EXPECT_EQ(0u, slot);
-  slot = instance_;
-  EXPECT_EQ(0, kv::ddeStartStop(0, &slot));
-  EXPECT_EQ(instance_, slot);
-  EXPECT_TRUE(IsLive(instance_));
+// What a slot that becomes writable gives; its value goes to `slot`.
+BOOL StartStop(BOOL start, DWORD* slot) {
+  const WritableAfterOneFault once(slot);
+  return kv::ddeStartStop(start, slot);
 }
 
-TEST_F(Dde, StartStopGoesOnWithASlotThatIsNotWritable) {
-  EXPECT_EQ(0, kv::ddeStartStop(1, nullptr));
-  EXPECT_EQ(1, kv::ddeStartStop(0, nullptr));
-  GuardedBytes page(sizeof(DWORD));
-  DWORD* slot = page.as<DWORD>();
-  DWORD* unreadable = slot + 1;
-  EXPECT_EQ(0, kv::ddeStartStop(1, unreadable));
-  EXPECT_EQ(0, kv::ddeStartStop(0, unreadable));
+TEST_F(Dde, StartStopRefusesAWritableSlotAndGoesOnWithOneThatIsNot) {
+  DWORD writable = 0;
+  EXPECT_EQ(0, kv::ddeStartStop(1, &writable));
+  EXPECT_EQ(0u, writable);
+  writable = instance_;
+  EXPECT_EQ(0, kv::ddeStartStop(0, &writable));
+  EXPECT_TRUE(writable == instance_ && IsLive(instance_));
 
+  const GuardedBytes page(sizeof(DWORD));
+  DWORD* slot = page.as<DWORD>();
+  EXPECT_TRUE(!kv::ddeStartStop(1, nullptr) && kv::ddeStartStop(0, nullptr));
+  EXPECT_FALSE(kv::ddeStartStop(1, slot + 1) || kv::ddeStartStop(0, slot + 1));  // not readable
   *slot = 0;
-  {
-    WritableAfterOneFault once(slot);
-    EXPECT_EQ(1, kv::ddeStartStop(1, slot));
-  }
+  EXPECT_EQ(1, StartStop(1, slot));
   const DWORD made = *slot;
   EXPECT_TRUE(IsLive(made));
-  {
-    WritableAfterOneFault once(slot);
-    EXPECT_EQ(1, kv::ddeStartStop(1, slot));
-    EXPECT_EQ(made, *slot);
-  }
-  {
-    WritableAfterOneFault once(slot);
-    EXPECT_EQ(1, kv::ddeStartStop(0, slot));
-    EXPECT_EQ(0u, *slot);
-    EXPECT_FALSE(IsLive(made));
-  }
+  EXPECT_EQ(1, StartStop(1, slot));
+  EXPECT_EQ(made, *slot);
+  EXPECT_EQ(1, StartStop(0, slot));
+  EXPECT_TRUE(*slot == 0 && !IsLive(made));
 
   // A page that stays read-only: a new instance has no place and is given back, an old one is ended.
-  page.MakeReadOnly();
-  EXPECT_EQ(0, kv::ddeStartStop(1, slot));
-  GuardedBytes kept(sizeof(DWORD));
+  GuardedBytes empty(sizeof(DWORD)), kept(sizeof(DWORD));
+  *empty.as<DWORD>() = 0;
   *kept.as<DWORD>() = instance_;
+  empty.MakeReadOnly();
   kept.MakeReadOnly();
+  EXPECT_EQ(0, kv::ddeStartStop(1, empty.as<DWORD>()));
   EXPECT_EQ(1, kv::ddeStartStop(1, kept.as<DWORD>()));
   EXPECT_TRUE(IsLive(instance_));
   EXPECT_EQ(1, kv::ddeStartStop(0, kept.as<DWORD>()));
@@ -347,79 +315,62 @@ class ExcelLink : public testing::Test {
 };
 
 TEST_F(ExcelLink, OrdinaryOpeningsAndClosingsEndAtTheStart) {
-  EXPECT_EQ(0, kv::excelLink(1));
-  EXPECT_EQ(0u, link_.ddeInstance);
-  EXPECT_FALSE(link_.systemConversation);
-  EXPECT_EQ(0u, launches.size());
+  EXPECT_FALSE(kv::excelLink(1) || link_.ddeInstance || link_.systemConversation || !launches.empty());
   EXPECT_EQ(0, kv::excelLink(0));
 }
 
 TEST_F(ExcelLink, StartsTheSpreadsheetThatDoesNotRun) {
   EXPECT_EQ(0, Open());
   EXPECT_TRUE(IsLive(link_.ddeInstance));
-  EXPECT_FALSE(link_.systemConversation);
-  EXPECT_FALSE(link_.workbookConversation);
+  EXPECT_FALSE(link_.systemConversation || link_.workbookConversation);
   ASSERT_EQ(1u, launches.size());
   const SHELLEXECUTEINFOA& info = launches[0];
-  EXPECT_EQ(60u, info.cbSize);
-  EXPECT_EQ(0x140u, info.fMask);
-  EXPECT_STREQ("open", info.lpVerb);
-  EXPECT_STREQ("Excel.exe", info.lpFile);
-  EXPECT_STREQ("", info.lpParameters);
-  EXPECT_EQ(1, info.nShow);
+  EXPECT_TRUE(info.cbSize == 60 && info.fMask == 0x140 && info.nShow == 1);
+  EXPECT_EQ("open Excel.exe ", std::string(info.lpVerb) + " " + info.lpFile + " " + info.lpParameters);
   EXPECT_TRUE(!info.hwnd && !info.lpDirectory && !info.hProcess);
 
-  WritableAfterOneFault once(&kv::excelLinkState.ddeInstance);
+  const WritableAfterOneFault once(&kv::excelLinkState.ddeInstance);
   EXPECT_EQ(1, kv::excelLink(0));
   EXPECT_EQ(0u, link_.ddeInstance);
 }
 
 // Takes ten seconds under Wine, which does not serve the request for the topics after the execute.
 TEST_F(ExcelLink, MakesAWorkbookInTheRunningSpreadsheet) {
-  Server server("Excel System,Mappe2");
+  const Server server("Excel System,Mappe2");
   EXPECT_EQ(0, Open());
-  EXPECT_EQ(0u, launches.size());
-  ASSERT_TRUE(link_.systemConversation);
-  ASSERT_TRUE(link_.workbookConversation);
+  ASSERT_TRUE(link_.systemConversation && link_.workbookConversation && launches.empty());
+  EXPECT_TRUE(kv::ddePoke(link_.ddeInstance, link_.workbookConversation, "Z1S1", "12,5", 0));
+  EXPECT_EQ(0, kv::excelLink(0));
+  EXPECT_FALSE(link_.systemConversation || link_.workbookConversation);
+  EXPECT_TRUE(server.Saw("disconnect Mappe2"));
   const std::string log = server.Log();
   size_t place = 0;
-  for (const char* line : {"connect Excel|System: accepted", "execute System \"[NEW(1)]\\0\" (9 bytes)",
-                           "request Topics: answered", "connect Excel|Mappe2: accepted"}) {
+  for (const char* line :
+       {"connect Excel|System: accepted", "execute System \"[NEW(1)]\\0\" (9 bytes)", "request Topics: answered",
+        "connect Excel|Mappe2: accepted", "disconnect System", "disconnect Mappe2"}) {
     place = log.find(line, place);
     ASSERT_NE(std::string::npos, place) << line << " is not in its place in\n" << log;
   }
-  EXPECT_TRUE(kv::ddePoke(link_.ddeInstance, link_.workbookConversation, "Z1S1", "12,5", 0));
-
-  EXPECT_EQ(0, kv::excelLink(0));
-  EXPECT_FALSE(link_.systemConversation);
-  EXPECT_FALSE(link_.workbookConversation);
-  EXPECT_TRUE(server.Saw("disconnect System"));
-  EXPECT_TRUE(server.Saw("disconnect Mappe2"));
-  EXPECT_LT(server.Log().find("disconnect System"), server.Log().find("disconnect Mappe2"));
 }
 
 TEST_F(ExcelLink, AWorkbookThatCannotBeReachedClosesBothConversations) {
-  Server server("Excel System leave");
+  const Server server("Excel System leave");
   EXPECT_EQ(0, Open());
-  EXPECT_FALSE(link_.systemConversation);
-  EXPECT_FALSE(link_.workbookConversation);
-  EXPECT_TRUE(IsLive(link_.ddeInstance));
-  EXPECT_EQ(0u, launches.size());
-  EXPECT_TRUE(server.Saw("connect Excel|Mappe2: not mine"));
+  EXPECT_FALSE(link_.systemConversation || link_.workbookConversation || !launches.empty());
+  EXPECT_TRUE(IsLive(link_.ddeInstance) && server.Saw("connect Excel|Mappe2: not mine"));
 }
 
 TEST(DecimalPoint, OnlyTheFirstBecomesAComma) {
-  char number[] = "12.5.3";
-  EXPECT_EQ(1, kv::decimalPointToComma(number));
-  EXPECT_STREQ("12,5.3", number);
-  char whole[] = "125";
-  EXPECT_EQ(1, kv::decimalPointToComma(whole));
-  EXPECT_STREQ("125", whole);
-  GuardedBytes bytes(4);
-  memcpy(bytes.data(), "1.25", 4);  // no terminator before the page ends
-  EXPECT_EQ(1, kv::decimalPointToComma(bytes.as<char>()));
-  EXPECT_EQ(0, memcmp("1.25", bytes.data(), 4));
-  memcpy(bytes.data(), "1.2", 4);
+  GuardedBytes bytes(7);
+  const auto converted = [&](const char* number) {
+    memcpy(bytes.data(), number, 7);
+    EXPECT_EQ(1, kv::decimalPointToComma(bytes.as<char>()));
+    return std::string(bytes.as<char>(), strnlen(bytes.as<char>(), 7));
+  };
+  EXPECT_EQ("12,5.3", converted("12.5.3"));
+  EXPECT_EQ("125", converted("125\0\0\0"));
+  EXPECT_EQ("1.25000", converted("1.25000"));  // no terminator before the page ends
+  memcpy(bytes.data(), "1.2500", 7);
   bytes.MakeReadOnly();
   EXPECT_EQ(1, kv::decimalPointToComma(bytes.as<char>()));
   EXPECT_EQ(1, kv::decimalPointToComma(nullptr));
