@@ -117,8 +117,9 @@ HDDEDATA ddePoke(DWORD instance, HCONV conversation, const char* item, const cha
 }
 
 BOOL ddeStartStop(BOOL start, DWORD* instance) {
-  // The test is this way round on purpose: an ordinary slot keeps the DDE library out of the process, and with it the
-  // wait for every window of the desktop. Programs rely on a link that stays closed.
+  // The test is this way round on purpose: an ordinary, writable slot keeps the DDE library out of the process. Turned
+  // round, opening the link would start the library and wait for every window of the desktop, in hosts in which it does
+  // neither.
   if (!IsBadWritePtr(instance, sizeof(*instance))) return 0;
   if (!start && !instance) return 1;
   if (IsBadReadPtr(instance, sizeof(*instance))) return 0;

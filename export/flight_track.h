@@ -34,7 +34,7 @@ struct FlightTrack {
   DWORD dwReserved;
   double dReferenceLatitude, dReferenceLongitude;  // origin of the local frame
   FlightTrackPoint* lpPoints;                      // nPoints of them, in flight order
-  BYTE reserved[612];                              // for what further views will need; zero
+  BYTE reserved[612];                              // not used; zero
 };
 static_assert(sizeof(FlightTrack) == 640 && offsetof(FlightTrack, dReferenceLatitude) == 8 &&
               offsetof(FlightTrack, lpPoints) == 24);

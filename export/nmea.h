@@ -1,7 +1,8 @@
 // NMEA text for the consumers of a navigation receiver: position, speed and course as a "$GPRMC" sentence. Main thread.
 //
-// The sentence keeps this maker's own form, which its consumers read: the minutes' fraction carries whole seconds, the
-// date carries the minute where others put the month, and no checksum follows.
+// The sentence has a form of our own, and is meant to: the minutes' fraction carries whole seconds, the date carries
+// the minute where others put the month, and no checksum follows. Whoever reads it must know that; "put right", it
+// would tell whoever reads it now another position and date.
 #pragma once
 
 #include <windows.h>

@@ -1,10 +1,16 @@
 // The program's own calendar: conversions between SYSTEMTIME and a floating day number, whose integer part counts days
 // and whose fraction is the time of day. Any thread; no state.
 //
-// The count is our own, not the proleptic Gregorian one, and records carry it, so it stays as it is. Two days of a leap
-// year do not come back from their number: February 29th returns as March 1st, and December 31st returns as January 1st
-// of the next year in those leap years whose next year begins 365 counted days later (about three in four). Weekdays
-// follow the count as well.
+// The count is our own, not the proleptic Gregorian one, and meant to stay: both directions of the conversion are made
+// for it, and a number that a host has stored would mean another day if it changed. Two days of a leap year do not come
+// back from their number: February 29th returns as March 1st, and December 31st returns as January 1st of the next year
+// in those leap years whose next year begins 365 counted days later (about three in four). Weekdays follow the count as
+// well.
+//
+// Some numbers are those of dates that do not exist. A year whose next year begins 366 counted days later although it
+// has 365 (144 of the years 1601 to 2400) has a December 32nd: 1995-12-31 and one day is 1995-12-32. 2000 and 2400 have
+// a January 0th: 1999-12-31 and one day is 2000-01-00. NormalizeTime makes January 1st of a December 32nd and leaves a
+// day 0.
 //
 // Every routine answers 0 and writes nothing when a SYSTEMTIME it needs cannot be read or written (CompareTimes is the
 // exception it describes). Results may be the same record as an argument. Numbers beyond what the 16-bit fields hold
@@ -52,7 +58,7 @@ int CompareTimes(const SYSTEMTIME* a, const SYSTEMTIME* b);
 // The date is that of both day numbers added; the time of day is b's minus a's, borrowing a day when that is negative.
 BOOL CombineTimes(const SYSTEMTIME* a, const SYSTEMTIME* b, SYSTEMTIME* result);
 
-// The date that many days later, at the same time of day.
+// The date that many counted days later, at the same time of day: possibly one that does not exist (see above).
 BOOL AddDays(const SYSTEMTIME* time, DWORD days, SYSTEMTIME* result);
 
 }  // namespace kv

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdlib>
 
+#include "framework/guards.h"
 #include "framework/painting.h"
 #include "framework/whole_number.h"
 
@@ -50,6 +51,7 @@ BOOL RegisterDialogClass(HINSTANCE instance, BOOL registerIt) {
     UnregisterClassA(kDialogClass, instance);
     return TRUE;
   }
+  OwnedBrush brush(CreateSolidBrush(kDialogBlue));
   const WNDCLASSEXA windowClass{
       .cbSize = sizeof(WNDCLASSEXA),
       .style = CS_DBLCLKS | CS_CLASSDC,
@@ -59,13 +61,16 @@ BOOL RegisterDialogClass(HINSTANCE instance, BOOL registerIt) {
       .hInstance = instance,
       .hIcon = LoadIconA(instance, MAKEINTRESOURCEA(kLargeIconId)),
       .hCursor = LoadCursorA(nullptr, reinterpret_cast<LPCSTR>(IDC_ARROW)),
-      // Never used to erase, since the procedure answers WM_ERASEBKGND, and never deleted here: one per process.
-      .hbrBackground = CreateSolidBrush(kDialogBlue),
+      .hbrBackground = brush,
       .lpszMenuName = nullptr,
       .lpszClassName = kDialogClass,
       .hIconSm = LoadIconA(instance, MAKEINTRESOURCEA(kSmallIconId)),
   };
-  return RegisterClassExA(&windowClass) != 0;
+  if (!RegisterClassExA(&windowClass)) return FALSE;
+  // The class's from here on: never used to erase, since the procedure answers WM_ERASEBKGND, and never deleted here,
+  // not even when the class is unregistered.
+  brush.Release();
+  return TRUE;
 }
 
 BOOL ModelessDialogs(HWND window, MSG* message, int operation) {

@@ -11,7 +11,7 @@ namespace kv {
 inline constexpr char kDialogClass[] = "kvDialog";
 
 // Registers (non-zero flag) or unregisters `kvDialog` for a module; icons 1 (large) and 2 (small) of that module are
-// its icons. Returns 0 only when registering fails. The class brush is left to the system.
+// its icons. Returns 0 only when registering fails. The class brush, one for each registration, stays for good.
 BOOL RegisterDialogClass(HINSTANCE instance, BOOL registerIt);
 
 enum ModelessOperation {

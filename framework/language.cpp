@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kFreedBitmaps = 32;
 constexpr wchar_t kLanguageValue[] = L"LanguageCode";
-// What LoadLibrary answers below this number is an error code, not a module.
+// Handles below this number are taken for error codes.
 constexpr UINT_PTR kFirstModule = 32;
 
 bool IsLanguage(int language) {

@@ -56,7 +56,8 @@ inline constexpr int kLanguageFileOther = 2;  // the first file of any language
 // Finds the file stem + code + extension beside the program (".dll" for an extension that is not readable). English is
 // taken without a look whether its file is there. When the language has no file, the first one of any language is
 // taken, unless `mustExist`. The path goes to `path`, a buffer of kPathCharacters, which may be absent and is written
-// only when something was found. A path that does not fit there is no file.
+// only when something was found. A path that does not fit there is no file, but English is taken even so, with its path
+// cut at the end.
 int FindLanguageFile(int language, const wchar_t* stem, const wchar_t* extension, wchar_t* path, BOOL mustExist);
 
 // The same in a folder of the caller's choice, which ends with a backslash.
@@ -87,7 +88,8 @@ HMENU BuildLanguageMenu(int current, HINSTANCE instance, UINT firstCommand, UINT
                         HBITMAP* handles);
 
 // Deletes the bitmaps of a language menu that no longer needs them: the first 32 of the 48, as far as they can be read
-// and are not 0. The last 16, checked images, stay on purpose: programs show them on after the menu is gone. Always 1.
+// and are not 0. The last 16 (the checked images of the languages 8 to 23) stay on purpose and are the caller's: one
+// that shows them elsewhere or deletes them itself would be left with dead handles. Always 1.
 BOOL FreeLanguageMenuBitmaps(const HBITMAP* handles);
 
 }  // namespace kv

@@ -38,7 +38,7 @@ void ResolveText(HINSTANCE instance, const ToolTipEntry& entry, wchar_t (&text)[
 }  // namespace
 
 HWND CreateToolTips(HINSTANCE instance, HWND owner, const ToolTipEntry* entries, int count) {
-  if (!IsReadableTable(entries, count)) return nullptr;
+  if (!IsWindow(owner) || !IsReadableTable(entries, count)) return nullptr;
   if (!instance) instance = reinterpret_cast<HINSTANCE>(GetWindowLongA(owner, GWL_HINSTANCE));
   const HWND tips = CreateWindowExW(0, TOOLTIPS_CLASSW, nullptr, TTS_ALWAYSTIP, CW_USEDEFAULT, CW_USEDEFAULT,
                                     CW_USEDEFAULT, CW_USEDEFAULT, owner, nullptr, instance, nullptr);

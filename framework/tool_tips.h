@@ -22,8 +22,8 @@ inline constexpr int kToolTipCharacters = 1024;
 // resources come from `instance`, or the owner's module when that is null. Button rectangles are taken once: buttons
 // that move later keep their old tips' places. An id without a control still makes a tool, for no window.
 //
-// The window belongs to the top-level window of `owner` and goes with that. Null when the table cannot be read or no
-// window can be made.
+// The window belongs to the top-level window of `owner` and goes with that. Null when `owner` is no window (nobody
+// would destroy the tips), the table cannot be read or no window can be made.
 HWND CreateToolTips(HINSTANCE instance, HWND owner, const ToolTipEntry* entries, int count);
 
 }  // namespace kv

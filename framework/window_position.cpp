@@ -26,11 +26,9 @@ void WriteValue(const char* name, DWORD type, const void* data, DWORD size) {
 }
 
 void WritePosition(const char* name, const RECT& position) {
-  wchar_t wide[kTextCharacters];
-  FormatBounded(wide, sizeof(wide), L"%d,%d,%d,%d", position.left, position.top, position.right, position.bottom);
   char text[kTextCharacters];
-  const int size = WideCharToMultiByte(CP_ACP, 0, wide, -1, text, sizeof(text), nullptr, nullptr);
-  WriteValue(name, REG_SZ, text, size);
+  FormatBoundedA(text, sizeof(text), "%ld,%ld,%ld,%ld", position.left, position.top, position.right, position.bottom);
+  WriteValue(name, REG_SZ, text, static_cast<DWORD>(std::strlen(text)) + 1);
 }
 
 RECT StoredPosition(HWND window, const char* name) {
@@ -83,7 +81,7 @@ RECT CentredPosition(SIZE desktop, SIZE window) {
 }
 
 BOOL WindowPosition(HWND window, const char* name, int mode) {
-  if (!IsWindow(window) || IsBadReadPtr(name, 1) || mode < kPositionSave) return FALSE;
+  if (!IsWindow(window) || IsBadStringPtrA(name, UINT_MAX) || mode < kPositionSave) return FALSE;
   if (mode == kPositionSave) return SavePosition(window, name);
   const RECT position = ClampPosition(StoredPosition(window, name));
   switch (mode) {
@@ -98,7 +96,7 @@ BOOL WindowPosition(HWND window, const char* name, int mode) {
 }
 
 BOOL WindowNumber(const char* name, DWORD* number, int mode) {
-  if (IsBadReadPtr(name, 1) || IsBadWritePtr(number, sizeof(*number))) return FALSE;
+  if (IsBadStringPtrA(name, UINT_MAX) || IsBadWritePtr(number, sizeof(*number))) return FALSE;
   switch (mode) {
     case kPositionSave: WriteValue(name, REG_DWORD, number, sizeof(*number)); return TRUE;
     case kPositionRestore:

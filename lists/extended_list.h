@@ -31,8 +31,9 @@ inline constexpr UINT kHeaderRow = static_cast<UINT>(-1);  // DRAWITEMSTRUCT::it
 // Registers (non-zero flag) or unregisters the class. Returns 0 only when registering fails.
 BOOL RegisterExtendedListClass(HINSTANCE instance, BOOL registerIt);
 
-// The lists' own key below HKEY_CURRENT_USER. Nothing is stored in it as yet: a list makes it when the left button is
-// released and when it is destroyed, so that it exists by the time there is something to keep.
+// The lists' own key below HKEY_CURRENT_USER. A list makes it when the left button is released and when it is
+// destroyed, and stores nothing in it, on purpose: what is to be kept of a list is its host's affair, and the key is
+// the place.
 inline constexpr char kExtendedListSettingsPath[] = "Software\\korvel\\WindowPositions\\ExtendedListWindows";
 
 // Opens the settings key and closes it again. Returns 0 when it does not exist or cannot be opened.

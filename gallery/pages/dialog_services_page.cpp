@@ -190,6 +190,9 @@ void ShowCalendar(HWND page) {
 
   SYSTEMTIME later{};
   kv::AddDays(&time, GetDlgItemInt(page, IDC_SERVICES_ADD, nullptr, FALSE), &later);
+  // Some counted days are no dates: the 32nd of a December, and a day before the first of January.
+  later.wDay = std::max<WORD>(later.wDay, 1);
+  kv::NormalizeTime(&later);
   ShowTime(page, IDC_SERVICES_LATER, later);
   kv::NormalizeTime(&time);
   ShowTime(page, IDC_SERVICES_NORMAL, time);

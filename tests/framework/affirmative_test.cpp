@@ -18,7 +18,8 @@ TEST(Affirmative, KnowsFirstWordsSignsAndTheTrapsOfTheVocabulary) {
   expect(TRUE, 0, {L"Yes please", L"true\tand more", L"on1y", L"C++", L"EYESORE", L"", L" no"});
   expect(FALSE, 0, {L"no", L"please: yes", L"ye", L"ja"});
   expect(TRUE, 1, {L"JA"});
-  expect(TRUE, 2, {L"qui"});  // our users' French
+  expect(FALSE, 8, {L"ДА"});  // only plain letters count without their case
+  expect(TRUE, 2, {L"qui"});  // not a slip of ours to be mended
   expect(FALSE, 2, {L"oui"});
   expect(TRUE, 12, {L"〜の上に"});
   expect(TRUE, 17, {L"av"});

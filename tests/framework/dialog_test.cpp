@@ -8,7 +8,9 @@
 #include <vector>
 
 #include "framework/dialog_texts.h"
+#include "framework/guards.h"
 #include "framework/painting.h"
+#include "tests/support/scarce_objects.h"
 #include "tests/support/test_window.h"
 
 namespace {
@@ -48,7 +50,11 @@ TEST(DialogClass, IsRegisteredAsTemplatesNeedItErasesNothingAndIsADialogOtherwis
   WNDCLASSEXA info{sizeof(info)};
   EXPECT_FALSE(GetClassInfoExA(kModule, "kvDialog", &info));
   const OpenDialog dialog;
-  EXPECT_FALSE(kv::RegisterDialogClass(kModule, TRUE));  // a second time
+  {
+    const kvtest::ScarceObjects scarce(20);
+    for (int i = 0; i < 50; ++i) EXPECT_FALSE(kv::RegisterDialogClass(kModule, TRUE));  // again
+    EXPECT_NE(nullptr, static_cast<HBRUSH>(kv::OwnedBrush(CreateSolidBrush(7))));
+  }
   ASSERT_TRUE(GetClassInfoExA(kModule, "kvDialog", &info));
   EXPECT_TRUE(info.style == 0x48 && info.cbWndExtra == 30);
   EXPECT_EQ(LoadCursorA(nullptr, reinterpret_cast<LPCSTR>(IDC_ARROW)), info.hCursor);

@@ -74,6 +74,7 @@ TEST(ToolTips, OfADialogCoverControls) {
   auto* one = memory.as<kv::ToolTipEntry>();
   *one = {1, L"one"};
   EXPECT_EQ(nullptr, kv::CreateToolTips(nullptr, parent, nullptr, 1));
+  EXPECT_EQ(nullptr, kv::CreateToolTips(nullptr, nullptr, one, 1));
   for (const int tooMany : {2, 0x7FFFFFFF}) EXPECT_EQ(nullptr, kv::CreateToolTips(nullptr, parent, one, tooMany));
   for (const int harmless : {1, -1}) EXPECT_NE(nullptr, kv::CreateToolTips(nullptr, parent, one, harmless));
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -114,9 +115,10 @@ TEST_F(WindowPositionTest, CentresWithoutAUsableText) {
 }
 
 TEST_F(WindowPositionTest, RefusesBadArguments) {
-  const auto* bad = reinterpret_cast<const char*>(16);
+  kvtest::GuardedBytes endless(3);
+  std::fill_n(endless.as<char>(), 3, 'a');
   for (const int mode : {0, 1, 2, 3}) {
-    EXPECT_FALSE(kv::WindowPosition(nullptr, kName, mode) || kv::WindowPosition(window, bad, mode));
+    EXPECT_FALSE(kv::WindowPosition(nullptr, kName, mode) || kv::WindowPosition(window, endless.as<char>(), mode));
   }
   EXPECT_FALSE(kv::WindowPosition(window, kName, -1));
   EXPECT_EQ("", Stored());
