@@ -7,71 +7,44 @@
 #include "framework/picture.h"
 #include "framework/window_record.h"
 #include "lists/extended_list_layout.h"
+#include "lists/extended_list_record.h"
 
 namespace kv {
 
 namespace {
 
-struct ListRecord {
-  HGLOBAL hMemory;
-  HWND hParent;  // the one at creation; receives the measure and draw requests
-  UINT nControlId;
-  DWORD dwRowCount;
-  BOOL bDirty;      // the surface must be redrawn before it is shown
-  BOOL bRedrawing;  // the parent is being asked for rows
-  LONG nRowHeight;  // as last measured
-  SIZE surfaceSize;
-  HBITMAP hSurface;  // null until a paint needs it, and while it is drawn into
-  LONG nHorizontalOffset;
-  LONG nVerticalOffset;
-};
-
 constexpr LRESULT kNoRecord = 1;
-
-// Whatever is sent to the parent may end in the list's destruction, so the record is fetched again after each message.
-ListRecord* RecordOf(HWND window) {
-  return WindowRecord<ListRecord>(window);
-}
 
 void TouchSettings() {
   RegistryKey::Create(kExtendedListSettingsPath);
 }
 
-void UpdateScrollBars(HWND window) {
-  if (const ListRecord* record = RecordOf(window)) {
-    const SCROLLINFO bar = HorizontalBar(record->surfaceSize.cx, ClientSize(window).cx, record->nHorizontalOffset);
-    SetScrollInfo(window, SB_HORZ, &bar, TRUE);
-  }
-  // A bar that appears resizes the window, and so reaches the parent.
-  if (const ListRecord* record = RecordOf(window)) {
-    const SCROLLINFO bar =
-        VerticalBar(record->dwRowCount, record->nRowHeight, ClientSize(window).cy, record->nVerticalOffset);
-    SetScrollInfo(window, SB_VERT, &bar, TRUE);
-  }
-}
-
 // ---- Drawing --------------------------------------------------------------------------------------------------------
 
-void MeasureRows(HWND window, const ListRecord& record) {
-  MEASUREITEMSTRUCT request{.CtlID = record.nControlId, .itemHeight = kDefaultRowHeight};
-  SendMessageA(record.hParent, WM_MEASUREITEM, record.nControlId, reinterpret_cast<LPARAM>(&request));
-  if (ListRecord* measured = RecordOf(window)) measured->nRowHeight = UsableRowHeight(request.itemHeight);
+UINT StateOf(const ListRecord& record, HWND window, UINT row) {
+  if (!record.bSelected || row == kHeaderRow || row != record.dwSelectedRow) return 0;
+  return GetFocus() == window ? ODS_SELECTED | ODS_FOCUS : ODS_SELECTED;
 }
 
 void DrawRow(const ListRecord& record, HWND window, HDC dc, UINT row, const RECT& place) {
   // Made anew for each row: a parent may use the request as its scratch pad.
-  DRAWITEMSTRUCT request{.CtlID = record.nControlId, .itemID = row, .hwndItem = window, .hDC = dc, .rcItem = place};
+  DRAWITEMSTRUCT request{.CtlID = record.nControlId,
+                         .itemID = row,
+                         .itemState = StateOf(record, window, row),
+                         .hwndItem = window,
+                         .hDC = dc,
+                         .rcItem = place};
   SendMessageA(record.hParent, WM_DRAWITEM, record.nControlId, reinterpret_cast<LPARAM>(&request));
 }
 
 void DrawRows(HWND window, HDC dc, SIZE surface) {
-  const ListRecord* record = RecordOf(window);
+  const ListRecord* record = ListRecordOf(window);
   if (!record || record->dwRowCount == 0) return;
   const LONG rowHeight = record->nRowHeight;
   const RowRun rows = VisibleRows(record->dwRowCount, rowHeight, record->nVerticalOffset, surface.cy);
   DrawRow(*record, window, dc, kHeaderRow, RowRect(surface.cx, 0, rowHeight));
   for (DWORD i = 0; i < rows.count; ++i) {
-    record = RecordOf(window);
+    record = ListRecordOf(window);
     // The parent may have shortened the list; it must not be asked for rows that it no longer has.
     if (!record || rows.first + i >= record->dwRowCount) return;
     const LONG top = rows.top + static_cast<LONG>(i) * rowHeight;
@@ -92,10 +65,10 @@ void RedrawSurface(HWND window, ListRecord* record, HDC compatibleWith) {
     const SelectedObject selected(dc, surface);
     const RECT whole{0, 0, size.cx, size.cy};
     FillRect(dc, &whole, GetSysColorBrush(COLOR_WINDOW));
-    MeasureRows(window, *record);
+    MeasureListRows(window);
     DrawRows(window, dc, size);
   }
-  record = RecordOf(window);
+  record = ListRecordOf(window);
   if (!record) return;
   record->bRedrawing = FALSE;
   const bool stillFits = size.cx == record->surfaceSize.cx && size.cy == record->surfaceSize.cy;
@@ -119,7 +92,7 @@ void ShowSurface(HDC dc, SIZE client, HBITMAP surface, SIZE size, LONG horizonta
 // ---- Message handlers -----------------------------------------------------------------------------------------------
 
 LRESULT OnCreate(HWND window) {
-  if (RecordOf(window)) return 0;
+  if (ListRecordOf(window)) return 0;
   ListRecord* record = CreateWindowRecord<ListRecord>(window);
   if (!record) return 0;
   record->hParent = GetParent(window);
@@ -155,7 +128,7 @@ void ResizeSurface(ListRecord& record, SIZE size) {
 LRESULT OnSize(HWND window, ListRecord& record) {
   ResizeSurface(record, {record.surfaceSize.cx, ClientSize(window).cy});
   Redraw(window, record);
-  UpdateScrollBars(window);
+  UpdateListBars(window);
   return 0;
 }
 
@@ -167,7 +140,7 @@ LRESULT OnPaint(HWND window, ListRecord& record) {
     return 0;
   }
   if (record.bDirty) RedrawSurface(window, &record, paint.dc());
-  if (const ListRecord* drawn = RecordOf(window)) {
+  if (const ListRecord* drawn = ListRecordOf(window)) {
     ShowSurface(paint.dc(), ClientSize(window), drawn->hSurface, drawn->surfaceSize, drawn->nHorizontalOffset);
   }
   return 0;
@@ -189,7 +162,7 @@ bool Scroll(HWND window, int barKind, int request, LONG line, LONG* offset) {
 }
 
 LRESULT OnHorizontalScroll(HWND window, ListRecord& record, WPARAM wParam) {
-  if (Scroll(window, SB_HORZ, LOWORD(wParam), kHorizontalLine, &record.nHorizontalOffset)) UpdateScrollBars(window);
+  if (Scroll(window, SB_HORZ, LOWORD(wParam), kHorizontalLine, &record.nHorizontalOffset)) UpdateListBars(window);
   RepaintNow(window);
   return 0;
 }
@@ -197,7 +170,7 @@ LRESULT OnHorizontalScroll(HWND window, ListRecord& record, WPARAM wParam) {
 LRESULT OnVerticalScroll(HWND window, ListRecord& record, WPARAM wParam) {
   const bool moved = Scroll(window, SB_VERT, LOWORD(wParam), record.nRowHeight, &record.nVerticalOffset);
   record.bDirty = TRUE;
-  if (moved) UpdateScrollBars(window);
+  if (moved) UpdateListBars(window);
   RepaintNow(window);
   return 0;
 }
@@ -205,7 +178,7 @@ LRESULT OnVerticalScroll(HWND window, ListRecord& record, WPARAM wParam) {
 LRESULT OnLeftButtonDown(HWND window, ListRecord&) {
   SetFocus(window);
   SetCapture(window);
-  if (ListRecord* record = RecordOf(window)) RedrawIfDirty(window, *record);
+  if (ListRecord* record = ListRecordOf(window)) RedrawIfDirty(window, *record);
   return 0;
 }
 
@@ -213,7 +186,7 @@ LRESULT OnLeftButtonUp(HWND window, ListRecord& record) {
   ReleaseCapture();
   Redraw(window, record);
   TouchSettings();
-  UpdateScrollBars(window);
+  UpdateListBars(window);
   return 0;
 }
 
@@ -221,12 +194,12 @@ LRESULT OnRightButtonDown(HWND window, ListRecord&) {
   SetFocus(window);
   ReleaseCapture();
   SetCursor(LoadCursorA(nullptr, reinterpret_cast<LPCSTR>(IDC_ARROW)));
-  if (ListRecord* record = RecordOf(window)) Redraw(window, *record);
+  if (ListRecord* record = ListRecordOf(window)) Redraw(window, *record);
   return 0;
 }
 
 LRESULT OnSetExtent(HWND window, ListRecord& record, WPARAM wParam) {
-  ResizeSurface(record, {UsableSurfaceWidth(wParam), record.surfaceSize.cy});
+  SetListSurfaceWidth(record, UsableSurfaceWidth(wParam));
   return Redraw(window, record);
 }
 
@@ -238,7 +211,7 @@ LRESULT OnSetCount(HWND window, ListRecord& record, WPARAM wParam) {
 // Without a record (memory was short, or the list is destroyed) the list's own messages are refused. All others still
 // go to the system, which needs them to make and to end the window.
 LRESULT CALLBACK ExtendedListProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  ListRecord* record = RecordOf(window);
+  ListRecord* record = ListRecordOf(window);
   const auto handle = [&](auto handler, auto... arguments) -> LRESULT {
     return record ? handler(window, *record, arguments...) : kNoRecord;
   };
@@ -262,6 +235,35 @@ LRESULT CALLBACK ExtendedListProcedure(HWND window, UINT message, WPARAM wParam,
 }
 
 }  // namespace
+
+ListRecord* ListRecordOf(HWND window) {
+  return WindowRecord<ListRecord>(window);
+}
+
+void MeasureListRows(HWND list) {
+  const ListRecord* record = ListRecordOf(list);
+  if (!record) return;
+  MEASUREITEMSTRUCT request{.CtlID = record->nControlId, .itemHeight = kDefaultRowHeight};
+  SendMessageA(record->hParent, WM_MEASUREITEM, record->nControlId, reinterpret_cast<LPARAM>(&request));
+  if (ListRecord* measured = ListRecordOf(list)) measured->nRowHeight = UsableRowHeight(request.itemHeight);
+}
+
+void SetListSurfaceWidth(ListRecord& record, LONG width) {
+  ResizeSurface(record, {width, record.surfaceSize.cy});
+}
+
+void UpdateListBars(HWND list) {
+  if (const ListRecord* record = ListRecordOf(list)) {
+    const SCROLLINFO bar = HorizontalBar(record->surfaceSize.cx, ClientSize(list).cx, record->nHorizontalOffset);
+    SetScrollInfo(list, SB_HORZ, &bar, TRUE);
+  }
+  // A bar that appears resizes the window, and so reaches the parent.
+  if (const ListRecord* record = ListRecordOf(list)) {
+    const auto barOf = record->bNavigated ? NavigatedBar : VerticalBar;
+    const SCROLLINFO bar = barOf(record->dwRowCount, record->nRowHeight, ClientSize(list).cy, record->nVerticalOffset);
+    SetScrollInfo(list, SB_VERT, &bar, TRUE);
+  }
+}
 
 BOOL RegisterExtendedListClass(HINSTANCE instance, BOOL registerIt) {
   return RegisterControlClass(instance, kExtendedListClass, ExtendedListProcedure, registerIt);

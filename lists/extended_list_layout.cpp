@@ -13,6 +13,12 @@ LONG Limited(Wide value) {
   return static_cast<LONG>(std::clamp<Wide>(value, std::numeric_limits<LONG>::min(), std::numeric_limits<LONG>::max()));
 }
 
+// Of all rows, as far as a bar's range goes.
+LONG HeightOfRows(DWORD rowCount, LONG rowHeight) {
+  constexpr Wide kLargestRange = std::numeric_limits<LONG>::max() - 1;
+  return static_cast<LONG>(std::min(static_cast<Wide>(rowCount) * rowHeight, kLargestRange));
+}
+
 SCROLLINFO Bar(LONG last, LONG page, LONG position) {
   return {.cbSize = sizeof(SCROLLINFO),
           .fMask = SIF_ALL | SIF_DISABLENOSCROLL,
@@ -68,9 +74,20 @@ SCROLLINFO HorizontalBar(LONG surfaceWidth, LONG clientWidth, LONG horizontalOff
 }
 
 SCROLLINFO VerticalBar(DWORD rowCount, LONG rowHeight, LONG clientHeight, LONG verticalOffset) {
-  constexpr Wide kLargestRange = std::numeric_limits<LONG>::max() - 1;
-  const Wide height = static_cast<Wide>(rowCount) * rowHeight;
-  return Bar(static_cast<LONG>(std::min(height, kLargestRange)), clientHeight, verticalOffset);
+  return Bar(HeightOfRows(rowCount, rowHeight), clientHeight, verticalOffset);
+}
+
+LONG RowsInView(LONG rowHeight, LONG clientHeight) {
+  return std::max<LONG>(clientHeight / rowHeight - 1, 1);
+}
+
+SCROLLINFO NavigatedBar(DWORD rowCount, LONG rowHeight, LONG clientHeight, LONG verticalOffset) {
+  const Wide page = static_cast<Wide>(RowsInView(rowHeight, clientHeight)) * rowHeight;
+  return Bar(HeightOfRows(rowCount, rowHeight) - 1, Limited(page), verticalOffset);
+}
+
+LONG LastOffset(const SCROLLINFO& bar) {
+  return std::max<LONG>(bar.nMax - static_cast<LONG>(bar.nPage) + 1, 0);
 }
 
 LONG SurfaceLeft(LONG horizontalOffset, LONG surfaceWidth, LONG clientWidth) {

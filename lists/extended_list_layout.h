@@ -39,6 +39,12 @@ LONG ScrolledOffset(int request, LONG offset, LONG line, const SCROLLINFO& bar);
 SCROLLINFO HorizontalBar(LONG surfaceWidth, LONG clientWidth, LONG horizontalOffset);
 SCROLLINFO VerticalBar(DWORD rowCount, LONG rowHeight, LONG clientHeight, LONG verticalOffset);
 
+// With list navigation: a page is the whole rows in view below the header (at least one), so the bar's end, the last
+// offset, shows the last row at the lower edge.
+LONG RowsInView(LONG rowHeight, LONG clientHeight);
+SCROLLINFO NavigatedBar(DWORD rowCount, LONG rowHeight, LONG clientHeight, LONG verticalOffset);
+LONG LastOffset(const SCROLLINFO& bar);
+
 // The client x at which the surface's left edge is shown; an edge too far away to show anything stays just out of view.
 LONG SurfaceLeft(LONG horizontalOffset, LONG surfaceWidth, LONG clientWidth);
 
