@@ -145,13 +145,10 @@ BOOL exportTrackKml(FlightTrackViewState* view) {
   return TRUE;
 }
 
-BOOL exportWaypointsText(FlightTrackViewState* view) {
-  if (IsBadWritePtr(view, sizeof(*view))) return FALSE;
-  const auto points = ReadablePoints(view->lpTrack);
-  if (points.empty()) return TRUE;
-  TextFile file(kWaypointsPath);
-  if (!file.IsOpen()) return TRUE;
-  const LocalFrame frame = LocalFrameOf(*view->lpTrack);
+BOOL WriteTrackWaypoints(const wchar_t* path, const FlightTrack& track, std::span<const FlightTrackPoint> points) {
+  TextFile file(path);
+  if (!file.IsOpen()) return FALSE;
+  const LocalFrame frame = LocalFrameOf(track);
   GeodeticPosition position{.longitude = frame.longitude, .latitude = frame.latitude};
   NumberText positionText, altitudeText;
   for (const FlightTrackPoint& point : points) {
@@ -160,7 +157,13 @@ BOOL exportWaypointsText(FlightTrackViewState* view) {
     PutAltitude(altitudeText, point.dAltitude);
     WriteLine(file, "", positionText, altitudeText);
   }
-  file.Close();
+  return file.Close();
+}
+
+BOOL exportWaypointsText(FlightTrackViewState* view) {
+  if (IsBadWritePtr(view, sizeof(*view))) return FALSE;
+  const auto points = ReadablePoints(view->lpTrack);
+  if (!points.empty()) WriteTrackWaypoints(kWaypointsPath, *view->lpTrack, points);
   return TRUE;
 }
 

@@ -40,4 +40,8 @@ BOOL isHelmsdeckRunning();
 BOOL WriteTrackKml(const wchar_t* path, const FlightTrack& track, std::span<const FlightTrackPoint> points,
                    const KmlSettings& settings);
 
+// Writes the waypoints text itself, as exportWaypointsText does; returns 0 when the file cannot be created or written
+// whole.
+BOOL WriteTrackWaypoints(const wchar_t* path, const FlightTrack& track, std::span<const FlightTrackPoint> points);
+
 }  // namespace kv

@@ -15,6 +15,7 @@
 #include "export/excel_link.h"
 #include "framework/shell_launch.h"
 #include "tests/support/test_window.h"
+#include "toolkit/dde_conversation.h"
 
 namespace {
 
@@ -165,6 +166,28 @@ TEST_F(Dde, LongAnswersEndAtTheBuffer) {
   // Room for the text and none for the terminator.
   EXPECT_EQ(1, request("Bytes10", text + kv::kDdeAnswerSize - 9));
   EXPECT_EQ(0, memcmp("abcdefghij", text + kv::kDdeAnswerSize - 9, 10));
+}
+
+TEST(DdeConversation, LastsFromItsStartToItsEnd) {
+  Server server("Excel System");
+  {
+    kv::DdeConversation conversation("Excel", "System");
+    ASSERT_TRUE(conversation.IsOpen());
+    EXPECT_TRUE(conversation.Poke("Z1S1", "12,5"));
+    std::string answer = "kept";
+    EXPECT_FALSE(conversation.Request("Z9S9", &answer, 500));
+    EXPECT_EQ("kept", answer);
+    EXPECT_TRUE(conversation.Request("Z1S1", &answer));
+    EXPECT_EQ("12,5", answer);
+    EXPECT_TRUE(conversation.Request("Bytes9000", &answer));
+    EXPECT_EQ(8192u, answer.size());
+    EXPECT_TRUE(conversation.Execute("[NEW(1)]"));
+    EXPECT_TRUE(server.Saw("execute System")) << server.Log();
+  }
+  EXPECT_TRUE(server.Saw("disconnect System")) << server.Log();
+  std::string answer;
+  kv::DdeConversation none("Other", "System");
+  EXPECT_FALSE(none.IsOpen() || none.Execute("x") || none.Poke("a", "b") || none.Request("a", &answer));
 }
 
 TEST_F(Dde, TimeOutsEndTheWait) {

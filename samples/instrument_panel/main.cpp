@@ -1,0 +1,70 @@
+// Instrument panel: gauge, compass, bars and read-outs, fed by a timer, in English and German. panel.rc places the
+// controls; the German texts are a library of their own, built from german.rc as instrument_panelGE.dll.
+#include <cmath>
+
+#include <kv/kv.h>
+#include "samples/instrument_panel/ids.h"
+
+namespace {
+
+constexpr UINT_PTR kFeedTimer = 1;
+constexpr UINT kFeedMs = 100;
+constexpr COLORREF kGreen = RGB(0, 150, 60), kAmber = RGB(240, 160, 0), kRed = RGB(210, 30, 30);
+
+void DescribeInstruments(HWND panel) {
+  kv::SetInstrumentRange(panel, IDC_SPEED, {.maximum = 250, .unit = L"km/h"});
+  const kv::InstrumentZone speeds[] = {{0, 130, kGreen}, {130, 200, kAmber}, {200, 250, kRed}};
+  kv::SetInstrumentZones(panel, IDC_SPEED, speeds);
+  kv::SetInstrumentRange(panel, IDC_ALTITUDE, {.maximum = 3000, .unit = L"m"});
+  kv::SetInstrumentRange(panel, IDC_CLIMB, {.minimum = -10, .maximum = 10, .unit = L"m/s"});
+  kv::SetInstrumentColor(panel, IDC_FUEL, kGreen);
+}
+
+void NameInstruments(HWND panel) {
+  for (int id = IDC_SPEED; id <= IDC_CLOCK; ++id) kv::SetInstrumentName(panel, id, kv::ResourceText(id).c_str());
+}
+
+// Made-up values; a real panel reads them from its device.
+void Feed(HWND panel) {
+  const double seconds = GetTickCount() / 1000.0;
+  kv::SetInstrumentValue(panel, IDC_SPEED, 140 + 80 * std::sin(seconds / 5), TRUE);
+  kv::SetInstrumentValue(panel, IDC_HEADING, std::fmod(seconds * 6, 360), TRUE);
+  kv::SetInstrumentValue(panel, IDC_ALTITUDE, 1500 + 900 * std::sin(seconds / 9), FALSE);
+  kv::SetInstrumentValue(panel, IDC_FUEL, 100 - std::fmod(seconds, 90), FALSE);
+  kv::SetInstrumentValue(panel, IDC_CLIMB, 8 * std::cos(seconds / 9), TRUE);
+  SYSTEMTIME now;
+  GetLocalTime(&now);
+  kv::SetInstrumentTime(panel, IDC_CLOCK, now);
+}
+
+INT_PTR CALLBACK Panel(HWND panel, UINT message, WPARAM wParam, LPARAM) {
+  switch (message) {
+    case WM_INITDIALOG:
+      DescribeInstruments(panel);
+      SetTimer(panel, kFeedTimer, kFeedMs, nullptr);
+      return TRUE;
+    case kv::kLanguageShown:
+      NameInstruments(panel);
+      CheckRadioButton(panel, IDC_ENGLISH, IDC_GERMAN, IDC_ENGLISH + static_cast<int>(wParam));
+      return TRUE;
+    case WM_TIMER: Feed(panel); return TRUE;
+    case WM_COMMAND:
+      if (HIWORD(wParam) != BN_CLICKED) return FALSE;
+      kv::SwitchLanguage(panel, L"PANEL", LOWORD(wParam) - IDC_ENGLISH);
+      return TRUE;
+    default: return FALSE;
+  }
+}
+
+constexpr kv::ToolTipEntry kTips[] = {{IDC_ENGLISH, nullptr}, {IDC_GERMAN, nullptr}};
+
+}  // namespace
+
+int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
+  return kv::RunDialog(instance, {.templateName = L"PANEL",
+                                  .procedure = Panel,
+                                  .positionName = "Samples.InstrumentPanel",
+                                  .smallest = {460, 360},
+                                  .tips = kTips,
+                                  .languages = L"instrument_panel"});
+}

@@ -1,0 +1,79 @@
+// A flight, exported three ways: as a KML document, as waypoints text, and over DDE into a running spreadsheet program.
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include <kv/kv.h>
+#include "samples/track_export/ids.h"
+
+namespace {
+
+// One round of 400 metres, climbing; a real program records where it has been.
+std::vector<kv::FlightTrackPoint> MakeFlight() {
+  std::vector<kv::FlightTrackPoint> points(180);
+  for (size_t i = 0; i < points.size(); ++i) {
+    const double angle = static_cast<double>(i) * 2 / 57.29577951;
+    points[i] = {.dX = 400 * std::sin(angle),
+                 .dY = -400 * std::cos(angle),
+                 .dAltitude = 20.0 + static_cast<double>(i / 10),
+                 .bKind = kv::kPointLocal};
+  }
+  return points;
+}
+
+std::vector<kv::FlightTrackPoint> flight = MakeFlight();
+const kv::FlightTrack track = kv::MakeFlightTrack(46.4102, 8.4306, flight);
+
+void Say(HWND dialog, const std::wstring& text) {
+  SetDlgItemTextW(dialog, IDC_STATUS, text.c_str());
+}
+
+std::wstring PathOf(HWND dialog, const wchar_t* name) {
+  wchar_t folder[kv::kPathCharacters] = L"";
+  GetDlgItemTextW(dialog, IDC_FOLDER, folder, ARRAYSIZE(folder));
+  return std::wstring(folder) + L"\\" + name;
+}
+
+void SaveAs(HWND dialog, const wchar_t* name, BOOL write(const wchar_t* path)) {
+  const std::wstring path = PathOf(dialog, name);
+  Say(dialog, (write(path.c_str()) ? L"Written: " : L"This file could not be written: ") + path);
+}
+
+// A new sheet with one row for each point. What is selected then names the sheet: "[Book1]Sheet1!R1C1".
+void SendToSpreadsheet(HWND dialog) {
+  std::string selection;
+  if (!kv::DdeConversation("Excel", "System").Execute("[NEW(1)]"))
+    return Say(dialog, L"No spreadsheet program is running.");
+  if (!kv::DdeConversation("Excel", "System").Request("Selection", &selection))
+    return Say(dialog, L"The spreadsheet program did not answer.");
+  kv::DdeConversation sheet("Excel", selection.substr(0, selection.find('!')).c_str());
+  size_t sent = 0;
+  for (const kv::FlightTrackPoint& point : flight) {
+    char cells[32], values[96];
+    kv::FormatBoundedA(cells, sizeof(cells), "R%uC1:R%uC3", sent + 1, sent + 1);
+    kv::FormatBoundedA(values, sizeof(values), "%.1f\t%.1f\t%.1f", point.dX, -point.dY, point.dAltitude);
+    if (!sheet.Poke(cells, values)) break;
+    ++sent;
+  }
+  Say(dialog, std::to_wstring(sent) + L" of " + std::to_wstring(flight.size()) + L" points sent.");
+}
+
+INT_PTR CALLBACK TrackExport(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
+  if (message == WM_INITDIALOG) return SetDlgItemTextW(dialog, IDC_FOLDER, _wgetenv(L"TEMP"));
+  if (message != WM_COMMAND) return FALSE;
+  switch (LOWORD(wParam)) {
+    case IDC_KML: SaveAs(dialog, L"flight.kml", [](const wchar_t* path) { return kv::WriteKml(path, track); }); break;
+    case IDC_WAYPOINTS:
+      SaveAs(dialog, L"flight.txt", [](const wchar_t* path) { return kv::WriteWaypoints(path, track); });
+      break;
+    case IDC_SPREADSHEET: SendToSpreadsheet(dialog); break;
+    default: return FALSE;
+  }
+  return TRUE;
+}
+
+}  // namespace
+
+int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
+  return kv::RunDialog(instance, {.templateName = L"TRACK", .procedure = TrackExport, .positionName = "Samples.Track"});
+}

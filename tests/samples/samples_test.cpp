@@ -1,0 +1,150 @@
+// The samples as their users have them: each program is started, looked at, used and closed.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <chrono>
+#include <filesystem>
+#include <set>
+#include <string>
+
+#include "framework/file_path.h"
+#include "framework/guards.h"
+#include "framework/picture.h"
+#include "lists/list_navigation.h"
+#include "samples/instrument_panel/ids.h"
+#include "tests/support/test_window.h"
+#include "toolkit/dde_conversation.h"
+
+namespace {
+
+using kvtest::WaitUntil;
+constexpr std::chrono::seconds kPatience(20);
+
+std::wstring TextOf(HWND window) {
+  wchar_t text[1024] = L"";
+  SendMessageW(window, WM_GETTEXT, ARRAYSIZE(text), reinterpret_cast<LPARAM>(text));
+  return text;
+}
+
+// A program of the build, started from its folder. Ended with the object if it does not end by itself.
+class Program {
+ public:
+  explicit Program(const std::wstring& program, const std::wstring& arguments = L"") {
+    wchar_t here[kv::kPathCharacters] = L"";
+    kv::ProgramDirectory(here);
+    std::wstring command = L"\"" + std::wstring(here) + L"..\\" + program + L"\" " + arguments;
+    STARTUPINFOW startUp{};
+    startUp.cb = sizeof(startUp);
+    EXPECT_TRUE(
+        CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startUp, &process_));
+  }
+  ~Program() {
+    if (WaitForSingleObject(process_.hProcess, 0) == WAIT_TIMEOUT) TerminateProcess(process_.hProcess, 99);
+    CloseHandle(process_.hThread);
+    CloseHandle(process_.hProcess);
+  }
+  Program(const Program&) = delete;
+  Program& operator=(const Program&) = delete;
+
+ protected:
+  PROCESS_INFORMATION process_{};
+};
+
+// A running sample and its window.
+class Sample : public Program {
+ public:
+  Sample(const std::wstring& name, const wchar_t* caption) : Program(L"..\\samples\\" + name + L".exe") {
+    EXPECT_TRUE(WaitUntil([&] { return (window_ = FindWindowW(L"kvDialog", caption)) && IsWindowVisible(window_); },
+                          kPatience));
+  }
+  HWND window() const { return window_; }
+  HWND Control(int id) const { return GetDlgItem(window_, id); }
+  // Whether a part of the client area shows at least that many colours.
+  bool Shows(RECT part, size_t colors) const {
+    return WaitUntil(
+        [&] {
+          const kv::WindowDc dc(window_);
+          std::set<COLORREF> seen;
+          for (int y = part.top; y < part.bottom; y += 3) {
+            for (int x = part.left; x < part.right; x += 2) seen.insert(GetPixel(dc, x, y));
+          }
+          return seen.size() >= colors;
+        },
+        kPatience);
+  }
+  RECT PlaceOf(int id) const {
+    RECT place{};
+    GetWindowRect(Control(id), &place);
+    MapWindowPoints(nullptr, window_, reinterpret_cast<POINT*>(&place), 2);
+    return place;
+  }
+  DWORD Close() {
+    PostMessageW(window_, WM_CLOSE, 0, 0);
+    WaitForSingleObject(process_.hProcess, static_cast<DWORD>(std::chrono::milliseconds(kPatience).count()));
+    DWORD code = 0;
+    GetExitCodeProcess(process_.hProcess, &code);
+    return code;
+  }
+
+ private:
+  HWND window_ = nullptr;
+};
+
+TEST(Samples, TheInstrumentPanelShowsItsInstrumentsInTwoLanguages) {
+  Sample panel(L"instrument_panel", L"Instrument panel");
+  SendMessageW(panel.Control(IDC_ENGLISH), BM_CLICK, 0, 0);
+  for (int id = IDC_SPEED; id <= IDC_CLOCK; ++id) EXPECT_TRUE(panel.Shows(panel.PlaceOf(id), 5)) << id;
+  SendMessageW(panel.Control(IDC_GERMAN), BM_CLICK, 0, 0);
+  EXPECT_EQ(L"Instrumententafel", TextOf(panel.window()));
+  EXPECT_EQ(L"Sprache", TextOf(panel.Control(IDC_LANGUAGE)));
+  SendMessageW(panel.Control(IDC_ENGLISH), BM_CLICK, 0, 0);
+  EXPECT_EQ(L"Language", TextOf(panel.Control(IDC_LANGUAGE)));
+  EXPECT_EQ(0u, panel.Close());
+}
+
+TEST(Samples, AMillionRowsAreShownSortedAndReachedByKeys) {
+  Sample readings(L"million_rows", L"A million readings");
+  constexpr int kRows = 101, kStatus = 102;
+  HWND list = readings.Control(kRows);
+  EXPECT_TRUE(readings.Shows(readings.PlaceOf(kRows), 5));
+  SendMessageW(list, WM_KEYDOWN, VK_END, 0);
+  const auto status = [&](const wchar_t* wanted) {
+    return WaitUntil([&] { return TextOf(readings.Control(kStatus)) == wanted; }, kPatience);
+  };
+  EXPECT_TRUE(status(L"Row 1000000 of 1000000: reading 1000000"));
+  for (UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP}) SendMessageW(list, message, 0, MAKELPARAM(3, 3));
+  EXPECT_TRUE(status(L"Row 1000000 of 1000000: reading 1"));  // the other way round now
+  EXPECT_EQ(0u, readings.Close());
+}
+
+TEST(Samples, ATrackIsExportedThreeWays) {
+  Sample track(L"track_export", L"Track export");
+  constexpr int kFolder = 102, kKml = 103, kWaypoints = 104, kSpreadsheet = 105, kStatus = 106;
+  const std::filesystem::path folder = std::filesystem::temp_directory_path() / L"kv track Ω";
+  const auto press = [&](int button) {
+    SendMessageW(track.Control(kFolder), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(folder.c_str()));
+    SendMessageW(track.Control(button), BM_CLICK, 0, 0);
+    return TextOf(track.Control(kStatus));
+  };
+  EXPECT_EQ(L"This file could not be written: " + (folder / L"flight.kml").wstring(), press(kKml));
+  std::filesystem::create_directory(folder);
+  EXPECT_EQ(L"Written: " + (folder / L"flight.kml").wstring(), press(kKml));
+  EXPECT_EQ(L"Written: " + (folder / L"flight.txt").wstring(), press(kWaypoints));
+  EXPECT_LT(5000u, std::filesystem::file_size(folder / L"flight.kml"));
+  EXPECT_LT(5000u, std::filesystem::file_size(folder / L"flight.txt"));
+  const auto says = [&](const wchar_t* text) {  // connecting asks this process's windows, too: the wait pumps
+    return WaitUntil([&] { return TextOf(track.Control(kStatus)) == text; }, kPatience);
+  };
+  PostMessageW(track.Control(kSpreadsheet), BM_CLICK, 0, 0);
+  EXPECT_TRUE(says(L"No spreadsheet program is running."));
+
+  const Program spreadsheet(L"export\\dde_server.exe", L"dde_server.log Excel System,[Book1]Sheet1");
+  EXPECT_TRUE(WaitUntil([] { return kv::DdeConversation("Excel", "System").Poke("Selection", "[Book1]Sheet1!R1C1"); },
+                        kPatience));
+  PostMessageW(track.Control(kSpreadsheet), BM_CLICK, 0, 0);
+  EXPECT_TRUE(says(L"180 of 180 points sent."));
+  EXPECT_EQ(0u, track.Close());
+  std::filesystem::remove_all(folder);
+}
+
+}  // namespace

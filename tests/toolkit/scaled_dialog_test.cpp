@@ -1,0 +1,172 @@
+#include "toolkit/scaled_dialog.h"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "framework/dialog.h"
+#include "framework/guards.h"
+#include "framework/modules.h"
+#include "framework/picture.h"
+#include "lists/list_navigation.h"
+#include "tests/support/test_window.h"
+#include "tests/toolkit/ids.h"
+#include "toolkit/classes.h"
+#include "toolkit/switch_language.h"
+
+namespace kv {
+namespace {
+
+constexpr COLORREF kGround = RGB(10, 20, 200);
+
+std::vector<UINT> seen;
+UINT answered = 0;  // the message that the procedure keeps to itself
+UINT postAtStart = 0;
+
+INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+  seen.push_back(message);
+  if (message == WM_INITDIALOG) {
+    EXPECT_EQ(77, lParam);
+    if (postAtStart) PostMessageA(dialog, postAtStart, IDOK, 0);
+    return TRUE;
+  }
+  if (message == WM_APP) PostQuitMessage(static_cast<int>(wParam) + 6);
+  return message == answered;
+}
+
+const ToolTipEntry kTips[] = {{IDC_LABEL, MAKEINTRESOURCEW(IDS_ENGLISH_ONLY)}};
+const ScaledDialog kTest{.templateName = L"TEST",
+                         .procedure = Procedure,
+                         .parameter = 77,
+                         .positionName = "Test.Toolkit",
+                         .background = kGround,
+                         .tips = kTips,
+                         .lowestId = 100,
+                         .highestId = 199};
+
+std::wstring TextOf(HWND window) {
+  wchar_t text[64] = L"";
+  SendMessageW(window, WM_GETTEXT, ARRAYSIZE(text), reinterpret_cast<LPARAM>(text));
+  return text;
+}
+
+RECT PlaceOf(HWND dialog, int id) {
+  RECT place{};
+  GetWindowRect(GetDlgItem(dialog, id), &place);
+  MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
+  return place;
+}
+
+class ScaledDialogTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    modules = {.resources = GetModuleHandleA(nullptr), .application = GetModuleHandleA(nullptr)};
+    ASSERT_TRUE(RegisterAllClasses(modules.application, TRUE));
+    ModelessDialogs(nullptr, nullptr, kModelessReset);
+    answered = postAtStart = 0;
+    seen.clear();
+  }
+  void TearDown() override {
+    EndLanguages();
+    EXPECT_TRUE(RegisterAllClasses(modules.application, FALSE));
+  }
+};
+
+TEST_F(ScaledDialogTest, ScalesKeepsItsSmallestSizeAndItsPlace) {
+  HWND dialog = OpenDialog(nullptr, kTest);
+  ASSERT_TRUE(dialog);
+  const SIZE client = ClientSize(dialog);
+  const RECT edit = PlaceOf(dialog, IDC_EDIT), outside = PlaceOf(dialog, IDC_OUTSIDE);
+  RECT window{};
+  GetWindowRect(dialog, &window);
+  const int frameX = window.right - window.left - client.cx, frameY = window.bottom - window.top - client.cy;
+  AddListNavigation(GetDlgItem(dialog, IDC_ROWS));
+  MoveWindow(dialog, 40, 50, 2 * client.cx + frameX, 3 * client.cy + frameY, TRUE);
+  const RECT grown = PlaceOf(dialog, IDC_EDIT), kept = PlaceOf(dialog, IDC_OUTSIDE);
+  EXPECT_EQ(2 * edit.left, grown.left);
+  EXPECT_EQ(3 * edit.bottom, grown.bottom);
+  EXPECT_TRUE(EqualRect(&outside, &kept));
+  EXPECT_EQ(3, ScaleOf(dialog).y);
+  SendDlgItemMessageA(dialog, IDC_ROWS, LB_SETCOUNT, 5, 0);
+  EXPECT_EQ(kHeaderRow, ListRowAt(GetDlgItem(dialog, IDC_ROWS), {0, 50}));  // a row of 3 x 17
+  EXPECT_EQ(0u, ListRowAt(GetDlgItem(dialog, IDC_ROWS), {0, 51}));
+  UpdateWindow(dialog);
+  EXPECT_EQ(kGround, GetPixel(WindowDc(dialog), 2, 2));
+
+  RECT dragged{0, 0, 10, 10};
+  EXPECT_EQ(TRUE, SendMessageA(dialog, WM_SIZING, WMSZ_BOTTOMRIGHT, reinterpret_cast<LPARAM>(&dragged)));
+  EXPECT_EQ(window.right - window.left, dragged.right);
+  EXPECT_EQ(window.bottom - window.top, dragged.bottom);
+
+  GetWindowRect(dialog, &window);
+  answered = WM_CLOSE;
+  SendMessageA(dialog, WM_CLOSE, 0, 0);
+  EXPECT_TRUE(IsWindow(dialog));
+  EXPECT_TRUE(ModelessDialogs(dialog, nullptr, kModelessRemove));  // it was in the table
+  answered = 0;
+  SendMessageA(dialog, WM_CLOSE, 0, 0);
+  EXPECT_FALSE(IsWindow(dialog));
+  dialog = OpenDialog(nullptr, kTest);
+  RECT restored{};
+  GetWindowRect(dialog, &restored);
+  EXPECT_TRUE(EqualRect(&window, &restored));
+  DestroyWindow(dialog);
+  EXPECT_FALSE(ModelessDialogs(dialog, nullptr, kModelessRemove));
+}
+
+TEST_F(ScaledDialogTest, SwitchesTheLanguageOfEveryDialogAndFreesTheLibrary) {
+  EXPECT_EQ(0, BeginLanguages(L"test_toolkit"));
+  HWND dialog = OpenDialog(nullptr, kTest), other = OpenDialog(nullptr, kTest);
+  const auto tips = [] { return FindWindowExA(nullptr, nullptr, "tooltips_class32", nullptr); };
+  const HWND formerTips = tips();
+  seen.clear();
+  EXPECT_EQ(1, SwitchLanguage(dialog, L"TEST", 1));
+  EXPECT_EQ(1, CurrentLanguage());
+  EXPECT_EQ(2, std::count(seen.begin(), seen.end(), kLanguageShown));
+  EXPECT_FALSE(IsWindow(formerTips));
+  EXPECT_EQ(1, SendMessageA(tips(), TTM_GETTOOLCOUNT, 0, 0));  // in English, where the language has no text
+  for (HWND each : {dialog, other}) {
+    EXPECT_EQ(L"Prüfung Ω", TextOf(each));
+    EXPECT_EQ(L"Schild", TextOf(GetDlgItem(each, IDC_LABEL)));
+    EXPECT_EQ(L"Outside", TextOf(GetDlgItem(each, IDC_OUTSIDE)));
+  }
+  EXPECT_EQ(L"ja", ResourceText(IDS_BOTH));
+  EXPECT_EQ(L"only", ResourceText(IDS_ENGLISH_ONLY));
+  EXPECT_TRUE(GetModuleHandleA("test_toolkitGE.dll"));
+
+  EXPECT_EQ(0, SwitchLanguage(dialog, nullptr, 0));
+  EXPECT_EQ(L"Label", TextOf(GetDlgItem(dialog, IDC_LABEL)));
+  EXPECT_FALSE(GetModuleHandleA("test_toolkitGE.dll"));
+  SwitchLanguage(dialog, nullptr, 1);
+  DestroyWindow(dialog);
+  DestroyWindow(other);
+  EndLanguages();
+  EXPECT_FALSE(GetModuleHandleA("test_toolkitGE.dll"));
+  EXPECT_EQ(1, BeginLanguages(L"test_toolkit"));  // the choice was stored
+}
+
+TEST_F(ScaledDialogTest, RunsAWholeProgramAndAsksByDialog) {
+  postAtStart = WM_COMMAND;
+  EXPECT_EQ(IDOK, AskByDialog(nullptr, kTest));
+  postAtStart = WM_CLOSE;
+  EXPECT_EQ(IDCANCEL, AskByDialog(nullptr, kTest));
+  const HINSTANCE instance = modules.application;
+  RegisterAllClasses(instance, FALSE);
+  EXPECT_EQ(0, RunDialog(instance, kTest));
+  postAtStart = WM_APP;
+  EXPECT_EQ(IDOK + 6, RunDialog(instance, kTest));
+  EXPECT_EQ(nullptr, FindWindowA("kvDialog", "Test"));
+  EXPECT_EQ(-1, RunDialog(instance, {.templateName = L"MISSING"}));
+  WNDCLASSA ignored{};
+  EXPECT_FALSE(GetClassInfoA(instance, kDialogClass, &ignored));
+  ASSERT_TRUE(RegisterAllClasses(instance, TRUE));
+  EXPECT_FALSE(RegisterAllClasses(instance, TRUE));  // they are there already
+}
+
+}  // namespace
+}  // namespace kv

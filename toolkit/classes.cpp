@@ -1,0 +1,36 @@
+#include "toolkit/classes.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "controls/display_instrument.h"
+#include "controls/line_recorder.h"
+#include "controls/simple_bitmap.h"
+#include "export/flight_track_view.h"
+#include "framework/dialog.h"
+#include "lists/extended_list.h"
+
+namespace kv {
+
+namespace {
+
+using Registration = BOOL (*)(HINSTANCE, BOOL);
+constexpr Registration kRegistrations[] = {
+    RegisterDialogClass,       RegisterSimpleBitmapClass, RegisterDisplayInstrumentClass,
+    RegisterLineRecorderClass, RegisterFlightTrackView,   RegisterExtendedListClass};
+
+}  // namespace
+
+BOOL RegisterAllClasses(HINSTANCE instance, BOOL registerThem) {
+  if (!registerThem) {
+    for (auto each = std::rbegin(kRegistrations); each != std::rend(kRegistrations); ++each) (*each)(instance, FALSE);
+    return TRUE;
+  }
+  const auto refused = std::find_if_not(std::begin(kRegistrations), std::end(kRegistrations),
+                                        [&](Registration each) { return each(instance, TRUE); });
+  if (refused == std::end(kRegistrations)) return TRUE;
+  std::for_each(std::begin(kRegistrations), refused, [&](Registration each) { each(instance, FALSE); });
+  return FALSE;
+}
+
+}  // namespace kv

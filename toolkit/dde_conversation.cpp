@@ -1,0 +1,42 @@
+#include "toolkit/dde_conversation.h"
+
+#include <cstring>
+
+namespace kv {
+
+namespace {
+
+// A client is called back for nothing that it needs.
+HDDEDATA CALLBACK IgnoreTransaction(UINT, UINT, HCONV, HSZ, HSZ, HDDEDATA, ULONG_PTR, ULONG_PTR) {
+  return nullptr;
+}
+
+}  // namespace
+
+DdeConversation::DdeConversation(const char* service, const char* topic) {
+  if (DdeInitializeA(&instance_, IgnoreTransaction, APPCMD_CLIENTONLY, 0) == DMLERR_NO_ERROR) {
+    conversation_ = ddeConnect(instance_, service, topic);
+  }
+}
+
+DdeConversation::~DdeConversation() {
+  if (conversation_) ddeDisconnect(conversation_);
+  if (instance_) DdeUninitialize(instance_);
+}
+
+bool DdeConversation::Execute(const char* command) {
+  return IsOpen() && ddeExecute(instance_, conversation_, command);
+}
+
+bool DdeConversation::Poke(const char* item, const char* text, DWORD timeoutMs) {
+  return IsOpen() && ddePoke(instance_, conversation_, item, text, timeoutMs);
+}
+
+bool DdeConversation::Request(const char* item, std::string* answer, DWORD timeoutMs) {
+  char text[kDdeAnswerSize];
+  if (!IsOpen() || !RequestDdeText(instance_, conversation_, item, timeoutMs, text)) return false;
+  answer->assign(text, strnlen(text, sizeof(text)));
+  return true;
+}
+
+}  // namespace kv

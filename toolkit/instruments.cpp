@@ -1,0 +1,136 @@
+#include "toolkit/instruments.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <iterator>
+
+#include "controls/display_instrument.h"
+#include "framework/file_path.h"
+
+namespace kv {
+
+namespace {
+
+// Null when the dialog has no instrument of that id.
+HWND InstrumentOf(HWND dialog, int id) {
+  HWND control = GetDlgItem(dialog, id);
+  char name[ARRAYSIZE(kDisplayInstrumentClass) + 1] = "";
+  GetClassNameA(control, name, ARRAYSIZE(name));
+  return lstrcmpiA(name, kDisplayInstrumentClass) == 0 ? control : nullptr;
+}
+
+void Send(HWND instrument, WPARAM command, const void* item) {
+  SendMessageA(instrument, kControlCommand, command | kCommandRedraw, reinterpret_cast<LPARAM>(item));
+}
+
+// Lets `change` edit the parameter block. The value stays, within the range that the block then has.
+template <class Change>
+BOOL ChangeBlock(HWND dialog, int id, Change change) {
+  HWND instrument = InstrumentOf(dialog, id);
+  InstrumentBlock block{};
+  SendMessageA(instrument, kControlCommand, kCommandBlock | kCommandRead, reinterpret_cast<LPARAM>(&block));
+  if (block.version != kInstrumentVersion) return FALSE;
+  DWORD style = 0;
+  SendMessageA(instrument, kControlCommand, kCommandStyle | kCommandRead, reinterpret_cast<LPARAM>(&style));
+  change(block, style);
+  block.current = ClampToRange(block, block.current);
+  Send(instrument, kCommandBlock, &block);
+  return TRUE;
+}
+
+// As much of the text as fits whole, in UTF-8.
+template <size_t size>
+void StoreText(char (&field)[size], const wchar_t* text) {
+  int characters = std::min(lstrlenW(text), static_cast<int>(size) - 1), bytes = 0;
+  const auto isHalf = [&] { return characters > 0 && IS_HIGH_SURROGATE(text[characters - 1]); };
+  const auto needed = [&] { return WideCharToMultiByte(CP_UTF8, 0, text, characters, nullptr, 0, nullptr, nullptr); };
+  while (characters > 0 && (isHalf() || needed() >= static_cast<int>(size))) --characters;
+  if (characters > 0) {
+    bytes = WideCharToMultiByte(CP_UTF8, 0, text, characters, field, static_cast<int>(size), nullptr, nullptr);
+  }
+  std::memset(field + bytes, 0, size - static_cast<size_t>(bytes));
+}
+
+bool IsNumberReadOut(DWORD style) {
+  return (style & kInstrumentModeBits) == kModeDigital &&
+         !(style & (kInstrumentShowTime | kInstrumentShowDate | kInstrumentShowAngle));
+}
+
+// The decimal places in which a step of this size shows, as few as do.
+int PlacesFor(double step) {
+  const double places = std::ceil(-std::log10(std::fabs(step)) - 1e-9);
+  return std::isfinite(places) ? static_cast<int>(std::clamp<double>(places, 0, kFormatPlaces)) : 0;
+}
+
+}  // namespace
+
+float ReadableMaximum(double maximum, double largest) {
+  // The read-out has trunc(log10(maximum) + 0.5) integer digits.
+  const double digits = std::max(std::floor(std::log10(std::fmax(std::fabs(largest), 1))) + 1, 1.0);
+  const double least = std::ceil(std::pow(10.0, digits - 0.5));
+  return static_cast<float>(std::fabs(maximum) >= least ? maximum : least);
+}
+
+BOOL SetInstrumentValue(HWND dialog, int id, double value, BOOL glide) {
+  HWND instrument = InstrumentOf(dialog, id);
+  const float item = static_cast<float>(value);
+  if (instrument) Send(instrument, kCommandValue | (glide ? kValueGlide : 0), &item);
+  return instrument != nullptr;
+}
+
+BOOL ClearInstrumentValue(HWND dialog, int id) {
+  return SetInstrumentValue(dialog, id, NAN, FALSE);
+}
+
+BOOL SetInstrumentTime(HWND dialog, int id, const SYSTEMTIME& time) {
+  HWND instrument = InstrumentOf(dialog, id);
+  if (instrument) Send(instrument, kCommandTime, &time);
+  return instrument != nullptr;
+}
+
+BOOL SetInstrumentName(HWND dialog, int id, const wchar_t* name) {
+  if (!IsReadableText(name)) return FALSE;
+  return ChangeBlock(dialog, id, [&](InstrumentBlock& block, DWORD) { StoreText(block.szName, name); });
+}
+
+BOOL SetInstrumentRange(HWND dialog, int id, const InstrumentRange& range) {
+  return ChangeBlock(dialog, id, [&](InstrumentBlock& block, DWORD style) {
+    const double step = range.step != 0 ? range.step : (range.maximum - range.minimum) / 100;
+    bool sign = range.alwaysSign;
+    block.minimum = static_cast<float>(range.minimum);
+    block.maximum = static_cast<float>(range.maximum);
+    block.step = static_cast<float>(step);
+    const int places = range.places < 0 ? PlacesFor(step) : std::min<int>(range.places, kFormatPlaces);
+    if (IsNumberReadOut(style)) {
+      sign = sign || range.minimum < 0 || range.maximum < 0;
+      // What rounding makes of the largest value may have a digit more.
+      const double largest =
+          std::fmax(std::fabs(range.minimum), std::fabs(range.maximum)) + 0.5 * std::pow(10, -places);
+      block.maximum = ReadableMaximum(range.maximum, largest);
+    }
+    block.format = static_cast<BYTE>(places | (sign ? kFormatSign : 0));
+    if (IsReadableText(range.unit)) StoreText(block.szUnit, range.unit);
+  });
+}
+
+BOOL SetInstrumentColor(HWND dialog, int id, COLORREF color) {
+  constexpr COLORREF kPaletteRelative = 0x02000000;
+  return ChangeBlock(dialog, id,
+                     [&](InstrumentBlock& block, DWORD) { block.color = kPaletteRelative | (color & kRgbBits); });
+}
+
+BOOL SetInstrumentZones(HWND dialog, int id, std::span<const InstrumentZone> zones) {
+  return ChangeBlock(dialog, id, [&](InstrumentBlock& block, DWORD) {
+    for (int i = 0; i < kInstrumentZones; ++i) {
+      block.state &= ~ZoneEnabledBit(i);
+      if (static_cast<size_t>(i) >= zones.size()) continue;
+      block.zones[i] = zones[i];
+      block.zones[i].lower = ClampToRange(block, zones[i].lower);
+      block.zones[i].upper = ClampToRange(block, zones[i].upper);
+      block.state |= ZoneEnabledBit(i);
+    }
+  });
+}
+
+}  // namespace kv

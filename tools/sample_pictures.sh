@@ -1,0 +1,82 @@
+#!/usr/bin/env bash
+# Takes a picture of each sample's window at several sizes, and of the panel in German, into a folder (build/samples).
+# With --docs, one picture of each goes into docs/ instead.
+source "$(dirname "$0")/common.sh"
+
+shots=$build_dir/samples
+sizes="default small large german"
+[ "${1:-}" != --docs ] || { shots=$root/docs; sizes=default; }
+
+"$root/tools/install_packages.sh"
+"$root/tools/wine_prefix.sh"
+cd "$root"
+quietly "configuring" cmake --preset release
+quietly "building the samples" cmake --build --preset release --target instrument_panel million_rows track_export
+mkdir -p "$shots"
+
+finish() {
+  stop_wine
+  stop_display
+}
+trap finish EXIT
+
+readonly left=40 top=40
+
+# A window opens where it is remembered to have been.
+remember() {
+  local position=$1 width=$2 height=$3
+  wine reg add 'HKCU\Software\korvel\WindowPositions' /v "$position" /f \
+    /d "$left,$top,$((left + width)),$((top + height))" >/dev/null 2>&1
+}
+
+colours() { identify -format %k "$1" 2>/dev/null || echo 0; }
+
+# take SAMPLE POSITION WIDTH HEIGHT NAME: the picture of the sample's window once it shows something.
+take() {
+  local sample=$1 position=$2 width=$3 height=$4 shot=$shots/$5.png pid seen=0
+  remember "$position" "$width" "$height"
+  wine "$build_dir/release/samples/$sample.exe" >/dev/null 2>&1 &
+  pid=$!
+  for _ in $(seq 60); do
+    sleep 0.5
+    import -window root -crop "${width}x$height+$left+$top" +repage "$shot"
+    [ "$(colours "$shot")" -lt 8 ] || seen=$((seen + 1))
+    [ "$seen" -lt 5 ] || break
+  done
+  kill "$pid" 2>/dev/null || true
+  wait "$pid" 2>/dev/null || true
+  [ "$seen" -ge 5 ] || die "$sample showed no window"
+  say "picture: ${shot#"$root"/}"
+}
+
+speak() {
+  wine reg add 'HKCU\Software\korvel\Configuration\instrument_panel' /v LanguageCode /t REG_DWORD /d "$1" /f >/dev/null 2>&1
+}
+
+start_display 1280x1024x24
+use_wine_desktop 1280x1024
+for size in $sizes; do
+  speak 0
+  case $size in
+    default )
+      take instrument_panel Samples.InstrumentPanel 620 470 sample-instrument-panel
+      take million_rows Samples.Readings 540 440 sample-million-rows
+      take track_export Samples.Track 500 220 sample-track-export
+      ;;
+    small )
+      take instrument_panel Samples.InstrumentPanel 460 360 panel-small
+      take million_rows Samples.Readings 300 300 rows-small
+      take track_export Samples.Track 400 190 track-small
+      ;;
+    large )
+      take instrument_panel Samples.InstrumentPanel 1150 900 panel-large
+      take million_rows Samples.Readings 1100 900 rows-large
+      take track_export Samples.Track 1000 400 track-large
+      ;;
+    german )
+      speak 1
+      take instrument_panel Samples.InstrumentPanel 620 470 panel-german
+      speak 0
+      ;;
+  esac
+done
