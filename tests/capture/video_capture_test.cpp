@@ -70,20 +70,14 @@ class VideoCapture : public testing::Test {
 TEST_F(VideoCapture, OpensTheFirstDriverThatAnswersOnTheFifthAttempt) {
   VideoLink* link = Open();
   EXPECT_EQ(0, camera().connectedDriver);
-  EXPECT_TRUE(camera().previewing);
-  EXPECT_TRUE(camera().parameters.fYield);
-  EXPECT_EQ(0x20080509u, link->tag);
-  EXPECT_EQ(296u, GlobalSize(link->hMemory));
-  EXPECT_EQ(320u, link->status.uiImageWidth);
-  EXPECT_EQ(320, link->frameFormat.header.biWidth);
-  EXPECT_EQ(-240, link->frameFormat.header.biHeight);
-  EXPECT_EQ(32, link->frameFormat.header.biBitCount);
-  EXPECT_EQ(240, link->sourceFormat.header.biHeight);
+  EXPECT_TRUE(camera().previewing && camera().parameters.fYield);
+  EXPECT_TRUE(link->tag == 0x20080509 && GlobalSize(link->hMemory) == 296);
+  EXPECT_TRUE(link->status.uiImageWidth == 320 && link->sourceFormat.header.biHeight == 240);
+  const BITMAPINFOHEADER& frame = link->frameFormat.header;
+  EXPECT_TRUE(frame.biWidth == 320 && frame.biHeight == -240 && frame.biBitCount == 32);
 
   const HWND capture = link->hCapture;
-  EXPECT_EQ(static_cast<HWND>(host_), GetParent(capture));
-  EXPECT_EQ(32769, GetDlgCtrlID(capture));
-  EXPECT_FALSE(IsWindowVisible(capture));
+  EXPECT_TRUE(GetParent(capture) == host_ && GetDlgCtrlID(capture) == 32769 && !IsWindowVisible(capture));
   wchar_t name[32] = L"";
   GetWindowTextW(capture, name, 32);
   EXPECT_STREQ(L"kvVideoCapture", name);
@@ -274,10 +268,8 @@ TEST_F(VideoCapture, ForeignRecordsAreRefused) {
   const int frames = camera().framesMade;
   for (VideoLink* foreign :
        {&untagged, &windowless, cut.as<VideoLink>(), readOnly.as<VideoLink>(), static_cast<VideoLink*>(nullptr)}) {
-    EXPECT_FALSE(DrawVideoFrame(foreign, picture_.dc(), 0, 0, 8, 8));
-    EXPECT_EQ(0, RecordVideo(foreign, "a.avi", TRUE));
-    EXPECT_EQ(0, RecordVideo(foreign, nullptr, FALSE));
-    EXPECT_FALSE(CloseVideoLink(foreign));
+    EXPECT_FALSE(DrawVideoFrame(foreign, picture_.dc(), 0, 0, 8, 8) || CloseVideoLink(foreign));
+    EXPECT_FALSE(RecordVideo(foreign, "a.avi", TRUE) || RecordVideo(foreign, nullptr, FALSE));
   }
   EXPECT_EQ(frames, camera().framesMade);
 }

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <random>
+#include <tuple>
 #include <utility>
 
 #include "framework/records.h"
@@ -130,10 +131,15 @@ TEST(Calendar, CompareCombineAdd) {
   EXPECT_TRUE(kv::CombineTimes(&span, &morning, &result));
   EXPECT_EQ("2009-7-15 1:00:00.001", Text(result));
 
-  SYSTEMTIME date = later;
-  EXPECT_TRUE(kv::AddDays(&date, 31, &date));
-  EXPECT_EQ("2008-8-14 8:00:01.000", Text(date));
-  EXPECT_TRUE(kv::AddDays(&date, 0xFFFFFFFF, &date));
+  const std::tuple<SYSTEMTIME, DWORD, const char*> additions[] = {
+      {later, 31, "2008-8-14 8:00:01.000"},
+      {Date(1995, 12, 31), 1, "1995-12-32 0:00:00.000"},  // dates that the count has and the year has not
+      {Date(1999, 12, 31), 1, "2000-1-0 0:00:00.000"}};
+  for (auto [date, days, sum] : additions) {
+    EXPECT_TRUE(kv::AddDays(&date, days, &date));
+    EXPECT_EQ(sum, Text(date));
+    EXPECT_TRUE(kv::AddDays(&date, 0xFFFFFFFF, &date));
+  }
 }
 
 TEST(Calendar, BadPointersAndWildNumbersAreHarmless) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cwchar>
 #include <filesystem>
@@ -38,10 +39,9 @@ class User {
           HWND window = nullptr;
           for (const Answer& answer : answers) {
             const HWND previous = window;
-            if (!kvtest::WaitUntil([&] { return (window = Find(previous)) != nullptr; }, std::chrono::seconds(10))) {
-              ADD_FAILURE() << "no window came up to be answered";
-              return;
-            }
+            const bool came =
+                kvtest::WaitUntil([&] { return (window = Find(previous)) != nullptr; }, std::chrono::seconds(10));
+            ASSERT_TRUE(came) << "no window came up to be answered";
             answer(window);
           }
         }) {}
@@ -142,16 +142,14 @@ TEST_F(FileDialog, RefusesWhatIsNoPathWithoutADialog) {
   EXPECT_FALSE(ChooseFile(nullptr, path_, nullptr, TRUE));
 }
 
-std::wstring FilterOf(const std::wstring& extension, size_t length) {
-  return {BuildFilterText(extension.c_str()).text, length};
-}
-
 TEST(FilterText, IsPairsWithADoubleZeroAtTheEnd) {
-  const std::wstring all = std::wstring(L"All files (*.*)") + L'\0' + L"*.*" + L'\0' + L'\0';
-  const std::wstring kml = std::wstring(L"kml files (*.kml)") + L'\0' + L"*.kml" + L'\0' + all;
-  EXPECT_EQ(kml, FilterOf(L".kml", kml.size()));
-  const std::wstring none = std::wstring(L" files (*)") + L'\0' + L"*" + L'\0' + all;
-  EXPECT_EQ(none, FilterOf(L"", none.size()));
+  const std::pair<const wchar_t*, std::wstring> filters[] = {
+      {L".kml", L"kml files (*.kml)|*.kml|All files (*.*)|*.*||"}, {L"", L" files (*)|*|All files (*.*)|*.*||"}};
+  for (const auto& [extension, expected] : filters) {
+    std::wstring text(BuildFilterText(extension).text, expected.size());
+    std::replace(text.begin(), text.end(), L'\0', L'|');
+    EXPECT_EQ(expected, text);
+  }
 
   // Separators beyond the first 256 characters stay; the list ends all the same.
   const FilterText filter = BuildFilterText((L"." + std::wstring(258, L'e')).c_str());

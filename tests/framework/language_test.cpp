@@ -182,31 +182,26 @@ TEST_F(LanguageFiles, MenuListsWhatHasALibraryWithTwoBitmapsEach) {
     item.dwTypeData = text;
     item.cch = ARRAYSIZE(text);
     ASSERT_TRUE(GetMenuItemInfoW(menu, i, TRUE, &item));
-    EXPECT_EQ(kFirstCommand + expected[i], item.wID);
     EXPECT_STREQ(kLanguages[expected[i]].menuName, text);
-    EXPECT_EQ(expected[i] == 8, (item.fState & MFS_CHECKED) != 0);
-    EXPECT_EQ(handles[expected[i]], item.hbmpUnchecked);
-    EXPECT_EQ(handles[24 + expected[i]], item.hbmpChecked);
+    EXPECT_TRUE(item.wID == kFirstCommand + expected[i] && (expected[i] == 8) == ((item.fState & MFS_CHECKED) != 0));
+    EXPECT_TRUE(item.hbmpUnchecked == handles[expected[i]] && item.hbmpChecked == handles[24 + expected[i]]);
   }
+  DestroyMenu(menu);
   for (const auto& [index, width] : {std::pair{23, 8}, {24, 16}}) {
     BITMAP image{};
     GetObjectA(handles[index], sizeof(image), &image);
     EXPECT_EQ(width, image.bmWidth);
   }
   EXPECT_EQ(nullptr, handles[kLanguageBitmapCount]);
-  DestroyMenu(menu);
-
   FreeLanguageMenuBitmaps(handles);
-  EXPECT_EQ(0u, GetObjectType(handles[31]));
-  EXPECT_EQ(static_cast<DWORD>(OBJ_BITMAP), GetObjectType(handles[32]));
-  for (int i = 32; i < kLanguageBitmapCount; ++i) DeleteObject(handles[i]);
+  for (int i = 0; i < kLanguageBitmapCount; ++i) EXPECT_EQ(i >= 32, DeleteObject(handles[i])) << i;
   FreeLibrary(library);
 }
 
 TEST_F(LanguageFiles, MenuDoesWithoutBitmapsStemOrArea) {
   const auto untouched = reinterpret_cast<HBITMAP>(1);
   HBITMAP handles[kHandlesInArea] = {untouched};
-  kvtest::GuardedBytes oneShort(kLanguageBitmapArea - sizeof(HBITMAP)), half(16 * sizeof(HBITMAP));
+  const kvtest::GuardedBytes oneShort(kLanguageBitmapArea - sizeof(HBITMAP)), half(16 * sizeof(HBITMAP));
   *oneShort.as<HBITMAP>() = untouched;
   const auto items = [](UINT firstBitmap, const wchar_t* stem, HBITMAP* area) {
     const HMENU menu = BuildLanguageMenu(0, nullptr, kFirstCommand, firstBitmap, stem, area);

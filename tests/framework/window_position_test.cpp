@@ -16,8 +16,9 @@ using kvtest::RecordingParent;
 constexpr char kName[] = "Test.Window";
 
 std::string Text(const RECT& r) {
-  return std::to_string(r.left) + "," + std::to_string(r.top) + "," + std::to_string(r.right) + "," +
-         std::to_string(r.bottom);
+  char text[64];
+  sprintf(text, "%ld,%ld,%ld,%ld", r.left, r.top, r.right, r.bottom);
+  return text;
 }
 
 std::string Place(HWND window) {

@@ -6,6 +6,7 @@
 #include <functional>
 #include <random>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "framework/guards.h"
@@ -46,18 +47,16 @@ TEST(ExtendedListLayout, OffsetsPassTheEndsButNotTheNumberRange) {
   EXPECT_EQ(INT_MIN, ScrolledOffset(SB_PAGEUP, INT_MIN + 5, 17, bar));
   EXPECT_EQ(INT_MAX, ScrolledOffset(SB_PAGEDOWN, 0, INT_MAX, bar));
 
-  EXPECT_EQ(299, HorizontalBar(300, 100, 0).nMax);
+  EXPECT_TRUE(HorizontalBar(300, 100, 0).nMax == 299 && HorizontalBar(300, 100, 0).fMask == 31);
   EXPECT_EQ(0, HorizontalBar(0, 100, 0).nMax);
-  EXPECT_EQ(31u, HorizontalBar(300, 100, 0).fMask);
   EXPECT_EQ(170000000, VerticalBar(10000000, 17, 400, 0).nMax);
   EXPECT_EQ(INT_MAX - 1, VerticalBar(UINT_MAX, INT_MAX, 400, 0).nMax);
-  EXPECT_EQ(17, SurfaceLeft(-17, 300, 100));
-  EXPECT_EQ(100, SurfaceLeft(INT_MIN, 300, 100));
-  EXPECT_EQ(-300, SurfaceLeft(INT_MAX, 300, 100));
+  const std::pair<LONG, LONG> lefts[] = {{-17, 17}, {INT_MIN, 100}, {INT_MAX, -300}};
+  for (const auto& [offset, left] : lefts) EXPECT_EQ(left, SurfaceLeft(offset, 300, 100));
 }
 
 constexpr COLORREF kHeaderColor = RGB(10, 20, 30);
-constexpr int kListId = 4711;
+constexpr UINT kListId = 4711;
 
 COLORREF RowColor(UINT row) {
   return row == kHeaderRow ? kHeaderColor : RGB(200, row & 0xFF, 100);
@@ -74,20 +73,17 @@ class ExtendedList : public kvtest::ControlTest<RegisterExtendedListClass> {
       return message == WM_MEASUREITEM || message == WM_DRAWITEM;
     });
     RECT place{0, 0, 100 + GetSystemMetrics(SM_CXVSCROLL), 85 + GetSystemMetrics(SM_CYHSCROLL)};
-    list_ = CreateControl(parent_, kExtendedListClass, "", WS_HSCROLL | WS_VSCROLL, place, kListId);
+    list_ = CreateControl(parent_, kExtendedListClass, "", WS_HSCROLL | WS_VSCROLL, place, static_cast<int>(kListId));
     Forget();
   }
 
   void Measure(WPARAM wParam, MEASUREITEMSTRUCT* request) {
     ++measured_;
-    EXPECT_EQ(static_cast<WPARAM>(kListId), wParam);
-    EXPECT_EQ(static_cast<UINT>(kListId), request->CtlID);
-    EXPECT_EQ(17u, request->itemHeight);
+    EXPECT_TRUE(wParam == kListId && request->CtlID == kListId && request->itemHeight == 17);
     if (height_ != 17) request->itemHeight = static_cast<UINT>(height_);
   }
   void Draw(WPARAM wParam, DRAWITEMSTRUCT* request) {
-    EXPECT_EQ(static_cast<WPARAM>(kListId), wParam);
-    EXPECT_EQ(list_, request->hwndItem);
+    EXPECT_TRUE(wParam == kListId && request->hwndItem == list_);
     EXPECT_EQ(0u, request->CtlType | request->itemAction | request->itemState | request->itemData);
     rows_.push_back(static_cast<int>(request->itemID));
     const OwnedBrush brush(CreateSolidBrush(RowColor(request->itemID)));
