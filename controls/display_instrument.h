@@ -11,8 +11,8 @@
 //             at most a fifth of the range; a larger jump is shown at once.
 // Drawing     From 0 x 0 pixels up. The control renders into a back buffer, and only when something changed; painting
 //             copies it. New colours of the system show at the next paint.
-// Messages    WM_ENABLE    draws disabled or enabled (style bit kInstrumentDisabled; WS_DISABLED itself does not
-// count).
+// DPI         In a DPI-aware host: what is drawn grows with the control's pixels; nothing reads the dpi.
+// Messages    WM_ENABLE    draws disabled or enabled (style bit kInstrumentDisabled; not by WS_DISABLED).
 //             WM_SETTEXT   kept by the control (255 characters); the compass takes it as its name (31). The window's
 //                          own text stays that of creation. Result 0.
 //             WM_COPY      puts the picture on the clipboard as CF_BITMAP. lParam 0: as large as the control; otherwise

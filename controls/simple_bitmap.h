@@ -2,6 +2,8 @@
 // through to the controls beneath it (framework/click_through.h). For decorations in dialog templates. Main thread
 // only.
 //
+// In a DPI-aware host: the bitmap is stretched to the pixels that its control has; nothing reads the dpi.
+//
 // Window text: the bitmap's name, at most 256 characters. A number other than 0 (decimal, 0x hexadecimal or 0 octal) is
 // the id of a bitmap resource of the window's module; anything else is a resource name. A bitmap that cannot be loaded
 // leaves the control without one; it then shows the button-face colour.

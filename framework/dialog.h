@@ -1,5 +1,8 @@
 // The window class of the framework's dialogs, the table of open modeless dialogs, and the set-up of two of their
 // controls. Main thread only.
+//
+// In a DPI-aware host: a dialog is as large as the system makes it from its template's units and font; nothing is
+// added.
 #pragma once
 
 #include <windows.h>

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "framework/file_path.h"
+
 namespace kv {
 
 namespace {
@@ -104,7 +106,7 @@ TemplateControl ReadControl(TemplateReader* reader, bool extended) {
 }  // namespace
 
 BOOL SetDialogTexts(HWND dialog, HINSTANCE module, const wchar_t* templateName) {
-  if (!IsWindow(dialog) || (!IS_INTRESOURCE(templateName) && IsBadReadPtr(templateName, sizeof(wchar_t)))) return FALSE;
+  if (!IsWindow(dialog) || (!IS_INTRESOURCE(templateName) && !IsReadableText(templateName))) return FALSE;
   const HRSRC resource = FindResourceW(module, templateName, MAKEINTRESOURCEW(5));  // RT_DIALOG, in its wide form
   const HGLOBAL loaded = resource ? LoadResource(module, resource) : nullptr;
   const void* data = loaded ? LockResource(loaded) : nullptr;

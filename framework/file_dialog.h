@@ -1,5 +1,7 @@
 // Asking the user for a file to open or to save. Main thread only; the default paths that callers propose are built on
 // ProgramDirectory of framework/file_path.h.
+//
+// In a DPI-aware host: the dialog is the system's own and looks as in any other program.
 #pragma once
 
 #include <windows.h>

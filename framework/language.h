@@ -3,6 +3,9 @@
 //
 // A language index is 0 to 23; 0 is English. Indexes 19 to 22 are reserved places without a code, and 23 shares its
 // code, and so its files, with 3. Main thread only.
+//
+// In a DPI-aware host: the menu's bitmaps stay those of the resources; which size they should have there,
+// GetSystemMetrics(SM_CXMENUCHECK) says.
 #pragma once
 
 #include <windows.h>

@@ -1,4 +1,7 @@
 // Tool tips for the buttons of a toolbar or the controls of a dialog, from a table. Main thread only.
+//
+// In a DPI-aware host: the system draws the tips. Make a toolbar's anew when its buttons change their size with the
+// dpi.
 #pragma once
 
 #include <windows.h>

@@ -1,5 +1,8 @@
 // Remembers in the registry where the user left a window, and single numbers beside it. Main thread only; nothing is
 // cached, so every call reads or writes "Software\korvel\WindowPositions" below HKEY_CURRENT_USER.
+//
+// In a DPI-aware host: a rectangle is stored and restored in the pixels that the host sees, also when the screen has
+// another dpi by then.
 #pragma once
 
 #include <windows.h>

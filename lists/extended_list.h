@@ -3,6 +3,9 @@
 // however long the list is, and goes into an off-screen surface; scrolling sideways only shifts the surface.
 // Main thread only.
 //
+// In a DPI-aware host: the rows are as high as the parent says when it is asked (a silent parent gets 17 pixels), a
+// step to the side is 17 pixels at every dpi, and the bars are the system's.
+//
 // Messages:
 //   LB_SETCOUNT             wParam: the number of rows, unsigned, at most 2^32 - 1; paints
 //   LB_RESETCONTENT         no rows; paints
