@@ -1,0 +1,70 @@
+#!/usr/bin/env python3
+"""Makes the package, looks at its sums, unpacks it where paths are hard, and starts each program from there.
+
+    check_package.py BUILD_FOLDER VERSION WORK_FOLDER UIDRIVER [EMULATOR]
+"""
+import hashlib
+import shutil
+import subprocess
+import sys
+import zipfile
+from pathlib import Path
+
+build, version, work, uidriver = sys.argv[1], sys.argv[2], Path(sys.argv[3]), sys.argv[4]
+emulator = sys.argv[5:]
+PATIENCE_S = 60
+
+
+def make_package() -> Path:
+    subprocess.run(["cmake", "--build", build, "--target", "package"], check=True, stdout=subprocess.DEVNULL)
+    return Path(build) / f"tarnwick-{version}-win32.zip"
+
+
+def check_sums(folder: Path) -> None:
+    lines = (folder / "SHA256SUMS.txt").read_text(encoding="utf-8").splitlines()
+    listed = {name: total for total, name in (line.split(" *", 1) for line in lines)}
+    present = {path.relative_to(folder).as_posix() for path in folder.rglob("*") if path.is_file()}
+    assert present == listed.keys() | {"SHA256SUMS.txt"}, present ^ listed.keys()
+    for name, total in listed.items():
+        assert hashlib.sha256((folder / name).read_bytes()).hexdigest() == total, name
+
+
+def check_camtool(folder: Path) -> None:
+    shown = subprocess.run([*emulator, folder / "camtool.exe", "--help"], capture_output=True, text=True, timeout=PATIENCE_S)
+    assert "simulate" in shown.stdout + shown.stderr, shown
+
+
+def check_gallery(folder: Path) -> None:
+    """Walks through every page; each is announced by its name and goes on with a line."""
+    walk = subprocess.run(
+        [*emulator, folder / "kvgallery.exe", "--walk"],
+        input="\n" * 100,
+        capture_output=True,
+        text=True,
+        timeout=PATIENCE_S,
+        check=True,
+    )
+    pages = walk.stdout.split()
+    assert len(pages) >= 14, pages
+
+
+def check_tarnwick(folder: Path) -> None:
+    with subprocess.Popen([*emulator, folder / "tarnwick.exe"], cwd=folder) as tool:
+        for verb in ("button", "close"):
+            subprocess.run([*emulator, uidriver, verb], check=True, timeout=PATIENCE_S, stdout=subprocess.DEVNULL)
+        assert tool.wait(PATIENCE_S) == 0
+
+
+first = make_package()
+content = first.read_bytes()
+assert make_package().read_bytes() == content, "two packages of the same build differ"
+
+shutil.rmtree(work, ignore_errors=True)
+place = work / "a place with blanks – Ταχύ и снег"
+with zipfile.ZipFile(first) as archive:
+    archive.extractall(place)
+home = place / first.stem
+check_sums(home)
+check_camtool(home)
+check_gallery(home)
+check_tarnwick(home)
