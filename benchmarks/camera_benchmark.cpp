@@ -48,7 +48,7 @@ void Number(long n, kv::CameraPoint (&points)[kv::kPointCount]) {
 }
 
 int MeasureRecords(double seconds) {
-  SerialLine line(3, 4);
+  SerialLine line;
   PlayedCamera camera(4);
   static kv::AppContext context{};
   context.hQuitEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
@@ -93,7 +93,7 @@ int MeasureRecords(double seconds) {
 // ---- Latency -------------------------------------------------------------------------------------------------------
 
 int MeasureLatency(int count) {
-  SerialLine line(3, 4);
+  SerialLine line;
   PlayedCamera camera(4);
   TarnwickProcess tool;
   std::atomic<bool> chatter{true};
@@ -154,7 +154,7 @@ class Stream {
 };
 
 int MeasureCycles(int connects, int unplugs) {
-  SerialLine line(3, 4);
+  SerialLine line;
   PlayedCamera camera(4);
   int failures = 0;
   DWORD longestClose = 0;
@@ -227,7 +227,7 @@ int MeasureStart(int count) {
 
 int MeasureSoak(int seconds) {
   constexpr int kWarmUpMs = 10000;
-  SerialLine line(3, 4);
+  SerialLine line;
   PlayedCamera camera(4);
   TarnwickProcess tool;
   const Stream stream(&camera);
