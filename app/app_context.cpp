@@ -5,7 +5,7 @@
 namespace kv {
 
 namespace {
-// The tool went by this name first; the key stays, so that nobody's setting is lost.
+// The key is named apart from the program; another name would lose the setting of everybody who has one.
 constexpr char kSettingsKey[] = "Software\\korvel\\Brisklight";
 constexpr wchar_t kDataFolderValue[] = L"DataFolder";
 // Smaller than the field on purpose: what is longer than a folder may be here is refused instead of cut.

@@ -18,6 +18,13 @@ inline constexpr int kScaledIdFirst = 1010;
 inline constexpr int kScaledIdLast = 1999;
 // Room for the dialog's own slot and every control in that range that the template has, with spares.
 inline constexpr int kLayoutSlots = 64;
+inline constexpr int kStatusButtonCount = 1 + kPointCount;
+
+// The main dialog's children, as handles: looking one up by its id costs a call into the system each time.
+struct MainControls {
+  HWND toolbar, chart, pages, statusBar;
+  HWND statusButtons[kStatusButtonCount];  // the port, then the points
+};
 
 struct AppContext {
   HGLOBAL hMemory;      // this block's own handle (start-up)
@@ -39,6 +46,8 @@ struct AppContext {
   DWORD volatile bChanged;          // reader thread sets, main thread clears after it took the points
   wchar_t szDataFolder[MAX_PATH];   // kept between runs and otherwise unused
   CameraPoint points[kPointCount];  // latest points; only the reader thread writes; zero until the first record
+  MainControls controls;            // found once, when the dialog is made
+  HBITMAP hToolbarStrip;            // the toolbar's own images, on the button face
 };
 
 // True if all of `context` may be read and written.

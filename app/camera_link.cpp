@@ -117,14 +117,15 @@ int FindCameraPort(HANDLE hQuitEvent) {
   return found;
 }
 
-// Reads up to one record; waits as long as it takes, or until the quit event. Returns the bytes read.
-DWORD ReadRecord(HANDLE hPort, HANDLE hQuitEvent, char* buffer, OVERLAPPED* overlapped) {
-  ResetEvent(overlapped->hEvent);
+// Reads up to one record; waits as long as it takes, or until the quit event. Returns the bytes read. The read itself
+// resets its event. `mayGoOn` becomes true when the wait has just told that the quit event is not signalled.
+DWORD ReadRecord(HANDLE hPort, HANDLE hQuitEvent, char* buffer, OVERLAPPED* overlapped, bool* mayGoOn) {
   DWORD read = 0;
   if (ReadFile(hPort, buffer, kRecordLength, &read, overlapped)) return read;
   if (GetLastError() != ERROR_IO_PENDING) return 0;
   const HANDLE waits[] = {hQuitEvent, overlapped->hEvent};
   if (WaitForMultipleObjects(2, waits, FALSE, INFINITE) != WAIT_OBJECT_0 + 1) return 0;
+  *mayGoOn = true;
   return GetOverlappedResult(hPort, overlapped, &read, FALSE) ? read : 0;
 }
 
@@ -196,21 +197,24 @@ DWORD WINAPI CameraReaderThread(void* parameter) {
   auto* context = static_cast<AppContext*>(parameter);
   if (!IsContextUsable(context)) ExitThread(1);
   OVERLAPPED overlapped{};
-  overlapped.hEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
   CameraPoint points[kPointCount];
   for (CameraPoint& point : points) point = {kFieldWidth, kFieldHeight};
-  // Without a port this spins: the tool is made for machines where a connect must never wait for a sleeping reader.
-  while (WaitForSingleObject(context->hQuitEvent, 0) == WAIT_TIMEOUT) {
+  // Without a port this spins, on purpose: the first record after a connect is read at once. A pause here would give
+  // the core back to others and show that record later by as much.
+  for (bool mayGoOn = false; mayGoOn || WaitForSingleObject(context->hQuitEvent, 0) == WAIT_TIMEOUT;) {
+    mayGoOn = false;
+    // Memory may be short at first. Without an event a read could not be waited for, and the next one would start on
+    // the same OVERLAPPED.
+    if (!overlapped.hEvent) overlapped.hEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
     HANDLE port = context->hPort;
-    if (port == INVALID_HANDLE_VALUE) continue;
+    if (port == INVALID_HANDLE_VALUE || !overlapped.hEvent) continue;
     char buffer[kBufferBytes] = "";
-    if (ReadRecord(port, context->hQuitEvent, buffer, &overlapped) != kRecordLength || !HasRecordShape(buffer)) {
-      continue;
-    }
+    const DWORD read = ReadRecord(port, context->hQuitEvent, buffer, &overlapped, &mayGoOn);
+    if (read != kRecordLength || !HasRecordShape(buffer)) continue;
     ParseRecord(buffer, points);
     StorePoints(context, points);
   }
-  CloseHandle(overlapped.hEvent);
+  if (overlapped.hEvent) CloseHandle(overlapped.hEvent);
   ExitThread(1);
 }
 

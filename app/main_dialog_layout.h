@@ -8,8 +8,8 @@
 namespace kv {
 
 // Heights in pixels of the bands that the toolbar and the status bar take.
-int ToolbarHeight(HWND dialog);
-int StatusHeight(HWND dialog);
+int ToolbarHeight(const MainControls& controls);
+int StatusHeight(const MainControls& controls);
 
 // Toolbar to the top left, status bar and its buttons to the bottom, all controls of the scaled range in proportion
 // between them; the dialog is then repainted.

@@ -2,6 +2,9 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
+#include <utility>
+
 #include "app/camera_link.h"
 #include "app/main_dialog.h"
 #include "app/main_dialog_layout.h"
@@ -37,8 +40,28 @@ constexpr int TabGroupLast(int group) {
   return TabGroupFirst(group);
 }
 
-void SetUpToolbar(HWND dialog) {
-  HWND toolbar = GetDlgItem(dialog, IDC_TOOLBAR);
+MainControls FindControls(HWND dialog) {
+  MainControls controls{
+      .toolbar = GetDlgItem(dialog, IDC_TOOLBAR),
+      .chart = GetDlgItem(dialog, IDC_CHART),
+      .pages = GetDlgItem(dialog, IDC_PAGES),
+      .statusBar = GetDlgItem(dialog, IDC_STATUS_BAR),
+      .statusButtons = {},
+  };
+  for (int i = 0; i < kStatusButtonCount; ++i) controls.statusButtons[i] = GetDlgItem(dialog, IDC_PORT + i);
+  return controls;
+}
+
+// The strip of the toolbar's own images, on the button face as it is now.
+HBITMAP LoadStrip(HWND dialog) {
+  HBITMAP strip = LoadBitmapA(modules.resources, MAKEINTRESOURCEA(IDB_TOOLBAR));
+  const WindowDc dc(dialog);
+  ReplaceBitmapColor(dc, strip, kTransparentColor, GetSysColor(COLOR_BTNFACE));
+  return strip;
+}
+
+void SetUpToolbar(HWND dialog, AppContext* context) {
+  HWND toolbar = context->controls.toolbar;
   SendMessageA(toolbar, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
   const TBBUTTON buttons[] = {
       {.iBitmap = 0, .idCommand = -1, .fsState = TBSTATE_ENABLED, .fsStyle = TBSTYLE_SEP},
@@ -49,29 +72,26 @@ void SetUpToolbar(HWND dialog) {
   TBADDBITMAP standard{HINST_COMMCTRL, IDB_STD_LARGE_COLOR};
   SendMessageA(toolbar, TB_ADDBITMAP, kStandardImages, reinterpret_cast<LPARAM>(&standard));
 
-  // The toolbar keeps using the bitmap, so it lives as long as the process.
-  HBITMAP strip = LoadBitmapA(modules.resources, MAKEINTRESOURCEA(IDB_TOOLBAR));
-  {
-    const WindowDc dc(dialog);
-    ReplaceBitmapColor(dc, strip, kTransparentColor, GetSysColor(COLOR_BTNFACE));
-  }
-  TBADDBITMAP own{nullptr, reinterpret_cast<UINT_PTR>(strip)};
+  // The toolbar keeps using the bitmap: it lives until other colours replace it, or as long as the process.
+  context->hToolbarStrip = LoadStrip(dialog);
+  TBADDBITMAP own{nullptr, reinterpret_cast<UINT_PTR>(context->hToolbarStrip)};
   SendMessageA(toolbar, TB_ADDBITMAP, kToolbarImages, reinterpret_cast<LPARAM>(&own));
 }
 
-void SetUpToolTips(HWND dialog) {
+void SetUpToolTips(HWND dialog, HWND toolbar) {
   constexpr ToolTipEntry kToolbarTips[] = {{0, nullptr}, {IDM_CONNECT, L"Connect / Disconnect"}};
   constexpr ToolTipEntry kDialogTips[] = {{IDC_VERSION, WIDE_TEXT(TARNWICK_VERSION_LINE)}};
-  CreateToolTips(modules.resources, GetDlgItem(dialog, IDC_TOOLBAR), kToolbarTips, ARRAYSIZE(kToolbarTips));
+  CreateToolTips(modules.resources, toolbar, kToolbarTips, ARRAYSIZE(kToolbarTips));
   CreateToolTips(modules.resources, dialog, kDialogTips, ARRAYSIZE(kDialogTips));
 }
 
-void SetUpStatusButtons(HWND dialog) {
-  // Made and left: the face that a later status bar is to use, so that the font mapper has it ready.
+void SetUpStatusButtons(const MainControls& controls) {
+  // Made and left, on purpose: nothing is drawn with it, and it goes with the process. Taking the call out would save
+  // one object and change nothing that is seen.
   CreateFontA(26, 11, 0, 0, FW_SEMIBOLD, FALSE, FALSE, FALSE, ANSI_CHARSET, OUT_TT_PRECIS, CLIP_DEFAULT_PRECIS,
               DEFAULT_QUALITY, VARIABLE_PITCH | FF_SWISS, "Arial");
-  for (int id = IDC_PORT; id <= IDC_POINT_4; ++id) {
-    SendDlgItemMessageA(dialog, id, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(SYSTEM_FONT)), TRUE);
+  for (HWND button : controls.statusButtons) {
+    SendMessageA(button, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(SYSTEM_FONT)), TRUE);
   }
 }
 
@@ -82,7 +102,7 @@ void StartReader(AppContext* context) {
 }
 
 void SetUpPages(HWND dialog, AppContext* context) {
-  HWND pages = GetDlgItem(dialog, IDC_PAGES);
+  HWND pages = context->controls.pages;
   SendMessageA(pages, TCM_DELETEALLITEMS, 0, 0);
   wchar_t text[] = L"Diagram";
   TCITEMW item{.mask = TCIF_TEXT | TCIF_PARAM, .pszText = text, .lParam = 0};
@@ -91,12 +111,37 @@ void SetUpPages(HWND dialog, AppContext* context) {
   SelectTabPage(dialog, context, 0);
 }
 
+// A monitor that is gone may have taken the stored place with it: a window that touches none is centred on the primary
+// one, at its size.
+void BringIntoSight(HWND dialog) {
+  if (MonitorFromWindow(dialog, MONITOR_DEFAULTTONULL)) return;
+  RECT place{}, work{};
+  GetWindowRect(dialog, &place);
+  SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
+  const RECT centred = CentredPosition({work.right - work.left, work.bottom - work.top},
+                                       {place.right - place.left, place.bottom - place.top});
+  // The caption stays within reach of the mouse even when the window is larger than the screen.
+  SetWindowPos(dialog, nullptr, work.left + std::max(centred.left, 0L), work.top + std::max(centred.top, 0L), 0, 0,
+               SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 }  // namespace
+
+void RefreshToolbarImages(HWND dialog, AppContext* context) {
+  HBITMAP strip = LoadStrip(dialog);
+  TBREPLACEBITMAP change{nullptr, reinterpret_cast<UINT_PTR>(context->hToolbarStrip), nullptr,
+                         reinterpret_cast<UINT_PTR>(strip), kToolbarImages};
+  if (!SendMessageA(context->controls.toolbar, TB_REPLACEBITMAP, 0, reinterpret_cast<LPARAM>(&change))) {
+    DeleteObject(strip);
+    return;
+  }
+  DeleteObject(std::exchange(context->hToolbarStrip, strip));
+}
 
 void SelectTabPage(HWND dialog, AppContext* context, int page) {
   if (page == context->nTabPage) return;
   context->nTabPage = page;
-  HWND pages = GetDlgItem(dialog, IDC_PAGES);
+  HWND pages = context->controls.pages;
   SendMessageA(pages, TCM_SETCURSEL, page, 0);
   TCITEMW item{.mask = TCIF_PARAM};
   const bool read = SendMessageW(pages, TCM_GETITEMW, page, reinterpret_cast<LPARAM>(&item)) != 0;
@@ -119,14 +164,16 @@ INT_PTR SetUpMainDialog(HWND dialog, AppContext* context) {
   context->nPort = -1;
   context->hPort = INVALID_HANDLE_VALUE;
   context->nTabPage = -1;
-  for (int id = IDC_PORT; id <= IDC_POINT_4; ++id) SetDlgItemTextW(dialog, id, L"---");
+  context->controls = FindControls(dialog);
+  for (HWND button : context->controls.statusButtons) SetWindowTextW(button, L"---");
   CaptureLayout(dialog, context->layout, kScaledIdFirst, kScaledIdLast);
-  SetUpToolbar(dialog);
-  SetUpToolTips(dialog);
-  SetUpStatusButtons(dialog);
+  SetUpToolbar(dialog, context);
+  SetUpToolTips(dialog, context->controls.toolbar);
+  SetUpStatusButtons(context->controls);
   StartReader(context);
   SetUpPages(dialog, context);
   WindowPosition(dialog, kMainPositionName, kPositionRestore);
+  BringIntoSight(dialog);
   ModelessDialogs(dialog, nullptr, kModelessAdd);
   LayOutMainDialog(dialog, context);
   BringWindowToTop(dialog);

@@ -14,4 +14,7 @@ INT_PTR SetUpMainDialog(HWND dialog, AppContext* context);
 // Shows the controls of a tab page and hides those of all others. Nothing for the page that is shown already.
 void SelectTabPage(HWND dialog, AppContext* context, int page);
 
+// Gives the toolbar its images anew, on the button face of the present system colours.
+void RefreshToolbarImages(HWND dialog, AppContext* context);
+
 }  // namespace kv

@@ -20,6 +20,10 @@ struct ChartState {
   LONG nWidth, nHeight;  // of the back buffer
   DWORD bDirty;          // the back buffer must be rendered before it is shown
   CameraPoint points[kPointCount];
+  HDC hBackDc;                        // in camera coordinates; the back buffer stays selected
+  HGDIOBJ hNoBuffer;                  // what it holds without a back buffer
+  DWORD bRendered;                    // the back buffer holds a picture of `rendered`
+  CameraPoint rendered[kPointCount];  // where the markers of the last rendering are
 };
 
 constexpr CameraPoint kNowhere{kNoPoint, kNoPoint};
@@ -42,47 +46,104 @@ void SetAllNowhere(ChartState* state) {
 
 // ---- Drawing -------------------------------------------------------------------------------------------------------
 
-void DrawField(HDC dc, const RECT& area) {
-  const COLORREF oldBackground = SetBkColor(dc, 0x3F3F3F);
-  SetBkMode(dc, OPAQUE);
-  {
-    const OwnedBrush hatch(CreateHatchBrush(HS_DIAGCROSS, RGB(255, 255, 255)));
-    FillRect(dc, &area, hatch);
-  }
-  SetBkColor(dc, oldBackground);
-  // Plain black over the hatch: the hatch is kept for the day the field wants a texture again.
-  FillRect(dc, &area, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
-}
-
-void DrawMarkers(HDC dc, const CameraPoint (&points)[kPointCount], SIZE size) {
+// Lets camera coordinates fill a picture of this size, x to the right and y downwards, without keeping proportions.
+void UseCameraCoordinates(HDC dc, SIZE size) {
   SetMapMode(dc, MM_ANISOTROPIC);
   SetWindowExtEx(dc, kFieldWidth, kFieldHeight, nullptr);
   SetViewportExtEx(dc, size.cx, size.cy, nullptr);
   SetViewportOrgEx(dc, 0, 0, nullptr);
-  for (int i = 0; i < kPointCount; ++i) {
-    if (!IsShown(points[i])) continue;
-    HICON marker = LoadIconA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(kMarkerIconFirst + i));
-    DrawIcon(dc, points[i].x - kMarkerCentre, points[i].y - kMarkerCentre, marker);
-    // A shared icon needs no release; this call is refused and changes nothing.
-    DeleteObject(marker);
-  }
-  SetMapMode(dc, MM_TEXT);
 }
 
-void RenderChart(const ChartState* state, HBITMAP bitmap, SIZE size) {
-  const WindowDc window(state->hWnd);
-  const MemoryDc memory(window);
-  const SelectedObject selected(memory, bitmap);
-  DrawField(memory, {0, 0, size.cx, size.cy});
-  DrawMarkers(memory, state->points, size);
+void DrawField(HDC dc) {
+  constexpr RECT kField{0, 0, kFieldWidth, kFieldHeight};
+  const COLORREF oldBackground = SetBkColor(dc, 0x3F3F3F);
+  SetBkMode(dc, OPAQUE);
+  {
+    const OwnedBrush hatch(CreateHatchBrush(HS_DIAGCROSS, RGB(255, 255, 255)));
+    FillRect(dc, &kField, hatch);
+  }
+  SetBkColor(dc, oldBackground);
+  // Both fills are meant: the field is hatched and then blackened. The black alone is seen, so that leaving out the
+  // hatch would change no pixel for anybody.
+  FillRect(dc, &kField, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
+}
+
+// Shared icons stay loaded as long as the process and need no release; asking for one each time would cost more than to
+// draw it.
+HICON MarkerIcon(int index) {
+  static HICON icons[kPointCount];
+  HICON& icon = icons[index];
+  if (!icon) icon = LoadIconA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(kMarkerIconFirst + index));
+  return icon;
+}
+
+void DrawMarkers(HDC dc, const CameraPoint (&points)[kPointCount]) {
+  for (int i = 0; i < kPointCount; ++i) {
+    if (!IsShown(points[i])) continue;
+    DrawIcon(dc, points[i].x - kMarkerCentre, points[i].y - kMarkerCentre, MarkerIcon(i));
+  }
+}
+
+// `dc` uses camera coordinates.
+void RenderChart(HDC dc, const CameraPoint (&points)[kPointCount]) {
+  DrawField(dc);
+  DrawMarkers(dc, points);
+}
+
+// The pixels that a marker can touch in a picture of this size; empty for a point that is not shown.
+RECT MarkerBounds(const CameraPoint& point, SIZE size) {
+  if (!IsShown(point)) return {};
+  constexpr int kRounding = 2;
+  const LONG left = point.x - kMarkerCentre, top = point.y - kMarkerCentre;
+  const LONG right = left + GetSystemMetrics(SM_CXICON), bottom = top + GetSystemMetrics(SM_CYICON);
+  return {MulDiv(left, size.cx, kFieldWidth) - kRounding, MulDiv(top, size.cy, kFieldHeight) - kRounding,
+          MulDiv(right, size.cx, kFieldWidth) + kRounding, MulDiv(bottom, size.cy, kFieldHeight) + kRounding};
+}
+
+// Where two pictures with these points differ.
+OwnedRegion DifferentRegion(const CameraPoint (&before)[kPointCount], const CameraPoint (&after)[kPointCount],
+                            SIZE size) {
+  OwnedRegion region(CreateRectRgn(0, 0, 0, 0));
+  for (int i = 0; i < kPointCount; ++i) {
+    if (before[i].x == after[i].x && before[i].y == after[i].y) continue;
+    for (const CameraPoint& point : {before[i], after[i]}) {
+      const RECT bounds = MarkerBounds(point, size);
+      const OwnedRegion marker(CreateRectRgnIndirect(&bounds));
+      CombineRgn(region, region, marker, RGN_OR);
+    }
+  }
+  return region;
+}
+
+// Renders only what differs from the last rendering: the field and the markers outside stand already.
+void RenderBackBuffer(ChartState* state) {
+  const SIZE size{state->nWidth, state->nHeight};
+  if (state->bRendered) {
+    const OwnedRegion different = DifferentRegion(state->rendered, state->points, size);
+    SelectClipRgn(state->hBackDc, different);
+  }
+  RenderChart(state->hBackDc, state->points);
+  SelectClipRgn(state->hBackDc, nullptr);
+  std::copy(std::begin(state->points), std::end(state->points), state->rendered);
+  state->bRendered = TRUE;
+  state->bDirty = FALSE;
+}
+
+void DropBackBuffer(ChartState* state) {
+  if (!state->hBackBuffer) return;
+  SelectObject(state->hBackDc, state->hNoBuffer);
+  DeleteObject(state->hBackBuffer);
 }
 
 void MakeBackBuffer(ChartState* state) {
-  if (state->hBackBuffer) DeleteObject(state->hBackBuffer);
+  DropBackBuffer(state);
   const SIZE size = ClientSize(state->hWnd);
   state->hBackBuffer = CreateWindowBitmap(state->hWnd, size);
+  if (state->hBackBuffer) SelectObject(state->hBackDc, state->hBackBuffer);
   state->nWidth = size.cx;
   state->nHeight = size.cy;
+  UseCameraCoordinates(state->hBackDc, size);
+  state->bRendered = FALSE;
   state->bDirty = TRUE;
 }
 
@@ -93,6 +154,9 @@ LRESULT OnCreate(HWND window) {
   if (!state) return 1;
   state->hWnd = window;
   state->dwStyle = GetWindowLongA(window, GWL_STYLE);
+  const WindowDc dc(window);
+  state->hBackDc = CreateCompatibleDC(dc);
+  state->hNoBuffer = GetCurrentObject(state->hBackDc, OBJ_BITMAP);
   MakeBackBuffer(state);
   SetAllNowhere(state);
   RepaintNow(window);
@@ -100,7 +164,8 @@ LRESULT OnCreate(HWND window) {
 }
 
 LRESULT OnDestroy(ChartState* state) {
-  if (state->hBackBuffer) DeleteObject(state->hBackBuffer);
+  DropBackBuffer(state);
+  if (state->hBackDc) DeleteDC(state->hBackDc);
   DestroyWindowRecord(state->hWnd, state);
   return 0;
 }
@@ -114,14 +179,11 @@ LRESULT OnSize(ChartState* state) {
 LRESULT OnPaint(ChartState* state) {
   const PaintScope paint(state->hWnd);
   if (!state->hBackBuffer) return 0;
-  const SIZE size{state->nWidth, state->nHeight};
-  if (state->bDirty) {
-    RenderChart(state, state->hBackBuffer, size);
-    state->bDirty = FALSE;
-  }
+  if (state->bDirty) RenderBackBuffer(state);
   RECT client{};
   GetClientRect(state->hWnd, &client);
-  ShowBitmap(paint.dc(), client, state->hBackBuffer, size);
+  SetStretchBltMode(paint.dc(), COLORONCOLOR);
+  StretchBlt(paint.dc(), 0, 0, client.right, client.bottom, state->hBackDc, 0, 0, kFieldWidth, kFieldHeight, SRCCOPY);
   return 0;
 }
 
@@ -135,7 +197,13 @@ LRESULT OnCopy(ChartState* state, LPARAM requestedSize) {
   const SIZE size = RequestedPictureSize(requestedSize, ClientSize(state->hWnd), kSmallestCopy, kLargestCopy);
   OwnedBitmap picture(CreateWindowBitmap(state->hWnd, size));
   if (!picture) return 0;
-  RenderChart(state, picture, size);
+  const WindowDc window(state->hWnd);
+  const MemoryDc memory(window);
+  {
+    const SelectedObject selected(memory, picture);
+    UseCameraCoordinates(memory, size);
+    RenderChart(memory, state->points);
+  }
   GiveBitmapToClipboard(state->hWnd, picture.Release());
   return 0;
 }

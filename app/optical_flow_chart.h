@@ -25,10 +25,10 @@ inline constexpr int kMarkerIconFirst = 1000;
 enum ChartCommand : BYTE {
   kChartRefresh = 0x00,  // render again and repaint; lParam not used
   kChartClear = 0x01,    // all points become "no point"; repaint; lParam not used
-  kChartPoints = 0x12,   // exchange points; lParam is the address of a FlowPoints. With kCommandRead: copies all points
-                        // out and sets the mask bits of those that are shown. With kCommandRemove: the masked points
-                        // become "no point". With neither: takes the masked points, each coordinate clamped to 0..1023.
-                        // kCommandRedraw repaints at once if a rendering is due.
+  // Exchange points; lParam is the address of a FlowPoints. With kCommandRead: copies all points out and sets the mask
+  // bits of those that are shown. With kCommandRemove: the masked points become "no point". With neither: takes the
+  // masked points, each coordinate clamped to 0..1023. kCommandRedraw repaints at once if a rendering is due.
+  kChartPoints = 0x12,
 };
 
 struct FlowPoints {

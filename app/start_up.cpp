@@ -25,8 +25,8 @@ void RegisterClasses(HINSTANCE instance) {
 }
 
 void UnregisterClasses(HINSTANCE instance) {
-  // Registered again instead of unregistered: the chart's class stays until the process ends, so that a chart that is
-  // still on its way out keeps its procedure.
+  // Registered again instead of unregistered, on purpose: the chart's class stays until the process ends. Unregistering
+  // it here would be refused anyway while the main dialog, which closing does not destroy, still holds a chart.
   RegisterChartClass(instance, TRUE);
   RegisterLineRecorderClass(instance, FALSE);
   RegisterDisplayInstrumentClass(instance, FALSE);
@@ -50,15 +50,19 @@ void FreeContext(AppContext* context) {
   FreeLockedRecord(context);
 }
 
-void RunMessageLoop() {
+// Ends with the quit message, or with the dialog's record, which the dialog gives up when it closes: the quit message
+// comes only when nothing else waits, and commands that other threads keep posting would hold the tool open.
+void RunMessageLoop(HWND dialog) {
   MSG message;
   static_assert(sizeof(message) == 28);
   while (GetMessageA(&message, nullptr, 0, 0) > 0) {
-    if (ModelessDialogs(nullptr, &message, kModelessDispatch)) continue;
-    // There is no accelerator table; the step keeps its place for a dialog that brings one.
-    if (TranslateAcceleratorA(message.hwnd, nullptr, &message)) continue;
-    TranslateMessage(&message);
-    DispatchMessageA(&message);
+    if (!ModelessDialogs(nullptr, &message, kModelessDispatch) &&
+        // There is no accelerator table, so this translates nothing.
+        !TranslateAcceleratorA(message.hwnd, nullptr, &message)) {
+      TranslateMessage(&message);
+      DispatchMessageA(&message);
+    }
+    if (!GetWindowLongA(dialog, DWL_USER)) break;
   }
 }
 
@@ -70,7 +74,7 @@ void RunMainDialog(HINSTANCE instance, AppContext* context) {
   if (dialog) {
     ShowWindow(dialog, SW_SHOW);
     UpdateWindow(dialog);
-    RunMessageLoop();
+    RunMessageLoop(dialog);
   }
   DataFolderSetting(context, TRUE);
 }
@@ -81,7 +85,7 @@ void RunTarnwick(HINSTANCE instance) {
   modules = {.resources = instance, .application = instance};
   char directory[MAX_PATH] = "";
   GetCurrentDirectoryA(ARRAYSIZE(directory), directory);
-  // Stays loaded: rich edit controls of any dialog need it, and one load is enough.
+  // Stays loaded: it brings the window class of rich edit controls to any dialog of the process.
   LoadLibraryA("RichEd32.dll");
   InitCommonControls();
   RegisterClasses(instance);

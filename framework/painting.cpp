@@ -29,49 +29,6 @@ void FillGradient(HDC dc, const RECT& area, COLORREF from, COLORREF to, ULONG di
   GradientFill(dc, corners, 2, &rectangle, 1, direction);
 }
 
-COLORREF SchemeColor(int scheme) {
-  switch (scheme) {
-    case kSchemeAmber: return 0x009FDF;
-    case kSchemeGreen: return 0x00EF00;
-    case kSchemeBlue: return 0xFF7F4F;
-    default: return GetSysColor(COLOR_BTNSHADOW);
-  }
-}
-
-COLORREF ButtonColor(int scheme, UINT flags) {
-  return ShadeColor(SchemeColor(scheme), flags & kButtonLit ? 1.0 : 0.8);
-}
-
-void DrawButtonFace(HDC dc, const RECT& area, COLORREF color, UINT flags, bool pressed) {
-  if (flags & kButtonGradient) {
-    COLORREF bright = color;
-    BlendColor(color, RGB(255, 255, 255), 100, flags & kButtonLit ? 55 : 25, &bright);
-    const COLORREF dark = ShadeColor(color, 0.72);
-    FillVerticalGradient(dc, area, pressed ? dark : bright, pressed ? bright : dark);
-  } else {
-    FillSolid(dc, area, color);
-  }
-  RECT edge = area;
-  DrawEdge(dc, &edge, pressed ? BDR_SUNKENOUTER : BDR_RAISEDINNER, BF_RECT);
-}
-
-void DrawButtonText(HDC dc, const RECT& area, HWND button, COLORREF shadowColor) {
-  wchar_t text[256] = L"";
-  GetWindowTextW(button, text, ARRAYSIZE(text));
-  const auto font = reinterpret_cast<HFONT>(SendMessageA(button, WM_GETFONT, 0, 0));
-  const SelectedObject selectedFont(dc, font ? font : GetStockObject(SYSTEM_FONT));
-  SetBkMode(dc, TRANSPARENT);
-  constexpr UINT kCentred = DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX;
-  // A dark twin one pixel down keeps the white text readable on the green face.
-  RECT place = area;
-  OffsetRect(&place, 1, 1);
-  SetTextColor(dc, shadowColor);
-  DrawTextW(dc, text, -1, &place, kCentred);
-  OffsetRect(&place, -1, -1);
-  SetTextColor(dc, RGB(255, 255, 255));
-  DrawTextW(dc, text, -1, &place, kCentred);
-}
-
 }  // namespace
 
 BOOL BlendColor(COLORREF start, COLORREF end, int steps, int step, COLORREF* result) {
@@ -143,19 +100,6 @@ BOOL ReplaceBitmapColor(HDC dc, HBITMAP bitmap, COLORREF from, COLORREF to) {
     if ((pixel & kColorBits) == asPixel(from)) pixel = asPixel(to);
   });
   return SetDIBits(dc, bitmap, 0, shape.bmHeight, pixels.data(), &info, DIB_RGB_COLORS) != 0;
-}
-
-void DrawStatusButton(const DRAWITEMSTRUCT& item, int scheme, UINT flags) {
-  const RECT& area = item.rcItem;
-  const SIZE size{area.right - area.left, area.bottom - area.top};
-  // Drawn aside and shown at once: these buttons are repainted several times a second and must not flicker.
-  const MemoryDc memory(item.hDC);
-  const OwnedBitmap bitmap(CreateCompatibleBitmap(item.hDC, std::max(size.cx, 1L), std::max(size.cy, 1L)));
-  const SelectedObject selected(memory, bitmap);
-  DrawButtonFace(memory, {0, 0, size.cx, size.cy}, ButtonColor(scheme, flags), flags,
-                 (item.itemState & ODS_SELECTED) != 0);
-  DrawButtonText(memory, {0, 0, size.cx, size.cy}, item.hwndItem, ShadeColor(ButtonColor(scheme, flags), 0.45));
-  BitBlt(item.hDC, area.left, area.top, size.cx, size.cy, memory, 0, 0, SRCCOPY);
 }
 
 }  // namespace kv

@@ -39,10 +39,12 @@ void DrawRoundedFrame(HDC dc, const RECT& area, int radius, int width, COLORREF 
 // with the bitmap, which must not be selected into any. Returns 0 if the bitmap cannot be read or written.
 BOOL ReplaceBitmapColor(HDC dc, HBITMAP bitmap, COLORREF from, COLORREF to);
 
-// Paints an owner-drawn button: face, edge and the button's own text, in white. Scheme: 2 amber, 3 green, 4 blue.
+// Paints an owner-drawn button: face, edge, the button's own text in white with a dark rim, and a frame while it has
+// the focus. Scheme: 2 amber, 3 green, 4 blue. What it keeps between calls is each thread's own.
 inline constexpr int kSchemeAmber = 2, kSchemeGreen = 3, kSchemeBlue = 4;
 inline constexpr UINT kButtonLit = 1;       // brighter face
 inline constexpr UINT kButtonGradient = 2;  // face shaded from top to bottom instead of flat
+inline constexpr UINT kButtonPaused = 4;    // two bars at the right, for whom the colours are hard to tell apart
 void DrawStatusButton(const DRAWITEMSTRUCT& item, int scheme, UINT flags);
 
 }  // namespace kv

@@ -5,13 +5,73 @@ import cairo
 from palette import INK, POINTS, WHITE
 from pen import Pen, arc, around, circle, line, polygon, rect
 
-# The digits' pixels. A chart 600 pixels wide keeps little more than every other row and column of a marker: hence
-# strokes of two.
+# The digits' pixels. A chart of ordinary size keeps little more than every other row and column of a marker, the smallest
+# one a third: hence digits of this height with strokes of three.
 DIGITS = (
-    ("..##..", ".###..", "####..", "..##..", "..##..", "..##..", "..##..", "######", "######"),
-    (".####.", "######", "##..##", "....##", "...##.", "..##..", ".##...", "######", "######"),
-    (".####.", "######", "##..##", "....##", "..###.", "....##", "##..##", "######", ".####."),
-    ("...##.", "..###.", ".####.", "##.##.", "##.##.", "######", "######", "...##.", "...##."),
+    (
+        "...###...",
+        "..####...",
+        ".#####...",
+        "######...",
+        "######...",
+        "...###...",
+        "...###...",
+        "...###...",
+        "...###...",
+        "...###...",
+        "...###...",
+        "#########",
+        "#########",
+        "#########",
+    ),
+    (
+        "..#####..",
+        ".#######.",
+        "####.####",
+        "###...###",
+        "......###",
+        ".....####",
+        "....####.",
+        "...####..",
+        "..####...",
+        ".####....",
+        "####.....",
+        "#########",
+        "#########",
+        "#########",
+    ),
+    (
+        "..#####..",
+        ".#######.",
+        "####.####",
+        "###...###",
+        "......###",
+        ".....####",
+        "..######.",
+        "..######.",
+        ".....####",
+        "......###",
+        "###...###",
+        "####.####",
+        ".#######.",
+        "..#####..",
+    ),
+    (
+        ".....###.",
+        "....####.",
+        "...#####.",
+        "...#####.",
+        "..######.",
+        "..##.###.",
+        ".###.###.",
+        "###..###.",
+        "#########",
+        "#########",
+        "#########",
+        ".....###.",
+        ".....###.",
+        ".....###.",
+    ),
 )
 # The chart draws a marker at (x - 15, y - 15): the middle of pixel (15, 15) is the point.
 HOT = 15.5
@@ -22,10 +82,10 @@ def marker(index):
     pen = Pen(32, 32)
     colour = POINTS[index]
     frame, sides = (
-        (circle(HOT, HOT, 8.5), (8.5, 8.5, 8.5, 8.5)),
-        (rect(HOT - 7.5, HOT - 7.5, 15, 15), (7.5, 7.5, 7.5, 7.5)),
-        (polygon((HOT, HOT - 10), (HOT + 10, HOT), (HOT, HOT + 10), (HOT - 10, HOT)), (10, 10, 10, 10)),
-        (polygon((HOT, HOT - 11), (HOT + 9.5, HOT + 6), (HOT - 9.5, HOT + 6)), (6.5, 6, 6.5, 11)),
+        (circle(HOT, HOT, 7.5), (7.5, 7.5, 7.5, 7.5)),
+        (rect(HOT - 6.5, HOT - 6.5, 13, 13), (6.5, 6.5, 6.5, 6.5)),
+        (polygon((HOT, HOT - 9), (HOT + 9, HOT), (HOT, HOT + 9), (HOT - 9, HOT)), (9, 9, 9, 9)),
+        (polygon((HOT, HOT - 10), (HOT + 8.5, HOT + 5), (HOT - 8.5, HOT + 5)), (6, 5, 6, 10)),
     )[index]
     pen.glow(HOT, HOT, 12, colour, 0.8)
     pen.stroke(frame, colour, 2)
@@ -38,7 +98,7 @@ def marker(index):
 
 
 def _digit(pen, index):
-    left, top = 26, 23
+    left, top = 21, 17  # with its rim it ends at the icon's edge
     for grow, colour in ((1, (0, 0, 0)), (0, POINTS[index])):
         for y, row in enumerate(DIGITS[index]):
             for x, bit in enumerate(row):

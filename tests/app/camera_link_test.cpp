@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "app/camera_record.h"
+#include "tests/support/replaced_import.h"
 #include "tests/support/serial_line.h"
 #include "tests/support/test_window.h"
 
@@ -104,6 +105,23 @@ TEST_F(CameraLinkTest, OpensWithTheCamerasLineSettings) {
   CloseHandle(port);
   EXPECT_EQ(0u, SetPortBaudRate(port, 9600));
   EXPECT_EQ(0u, SetPortBaudRate(INVALID_HANDLE_VALUE, 9600));
+}
+
+HANDLE WINAPI NoEvent(SECURITY_ATTRIBUTES*, BOOL, BOOL, const char*) {
+  return nullptr;
+}
+
+TEST_F(CameraLinkTest, ReaderWithoutMemoryForItsEventReadsAsSoonAsThereIs) {
+  {
+    const kvtest::ReplacedImport scarce("CreateEventA", reinterpret_cast<void*>(NoEvent));
+    ASSERT_TRUE(scarce.isInPlace());
+    OpenAndRead();
+    Quiet();
+  }
+  EXPECT_TRUE(WaitUntil([&] {
+    camera_.Send(RecordOf(31, 41));
+    return FirstPointBecomes(31, 41, milliseconds(100));
+  }));
 }
 
 TEST_F(CameraLinkTest, TransactionSendsAndListens) {

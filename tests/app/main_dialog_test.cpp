@@ -13,12 +13,17 @@
 #include "framework/dialog.h"
 #include "framework/guards.h"
 #include "framework/modules.h"
+#include "framework/painting.h"
+#include "framework/picture.h"
+#include "framework/window_position.h"
 #include "tests/support/test_window.h"
 
 namespace kv {
 namespace {
 
 using kvtest::PumpMessages;
+
+constexpr COLORREF kWhite = RGB(255, 255, 255), kMark = RGB(1, 2, 3);
 
 class MainDialogTest : public testing::Test {
  protected:
@@ -35,6 +40,9 @@ class MainDialogTest : public testing::Test {
   }
   void SetUp() override {
     RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\korvel");
+    OpenDialog();
+  }
+  void OpenDialog() {
     context_.hQuitEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
     ModelessDialogs(nullptr, nullptr, kModelessReset);
     dialog_ = CreateDialogParamW(modules.resources, kMainDialogTemplate, nullptr, MainDialogProcedure,
@@ -43,7 +51,8 @@ class MainDialogTest : public testing::Test {
     ShowWindow(dialog_, SW_SHOW);
     UpdateWindow(dialog_);
   }
-  void TearDown() override {
+  void TearDown() override { CloseDialog(); }
+  void CloseDialog() {
     if (GetWindowLongA(dialog_, DWL_USER)) SendMessageA(dialog_, WM_CLOSE, 0, 0);
     DestroyWindow(dialog_);
     PumpMessages();
@@ -68,15 +77,22 @@ class MainDialogTest : public testing::Test {
     context_.points[0] = {x, y};
     context_.bChanged = TRUE;
   }
-  // The colour in the face of a status button, apart from its text.
-  COLORREF Face(int id) {
+  static std::string StoredPlace() {
+    char stored[64] = "";
+    DWORD size = sizeof(stored);
+    const RegistryKey key = RegistryKey::Open(kWindowPositionsKey);
+    RegQueryValueExA(key, kMainPositionName, nullptr, nullptr, reinterpret_cast<BYTE*>(stored), &size);
+    return stored;
+  }
+  // The colour in the face of a status button, apart from its text; or at another place of its 60 x 16 pixels.
+  COLORREF Face(int id, int x = 3, int y = 5) {
     kvtest::Picture picture(60, 16);
     DRAWITEMSTRUCT item{.CtlType = ODT_BUTTON, .CtlID = static_cast<UINT>(id), .itemAction = ODA_DRAWENTIRE};
     item.hwndItem = GetDlgItem(dialog_, id);
     item.hDC = picture.dc();
     item.rcItem = {0, 0, 60, 16};
     EXPECT_EQ(1, Call(WM_DRAWITEM, id, reinterpret_cast<LPARAM>(&item)));
-    return picture.At(3, 5);
+    return picture.At(x, y);
   }
 
   AppContext context_{};
@@ -129,6 +145,7 @@ TEST_F(MainDialogTest, StatusButtonsTellTheState) {
   EXPECT_GT(GetBValue(idle), GetRValue(idle) + 60) << "blue";
   context_.hPort = CreateEventA(nullptr, TRUE, FALSE, nullptr);  // any handle that closing may close
   const COLORREF running = Face(IDC_PORT);
+  EXPECT_NE(kWhite, Face(IDC_PORT, 48, 8));
   EXPECT_GT(GetGValue(running), GetRValue(running) + 60) << "green";
   EXPECT_EQ(idle, Face(IDC_POINT_1));
   Call(WM_COMMAND, IDM_PAUSE);
@@ -136,6 +153,7 @@ TEST_F(MainDialogTest, StatusButtonsTellTheState) {
   EXPECT_GT(GetRValue(paused), GetBValue(paused) + 60) << "amber";
   Call(WM_TIMER, kBlinkTimer);
   EXPECT_NE(paused, Face(IDC_PORT)) << "blinks while paused";
+  EXPECT_EQ(kWhite, Face(IDC_PORT, 48, 8)) << "a mark for whom amber looks like green";
   EXPECT_EQ(idle, Face(IDC_POINT_2)) << "the points do not";
   Call(WM_TIMER, kBlinkTimer);
   EXPECT_EQ(paused, Face(IDC_PORT));
@@ -236,11 +254,61 @@ TEST_F(MainDialogTest, CloseRemembersTheWindowAndStopsTheReader) {
   CloseHandle(thread);
   EXPECT_EQ(0, GetWindowLongA(dialog_, DWL_USER));
   EXPECT_TRUE(IsWindow(dialog_)) << "goes with the process";
-  char stored[64] = "";
-  DWORD size = sizeof(stored);
-  const RegistryKey key = RegistryKey::Open("Software\\korvel\\WindowPositions");
-  RegQueryValueExA(key, kMainPositionName, nullptr, nullptr, reinterpret_cast<BYTE*>(stored), &size);
-  EXPECT_STREQ("30,40,730,640", stored);
+  EXPECT_EQ("30,40,730,640", StoredPlace());
+}
+
+TEST_F(MainDialogTest, EndOfTheSessionSavesWhatClosingWould) {
+  SetWindowPos(dialog_, nullptr, 30, 40, 700, 600, SWP_NOZORDER);
+  lstrcpyW(context_.szDataFolder, L"C:\\data");
+  Call(WM_ENDSESSION, FALSE);
+  EXPECT_EQ("", StoredPlace()) << "somebody else has refused";
+  Call(WM_ENDSESSION, TRUE);
+  EXPECT_EQ("30,40,730,640", StoredPlace());
+  AppContext next{};
+  DataFolderSetting(&next, FALSE);
+  EXPECT_STREQ(L"C:\\data", next.szDataFolder);
+}
+
+TEST_F(MainDialogTest, ComesBackWhereItIsSeen) {
+  constexpr char kGone[] = "9000,8000,9700,8600";
+  CloseDialog();
+  RegSetValueExA(RegistryKey::Create(kWindowPositionsKey), kMainPositionName, 0, REG_SZ,
+                 reinterpret_cast<const BYTE*>(kGone), sizeof(kGone));
+  OpenDialog();
+  RECT place{}, seen{};
+  GetWindowRect(dialog_, &place);
+  EXPECT_EQ(700, place.right - place.left);
+  EXPECT_EQ(600, place.bottom - place.top);
+  const RECT screen{0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
+  IntersectRect(&seen, &place, &screen);
+  EXPECT_TRUE(EqualRect(&place, &seen)) << place.left << "," << place.top;
+  EXPECT_EQ(kGone, StoredPlace()) << "until it is closed";
+}
+
+TEST_F(MainDialogTest, BackgroundSparesTheControlsOnIt) {
+  for (const int id : {IDC_CHART, IDC_STATUS_BAR, IDC_PORT, IDC_POINT_4}) {
+    HWND control = GetDlgItem(dialog_, id);
+    const WindowDc dc(control);
+    SIZE size = ClientSize(control);
+    FillSolid(dc, {0, 0, size.cx, size.cy}, kMark);
+    RedrawWindow(dialog_, nullptr, nullptr, RDW_INVALIDATE | RDW_NOCHILDREN);
+    Call(WM_PAINT);
+    EXPECT_EQ(kMark, GetPixel(dc, size.cx - 6, 5)) << id;
+  }
+}
+
+TEST_F(MainDialogTest, FollowsNewSystemColours) {
+  const INT element = COLOR_BTNFACE;
+  const COLORREF before = GetSysColor(element), after = RGB(32, 48, 64);
+  SetSysColors(1, &element, &after);
+  Call(WM_SYSCOLORCHANGE);
+  UpdateWindow(dialog_);
+  const WindowDc dc(dialog_);
+  EXPECT_EQ(after, GetPixel(dc, ClientSize(dialog_).cx - 20, 10)) << "the band of the toolbar";
+  const MemoryDc strip(dc);
+  const SelectedObject selected(strip, context_.hToolbarStrip);
+  EXPECT_EQ(after, GetPixel(strip, 0, 0)) << "the ground of its images";
+  SetSysColors(1, &element, &before);
 }
 
 }  // namespace

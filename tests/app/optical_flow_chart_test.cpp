@@ -151,6 +151,30 @@ TEST_F(ChartTest, RedrawsOnlyOnDemand) {
   ReleaseDC(chart_, dc);
 }
 
+// What is drawn anew for a change, next to what stands already, must be what drawing all of it anew gives.
+TEST_F(ChartTest, ShowsTheSameAfterManyChangesAsAPictureMadeAtOnce) {
+  std::mt19937 random(7);
+  const auto coordinate = [&] { return static_cast<LONG>(random() % 8 ? random() % 1100 : kNoPoint); };
+  Picture shown(512, 384), anew(512, 384);
+  for (int round = 0; round < 40; ++round) {
+    FlowPoints change{.mask = static_cast<DWORD>(random() % 16), .points = {}};
+    // Close together at times, so that markers overlap.
+    const LONG near_ = round % 3 ? 0 : 500;
+    for (CameraPoint& point : change.points) point = {coordinate() / (near_ ? 20 : 1) + near_, coordinate() / 2};
+    if (round == 20) MoveWindow(chart_, 0, 0, 500, 380, TRUE);
+    Command((round % 5 ? 0 : kCommandRemove) | (round % 4 ? kCommandRedraw : 0) | kChartPoints, &change);
+    if (round % 4 == 0) continue;
+    HDC dc = GetDC(chart_);
+    BitBlt(shown.dc(), 0, 0, 512, 384, dc, 0, 0, SRCCOPY);
+    ReleaseDC(chart_, dc);
+    SendMessageA(chart_, WM_COPY, 0, 0);
+    const SIZE size = ClipboardPictureSize(&anew);
+    for (int y = 0; y < size.cy; ++y) {
+      for (int x = 0; x < size.cx; ++x) ASSERT_EQ(anew.At(x, y), shown.At(x, y)) << round << ": " << x << "," << y;
+    }
+  }
+}
+
 TEST_F(ChartTest, SwallowsInputAndPassesDroppedFilesOn) {
   for (const UINT message : {WM_COMMAND, WM_MOUSEMOVE, WM_LBUTTONDOWN, WM_LBUTTONDBLCLK, WM_MBUTTONUP}) {
     EXPECT_EQ(0, SendMessageA(chart_, message, 0, 0));

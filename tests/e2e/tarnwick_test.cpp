@@ -210,6 +210,29 @@ TEST_F(TarnwickTest, ResizesDownToItsMinimumAndComesBackWhereItWas) {
   EXPECT_NE(INFINITE, again.CloseAndWait());
 }
 
+// Whoever keeps sending and posting commands must not hold the tool open.
+TEST_F(TarnwickTest, ClosesUnderAStormOfCommands) {
+  TarnwickProcess tool;
+  ASSERT_NE(nullptr, tool.window());
+  std::atomic<bool> stop{false};
+  std::atomic<int> sent{0};
+  std::thread senders[4];
+  for (std::thread& sender : senders) {
+    sender = std::thread([&] {
+      for (int i = 0; !stop; ++i, ++sent) {
+        const WPARAM command = i % 3 == 0 ? IDM_PAUSE : i % 3 == 1 ? IDM_RESERVED : 32768 + i % 1000;
+        DWORD_PTR answer = 0;
+        SendMessageTimeoutA(tool.window(), WM_COMMAND, command, 0, SMTO_NORMAL, 1000, &answer);
+        PostMessageA(tool.window(), WM_COMMAND, command, 0);
+      }
+    });
+  }
+  EXPECT_TRUE(WaitUntil([&] { return sent > 1000; }));
+  EXPECT_NE(INFINITE, tool.CloseAndWait(20000));
+  stop = true;
+  for (std::thread& sender : senders) sender.join();
+}
+
 TEST_F(TarnwickTest, CopiesTheChartToTheClipboard) {
   TarnwickProcess tool;
   ASSERT_NE(nullptr, tool.window());

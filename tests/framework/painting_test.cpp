@@ -138,6 +138,46 @@ TEST(Painting, StatusButtonShowsItsSchemeAndLeavesTheDcAlone) {
   EXPECT_LT(fall(ODS_SELECTED), 0);
 }
 
+double Luminance(COLORREF color) {
+  const auto linear = [](BYTE channel) {
+    const double share = channel / 255.0;
+    return share <= 0.04045 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * linear(GetRValue(color)) + 0.7152 * linear(GetGValue(color)) + 0.0722 * linear(GetBValue(color));
+}
+
+TEST(Painting, StatusButtonIsReadOnEveryFaceAndShowsFocusAndPause) {
+  const kvtest::RecordingParent parent;
+  const HWND button = kvtest::CreateControl(parent, "BUTTON", "COM3", BS_OWNERDRAW, {0, 0, 80, 20}, 9);
+  Picture picture(80, 20);
+  DRAWITEMSTRUCT item{.hwndItem = button, .hDC = picture.dc(), .rcItem = {0, 0, 80, 20}};
+  constexpr COLORREF kWhite = RGB(255, 255, 255);
+  for (const int scheme : {kv::kSchemeAmber, kv::kSchemeGreen, kv::kSchemeBlue}) {
+    for (const UINT lit : {0u, kv::kButtonLit}) {
+      kv::DrawStatusButton(item, scheme, kv::kButtonGradient | lit);
+      for (int i = 0; i < 76 * 16; ++i) {
+        const int x = 2 + i % 76, y = 2 + i / 76;
+        if (picture.At(x, y) != kWhite) continue;
+        for (int n = 0; n < 9; ++n) {
+          const COLORREF beside = picture.At(x - 1 + n % 3, y - 1 + n / 3);
+          ASSERT_TRUE(beside == kWhite || 1.05 / (Luminance(beside) + 0.05) >= 4.5)
+              << scheme << " at " << x << "," << y;
+        }
+      }
+    }
+  }
+  const auto whites = [&](UINT state, UINT flags) {
+    item.itemState = state;
+    kv::DrawStatusButton(item, kv::kSchemeAmber, flags);
+    return picture.CountOf(kWhite);
+  };
+  const int plain = whites(0, 0);
+  EXPECT_GT(plain, 20);
+  EXPECT_GT(whites(ODS_FOCUS, 0), plain + 100);
+  EXPECT_EQ(plain, whites(ODS_FOCUS | ODS_NOFOCUSRECT, 0)) << "not before the keyboard is used";
+  EXPECT_GT(whites(0, kv::kButtonPaused), plain + 20);
+}
+
 TEST(Pictures, SizesAndBuffers) {
   const kvtest::RecordingParent parent(false, 40, 30);
   const SIZE client = kv::ClientSize(parent);

@@ -1,0 +1,170 @@
+#include <algorithm>
+#include <utility>
+
+#include "framework/guards.h"
+#include "framework/painting.h"
+#include "framework/picture.h"
+
+namespace kv {
+
+namespace {
+
+// A 32-bit picture that is kept from one button to the next, and grows to the largest of them. Making one anew for each
+// of some hundred paintings a second would cost more than all of the drawing. One for each thread, freed with it.
+class Canvas {
+ public:
+  Canvas() = default;
+  ~Canvas() {
+    if (dc_) DeleteDC(dc_);
+    if (bitmap_) DeleteObject(bitmap_);
+  }
+  Canvas(const Canvas&) = delete;
+  Canvas& operator=(const Canvas&) = delete;
+
+  // False when memory is short.
+  bool Reserve(HDC compatibleWith, SIZE size) {
+    if (!dc_) dc_ = CreateCompatibleDC(compatibleWith);
+    if (pixels_ && size.cx <= size_.cx && size.cy <= size_.cy) return true;
+    const SIZE larger{std::max(size.cx, size_.cx), std::max(size.cy, size_.cy)};
+    const BITMAPINFO info = TopDownBitmapInfo(larger.cx, larger.cy);
+    void* pixels = nullptr;
+    HBITMAP bitmap = CreateDIBSection(dc_, &info, DIB_RGB_COLORS, &pixels, nullptr, 0);
+    if (!bitmap) return false;
+    SelectObject(dc_, bitmap);
+    if (bitmap_) DeleteObject(bitmap_);
+    bitmap_ = bitmap;
+    pixels_ = static_cast<DWORD*>(pixels);
+    size_ = larger;
+    return true;
+  }
+
+  HDC dc() const { return dc_; }
+  DWORD* Row(int y) const { return pixels_ + static_cast<size_t>(y) * size_.cx; }
+
+ private:
+  HDC dc_ = nullptr;
+  HBITMAP bitmap_ = nullptr;
+  DWORD* pixels_ = nullptr;
+  SIZE size_{};
+};
+
+COLORREF SchemeColor(int scheme) {
+  switch (scheme) {
+    case kSchemeAmber: return 0x009FDF;
+    case kSchemeGreen: return 0x00EF00;
+    case kSchemeBlue: return 0xFF7F4F;
+    default: return GetSysColor(COLOR_BTNSHADOW);
+  }
+}
+
+// A picture's pixels hold red and blue the other way round.
+DWORD AsPixel(COLORREF color) {
+  return (GetRValue(color) << 16) | (GetGValue(color) << 8) | GetBValue(color);
+}
+
+struct FaceColors {
+  COLORREF top, bottom, rim;
+};
+
+// The top is lighter than the scheme's colour by so little that white still stands out from it.
+FaceColors ColorsOfFace(int scheme, UINT flags, bool pressed) {
+  const bool lit = (flags & kButtonLit) != 0;
+  const COLORREF color = ShadeColor(SchemeColor(scheme), lit ? 1.0 : 0.8);
+  FaceColors colors{color, color, ShadeColor(color, 0.3)};
+  if (flags & kButtonGradient) {
+    BlendColor(color, RGB(255, 255, 255), 100, lit ? 30 : 8, &colors.top);
+    colors.bottom = ShadeColor(color, lit ? 0.85 : 0.65);
+    if (pressed) std::swap(colors.top, colors.bottom);
+  }
+  return colors;
+}
+
+void DrawFace(const Canvas& canvas, SIZE size, const FaceColors& colors, bool pressed) {
+  const DWORD light = AsPixel(GetSysColor(pressed ? COLOR_BTNSHADOW : COLOR_BTNHIGHLIGHT));
+  const DWORD dark = AsPixel(GetSysColor(pressed ? COLOR_BTNHIGHLIGHT : COLOR_BTNSHADOW));
+  for (int y = 0; y < size.cy; ++y) {
+    DWORD* row = canvas.Row(y);
+    COLORREF face = colors.top;
+    BlendColor(colors.top, colors.bottom, std::max<int>(size.cy - 1, 1), y, &face);
+    std::fill(row, row + size.cx, y == 0 ? light : y == size.cy - 1 ? dark : AsPixel(face));
+    row[0] = y == size.cy - 1 ? dark : light;
+    row[size.cx - 1] = dark;
+  }
+}
+
+// What is to be seen on the face, in white on black: text, focus frame, marks.
+void DrawShapes(HDC dc, const RECT& area, HWND button, bool paused, bool focused) {
+  FillRect(dc, &area, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
+  const auto white = static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH));
+  wchar_t text[256] = L"";
+  GetWindowTextW(button, text, ARRAYSIZE(text));
+  const auto font = reinterpret_cast<HFONT>(SendMessageA(button, WM_GETFONT, 0, 0));
+  const SelectedObject selectedFont(dc, font ? font : GetStockObject(SYSTEM_FONT));
+  SetBkMode(dc, TRANSPARENT);
+  SetTextColor(dc, RGB(255, 255, 255));
+  RECT place = area;
+  DrawTextW(dc, text, -1, &place, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
+  if (paused) {
+    const LONG right = area.right - 6, top = area.top + 4, bottom = area.bottom - 4;
+    for (const RECT& bar : {RECT{right - 7, top, right - 5, bottom}, RECT{right - 2, top, right, bottom}}) {
+      FillRect(dc, &bar, white);
+    }
+  }
+  if (focused) {
+    RECT frame = area;
+    InflateRect(&frame, -1, -1);
+    FrameRect(dc, &frame, white);
+  }
+}
+
+// How much the shapes cover a pixel: 0 to 255.
+int Coverage(DWORD pixel) {
+  return static_cast<int>(pixel >> 8 & 0xFF);
+}
+
+DWORD Mixed(DWORD from, DWORD to, int share) {
+  if (share == 0) return from;
+  DWORD mixed = 0;
+  for (int shift = 0; shift < 24; shift += 8) {
+    const int start = static_cast<int>(from >> shift & 0xFF), end = static_cast<int>(to >> shift & 0xFF);
+    mixed |= static_cast<DWORD>(start + (end - start) * share / 255) << shift;
+  }
+  return mixed;
+}
+
+// Puts the shapes on the face in white, with a rim of one dark pixel on all sides: so they are read on any brightness.
+// The shapes lie below the face in the same picture, `size.cy` rows down; the face's edge is left free.
+void PutShapesOnFace(const Canvas& canvas, SIZE size, COLORREF rimColor) {
+  const DWORD rimPixel = AsPixel(rimColor);
+  constexpr DWORD kWhite = 0xFFFFFF;
+  for (int y = 1; y < size.cy - 1; ++y) {
+    DWORD* face = canvas.Row(y);
+    const DWORD* rows[] = {canvas.Row(size.cy + y - 1), canvas.Row(size.cy + y), canvas.Row(size.cy + y + 1)};
+    for (int x = 1; x < size.cx - 1; ++x) {
+      int rim = 0;
+      for (const DWORD* row : rows) {
+        rim = std::max({rim, Coverage(row[x - 1]), Coverage(row[x]), Coverage(row[x + 1])});
+      }
+      face[x] = Mixed(Mixed(face[x], rimPixel, rim), kWhite, Coverage(rows[1][x]));
+    }
+  }
+}
+
+}  // namespace
+
+void DrawStatusButton(const DRAWITEMSTRUCT& item, int scheme, UINT flags) {
+  thread_local Canvas canvas;
+  const RECT& area = item.rcItem;
+  const SIZE size{area.right - area.left, area.bottom - area.top};
+  if (size.cx <= 0 || size.cy <= 0 || !canvas.Reserve(item.hDC, {size.cx, 2 * size.cy})) return;
+  const bool pressed = (item.itemState & ODS_SELECTED) != 0;
+  const bool focused = (item.itemState & ODS_FOCUS) && !(item.itemState & ODS_NOFOCUSRECT);
+  const FaceColors colors = ColorsOfFace(scheme, flags, pressed);
+  DrawShapes(canvas.dc(), {0, size.cy, size.cx, 2 * size.cy}, item.hwndItem, (flags & kButtonPaused) != 0, focused);
+  GdiFlush();
+  DrawFace(canvas, size, colors, pressed);
+  PutShapesOnFace(canvas, size, colors.rim);
+  BitBlt(item.hDC, area.left, area.top, size.cx, size.cy, canvas.dc(), 0, 0, SRCCOPY);
+}
+
+}  // namespace kv
