@@ -62,7 +62,8 @@ INT_PTR OnPaint(HWND dialog, const AppContext* context) {
   const PaintScope paint(dialog);
   const MainControls& controls = context->controls;
   // The dialog's style does not spare its children. Painted over, these would be gone until they paint themselves
-  // again.
+  // again. The device context belongs to the window class, which would keep the clipping for the next painting.
+  const int saved = SaveDC(paint.dc());
   ExcludeChild(paint.dc(), dialog, controls.chart);
   ExcludeChild(paint.dc(), dialog, controls.statusBar);
   for (HWND button : controls.statusButtons) ExcludeChild(paint.dc(), dialog, button);
@@ -71,6 +72,7 @@ INT_PTR OnPaint(HWND dialog, const AppContext* context) {
   PaintMainBackground(paint.dc(), client,
                       ShapeBackground(client, design, ToolbarHeight(controls), StatusHeight(controls),
                                       PlaceInDialog(dialog, controls.pages)));
+  RestoreDC(paint.dc(), saved);
   return 1;
 }
 

@@ -79,9 +79,12 @@ FaceColors ColorsOfFace(int scheme, UINT flags, bool pressed) {
   return colors;
 }
 
-void DrawFace(const Canvas& canvas, SIZE size, const FaceColors& colors, bool pressed) {
-  const DWORD light = AsPixel(GetSysColor(pressed ? COLOR_BTNSHADOW : COLOR_BTNHIGHLIGHT));
-  const DWORD dark = AsPixel(GetSysColor(pressed ? COLOR_BTNHIGHLIGHT : COLOR_BTNSHADOW));
+// A button with the focus has a dark edge instead of a raised one, from which the white frame within stands out.
+void DrawFace(const Canvas& canvas, SIZE size, const FaceColors& colors, bool pressed, bool focused) {
+  const DWORD light =
+      focused ? AsPixel(colors.rim) : AsPixel(GetSysColor(pressed ? COLOR_BTNSHADOW : COLOR_BTNHIGHLIGHT));
+  const DWORD dark =
+      focused ? AsPixel(colors.rim) : AsPixel(GetSysColor(pressed ? COLOR_BTNHIGHLIGHT : COLOR_BTNSHADOW));
   for (int y = 0; y < size.cy; ++y) {
     DWORD* row = canvas.Row(y);
     COLORREF face = colors.top;
@@ -162,7 +165,7 @@ void DrawStatusButton(const DRAWITEMSTRUCT& item, int scheme, UINT flags) {
   const FaceColors colors = ColorsOfFace(scheme, flags, pressed);
   DrawShapes(canvas.dc(), {0, size.cy, size.cx, 2 * size.cy}, item.hwndItem, (flags & kButtonPaused) != 0, focused);
   GdiFlush();
-  DrawFace(canvas, size, colors, pressed);
+  DrawFace(canvas, size, colors, pressed, focused);
   PutShapesOnFace(canvas, size, colors.rim);
   BitBlt(item.hDC, area.left, area.top, size.cx, size.cy, canvas.dc(), 0, 0, SRCCOPY);
 }

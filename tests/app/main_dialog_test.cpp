@@ -295,6 +295,9 @@ TEST_F(MainDialogTest, BackgroundSparesTheControlsOnIt) {
     Call(WM_PAINT);
     EXPECT_EQ(kMark, GetPixel(dc, size.cx - 6, 5)) << id;
   }
+  const WindowDc dc(dialog_);
+  const OwnedRegion left(CreateRectRgn(0, 0, 0, 0));
+  EXPECT_EQ(0, GetClipRgn(dc, left)) << "the class's device context would paint the next size around it";
 }
 
 TEST_F(MainDialogTest, FollowsNewSystemColours) {
