@@ -20,9 +20,10 @@ struct ChartState {
   LONG nWidth, nHeight;  // of the back buffer
   DWORD bDirty;          // the back buffer must be rendered before it is shown
   CameraPoint points[kPointCount];
-  HDC hBackDc;                        // in camera coordinates; the back buffer stays selected
-  HGDIOBJ hNoBuffer;                  // what it holds without a back buffer
-  DWORD bRendered;                    // the back buffer holds a picture of `rendered`
+  HDC hBackDc;        // in camera coordinates; the back buffer stays selected
+  HGDIOBJ hNoBuffer;  // what it holds without a back buffer
+  DWORD bBehind;      // points have changed without a repaint: the screen may show older ones than the back buffer
+  DWORD bRendered;    // the back buffer holds a picture of `rendered`
   CameraPoint rendered[kPointCount];  // where the markers of the last rendering are
 };
 
@@ -216,19 +217,39 @@ void ReadPoints(const ChartState* state, FlowPoints* exchange) {
   }
 }
 
+void RepaintAll(ChartState* state) {
+  RepaintNow(state->hWnd);
+  state->bBehind = FALSE;
+}
+
+// Repaints where the markers were and are, which is all of the difference unless the screen lags behind.
+void RepaintDifference(ChartState* state, const CameraPoint (&before)[kPointCount]) {
+  const OwnedRegion different = DifferentRegion(before, state->points, {state->nWidth, state->nHeight});
+  RECT bounds{};
+  if (state->bBehind || GetRgnBox(different, &bounds) <= NULLREGION) return RepaintAll(state);
+  InvalidateRgn(state->hWnd, different, TRUE);
+  UpdateWindow(state->hWnd);
+}
+
 LRESULT ExchangePoints(ChartState* state, WPARAM flags, FlowPoints* exchange) {
   if (IsBadWritePtr(exchange, sizeof(*exchange))) return 1;
   if (flags & kCommandRead) {
     ReadPoints(state, exchange);
     return 0;
   }
+  CameraPoint before[kPointCount];
+  std::copy(std::begin(state->points), std::end(state->points), before);
   for (int i = 0; i < kPointCount; ++i) {
     if (exchange->mask & (1u << i)) {
       state->points[i] = flags & kCommandRemove ? kNowhere : Clamped(exchange->points[i]);
     }
   }
   state->bDirty = TRUE;
-  if (flags & kCommandRedraw) RepaintNow(state->hWnd);
+  if (flags & kCommandRedraw) {
+    RepaintDifference(state, before);
+  } else {
+    state->bBehind = TRUE;
+  }
   return 0;
 }
 
@@ -236,11 +257,11 @@ LRESULT OnCommand(ChartState* state, WPARAM wParam, LPARAM lParam) {
   switch (LOBYTE(wParam)) {
     case kChartRefresh:
       state->bDirty = TRUE;
-      RepaintNow(state->hWnd);
+      RepaintAll(state);
       return 0;
     case kChartClear:
       SetAllNowhere(state);
-      RepaintNow(state->hWnd);
+      RepaintAll(state);
       return 0;
     case kChartPoints: return ExchangePoints(state, wParam, reinterpret_cast<FlowPoints*>(lParam));
     default: return 0;

@@ -30,7 +30,7 @@ stop() {
 }
 
 install_viewers() {
-  local packages=(python3-serial python3-tk bc) as_root=()
+  local packages=(python3-serial python3-tk) as_root=()
   dpkg -s "${packages[@]}" >/dev/null 2>&1 && return
   [ "$(id -u)" -eq 0 ] || as_root=(sudo)
   DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y --no-install-recommends "${packages[@]}"

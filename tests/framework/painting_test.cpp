@@ -173,8 +173,10 @@ TEST(Painting, StatusButtonIsReadOnEveryFaceAndShowsFocusAndPause) {
   };
   const int plain = whites(0, 0);
   EXPECT_GT(plain, 20);
-  EXPECT_GT(whites(ODS_FOCUS, 0), plain + 100);
   EXPECT_EQ(plain, whites(ODS_FOCUS | ODS_NOFOCUSRECT, 0)) << "not before the keyboard is used";
+  EXPECT_NE(kWhite, picture.At(10, 1));
+  whites(ODS_FOCUS, 0);
+  for (const POINT at : {POINT{10, 1}, {10, 18}, {1, 10}, {78, 10}}) EXPECT_EQ(kWhite, picture.At(at.x, at.y));
   EXPECT_GT(whites(0, kv::kButtonPaused), plain + 20);
 }
 
