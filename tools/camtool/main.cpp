@@ -1,36 +1,101 @@
-// camtool: a console program that stands in for the camera and looks at its line, for people without one. Each verb has
-// a file of its own and a line in the table below.
+// camtool: a console program that looks at the camera's line, keeps what came over it and stands in for the camera.
+// Results go to standard output, everything else to standard error. docs/camtool.md is its reference.
 #include <windows.h>
 
-#include <cstdio>
-#include <cstring>
-#include <span>
+#include <shellapi.h>
+#include <timeapi.h>
 
+#include <algorithm>
+#include <cstdio>
+
+#include "tools/camtool/console.h"
+#include "tools/camtool/files.h"
 #include "tools/camtool/verbs.h"
+
+namespace camtool {
 
 namespace {
 
-constexpr camtool::Verb kVerbs[] = {
-    {"simulate", "simulate PORT [--rate RECORDS_PER_SECOND] [--seconds DURATION]",
-     "streams records of four moving points to PORT (COM1..COM999)", camtool::Simulate},
-};
+const Verb* const kVerbs[] = {&kScanVerb, &kRecordVerb, &kReplayVerb, &kExportVerb, &kSimulateVerb};
 
-int PrintUsage() {
-  std::fputs("usage:\n", stderr);
-  for (const camtool::Verb& verb : kVerbs) std::fprintf(stderr, "  camtool %s\n      %s\n", verb.usage, verb.purpose);
-  return camtool::kUsageError;
+void PrintOverview(FILE* out) {
+  std::fputs("camtool looks at the camera's serial line, records it, and stands in for the camera.\n\n", out);
+  for (const Verb* verb : kVerbs)
+    std::fprintf(out, "  camtool %-9s %-12s %s\n", verb->name, verb->operands, verb->purpose);
+  std::fputs("\n\"camtool scan --help\" tells more about scan, and so for each.\n", out);
+}
+
+void PrintHelp(const Verb& verb) {
+  std::printf("usage: camtool %s%s%s%s\n\n%s.\n%s", verb.name, *verb.operands ? " " : "", verb.operands,
+              verb.options.empty() ? "" : " [OPTIONS]", verb.purpose, verb.details);
+  if (!verb.options.empty()) std::printf("\noptions:\n%s", DescribeOptions(verb.options).c_str());
+  std::puts("\nexit codes:");
+  for (const ExitCode& code : kExitCodes) {
+    if (std::find(verb.exitCodes.begin(), verb.exitCodes.end(), code.code) == verb.exitCodes.end()) continue;
+    std::printf("  %d  %s\n", code.code, code.meaning);
+  }
+}
+
+int RunVerb(const Verb& verb, std::span<const std::string> arguments) {
+  if (std::find(arguments.begin(), arguments.end(), "--help") != arguments.end()) {
+    PrintHelp(verb);
+    return kDone;
+  }
+  std::vector<std::string> operands;
+  std::string error;
+  int result = kUsageError;
+  if (ParseArguments(arguments, verb.options, verb.count, &operands, &error)) {
+    // Records are 11 ms apart; the default timer is too coarse for that.
+    timeBeginPeriod(1);
+    result = verb.run(operands);
+    timeEndPeriod(1);
+  } else {
+    Complain(error);
+  }
+  if (result == kUsageError) {
+    std::fprintf(stderr, "usage: camtool %s %s; see \"camtool %s --help\"\n", verb.name, verb.operands, verb.name);
+  }
+  return result;
+}
+
+int Run(std::span<const std::string> arguments) {
+  if (arguments.empty()) {
+    PrintOverview(stderr);
+    return kUsageError;
+  }
+  const std::string& first = arguments.front();
+  if (first == "--help" || (first == "help" && arguments.size() == 1)) {
+    PrintOverview(stdout);
+    return kDone;
+  }
+  const bool isHelp = first == "help";
+  const std::string& name = isHelp ? arguments[1] : first;
+  const auto verb = std::find_if(std::begin(kVerbs), std::end(kVerbs), [&](const Verb* v) { return name == v->name; });
+  if (verb == std::end(kVerbs)) {
+    Complain("there is no \"" + name + "\"");
+    PrintOverview(stderr);
+    return kUsageError;
+  }
+  if (isHelp) {
+    PrintHelp(**verb);
+    return kDone;
+  }
+  return RunVerb(**verb, arguments.subspan(1));
 }
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  if (argc < 2) return PrintUsage();
-  for (const camtool::Verb& verb : kVerbs) {
-    if (std::strcmp(argv[1], verb.name) != 0) continue;
-    const int result = verb.run(std::span<char* const>(argv + 2, argv + argc));
-    if (result == camtool::kUsageError) std::fprintf(stderr, "usage: camtool %s\n", verb.usage);
-    return result;
-  }
-  std::fprintf(stderr, "camtool: unknown verb \"%s\"\n", argv[1]);
-  return PrintUsage();
+}  // namespace camtool
+
+int main() {
+  // Not main's own arguments: they cannot hold every file name.
+  int count = 0;
+  LPWSTR* words = CommandLineToArgvW(GetCommandLineW(), &count);
+  std::vector<std::string> arguments;
+  for (int i = 1; i < count; ++i) arguments.push_back(camtool::Narrow(words[i]));
+  LocalFree(words);
+  const int result = camtool::Run(arguments);
+  std::fflush(stdout);
+  // Not by return: a thread that still waits for a port that does not answer must not hold the process.
+  ExitProcess(static_cast<UINT>(result));
 }

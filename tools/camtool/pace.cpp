@@ -1,6 +1,6 @@
 #include "tools/camtool/pace.h"
 
-#include <windows.h>
+#include <algorithm>
 
 namespace camtool {
 
@@ -14,6 +14,12 @@ double Now() {
 void SleepUntil(double time) {
   const double left = time - Now();
   if (left > 0) Sleep(static_cast<DWORD>(left * 1000 + 0.5));
+}
+
+bool WaitUntil(double time, HANDLE stop) {
+  constexpr double kLongestMs = 1e9;
+  const double leftMs = std::clamp((time - Now()) * 1000 + 0.5, 0.0, kLongestMs);
+  return WaitForSingleObject(stop, static_cast<DWORD>(leftMs)) != WAIT_OBJECT_0;
 }
 
 }  // namespace camtool

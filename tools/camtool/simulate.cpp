@@ -1,17 +1,17 @@
+// camtool simulate: stands in for the camera, with the faults that a line can have.
 #include <windows.h>
 
-#include <timeapi.h>
-
-#include <atomic>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <optional>
 
 #include "app/camera_link.h"
 #include "app/camera_record.h"
+#include "tools/camtool/console.h"
+#include "tools/camtool/csv.h"
+#include "tools/camtool/faults.h"
+#include "tools/camtool/files.h"
 #include "tools/camtool/pace.h"
 #include "tools/camtool/paths.h"
+#include "tools/camtool/ports.h"
 #include "tools/camtool/verbs.h"
 
 namespace camtool {
@@ -20,111 +20,150 @@ namespace {
 
 // A start bit, 8 data bits and a stop bit for each byte: what the line can carry, in whole records.
 constexpr double kHighestRate = static_cast<int>(kv::kCameraBaudRate / 10 / kv::kRecordLength);
+constexpr size_t kLargestPathFile = 64 * 1024 * 1024;
+constexpr double kReopenSeconds = 0.25;
 
-struct Options {
-  int port = 0;
+struct Settings {
   double rate = kHighestRate;  // records a second
   double seconds = 0;          // 0 = without end
+  double seed = 1;
+  std::string path;
+  FaultPlan faults;
+} settings;
+
+const Option kOptions[] = {
+    {"--rate", "RECORDS", "records a second", NumberOption{&settings.rate, 0.1, kHighestRate}},
+    {"--seconds", "SECONDS", "end after so long", NumberOption{&settings.seconds, 0.1, 1e9}},
+    {"--path", "FILE", "points from a file of comma-separated values, such as export writes", &settings.path},
+    {"--drop", "HOW-OFTEN", "leave out a record", &settings.faults.triggers[kDropFault]},
+    {"--duplicate", "HOW-OFTEN", "send a record twice", &settings.faults.triggers[kDuplicateFault]},
+    {"--corrupt", "HOW-OFTEN", "replace one to three bytes of a record", &settings.faults.triggers[kCorruptFault]},
+    {"--cut", "HOW-OFTEN", "end a record early", &settings.faults.triggers[kCutFault]},
+    {"--merge", "HOW-OFTEN", "let a record run into the next one, without closing bytes",
+     &settings.faults.triggers[kMergeFault]},
+    {"--garbage", "HOW-OFTEN", "send up to 64 random bytes before a record", &settings.faults.triggers[kGarbageFault]},
+    {"--pause", "HOW-OFTEN", "send nothing for a while", &settings.faults.triggers[kPauseFault]},
+    {"--pause-seconds", "SECONDS", "how long (0.5)", NumberOption{&settings.faults.pauseSeconds, 0.001, 3600}},
+    {"--hang-up", "HOW-OFTEN", "close the port for a while, then come back", &settings.faults.triggers[kHangUpFault]},
+    {"--hang-up-seconds", "SECONDS", "how long (2)", NumberOption{&settings.faults.hangUpSeconds, 0.001, 3600}},
+    {"--slow", "HOW-OFTEN", "send at a quarter of the pace for a while", &settings.faults.triggers[kSlowFault]},
+    {"--fast", "HOW-OFTEN", "send at three times the pace for a while", &settings.faults.triggers[kFastFault]},
+    {"--stretch-seconds", "SECONDS", "how long slow and fast last (2)",
+     NumberOption{&settings.faults.stretchSeconds, 0.01, 3600}},
+    {"--seed", "NUMBER", "the same number gives the same faults (1)", NumberOption{&settings.seed, 0, 4294967295.0}},
 };
 
-std::atomic<bool> stopRequested{false};
+constexpr int kExits[] = {kDone, kFailed, kUsageError, kNoPort};
 
-BOOL WINAPI OnConsoleControl(DWORD) {
-  stopRequested = true;
-  return TRUE;
-}
+constexpr char kDetails[] =
+    "Goes on until Ctrl+C or --seconds. HOW-OFTEN is a chance for each record (5% or 0.05), a count (50: every 50th\n"
+    "record) or a period of the camera's own time (10s, 500ms).\n"
+    "A file of --path has a row for each moment with up to four x,y pairs, with or without the time in seconds in "
+    "front;\n"
+    "without it each row is for one record.\n";
 
-bool ParseNumber(const char* text, double lowest, double highest, double* number) {
-  char* end = nullptr;
-  *number = std::strtod(text, &end);
-  return end != text && *end == '\0' && *number >= lowest && *number <= highest;
-}
+struct Camera {
+  int number;
+  HANDLE port;
+  PointPath path;  // no rows: the built-in curves
+  FaultInjector faults;
+  double start;
+  long sent = 0, lost = 0;
+  bool isGone = false;
+};
 
-std::optional<Options> ParseOptions(std::span<char* const> arguments) {
-  Options options;
-  double port = 0;
-  if (arguments.empty() || _strnicmp(arguments[0], "COM", 3) != 0 || !ParseNumber(arguments[0] + 3, 1, 999, &port)) {
-    std::fputs("camtool: the port must be COM1 to COM999\n", stderr);
-    return std::nullopt;
+std::string RecordAt(const Camera& camera, double seconds, long index) {
+  kv::CameraPoint points[kv::kPointCount];
+  if (camera.path.rows.empty()) {
+    PointsAt(seconds, points);
+  } else {
+    PointsOnPath(camera.path, seconds, index, points);
   }
-  options.port = static_cast<int>(port);
-  for (size_t i = 1; i < arguments.size(); i += 2) {
-    const bool isRate = std::strcmp(arguments[i], "--rate") == 0;
-    const bool isSeconds = std::strcmp(arguments[i], "--seconds") == 0;
-    const char* value = i + 1 < arguments.size() ? arguments[i + 1] : "";
-    if (isRate && ParseNumber(value, 0.1, kHighestRate, &options.rate)) continue;
-    if (isSeconds && ParseNumber(value, 0.1, 1e9, &options.seconds)) continue;
-    if (isRate) {
-      std::fprintf(stderr, "camtool: --rate takes 0.1 to %.0f records a second\n", kHighestRate);
-    } else if (isSeconds) {
-      std::fputs("camtool: --seconds takes a number of seconds from 0.1\n", stderr);
-    } else {
-      std::fprintf(stderr, "camtool: unknown option \"%s\"\n", arguments[i]);
-    }
-    return std::nullopt;
-  }
-  return options;
+  char record[kv::kRecordLength];
+  kv::WriteRecord(points, record);
+  return std::string(record, sizeof(record));
 }
 
-enum class Sent { kYes, kDropped, kFailed };
-
-// A line without a listener fills up. As a real line would, it then loses the record instead of delaying all later
-// ones.
-Sent SendRecord(HANDLE port, const char (&record)[kv::kRecordLength], DWORD patienceMs, OVERLAPPED* overlapped) {
-  ResetEvent(overlapped->hEvent);
-  DWORD written = 0;
-  if (WriteFile(port, record, sizeof(record), &written, overlapped)) return Sent::kYes;
-  if (GetLastError() != ERROR_IO_PENDING) return Sent::kFailed;
-  const bool done = WaitForSingleObject(overlapped->hEvent, patienceMs) == WAIT_OBJECT_0;
-  if (!done) CancelIo(port);
-  if (!GetOverlappedResult(port, overlapped, &written, TRUE)) return done ? Sent::kFailed : Sent::kDropped;
-  return written == sizeof(record) ? Sent::kYes : Sent::kDropped;
+// Closes the port and comes back to it, as a camera does whose plug was loose; waits as long as something else has it.
+void HangUp(Camera* camera, double until) {
+  CloseHandle(camera->port);
+  camera->port = INVALID_HANDLE_VALUE;
+  while (WaitUntil(until, StopEvent())) {
+    camera->port = OpenPort(camera->number, {}).handle;
+    if (camera->port != INVALID_HANDLE_VALUE) return;
+    until += kReopenSeconds;
+  }
 }
 
-int Stream(HANDLE port, const Options& options) {
-  OVERLAPPED overlapped{};
-  overlapped.hEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
-  const double start = Now();
-  long sent = 0, dropped = 0;
-  Sent last = Sent::kYes;
-  for (long i = 0; !stopRequested && last != Sent::kFailed; ++i) {
-    const double due = i / options.rate;
-    if (options.seconds > 0 && due >= options.seconds) break;
-    SleepUntil(start + due);
-    kv::CameraPoint points[kv::kPointCount];
-    PointsAt(due, points);
-    char record[kv::kRecordLength];
-    kv::WriteRecord(points, record);
-    last = SendRecord(port, record, static_cast<DWORD>(1000 / options.rate) + 1, &overlapped);
-    if (last == Sent::kYes) ++sent;
-    if (last == Sent::kDropped) ++dropped;
+void Stream(Camera* camera) {
+  // `due` is the camera's own clock, on which a run with faults repeats itself; what the line makes of it is not.
+  double due = 0;
+  ProgressLine progress;
+  for (long i = 0; !camera->isGone; ++i) {
+    if (settings.seconds > 0 && due >= settings.seconds) return;
+    if (!WaitUntil(camera->start + due, StopEvent())) return;
+    const FaultStep step = InjectFaults(&camera->faults, due, RecordAt(*camera, due, i));
+    const auto patienceMs = static_cast<DWORD>(1000 / settings.rate) + 1;
+    const Written written = WritePort(camera->port, step.bytes.data(), step.bytes.size(), patienceMs);
+    if (!step.bytes.empty()) ++(written == Written::kAll ? camera->sent : camera->lost);
+    camera->isGone = written == Written::kGone;
+    due += 1 / (settings.rate * step.pace) + step.pauseSeconds + step.hangUpSeconds;
+    if (step.hangUpSeconds > 0 && !camera->isGone) HangUp(camera, camera->start + due);
+    if (!progress.IsDue()) continue;
+    char text[80];
+    std::snprintf(text, sizeof(text), "%7.1f s  %ld records sent", due, camera->sent);
+    progress.Show(text);
   }
-  CloseHandle(overlapped.hEvent);
-  std::printf("%ld records sent, %ld dropped because nobody listened, %.1f s\n", sent, dropped, Now() - start);
-  if (last != Sent::kFailed) return kDone;
-  std::fprintf(stderr, "camtool: COM%d took no more data\n", options.port);
+}
+
+void PrintSummary(const Camera& camera) {
+  std::printf("%ld records sent, %ld dropped because nobody listened, %.1f s\n", camera.sent, camera.lost,
+              Now() - camera.start);
+  std::string faults;
+  for (int i = 0; i < kFaultCount; ++i) {
+    if (settings.faults.triggers[i].kind == Trigger::kNever) continue;
+    faults += (faults.empty() ? "faults: " : ", ") + std::to_string(camera.faults.happened[i]) + " " + kFaultNames[i];
+  }
+  if (!faults.empty()) std::printf("%s (seed %.0f)\n", faults.c_str(), settings.seed);
+}
+
+bool ReadPath(PointPath* path) {
+  std::string text, error;
+  if (!ReadWholeFile(settings.path, kLargestPathFile, &text, &error)) {
+    Complain(error);
+    return false;
+  }
+  if (ParsePath(text, path, &error)) return true;
+  Complain("\"" + settings.path + "\", " + error);
+  return false;
+}
+
+int RunSimulate(const std::vector<std::string>& operands) {
+  Camera camera{.number = ParsePort(operands[0]), .port = INVALID_HANDLE_VALUE};
+  if (camera.number == 0) {
+    Complain("the port must be COM1 to COM999");
+    return kUsageError;
+  }
+  if (!settings.path.empty() && !ReadPath(&camera.path)) return kFailed;
+  StopEvent();
+  camera.port = OpenPortOrComplain(camera.number);
+  if (camera.port == INVALID_HANDLE_VALUE) return kNoPort;
+  settings.faults.seed = static_cast<std::uint32_t>(settings.seed);
+  camera.faults = MakeFaultInjector(settings.faults);
+  camera.start = Now();
+  std::printf("streaming to COM%d, %.0f records a second; Ctrl+C ends\n", camera.number, settings.rate);
+  std::fflush(stdout);
+  Stream(&camera);
+  if (camera.port != INVALID_HANDLE_VALUE) CloseHandle(camera.port);
+  PrintSummary(camera);
+  if (!camera.isGone) return kDone;
+  Complain("COM" + std::to_string(camera.number) + " took no more data; it went away");
   return kFailed;
 }
 
 }  // namespace
 
-int Simulate(std::span<char* const> arguments) {
-  const std::optional<Options> options = ParseOptions(arguments);
-  if (!options) return kUsageError;
-  HANDLE port = kv::OpenCameraPort(options->port);
-  if (port == INVALID_HANDLE_VALUE) {
-    std::fprintf(stderr, "camtool: cannot open COM%d; is it there, and not in use?\n", options->port);
-    return kFailed;
-  }
-  SetConsoleCtrlHandler(OnConsoleControl, TRUE);
-  std::printf("streaming to COM%d, %.0f records a second; Ctrl+C ends\n", options->port, options->rate);
-  std::fflush(stdout);
-  // Records are 11 ms apart; the default timer is too coarse for that.
-  timeBeginPeriod(1);
-  const int result = Stream(port, *options);
-  timeEndPeriod(1);
-  CloseHandle(port);
-  return result;
-}
+const Verb kSimulateVerb = {"simulate", "PORT",   {1, 1}, "plays a camera into a port, with faults if wanted",
+                            kDetails,   kOptions, kExits, RunSimulate};
 
 }  // namespace camtool

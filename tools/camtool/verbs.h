@@ -1,22 +1,28 @@
-// camtool's verbs. Each takes the arguments behind its name and returns the process's exit code.
+// camtool's subcommands. Each has a file of its own that holds its settings, the table of its options and what it does.
 #pragma once
 
 #include <span>
+#include <string>
+#include <vector>
+
+#include "tools/camtool/arguments.h"
+#include "tools/camtool/exit_codes.h"
 
 namespace camtool {
 
-inline constexpr int kDone = 0;
-inline constexpr int kFailed = 1;
-inline constexpr int kUsageError = 2;  // main prints the verb's usage
-
 struct Verb {
   const char* name;
-  const char* usage;
-  const char* purpose;
-  int (*run)(std::span<char* const> arguments);
+  const char* operands;  // as help shows them
+  Operands count;
+  const char* purpose;  // one line
+  const char* details;  // what else help says; lines end with line feeds
+  std::span<const Option> options;
+  std::span<const int> exitCodes;
+  // Takes the operands, the options' targets being set, and returns the exit code; kUsageError makes main name the
+  // help.
+  int (*run)(const std::vector<std::string>& operands);
 };
 
-// Streams records until the time is up, Ctrl+C, or the port fails.
-int Simulate(std::span<char* const> arguments);
+extern const Verb kScanVerb, kRecordVerb, kReplayVerb, kExportVerb, kSimulateVerb;
 
 }  // namespace camtool

@@ -1,0 +1,39 @@
+// What a subcommand shows while it works, and how it is told to stop.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+namespace camtool {
+
+// From the first call on, Ctrl+C, Ctrl+Break and the closing of the console window do not end the process but signal
+// this event (manual reset), so that a subcommand can end what it does in good order. Main thread only.
+HANDLE StopEvent();
+bool IsStopRequested();
+
+// "camtool: " and the sentence to standard error.
+void Complain(const std::string& sentence);
+
+// A line on standard error that tells how far the work is: on a console it is written over itself four times a second;
+// elsewhere a line comes every ten seconds, which a log can bear.
+class ProgressLine {
+ public:
+  ProgressLine();
+  ~ProgressLine();
+  ProgressLine(const ProgressLine&) = delete;
+  ProgressLine& operator=(const ProgressLine&) = delete;
+
+  // Whether it is time for the next line; asked before making its text.
+  bool IsDue();
+  void Show(const std::string& text);
+  // Takes the line away, so that what is written next stands alone.
+  void Clear();
+
+ private:
+  bool isConsole_;
+  ULONGLONG nextMs_;
+  size_t width_ = 0;
+};
+
+}  // namespace camtool

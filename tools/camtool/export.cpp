@@ -1,0 +1,128 @@
+// camtool export: a recording as comma-separated values.
+#include <windows.h>
+
+#include <fcntl.h>
+#include <io.h>
+
+#include <cstdio>
+
+#include "tools/camtool/console.h"
+#include "tools/camtool/csv.h"
+#include "tools/camtool/files.h"
+#include "tools/camtool/record_stream.h"
+#include "tools/camtool/verbs.h"
+
+namespace camtool {
+
+namespace {
+
+constexpr size_t kBufferBytes = 65536;
+
+struct Settings {
+  bool overwrite = false;
+} settings;
+
+const Option kOptions[] = {{"--overwrite", nullptr, "replace a file that exists", &settings.overwrite}};
+
+constexpr int kExits[] = {kDone, kFailed, kUsageError, kDamaged};
+
+struct Exporter {
+  RecordingFile recording;
+  HANDLE out = INVALID_HANDLE_VALUE;
+  std::string path, error, buffer;
+  RecordStream stream;
+};
+
+bool Flush(Exporter* exporter) {
+  const bool done = AppendToFile(exporter->out, exporter->path, exporter->buffer, &exporter->error);
+  exporter->buffer.clear();
+  return done;
+}
+
+bool WriteRows(Exporter* exporter) {
+  ProgressLine progress;
+  exporter->buffer = CsvHeader();
+  Chunk chunk;
+  std::vector<FoundRecord> found;
+  while (!IsStopRequested() && NextChunk(&exporter->recording, &chunk)) {
+    found.clear();
+    FeedStream(&exporter->stream, static_cast<double>(chunk.microseconds) / 1e6, chunk.bytes, &found);
+    for (const FoundRecord& record : found) exporter->buffer += CsvRow(record);
+    if (exporter->buffer.size() >= kBufferBytes && !Flush(exporter)) return false;
+    if (progress.IsDue()) progress.Show(std::to_string(exporter->stream.records) + " records");
+  }
+  EndStream(&exporter->stream);
+  return Flush(exporter);
+}
+
+// Everything that the rows do not show.
+void Report(const Exporter& exporter) {
+  const RecordStream& stream = exporter.stream;
+  std::fprintf(stderr, "%lld records; %lld malformed stretches, %lld bytes", stream.records, stream.malformedStretches,
+               stream.malformedBytes);
+  if (stream.leadBytes > 0) std::fprintf(stderr, "; began within a record, %lld bytes of it", stream.leadBytes);
+  if (!stream.pending.empty()) std::fprintf(stderr, "; ended within a record, %zu bytes of it", stream.pending.size());
+  if (stream.oddRecords > 0) {
+    std::fprintf(stderr, "; %lld records with characters that are no digits, read as Tarnwick reads them",
+                 stream.oddRecords);
+  }
+  std::fputs("\n", stderr);
+  for (const MalformedStretch& stretch : stream.stretches) {
+    std::fprintf(stderr, "  at %.6f s, %lld bytes: %s%s\n", stretch.seconds, stretch.bytes,
+                 Printable(stretch.sample).c_str(),
+                 stretch.bytes > static_cast<long long>(stretch.sample.size()) ? " ..." : "");
+  }
+  const auto more = stream.malformedStretches - static_cast<long long>(stream.stretches.size());
+  if (more > 0) std::fprintf(stderr, "  and %lld more\n", more);
+  const std::string damage = DescribeDamage(exporter.recording);
+  if (!damage.empty()) Complain(damage);
+}
+
+int ExportAll(Exporter* exporter) {
+  const bool done = WriteRows(exporter);
+  if (done && exporter->recording.error.empty() && !IsStopRequested()) {
+    Report(*exporter);
+    return exporter->recording.decoder.damagedPlaces > 0 ? kDamaged : kDone;
+  }
+  Complain(!done               ? exporter->error
+           : IsStopRequested() ? "interrupted; the values are not complete"
+                               : exporter->recording.error);
+  return kFailed;
+}
+
+int RunExport(const std::vector<std::string>& operands) {
+  Exporter exporter{};
+  if (!OpenRecording(operands[0], &exporter.recording)) {
+    Complain(exporter.recording.error);
+    return kFailed;
+  }
+  StopEvent();
+  const bool toFile = operands.size() > 1 && operands[1] != "-";
+  exporter.path = toFile ? operands[1] : "standard output";
+  exporter.out =
+      toFile ? CreateNewFile(exporter.path, settings.overwrite, &exporter.error) : GetStdHandle(STD_OUTPUT_HANDLE);
+  int result = kFailed;
+  if (exporter.out == INVALID_HANDLE_VALUE || !exporter.out) {
+    Complain(exporter.error.empty() ? "there is no standard output" : exporter.error);
+  } else {
+    result = ExportAll(&exporter);
+    if (toFile) CloseHandle(exporter.out);
+  }
+  CloseRecording(&exporter.recording);
+  return result;
+}
+
+}  // namespace
+
+const Verb kExportVerb = {
+    "export",
+    "FILE [CSV]",
+    {1, 2},
+    "writes a recording's points as comma-separated values",
+    "To a file, or to standard output when none is named. Each record is a row of its time in seconds and four\n"
+    "points; what is no record is counted on standard error.\n",
+    kOptions,
+    kExits,
+    RunExport};
+
+}  // namespace camtool

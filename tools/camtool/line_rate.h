@@ -1,0 +1,32 @@
+// Guesses from garbage at which rate a camera really talks. A receiver set to another rate than the sender samples the
+// sender's bits at the wrong moments; what it then reads is garbage, but not any garbage: records of digits and commas
+// become few different bytes, other ones for each rate. Pure, any thread.
+#pragma once
+
+#include <array>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace camtool {
+
+// The rates that interface boards and adapters have, the usual ones first.
+inline constexpr std::array<int, 12> kUsualRates = {9600, 115200, 19200, 57600,  4800,   2400,
+                                                    1200, 230400, 28800, 460800, 128000, 76800};
+
+// What a receiver at `heardRate` makes of bytes sent at `sentRate` without pauses between them, after a quiet line: 8
+// data bits, no parity, one stop bit, each bit sampled in its middle, a missing stop bit passed over.
+std::string Mishear(std::string_view sent, int sentRate, int heardRate);
+
+// The rates of kUsualRates at which bytes that a receiver at `heardRate` got could have been records, likeliest first;
+// none when the bytes are too few or look like nothing of the kind.
+std::vector<int> GuessRates(std::string_view heard, int heardRate);
+
+// Whether bytes heard at the right rate would be of records: a stretch of digits, commas and closing bytes with the
+// commas five apart. For stretches that are too short to hold a whole record.
+bool LooksLikeRecords(std::string_view bytes);
+
+// Whether nearly all bytes print.
+bool LooksLikeText(std::string_view bytes);
+
+}  // namespace camtool

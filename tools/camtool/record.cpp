@@ -1,0 +1,181 @@
+// camtool record: keeps what comes over a port in a file.
+#include <windows.h>
+
+#include <cstdio>
+
+#include "app/camera_link.h"
+#include "tools/camtool/console.h"
+#include "tools/camtool/files.h"
+#include "tools/camtool/pace.h"
+#include "tools/camtool/ports.h"
+#include "tools/camtool/record_stream.h"
+#include "tools/camtool/verbs.h"
+
+namespace camtool {
+
+namespace {
+
+constexpr DWORD kTurnMs = 100;
+constexpr double kFlushSeconds = 1;
+constexpr DWORD kForwardPatienceMs = 20;
+
+struct Settings {
+  double seconds = 0;  // 0 = without end
+  double size = 0;     // bytes of the file, 0 = without limit
+  bool overwrite = false;
+  std::string forward;
+} settings;
+
+const Option kOptions[] = {
+    {"--seconds", "SECONDS", "end after so long", NumberOption{&settings.seconds, 0.1, 1e9}},
+    {"--size", "BYTES", "end before the file is larger than this, such as 10M", SizeOption{&settings.size}},
+    {"--forward", "PORT", "pass the bytes on to this port as well, for Tarnwick to show", &settings.forward},
+    {"--overwrite", nullptr, "replace a file that exists", &settings.overwrite},
+};
+
+constexpr int kExits[] = {kDone, kFailed, kUsageError, kNoPort};
+
+struct Recorder {
+  HANDLE port, forward, file;
+  std::string path;
+  double start = 0, lastFlush = 0;
+  std::uint64_t fileBytes = 0;
+  RecordStream stream;
+  std::string error;
+};
+
+std::uint64_t Microseconds(double seconds) {
+  return static_cast<std::uint64_t>(seconds * 1e6 + 0.5);
+}
+
+bool Append(Recorder* recorder, const std::string& encoded) {
+  if (!AppendToFile(recorder->file, recorder->path, encoded, &recorder->error)) return false;
+  recorder->fileBytes += encoded.size();
+  return true;
+}
+
+bool Begin(Recorder* recorder, int port) {
+  FILETIME now{};
+  GetSystemTimeAsFileTime(&now);
+  recorder->start = recorder->lastFlush = Now();
+  const std::uint64_t startTime = (std::uint64_t{now.dwHighDateTime} << 32) | now.dwLowDateTime;
+  return Append(recorder, EncodeHeader({startTime, kv::kCameraBaudRate, static_cast<std::uint32_t>(port)}));
+}
+
+// False when the chunk would make the file too large (the end's chunk must fit, too) or was not written.
+bool Keep(Recorder* recorder, double seconds, const std::string& bytes) {
+  const std::string chunk = EncodeChunks(Microseconds(seconds), bytes);
+  const double size = static_cast<double>(recorder->fileBytes + chunk.size() + kChunkOverhead);
+  if (settings.size > 0 && size > settings.size) return false;
+  if (!Append(recorder, chunk)) return false;
+  FeedStream(&recorder->stream, seconds, bytes, nullptr);
+  if (recorder->forward != INVALID_HANDLE_VALUE) {
+    WritePort(recorder->forward, bytes.data(), bytes.size(), kForwardPatienceMs);
+  }
+  // A crash of this process loses nothing; a machine that loses its power loses at most this much.
+  if (seconds + recorder->start - recorder->lastFlush >= kFlushSeconds) {
+    FlushFileBuffers(recorder->file);
+    recorder->lastFlush = seconds + recorder->start;
+  }
+  return true;
+}
+
+std::string Progress(const Recorder& recorder, double seconds, long long recordsBefore, double secondsBefore) {
+  char text[120];
+  const double rate = seconds > secondsBefore
+                          ? static_cast<double>(recorder.stream.records - recordsBefore) / (seconds - secondsBefore)
+                          : 0;
+  std::snprintf(text, sizeof(text), "%7.1f s  %5.1f records/s  %lld records  %lld bytes", seconds, rate,
+                recorder.stream.records, recorder.stream.bytes);
+  return text;
+}
+
+// Returns the sentence that says why the recording ended before its time, or "".
+std::string Record(Recorder* recorder, int port) {
+  HANDLE stop = StopEvent();
+  PortReader reader(recorder->port);
+  ProgressLine progress;
+  long long recordsShown = 0;
+  double secondsShown = 0;
+  std::string bytes;
+  for (;;) {
+    double now = Now() - recorder->start, arrival = 0;
+    if (IsStopRequested() || (settings.seconds > 0 && now >= settings.seconds)) return {};
+    const PortReader::Outcome outcome = reader.Read(kTurnMs, stop, &bytes, &arrival);
+    if (outcome == PortReader::Outcome::kGone) {
+      return "COM" + std::to_string(port) + " went away; what was recorded until then is whole";
+    }
+    if (outcome == PortReader::Outcome::kBytes && !Keep(recorder, arrival - recorder->start, bytes)) {
+      return recorder->error.empty() ? std::string() : recorder->error + "; what was recorded until then is whole";
+    }
+    now = Now() - recorder->start;
+    if (!progress.IsDue()) continue;
+    progress.Show(Progress(*recorder, now, recordsShown, secondsShown));
+    recordsShown = recorder->stream.records;
+    secondsShown = now;
+  }
+}
+
+int RecordTo(Recorder* recorder, int port) {
+  if (!Begin(recorder, port)) {
+    Complain(recorder->error);
+    return kFailed;
+  }
+  const std::string failure = Record(recorder, port);
+  const double seconds = Now() - recorder->start;
+  Append(recorder, EncodeEnd(Microseconds(seconds)));
+  EndStream(&recorder->stream);
+  const RecordStream& stream = recorder->stream;
+  std::printf("%lld records, %lld bytes, %.1f s in %s\n", stream.records, stream.bytes, seconds,
+              recorder->path.c_str());
+  if (stream.malformedStretches > 0) {
+    std::printf("%lld malformed stretches, %lld bytes; they are in the recording, too\n", stream.malformedStretches,
+                stream.malformedBytes);
+  }
+  if (stream.bytes == 0) Complain("nothing came; \"camtool scan\" tells which ports talk");
+  if (failure.empty()) return kDone;
+  Complain(failure);
+  return kFailed;
+}
+
+int RunRecord(const std::vector<std::string>& operands) {
+  const int port = ParsePort(operands[0]);
+  const int forward = settings.forward.empty() ? 0 : ParsePort(settings.forward);
+  if (port == 0 || (forward == 0 && !settings.forward.empty())) {
+    Complain("the port must be COM1 to COM999");
+    return kUsageError;
+  }
+  Recorder recorder{.port = OpenPortOrComplain(port),
+                    .forward = INVALID_HANDLE_VALUE,
+                    .file = INVALID_HANDLE_VALUE,
+                    .path = operands[1]};
+  int result = kNoPort;
+  if (recorder.port != INVALID_HANDLE_VALUE && forward) recorder.forward = OpenPortOrComplain(forward);
+  if (recorder.port != INVALID_HANDLE_VALUE && (!forward || recorder.forward != INVALID_HANDLE_VALUE)) {
+    result = kFailed;
+    recorder.file = CreateNewFile(recorder.path, settings.overwrite, &recorder.error);
+    if (recorder.file == INVALID_HANDLE_VALUE) {
+      Complain(recorder.error);
+    } else {
+      result = RecordTo(&recorder, port);
+      CloseHandle(recorder.file);
+    }
+  }
+  if (recorder.port != INVALID_HANDLE_VALUE) CloseHandle(recorder.port);
+  if (recorder.forward != INVALID_HANDLE_VALUE) CloseHandle(recorder.forward);
+  return result;
+}
+
+}  // namespace
+
+const Verb kRecordVerb = {
+    "record",
+    "PORT FILE",
+    {2, 2},
+    "keeps what comes over a port, with the time of each arrival, in a file",
+    "Goes on until Ctrl+C or a limit. What is written stays readable wherever the file is cut off.\n",
+    kOptions,
+    kExits,
+    RunRecord};
+
+}  // namespace camtool

@@ -1,0 +1,116 @@
+#include "tools/camtool/record_stream.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include "app/camera_record.h"
+
+namespace camtool {
+
+namespace {
+
+constexpr size_t kFieldBytes = 39;  // fields and commas, without the closing bytes
+
+bool HasOddCharacters(const char* record) {
+  return std::string_view(record, kFieldBytes).find_first_not_of("0123456789 +-,") != std::string_view::npos;
+}
+
+void CloseStretch(RecordStream* stream) {
+  MalformedStretch& open = stream->open;
+  if (open.bytes == 0) return;
+  const bool isLead =
+      stream->records == 0 && stream->malformedStretches == 0 && open.bytes < static_cast<long long>(kv::kRecordLength);
+  if (isLead) {
+    stream->leadBytes = open.bytes;
+  } else {
+    stream->malformedBytes += open.bytes;
+    ++stream->malformedStretches;
+    if (stream->stretches.size() < kStretchesKept) stream->stretches.push_back(open);
+  }
+  open = {};
+}
+
+void TakeRecord(RecordStream* stream, const char* bytes, double seconds, std::vector<FoundRecord>* found) {
+  CloseStretch(stream);
+  char text[kv::kRecordLength + 1] = "";
+  std::memcpy(text, bytes, kv::kRecordLength);
+  FoundRecord record{.seconds = seconds, .points = {}, .isOdd = HasOddCharacters(text)};
+  kv::ParseRecord(text, record.points);
+  if (stream->records++ == 0) stream->firstSeconds = seconds;
+  stream->lastSeconds = seconds;
+  stream->oddRecords += record.isOdd;
+  stream->last = record;
+  if (found) found->push_back(record);
+}
+
+void SkipByte(MalformedStretch* open, char byte, double seconds) {
+  if (open->bytes++ == 0) open->seconds = seconds;
+  if (open->sample.size() < kStretchSample) open->sample += byte;
+}
+
+}  // namespace
+
+void FeedStream(RecordStream* stream, double seconds, std::string_view bytes, std::vector<FoundRecord>* found) {
+  if (bytes.empty()) return;
+  if (stream->lastArrival >= 0) stream->longestGap = std::max(stream->longestGap, seconds - stream->lastArrival);
+  stream->lastArrival = seconds;
+  stream->bytes += static_cast<long long>(bytes.size());
+  stream->pending += bytes;
+  stream->pendingSeconds.insert(stream->pendingSeconds.end(), bytes.size(), seconds);
+  size_t at = 0;
+  while (stream->pending.size() - at >= kv::kRecordLength) {
+    const char* here = stream->pending.data() + at;
+    if (kv::HasRecordShape(here)) {
+      TakeRecord(stream, here, stream->pendingSeconds[at + kv::kRecordLength - 1], found);
+      at += kv::kRecordLength;
+    } else {
+      SkipByte(&stream->open, *here, stream->pendingSeconds[at]);
+      ++at;
+    }
+  }
+  stream->pending.erase(0, at);
+  stream->pendingSeconds.erase(stream->pendingSeconds.begin(),
+                               stream->pendingSeconds.begin() + static_cast<std::ptrdiff_t>(at));
+}
+
+void EndStream(RecordStream* stream) {
+  // Behind garbage the rest is garbage as well; behind a record it is one that was cut off.
+  if (stream->open.bytes > 0 || stream->records == 0) {
+    for (size_t i = 0; i < stream->pending.size(); ++i) {
+      SkipByte(&stream->open, stream->pending[i], stream->pendingSeconds[i]);
+    }
+    stream->pending.clear();
+  }
+  CloseStretch(stream);
+}
+
+double RecordRate(const RecordStream& stream) {
+  const double seconds = stream.lastSeconds - stream.firstSeconds;
+  return seconds > 0 ? static_cast<double>(stream.records - 1) / seconds : 0;
+}
+
+double WellFormedShare(const RecordStream& stream) {
+  const auto length = static_cast<double>(kv::kRecordLength);
+  const auto good = static_cast<double>(stream.records);
+  const double bad =
+      std::max(static_cast<double>(stream.malformedBytes) / length, static_cast<double>(stream.malformedStretches));
+  return good > 0 ? good / (good + bad) : 0;
+}
+
+std::string Printable(std::string_view bytes) {
+  std::string text;
+  for (const char byte : bytes) {
+    const auto code = static_cast<unsigned char>(byte);
+    if (code >= ' ' && code < 0x7F && code != '\\') {
+      text += byte;
+      continue;
+    }
+    char hex[8];
+    std::snprintf(hex, sizeof(hex), "\\x%02X", code);
+    text += hex;
+  }
+  return text;
+}
+
+}  // namespace camtool

@@ -1,0 +1,63 @@
+// Finds the camera's records in a stream of bytes that may begin anywhere and hold anything, and counts what is between
+// them. A record is what Tarnwick takes for one: 41 bytes with seven commas in their places. Pure, any thread.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/camera_point.h"
+
+namespace camtool {
+
+struct FoundRecord {
+  double seconds;  // when its last byte came
+  kv::CameraPoint points[kv::kPointCount];
+  bool isOdd;  // has something but digits, blanks and signs in a field; Tarnwick reads it up to there
+};
+
+// Bytes between records that belong to none.
+struct MalformedStretch {
+  double seconds;  // when its first byte came
+  long long bytes;
+  std::string sample;  // the first of them
+};
+
+inline constexpr size_t kStretchSample = 24;
+inline constexpr size_t kStretchesKept = 10;
+
+struct RecordStream {
+  long long bytes = 0;
+  long long records = 0;
+  long long oddRecords = 0;
+  long long leadBytes = 0;  // less than a record at the very beginning: the stream was joined in mid-record
+  long long malformedBytes = 0;
+  long long malformedStretches = 0;
+  double firstSeconds = 0, lastSeconds = 0;  // of the first and the last record
+  double longestGap = 0;                     // seconds between two arrivals of bytes
+  FoundRecord last{};                        // valid when there are records
+  std::vector<MalformedStretch> stretches;   // the first kStretchesKept
+
+  std::string pending;  // fewer bytes than a record between calls; what is left at the end is a record cut off
+  std::vector<double> pendingSeconds;
+  MalformedStretch open{};  // the stretch that has not ended yet, if it has bytes
+  double lastArrival = -1;
+};
+
+// Bytes that came at that time (never before the last ones). Records that are complete now are added to `found`, which
+// may be null.
+void FeedStream(RecordStream* stream, double seconds, std::string_view bytes, std::vector<FoundRecord>* found);
+
+// Ends the stretch that may be open. Called once, after the last bytes.
+void EndStream(RecordStream* stream);
+
+// Records a second between the first and the last one; 0 with fewer than two.
+double RecordRate(const RecordStream& stream);
+
+// Which part of the records was well-formed, 0 to 1: a malformed stretch counts as the records that it has room for.
+double WellFormedShare(const RecordStream& stream);
+
+// Text with every byte that does not print, and the backslash, as \xHH.
+std::string Printable(std::string_view bytes);
+
+}  // namespace camtool
