@@ -1,7 +1,5 @@
 #include "tools/camtool/console.h"
 
-#include <io.h>
-
 #include <algorithm>
 #include <cstdio>
 
@@ -21,6 +19,11 @@ BOOL WINAPI OnConsoleControl(DWORD event) {
   // After these the process ends when this handler returns: the main thread needs the time to end its work.
   if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) Sleep(kClosingMs);
   return TRUE;
+}
+
+bool IsConsole(HANDLE handle) {
+  DWORD mode = 0;
+  return GetConsoleMode(handle, &mode) != FALSE;
 }
 
 }  // namespace
@@ -44,7 +47,7 @@ void Complain(const std::string& sentence) {
   std::fprintf(stderr, "camtool: %s\n", sentence.c_str());
 }
 
-ProgressLine::ProgressLine() : isConsole_(_isatty(_fileno(stderr)) != 0), nextMs_(GetTickCount64()) {
+ProgressLine::ProgressLine() : isConsole_(IsConsole(GetStdHandle(STD_ERROR_HANDLE))), nextMs_(GetTickCount64()) {
   if (!isConsole_) nextMs_ += kLogPeriodMs;
 }
 

@@ -58,8 +58,7 @@ bool WriteRows(Exporter* exporter) {
 // Everything that the rows do not show.
 void Report(const Exporter& exporter) {
   const RecordStream& stream = exporter.stream;
-  std::fprintf(stderr, "%lld records; %lld malformed stretches, %lld bytes", stream.records, stream.malformedStretches,
-               stream.malformedBytes);
+  std::fprintf(stderr, "%lld records; %s", stream.records, DescribeMalformed(stream).c_str());
   if (stream.leadBytes > 0) std::fprintf(stderr, "; began within a record, %lld bytes of it", stream.leadBytes);
   if (!stream.pending.empty()) std::fprintf(stderr, "; ended within a record, %zu bytes of it", stream.pending.size());
   if (stream.oddRecords > 0) {

@@ -25,7 +25,8 @@ std::string Text(const char* format, ...) {
 }
 
 std::string Line(int number, const char* state, const std::string& rest) {
-  return Text("%-7s%-11s", ("COM" + std::to_string(number)).c_str(), state) + rest + "\n";
+  std::string line = Text("%-7s%-11s", ("COM" + std::to_string(number)).c_str(), state) + rest;
+  return line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
 }
 
 std::string Rates(const std::vector<int>& rates) {

@@ -129,8 +129,7 @@ int RecordTo(Recorder* recorder, int port) {
   std::printf("%lld records, %lld bytes, %.1f s in %s\n", stream.records, stream.bytes, seconds,
               recorder->path.c_str());
   if (stream.malformedStretches > 0) {
-    std::printf("%lld malformed stretches, %lld bytes; they are in the recording, too\n", stream.malformedStretches,
-                stream.malformedBytes);
+    std::printf("%s; they are in the recording, too\n", DescribeMalformed(stream).c_str());
   }
   if (stream.bytes == 0) Complain("nothing came; \"camtool scan\" tells which ports talk");
   if (failure.empty()) return kDone;

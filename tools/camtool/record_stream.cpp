@@ -98,6 +98,13 @@ double WellFormedShare(const RecordStream& stream) {
   return good > 0 ? good / (good + bad) : 0;
 }
 
+std::string DescribeMalformed(const RecordStream& stream) {
+  if (stream.malformedStretches == 0) return "no malformed stretches";
+  return std::to_string(stream.malformedStretches) +
+         (stream.malformedStretches == 1 ? " malformed stretch, " : " malformed stretches, ") +
+         std::to_string(stream.malformedBytes) + " bytes";
+}
+
 std::string Printable(std::string_view bytes) {
   std::string text;
   for (const char byte : bytes) {

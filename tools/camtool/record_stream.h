@@ -57,6 +57,9 @@ double RecordRate(const RecordStream& stream);
 // Which part of the records was well-formed, 0 to 1: a malformed stretch counts as the records that it has room for.
 double WellFormedShare(const RecordStream& stream);
 
+// "1 malformed stretch, 20 bytes"; "no malformed stretches".
+std::string DescribeMalformed(const RecordStream& stream);
+
 // Text with every byte that does not print, and the backslash, as \xHH.
 std::string Printable(std::string_view bytes);
 

@@ -1,0 +1,181 @@
+// The real camtool on pairs of COM ports.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <algorithm>
+#include <atomic>
+#include <fstream>
+#include <iterator>
+#include <thread>
+
+#include "app/camera_record.h"
+#include "tests/support/serial_line.h"
+#include "tests/support/test_window.h"
+#include "tools/camtool/exit_codes.h"
+#include "tools/camtool/line_rate.h"
+#include "tools/camtool/recording.h"
+
+namespace kvtest {
+namespace {
+
+std::string ReadFileText(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string TemporaryFile(const char* name) {
+  char folder[MAX_PATH];
+  GetTempPathA(sizeof(folder), folder);
+  return std::string(folder) + name;
+}
+
+// camtool with both its outputs in one file.
+class Camtool {
+ public:
+  explicit Camtool(const std::string& arguments)
+      : output_(TemporaryFile("camtool output ") + std::to_string(++count_)) {
+    SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
+    HANDLE file = CreateFileA(output_.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS, 0, nullptr);
+    std::string command = "\"Z:" KV_CAMTOOL_EXE "\" " + arguments;
+    STARTUPINFOA start{};
+    start.cb = sizeof(start);
+    start.dwFlags = STARTF_USESTDHANDLES;
+    start.hStdOutput = start.hStdError = file;
+    PROCESS_INFORMATION info{};
+    CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &info);
+    CloseHandle(info.hThread);
+    CloseHandle(file);
+    process_ = info.hProcess;
+  }
+  ~Camtool() {
+    TerminateProcess(process_, 99);
+    WaitForSingleObject(process_, 5000);
+    CloseHandle(process_);
+    DeleteFileA(output_.c_str());
+  }
+  Camtool(const Camtool&) = delete;
+  Camtool& operator=(const Camtool&) = delete;
+
+  // The exit code; -1 if it does not end.
+  int Wait() const {
+    DWORD code = 0;
+    if (WaitForSingleObject(process_, 30000) != WAIT_OBJECT_0 || !GetExitCodeProcess(process_, &code)) return -1;
+    return static_cast<int>(code);
+  }
+  std::string Said() const { return ReadFileText(output_); }
+
+ private:
+  static inline int count_ = 0;
+  std::string output_;
+  HANDLE process_ = nullptr;
+};
+
+bool Says(const std::string& text, const char* part) {
+  return text.find(part) != text.npos;
+}
+
+// The rows' points, without the times.
+std::string PointsOf(const std::string& csv) {
+  std::string points;
+  for (size_t at = csv.find('\n') + 1; at < csv.size(); at = csv.find('\n', at) + 1) {
+    const size_t comma = csv.find(',', at);
+    points += csv.substr(comma, csv.find('\n', at) + 1 - comma);
+  }
+  return points;
+}
+
+TEST(Camtool, ScansSilentBusyTalkingAndCameraPorts) {
+  SerialLine talking(5, 6), line(7, 8), silent(9, 10), busy(11, 12);
+  PlayedCamera camera(8), wrongRate(6), holder(11);
+  std::atomic<bool> stop{false};
+  std::thread sender([&] {
+    const kv::CameraPoint points[kv::kPointCount] = {{100, 200}, {300, 400}, {1023, 1023}, {512, 384}};
+    char record[kv::kRecordLength];
+    kv::WriteRecord(points, record);
+    const std::string misheard = camtool::Mishear(std::string_view(record, sizeof(record)), 9600, 38400);
+    while (!stop) {
+      camera.SendRecord(points);
+      wrongRate.Send(misheard);
+      Sleep(20);
+    }
+  });
+  const Camtool scan("scan");
+  const int code = scan.Wait();
+  stop = true;
+  sender.join();
+  const std::string said = scan.Said();
+  EXPECT_EQ(camtool::kDone, code);
+  EXPECT_PRED2(Says, said, "COM5   talks");
+  EXPECT_PRED2(Says, said, "wrong baud rate: records sent at 9600");
+  EXPECT_PRED2(Says, said, "COM7   camera");
+  EXPECT_PRED2(Says, said, "100,200 300,400 1023,1023 512,384");
+  EXPECT_PRED2(Says, said, "COM9   silent");
+  EXPECT_PRED2(Says, said, "COM11  busy       COM11 is in use by test_camtool.exe; close it");
+  EXPECT_PRED2(Says, said, "COM13 to COM98  absent");
+  EXPECT_PRED2(Says, said, "Tarnwick would take COM5, which is no camera, before it comes to the camera");
+}
+
+TEST(Camtool, RecordsReplaysAndExports) {
+  SerialLine line(3, 4);
+  const std::string first = TemporaryFile("camtool first é.twr"), second = TemporaryFile("camtool second.twr");
+  const std::string csv = TemporaryFile("camtool points.csv");
+  for (const std::string& path : {first, second, csv}) DeleteFileA(path.c_str());
+  const auto waitForBytes = [](const std::string& path) {
+    return WaitUntil([&] { return ReadFileText(path).size() >= camtool::kRecordingHeaderBytes; },
+                     std::chrono::milliseconds(20000));
+  };
+  {
+    const Camtool record("record COM3 \"" + first + "\" --seconds 5");
+    ASSERT_TRUE(waitForBytes(first)) << record.Said();
+    const Camtool simulate("simulate COM4 --seconds 2 --garbage 20 --cut 30 --drop 10% --seed 5");
+    EXPECT_EQ(camtool::kDone, simulate.Wait()) << simulate.Said();
+    EXPECT_PRED2(Says, simulate.Said(), "(seed 5)");
+    EXPECT_EQ(camtool::kDone, record.Wait()) << record.Said();
+  }
+  {
+    const Camtool refused("record COM3 \"" + first + "\" --seconds 1");
+    EXPECT_EQ(camtool::kFailed, refused.Wait());
+    EXPECT_PRED2(Says, refused.Said(), "exists and was left as it is");
+    const Camtool record("record COM3 \"" + second + "\" --seconds 8");
+    ASSERT_TRUE(waitForBytes(second)) << record.Said();
+    const Camtool replay("replay \"" + first + "\" COM4 --speed 2");
+    EXPECT_EQ(camtool::kDone, replay.Wait()) << replay.Said();
+    EXPECT_EQ(camtool::kDone, record.Wait()) << record.Said();
+  }
+  const Camtool toFile("export \"" + first + "\" \"" + csv + "\"");
+  EXPECT_EQ(camtool::kDone, toFile.Wait()) << toFile.Said();
+  EXPECT_PRED2(Says, toFile.Said(), "malformed stretches, ");
+  const std::string points = PointsOf(ReadFileText(csv));
+  EXPECT_GT(std::count(points.begin(), points.end(), '\n'), 50);
+
+  // Cut off within its last chunk but one, it gives all rows but the last ones.
+  const std::string bytes = ReadFileText(second);
+  std::ofstream(second, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size() - 40));
+  const Camtool toOutput("export \"" + second + "\"");
+  EXPECT_EQ(camtool::kDone, toOutput.Wait());
+  const std::string said = toOutput.Said();
+  EXPECT_PRED2(Says, said, "was cut off");
+  const std::string again = PointsOf(said.substr(said.find("seconds,"), said.find("records;") - said.find("seconds,")));
+  EXPECT_EQ(points.substr(0, 1000), again.substr(0, 1000)) << "the same points in the same order";
+  for (const std::string& path : {first, second, csv}) DeleteFileA(path.c_str());
+}
+
+TEST(Camtool, RefusesWhatItCannotDo) {
+  const std::pair<const char*, int> cases[] = {{"", camtool::kUsageError},
+                                               {"nonsense", camtool::kUsageError},
+                                               {"simulate COM1000", camtool::kUsageError},
+                                               {"simulate COM4 --rate fast", camtool::kUsageError},
+                                               {"simulate COM77", camtool::kNoPort},
+                                               {"record COM77 nothing.twr", camtool::kNoPort},
+                                               {"export nothing.twr", camtool::kFailed},
+                                               {"scan --help", camtool::kDone}};
+  for (const auto& [arguments, code] : cases) {
+    const Camtool run(arguments);
+    EXPECT_EQ(code, run.Wait()) << arguments;
+    EXPECT_NE("", run.Said());
+  }
+  EXPECT_EQ(INVALID_FILE_ATTRIBUTES, GetFileAttributesA("nothing.twr"));
+}
+
+}  // namespace
+}  // namespace kvtest
