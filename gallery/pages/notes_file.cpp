@@ -31,16 +31,19 @@ bool WriteBytes(const wchar_t* path, const std::string& bytes) {
 
 }  // namespace
 
-bool ReadNotes(const wchar_t* path, std::wstring* text) {
-  std::string bytes;
-  if (!ReadBytes(path, &bytes)) return false;
-  if (bytes.starts_with(kByteOrderMark)) bytes.erase(0, sizeof(kByteOrderMark) - 1);
+bool DecodeNotes(std::string_view bytes, std::wstring* text) {
+  if (bytes.starts_with(kByteOrderMark)) bytes.remove_prefix(sizeof(kByteOrderMark) - 1);
   const int size = static_cast<int>(bytes.size());
   const int characters = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, bytes.data(), size, nullptr, 0);
   if (size > 0 && characters == 0) return false;
   text->resize(characters);
   MultiByteToWideChar(CP_UTF8, 0, bytes.data(), size, text->data(), characters);
   return true;
+}
+
+bool ReadNotes(const wchar_t* path, std::wstring* text) {
+  std::string bytes;
+  return ReadBytes(path, &bytes) && DecodeNotes(bytes, text);
 }
 
 bool WriteNotes(const wchar_t* path, const std::wstring& text) {

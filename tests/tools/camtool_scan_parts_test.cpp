@@ -50,8 +50,9 @@ TEST(CamtoolScan, RecognisesAWrongBaudRateByItsBytes) {
     EXPECT_NE(guesses.end(), std::find(guesses.begin(), guesses.end(), rate)) << rate;
   }
   EXPECT_EQ(kRecord, Mishear(kRecord, 38400, 38400));
-  // 'U' is 0 and 1 in turn: at half the receiver's rate each bit is heard twice.
-  EXPECT_EQ("\x98\xE6", Mishear("U", 19200, 38400).substr(0, 2));
+  // 'U' is 1 and 0 in turn: at half the receiver's rate each bit is heard twice, from the second half of the start bit
+  // on.
+  EXPECT_EQ("\x66\xE6", Mishear("U", 19200, 38400).substr(0, 2));
   std::string noise, text;
   while (noise.size() < 300) noise += static_cast<char>(random() >> 24);
   while (text.size() < 300) text += "$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4*6A\r\n";

@@ -16,6 +16,12 @@ bool HasOddCharacters(const char* record) {
   return std::string_view(record, kFieldBytes).find_first_not_of("0123456789 +-,") != std::string_view::npos;
 }
 
+// Besides the shape: no comma in place of a closing byte. There it stands when a record was cut off behind a field and
+// the next one follows; taken together they would be a record that no camera sent.
+bool IsRecord(const char* bytes) {
+  return kv::HasRecordShape(bytes) && bytes[kFieldBytes] != ',';
+}
+
 void CloseStretch(RecordStream* stream) {
   MalformedStretch& open = stream->open;
   if (open.bytes == 0) return;
@@ -35,7 +41,10 @@ void TakeRecord(RecordStream* stream, const char* bytes, double seconds, std::ve
   CloseStretch(stream);
   char text[kv::kRecordLength + 1] = "";
   std::memcpy(text, bytes, kv::kRecordLength);
-  FoundRecord record{.seconds = seconds, .points = {}, .isOdd = HasOddCharacters(text)};
+  // A field that cannot be read (behind a zero byte) keeps its last value, as in Tarnwick.
+  FoundRecord record = stream->last;
+  record.seconds = seconds;
+  record.isOdd = HasOddCharacters(text);
   kv::ParseRecord(text, record.points);
   if (stream->records++ == 0) stream->firstSeconds = seconds;
   stream->lastSeconds = seconds;
@@ -61,7 +70,7 @@ void FeedStream(RecordStream* stream, double seconds, std::string_view bytes, st
   size_t at = 0;
   while (stream->pending.size() - at >= kv::kRecordLength) {
     const char* here = stream->pending.data() + at;
-    if (kv::HasRecordShape(here)) {
+    if (IsRecord(here)) {
       TakeRecord(stream, here, stream->pendingSeconds[at + kv::kRecordLength - 1], found);
       at += kv::kRecordLength;
     } else {

@@ -1,5 +1,6 @@
 // Finds the camera's records in a stream of bytes that may begin anywhere and hold anything, and counts what is between
-// them. A record is what Tarnwick takes for one: 41 bytes with seven commas in their places. Pure, any thread.
+// them. A record is what Tarnwick takes for one, 41 bytes with seven commas in their places, unless it was joined of two.
+// Pure, any thread.
 #pragma once
 
 #include <string>

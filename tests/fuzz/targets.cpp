@@ -1,0 +1,255 @@
+#include "tests/fuzz/targets.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "app/camera_record.h"
+#include "framework/affirmative.h"
+#include "framework/dialog_texts.h"
+#include "framework/window_position.h"
+#include "gallery/pages/notes_file.h"
+#include "tests/fuzz/inputs.h"
+#include "tools/camtool/csv.h"
+#include "tools/camtool/recording.h"
+
+namespace fuzz {
+
+namespace {
+
+// No field of four characters says this.
+constexpr LONG kKept = 123456;
+constexpr char kRecord[] = "0100,0200,0300,0400,1023,1023,0512,0384\r\n";
+
+bool Broken(const char** why, const char* promise) {
+  *why = promise;
+  return false;
+}
+
+// ---- The record reader ---------------------------------------------------------------------------------------------
+
+std::vector<std::string> Records() {
+  return {kRecord, "   1,  20, 300,4000,-123,+045,1023,1023xx", "0000,0000,0000,0000,0000,0000,0000,0000\r\n"};
+}
+
+bool FeedRecord(std::string_view input, bool* accepted, const char** why) {
+  static GuardedArea area(64);
+  // Tarnwick hands over 41 bytes, zeros where fewer came, with a terminator behind them.
+  std::string padded(input);
+  padded.resize(kv::kRecordLength + 1);
+  padded.back() = '\0';
+  char* record = const_cast<char*>(area.Put(padded).data());
+  *accepted = kv::HasRecordShape(record);
+  kv::CameraPoint points[kv::kPointCount];
+  std::fill(std::begin(points), std::end(points), kv::CameraPoint{kKept, kKept});
+  kv::ParseRecord(record, points);
+  // A zero byte ends the text for the reader: points behind it keep what they were.
+  const bool hasText = padded.find('\0') == kv::kRecordLength;
+  const bool isKept = std::any_of(std::begin(points), std::end(points), [](kv::CameraPoint p) { return p.x == kKept; });
+  if (*accepted && hasText && isKept) return Broken(why, "a record of the right shape is read");
+  return true;
+}
+
+bool FeedStreamOfRecords(std::string_view input, bool* accepted, const char** why) {
+  camtool::RecordStream whole, pieces;
+  camtool::FeedStream(&whole, 0, input, nullptr);
+  for (size_t at = 0; at < input.size(); at += 7) camtool::FeedStream(&pieces, 0, input.substr(at, 7), nullptr);
+  camtool::EndStream(&whole);
+  camtool::EndStream(&pieces);
+  *accepted = whole.records > 0;
+  const auto all =
+      whole.records * 41 + whole.leadBytes + whole.malformedBytes + static_cast<long long>(whole.pending.size());
+  if (all != static_cast<long long>(input.size())) return Broken(why, "every byte is counted once");
+  if (whole.records != pieces.records || whole.malformedBytes != pieces.malformedBytes) {
+    return Broken(why, "pieces give what the whole gives");
+  }
+  return true;
+}
+
+std::vector<std::string> Streams() {
+  const std::string record = kRecord;
+  return {record + record + record, record + "noise" + record, record.substr(20) + record + record.substr(0, 39)};
+}
+
+// ---- Recordings and paths ------------------------------------------------------------------------------------------
+
+std::vector<std::string> Recordings() {
+  std::string file = camtool::EncodeHeader({1, 38400, 3});
+  for (int i = 0; i < 4; ++i) file += camtool::EncodeChunks(i * 11000, kRecord);
+  return {file + camtool::EncodeEnd(50000), file, file.substr(0, 60)};
+}
+
+struct DecodedFile {
+  std::string bytes;
+  size_t torn = 0;
+  bool isRecording = true;
+  camtool::RecordingDecoder decoder;
+};
+
+DecodedFile Decode(std::string_view file, size_t part) {
+  DecodedFile decoded;
+  for (size_t at = 0;;) {
+    camtool::Chunk chunk;
+    const camtool::Decoded next = camtool::DecodeNext(&decoded.decoder, &chunk);
+    if (next == camtool::Decoded::kChunk) decoded.bytes += chunk.bytes;
+    decoded.isRecording = next != camtool::Decoded::kNoRecording;
+    if (!decoded.isRecording) return decoded;
+    if (next != camtool::Decoded::kNeedMore) continue;
+    if (at >= file.size()) break;
+    camtool::FeedDecoder(&decoded.decoder, file.substr(at, part));
+    at += part;
+  }
+  decoded.torn = camtool::FinishDecoding(&decoded.decoder);
+  return decoded;
+}
+
+bool FeedRecording(std::string_view input, bool* accepted, const char** why) {
+  const DecodedFile whole = Decode(input, 100000), pieces = Decode(input, 37);
+  *accepted = whole.isRecording && whole.decoder.hasEnd && whole.decoder.damagedPlaces == 0;
+  if (whole.bytes.size() > input.size()) return Broken(why, "no more comes out than went in");
+  if (whole.isRecording != pieces.isRecording || whole.bytes != pieces.bytes || whole.torn != pieces.torn) {
+    return Broken(why, "pieces give what the whole gives");
+  }
+  return true;
+}
+
+std::vector<std::string> Paths() {
+  return {"seconds,x1,y1,x2,y2,x3,y3,x4,y4\n0.5,1,2,3,4,5,6,7,8\n1.5,1023,1023,3,4,5,6,7,8\n", "1;2\r\n3;4\r\n",
+          "\xEF\xBB\xBF"
+          "1\t2\t3\t4\n\n\"5\"\t6\t\t\n"};
+}
+
+bool FeedPath(std::string_view input, bool* accepted, const char** why) {
+  camtool::PointPath path;
+  std::string error;
+  *accepted = camtool::ParsePath(input, &path, &error);
+  if (*accepted != error.empty()) return Broken(why, "a refusal has a reason, and only that");
+  for (int record = 0; *accepted && record < 5; ++record) {
+    kv::CameraPoint points[kv::kPointCount];
+    camtool::PointsOnPath(path, record * 1e6, record, points);
+    for (const kv::CameraPoint& point : points) {
+      if (point.x < 0 || point.x > 1023 || point.y < 0 || point.y > 1023) return Broken(why, "points are in range");
+    }
+  }
+  return true;
+}
+
+// ---- Notes ---------------------------------------------------------------------------------------------------------
+
+std::vector<std::string> Notes() {
+  return {"plain\r\ntext",
+          "\xEF\xBB\xBF"
+          "gr\xC3\xB6\xC3\x9F"
+          "er \xF0\x9F\x98\x80 \xE2\x82\xAC",
+          ""};
+}
+
+bool FeedNotes(std::string_view input, bool* accepted, const char** why) {
+  std::wstring text = L"as it was";
+  *accepted = gallery::DecodeNotes(input, &text);
+  if (!*accepted) return text == L"as it was" || Broken(why, "refused notes change nothing");
+  if (input.starts_with("\xEF\xBB\xBF")) input.remove_prefix(3);
+  std::string back(input.size() + 8, '\0');
+  const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), back.data(),
+                                       static_cast<int>(back.size()), nullptr, nullptr);
+  back.resize(static_cast<size_t>(size));
+  return back == input || Broken(why, "what was read is written back the same");
+}
+
+// ---- Language tables -----------------------------------------------------------------------------------------------
+
+std::string Bytes(const wchar_t* text) {
+  return std::string(reinterpret_cast<const char*>(text), (std::wcslen(text) + 1) * sizeof(wchar_t));
+}
+
+std::vector<std::string> Answers() {
+  return {Bytes(L"yes please"), Bytes(L"aktiviert"), Bytes(L"\x0437\x0430\x043F\x0443\x0441\x043A\x0430\x0435\x0442"),
+          Bytes(L"no"), Bytes(L" ")};
+}
+
+bool FeedAnswer(std::string_view input, bool* accepted, const char** why) {
+  static GuardedArea area(4096);
+  std::string terminated(input.substr(0, input.size() / 2 * 2));
+  terminated.append(2, '\0');
+  const auto* text = reinterpret_cast<const wchar_t*>(area.Put(terminated).data());
+  const BOOL every = kv::IsAffirmative(kv::kEveryLanguage, text);
+  *accepted = every != FALSE;
+  // The input chooses; 0 to 16 are those that are asked together.
+  const int language = static_cast<unsigned char>(input.empty() ? 0 : input.back()) % 17;
+  const bool one = kv::IsAffirmative(language, text) != FALSE;
+  return !one || *accepted || Broken(why, "all languages together know what one of them knows");
+}
+
+// The resource entry that this program's own template has. Its place is moved to where the input lies.
+IMAGE_RESOURCE_DATA_ENTRY* TemplateEntry(int id) {
+  auto* entry =
+      reinterpret_cast<IMAGE_RESOURCE_DATA_ENTRY*>(FindResourceW(nullptr, MAKEINTRESOURCEW(id), MAKEINTRESOURCEW(5)));
+  DWORD before = 0;
+  VirtualProtect(entry, sizeof(*entry), PAGE_READWRITE, &before);
+  return entry;
+}
+
+std::vector<std::string> Templates() {
+  std::vector<std::string> templates;
+  for (const int id : {1, 2}) {
+    const HRSRC resource = FindResourceW(nullptr, MAKEINTRESOURCEW(id), MAKEINTRESOURCEW(5));
+    const auto* data = static_cast<const char*>(LockResource(LoadResource(nullptr, resource)));
+    templates.emplace_back(data, SizeofResource(nullptr, resource));
+  }
+  return templates;
+}
+
+bool FeedTemplate(std::string_view input, bool* accepted, const char**) {
+  static GuardedArea area(4096);
+  static IMAGE_RESOURCE_DATA_ENTRY* entry = TemplateEntry(1);
+  static HWND dialog = CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+  // The linker puts resources at even places and gives them even sizes.
+  const std::string_view put = area.Put(input.substr(0, input.size() / 4 * 4));
+  entry->OffsetToData = static_cast<DWORD>(put.data() - reinterpret_cast<const char*>(GetModuleHandleA(nullptr)));
+  entry->Size = static_cast<DWORD>(put.size());
+  *accepted = kv::SetDialogTexts(dialog, nullptr, MAKEINTRESOURCEW(1)) != FALSE;
+  return true;
+}
+
+// ---- Position texts ------------------------------------------------------------------------------------------------
+
+std::vector<std::string> Positions() {
+  return {"100,200,800,600", "-30,-20,770,580", "10,20", "120", "2147483647,-2147483648,0,0"};
+}
+
+bool FeedPosition(std::string_view input, bool* accepted, const char** why) {
+  static GuardedArea area(4096);
+  const std::string terminated = std::string(input) + '\0';
+  const RECT position = kv::ParsePosition(area.Put(terminated).data());
+  const RECT clamped = kv::ClampPosition(position);
+  *accepted = position.right > position.left && position.bottom > position.top;
+  const bool isRight =
+      clamped.left >= 0 && clamped.top >= 0 && clamped.right == position.right && clamped.bottom == position.bottom;
+  return isRight || Broken(why, "a clamped position begins on the screen and ends where it did");
+}
+
+const std::vector<std::string> kNumberWords = {
+    "99999999999",        "-",    "-1",   ",",  ";", "\t", "\n", "1e308", "0x10", "nan",
+    std::string(1, '\0'), "1023", "1024", "\"", "+", " "};
+const std::vector<std::string> kByteWords = {std::string(2, '\0'), "\xFF\xFF", std::string("\x01\0\xFF\xFF", 4),
+                                             "\xEF\xBB\xBF",       "\xC0\x80", "\xED\xA0\x80",
+                                             "\xF4\x90\x80\x80",   "\x80"};
+
+}  // namespace
+
+std::span<const Target> Targets() {
+  static const std::vector<Target> targets = {
+      {"record reader", 60, 1, Records, kNumberWords, FeedRecord},
+      {"stream of records", 400, 1, Streams, kNumberWords, FeedStreamOfRecords},
+      {"recording format", 1000, 1, Recordings, kByteWords, FeedRecording},
+      {"path files (CSV)", 400, 1, Paths, kNumberWords, FeedPath},
+      {"notes", 400, 1, Notes, kByteWords, FeedNotes},
+      {"words for yes", 600, 1, Answers, kByteWords, FeedAnswer},
+      {"dialog texts of a language", 600, 1, Templates, kByteWords, FeedTemplate},
+      {"position texts", 300, 1, Positions, kNumberWords, FeedPosition},
+  };
+  return targets;
+}
+
+}  // namespace fuzz
