@@ -90,7 +90,8 @@ std::string PointsOf(const std::string& csv) {
 }
 
 TEST(Camtool, ScansSilentBusyTalkingAndCameraPorts) {
-  SerialLine talking(5, 6), line(7, 8), silent(9, 10), busy(11, 12);
+  if (!SerialLine::CanUnplug()) GTEST_SKIP() << "four pairs of ports cannot be made here";
+  SerialLine talking({5, 6}), line({7, 8}), silent({9, 10}), busy({11, 12});
   PlayedCamera camera(8), wrongRate(6), holder(11);
   std::atomic<bool> stop{false};
   std::thread sender([&] {
@@ -121,7 +122,8 @@ TEST(Camtool, ScansSilentBusyTalkingAndCameraPorts) {
 }
 
 TEST(Camtool, RecordsReplaysAndExports) {
-  SerialLine line(3, 4);
+  if (!SerialLine::CanUnplug()) GTEST_SKIP() << "no pair of ports can be made here";
+  SerialLine line({3, 4});
   const std::string first = TemporaryFile("camtool first é.twr"), second = TemporaryFile("camtool second.twr");
   const std::string csv = TemporaryFile("camtool points.csv");
   for (const std::string& path : {first, second, csv}) DeleteFileA(path.c_str());
