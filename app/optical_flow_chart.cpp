@@ -1,8 +1,11 @@
 #include "app/optical_flow_chart.h"
 
+#include <oleacc.h>
+
 #include <algorithm>
 #include <iterator>
 
+#include "framework/accessible.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
 #include "framework/picture.h"
@@ -268,6 +271,20 @@ LRESULT OnCommand(ChartState* state, WPARAM wParam, LPARAM lParam) {
   }
 }
 
+// The points that are shown, by their numbers: "1: 512, 384; 3: 20, 700".
+AccessibleText Describe(HWND window) {
+  const auto* state = WindowRecord<ChartState>(window);
+  AccessibleText text{WindowText(window), {}};
+  for (int i = 0; state && i < kPointCount; ++i) {
+    const CameraPoint& point = state->points[i];
+    if (!IsShown(point)) continue;
+    if (!text.value.empty()) text.value += L"; ";
+    text.value += std::to_wstring(i + 1) + L": " + std::to_wstring(point.x) + L", " + std::to_wstring(point.y);
+  }
+  if (text.name.empty()) text.name = L"Optical flow";
+  return text;
+}
+
 LRESULT CALLBACK ChartProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   auto* state = WindowRecord<ChartState>(window);
   switch (message) {
@@ -278,6 +295,7 @@ LRESULT CALLBACK ChartProcedure(HWND window, UINT message, WPARAM wParam, LPARAM
     case WM_COPY: return state ? OnCopy(state, lParam) : 1;
     case kControlCommand: return state ? OnCommand(state, wParam, lParam) : 1;
     case WM_GETDLGCODE: return DLGC_STATIC;
+    case WM_GETOBJECT: return AnswerGetObject(window, wParam, lParam, ROLE_SYSTEM_CHART, Describe);
     case WM_DROPFILES: return SendMessageA(GetParent(window), message, wParam, lParam);
     case WM_COMMAND:
     case WM_MOUSEMOVE:

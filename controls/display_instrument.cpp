@@ -1,5 +1,6 @@
 #include "controls/display_instrument.h"
 
+#include <oleacc.h>
 #include <shellapi.h>
 
 #include <algorithm>
@@ -9,10 +10,12 @@
 #include "controls/instrument_centre_bar.h"
 #include "controls/instrument_compass.h"
 #include "controls/instrument_digital.h"
+#include "controls/instrument_digits.h"
 #include "controls/instrument_gauge.h"
 #include "controls/instrument_record.h"
 #include "controls/instrument_segment_bar.h"
 #include "controls/instrument_text.h"
+#include "framework/accessible.h"
 #include "framework/picture.h"
 #include "framework/window_record.h"
 
@@ -258,12 +261,39 @@ LRESULT OnCommand(InstrumentRecord* record, WPARAM wParam, LPARAM lParam) {
     case kCommandZone: changed = ExchangeZone(record, wParam, lParam); break;
   }
   if (!changed) return 0;
+  TellValueChanged(record->hWnd);
   if (wParam & kCommandRedraw) {
     RepaintNow(record->hWnd);
   } else {
     InvalidateRect(record->hWnd, nullptr, FALSE);
   }
   return 0;
+}
+
+// ---- For screen readers ---------------------------------------------------------------------------------------------
+
+std::wstring SpokenValue(const InstrumentRecord& record) {
+  const InstrumentReading reading = ReadingOf(record.block);
+  if (!reading.valid) return {};
+  const int places = record.block.format & kFormatPlaces;
+  const std::wstring unit = InstrumentUnit(record.block);
+  switch (ModeOf(record)) {
+    case kModeCompass: return HeadingText(reading.value, places) + unit;
+    case kModeDigital:
+      if (record.dwStyle & (kInstrumentShowTime | kInstrumentShowDate | kInstrumentShowAngle)) {
+        InstrumentRecord shown = record;
+        StoreShownText(&shown);
+        return ReadableDigits(shown.szText, record.dwStyle);
+      }
+      [[fallthrough]];
+    default: return PlainNumber(reading.value, places, (record.block.format & kFormatSign) != 0) + L' ' + unit;
+  }
+}
+
+AccessibleText Describe(HWND window) {
+  const auto* record = WindowRecord<InstrumentRecord>(window);
+  if (!record) return {};
+  return {InstrumentName(record->block), SpokenValue(*record)};
 }
 
 // ---- Message handlers -----------------------------------------------------------------------------------------------
@@ -334,6 +364,7 @@ LRESULT OnTimer(InstrumentRecord* record, WPARAM timer) {
   } else if (record->nCountdown == 0) {
     KillTimer(record->hWnd, kGlideTimer);
     record->bGliding = FALSE;
+    TellValueChanged(record->hWnd);
   } else {
     --record->nCountdown;
   }
@@ -371,6 +402,7 @@ LRESULT CALLBACK InstrumentProcedure(HWND window, UINT message, WPARAM wParam, L
     case WM_LBUTTONDBLCLK: return record ? CopyToClipboard(record, 0) : kNoRecord;
     case WM_COPY: return record ? CopyToClipboard(record, lParam) : kNoRecord;
     case WM_DROPFILES: return SendMessageA(GetParent(window), message, wParam, lParam);
+    case WM_GETOBJECT: return AnswerGetObject(window, wParam, lParam, ROLE_SYSTEM_INDICATOR, Describe);
     case WM_SYSCOLORCHANGE: return record ? OnCommand(record, kCommandRender, 0) : kNoRecord;
     case kControlCommand: return record ? OnCommand(record, wParam, lParam) : kNoRecord;
     default: return DefWindowProcA(window, message, wParam, lParam);

@@ -138,6 +138,16 @@ std::vector<DigitCell> CellsOf(const char* text, DWORD style) {
   return cells;
 }
 
+std::wstring ReadableDigits(const char* text, DWORD style) {
+  constexpr wchar_t kSigns[] = {L'.', L'.', L':', L'\u00B0', L'\'', L'"'};
+  std::wstring readable;
+  for (int separators = 0; *text; ++text) {
+    if (*text == ' ') continue;
+    readable += *text != '.' ? static_cast<BYTE>(*text) : kSigns[static_cast<int>(SeparatorAt(style, separators++))];
+  }
+  return readable;
+}
+
 DigitLayout LayOutDigits(const RECT& area, int cells) {
   const double width = std::max<LONG>(area.right - area.left, 0), height = std::max<LONG>(area.bottom - area.top, 0);
   // The last character keeps its room for a separator: the point of "88.8" and of "888." must not move the digits.

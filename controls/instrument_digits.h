@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <span>
+#include <string>
 #include <vector>
 
 #include "framework/supersample.h"
@@ -48,6 +49,9 @@ unsigned SegmentsOf(char character);
 // The characters of a text; each '.' becomes the separator that `style` asks for in its place (kInstrumentShowTime ...)
 // behind the character before it, or behind a blank when there is none.
 std::vector<DigitCell> CellsOf(const char* text, DWORD style);
+
+// The text as it is read out: without padding, with the signs that the separators stand for.
+std::wstring ReadableDigits(const char* text, DWORD style);
 
 // Places of the characters: all of one size, in the middle of the area.
 struct DigitLayout {

@@ -14,7 +14,7 @@ namespace {
 
 // Parts of the face's radius.
 constexpr double kLabelOuter = 0.77, kLabelHeight = 0.165, kLabelWidth = 0.52;  // at most so wide
-constexpr double kHubRoom = 0.13;                                              // hub with a little air
+constexpr double kHubRoom = 0.13;                                               // hub with a little air
 constexpr double kTailEnd = 0.20;     // of the needle: rows of text begin below it
 constexpr double kNeedleRoom = 0.07;  // half the needle's thickness with a little air
 constexpr double kNameHeight = 0.16, kUnitHeight = 0.15, kAboveHub = 0.34, kAboveHeight = 0.24;

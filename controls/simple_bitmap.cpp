@@ -1,9 +1,13 @@
 #include "controls/simple_bitmap.h"
 
+#include <oleacc.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <cwchar>
 
+#include "framework/accessible.h"
 #include "framework/click_through.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
@@ -155,6 +159,12 @@ LRESULT OnDestroy(HWND window) {
   return 0;
 }
 
+// A resource's number tells a person nothing.
+AccessibleText Describe(HWND window) {
+  const std::wstring name = WindowText(window);
+  return {std::wcstoul(name.c_str(), nullptr, 0) ? std::wstring() : name, {}};
+}
+
 LRESULT CALLBACK SimpleBitmapProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_CREATE: return OnCreate(window);
@@ -164,6 +174,7 @@ LRESULT CALLBACK SimpleBitmapProcedure(HWND window, UINT message, WPARAM wParam,
     case WM_GETDLGCODE: return DLGC_STATIC;
     case WM_COPY: return OnCopy(window, lParam);
     case WM_DROPFILES: return SendMessageA(GetParent(window), WM_DROPFILES, wParam, lParam);
+    case WM_GETOBJECT: return AnswerGetObject(window, wParam, lParam, ROLE_SYSTEM_GRAPHIC, Describe);
     case WM_LBUTTONDOWN: return OnLeftButtonDown(window, wParam, lParam);
     case WM_LBUTTONDBLCLK: return OnDoubleClick(window, wParam, lParam);
     case WM_RBUTTONDOWN:

@@ -20,6 +20,7 @@
 //   WM_COPY      puts the bitmap on the clipboard as CF_BITMAP, in its own size or, with lParam not 0, in the size
 //                MAKELPARAM(width, height), each 16..5120; 0, or 1 without a bitmap
 //   WM_DROPFILES is sent on to the parent; the parent's result
+//   WM_GETOBJECT screen readers hear of a graphic and, as its name, the window text, unless that is a number
 //
 // Notifications, posted to the parent as WM_COMMAND after the click has fallen through:
 //   1      left button pressed, unless the control beneath answered with 0 (as a clicked button does)

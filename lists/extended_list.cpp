@@ -1,7 +1,10 @@
 #include "lists/extended_list.h"
 
+#include <oleacc.h>
+
 #include <utility>
 
+#include "framework/accessible.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
 #include "framework/picture.h"
@@ -206,6 +209,17 @@ LRESULT OnSetExtent(HWND window, ListRecord& record, WPARAM wParam) {
 LRESULT OnSetCount(HWND window, ListRecord& record, WPARAM wParam) {
   record.dwRowCount = static_cast<DWORD>(wParam);
   return Redraw(window, record);
+}
+
+// Rows as people count them; what they say, only the parent knows.
+AccessibleText Describe(HWND window) {
+  const ListRecord* record = ListRecordOf(window);
+  if (!record || record->dwRowCount == 0) return {WindowText(window), {}};
+  const RowRun rows =
+      VisibleRows(record->dwRowCount, record->nRowHeight, record->nVerticalOffset, record->surfaceSize.cy);
+  const std::wstring first = std::to_wstring((record->bSelected ? record->dwSelectedRow : rows.first) + 1ull);
+  const std::wstring last = record->bSelected ? L"" : L" - " + std::to_wstring(1ull * rows.first + rows.count);
+  return {WindowText(window), first + last + L" / " + std::to_wstring(record->dwRowCount)};
 }
 
 // Without a record (memory was short, or the list is destroyed) the list's own messages are refused. All others still

@@ -22,6 +22,10 @@
 //                   surface has been filled with the window colour
 // While it draws, the parent may change, resize or destroy the list: a changed list is redrawn after that, at the next
 // WM_PAINT. Both requests are valid until the parent returns, whatever becomes of the list.
+//
+// Screen readers (WM_GETOBJECT) hear of a list, its window text as the name and as the value the selected row and the
+// number of rows ("3 / 1000"), or without a selection the rows on view ("1 - 20 / 1000"). What a row says only the
+// parent knows: it may put that into the list's window text when the selection moves.
 #pragma once
 
 #include <windows.h>

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "framework/accessible.h"
 #include "framework/control_class.h"
 #include "framework/picture.h"
 #include "lists/extended_list_layout.h"
@@ -83,6 +84,7 @@ void Select(HWND list, ListRecord& record, DWORD row) {
   record.bSelected = TRUE;
   record.dwSelectedRow = row;
   record.bDirty = TRUE;
+  TellValueChanged(list);
   const DWORD first = FirstRow(record), inView = static_cast<DWORD>(PageOf(list, record));
   DWORD wanted = first;
   if (row < first) wanted = row;

@@ -6,6 +6,7 @@
 #include <random>
 
 #include "framework/control_class.h"
+#include "tests/support/accessible_text.h"
 #include "tests/support/message_storm.h"
 #include "tests/support/test_window.h"
 
@@ -68,6 +69,7 @@ TEST_F(ChartTest, ExchangesPointsThroughItsMask) {
   EXPECT_EQ(0, read.points[0].y);
   EXPECT_EQ(900, read.points[1].y) << "clamped to 1023 only";
   EXPECT_TRUE(IsNowhere(read.points[2])) << "not in the mask";
+  EXPECT_EQ((kvtest::HeardText{L"Optical flow", L"2: 40, 900", 0x11}), kvtest::HearWindow(chart_));
   EXPECT_EQ(0b0010u, read.mask) << "a point with one coordinate at 1023 is not shown";
 
   FlowPoints remove{.mask = 0b0010, .points = {{1, 1}, {1, 1}, {1, 1}, {1, 1}}};

@@ -13,6 +13,7 @@
 #include "framework/guards.h"
 #include "framework/painting.h"
 #include "framework/window_record.h"
+#include "tests/support/accessible_text.h"
 #include "tests/support/control_test.h"
 #include "tests/support/message_storm.h"
 
@@ -384,6 +385,26 @@ TEST_F(DisplayInstrument, WithoutARecordEveryMessageAnswersOne) {
   EXPECT_EQ(4711, SendMessageA(control, WM_DROPFILES, 0, 0));
   DestroyWindow(control);
   EXPECT_EQ(static_cast<UINT>(GMEM_INVALID_HANDLE), GlobalFlags(memory));
+}
+
+TEST_F(DisplayInstrument, ScreenReadersHearNameAndValue) {
+  const std::tuple<DWORD, BYTE, float, const wchar_t*> cases[] = {
+      {kModeGauge, 1, 42.5f, L"42.5 %"},
+      {kModeCompass, 0, -90, L"270\u00B0"},
+      {kModeDigital | kInstrumentShowAngle, 0, 10.25f, L"10\u00B015'00.00\"%"},
+      {kModeDigital | kInstrumentShowTime, 3, 0, L"03:04"},
+      {kModeCentreBar, kFormatSign, NAN, L""}};
+  for (const auto& [style, format, value, text] : cases) {
+    HWND control = Create(style);
+    const SYSTEMTIME time{2000, 1, 0, 2, 3, 4, 5, 6};
+    Send(control, kCommandTime, &time);
+    InstrumentBlock block = BlockOf(control);
+    block.format = format, block.current = value;
+    strcpy(block.szName, "H\xC3\xB6he");
+    Send(control, kCommandBlock, &block);
+    EXPECT_EQ((kvtest::HeardText{L"H\u00F6he", text, 0x27}), kvtest::HearWindow(control)) << style;
+    DestroyWindow(control);
+  }
 }
 
 TEST_F(DisplayInstrument, SurvivesAStormOfMessages) {

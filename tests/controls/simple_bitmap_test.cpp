@@ -11,6 +11,7 @@
 
 #include "framework/click_through.h"
 #include "framework/guards.h"
+#include "tests/support/accessible_text.h"
 #include "tests/support/control_test.h"
 #include "tests/support/message_storm.h"
 #include "tests/support/scarce_objects.h"
@@ -244,6 +245,11 @@ TEST_F(SimpleBitmap, SiblingsMayReorderOrDestroyWhatIsWalked) {
   for (Probe& probe : probes) probe.react = [&](Probe&) { DestroyWindow(control); };
   EXPECT_EQ(42, SendMessageA(control, WM_LBUTTONDOWN, 0, 0));
   EXPECT_TRUE(TakeNotifications().empty());
+}
+
+TEST_F(SimpleBitmap, ScreenReadersHearItsNameButNoNumber) {
+  EXPECT_EQ((kvtest::HeardText{L"BADGE", L"", 0x28}), kvtest::HearWindow(Create("BADGE")));
+  EXPECT_EQ((kvtest::HeardText{L"", L"", 0x28}), kvtest::HearWindow(Create("0x65")));
 }
 
 TEST_F(SimpleBitmap, SurvivesAStormOfMessages) {

@@ -11,6 +11,7 @@
 
 #include "framework/guards.h"
 #include "lists/extended_list_layout.h"
+#include "tests/support/accessible_text.h"
 #include "tests/support/control_test.h"
 #include "tests/support/message_storm.h"
 #include "tests/support/scarce_objects.h"
@@ -221,6 +222,14 @@ TEST_F(ExtendedList, MakesItsSettingsKeyAndRefusesMessagesWithoutARecord) {
     EXPECT_EQ(1, Send(message)) << message;
   }
   EXPECT_FALSE(GetUpdateRect(list_, nullptr, FALSE));
+}
+
+TEST_F(ExtendedList, ScreenReadersHearWhichRowsAreOnView) {
+  constexpr LONG kRoleList = 0x21;
+  EXPECT_EQ((kvtest::HeardText{L"", L"", kRoleList}), kvtest::HearWindow(list_));
+  SetWindowTextA(list_, "Readings");
+  Send(LB_SETCOUNT, 1000);
+  EXPECT_EQ((kvtest::HeardText{L"Readings", L"1 - 5 / 1000", kRoleList}), kvtest::HearWindow(list_));
 }
 
 TEST_F(ExtendedList, SurvivesAStormOfMessages) {
