@@ -244,6 +244,7 @@ LRESULT CALLBACK ExtendedListProcedure(HWND window, UINT message, WPARAM wParam,
     case LB_SETHORIZONTALEXTENT: return handle(OnSetExtent, wParam);
     case LB_SETCOUNT: return handle(OnSetCount, wParam);
     case LB_RESETCONTENT: return handle(OnSetCount, WPARAM{0});
+    case WM_GETOBJECT: return AnswerGetObject(window, wParam, lParam, ROLE_SYSTEM_LIST, Describe);
     default: return DefWindowProcA(window, message, wParam, lParam);
   }
 }
