@@ -38,7 +38,8 @@ bool IsShown(const CameraPoint& point) {
   return point.x != kNoPoint && point.y != kNoPoint;
 }
 
-// Both coordinates to 1023: a y below the field is kept and lies outside the picture, as the camera meant it.
+// Both coordinates to 1023, on purpose: a y below the field is kept and lies outside the picture. Clamped to the field's
+// height it would be shown at the lower edge, where the camera sees nothing.
 CameraPoint Clamped(const CameraPoint& point) {
   return {std::clamp<LONG>(point.x, 0, kNoPoint), std::clamp<LONG>(point.y, 0, kNoPoint)};
 }

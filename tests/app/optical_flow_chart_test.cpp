@@ -171,6 +171,7 @@ TEST_F(ChartTest, ShowsTheSameAfterManyChangesAsAPictureMadeAtOnce) {
     ReleaseDC(chart_, dc);
     SendMessageA(chart_, WM_COPY, 0, 0);
     const SIZE size = ClipboardPictureSize(&anew);
+    ASSERT_TRUE(size.cx >= 500 && size.cy >= 380);
     for (int y = 0; y < size.cy; ++y) {
       for (int x = 0; x < size.cx; ++x) ASSERT_EQ(anew.At(x, y), shown.At(x, y)) << round << ": " << x << "," << y;
     }
