@@ -1,0 +1,84 @@
+// Draws shapes that another program describes, white on black, so that an independent renderer can be compared with
+// ours: `benchmarks/edge_accuracy`.
+//   drawn_shapes SHAPES PICTURES
+// A line of SHAPES is one picture: its size, then a shape with its numbers.
+//   60 60 polygon x y x y ...   60 60 disc x y radius   60 60 ring x y inner outer from to   60 60 line x y x y width
+//   60 60 glyph CHARACTER-CODE x y height degrees
+// PICTURES gets one byte for each pixel, picture after picture. The flattened outline of a glyph goes to the standard
+// output: how many figures it has, then a line for each.
+#include <windows.h>
+
+#include <cstdio>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "controls/instrument_view.h"
+#include "framework/canvas.h"
+#include "framework/glyph_outline.h"
+
+namespace {
+
+void PrintFigures(const kv::GlyphOutline& glyph) {
+  printf("%d\n", glyph.figures);
+  for (int figure = 0, i = 0; figure < glyph.figures; ++figure) {
+    for (; i < glyph.ends[figure]; ++i) printf("%.9g %.9g ", glyph.points[i].x, glyph.points[i].y);
+    printf("\n");
+  }
+}
+
+void Draw(kv::Canvas& canvas, const std::string& shape, const std::vector<double>& n) {
+  const COLORREF white = RGB(255, 255, 255);
+  if (shape == "polygon") {
+    std::vector<kv::PointD> corners;
+    for (size_t i = 0; i + 1 < n.size(); i += 2) corners.push_back({n[i], n[i + 1]});
+    kv::FillPolygon(canvas, corners, white);
+  } else if (shape == "disc" && n.size() == 3) {
+    kv::FillDisc(canvas, {n[0], n[1]}, n[2], white);
+  } else if (shape == "ring" && n.size() == 6) {
+    kv::FillRingSector(canvas, {n[0], n[1]}, n[2], n[3], n[4], n[5], white);
+  } else if (shape == "line" && n.size() == 5) {
+    kv::FillLine(canvas, {n[0], n[1]}, {n[2], n[3]}, n[4], white);
+  } else if (shape == "glyph" && n.size() == 5) {
+    const auto glyph = std::make_unique<kv::GlyphOutline>();
+    kv::OutlineOfCharacter(kv::kInstrumentFont, FW_BOLD, static_cast<wchar_t>(n[0]), glyph.get());
+    PrintFigures(*glyph);
+    kv::FillGlyph(canvas, *glyph, {n[1], n[2]}, 0, n[3], n[4], white);
+  } else {
+    printf("unknown shape %s\n", shape.c_str());
+  }
+}
+
+bool WritePicture(const std::string& line, kv::CoverageShape& room, FILE* to) {
+  std::istringstream words(line);
+  SIZE size{};
+  std::string shape;
+  words >> size.cx >> size.cy >> shape;
+  std::vector<double> numbers;
+  for (double number; words >> number;) numbers.push_back(number);
+  kv::Surface surface;
+  if (!surface.Create(size)) return false;
+  const kv::MemoryDc dc(nullptr);
+  kv::Canvas canvas(dc, surface, room);
+  kv::FillArea(canvas, {0, 0, size.cx, size.cy}, RGB(0, 0, 0));
+  Draw(canvas, shape, numbers);
+  for (LONG y = 0; y < size.cy; ++y) {
+    for (LONG x = 0; x < size.cx; ++x) fputc(static_cast<int>(surface.Row(y)[x] & 0xFF), to);
+  }
+  return true;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  FILE* from = count > 2 ? fopen(arguments[1], "r") : nullptr;
+  FILE* to = from ? fopen(arguments[2], "wb") : nullptr;
+  if (!to) return 1;
+  const auto room = std::make_unique<kv::CoverageShape>();
+  static char line[1 << 16];
+  bool drawn = true;
+  while (drawn && fgets(line, sizeof(line), from)) drawn = WritePicture(line, *room, to);
+  fclose(from);
+  return fclose(to) == 0 && drawn ? 0 : 1;
+}

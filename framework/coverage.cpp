@@ -1,0 +1,158 @@
+#include "framework/coverage.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <new>
+#include <utility>
+
+namespace kv {
+
+namespace {
+
+constexpr double kFarthest = 1 << 24;
+constexpr int kWordBits = 32;
+
+// A half rounds up. The tiny extra keeps it so when the sum is a hair too small: the same pixel then gets the same
+// level whatever area of its shape was asked for.
+std::uint8_t LevelOf(double covered) {
+  return static_cast<std::uint8_t>(std::min(std::fabs(covered), 1.0) * 255 + 0.5001);
+}
+
+}  // namespace
+
+bool CoverageShape::Begin(const PixelArea& area) {
+  area_ = area;
+  count_ = first_ = last_ = 0;
+  scanning_ = false;
+  width_ = 0;
+  if (area.right <= area.left || area.bottom <= area.top) return true;
+  const int width = area.right - area.left;
+  if (width > roomWidth_) {
+    // Both start as zeros, and every row leaves them so.
+    cells_.reset(new (std::nothrow) double[width]());
+    touched_.reset(new (std::nothrow) std::uint32_t[width / kWordBits + 1]());
+    roomWidth_ = cells_ && touched_ ? width : 0;
+    if (!roomWidth_) return false;
+  }
+  width_ = width;
+  return true;
+}
+
+bool CoverageShape::AddFigure(std::span<const PointD> corners) {
+  if (scanning_ || width_ == 0) return false;
+  const int before = count_;
+  for (size_t i = 0; i < corners.size(); ++i) {
+    const PointD &a = corners[i], &b = corners[i + 1 < corners.size() ? i + 1 : 0];
+    if (std::isnan(a.x) || std::isnan(a.y) || (count_ == kMostEdges)) {
+      count_ = before;
+      return false;
+    }
+    const auto limited = [](double value) { return std::clamp(value, -kFarthest, kFarthest); };
+    const PointD from{limited(a.x), limited(a.y)}, to{limited(b.x), limited(b.y)};
+    const bool down = to.y > from.y;
+    const PointD &upper = down ? from : to, &lower = down ? to : from;
+    const bool counts = upper.y < lower.y && lower.y > area_.top && upper.y < area_.bottom &&
+                        std::min(from.x, to.x) < area_.right;  // further right nothing is to the right of the edge
+    if (!counts) continue;
+    edges_[count_++] = {upper.x, (lower.x - upper.x) / (lower.y - upper.y), upper.y, lower.y, down ? -1.0 : 1.0};
+  }
+  return true;
+}
+
+bool CoverageShape::Next(CoverageSpan* span) {
+  if (!scanning_) {
+    scanning_ = true;
+    std::sort(edges_.begin(), edges_.begin() + count_, [](const Edge& a, const Edge& b) { return a.top < b.top; });
+    row_ = area_.top - 1;
+    cell_ = width_;
+  }
+  for (;;) {
+    while (cell_ < width_) {
+      const int cell = cell_;
+      covered_ += std::exchange(cells_[cell], 0.0);
+      touched_[cell / kWordBits] &= ~(1u << cell % kWordBits);
+      cell_ = NextTouched(cell);
+      if (const std::uint8_t level = LevelOf(covered_)) {
+        *span = {area_.left + cell, row_, cell_ - cell, level};
+        return true;
+      }
+    }
+    if (!StartRow()) return false;
+  }
+}
+
+// Goes on to the next row that an edge reaches.
+bool CoverageShape::StartRow() {
+  ++row_;
+  if (first_ == last_) {
+    if (last_ == count_) {
+      count_ = first_ = last_ = 0;
+      return false;
+    }
+    row_ = std::max(row_, static_cast<int>(std::floor(edges_[last_].top)));
+  }
+  if (row_ >= area_.bottom) {
+    count_ = first_ = last_ = 0;
+    return false;
+  }
+  const double top = row_, bottom = row_ + 1.0;
+  while (last_ < count_ && edges_[last_].top < bottom) ++last_;
+  for (int i = first_; i < last_; ++i) {
+    const Edge edge = edges_[i];
+    const double from = std::max(edge.top, top), to = std::min(edge.bottom, bottom);
+    if (to > from) {
+      const double origin = edge.x - area_.left;
+      AddToRow(origin + edge.slope * (from - edge.top), origin + edge.slope * (to - edge.top),
+               edge.direction * (to - from));
+    }
+    // An edge that ends here makes way for the first one.
+    if (edge.bottom <= bottom) edges_[i] = edges_[first_++];
+  }
+  covered_ = 0;
+  cell_ = touched_[0] & 1 ? 0 : NextTouched(0);
+  return true;
+}
+
+// Adds the part of an edge within the row, between two places counted from the area's left. It covers what lies to its
+// right by `cover`, of each pixel that it passes through a part.
+void CoverageShape::AddToRow(double from, double to, double cover) {
+  if (from > to) std::swap(from, to);
+  if (from >= width_) return;
+  if (to <= 0) {
+    AddToCell(0, cover);
+    return;
+  }
+  const double coverPerPixel = to > from ? cover / (to - from) : 0;
+  if (from < 0) {
+    AddToCell(0, -from * coverPerPixel);
+    cover += from * coverPerPixel;
+    from = 0;
+  }
+  for (int cell = static_cast<int>(from); cell < width_; ++cell) {
+    const bool ends = to <= cell + 1;
+    const double right = ends ? to : cell + 1, here = ends ? cover : coverPerPixel * (right - from);
+    const double free = (from + right) / 2 - cell;  // of this pixel, to the left of the edge
+    AddToCell(cell, here * (1 - free));
+    AddToCell(cell + 1, here * free);
+    if (ends) return;
+    cover -= here;
+    from = right;
+  }
+}
+
+void CoverageShape::AddToCell(int cell, double cover) {
+  if (cell >= width_) return;
+  cells_[cell] += cover;
+  touched_[cell / kWordBits] |= 1u << cell % kWordBits;
+}
+
+// The next touched cell behind this one, or the end of the row.
+int CoverageShape::NextTouched(int cell) const {
+  int word = ++cell / kWordBits;
+  std::uint32_t bits = cell < width_ ? touched_[word] >> cell % kWordBits << cell % kWordBits : 0;
+  while (bits == 0 && (word + 1) * kWordBits < width_) bits = touched_[++word];
+  return bits ? std::min(word * kWordBits + std::countr_zero(bits), width_) : width_;
+}
+
+}  // namespace kv

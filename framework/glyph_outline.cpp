@@ -1,0 +1,143 @@
+#include "framework/glyph_outline.h"
+
+#include <cmath>
+#include <cstddef>
+#include <numbers>
+
+namespace kv {
+
+namespace {
+
+constexpr int kEmHeight = 1024;  // large enough that rounding vanishes
+constexpr int kLinesPerCurve = 6;
+
+// Turns what GetGlyphOutlineW hands out into points of an outline.
+class OutlineWriter {
+ public:
+  OutlineWriter(GlyphOutline* outline, double capitalHeight, double middle)
+      : outline_(outline), unit_(capitalHeight), middle_(middle) {}
+
+  bool Add(const PointD& place) {
+    if (count_ == GlyphOutline::kMostPoints) return false;
+    const double x = (place.x - middle_) / unit_, y = 0.5 - place.y / unit_;
+    outline_->points[count_++] = {static_cast<float>(x), static_cast<float>(y)};
+    last_ = place;
+    return true;
+  }
+
+  // A curve from the last point by one or two control points.
+  bool AddCurve(const PointD& first, const PointD& second, const PointD& end) {
+    const PointD start = last_;
+    for (int i = 1; i <= kLinesPerCurve; ++i) {
+      const double t = static_cast<double>(i) / kLinesPerCurve, u = 1 - t;
+      const double a = u * u * u, b = 3 * u * u * t, c = 3 * u * t * t, d = t * t * t;
+      if (!Add({a * start.x + b * first.x + c * second.x + d * end.x,
+                a * start.y + b * first.y + c * second.y + d * end.y})) {
+        return false;
+      }
+    }
+    return true;
+  }
+  bool AddQuadratic(const PointD& control, const PointD& end) {
+    const auto towards = [&control](const PointD& from) {
+      return PointD{from.x + (control.x - from.x) * 2 / 3, from.y + (control.y - from.y) * 2 / 3};
+    };
+    return AddCurve(towards(last_), towards(end), end);
+  }
+
+  bool EndFigure() {
+    if (outline_->figures == GlyphOutline::kMostFigures) return false;
+    outline_->ends[outline_->figures++] = count_;
+    return true;
+  }
+
+ private:
+  GlyphOutline* outline_;
+  double unit_, middle_;
+  int count_ = 0;
+  PointD last_{};
+};
+
+PointD PlaceOf(const POINTFX& point) {
+  return {point.x.value + point.x.fract / 65536.0, point.y.value + point.y.fract / 65536.0};
+}
+
+bool AddPolyCurve(OutlineWriter& writer, const TTPOLYCURVE& curve) {
+  const auto place = [&curve](int i) { return PlaceOf(curve.apfx[i]); };
+  if (curve.wType == TT_PRIM_LINE) {
+    for (int i = 0; i < curve.cpfx; ++i) {
+      if (!writer.Add(place(i))) return false;
+    }
+  } else if (curve.wType == TT_PRIM_QSPLINE) {
+    // Between two control points the curve passes through the middle; the last point ends it.
+    for (int i = 0; i + 1 < curve.cpfx; ++i) {
+      const PointD control = place(i), next = place(i + 1);
+      const PointD middle{(control.x + next.x) / 2, (control.y + next.y) / 2};
+      if (!writer.AddQuadratic(control, i + 2 < curve.cpfx ? middle : next)) return false;
+    }
+  } else {
+    for (int i = 0; i + 2 < curve.cpfx; i += 3) {
+      if (!writer.AddCurve(place(i), place(i + 1), place(i + 2))) return false;
+    }
+  }
+  return true;
+}
+
+bool AddFigures(OutlineWriter& writer, const std::byte* data, size_t size) {
+  for (const std::byte* end = data + size; data < end;) {
+    const auto& header = *reinterpret_cast<const TTPOLYGONHEADER*>(data);
+    if (!writer.Add(PlaceOf(header.pfxStart))) return false;
+    const std::byte* figureEnd = data + header.cb;
+    for (data += sizeof(header); data < figureEnd;) {
+      const auto& curve = *reinterpret_cast<const TTPOLYCURVE*>(data);
+      if (!AddPolyCurve(writer, curve)) return false;
+      data += offsetof(TTPOLYCURVE, apfx) + curve.cpfx * sizeof(POINTFX);
+    }
+    if (!writer.EndFigure()) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+bool OutlineOfCharacter(const wchar_t* faceName, int weight, wchar_t character, GlyphOutline* outline) {
+  outline->figures = 0;
+  outline->advance = 0;
+  const MemoryDc dc(nullptr);
+  const OwnedFont font(CreateFontW(-kEmHeight, 0, 0, 0, weight, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
+                                   OUT_TT_ONLY_PRECIS, CLIP_DEFAULT_PRECIS, PROOF_QUALITY, VARIABLE_PITCH | FF_SWISS,
+                                   faceName));
+  const SelectedObject selected(dc, font);
+  const MAT2 identity{{0, 1}, {0, 0}, {0, 0}, {0, 1}};
+  GLYPHMETRICS capital{}, metrics{};
+  alignas(8) std::byte data[8192];
+  if (GetGlyphOutlineW(dc, L'H', GGO_METRICS, &capital, 0, nullptr, &identity) == GDI_ERROR ||
+      capital.gmptGlyphOrigin.y <= 0) {
+    return false;
+  }
+  const DWORD size = GetGlyphOutlineW(dc, character, GGO_NATIVE, &metrics, sizeof(data), data, &identity);
+  if (size == GDI_ERROR || size == 0 || size > sizeof(data)) return false;
+  const double unit = capital.gmptGlyphOrigin.y;
+  OutlineWriter writer(outline, unit, metrics.gmCellIncX / 2.0);
+  outline->advance = metrics.gmCellIncX / unit;
+  if (AddFigures(writer, data, size)) return true;
+  outline->figures = 0;
+  return false;
+}
+
+void FillGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD centre, double along, double height, double degrees,
+               const Paint& paint) {
+  const double radians = degrees * std::numbers::pi / 180, cosine = std::cos(radians), sine = std::sin(radians);
+  std::array<PointD, GlyphOutline::kMostPoints> places;
+  BeginShape(canvas);
+  for (int figure = 0, from = 0; figure < glyph.figures; from = glyph.ends[figure++]) {
+    for (int i = from; i < glyph.ends[figure]; ++i) {
+      const double x = glyph.points[i].x * height + along, y = glyph.points[i].y * height;
+      places[i] = {centre.x + x * cosine - y * sine, centre.y + x * sine + y * cosine};
+    }
+    canvas.shape().AddFigure({&places[from], static_cast<size_t>(glyph.ends[figure] - from)});
+  }
+  FillShape(canvas, paint);
+}
+
+}  // namespace kv

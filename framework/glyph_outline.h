@@ -1,0 +1,34 @@
+// Outlines of single characters: for letters that turn with what they stand on, which no font could follow smoothly.
+// Pure data once made, so any number of canvases on one thread may use them.
+#pragma once
+
+#include <windows.h>
+
+#include <array>
+
+#include "framework/canvas.h"
+
+namespace kv {
+
+// Closed figures in units of the capital letters' height, y downwards, the origin in the middle of the character's box
+// of capital height. Curves are flattened finely enough for letters of a hundred pixels.
+struct GlyphOutline {
+  static constexpr int kMostPoints = 320, kMostFigures = 8;
+  struct Point {
+    float x, y;
+  };
+  std::array<Point, kMostPoints> points;
+  std::array<int, kMostFigures> ends;  // behind the last point of each figure
+  int figures;
+  double advance;  // from this character to the next
+};
+
+// Reads the outline of a character in an outline font of this name. False, with an outline of no figures, when there is
+// none or it is too complicated to be held.
+bool OutlineOfCharacter(const wchar_t* faceName, int weight, wchar_t character, GlyphOutline* outline);
+
+// Draws an outline with its capitals `height` pixels tall, moved `along` its own base line and turned about `centre`.
+void FillGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD centre, double along, double height, double degrees,
+               const Paint& paint);
+
+}  // namespace kv
