@@ -21,9 +21,10 @@ def uniform(low, high):
 
 
 def polygon():
-    # Corners in the order of their angle: no edge crosses another. Some stand outside the picture.
-    angles = sorted(uniform(0, 2 * math.pi) for _ in range(random.randint(3, 9)))
-    return [c for a in angles for c in (30 + uniform(3, 45) * math.cos(a), 30 + uniform(3, 45) * math.sin(a))]
+    # Corners in the order of their angle, never half a turn apart: no edge crosses another. Some stand outside.
+    count = random.randint(4, 9)
+    angles = [(i + uniform(0, 0.9)) * 2 * math.pi / count for i in range(count)]
+    return [c for a in angles for r in [uniform(3, 45)] for c in (30 + r * math.cos(a), 30 + r * math.sin(a))]
 
 
 def thin():
@@ -66,6 +67,7 @@ def trace(context, kind, n, figures):
         context.translate(x, y)
         context.rotate(math.radians(degrees))
         for figure in figures:
+            context.new_sub_path()
             for px, py in zip(figure[::2], figure[1::2]):
                 context.line_to(px * height, py * height)
             context.close_path()

@@ -133,12 +133,17 @@ bool WriteSizeSheet(HWND parent, const std::string& folder, int size) {
 bool WriteShapeSheet(HWND parent, const std::string& folder) {
   constexpr SIZE kShapes[] = {{16, 16}, {24, 60}, {40, 200}, {80, 200}, {60, 22}, {120, 40}, {240, 60}, {300, 100}};
   int height = kGap;
-  for (const SIZE& shape : kShapes) height += shape.cy + kGap;
-  Sheet sheet(static_cast<int>(std::size(kSamples)) * (300 + kGap) + kGap, height);
+  for (const SIZE& shape : kShapes) height += (shape.cx > 120 ? 3 : 1) * (shape.cy + kGap);
+  const int columns = static_cast<int>(std::size(kSamples));
+  Sheet sheet(columns * (120 + kGap) + kGap, height);
   int top = kGap;
   for (const SIZE& shape : kShapes) {
     int left = kGap;
     for (const Sample& sample : kSamples) {
+      if (left + shape.cx > sheet.width) {
+        left = kGap;
+        top += shape.cy + kGap;
+      }
       sheet.Add(parent, sample, shape, kShown, left, top);
       left += shape.cx + kGap;
     }

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <new>
 
 #include "controls/instrument_centre_bar.h"
 #include "controls/instrument_compass.h"
@@ -59,36 +60,41 @@ void SetBlock(InstrumentRecord* record, const InstrumentBlock& block) {
   record->bRedraw = TRUE;
 }
 
+// Without a keep, memory being short, the control shows nothing and still keeps its values.
 void MakeBuffers(InstrumentRecord* record) {
   const SIZE size = ClientSize(record->hWnd);
   record->nWidth = size.cx;
   record->nHeight = size.cy;
-  record->hBuffer = CreateWindowBitmap(record->hWnd, size);
-  record->work.hFace = CreateWindowBitmap(record->hWnd, size);
   record->work.bFaceDrawn = FALSE;
   record->bRedraw = TRUE;
+  if (!record->work.keep) record->work.keep = new (std::nothrow) InstrumentKeep;
+  InstrumentKeep* keep = record->work.keep;
+  if (!keep) return;
+  const bool made = keep->buffer.Create(size) && keep->face.Create(size);
+  record->hBuffer = made ? keep->buffer.bitmap() : nullptr;
+  record->work.hFace = made ? keep->face.bitmap() : nullptr;
 }
 
 void DeleteBuffers(InstrumentRecord* record) {
-  for (HBITMAP* bitmap : {&record->hBuffer, &record->work.hFace}) {
-    if (*bitmap) DeleteObject(*bitmap);
-    *bitmap = nullptr;
-  }
+  delete record->work.keep;
+  record->work.keep = nullptr;
+  record->hBuffer = record->work.hFace = nullptr;
 }
 
 // ---- Drawing --------------------------------------------------------------------------------------------------------
 
 struct Layout {
   DrawLayer face, value;
+  ListParts parts;
 };
 
 Layout LayoutOf(DWORD mode) {
   switch (mode) {
-    case kModeDigital: return {DrawDigitalFace, DrawDigitalValue};
-    case kModeSegmentBar: return {DrawSegmentBarFace, DrawSegmentBarValue};
-    case kModeCompass: return {DrawCompassFace, DrawCompassValue};
-    case kModeCentreBar: return {DrawCentreBarFace, DrawCentreBarValue};
-    default: return {DrawGaugeFace, DrawGaugeValue};
+    case kModeDigital: return {DrawDigitalFace, DrawDigitalValue, ListDigitalParts};
+    case kModeSegmentBar: return {DrawSegmentBarFace, DrawSegmentBarValue, ListSegmentBarParts};
+    case kModeCompass: return {DrawCompassFace, DrawCompassValue, ListCompassParts};
+    case kModeCentreBar: return {DrawCentreBarFace, DrawCentreBarValue, ListCentreBarParts};
+    default: return {DrawGaugeFace, DrawGaugeValue, ListGaugeParts};
   }
 }
 
@@ -111,28 +117,46 @@ bool FaceIsCurrent(const InstrumentRecord& record, const InstrumentFaceKey& key)
   return record.work.bFaceDrawn && memcmp(&record.work.faceKey, &key, sizeof(key)) == 0;
 }
 
-void RenderFace(InstrumentRecord* record, HDC faceDc, const RECT& area, const InstrumentView& view) {
-  const InstrumentFaceKey key = FaceKeyOf(*record);
-  if (FaceIsCurrent(*record, key)) return;
-  LayoutOf(ModeOf(*record)).face(faceDc, area, view);
+void RenderFace(InstrumentRecord* record, const InstrumentFaceKey& key, const RECT& area, const InstrumentView& view) {
+  InstrumentKeep& keep = *record->work.keep;
+  Canvas canvas(keep.dc, keep.face, keep.shape);
+  LayoutOf(ModeOf(*record)).face(canvas, area, view);
   record->work.faceKey = key;
   record->work.bFaceDrawn = TRUE;
 }
 
-// Brings the back buffer up to date, if it is not.
+// Brings the back buffer up to date, if it is not, and invalidates what changed of it.
 void EnsureRendered(InstrumentRecord* record) {
-  if (!record->bRedraw && FaceIsCurrent(*record, FaceKeyOf(*record))) return;
+  const InstrumentFaceKey key = FaceKeyOf(*record);
+  const bool anew = !FaceIsCurrent(*record, key);
+  if (!record->bRedraw && !anew) return;
   record->bRedraw = FALSE;
-  if (!record->hBuffer || !record->work.hFace) return;
+  if (!record->hBuffer) return;
   ++record->work.renderings;
   if (ModeOf(*record) == kModeDigital) StoreShownText(record);
-  const InstrumentView view{record->block, record->dwStyle, record->time, record->szText};
+  InstrumentKeep& keep = *record->work.keep;
+  const InstrumentView view{record->block, record->dwStyle, record->time, record->szText, keep};
   const RECT area{0, 0, record->nWidth, record->nHeight};
-  const MemoryDc faceDc(nullptr), bufferDc(nullptr);
-  const SelectedObject face(faceDc, record->work.hFace), buffer(bufferDc, record->hBuffer);
-  RenderFace(record, faceDc, area, view);
-  BitBlt(bufferDc, 0, 0, area.right, area.bottom, faceDc, 0, 0, SRCCOPY);
-  LayoutOf(ModeOf(*record)).value(bufferDc, area, view);
+  const Layout layout = LayoutOf(ModeOf(*record));
+  if (anew) RenderFace(record, key, area, view);
+  const InstrumentParts before = keep.parts;
+  keep.parts.Clear();
+  layout.parts(keep.dc, area, view, &keep.parts);
+  Damage damage = DamageBetween(before, keep.parts, area);
+  if (anew) damage.Add(area);
+  for (const RECT& changed : damage) {
+    Canvas canvas(keep.dc, keep.buffer, keep.shape);
+    canvas.ClipTo(changed);
+    CopyFrom(canvas, keep.face);
+    layout.value(canvas, area, view);
+    InvalidateRect(record->hWnd, &changed, FALSE);
+  }
+}
+
+// Shows a change before returning; what did not change is not painted.
+void ShowNow(InstrumentRecord* record) {
+  EnsureRendered(record);
+  UpdateWindow(record->hWnd);
 }
 
 // ---- Commands -------------------------------------------------------------------------------------------------------
@@ -263,7 +287,7 @@ LRESULT OnCommand(InstrumentRecord* record, WPARAM wParam, LPARAM lParam) {
   if (!changed) return 0;
   TellValueChanged(record->hWnd);
   if (wParam & kCommandRedraw) {
-    RepaintNow(record->hWnd);
+    ShowNow(record);
   } else {
     InvalidateRect(record->hWnd, nullptr, FALSE);
   }
@@ -322,7 +346,6 @@ LRESULT OnDestroy(HWND window, InstrumentRecord* record) {
 }
 
 LRESULT OnSize(InstrumentRecord* record) {
-  DeleteBuffers(record);
   MakeBuffers(record);
   RepaintNow(record->hWnd);
   return 0;
@@ -344,13 +367,16 @@ LRESULT OnSetText(InstrumentRecord* record, const char* text) {
 }
 
 LRESULT OnPaint(HWND window, InstrumentRecord* record) {
+  // Before the paint begins: it then shows what this invalidates as well.
+  if (record) EnsureRendered(record);
   const PaintScope paint(window);
   if (!record) return kNoRecord;
-  EnsureRendered(record);
+  if (!record->hBuffer) return 0;
   const SIZE client = ClientSize(window);
-  if (record->hBuffer) {
-    ShowBitmap(paint.dc(), {0, 0, client.cx, client.cy}, record->hBuffer, {record->nWidth, record->nHeight});
-  }
+  HDC source = record->work.keep->dc;
+  const SelectedObject selected(source, record->hBuffer);
+  SetStretchBltMode(paint.dc(), COLORONCOLOR);
+  StretchBlt(paint.dc(), 0, 0, client.cx, client.cy, source, 0, 0, record->nWidth, record->nHeight, SRCCOPY);
   return 0;
 }
 
@@ -360,7 +386,7 @@ LRESULT OnTimer(InstrumentRecord* record, WPARAM timer) {
   if (step.moving) {
     record->block.current = step.current;
     record->bRedraw = TRUE;
-    RepaintNow(record->hWnd);
+    ShowNow(record);
   } else if (record->nCountdown == 0) {
     KillTimer(record->hWnd, kGlideTimer);
     record->bGliding = FALSE;

@@ -9,8 +9,9 @@
 //             compass takes degrees. A value is always clamped to the range.
 // Gliding     On request the control moves to a new value in steps of 20 ms: a tenth of the way each, while the way is
 //             at most a fifth of the range; a larger jump is shown at once.
-// Drawing     From 0 x 0 pixels up. The control renders into a back buffer, and only when something changed; painting
-//             copies it. New colours of the system show at the next paint.
+// Drawing     From 0 x 0 pixels up. The control renders into a back buffer, and only what changed: of a new value the
+//             needle, the digits, the segments that look different. Only that is invalidated; painting copies it. New
+//             colours of the system show at the next paint.
 // DPI         In a DPI-aware host: what is drawn grows with the control's pixels; nothing reads the dpi.
 // Messages    WM_ENABLE    draws disabled or enabled (style bit kInstrumentDisabled; not by WS_DISABLED).
 //             WM_SETTEXT   kept by the control (255 characters); the compass takes it as its name (31). The window's

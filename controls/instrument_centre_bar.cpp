@@ -25,27 +25,44 @@ CentreParts LayOutCentreBar(const RECT& area) {
   return parts;
 }
 
-void DrawBar(HDC dc, const RECT& bar, COLORREF color) {
+void DrawBar(Canvas& canvas, const RECT& bar, COLORREF color) {
   const COLORREF edge = ShadeColor(color, kBarEdge);
   RECT left = bar, right = bar;
   left.right = right.left = (bar.left + bar.right) / 2;
-  FillHorizontalGradient(dc, left, edge, color);
-  FillHorizontalGradient(dc, right, color, edge);
+  FillAreaAcross(canvas, left, edge, color);
+  FillAreaAcross(canvas, right, color, edge);
 }
 
-void DrawValue(HDC dc, const RECT& display, const InstrumentView& view, double deviation) {
+// Everything that depends on the value.
+struct CentreReading {
+  RECT display;  // within the frame; empty when nothing but the empty display is shown
+  double deviation;
+  RECT bar;
+  std::wstring text;
+  int characterWidth, height;  // of the text's font; 0 without room for it
+  RECT textPlace, textReach;   // where it stands, and the furthest that its font may stick out
+};
+
+CentreReading ReadCentreBar(const RECT& area, const InstrumentView& view) {
+  CentreReading result{};
+  // A control wider than tall shows its empty display only.
+  if (area.right - area.left > area.bottom - area.top) return result;
+  RECT& display = result.display = LayOutCentreBar(area).display;
+  InflateRect(&display, -kSunkenEdge, -kSunkenEdge);
+  if (IsRectEmpty(&display)) return result;
   const InstrumentReading reading = ReadingOf(view.block);
-  const std::wstring text = reading.valid
-                                ? FixedWidthNumber(reading.value, kValueWidth, view.block.format | kFormatSign)
-                                : std::wstring(L"---");
-  const int roomWidth = (display.right - display.left - 8) / (static_cast<int>(text.size()) + 1);
+  result.deviation = reading.valid ? CentreDeviation(reading) : 0;
+  result.bar = CentreBar(display, result.deviation);
+  result.text = reading.valid ? FixedWidthNumber(reading.value, kValueWidth, view.block.format | kFormatSign)
+                              : std::wstring(L"---");
+  const int roomWidth = (display.right - display.left - 8) / (static_cast<int>(result.text.size()) + 1);
   const int roomHeight = static_cast<int>(((display.bottom - display.top) / 2 - kValueGap) / 2.5);
-  const int characterWidth = std::min(roomWidth, roomHeight);
-  if (characterWidth < 1) return;
-  const int height = static_cast<int>(2.5 * characterWidth);
-  const OwnedFont font = CreateInstrumentFont(height, characterWidth, FW_BOLD);
-  DrawTextLine(dc, font, WithoutPadding(text), CentreValueBox(display, deviation, height),
-               ShownColor(view, RGB(255, 255, 255)), DT_CENTER | DT_NOCLIP);
+  result.characterWidth = std::max(0, std::min(roomWidth, roomHeight));
+  result.height = static_cast<int>(2.5 * result.characterWidth);
+  result.textPlace = CentreValueBox(display, result.deviation, result.height);
+  result.textReach = result.textPlace;
+  InflateRect(&result.textReach, 0, 2);
+  return result;
 }
 
 }  // namespace
@@ -67,28 +84,34 @@ RECT CentreValueBox(const RECT& display, double deviation, int height) {
   return {display.left, top, display.right, top + height};
 }
 
-void DrawCentreBarFace(HDC dc, const RECT& area, const InstrumentView& view) {
-  FillSolid(dc, area, GetSysColor(COLOR_BTNFACE));
+void DrawCentreBarFace(Canvas& canvas, const RECT& area, const InstrumentView& view) {
+  FillArea(canvas, area, GetSysColor(COLOR_BTNFACE));
   const CentreParts parts = LayOutCentreBar(area);
-  DrawCaption(dc, parts.caption, view, parts.captionFont, DT_CENTER);
-  DrawDisplayWell(dc, parts.display);
+  DrawCaption(canvas, parts.caption, view, parts.captionFont, DT_CENTER);
+  DrawDisplayWell(canvas, parts.display);
 }
 
-void DrawCentreBarValue(HDC dc, const RECT& area, const InstrumentView& view) {
-  // A control wider than tall shows its empty display only.
-  if (area.right - area.left > area.bottom - area.top) return;
-  RECT display = LayOutCentreBar(area).display;
-  InflateRect(&display, -kSunkenEdge, -kSunkenEdge);
-  if (IsRectEmpty(&display)) return;
-  const InstrumentReading reading = ReadingOf(view.block);
-  const double deviation = reading.valid ? CentreDeviation(reading) : 0;
-  DrawBar(dc, CentreBar(display, deviation), ShownColor(view, SeverityColor(deviation, 100)));
+void DrawCentreBarValue(Canvas& canvas, const RECT& area, const InstrumentView& view) {
+  const CentreReading shown = ReadCentreBar(area, view);
+  const RECT& display = shown.display;
+  RECT seen;
+  if (!IntersectRect(&seen, &display, &canvas.clip())) return;
+  DrawBar(canvas, shown.bar, ShownColor(view, SeverityColor(shown.deviation, 100)));
   const LONG centre = display.top + (display.bottom - display.top) / 2;
-  FillSolid(dc, {display.left, centre - 1, display.right, centre + 1}, ShownColor(view, RGB(255, 255, 255)));
-  const int saved = SaveDC(dc);
-  IntersectClipRect(dc, display.left, display.top, display.right, display.bottom);
-  DrawValue(dc, display, view, deviation);
-  RestoreDC(dc, saved);
+  const COLORREF white = ShownColor(view, RGB(255, 255, 255));
+  FillArea(canvas, {display.left, centre - 1, display.right, centre + 1}, white);
+  if (shown.characterWidth == 0 || canvas.Hides(shown.textReach)) return;
+  const RECT clip = canvas.clip();
+  canvas.ClipTo(seen);
+  DrawTextLine(canvas, view.keep.fonts.Get(shown.height, shown.characterWidth, FW_BOLD), WithoutPadding(shown.text),
+               shown.textPlace, white, DT_CENTER | DT_NOCLIP);
+  canvas.ClipTo(clip);
+}
+
+void ListCentreBarParts(HDC, const RECT& area, const InstrumentView& view, InstrumentParts* parts) {
+  const CentreReading shown = ReadCentreBar(area, view);
+  parts->Add(shown.bar, LookOf(shown.deviation));
+  parts->Add(shown.textReach, LookOf(shown.text));
 }
 
 }  // namespace kv

@@ -1,5 +1,5 @@
 // The centre-zero bar: how far the value lies above or below the middle of its range. The geometry is pure; drawing
-// takes a device context and a rectangle.
+// takes a canvas and a rectangle.
 #pragma once
 
 #include "controls/instrument_view.h"
@@ -15,7 +15,8 @@ RECT CentreBar(const RECT& display, double deviation);
 // Top and height of the value's text: 4 pixels from the centre line, on the side away from the bar.
 RECT CentreValueBox(const RECT& display, double deviation, int height);
 
-void DrawCentreBarFace(HDC dc, const RECT& area, const InstrumentView& view);
-void DrawCentreBarValue(HDC dc, const RECT& area, const InstrumentView& view);
+void DrawCentreBarFace(Canvas& canvas, const RECT& area, const InstrumentView& view);
+void DrawCentreBarValue(Canvas& canvas, const RECT& area, const InstrumentView& view);
+void ListCentreBarParts(HDC dc, const RECT& area, const InstrumentView& view, InstrumentParts* parts);
 
 }  // namespace kv

@@ -36,43 +36,25 @@ COLORREF NorthColor(const InstrumentView& view) {
   return ReadingOf(view.block).valid ? DisplayColor(view) : ColorsOf(view).ink;
 }
 
-struct CardGlyph {
-  wchar_t character;
-  GlyphOutline outline;
-  double advance;
-};
-
-// Outlines of the card's characters. They turn with the card at every step of it: as outlines they do so smoothly and
-// need no font for every angle.
-const CardGlyph& GlyphOf(wchar_t character) {
-  static const auto glyphs = [] {
-    constexpr wchar_t kCharacters[] = L"NESW0123456789";
-    std::array<CardGlyph, ARRAYSIZE(kCharacters) - 1> made;
-    for (size_t i = 0; i < made.size(); ++i) {
-      made[i].character = kCharacters[i];
-      made[i].outline = OutlineOfCharacter(kInstrumentFont, FW_BOLD, kCharacters[i], &made[i].advance);
-    }
-    return made;
-  }();
-  return *std::find_if(glyphs.begin(), glyphs.end() - 1,
-                       [character](const CardGlyph& glyph) { return glyph.character == character; });
-}
-
 // Writes along the tangent, upright when seen from the middle of the card.
-void DrawCardText(const Supersample& canvas, const Dial& dial, const wchar_t* text, int count, double radius,
+void DrawCardText(Canvas& canvas, const Dial& dial, InstrumentGlyphs& glyphs, const wchar_t* text, int count, double radius,
                   double height, double angle, COLORREF color) {
   double width = 0;
-  for (int i = 0; i < count; ++i) width += GlyphOf(text[i]).advance * height;
+  for (int i = 0; i < count; ++i) {
+    const GlyphOutline* glyph = glyphs.Get(text[i]);
+    if (!glyph) return;
+    width += glyph->advance * height;
+  }
   const PointD place = PolarPoint(dial.centre, radius * dial.faceRadius, angle);
   double along = -width / 2;
   for (int i = 0; i < count; ++i) {
-    const CardGlyph& glyph = GlyphOf(text[i]);
-    FillGlyph(canvas, glyph.outline, place, along + glyph.advance * height / 2, height, angle, color);
+    const GlyphOutline& glyph = *glyphs.Get(text[i]);
+    FillGlyph(canvas, glyph, place, along + glyph.advance * height / 2, height, angle, color);
     along += glyph.advance * height;
   }
 }
 
-void DrawZones(const Supersample& canvas, const Dial& dial, const InstrumentView& view, double heading) {
+void DrawZones(Canvas& canvas, const Dial& dial, const InstrumentView& view, double heading) {
   const double inner = std::min(kZoneInner * dial.faceRadius, kZoneOuter * dial.faceRadius - 1.5);
   for (int i = 0; i < kInstrumentZones; ++i) {
     if (!(view.block.state & ZoneEnabledBit(i))) continue;
@@ -85,7 +67,7 @@ void DrawZones(const Supersample& canvas, const Dial& dial, const InstrumentView
   }
 }
 
-void DrawMarks(const Supersample& canvas, const Dial& dial, const DialColors& colors, double heading) {
+void DrawMarks(Canvas& canvas, const Dial& dial, const DialColors& colors, double heading) {
   const double face = dial.faceRadius;
   for (int bearing = 0, spacing = MarkSpacing(face); bearing < 360; bearing += spacing) {
     const double angle = CardAngle(bearing, heading);
@@ -97,7 +79,7 @@ void DrawMarks(const Supersample& canvas, const Dial& dial, const DialColors& co
   }
 }
 
-void DrawLetters(const Supersample& canvas, const Dial& dial, const InstrumentView& view, double heading) {
+void DrawLetters(Canvas& canvas, const Dial& dial, const InstrumentView& view, double heading) {
   const double face = dial.faceRadius;
   const DialColors colors = ColorsOf(view);
   const CardLetters letters = LettersOf(face);
@@ -106,24 +88,25 @@ void DrawLetters(const Supersample& canvas, const Dial& dial, const InstrumentVi
     const bool north = direction.bearing == 0;
     if (height <= 0) continue;
     const COLORREF color = north ? NorthColor(view) : direction.count == 1 ? colors.ink : colors.faintInk;
-    DrawCardText(canvas, dial, direction.letters, direction.count, letters.radius, height,
+    DrawCardText(canvas, dial, view.keep.glyphs, direction.letters, direction.count, letters.radius, height,
                  CardAngle(direction.bearing, heading), color);
   }
 }
 
 // Tens of degrees, as on an aircraft's card; the cardinal directions have their letters further in.
-void DrawNumbers(const Supersample& canvas, const Dial& dial, const DialColors& colors, double heading) {
+void DrawNumbers(Canvas& canvas, const Dial& dial, const InstrumentView& view, double heading) {
+  const DialColors colors = ColorsOf(view);
   if (dial.faceRadius < kLeastFaceWithNumbers) return;
   for (int bearing = 0; bearing < 360; bearing += 30) {
     wchar_t text[8];
     FormatBounded(text, sizeof(text), L"%ld", static_cast<long>(bearing == 0 ? 36 : bearing / 10));
-    DrawCardText(canvas, dial, text, lstrlenW(text), kNumbers, dial.faceRadius * 0.095, CardAngle(bearing, heading),
-                 bearing % 90 == 0 ? colors.ink : colors.faintInk);
+    DrawCardText(canvas, dial, view.keep.glyphs, text, lstrlenW(text), kNumbers, dial.faceRadius * 0.095,
+                 CardAngle(bearing, heading), bearing % 90 == 0 ? colors.ink : colors.faintInk);
   }
 }
 
 // Eight rays, each with a light and a dark side, the cardinal ones longer and on top.
-void DrawRose(const Supersample& canvas, const Dial& dial, const InstrumentView& view, double heading) {
+void DrawRose(Canvas& canvas, const Dial& dial, const InstrumentView& view, double heading) {
   const double face = dial.faceRadius;
   if (face < kLeastFaceWithRose) return;
   const DialColors colors = ColorsOf(view);
@@ -147,7 +130,7 @@ void DrawRose(const Supersample& canvas, const Dial& dial, const InstrumentView&
 }
 
 // The fixed index at the top: where it points, the heading is read.
-void DrawIndex(const Supersample& canvas, const Dial& dial, const InstrumentView& view) {
+void DrawIndex(Canvas& canvas, const Dial& dial, const InstrumentView& view) {
   const double face = dial.faceRadius, half = std::max(3.0, face * 0.075);
   const double top = dial.centre.y - dial.radius + std::max(0.5, (dial.radius - face) * 0.3);
   const double tip = dial.centre.y - face * 0.82;
@@ -159,7 +142,12 @@ void DrawIndex(const Supersample& canvas, const Dial& dial, const InstrumentView
   FillPolygon(canvas, triangle(0), DisplayColor(view));
 }
 
-void DrawHeading(HDC dc, const Dial& dial, const InstrumentView& view) {
+double HeadingOf(const InstrumentView& view) {
+  const InstrumentReading reading = ReadingOf(view.block);
+  return reading.valid ? NormalHeading(reading.value) : 0;
+}
+
+void DrawHeading(Canvas& canvas, const Dial& dial, const InstrumentView& view) {
   const double face = dial.faceRadius;
   const InstrumentReading reading = ReadingOf(view.block);
   const DialColors colors = ColorsOf(view);
@@ -173,13 +161,14 @@ void DrawHeading(HDC dc, const Dial& dial, const InstrumentView& view) {
     return RECT{centre - half, std::lround(dial.centre.y + middle - height / 2), centre + half,
                 std::lround(dial.centre.y + middle + height / 2)};
   };
-  const OwnedFont font = CreateFittingFont(dc, text, std::max(10, static_cast<int>(face * 0.26)), 9, width, FW_BOLD);
-  DrawTextLine(dc, font, text, box(named ? -face * 0.035 : 0, face * 0.34), colors.ink, DT_CENTER | DT_NOCLIP);
+  InstrumentFonts& fonts = view.keep.fonts;
+  HFONT font = FittingFont(canvas.dc(), fonts, text, std::max(10, static_cast<int>(face * 0.26)), 9, width, FW_BOLD);
+  DrawTextLine(canvas, font, text, box(named ? -face * 0.035 : 0, face * 0.34), colors.ink, DT_CENTER | DT_NOCLIP);
   if (!named) return;
   const std::wstring name = InstrumentName(view.block);
-  const OwnedFont nameFont =
-      CreateFittingFont(dc, name, std::max(9, static_cast<int>(face * 0.11)), 9, width * 5 / 6, FW_NORMAL);
-  DrawTextLine(dc, nameFont, name, box(face * 0.14, face * 0.16), colors.faintInk, DT_CENTER);
+  HFONT nameFont =
+      FittingFont(canvas.dc(), fonts, name, std::max(9, static_cast<int>(face * 0.11)), 9, width * 5 / 6, FW_NORMAL);
+  DrawTextLine(canvas, nameFont, name, box(face * 0.14, face * 0.16), colors.faintInk, DT_CENTER);
 }
 
 }  // namespace
@@ -224,39 +213,38 @@ std::wstring HeadingText(double degrees, int places) {
   return text;
 }
 
-void DrawCompassFace(HDC dc, const RECT& area, const InstrumentView& view) {
-  FillSolid(dc, area, GetSysColor(COLOR_BTNFACE));
+void DrawCompassFace(Canvas& canvas, const RECT& area, const InstrumentView& view) {
+  FillArea(canvas, area, GetSysColor(COLOR_BTNFACE));
   const Dial dial = DialIn(area);
-  if (dial.radius <= 0) return;
-  const Supersample canvas(dc, area);
-  DrawDialCase(canvas, dial, ColorsOf(view));
+  if (dial.radius > 0) DrawDialCase(canvas, dial, ColorsOf(view));
 }
 
-void DrawCompassValue(HDC dc, const RECT& area, const InstrumentView& view) {
+void DrawCompassValue(Canvas& canvas, const RECT& area, const InstrumentView& view) {
   const Dial dial = DialIn(area);
   if (dial.radius <= 0) return;
   const InstrumentReading reading = ReadingOf(view.block);
-  const double heading = reading.valid ? NormalHeading(reading.value) : 0;
+  const double heading = HeadingOf(view);
   const DialColors colors = ColorsOf(view);
-  const int saved = SaveDC(dc);
-  IntersectClipRect(dc, area.left, area.top, area.right, area.bottom);
-  {
-    const PointD corners[] = {{dial.centre.x - dial.radius, dial.centre.y - dial.radius},
-                              {dial.centre.x + dial.radius, dial.centre.y + dial.radius}};
-    const Supersample canvas(dc, BoundsOf(corners, 1, area));
-    DrawZones(canvas, dial, view, heading);
-    DrawMarks(canvas, dial, colors, heading);
-    DrawNumbers(canvas, dial, colors, heading);
-    DrawLetters(canvas, dial, view, heading);
-    DrawRose(canvas, dial, view, heading);
-    if (dial.faceRadius >= kLeastFaceWithRose) {
-      FillDisc(canvas, dial.centre, dial.faceRadius * kHub * 1.05, colors.faceBottom);
-      FillGradientDisc(canvas, dial.centre, dial.faceRadius * kHub, colors.window, colors.faceTop);
-    }
-    if (reading.valid) DrawIndex(canvas, dial, view);
+  DrawZones(canvas, dial, view, heading);
+  DrawMarks(canvas, dial, colors, heading);
+  DrawNumbers(canvas, dial, view, heading);
+  DrawLetters(canvas, dial, view, heading);
+  DrawRose(canvas, dial, view, heading);
+  if (dial.faceRadius >= kLeastFaceWithRose) {
+    FillDisc(canvas, dial.centre, dial.faceRadius * kHub * 1.05, colors.faceBottom);
+    FillGradientDisc(canvas, dial.centre, dial.faceRadius * kHub, colors.window, colors.faceTop);
   }
-  if (dial.faceRadius >= kLeastFaceWithHeading) DrawHeading(dc, dial, view);
-  RestoreDC(dc, saved);
+  if (reading.valid) DrawIndex(canvas, dial, view);
+  if (dial.faceRadius >= kLeastFaceWithHeading) DrawHeading(canvas, dial, view);
+}
+
+void ListCompassParts(HDC, const RECT& area, const InstrumentView& view, InstrumentParts* parts) {
+  const Dial dial = DialIn(area);
+  if (dial.radius <= 0) return;
+  // The card turns as a whole; its zones reach furthest.
+  const PointD corners[] = {{dial.centre.x - dial.faceRadius, dial.centre.y - dial.radius},
+                            {dial.centre.x + dial.faceRadius, dial.centre.y + dial.faceRadius}};
+  parts->Add(BoundsOf(corners, 1, area), LookOf(HeadingOf(view)));
 }
 
 }  // namespace kv

@@ -1,5 +1,5 @@
 // The compass: a card with rose, marks and letters that turns under a fixed index, and the heading in its middle. The
-// geometry is pure; drawing takes a device context and a rectangle.
+// geometry is pure; drawing takes a canvas and a rectangle.
 #pragma once
 
 #include <array>
@@ -31,7 +31,8 @@ int MarkSpacing(double faceRadius);
 // Three digits before the point, as headings are spoken; what rounds up to 360 is 0.
 std::wstring HeadingText(double degrees, int places);
 
-void DrawCompassFace(HDC dc, const RECT& area, const InstrumentView& view);
-void DrawCompassValue(HDC dc, const RECT& area, const InstrumentView& view);
+void DrawCompassFace(Canvas& canvas, const RECT& area, const InstrumentView& view);
+void DrawCompassValue(Canvas& canvas, const RECT& area, const InstrumentView& view);
+void ListCompassParts(HDC dc, const RECT& area, const InstrumentView& view, InstrumentParts* parts);
 
 }  // namespace kv

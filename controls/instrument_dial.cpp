@@ -13,7 +13,7 @@ Dial DialIn(const RECT& area) {
   return {centre, radius, radius - std::max(1.25, radius * 0.07)};
 }
 
-void DrawDialCase(const Supersample& canvas, const Dial& dial, const DialColors& colors) {
+void DrawDialCase(Canvas& canvas, const Dial& dial, const DialColors& colors) {
   const double rim = dial.radius - dial.faceRadius;
   FillGradientDisc(canvas, dial.centre, dial.radius, colors.rimTop, colors.rimBottom);
   // The inner slope of the rim catches the light from the other side.

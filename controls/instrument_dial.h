@@ -2,7 +2,7 @@
 #pragma once
 
 #include "controls/instrument_view.h"
-#include "framework/supersample.h"
+#include "framework/canvas.h"
 
 namespace kv {
 
@@ -16,6 +16,6 @@ struct Dial {
 // The largest dial in the middle of the area; radius 0 when there is no room for one.
 Dial DialIn(const RECT& area);
 
-void DrawDialCase(const Supersample& canvas, const Dial& dial, const DialColors& colors);
+void DrawDialCase(Canvas& canvas, const Dial& dial, const DialColors& colors);
 
 }  // namespace kv

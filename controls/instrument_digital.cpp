@@ -28,17 +28,21 @@ DigitalParts LayOutDigital(const RECT& area, DWORD style) {
   return parts;
 }
 
-void DrawDigitalFace(HDC dc, const RECT& area, const InstrumentView& view) {
-  FillSolid(dc, area, GetSysColor(COLOR_BTNFACE));
+void DrawDigitalFace(Canvas& canvas, const RECT& area, const InstrumentView& view) {
+  FillArea(canvas, area, GetSysColor(COLOR_BTNFACE));
   const DigitalParts parts = LayOutDigital(area, view.style);
-  if (parts.captionHeight) DrawCaption(dc, parts.caption, view, parts.captionHeight, DT_CENTER);
-  DrawDisplayWell(dc, parts.display);
+  if (parts.captionHeight) DrawCaption(canvas, parts.caption, view, parts.captionHeight, DT_CENTER);
+  DrawDisplayWell(canvas, parts.display);
 }
 
-void DrawDigitalValue(HDC dc, const RECT& area, const InstrumentView& view) {
+void DrawDigitalValue(Canvas& canvas, const RECT& area, const InstrumentView& view) {
   const COLORREF color = DisplayColor(view);
-  DrawDigits(dc, DigitsWithin(LayOutDigital(area, view.style).display), view.text, view.style, color,
+  DrawDigits(canvas, DigitsWithin(LayOutDigital(area, view.style).display), view.text, view.style, color,
              ShadeColor(color, kUnlit));
+}
+
+void ListDigitalParts(HDC, const RECT& area, const InstrumentView& view, InstrumentParts* parts) {
+  ListDigits(DigitsWithin(LayOutDigital(area, view.style).display), view.text, view.style, parts);
 }
 
 }  // namespace kv

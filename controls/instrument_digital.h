@@ -1,5 +1,5 @@
-// The digital read-out: a caption over a black display with seven-segment characters. Drawing takes a device context
-// and a rectangle.
+// The digital read-out: a caption over a black display with seven-segment characters. Drawing takes a canvas and a
+// rectangle.
 #pragma once
 
 #include "controls/instrument_view.h"
@@ -13,7 +13,8 @@ struct DigitalParts {
 };
 DigitalParts LayOutDigital(const RECT& area, DWORD style);
 
-void DrawDigitalFace(HDC dc, const RECT& area, const InstrumentView& view);
-void DrawDigitalValue(HDC dc, const RECT& area, const InstrumentView& view);
+void DrawDigitalFace(Canvas& canvas, const RECT& area, const InstrumentView& view);
+void DrawDigitalValue(Canvas& canvas, const RECT& area, const InstrumentView& view);
+void ListDigitalParts(HDC dc, const RECT& area, const InstrumentView& view, InstrumentParts* parts);
 
 }  // namespace kv

@@ -68,7 +68,7 @@ class CellFrame {
 };
 
 // A bar with pointed ends from one node of the character to another, leaving a gap to its neighbours.
-std::vector<PointD> Bar(const CellFrame& frame, PointD from, PointD to, double thickness, double gap) {
+StrokeCorners Bar(const CellFrame& frame, PointD from, PointD to, double thickness, double gap) {
   const double half = thickness / 2;
   const bool level = from.y == to.y;
   const double dx = level ? 1 : 0, dy = level ? 0 : 1;
@@ -76,19 +76,20 @@ std::vector<PointD> Bar(const CellFrame& frame, PointD from, PointD to, double t
   const auto corner = [&](PointD end, double inwards, double aside) {
     return frame.At(end.x + dx * inwards + dy * aside, end.y + dy * inwards + dx * aside);
   };
-  return {corner(a, 0, 0), corner(a, half, -half), corner(b, -half, -half),
-          corner(b, 0, 0), corner(b, -half, half), corner(a, half, half)};
+  return {{corner(a, 0, 0), corner(a, half, -half), corner(b, -half, -half), corner(b, 0, 0), corner(b, -half, half),
+           corner(a, half, half)},
+          6};
 }
 
 // A slanting arm with level ends, thinner than a segment: two of them have to part within a character.
-std::vector<PointD> Arm(const CellFrame& frame, PointD from, PointD to, double thickness) {
+StrokeCorners Arm(const CellFrame& frame, PointD from, PointD to, double thickness) {
   const double half = thickness * 0.38;
-  return {frame.At(from.x - half, from.y), frame.At(from.x + half, from.y), frame.At(to.x + half, to.y),
-          frame.At(to.x - half, to.y)};
+  return {{frame.At(from.x - half, from.y), frame.At(from.x + half, from.y), frame.At(to.x + half, to.y),
+           frame.At(to.x - half, to.y)},
+          4};
 }
 
-void DrawSeparator(const Supersample& canvas, const DigitLayout& layout, int cell, Separator separator,
-                   COLORREF color) {
+void DrawSeparator(Canvas& canvas, const DigitLayout& layout, int cell, Separator separator, COLORREF color) {
   const CellFrame frame(layout, cell);
   const double height = layout.height, radius = layout.stroke * 0.62;
   const double x = layout.width + (layout.pitch - layout.width) / 2;
@@ -114,6 +115,14 @@ void DrawSeparator(const Supersample& canvas, const DigitLayout& layout, int cel
   }
 }
 
+// What a character with its separator may cover.
+RECT PlaceOfCell(const DigitLayout& layout, int cell, const RECT& limit) {
+  const double left = layout.left + layout.pitch * cell;
+  const PointD corners[] = {{left, layout.top},
+                            {left + layout.pitch + layout.height * kSlant, layout.top + layout.height}};
+  return BoundsOf(corners, 1 + layout.stroke, limit);
+}
+
 }  // namespace
 
 unsigned SegmentsOf(char character) {
@@ -124,16 +133,19 @@ unsigned SegmentsOf(char character) {
   return character == '-' ? kSegmentMiddle : character == '+' ? kSegmentMiddle | kStrokeUpright : 0;
 }
 
-std::vector<DigitCell> CellsOf(const char* text, DWORD style) {
-  std::vector<DigitCell> cells;
+DigitCells CellsOf(const char* text, DWORD style) {
+  DigitCells cells{};
+  const auto add = [&cells](unsigned segments) {
+    if (cells.count < kMostDigits) cells.cells[cells.count++] = {segments, Separator::kNone};
+  };
   int separators = 0;
   for (; *text; ++text) {
     if (*text != '.') {
-      cells.push_back({SegmentsOf(*text), Separator::kNone});
+      add(SegmentsOf(*text));
       continue;
     }
-    if (cells.empty() || cells.back().separator != Separator::kNone) cells.push_back({0, Separator::kNone});
-    cells.back().separator = SeparatorAt(style, separators++);
+    if (cells.count == 0 || cells.cells[cells.count - 1].separator != Separator::kNone) add(0);
+    cells.cells[cells.count - 1].separator = SeparatorAt(style, separators++);
   }
   return cells;
 }
@@ -163,7 +175,7 @@ DigitLayout LayOutDigits(const RECT& area, int cells) {
           .stroke = kStroke * digitHeight};
 }
 
-std::vector<PointD> CornersOf(const DigitLayout& layout, int cell, int stroke) {
+StrokeCorners CornersOf(const DigitLayout& layout, int cell, int stroke) {
   const CellFrame frame(layout, cell);
   const double t = layout.stroke, gap = std::max(layout.height * 0.012, 0.12);
   const double left = t / 2, right = layout.width - t / 2, centre = layout.width / 2;
@@ -198,23 +210,26 @@ std::vector<PointD> CornersOf(const DigitLayout& layout, int cell, int stroke) {
   }
 }
 
-void DrawDigits(HDC dc, const RECT& area, const char* text, DWORD style, COLORREF lit, COLORREF unlit) {
-  const std::vector<DigitCell> cells = CellsOf(text, style);
-  const int count = static_cast<int>(cells.size());
-  if (count == 0 || IsRectEmpty(&area)) return;
-  const DigitLayout layout = LayOutDigits(area, count);
-  const PointD corners[] = {{layout.left, layout.top},
-                            {layout.left + layout.pitch * count + layout.height * kSlant, layout.top + layout.height}};
-  const Supersample canvas(dc, BoundsOf(corners, 1, area));
-  const auto draw = [&](int cell, int stroke, COLORREF color) {
-    FillPolygon(canvas, CornersOf(layout, cell, stroke), color);
-  };
-  for (int cell = 0; cell < count; ++cell) {
+void DrawDigits(Canvas& canvas, const RECT& area, const char* text, DWORD style, COLORREF lit, COLORREF unlit) {
+  const DigitCells cells = CellsOf(text, style);
+  if (cells.count == 0 || IsRectEmpty(&area)) return;
+  const DigitLayout layout = LayOutDigits(area, cells.count);
+  for (int cell = 0; cell < cells.count; ++cell) {
+    if (canvas.Hides(PlaceOfCell(layout, cell, area))) continue;
     for (int stroke = 0; stroke < kAllStrokes; ++stroke) {
-      const bool isLit = (cells[cell].segments >> stroke) & 1;
-      if (isLit || stroke < kSevenSegments) draw(cell, stroke, isLit ? lit : unlit);
+      const bool isLit = (cells.cells[cell].segments >> stroke) & 1;
+      if (isLit || stroke < kSevenSegments) FillPolygon(canvas, CornersOf(layout, cell, stroke), isLit ? lit : unlit);
     }
-    DrawSeparator(canvas, layout, cell, cells[cell].separator, lit);
+    DrawSeparator(canvas, layout, cell, cells.cells[cell].separator, lit);
+  }
+}
+
+void ListDigits(const RECT& area, const char* text, DWORD style, InstrumentParts* parts) {
+  const DigitCells cells = CellsOf(text, style);
+  if (cells.count == 0 || IsRectEmpty(&area)) return;
+  const DigitLayout layout = LayOutDigits(area, cells.count);
+  for (int cell = 0; cell < cells.count; ++cell) {
+    parts->Add(PlaceOfCell(layout, cell, area), LookOf(cells.cells[cell]));
   }
 }
 

@@ -1,14 +1,14 @@
 // The digit painter: seven-segment characters, slanted, lit before unlit ones. The geometry is pure; drawing takes a
-// device context and a rectangle.
+// canvas and a rectangle.
 #pragma once
 
 #include <windows.h>
 
+#include <array>
 #include <span>
 #include <string>
-#include <vector>
 
-#include "framework/supersample.h"
+#include "controls/instrument_keep.h"
 
 namespace kv {
 
@@ -46,9 +46,16 @@ struct DigitCell {
 // (blank) for all others.
 unsigned SegmentsOf(char character);
 
-// The characters of a text; each '.' becomes the separator that `style` asks for in its place (kInstrumentShowTime ...)
-// behind the character before it, or behind a blank when there is none.
-std::vector<DigitCell> CellsOf(const char* text, DWORD style);
+// The characters of a text, of which at most kMostDigits are shown; each '.' becomes the separator that `style` asks
+// for in its place (kInstrumentShowTime ...) behind the character before it, or behind a blank when there is none.
+inline constexpr int kMostDigits = 32;
+struct DigitCells {
+  std::array<DigitCell, kMostDigits> cells;
+  int count;
+  const DigitCell* begin() const { return cells.data(); }
+  const DigitCell* end() const { return cells.data() + count; }
+};
+DigitCells CellsOf(const char* text, DWORD style);
 
 // The text as it is read out: without padding, with the signs that the separators stand for.
 std::wstring ReadableDigits(const char* text, DWORD style);
@@ -63,9 +70,18 @@ struct DigitLayout {
 DigitLayout LayOutDigits(const RECT& area, int cells);
 
 // Corners of a segment or stroke (bit number 0..kAllStrokes - 1) of the given cell.
-std::vector<PointD> CornersOf(const DigitLayout& layout, int cell, int stroke);
+struct StrokeCorners {
+  std::array<PointD, 6> corners;
+  int count;
+  const PointD& operator[](int i) const { return corners[i]; }
+  const PointD* begin() const { return corners.data(); }
+  const PointD* end() const { return corners.data() + count; }
+};
+StrokeCorners CornersOf(const DigitLayout& layout, int cell, int stroke);
 
 // Draws the text over what stands in the area; unlit segments have the colour `unlit`.
-void DrawDigits(HDC dc, const RECT& area, const char* text, DWORD style, COLORREF lit, COLORREF unlit);
+void DrawDigits(Canvas& canvas, const RECT& area, const char* text, DWORD style, COLORREF lit, COLORREF unlit);
+// The parts that DrawDigits shows: one for each character.
+void ListDigits(const RECT& area, const char* text, DWORD style, InstrumentParts* parts);
 
 }  // namespace kv

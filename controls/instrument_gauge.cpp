@@ -1,9 +1,8 @@
 #include "controls/instrument_gauge.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <functional>
-#include <vector>
 
 #include "controls/instrument_gauge_layout.h"
 #include "framework/angles.h"
@@ -24,28 +23,23 @@ RECT Widened(RECT box) {
   return box;
 }
 
-// Measures texts with the fonts of a device context.
+// Measures texts with the fonts of a control.
 struct TextMeasurer {
   HDC dc;
-  OwnedFont font = OwnedFont();
-  int height = 0, weight = 0;
+  InstrumentFonts& fonts;
 
-  SIZE operator()(const std::wstring& text, int wantedHeight, int wantedWeight) {
-    if (wantedHeight != height || wantedWeight != weight) {
-      font = CreateInstrumentFont(wantedHeight, 0, wantedWeight);
-      height = wantedHeight;
-      weight = wantedWeight;
-    }
-    return TextSize(dc, font, text);
+  SIZE operator()(const std::wstring& text, int height, int weight) const {
+    return TextSize(dc, fonts.Get(height, 0, weight), text);
   }
 };
 
-void DrawText(HDC dc, const GaugeText& text, COLORREF color) {
+void DrawText(Canvas& canvas, const InstrumentView& view, const GaugeText& text, COLORREF color) {
   if (text.height == 0) return;
-  DrawTextLine(dc, CreateInstrumentFont(text.height, 0, text.weight), text.text, Widened(text.box), color, DT_CENTER);
+  DrawTextLine(canvas, view.keep.fonts.Get(text.height, 0, text.weight), text.text, Widened(text.box), color,
+               DT_CENTER);
 }
 
-void DrawZones(const Supersample& canvas, const Dial& dial, const InstrumentView& view) {
+void DrawZones(Canvas& canvas, const Dial& dial, const InstrumentView& view) {
   const InstrumentReading reading = ReadingOf(view.block);
   const double inner = std::min(kZoneInner * dial.faceRadius, kZoneOuter * dial.faceRadius - 2);
   for (int i = 0; i < kInstrumentZones; ++i) {
@@ -63,7 +57,7 @@ int MinorParts(const GaugeScale& scale, double pixelsPerStep) {
   return pixelsPerStep / 2 >= 3 ? 2 : 1;
 }
 
-void DrawTicks(const Supersample& canvas, const Dial& dial, const InstrumentView& view, const GaugeScale& scale) {
+void DrawTicks(Canvas& canvas, const Dial& dial, const InstrumentView& view, const GaugeScale& scale) {
   const double face = dial.faceRadius, arc = Radians(kGaugeSweep) * face;
   const InstrumentReading reading = ReadingOf(view.block);
   const DialColors colors = ColorsOf(view);
@@ -81,13 +75,14 @@ void DrawTicks(const Supersample& canvas, const Dial& dial, const InstrumentView
   }
 }
 
-void DrawTexts(HDC dc, const GaugeLayout& layout, const DialColors& colors) {
-  for (const GaugeText& label : layout.labels) DrawText(dc, label, colors.ink);
-  DrawText(dc, layout.name, colors.faintInk);
-  DrawText(dc, layout.unit, colors.faintInk);
+void DrawTexts(Canvas& canvas, const GaugeLayout& layout, const InstrumentView& view) {
+  const DialColors colors = ColorsOf(view);
+  for (const GaugeText& label : layout.labels) DrawText(canvas, view, label, colors.ink);
+  DrawText(canvas, view, layout.name, colors.faintInk);
+  DrawText(canvas, view, layout.unit, colors.faintInk);
 }
 
-void DrawValueWindow(const Supersample& canvas, const Dial& dial, const DialColors& colors) {
+void DrawValueWindow(Canvas& canvas, const Dial& dial, const DialColors& colors) {
   const RECT box = GaugeValueBox(dial);
   const auto corner = [](LONG x, LONG y) { return PointD{static_cast<double>(x), static_cast<double>(y)}; };
   const PointD corners[] = {corner(box.left, box.top), corner(box.right, box.top), corner(box.right, box.bottom),
@@ -96,23 +91,45 @@ void DrawValueWindow(const Supersample& canvas, const Dial& dial, const DialColo
   FillLine(canvas, corner(box.left, box.bottom), corner(box.right, box.bottom), 1, colors.faceTop);
 }
 
-void DrawNeedle(HDC dc, const RECT& area, const Dial& dial, const InstrumentView& view) {
-  const double face = dial.faceRadius, hub = std::max(2.0, face * kHub);
-  const double angle = GaugeAngle(ReadingOf(view.block), ReadingOf(view.block).value);
-  const double root = std::max(1.6, face * 0.042), point = std::max(0.5, face * 0.006);
-  const PointD tip = PolarPoint(dial.centre, face * kNeedleTip, angle);
-  const PointD tail = PolarPoint(dial.centre, -face * kNeedleTail, angle);
-  const PointD ends[] = {
-      tip, tail, {dial.centre.x - hub, dial.centre.y - hub}, {dial.centre.x + hub, dial.centre.y + hub}};
-  const Supersample canvas(dc, BoundsOf(ends, root + 3, area));
-  const PointD across = PolarPoint({0, 0}, 1, angle + 90);
+// Where a needle stands, in pixels.
+struct Needle {
+  PointD tip, tail;
+  double angle, root, point, hub;
+};
+
+Needle NeedleOf(const Dial& dial, const InstrumentView& view) {
+  const double face = dial.faceRadius;
+  const InstrumentReading reading = ReadingOf(view.block);
+  const double angle = GaugeAngle(reading, reading.value);
+  return {.tip = PolarPoint(dial.centre, face * kNeedleTip, angle),
+          .tail = PolarPoint(dial.centre, -face * kNeedleTail, angle),
+          .angle = angle,
+          .root = std::max(1.6, face * 0.042),
+          .point = std::max(0.5, face * 0.006),
+          .hub = std::max(2.0, face * kHub)};
+}
+
+RECT BoundsOfNeedle(const Needle& needle, const Dial& dial, const RECT& limit) {
+  const PointD ends[] = {needle.tip,
+                         needle.tail,
+                         {dial.centre.x - needle.hub, dial.centre.y - needle.hub},
+                         {dial.centre.x + needle.hub, dial.centre.y + needle.hub}};
+  return BoundsOf(ends, needle.root + 3 + dial.faceRadius * 0.012, limit);
+}
+
+void DrawNeedle(Canvas& canvas, const RECT& area, const Dial& dial, const InstrumentView& view) {
+  const double face = dial.faceRadius;
+  const Needle needle = NeedleOf(dial, view);
+  if (canvas.Hides(BoundsOfNeedle(needle, dial, area))) return;
+  const auto [tip, tail, angle, root, point, hub] = needle;
+  const PointD across = PolarPoint({0, 0}, 1, angle + 90), centre = dial.centre;
   const auto beside = [&across](PointD place, double distance) {
     return PointD{place.x + across.x * distance, place.y + across.y * distance};
   };
   const auto outline = [&](double wider) {
-    return std::vector<PointD>{beside(tip, point + wider),         beside(dial.centre, root + wider),
-                               beside(tail, root * 0.75 + wider),  beside(tail, -root * 0.75 - wider),
-                               beside(dial.centre, -root - wider), beside(tip, -point - wider)};
+    const double half = needle.root + wider, tailHalf = needle.root * 0.75 + wider, tipHalf = needle.point + wider;
+    return std::array{beside(needle.tip, tipHalf),    beside(centre, half),  beside(needle.tail, tailHalf),
+                      beside(needle.tail, -tailHalf), beside(centre, -half), beside(needle.tip, -tipHalf)};
   };
   const COLORREF color = DisplayColor(view);
   // A dark edge lifts the needle off the labels; two tones make it a ridge.
@@ -127,30 +144,38 @@ void DrawNeedle(HDC dc, const RECT& area, const Dial& dial, const InstrumentView
 
 }  // namespace
 
-void DrawGaugeFace(HDC dc, const RECT& area, const InstrumentView& view) {
-  FillSolid(dc, area, GetSysColor(COLOR_BTNFACE));
-  TextMeasurer measurer{dc};
-  const GaugeLayout layout = LayOutGauge(area, view.block, std::ref(measurer));
+void DrawGaugeFace(Canvas& canvas, const RECT& area, const InstrumentView& view) {
+  FillArea(canvas, area, GetSysColor(COLOR_BTNFACE));
+  const GaugeLayout layout = LayOutGauge(area, view.block, TextMeasurer{canvas.dc(), view.keep.fonts});
   const Dial& dial = layout.dial;
   if (dial.radius <= 0) return;
-  {
-    const Supersample canvas(dc, area);
-    DrawDialCase(canvas, dial, ColorsOf(view));
-    DrawZones(canvas, dial, view);
-    DrawTicks(canvas, dial, view, layout.scale);
-    if (dial.faceRadius >= kLeastFaceWithWindow) DrawValueWindow(canvas, dial, ColorsOf(view));
-  }
-  DrawTexts(dc, layout, ColorsOf(view));
+  DrawDialCase(canvas, dial, ColorsOf(view));
+  DrawZones(canvas, dial, view);
+  DrawTicks(canvas, dial, view, layout.scale);
+  if (dial.faceRadius >= kLeastFaceWithWindow) DrawValueWindow(canvas, dial, ColorsOf(view));
+  DrawTexts(canvas, layout, view);
 }
 
-void DrawGaugeValue(HDC dc, const RECT& area, const InstrumentView& view) {
+void DrawGaugeValue(Canvas& canvas, const RECT& area, const InstrumentView& view) {
+  const Dial dial = DialIn(area);
+  if (dial.radius <= 0) return;
+  if (dial.faceRadius >= kLeastFaceWithValue && !canvas.Hides(Widened(GaugeValueBox(dial)))) {
+    DrawText(canvas, view, LayOutGaugeValue(dial, view.block, TextMeasurer{canvas.dc(), view.keep.fonts}),
+             ColorsOf(view).ink);
+  }
+  if (ReadingOf(view.block).valid) DrawNeedle(canvas, area, dial, view);
+}
+
+void ListGaugeParts(HDC dc, const RECT& area, const InstrumentView& view, InstrumentParts* parts) {
   const Dial dial = DialIn(area);
   if (dial.radius <= 0) return;
   if (dial.faceRadius >= kLeastFaceWithValue) {
-    TextMeasurer measurer{dc};
-    DrawText(dc, LayOutGaugeValue(dial, view.block, std::ref(measurer)), ColorsOf(view).ink);
+    const GaugeText text = LayOutGaugeValue(dial, view.block, TextMeasurer{dc, view.keep.fonts});
+    parts->Add(Widened(text.box), LookOf(text.text));
   }
-  if (ReadingOf(view.block).valid) DrawNeedle(dc, area, dial, view);
+  if (!ReadingOf(view.block).valid) return;
+  const Needle needle = NeedleOf(dial, view);
+  parts->Add(BoundsOfNeedle(needle, dial, area), LookOf(needle.angle));
 }
 
 }  // namespace kv

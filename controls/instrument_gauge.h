@@ -6,7 +6,8 @@
 
 namespace kv {
 
-void DrawGaugeFace(HDC dc, const RECT& area, const InstrumentView& view);
-void DrawGaugeValue(HDC dc, const RECT& area, const InstrumentView& view);
+void DrawGaugeFace(Canvas& canvas, const RECT& area, const InstrumentView& view);
+void DrawGaugeValue(Canvas& canvas, const RECT& area, const InstrumentView& view);
+void ListGaugeParts(HDC dc, const RECT& area, const InstrumentView& view, InstrumentParts* parts);
 
 }  // namespace kv

@@ -14,6 +14,8 @@ namespace kv {
 inline constexpr int kFaceColors[] = {COLOR_BTNFACE,     COLOR_BTNTEXT, COLOR_GRAYTEXT,   COLOR_3DSHADOW,
                                       COLOR_3DHIGHLIGHT, COLOR_3DLIGHT, COLOR_3DDKSHADOW, COLOR_WINDOWFRAME};
 
+struct InstrumentKeep;
+
 // All that a face depends on; compared byte by byte.
 struct InstrumentFaceKey {
   DWORD style;
@@ -25,11 +27,12 @@ static_assert(sizeof(InstrumentFaceKey) == 40 + sizeof(InstrumentBlock));
 
 // What the control keeps between two renderings.
 struct InstrumentWork {
-  HBITMAP hFace;    // picture of the face layer, of client size; belongs to the record
-  BOOL bFaceDrawn;  // the picture shows what the key says
+  InstrumentKeep* keep;  // owned; null when memory is short, and then nothing is rendered
+  HBITMAP hFace;         // picture of the face layer, of client size; belongs to `keep`, as hBuffer does
+  BOOL bFaceDrawn;       // the picture shows what the key says
   InstrumentFaceKey faceKey;
   DWORD renderings;  // how often the back buffer was rendered, wrapping
-  BYTE free[3536];
+  BYTE free[3532];
 };
 
 struct InstrumentRecord {
@@ -42,7 +45,7 @@ struct InstrumentRecord {
   BOOL bGliding;         // timer 5 runs
   LONG nCountdown;       // ticks until a glide that has arrived stops
   LONG nWidth, nHeight;  // of the back buffer, in pixels
-  HBITMAP hBuffer;       // null when the client area is empty
+  HBITMAP hBuffer;       // a top-down 32-bit section; null when the client area is empty
   InstrumentBlock block;
   float target;  // where the displayed value glides to
   SYSTEMTIME time;

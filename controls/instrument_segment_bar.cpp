@@ -67,30 +67,28 @@ COLORREF SegmentColor(const InstrumentView& view, double value) {
 }
 
 // A lit segment is a little rounded to the light: brighter in its middle, darker towards both sides.
-void DrawLitSegment(HDC dc, const RECT& place, COLORREF color, bool vertical) {
+void DrawLitSegment(Canvas& canvas, const RECT& place, COLORREF color, bool vertical) {
   const COLORREF edge = ShadeColor(color, 0.72);
   RECT first = place, second = place;
   if (vertical) {
     first.right = second.left = (place.left + place.right) / 2;
-    FillHorizontalGradient(dc, first, edge, color);
-    FillHorizontalGradient(dc, second, color, edge);
+    FillAreaAcross(canvas, first, edge, color);
+    FillAreaAcross(canvas, second, color, edge);
   } else {
     first.bottom = second.top = (place.top + place.bottom) / 2;
-    FillVerticalGradient(dc, first, edge, color);
-    FillVerticalGradient(dc, second, color, edge);
+    FillAreaDown(canvas, first, edge, color);
+    FillAreaDown(canvas, second, color, edge);
   }
 }
 
-void DrawMarker(HDC dc, const BarFrame& frame, double percent, COLORREF color) {
+void DrawMarker(Canvas& canvas, const BarFrame& frame, double percent, COLORREF color) {
   const double length = frame.Length();
   const double middle = std::clamp(length * percent / 100, 1.0, std::max(1.0, length - 1));
   const RECT line = frame.Place({middle - 1, middle + 1}, 0);
-  FillSolid(dc, line, color);
+  FillArea(canvas, line, color);
   // Two arrow heads point at the line from the sides.
   const double head = std::clamp(frame.Breadth() * 0.14, 2.0, 10.0);
   const double x = (line.left + line.right) / 2.0, y = (line.top + line.bottom) / 2.0;
-  const PointD corners[] = {{line.left + 0.0, line.top + 0.0}, {line.right + 0.0, line.bottom + 0.0}};
-  const Supersample canvas(dc, BoundsOf(corners, head + 1, frame.area));
   const RECT& area = frame.area;
   if (frame.vertical) {
     const PointD left[] = {{area.left + 0.0, y - head}, {area.left + head * 1.2, y}, {area.left + 0.0, y + head}};
@@ -109,8 +107,8 @@ void DrawMarker(HDC dc, const BarFrame& frame, double percent, COLORREF color) {
 // The number over the bar's bottom; without text when there is none to show.
 struct BarValue {
   std::wstring text;
-  int characterWidth, height;
-  RECT place;
+  int characterWidth, height, edge;  // edge: thickness of the black line around the characters
+  RECT place, reach;                 // reach: the furthest that its edges and shadow stick out
 };
 
 BarValue LayOutBarValue(const RECT& bar, const InstrumentView& view) {
@@ -122,40 +120,86 @@ BarValue LayOutBarValue(const RECT& bar, const InstrumentView& view) {
       reading.valid ? FixedWidthNumber(reading.value, NumberWidth(block), block.format) : NoValueNumber(block);
   const int characterWidth = (bar.right - bar.left) / (static_cast<int>(text.size()) + 2) - 1;
   if (characterWidth < 1) return {};
-  const int height = static_cast<int>(2.5 * characterWidth);
-  return {WithoutPadding(text), characterWidth, height, {bar.left, bar.bottom - height - 2, bar.right, bar.bottom - 2}};
+  const int height = static_cast<int>(2.5 * characterWidth), edge = std::clamp(height / 20, 1, 4);
+  const RECT place{bar.left, bar.bottom - height - 2, bar.right, bar.bottom - 2};
+  RECT reach = place;
+  InflateRect(&reach, edge + 3, edge + 3);
+  return {WithoutPadding(text), characterWidth, height, edge, place, reach};
 }
 
-void DrawSegments(HDC dc, const BarFrame& frame, const InstrumentView& view, int count, const BarValue& number) {
+// All of the bar that depends on the value.
+struct BarReading {
+  BarFrame frame;
+  int count, lit;  // segments
+  BarValue number;
+};
+
+BarReading ReadBar(const RECT& area, const InstrumentView& view) {
+  const int count = SegmentCount(view.block, view.style);
+  BarReading bar{
+      {BarWithin(LayOutBar(area, view.style).display), IsVerticalBar(area), count < 0}, std::abs(count), 0, {}};
   const InstrumentReading reading = ReadingOf(view.block);
-  const int lit = reading.valid ? LitSegments(FractionOf(reading, reading.value) * 100, count) : 0;
+  if (reading.valid) bar.lit = LitSegments(FractionOf(reading, reading.value) * 100, bar.count);
+  if (bar.frame.vertical && !IsRectEmpty(&bar.frame.area)) bar.number = LayOutBarValue(bar.frame.area, view);
+  return bar;
+}
+
+RECT SegmentPlace(const BarFrame& frame, int count, int index) {
   const LONG margin = frame.Breadth() < kNarrow ? kNarrowMargin : kSideMargin;
   const double lead = 1;  // keeps the first and last segment off the frame
-  for (int i = 0; i < count; ++i) {
-    const BarSpan span = SegmentSpan(frame.Length() - 2 * lead, count, i);
-    const RECT place = frame.Place({span.from + lead, span.to + lead}, margin);
-    const double value = reading.minimum + (reading.maximum - reading.minimum) * (i + 0.5) / count;
+  const BarSpan span = SegmentSpan(frame.Length() - 2 * lead, count, index);
+  return frame.Place({span.from + lead, span.to + lead}, margin);
+}
+
+bool IsBehindNumber(const BarReading& bar, const RECT& segment) {
+  RECT behind;
+  return !bar.number.text.empty() && IntersectRect(&behind, &segment, &bar.number.place);
+}
+
+void DrawSegments(Canvas& canvas, const BarReading& bar, const InstrumentView& view) {
+  const InstrumentReading reading = ReadingOf(view.block);
+  for (int i = 0; i < bar.count; ++i) {
+    const RECT place = SegmentPlace(bar.frame, bar.count, i);
+    if (canvas.Hides(place)) continue;
+    const double value = reading.minimum + (reading.maximum - reading.minimum) * (i + 0.5) / bar.count;
     const COLORREF color = SegmentColor(view, value);
-    if (i < lit) {
-      RECT behind{};
-      const bool dimmed = !number.text.empty() && IntersectRect(&behind, &place, &number.place);
-      DrawLitSegment(dc, place, dimmed ? ShadeColor(color, kBehindNumber) : color, frame.vertical);
+    if (i < bar.lit) {
+      DrawLitSegment(canvas, place, IsBehindNumber(bar, place) ? ShadeColor(color, kBehindNumber) : color,
+                     bar.frame.vertical);
     } else {
-      FillSolid(dc, place, ShadeColor(color, kUnlit));
+      FillArea(canvas, place, ShadeColor(color, kUnlit));
     }
   }
 }
 
-void DrawBarValue(HDC dc, const BarValue& value, const InstrumentView& view) {
-  if (value.text.empty()) return;
-  const OwnedFont font = CreateInstrumentFont(value.height, value.characterWidth, FW_SEMIBOLD);
-  const auto write = [&](int x, int y, COLORREF color) {
-    RECT moved = value.place;
-    OffsetRect(&moved, x, y);
-    DrawTextLine(dc, font, value.text, moved, color, DT_CENTER | DT_NOCLIP);
+// From a character to the next in heights of a capital; what the font has no outline for stays blank.
+double AdvanceOf(const InstrumentView& view, wchar_t character) {
+  const GlyphOutline* glyph = view.keep.glyphs.Get(character);
+  return glyph ? glyph->advance : 0.8;
+}
+
+// Writes the number by its outlines: the same shapes a dozen times, which GDI would work out anew each time.
+void DrawBarValue(Canvas& canvas, const BarValue& value, const InstrumentView& view) {
+  if (value.text.empty() || canvas.Hides(value.reach)) return;
+  // Where a font of this cell height has its capitals, and how wide it is by nature.
+  constexpr double kCapitalHeight = 0.65, kCapitalMiddle = 0.485, kDigitWidth = 0.775;
+  const double capital = value.height * kCapitalHeight, stretch = value.characterWidth / (capital * kDigitWidth);
+  const PointD middle{(value.place.left + value.place.right) / 2.0, value.place.top + value.height * kCapitalMiddle};
+  double width = 0;
+  for (const wchar_t character : value.text) width += AdvanceOf(view, character);
+  const auto write = [&](double x, double y, COLORREF color) {
+    double along = -width / 2;
+    for (const wchar_t character : value.text) {
+      const double advance = AdvanceOf(view, character);
+      const GlyphOutline* glyph = view.keep.glyphs.Get(character);
+      const PointD place{middle.x + x, middle.y + y};
+      const double at = (along + advance / 2) * capital * stretch;
+      if (glyph) FillGlyph(canvas, *glyph, place, at, capital, 0, color, stretch);
+      along += advance;
+    }
   };
   // Number and lit segments have one colour: a black edge keeps them apart.
-  const int edge = std::clamp(value.height / 20, 1, 4);
+  const int edge = value.edge;
   for (int x = -edge; x <= edge; x += edge) {
     for (int y = -edge; y <= edge; y += edge) write(x - 1, y - 1, RGB(0, 0, 0));
   }
@@ -192,24 +236,35 @@ bool IsVerticalBar(const RECT& area) {
   return area.right - area.left <= area.bottom - area.top;
 }
 
-void DrawSegmentBarFace(HDC dc, const RECT& area, const InstrumentView& view) {
-  FillSolid(dc, area, GetSysColor(COLOR_BTNFACE));
+void DrawSegmentBarFace(Canvas& canvas, const RECT& area, const InstrumentView& view) {
+  FillArea(canvas, area, GetSysColor(COLOR_BTNFACE));
   const BarParts parts = LayOutBar(area, view.style);
   if (parts.captionFont) {
-    DrawCaption(dc, parts.caption, view, parts.captionFont, IsVerticalBar(area) ? DT_RIGHT : DT_CENTER);
+    DrawCaption(canvas, parts.caption, view, parts.captionFont, IsVerticalBar(area) ? DT_RIGHT : DT_CENTER);
   }
-  DrawDisplayWell(dc, parts.display);
+  DrawDisplayWell(canvas, parts.display);
 }
 
-void DrawSegmentBarValue(HDC dc, const RECT& area, const InstrumentView& view) {
-  const BarFrame frame{BarWithin(LayOutBar(area, view.style).display), IsVerticalBar(area),
-                       SegmentCount(view.block, view.style) < 0};
-  if (IsRectEmpty(&frame.area)) return;
-  const BarValue number = frame.vertical ? LayOutBarValue(frame.area, view) : BarValue{};
-  DrawSegments(dc, frame, view, std::abs(SegmentCount(view.block, view.style)), number);
+void DrawSegmentBarValue(Canvas& canvas, const RECT& area, const InstrumentView& view) {
+  const BarReading bar = ReadBar(area, view);
+  const RECT clip = canvas.clip();
+  RECT seen;
+  if (!IntersectRect(&seen, &bar.frame.area, &clip)) return;
+  canvas.ClipTo(seen);
+  DrawSegments(canvas, bar, view);
   const double marker = MarkerPercent(view.block);
-  if (marker != kNoMarker) DrawMarker(dc, frame, marker, ShownColor(view, RGB(255, 255, 255)));
-  DrawBarValue(dc, number, view);
+  if (marker != kNoMarker) DrawMarker(canvas, bar.frame, marker, ShownColor(view, RGB(255, 255, 255)));
+  DrawBarValue(canvas, bar.number, view);
+  canvas.ClipTo(clip);
+}
+
+void ListSegmentBarParts(HDC, const RECT& area, const InstrumentView& view, InstrumentParts* parts) {
+  const BarReading bar = ReadBar(area, view);
+  for (int i = 0; i < bar.count; ++i) {
+    const RECT place = SegmentPlace(bar.frame, bar.count, i);
+    parts->Add(place, i < bar.lit ? (IsBehindNumber(bar, place) ? 2 : 1) : 0);
+  }
+  parts->Add(bar.number.reach, LookOf(bar.number.text));
 }
 
 }  // namespace kv

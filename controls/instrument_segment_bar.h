@@ -1,9 +1,8 @@
 // The segment bar: a row of lit and unlit segments, with a marker at the first zone's lower bound. The geometry is
-// pure; drawing takes a device context and a rectangle.
+// pure; drawing takes a canvas and a rectangle.
 #pragma once
 
 #include "controls/instrument_view.h"
-#include "framework/supersample.h"
 
 namespace kv {
 
@@ -26,7 +25,8 @@ BarSpan SegmentSpan(double length, int count, int index);
 
 bool IsVerticalBar(const RECT& area);
 
-void DrawSegmentBarFace(HDC dc, const RECT& area, const InstrumentView& view);
-void DrawSegmentBarValue(HDC dc, const RECT& area, const InstrumentView& view);
+void DrawSegmentBarFace(Canvas& canvas, const RECT& area, const InstrumentView& view);
+void DrawSegmentBarValue(Canvas& canvas, const RECT& area, const InstrumentView& view);
+void ListSegmentBarParts(HDC dc, const RECT& area, const InstrumentView& view, InstrumentParts* parts);
 
 }  // namespace kv

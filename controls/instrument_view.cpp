@@ -34,12 +34,6 @@ COLORREF ShownColor(const InstrumentView& view, COLORREF color) {
   return RGB(grey, grey, grey);
 }
 
-OwnedFont CreateInstrumentFont(int height, int width, int weight) {
-  return OwnedFont(CreateFontW(std::max(height, 1), std::max(width, 0), 0, 0, weight, FALSE, FALSE, FALSE,
-                               DEFAULT_CHARSET, OUT_TT_PRECIS, CLIP_DEFAULT_PRECIS, PROOF_QUALITY,
-                               VARIABLE_PITCH | FF_SWISS, kInstrumentFont));
-}
-
 SIZE TextSize(HDC dc, HFONT font, const std::wstring& text) {
   const SelectedObject selected(dc, font);
   SIZE size{};
@@ -47,41 +41,47 @@ SIZE TextSize(HDC dc, HFONT font, const std::wstring& text) {
   return size;
 }
 
-void DrawTextLine(HDC dc, HFONT font, const std::wstring& text, RECT area, COLORREF color, UINT align) {
+void DrawTextLine(Canvas& canvas, HFONT font, const std::wstring& text, RECT area, COLORREF color, UINT align) {
+  if (!(align & DT_NOCLIP) && canvas.Hides(area)) return;
+  HDC dc = canvas.dc();
   const SelectedObject selected(dc, font);
-  const int oldMode = SetBkMode(dc, TRANSPARENT);
-  const COLORREF oldColor = SetTextColor(dc, color);
+  SetBkMode(dc, TRANSPARENT);
+  SetTextColor(dc, color);
   DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &area,
             align | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
-  SetTextColor(dc, oldColor);
-  SetBkMode(dc, oldMode);
 }
 
-OwnedFont CreateFittingFont(HDC dc, const std::wstring& text, int height, int least, int width, int weight) {
-  OwnedFont font = CreateInstrumentFont(std::max(height, least), 0, weight);
+HFONT FittingFont(HDC dc, InstrumentFonts& fonts, const std::wstring& text, int height, int least, int width,
+                  int weight) {
+  height = std::max(height, least);
+  HFONT font = fonts.Get(height, 0, weight);
   while (height > least) {
     const int taken = TextSize(dc, font, text).cx;
     if (taken <= width) break;
     height = std::clamp(MulDiv(height, std::max(width, 1), taken), least, height - 1);
-    font = CreateInstrumentFont(height, 0, weight);
+    font = fonts.Get(height, 0, weight);
   }
   return font;
+}
+
+DWORD LookOf(const std::wstring& text) {
+  return LookOf(text.data(), text.size() * sizeof(wchar_t));
 }
 
 int CaptionFontHeight(int governingSide) {
   return governingSide < 32 ? 9 : 14;
 }
 
-void DrawCaption(HDC dc, const RECT& strip, const InstrumentView& view, int fontHeight, UINT align) {
-  const OwnedFont font = CreateInstrumentFont(fontHeight, static_cast<int>(fontHeight / 2.5), FW_NORMAL);
-  DrawTextLine(dc, font, InstrumentName(view.block), strip,
-               GetSysColor(IsDisabled(view) ? COLOR_GRAYTEXT : COLOR_BTNTEXT), align);
+void DrawCaption(Canvas& canvas, const RECT& strip, const InstrumentView& view, int fontHeight, UINT align) {
+  DrawTextLine(canvas, view.keep.fonts.Get(fontHeight, static_cast<int>(fontHeight / 2.5), FW_NORMAL),
+               InstrumentName(view.block), strip, GetSysColor(IsDisabled(view) ? COLOR_GRAYTEXT : COLOR_BTNTEXT),
+               align);
 }
 
-RECT DrawDisplayWell(HDC dc, RECT area) {
+RECT DrawDisplayWell(Canvas& canvas, RECT area) {
   if (IsRectEmpty(&area)) return area;
-  DrawSunkenFrame(dc, &area);
-  FillSolid(dc, area, RGB(0, 0, 0));
+  DrawSunkenFrame(canvas.dc(), &area);
+  FillArea(canvas, area, RGB(0, 0, 0));
   return area;
 }
 

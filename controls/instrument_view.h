@@ -1,8 +1,8 @@
 // What the layouts of the display instrument share: what they are given, their colours and their text.
 //
 // Every layout draws in two layers. The face is what stays while the value changes (panel, caption, dial, scale); the
-// control keeps it as a picture. The value layer is drawn over a copy of the face and reads the current value. Main
-// thread only.
+// control keeps it as a picture. The value layer is drawn over a copy of the face and reads the current value; its
+// parts tell where two values look different, so that only there it is drawn anew. The thread that owns the control.
 #pragma once
 
 #include <windows.h>
@@ -10,7 +10,8 @@
 #include <string>
 
 #include "controls/instrument_block.h"
-#include "framework/guards.h"
+#include "controls/instrument_keep.h"
+#include "framework/canvas.h"
 
 namespace kv {
 
@@ -18,10 +19,13 @@ struct InstrumentView {
   const InstrumentBlock& block;
   DWORD style;
   const SYSTEMTIME& time;
-  const char* text;  // digital read-out: what it shows
+  const char* text;      // digital read-out: what it shows
+  InstrumentKeep& keep;  // fonts and outlines
 };
 
-using DrawLayer = void (*)(HDC dc, const RECT& area, const InstrumentView& view);
+// Draws within the canvas's clip; whatever the clip, each pixel comes out the same.
+using DrawLayer = void (*)(Canvas& canvas, const RECT& area, const InstrumentView& view);
+using ListParts = void (*)(HDC dc, const RECT& area, const InstrumentView& view, InstrumentParts* parts);
 
 inline bool IsDisabled(const InstrumentView& view) {
   return (view.style & kInstrumentDisabled) != 0;
@@ -46,20 +50,20 @@ inline constexpr double kUnlit = 0.2;
 
 inline constexpr wchar_t kInstrumentFont[] = L"Arial Unicode MS";
 
-// The instruments' font. `height` is that of the character cell; width 0 is the font's own.
-OwnedFont CreateInstrumentFont(int height, int width, int weight);
-
 SIZE TextSize(HDC dc, HFONT font, const std::wstring& text);
 // One line, transparent, vertically centred; `align` is DT_LEFT, DT_CENTER or DT_RIGHT. What does not fit ends in dots.
-void DrawTextLine(HDC dc, HFONT font, const std::wstring& text, RECT area, COLORREF color, UINT align);
+// With DT_NOCLIP a text may reach out of the area.
+void DrawTextLine(Canvas& canvas, HFONT font, const std::wstring& text, RECT area, COLORREF color, UINT align);
 // The largest font of at most `height` in which the text fits into `width`, but not below `least`.
-OwnedFont CreateFittingFont(HDC dc, const std::wstring& text, int height, int least, int width, int weight);
+HFONT FittingFont(HDC dc, InstrumentFonts& fonts, const std::wstring& text, int height, int least, int width,
+                  int weight);
+DWORD LookOf(const std::wstring& text);
 
 // Captions of the rectangular layouts: the block's name in the system's text colour.
 int CaptionFontHeight(int governingSide);
-void DrawCaption(HDC dc, const RECT& strip, const InstrumentView& view, int fontHeight, UINT align);
+void DrawCaption(Canvas& canvas, const RECT& strip, const InstrumentView& view, int fontHeight, UINT align);
 
 // A sunken frame around a black display; returns what lies within the frame.
-RECT DrawDisplayWell(HDC dc, RECT area);
+RECT DrawDisplayWell(Canvas& canvas, RECT area);
 
 }  // namespace kv

@@ -94,14 +94,23 @@ Canvas::Canvas(HDC dc, const Surface& surface, CoverageShape& shape)
 
 Canvas::~Canvas() {
   FinishGdi();
-  SelectClipRgn(dc_, nullptr);
+  if (gdiIsClipped_) SelectClipRgn(dc_, nullptr);
+}
+
+HDC Canvas::dc() {
+  if (!gdiKnowsClip_) {
+    if (gdiIsClipped_) SelectClipRgn(dc_, nullptr);
+    IntersectClipRect(dc_, clip_.left, clip_.top, clip_.right, clip_.bottom);
+    gdiKnowsClip_ = gdiIsClipped_ = true;
+  }
+  gdiDrew_ = true;
+  return dc_;
 }
 
 void Canvas::ClipTo(const RECT& area) {
   const RECT whole{0, 0, surface_.size().cx, surface_.size().cy};
   if (!IntersectRect(&clip_, &whole, &area)) clip_ = {};
-  SelectClipRgn(dc_, nullptr);
-  IntersectClipRect(dc_, clip_.left, clip_.top, clip_.right, clip_.bottom);
+  gdiKnowsClip_ = false;
 }
 
 bool Canvas::Hides(const RECT& area) const {

@@ -46,10 +46,7 @@ class Canvas {
   Canvas& operator=(const Canvas&) = delete;
 
   // For drawing with GDI. What GDI draws is finished before the next shape.
-  HDC dc() {
-    gdiDrew_ = true;
-    return dc_;
-  }
+  HDC dc();
   // Confines all drawing, GDI's too, to this part of the picture.
   void ClipTo(const RECT& area);
   const RECT& clip() const { return clip_; }
@@ -67,7 +64,8 @@ class Canvas {
   CoverageShape& shape_;
   SelectedObject selected_;
   RECT clip_;
-  bool gdiDrew_ = true;
+  bool gdiDrew_ = true;  // whoever had the picture before may have
+  bool gdiKnowsClip_ = true, gdiIsClipped_ = false;
 };
 
 // What a shape is filled with: one colour, or two blended from one height to another.

@@ -8,8 +8,8 @@ namespace kv {
 
 namespace {
 
-constexpr int kEmHeight = 1024;  // large enough that rounding vanishes
-constexpr int kLinesPerCurve = 6;
+constexpr int kEmHeight = 1024;                            // large enough that rounding vanishes
+constexpr int kLinesPerQuadratic = 4, kLinesPerCubic = 8;  // fonts use more quadratic curves, and shorter ones
 
 // Turns what GetGlyphOutlineW hands out into points of an outline.
 class OutlineWriter {
@@ -26,10 +26,10 @@ class OutlineWriter {
   }
 
   // A curve from the last point by one or two control points.
-  bool AddCurve(const PointD& first, const PointD& second, const PointD& end) {
+  bool AddCurve(const PointD& first, const PointD& second, const PointD& end, int lines) {
     const PointD start = last_;
-    for (int i = 1; i <= kLinesPerCurve; ++i) {
-      const double t = static_cast<double>(i) / kLinesPerCurve, u = 1 - t;
+    for (int i = 1; i <= lines; ++i) {
+      const double t = static_cast<double>(i) / lines, u = 1 - t;
       const double a = u * u * u, b = 3 * u * u * t, c = 3 * u * t * t, d = t * t * t;
       if (!Add({a * start.x + b * first.x + c * second.x + d * end.x,
                 a * start.y + b * first.y + c * second.y + d * end.y})) {
@@ -42,7 +42,7 @@ class OutlineWriter {
     const auto towards = [&control](const PointD& from) {
       return PointD{from.x + (control.x - from.x) * 2 / 3, from.y + (control.y - from.y) * 2 / 3};
     };
-    return AddCurve(towards(last_), towards(end), end);
+    return AddCurve(towards(last_), towards(end), end, kLinesPerQuadratic);
   }
 
   bool EndFigure() {
@@ -77,7 +77,7 @@ bool AddPolyCurve(OutlineWriter& writer, const TTPOLYCURVE& curve) {
     }
   } else {
     for (int i = 0; i + 2 < curve.cpfx; i += 3) {
-      if (!writer.AddCurve(place(i), place(i + 1), place(i + 2))) return false;
+      if (!writer.AddCurve(place(i), place(i + 1), place(i + 2), kLinesPerCubic)) return false;
     }
   }
   return true;
@@ -126,13 +126,13 @@ bool OutlineOfCharacter(const wchar_t* faceName, int weight, wchar_t character, 
 }
 
 void FillGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD centre, double along, double height, double degrees,
-               const Paint& paint) {
+               const Paint& paint, double stretch) {
   const double radians = degrees * std::numbers::pi / 180, cosine = std::cos(radians), sine = std::sin(radians);
   std::array<PointD, GlyphOutline::kMostPoints> places;
   BeginShape(canvas);
   for (int figure = 0, from = 0; figure < glyph.figures; from = glyph.ends[figure++]) {
     for (int i = from; i < glyph.ends[figure]; ++i) {
-      const double x = glyph.points[i].x * height + along, y = glyph.points[i].y * height;
+      const double x = glyph.points[i].x * height * stretch + along, y = glyph.points[i].y * height;
       places[i] = {centre.x + x * cosine - y * sine, centre.y + x * sine + y * cosine};
     }
     canvas.shape().AddFigure({&places[from], static_cast<size_t>(glyph.ends[figure] - from)});

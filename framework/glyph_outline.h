@@ -27,8 +27,9 @@ struct GlyphOutline {
 // none or it is too complicated to be held.
 bool OutlineOfCharacter(const wchar_t* faceName, int weight, wchar_t character, GlyphOutline* outline);
 
-// Draws an outline with its capitals `height` pixels tall, moved `along` its own base line and turned about `centre`.
+// Draws an outline with its capitals `height` pixels tall and `stretch` times as wide as the font has it, moved `along`
+// its own base line and turned about `centre`.
 void FillGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD centre, double along, double height, double degrees,
-               const Paint& paint);
+               const Paint& paint, double stretch = 1);
 
 }  // namespace kv

@@ -1,5 +1,5 @@
 // Off-screen pictures of controls: the back buffer that a control renders into and shows, and pictures for the
-// clipboard. Main thread only.
+// clipboard. Any thread, for windows of its own.
 //
 // In a DPI-aware host: sizes are the pixels that the host sees; nothing depends on the dpi.
 #pragma once

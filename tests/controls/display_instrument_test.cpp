@@ -7,8 +7,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <thread>
 #include <tuple>
+#include <utility>
+#include <vector>
 
+#include "controls/instrument_keep.h"
 #include "controls/instrument_record.h"
 #include "framework/guards.h"
 #include "framework/painting.h"
@@ -292,12 +296,16 @@ TEST_F(DisplayInstrument, TheFaceIsKeptForNewValuesAndDrawnAnewOnCommand) {
   const MemoryDc dc(nullptr);
   {
     const SelectedObject face(dc, Record(control).work.hFace);
-    SetPixel(dc, 2, 2, kOrange);  // shows as long as this picture of the face is in use
+    FillSolid(dc, {0, 0, 120, 120}, kOrange);  // shows where a value is drawn, as long as this picture is in use
   }
+  const Shown first(control, 120, 120);
+  EXPECT_EQ(0, first.CountOf(kOrange));
   SetValue(control, 20);
-  EXPECT_EQ(kOrange, Shown(control, 120, 120).At(2, 2));
+  const Shown second(control, 120, 120);
+  EXPECT_GT(second.CountOf(kOrange), 200);
+  EXPECT_LT(second.DifferencesFrom(first), 120 * 120 / 2);  // the rest stays
   Send(control, kCommandRender, nullptr);
-  EXPECT_NE(kOrange, Shown(control, 120, 120).At(2, 2));
+  EXPECT_EQ(0, Shown(control, 120, 120).CountOf(kOrange));
 
   // New colours of the system show at the next paint, whoever causes it.
   const INT element = COLOR_BTNFACE;
@@ -310,6 +318,55 @@ TEST_F(DisplayInstrument, TheFaceIsKeptForNewValuesAndDrawnAnewOnCommand) {
   const DWORD renderings = Renderings(control);
   SendMessageA(control, WM_SYSCOLORCHANGE, 0, 0);
   EXPECT_EQ(renderings + 1, Renderings(control));
+}
+
+// A hash of what the control has rendered, whether it is visible or not.
+DWORD PictureOf(HWND control) {
+  const InstrumentRecord& record = Record(control);
+  GdiFlush();
+  return LookOf(record.work.keep->buffer.Row(0), sizeof(DWORD) * record.nWidth * record.nHeight);
+}
+
+TEST_F(DisplayInstrument, ANewValueLooksAsIfAllWereDrawnAnew) {
+  for (const DWORD mode : kModes) {
+    for (const auto& [width, height] : {std::pair{120, 120}, {37, 90}, {210, 48}}) {
+      HWND control = Create(mode, width, height), anew = Create(mode, width, height);
+      InstrumentBlock block = BlockOf(control);
+      block.format = 1, block.state = 1;
+      for (HWND each : {control, anew}) Send(each, kCommandBlock | kCommandRedraw, &block);
+      for (const float part : {0.1f, 0.12f, 0.9f, 0.905f, 0.0f, 1.0f, 0.5f, -0.4f, NAN, 0.3f}) {
+        for (HWND each : {control, anew}) SetValue(each, block.maximum * part);
+        Send(anew, kCommandRender, nullptr);
+        EXPECT_EQ(PictureOf(anew), PictureOf(control)) << mode << ": " << part << " of " << width;
+      }
+      DestroyWindow(control);
+      DestroyWindow(anew);
+    }
+  }
+}
+
+// Pictures of a window of the calling thread's own at one value after the other.
+std::vector<DWORD> RenderSeries(DWORD mode) {
+  HWND control = CreateWindowExA(0, kDisplayInstrumentClass, "", WS_POPUP | mode, 0, 0, 96, 96, nullptr, nullptr,
+                                 GetModuleHandleA(nullptr), nullptr);
+  std::vector<DWORD> pictures;
+  for (int i = 0; i < 150; ++i) {
+    SetValue(control, static_cast<float>(i % 90));
+    pictures.push_back(PictureOf(control));
+  }
+  DestroyWindow(control);
+  return pictures;
+}
+
+TEST_F(DisplayInstrument, ThreadsWithInstrumentsOfTheirOwnDrawRightPictures) {
+  const std::vector<DWORD> compass = RenderSeries(kModeCompass), gauge = RenderSeries(kModeGauge);
+  EXPECT_NE(compass[0], compass[1]);
+  std::vector<DWORD> others;
+  std::thread other([&others] { others = RenderSeries(kModeCompass); });
+  const std::vector<DWORD> own = RenderSeries(kModeGauge);
+  other.join();
+  EXPECT_EQ(gauge, own);
+  EXPECT_EQ(compass, others);
 }
 
 TEST_F(DisplayInstrument, SegmentsGrowFromTheirEnd) {
