@@ -1,17 +1,20 @@
 #include "gallery/frame.h"
 
+#include <algorithm>
+
 #include "framework/control_class.h"
-#include "framework/dialog.h"
 #include "framework/dialog_layout.h"
 #include "framework/guards.h"
 #include "framework/language.h"
-#include "framework/modules.h"
 #include "framework/painting.h"
 #include "framework/picture.h"
-#include "framework/tool_tips.h"
+#include "framework/whole_number.h"
 #include "framework/window_position.h"
 #include "gallery/drawing.h"
+#include "gallery/frame_menu.h"
+#include "gallery/keyboard.h"
 #include "gallery/languages.h"
+#include "gallery/mirroring.h"
 #include "gallery/page.h"
 #include "gallery/pages.h"
 #include "gallery/resource_ids.h"
@@ -21,27 +24,41 @@ namespace gallery {
 
 namespace {
 
-constexpr char kPositionName[] = "Gallery.Main";
-constexpr int kListWidth = 196, kHeaderHeight = 64, kRowHeight = 28, kMargin = 16;
-constexpr int kSmallestWidth = 760, kSmallestHeight = 560;
+constexpr char kPositionName[] = "Gallery.Main", kMaximisedName[] = "Gallery.Maximised";
+constexpr char kLastPageName[] = "Gallery.LastPage";  // by its place in the list
+constexpr int kSmallestWidth = 760, kSmallestHeight = 576;
 
 int selectedPage = -1;
-HWND toolTips = nullptr;
 WNDPROC classProcedure = nullptr;
 
 HWND ListOf(HWND frame) {
   return GetDlgItem(frame, IDC_PAGE_LIST);
 }
 
-RECT HeaderArea(SIZE client) {
-  return {kListWidth, 0, client.cx, kHeaderHeight};
+// ---- Layout --------------------------------------------------------------------------------------------------------
+
+// Everything in pixels, in proportion to the window.
+struct FrameLayout {
+  int listWidth, rowHeight, headerHeight, titleHeight, margin, titlePx, textPx;
+};
+
+FrameLayout LayoutFor(SIZE client) {
+  constexpr double kDesignWidth = 752, kDesignHeight = 528;  // the client area of the smallest window
+  const double scale = std::max(0.5, std::min(client.cx / kDesignWidth, client.cy / kDesignHeight));
+  const auto scaled = [scale](int length) { return kv::ToInt(length * scale); };
+  return {.listWidth = scaled(196),
+          .rowHeight = scaled(29),
+          .headerHeight = scaled(72),
+          .titleHeight = scaled(34),
+          .margin = scaled(14),
+          .titlePx = scaled(24),
+          .textPx = scaled(16)};
 }
 
 RECT PageArea(SIZE client) {
-  return {kListWidth + 1, kHeaderHeight + 1, client.cx, client.cy};
+  const FrameLayout layout = LayoutFor(client);
+  return {layout.listWidth + 1, layout.headerHeight + 1, client.cx, client.cy};
 }
-
-// ---- Layout and painting -------------------------------------------------------------------------------------------
 
 void PlacePage(HWND page, SIZE client) {
   const RECT area = PageArea(client);
@@ -51,79 +68,58 @@ void PlacePage(HWND page, SIZE client) {
 INT_PTR OnSize(HWND frame, WPARAM kind) {
   if (kind == SIZE_MINIMIZED) return TRUE;
   const SIZE client = kv::ClientSize(frame);
-  MoveWindow(ListOf(frame), 0, 0, kListWidth, client.cy, TRUE);
-  if (HWND page = selectedPage < 0 ? nullptr : ExistingPageWindow(selectedPage)) PlacePage(page, client);
-  const RECT header = HeaderArea(client);
-  InvalidateRect(frame, &header, TRUE);
+  const FrameLayout layout = LayoutFor(client);
+  SendMessageA(ListOf(frame), LB_SETITEMHEIGHT, 0, layout.rowHeight);
+  MoveWindow(ListOf(frame), 0, 0, layout.listWidth, client.cy, TRUE);
+  if (HWND page = ShownPage()) PlacePage(page, client);
+  InvalidateRect(frame, nullptr, TRUE);
   return TRUE;
+}
+
+// ---- Painting ------------------------------------------------------------------------------------------------------
+
+void DrawHeader(HDC dc, const RECT& header, const FrameLayout& layout) {
+  const bool plain = IsHighContrast();
+  if (plain) {
+    kv::FillSolid(dc, header, GetSysColor(COLOR_BTNFACE));
+  } else {
+    kv::FillHorizontalGradient(dc, header, kv::kDialogBlue, RGB(0x60, 0x60, 0xF0));
+  }
+  if (selectedPage < 0) return;
+  const COLORREF color = plain ? GetSysColor(COLOR_BTNTEXT) : RGB(255, 255, 255);
+  const int left = header.left + layout.margin, right = header.right - layout.margin;
+  DrawLine(dc, Text(IDS_TITLE_FIRST + selectedPage), {left, layout.titleHeight / 8, right, layout.titleHeight},
+           {layout.titlePx, FW_SEMIBOLD, color});
+  DrawLines(dc, Text(IDS_DESCRIPTION_FIRST + selectedPage), {left, layout.titleHeight, right, layout.headerHeight},
+            {layout.textPx, FW_NORMAL, color});
 }
 
 INT_PTR OnPaint(HWND frame) {
   const kv::PaintScope paint(frame);
   const SIZE client = kv::ClientSize(frame);
-  const RECT header = HeaderArea(client);
-  kv::FillSolid(paint.dc(), {kListWidth, 0, client.cx, client.cy}, PageColor());
-  kv::FillHorizontalGradient(paint.dc(), header, kv::kDialogBlue, RGB(0x78, 0x78, 0xFF));
-  if (selectedPage < 0) return TRUE;
-  DrawLine(paint.dc(), Text(IDS_TITLE_FIRST + selectedPage), {header.left + kMargin, 6, header.right - kMargin, 36}, 24,
-           FW_SEMIBOLD, RGB(255, 255, 255));
-  DrawLine(paint.dc(), Text(IDS_DESCRIPTION_FIRST + selectedPage),
-           {header.left + kMargin, 36, header.right - kMargin, 58}, 16, FW_NORMAL, RGB(0xE8, 0xE8, 0xFF));
+  const FrameLayout layout = LayoutFor(client);
+  kv::FillSolid(paint.dc(), {layout.listWidth, 0, client.cx, client.cy}, PageColor());
+  DrawHeader(paint.dc(), {layout.listWidth, 0, client.cx, layout.headerHeight}, layout);
   return TRUE;
 }
 
-INT_PTR OnDrawItem(const DRAWITEMSTRUCT* item) {
+INT_PTR OnDrawItem(HWND frame, const DRAWITEMSTRUCT* item) {
   if (item->CtlID != IDC_PAGE_LIST || item->itemID >= AllPages().size()) return FALSE;
-  const bool isSelected = (item->itemState & ODS_SELECTED) != 0;
-  kv::FillSolid(item->hDC, item->rcItem, isSelected ? kv::kDialogBlue : GetSysColor(COLOR_WINDOW));
+  const FrameLayout layout = LayoutFor(kv::ClientSize(frame));
   RECT area = item->rcItem;
-  area.left += kMargin;
-  DrawLine(item->hDC, Text(IDS_TITLE_FIRST + item->itemID), area, 16, isSelected ? FW_SEMIBOLD : FW_NORMAL,
-           isSelected ? RGB(255, 255, 255) : GetSysColor(COLOR_WINDOWTEXT));
+  const COLORREF color = DrawRowBackground(*item);
+  area.left += layout.margin;
+  DrawLine(item->hDC, Text(IDS_TITLE_FIRST + item->itemID), area,
+           {layout.textPx, item->itemState & ODS_SELECTED ? FW_SEMIBOLD : FW_NORMAL, color});
   return TRUE;
 }
 
-// ---- Texts ---------------------------------------------------------------------------------------------------------
-
-void TranslateMenu(HMENU menu) {
-  for (int i = 0; i < GetMenuItemCount(menu); ++i) {
-    MENUITEMINFOW item{};
-    item.cbSize = sizeof(item);
-    item.fMask = MIIM_ID | MIIM_SUBMENU;
-    GetMenuItemInfoW(menu, i, TRUE, &item);
-    TranslateMenu(item.hSubMenu);
-    std::wstring text = Text(TEXT_OF(item.wID));
-    if (text.empty()) continue;
-    item.fMask = MIIM_STRING;
-    item.dwTypeData = text.data();
-    SetMenuItemInfoW(menu, i, TRUE, &item);
+INT_PTR OnColorsChanged(HWND frame) {
+  for (HWND child = GetWindow(frame, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+    SendMessageW(child, WM_SYSCOLORCHANGE, 0, 0);
   }
-}
-
-// The language menu outlives the menu bars that it is in.
-void SetLanguageMenu(HMENU bar, HMENU languageMenu) {
-  MENUITEMINFOW item{};
-  item.cbSize = sizeof(item);
-  item.fMask = MIIM_SUBMENU;
-  item.hSubMenu = languageMenu;
-  SetMenuItemInfoW(bar, IDM_GALLERY_LANGUAGE_MENU, FALSE, &item);
-}
-
-void ReplaceMenu(HWND frame) {
-  HMENU menu = LoadMenuW(kv::modules.application, L"MENU_GALLERY");
-  TranslateMenu(menu);
-  HMENU previous = GetMenu(frame);
-  if (previous) RemoveMenu(previous, IDM_GALLERY_LANGUAGE_MENU, MF_BYCOMMAND);
-  SetLanguageMenu(menu, LanguageMenu());
-  SetMenu(frame, menu);
-  if (previous) DestroyMenu(previous);
-}
-
-void ReplaceToolTips(HWND frame) {
-  if (toolTips) DestroyWindow(toolTips);
-  const std::wstring tip = Text(IDS_LIST_TIP);
-  const kv::ToolTipEntry tips[] = {{IDC_PAGE_LIST, tip.c_str()}};
-  toolTips = kv::CreateToolTips(kv::modules.application, frame, tips, ARRAYSIZE(tips));
+  RedrawWindow(frame, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+  return TRUE;
 }
 
 // Windows of the dialog class speak the code page, where a caption in another script ends as question marks: what
@@ -139,24 +135,51 @@ LRESULT CALLBACK WideCaptionProcedure(HWND frame, UINT message, WPARAM wParam, L
 
 // ---- Life ----------------------------------------------------------------------------------------------------------
 
+// The place where the user left the window. Where no screen shows that any more, or it has shrunk, the middle of the
+// desktop.
+void RestorePlace(HWND frame) {
+  constexpr char kNothingStored[] = "";
+  kv::WindowPosition(frame, kPositionName, kv::kPositionRestore);
+  RECT place{};
+  GetWindowRect(frame, &place);
+  const bool tooSmall = place.right - place.left < kSmallestWidth || place.bottom - place.top < kSmallestHeight;
+  if (tooSmall || !MonitorFromWindow(frame, MONITOR_DEFAULTTONULL)) {
+    SetWindowPos(frame, nullptr, 0, 0, kSmallestWidth, kSmallestHeight, SWP_NOMOVE | SWP_NOZORDER);
+    kv::WindowPosition(frame, kNothingStored, kv::kPositionRestore);
+  }
+  DWORD maximised = 0;
+  kv::WindowNumber(kMaximisedName, &maximised, kv::kPositionRestore);
+  if (maximised) ShowWindow(frame, SW_MAXIMIZE);
+}
+
+void Remember(HWND frame) {
+  DWORD maximised = IsZoomed(frame), page = static_cast<DWORD>(selectedPage);
+  kv::WindowPosition(frame, kPositionName, kv::kPositionSave);
+  kv::WindowNumber(kMaximisedName, &maximised, kv::kPositionSave);
+  kv::WindowNumber(kLastPageName, &page, kv::kPositionSave);
+}
+
+int FirstPage(int wanted) {
+  DWORD last = 0;
+  if (wanted < 0) kv::WindowNumber(kLastPageName, &last, kv::kPositionRestore);
+  return wanted >= 0 ? wanted : last < AllPages().size() ? static_cast<int>(last) : 0;
+}
+
 INT_PTR OnInit(HWND frame, int firstPage) {
   classProcedure =
       reinterpret_cast<WNDPROC>(SetWindowLongW(frame, GWL_WNDPROC, reinterpret_cast<LONG>(WideCaptionProcedure)));
   HWND list = ListOf(frame);
-  SendMessageA(list, LB_SETITEMHEIGHT, 0, kRowHeight);
   for (size_t i = 0; i < AllPages().size(); ++i) SendMessageA(list, LB_ADDSTRING, 0, static_cast<LPARAM>(i));
   RefreshTexts(frame);
-  kv::WindowPosition(frame, kPositionName, kv::kPositionRestore);
-  kv::ModelessDialogs(frame, nullptr, kv::kModelessAdd);
+  RestorePlace(frame);
   OnSize(frame, SIZE_RESTORED);
-  SelectPage(frame, firstPage);
+  SelectPage(frame, FirstPage(firstPage));
   SetFocus(list);
   return FALSE;
 }
 
 INT_PTR OnClose(HWND frame) {
-  kv::WindowPosition(frame, kPositionName, kv::kPositionSave);
-  kv::ModelessDialogs(frame, nullptr, kv::kModelessRemove);
+  Remember(frame);
   DestroyWindow(frame);
   return TRUE;
 }
@@ -170,6 +193,7 @@ INT_PTR OnCommand(HWND frame, UINT command, UINT code) {
   switch (command) {
     case IDC_PAGE_LIST:
       if (code == LBN_SELCHANGE) SelectPage(frame, SendDlgItemMessageA(frame, IDC_PAGE_LIST, LB_GETCURSEL, 0, 0));
+      if (code == LBN_DBLCLK) FocusPage(ShownPage());
       return TRUE;
     case IDM_GALLERY_EXIT: return PostMessageA(frame, WM_CLOSE, 0, 0);
     case IDM_GALLERY_ABOUT:
@@ -190,8 +214,8 @@ INT_PTR CALLBACK FrameProcedure(HWND frame, UINT message, WPARAM wParam, LPARAM 
     case WM_INITDIALOG: return OnInit(frame, static_cast<int>(lParam));
     case WM_SIZE: return OnSize(frame, wParam);
     case WM_PAINT: return OnPaint(frame);
-    case WM_MEASUREITEM: reinterpret_cast<MEASUREITEMSTRUCT*>(lParam)->itemHeight = kRowHeight; return TRUE;
-    case WM_DRAWITEM: return OnDrawItem(reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+    case WM_DRAWITEM: return OnDrawItem(frame, reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+    case WM_SYSCOLORCHANGE: return OnColorsChanged(frame);
     case WM_COMMAND: return OnCommand(frame, LOWORD(wParam), HIWORD(wParam));
     case WM_HELP: return OpenGalleryHelp(frame);
     case WM_SIZING:
@@ -203,18 +227,27 @@ INT_PTR CALLBACK FrameProcedure(HWND frame, UINT message, WPARAM wParam, LPARAM 
   }
 }
 
+HWND ShownPage() {
+  return selectedPage < 0 ? nullptr : ExistingPageWindow(selectedPage);
+}
+
 void SelectPage(HWND frame, int index) {
   if (index < 0 || index >= static_cast<int>(AllPages().size()) || index == selectedPage) return;
   const auto show = [](HWND page, bool shown) {
     ShowWindow(page, shown ? SW_SHOW : SW_HIDE);
     SendMessageA(page, kPageShown, shown, 0);
   };
-  if (HWND previous = selectedPage < 0 ? nullptr : ExistingPageWindow(selectedPage)) show(previous, false);
+  const HWND previous = ShownPage();
+  // A hidden page must not keep the focus; it goes to the one that comes.
+  const bool hadFocus = previous && IsChild(previous, GetFocus());
+  if (hadFocus) SetFocus(ListOf(frame));
+  if (previous) show(previous, false);
   selectedPage = index;
   SendMessageA(ListOf(frame), LB_SETCURSEL, index, 0);
   if (HWND page = PageWindow(frame, index)) {
     PlacePage(page, kv::ClientSize(frame));
     show(page, true);
+    if (hadFocus) FocusPage(page);
   }
   kv::RepaintNow(frame);
 }
@@ -223,9 +256,13 @@ void RefreshTexts(HWND frame) {
   ReplaceMenu(frame);
   ReplaceToolTips(frame);
   SetWindowTextW(frame, Text(IDS_GALLERY_CAPTION).c_str());
+  SetWindowTextW(ListOf(frame), Text(IDS_LIST_TIP).c_str());  // its name, for a screen reader
+  MirrorWindow(ListOf(frame));
+  const bool turned = MirrorWindow(frame);
   for (size_t i = 0; i < AllPages().size(); ++i) {
     if (HWND page = ExistingPageWindow(static_cast<int>(i))) SendMessageA(page, kTextsChanged, 0, 0);
   }
+  if (turned) OnSize(frame, SIZE_RESTORED);
   RedrawWindow(frame, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 

@@ -13,6 +13,36 @@ namespace {
 constexpr wchar_t kApplication[] = L"kvGallery";
 constexpr UINT kDisplayTopic = 0;  // HH_DISPLAY_TOPIC; without a topic, the first page
 
+constexpr int kArabic = 15;
+
+// In the order of the languages. Arabic is Egypt's, which counts years as the others do.
+constexpr WORD kLocales[kv::kLanguageCount] = {
+    MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US),
+    MAKELANGID(LANG_GERMAN, SUBLANG_GERMAN),
+    MAKELANGID(LANG_FRENCH, SUBLANG_FRENCH),
+    MAKELANGID(LANG_SPANISH, SUBLANG_SPANISH_MODERN),
+    MAKELANGID(LANG_ITALIAN, SUBLANG_ITALIAN),
+    MAKELANGID(LANG_DUTCH, SUBLANG_DUTCH),
+    MAKELANGID(LANG_PORTUGUESE, SUBLANG_PORTUGUESE),
+    MAKELANGID(LANG_POLISH, SUBLANG_POLISH_POLAND),
+    MAKELANGID(LANG_RUSSIAN, SUBLANG_RUSSIAN_RUSSIA),
+    MAKELANGID(LANG_GREEK, SUBLANG_GREEK_GREECE),
+    MAKELANGID(LANG_BULGARIAN, SUBLANG_BULGARIAN_BULGARIA),
+    MAKELANGID(LANG_HINDI, SUBLANG_HINDI_INDIA),
+    MAKELANGID(LANG_JAPANESE, SUBLANG_JAPANESE_JAPAN),
+    MAKELANGID(LANG_CHINESE, SUBLANG_CHINESE_SIMPLIFIED),
+    MAKELANGID(LANG_KOREAN, SUBLANG_KOREAN),
+    MAKELANGID(LANG_ARABIC, SUBLANG_ARABIC_EGYPT),
+    MAKELANGID(LANG_SWEDISH, SUBLANG_SWEDISH),
+    MAKELANGID(LANG_NORWEGIAN, SUBLANG_NORWEGIAN_BOKMAL),
+    MAKELANGID(LANG_FINNISH, SUBLANG_FINNISH_FINLAND),
+    MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US),
+    MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US),
+    MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US),
+    MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US),
+    MAKELANGID(LANG_SPANISH, SUBLANG_SPANISH_MEXICAN),
+};
+
 int current = 0;
 HMENU menu = nullptr;
 HBITMAP menuBitmaps[kv::kLanguageBitmapArea / sizeof(HBITMAP)];
@@ -26,8 +56,8 @@ void UseLanguage(int language) {
 
 }  // namespace
 
-void BeginWithStoredLanguage() {
-  UseLanguage(kv::kStoredLanguage);
+void BeginLanguages(int language) {
+  UseLanguage(language);
 }
 
 void ChooseLanguage(HWND frame, int language) {
@@ -40,6 +70,21 @@ void ChooseLanguage(HWND frame, int language) {
 
 int CurrentLanguage() {
   return current;
+}
+
+int LanguageOfCode(const wchar_t* code) {
+  for (int i = 0; i < kv::kLanguageCount; ++i) {
+    if (*code && lstrcmpiW(code, kv::kLanguages[i].code) == 0) return i;
+  }
+  return -1;
+}
+
+bool IsRightToLeft() {
+  return current == kArabic;
+}
+
+LCID CurrentLocale() {
+  return MAKELCID(kLocales[current], SORT_DEFAULT);
 }
 
 HMENU LanguageMenu() {

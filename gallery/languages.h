@@ -8,14 +8,24 @@ namespace gallery {
 
 inline constexpr wchar_t kFileStem[] = L"kvgallery";
 
-// Makes modules.resources that of the language that was chosen last. Before the frame exists.
-void BeginWithStoredLanguage();
+// Makes modules.resources that of a language, or with kStoredLanguage that of the one chosen last. Before the frame
+// exists.
+void BeginLanguages(int language);
 
 // Shows the frame and its pages in another language at once; in English when its library is missing or damaged.
 void ChooseLanguage(HWND frame, int language);
 
 // The index of the language that is shown.
 int CurrentLanguage();
+
+// The language with that code (in any case); -1 when there is none.
+int LanguageOfCode(const wchar_t* code);
+
+// Whether the language that is shown is written from right to left.
+bool IsRightToLeft();
+
+// The system's locale for numbers, dates and times in the language that is shown.
+LCID CurrentLocale();
 
 // The popup menu of languages (commands IDM_LANGUAGE_FIRST + index), made when first asked for. It belongs to the menu
 // bar that it is put into.

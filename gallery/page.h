@@ -11,11 +11,13 @@
 // The dialog procedure hands every message that it does not finish itself to HandlePageMessage, which
 //
 //   WM_INITDIALOG      captures the layout of all controls in IDC_PAGE_FIRST..IDC_PAGE_LAST; create further ones before
-//   WM_SIZE            scales them in proportion
+//   WM_SIZE            scales them in proportion, with a font for lists and edit controls of many lines
 //   WM_PAINT           fills the background (the dialog class does not erase)
-//   WM_CTLCOLORSTATIC  gives labels that background
+//   WM_CTLCOLORSTATIC  gives labels that background, and the text colour that the system reads on it
+//   WM_SYSCOLORCHANGE  hands it on to the controls
+//   WM_NOTIFY          shows the whole text of a label or button that is cut, as a tip
 //   kTextsChanged      sets the texts of the page's template anew: those at TEXT_OF(control) of the language library,
-//                      English where it has none
+//                      English where it has none; mirrors the page where the language asks for it
 //   WM_NCDESTROY       frees what it keeps
 //
 // and returns the dialog procedure's result. All on the main thread.
@@ -41,9 +43,8 @@ INT_PTR HandlePageMessage(HWND page, UINT message, WPARAM wParam, LPARAM lParam)
 // The colour of a page's background.
 COLORREF PageColor();
 
-// Gives a list of the page a font of its own, which the process keeps: scaling gives lists none, and deletes the
-// template's.
-void SetListFont(HWND page, int controlId);
+// Enables or disables a control of the page. The focus goes on to the next one before its control is disabled.
+void EnableControl(HWND page, int controlId, bool enabled);
 
 // Shows text resource `textId` in a control of the page.
 void SetPageText(HWND page, int controlId, UINT textId);

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstring>
+#include <string>
 
 #include "framework/modules.h"
 #include "gallery/pages/bitmap_page.h"
@@ -52,9 +53,10 @@ std::span<const Page> AllPages() {
   return kPages;
 }
 
-int PageIndex(const char* name) {
+int PageIndex(const wchar_t* name) {
   for (size_t i = 0; i < std::size(kPages); ++i) {
-    if (std::strcmp(kPages[i].name, name) == 0) return static_cast<int>(i);
+    const char* own = kPages[i].name;
+    if (std::wstring(own, own + std::strlen(own)) == name) return static_cast<int>(i);
   }
   return -1;
 }

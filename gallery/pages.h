@@ -12,7 +12,7 @@ namespace gallery {
 std::span<const Page> AllPages();
 
 // The index of a page by name; -1 when there is none.
-int PageIndex(const char* name);
+int PageIndex(const wchar_t* name);
 
 // The page's window as a child of `frame`, made if need be; null when its template fails.
 HWND PageWindow(HWND frame, int index);

@@ -13,7 +13,6 @@ namespace gallery {
 namespace {
 
 constexpr int kLoggedLines = 200;
-constexpr int kLogLineHeight = 16;
 
 // Three ways to write one number, a name, and a name that no resource has.
 constexpr const wchar_t* kNames[] = {L"301", L"0x12D", L"0455", L"BACKDROP", L"MISSING"};
@@ -73,7 +72,6 @@ void OnInit(HWND page) {
     SendDlgItemMessageW(page, IDC_BITMAP_NAME, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name));
   }
   SendDlgItemMessageW(page, IDC_BITMAP_NAME, CB_SETCURSEL, 0, 0);
-  SendDlgItemMessageW(page, IDC_BITMAP_LOG, LB_SETITEMHEIGHT, 0, kLogLineHeight);
 }
 
 // The template's texts are the pictures' names too; the chosen one is chosen anew.

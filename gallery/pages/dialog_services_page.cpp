@@ -219,9 +219,6 @@ void PrepareCalendar(HWND page) {
 
 void OnInit(HWND page) {
   designSize = kv::ClientSize(page);
-  // Scaling gives a list box no font of its own.
-  SendDlgItemMessageA(page, IDC_SERVICES_LIST, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)),
-                      FALSE);
   PrepareCalendar(page);
   SetIntervals(page, 8);
   SendDlgItemMessageA(page, IDC_SERVICES_TRACKBAR, TBM_SETPOS, TRUE, 40);

@@ -151,7 +151,6 @@ void ShowTexts(HWND page) {
 
 INT_PTR OnInit(HWND page) {
   const HWND table = TableOf(page);
-  SetListFont(page, IDC_LANGUAGE_TABLE);
   SendMessageW(table, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT);
   SendMessageW(table, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(FlagImages()));
   for (int i = 0; i < static_cast<int>(ARRAYSIZE(kColumns)); ++i) {

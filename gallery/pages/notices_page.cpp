@@ -93,7 +93,6 @@ INT_PTR OnIconMessage(HWND page, UINT mouseMessage) {
 }
 
 INT_PTR OnInit(HWND page) {
-  SetListFont(page, IDC_NOTICES_EVENTS);
   SetDlgItemTextA(page, IDC_NOTICES_TIP, "kvGallery");
   return HandlePageMessage(page, WM_INITDIALOG, 0, 0);
 }

@@ -1,7 +1,6 @@
 #include "gallery/pages/overview_page.h"
 
-#include "framework/guards.h"
-#include "framework/painting.h"
+#include "framework/picture.h"
 #include "gallery/drawing.h"
 #include "gallery/frame.h"
 #include "gallery/page.h"
@@ -13,28 +12,43 @@ namespace gallery {
 
 namespace {
 
-constexpr int kRowHeight = 30, kRowMargin = 12, kTitleWidth = 170, kTextHeight = 16;
+// In parts of the design's page height.
+constexpr int kDesignHeight = 450, kRowHeight = 42, kTextHeight = 16, kRowMargin = 12;
+
+int Scaled(HWND page, int length) {
+  return MulDiv(length, kv::ClientSize(page).cy, kDesignHeight);
+}
 
 void FillIndex(HWND page) {
   const HWND index = GetDlgItem(page, IDC_OVERVIEW_INDEX);
-  SendMessageA(index, LB_SETITEMHEIGHT, 0, kRowHeight);
   for (size_t i = 1; i < AllPages().size(); ++i) SendMessageA(index, LB_ADDSTRING, 0, static_cast<LPARAM>(i));
+  SendMessageA(index, LB_SETCURSEL, 0, 0);
 }
 
-// A row: the page's title and, beside it, its description.
-INT_PTR OnDrawItem(const DRAWITEMSTRUCT* item) {
+// A row: the page's title and, below it, its description.
+INT_PTR OnDrawItem(HWND page, const DRAWITEMSTRUCT* item) {
   const size_t index = item->itemData;
   if (item->CtlID != IDC_OVERVIEW_INDEX || index >= AllPages().size()) return FALSE;
-  const bool isSelected = (item->itemState & ODS_SELECTED) != 0;
-  kv::FillSolid(item->hDC, item->rcItem, isSelected ? kv::kDialogBlue : GetSysColor(COLOR_WINDOW));
-  const RECT& row = item->rcItem;
-  const COLORREF color = isSelected ? RGB(255, 255, 255) : GetSysColor(COLOR_WINDOWTEXT);
-  DrawLine(item->hDC, Text(IDS_TITLE_FIRST + index),
-           {row.left + kRowMargin, row.top, row.left + kTitleWidth, row.bottom}, kTextHeight, FW_SEMIBOLD, color);
-  DrawLine(item->hDC, Text(IDS_DESCRIPTION_FIRST + index),
-           {row.left + kTitleWidth + kRowMargin, row.top, row.right - kRowMargin, row.bottom}, kTextHeight, FW_NORMAL,
-           color);
+  const COLORREF color = DrawRowBackground(*item);
+  const int textPx = Scaled(page, kTextHeight), margin = Scaled(page, kRowMargin);
+  RECT row = item->rcItem;
+  InflateRect(&row, -margin, 0);
+  const int middle = (row.top + row.bottom) / 2;
+  DrawLine(item->hDC, Text(IDS_TITLE_FIRST + index), {row.left, middle - textPx - 2, row.right, middle},
+           {textPx, FW_SEMIBOLD, color});
+  DrawLine(item->hDC, Text(IDS_DESCRIPTION_FIRST + index), {row.left, middle, row.right, middle + textPx + 2},
+           {textPx, FW_NORMAL, color});
   return TRUE;
+}
+
+INT_PTR OnSize(HWND page) {
+  SendDlgItemMessageA(page, IDC_OVERVIEW_INDEX, LB_SETITEMHEIGHT, 0, Scaled(page, kRowHeight));
+  return HandlePageMessage(page, WM_SIZE, 0, 0);
+}
+
+void OnTextsChanged(HWND page) {
+  SetPageText(page, IDC_OVERVIEW_TEXT, IDS_OVERVIEW_TEXT);
+  SetPageText(page, IDC_OVERVIEW_INDEX, IDS_TITLE_FIRST + PAGE_INDEX_OVERVIEW);  // its name, for a screen reader
 }
 
 INT_PTR OnCommand(HWND page, UINT command, UINT code) {
@@ -49,10 +63,10 @@ INT_PTR OnCommand(HWND page, UINT command, UINT code) {
 INT_PTR CALLBACK OverviewPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_INITDIALOG: FillIndex(page); break;
-    case WM_MEASUREITEM: reinterpret_cast<MEASUREITEMSTRUCT*>(lParam)->itemHeight = kRowHeight; return TRUE;
-    case WM_DRAWITEM: return OnDrawItem(reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+    case WM_SIZE: return OnSize(page);
+    case WM_DRAWITEM: return OnDrawItem(page, reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam), HIWORD(wParam));
-    case kTextsChanged: SetPageText(page, IDC_OVERVIEW_TEXT, IDS_OVERVIEW_TEXT); break;
+    case kTextsChanged: OnTextsChanged(page); break;
     default: break;
   }
   return HandlePageMessage(page, message, wParam, lParam);

@@ -1,0 +1,50 @@
+#include "gallery/command_line.h"
+
+#include "gallery/languages.h"
+#include "gallery/pages.h"
+
+namespace gallery {
+
+StartOptions ParseCommandLine(int argc, const wchar_t* const* argv) {
+  StartOptions options;
+  for (int i = 1; i < argc && options.refused.empty(); ++i) {
+    const std::wstring option = argv[i];
+    const auto choose = [&](int* choice, int (*find)(const wchar_t* name)) {
+      *choice = i + 1 < argc ? find(argv[i + 1]) : -1;
+      if (*choice < 0) options.refused = i + 1 < argc ? option + L" " + argv[i + 1] : option;
+      ++i;
+    };
+    if (option == L"--page") {
+      choose(&options.page, PageIndex);
+    } else if (option == L"--language") {
+      choose(&options.language, LanguageOfCode);
+    } else if (option == L"--walk") {
+      options.walk = true;
+    } else if (option == L"--help" || option == L"/?") {
+      options.help = true;
+    } else {
+      options.refused = option;
+    }
+  }
+  return options;
+}
+
+std::wstring PageNames() {
+  std::wstring names;
+  for (const Page& page : AllPages()) names += std::wstring(page.name, page.name + lstrlenA(page.name)) + L' ';
+  names.pop_back();
+  return names;
+}
+
+std::wstring LanguageCodes() {
+  std::wstring codes;
+  for (int i = 0; i < kv::kLanguageCount; ++i) {
+    // Of two languages with one code the first is taken.
+    if (kv::kLanguages[i].code[0] && LanguageOfCode(kv::kLanguages[i].code) == i)
+      codes += kv::kLanguages[i].code + std::wstring(L" ");
+  }
+  codes.pop_back();
+  return codes;
+}
+
+}  // namespace gallery

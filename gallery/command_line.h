@@ -1,0 +1,23 @@
+// What the command line asks for. Pure.
+#pragma once
+
+#include <string>
+
+#include "framework/language.h"
+
+namespace gallery {
+
+struct StartOptions {
+  int page = -1;                       // -1: the one that was shown last
+  int language = kv::kStoredLanguage;  // or one of the table
+  bool walk = false, help = false;
+  std::wstring refused;  // the first option or value that there is not; empty when all is well
+};
+
+StartOptions ParseCommandLine(int argc, const wchar_t* const* argv);
+
+// All names that --page and --language take, separated by blanks.
+std::wstring PageNames();
+std::wstring LanguageCodes();
+
+}  // namespace gallery

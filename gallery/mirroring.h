@@ -1,0 +1,17 @@
+// Right to left: in a language that is written so, frame, pages, lists and labels are mirrored; pictures, instruments
+// and read-outs of numbers are not. Main thread only.
+#pragma once
+
+#include <windows.h>
+
+namespace gallery {
+
+// Mirrors a window, or turns it back, for the language that is shown. True when that changed it; its children have to
+// be placed anew then.
+bool MirrorWindow(HWND window);
+
+// The same for a page with its controls. Controls of the library's own classes, owner-drawn ones and those whose
+// template marks them WS_EX_NOINHERITLAYOUT (read-outs of numbers) keep their direction.
+bool MirrorPage(HWND page);
+
+}  // namespace gallery

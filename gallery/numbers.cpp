@@ -1,0 +1,70 @@
+#include "gallery/numbers.h"
+
+#include <algorithm>
+
+#include "framework/bounded_format.h"
+#include "gallery/languages.h"
+
+namespace gallery {
+
+namespace {
+
+std::wstring LocaleText(LCTYPE what) {
+  wchar_t text[80] = L"";
+  GetLocaleInfoW(CurrentLocale(), what, text, ARRAYSIZE(text));
+  return text;
+}
+
+// "3;0" is groups of three, "3;2;0" a first of three and then groups of two; GetNumberFormatW wants 3 and 32.
+UINT Grouping() {
+  UINT grouping = 0;
+  for (const wchar_t character : LocaleText(LOCALE_SGROUPING)) {
+    if (character >= L'1' && character <= L'9') grouping = grouping * 10 + (character - L'0');
+  }
+  return grouping;
+}
+
+}  // namespace
+
+std::wstring NumberText(double value, int decimals) {
+  decimals = std::clamp(decimals, 0, 9);
+  wchar_t plain[400], text[800];
+  kv::FormatBounded(plain, sizeof(plain), L"%.*f", decimals, value);
+  std::wstring decimal = DecimalSign(), thousand = LocaleText(LOCALE_STHOUSAND);
+  const NUMBERFMTW format{
+      .NumDigits = static_cast<UINT>(decimals),
+      .LeadingZero = 1,
+      .Grouping = Grouping(),
+      .lpDecimalSep = decimal.data(),
+      .lpThousandSep = thousand.data(),
+      .NegativeOrder = 1,
+  };
+  return GetNumberFormatW(CurrentLocale(), 0, plain, &format, text, ARRAYSIZE(text)) ? text : plain;
+}
+
+std::wstring DecimalSign() {
+  return LocaleText(LOCALE_SDECIMAL);
+}
+
+std::wstring DateText(const SYSTEMTIME& time) {
+  // Some locales' short form has two digits of the year, where any century could be meant.
+  std::wstring form = LocaleText(LOCALE_SSHORTDATE);
+  const size_t year = form.find(L'y');
+  if (year != std::wstring::npos && form.find(L"yyyy") == std::wstring::npos) {
+    form.replace(year, form.find_last_of(L'y') - year + 1, L"yyyy");
+  }
+  wchar_t text[80];
+  if (GetDateFormatW(CurrentLocale(), 0, &time, form.c_str(), text, ARRAYSIZE(text))) return text;
+  kv::FormatBounded(text, sizeof(text), L"%04u-%02u-%02u", time.wYear, time.wMonth, time.wDay);
+  return text;
+}
+
+std::wstring TimeText(const SYSTEMTIME& time, bool withSeconds) {
+  wchar_t text[80] = L"";
+  // 24 hours, as the instruments show them.
+  const DWORD flags = TIME_FORCE24HOURFORMAT | TIME_NOTIMEMARKER | (withSeconds ? 0 : TIME_NOSECONDS);
+  GetTimeFormatW(CurrentLocale(), flags, &time, nullptr, text, ARRAYSIZE(text));
+  return text;
+}
+
+}  // namespace gallery

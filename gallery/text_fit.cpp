@@ -1,0 +1,176 @@
+#include "gallery/text_fit.h"
+
+#include <commctrl.h>
+
+#include "framework/control_kind.h"
+#include "framework/guards.h"
+#include "framework/picture.h"
+
+namespace gallery {
+
+namespace {
+
+// Pixels of a control that are not its text's: a button's edges, a box with its gap, a combo box's arrow and edges.
+constexpr int kButtonEdges = 6, kBoxAndGap = 17, kFieldEdges = 6, kTabEdges = 8, kHeaderEdges = 10;
+
+std::wstring WindowText(HWND control) {
+  std::wstring text(GetWindowTextLengthW(control) + 1, L'\0');
+  text.resize(GetWindowTextW(control, text.data(), static_cast<int>(text.size())));
+  return text;
+}
+
+SIZE TextSize(HWND control, const std::wstring& text, int width, UINT format) {
+  const kv::WindowDc dc(control);
+  const HGDIOBJ font = reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0));
+  const kv::SelectedObject selected(dc, font ? font : GetStockObject(SYSTEM_FONT));
+  RECT area{0, 0, width, 0};
+  DrawTextW(dc, text.c_str(), -1, &area, format | DT_CALCRECT);
+  return {area.right, area.bottom};
+}
+
+bool IsOneLineTooWide(HWND control, const std::wstring& text, int width) {
+  return TextSize(control, text, 0, DT_SINGLELINE).cx > width;
+}
+
+std::wstring CutLabel(HWND control, SIZE place) {
+  const LONG style = GetWindowLongW(control, GWL_STYLE);
+  const LONG type = style & SS_TYPEMASK;
+  if (type > SS_RIGHT && type != SS_LEFTNOWORDWRAP) return {};
+  const std::wstring text = WindowText(control);
+  UINT format = style & SS_NOPREFIX ? DT_NOPREFIX : 0;
+  const bool isOneLine = style & SS_CENTERIMAGE || type == SS_LEFTNOWORDWRAP;
+  format |= isOneLine ? DT_SINGLELINE : DT_WORDBREAK | DT_EXPANDTABS;
+  const SIZE size = TextSize(control, text, isOneLine ? 0 : place.cx, format);
+  // The lower part of the last line's cell holds no letters.
+  const int spare = 2;
+  return size.cx > place.cx || size.cy > place.cy + spare ? text : std::wstring();
+}
+
+std::wstring CutButton(HWND control, SIZE place) {
+  const LONG style = GetWindowLongW(control, GWL_STYLE);
+  int edges = kBoxAndGap;
+  if ((style & BS_TYPEMASK) <= BS_DEFPUSHBUTTON) edges = kButtonEdges;
+  const std::wstring text = WindowText(control);
+  if (!(style & BS_MULTILINE)) return IsOneLineTooWide(control, text, place.cx - edges) ? text : std::wstring();
+  const SIZE size = TextSize(control, text, place.cx - edges, DT_WORDBREAK);
+  return size.cx > place.cx - edges || size.cy > place.cy ? text : std::wstring();
+}
+
+std::wstring CutItem(HWND control, UINT countMessage, UINT lengthMessage, UINT textMessage, int width) {
+  const LRESULT count = SendMessageW(control, countMessage, 0, 0);
+  for (LRESULT i = 0; i < count; ++i) {
+    std::wstring text(SendMessageW(control, lengthMessage, i, 0) + 1, L'\0');
+    text.resize(SendMessageW(control, textMessage, i, reinterpret_cast<LPARAM>(text.data())));
+    if (IsOneLineTooWide(control, text, width)) return text;
+  }
+  return {};
+}
+
+std::wstring CutTab(HWND control, int width) {
+  wchar_t text[256] = L"";
+  TCITEMW item{};
+  item.mask = TCIF_TEXT;
+  item.pszText = text;
+  item.cchTextMax = ARRAYSIZE(text);
+  const LRESULT count = SendMessageW(control, TCM_GETITEMCOUNT, 0, 0);
+  for (LRESULT i = 0; i < count; ++i) {
+    SendMessageW(control, TCM_GETITEMW, i, reinterpret_cast<LPARAM>(&item));
+    RECT place{};
+    SendMessageW(control, TCM_GETITEMRECT, i, reinterpret_cast<LPARAM>(&place));
+    const int room = place.right - place.left - kTabEdges;
+    if (place.right > width || IsOneLineTooWide(control, text, room)) return text;
+  }
+  return {};
+}
+
+std::wstring CutHeader(HWND list) {
+  const auto header = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
+  wchar_t text[256] = L"";
+  HDITEMW item{};
+  item.mask = HDI_TEXT | HDI_WIDTH;
+  item.pszText = text;
+  item.cchTextMax = ARRAYSIZE(text);
+  const LRESULT count = header ? SendMessageW(header, HDM_GETITEMCOUNT, 0, 0) : 0;
+  for (LRESULT i = 0; i < count; ++i) {
+    SendMessageW(header, HDM_GETITEMW, i, reinterpret_cast<LPARAM>(&item));
+    if (IsOneLineTooWide(header, text, item.cxy - kHeaderEdges)) return text;
+  }
+  return {};
+}
+
+bool HasTip(HWND control) {
+  const kv::ControlKind kind = kv::ClassifyControl(control);
+  return kind == kv::kControlStatic || kind == kv::kControlButton;
+}
+
+// A label lets the mouse through to the page, so it is a place there; a button is a window of its own.
+TTTOOLINFOW ToolOf(HWND page, HWND control) {
+  TTTOOLINFOW tool{};
+  tool.cbSize = TTTOOLINFOW_V1_SIZE;
+  tool.hwnd = page;
+  tool.lpszText = LPSTR_TEXTCALLBACKW;
+  if (kv::ClassifyControl(control) == kv::kControlButton) {
+    tool.uFlags = TTF_SUBCLASS | TTF_IDISHWND;
+    tool.uId = reinterpret_cast<UINT_PTR>(control);
+  } else {
+    tool.uFlags = TTF_SUBCLASS;
+    tool.uId = GetDlgCtrlID(control);
+    GetWindowRect(control, &tool.rect);
+    MapWindowPoints(nullptr, page, reinterpret_cast<POINT*>(&tool.rect), 2);
+  }
+  return tool;
+}
+
+template <class Visit>
+void VisitTips(HWND page, Visit visit) {
+  for (HWND control = GetWindow(page, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
+    if (!HasTip(control)) continue;
+    TTTOOLINFOW tool = ToolOf(page, control);
+    visit(&tool);
+  }
+}
+
+}  // namespace
+
+std::wstring CutTextOf(HWND control) {
+  const SIZE place = kv::ClientSize(control);
+  const LONG style = GetWindowLongW(control, GWL_STYLE);
+  switch (kv::ClassifyControl(control)) {
+    case kv::kControlStatic: return CutLabel(control, place);
+    case kv::kControlButton: return CutButton(control, place);
+    case kv::kControlComboBox:
+      return CutItem(control, CB_GETCOUNT, CB_GETLBTEXTLEN, CB_GETLBTEXT,
+                     place.cx - kFieldEdges - GetSystemMetrics(SM_CXVSCROLL));
+    case kv::kControlListBox:
+      if (style & LBS_OWNERDRAWFIXED) return {};
+      return CutItem(control, LB_GETCOUNT, LB_GETTEXTLEN, LB_GETTEXT, place.cx);
+    case kv::kControlTab: return CutTab(control, place.cx);
+    default: return CutHeader(control);
+  }
+}
+
+HWND CreateTextTips(HWND page) {
+  const HWND tips = CreateWindowExW(0, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, 0, 0, 0, 0,
+                                    page, nullptr, nullptr, nullptr);
+  VisitTips(page, [tips](TTTOOLINFOW* tool) { SendMessageW(tips, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(tool)); });
+  SendMessageW(tips, TTM_SETMAXTIPWIDTH, 0, 400);
+  return tips;
+}
+
+void MoveTextTips(HWND page, HWND tips) {
+  VisitTips(page,
+            [tips](TTTOOLINFOW* tool) { SendMessageW(tips, TTM_NEWTOOLRECTW, 0, reinterpret_cast<LPARAM>(tool)); });
+}
+
+bool AnswerTextTip(HWND page, NMHDR* notification) {
+  if (notification->code != TTN_GETDISPINFOW) return false;
+  auto* tip = reinterpret_cast<NMTTDISPINFOW*>(notification);
+  const HWND control = tip->uFlags & TTF_IDISHWND ? reinterpret_cast<HWND>(notification->idFrom)
+                                                  : GetDlgItem(page, static_cast<int>(notification->idFrom));
+  static std::wstring text;  // the tip reads it after this returns
+  text = CutTextOf(control);
+  tip->lpszText = text.data();
+  return true;
+}
+
+}  // namespace gallery
