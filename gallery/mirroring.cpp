@@ -25,10 +25,14 @@ bool IsOwnClass(HWND control) {
   return name[0] == L'k' && name[1] == L'v';
 }
 
+bool IsReadOut(HWND control) {
+  return (GetWindowLongW(control, GWL_EXSTYLE) & WS_EX_NOINHERITLAYOUT) != 0;
+}
+
 bool KeepsDirection(HWND control) {
   const bool isOwnerDrawn = kv::ClassifyControl(control) == kv::kControlStatic &&
                             (GetWindowLongW(control, GWL_STYLE) & SS_TYPEMASK) == SS_OWNERDRAW;
-  return isOwnerDrawn || IsOwnClass(control) || GetWindowLongW(control, GWL_EXSTYLE) & WS_EX_NOINHERITLAYOUT;
+  return isOwnerDrawn || IsOwnClass(control);
 }
 
 }  // namespace
@@ -40,7 +44,10 @@ bool MirrorWindow(HWND window) {
 bool MirrorPage(HWND page) {
   for (HWND control = GetWindow(page, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
     // A page that is made while it is mirrored hands that on to all its controls.
-    if (KeepsDirection(control)) {
+    if (IsReadOut(control)) {
+      SetDirection(control, kMirrored, false);
+      SetDirection(control, WS_EX_RIGHT, IsRightToLeft());
+    } else if (KeepsDirection(control)) {
       SetDirection(control, kMirrored, false);
     } else if (kv::ClassifyControl(control) == kv::kControlEdit) {
       SetDirection(control, WS_EX_LAYOUTRTL, false);

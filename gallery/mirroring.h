@@ -10,8 +10,9 @@ namespace gallery {
 // be placed anew then.
 bool MirrorWindow(HWND window);
 
-// The same for a page with its controls. Controls of the library's own classes, owner-drawn ones and those whose
-// template marks them WS_EX_NOINHERITLAYOUT (read-outs of numbers) keep their direction.
+// The same for a page with its controls. Controls of the library's own classes, and owner-drawn ones keep their
+// direction; so do those whose template marks them WS_EX_NOINHERITLAYOUT (read-outs of numbers), which begin at the
+// right.
 bool MirrorPage(HWND page);
 
 }  // namespace gallery

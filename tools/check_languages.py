@@ -2,7 +2,9 @@
 """Compares the gallery's language scripts (resources/languages/*.rc) with its English texts.
 
     tools/check_languages.py             errors: texts that English does not have, texts given twice, values that do not
-                                         match (%s, %d), keys (&) given to two controls of a page; gaps are only counted
+                                         match (%s, %d), keys (&) given to two controls of a page, to a control and the
+                                         menu bar, or to two items of a menu, texts left in English; gaps are only
+                                         counted
     tools/check_languages.py --gaps      also lists what each language lacks (it is shown in English until then)
     tools/check_languages.py --complete  a gap is an error, too
 
@@ -57,21 +59,48 @@ def values(text):
     return VALUE.findall(text.replace("%%", ""))
 
 
+# What of its menu each item stands in, by the part of its name before the item's own.
+HELP_MENU = ("IDM_GALLERY_HELP", "IDM_GALLERY_ABOUT")
+
+
+def key_places(name):
+    """The places in which the key of a text must be the only one of its kind: a page (its controls are IDC_PAGE_NAME, and
+    texts that its controls are given IDS_PAGE_NAME), the menu bar, which is there with every page, or a menu."""
+    if re.match(r"TEXT_OF\(IDM_\w+_MENU\)", name):
+        return "menu bar"
+    if match := re.match(r"TEXT_OF\((IDM_\w+)\)", name):
+        return "help menu" if match[1] in HELP_MENU else "file menu"
+    match = re.match(r"(?:TEXT_OF\(IDC|IDS)_([A-Z]+)", name)
+    return "page " + match[1] if match else None
+
+
 def check_keys(script, texts, errors):
-    """Controls named IDC_PAGE_NAME stand on one page, items named IDM_..._MENU in one menu bar."""
     taken = {}
-    for name, text in texts.items():
-        place = re.match(r"TEXT_OF\((IDC_[A-Z]+_|IDM_(?=\w+_MENU\)))", name)
-        key = re.search(r"&(\w)", text)
-        if place and key:
-            other = taken.setdefault((place[1], key[1].lower()), name)
-            if other != name:
-                errors.append(f"{script.name}: {name} has the key of {other}: {key[1]}")
+    for name, text in sorted(texts.items(), key=lambda item: "_MENU)" not in item[0]):
+        place, key = key_places(name), re.search(r"&(\w)", text)
+        if not place or not key:
+            continue
+        key = key[1].lower()
+        others = [taken.get((place, key))]
+        if place.startswith("page"):
+            others.append(taken.get(("menu bar", key)))
+        for other in filter(None, others):
+            errors.append(f"{script}: {name} has the key of {other}: {key}")
+        taken[(place, key)] = name
 
 
-def check(script, english, errors):
-    texts = language_texts(script, errors)
-    check_keys(script, texts, errors)
+def check_english(english, all_texts, errors):
+    """A text that most languages have in the same words as English was not translated; names like x1 are."""
+    for name, text in english.items():
+        words = re.findall(r"[^\W\d_]{3,}", VALUE.sub("", text.replace("&", "").replace("\\n", " ")))
+        same = [code for code, texts in all_texts.items() if texts.get(name, "").replace("&", "") == text.replace("&", "")]
+        if words and len(same) > len(all_texts) / 2:
+            errors.append(f"{name} is English in {', '.join(same)}: {text}")
+
+
+def check(script, texts, english, errors):
+    # What a language lacks is shown in English, with its key.
+    check_keys(script.name, english | texts, errors)
     for name, text in texts.items():
         if name not in english:
             errors.append(f"{script.name}: {name} is not among the English texts")
@@ -86,15 +115,18 @@ def main():
     parser.add_argument("--complete", action="store_true", help="fail when a language lacks a text")
     options = parser.parse_args()
 
-    english, errors = english_texts(), []
+    english, errors, all_texts = english_texts(), [], {}
+    check_keys("English", english, errors)
     for script in sorted((ROOT / "resources" / "languages").glob("[A-Z][A-Z].rc")):
-        gaps = check(script, english, errors)
+        all_texts[script.stem] = language_texts(script, errors)
+        gaps = check(script, all_texts[script.stem], english, errors)
         print(f"{script.name}: {len(english) - len(gaps)} of {len(english)} texts")
         if options.gaps or options.complete:
             for name in gaps:
                 print(f"  lacks {name}: {english[name]}")
         if options.complete and gaps:
             errors.append(f"{script.name}: {len(gaps)} texts are missing")
+    check_english(english, all_texts, errors)
     for error in errors:
         print(error, file=sys.stderr)
     return 1 if errors else 0

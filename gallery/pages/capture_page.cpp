@@ -1,12 +1,17 @@
 #include "gallery/pages/capture_page.h"
 
+#include <shlobj.h>
+
 #include <algorithm>
+#include <string>
 
 #include "capture/video_capture.h"
 #include "framework/bounded_format.h"
+#include "framework/file_path.h"
 #include "framework/guards.h"
 #include "framework/painting.h"
 #include "gallery/drawing.h"
+#include "gallery/numbers.h"
 #include "gallery/page.h"
 #include "gallery/pages/capture_ids.h"
 #include "gallery/texts.h"
@@ -21,6 +26,12 @@ constexpr COLORREF kScreenTop = RGB(0x14, 0x18, 0x22), kScreenBottom = RGB(0x26,
 
 // The link lives while the page is shown: a camera that nobody looks at belongs to others.
 kv::VideoLink* link = nullptr;
+
+struct {
+  std::string path;
+  UINT textId;  // what the page says of it; 0 when nothing has been recorded
+  bool runs;
+} recording;
 
 // The largest area of the picture's proportions in the middle of `area`.
 RECT FittingArea(const RECT& area, int pictureWidth, int pictureHeight) {
@@ -60,33 +71,148 @@ INT_PTR OnDrawItem(const DRAWITEMSTRUCT* item) {
   return TRUE;
 }
 
-void ShowState(HWND page) {
-  wchar_t text[128] = L"";
-  if (link) {
-    kv::FormatBounded(text, sizeof(text), Text(IDS_CAPTURE_STATE).c_str(), link->frameWidth, link->frameHeight,
-                      link->sourceFormat.header.biBitCount);
+// ---- Recording -----------------------------------------------------------------------------------------------------
+
+bool IsCapturing() {
+  CAPSTATUS status{};
+  return link && SendMessageW(link->hCapture, WM_CAP_GET_STATUS, sizeof(status), reinterpret_cast<LPARAM>(&status)) &&
+         status.fCapturingNow;
+}
+
+// The capture interface takes 8-bit names: a folder that has none is named in its short form.
+std::string NarrowPath(const std::wstring& folder) {
+  wchar_t plain[kv::kPathCharacters] = L"";
+  GetShortPathNameW(folder.c_str(), plain, kv::kPathCharacters);
+  for (const wchar_t* candidate : {folder.c_str(), static_cast<const wchar_t*>(plain)}) {
+    char narrow[2 * kv::kPathCharacters] = "";
+    BOOL lost = FALSE;
+    WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, candidate, -1, narrow, sizeof(narrow), nullptr, &lost);
+    if (narrow[0] && !lost) return narrow;
   }
+  return {};
+}
+
+// A new name among the user's videos, or in the folder for temporary files.
+std::string NewRecordingPath() {
+  wchar_t folder[kv::kPathCharacters] = L"";
+  std::string narrow;
+  if (SHGetFolderPathW(nullptr, CSIDL_MYVIDEO | CSIDL_FLAG_CREATE, nullptr, 0, folder) == S_OK) {
+    narrow = NarrowPath(folder);
+  }
+  if (narrow.empty()) {
+    GetTempPathW(kv::kPathCharacters, folder);
+    narrow = NarrowPath(folder);
+  }
+  if (!narrow.ends_with('\\')) narrow += '\\';
+  SYSTEMTIME now;
+  GetLocalTime(&now);
+  char name[64];
+  kv::FormatBoundedA(name, sizeof(name), "kvgallery %04u-%02u-%02u %02u.%02u.%02u.avi", now.wYear, now.wMonth, now.wDay,
+                     now.wHour, now.wMinute, now.wSecond);
+  return narrow + name;
+}
+
+std::wstring RecordingSize() {
+  WIN32_FILE_ATTRIBUTE_DATA file{};
+  GetFileAttributesExA(recording.path.c_str(), GetFileExInfoStandard, &file);
+  return NumberText(file.nFileSizeHigh * 4294967296.0 + file.nFileSizeLow);
+}
+
+void ShowRecording(HWND page) {
+  std::wstring path(recording.path.begin(), recording.path.end());
+  const int length = static_cast<int>(recording.path.size());
+  path.resize(MultiByteToWideChar(CP_ACP, 0, recording.path.c_str(), length, path.data(), length));
+  wchar_t text[512];
+  kv::FormatBounded(text, sizeof(text), Text(recording.textId).c_str(), path.c_str(), RecordingSize().c_str());
   SetDlgItemTextW(page, IDC_CAPTURE_STATE, text);
-  ShowWindow(GetDlgItem(page, IDC_CAPTURE_SEARCH), link ? SW_HIDE : SW_SHOW);
+}
+
+void ShowState(HWND page) {
+  if (recording.textId) {
+    ShowRecording(page);
+  } else {
+    wchar_t text[128] = L"";
+    if (link) {
+      kv::FormatBounded(text, sizeof(text), Text(IDS_CAPTURE_STATE).c_str(), link->frameWidth, link->frameHeight,
+                        link->sourceFormat.header.biBitCount);
+    }
+    SetDlgItemTextW(page, IDC_CAPTURE_STATE, text);
+  }
+  SetPageText(page, IDC_CAPTURE_RECORD, recording.runs ? IDS_CAPTURE_STOP : IDS_CAPTURE_RECORD);
+  // What becomes usable comes first: the focus may have to go there.
+  const int usable = link ? IDC_CAPTURE_RECORD : IDC_CAPTURE_SEARCH;
+  EnableControl(page, usable, true);
+  EnableControl(page, link ? IDC_CAPTURE_SEARCH : IDC_CAPTURE_RECORD, false);
   InvalidateRect(GetDlgItem(page, IDC_CAPTURE_SCREEN), nullptr, FALSE);
 }
 
+void EndRecording(HWND page, UINT textId) {
+  recording.runs = false;
+  recording.textId = textId;
+  ShowState(page);
+}
+
+// A driver may record on a thread of its own and return at once, or return when it has recorded.
+void StartRecording(HWND page) {
+  recording = {.path = NewRecordingPath(), .textId = IDS_CAPTURE_RECORDING, .runs = true};
+  ShowState(page);
+  UpdateWindow(page);
+  const bool started = kv::RecordVideo(link, recording.path.c_str(), TRUE) != 0;
+  if (!recording.runs || IsCapturing()) return;
+  EndRecording(page, started ? IDS_CAPTURE_RECORDED : IDS_CAPTURE_NOT_RECORDED);
+}
+
+void StopRecording(HWND page) {
+  kv::RecordVideo(link, nullptr, FALSE);
+  EndRecording(page, IDS_CAPTURE_RECORDED);
+}
+
+// ---- The link ------------------------------------------------------------------------------------------------------
+
 void Disconnect(HWND page) {
   KillTimer(page, kPictureTimer);
+  if (recording.runs) StopRecording(page);
   kv::CloseVideoLink(link);
   link = nullptr;
 }
 
 INT_PTR Connect(HWND page) {
   Disconnect(page);
+  recording = {};
   link = kv::OpenVideoLink(GetDlgItem(page, IDC_CAPTURE_SCREEN));
   if (link) SetTimer(page, kPictureTimer, kPictureMs, nullptr);
   ShowState(page);
   return TRUE;
 }
 
+INT_PTR OnTimer(HWND page) {
+  InvalidateRect(GetDlgItem(page, IDC_CAPTURE_SCREEN), nullptr, FALSE);
+  if (!recording.runs) return TRUE;
+  if (IsCapturing()) {
+    ShowRecording(page);
+  } else {
+    EndRecording(page, IDS_CAPTURE_RECORDED);
+  }
+  return TRUE;
+}
+
+INT_PTR OnCommand(HWND page, UINT command) {
+  switch (command) {
+    case IDC_CAPTURE_SEARCH: return Connect(page);
+    case IDC_CAPTURE_RECORD:
+      if (recording.runs) {
+        StopRecording(page);
+      } else {
+        StartRecording(page);
+      }
+      return TRUE;
+    default: return FALSE;
+  }
+}
+
 void OnTextsChanged(HWND page) {
   SetPageText(page, IDC_CAPTURE_SEARCH, IDS_CAPTURE_SEARCH);
+  SetPageText(page, IDC_CAPTURE_SCREEN, IDS_TITLE_FIRST + PAGE_INDEX_CAPTURE);  // its name, for a screen reader
   ShowState(page);
 }
 
@@ -104,9 +230,9 @@ INT_PTR CALLBACK CapturePageProcedure(HWND page, UINT message, WPARAM wParam, LP
   switch (message) {
     case kTextsChanged: OnTextsChanged(page); break;
     case kPageShown: OnShown(page, wParam != 0); return TRUE;
-    case WM_TIMER: InvalidateRect(GetDlgItem(page, IDC_CAPTURE_SCREEN), nullptr, FALSE); return TRUE;
+    case WM_TIMER: return OnTimer(page);
     case WM_DRAWITEM: return OnDrawItem(reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
-    case WM_COMMAND: return LOWORD(wParam) == IDC_CAPTURE_SEARCH ? Connect(page) : FALSE;
+    case WM_COMMAND: return OnCommand(page, LOWORD(wParam));
     case WM_DESTROY: Disconnect(page); break;
     default: break;
   }

@@ -1,4 +1,5 @@
-// The capture page: the picture of the first capture device that answers, live, or the plain word that none did.
+// The capture page: the picture of the first capture device that answers, live and recorded to a file, or the plain
+// word that none did.
 #pragma once
 
 #include <windows.h>

@@ -88,6 +88,7 @@ void OnInit(HWND page) {
 void OnTextsChanged(HWND page) {
   HandlePageMessage(page, kTextsChanged, 0, 0);
   SetPageText(page, IDC_CHART_RESULT, IDS_CHART_NOTHING_COPIED);
+  SetPageText(page, IDC_CHART_VIEW, IDS_TITLE_FIRST + PAGE_INDEX_CHART);  // its name, for a screen reader
   ShowPlaces(page);
 }
 

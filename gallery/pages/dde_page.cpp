@@ -9,6 +9,7 @@
 #include "framework/bounded_format.h"
 #include "gallery/page.h"
 #include "gallery/pages/dde_ids.h"
+#include "gallery/texts.h"
 
 namespace gallery {
 
@@ -16,12 +17,17 @@ namespace {
 
 constexpr DWORD kAnswerTimeoutMs = 2000;
 constexpr LONG kLongestLog = 20000;
+constexpr UINT kEnded = WM_APP + 10;  // lParam: the conversation
 
 // The page's own instance and conversation. Not of ddeStartStop's making: that refuses a slot like this one.
+HWND ddePage = nullptr;
 DWORD instance = 0;
 HCONV conversation = nullptr;
 
-HDDEDATA CALLBACK IgnoreTransaction(UINT, UINT, HCONV, HSZ, HSZ, HDDEDATA, ULONG_PTR, ULONG_PTR) {
+// Of transactions the page only wants to know when the other side ends its conversation. It is told of that afterwards:
+// this may be called in the middle of a request.
+HDDEDATA CALLBACK OnTransaction(UINT type, UINT, HCONV ended, HSZ, HSZ, HDDEDATA, ULONG_PTR, ULONG_PTR) {
+  if (type == XTYP_DISCONNECT) PostMessageW(ddePage, kEnded, 0, reinterpret_cast<LPARAM>(ended));
   return nullptr;
 }
 
@@ -31,23 +37,30 @@ std::string FieldText(HWND page, int controlId) {
   return text;
 }
 
-void AppendToLog(HWND page, const char* text) {
+void AppendToLog(HWND page, const wchar_t* text) {
   HWND log = GetDlgItem(page, IDC_DDE_LOG);
-  LONG end = GetWindowTextLengthA(log);
+  LONG end = GetWindowTextLengthW(log);
   if (end > kLongestLog) {
-    SetWindowTextA(log, "");
+    SetWindowTextW(log, L"");
     end = 0;
   }
-  SendMessageA(log, EM_SETSEL, end, end);
-  SendMessageA(log, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(text));
+  SendMessageW(log, EM_SETSEL, end, end);
+  SendMessageW(log, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(text));
+}
+
+// A line of 8-bit text, as servers send it.
+void AppendLine(HWND page, const char* line) {
+  std::wstring wide(lstrlenA(line), L'\0');
+  const int length = static_cast<int>(wide.size());
+  wide.resize(MultiByteToWideChar(CP_ACP, 0, line, length, wide.data(), length));
+  AppendToLog(page, (wide + L"\r\n").c_str());
 }
 
 template <class... Values>
 void Log(HWND page, const char* format, Values... values) {
   char line[1024];
   kv::FormatBoundedA(line, sizeof(line), format, values...);
-  AppendToLog(page, line);
-  AppendToLog(page, "\r\n");
+  AppendLine(page, line);
 }
 
 void ShowWord(HWND page, int controlId, const void* word) {
@@ -61,14 +74,15 @@ void ShowState(HWND page) {
   ShowWord(page, IDC_DDE_INSTANCE, reinterpret_cast<void*>(link.ddeInstance));
   ShowWord(page, IDC_DDE_SYSTEM, link.systemConversation);
   ShowWord(page, IDC_DDE_WORKBOOK, link.workbookConversation);
-  EnableWindow(GetDlgItem(page, IDC_DDE_CONNECT), !conversation);
-  for (int id : {IDC_DDE_DISCONNECT, IDC_DDE_REQUEST, IDC_DDE_POKE, IDC_DDE_EXECUTE}) {
-    EnableWindow(GetDlgItem(page, id), conversation != nullptr);
-  }
+  // What becomes usable comes first: the focus may have to go there.
+  const bool talks = conversation != nullptr;
+  if (!talks) EnableControl(page, IDC_DDE_CONNECT, true);
+  for (int id : {IDC_DDE_DISCONNECT, IDC_DDE_REQUEST, IDC_DDE_POKE, IDC_DDE_EXECUTE}) EnableControl(page, id, talks);
+  if (talks) EnableControl(page, IDC_DDE_CONNECT, false);
 }
 
 void Connect(HWND page) {
-  if (!instance) DdeInitializeA(&instance, IgnoreTransaction, APPCMD_CLIENTONLY, 0);
+  if (!instance) DdeInitializeA(&instance, OnTransaction, APPCMD_CLIENTONLY, 0);
   const std::string service = FieldText(page, IDC_DDE_SERVICE), topic = FieldText(page, IDC_DDE_TOPIC);
   conversation = kv::ddeConnect(instance, service.c_str(), topic.c_str());
   Log(page, "ddeConnect \"%s\" \"%s\" = %08X", service.c_str(), topic.c_str(), conversation);
@@ -86,8 +100,7 @@ void Request(HWND page) {
   const BOOL done = kv::ddeRequest(instance, conversation, item.c_str(), answer, kAnswerTimeoutMs);
   Log(page, "ddeRequest \"%s\" = %d", item.c_str(), done);
   if (!answer[0]) return;
-  AppendToLog(page, answer);
-  AppendToLog(page, "\r\n");
+  AppendLine(page, answer);
 }
 
 void Poke(HWND page) {
@@ -104,12 +117,22 @@ void Execute(HWND page) {
   Log(page, "ddeExecute \"%s\" = %d", command.c_str(), done);
 }
 
+INT_PTR OnEnded(HWND page, HCONV ended) {
+  if (ended != conversation) return TRUE;
+  conversation = nullptr;
+  AppendToLog(page, Text(IDS_DDE_ENDED).c_str());
+  AppendToLog(page, L"\r\n");
+  ShowState(page);
+  return TRUE;
+}
+
 void SetLink(HWND page, BOOL open) {
   const BOOL result = kv::excelLink(open);
   Log(page, "excelLink %d = %d", open, result);
 }
 
 INT_PTR OnInit(HWND page, WPARAM wParam, LPARAM lParam) {
+  ddePage = page;
   // The desktop itself is a server that answers this.
   SetDlgItemTextA(page, IDC_DDE_SERVICE, "Progman");
   SetDlgItemTextA(page, IDC_DDE_TOPIC, "Progman");
@@ -150,6 +173,7 @@ INT_PTR CALLBACK DdePageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM
   switch (message) {
     case WM_INITDIALOG: return OnInit(page, wParam, lParam);
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam), HIWORD(wParam));
+    case kEnded: return OnEnded(page, reinterpret_cast<HCONV>(lParam));
     case WM_DESTROY: return OnDestroy();
     default: return HandlePageMessage(page, message, wParam, lParam);
   }

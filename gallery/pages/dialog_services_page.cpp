@@ -13,6 +13,7 @@
 #include "framework/picture.h"
 #include "framework/tool_tips.h"
 #include "framework/window_position.h"
+#include "gallery/numbers.h"
 #include "gallery/page.h"
 #include "gallery/pages/dialog_services_ids.h"
 #include "gallery/texts.h"
@@ -70,8 +71,9 @@ void FillSamples(HWND page) {
 
 void ShowScale(HWND page) {
   const SIZE size = kv::ClientSize(page);
-  Show(page, IDC_SERVICES_SCALE, IDS_SERVICES_SCALE, static_cast<double>(size.cx) / std::max(designSize.cx, 1L),
-       static_cast<double>(size.cy) / std::max(designSize.cy, 1L));
+  Show(page, IDC_SERVICES_SCALE, IDS_SERVICES_SCALE,
+       NumberText(static_cast<double>(size.cx) / std::max(designSize.cx, 1L), 2).c_str(),
+       NumberText(static_cast<double>(size.cy) / std::max(designSize.cy, 1L), 2).c_str());
 }
 
 void AttachToolTips(HWND page) {
@@ -154,9 +156,7 @@ void RememberPlace(HWND page) {
 // ---- Calendar ------------------------------------------------------------------------------------------------------
 
 void ShowTime(HWND page, int controlId, const SYSTEMTIME& time) {
-  wchar_t text[64];
-  kv::FormatBounded(text, sizeof(text), L"%04u-%02u-%02u  %02u:00", time.wYear, time.wMonth, time.wDay, time.wHour);
-  SetDlgItemTextW(page, controlId, text);
+  SetDlgItemTextW(page, controlId, (DateText(time) + L"  " + TimeText(time, false)).c_str());
 }
 
 void ShowCalendar(HWND page) {
@@ -171,9 +171,7 @@ void ShowCalendar(HWND page) {
 
   constexpr double kHoursPerDay = 24;
   const double number = kv::DayNumber(&time) + time.wHour / kHoursPerDay;
-  wchar_t text[64];
-  kv::FormatBounded(text, sizeof(text), L"%.3f", number);
-  SetDlgItemTextW(page, IDC_SERVICES_NUMBER, text);
+  SetDlgItemTextW(page, IDC_SERVICES_NUMBER, NumberText(number, 3).c_str());
   SetDlgItemInt(page, IDC_SERVICES_WEEK, kv::WeekNumber(number), TRUE);
 
   SYSTEMTIME back{};

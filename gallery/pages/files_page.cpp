@@ -1,5 +1,7 @@
 #include "gallery/pages/files_page.h"
 
+#include <shlobj.h>
+
 #include <string>
 
 #include "framework/file_dialog.h"
@@ -15,10 +17,18 @@ namespace {
 // What the dialogs propose: the file that was chosen last, at first one beside the program.
 wchar_t proposedPath[kv::kPathCharacters];
 
-void ProposeFileBesideProgram() {
-  kv::ProgramDirectory(proposedPath);
-  const int length = lstrlenW(proposedPath);
-  lstrcpynW(proposedPath + length, L"notes.txt", static_cast<int>(kv::kPathCharacters) - length);
+bool MayWriteIn(const std::wstring& folder) {
+  wchar_t name[kv::kPathCharacters];
+  return GetTempFileNameW(folder.c_str(), L"kv", 0, name) && DeleteFileW(name);
+}
+
+// Beside the program, or among the user's documents where programs lie out of the user's reach.
+void ProposeFile() {
+  wchar_t folder[kv::kPathCharacters] = L"";
+  kv::ProgramDirectory(folder);
+  if (!MayWriteIn(folder)) SHGetFolderPathW(nullptr, CSIDL_PERSONAL, nullptr, 0, folder);
+  const std::wstring file = std::wstring(folder) + (folder[0] && folder[lstrlenW(folder) - 1] == L'\\' ? L"" : L"\\");
+  lstrcpynW(proposedPath, (file + L"notes.txt").c_str(), kv::kPathCharacters);
 }
 
 void ShowStatus(HWND page, UINT textId, const wchar_t* path = L"") {
@@ -50,13 +60,14 @@ void Open(HWND page) {
   ShowStatus(page, IDS_FILES_OPENED, proposedPath);
 }
 
-// The save dialog makes a folder of the proposed path; one that was not used must not stay behind.
+// The save dialog makes a folder of the proposed path if nothing has that name, and then no file could be saved under
+// it. So there is a file meanwhile, which goes with its handle, whatever becomes of this program.
 bool ChooseToSave(HWND page) {
-  wchar_t folder[kv::kPathCharacters];
-  const bool existed = GetFileAttributesW(proposedPath) != INVALID_FILE_ATTRIBUTES;
-  lstrcpynW(folder, proposedPath, kv::kPathCharacters);
+  const HANDLE placeholder =
+      CreateFileW(proposedPath, GENERIC_WRITE | DELETE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                  CREATE_NEW, FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
   const bool chosen = Choose(page, IDS_FILES_SAVE_TITLE, TRUE);
-  if (!existed) RemoveDirectoryW(folder);  // only ever an empty one
+  if (placeholder != INVALID_HANDLE_VALUE) CloseHandle(placeholder);
   return chosen;
 }
 
@@ -74,7 +85,7 @@ void Save(HWND page) {
 }
 
 INT_PTR OnInit(HWND page) {
-  ProposeFileBesideProgram();
+  ProposeFile();
   SendDlgItemMessageW(page, IDC_FILES_NOTES, EM_SETLIMITTEXT, kLargestNotes, 0);
   return HandlePageMessage(page, WM_INITDIALOG, 0, 0);
 }

@@ -12,8 +12,11 @@
 #include "framework/bounded_format.h"
 #include "framework/guards.h"
 #include "framework/painting.h"
+#include "framework/shell_launch.h"
 #include "framework/whole_number.h"
 #include "framework/window_record.h"
+#include "gallery/drawing.h"
+#include "gallery/numbers.h"
 #include "gallery/page.h"
 #include "gallery/pages/flight_ids.h"
 #include "gallery/texts.h"
@@ -23,13 +26,14 @@ namespace gallery {
 namespace {
 
 constexpr double kMetresPerPoint = 4;  // two points a second at 8 m/s
-constexpr COLORREF kPaper = RGB(0xFA, 0xFA, 0xF4), kInk = RGB(0x40, 0x40, 0xA0), kGround = RGB(0x60, 0x90, 0x50);
+constexpr int kGroundPercent = 40;     // of the text colour
 constexpr size_t kShownBytes = 8000;
 
 // The flight that the view holds. One page, one flight; it lives as long as the program.
 std::vector<kv::FlightTrackPoint> points;
 kv::FlightTrack track;
 int flightNumber = 0;
+std::wstring shownFile;  // that was written last; empty when there is none
 
 // ---- The sample flight ---------------------------------------------------------------------------------------------
 
@@ -101,13 +105,14 @@ void DrawCurve(HDC dc, const RECT& area, int count, bool sameScale, At at) {
 
 void DrawPlan(HDC dc, RECT area) {
   kv::DrawSunkenFrame(dc, &area);
-  kv::FillSolid(dc, area, kPaper);
+  kv::FillSolid(dc, area, GetSysColor(COLOR_WINDOW));
   InflateRect(&area, -10, -10);
   RECT plan = area, profile = area;
   plan.bottom = area.bottom - (area.bottom - area.top) / 3;
   profile.top = plan.bottom + 16;
 
-  const kv::OwnedPen ground(CreatePen(PS_SOLID, 1, kGround)), ink(CreatePen(PS_SOLID, 2, kInk));
+  const kv::OwnedPen ground(CreatePen(PS_SOLID, 1, ListShade(kGroundPercent)));
+  const kv::OwnedPen ink(CreatePen(PS_SOLID, 2, GetSysColor(COLOR_WINDOWTEXT)));
   {
     const kv::SelectedObject selected(dc, ground);
     for (const LONG y : {plan.bottom + 8, profile.bottom}) {
@@ -141,7 +146,10 @@ void ShowFile(HWND page, const wchar_t* path) {
   if (size > static_cast<long>(count)) text += L"...";
   SetDlgItemTextW(page, IDC_FLIGHT_TEXT, text.c_str());
   wchar_t result[512];
-  kv::FormatBounded(result, sizeof(result), Text(size < 0 ? IDS_FLIGHT_NO_FILE : IDS_FLIGHT_FILE).c_str(), path, size);
+  kv::FormatBounded(result, sizeof(result), Text(size < 0 ? IDS_FLIGHT_NO_FILE : IDS_FLIGHT_FILE).c_str(), path,
+                    NumberText(size).c_str());
+  shownFile = size < 0 ? L"" : path;
+  EnableControl(page, IDC_FLIGHT_FOLDER, size >= 0);
   SetDlgItemTextW(page, IDC_FLIGHT_RESULT, result);
 }
 
@@ -189,12 +197,19 @@ INT_PTR OnShowInGlobe(HWND page) {
   return TRUE;
 }
 
+INT_PTR OnOpenFolder() {
+  const std::wstring arguments = L"/select,\"" + shownFile + L"\"";
+  kv::shellCalls.executeW(nullptr, L"open", L"explorer.exe", arguments.c_str(), nullptr, SW_SHOWNORMAL);
+  return TRUE;
+}
+
 INT_PTR OnCommand(HWND page, UINT command) {
   switch (command) {
     case IDC_FLIGHT_NEW: return OnNewFlight(page);
     case IDC_FLIGHT_KML: return OnExportKml(page);
     case IDC_FLIGHT_WAYPOINTS: return OnExportWaypoints(page);
     case IDC_FLIGHT_ALWAYS: return OnExportAlways(page);
+    case IDC_FLIGHT_FOLDER: return OnOpenFolder();
     case IDC_FLIGHT_GLOBE: return OnShowInGlobe(page);
     default: return FALSE;
   }
@@ -208,6 +223,7 @@ INT_PTR OnDrawItem(const DRAWITEMSTRUCT* item) {
 }
 
 void ShowTexts(HWND page) {
+  SetPageText(page, IDC_FLIGHT_PLAN, IDS_TITLE_FIRST + PAGE_INDEX_FLIGHT);  // its name, for a screen reader
   SetPageText(page, IDC_FLIGHT_STATION,
               kv::isHelmsdeckRunning() ? IDS_FLIGHT_STATION_RUNS : IDS_FLIGHT_STATION_RUNS_NOT);
   if (GetWindowTextLengthW(GetDlgItem(page, IDC_FLIGHT_TEXT)) == 0) {
@@ -219,7 +235,10 @@ void ShowTexts(HWND page) {
 
 INT_PTR CALLBACK FlightPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
-    case WM_INITDIALOG: OnNewFlight(page); break;
+    case WM_INITDIALOG:
+      OnNewFlight(page);
+      EnableControl(page, IDC_FLIGHT_FOLDER, false);
+      break;
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam));
     case WM_DRAWITEM: return OnDrawItem(reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
     case kPageShown:

@@ -3,10 +3,12 @@
 #include <cmath>
 #include <iterator>
 #include <numbers>
+#include <string>
 
 #include "controls/display_instrument.h"
 #include "gallery/page.h"
 #include "gallery/pages/instruments_ids.h"
+#include "gallery/texts.h"
 
 namespace gallery {
 
@@ -69,8 +71,29 @@ struct Zone {
   COLORREF color;
 };
 
+// In the order of their texts.
+enum Name {
+  kAirspeed,
+  kHeading,
+  kAltitude,
+  kClimb,
+  kPower,
+  kFuel,
+  kLatitude,
+  kLongitude,
+  kTime,
+  kVoltage,
+  kSignal,
+  kNoise,
+  kAcceleration,
+  kDate,
+  kDisabled,
+  kNoValue,
+  kSmall,
+};
+
 struct Instrument {
-  const char* name;
+  Name name;
   const char* unit;
   float minimum, maximum, step;
   BYTE format;
@@ -83,32 +106,32 @@ constexpr Zone kSpeedZones[] = {{45, 120, kGreen}, {120, 145, kAmber}, {145, 160
 
 // In the order of the controls.
 constexpr Instrument kInstruments[] = {
-    {"Airspeed", "kt", 0, 160, 1, 0, kRed, Airspeed, {kSpeedZones[0], kSpeedZones[1], kSpeedZones[2]}},
-    {"Heading", "\xB0", -360, 360, 1, 0, kAmber, Heading, {}},
-    {"Altitude", "ft", 0, 10000, 10, 0, kRed, Altitude, {}},
-    {"Climb", "m/s", -20, 20, 0.1f, 1, kRed, Climb, {}},
-    {"Power", "%", 0, 100, 4, 0, kGreen, Power, {{75, 88, kAmber}, {88, 100, kRed}}},
-    {"Fuel", "%", 0, 100, 4, 0, kCyan, Fuel, {{20, 20, kRed}}},
-    {"Latitude", "NS", -90, 90, 0.0001f, 0, kGreen, Latitude, {}},
-    {"Longitude", "EW", -180, 180, 0.0001f, 0, kGreen, Longitude, {}},
-    {"Time", "", 0, 1, 1, 0, kRed, nullptr, {}},
-    {"Voltage", "V", 0, 99, 0.01f, 2, kCyan, Voltage, {}},
-    {"Signal", "%", 0, 100, 4, 0, kGreen, Signal, {{70, 85, kAmber}, {85, 100, kRed}}},
-    {"Noise", "%", 0, 100, 4, 0, kAmber, Noise, {}},
-    {"Acceleration", "g", -4, 9, 0.01f, 2 | kv::kFormatSign, kAmber, Acceleration, {}},
-    {"Date", "", 0, 1, 1, 0, kRed, nullptr, {}},
-    {"Disabled", "%", 0, 100, 1, 0, kRed, Power, {{0, 60, kGreen}, {60, 85, kAmber}, {85, 100, kRed}}},
-    {"Disabled", "\xB0", -360, 360, 1, 0, kRed, Heading, {}},
-    {"Disabled", "%", 0, 999, 1, 0, kRed, Power, {}},
-    {"No value", "%", 0, 100, 1, 0, kRed, nullptr, {}},
-    {"No value", "%", 0, 999, 1, 1, kRed, nullptr, {}},
-    {"Small", "%", 0, 100, 1, 0, kRed, Power, {{0, 60, kGreen}, {60, 85, kAmber}, {85, 100, kRed}}},
-    {"Small", "\xB0", -360, 360, 1, 0, kRed, Heading, {}},
-    {"Small", "%", 0, 999, 1, 0, kRed, Power, {}},
-    {"Small", "%", 0, 100, 10, 0, kGreen, Power, {}},
-    {"Small", "%", -20, 20, 0.1f, 1, kRed, Climb, {}},
+    {kAirspeed, "kt", 0, 160, 1, 0, kRed, Airspeed, {kSpeedZones[0], kSpeedZones[1], kSpeedZones[2]}},
+    {kHeading, "\xB0", -360, 360, 1, 0, kAmber, Heading, {}},
+    {kAltitude, "ft", 0, 10000, 10, 0, kRed, Altitude, {}},
+    {kClimb, "m/s", -20, 20, 0.1f, 1, kRed, Climb, {}},
+    {kPower, "%", 0, 100, 4, 0, kGreen, Power, {{75, 88, kAmber}, {88, 100, kRed}}},
+    {kFuel, "%", 0, 100, 4, 0, kCyan, Fuel, {{20, 20, kRed}}},
+    {kLatitude, "NS", -90, 90, 0.0001f, 0, kGreen, Latitude, {}},
+    {kLongitude, "EW", -180, 180, 0.0001f, 0, kGreen, Longitude, {}},
+    {kTime, "", 0, 1, 1, 0, kRed, nullptr, {}},
+    {kVoltage, "V", 0, 99, 0.01f, 2, kCyan, Voltage, {}},
+    {kSignal, "%", 0, 100, 4, 0, kGreen, Signal, {{70, 85, kAmber}, {85, 100, kRed}}},
+    {kNoise, "%", 0, 100, 4, 0, kAmber, Noise, {}},
+    {kAcceleration, "g", -4, 9, 0.01f, 2 | kv::kFormatSign, kAmber, Acceleration, {}},
+    {kDate, "", 0, 1, 1, 0, kRed, nullptr, {}},
+    {kDisabled, "%", 0, 100, 1, 0, kRed, Power, {{0, 60, kGreen}, {60, 85, kAmber}, {85, 100, kRed}}},
+    {kDisabled, "\xB0", -360, 360, 1, 0, kRed, Heading, {}},
+    {kDisabled, "%", 0, 999, 1, 0, kRed, Power, {}},
+    {kNoValue, "%", 0, 100, 1, 0, kRed, nullptr, {}},
+    {kNoValue, "%", 0, 999, 1, 1, kRed, nullptr, {}},
+    {kSmall, "%", 0, 100, 1, 0, kRed, Power, {{0, 60, kGreen}, {60, 85, kAmber}, {85, 100, kRed}}},
+    {kSmall, "\xB0", -360, 360, 1, 0, kRed, Heading, {}},
+    {kSmall, "%", 0, 999, 1, 0, kRed, Power, {}},
+    {kSmall, "%", 0, 100, 10, 0, kGreen, Power, {}},
+    {kSmall, "%", -20, 20, 0.1f, 1, kRed, Climb, {}},
 };
-constexpr int kTime = 8, kDate = 13, kFirstWithoutState = 14;  // from there on the state is the point, and stays
+constexpr int kFirstWithoutState = 14;  // from there on the state is the point, and stays
 
 HWND ControlOf(HWND page, int index) {
   return GetDlgItem(page, IDC_INSTRUMENTS + index);
@@ -118,10 +141,18 @@ void Send(HWND control, WPARAM wParam, const void* item) {
   SendMessageA(control, kv::kControlCommand, wParam, reinterpret_cast<LPARAM>(item));
 }
 
+std::string NameOf(const Instrument& instrument) {
+  const std::wstring name = Text(IDS_INSTRUMENTS_NAME + instrument.name);
+  char bytes[sizeof(kv::InstrumentBlock::szName)] = "";
+  WideCharToMultiByte(CP_UTF8, 0, name.c_str(), -1, bytes, sizeof(bytes) - 1, nullptr, nullptr);
+  return bytes;
+}
+
 void Describe(HWND control, const Instrument& instrument) {
+  const std::string name = NameOf(instrument);
   kv::InstrumentBlock block =
       kv::BuildDefaultBlock({instrument.minimum, instrument.maximum, instrument.step, instrument.format,
-                             instrument.color, instrument.unit, instrument.name});
+                             instrument.color, instrument.unit, name.c_str()});
   for (int i = 0; i < kv::kInstrumentZones; ++i) {
     const Zone& zone = instrument.zones[i];
     if (zone.color == 0) continue;
@@ -161,8 +192,12 @@ INT_PTR ShowSample(HWND page) {
 
 // ---- Messages ------------------------------------------------------------------------------------------------------
 
-void OnInit(HWND page) {
+void OnTextsChanged(HWND page) {
   for (int i = 0; i < static_cast<int>(std::size(kInstruments)); ++i) Describe(ControlOf(page, i), kInstruments[i]);
+  ShowSample(page);
+}
+
+void OnInit(HWND page) {
   for (const int id : {IDC_INSTRUMENTS_GLIDE, IDC_INSTRUMENTS_VALID, IDC_INSTRUMENTS_ENABLED}) {
     CheckDlgButton(page, id, BST_CHECKED);
   }
@@ -188,6 +223,7 @@ INT_PTR CALLBACK InstrumentsPageProcedure(HWND page, UINT message, WPARAM wParam
   switch (message) {
     case WM_INITDIALOG: OnInit(page); break;
     case WM_TIMER: return ShowSample(page);
+    case kTextsChanged: OnTextsChanged(page); break;
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam));
     case kPageShown: return OnShown(page, wParam != 0);
     default: break;

@@ -136,6 +136,10 @@ void ShareWidth(HWND table) {
 void ShowAnswer(HWND page) {
   wchar_t word[kv::kPathCharacters];
   GetDlgItemTextW(page, IDC_LANGUAGE_WORD, word, ARRAYSIZE(word));
+  if (!word[0]) {
+    SetDlgItemTextW(page, IDC_LANGUAGE_ANSWER, L"");
+    return;
+  }
   const bool every = IsDlgButtonChecked(page, IDC_LANGUAGE_EVERY) == BST_CHECKED;
   const BOOL yes = kv::IsAffirmative(every ? kv::kEveryLanguage : SelectedLanguage(page), word);
   SetPageText(page, IDC_LANGUAGE_ANSWER, yes ? IDS_LANGUAGE_YES : IDS_LANGUAGE_NO);
@@ -181,7 +185,9 @@ INT_PTR OnCommand(HWND page, UINT id, UINT code) {
 INT_PTR OnNotify(HWND page, const NMHDR* notification) {
   if (notification->idFrom != IDC_LANGUAGE_TABLE) return FALSE;
   if (notification->code == LVN_ITEMCHANGED) ShowAnswer(page);
-  if (notification->code == static_cast<UINT>(NM_DBLCLK)) OnCommand(page, IDC_LANGUAGE_USE, 0);
+  const bool chosen =
+      notification->code == static_cast<UINT>(NM_DBLCLK) || notification->code == static_cast<UINT>(NM_RETURN);
+  if (chosen) OnCommand(page, IDC_LANGUAGE_USE, 0);
   return TRUE;
 }
 
@@ -192,7 +198,9 @@ INT_PTR CALLBACK LanguagePageProcedure(HWND page, UINT message, WPARAM wParam, L
     case WM_INITDIALOG: return OnInit(page);
     case WM_SIZE: return OnSize(page);
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam), HIWORD(wParam));
-    case WM_NOTIFY: return OnNotify(page, reinterpret_cast<const NMHDR*>(lParam));
+    case WM_NOTIFY:
+      if (OnNotify(page, reinterpret_cast<const NMHDR*>(lParam))) return TRUE;
+      break;
     case kTextsChanged: ShowTexts(page); break;
     default: break;
   }

@@ -1,6 +1,7 @@
 #include "gallery/pages/mesh_page.h"
 
 #include "framework/bounded_format.h"
+#include "gallery/numbers.h"
 #include "gallery/page.h"
 #include "gallery/pages/mesh_ids.h"
 #include "gallery/pages/mesh_view.h"
@@ -19,10 +20,15 @@ void ShowFigures(HWND page) {
   MeshViewFigures figures{};
   if (!GetMeshViewFigures(GetDlgItem(page, IDC_MESH_VIEW), &figures)) return;
   wchar_t text[128] = L"";
-  kv::FormatBounded(text, sizeof(text), Text(IDS_MESH_FIGURES).c_str(), figures.triangles,
-                    figures.pictures - picturesBefore, figures.pictureMs);
+  kv::FormatBounded(text, sizeof(text), Text(IDS_MESH_FIGURES).c_str(), NumberText(figures.triangles).c_str(),
+                    NumberText(figures.pictures - picturesBefore).c_str(), NumberText(figures.pictureMs, 1).c_str());
   picturesBefore = figures.pictures;
   SetDlgItemTextW(page, IDC_MESH_FIGURES, text);
+}
+
+void ShowTexts(HWND page) {
+  SetPageText(page, IDC_MESH_HINT, IDS_MESH_HINT);
+  SetPageText(page, IDC_MESH_VIEW, IDS_TITLE_FIRST + PAGE_INDEX_MESH);  // its name, for a screen reader
 }
 
 void Run(HWND page, bool shown) {
@@ -38,7 +44,7 @@ void Run(HWND page, bool shown) {
 
 INT_PTR CALLBACK MeshPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
-    case kTextsChanged: SetPageText(page, IDC_MESH_HINT, IDS_MESH_HINT); break;
+    case kTextsChanged: ShowTexts(page); break;
     case kPageShown: Run(page, wParam != 0); return TRUE;
     case WM_TIMER: ShowFigures(page); return TRUE;
     default: break;

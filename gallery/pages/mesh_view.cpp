@@ -9,6 +9,7 @@
 #include "framework/angles.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
+#include "framework/painting.h"
 #include "framework/picture.h"
 #include "framework/window_record.h"
 #include "gallery/pages/multirotor.h"
@@ -22,7 +23,9 @@ namespace {
 constexpr UINT_PTR kMotionTimer = 1;
 constexpr UINT kMotionMs = 33;
 constexpr int kOversampling = 2;
-constexpr double kTurnPerPicture = 0.5, kDegreesPerPixel = 0.5, kBankDegrees = 5;
+constexpr double kTurnPerPicture = 0.5, kDegreesPerPixel = 0.5, kDegreesPerKey = 5, kBankDegrees = 5;
+constexpr double kZoomPerStep = 1.1, kSmallestZoom = 0.4, kLargestZoom = 4;
+constexpr double kFirstTurn = 200, kFirstTilt = 28;
 // Model units that fill the window; its height takes in more when the craft is seen from above or below.
 constexpr double kFittingWidth = 530, kFittingHeight = 260, kFittingHeightFromAbove = 500;
 constexpr std::uint32_t kSkyTop = 0x0C1018, kSkyBottom = 0x26344A, kGlassTint = 0xB8D4FF;
@@ -32,6 +35,7 @@ struct MeshView {
   Multirotor craft;
   HGLOBAL ground;
   double turn, tilt;  // degrees
+  double zoom;        // 1 fills the window
   BOOL dragging;
   POINT dragPoint;
   HBITMAP picture;
@@ -113,7 +117,7 @@ int DrawMesh(HGLOBAL mesh, const Raster& raster) {
 double FittingScale(const MeshView& view) {
   const double fromAbove = std::fabs(std::sin(kv::Radians(view.tilt)));
   const double height = kFittingHeight + (kFittingHeightFromAbove - kFittingHeight) * fromAbove;
-  return std::min(view.size.cx / kFittingWidth, view.size.cy / height);
+  return view.zoom * std::min(view.size.cx / kFittingWidth, view.size.cy / height);
 }
 
 void Render(MeshView* view) {
@@ -148,13 +152,22 @@ void DropPicture(MeshView* view) {
   view->samples.pixels = nullptr;
 }
 
+LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+void Reset(MeshView* view) {
+  view->turn = kFirstTurn;
+  view->tilt = kFirstTilt;
+  view->zoom = 1;
+}
+
 LRESULT OnCreate(HWND window) {
   auto* view = kv::CreateWindowRecord<MeshView>(window);
   if (!view) return -1;
   view->craft = CreateMultirotor();
   view->ground = CreateGround();
-  view->turn = 200;
-  view->tilt = 28;
+  Reset(view);
+  // The class is one of 8-bit text; the window's name is of any language.
+  SetWindowLongW(window, GWL_WNDPROC, reinterpret_cast<LONG>(Procedure));
   return 0;
 }
 
@@ -185,7 +198,10 @@ LRESULT OnSize(HWND window, MeshView* view) {
 
 LRESULT OnPaint(HWND window, const MeshView* view) {
   const kv::PaintScope paint(window);
-  if (view->picture) kv::ShowBitmap(paint.dc(), {0, 0, view->size.cx, view->size.cy}, view->picture, view->size);
+  if (!view->picture) return 0;
+  const RECT whole{0, 0, view->size.cx, view->size.cy};
+  kv::ShowBitmap(paint.dc(), whole, view->picture, view->size);
+  if (GetFocus() == window) kv::DrawRoundedFrame(paint.dc(), whole, 0, 2, GetSysColor(COLOR_HIGHLIGHT));
   return 0;
 }
 
@@ -203,17 +219,53 @@ LRESULT OnTimer(HWND window, MeshView* view) {
 }
 
 LRESULT OnButtonDown(HWND window, MeshView* view, POINT point) {
+  SetFocus(window);
   SetCapture(window);
   view->dragging = TRUE;
   view->dragPoint = point;
   return 0;
 }
 
+void Turn(MeshView* view, double turn, double tilt) {
+  view->turn = std::fmod(view->turn + turn, 360);
+  view->tilt = std::clamp(view->tilt + tilt, -90.0, 90.0);
+}
+
+void Zoom(MeshView* view, double steps) {
+  view->zoom = std::clamp(view->zoom * std::pow(kZoomPerStep, steps), kSmallestZoom, kLargestZoom);
+}
+
+// The near side follows the arrow. The timer shows it.
+LRESULT OnKey(MeshView* view, WPARAM key) {
+  switch (key) {
+    case VK_LEFT: Turn(view, kDegreesPerKey, 0); break;
+    case VK_RIGHT: Turn(view, -kDegreesPerKey, 0); break;
+    case VK_UP: Turn(view, 0, -kDegreesPerKey); break;
+    case VK_DOWN: Turn(view, 0, kDegreesPerKey); break;
+    case VK_ADD:
+    case VK_OEM_PLUS: Zoom(view, 1); break;
+    case VK_SUBTRACT:
+    case VK_OEM_MINUS: Zoom(view, -1); break;
+    case VK_HOME: Reset(view); break;
+    default: break;
+  }
+  return 0;
+}
+
+LRESULT OnWheel(MeshView* view, int delta) {
+  Zoom(view, static_cast<double>(delta) / WHEEL_DELTA);
+  return 0;
+}
+
+LRESULT OnFocusChanged(HWND window) {
+  InvalidateRect(window, nullptr, FALSE);
+  return 0;
+}
+
 // The near side follows the mouse. The timer shows it.
 LRESULT OnMouseMove(MeshView* view, POINT point) {
   if (!view->dragging) return 0;
-  view->turn = std::fmod(view->turn - (point.x - view->dragPoint.x) * kDegreesPerPixel, 360);
-  view->tilt = std::clamp(view->tilt + (point.y - view->dragPoint.y) * kDegreesPerPixel, -90.0, 90.0);
+  Turn(view, -(point.x - view->dragPoint.x) * kDegreesPerPixel, (point.y - view->dragPoint.y) * kDegreesPerPixel);
   view->dragPoint = point;
   return 0;
 }
@@ -229,11 +281,16 @@ LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lPar
     case WM_PAINT: return OnPaint(window, view);
     case WM_ERASEBKGND: return TRUE;
     case WM_TIMER: return OnTimer(window, view);
+    case WM_GETDLGCODE: return DLGC_WANTARROWS;
+    case WM_KEYDOWN: return OnKey(view, wParam);
+    case WM_MOUSEWHEEL: return OnWheel(view, GET_WHEEL_DELTA_WPARAM(wParam));
+    case WM_SETFOCUS:
+    case WM_KILLFOCUS: return OnFocusChanged(window);
     case WM_LBUTTONDOWN: return OnButtonDown(window, view, point);
     case WM_MOUSEMOVE: return OnMouseMove(view, point);
     case WM_LBUTTONUP: return ReleaseCapture();
     case WM_CAPTURECHANGED: view->dragging = FALSE; return 0;
-    default: return DefWindowProcA(window, message, wParam, lParam);
+    default: return DefWindowProcW(window, message, wParam, lParam);
   }
 }
 

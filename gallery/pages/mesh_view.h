@@ -1,5 +1,7 @@
 // A window that shows the multirotor: projected and depth-sorted by the library's mesh model, flat-shaded, drawn into a
-// picture twice as large, shrunk and shown at once. It turns by itself, and with the mouse. Main thread only.
+// picture twice as large, shrunk and shown at once. It turns by itself; the mouse and the
+// arrow keys turn it too, the wheel and the keys + and - change its size, Home brings it back. Its window text is its
+// name for a screen reader. Main thread only.
 #pragma once
 
 #include <windows.h>

@@ -9,7 +9,7 @@
 #include "export/terminal_edit.h"
 #include "export/web_links.h"
 #include "framework/angles.h"
-#include "framework/bounded_format.h"
+#include "gallery/numbers.h"
 #include "gallery/page.h"
 #include "gallery/pages/nmea_ids.h"
 
@@ -20,6 +20,7 @@ namespace {
 constexpr UINT_PTR kTimer = 1;
 constexpr UINT kTimerMs = 500;
 constexpr int kMostLines = 200;
+constexpr wchar_t kDegree[] = L"\u00B0";
 
 // The boat's clock: how many sentences it has sent.
 int step = 0;
@@ -34,10 +35,8 @@ kv::GprmcFix FixAt(int sentence) {
           .course = std::fmod(90 + kv::Degrees(angle), 360.0)};
 }
 
-void ShowValue(HWND page, int controlId, const wchar_t* format, double value) {
-  wchar_t text[64];
-  kv::FormatBounded(text, sizeof(text), format, value);
-  SetDlgItemTextW(page, controlId, text);
+void ShowValue(HWND page, int controlId, double value, int decimals, const wchar_t* unit) {
+  SetDlgItemTextW(page, controlId, (L" " + NumberText(value, decimals) + unit + L" ").c_str());
 }
 
 // Styling also clears the control and makes it writable.
@@ -63,10 +62,10 @@ void AppendLine(HWND terminal, const char* text) {
 
 void SendSentence(HWND page) {
   const kv::GprmcFix fix = FixAt(step++);
-  ShowValue(page, IDC_NMEA_LATITUDE, L" %.5f\u00B0", fix.latitude);
-  ShowValue(page, IDC_NMEA_LONGITUDE, L" %.5f\u00B0", fix.longitude);
-  ShowValue(page, IDC_NMEA_SPEED, L" %.1f kn", fix.speed);
-  ShowValue(page, IDC_NMEA_COURSE, L" %.1f\u00B0", fix.course);
+  ShowValue(page, IDC_NMEA_LATITUDE, fix.latitude, 5, kDegree);
+  ShowValue(page, IDC_NMEA_LONGITUDE, fix.longitude, 5, kDegree);
+  ShowValue(page, IDC_NMEA_SPEED, fix.speed, 1, L" kn");
+  ShowValue(page, IDC_NMEA_COURSE, fix.course, 1, kDegree);
   char sentence[kv::kSentenceSize] = "";
   kv::formatGprmc(sentence, fix.latitude, fix.longitude, 0, 0, fix.speed, fix.course, 0, 0, 0);
   AppendLine(GetDlgItem(page, IDC_NMEA_TERMINAL), sentence);

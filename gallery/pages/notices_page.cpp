@@ -7,6 +7,7 @@
 
 #include "framework/modules.h"
 #include "framework/notification_icon.h"
+#include "gallery/numbers.h"
 #include "gallery/page.h"
 #include "gallery/pages/notices_ids.h"
 #include "gallery/resource_ids.h"
@@ -25,8 +26,7 @@ void Report(HWND page, const std::wstring& event) {
   const HWND list = GetDlgItem(page, IDC_NOTICES_EVENTS);
   SYSTEMTIME now;
   GetLocalTime(&now);
-  wchar_t time[32] = L"";
-  GetTimeFormatW(LOCALE_USER_DEFAULT, 0, &now, L"HH':'mm':'ss  ", time, ARRAYSIZE(time));
+  const std::wstring time = TimeText(now, true) + L"  ";
   if (SendMessageW(list, LB_GETCOUNT, 0, 0) >= kLongestList) SendMessageW(list, LB_DELETESTRING, 0, 0);
   const auto row = SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>((time + event).c_str()));
   SendMessageW(list, LB_SETCURSEL, row, 0);

@@ -13,7 +13,7 @@ namespace gallery {
 namespace {
 
 // In parts of the design's page height.
-constexpr int kDesignHeight = 450, kRowHeight = 42, kTextHeight = 16, kRowMargin = 12;
+constexpr int kDesignHeight = 450, kRowHeight = 42, kTextHeight = 16, kDescriptionHeight = 14, kRowMargin = 12;
 
 int Scaled(HWND page, int length) {
   return MulDiv(length, kv::ClientSize(page).cy, kDesignHeight);
@@ -37,7 +37,7 @@ INT_PTR OnDrawItem(HWND page, const DRAWITEMSTRUCT* item) {
   DrawLine(item->hDC, Text(IDS_TITLE_FIRST + index), {row.left, middle - textPx - 2, row.right, middle},
            {textPx, FW_SEMIBOLD, color});
   DrawLine(item->hDC, Text(IDS_DESCRIPTION_FIRST + index), {row.left, middle, row.right, middle + textPx + 2},
-           {textPx, FW_NORMAL, color});
+           {Scaled(page, kDescriptionHeight), FW_NORMAL, color});
   return TRUE;
 }
 
