@@ -11,6 +11,7 @@
 #include "framework/whole_number.h"
 #include "framework/window_position.h"
 #include "gallery/drawing.h"
+#include "gallery/frame_header.h"
 #include "gallery/frame_menu.h"
 #include "gallery/keyboard.h"
 #include "gallery/languages.h"
@@ -37,24 +38,6 @@ HWND ListOf(HWND frame) {
 
 // ---- Layout --------------------------------------------------------------------------------------------------------
 
-// Everything in pixels, in proportion to the window.
-struct FrameLayout {
-  int listWidth, rowHeight, headerHeight, titleHeight, margin, titlePx, textPx;
-};
-
-FrameLayout LayoutFor(SIZE client) {
-  constexpr double kDesignWidth = 752, kDesignHeight = 528;  // the client area of the smallest window
-  const double scale = std::max(0.5, std::min(client.cx / kDesignWidth, client.cy / kDesignHeight));
-  const auto scaled = [scale](int length) { return kv::ToInt(length * scale); };
-  return {.listWidth = scaled(196),
-          .rowHeight = scaled(29),
-          .headerHeight = scaled(72),
-          .titleHeight = scaled(34),
-          .margin = scaled(14),
-          .titlePx = scaled(24),
-          .textPx = scaled(16)};
-}
-
 RECT PageArea(SIZE client) {
   const FrameLayout layout = LayoutFor(client);
   return {layout.listWidth + 1, layout.headerHeight + 1, client.cx, client.cy};
@@ -78,28 +61,12 @@ INT_PTR OnSize(HWND frame, WPARAM kind) {
 
 // ---- Painting ------------------------------------------------------------------------------------------------------
 
-void DrawHeader(HDC dc, const RECT& header, const FrameLayout& layout) {
-  const bool plain = IsHighContrast();
-  if (plain) {
-    kv::FillSolid(dc, header, GetSysColor(COLOR_BTNFACE));
-  } else {
-    kv::FillHorizontalGradient(dc, header, kv::kDialogBlue, RGB(0x60, 0x60, 0xF0));
-  }
-  if (selectedPage < 0) return;
-  const COLORREF color = plain ? GetSysColor(COLOR_BTNTEXT) : RGB(255, 255, 255);
-  const int left = header.left + layout.margin, right = header.right - layout.margin;
-  DrawLine(dc, Text(IDS_TITLE_FIRST + selectedPage), {left, layout.titleHeight / 8, right, layout.titleHeight},
-           {layout.titlePx, FW_SEMIBOLD, color});
-  DrawLines(dc, Text(IDS_DESCRIPTION_FIRST + selectedPage), {left, layout.titleHeight, right, layout.headerHeight},
-            {layout.textPx, FW_NORMAL, color});
-}
-
 INT_PTR OnPaint(HWND frame) {
   const kv::PaintScope paint(frame);
   const SIZE client = kv::ClientSize(frame);
   const FrameLayout layout = LayoutFor(client);
   kv::FillSolid(paint.dc(), {layout.listWidth, 0, client.cx, client.cy}, PageColor());
-  DrawHeader(paint.dc(), {layout.listWidth, 0, client.cx, layout.headerHeight}, layout);
+  DrawHeader(paint.dc(), {layout.listWidth, 0, client.cx, layout.headerHeight}, layout, selectedPage);
   return TRUE;
 }
 

@@ -65,8 +65,7 @@ bool OnKeyDown(HWND frame, const MSG& key) {
   }
 }
 
-}  // namespace
-
+// True when the message is done with. It may send the message to another window of the frame instead.
 bool TakeMessage(HWND frame, MSG* message) {
   if (!IsChild(frame, message->hwnd)) return false;
   if (message->message == WM_MOUSEWHEEL || message->message == WM_MOUSEHWHEEL) {
@@ -80,6 +79,14 @@ bool TakeMessage(HWND frame, MSG* message) {
     SetFocus(message->hwnd);
   }
   return message->message == WM_KEYDOWN && OnKeyDown(frame, *message);
+}
+
+}  // namespace
+
+void Dispatch(HWND frame, MSG* message) {
+  if (TakeMessage(frame, message) || IsDialogMessageW(frame, message)) return;
+  TranslateMessage(message);
+  DispatchMessageW(message);
 }
 
 bool FocusPage(HWND page) {

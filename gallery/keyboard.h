@@ -1,5 +1,4 @@
-// The gallery's keys, beyond those that the dialog manager knows: it asks here before it hands a message to
-// IsDialogMessageW. Main thread only.
+// The gallery's messages, and its keys beyond those that the dialog manager knows. Main thread only.
 //
 //   F6, Ctrl+Tab  from the list of pages into the page and back
 //   Tab           goes on also from an edit control that would keep it
@@ -14,8 +13,10 @@
 
 namespace gallery {
 
-// True when the message is done with. It may send the message to another window of the frame instead.
-bool TakeMessage(HWND frame, MSG* message);
+// What the loop does with each message that it has taken, with GetMessageW: the gallery speaks Unicode. So it does not
+// ask the framework's table of modeless dialogs, which offers messages as 8-bit ones and turns a letter that the code
+// page lacks into a question mark.
+void Dispatch(HWND frame, MSG* message);
 
 // Gives the focus to the first control of the page that takes it. False when there is none.
 bool FocusPage(HWND page);

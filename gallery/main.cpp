@@ -32,18 +32,10 @@ namespace {
 constexpr DWORD kSettleMs = 1500;
 constexpr int kExitNoWindow = 1, kExitRefused = 2;
 
-// The gallery speaks Unicode, so its loop does not go through the framework's table of modeless dialogs, which offers
-// messages as 8-bit ones: a letter that the code page lacks would be typed as a question mark.
-void Dispatch(HWND frame, MSG* message) {
-  if (gallery::TakeMessage(frame, message) || IsDialogMessageW(frame, message)) return;
-  TranslateMessage(message);
-  DispatchMessageW(message);
-}
-
 void PumpFor(HWND frame, DWORD milliseconds) {
   for (const DWORD start = GetTickCount(); GetTickCount() - start < milliseconds;) {
     MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) Dispatch(frame, &message);
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) gallery::Dispatch(frame, &message);
     MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
   }
 }
@@ -95,7 +87,7 @@ int ShowFrame(HINSTANCE instance, const gallery::StartOptions& options) {
   if (!IsWindowVisible(frame)) ShowWindow(frame, SW_SHOW);
   if (options.walk) Walk(frame);
   MSG message;
-  while (GetMessageW(&message, nullptr, 0, 0) > 0) Dispatch(frame, &message);
+  while (GetMessageW(&message, nullptr, 0, 0) > 0) gallery::Dispatch(frame, &message);
   return 0;
 }
 

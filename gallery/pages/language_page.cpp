@@ -25,10 +25,10 @@ struct Column {
   UINT title;
   int share;  // of the table's width, in parts of 100
 };
-constexpr Column kColumns[] = {{IDS_LANGUAGE_COLUMN_NAME, 24},
-                               {IDS_LANGUAGE_COLUMN_CODE, 12},
-                               {IDS_LANGUAGE_COLUMN_LIBRARY, 34},
-                               {IDS_LANGUAGE_COLUMN_HELP, 30}};
+constexpr Column kColumns[] = {{IDS_LANGUAGE_COLUMN_NAME, 22},
+                               {IDS_LANGUAGE_COLUMN_CODE, 14},
+                               {IDS_LANGUAGE_COLUMN_LIBRARY, 37},
+                               {IDS_LANGUAGE_COLUMN_HELP, 27}};
 
 constexpr COLORREF kClear = RGB(255, 0, 255);
 
