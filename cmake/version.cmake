@@ -1,10 +1,14 @@
 # The project's number for C++, resource scripts and manifests, under ${PROJECT_BINARY_DIR}/generated.
 string(REPLACE "." ", " KV_VERSION_NUMBERS ${PROJECT_VERSION})
 configure_file(framework/version.h.in generated/framework/version.h @ONLY)
-configure_file(resources/tarnwick.manifest.in generated/resources/tarnwick.manifest @ONLY)
+foreach(KV_MANIFEST_NAME Tarnwick kvgallery)
+  string(TOLOWER ${KV_MANIFEST_NAME} manifest)
+  configure_file(resources/tarnwick.manifest.in generated/resources/${manifest}.manifest @ONLY)
+endforeach()
 
 # What a resource script with version record and manifest depends on without the build seeing it.
 set(KV_VERSION_FILES
   ${PROJECT_SOURCE_DIR}/resources/version_record.rc
   ${PROJECT_BINARY_DIR}/generated/framework/version.h
-  ${PROJECT_BINARY_DIR}/generated/resources/tarnwick.manifest)
+  ${PROJECT_BINARY_DIR}/generated/resources/tarnwick.manifest
+  ${PROJECT_BINARY_DIR}/generated/resources/kvgallery.manifest)

@@ -9,18 +9,12 @@ namespace {
 
 std::vector<std::wstring>* cutTexts = nullptr;
 
-void Draw(HDC dc, const std::wstring& text, RECT area, const TextStyle& style, UINT format) {
+void Draw(HDC dc, const std::wstring& text, const RECT& area, const TextStyle& style, UINT format) {
   const kv::OwnedFont font = MakeFont(style.height, style.weight);
   const kv::SelectedObject selected(dc, font);
-  format |= DT_NOPREFIX | (IsRightToLeft() ? DT_RTLREADING : 0u);
   SetBkMode(dc, TRANSPARENT);
   SetTextColor(dc, style.color);
-  if (cutTexts) {
-    RECT needed = area;
-    DrawTextW(dc, text.c_str(), -1, &needed, format | DT_CALCRECT);
-    if (needed.right > area.right || needed.bottom > area.bottom) cutTexts->push_back(text);
-  }
-  DrawTextW(dc, text.c_str(), -1, &area, format | DT_END_ELLIPSIS);
+  DrawFitted(dc, text, area, format);
 }
 
 }  // namespace
@@ -36,6 +30,17 @@ void DrawLine(HDC dc, const std::wstring& text, RECT area, const TextStyle& styl
 
 void DrawLines(HDC dc, const std::wstring& text, RECT area, const TextStyle& style) {
   Draw(dc, text, area, style, DT_WORDBREAK | DT_EDITCONTROL);
+}
+
+void DrawFitted(HDC dc, const std::wstring& text, RECT area, UINT format) {
+  format |= DT_NOPREFIX | (IsRightToLeft() ? DT_RTLREADING : 0u);
+  if (cutTexts) {
+    RECT needed = area;
+    DrawTextW(dc, text.c_str(), -1, &needed, format | DT_CALCRECT);
+    const bool tooWide = needed.right - needed.left > area.right - area.left;
+    if (tooWide || needed.bottom - needed.top > area.bottom - area.top) cutTexts->push_back(text);
+  }
+  DrawTextW(dc, text.c_str(), -1, &area, format | DT_END_ELLIPSIS);
 }
 
 COLORREF DrawRowBackground(const DRAWITEMSTRUCT& item) {

@@ -26,11 +26,14 @@ void DrawLine(HDC dc, const std::wstring& text, RECT area, const TextStyle& styl
 // The same in as many lines as fit into the area, from its top.
 void DrawLines(HDC dc, const std::wstring& text, RECT area, const TextStyle& style);
 
+// The text in the font and colour that `dc` has, with a format of DrawText; what does not fit ends in an ellipsis.
+void DrawFitted(HDC dc, const std::wstring& text, RECT area, UINT format);
+
 // Fills the row of an owner-drawn list box in the system's colours, with a mark of the focus; returns the colour for
 // its text.
 COLORREF DrawRowBackground(const DRAWITEMSTRUCT& item);
 
-// From now on the texts that the two above cut are added to `texts`; with null no longer. For whoever looks for texts
+// From now on the texts that the three above cut are added to `texts`; with null no longer. For whoever looks for texts
 // that are too long.
 void CollectCutTexts(std::vector<std::wstring>* texts);
 

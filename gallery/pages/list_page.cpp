@@ -9,11 +9,14 @@
 #include "framework/bounded_format.h"
 #include "framework/guards.h"
 #include "framework/painting.h"
+#include "framework/picture.h"
 #include "gallery/drawing.h"
+#include "gallery/numbers.h"
 #include "gallery/page.h"
 #include "gallery/pages/list_ids.h"
 #include "gallery/texts.h"
 #include "lists/extended_list.h"
+#include "lists/list_navigation.h"
 
 namespace gallery {
 
@@ -22,29 +25,34 @@ namespace {
 constexpr UINT kShowCost = WM_APP + 10;
 
 constexpr UINT kCounts[] = {10, 1000, 100000, 10000000};
-constexpr int kHeights[] = {17, 24, 36};
 constexpr int kFirstCount = 3, kFirstHeight = 1;
-constexpr int kWheelRows = 3;
 
 constexpr int kPointNumbers = 8;  // x and y of four points
 constexpr int kRecordMs = 11;     // from one record to the next at full line rate
-constexpr int kCellPadding = 8;
 
-// Pixels. Together wider than most windows, so that there is something to scroll sideways.
+// Lengths of the design, in pixels. The columns are together wider than most windows, so that there is something to
+// scroll sideways.
+constexpr int kHeights[] = {17, 24, 36};
+constexpr int kCellPadding = 8, kTextPx = 13;
 constexpr int kColumnWidths[] = {110, 120, 72, 72, 72, 72, 72, 72, 72, 72, 360};
 constexpr int kColumns = static_cast<int>(std::size(kColumnWidths));
 
-constexpr COLORREF kShadedRow = RGB(0xEE, 0xF2, 0xFB), kColumnLine = RGB(0xD4, 0xDA, 0xE6);
+constexpr int kShadedRowPercent = 6, kColumnLinePercent = 18;  // of the text colour
 constexpr COLORREF kHeaderTop = RGB(0x5C, 0x6E, 0xA8), kHeaderBottom = RGB(0x36, 0x44, 0x7A);
 
 // The page exists once.
 struct {
+  int designHeight, pageHeight;  // of the page, in pixels
   UINT rowCount;
   int rowHeight;
   UINT rowsAsked;  // since the last header
   kv::OwnedFont rowFont, headerFont, sentFont;
   std::array<std::wstring, kColumns> titles;
 } state;
+
+int Scaled(int length) {
+  return MulDiv(length, state.pageHeight, std::max(state.designHeight, 1));
+}
 
 // ---- Rows, made from their number ----------------------------------------------------------------------------------
 
@@ -58,18 +66,12 @@ std::array<int, kPointNumbers> PointsOfRow(UINT row) {
   return numbers;
 }
 
-std::wstring Grouped(UINT number) {
-  std::wstring text = std::to_wstring(number);
-  for (int place = static_cast<int>(text.size()) - 3; place > 0; place -= 3) text.insert(place, 1, L',');
-  return text;
-}
-
-std::wstring TimeText(UINT row) {
+std::wstring RecordTime(UINT row) {
   const unsigned long long ms = static_cast<unsigned long long>(row) * kRecordMs;
   const unsigned seconds = static_cast<unsigned>(ms / 1000);
   wchar_t text[32];
-  kv::FormatBounded(text, sizeof(text), L"%u:%02u:%02u.%03u", seconds / 3600, seconds / 60 % 60, seconds % 60,
-                    static_cast<unsigned>(ms % 1000));
+  kv::FormatBounded(text, sizeof(text), L"%u:%02u:%02u%s%03u", seconds / 3600, seconds / 60 % 60, seconds % 60,
+                    DecimalSign().c_str(), static_cast<unsigned>(ms % 1000));
   return text;
 }
 
@@ -83,8 +85,8 @@ std::wstring SentText(const std::array<int, kPointNumbers>& numbers) {
 std::array<std::wstring, kColumns> CellsOfRow(UINT row) {
   const auto numbers = PointsOfRow(row);
   std::array<std::wstring, kColumns> cells;
-  cells[0] = Grouped(row + 1);
-  cells[1] = TimeText(row);
+  cells[0] = NumberText(row + 1.0);
+  cells[1] = RecordTime(row);
   for (int i = 0; i < kPointNumbers; ++i) cells[2 + i] = std::to_wstring(numbers[i]);
   cells[kColumns - 1] = SentText(numbers);
   return cells;
@@ -94,7 +96,7 @@ std::array<std::wstring, kColumns> CellsOfRow(UINT row) {
 
 int SurfaceWidth() {
   int width = 0;
-  for (int column : kColumnWidths) width += column;
+  for (int column : kColumnWidths) width += Scaled(column);
   return width;
 }
 
@@ -105,29 +107,38 @@ UINT Alignment(int column) {
 
 void DrawCells(HDC dc, const RECT& row, const std::array<std::wstring, kColumns>& cells, HFONT lastFont) {
   SetBkMode(dc, TRANSPARENT);
+  const COLORREF line = ListShade(kColumnLinePercent);
   RECT cell = row;
   for (int i = 0; i < kColumns; ++i) {
-    cell.right = cell.left + kColumnWidths[i];
+    cell.right = cell.left + Scaled(kColumnWidths[i]);
     const kv::SelectedObject font(dc, i == kColumns - 1 ? lastFont : GetCurrentObject(dc, OBJ_FONT));
     RECT inner = cell;
-    InflateRect(&inner, -kCellPadding, 0);
-    DrawTextW(dc, cells[i].c_str(), -1, &inner, Alignment(i) | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
-    kv::FillSolid(dc, {cell.right - 1, cell.top, cell.right, cell.bottom}, kColumnLine);
+    InflateRect(&inner, -Scaled(kCellPadding), 0);
+    DrawFitted(dc, cells[i], inner, Alignment(i) | DT_VCENTER | DT_SINGLELINE);
+    kv::FillSolid(dc, {cell.right - 1, cell.top, cell.right, cell.bottom}, line);
     cell.left = cell.right;
   }
 }
 
 void DrawHeader(const DRAWITEMSTRUCT& item) {
-  kv::FillVerticalGradient(item.hDC, item.rcItem, kHeaderTop, kHeaderBottom);
+  const bool plain = IsHighContrast();
+  if (plain) {
+    kv::FillSolid(item.hDC, item.rcItem, GetSysColor(COLOR_BTNFACE));
+  } else {
+    kv::FillVerticalGradient(item.hDC, item.rcItem, kHeaderTop, kHeaderBottom);
+  }
   const kv::SelectedObject font(item.hDC, state.headerFont);
-  SetTextColor(item.hDC, RGB(255, 255, 255));
+  SetTextColor(item.hDC, plain ? GetSysColor(COLOR_BTNTEXT) : RGB(255, 255, 255));
   DrawCells(item.hDC, item.rcItem, state.titles, state.headerFont);
 }
 
 void DrawDataRow(const DRAWITEMSTRUCT& item) {
-  kv::FillSolid(item.hDC, item.rcItem, item.itemID % 2 ? kShadedRow : RGB(255, 255, 255));
+  const COLORREF color = DrawRowBackground(item);
+  if (!(item.itemState & ODS_SELECTED) && item.itemID % 2) {
+    kv::FillSolid(item.hDC, item.rcItem, ListShade(kShadedRowPercent));
+  }
   const kv::SelectedObject font(item.hDC, state.rowFont);
-  SetTextColor(item.hDC, RGB(0x20, 0x24, 0x30));
+  SetTextColor(item.hDC, color);
   DrawCells(item.hDC, item.rcItem, CellsOfRow(item.itemID), state.sentFont);
 }
 
@@ -143,7 +154,8 @@ void OnDrawItem(HWND page, const DRAWITEMSTRUCT& item) {
 
 void ShowCost(HWND page) {
   wchar_t text[128];
-  kv::FormatBounded(text, sizeof(text), Text(IDS_LIST_COST).c_str(), state.rowsAsked, Grouped(state.rowCount).c_str());
+  kv::FormatBounded(text, sizeof(text), Text(IDS_LIST_COST).c_str(), state.rowsAsked,
+                    NumberText(state.rowCount).c_str());
   SetDlgItemTextW(page, IDC_LIST_COST, text);
 }
 
@@ -153,45 +165,18 @@ HWND ListOf(HWND page) {
   return GetDlgItem(page, IDC_LIST_LIST);
 }
 
-// Moves to a vertical position, as far as the bar goes: the bar limits it, and the list takes what the bar says.
-void GoTo(HWND page, long long position) {
-  SCROLLINFO bar{};
-  bar.cbSize = sizeof(bar);
-  bar.fMask = SIF_POS;
-  bar.nPos = static_cast<int>(std::clamp<long long>(position, 0, MAXLONG));
-  SetScrollInfo(ListOf(page), SB_VERT, &bar, TRUE);
-  SendMessageA(ListOf(page), WM_VSCROLL, SB_ENDSCROLL, 0);
-}
-
-long long ListHeight() {
-  return static_cast<long long>(state.rowCount) * state.rowHeight;
-}
-
-// The bar does not count the header, so the last row hides below the bar's end; the list itself goes on.
-void ShowLastRow(HWND page) {
-  GoTo(page, ListHeight());
-  for (int i = 0; i < 2; ++i) SendMessageA(ListOf(page), WM_VSCROLL, SB_LINEDOWN, 0);
-}
-
-int Position(HWND page) {
-  return GetScrollPos(ListOf(page), SB_VERT);
-}
-
-// Row count and row height do not move the bars by themselves; a WM_SIZE does, once the list has measured its rows, and
-// that it does only while it can be seen.
+// Shows the counts and heights that are chosen. The row that was the first stays so.
 void Apply(HWND page) {
   const LRESULT count = SendDlgItemMessageA(page, IDC_LIST_COUNT, CB_GETCURSEL, 0, 0);
   const LRESULT height = SendDlgItemMessageA(page, IDC_LIST_HEIGHT, CB_GETCURSEL, 0, 0);
-  const long long firstRow = state.rowHeight ? Position(page) / state.rowHeight : 0;
+  const HWND list = ListOf(page);
+  const UINT firstRow = kv::ListRowAt(list, {0, state.rowHeight});
   state.rowCount = kCounts[std::clamp<LRESULT>(count, 0, std::size(kCounts) - 1)];
-  state.rowHeight = kHeights[std::clamp<LRESULT>(height, 0, std::size(kHeights) - 1)];
-  SendMessageA(ListOf(page), LB_SETCOUNT, state.rowCount, 0);
-  SendMessageA(ListOf(page), WM_SIZE, SIZE_RESTORED, 0);
-  GoTo(page, firstRow * state.rowHeight);
-}
-
-void OnWheel(HWND page, int delta) {
-  GoTo(page, Position(page) - static_cast<long long>(delta) * kWheelRows * state.rowHeight / WHEEL_DELTA);
+  state.rowHeight = Scaled(kHeights[std::clamp<LRESULT>(height, 0, std::size(kHeights) - 1)]);
+  SendMessageA(list, LB_SETHORIZONTALEXTENT, SurfaceWidth(), 0);
+  SendMessageA(list, LB_SETCOUNT, state.rowCount, 0);
+  kv::RedrawList(list);
+  if (firstRow < state.rowCount) kv::ScrollListTo(list, firstRow);
 }
 
 void OnCommand(HWND page, int controlId, UINT code) {
@@ -200,9 +185,9 @@ void OnCommand(HWND page, int controlId, UINT code) {
     case IDC_LIST_HEIGHT:
       if (code == CBN_SELCHANGE) Apply(page);
       break;
-    case IDC_LIST_FIRST: GoTo(page, 0); break;
-    case IDC_LIST_MIDDLE: GoTo(page, ListHeight() / 2); break;
-    case IDC_LIST_LAST: ShowLastRow(page); break;
+    case IDC_LIST_FIRST: kv::SelectListRow(ListOf(page), 0); break;
+    case IDC_LIST_MIDDLE: kv::SelectListRow(ListOf(page), state.rowCount / 2); break;
+    case IDC_LIST_LAST: kv::SelectListRow(ListOf(page), state.rowCount - 1); break;
     default: break;
   }
 }
@@ -210,31 +195,57 @@ void OnCommand(HWND page, int controlId, UINT code) {
 // ---- Life ----------------------------------------------------------------------------------------------------------
 
 // Records as they are on the wire, with all characters of one width.
-kv::OwnedFont MakeFixedFont() {
-  return kv::OwnedFont(CreateFontW(-13, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_TT_PRECIS,
+kv::OwnedFont MakeFixedFont(int height) {
+  return kv::OwnedFont(CreateFontW(height, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_TT_PRECIS,
                                    CLIP_DEFAULT_PRECIS, PROOF_QUALITY, FIXED_PITCH | FF_MODERN, L"Courier New"));
 }
 
-void AddNumber(HWND page, int controlId, UINT number) {
-  SendDlgItemMessageW(page, controlId, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(Grouped(number).c_str()));
+// Fills a combo box anew, with what was chosen in it.
+template <class Numbers, class Value>
+void FillChoice(HWND page, int controlId, const Numbers& numbers, int firstChoice, Value value) {
+  const HWND combo = GetDlgItem(page, controlId);
+  const LRESULT chosen = SendMessageW(combo, CB_GETCURSEL, 0, 0);
+  SendMessageW(combo, CB_RESETCONTENT, 0, 0);
+  for (const auto number : numbers) {
+    SendMessageW(combo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(NumberText(value(number)).c_str()));
+  }
+  SendMessageW(combo, CB_SETCURSEL, chosen < 0 ? firstChoice : chosen, 0);
+}
+
+void FillChoices(HWND page) {
+  FillChoice(page, IDC_LIST_COUNT, kCounts, kFirstCount, [](UINT count) { return count; });
+  FillChoice(page, IDC_LIST_HEIGHT, kHeights, kFirstHeight, Scaled);
+}
+
+void Resize(HWND page) {
+  state.pageHeight = kv::ClientSize(page).cy;
+  const int textPx = std::max(Scaled(kTextPx), 1);
+  state.rowFont = MakeFont(-textPx, FW_NORMAL);
+  state.headerFont = MakeFont(-textPx, FW_SEMIBOLD);
+  state.sentFont = MakeFixedFont(-textPx);
+  FillChoices(page);
+  Apply(page);
 }
 
 void OnInit(HWND page) {
-  state.rowFont = MakeFont(-13, FW_NORMAL);
-  state.headerFont = MakeFont(-13, FW_SEMIBOLD);
-  state.sentFont = MakeFixedFont();
-  for (UINT count : kCounts) AddNumber(page, IDC_LIST_COUNT, count);
-  for (int height : kHeights) AddNumber(page, IDC_LIST_HEIGHT, height);
-  SendDlgItemMessageA(page, IDC_LIST_COUNT, CB_SETCURSEL, kFirstCount, 0);
-  SendDlgItemMessageA(page, IDC_LIST_HEIGHT, CB_SETCURSEL, kFirstHeight, 0);
-  SendDlgItemMessageA(page, IDC_LIST_LIST, LB_SETHORIZONTALEXTENT, SurfaceWidth(), 0);
+  state.designHeight = kv::ClientSize(page).cy;
+  kv::AddListNavigation(ListOf(page));
+  Resize(page);
 }
 
 void OnTextsChanged(HWND page) {
   HandlePageMessage(page, kTextsChanged, 0, 0);
   for (int i = 0; i < kColumns; ++i) state.titles[i] = Text(IDS_LIST_COLUMN + i);
+  SetPageText(page, IDC_LIST_LIST, IDS_TITLE_FIRST + PAGE_INDEX_LIST);  // its name, for a screen reader
+  FillChoices(page);
   Apply(page);
   ShowCost(page);
+}
+
+INT_PTR OnSize(HWND page) {
+  const INT_PTR result = HandlePageMessage(page, WM_SIZE, 0, 0);
+  Resize(page);
+  return result;
 }
 
 void OnDestroy() {
@@ -249,10 +260,7 @@ INT_PTR CALLBACK ListPageProcedure(HWND page, UINT message, WPARAM wParam, LPARA
     case WM_MEASUREITEM: reinterpret_cast<MEASUREITEMSTRUCT*>(lParam)->itemHeight = state.rowHeight; return TRUE;
     case WM_DRAWITEM: OnDrawItem(page, *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam)); return TRUE;
     case WM_COMMAND: OnCommand(page, LOWORD(wParam), HIWORD(wParam)); return TRUE;
-    case WM_MOUSEWHEEL: OnWheel(page, GET_WHEEL_DELTA_WPARAM(wParam)); return TRUE;
-    case kPageShown:
-      if (wParam) Apply(page);
-      return TRUE;
+    case WM_SIZE: return OnSize(page);
     case kShowCost: ShowCost(page); return TRUE;
     case kTextsChanged: OnTextsChanged(page); return TRUE;
     case WM_DESTROY: OnDestroy(); break;
