@@ -312,6 +312,9 @@ BOOL GetMeshViewFigures(HWND view, MeshViewFigures* figures) {
   const auto* record = kv::WindowRecord<MeshView>(view);
   if (!record || IsBadWritePtr(figures, sizeof(*figures))) return FALSE;
   *figures = record->figures;
+  figures->turn = record->turn;
+  figures->tilt = record->tilt;
+  figures->zoom = record->zoom;
   return TRUE;
 }
 

@@ -17,8 +17,10 @@ void RunMeshView(HWND view, BOOL run);
 
 struct MeshViewFigures {
   int triangles;
-  int pictures;      // drawn since the window was made
-  double pictureMs;  // what the latest one took
+  int pictures;       // drawn since the window was made
+  double pictureMs;   // what the latest one took
+  double turn, tilt;  // degrees
+  double zoom;        // 1 when the craft fills the window
 };
 // 0 when the window is no such view.
 BOOL GetMeshViewFigures(HWND view, MeshViewFigures* figures);

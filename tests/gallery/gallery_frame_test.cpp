@@ -2,26 +2,41 @@
 #include <windows.h>
 
 #include <commctrl.h>
+#include <ddeml.h>
 #include <gtest/gtest.h>
+#include <shellapi.h>
 
-#include <set>
+#include <algorithm>
 #include <string>
 #include <vector>
 
 #include "framework/language.h"
 #include "framework/modules.h"
 #include "framework/picture.h"
+#include "framework/shell_launch.h"
 #include "gallery/classes.h"
+#include "gallery/command_line.h"
 #include "gallery/drawing.h"
 #include "gallery/frame.h"
 #include "gallery/frame_header.h"
 #include "gallery/keyboard.h"
 #include "gallery/languages.h"
+#include "gallery/numbers.h"
 #include "gallery/page.h"
 #include "gallery/pages.h"
+#include "gallery/pages/bitmap_ids.h"
+#include "gallery/pages/dde_ids.h"
+#include "gallery/pages/flight_ids.h"
+#include "gallery/pages/instruments_ids.h"
+#include "gallery/pages/language_ids.h"
+#include "gallery/pages/list_ids.h"
+#include "gallery/pages/mesh_ids.h"
+#include "gallery/pages/mesh_view.h"
+#include "gallery/pages/nmea_ids.h"
 #include "gallery/pages/overview_ids.h"
 #include "gallery/resource_ids.h"
 #include "gallery/text_fit.h"
+#include "lists/list_navigation.h"
 #include "tests/support/test_window.h"
 
 namespace gallery {
@@ -54,9 +69,9 @@ class GalleryFrame : public testing::Test {
     MSG message;
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) Dispatch(frame_, &message);
   }
-  static void Press(WPARAM key, bool shift = false) {
+  static void Press(WPARAM key, int heldKey = 0) {
     BYTE keys[256] = {};
-    keys[VK_SHIFT] = shift ? 0x80 : 0;
+    keys[heldKey] = heldKey ? 0x80 : 0;
     SetKeyboardState(keys);
     PostMessageW(GetFocus(), WM_KEYDOWN, key, 1);
     Pump();
@@ -76,7 +91,7 @@ std::string Narrow(const std::wstring& text) {
   return bytes;
 }
 
-// Lets a window draw the rows of its list, and the frame's header with each page, aside.
+// Lets the windows draw the rows of their lists, and the frame's header with each page, aside.
 void DrawAll(HWND frame) {
   const SIZE client = kv::ClientSize(frame);
   const kvtest::Picture picture(client.cx, client.cy);
@@ -95,6 +110,10 @@ void DrawAll(HWND frame) {
     drawRow(frame, IDC_PAGE_LIST, i, i, ODS_SELECTED);
     if (i > 0) drawRow(overview, IDC_OVERVIEW_INDEX, i - 1, i, 0);
   }
+  DRAWITEMSTRUCT header{.CtlID = IDC_LIST_LIST, .itemID = kv::kHeaderRow};
+  header.hDC = picture.dc();
+  header.rcItem = {0, 0, client.cx, layout.rowHeight};
+  SendMessageW(ExistingPageWindow(PAGE_INDEX_LIST), WM_DRAWITEM, IDC_LIST_LIST, reinterpret_cast<LPARAM>(&header));
 }
 
 TEST_F(GalleryFrame, NoTextIsWiderThanItsPlaceInAnyLanguage) {
@@ -124,6 +143,235 @@ TEST_F(GalleryFrame, NoTextIsWiderThanItsPlaceInAnyLanguage) {
     }
   }
   ChooseLanguage(frame_, 0);
+}
+
+// ---- The keyboard --------------------------------------------------------------------------------------------------
+
+std::vector<HWND> TabStops(HWND page) {
+  std::vector<HWND> controls;
+  for (HWND control = GetWindow(page, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
+    const bool stops = GetWindowLongW(control, GWL_STYLE) & WS_TABSTOP;
+    if (stops && IsWindowVisible(control) && IsWindowEnabled(control)) controls.push_back(control);
+  }
+  return controls;
+}
+
+TEST_F(GalleryFrame, TabGoesOnceRoundEveryPageAndBack) {
+  for (size_t i = 0; i < AllPages().size(); ++i) {
+    SelectPage(frame_, static_cast<int>(i));
+    std::vector<HWND> expected = TabStops(ShownPage());
+    EXPECT_FALSE(expected.empty()) << AllPages()[i].name;
+    for (const bool backwards : {false, true}) {
+      SetFocus(PageList());
+      std::vector<HWND> visited;
+      while (visited.size() <= expected.size()) {
+        Press(VK_TAB, backwards ? VK_SHIFT : 0);
+        if (GetFocus() == PageList()) break;
+        visited.push_back(GetFocus());
+      }
+      EXPECT_EQ(expected, visited) << AllPages()[i].name;
+      std::reverse(expected.begin(), expected.end());
+    }
+  }
+}
+
+TEST_F(GalleryFrame, KeysOpenPagesAndFindAWindowThatTakesThem) {
+  SelectPage(frame_, PAGE_INDEX_OVERVIEW);
+  const HWND overview = ShownPage(), index = GetDlgItem(overview, IDC_OVERVIEW_INDEX);
+  ASSERT_TRUE(FocusPage(overview));
+  Press(VK_DOWN);
+  Press(VK_RETURN);
+  EXPECT_EQ(ExistingPageWindow(PAGE_INDEX_CHART), ShownPage());
+  EXPECT_TRUE(IsChild(ShownPage(), GetFocus()));
+  for (const bool control : {false, true}) {
+    for (const bool inPage : {false, true}) {
+      Press(control ? VK_TAB : VK_F6, control ? VK_CONTROL : 0);
+      EXPECT_EQ(inPage, IsChild(ShownPage(), GetFocus()) != FALSE);
+    }
+  }
+  // The dialog manager's search for this key, begun at a hidden page, would not end.
+  SetFocus(index);
+  PostMessageW(index, WM_SYSCHAR, L'q', 1 << 29);
+  Pump();
+  EXPECT_EQ(PageList(), GetFocus());
+
+  SelectPage(frame_, PAGE_INDEX_LANGUAGE);
+  CheckDlgButton(ShownPage(), IDC_LANGUAGE_EVERY, BST_UNCHECKED);
+  SetDlgItemTextW(ShownPage(), IDC_LANGUAGE_WORD, L"ja");
+  SetFocus(GetDlgItem(ShownPage(), IDC_LANGUAGE_TABLE));
+  Press(VK_DOWN);
+  Press(VK_RETURN);  // the row of German
+  EXPECT_EQ(1, CurrentLanguage());
+  wchar_t answer[64] = L"";
+  GetDlgItemTextW(ShownPage(), IDC_LANGUAGE_ANSWER, answer, ARRAYSIZE(answer));
+  EXPECT_STREQ(L"Ja, das heißt es.", answer);
+  SetDlgItemTextW(ShownPage(), IDC_LANGUAGE_WORD, L"");  // no word, no answer
+  GetDlgItemTextW(ShownPage(), IDC_LANGUAGE_ANSWER, answer, ARRAYSIZE(answer));
+  EXPECT_STREQ(L"", answer);
+  ChooseLanguage(frame_, 0);
+}
+
+TEST_F(GalleryFrame, TheListKeepsItsKeysAndShowsRowsToItsEndAtEverySize) {
+  Size(760, 576);
+  SelectPage(frame_, PAGE_INDEX_LIST);
+  const HWND page = ShownPage(), list = GetDlgItem(page, IDC_LIST_LIST);
+  SetFocus(list);
+  Press(VK_END);
+  Press(VK_DOWN);
+  EXPECT_EQ(9999999u, kv::SelectedListRow(list));
+  EXPECT_EQ(page, ShownPage());
+  for (const SIZE size : {SIZE{1600, 1000}, SIZE{760, 576}}) {
+    Size(size.cx, size.cy);
+    Pump();
+    const SIZE client = kv::ClientSize(list);
+    EXPECT_LT(kv::ListRowAt(list, {0, client.cy - client.cy / 8}), 10000000u);
+    SCROLLINFO bar{.cbSize = sizeof(bar), .fMask = SIF_ALL};
+    GetScrollInfo(list, SB_VERT, &bar);
+    EXPECT_GE(bar.nPos + static_cast<int>(bar.nPage), bar.nMax);
+  }
+}
+
+TEST_F(GalleryFrame, TheMeshTurnsAndZoomsByKeysAndWheel) {
+  SelectPage(frame_, PAGE_INDEX_MESH);
+  const HWND view = GetDlgItem(ShownPage(), IDC_MESH_VIEW);
+  RunMeshView(view, FALSE);
+  ASSERT_TRUE(FocusPage(ShownPage()));
+  MeshViewFigures before{}, after{};
+  GetMeshViewFigures(view, &before);
+  for (const WPARAM key : {VK_LEFT, VK_DOWN, VK_ADD}) Press(key);
+  GetMeshViewFigures(view, &after);
+  EXPECT_TRUE(after.turn != before.turn && after.tilt > before.tilt && after.zoom > before.zoom);
+  SendMessageW(view, WM_MOUSEWHEEL, MAKEWPARAM(0, static_cast<WORD>(-2 * WHEEL_DELTA)), 0);
+  GetMeshViewFigures(view, &after);
+  EXPECT_LT(after.zoom, before.zoom);
+  Press(VK_HOME);
+}
+
+// ---- Texts, directions, colours, fonts -----------------------------------------------------------------------------
+
+TEST_F(GalleryFrame, NumbersAndDatesFollowTheLanguage) {
+  const SYSTEMTIME day{.wYear = 2026, .wMonth = 2, .wDay = 3}, noDay{.wYear = 2026, .wMonth = 2, .wDay = 31};
+  const struct {
+    int language;
+    const wchar_t *count, *part, *date;
+  } samples[] = {{0, L"10,000,000", L"-1.32", L"2/3/2026"},
+                 {1, L"10.000.000", L"-1,32", L"03.02.2026"},
+                 {11, L"1,00,00,000", L"-1.32", L"03-02-2026"}};
+  for (const auto& sample : samples) {
+    ChooseLanguage(frame_, sample.language);
+    EXPECT_EQ(sample.count, NumberText(10000000));
+    EXPECT_EQ(sample.part, NumberText(-1.319, 2));
+    EXPECT_EQ(sample.date, DateText(day));
+    EXPECT_EQ(L"2026-02-31", DateText(noDay));
+  }
+  ChooseLanguage(frame_, 0);
+}
+
+TEST_F(GalleryFrame, ArabicIsMirroredButForPicturesInstrumentsAndReadOuts) {
+  for (size_t i = 0; i < AllPages().size(); ++i) SelectPage(frame_, static_cast<int>(i));
+  const auto page = [](int index) { return ExistingPageWindow(index); };
+  const HWND mirrored[] = {frame_,
+                           PageList(),
+                           page(PAGE_INDEX_NMEA),
+                           page(PAGE_INDEX_INSTRUMENTS),
+                           GetDlgItem(page(PAGE_INDEX_NMEA), IDC_NMEA_LABEL_SPEED),
+                           GetDlgItem(page(PAGE_INDEX_LANGUAGE), IDC_LANGUAGE_TABLE)};
+  const HWND kept[] = {
+      GetDlgItem(page(PAGE_INDEX_NMEA), IDC_NMEA_SPEED), GetDlgItem(page(PAGE_INDEX_INSTRUMENTS), IDC_INSTRUMENTS),
+      GetDlgItem(page(PAGE_INDEX_BITMAP), IDC_BITMAP_PLAIN), GetDlgItem(page(PAGE_INDEX_FLIGHT), IDC_FLIGHT_PLAN),
+      GetDlgItem(page(PAGE_INDEX_MESH), IDC_MESH_VIEW)};
+  const auto isMirrored = [](HWND window) { return (GetWindowLongW(window, GWL_EXSTYLE) & WS_EX_LAYOUTRTL) != 0; };
+  RECT before{}, after{};
+  GetWindowRect(PageList(), &before);
+  for (const bool arabic : {true, false}) {
+    ChooseLanguage(frame_, arabic ? 15 : 0);
+    for (HWND window : mirrored) EXPECT_EQ(arabic, isMirrored(window)) << GetDlgCtrlID(window);
+    for (HWND window : kept) EXPECT_FALSE(isMirrored(window)) << GetDlgCtrlID(window);
+    GetWindowRect(PageList(), &after);
+    EXPECT_EQ(arabic, after.left > before.left);
+  }
+}
+
+TEST_F(GalleryFrame, LabelsHaveTheSystemsColoursAndOneFontAlsoWhenTheyBeginEmpty) {
+  SelectPage(frame_, PAGE_INDEX_MESH);
+  const kvtest::Picture picture(8, 8);
+  SetTextColor(picture.dc(), 0x123456);
+  const HWND figures = GetDlgItem(ShownPage(), IDC_MESH_FIGURES), hint = GetDlgItem(ShownPage(), IDC_MESH_HINT);
+  SendMessageW(ShownPage(), WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(picture.dc()),
+               reinterpret_cast<LPARAM>(figures));
+  EXPECT_EQ(GetSysColor(COLOR_BTNTEXT), GetTextColor(picture.dc()));
+  const auto height = [](HWND label) {
+    LOGFONTW font{};
+    GetObjectW(reinterpret_cast<HFONT>(SendMessageW(label, WM_GETFONT, 0, 0)), sizeof(font), &font);
+    return font.lfHeight;
+  };
+  SetWindowTextW(figures, L"");
+  for (const SIZE size : {SIZE{1600, 1000}, SIZE{760, 576}}) {
+    Size(size.cx, size.cy);
+    EXPECT_EQ(height(hint), height(figures));
+  }
+}
+
+// ---- Pages ---------------------------------------------------------------------------------------------------------
+
+std::wstring shellArguments;
+
+TEST_F(GalleryFrame, TheFlightPageOpensTheFolderOfItsFile) {
+  kv::shellCalls.executeW = [](HWND, LPCWSTR, LPCWSTR, LPCWSTR arguments, LPCWSTR, INT) {
+    shellArguments = arguments ? arguments : L"";
+    return reinterpret_cast<HINSTANCE>(33);
+  };
+  SelectPage(frame_, PAGE_INDEX_FLIGHT);
+  const HWND folder = GetDlgItem(ShownPage(), IDC_FLIGHT_FOLDER);
+  EXPECT_FALSE(IsWindowEnabled(folder));
+  SendDlgItemMessageW(ShownPage(), IDC_FLIGHT_KML, BM_CLICK, 0, 0);
+  EXPECT_TRUE(IsWindowEnabled(folder));
+  SendMessageW(folder, BM_CLICK, 0, 0);
+  wchar_t said[512] = L"";
+  GetDlgItemTextW(ShownPage(), IDC_FLIGHT_RESULT, said, ARRAYSIZE(said));
+  const std::wstring path = std::wstring(said).substr(0, std::wstring(said).find(L'\n'));
+  EXPECT_EQ(L"/select,\"" + path + L"\"", shellArguments);
+  kv::shellCalls.executeW = ShellExecuteW;
+}
+
+HDDEDATA CALLBACK ServeAnyConversation(UINT type, UINT, HCONV conversation, HSZ, HSZ, HDDEDATA, ULONG_PTR, ULONG_PTR) {
+  static HCONV served = nullptr;
+  if (type == XTYP_CONNECT_CONFIRM) served = conversation;
+  if (type == XTYP_EXECUTE) DdeDisconnect(served);
+  return reinterpret_cast<HDDEDATA>(static_cast<LONG_PTR>(type == XTYP_CONNECT));
+}
+
+TEST_F(GalleryFrame, TheDdePageSeesThatTheServerEndedTheConversation) {
+  DWORD server = 0;
+  ASSERT_EQ(static_cast<UINT>(DMLERR_NO_ERROR), DdeInitializeW(&server, ServeAnyConversation, APPCMD_FILTERINITS, 0));
+  DdeNameService(server, DdeCreateStringHandleW(server, L"kvtest", CP_WINUNICODE), nullptr, DNS_REGISTER);
+  SelectPage(frame_, PAGE_INDEX_DDE);
+  const auto isUsable = [](int id) { return IsWindowEnabled(GetDlgItem(ShownPage(), id)) != FALSE; };
+  SetDlgItemTextW(ShownPage(), IDC_DDE_SERVICE, L"kvtest");
+  SetFocus(GetDlgItem(ShownPage(), IDC_DDE_CONNECT));
+  Press(VK_RETURN);
+  ASSERT_TRUE(isUsable(IDC_DDE_DISCONNECT));
+  EXPECT_TRUE(IsWindowEnabled(GetFocus()));
+  SendDlgItemMessageW(ShownPage(), IDC_DDE_EXECUTE, BM_CLICK, 0, 0);
+  EXPECT_TRUE(kvtest::WaitUntil([&] { return isUsable(IDC_DDE_CONNECT) && !isUsable(IDC_DDE_DISCONNECT); }));
+  DdeUninitialize(server);
+}
+
+TEST(GalleryCommandLine, NamesPageAndLanguageAndRefusesWhatThereIsNot) {
+  const auto parse = [](std::vector<const wchar_t*> words) {
+    words.insert(words.begin(), L"kvgallery");
+    return ParseCommandLine(static_cast<int>(words.size()), words.data());
+  };
+  const StartOptions options = parse({L"--language", L"ge", L"--page", L"list"});
+  EXPECT_EQ(1, options.language);
+  EXPECT_EQ(PAGE_INDEX_LIST, options.page);
+  EXPECT_EQ(L"", options.refused);
+  EXPECT_TRUE(parse({L"--walk"}).walk && parse({L"--help"}).help);
+  EXPECT_EQ(kv::kStoredLanguage, parse({}).language);
+  EXPECT_EQ(-1, parse({}).page);
+  EXPECT_EQ(L"--page liszt", parse({L"--page", L"liszt"}).refused);
+  EXPECT_EQ(L"--language", parse({L"--language"}).refused);
+  EXPECT_EQ(L"--pages", parse({L"--pages", L"list"}).refused);
 }
 
 }  // namespace

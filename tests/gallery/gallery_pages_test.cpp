@@ -14,26 +14,43 @@ namespace {
 
 using kvtest::WaitUntil;
 
-TEST(GalleryPages, TheFilesPageSavesAndLeavesNoFolderBehind) {
+// Letters that no 8-bit code page has together, through the program's own message loop.
+TEST(GalleryPages, TheFilesPageTakesTypedLettersAndSavesThemUnderTheProposedName) {
   const kvtest::GalleryCopy copy({});
   kvtest::RunningGallery gallery(copy.folder(), L"files");
   gallery.Command(IDM_LANGUAGE_FIRST);
-  SendMessageW(GetDlgItem(gallery.page(), IDC_FILES_NOTES), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"Ω one"));
-  gallery.Press(IDC_FILES_SAVE);
+  for (const wchar_t letter : {L'Ω', L'я', L'é'}) {
+    PostMessageW(GetDlgItem(gallery.page(), IDC_FILES_NOTES), WM_CHAR, letter, 1);
+  }
+  ASSERT_TRUE(WaitUntil([&] { return gallery.ControlText(IDC_FILES_NOTES) == L"Ωяé"; }));
   HWND dialog = nullptr;
-  ASSERT_TRUE(WaitUntil([&] { return (dialog = gallery.Find(L"#32770", L"Save notes")) != nullptr; }));
-  EXPECT_TRUE(std::filesystem::is_directory(copy.folder() / L"notes.txt"));
-  constexpr int kNameList = 0x47C, kNameEdit = 0x480;
-  const HWND name = GetDlgItem(dialog, kNameList) ? GetDlgItem(dialog, kNameList) : GetDlgItem(dialog, kNameEdit);
-  SendMessageW(name, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"мои notes.txt"));
+  const auto openDialog = [&] {
+    gallery.Press(IDC_FILES_SAVE);
+    return WaitUntil([&] { return (dialog = gallery.Find(L"#32770", L"Save notes")) != nullptr; });
+  };
+  ASSERT_TRUE(openDialog());
+  const auto proposed = copy.folder() / L"notes.txt";
+  EXPECT_FALSE(std::filesystem::is_directory(proposed));
+  PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+  EXPECT_TRUE(WaitUntil([&] { return gallery.ControlText(IDC_FILES_STATUS) == L"No file was chosen."; }));
+  EXPECT_FALSE(std::filesystem::exists(proposed));
+
+  ASSERT_TRUE(openDialog());
   PostMessageW(dialog, WM_COMMAND, IDOK, 0);
-  const auto file = copy.folder() / L"мои notes.txt";
-  EXPECT_TRUE(WaitUntil([&] { return gallery.ControlText(IDC_FILES_STATUS) == L"Saved: " + file.wstring(); }));
+  EXPECT_TRUE(WaitUntil([&] { return gallery.ControlText(IDC_FILES_STATUS) == L"Saved: " + proposed.wstring(); }));
   std::string bytes;
-  std::getline(std::ifstream(file), bytes);
-  EXPECT_EQ("\xCE\xA9 one", bytes);
-  EXPECT_FALSE(std::filesystem::exists(copy.folder() / L"notes.txt"));
+  std::getline(std::ifstream(proposed), bytes);
+  EXPECT_EQ("\xCE\xA9\xD1\x8F\xC3\xA9", bytes);
   EXPECT_EQ(0u, gallery.Close());
+}
+
+TEST(GalleryPages, TheLastPageIsShownAgain) {
+  const kvtest::GalleryCopy copy({});
+  for (const wchar_t* page : {L"language", static_cast<const wchar_t*>(nullptr)}) {
+    kvtest::RunningGallery gallery(copy.folder(), page);
+    EXPECT_NE(nullptr, GetDlgItem(gallery.page(), IDC_LANGUAGE_TABLE));
+    EXPECT_EQ(0u, gallery.Close());
+  }
 }
 
 }  // namespace

@@ -39,7 +39,8 @@ GalleryCopy::~GalleryCopy() {
 }
 
 RunningGallery::RunningGallery(const std::filesystem::path& folder, const wchar_t* page) {
-  std::wstring command = L"\"" + (folder / L"kvgallery.exe").wstring() + L"\" --page " + page;
+  std::wstring command =
+      L"\"" + (folder / L"kvgallery.exe").wstring() + L"\"" + (page ? L" --page " + std::wstring(page) : L"");
   STARTUPINFOW startUp{};
   startUp.cb = sizeof(startUp);
   CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startUp, &process_);

@@ -26,7 +26,8 @@ class GalleryCopy {
   std::filesystem::path folder_;
 };
 
-// A running gallery that shows the page of that name. Ended with the object if it does not close by itself.
+// A running gallery that shows the page of that name, or with null the one that was shown last. Ended with the object
+// if it does not close by itself.
 class RunningGallery {
  public:
   RunningGallery(const std::filesystem::path& folder, const wchar_t* page);
@@ -34,6 +35,7 @@ class RunningGallery {
   RunningGallery(const RunningGallery&) = delete;
   RunningGallery& operator=(const RunningGallery&) = delete;
 
+  HWND frame() const { return frame_; }
   HWND page() const { return page_; }
   // A visible top-level window of the process with this class and title.
   HWND Find(const wchar_t* windowClass, const wchar_t* title) const;
