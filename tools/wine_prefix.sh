@@ -46,7 +46,9 @@ Arial Unicode MS=Liberation Sans
 Microsoft Sans Serif=Tahoma
 Terminal=Liberation Mono
 END
-  for face in 'Tahoma' 'MS Sans Serif' 'Microsoft Sans Serif' 'System' 'Liberation Sans' 'Arial' 'Arial Unicode MS'; do
+  # A bold face is looked up under a name of its own.
+  for face in 'Tahoma' 'Tahoma Bold' 'MS Sans Serif' 'Microsoft Sans Serif' 'System' 'Liberation Sans' \
+    'Liberation Sans Bold' 'Arial' 'Arial Unicode MS'; do
     env -u DISPLAY wine reg add "$links" /v "$face" /t REG_MULTI_SZ /s '|' /d "$(IFS='|'; echo "${others[*]}")" /f
   done
   wineserver -w

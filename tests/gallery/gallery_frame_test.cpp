@@ -316,11 +316,13 @@ TEST_F(GalleryFrame, LabelsHaveTheSystemsColoursAndOneFontAlsoWhenTheyBeginEmpty
 
 std::wstring shellArguments;
 
+HINSTANCE WINAPI RecordArguments(HWND, LPCWSTR, LPCWSTR, LPCWSTR arguments, LPCWSTR, INT) {
+  shellArguments = arguments ? arguments : L"";
+  return reinterpret_cast<HINSTANCE>(33);
+}
+
 TEST_F(GalleryFrame, TheFlightPageOpensTheFolderOfItsFile) {
-  kv::shellCalls.executeW = [](HWND, LPCWSTR, LPCWSTR, LPCWSTR arguments, LPCWSTR, INT) {
-    shellArguments = arguments ? arguments : L"";
-    return reinterpret_cast<HINSTANCE>(33);
-  };
+  kv::shellCalls.executeW = RecordArguments;
   SelectPage(frame_, PAGE_INDEX_FLIGHT);
   const HWND folder = GetDlgItem(ShownPage(), IDC_FLIGHT_FOLDER);
   EXPECT_FALSE(IsWindowEnabled(folder));
