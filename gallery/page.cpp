@@ -61,10 +61,12 @@ void VisitControls(HWND page, Visit visit) {
   for (HWND control = GetWindow(page, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) visit(control);
 }
 
-// Scaling passes over a label without a text, which would then show its next text in the font of its template.
+// Scaling passes over a label without a text, which would then show its next text in the font of its template. A line or
+// a rectangle must not get one: it keeps no font, so the pass would make it one more each time.
 void FillEmptyLabel(HWND control) {
-  const bool isEmpty = kv::ClassifyControl(control) == kv::kControlStatic && GetWindowTextLengthW(control) == 0;
-  if (isEmpty) SetWindowTextW(control, L" ");
+  const bool isLabel = kv::ClassifyControl(control) == kv::kControlStatic &&
+                       (GetWindowLongW(control, GWL_STYLE) & SS_TYPEMASK) <= SS_RIGHT;
+  if (isLabel && GetWindowTextLengthW(control) == 0) SetWindowTextW(control, L" ");
 }
 
 bool TakesListFont(HWND control) {
