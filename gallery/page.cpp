@@ -3,6 +3,7 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 #include "framework/control_kind.h"
@@ -61,8 +62,8 @@ void VisitControls(HWND page, Visit visit) {
   for (HWND control = GetWindow(page, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) visit(control);
 }
 
-// Scaling passes over a label without a text, which would then show its next text in the font of its template. A line or
-// a rectangle must not get one: it keeps no font, so the pass would make it one more each time.
+// Scaling passes over a label without a text, which would then show its next text in the font of its template. A line
+// or a rectangle must not get one: it keeps no font, so the pass would make it one more each time.
 void FillEmptyLabel(HWND control) {
   const bool isLabel = kv::ClassifyControl(control) == kv::kControlStatic &&
                        (GetWindowLongW(control, GWL_STYLE) & SS_TYPEMASK) <= SS_RIGHT;
@@ -157,7 +158,7 @@ INT_PTR HandlePageMessage(HWND page, UINT message, WPARAM wParam, LPARAM lParam)
     case WM_CTLCOLORBTN: return OnStaticColor(reinterpret_cast<HDC>(wParam));
     case WM_SYSCOLORCHANGE: return OnColorsChanged(page);
     case WM_NOTIFYFORMAT: return OnNotifyFormat(page);
-    case WM_NOTIFY: return AnswerTextTip(page, reinterpret_cast<NMHDR*>(lParam));
+    case WM_NOTIFY: return NotificationOf(lParam).code == TTN_GETDISPINFOW && AnswerTextTip(page, lParam);
     case kTextsChanged: return OnTextsChanged(page);
     case WM_NCDESTROY: return OnDestroyed(page);
     default: return FALSE;
@@ -172,6 +173,12 @@ void EnableControl(HWND page, int controlId, bool enabled) {
   const HWND control = GetDlgItem(page, controlId);
   if (!enabled && GetFocus() == control) SetFocus(GetNextDlgTabItem(page, control, FALSE));
   EnableWindow(control, enabled);
+}
+
+NMHDR NotificationOf(LPARAM lParam) {
+  NMHDR head;
+  std::memcpy(&head, reinterpret_cast<const void*>(lParam), sizeof(head));
+  return head;
 }
 
 void SetPageText(HWND page, int controlId, UINT textId) {

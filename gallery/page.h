@@ -46,6 +46,9 @@ COLORREF PageColor();
 // Enables or disables a control of the page. The focus goes on to the next one before its control is disabled.
 void EnableControl(HWND page, int controlId, bool enabled);
 
+// The head of a WM_NOTIFY, copied: the system's records for pressed keys are packed and lie at odd addresses.
+NMHDR NotificationOf(LPARAM lParam);
+
 // Shows text resource `textId` in a control of the page.
 void SetPageText(HWND page, int controlId, UINT textId);
 

@@ -162,11 +162,10 @@ void MoveTextTips(HWND page, HWND tips) {
             [tips](TTTOOLINFOW* tool) { SendMessageW(tips, TTM_NEWTOOLRECTW, 0, reinterpret_cast<LPARAM>(tool)); });
 }
 
-bool AnswerTextTip(HWND page, NMHDR* notification) {
-  if (notification->code != TTN_GETDISPINFOW) return false;
-  auto* tip = reinterpret_cast<NMTTDISPINFOW*>(notification);
-  const HWND control = tip->uFlags & TTF_IDISHWND ? reinterpret_cast<HWND>(notification->idFrom)
-                                                  : GetDlgItem(page, static_cast<int>(notification->idFrom));
+bool AnswerTextTip(HWND page, LPARAM lParam) {
+  auto* tip = reinterpret_cast<NMTTDISPINFOW*>(lParam);
+  const HWND control = tip->uFlags & TTF_IDISHWND ? reinterpret_cast<HWND>(tip->hdr.idFrom)
+                                                  : GetDlgItem(page, static_cast<int>(tip->hdr.idFrom));
   static std::wstring text;  // the tip reads it after this returns
   text = CutTextOf(control);
   tip->lpszText = text.data();

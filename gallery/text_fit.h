@@ -16,7 +16,7 @@ std::wstring CutTextOf(HWND control);
 HWND CreateTextTips(HWND page);
 void MoveTextTips(HWND page, HWND tips);
 
-// The page's answer to a notification of that window: gives it the text if that is cut. False for other notifications.
-bool AnswerTextTip(HWND page, NMHDR* notification);
+// The page's answer to that window's TTN_GETDISPINFOW: gives it the text if that is cut. Always true.
+bool AnswerTextTip(HWND page, LPARAM lParam);
 
 }  // namespace gallery

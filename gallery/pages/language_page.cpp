@@ -182,11 +182,11 @@ INT_PTR OnCommand(HWND page, UINT id, UINT code) {
   }
 }
 
-INT_PTR OnNotify(HWND page, const NMHDR* notification) {
-  if (notification->idFrom != IDC_LANGUAGE_TABLE) return FALSE;
-  if (notification->code == LVN_ITEMCHANGED) ShowAnswer(page);
+INT_PTR OnNotify(HWND page, const NMHDR& notification) {
+  if (notification.idFrom != IDC_LANGUAGE_TABLE) return FALSE;
+  if (notification.code == LVN_ITEMCHANGED) ShowAnswer(page);
   const bool chosen =
-      notification->code == static_cast<UINT>(NM_DBLCLK) || notification->code == static_cast<UINT>(NM_RETURN);
+      notification.code == static_cast<UINT>(NM_DBLCLK) || notification.code == static_cast<UINT>(NM_RETURN);
   if (chosen) OnCommand(page, IDC_LANGUAGE_USE, 0);
   return TRUE;
 }
@@ -199,7 +199,7 @@ INT_PTR CALLBACK LanguagePageProcedure(HWND page, UINT message, WPARAM wParam, L
     case WM_SIZE: return OnSize(page);
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam), HIWORD(wParam));
     case WM_NOTIFY:
-      if (OnNotify(page, reinterpret_cast<const NMHDR*>(lParam))) return TRUE;
+      if (OnNotify(page, NotificationOf(lParam))) return TRUE;
       break;
     case kTextsChanged: ShowTexts(page); break;
     default: break;

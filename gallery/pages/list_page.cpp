@@ -34,7 +34,7 @@ constexpr int kRecordMs = 11;     // from one record to the next at full line ra
 // scroll sideways.
 constexpr int kHeights[] = {17, 24, 36};
 constexpr int kCellPadding = 8, kTextPx = 13;
-constexpr int kColumnWidths[] = {110, 120, 72, 72, 72, 72, 72, 72, 72, 72, 360};
+constexpr int kColumnWidths[] = {130, 120, 72, 72, 72, 72, 72, 72, 72, 72, 360};
 constexpr int kColumns = static_cast<int>(std::size(kColumnWidths));
 
 constexpr int kShadedRowPercent = 6, kColumnLinePercent = 18;  // of the text colour
