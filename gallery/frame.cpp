@@ -146,6 +146,11 @@ INT_PTR OnInit(HWND frame, int firstPage) {
 }
 
 INT_PTR OnClose(HWND frame) {
+  // Under an open dialog or message box the frame must not go away: the code that opened it still stands on the stack.
+  if (!IsWindowEnabled(frame)) {
+    SetForegroundWindow(GetLastActivePopup(frame));
+    return TRUE;
+  }
   Remember(frame);
   DestroyWindow(frame);
   return TRUE;

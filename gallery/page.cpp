@@ -175,6 +175,10 @@ void EnableControl(HWND page, int controlId, bool enabled) {
   EnableWindow(control, enabled);
 }
 
+void NameControl(HWND page, int controlId, const std::wstring& name) {
+  DefWindowProcW(GetDlgItem(page, controlId), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(name.c_str()));
+}
+
 NMHDR NotificationOf(LPARAM lParam) {
   NMHDR head;
   std::memcpy(&head, reinterpret_cast<const void*>(lParam), sizeof(head));

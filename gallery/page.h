@@ -25,6 +25,8 @@
 
 #include <windows.h>
 
+#include <string>
+
 namespace gallery {
 
 struct Page {
@@ -48,6 +50,10 @@ void EnableControl(HWND page, int controlId, bool enabled);
 
 // The head of a WM_NOTIFY, copied: the system's records for pressed keys are packed and lie at odd addresses.
 NMHDR NotificationOf(LPARAM lParam);
+
+// Gives a control that draws itself its name for a screen reader, in any script: as its window text, but past its
+// class, which speaks the code page, and which may take a text for more than a name.
+void NameControl(HWND page, int controlId, const std::wstring& name);
 
 // Shows text resource `textId` in a control of the page.
 void SetPageText(HWND page, int controlId, UINT textId);

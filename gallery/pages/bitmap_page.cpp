@@ -1,6 +1,7 @@
 #include "gallery/pages/bitmap_page.h"
 
 #include <iterator>
+#include <string>
 
 #include "controls/simple_bitmap.h"
 #include "framework/bounded_format.h"
@@ -74,10 +75,21 @@ void OnInit(HWND page) {
   SendDlgItemMessageW(page, IDC_BITMAP_NAME, CB_SETCURSEL, 0, 0);
 }
 
+// A picture's label without its key; its number stays, which the log names.
+std::wstring LabelText(HWND page, int picture) {
+  wchar_t text[128] = L"";
+  GetDlgItemTextW(page, IDC_BITMAP_LABEL + picture, text, ARRAYSIZE(text));
+  std::wstring name = text;
+  std::erase(name, L'&');
+  return name;
+}
+
 // The template's texts are the pictures' names too; the chosen one is chosen anew.
 void OnTextsChanged(HWND page) {
   HandlePageMessage(page, kTextsChanged, 0, 0);
   ShowChosen(page);
+  for (int i = 0; i <= IDC_BITMAP_LAST - IDC_BITMAP_PLAIN; ++i)
+    NameControl(page, IDC_BITMAP_PLAIN + i, LabelText(page, i));
 }
 
 }  // namespace

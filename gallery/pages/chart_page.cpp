@@ -8,6 +8,7 @@
 #include "framework/whole_number.h"
 #include "gallery/page.h"
 #include "gallery/pages/chart_ids.h"
+#include "gallery/texts.h"
 
 namespace gallery {
 
@@ -88,7 +89,7 @@ void OnInit(HWND page) {
 void OnTextsChanged(HWND page) {
   HandlePageMessage(page, kTextsChanged, 0, 0);
   SetPageText(page, IDC_CHART_RESULT, IDS_CHART_NOTHING_COPIED);
-  SetPageText(page, IDC_CHART_VIEW, IDS_TITLE_FIRST + PAGE_INDEX_CHART);  // its name, for a screen reader
+  NameControl(page, IDC_CHART_VIEW, Text(IDS_TITLE_FIRST + PAGE_INDEX_CHART));
   ShowPlaces(page);
 }
 

@@ -179,15 +179,34 @@ void Apply(HWND page) {
   if (firstRow < state.rowCount) kv::ScrollListTo(list, firstRow);
 }
 
+// What the list is called, and what its selected row says: that only this page knows.
+void NameList(HWND page) {
+  std::wstring name = Text(IDS_TITLE_FIRST + PAGE_INDEX_LIST);
+  const UINT row = kv::SelectedListRow(ListOf(page));
+  if (row < state.rowCount) {
+    const auto cells = CellsOfRow(row);
+    for (int i = 0; i < kColumns; ++i) name += L", " + state.titles[i] + L" " + cells[i];
+  }
+  NameControl(page, IDC_LIST_LIST, name);
+}
+
+void SelectRow(HWND page, UINT row) {
+  kv::SelectListRow(ListOf(page), row);
+  NameList(page);
+}
+
 void OnCommand(HWND page, int controlId, UINT code) {
   switch (controlId) {
+    case IDC_LIST_LIST:
+      if (code == LBN_SELCHANGE) NameList(page);
+      break;
     case IDC_LIST_COUNT:
     case IDC_LIST_HEIGHT:
       if (code == CBN_SELCHANGE) Apply(page);
       break;
-    case IDC_LIST_FIRST: kv::SelectListRow(ListOf(page), 0); break;
-    case IDC_LIST_MIDDLE: kv::SelectListRow(ListOf(page), state.rowCount / 2); break;
-    case IDC_LIST_LAST: kv::SelectListRow(ListOf(page), state.rowCount - 1); break;
+    case IDC_LIST_FIRST: SelectRow(page, 0); break;
+    case IDC_LIST_MIDDLE: SelectRow(page, state.rowCount / 2); break;
+    case IDC_LIST_LAST: SelectRow(page, state.rowCount - 1); break;
     default: break;
   }
 }
@@ -236,7 +255,7 @@ void OnInit(HWND page) {
 void OnTextsChanged(HWND page) {
   HandlePageMessage(page, kTextsChanged, 0, 0);
   for (int i = 0; i < kColumns; ++i) state.titles[i] = Text(IDS_LIST_COLUMN + i);
-  SetPageText(page, IDC_LIST_LIST, IDS_TITLE_FIRST + PAGE_INDEX_LIST);  // its name, for a screen reader
+  NameList(page);
   FillChoices(page);
   Apply(page);
   ShowCost(page);

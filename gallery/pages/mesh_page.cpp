@@ -28,7 +28,7 @@ void ShowFigures(HWND page) {
 
 void ShowTexts(HWND page) {
   SetPageText(page, IDC_MESH_HINT, IDS_MESH_HINT);
-  SetPageText(page, IDC_MESH_VIEW, IDS_TITLE_FIRST + PAGE_INDEX_MESH);  // its name, for a screen reader
+  NameControl(page, IDC_MESH_VIEW, Text(IDS_TITLE_FIRST + PAGE_INDEX_MESH));
 }
 
 void Run(HWND page, bool shown) {

@@ -152,8 +152,6 @@ void DropPicture(MeshView* view) {
   view->samples.pixels = nullptr;
 }
 
-LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-
 void Reset(MeshView* view) {
   view->turn = kFirstTurn;
   view->tilt = kFirstTilt;
@@ -166,8 +164,6 @@ LRESULT OnCreate(HWND window) {
   view->craft = CreateMultirotor();
   view->ground = CreateGround();
   Reset(view);
-  // The class is one of 8-bit text; the window's name is of any language.
-  SetWindowLongW(window, GWL_WNDPROC, reinterpret_cast<LONG>(Procedure));
   return 0;
 }
 
@@ -290,7 +286,7 @@ LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lPar
     case WM_MOUSEMOVE: return OnMouseMove(view, point);
     case WM_LBUTTONUP: return ReleaseCapture();
     case WM_CAPTURECHANGED: view->dragging = FALSE; return 0;
-    default: return DefWindowProcW(window, message, wParam, lParam);
+    default: return DefWindowProcA(window, message, wParam, lParam);
   }
 }
 

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "controls/display_instrument.h"
+#include "framework/control_class.h"
 #include "framework/language.h"
 #include "framework/modules.h"
 #include "framework/picture.h"
@@ -310,6 +312,27 @@ TEST_F(GalleryFrame, LabelsHaveTheSystemsColoursAndOneFontAlsoWhenTheyBeginEmpty
     Size(size.cx, size.cy);
     EXPECT_EQ(height(hint), height(figures));
   }
+}
+
+TEST_F(GalleryFrame, WhatDrawsItselfHasANameInEveryScript) {
+  for (size_t i = 0; i < AllPages().size(); ++i) SelectPage(frame_, static_cast<int>(i));
+  ChooseLanguage(frame_, 9);
+  const struct {
+    int page, controlId;
+    const wchar_t* name;
+  } samples[] = {{PAGE_INDEX_LIST, IDC_LIST_LIST, L"Εκτεταμένη λίστα"},
+                 {PAGE_INDEX_MESH, IDC_MESH_VIEW, L"Μοντέλο πλέγματος"},
+                 {PAGE_INDEX_BITMAP, IDC_BITMAP_SQUARE, L"3  Τετράγωνη"}};
+  for (const auto& sample : samples) {
+    wchar_t name[256] = L"";
+    InternalGetWindowText(GetDlgItem(ExistingPageWindow(sample.page), sample.controlId), name, ARRAYSIZE(name));
+    EXPECT_EQ(std::wstring(sample.name), std::wstring(name).substr(0, std::wstring(sample.name).size()));
+  }
+  kv::InstrumentBlock block{};
+  SendDlgItemMessageA(ExistingPageWindow(PAGE_INDEX_INSTRUMENTS), IDC_INSTRUMENTS + 3, kv::kControlCommand,
+                      kv::kCommandBlock | kv::kCommandRead, reinterpret_cast<LPARAM>(&block));
+  EXPECT_STREQ("\xCE\x86\xCE\xBD\xCE\xBF\xCE\xB4\xCE\xBF\xCF\x82", block.szName);
+  ChooseLanguage(frame_, 0);
 }
 
 // ---- Pages ---------------------------------------------------------------------------------------------------------
