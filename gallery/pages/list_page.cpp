@@ -165,18 +165,21 @@ HWND ListOf(HWND page) {
   return GetDlgItem(page, IDC_LIST_LIST);
 }
 
-// Shows the counts and heights that are chosen. The row that was the first stays so.
+// Shows the counts and heights that are chosen. The row that was the first stays so, and one that was selected in view
+// stays in view.
 void Apply(HWND page) {
   const LRESULT count = SendDlgItemMessageA(page, IDC_LIST_COUNT, CB_GETCURSEL, 0, 0);
   const LRESULT height = SendDlgItemMessageA(page, IDC_LIST_HEIGHT, CB_GETCURSEL, 0, 0);
   const HWND list = ListOf(page);
-  const UINT firstRow = kv::ListRowAt(list, {0, state.rowHeight});
+  const UINT firstRow = kv::ListRowAt(list, {0, state.rowHeight}), selected = kv::SelectedListRow(list);
+  const UINT lastRow = kv::ListRowAt(list, {0, kv::ClientSize(list).cy - 1});
   state.rowCount = kCounts[std::clamp<LRESULT>(count, 0, std::size(kCounts) - 1)];
   state.rowHeight = Scaled(kHeights[std::clamp<LRESULT>(height, 0, std::size(kHeights) - 1)]);
   SendMessageA(list, LB_SETHORIZONTALEXTENT, SurfaceWidth(), 0);
   SendMessageA(list, LB_SETCOUNT, state.rowCount, 0);
   kv::RedrawList(list);
   if (firstRow < state.rowCount) kv::ScrollListTo(list, firstRow);
+  if (selected >= firstRow && selected <= lastRow) kv::SelectListRow(list, selected);
 }
 
 // What the list is called, and what its selected row says: that only this page knows.
