@@ -155,7 +155,8 @@ LRESULT AnswerGetObject(HWND window, WPARAM wParam, LPARAM lParam, LONG role, De
 
 std::wstring WindowText(HWND window) {
   wchar_t text[256] = L"";
-  GetWindowTextW(window, text, ARRAYSIZE(text));
+  // The text as it is stored: asked by message, a window of an 8-bit class gives it in the code page.
+  InternalGetWindowText(window, text, ARRAYSIZE(text));
   return text;
 }
 
