@@ -17,6 +17,8 @@ namespace {
 
 constexpr DWORD kAnswerTimeoutMs = 2000;
 constexpr LONG kLongestLog = 20000;
+constexpr UINT_PTR kEndTimer = 1;
+constexpr UINT kEndTimerMs = 500;
 constexpr UINT kEnded = WM_APP + 10;  // lParam: the conversation
 
 // The page's own instance and conversation. Not of ddeStartStop's making: that refuses a slot like this one.
@@ -78,7 +80,12 @@ void ShowState(HWND page) {
   const bool talks = conversation != nullptr;
   if (!talks) EnableControl(page, IDC_DDE_CONNECT, true);
   for (int id : {IDC_DDE_DISCONNECT, IDC_DDE_REQUEST, IDC_DDE_POKE, IDC_DDE_EXECUTE}) EnableControl(page, id, talks);
-  if (talks) EnableControl(page, IDC_DDE_CONNECT, false);
+  if (talks) {
+    EnableControl(page, IDC_DDE_CONNECT, false);
+    SetTimer(page, kEndTimer, kEndTimerMs, nullptr);
+  } else {
+    KillTimer(page, kEndTimer);
+  }
 }
 
 void Connect(HWND page) {
@@ -118,12 +125,20 @@ void Execute(HWND page) {
 }
 
 INT_PTR OnEnded(HWND page, HCONV ended) {
-  if (ended != conversation) return TRUE;
+  if (!ended || ended != conversation) return TRUE;
   conversation = nullptr;
   AppendToLog(page, Text(IDS_DDE_ENDED).c_str());
   AppendToLog(page, L"\r\n");
   ShowState(page);
   return TRUE;
+}
+
+// Not every system tells of the end.
+INT_PTR OnTimer(HWND page) {
+  CONVINFO info{};
+  info.cb = sizeof(info);
+  const bool goesOn = DdeQueryConvInfo(conversation, QID_SYNC, &info) && info.wStatus & ST_CONNECTED;
+  return goesOn ? TRUE : OnEnded(page, conversation);
 }
 
 void SetLink(HWND page, BOOL open) {
@@ -173,6 +188,7 @@ INT_PTR CALLBACK DdePageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM
   switch (message) {
     case WM_INITDIALOG: return OnInit(page, wParam, lParam);
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam), HIWORD(wParam));
+    case WM_TIMER: return OnTimer(page);
     case kEnded: return OnEnded(page, reinterpret_cast<HCONV>(lParam));
     case WM_DESTROY: return OnDestroy();
     default: return HandlePageMessage(page, message, wParam, lParam);
