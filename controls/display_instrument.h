@@ -24,7 +24,8 @@
 //             kControlCommand  below.
 //             All answer 1 when the control has no record (memory was short at its creation).
 // Notifies    Nothing.
-// Read out    Screen readers (WM_GETOBJECT) hear the block's name and, as the value, what is shown with its unit: "42 %",
+// Read out    Screen readers (WM_GETOBJECT) hear the block's name and, as the value, what is shown with its unit: "42
+// %",
 //             "11:15:41"; none while there is no valid value. So give every block a name, also where none is drawn.
 // Threads     The thread that owns the window. Timer 5 of the window is the control's.
 #pragma once

@@ -26,7 +26,7 @@ struct CardLetters {
 };
 
 CardLetters LettersOf(double face) {
-  if (face >= kLeastFaceWithNumbers) return {0.575, 0.155, 0.085};
+  if (face >= kLeastFaceWithNumbers) return {0.70, 0.20, 0.085};
   if (face >= kLeastFaceWithEightLetters) return {0.665, 0.21, 0.125};
   return {0.645, 0.27, 0};
 }
@@ -37,8 +37,8 @@ COLORREF NorthColor(const InstrumentView& view) {
 }
 
 // Writes along the tangent, upright when seen from the middle of the card.
-void DrawCardText(Canvas& canvas, const Dial& dial, InstrumentGlyphs& glyphs, const wchar_t* text, int count, double radius,
-                  double height, double angle, COLORREF color) {
+void DrawCardText(Canvas& canvas, const Dial& dial, InstrumentGlyphs& glyphs, const wchar_t* text, int count,
+                  double radius, double height, double angle, COLORREF color) {
   double width = 0;
   for (int i = 0; i < count; ++i) {
     const GlyphOutline* glyph = glyphs.Get(text[i]);
@@ -93,15 +93,16 @@ void DrawLetters(Canvas& canvas, const Dial& dial, const InstrumentView& view, d
   }
 }
 
-// Tens of degrees, as on an aircraft's card; the cardinal directions have their letters further in.
+// Tens of degrees, as on an aircraft's card: the cardinal directions have their letters instead.
 void DrawNumbers(Canvas& canvas, const Dial& dial, const InstrumentView& view, double heading) {
   const DialColors colors = ColorsOf(view);
   if (dial.faceRadius < kLeastFaceWithNumbers) return;
   for (int bearing = 0; bearing < 360; bearing += 30) {
+    if (bearing % 90 == 0) continue;
     wchar_t text[8];
-    FormatBounded(text, sizeof(text), L"%ld", static_cast<long>(bearing == 0 ? 36 : bearing / 10));
+    FormatBounded(text, sizeof(text), L"%ld", static_cast<long>(bearing / 10));
     DrawCardText(canvas, dial, view.keep.glyphs, text, lstrlenW(text), kNumbers, dial.faceRadius * 0.095,
-                 CardAngle(bearing, heading), bearing % 90 == 0 ? colors.ink : colors.faintInk);
+                 CardAngle(bearing, heading), colors.ink);
   }
 }
 

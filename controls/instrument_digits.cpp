@@ -11,7 +11,7 @@ namespace kv {
 namespace {
 
 // Proportions of a character to its height.
-constexpr double kWidth = 0.54, kStroke = 0.115, kBetween = 0.25, kSlant = 0.10;
+constexpr double kWidth = 0.54, kStroke = 0.115, kBetween = 0.17, kSeparator = 0.20, kSlant = 0.10;
 // What remains free around the characters.
 constexpr double kMarginX = 0.03, kMarginY = 0.10;
 
@@ -56,10 +56,15 @@ Separator SeparatorAt(DWORD style, int index) {
   return index < 4 ? kOfAngle[index] : Separator::kNone;
 }
 
+// Of a character with what stands behind it, in heights of a character.
+double CellWidth(const DigitCell& cell) {
+  return kWidth + kBetween + (cell.separator == Separator::kNone ? 0.0 : kSeparator);
+}
+
 // Places within a character's upright box, turned into slanted places of the target.
 class CellFrame {
  public:
-  CellFrame(const DigitLayout& layout, int cell) : layout_(layout), left_(layout.left + layout.pitch * cell) {}
+  CellFrame(const DigitLayout& layout, int cell) : layout_(layout), left_(layout.lefts[cell]) {}
   PointD At(double x, double y) const { return {left_ + x + (layout_.height - y) * kSlant, layout_.top + y}; }
 
  private:
@@ -92,7 +97,7 @@ StrokeCorners Arm(const CellFrame& frame, PointD from, PointD to, double thickne
 void DrawSeparator(Canvas& canvas, const DigitLayout& layout, int cell, Separator separator, COLORREF color) {
   const CellFrame frame(layout, cell);
   const double height = layout.height, radius = layout.stroke * 0.62;
-  const double x = layout.width + (layout.pitch - layout.width) / 2;
+  const double x = layout.width + (layout.between + layout.separator) / 2;
   const auto tick = [&](double aside) {
     FillLine(canvas, frame.At(x + aside + radius * 0.3, 0), frame.At(x + aside - radius * 0.2, height * 0.22),
              layout.stroke * 0.6, color);
@@ -117,9 +122,9 @@ void DrawSeparator(Canvas& canvas, const DigitLayout& layout, int cell, Separato
 
 // What a character with its separator may cover.
 RECT PlaceOfCell(const DigitLayout& layout, int cell, const RECT& limit) {
-  const double left = layout.left + layout.pitch * cell;
-  const PointD corners[] = {{left, layout.top},
-                            {left + layout.pitch + layout.height * kSlant, layout.top + layout.height}};
+  const double left = layout.lefts[cell];
+  const double right = left + layout.width + layout.between + layout.separator + layout.height * kSlant;
+  const PointD corners[] = {{left, layout.top}, {right, layout.top + layout.height}};
   return BoundsOf(corners, 1 + layout.stroke, limit);
 }
 
@@ -160,19 +165,23 @@ std::wstring ReadableDigits(const char* text, DWORD style) {
   return readable;
 }
 
-DigitLayout LayOutDigits(const RECT& area, int cells) {
+DigitLayout LayOutDigits(const RECT& area, const DigitCells& cells) {
   const double width = std::max<LONG>(area.right - area.left, 0), height = std::max<LONG>(area.bottom - area.top, 0);
-  // The last character keeps its room for a separator: the point of "88.8" and of "888." must not move the digits.
-  const double widthInHeights = std::max(cells, 1) * (kWidth + kBetween) + kSlant;
-  const double digitHeight =
-      std::max(0.0, std::min(height * (1 - 2 * kMarginY), width * (1 - 2 * kMarginX) / widthInHeights));
-  const double visible = widthInHeights - kBetween;
-  return {.left = area.left + (width - visible * digitHeight) / 2,
-          .top = area.top + (height - digitHeight) / 2,
-          .width = kWidth * digitHeight,
-          .height = digitHeight,
-          .pitch = (kWidth + kBetween) * digitHeight,
-          .stroke = kStroke * digitHeight};
+  double across = kSlant - kBetween;  // of all characters, in heights of one
+  for (const DigitCell& cell : cells) across += CellWidth(cell);
+  const double digitHeight = std::max(0.0, std::min(height * (1 - 2 * kMarginY), width * (1 - 2 * kMarginX) / across));
+  DigitLayout layout{.top = area.top + (height - digitHeight) / 2,
+                     .width = kWidth * digitHeight,
+                     .height = digitHeight,
+                     .stroke = kStroke * digitHeight,
+                     .between = kBetween * digitHeight,
+                     .separator = kSeparator * digitHeight};
+  double left = area.left + (width - across * digitHeight) / 2;
+  for (int i = 0; i < cells.count; ++i) {
+    layout.lefts[i] = left;
+    left += CellWidth(cells.cells[i]) * digitHeight;
+  }
+  return layout;
 }
 
 StrokeCorners CornersOf(const DigitLayout& layout, int cell, int stroke) {
@@ -213,7 +222,7 @@ StrokeCorners CornersOf(const DigitLayout& layout, int cell, int stroke) {
 void DrawDigits(Canvas& canvas, const RECT& area, const char* text, DWORD style, COLORREF lit, COLORREF unlit) {
   const DigitCells cells = CellsOf(text, style);
   if (cells.count == 0 || IsRectEmpty(&area)) return;
-  const DigitLayout layout = LayOutDigits(area, cells.count);
+  const DigitLayout layout = LayOutDigits(area, cells);
   for (int cell = 0; cell < cells.count; ++cell) {
     if (canvas.Hides(PlaceOfCell(layout, cell, area))) continue;
     for (int stroke = 0; stroke < kAllStrokes; ++stroke) {
@@ -227,7 +236,7 @@ void DrawDigits(Canvas& canvas, const RECT& area, const char* text, DWORD style,
 void ListDigits(const RECT& area, const char* text, DWORD style, InstrumentParts* parts) {
   const DigitCells cells = CellsOf(text, style);
   if (cells.count == 0 || IsRectEmpty(&area)) return;
-  const DigitLayout layout = LayOutDigits(area, cells.count);
+  const DigitLayout layout = LayOutDigits(area, cells);
   for (int cell = 0; cell < cells.count; ++cell) {
     parts->Add(PlaceOfCell(layout, cell, area), LookOf(cells.cells[cell]));
   }

@@ -34,7 +34,7 @@ enum Segment : unsigned {
 };
 inline constexpr int kSevenSegments = 7, kAllStrokes = 16;
 
-// What stands between a character and the next, within the room of the former.
+// What stands between a character and the next, in a narrow cell of its own.
 enum class Separator { kNone, kPoint, kColon, kDegree, kMinute, kSecond };
 
 struct DigitCell {
@@ -62,12 +62,12 @@ std::wstring ReadableDigits(const char* text, DWORD style);
 
 // Places of the characters: all of one size, in the middle of the area.
 struct DigitLayout {
-  double left, top;      // of the first character's upright box
-  double width, height;  // of a character
-  double pitch;          // from one character to the next
-  double stroke;         // thickness of a segment
+  std::array<double, kMostDigits> lefts;  // of the characters' upright boxes
+  double top, width, height;              // of a character
+  double stroke;                          // thickness of a segment
+  double between, separator;              // room between two characters, and that of a separator besides
 };
-DigitLayout LayOutDigits(const RECT& area, int cells);
+DigitLayout LayOutDigits(const RECT& area, const DigitCells& cells);
 
 // Corners of a segment or stroke (bit number 0..kAllStrokes - 1) of the given cell.
 struct StrokeCorners {

@@ -14,7 +14,6 @@ namespace {
 
 constexpr COLORREF kValueShadow = RGB(63, 63, 63);
 constexpr LONG kSideMargin = 2, kNarrowMargin = 1, kNarrow = 12;
-constexpr double kBehindNumber = 0.55;  // brightness of lit segments that the number stands on
 
 struct BarParts {
   RECT caption;  // empty without one
@@ -87,7 +86,7 @@ void DrawMarker(Canvas& canvas, const BarFrame& frame, double percent, COLORREF 
   const RECT line = frame.Place({middle - 1, middle + 1}, 0);
   FillArea(canvas, line, color);
   // Two arrow heads point at the line from the sides.
-  const double head = std::clamp(frame.Breadth() * 0.14, 2.0, 10.0);
+  const double head = std::clamp(std::min(frame.Breadth(), frame.Length()) * 0.10, 2.0, 10.0);
   const double x = (line.left + line.right) / 2.0, y = (line.top + line.bottom) / 2.0;
   const RECT& area = frame.area;
   if (frame.vertical) {
@@ -120,7 +119,7 @@ BarValue LayOutBarValue(const RECT& bar, const InstrumentView& view) {
       reading.valid ? FixedWidthNumber(reading.value, NumberWidth(block), block.format) : NoValueNumber(block);
   const int characterWidth = (bar.right - bar.left) / (static_cast<int>(text.size()) + 2) - 1;
   if (characterWidth < 1) return {};
-  const int height = static_cast<int>(2.5 * characterWidth), edge = std::clamp(height / 20, 1, 4);
+  const int height = static_cast<int>(2.5 * characterWidth), edge = std::clamp(height / 30, 1, 2);
   const RECT place{bar.left, bar.bottom - height - 2, bar.right, bar.bottom - 2};
   RECT reach = place;
   InflateRect(&reach, edge + 3, edge + 3);
@@ -151,11 +150,6 @@ RECT SegmentPlace(const BarFrame& frame, int count, int index) {
   return frame.Place({span.from + lead, span.to + lead}, margin);
 }
 
-bool IsBehindNumber(const BarReading& bar, const RECT& segment) {
-  RECT behind;
-  return !bar.number.text.empty() && IntersectRect(&behind, &segment, &bar.number.place);
-}
-
 void DrawSegments(Canvas& canvas, const BarReading& bar, const InstrumentView& view) {
   const InstrumentReading reading = ReadingOf(view.block);
   for (int i = 0; i < bar.count; ++i) {
@@ -164,8 +158,7 @@ void DrawSegments(Canvas& canvas, const BarReading& bar, const InstrumentView& v
     const double value = reading.minimum + (reading.maximum - reading.minimum) * (i + 0.5) / bar.count;
     const COLORREF color = SegmentColor(view, value);
     if (i < bar.lit) {
-      DrawLitSegment(canvas, place, IsBehindNumber(bar, place) ? ShadeColor(color, kBehindNumber) : color,
-                     bar.frame.vertical);
+      DrawLitSegment(canvas, place, color, bar.frame.vertical);
     } else {
       FillArea(canvas, place, ShadeColor(color, kUnlit));
     }
@@ -262,7 +255,7 @@ void ListSegmentBarParts(HDC, const RECT& area, const InstrumentView& view, Inst
   const BarReading bar = ReadBar(area, view);
   for (int i = 0; i < bar.count; ++i) {
     const RECT place = SegmentPlace(bar.frame, bar.count, i);
-    parts->Add(place, i < bar.lit ? (IsBehindNumber(bar, place) ? 2 : 1) : 0);
+    parts->Add(place, i < bar.lit);
   }
   parts->Add(bar.number.reach, LookOf(bar.number.text));
 }

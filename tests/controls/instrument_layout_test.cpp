@@ -282,7 +282,7 @@ TEST(InstrumentDigits, CharactersAndSeparators) {
 TEST(InstrumentDigits, CharactersFillTheAreaWithoutLeavingIt) {
   for (const RECT& area : {RECT{3, 5, 203, 45}, RECT{0, 0, 60, 300}, RECT{0, 0, 9, 4}}) {
     for (const int count : {1, 4, 31}) {
-      const DigitLayout layout = LayOutDigits(area, count);
+      const DigitLayout layout = LayOutDigits(area, CellsOf(std::string(count, '8').c_str(), 0));
       double left = 1e9, right = 0, top = 1e9, bottom = 0;
       for (int end = 0; end < 2 * kAllStrokes; ++end) {
         for (const PointD& corner : CornersOf(layout, end % 2 ? count - 1 : 0, end / 2)) {
@@ -298,10 +298,13 @@ TEST(InstrumentDigits, CharactersFillTheAreaWithoutLeavingIt) {
     }
   }
   // Slanted to the right, with a gap between neighbours.
-  const DigitLayout layout = LayOutDigits({0, 0, 200, 100}, 2);
+  const DigitLayout layout = LayOutDigits({0, 0, 200, 100}, CellsOf("88.8", 0));
   const auto upper = CornersOf(layout, 0, 5), lower = CornersOf(layout, 0, 4);
   EXPECT_GT(upper[0].x, lower[0].x + 1);
   EXPECT_GT(lower[0].y, upper[3].y + 0.5);
+  // A separator has a room of its own, so that it crowds no neighbour.
+  EXPECT_NEAR(layout.separator, layout.lefts[2] - 2 * layout.lefts[1] + layout.lefts[0], 1e-9);
+  EXPECT_GT(layout.separator, layout.stroke * 1.5);
 }
 
 TEST(InstrumentBars, SegmentsMarkerAndDirection) {
