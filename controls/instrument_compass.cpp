@@ -22,13 +22,13 @@ constexpr double kLeastFaceWithHeading = 19, kLeastFaceWithNumbers = 88, kLeastF
                  kLeastFaceWithRose = 26, kLeastFaceWithName = 52, kLeastFaceWithPlaces = 60;
 
 struct CardLetters {
-  double radius, cardinalHeight, otherHeight;
+  double radius, cardinalHeight, otherRadius, otherHeight;
 };
 
 CardLetters LettersOf(double face) {
-  if (face >= kLeastFaceWithNumbers) return {0.70, 0.20, 0.085};
-  if (face >= kLeastFaceWithEightLetters) return {0.665, 0.21, 0.125};
-  return {0.645, 0.27, 0};
+  if (face >= kLeastFaceWithNumbers) return {0.70, 0.20, 0.57, 0.09};
+  if (face >= kLeastFaceWithEightLetters) return {0.665, 0.21, 0.665, 0.125};
+  return {0.645, 0.27, 0.645, 0};
 }
 
 // North stands out by the display colour, as long as there is a heading to read.
@@ -84,12 +84,13 @@ void DrawLetters(Canvas& canvas, const Dial& dial, const InstrumentView& view, d
   const DialColors colors = ColorsOf(view);
   const CardLetters letters = LettersOf(face);
   for (const Direction& direction : Directions()) {
-    const double height = face * (direction.count == 1 ? letters.cardinalHeight : letters.otherHeight);
+    const bool cardinal = direction.count == 1;
+    const double height = face * (cardinal ? letters.cardinalHeight : letters.otherHeight);
     const bool north = direction.bearing == 0;
     if (height <= 0) continue;
-    const COLORREF color = north ? NorthColor(view) : direction.count == 1 ? colors.ink : colors.faintInk;
-    DrawCardText(canvas, dial, view.keep.glyphs, direction.letters, direction.count, letters.radius, height,
-                 CardAngle(direction.bearing, heading), color);
+    const COLORREF color = north ? NorthColor(view) : cardinal ? colors.ink : colors.faintInk;
+    DrawCardText(canvas, dial, view.keep.glyphs, direction.letters, direction.count,
+                 cardinal ? letters.radius : letters.otherRadius, height, CardAngle(direction.bearing, heading), color);
   }
 }
 
@@ -117,7 +118,8 @@ void DrawRose(Canvas& canvas, const Dial& dial, const InstrumentView& view, doub
       if ((direction.count == 1) != cardinal) continue;
       const double angle = CardAngle(direction.bearing, heading);
       const double height = cardinal ? letters.cardinalHeight : std::max(letters.otherHeight, 0.1);
-      const double length = face * (letters.radius - height * (cardinal ? 0.75 : 1.1) - (cardinal ? 0.0 : 0.03));
+      const double length =
+          face * (cardinal ? letters.radius - height * 0.75 : letters.otherRadius - height * 1.1 - 0.03);
       const PointD tip = PolarPoint(dial.centre, length, angle);
       const double waist = face * kHub * 1.02;
       const bool north = direction.bearing == 0;

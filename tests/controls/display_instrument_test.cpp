@@ -1,4 +1,4 @@
-// The display instrument as a window: what its owner can send, what it shows, and that it bears everything.
+// The display instrument as a window: what its owner can send, what is read out, and that it bears everything.
 #include "controls/display_instrument.h"
 
 #include <gtest/gtest.h>
@@ -7,18 +7,13 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <thread>
+#include <string>
 #include <tuple>
 #include <utility>
-#include <vector>
 
-#include "controls/instrument_keep.h"
-#include "controls/instrument_record.h"
-#include "framework/guards.h"
 #include "framework/painting.h"
-#include "framework/window_record.h"
+#include "tests/controls/instrument_test.h"
 #include "tests/support/accessible_text.h"
-#include "tests/support/control_test.h"
 #include "tests/support/message_storm.h"
 
 namespace kv {
@@ -26,69 +21,9 @@ namespace {
 
 using kvtest::GuardedBytes;
 
-constexpr DWORD kModes[] = {kModeGauge, kModeDigital, kModeSegmentBar, kModeCompass, kModeCentreBar};
-constexpr COLORREF kOrange = RGB(255, 150, 20);
 constexpr float kInfinite = std::numeric_limits<float>::infinity();
 
-LRESULT Send(HWND control, WPARAM wParam, const void* address) {
-  return SendMessageA(control, kControlCommand, wParam, reinterpret_cast<LPARAM>(address));
-}
-
-template <class Item>
-Item Read(HWND control, WPARAM code) {
-  Item item{};
-  Send(control, code | kCommandRead, &item);
-  return item;
-}
-
-InstrumentBlock BlockOf(HWND control) {
-  return Read<InstrumentBlock>(control, kCommandBlock);
-}
-
-float ValueOf(HWND control) {
-  return Read<float>(control, kCommandValue);
-}
-
-void SetValue(HWND control, float value, WPARAM flags = kCommandRedraw) {
-  Send(control, kCommandValue | flags, &value);
-}
-
-InstrumentRecord& Record(HWND control) {
-  return *WindowRecord<InstrumentRecord>(control);
-}
-
-DWORD Renderings(HWND control) {
-  return Record(control).work.renderings;
-}
-
-// What the control shows on the screen.
-struct Shown : kvtest::Picture {
-  Shown(HWND control, int width, int height) : Picture(width, height) {
-    kvtest::PumpMessages();
-    const WindowDc window(control);
-    BitBlt(dc(), 0, 0, width, height, window, 0, 0, SRCCOPY);
-  }
-  // How many pixels the test holds for, given the colour and the place.
-  template <class Test>
-  int CountWhere(Test test) const {
-    int count = 0;
-    for (int i = 0; i < width() * height(); ++i) {
-      const int x = i % width(), y = i / width();
-      count += test(At(x, y), x, y);
-    }
-    return count;
-  }
-  int DifferencesFrom(const Shown& other) const {
-    return CountWhere([&](COLORREF color, int x, int y) { return color != other.At(x, y); });
-  }
-};
-
-class DisplayInstrument : public kvtest::ControlTest<RegisterDisplayInstrumentClass> {
- protected:
-  HWND Create(DWORD style, int width = 120, int height = 120) {
-    return kvtest::CreateControl(parent_, kDisplayInstrumentClass, "Heading", style, {0, 0, width, height}, 77);
-  }
-};
+class DisplayInstrument : public InstrumentTest {};
 
 TEST_F(DisplayInstrument, EveryModeStartsWithItsDefaults) {
   // Mode, range, unit, then format and name as created and as reset.
@@ -242,145 +177,6 @@ TEST_F(DisplayInstrument, GlidesSmallWaysAndStopsItsTimer) {
   EXPECT_GT(ValueOf(control), 50.0f);
   SendMessageA(control, WM_TIMER, 5, 0);
   EXPECT_EQ(5.0f, ValueOf(control));
-}
-
-TEST_F(DisplayInstrument, EveryLayoutShowsValueColourZoneDisabledAndMissingValue) {
-  for (const DWORD mode : kModes) {
-    HWND control = Create(mode, 100, 160);
-    InstrumentBlock block = BlockOf(control);
-    block.color = 0x02000000 | kOrange;
-    block.current = block.maximum * 0.8f;
-    Send(control, kCommandBlock | kCommandRedraw, &block);
-    const Shown first(control, 100, 160);
-    EXPECT_TRUE(mode == kModeCentreBar || first.CountOf(kOrange) > 4) << mode;
-    EXPECT_EQ(0, first.CountOf(RGB(0xCC, 0xCC, 0xCC))) << mode;
-    for (const float other : {block.maximum * 0.3f, NAN}) {
-      SetValue(control, other);
-      EXPECT_GT(Shown(control, 100, 160).DifferencesFrom(first), 40) << mode;
-    }
-    SetValue(control, block.current);
-    EXPECT_EQ(0, Shown(control, 100, 160).DifferencesFrom(first)) << mode;
-    InstrumentBlock none = block;
-    none.current = NAN;
-    Send(control, kCommandBlock | kCommandRedraw, &none);
-    SetValue(control, block.current);  // nothing of the face without a value stays
-    EXPECT_EQ(0, Shown(control, 100, 160).DifferencesFrom(first)) << mode;
-    if (mode == kModeGauge || mode == kModeSegmentBar || mode == kModeCompass) {
-      const InstrumentZone zone{20, 90, RGB(20, 220, 240), {}, 0};
-      const auto bluish = [](COLORREF color, int, int) { return GetBValue(color) > 140 && GetRValue(color) < 60; };
-      EXPECT_EQ(0, first.CountWhere(bluish)) << mode;
-      Send(control, MAKEWPARAM(kCommandZone | kCommandRedraw | kZoneEnable, 1), &zone);
-      EXPECT_GT(Shown(control, 100, 160).CountWhere(bluish), 50) << mode;
-    }
-    EnableWindow(control, FALSE);
-    const auto coloured = [](COLORREF color, int, int) { return abs(GetRValue(color) - GetBValue(color)) > 40; };
-    EXPECT_EQ(0, Shown(control, 100, 160).CountWhere(coloured)) << mode;
-    EnableWindow(control, TRUE);
-    EXPECT_GT(Shown(control, 100, 160).CountWhere(coloured), 0) << mode;
-
-    // With another range alone it looks like a new one: nothing of the former face stays.
-    Send(control, kCommandBlock | kCommandRedraw, &block);
-    block.maximum *= 2;
-    HWND fresh = Create(mode, 100, 160);
-    for (HWND each : {control, fresh}) Send(each, kCommandBlock | kCommandRedraw, &block);
-    const Shown expected(fresh, 100, 160);
-    DestroyWindow(fresh);
-    EXPECT_EQ(0, Shown(control, 100, 160).DifferencesFrom(expected)) << mode;
-    DestroyWindow(control);
-  }
-}
-
-TEST_F(DisplayInstrument, TheFaceIsKeptForNewValuesAndDrawnAnewOnCommand) {
-  HWND control = Create(kModeGauge);
-  SetValue(control, 10);
-  const MemoryDc dc(nullptr);
-  {
-    const SelectedObject face(dc, Record(control).work.hFace);
-    FillSolid(dc, {0, 0, 120, 120}, kOrange);  // shows where a value is drawn, as long as this picture is in use
-  }
-  const Shown first(control, 120, 120);
-  EXPECT_EQ(0, first.CountOf(kOrange));
-  SetValue(control, 20);
-  const Shown second(control, 120, 120);
-  EXPECT_GT(second.CountOf(kOrange), 200);
-  EXPECT_LT(second.DifferencesFrom(first), 120 * 120 / 2);  // the rest stays
-  Send(control, kCommandRender, nullptr);
-  EXPECT_EQ(0, Shown(control, 120, 120).CountOf(kOrange));
-
-  // New colours of the system show at the next paint, whoever causes it.
-  const INT element = COLOR_BTNFACE;
-  const COLORREF before = GetSysColor(element), other = RGB(11, 99, 33);
-  for (const COLORREF color : {other, before}) {
-    SetSysColors(1, &element, &color);
-    RepaintNow(control);
-    EXPECT_EQ(color, Shown(control, 120, 120).At(2, 2));
-  }
-  const DWORD renderings = Renderings(control);
-  SendMessageA(control, WM_SYSCOLORCHANGE, 0, 0);
-  EXPECT_EQ(renderings + 1, Renderings(control));
-}
-
-// A hash of what the control has rendered, whether it is visible or not.
-DWORD PictureOf(HWND control) {
-  const InstrumentRecord& record = Record(control);
-  GdiFlush();
-  return LookOf(record.work.keep->buffer.Row(0), sizeof(DWORD) * record.nWidth * record.nHeight);
-}
-
-TEST_F(DisplayInstrument, ANewValueLooksAsIfAllWereDrawnAnew) {
-  for (const DWORD mode : kModes) {
-    for (const auto& [width, height] : {std::pair{120, 120}, {37, 90}, {210, 48}}) {
-      HWND control = Create(mode, width, height), anew = Create(mode, width, height);
-      InstrumentBlock block = BlockOf(control);
-      block.format = 1, block.state = 1;
-      for (HWND each : {control, anew}) Send(each, kCommandBlock | kCommandRedraw, &block);
-      for (const float part : {0.1f, 0.12f, 0.9f, 0.905f, 0.0f, 1.0f, 0.5f, -0.4f, NAN, 0.3f}) {
-        for (HWND each : {control, anew}) SetValue(each, block.maximum * part);
-        Send(anew, kCommandRender, nullptr);
-        EXPECT_EQ(PictureOf(anew), PictureOf(control)) << mode << ": " << part << " of " << width;
-      }
-      DestroyWindow(control);
-      DestroyWindow(anew);
-    }
-  }
-}
-
-// Pictures of a window of the calling thread's own at one value after the other.
-std::vector<DWORD> RenderSeries(DWORD mode) {
-  HWND control = CreateWindowExA(0, kDisplayInstrumentClass, "", WS_POPUP | mode, 0, 0, 96, 96, nullptr, nullptr,
-                                 GetModuleHandleA(nullptr), nullptr);
-  std::vector<DWORD> pictures;
-  for (int i = 0; i < 150; ++i) {
-    SetValue(control, static_cast<float>(i % 90));
-    pictures.push_back(PictureOf(control));
-  }
-  DestroyWindow(control);
-  return pictures;
-}
-
-TEST_F(DisplayInstrument, ThreadsWithInstrumentsOfTheirOwnDrawRightPictures) {
-  const std::vector<DWORD> compass = RenderSeries(kModeCompass), gauge = RenderSeries(kModeGauge);
-  EXPECT_NE(compass[0], compass[1]);
-  std::vector<DWORD> others;
-  std::thread other([&others] { others = RenderSeries(kModeCompass); });
-  const std::vector<DWORD> own = RenderSeries(kModeGauge);
-  other.join();
-  EXPECT_EQ(gauge, own);
-  EXPECT_EQ(compass, others);
-}
-
-TEST_F(DisplayInstrument, SegmentsGrowFromTheirEnd) {
-  HWND bar = Create(kModeSegmentBar, 60, 200);
-  SetValue(bar, 30);
-  const auto redAt = [&](int y) {
-    const Shown picture(bar, 60, 200);
-    return std::max({GetRValue(picture.At(30, y)), GetRValue(picture.At(30, y + 1)), GetRValue(picture.At(30, y + 2))});
-  };
-  EXPECT_GT(redAt(150), 200);
-  EXPECT_LT(redAt(30), 80);
-  const DWORD reversed = kInstrumentReversed;
-  Send(bar, kCommandStyle | kCommandRedraw, &reversed);
-  EXPECT_GT(redAt(30), 200);
 }
 
 TEST_F(DisplayInstrument, OddSizesAndBlocksDoNoHarm) {

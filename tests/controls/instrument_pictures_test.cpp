@@ -1,0 +1,180 @@
+// The display instrument's pictures: that they show what they are to show, and nothing of what was before.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <thread>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "controls/instrument_keep.h"
+#include "framework/painting.h"
+#include "tests/controls/instrument_test.h"
+
+namespace kv {
+namespace {
+
+class InstrumentPictures : public InstrumentTest {};
+
+TEST_F(InstrumentPictures, EveryLayoutShowsValueColourZoneDisabledAndMissingValue) {
+  for (const DWORD mode : kModes) {
+    HWND control = Create(mode, 100, 160);
+    InstrumentBlock block = BlockOf(control);
+    block.color = 0x02000000 | kOrange;
+    block.current = block.maximum * 0.8f;
+    Send(control, kCommandBlock | kCommandRedraw, &block);
+    const Shown first(control, 100, 160);
+    EXPECT_TRUE(mode == kModeCentreBar || first.CountOf(kOrange) > 4) << mode;
+    EXPECT_EQ(0, first.CountOf(RGB(0xCC, 0xCC, 0xCC))) << mode;
+    for (const float other : {block.maximum * 0.3f, NAN}) {
+      SetValue(control, other);
+      EXPECT_GT(Shown(control, 100, 160).DifferencesFrom(first), 40) << mode;
+    }
+    SetValue(control, block.current);
+    EXPECT_EQ(0, Shown(control, 100, 160).DifferencesFrom(first)) << mode;
+    InstrumentBlock none = block;
+    none.current = NAN;
+    Send(control, kCommandBlock | kCommandRedraw, &none);
+    SetValue(control, block.current);  // nothing of the face without a value stays
+    EXPECT_EQ(0, Shown(control, 100, 160).DifferencesFrom(first)) << mode;
+    if (mode == kModeGauge || mode == kModeSegmentBar || mode == kModeCompass) {
+      const InstrumentZone zone{20, 90, RGB(20, 220, 240), {}, 0};
+      const auto bluish = [](COLORREF color, int, int) { return GetBValue(color) > 140 && GetRValue(color) < 60; };
+      EXPECT_EQ(0, first.CountWhere(bluish)) << mode;
+      Send(control, MAKEWPARAM(kCommandZone | kCommandRedraw | kZoneEnable, 1), &zone);
+      EXPECT_GT(Shown(control, 100, 160).CountWhere(bluish), 50) << mode;
+    }
+    EnableWindow(control, FALSE);
+    const auto coloured = [](COLORREF color, int, int) { return abs(GetRValue(color) - GetBValue(color)) > 40; };
+    EXPECT_EQ(0, Shown(control, 100, 160).CountWhere(coloured)) << mode;
+    EnableWindow(control, TRUE);
+    EXPECT_GT(Shown(control, 100, 160).CountWhere(coloured), 0) << mode;
+
+    // With another range alone it looks like a new one: nothing of the former face stays.
+    Send(control, kCommandBlock | kCommandRedraw, &block);
+    block.maximum *= 2;
+    HWND fresh = Create(mode, 100, 160);
+    for (HWND each : {control, fresh}) Send(each, kCommandBlock | kCommandRedraw, &block);
+    const Shown expected(fresh, 100, 160);
+    DestroyWindow(fresh);
+    EXPECT_EQ(0, Shown(control, 100, 160).DifferencesFrom(expected)) << mode;
+    DestroyWindow(control);
+  }
+}
+
+TEST_F(InstrumentPictures, TheFaceIsKeptForNewValuesAndDrawnAnewOnCommand) {
+  HWND control = Create(kModeGauge);
+  SetValue(control, 10);
+  const MemoryDc dc(nullptr);
+  {
+    const SelectedObject face(dc, Record(control).work.hFace);
+    FillSolid(dc, {0, 0, 120, 120}, kOrange);  // shows where a value is drawn, as long as this picture is in use
+  }
+  const Shown first(control, 120, 120);
+  EXPECT_EQ(0, first.CountOf(kOrange));
+  SetValue(control, 20);
+  const Shown second(control, 120, 120);
+  EXPECT_GT(second.CountOf(kOrange), 200);
+  EXPECT_LT(second.DifferencesFrom(first), 120 * 120 / 2);  // the rest stays
+  Send(control, kCommandRender, nullptr);
+  EXPECT_EQ(0, Shown(control, 120, 120).CountOf(kOrange));
+
+  // New colours of the system show at the next paint, whoever causes it.
+  const INT element = COLOR_BTNFACE;
+  const COLORREF before = GetSysColor(element), other = RGB(11, 99, 33);
+  for (const COLORREF color : {other, before}) {
+    SetSysColors(1, &element, &color);
+    RepaintNow(control);
+    EXPECT_EQ(color, Shown(control, 120, 120).At(2, 2));
+  }
+  const DWORD renderings = Renderings(control);
+  SendMessageA(control, WM_SYSCOLORCHANGE, 0, 0);
+  EXPECT_EQ(renderings + 1, Renderings(control));
+}
+
+// A hash of what the control has rendered, whether it is visible or not.
+DWORD PictureOf(HWND control) {
+  const InstrumentRecord& record = Record(control);
+  GdiFlush();
+  return LookOf(record.work.keep->buffer.Row(0), sizeof(DWORD) * record.nWidth * record.nHeight);
+}
+
+TEST_F(InstrumentPictures, ANewValueLooksAsIfAllWereDrawnAnew) {
+  for (const DWORD mode : kModes) {
+    for (const auto& [width, height] : {std::pair{120, 120}, {37, 90}, {210, 48}}) {
+      HWND control = Create(mode, width, height), anew = Create(mode, width, height);
+      InstrumentBlock block = BlockOf(control);
+      block.format = 1, block.state = 1;
+      for (HWND each : {control, anew}) Send(each, kCommandBlock | kCommandRedraw, &block);
+      for (const float part : {0.1f, 0.12f, 0.9f, 0.905f, 0.0f, 1.0f, 0.5f, -0.4f, NAN, 0.3f}) {
+        for (HWND each : {control, anew}) SetValue(each, block.maximum * part);
+        Send(anew, kCommandRender, nullptr);
+        EXPECT_EQ(PictureOf(anew), PictureOf(control)) << mode << ": " << part << " of " << width;
+      }
+      DestroyWindow(control);
+      DestroyWindow(anew);
+    }
+  }
+}
+
+// Pictures of a window of the calling thread's own at one value after the other.
+std::vector<DWORD> RenderSeries(DWORD mode) {
+  HWND control = CreateWindowExA(0, kDisplayInstrumentClass, "", WS_POPUP | mode, 0, 0, 96, 96, nullptr, nullptr,
+                                 GetModuleHandleA(nullptr), nullptr);
+  std::vector<DWORD> pictures;
+  for (int i = 0; i < 150; ++i) {
+    SetValue(control, static_cast<float>(i % 90));
+    pictures.push_back(PictureOf(control));
+  }
+  DestroyWindow(control);
+  return pictures;
+}
+
+TEST_F(InstrumentPictures, ThreadsWithInstrumentsOfTheirOwnDrawRightPictures) {
+  const std::vector<DWORD> compass = RenderSeries(kModeCompass), gauge = RenderSeries(kModeGauge);
+  EXPECT_NE(compass[0], compass[1]);
+  std::vector<DWORD> others;
+  std::thread other([&others] { others = RenderSeries(kModeCompass); });
+  const std::vector<DWORD> own = RenderSeries(kModeGauge);
+  other.join();
+  EXPECT_EQ(gauge, own);
+  EXPECT_EQ(compass, others);
+}
+
+TEST_F(InstrumentPictures, SegmentsGrowFromTheirEnd) {
+  HWND bar = Create(kModeSegmentBar, 60, 200);
+  SetValue(bar, 30);
+  const auto redAt = [&](int y) {
+    const Shown picture(bar, 60, 200);
+    return std::max({GetRValue(picture.At(30, y)), GetRValue(picture.At(30, y + 1)), GetRValue(picture.At(30, y + 2))});
+  };
+  EXPECT_GT(redAt(150), 200);
+  EXPECT_LT(redAt(30), 80);
+  const DWORD reversed = kInstrumentReversed;
+  Send(bar, kCommandStyle | kCommandRedraw, &reversed);
+  EXPECT_GT(redAt(30), 200);
+}
+
+TEST_F(InstrumentPictures, SquarishBarsStayBarsBehindNumberAndMarker) {
+  HWND bar = Create(kModeSegmentBar, 120, 120);
+  SetValue(bar, 90);
+  const auto isRed = [](COLORREF color, int x, int y) { return x < 12 && y > 60 && GetRValue(color) > 150; };
+  EXPECT_GT(Shown(bar, 120, 120).CountWhere(isRed), 200);  // beside the number, at its height
+  MoveWindow(bar, 0, 0, 48, 48, FALSE);
+  const InstrumentZone marker{50, 50, 0, {}, 0};
+  Send(bar, MAKEWPARAM(kCommandZone | kCommandRedraw | kZoneEnable, 0), &marker);
+  EXPECT_LT(Shown(bar, 48, 48).CountOf(RGB(255, 255, 255)), 230);
+}
+
+TEST_F(InstrumentPictures, LettersStandInTheCompassCardsRingOfNumbers) {
+  HWND compass = Create(kModeCompass, 200, 200);
+  InstrumentBlock block = BlockOf(compass);
+  block.color = kOrange;
+  Send(compass, kCommandBlock | kCommandRedraw, &block);
+  const auto isNorth = [](COLORREF color, int x, int y) { return color == kOrange && y > 27 && y < 36 && x > 80; };
+  EXPECT_GT(Shown(compass, 200, 200).CountWhere(isNorth), 20);
+}
+
+}  // namespace
+}  // namespace kv

@@ -1,0 +1,75 @@
+// What the tests of the display instrument's messages and of its pictures share.
+#pragma once
+
+#include "controls/display_instrument.h"
+#include "controls/instrument_record.h"
+#include "framework/guards.h"
+#include "framework/window_record.h"
+#include "tests/support/control_test.h"
+
+namespace kv {
+
+inline constexpr DWORD kModes[] = {kModeGauge, kModeDigital, kModeSegmentBar, kModeCompass, kModeCentreBar};
+inline constexpr COLORREF kOrange = RGB(255, 150, 20);
+
+inline LRESULT Send(HWND control, WPARAM wParam, const void* address) {
+  return SendMessageA(control, kControlCommand, wParam, reinterpret_cast<LPARAM>(address));
+}
+
+template <class Item>
+Item Read(HWND control, WPARAM code) {
+  Item item{};
+  Send(control, code | kCommandRead, &item);
+  return item;
+}
+
+inline InstrumentBlock BlockOf(HWND control) {
+  return Read<InstrumentBlock>(control, kCommandBlock);
+}
+
+inline float ValueOf(HWND control) {
+  return Read<float>(control, kCommandValue);
+}
+
+inline void SetValue(HWND control, float value, WPARAM flags = kCommandRedraw) {
+  Send(control, kCommandValue | flags, &value);
+}
+
+inline InstrumentRecord& Record(HWND control) {
+  return *WindowRecord<InstrumentRecord>(control);
+}
+
+inline DWORD Renderings(HWND control) {
+  return Record(control).work.renderings;
+}
+
+// What the control shows on the screen.
+struct Shown : kvtest::Picture {
+  Shown(HWND control, int width, int height) : Picture(width, height) {
+    kvtest::PumpMessages();
+    const WindowDc window(control);
+    BitBlt(dc(), 0, 0, width, height, window, 0, 0, SRCCOPY);
+  }
+  // How many pixels the test holds for, given the colour and the place.
+  template <class Test>
+  int CountWhere(Test test) const {
+    int count = 0;
+    for (int i = 0; i < width() * height(); ++i) {
+      const int x = i % width(), y = i / width();
+      count += test(At(x, y), x, y);
+    }
+    return count;
+  }
+  int DifferencesFrom(const Shown& other) const {
+    return CountWhere([&](COLORREF color, int x, int y) { return color != other.At(x, y); });
+  }
+};
+
+class InstrumentTest : public kvtest::ControlTest<RegisterDisplayInstrumentClass> {
+ protected:
+  HWND Create(DWORD style, int width = 120, int height = 120) {
+    return kvtest::CreateControl(parent_, kDisplayInstrumentClass, "Heading", style, {0, 0, width, height}, 77);
+  }
+};
+
+}  // namespace kv
