@@ -84,17 +84,17 @@ BOOL ddeExecute(DWORD instance, HCONV conversation, const char* command) {
   return 1;
 }
 
-bool RequestDdeText(DWORD instance, HCONV conversation, const char* item, DWORD timeoutMs,
+BOOL RequestDdeText(DWORD instance, HCONV conversation, const char* item, DWORD timeoutMs,
                     char (&answer)[kDdeAnswerSize]) {
-  if (!IsText(item)) return false;
+  if (!IsText(item)) return FALSE;
   const DdeString itemName(instance, item, kLibraryCodePage);
   HDDEDATA data = DdeClientTransaction(nullptr, 0, conversation, itemName, CF_TEXT, XTYP_REQUEST,
                                        TimeoutOrDefault(timeoutMs), nullptr);
-  if (!data) return false;
+  if (!data) return FALSE;
   std::memset(answer, 0, sizeof(answer));
   DdeGetData(data, reinterpret_cast<BYTE*>(answer), sizeof(answer), 0);
   // The data handle is not freed: answers belong to the instance, which gives them back when it is uninitialised.
-  return true;
+  return TRUE;
 }
 
 BOOL ddeRequest(DWORD instance, HCONV conversation, const char* item, char* destination, DWORD timeoutMs) {

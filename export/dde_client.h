@@ -36,8 +36,8 @@ BOOL ddeRequest(DWORD instance, HCONV conversation, const char* item, char* dest
 // Hands a text with its terminator to an item. Not 0 if the server took it within the time-out.
 HDDEDATA ddePoke(DWORD instance, HCONV conversation, const char* item, const char* text, DWORD timeoutMs);
 
-// The request without a destination: fills `answer` (zeroed first) with at most its size. False without an answer.
-bool RequestDdeText(DWORD instance, HCONV conversation, const char* item, DWORD timeoutMs,
+// The request without a destination: fills `answer` (zeroed first) with at most its size. Returns 0 without an answer.
+BOOL RequestDdeText(DWORD instance, HCONV conversation, const char* item, DWORD timeoutMs,
                     char (&answer)[kDdeAnswerSize]);
 
 // Starts (non-zero flag) or stops the system's DDE library for the instance word in a slot.

@@ -13,6 +13,8 @@ namespace kv {
 
 namespace {
 
+constexpr LRESULT kNoRecord = 1;
+
 // Without a temporary folder the path stays empty, and exporting fails like with any file that cannot be created.
 void FixKmlPath(FlightTrackViewState& state) {
   wchar_t folder[MAX_PATH + 1];
@@ -23,8 +25,7 @@ void FixKmlPath(FlightTrackViewState& state) {
 
 LRESULT OnCreate(HWND window) {
   auto* state = CreateWindowRecord<FlightTrackViewState>(window);
-  if (!state) return -1;
-  FixKmlPath(*state);
+  if (state) FixKmlPath(*state);
   return 0;
 }
 
@@ -70,7 +71,7 @@ LRESULT OnTrack(FlightTrackViewState* state, WPARAM flags, LPARAM lParam) {
 }
 
 LRESULT OnCommand(FlightTrackViewState* state, WPARAM wParam, LPARAM lParam) {
-  switch (wParam & 0xFF) {
+  switch (LOBYTE(wParam)) {
     case kTrackExport: return OnExport(state, wParam, lParam);
     case kTrackRecord: return OnTrack(state, wParam, lParam);
     default: return FALSE;
@@ -80,7 +81,7 @@ LRESULT OnCommand(FlightTrackViewState* state, WPARAM wParam, LPARAM lParam) {
 LRESULT CALLBACK FlightTrackProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_CREATE) return OnCreate(window);
   auto* state = WindowRecord<FlightTrackViewState>(window);
-  if (!state) return DefWindowProcA(window, message, wParam, lParam);
+  if (!state) return message == kControlCommand ? kNoRecord : DefWindowProcA(window, message, wParam, lParam);
   switch (message) {
     case WM_DESTROY: return OnDestroy(window, state);
     case WM_ERASEBKGND: return TRUE;  // WM_PAINT fills the whole window
@@ -92,7 +93,7 @@ LRESULT CALLBACK FlightTrackProcedure(HWND window, UINT message, WPARAM wParam, 
 
 }  // namespace
 
-BOOL RegisterFlightTrackView(HINSTANCE instance, BOOL registerIt) {
+BOOL RegisterFlightTrackClass(HINSTANCE instance, BOOL registerIt) {
   return RegisterControlClass(instance, kFlightTrackClass, FlightTrackProcedure, registerIt);
 }
 

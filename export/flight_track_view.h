@@ -17,7 +17,7 @@
 //       address, which leaves the previous track.
 //       kCommandRead: copies the record to the FlightTrack at lParam; 0 when there is none or lParam is not writable.
 //       kCommandRemove: the view forgets the track; lParam is not used. Returns 1.
-//   Others return 0.
+//   Others return 0. Without a record (memory was short at its creation) the view answers 1 and does nothing.
 #pragma once
 
 #include <windows.h>
@@ -36,6 +36,6 @@ inline constexpr WPARAM kTrackExportAlways = 0x0100;
 inline constexpr WPARAM kTrackExportNotAlways = 0x4000;
 
 // Registers (non-zero flag) or unregisters the class. Returns 0 only when registering fails.
-BOOL RegisterFlightTrackView(HINSTANCE instance, BOOL registerIt);
+BOOL RegisterFlightTrackClass(HINSTANCE instance, BOOL registerIt);
 
 }  // namespace kv

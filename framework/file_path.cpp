@@ -10,7 +10,7 @@ namespace {
 constexpr DWORD kLongestPath = 32767;
 }  // namespace
 
-bool IsReadableText(const wchar_t* text) {
+BOOL IsReadableText(const wchar_t* text) {
   return !IsBadStringPtrW(text, kPathCharacters);
 }
 
@@ -28,13 +28,13 @@ const wchar_t* ExtensionOf(const wchar_t* path) {
   return dot ? dot : name + std::wcslen(name);
 }
 
-bool DirectoryOf(const wchar_t* path, wchar_t* directory, size_t characters) {
+BOOL DirectoryOf(const wchar_t* path, wchar_t* directory, size_t characters) {
   const size_t length = FileNameOf(path) - path;
   const bool ended = length > 0 && path[length - 1] == L'\\';
-  if (length + (ended ? 0 : 1) >= characters) return false;
+  if (length + (ended ? 0 : 1) >= characters) return FALSE;
   std::wmemcpy(directory, path, length);
   std::wcscpy(directory + length, ended ? L"" : L"\\");
-  return true;
+  return TRUE;
 }
 
 BOOL ProgramDirectory(wchar_t* directory) {

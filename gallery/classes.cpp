@@ -14,7 +14,7 @@ void RegisterAllClasses(HINSTANCE instance, BOOL registerThem) {
   using Registration = BOOL (*)(HINSTANCE, BOOL);
   constexpr Registration kRegistrations[] = {
       kv::RegisterDialogClass,       kv::RegisterSimpleBitmapClass, kv::RegisterDisplayInstrumentClass,
-      kv::RegisterChartClass,        kv::RegisterFlightTrackView,   RegisterMeshViewClass,
+      kv::RegisterChartClass,        kv::RegisterFlightTrackClass,  RegisterMeshViewClass,
       kv::RegisterExtendedListClass,
   };
   for (const Registration registration : kRegistrations) registration(instance, registerThem);

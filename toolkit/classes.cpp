@@ -17,7 +17,7 @@ namespace {
 using Registration = BOOL (*)(HINSTANCE, BOOL);
 constexpr Registration kRegistrations[] = {
     RegisterDialogClass,       RegisterSimpleBitmapClass, RegisterDisplayInstrumentClass,
-    RegisterLineRecorderClass, RegisterFlightTrackView,   RegisterExtendedListClass};
+    RegisterLineRecorderClass, RegisterFlightTrackClass,  RegisterExtendedListClass};
 
 }  // namespace
 

@@ -24,19 +24,19 @@ DdeConversation::~DdeConversation() {
   if (instance_) DdeUninitialize(instance_);
 }
 
-bool DdeConversation::Execute(const char* command) {
+BOOL DdeConversation::Execute(const char* command) {
   return IsOpen() && ddeExecute(instance_, conversation_, command);
 }
 
-bool DdeConversation::Poke(const char* item, const char* text, DWORD timeoutMs) {
-  return IsOpen() && ddePoke(instance_, conversation_, item, text, timeoutMs);
+BOOL DdeConversation::Poke(const char* item, const char* text, DWORD timeoutMs) {
+  return IsOpen() && ddePoke(instance_, conversation_, item, text, timeoutMs) != nullptr;
 }
 
-bool DdeConversation::Request(const char* item, std::string* answer, DWORD timeoutMs) {
+BOOL DdeConversation::Request(const char* item, std::string* answer, DWORD timeoutMs) {
   char text[kDdeAnswerSize];
-  if (!IsOpen() || !RequestDdeText(instance_, conversation_, item, timeoutMs, text)) return false;
+  if (!IsOpen() || !RequestDdeText(instance_, conversation_, item, timeoutMs, text)) return FALSE;
   answer->assign(text, strnlen(text, sizeof(text)));
-  return true;
+  return TRUE;
 }
 
 }  // namespace kv

@@ -26,12 +26,12 @@ class DdeConversation {
 
   bool IsOpen() const { return conversation_ != nullptr; }
 
-  // Sends a command and does not wait for it.
-  bool Execute(const char* command);
-  // Hands a text to an item. True if the program took it within the time-out; 0 stands for 10 seconds.
-  bool Poke(const char* item, const char* text, DWORD timeoutMs = 0);
-  // The text of an item, at most kDdeAnswerSize bytes. False without an answer, which leaves `answer` alone.
-  bool Request(const char* item, std::string* answer, DWORD timeoutMs = 0);
+  // Sends a command and does not wait for it. Like the others it returns 0 when the conversation is not open.
+  BOOL Execute(const char* command);
+  // Hands a text to an item. Not 0 if the program took it within the time-out, of which 0 stands for 10 seconds.
+  BOOL Poke(const char* item, const char* text, DWORD timeoutMs = 0);
+  // The text of an item, at most kDdeAnswerSize bytes. Returns 0 without an answer, which leaves `answer` alone.
+  BOOL Request(const char* item, std::string* answer, DWORD timeoutMs = 0);
 
  private:
   DWORD instance_ = 0;

@@ -307,14 +307,14 @@ TEST_F(KmlExport, PositionIsWrittenAndShownAndTheParentActivated) {
 class FlightTrackView : public KmlExport {
  protected:
   FlightTrackView() {
-    RegisterFlightTrackView(GetModuleHandleA(nullptr), TRUE);
+    RegisterFlightTrackClass(GetModuleHandleA(nullptr), TRUE);
     window = Create();
     state = WindowRecord<FlightTrackViewState>(window);
   }
   ~FlightTrackView() override {
     DeleteFileW(state->szKmlPath);
     DestroyWindow(window);
-    RegisterFlightTrackView(GetModuleHandleA(nullptr), FALSE);
+    RegisterFlightTrackClass(GetModuleHandleA(nullptr), FALSE);
   }
 
   HWND Create() { return kvtest::CreateControl(parent, kFlightTrackClass, "", 0, {0, 0, 40, 30}, 5); }
