@@ -36,7 +36,7 @@ struct InstrumentRange {
 // 250 those are two, and 230 reads "30". So its maximum is raised here to the least one that shows every value of the
 // range (317 for 250), and a range with negative values always shows the sign. Values up to the raised maximum are
 // shown as they are. The number in a segment bar follows the same rule but keeps its range, which its scale follows:
-// give it a maximum such as 100 or 400 whose values are read.
+// give it a maximum such as 99 or 400, whose values it shows whole.
 BOOL SetInstrumentRange(HWND dialog, int id, const InstrumentRange& range);
 
 BOOL SetInstrumentColor(HWND dialog, int id, COLORREF color);

@@ -65,7 +65,7 @@ for size in $sizes; do
       ;;
     small )
       take instrument_panel Samples.InstrumentPanel 460 360 panel-small
-      take million_rows Samples.Readings 300 300 rows-small
+      take million_rows Samples.Readings 400 360 rows-small
       take track_export Samples.Track 400 190 track-small
       ;;
     large )

@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include <kv/kv.h>
-#include "samples/instrument_panel/ids.h"
+#include "ids.h"
 
 namespace {
 
@@ -30,7 +30,7 @@ void Feed(HWND panel) {
   kv::SetInstrumentValue(panel, IDC_SPEED, 140 + 80 * std::sin(seconds / 5), TRUE);
   kv::SetInstrumentValue(panel, IDC_HEADING, std::fmod(seconds * 6, 360), TRUE);
   kv::SetInstrumentValue(panel, IDC_ALTITUDE, 1500 + 900 * std::sin(seconds / 9), FALSE);
-  kv::SetInstrumentValue(panel, IDC_FUEL, 100 - std::fmod(seconds, 90), FALSE);
+  kv::SetInstrumentValue(panel, IDC_FUEL, 95 - std::fmod(seconds, 80), FALSE);
   kv::SetInstrumentValue(panel, IDC_CLIMB, 8 * std::cos(seconds / 9), TRUE);
   SYSTEMTIME now;
   GetLocalTime(&now);

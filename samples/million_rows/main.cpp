@@ -4,7 +4,7 @@
 #include <vector>
 
 #include <kv/kv.h>
-#include "samples/million_rows/ids.h"
+#include "ids.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include <kv/kv.h>
-#include "samples/track_export/ids.h"
+#include "ids.h"
 
 namespace {
 
