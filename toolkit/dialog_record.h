@@ -19,7 +19,8 @@ struct DialogRecord {
   std::vector<LayoutSlot> slots;
   DialogScale scale{1, 1};
   SIZE smallest;
-  OwnedBrush background;  // null: the system's
+  OwnedBrush background;         // null: the system's
+  std::vector<OwnedFont> fonts;  // the controls' last ones, once the dialog is being destroyed
   HWND tips;
 };
 

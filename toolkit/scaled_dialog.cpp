@@ -49,9 +49,30 @@ LRESULT CALLBACK WideCaptionProcedure(HWND dialog, UINT message, WPARAM wParam, 
 
 // ---- Layout ---------------------------------------------------------------------------------------------------------
 
+template <class Visit>
+void VisitChildren(HWND dialog, Visit visit) {
+  for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) visit(child);
+}
+
+HFONT FontOf(HWND control) {
+  return reinterpret_cast<HFONT>(SendMessageA(control, WM_GETFONT, 0, 0));
+}
+
+// Scaling deletes the fonts that it replaces, but controls share the template's font, and some keep it: lists, controls
+// outside the range, labels that are still empty. So each gets a copy of its own first.
+void GiveEachItsFont(HWND dialog) {
+  VisitChildren(dialog, [](HWND child) {
+    LOGFONTW description{};
+    if (!GetObjectW(FontOf(child), sizeof(description), &description)) return;
+    if (HFONT copy = CreateFontIndirectW(&description)) {
+      SendMessageA(child, WM_SETFONT, reinterpret_cast<WPARAM>(copy), FALSE);
+    }
+  });
+}
+
 void Capture(HWND dialog, DialogRecord& record) {
   size_t children = 0;
-  for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) ++children;
+  VisitChildren(dialog, [&](HWND) { ++children; });
   record.slots.resize(children + 1);
   CaptureLayout(dialog, record.slots.data(), record.what.lowestId, record.what.highestId);
 }
@@ -110,6 +131,7 @@ INT_PTR OnInit(HWND dialog, const Opening& opening) {
   // The procedure may have ended the dialog.
   if (!DialogRecordOf(dialog)) return result;
   ShowLanguage(dialog, *record);
+  GiveEachItsFont(dialog);
   Capture(dialog, *record);
   if (!record->isModal) ModelessDialogs(dialog, nullptr, kModelessAdd);
   if (what.positionName) WindowPosition(dialog, what.positionName, kPositionRestore);
@@ -180,7 +202,8 @@ INT_PTR HandleTheRest(HWND dialog, DialogRecord& record, UINT message, WPARAM wP
   }
 }
 
-void OnDestroy(HWND dialog, const DialogRecord& record) {
+void OnDestroy(HWND dialog, DialogRecord& record) {
+  VisitChildren(dialog, [&](HWND child) { record.fonts.emplace_back(FontOf(child)); });
   if (record.what.positionName) WindowPosition(dialog, record.what.positionName, kPositionSave);
   if (!record.isModal) ModelessDialogs(dialog, nullptr, kModelessRemove);
 }

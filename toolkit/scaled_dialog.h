@@ -44,12 +44,13 @@ struct ScaledDialog {
   std::span<const ToolTipEntry> tips = {};
 
   // The ids of the controls that scale, and what does not scale with them (toolbar, status bar), in pixels. Controls
-  // outside the range keep place, size and font.
+  // outside the range keep place, size and font. The fonts that controls have after WM_INITDIALOG are copied; from then
+  // on the dialog owns the fonts of its controls, and deletes them.
   int lowestId = INT_MIN, highestId = INT_MAX;
   int leftMargin = 0, topMargin = 0, bottomMargin = 0;
 
-  // The program's languages: the stem of the language libraries beside it ("panel" for panelGE.dll), under which the
-  // choice is stored as well. Null: English, or the languages of the dialog that is open already.
+  // The program's languages, which RunDialog takes up: the stem of the language libraries beside it ("panel" for
+  // panelGE.dll), under which the choice is stored as well. Null: English only.
   const wchar_t* languages = nullptr;
 };
 

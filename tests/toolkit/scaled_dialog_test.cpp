@@ -92,6 +92,8 @@ TEST_F(ScaledDialogTest, ScalesKeepsItsSmallestSizeAndItsPlace) {
   EXPECT_EQ(3 * edit.bottom, grown.bottom);
   EXPECT_TRUE(EqualRect(&outside, &kept));
   EXPECT_EQ(3, ScaleOf(dialog).y);
+  const auto font = reinterpret_cast<HGDIOBJ>(SendDlgItemMessageA(dialog, IDC_OUTSIDE, WM_GETFONT, 0, 0));
+  EXPECT_EQ(static_cast<DWORD>(OBJ_FONT), GetObjectType(font));  // the others had the same one, and got new ones
   SendDlgItemMessageA(dialog, IDC_ROWS, LB_SETCOUNT, 5, 0);
   EXPECT_EQ(kHeaderRow, ListRowAt(GetDlgItem(dialog, IDC_ROWS), {0, 50}));  // a row of 3 x 17
   EXPECT_EQ(0u, ListRowAt(GetDlgItem(dialog, IDC_ROWS), {0, 51}));
@@ -111,6 +113,7 @@ TEST_F(ScaledDialogTest, ScalesKeepsItsSmallestSizeAndItsPlace) {
   answered = 0;
   SendMessageA(dialog, WM_CLOSE, 0, 0);
   EXPECT_FALSE(IsWindow(dialog));
+  EXPECT_EQ(0u, GetObjectType(font));
   dialog = OpenDialog(nullptr, kTest);
   RECT restored{};
   GetWindowRect(dialog, &restored);
