@@ -10,13 +10,10 @@ namespace {
 
 // One round of 400 metres, climbing; a real program records where it has been.
 std::vector<kv::FlightTrackPoint> MakeFlight() {
-  std::vector<kv::FlightTrackPoint> points(180);
-  for (size_t i = 0; i < points.size(); ++i) {
-    const double angle = static_cast<double>(i) * 2 / 57.29577951;
-    points[i] = {.dX = 400 * std::sin(angle),
-                 .dY = -400 * std::cos(angle),
-                 .dAltitude = 20.0 + static_cast<double>(i / 10),
-                 .bKind = kv::kPointLocal};
+  std::vector<kv::FlightTrackPoint> points;
+  for (int i = 0; i < 180; ++i) {
+    const double x = 400 * std::sin(i / 28.6), y = -400 * std::cos(i / 28.6);
+    points.push_back({.dX = x, .dY = y, .dAltitude = 20.0 + i / 10, .bKind = kv::kPointLocal});
   }
   return points;
 }
@@ -31,7 +28,8 @@ void Say(HWND dialog, const std::wstring& text) {
 std::wstring PathOf(HWND dialog, const wchar_t* name) {
   wchar_t folder[kv::kPathCharacters] = L"";
   GetDlgItemTextW(dialog, IDC_FOLDER, folder, ARRAYSIZE(folder));
-  return std::wstring(folder) + L"\\" + name;
+  const std::wstring path = folder;
+  return path + (path.ends_with(L'\\') ? L"" : L"\\") + name;
 }
 
 void SaveAs(HWND dialog, const wchar_t* name, BOOL write(const wchar_t* path)) {
@@ -42,10 +40,8 @@ void SaveAs(HWND dialog, const wchar_t* name, BOOL write(const wchar_t* path)) {
 // A new sheet with one row for each point. What is selected then names the sheet: "[Book1]Sheet1!R1C1".
 void SendToSpreadsheet(HWND dialog) {
   std::string selection;
-  if (!kv::DdeConversation("Excel", "System").Execute("[NEW(1)]"))
-    return Say(dialog, L"No spreadsheet program is running.");
-  if (!kv::DdeConversation("Excel", "System").Request("Selection", &selection))
-    return Say(dialog, L"The spreadsheet program did not answer.");
+  if (!kv::DdeConversation("Excel", "System").Execute("[NEW(1)]")) return Say(dialog, L"No spreadsheet is open.");
+  if (!kv::DdeConversation("Excel", "System").Request("Selection", &selection)) return Say(dialog, L"No answer.");
   kv::DdeConversation sheet("Excel", selection.substr(0, selection.find('!')).c_str());
   size_t sent = 0;
   for (const kv::FlightTrackPoint& point : flight) {
@@ -59,8 +55,9 @@ void SendToSpreadsheet(HWND dialog) {
 }
 
 INT_PTR CALLBACK TrackExport(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
-  if (message == WM_INITDIALOG) return SetDlgItemTextW(dialog, IDC_FOLDER, _wgetenv(L"TEMP"));
-  if (message != WM_COMMAND) return FALSE;
+  wchar_t folder[MAX_PATH + 1] = L"";
+  if (message == WM_INITDIALOG && GetTempPathW(ARRAYSIZE(folder), folder)) SetDlgItemTextW(dialog, IDC_FOLDER, folder);
+  if (message != WM_COMMAND) return message == WM_INITDIALOG;
   switch (LOWORD(wParam)) {
     case IDC_KML: SaveAs(dialog, L"flight.kml", [](const wchar_t* path) { return kv::WriteKml(path, track); }); break;
     case IDC_WAYPOINTS:

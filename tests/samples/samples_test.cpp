@@ -136,7 +136,7 @@ TEST(Samples, ATrackIsExportedThreeWays) {
     return WaitUntil([&] { return TextOf(track.Control(kStatus)) == text; }, kPatience);
   };
   PostMessageW(track.Control(kSpreadsheet), BM_CLICK, 0, 0);
-  EXPECT_TRUE(says(L"No spreadsheet program is running."));
+  EXPECT_TRUE(says(L"No spreadsheet is open."));
 
   const Program spreadsheet(L"export\\dde_server.exe", L"dde_server.log Excel System,[Book1]Sheet1");
   EXPECT_TRUE(WaitUntil([] { return kv::DdeConversation("Excel", "System").Poke("Selection", "[Book1]Sheet1!R1C1"); },
