@@ -5,18 +5,30 @@
 #include "framework/dialog.h"
 #include "framework/modules.h"
 #include "toolkit/classes.h"
+#include "toolkit/dialog_record.h"
 #include "toolkit/scaled_dialog.h"
 #include "toolkit/switch_language.h"
 
 namespace kv {
 
+namespace {
+
+// Our own dialogs take letters of every script, for which the table's dispatch has no room.
+bool TakenByDialog(MSG* message) {
+  HWND root = GetAncestor(message->hwnd, GA_ROOT);
+  if (DialogRecordOf(root)) return IsDialogMessageW(root, message);
+  return ModelessDialogs(nullptr, message, kModelessDispatch);
+}
+
+}  // namespace
+
 int RunMessageLoop(HWND window) {
   MSG message;
   while (IsWindow(window)) {
-    if (GetMessageA(&message, nullptr, 0, 0) <= 0) return static_cast<int>(message.wParam);
-    if (ModelessDialogs(nullptr, &message, kModelessDispatch)) continue;
+    if (GetMessageW(&message, nullptr, 0, 0) <= 0) return static_cast<int>(message.wParam);
+    if (TakenByDialog(&message)) continue;
     TranslateMessage(&message);
-    DispatchMessageA(&message);
+    DispatchMessageW(&message);
   }
   return 0;
 }

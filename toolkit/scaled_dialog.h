@@ -72,7 +72,8 @@ HWND OpenDialog(HWND owner, const ScaledDialog& dialog);
 // the template is missing.
 INT_PTR AskByDialog(HWND owner, const ScaledDialog& dialog);
 
-// Dispatches messages until the window is destroyed or the process is to quit; returns the exit code.
+// Dispatches messages until the window is destroyed or the process is to quit; returns the exit code. Every modeless
+// dialog of the table gets its keys; those of the toolkit take letters of every script.
 int RunMessageLoop(HWND window);
 
 // How far the dialog is from the size of its template: 1 as in the template. 1 for other windows.

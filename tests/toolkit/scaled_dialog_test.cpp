@@ -28,14 +28,24 @@ std::vector<UINT> seen;
 UINT answered = 0;  // the message that the procedure keeps to itself
 UINT postAtStart = 0;
 
+std::wstring TextOf(HWND window) {
+  wchar_t text[64] = L"";
+  SendMessageW(window, WM_GETTEXT, ARRAYSIZE(text), reinterpret_cast<LPARAM>(text));
+  return text;
+}
+
 INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
   seen.push_back(message);
   if (message == WM_INITDIALOG) {
     EXPECT_EQ(77, lParam);
+    PostMessageW(GetDlgItem(dialog, IDC_EDIT), WM_CHAR, L'Ω', 0);
     if (postAtStart) PostMessageA(dialog, postAtStart, IDOK, 0);
     return TRUE;
   }
-  if (message == WM_APP) PostQuitMessage(static_cast<int>(wParam) + 6);
+  if (message == WM_APP) {
+    EXPECT_EQ(L"Ω", TextOf(GetDlgItem(dialog, IDC_EDIT)));
+    PostQuitMessage(static_cast<int>(wParam) + 6);
+  }
   return message == answered;
 }
 
@@ -48,12 +58,6 @@ const ScaledDialog kTest{.templateName = L"TEST",
                          .tips = kTips,
                          .lowestId = 100,
                          .highestId = 199};
-
-std::wstring TextOf(HWND window) {
-  wchar_t text[64] = L"";
-  SendMessageW(window, WM_GETTEXT, ARRAYSIZE(text), reinterpret_cast<LPARAM>(text));
-  return text;
-}
 
 RECT PlaceOf(HWND dialog, int id) {
   RECT place{};
