@@ -1,6 +1,7 @@
 // The display instrument's pictures: that they show what they are to show, and nothing of what was before.
 #include <gtest/gtest.h>
 
+#include <barrier>
 #include <cmath>
 #include <cstdlib>
 #include <thread>
@@ -118,13 +119,14 @@ TEST_F(InstrumentPictures, ANewValueLooksAsIfAllWereDrawnAnew) {
   }
 }
 
-// Pictures of a window of the calling thread's own at one value after the other.
-std::vector<DWORD> RenderSeries(DWORD mode) {
-  HWND control = CreateWindowExA(0, kDisplayInstrumentClass, "", WS_POPUP | mode, 0, 0, 96, 96, nullptr, nullptr,
-                                 GetModuleHandleA(nullptr), nullptr);
+// Pictures of a large compass of the calling thread's own at headings from `first` on, each begun together with others.
+std::vector<DWORD> TurnCard(float first, std::barrier<>& together) {
+  HWND control = CreateWindowExA(0, kDisplayInstrumentClass, "", WS_POPUP | kModeCompass, 0, 0, 400, 400, nullptr,
+                                 nullptr, GetModuleHandleA(nullptr), nullptr);
   std::vector<DWORD> pictures;
-  for (int i = 0; i < 150; ++i) {
-    SetValue(control, static_cast<float>(i % 90));
+  for (int i = 0; i < 60; ++i) {
+    together.arrive_and_wait();
+    SetValue(control, first + static_cast<float>(i));
     pictures.push_back(PictureOf(control));
   }
   DestroyWindow(control);
@@ -132,14 +134,14 @@ std::vector<DWORD> RenderSeries(DWORD mode) {
 }
 
 TEST_F(InstrumentPictures, ThreadsWithInstrumentsOfTheirOwnDrawRightPictures) {
-  const std::vector<DWORD> compass = RenderSeries(kModeCompass), gauge = RenderSeries(kModeGauge);
-  EXPECT_NE(compass[0], compass[1]);
+  std::barrier alone(1), both(2);
+  const std::vector<DWORD> east = TurnCard(60, alone), west = TurnCard(240, alone);
+  EXPECT_NE(east[0], east[1]);
   std::vector<DWORD> others;
-  std::thread other([&others] { others = RenderSeries(kModeCompass); });
-  const std::vector<DWORD> own = RenderSeries(kModeGauge);
+  std::thread other([&] { others = TurnCard(240, both); });
+  EXPECT_EQ(east, TurnCard(60, both));
   other.join();
-  EXPECT_EQ(gauge, own);
-  EXPECT_EQ(compass, others);
+  EXPECT_EQ(west, others);
 }
 
 TEST_F(InstrumentPictures, SegmentsGrowFromTheirEnd) {
