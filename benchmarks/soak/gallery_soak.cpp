@@ -12,6 +12,7 @@
 #include "benchmarks/soak/soaks.h"
 #include "gallery/resource_ids.h"
 #include "tools/camtool/pace.h"
+#include "tools/camtool/text.h"
 
 namespace soak {
 
@@ -32,9 +33,7 @@ struct GallerySoak {
 };
 
 void Note(GallerySoak* soak, const char* what, int a = 0, int b = 0) {
-  char text[80];
-  std::snprintf(text, sizeof(text), "%s %d %d", what, a, b);
-  soak->actions.push_back(text);
+  soak->actions.push_back(camtool::Format("%s %d %d", what, a, b));
   if (soak->actions.size() > kActionsTold) soak->actions.pop_front();
 }
 
@@ -191,9 +190,7 @@ void End(GallerySoak* soak) {
     ++soak->exits;
   } else {
     ++soak->crashes;
-    char text[60];
-    std::snprintf(text, sizeof(text), "it crashed, exit code %08lX", code);
-    TellLastActions(*soak, text);
+    TellLastActions(*soak, camtool::Format("it crashed, exit code %08lX", code).c_str());
   }
   soak->longestAnswer = std::max(soak->longestAnswer, soak->watch->LongestAnswer());
   if (!soak->longestWatch || soak->watch->Samples().size() > soak->longestWatch->Samples().size()) {
@@ -240,12 +237,8 @@ int SoakGallery(double seconds, std::uint32_t seed) {
     close = CloseProgram(&soak.gallery);
     if (close < 0) TellLastActions(soak, "it did not close");
     const long exits = soak.exits;
-    if (!IsRunning(soak.gallery)) {
-      End(&soak);
-      soak.exits = exits;
-    } else {
-      End(&soak);
-    }
+    End(&soak);
+    soak.exits = exits;
   }
   RestoreColours();
   std::printf("\nThe gallery, %.0f s, seed %u\n", camtool::Now() - start, seed);

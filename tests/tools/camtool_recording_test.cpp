@@ -3,6 +3,7 @@
 
 #include "tools/camtool/record_stream.h"
 #include "tools/camtool/recording.h"
+#include "tools/camtool/text.h"
 
 namespace camtool {
 namespace {

@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
+
+#include "tools/camtool/text.h"
 
 namespace camtool {
 
@@ -15,12 +16,6 @@ template <class... Cases>
 struct Match : Cases... {
   using Cases::operator()...;
 };
-
-std::string Number(double number) {
-  char text[40];
-  std::snprintf(text, sizeof(text), "%.15g", number);
-  return text;
-}
 
 bool SetNumber(const NumberOption& option, std::string_view text) {
   double number = 0;
@@ -49,7 +44,7 @@ std::string Expected(const Option& option) {
   return std::visit(
       Match{[](bool*) { return std::string("no value"); },
             [](const NumberOption& number) {
-              return "a number from " + Number(number.lowest) + " to " + Number(number.highest);
+              return Format("a number from %.15g to %.15g", number.lowest, number.highest);
             },
             [](const SizeOption&) { return std::string("a number of bytes, such as 500K or 10M"); },
             [](std::string*) { return std::string("a text"); },

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <iterator>
 #include <utility>
 
 #include "tools/camtool/arguments.h"
+#include "tools/camtool/text.h"
 
 namespace camtool {
 
@@ -95,12 +95,9 @@ std::string CsvHeader() {
 }
 
 std::string CsvRow(const FoundRecord& record) {
-  char text[160];
-  int length = std::snprintf(text, sizeof(text), "%.6f", record.seconds);
-  for (const kv::CameraPoint& point : record.points) {
-    length += std::snprintf(text + length, sizeof(text) - length, ",%ld,%ld", point.x, point.y);
-  }
-  return std::string(text) + "\n";
+  std::string row = Format("%.6f", record.seconds);
+  for (const kv::CameraPoint& point : record.points) row += Format(",%ld,%ld", point.x, point.y);
+  return row + "\n";
 }
 
 bool ParsePath(std::string_view text, PointPath* path, std::string* error) {

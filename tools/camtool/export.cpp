@@ -10,6 +10,7 @@
 #include "tools/camtool/csv.h"
 #include "tools/camtool/files.h"
 #include "tools/camtool/record_stream.h"
+#include "tools/camtool/text.h"
 #include "tools/camtool/verbs.h"
 
 namespace camtool {

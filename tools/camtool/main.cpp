@@ -6,6 +6,7 @@
 #include <timeapi.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 
 #include "tools/camtool/console.h"
@@ -26,8 +27,10 @@ void PrintOverview(FILE* out) {
 }
 
 void PrintHelp(const Verb& verb) {
+  std::string purpose = verb.purpose;
+  purpose[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(purpose[0])));
   std::printf("usage: camtool %s%s%s%s\n\n%s.\n%s", verb.name, *verb.operands ? " " : "", verb.operands,
-              verb.options.empty() ? "" : " [OPTIONS]", verb.purpose, verb.details);
+              verb.options.empty() ? "" : " [OPTIONS]", purpose.c_str(), verb.details);
   if (!verb.options.empty()) std::printf("\noptions:\n%s", DescribeOptions(verb.options).c_str());
   std::puts("\nexit codes:");
   for (const ExitCode& code : kExitCodes) {

@@ -1,10 +1,8 @@
 #include "tools/camtool/port_report.h"
 
 #include <algorithm>
-#include <cstdarg>
-#include <cstdio>
 
-#include "app/camera_link.h"
+#include "tools/camtool/text.h"
 
 namespace camtool {
 
@@ -15,17 +13,8 @@ constexpr size_t kSampleShown = 32;
 constexpr double kRealigningGap = 0.005;
 constexpr char kIndent[] = "                  ";
 
-std::string Text(const char* format, ...) {
-  char text[400];
-  va_list arguments;
-  va_start(arguments, format);
-  std::vsnprintf(text, sizeof(text), format, arguments);
-  va_end(arguments);
-  return text;
-}
-
 std::string Line(int number, const char* state, const std::string& rest) {
-  std::string line = Text("%-7s%-11s", ("COM" + std::to_string(number)).c_str(), state) + rest;
+  std::string line = Format("%-7s%-11s", ("COM" + std::to_string(number)).c_str(), state) + rest;
   return line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
 }
 
@@ -39,17 +28,17 @@ std::string Rates(const std::vector<int>& rates) {
 
 std::string Points(const FoundRecord& record) {
   std::string text;
-  for (const kv::CameraPoint& point : record.points) text += Text(" %ld,%ld", point.x, point.y);
+  for (const kv::CameraPoint& point : record.points) text += Format(" %ld,%ld", point.x, point.y);
   return text;
 }
 
 std::string DescribeCamera(const PortReport& report) {
   const RecordStream& stream = report.stream;
-  const std::string rate = stream.records > 1 ? Text("%.1f records/s", RecordRate(stream)) : std::string("1 record");
+  const std::string rate = stream.records > 1 ? Format("%.1f records/s", RecordRate(stream)) : std::string("1 record");
   std::string text = Line(report.number, "camera",
                           rate +
-                              Text(", %.1f %% well-formed, longest gap %.0f ms, points", WellFormedShare(stream) * 100,
-                                   stream.longestGap * 1000) +
+                              Format(", %.1f %% well-formed, longest gap %.0f ms, points",
+                                     WellFormedShare(stream) * 100, stream.longestGap * 1000) +
                               Points(stream.last));
   if (stream.longestGap < kRealigningGap) {
     text += kIndent + std::string(
@@ -63,8 +52,8 @@ std::string DescribeTalk(const PortReport& report) {
   const std::string_view sample = std::string_view(report.sample).substr(0, kSampleShown);
   std::string text =
       Line(report.number, "talks",
-           Text("%lld bytes in %.1f s, but no camera's records: ", report.stream.bytes, report.listenedSeconds) + "\"" +
-               Printable(sample) + "\"" + (report.sample.size() > sample.size() ? "..." : ""));
+           Format("%lld bytes in %.1f s, but no camera's records: ", report.stream.bytes, report.listenedSeconds) +
+               "\"" + Printable(sample) + "\"" + (report.sample.size() > sample.size() ? "..." : ""));
   if (!report.recordRates.empty()) {
     text += kIndent + ("a camera set to " + Rates(report.recordRates)) +
             ", at which its records make sense: set its board to 38400 baud\n";
@@ -100,7 +89,7 @@ std::string DescribePort(const PortReport& report) {
   } else if (report.stream.bytes > 0) {
     text = DescribeTalk(report);
   } else {
-    text = Line(report.number, "silent", Text("opens, but nothing came in %.1f s", report.listenedSeconds));
+    text = Line(report.number, "silent", Format("opens, but nothing came in %.1f s", report.listenedSeconds));
   }
   if (report.wentAway) text += kIndent + std::string("went away while it was listened to\n");
   return text;
@@ -119,7 +108,7 @@ std::string DescribePorts(std::span<const PortReport> reports, bool all) {
     size_t last = i;
     while (last + 1 < reports.size() && isAbsent(reports[last + 1])) ++last;
     text += last == i ? Line(reports[i].number, "absent", "")
-                      : Text("COM%d to COM%d  absent\n", reports[i].number, reports[last].number);
+                      : Format("COM%d to COM%d  absent\n", reports[i].number, reports[last].number);
     i = last;
   }
   return text;
@@ -146,12 +135,12 @@ std::string DescribeVerdict(std::span<const PortReport> reports) {
                          : "Tarnwick would take no port: none sends what a camera would.\n";
   }
   if (!IsCamera(*likeliest)) {
-    return Text("Tarnwick would take COM%d, which is no camera%s\n", likeliest->number,
-                isCameraThere ? ", before it comes to the camera; unplug that device."
-                              : ": it takes the first port that talks.");
+    return Format("Tarnwick would take COM%d, which is no camera%s\n", likeliest->number,
+                  isCameraThere ? ", before it comes to the camera; unplug that device."
+                                : ": it takes the first port that talks.");
   }
-  return Text("Tarnwick would take COM%d; one press of its button finds the camera in %.0f of 100 tries%s\n",
-              likeliest->number, findsCamera * 100, findsCamera < 0.995 ? "; press again if it does not." : ".");
+  return Format("Tarnwick would take COM%d; one press of its button finds the camera in %.0f of 100 tries%s\n",
+                likeliest->number, findsCamera * 100, findsCamera < 0.995 ? "; press again if it does not." : ".");
 }
 
 }  // namespace camtool

@@ -1,8 +1,5 @@
 #include "tools/camtool/ports.h"
 
-#include <cstdio>
-#include <cstring>
-
 #include "app/camera_link.h"
 #include "tools/camtool/console.h"
 #include "tools/camtool/device_name.h"
@@ -31,10 +28,9 @@ PortState StateFor(DWORD error) {
 
 OpenedPort OpenPort(int number, const PortHolders& holders) {
   OpenedPort opened;
-  wchar_t name[16];
-  _snwprintf(name, std::size(name), L"\\\\.\\COM%d", number);
+  const std::wstring name = L"\\\\.\\COM" + std::to_wstring(number);
   HANDLE probe =
-      CreateFileW(name, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr);
+      CreateFileW(name.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr);
   if (probe == INVALID_HANDLE_VALUE) {
     opened.error = GetLastError();
     opened.state = StateFor(opened.error);

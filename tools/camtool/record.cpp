@@ -9,6 +9,7 @@
 #include "tools/camtool/pace.h"
 #include "tools/camtool/ports.h"
 #include "tools/camtool/record_stream.h"
+#include "tools/camtool/text.h"
 #include "tools/camtool/verbs.h"
 
 namespace camtool {
@@ -81,13 +82,11 @@ bool Keep(Recorder* recorder, double seconds, const std::string& bytes) {
 }
 
 std::string Progress(const Recorder& recorder, double seconds, long long recordsBefore, double secondsBefore) {
-  char text[120];
   const double rate = seconds > secondsBefore
                           ? static_cast<double>(recorder.stream.records - recordsBefore) / (seconds - secondsBefore)
                           : 0;
-  std::snprintf(text, sizeof(text), "%7.1f s  %5.1f records/s  %lld records  %lld bytes", seconds, rate,
-                recorder.stream.records, recorder.stream.bytes);
-  return text;
+  return Format("%7.1f s  %5.1f records/s  %lld records  %lld bytes", seconds, rate, recorder.stream.records,
+                recorder.stream.bytes);
 }
 
 // Returns the sentence that says why the recording ended before its time, or "".

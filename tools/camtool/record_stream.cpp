@@ -1,7 +1,6 @@
 #include "tools/camtool/record_stream.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 
 #include "app/camera_record.h"
@@ -112,21 +111,6 @@ std::string DescribeMalformed(const RecordStream& stream) {
   return std::to_string(stream.malformedStretches) +
          (stream.malformedStretches == 1 ? " malformed stretch, " : " malformed stretches, ") +
          std::to_string(stream.malformedBytes) + " bytes";
-}
-
-std::string Printable(std::string_view bytes) {
-  std::string text;
-  for (const char byte : bytes) {
-    const auto code = static_cast<unsigned char>(byte);
-    if (code >= ' ' && code < 0x7F && code != '\\') {
-      text += byte;
-      continue;
-    }
-    char hex[8];
-    std::snprintf(hex, sizeof(hex), "\\x%02X", code);
-    text += hex;
-  }
-  return text;
 }
 
 }  // namespace camtool

@@ -1,6 +1,6 @@
 // Finds the camera's records in a stream of bytes that may begin anywhere and hold anything, and counts what is between
-// them. A record is what Tarnwick takes for one, 41 bytes with seven commas in their places, unless it was joined of two.
-// Pure, any thread.
+// them. A record is what Tarnwick takes for one, 41 bytes with seven commas in their places, unless it was joined of
+// two. Pure, any thread.
 #pragma once
 
 #include <string>
@@ -60,8 +60,5 @@ double WellFormedShare(const RecordStream& stream);
 
 // "1 malformed stretch, 20 bytes"; "no malformed stretches".
 std::string DescribeMalformed(const RecordStream& stream);
-
-// Text with every byte that does not print, and the backslash, as \xHH.
-std::string Printable(std::string_view bytes);
 
 }  // namespace camtool

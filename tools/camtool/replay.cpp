@@ -8,6 +8,7 @@
 #include "tools/camtool/files.h"
 #include "tools/camtool/pace.h"
 #include "tools/camtool/ports.h"
+#include "tools/camtool/text.h"
 #include "tools/camtool/verbs.h"
 
 namespace camtool {
@@ -61,10 +62,7 @@ double PlayRound(Player* player, double begin, ProgressLine* progress) {
     (written == Written::kAll ? player->bytes : player->lostBytes) += size;
     player->isGone = written == Written::kGone;
     if (!progress->IsDue()) continue;
-    char text[120];
-    std::snprintf(text, sizeof(text), "%7.1f s  %lld bytes  round %lld", Now() - player->start, player->bytes,
-                  player->rounds + 1);
-    progress->Show(text);
+    progress->Show(Format("%7.1f s  %lld bytes  round %lld", Now() - player->start, player->bytes, player->rounds + 1));
   }
   ++player->rounds;
   const RecordingDecoder& decoder = player->recording.decoder;

@@ -12,6 +12,7 @@
 #include "tools/camtool/pace.h"
 #include "tools/camtool/paths.h"
 #include "tools/camtool/ports.h"
+#include "tools/camtool/text.h"
 #include "tools/camtool/verbs.h"
 
 namespace camtool {
@@ -109,10 +110,7 @@ void Stream(Camera* camera) {
     camera->isGone = written == Written::kGone;
     due += 1 / (settings.rate * step.pace) + step.pauseSeconds + step.hangUpSeconds;
     if (step.hangUpSeconds > 0 && !camera->isGone) HangUp(camera, camera->start + due);
-    if (!progress.IsDue()) continue;
-    char text[80];
-    std::snprintf(text, sizeof(text), "%7.1f s  %ld records sent", due, camera->sent);
-    progress.Show(text);
+    if (progress.IsDue()) progress.Show(Format("%7.1f s  %ld records sent", due, camera->sent));
   }
 }
 

@@ -1,0 +1,19 @@
+// Texts of camtool. Pure, any thread.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace camtool {
+
+// printf's rules, cut at 1,000 characters.
+#ifdef __GNUC__
+__attribute__((format(gnu_printf, 1, 2)))
+#endif
+std::string
+Format(const char* format, ...);
+
+// Text with every byte that does not print, and the backslash, as \xHH.
+std::string Printable(std::string_view bytes);
+
+}  // namespace camtool
