@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building, running and testing need. Does nothing, quickly, when all are there.
+# Installs the Debian packages that building, running and testing need, with --lint those that ./lint needs as well. Does
+# nothing, quickly, when all are there.
 source "$(dirname "$0")/common.sh"
 
 packages=(
@@ -12,6 +13,11 @@ packages=(
   fonts-dejavu-core fonts-liberation fonts-wine          # text in the windows
   fonts-wqy-microhei fonts-lohit-deva                    # Chinese, Japanese, Korean; Hindi
 )
+
+# One version of the tools, so that all machines find the same; Debian 12 and 13 both have it.
+if [ "${1:-}" = --lint ]; then
+  packages+=(git clang-19 clang-format-19 clang-tidy-19 llvm-19 cppcheck shellcheck flake8)
+fi
 
 missing() {
   local package status

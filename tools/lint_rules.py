@@ -1,0 +1,75 @@
+#!/usr/bin/env python3
+"""The rules of this house that no other tool knows: who may include whom, how long a file may be, words that do not
+belong here. The length of a function is clang-tidy's (readability-function-size).
+
+Usage: tools/lint_rules.py FILE...   prints one line per finding and ends with 1 if there are any."""
+import re
+import sys
+from pathlib import Path
+
+LONGEST_FILE = 500
+
+# A folder may include itself and what stands here. Tests and benchmarks may include everything.
+MAY_INCLUDE = {
+    "framework": set(),
+    "controls": {"framework"},
+    "lists": {"framework"},
+    "views3d": {"framework"},
+    "capture": {"framework"},
+    "export": {"framework"},
+}
+LIBRARY = set(MAY_INCLUDE) | {"framework"}
+MAY_INCLUDE["toolkit"] = LIBRARY
+MAY_INCLUDE["kv.h"] = LIBRARY | {"toolkit"}
+MAY_INCLUDE["samples"] = LIBRARY | {"toolkit", "kv.h"}
+MAY_INCLUDE["app"] = LIBRARY
+MAY_INCLUDE["gallery"] = LIBRARY | {"toolkit", "kv.h", "app"}
+MAY_INCLUDE["tools"] = LIBRARY | {"app"}
+
+# Marks of unfinished work, invented history, and machines or papers that a reader of this tree does not have. Written in
+# pieces, so that this file does not find itself.
+WORDS = re.compile("|".join([
+    r"\bTO" r"DO\b", r"\bFIX" r"ME\b", r"\bX" r"XX\b", r"\bHA" r"CK\b",
+    r"\bolder " r"builds?\b", r"\bfor the day " r"when\b",
+    r"\bspeci" r"fication\b", r"\bPa" r"rt [0-9]+\.[0-9]", r"/wo" r"rk/", r"/tm" r"p/",
+]), re.IGNORECASE)
+TEXT = {".cpp", ".h", ".rc", ".py", ".sh", ".md", ".cmake", ".txt", ".yml", ".json", ".csv", ""}
+
+
+def top_of(path):
+    """The first name of a path: its folder, or the file itself at the root."""
+    return path.split("/", 1)[0]
+
+
+def findings(path):
+    text = Path(path).read_text(encoding="utf-8", errors="replace")
+    lines = text.splitlines()
+    suffix = Path(path).suffix
+    if suffix in {".cpp", ".h", ".py", ".sh", ".cmake"} and len(lines) > LONGEST_FILE:
+        yield 1, f"{len(lines)} lines; past {LONGEST_FILE} a file is two things"
+    allowed = MAY_INCLUDE.get(top_of(path))
+    for number, line in enumerate(lines, 1):
+        word = WORDS.search(line) if suffix in TEXT else None
+        if word:
+            yield number, f"'{word.group()}' does not belong here"
+        included = re.match(r'\s*#\s*include\s+"([^"]+)"', line)
+        if included and suffix in {".cpp", ".h"} and allowed is not None:
+            target = top_of(included.group(1))
+            known = target in MAY_INCLUDE or target in {"tests", "benchmarks"}
+            if known and target != top_of(path) and target not in allowed:
+                yield number, f"{top_of(path)} must not include {target}"
+
+
+def main(paths):
+    found = 0
+    for path in paths:
+        if not Path(path).is_file() or Path(path).suffix not in TEXT:
+            continue
+        for number, message in findings(path):
+            print(f"{path}:{number}: {message}")
+            found += 1
+    return 1 if found else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
