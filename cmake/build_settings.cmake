@@ -16,7 +16,7 @@ else()
   # Double arithmetic must not pass through x87's 80 bits: calendar and mesh results would depend on the optimiser.
   # No path of the build machine stays in what is built, so that two builds give the same bytes.
   add_compile_options(
-    "$<$<COMPILE_LANGUAGE:C,CXX>:-Wall;-Wextra;-Wno-missing-field-initializers;-Wno-restrict;-msse2;-mfpmath=sse>"
+    "$<$<COMPILE_LANGUAGE:C,CXX>:-Wall;-Wextra;-Wno-missing-field-initializers;$<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>;-msse2;-mfpmath=sse>"
     "$<$<COMPILE_LANGUAGE:C,CXX>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>"
     "$<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions>"
     "$<$<AND:$<CONFIG:Release>,$<COMPILE_LANGUAGE:C,CXX>>:-ffunction-sections;-fdata-sections>")
