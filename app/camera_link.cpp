@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "app/app_context.h"
+#include "app/camera_point.h"
 #include "app/camera_record.h"
 #include "framework/bounded_format.h"
 

@@ -40,6 +40,6 @@ DWORD PortTransaction(HANDLE hPort, HANDLE hExtraEvent, const char* command, cha
 DWORD ConnectCamera(AppContext* context, BOOL connect);
 
 // Thread procedure; the parameter is the AppContext. Runs until hQuitEvent is signalled, whether a port is open or not.
-DWORD WINAPI CameraReaderThread(void* context);
+DWORD WINAPI CameraReaderThread(void* parameter);
 
 }  // namespace kv

@@ -5,12 +5,13 @@
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
+#include "app/camera_point.h"
 
 namespace kv {
 
 bool HasRecordShape(const char* record) {
   constexpr int kCommas[] = {4, 9, 14, 19, 24, 29, 34};
-  return std::all_of(std::begin(kCommas), std::end(kCommas), [&](int offset) { return record[offset] == ','; });
+  return std::ranges::all_of(kCommas, [&](int offset) { return record[offset] == ','; });
 }
 
 void ParseRecord(char* record, CameraPoint (&points)[kPointCount]) {

@@ -4,7 +4,9 @@
 
 #include <cwchar>
 
+#include "app/app_context.h"
 #include "app/camera_link.h"
+#include "app/camera_point.h"
 #include "app/main_dialog_background.h"
 #include "app/main_dialog_geometry.h"
 #include "app/main_dialog_layout.h"
@@ -15,7 +17,7 @@
 #include "export/web_links.h"
 #include "framework/bounded_format.h"
 #include "framework/control_class.h"
-#include "framework/dialog.h"
+#include "framework/dialog_layout.h"
 #include "framework/guards.h"
 #include "framework/painting.h"
 #include "framework/picture.h"

@@ -1,7 +1,9 @@
 #include "app/main_dialog_background.h"
 
 #include <algorithm>
+#include <array>
 
+#include "app/main_dialog_geometry.h"
 #include "framework/guards.h"
 #include "framework/painting.h"
 

@@ -1,6 +1,7 @@
 #include "app/main_dialog_geometry.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace kv {

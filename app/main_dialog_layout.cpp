@@ -2,7 +2,9 @@
 
 #include <commctrl.h>
 
+#include "app/app_context.h"
 #include "app/main_dialog_geometry.h"
+#include "framework/dialog_layout.h"
 #include "framework/picture.h"
 
 namespace kv {

@@ -5,12 +5,14 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/app_context.h"
 #include "app/camera_link.h"
 #include "app/main_dialog.h"
 #include "app/main_dialog_layout.h"
 #include "app/resource_ids.h"
 #include "app/version.h"
 #include "framework/dialog.h"
+#include "framework/dialog_layout.h"
 #include "framework/dialog_texts.h"
 #include "framework/guards.h"
 #include "framework/modules.h"

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string>
 
+#include "app/camera_point.h"
 #include "framework/accessible.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
@@ -38,14 +40,14 @@ bool IsShown(const CameraPoint& point) {
   return point.x != kNoPoint && point.y != kNoPoint;
 }
 
-// Both coordinates to 1023, on purpose: a y below the field is kept and lies outside the picture. Clamped to the field's
-// height it would be shown at the lower edge, where the camera sees nothing.
+// Both coordinates to 1023, on purpose: a y below the field is kept and lies outside the picture. Clamped to the
+// field's height it would be shown at the lower edge, where the camera sees nothing.
 CameraPoint Clamped(const CameraPoint& point) {
   return {std::clamp<LONG>(point.x, 0, kNoPoint), std::clamp<LONG>(point.y, 0, kNoPoint)};
 }
 
 void SetAllNowhere(ChartState* state) {
-  std::fill(std::begin(state->points), std::end(state->points), kNowhere);
+  std::ranges::fill(state->points, kNowhere);
   state->bDirty = TRUE;
 }
 
@@ -129,7 +131,7 @@ void RenderBackBuffer(ChartState* state) {
   }
   RenderChart(state->hBackDc, state->points);
   SelectClipRgn(state->hBackDc, nullptr);
-  std::copy(std::begin(state->points), std::end(state->points), state->rendered);
+  std::ranges::copy(state->points, state->rendered);
   state->bRendered = TRUE;
   state->bDirty = FALSE;
 }
@@ -242,7 +244,7 @@ LRESULT ExchangePoints(ChartState* state, WPARAM flags, FlowPoints* exchange) {
     return 0;
   }
   CameraPoint before[kPointCount];
-  std::copy(std::begin(state->points), std::end(state->points), before);
+  std::ranges::copy(state->points, before);
   for (int i = 0; i < kPointCount; ++i) {
     if (exchange->mask & (1u << i)) {
       state->points[i] = flags & kCommandRemove ? kNowhere : Clamped(exchange->points[i]);

@@ -1,6 +1,8 @@
 #include "capture/video_capture.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 
 #include "framework/guards.h"

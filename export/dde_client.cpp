@@ -1,5 +1,6 @@
 #include "export/dde_client.h"
 
+#include <climits>
 #include <cstring>
 
 namespace kv {

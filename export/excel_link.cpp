@@ -2,6 +2,7 @@
 
 #include <shellapi.h>
 
+#include <climits>
 #include <cstring>
 
 #include "export/dde_client.h"

@@ -1,7 +1,9 @@
 #include "export/flight_track.h"
 
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "framework/angles.h"
 

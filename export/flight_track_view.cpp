@@ -5,6 +5,7 @@
 #include "export/flight_track.h"
 #include "export/kml_export.h"
 #include "framework/bounded_format.h"
+#include "framework/control_class.h"
 #include "framework/guards.h"
 #include "framework/painting.h"
 #include "framework/window_record.h"

@@ -7,10 +7,13 @@
 #include <cstring>
 #include <cwchar>
 #include <iterator>
+#include <span>
 #include <string_view>
 #include <utility>
 
 #include "export/fixed_number.h"
+#include "export/flight_track.h"
+#include "export/kml_settings.h"
 #include "export/kml_templates.h"
 #include "export/text_file.h"
 #include "framework/bounded_format.h"

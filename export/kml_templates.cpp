@@ -1,5 +1,6 @@
 #include "export/kml_templates.h"
 
+#include <cstddef>
 #include <iterator>
 
 namespace kv {

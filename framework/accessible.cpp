@@ -3,6 +3,7 @@
 #include <oleacc.h>
 
 #include <new>
+#include <string>
 
 namespace kv {
 
@@ -116,7 +117,7 @@ class AccessibleControl final : public IAccessible {
 
   static bool IsSelf(const VARIANT& child) { return child.vt == VT_I4 && child.lVal == CHILDID_SELF; }
 
-  HRESULT Give(const VARIANT& child, std::wstring AccessibleText::*part, BSTR* text) {
+  HRESULT Give(const VARIANT& child, std::wstring AccessibleText::* part, BSTR* text) {
     if (!text) return E_POINTER;
     *text = nullptr;
     if (!IsSelf(child)) return E_INVALIDARG;
@@ -138,7 +139,7 @@ class AccessibleControl final : public IAccessible {
 
 LRESULT AnswerGetObject(HWND window, WPARAM wParam, LPARAM lParam, LONG role, DescribeControl describe) {
   const auto byDefault = [&] { return DefWindowProcA(window, WM_GETOBJECT, wParam, lParam); };
-  if (static_cast<LONG>(lParam) != static_cast<LONG>(OBJID_CLIENT)) return byDefault();
+  if (static_cast<LONG>(lParam) != OBJID_CLIENT) return byDefault();
   const SystemFunctions& system = System();
   if (!system.lresultFromObject || !system.createStandardObject || !system.allocateString) return byDefault();
   void* standard = nullptr;

@@ -1,6 +1,8 @@
 #include "framework/bounded_format.h"
 
+#include <climits>
 #include <clocale>
+#include <cstdarg>
 #include <cstdint>
 #include <cstdio>
 #include <cwchar>

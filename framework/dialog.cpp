@@ -29,7 +29,7 @@ LRESULT CALLBACK DialogWindowProcedure(HWND window, UINT message, WPARAM wParam,
 }
 
 BOOL ReplaceFirst(HWND wanted, HWND replacement) {
-  const auto slot = std::find(modelessDialogs.begin(), modelessDialogs.end(), wanted);
+  const auto slot = std::ranges::find(modelessDialogs, wanted);
   if (slot == modelessDialogs.end()) return FALSE;
   *slot = replacement;
   return TRUE;
@@ -91,7 +91,7 @@ BOOL SetTrackbarTicks(HWND trackbar, int minimum, int maximum, int intervals) {
   const double span = std::abs(static_cast<double>(maximum) - minimum);
   // With no intervals 0 / 0 is no number, which ToInt makes the tick at 0.
   for (long long i = 0; i <= intervals; ++i) {
-    SendMessageA(trackbar, TBM_SETTIC, 0, ToInt(i * span / intervals + 0.5));
+    SendMessageA(trackbar, TBM_SETTIC, 0, ToInt(static_cast<double>(i) * span / intervals + 0.5));
   }
   return TRUE;
 }

@@ -130,8 +130,7 @@ class ReplacedFonts {
  private:
   static bool IsStock(HFONT font) {
     constexpr int kStockFonts[] = {SYSTEM_FONT, SYSTEM_FIXED_FONT, ANSI_VAR_FONT, ANSI_FIXED_FONT};
-    return std::any_of(std::begin(kStockFonts), std::end(kStockFonts),
-                       [font](int stock) { return GetStockObject(stock) == font; });
+    return std::ranges::any_of(kStockFonts, [font](int stock) { return GetStockObject(stock) == font; });
   }
 
   std::array<HFONT, 1024> fonts_{};

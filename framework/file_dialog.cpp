@@ -6,6 +6,7 @@
 #include <cwchar>
 
 #include "framework/bounded_format.h"
+#include "framework/file_path.h"
 
 namespace kv {
 
@@ -48,7 +49,7 @@ BOOL ChooseFile(HWND owner, wchar_t* path, const wchar_t* title, BOOL save) {
 
   const FilterText filter = BuildFilterText(ExtensionOf(path));
   wchar_t folder[kPathCharacters], file[kPathCharacters], fileTitle[kPathCharacters] = L"";
-  lstrcpynW(folder, path, static_cast<int>(FileNameOf(path) - path + 1));
+  lstrcpynW(folder, path, FileNameOf(path) - path + 1);
   lstrcpyW(file, FileNameOf(path));
 
   OPENFILENAMEW record{};

@@ -2,6 +2,7 @@
 
 #include "framework/bounded_format.h"
 #include "framework/control_class.h"
+#include "framework/file_path.h"
 #include "framework/language.h"
 
 namespace kv {

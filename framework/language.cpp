@@ -1,8 +1,10 @@
 #include "framework/language.h"
 
+#include <array>
 #include <cstring>
 
 #include "framework/bounded_format.h"
+#include "framework/file_path.h"
 #include "framework/guards.h"
 
 namespace kv {

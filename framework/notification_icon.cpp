@@ -58,9 +58,8 @@ std::vector<ShownIcon> shownIcons;
 HWND listener;  // exists while there are icons
 
 ShownIcon* FindShown(HWND owner, UINT id) {
-  const auto found = std::find_if(shownIcons.begin(), shownIcons.end(), [&](const ShownIcon& icon) {
-    return icon.whole.hWnd == owner && icon.whole.uID == id;
-  });
+  const auto found = std::ranges::find_if(
+      shownIcons, [&](const ShownIcon& icon) { return icon.whole.hWnd == owner && icon.whole.uID == id; });
   return found == shownIcons.end() ? nullptr : &*found;
 }
 
@@ -78,7 +77,7 @@ UINT TaskbarCreated() {
 LRESULT CALLBACK ListenerProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message != TaskbarCreated()) return DefWindowProcA(window, message, wParam, lParam);
   std::erase_if(shownIcons, [](const ShownIcon& icon) { return !IsWindow(icon.whole.hWnd); });
-  std::for_each(shownIcons.begin(), shownIcons.end(), ShowAgain);
+  std::ranges::for_each(shownIcons, ShowAgain);
   return 0;
 }
 

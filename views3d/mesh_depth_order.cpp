@@ -4,10 +4,14 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <memory>
 #include <new>
+#include <span>
 #include <utility>
+#include "views3d/mesh_model.h"
 
 namespace kv {
 
@@ -102,7 +106,7 @@ void SortByDepth(std::span<MeshTriangle> triangles) {
   const std::unique_ptr<DepthEntry[]> entries(new (std::nothrow) DepthEntry[2 * count]);
   const std::unique_ptr<DigitCounts> counts(new (std::nothrow) DigitCounts{});
   if (!entries || !counts) {
-    std::stable_sort(triangles.begin(), triangles.end(), [](const MeshTriangle& first, const MeshTriangle& second) {
+    std::ranges::stable_sort(triangles, [](const MeshTriangle& first, const MeshTriangle& second) {
       return DepthKey(first.depth) < DepthKey(second.depth);
     });
     return;

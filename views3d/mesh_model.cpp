@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <span>
 #include <utility>
@@ -42,7 +44,7 @@ bool IsLiveModel(HGLOBAL mesh, MeshModel* model) {
 
 template <class T>
 void Deliver(T* target, T value) {
-  if (!IsBadWritePtr(target, sizeof(T))) *target = value;
+  if (!IsBadWritePtr(target, sizeof(*target))) *target = value;
 }
 
 // Takes whole turns off in one step, where taking them off one by one would never end for a huge angle. Whole turns
