@@ -1,0 +1,60 @@
+#!/usr/bin/env python3
+"""Compares docs/reference with the library.
+
+    check_reference.py HEADER...
+
+Every constant, record and operation of the public headers given stands on a page that names the header; every example is,
+word for word, a part of the file it says it is from; every link leads somewhere; the index names every page.
+"""
+import re
+import sys
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+REFERENCE = ROOT / "docs" / "reference"
+
+CONSTANT = re.compile(r"\b(k[A-Z]\w*)(?:\[\])?\s*=[^=]")
+RECORD = re.compile(r"^(?:struct|class) (\w+)[^;\n]*\{", re.MULTILINE)
+OPERATION = re.compile(r"^(?!#|//|using|static_assert|inline constexpr|template|extern)[\w:<>*&]+(?: [\w:<>*&]+)*[ *&](\w+)\(", re.MULTILINE)
+EXAMPLE = re.compile(r"From \[`([^`]+)`\]\([^)]*\):\n\n```cpp\n(.*?)```", re.DOTALL)
+LINK = re.compile(r"\]\(([^)#:]+)\)")
+
+
+def names_of(header: Path) -> set[str]:
+    code = re.sub(r"//[^\n]*", "", header.read_text(encoding="utf-8"))
+    return {name for pattern in (CONSTANT, RECORD, OPERATION) for name in pattern.findall(code)}
+
+
+def check_header(header: Path, pages: dict[Path, str]) -> list[str]:
+    name = header.relative_to(ROOT).as_posix()
+    about = [text for text in pages.values() if f"`{name}`" in text]
+    if not about:
+        return [f"no page names {name}"]
+    words = set(re.findall(r"\w+", " ".join(about)))
+    return [f"{name}: {missing} stands on no page of this header" for missing in sorted(names_of(header) - words)]
+
+
+def check_page(page: Path, text: str) -> list[str]:
+    where = page.relative_to(ROOT)
+    faults = [f"{where}: {target} does not exist" for target in LINK.findall(text) if not (page.parent / target).exists()]
+    for source, example in EXAMPLE.findall(text):
+        path = ROOT / source
+        if path.exists() and example not in path.read_text(encoding="utf-8"):
+            faults.append(f"{where}: the example {example.splitlines()[0]!r} is no longer so in {source}")
+    return faults
+
+
+def main() -> int:
+    pages = {page: page.read_text(encoding="utf-8") for page in sorted(REFERENCE.glob("*.md"))}
+    index = pages[REFERENCE / "index.md"]
+    faults = [f"the index does not name {page.name}" for page in pages if f"({page.name})" not in index and page.stem != "index"]
+    for page, text in pages.items():
+        faults += check_page(page, text)
+    for header in sys.argv[1:]:
+        faults += check_header(Path(header).resolve(), pages)
+    print("\n".join(faults) or f"{len(pages)} pages agree with {len(sys.argv) - 1} headers")
+    return 1 if faults or len(sys.argv) < 2 else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
