@@ -30,3 +30,4 @@ install(FILES
   cmake/kv_resource_library.cmake
   DESTINATION ${package_dir} COMPONENT sdk)
 install(FILES LICENSE DESTINATION share/licenses/kv COMPONENT sdk)
+install(DIRECTORY samples DESTINATION share/kv COMPONENT sdk)

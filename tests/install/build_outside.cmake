@@ -22,3 +22,10 @@ endif()
 step("Configuring" ${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR}/outside -B ${WORK_DIR}/build ${options})
 step("Building" ${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 step("Running" ${EMULATOR} ${WORK_DIR}/build/outside.exe)
+
+# The samples stand on their own in what is installed.
+if(WAY STREQUAL "find_package")
+  set(samples ${WORK_DIR}/samples)
+  step("Configuring the samples" ${CMAKE_COMMAND} -S ${WORK_DIR}/sdk/share/kv/samples -B ${samples} ${options})
+  step("Building a sample" ${CMAKE_COMMAND} --build ${samples} --target instrument_panel)
+endif()
