@@ -1,5 +1,5 @@
-# What every target of this project is compiled and linked with. These are settings of our folders and not of our targets,
-# so nobody who links the library inherits them.
+# What every target of this project is compiled and linked with. These are settings of our folders and not of our
+# targets, so nobody who links the library inherits them.
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)

@@ -12,6 +12,9 @@ if(EXISTS /usr/src/googletest/CMakeLists.txt)
   add_subdirectory(/usr/src/googletest googletest EXCLUDE_FROM_ALL)
 else()
   include(FetchContent)
-  FetchContent_Declare(googletest GIT_REPOSITORY https://github.com/google/googletest.git GIT_TAG v1.14.0 GIT_SHALLOW ON)
+  FetchContent_Declare(googletest
+    GIT_REPOSITORY https://github.com/google/googletest.git
+    GIT_TAG v1.14.0
+    GIT_SHALLOW ON)
   FetchContent_MakeAvailable(googletest)
 endif()

@@ -15,7 +15,9 @@ REFERENCE = ROOT / "docs" / "reference"
 
 CONSTANT = re.compile(r"\b(k[A-Z]\w*)(?:\[\])?\s*=[^=]")
 RECORD = re.compile(r"^(?:struct|class) (\w+)[^;\n]*\{", re.MULTILINE)
-OPERATION = re.compile(r"^(?!#|//|using|static_assert|inline constexpr|template|extern)[\w:<>*&]+(?: [\w:<>*&]+)*[ *&](\w+)\(", re.MULTILINE)
+OPERATION = re.compile(
+    r"^(?!#|using|static_assert|inline constexpr|template|extern)[\w:<>*&]+(?: [\w:<>*&]+)*[ *&](\w+)\(", re.MULTILINE
+)
 EXAMPLE = re.compile(r"From \[`([^`]+)`\]\([^)]*\):\n\n```cpp\n(.*?)```", re.DOTALL)
 LINK = re.compile(r"\]\(([^)#:]+)\)")
 
@@ -36,7 +38,8 @@ def check_header(header: Path, pages: dict[Path, str]) -> list[str]:
 
 def check_page(page: Path, text: str) -> list[str]:
     where = page.relative_to(ROOT)
-    faults = [f"{where}: {target} does not exist" for target in LINK.findall(text) if not (page.parent / target).exists()]
+    targets = LINK.findall(text)
+    faults = [f"{where}: {target} does not exist" for target in targets if not (page.parent / target).exists()]
     for source, example in EXAMPLE.findall(text):
         path = ROOT / source
         if path.exists() and example not in path.read_text(encoding="utf-8"):
@@ -47,7 +50,8 @@ def check_page(page: Path, text: str) -> list[str]:
 def main() -> int:
     pages = {page: page.read_text(encoding="utf-8") for page in sorted(REFERENCE.glob("*.md"))}
     index = pages[REFERENCE / "index.md"]
-    faults = [f"the index does not name {page.name}" for page in pages if f"({page.name})" not in index and page.stem != "index"]
+    others = [page.name for page in pages if page.stem != "index"]
+    faults = [f"the index does not name {name}" for name in others if f"({name})" not in index]
     for page, text in pages.items():
         faults += check_page(page, text)
     for header in sys.argv[1:]:

@@ -1,6 +1,6 @@
-# Builds and runs a program of somebody else. WAY says how it gets the library: `find_package` from what `cmake --install`
-# leaves, or `add_subdirectory`. Run by ctest with SOURCE_DIR, BUILD_DIR (this project's), WORK_DIR, TOOLCHAIN, GENERATOR,
-# EMULATOR and VERSION.
+# Builds and runs a program of somebody else. WAY says how it gets the library: `find_package` from what
+# `cmake --install` leaves, or `add_subdirectory`. Run by ctest with SOURCE_DIR, BUILD_DIR (this project's), WORK_DIR,
+# TOOLCHAIN, GENERATOR, EMULATOR and VERSION.
 function(step what)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
   if(NOT result EQUAL 0)

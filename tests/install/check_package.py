@@ -30,7 +30,8 @@ def check_sums(folder: Path) -> None:
 
 
 def check_camtool(folder: Path) -> None:
-    shown = subprocess.run([*emulator, folder / "camtool.exe", "--help"], capture_output=True, text=True, timeout=PATIENCE_S)
+    command = [*emulator, folder / "camtool.exe", "--help"]
+    shown = subprocess.run(command, capture_output=True, text=True, timeout=PATIENCE_S)
     assert "simulate" in shown.stdout + shown.stderr, shown
 
 
