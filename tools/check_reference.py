@@ -2,6 +2,7 @@
 """Compares docs/reference with the library.
 
     check_reference.py HEADER...
+    check_reference.py --refresh     takes every example anew from its file
 
 Every constant, record and operation of the public headers given stands on a page that names the header; every example is,
 word for word, a part of the file it says it is from; every link leads somewhere; the index names every page.
@@ -47,7 +48,23 @@ def check_page(page: Path, text: str) -> list[str]:
     return faults
 
 
+def refreshed(found: re.Match) -> str:
+    """The example as its file has it now: the function of the same head, with the comment above it."""
+    source, example = found.groups()
+    head = next(line for line in example.splitlines() if not line.startswith("//"))
+    lines = (ROOT / source).read_text(encoding="utf-8").splitlines()
+    first = lines.index(head)
+    last = lines.index("}", first)
+    while lines[first - 1].startswith("//"):
+        first -= 1
+    return found.group(0).replace(example, "\n".join(lines[first : last + 1]) + "\n")
+
+
 def main() -> int:
+    if sys.argv[1:] == ["--refresh"]:
+        for page in REFERENCE.glob("*.md"):
+            page.write_text(EXAMPLE.sub(refreshed, page.read_text(encoding="utf-8")), encoding="utf-8")
+        return 0
     pages = {page: page.read_text(encoding="utf-8") for page in sorted(REFERENCE.glob("*.md"))}
     index = pages[REFERENCE / "index.md"]
     others = [page.name for page in pages if page.stem != "index"]
