@@ -14,8 +14,8 @@ ticks_a_second=20
 work=$(mktemp -d)
 
 finish() {
-  stop camera
-  stop viewer
+  end_process "${camera:-}"
+  end_process "${viewer:-}"
   rm -f "$WINEPREFIX/dosdevices/com3"
   stop_wine
   stop_display
@@ -23,11 +23,7 @@ finish() {
 }
 trap finish EXIT
 
-stop() {
-  local -n process=$1
-  [ -z "${process:-}" ] || { kill "$process" && wait "$process"; } 2>/dev/null || true
-  process=
-}
+end_process() { [ -z "$1" ] || { kill "$1" && wait "$1"; } 2>/dev/null || true; }
 
 install_viewers() {
   local packages=(python3-serial python3-tk) as_root=()
@@ -51,7 +47,7 @@ ticks() { awk '{ print $14 + $15 }' "/proc/$1/stat"; }
 pss() { awk '/^Pss:/ { print $2 }' "/proc/$1/smaps_rollup"; }
 
 start_camera() {
-  stop camera
+  end_process "${camera:-}"
   /usr/bin/python3 "$here/stream_records.py" "$1" $records_a_second 3600 >/dev/null &
   camera=$!
   for _ in $(seq 100); do
@@ -124,7 +120,8 @@ start_native() {
   start_ms=$(($(now_ms) - started))
   sleep 2
   report "$name" "$viewer" "$start_ms"
-  stop viewer
+  end_process "$viewer"
+  viewer=
 }
 
 # Wine's server, started with its trace, writes a line for each request: "thread: name( arguments )".
