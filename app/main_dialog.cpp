@@ -12,6 +12,7 @@
 #include "app/main_dialog_layout.h"
 #include "app/main_dialog_setup.h"
 #include "app/optical_flow_chart.h"
+#include "app/repaint.h"
 #include "app/resource_ids.h"
 #include "app/version.h"
 #include "export/web_links.h"
@@ -188,7 +189,7 @@ void OnPointsTimer(AppContext* context) {
 void OnBlinkTimer(AppContext* context) {
   context->dwButtonFlags ^= kBlinkPhase;
   // The last button is left out on purpose: taken in, it would blink as well for a caller that sets bit 28.
-  for (int i = 0; i < kStatusButtonCount - 1; ++i) RepaintNow(context->controls.statusButtons[i]);
+  for (int i = 0; i < kStatusButtonCount - 1; ++i) RepaintWithoutChildren(context->controls.statusButtons[i]);
 }
 
 INT_PTR OnTimer(AppContext* context, UINT_PTR timer) {

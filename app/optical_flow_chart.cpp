@@ -7,6 +7,7 @@
 #include <string>
 
 #include "app/camera_point.h"
+#include "app/repaint.h"
 #include "framework/accessible.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
@@ -233,8 +234,7 @@ void RepaintDifference(ChartState* state, const CameraPoint (&before)[kPointCoun
   const OwnedRegion different = DifferentRegion(before, state->points, {state->nWidth, state->nHeight});
   RECT bounds{};
   if (state->bBehind || GetRgnBox(different, &bounds) <= NULLREGION) return RepaintAll(state);
-  InvalidateRgn(state->hWnd, different, TRUE);
-  UpdateWindow(state->hWnd);
+  RepaintWithoutChildren(state->hWnd, different);
 }
 
 LRESULT ExchangePoints(ChartState* state, WPARAM flags, FlowPoints* exchange) {
