@@ -214,8 +214,7 @@ void OnRelease(HWND list, POINT place) {
   if (ListRowAt(list, place) == kHeaderRow) PostNotification(list, kListHeader);
 }
 
-void OnFocusChange(HWND list, ListRecord& record) {
-  if (!record.bSelected) return;
+void RedrawLater(HWND list, ListRecord& record) {
   record.bDirty = TRUE;
   InvalidateRect(list, nullptr, FALSE);
 }
@@ -251,7 +250,10 @@ LRESULT CALLBACK NavigationProcedure(HWND list, UINT message, WPARAM wParam, LPA
     case WM_VSCROLL: return OnVerticalScroll(list, *record, LOWORD(wParam));
     case WM_HSCROLL: return OnHorizontalScroll(list, *record, LOWORD(wParam));
     case WM_SETFOCUS:
-    case WM_KILLFOCUS: OnFocusChange(list, *record); break;
+    case WM_KILLFOCUS:
+      if (record->bSelected) RedrawLater(list, *record);
+      break;
+    case WM_SYSCOLORCHANGE: RedrawLater(list, *record); break;
     case WM_SIZE: MeasureAndSettle(list); break;
     case LB_SETCOUNT: OnSetCount(list, *record, static_cast<DWORD>(wParam)); break;
     case LB_RESETCONTENT: OnSetCount(list, *record, 0); break;

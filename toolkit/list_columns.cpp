@@ -11,7 +11,13 @@ namespace kv {
 namespace {
 
 constexpr int kPadding = 6;
-constexpr COLORREF kShade = RGB(0xF1, 0xF4, 0xFA), kLine = RGB(0xD9, 0xDE, 0xE8);
+
+// The window colour with so many thirty-seconds of its text's colour: in high contrast, too, the text reads on it.
+COLORREF TintedWindow(int thirtySeconds) {
+  COLORREF color = GetSysColor(COLOR_WINDOW);
+  BlendColor(color, GetSysColor(COLOR_WINDOWTEXT), 32, thirtySeconds, &color);
+  return color;
+}
 
 // The font of rows, kept from row to row while the height stays.
 HFONT FontOf(LONG rowHeight, int weight) {
@@ -62,7 +68,7 @@ struct RowLook {
 RowLook LookOf(const DRAWITEMSTRUCT& item) {
   if (item.itemID == kHeaderRow) return {GetSysColor(COLOR_BTNFACE), GetSysColor(COLOR_BTNTEXT), FW_SEMIBOLD};
   if (item.itemState & ODS_SELECTED) return {GetSysColor(COLOR_HIGHLIGHT), GetSysColor(COLOR_HIGHLIGHTTEXT), FW_NORMAL};
-  return {item.itemID % 2 ? kShade : GetSysColor(COLOR_WINDOW), GetSysColor(COLOR_WINDOWTEXT), FW_NORMAL};
+  return {TintedWindow(item.itemID % 2), GetSysColor(COLOR_WINDOWTEXT), FW_NORMAL};
 }
 
 }  // namespace
@@ -80,7 +86,7 @@ void DrawListRow(const DRAWITEMSTRUCT& item, std::span<const ListColumn> columns
     if (isHeader) {
       DrawEdge(item.hDC, &cell, BDR_RAISEDINNER, BF_RECT);
     } else {
-      FillSolid(item.hDC, {right - 1, cell.top, right, cell.bottom}, kLine);
+      FillSolid(item.hDC, {right - 1, cell.top, right, cell.bottom}, TintedWindow(4));
     }
     InflateRect(&cell, -kPadding, 0);
     if (isHeader && column == sorting.column) DrawSortMark(item.hDC, &cell, sorting.descending);

@@ -194,6 +194,9 @@ INT_PTR HandleTheRest(HWND dialog, DialogRecord& record, UINT message, WPARAM wP
     case WM_CTLCOLORDLG:
     case WM_CTLCOLORSTATIC:
     case WM_CTLCOLORBTN: return OnControlColor(record, reinterpret_cast<HDC>(wParam));
+    case WM_SYSCOLORCHANGE:  // comes to top-level windows only
+      VisitChildren(dialog, [&](HWND child) { SendMessageA(child, message, wParam, lParam); });
+      return FALSE;
     case WM_SIZING: return OnSizing(dialog, record, wParam, lParam);
     case WM_MEASUREITEM: return OnMeasure(dialog, record, reinterpret_cast<MEASUREITEMSTRUCT*>(lParam));
     case WM_COMMAND: return OnCommand(dialog, record, LOWORD(wParam));

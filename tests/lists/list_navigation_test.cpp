@@ -109,6 +109,10 @@ TEST_F(ListNavigation, KeysMoveTheSelectedRowAndKeepItInView) {
   SetFocus(parent_);
   kvtest::PumpMessages();
   EXPECT_EQ(static_cast<UINT>(ODS_SELECTED), states_[1]);
+  drawn_.clear();
+  Send(WM_SYSCOLORCHANGE);
+  kvtest::PumpMessages();
+  EXPECT_FALSE(drawn_.empty());
   Send(WM_KEYDOWN, 'A');
   EXPECT_EQ(0u, SelectedListRow(list_));
 }
