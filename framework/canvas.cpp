@@ -4,8 +4,8 @@
 #include <array>
 #include <cmath>
 #include <cstring>
-#include <numbers>
 
+#include "framework/angles.h"
 #include "framework/picture.h"
 
 namespace kv {
@@ -39,8 +39,6 @@ void BlendPixels(DWORD* pixels, int count, DWORD color, DWORD coverage) {
     *pixels = both | one << 8;
   }
 }
-
-constexpr double kRadiansPerDegree = std::numbers::pi / 180;
 
 // How many chords an arc needs so that none leaves it by more than a two-hundredth of a pixel, within what a shape can
 // hold.

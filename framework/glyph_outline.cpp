@@ -2,7 +2,8 @@
 
 #include <cmath>
 #include <cstddef>
-#include <numbers>
+
+#include "framework/angles.h"
 
 namespace kv {
 
@@ -127,7 +128,7 @@ bool OutlineOfCharacter(const wchar_t* faceName, int weight, wchar_t character, 
 
 void FillGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD centre, double along, double height, double degrees,
                const Paint& paint, double stretch) {
-  const double radians = degrees * std::numbers::pi / 180, cosine = std::cos(radians), sine = std::sin(radians);
+  const double radians = Radians(degrees), cosine = std::cos(radians), sine = std::sin(radians);
   std::array<PointD, GlyphOutline::kMostPoints> places;
   BeginShape(canvas);
   for (int figure = 0, from = 0; figure < glyph.figures; from = glyph.ends[figure++]) {
