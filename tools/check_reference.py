@@ -4,8 +4,8 @@
     check_reference.py HEADER...
     check_reference.py --refresh     takes every example anew from its file
 
-Every constant, record and operation of the public headers given stands on a page that names the header; every example is,
-word for word, a part of the file it says it is from; every link leads somewhere; the index names every page.
+Every constant, record and operation of the public headers given stands on a page that names the header; every example
+is, word for word, a part of the file it says it is from; every link leads somewhere; the index names every page.
 """
 import re
 import sys
