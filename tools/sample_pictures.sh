@@ -15,6 +15,7 @@ quietly "building the samples" cmake --build --preset release --target instrumen
 mkdir -p "$shots"
 
 finish() {
+  use_wine_desktop
   stop_wine
   stop_display
 }
