@@ -1,5 +1,7 @@
 #include "gallery/mirroring.h"
 
+#include <commctrl.h>
+
 #include "framework/control_kind.h"
 #include "gallery/languages.h"
 
@@ -8,6 +10,7 @@ namespace gallery {
 namespace {
 
 // Edit controls are not mirrored as a whole: what is typed may be of any language, so they only begin at the right.
+constexpr LONG kScrollBarAtLeft = WS_EX_LEFTSCROLLBAR | WS_EX_LAYOUTRTL;
 constexpr LONG kMirrored = WS_EX_LAYOUTRTL | WS_EX_RTLREADING, kFromRight = WS_EX_RIGHT | WS_EX_RTLREADING;
 
 bool SetDirection(HWND window, LONG bits, bool rightToLeft) {
@@ -24,6 +27,42 @@ bool IsOwnClass(HWND control) {
   GetClassNameW(control, name, ARRAYSIZE(name));
   return name[0] == L'k' && name[1] == L'v';
 }
+
+// ---- Scroll bars of controls that keep their direction in a mirrored page ------------------------------------------
+
+// Wine reckons a window's edges in its parent's coordinates, in which left and right are exchanged here: it takes the
+// scroll bar off the wrong side, and nobody draws it. So the sides are exchanged back.
+LRESULT CALLBACK ExchangeSides(HWND control, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
+  const bool applies =
+      message == WM_NCCALCSIZE && wParam && GetWindowLongW(GetParent(control), GWL_EXSTYLE) & WS_EX_LAYOUTRTL;
+  RECT* area = applies ? reinterpret_cast<NCCALCSIZE_PARAMS*>(lParam)->rgrc : nullptr;
+  const RECT whole = area ? *area : RECT{};
+  const LRESULT result = DefSubclassProc(control, message, wParam, lParam);
+  if (!area) return result;
+  const LONG left = area->left - whole.left, right = whole.right - area->right;
+  area->left = whole.left + right;
+  area->right = whole.right - left;
+  return result;
+}
+
+bool HasScrollBarOnWrongSide(HWND control) {
+  RECT window{}, client{};
+  GetWindowRect(control, &window);
+  GetClientRect(control, &client);
+  MapWindowPoints(control, nullptr, reinterpret_cast<POINT*>(&client), 2);
+  return GetWindowLongW(control, GWL_STYLE) & WS_VSCROLL &&
+         !(GetWindowLongW(control, GWL_EXSTYLE) & kScrollBarAtLeft) &&
+         client.left - window.left > window.right - client.right;
+}
+
+void MendScrollBar(HWND control) {
+  if (!HasScrollBarOnWrongSide(control)) return;
+  SetWindowSubclass(control, ExchangeSides, 1, 0);
+  SetWindowPos(control, nullptr, 0, 0, 0, 0,
+               SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+// ---- Which controls are mirrored -----------------------------------------------------------------------------------
 
 bool IsReadOut(HWND control) {
   return (GetWindowLongW(control, GWL_EXSTYLE) & WS_EX_NOINHERITLAYOUT) != 0;
@@ -43,7 +82,6 @@ bool MirrorWindow(HWND window) {
 
 bool MirrorPage(HWND page) {
   for (HWND control = GetWindow(page, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
-    // A page that is made while it is mirrored hands that on to all its controls.
     if (IsReadOut(control)) {
       SetDirection(control, kMirrored, false);
       SetDirection(control, WS_EX_RIGHT, IsRightToLeft());
@@ -57,6 +95,12 @@ bool MirrorPage(HWND page) {
     }
   }
   return MirrorWindow(page);
+}
+
+void MendMirroredPage(HWND page) {
+  for (HWND control = GetWindow(page, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
+    MendScrollBar(control);
+  }
 }
 
 }  // namespace gallery

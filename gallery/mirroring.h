@@ -15,4 +15,8 @@ bool MirrorWindow(HWND window);
 // right.
 bool MirrorPage(HWND page);
 
+// To be called when the controls of a mirrored page have been placed: brings scroll bars back to the side where their
+// control expects them.
+void MendMirroredPage(HWND page);
+
 }  // namespace gallery

@@ -49,6 +49,8 @@ std::wstring DecimalSign() {
 std::wstring DateText(const SYSTEMTIME& time) {
   // Some locales' short form has two digits of the year, where any century could be meant.
   std::wstring form = LocaleText(LOCALE_SSHORTDATE);
+  // Marks of direction would turn the date round in a read-out, which is not mirrored.
+  std::erase_if(form, [](wchar_t character) { return character == L'\u200E' || character == L'\u200F'; });
   const size_t year = form.find(L'y');
   if (year != std::wstring::npos && form.find(L"yyyy") == std::wstring::npos) {
     form.replace(year, form.find_last_of(L'y') - year + 1, L"yyyy");

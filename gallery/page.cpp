@@ -14,6 +14,7 @@
 #include "framework/painting.h"
 #include "framework/picture.h"
 #include "gallery/drawing.h"
+#include "gallery/languages.h"
 #include "gallery/mirroring.h"
 #include "gallery/pages.h"
 #include "gallery/resource_ids.h"
@@ -42,7 +43,6 @@ PageLayout* LayoutOf(HWND page) {
 
 INT_PTR OnInit(HWND page) {
   auto* layout = new PageLayout{};
-  MirrorPage(page);
   kv::CaptureLayout(page, layout->slots, IDC_PAGE_FIRST, IDC_PAGE_LAST);
   layout->textTips = CreateTextTips(page);
   SetPropA(page, kLayoutProperty, layout);
@@ -97,6 +97,7 @@ INT_PTR OnSize(HWND page) {
     VisitControls(page, FillEmptyLabel);
     kv::ApplyLayout(page, 0, 0, 0, IDC_PAGE_FIRST, IDC_PAGE_LAST, layout->slots, nullptr, nullptr, FALSE);
     ScaleLists(page, layout);
+    if (IsRightToLeft()) MendMirroredPage(page);
     MoveTextTips(page, layout->textTips);
     // The page clips its children, so they have to be named: each has been moved without being painted.
     RedrawWindow(page, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);

@@ -261,11 +261,14 @@ TEST_F(GalleryFrame, NumbersAndDatesFollowTheLanguage) {
     const wchar_t *count, *part, *date;
   } samples[] = {{0, L"10,000,000", L"-1.32", L"11/12/2026"},
                  {1, L"10.000.000", L"-1,32", L"12.11.2026"},
+                 {15, nullptr, nullptr, L"12/11/2026"},
                  {11, L"1,00,00,000", L"-1.32", nullptr}};
   for (const auto& sample : samples) {
     ChooseLanguage(frame_, sample.language);
-    EXPECT_EQ(sample.count, NumberText(10000000));
-    EXPECT_EQ(sample.part, NumberText(-1.319, 2));
+    if (sample.count) {
+      EXPECT_EQ(sample.count, NumberText(10000000));
+      EXPECT_EQ(sample.part, NumberText(-1.319, 2));
+    }
     if (sample.date) {
       EXPECT_EQ(sample.date, DateText(day));
     }
