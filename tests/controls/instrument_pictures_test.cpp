@@ -36,7 +36,8 @@ TEST_F(InstrumentPictures, EveryLayoutShowsValueColourZoneDisabledAndMissingValu
     EXPECT_EQ(0, Shown(control, 100, 160).DifferencesFrom(first)) << mode;
     InstrumentBlock none = block;
     none.current = NAN;
-    Send(control, kCommandBlock | kCommandRedraw, &none);
+    Send(control, kCommandBlock, &none);
+    Send(control, kCommandRender, nullptr);
     SetValue(control, block.current);  // nothing of the face without a value stays
     EXPECT_EQ(0, Shown(control, 100, 160).DifferencesFrom(first)) << mode;
     if (mode == kModeGauge || mode == kModeSegmentBar || mode == kModeCompass) {
