@@ -44,7 +44,7 @@ def check_page(page: Path, text: str) -> list[str]:
     for source, example in EXAMPLE.findall(text):
         path = ROOT / source
         if path.exists() and example not in path.read_text(encoding="utf-8"):
-            faults.append(f"{where}: the example {example.splitlines()[0]!r} is no longer so in {source}")
+            faults.append(f"{where}: the example {example.splitlines()[0]!r} is no longer so in {source} (--refresh)")
     return faults
 
 
