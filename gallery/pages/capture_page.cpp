@@ -43,7 +43,7 @@ RECT FittingArea(const RECT& area, int pictureWidth, int pictureHeight) {
 }
 
 void DrawMessage(HDC dc, RECT area) {
-  const kv::OwnedFont font = MakeFont(22, FW_NORMAL);
+  const kv::OwnedFont font = MakeFont(std::max(16L, (area.bottom - area.top) / 17), FW_NORMAL);
   const kv::SelectedObject selected(dc, font);
   SetBkMode(dc, TRANSPARENT);
   SetTextColor(dc, RGB(0xB4, 0xC0, 0xD2));

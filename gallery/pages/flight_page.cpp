@@ -112,7 +112,8 @@ void DrawPlan(HDC dc, RECT area) {
   profile.top = plan.bottom + 16;
 
   const kv::OwnedPen ground(CreatePen(PS_SOLID, 1, ListShade(kGroundPercent)));
-  const kv::OwnedPen ink(CreatePen(PS_SOLID, 2, GetSysColor(COLOR_WINDOWTEXT)));
+  const kv::OwnedPen ink(
+      CreatePen(PS_SOLID, std::max(2L, (area.bottom - area.top) / 130), GetSysColor(COLOR_WINDOWTEXT)));
   {
     const kv::SelectedObject selected(dc, ground);
     for (const LONG y : {plan.bottom + 8, profile.bottom}) {
