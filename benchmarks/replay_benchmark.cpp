@@ -1,0 +1,106 @@
+// How true camtool's replay is: a recording of known pauses is played into a COM pair, and what arrives is held against
+// it, byte for byte and pause for pause. On an idle machine pauses are to be within 2 ms.
+//
+//   replay_benchmark [SECONDS]      10 if nothing else is said
+#include <windows.h>
+
+#include <timeapi.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <random>
+
+#include "tests/support/serial_line.h"
+#include "tools/camtool/files.h"
+#include "tools/camtool/pace.h"
+#include "tools/camtool/ports.h"
+
+namespace {
+
+constexpr int kPort = 3, kFarPort = 4;
+constexpr DWORD kQuietMs = 3000;
+
+struct Moment {
+  double seconds;
+  char byte;
+};
+
+// Chunks of a few bytes with pauses of 5 to 60 ms between them, written to `path`. Long enough that the reader does not
+// take two for one.
+std::vector<Moment> MakeRecording(const std::string& path, double seconds) {
+  std::mt19937 random(1);
+  std::vector<Moment> moments;
+  std::string file = camtool::EncodeHeader({0, 38400, kPort}), error;
+  double now = 0.5;
+  for (; now < seconds; now += 0.005 + random() % 56 / 1000.0) {
+    std::string bytes(1 + random() % 41, '\0');
+    for (char& byte : bytes) moments.push_back({now, byte = static_cast<char>(random() >> 24)});
+    file += camtool::EncodeChunks(static_cast<std::uint64_t>(now * 1e6), bytes);
+  }
+  HANDLE out = camtool::CreateNewFile(path, true, &error);
+  camtool::AppendToFile(out, path, file + camtool::EncodeEnd(static_cast<std::uint64_t>(now * 1e6)), &error);
+  CloseHandle(out);
+  return moments;
+}
+
+std::vector<Moment> Hear(HANDLE port, size_t count) {
+  std::vector<Moment> moments;
+  camtool::PortReader reader(port);
+  std::string bytes;
+  double seconds = 0;
+  // Patient until the player has come up.
+  DWORD patienceMs = 20000;
+  while (moments.size() < count &&
+         reader.Read(patienceMs, nullptr, &bytes, &seconds) == camtool::PortReader::Outcome::kBytes) {
+    for (const char byte : bytes) moments.push_back({seconds, byte});
+    patienceMs = kQuietMs;
+  }
+  return moments;
+}
+
+int Compare(const std::vector<Moment>& sent, const std::vector<Moment>& heard) {
+  const bool isSame = std::equal(sent.begin(), sent.end(), heard.begin(), heard.end(),
+                                 [](const Moment& a, const Moment& b) { return a.byte == b.byte; });
+  std::printf("%zu bytes sent, %zu heard, %s\n", sent.size(), heard.size(), isSame ? "the same" : "NOT THE SAME");
+  if (!isSame) return 1;
+  std::vector<double> errorsMs;
+  for (size_t i = 1; i < sent.size(); ++i) {
+    const double pause = sent[i].seconds - sent[i - 1].seconds;
+    if (pause > 0) errorsMs.push_back(std::fabs(heard[i].seconds - heard[i - 1].seconds - pause) * 1000);
+  }
+  std::sort(errorsMs.begin(), errorsMs.end());
+  const auto at = [&](double share) {
+    return errorsMs[static_cast<size_t>(share * static_cast<double>(errorsMs.size() - 1))];
+  };
+  std::printf("%zu pauses of 5 to 60 ms, off by: median %.2f ms, 99 of 100 within %.2f ms, worst %.2f ms\n",
+              errorsMs.size(), at(0.5), at(0.99), at(1));
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const double seconds = argc > 1 ? std::atof(argv[1]) : 10;
+  if (seconds < 1) return std::fputs("usage: replay_benchmark [SECONDS]\n", stderr), 2;
+  timeBeginPeriod(1);
+  const kvtest::SerialLine line({kPort, kFarPort});
+  char folder[MAX_PATH];
+  GetTempPathA(sizeof(folder), folder);
+  const std::string path = std::string(folder) + "replay benchmark.twr";
+  const std::vector<Moment> sent = MakeRecording(path, seconds);
+  HANDLE port = camtool::OpenPortOrComplain(kPort);
+  if (port == INVALID_HANDLE_VALUE) return 1;
+  std::string command = "\"Z:" KV_CAMTOOL_EXE "\" replay \"" + path + "\" COM" + std::to_string(kFarPort);
+  STARTUPINFOA start{};
+  start.cb = sizeof(start);
+  PROCESS_INFORMATION player{};
+  CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &player);
+  const std::vector<Moment> heard = Hear(port, sent.size());
+  WaitForSingleObject(player.hProcess, 10000);
+  CloseHandle(port);
+  DeleteFileA(path.c_str());
+  timeEndPeriod(1);
+  return Compare(sent, heard);
+}
