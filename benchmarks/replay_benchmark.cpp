@@ -16,6 +16,7 @@
 #include "tools/camtool/files.h"
 #include "tools/camtool/pace.h"
 #include "tools/camtool/ports.h"
+#include "tools/camtool/text.h"
 
 namespace {
 
@@ -92,7 +93,7 @@ int main(int argc, char** argv) {
   const std::vector<Moment> sent = MakeRecording(path, seconds);
   HANDLE port = camtool::OpenPortOrComplain(kPort);
   if (port == INVALID_HANDLE_VALUE) return 1;
-  std::string command = "\"Z:" KV_CAMTOOL_EXE "\" replay \"" + path + "\" COM" + std::to_string(kFarPort);
+  std::string command = camtool::Format("\"Z:%s\" replay \"%s\" COM%d", KV_CAMTOOL_EXE, path.c_str(), kFarPort);
   STARTUPINFOA start{};
   start.cb = sizeof(start);
   PROCESS_INFORMATION player{};

@@ -47,7 +47,7 @@ void Mutate(Source* source, std::string* bytes) {
     case 6: bytes->resize(at); break;
     default: {
       const std::string& other = AnyOf(source, source->examples);
-      *bytes = bytes->substr(0, at) + other.substr(Below(source, other.size()));
+      bytes->replace(at, bytes->npos, other.substr(Below(source, other.size())));
       break;
     }
   }

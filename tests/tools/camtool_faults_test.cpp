@@ -20,7 +20,8 @@ TEST(CamtoolArguments, AreReadByATableAndRefusedWithAReason) {
                             {"--flag", nullptr, "", &flag},
                             {"--text", "TEXT", "", &text},
                             {"--often", "HOW-OFTEN", "", &trigger}};
-  const auto parse = [&](std::vector<std::string> arguments, std::vector<std::string>* operands, std::string* error) {
+  const auto parse = [&](const std::vector<std::string>& arguments, std::vector<std::string>* operands,
+                         std::string* error) {
     operands->clear();
     return ParseArguments(arguments, options, {1, 2}, operands, error);
   };

@@ -27,6 +27,10 @@ const Option kOptions[] = {{"--overwrite", nullptr, "replace a file that exists"
 
 constexpr int kExits[] = {kDone, kFailed, kUsageError, kDamaged};
 
+bool IsUsable(HANDLE handle) {
+  return handle && handle != INVALID_HANDLE_VALUE;
+}
+
 struct Exporter {
   RecordingFile recording;
   HANDLE out = INVALID_HANDLE_VALUE;
@@ -102,7 +106,7 @@ int RunExport(const std::vector<std::string>& operands) {
   exporter.out =
       toFile ? CreateNewFile(exporter.path, settings.overwrite, &exporter.error) : GetStdHandle(STD_OUTPUT_HANDLE);
   int result = kFailed;
-  if (exporter.out == INVALID_HANDLE_VALUE || !exporter.out) {
+  if (!IsUsable(exporter.out)) {
     Complain(exporter.error.empty() ? "there is no standard output" : exporter.error);
   } else {
     result = ExportAll(&exporter);
