@@ -71,7 +71,7 @@ int Compare(const std::vector<Moment>& sent, const std::vector<Moment>& heard) {
     const double pause = sent[i].seconds - sent[i - 1].seconds;
     if (pause > 0) errorsMs.push_back(std::fabs(heard[i].seconds - heard[i - 1].seconds - pause) * 1000);
   }
-  std::sort(errorsMs.begin(), errorsMs.end());
+  std::ranges::sort(errorsMs);
   const auto at = [&](double share) {
     return errorsMs[static_cast<size_t>(share * static_cast<double>(errorsMs.size() - 1))];
   };

@@ -2,10 +2,14 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <deque>
 #include <memory>
+#include <random>
+#include <string>
+#include <utility>
 
 #include "benchmarks/soak/process_watch.h"
 #include "benchmarks/soak/program.h"
@@ -225,7 +229,7 @@ int SoakGallery(double seconds, std::uint32_t seed) {
   bool isUp = true;
   while (isUp && camtool::Now() < start + seconds) {
     DoSomething(&soak);
-    Sleep(static_cast<DWORD>(10 + Below(&soak.random, 60)));
+    Sleep(10UL + static_cast<DWORD>(Below(&soak.random, 60)));
     if (IsRunning(soak.gallery) && soak.watch->Hangs() == 0) continue;
     End(&soak);
     isUp = Start(&soak);

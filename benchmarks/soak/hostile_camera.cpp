@@ -1,8 +1,16 @@
 #include "benchmarks/soak/hostile_camera.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <iterator>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <vector>
 
+#include "app/camera_point.h"
 #include "app/camera_record.h"
+#include "tools/camtool/faults.h"
 #include "tools/camtool/pace.h"
 #include "tools/camtool/ports.h"
 
@@ -35,7 +43,7 @@ camtool::FaultPlan AllFaults(std::uint32_t seed) {
 
 long NumberIn(const kv::CameraPoint (&points)[kv::kPointCount]) {
   const auto isFirst = [&](const kv::CameraPoint& p) { return p.x == points[0].x && p.y == points[0].y; };
-  if (!std::all_of(std::begin(points), std::end(points), isFirst)) return -1;
+  if (!std::ranges::all_of(points, isFirst)) return -1;
   if (points[0].x < 0 || points[0].x >= kBase || points[0].y < 0 || points[0].y >= kBase) return -1;
   return points[0].y * kBase + points[0].x;
 }
@@ -88,7 +96,7 @@ void HostileCamera::Stream() {
   for (long n = 0; !stop_ && n < kBase * kBase; ++n) {
     while (!stop_ && camtool::Now() < start + due) camtool::SleepUntil(std::min(start + due, camtool::Now() + 0.1));
     kv::CameraPoint points[kv::kPointCount];
-    std::fill(std::begin(points), std::end(points), kv::CameraPoint{n % kBase, n / kBase});
+    std::ranges::fill(points, kv::CameraPoint{n % kBase, n / kBase});
     char record[kv::kRecordLength];
     kv::WriteRecord(points, record);
     const std::string_view whole(record, sizeof(record));

@@ -3,7 +3,10 @@
 #include <psapi.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
+#include <mutex>
+#include <vector>
 
 #include "tools/camtool/pace.h"
 
@@ -57,7 +60,7 @@ void ProcessWatch::Watch() {
 double ProcessWatch::MedianAnswer() const {
   const std::scoped_lock lock(mutex_);
   std::vector<double> sorted = answers_;
-  std::sort(sorted.begin(), sorted.end());
+  std::ranges::sort(sorted);
   return sorted.empty() ? 0 : sorted[sorted.size() / 2];
 }
 

@@ -1,6 +1,9 @@
 #include "benchmarks/soak/program.h"
 
 #include <cstring>
+#include <iterator>
+#include <random>
+#include <string>
 
 #include "tools/camtool/pace.h"
 

@@ -6,6 +6,7 @@
 
 #include <timeapi.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>

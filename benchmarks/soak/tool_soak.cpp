@@ -3,19 +3,25 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <memory>
 #include <mutex>
+#include <random>
+#include <vector>
 
 #include "app/app_context.h"
+#include "app/camera_point.h"
 #include "app/resource_ids.h"
 #include "benchmarks/soak/hostile_camera.h"
 #include "benchmarks/soak/process_watch.h"
 #include "benchmarks/soak/program.h"
 #include "benchmarks/soak/soaks.h"
 #include "tests/support/serial_line.h"
+#include "tools/camtool/faults.h"
 #include "tools/camtool/pace.h"
 #include "tools/uidriver/driver.h"
 
@@ -55,11 +61,10 @@ class Observer {
   // After Stop.
   bool HasSeen(size_t number) const { return number < seen_.size() && seen_[number]; }
   bool WasConnected(double seconds) const {
-    return std::any_of(spans_.begin(), spans_.end(),
-                       [&](const auto& span) { return seconds >= span[0] && seconds <= span[1]; });
+    return std::ranges::any_of(spans_, [&](const auto& span) { return seconds >= span[0] && seconds <= span[1]; });
   }
   bool HasLooked(double from, double to) const {
-    const auto next = std::upper_bound(looks_.begin(), looks_.end(), from);
+    const auto next = std::ranges::upper_bound(looks_, from);
     return next != looks_.end() && *next < to;
   }
   size_t Connects() const { return spans_.size(); }
@@ -232,7 +237,7 @@ void PrintRecords(const ToolSoak& soak) {
   std::printf("    lost: not connected         %ld\n", disconnected);
   std::printf("    lost: behind a faulty one   %ld\n", outOfStep);
   std::printf("    not looked for in time      %ld\n", unlooked);
-  std::printf("    lost without a reason       %ld\n", unexplained);
+  std::printf("    not accounted for           %ld\n", unexplained);
 }
 
 void PrintTable(const ToolSoak& soak, bool crashed, long close) {
@@ -267,7 +272,7 @@ int SoakTool(double seconds, std::uint32_t seed) {
   double nextInstance = start + kSecondInstanceEvery, nextUnplug = start + kUnplugEvery;
   while (camtool::Now() < start + seconds && IsRunning(soak.tool)) {
     DoSomething(&soak);
-    Sleep(static_cast<DWORD>(20 + Below(&soak.random, 120)));
+    Sleep(20UL + static_cast<DWORD>(Below(&soak.random, 120)));
     if (camtool::Now() > nextUnplug) {
       Unplug(&soak);
       nextUnplug = camtool::Now() + kUnplugEvery;

@@ -42,11 +42,11 @@ bool FeedRecord(std::string_view input, bool* accepted, const char** why) {
   char* record = const_cast<char*>(area.Put(padded).data());
   *accepted = kv::HasRecordShape(record);
   kv::CameraPoint points[kv::kPointCount];
-  std::fill(std::begin(points), std::end(points), kv::CameraPoint{kKept, kKept});
+  std::ranges::fill(points, kv::CameraPoint{kKept, kKept});
   kv::ParseRecord(record, points);
   // A zero byte ends the text for the reader: points behind it keep what they were.
   const bool hasText = padded.find('\0') == kv::kRecordLength;
-  const bool isKept = std::any_of(std::begin(points), std::end(points), [](kv::CameraPoint p) { return p.x == kKept; });
+  const bool isKept = std::ranges::any_of(points, [](kv::CameraPoint p) { return p.x == kKept; });
   if (*accepted && hasText && isKept) return Broken(why, "a record of the right shape is read");
   return true;
 }

@@ -1,6 +1,7 @@
 // What camtool's scan concludes from what it hears.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 
 #include "tools/camtool/line_rate.h"
@@ -47,7 +48,7 @@ TEST(CamtoolScan, RecognisesAWrongBaudRateByItsBytes) {
       heard += Mishear(record, rate, 38400);
     }
     const std::vector<int> guesses = GuessRates(heard, 38400);
-    EXPECT_NE(guesses.end(), std::find(guesses.begin(), guesses.end(), rate)) << rate;
+    EXPECT_NE(guesses.end(), std::ranges::find(guesses, rate)) << rate;
   }
   EXPECT_EQ(kRecord, Mishear(kRecord, 38400, 38400));
   // 'U' is 1 and 0 in turn: at half the receiver's rate each bit is heard twice, from the second half of the start bit

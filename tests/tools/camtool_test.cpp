@@ -153,7 +153,7 @@ TEST(Camtool, RecordsReplaysAndExports) {
   EXPECT_EQ(camtool::kDone, toFile.Wait()) << toFile.Said();
   EXPECT_PRED2(Says, toFile.Said(), "malformed stretches, ");
   const std::string points = PointsOf(ReadFileText(csv));
-  EXPECT_GT(std::count(points.begin(), points.end(), '\n'), 50);
+  EXPECT_GT(std::ranges::count(points, '\n'), 50);
 
   // Cut off within its last chunk but one, it gives all rows but the last ones.
   const std::string bytes = ReadFileText(second);

@@ -4,7 +4,13 @@
 #include <cctype>
 #include <cmath>
 #include <cstdlib>
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
 
+#include "tools/camtool/faults.h"
 #include "tools/camtool/text.h"
 
 namespace camtool {
@@ -73,7 +79,7 @@ bool ReadOption(std::span<const std::string> arguments, std::span<const Option> 
   const std::string& argument = arguments[*at];
   const size_t equals = argument.find('=');
   const std::string name = argument.substr(0, equals);
-  const auto option = std::find_if(options.begin(), options.end(), [&](const Option& o) { return name == o.name; });
+  const auto option = std::ranges::find_if(options, [&](const Option& o) { return name == o.name; });
   if (option == options.end()) {
     *error = "unknown option \"" + name + "\"";
     return false;

@@ -2,10 +2,16 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <iterator>
+#include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
+#include "app/camera_point.h"
 #include "tools/camtool/arguments.h"
+#include "tools/camtool/record_stream.h"
 #include "tools/camtool/text.h"
 
 namespace camtool {
@@ -70,9 +76,8 @@ bool ReadRow(const std::vector<std::string_view>& columns, bool hasTimes, PathRo
 
 bool IsHeading(const std::vector<std::string_view>& columns) {
   double number = 0;
-  return std::none_of(columns.begin(), columns.end(),
-                      [&](std::string_view text) { return ParseNumber(text, &number); }) &&
-         std::any_of(columns.begin(), columns.end(), [](std::string_view text) { return !text.empty(); });
+  return std::ranges::none_of(columns, [&](std::string_view text) { return ParseNumber(text, &number); }) &&
+         std::ranges::any_of(columns, [](std::string_view text) { return !text.empty(); });
 }
 
 bool AddRow(std::string_view line, PointPath* path, std::string* error) {
@@ -127,8 +132,7 @@ void PointsOnPath(const PointPath& path, double seconds, long record, kv::Camera
     const double step = count > 1 ? last - path.rows[count - 2].seconds : 0;
     const double length = last - first + step;
     const double now = length > 0 ? first + std::fmod(seconds, length) : first;
-    const auto next = std::upper_bound(path.rows.begin(), path.rows.end(), now,
-                                       [](double time, const PathRow& row) { return time < row.seconds; });
+    const auto next = std::ranges::upper_bound(path.rows, now, {}, &PathRow::seconds);
     index = next == path.rows.begin() ? 0 : static_cast<size_t>(next - path.rows.begin()) - 1;
   }
   std::copy(std::begin(path.rows[index].points), std::end(path.rows[index].points), std::begin(points));

@@ -2,6 +2,7 @@
 
 #include <winternl.h>
 
+#include <string>
 #include <vector>
 
 #include "tools/camtool/ports.h"

@@ -1,15 +1,17 @@
 // camtool export: a recording as comma-separated values.
 #include <windows.h>
 
-#include <fcntl.h>
-#include <io.h>
-
 #include <cstdio>
+#include <string>
+#include <vector>
 
+#include "tools/camtool/arguments.h"
 #include "tools/camtool/console.h"
 #include "tools/camtool/csv.h"
+#include "tools/camtool/exit_codes.h"
 #include "tools/camtool/files.h"
 #include "tools/camtool/record_stream.h"
+#include "tools/camtool/recording.h"
 #include "tools/camtool/text.h"
 #include "tools/camtool/verbs.h"
 

@@ -1,6 +1,12 @@
 #include "tools/camtool/faults.h"
 
+#include <array>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <random>
+#include <string>
+#include <string_view>
 
 namespace camtool {
 

@@ -1,10 +1,17 @@
 #include "tools/camtool/line_rate.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <random>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
+#include "app/camera_point.h"
 #include "app/camera_record.h"
 
 namespace camtool {
@@ -96,8 +103,9 @@ std::vector<int> GuessRates(std::string_view heard, int heardRate) {
     const double distance = Distance(seen, SharesOfMisheardRecords(rate, heardRate));
     if (distance < kFarthest) likely.emplace_back(distance, rate);
   }
-  std::sort(likely.begin(), likely.end());
+  std::ranges::sort(likely);
   std::vector<int> rates;
+  rates.reserve(likely.size());
   for (const auto& [distance, rate] : likely) rates.push_back(rate);
   return rates;
 }
@@ -114,7 +122,7 @@ bool LooksLikeRecords(std::string_view bytes) {
 }
 
 bool LooksLikeText(std::string_view bytes) {
-  const auto prints = std::count_if(bytes.begin(), bytes.end(), [](unsigned char byte) {
+  const auto prints = std::ranges::count_if(bytes, [](unsigned char byte) {
     return (byte >= ' ' && byte < 0x7F) || byte == '\r' || byte == '\n' || byte == '\t';
   });
   return !bytes.empty() && static_cast<double>(prints) >= 0.9 * static_cast<double>(bytes.size());

@@ -8,8 +8,14 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
+#include <iterator>
+#include <span>
+#include <string>
+#include <vector>
 
+#include "tools/camtool/arguments.h"
 #include "tools/camtool/console.h"
+#include "tools/camtool/exit_codes.h"
 #include "tools/camtool/files.h"
 #include "tools/camtool/verbs.h"
 
@@ -34,13 +40,13 @@ void PrintHelp(const Verb& verb) {
   if (!verb.options.empty()) std::printf("\noptions:\n%s", DescribeOptions(verb.options).c_str());
   std::puts("\nexit codes:");
   for (const ExitCode& code : kExitCodes) {
-    if (std::find(verb.exitCodes.begin(), verb.exitCodes.end(), code.code) == verb.exitCodes.end()) continue;
+    if (std::ranges::find(verb.exitCodes, code.code) == verb.exitCodes.end()) continue;
     std::printf("  %d  %s\n", code.code, code.meaning);
   }
 }
 
 int RunVerb(const Verb& verb, std::span<const std::string> arguments) {
-  if (std::find(arguments.begin(), arguments.end(), "--help") != arguments.end()) {
+  if (std::ranges::find(arguments, "--help") != arguments.end()) {
     PrintHelp(verb);
     return kDone;
   }
@@ -73,7 +79,7 @@ int Run(std::span<const std::string> arguments) {
   }
   const bool isHelp = first == "help";
   const std::string& name = isHelp ? arguments[1] : first;
-  const auto verb = std::find_if(std::begin(kVerbs), std::end(kVerbs), [&](const Verb* v) { return name == v->name; });
+  const auto verb = std::ranges::find_if(kVerbs, [&](const Verb* v) { return name == v->name; });
   if (verb == std::end(kVerbs)) {
     Complain("there is no \"" + name + "\"");
     PrintOverview(stderr);

@@ -1,6 +1,7 @@
 #include "tools/camtool/pace.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace camtool {
 
@@ -13,13 +14,13 @@ double Now() {
 
 void SleepUntil(double time) {
   const double left = time - Now();
-  if (left > 0) Sleep(static_cast<DWORD>(left * 1000 + 0.5));
+  if (left > 0) Sleep(static_cast<DWORD>(std::lround(left * 1000)));
 }
 
 bool WaitUntil(double time, HANDLE stop) {
   constexpr double kLongestMs = 1e9;
-  const double leftMs = std::clamp((time - Now()) * 1000 + 0.5, 0.0, kLongestMs);
-  return WaitForSingleObject(stop, static_cast<DWORD>(leftMs)) != WAIT_OBJECT_0;
+  const double leftMs = std::clamp((time - Now()) * 1000, 0.0, kLongestMs);
+  return WaitForSingleObject(stop, static_cast<DWORD>(std::lround(leftMs))) != WAIT_OBJECT_0;
 }
 
 }  // namespace camtool

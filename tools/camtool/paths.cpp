@@ -3,6 +3,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "app/camera_point.h"
+
 namespace camtool {
 
 namespace {

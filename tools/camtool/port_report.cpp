@@ -1,7 +1,15 @@
 #include "tools/camtool/port_report.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
 
+#include "app/camera_point.h"
+#include "tools/camtool/ports.h"
+#include "tools/camtool/record_stream.h"
 #include "tools/camtool/text.h"
 
 namespace camtool {

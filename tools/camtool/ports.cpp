@@ -1,5 +1,8 @@
 #include "tools/camtool/ports.h"
 
+#include <cstddef>
+#include <string>
+
 #include "app/camera_link.h"
 #include "tools/camtool/console.h"
 #include "tools/camtool/device_name.h"

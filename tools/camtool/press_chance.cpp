@@ -1,6 +1,8 @@
 #include "tools/camtool/press_chance.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <span>
 
 #include "app/camera_link.h"
 

@@ -1,14 +1,21 @@
 // camtool record: keeps what comes over a port in a file.
 #include <windows.h>
 
+#include <cmath>
+#include <cstdint>
 #include <cstdio>
+#include <string>
+#include <vector>
 
 #include "app/camera_link.h"
+#include "tools/camtool/arguments.h"
 #include "tools/camtool/console.h"
+#include "tools/camtool/exit_codes.h"
 #include "tools/camtool/files.h"
 #include "tools/camtool/pace.h"
 #include "tools/camtool/ports.h"
 #include "tools/camtool/record_stream.h"
+#include "tools/camtool/recording.h"
 #include "tools/camtool/text.h"
 #include "tools/camtool/verbs.h"
 
@@ -46,7 +53,7 @@ struct Recorder {
 };
 
 std::uint64_t Microseconds(double seconds) {
-  return static_cast<std::uint64_t>(seconds * 1e6 + 0.5);
+  return static_cast<std::uint64_t>(std::llround(seconds * 1e6));
 }
 
 bool Append(Recorder* recorder, const std::string& encoded) {

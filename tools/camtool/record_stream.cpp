@@ -1,7 +1,10 @@
 #include "tools/camtool/record_stream.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
+#include <string>
+#include <vector>
 
 #include "app/camera_record.h"
 

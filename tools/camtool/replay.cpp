@@ -3,11 +3,16 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <string>
+#include <vector>
 
+#include "tools/camtool/arguments.h"
 #include "tools/camtool/console.h"
+#include "tools/camtool/exit_codes.h"
 #include "tools/camtool/files.h"
 #include "tools/camtool/pace.h"
 #include "tools/camtool/ports.h"
+#include "tools/camtool/recording.h"
 #include "tools/camtool/text.h"
 #include "tools/camtool/verbs.h"
 

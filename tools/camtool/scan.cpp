@@ -5,12 +5,19 @@
 #include <atomic>
 #include <cstdio>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "app/camera_link.h"
+#include "tools/camtool/arguments.h"
 #include "tools/camtool/console.h"
+#include "tools/camtool/exit_codes.h"
 #include "tools/camtool/line_rate.h"
 #include "tools/camtool/pace.h"
 #include "tools/camtool/port_report.h"
+#include "tools/camtool/ports.h"
+#include "tools/camtool/press_chance.h"
+#include "tools/camtool/record_stream.h"
 #include "tools/camtool/verbs.h"
 
 namespace camtool {
@@ -91,7 +98,7 @@ void TryRates(Probe* probe, HANDLE port) {
   report.guessedRates = GuessRates(report.sample, static_cast<int>(kv::kCameraBaudRate));
   std::vector<int> rates = report.guessedRates;
   for (const int rate : kUsualRates) {
-    if (std::find(rates.begin(), rates.end(), rate) == rates.end()) rates.push_back(rate);
+    if (std::ranges::find(rates, rate) == rates.end()) rates.push_back(rate);
   }
   for (const int rate : rates) {
     const double seconds = std::max(kShortestTry, kBytesOfTry * 10 / rate);
@@ -147,7 +154,7 @@ std::vector<PortReport> Scan(Probes* probes) {
     if (!probe || probe->isDone) probe = StartProbe(port, start, holders);
   }
   const auto allDone = [&] {
-    return std::all_of(probes->begin(), probes->end(), [](const auto& probe) { return probe->isDone.load(); });
+    return std::ranges::all_of(*probes, [](const auto& probe) { return probe->isDone.load(); });
   };
   while (!allDone() && Now() < start + kGiveUpSeconds && !IsStopRequested()) WaitUntil(Now() + 0.01, StopEvent());
   std::vector<PortReport> reports;
@@ -170,7 +177,7 @@ int RunScan(const std::vector<std::string>&) {
     const std::vector<PortReport> reports = Scan(&probes);
     // What a scan that was interrupted has seen says nothing about the ports that it has not.
     if (IsStopRequested() && settings.watch) break;
-    found = std::any_of(reports.begin(), reports.end(), IsCamera);
+    found = std::ranges::any_of(reports, IsCamera);
     std::printf("%s\n%s", DescribePorts(reports, settings.all).c_str(), DescribeVerdict(reports).c_str());
     if (settings.watch) std::puts("----");
     std::fflush(stdout);

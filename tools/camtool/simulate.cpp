@@ -1,12 +1,18 @@
 // camtool simulate: stands in for the camera, with the faults that a line can have.
 #include <windows.h>
 
+#include <cstdint>
 #include <cstdio>
+#include <string>
+#include <vector>
 
 #include "app/camera_link.h"
+#include "app/camera_point.h"
 #include "app/camera_record.h"
+#include "tools/camtool/arguments.h"
 #include "tools/camtool/console.h"
 #include "tools/camtool/csv.h"
+#include "tools/camtool/exit_codes.h"
 #include "tools/camtool/faults.h"
 #include "tools/camtool/files.h"
 #include "tools/camtool/pace.h"
