@@ -8,14 +8,17 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <random>
+#include <string>
+#include <vector>
 
 #include "tests/support/serial_line.h"
 #include "tools/camtool/files.h"
-#include "tools/camtool/pace.h"
 #include "tools/camtool/ports.h"
+#include "tools/camtool/recording.h"
 #include "tools/camtool/text.h"
 
 namespace {

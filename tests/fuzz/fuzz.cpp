@@ -8,7 +8,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <random>
 #include <string>
+#include <vector>
 
 #include "tests/fuzz/inputs.h"
 #include "tests/fuzz/targets.h"

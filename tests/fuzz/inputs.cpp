@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <span>
+#include <string>
+#include <string_view>
 
 namespace fuzz {
 

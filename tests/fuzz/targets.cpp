@@ -4,7 +4,14 @@
 
 #include <algorithm>
 #include <cstring>
+#include <cwchar>
+#include <iterator>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
 
+#include "app/camera_point.h"
 #include "app/camera_record.h"
 #include "framework/affirmative.h"
 #include "framework/dialog_texts.h"
@@ -12,6 +19,7 @@
 #include "gallery/pages/notes_file.h"
 #include "tests/fuzz/inputs.h"
 #include "tools/camtool/csv.h"
+#include "tools/camtool/record_stream.h"
 #include "tools/camtool/recording.h"
 
 namespace fuzz {
@@ -76,7 +84,7 @@ std::vector<std::string> Streams() {
 
 std::vector<std::string> Recordings() {
   std::string file = camtool::EncodeHeader({1, 38400, 3});
-  for (int i = 0; i < 4; ++i) file += camtool::EncodeChunks(i * 11000, kRecord);
+  for (int i = 0; i < 4; ++i) file += camtool::EncodeChunks(static_cast<std::uint64_t>(i) * 11000, kRecord);
   return {file + camtool::EncodeEnd(50000), file, file.substr(0, 60)};
 }
 

@@ -1,9 +1,16 @@
 // The command line, the faults and the paths of camtool.
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "app/camera_point.h"
 #include "tools/camtool/arguments.h"
 #include "tools/camtool/csv.h"
 #include "tools/camtool/faults.h"
+#include "tools/camtool/record_stream.h"
 
 namespace camtool {
 namespace {

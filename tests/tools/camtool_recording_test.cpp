@@ -1,6 +1,12 @@
 // The recording's format, and how records are found in a stream.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
 #include "tools/camtool/record_stream.h"
 #include "tools/camtool/recording.h"
 #include "tools/camtool/text.h"
@@ -43,7 +49,7 @@ constexpr size_t kChunkCount = 8;
 
 std::string SmallRecording() {
   std::string file = EncodeHeader({.startTime = 0x0123456789ABCDEF, .baudRate = 38400, .port = 3});
-  for (size_t i = 0; i < kChunkCount; ++i) file += EncodeChunks(i * 10000, kRecord);
+  for (size_t i = 0; i < kChunkCount; ++i) file += EncodeChunks(std::uint64_t{i} * 10000, kRecord);
   return file + EncodeEnd(123456);
 }
 

@@ -2,10 +2,16 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <random>
+#include <string>
+#include <vector>
 
 #include "tools/camtool/line_rate.h"
 #include "tools/camtool/port_report.h"
+#include "tools/camtool/ports.h"
+#include "tools/camtool/press_chance.h"
+#include "tools/camtool/record_stream.h"
 
 namespace camtool {
 namespace {

@@ -4,10 +4,16 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
+#include <cstddef>
 #include <fstream>
+#include <ios>
 #include <iterator>
+#include <string>
 #include <thread>
+#include <utility>
 
+#include "app/camera_point.h"
 #include "app/camera_record.h"
 #include "tests/support/serial_line.h"
 #include "tests/support/test_window.h"
