@@ -3,8 +3,8 @@
 
 #include "gallery/resource_ids.h"
 
-#define IDC_CHART_FIRST (IDC_PAGE_FIRST + 100 * PAGE_INDEX_CHART)
-#define IDS_CHART_FIRST (IDS_PAGE_FIRST + 100 * PAGE_INDEX_CHART)
+#define IDC_CHART_FIRST (IDC_PAGE_FIRST + 200)
+#define IDS_CHART_FIRST (IDS_PAGE_FIRST + 200)
 
 #define IDC_CHART_VIEW (IDC_CHART_FIRST + 0)
 #define IDC_CHART_POINT (IDC_CHART_FIRST + 1)  // four of them

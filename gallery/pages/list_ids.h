@@ -3,8 +3,8 @@
 
 #include "gallery/resource_ids.h"
 
-#define IDC_LIST_BASE (IDC_PAGE_FIRST + 100 * PAGE_INDEX_LIST)
-#define IDS_LIST_BASE (IDS_PAGE_FIRST + 100 * PAGE_INDEX_LIST)
+#define IDC_LIST_BASE (IDC_PAGE_FIRST + 500)
+#define IDS_LIST_BASE (IDS_PAGE_FIRST + 500)
 
 #define IDC_LIST_LIST (IDC_LIST_BASE + 0)
 #define IDC_LIST_COUNT (IDC_LIST_BASE + 1)

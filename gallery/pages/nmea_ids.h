@@ -3,7 +3,7 @@
 
 #include "gallery/resource_ids.h"
 
-#define IDC_NMEA_FIRST (IDC_PAGE_FIRST + 100 * PAGE_INDEX_NMEA)
+#define IDC_NMEA_FIRST (IDC_PAGE_FIRST + 900)
 #define IDC_NMEA_LATITUDE (IDC_NMEA_FIRST + 0)
 #define IDC_NMEA_LONGITUDE (IDC_NMEA_FIRST + 1)
 #define IDC_NMEA_SPEED (IDC_NMEA_FIRST + 2)

@@ -7,6 +7,7 @@ are, without transparency and at most as large as a check mark, so a flag fills 
 """
 
 import math
+import re
 import struct
 from pathlib import Path
 
@@ -196,10 +197,14 @@ def main():
     for name, flag in FLAGS.items():
         write_bitmap(folder / f"{name}.bmp", flag, False)
         write_bitmap(folder / f"{name}_checked.bmp", flag, True)
-    script = "// The language menu's images, by language index: plain ones, then checked ones. Written by flags.py.\n"
+    # As plain numbers: not every resource compiler takes a sum for a name.
+    header = (here.parents[1] / "gallery" / "resource_ids.h").read_text()
+    first = int(re.search(r"#define IDB_LANGUAGE_FIRST (\d+)", header).group(1))
+    script = ("// The language menu's images, IDB_LANGUAGE_FIRST and on by language index: plain ones, then checked ones. Written\n"
+              "// by flags.py.\n")
     for ending, offset in (("", 0), ("_checked", len(ORDER))):
         for index, name in enumerate(ORDER):
-            script += f'IDB_LANGUAGE_FIRST + {offset + index} BITMAP "resources/languages/flags/{name}{ending}.bmp"\n'
+            script += f'{first + offset + index} BITMAP "resources/languages/flags/{name}{ending}.bmp"\n'
     (here / "flags.rc").write_text(script)
 
 
