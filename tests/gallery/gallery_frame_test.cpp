@@ -81,7 +81,13 @@ class GalleryFrame : public testing::Test {
     PostMessageW(GetFocus(), WM_KEYDOWN, key, 1);
     Pump();
   }
-  static void Size(int width, int height) { MoveWindow(frame_, 0, 0, width, height, TRUE); }
+  // The desktop of the tests may be smaller than the size that is asked for; nothing then must cut it.
+  static void Size(int width, int height) {
+    SetWindowPos(frame_, nullptr, 0, 0, width, height, SWP_NOZORDER | SWP_NOSENDCHANGING);
+    RECT window;
+    GetWindowRect(frame_, &window);
+    EXPECT_EQ(width, window.right - window.left);
+  }
   static HWND PageList() { return GetDlgItem(frame_, IDC_PAGE_LIST); }
 
   inline static HKEY key_;

@@ -129,7 +129,14 @@ TEST_F(ScaledDialogTest, ScalesKeepsItsSmallestSizeAndItsPlace) {
 TEST_F(ScaledDialogTest, SwitchesTheLanguageOfEveryDialogAndFreesTheLibrary) {
   EXPECT_EQ(0, BeginLanguages(L"test_toolkit"));
   HWND dialog = OpenDialog(nullptr, kTest), other = OpenDialog(nullptr, kTest);
-  const auto tips = [] { return FindWindowExA(nullptr, nullptr, "tooltips_class32", nullptr); };
+  const auto tips = [] {
+    HWND tip = nullptr;
+    // Only ours: programs beside this one have tips of their own.
+    do {
+      tip = FindWindowExA(nullptr, tip, "tooltips_class32", nullptr);
+    } while (tip && GetWindowThreadProcessId(tip, nullptr) != GetCurrentThreadId());
+    return tip;
+  };
   const HWND formerTips = tips();
   seen.clear();
   EXPECT_EQ(1, SwitchLanguage(dialog, L"TEST", 1));
