@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building, running and testing need, with --lint those that ./lint needs as well. Does
-# nothing, quickly, when all are there.
+# Installs the Debian packages that building, running and testing need, with --lint those that ./lint needs as well, with
+# --host those that tools/sanitize needs. Does nothing, quickly, when all are there.
 source "$(dirname "$0")/common.sh"
 
 packages=(
@@ -17,6 +17,11 @@ packages=(
 # One version of the tools, so that all machines find the same; Debian 12 and 13 both have it.
 if [ "${1:-}" = --lint ]; then
   packages+=(git clang-19 clang-format-19 clang-tidy-19 llvm-19 cppcheck shellcheck flake8)
+fi
+
+# Another compiler for this machine, with its sanitizers, and Windows' types.
+if [ "${1:-}" = --host ]; then
+  packages+=(g++-multilib libwine-dev gcovr locales)
 fi
 
 missing() {

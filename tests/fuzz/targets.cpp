@@ -14,9 +14,7 @@
 #include "app/camera_point.h"
 #include "app/camera_record.h"
 #include "framework/affirmative.h"
-#include "framework/dialog_texts.h"
 #include "framework/window_position.h"
-#include "gallery/pages/notes_file.h"
 #include "tests/fuzz/inputs.h"
 #include "tools/camtool/csv.h"
 #include "tools/camtool/record_stream.h"
@@ -29,11 +27,6 @@ namespace {
 // No field of four characters says this.
 constexpr LONG kKept = 123456;
 constexpr char kRecord[] = "0100,0200,0300,0400,1023,1023,0512,0384\r\n";
-
-bool Broken(const char** why, const char* promise) {
-  *why = promise;
-  return false;
-}
 
 // ---- The record reader ---------------------------------------------------------------------------------------------
 
@@ -143,29 +136,7 @@ bool FeedPath(std::string_view input, bool* accepted, const char** why) {
   return true;
 }
 
-// ---- Notes ---------------------------------------------------------------------------------------------------------
-
-std::vector<std::string> Notes() {
-  return {"plain\r\ntext",
-          "\xEF\xBB\xBF"
-          "gr\xC3\xB6\xC3\x9F"
-          "er \xF0\x9F\x98\x80 \xE2\x82\xAC",
-          ""};
-}
-
-bool FeedNotes(std::string_view input, bool* accepted, const char** why) {
-  std::wstring text = L"as it was";
-  *accepted = gallery::DecodeNotes(input, &text);
-  if (!*accepted) return text == L"as it was" || Broken(why, "refused notes change nothing");
-  if (input.starts_with("\xEF\xBB\xBF")) input.remove_prefix(3);
-  std::string back(input.size() + 8, '\0');
-  const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), back.data(),
-                                       static_cast<int>(back.size()), nullptr, nullptr);
-  back.resize(static_cast<size_t>(size));
-  return back == input || Broken(why, "what was read is written back the same");
-}
-
-// ---- Language tables -----------------------------------------------------------------------------------------------
+// ---- Words for yes -------------------------------------------------------------------------------------------------
 
 std::string Bytes(const wchar_t* text) {
   return std::string(reinterpret_cast<const char*>(text), (std::wcslen(text) + 1) * sizeof(wchar_t));
@@ -189,37 +160,6 @@ bool FeedAnswer(std::string_view input, bool* accepted, const char** why) {
   return !one || *accepted || Broken(why, "all languages together know what one of them knows");
 }
 
-// The resource entry that this program's own template has. Its place is moved to where the input lies.
-IMAGE_RESOURCE_DATA_ENTRY* TemplateEntry(int id) {
-  auto* entry =
-      reinterpret_cast<IMAGE_RESOURCE_DATA_ENTRY*>(FindResourceW(nullptr, MAKEINTRESOURCEW(id), MAKEINTRESOURCEW(5)));
-  DWORD before = 0;
-  VirtualProtect(entry, sizeof(*entry), PAGE_READWRITE, &before);
-  return entry;
-}
-
-std::vector<std::string> Templates() {
-  std::vector<std::string> templates;
-  for (const int id : {1, 2}) {
-    const HRSRC resource = FindResourceW(nullptr, MAKEINTRESOURCEW(id), MAKEINTRESOURCEW(5));
-    const auto* data = static_cast<const char*>(LockResource(LoadResource(nullptr, resource)));
-    templates.emplace_back(data, SizeofResource(nullptr, resource));
-  }
-  return templates;
-}
-
-bool FeedTemplate(std::string_view input, bool* accepted, const char**) {
-  static GuardedArea area(4096);
-  static IMAGE_RESOURCE_DATA_ENTRY* entry = TemplateEntry(1);
-  static HWND dialog = CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
-  // The linker puts resources at even places and gives them even sizes.
-  const std::string_view put = area.Put(input.substr(0, input.size() / 4 * 4));
-  entry->OffsetToData = static_cast<DWORD>(put.data() - reinterpret_cast<const char*>(GetModuleHandleA(nullptr)));
-  entry->Size = static_cast<DWORD>(put.size());
-  *accepted = kv::SetDialogTexts(dialog, nullptr, MAKEINTRESOURCEW(1)) != FALSE;
-  return true;
-}
-
 // ---- Position texts ------------------------------------------------------------------------------------------------
 
 std::vector<std::string> Positions() {
@@ -240,24 +180,27 @@ bool FeedPosition(std::string_view input, bool* accepted, const char** why) {
 const std::vector<std::string> kNumberWords = {
     "99999999999",        "-",    "-1",   ",",  ";", "\t", "\n", "1e308", "0x10", "nan",
     std::string(1, '\0'), "1023", "1024", "\"", "+", " "};
+
+}  // namespace
+
 const std::vector<std::string> kByteWords = {std::string(2, '\0'), "\xFF\xFF", std::string("\x01\0\xFF\xFF", 4),
                                              "\xEF\xBB\xBF",       "\xC0\x80", "\xED\xA0\x80",
                                              "\xF4\x90\x80\x80",   "\x80"};
 
-}  // namespace
+bool Broken(const char** why, const char* promise) {
+  *why = promise;
+  return false;
+}
 
-std::span<const Target> Targets() {
-  static const std::vector<Target> targets = {
+std::vector<Target> PlainTargets() {
+  return {
       {"record reader", 60, 1, Records, kNumberWords, FeedRecord},
       {"stream of records", 400, 1, Streams, kNumberWords, FeedStreamOfRecords},
       {"recording format", 1000, 1, Recordings, kByteWords, FeedRecording},
       {"path files (CSV)", 400, 1, Paths, kNumberWords, FeedPath},
-      {"notes", 400, 1, Notes, kByteWords, FeedNotes},
       {"words for yes", 600, 1, Answers, kByteWords, FeedAnswer},
-      {"dialog texts of a language", 600, 1, Templates, kByteWords, FeedTemplate},
       {"position texts", 300, 1, Positions, kNumberWords, FeedPosition},
   };
-  return targets;
 }
 
 }  // namespace fuzz

@@ -20,6 +20,16 @@ struct Target {
   bool (*feed)(std::string_view input, bool* accepted, const char** why);
 };
 
+// Those that ask nothing of the system.
+std::vector<Target> PlainTargets();
+
+// All.
 std::span<const Target> Targets();
+
+// Bytes worth putting into encoded text and lengths.
+extern const std::vector<std::string> kByteWords;
+
+// False, with the promise that an answer breaks as the reason.
+bool Broken(const char** why, const char* promise);
 
 }  // namespace fuzz

@@ -1,0 +1,79 @@
+#include <windows.h>
+
+#include "framework/dialog_texts.h"
+#include "gallery/pages/notes_file.h"
+#include "tests/fuzz/inputs.h"
+#include "tests/fuzz/targets.h"
+
+namespace fuzz {
+
+namespace {
+
+// ---- Notes ---------------------------------------------------------------------------------------------------------
+
+std::vector<std::string> Notes() {
+  return {"plain\r\ntext",
+          "\xEF\xBB\xBF"
+          "gr\xC3\xB6\xC3\x9F"
+          "er \xF0\x9F\x98\x80 \xE2\x82\xAC",
+          ""};
+}
+
+bool FeedNotes(std::string_view input, bool* accepted, const char** why) {
+  std::wstring text = L"as it was";
+  *accepted = gallery::DecodeNotes(input, &text);
+  if (!*accepted) return text == L"as it was" || Broken(why, "refused notes change nothing");
+  if (input.starts_with("\xEF\xBB\xBF")) input.remove_prefix(3);
+  std::string back(input.size() + 8, '\0');
+  const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), back.data(),
+                                       static_cast<int>(back.size()), nullptr, nullptr);
+  back.resize(static_cast<size_t>(size));
+  return back == input || Broken(why, "what was read is written back the same");
+}
+
+// ---- Dialog texts of a language ------------------------------------------------------------------------------------
+
+// The resource entry that this program's own template has. Its place is moved to where the input lies.
+IMAGE_RESOURCE_DATA_ENTRY* TemplateEntry(int id) {
+  auto* entry =
+      reinterpret_cast<IMAGE_RESOURCE_DATA_ENTRY*>(FindResourceW(nullptr, MAKEINTRESOURCEW(id), MAKEINTRESOURCEW(5)));
+  DWORD before = 0;
+  VirtualProtect(entry, sizeof(*entry), PAGE_READWRITE, &before);
+  return entry;
+}
+
+std::vector<std::string> Templates() {
+  std::vector<std::string> templates;
+  for (const int id : {1, 2}) {
+    const HRSRC resource = FindResourceW(nullptr, MAKEINTRESOURCEW(id), MAKEINTRESOURCEW(5));
+    const auto* data = static_cast<const char*>(LockResource(LoadResource(nullptr, resource)));
+    templates.emplace_back(data, SizeofResource(nullptr, resource));
+  }
+  return templates;
+}
+
+bool FeedTemplate(std::string_view input, bool* accepted, const char**) {
+  static GuardedArea area(4096);
+  static IMAGE_RESOURCE_DATA_ENTRY* entry = TemplateEntry(1);
+  static HWND dialog = CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+  // The linker puts resources at even places and gives them even sizes.
+  const std::string_view put = area.Put(input.substr(0, input.size() / 4 * 4));
+  entry->OffsetToData = static_cast<DWORD>(put.data() - reinterpret_cast<const char*>(GetModuleHandleA(nullptr)));
+  entry->Size = static_cast<DWORD>(put.size());
+  *accepted = kv::SetDialogTexts(dialog, nullptr, MAKEINTRESOURCEW(1)) != FALSE;
+  return true;
+}
+
+}  // namespace
+
+std::span<const Target> Targets() {
+  static const std::vector<Target> targets = [] {
+    std::vector<Target> all = PlainTargets();
+    all.push_back({"notes", 400, 1, Notes, kByteWords, FeedNotes});
+    all.push_back({"dialog texts of a language", 600, 1, Templates, kByteWords, FeedTemplate});
+    return all;
+  }();
+  return targets;
+}
+
+}  // namespace fuzz
