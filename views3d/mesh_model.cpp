@@ -38,8 +38,9 @@ size_t CountInUse(std::int32_t count, std::uint32_t capacity) {
 // A handle may by now stand for another, smaller block; and what its user wrote over the capacities must not lead
 // outside the block.
 bool IsLiveModel(HGLOBAL mesh, MeshModel* model) {
-  return !IsBadReadPtr(model, sizeof(*model)) && model->tag == kMeshTag &&
-         BlockBytes(model->vertexCapacity, model->triangleCapacity) <= GlobalSize(mesh);
+  if (IsBadReadPtr(model, sizeof(*model)) || model->tag != kMeshTag) return false;
+  const size_t size = GlobalSize(mesh);
+  return size >= sizeof(*model) && BlockBytes(model->vertexCapacity, model->triangleCapacity) <= size;
 }
 
 template <class T>

@@ -7,8 +7,6 @@
 #include <cstring>
 #include <string>
 
-#include "export/web_links.h"
-#include "framework/shell_launch.h"
 #include "tests/support/comma_locale.h"
 #include "tests/support/test_window.h"
 
@@ -58,25 +56,6 @@ TEST(Nmea, StoresTheSentenceWithoutTheStarWhereThereIsRoom) {
   EXPECT_EQ(1, kv::formatGprmc(exact.as<char>() + 1, 48.5, -11.25, 0, 0, 0, 0, 0, 0, 0));
   EXPECT_EQ(std::string(length, 'x'), std::string(exact.as<char>(), length));
   EXPECT_EQ(1, kv::formatGprmc(nullptr, 48.5, -11.25, 0, 0, 0, 0, 0, 0, 0));
-}
-
-std::string launched;
-
-HINSTANCE WINAPI NoteLaunch(HWND owner, LPCSTR verb, LPCSTR file, LPCSTR parameters, LPCSTR directory, INT show) {
-  launched = std::string(verb) + " " + file + " " + parameters + " " + std::to_string(show);
-  if (owner || directory) launched += " and more";
-  return nullptr;  // a failure, which nobody looks at
-}
-
-TEST(WebLinks, OpenTheChosenPage) {
-  const auto previous = std::exchange(kv::shellCalls.executeA, NoteLaunch);
-  EXPECT_EQ(1u, kv::openMakerWebPage(1));
-  EXPECT_EQ("open IExplore.exe http://www.korvel.example/waypoints/ 1", launched);
-  for (UINT page : {0u, 2u, 0xFFFFFFFFu}) {
-    EXPECT_EQ(1u, kv::openMakerWebPage(page));
-    EXPECT_EQ("open IExplore.exe http://www.korvel.example/ 1", launched);
-  }
-  kv::shellCalls.executeA = previous;
 }
 
 }  // namespace

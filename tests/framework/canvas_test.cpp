@@ -1,4 +1,4 @@
-// Exact coverage, and what is drawn with it.
+// What is drawn with exact coverage.
 #include "framework/canvas.h"
 
 #include <gtest/gtest.h>
@@ -41,27 +41,7 @@ struct Board {
   std::unique_ptr<Canvas> canvas;
 };
 
-TEST(Coverage, EachPixelGetsThePartThatIsCovered) {
-  CoverageShape shape;
-  ASSERT_TRUE(shape.Begin({0, 0, 8, 8}));
-  // From x = 1.5 to 4.25, y = 2 to 3.5, with a hole that runs the other way, and a triangle of half a pixel.
-  const PointD box[] = {{1.5, 2}, {4.25, 2}, {4.25, 3.5}, {1.5, 3.5}};
-  const PointD hole[] = {{3, 2}, {3, 2.5}, {4, 2.5}, {4, 2}};
-  const PointD triangle[] = {{6, 6}, {7, 7}, {6, 7}};
-  EXPECT_TRUE(shape.AddFigure(box) && shape.AddFigure(hole) && shape.AddFigure(triangle));
-  const PointD nowhere[] = {{NAN, 1}, {2, 3}, {4, 5}};
-  EXPECT_FALSE(shape.AddFigure(nowhere));
-  int level[8][8] = {};
-  for (CoverageSpan span; shape.Next(&span);) {
-    for (int i = 0; i < span.count; ++i) level[span.y][span.x + i] = span.coverage;
-  }
-  const int expected[8][8] = {{}, {}, {0, 128, 255, 128, 64},  {0, 64, 128, 128, 32},
-                              {}, {}, {0, 0, 0, 0, 0, 0, 128}, {}};
-  EXPECT_EQ(0, memcmp(expected, level, sizeof(level)));
-  EXPECT_FALSE(shape.AddFigure(box));  // it has been handed out
-}
-
-TEST(Coverage, WhatIsWantedOfAShapeDoesNotChangeIt) {
+TEST(Canvas, WhatIsWantedOfAShapeDoesNotChangeIt) {
   Board whole(90, 70), parts(90, 70);
   const auto draw = [](Canvas& canvas) {
     FillGradientDisc(canvas, {40.3, 35.7}, 31.2, kWhite, RGB(200, 20, 90));

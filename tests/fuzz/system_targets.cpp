@@ -1,5 +1,11 @@
 #include <windows.h>
 
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
 #include "framework/dialog_texts.h"
 #include "gallery/pages/notes_file.h"
 #include "tests/fuzz/inputs.h"

@@ -149,8 +149,8 @@ std::vector<std::string> Answers() {
 
 bool FeedAnswer(std::string_view input, bool* accepted, const char** why) {
   static GuardedArea area(4096);
-  std::string terminated(input.substr(0, input.size() / 2 * 2));
-  terminated.append(2, '\0');
+  std::string terminated(input.substr(0, input.size() / sizeof(wchar_t) * sizeof(wchar_t)));
+  terminated.append(sizeof(wchar_t), '\0');
   const auto* text = reinterpret_cast<const wchar_t*>(area.Put(terminated).data());
   const BOOL every = kv::IsAffirmative(kv::kEveryLanguage, text);
   *accepted = every != FALSE;

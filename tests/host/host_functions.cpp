@@ -24,8 +24,12 @@ namespace {
 constexpr UINT_PTR kPage = 4096;
 
 // Memory by its start, with its size.
-std::map<const void*, SIZE_T> areas;   // of VirtualAlloc
-std::map<const void*, SIZE_T> blocks;  // of GlobalAlloc; the handle is the block
+std::map<const void*, SIZE_T> areas;  // of VirtualAlloc
+struct Block {
+  SIZE_T size;
+  UINT locks;
+};
+std::map<const void*, Block> blocks;  // of GlobalAlloc; the handle is the block
 
 // The system tells whether a byte can be read or written: it copies it through a pipe, and fails where the program
 // would be ended. Called past the sanitizers, to which asking is touching.
@@ -71,6 +75,11 @@ int PutBounded(Character* buffer, size_t count, const std::vector<Character>& te
 
 }  // namespace
 
+// The run-time's own, for as long as the process lives.
+extern "C" const char* __lsan_default_suppressions() {
+  return "leak:argz_add_sep";
+}
+
 // ---- Pointers and memory -------------------------------------------------------------------------------------------
 
 BOOL WINAPI IsBadReadPtr(LPCVOID start, UINT_PTR size) {
@@ -97,13 +106,17 @@ LPVOID WINAPI VirtualAlloc(LPVOID at, SIZE_T size, DWORD type, DWORD) {
 BOOL WINAPI VirtualFree(LPVOID area, SIZE_T, DWORD) {
   return munmap(area, areas[area]) == 0 && areas.erase(area) == 1;
 }
-BOOL WINAPI VirtualProtect(LPVOID area, SIZE_T size, DWORD access, LPDWORD) {
-  return mprotect(area, size, access == PAGE_READONLY ? PROT_READ : PROT_READ | PROT_WRITE) == 0;
+// Whole pages, as there; all that is asked for was writable.
+BOOL WINAPI VirtualProtect(LPVOID start, SIZE_T size, DWORD access, LPDWORD previous) {
+  const UINT_PTR offset = reinterpret_cast<UINT_PTR>(start) % kPage;
+  *previous = PAGE_READWRITE;
+  return mprotect(static_cast<char*>(start) - offset, size + offset,
+                  access == PAGE_READONLY ? PROT_READ : PROT_READ | PROT_WRITE) == 0;
 }
 
 HGLOBAL WINAPI GlobalAlloc(UINT, SIZE_T size) {
   void* block = std::calloc(1, size);
-  if (block) blocks[block] = size;
+  if (block) blocks[block] = {size, 0};
   return block;
 }
 HGLOBAL WINAPI GlobalFree(HGLOBAL block) {
@@ -112,14 +125,48 @@ HGLOBAL WINAPI GlobalFree(HGLOBAL block) {
   return nullptr;
 }
 LPVOID WINAPI GlobalLock(HGLOBAL block) {
-  return blocks.count(block) ? block : nullptr;
+  const auto found = blocks.find(block);
+  if (found == blocks.end()) return nullptr;
+  ++found->second.locks;
+  return block;
 }
-BOOL WINAPI GlobalUnlock(HGLOBAL) {
-  return FALSE;
+BOOL WINAPI GlobalUnlock(HGLOBAL block) {
+  const auto found = blocks.find(block);
+  if (found == blocks.end() || found->second.locks == 0) return FALSE;
+  return --found->second.locks > 0;
 }
 SIZE_T WINAPI GlobalSize(HGLOBAL block) {
   const auto found = blocks.find(block);
-  return found == blocks.end() ? 0 : found->second;
+  return found == blocks.end() ? 0 : found->second.size;
+}
+UINT WINAPI GlobalFlags(HGLOBAL block) {
+  const auto found = blocks.find(block);
+  return found == blocks.end() ? GMEM_INVALID_HANDLE : found->second.locks;
+}
+
+// ---- Rectangles ----------------------------------------------------------------------------------------------------
+
+BOOL WINAPI IsRectEmpty(const RECT* area) {
+  return area->left >= area->right || area->top >= area->bottom;
+}
+BOOL WINAPI EqualRect(const RECT* one, const RECT* other) {
+  return std::memcmp(one, other, sizeof(*one)) == 0;
+}
+BOOL WINAPI InflateRect(LPRECT area, INT dx, INT dy) {
+  *area = {area->left - dx, area->top - dy, area->right + dx, area->bottom + dy};
+  return TRUE;
+}
+BOOL WINAPI IntersectRect(LPRECT common, const RECT* one, const RECT* other) {
+  *common = {std::max(one->left, other->left), std::max(one->top, other->top), std::min(one->right, other->right),
+             std::min(one->bottom, other->bottom)};
+  if (!IsRectEmpty(common) && !IsRectEmpty(one) && !IsRectEmpty(other)) return TRUE;
+  *common = {};
+  return FALSE;
+}
+
+// Of a drawing that no test calls, but which the linker takes along.
+BOOL WINAPI GdiFlush() {
+  return TRUE;
 }
 
 // ---- Text and numbers ----------------------------------------------------------------------------------------------
@@ -134,9 +181,6 @@ INT WINAPI lstrlenW(LPCWSTR text) {
 // Equal or not is all that is asked for here; the order is not Windows' own.
 INT WINAPI lstrcmpW(LPCWSTR one, LPCWSTR other) {
   return std::wcscmp(one, other);
-}
-BOOL WINAPI IsRectEmpty(const RECT* area) {
-  return area->left >= area->right || area->top >= area->bottom;
 }
 INT WINAPI MulDiv(INT number, INT factor, INT divisor) {
   const long long product = static_cast<long long>(number) * factor;

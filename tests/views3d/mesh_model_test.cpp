@@ -256,6 +256,7 @@ TEST(MeshProject, CountsAndIndicesStayInsideTheBlock) {
   // A capacity that was written over would lead out of the block.
   mesh.model->vertexCapacity = 1000;
   EXPECT_FALSE(meshProject(mesh.handle));
+  mesh.model->vertexCapacity = 2;
 }
 
 TEST(MeshRotateShades, ShiftsByTheLimitedStep) {
