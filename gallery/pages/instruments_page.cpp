@@ -2,10 +2,10 @@
 
 #include <cmath>
 #include <iterator>
-#include <numbers>
 #include <string>
 
 #include "controls/display_instrument.h"
+#include "framework/angles.h"
 #include "gallery/page.h"
 #include "gallery/pages/instruments_ids.h"
 #include "gallery/texts.h"
@@ -23,7 +23,7 @@ constexpr COLORREF kGreen = RGB(0, 200, 80), kAmber = RGB(255, 190, 0), kRed = R
 // ---- The simulated flight ------------------------------------------------------------------------------------------
 
 double Wave(double seconds, double period, double phase = 0) {
-  return std::sin((seconds / period + phase) * 2 * std::numbers::pi);
+  return std::sin((seconds / period + phase) * 2 * kv::kPi);
 }
 
 // All pure: what an instrument shows, so many seconds after the page came up.

@@ -1,9 +1,9 @@
 #include "tools/camtool/paths.h"
 
 #include <cmath>
-#include <numbers>
 
 #include "app/camera_point.h"
+#include "framework/angles.h"
 
 namespace camtool {
 
@@ -27,7 +27,7 @@ constexpr Path kPaths[kv::kPointCount] = {
 };
 
 double Wave(double turns) {
-  return std::sin(2 * std::numbers::pi * turns);
+  return std::sin(2 * kv::kPi * turns);
 }
 
 bool IsHidden(const Path& path, double seconds) {
