@@ -73,7 +73,7 @@ HWND Create(HWND parent, const Sample& sample, SIZE size, State state) {
 }
 
 struct Sheet {
-  Sheet(int width, int height) : width(width), height(height), dc(nullptr) {
+  Sheet(int widthPx, int heightPx) : width(widthPx), height(heightPx), dc(nullptr) {
     const BITMAPINFO info = kv::TopDownBitmapInfo(width, height);
     bitmap.Reset(CreateDIBSection(dc, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
     previous = SelectObject(dc, bitmap);

@@ -59,7 +59,8 @@ InstrumentBlock BuildDefaultBlock(const BlockDefaults& defaults) {
   block.maximum = empty ? 100.0f : defaults.maximum;
   block.step = defaults.step == 0 ? (block.maximum - block.minimum) / 100 : defaults.step;
   block.current = block.minimum < 0 && block.maximum > 0 ? 0.0f : block.minimum;
-  for (int i = 0; i < kInstrumentZones; ++i) block.zones[i].lower = block.zones[i].upper = 25.0f * (i + 1);
+  for (int i = 0; i < kInstrumentZones; ++i)
+    block.zones[i].lower = block.zones[i].upper = 25.0f * static_cast<float>(i + 1);
   return block;
 }
 

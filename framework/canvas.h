@@ -71,7 +71,7 @@ class Canvas {
 // What a shape is filled with: one colour, or two blended from one height to another.
 struct Paint {
   Paint(COLORREF color) : top(color), bottom(color) {}
-  Paint(COLORREF top, COLORREF bottom, double from, double to) : top(top), bottom(bottom), from(from), to(to) {}
+  Paint(COLORREF upper, COLORREF lower, double start, double end) : top(upper), bottom(lower), from(start), to(end) {}
   COLORREF top, bottom;
   double from = 0, to = 0;
 };

@@ -78,7 +78,8 @@ class SelectedObject {
 template <class Handle>
 class OwnedGdiObject {
  public:
-  explicit OwnedGdiObject(Handle object = nullptr) : object_(object) {}
+  OwnedGdiObject() = default;
+  explicit OwnedGdiObject(Handle object) : object_(object) {}
   ~OwnedGdiObject() { Reset(); }
   OwnedGdiObject(OwnedGdiObject&& other) noexcept : object_(other.Release()) {}
   OwnedGdiObject& operator=(OwnedGdiObject&& other) noexcept {
@@ -94,7 +95,7 @@ class OwnedGdiObject {
   }
 
  private:
-  Handle object_;
+  Handle object_ = nullptr;
 };
 
 using OwnedBitmap = OwnedGdiObject<HBITMAP>;

@@ -140,7 +140,8 @@ void Render(MeshView* view) {
   ++view->figures.pictures;
   QueryPerformanceCounter(&end);
   QueryPerformanceFrequency(&frequency);
-  view->figures.pictureMs = (end.QuadPart - start.QuadPart) * 1000.0 / frequency.QuadPart;
+  view->figures.pictureMs =
+      static_cast<double>(end.QuadPart - start.QuadPart) * 1000.0 / static_cast<double>(frequency.QuadPart);
 }
 
 // ---- Messages ------------------------------------------------------------------------------------------------------

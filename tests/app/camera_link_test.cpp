@@ -164,9 +164,9 @@ TEST_F(CameraLinkTest, TransactionSendsAndListens) {
 class Chatter {
  public:
   Chatter(PlayedCamera* camera, std::string bytes, DWORD periodMs = 40)
-      : thread_([this, camera, bytes = std::move(bytes), periodMs] {
+      : thread_([this, camera, sent = std::move(bytes), periodMs] {
           while (!stop_) {
-            camera->Send(bytes);
+            camera->Send(sent);
             Sleep(periodMs);
           }
         }) {}

@@ -135,9 +135,9 @@ TEST(DialogLayout, CapturesTheRangeInWindowOrder) {
   EXPECT_EQ("80,30 200x20", Place(dialog, 1011));
   EXPECT_EQ("40,30 100x20", Place(dialog, 1012));
 
-  for (const auto& [window, memory] : {std::pair<HWND, LayoutSlot*>{dialog, nullptr}, {nullptr, slots}}) {
-    EXPECT_FALSE(kv::CaptureLayout(window, memory, kLowest, kHighest));
-    EXPECT_FALSE(kv::ApplyLayout(window, 0, 0, 0, kLowest, kHighest, memory, nullptr, nullptr, FALSE));
+  for (const auto& [window, given] : {std::pair<HWND, LayoutSlot*>{dialog, nullptr}, {nullptr, slots}}) {
+    EXPECT_FALSE(kv::CaptureLayout(window, given, kLowest, kHighest));
+    EXPECT_FALSE(kv::ApplyLayout(window, 0, 0, 0, kLowest, kHighest, given, nullptr, nullptr, FALSE));
   }
 }
 

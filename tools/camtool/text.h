@@ -7,7 +7,7 @@
 namespace camtool {
 
 // printf's rules, cut at 1,000 characters.
-#ifdef __GNUC__
+#if defined(__GNUC__) && !defined(__clang__)  // which knows other names for the two forms
 __attribute__((format(gnu_printf, 1, 2)))
 #endif
 std::string
