@@ -4,6 +4,7 @@
 // interface of the other folders, which programs may call as well.
 #pragma once
 
+// IWYU pragma: begin_exports
 #include "capture/video_capture.h"
 #include "controls/display_instrument.h"
 #include "controls/instrument_block.h"
@@ -58,3 +59,4 @@
 #include "toolkit/switch_language.h"
 #include "toolkit/track_files.h"
 #include "views3d/mesh_model.h"
+// IWYU pragma: end_exports

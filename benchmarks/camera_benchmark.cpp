@@ -20,8 +20,9 @@
 #include <thread>
 #include <vector>
 
+#include "app/app_context.h"
 #include "app/camera_link.h"
-#include "app/camera_record.h"
+#include "app/camera_point.h"
 #include "app/resource_ids.h"
 #include "tests/e2e/tarnwick_process.h"
 #include "tests/support/serial_line.h"
@@ -124,7 +125,7 @@ int MeasureLatency(int count) {
     delays.push_back((Now() - start) * 1000);
   }
   tool.CloseAndWait();
-  std::sort(delays.begin(), delays.end());
+  std::ranges::sort(delays);
   std::printf("latency of %d records, last byte written to pixel changed: median %.1f ms, worst %.1f ms\n", count,
               delays[delays.size() / 2], delays.back());
   return 0;
@@ -216,7 +217,7 @@ int MeasureStart(int count) {
     pages = MemoryOf(tool.process()).PagefileUsage;
     tool.CloseAndWait();
   }
-  std::sort(times.begin(), times.end());
+  std::ranges::sort(times);
   std::printf("start to first paint: median %lu ms, worst %lu ms; working set %lu KiB, private %lu KiB\n",
               times[times.size() / 2], times.back(), static_cast<unsigned long>(workingSet / 1024),
               static_cast<unsigned long>(pages / 1024));

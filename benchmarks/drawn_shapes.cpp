@@ -16,7 +16,9 @@
 
 #include "controls/instrument_view.h"
 #include "framework/canvas.h"
+#include "framework/coverage.h"
 #include "framework/glyph_outline.h"
+#include "framework/guards.h"
 
 namespace {
 

@@ -33,12 +33,16 @@ def thin():
 
 KINDS = {
     "polygon": polygon,
-    "needle": lambda: [uniform(5, 55), uniform(5, 55), uniform(20, 25), uniform(20, 25), uniform(26, 28), uniform(20, 25)],
+    "needle": lambda: [
+        uniform(5, 55), uniform(5, 55), uniform(20, 25), uniform(20, 25), uniform(26, 28), uniform(20, 25)],
     "disc": lambda: [uniform(20, 40), uniform(20, 40), uniform(0.4, 35)],
-    "ring": lambda: [uniform(25, 35), uniform(25, 35), uniform(5, 15), uniform(16, 28), *sorted((uniform(-180, 0), uniform(1, 180)))],
+    "ring": lambda: [
+        uniform(25, 35), uniform(25, 35), uniform(5, 15), uniform(16, 28),
+        *sorted((uniform(-180, 0), uniform(1, 180)))],
     "line": lambda: [uniform(0, 60), uniform(0, 60), uniform(0, 60), uniform(0, 60), uniform(1, 9)],
     "hairline": thin,
-    "glyph": lambda: [ord(random.choice("NESW0123456789")), uniform(25, 35), uniform(25, 35), uniform(8, 40), uniform(0, 360)],
+    "glyph": lambda: [
+        ord(random.choice("NESW0123456789")), uniform(25, 35), uniform(25, 35), uniform(8, 40), uniform(0, 360)],
 }
 COMMANDS = {"needle": "polygon", "hairline": "line"}
 
@@ -104,7 +108,8 @@ outlines = [[float(c) for c in line.split()] for line in output.splitlines() if 
 pictures = open(picture_path, "rb").read()
 assert len(pictures) == len(shapes) * SIZE * SIZE, output
 
-print(f"{'shape':10}{'pictures':>9}   {'Cairo 16 x: largest':>20}{'mean of edges':>15}   {'Cairo as it is: largest':>24}{'mean':>8}")
+print(f"{'shape':10}{'pictures':>9}   {'Cairo 16 x: largest':>20}{'mean of edges':>15}   "
+      f"{'Cairo as it is: largest':>24}{'mean':>8}")
 worst = 0
 for kind in KINDS:
     fine, plain = [], []
@@ -117,6 +122,7 @@ for kind in KINDS:
             theirs = draw_with_cairo(kind, n, figures, larger)
             differences += [abs(a - b) for a, b in zip(ours, theirs) if 0 < a < 255 or 0 < b < 255]
     worst = max(worst, max(fine))
-    print(f"{kind:10}{EACH:9}   {max(fine):20.2f}{sum(fine) / len(fine):15.3f}   {max(plain):24.2f}{sum(plain) / len(plain):8.3f}")
+    print(f"{kind:10}{EACH:9}   {max(fine):20.2f}{sum(fine) / len(fine):15.3f}   "
+          f"{max(plain):24.2f}{sum(plain) / len(plain):8.3f}")
 print(f"largest difference of all: {worst:.2f} of 255")
 sys.exit(worst > 4)

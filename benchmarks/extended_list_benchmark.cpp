@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <ratio>
 #include <vector>
 
 #include "lists/extended_list.h"
@@ -50,7 +51,7 @@ void Measure(HWND list, const char* what, int redraws, UINT message, WPARAM wPar
     GdiFlush();
     times.push_back(Milliseconds() - start);
   }
-  std::sort(times.begin(), times.end());
+  std::ranges::sort(times);
   std::printf("%-32s %5.1f rows asked for   median %7.3f ms   slowest %7.3f ms\n", what,
               static_cast<double>(rowsAsked) / redraws, times[times.size() / 2], times.back());
 }

@@ -5,8 +5,11 @@
 
 #include <chrono>
 #include <cstdio>
+#include <iterator>
 
 #include "controls/display_instrument.h"
+#include "controls/instrument_block.h"
+#include "framework/control_class.h"
 #include "framework/guards.h"
 #include "framework/picture.h"
 

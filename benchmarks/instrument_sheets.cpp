@@ -9,6 +9,8 @@
 #include <vector>
 
 #include "controls/display_instrument.h"
+#include "controls/instrument_block.h"
+#include "framework/control_class.h"
 #include "framework/guards.h"
 #include "framework/picture.h"
 

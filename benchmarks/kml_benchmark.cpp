@@ -7,6 +7,7 @@
 // Arguments: points of the track (1000000), values compared for each format (4000000).
 #include <windows.h>
 
+#include <algorithm>
 #include <bit>
 #include <chrono>
 #include <cmath>
@@ -20,7 +21,9 @@
 #include <vector>
 
 #include "export/fixed_number.h"
+#include "export/flight_track.h"
 #include "export/kml_export.h"
+#include "export/kml_settings.h"
 #include "export/kml_templates.h"
 
 // MinGW has two families of formatted output; Visual Studio has the run-time's only.

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <random>
+#include <ratio>
 
 #include "views3d/mesh_model.h"
 

@@ -65,8 +65,8 @@ std::vector<Moment> Hear(HANDLE port, size_t count) {
 }
 
 int Compare(const std::vector<Moment>& sent, const std::vector<Moment>& heard) {
-  const bool isSame = std::equal(sent.begin(), sent.end(), heard.begin(), heard.end(),
-                                 [](const Moment& a, const Moment& b) { return a.byte == b.byte; });
+  const bool isSame =
+      std::ranges::equal(sent, heard, [](const Moment& a, const Moment& b) { return a.byte == b.byte; });
   std::printf("%zu bytes sent, %zu heard, %s\n", sent.size(), heard.size(), isSame ? "the same" : "NOT THE SAME");
   if (!isSame) return 1;
   std::vector<double> errorsMs;

@@ -3,7 +3,7 @@ get_target_property(public_headers kv HEADER_SET)
 foreach(header IN LISTS public_headers)
   cmake_path(RELATIVE_PATH header BASE_DIRECTORY ${PROJECT_SOURCE_DIR} OUTPUT_VARIABLE name)
   set(forward ${PROJECT_BINARY_DIR}/forward/kv/${name})
-  file(CONFIGURE OUTPUT ${forward} CONTENT "#include \"@header@\"\n" @ONLY)
+  file(CONFIGURE OUTPUT ${forward} CONTENT "#include \"@header@\"  // IWYU pragma: export\n" @ONLY)
 endforeach()
 file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/forward/kv/framework/version.h
   CONTENT "#include \"@PROJECT_BINARY_DIR@/generated/framework/version.h\"\n" @ONLY)

@@ -6,17 +6,25 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 #include <new>
+#include <string>
 
+#include "controls/instrument_block.h"
 #include "controls/instrument_centre_bar.h"
 #include "controls/instrument_compass.h"
 #include "controls/instrument_digital.h"
 #include "controls/instrument_digits.h"
 #include "controls/instrument_gauge.h"
+#include "controls/instrument_keep.h"
 #include "controls/instrument_record.h"
 #include "controls/instrument_segment_bar.h"
 #include "controls/instrument_text.h"
+#include "controls/instrument_view.h"
 #include "framework/accessible.h"
+#include "framework/canvas.h"
+#include "framework/control_class.h"
+#include "framework/guards.h"
 #include "framework/picture.h"
 #include "framework/window_record.h"
 
@@ -108,7 +116,7 @@ void StoreShownText(InstrumentRecord* record) {
 
 InstrumentFaceKey FaceKeyOf(const InstrumentRecord& record) {
   InstrumentFaceKey key{record.dwStyle, ReadingOf(record.block).valid, {}, record.block};
-  std::transform(std::begin(kFaceColors), std::end(kFaceColors), key.colors, GetSysColor);
+  std::ranges::transform(kFaceColors, key.colors, GetSysColor);
   key.block.current = 0;
   return key;
 }

@@ -2,8 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string>
 
+#include "controls/instrument_block.h"
+#include "controls/instrument_keep.h"
 #include "controls/instrument_text.h"
+#include "controls/instrument_view.h"
+#include "framework/canvas.h"
 #include "framework/painting.h"
 
 namespace kv {
@@ -56,7 +61,8 @@ CentreReading ReadCentreBar(const RECT& area, const InstrumentView& view) {
   result.text = reading.valid ? FixedWidthNumber(reading.value, kValueWidth, view.block.format | kFormatSign)
                               : std::wstring(L"---");
   const int roomWidth = (display.right - display.left - 8) / (static_cast<int>(result.text.size()) + 1);
-  const int roomHeight = static_cast<int>(((display.bottom - display.top) / 2 - kValueGap) / 2.5);
+  const LONG half = (display.bottom - display.top) / 2;
+  const int roomHeight = static_cast<int>((half - kValueGap) / 2.5);
   result.characterWidth = std::max(0, std::min(roomWidth, roomHeight));
   result.height = static_cast<int>(2.5 * result.characterWidth);
   result.textPlace = CentreValueBox(display, result.deviation, result.height);

@@ -1,11 +1,19 @@
 #include "controls/instrument_compass.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <string>
 
+#include "controls/instrument_block.h"
 #include "controls/instrument_dial.h"
+#include "controls/instrument_keep.h"
+#include "controls/instrument_view.h"
 #include "framework/angles.h"
 #include "framework/bounded_format.h"
+#include "framework/canvas.h"
+#include "framework/coverage.h"
+#include "framework/glyph_outline.h"
 #include "framework/painting.h"
 
 namespace kv {

@@ -1,6 +1,9 @@
 #include "controls/instrument_dial.h"
 
 #include <algorithm>
+#include "controls/instrument_view.h"
+#include "framework/canvas.h"
+#include "framework/coverage.h"
 
 namespace kv {
 

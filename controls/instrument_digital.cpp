@@ -1,6 +1,10 @@
 #include "controls/instrument_digital.h"
 
+#include "controls/instrument_block.h"
 #include "controls/instrument_digits.h"
+#include "controls/instrument_keep.h"
+#include "controls/instrument_view.h"
+#include "framework/canvas.h"
 #include "framework/painting.h"
 
 namespace kv {

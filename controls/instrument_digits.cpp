@@ -3,8 +3,12 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <string>
 
 #include "controls/instrument_block.h"
+#include "controls/instrument_keep.h"
+#include "framework/canvas.h"
+#include "framework/coverage.h"
 
 namespace kv {
 

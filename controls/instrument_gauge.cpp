@@ -3,9 +3,15 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <string>
 
+#include "controls/instrument_block.h"
+#include "controls/instrument_dial.h"
 #include "controls/instrument_gauge_layout.h"
+#include "controls/instrument_keep.h"
+#include "controls/instrument_view.h"
 #include "framework/angles.h"
+#include "framework/canvas.h"
 #include "framework/painting.h"
 
 namespace kv {

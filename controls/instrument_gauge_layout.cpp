@@ -2,11 +2,18 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <iterator>
+#include <string>
 #include <utility>
+#include <vector>
 
+#include "controls/instrument_block.h"
+#include "controls/instrument_dial.h"
 #include "controls/instrument_text.h"
 #include "framework/bounded_format.h"
+#include "framework/canvas.h"
+#include "framework/coverage.h"
 
 namespace kv {
 
@@ -199,8 +206,7 @@ bool TakePlaces(const std::vector<GaugeText>& labels, Room* room) {
   for (const GaugeText& label : labels) {
     const RECT ink = InkOf(label.box);
     if (ink.right - ink.left > widest) return false;
-    if (std::any_of(room->taken.begin(), room->taken.end(),
-                    [&](const RECT& other) { return Touch(ink, other, room->gap); })) {
+    if (std::ranges::any_of(room->taken, [&](const RECT& other) { return Touch(ink, other, room->gap); })) {
       return false;
     }
     room->taken.push_back(ink);
@@ -209,7 +215,7 @@ bool TakePlaces(const std::vector<GaugeText>& labels, Room* room) {
 }
 
 std::wstring UnitText(const InstrumentBlock& block, int exponent) {
-  const std::wstring unit = InstrumentUnit(block);
+  std::wstring unit = InstrumentUnit(block);
   if (exponent == 0) return unit;
   wchar_t scaled[32];
   if (exponent == 3) {

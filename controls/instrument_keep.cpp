@@ -1,9 +1,11 @@
 #include "controls/instrument_keep.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <new>
 
 #include "controls/instrument_view.h"
+#include "framework/glyph_outline.h"
 
 namespace kv {
 

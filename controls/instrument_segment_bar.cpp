@@ -3,9 +3,16 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <string>
 
+#include "controls/instrument_block.h"
 #include "controls/instrument_digital.h"
+#include "controls/instrument_keep.h"
 #include "controls/instrument_text.h"
+#include "controls/instrument_view.h"
+#include "framework/canvas.h"
+#include "framework/coverage.h"
+#include "framework/glyph_outline.h"
 #include "framework/painting.h"
 
 namespace kv {

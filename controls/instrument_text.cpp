@@ -4,8 +4,11 @@
 #include <climits>
 #include <cmath>
 #include <cwchar>
+#include <string>
 #include <utility>
+#include <vector>
 
+#include "controls/instrument_block.h"
 #include "framework/bounded_format.h"
 
 namespace kv {
@@ -52,7 +55,7 @@ std::wstring TimeText(const SYSTEMTIME& time, int kind, bool valid) {
 
 // To three digits, with a power of ten if need be.
 std::wstring ShortNumber(double value) {
-  const std::wstring text = Format(L"%.3g", value);
+  std::wstring text = Format(L"%.3g", value);
   const size_t power = text.find(L'e');
   if (power == std::wstring::npos) return text;
   // The run-time writes at least two digits of the power, some three.

@@ -1,7 +1,12 @@
 #include "controls/instrument_view.h"
 
 #include <algorithm>
+#include <string>
 
+#include "controls/instrument_block.h"
+#include "controls/instrument_keep.h"
+#include "framework/canvas.h"
+#include "framework/guards.h"
 #include "framework/painting.h"
 
 namespace kv {

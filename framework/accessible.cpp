@@ -117,7 +117,7 @@ class AccessibleControl final : public IAccessible {
 
   static bool IsSelf(const VARIANT& child) { return child.vt == VT_I4 && child.lVal == CHILDID_SELF; }
 
-  HRESULT Give(const VARIANT& child, std::wstring AccessibleText::*part, BSTR* text) {
+  HRESULT Give(const VARIANT& child, std::wstring AccessibleText::* part, BSTR* text) {
     if (!text) return E_POINTER;
     *text = nullptr;
     if (!IsSelf(child)) return E_INVALIDARG;

@@ -4,8 +4,10 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <span>
 
 #include "framework/angles.h"
+#include "framework/coverage.h"
 #include "framework/picture.h"
 
 namespace kv {

@@ -1,9 +1,13 @@
 #include "framework/glyph_outline.h"
 
+#include <array>
 #include <cmath>
 #include <cstddef>
 
 #include "framework/angles.h"
+#include "framework/canvas.h"
+#include "framework/coverage.h"
+#include "framework/guards.h"
 
 namespace kv {
 

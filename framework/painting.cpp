@@ -96,7 +96,7 @@ BOOL ReplaceBitmapColor(HDC dc, HBITMAP bitmap, COLORREF from, COLORREF to) {
   constexpr DWORD kColorBits = 0x00FFFFFF;
   std::vector<DWORD> pixels(static_cast<size_t>(shape.bmWidth) * shape.bmHeight);
   if (!GetDIBits(dc, bitmap, 0, shape.bmHeight, pixels.data(), &info, DIB_RGB_COLORS)) return FALSE;
-  std::for_each(pixels.begin(), pixels.end(), [&](DWORD& pixel) {
+  std::ranges::for_each(pixels, [&](DWORD& pixel) {
     if ((pixel & kColorBits) == asPixel(from)) pixel = asPixel(to);
   });
   return SetDIBits(dc, bitmap, 0, shape.bmHeight, pixels.data(), &info, DIB_RGB_COLORS) != 0;

@@ -1,6 +1,6 @@
 // Drawing routines that dialogs and controls share. All take a device context and rectangles, know no window, and leave
-// the device context as they found it. Colours are COLORREF 0x00BBGGRR. They keep nothing: any thread, with a device context
-// and windows of its own.
+// the device context as they found it. Colours are COLORREF 0x00BBGGRR. They keep nothing: any thread, with a device
+// context and windows of its own.
 #pragma once
 
 #include <windows.h>

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 #include "framework/guards.h"

@@ -1,6 +1,8 @@
 #include "gallery/command_line.h"
 
+#include "framework/language.h"
 #include "gallery/languages.h"
+#include "gallery/page.h"
 #include "gallery/pages.h"
 
 namespace gallery {

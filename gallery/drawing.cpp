@@ -1,5 +1,8 @@
 #include "gallery/drawing.h"
+#include <string>
+#include <vector>
 
+#include "framework/guards.h"
 #include "framework/painting.h"
 #include "gallery/languages.h"
 

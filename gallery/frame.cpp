@@ -1,6 +1,7 @@
 #include "gallery/frame.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include "framework/control_class.h"
 #include "framework/dialog_layout.h"
@@ -8,7 +9,6 @@
 #include "framework/language.h"
 #include "framework/painting.h"
 #include "framework/picture.h"
-#include "framework/whole_number.h"
 #include "framework/window_position.h"
 #include "gallery/drawing.h"
 #include "gallery/frame_header.h"

@@ -1,4 +1,5 @@
 #include "gallery/frame_menu.h"
+#include <string>
 
 #include "framework/modules.h"
 #include "framework/tool_tips.h"

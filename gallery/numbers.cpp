@@ -1,6 +1,9 @@
 #include "gallery/numbers.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <string>
+#include <vector>
 
 #include "framework/bounded_format.h"
 #include "gallery/languages.h"

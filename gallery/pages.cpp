@@ -2,9 +2,11 @@
 
 #include <array>
 #include <cstring>
+#include <span>
 #include <string>
 
 #include "framework/modules.h"
+#include "gallery/page.h"
 #include "gallery/pages/bitmap_page.h"
 #include "gallery/pages/capture_page.h"
 #include "gallery/pages/chart_page.h"
@@ -19,7 +21,6 @@
 #include "gallery/pages/nmea_page.h"
 #include "gallery/pages/notices_page.h"
 #include "gallery/pages/overview_page.h"
-#include "gallery/resource_ids.h"
 
 namespace gallery {
 

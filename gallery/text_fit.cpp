@@ -1,6 +1,7 @@
 #include "gallery/text_fit.h"
 
 #include <commctrl.h>
+#include <string>
 
 #include "framework/control_kind.h"
 #include "framework/guards.h"

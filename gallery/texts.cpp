@@ -1,4 +1,5 @@
 #include "gallery/texts.h"
+#include <string>
 
 #include "framework/bounded_format.h"
 #include "framework/modules.h"

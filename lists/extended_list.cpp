@@ -2,6 +2,7 @@
 
 #include <oleacc.h>
 
+#include <string>
 #include <utility>
 
 #include "framework/accessible.h"

@@ -7,6 +7,7 @@
 #include "framework/accessible.h"
 #include "framework/control_class.h"
 #include "framework/picture.h"
+#include "lists/extended_list.h"
 #include "lists/extended_list_layout.h"
 #include "lists/extended_list_record.h"
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <ranges>
 
 #include "controls/display_instrument.h"
 #include "controls/line_recorder.h"
@@ -23,11 +24,11 @@ constexpr Registration kRegistrations[] = {
 
 BOOL RegisterAllClasses(HINSTANCE instance, BOOL registerThem) {
   if (!registerThem) {
-    for (auto each = std::rbegin(kRegistrations); each != std::rend(kRegistrations); ++each) (*each)(instance, FALSE);
+    for (const Registration each : std::views::reverse(kRegistrations)) each(instance, FALSE);
     return TRUE;
   }
-  const auto refused = std::find_if_not(std::begin(kRegistrations), std::end(kRegistrations),
-                                        [&](Registration each) { return each(instance, TRUE); });
+  const auto refused =
+      std::ranges::find_if_not(kRegistrations, [&](Registration each) { return each(instance, TRUE); });
   if (refused == std::end(kRegistrations)) return TRUE;
   std::for_each(std::begin(kRegistrations), refused, [&](Registration each) { each(instance, FALSE); });
   return FALSE;

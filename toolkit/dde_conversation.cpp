@@ -1,6 +1,8 @@
 #include "toolkit/dde_conversation.h"
 
 #include <cstring>
+#include <string>
+#include "export/dde_client.h"
 
 namespace kv {
 

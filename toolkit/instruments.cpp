@@ -4,8 +4,11 @@
 #include <cmath>
 #include <cstring>
 #include <iterator>
+#include <span>
 
 #include "controls/display_instrument.h"
+#include "controls/instrument_block.h"
+#include "framework/control_class.h"
 #include "framework/file_path.h"
 
 namespace kv {

@@ -1,9 +1,13 @@
 #include "toolkit/list_columns.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <span>
+#include <string>
 
 #include "framework/guards.h"
 #include "framework/painting.h"
+#include "lists/extended_list.h"
 #include "lists/list_navigation.h"
 
 namespace kv {

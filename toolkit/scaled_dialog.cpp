@@ -1,12 +1,15 @@
 #include "toolkit/scaled_dialog.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
+#include <vector>
 
-#include "framework/control_class.h"
 #include "framework/dialog.h"
+#include "framework/dialog_layout.h"
+#include "framework/guards.h"
 #include "framework/modules.h"
-#include "framework/painting.h"
+#include "framework/tool_tips.h"
 #include "framework/window_position.h"
 #include "lists/extended_list.h"
 #include "toolkit/dialog_record.h"
@@ -218,7 +221,8 @@ INT_PTR CALLBACK ScaledDialogProcedure(HWND dialog, UINT message, WPARAM wParam,
   if (message == WM_SIZE && wParam != SIZE_MINIMIZED) PlaceControls(dialog, *record);
   if (message == WM_DESTROY) OnDestroy(dialog, *record);
   const INT_PTR result = AskProcedure(dialog, *record, message, wParam, lParam);
-  if (result || !(record = DialogRecordOf(dialog))) return result;
+  record = DialogRecordOf(dialog);
+  if (result || !record) return result;
   return HandleTheRest(dialog, *record, message, wParam, lParam);
 }
 

@@ -1,6 +1,9 @@
 #include "toolkit/switch_language.h"
+#include <string>
 
 #include "framework/dialog_texts.h"
+#include "framework/file_path.h"
+#include "framework/language.h"
 #include "framework/modules.h"
 #include "toolkit/dialog_record.h"
 

@@ -1,6 +1,9 @@
 #include "toolkit/track_files.h"
+#include <span>
 
+#include "export/flight_track.h"
 #include "export/kml_export.h"
+#include "export/kml_settings.h"
 #include "framework/file_path.h"
 
 namespace kv {

@@ -22,7 +22,8 @@ TEXT = r'"((?:[^"\\]|\\.|"")*)"'
 STRING = re.compile(r"^\s*(IDS_[\w +*]+?|TEXT_OF\([\w +]+\))\s*,?\s*" + TEXT)
 MENU = re.compile(r"^\s*(?:POPUP|MENUITEM)\s+" + TEXT + r"\s*,\s*(IDM_\w+)")
 CONTROL = re.compile(
-    r"^\s*(?:[LCR]TEXT|\w*PUSHBUTTON|GROUPBOX|AUTO\w+|CHECKBOX|RADIOBUTTON|STATE3|CONTROL)\s+" + TEXT + r"\s*,\s*(IDC_\w+(?: \+ \d+)?)"
+    r"^\s*(?:[LCR]TEXT|\w*PUSHBUTTON|GROUPBOX|AUTO\w+|CHECKBOX|RADIOBUTTON|STATE3|CONTROL)\s+"
+    + TEXT + r"\s*,\s*(IDC_\w+(?: \+ \d+)?)"
 )
 VALUE = re.compile(r"%[-+ #0-9.]*(?:l?[duxf]|[sc])")
 
@@ -64,8 +65,8 @@ HELP_MENU = ("IDM_GALLERY_HELP", "IDM_GALLERY_ABOUT")
 
 
 def key_places(name):
-    """The places in which the key of a text must be the only one of its kind: a page (its controls are IDC_PAGE_NAME, and
-    texts that its controls are given IDS_PAGE_NAME), the menu bar, which is there with every page, or a menu."""
+    """The places in which the key of a text must be the only one of its kind: a page (its controls are IDC_PAGE_NAME,
+    and texts that its controls are given IDS_PAGE_NAME), the menu bar, which is there with every page, or a menu."""
     if re.match(r"TEXT_OF\(IDM_\w+_MENU\)", name):
         return "menu bar"
     if match := re.match(r"TEXT_OF\((IDM_\w+)\)", name):
@@ -93,7 +94,8 @@ def check_english(english, all_texts, errors):
     """A text that most languages have in the same words as English was not translated; names like x1 are."""
     for name, text in english.items():
         words = re.findall(r"[^\W\d_]{3,}", VALUE.sub("", text.replace("&", "").replace("\\n", " ")))
-        same = [code for code, texts in all_texts.items() if texts.get(name, "").replace("&", "") == text.replace("&", "")]
+        plain = text.replace("&", "")
+        same = [code for code, texts in all_texts.items() if texts.get(name, "").replace("&", "") == plain]
         if words and len(same) > len(all_texts) / 2:
             errors.append(f"{name} is English in {', '.join(same)}: {text}")
 

@@ -53,6 +53,8 @@ def refreshed(found: re.Match) -> str:
     source, example = found.groups()
     head = next(line for line in example.splitlines() if not line.startswith("//"))
     lines = (ROOT / source).read_text(encoding="utf-8").splitlines()
+    if head not in lines:
+        sys.exit(f"{source} has no function that begins with {head!r}; give its page the first line it has now")
     first = lines.index(head)
     last = lines.index("}", first)
     while lines[first - 1].startswith("//"):

@@ -26,8 +26,8 @@ MAY_INCLUDE["app"] = LIBRARY
 MAY_INCLUDE["gallery"] = LIBRARY | {"toolkit", "kv.h", "app"}
 MAY_INCLUDE["tools"] = LIBRARY | {"app"}
 
-# Marks of unfinished work, invented history, and machines or papers that a reader of this tree does not have. Written in
-# pieces, so that this file does not find itself.
+# Marks of unfinished work, invented history, and machines or papers that a reader of this tree does not have. Written
+# in pieces, so that this file does not find itself.
 WORDS = re.compile("|".join([
     r"\bTO" r"DO\b", r"\bFIX" r"ME\b", r"\bX" r"XX\b", r"\bHA" r"CK\b",
     r"\bolder " r"builds?\b", r"\bfor the day " r"when\b",

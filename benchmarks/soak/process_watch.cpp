@@ -83,7 +83,7 @@ void PrintWatch(const ProcessWatch& watch) {
   const auto kib = [](const Sample& sample) { return static_cast<unsigned long>(sample.privateBytes / 1024); };
   std::printf("  private memory                start %lu, middle %lu, end %lu KiB\n", kib(first), kib(middle),
               kib(last));
-  const auto row = [&](const char* name, DWORD Sample::*field) {
+  const auto row = [&](const char* name, DWORD Sample::* field) {
     if (first.*field == 0 && last.*field == 0) {
       std::printf("  %-30s not told by this system\n", name);
     } else {

@@ -153,7 +153,7 @@ void ChangeSettings(std::mt19937* random) {
   }
   const char* text = kTexts[Below(random, static_cast<int>(std::size(kTexts)))];
   RegSetValueExA(key, "Tarnwick.Main", 0, REG_SZ, reinterpret_cast<const BYTE*>(text),
-                 static_cast<DWORD>(std::strlen(text) + 1));
+                 static_cast<DWORD>(std::strlen(text)) + 1);
   RegCloseKey(key);
 }
 

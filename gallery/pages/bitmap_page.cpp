@@ -2,6 +2,7 @@
 
 #include <iterator>
 #include <string>
+#include <vector>
 
 #include "controls/simple_bitmap.h"
 #include "framework/bounded_format.h"

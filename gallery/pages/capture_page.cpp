@@ -14,6 +14,7 @@
 #include "gallery/numbers.h"
 #include "gallery/page.h"
 #include "gallery/pages/capture_ids.h"
+#include "gallery/resource_ids.h"
 #include "gallery/texts.h"
 
 namespace gallery {

@@ -2,12 +2,14 @@
 
 #include <cmath>
 
+#include "app/camera_point.h"
 #include "app/optical_flow_chart.h"
 #include "framework/bounded_format.h"
 #include "framework/control_class.h"
 #include "framework/whole_number.h"
 #include "gallery/page.h"
 #include "gallery/pages/chart_ids.h"
+#include "gallery/resource_ids.h"
 #include "gallery/texts.h"
 
 namespace gallery {

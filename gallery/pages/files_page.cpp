@@ -5,6 +5,7 @@
 #include <string>
 
 #include "framework/file_dialog.h"
+#include "framework/file_path.h"
 #include "gallery/page.h"
 #include "gallery/pages/files_ids.h"
 #include "gallery/pages/notes_file.h"

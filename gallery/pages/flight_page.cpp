@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "export/flight_track.h"
@@ -10,6 +12,7 @@
 #include "export/kml_export.h"
 #include "framework/angles.h"
 #include "framework/bounded_format.h"
+#include "framework/control_class.h"
 #include "framework/guards.h"
 #include "framework/painting.h"
 #include "framework/shell_launch.h"
@@ -19,6 +22,7 @@
 #include "gallery/numbers.h"
 #include "gallery/page.h"
 #include "gallery/pages/flight_ids.h"
+#include "gallery/resource_ids.h"
 #include "gallery/texts.h"
 
 namespace gallery {

@@ -5,7 +5,9 @@
 #include <string>
 
 #include "controls/display_instrument.h"
+#include "controls/instrument_block.h"
 #include "framework/angles.h"
+#include "framework/control_class.h"
 #include "gallery/page.h"
 #include "gallery/pages/instruments_ids.h"
 #include "gallery/texts.h"

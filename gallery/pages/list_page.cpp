@@ -14,6 +14,7 @@
 #include "gallery/numbers.h"
 #include "gallery/page.h"
 #include "gallery/pages/list_ids.h"
+#include "gallery/resource_ids.h"
 #include "gallery/texts.h"
 #include "lists/extended_list.h"
 #include "lists/list_navigation.h"

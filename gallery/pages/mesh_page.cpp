@@ -5,6 +5,7 @@
 #include "gallery/page.h"
 #include "gallery/pages/mesh_ids.h"
 #include "gallery/pages/mesh_view.h"
+#include "gallery/resource_ids.h"
 #include "gallery/texts.h"
 
 namespace gallery {

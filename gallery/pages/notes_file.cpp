@@ -1,4 +1,7 @@
 #include "gallery/pages/notes_file.h"
+#include <cstddef>
+#include <string>
+#include <string_view>
 
 namespace gallery {
 

@@ -72,7 +72,7 @@ std::wstring DeviceName(const DEV_BROADCAST_HDR* record) {
   const size_t size = record->dbch_size - kNameAt;
   if (name[1] == '\0') {
     std::wstring text(reinterpret_cast<const wchar_t*>(name), size / sizeof(wchar_t));
-    return text.c_str();
+    return text.substr(0, text.find(L'\0'));
   }
   std::wstring text;
   for (size_t i = 0; i < size && name[i]; ++i) text += static_cast<unsigned char>(name[i]);

@@ -1,4 +1,5 @@
 #include "gallery/pages/overview_page.h"
+#include <cstddef>
 
 #include "framework/picture.h"
 #include "gallery/drawing.h"
@@ -6,6 +7,7 @@
 #include "gallery/page.h"
 #include "gallery/pages.h"
 #include "gallery/pages/overview_ids.h"
+#include "gallery/resource_ids.h"
 #include "gallery/texts.h"
 
 namespace gallery {

@@ -10,11 +10,11 @@ import cairo
 
 # Importing them registers their icons: this is the order of the strip.
 # isort: off
-import icons_record
-import icons_link
-import icons_measure
-import icons_view
-import icons_system
+import icons_record  # noqa: F401  (it registers its icons)
+import icons_link  # noqa: F401  (it registers its icons)
+import icons_measure  # noqa: F401  (it registers its icons)
+import icons_view  # noqa: F401  (it registers its icons)
+import icons_system  # noqa: F401  (it registers its icons)
 
 # isort: on
 import marks

@@ -5,8 +5,8 @@ import cairo
 from palette import INK, POINTS, WHITE
 from pen import Pen, arc, around, circle, line, polygon, rect
 
-# The digits' pixels. A chart of ordinary size keeps little more than every other row and column of a marker, the smallest
-# one a third: hence digits of this height with strokes of three.
+# The digits' pixels. A chart of ordinary size keeps little more than every other row and column of a marker, the
+# smallest one a third: hence digits of this height with strokes of three.
 DIGITS = (
     (
         "...###...",

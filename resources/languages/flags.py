@@ -200,8 +200,8 @@ def main():
     # As plain numbers: not every resource compiler takes a sum for a name.
     header = (here.parents[1] / "gallery" / "resource_ids.h").read_text()
     first = int(re.search(r"#define IDB_LANGUAGE_FIRST (\d+)", header).group(1))
-    script = ("// The language menu's images, IDB_LANGUAGE_FIRST and on by language index: plain ones, then checked ones. Written\n"
-              "// by flags.py.\n")
+    script = ("// The language menu's images, IDB_LANGUAGE_FIRST and on by language index: plain ones, then checked\n"
+              "// ones. Written by flags.py.\n")
     for ending, offset in (("", 0), ("_checked", len(ORDER))):
         for index, name in enumerate(ORDER):
             script += f'{first + offset + index} BITMAP "resources/languages/flags/{name}{ending}.bmp"\n'

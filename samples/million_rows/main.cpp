@@ -1,6 +1,7 @@
 // A million rows in a dialog that scales: keys and wheel, one selected row, a header whose click sorts.
 #include <algorithm>
 #include <random>
+#include <string>
 #include <vector>
 
 #include <kv/kv.h>
@@ -35,7 +36,7 @@ std::wstring Cell(UINT row, int column) {
 
 void SortByClick(HWND list) {
   sorting = kv::NextSorting(sorting, kv::ClickedListColumn(list, kColumns));
-  std::stable_sort(readings.begin(), readings.end(), [](const Reading& a, const Reading& b) {
+  std::ranges::stable_sort(readings, [](const Reading& a, const Reading& b) {
     const double first = a.values[sorting.column], second = b.values[sorting.column];
     return sorting.descending ? second < first : first < second;
   });

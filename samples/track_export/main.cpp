@@ -1,5 +1,6 @@
 // A flight, exported three ways: as a KML document, as waypoints text, and over DDE into a running spreadsheet program.
 #include <cmath>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -13,7 +14,7 @@ std::vector<kv::FlightTrackPoint> MakeFlight() {
   std::vector<kv::FlightTrackPoint> points;
   for (int i = 0; i < 180; ++i) {
     const double x = 400 * std::sin(i / 28.6), y = -400 * std::cos(i / 28.6);
-    points.push_back({.dX = x, .dY = y, .dAltitude = 20.0 + i / 10, .bKind = kv::kPointLocal});
+    points.push_back({.dX = x, .dY = y, .dAltitude = 20 + std::floor(i / 10.0), .bKind = kv::kPointLocal});
   }
   return points;
 }
@@ -32,7 +33,7 @@ std::wstring PathOf(HWND dialog, const wchar_t* name) {
   return path + (path.ends_with(L'\\') ? L"" : L"\\") + name;
 }
 
-void SaveAs(HWND dialog, const wchar_t* name, BOOL write(const wchar_t* path)) {
+void SaveAs(HWND dialog, const wchar_t* name, BOOL write(const wchar_t*)) {
   const std::wstring path = PathOf(dialog, name);
   Say(dialog, (write(path.c_str()) ? L"Written: " : L"This file could not be written: ") + path);
 }

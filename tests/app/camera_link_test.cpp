@@ -3,9 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
+#include <cstddef>
 #include <string>
 #include <thread>
+#include <utility>
 
+#include "app/camera_point.h"
 #include "app/camera_record.h"
 #include "tests/support/replaced_import.h"
 #include "tests/support/serial_line.h"

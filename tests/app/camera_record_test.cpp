@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include "app/camera_point.h"
 
 namespace kv {
 namespace {

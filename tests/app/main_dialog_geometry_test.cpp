@@ -1,6 +1,7 @@
 #include "app/main_dialog_geometry.h"
 
 #include <gtest/gtest.h>
+#include <array>
 
 namespace kv {
 namespace {

@@ -6,7 +6,7 @@
 #include <set>
 #include <string>
 
-#include "app/main_dialog_geometry.h"
+#include "app/app_context.h"
 #include "app/optical_flow_chart.h"
 #include "app/resource_ids.h"
 #include "framework/control_class.h"

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <random>
 
+#include "app/camera_point.h"
 #include "framework/control_class.h"
 #include "tests/support/accessible_text.h"
 #include "tests/support/message_storm.h"

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
 
+#include "app/camera_point.h"
 #include "tools/camtool/paths.h"
 
 namespace camtool {
@@ -28,7 +31,7 @@ TEST(SimulatedPaths, StaySmoothInsideTheFieldAndComeBack) {
       }
     }
     ASSERT_GE(shown, 2);
-    std::copy(std::begin(points), std::end(points), last);
+    std::ranges::copy(points, last);
   }
   for (int i = 0; i < kv::kPointCount; ++i) EXPECT_TRUE(hidden[i] && seen[i]) << i;
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <string>
 #include <tuple>
@@ -213,8 +214,8 @@ TEST_F(VideoCapture, RecordsUntilStopped) {
 
   // Each step that fails ends it.
   camera().captureFile[0] = '\0';
-  for (BOOL fakecamera::State::*step : {&fakecamera::State::refusesSequenceSetup,
-                                        &fakecamera::State::refusesCaptureFile, &fakecamera::State::refusesSequence}) {
+  for (BOOL fakecamera::State::* step : {&fakecamera::State::refusesSequenceSetup,
+                                         &fakecamera::State::refusesCaptureFile, &fakecamera::State::refusesSequence}) {
     camera().*step = TRUE;
     EXPECT_EQ(0, RecordVideo(link, "a.avi", TRUE));
     EXPECT_EQ(step == &fakecamera::State::refusesSequence, camera().captureFile[0] == 'a');

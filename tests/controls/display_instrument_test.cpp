@@ -11,10 +11,13 @@
 #include <tuple>
 #include <utility>
 
-#include "framework/painting.h"
+#include "controls/instrument_block.h"
+#include "framework/control_class.h"
+#include "framework/guards.h"
 #include "tests/controls/instrument_test.h"
 #include "tests/support/accessible_text.h"
 #include "tests/support/message_storm.h"
+#include "tests/support/test_window.h"
 
 namespace kv {
 namespace {

@@ -1,14 +1,17 @@
 // Number text, block arithmetic and the geometry of the display instrument's layouts: no window needed.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
 #include <set>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
+#include "controls/instrument_block.h"
 #include "controls/instrument_centre_bar.h"
 #include "controls/instrument_compass.h"
 #include "controls/instrument_dial.h"

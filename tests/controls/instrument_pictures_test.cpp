@@ -1,6 +1,7 @@
 // The display instrument's pictures: that they show what they are to show, and nothing of what was before.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <barrier>
 #include <cmath>
 #include <cstdlib>
@@ -9,7 +10,11 @@
 #include <utility>
 #include <vector>
 
+#include "controls/display_instrument.h"
+#include "controls/instrument_block.h"
 #include "controls/instrument_keep.h"
+#include "framework/control_class.h"
+#include "framework/guards.h"
 #include "framework/painting.h"
 #include "tests/controls/instrument_test.h"
 

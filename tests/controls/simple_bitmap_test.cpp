@@ -7,14 +7,17 @@
 #include <functional>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "framework/click_through.h"
+#include "framework/control_kind.h"
 #include "framework/guards.h"
 #include "tests/support/accessible_text.h"
 #include "tests/support/control_test.h"
 #include "tests/support/message_storm.h"
 #include "tests/support/scarce_objects.h"
+#include "tests/support/test_window.h"
 
 namespace kv {
 namespace {
@@ -113,7 +116,7 @@ TEST_F(SimpleBitmap, SettingTheTextLoadsAndPaintsButKeepsTheStoredText) {
   // 256 characters are a whole name, even without an end; this one is the number 0145.
   kvtest::GuardedBytes cutOff(8), unended(256);
   std::memset(cutOff.data(), '1', 8);
-  std::memset(unended.data(), '0', 256);
+  std::memset(unended.data(), '0', 256);  // NOLINT(bugprone-suspicious-memset-usage): the digit is meant
   std::memcpy(unended.as<char>() + 253, "145", 3);
   EXPECT_EQ(0, SetText(control, nullptr));
   EXPECT_EQ(0, SetText(control, cutOff.data()));

@@ -3,9 +3,12 @@
 #include <windows.h>
 
 #include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <string>
 #include <thread>
 
-#include "app/camera_record.h"
+#include "app/camera_point.h"
 #include "app/resource_ids.h"
 #include "tests/e2e/tarnwick_process.h"
 #include "tests/support/serial_line.h"

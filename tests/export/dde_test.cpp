@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <ios>
 #include <iterator>
 #include <memory>
 #include <string>
@@ -391,7 +392,7 @@ TEST(DecimalPoint, OnlyTheFirstBecomesAComma) {
     return std::string(bytes.as<char>(), strnlen(bytes.as<char>(), 7));
   };
   EXPECT_EQ("12,5.3", converted("12.5.3"));
-  EXPECT_EQ("125", converted("125\0\0\0"));
+  EXPECT_EQ("125", converted("125\0\0\0"));    // NOLINT(bugprone-string-literal-with-embedded-nul)
   EXPECT_EQ("1.25000", converted("1.25000"));  // no terminator before the page ends
   memcpy(bytes.data(), "1.2500", 7);
   bytes.MakeReadOnly();

@@ -5,13 +5,14 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <numbers>
 
 #include "tests/support/test_window.h"
 
 namespace kv {
 namespace {
 
-constexpr double kRadian = 3.141592653589793 / 180;
+constexpr double kRadian = std::numbers::pi / 180;
 
 // The earth-centred x, y, z of a place.
 std::array<double, 3> CentredFrom(double latitude, double longitude, double height) {

@@ -4,18 +4,24 @@
 #include <windows.h>
 
 #include <cmath>
+#include <cstddef>
+#include <cwchar>
 #include <filesystem>
 #include <fstream>
+#include <ios>
 #include <iterator>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "export/flight_track.h"
 #include "export/flight_track_view.h"
+#include "export/kml_settings.h"
 #include "export/kml_templates.h"
 #include "export/text_file.h"
 #include "framework/bounded_format.h"
+#include "framework/control_class.h"
 #include "framework/guards.h"
 #include "framework/painting.h"
 #include "framework/shell_launch.h"

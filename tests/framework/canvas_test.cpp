@@ -10,7 +10,9 @@
 #include <memory>
 #include <vector>
 
+#include "framework/coverage.h"
 #include "framework/glyph_outline.h"
+#include "framework/guards.h"
 #include "framework/painting.h"
 
 namespace kv {

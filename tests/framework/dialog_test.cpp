@@ -4,12 +4,12 @@
 
 #include <commctrl.h>
 
+#include <climits>
 #include <string>
 #include <vector>
 
 #include "framework/dialog_texts.h"
 #include "framework/guards.h"
-#include "framework/painting.h"
 #include "tests/support/scarce_objects.h"
 #include "tests/support/test_window.h"
 

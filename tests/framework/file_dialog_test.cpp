@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "framework/file_path.h"
 #include "tests/support/test_window.h"
 
 namespace kv {
@@ -35,9 +36,9 @@ class User {
   using Answer = std::function<void(HWND dialog)>;
 
   explicit User(std::vector<Answer> answers)
-      : thread_([answers] {
+      : thread_([given = std::move(answers)] {
           HWND window = nullptr;
-          for (const Answer& answer : answers) {
+          for (const Answer& answer : given) {
             const HWND previous = window;
             const bool came =
                 kvtest::WaitUntil([&] { return (window = Find(previous)) != nullptr; }, std::chrono::seconds(10));
@@ -147,7 +148,7 @@ TEST(FilterText, IsPairsWithADoubleZeroAtTheEnd) {
       {L".kml", L"kml files (*.kml)|*.kml|All files (*.*)|*.*||"}, {L"", L" files (*)|*|All files (*.*)|*.*||"}};
   for (const auto& [extension, expected] : filters) {
     std::wstring text(BuildFilterText(extension).text, expected.size());
-    std::replace(text.begin(), text.end(), L'\0', L'|');
+    std::ranges::replace(text, L'\0', L'|');
     EXPECT_EQ(expected, text);
   }
 

@@ -1,6 +1,7 @@
 #include "framework/guards.h"
 
 #include <gtest/gtest.h>
+#include <utility>
 
 #include "framework/window_record.h"
 #include "tests/support/test_window.h"
@@ -17,7 +18,7 @@ TEST(Guards, ObjectsAreDeselectedAndThenDeletedUnlessReleased) {
     const SelectedObject selected(picture.dc(), owned);
     EXPECT_EQ(static_cast<HGDIOBJ>(pen), GetCurrentObject(picture.dc(), OBJ_PEN));
     OwnedPen moved(std::move(released));
-    EXPECT_EQ(nullptr, static_cast<HPEN>(released));
+    EXPECT_EQ(nullptr, static_cast<HPEN>(released));  // NOLINT(bugprone-use-after-move): what a move leaves behind
     moved.Release();
   }
   EXPECT_EQ(before, GetCurrentObject(picture.dc(), OBJ_PEN));
@@ -28,7 +29,9 @@ TEST(Guards, ObjectsAreDeselectedAndThenDeletedUnlessReleased) {
 TEST(Guards, PaintingValidatesAndKeysAreOpenedOnlyWhereTheyExist) {
   const kvtest::RecordingParent parent(true);
   InvalidateRect(parent, nullptr, TRUE);
-  { const PaintScope paint(parent); }
+  {
+    const PaintScope paint(parent);
+  }
   EXPECT_FALSE(GetUpdateRect(parent, nullptr, FALSE));
 
   constexpr char kKey[] = "Software\\korvel\\GuardTest";

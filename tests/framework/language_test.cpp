@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "framework/file_path.h"
 #include "framework/guards.h"
 #include "framework/help.h"
 #include "tests/support/test_window.h"

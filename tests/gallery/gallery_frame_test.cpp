@@ -7,10 +7,12 @@
 #include <shellapi.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
 #include <vector>
 
 #include "controls/display_instrument.h"
+#include "controls/instrument_block.h"
 #include "framework/control_class.h"
 #include "framework/language.h"
 #include "framework/modules.h"
@@ -24,7 +26,6 @@
 #include "gallery/keyboard.h"
 #include "gallery/languages.h"
 #include "gallery/numbers.h"
-#include "gallery/page.h"
 #include "gallery/pages.h"
 #include "gallery/pages/bitmap_ids.h"
 #include "gallery/pages/dde_ids.h"
@@ -38,6 +39,7 @@
 #include "gallery/pages/overview_ids.h"
 #include "gallery/resource_ids.h"
 #include "gallery/text_fit.h"
+#include "lists/extended_list.h"
 #include "lists/list_navigation.h"
 #include "tests/support/test_window.h"
 
@@ -181,7 +183,7 @@ TEST_F(GalleryFrame, TabGoesOnceRoundEveryPageAndBack) {
         visited.push_back(GetFocus());
       }
       EXPECT_EQ(expected, visited) << AllPages()[i].name;
-      std::reverse(expected.begin(), expected.end());
+      std::ranges::reverse(expected);
     }
   }
 }

@@ -3,10 +3,9 @@
 #include <filesystem>
 #include <string>
 
-#include "framework/language.h"
 #include "gallery/pages/language_ids.h"
+#include "gallery/resource_ids.h"
 #include "tests/gallery/running_gallery.h"
-#include "tests/support/test_window.h"
 
 namespace {
 

@@ -1,4 +1,9 @@
 #include "tests/gallery/running_gallery.h"
+#include <chrono>
+#include <filesystem>
+#include <initializer_list>
+#include <string>
+#include <system_error>
 
 #include "framework/file_path.h"
 #include "tests/support/test_window.h"

@@ -14,6 +14,7 @@
 #include "tests/support/control_test.h"
 #include "tests/support/message_storm.h"
 #include "tests/support/scarce_objects.h"
+#include "tests/support/test_window.h"
 
 namespace kv {
 namespace {

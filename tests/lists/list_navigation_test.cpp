@@ -4,10 +4,13 @@
 
 #include <random>
 #include <tuple>
+#include <utility>
 #include <vector>
 
+#include "lists/extended_list.h"
 #include "tests/support/control_test.h"
 #include "tests/support/message_storm.h"
+#include "tests/support/test_window.h"
 
 namespace kv {
 namespace {

@@ -3,14 +3,13 @@
 #include <windows.h>
 
 #include <chrono>
+#include <cstddef>
 #include <filesystem>
 #include <set>
 #include <string>
 
 #include "framework/file_path.h"
 #include "framework/guards.h"
-#include "framework/picture.h"
-#include "lists/list_navigation.h"
 #include "samples/instrument_panel/ids.h"
 #include "tests/support/test_window.h"
 #include "toolkit/dde_conversation.h"

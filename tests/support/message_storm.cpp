@@ -4,7 +4,9 @@
 #include <psapi.h>
 
 #include <cstdlib>
+#include <iterator>
 #include <random>
+#include <vector>
 
 #include "tests/support/test_window.h"
 

@@ -3,8 +3,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 
 #include "app/camera_link.h"
+#include "app/camera_point.h"
 #include "app/camera_record.h"
 
 namespace kvtest {

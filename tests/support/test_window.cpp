@@ -1,7 +1,10 @@
 #include "tests/support/test_window.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cstdint>
 #include <cstring>
+#include <functional>
 
 namespace kvtest {
 

@@ -3,12 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
+#include <string>
 #include <tuple>
 
 #include "controls/display_instrument.h"
+#include "controls/instrument_block.h"
 #include "controls/instrument_text.h"
 #include "framework/bounded_format.h"
+#include "framework/control_class.h"
 #include "tests/support/control_test.h"
+#include "tests/support/test_window.h"
 
 namespace kv {
 namespace {

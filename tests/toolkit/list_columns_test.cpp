@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
+#include "lists/extended_list.h"
 #include "lists/list_navigation.h"
 #include "tests/support/control_test.h"
+#include "tests/support/test_window.h"
 
 namespace kv {
 namespace {

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include "export/flight_track.h"
 
 namespace kv {
 namespace {

@@ -6,7 +6,11 @@
 #include <array>
 #include <climits>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <numbers>
 #include <random>
+#include <utility>
 #include <vector>
 
 #include "tests/support/test_window.h"
@@ -164,7 +168,7 @@ TEST(MeshSetView, NormalisesTheFlaggedAngles) {
 
 // Turns the first of two coordinates towards the second.
 void Turn(double degrees, double* from, double* towards) {
-  const double angle = degrees * 3.14159265358979323846 / 180, before = *from;
+  const double angle = degrees * std::numbers::pi / 180, before = *from;
   *from = before * std::cos(angle) - *towards * std::sin(angle);
   *towards = before * std::sin(angle) + *towards * std::cos(angle);
 }

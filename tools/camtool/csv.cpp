@@ -66,7 +66,7 @@ bool ReadRow(const std::vector<std::string_view>& columns, bool hasTimes, PathRo
     *error = "\"" + std::string(columns[0]) + "\" is no time in seconds";
     return false;
   }
-  std::fill(std::begin(row->points), std::end(row->points), kv::CameraPoint{kv::kNoPoint, kv::kNoPoint});
+  std::ranges::fill(row->points, kv::CameraPoint{kv::kNoPoint, kv::kNoPoint});
   for (size_t i = hasTimes; i < columns.size(); ++i) {
     kv::CameraPoint& point = row->points[(i - hasTimes) / 2];
     if (!ReadCoordinate(columns[i], (i - hasTimes) % 2 ? &point.y : &point.x, error)) return false;

@@ -1,6 +1,7 @@
 #include "tools/fake_camera/fake_camera.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <vector>
@@ -204,11 +205,11 @@ HWND WINAPI capCreateCaptureWindowW(LPCWSTR name, DWORD style, int x, int y, int
                          windowClass.hInstance, nullptr);
 }
 
-BOOL WINAPI capGetDriverDescriptionA(UINT driver, LPSTR name, int nameRoom, LPSTR version, int versionRoom) {
-  if (driver > 31 || !(camera.presentDrivers >> driver & 1)) return FALSE;
-  const bool nameless = camera.namelessDrivers >> driver & 1;
-  lstrcpynA(name, nameless ? "" : "Colour bars", nameRoom);
-  lstrcpynA(version, "1.0", versionRoom);
+BOOL WINAPI capGetDriverDescriptionA(UINT wDriverIndex, LPSTR lpszName, int cbName, LPSTR lpszVer, int cbVer) {
+  if (wDriverIndex > 31 || !(camera.presentDrivers >> wDriverIndex & 1)) return FALSE;
+  const bool nameless = camera.namelessDrivers >> wDriverIndex & 1;
+  lstrcpynA(lpszName, nameless ? "" : "Colour bars", cbName);
+  lstrcpynA(lpszVer, "1.0", cbVer);
   return TRUE;
 }
 

@@ -1,6 +1,7 @@
 #include "tools/fake_camera/fake_picture.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace fakecamera {
 

@@ -1,6 +1,8 @@
 #include "tools/uidriver/driver.h"
 
 #include <commctrl.h>
+#include <array>
+#include <string>
 
 #include "app/resource_ids.h"
 

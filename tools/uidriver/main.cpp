@@ -5,8 +5,10 @@
 //   uidriver close     closes the window as its close box does, and waits until it is gone
 #include <windows.h>
 
+#include <array>
 #include <cstdio>
 #include <cstring>
+#include <string>
 
 #include "app/resource_ids.h"
 #include "tools/uidriver/driver.h"
