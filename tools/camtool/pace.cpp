@@ -23,4 +23,11 @@ bool WaitUntil(double time, HANDLE stop) {
   return WaitForSingleObject(stop, static_cast<DWORD>(std::lround(leftMs))) != WAIT_OBJECT_0;
 }
 
+bool WaitExactlyUntil(double time, HANDLE stop) {
+  constexpr double kLatestWake = 0.002;
+  if (!WaitUntil(time - kLatestWake, stop)) return false;
+  while (Now() < time) YieldProcessor();
+  return true;
+}
+
 }  // namespace camtool

@@ -15,4 +15,8 @@ void SleepUntil(double time);
 // The same, but `stop` ends it early. False when it was signalled.
 bool WaitUntil(double time, HANDLE stop);
 
+// The same, to some microseconds on an idle machine: the last two milliseconds, by which a system may wake a thread too
+// late, are spent looking at the clock. They take a processor core.
+bool WaitExactlyUntil(double time, HANDLE stop);
+
 }  // namespace camtool

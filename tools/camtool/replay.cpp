@@ -54,7 +54,7 @@ bool IsOver(const Player& player) {
 // Waits until a moment of the play, but not beyond the end that was asked for. False when the play is over by then.
 bool WaitInPlay(const Player& player, double moment) {
   const double end = settings.seconds > 0 ? player.start + settings.seconds : moment;
-  return WaitUntil(std::min(moment, end), StopEvent()) && moment <= end;
+  return WaitExactlyUntil(std::min(moment, end), StopEvent()) && moment <= end;
 }
 
 // One round, which begins at that time of the clock; returns when the next one would begin.
