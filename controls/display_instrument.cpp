@@ -133,13 +133,13 @@ void RenderFace(InstrumentRecord* record, const InstrumentFaceKey& key, const RE
   record->work.bFaceDrawn = TRUE;
 }
 
-// Brings the back buffer up to date, if it is not, and invalidates what changed of it.
-void EnsureRendered(InstrumentRecord* record) {
+// Brings the back buffer up to date, if it is not, and tells what changed of it.
+Damage Render(InstrumentRecord* record) {
   const InstrumentFaceKey key = FaceKeyOf(*record);
   const bool anew = !FaceIsCurrent(*record, key);
-  if (!record->bRedraw && !anew) return;
+  if (!record->bRedraw && !anew) return {};
   record->bRedraw = FALSE;
-  if (!record->hBuffer) return;
+  if (!record->hBuffer) return {};
   ++record->work.renderings;
   if (ModeOf(*record) == kModeDigital) StoreShownText(record);
   InstrumentKeep& keep = *record->work.keep;
@@ -157,14 +157,26 @@ void EnsureRendered(InstrumentRecord* record) {
     canvas.ClipTo(changed);
     CopyFrom(canvas, keep.face);
     layout.value(canvas, area, view);
-    InvalidateRect(record->hWnd, &changed, FALSE);
   }
+  return damage;
 }
 
-// Shows a change before returning; what did not change is not painted.
+OwnedRegion RegionOf(const Damage& damage) {
+  OwnedRegion region(CreateRectRgn(0, 0, 0, 0));
+  for (const RECT& area : damage) {
+    const OwnedRegion part(CreateRectRgnIndirect(&area));
+    CombineRgn(region, region, part, RGN_OR);
+  }
+  return region;
+}
+
+// Shows a change before returning; what did not change is not painted. All in one call, since each into the system
+// costs as much as drawing a small instrument's needle.
 void ShowNow(InstrumentRecord* record) {
-  EnsureRendered(record);
-  UpdateWindow(record->hWnd);
+  const Damage damage = Render(record);
+  const bool changed = damage.begin() != damage.end();
+  RedrawWindow(record->hWnd, nullptr, changed ? RegionOf(damage) : OwnedRegion(),
+               RDW_UPDATENOW | RDW_NOCHILDREN | (changed ? RDW_INVALIDATE : 0u));
 }
 
 // ---- Commands -------------------------------------------------------------------------------------------------------
@@ -375,8 +387,10 @@ LRESULT OnSetText(InstrumentRecord* record, const char* text) {
 }
 
 LRESULT OnPaint(HWND window, InstrumentRecord* record) {
-  // Before the paint begins: it then shows what this invalidates as well.
-  if (record) EnsureRendered(record);
+  if (record) {
+    // Before the paint begins: it then shows all that changed.
+    for (const RECT& changed : Render(record)) InvalidateRect(window, &changed, FALSE);
+  }
   const PaintScope paint(window);
   if (!record) return kNoRecord;
   if (!record->hBuffer) return 0;
@@ -406,7 +420,7 @@ LRESULT OnTimer(InstrumentRecord* record, WPARAM timer) {
 }
 
 LRESULT CopyToClipboard(InstrumentRecord* record, LPARAM requested) {
-  EnsureRendered(record);
+  for (const RECT& changed : Render(record)) InvalidateRect(record->hWnd, &changed, FALSE);
   if (!record->hBuffer) return 0;
   const SIZE own{record->nWidth, record->nHeight};
   const SIZE size = RequestedPictureSize(requested, own, kInstrumentSmallestPicture, kInstrumentLargestPicture);

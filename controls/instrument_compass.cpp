@@ -44,9 +44,9 @@ COLORREF NorthColor(const InstrumentView& view) {
   return ReadingOf(view.block).valid ? DisplayColor(view) : ColorsOf(view).ink;
 }
 
-// Writes along the tangent, upright when seen from the middle of the card.
-void DrawCardText(Canvas& canvas, const Dial& dial, InstrumentGlyphs& glyphs, const wchar_t* text, int count,
-                  double radius, double height, double angle, COLORREF color) {
+// Adds a text along the tangent, upright when seen from the middle of the card, to the shape.
+void AddCardText(Canvas& canvas, const Dial& dial, InstrumentGlyphs& glyphs, const wchar_t* text, int count,
+                 double radius, double height, double angle, COLORREF color) {
   double width = 0;
   for (int i = 0; i < count; ++i) {
     const GlyphOutline* glyph = glyphs.Get(text[i]);
@@ -57,7 +57,7 @@ void DrawCardText(Canvas& canvas, const Dial& dial, InstrumentGlyphs& glyphs, co
   double along = -width / 2;
   for (int i = 0; i < count; ++i) {
     const GlyphOutline& glyph = *glyphs.Get(text[i]);
-    FillGlyph(canvas, glyph, place, along + glyph.advance * height / 2, height, angle, color);
+    AddGlyph(canvas, glyph, place, along + glyph.advance * height / 2, height, angle, color);
     along += glyph.advance * height;
   }
 }
@@ -75,67 +75,102 @@ void DrawZones(Canvas& canvas, const Dial& dial, const InstrumentView& view, dou
   }
 }
 
-void DrawMarks(Canvas& canvas, const Dial& dial, const DialColors& colors, double heading) {
+enum class Mark { kFine, kTen, kThirty };
+
+Mark MarkAt(int bearing) {
+  return bearing % 30 == 0 ? Mark::kThirty : bearing % 10 == 0 ? Mark::kTen : Mark::kFine;
+}
+
+void AddMark(Canvas& canvas, const Dial& dial, Mark mark, double angle) {
   const double face = dial.faceRadius;
-  for (int bearing = 0, spacing = MarkSpacing(face); bearing < 360; bearing += spacing) {
-    const double angle = CardAngle(bearing, heading);
-    const bool thirty = bearing % 30 == 0, ten = bearing % 10 == 0;
-    const double inner = thirty ? kThirtyInner : ten ? kTenInner : kFineInner;
-    const double width = thirty ? std::max(1.3, face * 0.02) : ten ? std::max(0.85, face * 0.012) : face * 0.007;
-    FillLine(canvas, PolarPoint(dial.centre, face * inner, angle), PolarPoint(dial.centre, face * kMarkOuter, angle),
-             std::max(width, 0.7), thirty ? colors.ink : colors.faintInk);
+  const double inner = mark == Mark::kThirty ? kThirtyInner : mark == Mark::kTen ? kTenInner : kFineInner;
+  const double width = mark == Mark::kThirty ? std::max(1.3, face * 0.02)
+                       : mark == Mark::kTen  ? std::max(0.85, face * 0.012)
+                                             : face * 0.007;
+  AddLine(canvas, PolarPoint(dial.centre, face * inner, angle), PolarPoint(dial.centre, face * kMarkOuter, angle),
+          std::max(width, 0.7));
+}
+
+// The marks of a quarter make one shape for each colour: as many as a shape can hold when there is one for each degree.
+void DrawMarks(Canvas& canvas, const Dial& dial, const DialColors& colors, double heading) {
+  const int spacing = MarkSpacing(dial.faceRadius);
+  for (int quarter = 0; quarter < 360; quarter += 90) {
+    for (const bool thirty : {false, true}) {
+      BeginShape(canvas);
+      for (int bearing = quarter; bearing < quarter + 90; bearing += spacing) {
+        const Mark mark = MarkAt(bearing);
+        if ((mark == Mark::kThirty) == thirty) AddMark(canvas, dial, mark, CardAngle(bearing, heading));
+      }
+      FillShape(canvas, thirty ? colors.ink : colors.faintInk);
+    }
   }
 }
 
+// What is drawn in one go: shapes of one colour that do not touch.
+enum class Rank { kNorth, kCardinal, kOther };
+constexpr Rank kRanks[] = {Rank::kOther, Rank::kCardinal, Rank::kNorth};
+
+Rank RankOf(const Direction& direction) {
+  return direction.bearing == 0 ? Rank::kNorth : direction.count == 1 ? Rank::kCardinal : Rank::kOther;
+}
+
+COLORREF ColorOf(Rank rank, const InstrumentView& view) {
+  if (rank == Rank::kNorth) return NorthColor(view);
+  return rank == Rank::kCardinal ? ColorsOf(view).ink : ColorsOf(view).faintInk;
+}
+
 void DrawLetters(Canvas& canvas, const Dial& dial, const InstrumentView& view, double heading) {
-  const double face = dial.faceRadius;
-  const DialColors colors = ColorsOf(view);
-  const CardLetters letters = LettersOf(face);
-  for (const Direction& direction : Directions()) {
-    const bool cardinal = direction.count == 1;
-    const double height = face * (cardinal ? letters.cardinalHeight : letters.otherHeight);
-    const bool north = direction.bearing == 0;
+  const CardLetters letters = LettersOf(dial.faceRadius);
+  for (const Rank rank : kRanks) {
+    const bool other = rank == Rank::kOther;
+    const double height = dial.faceRadius * (other ? letters.otherHeight : letters.cardinalHeight);
     if (height <= 0) continue;
-    const COLORREF color = north ? NorthColor(view) : cardinal ? colors.ink : colors.faintInk;
-    DrawCardText(canvas, dial, view.keep.glyphs, direction.letters, direction.count,
-                 cardinal ? letters.radius : letters.otherRadius, height, CardAngle(direction.bearing, heading), color);
+    const COLORREF color = ColorOf(rank, view);
+    BeginShape(canvas);
+    for (const Direction& direction : Directions()) {
+      if (RankOf(direction) != rank) continue;
+      AddCardText(canvas, dial, view.keep.glyphs, direction.letters, direction.count,
+                  other ? letters.otherRadius : letters.radius, height, CardAngle(direction.bearing, heading), color);
+    }
+    FillShape(canvas, color);
   }
 }
 
 // Tens of degrees, as on an aircraft's card: the cardinal directions have their letters instead.
 void DrawNumbers(Canvas& canvas, const Dial& dial, const InstrumentView& view, double heading) {
-  const DialColors colors = ColorsOf(view);
+  const COLORREF ink = ColorsOf(view).ink;
   if (dial.faceRadius < kLeastFaceWithNumbers) return;
+  BeginShape(canvas);
   for (int bearing = 0; bearing < 360; bearing += 30) {
     if (bearing % 90 == 0) continue;
     wchar_t text[8];
     FormatBounded(text, sizeof(text), L"%ld", static_cast<long>(bearing / 10));
-    DrawCardText(canvas, dial, view.keep.glyphs, text, lstrlenW(text), kNumbers, dial.faceRadius * 0.095,
-                 CardAngle(bearing, heading), colors.ink);
+    AddCardText(canvas, dial, view.keep.glyphs, text, lstrlenW(text), kNumbers, dial.faceRadius * 0.095,
+                CardAngle(bearing, heading), ink);
   }
+  FillShape(canvas, ink);
 }
 
 // Eight rays, each with a light and a dark side, the cardinal ones longer and on top.
 void DrawRose(Canvas& canvas, const Dial& dial, const InstrumentView& view, double heading) {
-  const double face = dial.faceRadius;
+  const double face = dial.faceRadius, waist = face * kHub * 1.02;
   if (face < kLeastFaceWithRose) return;
-  const DialColors colors = ColorsOf(view);
   const CardLetters letters = LettersOf(face);
-  for (const bool cardinal : {false, true}) {
-    for (const Direction& direction : Directions()) {
-      if ((direction.count == 1) != cardinal) continue;
-      const double angle = CardAngle(direction.bearing, heading);
-      const double height = cardinal ? letters.cardinalHeight : std::max(letters.otherHeight, 0.1);
-      const double length =
-          face * (cardinal ? letters.radius - height * 0.75 : letters.otherRadius - height * 1.1 - 0.03);
-      const PointD tip = PolarPoint(dial.centre, length, angle);
-      const double waist = face * kHub * 1.02;
-      const bool north = direction.bearing == 0;
-      const COLORREF light = north ? NorthColor(view) : cardinal ? colors.ink : colors.faintInk;
-      const PointD left[] = {tip, PolarPoint(dial.centre, waist, angle - 22.5), dial.centre};
-      const PointD right[] = {tip, PolarPoint(dial.centre, waist, angle + 22.5), dial.centre};
-      FillPolygon(canvas, left, ShadeColor(light, 0.85));
-      FillPolygon(canvas, right, ShadeColor(light, 0.5));
+  for (const Rank rank : kRanks) {
+    const bool other = rank == Rank::kOther;
+    const double height = other ? std::max(letters.otherHeight, 0.1) : letters.cardinalHeight;
+    const double length = face * (other ? letters.otherRadius - height * 1.1 - 0.03 : letters.radius - height * 0.75);
+    const COLORREF light = ColorOf(rank, view);
+    for (const double side : {-1.0, 1.0}) {
+      BeginShape(canvas);
+      for (const Direction& direction : Directions()) {
+        if (RankOf(direction) != rank) continue;
+        const double angle = CardAngle(direction.bearing, heading);
+        const PointD half[] = {PolarPoint(dial.centre, length, angle),
+                               PolarPoint(dial.centre, waist, angle + side * 22.5), dial.centre};
+        canvas.shape().AddFigure(half);
+      }
+      FillShape(canvas, ShadeColor(light, side < 0 ? 0.85 : 0.5));
     }
   }
 }

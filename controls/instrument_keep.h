@@ -56,7 +56,7 @@ struct InstrumentPart {
 // same order; parts may come and go at the end.
 class InstrumentParts {
  public:
-  static constexpr int kMost = 112;
+  static constexpr int kMost = 128;
   // One part more than can be held makes the list incomplete.
   void Add(const RECT& place, DWORD look);
   void Clear() { count_ = 0; }

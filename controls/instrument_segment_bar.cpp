@@ -44,6 +44,11 @@ RECT BarWithin(RECT display) {
   return display;
 }
 
+// To whole pixels, a half up. Lengths are not negative; the run-time's rounding, which asks for that, is slow.
+int RoundLength(double pixels) {
+  return static_cast<int>(pixels + 0.5);
+}
+
 // Maps stretches along the bar to rectangles of the target.
 struct BarFrame {
   RECT area;
@@ -55,7 +60,7 @@ struct BarFrame {
     // A vertical bar rises and a horizontal one runs to the right, unless reversed.
     const double length = Length();
     if (vertical != reversed) span = {length - span.to, length - span.from};
-    const auto edge = [](LONG start, double offset) { return start + std::lround(offset); };
+    const auto edge = [](LONG start, double offset) { return start + RoundLength(offset); };
     if (vertical) return {area.left + margin, edge(area.top, span.from), area.right - margin, edge(area.top, span.to)};
     return {edge(area.left, span.from), area.top + margin, edge(area.left, span.to), area.bottom - margin};
   }
@@ -178,30 +183,51 @@ double AdvanceOf(const InstrumentView& view, wchar_t character) {
   return glyph ? glyph->advance : 0.8;
 }
 
-// Writes the number by its outlines: the same shapes a dozen times, which GDI would work out anew each time.
-void DrawBarValue(Canvas& canvas, const BarValue& value, const InstrumentView& view) {
-  if (value.text.empty() || canvas.Hides(value.reach)) return;
-  // Where a font of this cell height has its capitals, and how wide it is by nature.
-  constexpr double kCapitalHeight = 0.65, kCapitalMiddle = 0.485, kDigitWidth = 0.775;
+// A character of the number: where it stands along the number's base line, and what it can touch.
+struct BarCharacter {
+  wchar_t character;
+  double along;
+  RECT reach;
+};
+
+// Hands each character of the number to `use`. `capital` is the height of its capitals, `stretch` how much wider than
+// by nature it is.
+template <class Use>
+void ForEachCharacter(const BarValue& value, const InstrumentView& view, Use use) {
+  constexpr double kCapitalHeight = 0.65, kDigitWidth = 0.775;  // of the cell's height, of the capitals'
   const double capital = value.height * kCapitalHeight, stretch = value.characterWidth / (capital * kDigitWidth);
-  const PointD middle{(value.place.left + value.place.right) / 2.0, value.place.top + value.height * kCapitalMiddle};
   double width = 0;
   for (const wchar_t character : value.text) width += AdvanceOf(view, character);
+  const double middle = (value.place.left + value.place.right) / 2.0;
+  for (double passed = -width / 2; const wchar_t character : value.text) {
+    const double advance = AdvanceOf(view, character), along = (passed + advance / 2) * capital * stretch;
+    // A character may lean out of its cell a little.
+    const double half = advance * 0.75 * capital * stretch;
+    const PointD ends[] = {{middle + along - half, static_cast<double>(value.place.top)},
+                           {middle + along + half, static_cast<double>(value.place.bottom)}};
+    use(BarCharacter{character, along, BoundsOf(ends, value.edge + 3, value.reach)}, capital, stretch);
+    passed += advance;
+  }
+}
+
+void DrawBarValue(Canvas& canvas, const BarValue& value, const InstrumentView& view) {
+  constexpr double kCapitalMiddle = 0.485;  // of the cell's height
+  if (value.text.empty() || canvas.Hides(value.reach)) return;
+  const PointD middle{(value.place.left + value.place.right) / 2.0, value.place.top + value.height * kCapitalMiddle};
   const auto write = [&](double x, double y, COLORREF color) {
-    double along = -width / 2;
-    for (const wchar_t character : value.text) {
-      const double advance = AdvanceOf(view, character);
-      const GlyphOutline* glyph = view.keep.glyphs.Get(character);
-      const PointD place{middle.x + x, middle.y + y};
-      const double at = (along + advance / 2) * capital * stretch;
-      if (glyph) FillGlyph(canvas, *glyph, place, at, capital, 0, color, stretch);
-      along += advance;
-    }
+    BeginShape(canvas);
+    ForEachCharacter(value, view, [&](const BarCharacter& it, double capital, double stretch) {
+      const GlyphOutline* glyph = view.keep.glyphs.Get(it.character);
+      if (!glyph || canvas.Hides(it.reach)) return;
+      AddGlyph(canvas, *glyph, {middle.x + x, middle.y + y}, it.along, capital, 0, color, stretch);
+    });
+    FillShape(canvas, color);
   };
-  // Number and lit segments have one colour: a black edge keeps them apart.
+  // Number and lit segments have one colour: a black edge keeps them apart. What four shifted numbers leave free of it,
+  // the last one fills.
   const int edge = value.edge;
-  for (int x = -edge; x <= edge; x += edge) {
-    for (int y = -edge; y <= edge; y += edge) write(x - 1, y - 1, RGB(0, 0, 0));
+  for (const int x : {-edge, edge}) {
+    for (const int y : {-edge, edge}) write(x - 1, y - 1, RGB(0, 0, 0));
   }
   write(0, 0, kValueShadow);
   write(-1, -1, DisplayColor(view));
@@ -228,8 +254,8 @@ BarSpan SegmentSpan(double length, int count, int index) {
   const double pitch = length / count;
   const double gap = pitch < 3 ? 0 : std::clamp(std::round(pitch * 0.18), 1.0, 4.0);
   // Whole pixels: sharp edges matter more here than that all segments are equally long to a fraction.
-  const double from = std::round(pitch * index), to = std::round(pitch * (index + 1)) - gap;
-  return {from, std::max(from, to)};
+  const int from = RoundLength(pitch * index), to = RoundLength(pitch * (index + 1)) - static_cast<int>(gap);
+  return {static_cast<double>(from), static_cast<double>(std::max(from, to))};
 }
 
 bool IsVerticalBar(const RECT& area) {
@@ -264,7 +290,8 @@ void ListSegmentBarParts(HDC, const RECT& area, const InstrumentView& view, Inst
     const RECT place = SegmentPlace(bar.frame, bar.count, i);
     parts->Add(place, i < bar.lit);
   }
-  parts->Add(bar.number.reach, LookOf(bar.number.text));
+  ForEachCharacter(bar.number, view,
+                   [&](const BarCharacter& it, double, double) { parts->Add(it.reach, LookOf(it.character)); });
 }
 
 }  // namespace kv

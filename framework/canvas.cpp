@@ -20,7 +20,7 @@ constexpr DWORD PixelOf(COLORREF color) {
 
 COLORREF Between(COLORREF from, COLORREF to, double part) {
   const double t = part > 0 ? std::min(part, 1.0) : 0.0;
-  const auto channel = [t](BYTE a, BYTE b) { return static_cast<BYTE>(std::lround(a + (b - a) * t)); };
+  const auto channel = [t](BYTE a, BYTE b) { return static_cast<BYTE>(a + (b - a) * t + 0.5); };
   return RGB(channel(GetRValue(from), GetRValue(to)), channel(GetGValue(from), GetGValue(to)),
              channel(GetBValue(from), GetBValue(to)));
 }
@@ -194,13 +194,19 @@ void FillRingSector(Canvas& canvas, PointD centre, double inner, double outer, d
   FillPolygon(canvas, {corners.data(), static_cast<size_t>(chords + innerChords) + 2}, paint);
 }
 
-void FillLine(Canvas& canvas, PointD from, PointD to, double width, const Paint& paint) {
+void AddLine(Canvas& canvas, PointD from, PointD to, double width) {
   const double length = std::hypot(to.x - from.x, to.y - from.y);
   if (!(length > 0)) return;
   const double dx = (to.y - from.y) / length * width / 2, dy = (from.x - to.x) / length * width / 2;
   const PointD corners[] = {
       {from.x + dx, from.y + dy}, {to.x + dx, to.y + dy}, {to.x - dx, to.y - dy}, {from.x - dx, from.y - dy}};
-  FillPolygon(canvas, corners, paint);
+  canvas.shape().AddFigure(corners);
+}
+
+void FillLine(Canvas& canvas, PointD from, PointD to, double width, const Paint& paint) {
+  BeginShape(canvas);
+  AddLine(canvas, from, to, width);
+  FillShape(canvas, paint);
 }
 
 // ---- Whole pixels ---------------------------------------------------------------------------------------------------

@@ -96,9 +96,10 @@ void FillAreaDown(Canvas& canvas, const RECT& area, COLORREF top, COLORREF botto
 // Copies the canvas's clip from a surface of the same size.
 void CopyFrom(Canvas& canvas, const Surface& source);
 
-// Fills what has been added to canvas.shape() since the last canvas.shape().Begin(): for shapes of several figures.
-// BeginShape starts one within the canvas's clip.
+// Fills what has been added to canvas.shape() since the last canvas.shape().Begin(): for shapes of several figures,
+// which cost less in one. BeginShape starts one within the canvas's clip.
 void BeginShape(Canvas& canvas);
+void AddLine(Canvas& canvas, PointD from, PointD to, double width);
 void FillShape(Canvas& canvas, const Paint& paint);
 
 }  // namespace kv

@@ -126,22 +126,28 @@ void CoverageShape::AddToRow(double from, double to, double cover) {
     AddToCell(0, cover);
     return;
   }
-  const double coverPerPixel = to > from ? cover / (to - from) : 0;
   if (from < 0) {
-    AddToCell(0, -from * coverPerPixel);
-    cover += from * coverPerPixel;
+    const double here = -from * cover / (to - from);
+    AddToCell(0, here);
+    cover -= here;
     from = 0;
   }
-  for (int cell = static_cast<int>(from); cell < width_; ++cell) {
-    const bool ends = to <= cell + 1;
-    const double right = ends ? to : cell + 1, here = ends ? cover : coverPerPixel * (right - from);
-    const double free = (from + right) / 2 - cell;  // of this pixel, to the left of the edge
+  const auto add = [this](int cell, double begin, double end, double here) {
+    const double free = (begin + end) / 2 - cell;  // of this pixel, to the left of the edge
     AddToCell(cell, here * (1 - free));
     AddToCell(cell + 1, here * free);
-    if (ends) return;
-    cover -= here;
-    from = right;
+  };
+  int cell = static_cast<int>(from);
+  if (to > cell + 1) {
+    const double coverPerPixel = cover / (to - from);
+    for (; to > cell + 1 && cell < width_; ++cell) {
+      const double here = coverPerPixel * (cell + 1 - from);
+      add(cell, from, cell + 1, here);
+      cover -= here;
+      from = cell + 1;
+    }
   }
+  add(cell, from, to, cover);
 }
 
 void CoverageShape::AddToCell(int cell, double cover) {

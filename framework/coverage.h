@@ -43,6 +43,9 @@ class CoverageShape {
   // with nothing added, when a place is not a number or the edges outgrow kMostEdges.
   bool AddFigure(std::span<const PointD> corners);
 
+  // Whether a figure of so many corners can be added for sure.
+  bool HasRoomFor(int corners) const { return corners <= kMostEdges - count_; }
+
   // Hands out what is covered, row by row from the top and from left to right; false at the end, with the shape empty.
   // After the first call nothing more can be added.
   bool Next(CoverageSpan* span);

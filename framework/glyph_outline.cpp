@@ -132,9 +132,20 @@ bool OutlineOfCharacter(const wchar_t* faceName, int weight, wchar_t character, 
 
 void FillGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD centre, double along, double height, double degrees,
                const Paint& paint, double stretch) {
+  BeginShape(canvas);
+  AddGlyph(canvas, glyph, centre, along, height, degrees, paint, stretch);
+  FillShape(canvas, paint);
+}
+
+void AddGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD centre, double along, double height, double degrees,
+              const Paint& paint, double stretch) {
+  if (glyph.figures == 0) return;
+  if (!canvas.shape().HasRoomFor(glyph.ends[glyph.figures - 1])) {
+    FillShape(canvas, paint);
+    BeginShape(canvas);
+  }
   const double radians = Radians(degrees), cosine = std::cos(radians), sine = std::sin(radians);
   std::array<PointD, GlyphOutline::kMostPoints> places;
-  BeginShape(canvas);
   for (int figure = 0, from = 0; figure < glyph.figures; from = glyph.ends[figure++]) {
     for (int i = from; i < glyph.ends[figure]; ++i) {
       const double x = glyph.points[i].x * height * stretch + along, y = glyph.points[i].y * height;
@@ -142,7 +153,6 @@ void FillGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD centre, double 
     }
     canvas.shape().AddFigure({&places[from], static_cast<size_t>(glyph.ends[figure] - from)});
   }
-  FillShape(canvas, paint);
 }
 
 }  // namespace kv

@@ -32,4 +32,9 @@ bool OutlineOfCharacter(const wchar_t* faceName, int weight, wchar_t character, 
 void FillGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD centre, double along, double height, double degrees,
                const Paint& paint, double stretch = 1);
 
+// The same, added to the shape that has begun on the canvas (BeginShape). A shape without room for it is filled with
+// `paint` and another begun; FillShape with the same paint ends the last one.
+void AddGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD centre, double along, double height, double degrees,
+              const Paint& paint, double stretch = 1);
+
 }  // namespace kv
