@@ -96,18 +96,30 @@ void DrawFace(const Canvas& canvas, SIZE size, const FaceColors& colors, bool pr
   }
 }
 
-// What is to be seen on the face, in white on black: text, focus frame, marks.
-void DrawShapes(HDC dc, const RECT& area, HWND button, bool paused, bool focused) {
-  FillRect(dc, &area, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
-  const auto white = static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH));
+// Writes the button's text in white into the middle of `area` and returns the columns that it takes. What DrawText
+// would do, which asks for the font's metrics several times over.
+RECT WriteText(HDC dc, const RECT& area, HWND button) {
   wchar_t text[256] = L"";
-  GetWindowTextW(button, text, ARRAYSIZE(text));
+  const int length = GetWindowTextW(button, text, ARRAYSIZE(text));
   const auto font = reinterpret_cast<HFONT>(SendMessageA(button, WM_GETFONT, 0, 0));
   const SelectedObject selectedFont(dc, font ? font : GetStockObject(SYSTEM_FONT));
   SetBkMode(dc, TRANSPARENT);
   SetTextColor(dc, RGB(255, 255, 255));
-  RECT place = area;
-  DrawTextW(dc, text, -1, &place, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
+  SIZE size{};
+  GetTextExtentPoint32W(dc, text, length, &size);
+  const LONG left = area.left + (area.right - area.left - size.cx) / 2;
+  const LONG top = area.top + (area.bottom - area.top - size.cy) / 2;
+  ExtTextOutW(dc, left, top, ETO_CLIPPED, &area, text, static_cast<UINT>(length), nullptr);
+  // A slanted letter may lean out by some pixels.
+  const LONG lean = size.cy / 2;
+  return {std::max(left - lean, area.left), area.top, std::min(left + size.cx + lean, area.right), area.bottom};
+}
+
+// What is to be seen on the face, in white on black: text, focus frame, marks. Returns where there is anything.
+RECT DrawShapes(HDC dc, const RECT& area, HWND button, bool paused, bool focused) {
+  FillRect(dc, &area, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
+  const auto white = static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH));
+  const RECT text = WriteText(dc, area, button);
   if (paused) {
     const LONG right = area.right - 6, top = area.top + 4, bottom = area.bottom - 4;
     for (const RECT& bar : {RECT{right - 7, top, right - 5, bottom}, RECT{right - 2, top, right, bottom}}) {
@@ -119,6 +131,7 @@ void DrawShapes(HDC dc, const RECT& area, HWND button, bool paused, bool focused
     InflateRect(&frame, -1, -1);
     FrameRect(dc, &frame, white);
   }
+  return paused || focused ? area : text;
 }
 
 // How much the shapes cover a pixel: 0 to 255.
@@ -137,14 +150,15 @@ DWORD Mixed(DWORD from, DWORD to, int share) {
 }
 
 // Puts the shapes on the face in white, with a rim of one dark pixel on all sides: so they are read on any brightness.
-// The shapes lie below the face in the same picture, `size.cy` rows down; the face's edge is left free.
-void PutShapesOnFace(const Canvas& canvas, SIZE size, COLORREF rimColor) {
+// The shapes lie below the face in the same picture, `size.cy` rows down, between the columns `left` and `right`; the
+// face's edge is left free.
+void PutShapesOnFace(const Canvas& canvas, SIZE size, LONG left, LONG right, COLORREF rimColor) {
   const DWORD rimPixel = AsPixel(rimColor);
   constexpr DWORD kWhite = 0xFFFFFF;
   for (int y = 1; y < size.cy - 1; ++y) {
     DWORD* face = canvas.Row(y);
     const DWORD* rows[] = {canvas.Row(size.cy + y - 1), canvas.Row(size.cy + y), canvas.Row(size.cy + y + 1)};
-    for (int x = 1; x < size.cx - 1; ++x) {
+    for (LONG x = std::max(left - 1, 1L); x < std::min(right, size.cx - 2) + 1; ++x) {
       int rim = 0;
       for (const DWORD* row : rows) {
         rim = std::max({rim, Coverage(row[x - 1]), Coverage(row[x]), Coverage(row[x + 1])});
@@ -164,10 +178,11 @@ void DrawStatusButton(const DRAWITEMSTRUCT& item, int scheme, UINT flags) {
   const bool pressed = (item.itemState & ODS_SELECTED) != 0;
   const bool focused = (item.itemState & ODS_FOCUS) && !(item.itemState & ODS_NOFOCUSRECT);
   const FaceColors colors = ColorsOfFace(scheme, flags, pressed);
-  DrawShapes(canvas.dc(), {0, size.cy, size.cx, 2 * size.cy}, item.hwndItem, (flags & kButtonPaused) != 0, focused);
+  const RECT shapes =
+      DrawShapes(canvas.dc(), {0, size.cy, size.cx, 2 * size.cy}, item.hwndItem, (flags & kButtonPaused) != 0, focused);
   GdiFlush();
   DrawFace(canvas, size, colors, pressed, focused);
-  PutShapesOnFace(canvas, size, colors.rim);
+  PutShapesOnFace(canvas, size, shapes.left, shapes.right, colors.rim);
   BitBlt(item.hDC, area.left, area.top, size.cx, size.cy, canvas.dc(), 0, 0, SRCCOPY);
 }
 
