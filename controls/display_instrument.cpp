@@ -10,6 +10,7 @@
 #include <new>
 #include <string>
 
+#include "controls/fixed_text.h"
 #include "controls/instrument_block.h"
 #include "controls/instrument_centre_bar.h"
 #include "controls/instrument_compass.h"
@@ -107,7 +108,7 @@ Layout LayoutOf(DWORD mode) {
 }
 
 void StoreShownText(InstrumentRecord* record) {
-  const std::wstring text = DigitalText(record->block, record->dwStyle, record->time);
+  const FixedText text = DigitalText(record->block, record->dwStyle, record->time);
   const size_t length = std::min(text.size(), kShownTextSize - 1);
   std::transform(text.begin(), text.begin() + length, record->szText,
                  [](wchar_t character) { return static_cast<char>(character); });
@@ -316,11 +317,11 @@ LRESULT OnCommand(InstrumentRecord* record, WPARAM wParam, LPARAM lParam) {
 
 // ---- For screen readers ---------------------------------------------------------------------------------------------
 
-std::wstring SpokenValue(const InstrumentRecord& record) {
+FixedText SpokenValue(const InstrumentRecord& record) {
   const InstrumentReading reading = ReadingOf(record.block);
   if (!reading.valid) return {};
   const int places = record.block.format & kFormatPlaces;
-  const std::wstring unit = InstrumentUnit(record.block);
+  const FixedText unit = UnitOf(record.block);
   switch (ModeOf(record)) {
     case kModeCompass: return HeadingText(reading.value, places) + unit;
     case kModeDigital:
@@ -330,14 +331,14 @@ std::wstring SpokenValue(const InstrumentRecord& record) {
         return ReadableDigits(shown.szText, record.dwStyle);
       }
       [[fallthrough]];
-    default: return PlainNumber(reading.value, places, (record.block.format & kFormatSign) != 0) + L' ' + unit;
+    default: return PlainNumber(reading.value, places, (record.block.format & kFormatSign) != 0) + L" " + unit;
   }
 }
 
 AccessibleText Describe(HWND window) {
   const auto* record = WindowRecord<InstrumentRecord>(window);
   if (!record) return {};
-  return {InstrumentName(record->block), SpokenValue(*record)};
+  return {std::wstring(NameOf(record->block).view()), std::wstring(SpokenValue(*record).view())};
 }
 
 // ---- Message handlers -----------------------------------------------------------------------------------------------

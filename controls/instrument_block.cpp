@@ -5,46 +5,19 @@
 #include <cstddef>
 #include <string>
 
+#include "controls/fixed_text.h"
+#include "controls/instrument_text.h"
+
 namespace kv {
 
 namespace {
 
-constexpr UINT kWestern = 1252;
 constexpr COLORREF kRed = RGB(255, 0, 0);
 constexpr COLORREF kPaletteRelative = 0x02000000;
 
 template <size_t Size>
 void CopyText(char (&target)[Size], const char* text, const char* otherwise) {
   lstrcpynA(target, IsBadStringPtrA(text, Size) ? otherwise : text, Size);
-}
-
-// Length without a last UTF-8 sequence that the field's end cut off.
-int WholeUtf8Length(const char* text, int length) {
-  int lead = length - 1;
-  while (lead > 0 && lead > length - 4 && (text[lead] & 0xC0) == 0x80) --lead;
-  if (lead < 0) return length;
-  const BYTE first = static_cast<BYTE>(text[lead]);
-  const int needed = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : first >= 0xC0 ? 2 : 1;
-  return lead + needed > length ? lead : length;
-}
-
-bool Decode(UINT codePage, DWORD flags, const char* text, int length, std::wstring* wide) {
-  wchar_t buffer[64];
-  const int count = MultiByteToWideChar(codePage, flags, text, length, buffer, ARRAYSIZE(buffer));
-  wide->assign(buffer, count);
-  return count > 0;
-}
-
-template <size_t Size>
-std::wstring DecodeField(const char (&field)[Size], UINT otherwise) {
-  const int length = static_cast<int>(std::find(field, field + Size, '\0') - field);
-  std::wstring wide;
-  if (length == 0) return wide;
-  // Only a field that is full to the end can have been cut.
-  const int whole = length >= static_cast<int>(Size) - 1 ? WholeUtf8Length(field, length) : length;
-  if (whole > 0 && Decode(CP_UTF8, MB_ERR_INVALID_CHARS, field, whole, &wide)) return wide;
-  Decode(otherwise, 0, field, length, &wide);
-  return wide;
 }
 
 }  // namespace
@@ -107,11 +80,11 @@ double FractionOf(const InstrumentReading& reading, double value) {
 }
 
 std::wstring InstrumentName(const InstrumentBlock& block) {
-  return DecodeField(block.szName, CP_ACP);
+  return std::wstring(NameOf(block).view());
 }
 
 std::wstring InstrumentUnit(const InstrumentBlock& block) {
-  return DecodeField(block.szUnit, kWestern);
+  return std::wstring(UnitOf(block).view());
 }
 
 }  // namespace kv

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <string>
 
+#include "controls/fixed_text.h"
 #include "controls/instrument_block.h"
 #include "controls/instrument_keep.h"
 #include "controls/instrument_text.h"
@@ -43,7 +43,7 @@ struct CentreReading {
   RECT display;  // within the frame; empty when nothing but the empty display is shown
   double deviation;
   RECT bar;
-  std::wstring text;
+  FixedText text;
   int characterWidth, height;  // of the text's font; 0 without room for it
   RECT textPlace, textReach;   // where it stands, and the furthest that its font may stick out
 };
@@ -58,8 +58,8 @@ CentreReading ReadCentreBar(const RECT& area, const InstrumentView& view) {
   const InstrumentReading reading = ReadingOf(view.block);
   result.deviation = reading.valid ? CentreDeviation(reading) : 0;
   result.bar = CentreBar(display, result.deviation);
-  result.text = reading.valid ? FixedWidthNumber(reading.value, kValueWidth, view.block.format | kFormatSign)
-                              : std::wstring(L"---");
+  result.text =
+      reading.valid ? FixedWidthNumber(reading.value, kValueWidth, view.block.format | kFormatSign) : FixedText(L"---");
   const int roomWidth = (display.right - display.left - 8) / (static_cast<int>(result.text.size()) + 1);
   const LONG half = (display.bottom - display.top) / 2;
   const int roomHeight = static_cast<int>((half - kValueGap) / 2.5);

@@ -3,11 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <string>
 
+#include "controls/fixed_text.h"
 #include "controls/instrument_block.h"
 #include "controls/instrument_dial.h"
 #include "controls/instrument_keep.h"
+#include "controls/instrument_text.h"
 #include "controls/instrument_view.h"
 #include "framework/angles.h"
 #include "framework/bounded_format.h"
@@ -199,8 +200,7 @@ void DrawHeading(Canvas& canvas, const Dial& dial, const InstrumentView& view) {
   const DialColors colors = ColorsOf(view);
   const bool named = face >= kLeastFaceWithName;
   const int places = face >= kLeastFaceWithPlaces ? view.block.format & kFormatPlaces : 0;
-  const std::wstring text =
-      reading.valid ? HeadingText(reading.value, places) + InstrumentUnit(view.block) : std::wstring(L"---");
+  const FixedText text = reading.valid ? HeadingText(reading.value, places) + UnitOf(view.block) : FixedText(L"---");
   const int width = static_cast<int>(face * (face < kLeastFaceWithRose ? 0.9 : 2 * kHub * 0.93));
   const auto box = [&](double middle, double height) {
     const LONG centre = std::lround(dial.centre.x), half = width / 2 + 1;
@@ -211,7 +211,7 @@ void DrawHeading(Canvas& canvas, const Dial& dial, const InstrumentView& view) {
   HFONT font = FittingFont(canvas.dc(), fonts, text, std::max(10, static_cast<int>(face * 0.26)), 9, width, FW_BOLD);
   DrawTextLine(canvas, font, text, box(named ? -face * 0.035 : 0, face * 0.34), colors.ink, DT_CENTER | DT_NOCLIP);
   if (!named) return;
-  const std::wstring name = InstrumentName(view.block);
+  const FixedText name = NameOf(view.block);
   HFONT nameFont =
       FittingFont(canvas.dc(), fonts, name, std::max(9, static_cast<int>(face * 0.11)), 9, width * 5 / 6, FW_NORMAL);
   DrawTextLine(canvas, nameFont, name, box(face * 0.14, face * 0.16), colors.faintInk, DT_CENTER);
@@ -251,7 +251,7 @@ int MarkSpacing(double faceRadius) {
   return 10;
 }
 
-std::wstring HeadingText(double degrees, int places) {
+FixedText HeadingText(double degrees, int places) {
   const double unit = std::pow(10.0, places);
   const double rounded = NormalHeading(std::round(NormalHeading(degrees) * unit) / unit);
   wchar_t text[32];

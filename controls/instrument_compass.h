@@ -3,8 +3,8 @@
 #pragma once
 
 #include <array>
-#include <string>
 
+#include "controls/fixed_text.h"
 #include "controls/instrument_view.h"
 
 namespace kv {
@@ -29,7 +29,7 @@ double CardAngle(double bearing, double heading);
 int MarkSpacing(double faceRadius);
 
 // Three digits before the point, as headings are spoken; what rounds up to 360 is 0.
-std::wstring HeadingText(double degrees, int places);
+FixedText HeadingText(double degrees, int places);
 
 void DrawCompassFace(Canvas& canvas, const RECT& area, const InstrumentView& view);
 void DrawCompassValue(Canvas& canvas, const RECT& area, const InstrumentView& view);

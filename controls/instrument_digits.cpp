@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
-#include <string>
 
+#include "controls/fixed_text.h"
 #include "controls/instrument_block.h"
 #include "controls/instrument_keep.h"
 #include "framework/canvas.h"
@@ -159,9 +159,9 @@ DigitCells CellsOf(const char* text, DWORD style) {
   return cells;
 }
 
-std::wstring ReadableDigits(const char* text, DWORD style) {
+FixedText ReadableDigits(const char* text, DWORD style) {
   constexpr wchar_t kSigns[] = {L'.', L'.', L':', L'\u00B0', L'\'', L'"'};
-  std::wstring readable;
+  FixedText readable;
   for (int separators = 0; *text; ++text) {
     if (*text == ' ') continue;
     readable += *text != '.' ? static_cast<BYTE>(*text) : kSigns[static_cast<int>(SeparatorAt(style, separators++))];

@@ -6,8 +6,8 @@
 
 #include <array>
 #include <span>
-#include <string>
 
+#include "controls/fixed_text.h"
 #include "controls/instrument_keep.h"
 
 namespace kv {
@@ -58,7 +58,7 @@ struct DigitCells {
 DigitCells CellsOf(const char* text, DWORD style);
 
 // The text as it is read out: without padding, with the signs that the separators stand for.
-std::wstring ReadableDigits(const char* text, DWORD style);
+FixedText ReadableDigits(const char* text, DWORD style);
 
 // Places of the characters: all of one size, in the middle of the area.
 struct DigitLayout {

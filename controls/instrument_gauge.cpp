@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <string>
+#include <string_view>
 
 #include "controls/instrument_block.h"
 #include "controls/instrument_dial.h"
@@ -34,7 +34,7 @@ struct TextMeasurer {
   HDC dc;
   InstrumentFonts& fonts;
 
-  SIZE operator()(const std::wstring& text, int height, int weight) const {
+  SIZE operator()(std::wstring_view text, int height, int weight) const {
     return TextSize(dc, fonts.Get(height, 0, weight), text);
   }
 };

@@ -4,10 +4,10 @@
 #include <cmath>
 #include <cstddef>
 #include <iterator>
-#include <string>
+#include <string_view>
 #include <utility>
-#include <vector>
 
+#include "controls/fixed_text.h"
 #include "controls/instrument_block.h"
 #include "controls/instrument_dial.h"
 #include "controls/instrument_text.h"
@@ -85,7 +85,7 @@ bool Touch(const RECT& first, const RECT& second, double gap) {
 struct Room {
   Dial dial;
   double gap;
-  std::vector<RECT> taken;
+  FixedList<RECT, 24> taken;
 };
 
 // Where a row of text may stand, from the dial's middle downwards.
@@ -113,7 +113,7 @@ double FreeHalf(const Room& room, const Band& band, int height) {
   return FreeHalf(room, middle - ink, middle + ink);
 }
 
-GaugeText TextIn(const Room& room, const Band& band, const std::wstring& text, int height, double half) {
+GaugeText TextIn(const Room& room, const Band& band, std::wstring_view text, int height, double half) {
   const PointD middle{room.dial.centre.x, room.dial.centre.y + (band.top + band.bottom) / 2};
   return {text, height, FW_NORMAL, BoxAt(middle, 2 * half, height)};
 }
@@ -123,7 +123,7 @@ int LeastHeight(const Room& room) {
 }
 
 // The text in the largest font up to `wanted` in which the band takes all of it; not shown when none is.
-GaugeText FitText(const Room& room, const Band& band, const std::wstring& text, double wanted,
+GaugeText FitText(const Room& room, const Band& band, std::wstring_view text, double wanted,
                   const MeasureText& measure) {
   const int least = LeastHeight(room);
   int height = std::max(least, Round(std::min(wanted, (band.bottom - band.top) / kInk)));
@@ -135,7 +135,7 @@ GaugeText FitText(const Room& room, const Band& band, const std::wstring& text, 
   }
 }
 
-std::vector<Band> BandsOf(const Room& room) {
+FixedList<Band, 3> BandsOf(const Room& room) {
   const double face = room.dial.faceRadius, top = kTailEnd * face;
   const double bottom = GaugeValueBox(room.dial).top - room.dial.centre.y, middle = (top + bottom) / 2;
   const Band above{-(kAboveHub + kAboveHeight / 2) * face, -(kAboveHub - kAboveHeight / 2) * face};
@@ -151,10 +151,9 @@ struct Captions {
 
 // The unit at the hub and the name beneath it, or as they fit better; above the hub, where the needle passes over, only
 // what finds no room below.
-Captions PlaceCaptions(const Room& room, const std::wstring& name, const std::wstring& unit,
-                       const MeasureText& measure) {
+Captions PlaceCaptions(const Room& room, std::wstring_view name, std::wstring_view unit, const MeasureText& measure) {
   const double face = room.dial.faceRadius;
-  const std::vector<Band> bands = BandsOf(room);
+  const FixedList<Band, 3> bands = BandsOf(room);
   // Of unit and name; the band above is the last.
   constexpr std::pair<size_t, size_t> kPairs[] = {{0, 1}, {1, 0}, {0, 2}, {1, 2}, {2, 0}, {2, 1}};
   Captions best{{}, {}, false, false};
@@ -164,14 +163,14 @@ Captions PlaceCaptions(const Room& room, const std::wstring& name, const std::ws
                    FitText(room, bands[ofUnit], unit, kUnitHeight * face, measure), false, false};
     tried.nameFits = tried.name.height > 0;
     tried.unitFits = tried.unit.height > 0;
-    if (tried.Score() > best.Score()) best = std::move(tried);
+    if (tried.Score() > best.Score()) best = tried;
     if (best.Score() == 3) break;
   }
   return best;
 }
 
 // A name that fits nowhere is cut where there is most room.
-void PlaceCutName(const Room& room, const std::wstring& name, Captions* captions) {
+void PlaceCutName(const Room& room, std::wstring_view name, Captions* captions) {
   double widest = kLeastCutWidth / 2.0;
   for (const Band& band : BandsOf(room)) {
     const int height = LeastHeight(room);
@@ -183,15 +182,14 @@ void PlaceCutName(const Room& room, const std::wstring& name, Captions* captions
   }
 }
 
-std::vector<GaugeText> PlaceLabels(const Room& room, const InstrumentBlock& block, const GaugeScale& scale,
-                                   const MeasureText& measure) {
+GaugeLabels PlaceLabels(const Room& room, const InstrumentBlock& block, const GaugeScale& scale,
+                        const MeasureText& measure) {
   const Dial& dial = room.dial;
   const InstrumentReading reading = ReadingOf(block);
   const int height = std::max(kLeastHeight, Round(dial.faceRadius * kLabelHeight));
-  std::vector<GaugeText> labels;
+  GaugeLabels labels;
   for (long long index = scale.first; index <= scale.last; ++index) {
-    const std::wstring text =
-        PlainNumber(LabelValue(scale, index), scale.labelPlaces, (block.format & kFormatSign) != 0);
+    const FixedText text = PlainNumber(LabelValue(scale, index), scale.labelPlaces, (block.format & kFormatSign) != 0);
     const SIZE size = measure(text, height, FW_SEMIBOLD);
     const double angle = GaugeAngle(reading, static_cast<double>(index) * scale.step);
     const PointD centre = LabelCentre(dial.centre, dial.faceRadius * kLabelOuter, angle, size);
@@ -201,7 +199,7 @@ std::vector<GaugeText> PlaceLabels(const Room& room, const InstrumentBlock& bloc
 }
 
 // Whether the labels keep apart from each other and from what is there; they then take their places.
-bool TakePlaces(const std::vector<GaugeText>& labels, Room* room) {
+bool TakePlaces(const GaugeLabels& labels, Room* room) {
   const double widest = kLabelWidth * room->dial.faceRadius;
   for (const GaugeText& label : labels) {
     const RECT ink = InkOf(label.box);
@@ -214,8 +212,8 @@ bool TakePlaces(const std::vector<GaugeText>& labels, Room* room) {
   return true;
 }
 
-std::wstring UnitText(const InstrumentBlock& block, int exponent) {
-  std::wstring unit = InstrumentUnit(block);
+FixedText UnitText(const InstrumentBlock& block, int exponent) {
+  FixedText unit = UnitOf(block);
   if (exponent == 0) return unit;
   wchar_t scaled[32];
   if (exponent == 3) {
@@ -269,30 +267,30 @@ GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, const Me
   const Room empty{dial,
                    std::max(2.0, face * 0.04),
                    {BoxAt(dial.centre, 2 * kHubRoom * face, 2 * kHubRoom * face), GaugeValueBox(dial)}};
-  const std::wstring name = InstrumentName(block);
+  const FixedText name = NameOf(block);
   Room chosen = empty;
   Captions captions{{}, {}, false, false};
   if (face >= kLeastFaceWithLabels) {
     // The finest scale that leaves room for name and unit. A name is not worth a scale of less than four parts.
     for (const int intervals : {10, 8, 6, 5, 4, 2}) {
       const GaugeScale scale = ChooseScale(reading.minimum, reading.maximum, intervals);
-      std::vector<GaugeText> labels = PlaceLabels(empty, block, scale, measure);
+      const GaugeLabels labels = PlaceLabels(empty, block, scale, measure);
       Room room = empty;
       if ((intervals < 4 && !layout.labels.empty()) || !TakePlaces(labels, &room)) continue;
-      Captions placed = PlaceCaptions(room, name, UnitText(block, scale.exponent), measure);
+      const Captions placed = PlaceCaptions(room, name, UnitText(block, scale.exponent), measure);
       if (scale.exponent != 0 && !placed.unitFits) continue;
       if (!layout.labels.empty() && placed.Score() <= captions.Score()) continue;
-      captions = std::move(placed);
-      chosen = std::move(room);
+      captions = placed;
+      chosen = room;
       layout.scale = scale;
-      layout.labels = std::move(labels);
+      layout.labels = labels;
       if (captions.Score() == 3) break;
     }
   }
-  if (layout.labels.empty()) captions = PlaceCaptions(chosen, name, InstrumentUnit(block), measure);
+  if (layout.labels.empty()) captions = PlaceCaptions(chosen, name, UnitOf(block), measure);
   if (!captions.nameFits) PlaceCutName(chosen, name, &captions);
-  layout.name = std::move(captions.name);
-  layout.unit = std::move(captions.unit);
+  layout.name = captions.name;
+  layout.unit = captions.unit;
   return layout;
 }
 
@@ -307,11 +305,11 @@ GaugeText LayOutGaugeValue(const Dial& dial, const InstrumentBlock& block, const
   const InstrumentReading reading = ReadingOf(block);
   const RECT box = GaugeValueBox(dial);
   const int room = box.right - box.left - 2, wanted = Round(std::max(10.0, dial.faceRadius * 0.25));
-  const std::vector<std::wstring> forms =
+  const NumberFormList forms =
       reading.valid ? NumberForms(reading.value, block.format & kFormatPlaces, (block.format & kFormatSign) != 0)
-                    : std::vector<std::wstring>{L"---"};
+                    : NumberFormList{L"---"};
   // A number cut at its end would be a wrong one: the last form becomes as small as it must.
-  for (const std::wstring& form : forms) {
+  for (const FixedText& form : forms) {
     const int least = &form == &forms.back() ? 1 : kLeastHeight;
     for (int height = wanted; height >= least;) {
       const int width = measure(form, height, FW_BOLD).cx;

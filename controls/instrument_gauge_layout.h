@@ -4,9 +4,9 @@
 #pragma once
 
 #include <functional>
-#include <string>
-#include <vector>
+#include <string_view>
 
+#include "controls/fixed_text.h"
 #include "controls/instrument_dial.h"
 
 namespace kv {
@@ -31,20 +31,23 @@ double LabelValue(const GaugeScale& scale, long long index);
 PointD LabelCentre(PointD centre, double radius, double degrees, SIZE label);
 
 // The extent of a text in a font of this cell height (pixels) and weight.
-using MeasureText = std::function<SIZE(const std::wstring& text, int height, int weight)>;
+using MeasureText = std::function<SIZE(std::wstring_view text, int height, int weight)>;
 
 // A text in the middle of its box; not shown when `height`, that of its font's cell, is 0.
 struct GaugeText {
-  std::wstring text;
+  FixedText text;
   int height, weight;
   RECT box;
 };
 
+// A scale has at most eleven labels, rounding aside.
+using GaugeLabels = FixedList<GaugeText, 16>;
+
 struct GaugeLayout {
   Dial dial;
   GaugeScale scale;
-  std::vector<GaugeText> labels;  // empty when there is no room for any
-  GaugeText name, unit;           // a long name may be wider than its box, and is then to be cut
+  GaugeLabels labels;    // empty when there is no room for any
+  GaugeText name, unit;  // a long name may be wider than its box, and is then to be cut
 };
 GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, const MeasureText& measure);
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <string>
 
+#include "controls/fixed_text.h"
 #include "controls/instrument_block.h"
 #include "controls/instrument_digital.h"
 #include "controls/instrument_keep.h"
@@ -117,7 +117,7 @@ void DrawMarker(Canvas& canvas, const BarFrame& frame, double percent, COLORREF 
 
 // The number over the bar's bottom; without text when there is none to show.
 struct BarValue {
-  std::wstring text;
+  FixedText text;
   int characterWidth, height, edge;  // edge: thickness of the black line around the characters
   RECT place, reach;                 // reach: the furthest that its edges and shadow stick out
 };
@@ -127,7 +127,7 @@ BarValue LayOutBarValue(const RECT& bar, const InstrumentView& view) {
   const InstrumentBlock& block = view.block;
   // At the minimum itself the bar is empty and stays free of a number as well.
   if (reading.valid && !(block.current > block.minimum && block.current <= block.maximum)) return {};
-  const std::wstring text =
+  const FixedText text =
       reading.valid ? FixedWidthNumber(reading.value, NumberWidth(block), block.format) : NoValueNumber(block);
   const int characterWidth = (bar.right - bar.left) / (static_cast<int>(text.size()) + 2) - 1;
   if (characterWidth < 1) return {};

@@ -4,10 +4,10 @@
 #include <climits>
 #include <cmath>
 #include <cwchar>
-#include <string>
+#include <string_view>
 #include <utility>
-#include <vector>
 
+#include "controls/fixed_text.h"
 #include "controls/instrument_block.h"
 #include "framework/bounded_format.h"
 
@@ -15,6 +15,7 @@ namespace kv {
 
 namespace {
 
+constexpr UINT kWestern = 1252;
 constexpr wchar_t kPadding[] = L"                ";  // 16 blanks before the number, so that cutting always finds some
 constexpr wchar_t kDashes[] = L"----------------";
 constexpr size_t kPointSearch = 32;
@@ -24,7 +25,7 @@ int PlacesOf(BYTE format) {
 }
 
 template <class... Arguments>
-std::wstring Format(const wchar_t* format, Arguments... arguments) {
+FixedText Format(const wchar_t* format, Arguments... arguments) {
   wchar_t text[128];
   FormatBounded(text, sizeof(text), format, arguments...);
   return text;
@@ -42,7 +43,7 @@ long MillisecondsOfDay(const SYSTEMTIME& time) {
   return static_cast<long>(std::min<long long>(seconds * 1000 + time.wMilliseconds, LONG_MAX));
 }
 
-std::wstring TimeText(const SYSTEMTIME& time, int kind, bool valid) {
+FixedText TimeText(const SYSTEMTIME& time, int kind, bool valid) {
   const long hour = time.wHour, minute = time.wMinute, second = time.wSecond, milliseconds = time.wMilliseconds;
   switch (kind) {
     case 1: return valid ? Format(L"%-8.8ld", MillisecondsOfDay(time)) : L"---";
@@ -54,50 +55,87 @@ std::wstring TimeText(const SYSTEMTIME& time, int kind, bool valid) {
 }
 
 // To three digits, with a power of ten if need be.
-std::wstring ShortNumber(double value) {
-  std::wstring text = Format(L"%.3g", value);
-  const size_t power = text.find(L'e');
-  if (power == std::wstring::npos) return text;
+FixedText ShortNumber(double value) {
+  FixedText text = Format(L"%.3g", value);
+  const size_t power = text.view().find(L'e');
+  if (power == std::wstring_view::npos) return text;
   // The run-time writes at least two digits of the power, some three.
-  return text.substr(0, power + 1) + Format(L"%ld", wcstol(text.c_str() + power + 1, nullptr, 10));
+  return FixedText(text.view().substr(0, power + 1)) + Format(L"%ld", wcstol(text.c_str() + power + 1, nullptr, 10));
 }
 
-std::wstring DateText(const SYSTEMTIME& time, bool valid) {
+FixedText DateText(const SYSTEMTIME& time, bool valid) {
   if (!valid) return L"--.--.--";
   return Format(L"%-4.4ld.%-2.2ld.%-2.2ld", static_cast<long>(time.wYear), static_cast<long>(time.wMonth),
                 static_cast<long>(time.wDay));
 }
 
+// Length without a last UTF-8 sequence that the field's end cut off.
+int WholeUtf8Length(const char* text, int length) {
+  int lead = length - 1;
+  while (lead > 0 && lead > length - 4 && (text[lead] & 0xC0) == 0x80) --lead;
+  if (lead < 0) return length;
+  const BYTE first = static_cast<BYTE>(text[lead]);
+  const int needed = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : first >= 0xC0 ? 2 : 1;
+  return lead + needed > length ? lead : length;
+}
+
+bool Decode(UINT codePage, DWORD flags, const char* text, int length, FixedText* wide) {
+  wchar_t buffer[64];
+  const int count = MultiByteToWideChar(codePage, flags, text, length, buffer, ARRAYSIZE(buffer));
+  *wide = std::wstring_view(buffer, count);
+  return count > 0;
+}
+
+template <size_t Size>
+FixedText DecodeField(const char (&field)[Size], UINT otherwise) {
+  const int length = static_cast<int>(std::find(field, field + Size, '\0') - field);
+  FixedText wide;
+  if (length == 0) return wide;
+  // Only a field that is full to the end can have been cut.
+  const int whole = length >= static_cast<int>(Size) - 1 ? WholeUtf8Length(field, length) : length;
+  if (whole > 0 && Decode(CP_UTF8, MB_ERR_INVALID_CHARS, field, whole, &wide)) return wide;
+  Decode(otherwise, 0, field, length, &wide);
+  return wide;
+}
+
 }  // namespace
 
-std::wstring FixedWidthNumber(double value, int width, BYTE format) {
+FixedText NameOf(const InstrumentBlock& block) {
+  return DecodeField(block.szName, CP_ACP);
+}
+
+FixedText UnitOf(const InstrumentBlock& block) {
+  return DecodeField(block.szUnit, kWestern);
+}
+
+FixedText FixedWidthNumber(double value, int width, BYTE format) {
   const int places = PlacesOf(format);
   wchar_t number[32];
   FormatBounded(number, sizeof(number), format & kFormatSign ? L"%%+%ld.%ldf" : L"%%%ld.%ldf",
                 static_cast<long>(std::max(0, width - places)), static_cast<long>(places));
-  const std::wstring text = Format((kPadding + std::wstring(number)).c_str(), value);
+  const FixedText text = Format((FixedText(kPadding) + number).c_str(), value);
   const size_t integerWidth = std::max(1, width - places - (places > 0 ? 1 : 0));
-  const size_t point = std::min({text.find(L'.'), text.size(), kPointSearch});
-  return text.substr(point > integerWidth ? point - integerWidth : 0);
+  const size_t point = std::min({text.view().find(L'.'), text.size(), kPointSearch});
+  return text.view().substr(point > integerWidth ? point - integerWidth : 0);
 }
 
-std::wstring WithoutPadding(const std::wstring& text) {
+FixedText WithoutPadding(std::wstring_view text) {
   return text.substr(std::min(text.find_first_not_of(L' '), text.size()));
 }
 
-std::wstring PlainNumber(double value, int places, bool sign) {
+FixedText PlainNumber(double value, int places, bool sign) {
   wchar_t number[32];
   FormatBounded(number, sizeof(number), sign ? L"%%+.%ldf" : L"%%.%ldf", static_cast<long>(places));
-  const std::wstring text = Format(number, value);
-  const bool zero = text.find_first_not_of(L"+-0.") == std::wstring::npos;
-  return zero ? text.substr(text.find_first_not_of(L"+-")) : text;
+  const FixedText text = Format(number, value);
+  const bool zero = text.view().find_first_not_of(L"+-0.") == std::wstring_view::npos;
+  return zero ? FixedText(text.view().substr(text.view().find_first_not_of(L"+-"))) : text;
 }
 
-std::vector<std::wstring> NumberForms(double value, int places, bool sign) {
-  std::vector<std::wstring> forms;
+NumberFormList NumberForms(double value, int places, bool sign) {
+  NumberFormList forms;
   for (; places >= 0; --places) forms.push_back(PlainNumber(value, places, sign));
-  std::wstring power = ShortNumber(value);
-  if (power.size() < forms.back().size()) forms.push_back(std::move(power));
+  const FixedText power = ShortNumber(value);
+  if (power.size() < forms.back().size()) forms.push_back(power);
   return forms;
 }
 
@@ -106,15 +144,15 @@ int NumberWidth(const InstrumentBlock& block) {
   return places + (places > 0 ? 1 : 0) + IntegerDigits(block.maximum) + (block.format & kFormatSign ? 1 : 0);
 }
 
-std::wstring NoValueNumber(const InstrumentBlock& block) {
+FixedText NoValueNumber(const InstrumentBlock& block) {
   const int width = std::max(1, NumberWidth(block));
-  if (PlacesOf(block.format) == 0) return std::wstring(kDashes).substr(0, width);
-  std::wstring text = std::wstring(kDashes).substr(0, width + 1);
+  if (PlacesOf(block.format) == 0) return std::wstring_view(kDashes).substr(0, width);
+  FixedText text = std::wstring_view(kDashes).substr(0, width + 1);
   if (static_cast<size_t>(width) <= text.size()) text[width - 1] = L'.';
   return text;
 }
 
-std::wstring AngleText(double degrees, const char (&hemispheres)[6]) {
+FixedText AngleText(double degrees, const char (&hemispheres)[6]) {
   constexpr double kMost = 999999999;
   const double magnitude = std::isnan(degrees) ? 0 : std::min(std::fabs(degrees), kMost);
   long whole = static_cast<long>(magnitude);
@@ -132,7 +170,7 @@ std::wstring AngleText(double degrees, const char (&hemispheres)[6]) {
   whole += minutes / 60;
   minutes %= 60;
   const wchar_t hemisphere = static_cast<BYTE>(hemispheres[degrees < 0 ? 1 : 0]);
-  std::wstring text =
+  FixedText text =
       Format(L"%-3.3ld.%-2.2ld.%-2.2ld.%-2.2ld.%c", whole, minutes, seconds, hundredths, static_cast<int>(hemisphere));
   if (text[0] == L'0') {
     text[0] = L' ';
@@ -141,12 +179,12 @@ std::wstring AngleText(double degrees, const char (&hemispheres)[6]) {
   return text;
 }
 
-std::wstring DigitalText(const InstrumentBlock& block, DWORD style, const SYSTEMTIME& time) {
+FixedText DigitalText(const InstrumentBlock& block, DWORD style, const SYSTEMTIME& time) {
   const InstrumentReading reading = ReadingOf(block);
   if (style & kInstrumentShowTime) return TimeText(time, PlacesOf(block.format), reading.valid);
   if (style & kInstrumentShowDate) return DateText(time, reading.valid);
   if (style & kInstrumentShowAngle) {
-    return reading.valid ? AngleText(reading.value, block.szUnit) : std::wstring(L"--.--.--.--");
+    return reading.valid ? AngleText(reading.value, block.szUnit) : FixedText(L"--.--.--.--");
   }
   return reading.valid ? FixedWidthNumber(reading.value, NumberWidth(block), block.format) : NoValueNumber(block);
 }

@@ -4,37 +4,43 @@
 
 #include <windows.h>
 
-#include <string>
-#include <vector>
+#include <string_view>
 
+#include "controls/fixed_text.h"
 #include "controls/instrument_block.h"
 
 namespace kv {
 
+// What InstrumentName and InstrumentUnit tell.
+FixedText NameOf(const InstrumentBlock& block);
+FixedText UnitOf(const InstrumentBlock& block);
+
 // A number of fixed width: the integer part is padded or cut at its upper end to what `width` leaves for it, so a
 // number that outgrows its display keeps its low digits in place instead of moving the point. `format` as in the block.
-std::wstring FixedWidthNumber(double value, int width, BYTE format);
+FixedText FixedWidthNumber(double value, int width, BYTE format);
 
 // The text without its leading blanks, for writing it centred.
-std::wstring WithoutPadding(const std::wstring& text);
+FixedText WithoutPadding(std::wstring_view text);
 
 // The number with as many digits as it needs; what rounds to zero has no sign.
-std::wstring PlainNumber(double value, int places, bool sign);
+FixedText PlainNumber(double value, int places, bool sign);
 
 // The number as it is, then ever shorter: with fewer decimal places, and at last to three digits with a power of ten,
 // where that is shorter still. For whoever has room for one of them.
-std::vector<std::wstring> NumberForms(double value, int places, bool sign);
+// Seven places are the most that a format has.
+using NumberFormList = FixedList<FixedText, 9>;
+NumberFormList NumberForms(double value, int places, bool sign);
 
 // The width in characters that the block's maximum, decimal places and sign ask for.
 int NumberWidth(const InstrumentBlock& block);
 
 // Dashes of the block's width, with one behind the point.
-std::wstring NoValueNumber(const InstrumentBlock& block);
+FixedText NoValueNumber(const InstrumentBlock& block);
 
 // The value as degrees, minutes, seconds, hundredths and the hemisphere letter, separated by points.
-std::wstring AngleText(double degrees, const char (&hemispheres)[6]);
+FixedText AngleText(double degrees, const char (&hemispheres)[6]);
 
 // The text of the digital read-out. `style` picks between number, time, date and angle (kInstrumentShowTime ...).
-std::wstring DigitalText(const InstrumentBlock& block, DWORD style, const SYSTEMTIME& time);
+FixedText DigitalText(const InstrumentBlock& block, DWORD style, const SYSTEMTIME& time);
 
 }  // namespace kv

@@ -1,10 +1,11 @@
 #include "controls/instrument_view.h"
 
 #include <algorithm>
-#include <string>
+#include <string_view>
 
 #include "controls/instrument_block.h"
 #include "controls/instrument_keep.h"
+#include "controls/instrument_text.h"
 #include "framework/canvas.h"
 #include "framework/guards.h"
 #include "framework/painting.h"
@@ -39,24 +40,24 @@ COLORREF ShownColor(const InstrumentView& view, COLORREF color) {
   return RGB(grey, grey, grey);
 }
 
-SIZE TextSize(HDC dc, HFONT font, const std::wstring& text) {
+SIZE TextSize(HDC dc, HFONT font, std::wstring_view text) {
   const SelectedObject selected(dc, font);
   SIZE size{};
-  GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
+  GetTextExtentPoint32W(dc, text.data(), static_cast<int>(text.size()), &size);
   return size;
 }
 
-void DrawTextLine(Canvas& canvas, HFONT font, const std::wstring& text, RECT area, COLORREF color, UINT align) {
+void DrawTextLine(Canvas& canvas, HFONT font, std::wstring_view text, RECT area, COLORREF color, UINT align) {
   if (!(align & DT_NOCLIP) && canvas.Hides(area)) return;
   HDC dc = canvas.dc();
   const SelectedObject selected(dc, font);
   SetBkMode(dc, TRANSPARENT);
   SetTextColor(dc, color);
-  DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &area,
+  DrawTextW(dc, text.data(), static_cast<int>(text.size()), &area,
             align | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
 }
 
-HFONT FittingFont(HDC dc, InstrumentFonts& fonts, const std::wstring& text, int height, int least, int width,
+HFONT FittingFont(HDC dc, InstrumentFonts& fonts, std::wstring_view text, int height, int least, int width,
                   int weight) {
   height = std::max(height, least);
   HFONT font = fonts.Get(height, 0, weight);
@@ -69,7 +70,7 @@ HFONT FittingFont(HDC dc, InstrumentFonts& fonts, const std::wstring& text, int 
   return font;
 }
 
-DWORD LookOf(const std::wstring& text) {
+DWORD LookOf(std::wstring_view text) {
   return LookOf(text.data(), text.size() * sizeof(wchar_t));
 }
 
@@ -79,8 +80,7 @@ int CaptionFontHeight(int governingSide) {
 
 void DrawCaption(Canvas& canvas, const RECT& strip, const InstrumentView& view, int fontHeight, UINT align) {
   DrawTextLine(canvas, view.keep.fonts.Get(fontHeight, static_cast<int>(fontHeight / 2.5), FW_NORMAL),
-               InstrumentName(view.block), strip, GetSysColor(IsDisabled(view) ? COLOR_GRAYTEXT : COLOR_BTNTEXT),
-               align);
+               NameOf(view.block), strip, GetSysColor(IsDisabled(view) ? COLOR_GRAYTEXT : COLOR_BTNTEXT), align);
 }
 
 RECT DrawDisplayWell(Canvas& canvas, RECT area) {

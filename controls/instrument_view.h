@@ -7,7 +7,7 @@
 
 #include <windows.h>
 
-#include <string>
+#include <string_view>
 
 #include "controls/instrument_block.h"
 #include "controls/instrument_keep.h"
@@ -50,14 +50,13 @@ inline constexpr double kUnlit = 0.2;
 
 inline constexpr wchar_t kInstrumentFont[] = L"Arial Unicode MS";
 
-SIZE TextSize(HDC dc, HFONT font, const std::wstring& text);
+SIZE TextSize(HDC dc, HFONT font, std::wstring_view text);
 // One line, transparent, vertically centred; `align` is DT_LEFT, DT_CENTER or DT_RIGHT. What does not fit ends in dots.
 // With DT_NOCLIP a text may reach out of the area.
-void DrawTextLine(Canvas& canvas, HFONT font, const std::wstring& text, RECT area, COLORREF color, UINT align);
+void DrawTextLine(Canvas& canvas, HFONT font, std::wstring_view text, RECT area, COLORREF color, UINT align);
 // The largest font of at most `height` in which the text fits into `width`, but not below `least`.
-HFONT FittingFont(HDC dc, InstrumentFonts& fonts, const std::wstring& text, int height, int least, int width,
-                  int weight);
-DWORD LookOf(const std::wstring& text);
+HFONT FittingFont(HDC dc, InstrumentFonts& fonts, std::wstring_view text, int height, int least, int width, int weight);
+DWORD LookOf(std::wstring_view text);
 
 // Captions of the rectangular layouts: the block's name in the system's text colour.
 int CaptionFontHeight(int governingSide);

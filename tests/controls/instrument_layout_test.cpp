@@ -7,6 +7,7 @@
 #include <limits>
 #include <set>
 #include <string>
+#include <string_view>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -116,9 +117,13 @@ TEST(InstrumentText, FixedWidthKeepsTheLowDigits) {
   EXPECT_GE(60u, FixedWidthNumber(3.4e38, 4, 2).size());
   for (const double wild : {1e300, static_cast<double>(NAN)}) EXPECT_FALSE(FixedWidthNumber(wild, 5, 7).empty());
   using Forms = std::vector<std::wstring>;
-  EXPECT_EQ((Forms{L"1013.28", L"1013.3", L"1013"}), NumberForms(1013.28, 2, false));
-  EXPECT_EQ((Forms{L"1234567890", L"1.23e9"}), NumberForms(1234567890, 0, false));
-  EXPECT_EQ((Forms{L"-0.3", L"0"}), NumberForms(-0.3, 1, true));  // what rounds to zero has no sign
+  const auto forms = [](double value, int places, bool sign) {
+    const NumberFormList list = NumberForms(value, places, sign);
+    return Forms(list.begin(), list.end());
+  };
+  EXPECT_EQ((Forms{L"1013.28", L"1013.3", L"1013"}), forms(1013.28, 2, false));
+  EXPECT_EQ((Forms{L"1234567890", L"1.23e9"}), forms(1234567890, 0, false));
+  EXPECT_EQ((Forms{L"-0.3", L"0"}), forms(-0.3, 1, true));  // what rounds to zero has no sign
 }
 
 TEST(InstrumentText, WidthFollowsTheMaximum) {
@@ -196,7 +201,7 @@ TEST(InstrumentGauge, AnglesAndLabels) {
 }
 
 // A font of plain proportions.
-SIZE MeasureByCount(const std::wstring& text, int height, int weight) {
+SIZE MeasureByCount(std::wstring_view text, int height, int weight) {
   return {std::lround(text.size() * height * (weight > FW_NORMAL ? 0.49 : 0.45)), height};
 }
 
@@ -215,7 +220,7 @@ TEST(InstrumentGauge, NoTwoTextsTouchAtAnySizeAndRange) {
       const std::string what = std::to_string(side) + " px from " + std::to_string(minimum);
       std::vector<RECT> boxes;
       if (layout.dial.faceRadius >= kLeastFaceWithWindow) boxes.push_back(GaugeValueBox(layout.dial));
-      std::vector<GaugeText> texts = layout.labels;
+      std::vector<GaugeText> texts(layout.labels.begin(), layout.labels.end());
       for (const GaugeText& text : {layout.name, layout.unit}) {
         if (text.height) texts.push_back(text);
       }
