@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Makes the Wine prefix under build/ on first use: 32-bit, with the fonts that the windows name. A prefix that stands gets
-# its fonts anew whenever this script has changed.
+# its fonts and settings anew whenever this script has changed.
 source "$(dirname "$0")/common.sh"
 
 ready=$WINEPREFIX/.tarnwick-ready
@@ -54,6 +54,13 @@ END
   wineserver -w
 }
 
+# Wine draws common controls in a visual style whether a manifest asks for it or not, and not in the system's colours. The
+# programs ask for none (docs/decisions/no-themes.md), so Windows shows them the classic controls; so does this prefix.
+leave_styles() {
+  env -u DISPLAY wine reg add 'HKCU\Software\Microsoft\Windows\CurrentVersion\ThemeManager' /v ThemeActive /d 0 /f
+  wineserver -w
+}
+
 [ -f "$ready" ] || quietly "making the Wine prefix" make_prefix
-quietly "giving the Wine prefix its fonts" eval 'copy_fonts && map_fonts'
+quietly "giving the Wine prefix its fonts and settings" eval 'copy_fonts && map_fonts && leave_styles'
 printf '%s\n' "$version" >"$ready"
