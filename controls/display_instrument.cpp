@@ -162,6 +162,11 @@ Damage Render(InstrumentRecord* record) {
   return damage;
 }
 
+// The same, and has what changed painted when the time comes.
+void EnsureRendered(InstrumentRecord* record) {
+  for (const RECT& changed : Render(record)) InvalidateRect(record->hWnd, &changed, FALSE);
+}
+
 OwnedRegion RegionOf(const Damage& damage) {
   OwnedRegion region(CreateRectRgn(0, 0, 0, 0));
   for (const RECT& area : damage) {
@@ -171,8 +176,8 @@ OwnedRegion RegionOf(const Damage& damage) {
   return region;
 }
 
-// Shows a change before returning; what did not change is not painted. All in one call, since each into the system
-// costs as much as drawing a small instrument's needle.
+// Shows a change before returning; what did not change is not painted. All in one call: twenty gliding instruments make
+// a thousand of them a second.
 void ShowNow(InstrumentRecord* record) {
   const Damage damage = Render(record);
   const bool changed = damage.begin() != damage.end();
@@ -388,10 +393,8 @@ LRESULT OnSetText(InstrumentRecord* record, const char* text) {
 }
 
 LRESULT OnPaint(HWND window, InstrumentRecord* record) {
-  if (record) {
-    // Before the paint begins: it then shows all that changed.
-    for (const RECT& changed : Render(record)) InvalidateRect(window, &changed, FALSE);
-  }
+  // Before the paint begins: it then shows what this invalidates as well.
+  if (record) EnsureRendered(record);
   const PaintScope paint(window);
   if (!record) return kNoRecord;
   if (!record->hBuffer) return 0;
@@ -421,7 +424,7 @@ LRESULT OnTimer(InstrumentRecord* record, WPARAM timer) {
 }
 
 LRESULT CopyToClipboard(InstrumentRecord* record, LPARAM requested) {
-  for (const RECT& changed : Render(record)) InvalidateRect(record->hWnd, &changed, FALSE);
+  EnsureRendered(record);
   if (!record->hBuffer) return 0;
   const SIZE own{record->nWidth, record->nHeight};
   const SIZE size = RequestedPictureSize(requested, own, kInstrumentSmallestPicture, kInstrumentLargestPicture);

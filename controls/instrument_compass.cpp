@@ -92,7 +92,8 @@ void AddMark(Canvas& canvas, const Dial& dial, Mark mark, double angle) {
           std::max(width, 0.7));
 }
 
-// The marks of a quarter make one shape for each colour: as many as a shape can hold when there is one for each degree.
+// The marks of a quarter make one shape for each colour: those of a whole card with one for each degree have more edges
+// than a shape can hold.
 void DrawMarks(Canvas& canvas, const Dial& dial, const DialColors& colors, double heading) {
   const int spacing = MarkSpacing(dial.faceRadius);
   for (int quarter = 0; quarter < 360; quarter += 90) {

@@ -26,8 +26,7 @@ FixedText WithoutPadding(std::wstring_view text);
 FixedText PlainNumber(double value, int places, bool sign);
 
 // The number as it is, then ever shorter: with fewer decimal places, and at last to three digits with a power of ten,
-// where that is shorter still. For whoever has room for one of them.
-// Seven places are the most that a format has.
+// where that is shorter still. For whoever has room for one of them. A block's format has at most seven places.
 using NumberFormList = FixedList<FixedText, 9>;
 NumberFormList NumberForms(double value, int places, bool sign);
 

@@ -140,5 +140,18 @@ TEST(Glyphs, HaveOutlinesThatTurn) {
   EXPECT_EQ(0, glyph->figures);
 }
 
+TEST(Glyphs, NoneIsLostThatTheShapeHasNoRoomFor) {
+  const auto glyph = std::make_unique<GlyphOutline>();
+  ASSERT_TRUE(OutlineOfCharacter(L"Arial Unicode MS", FW_BOLD, L'8', glyph.get()));
+  Board together(400, 20), each(400, 20);
+  BeginShape(*together.canvas);
+  for (double x = 5; x < 400; x += 10) {
+    AddGlyph(*together.canvas, *glyph, {x, 10}, 0, 8, 0, kWhite);
+    FillGlyph(*each.canvas, *glyph, {x, 10}, 0, 8, 0, kWhite);
+  }
+  FillShape(*together.canvas, kWhite);
+  EXPECT_EQ(each.Covered(), together.Covered());
+}
+
 }  // namespace
 }  // namespace kv
