@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "controls/instrument_view.h"
+#include "controls/instrument/view.h"
 #include "framework/canvas.h"
 #include "framework/coverage.h"
 #include "framework/glyph_outline.h"

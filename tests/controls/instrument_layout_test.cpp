@@ -13,14 +13,14 @@
 #include <vector>
 
 #include "controls/instrument_block.h"
-#include "controls/instrument_centre_bar.h"
-#include "controls/instrument_compass.h"
-#include "controls/instrument_dial.h"
-#include "controls/instrument_digital.h"
-#include "controls/instrument_digits.h"
-#include "controls/instrument_gauge_layout.h"
-#include "controls/instrument_segment_bar.h"
-#include "controls/instrument_text.h"
+#include "controls/instrument/centre_bar.h"
+#include "controls/instrument/compass.h"
+#include "controls/instrument/dial.h"
+#include "controls/instrument/digital.h"
+#include "controls/instrument/digits.h"
+#include "controls/instrument/gauge_layout.h"
+#include "controls/instrument/segment_bar.h"
+#include "controls/instrument/text.h"
 
 namespace kv {
 namespace {

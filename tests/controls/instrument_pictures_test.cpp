@@ -12,7 +12,7 @@
 
 #include "controls/display_instrument.h"
 #include "controls/instrument_block.h"
-#include "controls/instrument_keep.h"
+#include "controls/instrument/cache.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
 #include "framework/painting.h"

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "controls/display_instrument.h"
-#include "controls/instrument_record.h"
+#include "controls/instrument/record.h"
 #include "framework/guards.h"
 #include "framework/window_record.h"
 #include "tests/support/control_test.h"

@@ -9,7 +9,7 @@
 
 #include "controls/display_instrument.h"
 #include "controls/instrument_block.h"
-#include "controls/instrument_text.h"
+#include "controls/instrument/text.h"
 #include "framework/bounded_format.h"
 #include "framework/control_class.h"
 #include "tests/support/control_test.h"

@@ -1,9 +1,9 @@
-#include "controls/instrument_digital.h"
+#include "controls/instrument/digital.h"
 
 #include "controls/instrument_block.h"
-#include "controls/instrument_digits.h"
-#include "controls/instrument_keep.h"
-#include "controls/instrument_view.h"
+#include "controls/instrument/digits.h"
+#include "controls/instrument/cache.h"
+#include "controls/instrument/view.h"
 #include "framework/canvas.h"
 #include "framework/painting.h"
 

@@ -2,7 +2,7 @@
 // rectangle.
 #pragma once
 
-#include "controls/instrument_view.h"
+#include "controls/instrument/view.h"
 
 namespace kv {
 

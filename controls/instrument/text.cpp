@@ -1,4 +1,4 @@
-#include "controls/instrument_text.h"
+#include "controls/instrument/text.h"
 
 #include <algorithm>
 #include <climits>
@@ -7,7 +7,7 @@
 #include <string_view>
 #include <utility>
 
-#include "controls/fixed_text.h"
+#include "controls/instrument/fixed_text.h"
 #include "controls/instrument_block.h"
 #include "framework/bounded_format.h"
 

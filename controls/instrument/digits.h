@@ -7,8 +7,8 @@
 #include <array>
 #include <span>
 
-#include "controls/fixed_text.h"
-#include "controls/instrument_keep.h"
+#include "controls/instrument/fixed_text.h"
+#include "controls/instrument/cache.h"
 
 namespace kv {
 

@@ -1,13 +1,13 @@
-#include "controls/instrument_centre_bar.h"
+#include "controls/instrument/centre_bar.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "controls/fixed_text.h"
+#include "controls/instrument/fixed_text.h"
 #include "controls/instrument_block.h"
-#include "controls/instrument_keep.h"
-#include "controls/instrument_text.h"
-#include "controls/instrument_view.h"
+#include "controls/instrument/cache.h"
+#include "controls/instrument/text.h"
+#include "controls/instrument/view.h"
 #include "framework/canvas.h"
 #include "framework/painting.h"
 

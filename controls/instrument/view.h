@@ -10,7 +10,7 @@
 #include <string_view>
 
 #include "controls/instrument_block.h"
-#include "controls/instrument_keep.h"
+#include "controls/instrument/cache.h"
 #include "framework/canvas.h"
 
 namespace kv {

@@ -1,10 +1,10 @@
-#include "controls/instrument_keep.h"
+#include "controls/instrument/cache.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <new>
 
-#include "controls/instrument_view.h"
+#include "controls/instrument/view.h"
 #include "framework/glyph_outline.h"
 
 namespace kv {

@@ -6,8 +6,8 @@
 #include <functional>
 #include <string_view>
 
-#include "controls/fixed_text.h"
-#include "controls/instrument_dial.h"
+#include "controls/instrument/fixed_text.h"
+#include "controls/instrument/dial.h"
 
 namespace kv {
 

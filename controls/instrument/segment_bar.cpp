@@ -1,15 +1,15 @@
-#include "controls/instrument_segment_bar.h"
+#include "controls/instrument/segment_bar.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 
-#include "controls/fixed_text.h"
+#include "controls/instrument/fixed_text.h"
 #include "controls/instrument_block.h"
-#include "controls/instrument_digital.h"
-#include "controls/instrument_keep.h"
-#include "controls/instrument_text.h"
-#include "controls/instrument_view.h"
+#include "controls/instrument/digital.h"
+#include "controls/instrument/cache.h"
+#include "controls/instrument/text.h"
+#include "controls/instrument/view.h"
 #include "framework/canvas.h"
 #include "framework/coverage.h"
 #include "framework/glyph_outline.h"

@@ -1,8 +1,8 @@
 // The circular gauge: a dial of 270 degrees with scale, coloured zones, needle, name, unit and value, from a few pixels
-// to thousands. What stands where is settled in controls/instrument_gauge_layout.h.
+// to thousands. What stands where is settled in controls/instrument/gauge_layout.h.
 #pragma once
 
-#include "controls/instrument_view.h"
+#include "controls/instrument/view.h"
 
 namespace kv {
 

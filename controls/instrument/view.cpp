@@ -1,11 +1,11 @@
-#include "controls/instrument_view.h"
+#include "controls/instrument/view.h"
 
 #include <algorithm>
 #include <string_view>
 
 #include "controls/instrument_block.h"
-#include "controls/instrument_keep.h"
-#include "controls/instrument_text.h"
+#include "controls/instrument/cache.h"
+#include "controls/instrument/text.h"
 #include "framework/canvas.h"
 #include "framework/guards.h"
 #include "framework/painting.h"

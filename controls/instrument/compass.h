@@ -4,8 +4,8 @@
 
 #include <array>
 
-#include "controls/fixed_text.h"
-#include "controls/instrument_view.h"
+#include "controls/instrument/fixed_text.h"
+#include "controls/instrument/view.h"
 
 namespace kv {
 

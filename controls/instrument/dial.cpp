@@ -1,7 +1,7 @@
-#include "controls/instrument_dial.h"
+#include "controls/instrument/dial.h"
 
 #include <algorithm>
-#include "controls/instrument_view.h"
+#include "controls/instrument/view.h"
 #include "framework/canvas.h"
 #include "framework/coverage.h"
 

@@ -1,7 +1,7 @@
 // The round case that gauge and compass share: where it stands in a rectangle, and its metal rim and face.
 #pragma once
 
-#include "controls/instrument_view.h"
+#include "controls/instrument/view.h"
 #include "framework/canvas.h"
 
 namespace kv {

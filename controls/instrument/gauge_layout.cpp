@@ -1,4 +1,4 @@
-#include "controls/instrument_gauge_layout.h"
+#include "controls/instrument/gauge_layout.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,10 +7,10 @@
 #include <string_view>
 #include <utility>
 
-#include "controls/fixed_text.h"
+#include "controls/instrument/fixed_text.h"
 #include "controls/instrument_block.h"
-#include "controls/instrument_dial.h"
-#include "controls/instrument_text.h"
+#include "controls/instrument/dial.h"
+#include "controls/instrument/text.h"
 #include "framework/bounded_format.h"
 #include "framework/canvas.h"
 #include "framework/coverage.h"

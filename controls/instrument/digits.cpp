@@ -1,12 +1,12 @@
-#include "controls/instrument_digits.h"
+#include "controls/instrument/digits.h"
 
 #include <algorithm>
 #include <cmath>
 #include <iterator>
 
-#include "controls/fixed_text.h"
+#include "controls/instrument/fixed_text.h"
 #include "controls/instrument_block.h"
-#include "controls/instrument_keep.h"
+#include "controls/instrument/cache.h"
 #include "framework/canvas.h"
 #include "framework/coverage.h"
 

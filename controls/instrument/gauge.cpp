@@ -1,4 +1,4 @@
-#include "controls/instrument_gauge.h"
+#include "controls/instrument/gauge.h"
 
 #include <algorithm>
 #include <array>
@@ -6,10 +6,10 @@
 #include <string_view>
 
 #include "controls/instrument_block.h"
-#include "controls/instrument_dial.h"
-#include "controls/instrument_gauge_layout.h"
-#include "controls/instrument_keep.h"
-#include "controls/instrument_view.h"
+#include "controls/instrument/dial.h"
+#include "controls/instrument/gauge_layout.h"
+#include "controls/instrument/cache.h"
+#include "controls/instrument/view.h"
 #include "framework/angles.h"
 #include "framework/canvas.h"
 #include "framework/painting.h"

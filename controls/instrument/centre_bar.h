@@ -2,7 +2,7 @@
 // takes a canvas and a rectangle.
 #pragma once
 
-#include "controls/instrument_view.h"
+#include "controls/instrument/view.h"
 
 namespace kv {
 

@@ -6,7 +6,7 @@
 
 #include <string_view>
 
-#include "controls/fixed_text.h"
+#include "controls/instrument/fixed_text.h"
 #include "controls/instrument_block.h"
 
 namespace kv {

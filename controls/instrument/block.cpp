@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <string>
 
-#include "controls/fixed_text.h"
-#include "controls/instrument_text.h"
+#include "controls/instrument/fixed_text.h"
+#include "controls/instrument/text.h"
 
 namespace kv {
 

@@ -1,15 +1,15 @@
-#include "controls/instrument_compass.h"
+#include "controls/instrument/compass.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 
-#include "controls/fixed_text.h"
+#include "controls/instrument/fixed_text.h"
 #include "controls/instrument_block.h"
-#include "controls/instrument_dial.h"
-#include "controls/instrument_keep.h"
-#include "controls/instrument_text.h"
-#include "controls/instrument_view.h"
+#include "controls/instrument/dial.h"
+#include "controls/instrument/cache.h"
+#include "controls/instrument/text.h"
+#include "controls/instrument/view.h"
 #include "framework/angles.h"
 #include "framework/bounded_format.h"
 #include "framework/canvas.h"
