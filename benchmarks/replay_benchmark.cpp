@@ -43,9 +43,12 @@ std::vector<Moment> MakeRecording(const std::string& path, double seconds) {
     for (char& byte : bytes) moments.push_back({now, byte = static_cast<char>(random() >> 24)});
     file += camtool::EncodeChunks(static_cast<std::uint64_t>(now * 1e6), bytes);
   }
-  HANDLE out = camtool::CreateNewFile(path, true, &error);
-  camtool::AppendToFile(out, path, file + camtool::EncodeEnd(static_cast<std::uint64_t>(now * 1e6)), &error);
-  CloseHandle(out);
+  camtool::OutputFile out;
+  if (camtool::OpenOutput(path, true, nullptr, &out, &error)) {
+    camtool::AppendToOutput(&out, file + camtool::EncodeEnd(static_cast<std::uint64_t>(now * 1e6)), &error);
+    camtool::PublishOutput(&out, &error);
+  }
+  camtool::CloseOutput(&out);
   return moments;
 }
 
@@ -94,16 +97,15 @@ int main(int argc, char** argv) {
   GetTempPathA(sizeof(folder), folder);
   const std::string path = std::string(folder) + "replay benchmark.twr";
   const std::vector<Moment> sent = MakeRecording(path, seconds);
-  HANDLE port = camtool::OpenPortOrComplain(kPort);
-  if (port == INVALID_HANDLE_VALUE) return 1;
+  camtool::Port port;
+  if (!camtool::OpenPortOrComplain(kPort, &port)) return 1;
   std::string command = camtool::Format("\"Z:%s\" replay \"%s\" COM%d", KV_CAMTOOL_EXE, path.c_str(), kFarPort);
   STARTUPINFOA start{};
   start.cb = sizeof(start);
   PROCESS_INFORMATION player{};
   CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &player);
-  const std::vector<Moment> heard = Hear(port, sent.size());
+  const std::vector<Moment> heard = Hear(port.handle(), sent.size());
   WaitForSingleObject(player.hProcess, 10000);
-  CloseHandle(port);
   DeleteFileA(path.c_str());
   timeEndPeriod(1);
   return Compare(sent, heard);

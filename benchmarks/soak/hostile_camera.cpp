@@ -49,10 +49,7 @@ long NumberIn(const kv::CameraPoint (&points)[kv::kPointCount]) {
 }
 
 HostileCamera::HostileCamera(int portNumber, std::uint32_t seed)
-    : portNumber_(portNumber),
-      port_(camtool::OpenPort(portNumber, {}).handle),
-      faults_(camtool::MakeFaultInjector(AllFaults(seed))),
-      thread_([this] { Stream(); }) {}
+    : portNumber_(portNumber), faults_(camtool::MakeFaultInjector(AllFaults(seed))), thread_([this] { Stream(); }) {}
 
 HostileCamera::~HostileCamera() {
   Stop();
@@ -72,16 +69,15 @@ std::vector<SentRecord> HostileCamera::Sent() const {
 // Opens the port when it is not: after a hang-up, or when the line was unplugged.
 bool HostileCamera::Send(const std::string& bytes) {
   if (bytes.empty()) return true;
-  if (port_ == INVALID_HANDLE_VALUE) port_ = camtool::OpenPort(portNumber_, {}).handle;
-  if (port_ == INVALID_HANDLE_VALUE) return false;
-  const camtool::Written written = camtool::WritePort(port_, bytes.data(), bytes.size(), kPatienceMs);
+  if (!port_.isOpen()) camtool::OpenPort(portNumber_, {}, &port_);
+  if (!port_.isOpen()) return false;
+  const camtool::Written written = camtool::WritePort(port_.handle(), bytes.data(), bytes.size(), kPatienceMs);
   if (written == camtool::Written::kGone) HangUp();
   return written == camtool::Written::kAll;
 }
 
 void HostileCamera::HangUp() {
-  if (port_ != INVALID_HANDLE_VALUE) CloseHandle(port_);
-  port_ = INVALID_HANDLE_VALUE;
+  port_.Close();
 }
 
 std::unique_lock<std::mutex> HostileCamera::Unplugged() {

@@ -11,6 +11,7 @@
 
 #include "app/camera_point.h"
 #include "tools/camtool/faults.h"
+#include "tools/camtool/ports.h"
 
 namespace soak {
 
@@ -43,7 +44,7 @@ class HostileCamera {
   void HangUp();
 
   int portNumber_;
-  HANDLE port_;
+  camtool::Port port_;
   camtool::FaultInjector faults_;
   std::atomic<bool> stop_{false};
   std::mutex line_;  // guards the port

@@ -117,8 +117,10 @@ TEST(CamtoolFaults, DoWhatTheirNamesSayAsOftenAsAskedFor) {
 TEST(CamtoolPaths, AreReadFromWhatExportAndSpreadsheetsWrite) {
   PointPath path;
   std::string error;
-  FoundRecord record{.seconds = 1.5, .points = {{1, 2}, {3, 4}, {1023, 1023}, {7, 8}}, .isOdd = false};
-  ASSERT_TRUE(ParsePath(CsvHeader() + CsvRow(record) + "2.5,9,9\r\n\n3.5,,,5,6\n", &path, &error)) << error;
+  std::string csv = CsvHeader();
+  AppendCsvRow({.seconds = 1.5, .points = {{1, 2}, {3, 4}, {1023, 1023}, {7, 8}}}, &csv);
+  EXPECT_TRUE(csv.ends_with("\n1.500000,1,2,3,4,1023,1023,7,8\n")) << csv;
+  ASSERT_TRUE(ParsePath(csv + "2.5,9,9\r\n\n3.5,,,5,6\n", &path, &error)) << error;
   ASSERT_EQ(3u, path.rows.size());
   EXPECT_TRUE(path.hasTimes);
   kv::CameraPoint points[kv::kPointCount];

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "tools/camtool/record_stream.h"
@@ -86,6 +87,10 @@ TEST(CamtoolRecording, LosesOnlyTheChunkThatIsDamaged) {
     ASSERT_EQ(1u, read.decoder.damagedPlaces) << at;
     ASSERT_TRUE(read.decoder.hasEnd) << at;
   }
+  // A whole chunk with a wrong time, far ahead, must not take the later ones with it.
+  const Read jumped = ReadAll(EncodeHeader({}) + EncodeChunks(~std::uint64_t{0}, "?") + EncodeChunks(5, kRecord), 100);
+  EXPECT_EQ(kRecord, jumped.bytes);
+  EXPECT_EQ(1u, jumped.decoder.damagedPlaces);
   const std::string large(kLargestChunk * 2 + 5, 'x');
   EXPECT_EQ(large, ReadAll(EncodeHeader({}) + EncodeChunks(1, large), 100000).bytes);
 }
@@ -117,6 +122,16 @@ TEST(CamtoolStream, FindsRecordsAndCountsWhatIsBetweenThem) {
       EXPECT_EQ(1, found.longestGap);
       EXPECT_NEAR(2 / (found.lastSeconds - 51), RecordRate(found), 1e-9);
     }
+  }
+  // Tarnwick reads the last number on into closing digits.
+  for (const auto& [odd, y, isInRange] : {std::tuple{record.substr(0, 39) + "05", 38405L, false},
+                                          std::tuple{record.substr(0, 35) + "001012", 1012L, true},
+                                          std::tuple{record.substr(0, 35) + "-001\r\n", -1L, false}}) {
+    RecordStream found;
+    FeedStream(&found, 0, odd, nullptr);
+    EXPECT_EQ(1, found.oddRecords) << odd;
+    EXPECT_EQ(y, found.last.points[3].y);
+    EXPECT_EQ(isInRange, found.last.isInRange);
   }
   RecordStream noise;
   FeedStream(&noise, 0, std::string(30, '?'), nullptr);

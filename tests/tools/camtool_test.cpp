@@ -6,11 +6,14 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <fstream>
 #include <ios>
 #include <iterator>
 #include <string>
+#include <string_view>
 #include <thread>
+#include <tuple>
 #include <utility>
 
 #include "app/camera_point.h"
@@ -19,6 +22,7 @@
 #include "tests/support/test_window.h"
 #include "tools/camtool/exit_codes.h"
 #include "tools/camtool/line_rate.h"
+#include "tools/camtool/ports.h"
 #include "tools/camtool/recording.h"
 
 namespace kvtest {
@@ -27,6 +31,10 @@ namespace {
 std::string ReadFileText(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void WriteFileText(const std::string& path, const std::string& text) {
+  std::ofstream(path, std::ios::binary) << text;
 }
 
 std::string TemporaryFile(const char* name) {
@@ -149,6 +157,11 @@ TEST(Camtool, RecordsReplaysAndExports) {
     const Camtool refused("record COM3 \"" + first + "\" --seconds 1");
     EXPECT_EQ(camtool::kFailed, refused.Wait());
     EXPECT_PRED2(Says, refused.Said(), "exists and was left as it is");
+    const std::string whole = ReadFileText(first);
+    const Camtool silent("record COM3 \"" + first + "\" --overwrite --seconds 0.2");
+    EXPECT_EQ(camtool::kDone, silent.Wait());
+    EXPECT_PRED2(Says, silent.Said(), "no data received");
+    EXPECT_EQ(whole, ReadFileText(first)) << "what is replaced stays until there is something in its place";
     const Camtool record("record COM3 \"" + second + "\" --seconds 8");
     ASSERT_TRUE(waitForBytes(second)) << record.Said();
     const Camtool replay("replay \"" + first + "\" COM4 --speed 2");
@@ -170,6 +183,68 @@ TEST(Camtool, RecordsReplaysAndExports) {
   const std::string again = PointsOf(toOutput.Output());
   EXPECT_EQ(points.substr(0, 1000), again.substr(0, 1000)) << "the same points in the same order";
   for (const std::string& path : {first, second, csv}) DeleteFileA(path.c_str());
+}
+
+TEST(Camtool, HasAPortForItselfAlone) {
+  if (!SerialLine::CanUnplug()) GTEST_SKIP() << "no pair of ports can be made here";
+  const SerialLine line({3, 4});
+  camtool::Port mine, other;
+  EXPECT_EQ(camtool::PortState::kOpened, camtool::OpenPort(3, {}, &mine).state);
+  EXPECT_EQ(camtool::PortState::kBusy, camtool::OpenPort(3, {}, &other).state) << "who looks for no holder, too";
+  const Camtool record("record COM3 nothing.twr"), circle("record COM4 nothing.twr --forward com4");
+  EXPECT_EQ(camtool::kNoPort, record.Wait());
+  EXPECT_PRED2(Says, record.Said(), "busy: COM3 is in use by test_camtool.exe; close it");
+  EXPECT_EQ(camtool::kUsageError, circle.Wait());
+}
+
+TEST(Camtool, LosesNoFileThatExists) {
+  const std::string recording = TemporaryFile("camtool kept.twr"), link = TemporaryFile("camtool link.twr");
+  const std::string csv = TemporaryFile("camtool kept.csv"), record = "0100,0200,0300,0400,1023,1023,0512,0384";
+  // The last number of the second record runs on into its closing bytes: no row that simulate could not read.
+  const std::string bytes =
+      camtool::EncodeHeader({}) + camtool::EncodeChunks(1, record + "\r\n" + record + "05") + camtool::EncodeEnd(2);
+  WriteFileText(recording, bytes);
+  WriteFileText(csv, "old");
+  DeleteFileA(link.c_str());
+  ASSERT_TRUE(CreateHardLinkA(link.c_str(), recording.c_str(), nullptr));
+  const std::pair<std::string, const char*> cases[] = {
+      {recording, "is the file that is read"}, {link, "is the file that is read"}, {"NUL", "is a device"}};
+  for (const auto& [target, reason] : cases) {
+    const Camtool run("export \"" + recording + "\" \"" + target + "\" --overwrite");
+    EXPECT_EQ(camtool::kFailed, run.Wait()) << target;
+    EXPECT_PRED2(Says, run.Said(), reason);
+  }
+  EXPECT_EQ(bytes, ReadFileText(recording));
+  const std::string toCsv = "export \"" + recording + "\" \"" + csv + "\" --overwrite";
+  {
+    // Written, but not replaced at the end, since somebody has it open.
+    const std::ifstream holder(csv);
+    const Camtool run(toCsv);
+    EXPECT_EQ(camtool::kFailed, run.Wait());
+    EXPECT_EQ("old", ReadFileText(csv));
+  }
+  const Camtool run(toCsv);
+  EXPECT_EQ(camtool::kDone, run.Wait()) << run.Said();
+  EXPECT_PRED2(Says, run.Said(), "2 records; no malformed stretches; 1 odd");
+  EXPECT_EQ("seconds,x1,y1,x2,y2,x3,y3,x4,y4\n0.000001,100,200,300,400,1023,1023,512,384\n", ReadFileText(csv));
+  WIN32_FIND_DATAA part;
+  EXPECT_EQ(INVALID_HANDLE_VALUE, FindFirstFileA(TemporaryFile("camtool kept*.part").c_str(), &part));
+
+  std::string other = bytes;
+  other[12] = 2;
+  const std::uint32_t checksum = camtool::Crc32(std::string_view(other).substr(0, 36));
+  for (int i = 0; i < 4; ++i) other[36 + i] = static_cast<char>(checksum >> (8 * i));
+  const std::tuple<std::string, int, const char*> inputs[] = {
+      {"", camtool::kEmpty, "is empty"},
+      {other, camtool::kFailed, "format version 2; this camtool reads version 1"},
+      {"x1,y1\n", camtool::kFailed, "is not a camtool recording"}};
+  for (const auto& [content, code, reason] : inputs) {
+    WriteFileText(recording, content);
+    const Camtool read("export \"" + recording + "\"");
+    EXPECT_EQ(code, read.Wait());
+    EXPECT_PRED2(Says, read.Said(), reason);
+  }
+  for (const std::string& path : {recording, link, csv}) DeleteFileA(path.c_str());
 }
 
 TEST(Camtool, RefusesWhatItCannotDo) {

@@ -1,6 +1,7 @@
 #include "tools/camtool/console.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <string>
 
@@ -14,8 +15,10 @@ constexpr DWORD kLogPeriodMs = 10000;
 constexpr DWORD kClosingMs = 4500;
 
 HANDLE stopEvent = nullptr;
+std::atomic<bool> isStopRequested{false};  // written by the handler's thread
 
 BOOL WINAPI OnConsoleControl(DWORD event) {
+  isStopRequested = true;
   SetEvent(stopEvent);
   // After these the process ends when this handler returns: the main thread needs the time to end its work.
   if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) Sleep(kClosingMs);
@@ -40,7 +43,7 @@ HANDLE StopEvent() {
 }
 
 bool IsStopRequested() {
-  return stopEvent && WaitForSingleObject(stopEvent, 0) == WAIT_OBJECT_0;
+  return isStopRequested;
 }
 
 void Complain(const std::string& sentence) {

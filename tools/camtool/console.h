@@ -10,6 +10,7 @@ namespace camtool {
 // From the first call on, Ctrl+C, Ctrl+Break and the closing of the console window do not end the process but signal
 // this event (manual reset), so that a subcommand can end what it does in good order. Main thread only.
 HANDLE StopEvent();
+// Costs nothing, so that it can be asked for each record.
 bool IsStopRequested();
 
 // "camtool: " and the sentence to standard error.

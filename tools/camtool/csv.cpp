@@ -1,6 +1,7 @@
 #include "tools/camtool/csv.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <iterator>
@@ -12,7 +13,6 @@
 #include "app/camera_point.h"
 #include "tools/camtool/arguments.h"
 #include "tools/camtool/record_stream.h"
-#include "tools/camtool/text.h"
 
 namespace camtool {
 
@@ -99,10 +99,24 @@ std::string CsvHeader() {
   return "seconds,x1,y1,x2,y2,x3,y3,x4,y4\n";
 }
 
-std::string CsvRow(const FoundRecord& record) {
-  std::string row = Format("%.6f", record.seconds);
-  for (const kv::CameraPoint& point : record.points) row += Format(",%ld,%ld", point.x, point.y);
-  return row + "\n";
+void AppendCsvRow(const FoundRecord& record, std::string* text) {
+  // Millions of rows: printf would take most of the time of an export.
+  char row[32 + kv::kPointCount * 24];
+  const auto microseconds = std::llround(record.seconds * 1e6);
+  char* end = std::to_chars(row, std::end(row), microseconds / 1000000).ptr;
+  *end = '.';
+  for (long long rest = microseconds % 1000000, digit = 6; digit > 0; --digit, rest /= 10) {
+    end[digit] = static_cast<char>('0' + rest % 10);
+  }
+  end += 7;
+  for (const kv::CameraPoint& point : record.points) {
+    for (const LONG coordinate : {point.x, point.y}) {
+      *end++ = ',';
+      end = std::to_chars(end, std::end(row), coordinate).ptr;
+    }
+  }
+  *end++ = '\n';
+  text->append(row, end);
 }
 
 bool ParsePath(std::string_view text, PointPath* path, std::string* error) {

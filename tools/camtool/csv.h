@@ -10,10 +10,10 @@
 
 namespace camtool {
 
-// The names of the columns, and a record's row; each ends with a line feed. Seconds have six decimals; a point that the
-// camera did not see stays as it sent it, 1023,1023.
+// The names of the columns, and a record's row; each ends with a line feed. Seconds (not negative) have six decimals; a
+// point that the camera did not see stays as it sent it, 1023,1023.
 std::string CsvHeader();
-std::string CsvRow(const FoundRecord& record);
+void AppendCsvRow(const FoundRecord& record, std::string* text);
 
 struct PathRow {
   double seconds;

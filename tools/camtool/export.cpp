@@ -27,21 +27,17 @@ struct Settings {
 
 const Option kOptions[] = {{"--overwrite", nullptr, "replace a file that exists", &settings.overwrite}};
 
-constexpr int kExits[] = {kDone, kFailed, kUsageError, kDamaged};
-
-bool IsUsable(HANDLE handle) {
-  return handle && handle != INVALID_HANDLE_VALUE;
-}
+constexpr int kExits[] = {kDone, kFailed, kUsageError, kDamaged, kEmpty};
 
 struct Exporter {
   RecordingFile recording;
-  HANDLE out = INVALID_HANDLE_VALUE;
-  std::string path, error, buffer;
+  OutputFile out;
+  std::string error, buffer;
   RecordStream stream;
 };
 
 bool Flush(Exporter* exporter) {
-  const bool done = AppendToFile(exporter->out, exporter->path, exporter->buffer, &exporter->error);
+  const bool done = AppendToOutput(&exporter->out, exporter->buffer, &exporter->error);
   exporter->buffer.clear();
   return done;
 }
@@ -54,7 +50,9 @@ bool WriteRows(Exporter* exporter) {
   while (!IsStopRequested() && NextChunk(&exporter->recording, &chunk)) {
     found.clear();
     FeedStream(&exporter->stream, static_cast<double>(chunk.microseconds) / 1e6, chunk.bytes, &found);
-    for (const FoundRecord& record : found) exporter->buffer += CsvRow(record);
+    for (const FoundRecord& record : found) {
+      if (record.isInRange) AppendCsvRow(record, &exporter->buffer);
+    }
     if (exporter->buffer.size() >= kBufferBytes && !Flush(exporter)) return false;
     if (progress.IsDue()) progress.Show(std::to_string(exporter->stream.records) + " records");
   }
@@ -69,8 +67,11 @@ void Report(const Exporter& exporter) {
   if (stream.leadBytes > 0) std::fprintf(stderr, "; began within a record, %lld bytes of it", stream.leadBytes);
   if (!stream.pending.empty()) std::fprintf(stderr, "; ended within a record, %zu bytes of it", stream.pending.size());
   if (stream.oddRecords > 0) {
-    std::fprintf(stderr, "; %lld records with characters that are no digits, read as Tarnwick reads them",
+    std::fprintf(stderr, "; %lld odd (their numbers are not digits to the end), read as Tarnwick reads them",
                  stream.oddRecords);
+  }
+  if (stream.outOfRange > 0) {
+    std::fprintf(stderr, "; %lld of them omitted because a coordinate is not within 0 to 1023", stream.outOfRange);
   }
   std::fputs("\n", stderr);
   for (const MalformedStretch& stretch : stream.stretches) {
@@ -86,13 +87,16 @@ void Report(const Exporter& exporter) {
 
 int ExportAll(Exporter* exporter) {
   const bool done = WriteRows(exporter);
-  if (done && exporter->recording.error.empty() && !IsStopRequested()) {
+  // Who reads standard output has seen enough.
+  if (!done && exporter->error.empty()) return kDone;
+  if (exporter->error.empty()) exporter->error = exporter->recording.error;
+  if (exporter->error.empty() && IsStopRequested()) exporter->error = "interrupted; nothing was exported";
+  if (exporter->error.empty()) PublishOutput(&exporter->out, &exporter->error);
+  if (exporter->error.empty()) {
     Report(*exporter);
     return exporter->recording.decoder.damagedPlaces > 0 ? kDamaged : kDone;
   }
-  Complain(!done               ? exporter->error
-           : IsStopRequested() ? "interrupted; the values are not complete"
-                               : exporter->recording.error);
+  Complain(exporter->error);
   return kFailed;
 }
 
@@ -100,20 +104,17 @@ int RunExport(const std::vector<std::string>& operands) {
   Exporter exporter{};
   if (!OpenRecording(operands[0], &exporter.recording)) {
     Complain(exporter.recording.error);
-    return kFailed;
+    return exporter.recording.isEmpty ? kEmpty : kFailed;
   }
   StopEvent();
-  const bool toFile = operands.size() > 1 && operands[1] != "-";
-  exporter.path = toFile ? operands[1] : "standard output";
-  exporter.out =
-      toFile ? CreateNewFile(exporter.path, settings.overwrite, &exporter.error) : GetStdHandle(STD_OUTPUT_HANDLE);
   int result = kFailed;
-  if (!IsUsable(exporter.out)) {
-    Complain(exporter.error.empty() ? "there is no standard output" : exporter.error);
-  } else {
+  const std::string path = operands.size() > 1 ? operands[1] : "-";
+  if (OpenOutput(path, settings.overwrite, exporter.recording.file, &exporter.out, &exporter.error)) {
     result = ExportAll(&exporter);
-    if (toFile) CloseHandle(exporter.out);
+  } else {
+    Complain(exporter.error);
   }
+  CloseOutput(&exporter.out);
   CloseRecording(&exporter.recording);
   return result;
 }

@@ -14,17 +14,37 @@ namespace camtool {
 std::wstring Wide(std::string_view text);
 std::string Narrow(std::wstring_view text);
 
-// A file that is written from its beginning. One that holds something already is refused unless `overwrite`.
-// INVALID_HANDLE_VALUE, with a sentence in `error`, when it cannot be made.
-HANDLE CreateNewFile(const std::string& path, bool overwrite, std::string* error);
+// A file that is being written. It stands beside its target under a name of its own until PublishOutput, so that a file
+// which is to be replaced stays whole until the new one is worth it.
+struct OutputFile {
+  HANDLE file = INVALID_HANDLE_VALUE;
+  std::string path;       // of the target, as the user wrote it; "-" is standard output
+  std::wstring part;      // the present name; "" when it is the target's
+  bool replaces = false;  // the target exists and holds something
+  LONGLONG size = 0;
+};
 
-// Adds bytes at the end, all or (a full disk) none. On false `error` has a sentence.
-bool AppendToFile(HANDLE file, const std::string& path, std::string_view bytes, std::string* error);
+// Begins a file. Refuses a target that holds something unless `overwrite`, one that is a device, and one that is the
+// same file as `source` (an open file, may be null) under whatever name. False with a sentence in `error`.
+bool OpenOutput(const std::string& path, bool overwrite, HANDLE source, OutputFile* output, std::string* error);
 
-// For reading. INVALID_HANDLE_VALUE, with a sentence in `error`, on failure.
+// Adds bytes: all or (a full disk) none. False with a sentence in `error`, or with none when whoever reads standard
+// output has closed it.
+bool AppendToOutput(OutputFile* output, std::string_view bytes, std::string* error);
+
+// Gives the file its target's name; more can be added afterwards. Does nothing the second time. False with a sentence
+// in `error`; the target is as it was then.
+bool PublishOutput(OutputFile* output, std::string* error);
+
+// Deletes the file if it was not published.
+void CloseOutput(OutputFile* output);
+
+// For reading; "-" is standard input. INVALID_HANDLE_VALUE, with a sentence in `error`, on failure. CloseInput closes
+// it.
 HANDLE OpenForReading(const std::string& path, std::string* error);
+void CloseInput(HANDLE file);
 
-// A whole small file of at most `limit` bytes.
+// A whole small file of at most `limit` bytes; "-" is standard input.
 bool ReadWholeFile(const std::string& path, size_t limit, std::string* bytes, std::string* error);
 
 // ---- Recordings ----------------------------------------------------------------------------------------------------
@@ -34,6 +54,8 @@ struct RecordingFile {
   std::string path, error;
   RecordingDecoder decoder;
   size_t tornBytes = 0;
+  bool isEmpty = false;  // not one byte; OpenRecording returns false
+  std::string part;      // the buffer that is read into
 };
 
 // False, with a sentence in `error`, when the file cannot be read or is no recording.

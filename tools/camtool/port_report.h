@@ -14,7 +14,7 @@ namespace camtool {
 struct PortReport {
   int number = 0;
   bool hasAnswered = false;  // false: opening it takes longer than the scan
-  OpenedPort port;           // its handle is closed by now
+  PortStatus port;
   RecordStream stream;
   std::vector<Arrival> arrivals;
   std::string sample;  // the first bytes that came

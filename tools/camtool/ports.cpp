@@ -29,50 +29,60 @@ PortState StateFor(DWORD error) {
 
 }  // namespace
 
-OpenedPort OpenPort(int number, const PortHolders& holders) {
-  OpenedPort opened;
-  const std::wstring name = L"\\\\.\\COM" + std::to_wstring(number);
-  HANDLE probe =
-      CreateFileW(name.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr);
+void Port::Close() {
+  if (isOpen()) CloseHandle(handle_);
+  if (claim_) CloseHandle(claim_);
+  handle_ = INVALID_HANDLE_VALUE;
+  claim_ = nullptr;
+}
+
+PortStatus OpenPort(int number, const PortHolders& holders, Port* port) {
+  port->Close();
+  const std::wstring name = L"COM" + std::to_wstring(number), device = L"\\\\.\\" + name;
+  HANDLE probe = CreateFileW(device.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                             FILE_FLAG_OVERLAPPED, nullptr);
   if (probe == INVALID_HANDLE_VALUE) {
-    opened.error = GetLastError();
-    opened.state = StateFor(opened.error);
-    return opened;
+    const DWORD error = GetLastError();
+    return {StateFor(error), error, {}};
   }
   // Known before anything is set: settings and purges would disturb whoever is at work there.
   const auto holder = holders.empty() ? holders.end() : holders.find(DeviceName(probe));
   CloseHandle(probe);
-  if (holder != holders.end()) {
-    opened.state = PortState::kBusy;
-    opened.holder = holder->second;
-    return opened;
+  if (holder != holders.end()) return {PortState::kBusy, 0, holder->second};
+  // Two that start in the same moment find no holder; which of them has the port is decided by who makes this first.
+  port->claim_ = CreateMutexW(nullptr, FALSE, (L"Global\\camtool " + name).c_str());
+  if (!port->claim_ || GetLastError() == ERROR_ALREADY_EXISTS) {
+    port->Close();
+    return {PortState::kBusy, 0, "another camtool"};
   }
-  opened.handle = kv::OpenCameraPort(number);
-  opened.error = opened.handle == INVALID_HANDLE_VALUE ? GetLastError() : 0;
-  opened.state = opened.handle == INVALID_HANDLE_VALUE ? PortState::kUnusable : PortState::kOpened;
-  return opened;
+  port->handle_ = kv::OpenCameraPort(number);
+  if (port->isOpen()) return {PortState::kOpened, 0, {}};
+  const DWORD error = GetLastError();
+  port->Close();
+  return {PortState::kUnusable, error, {}};
 }
 
-std::string WhyNotOpened(int number, const OpenedPort& port) {
+std::string WhyNotOpened(int number, const PortStatus& status) {
   const std::string name = "COM" + std::to_string(number);
-  switch (port.state) {
+  switch (status.state) {
     case PortState::kAbsent:
-      return name + " is not there; plug its adapter in, and see \"camtool scan\" for the ports there are";
+      return name + " does not exist; plug in its adapter, or run \"camtool scan\" for the ports that do";
     case PortState::kBusy:
-      if (!port.holder.empty()) return name + " is in use by " + port.holder + "; close it, or name another port";
-      return name + " is in use by another program (or, rarely, not for this user); close it, or name another port";
-    case PortState::kNoRight: return name + " may not be opened by this user; give it the right to the device";
+      return name + " is in use by " +
+             (status.holder.empty() ? "another program (or, rarely, not for this user)" : status.holder) +
+             "; close it, or name another port";
+    case PortState::kNoRight: return name + ": access denied; give this user the right to the device";
     case PortState::kUnusable:
-      return name + " does not take the camera's settings (error " + std::to_string(port.error) +
-             "); it is no serial port, or its adapter hangs: plug it in anew";
+      return name + " does not take the camera's settings (error " + std::to_string(status.error) +
+             "); it is no serial port, or its adapter hangs: unplug it and plug it in again";
     default: return name + " is open";
   }
 }
 
-HANDLE OpenPortOrComplain(int number) {
-  const OpenedPort port = OpenPort(number, FindPortHolders());
-  if (port.state != PortState::kOpened) Complain(WhyNotOpened(number, port));
-  return port.handle;
+bool OpenPortOrComplain(int number, Port* port) {
+  const PortStatus status = OpenPort(number, FindPortHolders(), port);
+  if (!port->isOpen()) Complain((status.state == PortState::kBusy ? "busy: " : "") + WhyNotOpened(number, status));
+  return port->isOpen();
 }
 
 // ---- Reading -------------------------------------------------------------------------------------------------------

@@ -11,11 +11,29 @@ namespace camtool {
 
 enum class PortState { kOpened, kAbsent, kBusy, kNoRight, kUnusable };
 
-struct OpenedPort {
+// How opening a port went.
+struct PortStatus {
   PortState state = PortState::kAbsent;
-  HANDLE handle = INVALID_HANDLE_VALUE;  // the caller closes it
-  DWORD error = 0;                       // the system's, unless opened
-  std::string holder;                    // the program that uses a busy port, where the system tells
+  DWORD error = 0;     // the system's, unless opened
+  std::string holder;  // the program that uses a busy port, where the system tells
+};
+
+// An open port, and the right to it: no other camtool opens it meanwhile. Closed by destruction.
+class Port {
+ public:
+  Port() = default;
+  ~Port() { Close(); }
+  Port(const Port&) = delete;
+  Port& operator=(const Port&) = delete;
+
+  bool isOpen() const { return handle_ != INVALID_HANDLE_VALUE; }
+  HANDLE handle() const { return handle_; }
+  void Close();
+
+ private:
+  friend PortStatus OpenPort(int number, const std::map<std::wstring, std::string>& holders, Port* port);
+  HANDLE handle_ = INVALID_HANDLE_VALUE;
+  HANDLE claim_ = nullptr;
 };
 
 // Who uses which serial device, by the device's own name. Windows lets one program open a port and refuses all others,
@@ -23,14 +41,14 @@ struct OpenedPort {
 using PortHolders = std::map<std::wstring, std::string>;
 PortHolders FindPortHolders();
 
-// Opens COM`number` (1 to 999) with the camera's line settings, as Tarnwick does.
-OpenedPort OpenPort(int number, const PortHolders& holders);
+// Opens COM`number` (1 to 999) with the camera's line settings, as Tarnwick does. `port` is closed before.
+PortStatus OpenPort(int number, const PortHolders& holders, Port* port);
 
 // A sentence for a port that did not open: what is the matter and what to do.
-std::string WhyNotOpened(int number, const OpenedPort& port);
+std::string WhyNotOpened(int number, const PortStatus& status);
 
 // Opens the port or says on standard error why not.
-HANDLE OpenPortOrComplain(int number);
+bool OpenPortOrComplain(int number, Port* port);
 
 // Reads a port whose read time-outs it sets for itself.
 class PortReader {

@@ -44,10 +44,9 @@ const Option kOptions[] = {
 constexpr int kExits[] = {kDone, kFailed, kUsageError, kNoPort};
 
 struct Recorder {
-  HANDLE port, forward, file;
-  std::string path;
+  Port port, forward;
+  OutputFile file;
   double start = 0, lastFlush = 0;
-  std::uint64_t fileBytes = 0;
   RecordStream stream;
   std::string error;
 };
@@ -57,9 +56,7 @@ std::uint64_t Microseconds(double seconds) {
 }
 
 bool Append(Recorder* recorder, const std::string& encoded) {
-  if (!AppendToFile(recorder->file, recorder->path, encoded, &recorder->error)) return false;
-  recorder->fileBytes += encoded.size();
-  return true;
+  return AppendToOutput(&recorder->file, encoded, &recorder->error);
 }
 
 bool Begin(Recorder* recorder, int port) {
@@ -67,22 +64,24 @@ bool Begin(Recorder* recorder, int port) {
   GetSystemTimeAsFileTime(&now);
   recorder->start = recorder->lastFlush = Now();
   const std::uint64_t startTime = (std::uint64_t{now.dwHighDateTime} << 32) | now.dwLowDateTime;
-  return Append(recorder, EncodeHeader({startTime, kv::kCameraBaudRate, static_cast<std::uint32_t>(port)}));
+  if (!Append(recorder, EncodeHeader({startTime, kv::kCameraBaudRate, static_cast<std::uint32_t>(port)}))) return false;
+  // What a recording replaces stays until the new one holds something.
+  return recorder->file.replaces || PublishOutput(&recorder->file, &recorder->error);
 }
 
 // False when the chunk would make the file too large (the end's chunk must fit, too) or was not written.
 bool Keep(Recorder* recorder, double seconds, const std::string& bytes) {
   const std::string chunk = EncodeChunks(Microseconds(seconds), bytes);
-  const double size = static_cast<double>(recorder->fileBytes + chunk.size() + kChunkOverhead);
+  const double size = static_cast<double>(recorder->file.size) + static_cast<double>(chunk.size() + kChunkOverhead);
   if (settings.size > 0 && size > settings.size) return false;
-  if (!Append(recorder, chunk)) return false;
+  if (!Append(recorder, chunk) || !PublishOutput(&recorder->file, &recorder->error)) return false;
   FeedStream(&recorder->stream, seconds, bytes, nullptr);
-  if (recorder->forward != INVALID_HANDLE_VALUE) {
-    WritePort(recorder->forward, bytes.data(), bytes.size(), kForwardPatienceMs);
+  if (recorder->forward.isOpen()) {
+    WritePort(recorder->forward.handle(), bytes.data(), bytes.size(), kForwardPatienceMs);
   }
   // A crash of this process loses nothing; a machine that loses its power loses at most this much.
   if (seconds + recorder->start - recorder->lastFlush >= kFlushSeconds) {
-    FlushFileBuffers(recorder->file);
+    FlushFileBuffers(recorder->file.file);
     recorder->lastFlush = seconds + recorder->start;
   }
   return true;
@@ -99,7 +98,7 @@ std::string Progress(const Recorder& recorder, double seconds, long long records
 // Returns the sentence that says why the recording ended before its time, or "".
 std::string Record(Recorder* recorder, int port) {
   HANDLE stop = StopEvent();
-  PortReader reader(recorder->port);
+  PortReader reader(recorder->port.handle());
   ProgressLine progress;
   long long recordsShown = 0;
   double secondsShown = 0;
@@ -109,10 +108,10 @@ std::string Record(Recorder* recorder, int port) {
     if (IsStopRequested() || (settings.seconds > 0 && now >= settings.seconds)) return {};
     const PortReader::Outcome outcome = reader.Read(kTurnMs, stop, &bytes, &arrival);
     if (outcome == PortReader::Outcome::kGone) {
-      return "COM" + std::to_string(port) + " went away; what was recorded until then is whole";
+      return "COM" + std::to_string(port) + " was disconnected; everything recorded until then is intact";
     }
     if (outcome == PortReader::Outcome::kBytes && !Keep(recorder, arrival - recorder->start, bytes)) {
-      return recorder->error.empty() ? std::string() : recorder->error + "; what was recorded until then is whole";
+      return recorder->error.empty() ? std::string() : recorder->error + "; everything recorded until then is intact";
     }
     now = Now() - recorder->start;
     if (!progress.IsDue()) continue;
@@ -129,15 +128,20 @@ int RecordTo(Recorder* recorder, int port) {
   }
   const std::string failure = Record(recorder, port);
   const double seconds = Now() - recorder->start;
-  Append(recorder, EncodeEnd(Microseconds(seconds)));
+  std::string unused;
+  AppendToOutput(&recorder->file, EncodeEnd(Microseconds(seconds)), &unused);
   EndStream(&recorder->stream);
   const RecordStream& stream = recorder->stream;
   std::printf("%lld records, %lld bytes, %.1f s in %s\n", stream.records, stream.bytes, seconds,
-              recorder->path.c_str());
+              recorder->file.path.c_str());
   if (stream.malformedStretches > 0) {
     std::printf("%s; they are in the recording, too\n", DescribeMalformed(stream).c_str());
   }
-  if (stream.bytes == 0) Complain("nothing came; \"camtool scan\" tells which ports talk");
+  if (stream.bytes == 0) {
+    Complain(Format("no data received in %.0f s", seconds) +
+             (recorder->file.part.empty() ? "" : "; \"" + recorder->file.path + "\" was left as it is") +
+             "; run \"camtool scan\" to see which ports send");
+  }
   if (failure.empty()) return kDone;
   Complain(failure);
   return kFailed;
@@ -150,24 +154,20 @@ int RunRecord(const std::vector<std::string>& operands) {
     Complain("the port must be COM1 to COM999");
     return kUsageError;
   }
-  Recorder recorder{.port = OpenPortOrComplain(port),
-                    .forward = INVALID_HANDLE_VALUE,
-                    .file = INVALID_HANDLE_VALUE,
-                    .path = operands[1]};
-  int result = kNoPort;
-  if (recorder.port != INVALID_HANDLE_VALUE && forward) recorder.forward = OpenPortOrComplain(forward);
-  if (recorder.port != INVALID_HANDLE_VALUE && (!forward || recorder.forward != INVALID_HANDLE_VALUE)) {
-    result = kFailed;
-    recorder.file = CreateNewFile(recorder.path, settings.overwrite, &recorder.error);
-    if (recorder.file == INVALID_HANDLE_VALUE) {
-      Complain(recorder.error);
-    } else {
-      result = RecordTo(&recorder, port);
-      CloseHandle(recorder.file);
-    }
+  if (forward == port) {
+    Complain("--forward names the port that is recorded; its own bytes would come back to the camera");
+    return kUsageError;
   }
-  if (recorder.port != INVALID_HANDLE_VALUE) CloseHandle(recorder.port);
-  if (recorder.forward != INVALID_HANDLE_VALUE) CloseHandle(recorder.forward);
+  Recorder recorder;
+  if (!OpenPortOrComplain(port, &recorder.port)) return kNoPort;
+  if (forward && !OpenPortOrComplain(forward, &recorder.forward)) return kNoPort;
+  int result = kFailed;
+  if (OpenOutput(operands[1], settings.overwrite, nullptr, &recorder.file, &recorder.error)) {
+    result = RecordTo(&recorder, port);
+  } else {
+    Complain(recorder.error);
+  }
+  CloseOutput(&recorder.file);
   return result;
 }
 

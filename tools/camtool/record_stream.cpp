@@ -4,18 +4,39 @@
 #include <cstddef>
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "app/camera_point.h"
 #include "app/camera_record.h"
+#include "tools/camtool/text.h"
 
 namespace camtool {
 
 namespace {
 
 constexpr size_t kFieldBytes = 39;  // fields and commas, without the closing bytes
+constexpr size_t kFieldPitch = 5;
 
-bool HasOddCharacters(const char* record) {
-  return std::string_view(record, kFieldBytes).find_first_not_of("0123456789 +-,") != std::string_view::npos;
+// Whether a field is a number as the camera writes it: digits to its end, with blanks or a plus in front of them at
+// most.
+bool IsNumber(std::string_view field) {
+  field.remove_prefix(std::min(field.find_first_not_of(' '), field.size()));
+  if (field.starts_with('+')) field.remove_prefix(1);
+  return !field.empty() && std::ranges::all_of(field, [](char byte) { return byte >= '0' && byte <= '9'; });
+}
+
+// Whether a record says the points that Tarnwick reads from it. The last number is read on into the closing bytes when
+// they begin with a digit.
+bool IsOdd(std::string_view record) {
+  for (size_t at = 0; at < kFieldBytes; at += kFieldPitch) {
+    if (!IsNumber(record.substr(at, kFieldPitch - 1))) return true;
+  }
+  return record[kFieldBytes] >= '0' && record[kFieldBytes] <= '9';
+}
+
+bool IsInRange(const kv::CameraPoint& point) {
+  return std::min(point.x, point.y) >= 0 && std::max(point.x, point.y) <= kv::kNoPoint;
 }
 
 // Besides the shape: no comma in place of a closing byte. There it stands when a record was cut off behind a field and
@@ -46,11 +67,14 @@ void TakeRecord(RecordStream* stream, const char* bytes, double seconds, std::ve
   // A field that cannot be read (behind a zero byte) keeps its last value, as in Tarnwick.
   FoundRecord record = stream->last;
   record.seconds = seconds;
-  record.isOdd = HasOddCharacters(text);
+  record.isOdd = IsOdd({bytes, kv::kRecordLength});
   kv::ParseRecord(text, record.points);
+  record.isInRange = std::ranges::all_of(record.points, IsInRange);
+  record.isOdd |= !record.isInRange;
   if (stream->records++ == 0) stream->firstSeconds = seconds;
   stream->lastSeconds = seconds;
   stream->oddRecords += record.isOdd;
+  stream->outOfRange += !record.isInRange;
   stream->last = record;
   if (found) found->push_back(record);
 }
@@ -68,30 +92,38 @@ void FeedStream(RecordStream* stream, double seconds, std::string_view bytes, st
   stream->lastArrival = seconds;
   stream->bytes += static_cast<long long>(bytes.size());
   stream->pending += bytes;
-  stream->pendingSeconds.insert(stream->pendingSeconds.end(), bytes.size(), seconds);
+  stream->pieces.push_back({stream->pending.size(), seconds});
+  const RecordStream::Piece* piece = stream->pieces.data();
+  // When the byte at that place came; asked in rising order.
+  const auto secondsAt = [&](size_t place) {
+    while (piece->end <= place) ++piece;
+    return piece->seconds;
+  };
   size_t at = 0;
   while (stream->pending.size() - at >= kv::kRecordLength) {
     const char* here = stream->pending.data() + at;
     if (IsRecord(here)) {
-      TakeRecord(stream, here, stream->pendingSeconds[at + kv::kRecordLength - 1], found);
+      TakeRecord(stream, here, secondsAt(at + kv::kRecordLength - 1), found);
       at += kv::kRecordLength;
     } else {
-      SkipByte(&stream->open, *here, stream->pendingSeconds[at]);
+      SkipByte(&stream->open, *here, secondsAt(at));
       ++at;
     }
   }
   stream->pending.erase(0, at);
-  stream->pendingSeconds.erase(stream->pendingSeconds.begin(),
-                               stream->pendingSeconds.begin() + static_cast<std::ptrdiff_t>(at));
+  std::erase_if(stream->pieces, [&](const RecordStream::Piece& p) { return p.end <= at; });
+  for (RecordStream::Piece& rest : stream->pieces) rest.end -= at;
 }
 
 void EndStream(RecordStream* stream) {
   // Behind garbage the rest is garbage as well; behind a record it is one that was cut off.
   if (stream->open.bytes > 0 || stream->records == 0) {
-    for (size_t i = 0; i < stream->pending.size(); ++i) {
-      SkipByte(&stream->open, stream->pending[i], stream->pendingSeconds[i]);
+    size_t at = 0;
+    for (const RecordStream::Piece& piece : stream->pieces) {
+      for (; at < piece.end; ++at) SkipByte(&stream->open, stream->pending[at], piece.seconds);
     }
     stream->pending.clear();
+    stream->pieces.clear();
   }
   CloseStretch(stream);
 }
@@ -113,7 +145,7 @@ std::string DescribeMalformed(const RecordStream& stream) {
   if (stream.malformedStretches == 0) return "no malformed stretches";
   return std::to_string(stream.malformedStretches) +
          (stream.malformedStretches == 1 ? " malformed stretch, " : " malformed stretches, ") +
-         std::to_string(stream.malformedBytes) + " bytes";
+         Counted(static_cast<unsigned long long>(stream.malformedBytes), "byte");
 }
 
 }  // namespace camtool

@@ -14,7 +14,8 @@ namespace camtool {
 struct FoundRecord {
   double seconds;  // when its last byte came
   kv::CameraPoint points[kv::kPointCount];
-  bool isOdd;  // has something but digits, blanks and signs in a field; Tarnwick reads it up to there
+  bool isOdd;      // its fields are not numbers of the camera's; Tarnwick reads them all the same
+  bool isInRange;  // all coordinates are 0 to 1023
 };
 
 // Bytes between records that belong to none.
@@ -31,7 +32,8 @@ struct RecordStream {
   long long bytes = 0;
   long long records = 0;
   long long oddRecords = 0;
-  long long leadBytes = 0;  // less than a record at the very beginning: the stream was joined in mid-record
+  long long outOfRange = 0;  // of the odd ones
+  long long leadBytes = 0;   // less than a record at the very beginning: the stream was joined in mid-record
   long long malformedBytes = 0;
   long long malformedStretches = 0;
   double firstSeconds = 0, lastSeconds = 0;  // of the first and the last record
@@ -40,8 +42,12 @@ struct RecordStream {
   std::vector<MalformedStretch> stretches;   // the first kStretchesKept
 
   std::string pending;  // fewer bytes than a record between calls; what is left at the end is a record cut off
-  std::vector<double> pendingSeconds;
-  MalformedStretch open{};  // the stretch that has not ended yet, if it has bytes
+  struct Piece {
+    size_t end;  // in `pending`
+    double seconds;
+  };
+  std::vector<Piece> pieces;  // when which part of it came
+  MalformedStretch open{};    // the stretch that has not ended yet, if it has bytes
   double lastArrival = -1;
 };
 

@@ -13,7 +13,6 @@ namespace {
 
 // Like PNG's: a file that went through a text conversion, or lost its eighth bits, is seen at once.
 constexpr std::string_view kMagic("\x89TWR\r\n\x1A\n", 8);
-constexpr std::uint32_t kVersion = 1;
 constexpr size_t kChunkHead = 12;
 constexpr size_t kChecksum = 4;
 constexpr size_t kCompactAt = 65536;
@@ -59,6 +58,8 @@ Decoded DecodeHeader(RecordingDecoder* decoder) {
   // A damaged header costs its own facts only: the chunks do not need them.
   const auto size = static_cast<size_t>(Get(file, 8, 4));
   const bool isWhole = Crc32(file.substr(0, kRecordingHeaderBytes - kChecksum)) == Get(file, 36, 4);
+  decoder->version = static_cast<std::uint32_t>(Get(file, 12, 4));
+  if (isWhole && decoder->version != kRecordingVersion) return Decoded::kOtherVersion;
   if (isWhole && size >= kRecordingHeaderBytes && size <= kCompactAt) {
     // A later version's longer header is passed over.
     if (file.size() < size) return Decoded::kNeedMore;
@@ -83,7 +84,7 @@ void SkipByte(RecordingDecoder* decoder) {
 
 Decoded TakeChunk(RecordingDecoder* decoder, std::string_view body, std::uint64_t microseconds, Chunk* chunk) {
   decoder->isSkipping = false;
-  decoder->endTime = std::max(decoder->endTime, microseconds);
+  decoder->endTime = microseconds;
   decoder->hasEnd = body.empty();
   if (body.empty()) return Decoded::kEnd;
   ++decoder->chunks;
@@ -104,7 +105,7 @@ std::uint32_t Crc32(std::string_view bytes) {
 std::string EncodeHeader(const RecordingHeader& header) {
   std::string text(kMagic);
   Append(&text, kRecordingHeaderBytes, 4);
-  Append(&text, kVersion, 4);
+  Append(&text, kRecordingVersion, 4);
   Append(&text, header.startTime, 8);
   Append(&text, header.baudRate, 4);
   Append(&text, header.port, 4);
@@ -143,8 +144,8 @@ Decoded DecodeNext(RecordingDecoder* decoder, Chunk* chunk) {
     }
     if (rest.size() < size + kChunkOverhead) return Decoded::kNeedMore;
     const std::string_view whole = rest.substr(0, kChunkHead + size);
-    const std::uint64_t microseconds = Get(rest, 4, 8);
-    if (Crc32(whole) != Get(rest, whole.size(), 4) || microseconds < decoder->endTime) {
+    const std::uint64_t microseconds = Get(rest, 4, 8);  // one that goes back makes a huge difference, too
+    if (Crc32(whole) != Get(rest, whole.size(), 4) || microseconds - decoder->endTime > kLongestSilence) {
       SkipByte(decoder);
       continue;
     }

@@ -11,6 +11,9 @@ namespace camtool {
 inline constexpr size_t kRecordingHeaderBytes = 40;
 inline constexpr size_t kChunkOverhead = 16;
 inline constexpr size_t kLargestChunk = 4096;
+inline constexpr std::uint32_t kRecordingVersion = 1;
+// Between two chunks. A chunk that claims more is damage: one wrong time must not make all later chunks go back.
+inline constexpr std::uint64_t kLongestSilence = 366ull * 24 * 3600 * 1'000'000;  // microseconds
 
 struct RecordingHeader {
   std::uint64_t startTime = 0;  // UTC, in units of 100 ns since 1601, as FILETIME
@@ -31,7 +34,7 @@ std::uint32_t Crc32(std::string_view bytes);
 
 // ---- Reading -------------------------------------------------------------------------------------------------------
 
-enum class Decoded { kHeader, kChunk, kEnd, kNeedMore, kNoRecording };
+enum class Decoded { kHeader, kChunk, kEnd, kNeedMore, kNoRecording, kOtherVersion };
 
 struct Chunk {
   std::uint64_t microseconds;
@@ -40,6 +43,7 @@ struct Chunk {
 
 struct RecordingDecoder {
   RecordingHeader header;
+  std::uint32_t version = 0;  // of a file with kOtherVersion
   bool hasHeader = false;
   bool hasEnd = false;        // the end's chunk has been seen
   std::uint64_t endTime = 0;  // of the last chunk or end, microseconds
@@ -54,7 +58,7 @@ struct RecordingDecoder {
 void FeedDecoder(RecordingDecoder* decoder, std::string_view part);
 
 // The next thing in what was fed so far. Damaged chunks are passed over and counted. kNeedMore: feed or finish.
-// kNoRecording: the file does not begin as a recording does.
+// kNoRecording: the file does not begin as a recording does. kOtherVersion: another format version than ours wrote it.
 Decoded DecodeNext(RecordingDecoder* decoder, Chunk* chunk);
 
 // After the whole file: the bytes of a last chunk that was torn off, which are left out.

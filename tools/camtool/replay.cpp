@@ -36,10 +36,10 @@ const Option kOptions[] = {
     {"--seconds", "SECONDS", "end after so long", NumberOption{&settings.seconds, 0.1, 1e9}},
 };
 
-constexpr int kExits[] = {kDone, kFailed, kUsageError, kNoPort, kDamaged};
+constexpr int kExits[] = {kDone, kFailed, kUsageError, kNoPort, kDamaged, kEmpty};
 
 struct Player {
-  HANDLE port;
+  Port port;
   RecordingFile recording;
   double start = 0;
   long long bytes = 0, lostBytes = 0, rounds = 0;
@@ -62,7 +62,7 @@ double PlayRound(Player* player, double begin, ProgressLine* progress) {
   Chunk chunk;
   while (!IsOver(*player) && NextChunk(&player->recording, &chunk)) {
     if (!WaitInPlay(*player, begin + static_cast<double>(chunk.microseconds) / 1e6 / settings.speed)) break;
-    const Written written = WritePort(player->port, chunk.bytes.data(), chunk.bytes.size(), kPatienceMs);
+    const Written written = WritePort(player->port.handle(), chunk.bytes.data(), chunk.bytes.size(), kPatienceMs);
     const auto size = static_cast<long long>(chunk.bytes.size());
     (written == Written::kAll ? player->bytes : player->lostBytes) += size;
     player->isGone = written == Written::kGone;
@@ -92,7 +92,7 @@ int Play(Player* player, int port) {
   }
   std::printf("%lld bytes sent, %lld lost because nobody listened, %.1f s\n", player->bytes, player->lostBytes,
               Now() - player->start);
-  if (player->isGone) Complain("COM" + std::to_string(port) + " took no more data; it went away");
+  if (player->isGone) Complain("COM" + std::to_string(port) + " was disconnected");
   if (!player->recording.error.empty()) Complain(player->recording.error);
   if (player->isGone || !player->recording.error.empty()) return kFailed;
   const bool wasInterrupted = player->rounds == 1 && IsOver(*player);
@@ -109,15 +109,13 @@ int RunReplay(const std::vector<std::string>& operands) {
   Player player{};
   if (!OpenRecording(operands[0], &player.recording)) {
     Complain(player.recording.error);
-    return kFailed;
+    return player.recording.isEmpty ? kEmpty : kFailed;
   }
   StopEvent();
-  player.port = OpenPortOrComplain(port);
   int result = kNoPort;
-  if (player.port != INVALID_HANDLE_VALUE) {
+  if (OpenPortOrComplain(port, &player.port)) {
     std::fprintf(stderr, "replaying to COM%d; Ctrl+C ends\n", port);
     result = Play(&player, port);
-    CloseHandle(player.port);
   }
   CloseRecording(&player.recording);
   return result;

@@ -116,12 +116,13 @@ DWORD WINAPI RunProbe(void* parameter) {
   const std::unique_ptr<std::shared_ptr<Probe>> share(static_cast<std::shared_ptr<Probe>*>(parameter));
   Probe* probe = share->get();
   PortReport& report = probe->report;
-  report.port = OpenPort(report.number, *probe->holders);
-  if (report.port.state == PortState::kOpened) {
-    Listen(probe, report.port.handle);
+  Port port;
+  report.port = OpenPort(report.number, *probe->holders, &port);
+  if (port.isOpen()) {
+    Listen(probe, port.handle());
     const bool isGarbage = !IsCamera(report) && report.stream.bytes > 0 && !LooksLikeText(report.sample);
-    if (isGarbage && !report.wentAway) TryRates(probe, report.port.handle);
-    CloseHandle(report.port.handle);
+    if (isGarbage && !report.wentAway) TryRates(probe, port.handle());
+    port.Close();
   }
   report.hasAnswered = true;
   probe->isDone = true;

@@ -60,7 +60,7 @@ const Option kOptions[] = {
     {"--seed", "NUMBER", "the same number gives the same faults (1)", NumberOption{&settings.seed, 0, 4294967295.0}},
 };
 
-constexpr int kExits[] = {kDone, kFailed, kUsageError, kNoPort};
+constexpr int kExits[] = {kDone, kFailed, kUsageError, kNoPort, kEmpty};
 
 constexpr char kDetails[] =
     "Goes on until Ctrl+C or --seconds. HOW-OFTEN is a chance for each record (5% or 0.05), a count (50: every 50th\n"
@@ -71,7 +71,7 @@ constexpr char kDetails[] =
 
 struct Camera {
   int number;
-  HANDLE port;
+  Port port;
   PointPath path;  // no rows: the built-in curves
   FaultInjector faults;
   double start;
@@ -93,11 +93,10 @@ std::string RecordAt(const Camera& camera, double seconds, long index) {
 
 // Closes the port and comes back to it, as a camera does whose plug was loose; waits as long as something else has it.
 void HangUp(Camera* camera, double until) {
-  CloseHandle(camera->port);
-  camera->port = INVALID_HANDLE_VALUE;
+  camera->port.Close();
   while (WaitUntil(until, StopEvent())) {
-    camera->port = OpenPort(camera->number, {}).handle;
-    if (camera->port != INVALID_HANDLE_VALUE) return;
+    OpenPort(camera->number, FindPortHolders(), &camera->port);
+    if (camera->port.isOpen()) return;
     until += kReopenSeconds;
   }
 }
@@ -111,7 +110,7 @@ void Stream(Camera* camera) {
     if (!WaitUntil(camera->start + due, StopEvent())) return;
     const FaultStep step = InjectFaults(&camera->faults, due, RecordAt(*camera, due, i));
     const auto patienceMs = static_cast<DWORD>(1000 / settings.rate) + 1;
-    const Written written = WritePort(camera->port, step.bytes.data(), step.bytes.size(), patienceMs);
+    const Written written = WritePort(camera->port.handle(), step.bytes.data(), step.bytes.size(), patienceMs);
     if (!step.bytes.empty()) ++(written == Written::kAll ? camera->sent : camera->lost);
     camera->isGone = written == Written::kGone;
     due += 1 / (settings.rate * step.pace) + step.pauseSeconds + step.hangUpSeconds;
@@ -131,37 +130,38 @@ void PrintSummary(const Camera& camera) {
   if (!faults.empty()) std::printf("%s (seed %.0f)\n", faults.c_str(), settings.seed);
 }
 
-bool ReadPath(PointPath* path) {
+int ReadPath(PointPath* path) {
   std::string text, error;
-  if (!ReadWholeFile(settings.path, kLargestPathFile, &text, &error)) {
-    Complain(error);
-    return false;
+  if (ReadWholeFile(settings.path, kLargestPathFile, &text, &error) && text.empty()) {
+    Complain("\"" + settings.path + "\" is empty");
+    return kEmpty;
   }
-  if (ParsePath(text, path, &error)) return true;
-  Complain("\"" + settings.path + "\", " + error);
-  return false;
+  if (error.empty() && !ParsePath(text, path, &error)) error = "\"" + settings.path + "\", " + error;
+  if (error.empty()) return kDone;
+  Complain(error);
+  return kFailed;
 }
 
 int RunSimulate(const std::vector<std::string>& operands) {
-  Camera camera{.number = ParsePort(operands[0]), .port = INVALID_HANDLE_VALUE};
+  Camera camera{};
+  camera.number = ParsePort(operands[0]);
   if (camera.number == 0) {
     Complain("the port must be COM1 to COM999");
     return kUsageError;
   }
-  if (!settings.path.empty() && !ReadPath(&camera.path)) return kFailed;
+  const int read = settings.path.empty() ? kDone : ReadPath(&camera.path);
+  if (read != kDone) return read;
   StopEvent();
-  camera.port = OpenPortOrComplain(camera.number);
-  if (camera.port == INVALID_HANDLE_VALUE) return kNoPort;
+  if (!OpenPortOrComplain(camera.number, &camera.port)) return kNoPort;
   settings.faults.seed = static_cast<std::uint32_t>(settings.seed);
   camera.faults = MakeFaultInjector(settings.faults);
   camera.start = Now();
   std::printf("streaming to COM%d, %.0f records a second; Ctrl+C ends\n", camera.number, settings.rate);
   std::fflush(stdout);
   Stream(&camera);
-  if (camera.port != INVALID_HANDLE_VALUE) CloseHandle(camera.port);
   PrintSummary(camera);
   if (!camera.isGone) return kDone;
-  Complain("COM" + std::to_string(camera.number) + " took no more data; it went away");
+  Complain("COM" + std::to_string(camera.number) + " was disconnected");
   return kFailed;
 }
 

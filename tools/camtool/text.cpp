@@ -16,6 +16,10 @@ std::string Format(const char* format, ...) {
   return text;
 }
 
+std::string Counted(unsigned long long count, const char* noun) {
+  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
 std::string Printable(std::string_view bytes) {
   std::string text;
   for (const char byte : bytes) {

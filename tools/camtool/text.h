@@ -13,6 +13,9 @@ __attribute__((format(gnu_printf, 1, 2)))
 std::string
 Format(const char* format, ...);
 
+// "1 byte", "0 bytes", "2 bytes".
+std::string Counted(unsigned long long count, const char* noun);
+
 // Text with every byte that does not print, and the backslash, as \xHH.
 std::string Printable(std::string_view bytes);
 
