@@ -26,7 +26,7 @@
 #include "app/resource_ids.h"
 #include "tests/e2e/tarnwick_process.h"
 #include "tests/support/serial_line.h"
-#include "tools/camtool/pace.h"
+#include "camtool/pace.h"
 #include "tools/uidriver/driver.h"
 
 namespace {

@@ -7,4 +7,4 @@ trap 'rm -rf "$work"; stop_wine' EXIT
 quietly "configuring" cmake --preset release
 quietly "building" cmake --build --preset release --target camtool
 wine cmd /c rem >/dev/null 2>&1  # starts what every program would start first
-python3 "$root/benchmarks/export_benchmark.py" "$work" wine "$build_dir/release/tools/camtool.exe"
+python3 "$root/benchmarks/export_benchmark.py" "$work" wine "$build_dir/release/camtool/camtool.exe"

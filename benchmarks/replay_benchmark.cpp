@@ -16,10 +16,10 @@
 #include <vector>
 
 #include "tests/support/serial_line.h"
-#include "tools/camtool/files.h"
-#include "tools/camtool/ports.h"
-#include "tools/camtool/recording.h"
-#include "tools/camtool/text.h"
+#include "camtool/files.h"
+#include "camtool/ports.h"
+#include "camtool/recording.h"
+#include "camtool/text.h"
 
 namespace {
 

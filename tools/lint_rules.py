@@ -25,6 +25,7 @@ MAY_INCLUDE["samples"] = LIBRARY | {"toolkit", "kv.h"}
 MAY_INCLUDE["app"] = LIBRARY
 MAY_INCLUDE["gallery"] = LIBRARY | {"toolkit", "kv.h", "app"}
 MAY_INCLUDE["tools"] = LIBRARY | {"app"}
+MAY_INCLUDE["camtool"] = LIBRARY | {"app"}
 
 # Marks of unfinished work, invented history, and machines or papers that a reader of this tree does not have. Written
 # in pieces, so that this file does not find itself.

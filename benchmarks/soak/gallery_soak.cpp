@@ -15,8 +15,8 @@
 #include "benchmarks/soak/program.h"
 #include "benchmarks/soak/soaks.h"
 #include "gallery/resource_ids.h"
-#include "tools/camtool/pace.h"
-#include "tools/camtool/text.h"
+#include "camtool/pace.h"
+#include "camtool/text.h"
 
 namespace soak {
 

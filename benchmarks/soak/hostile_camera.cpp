@@ -10,9 +10,9 @@
 
 #include "app/camera_point.h"
 #include "app/camera_record.h"
-#include "tools/camtool/faults.h"
-#include "tools/camtool/pace.h"
-#include "tools/camtool/ports.h"
+#include "camtool/faults.h"
+#include "camtool/pace.h"
+#include "camtool/ports.h"
 
 namespace soak {
 

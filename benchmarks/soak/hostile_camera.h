@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "app/camera_point.h"
-#include "tools/camtool/faults.h"
-#include "tools/camtool/ports.h"
+#include "camtool/faults.h"
+#include "camtool/ports.h"
 
 namespace soak {
 

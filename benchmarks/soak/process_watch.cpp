@@ -8,7 +8,7 @@
 #include <mutex>
 #include <vector>
 
-#include "tools/camtool/pace.h"
+#include "camtool/pace.h"
 
 namespace soak {
 

@@ -5,7 +5,7 @@
 #include <random>
 #include <string>
 
-#include "tools/camtool/pace.h"
+#include "camtool/pace.h"
 
 namespace soak {
 

@@ -21,8 +21,8 @@
 #include "benchmarks/soak/program.h"
 #include "benchmarks/soak/soaks.h"
 #include "tests/support/serial_line.h"
-#include "tools/camtool/faults.h"
-#include "tools/camtool/pace.h"
+#include "camtool/faults.h"
+#include "camtool/pace.h"
 #include "tools/uidriver/driver.h"
 
 namespace soak {

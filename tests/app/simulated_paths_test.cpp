@@ -5,7 +5,7 @@
 #include <iterator>
 
 #include "app/camera_point.h"
-#include "tools/camtool/paths.h"
+#include "camtool/paths.h"
 
 namespace camtool {
 namespace {

@@ -17,9 +17,9 @@
 #include "framework/affirmative.h"
 #include "framework/window_position.h"
 #include "tests/fuzz/inputs.h"
-#include "tools/camtool/csv.h"
-#include "tools/camtool/record_stream.h"
-#include "tools/camtool/recording.h"
+#include "camtool/csv.h"
+#include "camtool/record_stream.h"
+#include "camtool/recording.h"
 
 namespace fuzz {
 

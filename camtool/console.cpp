@@ -1,0 +1,81 @@
+#include "camtool/console.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdio>
+#include <string>
+
+namespace camtool {
+
+namespace {
+
+constexpr DWORD kConsolePeriodMs = 250;
+constexpr DWORD kLogPeriodMs = 10000;
+// Windows ends a process whose console is closed five seconds after it has been told so.
+constexpr DWORD kClosingMs = 4500;
+
+HANDLE stopEvent = nullptr;
+std::atomic<bool> isStopRequested{false};  // written by the handler's thread
+
+BOOL WINAPI OnConsoleControl(DWORD event) {
+  isStopRequested = true;
+  SetEvent(stopEvent);
+  // After these the process ends when this handler returns: the main thread needs the time to end its work.
+  if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) Sleep(kClosingMs);
+  return TRUE;
+}
+
+bool IsConsole(HANDLE handle) {
+  DWORD mode = 0;
+  return GetConsoleMode(handle, &mode) != FALSE;
+}
+
+}  // namespace
+
+HANDLE StopEvent() {
+  if (!stopEvent) {
+    stopEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    // A process started in the background may have been told to ignore Ctrl+C.
+    SetConsoleCtrlHandler(nullptr, FALSE);
+    SetConsoleCtrlHandler(OnConsoleControl, TRUE);
+  }
+  return stopEvent;
+}
+
+bool IsStopRequested() {
+  return isStopRequested;
+}
+
+void Complain(const std::string& sentence) {
+  std::fflush(stdout);
+  std::fprintf(stderr, "camtool: %s\n", sentence.c_str());
+}
+
+ProgressLine::ProgressLine() : isConsole_(IsConsole(GetStdHandle(STD_ERROR_HANDLE))), nextMs_(GetTickCount64()) {
+  if (!isConsole_) nextMs_ += kLogPeriodMs;
+}
+
+ProgressLine::~ProgressLine() {
+  Clear();
+}
+
+bool ProgressLine::IsDue() {
+  return GetTickCount64() >= nextMs_;
+}
+
+void ProgressLine::Show(const std::string& text) {
+  nextMs_ = GetTickCount64() + (isConsole_ ? kConsolePeriodMs : kLogPeriodMs);
+  if (!isConsole_) {
+    std::fprintf(stderr, "%s\n", text.c_str());
+    return;
+  }
+  std::fprintf(stderr, "\r%-*s", static_cast<int>(width_), text.c_str());
+  width_ = text.size();
+}
+
+void ProgressLine::Clear() {
+  if (width_ > 0) std::fprintf(stderr, "\r%*s\r", static_cast<int>(width_), "");
+  width_ = 0;
+}
+
+}  // namespace camtool

@@ -1,0 +1,38 @@
+// Points as comma-separated values: what export writes, and what simulate --path reads. Pure, any thread.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/camera_point.h"
+#include "camtool/record_stream.h"
+
+namespace camtool {
+
+// The names of the columns, and a record's row; each ends with a line feed. Seconds (not negative) have six decimals; a
+// point that the camera did not see stays as it sent it, 1023,1023.
+std::string CsvHeader();
+void AppendCsvRow(const FoundRecord& record, std::string* text);
+
+struct PathRow {
+  double seconds;
+  kv::CameraPoint points[kv::kPointCount];
+};
+
+struct PointPath {
+  std::vector<PathRow> rows;
+  bool hasTimes = false;  // else each row is for one record
+};
+
+// Reads a path: a row for each moment with up to four x,y pairs, in front of which may stand the time in seconds (rows
+// of an odd number of columns), never going back. Columns are parted by commas, semicolons or tabs. A first row that is
+// no numbers is a heading; empty lines are passed over. Coordinates are 0 to 1023; an empty pair, or one that is not
+// there, is a point that is not seen. On false `error` says what is wrong in which line.
+bool ParsePath(std::string_view text, PointPath* path, std::string* error);
+
+// The points `seconds` after the start, for record number `record` (from 0). The path begins anew when it is through;
+// its last row lasts as long as the one before it.
+void PointsOnPath(const PointPath& path, double seconds, long record, kv::CameraPoint (&points)[kv::kPointCount]);
+
+}  // namespace camtool

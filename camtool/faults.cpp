@@ -1,0 +1,93 @@
+#include "camtool/faults.h"
+
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <random>
+#include <string>
+#include <string_view>
+
+namespace camtool {
+
+namespace {
+
+constexpr size_t kClosingBytes = 2;
+constexpr std::uint32_t kLongestGarbage = 64;
+
+// The library's distributions differ between compilers; these do not.
+double Chance(std::mt19937* random) {
+  return (*random)() / 4294967296.0;
+}
+
+size_t Below(std::mt19937* random, size_t end) {
+  return (*random)() % end;
+}
+
+char RandomByte(std::mt19937* random) {
+  return static_cast<char>((*random)() >> 24);
+}
+
+bool Fires(const Trigger& trigger, double drawn, long record, double before, double now) {
+  switch (trigger.kind) {
+    case Trigger::kChance: return drawn < trigger.amount;
+    case Trigger::kEveryNth: return std::fmod(static_cast<double>(record), trigger.amount) == 0;
+    case Trigger::kPeriod: return std::floor(now / trigger.amount) > std::floor(before / trigger.amount);
+    default: return false;
+  }
+}
+
+std::string Garbage(std::mt19937* random) {
+  std::string bytes(1 + Below(random, kLongestGarbage), '\0');
+  for (char& byte : bytes) byte = RandomByte(random);
+  return bytes;
+}
+
+void Corrupt(std::mt19937* random, std::string* bytes) {
+  const size_t count = 1 + Below(random, 3);
+  for (size_t i = 0; i < count && !bytes->empty(); ++i) (*bytes)[Below(random, bytes->size())] = RandomByte(random);
+}
+
+}  // namespace
+
+FaultInjector MakeFaultInjector(const FaultPlan& plan) {
+  return {.plan = plan, .random = std::mt19937(plan.seed)};
+}
+
+FaultStep InjectFaults(FaultInjector* injector, double seconds, std::string_view record) {
+  ++injector->records;
+  std::array<bool, kFaultCount> fires;
+  for (int fault = 0; fault < kFaultCount; ++fault) {
+    // Drawn for every fault, so that one more fault in the plan leaves the others where they were.
+    const double drawn = Chance(&injector->random);
+    fires[fault] = Fires(injector->plan.triggers[fault], drawn, injector->records, injector->lastSeconds, seconds);
+    injector->happened[fault] += fires[fault];
+  }
+  injector->lastSeconds = seconds;
+  // What happens to the bytes draws from a source of its own, for the same reason.
+  std::mt19937 details(injector->random());
+
+  FaultStep step;
+  std::string bytes(record);
+  if (fires[kCorruptFault]) Corrupt(&details, &bytes);
+  if (fires[kCutFault] && bytes.size() > 1) bytes.resize(1 + Below(&details, bytes.size() - 1));
+  if (fires[kDuplicateFault]) bytes += bytes;
+  if (fires[kGarbageFault]) bytes = Garbage(&details) + bytes;
+  if (fires[kDropFault]) bytes.clear();
+  bytes = injector->held + bytes;
+  injector->held.clear();
+  if (fires[kMergeFault] && bytes.size() > kClosingBytes) {
+    injector->held = bytes.substr(0, bytes.size() - kClosingBytes);
+    bytes.clear();
+  }
+  step.bytes = bytes;
+  if (fires[kPauseFault]) step.pauseSeconds = injector->plan.pauseSeconds;
+  if (fires[kHangUpFault]) step.hangUpSeconds = injector->plan.hangUpSeconds;
+  if (fires[kSlowFault]) injector->slowUntil = seconds + injector->plan.stretchSeconds;
+  if (fires[kFastFault]) injector->fastUntil = seconds + injector->plan.stretchSeconds;
+  if (seconds < injector->slowUntil) step.pace *= kSlowPace;
+  if (seconds < injector->fastUntil) step.pace *= kFastPace;
+  return step;
+}
+
+}  // namespace camtool

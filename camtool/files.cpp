@@ -1,0 +1,269 @@
+#include "camtool/files.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "camtool/recording.h"
+#include "camtool/text.h"
+
+namespace camtool {
+
+namespace {
+
+constexpr DWORD kPartBytes = 65536;
+
+std::string Reason(DWORD error) {
+  switch (error) {
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND: return "it is not there";
+    case ERROR_ACCESS_DENIED: return "it is write-protected, a folder, or not for this user";
+    case ERROR_SHARING_VIOLATION: return "another program uses it";
+    case ERROR_DISK_FULL:
+    case ERROR_HANDLE_DISK_FULL: return "the disk is full";
+    case ERROR_INVALID_NAME: return "that is no file name";
+    default: return "system error " + std::to_string(error);
+  }
+}
+
+std::string CannotWrite(const std::string& path, DWORD error) {
+  return "cannot write \"" + path +
+         "\": " + (error == ERROR_PATH_NOT_FOUND ? "its folder is not there" : Reason(error));
+}
+
+bool IsUsable(HANDLE handle) {
+  return handle && handle != INVALID_HANDLE_VALUE;
+}
+
+// Of which there is one however many names, links and handles lead to it.
+bool IsSameFile(HANDLE a, HANDLE b) {
+  BY_HANDLE_FILE_INFORMATION first{}, second{};
+  return IsUsable(a) && IsUsable(b) && GetFileType(a) == FILE_TYPE_DISK && GetFileInformationByHandle(a, &first) &&
+         GetFileInformationByHandle(b, &second) && first.dwVolumeSerialNumber == second.dwVolumeSerialNumber &&
+         first.nFileIndexHigh == second.nFileIndexHigh && first.nFileIndexLow == second.nFileIndexLow;
+}
+
+// NUL, CON and COM3 are devices in every folder.
+bool IsDeviceName(const std::wstring& path) {
+  wchar_t full[MAX_PATH];
+  const DWORD length = GetFullPathNameW(path.c_str(), MAX_PATH, full, nullptr);
+  return length < MAX_PATH && std::wstring_view(full, length).starts_with(L"\\\\.\\");
+}
+
+// What speaks against writing the target; "" if nothing does.
+std::string Objection(const std::string& path, bool overwrite, HANDLE source, bool* replaces) {
+  const std::string quoted = "\"" + path + "\"", isDevice = quoted + " is a device, not a file; choose another name";
+  if (IsDeviceName(Wide(path))) return isDevice;
+  HANDLE existing = CreateFileW(Wide(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                OPEN_EXISTING, 0, nullptr);
+  if (existing == INVALID_HANDLE_VALUE) {
+    const DWORD error = GetLastError();
+    return error == ERROR_FILE_NOT_FOUND ? std::string() : CannotWrite(path, error);
+  }
+  LARGE_INTEGER size{};
+  GetFileSizeEx(existing, &size);
+  const bool isFile = GetFileType(existing) == FILE_TYPE_DISK, isSource = IsSameFile(existing, source);
+  CloseHandle(existing);
+  *replaces = size.QuadPart > 0;
+  if (!isFile) return isDevice;
+  if (isSource) return quoted + " is the file that is read; choose another name";
+  return size.QuadPart == 0 || overwrite
+             ? std::string()
+             : quoted + " exists and was left as it is; choose another name, or add --overwrite";
+}
+
+}  // namespace
+
+std::wstring Wide(std::string_view text) {
+  const int characters = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
+  std::wstring wide(static_cast<size_t>(characters), L'\0');
+  MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), wide.data(), characters);
+  return wide;
+}
+
+std::string Narrow(std::wstring_view text) {
+  const int bytes =
+      WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr, nullptr);
+  std::string narrow(static_cast<size_t>(bytes), '\0');
+  WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), narrow.data(), bytes, nullptr, nullptr);
+  return narrow;
+}
+
+bool OpenOutput(const std::string& path, bool overwrite, HANDLE source, OutputFile* output, std::string* error) {
+  output->path = path;
+  if (path == "-") {
+    output->file = GetStdHandle(STD_OUTPUT_HANDLE);
+    if (!IsUsable(output->file)) *error = "there is no standard output";
+    if (IsSameFile(output->file, source)) *error = "standard output is the file that is read";
+    return error->empty();
+  }
+  *error = Objection(path, overwrite, source, &output->replaces);
+  if (!error->empty()) return false;
+  output->part = Wide(path + "." + std::to_string(GetCurrentProcessId()) + ".part");
+  output->file = CreateFileW(output->part.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                             CREATE_ALWAYS, 0, nullptr);
+  if (output->file == INVALID_HANDLE_VALUE) *error = CannotWrite(path, GetLastError());
+  return error->empty();
+}
+
+bool AppendToOutput(OutputFile* output, std::string_view bytes, std::string* error) {
+  std::string_view rest = bytes;
+  while (!rest.empty()) {
+    DWORD written = 0;
+    const BOOL done = WriteFile(output->file, rest.data(), static_cast<DWORD>(rest.size()), &written, nullptr);
+    const DWORD failure = done ? ERROR_DISK_FULL : GetLastError();
+    rest.remove_prefix(written);
+    if (done && written > 0) continue;
+    // What reads a pipe may end when it has seen enough.
+    const bool isClosed = GetFileType(output->file) == FILE_TYPE_PIPE;
+    *error = isClosed ? std::string() : CannotWrite(output->path, failure);
+    LARGE_INTEGER before{};
+    before.QuadPart = output->size;
+    if (output->path != "-" && SetFilePointerEx(output->file, before, nullptr, FILE_BEGIN)) SetEndOfFile(output->file);
+    return false;
+  }
+  output->size += static_cast<LONGLONG>(bytes.size());
+  return true;
+}
+
+bool PublishOutput(OutputFile* output, std::string* error) {
+  if (output->part.empty()) return true;
+  FlushFileBuffers(output->file);
+  if (!MoveFileExW(output->part.c_str(), Wide(output->path).c_str(), MOVEFILE_REPLACE_EXISTING)) {
+    *error = CannotWrite(output->path, GetLastError());
+    return false;
+  }
+  output->part.clear();
+  return true;
+}
+
+void CloseOutput(OutputFile* output) {
+  if (output->file == INVALID_HANDLE_VALUE || output->path == "-") return;
+  CloseHandle(output->file);
+  output->file = INVALID_HANDLE_VALUE;
+  if (!output->part.empty()) DeleteFileW(output->part.c_str());
+}
+
+HANDLE OpenForReading(const std::string& path, std::string* error) {
+  if (path == "-") {
+    HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+    if (IsUsable(input)) return input;
+    *error = "there is no standard input";
+    return INVALID_HANDLE_VALUE;
+  }
+  // A recording can be looked at while it is being made.
+  HANDLE file = CreateFileW(Wide(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                            nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
+  if (file == INVALID_HANDLE_VALUE) *error = "cannot read \"" + path + "\": " + Reason(GetLastError());
+  return file;
+}
+
+void CloseInput(HANDLE file) {
+  if (file != INVALID_HANDLE_VALUE && file != GetStdHandle(STD_INPUT_HANDLE)) CloseHandle(file);
+}
+
+namespace {
+
+// The next part of a file; 0 bytes at its end.
+bool ReadPart(HANDLE file, const std::string& path, std::string* part, std::string* error) {
+  DWORD read = 0;
+  part->resize(kPartBytes);
+  const bool done = ReadFile(file, part->data(), kPartBytes, &read, nullptr) || GetLastError() == ERROR_BROKEN_PIPE;
+  if (!done) *error = "cannot read \"" + path + "\": " + Reason(GetLastError());
+  part->resize(read);
+  return done;
+}
+
+}  // namespace
+
+bool ReadWholeFile(const std::string& path, size_t limit, std::string* bytes, std::string* error) {
+  HANDLE file = OpenForReading(path, error);
+  if (file == INVALID_HANDLE_VALUE) return false;
+  std::string part;
+  while (ReadPart(file, path, &part, error) && !part.empty() && bytes->size() <= limit) *bytes += part;
+  CloseInput(file);
+  if (bytes->size() > limit) *error = "\"" + path + "\" is larger than " + std::to_string(limit) + " bytes";
+  return error->empty();
+}
+
+// ---- Recordings ----------------------------------------------------------------------------------------------------
+
+namespace {
+
+// Feeds the decoder until it knows what the file begins with.
+bool ReadHeader(RecordingFile* recording) {
+  Chunk none;
+  const std::string quoted = "\"" + recording->path + "\"";
+  for (;;) {
+    switch (DecodeNext(&recording->decoder, &none)) {
+      case Decoded::kHeader: return true;
+      case Decoded::kNoRecording: recording->error = quoted + " is not a camtool recording"; return false;
+      case Decoded::kOtherVersion:
+        recording->error = quoted + " has format version " + std::to_string(recording->decoder.version) +
+                           "; this camtool reads version " + std::to_string(kRecordingVersion);
+        return false;
+      default: break;
+    }
+    if (!ReadPart(recording->file, recording->path, &recording->part, &recording->error)) return false;
+    if (recording->part.empty()) {
+      // Cut off within its header: a recording of nothing.
+      recording->isEmpty = recording->decoder.pending.empty();
+      if (recording->isEmpty) recording->error = quoted + " is empty";
+      return !recording->isEmpty;
+    }
+    FeedDecoder(&recording->decoder, recording->part);
+  }
+}
+
+}  // namespace
+
+bool OpenRecording(const std::string& path, RecordingFile* recording) {
+  recording->path = path == "-" ? "standard input" : path;
+  recording->file = OpenForReading(path, &recording->error);
+  if (recording->file == INVALID_HANDLE_VALUE) return false;
+  if (ReadHeader(recording)) return true;
+  CloseRecording(recording);
+  return false;
+}
+
+bool NextChunk(RecordingFile* recording, Chunk* chunk) {
+  while (recording->decoder.hasHeader) {
+    switch (DecodeNext(&recording->decoder, chunk)) {
+      case Decoded::kChunk: return true;
+      case Decoded::kNeedMore: break;
+      default: continue;
+    }
+    if (!ReadPart(recording->file, recording->path, &recording->part, &recording->error)) return false;
+    if (recording->part.empty()) break;
+    FeedDecoder(&recording->decoder, recording->part);
+  }
+  recording->tornBytes = FinishDecoding(&recording->decoder);
+  return false;
+}
+
+void Rewind(RecordingFile* recording) {
+  SetFilePointer(recording->file, 0, nullptr, FILE_BEGIN);
+  recording->decoder = {};
+  ReadHeader(recording);
+}
+
+void CloseRecording(RecordingFile* recording) {
+  CloseInput(recording->file);
+  recording->file = INVALID_HANDLE_VALUE;
+}
+
+std::string DescribeDamage(const RecordingFile& recording) {
+  const RecordingDecoder& decoder = recording.decoder;
+  std::string text;
+  if (decoder.damagedPlaces > 0) {
+    text = "\"" + recording.path + "\" is damaged in " + Counted(decoder.damagedPlaces, "place") + "; " +
+           Counted(decoder.damagedBytes, "byte") + " skipped";
+  }
+  if (!decoder.hasEnd) {
+    text += text.empty() ? "\"" + recording.path + "\" was" : std::string(", and it was");
+    text += " cut off; " + Counted(recording.tornBytes, "byte") + " of a truncated chunk skipped";
+  }
+  return text;
+}
+
+}  // namespace camtool

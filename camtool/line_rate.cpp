@@ -1,0 +1,131 @@
+#include "camtool/line_rate.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <random>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "app/camera_point.h"
+#include "app/camera_record.h"
+
+namespace camtool {
+
+namespace {
+
+constexpr size_t kFewestBytes = 24;
+constexpr size_t kFewestText = 12;
+constexpr int kModelRecords = 100;
+// How much less likely than the best explanation a byte of the records may be, in nats; random bytes and plain text are
+// beyond 4.
+constexpr double kFarthest = 1.2;
+constexpr double kUnknownByte = 1e-4;
+
+using Shares = std::array<double, 256>;
+
+Shares SharesOf(std::string_view bytes) {
+  Shares shares{};
+  for (const char byte : bytes) shares[static_cast<unsigned char>(byte)] += 1.0 / static_cast<double>(bytes.size());
+  return shares;
+}
+
+// Records with all kinds of digits, misheard one by one, as a camera that pauses between them sends them.
+Shares SharesOfMisheardRecords(int sentRate, int heardRate) {
+  std::mt19937 random(1);
+  std::string heard;
+  for (int i = 0; i < kModelRecords; ++i) {
+    kv::CameraPoint points[kv::kPointCount];
+    for (kv::CameraPoint& point : points) {
+      const bool isHidden = random() % 4 == 0;
+      point.x = isHidden ? kv::kNoPoint : static_cast<LONG>(random() % kv::kFieldWidth);
+      point.y = isHidden ? kv::kNoPoint : static_cast<LONG>(random() % kv::kFieldHeight);
+    }
+    char record[kv::kRecordLength];
+    kv::WriteRecord(points, record);
+    heard += Mishear(std::string_view(record, sizeof(record)), sentRate, heardRate);
+  }
+  return SharesOf(heard);
+}
+
+// How badly `model` explains what was seen: 0 when the shares are the same (Kullback and Leibler's divergence).
+double Distance(const Shares& seen, const Shares& model) {
+  double distance = 0;
+  for (size_t i = 0; i < seen.size(); ++i) {
+    if (seen[i] > 0) distance += seen[i] * std::log(seen[i] / std::max(model[i], kUnknownByte));
+  }
+  return distance;
+}
+
+// The level of the line (true = idle) in the time of the sender's bit number `bit`.
+bool LevelAt(std::string_view sent, std::int64_t bit) {
+  const auto index = static_cast<size_t>(bit / 10);
+  if (index >= sent.size()) return true;
+  const int place = static_cast<int>(bit % 10);
+  if (place == 0) return false;
+  return place == 9 || ((static_cast<unsigned char>(sent[index]) >> (place - 1)) & 1);
+}
+
+}  // namespace
+
+std::string Mishear(std::string_view sent, int sentRate, int heardRate) {
+  // In units of which a bit of either side has a whole number, and half of one.
+  const std::int64_t sentBit = 2LL * heardRate, heardBit = 2LL * sentRate;
+  const auto bits = static_cast<std::int64_t>(sent.size()) * 10;
+  const auto level = [&](std::int64_t time) { return LevelAt(sent, time / sentBit); };
+  std::string heard;
+  for (std::int64_t bit = 0; bit < bits;) {
+    if (LevelAt(sent, bit)) {
+      ++bit;
+      continue;
+    }
+    std::int64_t sample = bit * sentBit + heardBit / 2;
+    int byte = 0;
+    for (int i = 0; i < 8; ++i) byte |= level(sample += heardBit) << i;
+    heard += static_cast<char>(byte);
+    // On from the middle of the stop bit; where that is missing, from where the line is idle again.
+    bit = (sample + heardBit) / sentBit;
+    while (bit < bits && !LevelAt(sent, bit)) ++bit;
+  }
+  return heard;
+}
+
+std::vector<int> GuessRates(std::string_view heard, int heardRate) {
+  if (heard.size() < kFewestBytes) return {};
+  const Shares seen = SharesOf(heard);
+  std::vector<std::pair<double, int>> likely;
+  for (const int rate : kUsualRates) {
+    if (rate == heardRate) continue;
+    const double distance = Distance(seen, SharesOfMisheardRecords(rate, heardRate));
+    if (distance < kFarthest) likely.emplace_back(distance, rate);
+  }
+  std::ranges::sort(likely);
+  std::vector<int> rates;
+  rates.reserve(likely.size());
+  for (const auto& [distance, rate] : likely) rates.push_back(rate);
+  return rates;
+}
+
+bool LooksLikeRecords(std::string_view bytes) {
+  if (bytes.size() < kFewestText || bytes.find_first_not_of("0123456789, +-\r\n") != bytes.npos) return false;
+  size_t commas = 0, strange = 0, before = bytes.npos;
+  for (size_t at = bytes.find(','); at != bytes.npos; before = at, at = bytes.find(',', at + 1)) {
+    ++commas;
+    // Five apart within a record, eleven from one to the next.
+    if (before != bytes.npos && at - before != 5 && at - before != 11) ++strange;
+  }
+  return commas >= 2 && strange == 0;
+}
+
+bool LooksLikeText(std::string_view bytes) {
+  const auto prints = std::ranges::count_if(bytes, [](unsigned char byte) {
+    return (byte >= ' ' && byte < 0x7F) || byte == '\r' || byte == '\n' || byte == '\t';
+  });
+  return !bytes.empty() && static_cast<double>(prints) >= 0.9 * static_cast<double>(bytes.size());
+}
+
+}  // namespace camtool

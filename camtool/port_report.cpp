@@ -1,0 +1,154 @@
+#include "camtool/port_report.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/camera_point.h"
+#include "camtool/ports.h"
+#include "camtool/record_stream.h"
+#include "camtool/text.h"
+
+namespace camtool {
+
+namespace {
+
+constexpr size_t kSampleShown = 32;
+// A pause that puts Tarnwick's reader back in step.
+constexpr double kRealigningGap = 0.005;
+constexpr char kIndent[] = "                  ";
+
+std::string Line(int number, const char* state, const std::string& rest) {
+  std::string line = Format("%-7s%-11s", ("COM" + std::to_string(number)).c_str(), state) + rest;
+  return line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
+}
+
+std::string Rates(const std::vector<int>& rates) {
+  std::string text;
+  for (size_t i = 0; i < rates.size(); ++i) {
+    text += (i == 0 ? "" : i + 1 == rates.size() ? " or " : ", ") + std::to_string(rates[i]);
+  }
+  return text + " baud";
+}
+
+std::string Points(const FoundRecord& record) {
+  std::string text;
+  for (const kv::CameraPoint& point : record.points) text += Format(" %ld,%ld", point.x, point.y);
+  return text;
+}
+
+std::string DescribeCamera(const PortReport& report) {
+  const RecordStream& stream = report.stream;
+  const std::string rate = stream.records > 1 ? Format("%.1f records/s", RecordRate(stream)) : std::string("1 record");
+  std::string text = Line(report.number, "camera",
+                          rate +
+                              Format(", %.1f %% well-formed, longest gap %.0f ms, points",
+                                     WellFormedShare(stream) * 100, stream.longestGap * 1000) +
+                              Points(stream.last));
+  if (stream.longestGap < kRealigningGap) {
+    text += kIndent + std::string(
+                          "never pauses for 5 ms: Tarnwick stays out of step when it connects in mid-record, and shows "
+                          "nothing; disconnect and connect again\n");
+  }
+  return text;
+}
+
+std::string DescribeTalk(const PortReport& report) {
+  const std::string_view sample = std::string_view(report.sample).substr(0, kSampleShown);
+  std::string text =
+      Line(report.number, "talks",
+           Format("%lld bytes in %.1f s, but no camera's records: ", report.stream.bytes, report.listenedSeconds) +
+               "\"" + Printable(sample) + "\"" + (report.sample.size() > sample.size() ? "..." : ""));
+  if (!report.recordRates.empty()) {
+    text += kIndent + ("a camera set to " + Rates(report.recordRates)) +
+            ", at which its records make sense: set its board to 38400 baud\n";
+  } else if (!report.textRates.empty()) {
+    text += kIndent + ("readable text, but no records, at " + Rates(report.textRates)) + "\n";
+  } else if (!report.guessedRates.empty()) {
+    text += kIndent + ("it looks like a wrong baud rate: records sent at " + Rates(report.guessedRates)) +
+            " would look so\n";
+  }
+  return text;
+}
+
+}  // namespace
+
+bool IsCamera(const PortReport& report) {
+  return report.stream.records > 0;
+}
+
+std::string DescribePort(const PortReport& report) {
+  if (!report.hasAnswered) {
+    return Line(report.number, "hangs", "opening it takes longer than the scan; its device does not answer");
+  }
+  switch (report.port.state) {
+    case PortState::kAbsent: return Line(report.number, "absent", "");
+    case PortState::kBusy: return Line(report.number, "busy", WhyNotOpened(report.number, report.port));
+    case PortState::kNoRight: return Line(report.number, "no right", WhyNotOpened(report.number, report.port));
+    case PortState::kUnusable: return Line(report.number, "unusable", WhyNotOpened(report.number, report.port));
+    default: break;
+  }
+  std::string text;
+  if (IsCamera(report)) {
+    text = DescribeCamera(report);
+  } else if (report.stream.bytes > 0) {
+    text = DescribeTalk(report);
+  } else {
+    text = Line(report.number, "silent", Format("opens, but nothing came in %.1f s", report.listenedSeconds));
+  }
+  if (report.wentAway) text += kIndent + std::string("went away while it was listened to\n");
+  return text;
+}
+
+std::string DescribePorts(std::span<const PortReport> reports, bool all) {
+  std::string text;
+  const auto isAbsent = [](const PortReport& report) {
+    return report.hasAnswered && report.port.state == PortState::kAbsent;
+  };
+  for (size_t i = 0; i < reports.size(); ++i) {
+    if (all || !isAbsent(reports[i])) {
+      text += DescribePort(reports[i]);
+      continue;
+    }
+    size_t last = i;
+    while (last + 1 < reports.size() && isAbsent(reports[last + 1])) ++last;
+    text += last == i ? Line(reports[i].number, "absent", "")
+                      : Format("COM%d to COM%d  absent\n", reports[i].number, reports[last].number);
+    i = last;
+  }
+  return text;
+}
+
+std::string DescribeVerdict(std::span<const PortReport> reports) {
+  // Tarnwick asks the ports in this order and takes the first that says enough, whatever it says.
+  double stillSearching = 1, findsCamera = 0;
+  const PortReport* likeliest = nullptr;
+  double likeliestChance = 0;
+  bool isCameraThere = false;
+  for (const PortReport& report : reports) {
+    isCameraThere |= IsCamera(report);
+    const double chance = stillSearching * report.pressChance;
+    if (IsCamera(report)) findsCamera += chance;
+    if (chance > likeliestChance) {
+      likeliest = &report;
+      likeliestChance = chance;
+    }
+    stillSearching -= chance;
+  }
+  if (!likeliest) {
+    return isCameraThere ? "Tarnwick would take no port: the camera sends too little in one go.\n"
+                         : "Tarnwick would take no port: none sends what a camera would.\n";
+  }
+  if (!IsCamera(*likeliest)) {
+    return Format("Tarnwick would take COM%d, which is no camera%s\n", likeliest->number,
+                  isCameraThere ? ", before it comes to the camera; unplug that device."
+                                : ": it takes the first port that talks.");
+  }
+  return Format("Tarnwick would take COM%d; one press of its button finds the camera in %.0f of 100 tries%s\n",
+                likeliest->number, findsCamera * 100, findsCamera < 0.995 ? "; press again if it does not." : ".");
+}
+
+}  // namespace camtool

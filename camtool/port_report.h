@@ -1,0 +1,40 @@
+// What a scan has learned of the ports, and how it says so. Pure, any thread.
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "camtool/ports.h"
+#include "camtool/press_chance.h"
+#include "camtool/record_stream.h"
+
+namespace camtool {
+
+struct PortReport {
+  int number = 0;
+  bool hasAnswered = false;  // false: opening it takes longer than the scan
+  PortStatus port;
+  RecordStream stream;
+  std::vector<Arrival> arrivals;
+  std::string sample;  // the first bytes that came
+  double listenedSeconds = 0;
+  bool wentAway = false;          // failed while it was listened to
+  double pressChance = 0;         // of one press of Tarnwick's button
+  std::vector<int> recordRates;   // baud rates at which it was heard to send records
+  std::vector<int> textRates;     // at which it was heard to send other text
+  std::vector<int> guessedRates;  // at which its bytes could be records, if none was heard
+};
+
+bool IsCamera(const PortReport& report);
+
+// One or more lines for a port that is there.
+std::string DescribePort(const PortReport& report);
+
+// The lines of all ports; those that are absent are put together unless `all`.
+std::string DescribePorts(std::span<const PortReport> reports, bool all);
+
+// Which port Tarnwick would take, and how likely one press finds the camera.
+std::string DescribeVerdict(std::span<const PortReport> reports);
+
+}  // namespace camtool

@@ -1,0 +1,151 @@
+#include "camtool/record_stream.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/camera_point.h"
+#include "app/camera_record.h"
+#include "camtool/text.h"
+
+namespace camtool {
+
+namespace {
+
+constexpr size_t kFieldBytes = 39;  // fields and commas, without the closing bytes
+constexpr size_t kFieldPitch = 5;
+
+// Whether a field is a number as the camera writes it: digits to its end, with blanks or a plus in front of them at
+// most.
+bool IsNumber(std::string_view field) {
+  field.remove_prefix(std::min(field.find_first_not_of(' '), field.size()));
+  if (field.starts_with('+')) field.remove_prefix(1);
+  return !field.empty() && std::ranges::all_of(field, [](char byte) { return byte >= '0' && byte <= '9'; });
+}
+
+// Whether a record says the points that Tarnwick reads from it. The last number is read on into the closing bytes when
+// they begin with a digit.
+bool IsOdd(std::string_view record) {
+  for (size_t at = 0; at < kFieldBytes; at += kFieldPitch) {
+    if (!IsNumber(record.substr(at, kFieldPitch - 1))) return true;
+  }
+  return record[kFieldBytes] >= '0' && record[kFieldBytes] <= '9';
+}
+
+bool IsInRange(const kv::CameraPoint& point) {
+  return std::min(point.x, point.y) >= 0 && std::max(point.x, point.y) <= kv::kNoPoint;
+}
+
+// Besides the shape: no comma in place of a closing byte. There it stands when a record was cut off behind a field and
+// the next one follows; taken together they would be a record that no camera sent.
+bool IsRecord(const char* bytes) {
+  return kv::HasRecordShape(bytes) && bytes[kFieldBytes] != ',';
+}
+
+void CloseStretch(RecordStream* stream) {
+  MalformedStretch& open = stream->open;
+  if (open.bytes == 0) return;
+  const bool isLead =
+      stream->records == 0 && stream->malformedStretches == 0 && open.bytes < static_cast<long long>(kv::kRecordLength);
+  if (isLead) {
+    stream->leadBytes = open.bytes;
+  } else {
+    stream->malformedBytes += open.bytes;
+    ++stream->malformedStretches;
+    if (stream->stretches.size() < kStretchesKept) stream->stretches.push_back(open);
+  }
+  open = {};
+}
+
+void TakeRecord(RecordStream* stream, const char* bytes, double seconds, std::vector<FoundRecord>* found) {
+  CloseStretch(stream);
+  char text[kv::kRecordLength + 1] = "";
+  std::memcpy(text, bytes, kv::kRecordLength);
+  // A field that cannot be read (behind a zero byte) keeps its last value, as in Tarnwick.
+  FoundRecord record = stream->last;
+  record.seconds = seconds;
+  record.isOdd = IsOdd({bytes, kv::kRecordLength});
+  kv::ParseRecord(text, record.points);
+  record.isInRange = std::ranges::all_of(record.points, IsInRange);
+  record.isOdd |= !record.isInRange;
+  if (stream->records++ == 0) stream->firstSeconds = seconds;
+  stream->lastSeconds = seconds;
+  stream->oddRecords += record.isOdd;
+  stream->outOfRange += !record.isInRange;
+  stream->last = record;
+  if (found) found->push_back(record);
+}
+
+void SkipByte(MalformedStretch* open, char byte, double seconds) {
+  if (open->bytes++ == 0) open->seconds = seconds;
+  if (open->sample.size() < kStretchSample) open->sample += byte;
+}
+
+}  // namespace
+
+void FeedStream(RecordStream* stream, double seconds, std::string_view bytes, std::vector<FoundRecord>* found) {
+  if (bytes.empty()) return;
+  if (stream->lastArrival >= 0) stream->longestGap = std::max(stream->longestGap, seconds - stream->lastArrival);
+  stream->lastArrival = seconds;
+  stream->bytes += static_cast<long long>(bytes.size());
+  stream->pending += bytes;
+  stream->pieces.push_back({stream->pending.size(), seconds});
+  const RecordStream::Piece* piece = stream->pieces.data();
+  // When the byte at that place came; asked in rising order.
+  const auto secondsAt = [&](size_t place) {
+    while (piece->end <= place) ++piece;
+    return piece->seconds;
+  };
+  size_t at = 0;
+  while (stream->pending.size() - at >= kv::kRecordLength) {
+    const char* here = stream->pending.data() + at;
+    if (IsRecord(here)) {
+      TakeRecord(stream, here, secondsAt(at + kv::kRecordLength - 1), found);
+      at += kv::kRecordLength;
+    } else {
+      SkipByte(&stream->open, *here, secondsAt(at));
+      ++at;
+    }
+  }
+  stream->pending.erase(0, at);
+  std::erase_if(stream->pieces, [&](const RecordStream::Piece& p) { return p.end <= at; });
+  for (RecordStream::Piece& rest : stream->pieces) rest.end -= at;
+}
+
+void EndStream(RecordStream* stream) {
+  // Behind garbage the rest is garbage as well; behind a record it is one that was cut off.
+  if (stream->open.bytes > 0 || stream->records == 0) {
+    size_t at = 0;
+    for (const RecordStream::Piece& piece : stream->pieces) {
+      for (; at < piece.end; ++at) SkipByte(&stream->open, stream->pending[at], piece.seconds);
+    }
+    stream->pending.clear();
+    stream->pieces.clear();
+  }
+  CloseStretch(stream);
+}
+
+double RecordRate(const RecordStream& stream) {
+  const double seconds = stream.lastSeconds - stream.firstSeconds;
+  return seconds > 0 ? static_cast<double>(stream.records - 1) / seconds : 0;
+}
+
+double WellFormedShare(const RecordStream& stream) {
+  const auto length = static_cast<double>(kv::kRecordLength);
+  const auto good = static_cast<double>(stream.records);
+  const double bad =
+      std::max(static_cast<double>(stream.malformedBytes) / length, static_cast<double>(stream.malformedStretches));
+  return good > 0 ? good / (good + bad) : 0;
+}
+
+std::string DescribeMalformed(const RecordStream& stream) {
+  if (stream.malformedStretches == 0) return "no malformed stretches";
+  return std::to_string(stream.malformedStretches) +
+         (stream.malformedStretches == 1 ? " malformed stretch, " : " malformed stretches, ") +
+         Counted(static_cast<unsigned long long>(stream.malformedBytes), "byte");
+}
+
+}  // namespace camtool

@@ -1,0 +1,203 @@
+// camtool scan: what is on each port, and what Tarnwick would make of it.
+#include <windows.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/camera_link.h"
+#include "camtool/arguments.h"
+#include "camtool/console.h"
+#include "camtool/exit_codes.h"
+#include "camtool/line_rate.h"
+#include "camtool/pace.h"
+#include "camtool/port_report.h"
+#include "camtool/ports.h"
+#include "camtool/press_chance.h"
+#include "camtool/record_stream.h"
+#include "camtool/verbs.h"
+
+namespace camtool {
+
+namespace {
+
+// A whole scan takes less than two seconds, with room for starting and for a busy machine.
+constexpr double kListenSeconds = 0.9;
+constexpr double kTryRatesUntil = 1.4;
+constexpr double kGiveUpSeconds = 1.6;
+constexpr DWORD kTurnMs = 50;
+// Until a rate shows itself: so long, or as long as so many bytes take.
+constexpr double kShortestTry = 0.045;
+constexpr double kBytesOfTry = 20;
+constexpr size_t kSampleBytes = 512;
+constexpr size_t kProbeStack = 256 * 1024;
+constexpr double kWatchPause = 0.4;
+
+struct Settings {
+  bool watch = false;
+  bool all = false;
+} settings;
+
+const Option kOptions[] = {
+    {"--watch", nullptr, "scan again and again, until Ctrl+C", &settings.watch},
+    {"--all", nullptr, "a line for each absent port, too", &settings.all},
+};
+
+constexpr int kExits[] = {kDone, kUsageError, kNoCamera};
+
+// One port's part of a scan. Its thread writes `report` and then `isDone`; nobody else touches the report before. The
+// scan and the thread each own a share: a thread that hangs keeps its own.
+struct Probe {
+  PortReport report;
+  std::shared_ptr<const PortHolders> holders;
+  double start = 0;
+  std::atomic<bool> isDone{false};
+};
+
+void Listen(Probe* probe, HANDLE port) {
+  PortReport& report = probe->report;
+  PortReader reader(port);
+  const double from = Now();
+  const double until = probe->start + kListenSeconds;
+  std::string bytes;
+  double seconds = from;
+  while (Now() < until && !report.wentAway) {
+    const PortReader::Outcome outcome = reader.Read(kTurnMs, nullptr, &bytes, &seconds);
+    report.wentAway = outcome == PortReader::Outcome::kGone;
+    if (outcome != PortReader::Outcome::kBytes) continue;
+    FeedStream(&report.stream, seconds, bytes, nullptr);
+    report.arrivals.push_back({seconds, static_cast<int>(bytes.size())});
+    if (report.sample.size() < kSampleBytes) report.sample += bytes;
+  }
+  EndStream(&report.stream);
+  report.listenedSeconds = Now() - from;
+  report.pressChance = PressChance(report.arrivals, from, Now());
+}
+
+// What comes at another baud rate.
+std::string ListenAt(HANDLE port, int rate, double seconds) {
+  kv::SetPortBaudRate(port, static_cast<DWORD>(rate));
+  PurgeComm(port, PURGE_RXCLEAR);
+  PortReader reader(port);
+  std::string heard, bytes;
+  double arrival = 0;
+  for (const double until = Now() + seconds; Now() < until;) {
+    const auto leftMs = static_cast<DWORD>((until - Now()) * 1000 + 1);
+    if (reader.Read(leftMs, nullptr, &bytes, &arrival) == PortReader::Outcome::kBytes) heard += bytes;
+  }
+  // The first byte may have begun at the rate before.
+  return heard.substr(std::min<size_t>(heard.size(), 1));
+}
+
+// For a port that talks, but makes no sense: the rates that its bytes speak for first, then the usual ones.
+void TryRates(Probe* probe, HANDLE port) {
+  PortReport& report = probe->report;
+  report.guessedRates = GuessRates(report.sample, static_cast<int>(kv::kCameraBaudRate));
+  std::vector<int> rates = report.guessedRates;
+  for (const int rate : kUsualRates) {
+    if (std::ranges::find(rates, rate) == rates.end()) rates.push_back(rate);
+  }
+  for (const int rate : rates) {
+    const double seconds = std::max(kShortestTry, kBytesOfTry * 10 / rate);
+    if (Now() + seconds > probe->start + kTryRatesUntil || !report.recordRates.empty()) break;
+    const std::string heard = ListenAt(port, rate, seconds);
+    if (LooksLikeRecords(heard)) {
+      report.recordRates.push_back(rate);
+    } else if (heard.size() >= kBytesOfTry / 2 && LooksLikeText(heard)) {
+      report.textRates.push_back(rate);
+    }
+  }
+}
+
+DWORD WINAPI RunProbe(void* parameter) {
+  const std::unique_ptr<std::shared_ptr<Probe>> share(static_cast<std::shared_ptr<Probe>*>(parameter));
+  Probe* probe = share->get();
+  PortReport& report = probe->report;
+  Port port;
+  report.port = OpenPort(report.number, *probe->holders, &port);
+  if (port.isOpen()) {
+    Listen(probe, port.handle());
+    const bool isGarbage = !IsCamera(report) && report.stream.bytes > 0 && !LooksLikeText(report.sample);
+    if (isGarbage && !report.wentAway) TryRates(probe, port.handle());
+    port.Close();
+  }
+  report.hasAnswered = true;
+  probe->isDone = true;
+  return 0;
+}
+
+std::shared_ptr<Probe> StartProbe(int number, double start, const std::shared_ptr<const PortHolders>& holders) {
+  auto probe = std::make_shared<Probe>();
+  probe->report.number = number;
+  probe->holders = holders;
+  probe->start = start;
+  auto* share = new std::shared_ptr<Probe>(probe);
+  HANDLE thread = CreateThread(nullptr, kProbeStack, RunProbe, share, STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
+  if (thread) {
+    CloseHandle(thread);
+  } else {
+    delete share;
+  }
+  return probe;
+}
+
+// One probe for each port; those that still hang from the scan before stay.
+using Probes = std::vector<std::shared_ptr<Probe>>;
+
+std::vector<PortReport> Scan(Probes* probes) {
+  const double start = Now();
+  const auto holders = std::make_shared<const PortHolders>(FindPortHolders());
+  for (int port = kv::kFirstScannedPort; port <= kv::kLastScannedPort; ++port) {
+    std::shared_ptr<Probe>& probe = (*probes)[static_cast<size_t>(port - kv::kFirstScannedPort)];
+    if (!probe || probe->isDone) probe = StartProbe(port, start, holders);
+  }
+  const auto allDone = [&] {
+    return std::ranges::all_of(*probes, [](const auto& probe) { return probe->isDone.load(); });
+  };
+  while (!allDone() && Now() < start + kGiveUpSeconds && !IsStopRequested()) WaitUntil(Now() + 0.01, StopEvent());
+  std::vector<PortReport> reports;
+  for (const auto& probe : *probes) {
+    if (probe->isDone) {
+      reports.push_back(probe->report);
+    } else {
+      reports.emplace_back();
+      reports.back().number = probe->report.number;
+    }
+  }
+  return reports;
+}
+
+int RunScan(const std::vector<std::string>&) {
+  Probes probes(kv::kLastScannedPort - kv::kFirstScannedPort + 1);
+  StopEvent();
+  bool found = false;
+  for (;;) {
+    const std::vector<PortReport> reports = Scan(&probes);
+    // What a scan that was interrupted has seen says nothing about the ports that it has not.
+    if (IsStopRequested() && settings.watch) break;
+    found = std::ranges::any_of(reports, IsCamera);
+    std::printf("%s\n%s", DescribePorts(reports, settings.all).c_str(), DescribeVerdict(reports).c_str());
+    if (settings.watch) std::puts("----");
+    std::fflush(stdout);
+    if (!settings.watch || !WaitUntil(Now() + kWatchPause, StopEvent())) break;
+  }
+  return found ? kDone : kNoCamera;
+}
+
+}  // namespace
+
+const Verb kScanVerb = {
+    "scan",
+    "",
+    {0, 0},
+    "tells what is on COM1 to COM98 and which port Tarnwick would take",
+    "Takes less than two seconds. Each port is one of: absent, busy, no right, unusable (opens, but\n"
+    "is no serial port), hangs, silent, talks (but is no camera), camera.\n",
+    kOptions,
+    kExits,
+    RunScan};
+
+}  // namespace camtool

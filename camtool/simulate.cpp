@@ -1,0 +1,173 @@
+// camtool simulate: stands in for the camera, with the faults that a line can have.
+#include <windows.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "app/camera_link.h"
+#include "app/camera_point.h"
+#include "app/camera_record.h"
+#include "camtool/arguments.h"
+#include "camtool/console.h"
+#include "camtool/csv.h"
+#include "camtool/exit_codes.h"
+#include "camtool/faults.h"
+#include "camtool/files.h"
+#include "camtool/pace.h"
+#include "camtool/paths.h"
+#include "camtool/ports.h"
+#include "camtool/text.h"
+#include "camtool/verbs.h"
+
+namespace camtool {
+
+namespace {
+
+// A start bit, 8 data bits and a stop bit for each byte: what the line can carry, in whole records.
+constexpr double kHighestRate = static_cast<int>(kv::kCameraBaudRate / 10 / kv::kRecordLength);
+constexpr size_t kLargestPathFile = 64 * 1024 * 1024;
+constexpr double kReopenSeconds = 0.25;
+
+struct Settings {
+  double rate = kHighestRate;  // records a second
+  double seconds = 0;          // 0 = without end
+  double seed = 1;
+  std::string path;
+  FaultPlan faults;
+} settings;
+
+const Option kOptions[] = {
+    {"--rate", "RECORDS", "records a second", NumberOption{&settings.rate, 0.1, kHighestRate}},
+    {"--seconds", "SECONDS", "end after so long", NumberOption{&settings.seconds, 0.1, 1e9}},
+    {"--path", "FILE", "points from a file of comma-separated values, such as export writes", &settings.path},
+    {"--drop", "HOW-OFTEN", "leave out a record", &settings.faults.triggers[kDropFault]},
+    {"--duplicate", "HOW-OFTEN", "send a record twice", &settings.faults.triggers[kDuplicateFault]},
+    {"--corrupt", "HOW-OFTEN", "replace one to three bytes of a record", &settings.faults.triggers[kCorruptFault]},
+    {"--cut", "HOW-OFTEN", "end a record early", &settings.faults.triggers[kCutFault]},
+    {"--merge", "HOW-OFTEN", "let a record run into the next one, without closing bytes",
+     &settings.faults.triggers[kMergeFault]},
+    {"--garbage", "HOW-OFTEN", "send up to 64 random bytes before a record", &settings.faults.triggers[kGarbageFault]},
+    {"--pause", "HOW-OFTEN", "send nothing for a while", &settings.faults.triggers[kPauseFault]},
+    {"--pause-seconds", "SECONDS", "how long (0.5)", NumberOption{&settings.faults.pauseSeconds, 0.001, 3600}},
+    {"--hang-up", "HOW-OFTEN", "close the port for a while, then come back", &settings.faults.triggers[kHangUpFault]},
+    {"--hang-up-seconds", "SECONDS", "how long (2)", NumberOption{&settings.faults.hangUpSeconds, 0.001, 3600}},
+    {"--slow", "HOW-OFTEN", "send at a quarter of the pace for a while", &settings.faults.triggers[kSlowFault]},
+    {"--fast", "HOW-OFTEN", "send at three times the pace for a while", &settings.faults.triggers[kFastFault]},
+    {"--stretch-seconds", "SECONDS", "how long slow and fast last (2)",
+     NumberOption{&settings.faults.stretchSeconds, 0.01, 3600}},
+    {"--seed", "NUMBER", "the same number gives the same faults (1)", NumberOption{&settings.seed, 0, 4294967295.0}},
+};
+
+constexpr int kExits[] = {kDone, kFailed, kUsageError, kNoPort, kEmpty};
+
+constexpr char kDetails[] =
+    "Goes on until Ctrl+C or --seconds. HOW-OFTEN is a chance for each record (5% or 0.05), a count (50: every 50th\n"
+    "record) or a period of the camera's own time (10s, 500ms).\n"
+    "A file of --path has a row for each moment with up to four x,y pairs, with or without the time in seconds in "
+    "front;\n"
+    "without it each row is for one record.\n";
+
+struct Camera {
+  int number;
+  Port port;
+  PointPath path;  // no rows: the built-in curves
+  FaultInjector faults;
+  double start;
+  long sent = 0, lost = 0;
+  bool isGone = false;
+};
+
+std::string RecordAt(const Camera& camera, double seconds, long index) {
+  kv::CameraPoint points[kv::kPointCount];
+  if (camera.path.rows.empty()) {
+    PointsAt(seconds, points);
+  } else {
+    PointsOnPath(camera.path, seconds, index, points);
+  }
+  char record[kv::kRecordLength];
+  kv::WriteRecord(points, record);
+  return std::string(record, sizeof(record));
+}
+
+// Closes the port and comes back to it, as a camera does whose plug was loose; waits as long as something else has it.
+void HangUp(Camera* camera, double until) {
+  camera->port.Close();
+  while (WaitUntil(until, StopEvent())) {
+    OpenPort(camera->number, FindPortHolders(), &camera->port);
+    if (camera->port.isOpen()) return;
+    until += kReopenSeconds;
+  }
+}
+
+void Stream(Camera* camera) {
+  // `due` is the camera's own clock, on which a run with faults repeats itself; what the line makes of it is not.
+  double due = 0;
+  ProgressLine progress;
+  for (long i = 0; !camera->isGone; ++i) {
+    if (settings.seconds > 0 && due >= settings.seconds) return;
+    if (!WaitUntil(camera->start + due, StopEvent())) return;
+    const FaultStep step = InjectFaults(&camera->faults, due, RecordAt(*camera, due, i));
+    const auto patienceMs = static_cast<DWORD>(1000 / settings.rate) + 1;
+    const Written written = WritePort(camera->port.handle(), step.bytes.data(), step.bytes.size(), patienceMs);
+    if (!step.bytes.empty()) ++(written == Written::kAll ? camera->sent : camera->lost);
+    camera->isGone = written == Written::kGone;
+    due += 1 / (settings.rate * step.pace) + step.pauseSeconds + step.hangUpSeconds;
+    if (step.hangUpSeconds > 0 && !camera->isGone) HangUp(camera, camera->start + due);
+    if (progress.IsDue()) progress.Show(Format("%7.1f s  %ld records sent", due, camera->sent));
+  }
+}
+
+void PrintSummary(const Camera& camera) {
+  std::printf("%ld records sent, %ld dropped because nobody listened, %.1f s\n", camera.sent, camera.lost,
+              Now() - camera.start);
+  std::string faults;
+  for (int i = 0; i < kFaultCount; ++i) {
+    if (settings.faults.triggers[i].kind == Trigger::kNever) continue;
+    faults += (faults.empty() ? "faults: " : ", ") + std::to_string(camera.faults.happened[i]) + " " + kFaultNames[i];
+  }
+  if (!faults.empty()) std::printf("%s (seed %.0f)\n", faults.c_str(), settings.seed);
+}
+
+int ReadPath(PointPath* path) {
+  std::string text, error;
+  if (ReadWholeFile(settings.path, kLargestPathFile, &text, &error) && text.empty()) {
+    Complain("\"" + settings.path + "\" is empty");
+    return kEmpty;
+  }
+  if (error.empty() && !ParsePath(text, path, &error)) error = "\"" + settings.path + "\", " + error;
+  if (error.empty()) return kDone;
+  Complain(error);
+  return kFailed;
+}
+
+int RunSimulate(const std::vector<std::string>& operands) {
+  Camera camera{};
+  camera.number = ParsePort(operands[0]);
+  if (camera.number == 0) {
+    Complain("the port must be COM1 to COM999");
+    return kUsageError;
+  }
+  const int read = settings.path.empty() ? kDone : ReadPath(&camera.path);
+  if (read != kDone) return read;
+  StopEvent();
+  if (!OpenPortOrComplain(camera.number, &camera.port)) return kNoPort;
+  settings.faults.seed = static_cast<std::uint32_t>(settings.seed);
+  camera.faults = MakeFaultInjector(settings.faults);
+  camera.start = Now();
+  std::printf("streaming to COM%d, %.0f records a second; Ctrl+C ends\n", camera.number, settings.rate);
+  std::fflush(stdout);
+  Stream(&camera);
+  PrintSummary(camera);
+  if (!camera.isGone) return kDone;
+  Complain("COM" + std::to_string(camera.number) + " was disconnected");
+  return kFailed;
+}
+
+}  // namespace
+
+const Verb kSimulateVerb = {"simulate", "PORT",   {1, 1}, "plays a camera into a port, with faults if wanted",
+                            kDetails,   kOptions, kExits, RunSimulate};
+
+}  // namespace camtool
