@@ -169,7 +169,7 @@ INT_PTR OnCommand(HWND frame, UINT command, UINT code) {
       return TRUE;
     case IDM_GALLERY_EXIT: return PostMessageA(frame, WM_CLOSE, 0, 0);
     case IDM_GALLERY_ABOUT:
-      MessageBoxW(frame, Text(IDS_ABOUT_TEXT).c_str(), Text(IDS_ABOUT_CAPTION).c_str(), MB_ICONINFORMATION);
+      ShowMessage(frame, Text(IDS_ABOUT_TEXT), IDS_ABOUT_CAPTION, MB_ICONINFORMATION);
       return TRUE;
     case IDM_GALLERY_HELP: return OpenGalleryHelp(frame);
     default:

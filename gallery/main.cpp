@@ -69,13 +69,10 @@ void Walk(HWND frame) {
 }
 
 int ShowHelp(const std::wstring& refused) {
-  std::wstring help = gallery::TextWith(IDS_HELP_PAGES, gallery::PageNames().c_str()) + L"\n" +
-                      gallery::TextWith(IDS_HELP_LANGUAGES, gallery::LanguageCodes().c_str()) + L"\n";
-  help = L"kvgallery [--page NAME] [--language CODE] [--help]\n\n" + help;
+  std::wstring help = gallery::TextWith(IDS_HELP_TEXT, gallery::PageNames().c_str(), gallery::LanguageCodes().c_str());
   if (!refused.empty()) help = gallery::TextWith(IDS_HELP_REFUSED, refused.c_str()) + L"\n\n" + help;
   if (!Print(refused.empty() ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE, help)) {
-    MessageBoxW(nullptr, help.c_str(), gallery::Text(IDS_GALLERY_CAPTION).c_str(),
-                refused.empty() ? MB_ICONINFORMATION : MB_ICONWARNING);
+    gallery::ShowMessage(nullptr, help, IDS_GALLERY_CAPTION, refused.empty() ? MB_ICONINFORMATION : MB_ICONWARNING);
   }
   return refused.empty() ? 0 : kExitRefused;
 }

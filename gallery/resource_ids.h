@@ -22,9 +22,8 @@
 #define IDS_ABOUT_CAPTION 2
 #define IDS_ABOUT_TEXT 3
 #define IDS_LIST_TIP 4
-#define IDS_HELP_PAGES 5
-#define IDS_HELP_LANGUAGES 6
-#define IDS_HELP_REFUSED 7
+#define IDS_HELP_TEXT 5
+#define IDS_HELP_REFUSED 6
 
 // The pages, in the order of the list and of the table in pages.cpp.
 #define PAGE_INDEX_OVERVIEW 0

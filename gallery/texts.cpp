@@ -1,8 +1,8 @@
 #include "gallery/texts.h"
 #include <string>
 
-#include "framework/bounded_format.h"
 #include "framework/modules.h"
+#include "gallery/languages.h"
 
 namespace gallery {
 
@@ -22,10 +22,9 @@ std::wstring Text(UINT id) {
   return text.empty() ? Load(kv::modules.application, id) : text;
 }
 
-std::wstring TextWith(UINT id, const wchar_t* value, int number) {
-  wchar_t text[1000];
-  kv::FormatBounded(text, sizeof(text), Text(id).c_str(), value, number);
-  return text;
+int ShowMessage(HWND owner, const std::wstring& text, UINT captionId, UINT flags) {
+  if (IsRightToLeft()) flags |= MB_RTLREADING | MB_RIGHT;
+  return MessageBoxW(owner, text.c_str(), Text(captionId).c_str(), flags);
 }
 
 }  // namespace gallery

@@ -6,11 +6,21 @@
 
 #include <string>
 
+#include "framework/bounded_format.h"
+
 namespace gallery {
 
 std::wstring Text(UINT id);
 
-// The text with one or two values put in, as FormatBounded does it; cut at 1,000 characters.
-std::wstring TextWith(UINT id, const wchar_t* value, int number = 0);
+// The text with values put in, as FormatBounded does it; cut at 1,000 characters.
+template <class... Values>
+std::wstring TextWith(UINT id, Values... values) {
+  wchar_t text[1000];
+  kv::FormatBounded(text, sizeof(text), Text(id).c_str(), values...);
+  return text;
+}
+
+// A message box in the direction of the language; returns what MessageBoxW returns.
+int ShowMessage(HWND owner, const std::wstring& text, UINT captionId, UINT flags);
 
 }  // namespace gallery

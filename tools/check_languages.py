@@ -3,8 +3,9 @@
 
     tools/check_languages.py             errors: texts that English does not have, texts given twice, values that do not
                                          match (%s, %d), keys (&) given to two controls of a page, to a control and the
-                                         menu bar, or to two items of a menu, texts left in English; gaps are only
-                                         counted
+                                         menu bar, or to two items of a menu, texts left in English, two fields of a
+                                         page with one label, one English text or term in two ways, punctuation and
+                                         marks of direction that the script wants; gaps are only counted
     tools/check_languages.py --gaps      also lists what each language lacks (it is shown in English until then)
     tools/check_languages.py --complete  a gap is an error, too
 
@@ -15,6 +16,7 @@ name, which a language script calls TEXT_OF(name).
 import argparse
 import re
 import sys
+import unicodedata
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
@@ -90,12 +92,64 @@ def check_keys(script, texts, errors):
         taken[(place, key)] = name
 
 
+def plain(text):
+    """The text without its key, which some scripts have behind it."""
+    return re.sub(r"\(&\w\)|&", "", text).strip()
+
+
+# Terms that a page's texts have in common: their translations share a part of this many letters, whatever the case.
+TERMS = ("clipboard", "conversation", "globe", "icon", "notes", "waypoint")
+SCRIPTS = {"CH": 1, "JP": 2, "KO": 1, "HI": 3, "AR": 3}
+
+
+def share_a_part(texts, letters):
+    first, *others = (unicodedata.normalize("NFD", text.casefold()) for text in texts)
+    parts = {first[i : i + letters] for i in range(len(first) - letters + 1)}
+    return any(not set(part) & set(" %.,:") and all(part in other for other in others) for part in parts)
+
+
+def check_terms(script, texts, english, errors):
+    """On one page, what English says once is said in one way, and what it says in two ways is told apart."""
+    pages = {}
+    for name, text in texts.items():
+        if page := key_places(name):
+            pages.setdefault(page, []).append((plain(english.get(name, "")), plain(text)))
+    for page, pairs in pages.items():
+        said, labels = {}, {}
+        for original, text in pairs:
+            if said.setdefault(original, text) != text:
+                errors.append(f"{script}: on the {page} {original} is {said[original]} and {text}")
+            if labels.setdefault(text, original) != original:
+                errors.append(f"{script}: on the {page} {labels[text]} and {original} are both {text}")
+        for term in TERMS:
+            said_as = [text for original, text in pairs if re.search(rf"\b{term}", original.casefold())]
+            if len(said_as) > 1 and not share_a_part(said_as, SCRIPTS.get(script[:2], 4)):
+                errors.append(f"{script}: on the {page} {term} is said in several ways: {' | '.join(said_as)}")
+
+
+LEFT_TO_RIGHT = "\u200e"
+# What is read from left to right as a whole: a value put in, numbers with a sign between them, a word with one before.
+DIRECTED = re.compile(r"(?:%s|%d|\d+)(?:\s*[×,]\s*|  )(?:%s|%d|\d+)|%s|\$\w+|[A-Za-z]+-\d+")
+FULL_WIDTH = re.compile(r"[:;?!]|(?<=[\u3040-\u9fff]),|,(?=[\u3040-\u9fff])")
+
+
+def check_script(script, texts, errors):
+    for name, text in texts.items():
+        if script == "AR.rc":
+            for match in DIRECTED.finditer(text):
+                if text[match.start() - 1] != LEFT_TO_RIGHT or text[match.end() : match.end() + 1] != LEFT_TO_RIGHT:
+                    errors.append(f"{script}: {name} needs U+200E on both sides of {match[0]}")
+        if script == "CH.rc" and FULL_WIDTH.search(text):
+            errors.append(f"{script}: {name} has punctuation that is not full width: {text}")
+        if script == "FR.rc" and re.search(r" [:;?!»]|« ", text):
+            errors.append(f"{script}: {name} needs U+00A0 beside its punctuation: {text}")
+
+
 def check_english(english, all_texts, errors):
     """A text that most languages have in the same words as English was not translated; names like x1 are."""
     for name, text in english.items():
         words = re.findall(r"[^\W\d_]{3,}", VALUE.sub("", text.replace("&", "").replace("\\n", " ")))
-        plain = text.replace("&", "")
-        same = [code for code, texts in all_texts.items() if texts.get(name, "").replace("&", "") == plain]
+        same = [code for code, texts in all_texts.items() if plain(texts.get(name, "")) == plain(text)]
         if words and len(same) > len(all_texts) / 2:
             errors.append(f"{name} is English in {', '.join(same)}: {text}")
 
@@ -103,6 +157,8 @@ def check_english(english, all_texts, errors):
 def check(script, texts, english, errors):
     # What a language lacks is shown in English, with its key.
     check_keys(script.name, english | texts, errors)
+    check_terms(script.name, texts, english, errors)
+    check_script(script.name, texts, errors)
     for name, text in texts.items():
         if name not in english:
             errors.append(f"{script.name}: {name} is not among the English texts")

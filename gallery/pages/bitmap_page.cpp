@@ -81,6 +81,8 @@ std::wstring LabelText(HWND page, int picture) {
   wchar_t text[128] = L"";
   GetDlgItemTextW(page, IDC_BITMAP_LABEL + picture, text, ARRAYSIZE(text));
   std::wstring name = text;
+  if (const size_t key = name.find(L"(&"); key != name.npos)
+    name.erase(key, 4);  // scripts that have it behind the text
   std::erase(name, L'&');
   return name;
 }

@@ -48,7 +48,7 @@ void DrawMessage(HDC dc, RECT area) {
   const kv::SelectedObject selected(dc, font);
   SetBkMode(dc, TRANSPARENT);
   SetTextColor(dc, RGB(0xB4, 0xC0, 0xD2));
-  DrawTextW(dc, Text(IDS_CAPTURE_NO_DEVICE).c_str(), -1, &area, DT_SINGLELINE | DT_CENTER | DT_VCENTER | DT_NOPREFIX);
+  DrawFitted(dc, Text(IDS_CAPTURE_NO_DEVICE), area, DT_SINGLELINE | DT_CENTER | DT_VCENTER);
 }
 
 void DrawScreen(HDC dc, RECT area) {
@@ -123,21 +123,19 @@ void ShowRecording(HWND page) {
   std::wstring path(recording.path.begin(), recording.path.end());
   const int length = static_cast<int>(recording.path.size());
   path.resize(MultiByteToWideChar(CP_ACP, 0, recording.path.c_str(), length, path.data(), length));
-  wchar_t text[512];
-  kv::FormatBounded(text, sizeof(text), Text(recording.textId).c_str(), path.c_str(), RecordingSize().c_str());
-  SetDlgItemTextW(page, IDC_CAPTURE_STATE, text);
+  const std::wstring text = TextWith(recording.textId, path.c_str(), RecordingSize().c_str());
+  SetDlgItemTextW(page, IDC_CAPTURE_STATE, text.c_str());
 }
 
 void ShowState(HWND page) {
   if (recording.textId) {
     ShowRecording(page);
   } else {
-    wchar_t text[128] = L"";
+    std::wstring text;
     if (link) {
-      kv::FormatBounded(text, sizeof(text), Text(IDS_CAPTURE_STATE).c_str(), link->frameWidth, link->frameHeight,
-                        link->sourceFormat.header.biBitCount);
+      text = TextWith(IDS_CAPTURE_STATE, link->frameWidth, link->frameHeight, link->sourceFormat.header.biBitCount);
     }
-    SetDlgItemTextW(page, IDC_CAPTURE_STATE, text);
+    SetDlgItemTextW(page, IDC_CAPTURE_STATE, text.c_str());
   }
   SetPageText(page, IDC_CAPTURE_RECORD, recording.runs ? IDS_CAPTURE_STOP : IDS_CAPTURE_RECORD);
   // What becomes usable comes first: the focus may have to go there.

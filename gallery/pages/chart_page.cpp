@@ -1,10 +1,10 @@
 #include "gallery/pages/chart_page.h"
 
 #include <cmath>
+#include <string>
 
 #include "app/camera_point.h"
 #include "app/optical_flow_chart.h"
-#include "framework/bounded_format.h"
 #include "framework/control_class.h"
 #include "framework/whole_number.h"
 #include "gallery/page.h"
@@ -45,11 +45,9 @@ void ShowPlaces(HWND page) {
   kv::FlowPoints shown{};
   Exchange(page, kv::kCommandRead, &shown);
   for (int i = 0; i < kv::kPointCount; ++i) {
-    wchar_t text[32] = L"-";
-    if (shown.mask & 1u << i) {
-      kv::FormatBounded(text, sizeof(text), L"%ld, %ld", shown.points[i].x, shown.points[i].y);
-    }
-    SetDlgItemTextW(page, IDC_CHART_PLACE + i, text);
+    const bool visible = (shown.mask & 1u << i) != 0;
+    const std::wstring text = TextWith(IDS_CHART_POSITION, shown.points[i].x, shown.points[i].y);
+    SetDlgItemTextW(page, IDC_CHART_PLACE + i, visible ? text.c_str() : L"-");
   }
 }
 

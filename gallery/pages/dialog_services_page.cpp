@@ -6,7 +6,6 @@
 #include <iterator>
 #include <string>
 
-#include "framework/bounded_format.h"
 #include "framework/calendar.h"
 #include "framework/dialog.h"
 #include "framework/modules.h"
@@ -35,9 +34,7 @@ HWND tips;
 // Shows text resource `textId`, a format, with its arguments.
 template <class... Arguments>
 void Show(HWND page, int controlId, UINT textId, Arguments... arguments) {
-  wchar_t text[256];
-  kv::FormatBounded(text, sizeof(text), Text(textId).c_str(), arguments...);
-  SetDlgItemTextW(page, controlId, text);
+  SetDlgItemTextW(page, controlId, TextWith(textId, arguments...).c_str());
 }
 
 // ---- One control of each kind --------------------------------------------------------------------------------------
@@ -156,7 +153,7 @@ void RememberPlace(HWND page) {
 // ---- Calendar ------------------------------------------------------------------------------------------------------
 
 void ShowTime(HWND page, int controlId, const SYSTEMTIME& time) {
-  SetDlgItemTextW(page, controlId, (DateText(time) + L"  " + TimeText(time, false)).c_str());
+  Show(page, controlId, IDS_SERVICES_TIME, DateText(time).c_str(), TimeText(time, false).c_str());
 }
 
 void ShowCalendar(HWND page) {

@@ -75,8 +75,8 @@ bool ChooseToSave(HWND page) {
 // The dialog does not ask before it hands out the name of a file that exists.
 bool MayReplace(HWND page) {
   if (GetFileAttributesW(proposedPath) == INVALID_FILE_ATTRIBUTES) return true;
-  return MessageBoxW(GetAncestor(page, GA_ROOT), TextWith(IDS_FILES_REPLACE, proposedPath).c_str(),
-                     Text(IDS_FILES_SAVE_TITLE).c_str(), MB_YESNO | MB_ICONQUESTION) == IDYES;
+  return ShowMessage(GetAncestor(page, GA_ROOT), TextWith(IDS_FILES_REPLACE, proposedPath), IDS_FILES_SAVE_TITLE,
+                     MB_YESNO | MB_ICONQUESTION) == IDYES;
 }
 
 void Save(HWND page) {

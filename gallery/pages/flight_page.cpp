@@ -11,7 +11,6 @@
 #include "export/flight_track_view.h"
 #include "export/kml_export.h"
 #include "framework/angles.h"
-#include "framework/bounded_format.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
 #include "framework/painting.h"
@@ -150,12 +149,10 @@ void ShowFile(HWND page, const wchar_t* path) {
   std::wstring text(bytes, bytes + count);  // it is ASCII
   if (size > static_cast<long>(count)) text += L"...";
   SetDlgItemTextW(page, IDC_FLIGHT_TEXT, text.c_str());
-  wchar_t result[512];
-  kv::FormatBounded(result, sizeof(result), Text(size < 0 ? IDS_FLIGHT_NO_FILE : IDS_FLIGHT_FILE).c_str(), path,
-                    NumberText(size).c_str());
+  const std::wstring result = TextWith(size < 0 ? IDS_FLIGHT_NO_FILE : IDS_FLIGHT_FILE, path, NumberText(size).c_str());
   shownFile = size < 0 ? L"" : path;
   EnableControl(page, IDC_FLIGHT_FOLDER, size >= 0);
-  SetDlgItemTextW(page, IDC_FLIGHT_RESULT, result);
+  SetDlgItemTextW(page, IDC_FLIGHT_RESULT, result.c_str());
 }
 
 void ShowKmlFile(HWND page) {

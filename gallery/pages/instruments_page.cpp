@@ -108,7 +108,7 @@ constexpr Zone kSpeedZones[] = {{45, 120, kGreen}, {120, 145, kAmber}, {145, 160
 
 // In the order of the controls.
 constexpr Instrument kInstruments[] = {
-    {kAirspeed, "kt", 0, 160, 1, 0, kRed, Airspeed, {kSpeedZones[0], kSpeedZones[1], kSpeedZones[2]}},
+    {kAirspeed, "kn", 0, 160, 1, 0, kRed, Airspeed, {kSpeedZones[0], kSpeedZones[1], kSpeedZones[2]}},
     {kHeading, "\xB0", -360, 360, 1, 0, kAmber, Heading, {}},
     {kAltitude, "ft", 0, 10000, 10, 0, kRed, Altitude, {}},
     {kClimb, "m/s", -20, 20, 0.1f, 1, kRed, Climb, {}},

@@ -16,4 +16,5 @@
 #define IDC_LIST_LABEL (IDC_LIST_BASE + 10)
 
 #define IDS_LIST_COST (IDS_LIST_BASE + 0)
+#define IDS_LIST_CELL (IDS_LIST_BASE + 1)
 #define IDS_LIST_COLUMN (IDS_LIST_BASE + 10)  // one for each column

@@ -154,10 +154,8 @@ void OnDrawItem(HWND page, const DRAWITEMSTRUCT& item) {
 }
 
 void ShowCost(HWND page) {
-  wchar_t text[128];
-  kv::FormatBounded(text, sizeof(text), Text(IDS_LIST_COST).c_str(), state.rowsAsked,
-                    NumberText(state.rowCount).c_str());
-  SetDlgItemTextW(page, IDC_LIST_COST, text);
+  const std::wstring text = TextWith(IDS_LIST_COST, state.rowsAsked, NumberText(state.rowCount).c_str());
+  SetDlgItemTextW(page, IDC_LIST_COST, text.c_str());
 }
 
 // ---- Driving the list ----------------------------------------------------------------------------------------------
@@ -189,7 +187,9 @@ void NameList(HWND page) {
   const UINT row = kv::SelectedListRow(ListOf(page));
   if (row < state.rowCount) {
     const auto cells = CellsOfRow(row);
-    for (int i = 0; i < kColumns; ++i) name += L", " + state.titles[i] + L" " + cells[i];
+    for (int i = 0; i < kColumns; ++i) {
+      name = TextWith(IDS_LIST_CELL, name.c_str(), state.titles[i].c_str(), cells[i].c_str());
+    }
   }
   NameControl(page, IDC_LIST_LIST, name);
 }

@@ -1,6 +1,7 @@
 #include "gallery/pages/mesh_page.h"
 
-#include "framework/bounded_format.h"
+#include <string>
+
 #include "gallery/numbers.h"
 #include "gallery/page.h"
 #include "gallery/pages/mesh_ids.h"
@@ -20,11 +21,11 @@ int picturesBefore = 0;
 void ShowFigures(HWND page) {
   MeshViewFigures figures{};
   if (!GetMeshViewFigures(GetDlgItem(page, IDC_MESH_VIEW), &figures)) return;
-  wchar_t text[128] = L"";
-  kv::FormatBounded(text, sizeof(text), Text(IDS_MESH_FIGURES).c_str(), NumberText(figures.triangles).c_str(),
-                    NumberText(figures.pictures - picturesBefore).c_str(), NumberText(figures.pictureMs, 1).c_str());
+  const std::wstring text =
+      TextWith(IDS_MESH_FIGURES, NumberText(figures.triangles).c_str(),
+               NumberText(figures.pictures - picturesBefore).c_str(), NumberText(figures.pictureMs, 1).c_str());
   picturesBefore = figures.pictures;
-  SetDlgItemTextW(page, IDC_MESH_FIGURES, text);
+  SetDlgItemTextW(page, IDC_MESH_FIGURES, text.c_str());
 }
 
 void ShowTexts(HWND page) {

@@ -12,6 +12,7 @@
 #include "gallery/numbers.h"
 #include "gallery/page.h"
 #include "gallery/pages/nmea_ids.h"
+#include "gallery/texts.h"
 
 namespace gallery {
 
@@ -20,7 +21,6 @@ namespace {
 constexpr UINT_PTR kTimer = 1;
 constexpr UINT kTimerMs = 500;
 constexpr int kMostLines = 200;
-constexpr wchar_t kDegree[] = L"\u00B0";
 
 // The boat's clock: how many sentences it has sent.
 int step = 0;
@@ -35,8 +35,8 @@ kv::GprmcFix FixAt(int sentence) {
           .course = std::fmod(90 + kv::Degrees(angle), 360.0)};
 }
 
-void ShowValue(HWND page, int controlId, double value, int decimals, const wchar_t* unit) {
-  SetDlgItemTextW(page, controlId, (L" " + NumberText(value, decimals) + unit + L" ").c_str());
+void ShowValue(HWND page, int controlId, UINT textId, double value, int decimals) {
+  SetDlgItemTextW(page, controlId, TextWith(textId, NumberText(value, decimals).c_str()).c_str());
 }
 
 // Styling also clears the control and makes it writable.
@@ -62,10 +62,10 @@ void AppendLine(HWND terminal, const char* text) {
 
 void SendSentence(HWND page) {
   const kv::GprmcFix fix = FixAt(step++);
-  ShowValue(page, IDC_NMEA_LATITUDE, fix.latitude, 5, kDegree);
-  ShowValue(page, IDC_NMEA_LONGITUDE, fix.longitude, 5, kDegree);
-  ShowValue(page, IDC_NMEA_SPEED, fix.speed, 1, L" kn");
-  ShowValue(page, IDC_NMEA_COURSE, fix.course, 1, kDegree);
+  ShowValue(page, IDC_NMEA_LATITUDE, IDS_NMEA_DEGREES, fix.latitude, 5);
+  ShowValue(page, IDC_NMEA_LONGITUDE, IDS_NMEA_DEGREES, fix.longitude, 5);
+  ShowValue(page, IDC_NMEA_SPEED, IDS_NMEA_KNOTS, fix.speed, 1);
+  ShowValue(page, IDC_NMEA_COURSE, IDS_NMEA_DEGREES, fix.course, 1);
   char sentence[kv::kSentenceSize] = "";
   kv::formatGprmc(sentence, fix.latitude, fix.longitude, 0, 0, fix.speed, fix.course, 0, 0, 0);
   AppendLine(GetDlgItem(page, IDC_NMEA_TERMINAL), sentence);

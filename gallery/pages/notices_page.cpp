@@ -26,9 +26,9 @@ void Report(HWND page, const std::wstring& event) {
   const HWND list = GetDlgItem(page, IDC_NOTICES_EVENTS);
   SYSTEMTIME now;
   GetLocalTime(&now);
-  const std::wstring time = TimeText(now, true) + L"  ";
+  const std::wstring line = TextWith(IDS_NOTICES_EVENT, TimeText(now, true).c_str(), event.c_str());
   if (SendMessageW(list, LB_GETCOUNT, 0, 0) >= kLongestList) SendMessageW(list, LB_DELETESTRING, 0, 0);
-  const auto row = SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>((time + event).c_str()));
+  const auto row = SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(line.c_str()));
   SendMessageW(list, LB_SETCURSEL, row, 0);
 }
 
