@@ -42,8 +42,11 @@ std::wstring LanguageCodes() {
   std::wstring codes;
   for (int i = 0; i < kv::kLanguageCount; ++i) {
     // Of two languages with one code the first is taken.
-    if (kv::kLanguages[i].code[0] && LanguageOfCode(kv::kLanguages[i].code) == i)
-      codes += kv::kLanguages[i].code + std::wstring(L" ");
+    const wchar_t* own = kv::kLanguages[i].code;
+    if (!*own || LanguageOfCode(own) != i) continue;
+    codes += own;
+    if (lstrcmpiW(own, IsoCode(i).c_str()) != 0) codes += L"/" + IsoCode(i);
+    codes += L' ';
   }
   codes.pop_back();
   return codes;

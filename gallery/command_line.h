@@ -16,7 +16,8 @@ struct StartOptions {
 
 StartOptions ParseCommandLine(int argc, const wchar_t* const* argv);
 
-// All names that --page and --language take, separated by blanks.
+// All names that --page and --language take, separated by blanks; behind a language's own code that of ISO 639 where it
+// differs ("GE/de").
 std::wstring PageNames();
 std::wstring LanguageCodes();
 

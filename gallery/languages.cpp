@@ -1,5 +1,7 @@
 #include "gallery/languages.h"
 
+#include <string>
+
 #include "framework/help.h"
 #include "framework/language.h"
 #include "framework/modules.h"
@@ -74,9 +76,16 @@ int CurrentLanguage() {
 
 int LanguageOfCode(const wchar_t* code) {
   for (int i = 0; i < kv::kLanguageCount; ++i) {
-    if (*code && lstrcmpiW(code, kv::kLanguages[i].code) == 0) return i;
+    const wchar_t* own = kv::kLanguages[i].code;
+    if (*own && (lstrcmpiW(code, own) == 0 || lstrcmpiW(code, IsoCode(i).c_str()) == 0)) return i;
   }
   return -1;
+}
+
+std::wstring IsoCode(int language) {
+  wchar_t code[16] = L"";
+  GetLocaleInfoW(MAKELCID(kLocales[language], SORT_DEFAULT), LOCALE_SISO639LANGNAME, code, ARRAYSIZE(code));
+  return code;
 }
 
 bool IsRightToLeft() {

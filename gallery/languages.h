@@ -4,6 +4,8 @@
 
 #include <windows.h>
 
+#include <string>
+
 namespace gallery {
 
 inline constexpr wchar_t kFileStem[] = L"kvgallery";
@@ -18,8 +20,11 @@ void ChooseLanguage(HWND frame, int language);
 // The index of the language that is shown.
 int CurrentLanguage();
 
-// The language with that code (in any case); -1 when there is none.
+// The language with that code of ours or of ISO 639, in any case; -1 when there is none.
 int LanguageOfCode(const wchar_t* code);
+
+// The language's code of ISO 639 ("de").
+std::wstring IsoCode(int language);
 
 // Whether the language that is shown is written from right to left.
 bool IsRightToLeft();

@@ -2,7 +2,7 @@
 //
 //   kvgallery                   begins with the page and in the language that were shown last
 //   kvgallery --page NAME       begins with that page
-//   kvgallery --language CODE   begins in that language, and keeps it
+//   kvgallery --language CODE   begins in that language (GE or de), and keeps it
 //   kvgallery --help            tells the names and codes: on standard output, or in a box where there is none
 //   kvgallery --walk            shows each page in turn: prints its name to standard output once it has settled, waits
 //                               for a line on standard input, goes on; ends after the last. For scripts that take

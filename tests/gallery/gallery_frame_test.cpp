@@ -401,6 +401,8 @@ TEST(GalleryCommandLine, NamesPageAndLanguageAndRefusesWhatThereIsNot) {
   };
   const StartOptions options = parse({L"--language", L"ge", L"--page", L"list"});
   EXPECT_EQ(1, options.language);
+  EXPECT_EQ(12, parse({L"--language", L"ja"}).language);
+  EXPECT_NE(std::wstring::npos, LanguageCodes().find(L"GE/de FR "));
   EXPECT_EQ(PAGE_INDEX_LIST, options.page);
   EXPECT_EQ(L"", options.refused);
   EXPECT_TRUE(parse({L"--walk"}).walk && parse({L"--help"}).help);
