@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "controls/instrument/view.h"
+#include "controls/instrument/cache.h"
 #include "framework/canvas.h"
 #include "framework/coverage.h"
 #include "framework/glyph_outline.h"

@@ -238,13 +238,4 @@ void FillAreaDown(Canvas& canvas, const RECT& area, COLORREF top, COLORREF botto
   }
 }
 
-void CopyFrom(Canvas& canvas, const Surface& source) {
-  const RECT& clip = canvas.clip();
-  canvas.FinishGdi();
-  for (LONG y = clip.top; y < clip.bottom; ++y) {
-    std::memcpy(canvas.surface().Row(y) + clip.left, source.Row(y) + clip.left,
-                (clip.right - clip.left) * sizeof(DWORD));
-  }
-}
-
 }  // namespace kv

@@ -93,9 +93,6 @@ void FillArea(Canvas& canvas, const RECT& area, COLORREF color);
 void FillAreaAcross(Canvas& canvas, const RECT& area, COLORREF left, COLORREF right);
 void FillAreaDown(Canvas& canvas, const RECT& area, COLORREF top, COLORREF bottom);
 
-// Copies the canvas's clip from a surface of the same size.
-void CopyFrom(Canvas& canvas, const Surface& source);
-
 // Fills what has been added to canvas.shape() since the last canvas.shape().Begin(): for shapes of several figures,
 // which cost less in one. BeginShape starts one within the canvas's clip.
 void BeginShape(Canvas& canvas);

@@ -26,7 +26,7 @@ std::uint8_t LevelOf(double covered) {
 
 bool CoverageShape::Begin(const PixelArea& area) {
   area_ = area;
-  count_ = first_ = last_ = 0;
+  added_ = count_ = first_ = last_ = 0;
   scanning_ = false;
   width_ = 0;
   if (area.right <= area.left || area.bottom <= area.top) return true;
@@ -43,11 +43,11 @@ bool CoverageShape::Begin(const PixelArea& area) {
 }
 
 bool CoverageShape::AddFigure(std::span<const PointD> corners) {
-  if (scanning_ || width_ == 0) return false;
+  if (scanning_ || width_ == 0 || !HasRoomFor(corners.size())) return false;
   const int before = count_;
   for (size_t i = 0; i < corners.size(); ++i) {
     const PointD &a = corners[i], &b = corners[i + 1 < corners.size() ? i + 1 : 0];
-    if (std::isnan(a.x) || std::isnan(a.y) || (count_ == kMostEdges)) {
+    if (std::isnan(a.x) || std::isnan(a.y)) {
       count_ = before;
       return false;
     }
@@ -60,6 +60,7 @@ bool CoverageShape::AddFigure(std::span<const PointD> corners) {
     if (!counts) continue;
     edges_[count_++] = {upper.x, (lower.x - upper.x) / (lower.y - upper.y), upper.y, lower.y, down ? -1.0 : 1.0};
   }
+  added_ += static_cast<int>(corners.size());
   return true;
 }
 

@@ -9,6 +9,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -40,11 +41,11 @@ class CoverageShape {
   bool Begin(const PixelArea& area);
 
   // Adds a figure, closed from its last corner to the first. Places are limited to 16 million pixels either way. False,
-  // with nothing added, when a place is not a number or the edges outgrow kMostEdges.
+  // with nothing added, when a place is not a number or the edges of all figures outgrow kMostEdges.
   bool AddFigure(std::span<const PointD> corners);
 
-  // Whether a figure of so many corners can be added for sure.
-  bool HasRoomFor(int corners) const { return corners <= kMostEdges - count_; }
+  // Whether a figure of so many corners can be added: the same whatever area is wanted of the shape.
+  bool HasRoomFor(size_t corners) const { return corners <= static_cast<size_t>(kMostEdges - added_); }
 
   // Hands out what is covered, row by row from the top and from left to right; false at the end, with the shape empty.
   // After the first call nothing more can be added.
@@ -68,7 +69,8 @@ class CoverageShape {
   std::unique_ptr<double[]> cells_;  // of one row: what the edges add to the coverage from here on to the right
   std::unique_ptr<std::uint32_t[]> touched_;  // a bit for each cell that is not 0
   std::array<Edge, kMostEdges> edges_;        // sorted by their top once the first row is asked for
-  int count_ = 0, first_ = 0, last_ = 0;      // edges; those that reach the row are first_ to last_
+  int added_ = 0;                             // edges of all figures, also of what lies outside the area
+  int count_ = 0, first_ = 0, last_ = 0;      // edges within the area; those that reach the row are first_ to last_
   bool scanning_ = false;
   int row_ = 0, cell_ = 0;
   double covered_ = 0;

@@ -27,18 +27,22 @@ void Send(HWND instrument, WPARAM command, const void* item) {
   SendMessageA(instrument, kControlCommand, command | kCommandRedraw, reinterpret_cast<LPARAM>(item));
 }
 
-// Lets `change` edit the parameter block. The value stays, within the range that the block then has.
+// Lets `change` edit the parameter block. The value, or what it glides to, stays within the range that the block has
+// then.
 template <class Change>
 BOOL ChangeBlock(HWND dialog, int id, Change change) {
   HWND instrument = InstrumentOf(dialog, id);
   InstrumentBlock block{};
-  SendMessageA(instrument, kControlCommand, kCommandBlock | kCommandRead, reinterpret_cast<LPARAM>(&block));
+  Send(instrument, kCommandBlock | kCommandRead, &block);
   if (block.version != kInstrumentVersion) return FALSE;
   DWORD style = 0;
-  SendMessageA(instrument, kControlCommand, kCommandStyle | kCommandRead, reinterpret_cast<LPARAM>(&style));
+  float target = 0;
+  Send(instrument, kCommandStyle | kCommandRead, &style);
+  Send(instrument, kCommandValue | kCommandRead | kValueGlide, &target);
   change(block, style);
   block.current = ClampToRange(block, block.current);
   Send(instrument, kCommandBlock, &block);
+  if (!(block.state & kInstrumentNoValue)) Send(instrument, kCommandValue | kValueGlide | kValueExact, &target);
   return TRUE;
 }
 
@@ -61,7 +65,7 @@ bool IsNumberReadOut(DWORD style) {
 }
 
 // The decimal places in which a step of this size shows, as few as do.
-int PlacesFor(double step) {
+int PlacesShowing(double step) {
   const double places = std::ceil(-std::log10(std::fabs(step)) - 1e-9);
   return std::isfinite(places) ? static_cast<int>(std::clamp<double>(places, 0, kFormatPlaces)) : 0;
 }
@@ -78,7 +82,7 @@ float ReadableMaximum(double maximum, double largest) {
 BOOL SetInstrumentValue(HWND dialog, int id, double value, BOOL glide) {
   HWND instrument = InstrumentOf(dialog, id);
   const float item = static_cast<float>(value);
-  if (instrument) Send(instrument, kCommandValue | (glide ? kValueGlide : 0), &item);
+  if (instrument) Send(instrument, kCommandValue | kValueExact | (glide ? kValueGlide : 0), &item);
   return instrument != nullptr;
 }
 
@@ -104,7 +108,7 @@ BOOL SetInstrumentRange(HWND dialog, int id, const InstrumentRange& range) {
     block.minimum = static_cast<float>(range.minimum);
     block.maximum = static_cast<float>(range.maximum);
     block.step = static_cast<float>(step);
-    const int places = range.places < 0 ? PlacesFor(step) : std::min<int>(range.places, kFormatPlaces);
+    const int places = range.places < 0 ? PlacesShowing(step) : std::min<int>(range.places, kFormatPlaces);
     if (IsNumberReadOut(style)) {
       sign = sign || range.minimum < 0 || range.maximum < 0;
       // What rounding makes of the largest value may have a digit more.

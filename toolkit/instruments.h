@@ -11,8 +11,9 @@
 
 namespace kv {
 
-// Shows a value, clamped to the range; with `glide`, a small change moves there in steps. NaN, and
-// ClearInstrumentValue, show that there is no value.
+// Shows a value, clamped to the range: at once, or with `glide` in steps of 20 ms unless it is further than a fifth of
+// the range. The last value set is the one shown in the end, whatever glide was under way and whichever of the calls
+// below come before it arrives. NaN, and ClearInstrumentValue, show that there is no value.
 BOOL SetInstrumentValue(HWND dialog, int id, double value, BOOL glide);
 BOOL ClearInstrumentValue(HWND dialog, int id);
 
@@ -30,7 +31,7 @@ struct InstrumentRange {
   bool alwaysSign = false;
 };
 
-// Range, step, unit and number format. The present value is pulled into the range.
+// Range, step, unit and number format. The present value, and what it glides to, are pulled into the range.
 //
 // A read-out of numbers shows as many integer digits as the logarithm of its maximum, rounded, gives: with a maximum of
 // 250 those are two, and 230 reads "30". So its maximum is raised here to the least one that shows every value of the

@@ -80,11 +80,11 @@ double FractionOf(const InstrumentReading& reading, double value) {
 }
 
 std::wstring InstrumentName(const InstrumentBlock& block) {
-  return std::wstring(NameOf(block).view());
+  return std::wstring(DecodedName(block).view());
 }
 
 std::wstring InstrumentUnit(const InstrumentBlock& block) {
-  return std::wstring(UnitOf(block).view());
+  return std::wstring(DecodedUnit(block).view());
 }
 
 }  // namespace kv

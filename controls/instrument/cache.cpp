@@ -1,43 +1,56 @@
 #include "controls/instrument/cache.h"
 
 #include <algorithm>
-#include <cstddef>
+#include <array>
+#include <memory>
 #include <new>
 
-#include "controls/instrument/view.h"
 #include "framework/glyph_outline.h"
+#include "framework/guards.h"
 
 namespace kv {
 
 namespace {
 
-long long AreaOf(const RECT& area) {
-  return static_cast<long long>(area.right - area.left) * (area.bottom - area.top);
-}
+struct CachedFont {
+  OwnedFont font = OwnedFont();
+  int height = 0, width = 0, weight = 0;
+  DWORD lastUse = 0;
+};
 
-RECT UnionOf(const RECT& first, const RECT& second) {
-  return {std::min(first.left, second.left), std::min(first.top, second.top), std::max(first.right, second.right),
-          std::max(first.bottom, second.bottom)};
-}
+struct CachedGlyph {
+  wchar_t character = 0;
+  std::unique_ptr<GlyphOutline> outline;
+};
 
-// Two places that overlap or nearly fill their union are cheaper in one.
-bool BelongTogether(const RECT& first, const RECT& second) {
-  RECT common;
-  return IntersectRect(&common, &first, &second) ||
-         AreaOf(UnionOf(first, second)) * 3 <= (AreaOf(first) + AreaOf(second)) * 4;
+struct SharedByThread : DrawingTools {
+  std::array<CachedFont, 48> fonts;
+  std::array<CachedGlyph, 48> glyphs;
+  DWORD uses = 0;
+};
+
+SharedByThread* Shared() {
+  thread_local std::unique_ptr<SharedByThread> shared;
+  if (!shared) shared.reset(new (std::nothrow) SharedByThread);
+  return shared.get();
 }
 
 }  // namespace
 
-HFONT InstrumentFonts::Get(int height, int width, int weight) {
-  ++uses_;
-  KeptFont* oldest = fonts_.data();
-  for (KeptFont& kept : fonts_) {
-    if (kept.font && kept.height == height && kept.width == width && kept.weight == weight) {
-      kept.lastUse = uses_;
-      return kept.font;
+DrawingTools* InstrumentTools() {
+  return Shared();
+}
+
+HFONT InstrumentFont(int height, int width, int weight) {
+  SharedByThread& shared = *Shared();
+  ++shared.uses;
+  CachedFont* oldest = shared.fonts.data();
+  for (CachedFont& cached : shared.fonts) {
+    if (cached.font && cached.height == height && cached.width == width && cached.weight == weight) {
+      cached.lastUse = shared.uses;
+      return cached.font;
     }
-    if (kept.lastUse < oldest->lastUse) oldest = &kept;
+    if (cached.lastUse < oldest->lastUse) oldest = &cached;
   }
   oldest->font.Reset(CreateFontW(std::max(height, 1), std::max(width, 0), 0, 0, weight, FALSE, FALSE, FALSE,
                                  DEFAULT_CHARSET, OUT_TT_PRECIS, CLIP_DEFAULT_PRECIS, PROOF_QUALITY,
@@ -45,67 +58,21 @@ HFONT InstrumentFonts::Get(int height, int width, int weight) {
   oldest->height = height;
   oldest->width = width;
   oldest->weight = weight;
-  oldest->lastUse = uses_;
+  oldest->lastUse = shared.uses;
   return oldest->font;
 }
 
-const GlyphOutline* InstrumentGlyphs::Get(wchar_t character) {
-  for (KeptGlyph& kept : glyphs_) {
-    if (!kept.outline) {
-      kept.outline.reset(new (std::nothrow) GlyphOutline);
-      kept.character = character;
-      if (kept.outline) OutlineOfCharacter(kInstrumentFont, FW_BOLD, character, kept.outline.get());
+const GlyphOutline* InstrumentGlyph(wchar_t character) {
+  for (CachedGlyph& cached : Shared()->glyphs) {
+    if (!cached.outline) {
+      cached.outline.reset(new (std::nothrow) GlyphOutline);
+      cached.character = character;
+      if (cached.outline) OutlineOfCharacter(kInstrumentFont, FW_BOLD, character, cached.outline.get());
     }
-    if (kept.character == character) return kept.outline && kept.outline->figures ? kept.outline.get() : nullptr;
+    if (cached.character == character)
+      return cached.outline && cached.outline->figures ? cached.outline.get() : nullptr;
   }
   return nullptr;
-}
-
-void InstrumentParts::Add(const RECT& place, DWORD look) {
-  if (count_ < kMost) parts_[count_] = {place, look};
-  count_ = std::min(count_ + 1, kMost + 1);
-}
-
-void Damage::Add(RECT area) {
-  if (IsRectEmpty(&area)) return;
-  // What it takes up grows, and may then belong together with another.
-  for (int i = 0; i < count_;) {
-    const bool full = count_ == static_cast<int>(areas_.size());
-    if (full || BelongTogether(areas_[i], area)) {
-      area = UnionOf(area, areas_[i]);
-      areas_[i] = areas_[--count_];
-      i = 0;
-    } else {
-      ++i;
-    }
-  }
-  areas_[count_++] = area;
-}
-
-Damage DamageBetween(const InstrumentParts& before, const InstrumentParts& after, const RECT& area) {
-  Damage damage;
-  if (!before.complete() || !after.complete()) {
-    damage.Add(area);
-    return damage;
-  }
-  const auto add = [&](const InstrumentPart& part) {
-    RECT seen;
-    if (IntersectRect(&seen, &part.place, &area)) damage.Add(seen);
-  };
-  const auto old = before.all(), now = after.all();
-  for (size_t i = 0; i < std::max(old.size(), now.size()); ++i) {
-    const bool same =
-        i < old.size() && i < now.size() && old[i].look == now[i].look && EqualRect(&old[i].place, &now[i].place);
-    if (!same && i < old.size()) add(old[i]);
-    if (!same && i < now.size()) add(now[i]);
-  }
-  return damage;
-}
-
-DWORD LookOf(const void* data, size_t size, DWORD seed) {
-  const auto* bytes = static_cast<const BYTE*>(data);
-  for (size_t i = 0; i < size; ++i) seed = (seed ^ bytes[i]) * 16777619u;
-  return seed;
 }
 
 }  // namespace kv

@@ -3,15 +3,18 @@
 #include <algorithm>
 #include <cmath>
 
-#include "controls/instrument/fixed_text.h"
-#include "controls/instrument_block.h"
 #include "controls/instrument/cache.h"
+#include "controls/instrument/fixed_text.h"
+#include "controls/instrument/layout.h"
 #include "controls/instrument/text.h"
 #include "controls/instrument/view.h"
+#include "controls/instrument_block.h"
 #include "framework/canvas.h"
 #include "framework/painting.h"
 
 namespace kv {
+
+// ---- Layout ---------------------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -28,47 +31,6 @@ CentreParts LayOutCentreBar(const RECT& area) {
   CentreParts parts{area, area, font};
   parts.caption.bottom = parts.display.top = std::min(area.top + font + 1, area.bottom);
   return parts;
-}
-
-void DrawBar(Canvas& canvas, const RECT& bar, COLORREF color) {
-  const COLORREF edge = ShadeColor(color, kBarEdge);
-  RECT left = bar, right = bar;
-  left.right = right.left = (bar.left + bar.right) / 2;
-  FillAreaAcross(canvas, left, edge, color);
-  FillAreaAcross(canvas, right, color, edge);
-}
-
-// Everything that depends on the value.
-struct CentreReading {
-  RECT display;  // within the frame; empty when nothing but the empty display is shown
-  double deviation;
-  RECT bar;
-  FixedText text;
-  int characterWidth, height;  // of the text's font; 0 without room for it
-  RECT textPlace, textReach;   // where it stands, and the furthest that its font may stick out
-};
-
-CentreReading ReadCentreBar(const RECT& area, const InstrumentView& view) {
-  CentreReading result{};
-  // A control wider than tall shows its empty display only.
-  if (area.right - area.left > area.bottom - area.top) return result;
-  RECT& display = result.display = LayOutCentreBar(area).display;
-  InflateRect(&display, -kSunkenEdge, -kSunkenEdge);
-  if (IsRectEmpty(&display)) return result;
-  const InstrumentReading reading = ReadingOf(view.block);
-  result.deviation = reading.valid ? CentreDeviation(reading) : 0;
-  result.bar = CentreBar(display, result.deviation);
-  result.text =
-      reading.valid ? FixedWidthNumber(reading.value, kValueWidth, view.block.format | kFormatSign) : FixedText(L"---");
-  const int roomWidth = (display.right - display.left - 8) / (static_cast<int>(result.text.size()) + 1);
-  const LONG half = (display.bottom - display.top) / 2;
-  const int roomHeight = static_cast<int>((half - kValueGap) / 2.5);
-  result.characterWidth = std::max(0, std::min(roomWidth, roomHeight));
-  result.height = static_cast<int>(2.5 * result.characterWidth);
-  result.textPlace = CentreValueBox(display, result.deviation, result.height);
-  result.textReach = result.textPlace;
-  InflateRect(&result.textReach, 0, 2);
-  return result;
 }
 
 }  // namespace
@@ -90,34 +52,72 @@ RECT CentreValueBox(const RECT& display, double deviation, int height) {
   return {display.left, top, display.right, top + height};
 }
 
-void DrawCentreBarFace(Canvas& canvas, const RECT& area, const InstrumentView& view) {
-  FillArea(canvas, area, GetSysColor(COLOR_BTNFACE));
-  const CentreParts parts = LayOutCentreBar(area);
-  DrawCaption(canvas, parts.caption, view, parts.captionFont, DT_CENTER);
+// ---- Face -----------------------------------------------------------------------------------------------------------
+
+namespace {
+
+void DrawFace(Canvas& canvas, const InstrumentFace& face) {
+  FillArea(canvas, face.area, GetSysColor(COLOR_BTNFACE));
+  const CentreParts parts = LayOutCentreBar(face.area);
+  DrawCaption(canvas, parts.caption, face, parts.captionFont, DT_CENTER);
   DrawDisplayWell(canvas, parts.display);
 }
 
-void DrawCentreBarValue(Canvas& canvas, const RECT& area, const InstrumentView& view) {
-  const CentreReading shown = ReadCentreBar(area, view);
-  const RECT& display = shown.display;
-  RECT seen;
-  if (!IntersectRect(&seen, &display, &canvas.clip())) return;
-  DrawBar(canvas, shown.bar, ShownColor(view, SeverityColor(shown.deviation, 100)));
-  const LONG centre = display.top + (display.bottom - display.top) / 2;
-  const COLORREF white = ShownColor(view, RGB(255, 255, 255));
-  FillArea(canvas, {display.left, centre - 1, display.right, centre + 1}, white);
-  if (shown.characterWidth == 0 || canvas.Hides(shown.textReach)) return;
-  const RECT clip = canvas.clip();
-  canvas.ClipTo(seen);
-  DrawTextLine(canvas, view.keep.fonts.Get(shown.height, shown.characterWidth, FW_BOLD), WithoutPadding(shown.text),
-               shown.textPlace, white, DT_CENTER | DT_NOCLIP);
-  canvas.ClipTo(clip);
+// ---- Value ----------------------------------------------------------------------------------------------------------
+
+struct Bar {
+  RECT place;
+  COLORREF color;
+};
+
+void DrawBar(Canvas& canvas, const InstrumentFace&, const Bar& bar) {
+  FillRounded(canvas, bar.place, ShadeColor(bar.color, kBarEdge), bar.color);
 }
 
-void ListCentreBarParts(HDC, const RECT& area, const InstrumentView& view, InstrumentParts* parts) {
-  const CentreReading shown = ReadCentreBar(area, view);
-  parts->Add(shown.bar, LookOf(shown.deviation));
-  parts->Add(shown.textReach, LookOf(shown.text));
+void DrawCentreLine(Canvas& canvas, const InstrumentFace& face, const RECT& line) {
+  FillArea(canvas, line, ShownColor(face, RGB(255, 255, 255)));
 }
+
+struct ValueText {
+  FixedText text;
+  int characterWidth, height;  // of the font
+  RECT place;
+};
+
+void DrawValueText(Canvas& canvas, const InstrumentFace& face, const ValueText& value) {
+  DrawTextLine(canvas, InstrumentFont(value.height, value.characterWidth, FW_BOLD), WithoutPadding(value.text),
+               value.place, ShownColor(face, RGB(255, 255, 255)), DT_CENTER | DT_NOCLIP);
+}
+
+void AddParts(ValueLayer& layer, const InstrumentBlock& block, const char*) {
+  const RECT& area = layer.face().area;
+  // A control wider than tall shows its empty display only.
+  if (area.right - area.left > area.bottom - area.top) return;
+  const RECT display = WithinFrame(LayOutCentreBar(area).display);
+  if (IsRectEmpty(&display)) return;
+  const InstrumentReading reading = ReadingOf(block);
+  const double deviation = reading.valid ? CentreDeviation(reading) : 0;
+  const RECT bar = CentreBar(display, deviation);
+  layer.Add(bar, Bar{bar, ShownColor(layer.face(), SeverityColor(deviation, 100))}, DrawBar);
+  const LONG half = (display.bottom - display.top) / 2, centre = display.top + half;
+  const RECT line{display.left, centre - 1, display.right, centre + 1};
+  layer.Add(line, line, DrawCentreLine);
+
+  ValueText value{reading.valid ? FixedWidthNumber(reading.value, kValueWidth, block.format | kFormatSign) : L"---"};
+  const int roomWidth = (display.right - display.left - 8) / (static_cast<int>(value.text.size()) + 1);
+  const int roomHeight = static_cast<int>((half - kValueGap) / 2.5);
+  value.characterWidth = std::min(roomWidth, roomHeight);
+  if (value.characterWidth <= 0) return;
+  value.height = static_cast<int>(2.5 * value.characterWidth);
+  value.place = CentreValueBox(display, deviation, value.height);
+  RECT reach = value.place;
+  InflateRect(&reach, 0, 2);
+  IntersectRect(&reach, &reach, &display);
+  layer.Add(reach, value, DrawValueText);
+}
+
+}  // namespace
+
+const InstrumentLayout kCentreBarLayout{DrawFace, AddParts};
 
 }  // namespace kv

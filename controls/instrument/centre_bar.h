@@ -1,8 +1,10 @@
-// The centre-zero bar: how far the value lies above or below the middle of its range. The geometry is pure; drawing
-// takes a canvas and a rectangle.
+// The geometry of the centre-zero bar, which shows how far the value lies above or below the middle of its range. Pure
+// functions; any thread.
 #pragma once
 
-#include "controls/instrument/view.h"
+#include <windows.h>
+
+#include "controls/instrument_block.h"
 
 namespace kv {
 
@@ -14,9 +16,5 @@ RECT CentreBar(const RECT& display, double deviation);
 
 // Top and height of the value's text: 4 pixels from the centre line, on the side away from the bar.
 RECT CentreValueBox(const RECT& display, double deviation, int height);
-
-void DrawCentreBarFace(Canvas& canvas, const RECT& area, const InstrumentView& view);
-void DrawCentreBarValue(Canvas& canvas, const RECT& area, const InstrumentView& view);
-void ListCentreBarParts(HDC dc, const RECT& area, const InstrumentView& view, InstrumentParts* parts);
 
 }  // namespace kv

@@ -4,12 +4,12 @@
 #include <array>
 #include <cmath>
 
-#include "controls/instrument/fixed_text.h"
-#include "controls/instrument_block.h"
-#include "controls/instrument/dial.h"
 #include "controls/instrument/cache.h"
+#include "controls/instrument/fixed_text.h"
+#include "controls/instrument/layout.h"
 #include "controls/instrument/text.h"
 #include "controls/instrument/view.h"
+#include "controls/instrument_block.h"
 #include "framework/angles.h"
 #include "framework/bounded_format.h"
 #include "framework/canvas.h"
@@ -34,45 +34,45 @@ struct CardLetters {
   double radius, cardinalHeight, otherRadius, otherHeight;
 };
 
-CardLetters LettersOf(double face) {
-  if (face >= kLeastFaceWithNumbers) return {0.70, 0.20, 0.57, 0.09};
-  if (face >= kLeastFaceWithEightLetters) return {0.665, 0.21, 0.665, 0.125};
+CardLetters LettersOf(double faceRadius) {
+  if (faceRadius >= kLeastFaceWithNumbers) return {0.70, 0.20, 0.57, 0.09};
+  if (faceRadius >= kLeastFaceWithEightLetters) return {0.665, 0.21, 0.665, 0.125};
   return {0.645, 0.27, 0.645, 0};
 }
 
 // North stands out by the display colour, as long as there is a heading to read.
-COLORREF NorthColor(const InstrumentView& view) {
-  return ReadingOf(view.block).valid ? DisplayColor(view) : ColorsOf(view).ink;
+COLORREF NorthColor(const InstrumentFace& face) {
+  return ReadingOf(face.block).valid ? DisplayColor(face) : ColorsOf(face).ink;
 }
 
 // Adds a text along the tangent, upright when seen from the middle of the card, to the shape.
-void AddCardText(Canvas& canvas, const Dial& dial, InstrumentGlyphs& glyphs, const wchar_t* text, int count,
-                 double radius, double height, double angle, COLORREF color) {
+void AddCardText(Canvas& canvas, const Dial& dial, const wchar_t* text, int count, double radius, double height,
+                 double angle, COLORREF color) {
   double width = 0;
   for (int i = 0; i < count; ++i) {
-    const GlyphOutline* glyph = glyphs.Get(text[i]);
+    const GlyphOutline* glyph = InstrumentGlyph(text[i]);
     if (!glyph) return;
     width += glyph->advance * height;
   }
   const PointD place = PolarPoint(dial.centre, radius * dial.faceRadius, angle);
   double along = -width / 2;
   for (int i = 0; i < count; ++i) {
-    const GlyphOutline& glyph = *glyphs.Get(text[i]);
+    const GlyphOutline& glyph = *InstrumentGlyph(text[i]);
     AddGlyph(canvas, glyph, place, along + glyph.advance * height / 2, height, angle, color);
     along += glyph.advance * height;
   }
 }
 
-void DrawZones(Canvas& canvas, const Dial& dial, const InstrumentView& view, double heading) {
+void DrawZones(Canvas& canvas, const Dial& dial, const InstrumentFace& face, double heading) {
   const double inner = std::min(kZoneInner * dial.faceRadius, kZoneOuter * dial.faceRadius - 1.5);
   for (int i = 0; i < kInstrumentZones; ++i) {
-    if (!(view.block.state & ZoneEnabledBit(i))) continue;
-    const InstrumentZone& zone = view.block.zones[i];
+    if (!(face.block.state & ZoneEnabledBit(i))) continue;
+    const InstrumentZone& zone = face.block.zones[i];
     if (!std::isfinite(zone.lower) || !std::isfinite(zone.upper)) continue;
     const double from = CardAngle(zone.lower, heading);
     const double sweep = std::clamp(static_cast<double>(zone.upper) - zone.lower, 0.0, 360.0);
     FillRingSector(canvas, dial.centre, inner, kZoneOuter * dial.faceRadius, from, from + sweep,
-                   ShownColor(view, zone.color));
+                   ShownColor(face, zone.color));
   }
 }
 
@@ -83,12 +83,12 @@ Mark MarkAt(int bearing) {
 }
 
 void AddMark(Canvas& canvas, const Dial& dial, Mark mark, double angle) {
-  const double face = dial.faceRadius;
+  const double radius = dial.faceRadius;
   const double inner = mark == Mark::kThirty ? kThirtyInner : mark == Mark::kTen ? kTenInner : kFineInner;
-  const double width = mark == Mark::kThirty ? std::max(1.3, face * 0.02)
-                       : mark == Mark::kTen  ? std::max(0.85, face * 0.012)
-                                             : face * 0.007;
-  AddLine(canvas, PolarPoint(dial.centre, face * inner, angle), PolarPoint(dial.centre, face * kMarkOuter, angle),
+  const double width = mark == Mark::kThirty ? std::max(1.3, radius * 0.02)
+                       : mark == Mark::kTen  ? std::max(0.85, radius * 0.012)
+                                             : radius * 0.007;
+  AddLine(canvas, PolarPoint(dial.centre, radius * inner, angle), PolarPoint(dial.centre, radius * kMarkOuter, angle),
           std::max(width, 0.7));
 }
 
@@ -116,53 +116,53 @@ Rank RankOf(const Direction& direction) {
   return direction.bearing == 0 ? Rank::kNorth : direction.count == 1 ? Rank::kCardinal : Rank::kOther;
 }
 
-COLORREF ColorOf(Rank rank, const InstrumentView& view) {
-  if (rank == Rank::kNorth) return NorthColor(view);
-  return rank == Rank::kCardinal ? ColorsOf(view).ink : ColorsOf(view).faintInk;
+COLORREF ColorOf(Rank rank, const InstrumentFace& face) {
+  if (rank == Rank::kNorth) return NorthColor(face);
+  return rank == Rank::kCardinal ? ColorsOf(face).ink : ColorsOf(face).faintInk;
 }
 
-void DrawLetters(Canvas& canvas, const Dial& dial, const InstrumentView& view, double heading) {
+void DrawLetters(Canvas& canvas, const Dial& dial, const InstrumentFace& face, double heading) {
   const CardLetters letters = LettersOf(dial.faceRadius);
   for (const Rank rank : kRanks) {
     const bool other = rank == Rank::kOther;
     const double height = dial.faceRadius * (other ? letters.otherHeight : letters.cardinalHeight);
     if (height <= 0) continue;
-    const COLORREF color = ColorOf(rank, view);
+    const COLORREF color = ColorOf(rank, face);
     BeginShape(canvas);
     for (const Direction& direction : Directions()) {
       if (RankOf(direction) != rank) continue;
-      AddCardText(canvas, dial, view.keep.glyphs, direction.letters, direction.count,
-                  other ? letters.otherRadius : letters.radius, height, CardAngle(direction.bearing, heading), color);
+      AddCardText(canvas, dial, direction.letters, direction.count, other ? letters.otherRadius : letters.radius,
+                  height, CardAngle(direction.bearing, heading), color);
     }
     FillShape(canvas, color);
   }
 }
 
 // Tens of degrees, as on an aircraft's card: the cardinal directions have their letters instead.
-void DrawNumbers(Canvas& canvas, const Dial& dial, const InstrumentView& view, double heading) {
-  const COLORREF ink = ColorsOf(view).ink;
+void DrawNumbers(Canvas& canvas, const Dial& dial, const InstrumentFace& face, double heading) {
+  const COLORREF ink = ColorsOf(face).ink;
   if (dial.faceRadius < kLeastFaceWithNumbers) return;
   BeginShape(canvas);
   for (int bearing = 0; bearing < 360; bearing += 30) {
     if (bearing % 90 == 0) continue;
     wchar_t text[8];
     FormatBounded(text, sizeof(text), L"%ld", static_cast<long>(bearing / 10));
-    AddCardText(canvas, dial, view.keep.glyphs, text, lstrlenW(text), kNumbers, dial.faceRadius * 0.095,
-                CardAngle(bearing, heading), ink);
+    AddCardText(canvas, dial, text, lstrlenW(text), kNumbers, dial.faceRadius * 0.095, CardAngle(bearing, heading),
+                ink);
   }
   FillShape(canvas, ink);
 }
 
 // Eight rays, each with a light and a dark side, the cardinal ones longer and on top.
-void DrawRose(Canvas& canvas, const Dial& dial, const InstrumentView& view, double heading) {
-  const double face = dial.faceRadius, waist = face * kHub * 1.02;
-  if (face < kLeastFaceWithRose) return;
-  const CardLetters letters = LettersOf(face);
+void DrawRose(Canvas& canvas, const Dial& dial, const InstrumentFace& face, double heading) {
+  const double radius = dial.faceRadius, waist = radius * kHub * 1.02;
+  if (radius < kLeastFaceWithRose) return;
+  const CardLetters letters = LettersOf(radius);
   for (const Rank rank : kRanks) {
     const bool other = rank == Rank::kOther;
     const double height = other ? std::max(letters.otherHeight, 0.1) : letters.cardinalHeight;
-    const double length = face * (other ? letters.otherRadius - height * 1.1 - 0.03 : letters.radius - height * 0.75);
-    const COLORREF light = ColorOf(rank, view);
+    const double length = radius * (other ? letters.otherRadius - height * 1.1 - 0.03 : letters.radius - height * 0.75);
+    const COLORREF light = ColorOf(rank, face);
     for (const double side : {-1.0, 1.0}) {
       BeginShape(canvas);
       for (const Direction& direction : Directions()) {
@@ -178,44 +178,37 @@ void DrawRose(Canvas& canvas, const Dial& dial, const InstrumentView& view, doub
 }
 
 // The fixed index at the top: where it points, the heading is read.
-void DrawIndex(Canvas& canvas, const Dial& dial, const InstrumentView& view) {
-  const double face = dial.faceRadius, half = std::max(3.0, face * 0.075);
-  const double top = dial.centre.y - dial.radius + std::max(0.5, (dial.radius - face) * 0.3);
-  const double tip = dial.centre.y - face * 0.82;
+void DrawIndex(Canvas& canvas, const Dial& dial, const InstrumentFace& face) {
+  const double radius = dial.faceRadius, half = std::max(3.0, radius * 0.075);
+  const double top = dial.centre.y - dial.radius + std::max(0.5, (dial.radius - radius) * 0.3);
+  const double tip = dial.centre.y - radius * 0.82;
   const auto triangle = [&](double wider) {
     return std::array{PointD{dial.centre.x - half - wider, top}, PointD{dial.centre.x + half + wider, top},
                       PointD{dial.centre.x, tip + 1.6 * wider}};
   };
-  FillPolygon(canvas, triangle(std::max(0.7, face * 0.012)), ColorsOf(view).faceBottom);
-  FillPolygon(canvas, triangle(0), DisplayColor(view));
+  FillPolygon(canvas, triangle(std::max(0.7, radius * 0.012)), ColorsOf(face).faceBottom);
+  FillPolygon(canvas, triangle(0), DisplayColor(face));
 }
 
-double HeadingOf(const InstrumentView& view) {
-  const InstrumentReading reading = ReadingOf(view.block);
-  return reading.valid ? NormalHeading(reading.value) : 0;
-}
-
-void DrawHeading(Canvas& canvas, const Dial& dial, const InstrumentView& view) {
-  const double face = dial.faceRadius;
-  const InstrumentReading reading = ReadingOf(view.block);
-  const DialColors colors = ColorsOf(view);
-  const bool named = face >= kLeastFaceWithName;
-  const int places = face >= kLeastFaceWithPlaces ? view.block.format & kFormatPlaces : 0;
-  const FixedText text = reading.valid ? HeadingText(reading.value, places) + UnitOf(view.block) : FixedText(L"---");
-  const int width = static_cast<int>(face * (face < kLeastFaceWithRose ? 0.9 : 2 * kHub * 0.93));
-  const auto box = [&](double middle, double height) {
+void DrawHeading(Canvas& canvas, const Dial& dial, const InstrumentFace& face, double heading) {
+  const double radius = dial.faceRadius;
+  const DialColors colors = ColorsOf(face);
+  const bool valid = ReadingOf(face.block).valid, named = radius >= kLeastFaceWithName;
+  const int places = radius >= kLeastFaceWithPlaces ? face.block.format & kFormatPlaces : 0;
+  const FixedText text = valid ? HeadingText(heading, places) + DecodedUnit(face.block) : FixedText(L"---");
+  const int width = static_cast<int>(radius * (radius < kLeastFaceWithRose ? 0.9 : 2 * kHub * 0.93));
+  const auto write = [&](const FixedText& line, double tall, int least, int room, int weight, double middle,
+                         double boxHeight, COLORREF color, UINT align) {
+    const int wanted = std::max(least, static_cast<int>(radius * tall));
+    HFONT font = InstrumentFont(FittingHeight(line, wanted, 9, room, weight), 0, weight);
     const LONG centre = std::lround(dial.centre.x), half = width / 2 + 1;
-    return RECT{centre - half, std::lround(dial.centre.y + middle - height / 2), centre + half,
-                std::lround(dial.centre.y + middle + height / 2)};
+    const double top = dial.centre.y + radius * (middle - boxHeight / 2);
+    const RECT box{centre - half, std::lround(top), centre + half, std::lround(top + radius * boxHeight)};
+    DrawTextLine(canvas, font, line, box, color, align);
   };
-  InstrumentFonts& fonts = view.keep.fonts;
-  HFONT font = FittingFont(canvas.dc(), fonts, text, std::max(10, static_cast<int>(face * 0.26)), 9, width, FW_BOLD);
-  DrawTextLine(canvas, font, text, box(named ? -face * 0.035 : 0, face * 0.34), colors.ink, DT_CENTER | DT_NOCLIP);
+  write(text, 0.26, 10, width, FW_BOLD, named ? -0.035 : 0, 0.34, colors.ink, DT_CENTER | DT_NOCLIP);
   if (!named) return;
-  const FixedText name = NameOf(view.block);
-  HFONT nameFont =
-      FittingFont(canvas.dc(), fonts, name, std::max(9, static_cast<int>(face * 0.11)), 9, width * 5 / 6, FW_NORMAL);
-  DrawTextLine(canvas, nameFont, name, box(face * 0.14, face * 0.16), colors.faintInk, DT_CENTER);
+  write(DecodedName(face.block), 0.11, 9, width * 5 / 6, FW_NORMAL, 0.14, 0.16, colors.faintInk, DT_CENTER);
 }
 
 }  // namespace
@@ -236,7 +229,7 @@ double NormalHeading(double degrees) {
   const double turned = std::fmod(degrees, 360.0);
   if (std::isnan(turned)) return 0;
   const double heading = turned < 0 ? turned + 360 : turned;
-  return heading >= 360 ? 0 : heading;  // a tiny negative number rounds up to the whole circle
+  return heading >= 360 ? 0 : heading + 0.0;  // a tiny negative number rounds up to the whole circle; no -0 either
 }
 
 double CardAngle(double bearing, double heading) {
@@ -260,38 +253,40 @@ FixedText HeadingText(double degrees, int places) {
   return text;
 }
 
-void DrawCompassFace(Canvas& canvas, const RECT& area, const InstrumentView& view) {
-  FillArea(canvas, area, GetSysColor(COLOR_BTNFACE));
-  const Dial dial = DialIn(area);
-  if (dial.radius > 0) DrawDialCase(canvas, dial, ColorsOf(view));
+namespace {
+
+void DrawFace(Canvas& canvas, const InstrumentFace& face) {
+  DrawDialCase(canvas, DialIn(face.area), face);
 }
 
-void DrawCompassValue(Canvas& canvas, const RECT& area, const InstrumentView& view) {
-  const Dial dial = DialIn(area);
-  if (dial.radius <= 0) return;
-  const InstrumentReading reading = ReadingOf(view.block);
-  const double heading = HeadingOf(view);
-  const DialColors colors = ColorsOf(view);
-  DrawZones(canvas, dial, view, heading);
+// The card turns as a whole.
+void DrawCard(Canvas& canvas, const InstrumentFace& face, const double& heading) {
+  const Dial dial = DialIn(face.area);
+  const DialColors colors = ColorsOf(face);
+  DrawZones(canvas, dial, face, heading);
   DrawMarks(canvas, dial, colors, heading);
-  DrawNumbers(canvas, dial, view, heading);
-  DrawLetters(canvas, dial, view, heading);
-  DrawRose(canvas, dial, view, heading);
+  DrawNumbers(canvas, dial, face, heading);
+  DrawLetters(canvas, dial, face, heading);
+  DrawRose(canvas, dial, face, heading);
   if (dial.faceRadius >= kLeastFaceWithRose) {
     FillDisc(canvas, dial.centre, dial.faceRadius * kHub * 1.05, colors.faceBottom);
     FillGradientDisc(canvas, dial.centre, dial.faceRadius * kHub, colors.window, colors.faceTop);
   }
-  if (reading.valid) DrawIndex(canvas, dial, view);
-  if (dial.faceRadius >= kLeastFaceWithHeading) DrawHeading(canvas, dial, view);
+  if (ReadingOf(face.block).valid) DrawIndex(canvas, dial, face);
+  if (dial.faceRadius >= kLeastFaceWithHeading) DrawHeading(canvas, dial, face, heading);
 }
 
-void ListCompassParts(HDC, const RECT& area, const InstrumentView& view, InstrumentParts* parts) {
-  const Dial dial = DialIn(area);
+void AddParts(ValueLayer& layer, const InstrumentBlock& block, const char*) {
+  const Dial dial = DialIn(layer.face().area);
   if (dial.radius <= 0) return;
-  // The card turns as a whole; its zones reach furthest.
+  const InstrumentReading reading = ReadingOf(block);
   const PointD corners[] = {{dial.centre.x - dial.faceRadius, dial.centre.y - dial.radius},
                             {dial.centre.x + dial.faceRadius, dial.centre.y + dial.faceRadius}};
-  parts->Add(BoundsOf(corners, 1, area), LookOf(HeadingOf(view)));
+  layer.Add(BoundsOf(corners, 1, layer.face().area), reading.valid ? NormalHeading(reading.value) : 0.0, DrawCard);
 }
+
+}  // namespace
+
+const InstrumentLayout kCompassLayout{DrawFace, AddParts};
 
 }  // namespace kv

@@ -1,11 +1,10 @@
-// The compass: a card with rose, marks and letters that turns under a fixed index, and the heading in its middle. The
-// geometry is pure; drawing takes a canvas and a rectangle.
+// The geometry of the compass: a card with rose, marks and letters that turns under a fixed index, and the heading in
+// its middle. Pure functions; any thread.
 #pragma once
 
 #include <array>
 
 #include "controls/instrument/fixed_text.h"
-#include "controls/instrument/view.h"
 
 namespace kv {
 
@@ -30,9 +29,5 @@ int MarkSpacing(double faceRadius);
 
 // Three digits before the point, as headings are spoken; what rounds up to 360 is 0.
 FixedText HeadingText(double degrees, int places);
-
-void DrawCompassFace(Canvas& canvas, const RECT& area, const InstrumentView& view);
-void DrawCompassValue(Canvas& canvas, const RECT& area, const InstrumentView& view);
-void ListCompassParts(HDC dc, const RECT& area, const InstrumentView& view, InstrumentParts* parts);
 
 }  // namespace kv

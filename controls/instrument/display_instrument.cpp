@@ -6,22 +6,17 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <iterator>
 #include <new>
 #include <string>
 
-#include "controls/instrument/fixed_text.h"
-#include "controls/instrument_block.h"
-#include "controls/instrument/centre_bar.h"
+#include "controls/instrument/cache.h"
 #include "controls/instrument/compass.h"
 #include "controls/instrument/digital.h"
-#include "controls/instrument/digits.h"
-#include "controls/instrument/gauge.h"
-#include "controls/instrument/cache.h"
+#include "controls/instrument/fixed_text.h"
+#include "controls/instrument/layout.h"
 #include "controls/instrument/record.h"
-#include "controls/instrument/segment_bar.h"
 #include "controls/instrument/text.h"
-#include "controls/instrument/view.h"
+#include "controls/instrument_block.h"
 #include "framework/accessible.h"
 #include "framework/canvas.h"
 #include "framework/control_class.h"
@@ -66,46 +61,26 @@ InstrumentBlock DefaultBlock(const ModeDefaults& row, DWORD mode, const char* na
 void SetBlock(InstrumentRecord* record, const InstrumentBlock& block) {
   record->block = block;
   record->target = block.current;
+  record->work.bExact = FALSE;
   record->bRedraw = TRUE;
 }
 
-// Without a keep, memory being short, the control shows nothing and still keeps its values.
+// Without a cache, memory being short, the control shows nothing and still keeps its values.
 void MakeBuffers(InstrumentRecord* record) {
   const SIZE size = ClientSize(record->hWnd);
   record->nWidth = size.cx;
   record->nHeight = size.cy;
   record->work.bFaceDrawn = FALSE;
   record->bRedraw = TRUE;
-  if (!record->work.keep) record->work.keep = new (std::nothrow) InstrumentKeep;
-  InstrumentKeep* keep = record->work.keep;
-  if (!keep) return;
-  const bool made = keep->buffer.Create(size) && keep->face.Create(size);
-  record->hBuffer = made ? keep->buffer.bitmap() : nullptr;
-  record->work.hFace = made ? keep->face.bitmap() : nullptr;
-}
-
-void DeleteBuffers(InstrumentRecord* record) {
-  delete record->work.keep;
-  record->work.keep = nullptr;
-  record->hBuffer = record->work.hFace = nullptr;
+  record->hBuffer = nullptr;
+  if (!record->work.cache) record->work.cache = new (std::nothrow) InstrumentCache;
+  InstrumentCache* cache = record->work.cache;
+  if (!cache || !InstrumentTools() || !cache->buffer.Create(size)) return;
+  cache->face.reset(new (std::nothrow) DWORD[static_cast<size_t>(size.cx) * size.cy]);
+  if (cache->face) record->hBuffer = cache->buffer.bitmap();
 }
 
 // ---- Drawing --------------------------------------------------------------------------------------------------------
-
-struct Layout {
-  DrawLayer face, value;
-  ListParts parts;
-};
-
-Layout LayoutOf(DWORD mode) {
-  switch (mode) {
-    case kModeDigital: return {DrawDigitalFace, DrawDigitalValue, ListDigitalParts};
-    case kModeSegmentBar: return {DrawSegmentBarFace, DrawSegmentBarValue, ListSegmentBarParts};
-    case kModeCompass: return {DrawCompassFace, DrawCompassValue, ListCompassParts};
-    case kModeCentreBar: return {DrawCentreBarFace, DrawCentreBarValue, ListCentreBarParts};
-    default: return {DrawGaugeFace, DrawGaugeValue, ListGaugeParts};
-  }
-}
 
 void StoreShownText(InstrumentRecord* record) {
   const FixedText text = DigitalText(record->block, record->dwStyle, record->time);
@@ -115,49 +90,56 @@ void StoreShownText(InstrumentRecord* record) {
   record->szText[length] = '\0';
 }
 
-InstrumentFaceKey FaceKeyOf(const InstrumentRecord& record) {
-  InstrumentFaceKey key{record.dwStyle, ReadingOf(record.block).valid, {}, record.block};
-  std::ranges::transform(kFaceColors, key.colors, GetSysColor);
-  key.block.current = 0;
-  return key;
+InstrumentFace FaceOf(const InstrumentRecord& record) {
+  InstrumentFace face{{0, 0, record.nWidth, record.nHeight}, record.dwStyle, {}, record.block};
+  std::ranges::transform(kFaceColors, face.colors, GetSysColor);
+  if (!ReadingOf(record.block).valid) face.block.state |= kInstrumentNoValue;
+  face.block.current = 0;
+  return face;
 }
 
-bool FaceIsCurrent(const InstrumentRecord& record, const InstrumentFaceKey& key) {
-  return record.work.bFaceDrawn && memcmp(&record.work.faceKey, &key, sizeof(key)) == 0;
+// Copies the clip of the canvas from the face's picture.
+void RestoreFace(Canvas& canvas, const InstrumentCache& cache) {
+  const RECT& clip = canvas.clip();
+  canvas.FinishGdi();
+  for (LONG y = clip.top; y < clip.bottom; ++y) {
+    const size_t first = static_cast<size_t>(y) * cache.buffer.size().cx + clip.left;
+    std::copy_n(&cache.face[first], clip.right - clip.left, cache.buffer.Row(y) + clip.left);
+  }
 }
 
-void RenderFace(InstrumentRecord* record, const InstrumentFaceKey& key, const RECT& area, const InstrumentView& view) {
-  InstrumentKeep& keep = *record->work.keep;
-  Canvas canvas(keep.dc, keep.face, keep.shape);
-  LayoutOf(ModeOf(*record)).face(canvas, area, view);
-  record->work.faceKey = key;
-  record->work.bFaceDrawn = TRUE;
-}
-
-// Brings the back buffer up to date, if it is not, and tells what changed of it.
+// Brings the back buffer up to date, if it is not, and returns what changed of it.
 Damage Render(InstrumentRecord* record) {
-  const InstrumentFaceKey key = FaceKeyOf(*record);
-  const bool anew = !FaceIsCurrent(*record, key);
+  const InstrumentFace face = FaceOf(*record);
+  const bool anew = !record->work.bFaceDrawn || memcmp(&record->work.face, &face, sizeof(face)) != 0;
   if (!record->bRedraw && !anew) return {};
   record->bRedraw = FALSE;
   if (!record->hBuffer) return {};
   ++record->work.renderings;
   if (ModeOf(*record) == kModeDigital) StoreShownText(record);
-  InstrumentKeep& keep = *record->work.keep;
-  const InstrumentView view{record->block, record->dwStyle, record->time, record->szText, keep};
-  const RECT area{0, 0, record->nWidth, record->nHeight};
-  const Layout layout = LayoutOf(ModeOf(*record));
-  if (anew) RenderFace(record, key, area, view);
-  const InstrumentParts before = keep.parts;
-  keep.parts.Clear();
-  layout.parts(keep.dc, area, view, &keep.parts);
-  Damage damage = DamageBetween(before, keep.parts, area);
-  if (anew) damage.Add(area);
+  InstrumentCache& cache = *record->work.cache;
+  DrawingTools& tools = *InstrumentTools();
+  const InstrumentLayout& layout = LayoutOf(record->dwStyle);
+  const InstrumentParts before = cache.parts;
+  cache.parts = {};
+  ValueLayer list(face, &cache.parts);
+  layout.addParts(list, record->block, record->szText);
+  Damage damage = DamageBetween(before, cache.parts, face.area);
+  if (!anew && damage.empty()) return damage;
+  Canvas canvas(tools.dc, cache.buffer, tools.shape);
+  if (anew) {
+    layout.drawFace(canvas, face);
+    canvas.FinishGdi();
+    std::copy_n(cache.buffer.Row(0), static_cast<size_t>(record->nWidth) * record->nHeight, cache.face.get());
+    record->work.face = face;
+    record->work.bFaceDrawn = TRUE;
+    damage.Add(face.area);
+  }
   for (const RECT& changed : damage) {
-    Canvas canvas(keep.dc, keep.buffer, keep.shape);
     canvas.ClipTo(changed);
-    CopyFrom(canvas, keep.face);
-    layout.value(canvas, area, view);
+    RestoreFace(canvas, cache);
+    ValueLayer drawn(face, &canvas);
+    layout.addParts(drawn, record->block, record->szText);
   }
   return damage;
 }
@@ -180,9 +162,8 @@ OwnedRegion RegionOf(const Damage& damage) {
 // a thousand of them a second.
 void ShowNow(InstrumentRecord* record) {
   const Damage damage = Render(record);
-  const bool changed = damage.begin() != damage.end();
-  RedrawWindow(record->hWnd, nullptr, changed ? RegionOf(damage) : OwnedRegion(),
-               RDW_UPDATENOW | RDW_NOCHILDREN | (changed ? RDW_INVALIDATE : 0u));
+  RedrawWindow(record->hWnd, nullptr, damage.empty() ? OwnedRegion() : RegionOf(damage),
+               RDW_UPDATENOW | RDW_NOCHILDREN | (damage.empty() ? 0u : RDW_INVALIDATE));
 }
 
 // ---- Commands -------------------------------------------------------------------------------------------------------
@@ -247,10 +228,13 @@ void StartGliding(InstrumentRecord* record) {
   if (!record->bGliding) record->block.current = record->target;
 }
 
-bool MoveTo(InstrumentRecord* record, float value, bool glide) {
-  if (value == record->block.current || value == record->target) return false;
+bool MoveTo(InstrumentRecord* record, float value, WPARAM flags) {
+  const bool exact = (flags & kValueExact) != 0;
+  const bool isCurrent = value == record->block.current, isTarget = value == record->target;
+  if (exact ? isCurrent && isTarget : isCurrent || isTarget) return false;
   record->target = value;
-  if (glide) {
+  record->work.bExact = exact;
+  if (flags & kValueGlide) {
     StartGliding(record);
   } else {
     record->block.current = value;
@@ -260,7 +244,7 @@ bool MoveTo(InstrumentRecord* record, float value, bool glide) {
 
 bool ExchangeValue(InstrumentRecord* record, WPARAM wParam, LPARAM address) {
   InstrumentBlock& block = record->block;
-  if (wParam & kCommandRead) return ReadOut(block.current, address);
+  if (wParam & kCommandRead) return ReadOut(wParam & kValueGlide ? record->target : block.current, address);
   float value = 0;
   bool changed = true;
   if (!TakeIn(address, &value) || std::isnan(value)) {
@@ -269,7 +253,7 @@ bool ExchangeValue(InstrumentRecord* record, WPARAM wParam, LPARAM address) {
     // A value that comes back after none must show again even if it is still the old one.
     changed = (block.state & kInstrumentNoValue) != 0;
     block.state &= ~kInstrumentNoValue;
-    changed |= MoveTo(record, ClampToRange(block, value), (wParam & kValueGlide) != 0);
+    changed |= MoveTo(record, ClampToRange(block, value), wParam);
   }
   if (changed) record->bRedraw = TRUE;
   return changed;
@@ -299,7 +283,7 @@ bool ExchangeZone(InstrumentRecord* record, WPARAM wParam, LPARAM address) {
   return true;
 }
 
-LRESULT OnCommand(InstrumentRecord* record, WPARAM wParam, LPARAM lParam) {
+LRESULT OnCommand(HWND window, InstrumentRecord* record, WPARAM wParam, LPARAM lParam) {
   bool changed = false;
   switch (LOBYTE(wParam)) {
     case kCommandRender: RenderAnew(record); break;
@@ -311,11 +295,12 @@ LRESULT OnCommand(InstrumentRecord* record, WPARAM wParam, LPARAM lParam) {
     case kCommandZone: changed = ExchangeZone(record, wParam, lParam); break;
   }
   if (!changed) return 0;
-  TellValueChanged(record->hWnd);
-  if (wParam & kCommandRedraw) {
+  TellValueChanged(window);  // whoever listens may destroy the control
+  record = WindowRecord<InstrumentRecord>(window);
+  if (record && (wParam & kCommandRedraw)) {
     ShowNow(record);
   } else {
-    InvalidateRect(record->hWnd, nullptr, FALSE);
+    InvalidateRect(window, nullptr, FALSE);
   }
   return 0;
 }
@@ -326,7 +311,7 @@ FixedText SpokenValue(const InstrumentRecord& record) {
   const InstrumentReading reading = ReadingOf(record.block);
   if (!reading.valid) return {};
   const int places = record.block.format & kFormatPlaces;
-  const FixedText unit = UnitOf(record.block);
+  const FixedText unit = DecodedUnit(record.block);
   switch (ModeOf(record)) {
     case kModeCompass: return HeadingText(reading.value, places) + unit;
     case kModeDigital:
@@ -343,13 +328,14 @@ FixedText SpokenValue(const InstrumentRecord& record) {
 AccessibleText Describe(HWND window) {
   const auto* record = WindowRecord<InstrumentRecord>(window);
   if (!record) return {};
-  return {std::wstring(NameOf(record->block).view()), std::wstring(SpokenValue(*record).view())};
+  return {std::wstring(DecodedName(record->block).view()), std::wstring(SpokenValue(*record).view())};
 }
 
 // ---- Message handlers -----------------------------------------------------------------------------------------------
 
-LRESULT OnCreate(HWND window) {
-  auto* record = CreateWindowRecord<InstrumentRecord>(window);
+LRESULT OnCreate(HWND window, InstrumentRecord* record) {
+  if (record) return 0;  // created already
+  record = CreateWindowRecord<InstrumentRecord>(window);
   if (!record) return kNoRecord;
   record->hInstance = reinterpret_cast<HINSTANCE>(GetWindowLongA(window, GWL_HINSTANCE));
   record->hWnd = window;
@@ -366,7 +352,7 @@ LRESULT OnCreate(HWND window) {
 
 LRESULT OnDestroy(HWND window, InstrumentRecord* record) {
   KillTimer(window, kGlideTimer);
-  DeleteBuffers(record);
+  delete record->work.cache;
   DestroyWindowRecord(window, record);
   return 0;
 }
@@ -396,19 +382,29 @@ LRESULT OnPaint(HWND window, InstrumentRecord* record) {
   // Before the paint begins: it then shows what this invalidates as well.
   if (record) EnsureRendered(record);
   const PaintScope paint(window);
+  record = WindowRecord<InstrumentRecord>(window);  // the messages of its beginning may have ended the control
   if (!record) return kNoRecord;
   if (!record->hBuffer) return 0;
   const SIZE client = ClientSize(window);
-  HDC source = record->work.keep->dc;
+  HDC source = InstrumentTools()->dc;
   const SelectedObject selected(source, record->hBuffer);
   SetStretchBltMode(paint.dc(), COLORONCOLOR);
   StretchBlt(paint.dc(), 0, 0, client.cx, client.cy, source, 0, 0, record->nWidth, record->nHeight, SRCCOPY);
   return 0;
 }
 
+// An exact glide goes on within the block's step, and from where no more is to be seen of it to the target itself.
+GlideStep NextStep(const InstrumentRecord& record) {
+  if (!record.work.bExact) return NextGlideStep(record.block, record.target);
+  InstrumentBlock fine = record.block;
+  fine.step = std::min(std::fabs(fine.step), std::fabs(fine.maximum - fine.minimum) / 10000);
+  const GlideStep step = NextGlideStep(fine, record.target);
+  return step.moving || fine.current == record.target ? step : GlideStep{record.target, true};
+}
+
 LRESULT OnTimer(InstrumentRecord* record, WPARAM timer) {
   if (timer != kGlideTimer) return 0;
-  const GlideStep step = NextGlideStep(record->block, record->target);
+  const GlideStep step = NextStep(*record);
   if (step.moving) {
     record->block.current = step.current;
     record->bRedraw = TRUE;
@@ -444,7 +440,7 @@ LRESULT CopyToClipboard(InstrumentRecord* record, LPARAM requested) {
 LRESULT CALLBACK InstrumentProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   auto* record = WindowRecord<InstrumentRecord>(window);
   switch (message) {
-    case WM_CREATE: return OnCreate(window);
+    case WM_CREATE: return OnCreate(window, record);
     case WM_DESTROY: return record ? OnDestroy(window, record) : kNoRecord;
     case WM_SIZE: return record ? OnSize(record) : kNoRecord;
     case WM_ENABLE: return record ? OnEnable(record, wParam != 0) : kNoRecord;
@@ -455,8 +451,8 @@ LRESULT CALLBACK InstrumentProcedure(HWND window, UINT message, WPARAM wParam, L
     case WM_COPY: return record ? CopyToClipboard(record, lParam) : kNoRecord;
     case WM_DROPFILES: return SendMessageA(GetParent(window), message, wParam, lParam);
     case WM_GETOBJECT: return AnswerGetObject(window, wParam, lParam, ROLE_SYSTEM_INDICATOR, Describe);
-    case WM_SYSCOLORCHANGE: return record ? OnCommand(record, kCommandRender, 0) : kNoRecord;
-    case kControlCommand: return record ? OnCommand(record, wParam, lParam) : kNoRecord;
+    case WM_SYSCOLORCHANGE: return record ? OnCommand(window, record, kCommandRender, 0) : kNoRecord;
+    case kControlCommand: return record ? OnCommand(window, record, wParam, lParam) : kNoRecord;
     default: return DefWindowProcA(window, message, wParam, lParam);
   }
 }

@@ -8,9 +8,9 @@
 #include <utility>
 
 #include "controls/instrument/fixed_text.h"
-#include "controls/instrument_block.h"
-#include "controls/instrument/dial.h"
 #include "controls/instrument/text.h"
+#include "controls/instrument/view.h"
+#include "controls/instrument_block.h"
 #include "framework/bounded_format.h"
 #include "framework/canvas.h"
 #include "framework/coverage.h"
@@ -40,7 +40,7 @@ struct NiceStep {
 };
 constexpr NiceStep kNiceSteps[] = {{1, 5}, {2, 4}, {2.5, 5}, {5, 5}, {10, 5}};
 
-int PlacesFor(double step) {
+int ExactPlaces(double step) {
   for (int places = 0; places < 7; ++places) {
     const double scaled = step * std::pow(10.0, places);
     if (std::fabs(scaled - std::round(scaled)) < 1e-6 * scaled) return places;
@@ -49,7 +49,7 @@ int PlacesFor(double step) {
 }
 
 int LabelLength(double magnitude, double step) {
-  const int places = PlacesFor(step);
+  const int places = ExactPlaces(step);
   return std::max(1, static_cast<int>(std::floor(std::log10(magnitude) + 1e-9)) + 1) + (places > 0 ? places + 1 : 0);
 }
 
@@ -123,8 +123,7 @@ int LeastHeight(const Room& room) {
 }
 
 // The text in the largest font up to `wanted` in which the band takes all of it; not shown when none is.
-GaugeText FitText(const Room& room, const Band& band, std::wstring_view text, double wanted,
-                  const MeasureText& measure) {
+GaugeText FitText(const Room& room, const Band& band, std::wstring_view text, double wanted, TextMeasure measure) {
   const int least = LeastHeight(room);
   int height = std::max(least, Round(std::min(wanted, (band.bottom - band.top) / kInk)));
   while (true) {
@@ -151,7 +150,7 @@ struct Captions {
 
 // The unit at the hub and the name beneath it, or as they fit better; above the hub, where the needle passes over, only
 // what finds no room below.
-Captions PlaceCaptions(const Room& room, std::wstring_view name, std::wstring_view unit, const MeasureText& measure) {
+Captions PlaceCaptions(const Room& room, std::wstring_view name, std::wstring_view unit, TextMeasure measure) {
   const double face = room.dial.faceRadius;
   const FixedList<Band, 3> bands = BandsOf(room);
   // Of unit and name; the band above is the last.
@@ -182,8 +181,7 @@ void PlaceCutName(const Room& room, std::wstring_view name, Captions* captions) 
   }
 }
 
-GaugeLabels PlaceLabels(const Room& room, const InstrumentBlock& block, const GaugeScale& scale,
-                        const MeasureText& measure) {
+GaugeLabels PlaceLabels(const Room& room, const InstrumentBlock& block, const GaugeScale& scale, TextMeasure measure) {
   const Dial& dial = room.dial;
   const InstrumentReading reading = ReadingOf(block);
   const int height = std::max(kLeastHeight, Round(dial.faceRadius * kLabelHeight));
@@ -213,7 +211,7 @@ bool TakePlaces(const GaugeLabels& labels, Room* room) {
 }
 
 FixedText UnitText(const InstrumentBlock& block, int exponent) {
-  FixedText unit = UnitOf(block);
+  FixedText unit = DecodedUnit(block);
   if (exponent == 0) return unit;
   wchar_t scaled[32];
   if (exponent == 3) {
@@ -244,7 +242,7 @@ GaugeScale ChooseScale(double minimum, double maximum, int mostIntervals) {
           .first = static_cast<long long>(std::ceil(low / step - slack)),
           .last = static_cast<long long>(std::floor(high / step + slack)),
           .exponent = exponent,
-          .labelPlaces = PlacesFor(step / std::pow(10.0, exponent))};
+          .labelPlaces = ExactPlaces(step / std::pow(10.0, exponent))};
 }
 
 double LabelValue(const GaugeScale& scale, long long index) {
@@ -258,7 +256,7 @@ PointD LabelCentre(PointD centre, double radius, double degrees, SIZE label) {
   return PolarPoint(centre, radius - extent, degrees);
 }
 
-GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, const MeasureText& measure) {
+GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, TextMeasure measure) {
   const Dial dial = DialIn(area);
   const double face = dial.faceRadius;
   const InstrumentReading reading = ReadingOf(block);
@@ -267,7 +265,7 @@ GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, const Me
   const Room empty{dial,
                    std::max(2.0, face * 0.04),
                    {BoxAt(dial.centre, 2 * kHubRoom * face, 2 * kHubRoom * face), GaugeValueBox(dial)}};
-  const FixedText name = NameOf(block);
+  const FixedText name = DecodedName(block);
   Room chosen = empty;
   Captions captions{{}, {}, false, false};
   if (face >= kLeastFaceWithLabels) {
@@ -287,7 +285,7 @@ GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, const Me
       if (captions.Score() == 3) break;
     }
   }
-  if (layout.labels.empty()) captions = PlaceCaptions(chosen, name, UnitOf(block), measure);
+  if (layout.labels.empty()) captions = PlaceCaptions(chosen, name, DecodedUnit(block), measure);
   if (!captions.nameFits) PlaceCutName(chosen, name, &captions);
   layout.name = captions.name;
   layout.unit = captions.unit;
@@ -301,7 +299,7 @@ RECT GaugeValueBox(const Dial& dial) {
   return BoxAt({dial.centre.x, dial.centre.y + middle}, std::max(24.0, face * width), height);
 }
 
-GaugeText LayOutGaugeValue(const Dial& dial, const InstrumentBlock& block, const MeasureText& measure) {
+GaugeText LayOutGaugeValue(const Dial& dial, const InstrumentBlock& block, TextMeasure measure) {
   const InstrumentReading reading = ReadingOf(block);
   const RECT box = GaugeValueBox(dial);
   const int room = box.right - box.left - 2, wanted = Round(std::max(10.0, dial.faceRadius * 0.25));

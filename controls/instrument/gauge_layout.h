@@ -3,11 +3,10 @@
 // their caller how large a text is; any thread.
 #pragma once
 
-#include <functional>
 #include <string_view>
 
 #include "controls/instrument/fixed_text.h"
-#include "controls/instrument/dial.h"
+#include "controls/instrument/view.h"
 
 namespace kv {
 
@@ -31,7 +30,7 @@ double LabelValue(const GaugeScale& scale, long long index);
 PointD LabelCentre(PointD centre, double radius, double degrees, SIZE label);
 
 // The extent of a text in a font of this cell height (pixels) and weight.
-using MeasureText = std::function<SIZE(std::wstring_view text, int height, int weight)>;
+using TextMeasure = SIZE (*)(std::wstring_view text, int height, int weight);
 
 // A text in the middle of its box; not shown when `height`, that of its font's cell, is 0.
 struct GaugeText {
@@ -49,11 +48,11 @@ struct GaugeLayout {
   GaugeLabels labels;    // empty when there is no room for any
   GaugeText name, unit;  // a long name may be wider than its box, and is then to be cut
 };
-GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, const MeasureText& measure);
+GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, TextMeasure measure);
 
 // The window of the value. A dial that is too small for a window shows the value alone at this place, or none.
 inline constexpr double kLeastFaceWithWindow = 40, kLeastFaceWithValue = 14;
 RECT GaugeValueBox(const Dial& dial);
-GaugeText LayOutGaugeValue(const Dial& dial, const InstrumentBlock& block, const MeasureText& measure);
+GaugeText LayOutGaugeValue(const Dial& dial, const InstrumentBlock& block, TextMeasure measure);
 
 }  // namespace kv

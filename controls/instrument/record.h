@@ -6,33 +6,21 @@
 
 #include <cstddef>
 
+#include "controls/instrument/layout.h"
 #include "controls/instrument_block.h"
 
 namespace kv {
 
-// The system's colours that faces read.
-inline constexpr int kFaceColors[] = {COLOR_BTNFACE,     COLOR_BTNTEXT, COLOR_GRAYTEXT,   COLOR_3DSHADOW,
-                                      COLOR_3DHIGHLIGHT, COLOR_3DLIGHT, COLOR_3DDKSHADOW, COLOR_WINDOWFRAME};
-
-struct InstrumentKeep;
-
-// All that a face depends on; compared byte by byte.
-struct InstrumentFaceKey {
-  DWORD style;
-  BOOL valid;  // there is a value to show
-  COLORREF colors[ARRAYSIZE(kFaceColors)];
-  InstrumentBlock block;  // with its current value cleared
-};
-static_assert(sizeof(InstrumentFaceKey) == 40 + sizeof(InstrumentBlock));
+struct InstrumentCache;
 
 // What the control keeps between two renderings.
 struct InstrumentWork {
-  InstrumentKeep* keep;  // owned; null when memory is short, and then nothing is rendered
-  HBITMAP hFace;         // picture of the face layer, of client size; belongs to `keep`, as hBuffer does
-  BOOL bFaceDrawn;       // the picture shows what the key says
-  InstrumentFaceKey faceKey;
+  InstrumentCache* cache;  // owned; null when memory is short, and then nothing is rendered
+  BOOL bFaceDrawn;         // the cache has the picture of `face`
+  InstrumentFace face;
   DWORD renderings;  // how often the back buffer was rendered, wrapping
-  BYTE free[3532];
+  BOOL bExact;       // the glide under way ends at the target itself
+  BYTE free[3520];
 };
 
 struct InstrumentRecord {

@@ -1,8 +1,10 @@
-// The segment bar: a row of lit and unlit segments, with a marker at the first zone's lower bound. The geometry is
-// pure; drawing takes a canvas and a rectangle.
+// The geometry of the segment bar: a row of lit and unlit segments, with a marker at the first zone's lower bound. Pure
+// functions; any thread.
 #pragma once
 
-#include "controls/instrument/view.h"
+#include <windows.h>
+
+#include "controls/instrument_block.h"
 
 namespace kv {
 
@@ -24,9 +26,5 @@ struct BarSpan {
 BarSpan SegmentSpan(double length, int count, int index);
 
 bool IsVerticalBar(const RECT& area);
-
-void DrawSegmentBarFace(Canvas& canvas, const RECT& area, const InstrumentView& view);
-void DrawSegmentBarValue(Canvas& canvas, const RECT& area, const InstrumentView& view);
-void ListSegmentBarParts(HDC dc, const RECT& area, const InstrumentView& view, InstrumentParts* parts);
 
 }  // namespace kv

@@ -100,11 +100,11 @@ FixedText DecodeField(const char (&field)[Size], UINT otherwise) {
 
 }  // namespace
 
-FixedText NameOf(const InstrumentBlock& block) {
+FixedText DecodedName(const InstrumentBlock& block) {
   return DecodeField(block.szName, CP_ACP);
 }
 
-FixedText UnitOf(const InstrumentBlock& block) {
+FixedText DecodedUnit(const InstrumentBlock& block) {
   return DecodeField(block.szUnit, kWestern);
 }
 

@@ -11,9 +11,9 @@
 
 namespace kv {
 
-// What InstrumentName and InstrumentUnit tell.
-FixedText NameOf(const InstrumentBlock& block);
-FixedText UnitOf(const InstrumentBlock& block);
+// What InstrumentName and InstrumentUnit return, without taking memory.
+FixedText DecodedName(const InstrumentBlock& block);
+FixedText DecodedUnit(const InstrumentBlock& block);
 
 // A number of fixed width: the integer part is padded or cut at its upper end to what `width` leaves for it, so a
 // number that outgrows its display keeps its low digits in place instead of moving the point. `format` as in the block.

@@ -3,17 +3,19 @@
 #include <algorithm>
 #include <string_view>
 
-#include "controls/instrument_block.h"
 #include "controls/instrument/cache.h"
+#include "controls/instrument/layout.h"
 #include "controls/instrument/text.h"
+#include "controls/instrument_block.h"
 #include "framework/canvas.h"
+#include "framework/coverage.h"
 #include "framework/guards.h"
 #include "framework/painting.h"
 
 namespace kv {
 
-DialColors ColorsOf(const InstrumentView& view) {
-  if (IsDisabled(view)) {
+DialColors ColorsOf(const InstrumentFace& face) {
+  if (IsDisabled(face)) {
     return {.rimTop = RGB(206, 208, 211),
             .rimBottom = RGB(140, 143, 147),
             .faceTop = RGB(120, 123, 127),
@@ -22,7 +24,7 @@ DialColors ColorsOf(const InstrumentView& view) {
             .faintInk = RGB(148, 151, 155),
             .window = RGB(98, 101, 105)};
   }
-  const bool valid = ReadingOf(view.block).valid;
+  const bool valid = ReadingOf(face.block).valid;
   return {.rimTop = RGB(196, 201, 207),
           .rimBottom = RGB(62, 66, 72),
           .faceTop = RGB(48, 52, 58),
@@ -32,19 +34,30 @@ DialColors ColorsOf(const InstrumentView& view) {
           .window = RGB(8, 9, 11)};
 }
 
-COLORREF ShownColor(const InstrumentView& view, COLORREF color) {
+COLORREF ShownColor(const InstrumentFace& face, COLORREF color) {
   color &= kRgbBits;
-  if (!IsDisabled(view)) return color;
+  if (!IsDisabled(face)) return color;
   const int lightness = (GetRValue(color) * 30 + GetGValue(color) * 59 + GetBValue(color) * 11) / 100;
   const int grey = 84 + lightness / 3;
   return RGB(grey, grey, grey);
 }
 
-SIZE TextSize(HDC dc, HFONT font, std::wstring_view text) {
-  const SelectedObject selected(dc, font);
+SIZE MeasureText(std::wstring_view text, int height, int weight) {
+  HDC dc = InstrumentTools()->dc;
+  const SelectedObject selected(dc, InstrumentFont(height, 0, weight));
   SIZE size{};
   GetTextExtentPoint32W(dc, text.data(), static_cast<int>(text.size()), &size);
   return size;
+}
+
+int FittingHeight(std::wstring_view text, int height, int least, int width, int weight) {
+  height = std::max(height, least);
+  while (height > least) {
+    const int taken = MeasureText(text, height, weight).cx;
+    if (taken <= width) break;
+    height = std::clamp(MulDiv(height, std::max(width, 1), taken), least, height - 1);
+  }
+  return height;
 }
 
 void DrawTextLine(Canvas& canvas, HFONT font, std::wstring_view text, RECT area, COLORREF color, UINT align) {
@@ -57,37 +70,52 @@ void DrawTextLine(Canvas& canvas, HFONT font, std::wstring_view text, RECT area,
             align | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
 }
 
-HFONT FittingFont(HDC dc, InstrumentFonts& fonts, std::wstring_view text, int height, int least, int width,
-                  int weight) {
-  height = std::max(height, least);
-  HFONT font = fonts.Get(height, 0, weight);
-  while (height > least) {
-    const int taken = TextSize(dc, font, text).cx;
-    if (taken <= width) break;
-    height = std::clamp(MulDiv(height, std::max(width, 1), taken), least, height - 1);
-    font = fonts.Get(height, 0, weight);
-  }
-  return font;
-}
-
-DWORD LookOf(std::wstring_view text) {
-  return LookOf(text.data(), text.size() * sizeof(wchar_t));
-}
-
 int CaptionFontHeight(int governingSide) {
   return governingSide < 32 ? 9 : 14;
 }
 
-void DrawCaption(Canvas& canvas, const RECT& strip, const InstrumentView& view, int fontHeight, UINT align) {
-  DrawTextLine(canvas, view.keep.fonts.Get(fontHeight, static_cast<int>(fontHeight / 2.5), FW_NORMAL),
-               NameOf(view.block), strip, GetSysColor(IsDisabled(view) ? COLOR_GRAYTEXT : COLOR_BTNTEXT), align);
+void DrawCaption(Canvas& canvas, const RECT& strip, const InstrumentFace& face, int fontHeight, UINT align) {
+  DrawTextLine(canvas, InstrumentFont(fontHeight, static_cast<int>(fontHeight / 2.5), FW_NORMAL),
+               DecodedName(face.block), strip, GetSysColor(IsDisabled(face) ? COLOR_GRAYTEXT : COLOR_BTNTEXT), align);
 }
 
-RECT DrawDisplayWell(Canvas& canvas, RECT area) {
-  if (IsRectEmpty(&area)) return area;
+void DrawDisplayWell(Canvas& canvas, RECT area) {
+  if (IsRectEmpty(&area)) return;
   DrawSunkenFrame(canvas.dc(), &area);
   FillArea(canvas, area, RGB(0, 0, 0));
+}
+
+RECT WithinFrame(RECT area) {
+  InflateRect(&area, -kSunkenEdge, -kSunkenEdge);
   return area;
+}
+
+void FillRounded(Canvas& canvas, const RECT& area, COLORREF edge, COLORREF color) {
+  RECT left = area, right = area;
+  left.right = right.left = (area.left + area.right) / 2;
+  FillAreaAcross(canvas, left, edge, color);
+  FillAreaAcross(canvas, right, color, edge);
+}
+
+Dial DialIn(const RECT& area) {
+  const int width = area.right - area.left, height = area.bottom - area.top;
+  const PointD centre{area.left + width / 2.0, area.top + height / 2.0};
+  const double side = std::min(width, height);
+  if (side < 4) return {centre, 0, 0};
+  const double radius = side / 2 - (side < 64 ? 0.5 : 1.0 + side / 200);
+  return {centre, radius, radius - std::max(1.25, radius * 0.07)};
+}
+
+void DrawDialCase(Canvas& canvas, const Dial& dial, const InstrumentFace& face) {
+  FillArea(canvas, face.area, GetSysColor(COLOR_BTNFACE));
+  if (dial.radius <= 0) return;
+  const DialColors colors = ColorsOf(face);
+  const double rim = dial.radius - dial.faceRadius;
+  FillGradientDisc(canvas, dial.centre, dial.radius, colors.rimTop, colors.rimBottom);
+  // The inner slope of the rim catches the light from the other side.
+  FillGradientDisc(canvas, dial.centre, dial.faceRadius + rim * 0.45, colors.rimBottom, colors.rimTop);
+  FillDisc(canvas, dial.centre, dial.faceRadius + rim * 0.12, RGB(10, 11, 13));
+  FillGradientDisc(canvas, dial.centre, dial.faceRadius, colors.faceTop, colors.faceBottom);
 }
 
 }  // namespace kv

@@ -1,34 +1,19 @@
-// What the layouts of the display instrument share: what they are given, their colours and their text.
-//
-// Every layout draws in two layers. The face is what stays while the value changes (panel, caption, dial, scale); the
-// control keeps it as a picture. The value layer is drawn over a copy of the face and reads the current value; its
-// parts tell where two values look different, so that only there it is drawn anew. The thread that owns the control.
+// What the layouts of the display instrument share: colours, lines of text, the dark display well, and the round case
+// of gauge and compass. The thread that owns the control.
 #pragma once
 
 #include <windows.h>
 
 #include <string_view>
 
+#include "controls/instrument/layout.h"
 #include "controls/instrument_block.h"
-#include "controls/instrument/cache.h"
 #include "framework/canvas.h"
 
 namespace kv {
 
-struct InstrumentView {
-  const InstrumentBlock& block;
-  DWORD style;
-  const SYSTEMTIME& time;
-  const char* text;      // digital read-out: what it shows
-  InstrumentKeep& keep;  // fonts and outlines
-};
-
-// Draws within the canvas's clip; whatever the clip, each pixel comes out the same.
-using DrawLayer = void (*)(Canvas& canvas, const RECT& area, const InstrumentView& view);
-using ListParts = void (*)(HDC dc, const RECT& area, const InstrumentView& view, InstrumentParts* parts);
-
-inline bool IsDisabled(const InstrumentView& view) {
-  return (view.style & kInstrumentDisabled) != 0;
+inline bool IsDisabled(const InstrumentFace& face) {
+  return (face.style & kInstrumentDisabled) != 0;
 }
 
 // The colours of dials. A disabled instrument has the same shapes in greys of little contrast.
@@ -38,31 +23,44 @@ struct DialColors {
   COLORREF ink, faintInk;        // scale and value; minor marks, name and unit
   COLORREF window;               // recessed window behind the value
 };
-DialColors ColorsOf(const InstrumentView& view);
+DialColors ColorsOf(const InstrumentFace& face);
 
 // A block's or zone's colour as the instrument shows it: grey of the same lightness, but subdued, when disabled.
-COLORREF ShownColor(const InstrumentView& view, COLORREF color);
-inline COLORREF DisplayColor(const InstrumentView& view) {
-  return ShownColor(view, view.block.color);
+COLORREF ShownColor(const InstrumentFace& face, COLORREF color);
+inline COLORREF DisplayColor(const InstrumentFace& face) {
+  return ShownColor(face, face.block.color);
 }
 // Brightness of unlit segments against lit ones.
 inline constexpr double kUnlit = 0.2;
 
-inline constexpr wchar_t kInstrumentFont[] = L"Arial Unicode MS";
-
-SIZE TextSize(HDC dc, HFONT font, std::wstring_view text);
+// The extent of a text in a font of this cell height and weight.
+SIZE MeasureText(std::wstring_view text, int height, int weight);
+// The largest cell height up to `height` in which the text fits into `width`, but not below `least`.
+int FittingHeight(std::wstring_view text, int height, int least, int width, int weight);
 // One line, transparent, vertically centred; `align` is DT_LEFT, DT_CENTER or DT_RIGHT. What does not fit ends in dots.
 // With DT_NOCLIP a text may reach out of the area.
 void DrawTextLine(Canvas& canvas, HFONT font, std::wstring_view text, RECT area, COLORREF color, UINT align);
-// The largest font of at most `height` in which the text fits into `width`, but not below `least`.
-HFONT FittingFont(HDC dc, InstrumentFonts& fonts, std::wstring_view text, int height, int least, int width, int weight);
-DWORD LookOf(std::wstring_view text);
 
 // Captions of the rectangular layouts: the block's name in the system's text colour.
 int CaptionFontHeight(int governingSide);
-void DrawCaption(Canvas& canvas, const RECT& strip, const InstrumentView& view, int fontHeight, UINT align);
+void DrawCaption(Canvas& canvas, const RECT& strip, const InstrumentFace& face, int fontHeight, UINT align);
 
-// A sunken frame around a black display; returns what lies within the frame.
-RECT DrawDisplayWell(Canvas& canvas, RECT area);
+// A sunken frame around a black display, and what lies within the frame.
+void DrawDisplayWell(Canvas& canvas, RECT area);
+RECT WithinFrame(RECT area);
+
+// Two gradients across the area: from `edge` at its sides to `color` in the middle.
+void FillRounded(Canvas& canvas, const RECT& area, COLORREF edge, COLORREF color);
+
+// Where a round case stands, in pixels.
+struct Dial {
+  PointD centre;
+  double radius;      // outside of the rim
+  double faceRadius;  // the face within the rim, to which everything else is in proportion
+};
+// The largest dial in the middle of the area; radius 0 when there is no room for one.
+Dial DialIn(const RECT& area);
+// The panel and, on it, the dial's metal rim and face.
+void DrawDialCase(Canvas& canvas, const Dial& dial, const InstrumentFace& face);
 
 }  // namespace kv

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <string>
@@ -17,6 +16,7 @@
 #include "tests/controls/instrument_test.h"
 #include "tests/support/accessible_text.h"
 #include "tests/support/message_storm.h"
+#include "tests/support/scarce_objects.h"
 #include "tests/support/test_window.h"
 
 namespace kv {
@@ -175,9 +175,19 @@ TEST_F(DisplayInstrument, GlidesSmallWaysAndStopsItsTimer) {
   }
   EXPECT_FALSE(Record(control).bGliding);
 
+  // Exactly, whatever is shown already or under way.
+  for (const float value : {50.0f, 55.0f}) {
+    SetValue(control, value, kValueExact);
+    SetValue(control, 58, kValueGlide);
+    EXPECT_EQ(58.0f, Read<float>(control, kCommandValue | kValueGlide));
+    SetValue(control, value, kValueExact | (value > 50 ? kValueGlide : 0));
+    for (int i = 0; i < 150; ++i) SendMessageA(control, WM_TIMER, 5, 0);
+    EXPECT_EQ(value, ValueOf(control));
+  }
+
   SetValue(control, 5, kValueGlide);  // a large jump
   SendMessageA(control, WM_TIMER, 4, 0);
-  EXPECT_GT(ValueOf(control), 50.0f);
+  EXPECT_EQ(55.0f, ValueOf(control));
   SendMessageA(control, WM_TIMER, 5, 0);
   EXPECT_EQ(5.0f, ValueOf(control));
 }
@@ -234,6 +244,8 @@ TEST_F(DisplayInstrument, WithoutARecordEveryMessageAnswersOne) {
   EXPECT_FALSE(GetUpdateRect(control, nullptr, FALSE));
   SetWindowLongA(control, GWL_USERDATA, record);
   const HGLOBAL memory = Record(control).hMemory;
+  EXPECT_EQ(0, SendMessageA(control, WM_CREATE, 0, 0));
+  EXPECT_EQ(memory, Record(control).hMemory);  // not a second record
   parent_.Answer([](HWND, UINT message, WPARAM, LPARAM, LRESULT* result) {
     *result = 4711;
     return message == WM_DROPFILES;
@@ -263,6 +275,46 @@ TEST_F(DisplayInstrument, ScreenReadersHearNameAndValue) {
   }
 }
 
+// Whoever is told of a new value, or of the beginning of a paint, may destroy the control. Its memory is then somebody
+// else's.
+void DestroyAndOverwrite(HWND control) {
+  DestroyWindow(control);
+  for (int i = 0; i < 20; ++i) {
+    memset(GlobalLock(GlobalAlloc(GHND, sizeof(InstrumentRecord))), 0xEE, sizeof(InstrumentRecord));
+  }
+}
+void CALLBACK OnValueChange(HWINEVENTHOOK, DWORD, HWND control, LONG, LONG, DWORD, DWORD) {
+  DestroyAndOverwrite(control);
+}
+WNDPROC ownProcedure;
+LRESULT CALLBACK DestroyOnErase(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_ERASEBKGND) DestroyAndOverwrite(window);
+  return CallWindowProcA(ownProcedure, window, message, wParam, lParam);
+}
+
+TEST_F(DisplayInstrument, MayBeDestroyedByWhoeverIsTold) {
+  const HWND told = Create(kModeGauge), painted = Create(kModeGauge);
+  HWINEVENTHOOK hook = SetWinEventHook(EVENT_OBJECT_VALUECHANGE, EVENT_OBJECT_VALUECHANGE, GetModuleHandleA(nullptr),
+                                       OnValueChange, GetCurrentProcessId(), 0, WINEVENT_INCONTEXT);
+  SetValue(told, 40);
+  UnhookWinEvent(hook);
+  EXPECT_FALSE(IsWindow(told));
+  ownProcedure =
+      reinterpret_cast<WNDPROC>(SetWindowLongA(painted, GWL_WNDPROC, reinterpret_cast<LONG>(DestroyOnErase)));
+  InvalidateRect(painted, nullptr, TRUE);
+  UpdateWindow(painted);
+  EXPECT_FALSE(IsWindow(painted));
+}
+
+TEST_F(DisplayInstrument, ManyShareWhatTheyDrawWith) {
+  const kvtest::ScarceObjects scarce(200 + 60);
+  for (int i = 0; i < 200; ++i) {
+    HWND control = Create(kModes[i % 5], 30 + i, 30 + i * 7 % 200);
+    SetValue(control, 40);
+    EXPECT_TRUE(Record(control).hBuffer) << i;
+  }
+}
+
 TEST_F(DisplayInstrument, SurvivesAStormOfMessages) {
   for (const DWORD mode : kModes) {
     HWND control = Create(mode, 64, 64);
@@ -274,11 +326,10 @@ TEST_F(DisplayInstrument, SurvivesAStormOfMessages) {
 
 // KV_REDRAWS=70000 makes this the measurement for a day on the bench.
 TEST_F(DisplayInstrument, RedrawingUsesUpNoObjects) {
-  const char* redraws = std::getenv("KV_REDRAWS");
   for (DWORD mode : kModes) {
     HWND control = Create(mode, 64, 64);
     const SIZE_T before = kvtest::MemoryInUse();
-    for (int i = 0, count = redraws ? std::atoi(redraws) : 150; i < count; ++i) {
+    for (int i = 0, count = RedrawCount(150); i < count; ++i) {
       SetValue(control, static_cast<float>(i % 90));
       if (i % 4 == 0) Send(control, kCommandRender, nullptr);  // the face as well
     }

@@ -12,15 +12,14 @@
 #include <utility>
 #include <vector>
 
-#include "controls/instrument_block.h"
 #include "controls/instrument/centre_bar.h"
 #include "controls/instrument/compass.h"
-#include "controls/instrument/dial.h"
 #include "controls/instrument/digital.h"
-#include "controls/instrument/digits.h"
 #include "controls/instrument/gauge_layout.h"
 #include "controls/instrument/segment_bar.h"
 #include "controls/instrument/text.h"
+#include "controls/instrument/view.h"
+#include "controls/instrument_block.h"
 
 namespace kv {
 namespace {
@@ -257,6 +256,7 @@ TEST(InstrumentCompass, HeadingsWrapAndTheCardTurnsAgainstThem) {
   EXPECT_EQ(L"007", HeadingText(7.2, 0));
   EXPECT_EQ(L"000", HeadingText(359.7, 0));
   EXPECT_EQ(L"359.7", HeadingText(-0.3, 1));
+  for (const double north : {-0.0, -360.0, 360.0}) EXPECT_EQ(L"000.0", HeadingText(north, 1));
   EXPECT_EQ(10, MarkSpacing(22));
   EXPECT_EQ(5, MarkSpacing(50));
   EXPECT_EQ(1, MarkSpacing(280));
@@ -290,10 +290,10 @@ TEST(InstrumentDigits, CharactersAndSeparators) {
 TEST(InstrumentDigits, CharactersFillTheAreaWithoutLeavingIt) {
   for (const RECT& area : {RECT{3, 5, 203, 45}, RECT{0, 0, 60, 300}, RECT{0, 0, 9, 4}}) {
     for (const int count : {1, 4, 31}) {
-      const DigitLayout layout = LayOutDigits(area, CellsOf(std::string(count, '8').c_str(), 0));
+      const DigitPlaces places = LayOutDigits(area, CellsOf(std::string(count, '8').c_str(), 0));
       double left = 1e9, right = 0, top = 1e9, bottom = 0;
       for (int end = 0; end < 2 * kAllStrokes; ++end) {
-        for (const PointD& corner : CornersOf(layout, end % 2 ? count - 1 : 0, end / 2)) {
+        for (const PointD& corner : CornersOf(places[end % 2 ? count - 1 : 0], end / 2)) {
           left = std::min(left, corner.x), right = std::max(right, corner.x);
           top = std::min(top, corner.y), bottom = std::max(bottom, corner.y);
         }
@@ -302,17 +302,17 @@ TEST(InstrumentDigits, CharactersFillTheAreaWithoutLeavingIt) {
       EXPECT_LE(right, area.right);
       EXPECT_GE(top, area.top);
       EXPECT_LE(bottom, area.bottom);
-      EXPECT_NEAR(left - area.left, area.right - right, 0.15 * layout.height + 0.5);
+      EXPECT_NEAR(left - area.left, area.right - right, 0.15 * places[0].height + 0.5);
     }
   }
   // Slanted to the right, with a gap between neighbours.
-  const DigitLayout layout = LayOutDigits({0, 0, 200, 100}, CellsOf("88.8", 0));
-  const auto upper = CornersOf(layout, 0, 5), lower = CornersOf(layout, 0, 4);
+  const DigitPlaces places = LayOutDigits({0, 0, 200, 100}, CellsOf("88.8", 0));
+  const auto upper = CornersOf(places[0], 5), lower = CornersOf(places[0], 4);
   EXPECT_GT(upper[0].x, lower[0].x + 1);
   EXPECT_GT(lower[0].y, upper[3].y + 0.5);
   // A separator has a room of its own, so that it crowds no neighbour.
-  EXPECT_NEAR(layout.separator, layout.lefts[2] - 2 * layout.lefts[1] + layout.lefts[0], 1e-9);
-  EXPECT_GT(layout.separator, layout.stroke * 1.5);
+  EXPECT_NEAR(places[0].separator, places[2].left - 2 * places[1].left + places[0].left, 1e-9);
+  EXPECT_GT(places[0].separator, places[0].stroke * 1.5);
 }
 
 TEST(InstrumentBars, SegmentsMarkerAndDirection) {

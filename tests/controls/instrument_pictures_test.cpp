@@ -5,17 +5,18 @@
 #include <barrier>
 #include <cmath>
 #include <cstdlib>
+#include <iterator>
+#include <random>
+#include <span>
 #include <thread>
-#include <tuple>
 #include <utility>
 #include <vector>
 
 #include "controls/display_instrument.h"
-#include "controls/instrument_block.h"
 #include "controls/instrument/cache.h"
+#include "controls/instrument_block.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
-#include "framework/painting.h"
 #include "tests/controls/instrument_test.h"
 
 namespace kv {
@@ -73,11 +74,8 @@ TEST_F(InstrumentPictures, EveryLayoutShowsValueColourZoneDisabledAndMissingValu
 TEST_F(InstrumentPictures, TheFaceIsKeptForNewValuesAndDrawnAnewOnCommand) {
   HWND control = Create(kModeGauge);
   SetValue(control, 10);
-  const MemoryDc dc(nullptr);
-  {
-    const SelectedObject face(dc, Record(control).work.hFace);
-    FillSolid(dc, {0, 0, 120, 120}, kOrange);  // shows where a value is drawn, as long as this picture is in use
-  }
+  // Shows where a value is drawn, as long as this picture is in use.
+  std::fill_n(Record(control).work.cache->face.get(), 120 * 120, 0xFF9614);
   const Shown first(control, 120, 120);
   EXPECT_EQ(0, first.CountOf(kOrange));
   SetValue(control, 20);
@@ -104,23 +102,67 @@ TEST_F(InstrumentPictures, TheFaceIsKeptForNewValuesAndDrawnAnewOnCommand) {
 DWORD PictureOf(HWND control) {
   const InstrumentRecord& record = Record(control);
   GdiFlush();
-  return LookOf(record.work.keep->buffer.Row(0), sizeof(DWORD) * record.nWidth * record.nHeight);
+  return HashOf(record.work.cache->buffer.Row(0), sizeof(DWORD) * record.nWidth * record.nHeight);
 }
 
-TEST_F(InstrumentPictures, ANewValueLooksAsIfAllWereDrawnAnew) {
-  for (const DWORD mode : kModes) {
-    for (const auto& [width, height] : {std::pair{120, 120}, {37, 90}, {210, 48}}) {
-      HWND control = Create(mode, width, height), anew = Create(mode, width, height);
-      InstrumentBlock block = BlockOf(control);
-      block.format = 1, block.state = 1;
-      for (HWND each : {control, anew}) Send(each, kCommandBlock | kCommandRedraw, &block);
-      for (const float part : {0.1f, 0.12f, 0.9f, 0.905f, 0.0f, 1.0f, 0.5f, -0.4f, NAN, 0.3f}) {
-        for (HWND each : {control, anew}) SetValue(each, block.maximum * part);
-        Send(anew, kCommandRender, nullptr);
-        EXPECT_EQ(PictureOf(anew), PictureOf(control)) << mode << ": " << part << " of " << width;
+// Sends several controls the same message, a random one of those that change what they show.
+void Change(std::mt19937& random, std::span<const HWND> controls) {
+  const auto upTo = [&random](int most) { return static_cast<int>(random() % (most + 1)); };
+  const auto send = [&](WPARAM wParam, const auto& item) {
+    for (HWND control : controls) Send(control, wParam | kCommandRedraw, &item);
+  };
+  InstrumentBlock block = BlockOf(controls[0]);
+  const float range = block.maximum - block.minimum;
+  switch (upTo(9)) {
+    case 0: {
+      const float ends[] = {-360, -100, -9.5, 0, 0, 50, 100, 1234.5};
+      block.minimum = ends[upTo(7)], block.maximum = ends[upTo(7)], block.step = static_cast<float>(upTo(20));
+      block.format = static_cast<BYTE>(upTo(3) | (upTo(1) ? kFormatSign : 0)), block.state = upTo(7);
+      block.color = random() & kRgbBits;
+      return send(kCommandBlock, block);
+    }
+    case 1: {
+      const SIZE size{8 + upTo(150), 8 + upTo(200)};
+      for (HWND control : controls) MoveWindow(control, 0, 0, size.cx, size.cy, TRUE);
+      return;
+    }
+    case 2:
+      return send(MAKEWPARAM(kCommandZone | (upTo(1) ? kZoneEnable : 0), upTo(2)),
+                  InstrumentZone{block.minimum + range * upTo(9) / 9, block.maximum, random() & kRgbBits, {}, 0});
+    case 3: return send(kCommandTime, SYSTEMTIME{2026, 1, 2, 3, 4, 5, static_cast<WORD>(upTo(59)), 0});
+    case 4: return send(kCommandValue, upTo(2) ? block.minimum + range * upTo(1) : NAN);
+    case 5: return send(kCommandValue, block.minimum + range * upTo(10000) / 10000);
+    case 6: send(kCommandValue | kValueGlide, block.current + range * (upTo(20) - 10) / 100); [[fallthrough]];
+    default:
+      for (HWND control : controls) SendMessageA(control, WM_TIMER, 5, 0);
+  }
+}
+
+// KV_REDRAWS=10000 makes so many steps with each of three seeds.
+TEST_F(InstrumentPictures, PartsDrawnAnewLookAsIfAllWere) {
+  const DWORD styles[] = {kModeGauge,
+                          kModeDigital,
+                          kModeDigital | kInstrumentShowTime,
+                          kModeDigital | kInstrumentShowAngle,
+                          kModeSegmentBar,
+                          kModeSegmentBar | kInstrumentReversed,
+                          kModeCompass,
+                          kModeCentreBar};
+  const int steps = RedrawCount(160) / static_cast<int>(std::size(styles));
+  for (unsigned seed = 1; seed <= 3; ++seed) {
+    for (const DWORD style : styles) {
+      std::mt19937 random(seed);
+      const HWND controls[] = {Create(style), Create(style)};
+      for (HWND control : controls) {
+        Record(control).time = {};
+        UpdateWindow(control);
       }
-      DestroyWindow(control);
-      DestroyWindow(anew);
+      for (int step = 0; step < steps; ++step) {
+        Change(random, controls);
+        Send(controls[1], kCommandRender, nullptr);
+        ASSERT_EQ(PictureOf(controls[1]), PictureOf(controls[0])) << style << ", seed " << seed << ", step " << step;
+      }
+      for (HWND control : controls) DestroyWindow(control);
     }
   }
 }

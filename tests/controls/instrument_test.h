@@ -1,6 +1,8 @@
 // What the tests of the display instrument's messages and of its pictures share.
 #pragma once
 
+#include <cstdlib>
+
 #include "controls/display_instrument.h"
 #include "controls/instrument/record.h"
 #include "framework/guards.h"
@@ -41,6 +43,12 @@ inline InstrumentRecord& Record(HWND control) {
 
 inline DWORD Renderings(HWND control) {
   return Record(control).work.renderings;
+}
+
+// How often a test redraws: the environment variable KV_REDRAWS, or a number that keeps ./test quick.
+inline int RedrawCount(int usual) {
+  const char* redraws = std::getenv("KV_REDRAWS");
+  return redraws ? std::atoi(redraws) : usual;
 }
 
 // What the control shows on the screen.

@@ -45,11 +45,16 @@ struct Board {
 
 TEST(Canvas, WhatIsWantedOfAShapeDoesNotChangeIt) {
   Board whole(90, 70), parts(90, 70);
-  const auto draw = [](Canvas& canvas) {
+  const auto glyph = std::make_unique<GlyphOutline>();
+  ASSERT_TRUE(OutlineOfCharacter(L"Arial Unicode MS", FW_BOLD, L'8', glyph.get()));
+  const auto draw = [&](Canvas& canvas) {
     FillGradientDisc(canvas, {40.3, 35.7}, 31.2, kWhite, RGB(200, 20, 90));
     FillRingSector(canvas, {50, 30}, 11.5, 60.25, -70, 215, RGB(40, 250, 30));
     FillLine(canvas, {-300, -17}, {500, 83.4}, 0.7, kWhite);
     FillAreaAcross(canvas, {10, 50, 80, 60}, kBlack, kWhite);
+    BeginShape(canvas);  // of more letters, overlapping, than a shape can hold
+    for (int x = 0; x < 90; x += 2) AddGlyph(canvas, *glyph, {x + 0.3, 20}, 0, 18, 0, RGB(90, 80, 7));
+    FillShape(canvas, RGB(90, 80, 7));
   };
   draw(*whole.canvas);
   for (const RECT& clip : {RECT{0, 0, 33, 70}, RECT{33, 0, 90, 41}, RECT{33, 41, 47, 70}, RECT{47, 41, 999, 999}}) {

@@ -1,0 +1,85 @@
+#include "controls/instrument/layout.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "controls/instrument_block.h"
+
+namespace kv {
+
+namespace {
+
+long long AreaOf(const RECT& area) {
+  return static_cast<long long>(area.right - area.left) * (area.bottom - area.top);
+}
+
+// Two places that overlap or nearly fill their union are cheaper in one.
+bool BelongTogether(const RECT& first, const RECT& second) {
+  RECT common, both;
+  UnionRect(&both, &first, &second);
+  return IntersectRect(&common, &first, &second) || AreaOf(both) * 3 <= (AreaOf(first) + AreaOf(second)) * 4;
+}
+
+}  // namespace
+
+void InstrumentParts::Add(const RECT& place, DWORD hash) {
+  if (count_ < kMost) parts_[count_] = {place, hash};
+  count_ = std::min(count_ + 1, kMost + 1);
+}
+
+void Damage::Add(RECT area) {
+  if (IsRectEmpty(&area)) return;
+  // What it takes up grows, and may then belong together with another.
+  for (int i = 0; i < count_;) {
+    const bool full = count_ == static_cast<int>(areas_.size());
+    if (full || BelongTogether(areas_[i], area)) {
+      UnionRect(&area, &area, &areas_[i]);
+      areas_[i] = areas_[--count_];
+      i = 0;
+    } else {
+      ++i;
+    }
+  }
+  areas_[count_++] = area;
+}
+
+Damage DamageBetween(const InstrumentParts& before, const InstrumentParts& after, const RECT& area) {
+  Damage damage;
+  if (!before.complete() || !after.complete()) {
+    damage.Add(area);
+    return damage;
+  }
+  const auto old = before.all(), now = after.all();
+  for (size_t i = 0; i < std::max(old.size(), now.size()); ++i) {
+    const bool both = i < old.size() && i < now.size();
+    if (both && old[i].hash == now[i].hash && EqualRect(&old[i].place, &now[i].place)) continue;
+    for (const auto& parts : {old, now}) {
+      RECT seen;
+      if (i < parts.size() && IntersectRect(&seen, &parts[i].place, &area)) damage.Add(seen);
+    }
+  }
+  return damage;
+}
+
+DWORD HashOf(const void* data, size_t size) {
+  DWORD hash = 2166136261u;
+  for (size_t i = 0; i < size; i += sizeof(DWORD)) {
+    DWORD word;
+    std::memcpy(&word, static_cast<const BYTE*>(data) + i, sizeof(word));
+    hash = (hash ^ word) * 16777619u;
+    hash ^= hash >> 15;  // the high bits count as well
+  }
+  return hash;
+}
+
+const InstrumentLayout& LayoutOf(DWORD style) {
+  switch (style & kInstrumentModeBits) {
+    case kModeDigital: return kDigitalLayout;
+    case kModeSegmentBar: return kSegmentBarLayout;
+    case kModeCompass: return kCompassLayout;
+    case kModeCentreBar: return kCentreBarLayout;
+    default: return kGaugeLayout;
+  }
+}
+
+}  // namespace kv
