@@ -24,15 +24,15 @@ enum ModelessOperation {
   kModelessDispatch = 3,  // offers the message to every live dialog; 1 if any took it
 };
 
-// The one table of modeless dialogs that the message loop consults. Dispatch deliberately offers the message to all
-// dialogs, also after one took it, and skips destroyed windows without freeing their slots. `message` is used by
-// dispatch only and tested for readability; `window` by add and remove only. Any other operation returns 0.
+// The one table of modeless dialogs that the message loop consults. Dispatch offers the message to all dialogs, also
+// after one took it, and skips destroyed windows without freeing their slots. `message` is used by dispatch only and
+// tested for readability; `window` by add and remove only. Any other operation returns 0.
 BOOL ModelessDialogs(HWND window, MSG* message, int operation);
 
-// Both return 0 when the window does not exist.
-//
-// Sets a trackbar's range and `intervals` + 1 evenly spaced ticks. Ticks deliberately count from 0, not from `minimum`:
-// 10..50 in 4 intervals has ticks 0, 10, 20, 30, 40. No intervals give the tick at 0, fewer none.
+// Controls of a dialog. Both functions return 0 when the window does not exist.
+
+// Sets a trackbar's range and `intervals` + 1 evenly spaced ticks. Ticks count from 0, not from `minimum`: 10..50 in 4
+// intervals has ticks 0, 10, 20, 30, 40. 0 intervals give one tick, at 0; a negative number gives none.
 BOOL SetTrackbarTicks(HWND trackbar, int minimum, int maximum, int intervals);
 
 // Sets range, page and position of a scroll bar control, which is disabled while there is nothing to scroll.

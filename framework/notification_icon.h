@@ -20,8 +20,10 @@ inline constexpr UINT kNotificationCallback = WM_USER + 1;
 // The longest tip, terminator included; a longer one is cut.
 inline constexpr int kNotificationTipCharacters = 64;
 
+// All four functions return the shell's result: 0 when there is no notification area or the icon is not known.
+
 // Adds the icon that `owner` knows as `id`. A tip that is not readable stays empty. The owner removes the icon before
-// it is destroyed. All four return the shell's answer: 0 when there is no notification area or the icon is not known.
+// it is destroyed.
 BOOL AddNotificationIcon(HWND owner, UINT id, HICON icon, const char* tip);
 
 // Changes what is given: an icon of 0 and a tip that is not readable leave what is shown.

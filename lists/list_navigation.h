@@ -9,9 +9,8 @@
 //   - scrolls within its ends only, vertically by whole rows, and is drawn as wide as the window, or as wide as
 //     LB_SETHORIZONTALEXTENT says if that is more;
 //   - brings its bars and offsets up to date by itself: when the navigation is added, when the list is resized, and
-//   when
-//     LB_SETCOUNT, LB_RESETCONTENT or LB_SETHORIZONTALEXTENT change it. Each of these sends WM_MEASUREITEM. When the
-//     parent's answer to that changes, call RedrawList.
+//     when LB_SETCOUNT, LB_RESETCONTENT or LB_SETHORIZONTALEXTENT change it. Each of these sends WM_MEASUREITEM. When
+//     the parent's answer to that changes, call RedrawList.
 // Bars, and what can be reached, end at 2^31 pixels: 126 million rows of 17.
 //
 // WM_DRAWITEM of the selected row has the itemState ODS_SELECTED, and ODS_FOCUS too while the list has the focus.

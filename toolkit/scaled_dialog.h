@@ -43,10 +43,11 @@ struct ScaledDialog {
   // Tips of controls, from string resources of the language that is shown unless a text is given.
   std::span<const ToolTipEntry> tips = {};
 
-  // The ids of the controls that scale, and what does not scale with them (toolbar, status bar), in pixels. Controls
-  // outside the range keep place, size and font. The fonts that controls have after WM_INITDIALOG are copied; from then
-  // on the dialog owns the fonts of its controls, and deletes them.
+  // The ids of the controls that scale. Controls outside the range keep place, size and font. The fonts that controls
+  // have after WM_INITDIALOG are copied; from then on the dialog owns the fonts of its controls, and deletes them.
   int lowestId = INT_MIN, highestId = INT_MAX;
+
+  // The parts of the client area that do not scale (toolbar, status bar), in pixels.
   int leftMargin = 0, topMargin = 0, bottomMargin = 0;
 
   // The program's languages, which RunDialog takes up: the stem of the language libraries beside it ("panel" for

@@ -1,54 +1,50 @@
 #!/usr/bin/env python3
-"""Compares docs/reference with the library.
+"""Keeps docs/reference as the library is, and the links of all documents alive.
 
-    check_reference.py HEADER...
-    check_reference.py --refresh     takes every example anew from its file
+    check_reference.py HEADER...     checks, and wants every header given on a page
+    check_reference.py --refresh     writes anew what pages take from the tree
 
-Every constant, record and operation of the public headers given stands on a page that names the header; every example
-is, word for word, a part of the file it says it is from; every link leads somewhere; the index names every page.
+A page begins with what people write: what the thing is for, its "Headers:", and examples, each of which is, word for
+word, a part of the file it names. Its section "Interface" is made from the headers it names (tools/header_pages.py).
 """
 import re
 import sys
 from pathlib import Path
 
+from header_pages import header_section
+
 ROOT = Path(__file__).resolve().parent.parent
 REFERENCE = ROOT / "docs" / "reference"
 
-CONSTANT = re.compile(r"\b(k[A-Z]\w*)(?:\[\])?\s*=[^=]")
-RECORD = re.compile(r"^(?:struct|class) (\w+)[^;\n]*\{", re.MULTILINE)
-OPERATION = re.compile(
-    r"^(?!#|using|static_assert|inline constexpr|template|extern)[\w:<>*&]+(?: [\w:<>*&]+)*[ *&](\w+)\(", re.MULTILINE
-)
+HEADERS = re.compile(r"^Headers:.*?\n\n", re.MULTILINE | re.DOTALL)
+INTERFACE = re.compile(r"^## Interface\n.*?(?=^## |\Z)", re.MULTILINE | re.DOTALL)
 EXAMPLE = re.compile(r"From \[`([^`]+)`\]\([^)]*\):\n\n```cpp\n(.*?)```", re.DOTALL)
-LINK = re.compile(r"\]\(([^)#:]+)\)")
+LINK = re.compile(r"!?\[[^\]]*\]\(([^)\s:]+)\)")
 
 
-def names_of(header: Path) -> set[str]:
-    code = re.sub(r"//[^\n]*", "", header.read_text(encoding="utf-8"))
-    return {name for pattern in (CONSTANT, RECORD, OPERATION) for name in pattern.findall(code)}
+def anchors(text: str) -> set[str]:
+    """What a heading can be linked by: lower case, blanks as dashes, without punctuation."""
+    text = re.sub(r"^```.*?^```", "", text, flags=re.MULTILINE | re.DOTALL)
+    return {re.sub(r"[^\w\- ]", "", head.lower()).replace(" ", "-") for head in re.findall(r"^#+ (.*)", text, re.M)}
 
 
-def check_header(header: Path, pages: dict[Path, str]) -> list[str]:
-    name = header.relative_to(ROOT).as_posix()
-    about = [text for text in pages.values() if f"`{name}`" in text]
-    if not about:
-        return [f"no page names {name}"]
-    words = set(re.findall(r"\w+", " ".join(about)))
-    return [f"{name}: {missing} stands on no page of this header" for missing in sorted(names_of(header) - words)]
-
-
-def check_page(page: Path, text: str) -> list[str]:
-    where = page.relative_to(ROOT)
-    targets = LINK.findall(text)
-    faults = [f"{where}: {target} does not exist" for target in targets if not (page.parent / target).exists()]
-    for source, example in EXAMPLE.findall(text):
-        path = ROOT / source
-        if path.exists() and example not in path.read_text(encoding="utf-8"):
-            faults.append(f"{where}: the example {example.splitlines()[0]!r} is no longer so in {source} (--refresh)")
+def check_links(page: Path, text: str) -> list[str]:
+    faults = []
+    for link in LINK.findall(re.sub(r"^```.*?^```", "", text, flags=re.MULTILINE | re.DOTALL)):
+        name, _, anchor = link.partition("#")
+        target = page.parent / name if name else page
+        if not target.exists():
+            faults.append(f"{page.relative_to(ROOT)}: {link} does not exist")
+        elif anchor and anchor not in anchors(target.read_text(encoding="utf-8")):
+            faults.append(f"{page.relative_to(ROOT)}: {link} has no such heading")
     return faults
 
 
-def refreshed(found: re.Match) -> str:
+def headers_of(text: str) -> list[str]:
+    return [name for found in HEADERS.findall(text) for name in re.findall(r"`([\w/]+\.h)`", found)]
+
+
+def example_now(found: re.Match) -> str:
     """The example as its file has it now: the function of the same head, with the comment above it."""
     source, example = found.groups()
     head = next(line for line in example.splitlines() if not line.startswith("//"))
@@ -62,21 +58,41 @@ def refreshed(found: re.Match) -> str:
     return found.group(0).replace(example, "\n".join(lines[first : last + 1]) + "\n")
 
 
+def header_text(name: str) -> str:
+    """Of a header that the build makes, its template."""
+    path = ROOT / name
+    return (path if path.exists() else path.with_suffix(".h.in")).read_text(encoding="utf-8")
+
+
+def refreshed(text: str) -> str:
+    sections = [header_section(name, header_text(name)) for name in headers_of(text)]
+    interface = "## Interface\n\n" + "\n\n".join(sections) + "\n\n"
+    text = INTERFACE.sub(lambda _: interface, EXAMPLE.sub(example_now, text))
+    return text.rstrip("\n") + "\n"
+
+
 def main() -> int:
-    if sys.argv[1:] == ["--refresh"]:
-        for page in REFERENCE.glob("*.md"):
-            page.write_text(EXAMPLE.sub(refreshed, page.read_text(encoding="utf-8")), encoding="utf-8")
-        return 0
+    if len(sys.argv) < 2:
+        print(__doc__, file=sys.stderr)
+        return 2
     pages = {page: page.read_text(encoding="utf-8") for page in sorted(REFERENCE.glob("*.md"))}
+    if sys.argv[1:] == ["--refresh"]:
+        for page, text in pages.items():
+            page.write_text(refreshed(text), encoding="utf-8")
+        return 0
     index = pages[REFERENCE / "index.md"]
-    others = [page.name for page in pages if page.stem != "index"]
-    faults = [f"the index does not name {name}" for name in others if f"({name})" not in index]
-    for page, text in pages.items():
-        faults += check_page(page, text)
-    for header in sys.argv[1:]:
-        faults += check_header(Path(header).resolve(), pages)
-    print("\n".join(faults) or f"{len(pages)} pages agree with {len(sys.argv) - 1} headers")
-    return 1 if faults or len(sys.argv) < 2 else 0
+    faults = [f"the index does not name {page.name}" for page in pages
+              if page.stem != "index" and f"({page.name})" not in index]
+    faults += [f"{page.name} differs from the tree (--refresh)" for page, text in pages.items()
+               if refreshed(text) != text]
+    described = {name for text in pages.values() for name in headers_of(text)}
+    wanted = {Path(header).resolve().relative_to(ROOT).as_posix() for header in sys.argv[1:]}
+    faults += [f"no page names {name} among its headers" for name in sorted(wanted - described)]
+    documents = [*ROOT.glob("*.md"), *(ROOT / "docs").rglob("*.md"), *(ROOT / "samples").rglob("*.md")]
+    for document in documents:
+        faults += check_links(document, document.read_text(encoding="utf-8"))
+    print("\n".join(faults) or f"{len(pages)} pages agree with {len(wanted)} headers, all links lead somewhere")
+    return 1 if faults else 0
 
 
 if __name__ == "__main__":
