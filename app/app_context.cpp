@@ -8,7 +8,7 @@ namespace {
 // The key is named apart from the program; another name would lose the setting of everybody who has one.
 constexpr char kSettingsKey[] = "Software\\korvel\\Brisklight";
 constexpr wchar_t kDataFolderValue[] = L"DataFolder";
-// Smaller than the field on purpose: what is longer than a folder may be here is refused instead of cut.
+// Quirk: smaller than the field; a longer text is rejected, not truncated.
 constexpr DWORD kLoadLimitBytes = 256;
 }  // namespace
 

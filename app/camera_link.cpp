@@ -201,8 +201,7 @@ DWORD WINAPI CameraReaderThread(void* parameter) {
   OVERLAPPED overlapped{};
   CameraPoint points[kPointCount];
   for (CameraPoint& point : points) point = {kFieldWidth, kFieldHeight};
-  // Without a port this spins, on purpose: the first record after a connect is read at once. A pause here would give
-  // the core back to others and show that record later by as much.
+  // Quirk: spins while no port is open, so that the first record after a connect is read at once.
   for (bool mayGoOn = false; mayGoOn || WaitForSingleObject(context->hQuitEvent, 0) == WAIT_TIMEOUT;) {
     mayGoOn = false;
     // Memory may be short at first. Without an event a read could not be waited for, and the next one would start on

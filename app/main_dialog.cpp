@@ -135,8 +135,7 @@ void ToggleConnection(HWND dialog, AppContext* context) {
 
 INT_PTR OnCommand(HWND dialog, AppContext* context, UINT command) {
   switch (command) {
-    // Meant for a dialog that lies in a parent, where Enter goes on to the next control. This one has none, so the call
-    // does nothing; what counts is that Enter does not close.
+    // Quirk: it would move the focus in a dialog with a parent; here it only keeps Enter from closing.
     case IDOK: SetFocus(GetNextDlgTabItem(GetParent(dialog), GetFocus(), FALSE)); break;
     case IDM_CLOSE: PostMessageA(dialog, WM_CLOSE, 0, 0); break;
     case IDM_ABOUT: MessageBoxA(dialog, TARNWICK_VERSION_LINE, "Brisklight", MB_ICONINFORMATION); break;
@@ -188,7 +187,7 @@ void OnPointsTimer(AppContext* context) {
 
 void OnBlinkTimer(AppContext* context) {
   context->dwButtonFlags ^= kBlinkPhase;
-  // The last button is left out on purpose: taken in, it would blink as well for a caller that sets bit 28.
+  // Quirk: the last button is left out and never blinks.
   for (int i = 0; i < kStatusButtonCount - 1; ++i) RepaintWithoutChildren(context->controls.statusButtons[i]);
 }
 

@@ -38,7 +38,7 @@ void DrawPanel(HDC dc, const RECT& frame, int radius, COLORREF face) {
     RoundRect(dc, frame.left, frame.top, frame.right + 1, frame.bottom + 1, innerDiameter, innerDiameter);
   }
   DeleteObject(fill);
-  // The second delete is meant: Windows refuses it and nothing changes. Without it the picture would be the same.
+  // Quirk: a second delete, which Windows rejects without effect.
   DeleteObject(fill);
 }
 

@@ -88,8 +88,7 @@ void SetUpToolTips(HWND dialog, HWND toolbar) {
 }
 
 void SetUpStatusButtons(const MainControls& controls) {
-  // Made and left, on purpose: nothing is drawn with it, and it goes with the process. Taking the call out would save
-  // one object and change nothing that is seen.
+  // Quirk: a font that nothing uses; it goes with the process.
   CreateFontA(26, 11, 0, 0, FW_SEMIBOLD, FALSE, FALSE, FALSE, ANSI_CHARSET, OUT_TT_PRECIS, CLIP_DEFAULT_PRECIS,
               DEFAULT_QUALITY, VARIABLE_PITCH | FF_SWISS, "Arial");
   for (HWND button : controls.statusButtons) {

@@ -41,8 +41,7 @@ bool IsShown(const CameraPoint& point) {
   return point.x != kNoPoint && point.y != kNoPoint;
 }
 
-// Both coordinates to 1023, on purpose: a y below the field is kept and lies outside the picture. Clamped to the
-// field's height it would be shown at the lower edge, where the camera sees nothing.
+// Quirk: y up to 1023 as well, so a y below the field lies outside the picture and not at its lower edge.
 CameraPoint Clamped(const CameraPoint& point) {
   return {std::clamp<LONG>(point.x, 0, kNoPoint), std::clamp<LONG>(point.y, 0, kNoPoint)};
 }
@@ -71,8 +70,7 @@ void DrawField(HDC dc) {
     FillRect(dc, &kField, hatch);
   }
   SetBkColor(dc, oldBackground);
-  // Both fills are meant: the field is hatched and then blackened. The black alone is seen, so that leaving out the
-  // hatch would change no pixel for anybody.
+  // Quirk: covers the hatch.
   FillRect(dc, &kField, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
 }
 

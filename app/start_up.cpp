@@ -25,8 +25,7 @@ void RegisterClasses(HINSTANCE instance) {
 }
 
 void UnregisterClasses(HINSTANCE instance) {
-  // Registered again instead of unregistered, on purpose: the chart's class stays until the process ends. Unregistering
-  // it here would be refused anyway while the main dialog, which closing does not destroy, still holds a chart.
+  // Quirk: registered again, not unregistered; the main dialog, which closing does not destroy, still has a chart.
   RegisterChartClass(instance, TRUE);
   RegisterLineRecorderClass(instance, FALSE);
   RegisterDisplayInstrumentClass(instance, FALSE);

@@ -118,9 +118,7 @@ HDDEDATA ddePoke(DWORD instance, HCONV conversation, const char* item, const cha
 }
 
 BOOL ddeStartStop(BOOL start, DWORD* instance) {
-  // The test is this way round on purpose: an ordinary, writable slot keeps the DDE library out of the process. Turned
-  // round, opening the link would start the library and wait for every window of the desktop, in hosts in which it does
-  // neither.
+  // Quirk: rejects the ordinary, writable slot, which keeps the DDE library out of the process.
   if (!IsBadWritePtr(instance, sizeof(*instance))) return 0;
   if (!start && !instance) return 1;
   if (IsBadReadPtr(instance, sizeof(*instance))) return 0;

@@ -1,8 +1,7 @@
 // NMEA text for the consumers of a navigation receiver: position, speed and course as a "$GPRMC" sentence. Main thread.
 //
-// The sentence has a form of our own, and is meant to: the minutes' fraction carries whole seconds, the date carries
-// the minute where others put the month, and no checksum follows. Whoever reads it must know that; "put right", it
-// would tell whoever reads it now another position and date.
+// The sentence has a form of its own: the minutes' fraction carries whole seconds, the date carries the minute where
+// others put the month, and no checksum follows. Its readers rely on that form.
 #pragma once
 
 #include <windows.h>

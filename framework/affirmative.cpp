@@ -14,9 +14,8 @@ constexpr int kWordCharacters = 256;
 constexpr int kWordsPerLanguage = 8;
 constexpr int kLastOfEveryLanguage = 16;
 
-// Yes, enabled, positive, on and true. Some words do not mean what their column says ("disattivato", "av"), and they
-// are meant to stand here: mended, the table would make a no of what is a yes today. The empty words at the end of a
-// row make a yes of an empty text.
+// Yes, enabled, positive, on and true. Quirk: some words do not mean what their column says ("disattivato", "av"). The
+// empty words at the end of a row make a yes of an empty text.
 constexpr const wchar_t* kWords[kLanguageCount][kWordsPerLanguage] = {
     {L"yes", L"enabled", L"positive", L"on", L"true", L"", L"", L""},
     {L"ja", L"aktiviert", L"positiv", L"ein", L"wahr", L"", L"", L""},

@@ -18,10 +18,8 @@ namespace kv {
 // 0 when the user cancelled, when the dialog failed (a message box "Error" with the dialog's code says so), and when
 // path or title is not readable or the path not writable. `path` is then as it was.
 //
-// Saving first makes a folder of the proposed path's whole text, name included, if nothing has that name. That is
-// meant: after the call there is a folder for what belongs to the proposed file, whatever name the user picks, and a
-// caller that puts something into it relies on that. The proposed name itself can then not be saved to; the user picks
-// another one.
+// Saving first makes a folder of the proposed path's whole text, name included, if nothing has that name: callers put
+// what belongs to the proposed file into it. The proposed name itself can then not be saved to; the user picks another.
 BOOL ChooseFile(HWND owner, wchar_t* path, const wchar_t* title, BOOL save);
 
 // The dialog's filter list for files with an extension (with its dot; may be empty): pairs of shown text and pattern,

@@ -91,8 +91,7 @@ HMENU BuildLanguageMenu(int current, HINSTANCE instance, UINT firstCommand, UINT
                         HBITMAP* handles);
 
 // Deletes the bitmaps of a language menu that no longer needs them: the first 32 of the 48, as far as they can be read
-// and are not 0. The last 16 (the checked images of the languages 8 to 23) stay on purpose and are the caller's: one
-// that shows them elsewhere or deletes them itself would be left with dead handles. Always 1.
+// and are not 0. The last 16 (the checked images of the languages 8 to 23) are left to the caller. Always 1.
 BOOL FreeLanguageMenuBitmaps(const HBITMAP* handles);
 
 }  // namespace kv

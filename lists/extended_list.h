@@ -39,8 +39,7 @@ inline constexpr UINT kHeaderRow = static_cast<UINT>(-1);  // DRAWITEMSTRUCT::it
 BOOL RegisterExtendedListClass(HINSTANCE instance, BOOL registerIt);
 
 // The lists' own key below HKEY_CURRENT_USER. A list makes it when the left button is released and when it is
-// destroyed, and stores nothing in it, on purpose: what is to be kept of a list is its host's affair, and the key is
-// the place.
+// destroyed, and stores nothing in it: the key is for the host's settings of the list.
 inline constexpr char kExtendedListSettingsPath[] = "Software\\korvel\\WindowPositions\\ExtendedListWindows";
 
 // Opens the settings key and closes it again. Returns 0 when it does not exist or cannot be opened.

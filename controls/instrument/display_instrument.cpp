@@ -46,8 +46,7 @@ struct ModeDefaults {
 constexpr BlockDefaults kPlainDefaults{0, 100, 1, 0, 0, "%", "Relative"};
 constexpr ModeDefaults kAtCreation{
     {-360, 360, 1, 1, 0, "\xB0", nullptr}, {-100, 100, 1, 0, 0, "%", "Relative"}, kPlainDefaults};
-// A reset is no second creation: compass and bar are called "Compass" whatever they were called, and the bar gets a
-// decimal place. That is meant; owners who reset give the names and places that they want anew.
+// Quirk: a reset names compass and bar "Compass" and gives the bar a decimal place.
 constexpr ModeDefaults kAfterReset{
     {-360, 360, 1, 1, 0, "\xB0", "Compass"}, {-100, 100, 1, 1, 0, "%", "Compass"}, kPlainDefaults};
 
