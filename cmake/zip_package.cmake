@@ -1,7 +1,8 @@
-# The target `package`: the ZIP that people unpack, with programs on top and the library under sdk/.
+# The target `package`: the ZIP that people unpack, with programs on top, documents under docs/ and the library under sdk/.
 find_package(Python3 COMPONENTS Interpreter)
-if(NOT Python3_FOUND)
-  message(STATUS "Python is missing: there is no target `package`")
+find_program(CMARK_GFM cmark-gfm)
+if(NOT Python3_FOUND OR NOT CMARK_GFM)
+  message(STATUS "Python or cmark-gfm is missing: there is no target `package`")
   return()
 endif()
 
@@ -17,8 +18,9 @@ add_custom_target(package
   COMMAND ${CMAKE_COMMAND} -E rm -rf ${stage}/programs ${stage}/sdk
   COMMAND ${install} --component programs --prefix ${stage}/programs
   COMMAND ${install} --component sdk --prefix ${stage}/sdk
+  COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tools/make_pages.py ${stage}/docs ${PROJECT_VERSION}
   COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tools/make_package.py ${PROJECT_BINARY_DIR}/${name}.zip
-    .=${stage}/programs/bin .=${stage}/texts sdk=${stage}/sdk
+    .=${stage}/programs/bin .=${stage}/texts docs=${stage}/docs sdk=${stage}/sdk
   COMMENT "Packing ${name}.zip"
   VERBATIM)
 add_dependencies(package tarnwick kvgallery camtool kv)

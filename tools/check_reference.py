@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Keeps docs/reference as the library is, and the links of all documents alive.
+"""Keeps README.md and docs/reference as the library is, and the links of all documents alive.
 
     check_reference.py HEADER...     checks, and wants every header given on a page
     check_reference.py --refresh     writes anew what pages take from the tree
@@ -12,25 +12,28 @@ import sys
 from pathlib import Path
 
 from header_pages import header_section
+from make_pages import slug
 
 ROOT = Path(__file__).resolve().parent.parent
 REFERENCE = ROOT / "docs" / "reference"
 
 HEADERS = re.compile(r"^Headers:.*?\n\n", re.MULTILINE | re.DOTALL)
 INTERFACE = re.compile(r"^## Interface\n.*?(?=^## |\Z)", re.MULTILINE | re.DOTALL)
-EXAMPLE = re.compile(r"From \[`([^`]+)`\]\([^)]*\):\n\n```cpp\n(.*?)```", re.DOTALL)
+EXAMPLE = re.compile(r"From \[`([^`]+)`\]\([^)]*\):\n\n```(?:cpp|rc)\n(.*?)```", re.DOTALL)
 LINK = re.compile(r"!?\[[^\]]*\]\(([^)\s:]+)\)")
 
 
+def without_examples(text: str) -> str:
+    return re.sub(r"^```.*?^```", "", text, flags=re.MULTILINE | re.DOTALL)
+
+
 def anchors(text: str) -> set[str]:
-    """What a heading can be linked by: lower case, blanks as dashes, without punctuation."""
-    text = re.sub(r"^```.*?^```", "", text, flags=re.MULTILINE | re.DOTALL)
-    return {re.sub(r"[^\w\- ]", "", head.lower()).replace(" ", "-") for head in re.findall(r"^#+ (.*)", text, re.M)}
+    return {slug(heading) for heading in re.findall(r"^#+ (.*)", without_examples(text), re.MULTILINE)}
 
 
 def check_links(page: Path, text: str) -> list[str]:
     faults = []
-    for link in LINK.findall(re.sub(r"^```.*?^```", "", text, flags=re.MULTILINE | re.DOTALL)):
+    for link in LINK.findall(without_examples(text)):
         name, _, anchor = link.partition("#")
         target = page.parent / name if name else page
         if not target.exists():
@@ -45,10 +48,14 @@ def headers_of(text: str) -> list[str]:
 
 
 def example_now(found: re.Match) -> str:
-    """The example as its file has it now: the function of the same head, with the comment above it."""
+    """The example as its file has it now: the whole file when it begins as the file does, otherwise the function of the
+    same head, with the comment above it."""
     source, example = found.groups()
+    text = (ROOT / source).read_text(encoding="utf-8")
+    lines = text.splitlines()
+    if example.splitlines()[0] == lines[0]:
+        return found.group().replace(example, text)
     head = next(line for line in example.splitlines() if not line.startswith("//"))
-    lines = (ROOT / source).read_text(encoding="utf-8").splitlines()
     if head not in lines:
         sys.exit(f"{source} has no function that begins with {head!r}; give its page the first line it has now")
     first = lines.index(head)
@@ -75,14 +82,14 @@ def main() -> int:
     if len(sys.argv) < 2:
         print(__doc__, file=sys.stderr)
         return 2
-    pages = {page: page.read_text(encoding="utf-8") for page in sorted(REFERENCE.glob("*.md"))}
+    pages = {page: page.read_text(encoding="utf-8") for page in [ROOT / "README.md", *sorted(REFERENCE.glob("*.md"))]}
     if sys.argv[1:] == ["--refresh"]:
         for page, text in pages.items():
             page.write_text(refreshed(text), encoding="utf-8")
         return 0
     index = pages[REFERENCE / "index.md"]
     faults = [f"the index does not name {page.name}" for page in pages
-              if page.stem != "index" and f"({page.name})" not in index]
+              if page.parent == REFERENCE and page.stem != "index" and f"({page.name})" not in index]
     faults += [f"{page.name} differs from the tree (--refresh)" for page, text in pages.items()
                if refreshed(text) != text]
     described = {name for text in pages.values() for name in headers_of(text)}

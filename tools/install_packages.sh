@@ -10,6 +10,7 @@ packages=(
   socat                                                  # pseudo-terminal pairs as serial lines
   fp-utils                                               # chmcmd, the help compiler
   python3                                                # artwork and small build steps
+  cmark-gfm                                              # the package's pages
   fonts-dejavu-core fonts-liberation fonts-wine          # text in the windows
   fonts-wqy-microhei fonts-lohit-deva                    # Chinese, Japanese, Korean; Hindi
 )

@@ -1,13 +1,15 @@
 #!/usr/bin/env python3
-"""Makes the package, looks at its sums, unpacks it where paths are hard, and starts each program from there.
+"""Makes the package, looks at its sums, unpacks it where paths are hard, follows its pages' links, starts each program.
 
     check_package.py BUILD_FOLDER VERSION WORK_FOLDER UIDRIVER [EMULATOR]
 """
 import hashlib
+import re
 import shutil
 import subprocess
 import sys
 import zipfile
+from html import unescape
 from pathlib import Path
 
 build, version, work, uidriver = sys.argv[1], sys.argv[2], Path(sys.argv[3]), sys.argv[4]
@@ -27,6 +29,19 @@ def check_sums(folder: Path) -> None:
     assert present == listed.keys() | {"SHA256SUMS.txt"}, present ^ listed.keys()
     for name, total in listed.items():
         assert hashlib.sha256((folder / name).read_bytes()).hexdigest() == total, name
+
+
+def check_pages(folder: Path) -> None:
+    """Every link and every image leads to a file of the package, and every anchor to a place in its page."""
+    pages = {page.resolve(): page.read_text(encoding="utf-8") for page in folder.rglob("*.html")}
+    assert len(pages) > 30 and (folder / "docs" / "reference" / "index.html").resolve() in pages, pages.keys()
+    assert f"{folder.name}.zip" in pages[(folder / "docs" / "index.html").resolve()], "README names another version"
+    for page, text in pages.items():
+        for link in re.findall(r'<[^>]* (?:href|src)="([^":]*)"', text):
+            name, _, anchor = link.partition("#")
+            target = (page.parent / unescape(name)).resolve() if name else page
+            assert target.is_file() and target.is_relative_to(folder.resolve()), (page, link)
+            assert not anchor or f'id="{anchor}"' in pages[target], (page, link)
 
 
 def check_camtool(folder: Path) -> None:
@@ -66,6 +81,7 @@ with zipfile.ZipFile(first) as archive:
     archive.extractall(place)
 home = place / first.stem
 check_sums(home)
+check_pages(home)
 check_camtool(home)
 check_gallery(home)
 check_tarnwick(home)
