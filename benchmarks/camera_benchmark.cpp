@@ -24,15 +24,15 @@
 #include "app/camera_link.h"
 #include "app/camera_point.h"
 #include "app/resource_ids.h"
+#include "camera/ports.h"
 #include "tests/e2e/tarnwick_process.h"
 #include "tests/support/serial_line.h"
-#include "camtool/pace.h"
 #include "tools/uidriver/driver.h"
 
 namespace {
 
-using camtool::Now;
-using camtool::SleepUntil;
+using camera::Now;
+using camera::SleepUntil;
 using kvtest::PlayedCamera;
 using kvtest::SerialLine;
 using kvtest::TarnwickProcess;

@@ -15,11 +15,11 @@
 #include <string>
 #include <vector>
 
+#include "camera/files.h"
+#include "camera/ports.h"
+#include "camera/recording.h"
+#include "camera/text.h"
 #include "tests/support/serial_line.h"
-#include "camtool/files.h"
-#include "camtool/ports.h"
-#include "camtool/recording.h"
-#include "camtool/text.h"
 
 namespace {
 
@@ -36,31 +36,31 @@ struct Moment {
 std::vector<Moment> MakeRecording(const std::string& path, double seconds) {
   std::mt19937 random(1);
   std::vector<Moment> moments;
-  std::string file = camtool::EncodeHeader({0, 38400, kPort}), error;
+  std::string file = camera::EncodeHeader({0, 38400, kPort}), error;
   double now = 0.5;
   for (; now < seconds; now += 0.005 + random() % 56 / 1000.0) {
     std::string bytes(1 + random() % 41, '\0');
     for (char& byte : bytes) moments.push_back({now, byte = static_cast<char>(random() >> 24)});
-    file += camtool::EncodeChunks(static_cast<std::uint64_t>(now * 1e6), bytes);
+    file += camera::EncodeChunks(static_cast<std::uint64_t>(now * 1e6), bytes);
   }
-  camtool::OutputFile out;
-  if (camtool::OpenOutput(path, true, nullptr, &out, &error)) {
-    camtool::AppendToOutput(&out, file + camtool::EncodeEnd(static_cast<std::uint64_t>(now * 1e6)), &error);
-    camtool::PublishOutput(&out, &error);
+  camera::OutputFile out;
+  if (camera::OpenOutput(path, true, nullptr, &out, &error)) {
+    camera::AppendToOutput(&out, file + camera::EncodeEnd(static_cast<std::uint64_t>(now * 1e6)), &error);
+    camera::PublishOutput(&out, &error);
   }
-  camtool::CloseOutput(&out);
+  camera::CloseOutput(&out);
   return moments;
 }
 
 std::vector<Moment> Hear(HANDLE port, size_t count) {
   std::vector<Moment> moments;
-  camtool::PortReader reader(port);
+  camera::PortReader reader(port);
   std::string bytes;
   double seconds = 0;
   // Patient until the player has come up.
   DWORD patienceMs = 20000;
   while (moments.size() < count &&
-         reader.Read(patienceMs, nullptr, &bytes, &seconds) == camtool::PortReader::Outcome::kBytes) {
+         reader.Read(patienceMs, nullptr, &bytes, &seconds) == camera::PortReader::Outcome::kBytes) {
     for (const char byte : bytes) moments.push_back({seconds, byte});
     patienceMs = kQuietMs;
   }
@@ -97,9 +97,9 @@ int main(int argc, char** argv) {
   GetTempPathA(sizeof(folder), folder);
   const std::string path = std::string(folder) + "replay benchmark.twr";
   const std::vector<Moment> sent = MakeRecording(path, seconds);
-  camtool::Port port;
-  if (!camtool::OpenPortOrComplain(kPort, &port)) return 1;
-  std::string command = camtool::Format("\"Z:%s\" replay \"%s\" COM%d", KV_CAMTOOL_EXE, path.c_str(), kFarPort);
+  camera::Port port;
+  if (camera::OpenPort(kPort, camera::FindPortHolders(), &port).state != camera::PortState::kOpened) return 1;
+  std::string command = camera::Format("\"Z:%s\" replay \"%s\" COM%d", KV_CAMTOOL_EXE, path.c_str(), kFarPort);
   STARTUPINFOA start{};
   start.cb = sizeof(start);
   PROCESS_INFORMATION player{};

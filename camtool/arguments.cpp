@@ -10,8 +10,8 @@
 #include <variant>
 #include <vector>
 
+#include "camera/text.h"
 #include "camtool/faults.h"
-#include "camtool/text.h"
 
 namespace camtool {
 
@@ -50,7 +50,7 @@ std::string Expected(const Option& option) {
   return std::visit(
       Match{[](bool*) { return std::string("no value"); },
             [](const NumberOption& number) {
-              return Format("a number from %.15g to %.15g", number.lowest, number.highest);
+              return camera::Format("a number from %.15g to %.15g", number.lowest, number.highest);
             },
             [](const SizeOption&) { return std::string("a number of bytes, such as 500K or 10M"); },
             [](std::string*) { return std::string("a text"); },

@@ -1,4 +1,4 @@
-// The command line behind a subcommand's name. A subcommand describes its options in a table, from which the arguments
+// The command line behind a command's name. A command describes its options in a table, from which the arguments
 // are read and its help is written. Pure, any thread.
 #pragma once
 

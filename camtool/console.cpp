@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <string>
 
+#include "camera/ports.h"
+
 namespace camtool {
 
 namespace {
@@ -46,9 +48,17 @@ bool IsStopRequested() {
   return isStopRequested;
 }
 
-void Complain(const std::string& sentence) {
+void PrintError(const std::string& sentence) {
   std::fflush(stdout);
   std::fprintf(stderr, "camtool: %s\n", sentence.c_str());
+}
+
+bool OpenPortOrPrintError(int number, camera::Port* port) {
+  const camera::PortStatus status = camera::OpenPort(number, camera::FindPortHolders(), port);
+  if (!port->isOpen()) {
+    PrintError((status.state == camera::PortState::kBusy ? "busy: " : "") + camera::WhyNotOpened(number, status));
+  }
+  return port->isOpen();
 }
 
 ProgressLine::ProgressLine() : isConsole_(IsConsole(GetStdHandle(STD_ERROR_HANDLE))), nextMs_(GetTickCount64()) {

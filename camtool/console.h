@@ -1,20 +1,25 @@
-// What a subcommand shows while it works, and how it is told to stop.
+// What a command shows while it works, and how it is told to stop.
 #pragma once
 
 #include <windows.h>
 
 #include <string>
 
+#include "camera/ports.h"
+
 namespace camtool {
 
 // From the first call on, Ctrl+C, Ctrl+Break and the closing of the console window do not end the process but signal
-// this event (manual reset), so that a subcommand can end what it does in good order. Main thread only.
+// this event (manual reset), so that a command can end what it does in good order. Main thread only.
 HANDLE StopEvent();
 // Costs nothing, so that it can be asked for each record.
 bool IsStopRequested();
 
 // "camtool: " and the sentence to standard error.
-void Complain(const std::string& sentence);
+void PrintError(const std::string& sentence);
+
+// Opens COM`number` or says on standard error why not.
+bool OpenPortOrPrintError(int number, camera::Port* port);
 
 // A line on standard error that tells how far the work is: on a console it is written over itself four times a second;
 // elsewhere a line comes every ten seconds, which a log can bear.

@@ -5,15 +5,14 @@
 #include <string>
 #include <vector>
 
+#include "camera/files.h"
+#include "camera/record_stream.h"
+#include "camera/recording.h"
+#include "camera/text.h"
 #include "camtool/arguments.h"
+#include "camtool/commands.h"
 #include "camtool/console.h"
-#include "camtool/csv.h"
-#include "camtool/exit_codes.h"
-#include "camtool/files.h"
-#include "camtool/record_stream.h"
-#include "camtool/recording.h"
-#include "camtool/text.h"
-#include "camtool/verbs.h"
+#include "camtool/point_paths.h"
 
 namespace camtool {
 
@@ -30,40 +29,40 @@ const Option kOptions[] = {{"--overwrite", nullptr, "replace a file that exists"
 constexpr int kExits[] = {kDone, kFailed, kUsageError, kDamaged, kEmpty};
 
 struct Exporter {
-  RecordingFile recording;
-  OutputFile out;
+  camera::RecordingFile recording;
+  camera::OutputFile out;
   std::string error, buffer;
-  RecordStream stream;
+  camera::RecordStream stream;
 };
 
 bool Flush(Exporter* exporter) {
-  const bool done = AppendToOutput(&exporter->out, exporter->buffer, &exporter->error);
+  const bool done = camera::AppendToOutput(&exporter->out, exporter->buffer, &exporter->error);
   exporter->buffer.clear();
   return done;
 }
 
 bool WriteRows(Exporter* exporter) {
   ProgressLine progress;
-  exporter->buffer = CsvHeader();
-  Chunk chunk;
-  std::vector<FoundRecord> found;
-  while (!IsStopRequested() && NextChunk(&exporter->recording, &chunk)) {
+  exporter->buffer = camera::CsvHeader();
+  camera::Chunk chunk;
+  std::vector<camera::FoundRecord> found;
+  while (!IsStopRequested() && camera::NextChunk(&exporter->recording, &chunk)) {
     found.clear();
-    FeedStream(&exporter->stream, static_cast<double>(chunk.microseconds) / 1e6, chunk.bytes, &found);
-    for (const FoundRecord& record : found) {
-      if (record.isInRange) AppendCsvRow(record, &exporter->buffer);
+    camera::FeedStream(&exporter->stream, static_cast<double>(chunk.microseconds) / 1e6, chunk.bytes, &found);
+    for (const camera::FoundRecord& record : found) {
+      if (record.isInRange) camera::AppendCsvRow(record, &exporter->buffer);
     }
     if (exporter->buffer.size() >= kBufferBytes && !Flush(exporter)) return false;
     if (progress.IsDue()) progress.Show(std::to_string(exporter->stream.records) + " records");
   }
-  EndStream(&exporter->stream);
+  camera::EndStream(&exporter->stream);
   return Flush(exporter);
 }
 
 // Everything that the rows do not show.
 void Report(const Exporter& exporter) {
-  const RecordStream& stream = exporter.stream;
-  std::fprintf(stderr, "%lld records; %s", stream.records, DescribeMalformed(stream).c_str());
+  const camera::RecordStream& stream = exporter.stream;
+  std::fprintf(stderr, "%lld records; %s", stream.records, camera::DescribeMalformed(stream).c_str());
   if (stream.leadBytes > 0) std::fprintf(stderr, "; began within a record, %lld bytes of it", stream.leadBytes);
   if (!stream.pending.empty()) std::fprintf(stderr, "; ended within a record, %zu bytes of it", stream.pending.size());
   if (stream.oddRecords > 0) {
@@ -74,15 +73,15 @@ void Report(const Exporter& exporter) {
     std::fprintf(stderr, "; %lld of them omitted because a coordinate is not within 0 to 1023", stream.outOfRange);
   }
   std::fputs("\n", stderr);
-  for (const MalformedStretch& stretch : stream.stretches) {
+  for (const camera::MalformedStretch& stretch : stream.stretches) {
     std::fprintf(stderr, "  at %.6f s, %lld bytes: %s%s\n", stretch.seconds, stretch.bytes,
-                 Printable(stretch.sample).c_str(),
+                 camera::Printable(stretch.sample).c_str(),
                  stretch.bytes > static_cast<long long>(stretch.sample.size()) ? " ..." : "");
   }
   const auto more = stream.malformedStretches - static_cast<long long>(stream.stretches.size());
   if (more > 0) std::fprintf(stderr, "  and %lld more\n", more);
-  const std::string damage = DescribeDamage(exporter.recording);
-  if (!damage.empty()) Complain(damage);
+  const std::string damage = camera::DescribeDamage(exporter.recording);
+  if (!damage.empty()) PrintError(damage);
 }
 
 int ExportAll(Exporter* exporter) {
@@ -91,37 +90,37 @@ int ExportAll(Exporter* exporter) {
   if (!done && exporter->error.empty()) return kDone;
   if (exporter->error.empty()) exporter->error = exporter->recording.error;
   if (exporter->error.empty() && IsStopRequested()) exporter->error = "interrupted; nothing was exported";
-  if (exporter->error.empty()) PublishOutput(&exporter->out, &exporter->error);
+  if (exporter->error.empty()) camera::PublishOutput(&exporter->out, &exporter->error);
   if (exporter->error.empty()) {
     Report(*exporter);
     return exporter->recording.decoder.damagedPlaces > 0 ? kDamaged : kDone;
   }
-  Complain(exporter->error);
+  PrintError(exporter->error);
   return kFailed;
 }
 
 int RunExport(const std::vector<std::string>& operands) {
   Exporter exporter{};
-  if (!OpenRecording(operands[0], &exporter.recording)) {
-    Complain(exporter.recording.error);
+  if (!camera::OpenRecording(operands[0], &exporter.recording)) {
+    PrintError(exporter.recording.error);
     return exporter.recording.isEmpty ? kEmpty : kFailed;
   }
   StopEvent();
   int result = kFailed;
   const std::string path = operands.size() > 1 ? operands[1] : "-";
-  if (OpenOutput(path, settings.overwrite, exporter.recording.file, &exporter.out, &exporter.error)) {
+  if (camera::OpenOutput(path, settings.overwrite, exporter.recording.file, &exporter.out, &exporter.error)) {
     result = ExportAll(&exporter);
   } else {
-    Complain(exporter.error);
+    PrintError(exporter.error);
   }
-  CloseOutput(&exporter.out);
-  CloseRecording(&exporter.recording);
+  camera::CloseOutput(&exporter.out);
+  camera::CloseRecording(&exporter.recording);
   return result;
 }
 
 }  // namespace
 
-const Verb kExportVerb = {
+const Command kExportCommand = {
     "export",
     "FILE [CSV]",
     {1, 2},

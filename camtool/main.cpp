@@ -13,56 +13,57 @@
 #include <string>
 #include <vector>
 
+#include "camera/text.h"
 #include "camtool/arguments.h"
+#include "camtool/commands.h"
 #include "camtool/console.h"
-#include "camtool/exit_codes.h"
-#include "camtool/files.h"
-#include "camtool/verbs.h"
 
 namespace camtool {
 
 namespace {
 
-const Verb* const kVerbs[] = {&kScanVerb, &kRecordVerb, &kReplayVerb, &kExportVerb, &kSimulateVerb};
+const Command* const kCommands[] = {&kScanCommand, &kRecordCommand, &kReplayCommand, &kExportCommand,
+                                    &kSimulateCommand};
 
 void PrintOverview(FILE* out) {
   std::fputs("camtool looks at the camera's serial line, records it, and stands in for the camera.\n\n", out);
-  for (const Verb* verb : kVerbs)
-    std::fprintf(out, "  camtool %-9s %-12s %s\n", verb->name, verb->operands, verb->purpose);
+  for (const Command* command : kCommands)
+    std::fprintf(out, "  camtool %-9s %-12s %s\n", command->name, command->operands, command->purpose);
   std::fputs("\n\"camtool scan --help\" tells more about scan, and so for each.\n", out);
 }
 
-void PrintHelp(const Verb& verb) {
-  std::string purpose = verb.purpose;
+void PrintHelp(const Command& command) {
+  std::string purpose = command.purpose;
   purpose[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(purpose[0])));
-  std::printf("usage: camtool %s%s%s%s\n\n%s.\n%s", verb.name, *verb.operands ? " " : "", verb.operands,
-              verb.options.empty() ? "" : " [OPTIONS]", purpose.c_str(), verb.details);
-  if (!verb.options.empty()) std::printf("\noptions:\n%s", DescribeOptions(verb.options).c_str());
+  std::printf("usage: camtool %s%s%s%s\n\n%s.\n%s", command.name, *command.operands ? " " : "", command.operands,
+              command.options.empty() ? "" : " [OPTIONS]", purpose.c_str(), command.details);
+  if (!command.options.empty()) std::printf("\noptions:\n%s", DescribeOptions(command.options).c_str());
   std::puts("\nexit codes:");
   for (const ExitCode& code : kExitCodes) {
-    if (std::ranges::find(verb.exitCodes, code.code) == verb.exitCodes.end()) continue;
+    if (std::ranges::find(command.exitCodes, code.code) == command.exitCodes.end()) continue;
     std::printf("  %d  %s\n", code.code, code.meaning);
   }
 }
 
-int RunVerb(const Verb& verb, std::span<const std::string> arguments) {
+int RunCommand(const Command& command, std::span<const std::string> arguments) {
   if (std::ranges::find(arguments, "--help") != arguments.end()) {
-    PrintHelp(verb);
+    PrintHelp(command);
     return kDone;
   }
   std::vector<std::string> operands;
   std::string error;
   int result = kUsageError;
-  if (ParseArguments(arguments, verb.options, verb.count, &operands, &error)) {
+  if (ParseArguments(arguments, command.options, command.count, &operands, &error)) {
     // Records are 11 ms apart; the default timer is too coarse for that.
     timeBeginPeriod(1);
-    result = verb.run(operands);
+    result = command.run(operands);
     timeEndPeriod(1);
   } else {
-    Complain(error);
+    PrintError(error);
   }
   if (result == kUsageError) {
-    std::fprintf(stderr, "usage: camtool %s %s; see \"camtool %s --help\"\n", verb.name, verb.operands, verb.name);
+    std::fprintf(stderr, "usage: camtool %s %s; see \"camtool %s --help\"\n", command.name, command.operands,
+                 command.name);
   }
   return result;
 }
@@ -79,17 +80,17 @@ int Run(std::span<const std::string> arguments) {
   }
   const bool isHelp = first == "help";
   const std::string& name = isHelp ? arguments[1] : first;
-  const auto verb = std::ranges::find_if(kVerbs, [&](const Verb* v) { return name == v->name; });
-  if (verb == std::end(kVerbs)) {
-    Complain("there is no \"" + name + "\"");
+  const auto command = std::ranges::find_if(kCommands, [&](const Command* v) { return name == v->name; });
+  if (command == std::end(kCommands)) {
+    PrintError("there is no \"" + name + "\"");
     PrintOverview(stderr);
     return kUsageError;
   }
   if (isHelp) {
-    PrintHelp(**verb);
+    PrintHelp(**command);
     return kDone;
   }
-  return RunVerb(**verb, arguments.subspan(1));
+  return RunCommand(**command, arguments.subspan(1));
 }
 
 }  // namespace
@@ -101,7 +102,7 @@ int main() {
   int count = 0;
   LPWSTR* words = CommandLineToArgvW(GetCommandLineW(), &count);
   std::vector<std::string> arguments;
-  for (int i = 1; i < count; ++i) arguments.push_back(camtool::Narrow(words[i]));
+  for (int i = 1; i < count; ++i) arguments.push_back(camera::Narrow(words[i]));
   LocalFree(words);
   const int result = camtool::Run(arguments);
   std::fflush(stdout);

@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "app/camera_point.h"
-#include "camtool/ports.h"
-#include "camtool/record_stream.h"
-#include "camtool/text.h"
+#include "camera/ports.h"
+#include "camera/record_stream.h"
+#include "camera/text.h"
 
 namespace camtool {
 
@@ -22,7 +22,7 @@ constexpr double kRealigningGap = 0.005;
 constexpr char kIndent[] = "                  ";
 
 std::string Line(int number, const char* state, const std::string& rest) {
-  std::string line = Format("%-7s%-11s", ("COM" + std::to_string(number)).c_str(), state) + rest;
+  std::string line = camera::Format("%-7s%-11s", ("COM" + std::to_string(number)).c_str(), state) + rest;
   return line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
 }
 
@@ -34,19 +34,20 @@ std::string Rates(const std::vector<int>& rates) {
   return text + " baud";
 }
 
-std::string Points(const FoundRecord& record) {
+std::string Points(const camera::FoundRecord& record) {
   std::string text;
-  for (const kv::CameraPoint& point : record.points) text += Format(" %ld,%ld", point.x, point.y);
+  for (const kv::CameraPoint& point : record.points) text += camera::Format(" %ld,%ld", point.x, point.y);
   return text;
 }
 
 std::string DescribeCamera(const PortReport& report) {
-  const RecordStream& stream = report.stream;
-  const std::string rate = stream.records > 1 ? Format("%.1f records/s", RecordRate(stream)) : std::string("1 record");
+  const camera::RecordStream& stream = report.stream;
+  const std::string rate =
+      stream.records > 1 ? camera::Format("%.1f records/s", camera::RecordRate(stream)) : std::string("1 record");
   std::string text = Line(report.number, "camera",
                           rate +
-                              Format(", %.1f %% well-formed, longest gap %.0f ms, points",
-                                     WellFormedShare(stream) * 100, stream.longestGap * 1000) +
+                              camera::Format(", %.1f %% well-formed, longest gap %.0f ms, points",
+                                             camera::WellFormedShare(stream) * 100, stream.longestGap * 1000) +
                               Points(stream.last));
   if (stream.longestGap < kRealigningGap) {
     text += kIndent + std::string(
@@ -58,10 +59,10 @@ std::string DescribeCamera(const PortReport& report) {
 
 std::string DescribeTalk(const PortReport& report) {
   const std::string_view sample = std::string_view(report.sample).substr(0, kSampleShown);
-  std::string text =
-      Line(report.number, "talks",
-           Format("%lld bytes in %.1f s, but no camera's records: ", report.stream.bytes, report.listenedSeconds) +
-               "\"" + Printable(sample) + "\"" + (report.sample.size() > sample.size() ? "..." : ""));
+  std::string text = Line(
+      report.number, "talks",
+      camera::Format("%lld bytes in %.1f s, but no camera's records: ", report.stream.bytes, report.listenedSeconds) +
+          "\"" + camera::Printable(sample) + "\"" + (report.sample.size() > sample.size() ? "..." : ""));
   if (!report.recordRates.empty()) {
     text += kIndent + ("a camera set to " + Rates(report.recordRates)) +
             ", at which its records make sense: set its board to 38400 baud\n";
@@ -85,10 +86,12 @@ std::string DescribePort(const PortReport& report) {
     return Line(report.number, "hangs", "opening it takes longer than the scan; its device does not answer");
   }
   switch (report.port.state) {
-    case PortState::kAbsent: return Line(report.number, "absent", "");
-    case PortState::kBusy: return Line(report.number, "busy", WhyNotOpened(report.number, report.port));
-    case PortState::kNoRight: return Line(report.number, "no right", WhyNotOpened(report.number, report.port));
-    case PortState::kUnusable: return Line(report.number, "unusable", WhyNotOpened(report.number, report.port));
+    case camera::PortState::kAbsent: return Line(report.number, "absent", "");
+    case camera::PortState::kBusy: return Line(report.number, "busy", camera::WhyNotOpened(report.number, report.port));
+    case camera::PortState::kNoRight:
+      return Line(report.number, "no right", camera::WhyNotOpened(report.number, report.port));
+    case camera::PortState::kUnusable:
+      return Line(report.number, "unusable", camera::WhyNotOpened(report.number, report.port));
     default: break;
   }
   std::string text;
@@ -97,7 +100,7 @@ std::string DescribePort(const PortReport& report) {
   } else if (report.stream.bytes > 0) {
     text = DescribeTalk(report);
   } else {
-    text = Line(report.number, "silent", Format("opens, but nothing came in %.1f s", report.listenedSeconds));
+    text = Line(report.number, "silent", camera::Format("opens, but nothing came in %.1f s", report.listenedSeconds));
   }
   if (report.wentAway) text += kIndent + std::string("went away while it was listened to\n");
   return text;
@@ -106,7 +109,7 @@ std::string DescribePort(const PortReport& report) {
 std::string DescribePorts(std::span<const PortReport> reports, bool all) {
   std::string text;
   const auto isAbsent = [](const PortReport& report) {
-    return report.hasAnswered && report.port.state == PortState::kAbsent;
+    return report.hasAnswered && report.port.state == camera::PortState::kAbsent;
   };
   for (size_t i = 0; i < reports.size(); ++i) {
     if (all || !isAbsent(reports[i])) {
@@ -116,7 +119,7 @@ std::string DescribePorts(std::span<const PortReport> reports, bool all) {
     size_t last = i;
     while (last + 1 < reports.size() && isAbsent(reports[last + 1])) ++last;
     text += last == i ? Line(reports[i].number, "absent", "")
-                      : Format("COM%d to COM%d  absent\n", reports[i].number, reports[last].number);
+                      : camera::Format("COM%d to COM%d  absent\n", reports[i].number, reports[last].number);
     i = last;
   }
   return text;
@@ -143,12 +146,13 @@ std::string DescribeVerdict(std::span<const PortReport> reports) {
                          : "Tarnwick would take no port: none sends what a camera would.\n";
   }
   if (!IsCamera(*likeliest)) {
-    return Format("Tarnwick would take COM%d, which is no camera%s\n", likeliest->number,
-                  isCameraThere ? ", before it comes to the camera; unplug that device."
-                                : ": it takes the first port that talks.");
+    return camera::Format("Tarnwick would take COM%d, which is no camera%s\n", likeliest->number,
+                          isCameraThere ? ", before it comes to the camera; unplug that device."
+                                        : ": it takes the first port that talks.");
   }
-  return Format("Tarnwick would take COM%d; one press of its button finds the camera in %.0f of 100 tries%s\n",
-                likeliest->number, findsCamera * 100, findsCamera < 0.995 ? "; press again if it does not." : ".");
+  return camera::Format("Tarnwick would take COM%d; one press of its button finds the camera in %.0f of 100 tries%s\n",
+                        likeliest->number, findsCamera * 100,
+                        findsCamera < 0.995 ? "; press again if it does not." : ".");
 }
 
 }  // namespace camtool

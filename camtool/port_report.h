@@ -5,17 +5,17 @@
 #include <string>
 #include <vector>
 
-#include "camtool/ports.h"
-#include "camtool/press_chance.h"
-#include "camtool/record_stream.h"
+#include "camera/ports.h"
+#include "camera/record_stream.h"
+#include "camtool/line_analysis.h"
 
 namespace camtool {
 
 struct PortReport {
   int number = 0;
   bool hasAnswered = false;  // false: opening it takes longer than the scan
-  PortStatus port;
-  RecordStream stream;
+  camera::PortStatus port;
+  camera::RecordStream stream;
   std::vector<Arrival> arrivals;
   std::string sample;  // the first bytes that came
   double listenedSeconds = 0;

@@ -8,16 +8,14 @@
 #include <vector>
 
 #include "app/camera_link.h"
+#include "camera/files.h"
+#include "camera/ports.h"
+#include "camera/record_stream.h"
+#include "camera/recording.h"
+#include "camera/text.h"
 #include "camtool/arguments.h"
+#include "camtool/commands.h"
 #include "camtool/console.h"
-#include "camtool/exit_codes.h"
-#include "camtool/files.h"
-#include "camtool/pace.h"
-#include "camtool/ports.h"
-#include "camtool/record_stream.h"
-#include "camtool/recording.h"
-#include "camtool/text.h"
-#include "camtool/verbs.h"
 
 namespace camtool {
 
@@ -44,10 +42,10 @@ const Option kOptions[] = {
 constexpr int kExits[] = {kDone, kFailed, kUsageError, kNoPort};
 
 struct Recorder {
-  Port port, forward;
-  OutputFile file;
+  camera::Port port, forward;
+  camera::OutputFile file;
   double start = 0, lastFlush = 0;
-  RecordStream stream;
+  camera::RecordStream stream;
   std::string error;
 };
 
@@ -56,28 +54,30 @@ std::uint64_t Microseconds(double seconds) {
 }
 
 bool Append(Recorder* recorder, const std::string& encoded) {
-  return AppendToOutput(&recorder->file, encoded, &recorder->error);
+  return camera::AppendToOutput(&recorder->file, encoded, &recorder->error);
 }
 
 bool Begin(Recorder* recorder, int port) {
   FILETIME now{};
   GetSystemTimeAsFileTime(&now);
-  recorder->start = recorder->lastFlush = Now();
+  recorder->start = recorder->lastFlush = camera::Now();
   const std::uint64_t startTime = (std::uint64_t{now.dwHighDateTime} << 32) | now.dwLowDateTime;
-  if (!Append(recorder, EncodeHeader({startTime, kv::kCameraBaudRate, static_cast<std::uint32_t>(port)}))) return false;
+  if (!Append(recorder, camera::EncodeHeader({startTime, kv::kCameraBaudRate, static_cast<std::uint32_t>(port)})))
+    return false;
   // What a recording replaces stays until the new one holds something.
-  return recorder->file.replaces || PublishOutput(&recorder->file, &recorder->error);
+  return recorder->file.replaces || camera::PublishOutput(&recorder->file, &recorder->error);
 }
 
 // False when the chunk would make the file too large (the end's chunk must fit, too) or was not written.
 bool Keep(Recorder* recorder, double seconds, const std::string& bytes) {
-  const std::string chunk = EncodeChunks(Microseconds(seconds), bytes);
-  const double size = static_cast<double>(recorder->file.size) + static_cast<double>(chunk.size() + kChunkOverhead);
+  const std::string chunk = camera::EncodeChunks(Microseconds(seconds), bytes);
+  const double size =
+      static_cast<double>(recorder->file.size) + static_cast<double>(chunk.size() + camera::kChunkOverhead);
   if (settings.size > 0 && size > settings.size) return false;
-  if (!Append(recorder, chunk) || !PublishOutput(&recorder->file, &recorder->error)) return false;
-  FeedStream(&recorder->stream, seconds, bytes, nullptr);
+  if (!Append(recorder, chunk) || !camera::PublishOutput(&recorder->file, &recorder->error)) return false;
+  camera::FeedStream(&recorder->stream, seconds, bytes, nullptr);
   if (recorder->forward.isOpen()) {
-    WritePort(recorder->forward.handle(), bytes.data(), bytes.size(), kForwardPatienceMs);
+    camera::WritePort(recorder->forward.handle(), bytes.data(), bytes.size(), kForwardPatienceMs);
   }
   // A crash of this process loses nothing; a machine that loses its power loses at most this much.
   if (seconds + recorder->start - recorder->lastFlush >= kFlushSeconds) {
@@ -91,29 +91,29 @@ std::string Progress(const Recorder& recorder, double seconds, long long records
   const double rate = seconds > secondsBefore
                           ? static_cast<double>(recorder.stream.records - recordsBefore) / (seconds - secondsBefore)
                           : 0;
-  return Format("%7.1f s  %5.1f records/s  %lld records  %lld bytes", seconds, rate, recorder.stream.records,
-                recorder.stream.bytes);
+  return camera::Format("%7.1f s  %5.1f records/s  %lld records  %lld bytes", seconds, rate, recorder.stream.records,
+                        recorder.stream.bytes);
 }
 
 // Returns the sentence that says why the recording ended before its time, or "".
 std::string Record(Recorder* recorder, int port) {
   HANDLE stop = StopEvent();
-  PortReader reader(recorder->port.handle());
+  camera::PortReader reader(recorder->port.handle());
   ProgressLine progress;
   long long recordsShown = 0;
   double secondsShown = 0;
   std::string bytes;
   for (;;) {
-    double now = Now() - recorder->start, arrival = 0;
+    double now = camera::Now() - recorder->start, arrival = 0;
     if (IsStopRequested() || (settings.seconds > 0 && now >= settings.seconds)) return {};
-    const PortReader::Outcome outcome = reader.Read(kTurnMs, stop, &bytes, &arrival);
-    if (outcome == PortReader::Outcome::kGone) {
+    const camera::PortReader::Outcome outcome = reader.Read(kTurnMs, stop, &bytes, &arrival);
+    if (outcome == camera::PortReader::Outcome::kGone) {
       return "COM" + std::to_string(port) + " was disconnected; everything recorded until then is intact";
     }
-    if (outcome == PortReader::Outcome::kBytes && !Keep(recorder, arrival - recorder->start, bytes)) {
+    if (outcome == camera::PortReader::Outcome::kBytes && !Keep(recorder, arrival - recorder->start, bytes)) {
       return recorder->error.empty() ? std::string() : recorder->error + "; everything recorded until then is intact";
     }
-    now = Now() - recorder->start;
+    now = camera::Now() - recorder->start;
     if (!progress.IsDue()) continue;
     progress.Show(Progress(*recorder, now, recordsShown, secondsShown));
     recordsShown = recorder->stream.records;
@@ -123,27 +123,27 @@ std::string Record(Recorder* recorder, int port) {
 
 int RecordTo(Recorder* recorder, int port) {
   if (!Begin(recorder, port)) {
-    Complain(recorder->error);
+    PrintError(recorder->error);
     return kFailed;
   }
   const std::string failure = Record(recorder, port);
-  const double seconds = Now() - recorder->start;
+  const double seconds = camera::Now() - recorder->start;
   std::string unused;
-  AppendToOutput(&recorder->file, EncodeEnd(Microseconds(seconds)), &unused);
-  EndStream(&recorder->stream);
-  const RecordStream& stream = recorder->stream;
+  camera::AppendToOutput(&recorder->file, camera::EncodeEnd(Microseconds(seconds)), &unused);
+  camera::EndStream(&recorder->stream);
+  const camera::RecordStream& stream = recorder->stream;
   std::printf("%lld records, %lld bytes, %.1f s in %s\n", stream.records, stream.bytes, seconds,
               recorder->file.path.c_str());
   if (stream.malformedStretches > 0) {
-    std::printf("%s; they are in the recording, too\n", DescribeMalformed(stream).c_str());
+    std::printf("%s; they are in the recording, too\n", camera::DescribeMalformed(stream).c_str());
   }
   if (stream.bytes == 0) {
-    Complain(Format("no data received in %.0f s", seconds) +
-             (recorder->file.part.empty() ? "" : "; \"" + recorder->file.path + "\" was left as it is") +
-             "; run \"camtool scan\" to see which ports send");
+    PrintError(camera::Format("no data received in %.0f s", seconds) +
+               (recorder->file.part.empty() ? "" : "; \"" + recorder->file.path + "\" was left as it is") +
+               "; run \"camtool scan\" to see which ports send");
   }
   if (failure.empty()) return kDone;
-  Complain(failure);
+  PrintError(failure);
   return kFailed;
 }
 
@@ -151,29 +151,29 @@ int RunRecord(const std::vector<std::string>& operands) {
   const int port = ParsePort(operands[0]);
   const int forward = settings.forward.empty() ? 0 : ParsePort(settings.forward);
   if (port == 0 || (forward == 0 && !settings.forward.empty())) {
-    Complain("the port must be COM1 to COM999");
+    PrintError("the port must be COM1 to COM999");
     return kUsageError;
   }
   if (forward == port) {
-    Complain("--forward names the port that is recorded; its own bytes would come back to the camera");
+    PrintError("--forward names the port that is recorded; its own bytes would come back to the camera");
     return kUsageError;
   }
   Recorder recorder;
-  if (!OpenPortOrComplain(port, &recorder.port)) return kNoPort;
-  if (forward && !OpenPortOrComplain(forward, &recorder.forward)) return kNoPort;
+  if (!OpenPortOrPrintError(port, &recorder.port)) return kNoPort;
+  if (forward && !OpenPortOrPrintError(forward, &recorder.forward)) return kNoPort;
   int result = kFailed;
-  if (OpenOutput(operands[1], settings.overwrite, nullptr, &recorder.file, &recorder.error)) {
+  if (camera::OpenOutput(operands[1], settings.overwrite, nullptr, &recorder.file, &recorder.error)) {
     result = RecordTo(&recorder, port);
   } else {
-    Complain(recorder.error);
+    PrintError(recorder.error);
   }
-  CloseOutput(&recorder.file);
+  camera::CloseOutput(&recorder.file);
   return result;
 }
 
 }  // namespace
 
-const Verb kRecordVerb = {
+const Command kRecordCommand = {
     "record",
     "PORT FILE",
     {2, 2},

@@ -6,15 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "camera/files.h"
+#include "camera/ports.h"
+#include "camera/recording.h"
+#include "camera/text.h"
 #include "camtool/arguments.h"
+#include "camtool/commands.h"
 #include "camtool/console.h"
-#include "camtool/exit_codes.h"
-#include "camtool/files.h"
-#include "camtool/pace.h"
-#include "camtool/ports.h"
-#include "camtool/recording.h"
-#include "camtool/text.h"
-#include "camtool/verbs.h"
 
 namespace camtool {
 
@@ -39,8 +37,8 @@ const Option kOptions[] = {
 constexpr int kExits[] = {kDone, kFailed, kUsageError, kNoPort, kDamaged, kEmpty};
 
 struct Player {
-  Port port;
-  RecordingFile recording;
+  camera::Port port;
+  camera::RecordingFile recording;
   double start = 0;
   long long bytes = 0, lostBytes = 0, rounds = 0;
   bool isGone = false;
@@ -48,88 +46,90 @@ struct Player {
 
 bool IsOver(const Player& player) {
   return player.isGone || IsStopRequested() || !player.recording.error.empty() ||
-         (settings.seconds > 0 && Now() - player.start >= settings.seconds);
+         (settings.seconds > 0 && camera::Now() - player.start >= settings.seconds);
 }
 
 // Waits until a moment of the play, but not beyond the end that was asked for. False when the play is over by then.
 bool WaitInPlay(const Player& player, double moment) {
   const double end = settings.seconds > 0 ? player.start + settings.seconds : moment;
-  return WaitExactlyUntil(std::min(moment, end), StopEvent()) && moment <= end;
+  return camera::WaitExactlyUntil(std::min(moment, end), StopEvent()) && moment <= end;
 }
 
 // One round, which begins at that time of the clock; returns when the next one would begin.
 double PlayRound(Player* player, double begin, ProgressLine* progress) {
-  Chunk chunk;
-  while (!IsOver(*player) && NextChunk(&player->recording, &chunk)) {
+  camera::Chunk chunk;
+  while (!IsOver(*player) && camera::NextChunk(&player->recording, &chunk)) {
     if (!WaitInPlay(*player, begin + static_cast<double>(chunk.microseconds) / 1e6 / settings.speed)) break;
-    const Written written = WritePort(player->port.handle(), chunk.bytes.data(), chunk.bytes.size(), kPatienceMs);
+    const camera::Written written =
+        camera::WritePort(player->port.handle(), chunk.bytes.data(), chunk.bytes.size(), kPatienceMs);
     const auto size = static_cast<long long>(chunk.bytes.size());
-    (written == Written::kAll ? player->bytes : player->lostBytes) += size;
-    player->isGone = written == Written::kGone;
+    (written == camera::Written::kAll ? player->bytes : player->lostBytes) += size;
+    player->isGone = written == camera::Written::kGone;
     if (!progress->IsDue()) continue;
-    progress->Show(Format("%7.1f s  %lld bytes  round %lld", Now() - player->start, player->bytes, player->rounds + 1));
+    progress->Show(camera::Format("%7.1f s  %lld bytes  round %lld", camera::Now() - player->start, player->bytes,
+                                  player->rounds + 1));
   }
   ++player->rounds;
-  const RecordingDecoder& decoder = player->recording.decoder;
+  const camera::RecordingDecoder& decoder = player->recording.decoder;
   const double length = static_cast<double>(decoder.endTime) / 1e6 + (decoder.hasEnd ? 0 : kSeamSeconds);
   return begin + std::max(length / settings.speed, 0.001);
 }
 
 int Play(Player* player, int port) {
-  player->start = Now();
+  player->start = camera::Now();
   std::string damage;
   {
     ProgressLine progress;
     double begin = player->start;
     do {
-      if (player->rounds > 0) Rewind(&player->recording);
+      if (player->rounds > 0) camera::Rewind(&player->recording);
       begin = PlayRound(player, begin, &progress);
-      if (player->rounds == 1) damage = DescribeDamage(player->recording);
+      if (player->rounds == 1) damage = camera::DescribeDamage(player->recording);
       if (player->recording.decoder.chunks == 0) break;
     } while (settings.loop && !IsOver(*player) && WaitInPlay(*player, begin));
     // The quiet at the end belongs to the recording.
     if (!settings.loop && !IsOver(*player)) WaitInPlay(*player, begin);
   }
   std::printf("%lld bytes sent, %lld lost because nobody listened, %.1f s\n", player->bytes, player->lostBytes,
-              Now() - player->start);
-  if (player->isGone) Complain("COM" + std::to_string(port) + " was disconnected");
-  if (!player->recording.error.empty()) Complain(player->recording.error);
+              camera::Now() - player->start);
+  if (player->isGone) PrintError("COM" + std::to_string(port) + " was disconnected");
+  if (!player->recording.error.empty()) PrintError(player->recording.error);
   if (player->isGone || !player->recording.error.empty()) return kFailed;
   const bool wasInterrupted = player->rounds == 1 && IsOver(*player);
-  if (!damage.empty() && !wasInterrupted) Complain(damage);
+  if (!damage.empty() && !wasInterrupted) PrintError(damage);
   return player->recording.decoder.damagedPlaces > 0 ? kDamaged : kDone;
 }
 
 int RunReplay(const std::vector<std::string>& operands) {
   const int port = ParsePort(operands[1]);
   if (port == 0) {
-    Complain("the port must be COM1 to COM999");
+    PrintError("the port must be COM1 to COM999");
     return kUsageError;
   }
   Player player{};
-  if (!OpenRecording(operands[0], &player.recording)) {
-    Complain(player.recording.error);
+  if (!camera::OpenRecording(operands[0], &player.recording)) {
+    PrintError(player.recording.error);
     return player.recording.isEmpty ? kEmpty : kFailed;
   }
   StopEvent();
   int result = kNoPort;
-  if (OpenPortOrComplain(port, &player.port)) {
+  if (OpenPortOrPrintError(port, &player.port)) {
     std::fprintf(stderr, "replaying to COM%d; Ctrl+C ends\n", port);
     result = Play(&player, port);
   }
-  CloseRecording(&player.recording);
+  camera::CloseRecording(&player.recording);
   return result;
 }
 
 }  // namespace
 
-const Verb kReplayVerb = {"replay",
-                          "FILE PORT",
-                          {2, 2},
-                          "sends a recording to a port, byte for byte and pause for pause",
-                          "A recording that was cut off is played as far as it goes.\n",
-                          kOptions,
-                          kExits,
-                          RunReplay};
+const Command kReplayCommand = {"replay",
+                                "FILE PORT",
+                                {2, 2},
+                                "sends a recording to a port, byte for byte and pause for pause",
+                                "A recording that was cut off is played as far as it goes.\n",
+                                kOptions,
+                                kExits,
+                                RunReplay};
 
 }  // namespace camtool

@@ -9,16 +9,13 @@
 #include <vector>
 
 #include "app/camera_link.h"
+#include "camera/ports.h"
+#include "camera/record_stream.h"
 #include "camtool/arguments.h"
+#include "camtool/commands.h"
 #include "camtool/console.h"
-#include "camtool/exit_codes.h"
-#include "camtool/line_rate.h"
-#include "camtool/pace.h"
+#include "camtool/line_analysis.h"
 #include "camtool/port_report.h"
-#include "camtool/ports.h"
-#include "camtool/press_chance.h"
-#include "camtool/record_stream.h"
-#include "camtool/verbs.h"
 
 namespace camtool {
 
@@ -52,41 +49,41 @@ constexpr int kExits[] = {kDone, kUsageError, kNoCamera};
 // scan and the thread each own a share: a thread that hangs keeps its own.
 struct Probe {
   PortReport report;
-  std::shared_ptr<const PortHolders> holders;
+  std::shared_ptr<const camera::PortHolders> holders;
   double start = 0;
   std::atomic<bool> isDone{false};
 };
 
 void Listen(Probe* probe, HANDLE port) {
   PortReport& report = probe->report;
-  PortReader reader(port);
-  const double from = Now();
+  camera::PortReader reader(port);
+  const double from = camera::Now();
   const double until = probe->start + kListenSeconds;
   std::string bytes;
   double seconds = from;
-  while (Now() < until && !report.wentAway) {
-    const PortReader::Outcome outcome = reader.Read(kTurnMs, nullptr, &bytes, &seconds);
-    report.wentAway = outcome == PortReader::Outcome::kGone;
-    if (outcome != PortReader::Outcome::kBytes) continue;
-    FeedStream(&report.stream, seconds, bytes, nullptr);
+  while (camera::Now() < until && !report.wentAway) {
+    const camera::PortReader::Outcome outcome = reader.Read(kTurnMs, nullptr, &bytes, &seconds);
+    report.wentAway = outcome == camera::PortReader::Outcome::kGone;
+    if (outcome != camera::PortReader::Outcome::kBytes) continue;
+    camera::FeedStream(&report.stream, seconds, bytes, nullptr);
     report.arrivals.push_back({seconds, static_cast<int>(bytes.size())});
     if (report.sample.size() < kSampleBytes) report.sample += bytes;
   }
-  EndStream(&report.stream);
-  report.listenedSeconds = Now() - from;
-  report.pressChance = PressChance(report.arrivals, from, Now());
+  camera::EndStream(&report.stream);
+  report.listenedSeconds = camera::Now() - from;
+  report.pressChance = PressChance(report.arrivals, from, camera::Now());
 }
 
 // What comes at another baud rate.
 std::string ListenAt(HANDLE port, int rate, double seconds) {
   kv::SetPortBaudRate(port, static_cast<DWORD>(rate));
   PurgeComm(port, PURGE_RXCLEAR);
-  PortReader reader(port);
+  camera::PortReader reader(port);
   std::string heard, bytes;
   double arrival = 0;
-  for (const double until = Now() + seconds; Now() < until;) {
-    const auto leftMs = static_cast<DWORD>((until - Now()) * 1000 + 1);
-    if (reader.Read(leftMs, nullptr, &bytes, &arrival) == PortReader::Outcome::kBytes) heard += bytes;
+  for (const double until = camera::Now() + seconds; camera::Now() < until;) {
+    const auto leftMs = static_cast<DWORD>((until - camera::Now()) * 1000 + 1);
+    if (reader.Read(leftMs, nullptr, &bytes, &arrival) == camera::PortReader::Outcome::kBytes) heard += bytes;
   }
   // The first byte may have begun at the rate before.
   return heard.substr(std::min<size_t>(heard.size(), 1));
@@ -102,7 +99,7 @@ void TryRates(Probe* probe, HANDLE port) {
   }
   for (const int rate : rates) {
     const double seconds = std::max(kShortestTry, kBytesOfTry * 10 / rate);
-    if (Now() + seconds > probe->start + kTryRatesUntil || !report.recordRates.empty()) break;
+    if (camera::Now() + seconds > probe->start + kTryRatesUntil || !report.recordRates.empty()) break;
     const std::string heard = ListenAt(port, rate, seconds);
     if (LooksLikeRecords(heard)) {
       report.recordRates.push_back(rate);
@@ -116,8 +113,8 @@ DWORD WINAPI RunProbe(void* parameter) {
   const std::unique_ptr<std::shared_ptr<Probe>> share(static_cast<std::shared_ptr<Probe>*>(parameter));
   Probe* probe = share->get();
   PortReport& report = probe->report;
-  Port port;
-  report.port = OpenPort(report.number, *probe->holders, &port);
+  camera::Port port;
+  report.port = camera::OpenPort(report.number, *probe->holders, &port);
   if (port.isOpen()) {
     Listen(probe, port.handle());
     const bool isGarbage = !IsCamera(report) && report.stream.bytes > 0 && !LooksLikeText(report.sample);
@@ -129,7 +126,7 @@ DWORD WINAPI RunProbe(void* parameter) {
   return 0;
 }
 
-std::shared_ptr<Probe> StartProbe(int number, double start, const std::shared_ptr<const PortHolders>& holders) {
+std::shared_ptr<Probe> StartProbe(int number, double start, const std::shared_ptr<const camera::PortHolders>& holders) {
   auto probe = std::make_shared<Probe>();
   probe->report.number = number;
   probe->holders = holders;
@@ -148,8 +145,8 @@ std::shared_ptr<Probe> StartProbe(int number, double start, const std::shared_pt
 using Probes = std::vector<std::shared_ptr<Probe>>;
 
 std::vector<PortReport> Scan(Probes* probes) {
-  const double start = Now();
-  const auto holders = std::make_shared<const PortHolders>(FindPortHolders());
+  const double start = camera::Now();
+  const auto holders = std::make_shared<const camera::PortHolders>(camera::FindPortHolders());
   for (int port = kv::kFirstScannedPort; port <= kv::kLastScannedPort; ++port) {
     std::shared_ptr<Probe>& probe = (*probes)[static_cast<size_t>(port - kv::kFirstScannedPort)];
     if (!probe || probe->isDone) probe = StartProbe(port, start, holders);
@@ -157,7 +154,8 @@ std::vector<PortReport> Scan(Probes* probes) {
   const auto allDone = [&] {
     return std::ranges::all_of(*probes, [](const auto& probe) { return probe->isDone.load(); });
   };
-  while (!allDone() && Now() < start + kGiveUpSeconds && !IsStopRequested()) WaitUntil(Now() + 0.01, StopEvent());
+  while (!allDone() && camera::Now() < start + kGiveUpSeconds && !IsStopRequested())
+    camera::WaitUntil(camera::Now() + 0.01, StopEvent());
   std::vector<PortReport> reports;
   for (const auto& probe : *probes) {
     if (probe->isDone) {
@@ -182,14 +180,14 @@ int RunScan(const std::vector<std::string>&) {
     std::printf("%s\n%s", DescribePorts(reports, settings.all).c_str(), DescribeVerdict(reports).c_str());
     if (settings.watch) std::puts("----");
     std::fflush(stdout);
-    if (!settings.watch || !WaitUntil(Now() + kWatchPause, StopEvent())) break;
+    if (!settings.watch || !camera::WaitUntil(camera::Now() + kWatchPause, StopEvent())) break;
   }
   return found ? kDone : kNoCamera;
 }
 
 }  // namespace
 
-const Verb kScanVerb = {
+const Command kScanCommand = {
     "scan",
     "",
     {0, 0},

@@ -9,17 +9,14 @@
 #include "app/camera_link.h"
 #include "app/camera_point.h"
 #include "app/camera_record.h"
+#include "camera/files.h"
+#include "camera/ports.h"
+#include "camera/text.h"
 #include "camtool/arguments.h"
+#include "camtool/commands.h"
 #include "camtool/console.h"
-#include "camtool/csv.h"
-#include "camtool/exit_codes.h"
 #include "camtool/faults.h"
-#include "camtool/files.h"
-#include "camtool/pace.h"
-#include "camtool/paths.h"
-#include "camtool/ports.h"
-#include "camtool/text.h"
-#include "camtool/verbs.h"
+#include "camtool/point_paths.h"
 
 namespace camtool {
 
@@ -71,7 +68,7 @@ constexpr char kDetails[] =
 
 struct Camera {
   int number;
-  Port port;
+  camera::Port port;
   PointPath path;  // no rows: the built-in curves
   FaultInjector faults;
   double start;
@@ -94,8 +91,8 @@ std::string RecordAt(const Camera& camera, double seconds, long index) {
 // Closes the port and comes back to it, as a camera does whose plug was loose; waits as long as something else has it.
 void HangUp(Camera* camera, double until) {
   camera->port.Close();
-  while (WaitUntil(until, StopEvent())) {
-    OpenPort(camera->number, FindPortHolders(), &camera->port);
+  while (camera::WaitUntil(until, StopEvent())) {
+    camera::OpenPort(camera->number, camera::FindPortHolders(), &camera->port);
     if (camera->port.isOpen()) return;
     until += kReopenSeconds;
   }
@@ -107,21 +104,22 @@ void Stream(Camera* camera) {
   ProgressLine progress;
   for (long i = 0; !camera->isGone; ++i) {
     if (settings.seconds > 0 && due >= settings.seconds) return;
-    if (!WaitUntil(camera->start + due, StopEvent())) return;
+    if (!camera::WaitUntil(camera->start + due, StopEvent())) return;
     const FaultStep step = InjectFaults(&camera->faults, due, RecordAt(*camera, due, i));
     const auto patienceMs = static_cast<DWORD>(1000 / settings.rate) + 1;
-    const Written written = WritePort(camera->port.handle(), step.bytes.data(), step.bytes.size(), patienceMs);
-    if (!step.bytes.empty()) ++(written == Written::kAll ? camera->sent : camera->lost);
-    camera->isGone = written == Written::kGone;
+    const camera::Written written =
+        camera::WritePort(camera->port.handle(), step.bytes.data(), step.bytes.size(), patienceMs);
+    if (!step.bytes.empty()) ++(written == camera::Written::kAll ? camera->sent : camera->lost);
+    camera->isGone = written == camera::Written::kGone;
     due += 1 / (settings.rate * step.pace) + step.pauseSeconds + step.hangUpSeconds;
     if (step.hangUpSeconds > 0 && !camera->isGone) HangUp(camera, camera->start + due);
-    if (progress.IsDue()) progress.Show(Format("%7.1f s  %ld records sent", due, camera->sent));
+    if (progress.IsDue()) progress.Show(camera::Format("%7.1f s  %ld records sent", due, camera->sent));
   }
 }
 
 void PrintSummary(const Camera& camera) {
   std::printf("%ld records sent, %ld dropped because nobody listened, %.1f s\n", camera.sent, camera.lost,
-              Now() - camera.start);
+              camera::Now() - camera.start);
   std::string faults;
   for (int i = 0; i < kFaultCount; ++i) {
     if (settings.faults.triggers[i].kind == Trigger::kNever) continue;
@@ -132,13 +130,13 @@ void PrintSummary(const Camera& camera) {
 
 int ReadPath(PointPath* path) {
   std::string text, error;
-  if (ReadWholeFile(settings.path, kLargestPathFile, &text, &error) && text.empty()) {
-    Complain("\"" + settings.path + "\" is empty");
+  if (camera::ReadWholeFile(settings.path, kLargestPathFile, &text, &error) && text.empty()) {
+    PrintError("\"" + settings.path + "\" is empty");
     return kEmpty;
   }
   if (error.empty() && !ParsePath(text, path, &error)) error = "\"" + settings.path + "\", " + error;
   if (error.empty()) return kDone;
-  Complain(error);
+  PrintError(error);
   return kFailed;
 }
 
@@ -146,28 +144,28 @@ int RunSimulate(const std::vector<std::string>& operands) {
   Camera camera{};
   camera.number = ParsePort(operands[0]);
   if (camera.number == 0) {
-    Complain("the port must be COM1 to COM999");
+    PrintError("the port must be COM1 to COM999");
     return kUsageError;
   }
   const int read = settings.path.empty() ? kDone : ReadPath(&camera.path);
   if (read != kDone) return read;
   StopEvent();
-  if (!OpenPortOrComplain(camera.number, &camera.port)) return kNoPort;
+  if (!OpenPortOrPrintError(camera.number, &camera.port)) return kNoPort;
   settings.faults.seed = static_cast<std::uint32_t>(settings.seed);
   camera.faults = MakeFaultInjector(settings.faults);
-  camera.start = Now();
+  camera.start = camera::Now();
   std::printf("streaming to COM%d, %.0f records a second; Ctrl+C ends\n", camera.number, settings.rate);
   std::fflush(stdout);
   Stream(&camera);
   PrintSummary(camera);
   if (!camera.isGone) return kDone;
-  Complain("COM" + std::to_string(camera.number) + " was disconnected");
+  PrintError("COM" + std::to_string(camera.number) + " was disconnected");
   return kFailed;
 }
 
 }  // namespace
 
-const Verb kSimulateVerb = {"simulate", "PORT",   {1, 1}, "plays a camera into a port, with faults if wanted",
-                            kDetails,   kOptions, kExits, RunSimulate};
+const Command kSimulateCommand = {"simulate", "PORT",   {1, 1}, "plays a camera into a port, with faults if wanted",
+                                  kDetails,   kOptions, kExits, RunSimulate};
 
 }  // namespace camtool

@@ -14,9 +14,9 @@
 #include "benchmarks/soak/process_watch.h"
 #include "benchmarks/soak/program.h"
 #include "benchmarks/soak/soaks.h"
+#include "camera/ports.h"
+#include "camera/text.h"
 #include "gallery/resource_ids.h"
-#include "camtool/pace.h"
-#include "camtool/text.h"
 
 namespace soak {
 
@@ -37,7 +37,7 @@ struct GallerySoak {
 };
 
 void Note(GallerySoak* soak, const char* what, int a = 0, int b = 0) {
-  soak->actions.push_back(camtool::Format("%s %d %d", what, a, b));
+  soak->actions.push_back(camera::Format("%s %d %d", what, a, b));
   if (soak->actions.size() > kActionsTold) soak->actions.pop_front();
 }
 
@@ -194,7 +194,7 @@ void End(GallerySoak* soak) {
     ++soak->exits;
   } else {
     ++soak->crashes;
-    TellLastActions(*soak, camtool::Format("it crashed, exit code %08lX", code).c_str());
+    TellLastActions(*soak, camera::Format("it crashed, exit code %08lX", code).c_str());
   }
   soak->longestAnswer = std::max(soak->longestAnswer, soak->watch->LongestAnswer());
   if (!soak->longestWatch || soak->watch->Samples().size() > soak->longestWatch->Samples().size()) {
@@ -225,9 +225,9 @@ int SoakGallery(double seconds, std::uint32_t seed) {
   soak.folder = std::string(folder) + "tarnwick soak";
   CreateDirectoryA(soak.folder.c_str(), nullptr);
   if (!Start(&soak)) return std::puts("gallery: it did not start"), 1;
-  const double start = camtool::Now();
+  const double start = camera::Now();
   bool isUp = true;
-  while (isUp && camtool::Now() < start + seconds) {
+  while (isUp && camera::Now() < start + seconds) {
     DoSomething(&soak);
     Sleep(10UL + static_cast<DWORD>(Below(&soak.random, 60)));
     if (IsRunning(soak.gallery) && soak.watch->Hangs() == 0) continue;
@@ -245,7 +245,7 @@ int SoakGallery(double seconds, std::uint32_t seed) {
     soak.exits = exits;
   }
   RestoreColours();
-  std::printf("\nThe gallery, %.0f s, seed %u\n", camtool::Now() - start, seed);
+  std::printf("\nThe gallery, %.0f s, seed %u\n", camera::Now() - start, seed);
   PrintTable(soak, close);
   return close < 0 || soak.hangs > 0 || soak.crashes > 0;
 }

@@ -10,9 +10,8 @@
 
 #include "app/camera_point.h"
 #include "app/camera_record.h"
+#include "camera/ports.h"
 #include "camtool/faults.h"
-#include "camtool/pace.h"
-#include "camtool/ports.h"
 
 namespace soak {
 
@@ -69,11 +68,11 @@ std::vector<SentRecord> HostileCamera::Sent() const {
 // Opens the port when it is not: after a hang-up, or when the line was unplugged.
 bool HostileCamera::Send(const std::string& bytes) {
   if (bytes.empty()) return true;
-  if (!port_.isOpen()) camtool::OpenPort(portNumber_, {}, &port_);
+  if (!port_.isOpen()) camera::OpenPort(portNumber_, {}, &port_);
   if (!port_.isOpen()) return false;
-  const camtool::Written written = camtool::WritePort(port_.handle(), bytes.data(), bytes.size(), kPatienceMs);
-  if (written == camtool::Written::kGone) HangUp();
-  return written == camtool::Written::kAll;
+  const camera::Written written = camera::WritePort(port_.handle(), bytes.data(), bytes.size(), kPatienceMs);
+  if (written == camera::Written::kGone) HangUp();
+  return written == camera::Written::kAll;
 }
 
 void HostileCamera::HangUp() {
@@ -87,10 +86,10 @@ std::unique_lock<std::mutex> HostileCamera::Unplugged() {
 }
 
 void HostileCamera::Stream() {
-  const double start = camtool::Now();
+  const double start = camera::Now();
   double due = 0;
   for (long n = 0; !stop_ && n < kBase * kBase; ++n) {
-    while (!stop_ && camtool::Now() < start + due) camtool::SleepUntil(std::min(start + due, camtool::Now() + 0.1));
+    while (!stop_ && camera::Now() < start + due) camera::SleepUntil(std::min(start + due, camera::Now() + 0.1));
     kv::CameraPoint points[kv::kPointCount];
     std::ranges::fill(points, kv::CameraPoint{n % kBase, n / kBase});
     char record[kv::kRecordLength];
@@ -103,7 +102,7 @@ void HostileCamera::Stream() {
       const bool isTaken = Send(step.bytes);
       if (step.hangUpSeconds > 0) HangUp();
       const std::scoped_lock lock(mutex_);
-      sent_.push_back({camtool::Now(), wasHeld || step.bytes != whole, isTaken});
+      sent_.push_back({camera::Now(), wasHeld || step.bytes != whole, isTaken});
     }
     due += kRecordSeconds / step.pace + step.pauseSeconds + step.hangUpSeconds;
   }

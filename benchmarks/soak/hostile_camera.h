@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "app/camera_point.h"
+#include "camera/ports.h"
 #include "camtool/faults.h"
-#include "camtool/ports.h"
 
 namespace soak {
 
@@ -44,7 +44,7 @@ class HostileCamera {
   void HangUp();
 
   int portNumber_;
-  camtool::Port port_;
+  camera::Port port_;
   camtool::FaultInjector faults_;
   std::atomic<bool> stop_{false};
   std::mutex line_;  // guards the port

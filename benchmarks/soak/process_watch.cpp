@@ -8,7 +8,7 @@
 #include <mutex>
 #include <vector>
 
-#include "camtool/pace.h"
+#include "camera/ports.h"
 
 namespace soak {
 
@@ -36,15 +36,15 @@ ProcessWatch::~ProcessWatch() {
 }
 
 void ProcessWatch::Watch() {
-  const double start = camtool::Now();
+  const double start = camera::Now();
   for (int second = 0; !stop_; ++second) {
-    while (!stop_ && camtool::Now() < start + second) Sleep(20);
+    while (!stop_ && camera::Now() < start + second) Sleep(20);
     if (stop_ || WaitForSingleObject(process_, 0) == WAIT_OBJECT_0) return;
     const bool mayScan = isConnecting;
-    const double asked = camtool::Now();
+    const double asked = camera::Now();
     DWORD_PTR answer = 0;
     const bool answered = SendMessageTimeoutA(window_, WM_NULL, 0, 0, SMTO_NORMAL, kHangMs, &answer) != 0;
-    const double took = (camtool::Now() - asked) * 1000;
+    const double took = (camera::Now() - asked) * 1000;
     if (!answered) {
       hangs_ += took >= kHangMs && WaitForSingleObject(process_, 0) != WAIT_OBJECT_0;
       continue;

@@ -5,7 +5,7 @@
 #include <random>
 #include <string>
 
-#include "camtool/pace.h"
+#include "camera/ports.h"
 
 namespace soak {
 
@@ -54,7 +54,7 @@ Program StartProgram(const std::string& path, const char* folder) {
   CloseHandle(info.hThread);
   program.process = info.hProcess;
   program.id = info.dwProcessId;
-  for (const double end = camtool::Now() + kStartSeconds; !program.window && camtool::Now() < end; Sleep(20)) {
+  for (const double end = camera::Now() + kStartSeconds; !program.window && camera::Now() < end; Sleep(20)) {
     if (!IsRunning(program)) break;
     EnumWindows(TakeMainWindow, reinterpret_cast<LPARAM>(&program));
   }
@@ -66,12 +66,12 @@ bool IsRunning(const Program& program) {
 }
 
 long CloseProgram(Program* program) {
-  const double start = camtool::Now();
+  const double start = camera::Now();
   PostMessageA(program->window, WM_CLOSE, 0, 0);
   DWORD code = 1;
   if (WaitForSingleObject(program->process, kCloseMs) != WAIT_OBJECT_0) return -1;
   GetExitCodeProcess(program->process, &code);
-  return code == 0 ? static_cast<long>((camtool::Now() - start) * 1000) : -1;
+  return code == 0 ? static_cast<long>((camera::Now() - start) * 1000) : -1;
 }
 
 void DropProgram(Program* program) {

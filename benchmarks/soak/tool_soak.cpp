@@ -20,9 +20,9 @@
 #include "benchmarks/soak/process_watch.h"
 #include "benchmarks/soak/program.h"
 #include "benchmarks/soak/soaks.h"
-#include "tests/support/serial_line.h"
+#include "camera/ports.h"
 #include "camtool/faults.h"
-#include "camtool/pace.h"
+#include "tests/support/serial_line.h"
 #include "tools/uidriver/driver.h"
 
 namespace soak {
@@ -86,7 +86,7 @@ class Observer {
       }
       if (!connected) isDeaf_ = false;
       if (isDeaf_) connected = 0;
-      const double now = camtool::Now();
+      const double now = camera::Now();
       looks_.push_back(now);
       if (connected && !isConnected_) spans_.push_back({now, now});
       if (connected) spans_.back()[1] = now;
@@ -277,18 +277,18 @@ int SoakTool(double seconds, std::uint32_t seed) {
   soak.camera = std::make_unique<HostileCamera>(kFarPort, seed);
   soak.watch = std::make_unique<ProcessWatch>(soak.tool.process, soak.tool.window);
   soak.observer = std::make_unique<Observer>(soak.tool);
-  const double start = camtool::Now();
+  const double start = camera::Now();
   double nextInstance = start + kSecondInstanceEvery, nextUnplug = start + kUnplugEvery;
-  while (camtool::Now() < start + seconds && IsRunning(soak.tool)) {
+  while (camera::Now() < start + seconds && IsRunning(soak.tool)) {
     DoSomething(&soak);
     Sleep(20UL + static_cast<DWORD>(Below(&soak.random, 120)));
-    if (camtool::Now() > nextUnplug) {
+    if (camera::Now() > nextUnplug) {
       Unplug(&soak);
-      nextUnplug = camtool::Now() + kUnplugEvery;
+      nextUnplug = camera::Now() + kUnplugEvery;
     }
-    if (camtool::Now() > nextInstance) {
+    if (camera::Now() > nextInstance) {
       StartSecondInstance(&soak);
-      nextInstance = camtool::Now() + kSecondInstanceEvery;
+      nextInstance = camera::Now() + kSecondInstanceEvery;
     }
   }
   soak.observer->Stop();
@@ -296,7 +296,7 @@ int SoakTool(double seconds, std::uint32_t seed) {
   const bool crashed = !IsRunning(soak.tool);
   const long close = crashed ? -1 : CloseProgram(&soak.tool);
   RestoreColours();
-  std::printf("\nThe tool, %.0f s, seed %u\n", camtool::Now() - start, seed);
+  std::printf("\nThe tool, %.0f s, seed %u\n", camera::Now() - start, seed);
   PrintTable(soak, crashed, close);
   const int hangs = soak.watch->Hangs();
   soak.watch.reset();

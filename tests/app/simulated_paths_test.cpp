@@ -5,7 +5,7 @@
 #include <iterator>
 
 #include "app/camera_point.h"
-#include "camtool/paths.h"
+#include "camtool/point_paths.h"
 
 namespace camtool {
 namespace {

@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "app/camera_point.h"
+#include "camera/record_stream.h"
 #include "camtool/arguments.h"
-#include "camtool/csv.h"
 #include "camtool/faults.h"
-#include "camtool/record_stream.h"
+#include "camtool/point_paths.h"
 
 namespace camtool {
 namespace {
@@ -117,8 +117,8 @@ TEST(CamtoolFaults, DoWhatTheirNamesSayAsOftenAsAskedFor) {
 TEST(CamtoolPaths, AreReadFromWhatExportAndSpreadsheetsWrite) {
   PointPath path;
   std::string error;
-  std::string csv = CsvHeader();
-  AppendCsvRow({.seconds = 1.5, .points = {{1, 2}, {3, 4}, {1023, 1023}, {7, 8}}}, &csv);
+  std::string csv = camera::CsvHeader();
+  camera::AppendCsvRow({.seconds = 1.5, .points = {{1, 2}, {3, 4}, {1023, 1023}, {7, 8}}}, &csv);
   EXPECT_TRUE(csv.ends_with("\n1.500000,1,2,3,4,1023,1023,7,8\n")) << csv;
   ASSERT_TRUE(ParsePath(csv + "2.5,9,9\r\n\n3.5,,,5,6\n", &path, &error)) << error;
   ASSERT_EQ(3u, path.rows.size());

@@ -7,11 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "camtool/line_rate.h"
+#include "camera/ports.h"
+#include "camera/record_stream.h"
+#include "camtool/line_analysis.h"
 #include "camtool/port_report.h"
-#include "camtool/ports.h"
-#include "camtool/press_chance.h"
-#include "camtool/record_stream.h"
 
 namespace camtool {
 namespace {
@@ -79,17 +78,17 @@ TEST(CamtoolScan, TellsWhatEachPortIsAndWhichOneTarnwickTakes) {
   const auto isSaid = [](const std::string& said, const char* text) { return said.find(text) != said.npos; };
   EXPECT_EQ("COM1 to COM5  absent\n", DescribePorts(reports, false));
   EXPECT_PRED2(isSaid, DescribeVerdict(reports), "no port");
-  reports[0].port.state = PortState::kBusy;
+  reports[0].port.state = camera::PortState::kBusy;
   reports[1].hasAnswered = false;
   PortReport& talker = reports[2];
-  talker.port.state = PortState::kOpened;
+  talker.port.state = camera::PortState::kOpened;
   talker.sample = "ab\xFF";
   talker.stream.bytes = 3;
   talker.guessedRates = {4800, 9600};
   PortReport& camera = reports[4];
-  camera.port.state = PortState::kOpened;
-  FeedStream(&camera.stream, 0, kRecord, nullptr);
-  FeedStream(&camera.stream, 0.01, kRecord, nullptr);
+  camera.port.state = camera::PortState::kOpened;
+  camera::FeedStream(&camera.stream, 0, kRecord, nullptr);
+  camera::FeedStream(&camera.stream, 0.01, kRecord, nullptr);
   camera.pressChance = 0.8;
   const std::string said = DescribePorts(reports, false);
   for (const char* text :

@@ -18,10 +18,10 @@
 
 #include "app/camera_point.h"
 #include "app/camera_record.h"
-#include "camtool/exit_codes.h"
-#include "camtool/line_rate.h"
-#include "camtool/ports.h"
-#include "camtool/recording.h"
+#include "camera/ports.h"
+#include "camera/recording.h"
+#include "camtool/commands.h"
+#include "camtool/line_analysis.h"
 #include "tests/support/serial_line.h"
 #include "tests/support/test_window.h"
 
@@ -142,8 +142,8 @@ TEST(Camtool, RecordsReplaysAndExports) {
   const std::string csv = TemporaryFile("camtool points.csv");
   for (const std::string& path : {first, second, csv}) DeleteFileA(path.c_str());
   const auto waitForBytes = [](const std::string& path) {
-    return WaitUntil([&] { return ReadFileText(path).size() >= camtool::kRecordingHeaderBytes; },
-                     std::chrono::milliseconds(20000));
+    return WaitUntil([&] { return ReadFileText(path).size() >= camera::kRecordingHeaderBytes; },
+                             std::chrono::milliseconds(20000));
   };
   {
     const Camtool record("record COM3 \"" + first + "\" --seconds 5");
@@ -188,9 +188,9 @@ TEST(Camtool, RecordsReplaysAndExports) {
 TEST(Camtool, HasAPortForItselfAlone) {
   if (!SerialLine::CanUnplug()) GTEST_SKIP() << "no pair of ports can be made here";
   const SerialLine line({3, 4});
-  camtool::Port mine, other;
-  EXPECT_EQ(camtool::PortState::kOpened, camtool::OpenPort(3, {}, &mine).state);
-  EXPECT_EQ(camtool::PortState::kBusy, camtool::OpenPort(3, {}, &other).state) << "who looks for no holder, too";
+  camera::Port mine, other;
+  EXPECT_EQ(camera::PortState::kOpened, camera::OpenPort(3, {}, &mine).state);
+  EXPECT_EQ(camera::PortState::kBusy, camera::OpenPort(3, {}, &other).state) << "who looks for no holder, too";
   const Camtool record("record COM3 nothing.twr"), circle("record COM4 nothing.twr --forward com4");
   EXPECT_EQ(camtool::kNoPort, record.Wait());
   EXPECT_PRED2(Says, record.Said(), "busy: COM3 is in use by test_camtool.exe; close it");
@@ -202,7 +202,7 @@ TEST(Camtool, LosesNoFileThatExists) {
   const std::string csv = TemporaryFile("camtool kept.csv"), record = "0100,0200,0300,0400,1023,1023,0512,0384";
   // The last number of the second record runs on into its closing bytes: no row that simulate could not read.
   const std::string bytes =
-      camtool::EncodeHeader({}) + camtool::EncodeChunks(1, record + "\r\n" + record + "05") + camtool::EncodeEnd(2);
+      camera::EncodeHeader({}) + camera::EncodeChunks(1, record + "\r\n" + record + "05") + camera::EncodeEnd(2);
   WriteFileText(recording, bytes);
   WriteFileText(csv, "old");
   DeleteFileA(link.c_str());
@@ -232,7 +232,7 @@ TEST(Camtool, LosesNoFileThatExists) {
 
   std::string other = bytes;
   other[12] = 2;
-  const std::uint32_t checksum = camtool::Crc32(std::string_view(other).substr(0, 36));
+  const std::uint32_t checksum = camera::Crc32(std::string_view(other).substr(0, 36));
   for (int i = 0; i < 4; ++i) other[36 + i] = static_cast<char>(checksum >> (8 * i));
   const std::tuple<std::string, int, const char*> inputs[] = {
       {"", camtool::kEmpty, "is empty"},

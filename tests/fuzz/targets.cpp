@@ -14,12 +14,12 @@
 
 #include "app/camera_point.h"
 #include "app/camera_record.h"
+#include "camera/record_stream.h"
+#include "camera/recording.h"
+#include "camtool/point_paths.h"
 #include "framework/affirmative.h"
 #include "framework/window_position.h"
 #include "tests/fuzz/inputs.h"
-#include "camtool/csv.h"
-#include "camtool/record_stream.h"
-#include "camtool/recording.h"
 
 namespace fuzz {
 
@@ -54,11 +54,11 @@ bool FeedRecord(std::string_view input, bool* accepted, const char** why) {
 }
 
 bool FeedStreamOfRecords(std::string_view input, bool* accepted, const char** why) {
-  camtool::RecordStream whole, pieces;
-  camtool::FeedStream(&whole, 0, input, nullptr);
-  for (size_t at = 0; at < input.size(); at += 7) camtool::FeedStream(&pieces, 0, input.substr(at, 7), nullptr);
-  camtool::EndStream(&whole);
-  camtool::EndStream(&pieces);
+  camera::RecordStream whole, pieces;
+  camera::FeedStream(&whole, 0, input, nullptr);
+  for (size_t at = 0; at < input.size(); at += 7) camera::FeedStream(&pieces, 0, input.substr(at, 7), nullptr);
+  camera::EndStream(&whole);
+  camera::EndStream(&pieces);
   *accepted = whole.records > 0;
   const auto all =
       whole.records * 41 + whole.leadBytes + whole.malformedBytes + static_cast<long long>(whole.pending.size());
@@ -77,32 +77,32 @@ std::vector<std::string> Streams() {
 // ---- Recordings and paths ------------------------------------------------------------------------------------------
 
 std::vector<std::string> Recordings() {
-  std::string file = camtool::EncodeHeader({1, 38400, 3});
-  for (int i = 0; i < 4; ++i) file += camtool::EncodeChunks(static_cast<std::uint64_t>(i) * 11000, kRecord);
-  return {file + camtool::EncodeEnd(50000), file, file.substr(0, 60)};
+  std::string file = camera::EncodeHeader({1, 38400, 3});
+  for (int i = 0; i < 4; ++i) file += camera::EncodeChunks(static_cast<std::uint64_t>(i) * 11000, kRecord);
+  return {file + camera::EncodeEnd(50000), file, file.substr(0, 60)};
 }
 
 struct DecodedFile {
   std::string bytes;
   size_t torn = 0;
   bool isRecording = true;
-  camtool::RecordingDecoder decoder;
+  camera::RecordingDecoder decoder;
 };
 
 DecodedFile Decode(std::string_view file, size_t part) {
   DecodedFile decoded;
   for (size_t at = 0;;) {
-    camtool::Chunk chunk;
-    const camtool::Decoded next = camtool::DecodeNext(&decoded.decoder, &chunk);
-    if (next == camtool::Decoded::kChunk) decoded.bytes += chunk.bytes;
-    decoded.isRecording = next != camtool::Decoded::kNoRecording;
+    camera::Chunk chunk;
+    const camera::Decoded next = camera::DecodeNext(&decoded.decoder, &chunk);
+    if (next == camera::Decoded::kChunk) decoded.bytes += chunk.bytes;
+    decoded.isRecording = next != camera::Decoded::kNoRecording;
     if (!decoded.isRecording) return decoded;
-    if (next != camtool::Decoded::kNeedMore) continue;
+    if (next != camera::Decoded::kNeedMore) continue;
     if (at >= file.size()) break;
-    camtool::FeedDecoder(&decoded.decoder, file.substr(at, part));
+    camera::FeedDecoder(&decoded.decoder, file.substr(at, part));
     at += part;
   }
-  decoded.torn = camtool::FinishDecoding(&decoded.decoder);
+  decoded.torn = camera::FinishDecoding(&decoded.decoder);
   return decoded;
 }
 

@@ -1,4 +1,4 @@
-#include "camtool/recording.h"
+#include "camera/recording.h"
 
 #include <algorithm>
 #include <array>
@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace camtool {
+namespace camera {
 
 namespace {
 
@@ -162,4 +162,4 @@ size_t FinishDecoding(RecordingDecoder* decoder) {
   return 0;
 }
 
-}  // namespace camtool
+}  // namespace camera

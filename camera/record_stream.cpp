@@ -1,17 +1,20 @@
-#include "camtool/record_stream.h"
+#include "camera/record_stream.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <cstddef>
 #include <cstring>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "app/camera_point.h"
 #include "app/camera_record.h"
-#include "camtool/text.h"
+#include "camera/text.h"
 
-namespace camtool {
+namespace camera {
 
 namespace {
 
@@ -148,4 +151,28 @@ std::string DescribeMalformed(const RecordStream& stream) {
          Counted(static_cast<unsigned long long>(stream.malformedBytes), "byte");
 }
 
-}  // namespace camtool
+std::string CsvHeader() {
+  return "seconds,x1,y1,x2,y2,x3,y3,x4,y4\n";
+}
+
+void AppendCsvRow(const FoundRecord& record, std::string* text) {
+  // Millions of rows: printf would take most of the time of an export.
+  char row[32 + kv::kPointCount * 24];
+  const auto microseconds = std::llround(record.seconds * 1e6);
+  char* end = std::to_chars(row, std::end(row), microseconds / 1000000).ptr;
+  *end = '.';
+  for (long long rest = microseconds % 1000000, digit = 6; digit > 0; --digit, rest /= 10) {
+    end[digit] = static_cast<char>('0' + rest % 10);
+  }
+  end += 7;
+  for (const kv::CameraPoint& point : record.points) {
+    for (const LONG coordinate : {point.x, point.y}) {
+      *end++ = ',';
+      end = std::to_chars(end, std::end(row), coordinate).ptr;
+    }
+  }
+  *end++ = '\n';
+  text->append(row, end);
+}
+
+}  // namespace camera

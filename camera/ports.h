@@ -1,5 +1,5 @@
-// COM ports as camtool uses them: opened for itself alone, with a reason when that fails, read with the time at which
-// bytes came. Any thread; a port and its reader belong to one.
+// COM ports: opened for this process alone, with a reason when that fails, and read with the time at which bytes came.
+// Any thread; a port and its reader belong to one.
 #pragma once
 
 #include <windows.h>
@@ -7,7 +7,27 @@
 #include <map>
 #include <string>
 
-namespace camtool {
+namespace camera {
+
+// ---- The clock
+// -------------------------------------------------------------------------------------------------------
+
+// Seconds on a clock that only goes forward.
+double Now();
+
+// Sleeps until that time of the clock; returns at once when it has passed. As exact as the system's timer period, which
+// the caller sets.
+void SleepUntil(double time);
+
+// The same, but `stop` ends it early. False when it was signalled.
+bool WaitUntil(double time, HANDLE stop);
+
+// The same, to some microseconds on an idle machine: the last two milliseconds, by which a system may wake a thread too
+// late, are spent looking at the clock. They take a processor core.
+bool WaitExactlyUntil(double time, HANDLE stop);
+
+// ---- Opening
+// ---------------------------------------------------------------------------------------------------------
 
 enum class PortState { kOpened, kAbsent, kBusy, kNoRight, kUnusable };
 
@@ -47,8 +67,8 @@ PortStatus OpenPort(int number, const PortHolders& holders, Port* port);
 // A sentence for a port that did not open: what is the matter and what to do.
 std::string WhyNotOpened(int number, const PortStatus& status);
 
-// Opens the port or says on standard error why not.
-bool OpenPortOrComplain(int number, Port* port);
+// ---- Reading and writing
+// ---------------------------------------------------------------------------------------------
 
 // Reads a port whose read time-outs it sets for itself.
 class PortReader {
@@ -77,4 +97,4 @@ class PortReader {
 enum class Written { kAll, kLost, kGone };
 Written WritePort(HANDLE port, const char* bytes, size_t size, DWORD patienceMs);
 
-}  // namespace camtool
+}  // namespace camera

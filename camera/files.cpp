@@ -1,13 +1,13 @@
-#include "camtool/files.h"
+#include "camera/files.h"
 
 #include <cstddef>
 #include <string>
 #include <string_view>
 
-#include "camtool/recording.h"
-#include "camtool/text.h"
+#include "camera/recording.h"
+#include "camera/text.h"
 
-namespace camtool {
+namespace camera {
 
 namespace {
 
@@ -73,21 +73,6 @@ std::string Objection(const std::string& path, bool overwrite, HANDLE source, bo
 }
 
 }  // namespace
-
-std::wstring Wide(std::string_view text) {
-  const int characters = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
-  std::wstring wide(static_cast<size_t>(characters), L'\0');
-  MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), wide.data(), characters);
-  return wide;
-}
-
-std::string Narrow(std::wstring_view text) {
-  const int bytes =
-      WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr, nullptr);
-  std::string narrow(static_cast<size_t>(bytes), '\0');
-  WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), narrow.data(), bytes, nullptr, nullptr);
-  return narrow;
-}
 
 bool OpenOutput(const std::string& path, bool overwrite, HANDLE source, OutputFile* output, std::string* error) {
   output->path = path;
@@ -266,4 +251,4 @@ std::string DescribeDamage(const RecordingFile& recording) {
   return text;
 }
 
-}  // namespace camtool
+}  // namespace camera

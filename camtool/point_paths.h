@@ -1,4 +1,4 @@
-// Points as comma-separated values: what export writes, and what simulate --path reads. Pure, any thread.
+// Where the simulated camera's points are: on built-in curves, or on a path from a file. Pure, any thread.
 #pragma once
 
 #include <string>
@@ -6,14 +6,13 @@
 #include <vector>
 
 #include "app/camera_point.h"
-#include "camtool/record_stream.h"
 
 namespace camtool {
 
-// The names of the columns, and a record's row; each ends with a line feed. Seconds (not negative) have six decimals; a
-// point that the camera did not see stays as it sent it, 1023,1023.
-std::string CsvHeader();
-void AppendCsvRow(const FoundRecord& record, std::string* text);
+// Where the four points are `seconds` after the start: smooth closed curves inside the camera's field. Each point
+// vanishes now and then (both coordinates kv::kNoPoint) and comes back where its path has led meanwhile; at least two
+// points are always there.
+void PointsAt(double seconds, kv::CameraPoint (&points)[kv::kPointCount]);
 
 struct PathRow {
   double seconds;

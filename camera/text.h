@@ -1,10 +1,10 @@
-// Texts of camtool. Pure, any thread.
+// Texts. Pure, any thread.
 #pragma once
 
 #include <string>
 #include <string_view>
 
-namespace camtool {
+namespace camera {
 
 // printf's rules, cut at 1,000 characters.
 #if defined(__GNUC__) && !defined(__clang__)  // which knows other names for the two forms
@@ -16,7 +16,11 @@ Format(const char* format, ...);
 // "1 byte", "0 bytes", "2 bytes".
 std::string Counted(unsigned long long count, const char* noun);
 
+// Between UTF-8 and the system's texts.
+std::wstring Wide(std::string_view text);
+std::string Narrow(std::wstring_view text);
+
 // Text with every byte that does not print, and the backslash, as \xHH.
 std::string Printable(std::string_view bytes);
 
-}  // namespace camtool
+}  // namespace camera

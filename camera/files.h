@@ -6,13 +6,9 @@
 #include <string>
 #include <string_view>
 
-#include "camtool/recording.h"
+#include "camera/recording.h"
 
-namespace camtool {
-
-// Between UTF-8 and the system's texts.
-std::wstring Wide(std::string_view text);
-std::string Narrow(std::wstring_view text);
+namespace camera {
 
 // A file that is being written. It stands beside its target under a name of its own until PublishOutput, so that a file
 // which is to be replaced stays whole until the new one is worth it.
@@ -73,4 +69,4 @@ void CloseRecording(RecordingFile* recording);
 // What was wrong with a recording that was read to its end, as a sentence; "" when nothing was.
 std::string DescribeDamage(const RecordingFile& recording);
 
-}  // namespace camtool
+}  // namespace camera

@@ -9,7 +9,7 @@
 
 #include "app/camera_point.h"
 
-namespace camtool {
+namespace camera {
 
 struct FoundRecord {
   double seconds;  // when its last byte came
@@ -67,4 +67,9 @@ double WellFormedShare(const RecordStream& stream);
 // "1 malformed stretch, 20 bytes"; "no malformed stretches".
 std::string DescribeMalformed(const RecordStream& stream);
 
-}  // namespace camtool
+// The names of the columns, and a record's row; each ends with a line feed. Seconds (not negative) have six decimals; a
+// point that the camera did not see stays as it sent it, 1023,1023.
+std::string CsvHeader();
+void AppendCsvRow(const FoundRecord& record, std::string* text);
+
+}  // namespace camera

@@ -1,14 +1,149 @@
-#include "camtool/ports.h"
+#include "camera/ports.h"
 
+#include <winternl.h>
+
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include "app/camera_link.h"
-#include "camtool/console.h"
-#include "camtool/device_name.h"
-#include "camtool/pace.h"
 
-namespace camtool {
+namespace camera {
+
+// ---- The clock
+// -------------------------------------------------------------------------------------------------------
+
+double Now() {
+  LARGE_INTEGER count, frequency;
+  QueryPerformanceCounter(&count);
+  QueryPerformanceFrequency(&frequency);
+  return static_cast<double>(count.QuadPart) / static_cast<double>(frequency.QuadPart);
+}
+
+void SleepUntil(double time) {
+  const double left = time - Now();
+  if (left > 0) Sleep(static_cast<DWORD>(std::lround(left * 1000)));
+}
+
+bool WaitUntil(double time, HANDLE stop) {
+  constexpr double kLongestMs = 1e9;
+  const double leftMs = std::clamp((time - Now()) * 1000, 0.0, kLongestMs);
+  return WaitForSingleObject(stop, static_cast<DWORD>(std::lround(leftMs))) != WAIT_OBJECT_0;
+}
+
+bool WaitExactlyUntil(double time, HANDLE stop) {
+  constexpr double kLatestWake = 0.002;
+  if (!WaitUntil(time - kLatestWake, stop)) return false;
+  while (Now() < time) YieldProcessor();
+  return true;
+}
+
+// ---- Who has a port open
+// ---------------------------------------------------------------------------------------------
+
+namespace {
+
+// Of ntdll, which no import library of every tool chain has, and which winternl.h declares only in part.
+using QueryObject = NTSTATUS(NTAPI*)(HANDLE, int, void*, ULONG, ULONG*);
+using QuerySystem = NTSTATUS(NTAPI*)(int, void*, ULONG, ULONG*);
+constexpr int kObjectName = 1;
+constexpr int kExtendedHandles = 64;
+constexpr NTSTATUS kTooSmall = static_cast<NTSTATUS>(0xC0000004);
+
+struct HandleEntry {
+  void* object;
+  ULONG_PTR process;
+  ULONG_PTR handle;
+  ULONG access;
+  USHORT backTrace, type;
+  ULONG attributes, reserved;
+};
+
+struct HandleList {
+  ULONG_PTR count, reserved;
+  HandleEntry entries[1];
+};
+
+template <class Function>
+Function Native(const char* name) {
+  return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("ntdll.dll"), name)));
+}
+
+std::vector<char> AllHandles() {
+  const auto query = Native<QuerySystem>("NtQuerySystemInformation");
+  std::vector<char> list(1 << 18);
+  for (int tries = 0; query && tries < 6; ++tries) {
+    const NTSTATUS status = query(kExtendedHandles, list.data(), static_cast<ULONG>(list.size()), nullptr);
+    if (status == 0) return list;
+    if (status != kTooSmall) break;
+    list.resize(list.size() * 4);
+  }
+  return {};
+}
+
+std::string ProgramOf(HANDLE process) {
+  char path[MAX_PATH] = "";
+  DWORD size = MAX_PATH;
+  if (!QueryFullProcessImageNameA(process, 0, path, &size)) return "another program";
+  const std::string text(path);
+  return text.substr(text.find_last_of("\\/") + 1);
+}
+
+// Whether several programs can have one serial port open at a time, as with Wine.
+bool SharesPorts() {
+  return GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr;
+}
+
+// What the system itself calls an open device; "" when it has no name.
+std::wstring DeviceName(HANDLE device) {
+  const auto query = Native<QueryObject>("NtQueryObject");
+  alignas(UNICODE_STRING) char answer[2048];
+  ULONG size = 0;
+  if (!query || query(device, kObjectName, answer, sizeof(answer), &size) != 0) return {};
+  const auto* name = reinterpret_cast<const UNICODE_STRING*>(answer);
+  return name->Buffer ? std::wstring(name->Buffer, name->Length / sizeof(wchar_t)) : std::wstring();
+}
+
+// Notes the holder when the other process's handle is of a device of characters.
+void NoteHolder(HANDLE process, HANDLE theirs, PortHolders* holders) {
+  HANDLE mine = nullptr;
+  if (!DuplicateHandle(process, theirs, GetCurrentProcess(), &mine, 0, FALSE, DUPLICATE_SAME_ACCESS)) return;
+  if (GetFileType(mine) == FILE_TYPE_CHAR) {
+    const std::wstring name = DeviceName(mine);
+    if (!name.empty()) holders->emplace(name, ProgramOf(process));
+  }
+  CloseHandle(mine);
+}
+
+}  // namespace
+
+PortHolders FindPortHolders() {
+  PortHolders holders;
+  if (!SharesPorts()) return holders;
+  const std::vector<char> bytes = AllHandles();
+  if (bytes.empty()) return holders;
+  const auto* list = reinterpret_cast<const HandleList*>(bytes.data());
+  HANDLE process = nullptr;
+  ULONG_PTR id = 0;
+  for (ULONG_PTR i = 0; i < list->count; ++i) {
+    const HandleEntry& entry = list->entries[i];
+    constexpr ULONG kReadAndWrite = FILE_READ_DATA | FILE_WRITE_DATA;
+    if (entry.process == GetCurrentProcessId() || (entry.access & kReadAndWrite) != kReadAndWrite) continue;
+    if (entry.process != id) {
+      if (process) CloseHandle(process);
+      id = entry.process;
+      process = OpenProcess(PROCESS_DUP_HANDLE | PROCESS_QUERY_LIMITED_INFORMATION, FALSE, static_cast<DWORD>(id));
+    }
+    if (process) NoteHolder(process, reinterpret_cast<HANDLE>(entry.handle), &holders);
+  }
+  if (process) CloseHandle(process);
+  return holders;
+}
+
+// ---- Opening
+// ---------------------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -77,12 +212,6 @@ std::string WhyNotOpened(int number, const PortStatus& status) {
              "); it is no serial port, or its adapter hangs: unplug it and plug it in again";
     default: return name + " is open";
   }
-}
-
-bool OpenPortOrComplain(int number, Port* port) {
-  const PortStatus status = OpenPort(number, FindPortHolders(), port);
-  if (!port->isOpen()) Complain((status.state == PortState::kBusy ? "busy: " : "") + WhyNotOpened(number, status));
-  return port->isOpen();
 }
 
 // ---- Reading -------------------------------------------------------------------------------------------------------
@@ -159,4 +288,4 @@ Written WritePort(HANDLE port, const char* bytes, size_t size, DWORD patienceMs)
   return outcome;
 }
 
-}  // namespace camtool
+}  // namespace camera

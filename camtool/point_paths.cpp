@@ -1,7 +1,6 @@
-#include "camtool/csv.h"
+#include "camtool/point_paths.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <iterator>
@@ -12,9 +11,57 @@
 
 #include "app/camera_point.h"
 #include "camtool/arguments.h"
-#include "camtool/record_stream.h"
+#include "framework/angles.h"
 
 namespace camtool {
+
+// ---- The built-in curves
+// ---------------------------------------------------------------------------------------------
+
+namespace {
+
+struct Curve {
+  double centreX, centreY, radiusX, radiusY;  // camera units
+  double turnsX, turnsY;                      // turns a minute
+  double phase;                               // turns
+  double hiddenFrom;                          // seconds into the cycle at which the point vanishes
+};
+
+constexpr double kCycleSeconds = 24;
+constexpr double kHiddenSeconds = 3;
+
+constexpr Curve kCurves[kv::kPointCount] = {
+    {512, 384, 440, 300, 6, 4, 0.00, 5},
+    {320, 300, 250, 220, 9, 6, 0.25, 11},
+    {720, 460, 240, 240, 7, 7, 0.50, 17},
+    {512, 384, 180, 320, 5, 10, 0.75, 23},
+};
+
+double Wave(double turns) {
+  return std::sin(2 * kv::kPi * turns);
+}
+
+bool IsHidden(const Curve& curve, double seconds) {
+  return std::fmod(seconds + kCycleSeconds - curve.hiddenFrom, kCycleSeconds) < kHiddenSeconds;
+}
+
+}  // namespace
+
+void PointsAt(double seconds, kv::CameraPoint (&points)[kv::kPointCount]) {
+  for (int i = 0; i < kv::kPointCount; ++i) {
+    const Curve& curve = kCurves[i];
+    if (IsHidden(curve, seconds)) {
+      points[i] = {kv::kNoPoint, kv::kNoPoint};
+      continue;
+    }
+    const double minutes = seconds / 60;
+    points[i] = {std::lround(curve.centreX + curve.radiusX * Wave(curve.turnsX * minutes + curve.phase)),
+                 std::lround(curve.centreY + curve.radiusY * Wave(curve.turnsY * minutes))};
+  }
+}
+
+// ---- Paths from a file
+// -----------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -94,30 +141,6 @@ bool AddRow(std::string_view line, PointPath* path, std::string* error) {
 }
 
 }  // namespace
-
-std::string CsvHeader() {
-  return "seconds,x1,y1,x2,y2,x3,y3,x4,y4\n";
-}
-
-void AppendCsvRow(const FoundRecord& record, std::string* text) {
-  // Millions of rows: printf would take most of the time of an export.
-  char row[32 + kv::kPointCount * 24];
-  const auto microseconds = std::llround(record.seconds * 1e6);
-  char* end = std::to_chars(row, std::end(row), microseconds / 1000000).ptr;
-  *end = '.';
-  for (long long rest = microseconds % 1000000, digit = 6; digit > 0; --digit, rest /= 10) {
-    end[digit] = static_cast<char>('0' + rest % 10);
-  }
-  end += 7;
-  for (const kv::CameraPoint& point : record.points) {
-    for (const LONG coordinate : {point.x, point.y}) {
-      *end++ = ',';
-      end = std::to_chars(end, std::end(row), coordinate).ptr;
-    }
-  }
-  *end++ = '\n';
-  text->append(row, end);
-}
 
 bool ParsePath(std::string_view text, PointPath* path, std::string* error) {
   if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);

@@ -1,14 +1,21 @@
-// Guesses from garbage at which rate a camera really talks. A receiver set to another rate than the sender samples the
-// sender's bits at the wrong moments; what it then reads is garbage, but not any garbage: records of digits and commas
-// become few different bytes, other ones for each rate. Pure, any thread.
+// What a scan concludes from the bytes that it received: at which rate a camera sends, and how likely one press of
+// Tarnwick's button finds it. Pure, any thread.
 #pragma once
 
 #include <array>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace camtool {
+
+// ---- At which rate a camera sends
+// ------------------------------------------------------------------------------------
+//
+// A receiver set to another rate than the sender samples the
+// sender's bits at the wrong moments; what it then reads is garbage, but not any garbage: records of digits and commas
+// become few different bytes, other ones for each rate.
 
 // The rates that interface boards and adapters have, the usual ones first.
 inline constexpr std::array<int, 12> kUsualRates = {9600, 115200, 19200, 57600,  4800,   2400,
@@ -28,5 +35,20 @@ bool LooksLikeRecords(std::string_view bytes);
 
 // Whether nearly all bytes print.
 bool LooksLikeText(std::string_view bytes);
+
+// ---- How a press finds the camera
+// ------------------------------------------------------------------------------------
+//
+// Tarnwick listens to a port with a single read, which begins at any moment and ends at the first pause of 5 ms, with
+// 64 bytes, or without any after 250 ms; more than 15 bytes make the port the camera's.
+
+struct Arrival {
+  double seconds;
+  int bytes;
+};
+
+// The share, 0 to 1, of the moments at which such a read would have found the sender, judged by what arrived while the
+// port was watched `from` .. `to`. Arrivals are in order and within; none at all gives 0.
+double PressChance(std::span<const Arrival> arrivals, double from, double to);
 
 }  // namespace camtool

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace camtool {
+namespace camera {
 
 inline constexpr size_t kRecordingHeaderBytes = 40;
 inline constexpr size_t kChunkOverhead = 16;
@@ -64,4 +64,4 @@ Decoded DecodeNext(RecordingDecoder* decoder, Chunk* chunk);
 // After the whole file: the bytes of a last chunk that was torn off, which are left out.
 size_t FinishDecoding(RecordingDecoder* decoder);
 
-}  // namespace camtool
+}  // namespace camera

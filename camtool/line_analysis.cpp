@@ -1,4 +1,4 @@
-#include "camtool/line_rate.h"
+#include "camtool/line_analysis.h"
 
 #include <algorithm>
 #include <array>
@@ -6,15 +6,20 @@
 #include <cstddef>
 #include <cstdint>
 #include <random>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "app/camera_link.h"
 #include "app/camera_point.h"
 #include "app/camera_record.h"
 
 namespace camtool {
+
+// ---- At which rate a camera sends
+// ------------------------------------------------------------------------------------
 
 namespace {
 
@@ -126,6 +131,53 @@ bool LooksLikeText(std::string_view bytes) {
     return (byte >= ' ' && byte < 0x7F) || byte == '\r' || byte == '\n' || byte == '\t';
   });
   return !bytes.empty() && static_cast<double>(prints) >= 0.9 * static_cast<double>(bytes.size());
+}
+
+// ---- How a press finds the camera
+// ------------------------------------------------------------------------------------
+
+namespace {
+
+constexpr double kReadGap = 0.005;
+constexpr int kReadBytes = 64;
+constexpr double kReadPatience = kv::kReplyTimeoutMs / 1000.0;
+
+struct Read {
+  int bytes;
+  double end;
+};
+
+// The read whose first bytes are those of `first`.
+Read ReadFrom(std::span<const Arrival> arrivals, size_t first) {
+  int bytes = 0;
+  for (size_t i = first;; ++i) {
+    bytes += arrivals[i].bytes;
+    if (bytes >= kReadBytes) return {kReadBytes, arrivals[i].seconds};
+    const bool isLast = i + 1 == arrivals.size();
+    if (isLast || arrivals[i + 1].seconds - arrivals[i].seconds > kReadGap) {
+      return {bytes, arrivals[i].seconds + kReadGap};
+    }
+  }
+}
+
+}  // namespace
+
+double PressChance(std::span<const Arrival> arrivals, double from, double to) {
+  double found = 0, all = 0, before = from;
+  for (size_t i = 0; i < arrivals.size(); ++i) {
+    // Every read that begins between the arrivals before and this one brings the same bytes; those that begin too early
+    // give up before.
+    const double now = arrivals[i].seconds;
+    const Read read = ReadFrom(arrivals, i);
+    // What the end of the watch cut off says nothing.
+    if (read.end > to) break;
+    all += now - before;
+    if (read.bytes > static_cast<int>(kv::kSilentPortBytes)) {
+      found += std::max(0.0, now - std::max(before, read.end - kReadPatience));
+    }
+    before = now;
+  }
+  return all > 0 ? found / all : 0;
 }
 
 }  // namespace camtool

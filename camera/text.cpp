@@ -1,0 +1,50 @@
+#include "camera/text.h"
+
+#include <windows.h>
+
+#include <cstdarg>
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+namespace camera {
+
+std::string Format(const char* format, ...) {
+  char text[1001];
+  va_list arguments;
+  va_start(arguments, format);
+  std::vsnprintf(text, sizeof(text), format, arguments);
+  va_end(arguments);
+  return text;
+}
+
+std::string Counted(unsigned long long count, const char* noun) {
+  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+std::string Printable(std::string_view bytes) {
+  std::string text;
+  for (const char byte : bytes) {
+    const auto code = static_cast<unsigned char>(byte);
+    const bool prints = code >= ' ' && code < 0x7F && code != '\\';
+    text += prints ? std::string(1, byte) : Format("\\x%02X", code);
+  }
+  return text;
+}
+
+std::wstring Wide(std::string_view text) {
+  const int characters = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
+  std::wstring wide(static_cast<size_t>(characters), L'\0');
+  MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), wide.data(), characters);
+  return wide;
+}
+
+std::string Narrow(std::wstring_view text) {
+  const int bytes =
+      WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr, nullptr);
+  std::string narrow(static_cast<size_t>(bytes), '\0');
+  WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), narrow.data(), bytes, nullptr, nullptr);
+  return narrow;
+}
+
+}  // namespace camera

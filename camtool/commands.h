@@ -1,0 +1,52 @@
+// camtool's commands and exit codes. Each command has a file of its own that holds its settings, the table of its
+// options and what it does.
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "camtool/arguments.h"
+
+namespace camtool {
+
+// The exit codes, for scripts. The same number means the same in every command; each command's help lists its own.
+inline constexpr int kDone = 0;
+inline constexpr int kFailed = 1;
+inline constexpr int kUsageError = 2;
+inline constexpr int kNoPort = 3;
+inline constexpr int kNoCamera = 4;
+inline constexpr int kDamaged = 5;
+inline constexpr int kEmpty = 6;
+
+struct ExitCode {
+  int code;
+  const char* meaning;
+};
+
+inline constexpr ExitCode kExitCodes[] = {
+    {kDone, "done, also when Ctrl+C ended what would go on for ever"},
+    {kFailed, "failed on the way: the port was disconnected, a file cannot be read or written, the disk is full"},
+    {kUsageError, "the command line is wrong; nothing was done"},
+    {kNoPort, "the port is absent, in use, or may not be opened; nothing was done"},
+    {kNoCamera, "no port has a camera"},
+    {kDamaged, "done with what is whole, but parts of the recording are damaged"},
+    {kEmpty, "the file to read is empty"},
+};
+
+struct Command {
+  const char* name;
+  const char* operands;  // as help shows them
+  Operands count;
+  const char* purpose;  // one line
+  const char* details;  // what else help says; lines end with line feeds
+  std::span<const Option> options;
+  std::span<const int> exitCodes;
+  // Takes the operands, the options' targets being set, and returns the exit code; kUsageError makes main name the
+  // help.
+  int (*run)(const std::vector<std::string>& operands);
+};
+
+extern const Command kScanCommand, kRecordCommand, kReplayCommand, kExportCommand, kSimulateCommand;
+
+}  // namespace camtool
