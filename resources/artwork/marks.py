@@ -3,107 +3,37 @@
 import cairo
 
 from palette import INK, POINTS, WHITE
-from pen import Pen, arc, around, circle, line, polygon, rect
+from pen import Pen, arc, circle, line, polygon, rect
 
-# The digits' pixels. A chart of ordinary size keeps little more than every other row and column of a marker, the
-# smallest one a third: hence digits of this height with strokes of three.
+# The digits' strokes between the middles of 3 x 5 cells. The smallest chart keeps every third row and column of a marker,
+# so a cell is three pixels: one of its pixels is always among those.
+CELL = 3
 DIGITS = (
-    (
-        "...###...",
-        "..####...",
-        ".#####...",
-        "######...",
-        "######...",
-        "...###...",
-        "...###...",
-        "...###...",
-        "...###...",
-        "...###...",
-        "...###...",
-        "#########",
-        "#########",
-        "#########",
-    ),
-    (
-        "..#####..",
-        ".#######.",
-        "####.####",
-        "###...###",
-        "......###",
-        ".....####",
-        "....####.",
-        "...####..",
-        "..####...",
-        ".####....",
-        "####.....",
-        "#########",
-        "#########",
-        "#########",
-    ),
-    (
-        "..#####..",
-        ".#######.",
-        "####.####",
-        "###...###",
-        "......###",
-        ".....####",
-        "..######.",
-        "..######.",
-        ".....####",
-        "......###",
-        "###...###",
-        "####.####",
-        ".#######.",
-        "..#####..",
-    ),
-    (
-        ".....###.",
-        "....####.",
-        "...#####.",
-        "...#####.",
-        "..######.",
-        "..##.###.",
-        ".###.###.",
-        "###..###.",
-        "#########",
-        "#########",
-        "#########",
-        ".....###.",
-        ".....###.",
-        ".....###.",
-    ),
+    (((0, 1), (1, 0), (1, 4)), ((0, 4), (2, 4))),
+    (((0, 0), (2, 0), (2, 2), (0, 2), (0, 4), (2, 4)),),
+    (((0, 0), (2, 0), (2, 4), (0, 4)), ((0.5, 2), (2, 2))),
+    (((0, 0), (0, 2), (2, 2)), ((2, 0), (2, 4))),
 )
 # The chart draws a marker at (x - 15, y - 15): the middle of pixel (15, 15) is the point.
 HOT = 15.5
 
 
 def marker(index):
-    """A point of light in a frame of its own colour and shape, with its number."""
+    """A point of light in a solid shape of its own colour, and its number at the lower right, clear of the shape."""
     pen = Pen(32, 32)
     colour = POINTS[index]
-    frame, sides = (
-        (circle(HOT, HOT, 7.5), (7.5, 7.5, 7.5, 7.5)),
-        (rect(HOT - 6.5, HOT - 6.5, 13, 13), (6.5, 6.5, 6.5, 6.5)),
-        (polygon((HOT, HOT - 9), (HOT + 9, HOT), (HOT, HOT + 9), (HOT - 9, HOT)), (9, 9, 9, 9)),
-        (polygon((HOT, HOT - 10), (HOT + 8.5, HOT + 5), (HOT - 8.5, HOT + 5)), (6, 5, 6, 10)),
+    shape = (
+        circle(HOT, HOT, 6.5),
+        rect(HOT - 5.5, HOT - 5.5, 11, 11),
+        polygon((HOT, HOT - 9), (HOT + 8, HOT), (HOT, HOT + 9), (HOT - 8, HOT)),
+        polygon((HOT - 9, HOT - 6.5), (HOT + 9, HOT - 6.5), (HOT, HOT + 9)),
     )[index]
-    pen.glow(HOT, HOT, 12, colour, 0.8)
-    pen.stroke(frame, colour, 2)
-    for side, angle in zip(sides, (0, 90, 180, 270)):
-        pen.stroke(line(around(HOT, HOT, side, angle), around(HOT, HOT, 15, angle)), colour, 2, butt=True)
-    pen.glow(HOT, HOT, 6, colour)
-    pen.fill(circle(HOT, HOT, 2.5), WHITE)
-    _digit(pen, index)
+    pen.fill(shape, colour)
+    pen.fill(circle(HOT, HOT, 2.2), WHITE)
+    left, top = 24.5, 18.5  # the middle of the first cell: the digit ends at the icon's edge
+    for stroke in DIGITS[index]:
+        pen.stroke(line(*((left + CELL * x, top + CELL * y) for x, y in stroke)), colour, CELL)
     return pen.surface
-
-
-def _digit(pen, index):
-    left, top = 21, 17  # with its rim it ends at the icon's edge
-    for grow, colour in ((1, (0, 0, 0)), (0, POINTS[index])):
-        for y, row in enumerate(DIGITS[index]):
-            for x, bit in enumerate(row):
-                if bit == "#":
-                    pen.fill(rect(left + x - grow, top + y - grow, 1 + 2 * grow, 1 + 2 * grow), colour)
 
 
 def program(side):
