@@ -1,6 +1,7 @@
 #include "app/main_dialog_setup.h"
 
 #include <commctrl.h>
+#include <oleacc.h>
 
 #include <algorithm>
 #include <utility>
@@ -11,6 +12,7 @@
 #include "app/main_dialog_layout.h"
 #include "app/resource_ids.h"
 #include "app/version.h"
+#include "framework/accessible.h"
 #include "framework/dialog.h"
 #include "framework/dialog_layout.h"
 #include "framework/dialog_texts.h"
@@ -87,12 +89,30 @@ void SetUpToolTips(HWND dialog, HWND toolbar) {
   CreateToolTips(modules.resources, dialog, kDialogTips, ARRAYSIZE(kDialogTips));
 }
 
+// A status button's text alone does not say what it belongs to: screen readers get the point's marker as its name.
+AccessibleText DescribeStatusButton(HWND button) {
+  constexpr const wchar_t* kNames[kStatusButtonCount] = {L"Port", L"Point 1: red, round", L"Point 2: blue, square",
+                                                         L"Point 3: yellow, diamond", L"Point 4: green, triangle"};
+  return {kNames[GetDlgCtrlID(button) - IDC_PORT], WindowText(button)};
+}
+
+WNDPROC buttonProcedure = nullptr;
+
+LRESULT CALLBACK StatusButtonProcedure(HWND button, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_GETOBJECT) {
+    return AnswerGetObject(button, wParam, lParam, ROLE_SYSTEM_PUSHBUTTON, DescribeStatusButton);
+  }
+  return CallWindowProcW(buttonProcedure, button, message, wParam, lParam);
+}
+
 void SetUpStatusButtons(const MainControls& controls) {
   // Quirk: a font that nothing uses; it goes with the process.
   CreateFontA(26, 11, 0, 0, FW_SEMIBOLD, FALSE, FALSE, FALSE, ANSI_CHARSET, OUT_TT_PRECIS, CLIP_DEFAULT_PRECIS,
               DEFAULT_QUALITY, VARIABLE_PITCH | FF_SWISS, "Arial");
   for (HWND button : controls.statusButtons) {
     SendMessageA(button, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(SYSTEM_FONT)), TRUE);
+    buttonProcedure =
+        reinterpret_cast<WNDPROC>(SetWindowLongW(button, GWL_WNDPROC, reinterpret_cast<LONG>(StatusButtonProcedure)));
   }
 }
 

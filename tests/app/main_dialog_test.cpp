@@ -2,6 +2,7 @@
 
 #include <commctrl.h>
 #include <gtest/gtest.h>
+#include <oleacc.h>
 
 #include <set>
 #include <string>
@@ -16,6 +17,7 @@
 #include "framework/painting.h"
 #include "framework/picture.h"
 #include "framework/window_position.h"
+#include "tests/support/accessible_text.h"
 #include "tests/support/test_window.h"
 
 namespace kv {
@@ -160,6 +162,10 @@ TEST_F(MainDialogTest, StatusButtonsTellTheState) {
   EXPECT_EQ(reinterpret_cast<INT_PTR>(GetStockObject(NULL_BRUSH)),
             Call(WM_CTLCOLORBTN, 0, reinterpret_cast<LPARAM>(GetDlgItem(dialog_, IDC_PORT))))
       << "erasing them would flicker";
+  const HWND point = GetDlgItem(dialog_, IDC_POINT_3);
+  SetWindowTextW(point, L"7,8");
+  EXPECT_EQ((kvtest::HeardText{L"Point 3: yellow, diamond", L"7,8", ROLE_SYSTEM_PUSHBUTTON}),
+            kvtest::HearWindow(point));
 }
 
 TEST_F(MainDialogTest, CommandsDoWhatTheySay) {
