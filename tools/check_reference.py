@@ -71,9 +71,21 @@ def header_text(name: str) -> str:
     return (path if path.exists() else path.with_suffix(".h.in")).read_text(encoding="utf-8")
 
 
-def refreshed(text: str) -> str:
+def linked(text: str, page: Path, places: dict[str, Path]) -> str:
+    """The names of headers in prose lead to their sections."""
+    def link(found: re.Match) -> str:
+        name = found.group()
+        place = places.get(name)
+        return f"[{name}]({place.name if place != page else ''}#{slug(name)})" if place else name
+
+    parts = re.split(r"(^```.*?^```|^#.*?$)", text, flags=re.MULTILINE | re.DOTALL)
+    parts[::2] = [re.sub(r"(?<![\w/`])(?:\w+/)\w+\.h\b(?!`)", link, part) for part in parts[::2]]
+    return "".join(parts)
+
+
+def refreshed(page: Path, text: str, places: dict[str, Path]) -> str:
     sections = [header_section(name, header_text(name)) for name in headers_of(text)]
-    interface = "## Interface\n\n" + "\n\n".join(sections) + "\n\n"
+    interface = "## Interface\n\n" + linked("\n\n".join(sections), page, places) + "\n\n"
     text = INTERFACE.sub(lambda _: interface, EXAMPLE.sub(example_now, text))
     return text.rstrip("\n") + "\n"
 
@@ -83,18 +95,18 @@ def main() -> int:
         print(__doc__, file=sys.stderr)
         return 2
     pages = {page: page.read_text(encoding="utf-8") for page in [ROOT / "README.md", *sorted(REFERENCE.glob("*.md"))]}
+    places = {name: page for page, text in pages.items() for name in headers_of(text)}
     if sys.argv[1:] == ["--refresh"]:
         for page, text in pages.items():
-            page.write_text(refreshed(text), encoding="utf-8")
+            page.write_text(refreshed(page, text, places), encoding="utf-8")
         return 0
     index = pages[REFERENCE / "index.md"]
     faults = [f"the index does not name {page.name}" for page in pages
               if page.parent == REFERENCE and page.stem != "index" and f"({page.name})" not in index]
     faults += [f"{page.name} differs from the tree (--refresh)" for page, text in pages.items()
-               if refreshed(text) != text]
-    described = {name for text in pages.values() for name in headers_of(text)}
+               if refreshed(page, text, places) != text]
     wanted = {Path(header).resolve().relative_to(ROOT).as_posix() for header in sys.argv[1:]}
-    faults += [f"no page names {name} among its headers" for name in sorted(wanted - described)]
+    faults += [f"no page names {name} among its headers" for name in sorted(wanted - places.keys())]
     documents = [*ROOT.glob("*.md"), *(ROOT / "docs").rglob("*.md"), *(ROOT / "samples").rglob("*.md")]
     for document in documents:
         faults += check_links(document, document.read_text(encoding="utf-8"))

@@ -11,7 +11,7 @@ sizes="default small large german"
 "$root/tools/wine_prefix.sh"
 cd "$root"
 quietly "configuring" cmake --preset release
-quietly "building the samples" cmake --build --preset release --target instrument_panel million_rows track_export
+quietly "building the samples" cmake --build --preset release --target instrument_panel million_rows track_export speedometer
 mkdir -p "$shots"
 
 finish() {
@@ -63,6 +63,7 @@ for size in $sizes; do
       take instrument_panel Samples.InstrumentPanel 620 470 sample-instrument-panel
       take million_rows Samples.Readings 540 440 sample-million-rows
       take track_export Samples.Track 500 220 sample-track-export
+      take speedometer Samples.Speedometer 300 320 sample-speedometer
       ;;
     small )
       take instrument_panel Samples.InstrumentPanel 460 360 panel-small
