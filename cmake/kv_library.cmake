@@ -11,6 +11,11 @@ if(NOT MSVC)
   target_link_options(kv INTERFACE "$<$<NOT:$<BOOL:$<TARGET_PROPERTY:KV_SHARED_RUNTIME>>>:-static>")
 endif()
 
+# What nearly every file reads is read once, and other targets may reuse it. A file still includes what it uses: ./lint
+# builds without this.
+target_precompile_headers(kv PRIVATE <windows.h> <algorithm> <array> <cmath> <cstdint> <cstdio> <cstring> <iterator> <span>
+  <string> <string_view> <utility> <vector>)
+
 # kv_sources(sources... [HEADERS public headers...]), paths relative to the calling folder.
 function(kv_sources)
   cmake_parse_arguments(PARSE_ARGV 0 arg "" "" "HEADERS")

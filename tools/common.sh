@@ -16,6 +16,9 @@ export WINEDEBUG=${WINEDEBUG:--all}
 say() { printf '%s\n' "$*" >&2; }
 die() { printf '%s: %s\n' "$(basename "$0")" "$*" >&2; exit 1; }
 
+# The comment that a script begins with is its help.
+case ${1:-} in -h | --help ) sed -n '2,${/^#/!q;s/^# \{0,1\}//p}' "$0"; exit ;; esac
+
 # Runs a step quietly; what it printed is shown only when it fails, with one line that says what to do.
 quietly() {
   local what=$1 log
