@@ -3,7 +3,9 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "camera/record_stream.h"
 #include "camera/recording.h"
 #include "camera/text.h"
 
@@ -226,6 +228,18 @@ bool NextChunk(RecordingFile* recording, Chunk* chunk) {
   return false;
 }
 
+bool NextRecords(RecordingFile* recording, RecordStream* stream, std::vector<FoundRecord>* records) {
+  records->clear();
+  const bool isThere = NextChunk(recording, &recording->chunk);
+  if (isThere) {
+    const Chunk& chunk = recording->chunk;
+    FeedStream(stream, static_cast<double>(chunk.microseconds) / 1e6, chunk.bytes, records);
+  } else {
+    EndStream(stream);
+  }
+  return isThere;
+}
+
 void Rewind(RecordingFile* recording) {
   SetFilePointer(recording->file, 0, nullptr, FILE_BEGIN);
   recording->decoder = {};
@@ -245,8 +259,10 @@ std::string DescribeDamage(const RecordingFile& recording) {
            Counted(decoder.damagedBytes, "byte") + " skipped";
   }
   if (!decoder.hasEnd) {
-    text += text.empty() ? "\"" + recording.path + "\" was" : std::string(", and it was");
-    text += " cut off; " + Counted(recording.tornBytes, "byte") + " of a truncated chunk skipped";
+    text += text.empty() ? "\"" + recording.path + "\" is" : std::string(", and it is");
+    text += " truncated";
+    if (recording.tornBytes > 0)
+      text += "; " + Counted(recording.tornBytes, "byte") + " of an incomplete chunk skipped";
   }
   return text;
 }

@@ -5,7 +5,9 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "camera/record_stream.h"
 #include "camera/recording.h"
 
 namespace camera {
@@ -52,6 +54,7 @@ struct RecordingFile {
   size_t tornBytes = 0;
   bool isEmpty = false;  // not one byte; OpenRecording returns false
   std::string part;      // the buffer that is read into
+  Chunk chunk{};
 };
 
 // False, with a sentence in `error`, when the file cannot be read or is no recording.
@@ -60,6 +63,10 @@ bool OpenRecording(const std::string& path, RecordingFile* recording);
 // The next chunk. False at the end of the file, after which `tornBytes` is set, and on a failed read (then there is an
 // error).
 bool NextChunk(RecordingFile* recording, Chunk* chunk);
+
+// The records that the next chunk completes, often one, sometimes none, found by `stream`, which is ended behind the
+// last chunk. False as from NextChunk.
+bool NextRecords(RecordingFile* recording, RecordStream* stream, std::vector<FoundRecord>* records);
 
 // Starts again with the first chunk.
 void Rewind(RecordingFile* recording);

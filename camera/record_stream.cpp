@@ -91,7 +91,12 @@ void SkipByte(MalformedStretch* open, char byte, double seconds) {
 
 void FeedStream(RecordStream* stream, double seconds, std::string_view bytes, std::vector<FoundRecord>* found) {
   if (bytes.empty()) return;
-  if (stream->lastArrival >= 0) stream->longestGap = std::max(stream->longestGap, seconds - stream->lastArrival);
+  const double gap = stream->lastArrival >= 0 ? seconds - stream->lastArrival : 0;
+  if (gap > stream->longestGap) {
+    stream->longestGap = gap;
+    stream->longestGapStart = stream->lastArrival;
+  }
+  stream->gaps += gap >= kGapSeconds;
   stream->lastArrival = seconds;
   stream->bytes += static_cast<long long>(bytes.size());
   stream->pending += bytes;
@@ -173,6 +178,33 @@ void AppendCsvRow(const FoundRecord& record, std::string* text) {
   }
   *end++ = '\n';
   text->append(row, end);
+}
+
+// ---- Statistics of a point
+// -------------------------------------------------------------------------------------------
+
+namespace {
+
+// Welford's sums, which do not lose digits over millions of values.
+void AddValue(LONG value, long long count, Spread* spread) {
+  spread->lowest = count == 1 ? value : std::min(spread->lowest, value);
+  spread->highest = count == 1 ? value : std::max(spread->highest, value);
+  const double distance = value - spread->mean;
+  spread->mean += distance / static_cast<double>(count);
+  spread->squares += distance * (value - spread->mean);
+}
+
+}  // namespace
+
+void AddPoint(const kv::CameraPoint& point, PointSummary* summary) {
+  if (point.x == kv::kNoPoint || point.y == kv::kNoPoint) return;
+  ++summary->seen;
+  AddValue(point.x, summary->seen, &summary->x);
+  AddValue(point.y, summary->seen, &summary->y);
+}
+
+double Deviation(const Spread& spread, long long count) {
+  return count > 1 ? std::sqrt(spread.squares / static_cast<double>(count - 1)) : 0;
 }
 
 }  // namespace camera

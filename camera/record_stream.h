@@ -3,6 +3,8 @@
 // two. Pure, any thread.
 #pragma once
 
+#include <windows.h>
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,6 +29,8 @@ struct MalformedStretch {
 
 inline constexpr size_t kStretchSample = 24;
 inline constexpr size_t kStretchesKept = 10;
+// Silence of at least this many seconds counts as a gap.
+inline constexpr double kGapSeconds = 0.5;
 
 struct RecordStream {
   long long bytes = 0;
@@ -38,8 +42,10 @@ struct RecordStream {
   long long malformedStretches = 0;
   double firstSeconds = 0, lastSeconds = 0;  // of the first and the last record
   double longestGap = 0;                     // seconds between two arrivals of bytes
-  FoundRecord last{};                        // valid when there are records
-  std::vector<MalformedStretch> stretches;   // the first kStretchesKept
+  double longestGapStart = 0;
+  long long gaps = 0;                       // of kGapSeconds or more
+  FoundRecord last{};                       // valid when there are records
+  std::vector<MalformedStretch> stretches;  // the first kStretchesKept
 
   std::string pending;  // fewer bytes than a record between calls; what is left at the end is a record cut off
   struct Piece {
@@ -71,5 +77,25 @@ std::string DescribeMalformed(const RecordStream& stream);
 // point that the camera did not see stays as it sent it, 1023,1023.
 std::string CsvHeader();
 void AppendCsvRow(const FoundRecord& record, std::string* text);
+
+// ---- Statistics of a point
+// -------------------------------------------------------------------------------------------
+
+struct Spread {
+  LONG lowest = 0, highest = 0;
+  double mean = 0;
+  double squares = 0;  // sum of the squared distances from the mean
+};
+
+struct PointSummary {
+  long long seen = 0;  // records with the point; the rest is valid when there are any
+  Spread x, y;
+};
+
+// Adds a record's point; one with a coordinate of 1023 is not seen.
+void AddPoint(const kv::CameraPoint& point, PointSummary* summary);
+
+// The standard deviation in camera units, 0 for fewer than two values.
+double Deviation(const Spread& spread, long long count);
 
 }  // namespace camera

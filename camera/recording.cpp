@@ -11,8 +11,6 @@ namespace camera {
 
 namespace {
 
-// Like PNG's: a file that went through a text conversion, or lost its eighth bits, is seen at once.
-constexpr std::string_view kMagic("\x89TWR\r\n\x1A\n", 8);
 constexpr size_t kChunkHead = 12;
 constexpr size_t kChecksum = 4;
 constexpr size_t kCompactAt = 65536;
@@ -52,8 +50,8 @@ std::string EncodeOne(std::uint64_t microseconds, std::string_view bytes) {
 
 Decoded DecodeHeader(RecordingDecoder* decoder) {
   const std::string_view file = decoder->pending;
-  const size_t seen = std::min(file.size(), kMagic.size());
-  if (file.substr(0, seen) != kMagic.substr(0, seen)) return Decoded::kNoRecording;
+  const size_t seen = std::min(file.size(), kRecordingMagic.size());
+  if (file.substr(0, seen) != kRecordingMagic.substr(0, seen)) return Decoded::kNoRecording;
   if (file.size() < kRecordingHeaderBytes) return Decoded::kNeedMore;
   // A damaged header costs its own facts only: the chunks do not need them.
   const auto size = static_cast<size_t>(Get(file, 8, 4));
@@ -103,7 +101,7 @@ std::uint32_t Crc32(std::string_view bytes) {
 }
 
 std::string EncodeHeader(const RecordingHeader& header) {
-  std::string text(kMagic);
+  std::string text(kRecordingMagic);
   Append(&text, kRecordingHeaderBytes, 4);
   Append(&text, kRecordingVersion, 4);
   Append(&text, header.startTime, 8);

@@ -8,6 +8,8 @@
 
 namespace camera {
 
+// Like PNG's: a file that went through a text conversion, or lost its eighth bits, is seen at once.
+inline constexpr std::string_view kRecordingMagic("\x89TWR\r\n\x1A\n", 8);
 inline constexpr size_t kRecordingHeaderBytes = 40;
 inline constexpr size_t kChunkOverhead = 16;
 inline constexpr size_t kLargestChunk = 4096;

@@ -22,6 +22,15 @@ std::string Counted(unsigned long long count, const char* noun) {
   return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
+std::string JsonString(std::string_view text) {
+  std::string quoted = "\"";
+  for (const char byte : text) {
+    const bool isSpecial = byte == '"' || byte == '\\' || static_cast<unsigned char>(byte) < ' ';
+    quoted += isSpecial ? Format("\\u%04x", static_cast<unsigned>(byte)) : std::string(1, byte);
+  }
+  return quoted + "\"";
+}
+
 std::string Printable(std::string_view bytes) {
   std::string text;
   for (const char byte : bytes) {

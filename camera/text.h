@@ -16,6 +16,9 @@ Format(const char* format, ...);
 // "1 byte", "0 bytes", "2 bytes".
 std::string Counted(unsigned long long count, const char* noun);
 
+// UTF-8 text as a string of JSON, in quotes.
+std::string JsonString(std::string_view text);
+
 // Between UTF-8 and the system's texts.
 std::wstring Wide(std::string_view text);
 std::string Narrow(std::wstring_view text);

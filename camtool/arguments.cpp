@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <span>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -89,34 +90,40 @@ bool ReadOption(std::span<const std::string> arguments, std::span<const Option> 
     value = argument.substr(equals + 1);
   } else if (!IsSwitch(*option)) {
     if (*at + 1 == arguments.size()) {
-      *error = name + " takes " + Expected(*option) + "; its value is missing";
+      *error = "missing value of " + name + ": " + Expected(*option);
       return false;
     }
     value = arguments[++*at];
   }
   if ((equals == argument.npos || !IsSwitch(*option)) && SetOption(*option, value)) return true;
-  *error = name + " takes " + Expected(*option) + ", not \"" + value + "\"";
+  *error = name + " requires " + Expected(*option) + ", not \"" + value + "\"";
   return false;
 }
 
 }  // namespace
 
-bool ParseArguments(std::span<const std::string> arguments, std::span<const Option> options, Operands count,
+bool ParseArguments(std::span<const std::string> arguments, std::span<const Option> options, std::string_view names,
                     std::vector<std::string>* operands, std::string* error) {
   bool onlyOperands = false;
   for (size_t at = 0; at < arguments.size(); ++at) {
     const std::string& argument = arguments[at];
     if (!onlyOperands && argument == "--") {
       onlyOperands = true;
-    } else if (!onlyOperands && argument.starts_with("--")) {
+    } else if (!onlyOperands && argument.size() > 1 && argument.starts_with('-')) {
       if (!ReadOption(arguments, options, &at, error)) return false;
     } else {
       operands->push_back(argument);
     }
   }
-  if (operands->size() >= count.fewest && operands->size() <= count.most) return true;
-  *error = operands->size() < count.fewest ? "something is missing" : "too much: \"" + (*operands)[count.most] + "\"";
-  return false;
+  size_t count = 0;
+  std::istringstream rest{std::string(names)};
+  for (std::string name; rest >> name; ++count) {
+    if (count < operands->size() || name.starts_with('[')) continue;
+    *error = "missing argument " + name;
+    return false;
+  }
+  if (operands->size() > count) *error = "unexpected argument \"" + (*operands)[count] + "\"";
+  return operands->size() <= count;
 }
 
 bool ParseNumber(std::string_view text, double* number) {
@@ -166,7 +173,7 @@ std::string DescribeOptions(std::span<const Option> options) {
   std::string text;
   for (const Option& option : options) {
     std::string left = std::string("  ") + option.name + (option.value ? std::string(" ") + option.value : "");
-    left.resize(std::max<size_t>(left.size() + 2, 26), ' ');
+    left.resize(std::max<size_t>(left.size() + 2, 30), ' ');
     text += left + option.help + "\n";
   }
   return text;

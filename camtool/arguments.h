@@ -30,13 +30,11 @@ struct Option {
   std::variant<bool*, NumberOption, SizeOption, std::string*, Trigger*> target;
 };
 
-struct Operands {
-  size_t fewest, most;
-};
-
-// Sorts arguments into options, whose targets are set, and operands. On false `error` says in a sentence what is wrong,
-// and targets may be half set. "--name value" and "--name=value" are the same; behind "--" all are operands.
-bool ParseArguments(std::span<const std::string> arguments, std::span<const Option> options, Operands count,
+// Sorts arguments into options, whose targets are set, and operands, whose names are given as help shows them: "FILE
+// [CSV]" for one that is required and one that is not. On false `error` says in a sentence what is wrong, and targets
+// may be half set. "--name value" and "--name=value" are the same; after "--" all are operands, and "-" is one
+// everywhere.
+bool ParseArguments(std::span<const std::string> arguments, std::span<const Option> options, std::string_view names,
                     std::vector<std::string>* operands, std::string* error);
 
 // The whole text as a number.

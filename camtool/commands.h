@@ -25,21 +25,20 @@ struct ExitCode {
 };
 
 inline constexpr ExitCode kExitCodes[] = {
-    {kDone, "done, also when Ctrl+C ended what would go on for ever"},
-    {kFailed, "failed on the way: the port was disconnected, a file cannot be read or written, the disk is full"},
-    {kUsageError, "the command line is wrong; nothing was done"},
-    {kNoPort, "the port is absent, in use, or may not be opened; nothing was done"},
-    {kNoCamera, "no port has a camera"},
-    {kDamaged, "done with what is whole, but parts of the recording are damaged"},
-    {kEmpty, "the file to read is empty"},
+    {kDone, "done; also after Ctrl+C ended a command that runs without limit"},
+    {kFailed, "failed: the port was disconnected, a file cannot be read or written, or the disk is full"},
+    {kUsageError, "invalid command line; nothing was done"},
+    {kNoPort, "the port does not exist, is busy, or access is denied; nothing was done"},
+    {kNoCamera, "no camera found"},
+    {kDamaged, "done with what is intact, but parts of the recording are damaged"},
+    {kEmpty, "the input is empty"},
 };
 
 struct Command {
   const char* name;
-  const char* operands;  // as help shows them
-  Operands count;
-  const char* purpose;  // one line
-  const char* details;  // what else help says; lines end with line feeds
+  const char* operands;  // as help shows them; see ParseArguments
+  const char* purpose;   // one line
+  const char* details;   // what else help says; lines end with line feeds
   std::span<const Option> options;
   std::span<const int> exitCodes;
   // Takes the operands, the options' targets being set, and returns the exit code; kUsageError makes main name the
@@ -47,6 +46,7 @@ struct Command {
   int (*run)(const std::vector<std::string>& operands);
 };
 
-extern const Command kScanCommand, kRecordCommand, kReplayCommand, kExportCommand, kSimulateCommand;
+extern const Command kScanCommand, kRecordCommand, kReplayCommand, kExportCommand, kInfoCommand, kWatchCommand,
+    kSimulateCommand;
 
 }  // namespace camtool

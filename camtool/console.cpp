@@ -6,6 +6,9 @@
 #include <string>
 
 #include "camera/ports.h"
+#include "camera/record_stream.h"
+#include "camera/text.h"
+#include "camtool/arguments.h"
 
 namespace camtool {
 
@@ -27,12 +30,12 @@ BOOL WINAPI OnConsoleControl(DWORD event) {
   return TRUE;
 }
 
+}  // namespace
+
 bool IsConsole(HANDLE handle) {
   DWORD mode = 0;
   return GetConsoleMode(handle, &mode) != FALSE;
 }
-
-}  // namespace
 
 HANDLE StopEvent() {
   if (!stopEvent) {
@@ -59,6 +62,34 @@ bool OpenPortOrPrintError(int number, camera::Port* port) {
     PrintError((status.state == camera::PortState::kBusy ? "busy: " : "") + camera::WhyNotOpened(number, status));
   }
   return port->isOpen();
+}
+
+int PortOrPrintError(const std::string& text) {
+  const int port = ParsePort(text);
+  if (port == 0) PrintError("\"" + text + "\" is not a port; ports are COM1 to COM999");
+  return port;
+}
+
+void PrintStreamReport(const camera::RecordStream& stream, const std::string& damage) {
+  std::fprintf(stderr, "%lld records; %s", stream.records, DescribeMalformed(stream).c_str());
+  if (stream.leadBytes > 0) std::fprintf(stderr, "; began within a record, %lld bytes of it", stream.leadBytes);
+  if (!stream.pending.empty()) std::fprintf(stderr, "; ended within a record, %zu bytes of it", stream.pending.size());
+  if (stream.oddRecords > 0) {
+    std::fprintf(stderr, "; %lld odd records (a number is not all digits), read as Tarnwick reads them",
+                 stream.oddRecords);
+  }
+  if (stream.outOfRange > 0) {
+    std::fprintf(stderr, "; %lld of them not exported: a coordinate is not within 0 to 1023", stream.outOfRange);
+  }
+  std::fputs("\n", stderr);
+  for (const camera::MalformedStretch& stretch : stream.stretches) {
+    std::fprintf(stderr, "  at %.6f s, %lld bytes: %s%s\n", stretch.seconds, stretch.bytes,
+                 camera::Printable(stretch.sample).c_str(),
+                 stretch.bytes > static_cast<long long>(stretch.sample.size()) ? " ..." : "");
+  }
+  const auto more = stream.malformedStretches - static_cast<long long>(stream.stretches.size());
+  if (more > 0) std::fprintf(stderr, "  and %lld more\n", more);
+  if (!damage.empty()) PrintError(damage);
 }
 
 ProgressLine::ProgressLine() : isConsole_(IsConsole(GetStdHandle(STD_ERROR_HANDLE))), nextMs_(GetTickCount64()) {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "camera/ports.h"
+#include "camera/record_stream.h"
 
 namespace camtool {
 
@@ -20,6 +21,15 @@ void PrintError(const std::string& sentence);
 
 // Opens COM`number` or says on standard error why not.
 bool OpenPortOrPrintError(int number, camera::Port* port);
+
+// Reads "COM1" to "COM999". 0, and a sentence on standard error, for anything else.
+int PortOrPrintError(const std::string& text);
+
+// What the rows of a stream that has ended do not show, to standard error: what was no record, what was odd, and what
+// was wrong with the recording (`damage`, may be "").
+void PrintStreamReport(const camera::RecordStream& stream, const std::string& damage);
+
+bool IsConsole(HANDLE handle);
 
 // A line on standard error that tells how far the work is: on a console it is written over itself four times a second;
 // elsewhere a line comes every ten seconds, which a log can bear.

@@ -17,27 +17,35 @@
 #include "camtool/arguments.h"
 #include "camtool/commands.h"
 #include "camtool/console.h"
+#include "framework/version.h"
 
 namespace camtool {
 
 namespace {
 
-const Command* const kCommands[] = {&kScanCommand, &kRecordCommand, &kReplayCommand, &kExportCommand,
-                                    &kSimulateCommand};
+const Command* const kCommands[] = {&kScanCommand, &kRecordCommand, &kReplayCommand,  &kExportCommand,
+                                    &kInfoCommand, &kWatchCommand,  &kSimulateCommand};
 
 void PrintOverview(FILE* out) {
-  std::fputs("camtool looks at the camera's serial line, records it, and stands in for the camera.\n\n", out);
+  std::fputs(
+      "camtool finds the camera's serial port, records and shows what the camera sends, and simulates a camera.\n\n",
+      out);
   for (const Command* command : kCommands)
     std::fprintf(out, "  camtool %-9s %-12s %s\n", command->name, command->operands, command->purpose);
-  std::fputs("\n\"camtool scan --help\" tells more about scan, and so for each.\n", out);
+  std::fputs("\nRun \"camtool COMMAND --help\" for the options of a command, \"camtool --version\" for the version.\n",
+             out);
+}
+
+std::string Usage(const Command& command) {
+  return std::string("usage: camtool ") + command.name + (*command.operands ? " " : "") + command.operands +
+         " [OPTIONS]";
 }
 
 void PrintHelp(const Command& command) {
   std::string purpose = command.purpose;
   purpose[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(purpose[0])));
-  std::printf("usage: camtool %s%s%s%s\n\n%s.\n%s", command.name, *command.operands ? " " : "", command.operands,
-              command.options.empty() ? "" : " [OPTIONS]", purpose.c_str(), command.details);
-  if (!command.options.empty()) std::printf("\noptions:\n%s", DescribeOptions(command.options).c_str());
+  std::printf("%s\n\n%s.\n%s\noptions:\n%s", Usage(command).c_str(), purpose.c_str(), command.details,
+              DescribeOptions(command.options).c_str());
   std::puts("\nexit codes:");
   for (const ExitCode& code : kExitCodes) {
     if (std::ranges::find(command.exitCodes, code.code) == command.exitCodes.end()) continue;
@@ -53,7 +61,7 @@ int RunCommand(const Command& command, std::span<const std::string> arguments) {
   std::vector<std::string> operands;
   std::string error;
   int result = kUsageError;
-  if (ParseArguments(arguments, command.options, command.count, &operands, &error)) {
+  if (ParseArguments(arguments, command.options, command.operands, &operands, &error)) {
     // Records are 11 ms apart; the default timer is too coarse for that.
     timeBeginPeriod(1);
     result = command.run(operands);
@@ -62,8 +70,7 @@ int RunCommand(const Command& command, std::span<const std::string> arguments) {
     PrintError(error);
   }
   if (result == kUsageError) {
-    std::fprintf(stderr, "usage: camtool %s %s; see \"camtool %s --help\"\n", command.name, command.operands,
-                 command.name);
+    std::fprintf(stderr, "%s; run \"camtool %s --help\"\n", Usage(command).c_str(), command.name);
   }
   return result;
 }
@@ -74,6 +81,10 @@ int Run(std::span<const std::string> arguments) {
     return kUsageError;
   }
   const std::string& first = arguments.front();
+  if (first == "--version") {
+    std::puts("camtool " KV_VERSION_TEXT);
+    return kDone;
+  }
   if (first == "--help" || (first == "help" && arguments.size() == 1)) {
     PrintOverview(stdout);
     return kDone;
@@ -82,8 +93,7 @@ int Run(std::span<const std::string> arguments) {
   const std::string& name = isHelp ? arguments[1] : first;
   const auto command = std::ranges::find_if(kCommands, [&](const Command* v) { return name == v->name; });
   if (command == std::end(kCommands)) {
-    PrintError("there is no \"" + name + "\"");
-    PrintOverview(stderr);
+    PrintError("unknown command \"" + name + "\"; run \"camtool --help\"");
     return kUsageError;
   }
   if (isHelp) {

@@ -91,7 +91,7 @@ std::vector<std::string_view> SplitColumns(std::string_view line) {
 bool ReadCoordinate(std::string_view text, LONG* coordinate, std::string* error) {
   double number = kv::kNoPoint;
   if (!text.empty() && !ParseNumber(text, &number)) {
-    *error = "\"" + std::string(text) + "\" is no number";
+    *error = "\"" + std::string(text) + "\" is not a number";
     return false;
   }
   *coordinate = number >= 0 && number <= kv::kNoPoint ? std::lround(number) : -1;
@@ -110,7 +110,7 @@ bool ReadRow(const std::vector<std::string_view>& columns, bool hasTimes, PathRo
     return false;
   }
   if (hasTimes && (!ParseNumber(columns[0], &row->seconds) || row->seconds < 0 || row->seconds > 1e9)) {
-    *error = "\"" + std::string(columns[0]) + "\" is no time in seconds";
+    *error = "\"" + std::string(columns[0]) + "\" is not a time in seconds";
     return false;
   }
   std::ranges::fill(row->points, kv::CameraPoint{kv::kNoPoint, kv::kNoPoint});
@@ -133,7 +133,7 @@ bool AddRow(std::string_view line, PointPath* path, std::string* error) {
   PathRow row{};
   if (!ReadRow(columns, path->hasTimes, &row, error)) return false;
   if (!path->rows.empty() && path->hasTimes && row.seconds < path->rows.back().seconds) {
-    *error = "its time is before that of the row above";
+    *error = "the time is before that of the row above";
     return false;
   }
   path->rows.push_back(row);
@@ -157,7 +157,7 @@ bool ParsePath(std::string_view text, PointPath* path, std::string* error) {
     }
   }
   if (!path->rows.empty()) return true;
-  *error = "it holds no points";
+  *error = "no points found";
   return false;
 }
 

@@ -19,10 +19,10 @@ namespace {
 constexpr size_t kSampleShown = 32;
 // A pause that puts Tarnwick's reader back in step.
 constexpr double kRealigningGap = 0.005;
-constexpr char kIndent[] = "                  ";
+constexpr char kIndent[] = "                      ";
 
 std::string Line(int number, const char* state, const std::string& rest) {
-  std::string line = camera::Format("%-7s%-11s", ("COM" + std::to_string(number)).c_str(), state) + rest;
+  std::string line = camera::Format("%-7s%-15s", ("COM" + std::to_string(number)).c_str(), state) + rest;
   return line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
 }
 
@@ -57,11 +57,11 @@ std::string DescribeCamera(const PortReport& report) {
   return text;
 }
 
-std::string DescribeTalk(const PortReport& report) {
+std::string DescribeOther(const PortReport& report) {
   const std::string_view sample = std::string_view(report.sample).substr(0, kSampleShown);
   std::string text = Line(
-      report.number, "talks",
-      camera::Format("%lld bytes in %.1f s, but no camera's records: ", report.stream.bytes, report.listenedSeconds) +
+      report.number, "sending",
+      camera::Format("%lld bytes in %.1f s, but no camera records: ", report.stream.bytes, report.listenedSeconds) +
           "\"" + camera::Printable(sample) + "\"" + (report.sample.size() > sample.size() ? "..." : ""));
   if (!report.recordRates.empty()) {
     text += kIndent + ("a camera set to " + Rates(report.recordRates)) +
@@ -83,13 +83,13 @@ bool IsCamera(const PortReport& report) {
 
 std::string DescribePort(const PortReport& report) {
   if (!report.hasAnswered) {
-    return Line(report.number, "hangs", "opening it takes longer than the scan; its device does not answer");
+    return Line(report.number, "hangs", "opening it takes longer than the scan; its device does not respond");
   }
   switch (report.port.state) {
     case camera::PortState::kAbsent: return Line(report.number, "absent", "");
     case camera::PortState::kBusy: return Line(report.number, "busy", camera::WhyNotOpened(report.number, report.port));
     case camera::PortState::kNoRight:
-      return Line(report.number, "no right", camera::WhyNotOpened(report.number, report.port));
+      return Line(report.number, "access denied", camera::WhyNotOpened(report.number, report.port));
     case camera::PortState::kUnusable:
       return Line(report.number, "unusable", camera::WhyNotOpened(report.number, report.port));
     default: break;
@@ -98,11 +98,12 @@ std::string DescribePort(const PortReport& report) {
   if (IsCamera(report)) {
     text = DescribeCamera(report);
   } else if (report.stream.bytes > 0) {
-    text = DescribeTalk(report);
+    text = DescribeOther(report);
   } else {
-    text = Line(report.number, "silent", camera::Format("opens, but nothing came in %.1f s", report.listenedSeconds));
+    text =
+        Line(report.number, "silent", camera::Format("opens, but no data received in %.1f s", report.listenedSeconds));
   }
-  if (report.wentAway) text += kIndent + std::string("went away while it was listened to\n");
+  if (report.wentAway) text += kIndent + std::string("was disconnected during the scan\n");
   return text;
 }
 
@@ -142,13 +143,13 @@ std::string DescribeVerdict(std::span<const PortReport> reports) {
     stillSearching -= chance;
   }
   if (!likeliest) {
-    return isCameraThere ? "Tarnwick would take no port: the camera sends too little in one go.\n"
+    return isCameraThere ? "Tarnwick would take no port: the camera sends too few bytes without a pause.\n"
                          : "Tarnwick would take no port: none sends what a camera would.\n";
   }
   if (!IsCamera(*likeliest)) {
     return camera::Format("Tarnwick would take COM%d, which is no camera%s\n", likeliest->number,
                           isCameraThere ? ", before it comes to the camera; unplug that device."
-                                        : ": it takes the first port that talks.");
+                                        : ": it takes the first port that sends.");
   }
   return camera::Format("Tarnwick would take COM%d; one press of its button finds the camera in %.0f of 100 tries%s\n",
                         likeliest->number, findsCamera * 100,

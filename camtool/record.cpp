@@ -33,10 +33,11 @@ struct Settings {
 } settings;
 
 const Option kOptions[] = {
-    {"--seconds", "SECONDS", "end after so long", NumberOption{&settings.seconds, 0.1, 1e9}},
-    {"--size", "BYTES", "end before the file is larger than this, such as 10M", SizeOption{&settings.size}},
-    {"--forward", "PORT", "pass the bytes on to this port as well, for Tarnwick to show", &settings.forward},
-    {"--overwrite", nullptr, "replace a file that exists", &settings.overwrite},
+    {"--seconds", "SECONDS", "end after this time (default: no limit)", NumberOption{&settings.seconds, 0.1, 1e9}},
+    {"--size", "BYTES", "end before the file is larger than this, such as 10M (default: no limit)",
+     SizeOption{&settings.size}},
+    {"--forward", "PORT", "send the bytes to this port as well, for Tarnwick to show", &settings.forward},
+    {"--overwrite", nullptr, "replace an existing file", &settings.overwrite},
 };
 
 constexpr int kExits[] = {kDone, kFailed, kUsageError, kNoPort};
@@ -80,7 +81,7 @@ bool Keep(Recorder* recorder, double seconds, const std::string& bytes) {
     camera::WritePort(recorder->forward.handle(), bytes.data(), bytes.size(), kForwardPatienceMs);
   }
   // A crash of this process loses nothing; a machine that loses its power loses at most this much.
-  if (seconds + recorder->start - recorder->lastFlush >= kFlushSeconds) {
+  if (recorder->file.path != "-" && seconds + recorder->start - recorder->lastFlush >= kFlushSeconds) {
     FlushFileBuffers(recorder->file.file);
     recorder->lastFlush = seconds + recorder->start;
   }
@@ -132,14 +133,15 @@ int RecordTo(Recorder* recorder, int port) {
   camera::AppendToOutput(&recorder->file, camera::EncodeEnd(Microseconds(seconds)), &unused);
   camera::EndStream(&recorder->stream);
   const camera::RecordStream& stream = recorder->stream;
-  std::printf("%lld records, %lld bytes, %.1f s in %s\n", stream.records, stream.bytes, seconds,
-              recorder->file.path.c_str());
+  FILE* out = recorder->file.path == "-" ? stderr : stdout;
+  std::fprintf(out, "%lld records, %lld bytes, %.1f s to %s\n", stream.records, stream.bytes, seconds,
+               recorder->file.path == "-" ? "standard output" : recorder->file.path.c_str());
   if (stream.malformedStretches > 0) {
-    std::printf("%s; they are in the recording, too\n", camera::DescribeMalformed(stream).c_str());
+    std::fprintf(out, "%s; they are in the recording, too\n", camera::DescribeMalformed(stream).c_str());
   }
   if (stream.bytes == 0) {
     PrintError(camera::Format("no data received in %.0f s", seconds) +
-               (recorder->file.part.empty() ? "" : "; \"" + recorder->file.path + "\" was left as it is") +
+               (recorder->file.part.empty() ? "" : "; \"" + recorder->file.path + "\" was left as it was") +
                "; run \"camtool scan\" to see which ports send");
   }
   if (failure.empty()) return kDone;
@@ -148,14 +150,15 @@ int RecordTo(Recorder* recorder, int port) {
 }
 
 int RunRecord(const std::vector<std::string>& operands) {
-  const int port = ParsePort(operands[0]);
-  const int forward = settings.forward.empty() ? 0 : ParsePort(settings.forward);
-  if (port == 0 || (forward == 0 && !settings.forward.empty())) {
-    PrintError("the port must be COM1 to COM999");
+  const int port = PortOrPrintError(operands[0]);
+  const int forward = settings.forward.empty() ? 0 : PortOrPrintError(settings.forward);
+  if (port == 0 || (forward == 0 && !settings.forward.empty())) return kUsageError;
+  if (forward == port) {
+    PrintError("--forward requires another port than the one that is recorded");
     return kUsageError;
   }
-  if (forward == port) {
-    PrintError("--forward names the port that is recorded; its own bytes would come back to the camera");
+  if (operands[1] == "-" && IsConsole(GetStdHandle(STD_OUTPUT_HANDLE))) {
+    PrintError("standard output is a console; redirect it to a file or another program");
     return kUsageError;
   }
   Recorder recorder;
@@ -176,9 +179,8 @@ int RunRecord(const std::vector<std::string>& operands) {
 const Command kRecordCommand = {
     "record",
     "PORT FILE",
-    {2, 2},
-    "keeps what comes over a port, with the time of each arrival, in a file",
-    "Goes on until Ctrl+C or a limit. What is written stays readable wherever the file is cut off.\n",
+    "records what a port receives, with the time of each arrival",
+    "Runs until Ctrl+C or a limit. The recording stays readable wherever it ends. FILE may be - for standard output.\n",
     kOptions,
     kExits,
     RunRecord};

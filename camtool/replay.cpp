@@ -29,9 +29,10 @@ struct Settings {
 } settings;
 
 const Option kOptions[] = {
-    {"--speed", "FACTOR", "so many times as fast; 0.5 is half as fast", NumberOption{&settings.speed, 0.001, 1000}},
-    {"--loop", nullptr, "begin anew at the end, until Ctrl+C", &settings.loop},
-    {"--seconds", "SECONDS", "end after so long", NumberOption{&settings.seconds, 0.1, 1e9}},
+    {"--speed", "FACTOR", "times as fast; 0.5 is half as fast (default 1)", NumberOption{&settings.speed, 0.001, 1000}},
+    {"--loop", nullptr, "start again at the end, until Ctrl+C", &settings.loop},
+    {"--seconds", "SECONDS", "end after this time (default: at the end of the recording)",
+     NumberOption{&settings.seconds, 0.1, 1e9}},
 };
 
 constexpr int kExits[] = {kDone, kFailed, kUsageError, kNoPort, kDamaged, kEmpty};
@@ -90,7 +91,7 @@ int Play(Player* player, int port) {
     // The quiet at the end belongs to the recording.
     if (!settings.loop && !IsOver(*player)) WaitInPlay(*player, begin);
   }
-  std::printf("%lld bytes sent, %lld lost because nobody listened, %.1f s\n", player->bytes, player->lostBytes,
+  std::printf("%lld bytes sent, %lld lost because nothing read them, %.1f s\n", player->bytes, player->lostBytes,
               camera::Now() - player->start);
   if (player->isGone) PrintError("COM" + std::to_string(port) + " was disconnected");
   if (!player->recording.error.empty()) PrintError(player->recording.error);
@@ -101,9 +102,10 @@ int Play(Player* player, int port) {
 }
 
 int RunReplay(const std::vector<std::string>& operands) {
-  const int port = ParsePort(operands[1]);
-  if (port == 0) {
-    PrintError("the port must be COM1 to COM999");
+  const int port = PortOrPrintError(operands[1]);
+  if (port == 0) return kUsageError;
+  if (settings.loop && operands[0] == "-") {
+    PrintError("--loop requires a file; standard input can be read only once");
     return kUsageError;
   }
   Player player{};
@@ -125,9 +127,8 @@ int RunReplay(const std::vector<std::string>& operands) {
 
 const Command kReplayCommand = {"replay",
                                 "FILE PORT",
-                                {2, 2},
-                                "sends a recording to a port, byte for byte and pause for pause",
-                                "A recording that was cut off is played as far as it goes.\n",
+                                "sends a recording to a port with its original timing",
+                                "A truncated recording is sent as far as it goes. FILE may be - for standard input.\n",
                                 kOptions,
                                 kExits,
                                 RunReplay};

@@ -39,8 +39,8 @@ struct Settings {
 } settings;
 
 const Option kOptions[] = {
-    {"--watch", nullptr, "scan again and again, until Ctrl+C", &settings.watch},
-    {"--all", nullptr, "a line for each absent port, too", &settings.all},
+    {"--watch", nullptr, "scan repeatedly, until Ctrl+C", &settings.watch},
+    {"--all", nullptr, "print a line for each absent port, too", &settings.all},
 };
 
 constexpr int kExits[] = {kDone, kUsageError, kNoCamera};
@@ -190,10 +190,9 @@ int RunScan(const std::vector<std::string>&) {
 const Command kScanCommand = {
     "scan",
     "",
-    {0, 0},
-    "tells what is on COM1 to COM98 and which port Tarnwick would take",
-    "Takes less than two seconds. Each port is one of: absent, busy, no right, unusable (opens, but\n"
-    "is no serial port), hangs, silent, talks (but is no camera), camera.\n",
+    "says what is on COM1 to COM98 and which port Tarnwick would take",
+    "Takes less than two seconds. Each port is one of: absent, busy, access denied, unusable (opens, but is no serial\n"
+    "port), hangs, silent, sending (but no camera), camera.\n",
     kOptions,
     kExits,
     RunScan};

@@ -36,35 +36,37 @@ struct Settings {
 } settings;
 
 const Option kOptions[] = {
-    {"--rate", "RECORDS", "records a second", NumberOption{&settings.rate, 0.1, kHighestRate}},
-    {"--seconds", "SECONDS", "end after so long", NumberOption{&settings.seconds, 0.1, 1e9}},
-    {"--path", "FILE", "points from a file of comma-separated values, such as export writes", &settings.path},
-    {"--drop", "HOW-OFTEN", "leave out a record", &settings.faults.triggers[kDropFault]},
+    {"--rate", "RECORDS", "records a second (default 93)", NumberOption{&settings.rate, 0.1, kHighestRate}},
+    {"--seconds", "SECONDS", "end after this time (default: no limit)", NumberOption{&settings.seconds, 0.1, 1e9}},
+    {"--path", "FILE", "points from comma-separated values, as export writes them (default: built-in curves)",
+     &settings.path},
+    {"--drop", "HOW-OFTEN", "omit a record", &settings.faults.triggers[kDropFault]},
     {"--duplicate", "HOW-OFTEN", "send a record twice", &settings.faults.triggers[kDuplicateFault]},
     {"--corrupt", "HOW-OFTEN", "replace one to three bytes of a record", &settings.faults.triggers[kCorruptFault]},
     {"--cut", "HOW-OFTEN", "end a record early", &settings.faults.triggers[kCutFault]},
     {"--merge", "HOW-OFTEN", "let a record run into the next one, without closing bytes",
      &settings.faults.triggers[kMergeFault]},
     {"--garbage", "HOW-OFTEN", "send up to 64 random bytes before a record", &settings.faults.triggers[kGarbageFault]},
-    {"--pause", "HOW-OFTEN", "send nothing for a while", &settings.faults.triggers[kPauseFault]},
-    {"--pause-seconds", "SECONDS", "how long (0.5)", NumberOption{&settings.faults.pauseSeconds, 0.001, 3600}},
-    {"--hang-up", "HOW-OFTEN", "close the port for a while, then come back", &settings.faults.triggers[kHangUpFault]},
-    {"--hang-up-seconds", "SECONDS", "how long (2)", NumberOption{&settings.faults.hangUpSeconds, 0.001, 3600}},
-    {"--slow", "HOW-OFTEN", "send at a quarter of the pace for a while", &settings.faults.triggers[kSlowFault]},
-    {"--fast", "HOW-OFTEN", "send at three times the pace for a while", &settings.faults.triggers[kFastFault]},
-    {"--stretch-seconds", "SECONDS", "how long slow and fast last (2)",
+    {"--pause", "HOW-OFTEN", "send nothing for some time", &settings.faults.triggers[kPauseFault]},
+    {"--pause-seconds", "SECONDS", "how long (default 0.5)", NumberOption{&settings.faults.pauseSeconds, 0.001, 3600}},
+    {"--hang-up", "HOW-OFTEN", "close the port for some time, then open it again",
+     &settings.faults.triggers[kHangUpFault]},
+    {"--hang-up-seconds", "SECONDS", "how long (default 2)", NumberOption{&settings.faults.hangUpSeconds, 0.001, 3600}},
+    {"--slow", "HOW-OFTEN", "send at a quarter of the rate for some time", &settings.faults.triggers[kSlowFault]},
+    {"--fast", "HOW-OFTEN", "send at three times the rate for some time", &settings.faults.triggers[kFastFault]},
+    {"--stretch-seconds", "SECONDS", "how long slow and fast last (default 2)",
      NumberOption{&settings.faults.stretchSeconds, 0.01, 3600}},
-    {"--seed", "NUMBER", "the same number gives the same faults (1)", NumberOption{&settings.seed, 0, 4294967295.0}},
+    {"--seed", "NUMBER", "the same number gives the same faults (default 1)",
+     NumberOption{&settings.seed, 0, 4294967295.0}},
 };
 
 constexpr int kExits[] = {kDone, kFailed, kUsageError, kNoPort, kEmpty};
 
 constexpr char kDetails[] =
-    "Goes on until Ctrl+C or --seconds. HOW-OFTEN is a chance for each record (5% or 0.05), a count (50: every 50th\n"
-    "record) or a period of the camera's own time (10s, 500ms).\n"
-    "A file of --path has a row for each moment with up to four x,y pairs, with or without the time in seconds in "
-    "front;\n"
-    "without it each row is for one record.\n";
+    "Runs until Ctrl+C or --seconds. HOW-OFTEN is a probability for each record (5% or 0.05), a count (50: every 50th\n"
+    "record) or a period of the camera's own time (10s, 500ms); without the option, the fault does not happen.\n"
+    "A file of --path has a row for each moment with up to four x,y pairs, with the time in seconds before them or\n"
+    "without; then each row is for one record. FILE may be - for standard input.\n";
 
 struct Camera {
   int number;
@@ -118,7 +120,7 @@ void Stream(Camera* camera) {
 }
 
 void PrintSummary(const Camera& camera) {
-  std::printf("%ld records sent, %ld dropped because nobody listened, %.1f s\n", camera.sent, camera.lost,
+  std::printf("%ld records sent, %ld dropped because nothing read them, %.1f s\n", camera.sent, camera.lost,
               camera::Now() - camera.start);
   std::string faults;
   for (int i = 0; i < kFaultCount; ++i) {
@@ -134,7 +136,11 @@ int ReadPath(PointPath* path) {
     PrintError("\"" + settings.path + "\" is empty");
     return kEmpty;
   }
-  if (error.empty() && !ParsePath(text, path, &error)) error = "\"" + settings.path + "\", " + error;
+  if (text.starts_with(camera::kRecordingMagic)) {
+    error = "\"" + settings.path +
+            "\" is a recording; send it with \"camtool replay\", or convert it with \"camtool export\"";
+  }
+  if (error.empty() && !ParsePath(text, path, &error)) error = "\"" + settings.path + "\": " + error;
   if (error.empty()) return kDone;
   PrintError(error);
   return kFailed;
@@ -142,11 +148,8 @@ int ReadPath(PointPath* path) {
 
 int RunSimulate(const std::vector<std::string>& operands) {
   Camera camera{};
-  camera.number = ParsePort(operands[0]);
-  if (camera.number == 0) {
-    PrintError("the port must be COM1 to COM999");
-    return kUsageError;
-  }
+  camera.number = PortOrPrintError(operands[0]);
+  if (camera.number == 0) return kUsageError;
   const int read = settings.path.empty() ? kDone : ReadPath(&camera.path);
   if (read != kDone) return read;
   StopEvent();
@@ -165,7 +168,8 @@ int RunSimulate(const std::vector<std::string>& operands) {
 
 }  // namespace
 
-const Command kSimulateCommand = {"simulate", "PORT",   {1, 1}, "plays a camera into a port, with faults if wanted",
-                                  kDetails,   kOptions, kExits, RunSimulate};
+const Command kSimulateCommand = {
+    "simulate", "PORT",     "sends records to a port as a camera would, with faults if wanted", kDetails, kOptions,
+    kExits,     RunSimulate};
 
 }  // namespace camtool

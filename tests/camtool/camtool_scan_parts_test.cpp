@@ -91,9 +91,9 @@ TEST(CamtoolScan, TellsWhatEachPortIsAndWhichOneTarnwickTakes) {
   camera::FeedStream(&camera.stream, 0.01, kRecord, nullptr);
   camera.pressChance = 0.8;
   const std::string said = DescribePorts(reports, false);
-  for (const char* text :
-       {"COM1   busy", "close it", "COM2   hangs", "COM3   talks", "\"ab\\xFF\"", "4800 or 9600 baud", "COM4   absent",
-        "COM5   camera     100.0 records/s, 100.0 %", "longest gap 10 ms", "100,200 300,400 1023,1023 512,384"}) {
+  for (const char* text : {"COM1   busy", "close it", "COM2   hangs", "COM3   sending", "\"ab\\xFF\"",
+                           "4800 or 9600 baud", "COM4   absent", "COM5   camera         100.0 records/s, 100.0 %",
+                           "longest gap 10 ms", "100,200 300,400 1023,1023 512,384"}) {
     EXPECT_PRED2(isSaid, said, text);
   }
   EXPECT_PRED2(isSaid, DescribeVerdict(reports), "COM5; one press of its button finds the camera in 80 of 100");

@@ -46,23 +46,32 @@ std::string TemporaryFile(const char* name) {
 // A run of camtool, its outputs in files.
 class Camtool {
  public:
-  explicit Camtool(const std::string& arguments) {
+  // `input` is a file for its standard input; with `isClosed` nobody reads its output.
+  explicit Camtool(const std::string& arguments, const std::string& input = "NUL", bool isClosed = false) {
     const std::string number = std::to_string(++count_);
     SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
-    HANDLE files[2];
+    HANDLE files[3];
+    files[0] = CreateFileA(input.c_str(), GENERIC_READ, FILE_SHARE_READ, &inherited, OPEN_EXISTING, 0, nullptr);
     for (int i = 0; i < 2; ++i) {
       paths_[i] = TemporaryFile(i ? "camtool errors " : "camtool output ") + number;
-      files[i] = CreateFileA(paths_[i].c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS, 0, nullptr);
+      files[i + 1] =
+          CreateFileA(paths_[i].c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS, 0, nullptr);
+    }
+    if (HANDLE reader; isClosed) {
+      CloseHandle(files[1]);
+      CreatePipe(&reader, &files[1], &inherited, 0);
+      CloseHandle(reader);
     }
     std::string command = "\"Z:" KV_CAMTOOL_EXE "\" " + arguments;
     STARTUPINFOA start{};
     start.cb = sizeof(start);
     start.dwFlags = STARTF_USESTDHANDLES;
-    start.hStdOutput = files[0];
-    start.hStdError = files[1];
+    start.hStdInput = files[0];
+    start.hStdOutput = files[1];
+    start.hStdError = files[2];
     PROCESS_INFORMATION info{};
     CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &info);
-    for (HANDLE handle : {info.hThread, files[0], files[1]}) CloseHandle(handle);
+    for (HANDLE handle : {info.hThread, files[0], files[1], files[2]}) CloseHandle(handle);
     process_ = info.hProcess;
   }
   ~Camtool() {
@@ -125,12 +134,12 @@ TEST(Camtool, ScansSilentBusyTalkingAndCameraPorts) {
   sender.join();
   const std::string said = scan.Said();
   EXPECT_EQ(camtool::kDone, code);
-  EXPECT_PRED2(Says, said, "COM5   talks");
+  EXPECT_PRED2(Says, said, "COM5   sending");
   EXPECT_PRED2(Says, said, "wrong baud rate: records sent at 9600");
   EXPECT_PRED2(Says, said, "COM7   camera");
   EXPECT_PRED2(Says, said, "100,200 300,400 1023,1023 512,384");
   EXPECT_PRED2(Says, said, "COM9   silent");
-  EXPECT_PRED2(Says, said, "COM11  busy       COM11 is in use by test_camtool.exe; close it");
+  EXPECT_PRED2(Says, said, "COM11  busy           COM11 is in use by test_camtool.exe; close it");
   EXPECT_PRED2(Says, said, "COM13 to COM98  absent");
   EXPECT_PRED2(Says, said, "Tarnwick would take COM5, which is no camera, before it comes to the camera");
 }
@@ -141,48 +150,70 @@ TEST(Camtool, RecordsReplaysAndExports) {
   const std::string first = TemporaryFile("camtool first é.twr"), second = TemporaryFile("camtool second.twr");
   const std::string csv = TemporaryFile("camtool points.csv");
   for (const std::string& path : {first, second, csv}) DeleteFileA(path.c_str());
-  const auto waitForBytes = [](const std::string& path) {
-    return WaitUntil([&] { return ReadFileText(path).size() >= camera::kRecordingHeaderBytes; },
-                             std::chrono::milliseconds(20000));
+  const auto holdsHeader = [](const auto& read) {
+    return WaitUntil([&] { return read().size() >= camera::kRecordingHeaderBytes; }, std::chrono::milliseconds(20000));
   };
   {
     const Camtool record("record COM3 \"" + first + "\" --seconds 5");
-    ASSERT_TRUE(waitForBytes(first)) << record.Said();
+    ASSERT_TRUE(holdsHeader([&] { return ReadFileText(first); })) << record.Said();
     const Camtool simulate("simulate COM4 --seconds 2 --garbage 20 --cut 30 --drop 10% --seed 5");
     EXPECT_EQ(camtool::kDone, simulate.Wait()) << simulate.Said();
     EXPECT_PRED2(Says, simulate.Said(), "(seed 5)");
     EXPECT_EQ(camtool::kDone, record.Wait()) << record.Said();
   }
+  const std::string whole = ReadFileText(first);
+  const Camtool refused("record COM3 \"" + first + "\" --seconds 1");
+  EXPECT_EQ(camtool::kFailed, refused.Wait());
+  EXPECT_PRED2(Says, refused.Said(), "exists and was left as it is");
+  const Camtool silent("record COM3 \"" + first + "\" --overwrite --seconds 0.2");
+  EXPECT_EQ(camtool::kDone, silent.Wait());
+  EXPECT_PRED2(Says, silent.Said(), "no data received");
+  EXPECT_EQ(whole, ReadFileText(first)) << "what is replaced stays until there is something in its place";
   {
-    const Camtool refused("record COM3 \"" + first + "\" --seconds 1");
-    EXPECT_EQ(camtool::kFailed, refused.Wait());
-    EXPECT_PRED2(Says, refused.Said(), "exists and was left as it is");
-    const std::string whole = ReadFileText(first);
-    const Camtool silent("record COM3 \"" + first + "\" --overwrite --seconds 0.2");
-    EXPECT_EQ(camtool::kDone, silent.Wait());
-    EXPECT_PRED2(Says, silent.Said(), "no data received");
-    EXPECT_EQ(whole, ReadFileText(first)) << "what is replaced stays until there is something in its place";
-    const Camtool record("record COM3 \"" + second + "\" --seconds 8");
-    ASSERT_TRUE(waitForBytes(second)) << record.Said();
-    const Camtool replay("replay \"" + first + "\" COM4 --speed 2");
+    const Camtool record("record COM3 - --seconds 8");
+    ASSERT_TRUE(holdsHeader([&] { return record.Output(); })) << record.Said();
+    const Camtool replay("replay - COM4 --speed 2", first);
     EXPECT_EQ(camtool::kDone, replay.Wait()) << replay.Said();
     EXPECT_EQ(camtool::kDone, record.Wait()) << record.Said();
+    WriteFileText(second, record.Output());
   }
   const Camtool toFile("export \"" + first + "\" \"" + csv + "\"");
   EXPECT_EQ(camtool::kDone, toFile.Wait()) << toFile.Said();
   EXPECT_PRED2(Says, toFile.Said(), "malformed stretches, ");
   const std::string points = PointsOf(ReadFileText(csv));
   EXPECT_GT(std::ranges::count(points, '\n'), 50);
+  const Camtool watch("watch --csv -", first), closed("watch \"" + first + "\"", "NUL", true);
+  EXPECT_EQ(camtool::kDone, watch.Wait());
+  EXPECT_EQ(ReadFileText(csv), watch.Output());
+  EXPECT_EQ(camtool::kDone, closed.Wait());
+  EXPECT_EQ("", closed.Said());
 
-  // Cut off within its last chunk but one, it gives all rows but the last ones.
+  // Truncated within its last chunk but one, it gives all rows but the last ones.
   const std::string bytes = ReadFileText(second);
-  std::ofstream(second, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size() - 40));
+  WriteFileText(second, bytes.substr(0, bytes.size() - 40));
   const Camtool toOutput("export \"" + second + "\"");
   EXPECT_EQ(camtool::kDone, toOutput.Wait());
-  EXPECT_PRED2(Says, toOutput.Said(), "was cut off");
+  EXPECT_PRED2(Says, toOutput.Said(), "is truncated");
   const std::string again = PointsOf(toOutput.Output());
   EXPECT_EQ(points.substr(0, 1000), again.substr(0, 1000)) << "the same points in the same order";
   for (const std::string& path : {first, second, csv}) DeleteFileA(path.c_str());
+}
+
+TEST(Camtool, WatchesAPortUntilItIsDisconnected) {
+  if (!SerialLine::CanUnplug()) GTEST_SKIP() << "no pair of ports can be made here";
+  SerialLine line({3, 4});
+  PlayedCamera camera(4);
+  const Camtool watch("watch COM3 --json");
+  const bool isShown = WaitUntil(
+      [&] {
+        camera.Send("0100,0200,0300,0400,1023,1023,0512,0384\r\n");
+        return Says(watch.Output(), "\"points\":[[100,200],[300,400],null,[512,384]]}");
+      },
+      std::chrono::milliseconds(20000));
+  EXPECT_TRUE(isShown) << watch.Said();
+  line.Unplug();
+  EXPECT_EQ(camtool::kFailed, watch.Wait());
+  EXPECT_PRED2(Says, watch.Said(), "COM3 was disconnected");
 }
 
 TEST(Camtool, HasAPortForItselfAlone) {
@@ -201,8 +232,8 @@ TEST(Camtool, LosesNoFileThatExists) {
   const std::string recording = TemporaryFile("camtool kept.twr"), link = TemporaryFile("camtool link.twr");
   const std::string csv = TemporaryFile("camtool kept.csv"), record = "0100,0200,0300,0400,1023,1023,0512,0384";
   // The last number of the second record runs on into its closing bytes: no row that simulate could not read.
-  const std::string bytes =
-      camera::EncodeHeader({}) + camera::EncodeChunks(1, record + "\r\n" + record + "05") + camera::EncodeEnd(2);
+  const std::string bytes = camera::EncodeHeader({133801632000000000, 38400, 3}) +
+                            camera::EncodeChunks(1, record + "\r\n" + record + "05") + camera::EncodeEnd(2);
   WriteFileText(recording, bytes);
   WriteFileText(csv, "old");
   DeleteFileA(link.c_str());
@@ -223,9 +254,15 @@ TEST(Camtool, LosesNoFileThatExists) {
     EXPECT_EQ(camtool::kFailed, run.Wait());
     EXPECT_EQ("old", ReadFileText(csv));
   }
-  const Camtool run(toCsv);
+  const Camtool run(toCsv), info("info \"" + recording + "\""), json("info --json -", recording);
   EXPECT_EQ(camtool::kDone, run.Wait()) << run.Said();
   EXPECT_PRED2(Says, run.Said(), "2 records; no malformed stretches; 1 odd");
+  EXPECT_EQ(camtool::kDone, info.Wait());
+  EXPECT_PRED2(Says, info.Said(), "2025-01-01 00:00:00 UTC, COM3, 38400 baud");
+  EXPECT_PRED2(Says, info.Said(), "1      100.0 %   100 to  100   200 to  200");
+  EXPECT_EQ(camtool::kDone, json.Wait());
+  EXPECT_PRED2(Says, json.Said(), "\"records\":2,");
+  EXPECT_PRED2(Says, json.Said(), "{\"seen\":0.000000},{\"seen\":1.000000,\"x\":{\"lowest\":512,\"highest\":512");
   EXPECT_EQ("seconds,x1,y1,x2,y2,x3,y3,x4,y4\n0.000001,100,200,300,400,1023,1023,512,384\n", ReadFileText(csv));
   WIN32_FIND_DATAA part;
   EXPECT_EQ(INVALID_HANDLE_VALUE, FindFirstFileA(TemporaryFile("camtool kept*.part").c_str(), &part));
@@ -247,19 +284,22 @@ TEST(Camtool, LosesNoFileThatExists) {
   for (const std::string& path : {recording, link, csv}) DeleteFileA(path.c_str());
 }
 
-TEST(Camtool, RefusesWhatItCannotDo) {
-  const std::pair<const char*, int> cases[] = {{"", camtool::kUsageError},
-                                               {"nonsense", camtool::kUsageError},
-                                               {"simulate COM1000", camtool::kUsageError},
-                                               {"simulate COM4 --rate fast", camtool::kUsageError},
-                                               {"simulate COM77", camtool::kNoPort},
-                                               {"record COM77 nothing.twr", camtool::kNoPort},
-                                               {"export nothing.twr", camtool::kFailed},
-                                               {"scan --help", camtool::kDone}};
-  for (const auto& [arguments, code] : cases) {
+TEST(Camtool, RejectsWhatItCannotDo) {
+  const std::tuple<const char*, int, const char*> cases[] = {
+      {"", camtool::kUsageError, "camtool COMMAND --help"},
+      {"nonsense", camtool::kUsageError, "unknown command \"nonsense\"; run \"camtool --help\""},
+      {"record COM4", camtool::kUsageError, "missing argument FILE"},
+      {"simulate COM1000", camtool::kUsageError, "\"COM1000\" is not a port"},
+      {"replay - COM4 --loop", camtool::kUsageError, "requires a file"},
+      {"record COM77 nothing.twr", camtool::kNoPort, "COM77 does not exist"},
+      {"export nothing.twr", camtool::kFailed, "cannot read \"nothing.twr\""},
+      {"info -", camtool::kEmpty, "is empty"},
+      {"simulate --help", camtool::kDone, "records a second (default 93)"},
+      {"--version", camtool::kDone, "camtool 0."}};
+  for (const auto& [arguments, code, said] : cases) {
     const Camtool run(arguments);
     EXPECT_EQ(code, run.Wait()) << arguments;
-    EXPECT_NE("", run.Said());
+    EXPECT_PRED2(Says, run.Said(), said);
   }
   EXPECT_EQ(INVALID_FILE_ATTRIBUTES, GetFileAttributesA("nothing.twr"));
 }

@@ -1,0 +1,177 @@
+// camtool watch: the records of a port or a recording as lines of text.
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+#include "app/camera_point.h"
+#include "camera/files.h"
+#include "camera/ports.h"
+#include "camera/record_stream.h"
+#include "camera/text.h"
+#include "camtool/commands.h"
+#include "camtool/console.h"
+
+namespace camtool {
+
+namespace {
+
+constexpr size_t kBufferBytes = 65536;
+constexpr DWORD kTurnMs = 100;
+constexpr double kSilentSeconds = 5;
+
+struct Settings {
+  double seconds = 0;  // 0 = without end
+  bool csv = false, json = false;
+} settings;
+
+const Option kOptions[] = {
+    {"--csv", nullptr, "comma-separated values, as export writes them", &settings.csv},
+    {"--json", nullptr, "a JSON object on each line", &settings.json},
+    {"--seconds", "SECONDS", "end after this time (default: no limit)", NumberOption{&settings.seconds, 0.1, 1e9}},
+};
+
+constexpr int kExits[] = {kDone, kFailed, kUsageError, kNoPort, kDamaged, kEmpty};
+
+struct Watcher {
+  camera::OutputFile out;
+  camera::RecordStream stream;
+  std::vector<camera::FoundRecord> found;
+  std::string buffer, error;
+  bool isOver = false;  // the time that was asked for has passed
+};
+
+bool IsSeen(const kv::CameraPoint& point) {
+  return point.x != kv::kNoPoint && point.y != kv::kNoPoint;
+}
+
+void AppendText(const camera::FoundRecord& record, std::string* text) {
+  *text += camera::Format("%10.3f", record.seconds);
+  for (const kv::CameraPoint& point : record.points) {
+    const std::string shown = IsSeen(point) ? camera::Format("%ld,%ld", point.x, point.y) : std::string("-");
+    *text += camera::Format("  %9s", shown.c_str());
+  }
+  *text += record.isOdd ? "  odd\n" : "\n";
+}
+
+void AppendJson(const camera::FoundRecord& record, std::string* text) {
+  *text += camera::Format("{\"seconds\":%.6f,\"points\":", record.seconds);
+  char separator = '[';
+  for (const kv::CameraPoint& point : record.points) {
+    *text += separator + (IsSeen(point) ? camera::Format("[%ld,%ld]", point.x, point.y) : std::string("null"));
+    separator = ',';
+  }
+  *text += record.isOdd ? "],\"odd\":true}\n" : "]}\n";
+}
+
+bool Flush(Watcher* watcher) {
+  const bool done = AppendToOutput(&watcher->out, watcher->buffer, &watcher->error);
+  watcher->buffer.clear();
+  return done;
+}
+
+// The lines of the records that were found last, of which `isLive` shows each at once. False when they cannot be
+// written.
+bool Show(Watcher* watcher, bool isLive) {
+  for (const camera::FoundRecord& record : watcher->found) {
+    watcher->isOver = settings.seconds > 0 && record.seconds > settings.seconds;
+    if (watcher->isOver) break;
+    if (settings.json) {
+      AppendJson(record, &watcher->buffer);
+    } else if (!settings.csv) {
+      AppendText(record, &watcher->buffer);
+    } else if (record.isInRange) {
+      camera::AppendCsvRow(record, &watcher->buffer);
+    }
+  }
+  return !(isLive || watcher->buffer.size() >= kBufferBytes) || Flush(watcher);
+}
+
+// The exit code of a watch that ended early, or kDone.
+int EndOf(const Watcher& watcher) {
+  if (watcher.error.empty()) return kDone;
+  PrintError(watcher.error);
+  return kFailed;
+}
+
+int WatchRecording(Watcher* watcher, const std::string& path) {
+  camera::RecordingFile recording;
+  if (!OpenRecording(path, &recording)) {
+    PrintError(recording.error);
+    return recording.isEmpty ? kEmpty : kFailed;
+  }
+  bool isWritten = true;
+  while (isWritten && !IsStopRequested() && !watcher->isOver &&
+         NextRecords(&recording, &watcher->stream, &watcher->found)) {
+    isWritten = Show(watcher, path == "-");
+  }
+  // Without an error, whoever reads standard output has closed it.
+  isWritten = isWritten && Flush(watcher);
+  if (watcher->error.empty()) watcher->error = recording.error;
+  const bool isWhole = isWritten && watcher->error.empty() && !watcher->isOver && !IsStopRequested();
+  CloseRecording(&recording);
+  if (!isWhole) return EndOf(*watcher);
+  PrintStreamReport(watcher->stream, DescribeDamage(recording));
+  return recording.decoder.damagedPlaces > 0 ? kDamaged : kDone;
+}
+
+int WatchPort(Watcher* watcher, int number) {
+  camera::Port port;
+  if (!OpenPortOrPrintError(number, &port)) return kNoPort;
+  camera::PortReader reader(port.handle());
+  const double start = camera::Now();
+  double lastArrival = start;
+  bool isTold = false;
+  std::string bytes;
+  if (!Flush(watcher)) return EndOf(*watcher);
+  while (!IsStopRequested() && !watcher->isOver) {
+    double arrival = 0;
+    const camera::PortReader::Outcome outcome = reader.Read(kTurnMs, StopEvent(), &bytes, &arrival);
+    if (outcome == camera::PortReader::Outcome::kGone)
+      watcher->error = "COM" + std::to_string(number) + " was disconnected";
+    if (outcome == camera::PortReader::Outcome::kGone) break;
+    const double now = camera::Now();
+    watcher->isOver = settings.seconds > 0 && now - start >= settings.seconds;
+    if (outcome == camera::PortReader::Outcome::kBytes) {
+      lastArrival = arrival;
+      isTold = false;
+      watcher->found.clear();
+      FeedStream(&watcher->stream, arrival - start, bytes, &watcher->found);
+      if (!Show(watcher, true)) return EndOf(*watcher);
+    } else if (!isTold && now - lastArrival >= kSilentSeconds) {
+      isTold = true;
+      PrintError(camera::Format("no data received in %.0f s", kSilentSeconds));
+    }
+  }
+  EndStream(&watcher->stream);
+  PrintStreamReport(watcher->stream, "");
+  return EndOf(*watcher);
+}
+
+int RunWatch(const std::vector<std::string>& operands) {
+  if (settings.csv && settings.json) {
+    PrintError("--csv and --json exclude each other");
+    return kUsageError;
+  }
+  Watcher watcher;
+  if (!camera::OpenOutput("-", false, nullptr, &watcher.out, &watcher.error)) return EndOf(watcher);
+  StopEvent();
+  if (settings.csv) watcher.buffer = camera::CsvHeader();
+  const int port = ParsePort(operands[0]);
+  return port > 0 ? WatchPort(&watcher, port) : WatchRecording(&watcher, operands[0]);
+}
+
+}  // namespace
+
+const Command kWatchCommand = {"watch",
+                               "PORT|FILE",
+                               "prints the records of a port, as they come, or of a recording",
+                               "Each line has the time in seconds since the start and the four points; - is a point "
+                               "that the camera does not see.\n"
+                               "A port is watched until Ctrl+C or --seconds. FILE may be - for standard input. Ends "
+                               "when standard output is closed.\n",
+                               kOptions,
+                               kExits,
+                               RunWatch};
+
+}  // namespace camtool
