@@ -20,6 +20,8 @@ REFERENCE = ROOT / "docs" / "reference"
 HEADERS = re.compile(r"^Headers:.*?\n\n", re.MULTILINE | re.DOTALL)
 INTERFACE = re.compile(r"^## Interface\n.*?(?=^## |\Z)", re.MULTILINE | re.DOTALL)
 EXAMPLE = re.compile(r"From \[`([^`]+)`\]\([^)]*\):\n\n```(?:cpp|rc)\n(.*?)```", re.DOTALL)
+FILE = re.compile(r"(?<![\w/.])(?:app|cam\w+|cmake|docs|gallery|samples|tests|toolkit|tools|controls|framework|lists|"
+                  r"export|capture|views3d|resources)/[\w/]*\w\.(?:h|cpp|rc|py|sh|cmake|txt|md)\b")
 LINK = re.compile(r"!?\[[^\]]*\]\(([^)\s:]+)\)")
 
 
@@ -40,6 +42,9 @@ def check_links(page: Path, text: str) -> list[str]:
             faults.append(f"{page.relative_to(ROOT)}: {link} does not exist")
         elif anchor and anchor not in anchors(target.read_text(encoding="utf-8")):
             faults.append(f"{page.relative_to(ROOT)}: {link} has no such heading")
+    for name in FILE.findall(without_examples(text)):
+        if not (ROOT / name).exists() and not (ROOT / f"{name}.in").exists():
+            faults.append(f"{page.relative_to(ROOT)}: there is no file {name}")
     return faults
 
 
