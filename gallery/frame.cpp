@@ -161,6 +161,10 @@ INT_PTR OnDestroy() {
   return TRUE;
 }
 
+INT_PTR OnHelp(HWND frame) {
+  return OpenGalleryHelp(frame, AllPages()[std::max(selectedPage, 0)].name);
+}
+
 INT_PTR OnCommand(HWND frame, UINT command, UINT code) {
   switch (command) {
     case IDC_PAGE_LIST:
@@ -171,7 +175,7 @@ INT_PTR OnCommand(HWND frame, UINT command, UINT code) {
     case IDM_GALLERY_ABOUT:
       ShowMessage(frame, Text(IDS_ABOUT_TEXT), IDS_ABOUT_CAPTION, MB_ICONINFORMATION);
       return TRUE;
-    case IDM_GALLERY_HELP: return OpenGalleryHelp(frame);
+    case IDM_GALLERY_HELP: return OnHelp(frame);
     default:
       if (command < IDM_LANGUAGE_FIRST || command >= IDM_LANGUAGE_FIRST + kv::kLanguageCount) return FALSE;
       ChooseLanguage(frame, static_cast<int>(command) - IDM_LANGUAGE_FIRST);
@@ -189,7 +193,7 @@ INT_PTR CALLBACK FrameProcedure(HWND frame, UINT message, WPARAM wParam, LPARAM 
     case WM_DRAWITEM: return OnDrawItem(frame, reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
     case WM_SYSCOLORCHANGE: return OnColorsChanged(frame);
     case WM_COMMAND: return OnCommand(frame, LOWORD(wParam), HIWORD(wParam));
-    case WM_HELP: return OpenGalleryHelp(frame);
+    case WM_HELP: return OnHelp(frame);
     case WM_SIZING:
       return kv::LimitSizing(static_cast<UINT>(wParam), reinterpret_cast<RECT*>(lParam), kSmallestWidth,
                              kSmallestHeight);

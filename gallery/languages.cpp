@@ -13,7 +13,7 @@ namespace gallery {
 namespace {
 
 constexpr wchar_t kApplication[] = L"kvGallery";
-constexpr UINT kDisplayTopic = 0;  // HH_DISPLAY_TOPIC; without a topic, the first page
+constexpr UINT kDisplayTopic = 0;  // HH_DISPLAY_TOPIC
 
 constexpr int kArabic = 15;
 
@@ -104,8 +104,9 @@ HMENU LanguageMenu() {
   return menu;
 }
 
-BOOL OpenGalleryHelp(HWND frame) {
-  return kv::OpenHelp(frame, current, kFileStem, kDisplayTopic, 0);
+BOOL OpenGalleryHelp(HWND frame, const char* page) {
+  const std::wstring topic = std::wstring(page, page + lstrlenA(page)) + L".html";
+  return kv::OpenHelp(frame, current, kFileStem, kDisplayTopic, reinterpret_cast<DWORD_PTR>(topic.c_str()));
 }
 
 void EndLanguages() {

@@ -36,8 +36,8 @@ LCID CurrentLocale();
 // bar that it is put into.
 HMENU LanguageMenu();
 
-// Opens the help file of the language. Always 1.
-BOOL OpenGalleryHelp(HWND frame);
+// Opens the help file of the language at the topic of the page with that name. Always 1.
+BOOL OpenGalleryHelp(HWND frame, const char* page);
 
 // Frees the library and the menu's bitmaps. After the frame is gone.
 void EndLanguages();

@@ -9,6 +9,8 @@
     tools/check_languages.py --gaps      also lists what each language lacks (it is shown in English until then)
     tools/check_languages.py --complete  a gap is an error, too
 
+A page without a topic of its own in a help file is an error as well.
+
 English texts are those of the gallery's string tables, and those of its menu and of its pages' controls that have a
 name, which a language script calls TEXT_OF(name).
 """
@@ -154,6 +156,16 @@ def check_english(english, all_texts, errors):
             errors.append(f"{name} is English in {', '.join(same)}: {text}")
 
 
+def check_help(errors):
+    """Each page has a topic of its name in every help file, which F1 opens."""
+    pages = re.findall(r'\{"([\w-]+)", L"PAGE_', (ROOT / "gallery" / "pages.cpp").read_text(encoding="utf-8"))
+    for project in sorted((ROOT / "resources" / "help").glob("*/help.hhp")):
+        listed = project.read_text(encoding="utf-8") + project.with_suffix(".hhc").read_text(encoding="utf-8")
+        for topic in (f"{page}.html" for page in pages):
+            if not (project.parent / topic).exists() or listed.count(topic) < 2:
+                errors.append(f"{project.parent.name} help: {topic} is missing, or not in the project and the contents")
+
+
 def check(script, texts, english, errors):
     # What a language lacks is shown in English, with its key.
     check_keys(script.name, english | texts, errors)
@@ -185,6 +197,7 @@ def main():
         if options.complete and gaps:
             errors.append(f"{script.name}: {len(gaps)} texts are missing")
     check_english(english, all_texts, errors)
+    check_help(errors)
     for error in errors:
         print(error, file=sys.stderr)
     return 1 if errors else 0

@@ -9,11 +9,13 @@
 #include <algorithm>
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "controls/display_instrument.h"
 #include "controls/instrument_block.h"
 #include "framework/control_class.h"
+#include "framework/help.h"
 #include "framework/language.h"
 #include "framework/modules.h"
 #include "framework/picture.h"
@@ -188,6 +190,13 @@ TEST_F(GalleryFrame, TabGoesOnceRoundEveryPageAndBack) {
   }
 }
 
+std::wstring helpTopic;
+
+HWND WINAPI RecordTopic(HWND, const wchar_t*, UINT, DWORD_PTR topic) {
+  helpTopic = reinterpret_cast<const wchar_t*>(topic);
+  return nullptr;
+}
+
 TEST_F(GalleryFrame, KeysOpenPagesAndFindAWindowThatTakesThem) {
   SelectPage(frame_, PAGE_INDEX_OVERVIEW);
   const HWND overview = ShownPage(), index = GetDlgItem(overview, IDC_OVERVIEW_INDEX);
@@ -196,6 +205,10 @@ TEST_F(GalleryFrame, KeysOpenPagesAndFindAWindowThatTakesThem) {
   Press(VK_RETURN);
   EXPECT_EQ(ExistingPageWindow(PAGE_INDEX_CHART), ShownPage());
   EXPECT_TRUE(IsChild(ShownPage(), GetFocus()));
+  const kv::HtmlHelpCall systemHelp = std::exchange(kv::htmlHelp, RecordTopic);
+  SendMessageW(frame_, WM_HELP, 0, 0);
+  EXPECT_EQ(L"chart.html", helpTopic);
+  kv::htmlHelp = systemHelp;
   for (const bool control : {false, true}) {
     for (const bool inPage : {false, true}) {
       Press(control ? VK_TAB : VK_F6, control ? VK_CONTROL : 0);
@@ -348,6 +361,10 @@ TEST_F(GalleryFrame, WhatDrawsItselfHasANameInEveryScript) {
   SendDlgItemMessageA(ExistingPageWindow(PAGE_INDEX_INSTRUMENTS), IDC_INSTRUMENTS + 3, kv::kControlCommand,
                       kv::kCommandBlock | kv::kCommandRead, reinterpret_cast<LPARAM>(&block));
   EXPECT_STREQ("\xCE\x86\xCE\xBD\xCE\xBF\xCE\xB4\xCE\xBF\xCF\x82", block.szName);
+  ChooseLanguage(frame_, 13);
+  wchar_t name[64] = L"";
+  InternalGetWindowText(GetDlgItem(ExistingPageWindow(PAGE_INDEX_BITMAP), IDC_BITMAP_CHOSEN), name, ARRAYSIZE(name));
+  EXPECT_STREQ(L"4  按名称", name) << "without the key behind it";
   ChooseLanguage(frame_, 0);
 }
 
