@@ -8,7 +8,7 @@
 //   WM_COPY                        puts a picture on the clipboard as CF_BITMAP, at the client size or, with lParam, at
 //                                  width (low word) x height (high word), each clamped to 64..5120 pixels; result 0
 //   WM_GETDLGCODE                  DLGC_STATIC
-//   WM_GETOBJECT                   screen readers hear of a chart, its window text as the name ("Optical flow" without
+//   WM_GETOBJECT                   screen readers get a chart with its window text as the name ("Optical flow" without
 //                                  one) and as the value the points shown: "1: 512, 384; 3: 20, 700"
 //
 // The points start as "no point". All on the window's thread.

@@ -1,11 +1,11 @@
-// A link to the first video-capture driver that answers: keeps every incoming frame as a 32-bit picture whose first row
+// A link to the first video-capture driver that works: stores each incoming frame as a 32-bit bitmap whose first row
 // is the top one, paints the latest frame, and records to an AVI file.
 //
 // Video for Windows does the work. Its libraries (avicap32.dll, msvfw32.dll) are loaded when the first link is opened,
 // from the program's directory or the system's, and stay loaded; where they are missing, opening a link fails like on a
 // machine without a camera.
 //
-// The host is the window that wants the pictures. Everything runs on its thread: the operations, and the callbacks
+// The host is the window that shows the frames. Everything runs on its thread: the operations, and the callbacks
 // while that thread dispatches messages. Recording may dispatch messages before it returns, so the owner can be called,
 // and may even close the link, meanwhile. Close a link while the host still has its child windows (in WM_DESTROY at the
 // latest).
@@ -54,20 +54,20 @@ static_assert(offsetof(VideoLink, status) == 16 && offsetof(VideoLink, parameter
 
 inline constexpr LONG kLargestVideoSide = 16384;
 
-// Connects to the first driver that answers and starts its frames. Null when the host is no window, when no driver
-// answers, when its pictures are of no usable size, or when the host is destroyed meanwhile. The caller owns the link
+// Connects to the first driver that works and starts its frames. Null when the host is no window, when no driver
+// works, when its frames have no usable size, or when the host is destroyed meanwhile. The caller owns the link
 // and closes it.
 VideoLink* OpenVideoLink(HWND host);
 BOOL CloseVideoLink(VideoLink* link);
 
-// Asks the driver for one more frame, then stretches the latest one over the rectangle. 0 also when the target refuses.
+// Asks the driver for one more frame, then stretches the latest one over the rectangle. 0 also if that fails.
 BOOL DrawVideoFrame(VideoLink* link, HDC target, int x, int y, int width, int height);
 
 // Starts recording to `fileName` (null: to the file that the capture window already has), or stops it. The capture
-// window's answer: non-zero is success. A file name that cannot be read is refused.
+// window's result: non-zero is success. A file name that cannot be read is rejected.
 LRESULT RecordVideo(VideoLink* link, const char* fileName, BOOL start);
 
-// For owners who want to hear of a driver's errors: an error callback for WM_CAP_SET_CALLBACK_ERRORW that shows the
+// For owners who want a driver's errors: an error callback for WM_CAP_SET_CALLBACK_ERRORW that shows the
 // text in a message box and returns 1 (0, and nothing shown, when the text cannot be read). A link does not register
 // it.
 LRESULT CALLBACK VideoErrorText(HWND window, int errorId, const wchar_t* text);

@@ -9,7 +9,7 @@
 
 namespace kv {
 
-inline constexpr DWORD kInstrumentVersion = 0x20070806;  // in every block; a block without it is refused
+inline constexpr DWORD kInstrumentVersion = 0x20070806;  // in every block; a block without it is rejected
 
 // State bits. Bit i (0..2) enables zone i.
 inline constexpr DWORD kInstrumentNoValue = 0x80000000;  // there is no valid value to show
@@ -31,10 +31,10 @@ inline constexpr DWORD kModeGauge = 0, kModeDigital = 2, kModeSegmentBar = 3, kM
 
 // Further style bits.
 inline constexpr DWORD kInstrumentDisabled = 0x0040;   // drawn disabled; follows WM_ENABLE
-inline constexpr DWORD kInstrumentNoCaption = 0x0080;  // digital read-out without its name
-inline constexpr DWORD kInstrumentShowTime = 0x0100;   // digital read-out: time of day
-inline constexpr DWORD kInstrumentShowDate = 0x0200;   // digital read-out: date
-inline constexpr DWORD kInstrumentShowAngle = 0x0400;  // digital read-out: degrees, minutes, seconds
+inline constexpr DWORD kInstrumentNoCaption = 0x0080;  // digital readout without its name
+inline constexpr DWORD kInstrumentShowTime = 0x0100;   // digital readout: time of day
+inline constexpr DWORD kInstrumentShowDate = 0x0200;   // digital readout: date
+inline constexpr DWORD kInstrumentShowAngle = 0x0400;  // digital readout: degrees, minutes, seconds
 inline constexpr DWORD kInstrumentReversed = 0x0800;   // segment bar runs the other way
 
 // A coloured part of the range, in units of the value.

@@ -2,7 +2,7 @@
 // through to the controls beneath it (framework/click_through.h). For decorations in dialog templates. Main thread
 // only.
 //
-// In a DPI-aware host: the bitmap is stretched to the pixels that its control has; nothing reads the dpi.
+// In a DPI-aware host: the bitmap is stretched to the pixels that its control has; nothing reads the DPI.
 //
 // Window text: the bitmap's name, at most 256 characters. A number other than 0 (decimal, 0x hexadecimal or 0 octal) is
 // the id of a bitmap resource of the window's module; anything else is a resource name. A bitmap that cannot be loaded
@@ -20,10 +20,10 @@
 //   WM_COPY      puts the bitmap on the clipboard as CF_BITMAP, in its own size or, with lParam not 0, in the size
 //                MAKELPARAM(width, height), each 16..5120; 0, or 1 without a bitmap
 //   WM_DROPFILES is sent on to the parent; the parent's result
-//   WM_GETOBJECT screen readers hear of a graphic and, as its name, the window text, unless that is a number
+//   WM_GETOBJECT screen readers get a graphic with the window text as its name, unless that is a number
 //
 // Notifications, posted to the parent as WM_COMMAND after the click has fallen through:
-//   1      left button pressed, unless the control beneath answered with 0 (as a clicked button does)
+//   1      left button pressed, unless the control beneath returned 0 (as a clicked button does)
 //   2, 4   right, middle button pressed
 //   0x8001 double click; the bitmap has been copied to the clipboard
 #pragma once

@@ -15,25 +15,25 @@
 
 namespace kv {
 
-inline constexpr DWORD kDdeTimeoutMs = 10000;   // what a time-out of 0 stands for
+inline constexpr DWORD kDdeTimeoutMs = 10000;   // what a timeout of 0 stands for
 inline constexpr size_t kDdeAnswerSize = 8192;  // the most of an answer that is read, in bytes
 
 // The conversation, or 0. An empty name is a wildcard.
 HCONV ddeConnect(DWORD instance, const char* service, const char* topic);
 
-// Ends a conversation; what DdeDisconnect answers.
+// Ends a conversation; the result of DdeDisconnect.
 BOOL ddeDisconnect(HCONV conversation);
 
 // Sends a command and does not wait for it. 1 when it could be put into a data handle, whatever becomes of it then.
 BOOL ddeExecute(DWORD instance, HCONV conversation, const char* command);
 
-// Asks for an item as text. 1 if the server answered within the time-out, also when nothing could be stored. The text,
+// Asks for an item as text. 1 if the server answered within the timeout, also when nothing could be stored. The text,
 // which ends at its first zero or after kDdeAnswerSize bytes, is stored with a terminator where `destination` is
 // writable for its length; otherwise nothing is. A text of the full kDdeAnswerSize bytes is stored without a
-// terminator, so that kDdeAnswerSize bytes are room enough for every answer.
+// terminator, so a buffer of kDdeAnswerSize bytes holds every answer.
 BOOL ddeRequest(DWORD instance, HCONV conversation, const char* item, char* destination, DWORD timeoutMs);
 
-// Hands a text with its terminator to an item. Not 0 if the server took it within the time-out.
+// Hands a text with its terminator to an item. Not 0 if the server took it within the timeout.
 HDDEDATA ddePoke(DWORD instance, HCONV conversation, const char* item, const char* text, DWORD timeoutMs);
 
 // The request without a destination: fills `answer` (zeroed first) with at most its size. Returns 0 without an answer.
@@ -42,7 +42,7 @@ BOOL RequestDdeText(DWORD instance, HCONV conversation, const char* item, DWORD 
 
 // Starts (non-zero flag) or stops the system's DDE library for the instance word in a slot.
 //
-// Refuses with 0 a slot that IsBadWritePtr finds writable, and goes on with one that it finds not writable. For such a
+// Rejects with 0 a slot that IsBadWritePtr finds writable, and goes on with one that it finds not writable. For such a
 // slot: a start initialises an instance unless the slot holds one, a stop uninitialises what it holds and sets it to 0
 // (a null slot is a stop of nothing), and both return 1. A slot that cannot be read, or that cannot take a new instance
 // after all, gives 0 and leaves nothing initialised.

@@ -19,12 +19,12 @@ extern ExcelLinkState excelLinkState;
 
 // Opens (non-zero flag) or closes the link.
 //
-// Opening starts the DDE library with ddeStartStop, which refuses the link's own, writable word: it ends there. Where
+// Opening starts the DDE library with ddeStartStop, which rejects the link's own, writable word: it ends there. Where
 // the start succeeds, it connects to the running program, makes a workbook and connects to that; a program that does
 // not answer is started instead, and the caller opens again once it runs. A workbook that cannot be reached closes the
 // program's conversation as well. Always 0, so look at the state.
 //
-// Closing ends the conversations and stops the DDE library; returns what ddeStartStop answers (0 for a writable word).
+// Closing ends the conversations and stops the DDE library; returns what ddeStartStop returns (0 for a writable word).
 BOOL excelLink(BOOL open);
 
 // Replaces the first "." by "," for a spreadsheet whose numbers have a decimal comma. Always 1; a text without a point

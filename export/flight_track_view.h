@@ -17,7 +17,7 @@
 //       address, which leaves the previous track.
 //       kCommandRead: copies the record to the FlightTrack at lParam; 0 when there is none or lParam is not writable.
 //       kCommandRemove: the view forgets the track; lParam is not used. Returns 1.
-//   Others return 0. Without a record (memory was short at its creation) the view answers 1 and does nothing.
+//   Others return 0. Without a record (allocation failed at its creation) the view returns 1 and does nothing.
 #pragma once
 
 #include <windows.h>

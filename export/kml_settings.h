@@ -1,4 +1,4 @@
-// What the user's registry says about the look of an exported track. Read anew on every call.
+// What the user's registry says about the look of an exported track. Read on every call.
 #pragma once
 
 #include <windows.h>

@@ -35,7 +35,7 @@ AngleParts SplitAngle(double angle);
 size_t FormatGprmcSentence(const SYSTEMTIME& time, const GprmcFix& fix, char (&sentence)[kSentenceSize]);
 
 // Stores the sentence of a fix at the local time, without its closing "*", and a terminator. The sentence's length
-// counted with the "*" is what `destination` must have room for; if that is not writable, it is left unchanged. The
+// counted with the "*" is the size that `destination` must have; if that is not writable, it is left unchanged. The
 // unnamed values are what a receiver knows besides; the sentence has no field for them. Always 1.
 BOOL formatGprmc(char* destination, double latitude, double longitude, double, double, double speed, double course,
                  DWORD, DWORD, DWORD);

@@ -1,7 +1,7 @@
 // Bounded string formatting: every formatted text of the program goes through here. Any thread; no state.
 //
 // A buffer that is not writable over the whole size given for it, or a format that is not readable up to its
-// terminator, is refused and nothing is written. Pointers among the arguments are the caller's affair.
+// terminator, is rejected and nothing is written. Pointers among the arguments are not probed.
 #pragma once
 
 #include <windows.h>
@@ -12,10 +12,10 @@
 namespace kv {
 
 inline constexpr HRESULT kFormatDone = 0;
-inline constexpr HRESULT kFormatRefused = static_cast<HRESULT>(0x80070057);  // bad pointer, or room for no character
+inline constexpr HRESULT kFormatRefused = static_cast<HRESULT>(0x80070057);  // bad pointer, or a buffer of size 0
 inline constexpr HRESULT kFormatCut = static_cast<HRESULT>(0x8007007A);      // did not fit, or the formatter failed
 
-// Formats with the C run-time's wide printf rules ("%s" is a wide text) in the locale that setlocale has set.
+// Formats with the C runtime's wide printf rules ("%s" is a wide text) in the locale that setlocale has set.
 // `sizeBytes` is the buffer's size in bytes; an odd byte is not used. A text that does not fit is cut, the last
 // character being the terminator.
 HRESULT FormatBounded(wchar_t* buffer, size_t sizeBytes, const wchar_t* format, ...);

@@ -11,7 +11,7 @@
 // a January 0th: 1999-12-31 and one day is 2000-01-00. NormalizeTime makes January 1st of a December 32nd and leaves a
 // day 0.
 //
-// Every routine answers 0 and writes nothing when a SYSTEMTIME it needs cannot be read or written (CompareTimes is the
+// Every function returns 0 and writes nothing when a SYSTEMTIME it needs cannot be read or written (CompareTimes is the
 // exception it describes). Results may be the same record as an argument. Numbers beyond what the 16-bit fields hold
 // are stored by their low 16 bits.
 #pragma once

@@ -3,8 +3,8 @@
 // picture in between, for text and frames.
 //
 // Places are in pixels, whole numbers the edges between them; angles are degrees clockwise from the top. Nothing
-// throws: when memory is short, or a shape has more edges than can be held, that shape is not drawn. What is no number,
-// empty or backwards draws nothing. A surface and its canvas belong to one thread at a time.
+// throws: when allocation fails, or a shape has more edges than can be held, that shape is not drawn. What is no
+// number, empty or backwards draws nothing. A surface and its canvas belong to one thread at a time.
 #pragma once
 
 #include <windows.h>
@@ -19,8 +19,8 @@ namespace kv {
 // A picture: a top-down DIB section. Owns the bitmap.
 class Surface {
  public:
-  // Makes the picture anew at this size, its content undefined. False, without a picture, when the size is empty or
-  // memory is short.
+  // Recreates the bitmap at this size, its content undefined. False, without a bitmap, when the size is empty or
+  // allocation fails.
   bool Create(SIZE size);
   void Reset();
 
@@ -36,7 +36,7 @@ class Surface {
 };
 
 // One round of drawing on a surface, which must have a picture: its bitmap is selected into `dc` (a memory device
-// context) as long as the canvas lives. `shape` is the room that shapes are worked out in; it and the device context
+// context) as long as the canvas lives. `shape` is the buffer in which shapes are computed; it and the device context
 // stay the caller's, who keeps them from one round to the next.
 class Canvas {
  public:
@@ -93,7 +93,7 @@ void FillArea(Canvas& canvas, const RECT& area, COLORREF color);
 void FillAreaAcross(Canvas& canvas, const RECT& area, COLORREF left, COLORREF right);
 void FillAreaDown(Canvas& canvas, const RECT& area, COLORREF top, COLORREF bottom);
 
-// Fills what has been added to canvas.shape() since the last canvas.shape().Begin(): for shapes of several figures,
+// Fills what has been added to canvas.shape() since the last canvas.shape().Begin(): for shapes of several contours,
 // which cost less in one. BeginShape starts one within the canvas's clip.
 void BeginShape(Canvas& canvas);
 void AddLine(Canvas& canvas, PointD from, PointD to, double width);

@@ -1,6 +1,6 @@
 // Mouse input that falls through a decoration to the control beneath it. Main thread only.
 //
-// In a DPI-aware host: places are the pixels that the host sees; nothing depends on the dpi.
+// In a DPI-aware host: places are the pixels that the host sees; nothing depends on the DPI.
 #pragma once
 
 #include <windows.h>

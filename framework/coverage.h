@@ -1,11 +1,12 @@
 // Exact area coverage: which part of each pixel a shape covers, in 256 levels. Pure arithmetic, without a window or a
 // device context.
 //
-// A shape is one or more closed figures of straight edges, filled by the non-zero rule: where figures of one direction
-// overlap the shape is covered once, and a figure that runs the other way within one cuts a hole. The area that each
-// edge covers on its right is added up per scan line, so no sampling grid shows, however steep or flat an edge is.
+// A shape is one or more closed contours of straight edges, filled by the non-zero rule: where contours of one
+// direction overlap the shape is covered once, and a contour that runs the other way within one cuts a hole. The area
+// that each edge covers on its right is added up per scan line, so no sampling grid shows, however steep or flat an
+// edge is.
 //
-// A CoverageShape belongs to one thread at a time. Nothing throws: a figure that cannot be held is refused.
+// A CoverageShape belongs to one thread at a time. Nothing throws: a contour that cannot be held is rejected.
 #pragma once
 
 #include <array>
@@ -36,15 +37,15 @@ class CoverageShape {
  public:
   static constexpr int kMostEdges = 1024;
 
-  // Starts an empty shape of which only what lies within `area` is wanted. False when memory for a row is short: the
-  // shape then stays empty whatever is added.
+  // Starts an empty shape of which only what lies within `area` is wanted. False when the memory for a row cannot be
+  // allocated: the shape then stays empty whatever is added.
   bool Begin(const PixelArea& area);
 
-  // Adds a figure, closed from its last corner to the first. Places are limited to 16 million pixels either way. False,
-  // with nothing added, when a place is not a number or the edges of all figures outgrow kMostEdges.
+  // Adds a contour, closed from its last corner to the first. Places are limited to 16 million pixels either way.
+  // False, with nothing added, when a place is not a number or the edges of all contours outgrow kMostEdges.
   bool AddFigure(std::span<const PointD> corners);
 
-  // Whether a figure of so many corners can be added: the same whatever area is wanted of the shape.
+  // Whether a contour of so many corners can be added: the same whatever area is wanted of the shape.
   bool HasRoomFor(size_t corners) const { return corners <= static_cast<size_t>(kMostEdges - added_); }
 
   // Hands out what is covered, row by row from the top and from left to right; false at the end, with the shape empty.
@@ -69,7 +70,7 @@ class CoverageShape {
   std::unique_ptr<double[]> cells_;  // of one row: what the edges add to the coverage from here on to the right
   std::unique_ptr<std::uint32_t[]> touched_;  // a bit for each cell that is not 0
   std::array<Edge, kMostEdges> edges_;        // sorted by their top once the first row is asked for
-  int added_ = 0;                             // edges of all figures, also of what lies outside the area
+  int added_ = 0;                             // edges of all contours, also of what lies outside the area
   int count_ = 0, first_ = 0, last_ = 0;      // edges within the area; those that reach the row are first_ to last_
   bool scanning_ = false;
   int row_ = 0, cell_ = 0;

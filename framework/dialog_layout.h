@@ -40,8 +40,8 @@ int LayoutSlotOf(HWND dialog, int lowestId, int highestId, int id);
 // until the next pass. A blank for a text avoids that. Multi-line edits get the system's stock font, at one size for
 // all scales; list boxes and controls of other kinds keep what they have.
 //
-// In a DPI-aware host: places and sizes follow the captured ones, whatever their dpi. Fonts are 14 pixels high at scale
-// 1, and combo boxes 512 with their lists, at every dpi.
+// In a DPI-aware host: places and sizes follow the captured ones, whatever their DPI. Fonts are 14 pixels high at scale
+// 1, and combo boxes 512 with their lists, at every DPI.
 //
 // Returns 0 when the dialog does not exist or slot 0 cannot be read.
 BOOL ApplyLayout(HWND dialog, int bottomMargin, int leftMargin, int topMargin, int lowestId, int highestId,

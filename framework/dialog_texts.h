@@ -1,4 +1,4 @@
-// Texts of an open dialog, taken anew from a dialog template: how a dialog changes its language. Main thread only.
+// Texts of an open dialog, replaced from a dialog template: how a dialog changes its language. Main thread only.
 #pragma once
 
 #include <windows.h>

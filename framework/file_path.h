@@ -7,7 +7,7 @@
 
 namespace kv {
 
-// The room of every path buffer of the framework: 260 wide characters, the terminator included.
+// The size of every path buffer of the framework: 260 wide characters, the terminator included.
 inline constexpr size_t kPathCharacters = MAX_PATH;
 
 // Whether `text` can be read up to its terminator or, without one, over kPathCharacters characters.

@@ -10,7 +10,7 @@
 
 namespace kv {
 
-// Closed figures in units of the capital letters' height, y downwards, the origin in the middle of the character's box
+// Closed contours in units of the capital letters' height, y downwards, the origin in the middle of the character's box
 // of capital height. Curves are flattened finely enough for letters of a hundred pixels.
 struct GlyphOutline {
   static constexpr int kMostPoints = 320, kMostFigures = 8;
@@ -18,13 +18,13 @@ struct GlyphOutline {
     float x, y;
   };
   std::array<Point, kMostPoints> points;
-  std::array<int, kMostFigures> ends;  // behind the last point of each figure
+  std::array<int, kMostFigures> ends;  // behind the last point of each contour
   int figures;
   double advance;  // from this character to the next
 };
 
-// Reads the outline of a character in an outline font of this name. False, with an outline of no figures, when there is
-// none or it is too complicated to be held.
+// Reads the outline of a character in an outline font of this name. False, with an outline of no contours, when there
+// is none or it is too complicated to be held.
 bool OutlineOfCharacter(const wchar_t* faceName, int weight, wchar_t character, GlyphOutline* outline);
 
 // Draws an outline with its capitals `height` pixels tall and `stretch` times as wide as the font has it, moved `along`
@@ -32,8 +32,8 @@ bool OutlineOfCharacter(const wchar_t* faceName, int weight, wchar_t character, 
 void FillGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD centre, double along, double height, double degrees,
                const Paint& paint, double stretch = 1);
 
-// The same, added to the shape that has begun on the canvas (BeginShape). A shape without room for it is filled with
-// `paint` and another begun; FillShape with the same paint ends the last one.
+// The same, added to the shape that has begun on the canvas (BeginShape). A shape without capacity for it is filled
+// with `paint` and another begun; FillShape with the same paint ends the last one.
 void AddGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD centre, double along, double height, double degrees,
               const Paint& paint, double stretch = 1);
 

@@ -1,4 +1,4 @@
-// Scope guards for what Windows wants back: device contexts, selected and owned GDI objects, registry keys.
+// Scope guards for what must be released: device contexts, selected and owned GDI objects, registry keys.
 //
 // Destruction runs in reverse order of declaration, so declare the owner of an object before the guard that selects it:
 // the object is then deselected before it is deleted. Guards belong to one scope on one thread; none can be copied.

@@ -78,7 +78,8 @@ HMODULE LoadLanguageResources(HMODULE ownModule, const wchar_t* stem, const wcha
 
 // The bitmaps of a language menu: 0 to 23 for items that are not checked, 24 to 47 for checked ones.
 inline constexpr int kLanguageBitmapCount = 2 * kLanguageCount;
-// What BuildLanguageMenu wants writable at `handles`: six times what it fills, the rest being left to the caller.
+// The bytes that BuildLanguageMenu requires to be writable at `handles`: six times what it fills, the rest being left
+// to the caller.
 inline constexpr size_t kLanguageBitmapArea = 1152;
 
 // Makes a popup menu of the languages that have a library beside the program (English always), with the commands

@@ -9,7 +9,7 @@
 
 namespace kv {
 
-// Null when memory is short.
+// Null when allocation fails.
 template <class Record>
 Record* CreateLockedRecord() {
   static_assert(std::is_trivially_copyable_v<Record> && offsetof(Record, hMemory) == 0);

@@ -1,4 +1,5 @@
-// The taskbar's notification area, and notices about USB devices that come and go. Main thread only.
+// The taskbar's notification area, and notifications about USB devices that are plugged in or removed. Main thread
+// only.
 //
 // When the taskbar restarts (the shell crashed, or came up after the program), every icon that was added and not
 // removed is added again as it last was; its owner need not do anything. For that a hidden window of our own stands by

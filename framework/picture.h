@@ -1,7 +1,7 @@
 // Off-screen pictures of controls: the back buffer that a control renders into and shows, and pictures for the
 // clipboard. Any thread, for windows of its own.
 //
-// In a DPI-aware host: sizes are the pixels that the host sees; nothing depends on the dpi.
+// In a DPI-aware host: sizes are the pixels that the host sees; nothing depends on the DPI.
 #pragma once
 
 #include <windows.h>
@@ -11,7 +11,7 @@ namespace kv {
 // The window's client size in pixels.
 SIZE ClientSize(HWND window);
 
-// A bitmap in the window's own format; null when the size is empty or memory is short. The caller owns it.
+// A bitmap in the window's own format; null when the size is empty or allocation fails. The caller owns it.
 HBITMAP CreateWindowBitmap(HWND window, SIZE size);
 
 // Describes a 32-bit picture whose first row is the top one (0x00RRGGBB pixels, no padding between rows).
@@ -24,7 +24,7 @@ void ShowBitmap(HDC target, const RECT& area, HBITMAP bitmap, SIZE bitmapSize);
 // `smallest`..`largest` pixels; with lParam 0 it is `ownSize`, unclamped.
 SIZE RequestedPictureSize(LPARAM lParam, SIZE ownSize, int smallest, int largest);
 
-// Puts the bitmap on the clipboard as CF_BITMAP. It belongs to the clipboard afterwards; if the clipboard refuses it,
+// Puts the bitmap on the clipboard as CF_BITMAP. It belongs to the clipboard afterwards; if the clipboard rejects it,
 // it is deleted and the result is FALSE.
 BOOL GiveBitmapToClipboard(HWND window, HBITMAP bitmap);
 

@@ -1,7 +1,7 @@
 // Tool tips for the buttons of a toolbar or the controls of a dialog, from a table. Main thread only.
 //
-// In a DPI-aware host: the system draws the tips. Make a toolbar's anew when its buttons change their size with the
-// dpi.
+// In a DPI-aware host: the system draws the tips. Create a toolbar's again when its buttons change size with the
+// DPI.
 #pragma once
 
 #include <windows.h>
@@ -21,9 +21,9 @@ static_assert(sizeof(ToolTipEntry) == 8);
 // Texts are cut to this many characters, the terminator included.
 inline constexpr int kToolTipCharacters = 1024;
 
-// Makes the tool tip window of `owner`: a toolbar if its class is exactly "ToolbarWindow32", a dialog otherwise. String
-// resources come from `instance`, or the owner's module when that is null. Button rectangles are taken once: buttons
-// that move later keep their old tips' places. An id without a control still makes a tool, for no window.
+// Creates the tooltip window of `owner`: a toolbar if its class is exactly "ToolbarWindow32", a dialog otherwise.
+// String resources come from `instance`, or the owner's module when that is null. Button rectangles are taken once:
+// buttons that move later keep their old tips' places. An id without a control still makes a tool, for no window.
 //
 // The window belongs to the top-level window of `owner` and goes with that. Null when `owner` is no window (nobody
 // would destroy the tips), the table cannot be read or no window can be made.

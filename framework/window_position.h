@@ -2,7 +2,7 @@
 // cached, so every call reads or writes "Software\korvel\WindowPositions" below HKEY_CURRENT_USER.
 //
 // In a DPI-aware host: a rectangle is stored and restored in the pixels that the host sees, also when the screen has
-// another dpi by then.
+// another DPI by then.
 #pragma once
 
 #include <windows.h>

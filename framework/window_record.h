@@ -10,7 +10,7 @@
 
 namespace kv {
 
-// Makes the record of `window` and stores its address. Null when memory is short.
+// Makes the record of `window` and stores its address. Null when allocation fails.
 template <class Record>
 Record* CreateWindowRecord(HWND window) {
   auto* record = CreateLockedRecord<Record>();

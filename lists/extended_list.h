@@ -4,7 +4,7 @@
 // Main thread only.
 //
 // In a DPI-aware host: the rows are as high as the parent says when it is asked (a silent parent gets 17 pixels), a
-// step to the side is 17 pixels at every dpi, and the bars are the system's.
+// step to the side is 17 pixels at every DPI, and the bars are the system's.
 //
 // Messages:
 //   LB_SETCOUNT             wParam: the number of rows, unsigned, at most 2^32 - 1; paints
@@ -13,7 +13,7 @@
 //                           as the client width and does not follow the window. With 0 nothing is drawn; paints
 //   WM_HSCROLL, WM_VSCROLL  move the offsets and paint. The offsets may pass both ends: the surface is then drawn
 //                           farther right or lower down. Only the bars hold their position within their range
-// They answer with 0. The scroll bars are brought up to date by WM_SIZE, by scrolling and by a released left button,
+// They return 0. The scroll bars are brought up to date by WM_SIZE, by scrolling and by a released left button,
 // but not by the list box messages.
 //
 // The parent is sent, as by an owner-drawn list box but with the control type 0 and no item data:
@@ -23,7 +23,7 @@
 // While it draws, the parent may change, resize or destroy the list: a changed list is redrawn after that, at the next
 // WM_PAINT. Both requests are valid until the parent returns, whatever becomes of the list.
 //
-// Screen readers (WM_GETOBJECT) hear of a list, its window text as the name and as the value the selected row and the
+// Screen readers (WM_GETOBJECT) get a list with its window text as the name and, as the value, the selected row and the
 // number of rows ("3 / 1000"), or without a selection the rows on view ("1 - 20 / 1000"). What a row says only the
 // parent knows: it may put that into the list's window text when the selection moves.
 #pragma once

@@ -10,7 +10,7 @@
 //     LB_SETHORIZONTALEXTENT says if that is more;
 //   - brings its bars and offsets up to date by itself: when the navigation is added, when the list is resized, and
 //     when LB_SETCOUNT, LB_RESETCONTENT or LB_SETHORIZONTALEXTENT change it. Each of these sends WM_MEASUREITEM. When
-//     the parent's answer to that changes, call RedrawList.
+//     the parent's result changes, call RedrawList.
 // Bars, and what can be reached, end at 2^31 pixels: 126 million rows of 17.
 //
 // WM_DRAWITEM of the selected row has the itemState ODS_SELECTED, and ODS_FOCUS too while the list has the focus.
@@ -33,7 +33,7 @@ inline constexpr WORD kListHeader = 0x100;
 // Adds the navigation, once for the list's life. Returns 0 for a window that is no extended list.
 BOOL AddListNavigation(HWND list);
 
-// The following work with any extended list, those about the selected row with a navigated one only. They answer with
+// The following work with any extended list, those about the selected row with a navigated one only. They return
 // kNoRow or 0 for other windows.
 
 // The row at a place in client coordinates: kHeaderRow on the header, kNoRow below the last row. The place need not be
@@ -43,7 +43,7 @@ UINT ListRowAt(HWND list, POINT place);
 // Makes `row` the first one below the header; with navigation, as far as the list's end allows. Repaints.
 BOOL ScrollListTo(HWND list, UINT row);
 
-// Asks for the row height anew, brings the bars up to date and draws every row in view again. To be called when the
+// Asks for the row height again, brings the bars up to date and draws every row in view again. To be called when the
 // contents of rows have changed.
 BOOL RedrawList(HWND list);
 

@@ -4,7 +4,7 @@
 //
 // A model is reached only through its memory handle. Its user locks it, writes vertices, triangles and the two counts,
 // unlocks it, and then sets the view and projects as often as he likes. Every operation returns 1, or 0 when it
-// refused (null, destroyed or foreign handle, failed lock, pointer that cannot be written); what it refused is
+// rejected (null, destroyed or foreign handle, failed lock, pointer that cannot be written); what it rejected is
 // unchanged.
 //
 // Any thread, but one model is projected and changed by one thread at a time; only the lock count is shared.
@@ -67,14 +67,14 @@ static_assert(sizeof(MeshVertex) == 52 && offsetof(MeshVertex, projectedX) == 24
 static_assert(sizeof(MeshTriangle) == 32 && offsetof(MeshTriangle, vertices) == 4 &&
               offsetof(MeshTriangle, depth) == 16);
 
-// Makes an empty model with room for so many vertices and triangles: counts and angles 0, scale 3.5. Null when there is
-// no memory for it. The caller owns it and gives it to meshDestroy.
+// Creates an empty model with capacity for so many vertices and triangles: counts and angles 0, scale 3.5. Null when
+// there is no memory for it. The caller owns it and gives it to meshDestroy.
 HGLOBAL meshCreate(std::uint32_t vertexCapacity, std::uint32_t triangleCapacity);
 BOOL meshDestroy(HGLOBAL mesh);
 
-// Locks the model and gives its address; `vertices` and `triangles` may be null. Each success wants one meshUnlock.
+// Locks the model and gives its address; `vertices` and `triangles` may be null. Each success requires one meshUnlock.
 BOOL meshLock(HGLOBAL mesh, MeshModel** model, MeshVertex** vertices, MeshTriangle** triangles);
-// Refuses an address that is not writable for one byte more than the head: a live model never ends there.
+// Rejects an address that is not writable for one byte more than the head: a live model never ends there.
 BOOL meshUnlock(MeshModel* model);
 
 // Which angles meshSetView sets.
@@ -94,7 +94,7 @@ BOOL meshProject(HGLOBAL mesh);
 
 // Turns the shades of the vertices start+1 .. start+length one ring: a positive or zero shift by that many places,
 // at least 1 and at most length/2 - 1; a negative one always by one place the other way. The vertex at `start` is the
-// hub and keeps its shade; -1 is a ring without a hub. Refuses an array that is not writable from its first vertex to
+// hub and keeps its shade; -1 is a ring without a hub. Rejects an array that is not writable from its first vertex to
 // the ring's last one. Rings may have any length.
 BOOL meshRotateShades(MeshVertex* vertices, int start, int length, int shift);
 
