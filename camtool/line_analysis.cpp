@@ -39,10 +39,10 @@ Shares SharesOf(std::string_view bytes) {
   return shares;
 }
 
-// Records with all kinds of digits, misheard one by one, as a camera that pauses between them sends them.
-Shares SharesOfMisheardRecords(int sentRate, int heardRate) {
+// Records with all kinds of digits, garbled one by one, as a camera that pauses between them sends them.
+Shares SharesOfRecords(int sentRate, int receiverRate) {
   std::mt19937 random(1);
-  std::string heard;
+  std::string received;
   for (int i = 0; i < kModelRecords; ++i) {
     kv::CameraPoint points[kv::kPointCount];
     for (kv::CameraPoint& point : points) {
@@ -52,9 +52,9 @@ Shares SharesOfMisheardRecords(int sentRate, int heardRate) {
     }
     char record[kv::kRecordLength];
     kv::WriteRecord(points, record);
-    heard += Mishear(std::string_view(record, sizeof(record)), sentRate, heardRate);
+    received += ReceiveAtRate(std::string_view(record, sizeof(record)), sentRate, receiverRate);
   }
-  return SharesOf(heard);
+  return SharesOf(received);
 }
 
 // How badly `model` explains what was seen: 0 when the shares are the same (Kullback and Leibler's divergence).
@@ -77,35 +77,35 @@ bool LevelAt(std::string_view sent, std::int64_t bit) {
 
 }  // namespace
 
-std::string Mishear(std::string_view sent, int sentRate, int heardRate) {
+std::string ReceiveAtRate(std::string_view sent, int sentRate, int receiverRate) {
   // In units of which a bit of either side has a whole number, and half of one.
-  const std::int64_t sentBit = 2LL * heardRate, heardBit = 2LL * sentRate;
+  const std::int64_t sentBit = 2LL * receiverRate, receiverBit = 2LL * sentRate;
   const auto bits = static_cast<std::int64_t>(sent.size()) * 10;
   const auto level = [&](std::int64_t time) { return LevelAt(sent, time / sentBit); };
-  std::string heard;
+  std::string received;
   for (std::int64_t bit = 0; bit < bits;) {
     if (LevelAt(sent, bit)) {
       ++bit;
       continue;
     }
-    std::int64_t sample = bit * sentBit + heardBit / 2;
+    std::int64_t sample = bit * sentBit + receiverBit / 2;
     int byte = 0;
-    for (int i = 0; i < 8; ++i) byte |= level(sample += heardBit) << i;
-    heard += static_cast<char>(byte);
+    for (int i = 0; i < 8; ++i) byte |= level(sample += receiverBit) << i;
+    received += static_cast<char>(byte);
     // On from the middle of the stop bit; where that is missing, from where the line is idle again.
-    bit = (sample + heardBit) / sentBit;
+    bit = (sample + receiverBit) / sentBit;
     while (bit < bits && !LevelAt(sent, bit)) ++bit;
   }
-  return heard;
+  return received;
 }
 
-std::vector<int> GuessRates(std::string_view heard, int heardRate) {
-  if (heard.size() < kFewestBytes) return {};
-  const Shares seen = SharesOf(heard);
+std::vector<int> GuessRates(std::string_view received, int receiverRate) {
+  if (received.size() < kFewestBytes) return {};
+  const Shares seen = SharesOf(received);
   std::vector<std::pair<double, int>> likely;
   for (const int rate : kUsualRates) {
-    if (rate == heardRate) continue;
-    const double distance = Distance(seen, SharesOfMisheardRecords(rate, heardRate));
+    if (rate == receiverRate) continue;
+    const double distance = Distance(seen, SharesOfRecords(rate, receiverRate));
     if (distance < kFarthest) likely.emplace_back(distance, rate);
   }
   std::ranges::sort(likely);
@@ -162,7 +162,7 @@ Read ReadFrom(std::span<const Arrival> arrivals, size_t first) {
 
 }  // namespace
 
-double PressChance(std::span<const Arrival> arrivals, double from, double to) {
+double DetectionProbability(std::span<const Arrival> arrivals, double from, double to) {
   double found = 0, all = 0, before = from;
   for (size_t i = 0; i < arrivals.size(); ++i) {
     // Every read that begins between the arrivals before and this one brings the same bytes; those that begin too early

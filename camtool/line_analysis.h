@@ -21,15 +21,15 @@ namespace camtool {
 inline constexpr std::array<int, 12> kUsualRates = {9600, 115200, 19200, 57600,  4800,   2400,
                                                     1200, 230400, 28800, 460800, 128000, 76800};
 
-// What a receiver at `heardRate` makes of bytes sent at `sentRate` without pauses between them, after a quiet line: 8
-// data bits, no parity, one stop bit, each bit sampled in its middle, a missing stop bit passed over.
-std::string Mishear(std::string_view sent, int sentRate, int heardRate);
+// What a receiver at `receiverRate` makes of bytes sent at `sentRate` without pauses between them, after a quiet line:
+// 8 data bits, no parity, one stop bit, each bit sampled in its middle, a missing stop bit passed over.
+std::string ReceiveAtRate(std::string_view sent, int sentRate, int receiverRate);
 
-// The rates of kUsualRates at which bytes that a receiver at `heardRate` got could have been records, likeliest first;
-// none when the bytes are too few or look like nothing of the kind.
-std::vector<int> GuessRates(std::string_view heard, int heardRate);
+// The rates of kUsualRates at which bytes that a receiver at `receiverRate` got could have been records, likeliest
+// first; none when the bytes are too few or look like nothing of the kind.
+std::vector<int> GuessRates(std::string_view received, int receiverRate);
 
-// Whether bytes heard at the right rate would be of records: a stretch of digits, commas and closing bytes with the
+// Whether bytes received at the right rate would be of records: a stretch of digits, commas and closing bytes with the
 // commas five apart. For stretches that are too short to hold a whole record.
 bool LooksLikeRecords(std::string_view bytes);
 
@@ -49,6 +49,6 @@ struct Arrival {
 
 // The share, 0 to 1, of the moments at which such a read would have found the sender, judged by what arrived while the
 // port was watched `from` .. `to`. Arrivals are in order and within; none at all gives 0.
-double PressChance(std::span<const Arrival> arrivals, double from, double to);
+double DetectionProbability(std::span<const Arrival> arrivals, double from, double to);
 
 }  // namespace camtool

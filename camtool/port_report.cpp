@@ -134,7 +134,7 @@ std::string DescribeVerdict(std::span<const PortReport> reports) {
   bool isCameraThere = false;
   for (const PortReport& report : reports) {
     isCameraThere |= IsCamera(report);
-    const double chance = stillSearching * report.pressChance;
+    const double chance = stillSearching * report.detectionProbability;
     if (IsCamera(report)) findsCamera += chance;
     if (chance > likeliestChance) {
       likeliest = &report;

@@ -19,11 +19,11 @@ struct PortReport {
   std::vector<Arrival> arrivals;
   std::string sample;  // the first bytes that came
   double listenedSeconds = 0;
-  bool wentAway = false;          // failed while it was listened to
-  double pressChance = 0;         // of one press of Tarnwick's button
-  std::vector<int> recordRates;   // baud rates at which it was heard to send records
-  std::vector<int> textRates;     // at which it was heard to send other text
-  std::vector<int> guessedRates;  // at which its bytes could be records, if none was heard
+  bool wentAway = false;            // failed while it was listened to
+  double detectionProbability = 0;  // of one press of Tarnwick's button
+  std::vector<int> recordRates;     // baud rates at which it was heard to send records
+  std::vector<int> textRates;       // at which it was heard to send other text
+  std::vector<int> guessedRates;    // at which its bytes could be records, if none was heard
 };
 
 bool IsCamera(const PortReport& report);

@@ -71,7 +71,7 @@ void Listen(Probe* probe, HANDLE port) {
   }
   camera::EndStream(&report.stream);
   report.listenedSeconds = camera::Now() - from;
-  report.pressChance = PressChance(report.arrivals, from, camera::Now());
+  report.detectionProbability = DetectionProbability(report.arrivals, from, camera::Now());
 }
 
 // What comes at another baud rate.
@@ -79,14 +79,14 @@ std::string ListenAt(HANDLE port, int rate, double seconds) {
   kv::SetPortBaudRate(port, static_cast<DWORD>(rate));
   PurgeComm(port, PURGE_RXCLEAR);
   camera::PortReader reader(port);
-  std::string heard, bytes;
+  std::string received, bytes;
   double arrival = 0;
   for (const double until = camera::Now() + seconds; camera::Now() < until;) {
     const auto leftMs = static_cast<DWORD>((until - camera::Now()) * 1000 + 1);
-    if (reader.Read(leftMs, nullptr, &bytes, &arrival) == camera::PortReader::Outcome::kBytes) heard += bytes;
+    if (reader.Read(leftMs, nullptr, &bytes, &arrival) == camera::PortReader::Outcome::kBytes) received += bytes;
   }
   // The first byte may have begun at the rate before.
-  return heard.substr(std::min<size_t>(heard.size(), 1));
+  return received.substr(std::min<size_t>(received.size(), 1));
 }
 
 // For a port that talks, but makes no sense: the rates that its bytes speak for first, then the usual ones.
@@ -100,10 +100,10 @@ void TryRates(Probe* probe, HANDLE port) {
   for (const int rate : rates) {
     const double seconds = std::max(kShortestTry, kBytesOfTry * 10 / rate);
     if (camera::Now() + seconds > probe->start + kTryRatesUntil || !report.recordRates.empty()) break;
-    const std::string heard = ListenAt(port, rate, seconds);
-    if (LooksLikeRecords(heard)) {
+    const std::string received = ListenAt(port, rate, seconds);
+    if (LooksLikeRecords(received)) {
       report.recordRates.push_back(rate);
-    } else if (heard.size() >= kBytesOfTry / 2 && LooksLikeText(heard)) {
+    } else if (received.size() >= kBytesOfTry / 2 && LooksLikeText(received)) {
       report.textRates.push_back(rate);
     }
   }

@@ -121,10 +121,10 @@ TEST(Camtool, ScansSilentBusyTalkingAndCameraPorts) {
     const kv::CameraPoint points[kv::kPointCount] = {{100, 200}, {300, 400}, {1023, 1023}, {512, 384}};
     char record[kv::kRecordLength];
     kv::WriteRecord(points, record);
-    const std::string misheard = camtool::Mishear(std::string_view(record, sizeof(record)), 9600, 38400);
+    const std::string garbled = camtool::ReceiveAtRate(std::string_view(record, sizeof(record)), 9600, 38400);
     while (!stop) {
       camera.SendRecord(points);
-      wrongRate.Send(misheard);
+      wrongRate.Send(garbled);
       Sleep(20);
     }
   });
