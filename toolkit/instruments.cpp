@@ -27,14 +27,18 @@ void Send(HWND instrument, WPARAM command, const void* item) {
   SendMessageA(instrument, kControlCommand, command | kCommandRedraw, reinterpret_cast<LPARAM>(item));
 }
 
+bool ReadBlock(HWND instrument, InstrumentBlock* block) {
+  Send(instrument, kCommandBlock | kCommandRead, block);
+  return block->version == kInstrumentVersion;
+}
+
 // Lets `change` edit the parameter block. The value, or what it glides to, stays within the range that the block has
 // then.
 template <class Change>
 BOOL ChangeBlock(HWND dialog, int id, Change change) {
   HWND instrument = InstrumentOf(dialog, id);
   InstrumentBlock block{};
-  Send(instrument, kCommandBlock | kCommandRead, &block);
-  if (block.version != kInstrumentVersion) return FALSE;
+  if (!ReadBlock(instrument, &block)) return FALSE;
   DWORD style = 0;
   float target = 0;
   Send(instrument, kCommandStyle | kCommandRead, &style);
@@ -88,6 +92,21 @@ BOOL SetInstrumentValue(HWND dialog, int id, double value, BOOL glide) {
 
 BOOL ClearInstrumentValue(HWND dialog, int id) {
   return SetInstrumentValue(dialog, id, NAN, FALSE);
+}
+
+BOOL GetInstrumentValue(HWND dialog, int id, double* value) {
+  InstrumentBlock block{};
+  if (!ReadBlock(InstrumentOf(dialog, id), &block) || !ReadingOf(block).valid) return FALSE;
+  if (IsBadWritePtr(value, sizeof(*value))) return FALSE;
+  *value = block.current;
+  return TRUE;
+}
+
+BOOL SetInstrumentStyle(HWND dialog, int id, DWORD bits, BOOL set) {
+  HWND instrument = InstrumentOf(dialog, id);
+  bits &= ~kInstrumentModeBits;
+  if (instrument && bits) Send(instrument, kCommandStyle | (set ? 0 : kCommandRemove), &bits);
+  return instrument != nullptr;
 }
 
 BOOL SetInstrumentTime(HWND dialog, int id, const SYSTEMTIME& time) {

@@ -17,6 +17,14 @@ namespace kv {
 BOOL SetInstrumentValue(HWND dialog, int id, double value, BOOL glide);
 BOOL ClearInstrumentValue(HWND dialog, int id);
 
+// The value shown at this moment, which a glide is changing. Returns 0, with `value` untouched, also while there is
+// none.
+BOOL GetInstrumentValue(HWND dialog, int id, double* value);
+
+// Sets or clears style bits while the instrument is shown (kInstrumentReversed, kInstrumentNoCaption,
+// kInstrumentShowTime ...; EnableWindow draws it disabled). The layout is the template's.
+BOOL SetInstrumentStyle(HWND dialog, int id, DWORD bits, BOOL set);
+
 // What a digital read-out of time or date shows.
 BOOL SetInstrumentTime(HWND dialog, int id, const SYSTEMTIME& time);
 

@@ -76,11 +76,15 @@ TEST_F(Instruments, SetsNamesZonesAndValues) {
   EXPECT_TRUE(SetInstrumentValue(parent_, kId, 1e30, FALSE));
   EXPECT_EQ(100, Block().current);
   EXPECT_TRUE(SetInstrumentRange(parent_, kId, {.maximum = 50}));
-  EXPECT_EQ(50, Block().current);
+  double value = 0;
+  EXPECT_TRUE(GetInstrumentValue(parent_, kId, &value));
   EXPECT_TRUE(ClearInstrumentValue(parent_, kId));
   EXPECT_EQ(kInstrumentNoValue, Block().state);
+  EXPECT_FALSE(GetInstrumentValue(parent_, kId, &value));
+  EXPECT_EQ(50, value);
 
-  Make(kModeDigital | kInstrumentShowTime);
+  Make(kModeDigital);
+  EXPECT_TRUE(SetInstrumentStyle(parent_, kId, kInstrumentShowTime | kModeCentreBar, TRUE));  // the layout stays
   const SYSTEMTIME time{.wHour = 7, .wMinute = 8};
   EXPECT_TRUE(SetInstrumentTime(parent_, kId, time));
   SYSTEMTIME stored{};
@@ -90,7 +94,8 @@ TEST_F(Instruments, SetsNamesZonesAndValues) {
   const HWND button = CreateControl(parent_, "BUTTON", "", 0, {0, 0, 9, 9}, kId + 1);
   for (int id : {kId + 1, kId + 2}) {
     EXPECT_FALSE(SetInstrumentValue(parent_, id, 1, FALSE) || SetInstrumentName(parent_, id, L"x") ||
-                 SetInstrumentTime(parent_, id, time) || SetInstrumentZones(parent_, id, zones));
+                 SetInstrumentTime(parent_, id, time) || SetInstrumentZones(parent_, id, zones) ||
+                 GetInstrumentValue(parent_, id, &value) || SetInstrumentStyle(parent_, id, 64, TRUE));
   }
   EXPECT_TRUE(IsWindow(button));
 }
