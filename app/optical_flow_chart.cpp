@@ -210,7 +210,7 @@ LRESULT OnCopy(ChartState* state, LPARAM requestedSize) {
     UseCameraCoordinates(memory, size);
     RenderChart(memory, state->points);
   }
-  GiveBitmapToClipboard(state->hWnd, picture.Release());
+  PutBitmapOnClipboard(state->hWnd, picture.Release());
   return 0;
 }
 

@@ -39,7 +39,7 @@ void Draw(kv::Canvas& canvas, const std::string& shape, const std::vector<double
   } else if (shape == "disc" && n.size() == 3) {
     kv::FillDisc(canvas, {n[0], n[1]}, n[2], white);
   } else if (shape == "ring" && n.size() == 6) {
-    kv::FillRingSector(canvas, {n[0], n[1]}, n[2], n[3], n[4], n[5], white);
+    kv::FillAnnularSector(canvas, {n[0], n[1]}, n[2], n[3], n[4], n[5], white);
   } else if (shape == "line" && n.size() == 5) {
     kv::FillLine(canvas, {n[0], n[1]}, {n[2], n[3]}, n[4], white);
   } else if (shape == "glyph" && n.size() == 5) {

@@ -116,14 +116,7 @@ LRESULT OnCopy(HWND window, LPARAM lParam) {
   if (!held) return 1;
   const SIZE ownSize = BitmapSize(held);
   const SIZE size = RequestedPictureSize(lParam, ownSize, kSmallestCopy, kLargestCopy);
-  HBITMAP copy = CreateWindowBitmap(window, size);
-  if (!copy) return 0;
-  {
-    const MemoryDc dc(nullptr);
-    const SelectedObject selected(dc, copy);
-    ShowBitmap(dc, {0, 0, size.cx, size.cy}, held, ownSize);
-  }
-  GiveBitmapToClipboard(window, copy);
+  CopyBitmapToClipboard(window, held, ownSize, size);
   return 0;
 }
 

@@ -161,7 +161,7 @@ std::wstring WindowText(HWND window) {
   return text;
 }
 
-void TellValueChanged(HWND window) {
+void NotifyValueChanged(HWND window) {
   NotifyWinEvent(EVENT_OBJECT_VALUECHANGE, window, OBJID_CLIENT, CHILDID_SELF);
 }
 

@@ -25,6 +25,6 @@ LRESULT AnswerGetObject(HWND window, WPARAM wParam, LPARAM lParam, LONG role, De
 std::wstring WindowText(HWND window);
 
 // Tells screen readers that the value is another; costs little when there are none.
-void TellValueChanged(HWND window);
+void NotifyValueChanged(HWND window);
 
 }  // namespace kv

@@ -14,10 +14,6 @@ namespace kv {
 
 namespace {
 
-constexpr DWORD PixelOf(COLORREF color) {
-  return static_cast<DWORD>(GetRValue(color)) << 16 | static_cast<DWORD>(GetGValue(color)) << 8 | GetBValue(color);
-}
-
 COLORREF Between(COLORREF from, COLORREF to, double part) {
   const double t = part > 0 ? std::min(part, 1.0) : 0.0;
   const auto channel = [t](BYTE a, BYTE b) { return static_cast<BYTE>(a + (b - a) * t + 0.5); };
@@ -26,8 +22,8 @@ COLORREF Between(COLORREF from, COLORREF to, double part) {
 }
 
 DWORD PixelAt(const Paint& paint, LONG y) {
-  if (paint.top == paint.bottom) return PixelOf(paint.top);
-  return PixelOf(Between(paint.top, paint.bottom, (y + 0.5 - paint.from) / (paint.to - paint.from)));
+  if (paint.top == paint.bottom) return PixelOfColor(paint.top);
+  return PixelOfColor(Between(paint.top, paint.bottom, (y + 0.5 - paint.from) / (paint.to - paint.from)));
 }
 
 // Each channel becomes (new * coverage + old * (255 - coverage)) / 255, rounded; red and blue share a word.
@@ -173,15 +169,15 @@ void FillPolygon(Canvas& canvas, std::span<const PointD> corners, const Paint& p
 }
 
 void FillDisc(Canvas& canvas, PointD centre, double radius, const Paint& paint) {
-  FillRingSector(canvas, centre, 0, radius, 0, 360, paint);
+  FillAnnularSector(canvas, centre, 0, radius, 0, 360, paint);
 }
 
 void FillGradientDisc(Canvas& canvas, PointD centre, double radius, COLORREF top, COLORREF bottom) {
   FillDisc(canvas, centre, radius, Paint(top, bottom, centre.y - radius, centre.y + radius));
 }
 
-void FillRingSector(Canvas& canvas, PointD centre, double inner, double outer, double from, double to,
-                    const Paint& paint) {
+void FillAnnularSector(Canvas& canvas, PointD centre, double inner, double outer, double from, double to,
+                       const Paint& paint) {
   if (!(to > from) || !(outer > inner) || !(inner >= 0) || !(to - from <= 360)) return;
   std::array<PointD, CoverageShape::kMostEdges> corners;
   const int chords = ChordsOf(outer, to - from), innerChords = inner > 0 ? ChordsOf(inner, to - from) : 0;
@@ -221,7 +217,7 @@ void FillAreaAcross(Canvas& canvas, const RECT& area, COLORREF left, COLORREF ri
   canvas.FinishGdi();
   DWORD* first = canvas.surface().Row(seen.top);
   for (LONG x = seen.left; x < seen.right; ++x) {
-    first[x] = PixelOf(Between(left, right, (x + 0.5 - area.left) / (area.right - area.left)));
+    first[x] = PixelOfColor(Between(left, right, (x + 0.5 - area.left) / (area.right - area.left)));
   }
   for (LONG y = seen.top + 1; y < seen.bottom; ++y) {
     std::memcpy(canvas.surface().Row(y) + seen.left, first + seen.left, (seen.right - seen.left) * sizeof(DWORD));

@@ -84,7 +84,7 @@ void FillPolygon(Canvas& canvas, std::span<const PointD> corners, const Paint& p
 void FillDisc(Canvas& canvas, PointD centre, double radius, const Paint& paint);
 void FillGradientDisc(Canvas& canvas, PointD centre, double radius, COLORREF top, COLORREF bottom);
 // A sector of up to 360 degrees; no ring, but a piece of cake, for an `inner` radius of 0.
-void FillRingSector(Canvas& canvas, PointD centre, double inner, double outer, double from, double to,
+void FillAnnularSector(Canvas& canvas, PointD centre, double inner, double outer, double from, double to,
                     const Paint& paint);
 void FillLine(Canvas& canvas, PointD from, PointD to, double width, const Paint& paint);
 

@@ -90,14 +90,11 @@ BOOL ReplaceBitmapColor(HDC dc, HBITMAP bitmap, COLORREF from, COLORREF to) {
   BITMAP shape{};
   if (!GetObjectA(bitmap, sizeof(shape), &shape) || shape.bmWidth <= 0 || shape.bmHeight <= 0) return FALSE;
   BITMAPINFO info = TopDownBitmapInfo(shape.bmWidth, shape.bmHeight);
-  const auto asPixel = [](COLORREF color) -> DWORD {
-    return (GetRValue(color) << 16) | (GetGValue(color) << 8) | GetBValue(color);
-  };
   constexpr DWORD kColorBits = 0x00FFFFFF;
   std::vector<DWORD> pixels(static_cast<size_t>(shape.bmWidth) * shape.bmHeight);
   if (!GetDIBits(dc, bitmap, 0, shape.bmHeight, pixels.data(), &info, DIB_RGB_COLORS)) return FALSE;
   std::ranges::for_each(pixels, [&](DWORD& pixel) {
-    if ((pixel & kColorBits) == asPixel(from)) pixel = asPixel(to);
+    if ((pixel & kColorBits) == PixelOfColor(from)) pixel = PixelOfColor(to);
   });
   return SetDIBits(dc, bitmap, 0, shape.bmHeight, pixels.data(), &info, DIB_RGB_COLORS) != 0;
 }

@@ -41,7 +41,18 @@ SIZE RequestedPictureSize(LPARAM lParam, SIZE ownSize, int smallest, int largest
   return {std::clamp<int>(LOWORD(lParam), smallest, largest), std::clamp<int>(HIWORD(lParam), smallest, largest)};
 }
 
-BOOL GiveBitmapToClipboard(HWND window, HBITMAP bitmap) {
+BOOL CopyBitmapToClipboard(HWND window, HBITMAP bitmap, SIZE bitmapSize, SIZE size) {
+  OwnedBitmap copy(CreateWindowBitmap(window, size));
+  if (!copy) return FALSE;
+  {
+    const MemoryDc dc(nullptr);
+    const SelectedObject selected(dc, copy);
+    ShowBitmap(dc, {0, 0, size.cx, size.cy}, bitmap, bitmapSize);
+  }
+  return PutBitmapOnClipboard(window, copy.Release());
+}
+
+BOOL PutBitmapOnClipboard(HWND window, HBITMAP bitmap) {
   OwnedBitmap owned(bitmap);
   if (!bitmap || !OpenClipboard(window)) return FALSE;
   EmptyClipboard();

@@ -17,6 +17,11 @@ HBITMAP CreateWindowBitmap(HWND window, SIZE size);
 // Describes a 32-bit picture whose first row is the top one (0x00RRGGBB pixels, no padding between rows).
 BITMAPINFO TopDownBitmapInfo(int width, int height);
 
+// A colour as a pixel of such a picture.
+constexpr DWORD PixelOfColor(COLORREF color) {
+  return static_cast<DWORD>(GetRValue(color)) << 16 | static_cast<DWORD>(GetGValue(color)) << 8 | GetBValue(color);
+}
+
 // Stretches the whole bitmap onto `target` without blending: each pixel shown is a pixel of the bitmap.
 void ShowBitmap(HDC target, const RECT& area, HBITMAP bitmap, SIZE bitmapSize);
 
@@ -24,8 +29,12 @@ void ShowBitmap(HDC target, const RECT& area, HBITMAP bitmap, SIZE bitmapSize);
 // `smallest`..`largest` pixels; with lParam 0 it is `ownSize`, unclamped.
 SIZE RequestedPictureSize(LPARAM lParam, SIZE ownSize, int smallest, int largest);
 
+// Puts a copy of the bitmap on the clipboard as CF_BITMAP, stretched to this size. FALSE when memory is short or another
+// program holds the clipboard.
+BOOL CopyBitmapToClipboard(HWND window, HBITMAP bitmap, SIZE bitmapSize, SIZE size);
+
 // Puts the bitmap on the clipboard as CF_BITMAP. It belongs to the clipboard afterwards; if the clipboard rejects it,
 // it is deleted and the result is FALSE.
-BOOL GiveBitmapToClipboard(HWND window, HBITMAP bitmap);
+BOOL PutBitmapOnClipboard(HWND window, HBITMAP bitmap);
 
 }  // namespace kv

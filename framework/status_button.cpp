@@ -1,7 +1,7 @@
 #include <algorithm>
-#include <cstddef>
 #include <utility>
 
+#include "framework/canvas.h"
 #include "framework/guards.h"
 #include "framework/painting.h"
 #include "framework/picture.h"
@@ -10,43 +10,18 @@ namespace kv {
 
 namespace {
 
-// A 32-bit picture that is kept from one button to the next, and grows to the largest of them. Making one anew for each
-// of some hundred paintings a second would cost more than all of the drawing. One for each thread, freed with it.
-class Canvas {
- public:
-  Canvas() = default;
-  ~Canvas() {
-    if (dc_) DeleteDC(dc_);
-    if (bitmap_) DeleteObject(bitmap_);
-  }
-  Canvas(const Canvas&) = delete;
-  Canvas& operator=(const Canvas&) = delete;
+// A picture that is kept from one button to the next, and grows to the largest of them. Making one anew for each of
+// some hundred paintings a second would cost more than all of the drawing. One for each thread, freed with it.
+struct ButtonPicture {
+  MemoryDc dc{nullptr};
+  Surface surface;
 
   // False when memory is short.
-  bool Reserve(HDC compatibleWith, SIZE size) {
-    if (!dc_) dc_ = CreateCompatibleDC(compatibleWith);
-    if (pixels_ && size.cx <= size_.cx && size.cy <= size_.cy) return true;
-    const SIZE larger{std::max(size.cx, size_.cx), std::max(size.cy, size_.cy)};
-    const BITMAPINFO info = TopDownBitmapInfo(larger.cx, larger.cy);
-    void* pixels = nullptr;
-    HBITMAP bitmap = CreateDIBSection(dc_, &info, DIB_RGB_COLORS, &pixels, nullptr, 0);
-    if (!bitmap) return false;
-    SelectObject(dc_, bitmap);
-    if (bitmap_) DeleteObject(bitmap_);
-    bitmap_ = bitmap;
-    pixels_ = static_cast<DWORD*>(pixels);
-    size_ = larger;
-    return true;
+  bool Reserve(SIZE size) {
+    const SIZE had = surface.size();
+    if (size.cx <= had.cx && size.cy <= had.cy) return true;
+    return surface.Create({std::max(size.cx, had.cx), std::max(size.cy, had.cy)});
   }
-
-  HDC dc() const { return dc_; }
-  DWORD* Row(int y) const { return pixels_ + static_cast<size_t>(y) * size_.cx; }
-
- private:
-  HDC dc_ = nullptr;
-  HBITMAP bitmap_ = nullptr;
-  DWORD* pixels_ = nullptr;
-  SIZE size_{};
 };
 
 COLORREF SchemeColor(int scheme) {
@@ -56,11 +31,6 @@ COLORREF SchemeColor(int scheme) {
     case kSchemeBlue: return 0xFF7F4F;
     default: return GetSysColor(COLOR_BTNSHADOW);
   }
-}
-
-// A picture's pixels hold red and blue the other way round.
-DWORD AsPixel(COLORREF color) {
-  return (GetRValue(color) << 16) | (GetGValue(color) << 8) | GetBValue(color);
 }
 
 struct FaceColors {
@@ -81,16 +51,16 @@ FaceColors ColorsOfFace(int scheme, UINT flags, bool pressed) {
 }
 
 // A button with the focus has a dark edge instead of a raised one, from which the white frame within stands out.
-void DrawFace(const Canvas& canvas, SIZE size, const FaceColors& colors, bool pressed, bool focused) {
+void DrawFace(const Surface& picture, SIZE size, const FaceColors& colors, bool pressed, bool focused) {
   const DWORD light =
-      focused ? AsPixel(colors.rim) : AsPixel(GetSysColor(pressed ? COLOR_BTNSHADOW : COLOR_BTNHIGHLIGHT));
+      focused ? PixelOfColor(colors.rim) : PixelOfColor(GetSysColor(pressed ? COLOR_BTNSHADOW : COLOR_BTNHIGHLIGHT));
   const DWORD dark =
-      focused ? AsPixel(colors.rim) : AsPixel(GetSysColor(pressed ? COLOR_BTNHIGHLIGHT : COLOR_BTNSHADOW));
+      focused ? PixelOfColor(colors.rim) : PixelOfColor(GetSysColor(pressed ? COLOR_BTNHIGHLIGHT : COLOR_BTNSHADOW));
   for (int y = 0; y < size.cy; ++y) {
-    DWORD* row = canvas.Row(y);
+    DWORD* row = picture.Row(y);
     COLORREF face = colors.top;
     BlendColor(colors.top, colors.bottom, std::max<int>(size.cy - 1, 1), y, &face);
-    std::fill(row, row + size.cx, y == 0 ? light : y == size.cy - 1 ? dark : AsPixel(face));
+    std::fill(row, row + size.cx, y == 0 ? light : y == size.cy - 1 ? dark : PixelOfColor(face));
     row[0] = y == size.cy - 1 ? dark : light;
     row[size.cx - 1] = dark;
   }
@@ -152,12 +122,12 @@ DWORD Mixed(DWORD from, DWORD to, int share) {
 // Puts the shapes on the face in white, with a rim of one dark pixel on all sides: so they are read on any brightness.
 // The shapes lie below the face in the same picture, `size.cy` rows down, between the columns `left` and `right`; the
 // face's edge is left free.
-void PutShapesOnFace(const Canvas& canvas, SIZE size, LONG left, LONG right, COLORREF rimColor) {
-  const DWORD rimPixel = AsPixel(rimColor);
+void PutShapesOnFace(const Surface& picture, SIZE size, LONG left, LONG right, COLORREF rimColor) {
+  const DWORD rimPixel = PixelOfColor(rimColor);
   constexpr DWORD kWhite = 0xFFFFFF;
   for (int y = 1; y < size.cy - 1; ++y) {
-    DWORD* face = canvas.Row(y);
-    const DWORD* rows[] = {canvas.Row(size.cy + y - 1), canvas.Row(size.cy + y), canvas.Row(size.cy + y + 1)};
+    DWORD* face = picture.Row(y);
+    const DWORD* rows[] = {picture.Row(size.cy + y - 1), picture.Row(size.cy + y), picture.Row(size.cy + y + 1)};
     for (LONG x = std::max(left - 1, 1L); x < std::min(right, size.cx - 2) + 1; ++x) {
       int rim = 0;
       for (const DWORD* row : rows) {
@@ -171,19 +141,20 @@ void PutShapesOnFace(const Canvas& canvas, SIZE size, LONG left, LONG right, COL
 }  // namespace
 
 void DrawStatusButton(const DRAWITEMSTRUCT& item, int scheme, UINT flags) {
-  thread_local Canvas canvas;
+  thread_local ButtonPicture picture;
   const RECT& area = item.rcItem;
   const SIZE size{area.right - area.left, area.bottom - area.top};
-  if (size.cx <= 0 || size.cy <= 0 || !canvas.Reserve(item.hDC, {size.cx, 2 * size.cy})) return;
+  if (size.cx <= 0 || size.cy <= 0 || !picture.Reserve({size.cx, 2 * size.cy})) return;
   const bool pressed = (item.itemState & ODS_SELECTED) != 0;
   const bool focused = (item.itemState & ODS_FOCUS) && !(item.itemState & ODS_NOFOCUSRECT);
   const FaceColors colors = ColorsOfFace(scheme, flags, pressed);
+  const SelectedObject selected(picture.dc, picture.surface.bitmap());
   const RECT shapes =
-      DrawShapes(canvas.dc(), {0, size.cy, size.cx, 2 * size.cy}, item.hwndItem, (flags & kButtonPaused) != 0, focused);
+      DrawShapes(picture.dc, {0, size.cy, size.cx, 2 * size.cy}, item.hwndItem, (flags & kButtonPaused) != 0, focused);
   GdiFlush();
-  DrawFace(canvas, size, colors, pressed, focused);
-  PutShapesOnFace(canvas, size, shapes.left, shapes.right, colors.rim);
-  BitBlt(item.hDC, area.left, area.top, size.cx, size.cy, canvas.dc(), 0, 0, SRCCOPY);
+  DrawFace(picture.surface, size, colors, pressed, focused);
+  PutShapesOnFace(picture.surface, size, shapes.left, shapes.right, colors.rim);
+  BitBlt(item.hDC, area.left, area.top, size.cx, size.cy, picture.dc, 0, 0, SRCCOPY);
 }
 
 }  // namespace kv

@@ -85,7 +85,7 @@ void Select(HWND list, ListRecord& record, DWORD row) {
   record.bSelected = TRUE;
   record.dwSelectedRow = row;
   record.bDirty = TRUE;
-  TellValueChanged(list);
+  NotifyValueChanged(list);
   const DWORD first = FirstRow(record), inView = static_cast<DWORD>(PageOf(list, record));
   DWORD wanted = first;
   if (row < first) wanted = row;

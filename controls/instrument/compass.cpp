@@ -71,8 +71,8 @@ void DrawZones(Canvas& canvas, const Dial& dial, const InstrumentFace& face, dou
     if (!std::isfinite(zone.lower) || !std::isfinite(zone.upper)) continue;
     const double from = CardAngle(zone.lower, heading);
     const double sweep = std::clamp(static_cast<double>(zone.upper) - zone.lower, 0.0, 360.0);
-    FillRingSector(canvas, dial.centre, inner, kZoneOuter * dial.faceRadius, from, from + sweep,
-                   ShownColor(face, zone.color));
+    FillAnnularSector(canvas, dial.centre, inner, kZoneOuter * dial.faceRadius, from, from + sweep,
+                      ShownColor(face, zone.color));
   }
 }
 

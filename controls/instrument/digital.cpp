@@ -230,7 +230,7 @@ void DrawSeparator(Canvas& canvas, const DigitPlace& place, Separator separator,
       FillDisc(canvas, Slanted(place, x, height * 0.70), radius, color);
       break;
     case Separator::kDegree:
-      FillRingSector(canvas, Slanted(place, x, height * 0.08), height * 0.045, height * 0.085, 0, 360, color);
+      FillAnnularSector(canvas, Slanted(place, x, height * 0.08), height * 0.045, height * 0.085, 0, 360, color);
       break;
     case Separator::kMinute: tick(0); break;
     case Separator::kSecond:

@@ -294,7 +294,7 @@ LRESULT OnCommand(HWND window, InstrumentRecord* record, WPARAM wParam, LPARAM l
     case kCommandZone: changed = ExchangeZone(record, wParam, lParam); break;
   }
   if (!changed) return 0;
-  TellValueChanged(window);  // whoever listens may destroy the control
+  NotifyValueChanged(window);  // whoever listens may destroy the control
   record = WindowRecord<InstrumentRecord>(window);
   if (record && (wParam & kCommandRedraw)) {
     ShowNow(record);
@@ -411,7 +411,7 @@ LRESULT OnTimer(InstrumentRecord* record, WPARAM timer) {
   } else if (record->nCountdown == 0) {
     KillTimer(record->hWnd, kGlideTimer);
     record->bGliding = FALSE;
-    TellValueChanged(record->hWnd);
+    NotifyValueChanged(record->hWnd);
   } else {
     --record->nCountdown;
   }
@@ -423,14 +423,7 @@ LRESULT CopyToClipboard(InstrumentRecord* record, LPARAM requested) {
   if (!record->hBuffer) return 0;
   const SIZE own{record->nWidth, record->nHeight};
   const SIZE size = RequestedPictureSize(requested, own, kInstrumentSmallestPicture, kInstrumentLargestPicture);
-  OwnedBitmap picture(CreateWindowBitmap(record->hWnd, size));
-  if (!picture) return 0;
-  {
-    const MemoryDc dc(nullptr);
-    const SelectedObject selected(dc, picture);
-    ShowBitmap(dc, {0, 0, size.cx, size.cy}, record->hBuffer, own);
-  }
-  GiveBitmapToClipboard(record->hWnd, picture.Release());
+  CopyBitmapToClipboard(record->hWnd, record->hBuffer, own, size);
   return 0;
 }
 

@@ -41,8 +41,8 @@ void DrawZones(Canvas& canvas, const Dial& dial, const InstrumentFace& face) {
     if (!(face.block.state & ZoneEnabledBit(i))) continue;
     const InstrumentZone& zone = face.block.zones[i];
     const double lower = GaugeAngle(reading, zone.lower), upper = GaugeAngle(reading, zone.upper);
-    FillRingSector(canvas, dial.centre, inner, kZoneOuter * dial.faceRadius, std::min(lower, upper),
-                   std::max(lower, upper), ShownColor(face, zone.color));
+    FillAnnularSector(canvas, dial.centre, inner, kZoneOuter * dial.faceRadius, std::min(lower, upper),
+                      std::max(lower, upper), ShownColor(face, zone.color));
   }
 }
 

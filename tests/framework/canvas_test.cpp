@@ -49,7 +49,7 @@ TEST(Canvas, WhatIsWantedOfAShapeDoesNotChangeIt) {
   ASSERT_TRUE(OutlineOfCharacter(L"Arial Unicode MS", FW_BOLD, L'8', glyph.get()));
   const auto draw = [&](Canvas& canvas) {
     FillGradientDisc(canvas, {40.3, 35.7}, 31.2, kWhite, RGB(200, 20, 90));
-    FillRingSector(canvas, {50, 30}, 11.5, 60.25, -70, 215, RGB(40, 250, 30));
+    FillAnnularSector(canvas, {50, 30}, 11.5, 60.25, -70, 215, RGB(40, 250, 30));
     FillLine(canvas, {-300, -17}, {500, 83.4}, 0.7, kWhite);
     FillAreaAcross(canvas, {10, 50, 80, 60}, kBlack, kWhite);
     BeginShape(canvas);  // of more letters, overlapping, than a shape can hold
@@ -71,7 +71,7 @@ TEST(Canvas, ShapesCoverWhatTheyShould) {
     EXPECT_NEAR(3.14159265 * radius * radius, disc.Covered(), 0.02 + radius * 0.02) << radius;
   }
   Board ring(100, 100);
-  FillRingSector(*ring.canvas, {50, 50}, 30, 40, 0, 90, kWhite);
+  FillAnnularSector(*ring.canvas, {50, 50}, 30, 40, 0, 90, kWhite);
   EXPECT_NEAR(3.14159265 * 700 / 4, ring.Covered(), 0.5);
   EXPECT_TRUE(ring.At(75, 25) && !ring.At(75, 75) && !ring.At(25, 25));
 
@@ -96,8 +96,8 @@ TEST(Canvas, OddInputAndTooManyEdgesDrawNothing) {
   FillDisc(canvas, {10, 10}, NAN, kWhite);
   FillDisc(canvas, {NAN, 10}, 5, kWhite);
   FillDisc(canvas, {10, 10}, -5, kWhite);
-  FillRingSector(canvas, {10, 10}, 3, 8, 90, 80, kWhite);
-  FillRingSector(canvas, {10, 10}, 3, 8, NAN, 80, kWhite);
+  FillAnnularSector(canvas, {10, 10}, 3, 8, 90, 80, kWhite);
+  FillAnnularSector(canvas, {10, 10}, 3, 8, NAN, 80, kWhite);
   FillLine(canvas, {1, 1}, {1, 1}, 5, kWhite);
   FillArea(canvas, {5, 5, 5, 9}, kWhite);
   canvas.ClipTo({30, 0, 40, 20});
