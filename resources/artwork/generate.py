@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Draws all artwork anew.
 
-Icons and toolbar strip go to resources/, toolbar_index.md stays here, contact sheets to look at go to build/artwork/.
+Icons and toolbar strip go to resources/, the samples' icons to samples/, toolbar_index.md stays here, contact sheets to look at go to build/artwork/.
 """
 
 from pathlib import Path
@@ -26,11 +26,13 @@ from pen import Pen
 HERE = Path(__file__).resolve().parent
 RESOURCES = HERE.parent
 BUILD = RESOURCES.parent / "build" / "artwork"
+SAMPLES = RESOURCES.parent / "samples"
 
 SIDE = 24
 STRIP_COUNT = 88
 STANDARD_COUNT = 15  # the common controls' own images stand before the strip on a toolbar
 CONNECT_IMAGE = 32  # what the main dialog's connect button asks for
+SAMPLE_ICONS = {"speedometer": "gauge", "instrument_panel": "compass", "million_rows": "table", "track_export": "waypoint"}
 FAINTEST_EDGE = 48  # a pixel covered less than this (of 255) is left transparent
 
 
@@ -46,6 +48,13 @@ def draw_icon(draw):
     pen = Pen(SIDE, SIDE)
     draw(pen)
     return [[strip_pixel(*pixel) for pixel in row] for row in pixels_of(pen.surface)]
+
+
+def program_icon(draw, side):
+    pen = Pen(side, side)
+    pen.context.scale(side / SIDE, side / SIDE)
+    draw(pen)
+    return pen.surface
 
 
 def write_index():
@@ -113,6 +122,10 @@ def main():
     programs = [marks.program(side) for side in (48, 32, 16, 256)]
     write_icon(RESOURCES / "tarnwick.ico", programs)
     write_icon(RESOURCES / "tarnwick_small.ico", [programs[2]])
+
+    drawn = dict(zip(names, ICONS))
+    for sample, name in SAMPLE_ICONS.items():
+        write_icon(SAMPLES / sample / "program.ico", [program_icon(drawn[name], side) for side in (32, 48, 16)])
 
     for face, name in (((212, 208, 200), "classic"), ((240, 240, 240), "light")):
         for zoom in (1, 4):
