@@ -3,12 +3,12 @@
 #include <commctrl.h>
 #include <oleacc.h>
 
-#include <algorithm>
 #include <utility>
 
 #include "app/app_context.h"
 #include "app/camera_link.h"
 #include "app/main_dialog.h"
+#include "app/main_dialog_geometry.h"
 #include "app/main_dialog_layout.h"
 #include "app/resource_ids.h"
 #include "app/version.h"
@@ -132,20 +132,6 @@ void SetUpPages(HWND dialog, AppContext* context) {
   SelectTabPage(dialog, context, 0);
 }
 
-// A monitor that is gone may have taken the stored place with it: a window that touches none is centred on the primary
-// one, at its size.
-void BringIntoSight(HWND dialog) {
-  if (MonitorFromWindow(dialog, MONITOR_DEFAULTTONULL)) return;
-  RECT place{}, work{};
-  GetWindowRect(dialog, &place);
-  SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
-  const RECT centred = CentredPosition({work.right - work.left, work.bottom - work.top},
-                                       {place.right - place.left, place.bottom - place.top});
-  // The caption stays within reach of the mouse even when the window is larger than the screen.
-  SetWindowPos(dialog, nullptr, work.left + std::max(centred.left, 0L), work.top + std::max(centred.top, 0L), 0, 0,
-               SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-}
-
 }  // namespace
 
 void RefreshToolbarImages(HWND dialog, AppContext* context) {
@@ -194,7 +180,7 @@ INT_PTR SetUpMainDialog(HWND dialog, AppContext* context) {
   StartReader(context);
   SetUpPages(dialog, context);
   WindowPosition(dialog, kMainPositionName, kPositionRestore);
-  BringIntoSight(dialog);
+  KeepInSight(dialog, {kSmallestWidth, kSmallestHeight});
   ModelessDialogs(dialog, nullptr, kModelessAdd);
   LayOutMainDialog(dialog, context);
   BringWindowToTop(dialog);

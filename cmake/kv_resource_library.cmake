@@ -17,6 +17,8 @@ endif()
 function(kv_add_resource_library name)
   add_library(${name} MODULE ${ARGN})
   set_target_properties(${name} PROPERTIES PREFIX "" SUFFIX ".dll" LINKER_LANGUAGE C)
+  # <kv/resource.h> is for language libraries, too.
+  target_include_directories(${name} PRIVATE $<TARGET_PROPERTY:kv::kv,INTERFACE_INCLUDE_DIRECTORIES>)
   if(MSVC)
     target_link_options(${name} PRIVATE /NOENTRY)
   else()

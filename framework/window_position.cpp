@@ -95,6 +95,24 @@ BOOL WindowPosition(HWND window, const char* name, int mode) {
   return TRUE;
 }
 
+void KeepInSight(HWND window, SIZE smallest) {
+  constexpr int kGrip = 48;  // of the caption, in pixels
+  RECT place{}, work{};
+  GetWindowRect(window, &place);
+  const SIZE size{std::max(place.right - place.left, smallest.cx), std::max(place.bottom - place.top, smallest.cy)};
+  const RECT caption{place.left + std::min<LONG>(kGrip, size.cx / 2), place.top,
+                     place.left + std::max<LONG>(size.cx - kGrip, size.cx / 2 + 1),
+                     place.top + GetSystemMetrics(SM_CYCAPTION)};
+  if (!MonitorFromRect(&caption, MONITOR_DEFAULTTONULL)) {
+    SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
+    const RECT centred = CentredPosition({work.right - work.left, work.bottom - work.top}, size);
+    // The caption stays within reach of the mouse even when the window is larger than the screen.
+    place.left = work.left + std::max(centred.left, 0L);
+    place.top = work.top + std::max(centred.top, 0L);
+  }
+  SetWindowPos(window, nullptr, place.left, place.top, size.cx, size.cy, SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 BOOL WindowNumber(const char* name, DWORD* number, int mode) {
   if (IsBadStringPtrA(name, UINT_MAX) || IsBadWritePtr(number, sizeof(*number))) return FALSE;
   switch (mode) {

@@ -28,6 +28,10 @@ BOOL WindowPosition(HWND window, const char* name, int mode);
 // unwritable number and any other mode.
 BOOL WindowNumber(const char* name, DWORD* number, int mode);
 
+// To be called for a window whose place was restored, whatever that was: gives it at least the size `smallest`, and
+// centres it on the primary monitor when no monitor shows enough of its caption to drag it by.
+void KeepInSight(HWND window, SIZE smallest);
+
 // The rectangle in a stored text: up to four comma-separated whole numbers. A field whose comma is missing, and all
 // after it, repeat the first field; what is no number is 0; a number beyond 32 bits is the nearest that fits.
 RECT ParsePosition(const char* text);

@@ -1,9 +1,12 @@
 #include "gallery/command_line.h"
 
+#include <windows.h>
+
+#include <string>
+
 #include "framework/language.h"
-#include "gallery/languages.h"
-#include "gallery/page.h"
 #include "gallery/pages.h"
+#include "toolkit/languages.h"
 
 namespace gallery {
 
@@ -19,7 +22,7 @@ StartOptions ParseCommandLine(int argc, const wchar_t* const* argv) {
     if (option == L"--page") {
       choose(&options.page, PageIndex);
     } else if (option == L"--language") {
-      choose(&options.language, LanguageOfCode);
+      choose(&options.language, kv::LanguageOfCode);
     } else if (option == L"--walk") {
       options.walk = true;
     } else if (option == L"--help" || option == L"/?") {
@@ -43,13 +46,22 @@ std::wstring LanguageCodes() {
   for (int i = 0; i < kv::kLanguageCount; ++i) {
     // Of two languages with one code the first is taken.
     const wchar_t* own = kv::kLanguages[i].code;
-    if (!*own || LanguageOfCode(own) != i) continue;
+    if (!*own || kv::LanguageOfCode(own) != i) continue;
     codes += own;
-    if (lstrcmpiW(own, IsoCode(i).c_str()) != 0) codes += L"/" + IsoCode(i);
+    if (lstrcmpiW(own, kv::IsoCode(i).c_str()) != 0) codes += L"/" + kv::IsoCode(i);
     codes += L' ';
   }
   codes.pop_back();
   return codes;
+}
+
+bool Print(DWORD stream, const std::wstring& text) {
+  const int characters = static_cast<int>(text.size());
+  std::string bytes(WideCharToMultiByte(CP_UTF8, 0, text.c_str(), characters, nullptr, 0, nullptr, nullptr), '\0');
+  WideCharToMultiByte(CP_UTF8, 0, text.c_str(), characters, bytes.data(), static_cast<int>(bytes.size()), nullptr,
+                      nullptr);
+  DWORD written = 0;
+  return WriteFile(GetStdHandle(stream), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) != 0;
 }
 
 }  // namespace gallery

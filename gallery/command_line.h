@@ -1,5 +1,7 @@
-// What the command line asks for. Pure.
+// What the command line asks for, and answers to it.
 #pragma once
+
+#include <windows.h>
 
 #include <string>
 
@@ -20,5 +22,9 @@ StartOptions ParseCommandLine(int argc, const wchar_t* const* argv);
 // differs ("GE/de").
 std::wstring PageNames();
 std::wstring LanguageCodes();
+
+// Writes UTF-8 to a standard stream. False when that leads nowhere, as it does for a program of windows that nobody
+// redirected.
+bool Print(DWORD stream, const std::wstring& text);
 
 }  // namespace gallery

@@ -4,21 +4,27 @@
 
 #include <windows.h>
 
+#include "gallery/command_line.h"
+#include "toolkit/scaled_dialog.h"
+
 namespace gallery {
 
-inline constexpr wchar_t kFrameTemplate[] = L"DLG_GALLERY";
+inline constexpr wchar_t kFileStem[] = L"kvgallery";  // of its language libraries and help files
 
-// Dialog procedure; the creation parameter is the index of the page to begin with, or -1 for the one that was shown
-// last. It remembers its place, whether it was maximised, and its page.
-INT_PTR CALLBACK FrameProcedure(HWND frame, UINT message, WPARAM wParam, LPARAM lParam);
+// The frame that begins as the options say, which must live as long as it does. It remembers its place, whether it was
+// maximised, and its page.
+kv::ScaledDialog FrameDialog(const StartOptions& options);
 
 // Shows a page. When the focus was in the one before, it goes into this one.
 void SelectPage(HWND frame, int index);
 
-// The window of the page that is shown; null before the first.
-HWND ShownPage();
+// What the frame consists of. Everything in pixels, in proportion to the window.
+struct FrameLayout {
+  int listWidth, rowHeight, headerHeight, titleHeight, margin, titlePx, textPx;
+};
+FrameLayout LayoutFor(SIZE client);
 
-// Shows the frame and all pages that exist in the language of modules.resources.
-void RefreshTexts(HWND frame);
+// The header: title and description of a page; with a negative page, the background alone.
+void DrawHeader(HDC dc, const RECT& header, const FrameLayout& layout, int page);
 
 }  // namespace gallery

@@ -1,4 +1,4 @@
-#include "gallery/frame_header.h"
+#include "gallery/frame.h"
 
 #include <algorithm>
 
@@ -6,7 +6,8 @@
 #include "framework/whole_number.h"
 #include "gallery/drawing.h"
 #include "gallery/resource_ids.h"
-#include "gallery/texts.h"
+#include "toolkit/languages.h"
+#include "toolkit/system_look.h"
 
 namespace gallery {
 
@@ -24,7 +25,7 @@ FrameLayout LayoutFor(SIZE client) {
 }
 
 void DrawHeader(HDC dc, const RECT& header, const FrameLayout& layout, int page) {
-  const bool plain = IsHighContrast();
+  const bool plain = kv::IsHighContrast();
   if (plain) {
     kv::FillSolid(dc, header, GetSysColor(COLOR_BTNFACE));
   } else {
@@ -33,9 +34,9 @@ void DrawHeader(HDC dc, const RECT& header, const FrameLayout& layout, int page)
   if (page < 0) return;
   const COLORREF color = plain ? GetSysColor(COLOR_BTNTEXT) : RGB(255, 255, 255);
   const int left = header.left + layout.margin, right = header.right - layout.margin;
-  DrawLine(dc, Text(IDS_TITLE_FIRST + page), {left, layout.titleHeight / 8, right, layout.titleHeight},
+  DrawLine(dc, kv::ResourceText(IDS_TITLE_FIRST + page), {left, layout.titleHeight / 8, right, layout.titleHeight},
            {layout.titlePx, FW_SEMIBOLD, color});
-  DrawLines(dc, Text(IDS_DESCRIPTION_FIRST + page), {left, layout.titleHeight, right, layout.headerHeight},
+  DrawLines(dc, kv::ResourceText(IDS_DESCRIPTION_FIRST + page), {left, layout.titleHeight, right, layout.headerHeight},
             {layout.textPx, FW_NORMAL, color});
 }
 

@@ -1,52 +1,46 @@
 #include "gallery/pages.h"
 
-#include <array>
 #include <cstring>
+#include <iterator>
 #include <span>
 #include <string>
 
-#include "framework/modules.h"
-#include "gallery/page.h"
-#include "gallery/pages/bitmap_page.h"
-#include "gallery/pages/capture_page.h"
-#include "gallery/pages/chart_page.h"
-#include "gallery/pages/dde_page.h"
-#include "gallery/pages/dialog_services_page.h"
-#include "gallery/pages/files_page.h"
-#include "gallery/pages/flight_page.h"
-#include "gallery/pages/instruments_page.h"
-#include "gallery/pages/language_page.h"
-#include "gallery/pages/list_page.h"
-#include "gallery/pages/mesh_page.h"
-#include "gallery/pages/nmea_page.h"
-#include "gallery/pages/notices_page.h"
-#include "gallery/pages/overview_page.h"
+#include "framework/tool_tips.h"
+#include "gallery/resource_ids.h"
+#include "toolkit/languages.h"
 
 namespace gallery {
 
 namespace {
 
-// In the order of PAGE_INDEX_... in resource_ids.h.
-constexpr Page kPages[] = {
-    {"overview", L"PAGE_OVERVIEW", OverviewPageProcedure},
-    {"dialog-services", L"PAGE_DIALOG_SERVICES", DialogServicesPageProcedure},
-    {"chart", L"PAGE_CHART", ChartPageProcedure},
-    {"bitmap", L"PAGE_BITMAP", BitmapPageProcedure},
-    {"instruments", L"PAGE_INSTRUMENTS", InstrumentsPageProcedure},
-    {"list", L"PAGE_LIST", ListPageProcedure},
-    {"mesh", L"PAGE_MESH", MeshPageProcedure},
-    {"capture", L"PAGE_CAPTURE", CapturePageProcedure},
-    {"flight", L"PAGE_FLIGHT", FlightPageProcedure},
-    {"nmea", L"PAGE_NMEA_SENTENCE", NmeaPageProcedure},
-    {"dde", L"PAGE_DDE_LINK", DdePageProcedure},
-    {"language", L"PAGE_LANGUAGE", LanguagePageProcedure},
-    {"files", L"PAGE_FILES", FilesPageProcedure},
-    {"notices", L"PAGE_NOTICES", NoticesPageProcedure},
+// The page of dialog services has tips; what they say is in the order of IDS_SERVICES_TIP.
+const kv::ToolTipEntry kServicesTips[] = {
+    {IDC_SERVICES_BUTTON, MAKEINTRESOURCEW(IDS_SERVICES_TIP)},
+    {IDC_SERVICES_EDIT, MAKEINTRESOURCEW(IDS_SERVICES_TIP + 1)},
+    {IDC_SERVICES_TRACKBAR, MAKEINTRESOURCEW(IDS_SERVICES_TIP + 2)},
+    {IDC_SERVICES_SCROLL, MAKEINTRESOURCEW(IDS_SERVICES_TIP + 3)},
+    {IDC_SERVICES_REMEMBER, MAKEINTRESOURCEW(IDS_SERVICES_TIP + 4)},
+    {IDC_SERVICES_RETURN, MAKEINTRESOURCEW(IDS_SERVICES_TIP + 5)},
 };
 
-std::array<HWND, std::size(kPages)> windows;
-// The page whose window is being created: it is asked for before the handle is known.
-const Page* pageInCreation = nullptr;
+// In the order of PAGE_INDEX_... in resource_ids.h.
+const Page kPages[] = {
+    {"overview", {.templateName = L"PAGE_OVERVIEW", .procedure = OverviewPageProcedure}},
+    {"dialog-services",
+     {.templateName = L"PAGE_DIALOG_SERVICES", .procedure = DialogServicesPageProcedure, .tips = kServicesTips}},
+    {"chart", {.templateName = L"PAGE_CHART", .procedure = ChartPageProcedure}},
+    {"bitmap", {.templateName = L"PAGE_BITMAP", .procedure = BitmapPageProcedure}},
+    {"instruments", {.templateName = L"PAGE_INSTRUMENTS", .procedure = InstrumentsPageProcedure}},
+    {"list", {.templateName = L"PAGE_LIST", .procedure = ListPageProcedure}},
+    {"mesh", {.templateName = L"PAGE_MESH", .procedure = MeshPageProcedure}},
+    {"capture", {.templateName = L"PAGE_CAPTURE", .procedure = CapturePageProcedure}},
+    {"flight", {.templateName = L"PAGE_FLIGHT", .procedure = FlightPageProcedure}},
+    {"nmea", {.templateName = L"PAGE_NMEA_SENTENCE", .procedure = NmeaPageProcedure}},
+    {"dde", {.templateName = L"PAGE_DDE_LINK", .procedure = DdePageProcedure}},
+    {"language", {.templateName = L"PAGE_LANGUAGE", .procedure = LanguagePageProcedure}},
+    {"files", {.templateName = L"PAGE_FILES", .procedure = FilesPageProcedure}},
+    {"notices", {.templateName = L"PAGE_NOTICES", .procedure = NoticesPageProcedure}},
+};
 
 }  // namespace
 
@@ -62,26 +56,8 @@ int PageIndex(const wchar_t* name) {
   return -1;
 }
 
-HWND PageWindow(HWND frame, int index) {
-  HWND& window = windows[index];
-  if (!window) {
-    pageInCreation = &kPages[index];
-    window =
-        CreateDialogParamW(kv::modules.application, kPages[index].dialogTemplate, frame, kPages[index].procedure, 0);
-    pageInCreation = nullptr;
-  }
-  return window;
-}
-
-HWND ExistingPageWindow(int index) {
-  return windows[index];
-}
-
-const Page* PageOf(HWND window) {
-  for (size_t i = 0; i < std::size(kPages); ++i) {
-    if (windows[i] == window) return &kPages[i];
-  }
-  return pageInCreation;
+void SetPageText(HWND page, int controlId, UINT textId) {
+  SetDlgItemTextW(page, controlId, kv::ResourceText(textId).c_str());
 }
 
 }  // namespace gallery

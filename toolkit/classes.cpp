@@ -3,17 +3,34 @@
 #include <algorithm>
 #include <iterator>
 #include <ranges>
+#include <string_view>
 
 #include "controls/display_instrument.h"
+#include "controls/instrument_block.h"
 #include "controls/line_recorder.h"
 #include "controls/simple_bitmap.h"
 #include "export/flight_track_view.h"
+#include "framework/control_kind.h"
 #include "framework/dialog.h"
 #include "lists/extended_list.h"
+#include "resource.h"
 
 namespace kv {
 
 namespace {
+
+// Resource scripts have the names of resource.h, code those of the controls.
+using Name = std::string_view;
+static_assert(Name(KV_DIALOG) == kDialogClass && Name(KV_DISPLAY_INSTRUMENT) == kDisplayInstrumentClass &&
+              Name(KV_SIMPLE_BITMAP) == kSimpleBitmapClass && Name(KV_EXTENDED_LIST) == kExtendedListClass &&
+              Name(KV_FLIGHT_TRACK) == kFlightTrackClass);
+static_assert(KV_GAUGE == kModeGauge && KV_READOUT == kModeDigital && KV_SEGMENT_BAR == kModeSegmentBar &&
+              KV_COMPASS == kModeCompass && KV_CENTER_ZERO_BAR == kModeCentreBar &&
+              KV_DISABLED == kInstrumentDisabled && KV_NO_CAPTION == kInstrumentNoCaption &&
+              KV_SHOW_TIME == kInstrumentShowTime && KV_SHOW_DATE == kInstrumentShowDate &&
+              KV_SHOW_ANGLE == kInstrumentShowAngle && KV_REVERSED == kInstrumentReversed);
+static_assert(KV_BITMAP_TRANSPARENT == kBitmapTransparent && KV_BITMAP_SQUARE_BY_WIDTH == kBitmapSquareByWidth &&
+              KV_BITMAP_SQUARE_BY_HEIGHT == kBitmapSquareByHeight && KV_KEEPS_DIRECTION == WS_EX_NOINHERITLAYOUT);
 
 using Registration = BOOL (*)(HINSTANCE, BOOL);
 constexpr Registration kRegistrations[] = {

@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <array>
+#include <memory>
 #include <vector>
 
 #include "framework/dialog_layout.h"
@@ -11,26 +13,69 @@
 
 namespace kv {
 
-// Belongs to its window, from WM_INITDIALOG to WM_NCDESTROY.
+enum class DialogKind { kModeless, kModal, kPage };
+
+// A dialog inside this one.
+struct DialogPage {
+  const ScaledDialog* what;
+  HWND window;
+};
+
+// Lives from WM_INITDIALOG to WM_NCDESTROY, and longer for whoever holds it: every call that reaches a control or the
+// dialog's own procedure may destroy the dialog.
 struct DialogRecord {
   ScaledDialog what;
-  bool isModal;
+  DialogKind kind;
   WNDPROC classProcedure;
   std::vector<LayoutSlot> slots;
   DialogScale scale{1, 1};
   SIZE smallest;
-  OwnedBrush background;         // null: the system's
+  bool hasDefaultButton;  // in its template
+  OwnedBrush background;  // null: the system's
+  OwnedFont listFont;
   std::vector<OwnedFont> fonts;  // the controls' last ones, once the dialog is being destroyed
-  HWND tips;
+  HWND tips, textTips;
+  std::vector<DialogPage> pages;
+  HWND shownPage;
+  int pagePlace;
+  HMENU languageMenu;
+  std::array<HBITMAP, kLanguageBitmapArea / sizeof(HBITMAP)> languageBitmaps;
+
+  ~DialogRecord();
 };
 
-// Null for a window that is no dialog of the toolkit.
-DialogRecord* DialogRecordOf(HWND dialog);
+// Null for a window that is no dialog of the toolkit, or no longer.
+std::shared_ptr<DialogRecord> DialogRecordOf(HWND dialog);
 
-// Sets what the dialog shows in the language of the process, and tells its procedure.
-void ShowLanguage(HWND dialog, DialogRecord& record);
+// Opens a dialog of a kind; null when it could not be opened, which is explained to a debugger.
+HWND CreateScaledDialog(HWND owner, const ScaledDialog& dialog, DialogKind kind);
+void ExplainMissing(const wchar_t* templateName);
 
-// The template's texts, in English where the language lacks the template.
+// Keeps the shown page as large as its place.
+void PlacePage(HWND parent, const DialogRecord& record);
+
+// Sets what the dialog and its pages show in the language of the process, and tells their procedures.
+void ShowLanguage(HWND dialog);
+
+// The template's texts, in English where the language lacks them.
 void SetTextsOfLanguage(HWND dialog, const wchar_t* templateName);
+
+// Puts a menu bar and tool tips in the language that is shown in the place of the former.
+void ReplaceMenu(HWND dialog, DialogRecord& record);
+void ReplaceToolTips(HWND dialog, DialogRecord& record);
+
+// Calls visit(child) for each child window that is there at the beginning and still is when its turn comes.
+template <class Visit>
+void VisitChildren(HWND parent, Visit visit) {
+  std::vector<HWND> children;
+  for (HWND child = GetWindow(parent, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
+    children.push_back(child);
+  for (HWND child : children) {
+    if (GetParent(child) == parent) visit(child);
+  }
+}
+
+// Whether a window is of that class, in any case.
+bool IsOfClass(HWND window, const wchar_t* name);
 
 }  // namespace kv

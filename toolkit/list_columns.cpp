@@ -9,33 +9,28 @@
 #include "framework/painting.h"
 #include "lists/extended_list.h"
 #include "lists/list_navigation.h"
+#include "toolkit/languages.h"
+#include "toolkit/system_look.h"
 
 namespace kv {
 
 namespace {
 
 constexpr int kPadding = 6;
+constexpr int kShadedRowPercent = 4, kColumnLinePercent = 15;
 
-// The window colour with so many thirty-seconds of its text's colour: in high contrast, too, the text reads on it.
-COLORREF TintedWindow(int thirtySeconds) {
-  COLORREF color = GetSysColor(COLOR_WINDOW);
-  BlendColor(color, GetSysColor(COLOR_WINDOWTEXT), 32, thirtySeconds, &color);
-  return color;
-}
-
-// The font of rows, kept from row to row while the height stays.
-HFONT FontOf(LONG rowHeight, int weight) {
-  struct Kept {
-    LONG height = 0;
+// A font of rows, cached from row to row while size and look stay.
+HFONT FontOf(int textPx, int weight, bool fixedPitch) {
+  struct CachedFont {
+    int textPx = 0, weight = 0;
     OwnedFont font;
   };
-  static Kept kept[2];
-  Kept& slot = kept[weight > FW_NORMAL];
-  const LONG height = std::max<LONG>(rowHeight * 3 / 4, 8);
-  if (slot.height != height) {
-    slot.font.Reset(CreateFontW(-height * 4 / 5, 0, 0, 0, weight, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_TT_PRECIS,
-                                CLIP_DEFAULT_PRECIS, PROOF_QUALITY, VARIABLE_PITCH | FF_SWISS, L"Arial Unicode MS"));
-    slot.height = height;
+  static CachedFont cached[3];
+  CachedFont& slot = cached[fixedPitch ? 2 : weight > FW_NORMAL];
+  if (slot.textPx != textPx || slot.weight != weight) {
+    slot.font = fixedPitch ? MakeFixedPitchFont(-textPx, weight) : MakeFont(-textPx, weight);
+    slot.textPx = textPx;
+    slot.weight = weight;
   }
   return slot.font;
 }
@@ -72,17 +67,17 @@ struct RowLook {
 RowLook LookOf(const DRAWITEMSTRUCT& item) {
   if (item.itemID == kHeaderRow) return {GetSysColor(COLOR_BTNFACE), GetSysColor(COLOR_BTNTEXT), FW_SEMIBOLD};
   if (item.itemState & ODS_SELECTED) return {GetSysColor(COLOR_HIGHLIGHT), GetSysColor(COLOR_HIGHLIGHTTEXT), FW_NORMAL};
-  return {TintedWindow(item.itemID % 2), GetSysColor(COLOR_WINDOWTEXT), FW_NORMAL};
+  return {ListShade(item.itemID % 2 ? kShadedRowPercent : 0), GetSysColor(COLOR_WINDOWTEXT), FW_NORMAL};
 }
 
 }  // namespace
 
-void DrawListRow(const DRAWITEMSTRUCT& item, std::span<const ListColumn> columns, ListCellText text,
-                 ListSorting sorting) {
+void DrawListRow(const DRAWITEMSTRUCT& item, std::span<const ListColumn> columns, const ListCellText& text,
+                 ListSorting sorting, int textPx) {
   const bool isHeader = item.itemID == kHeaderRow;
   const RowLook look = LookOf(item);
+  if (textPx <= 0) textPx = std::max<int>((item.rcItem.bottom - item.rcItem.top) * 3 / 5, 6);
   FillSolid(item.hDC, item.rcItem, look.ground);
-  const SelectedObject font(item.hDC, FontOf(item.rcItem.bottom - item.rcItem.top, look.weight));
   SetBkMode(item.hDC, TRANSPARENT);
   SetTextColor(item.hDC, look.text);
   VisitColumns(columns, item.rcItem.right, [&](int column, LONG left, LONG right) {
@@ -90,14 +85,18 @@ void DrawListRow(const DRAWITEMSTRUCT& item, std::span<const ListColumn> columns
     if (isHeader) {
       DrawEdge(item.hDC, &cell, BDR_RAISEDINNER, BF_RECT);
     } else {
-      FillSolid(item.hDC, {right - 1, cell.top, right, cell.bottom}, TintedWindow(4));
+      FillSolid(item.hDC, {right - 1, cell.top, right, cell.bottom}, ListShade(kColumnLinePercent));
     }
     InflateRect(&cell, -kPadding, 0);
     if (isHeader && column == sorting.column) DrawSortMark(item.hDC, &cell, sorting.descending);
-    const std::wstring shown = isHeader ? columns[column].title : text(item.itemID, column);
-    DrawTextW(item.hDC, shown.c_str(), static_cast<int>(shown.size()), &cell,
-              columns[column].align | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
+    const std::wstring shown = isHeader ? ListColumnTitle(columns[column]) : text(item.itemID, column);
+    const SelectedObject font(item.hDC, FontOf(textPx, look.weight, columns[column].fixedPitch && !isHeader));
+    DrawFitted(item.hDC, shown, cell, columns[column].align | DT_VCENTER | DT_SINGLELINE);
   });
+}
+
+std::wstring ListColumnTitle(const ListColumn& column) {
+  return IS_INTRESOURCE(column.title) ? ResourceText(LOWORD(column.title)) : column.title;
 }
 
 int ClickedListColumn(HWND list, std::span<const ListColumn> columns) {

@@ -4,19 +4,18 @@
 
 #include <windows.h>
 
+#include <functional>
 #include <span>
 #include <string>
 
 namespace kv {
 
 struct ListColumn {
-  const wchar_t* title;
+  const wchar_t* title;  // or MAKEINTRESOURCEW of a string resource, in the language that is shown
   int width;             // in proportion to the others: together they are as wide as the list is drawn
   UINT align = DT_LEFT;  // or DT_RIGHT, DT_CENTER
+  bool fixedPitch = false;
 };
-
-// The text of a cell. Called while a row is drawn.
-using ListCellText = std::wstring (*)(UINT row, int column);
 
 // Which column the rows are sorted by, for the mark in its header; none: -1.
 struct ListSorting {
@@ -24,10 +23,16 @@ struct ListSorting {
   bool descending = false;
 };
 
-// Answers WM_DRAWITEM for a list: draws the header, or one row, whose font follows its height. Rows are shaded by
-// turns, and the selected one has the system's colours.
-void DrawListRow(const DRAWITEMSTRUCT& item, std::span<const ListColumn> columns, ListCellText text,
-                 ListSorting sorting = {});
+// The text of a cell. Called while a row is drawn; whatever it captures must be there then.
+using ListCellText = std::function<std::wstring(UINT row, int column)>;
+
+// Answers WM_DRAWITEM for a list: draws the header, or one row. Rows are shaded by turns, and the selected one has the
+// system's colours. The characters are `textPx` pixels high; 0: as the row's height asks for.
+void DrawListRow(const DRAWITEMSTRUCT& item, std::span<const ListColumn> columns, const ListCellText& text,
+                 ListSorting sorting = {}, int textPx = 0);
+
+// A column's title as it is shown.
+std::wstring ListColumnTitle(const ListColumn& column);
 
 // The column whose header was clicked, once kListHeader of lists/list_navigation.h has said so; -1 when there is none.
 int ClickedListColumn(HWND list, std::span<const ListColumn> columns);

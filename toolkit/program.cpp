@@ -2,30 +2,72 @@
 
 #include <commctrl.h>
 
+#include <string>
+
+#include "framework/bounded_format.h"
 #include "framework/dialog.h"
+#include "framework/dialog_template.h"
 #include "framework/modules.h"
 #include "toolkit/classes.h"
 #include "toolkit/dialog_record.h"
+#include "toolkit/keyboard.h"
+#include "toolkit/languages.h"
 #include "toolkit/scaled_dialog.h"
-#include "toolkit/switch_language.h"
 
 namespace kv {
 
 namespace {
 
+constexpr int kNotOpened = -1;
+
 // Our own dialogs take letters of every script, for which the table's dispatch has no room.
 bool TakenByDialog(MSG* message) {
   HWND root = GetAncestor(message->hwnd, GA_ROOT);
-  if (DialogRecordOf(root)) return IsDialogMessageW(root, message);
+  if (DialogRecordOf(root)) return TakeKey(root, message) || IsDialogMessageW(root, message);
   return ModelessDialogs(nullptr, message, kModelessDispatch);
+}
+
+bool IsKnownClass(const wchar_t* name) {
+  WNDCLASSEXW found{.cbSize = sizeof(found)};
+  return !name[0] || GetClassInfoExW(modules.application, name, &found);
+}
+
+template <class... Values>
+void Explain(DWORD error, const wchar_t* format, Values... values) {
+  wchar_t text[512];
+  FormatBounded(text, sizeof(text), format, values...);
+  OutputDebugStringW(text);
+  SetLastError(error);
 }
 
 }  // namespace
 
+void ExplainMissing(const wchar_t* templateName) {
+  const std::wstring name =
+      IS_INTRESOURCE(templateName) ? L"#" + std::to_wstring(LOWORD(templateName)) : std::wstring(templateName);
+  DialogTemplate read;
+  if (!ReadDialogTemplate(modules.application, templateName, &read)) {
+    return Explain(ERROR_RESOURCE_NAME_NOT_FOUND, L"kv: the program has no dialog template \"%.100s\"\n", name.c_str());
+  }
+  if (!IsKnownClass(read.windowClass)) {
+    return Explain(ERROR_CANNOT_FIND_WND_CLASS,
+                   L"kv: the dialog template \"%.100s\" has the class \"%.100s\", which nobody has registered\n",
+                   name.c_str(), read.windowClass);
+  }
+  for (const TemplateControl& control : read.controls) {
+    if (IsKnownClass(control.windowClass)) continue;
+    return Explain(ERROR_CANNOT_FIND_WND_CLASS,
+                   L"kv: control %d of the dialog template \"%.100s\" has the class \"%.100s\", which nobody has "
+                   L"registered\n",
+                   control.id, name.c_str(), control.windowClass);
+  }
+}
+
 int RunMessageLoop(HWND window) {
-  MSG message;
+  MSG message{};
   while (IsWindow(window)) {
-    if (GetMessageW(&message, nullptr, 0, 0) <= 0) return static_cast<int>(message.wParam);
+    const BOOL got = GetMessageW(&message, nullptr, 0, 0);
+    if (got <= 0) return got < 0 ? kNotOpened : static_cast<int>(message.wParam);
     if (TakenByDialog(&message)) continue;
     TranslateMessage(&message);
     DispatchMessageW(&message);
@@ -34,20 +76,24 @@ int RunMessageLoop(HWND window) {
 }
 
 int RunDialog(HINSTANCE instance, const ScaledDialog& dialog) {
-  constexpr int kNotOpened = -1;
   modules = {.resources = instance, .application = instance};
   // Stays loaded: rich edit controls of any dialog need it, and one load is enough.
   LoadLibraryA("RichEd32.dll");
   InitCommonControls();
-  if (!RegisterAllClasses(instance, TRUE)) return kNotOpened;
+  if (!RegisterAllClasses(instance, TRUE)) {
+    Explain(GetLastError(), L"kv: the window classes could not be registered; are they already?\n");
+    return kNotOpened;
+  }
   ModelessDialogs(nullptr, nullptr, kModelessReset);
-  if (dialog.languages) BeginLanguages(dialog.languages);
+  if (dialog.languages) LoadLanguages(dialog.languages, dialog.language);
   HWND window = OpenDialog(nullptr, dialog);
+  const DWORD error = GetLastError();
   const int exitCode = window ? RunMessageLoop(window) : kNotOpened;
   // A quit message leaves the dialog open.
   if (IsWindow(window)) DestroyWindow(window);
-  EndLanguages();
+  UnloadLanguages();
   RegisterAllClasses(instance, FALSE);
+  if (!window) SetLastError(error);
   return exitCode;
 }
 

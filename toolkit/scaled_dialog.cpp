@@ -1,30 +1,48 @@
 #include "toolkit/scaled_dialog.h"
 
+#include <commctrl.h>
+
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "framework/control_kind.h"
 #include "framework/dialog.h"
 #include "framework/dialog_layout.h"
 #include "framework/guards.h"
 #include "framework/modules.h"
+#include "framework/painting.h"
+#include "framework/picture.h"
 #include "framework/tool_tips.h"
 #include "framework/window_position.h"
 #include "lists/extended_list.h"
 #include "toolkit/dialog_record.h"
-#include "toolkit/switch_language.h"
+#include "toolkit/languages.h"
+#include "toolkit/mirroring.h"
+#include "toolkit/system_look.h"
+#include "toolkit/text_tips.h"
 
 namespace kv {
 
 namespace {
 
 constexpr wchar_t kRecordProperty[] = L"kvScaledDialog";
+constexpr int kPageId = INT_MAX;  // beyond every dialog's highestId
+constexpr int kListTextPx = 14;   // of list boxes, list views, and edit controls of many lines, at scale 1
 
-// What a dialog is opened with; lives until WM_INITDIALOG has been handled.
+using RecordHolder = std::shared_ptr<DialogRecord>;
+
+// What a dialog is opened with; lives until WM_INITDIALOG has been handled. The mark is tested, because anybody may
+// send a dialog WM_INITDIALOG.
 struct Opening {
+  static constexpr DWORD kMark = 0x6B764F70;
+  DWORD mark;
   const ScaledDialog& what;
-  bool isModal;
+  DialogKind kind;
 };
 
 INT_PTR AskProcedure(HWND dialog, const DialogRecord& record, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -34,7 +52,7 @@ INT_PTR AskProcedure(HWND dialog, const DialogRecord& record, UINT message, WPAR
 // Windows of the dialog class speak the code page, where a caption in another script ends as question marks: what
 // concerns the caption goes past the class.
 LRESULT CALLBACK WideCaptionProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  DialogRecord* record = DialogRecordOf(dialog);
+  const RecordHolder record = DialogRecordOf(dialog);
   if (!record) return DefWindowProcW(dialog, message, wParam, lParam);
   switch (message) {
     case WM_SETTEXT:
@@ -43,49 +61,91 @@ LRESULT CALLBACK WideCaptionProcedure(HWND dialog, UINT message, WPARAM wParam, 
     default: break;
   }
   const LRESULT result = CallWindowProcW(record->classProcedure, dialog, message, wParam, lParam);
-  if (message == WM_NCDESTROY) {
-    RemovePropW(dialog, kRecordProperty);
-    delete record;
-  }
+  if (message == WM_NCDESTROY) delete static_cast<RecordHolder*>(RemovePropW(dialog, kRecordProperty));
   return result;
 }
 
 // ---- Layout ---------------------------------------------------------------------------------------------------------
 
-template <class Visit>
-void VisitChildren(HWND dialog, Visit visit) {
-  for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) visit(child);
+bool IsInRange(const ScaledDialog& what, HWND control) {
+  const int id = GetDlgCtrlID(control);
+  return id >= what.lowestId && id <= std::min(what.highestId, kPageId - 1);
 }
 
 HFONT FontOf(HWND control) {
-  return reinterpret_cast<HFONT>(SendMessageA(control, WM_GETFONT, 0, 0));
+  return reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0));
+}
+
+bool TakesListFont(HWND control) {
+  const LONG style = GetWindowLongW(control, GWL_STYLE);
+  switch (ClassifyControl(control)) {
+    case kControlListBox: return !(style & LBS_OWNERDRAWFIXED);
+    case kControlEdit: return style & ES_MULTILINE && IsOfClass(control, L"EDIT");
+    default: return IsOfClass(control, WC_LISTVIEWW);
+  }
 }
 
 // Scaling deletes the fonts that it replaces, but controls share the template's font, and some keep it: lists, controls
-// outside the range, labels that are still empty. So each gets a copy of its own first.
+// outside the range. So each gets a copy of its own first.
 void GiveEachItsFont(HWND dialog) {
   VisitChildren(dialog, [](HWND child) {
     LOGFONTW description{};
     if (!GetObjectW(FontOf(child), sizeof(description), &description)) return;
     if (HFONT copy = CreateFontIndirectW(&description)) {
-      SendMessageA(child, WM_SETFONT, reinterpret_cast<WPARAM>(copy), FALSE);
+      SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(copy), FALSE);
     }
   });
 }
 
 void Capture(HWND dialog, DialogRecord& record) {
-  size_t children = 0;
-  VisitChildren(dialog, [&](HWND) { ++children; });
-  record.slots.resize(children + 1);
-  CaptureLayout(dialog, record.slots.data(), record.what.lowestId, record.what.highestId);
+  size_t controls = 0;
+  VisitChildren(dialog, [&](HWND child) {
+    controls += IsInRange(record.what, child);
+    if (SendMessageW(child, WM_GETDLGCODE, 0, 0) & DLGC_DEFPUSHBUTTON) record.hasDefaultButton = true;
+  });
+  record.slots.resize(controls + 1);
+  CaptureLayout(dialog, record.slots.data(), record.what.lowestId, std::min(record.what.highestId, kPageId - 1));
+}
+
+// Scaling passes over a label without a text, which would then show its next text in the font of its template. A line
+// or a rectangle must not get one: it keeps no font, so the pass would make it one more each time.
+void FillEmptyLabel(HWND control) {
+  const bool isLabel =
+      ClassifyControl(control) == kControlStatic && (GetWindowLongW(control, GWL_STYLE) & SS_TYPEMASK) <= SS_RIGHT;
+  if (isLabel && GetWindowTextLengthW(control) == 0) SetWindowTextW(control, L" ");
+}
+
+// A list's former font is its own copy of the template's, or the one that all lists had before.
+void ScaleLists(HWND dialog, DialogRecord& record) {
+  const int textPx = std::max(static_cast<int>(static_cast<float>(kListTextPx) * record.scale.y), 1);
+  OwnedFont font = MakeFont(textPx, FW_NORMAL);
+  VisitChildren(dialog, [&](HWND control) {
+    if (!IsInRange(record.what, control) || !TakesListFont(control)) return;
+    const HFONT former = FontOf(control);
+    SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(static_cast<HFONT>(font)), FALSE);
+    if (former != record.listFont) DeleteObject(former);
+    if (ClassifyControl(control) == kControlListBox) SendMessageW(control, LB_SETITEMHEIGHT, 0, textPx + 2);
+  });
+  record.listFont = std::move(font);
 }
 
 void PlaceControls(HWND dialog, DialogRecord& record) {
-  if (record.slots.empty()) return;
   const ScaledDialog& what = record.what;
-  ApplyLayout(dialog, what.bottomMargin, what.leftMargin, what.topMargin, what.lowestId, what.highestId,
-              record.slots.data(), &record.scale.x, &record.scale.y, FALSE);
-  RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+  size_t controls = 0;
+  VisitChildren(dialog, [&](HWND child) {
+    if (!IsInRange(what, child)) return;
+    ++controls;
+    FillEmptyLabel(child);
+  });
+  // A control that came after the capture has no slot; reading on would take what lies behind the slots for one.
+  if (controls + 1 > record.slots.size()) return;
+  ApplyLayout(dialog, what.bottomMargin, what.leftMargin, what.topMargin, what.lowestId,
+              std::min(what.highestId, kPageId - 1), record.slots.data(), &record.scale.x, &record.scale.y, FALSE);
+  ScaleLists(dialog, record);
+  MendMirroredDialog(dialog);
+  MoveTextTips(dialog, record.textTips);
+  // Dialogs clip their controls, so these have to be named: each has been moved without being painted.
+  RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
 }
 
 SIZE SizeOf(HWND window) {
@@ -94,54 +154,79 @@ SIZE SizeOf(HWND window) {
   return {place.right - place.left, place.bottom - place.top};
 }
 
-// A remembered place may be too small, or on a screen that is gone.
-void KeepUsable(HWND dialog, SIZE smallest) {
-  const SIZE size = SizeOf(dialog);
-  const SIZE wanted{std::max(size.cx, smallest.cx), std::max(size.cy, smallest.cy)};
-  RECT place{};
-  GetWindowRect(dialog, &place);
-  if (!MonitorFromWindow(dialog, MONITOR_DEFAULTTONULL)) {
-    place = CentredPosition({GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)}, wanted);
-  } else if (wanted.cx == size.cx && wanted.cy == size.cy) {
-    return;
-  }
-  SetWindowPos(dialog, nullptr, place.left, place.top, wanted.cx, wanted.cy, SWP_NOZORDER | SWP_NOACTIVATE);
-}
+// ---- Life -----------------------------------------------------------------------------------------------------------
 
-// ---- Message handlers -----------------------------------------------------------------------------------------------
-
-DialogRecord* MakeRecord(HWND dialog, const Opening& opening) {
-  auto* record = new DialogRecord{};
+RecordHolder MakeRecord(HWND dialog, const Opening& opening) {
+  auto record = std::make_shared<DialogRecord>();
   record->what = opening.what;
-  record->isModal = opening.isModal;
+  record->kind = opening.kind;
   if (record->what.background != kFaceBackground)
     record->background = OwnedBrush(CreateSolidBrush(record->what.background));
-  SetPropW(dialog, kRecordProperty, record);
+  SetPropW(dialog, kRecordProperty, new RecordHolder(record));
   record->classProcedure =
       reinterpret_cast<WNDPROC>(SetWindowLongW(dialog, GWL_WNDPROC, reinterpret_cast<LONG>(WideCaptionProcedure)));
+  if (record->kind == DialogKind::kPage) SetWindowLongW(dialog, GWL_ID, kPageId);
   return record;
 }
 
+// The menu bar takes its room above the template's.
+void AddMenu(HWND dialog, DialogRecord& record) {
+  if (!record.what.menu || record.kind == DialogKind::kPage) return;
+  const LONG before = ClientSize(dialog).cy;
+  ReplaceMenu(dialog, record);
+  const SIZE size = SizeOf(dialog);
+  SetWindowPos(dialog, nullptr, 0, 0, size.cx, size.cy + before - ClientSize(dialog).cy,
+               SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void RestorePlace(HWND dialog, const DialogRecord& record) {
+  const ScaledDialog& what = record.what;
+  if (what.positionName) WindowPosition(dialog, what.positionName, kPositionRestore);
+  KeepInSight(dialog, record.smallest);
+  DWORD maximised = FALSE;
+  if (what.maximisedName) WindowNumber(what.maximisedName, &maximised, kPositionRestore);
+  if (maximised) ShowWindow(dialog, SW_MAXIMIZE);
+}
+
+void Remember(HWND dialog, const ScaledDialog& what) {
+  if (what.positionName) WindowPosition(dialog, what.positionName, kPositionSave);
+  DWORD maximised = IsZoomed(dialog) != FALSE;
+  if (what.maximisedName && !IsIconic(dialog)) WindowNumber(what.maximisedName, &maximised, kPositionSave);
+}
+
 INT_PTR OnInit(HWND dialog, const Opening& opening) {
-  DialogRecord* record = MakeRecord(dialog, opening);
+  const RecordHolder record = MakeRecord(dialog, opening);
   const ScaledDialog& what = record->what;
+  SetTextsOfLanguage(dialog, what.templateName);
+  AddMenu(dialog, *record);
   const SIZE asInTemplate = SizeOf(dialog);
   record->smallest = {what.smallest.cx ? what.smallest.cx : asInTemplate.cx,
                       what.smallest.cy ? what.smallest.cy : asInTemplate.cy};
-  SetTextsOfLanguage(dialog, what.templateName);
   const INT_PTR result =
       AskProcedure(dialog, *record, WM_INITDIALOG, reinterpret_cast<WPARAM>(GetFocus()), what.parameter);
-  // The procedure may have ended the dialog.
-  if (!DialogRecordOf(dialog)) return result;
-  ShowLanguage(dialog, *record);
   GiveEachItsFont(dialog);
   Capture(dialog, *record);
-  if (!record->isModal) ModelessDialogs(dialog, nullptr, kModelessAdd);
-  if (what.positionName) WindowPosition(dialog, what.positionName, kPositionRestore);
-  KeepUsable(dialog, record->smallest);
-  PlaceControls(dialog, *record);
-  return result;
+  record->textTips = CreateTextTips(dialog);
+  ShowLanguage(dialog);
+  // Its procedure may have destroyed the dialog, here or before.
+  if (!DialogRecordOf(dialog)) return result;
+  if (record->kind == DialogKind::kModeless) ModelessDialogs(dialog, nullptr, kModelessAdd);
+  if (record->kind != DialogKind::kPage) RestorePlace(dialog, *record);
+  const SIZE client = ClientSize(dialog);
+  SendMessageW(dialog, WM_SIZE, IsZoomed(dialog) ? SIZE_MAXIMIZED : SIZE_RESTORED, MAKELPARAM(client.cx, client.cy));
+  return record->kind == DialogKind::kPage ? FALSE : result;
 }
+
+void OnDestroy(HWND dialog, DialogRecord& record) {
+  VisitChildren(dialog, [&](HWND child) {
+    const HFONT font = FontOf(child);
+    if (font != record.listFont) record.fonts.emplace_back(font);
+  });
+  if (record.kind != DialogKind::kPage) Remember(dialog, record.what);
+  if (record.kind == DialogKind::kModeless) ModelessDialogs(dialog, nullptr, kModelessRemove);
+}
+
+// ---- Message handlers -----------------------------------------------------------------------------------------------
 
 void OnPaint(HWND dialog, const DialogRecord& record) {
   const PaintScope paint(dialog);
@@ -150,84 +235,126 @@ void OnPaint(HWND dialog, const DialogRecord& record) {
   FillRect(paint.dc(), &client, record.background ? record.background : GetSysColorBrush(COLOR_BTNFACE));
 }
 
-// Texts in black or white, whichever reads better on the background.
+// On a background of its own, texts in black or white, whichever reads better there.
 INT_PTR OnControlColor(const DialogRecord& record, HDC dc) {
-  if (!record.background) return FALSE;
-  const COLORREF color = record.what.background;
+  const COLORREF color = record.background ? record.what.background : GetSysColor(COLOR_BTNFACE);
   const int lightness = 30 * GetRValue(color) + 59 * GetGValue(color) + 11 * GetBValue(color);
-  SetTextColor(dc, lightness < 100 * 128 ? RGB(255, 255, 255) : RGB(0, 0, 0));
+  const COLORREF readable = lightness < 100 * 128 ? RGB(255, 255, 255) : RGB(0, 0, 0);
+  SetTextColor(dc, record.background ? readable : GetSysColor(COLOR_BTNTEXT));
   SetBkColor(dc, color);
-  return reinterpret_cast<INT_PTR>(static_cast<HBRUSH>(record.background));
+  return reinterpret_cast<INT_PTR>(record.background ? static_cast<HBRUSH>(record.background)
+                                                     : GetSysColorBrush(COLOR_BTNFACE));
+}
+
+INT_PTR OnSystemColors(HWND dialog, WPARAM wParam, LPARAM lParam) {
+  VisitChildren(dialog, [&](HWND child) { SendMessageW(child, WM_SYSCOLORCHANGE, wParam, lParam); });
+  RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+  return TRUE;
+}
+
+INT_PTR AnswerByResult(HWND dialog, LONG result) {
+  SetWindowLongW(dialog, DWL_MSGRESULT, result);
+  return TRUE;
 }
 
 INT_PTR OnSizing(HWND dialog, const DialogRecord& record, WPARAM edge, LPARAM place) {
-  const BOOL changed =
-      LimitSizing(static_cast<UINT>(edge), reinterpret_cast<RECT*>(place), record.smallest.cx, record.smallest.cy);
-  SetWindowLongA(dialog, DWL_MSGRESULT, changed);
-  return TRUE;
+  return AnswerByResult(dialog, LimitSizing(static_cast<UINT>(edge), reinterpret_cast<RECT*>(place), record.smallest.cx,
+                                            record.smallest.cy));
 }
 
 // Rows of an extended list grow with the dialog.
 INT_PTR OnMeasure(HWND dialog, const DialogRecord& record, MEASUREITEMSTRUCT* request) {
-  char name[ARRAYSIZE(kExtendedListClass) + 1] = "";
-  GetClassNameA(GetDlgItem(dialog, static_cast<int>(request->CtlID)), name, ARRAYSIZE(name));
-  if (lstrcmpiA(name, kExtendedListClass) != 0) return FALSE;
+  if (IsBadWritePtr(request, sizeof(*request))) return FALSE;
+  const HWND control = GetDlgItem(dialog, static_cast<int>(request->CtlID));
+  wchar_t name[ARRAYSIZE(kExtendedListClass)] = L"";
+  std::copy_n(kExtendedListClass, ARRAYSIZE(kExtendedListClass), name);
+  if (!IsOfClass(control, name)) return FALSE;
   request->itemHeight = std::max(1u, static_cast<UINT>(static_cast<float>(request->itemHeight) * record.scale.y));
   return TRUE;
 }
 
-void End(HWND dialog, const DialogRecord& record, INT_PTR result) {
-  if (record.isModal) {
-    EndDialog(dialog, result);
-  } else {
-    DestroyWindow(dialog);
-  }
-}
-
-INT_PTR OnCommand(HWND dialog, const DialogRecord& record, WORD id) {
-  if (!record.isModal || (id != IDOK && id != IDCANCEL)) return FALSE;
-  End(dialog, record, id);
+INT_PTR OnNotify(const DialogRecord& record, LPARAM lParam) {
+  if (IsBadReadPtr(reinterpret_cast<const void*>(lParam), sizeof(NMHDR))) return FALSE;
+  const NMHDR head = NotificationOf(lParam);
+  if (head.code != TTN_GETDISPINFOW || head.hwndFrom != record.textTips) return FALSE;
+  AnswerTextTip(record, lParam);
   return TRUE;
 }
 
+INT_PTR OnClose(HWND dialog, const DialogRecord& record, INT_PTR result) {
+  if (record.kind == DialogKind::kPage) return TRUE;
+  if (record.kind == DialogKind::kModal) return EndDialog(dialog, result);
+  if (IsWindowEnabled(dialog)) return DestroyWindow(dialog);
+  // The code that opened a box still stands on the stack.
+  return SetForegroundWindow(GetLastActivePopup(dialog));
+}
+
+INT_PTR OnCommand(HWND dialog, const DialogRecord& record, WORD id) {
+  const LanguageMenu& menu = record.what.languageMenu;
+  if (menu.item && id >= menu.firstCommand && id < menu.firstCommand + kLanguageCount) {
+    SwitchLanguage(nullptr, nullptr, static_cast<int>(id - menu.firstCommand));
+    return TRUE;
+  }
+  if (record.kind != DialogKind::kModal || (id != IDOK && id != IDCANCEL)) return FALSE;
+  return OnClose(dialog, record, id);
+}
+
 // What the dialog's own procedure has left.
-INT_PTR HandleTheRest(HWND dialog, DialogRecord& record, UINT message, WPARAM wParam, LPARAM lParam) {
+INT_PTR HandleTheRest(HWND dialog, const DialogRecord& record, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_PAINT: OnPaint(dialog, record); return TRUE;
     case WM_CTLCOLORDLG:
     case WM_CTLCOLORSTATIC:
     case WM_CTLCOLORBTN: return OnControlColor(record, reinterpret_cast<HDC>(wParam));
-    case WM_SYSCOLORCHANGE:  // comes to top-level windows only
-      VisitChildren(dialog, [&](HWND child) { SendMessageA(child, message, wParam, lParam); });
-      return FALSE;
+    case WM_SYSCOLORCHANGE: return OnSystemColors(dialog, wParam, lParam);  // comes to top-level windows only
     case WM_SIZING: return OnSizing(dialog, record, wParam, lParam);
     case WM_MEASUREITEM: return OnMeasure(dialog, record, reinterpret_cast<MEASUREITEMSTRUCT*>(lParam));
+    // Controls would ask the dialog's class, which is an 8-bit one.
+    case WM_NOTIFYFORMAT: return AnswerByResult(dialog, NFR_UNICODE);
+    case WM_NOTIFY: return OnNotify(record, lParam);
     case WM_COMMAND: return OnCommand(dialog, record, LOWORD(wParam));
-    case WM_CLOSE: End(dialog, record, IDCANCEL); return TRUE;
+    case WM_CLOSE: OnClose(dialog, record, IDCANCEL); return TRUE;
     default: return FALSE;
   }
 }
 
-void OnDestroy(HWND dialog, DialogRecord& record) {
-  VisitChildren(dialog, [&](HWND child) { record.fonts.emplace_back(FontOf(child)); });
-  if (record.what.positionName) WindowPosition(dialog, record.what.positionName, kPositionSave);
-  if (!record.isModal) ModelessDialogs(dialog, nullptr, kModelessRemove);
-}
-
 INT_PTR CALLBACK ScaledDialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  if (message == WM_INITDIALOG) return OnInit(dialog, *reinterpret_cast<const Opening*>(lParam));
-  DialogRecord* record = DialogRecordOf(dialog);
-  if (!record) return FALSE;
-  if (message == WM_SIZE && wParam != SIZE_MINIMIZED) PlaceControls(dialog, *record);
+  const RecordHolder record = DialogRecordOf(dialog);
+  if (!record) {
+    const auto* opening = reinterpret_cast<const Opening*>(lParam);
+    const bool isOurs =
+        message == WM_INITDIALOG && !IsBadReadPtr(opening, sizeof(*opening)) && opening->mark == Opening::kMark;
+    return isOurs ? OnInit(dialog, *opening) : FALSE;
+  }
+  const bool isSize = message == WM_SIZE && wParam != SIZE_MINIMIZED;
+  if (isSize) PlaceControls(dialog, *record);
   if (message == WM_DESTROY) OnDestroy(dialog, *record);
   const INT_PTR result = AskProcedure(dialog, *record, message, wParam, lParam);
-  record = DialogRecordOf(dialog);
-  if (result || !record) return result;
-  return HandleTheRest(dialog, *record, message, wParam, lParam);
+  if (isSize) PlacePage(dialog, *record);
+  return result || !DialogRecordOf(dialog) ? result : HandleTheRest(dialog, *record, message, wParam, lParam);
+}
+
+}  // namespace
+
+DialogRecord::~DialogRecord() {
+  for (HBITMAP bitmap : languageBitmaps) {
+    if (bitmap) DeleteObject(bitmap);
+  }
+}
+
+std::shared_ptr<DialogRecord> DialogRecordOf(HWND dialog) {
+  const auto* holder = static_cast<const RecordHolder*>(GetPropW(dialog, kRecordProperty));
+  return holder ? *holder : nullptr;
+}
+
+bool IsOfClass(HWND window, const wchar_t* name) {
+  wchar_t own[kClassNameCharacters] = L"";
+  GetClassNameW(window, own, kClassNameCharacters);
+  return lstrcmpiW(own, name) == 0;
 }
 
 // Texts that are string resources are looked up here, so that English stands in for what the language lacks.
-void MakeToolTips(HWND dialog, DialogRecord& record) {
+void ReplaceToolTips(HWND dialog, DialogRecord& record) {
   if (record.tips) DestroyWindow(record.tips);
   record.tips = nullptr;
   std::vector<ToolTipEntry> entries(record.what.tips.begin(), record.what.tips.end());
@@ -242,35 +369,61 @@ void MakeToolTips(HWND dialog, DialogRecord& record) {
   }
 }
 
-}  // namespace
-
-DialogRecord* DialogRecordOf(HWND dialog) {
-  return static_cast<DialogRecord*>(GetPropW(dialog, kRecordProperty));
+void ShowLanguage(HWND dialog) {
+  const RecordHolder record = DialogRecordOf(dialog);
+  if (!record) return;
+  SetTextsOfLanguage(dialog, record->what.templateName);
+  if (record->kind != DialogKind::kPage) ReplaceMenu(dialog, *record);
+  ReplaceToolTips(dialog, *record);
+  const bool turned = MirrorDialog(dialog);
+  for (const DialogPage& page : std::vector(record->pages)) ShowLanguage(page.window);
+  AskProcedure(dialog, *record, kLanguageChanged, static_cast<WPARAM>(CurrentLanguage()), 0);
+  const SIZE client = ClientSize(dialog);
+  if (turned) SendMessageW(dialog, WM_SIZE, SIZE_RESTORED, MAKELPARAM(client.cx, client.cy));
+  RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
-void ShowLanguage(HWND dialog, DialogRecord& record) {
-  SetTextsOfLanguage(dialog, record.what.templateName);
-  MakeToolTips(dialog, record);
-  AskProcedure(dialog, record, kLanguageShown, static_cast<WPARAM>(CurrentLanguage()), 0);
+HWND CreateScaledDialog(HWND owner, const ScaledDialog& dialog, DialogKind kind) {
+  const Opening opening{Opening::kMark, dialog, kind};
+  HWND window = CreateDialogParamW(modules.application, dialog.templateName, owner, ScaledDialogProcedure,
+                                   reinterpret_cast<LPARAM>(&opening));
+  if (!window) ExplainMissing(dialog.templateName);
+  return window;
 }
 
 HWND OpenDialog(HWND owner, const ScaledDialog& dialog) {
-  const Opening opening{dialog, false};
-  HWND window = CreateDialogParamW(modules.application, dialog.templateName, owner, ScaledDialogProcedure,
-                                   reinterpret_cast<LPARAM>(&opening));
+  HWND window = CreateScaledDialog(owner, dialog, DialogKind::kModeless);
   if (window) ShowWindow(window, SW_SHOW);
   return window;
 }
 
-INT_PTR AskByDialog(HWND owner, const ScaledDialog& dialog) {
-  const Opening opening{dialog, true};
-  return DialogBoxParamW(modules.application, dialog.templateName, owner, ScaledDialogProcedure,
-                         reinterpret_cast<LPARAM>(&opening));
+INT_PTR RunModalDialog(HWND owner, const ScaledDialog& dialog) {
+  const Opening opening{Opening::kMark, dialog, DialogKind::kModal};
+  const INT_PTR result = DialogBoxParamW(modules.application, dialog.templateName, owner, ScaledDialogProcedure,
+                                         reinterpret_cast<LPARAM>(&opening));
+  if (result == -1) ExplainMissing(dialog.templateName);
+  return result;
 }
 
 DialogScale ScaleOf(HWND dialog) {
-  const DialogRecord* record = DialogRecordOf(dialog);
+  const RecordHolder record = DialogRecordOf(dialog);
   return record ? record->scale : DialogScale{1, 1};
+}
+
+void EnableControl(HWND dialog, int id, bool enabled) {
+  const HWND control = GetDlgItem(dialog, id);
+  if (!enabled && GetFocus() == control) SetFocus(GetNextDlgTabItem(dialog, control, FALSE));
+  EnableWindow(control, enabled);
+}
+
+void NameControl(HWND dialog, int id, const wchar_t* name) {
+  DefWindowProcW(GetDlgItem(dialog, id), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(name));
+}
+
+NMHDR NotificationOf(LPARAM lParam) {
+  NMHDR head;
+  std::memcpy(&head, reinterpret_cast<const void*>(lParam), sizeof(head));
+  return head;
 }
 
 }  // namespace kv

@@ -40,7 +40,7 @@ def english_texts():
                 texts[normal(match[1])] = match[2]
             elif match := MENU.match(line) or CONTROL.match(line):
                 # What stands in a control of the library's own is a name or a value, not a text to read.
-                if re.search(r"[A-Za-z]{2}", match[1]) and '"kv' not in line:
+                if re.search(r"[A-Za-z]{2}", match[1]) and 'KV_SIMPLE_BITMAP' not in line:
                     texts[f"TEXT_OF({match[2]})"] = match[1]
     return texts
 

@@ -1,4 +1,4 @@
-#include "gallery/pages/bitmap_page.h"
+#include "gallery/pages.h"
 
 #include <iterator>
 #include <string>
@@ -6,9 +6,9 @@
 
 #include "controls/simple_bitmap.h"
 #include "framework/bounded_format.h"
-#include "gallery/page.h"
-#include "gallery/pages/bitmap_ids.h"
-#include "gallery/texts.h"
+#include "gallery/resource_ids.h"
+#include "toolkit/languages.h"
+#include "toolkit/scaled_dialog.h"
 
 namespace gallery {
 
@@ -28,7 +28,7 @@ void Log(HWND page, const wchar_t* line) {
 
 void LogPictureClick(HWND page, int controlId, UINT textId) {
   wchar_t line[128];
-  kv::FormatBounded(line, sizeof(line), Text(textId).c_str(), controlId - IDC_BITMAP_PLAIN + 1);
+  kv::FormatBounded(line, sizeof(line), kv::ResourceText(textId).c_str(), controlId - IDC_BITMAP_PLAIN + 1);
   Log(page, line);
 }
 
@@ -58,11 +58,11 @@ void OnCommand(HWND page, int controlId, UINT code) {
       if (code == CBN_SELCHANGE) ShowChosen(page);
       break;
     case IDC_BITMAP_BUTTON:
-      if (code == BN_CLICKED) Log(page, Text(IDS_BITMAP_BUTTON).c_str());
+      if (code == BN_CLICKED) Log(page, kv::ResourceText(IDS_BITMAP_BUTTON).c_str());
       break;
     case IDC_BITMAP_EDIT:
       if (code == EN_UPDATE && GetFocus() == GetDlgItem(page, IDC_BITMAP_EDIT))
-        Log(page, Text(IDS_BITMAP_TYPED).c_str());
+        Log(page, kv::ResourceText(IDS_BITMAP_TYPED).c_str());
       break;
     case IDC_BITMAP_CLEAR: SendDlgItemMessageW(page, IDC_BITMAP_LOG, LB_RESETCONTENT, 0, 0); break;
     default: break;
@@ -89,22 +89,21 @@ std::wstring LabelText(HWND page, int picture) {
 
 // The template's texts are the pictures' names too; the chosen one is chosen anew.
 void OnTextsChanged(HWND page) {
-  HandlePageMessage(page, kTextsChanged, 0, 0);
   ShowChosen(page);
   for (int i = 0; i <= IDC_BITMAP_LAST - IDC_BITMAP_PLAIN; ++i)
-    NameControl(page, IDC_BITMAP_PLAIN + i, LabelText(page, i));
+    kv::NameControl(page, IDC_BITMAP_PLAIN + i, LabelText(page, i).c_str());
 }
 
 }  // namespace
 
-INT_PTR CALLBACK BitmapPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
+INT_PTR CALLBACK BitmapPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM) {
   switch (message) {
     case WM_INITDIALOG: OnInit(page); break;
     case WM_COMMAND: OnCommand(page, LOWORD(wParam), HIWORD(wParam)); return TRUE;
-    case kTextsChanged: OnTextsChanged(page); return TRUE;
+    case kv::kLanguageChanged: OnTextsChanged(page); return TRUE;
     default: break;
   }
-  return HandlePageMessage(page, message, wParam, lParam);
+  return FALSE;
 }
 
 }  // namespace gallery

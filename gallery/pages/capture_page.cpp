@@ -1,4 +1,4 @@
-#include "gallery/pages/capture_page.h"
+#include "gallery/pages.h"
 
 #include <shlobj.h>
 
@@ -11,11 +11,12 @@
 #include "framework/guards.h"
 #include "framework/painting.h"
 #include "gallery/drawing.h"
-#include "gallery/numbers.h"
-#include "gallery/page.h"
-#include "gallery/pages/capture_ids.h"
 #include "gallery/resource_ids.h"
-#include "gallery/texts.h"
+#include "toolkit/languages.h"
+#include "toolkit/locale_text.h"
+#include "toolkit/pages.h"
+#include "toolkit/scaled_dialog.h"
+#include "toolkit/system_look.h"
 
 namespace gallery {
 
@@ -44,11 +45,11 @@ RECT FittingArea(const RECT& area, int pictureWidth, int pictureHeight) {
 }
 
 void DrawMessage(HDC dc, RECT area) {
-  const kv::OwnedFont font = MakeFont(std::max(16L, (area.bottom - area.top) / 17), FW_NORMAL);
+  const kv::OwnedFont font = kv::MakeFont(std::max(16L, (area.bottom - area.top) / 17), FW_NORMAL);
   const kv::SelectedObject selected(dc, font);
   SetBkMode(dc, TRANSPARENT);
   SetTextColor(dc, RGB(0xB4, 0xC0, 0xD2));
-  DrawFitted(dc, Text(IDS_CAPTURE_NO_DEVICE), area, DT_SINGLELINE | DT_CENTER | DT_VCENTER);
+  kv::DrawFitted(dc, kv::ResourceText(IDS_CAPTURE_NO_DEVICE), area, DT_SINGLELINE | DT_CENTER | DT_VCENTER);
 }
 
 void DrawScreen(HDC dc, RECT area) {
@@ -116,7 +117,7 @@ std::string NewRecordingPath() {
 std::wstring RecordingSize() {
   WIN32_FILE_ATTRIBUTE_DATA file{};
   GetFileAttributesExA(recording.path.c_str(), GetFileExInfoStandard, &file);
-  return NumberText(file.nFileSizeHigh * 4294967296.0 + file.nFileSizeLow);
+  return kv::NumberText(file.nFileSizeHigh * 4294967296.0 + file.nFileSizeLow);
 }
 
 void ShowRecording(HWND page) {
@@ -140,8 +141,8 @@ void ShowState(HWND page) {
   SetPageText(page, IDC_CAPTURE_RECORD, recording.runs ? IDS_CAPTURE_STOP : IDS_CAPTURE_RECORD);
   // What becomes usable comes first: the focus may have to go there.
   const int usable = link ? IDC_CAPTURE_RECORD : IDC_CAPTURE_SEARCH;
-  EnableControl(page, usable, true);
-  EnableControl(page, link ? IDC_CAPTURE_SEARCH : IDC_CAPTURE_RECORD, false);
+  kv::EnableControl(page, usable, true);
+  kv::EnableControl(page, link ? IDC_CAPTURE_SEARCH : IDC_CAPTURE_RECORD, false);
   InvalidateRect(GetDlgItem(page, IDC_CAPTURE_SCREEN), nullptr, FALSE);
 }
 
@@ -227,15 +228,15 @@ void OnShown(HWND page, bool shown) {
 
 INT_PTR CALLBACK CapturePageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
-    case kTextsChanged: OnTextsChanged(page); break;
-    case kPageShown: OnShown(page, wParam != 0); return TRUE;
+    case kv::kLanguageChanged: OnTextsChanged(page); break;
+    case kv::kPageShown: OnShown(page, wParam != 0); return TRUE;
     case WM_TIMER: return OnTimer(page);
     case WM_DRAWITEM: return OnDrawItem(reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam));
     case WM_DESTROY: Disconnect(page); break;
     default: break;
   }
-  return HandlePageMessage(page, message, wParam, lParam);
+  return FALSE;
 }
 
 }  // namespace gallery

@@ -1,4 +1,4 @@
-#include "gallery/pages/chart_page.h"
+#include "gallery/pages.h"
 
 #include <cmath>
 #include <string>
@@ -7,10 +7,10 @@
 #include "app/optical_flow_chart.h"
 #include "framework/control_class.h"
 #include "framework/whole_number.h"
-#include "gallery/page.h"
-#include "gallery/pages/chart_ids.h"
 #include "gallery/resource_ids.h"
-#include "gallery/texts.h"
+#include "toolkit/languages.h"
+#include "toolkit/pages.h"
+#include "toolkit/scaled_dialog.h"
 
 namespace gallery {
 
@@ -87,9 +87,8 @@ void OnInit(HWND page) {
 }
 
 void OnTextsChanged(HWND page) {
-  HandlePageMessage(page, kTextsChanged, 0, 0);
   SetPageText(page, IDC_CHART_RESULT, IDS_CHART_NOTHING_COPIED);
-  NameControl(page, IDC_CHART_VIEW, Text(IDS_TITLE_FIRST + PAGE_INDEX_CHART));
+  kv::NameControl(page, IDC_CHART_VIEW, kv::ResourceText(IDS_TITLE_FIRST + PAGE_INDEX_CHART).c_str());
   ShowPlaces(page);
 }
 
@@ -116,16 +115,16 @@ void OnCommand(HWND page, int controlId) {
 
 }  // namespace
 
-INT_PTR CALLBACK ChartPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
+INT_PTR CALLBACK ChartPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM) {
   switch (message) {
     case WM_INITDIALOG: OnInit(page); break;
     case WM_TIMER: OnTimer(page); return TRUE;
     case WM_COMMAND: OnCommand(page, LOWORD(wParam)); return TRUE;
-    case kTextsChanged: OnTextsChanged(page); return TRUE;
-    case kPageShown: OnShown(page, wParam != 0); return TRUE;
+    case kv::kLanguageChanged: OnTextsChanged(page); return TRUE;
+    case kv::kPageShown: OnShown(page, wParam != 0); return TRUE;
     default: break;
   }
-  return HandlePageMessage(page, message, wParam, lParam);
+  return FALSE;
 }
 
 }  // namespace gallery

@@ -1,4 +1,4 @@
-#include "gallery/pages/dde_page.h"
+#include "gallery/pages.h"
 
 #include <ddeml.h>
 
@@ -7,9 +7,9 @@
 #include "export/dde_client.h"
 #include "export/excel_link.h"
 #include "framework/bounded_format.h"
-#include "gallery/page.h"
-#include "gallery/pages/dde_ids.h"
-#include "gallery/texts.h"
+#include "gallery/resource_ids.h"
+#include "toolkit/languages.h"
+#include "toolkit/scaled_dialog.h"
 
 namespace gallery {
 
@@ -78,10 +78,11 @@ void ShowState(HWND page) {
   ShowWord(page, IDC_DDE_WORKBOOK, link.workbookConversation);
   // What becomes usable comes first: the focus may have to go there.
   const bool talks = conversation != nullptr;
-  if (!talks) EnableControl(page, IDC_DDE_CONNECT, true);
-  for (int id : {IDC_DDE_DISCONNECT, IDC_DDE_REQUEST, IDC_DDE_POKE, IDC_DDE_EXECUTE}) EnableControl(page, id, talks);
+  if (!talks) kv::EnableControl(page, IDC_DDE_CONNECT, true);
+  for (int id : {IDC_DDE_DISCONNECT, IDC_DDE_REQUEST, IDC_DDE_POKE, IDC_DDE_EXECUTE})
+    kv::EnableControl(page, id, talks);
   if (talks) {
-    EnableControl(page, IDC_DDE_CONNECT, false);
+    kv::EnableControl(page, IDC_DDE_CONNECT, false);
     SetTimer(page, kEndTimer, kEndTimerMs, nullptr);
   } else {
     KillTimer(page, kEndTimer);
@@ -127,7 +128,7 @@ void Execute(HWND page) {
 INT_PTR OnEnded(HWND page, HCONV ended) {
   if (!ended || ended != conversation) return TRUE;
   conversation = nullptr;
-  AppendToLog(page, Text(IDS_DDE_ENDED).c_str());
+  AppendToLog(page, kv::ResourceText(IDS_DDE_ENDED).c_str());
   AppendToLog(page, L"\r\n");
   ShowState(page);
   return TRUE;
@@ -146,7 +147,7 @@ void SetLink(HWND page, BOOL open) {
   Log(page, "excelLink %d = %d", open, result);
 }
 
-INT_PTR OnInit(HWND page, WPARAM wParam, LPARAM lParam) {
+INT_PTR OnInit(HWND page) {
   ddePage = page;
   // The desktop itself is a server that answers this.
   SetDlgItemTextA(page, IDC_DDE_SERVICE, "Progman");
@@ -155,7 +156,7 @@ INT_PTR OnInit(HWND page, WPARAM wParam, LPARAM lParam) {
   SetDlgItemTextA(page, IDC_DDE_TEXT, "12.5");
   CheckDlgButton(page, IDC_DDE_COMMA, BST_CHECKED);
   ShowState(page);
-  return HandlePageMessage(page, WM_INITDIALOG, wParam, lParam);
+  return TRUE;
 }
 
 INT_PTR OnCommand(HWND page, UINT command, UINT code) {
@@ -186,12 +187,12 @@ INT_PTR OnDestroy() {
 
 INT_PTR CALLBACK DdePageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
-    case WM_INITDIALOG: return OnInit(page, wParam, lParam);
+    case WM_INITDIALOG: return OnInit(page);
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam), HIWORD(wParam));
     case WM_TIMER: return OnTimer(page);
     case kEnded: return OnEnded(page, reinterpret_cast<HCONV>(lParam));
     case WM_DESTROY: return OnDestroy();
-    default: return HandlePageMessage(page, message, wParam, lParam);
+    default: return FALSE;
   }
 }
 

@@ -1,21 +1,18 @@
-#include "gallery/pages/dialog_services_page.h"
+#include "gallery/pages.h"
 
 #include <commctrl.h>
 
 #include <algorithm>
-#include <iterator>
 #include <string>
 
 #include "framework/calendar.h"
 #include "framework/dialog.h"
-#include "framework/modules.h"
-#include "framework/picture.h"
-#include "framework/tool_tips.h"
 #include "framework/window_position.h"
-#include "gallery/numbers.h"
-#include "gallery/page.h"
-#include "gallery/pages/dialog_services_ids.h"
-#include "gallery/texts.h"
+#include "gallery/resource_ids.h"
+#include "toolkit/languages.h"
+#include "toolkit/locale_text.h"
+#include "toolkit/pages.h"
+#include "toolkit/scaled_dialog.h"
 
 namespace gallery {
 
@@ -26,10 +23,6 @@ constexpr char kPlaceName[] = "Gallery.Remembered";
 
 constexpr int kTrackbarLargest = 100;
 constexpr int kFewestIntervals = 1, kMostIntervals = 20, kScrollPage = 4;
-
-// The page exists once.
-SIZE designSize;
-HWND tips;
 
 // Shows text resource `textId`, a format, with its arguments.
 template <class... Arguments>
@@ -48,7 +41,7 @@ void FillSamples(HWND page) {
   SendMessageW(tree, TVM_DELETEITEM, 0, reinterpret_cast<LPARAM>(TVI_ROOT));
   HTREEITEM first = TVI_ROOT;
   for (int i = 0; i < 3; ++i) {
-    std::wstring text = Text(IDS_SERVICES_SAMPLE + i);
+    std::wstring text = kv::ResourceText(IDS_SERVICES_SAMPLE + i);
     SendMessageW(combo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
     SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
     TCITEMW tabItem{};
@@ -62,29 +55,14 @@ void FillSamples(HWND page) {
     const LRESULT inserted = SendMessageW(tree, TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&treeItem));
     if (i == 0) first = reinterpret_cast<HTREEITEM>(inserted);
   }
-  SetDlgItemTextW(page, IDC_SERVICES_EDIT, Text(IDS_SERVICES_SAMPLE).c_str());
+  SetDlgItemTextW(page, IDC_SERVICES_EDIT, kv::ResourceText(IDS_SERVICES_SAMPLE).c_str());
   SendMessageW(combo, CB_SETCURSEL, 0, 0);
 }
 
 void ShowScale(HWND page) {
-  const SIZE size = kv::ClientSize(page);
-  Show(page, IDC_SERVICES_SCALE, IDS_SERVICES_SCALE,
-       NumberText(static_cast<double>(size.cx) / std::max(designSize.cx, 1L), 2).c_str(),
-       NumberText(static_cast<double>(size.cy) / std::max(designSize.cy, 1L), 2).c_str());
-}
-
-void AttachToolTips(HWND page) {
-  constexpr UINT kControls[] = {IDC_SERVICES_BUTTON, IDC_SERVICES_EDIT,     IDC_SERVICES_TRACKBAR,
-                                IDC_SERVICES_SCROLL, IDC_SERVICES_REMEMBER, IDC_SERVICES_RETURN};
-  constexpr int kCount = static_cast<int>(std::size(kControls));
-  std::wstring texts[kCount];
-  kv::ToolTipEntry entries[kCount];
-  for (int i = 0; i < kCount; ++i) {
-    texts[i] = Text(IDS_SERVICES_TIP + i);
-    entries[i] = {kControls[i], texts[i].c_str()};
-  }
-  if (tips) DestroyWindow(tips);
-  tips = kv::CreateToolTips(kv::modules.application, page, entries, kCount);
+  const kv::DialogScale scale = kv::ScaleOf(page);
+  Show(page, IDC_SERVICES_SCALE, IDS_SERVICES_SCALE, kv::NumberText(scale.x, 2).c_str(),
+       kv::NumberText(scale.y, 2).c_str());
 }
 
 // ---- Trackbar and scroll bar ---------------------------------------------------------------------------------------
@@ -153,7 +131,7 @@ void RememberPlace(HWND page) {
 // ---- Calendar ------------------------------------------------------------------------------------------------------
 
 void ShowTime(HWND page, int controlId, const SYSTEMTIME& time) {
-  Show(page, controlId, IDS_SERVICES_TIME, DateText(time).c_str(), TimeText(time, false).c_str());
+  Show(page, controlId, IDS_SERVICES_TIME, kv::DateText(time).c_str(), kv::TimeText(time, false).c_str());
 }
 
 void ShowCalendar(HWND page) {
@@ -168,7 +146,7 @@ void ShowCalendar(HWND page) {
 
   constexpr double kHoursPerDay = 24;
   const double number = kv::DayNumber(&time) + time.wHour / kHoursPerDay;
-  SetDlgItemTextW(page, IDC_SERVICES_NUMBER, NumberText(number, 3).c_str());
+  SetDlgItemTextW(page, IDC_SERVICES_NUMBER, kv::NumberText(number, 3).c_str());
   SetDlgItemInt(page, IDC_SERVICES_WEEK, kv::WeekNumber(number), TRUE);
 
   SYSTEMTIME back{};
@@ -176,7 +154,7 @@ void ShowCalendar(HWND page) {
   // An hour is no round fraction of a day: rounded, it comes back whole.
   kv::DayFractionToTime(number, &back);
   ShowTime(page, IDC_SERVICES_BACK, back);
-  const std::wstring weekday = Text(IDS_SERVICES_SUNDAY + back.wDayOfWeek);
+  const std::wstring weekday = kv::ResourceText(IDS_SERVICES_SUNDAY + back.wDayOfWeek);
   if (kv::IsLeapYear(back.wYear)) {
     Show(page, IDC_SERVICES_WEEKDAY, IDS_SERVICES_LEAP_YEAR, weekday.c_str());
   } else {
@@ -213,7 +191,6 @@ void PrepareCalendar(HWND page) {
 // ---- Messages ------------------------------------------------------------------------------------------------------
 
 void OnInit(HWND page) {
-  designSize = kv::ClientSize(page);
   PrepareCalendar(page);
   SetIntervals(page, 8);
   SendDlgItemMessageA(page, IDC_SERVICES_TRACKBAR, TBM_SETPOS, TRUE, 40);
@@ -221,7 +198,6 @@ void OnInit(HWND page) {
 
 void OnTextsChanged(HWND page) {
   FillSamples(page);
-  AttachToolTips(page);
   ShowScale(page);
   ShowTrackbarValue(page);
   SetIntervals(page, Intervals(page, SB_ENDSCROLL));
@@ -253,17 +229,13 @@ INT_PTR CALLBACK DialogServicesPageProcedure(HWND page, UINT message, WPARAM wPa
     case WM_SIZE: ShowScale(page); break;
     case WM_HSCROLL: OnScroll(page, reinterpret_cast<HWND>(lParam), LOWORD(wParam)); return TRUE;
     case WM_COMMAND: OnCommand(page, LOWORD(wParam), HIWORD(wParam)); return TRUE;
-    case kPageShown:
+    case kv::kPageShown:
       if (wParam) CountVisit(page);
       return TRUE;
-    case kTextsChanged: {
-      const INT_PTR result = HandlePageMessage(page, message, wParam, lParam);
-      OnTextsChanged(page);
-      return result;
-    }
+    case kv::kLanguageChanged: OnTextsChanged(page); return TRUE;
     default: break;
   }
-  return HandlePageMessage(page, message, wParam, lParam);
+  return FALSE;
 }
 
 }  // namespace gallery

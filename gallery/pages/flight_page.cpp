@@ -1,4 +1,4 @@
-#include "gallery/pages/flight_page.h"
+#include "gallery/pages.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,11 +18,12 @@
 #include "framework/whole_number.h"
 #include "framework/window_record.h"
 #include "gallery/drawing.h"
-#include "gallery/numbers.h"
-#include "gallery/page.h"
-#include "gallery/pages/flight_ids.h"
 #include "gallery/resource_ids.h"
-#include "gallery/texts.h"
+#include "toolkit/languages.h"
+#include "toolkit/locale_text.h"
+#include "toolkit/pages.h"
+#include "toolkit/scaled_dialog.h"
+#include "toolkit/system_look.h"
 
 namespace gallery {
 
@@ -114,7 +115,7 @@ void DrawPlan(HDC dc, RECT area) {
   plan.bottom = area.bottom - (area.bottom - area.top) / 3;
   profile.top = plan.bottom + 16;
 
-  const kv::OwnedPen ground(CreatePen(PS_SOLID, 1, ListShade(kGroundPercent)));
+  const kv::OwnedPen ground(CreatePen(PS_SOLID, 1, kv::ListShade(kGroundPercent)));
   const kv::OwnedPen ink(
       CreatePen(PS_SOLID, std::max(2L, (area.bottom - area.top) / 130), GetSysColor(COLOR_WINDOWTEXT)));
   {
@@ -149,9 +150,10 @@ void ShowFile(HWND page, const wchar_t* path) {
   std::wstring text(bytes, bytes + count);  // it is ASCII
   if (size > static_cast<long>(count)) text += L"...";
   SetDlgItemTextW(page, IDC_FLIGHT_TEXT, text.c_str());
-  const std::wstring result = TextWith(size < 0 ? IDS_FLIGHT_NO_FILE : IDS_FLIGHT_FILE, path, NumberText(size).c_str());
+  const std::wstring result =
+      TextWith(size < 0 ? IDS_FLIGHT_NO_FILE : IDS_FLIGHT_FILE, path, kv::NumberText(size).c_str());
   shownFile = size < 0 ? L"" : path;
-  EnableControl(page, IDC_FLIGHT_FOLDER, size >= 0);
+  kv::EnableControl(page, IDC_FLIGHT_FOLDER, size >= 0);
   SetDlgItemTextW(page, IDC_FLIGHT_RESULT, result.c_str());
 }
 
@@ -239,15 +241,15 @@ INT_PTR CALLBACK FlightPageProcedure(HWND page, UINT message, WPARAM wParam, LPA
   switch (message) {
     case WM_INITDIALOG:
       OnNewFlight(page);
-      EnableControl(page, IDC_FLIGHT_FOLDER, false);
+      kv::EnableControl(page, IDC_FLIGHT_FOLDER, false);
       break;
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam));
     case WM_DRAWITEM: return OnDrawItem(reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
-    case kPageShown:
-    case kTextsChanged: ShowTexts(page); break;
+    case kv::kPageShown:
+    case kv::kLanguageChanged: ShowTexts(page); break;
     default: break;
   }
-  return HandlePageMessage(page, message, wParam, lParam);
+  return FALSE;
 }
 
 }  // namespace gallery

@@ -1,4 +1,4 @@
-#include "gallery/pages/instruments_page.h"
+#include "gallery/pages.h"
 
 #include <cmath>
 #include <iterator>
@@ -8,9 +8,10 @@
 #include "controls/instrument_block.h"
 #include "framework/angles.h"
 #include "framework/control_class.h"
-#include "gallery/page.h"
-#include "gallery/pages/instruments_ids.h"
-#include "gallery/texts.h"
+#include "gallery/resource_ids.h"
+#include "toolkit/languages.h"
+#include "toolkit/pages.h"
+#include "toolkit/scaled_dialog.h"
 
 namespace gallery {
 
@@ -144,7 +145,7 @@ void Send(HWND control, WPARAM wParam, const void* item) {
 }
 
 std::string NameOf(const Instrument& instrument) {
-  const std::wstring name = Text(IDS_INSTRUMENTS_NAME + instrument.name);
+  const std::wstring name = kv::ResourceText(IDS_INSTRUMENTS_NAME + instrument.name);
   char bytes[sizeof(kv::InstrumentBlock::szName)] = "";
   WideCharToMultiByte(CP_UTF8, 0, name.c_str(), -1, bytes, sizeof(bytes) - 1, nullptr, nullptr);
   return bytes;
@@ -221,16 +222,16 @@ INT_PTR OnCommand(HWND page, int id) {
 
 }  // namespace
 
-INT_PTR CALLBACK InstrumentsPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
+INT_PTR CALLBACK InstrumentsPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM) {
   switch (message) {
     case WM_INITDIALOG: OnInit(page); break;
     case WM_TIMER: return ShowSample(page);
-    case kTextsChanged: OnTextsChanged(page); break;
+    case kv::kLanguageChanged: OnTextsChanged(page); break;
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam));
-    case kPageShown: return OnShown(page, wParam != 0);
+    case kv::kPageShown: return OnShown(page, wParam != 0);
     default: break;
   }
-  return HandlePageMessage(page, message, wParam, lParam);
+  return FALSE;
 }
 
 }  // namespace gallery

@@ -1,4 +1,4 @@
-#include "gallery/pages/language_page.h"
+#include "gallery/pages.h"
 
 #include <commctrl.h>
 
@@ -11,11 +11,10 @@
 #include "framework/modules.h"
 #include "framework/painting.h"
 #include "framework/picture.h"
-#include "gallery/languages.h"
-#include "gallery/page.h"
-#include "gallery/pages/language_ids.h"
+#include "gallery/frame.h"
 #include "gallery/resource_ids.h"
-#include "gallery/texts.h"
+#include "toolkit/languages.h"
+#include "toolkit/scaled_dialog.h"
 
 namespace gallery {
 
@@ -40,7 +39,7 @@ HWND TableOf(HWND page) {
 std::wstring FileText(int language, const wchar_t* extension) {
   wchar_t path[kv::kPathCharacters];
   if (kv::FindLanguageFile(language, kFileStem, extension, path, FALSE) == kv::kLanguageFileNone) {
-    return Text(IDS_LANGUAGE_MISSING);
+    return kv::ResourceText(IDS_LANGUAGE_MISSING);
   }
   return kv::FileNameOf(path);
 }
@@ -61,7 +60,7 @@ int SelectedLanguage(HWND page) {
   const HWND table = TableOf(page);
   const int row = SelectedRow(table);
   const int language = row < 0 ? -1 : LanguageOfRow(table, row);
-  return language < 0 ? CurrentLanguage() : language;
+  return language < 0 ? kv::CurrentLanguage() : language;
 }
 
 void SetCell(HWND table, int row, int column, const std::wstring& text) {
@@ -101,9 +100,9 @@ void AddRow(HWND table, int language) {
   item.lParam = language;
   const int row = static_cast<int>(SendMessageW(table, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item)));
   SetCell(table, row, 1, kv::kLanguages[language].code);
-  SetCell(table, row, 2, language == 0 ? Text(IDS_LANGUAGE_BUILT_IN) : FileText(language, L".dll"));
+  SetCell(table, row, 2, language == 0 ? kv::ResourceText(IDS_LANGUAGE_BUILT_IN) : FileText(language, L".dll"));
   SetCell(table, row, 3, FileText(language, L".chm"));
-  if (language != CurrentLanguage()) return;
+  if (language != kv::CurrentLanguage()) return;
   item.stateMask = item.state = LVIS_SELECTED | LVIS_FOCUSED;
   SendMessageW(table, LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&item));
   SendMessageW(table, LVM_ENSUREVISIBLE, row, FALSE);
@@ -113,7 +112,7 @@ void FillTable(HWND table) {
   SendMessageW(table, WM_SETREDRAW, FALSE, 0);
   SendMessageW(table, LVM_DELETEALLITEMS, 0, 0);
   for (int i = 0; i < static_cast<int>(ARRAYSIZE(kColumns)); ++i) {
-    std::wstring title = Text(kColumns[i].title);
+    std::wstring title = kv::ResourceText(kColumns[i].title);
     LVCOLUMNW column{};
     column.mask = LVCF_TEXT;
     column.pszText = title.data();
@@ -146,7 +145,7 @@ void ShowAnswer(HWND page) {
 }
 
 void ShowTexts(HWND page) {
-  const int current = CurrentLanguage();
+  const int current = kv::CurrentLanguage();
   const std::wstring now = TextWith(IDS_LANGUAGE_NOW, kv::kLanguages[current].menuName, current);
   SetDlgItemTextW(page, IDC_LANGUAGE_NOW, now.c_str());
   FillTable(TableOf(page));
@@ -161,19 +160,18 @@ INT_PTR OnInit(HWND page) {
     LVCOLUMNW column{};
     SendMessageW(table, LVM_INSERTCOLUMNW, i, reinterpret_cast<LPARAM>(&column));
   }
-  return HandlePageMessage(page, WM_INITDIALOG, 0, 0);
+  return TRUE;
 }
 
 INT_PTR OnSize(HWND page) {
-  const INT_PTR result = HandlePageMessage(page, WM_SIZE, 0, 0);
   ShareWidth(TableOf(page));
   SendMessageW(TableOf(page), LVM_ENSUREVISIBLE, SelectedRow(TableOf(page)), FALSE);
-  return result;
+  return TRUE;
 }
 
 INT_PTR OnCommand(HWND page, UINT id, UINT code) {
   switch (id) {
-    case IDC_LANGUAGE_USE: ChooseLanguage(GetParent(page), SelectedLanguage(page)); return TRUE;
+    case IDC_LANGUAGE_USE: kv::SwitchLanguage(nullptr, nullptr, SelectedLanguage(page)); return TRUE;
     case IDC_LANGUAGE_WORD:
       if (code == EN_CHANGE) ShowAnswer(page);
       return TRUE;
@@ -198,13 +196,11 @@ INT_PTR CALLBACK LanguagePageProcedure(HWND page, UINT message, WPARAM wParam, L
     case WM_INITDIALOG: return OnInit(page);
     case WM_SIZE: return OnSize(page);
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam), HIWORD(wParam));
-    case WM_NOTIFY:
-      if (OnNotify(page, NotificationOf(lParam))) return TRUE;
-      break;
-    case kTextsChanged: ShowTexts(page); break;
+    case WM_NOTIFY: return OnNotify(page, kv::NotificationOf(lParam));
+    case kv::kLanguageChanged: ShowTexts(page); break;
     default: break;
   }
-  return HandlePageMessage(page, message, wParam, lParam);
+  return FALSE;
 }
 
 }  // namespace gallery

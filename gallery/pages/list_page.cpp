@@ -1,4 +1,4 @@
-#include "gallery/pages/list_page.h"
+#include "gallery/pages.h"
 
 #include <algorithm>
 #include <array>
@@ -7,17 +7,15 @@
 #include <string>
 
 #include "framework/bounded_format.h"
-#include "framework/guards.h"
-#include "framework/painting.h"
 #include "framework/picture.h"
-#include "gallery/drawing.h"
-#include "gallery/numbers.h"
-#include "gallery/page.h"
-#include "gallery/pages/list_ids.h"
+#include "framework/whole_number.h"
 #include "gallery/resource_ids.h"
-#include "gallery/texts.h"
 #include "lists/extended_list.h"
 #include "lists/list_navigation.h"
+#include "toolkit/languages.h"
+#include "toolkit/list_columns.h"
+#include "toolkit/locale_text.h"
+#include "toolkit/scaled_dialog.h"
 
 namespace gallery {
 
@@ -34,25 +32,30 @@ constexpr int kRecordMs = 11;     // from one record to the next at full line ra
 // Lengths of the design, in pixels. The columns are together wider than most windows, so that there is something to
 // scroll sideways.
 constexpr int kHeights[] = {17, 24, 36};
-constexpr int kCellPadding = 8, kTextPx = 13;
+constexpr int kTextPx = 13;
 constexpr int kColumnWidths[] = {130, 120, 72, 72, 72, 72, 72, 72, 72, 72, 360};
 constexpr int kColumns = static_cast<int>(std::size(kColumnWidths));
 
-constexpr int kShadedRowPercent = 6, kColumnLinePercent = 18;  // of the text colour
-constexpr COLORREF kHeaderTop = RGB(0x5C, 0x6E, 0xA8), kHeaderBottom = RGB(0x36, 0x44, 0x7A);
+// Numbers stand at the right of their columns; the record's text, in characters of one width, at the left of its own.
+const auto columns = [] {
+  std::array<kv::ListColumn, kColumns> list;
+  for (int i = 0; i < kColumns; ++i) {
+    list[i] = {MAKEINTRESOURCEW(IDS_LIST_COLUMN + i), kColumnWidths[i], DT_RIGHT};
+  }
+  list.back().align = DT_LEFT;
+  list.back().fixedPitch = true;
+  return list;
+}();
 
 // The page exists once.
 struct {
-  int designHeight, pageHeight;  // of the page, in pixels
   UINT rowCount;
   int rowHeight;
   UINT rowsAsked;  // since the last header
-  kv::OwnedFont rowFont, headerFont, sentFont;
-  std::array<std::wstring, kColumns> titles;
 } state;
 
-int Scaled(int length) {
-  return MulDiv(length, state.pageHeight, std::max(state.designHeight, 1));
+int Scaled(HWND page, int length) {
+  return kv::ToInt(length * kv::ScaleOf(page).y);
 }
 
 // ---- Rows, made from their number ----------------------------------------------------------------------------------
@@ -72,7 +75,7 @@ std::wstring RecordTime(UINT row) {
   const unsigned seconds = static_cast<unsigned>(ms / 1000);
   wchar_t text[32];
   kv::FormatBounded(text, sizeof(text), L"%u:%02u:%02u%s%03u", seconds / 3600, seconds / 60 % 60, seconds % 60,
-                    DecimalSign().c_str(), static_cast<unsigned>(ms % 1000));
+                    kv::DecimalSign().c_str(), static_cast<unsigned>(ms % 1000));
   return text;
 }
 
@@ -83,78 +86,25 @@ std::wstring SentText(const std::array<int, kPointNumbers>& numbers) {
   return text;
 }
 
-std::array<std::wstring, kColumns> CellsOfRow(UINT row) {
+std::wstring CellText(UINT row, int column) {
+  if (column == 0) return kv::NumberText(row + 1.0);
+  if (column == 1) return RecordTime(row);
   const auto numbers = PointsOfRow(row);
-  std::array<std::wstring, kColumns> cells;
-  cells[0] = NumberText(row + 1.0);
-  cells[1] = RecordTime(row);
-  for (int i = 0; i < kPointNumbers; ++i) cells[2 + i] = std::to_wstring(numbers[i]);
-  cells[kColumns - 1] = SentText(numbers);
-  return cells;
-}
-
-// ---- Drawing -------------------------------------------------------------------------------------------------------
-
-int SurfaceWidth() {
-  int width = 0;
-  for (int column : kColumnWidths) width += Scaled(column);
-  return width;
-}
-
-// Numbers stand at the right of their columns, the record's text at the left of its own.
-UINT Alignment(int column) {
-  return column == kColumns - 1 ? DT_LEFT : DT_RIGHT;
-}
-
-void DrawCells(HDC dc, const RECT& row, const std::array<std::wstring, kColumns>& cells, HFONT lastFont) {
-  SetBkMode(dc, TRANSPARENT);
-  const COLORREF line = ListShade(kColumnLinePercent);
-  RECT cell = row;
-  for (int i = 0; i < kColumns; ++i) {
-    cell.right = cell.left + Scaled(kColumnWidths[i]);
-    const kv::SelectedObject font(dc, i == kColumns - 1 ? lastFont : GetCurrentObject(dc, OBJ_FONT));
-    RECT inner = cell;
-    InflateRect(&inner, -Scaled(kCellPadding), 0);
-    DrawFitted(dc, cells[i], inner, Alignment(i) | DT_VCENTER | DT_SINGLELINE);
-    kv::FillSolid(dc, {cell.right - 1, cell.top, cell.right, cell.bottom}, line);
-    cell.left = cell.right;
-  }
-}
-
-void DrawHeader(const DRAWITEMSTRUCT& item) {
-  const bool plain = IsHighContrast();
-  if (plain) {
-    kv::FillSolid(item.hDC, item.rcItem, GetSysColor(COLOR_BTNFACE));
-  } else {
-    kv::FillVerticalGradient(item.hDC, item.rcItem, kHeaderTop, kHeaderBottom);
-  }
-  const kv::SelectedObject font(item.hDC, state.headerFont);
-  SetTextColor(item.hDC, plain ? GetSysColor(COLOR_BTNTEXT) : RGB(255, 255, 255));
-  DrawCells(item.hDC, item.rcItem, state.titles, state.headerFont);
-}
-
-void DrawDataRow(const DRAWITEMSTRUCT& item) {
-  const COLORREF color = DrawRowBackground(item);
-  if (!(item.itemState & ODS_SELECTED) && item.itemID % 2) {
-    kv::FillSolid(item.hDC, item.rcItem, ListShade(kShadedRowPercent));
-  }
-  const kv::SelectedObject font(item.hDC, state.rowFont);
-  SetTextColor(item.hDC, color);
-  DrawCells(item.hDC, item.rcItem, CellsOfRow(item.itemID), state.sentFont);
+  return column == kColumns - 1 ? SentText(numbers) : std::to_wstring(numbers[column - 2]);
 }
 
 void OnDrawItem(HWND page, const DRAWITEMSTRUCT& item) {
-  if (item.itemID != kv::kHeaderRow) {
+  if (item.itemID == kv::kHeaderRow) {
+    state.rowsAsked = 0;
+    PostMessageA(page, kShowCost, 0, 0);
+  } else {
     ++state.rowsAsked;
-    return DrawDataRow(item);
   }
-  state.rowsAsked = 0;
-  PostMessageA(page, kShowCost, 0, 0);
-  DrawHeader(item);
+  kv::DrawListRow(item, columns, CellText, {}, Scaled(page, kTextPx));
 }
 
 void ShowCost(HWND page) {
-  const std::wstring text = TextWith(IDS_LIST_COST, state.rowsAsked, NumberText(state.rowCount).c_str());
+  const std::wstring text = TextWith(IDS_LIST_COST, state.rowsAsked, kv::NumberText(state.rowCount).c_str());
   SetDlgItemTextW(page, IDC_LIST_COST, text.c_str());
 }
 
@@ -173,8 +123,10 @@ void Apply(HWND page) {
   const UINT firstRow = kv::ListRowAt(list, {0, state.rowHeight}), selected = kv::SelectedListRow(list);
   const UINT lastRow = kv::ListRowAt(list, {0, kv::ClientSize(list).cy - 1});
   state.rowCount = kCounts[std::clamp<LRESULT>(count, 0, std::size(kCounts) - 1)];
-  state.rowHeight = Scaled(kHeights[std::clamp<LRESULT>(height, 0, std::size(kHeights) - 1)]);
-  SendMessageA(list, LB_SETHORIZONTALEXTENT, SurfaceWidth(), 0);
+  state.rowHeight = Scaled(page, kHeights[std::clamp<LRESULT>(height, 0, std::size(kHeights) - 1)]);
+  int width = 0;
+  for (const int column : kColumnWidths) width += Scaled(page, column);
+  SendMessageA(list, LB_SETHORIZONTALEXTENT, width, 0);
   SendMessageA(list, LB_SETCOUNT, state.rowCount, 0);
   kv::RedrawList(list);
   if (firstRow < state.rowCount) kv::ScrollListTo(list, firstRow);
@@ -183,15 +135,12 @@ void Apply(HWND page) {
 
 // What the list is called, and what its selected row says: that only this page knows.
 void NameList(HWND page) {
-  std::wstring name = Text(IDS_TITLE_FIRST + PAGE_INDEX_LIST);
+  std::wstring name = kv::ResourceText(IDS_TITLE_FIRST + PAGE_INDEX_LIST);
   const UINT row = kv::SelectedListRow(ListOf(page));
-  if (row < state.rowCount) {
-    const auto cells = CellsOfRow(row);
-    for (int i = 0; i < kColumns; ++i) {
-      name = TextWith(IDS_LIST_CELL, name.c_str(), state.titles[i].c_str(), cells[i].c_str());
-    }
+  for (int i = 0; row < state.rowCount && i < kColumns; ++i) {
+    name = TextWith(IDS_LIST_CELL, name.c_str(), kv::ListColumnTitle(columns[i]).c_str(), CellText(row, i).c_str());
   }
-  NameControl(page, IDC_LIST_LIST, name);
+  kv::NameControl(page, IDC_LIST_LIST, name.c_str());
 }
 
 void SelectRow(HWND page, UINT row) {
@@ -217,12 +166,6 @@ void OnCommand(HWND page, int controlId, UINT code) {
 
 // ---- Life ----------------------------------------------------------------------------------------------------------
 
-// Records as they are on the wire, with all characters of one width.
-kv::OwnedFont MakeFixedFont(int height) {
-  return kv::OwnedFont(CreateFontW(height, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_TT_PRECIS,
-                                   CLIP_DEFAULT_PRECIS, PROOF_QUALITY, FIXED_PITCH | FF_MODERN, L"Courier New"));
-}
-
 // Fills a combo box anew, with what was chosen in it.
 template <class Numbers, class Value>
 void FillChoice(HWND page, int controlId, const Numbers& numbers, int firstChoice, Value value) {
@@ -230,66 +173,37 @@ void FillChoice(HWND page, int controlId, const Numbers& numbers, int firstChoic
   const LRESULT chosen = SendMessageW(combo, CB_GETCURSEL, 0, 0);
   SendMessageW(combo, CB_RESETCONTENT, 0, 0);
   for (const auto number : numbers) {
-    SendMessageW(combo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(NumberText(value(number)).c_str()));
+    SendMessageW(combo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(kv::NumberText(value(number)).c_str()));
   }
   SendMessageW(combo, CB_SETCURSEL, chosen < 0 ? firstChoice : chosen, 0);
 }
 
-void FillChoices(HWND page) {
+INT_PTR Refresh(HWND page) {
   FillChoice(page, IDC_LIST_COUNT, kCounts, kFirstCount, [](UINT count) { return count; });
-  FillChoice(page, IDC_LIST_HEIGHT, kHeights, kFirstHeight, Scaled);
-}
-
-void Resize(HWND page) {
-  state.pageHeight = kv::ClientSize(page).cy;
-  const int textPx = std::max(Scaled(kTextPx), 1);
-  state.rowFont = MakeFont(-textPx, FW_NORMAL);
-  state.headerFont = MakeFont(-textPx, FW_SEMIBOLD);
-  state.sentFont = MakeFixedFont(-textPx);
-  FillChoices(page);
+  FillChoice(page, IDC_LIST_HEIGHT, kHeights, kFirstHeight, [page](int height) { return Scaled(page, height); });
   Apply(page);
-}
-
-void OnInit(HWND page) {
-  state.designHeight = kv::ClientSize(page).cy;
-  kv::AddListNavigation(ListOf(page));
-  Resize(page);
+  return TRUE;
 }
 
 void OnTextsChanged(HWND page) {
-  HandlePageMessage(page, kTextsChanged, 0, 0);
-  for (int i = 0; i < kColumns; ++i) state.titles[i] = Text(IDS_LIST_COLUMN + i);
   NameList(page);
-  FillChoices(page);
-  Apply(page);
+  Refresh(page);
   ShowCost(page);
-}
-
-INT_PTR OnSize(HWND page) {
-  const INT_PTR result = HandlePageMessage(page, WM_SIZE, 0, 0);
-  Resize(page);
-  return result;
-}
-
-void OnDestroy() {
-  for (kv::OwnedFont* font : {&state.rowFont, &state.headerFont, &state.sentFont}) font->Reset();
 }
 
 }  // namespace
 
 INT_PTR CALLBACK ListPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
-    case WM_INITDIALOG: OnInit(page); break;
+    case WM_INITDIALOG: kv::AddListNavigation(ListOf(page)); return Refresh(page);
     case WM_MEASUREITEM: reinterpret_cast<MEASUREITEMSTRUCT*>(lParam)->itemHeight = state.rowHeight; return TRUE;
     case WM_DRAWITEM: OnDrawItem(page, *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam)); return TRUE;
     case WM_COMMAND: OnCommand(page, LOWORD(wParam), HIWORD(wParam)); return TRUE;
-    case WM_SIZE: return OnSize(page);
+    case WM_SIZE: return Refresh(page);
     case kShowCost: ShowCost(page); return TRUE;
-    case kTextsChanged: OnTextsChanged(page); return TRUE;
-    case WM_DESTROY: OnDestroy(); break;
-    default: break;
+    case kv::kLanguageChanged: OnTextsChanged(page); return TRUE;
+    default: return FALSE;
   }
-  return HandlePageMessage(page, message, wParam, lParam);
 }
 
 }  // namespace gallery

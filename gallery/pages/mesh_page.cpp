@@ -1,13 +1,13 @@
-#include "gallery/pages/mesh_page.h"
+#include "gallery/pages.h"
 
 #include <string>
 
-#include "gallery/numbers.h"
-#include "gallery/page.h"
-#include "gallery/pages/mesh_ids.h"
 #include "gallery/pages/mesh_view.h"
 #include "gallery/resource_ids.h"
-#include "gallery/texts.h"
+#include "toolkit/languages.h"
+#include "toolkit/locale_text.h"
+#include "toolkit/pages.h"
+#include "toolkit/scaled_dialog.h"
 
 namespace gallery {
 
@@ -22,15 +22,15 @@ void ShowFigures(HWND page) {
   MeshViewFigures figures{};
   if (!GetMeshViewFigures(GetDlgItem(page, IDC_MESH_VIEW), &figures)) return;
   const std::wstring text =
-      TextWith(IDS_MESH_FIGURES, NumberText(figures.triangles).c_str(),
-               NumberText(figures.pictures - picturesBefore).c_str(), NumberText(figures.pictureMs, 1).c_str());
+      TextWith(IDS_MESH_FIGURES, kv::NumberText(figures.triangles).c_str(),
+               kv::NumberText(figures.pictures - picturesBefore).c_str(), kv::NumberText(figures.pictureMs, 1).c_str());
   picturesBefore = figures.pictures;
   SetDlgItemTextW(page, IDC_MESH_FIGURES, text.c_str());
 }
 
 void ShowTexts(HWND page) {
   SetPageText(page, IDC_MESH_HINT, IDS_MESH_HINT);
-  NameControl(page, IDC_MESH_VIEW, Text(IDS_TITLE_FIRST + PAGE_INDEX_MESH));
+  kv::NameControl(page, IDC_MESH_VIEW, kv::ResourceText(IDS_TITLE_FIRST + PAGE_INDEX_MESH).c_str());
 }
 
 void Run(HWND page, bool shown) {
@@ -44,14 +44,14 @@ void Run(HWND page, bool shown) {
 
 }  // namespace
 
-INT_PTR CALLBACK MeshPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
+INT_PTR CALLBACK MeshPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM) {
   switch (message) {
-    case kTextsChanged: ShowTexts(page); break;
-    case kPageShown: Run(page, wParam != 0); return TRUE;
+    case kv::kLanguageChanged: ShowTexts(page); break;
+    case kv::kPageShown: Run(page, wParam != 0); return TRUE;
     case WM_TIMER: ShowFigures(page); return TRUE;
     default: break;
   }
-  return HandlePageMessage(page, message, wParam, lParam);
+  return FALSE;
 }
 
 }  // namespace gallery

@@ -1,4 +1,4 @@
-#include "gallery/pages/nmea_page.h"
+#include "gallery/pages.h"
 
 #include <richedit.h>
 
@@ -9,10 +9,10 @@
 #include "export/terminal_edit.h"
 #include "export/web_links.h"
 #include "framework/angles.h"
-#include "gallery/numbers.h"
-#include "gallery/page.h"
-#include "gallery/pages/nmea_ids.h"
-#include "gallery/texts.h"
+#include "gallery/resource_ids.h"
+#include "toolkit/languages.h"
+#include "toolkit/locale_text.h"
+#include "toolkit/pages.h"
 
 namespace gallery {
 
@@ -36,7 +36,7 @@ kv::GprmcFix FixAt(int sentence) {
 }
 
 void ShowValue(HWND page, int controlId, UINT textId, double value, int decimals) {
-  SetDlgItemTextW(page, controlId, TextWith(textId, NumberText(value, decimals).c_str()).c_str());
+  SetDlgItemTextW(page, controlId, TextWith(textId, kv::NumberText(value, decimals).c_str()).c_str());
 }
 
 // Styling also clears the control and makes it writable.
@@ -71,10 +71,10 @@ void SendSentence(HWND page) {
   AppendLine(GetDlgItem(page, IDC_NMEA_TERMINAL), sentence);
 }
 
-INT_PTR OnInit(HWND page, WPARAM wParam, LPARAM lParam) {
+INT_PTR OnInit(HWND page) {
   ClearTerminal(GetDlgItem(page, IDC_NMEA_TERMINAL));
   CheckDlgButton(page, IDC_NMEA_MOVING, BST_CHECKED);
-  return HandlePageMessage(page, WM_INITDIALOG, wParam, lParam);
+  return TRUE;
 }
 
 INT_PTR OnShown(HWND page, bool shown) {
@@ -103,13 +103,13 @@ INT_PTR OnCommand(HWND page, UINT command) {
 
 }  // namespace
 
-INT_PTR CALLBACK NmeaPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
+INT_PTR CALLBACK NmeaPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM) {
   switch (message) {
-    case WM_INITDIALOG: return OnInit(page, wParam, lParam);
-    case kPageShown: return OnShown(page, wParam != 0);
+    case WM_INITDIALOG: return OnInit(page);
+    case kv::kPageShown: return OnShown(page, wParam != 0);
     case WM_TIMER: return OnTimer(page);
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam));
-    default: return HandlePageMessage(page, message, wParam, lParam);
+    default: return FALSE;
   }
 }
 

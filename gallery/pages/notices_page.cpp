@@ -1,4 +1,4 @@
-#include "gallery/pages/notices_page.h"
+#include "gallery/pages.h"
 
 #include <dbt.h>
 
@@ -7,11 +7,9 @@
 
 #include "framework/modules.h"
 #include "framework/notification_icon.h"
-#include "gallery/numbers.h"
-#include "gallery/page.h"
-#include "gallery/pages/notices_ids.h"
 #include "gallery/resource_ids.h"
-#include "gallery/texts.h"
+#include "toolkit/languages.h"
+#include "toolkit/locale_text.h"
 
 namespace gallery {
 
@@ -26,14 +24,14 @@ void Report(HWND page, const std::wstring& event) {
   const HWND list = GetDlgItem(page, IDC_NOTICES_EVENTS);
   SYSTEMTIME now;
   GetLocalTime(&now);
-  const std::wstring line = TextWith(IDS_NOTICES_EVENT, TimeText(now, true).c_str(), event.c_str());
+  const std::wstring line = TextWith(IDS_NOTICES_EVENT, kv::TimeText(now, true).c_str(), event.c_str());
   if (SendMessageW(list, LB_GETCOUNT, 0, 0) >= kLongestList) SendMessageW(list, LB_DELETESTRING, 0, 0);
   const auto row = SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(line.c_str()));
   SendMessageW(list, LB_SETCURSEL, row, 0);
 }
 
 void ReportAnswer(HWND page, BOOL done, UINT textId) {
-  Report(page, Text(done ? textId : IDS_NOTICES_REFUSED));
+  Report(page, kv::ResourceText(done ? textId : IDS_NOTICES_REFUSED));
 }
 
 HICON GalleryIcon() {
@@ -57,7 +55,7 @@ void ListenToDevices(HWND page, bool listen) {
 
 void ToggleDevices(HWND page) {
   ListenToDevices(page, IsDlgButtonChecked(page, IDC_NOTICES_DEVICES) == BST_CHECKED);
-  Report(page, Text(deviceNotices ? IDS_NOTICES_DEVICES_ON : IDS_NOTICES_DEVICES_OFF));
+  Report(page, kv::ResourceText(deviceNotices ? IDS_NOTICES_DEVICES_ON : IDS_NOTICES_DEVICES_OFF));
 }
 
 // The name stands in the record as narrow or wide text, by the kind of the window; a device's name begins with two
@@ -87,14 +85,14 @@ INT_PTR OnDeviceChange(HWND page, WPARAM event, LPARAM record) {
 }
 
 INT_PTR OnIconMessage(HWND page, UINT mouseMessage) {
-  if (mouseMessage == WM_LBUTTONUP || mouseMessage == WM_RBUTTONUP) Report(page, Text(IDS_NOTICES_CLICKED));
+  if (mouseMessage == WM_LBUTTONUP || mouseMessage == WM_RBUTTONUP) Report(page, kv::ResourceText(IDS_NOTICES_CLICKED));
   // Taken in any case: the dialog manager has a message of the same number, which sets the default button.
   return TRUE;
 }
 
 INT_PTR OnInit(HWND page) {
   SetDlgItemTextA(page, IDC_NOTICES_TIP, "kvGallery");
-  return HandlePageMessage(page, WM_INITDIALOG, 0, 0);
+  return TRUE;
 }
 
 INT_PTR OnDestroy(HWND page) {
@@ -124,7 +122,7 @@ INT_PTR CALLBACK NoticesPageProcedure(HWND page, UINT message, WPARAM wParam, LP
     case WM_DEVICECHANGE: return OnDeviceChange(page, wParam, lParam);
     case kv::kNotificationCallback: return OnIconMessage(page, static_cast<UINT>(lParam));
     case WM_DESTROY: return OnDestroy(page);
-    default: return HandlePageMessage(page, message, wParam, lParam);
+    default: return FALSE;
   }
 }
 

@@ -1,14 +1,13 @@
-#include "gallery/pages/overview_page.h"
+#include "gallery/pages.h"
+
 #include <cstddef>
 
 #include "framework/picture.h"
 #include "gallery/drawing.h"
 #include "gallery/frame.h"
-#include "gallery/page.h"
-#include "gallery/pages.h"
-#include "gallery/pages/overview_ids.h"
 #include "gallery/resource_ids.h"
-#include "gallery/texts.h"
+#include "toolkit/languages.h"
+#include "toolkit/scaled_dialog.h"
 
 namespace gallery {
 
@@ -36,16 +35,16 @@ INT_PTR OnDrawItem(HWND page, const DRAWITEMSTRUCT* item) {
   RECT row = item->rcItem;
   InflateRect(&row, -margin, 0);
   const int middle = (row.top + row.bottom) / 2;
-  DrawLine(item->hDC, Text(IDS_TITLE_FIRST + index), {row.left, middle - textPx - 2, row.right, middle},
+  DrawLine(item->hDC, kv::ResourceText(IDS_TITLE_FIRST + index), {row.left, middle - textPx - 2, row.right, middle},
            {textPx, FW_SEMIBOLD, color});
-  DrawLine(item->hDC, Text(IDS_DESCRIPTION_FIRST + index), {row.left, middle, row.right, middle + textPx + 2},
-           {Scaled(page, kDescriptionHeight), FW_NORMAL, color});
+  DrawLine(item->hDC, kv::ResourceText(IDS_DESCRIPTION_FIRST + index),
+           {row.left, middle, row.right, middle + textPx + 2}, {Scaled(page, kDescriptionHeight), FW_NORMAL, color});
   return TRUE;
 }
 
 INT_PTR OnSize(HWND page) {
   SendDlgItemMessageA(page, IDC_OVERVIEW_INDEX, LB_SETITEMHEIGHT, 0, Scaled(page, kRowHeight));
-  return HandlePageMessage(page, WM_SIZE, 0, 0);
+  return TRUE;
 }
 
 void OnTextsChanged(HWND page) {
@@ -68,10 +67,10 @@ INT_PTR CALLBACK OverviewPageProcedure(HWND page, UINT message, WPARAM wParam, L
     case WM_SIZE: return OnSize(page);
     case WM_DRAWITEM: return OnDrawItem(page, reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam), HIWORD(wParam));
-    case kTextsChanged: OnTextsChanged(page); break;
+    case kv::kLanguageChanged: OnTextsChanged(page); break;
     default: break;
   }
-  return HandlePageMessage(page, message, wParam, lParam);
+  return FALSE;
 }
 
 }  // namespace gallery

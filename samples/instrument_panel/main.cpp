@@ -1,5 +1,5 @@
-// Instrument panel: gauge, compass, bars and read-outs, fed by a timer, in English and German. panel.rc places the
-// controls; the German texts are a library of their own, built from german.rc as instrument_panelGE.dll.
+// Instrument panel: gauge, compass, bars and read-outs, fed by a timer, in English, German and Arabic. panel.rc places
+// the controls; the other languages' texts are libraries of their own, built from german.rc and arabic.rc.
 #include <cmath>
 
 #include <kv/kv.h>
@@ -37,26 +37,17 @@ void Feed(HWND panel) {
   kv::SetInstrumentTime(panel, IDC_CLOCK, now);
 }
 
-INT_PTR CALLBACK Panel(HWND panel, UINT message, WPARAM wParam, LPARAM) {
+INT_PTR CALLBACK Panel(HWND panel, UINT message, WPARAM, LPARAM) {
   switch (message) {
     case WM_INITDIALOG:
       DescribeInstruments(panel);
       SetTimer(panel, kFeedTimer, kFeedMs, nullptr);
       return TRUE;
-    case kv::kLanguageShown:
-      NameInstruments(panel);
-      CheckRadioButton(panel, IDC_ENGLISH, IDC_GERMAN, IDC_ENGLISH + static_cast<int>(wParam));
-      return TRUE;
+    case kv::kLanguageChanged: NameInstruments(panel); return TRUE;
     case WM_TIMER: Feed(panel); return TRUE;
-    case WM_COMMAND:
-      if (HIWORD(wParam) != BN_CLICKED) return FALSE;
-      kv::SwitchLanguage(panel, L"PANEL", LOWORD(wParam) - IDC_ENGLISH);
-      return TRUE;
     default: return FALSE;
   }
 }
-
-constexpr kv::ToolTipEntry kTips[] = {{IDC_ENGLISH, nullptr}, {IDC_GERMAN, nullptr}};
 
 }  // namespace
 
@@ -64,7 +55,8 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
   return kv::RunDialog(instance, {.templateName = L"PANEL",
                                   .procedure = Panel,
                                   .positionName = "Samples.InstrumentPanel",
-                                  .smallest = {460, 360},
-                                  .tips = kTips,
+                                  .smallest = {460, 380},
+                                  .menu = L"PANEL",
+                                  .languageMenu = {IDM_LANGUAGE, IDM_FIRST_LANGUAGE},
                                   .languages = L"instrument_panel"});
 }

@@ -28,7 +28,7 @@ void MakeReadings() {
   }
 }
 
-std::wstring Cell(UINT row, int column) {
+std::wstring CellText(UINT row, int column) {
   wchar_t text[16];
   kv::FormatBounded(text, sizeof(text), column == 0 ? L"%.0f" : L"%.1f", readings[row].values[column]);
   return text;
@@ -59,7 +59,7 @@ INT_PTR CALLBACK Readings(HWND dialog, UINT message, WPARAM wParam, LPARAM lPara
       SendMessageA(list, LB_SETCOUNT, kRows, 0);
       return TRUE;
     case WM_DRAWITEM:
-      kv::DrawListRow(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam), kColumns, Cell, sorting);
+      kv::DrawListRow(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam), kColumns, CellText, sorting);
       return TRUE;
     case WM_COMMAND:
       if (HIWORD(wParam) == kv::kListHeader) SortByClick(list);

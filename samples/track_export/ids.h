@@ -1,8 +1,6 @@
 #pragma once
 
-#define IDC_FOLDER_LABEL 101
-#define IDC_FOLDER 102
-#define IDC_KML 103
-#define IDC_WAYPOINTS 104
-#define IDC_SPREADSHEET 105
-#define IDC_STATUS 106
+#define IDC_KML 101
+#define IDC_WAYPOINTS 102
+#define IDC_SPREADSHEET 103
+#define IDC_STATUS 104

@@ -26,15 +26,9 @@ void Say(HWND dialog, const std::wstring& text) {
   SetDlgItemTextW(dialog, IDC_STATUS, text.c_str());
 }
 
-std::wstring PathOf(HWND dialog, const wchar_t* name) {
-  wchar_t folder[kv::kPathCharacters] = L"";
-  GetDlgItemTextW(dialog, IDC_FOLDER, folder, ARRAYSIZE(folder));
-  const std::wstring path = folder;
-  return path + (path.ends_with(L'\\') ? L"" : L"\\") + name;
-}
-
 void SaveAs(HWND dialog, const wchar_t* name, BOOL write(const wchar_t*)) {
-  const std::wstring path = PathOf(dialog, name);
+  std::wstring path = name;
+  if (!kv::AskSavePath(dialog, L"Save the flight", &path)) return;
   Say(dialog, (write(path.c_str()) ? L"Written: " : L"This file could not be written: ") + path);
 }
 
@@ -56,8 +50,6 @@ void SendToSpreadsheet(HWND dialog) {
 }
 
 INT_PTR CALLBACK TrackExport(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
-  wchar_t folder[MAX_PATH + 1] = L"";
-  if (message == WM_INITDIALOG && GetTempPathW(ARRAYSIZE(folder), folder)) SetDlgItemTextW(dialog, IDC_FOLDER, folder);
   if (message != WM_COMMAND) return message == WM_INITDIALOG;
   switch (LOWORD(wParam)) {
     case IDC_KML: SaveAs(dialog, L"flight.kml", [](const wchar_t* path) { return kv::WriteKml(path, track); }); break;

@@ -150,4 +150,31 @@ TEST_F(WindowPositionTest, Numbers) {
   EXPECT_FALSE(kv::WindowNumber(nullptr, &number, kv::kPositionSave));
 }
 
+TEST_F(WindowPositionTest, WhatCannotBeSeenOrIsTooSmallIsMended) {
+  const SIZE screen{GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
+  // What was stored, and whether the mended window keeps its left edge. Two were closed on a monitor that is gone.
+  const std::pair<std::string, bool> samples[] = {{"-1200,10,-200,500", true},
+                                                  {"0,0,0,0", true},
+                                                  {"a,b,c,d", true},
+                                                  {"20,30,620,530", true},
+                                                  {std::to_string(screen.cx + 50) + ",0,9999,400", false},
+                                                  {"10," + std::to_string(screen.cy + 5) + ",700,9999", false}};
+  for (const auto& [stored, keepsLeft] : samples) {
+    Store(stored);
+    kv::WindowPosition(window, kName, kv::kPositionRestore);
+    RECT before{}, after{};
+    GetWindowRect(window, &before);
+    kv::KeepInSight(window, {412, 400});
+    GetWindowRect(window, &after);
+    EXPECT_LE(412, after.right - after.left) << stored;
+    EXPECT_LE(400, after.bottom - after.top) << stored;
+    EXPECT_TRUE(after.left >= 0 && after.left < screen.cx && after.top >= 0 && after.top < screen.cy) << stored;
+    EXPECT_EQ(keepsLeft, before.left == after.left) << stored;
+  }
+  Store("20,30,620,530");
+  kv::WindowPosition(window, kName, kv::kPositionRestore);
+  kv::KeepInSight(window, {412, 400});
+  EXPECT_EQ("20,30,620,530", Place(window));
+}
+
 }  // namespace

@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/optical_flow_chart.h"
 #include "controls/display_instrument.h"
 #include "controls/instrument_block.h"
 #include "framework/control_class.h"
@@ -20,30 +21,21 @@
 #include "framework/modules.h"
 #include "framework/picture.h"
 #include "framework/shell_launch.h"
-#include "gallery/classes.h"
 #include "gallery/command_line.h"
-#include "gallery/drawing.h"
 #include "gallery/frame.h"
-#include "gallery/frame_header.h"
-#include "gallery/keyboard.h"
-#include "gallery/languages.h"
-#include "gallery/numbers.h"
 #include "gallery/pages.h"
-#include "gallery/pages/bitmap_ids.h"
-#include "gallery/pages/dde_ids.h"
-#include "gallery/pages/flight_ids.h"
-#include "gallery/pages/instruments_ids.h"
-#include "gallery/pages/language_ids.h"
-#include "gallery/pages/list_ids.h"
-#include "gallery/pages/mesh_ids.h"
 #include "gallery/pages/mesh_view.h"
-#include "gallery/pages/nmea_ids.h"
-#include "gallery/pages/overview_ids.h"
 #include "gallery/resource_ids.h"
-#include "gallery/text_fit.h"
 #include "lists/extended_list.h"
 #include "lists/list_navigation.h"
 #include "tests/support/test_window.h"
+#include "toolkit/classes.h"
+#include "toolkit/keyboard.h"
+#include "toolkit/languages.h"
+#include "toolkit/locale_text.h"
+#include "toolkit/pages.h"
+#include "toolkit/scaled_dialog.h"
+#include "toolkit/text_tips.h"
 
 namespace gallery {
 namespace {
@@ -58,14 +50,16 @@ class GalleryFrame : public testing::Test {
     kv::modules = {.resources = GetModuleHandleW(nullptr), .application = GetModuleHandleW(nullptr)};
     LoadLibraryA("RichEd32.dll");
     InitCommonControls();
-    RegisterAllClasses(kv::modules.application, TRUE);
-    BeginLanguages(0);
-    frame_ = CreateDialogParamW(kv::modules.application, kFrameTemplate, nullptr, FrameProcedure, 0);
-    ShowWindow(frame_, SW_SHOW);
+    kv::RegisterAllClasses(kv::modules.application, TRUE);
+    kv::RegisterChartClass(kv::modules.application, TRUE);
+    RegisterMeshViewClass(kv::modules.application, TRUE);
+    kv::LoadLanguages(kFileStem, 0);
+    static const StartOptions kOptions{.page = 0};
+    frame_ = kv::OpenDialog(nullptr, FrameDialog(kOptions));
   }
   static void TearDownTestSuite() {
     DestroyWindow(frame_);
-    EndLanguages();
+    kv::UnloadLanguages();
     RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
     RegCloseKey(key_);
     RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\korvel test");
@@ -75,7 +69,9 @@ class GalleryFrame : public testing::Test {
   static void Pump() {
     MSG message;
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-      if (message.message != WM_TIMER) Dispatch(frame_, &message);
+      if (message.message == WM_TIMER || kv::TakeKey(frame_, &message) || IsDialogMessageW(frame_, &message)) continue;
+      TranslateMessage(&message);
+      DispatchMessageW(&message);
     }
   }
   static void Press(WPARAM key, int heldKey = 0) {
@@ -92,6 +88,9 @@ class GalleryFrame : public testing::Test {
     GetWindowRect(frame_, &window);
     EXPECT_EQ(width, window.right - window.left);
   }
+  static void ChooseLanguage(int language) { kv::SwitchLanguage(nullptr, nullptr, language); }
+  static HWND ShownPage() { return kv::ShownPage(frame_); }
+  static HWND PageAt(size_t index) { return kv::PageWindow(frame_, AllPages()[index].dialog); }
   static HWND PageList() { return GetDlgItem(frame_, IDC_PAGE_LIST); }
 
   inline static HKEY key_;
@@ -108,10 +107,11 @@ std::string Narrow(const std::wstring& text) {
 
 // Lets the windows draw the rows of their lists, and the frame's header with each page, aside.
 void DrawAll(HWND frame) {
+  const auto pageAt = [frame](int index) { return kv::PageWindow(frame, AllPages()[index].dialog); };
   const SIZE client = kv::ClientSize(frame);
   const kvtest::Picture picture(client.cx, client.cy);
   const FrameLayout layout = LayoutFor(client);
-  const HWND overview = ExistingPageWindow(PAGE_INDEX_OVERVIEW);
+  const HWND overview = pageAt(PAGE_INDEX_OVERVIEW);
   const auto drawRow = [&picture](HWND parent, UINT controlId, UINT row, UINT page, UINT state) {
     DRAWITEMSTRUCT item{.CtlType = ODT_LISTBOX, .CtlID = controlId, .itemID = row, .itemState = state};
     item.hDC = picture.dc();
@@ -127,13 +127,15 @@ void DrawAll(HWND frame) {
   }
   DRAWITEMSTRUCT header{.CtlID = IDC_LIST_LIST, .itemID = kv::kHeaderRow};
   header.hDC = picture.dc();
-  header.rcItem = {0, 0, client.cx, layout.rowHeight};
-  SendMessageW(ExistingPageWindow(PAGE_INDEX_LIST), WM_DRAWITEM, IDC_LIST_LIST, reinterpret_cast<LPARAM>(&header));
+  SCROLLINFO width{.cbSize = sizeof(width), .fMask = SIF_RANGE};
+  GetScrollInfo(GetDlgItem(pageAt(PAGE_INDEX_LIST), IDC_LIST_LIST), SB_HORZ, &width);
+  header.rcItem = {0, 0, width.nMax + 1, layout.rowHeight};
+  SendMessageW(pageAt(PAGE_INDEX_LIST), WM_DRAWITEM, IDC_LIST_LIST, reinterpret_cast<LPARAM>(&header));
 }
 
 TEST_F(GalleryFrame, NoTextIsWiderThanItsPlaceInAnyLanguage) {
   const auto report = [](int width, const char* page, const std::wstring& text) {
-    ADD_FAILURE() << Narrow(kv::kLanguages[CurrentLanguage()].code) << " at " << width << ", " << page << ": "
+    ADD_FAILURE() << Narrow(kv::kLanguages[kv::CurrentLanguage()].code) << " at " << width << ", " << page << ": "
                   << Narrow(text);
   };
   for (const SIZE size : {SIZE{760, 576}, SIZE{1600, 1000}}) {
@@ -141,23 +143,23 @@ TEST_F(GalleryFrame, NoTextIsWiderThanItsPlaceInAnyLanguage) {
     for (size_t i = 0; i < AllPages().size(); ++i) SelectPage(frame_, static_cast<int>(i));
     for (int language = 0; language < kv::kLanguageCount - 1; ++language) {
       if (!kv::kLanguages[language].code[0]) continue;
-      ChooseLanguage(frame_, language);
-      ASSERT_EQ(language, CurrentLanguage());
+      ChooseLanguage(language);
+      ASSERT_EQ(language, kv::CurrentLanguage());
       std::vector<std::wstring> cut;
-      CollectCutTexts(&cut);
+      kv::CollectCutTexts(&cut);
       DrawAll(frame_);
-      CollectCutTexts(nullptr);
+      kv::CollectCutTexts(nullptr);
       for (const std::wstring& text : cut) report(size.cx, "drawn", text);
       for (size_t i = 0; i < AllPages().size(); ++i) {
-        const HWND page = ExistingPageWindow(static_cast<int>(i));
+        const HWND page = PageAt(i);
         for (HWND control = GetWindow(page, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
-          const std::wstring text = CutTextOf(control);
+          const std::wstring text = kv::CutTextOf(control);
           if (!text.empty()) report(size.cx, AllPages()[i].name, text);
         }
       }
     }
   }
-  ChooseLanguage(frame_, 0);
+  ChooseLanguage(0);
 }
 
 // ---- The keyboard --------------------------------------------------------------------------------------------------
@@ -200,10 +202,10 @@ HWND WINAPI RecordTopic(HWND, const wchar_t*, UINT, DWORD_PTR topic) {
 TEST_F(GalleryFrame, KeysOpenPagesAndFindAWindowThatTakesThem) {
   SelectPage(frame_, PAGE_INDEX_OVERVIEW);
   const HWND overview = ShownPage(), index = GetDlgItem(overview, IDC_OVERVIEW_INDEX);
-  ASSERT_TRUE(FocusPage(overview));
+  ASSERT_TRUE(kv::FocusFirstControl(overview));
   Press(VK_DOWN);
   Press(VK_RETURN);
-  EXPECT_EQ(ExistingPageWindow(PAGE_INDEX_CHART), ShownPage());
+  EXPECT_EQ(PageAt(PAGE_INDEX_CHART), ShownPage());
   EXPECT_TRUE(IsChild(ShownPage(), GetFocus()));
   const kv::HtmlHelpCall systemHelp = std::exchange(kv::htmlHelp, RecordTopic);
   SendMessageW(frame_, WM_HELP, 0, 0);
@@ -227,14 +229,14 @@ TEST_F(GalleryFrame, KeysOpenPagesAndFindAWindowThatTakesThem) {
   SetFocus(GetDlgItem(ShownPage(), IDC_LANGUAGE_TABLE));
   Press(VK_DOWN);
   Press(VK_RETURN);  // the row of German
-  EXPECT_EQ(1, CurrentLanguage());
+  EXPECT_EQ(1, kv::CurrentLanguage());
   wchar_t answer[64] = L"";
   GetDlgItemTextW(ShownPage(), IDC_LANGUAGE_ANSWER, answer, ARRAYSIZE(answer));
   EXPECT_STREQ(L"Ja, das heißt es.", answer);
   SetDlgItemTextW(ShownPage(), IDC_LANGUAGE_WORD, L"");  // no word, no answer
   GetDlgItemTextW(ShownPage(), IDC_LANGUAGE_ANSWER, answer, ARRAYSIZE(answer));
   EXPECT_STREQ(L"", answer);
-  ChooseLanguage(frame_, 0);
+  ChooseLanguage(0);
 }
 
 TEST_F(GalleryFrame, TheListKeepsItsKeysAndShowsRowsToItsEndAtEverySize) {
@@ -261,7 +263,7 @@ TEST_F(GalleryFrame, TheMeshTurnsAndZoomsByKeysAndWheel) {
   SelectPage(frame_, PAGE_INDEX_MESH);
   const HWND view = GetDlgItem(ShownPage(), IDC_MESH_VIEW);
   RunMeshView(view, FALSE);
-  ASSERT_TRUE(FocusPage(ShownPage()));
+  ASSERT_TRUE(kv::FocusFirstControl(ShownPage()));
   MeshViewFigures before{}, after{};
   GetMeshViewFigures(view, &before);
   for (const WPARAM key : {VK_LEFT, VK_DOWN, VK_ADD}) Press(key);
@@ -285,22 +287,22 @@ TEST_F(GalleryFrame, NumbersAndDatesFollowTheLanguage) {
                  {15, nullptr, nullptr, L"12/11/2026"},
                  {11, L"1,00,00,000", L"-1.32", nullptr}};
   for (const auto& sample : samples) {
-    ChooseLanguage(frame_, sample.language);
+    ChooseLanguage(sample.language);
     if (sample.count) {
-      EXPECT_EQ(sample.count, NumberText(10000000));
-      EXPECT_EQ(sample.part, NumberText(-1.319, 2));
+      EXPECT_EQ(sample.count, kv::NumberText(10000000));
+      EXPECT_EQ(sample.part, kv::NumberText(-1.319, 2));
     }
     if (sample.date) {
-      EXPECT_EQ(sample.date, DateText(day));
+      EXPECT_EQ(sample.date, kv::DateText(day));
     }
-    EXPECT_EQ(L"2026-02-31", DateText(noDay));
+    EXPECT_EQ(L"2026-02-31", kv::DateText(noDay));
   }
-  ChooseLanguage(frame_, 0);
+  ChooseLanguage(0);
 }
 
 TEST_F(GalleryFrame, ArabicIsMirroredButForPicturesInstrumentsAndReadOuts) {
   for (size_t i = 0; i < AllPages().size(); ++i) SelectPage(frame_, static_cast<int>(i));
-  const auto page = [](int index) { return ExistingPageWindow(index); };
+  const auto page = [](int index) { return PageAt(index); };
   const HWND mirrored[] = {frame_,
                            PageList(),
                            page(PAGE_INDEX_NMEA),
@@ -315,7 +317,7 @@ TEST_F(GalleryFrame, ArabicIsMirroredButForPicturesInstrumentsAndReadOuts) {
   RECT before{}, after{};
   GetWindowRect(PageList(), &before);
   for (const bool arabic : {true, false}) {
-    ChooseLanguage(frame_, arabic ? 15 : 0);
+    ChooseLanguage(arabic ? 15 : 0);
     for (HWND window : mirrored) EXPECT_EQ(arabic, isMirrored(window)) << GetDlgCtrlID(window);
     for (HWND window : kept) EXPECT_FALSE(isMirrored(window)) << GetDlgCtrlID(window);
     GetWindowRect(PageList(), &after);
@@ -345,7 +347,7 @@ TEST_F(GalleryFrame, LabelsHaveTheSystemsColoursAndOneFontAlsoWhenTheyBeginEmpty
 
 TEST_F(GalleryFrame, WhatDrawsItselfHasANameInEveryScript) {
   for (size_t i = 0; i < AllPages().size(); ++i) SelectPage(frame_, static_cast<int>(i));
-  ChooseLanguage(frame_, 9);
+  ChooseLanguage(9);
   const struct {
     int page, controlId;
     const wchar_t* name;
@@ -354,18 +356,18 @@ TEST_F(GalleryFrame, WhatDrawsItselfHasANameInEveryScript) {
                  {PAGE_INDEX_BITMAP, IDC_BITMAP_SQUARE, L"3  Τετράγωνη"}};
   for (const auto& sample : samples) {
     wchar_t name[256] = L"";
-    InternalGetWindowText(GetDlgItem(ExistingPageWindow(sample.page), sample.controlId), name, ARRAYSIZE(name));
+    InternalGetWindowText(GetDlgItem(PageAt(sample.page), sample.controlId), name, ARRAYSIZE(name));
     EXPECT_EQ(std::wstring(sample.name), std::wstring(name).substr(0, std::wstring(sample.name).size()));
   }
   kv::InstrumentBlock block{};
-  SendDlgItemMessageA(ExistingPageWindow(PAGE_INDEX_INSTRUMENTS), IDC_INSTRUMENTS + 3, kv::kControlCommand,
+  SendDlgItemMessageA(PageAt(PAGE_INDEX_INSTRUMENTS), IDC_INSTRUMENTS + 3, kv::kControlCommand,
                       kv::kCommandBlock | kv::kCommandRead, reinterpret_cast<LPARAM>(&block));
   EXPECT_STREQ("\xCE\x86\xCE\xBD\xCE\xBF\xCE\xB4\xCE\xBF\xCF\x82", block.szName);
-  ChooseLanguage(frame_, 13);
+  ChooseLanguage(13);
   wchar_t name[64] = L"";
-  InternalGetWindowText(GetDlgItem(ExistingPageWindow(PAGE_INDEX_BITMAP), IDC_BITMAP_CHOSEN), name, ARRAYSIZE(name));
+  InternalGetWindowText(GetDlgItem(PageAt(PAGE_INDEX_BITMAP), IDC_BITMAP_CHOSEN), name, ARRAYSIZE(name));
   EXPECT_STREQ(L"4  按名称", name) << "without the key behind it";
-  ChooseLanguage(frame_, 0);
+  ChooseLanguage(0);
 }
 
 // ---- Pages ---------------------------------------------------------------------------------------------------------

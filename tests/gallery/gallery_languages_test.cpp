@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <string>
 
-#include "gallery/pages/language_ids.h"
 #include "gallery/resource_ids.h"
 #include "tests/gallery/running_gallery.h"
 

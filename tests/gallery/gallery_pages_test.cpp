@@ -6,8 +6,6 @@
 #include <fstream>
 #include <string>
 
-#include "gallery/pages/files_ids.h"
-#include "gallery/pages/language_ids.h"
 #include "gallery/resource_ids.h"
 #include "tests/gallery/running_gallery.h"
 #include "tests/support/test_window.h"

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <set>
 #include <string>
+#include <utility>
 
 #include "framework/file_path.h"
 #include "framework/guards.h"
@@ -89,15 +90,22 @@ class Sample : public Program {
   HWND window_ = nullptr;
 };
 
-TEST(Samples, TheInstrumentPanelShowsItsInstrumentsInTwoLanguages) {
+TEST(Samples, TheInstrumentPanelShowsItsInstrumentsInThreeLanguages) {
   Sample panel(L"instrument_panel", L"Instrument panel");
-  SendMessageW(panel.Control(IDC_ENGLISH), BM_CLICK, 0, 0);
   for (int id = IDC_SPEED; id <= IDC_CLOCK; ++id) EXPECT_TRUE(panel.Shows(panel.PlaceOf(id), 5)) << id;
-  SendMessageW(panel.Control(IDC_GERMAN), BM_CLICK, 0, 0);
-  EXPECT_EQ(L"Instrumententafel", TextOf(panel.window()));
-  EXPECT_EQ(L"Sprache", TextOf(panel.Control(IDC_LANGUAGE)));
-  SendMessageW(panel.Control(IDC_ENGLISH), BM_CLICK, 0, 0);
-  EXPECT_EQ(L"Language", TextOf(panel.Control(IDC_LANGUAGE)));
+  const auto leftOf = [&](int id) { return panel.PlaceOf(id).left; };
+  const LONG speed = leftOf(IDC_SPEED);
+  const auto show = [&](int language) {
+    SendMessageW(panel.window(), WM_COMMAND, IDM_FIRST_LANGUAGE + language, 0);
+    return TextOf(panel.window());
+  };
+  EXPECT_EQ(L"Instrumententafel", show(1));
+  EXPECT_EQ(L"Ein Doppelklick kopiert das Bild eines Instruments.", TextOf(panel.Control(IDC_HINT)));
+  EXPECT_EQ(L"لوحة العدادات", show(15));
+  EXPECT_TRUE(GetWindowLongW(panel.window(), GWL_EXSTYLE) & WS_EX_LAYOUTRTL);
+  EXPECT_FALSE(GetWindowLongW(panel.Control(IDC_SPEED), GWL_EXSTYLE) & WS_EX_LAYOUTRTL);
+  EXPECT_EQ(L"Instrument panel", show(0));
+  EXPECT_EQ(speed, leftOf(IDC_SPEED));
   EXPECT_EQ(0u, panel.Close());
 }
 
@@ -118,22 +126,24 @@ TEST(Samples, AMillionRowsAreShownSortedAndReachedByKeys) {
 
 TEST(Samples, ATrackIsExportedThreeWays) {
   Sample track(L"track_export", L"Track export");
-  constexpr int kFolder = 102, kKml = 103, kWaypoints = 104, kSpreadsheet = 105, kStatus = 106;
+  constexpr int kKml = 101, kWaypoints = 102, kSpreadsheet = 103, kStatus = 104, kNameField = 0x47C;
   const std::filesystem::path folder = std::filesystem::temp_directory_path() / L"kv track Ω";
-  const auto press = [&](int button) {
-    SendMessageW(track.Control(kFolder), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(folder.c_str()));
-    SendMessageW(track.Control(button), BM_CLICK, 0, 0);
-    return TextOf(track.Control(kStatus));
-  };
-  EXPECT_EQ(L"This file could not be written: " + (folder / L"flight.kml").wstring(), press(kKml));
   std::filesystem::create_directory(folder);
-  EXPECT_EQ(L"Written: " + (folder / L"flight.kml").wstring(), press(kKml));
-  EXPECT_EQ(L"Written: " + (folder / L"flight.txt").wstring(), press(kWaypoints));
-  EXPECT_LT(5000u, std::filesystem::file_size(folder / L"flight.kml"));
-  EXPECT_LT(5000u, std::filesystem::file_size(folder / L"flight.txt"));
   const auto says = [&](const wchar_t* text) {  // connecting asks this process's windows, too: the wait pumps
     return WaitUntil([&] { return TextOf(track.Control(kStatus)) == text; }, kPatience);
   };
+  // The name without its extension: the dialog adds the proposed one.
+  for (const auto& [button, file] : {std::pair(kKml, L"flight.kml"), {kWaypoints, L"flight.txt"}}) {
+    HWND dialog = nullptr;
+    PostMessageW(track.Control(button), BM_CLICK, 0, 0);
+    ASSERT_TRUE(WaitUntil([&] { return (dialog = FindWindowW(L"#32770", L"Save the flight")) != nullptr; }, kPatience));
+    ASSERT_TRUE(WaitUntil([&] { return TextOf(GetDlgItem(dialog, kNameField)) == file; }, kPatience));
+    const std::wstring name = (folder / L"flight").wstring();
+    SendDlgItemMessageW(dialog, kNameField, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(name.c_str()));
+    PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+    EXPECT_TRUE(says((L"Written: " + (folder / file).wstring()).c_str()));
+    EXPECT_LT(5000u, std::filesystem::file_size(folder / file));
+  }
   PostMessageW(track.Control(kSpreadsheet), BM_CLICK, 0, 0);
   EXPECT_TRUE(says(L"No spreadsheet is open."));
 

@@ -18,7 +18,8 @@
 #include "lists/list_navigation.h"
 #include "tests/toolkit/ids.h"
 #include "toolkit/classes.h"
-#include "toolkit/switch_language.h"
+#include "toolkit/languages.h"
+#include "toolkit/pages.h"
 
 namespace kv {
 namespace {
@@ -26,7 +27,8 @@ namespace {
 constexpr COLORREF kGround = RGB(10, 20, 200);
 
 std::vector<UINT> seen;
-UINT answered = 0;  // the message that the procedure keeps to itself
+UINT answered = 0;   // the message that the procedure keeps to itself
+UINT destroyAt = 0;  // the message at which it destroys the dialog
 UINT postAtStart = 0;
 
 std::wstring TextOf(HWND window) {
@@ -37,8 +39,12 @@ std::wstring TextOf(HWND window) {
 
 INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
   seen.push_back(message);
+  if (message == destroyAt) {
+    DestroyWindow(dialog);
+    return TRUE;
+  }
   if (message == WM_INITDIALOG) {
-    EXPECT_EQ(77, lParam);
+    if (lParam != 77) return FALSE;
     PostMessageW(GetDlgItem(dialog, IDC_EDIT), WM_CHAR, L'Ω', 0);
     if (postAtStart) PostMessageA(dialog, postAtStart, IDOK, 0);
     return TRUE;
@@ -73,11 +79,11 @@ class ScaledDialogTest : public testing::Test {
     modules = {.resources = GetModuleHandleA(nullptr), .application = GetModuleHandleA(nullptr)};
     ASSERT_TRUE(RegisterAllClasses(modules.application, TRUE));
     ModelessDialogs(nullptr, nullptr, kModelessReset);
-    answered = postAtStart = 0;
+    answered = destroyAt = postAtStart = 0;
     seen.clear();
   }
   void TearDown() override {
-    EndLanguages();
+    UnloadLanguages();
     EXPECT_TRUE(RegisterAllClasses(modules.application, FALSE));
   }
 };
@@ -128,7 +134,7 @@ TEST_F(ScaledDialogTest, ScalesKeepsItsSmallestSizeAndItsPlace) {
 }
 
 TEST_F(ScaledDialogTest, SwitchesTheLanguageOfEveryDialogAndFreesTheLibrary) {
-  EXPECT_EQ(0, BeginLanguages(L"test_toolkit"));
+  EXPECT_EQ(0, LoadLanguages(L"test_toolkit"));
   HWND dialog = OpenDialog(nullptr, kTest), other = OpenDialog(nullptr, kTest);
   const auto tips = [] {
     HWND tip = nullptr;
@@ -142,7 +148,7 @@ TEST_F(ScaledDialogTest, SwitchesTheLanguageOfEveryDialogAndFreesTheLibrary) {
   seen.clear();
   EXPECT_EQ(1, SwitchLanguage(dialog, L"TEST", 1));
   EXPECT_EQ(1, CurrentLanguage());
-  EXPECT_EQ(2, std::count(seen.begin(), seen.end(), kLanguageShown));
+  EXPECT_EQ(2, std::count(seen.begin(), seen.end(), kLanguageChanged));
   EXPECT_FALSE(IsWindow(formerTips));
   EXPECT_EQ(1, SendMessageA(tips(), TTM_GETTOOLCOUNT, 0, 0));  // in English, where the language has no text
   for (HWND each : {dialog, other}) {
@@ -160,16 +166,16 @@ TEST_F(ScaledDialogTest, SwitchesTheLanguageOfEveryDialogAndFreesTheLibrary) {
   SwitchLanguage(dialog, nullptr, 1);
   DestroyWindow(dialog);
   DestroyWindow(other);
-  EndLanguages();
+  UnloadLanguages();
   EXPECT_FALSE(GetModuleHandleA("test_toolkitGE.dll"));
-  EXPECT_EQ(1, BeginLanguages(L"test_toolkit"));  // the choice was stored
+  EXPECT_EQ(1, LoadLanguages(L"test_toolkit"));  // the choice was stored
 }
 
 TEST_F(ScaledDialogTest, RunsAWholeProgramAndAsksByDialog) {
   postAtStart = WM_COMMAND;
-  EXPECT_EQ(IDOK, AskByDialog(nullptr, kTest));
+  EXPECT_EQ(IDOK, RunModalDialog(nullptr, kTest));
   postAtStart = WM_CLOSE;
-  EXPECT_EQ(IDCANCEL, AskByDialog(nullptr, kTest));
+  EXPECT_EQ(IDCANCEL, RunModalDialog(nullptr, kTest));
   const HINSTANCE instance = modules.application;
   RegisterAllClasses(instance, FALSE);
   EXPECT_EQ(0, RunDialog(instance, kTest));
@@ -177,10 +183,71 @@ TEST_F(ScaledDialogTest, RunsAWholeProgramAndAsksByDialog) {
   EXPECT_EQ(IDOK + 6, RunDialog(instance, kTest));
   EXPECT_EQ(nullptr, FindWindowA("kvDialog", "Test"));
   EXPECT_EQ(-1, RunDialog(instance, {.templateName = L"MISSING"}));
+  EXPECT_EQ(static_cast<DWORD>(ERROR_RESOURCE_NAME_NOT_FOUND), GetLastError());
+  EXPECT_EQ(-1, RunDialog(instance, {.templateName = L"MISSPELT"}));
+  EXPECT_EQ(static_cast<DWORD>(ERROR_CANNOT_FIND_WND_CLASS), GetLastError());
   WNDCLASSA ignored{};
   EXPECT_FALSE(GetClassInfoA(instance, kDialogClass, &ignored));
   ASSERT_TRUE(RegisterAllClasses(instance, TRUE));
   EXPECT_FALSE(RegisterAllClasses(instance, TRUE));  // they are there already
+}
+
+// Whatever the procedure destroys its dialog in, nobody goes on with what is gone.
+TEST_F(ScaledDialogTest, MayBeDestroyedByItsProcedureAtAnyTime) {
+  LoadLanguages(L"test_toolkit");
+  constexpr UINT kMessages[] = {WM_INITDIALOG, kLanguageChanged, WM_SIZE, WM_PAINT, WM_NOTIFYFORMAT, WM_CTLCOLORSTATIC};
+  for (const UINT message : kMessages) {
+    destroyAt = message;
+    HWND dialog = OpenDialog(nullptr, kTest);
+    if (IsWindow(dialog)) {
+      SendMessageW(dialog, message, 0, 0);
+      EXPECT_FALSE(IsWindow(dialog));
+    }
+    EXPECT_FALSE(ModelessDialogs(dialog, nullptr, kModelessRemove)) << message;
+  }
+  destroyAt = 0;
+  HWND dialog = OpenDialog(nullptr, kTest);
+  for (const LPARAM address : {0, 1, 77}) SendMessageW(dialog, WM_INITDIALOG, 0, address);
+  for (const int message : {WM_MEASUREITEM, WM_NOTIFY, WM_SIZING}) SendMessageW(dialog, message, 1, 1);
+  DestroyWindow(dialog);
+}
+
+TEST_F(ScaledDialogTest, ShowsPagesThatFollowTheirPlaceAndTheLanguage) {
+  LoadLanguages(L"test_toolkit");
+  static const ScaledDialog kFirst{.templateName = L"PAGE", .procedure = Procedure}, kSecond{.templateName = L"PAGE"};
+  HWND dialog = OpenDialog(nullptr, kTest);
+  seen.clear();
+  HWND page = ShowPage(dialog, IDC_ROWS, kFirst);
+  ASSERT_TRUE(page);
+  EXPECT_EQ(1, std::count(seen.begin(), seen.end(), kPageShown));
+  const auto isInPlace = [&](HWND shown) {
+    RECT place{}, window{};
+    GetWindowRect(GetDlgItem(dialog, IDC_ROWS), &place);
+    GetWindowRect(shown, &window);
+    return EqualRect(&place, &window) && IsWindowVisible(shown);
+  };
+  EXPECT_TRUE(isInPlace(page));
+  SetFocus(GetDlgItem(page, IDC_EDIT));
+  HWND other = ShowPage(dialog, IDC_ROWS, kSecond);
+  EXPECT_EQ(GetDlgItem(other, IDC_EDIT), GetFocus());
+  EXPECT_FALSE(IsWindowVisible(page));
+  for (const int language : {15, 0}) {
+    SwitchLanguage(nullptr, nullptr, language);  // the stand-in for Arabic is the German library
+    EXPECT_EQ(language ? L"Schild" : L"Label", TextOf(GetDlgItem(page, IDC_LABEL)));
+    for (HWND each : {dialog, page, GetDlgItem(page, IDC_LABEL)}) {
+      EXPECT_EQ(language != 0, (GetWindowLongW(each, GWL_EXSTYLE) & WS_EX_LAYOUTRTL) != 0);
+    }
+    MoveWindow(dialog, 30, 30, 500 + language, 400, TRUE);
+    EXPECT_TRUE(isInPlace(other));
+  }
+  EXPECT_EQ(page, ShowPage(dialog, IDC_ROWS, kFirst));
+  EnableControl(page, IDC_EDIT, true);
+  SetFocus(GetDlgItem(page, IDC_EDIT));
+  EnableControl(page, IDC_EDIT, false);
+  EXPECT_TRUE(IsWindowEnabled(GetFocus()));
+  EXPECT_EQ(nullptr, ShowPage(dialog, IDC_ROWS, {.templateName = L"MISSING"}));
+  EXPECT_EQ(page, ShownPage(dialog));
+  DestroyWindow(dialog);
 }
 
 }  // namespace

@@ -1,11 +1,13 @@
-#include "gallery/mirroring.h"
+#include "toolkit/mirroring.h"
 
 #include <commctrl.h>
 
 #include "framework/control_kind.h"
-#include "gallery/languages.h"
+#include "resource.h"
+#include "toolkit/dialog_record.h"
+#include "toolkit/languages.h"
 
-namespace gallery {
+namespace kv {
 
 namespace {
 
@@ -22,13 +24,20 @@ bool SetDirection(HWND window, LONG bits, bool rightToLeft) {
   return true;
 }
 
-bool IsOwnClass(HWND control) {
+// A control of another class draws itself, and nothing says that it draws a picture turned round as it should be.
+bool IsStandardControl(HWND control) {
   wchar_t name[32] = L"";
   GetClassNameW(control, name, ARRAYSIZE(name));
-  return name[0] == L'k' && name[1] == L'v';
+  const auto begins = [&name](const wchar_t* with) {
+    return CompareStringOrdinal(name, lstrlenW(with), with, lstrlenW(with), TRUE) == CSTR_EQUAL;
+  };
+  const ControlKind kind = ClassifyControl(control);
+  return (kind != kControlOther && kind != kControlSimpleBitmap) || begins(L"Sys") || begins(L"msctls_") ||
+         begins(L"ScrollBar") || begins(L"Toolbar");
 }
 
-// ---- Scroll bars of controls that keep their direction in a mirrored page ------------------------------------------
+// ---- Scroll bars of controls that keep their direction in a mirrored dialog
+// ------------------------------------------
 
 // Wine reckons a window's edges in its parent's coordinates, in which left and right are exchanged here: it takes the
 // scroll bar off the wrong side, and nobody draws it. So the sides are exchanged back.
@@ -64,43 +73,39 @@ void MendScrollBar(HWND control) {
 
 // ---- Which controls are mirrored -----------------------------------------------------------------------------------
 
-bool IsReadOut(HWND control) {
-  return (GetWindowLongW(control, GWL_EXSTYLE) & WS_EX_NOINHERITLAYOUT) != 0;
+bool KeepsDirection(HWND control) {
+  const bool isOwnerDrawn =
+      ClassifyControl(control) == kControlStatic && (GetWindowLongW(control, GWL_STYLE) & SS_TYPEMASK) == SS_OWNERDRAW;
+  return isOwnerDrawn || !IsStandardControl(control);
 }
 
-bool KeepsDirection(HWND control) {
-  const bool isOwnerDrawn = kv::ClassifyControl(control) == kv::kControlStatic &&
-                            (GetWindowLongW(control, GWL_STYLE) & SS_TYPEMASK) == SS_OWNERDRAW;
-  return isOwnerDrawn || IsOwnClass(control);
+void MirrorControl(HWND control) {
+  if (GetWindowLongW(control, GWL_EXSTYLE) & KV_KEEPS_DIRECTION) {
+    SetDirection(control, kMirrored, false);
+    SetDirection(control, WS_EX_RIGHT, IsRightToLeft());
+  } else if (KeepsDirection(control)) {
+    SetDirection(control, kMirrored, false);
+  } else if (ClassifyControl(control) == kControlEdit) {
+    SetDirection(control, WS_EX_LAYOUTRTL, false);
+    SetDirection(control, kFromRight, IsRightToLeft());
+  } else {
+    SetDirection(control, kMirrored, IsRightToLeft());
+  }
 }
 
 }  // namespace
 
-bool MirrorWindow(HWND window) {
-  return SetDirection(window, kMirrored, IsRightToLeft());
+bool MirrorDialog(HWND dialog) {
+  VisitChildren(dialog, [](HWND child) {
+    if (!DialogRecordOf(child)) MirrorControl(child);
+  });
+  // A mirrored window would hand that on to children that it makes, also to those that must not be mirrored.
+  if (IsRightToLeft()) SetDirection(dialog, WS_EX_NOINHERITLAYOUT, true);
+  return SetDirection(dialog, kMirrored, IsRightToLeft());
 }
 
-bool MirrorPage(HWND page) {
-  for (HWND control = GetWindow(page, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
-    if (IsReadOut(control)) {
-      SetDirection(control, kMirrored, false);
-      SetDirection(control, WS_EX_RIGHT, IsRightToLeft());
-    } else if (KeepsDirection(control)) {
-      SetDirection(control, kMirrored, false);
-    } else if (kv::ClassifyControl(control) == kv::kControlEdit) {
-      SetDirection(control, WS_EX_LAYOUTRTL, false);
-      SetDirection(control, kFromRight, IsRightToLeft());
-    } else {
-      SetDirection(control, kMirrored, IsRightToLeft());
-    }
-  }
-  return MirrorWindow(page);
+void MendMirroredDialog(HWND dialog) {
+  if (IsRightToLeft()) VisitChildren(dialog, MendScrollBar);
 }
 
-void MendMirroredPage(HWND page) {
-  for (HWND control = GetWindow(page, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
-    MendScrollBar(control);
-  }
-}
-
-}  // namespace gallery
+}  // namespace kv

@@ -5,7 +5,7 @@
 
 #include <string>
 
-namespace gallery {
+namespace kv {
 
 // With the digits in groups, and that many behind the decimal sign (at most 9).
 std::wstring NumberText(double value, int decimals = 0);
@@ -20,4 +20,4 @@ std::wstring DateText(const SYSTEMTIME& time);
 // Hours, minutes and, if wanted, seconds.
 std::wstring TimeText(const SYSTEMTIME& time, bool withSeconds);
 
-}  // namespace gallery
+}  // namespace kv

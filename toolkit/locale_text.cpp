@@ -1,4 +1,4 @@
-#include "gallery/numbers.h"
+#include "toolkit/locale_text.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "framework/bounded_format.h"
-#include "gallery/languages.h"
+#include "toolkit/languages.h"
 
-namespace gallery {
+namespace kv {
 
 namespace {
 
@@ -32,7 +32,7 @@ UINT Grouping() {
 std::wstring NumberText(double value, int decimals) {
   decimals = std::clamp(decimals, 0, 9);
   wchar_t plain[400], text[800];
-  kv::FormatBounded(plain, sizeof(plain), L"%.*f", decimals, value);
+  FormatBounded(plain, sizeof(plain), L"%.*f", decimals, value);
   std::wstring decimal = DecimalSign(), thousand = LocaleText(LOCALE_STHOUSAND);
   const NUMBERFMTW format{
       .NumDigits = static_cast<UINT>(decimals),
@@ -60,7 +60,7 @@ std::wstring DateText(const SYSTEMTIME& time) {
   }
   wchar_t text[80];
   if (GetDateFormatW(CurrentLocale(), 0, &time, form.c_str(), text, ARRAYSIZE(text))) return text;
-  kv::FormatBounded(text, sizeof(text), L"%04u-%02u-%02u", time.wYear, time.wMonth, time.wDay);
+  FormatBounded(text, sizeof(text), L"%04u-%02u-%02u", time.wYear, time.wMonth, time.wDay);
   return text;
 }
 
@@ -72,4 +72,4 @@ std::wstring TimeText(const SYSTEMTIME& time, bool withSeconds) {
   return text;
 }
 
-}  // namespace gallery
+}  // namespace kv

@@ -1,13 +1,17 @@
-#include "gallery/text_fit.h"
+#include "toolkit/text_tips.h"
 
 #include <commctrl.h>
+
+#include <algorithm>
 #include <string>
 
 #include "framework/control_kind.h"
 #include "framework/guards.h"
 #include "framework/picture.h"
+#include "framework/tool_tips.h"
+#include "toolkit/dialog_record.h"
 
-namespace gallery {
+namespace kv {
 
 namespace {
 
@@ -21,9 +25,9 @@ std::wstring WindowText(HWND control) {
 }
 
 SIZE TextSize(HWND control, const std::wstring& text, int width, UINT format) {
-  const kv::WindowDc dc(control);
+  const WindowDc dc(control);
   const HGDIOBJ font = reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0));
-  const kv::SelectedObject selected(dc, font ? font : GetStockObject(SYSTEM_FONT));
+  const SelectedObject selected(dc, font ? font : GetStockObject(SYSTEM_FONT));
   RECT area{0, 0, width, 0};
   DrawTextW(dc, text.c_str(), -1, &area, format | DT_CALCRECT);
   return {area.right, area.bottom};
@@ -100,77 +104,72 @@ std::wstring CutHeader(HWND list) {
 }
 
 bool HasTip(HWND control) {
-  const kv::ControlKind kind = kv::ClassifyControl(control);
-  return kind == kv::kControlStatic || kind == kv::kControlButton;
+  const ControlKind kind = ClassifyControl(control);
+  return kind == kControlStatic || kind == kControlButton;
 }
 
-// A label lets the mouse through to the page, so it is a place there; a button is a window of its own.
-TTTOOLINFOW ToolOf(HWND page, HWND control) {
+// A label lets the mouse through to the dialog, so it is a place there; a button is a window of its own.
+TTTOOLINFOW ToolOf(HWND dialog, HWND control) {
   TTTOOLINFOW tool{};
   tool.cbSize = TTTOOLINFOW_V1_SIZE;
-  tool.hwnd = page;
+  tool.hwnd = dialog;
+  tool.uFlags = TTF_SUBCLASS | (ClassifyControl(control) == kControlButton ? TTF_IDISHWND : 0);
+  tool.uId = reinterpret_cast<UINT_PTR>(control);
   tool.lpszText = LPSTR_TEXTCALLBACKW;
-  if (kv::ClassifyControl(control) == kv::kControlButton) {
-    tool.uFlags = TTF_SUBCLASS | TTF_IDISHWND;
-    tool.uId = reinterpret_cast<UINT_PTR>(control);
-  } else {
-    tool.uFlags = TTF_SUBCLASS;
-    tool.uId = GetDlgCtrlID(control);
-    GetWindowRect(control, &tool.rect);
-    MapWindowPoints(nullptr, page, reinterpret_cast<POINT*>(&tool.rect), 2);
-  }
+  GetWindowRect(control, &tool.rect);
+  MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&tool.rect), 2);
   return tool;
 }
 
 template <class Visit>
-void VisitTips(HWND page, Visit visit) {
-  for (HWND control = GetWindow(page, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
-    if (!HasTip(control)) continue;
-    TTTOOLINFOW tool = ToolOf(page, control);
-    visit(&tool);
-  }
+void VisitTips(HWND dialog, Visit visit) {
+  VisitChildren(dialog, [&](HWND control) {
+    TTTOOLINFOW tool = ToolOf(dialog, control);
+    if (HasTip(control)) visit(&tool);
+  });
 }
 
 }  // namespace
 
 std::wstring CutTextOf(HWND control) {
-  const SIZE place = kv::ClientSize(control);
+  const SIZE place = ClientSize(control);
   const LONG style = GetWindowLongW(control, GWL_STYLE);
-  switch (kv::ClassifyControl(control)) {
-    case kv::kControlStatic: return CutLabel(control, place);
-    case kv::kControlButton: return CutButton(control, place);
-    case kv::kControlComboBox:
+  switch (ClassifyControl(control)) {
+    case kControlStatic: return CutLabel(control, place);
+    case kControlButton: return CutButton(control, place);
+    case kControlComboBox:
       return CutItem(control, CB_GETCOUNT, CB_GETLBTEXTLEN, CB_GETLBTEXT,
                      place.cx - kFieldEdges - GetSystemMetrics(SM_CXVSCROLL));
-    case kv::kControlListBox:
+    case kControlListBox:
       if (style & LBS_OWNERDRAWFIXED) return {};
       return CutItem(control, LB_GETCOUNT, LB_GETTEXTLEN, LB_GETTEXT, place.cx);
-    case kv::kControlTab: return CutTab(control, place.cx);
+    case kControlTab: return CutTab(control, place.cx);
     default: return CutHeader(control);
   }
 }
 
-HWND CreateTextTips(HWND page) {
+HWND CreateTextTips(HWND dialog) {
   const HWND tips = CreateWindowExW(0, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, 0, 0, 0, 0,
-                                    page, nullptr, nullptr, nullptr);
-  VisitTips(page, [tips](TTTOOLINFOW* tool) { SendMessageW(tips, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(tool)); });
+                                    dialog, nullptr, nullptr, nullptr);
+  VisitTips(dialog, [tips](TTTOOLINFOW* tool) { SendMessageW(tips, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(tool)); });
   SendMessageW(tips, TTM_SETMAXTIPWIDTH, 0, 400);
   return tips;
 }
 
-void MoveTextTips(HWND page, HWND tips) {
-  VisitTips(page,
+void MoveTextTips(HWND dialog, HWND tips) {
+  VisitTips(dialog,
             [tips](TTTOOLINFOW* tool) { SendMessageW(tips, TTM_NEWTOOLRECTW, 0, reinterpret_cast<LPARAM>(tool)); });
 }
 
-bool AnswerTextTip(HWND page, LPARAM lParam) {
+void AnswerTextTip(const DialogRecord& record, LPARAM lParam) {
   auto* tip = reinterpret_cast<NMTTDISPINFOW*>(lParam);
-  const HWND control = tip->uFlags & TTF_IDISHWND ? reinterpret_cast<HWND>(tip->hdr.idFrom)
-                                                  : GetDlgItem(page, static_cast<int>(tip->hdr.idFrom));
+  const HWND control = reinterpret_cast<HWND>(tip->hdr.idFrom);
+  const auto id = static_cast<UINT>(GetDlgCtrlID(control));
+  const bool hasOwnTip =
+      std::ranges::any_of(record.what.tips, [id](const ToolTipEntry& entry) { return entry.id == id; });
   static std::wstring text;  // the tip reads it after this returns
-  text = CutTextOf(control);
+  text = hasOwnTip ? std::wstring() : CutTextOf(control);
   tip->lpszText = text.data();
-  return true;
 }
 
-}  // namespace gallery
+}  // namespace kv

@@ -1,0 +1,53 @@
+// Names for resource scripts, windres, rc.exe and llvm-rc alike: window classes of the library and their styles.
+//
+//   #include <windows.h>
+//   #include <kv/resource.h>
+//
+//   PANEL DIALOGEX 0, 0, 350, 226
+//   STYLE KV_RESIZABLE_DIALOG
+//   CLASS KV_DIALOG
+//   FONT 8, "Microsoft Sans Serif", 0, 0, 1
+//   BEGIN
+//     CONTROL "", IDC_CLOCK, KV_DISPLAY_INSTRUMENT, KV_READOUT | KV_SHOW_TIME, 8, 8, 180, 38
+//   END
+#pragma once
+
+// Dialogs. A page is a dialog inside another one (toolkit/pages.h).
+#define KV_DIALOG "kvDialog"
+#define KV_RESIZABLE_DIALOG \
+  (WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME | WS_MINIMIZEBOX | WS_MAXIMIZEBOX | WS_CLIPCHILDREN | DS_SETFONT)
+#define KV_PAGE (DS_CONTROL | WS_CHILD | WS_CLIPCHILDREN | DS_SETFONT)
+
+// Extended style of a control that keeps its direction in languages that are written from right to left, for read-outs
+// of numbers: they only begin at the right.
+#define KV_KEEPS_DIRECTION 0x00100000
+
+// In a language library: the string that is the text of the control or menu item `id` (at most 32767) there.
+#define KV_TEXT_OF(id) (20000 + (id))
+// And the one that is the caption of the program's window.
+#define KV_CAPTION KV_TEXT_OF(0)
+
+// controls/display_instrument.h: one layout, and what goes with it.
+#define KV_DISPLAY_INSTRUMENT "kvDisplayInstrument"
+#define KV_GAUGE 0x0000
+#define KV_READOUT 0x0002
+#define KV_SEGMENT_BAR 0x0003
+#define KV_COMPASS 0x0004
+#define KV_CENTER_ZERO_BAR 0x0005
+#define KV_DISABLED 0x0040
+#define KV_NO_CAPTION 0x0080
+#define KV_SHOW_TIME 0x0100
+#define KV_SHOW_DATE 0x0200
+#define KV_SHOW_ANGLE 0x0400
+#define KV_REVERSED 0x0800
+
+// controls/simple_bitmap.h
+#define KV_SIMPLE_BITMAP "kvSimpleBitmap"
+#define KV_BITMAP_TRANSPARENT 0x0002
+#define KV_BITMAP_SQUARE_BY_WIDTH 0x0010
+#define KV_BITMAP_SQUARE_BY_HEIGHT 0x0020
+
+// lists/extended_list.h, controls/line_recorder.h, export/flight_track_view.h
+#define KV_EXTENDED_LIST "kvExtList"
+#define KV_LINE_RECORDER "kvLineRecorder"
+#define KV_FLIGHT_TRACK "kvFlightTrack"

@@ -1,0 +1,53 @@
+#include "toolkit/ask_path.h"
+
+#include <commdlg.h>
+
+#include <string>
+#include <vector>
+
+#include "framework/file_dialog.h"
+#include "framework/file_path.h"
+
+namespace kv {
+
+namespace {
+
+BOOL Ask(HWND owner, const wchar_t* title, std::wstring* path, DWORD flags, BOOL(WINAPI* show)(OPENFILENAMEW*)) {
+  constexpr size_t kLongestPath = 32768;
+  const wchar_t* name = FileNameOf(path->c_str());
+  const wchar_t* extension = ExtensionOf(name);
+  const std::wstring folder(path->c_str(), name);
+  const FilterText filter = BuildFilterText(extension);
+  std::vector<wchar_t> file(kLongestPath);
+  OPENFILENAMEW record{};
+  record.lStructSize = sizeof(record);
+  record.hwndOwner = owner;
+  // Without an extension there are all files only, which stand second in the filter.
+  record.lpstrFilter = *extension ? filter.text : L"*.*\0*.*\0";
+  record.lpstrFile = file.data();
+  record.nMaxFile = static_cast<DWORD>(file.size());
+  record.lpstrInitialDir = folder.c_str();
+  record.lpstrTitle = title;
+  record.lpstrDefExt = *extension ? extension + 1 : nullptr;
+  record.Flags = OFN_EXPLORER | OFN_ENABLESIZING | OFN_HIDEREADONLY | OFN_NOCHANGEDIR | flags;
+  lstrcpynW(file.data(), name, static_cast<int>(file.size()));
+  BOOL chosen = show(&record);
+  if (!chosen && CommDlgExtendedError() == FNERR_INVALIDFILENAME) {
+    file[0] = L'\0';
+    chosen = show(&record);
+  }
+  if (chosen) *path = file.data();
+  return chosen;
+}
+
+}  // namespace
+
+BOOL AskOpenPath(HWND owner, const wchar_t* title, std::wstring* path) {
+  return Ask(owner, title, path, OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST, GetOpenFileNameW);
+}
+
+BOOL AskSavePath(HWND owner, const wchar_t* title, std::wstring* path) {
+  return Ask(owner, title, path, OFN_OVERWRITEPROMPT | OFN_PATHMUSTEXIST, GetSaveFileNameW);
+}
+
+}  // namespace kv
