@@ -163,7 +163,7 @@ int main(int count, char** arguments) {
   HWND parent = CreateWindowExA(0, "STATIC", "sheets", WS_POPUP | WS_VISIBLE, 0, 0, 640, 640, nullptr, nullptr,
                                 instance, nullptr);
   bool written = WriteShapeSheet(parent, folder);
-  for (const int size : {48, 64, 120, 200, 600}) written = WriteSizeSheet(parent, folder, size) && written;
+  for (const int size : {48, 64, 90, 120, 200, 330, 600}) written = WriteSizeSheet(parent, folder, size) && written;
   DestroyWindow(parent);
   if (!written) printf("cannot write into %s\n", folder.c_str());
   return written ? 0 : 1;

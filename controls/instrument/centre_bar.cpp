@@ -56,7 +56,7 @@ RECT CentreValueBox(const RECT& display, double deviation, int height) {
 
 namespace {
 
-void DrawFace(Canvas& canvas, const InstrumentFace& face) {
+void DrawFace(Canvas& canvas, InstrumentFace& face) {
   FillArea(canvas, face.area, GetSysColor(COLOR_BTNFACE));
   const CentreParts parts = LayOutCentreBar(face.area);
   DrawCaption(canvas, parts.caption, face, parts.captionFont, DT_CENTER);

@@ -40,9 +40,9 @@ CardLetters LettersOf(double faceRadius) {
   return {0.645, 0.27, 0.645, 0};
 }
 
-// North stands out by the display colour, as long as there is a heading to read.
+// North stands out by the display colour, as long as there is a heading to read and the control is enabled.
 COLORREF NorthColor(const InstrumentFace& face) {
-  return ReadingOf(face.block).valid ? DisplayColor(face) : ColorsOf(face).ink;
+  return ReadingOf(face.block).valid && !IsDisabled(face) ? DisplayColor(face) : ColorsOf(face).ink;
 }
 
 // Adds a text along the tangent, upright when seen from the middle of the card, to the shape.
@@ -255,7 +255,7 @@ FixedText HeadingText(double degrees, int places) {
 
 namespace {
 
-void DrawFace(Canvas& canvas, const InstrumentFace& face) {
+void DrawFace(Canvas& canvas, InstrumentFace& face) {
   DrawDialCase(canvas, DialIn(face.area), face);
 }
 

@@ -201,7 +201,7 @@ DigitalParts LayOutDigital(const RECT& area, DWORD style) {
 
 namespace {
 
-void DrawFace(Canvas& canvas, const InstrumentFace& face) {
+void DrawFace(Canvas& canvas, InstrumentFace& face) {
   FillArea(canvas, face.area, GetSysColor(COLOR_BTNFACE));
   const DigitalParts parts = LayOutDigital(face.area, face.style);
   if (parts.captionHeight) DrawCaption(canvas, parts.caption, face, parts.captionHeight, DT_CENTER);

@@ -90,7 +90,7 @@ void StoreShownText(InstrumentRecord* record) {
 }
 
 InstrumentFace FaceOf(const InstrumentRecord& record) {
-  InstrumentFace face{{0, 0, record.nWidth, record.nHeight}, record.dwStyle, {}, record.block};
+  InstrumentFace face{{0, 0, record.nWidth, record.nHeight}, record.dwStyle, {}, record.block, record.work.face.reach};
   std::ranges::transform(kFaceColors, face.colors, GetSysColor);
   if (!ReadingOf(record.block).valid) face.block.state |= kInstrumentNoValue;
   face.block.current = 0;
@@ -109,7 +109,7 @@ void RestoreFace(Canvas& canvas, const InstrumentCache& cache) {
 
 // Brings the back buffer up to date, if it is not, and returns what changed of it.
 Damage Render(InstrumentRecord* record) {
-  const InstrumentFace face = FaceOf(*record);
+  InstrumentFace face = FaceOf(*record);
   const bool anew = !record->work.bFaceDrawn || memcmp(&record->work.face, &face, sizeof(face)) != 0;
   if (!record->bRedraw && !anew) return {};
   record->bRedraw = FALSE;
@@ -119,12 +119,6 @@ Damage Render(InstrumentRecord* record) {
   InstrumentCache& cache = *record->work.cache;
   DrawingTools& tools = *InstrumentTools();
   const InstrumentLayout& layout = LayoutOf(record->dwStyle);
-  const InstrumentParts before = cache.parts;
-  cache.parts = {};
-  ValueLayer list(face, &cache.parts);
-  layout.addParts(list, record->block, record->szText);
-  Damage damage = DamageBetween(before, cache.parts, face.area);
-  if (!anew && damage.empty()) return damage;
   Canvas canvas(tools.dc, cache.buffer, tools.shape);
   if (anew) {
     layout.drawFace(canvas, face);
@@ -132,8 +126,13 @@ Damage Render(InstrumentRecord* record) {
     std::copy_n(cache.buffer.Row(0), static_cast<size_t>(record->nWidth) * record->nHeight, cache.face.get());
     record->work.face = face;
     record->work.bFaceDrawn = TRUE;
-    damage.Add(face.area);
   }
+  const InstrumentParts before = cache.parts;
+  cache.parts = {};
+  ValueLayer list(face, &cache.parts);
+  layout.addParts(list, record->block, record->szText);
+  Damage damage = DamageBetween(before, cache.parts, face.area);
+  if (anew) damage.Add(face.area);
   for (const RECT& changed : damage) {
     canvas.ClipTo(changed);
     RestoreFace(canvas, cache);

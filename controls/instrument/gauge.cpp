@@ -20,8 +20,8 @@ namespace {
 
 // Radii as parts of the face's.
 constexpr double kZoneOuter = 0.97, kZoneInner = 0.91;
-constexpr double kTickOuter = 0.94, kMajorInner = 0.80, kMinorInner = 0.87;
-constexpr double kNeedleTip = 0.90, kNeedleTail = 0.20, kHub = 0.10;
+constexpr double kTickOuter = 0.94, kMajorInner = 0.845, kMinorInner = 0.885;
+constexpr double kNeedleTail = 0.20, kHub = 0.10;
 
 RECT Widened(RECT box) {
   // Rounding must not cost a text its last letter.
@@ -87,9 +87,10 @@ void DrawValueWindow(Canvas& canvas, const Dial& dial, const DialColors& colors)
   FillLine(canvas, corner(box.left, box.bottom), corner(box.right, box.bottom), 1, colors.faceTop);
 }
 
-void DrawFace(Canvas& canvas, const InstrumentFace& face) {
+void DrawFace(Canvas& canvas, InstrumentFace& face) {
   const GaugeLayout layout = LayOutGauge(face.area, face.block, MeasureText);
   const Dial& dial = layout.dial;
+  face.reach = static_cast<float>(layout.reach);
   DrawDialCase(canvas, dial, face);
   if (dial.radius <= 0) return;
   DrawZones(canvas, dial, face);
@@ -106,13 +107,13 @@ struct Needle {
   double angle, root, point, hub;
 };
 
-Needle NeedleAt(const Dial& dial, double angle) {
+Needle NeedleAt(const Dial& dial, double reach, double angle) {
   const double radius = dial.faceRadius;
-  return {.tip = PolarPoint(dial.centre, radius * kNeedleTip, angle),
+  return {.tip = PolarPoint(dial.centre, reach, angle),
           .tail = PolarPoint(dial.centre, -radius * kNeedleTail, angle),
           .angle = angle,
-          .root = std::max(1.6, radius * 0.042),
-          .point = std::max(0.5, radius * 0.006),
+          .root = std::max(1.8, radius * 0.055),
+          .point = std::max(0.6, radius * 0.012),
           .hub = std::max(2.0, radius * kHub)};
 }
 
@@ -162,7 +163,7 @@ void AddParts(ValueLayer& layer, const InstrumentBlock& block, const char*) {
   }
   const InstrumentReading reading = ReadingOf(block);
   if (!reading.valid) return;
-  const Needle needle = NeedleAt(dial, GaugeAngle(reading, reading.value));
+  const Needle needle = NeedleAt(dial, face.reach, GaugeAngle(reading, reading.value));
   layer.Add(BoundsOfNeedle(needle, dial, face.area), needle, DrawNeedle);
 }
 

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <iterator>
 #include <string_view>
-#include <utility>
 
 #include "controls/instrument/fixed_text.h"
 #include "controls/instrument/text.h"
@@ -20,12 +19,13 @@ namespace kv {
 namespace {
 
 // Parts of the face's radius.
-constexpr double kLabelOuter = 0.77, kLabelHeight = 0.165, kLabelWidth = 0.52;  // at most so wide
-constexpr double kHubRoom = 0.13;                                               // hub with a little air
+constexpr double kLabelOuter = 0.825, kLabelHeight = 0.165, kLabelWidth = 0.52;  // at most so wide
+constexpr double kHubRoom = 0.13;                                                // hub with a little air
 constexpr double kTailEnd = 0.20;     // of the needle: rows of text begin below it
 constexpr double kNeedleRoom = 0.07;  // half the needle's thickness with a little air
-constexpr double kNameHeight = 0.16, kUnitHeight = 0.15, kAboveHub = 0.34, kAboveHeight = 0.24;
-constexpr double kValueMiddle = 0.76, kValueBottom = 0.92, kValueWidth = 0.80, kBareValueWidth = 1.15,
+constexpr double kNameHeight = 0.16, kUnitHeight = 0.15;
+constexpr double kNeedleReach = 0.90;
+constexpr double kValueMiddle = 0.775, kValueBottom = 0.92, kValueWidth = 0.70, kBareValueWidth = 1.15,
                  kValueHeight = 0.26;
 
 constexpr double kLeastFaceWithLabels = 36, kLeastFaceWithName = 29;
@@ -81,6 +81,11 @@ bool Touch(const RECT& first, const RECT& second, double gap) {
          second.top < first.bottom + gap;
 }
 
+double DistanceTo(const RECT& box, PointD place) {
+  return std::hypot(std::max({box.left - place.x, place.x - box.right, 0.0}),
+                    std::max({box.top - place.y, place.y - box.bottom, 0.0}));
+}
+
 // A dial while texts are put on it.
 struct Room {
   Dial dial;
@@ -134,12 +139,12 @@ GaugeText FitText(const Room& room, const Band& band, std::wstring_view text, do
   }
 }
 
-FixedList<Band, 3> BandsOf(const Room& room) {
-  const double face = room.dial.faceRadius, top = kTailEnd * face;
+// Between the needle's tail and the value: two rows, or one where there is no room for two.
+FixedList<Band, 2> BandsOf(const Room& room) {
+  const double top = kTailEnd * room.dial.faceRadius;
   const double bottom = GaugeValueBox(room.dial).top - room.dial.centre.y, middle = (top + bottom) / 2;
-  const Band above{-(kAboveHub + kAboveHeight / 2) * face, -(kAboveHub - kAboveHeight / 2) * face};
-  if (middle - top < kLeastHeight * kInk) return {{top, bottom}, above};
-  return {{top, middle}, {middle, bottom}, above};
+  if (middle - top < kLeastHeight * kInk) return {{top, bottom}};
+  return {{top, middle}, {middle, bottom}};
 }
 
 struct Captions {
@@ -148,22 +153,19 @@ struct Captions {
   int Score() const { return nameFits + 2 * unitFits; }
 };
 
-// The unit at the hub and the name beneath it, or as they fit better; above the hub, where the needle passes over, only
-// what finds no room below.
+// The unit at the hub and the name beneath it, or the other way round as they fit better. Where there is one row, the
+// unit has it.
 Captions PlaceCaptions(const Room& room, std::wstring_view name, std::wstring_view unit, TextMeasure measure) {
   const double face = room.dial.faceRadius;
-  const FixedList<Band, 3> bands = BandsOf(room);
-  // Of unit and name; the band above is the last.
-  constexpr std::pair<size_t, size_t> kPairs[] = {{0, 1}, {1, 0}, {0, 2}, {1, 2}, {2, 0}, {2, 1}};
+  const FixedList<Band, 2> bands = BandsOf(room);
   Captions best{{}, {}, false, false};
-  for (const auto& [ofUnit, ofName] : kPairs) {
-    if (std::max(ofUnit, ofName) >= bands.size()) break;
-    Captions tried{FitText(room, bands[ofName], name, kNameHeight * face, measure),
-                   FitText(room, bands[ofUnit], unit, kUnitHeight * face, measure), false, false};
+  for (const size_t ofUnit : {0u, 1u}) {
+    if (ofUnit >= bands.size()) break;
+    Captions tried{{}, FitText(room, bands[ofUnit], unit, kUnitHeight * face, measure), false, false};
+    if (bands.size() > 1) tried.name = FitText(room, bands[1 - ofUnit], name, kNameHeight * face, measure);
     tried.nameFits = tried.name.height > 0;
     tried.unitFits = tried.unit.height > 0;
     if (tried.Score() > best.Score()) best = tried;
-    if (best.Score() == 3) break;
   }
   return best;
 }
@@ -260,7 +262,7 @@ GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, TextMeas
   const Dial dial = DialIn(area);
   const double face = dial.faceRadius;
   const InstrumentReading reading = ReadingOf(block);
-  GaugeLayout layout{dial, ChooseScale(reading.minimum, reading.maximum, 10), {}, {}, {}};
+  GaugeLayout layout{dial, ChooseScale(reading.minimum, reading.maximum, 10), {}, {}, {}, kNeedleReach * face};
   if (face < kLeastFaceWithName) return layout;
   const Room empty{dial,
                    std::max(2.0, face * 0.04),
@@ -287,6 +289,9 @@ GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, TextMeas
   }
   if (layout.labels.empty()) captions = PlaceCaptions(chosen, name, DecodedUnit(block), measure);
   if (!captions.nameFits) PlaceCutName(chosen, name, &captions);
+  for (const GaugeText& label : layout.labels) {
+    layout.reach = std::min(layout.reach, DistanceTo(InkOf(label.box), dial.centre) - std::max(1.5, face * 0.02));
+  }
   layout.name = captions.name;
   layout.unit = captions.unit;
   return layout;

@@ -46,7 +46,8 @@ struct GaugeLayout {
   Dial dial;
   GaugeScale scale;
   GaugeLabels labels;    // empty when there is no room for any
-  GaugeText name, unit;  // a long name may be wider than its box, and is then to be cut
+  GaugeText name, unit;  // below the hub; a long name may be wider than its box, and is then to be cut
+  double reach;          // of the needle: it crosses out no label
 };
 GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, TextMeasure measure);
 

@@ -29,8 +29,9 @@ struct InstrumentFace {
   DWORD style;
   COLORREF colors[ARRAYSIZE(kFaceColors)];
   InstrumentBlock block;  // without its current value; kInstrumentNoValue is set whenever there is none to show
+  float reach;            // of a gauge's needle, in pixels; found when the face is drawn
 };
-static_assert(sizeof(InstrumentFace) == 52 + sizeof(InstrumentBlock));
+static_assert(sizeof(InstrumentFace) == 56 + sizeof(InstrumentBlock));
 
 // The parts of a value layer in their order. Both lists of an instrument whose face stayed have the same parts in the
 // same order; parts may come and go at the end.
@@ -100,7 +101,7 @@ class ValueLayer {
 };
 
 struct InstrumentLayout {
-  void (*drawFace)(Canvas& canvas, const InstrumentFace& face);
+  void (*drawFace)(Canvas& canvas, InstrumentFace& face);
   // Adds the parts that show the block's current value; `text` is what a digital read-out shows.
   void (*addParts)(ValueLayer& layer, const InstrumentBlock& block, const char* text);
 };

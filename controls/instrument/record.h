@@ -20,7 +20,7 @@ struct InstrumentWork {
   InstrumentFace face;
   DWORD renderings;  // how often the back buffer was rendered, wrapping
   BOOL bExact;       // the glide under way ends at the target itself
-  BYTE free[3520];
+  BYTE free[3516];
 };
 
 struct InstrumentRecord {

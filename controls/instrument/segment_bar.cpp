@@ -97,7 +97,7 @@ bool IsVerticalBar(const RECT& area) {
 
 namespace {
 
-void DrawFace(Canvas& canvas, const InstrumentFace& face) {
+void DrawFace(Canvas& canvas, InstrumentFace& face) {
   FillArea(canvas, face.area, GetSysColor(COLOR_BTNFACE));
   const BarParts parts = LayOutBar(face.area, face.style);
   if (parts.captionFont) {

@@ -206,8 +206,16 @@ TEST(InstrumentGauge, NoTwoTextsTouchAtAnySizeAndRange) {
           EXPECT_FALSE(IntersectRect(&common, &boxes[i], &boxes[k])) << what;
         }
       }
-      EXPECT_TRUE(side < 90 || layout.unit.height) << what;
-      if (side >= 120) {
+      const PointD centre = layout.dial.centre;
+      for (const GaugeText& label : layout.labels) {  // none is in the needle's way
+        const double across = std::max({label.box.left - centre.x, centre.x - label.box.right, 0.0});
+        const double down = std::max({label.box.top - centre.y, centre.y - label.box.bottom, 0.0}) + label.height * 0.1;
+        EXPECT_GT(std::hypot(across, down), layout.reach) << what;
+      }
+      EXPECT_GT(layout.reach, layout.dial.faceRadius * 0.25) << what;
+      EXPECT_TRUE(!layout.name.height || layout.name.box.top > centre.y) << what;
+      EXPECT_TRUE(side < 115 || layout.unit.height) << what;
+      if (side >= 130) {
         EXPECT_GE(layout.labels.size(), 3u) << what;
         EXPECT_TRUE(side < 200 || (layout.name.height && layout.unit.box.top > layout.dial.centre.y)) << what;
       }
