@@ -6,6 +6,7 @@
 #include "framework/bounded_format.h"
 #include "framework/file_path.h"
 #include "framework/guards.h"
+#include "framework/resource_library.h"
 
 namespace kv {
 
@@ -65,10 +66,11 @@ void StoreLanguage(const ConfigurationPath& path, DWORD language) {
   }
 }
 
-// Null when there is no library or it does not load.
+// Null when there is no library, it is damaged or it does not load.
 HMODULE LoadLanguageLibrary(int language, const wchar_t* stem) {
   wchar_t path[kPathCharacters];
   if (FindLanguageFile(language, stem, L".dll", path, FALSE) == kLanguageFileNone) return nullptr;
+  if (!IsResourceLibrary(path)) return nullptr;
   // Windows would report a damaged library in a message box of its own; falling back to English is all we want.
   const UINT mode = GetErrorMode();
   SetErrorMode(mode | SEM_FAILCRITICALERRORS);
