@@ -8,6 +8,7 @@
 #include <cwchar>
 #include <iterator>
 #include <span>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -40,6 +41,15 @@ struct NumberText {
   std::string_view view() const { return {text, length}; }
 };
 static_assert(kCoordinateIndent.size() + 3 * kFixedNumberRoom + 3 <= TextFile::kLineRoom);
+
+// A point that is nowhere (a receiver without a fix, a value that was never measured) is left out of a document.
+bool IsSomewhere(GeodeticPosition position, double altitude) {
+  return std::isfinite(position.longitude) && std::isfinite(position.latitude) && std::isfinite(altitude);
+}
+
+GeodeticPosition LocalPosition(const LocalFrame& frame, const FlightTrackPoint& point) {
+  return PositionFromLocal(frame, point.dX, point.dY);
+}
 
 void PutPosition(NumberText& to, GeodeticPosition position) {
   char* end = PutFixed(to.text, position.longitude, kAngleDecimals);
@@ -97,11 +107,13 @@ void WriteCoordinates(TextFile& file, const LocalFrame& frame, std::span<const F
   NumberText positions[2], altitude;
   NumberText *position = &positions[0], *previous = &positions[1];
   const FlightTrackPoint& first = points.front();
-  PutPosition(*previous, PositionFromLocal(frame, first.dX, first.dY));
+  PutPosition(*previous, LocalPosition(frame, first));
   PutAltitude(altitude, first.dAltitude);
   double previousAltitude = first.dAltitude;
   for (const FlightTrackPoint& point : points) {
-    PutPosition(*position, PositionFromLocal(frame, point.dX, point.dY));
+    const GeodeticPosition at = LocalPosition(frame, point);
+    if (!IsSomewhere(at, point.dAltitude)) continue;
+    PutPosition(*position, at);
     const bool step = point.dAltitude != previousAltitude;
     // Zeros of either sign are equal, but not as texts.
     if (step || std::signbit(point.dAltitude) != std::signbit(previousAltitude)) PutAltitude(altitude, point.dAltitude);
@@ -126,11 +138,14 @@ void OpenInViewer(const wchar_t* document) {
 
 BOOL WriteTrackKml(const wchar_t* path, const FlightTrack& track, std::span<const FlightTrackPoint> points,
                    const KmlSettings& settings) {
+  const LocalFrame frame = LocalFrameOf(track);
+  while (!points.empty() && !IsSomewhere(LocalPosition(frame, points.front()), points.front().dAltitude)) {
+    points = points.subspan(1);
+  }
+  if (points.empty()) return FALSE;
   TextFile file(path);
   if (!file.IsOpen()) return FALSE;
-  const LocalFrame frame = LocalFrameOf(track);
-  const FlightTrackPoint& first = points.front();
-  WriteHeader(file, PositionFromLocal(frame, first.dX, first.dY), settings.fAltitude, settings.fRange, settings.fTilt,
+  WriteHeader(file, LocalPosition(frame, points.front()), settings.fAltitude, settings.fRange, settings.fTilt,
               settings.fHeading);
   WriteTrackHead(file, settings);
   WriteCoordinates(file, frame, points);
@@ -144,7 +159,9 @@ BOOL exportTrackKml(FlightTrackViewState* view) {
   const auto points = ReadablePoints(view->lpTrack);
   if (points.empty()) return TRUE;
   if (!WriteTrackKml(view->szKmlPath, *view->lpTrack, points, ReadKmlSettings())) return FALSE;
-  OpenInViewer(view->szKmlPath);
+  // A copy: starting a program may dispatch messages, and with them the end of the view.
+  const std::wstring document = view->szKmlPath;
+  OpenInViewer(document.c_str());
   return TRUE;
 }
 
@@ -155,7 +172,9 @@ BOOL WriteTrackWaypoints(const wchar_t* path, const FlightTrack& track, std::spa
   GeodeticPosition position{.longitude = frame.longitude, .latitude = frame.latitude};
   NumberText positionText, altitudeText;
   for (const FlightTrackPoint& point : points) {
-    position = StatedPosition(frame, point, position);
+    const GeodeticPosition stated = StatedPosition(frame, point, position);
+    if (!IsSomewhere(stated, point.dAltitude)) continue;
+    position = stated;
     PutPosition(positionText, position);
     PutAltitude(altitudeText, point.dAltitude);
     WriteLine(file, "", positionText, altitudeText);

@@ -18,9 +18,11 @@ namespace kv {
 // Where exportWaypointsText writes, replacing what is there. The folder is not created.
 inline constexpr wchar_t kWaypointsPath[] = L"C:\\Temp\\Waypoints.txt";
 
+// Points that are nowhere (a coordinate that is not a finite number) are left out of both documents.
+//
 // Writes the view's track to the view's KML path and opens it in the globe viewer. Returns 0 when the state is not
-// writable or the file cannot be created or written whole; then no viewer starts. A track that is missing, empty or not
-// accessible writes nothing, starts nothing and returns 1.
+// writable, no point is anywhere, or the file cannot be created or written whole; then no viewer starts. A track that
+// is missing, empty or not accessible writes nothing, starts nothing and returns 1.
 BOOL exportTrackKml(FlightTrackViewState* view);
 
 // Writes the view's track to kWaypointsPath: one line of longitude, latitude and altitude for each point, taken from
@@ -36,7 +38,7 @@ BOOL showPositionInGlobe(HWND window, double longitude, double latitude, double 
 // Whether the ground-station program of the same house is running.
 BOOL isHelmsdeckRunning();
 
-// Writes the document itself; returns 0 when the file cannot be created or written whole. `points` holds at least one.
+// Writes the document itself; returns 0 when no point is anywhere or the file cannot be created or written whole.
 BOOL WriteTrackKml(const wchar_t* path, const FlightTrack& track, std::span<const FlightTrackPoint> points,
                    const KmlSettings& settings);
 
