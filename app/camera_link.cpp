@@ -15,6 +15,7 @@ constexpr DWORD kQueueBytes = 65536;
 constexpr DWORD kDisconnectPauseMs = 250;
 constexpr DWORD kReplyBytes = 64;
 constexpr int kBufferBytes = 1024;
+constexpr int kScannedPorts = kLastScannedPort - kFirstScannedPort + 1;
 
 DCB ReadLineState(HANDLE hPort, BOOL* done) {
   DCB line{};
@@ -76,8 +77,12 @@ DWORD SendCommand(HANDLE hPort, const char* command, const WaitList& waits, OVER
 }
 
 DWORD ReceiveReply(HANDLE hPort, char* reply, const WaitList& waits, OVERLAPPED* overlapped) {
-  // Static, because a read that is still pending when the wait runs out may write until the caller closes the port.
-  static char buffer[kBufferBytes];
+  // A read that outlives its wait may still write, even after the caller has closed the port: as many buffers as a scan
+  // has ports, so that none is given to another read soon.
+  static char buffers[kScannedPorts][kBufferBytes];
+  static int next = 0;
+  char(&buffer)[kBufferBytes] = buffers[next];
+  next = (next + 1) % kScannedPorts;
   std::memset(buffer, 0, sizeof(buffer));
   ResetEvent(overlapped->hEvent);
   DWORD read = 0;
@@ -91,32 +96,31 @@ void Disconnect(AppContext* context) {
   SetEvent(context->hConnectEvent);
   context->bConnected = FALSE;
   Sleep(kDisconnectPauseMs);
-  if (context->hPort == INVALID_HANDLE_VALUE) return;
-  CloseHandle(context->hPort);
-  context->hPort = INVALID_HANDLE_VALUE;
-  context->nPort = -1;
+  if (ClosePort(context)) context->nPort = -1;
 }
 
-bool CameraTalksOn(int portNumber, HANDLE hQuitEvent, OVERLAPPED* overlapped) {
+bool CameraTalksOn(int portNumber, HANDLE hQuitEvent) {
+  // One for each port, for good, like the buffers: a read that outlives its wait ends in here.
+  static OVERLAPPED transfers[kScannedPorts];
+  OVERLAPPED& transfer = transfers[portNumber - kFirstScannedPort];
+  if (!HasOverlappedIoCompleted(&transfer)) return false;  // of an earlier scan; closing did not end it
   HANDLE port = OpenCameraPort(portNumber);
   if (port == INVALID_HANDLE_VALUE) return false;
   SetPortBaudRate(port, kCameraBaudRate);
+  transfer = {.hEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr)};
   char reply[256] = "";
-  const DWORD received = PortTransaction(port, hQuitEvent, nullptr, reply, overlapped);
+  const DWORD received = PortTransaction(port, hQuitEvent, nullptr, reply, &transfer);
   CloseHandle(port);
+  CloseHandle(transfer.hEvent);
   return received > kSilentPortBytes;
 }
 
 // The number of the camera's port, or -1.
 int FindCameraPort(HANDLE hQuitEvent) {
-  OVERLAPPED overlapped{};
-  overlapped.hEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
-  int found = -1;
-  for (int port = kFirstScannedPort; port <= kLastScannedPort && found < 0; ++port) {
-    if (CameraTalksOn(port, hQuitEvent, &overlapped)) found = port;
+  for (int port = kFirstScannedPort; port <= kLastScannedPort; ++port) {
+    if (CameraTalksOn(port, hQuitEvent)) return port;
   }
-  CloseHandle(overlapped.hEvent);
-  return found;
+  return -1;
 }
 
 // Reads up to one record; waits as long as it takes, or until the quit event. Returns the bytes read. The read itself
@@ -141,6 +145,15 @@ void StorePoints(AppContext* context, const CameraPoint (&points)[kPointCount]) 
 }
 
 }  // namespace
+
+bool ClosePort(AppContext* context) {
+  HANDLE port = context->hPort;
+  if (port == INVALID_HANDLE_VALUE) return false;
+  // Withdrawn first: once closed, the handle's value may become that of another file, which the reader would then read.
+  context->hPort = INVALID_HANDLE_VALUE;
+  CloseHandle(port);
+  return true;
+}
 
 DWORD SetPortBaudRate(HANDLE hPort, DWORD baud) {
   if (hPort == INVALID_HANDLE_VALUE) return FALSE;

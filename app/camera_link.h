@@ -39,6 +39,10 @@ DWORD PortTransaction(HANDLE hPort, HANDLE hExtraEvent, const char* command, cha
 // silent port. Main thread only.
 DWORD ConnectCamera(AppContext* context, BOOL connect);
 
+// Takes the open port from the reader and closes it, which ends a pending read. False when none is open. Main thread
+// only.
+bool ClosePort(AppContext* context);
+
 // Thread procedure; the parameter is the AppContext. Runs until hQuitEvent is signalled, whether a port is open or not.
 DWORD WINAPI CameraReaderThread(void* parameter);
 

@@ -203,10 +203,7 @@ INT_PTR OnTimer(AppContext* context, UINT_PTR timer) {
 void StopReader(AppContext* context) {
   constexpr DWORD kPatienceMs = 1000;
   SetEvent(context->hConnectEvent);
-  if (IsPortOpen(context)) {
-    CloseHandle(context->hPort);
-    context->hPort = INVALID_HANDLE_VALUE;
-  }
+  ClosePort(context);
   SetEvent(context->hQuitEvent);
   if (WaitForSingleObject(context->hReaderThread, kPatienceMs) == WAIT_TIMEOUT) {
     TerminateThread(context->hReaderThread, 1);
