@@ -81,6 +81,7 @@ void RunMainDialog(HINSTANCE instance, AppContext* context) {
 }  // namespace
 
 void RunTarnwick(HINSTANCE instance) {
+  RestrictLibrarySearch();
   modules = {.resources = instance, .application = instance};
   char directory[MAX_PATH] = "";
   GetCurrentDirectoryA(ARRAYSIZE(directory), directory);

@@ -17,6 +17,7 @@
 #include "camtool/arguments.h"
 #include "camtool/commands.h"
 #include "camtool/console.h"
+#include "framework/modules.h"
 #include "framework/version.h"
 
 namespace camtool {
@@ -53,6 +54,13 @@ void PrintHelp(const Command& command) {
   }
 }
 
+// Records are 11 ms apart; the default timer is too coarse for that. It stays fine until the process ends.
+void UseFineTimer() {
+  decltype(&timeBeginPeriod) begin;
+  kv::FindProcedure(LoadLibraryA("winmm.dll"), "timeBeginPeriod", &begin);
+  if (begin) begin(1);
+}
+
 int RunCommand(const Command& command, std::span<const std::string> arguments) {
   if (std::ranges::find(arguments, "--help") != arguments.end()) {
     PrintHelp(command);
@@ -62,10 +70,8 @@ int RunCommand(const Command& command, std::span<const std::string> arguments) {
   std::string error;
   int result = kUsageError;
   if (ParseArguments(arguments, command.options, command.operands, &operands, &error)) {
-    // Records are 11 ms apart; the default timer is too coarse for that.
-    timeBeginPeriod(1);
+    UseFineTimer();
     result = command.run(operands);
-    timeEndPeriod(1);
   } else {
     PrintError(error);
   }
@@ -108,6 +114,7 @@ int Run(std::span<const std::string> arguments) {
 }  // namespace camtool
 
 int main() {
+  kv::RestrictLibrarySearch();
   // Not main's own arguments: they cannot hold every file name.
   int count = 0;
   LPWSTR* words = CommandLineToArgvW(GetCommandLineW(), &count);

@@ -7,6 +7,7 @@
 
 #include "framework/guards.h"
 #include "framework/locked_record.h"
+#include "framework/modules.h"
 #include "framework/picture.h"
 
 namespace kv {
@@ -42,20 +43,15 @@ struct VideoLibraries {
   }
 };
 
-template <class Function>
-void FindFunction(HMODULE library, const char* name, Function* function) {
-  if (library) *function = reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)));
-}
-
 VideoLibraries LoadVideoLibraries() {
   VideoLibraries libraries{};
   const HMODULE capture = LoadLibraryW(L"avicap32.dll");
   const HMODULE video = LoadLibraryW(L"msvfw32.dll");
-  FindFunction(capture, "capCreateCaptureWindowW", &libraries.createCaptureWindow);
-  FindFunction(capture, "capGetDriverDescriptionA", &libraries.getDriverDescription);
-  FindFunction(video, "DrawDibOpen", &libraries.drawDibOpen);
-  FindFunction(video, "DrawDibDraw", &libraries.drawDibDraw);
-  FindFunction(video, "DrawDibClose", &libraries.drawDibClose);
+  FindProcedure(capture, "capCreateCaptureWindowW", &libraries.createCaptureWindow);
+  FindProcedure(capture, "capGetDriverDescriptionA", &libraries.getDriverDescription);
+  FindProcedure(video, "DrawDibOpen", &libraries.drawDibOpen);
+  FindProcedure(video, "DrawDibDraw", &libraries.drawDibDraw);
+  FindProcedure(video, "DrawDibClose", &libraries.drawDibClose);
   return libraries;
 }
 

@@ -1,9 +1,8 @@
 // A link to the first video-capture driver that works: stores each incoming frame as a 32-bit bitmap whose first row
 // is the top one, paints the latest frame, and records to an AVI file.
 //
-// Video for Windows does the work. Its libraries (avicap32.dll, msvfw32.dll) are loaded when the first link is opened,
-// from the program's directory or the system's, and stay loaded; where they are missing, opening a link fails like on a
-// machine without a camera.
+// Video for Windows does the work. Its libraries (avicap32.dll, msvfw32.dll) are loaded when the first link is opened
+// and stay loaded; where they are missing, opening a link fails like on a machine without a camera.
 //
 // The host is the window that shows the frames. Everything runs on its thread: the operations, and the callbacks
 // while that thread dispatches messages. Recording may dispatch messages before it returns, so the owner can be called,

@@ -3,7 +3,7 @@
 add_library(kv STATIC)
 add_library(kv::kv ALIAS kv)
 target_compile_features(kv PUBLIC cxx_std_20)
-target_link_libraries(kv PUBLIC comctl32 msimg32 comdlg32 shell32 advapi32 gdi32 user32)
+target_link_libraries(kv PUBLIC comctl32 comdlg32 shell32 advapi32 gdi32 user32)
 
 # The library is C++: whoever links it needs the compiler's run-time libraries. They go into the program, which then
 # starts on every Windows; a target with the property KV_SHARED_RUNTIME takes them as DLLs.

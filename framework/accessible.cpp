@@ -5,6 +5,8 @@
 #include <new>
 #include <string>
 
+#include "framework/modules.h"
+
 namespace kv {
 
 namespace {
@@ -15,18 +17,13 @@ struct SystemFunctions {
   decltype(&SysAllocString) allocateString;
 };
 
-template <class Function>
-void Find(const char* library, const char* name, Function* function) {
-  HMODULE module = LoadLibraryA(library);
-  *function = module ? reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name))) : nullptr;
-}
-
 const SystemFunctions& System() {
   static const SystemFunctions functions = [] {
     SystemFunctions found{};
-    Find("oleacc.dll", "LresultFromObject", &found.lresultFromObject);
-    Find("oleacc.dll", "CreateStdAccessibleObject", &found.createStandardObject);
-    Find("oleaut32.dll", "SysAllocString", &found.allocateString);
+    const HMODULE accessibility = LoadLibraryA("oleacc.dll");
+    FindProcedure(accessibility, "LresultFromObject", &found.lresultFromObject);
+    FindProcedure(accessibility, "CreateStdAccessibleObject", &found.createStandardObject);
+    FindProcedure(LoadLibraryA("oleaut32.dll"), "SysAllocString", &found.allocateString);
     return found;
   }();
   return functions;

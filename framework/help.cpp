@@ -4,6 +4,7 @@
 #include "framework/control_class.h"
 #include "framework/file_path.h"
 #include "framework/language.h"
+#include "framework/modules.h"
 
 namespace kv {
 
@@ -17,9 +18,9 @@ HtmlHelpCall LoadHtmlHelp() {
   GetSystemDirectoryW(system, kPathCharacters);
   // By its whole path, so that nothing that lies beside the program can take its place.
   FormatBounded(library, sizeof(library), L"%s\\hhctrl.ocx", system);
-  const HMODULE module = LoadLibraryW(library);
-  const FARPROC procedure = module ? GetProcAddress(module, MAKEINTRESOURCEA(kHtmlHelpOrdinal)) : nullptr;
-  return reinterpret_cast<HtmlHelpCall>(reinterpret_cast<void*>(procedure));
+  HtmlHelpCall call;
+  FindProcedure(LoadLibraryW(library), MAKEINTRESOURCEA(kHtmlHelpOrdinal), &call);
+  return call;
 }
 
 HWND WINAPI CallSystemHelp(HWND caller, const wchar_t* file, UINT command, DWORD_PTR data) {

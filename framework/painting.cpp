@@ -26,7 +26,7 @@ void FillGradient(HDC dc, const RECT& area, COLORREF from, COLORREF to, ULONG di
   };
   TRIVERTEX corners[] = {vertex(area.left, area.top, from), vertex(area.right, area.bottom, to)};
   GRADIENT_RECT rectangle{0, 1};
-  GradientFill(dc, corners, 2, &rectangle, 1, direction);
+  GdiGradientFill(dc, corners, 2, &rectangle, 1, direction);
 }
 
 }  // namespace

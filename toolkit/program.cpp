@@ -76,6 +76,7 @@ int RunMessageLoop(HWND window) {
 }
 
 int RunDialog(HINSTANCE instance, const ScaledDialog& dialog) {
+  RestrictLibrarySearch();
   modules = {.resources = instance, .application = instance};
   // Stays loaded: rich edit controls of any dialog need it, and one load is enough.
   LoadLibraryA("RichEd32.dll");

@@ -1,6 +1,7 @@
 // A camera for machines without one: an avicap32.dll whose capture window answers like one with a connected driver and
-// makes moving pictures (colour bars and a frame counter). Tests and the gallery's screenshots put it beside their
-// program, where it is loaded instead of the system's. It records no file; it counts what it would have written.
+// makes moving pictures (colour bars and a frame counter). Tests put it beside their program,
+// the gallery's screenshots into the prefix's system folder, and it is loaded instead of the system's. It records no
+// file; it counts what it would have written.
 //
 // The state is one for the process. Tests set the first half and read the second, on the capture window's thread.
 #pragma once
