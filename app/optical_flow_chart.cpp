@@ -182,12 +182,13 @@ LRESULT OnSize(ChartState* state) {
   return 0;
 }
 
-LRESULT OnPaint(ChartState* state) {
-  const PaintScope paint(state->hWnd);
-  if (!state->hBackBuffer) return 0;
+LRESULT OnPaint(HWND window) {
+  const PaintScope paint(window);
+  auto* state = WindowRecord<ChartState>(window);  // erasing may have reached somebody else's code
+  if (!state || !state->hBackBuffer) return 0;
   if (state->bDirty) RenderBackBuffer(state);
   RECT client{};
-  GetClientRect(state->hWnd, &client);
+  GetClientRect(window, &client);
   SetStretchBltMode(paint.dc(), COLORONCOLOR);
   StretchBlt(paint.dc(), 0, 0, client.right, client.bottom, state->hBackDc, 0, 0, kFieldWidth, kFieldHeight, SRCCOPY);
   return 0;
@@ -223,8 +224,8 @@ void ReadPoints(const ChartState* state, FlowPoints* exchange) {
 }
 
 void RepaintAll(ChartState* state) {
-  RepaintNow(state->hWnd);
   state->bBehind = FALSE;
+  RepaintNow(state->hWnd);
 }
 
 // Repaints where the markers were and are, which is all of the difference unless the screen lags behind.
@@ -260,6 +261,7 @@ LRESULT ExchangePoints(ChartState* state, WPARAM flags, FlowPoints* exchange) {
 LRESULT OnCommand(ChartState* state, WPARAM wParam, LPARAM lParam) {
   switch (LOBYTE(wParam)) {
     case kChartRefresh:
+      state->bRendered = FALSE;  // so that all of it is rendered
       state->bDirty = TRUE;
       RepaintAll(state);
       return 0;
@@ -289,10 +291,10 @@ AccessibleText Describe(HWND window) {
 LRESULT CALLBACK ChartProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   auto* state = WindowRecord<ChartState>(window);
   switch (message) {
-    case WM_CREATE: return OnCreate(window);
+    case WM_CREATE: return state ? 0 : OnCreate(window);
     case WM_DESTROY: return state ? OnDestroy(state) : 0;
     case WM_SIZE: return state ? OnSize(state) : 1;
-    case WM_PAINT: return state ? OnPaint(state) : OnPaintWithoutState(window);
+    case WM_PAINT: return state ? OnPaint(window) : OnPaintWithoutState(window);
     case WM_COPY: return state ? OnCopy(state, lParam) : 1;
     case kControlCommand: return state ? OnCommand(state, wParam, lParam) : 1;
     case WM_GETDLGCODE: return DLGC_STATIC;

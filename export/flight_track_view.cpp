@@ -80,8 +80,8 @@ LRESULT OnCommand(FlightTrackViewState* state, WPARAM wParam, LPARAM lParam) {
 }
 
 LRESULT CALLBACK FlightTrackProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  if (message == WM_CREATE) return OnCreate(window);
   auto* state = WindowRecord<FlightTrackViewState>(window);
+  if (message == WM_CREATE) return state ? 0 : OnCreate(window);
   if (!state) return message == kControlCommand ? kNoRecord : DefWindowProcA(window, message, wParam, lParam);
   switch (message) {
     case WM_DESTROY: return OnDestroy(window, state);

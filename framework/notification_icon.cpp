@@ -77,7 +77,8 @@ UINT TaskbarCreated() {
 LRESULT CALLBACK ListenerProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message != TaskbarCreated()) return DefWindowProcA(window, message, wParam, lParam);
   std::erase_if(shownIcons, [](const ShownIcon& icon) { return !IsWindow(icon.whole.hWnd); });
-  std::ranges::for_each(shownIcons, ShowAgain);
+  // A copy: while the shell is asked, an owner may be sent something and change its icons.
+  std::ranges::for_each(std::vector(shownIcons), ShowAgain);
   return 0;
 }
 

@@ -136,14 +136,16 @@ LRESULT OnSize(HWND window, ListRecord& record) {
   return 0;
 }
 
-LRESULT OnPaint(HWND window, ListRecord& record) {
+LRESULT OnPaint(HWND window, ListRecord&) {
   const PaintScope paint(window);
-  if (record.bRedrawing) {
+  ListRecord* record = ListRecordOf(window);
+  if (!record) return 0;
+  if (record->bRedrawing) {
     // The parent paints the list while it draws a row. Asking it again from here could go on without end.
-    record.bDirty = TRUE;
+    record->bDirty = TRUE;
     return 0;
   }
-  if (record.bDirty) RedrawSurface(window, &record, paint.dc());
+  if (record->bDirty) RedrawSurface(window, record, paint.dc());
   if (const ListRecord* drawn = ListRecordOf(window)) {
     ShowSurface(paint.dc(), ClientSize(window), drawn->hSurface, drawn->surfaceSize, drawn->nHorizontalOffset);
   }
@@ -186,9 +188,9 @@ LRESULT OnLeftButtonDown(HWND window, ListRecord&) {
   return 0;
 }
 
-LRESULT OnLeftButtonUp(HWND window, ListRecord& record) {
+LRESULT OnLeftButtonUp(HWND window, ListRecord&) {
   ReleaseCapture();
-  Redraw(window, record);
+  if (ListRecord* record = ListRecordOf(window)) Redraw(window, *record);
   TouchSettings();
   UpdateListBars(window);
   return 0;

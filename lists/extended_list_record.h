@@ -27,8 +27,9 @@ struct ListRecord {
   int nWheelRest[2];   // turned but not yet scrolled: vertical, horizontal
 };
 
-// The record of a list. Null for any other window, and for a list that is being destroyed. Whatever is sent to the
-// parent may end in the list's destruction, so the record is fetched again after each message.
+// The record of a list. Null for any other window, and for a list that is being destroyed. Whatever may reach the
+// parent (a message to it, a repaint, a bar that appears) may end in the list's destruction, so the record is fetched
+// again after each such call.
 ListRecord* ListRecordOf(HWND window);
 
 // Asks the parent for the height of a row.

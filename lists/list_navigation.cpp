@@ -85,7 +85,6 @@ void Select(HWND list, ListRecord& record, DWORD row) {
   record.bSelected = TRUE;
   record.dwSelectedRow = row;
   record.bDirty = TRUE;
-  NotifyValueChanged(list);
   const DWORD first = FirstRow(record), inView = static_cast<DWORD>(PageOf(list, record));
   DWORD wanted = first;
   if (row < first) wanted = row;
@@ -97,6 +96,7 @@ void Select(HWND list, ListRecord& record, DWORD row) {
     UpdateListBars(list);
   }
   RepaintNow(list);
+  if (IsWindow(list)) NotifyValueChanged(list);
 }
 
 void SelectByUser(HWND list, ListRecord& record, DWORD row) {
@@ -223,10 +223,11 @@ void RedrawLater(HWND list, ListRecord& record) {
 // ---- What the list is told ------------------------------------------------------------------------------------------
 
 void OnSetExtent(HWND list, ListRecord& record, WPARAM* extent) {
-  record.nExtent = UsableSurfaceWidth(*extent);
+  const LONG asked = UsableSurfaceWidth(*extent);
+  record.nExtent = asked;
   Settle(list, record);
-  UpdateListBars(list);
-  *extent = static_cast<WPARAM>(std::max(record.nExtent, UsableSurfaceWidth(ClientSize(list).cx)));
+  UpdateListBars(list);  // `record` may be gone afterwards
+  *extent = static_cast<WPARAM>(std::max(asked, UsableSurfaceWidth(ClientSize(list).cx)));
 }
 
 void OnSetCount(HWND list, ListRecord& record, DWORD count) {

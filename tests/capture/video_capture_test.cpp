@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "framework/picture.h"
-#include "tests/support/message_storm.h"
+#include "tests/support/message_fuzzing.h"
 #include "tests/support/scarce_objects.h"
 #include "tests/support/test_window.h"
 #include "tools/fake_camera/fake_camera.h"

@@ -16,7 +16,7 @@
 #include "framework/guards.h"
 #include "tests/controls/instrument_test.h"
 #include "tests/support/accessible_text.h"
-#include "tests/support/message_storm.h"
+#include "tests/support/message_fuzzing.h"
 #include "tests/support/scarce_objects.h"
 #include "tests/support/test_window.h"
 
@@ -270,15 +270,6 @@ TEST_F(DisplayInstrument, MayBeDestroyedByWhoeverIsTold) {
   InvalidateRect(painted, nullptr, TRUE);
   UpdateWindow(painted);
   EXPECT_FALSE(IsWindow(painted));
-}
-
-TEST_F(DisplayInstrument, SurvivesAStormOfMessages) {
-  for (const DWORD mode : kModes) {
-    HWND control = Create(mode, 64, 64);
-    kvtest::SendMessageStorm(control, {WM_SETTEXT, WM_COPY, WM_DROPFILES, WM_TIMER, WM_TIMER});
-    EXPECT_FALSE(IsBadWritePtr(&Record(control), sizeof(InstrumentRecord)));
-    DestroyWindow(control);
-  }
 }
 
 // KV_REDRAWS=70000 makes this the measurement for a day on the bench.

@@ -16,8 +16,6 @@
 #include "framework/guards.h"
 #include "tests/support/accessible_text.h"
 #include "tests/support/control_test.h"
-#include "tests/support/message_storm.h"
-#include "tests/support/scarce_objects.h"
 #include "tests/support/test_window.h"
 
 namespace kv {
@@ -250,16 +248,6 @@ TEST_F(SimpleBitmap, SiblingsMayReorderOrDestroyWhatIsWalked) {
   for (Probe& probe : probes) probe.react = [&](Probe&) { DestroyWindow(control); };
   EXPECT_EQ(42, SendMessageA(control, WM_LBUTTONDOWN, 0, 0));
   EXPECT_TRUE(TakeNotifications().empty());
-}
-
-TEST_F(SimpleBitmap, SurvivesAStormOfMessages) {
-  HWND control = Create("101", kBitmapTransparent);
-  CreateControl(parent_, "EDIT", "beneath", 0, {60, 40, 65, 60}, 2);
-  CreateControl(parent_, "BUTTON", "beneath", 0, kBeneath, 3);
-  const kvtest::ScarceObjects scarce(50);
-  kvtest::SendMessageStorm(control, {WM_CREATE, WM_DESTROY, WM_SETTEXT, WM_COPY, WM_DROPFILES, WM_LBUTTONDBLCLK});
-  EXPECT_EQ(1, SetText(control, "BADGE"));
-  EXPECT_EQ("6x3", HeldSize(control));
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 
 #include <climits>
 #include <functional>
-#include <random>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -12,8 +11,6 @@
 #include "framework/guards.h"
 #include "tests/support/accessible_text.h"
 #include "tests/support/control_test.h"
-#include "tests/support/message_storm.h"
-#include "tests/support/scarce_objects.h"
 #include "tests/support/test_window.h"
 
 namespace kv {
@@ -193,23 +190,6 @@ TEST_F(ExtendedList, ScreenReadersHearWhichRowsAreOnView) {
   SetWindowTextA(list_, "Readings");
   Send(LB_SETCOUNT, 1000);
   EXPECT_EQ((kvtest::HeardText{L"Readings", L"1 - 5 / 1000", kRoleList}), kvtest::HearWindow(list_));
-}
-
-TEST_F(ExtendedList, SurvivesAStormOfMessages) {
-  const kvtest::ScarceObjects scarce(50);
-  std::mt19937 random(7201);
-  react_ = [&] {
-    constexpr UINT kAnswers[] = {WM_DESTROY, WM_SIZE, WM_PAINT, WM_VSCROLL, LB_SETHORIZONTALEXTENT, LB_SETCOUNT};
-    height_ = static_cast<int>(random() % 8 ? 12 + random() % 50 : random());
-    if (random() % 16 == 0) Send(kAnswers[random() % ARRAYSIZE(kAnswers)], random());
-    parent_.seen().clear();
-    rows_.clear();
-  };
-  kvtest::SendMessageStorm(list_, {WM_CREATE, WM_CREATE, WM_DESTROY, WM_COPY, LB_SETCOUNT, LB_SETCOUNT});
-  react_ = nullptr;
-  height_ = 17;
-  for (UINT message : {WM_DESTROY, WM_CREATE}) Send(message);
-  EXPECT_EQ((Rows{-1, 0}), RowsAfter(LB_SETCOUNT, 1));
 }
 
 }  // namespace

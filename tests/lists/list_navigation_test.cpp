@@ -2,14 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
 #include <tuple>
 #include <utility>
 #include <vector>
 
 #include "lists/extended_list.h"
 #include "tests/support/control_test.h"
-#include "tests/support/message_storm.h"
 #include "tests/support/test_window.h"
 
 namespace kv {
@@ -210,26 +208,6 @@ TEST_F(ListNavigation, IsForListsAndLeavesOthersAlone) {
   EXPECT_FALSE(SelectListRow(plain, 1));
   EXPECT_TRUE(ScrollListTo(plain, kRows - 1));  // past the bar's end, as such a list may
   EXPECT_EQ(kRows - 1, ListRowAt(plain, {0, 17}));
-}
-
-TEST_F(ListNavigation, SurvivesAStormOfMessages) {
-  std::mt19937 random(7203);
-  parent_.Answer([&](HWND, UINT message, WPARAM, LPARAM lParam, LRESULT*) {
-    parent_.seen().clear();
-    if (message != WM_MEASUREITEM) return message == WM_DRAWITEM;
-    const UINT height = random();
-    reinterpret_cast<MEASUREITEMSTRUCT*>(lParam)->itemHeight = height % 8 ? 12 + height % 50 : height;
-    if (random() % 256 == 0) {
-      for (UINT end : {WM_DESTROY, WM_CREATE}) SendMessageA(list_, end, 0, 0);
-    }
-    AddListNavigation(list_);
-    return true;
-  });
-  kvtest::SendMessageStorm(list_, {WM_MOUSEWHEEL, WM_KEYDOWN, WM_DESTROY, LB_SETCOUNT, LB_SETHORIZONTALEXTENT});
-  Send(WM_DESTROY);
-  Send(WM_CREATE);
-  EXPECT_TRUE(AddListNavigation(list_));
-  EXPECT_TRUE(SelectListRow(list_, kNoRow));
 }
 
 }  // namespace

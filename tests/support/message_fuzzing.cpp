@@ -1,14 +1,14 @@
-#include "tests/support/message_storm.h"
+#include "tests/support/message_fuzzing.h"
 
 #include <gtest/gtest.h>
 #include <psapi.h>
 
 #include <cstdlib>
-#include <iterator>
+#include <functional>
 #include <random>
 #include <vector>
 
-#include "tests/support/test_window.h"
+#include "tests/support/replaced_import.h"
 
 namespace kvtest {
 
@@ -27,12 +27,27 @@ constexpr UINT kMessages[] = {kCommand,        kCommand,          kCommand,
                               LB_RESETCONTENT, WM_CAPTURECHANGED, LB_SETHORIZONTALEXTENT,
                               WM_CANCELMODE};
 
-}  // namespace
+// Gives each of the program's records pages of its own, which nobody gets again: whoever touches one that was freed
+// ends the test.
+class GuardedRecords {
+  static HGLOBAL WINAPI Allocate(UINT, SIZE_T size) {
+    auto* bytes = static_cast<char*>(VirtualAlloc(nullptr, size, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+    return bytes ? bytes + ((0 - size) & 0xFF8) : nullptr;  // ends where the page does
+  }
+  static void* WINAPI Lock(HGLOBAL memory) { return memory; }
+  static BOOL WINAPI Unlock(HGLOBAL) { return TRUE; }
+  static HGLOBAL WINAPI Free(HGLOBAL memory) {
+    MEMORY_BASIC_INFORMATION pages{};
+    VirtualQuery(memory, &pages, sizeof(pages));
+    VirtualFree(pages.AllocationBase, 0, MEM_DECOMMIT);
+    return nullptr;
+  }
+  const ReplacedImport allocate_{"GlobalAlloc", reinterpret_cast<void*>(Allocate)},
+      lock_{"GlobalLock", reinterpret_cast<void*>(Lock)}, unlock_{"GlobalUnlock", reinterpret_cast<void*>(Unlock)},
+      free_{"GlobalFree", reinterpret_cast<void*>(Free)};
+};
 
-int StormLength() {
-  const char* length = std::getenv("KV_STORM");
-  return length ? std::atoi(length) : 10000;
-}
+}  // namespace
 
 SIZE_T MemoryInUse() {
   PROCESS_MEMORY_COUNTERS counters{};
@@ -40,11 +55,13 @@ SIZE_T MemoryInUse() {
   return counters.PagefileUsage;
 }
 
-void SendMessageStorm(HWND control, const std::vector<UINT>& own) {
+void FuzzMessages(RecordingParent& parent, const std::function<HWND()>& make, const std::vector<UINT>& own) {
+  const GuardedRecords guard;
   std::vector<UINT> messages(std::begin(kMessages), std::end(kMessages));
   messages.insert(messages.end(), own.begin(), own.end());
   std::mt19937 random(20080714);
   const auto below = [&](unsigned limit) { return static_cast<unsigned>(random() % limit); };
+  const auto anyMessage = [&] { return messages[below(static_cast<unsigned>(messages.size()))]; };
   GuardedBytes readOnly(512);
   readOnly.MakeReadOnly();
   GuardedBytes writable(512);
@@ -53,12 +70,10 @@ void SendMessageStorm(HWND control, const std::vector<UINT>& own) {
   constexpr unsigned kWildSize = 1 << 20;
   void* const wild = VirtualAlloc(nullptr, kWildSize, MEM_RESERVE, PAGE_NOACCESS);
   const auto address = [](const void* pointer) { return reinterpret_cast<LPARAM>(pointer); };
-  const auto memoryInUse = [&] {
-    MoveWindow(control, 0, 0, 64, 64, TRUE);  // else the size of its pictures is what is measured
-    return MemoryInUse();
-  };
-  SIZE_T inUse = 0;
-  for (int i = 0, length = StormLength(); i < length && IsWindow(control); ++i) {
+
+  HWND control = make();
+  int depth = 0;
+  const auto send = [&] {
     const LPARAM addresses[] = {0,
                                 1,
                                 -1,
@@ -67,17 +82,48 @@ void SendMessageStorm(HWND control, const std::vector<UINT>& own) {
                                 address(writable.data()),
                                 address(writable.as<char>() + 500)};
     constexpr WPARAM kMasks[] = {0xFFFFFFFF, 0xFFFFFF1F, 0x1F};  // small numbers more often: most codes are
-    const UINT message = messages[below(static_cast<unsigned>(messages.size()))];
+    const UINT message = anyMessage();
     const bool isSize = message == WM_SIZE || message == WM_COPY;
     const LPARAM lParam = isSize ? MAKELPARAM(below(300), below(300)) : addresses[below(ARRAYSIZE(addresses))];
-    if (below(500) == 0) MoveWindow(control, 0, 0, below(300), below(300), TRUE);
     SendMessageA(control, message, random() & kMasks[below(ARRAYSIZE(kMasks))], lParam);
+  };
+  parent.Answer([&](HWND, UINT message, WPARAM, LPARAM lParam, LRESULT*) {
+    parent.seen().clear();
+    if (message != WM_MEASUREITEM && message != WM_DRAWITEM && message != WM_COMMAND && message != WM_DROPFILES) {
+      return false;
+    }
+    if (message == WM_MEASUREITEM) {
+      const UINT height = random();
+      reinterpret_cast<MEASUREITEMSTRUCT*>(lParam)->itemHeight = height % 8 ? 12 + height % 50 : height;
+    }
+    const unsigned dice = below(64);
+    if (dice == 0) DestroyWindow(control);
+    if (dice < 3 && depth < 2) {
+      ++depth;
+      send();
+      --depth;
+    }
+    return true;
+  });
+  const auto memoryInUse = [&] {
+    DestroyWindow(control);
+    PumpMessages();
+    return MemoryInUse();
+  };
+  const char* asked = std::getenv("KV_FUZZ");
+  const int length = asked ? std::atoi(asked) : 5000;
+  SIZE_T inUse = 0;
+  for (int i = 0; i < length; ++i) {
+    if (i == length / 2) inUse = memoryInUse();
+    if (!IsWindow(control)) control = make();
+    if (below(500) == 0) MoveWindow(control, 0, 0, below(300), below(300), TRUE);
+    if (below(16) == 0) ShowScrollBar(control, SB_BOTH, FALSE);  // else a bar appears only once
+    send();
     writable.as<unsigned char>()[below(512)] = static_cast<unsigned char>(random());
     if (i % 64 == 0) PumpMessages();
-    if (i == length / 2) inUse = memoryInUse();
   }
-  EXPECT_TRUE(IsWindow(control));
   EXPECT_LT(memoryInUse(), inUse + (4 << 20));  // some room for what the system keeps for itself
+  parent.Answer(nullptr);
   VirtualFree(wild, 0, MEM_RELEASE);
 }
 

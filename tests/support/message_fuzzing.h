@@ -1,21 +1,23 @@
-// Sends a control random messages with good and bad pointers. The control must survive, and the second half of the
-// messages must leave no memory behind; nothing else is promised.
+// Sends a control random messages with good and bad pointers, in a parent that measures and draws at random, sends the
+// control messages while it is asked and destroys it now and then. The control must survive that, leave no memory
+// behind and not touch a record that is gone; nothing else is promised.
 #pragma once
 
 #include <windows.h>
 
+#include <functional>
 #include <vector>
 
-namespace kvtest {
+#include "tests/support/test_window.h"
 
-// How many messages a storm has: the environment variable KV_STORM, or a number that keeps ./test quick.
-int StormLength();
+namespace kvtest {
 
 // Memory that the process has asked the system for, in bytes.
 SIZE_T MemoryInUse();
 
-// Mixes in `own`, further messages that the control handles. Leaves out what would end the window, open the clipboard
-// each time, or hand a wild pointer to Windows itself instead of to the control. Sizes stay below 300 pixels.
-void SendMessageStorm(HWND control, const std::vector<UINT>& own = {});
+// `make` gives the control, and another one whenever it has been destroyed. Mixes in `own`, further messages that the
+// control handles; left out is what would hand a wild pointer to Windows itself instead of to the control. Sizes stay
+// below 300 pixels. The environment variable KV_FUZZ sets the number of messages.
+void FuzzMessages(RecordingParent& parent, const std::function<HWND()>& make, const std::vector<UINT>& own);
 
 }  // namespace kvtest
