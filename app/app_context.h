@@ -8,7 +8,7 @@
 
 #include <windows.h>
 
-#include "app/camera_point.h"
+#include "app/camera_record.h"
 #include "framework/dialog_layout.h"
 
 namespace kv {

@@ -3,7 +3,6 @@
 #include <cstring>
 
 #include "app/app_context.h"
-#include "app/camera_point.h"
 #include "app/camera_record.h"
 #include "framework/bounded_format.h"
 

@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
-#include "app/camera_point.h"
 
 namespace kv {
 

@@ -2,11 +2,25 @@
 // one (x, y) pair for each of the four points. docs/wire-format.md tells the whole story. Pure functions, any thread.
 #pragma once
 
+#include <windows.h>
+
 #include <cstddef>
 
-#include "app/camera_point.h"
-
 namespace kv {
+
+// A point as the camera reports it.
+
+// Camera coordinates: x 0..1023 to the right, y 0..767 downwards.
+struct CameraPoint {
+  LONG x, y;
+};
+static_assert(sizeof(CameraPoint) == 8);
+
+inline constexpr int kPointCount = 4;
+inline constexpr int kFieldWidth = 1024;
+inline constexpr int kFieldHeight = 768;
+// A coordinate of this value stands for "no point".
+inline constexpr LONG kNoPoint = 1023;
 
 inline constexpr size_t kRecordLength = 41;
 

@@ -6,13 +6,12 @@
 #include <iterator>
 #include <string>
 
-#include "app/camera_point.h"
-#include "app/repaint.h"
+#include "app/camera_record.h"
 #include "framework/accessible.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
 #include "framework/picture.h"
-#include "framework/window_record.h"
+#include "framework/records.h"
 
 namespace kv {
 

@@ -16,7 +16,7 @@
 
 #include <windows.h>
 
-#include "app/camera_point.h"
+#include "app/camera_record.h"
 
 namespace kv {
 

@@ -9,8 +9,8 @@
 #include "controls/line_recorder.h"
 #include "controls/simple_bitmap.h"
 #include "framework/dialog.h"
-#include "framework/locked_record.h"
 #include "framework/modules.h"
+#include "framework/records.h"
 
 namespace kv {
 

@@ -22,7 +22,7 @@
 
 #include "app/app_context.h"
 #include "app/camera_link.h"
-#include "app/camera_point.h"
+#include "app/camera_record.h"
 #include "app/resource_ids.h"
 #include "camera/ports.h"
 #include "tests/e2e/tarnwick_process.h"

@@ -20,11 +20,9 @@
 #include <string>
 #include <vector>
 
-#include "export/fixed_number.h"
 #include "export/flight_track.h"
 #include "export/kml_export.h"
-#include "export/kml_settings.h"
-#include "export/kml_templates.h"
+#include "framework/numbers.h"
 
 // MinGW has two families of formatted output; Visual Studio has the run-time's only.
 #ifdef __MINGW32__

@@ -10,7 +10,6 @@
 #include <string_view>
 #include <vector>
 
-#include "app/camera_point.h"
 #include "app/camera_record.h"
 #include "camera/text.h"
 

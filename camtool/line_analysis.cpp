@@ -13,7 +13,6 @@
 #include <vector>
 
 #include "app/camera_link.h"
-#include "app/camera_point.h"
 #include "app/camera_record.h"
 
 namespace camtool {

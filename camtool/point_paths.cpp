@@ -9,9 +9,9 @@
 #include <utility>
 #include <vector>
 
-#include "app/camera_point.h"
+#include "app/camera_record.h"
 #include "camtool/arguments.h"
-#include "framework/angles.h"
+#include "framework/numbers.h"
 
 namespace camtool {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "app/camera_point.h"
+#include "app/camera_record.h"
 
 namespace camtool {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "app/camera_point.h"
+#include "app/camera_record.h"
 #include "camera/ports.h"
 #include "camera/record_stream.h"
 #include "camera/text.h"

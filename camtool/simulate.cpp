@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "app/camera_link.h"
-#include "app/camera_point.h"
 #include "app/camera_record.h"
 #include "camera/files.h"
 #include "camera/ports.h"

@@ -6,9 +6,9 @@
 #include <cstdlib>
 
 #include "framework/guards.h"
-#include "framework/locked_record.h"
 #include "framework/modules.h"
 #include "framework/picture.h"
+#include "framework/records.h"
 
 namespace kv {
 

@@ -9,9 +9,7 @@
 #include <string>
 
 #include "framework/accessible.h"
-#include "framework/click_through.h"
 #include "framework/control_class.h"
-#include "framework/control_kind.h"
 #include "framework/guards.h"
 #include "framework/painting.h"
 #include "framework/picture.h"

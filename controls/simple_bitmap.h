@@ -1,5 +1,5 @@
 // kvSimpleBitmap: a picture from the module's bitmap resources, stretched into the control, that lets mouse clicks fall
-// through to the controls beneath it (framework/click_through.h). For decorations in dialog templates. Main thread
+// through to the controls beneath it (framework/control_class.h). For decorations in dialog templates. Main thread
 // only.
 //
 // In a DPI-aware host: the bitmap is stretched to the pixels that its control has; nothing reads the DPI.
@@ -30,14 +30,14 @@
 
 #include <windows.h>
 
-#include "framework/control_kind.h"
+#include "framework/control_class.h"
 
 namespace kv {
 
 inline constexpr char kSimpleBitmapClass[] = "kvSimpleBitmap";
 
 inline constexpr DWORD kBitmapTransparent = 0x0002;
-// kBitmapSquareByWidth and kBitmapSquareByHeight are those of framework/control_kind.h.
+// kBitmapSquareByWidth and kBitmapSquareByHeight are those of framework/control_class.h.
 
 inline constexpr WORD kBitmapLeftClick = 1;
 inline constexpr WORD kBitmapRightClick = 2;

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <span>
 
-#include "framework/angles.h"
+#include "framework/numbers.h"
 
 namespace kv {
 

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstdarg>
+#include <cstddef>
 #include <cstring>
 #include <cwchar>
 #include <iterator>
@@ -12,15 +13,142 @@
 #include <string_view>
 #include <utility>
 
-#include "export/fixed_number.h"
 #include "export/flight_track.h"
-#include "export/kml_settings.h"
-#include "export/kml_templates.h"
 #include "export/text_file.h"
 #include "framework/bounded_format.h"
+#include "framework/guards.h"
+#include "framework/numbers.h"
 #include "framework/shell_launch.h"
 
 namespace kv {
+
+namespace {
+
+constexpr char kKey[] = "Software\\korvel\\Configuration";
+constexpr DWORD kValueSize = 4;
+
+struct SettingPlace {
+  const char* name;
+  size_t offset;
+};
+
+constexpr SettingPlace kPlaces[] = {
+    {"KMLFlags", offsetof(KmlSettings, dwFlags)},
+    {"KMLLineWidth", offsetof(KmlSettings, dwLineWidth)},
+    {"KMLLineColor", offsetof(KmlSettings, dwLineColor)},
+    {"KMLPolygonColor", offsetof(KmlSettings, dwPolygonColor)},
+    {"KMLTransparency", offsetof(KmlSettings, fTransparency)},
+    {"KMLAltitude", offsetof(KmlSettings, fAltitude)},
+    {"KMLRange", offsetof(KmlSettings, fRange)},
+    {"KMLTilt", offsetof(KmlSettings, fTilt)},
+    {"KMLHeading", offsetof(KmlSettings, fHeading)},
+};
+static_assert(sizeof(KmlSettings) == std::size(kPlaces) * kValueSize);
+
+// Read into a buffer of its own: a value that is too long may leave anything there.
+void ReadFourBytes(HKEY key, const char* name, void* setting) {
+  BYTE bytes[kValueSize];
+  DWORD size = kValueSize;
+  if (RegQueryValueExA(key, name, nullptr, nullptr, bytes, &size) == ERROR_SUCCESS) std::memcpy(setting, bytes, size);
+}
+
+DWORD WithAlpha(DWORD color, DWORD alpha) {
+  return (color & 0x00FFFFFF) | (alpha << 24);
+}
+
+}  // namespace
+
+KmlSettings ReadKmlSettings() {
+  KmlSettings settings;
+  const RegistryKey key = RegistryKey::Open(kKey);
+  if (!key) return settings;
+  for (const SettingPlace& place : kPlaces) {
+    ReadFourBytes(key, place.name, reinterpret_cast<BYTE*>(&settings) + place.offset);
+  }
+  settings.dwPolygonColor = WithAlpha(settings.dwPolygonColor, FillAlpha(settings.fTransparency));
+  settings.dwLineColor = WithAlpha(settings.dwLineColor, 0xFF);
+  return settings;
+}
+
+DWORD FillAlpha(float transparencyPercent) {
+  return static_cast<DWORD>(ToInt(255 - double{transparencyPercent} * 256 / 100)) & 0xFF;
+}
+
+namespace {
+
+constexpr const wchar_t* kTemplates[] = {
+    // kHeader
+    LR"(<?xml version="1.0" encoding="UTF-8"?>
+<kml xmlns="http://earth.google.com/kml/2.0">
+<Folder>
+ <name>3D Flight route</name>
+
+  <LookAt>
+   <longitude>%.10f</longitude>
+   <latitude>%.10f</latitude>
+   <altitude>%.1f</altitude>
+   <range>%.1f</range>
+   <tilt>%.1f</tilt>
+   <heading>%.1f</heading>
+  </LookAt>
+
+)",
+    // kFooter
+    LR"( </Folder>
+</kml>
+)",
+    // kTrackHead
+    LR"( <Placemark>
+  <Style id="kvDronePoly">
+   <LineStyle>
+    <color>%-8.8lX</color>
+    <width>%ld</width>
+   </LineStyle>
+   <PolyStyle>
+    <color>%-8.8lX</color>
+   </PolyStyle>
+  </Style>
+
+  <LineString>
+   <extrude>%ld</extrude>
+   <tessellate>%ld</tessellate>
+   <altitudeMode>relativeToGround</altitudeMode>
+   <coordinates>
+)",
+    // kTrackTail
+    LR"(    </coordinates>
+   </LineString>
+  </Placemark>
+)",
+    // kPointHead
+    LR"( <Folder>
+  <Placemark>
+   <name>%s</name>
+   <Style>
+    <IconStyle>
+     <scale>1.0</scale>
+     <Icon><href>http://maps.google.com/mapfiles/kml/shapes/placemark_circle.png</href></Icon>
+    </IconStyle>
+   </Style>
+)",
+    // kPoint
+    LR"(   <Point>
+    <altitudeMode>clampToGround</altitudeMode>
+    <coordinates>%.15f,%.15f,%.2f</coordinates>
+   </Point>
+)",
+    // kPointTail
+    LR"(  </Placemark>
+ </Folder>
+)",
+};
+static_assert(std::size(kTemplates) == static_cast<size_t>(KmlTemplate::kCount));
+
+}  // namespace
+
+const wchar_t* KmlTemplateText(KmlTemplate which) {
+  return kTemplates[static_cast<size_t>(which)];
+}
 
 namespace {
 

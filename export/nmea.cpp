@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "framework/bounded_format.h"
-#include "framework/whole_number.h"
+#include "framework/numbers.h"
 
 namespace kv {
 

@@ -1,10 +1,8 @@
-#include "framework/affirmative.h"
+#include "framework/language.h"
 
 #include <array>
 #include <cwchar>
 #include <cwctype>
-
-#include "framework/language.h"
 
 namespace kv {
 

@@ -4,7 +4,7 @@
 #include <array>
 #include <cmath>
 
-#include "framework/whole_number.h"
+#include "framework/numbers.h"
 
 namespace kv {
 

@@ -6,8 +6,8 @@
 #include <cstring>
 #include <span>
 
-#include "framework/angles.h"
 #include "framework/coverage.h"
+#include "framework/numbers.h"
 #include "framework/picture.h"
 
 namespace kv {

@@ -1,5 +1,9 @@
 #include "framework/control_class.h"
 
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
 namespace kv {
 
 BOOL RegisterControlClass(HINSTANCE instance, const char* name, WNDPROC procedure, BOOL registerIt) {
@@ -32,6 +36,116 @@ void PostNotification(HWND control, WORD code) {
 void RepaintNow(HWND window) {
   InvalidateRect(window, nullptr, TRUE);
   UpdateWindow(window);
+}
+
+void RepaintWithoutChildren(HWND window, HRGN part) {
+  RedrawWindow(window, nullptr, part, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW | RDW_NOCHILDREN);
+}
+
+namespace {
+
+// In the order of the tests: the last text that a name contains decides.
+constexpr struct {
+  const char* text;
+  ControlKind kind;
+} kClassTexts[] = {
+    {"STATIC", kControlStatic},
+    {"BUTTON", kControlButton},
+    {"EDIT", kControlEdit},
+    {"COMBOBOX", kControlComboBox},
+    {"LISTBOX", kControlListBox},
+    {"SYSTABCONTROL32", kControlTab},
+    {"KVSIMPLEBITMAP", kControlSimpleBitmap},
+    {"SYSTREEVIEW32", kControlTreeView},
+};
+
+}  // namespace
+
+ControlKind ClassifyClassName(const char* className) {
+  if (IsBadStringPtrA(className, kClassNameCharacters - 1)) return kControlOther;
+  char name[kClassNameCharacters];
+  lstrcpynA(name, className, kClassNameCharacters);
+  CharUpperA(name);
+  ControlKind kind = kControlOther;
+  for (const auto& known : kClassTexts) {
+    if (std::strstr(name, known.text)) kind = known.kind;
+  }
+  return kind;
+}
+
+ControlKind ClassifyControl(HWND window) {
+  char name[kClassNameCharacters] = "";
+  if (!IsWindow(window)) return kControlOther;
+  GetClassNameA(window, name, kClassNameCharacters);
+  return ClassifyClassName(name);
+}
+
+namespace {
+
+// A list made beforehand: a sibling may reorder, move or destroy any of the windows while it handles what it is sent,
+// and two that raise themselves would keep a walk along the live z-order going for ever.
+std::vector<HWND> ChildrenInZOrder(HWND parent) {
+  std::vector<HWND> children;
+  for (HWND child = GetWindow(parent, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+    children.push_back(child);
+  }
+  return children;
+}
+
+bool TakesInput(ControlKind kind) {
+  switch (kind) {
+    case kControlButton:
+    case kControlEdit:
+    case kControlComboBox:
+    case kControlListBox:
+    case kControlTreeView: return true;
+    default: return false;
+  }
+}
+
+bool LiesUnder(HWND window, POINT screenPoint) {
+  RECT place{};
+  return IsWindowVisible(window) && GetWindowRect(window, &place) && PtInRect(&place, screenPoint);
+}
+
+bool MovesFocus(UINT message) {
+  switch (message) {
+    case WM_MOUSEMOVE:
+    case WM_LBUTTONUP:
+    case WM_RBUTTONDOWN:
+    case WM_RBUTTONUP:
+    case WM_MBUTTONDOWN:
+    case WM_MBUTTONUP: return true;
+    default: return false;
+  }
+}
+
+}  // namespace
+
+LRESULT PassClickThrough(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  POINT cursor{};
+  GetCursorPos(&cursor);
+  for (HWND sibling : ChildrenInZOrder(GetParent(window))) {
+    if (sibling == window || !LiesUnder(sibling, cursor)) continue;
+    const ControlKind kind = ClassifyControl(sibling);
+    if (!TakesInput(kind)) continue;
+
+    // The siblings get the point's address, not packed coordinates: that tells passed-through input from the mouse's.
+    POINT point = cursor;
+    ScreenToClient(sibling, &point);
+    const auto pointAddress = reinterpret_cast<LPARAM>(&point);
+    if (message == WM_LBUTTONDOWN) {
+      return kind == kControlButton ? SendMessageA(sibling, BM_CLICK, 0, 0)
+                                    : SendMessageA(sibling, message, wParam, pointAddress);
+    }
+    if (MovesFocus(message)) {
+      SetFocus(sibling);
+      return SendMessageA(sibling, message, wParam, pointAddress);
+    }
+    SendMessageA(sibling, message, wParam, lParam);
+    if (!IsWindow(sibling)) return 1;
+  }
+  return 1;
 }
 
 }  // namespace kv

@@ -1,5 +1,6 @@
 // What all window classes of this library's controls have in common: how they are registered, the codes of their
-// command message, and how they talk to their parent. Main thread only.
+// command message, how they repaint and talk to their parent; the kinds of controls, and how mouse input reaches the
+// control beneath another. Main thread only.
 #pragma once
 
 #include <windows.h>
@@ -24,5 +25,55 @@ void PostNotification(HWND control, WORD code);
 
 // Invalidates the whole window, erasing, and paints it before returning.
 void RepaintNow(HWND window);
+
+// The same for a window that has no children, or a part of it. Not asking for children saves a call into the system
+// each time.
+void RepaintWithoutChildren(HWND window, HRGN part = nullptr);
+
+// Told apart by what their window class name contains.
+
+enum ControlKind {
+  kControlOther = 0,
+  kControlStatic = 1,
+  kControlButton = 2,
+  kControlEdit = 3,
+  kControlComboBox = 4,
+  kControlListBox = 5,
+  kControlTab = 6,
+  kControlTreeView = 7,
+  kControlSimpleBitmap = 8,
+};
+
+// Styles of the bitmap control (controls/simple_bitmap.h). Scaled with its dialog, its height follows the width's
+// scale, or its width the height's, so that the picture keeps its proportions.
+inline constexpr DWORD kBitmapSquareByWidth = 0x0010;
+inline constexpr DWORD kBitmapSquareByHeight = 0x0020;
+
+// Only this many characters of a class name are looked at, the terminator included.
+inline constexpr int kClassNameCharacters = 64;
+
+// The kind that a class name stands for, whatever its case. Containing the kind's text is enough ("MyEditBox" is an
+// edit, and so are the rich edits); with several texts in one name the last of STATIC, BUTTON, EDIT, COMBOBOX, LISTBOX,
+// SYSTABCONTROL32, KVSIMPLEBITMAP, SYSTREEVIEW32 decides. kControlOther for an unreadable name.
+ControlKind ClassifyClassName(const char* className);
+
+// The kind of a window; kControlOther when it does not exist.
+ControlKind ClassifyControl(HWND window);
+
+// In a DPI-aware host: places are the pixels that the host sees; nothing depends on the DPI.
+
+// Hands a mouse message of `window`, or a WM_COMMAND, on to the visible siblings under the mouse cursor that take input
+// (buttons, edits, combo boxes, list boxes, tree views), looked for in z-order.
+//
+//   WM_LBUTTONDOWN                  the first of them: a button is clicked (BM_CLICK), any other gets the message
+//   WM_MOUSEMOVE, the other         the first of them gets the keyboard focus and the message
+//   button-down and button-up
+//   any other (double clicks,       each of them gets the message with wParam and lParam unchanged
+//   WM_COMMAND)
+//
+// In the first two cases lParam is the address of a POINT with the cursor in the sibling's client coordinates, valid
+// during the call, and the result is the sibling's. Otherwise the result is 1. Each sibling is visited at most once;
+// one that destroys itself ends the walk. `window` itself may be gone afterwards.
+LRESULT PassClickThrough(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 }  // namespace kv

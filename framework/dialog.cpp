@@ -7,8 +7,8 @@
 #include <cstdlib>
 
 #include "framework/guards.h"
+#include "framework/numbers.h"
 #include "framework/painting.h"
-#include "framework/whole_number.h"
 
 namespace kv {
 

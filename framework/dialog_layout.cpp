@@ -4,8 +4,8 @@
 #include <array>
 #include <cmath>
 
-#include "framework/control_kind.h"
-#include "framework/whole_number.h"
+#include "framework/control_class.h"
+#include "framework/numbers.h"
 
 namespace kv {
 

@@ -4,10 +4,10 @@
 #include <cmath>
 #include <cstddef>
 
-#include "framework/angles.h"
 #include "framework/canvas.h"
 #include "framework/coverage.h"
 #include "framework/guards.h"
+#include "framework/numbers.h"
 
 namespace kv {
 

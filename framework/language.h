@@ -95,4 +95,31 @@ HMENU BuildLanguageMenu(int current, HINSTANCE instance, UINT firstCommand, UINT
 // and are not 0. The last 16 (the checked images of the languages 8 to 23) are left to the caller. Always 1.
 BOOL FreeLanguageMenuBitmaps(const HBITMAP* handles);
 
+// Whether a text that the user typed means "yes". Any thread; no state.
+
+// 1 if the first word of `text` is a word for yes, enabled, positive, on or true in the language (an index of the
+// language table), or if it contains "1", "+" or "yes". Letters count without their case as far as the C runtime's
+// locale knows it: where nobody calls setlocale, letters of plain ASCII only ("JA" is a yes, "ДА" is not). The first
+// word ends at the first space or control character and has at most 256 characters. Language -1 takes the languages 0
+// to 16 together; Norwegian and Finnish only count when asked for. An index that no language has knows no words of its
+// own.
+//
+// A text that is empty or begins with a space affirms, too: whoever only presses Enter agrees. A text that is not
+// readable does not.
+inline constexpr int kEveryLanguage = -1;
+BOOL IsAffirmative(int language, const wchar_t* text);
+
+// Compiled HTML help in the user's language. Main thread only.
+
+// Opens the help file stem + code + ".chm" of the language (see FindLanguageFile; another language's file stands in for
+// a missing one) with an HTML help command (HH_DISPLAY_TOPIC is 0) and its data. Without a file, or without an HTML
+// help facility on the machine, nothing opens. In every case the window is repainted, since help may have covered it.
+// Always 1.
+BOOL OpenHelp(HWND window, int language, const wchar_t* stem, UINT command, DWORD_PTR data);
+
+// The system's HTML help, loaded when it is first called. A test puts another function here; production code never
+// does.
+using HtmlHelpCall = HWND(WINAPI*)(HWND caller, const wchar_t* file, UINT command, DWORD_PTR data);
+extern HtmlHelpCall htmlHelp;
+
 }  // namespace kv

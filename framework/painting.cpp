@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "framework/guards.h"
+#include "framework/numbers.h"
 #include "framework/picture.h"
-#include "framework/whole_number.h"
 
 namespace kv {
 

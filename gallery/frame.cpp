@@ -6,7 +6,7 @@
 
 #include "framework/control_class.h"
 #include "framework/guards.h"
-#include "framework/help.h"
+#include "framework/language.h"
 #include "framework/painting.h"
 #include "framework/picture.h"
 #include "framework/tool_tips.h"

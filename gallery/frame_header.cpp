@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "framework/numbers.h"
 #include "framework/painting.h"
-#include "framework/whole_number.h"
 #include "gallery/drawing.h"
 #include "gallery/resource_ids.h"
 #include "toolkit/languages.h"

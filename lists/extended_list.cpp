@@ -9,7 +9,7 @@
 #include "framework/control_class.h"
 #include "framework/guards.h"
 #include "framework/picture.h"
-#include "framework/window_record.h"
+#include "framework/records.h"
 #include "lists/extended_list_layout.h"
 #include "lists/extended_list_record.h"
 

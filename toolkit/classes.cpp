@@ -10,7 +10,7 @@
 #include "controls/line_recorder.h"
 #include "controls/simple_bitmap.h"
 #include "export/flight_track_view.h"
-#include "framework/control_kind.h"
+#include "framework/control_class.h"
 #include "framework/dialog.h"
 #include "lists/extended_list.h"
 #include "resource.h"

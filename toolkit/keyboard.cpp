@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "framework/control_kind.h"
+#include "framework/control_class.h"
 #include "toolkit/dialog_record.h"
 #include "toolkit/pages.h"
 

@@ -2,7 +2,7 @@
 
 #include <commctrl.h>
 
-#include "framework/control_kind.h"
+#include "framework/control_class.h"
 #include "resource.h"
 #include "toolkit/dialog_record.h"
 #include "toolkit/languages.h"

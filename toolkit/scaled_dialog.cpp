@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "framework/control_kind.h"
+#include "framework/control_class.h"
 #include "framework/dialog.h"
 #include "framework/dialog_layout.h"
 #include "framework/guards.h"

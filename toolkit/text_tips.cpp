@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <string>
 
-#include "framework/control_kind.h"
+#include "framework/control_class.h"
 #include "framework/guards.h"
 #include "framework/picture.h"
 #include "framework/tool_tips.h"

@@ -3,7 +3,6 @@
 
 #include "export/flight_track.h"
 #include "export/kml_export.h"
-#include "export/kml_settings.h"
 #include "framework/file_path.h"
 
 namespace kv {

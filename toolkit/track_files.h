@@ -7,7 +7,7 @@
 #include <span>
 
 #include "export/flight_track.h"
-#include "export/kml_settings.h"
+#include "export/kml_export.h"
 
 namespace kv {
 

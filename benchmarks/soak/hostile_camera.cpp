@@ -8,7 +8,6 @@
 #include <string_view>
 #include <vector>
 
-#include "app/camera_point.h"
 #include "app/camera_record.h"
 #include "camera/ports.h"
 #include "camtool/faults.h"

@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-#include "app/camera_point.h"
+#include "app/camera_record.h"
 #include "camera/ports.h"
 #include "camtool/faults.h"
 

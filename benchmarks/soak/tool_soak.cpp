@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "app/app_context.h"
-#include "app/camera_point.h"
+#include "app/camera_record.h"
 #include "app/resource_ids.h"
 #include "benchmarks/soak/hostile_camera.h"
 #include "benchmarks/soak/process_watch.h"

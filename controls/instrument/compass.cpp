@@ -10,11 +10,11 @@
 #include "controls/instrument/text.h"
 #include "controls/instrument/view.h"
 #include "controls/instrument_block.h"
-#include "framework/angles.h"
 #include "framework/bounded_format.h"
 #include "framework/canvas.h"
 #include "framework/coverage.h"
 #include "framework/glyph_outline.h"
+#include "framework/numbers.h"
 #include "framework/painting.h"
 
 namespace kv {

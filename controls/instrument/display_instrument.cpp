@@ -22,7 +22,7 @@
 #include "framework/control_class.h"
 #include "framework/guards.h"
 #include "framework/picture.h"
-#include "framework/window_record.h"
+#include "framework/records.h"
 
 namespace kv {
 

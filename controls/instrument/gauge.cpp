@@ -8,8 +8,8 @@
 #include "controls/instrument/layout.h"
 #include "controls/instrument/view.h"
 #include "controls/instrument_block.h"
-#include "framework/angles.h"
 #include "framework/canvas.h"
+#include "framework/numbers.h"
 #include "framework/painting.h"
 
 namespace kv {

@@ -3,10 +3,10 @@
 #include <cmath>
 #include <string>
 
-#include "app/camera_point.h"
+#include "app/camera_record.h"
 #include "app/optical_flow_chart.h"
 #include "framework/control_class.h"
-#include "framework/whole_number.h"
+#include "framework/numbers.h"
 #include "gallery/resource_ids.h"
 #include "toolkit/languages.h"
 #include "toolkit/pages.h"

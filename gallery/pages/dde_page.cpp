@@ -5,7 +5,6 @@
 #include <string>
 
 #include "export/dde_client.h"
-#include "export/excel_link.h"
 #include "framework/bounded_format.h"
 #include "gallery/resource_ids.h"
 #include "toolkit/languages.h"

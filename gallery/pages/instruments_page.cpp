@@ -6,8 +6,8 @@
 
 #include "controls/display_instrument.h"
 #include "controls/instrument_block.h"
-#include "framework/angles.h"
 #include "framework/control_class.h"
+#include "framework/numbers.h"
 #include "gallery/resource_ids.h"
 #include "toolkit/languages.h"
 #include "toolkit/pages.h"

@@ -4,7 +4,6 @@
 
 #include <string>
 
-#include "framework/affirmative.h"
 #include "framework/file_path.h"
 #include "framework/guards.h"
 #include "framework/language.h"

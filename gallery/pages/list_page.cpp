@@ -7,8 +7,8 @@
 #include <string>
 
 #include "framework/bounded_format.h"
+#include "framework/numbers.h"
 #include "framework/picture.h"
-#include "framework/whole_number.h"
 #include "gallery/resource_ids.h"
 #include "lists/extended_list.h"
 #include "lists/list_navigation.h"

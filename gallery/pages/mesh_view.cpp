@@ -7,12 +7,12 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "framework/angles.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
+#include "framework/numbers.h"
 #include "framework/painting.h"
 #include "framework/picture.h"
-#include "framework/window_record.h"
+#include "framework/records.h"
 #include "gallery/pages/multirotor.h"
 #include "gallery/pages/triangle_raster.h"
 #include "views3d/mesh_model.h"

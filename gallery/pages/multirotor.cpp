@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "framework/angles.h"
+#include "framework/numbers.h"
 #include "views3d/mesh_model.h"
 
 namespace gallery {

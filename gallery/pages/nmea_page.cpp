@@ -8,7 +8,7 @@
 #include "export/nmea.h"
 #include "export/terminal_edit.h"
 #include "export/web_links.h"
-#include "framework/angles.h"
+#include "framework/numbers.h"
 #include "gallery/resource_ids.h"
 #include "toolkit/languages.h"
 #include "toolkit/locale_text.h"

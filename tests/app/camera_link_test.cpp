@@ -9,7 +9,6 @@
 #include <thread>
 #include <utility>
 
-#include "app/camera_point.h"
 #include "app/camera_record.h"
 #include "tests/support/replaced_import.h"
 #include "tests/support/serial_line.h"

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include "app/camera_point.h"
 
 namespace kv {
 namespace {

@@ -6,7 +6,7 @@
 #include <random>
 #include <vector>
 
-#include "app/camera_point.h"
+#include "app/camera_record.h"
 #include "framework/control_class.h"
 #include "tests/support/accessible_text.h"
 #include "tests/support/test_window.h"

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/camera_point.h"
+#include "app/camera_record.h"
 #include "camera/ports.h"
 #include "camera/record_stream.h"
 #include "camera/recording.h"

@@ -16,7 +16,6 @@
 #include <tuple>
 #include <utility>
 
-#include "app/camera_point.h"
 #include "app/camera_record.h"
 #include "camera/ports.h"
 #include "camera/recording.h"

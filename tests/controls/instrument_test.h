@@ -6,7 +6,7 @@
 #include "controls/display_instrument.h"
 #include "controls/instrument/record.h"
 #include "framework/guards.h"
-#include "framework/window_record.h"
+#include "framework/records.h"
 #include "tests/support/control_test.h"
 
 namespace kv {

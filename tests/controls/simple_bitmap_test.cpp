@@ -11,8 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "framework/click_through.h"
-#include "framework/control_kind.h"
+#include "framework/control_class.h"
 #include "framework/guards.h"
 #include "tests/support/accessible_text.h"
 #include "tests/support/control_test.h"

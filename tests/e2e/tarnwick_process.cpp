@@ -1,7 +1,7 @@
 #include "tests/e2e/tarnwick_process.h"
 #include <string>
 
-#include "app/camera_point.h"
+#include "app/camera_record.h"
 #include "app/resource_ids.h"
 #include "tools/uidriver/driver.h"
 

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "app/camera_point.h"
+#include "app/camera_record.h"
 
 namespace kvtest {
 

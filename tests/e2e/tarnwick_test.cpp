@@ -8,7 +8,7 @@
 #include <string>
 #include <thread>
 
-#include "app/camera_point.h"
+#include "app/camera_record.h"
 #include "app/resource_ids.h"
 #include "tests/e2e/tarnwick_process.h"
 #include "tests/support/serial_line.h"

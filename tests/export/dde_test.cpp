@@ -13,7 +13,6 @@
 #include <vector>
 
 #include "export/dde_client.h"
-#include "export/excel_link.h"
 #include "framework/shell_launch.h"
 #include "tests/support/test_window.h"
 #include "toolkit/dde_conversation.h"

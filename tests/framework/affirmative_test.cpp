@@ -1,4 +1,4 @@
-#include "framework/affirmative.h"
+#include "framework/language.h"
 
 #include <gtest/gtest.h>
 

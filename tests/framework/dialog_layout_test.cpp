@@ -9,7 +9,7 @@
 #include <string>
 #include <utility>
 
-#include "framework/control_kind.h"
+#include "framework/control_class.h"
 #include "tests/support/test_window.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <utility>
 
-#include "framework/window_record.h"
+#include "framework/records.h"
 #include "tests/support/test_window.h"
 
 namespace kv {

@@ -13,7 +13,6 @@
 
 #include "framework/file_path.h"
 #include "framework/guards.h"
-#include "framework/help.h"
 #include "tests/support/test_window.h"
 
 namespace kv {

@@ -12,12 +12,11 @@
 #include <string_view>
 #include <vector>
 
-#include "app/camera_point.h"
 #include "app/camera_record.h"
 #include "camera/record_stream.h"
 #include "camera/recording.h"
 #include "camtool/point_paths.h"
-#include "framework/affirmative.h"
+#include "framework/language.h"
 #include "framework/window_position.h"
 #include "tests/fuzz/inputs.h"
 

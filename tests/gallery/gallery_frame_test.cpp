@@ -16,7 +16,6 @@
 #include "controls/display_instrument.h"
 #include "controls/instrument_block.h"
 #include "framework/control_class.h"
-#include "framework/help.h"
 #include "framework/language.h"
 #include "framework/modules.h"
 #include "framework/picture.h"

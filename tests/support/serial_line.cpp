@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include "app/camera_link.h"
-#include "app/camera_point.h"
 #include "app/camera_record.h"
 
 namespace kvtest {

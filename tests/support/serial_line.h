@@ -7,7 +7,7 @@
 
 #include <string_view>
 
-#include "app/camera_point.h"
+#include "app/camera_record.h"
 
 namespace kvtest {
 

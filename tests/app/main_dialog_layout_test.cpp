@@ -1,4 +1,4 @@
-#include "app/main_dialog_geometry.h"
+#include "app/main_dialog_layout.h"
 
 #include <gtest/gtest.h>
 #include <array>

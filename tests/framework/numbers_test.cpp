@@ -1,4 +1,4 @@
-#include "export/fixed_number.h"
+#include "framework/numbers.h"
 
 #include <gtest/gtest.h>
 
