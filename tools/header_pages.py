@@ -90,7 +90,8 @@ def prose(comment: list[str]) -> str:
             blocks[-1].append(line)
         elif blocks[-1]:
             blocks.append([])
-    return "\n\n".join(part for lines in blocks if lines for part in block(lines))
+    text = "\n\n".join(part for lines in blocks if lines for part in block(lines))
+    return text.replace("\n```\n\n```text\n", "\n\n")
 
 
 def split_comment(line: str) -> tuple[str, str, str]:

@@ -26,7 +26,7 @@ MENU = {
 }
 # What the package has outside of its pages, seen from the folder of the pages.
 ELSEWHERE = {"LICENSE": "../LICENSE.txt", "CHANGELOG.md": "../CHANGELOG.txt"}
-HEADER = re.compile(r"(?:kv|(?:framework|controls|lists|views3d|capture|export|toolkit)/.*)\.h")
+HEADER = re.compile(r"(?:kv|resource|(?:framework|controls|lists|views3d|capture|export|toolkit)/.*)\.h")
 
 
 def slug(heading: str) -> str:
