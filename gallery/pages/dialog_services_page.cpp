@@ -102,7 +102,7 @@ void OnScroll(HWND page, HWND control, int code) {
   SetIntervals(page, std::clamp(intervals, kFewestIntervals, kMostIntervals));
 }
 
-// ---- Window store --------------------------------------------------------------------------------------------------
+// ---- Window memory -------------------------------------------------------------------------------------------------
 
 void ShowVisits(HWND page) {
   DWORD visits = 0;

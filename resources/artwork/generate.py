@@ -1,7 +1,8 @@
 #!/usr/bin/python3
 """Draws all artwork anew.
 
-Icons and toolbar strip go to resources/, the samples' icons to samples/, toolbar_index.md stays here, contact sheets to look at go to build/artwork/.
+Icons and toolbar strip go to resources/, the samples' icons to samples/, toolbar_index.md stays here,
+contact sheets to look at go to build/artwork/.
 """
 
 from pathlib import Path
@@ -32,7 +33,12 @@ SIDE = 24
 STRIP_COUNT = 88
 STANDARD_COUNT = 15  # the common controls' own images stand before the strip on a toolbar
 CONNECT_IMAGE = 32  # what the main dialog's connect button asks for
-SAMPLE_ICONS = {"speedometer": "gauge", "instrument_panel": "compass", "million_rows": "table", "track_export": "waypoint"}
+SAMPLE_ICONS = {
+    "speedometer": "gauge",
+    "instrument_panel": "compass",
+    "million_rows": "table",
+    "track_export": "waypoint",
+}
 FAINTEST_EDGE = 48  # a pixel covered less than this (of 255) is left transparent
 
 
