@@ -5,7 +5,8 @@ set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_dir=$root/build
-export WINEPREFIX=$build_dir/wine
+# A test may have another desktop than the first; KV_DESKTOP says which.
+export WINEPREFIX=$build_dir/wine${KV_DESKTOP:-}
 export WINEARCH=win32
 # No debugger on a crash (the process ends with an error code instead of hanging) and no offers to download add-ons.
 export WINEDLLOVERRIDES="winedbg.exe=d;mscoree,mshtml="
@@ -34,12 +35,12 @@ quietly() {
 
 # Starts a virtual display of its own and points DISPLAY at it; ends with the calling script.
 start_display() {
-  local geometry=${1:-1280x1024x24} number_file=$build_dir/display.$$
+  local geometry=${1:-1280x1024x24} number_file=$build_dir/display.$BASHPID
   mkdir -p "$build_dir"
   : >"$number_file"
   Xvfb -displayfd 3 -screen 0 "$geometry" -nolisten tcp 3>"$number_file" >/dev/null 2>&1 &
   display_pid=$!
-  for _ in $(seq 100); do
+  for _ in $(seq 400); do
     [ -s "$number_file" ] && break
     sleep 0.05
   done

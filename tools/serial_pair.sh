@@ -7,7 +7,7 @@
 source "$(dirname "$0")/common.sh"
 
 # Marker files have names that no Windows program takes for a port ("com3.pid" is one).
-state_dir=$build_dir/serial
+state_dir=$build_dir/serial${KV_DESKTOP:-}
 devices=$WINEPREFIX/dosdevices
 
 unplug() {

@@ -21,6 +21,7 @@ else()
 endif()
 step("Configuring" ${CMAKE_COMMAND} -S ${CMAKE_CURRENT_LIST_DIR}/outside -B ${WORK_DIR}/build ${options})
 step("Building" ${CMAKE_COMMAND} --build ${WORK_DIR}/build)
+include(${CMAKE_CURRENT_LIST_DIR}/../support/take_desktop.cmake)
 step("Running" ${EMULATOR} ${WORK_DIR}/build/outside.exe)
 
 # The samples stand on their own in what is installed.

@@ -14,8 +14,9 @@ namespace {
 
 // KV_SOURCE_DIR is the project's folder on the machine that runs Wine, which it shows as drive Z.
 bool IsMarked(int port) {
+  const char* desktop = std::getenv("KV_DESKTOP");
   char path[MAX_PATH];
-  std::snprintf(path, sizeof(path), "Z:%s/build/serial/line-com%d.pid", KV_SOURCE_DIR, port);
+  std::snprintf(path, sizeof(path), "Z:%s/build/serial%s/line-com%d.pid", KV_SOURCE_DIR, desktop ? desktop : "", port);
   return GetFileAttributesA(path) != INVALID_FILE_ATTRIBUTES;
 }
 

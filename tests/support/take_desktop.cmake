@@ -1,0 +1,22 @@
+# Gives the test that includes this a desktop of its own as long as it runs: of those that ./test started, one that no other
+# test has. KV_DESKTOPS lists them, each by what its Wine prefix and its serial lines have behind their names, and its
+# display ("=:99;-2=:100"). Without that list a test takes the desktop that is there.
+set(taken NO)
+set(desktops $ENV{KV_DESKTOPS})
+while(desktops AND NOT taken)
+  foreach(desktop IN LISTS desktops)
+    string(REGEX MATCH "^(.*)=(.*)$" known "${desktop}")
+    set(prefix $ENV{WINEPREFIX}${CMAKE_MATCH_1})
+    file(LOCK ${prefix}.lock TIMEOUT 0 RESULT_VARIABLE refused)
+    if(refused STREQUAL "0")
+      set(ENV{KV_DESKTOP} "${CMAKE_MATCH_1}")
+      set(ENV{DISPLAY} "${CMAKE_MATCH_2}")
+      set(ENV{WINEPREFIX} ${prefix})
+      set(taken YES)
+      break()
+    endif()
+  endforeach()
+  if(NOT taken)
+    execute_process(COMMAND ${CMAKE_COMMAND} -E sleep 0.2)
+  endif()
+endwhile()
