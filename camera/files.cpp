@@ -54,8 +54,9 @@ bool IsDeviceName(const std::wstring& path) {
 
 // What speaks against writing the target; "" if nothing does.
 std::string Objection(const std::string& path, bool overwrite, HANDLE source, bool* replaces) {
-  const std::string quoted = "\"" + path + "\"", isDevice = quoted + " is a device, not a file; choose another name";
-  if (IsDeviceName(Wide(path))) return isDevice;
+  const std::string quoted = "\"" + path + "\"";
+  const char* const isDevice = " is a device, not a file; choose another name";
+  if (IsDeviceName(Wide(path))) return quoted + isDevice;
   HANDLE existing = CreateFileW(Wide(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                 OPEN_EXISTING, 0, nullptr);
   if (existing == INVALID_HANDLE_VALUE) {
@@ -67,7 +68,7 @@ std::string Objection(const std::string& path, bool overwrite, HANDLE source, bo
   const bool isFile = GetFileType(existing) == FILE_TYPE_DISK, isSource = IsSameFile(existing, source);
   CloseHandle(existing);
   *replaces = size.QuadPart > 0;
-  if (!isFile) return isDevice;
+  if (!isFile) return quoted + isDevice;
   if (isSource) return quoted + " is the file that is read; choose another name";
   return size.QuadPart == 0 || overwrite
              ? std::string()

@@ -1,6 +1,7 @@
 // camtool export: a recording as comma-separated values.
 #include <windows.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -9,7 +10,6 @@
 #include "camtool/arguments.h"
 #include "camtool/commands.h"
 #include "camtool/console.h"
-#include "camtool/point_paths.h"
 
 namespace camtool {
 

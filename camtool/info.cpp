@@ -12,6 +12,7 @@
 #include "camera/record_stream.h"
 #include "camera/recording.h"
 #include "camera/text.h"
+#include "camtool/arguments.h"
 #include "camtool/commands.h"
 #include "camtool/console.h"
 

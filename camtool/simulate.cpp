@@ -10,6 +10,7 @@
 #include "app/camera_record.h"
 #include "camera/files.h"
 #include "camera/ports.h"
+#include "camera/recording.h"
 #include "camera/text.h"
 #include "camtool/arguments.h"
 #include "camtool/commands.h"

@@ -1,6 +1,7 @@
 // camtool watch: the records of a port or a recording as lines of text.
 #include <windows.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,7 @@
 #include "camera/ports.h"
 #include "camera/record_stream.h"
 #include "camera/text.h"
+#include "camtool/arguments.h"
 #include "camtool/commands.h"
 #include "camtool/console.h"
 

@@ -19,6 +19,7 @@
 #include "app/camera_record.h"
 #include "camera/ports.h"
 #include "camera/recording.h"
+#include "camera/text.h"
 #include "camtool/commands.h"
 #include "camtool/line_analysis.h"
 #include "tests/support/serial_line.h"
@@ -239,21 +240,23 @@ TEST(Camtool, LosesNoFileThatExists) {
   ASSERT_TRUE(CreateHardLinkA(link.c_str(), recording.c_str(), nullptr));
   const std::pair<std::string, const char*> cases[] = {
       {recording, "is the file that is read"}, {link, "is the file that is read"}, {"NUL", "is a device"}};
+  const auto toTarget = [&](const std::string& target) {
+    return camera::Format("export \"%s\" \"%s\" --overwrite", recording.c_str(), target.c_str());
+  };
   for (const auto& [target, reason] : cases) {
-    const Camtool run("export \"" + recording + "\" \"" + target + "\" --overwrite");
+    const Camtool run(toTarget(target));
     EXPECT_EQ(camtool::kFailed, run.Wait()) << target;
     EXPECT_PRED2(Says, run.Said(), reason);
   }
   EXPECT_EQ(bytes, ReadFileText(recording));
-  const std::string toCsv = "export \"" + recording + "\" \"" + csv + "\" --overwrite";
   {
     // Written, but not replaced at the end, since somebody has it open.
     const std::ifstream holder(csv);
-    const Camtool run(toCsv);
+    const Camtool run(toTarget(csv));
     EXPECT_EQ(camtool::kFailed, run.Wait());
     EXPECT_EQ("old", ReadFileText(csv));
   }
-  const Camtool run(toCsv), info("info \"" + recording + "\""), json("info --json -", recording);
+  const Camtool run(toTarget(csv)), info("info \"" + recording + "\""), json("info --json -", recording);
   EXPECT_EQ(camtool::kDone, run.Wait()) << run.Said();
   EXPECT_PRED2(Says, run.Said(), "2 records; no malformed stretches; 1 odd");
   EXPECT_EQ(camtool::kDone, info.Wait());
