@@ -225,7 +225,7 @@ bool NextChunk(RecordingFile* recording, Chunk* chunk) {
     if (recording->part.empty()) break;
     FeedDecoder(&recording->decoder, recording->part);
   }
-  recording->tornBytes = FinishDecoding(&recording->decoder);
+  recording->truncatedBytes = FinishDecoding(&recording->decoder);
   return false;
 }
 
@@ -262,8 +262,8 @@ std::string DescribeDamage(const RecordingFile& recording) {
   if (!decoder.hasEnd) {
     text += text.empty() ? "\"" + recording.path + "\" is" : std::string(", and it is");
     text += " truncated";
-    if (recording.tornBytes > 0)
-      text += "; " + Counted(recording.tornBytes, "byte") + " of an incomplete chunk skipped";
+    if (recording.truncatedBytes > 0)
+      text += "; " + Counted(recording.truncatedBytes, "byte") + " of an incomplete chunk skipped";
   }
   return text;
 }

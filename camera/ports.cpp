@@ -12,8 +12,7 @@
 
 namespace camera {
 
-// ---- The clock
-// -------------------------------------------------------------------------------------------------------
+// ---- The clock ------------------------------------------------------------------------------------------------------
 
 double Now() {
   LARGE_INTEGER count, frequency;
@@ -40,8 +39,7 @@ bool WaitExactlyUntil(double time, HANDLE stop) {
   return true;
 }
 
-// ---- Who has a port open
-// ---------------------------------------------------------------------------------------------
+// ---- Who has a port open --------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -142,8 +140,7 @@ PortHolders FindPortHolders() {
   return holders;
 }
 
-// ---- Opening
-// ---------------------------------------------------------------------------------------------------------
+// ---- Opening --------------------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -157,7 +154,7 @@ PortState StateFor(DWORD error) {
     case ERROR_BUSY: return PortState::kBusy;
     // Windows says "access denied" when another program has the port; that a user has no right to a port is so rare
     // there that the sentence only mentions it. Elsewhere the two are told apart.
-    case ERROR_ACCESS_DENIED: return SharesPorts() ? PortState::kNoRight : PortState::kBusy;
+    case ERROR_ACCESS_DENIED: return SharesPorts() ? PortState::kAccessDenied : PortState::kBusy;
     default: return PortState::kUnusable;
   }
 }
@@ -206,7 +203,7 @@ std::string WhyNotOpened(int number, const PortStatus& status) {
       return name + " is in use by " +
              (status.holder.empty() ? "another program (or, rarely, not for this user)" : status.holder) +
              "; close it, or name another port";
-    case PortState::kNoRight: return name + ": access denied; give this user the right to the device";
+    case PortState::kAccessDenied: return name + ": access denied; give this user the right to the device";
     case PortState::kUnusable:
       return name + " does not take the camera's settings (error " + std::to_string(status.error) +
              "); it is no serial port, or its adapter hangs: unplug it and plug it in again";

@@ -1,4 +1,4 @@
-// COM ports: opened for this process alone, with a reason when that fails, and read with the time at which bytes came.
+// COM ports: opened for one program alone, with a reason when that fails, and read with the time of each arrival.
 // Any thread; a port and its reader belong to one.
 #pragma once
 
@@ -9,8 +9,7 @@
 
 namespace camera {
 
-// ---- The clock
-// -------------------------------------------------------------------------------------------------------
+// ---- The clock ------------------------------------------------------------------------------------------------------
 
 // Seconds on a clock that only goes forward.
 double Now();
@@ -26,19 +25,18 @@ bool WaitUntil(double time, HANDLE stop);
 // late, are spent looking at the clock. They take a processor core.
 bool WaitExactlyUntil(double time, HANDLE stop);
 
-// ---- Opening
-// ---------------------------------------------------------------------------------------------------------
+// ---- Opening --------------------------------------------------------------------------------------------------------
 
-enum class PortState { kOpened, kAbsent, kBusy, kNoRight, kUnusable };
+enum class PortState { kOpened, kAbsent, kBusy, kAccessDenied, kUnusable };
 
 // How opening a port went.
 struct PortStatus {
   PortState state = PortState::kAbsent;
-  DWORD error = 0;     // the system's, unless opened
+  DWORD error = 0;     // the system's
   std::string holder;  // the program that uses a busy port, where the system tells
 };
 
-// An open port, and the right to it: no other camtool opens it meanwhile. Closed by destruction.
+// An open port, which no other program that uses this header can open meanwhile. The destructor closes it.
 class Port {
  public:
   Port() = default;
@@ -56,21 +54,20 @@ class Port {
   HANDLE claim_ = nullptr;
 };
 
-// Who uses which serial device, by the device's own name. Windows lets one program open a port and refuses all others,
-// so it is empty there; Wine lets any number in, and each would get a part of the bytes.
+// Which program has which serial device open, by the device's own name. Empty on Windows, which lets only one program
+// open a port; Wine lets several, and each would get a part of the bytes.
 using PortHolders = std::map<std::wstring, std::string>;
 PortHolders FindPortHolders();
 
-// Opens COM`number` (1 to 999) with the camera's line settings, as Tarnwick does. `port` is closed before.
+// Opens COM`number` (1 to 999) with the camera's line settings, as Tarnwick does. `port` is closed first.
 PortStatus OpenPort(int number, const PortHolders& holders, Port* port);
 
-// A sentence for a port that did not open: what is the matter and what to do.
+// Why a port was not opened and what to do, as a sentence.
 std::string WhyNotOpened(int number, const PortStatus& status);
 
-// ---- Reading and writing
-// ---------------------------------------------------------------------------------------------
+// ---- Reading and writing --------------------------------------------------------------------------------------------
 
-// Reads a port whose read time-outs it sets for itself.
+// Reads a port; sets its read timeouts.
 class PortReader {
  public:
   explicit PortReader(HANDLE port);
@@ -80,8 +77,8 @@ class PortReader {
 
   enum class Outcome { kBytes, kNothing, kGone };
   // Waits until bytes come, `waitMs` have passed or `stop` (may be null) is signalled. Bytes that follow within a
-  // millisecond or two come along. `seconds` is when the first came, on camtool's clock. kGone: the port has failed,
-  // its device having been unplugged.
+  // millisecond or two come along. `seconds` is when the first came, by Now(). kGone: the port failed; its
+  // device was unplugged.
   Outcome Read(DWORD waitMs, HANDLE stop, std::string* bytes, double* seconds);
 
  private:
@@ -92,8 +89,8 @@ class PortReader {
   bool isPending_ = false;
 };
 
-// Writes all bytes. A line without a listener fills up; as a real line would, it then loses them (kLost) instead of
-// delaying what comes later.
+// Writes all bytes. When nothing reads the other end, buffers fill up; the bytes are then lost (kLost), as on a real
+// line, instead of delaying later ones.
 enum class Written { kAll, kLost, kGone };
 Written WritePort(HANDLE port, const char* bytes, size_t size, DWORD patienceMs);
 

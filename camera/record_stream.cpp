@@ -41,7 +41,7 @@ bool IsInRange(const kv::CameraPoint& point) {
   return std::min(point.x, point.y) >= 0 && std::max(point.x, point.y) <= kv::kNoPoint;
 }
 
-// Besides the shape: no comma in place of a closing byte. There it stands when a record was cut off behind a field and
+// Besides the shape: no comma in place of a closing byte. That happens when a record is truncated after a field and
 // the next one follows; taken together they would be a record that no camera sent.
 bool IsRecord(const char* bytes) {
   return kv::HasRecordShape(bytes) && bytes[kFieldBytes] != ',';
@@ -123,7 +123,7 @@ void FeedStream(RecordStream* stream, double seconds, std::string_view bytes, st
 }
 
 void EndStream(RecordStream* stream) {
-  // Behind garbage the rest is garbage as well; behind a record it is one that was cut off.
+  // After garbage the rest is garbage as well; after a record it is a truncated record.
   if (stream->open.bytes > 0 || stream->records == 0) {
     size_t at = 0;
     for (const RecordStream::Piece& piece : stream->pieces) {
@@ -179,8 +179,7 @@ void AppendCsvRow(const FoundRecord& record, std::string* text) {
   text->append(row, end);
 }
 
-// ---- Statistics of a point
-// -------------------------------------------------------------------------------------------
+// ---- Statistics of a point ------------------------------------------------------------------------------------------
 
 namespace {
 

@@ -1,6 +1,6 @@
-// Finds the camera's records in a stream of bytes that may begin anywhere and hold anything, and counts what is between
-// them. A record is what Tarnwick takes for one, 41 bytes with seven commas in their places, unless it was joined of
-// two. Pure, any thread.
+// Finds the camera's records in a stream of bytes that may begin anywhere and contain anything, and counts what is
+// between them. A record is what Tarnwick accepts, 41 bytes with seven commas in their places, unless it is the
+// beginning of one record and the end of another. Pure, any thread.
 #pragma once
 
 #include <windows.h>
@@ -16,7 +16,7 @@ namespace camera {
 struct FoundRecord {
   double seconds;  // when its last byte came
   kv::CameraPoint points[kv::kPointCount];
-  bool isOdd;      // its fields are not numbers of the camera's; Tarnwick reads them all the same
+  bool isOdd;      // a number is not all digits; Tarnwick reads it all the same
   bool isInRange;  // all coordinates are 0 to 1023
 };
 
@@ -37,7 +37,7 @@ struct RecordStream {
   long long records = 0;
   long long oddRecords = 0;
   long long outOfRange = 0;  // of the odd ones
-  long long leadBytes = 0;   // less than a record at the very beginning: the stream was joined in mid-record
+  long long leadBytes = 0;   // less than a record at the very beginning: the stream began within a record
   long long malformedBytes = 0;
   long long malformedStretches = 0;
   double firstSeconds = 0, lastSeconds = 0;  // of the first and the last record
@@ -47,7 +47,7 @@ struct RecordStream {
   FoundRecord last{};                       // valid when there are records
   std::vector<MalformedStretch> stretches;  // the first kStretchesKept
 
-  std::string pending;  // fewer bytes than a record between calls; what is left at the end is a record cut off
+  std::string pending;  // fewer bytes than a record between calls; at the end, a truncated record
   struct Piece {
     size_t end;  // in `pending`
     double seconds;
@@ -57,8 +57,8 @@ struct RecordStream {
   double lastArrival = -1;
 };
 
-// Bytes that came at that time (never before the last ones). Records that are complete now are added to `found`, which
-// may be null.
+// Bytes that were received at that time, which never goes back. Records that are complete now are added to `found`,
+// which may be null.
 void FeedStream(RecordStream* stream, double seconds, std::string_view bytes, std::vector<FoundRecord>* found);
 
 // Ends the stretch that may be open. Called once, after the last bytes.
@@ -74,12 +74,11 @@ double WellFormedShare(const RecordStream& stream);
 std::string DescribeMalformed(const RecordStream& stream);
 
 // The names of the columns, and a record's row; each ends with a line feed. Seconds (not negative) have six decimals; a
-// point that the camera did not see stays as it sent it, 1023,1023.
+// point that the camera does not see is 1023,1023, as it sends it.
 std::string CsvHeader();
 void AppendCsvRow(const FoundRecord& record, std::string* text);
 
-// ---- Statistics of a point
-// -------------------------------------------------------------------------------------------
+// ---- Statistics of a point ------------------------------------------------------------------------------------------
 
 struct Spread {
   LONG lowest = 0, highest = 0;

@@ -59,7 +59,7 @@ Decoded DecodeHeader(RecordingDecoder* decoder) {
   decoder->version = static_cast<std::uint32_t>(Get(file, 12, 4));
   if (isWhole && decoder->version != kRecordingVersion) return Decoded::kOtherVersion;
   if (isWhole && size >= kRecordingHeaderBytes && size <= kCompactAt) {
-    // A later version's longer header is passed over.
+    // A longer header is skipped.
     if (file.size() < size) return Decoded::kNeedMore;
     decoder->header = {Get(file, 16, 8), static_cast<std::uint32_t>(Get(file, 24, 4)),
                        static_cast<std::uint32_t>(Get(file, 28, 4))};

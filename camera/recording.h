@@ -1,5 +1,5 @@
-// The recording's format: bytes from a port with the times at which they came, in a file that stays readable wherever
-// it is cut off or damaged. docs/recording-format.md describes it. Pure, any thread.
+// The format of recordings: the bytes that a port received, with the time of each arrival, in a file that stays
+// readable wherever it is truncated or damaged. docs/recording-format.md describes it. Pure, any thread.
 #pragma once
 
 #include <cstdint>
@@ -8,13 +8,13 @@
 
 namespace camera {
 
-// Like PNG's: a file that went through a text conversion, or lost its eighth bits, is seen at once.
+// As in PNG, a text conversion or the loss of eighth bits damages it, which shows at once.
 inline constexpr std::string_view kRecordingMagic("\x89TWR\r\n\x1A\n", 8);
 inline constexpr size_t kRecordingHeaderBytes = 40;
 inline constexpr size_t kChunkOverhead = 16;
 inline constexpr size_t kLargestChunk = 4096;
 inline constexpr std::uint32_t kRecordingVersion = 1;
-// Between two chunks. A chunk that claims more is damage: one wrong time must not make all later chunks go back.
+// Between two chunks. A chunk later than that is damage: otherwise one wrong time would make all later chunks go back.
 inline constexpr std::uint64_t kLongestSilence = 366ull * 24 * 3600 * 1'000'000;  // microseconds
 
 struct RecordingHeader {
@@ -25,10 +25,10 @@ struct RecordingHeader {
 
 std::string EncodeHeader(const RecordingHeader& header);
 
-// Bytes that came `microseconds` after the start; more than kLargestChunk become several chunks.
+// Bytes received `microseconds` after the start; more than kLargestChunk become several chunks.
 std::string EncodeChunks(std::uint64_t microseconds, std::string_view bytes);
 
-// What stands at the end of a recording that was ended in good order.
+// The end of a recording that was ended in good order.
 std::string EncodeEnd(std::uint64_t microseconds);
 
 // CRC-32 as in Ethernet and PNG.
@@ -51,7 +51,7 @@ struct RecordingDecoder {
   std::uint64_t endTime = 0;  // of the last chunk or end, microseconds
   std::uint64_t chunks = 0, bytes = 0;
   std::uint64_t damagedPlaces = 0, damagedBytes = 0;
-  std::string pending;  // what FinishDecoding counts as torn
+  std::string pending;  // what FinishDecoding counts
   size_t at = 0;
   bool isSkipping = false;
 };
@@ -59,11 +59,11 @@ struct RecordingDecoder {
 // Gives the decoder the next part of the file.
 void FeedDecoder(RecordingDecoder* decoder, std::string_view part);
 
-// The next thing in what was fed so far. Damaged chunks are passed over and counted. kNeedMore: feed or finish.
-// kNoRecording: the file does not begin as a recording does. kOtherVersion: another format version than ours wrote it.
+// The next thing in what was fed so far. Damaged chunks are skipped and counted. kNeedMore: feed or finish.
+// kNoRecording: the file does not begin as a recording does. kOtherVersion: it has another format version.
 Decoded DecodeNext(RecordingDecoder* decoder, Chunk* chunk);
 
-// After the whole file: the bytes of a last chunk that was torn off, which are left out.
+// After the whole file: the number of bytes of an incomplete last chunk.
 size_t FinishDecoding(RecordingDecoder* decoder);
 
 }  // namespace camera

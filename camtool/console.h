@@ -1,4 +1,4 @@
-// What a command shows while it works, and how it is told to stop.
+// What commands print besides their results, and how they are told to stop.
 #pragma once
 
 #include <windows.h>
@@ -13,10 +13,10 @@ namespace camtool {
 // From the first call on, Ctrl+C, Ctrl+Break and the closing of the console window do not end the process but signal
 // this event (manual reset), so that a command can end what it does in good order. Main thread only.
 HANDLE StopEvent();
-// Costs nothing, so that it can be asked for each record.
+// Cheap enough to call for each record.
 bool IsStopRequested();
 
-// "camtool: " and the sentence to standard error.
+// Prints "camtool: " and the sentence to standard error.
 void PrintError(const std::string& sentence);
 
 // Opens COM`number` or says on standard error why not.
@@ -25,14 +25,14 @@ bool OpenPortOrPrintError(int number, camera::Port* port);
 // Reads "COM1" to "COM999". 0, and a sentence on standard error, for anything else.
 int PortOrPrintError(const std::string& text);
 
-// What the rows of a stream that has ended do not show, to standard error: what was no record, what was odd, and what
-// was wrong with the recording (`damage`, may be "").
+// Prints to standard error what the rows of a stream that has ended do not show: what was not a record, what was odd,
+// and what was wrong with the recording (`damage`, may be "").
 void PrintStreamReport(const camera::RecordStream& stream, const std::string& damage);
 
 bool IsConsole(HANDLE handle);
 
-// A line on standard error that tells how far the work is: on a console it is written over itself four times a second;
-// elsewhere a line comes every ten seconds, which a log can bear.
+// Progress on standard error: on a console, one line that is updated four times a second; elsewhere, a line every ten
+// seconds.
 class ProgressLine {
  public:
   ProgressLine();
@@ -40,10 +40,10 @@ class ProgressLine {
   ProgressLine(const ProgressLine&) = delete;
   ProgressLine& operator=(const ProgressLine&) = delete;
 
-  // Whether it is time for the next line; asked before making its text.
+  // Whether it is time for the next line.
   bool IsDue();
   void Show(const std::string& text);
-  // Takes the line away, so that what is written next stands alone.
+  // Removes the line.
   void Clear();
 
  private:

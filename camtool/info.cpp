@@ -103,7 +103,7 @@ void PrintJson(const Facts& facts) {
               stream.malformedStretches, stream.malformedBytes, stream.oddRecords, stream.outOfRange);
   std::printf(",\"damagedPlaces\":%llu,\"damagedBytes\":%llu,\"truncatedBytes\":%zu,\"points\":[",
               static_cast<unsigned long long>(decoder.damagedPlaces),
-              static_cast<unsigned long long>(decoder.damagedBytes), facts.file.tornBytes);
+              static_cast<unsigned long long>(decoder.damagedBytes), facts.file.truncatedBytes);
   for (int i = 0; i < kv::kPointCount; ++i) {
     const camera::PointSummary& point = facts.points[i];
     std::printf("%s{\"seen\":%.6f", i > 0 ? "," : "", Share(facts, point));

@@ -17,8 +17,7 @@
 
 namespace camtool {
 
-// ---- At which rate a camera sends
-// ------------------------------------------------------------------------------------
+// ---- At which rate a camera sends -----------------------------------------------------------------------------------
 
 namespace {
 
@@ -132,8 +131,7 @@ bool LooksLikeText(std::string_view bytes) {
   return !bytes.empty() && static_cast<double>(prints) >= 0.9 * static_cast<double>(bytes.size());
 }
 
-// ---- How a press finds the camera
-// ------------------------------------------------------------------------------------
+// ---- How a press finds the camera -----------------------------------------------------------------------------------
 
 namespace {
 
@@ -168,7 +166,7 @@ double DetectionProbability(std::span<const Arrival> arrivals, double from, doub
     // give up before.
     const double now = arrivals[i].seconds;
     const Read read = ReadFrom(arrivals, i);
-    // What the end of the watch cut off says nothing.
+    // A read that the end of the time truncates says nothing.
     if (read.end > to) break;
     all += now - before;
     if (read.bytes > static_cast<int>(kv::kSilentPortBytes)) {

@@ -10,19 +10,17 @@
 
 namespace camtool {
 
-// ---- At which rate a camera sends
-// ------------------------------------------------------------------------------------
+// ---- At which rate a camera sends -----------------------------------------------------------------------------------
 //
-// A receiver set to another rate than the sender samples the
-// sender's bits at the wrong moments; what it then reads is garbage, but not any garbage: records of digits and commas
-// become few different bytes, other ones for each rate.
+// A receiver set to another rate samples the sender's bits at the wrong moments. What it reads then is garbage, but not
+// any garbage: records of digits and commas become few different bytes, other ones for each rate.
 
 // The rates that interface boards and adapters have, the usual ones first.
 inline constexpr std::array<int, 12> kUsualRates = {9600, 115200, 19200, 57600,  4800,   2400,
                                                     1200, 230400, 28800, 460800, 128000, 76800};
 
 // What a receiver at `receiverRate` makes of bytes sent at `sentRate` without pauses between them, after a quiet line:
-// 8 data bits, no parity, one stop bit, each bit sampled in its middle, a missing stop bit passed over.
+// 8 data bits, no parity, one stop bit, each bit sampled in its middle, a missing stop bit ignored.
 std::string ReceiveAtRate(std::string_view sent, int sentRate, int receiverRate);
 
 // The rates of kUsualRates at which bytes that a receiver at `receiverRate` got could have been records, likeliest
@@ -36,10 +34,9 @@ bool LooksLikeRecords(std::string_view bytes);
 // Whether nearly all bytes print.
 bool LooksLikeText(std::string_view bytes);
 
-// ---- How a press finds the camera
-// ------------------------------------------------------------------------------------
+// ---- How a press finds the camera -----------------------------------------------------------------------------------
 //
-// Tarnwick listens to a port with a single read, which begins at any moment and ends at the first pause of 5 ms, with
+// Tarnwick reads a port once, which begins at any moment and ends at the first pause of 5 ms, with
 // 64 bytes, or without any after 250 ms; more than 15 bytes make the port the camera's.
 
 struct Arrival {
@@ -48,7 +45,7 @@ struct Arrival {
 };
 
 // The share, 0 to 1, of the moments at which such a read would have found the sender, judged by what arrived while the
-// port was watched `from` .. `to`. Arrivals are in order and within; none at all gives 0.
+// port was read `from` .. `to`. Arrivals are in order and within; none at all gives 0.
 double DetectionProbability(std::span<const Arrival> arrivals, double from, double to);
 
 }  // namespace camtool

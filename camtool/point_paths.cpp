@@ -15,8 +15,7 @@
 
 namespace camtool {
 
-// ---- The built-in curves
-// ---------------------------------------------------------------------------------------------
+// ---- The built-in curves --------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -60,8 +59,7 @@ void PointsAt(double seconds, kv::CameraPoint (&points)[kv::kPointCount]) {
   }
 }
 
-// ---- Paths from a file
-// -----------------------------------------------------------------------------------------------
+// ---- Paths from a file ----------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -74,7 +72,7 @@ std::string_view Trimmed(std::string_view text) {
 }
 
 std::vector<std::string_view> SplitColumns(std::string_view line) {
-  // Spreadsheets choose by country; a line that has several kinds is parted at the first kind of these.
+  // Spreadsheets choose by country; a line with several kinds is split at the first of these.
   char separator = ',';
   for (const char candidate : {'\t', ';'}) {
     if (line.find(candidate) != line.npos) separator = candidate;

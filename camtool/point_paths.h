@@ -24,14 +24,14 @@ struct PointPath {
   bool hasTimes = false;  // else each row is for one record
 };
 
-// Reads a path: a row for each moment with up to four x,y pairs, in front of which may stand the time in seconds (rows
-// of an odd number of columns), never going back. Columns are parted by commas, semicolons or tabs. A first row that is
-// no numbers is a heading; empty lines are passed over. Coordinates are 0 to 1023; an empty pair, or one that is not
-// there, is a point that is not seen. On false `error` says what is wrong in which line.
+// Reads a path: a row for each moment with up to four x,y pairs, after the time in seconds (in rows
+// with an odd number of columns), which never goes back. Columns are separated by commas, semicolons or tabs. A first
+// row without numbers is a heading; empty lines are skipped. Coordinates are 0 to 1023; an empty pair, or one that is
+// missing, is a point that is not seen. On false `error` says what is wrong in which line.
 bool ParsePath(std::string_view text, PointPath* path, std::string* error);
 
-// The points `seconds` after the start, for record number `record` (from 0). The path begins anew when it is through;
-// its last row lasts as long as the one before it.
+// The points `seconds` after the start, for record number `record` (from 0). At its end the path starts again; its
+// last row lasts as long as the one before it.
 void PointsOnPath(const PointPath& path, double seconds, long record, kv::CameraPoint (&points)[kv::kPointCount]);
 
 }  // namespace camtool

@@ -88,7 +88,7 @@ std::string DescribePort(const PortReport& report) {
   switch (report.port.state) {
     case camera::PortState::kAbsent: return Line(report.number, "absent", "");
     case camera::PortState::kBusy: return Line(report.number, "busy", camera::WhyNotOpened(report.number, report.port));
-    case camera::PortState::kNoRight:
+    case camera::PortState::kAccessDenied:
       return Line(report.number, "access denied", camera::WhyNotOpened(report.number, report.port));
     case camera::PortState::kUnusable:
       return Line(report.number, "unusable", camera::WhyNotOpened(report.number, report.port));
@@ -103,7 +103,7 @@ std::string DescribePort(const PortReport& report) {
     text =
         Line(report.number, "silent", camera::Format("opens, but no data received in %.1f s", report.listenedSeconds));
   }
-  if (report.wentAway) text += kIndent + std::string("was disconnected during the scan\n");
+  if (report.wasDisconnected) text += kIndent + std::string("was disconnected during the scan\n");
   return text;
 }
 

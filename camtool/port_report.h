@@ -1,4 +1,4 @@
-// What a scan has learned of the ports, and how it says so. Pure, any thread.
+// What a scan has found out about the ports, as text. Pure, any thread.
 #pragma once
 
 #include <span>
@@ -19,11 +19,11 @@ struct PortReport {
   std::vector<Arrival> arrivals;
   std::string sample;  // the first bytes that came
   double listenedSeconds = 0;
-  bool wentAway = false;            // failed while it was listened to
+  bool wasDisconnected = false;     // failed while it was read
   double detectionProbability = 0;  // of one press of Tarnwick's button
-  std::vector<int> recordRates;     // baud rates at which it was heard to send records
-  std::vector<int> textRates;       // at which it was heard to send other text
-  std::vector<int> guessedRates;    // at which its bytes could be records, if none was heard
+  std::vector<int> recordRates;     // baud rates at which records were received
+  std::vector<int> textRates;       // at which other text was received
+  std::vector<int> guessedRates;    // at which its bytes could be records, if none were received
 };
 
 bool IsCamera(const PortReport& report);

@@ -1,4 +1,4 @@
-// camtool record: keeps what comes over a port in a file.
+// camtool record: records what a port receives.
 #include <windows.h>
 
 #include <cmath>
@@ -63,14 +63,14 @@ bool Begin(Recorder* recorder, int port) {
   GetSystemTimeAsFileTime(&now);
   recorder->start = recorder->lastFlush = camera::Now();
   const std::uint64_t startTime = (std::uint64_t{now.dwHighDateTime} << 32) | now.dwLowDateTime;
-  if (!Append(recorder, camera::EncodeHeader({startTime, kv::kCameraBaudRate, static_cast<std::uint32_t>(port)})))
-    return false;
+  const std::string header = camera::EncodeHeader({startTime, kv::kCameraBaudRate, static_cast<std::uint32_t>(port)});
   // What a recording replaces stays until the new one holds something.
-  return recorder->file.replaces || camera::PublishOutput(&recorder->file, &recorder->error);
+  return Append(recorder, header) &&
+         (recorder->file.replaces || camera::PublishOutput(&recorder->file, &recorder->error));
 }
 
 // False when the chunk would make the file too large (the end's chunk must fit, too) or was not written.
-bool Keep(Recorder* recorder, double seconds, const std::string& bytes) {
+bool Store(Recorder* recorder, double seconds, const std::string& bytes) {
   const std::string chunk = camera::EncodeChunks(Microseconds(seconds), bytes);
   const double size =
       static_cast<double>(recorder->file.size) + static_cast<double>(chunk.size() + camera::kChunkOverhead);
@@ -111,7 +111,7 @@ std::string Record(Recorder* recorder, int port) {
     if (outcome == camera::PortReader::Outcome::kGone) {
       return "COM" + std::to_string(port) + " was disconnected; everything recorded until then is intact";
     }
-    if (outcome == camera::PortReader::Outcome::kBytes && !Keep(recorder, arrival - recorder->start, bytes)) {
+    if (outcome == camera::PortReader::Outcome::kBytes && !Store(recorder, arrival - recorder->start, bytes)) {
       return recorder->error.empty() ? std::string() : recorder->error + "; everything recorded until then is intact";
     }
     now = camera::Now() - recorder->start;

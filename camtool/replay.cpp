@@ -19,7 +19,7 @@ namespace camtool {
 namespace {
 
 constexpr DWORD kPatienceMs = 20;
-// Between the rounds of a recording that was cut off, and so does not tell how long it lasted.
+// Between the rounds of a truncated recording, which does not say how long it lasted.
 constexpr double kSeamSeconds = 0.011;
 
 struct Settings {

@@ -1,4 +1,4 @@
-// camtool scan: what is on each port, and what Tarnwick would make of it.
+// camtool scan: what is on each port, and which one Tarnwick would take.
 #include <windows.h>
 
 #include <algorithm>
@@ -26,7 +26,7 @@ constexpr double kListenSeconds = 0.9;
 constexpr double kTryRatesUntil = 1.4;
 constexpr double kGiveUpSeconds = 1.6;
 constexpr DWORD kTurnMs = 50;
-// Until a rate shows itself: so long, or as long as so many bytes take.
+// How long to try a rate: this time, or as long as this many bytes take if that is longer.
 constexpr double kShortestTry = 0.045;
 constexpr double kBytesOfTry = 20;
 constexpr size_t kSampleBytes = 512;
@@ -61,9 +61,9 @@ void Listen(Probe* probe, HANDLE port) {
   const double until = probe->start + kListenSeconds;
   std::string bytes;
   double seconds = from;
-  while (camera::Now() < until && !report.wentAway) {
+  while (camera::Now() < until && !report.wasDisconnected) {
     const camera::PortReader::Outcome outcome = reader.Read(kTurnMs, nullptr, &bytes, &seconds);
-    report.wentAway = outcome == camera::PortReader::Outcome::kGone;
+    report.wasDisconnected = outcome == camera::PortReader::Outcome::kGone;
     if (outcome != camera::PortReader::Outcome::kBytes) continue;
     camera::FeedStream(&report.stream, seconds, bytes, nullptr);
     report.arrivals.push_back({seconds, static_cast<int>(bytes.size())});
@@ -74,7 +74,7 @@ void Listen(Probe* probe, HANDLE port) {
   report.detectionProbability = DetectionProbability(report.arrivals, from, camera::Now());
 }
 
-// What comes at another baud rate.
+// What is received at another baud rate.
 std::string ListenAt(HANDLE port, int rate, double seconds) {
   kv::SetPortBaudRate(port, static_cast<DWORD>(rate));
   PurgeComm(port, PURGE_RXCLEAR);
@@ -89,7 +89,7 @@ std::string ListenAt(HANDLE port, int rate, double seconds) {
   return received.substr(std::min<size_t>(received.size(), 1));
 }
 
-// For a port that talks, but makes no sense: the rates that its bytes speak for first, then the usual ones.
+// For a port that sends what makes no sense: first the rates that its bytes suggest, then the usual ones.
 void TryRates(Probe* probe, HANDLE port) {
   PortReport& report = probe->report;
   report.guessedRates = GuessRates(report.sample, static_cast<int>(kv::kCameraBaudRate));
@@ -118,7 +118,7 @@ DWORD WINAPI RunProbe(void* parameter) {
   if (port.isOpen()) {
     Listen(probe, port.handle());
     const bool isGarbage = !IsCamera(report) && report.stream.bytes > 0 && !LooksLikeText(report.sample);
-    if (isGarbage && !report.wentAway) TryRates(probe, port.handle());
+    if (isGarbage && !report.wasDisconnected) TryRates(probe, port.handle());
     port.Close();
   }
   report.hasAnswered = true;
@@ -154,8 +154,9 @@ std::vector<PortReport> Scan(Probes* probes) {
   const auto allDone = [&] {
     return std::ranges::all_of(*probes, [](const auto& probe) { return probe->isDone.load(); });
   };
-  while (!allDone() && camera::Now() < start + kGiveUpSeconds && !IsStopRequested())
+  while (!allDone() && camera::Now() < start + kGiveUpSeconds && !IsStopRequested()) {
     camera::WaitUntil(camera::Now() + 0.01, StopEvent());
+  }
   std::vector<PortReport> reports;
   for (const auto& probe : *probes) {
     if (probe->isDone) {
