@@ -1,14 +1,12 @@
 #include "gallery/pages.h"
 
 #include <cmath>
-#include <iterator>
-#include <string>
+#include <vector>
 
-#include "controls/display_instrument.h"
 #include "controls/instrument_block.h"
-#include "framework/control_class.h"
 #include "framework/numbers.h"
 #include "gallery/resource_ids.h"
+#include "toolkit/instruments.h"
 #include "toolkit/languages.h"
 #include "toolkit/pages.h"
 #include "toolkit/scaled_dialog.h"
@@ -29,15 +27,9 @@ double Wave(double seconds, double period, double phase = 0) {
   return std::sin((seconds / period + phase) * 2 * kv::kPi);
 }
 
-// All pure: what an instrument shows, so many seconds after the page came up.
-double Airspeed(double t) {
-  return 112 + 28 * Wave(t, 23) + 6 * Wave(t, 4.1);
-}
+// What more than one instrument shows, so many seconds after the system came up.
 double Heading(double t) {
   return 275 + 60 * Wave(t, 47) + 4 * Wave(t, 5.3);
-}
-double Altitude(double t) {
-  return 4200 + 1900 * Wave(t, 61);
 }
 double Climb(double t) {
   return 12 * Wave(t, 61, 0.25) + 1.5 * Wave(t, 3.7);
@@ -45,34 +37,8 @@ double Climb(double t) {
 double Power(double t) {
   return 68 + 26 * Wave(t, 61, 0.2);
 }
-double Fuel(double t) {
-  return 96 - std::fmod(t / 2, 90.0);
-}
-double Latitude(double t) {
-  return 52.3961 + t / 7200;
-}
-double Longitude(double t) {
-  return -1.2044 + t / 5400;
-}
-double Voltage(double t) {
-  return 12.6 + 0.35 * Wave(t, 11) + 0.04 * Wave(t, 0.9);
-}
-double Signal(double t) {
-  return 62 + 30 * Wave(t, 13) + 6 * Wave(t, 1.7);
-}
-double Noise(double t) {
-  return 28 + 12 * Wave(t, 7) + 8 * Wave(t, 2.3);
-}
-double Acceleration(double t) {
-  return 1.02 + 0.6 * Wave(t, 9) + 0.1 * Wave(t, 1.1);
-}
 
 // ---- The instruments -----------------------------------------------------------------------------------------------
-
-struct Zone {
-  float lower, upper;
-  COLORREF color;
-};
 
 // In the order of their texts.
 enum Name {
@@ -97,113 +63,98 @@ enum Name {
 
 struct Instrument {
   Name name;
-  const char* unit;
-  float minimum, maximum, step;
-  BYTE format;
+  kv::InstrumentRange range;
   COLORREF color;
   double (*value)(double seconds);  // null where the control shows a time of its own or no value
-  Zone zones[kv::kInstrumentZones];
+  std::vector<kv::InstrumentZone> zones = {};
 };
-
-constexpr Zone kSpeedZones[] = {{45, 120, kGreen}, {120, 145, kAmber}, {145, 160, kRed}};
 
 // In the order of the controls.
-constexpr Instrument kInstruments[] = {
-    {kAirspeed, "kn", 0, 160, 1, 0, kRed, Airspeed, {kSpeedZones[0], kSpeedZones[1], kSpeedZones[2]}},
-    {kHeading, "\xB0", -360, 360, 1, 0, kAmber, Heading, {}},
-    {kAltitude, "ft", 0, 10000, 10, 0, kRed, Altitude, {}},
-    {kClimb, "m/s", -20, 20, 0.1f, 1, kRed, Climb, {}},
-    {kPower, "%", 0, 100, 4, 0, kGreen, Power, {{75, 88, kAmber}, {88, 100, kRed}}},
-    {kFuel, "%", 0, 100, 4, 0, kCyan, Fuel, {{20, 20, kRed}}},
-    {kLatitude, "NS", -90, 90, 0.0001f, 0, kGreen, Latitude, {}},
-    {kLongitude, "EW", -180, 180, 0.0001f, 0, kGreen, Longitude, {}},
-    {kTime, "", 0, 1, 1, 0, kRed, nullptr, {}},
-    {kVoltage, "V", 0, 99, 0.01f, 2, kCyan, Voltage, {}},
-    {kSignal, "%", 0, 100, 4, 0, kGreen, Signal, {{70, 85, kAmber}, {85, 100, kRed}}},
-    {kNoise, "%", 0, 100, 4, 0, kAmber, Noise, {}},
-    {kAcceleration, "g", -4, 9, 0.01f, 2 | kv::kFormatSign, kAmber, Acceleration, {}},
-    {kDate, "", 0, 1, 1, 0, kRed, nullptr, {}},
-    {kDisabled, "%", 0, 100, 1, 0, kRed, Power, {{0, 60, kGreen}, {60, 85, kAmber}, {85, 100, kRed}}},
-    {kDisabled, "\xB0", -360, 360, 1, 0, kRed, Heading, {}},
-    {kDisabled, "%", 0, 999, 1, 0, kRed, Power, {}},
-    {kNoValue, "%", 0, 100, 1, 0, kRed, nullptr, {}},
-    {kNoValue, "%", 0, 999, 1, 1, kRed, nullptr, {}},
-    {kSmall, "%", 0, 100, 1, 0, kRed, Power, {{0, 60, kGreen}, {60, 85, kAmber}, {85, 100, kRed}}},
-    {kSmall, "\xB0", -360, 360, 1, 0, kRed, Heading, {}},
-    {kSmall, "%", 0, 999, 1, 0, kRed, Power, {}},
-    {kSmall, "%", 0, 100, 10, 0, kGreen, Power, {}},
-    {kSmall, "%", -20, 20, 0.1f, 1, kRed, Climb, {}},
+const Instrument kInstruments[] = {
+    {kAirspeed,
+     {.maximum = 160, .unit = L"kn", .step = 1},
+     kRed,
+     [](double t) { return 112 + 28 * Wave(t, 23) + 6 * Wave(t, 4.1); },
+     {{45, 120, kGreen}, {120, 145, kAmber}, {145, 160, kRed}}},
+    {kHeading, {-360, 360, L"\u00B0", 1}, kAmber, Heading},
+    {kAltitude, {0, 10000, L"ft", 10}, kRed, [](double t) { return 4200 + 1900 * Wave(t, 61); }},
+    {kClimb, {-20, 20, L"m/s", 0.1}, kRed, Climb},
+    {kPower, {0, 100, L"%", 4}, kGreen, Power, {{75, 88, kAmber}, {88, 100, kRed}}},
+    {kFuel, {0, 100, L"%", 4}, kCyan, [](double t) { return 96 - std::fmod(t / 2, 90.0); }, {{20, 20, kRed}}},
+    {kLatitude, {-90, 90, L"NS", 0.0001, 0}, kGreen, [](double t) { return 52.3961 + t / 7200; }},
+    {kLongitude, {-180, 180, L"EW", 0.0001, 0}, kGreen, [](double t) { return -1.2044 + t / 5400; }},
+    {kTime, {0, 1, L""}, kRed, nullptr},
+    {kVoltage, {0, 99, L"V", 0.01}, kCyan, [](double t) { return 12.6 + 0.35 * Wave(t, 11) + 0.04 * Wave(t, 0.9); }},
+    {kSignal,
+     {0, 100, L"%", 4},
+     kGreen,
+     [](double t) { return 62 + 30 * Wave(t, 13) + 6 * Wave(t, 1.7); },
+     {{70, 85, kAmber}, {85, 100, kRed}}},
+    {kNoise, {0, 100, L"%", 4}, kAmber, [](double t) { return 28 + 12 * Wave(t, 7) + 8 * Wave(t, 2.3); }},
+    {kAcceleration, {-4, 9, L"g", 0.01}, kAmber, [](double t) { return 1.02 + 0.6 * Wave(t, 9) + 0.1 * Wave(t, 1.1); }},
+    {kDate, {0, 1, L""}, kRed, nullptr},
+    {kDisabled, {0, 100, L"%", 1}, kRed, Power, {{0, 60, kGreen}, {60, 85, kAmber}, {85, 100, kRed}}},
+    {kDisabled, {-360, 360, L"\u00B0", 1}, kRed, Heading},
+    {kDisabled, {0, 999, L"%", 1}, kRed, Power},
+    {kNoValue, {0, 100, L"%", 1}, kRed, nullptr},
+    {kNoValue, {0, 999, L"%", 1, 1}, kRed, nullptr},
+    {kSmall, {0, 100, L"%", 1}, kRed, Power, {{0, 60, kGreen}, {60, 85, kAmber}, {85, 100, kRed}}},
+    {kSmall, {-360, 360, L"\u00B0", 1}, kRed, Heading},
+    {kSmall, {0, 999, L"%", 1}, kRed, Power},
+    {kSmall, {0, 100, L"%", 10}, kGreen, Power},
+    {kSmall, {-20, 20, L"%", 0.1}, kRed, Climb},
 };
 constexpr int kFirstWithoutState = 14;  // from there on the state is the point, and stays
-
-HWND ControlOf(HWND page, int index) {
-  return GetDlgItem(page, IDC_INSTRUMENTS + index);
-}
-
-void Send(HWND control, WPARAM wParam, const void* item) {
-  SendMessageA(control, kv::kControlCommand, wParam, reinterpret_cast<LPARAM>(item));
-}
-
-std::string NameOf(const Instrument& instrument) {
-  const std::wstring name = kv::ResourceText(IDS_INSTRUMENTS_NAME + instrument.name);
-  char bytes[sizeof(kv::InstrumentBlock::szName)] = "";
-  WideCharToMultiByte(CP_UTF8, 0, name.c_str(), -1, bytes, sizeof(bytes) - 1, nullptr, nullptr);
-  return bytes;
-}
-
-void Describe(HWND control, const Instrument& instrument) {
-  const std::string name = NameOf(instrument);
-  kv::InstrumentBlock block =
-      kv::BuildDefaultBlock({instrument.minimum, instrument.maximum, instrument.step, instrument.format,
-                             instrument.color, instrument.unit, name.c_str()});
-  for (int i = 0; i < kv::kInstrumentZones; ++i) {
-    const Zone& zone = instrument.zones[i];
-    if (zone.color == 0) continue;
-    block.zones[i] = {zone.lower, zone.upper, zone.color, {}, 0};
-    block.state |= kv::ZoneEnabledBit(i);
-  }
-  if (!instrument.value) block.state |= kv::kInstrumentNoValue;
-  Send(control, kv::kCommandBlock | kv::kCommandRedraw, &block);
-}
 
 bool IsChecked(HWND page, int id) {
   return IsDlgButtonChecked(page, id) == BST_CHECKED;
 }
 
-void ShowClock(HWND control, bool valid) {
+void ShowClock(HWND page, int id, bool valid) {
   SYSTEMTIME now;
   GetLocalTime(&now);
-  const float any = 0;
-  Send(control, kv::kCommandValue | kv::kCommandRedraw, valid ? &any : nullptr);
-  Send(control, kv::kCommandTime | kv::kCommandRedraw, &now);
+  kv::SetInstrumentValue(page, id, valid ? 0 : NAN, FALSE);
+  kv::SetInstrumentTime(page, id, now);
 }
 
 INT_PTR ShowSample(HWND page) {
   const double seconds = GetTickCount() / 1000.0;
   const bool valid = IsChecked(page, IDC_INSTRUMENTS_VALID);
-  const WPARAM flags =
-      kv::kCommandValue | kv::kCommandRedraw | (IsChecked(page, IDC_INSTRUMENTS_GLIDE) ? kv::kValueGlide : 0);
-  for (int i = 0; i < static_cast<int>(std::size(kInstruments)); ++i) {
-    if (!kInstruments[i].value) continue;
-    const auto value = static_cast<float>(kInstruments[i].value(seconds));
-    Send(ControlOf(page, i), flags, valid || i >= kFirstWithoutState ? &value : nullptr);
+  const BOOL glide = IsChecked(page, IDC_INSTRUMENTS_GLIDE);
+  int id = IDC_INSTRUMENTS;
+  for (const Instrument& instrument : kInstruments) {
+    const bool shown = instrument.value && (valid || id - IDC_INSTRUMENTS >= kFirstWithoutState);
+    if (instrument.name == kTime || instrument.name == kDate) {
+      ShowClock(page, id, valid);
+    } else {
+      kv::SetInstrumentValue(page, id, shown ? instrument.value(seconds) : NAN, shown && glide);
+    }
+    ++id;
   }
-  ShowClock(ControlOf(page, kTime), valid);
-  ShowClock(ControlOf(page, kDate), valid);
   return TRUE;
 }
 
 // ---- Messages ------------------------------------------------------------------------------------------------------
 
-void OnTextsChanged(HWND page) {
-  for (int i = 0; i < static_cast<int>(std::size(kInstruments)); ++i) Describe(ControlOf(page, i), kInstruments[i]);
-  ShowSample(page);
+INT_PTR OnTextsChanged(HWND page) {
+  int id = IDC_INSTRUMENTS;
+  for (const Instrument& instrument : kInstruments) {
+    kv::SetInstrumentName(page, id++, kv::ResourceText(IDS_INSTRUMENTS_NAME + instrument.name).c_str());
+  }
+  return TRUE;
 }
 
 void OnInit(HWND page) {
   for (const int id : {IDC_INSTRUMENTS_GLIDE, IDC_INSTRUMENTS_VALID, IDC_INSTRUMENTS_ENABLED}) {
     CheckDlgButton(page, id, BST_CHECKED);
   }
+  int id = IDC_INSTRUMENTS;
+  for (const Instrument& instrument : kInstruments) {
+    kv::SetInstrumentRange(page, id, instrument.range);
+    kv::SetInstrumentZones(page, id, instrument.zones);
+    kv::SetInstrumentColor(page, id++, instrument.color);
+  }
+  ShowSample(page);
 }
 
 INT_PTR OnShown(HWND page, bool shown) {
@@ -215,7 +166,7 @@ INT_PTR OnShown(HWND page, bool shown) {
 INT_PTR OnCommand(HWND page, int id) {
   if (id == IDC_INSTRUMENTS_ENABLED) {
     const BOOL enabled = IsChecked(page, IDC_INSTRUMENTS_ENABLED);
-    for (int i = 0; i < kFirstWithoutState; ++i) EnableWindow(ControlOf(page, i), enabled);
+    for (int i = 0; i < kFirstWithoutState; ++i) EnableWindow(GetDlgItem(page, IDC_INSTRUMENTS + i), enabled);
   }
   return id == IDC_INSTRUMENTS_VALID ? ShowSample(page) : TRUE;
 }
@@ -226,7 +177,7 @@ INT_PTR CALLBACK InstrumentsPageProcedure(HWND page, UINT message, WPARAM wParam
   switch (message) {
     case WM_INITDIALOG: OnInit(page); break;
     case WM_TIMER: return ShowSample(page);
-    case kv::kLanguageChanged: OnTextsChanged(page); break;
+    case kv::kLanguageChanged: return OnTextsChanged(page);
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam));
     case kv::kPageShown: return OnShown(page, wParam != 0);
     default: break;

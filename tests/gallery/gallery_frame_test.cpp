@@ -258,22 +258,6 @@ TEST_F(GalleryFrame, TheListKeepsItsKeysAndShowsRowsToItsEndAtEverySize) {
   }
 }
 
-TEST_F(GalleryFrame, TheMeshTurnsAndZoomsByKeysAndWheel) {
-  SelectPage(frame_, PAGE_INDEX_MESH);
-  const HWND view = GetDlgItem(ShownPage(), IDC_MESH_VIEW);
-  RunMeshView(view, FALSE);
-  ASSERT_TRUE(kv::FocusFirstControl(ShownPage()));
-  MeshViewFigures before{}, after{};
-  GetMeshViewFigures(view, &before);
-  for (const WPARAM key : {VK_LEFT, VK_DOWN, VK_ADD}) Press(key);
-  GetMeshViewFigures(view, &after);
-  EXPECT_TRUE(after.turn != before.turn && after.tilt > before.tilt && after.zoom > before.zoom);
-  SendMessageW(view, WM_MOUSEWHEEL, MAKEWPARAM(0, static_cast<WORD>(-2 * WHEEL_DELTA)), 0);
-  GetMeshViewFigures(view, &after);
-  EXPECT_LT(after.zoom, before.zoom);
-  Press(VK_HOME);
-}
-
 // ---- Texts, directions, colours, fonts -----------------------------------------------------------------------------
 
 TEST_F(GalleryFrame, NumbersAndDatesFollowTheLanguage) {
@@ -321,26 +305,6 @@ TEST_F(GalleryFrame, ArabicIsMirroredButForPicturesInstrumentsAndReadOuts) {
     for (HWND window : kept) EXPECT_FALSE(isMirrored(window)) << GetDlgCtrlID(window);
     GetWindowRect(PageList(), &after);
     EXPECT_EQ(arabic, after.left > before.left);
-  }
-}
-
-TEST_F(GalleryFrame, LabelsHaveTheSystemsColoursAndOneFontAlsoWhenTheyBeginEmpty) {
-  SelectPage(frame_, PAGE_INDEX_MESH);
-  const kvtest::Picture picture(8, 8);
-  SetTextColor(picture.dc(), 0x123456);
-  const HWND figures = GetDlgItem(ShownPage(), IDC_MESH_FIGURES), hint = GetDlgItem(ShownPage(), IDC_MESH_HINT);
-  SendMessageW(ShownPage(), WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(picture.dc()),
-               reinterpret_cast<LPARAM>(figures));
-  EXPECT_EQ(GetSysColor(COLOR_BTNTEXT), GetTextColor(picture.dc()));
-  const auto height = [](HWND label) {
-    LOGFONTW font{};
-    GetObjectW(reinterpret_cast<HFONT>(SendMessageW(label, WM_GETFONT, 0, 0)), sizeof(font), &font);
-    return font.lfHeight;
-  };
-  SetWindowTextW(figures, L"");
-  for (const SIZE size : {SIZE{1600, 1000}, SIZE{760, 576}}) {
-    Size(size.cx, size.cy);
-    EXPECT_EQ(height(hint), height(figures));
   }
 }
 

@@ -9,53 +9,24 @@
 #include <string>
 #include <utility>
 
-#include "framework/file_path.h"
 #include "framework/guards.h"
 #include "samples/instrument_panel/ids.h"
+#include "tests/support/running_program.h"
 #include "tests/support/test_window.h"
 #include "toolkit/dde_conversation.h"
 
 namespace {
 
+using kvtest::TextOf;
 using kvtest::WaitUntil;
 constexpr std::chrono::seconds kPatience(20);
 
-std::wstring TextOf(HWND window) {
-  wchar_t text[1024] = L"";
-  SendMessageW(window, WM_GETTEXT, ARRAYSIZE(text), reinterpret_cast<LPARAM>(text));
-  return text;
-}
-
-// A program of the build, started from its folder. Ended with the object if it does not end by itself.
-class Program {
- public:
-  explicit Program(const std::wstring& program, const std::wstring& arguments = L"") {
-    wchar_t here[kv::kPathCharacters] = L"";
-    kv::ProgramDirectory(here);
-    std::wstring command = L"\"" + std::wstring(here) + L"..\\" + program + L"\" " + arguments;
-    STARTUPINFOW startUp{};
-    startUp.cb = sizeof(startUp);
-    EXPECT_TRUE(
-        CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startUp, &process_));
-  }
-  ~Program() {
-    if (WaitForSingleObject(process_.hProcess, 0) == WAIT_TIMEOUT) TerminateProcess(process_.hProcess, 99);
-    CloseHandle(process_.hThread);
-    CloseHandle(process_.hProcess);
-  }
-  Program(const Program&) = delete;
-  Program& operator=(const Program&) = delete;
-
- protected:
-  PROCESS_INFORMATION process_{};
-};
-
 // A running sample and its window.
-class Sample : public Program {
+class Sample : public kvtest::RunningProgram {
  public:
-  Sample(const std::wstring& name, const wchar_t* caption) : Program(L"..\\samples\\" + name + L".exe") {
-    EXPECT_TRUE(WaitUntil([&] { return (window_ = FindWindowW(L"kvDialog", caption)) && IsWindowVisible(window_); },
-                          kPatience));
+  Sample(const std::wstring& name, const wchar_t* caption)
+      : RunningProgram(kvtest::BuildFolder(L"samples") / (name + L".exe"), L"") {
+    EXPECT_TRUE(WaitUntil([&] { return (window_ = Find(L"kvDialog", caption)) != nullptr; }, kPatience));
   }
   HWND window() const { return window_; }
   HWND Control(int id) const { return GetDlgItem(window_, id); }
@@ -78,13 +49,7 @@ class Sample : public Program {
     MapWindowPoints(nullptr, window_, reinterpret_cast<POINT*>(&place), 2);
     return place;
   }
-  DWORD Close() {
-    PostMessageW(window_, WM_CLOSE, 0, 0);
-    WaitForSingleObject(process_.hProcess, static_cast<DWORD>(std::chrono::milliseconds(kPatience).count()));
-    DWORD code = 0;
-    GetExitCodeProcess(process_.hProcess, &code);
-    return code;
-  }
+  DWORD Close() const { return RunningProgram::Close(window_); }
 
  private:
   HWND window_ = nullptr;
@@ -147,7 +112,8 @@ TEST(Samples, ATrackIsExportedThreeWays) {
   PostMessageW(track.Control(kSpreadsheet), BM_CLICK, 0, 0);
   EXPECT_TRUE(says(L"No spreadsheet is open."));
 
-  const Program spreadsheet(L"export\\dde_server.exe", L"dde_server.log Excel System,[Book1]Sheet1");
+  const kvtest::RunningProgram spreadsheet(kvtest::BuildFolder(L"tests") / L"export\\dde_server.exe",
+                                           L"dde_server.log Excel System,[Book1]Sheet1");
   EXPECT_TRUE(WaitUntil([] { return kv::DdeConversation("Excel", "System").Poke("Selection", "[Book1]Sheet1!R1C1"); },
                         kPatience));
   PostMessageW(track.Control(kSpreadsheet), BM_CLICK, 0, 0);

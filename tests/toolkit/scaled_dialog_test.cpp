@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "framework/dialog.h"
@@ -105,6 +106,11 @@ TEST_F(ScaledDialogTest, ScalesKeepsItsSmallestSizeAndItsPlace) {
   EXPECT_EQ(3, ScaleOf(dialog).y);
   const auto font = reinterpret_cast<HGDIOBJ>(SendDlgItemMessageA(dialog, IDC_OUTSIDE, WM_GETFONT, 0, 0));
   EXPECT_EQ(static_cast<DWORD>(OBJ_FONT), GetObjectType(font));  // the others had the same one, and got new ones
+  LOGFONTW empty{}, full{};
+  for (const auto& [id, look] : {std::pair(IDC_EMPTY, &empty), {IDC_LABEL, &full}}) {
+    GetObjectW(reinterpret_cast<HGDIOBJ>(SendDlgItemMessageW(dialog, id, WM_GETFONT, 0, 0)), sizeof(*look), look);
+  }
+  EXPECT_EQ(full.lfHeight, empty.lfHeight);
   SendDlgItemMessageA(dialog, IDC_ROWS, LB_SETCOUNT, 5, 0);
   EXPECT_EQ(kHeaderRow, ListRowAt(GetDlgItem(dialog, IDC_ROWS), {0, 50}));  // a row of 3 x 17
   EXPECT_EQ(0u, ListRowAt(GetDlgItem(dialog, IDC_ROWS), {0, 51}));
