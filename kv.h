@@ -4,6 +4,10 @@
 // interface of the other folders, which programs may call as well.
 #pragma once
 
+#ifdef _WIN64
+#error kv is a 32-bit library: build for Win32
+#endif
+
 // IWYU pragma: begin_exports
 #include "capture/video_capture.h"
 #include "controls/display_instrument.h"

@@ -344,8 +344,7 @@ void HandPointsToChart(AppContext* context) {
   for (int i = 0; i < kPointCount; ++i) exchange.points[i] = context->points[i];
   // After the copy: a change that falls between is shown with the next record.
   context->bChanged = FALSE;
-  SendMessageA(context->controls.chart, kControlCommand, kCommandRedraw | kChartPoints,
-               reinterpret_cast<LPARAM>(&exchange));
+  SendMessageA(context->controls.chart, CHART_CMD, kCommandRedraw | kChartPoints, reinterpret_cast<LPARAM>(&exchange));
 }
 
 void OnPointsTimer(AppContext* context) {

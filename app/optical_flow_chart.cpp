@@ -295,7 +295,7 @@ LRESULT CALLBACK ChartProcedure(HWND window, UINT message, WPARAM wParam, LPARAM
     case WM_SIZE: return state ? OnSize(state) : 1;
     case WM_PAINT: return state ? OnPaint(window) : OnPaintWithoutState(window);
     case WM_COPY: return state ? OnCopy(state, lParam) : 1;
-    case kControlCommand: return state ? OnCommand(state, wParam, lParam) : 1;
+    case CHART_CMD: return state ? OnCommand(state, wParam, lParam) : 1;
     case WM_GETDLGCODE: return DLGC_STATIC;
     case WM_GETOBJECT: return AnswerGetObject(window, wParam, lParam, ROLE_SYSTEM_CHART, Describe);
     case WM_DROPFILES: return SendMessageA(GetParent(window), message, wParam, lParam);

@@ -4,7 +4,7 @@
 // files go to the parent. Styles: none of its own. Notifications: none.
 //
 // Messages:
-//   kControlCommand (WM_USER + 3)  see ChartCommand; result 0, or 1 if the record or the address in lParam is bad
+//   CHART_CMD (WM_USER + 3)        see ChartCommand; result 0, or 1 if the record or the address in lParam is bad
 //   WM_COPY                        puts a picture on the clipboard as CF_BITMAP, at the client size or, with lParam, at
 //                                  width (low word) x height (high word), each clamped to 64..5120 pixels; result 0
 //   WM_GETDLGCODE                  DLGC_STATIC
@@ -17,11 +17,15 @@
 #include <windows.h>
 
 #include "app/camera_record.h"
+#include "framework/control_class.h"
 
 namespace kv {
 
 inline constexpr char kChartClass[] = "kvOpticalFlowChart";
 inline constexpr int kMarkerIconFirst = 1000;
+
+// The chart's command message, the one of all controls.
+inline constexpr UINT CHART_CMD = kControlCommand;
 
 // Operation codes, the low byte of the command's wParam.
 enum ChartCommand : BYTE {

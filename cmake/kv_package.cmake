@@ -23,11 +23,13 @@ install(TARGETS kv EXPORT kvTargets
 install(FILES ${PROJECT_BINARY_DIR}/generated/framework/version.h DESTINATION include/kv/framework COMPONENT sdk)
 install(EXPORT kvTargets NAMESPACE kv:: DESTINATION ${package_dir} COMPONENT sdk)
 configure_package_config_file(cmake/kvConfig.cmake.in kvConfig.cmake INSTALL_DESTINATION ${package_dir})
-write_basic_package_version_file(kvConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+# Of its architecture the package speaks itself, in plainer words.
+write_basic_package_version_file(kvConfigVersion.cmake COMPATIBILITY SameMinorVersion ARCH_INDEPENDENT)
 install(FILES
   ${CMAKE_CURRENT_BINARY_DIR}/kvConfig.cmake
   ${CMAKE_CURRENT_BINARY_DIR}/kvConfigVersion.cmake
   cmake/kv_resource_library.cmake
+  cmake/mingw-w64-i686.cmake
   DESTINATION ${package_dir} COMPONENT sdk)
 install(FILES LICENSE DESTINATION share/licenses/kv COMPONENT sdk)
 install(DIRECTORY samples DESTINATION share/kv COMPONENT sdk)

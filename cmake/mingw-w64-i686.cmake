@@ -1,4 +1,5 @@
-# Cross tool chain: 32-bit Windows programs from Linux. Wine runs what was built (tests, resource steps).
+# Cross tool chain: 32-bit Windows programs from Linux, for this tree and for programs that use the library. Wine runs what
+# was built (tests, resource steps).
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 

@@ -124,26 +124,26 @@ void Notify(HWND window, WORD code) {
 }
 
 LRESULT OnLeftButtonDown(HWND window, WPARAM wParam, LPARAM lParam) {
-  const LRESULT result = PassClickThrough(window, WM_LBUTTONDOWN, wParam, lParam);
+  const LRESULT result = ForwardMouseMessage(window, WM_LBUTTONDOWN, wParam, lParam);
   if (result) Notify(window, kBitmapLeftClick);
   return result;
 }
 
 LRESULT OnDoubleClick(HWND window, WPARAM wParam, LPARAM lParam) {
-  PassClickThrough(window, WM_LBUTTONDBLCLK, wParam, lParam);
+  ForwardMouseMessage(window, WM_LBUTTONDBLCLK, wParam, lParam);
   SendMessageA(window, WM_COPY, 0, 0);
   Notify(window, kBitmapDoubleClick);
   return 0;
 }
 
 LRESULT OnOtherButtonDown(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  PassClickThrough(window, message, wParam, lParam);
+  ForwardMouseMessage(window, message, wParam, lParam);
   Notify(window, message == WM_RBUTTONDOWN ? kBitmapRightClick : kBitmapMiddleClick);
   return 0;
 }
 
 LRESULT OnPassThrough(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  PassClickThrough(window, message, wParam, lParam);
+  ForwardMouseMessage(window, message, wParam, lParam);
   return 0;
 }
 

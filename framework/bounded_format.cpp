@@ -40,7 +40,7 @@ template <class Character>
 HRESULT Format(Character* buffer, size_t size, const Character* format, _locale_t locale, va_list arguments) {
   if (size == 0 || size > SIZE_MAX / sizeof(Character) || IsBadWritePtr(buffer, size * sizeof(Character)) ||
       IsBadFormat(format)) {
-    return kFormatRefused;
+    return kFormatInvalid;
   }
   const size_t room = size - 1;
   const int length = Print(buffer, room, format, locale, arguments);
@@ -48,7 +48,7 @@ HRESULT Format(Character* buffer, size_t size, const Character* format, _locale_
   // characters without a terminator.
   const bool fits = length >= 0 && static_cast<size_t>(length) <= room;
   if (!fits || static_cast<size_t>(length) == room) buffer[room] = 0;
-  return fits ? kFormatDone : kFormatCut;
+  return fits ? kFormatDone : kFormatTruncated;
 }
 
 }  // namespace

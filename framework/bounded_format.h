@@ -12,8 +12,8 @@
 namespace kv {
 
 inline constexpr HRESULT kFormatDone = 0;
-inline constexpr HRESULT kFormatRefused = static_cast<HRESULT>(0x80070057);  // bad pointer, or a buffer of size 0
-inline constexpr HRESULT kFormatCut = static_cast<HRESULT>(0x8007007A);      // did not fit, or the formatter failed
+inline constexpr HRESULT kFormatInvalid = static_cast<HRESULT>(0x80070057);    // bad pointer, or a buffer of size 0
+inline constexpr HRESULT kFormatTruncated = static_cast<HRESULT>(0x8007007A);  // did not fit, or the formatter failed
 
 // Formats with the C runtime's wide printf rules ("%s" is a wide text) in the locale that setlocale has set.
 // `sizeBytes` is the buffer's size in bytes; an odd byte is not used. A text that does not fit is cut, the last

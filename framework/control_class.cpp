@@ -122,7 +122,7 @@ bool MovesFocus(UINT message) {
 
 }  // namespace
 
-LRESULT PassClickThrough(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT ForwardMouseMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   POINT cursor{};
   GetCursorPos(&cursor);
   for (HWND sibling : ChildrenInZOrder(GetParent(window))) {

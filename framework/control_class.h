@@ -3,6 +3,10 @@
 // control beneath another. Main thread only.
 #pragma once
 
+#ifdef _WIN64
+#error kv is a 32-bit library: build for Win32
+#endif
+
 #include <windows.h>
 
 namespace kv {
@@ -74,6 +78,6 @@ ControlKind ClassifyControl(HWND window);
 // In the first two cases lParam is the address of a POINT with the cursor in the sibling's client coordinates, valid
 // during the call, and the result is the sibling's. Otherwise the result is 1. Each sibling is visited at most once;
 // one that destroys itself ends the walk. `window` itself may be gone afterwards.
-LRESULT PassClickThrough(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT ForwardMouseMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 }  // namespace kv

@@ -163,7 +163,7 @@ BOOL RemoveNotificationIcon(HWND owner, UINT id) {
   return answer;
 }
 
-HDEVNOTIFY DeviceNotices(HANDLE target, BOOL registerThem) {
+HDEVNOTIFY RegisterDeviceNotifications(HANDLE target, BOOL registerThem) {
   if (!registerThem) {
     notificationCalls.unregisterDevices(target);
     return nullptr;

@@ -39,7 +39,7 @@ BOOL RemoveNotificationIcon(HWND owner, UINT id);
 
 // Non-zero `registerThem`: has WM_DEVICECHANGE sent to the window `target` whenever a USB device comes or goes, and
 // returns the notification's handle, or 0 if that failed. Zero: ends the notification `target`, and returns 0.
-HDEVNOTIFY DeviceNotices(HANDLE target, BOOL registerThem);
+HDEVNOTIFY RegisterDeviceNotifications(HANDLE target, BOOL registerThem);
 
 // The system calls behind all this. A test puts its own functions here; production code never does.
 struct NotificationCalls {

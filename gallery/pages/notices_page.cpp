@@ -49,8 +49,8 @@ void AddOrChange(HWND page, bool add) {
 }
 
 void ListenToDevices(HWND page, bool listen) {
-  if (deviceNotices) kv::DeviceNotices(deviceNotices, FALSE);
-  deviceNotices = listen ? kv::DeviceNotices(page, TRUE) : nullptr;
+  if (deviceNotices) kv::RegisterDeviceNotifications(deviceNotices, FALSE);
+  deviceNotices = listen ? kv::RegisterDeviceNotifications(page, TRUE) : nullptr;
 }
 
 void ToggleDevices(HWND page) {

@@ -235,7 +235,7 @@ TEST_F(SimpleBitmap, SiblingsMayReorderOrDestroyWhatIsWalked) {
   const auto visitsWhen = [&](std::function<void(Probe&)> react) {
     visits = 0;
     for (Probe& probe : probes) probe.react = [&](Probe& self) { ++visits < 100 ? react(self) : void(); };
-    EXPECT_EQ(1, PassClickThrough(control, WM_COMMAND, 0, 0));
+    EXPECT_EQ(1, ForwardMouseMessage(control, WM_COMMAND, 0, 0));
     return visits;
   };
   // Each raises itself: a walk along the live order would go on for ever.

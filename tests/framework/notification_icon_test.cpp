@@ -115,7 +115,7 @@ TEST_F(Recorded, IconsComeBackAsTheyWereWhenTheTaskbarStartsAnew) {
 }
 
 TEST_F(Recorded, DeviceNoticesAskForUsbAndEndWhatTheyBegan) {
-  EXPECT_EQ(owner_, DeviceNotices(owner_, TRUE));
+  EXPECT_EQ(owner_, RegisterDeviceNotifications(owner_, TRUE));
   EXPECT_TRUE(seenFilter.dbcc_size == 29 && seenFilter.dbcc_devicetype == 5);
   EXPECT_TRUE(seenFilter.dbcc_reserved == 0 && seenFilter.dbcc_name[0] == '\0');
   wchar_t guid[40];
@@ -123,9 +123,9 @@ TEST_F(Recorded, DeviceNoticesAskForUsbAndEndWhatTheyBegan) {
   EXPECT_STREQ(L"{A5DCBF10-6530-11D2-901F-00C04FB951ED}", guid);
 
   const auto noWindow = reinterpret_cast<HANDLE>(0x1234);
-  EXPECT_EQ(nullptr, DeviceNotices(noWindow, FALSE));
+  EXPECT_EQ(nullptr, RegisterDeviceNotifications(noWindow, FALSE));
   EXPECT_EQ(noWindow, endedNotices);
-  EXPECT_EQ(nullptr, DeviceNotices(noWindow, TRUE));
+  EXPECT_EQ(nullptr, RegisterDeviceNotifications(noWindow, TRUE));
 }
 
 TEST(Notifications, TheRealShellKnowsTheIconUntilItIsRemoved) {
@@ -135,9 +135,9 @@ TEST(Notifications, TheRealShellKnowsTheIconUntilItIsRemoved) {
   EXPECT_TRUE(ChangeNotificationIcon(owner, 3, nullptr, "changed"));
   EXPECT_TRUE(RemoveNotificationIcon(owner, 3));
   EXPECT_FALSE(ChangeNotificationIcon(owner, 3, nullptr, "gone"));
-  const HDEVNOTIFY notices = DeviceNotices(owner, TRUE);
+  const HDEVNOTIFY notices = RegisterDeviceNotifications(owner, TRUE);
   EXPECT_NE(nullptr, notices);
-  EXPECT_EQ(nullptr, DeviceNotices(notices, FALSE));
+  EXPECT_EQ(nullptr, RegisterDeviceNotifications(notices, FALSE));
 }
 
 }  // namespace

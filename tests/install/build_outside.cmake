@@ -24,9 +24,19 @@ step("Building" ${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 include(${CMAKE_CURRENT_LIST_DIR}/../support/take_desktop.cmake)
 step("Running" ${EMULATOR} ${WORK_DIR}/build/outside.exe)
 
-# The samples stand on their own in what is installed.
+# The samples stand on their own in what is installed, which brings a tool chain file. What is no 32-bit build is told so.
 if(WAY STREQUAL "find_package")
   set(samples ${WORK_DIR}/samples)
+  if(TOOLCHAIN)
+    list(APPEND options -DCMAKE_TOOLCHAIN_FILE=${WORK_DIR}/sdk/lib/cmake/kv/mingw-w64-i686.cmake)
+    file(WRITE ${WORK_DIR}/plain/CMakeLists.txt
+      "cmake_minimum_required(VERSION 3.25)\nproject(Plain LANGUAGES NONE)\nfind_package(kv CONFIG REQUIRED)\n")
+    execute_process(COMMAND ${CMAKE_COMMAND} -S ${WORK_DIR}/plain -B ${WORK_DIR}/plain -DCMAKE_PREFIX_PATH=${WORK_DIR}/sdk
+      RESULT_VARIABLE result OUTPUT_QUIET ERROR_VARIABLE output)
+    if(result EQUAL 0 OR NOT output MATCHES "kv is a 32-bit library")
+      message(FATAL_ERROR "What is no 32-bit build was not told so:\n${output}")
+    endif()
+  endif()
   step("Configuring the samples" ${CMAKE_COMMAND} -S ${WORK_DIR}/sdk/share/kv/samples -B ${samples} ${options})
   step("Building a sample" ${CMAKE_COMMAND} --build ${samples} --target instrument_panel)
 endif()
