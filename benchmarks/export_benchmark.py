@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""camtool export beside the plain script that one would write instead: a recording of a million records (57 MB) becomes
-comma-separated values by both, of which the bytes must be the same. Called by export_benchmark.sh.
+"""camtool export beside the plain script that one would write instead: both convert a recording of a million records
+(57 MB) to comma-separated values, and must give the same bytes. Called by export_benchmark.sh.
 
     export_benchmark.py WORK_FOLDER COMMAND...      the command that starts camtool
 """
@@ -62,8 +62,9 @@ def main() -> int:
     seconds, memory = timed([*camtool, "export", str(recording), str(ours)])
     script_seconds, _ = timed([sys.executable, __file__, "--script", str(recording), str(theirs)])
     same = ours.read_bytes() == theirs.read_bytes()
-    print(f"camtool {seconds:.2f} s ({memory} MB), script {script_seconds:.2f} s: {seconds / script_seconds:.2f} times; "
-          f"bytes {'the same' if same else 'DIFFER'}")
+    ratio = seconds / script_seconds
+    print(f"camtool {seconds:.2f} s ({memory} MB), script {script_seconds:.2f} s, ratio {ratio:.2f}, "
+          f"{'the same bytes' if same else 'DIFFERENT BYTES'}")
     return 0 if same else 1
 
 

@@ -86,7 +86,6 @@ Decoded TakeChunk(RecordingDecoder* decoder, std::string_view body, std::uint64_
   decoder->hasEnd = body.empty();
   if (body.empty()) return Decoded::kEnd;
   ++decoder->chunks;
-  decoder->bytes += body.size();
   chunk->microseconds = microseconds;
   chunk->bytes = body;
   return Decoded::kChunk;

@@ -75,12 +75,7 @@ std::string DescribeOther(const PortReport& report) {
   return text;
 }
 
-}  // namespace
-
-bool IsCamera(const PortReport& report) {
-  return report.stream.records > 0;
-}
-
+// One or more lines for a port that exists.
 std::string DescribePort(const PortReport& report) {
   if (!report.hasAnswered) {
     return Line(report.number, "hangs", "opening it takes longer than the scan; its device does not respond");
@@ -105,6 +100,12 @@ std::string DescribePort(const PortReport& report) {
   }
   if (report.wasDisconnected) text += kIndent + std::string("was disconnected during the scan\n");
   return text;
+}
+
+}  // namespace
+
+bool IsCamera(const PortReport& report) {
+  return report.stream.records > 0;
 }
 
 std::string DescribePorts(std::span<const PortReport> reports, bool all) {

@@ -28,9 +28,6 @@ struct PortReport {
 
 bool IsCamera(const PortReport& report);
 
-// One or more lines for a port that is there.
-std::string DescribePort(const PortReport& report);
-
 // The lines of all ports; those that are absent are put together unless `all`.
 std::string DescribePorts(std::span<const PortReport> reports, bool all);
 

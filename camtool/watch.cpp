@@ -129,9 +129,10 @@ int WatchPort(Watcher* watcher, int number) {
   while (!IsStopRequested() && !watcher->isOver) {
     double arrival = 0;
     const camera::PortReader::Outcome outcome = reader.Read(kTurnMs, StopEvent(), &bytes, &arrival);
-    if (outcome == camera::PortReader::Outcome::kGone)
+    if (outcome == camera::PortReader::Outcome::kGone) {
       watcher->error = "COM" + std::to_string(number) + " was disconnected";
-    if (outcome == camera::PortReader::Outcome::kGone) break;
+      break;
+    }
     const double now = camera::Now();
     watcher->isOver = settings.seconds > 0 && now - start >= settings.seconds;
     if (outcome == camera::PortReader::Outcome::kBytes) {
