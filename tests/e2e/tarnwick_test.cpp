@@ -236,18 +236,5 @@ TEST_F(TarnwickTest, ClosesUnderAStormOfCommands) {
   for (std::thread& sender : senders) sender.join();
 }
 
-TEST_F(TarnwickTest, CopiesTheChartToTheClipboard) {
-  TarnwickProcess tool;
-  ASSERT_NE(nullptr, tool.window());
-  SendMessageA(GetDlgItem(tool.window(), IDC_CHART), WM_COPY, 0, MAKELPARAM(320, 240));
-  BITMAP shape{};
-  ASSERT_TRUE(OpenClipboard(nullptr));
-  if (HANDLE bitmap = GetClipboardData(CF_BITMAP)) GetObjectA(bitmap, sizeof(shape), &shape);
-  CloseClipboard();
-  EXPECT_EQ(320, shape.bmWidth);
-  EXPECT_EQ(240, shape.bmHeight);
-  EXPECT_NE(INFINITE, tool.CloseAndWait());
-}
-
 }  // namespace
 }  // namespace kvtest
