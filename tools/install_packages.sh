@@ -13,6 +13,7 @@ packages=(
   cmark-gfm                                              # the package's pages
   fonts-dejavu-core fonts-liberation fonts-wine          # text in the windows
   fonts-wqy-microhei fonts-lohit-deva                    # Chinese, Japanese, Korean; Hindi
+  fontforge-nox                                          # joins faces, for Arabic and Hindi
 )
 
 # One version of the tools, so that all machines find the same; Debian 12 and 13 both have it.
