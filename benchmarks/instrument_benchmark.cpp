@@ -26,7 +26,7 @@ struct Mode {
   float low, high;  // values to go between
 };
 constexpr Mode kModes[] = {{"gauge", kv::kModeGauge, 20, 80},
-                           {"read-out", kv::kModeDigital, 20, 80},
+                           {"readout", kv::kModeDigital, 20, 80},
                            {"segment bar", kv::kModeSegmentBar, 20, 80},
                            {"compass", kv::kModeCompass, 20, 80},
                            {"centre bar", kv::kModeCentreBar, -60, 60}};

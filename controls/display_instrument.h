@@ -44,13 +44,13 @@ namespace kv {
 
 inline constexpr char kDisplayInstrumentClass[] = "kvDisplayInstrument";
 
-// Codes of kControlCommand (low byte of wParam). Each returns 0, also when it refuses a bad address. With kCommandRead
+// Codes of kControlCommand (low byte of wParam). Each returns 0, also when it rejects a bad address. With kCommandRead
 // the item is copied to lParam instead of from it; with kCommandRedraw a change is painted before the call returns,
 // otherwise the control is invalidated and shows it at its next paint. Other codes do nothing.
 inline constexpr WPARAM kCommandRender = 0;  // renders and paints anew; no address
 inline constexpr WPARAM kCommandReset = 1;   // the mode's default block, compass and centre-zero bar named "Compass"
 inline constexpr WPARAM kCommandStyle = 3;   // a DWORD: bits to set, or with kCommandRemove to clear; read: the style
-inline constexpr WPARAM kCommandBlock = 17;  // an InstrumentBlock; one without its version tag is refused
+inline constexpr WPARAM kCommandBlock = 17;  // an InstrumentBlock; one without its version tag is rejected
 inline constexpr WPARAM kCommandValue = 18;  // a float; writing from an unreadable address, or NaN, means "no value"
 inline constexpr WPARAM kCommandTime = 19;   // a SYSTEMTIME; digital readout of time or date only
 inline constexpr WPARAM kCommandZone = 20;   // an InstrumentZone; its index in wParam's high word, clamped to 0..2

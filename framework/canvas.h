@@ -85,7 +85,7 @@ void FillDisc(Canvas& canvas, PointD centre, double radius, const Paint& paint);
 void FillGradientDisc(Canvas& canvas, PointD centre, double radius, COLORREF top, COLORREF bottom);
 // A sector of up to 360 degrees; no ring, but a piece of cake, for an `inner` radius of 0.
 void FillAnnularSector(Canvas& canvas, PointD centre, double inner, double outer, double from, double to,
-                    const Paint& paint);
+                       const Paint& paint);
 void FillLine(Canvas& canvas, PointD from, PointD to, double width, const Paint& paint);
 
 // Whole pixels, blended from one colour to the other from left to right or from top to bottom, or of one colour.

@@ -29,8 +29,8 @@ void ShowBitmap(HDC target, const RECT& area, HBITMAP bitmap, SIZE bitmapSize);
 // `smallest`..`largest` pixels; with lParam 0 it is `ownSize`, unclamped.
 SIZE RequestedPictureSize(LPARAM lParam, SIZE ownSize, int smallest, int largest);
 
-// Puts a copy of the bitmap on the clipboard as CF_BITMAP, stretched to this size. FALSE when memory is short or another
-// program holds the clipboard.
+// Puts a copy of the bitmap on the clipboard as CF_BITMAP, stretched to this size. FALSE when memory is short or
+// another program holds the clipboard.
 BOOL CopyBitmapToClipboard(HWND window, HBITMAP bitmap, SIZE bitmapSize, SIZE size);
 
 // Puts the bitmap on the clipboard as CF_BITMAP. It belongs to the clipboard afterwards; if the clipboard rejects it,

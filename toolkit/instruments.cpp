@@ -77,7 +77,7 @@ int PlacesShowing(double step) {
 }  // namespace
 
 float ReadableMaximum(double maximum, double largest) {
-  // The read-out has trunc(log10(maximum) + 0.5) integer digits.
+  // The readout has trunc(log10(maximum) + 0.5) integer digits.
   const double digits = std::max(std::floor(std::log10(std::fmax(std::fabs(largest), 1))) + 1, 1.0);
   const double least = std::ceil(std::pow(10.0, digits - 0.5));
   return static_cast<float>(std::fabs(maximum) >= least ? maximum : least);

@@ -25,7 +25,7 @@ BOOL GetInstrumentValue(HWND dialog, int id, double* value);
 // kInstrumentShowTime ...; EnableWindow draws it disabled). The layout is the template's.
 BOOL SetInstrumentStyle(HWND dialog, int id, DWORD bits, BOOL set);
 
-// What a digital read-out of time or date shows.
+// What a digital readout of time or date shows.
 BOOL SetInstrumentTime(HWND dialog, int id, const SYSTEMTIME& time);
 
 // Name and unit are cut to what their fields hold in UTF-8: 31 and 5 bytes.
@@ -41,7 +41,7 @@ struct InstrumentRange {
 
 // Range, step, unit and number format. The present value, and what it glides to, are pulled into the range.
 //
-// A read-out of numbers shows as many integer digits as the logarithm of its maximum, rounded, gives: with a maximum of
+// A readout of numbers shows as many integer digits as the logarithm of its maximum, rounded, gives: with a maximum of
 // 250 those are two, and 230 reads "30". So its maximum is raised here to the least one that shows every value of the
 // range (317 for 250), and a range with negative values always shows the sign. Values up to the raised maximum are
 // shown as they are. The number in a segment bar follows the same rule but keeps its range, which its scale follows:
@@ -54,7 +54,7 @@ BOOL SetInstrumentColor(HWND dialog, int id, COLORREF color);
 // first.
 BOOL SetInstrumentZones(HWND dialog, int id, std::span<const InstrumentZone> zones);
 
-// The least maximum, `maximum` itself or a larger one, with which a read-out shows `largest` whole.
+// The least maximum, `maximum` itself or a larger one, with which a readout shows `largest` whole.
 float ReadableMaximum(double maximum, double largest);
 
 }  // namespace kv

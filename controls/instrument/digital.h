@@ -1,4 +1,4 @@
-// The geometry of the digital read-out: a caption over a black display with seven-segment characters, slanted, lit
+// The geometry of the digital readout: a caption over a black display with seven-segment characters, slanted, lit
 // beside unlit ones. Pure functions; any thread.
 #pragma once
 

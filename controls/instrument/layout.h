@@ -102,7 +102,7 @@ class ValueLayer {
 
 struct InstrumentLayout {
   void (*drawFace)(Canvas& canvas, InstrumentFace& face);
-  // Adds the parts that show the block's current value; `text` is what a digital read-out shows.
+  // Adds the parts that show the block's current value; `text` is what a digital readout shows.
   void (*addParts)(ValueLayer& layer, const InstrumentBlock& block, const char* text);
 };
 extern const InstrumentLayout kGaugeLayout, kDigitalLayout, kSegmentBarLayout, kCompassLayout, kCentreBarLayout;

@@ -37,7 +37,7 @@ struct InstrumentRecord {
   InstrumentBlock block;
   float target;  // where the displayed value glides to
   SYSTEMTIME time;
-  char szText[256];  // last WM_SETTEXT; the digital read-out keeps what it shows in the first 32 bytes
+  char szText[256];  // last WM_SETTEXT; the digital readout stores what it shows in the first 32 bytes
   InstrumentWork work;
 };
 static_assert(sizeof(InstrumentRecord) == 4936);

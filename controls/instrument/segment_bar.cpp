@@ -42,7 +42,7 @@ BarParts LayOutBar(const RECT& area, DWORD style) {
   return parts;
 }
 
-// To whole pixels, a half up. Lengths are not negative; the run-time's rounding, which asks for that, is slow.
+// To whole pixels, a half up. Lengths are not negative; the runtime's rounding, which asks for that, is slow.
 int RoundLength(double pixels) {
   return static_cast<int>(pixels + 0.5);
 }

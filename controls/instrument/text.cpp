@@ -59,7 +59,7 @@ FixedText ShortNumber(double value) {
   FixedText text = Format(L"%.3g", value);
   const size_t power = text.view().find(L'e');
   if (power == std::wstring_view::npos) return text;
-  // The run-time writes at least two digits of the power, some three.
+  // The runtime writes at least two digits of the power, some three.
   return FixedText(text.view().substr(0, power + 1)) + Format(L"%ld", wcstol(text.c_str() + power + 1, nullptr, 10));
 }
 

@@ -1,4 +1,4 @@
-// What display instruments write: numbers of fixed width, and the read-out's time, date, angle and dashes. Pure
+// What display instruments write: numbers of fixed width, and the readout's time, date, angle and dashes. Pure
 // functions; any thread.
 #pragma once
 
@@ -39,7 +39,7 @@ FixedText NoValueNumber(const InstrumentBlock& block);
 // The value as degrees, minutes, seconds, hundredths and the hemisphere letter, separated by points.
 FixedText AngleText(double degrees, const char (&hemispheres)[6]);
 
-// The text of the digital read-out. `style` picks between number, time, date and angle (kInstrumentShowTime ...).
+// The text of the digital readout. `style` picks between number, time, date and angle (kInstrumentShowTime ...).
 FixedText DigitalText(const InstrumentBlock& block, DWORD style, const SYSTEMTIME& time);
 
 }  // namespace kv

@@ -1,4 +1,4 @@
-// The display instrument as a window: what its owner can send, what is read out, and that it bears everything.
+// The display instrument as a window: what its owner can send, what screen readers hear, and that it bears everything.
 #include "controls/display_instrument.h"
 
 #include <gtest/gtest.h>
@@ -199,7 +199,7 @@ TEST_F(DisplayInstrument, CopiesItsPictureInOwnOrWantedSize) {
   }
 }
 
-TEST_F(DisplayInstrument, WithoutARecordEveryMessageAnswersOne) {
+TEST_F(DisplayInstrument, WithoutARecordEveryMessageReturnsOne) {
   HWND control = Create(kModeGauge);
   const LONG record = SetWindowLongA(control, GWL_USERDATA, 0);
   InvalidateRect(control, nullptr, TRUE);

@@ -206,10 +206,10 @@ TEST(Pictures, ClipboardOwnsWhatItTook) {
   BITMAP shape{};
   GetObjectA(GetClipboardData(CF_BITMAP), sizeof(shape), &shape);
   EXPECT_TRUE(shape.bmWidth == 5 && shape.bmHeight == 6);
-  // While another window holds the clipboard the bitmap is refused and deleted.
-  const HBITMAP refused = kv::CreateWindowBitmap(parent, {5, 6});
-  EXPECT_FALSE(kv::PutBitmapOnClipboard(other, refused));
-  EXPECT_EQ(0u, GetObjectType(refused));
+  // While another window holds the clipboard the bitmap is rejected and deleted.
+  const HBITMAP rejected = kv::CreateWindowBitmap(parent, {5, 6});
+  EXPECT_FALSE(kv::PutBitmapOnClipboard(other, rejected));
+  EXPECT_EQ(0u, GetObjectType(rejected));
   EmptyClipboard();
   CloseClipboard();
 }
