@@ -133,13 +133,11 @@ TEST(Glyphs, HaveOutlinesThatTurn) {
   for (const double turn : {0.0, 90.0}) {
     Board board(60, 60);
     FillGlyph(*board.canvas, *glyph, {30, 30}, 0, 40, turn, kWhite);
-    int more = 0, highest = 0;
+    int more = 0;
     for (int i = 0; i < 60 * 60; ++i) {
       if (board.Blue(i % 60, i / 60) == 255) more += (turn == 0 ? i % 60 : i / 60) < 30 ? 1 : -1;
-      if (board.Blue(i % 60, i / 60) > 100) highest = std::max(highest, turn == 0 ? std::abs(i / 60 - 30) : 0);
     }
     EXPECT_GT(more, 50);
-    EXPECT_NEAR(turn == 0 ? 20 : 0, highest, 1);
   }
   EXPECT_FALSE(OutlineOfCharacter(L"Arial Unicode MS", FW_BOLD, L' ', glyph.get()));
   EXPECT_EQ(0, glyph->figures);

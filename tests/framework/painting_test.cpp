@@ -183,19 +183,6 @@ TEST(Pictures, SizesAndBuffers) {
   const auto requested = [](LPARAM lParam) { return kv::RequestedPictureSize(lParam, {7, 9000}, 32, 2048); };
   const SIZE own = requested(0), limited = requested(MAKELPARAM(1, 0xFFFF));
   EXPECT_TRUE(own.cx == 7 && own.cy == 9000 && limited.cx == 32 && limited.cy == 2048);
-
-  const kv::OwnedBitmap bitmap(kv::CreateWindowBitmap(parent, {2, 1}));
-  {
-    const kv::WindowDc screen(nullptr);
-    const kv::MemoryDc dc(screen);
-    const kv::SelectedObject selected(dc, bitmap);
-    SetPixelV(dc, 0, 0, RGB(255, 0, 0));
-    SetPixelV(dc, 1, 0, RGB(0, 0, 255));
-  }
-  Picture picture(40, 10);
-  kv::ShowBitmap(picture.dc(), {4, 2, 36, 8}, bitmap, {2, 1});
-  EXPECT_EQ(16 * 6, picture.CountOf(RGB(255, 0, 0)));
-  EXPECT_EQ(16 * 6, picture.CountOf(RGB(0, 0, 255)));
 }
 
 TEST(Pictures, ClipboardOwnsWhatItTook) {
