@@ -52,7 +52,7 @@ BOOL ddeStartStop(BOOL start, DWORD* instance);
 // thread.
 
 // The link's three words, all 0 while it is closed. Callers look at the conversations to see what an opening gave, and
-// hand them with the instance to the operations of dde_client.h. Written by excelLink only.
+// hand them with the instance to the operations above. Written by excelLink only.
 struct ExcelLinkState {
   HCONV systemConversation;    // service "Excel", topic "System"
   HCONV workbookConversation;  // service "Excel", topic "Mappe2": a new workbook of the German program

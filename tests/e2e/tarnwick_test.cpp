@@ -2,11 +2,14 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <psapi.h>
+
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "app/camera_record.h"
 #include "app/resource_ids.h"
@@ -211,6 +214,36 @@ TEST_F(TarnwickTest, ResizesDownToItsMinimumAndComesBackWhereItWas) {
   GetWindowRect(again.window(), &restored);
   EXPECT_TRUE(EqualRect(&place, &restored));
   EXPECT_NE(INFINITE, again.CloseAndWait());
+}
+
+// What a process has loaded from the folder of its own file, that file included.
+std::vector<std::string> LoadedFromItsFolder(HANDLE process, std::string* folder) {
+  HMODULE modules[256];
+  DWORD bytes = 0;
+  EnumProcessModules(process, modules, sizeof(modules), &bytes);
+  std::vector<std::string> loaded;
+  for (DWORD i = 0; i < bytes / sizeof(HMODULE); ++i) {
+    char path[MAX_PATH] = "";
+    GetModuleFileNameExA(process, modules[i], path, sizeof(path));
+    const std::string whole = path;
+    if (i == 0) *folder = whole.substr(0, whole.rfind('\\') + 1);
+    if (whole.starts_with(*folder)) loaded.push_back(whole.substr(folder->size()));
+  }
+  return loaded;
+}
+
+TEST_F(TarnwickTest, RunsNoLibraryThatLiesBesideIt) {
+  std::string folder;
+  {
+    TarnwickProcess tool;
+    LoadedFromItsFolder(tool.process(), &folder);
+  }
+  const std::string planted = folder + "RichEd32.dll";
+  EXPECT_TRUE(CopyFileA("C:\\windows\\system32\\RichEd32.dll", planted.c_str(), FALSE)) << planted;
+  TarnwickProcess tool;
+  EXPECT_EQ(std::vector<std::string>{"tarnwick.exe"}, LoadedFromItsFolder(tool.process(), &folder));
+  EXPECT_NE(INFINITE, tool.CloseAndWait());
+  EXPECT_TRUE(DeleteFileA(planted.c_str()));
 }
 
 // Whoever keeps sending and posting commands must not hold the tool open.
