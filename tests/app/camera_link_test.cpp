@@ -301,16 +301,5 @@ TEST_F(CameraLinkTest, PortThatVanishesUnderAReadIsSurvived) {
   }
 }
 
-TEST_F(CameraLinkTest, ConnectAndDisconnectUnderStreaming) {
-  StartReader();
-  const Chatter chatter(&camera_, RecordOf(77, 78));
-  for (int round = 0; round < 3; ++round) {
-    context_.points[0] = {};
-    ASSERT_TRUE(Connects());
-    EXPECT_TRUE(FirstPointBecomes(77, 78));
-    EXPECT_EQ(1u, ConnectCamera(&context_, FALSE));
-  }
-}
-
 }  // namespace
 }  // namespace kv
