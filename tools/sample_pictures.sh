@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Takes a picture of each sample's window at several sizes, and of the panel in German, into a folder (build/samples).
+# Takes a picture of each sample's window at several sizes, and of the panel in German and Arabic, into a folder (build/samples).
 # With --docs, one picture of each goes into docs/ instead.
 source "$(dirname "$0")/common.sh"
 
@@ -62,11 +62,11 @@ for size in $sizes; do
     default )
       take instrument_panel Samples.InstrumentPanel 620 470 sample-instrument-panel
       take million_rows Samples.Readings 540 440 sample-million-rows
-      take track_export Samples.Track 500 220 sample-track-export
+      take track_export Samples.Track 500 180 sample-track-export
       take speedometer Samples.Speedometer 300 320 sample-speedometer
       ;;
     small )
-      take instrument_panel Samples.InstrumentPanel 460 360 panel-small
+      take instrument_panel Samples.InstrumentPanel 460 380 panel-small
       take million_rows Samples.Readings 400 360 rows-small
       take track_export Samples.Track 400 190 track-small
       ;;
@@ -78,6 +78,8 @@ for size in $sizes; do
     german )
       speak 1
       take instrument_panel Samples.InstrumentPanel 620 470 panel-german
+      speak 15
+      take instrument_panel Samples.InstrumentPanel 620 470 panel-arabic
       speak 0
       ;;
   esac
