@@ -19,6 +19,7 @@
 #include "gallery/resource_ids.h"
 #include "toolkit/languages.h"
 #include "toolkit/pages.h"
+#include "toolkit/scaled_dialog.h"
 #include "toolkit/system_look.h"
 
 namespace gallery {

@@ -7,6 +7,7 @@
 #include "framework/modules.h"
 #include "resource.h"
 #include "toolkit/dialog_record.h"
+#include "toolkit/scaled_dialog.h"
 
 namespace kv {
 

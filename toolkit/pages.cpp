@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "toolkit/dialog_record.h"
+#include "toolkit/scaled_dialog.h"
 
 namespace kv {
 

@@ -3,6 +3,7 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstddef>
 #include <cstring>
 #include <memory>
@@ -14,8 +15,8 @@
 #include "framework/dialog.h"
 #include "framework/dialog_layout.h"
 #include "framework/guards.h"
+#include "framework/language.h"
 #include "framework/modules.h"
-#include "framework/painting.h"
 #include "framework/picture.h"
 #include "framework/tool_tips.h"
 #include "framework/window_position.h"

@@ -55,7 +55,7 @@ struct {
 } state;
 
 int Scaled(HWND page, int length) {
-  return kv::ToInt(length * kv::ScaleOf(page).y);
+  return kv::ToInt(length * static_cast<double>(kv::ScaleOf(page).y));
 }
 
 // ---- Rows, made from their number ----------------------------------------------------------------------------------
