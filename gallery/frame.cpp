@@ -86,8 +86,7 @@ INT_PTR OnInit(HWND frame, const StartOptions& options) {
   selectedPage = -1;
   SelectPage(frame, FirstPage(options));
   if (options.walk) SetTimer(frame, kWalkTimer, kSettleMs, nullptr);
-  SetFocus(list);
-  return FALSE;
+  return TRUE;
 }
 
 INT_PTR OnDestroy() {
