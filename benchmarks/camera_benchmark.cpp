@@ -7,7 +7,6 @@
 //                                        connects and disconnects under streaming, unplugs in mid-record, in the real
 //                                        program
 //   camera_benchmark start [COUNT]       start of the process to first paint, and its memory
-//   camera_benchmark soak [SECONDS]      memory before and after a long connection, in the real program
 #include <windows.h>
 
 #include <psapi.h>
@@ -23,11 +22,9 @@
 #include "app/app_context.h"
 #include "app/camera_link.h"
 #include "app/camera_record.h"
-#include "app/resource_ids.h"
 #include "camera/ports.h"
 #include "tests/e2e/tarnwick_process.h"
 #include "tests/support/serial_line.h"
-#include "tools/uidriver/driver.h"
 
 namespace {
 
@@ -224,29 +221,6 @@ int MeasureStart(int count) {
   return 0;
 }
 
-// ---- Soak ----------------------------------------------------------------------------------------------------------
-
-int MeasureSoak(int seconds) {
-  constexpr int kWarmUpMs = 10000;
-  SerialLine line;
-  PlayedCamera camera(4);
-  TarnwickProcess tool;
-  const Stream stream(&camera);
-  tool.ClickConnect();
-  if (!tool.WaitForPortText("COM3")) return std::puts("soak: not connected"), 1;
-  Sleep(kWarmUpMs);
-  const SIZE_T before = MemoryOf(tool.process()).PagefileUsage;
-  Sleep(seconds * 1000);
-  const SIZE_T after = MemoryOf(tool.process()).PagefileUsage;
-  const bool stillShows = uidriver::TextOf(tool.window(), IDC_PORT) == "COM3";
-  const DWORD close = tool.CloseAndWait();
-  std::printf(
-      "%d s of streaming: private memory %lu KiB before, %lu KiB after; still connected: %s; closed in %lu ms\n",
-      seconds, static_cast<unsigned long>(before / 1024), static_cast<unsigned long>(after / 1024),
-      stillShows ? "yes" : "no", close);
-  return !stillShows || close == INFINITE;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -257,10 +231,8 @@ int main(int argc, char** argv) {
   if (!std::strcmp(verb, "latency")) return MeasureLatency(number(2, 200));
   if (!std::strcmp(verb, "cycles")) return MeasureCycles(number(2, 200), number(3, 50));
   if (!std::strcmp(verb, "start")) return MeasureStart(number(2, 10));
-  if (!std::strcmp(verb, "soak")) return MeasureSoak(number(2, 600));
   std::fputs(
-      "usage: camera_benchmark records [SECONDS] | latency [COUNT] | cycles [CONNECTS] [UNPLUGS] | start [COUNT] |\n"
-      "       camera_benchmark soak [SECONDS]\n",
+      "usage: camera_benchmark records [SECONDS] | latency [COUNT] | cycles [CONNECTS] [UNPLUGS] | start [COUNT]\n",
       stderr);
   return 2;
 }
