@@ -4,20 +4,21 @@
 //   fuzz [--count MILLIONS] [--seed NUMBER] [--only PART-OF-A-NAME]
 #include <windows.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <random>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "tests/fuzz/inputs.h"
 #include "tests/fuzz/targets.h"
 
 namespace {
 
-constexpr ULONGLONG kProgressMs = 10000;
 constexpr DWORD kHangMs = 10000;
 
 struct Settings {
@@ -33,6 +34,68 @@ struct {
   std::string input;
   std::atomic<long> beat{0};
 } now;
+
+struct Source {
+  std::mt19937 random;
+  std::span<const std::string> examples;  // what good input looks like
+  std::span<const std::string> words;     // what is worth putting in
+  size_t longest;
+};
+
+size_t Below(Source* source, size_t end) {
+  return end == 0 ? 0 : source->random() % end;
+}
+
+char RandomByte(Source* source) {
+  return static_cast<char>(source->random() >> 24);
+}
+
+const std::string& AnyOf(Source* source, std::span<const std::string> texts) {
+  return texts[Below(source, texts.size())];
+}
+
+std::string Noise(Source* source, std::string_view characters) {
+  std::string bytes(Below(source, std::min<size_t>(source->longest, 200)), '\0');
+  for (char& byte : bytes)
+    byte = characters.empty() ? RandomByte(source) : characters[Below(source, characters.size())];
+  return bytes;
+}
+
+void Mutate(Source* source, std::string* bytes) {
+  const size_t at = Below(source, bytes->size() + 1);
+  const size_t length = Below(source, std::min<size_t>(bytes->size() - at, 16) + 1);
+  switch (source->random() % 8) {
+    case 0:
+      if (at < bytes->size()) (*bytes)[at] = static_cast<char>((*bytes)[at] ^ (1 << (source->random() % 8)));
+      break;
+    case 1:
+      if (at < bytes->size()) (*bytes)[at] = RandomByte(source);
+      break;
+    case 2: bytes->insert(at, 1, RandomByte(source)); break;
+    case 3: bytes->erase(at, length); break;
+    case 4: bytes->insert(at, bytes->substr(at, length)); break;
+    case 5: bytes->replace(at, length, AnyOf(source, source->words)); break;
+    case 6: bytes->resize(at); break;
+    default: {
+      const std::string& other = AnyOf(source, source->examples);
+      bytes->replace(at, bytes->npos, other.substr(Below(source, other.size())));
+      break;
+    }
+  }
+}
+
+// One input: pure noise, noise of the examples' own characters, or an example (or two, joined) with some of its bytes
+// changed, taken out, doubled or replaced by words. The same for the same seed.
+std::string NextInput(Source* source) {
+  const unsigned kind = source->random() % 16;
+  if (kind == 0) return Noise(source, {});
+  if (kind == 1) return Noise(source, AnyOf(source, source->examples));
+  std::string bytes = AnyOf(source, source->examples);
+  if (kind == 2) bytes += AnyOf(source, source->examples);
+  for (size_t changes = 1 + Below(source, 6); changes > 0; --changes) Mutate(source, &bytes);
+  bytes.resize(std::min(bytes.size(), source->longest));
+  return bytes;
+}
 
 void PrintInput(const char* what) {
   std::printf("BROKEN: %s: %s, input %lld of seed %u, %zu bytes:\n ", now.target, what, now.number, settings.seed,
@@ -61,26 +124,21 @@ DWORD WINAPI WatchForHangs(void*) {
 bool Run(const fuzz::Target& target) {
   const std::vector<std::string> examples = target.examples();
   // Each target has a seed of its own, so that --only finds the same inputs.
-  fuzz::Source source{std::mt19937(settings.seed), examples, target.words, target.longest};
-  fuzz::GuardedArea area(8192);
+  Source source{std::mt19937(settings.seed), examples, target.words, target.longest};
+  const kvtest::GuardedBytes area(fuzz::kAreaSize);
   now.target = target.name;
-  const auto count = static_cast<long long>(settings.millions * 1e6 * target.share);
+  const auto count = static_cast<long long>(settings.millions * 1e6);
   long long accepted = 0;
   const ULONGLONG start = GetTickCount64();
-  ULONGLONG shown = start;
   for (now.number = 0; now.number < count; ++now.number) {
-    now.input = fuzz::NextInput(&source);
+    now.input = NextInput(&source);
     ++now.beat;
     bool isAccepted = false;
-    const char* why = "";
-    if (!target.feed(area.Put(now.input), &isAccepted, &why)) {
-      PrintInput(why);
+    if (const char* broken = target.feed(fuzz::PutAtEnd(area, now.input), &isAccepted)) {
+      PrintInput(broken);
       return false;
     }
     accepted += isAccepted;
-    if (now.number % 1024 || GetTickCount64() - shown < kProgressMs) continue;
-    shown = GetTickCount64();
-    std::fprintf(stderr, "%s: %lld of %lld\n", target.name, now.number, count);
   }
   std::printf("%-28s %9lld inputs, %9lld accepted, %9lld refused, %4.0f s\n", target.name, count, accepted,
               count - accepted, static_cast<double>(GetTickCount64() - start) / 1000);

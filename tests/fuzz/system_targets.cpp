@@ -1,14 +1,12 @@
 #include <windows.h>
 
 #include <cstddef>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "framework/dialog_texts.h"
 #include "gallery/pages/notes_file.h"
-#include "tests/fuzz/inputs.h"
 #include "tests/fuzz/targets.h"
 
 namespace fuzz {
@@ -25,16 +23,16 @@ std::vector<std::string> Notes() {
           ""};
 }
 
-bool FeedNotes(std::string_view input, bool* accepted, const char** why) {
+const char* FeedNotes(std::string_view input, bool* accepted) {
   std::wstring text = L"as it was";
   *accepted = gallery::DecodeNotes(input, &text);
-  if (!*accepted) return text == L"as it was" || Broken(why, "refused notes change nothing");
+  if (!*accepted) return text == L"as it was" ? nullptr : "refused notes change nothing";
   if (input.starts_with("\xEF\xBB\xBF")) input.remove_prefix(3);
   std::string back(input.size() + 8, '\0');
   const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), back.data(),
                                        static_cast<int>(back.size()), nullptr, nullptr);
   back.resize(static_cast<size_t>(size));
-  return back == input || Broken(why, "what was read is written back the same");
+  return back == input ? nullptr : "what was read is written back the same";
 }
 
 // ---- Dialog texts of a language ------------------------------------------------------------------------------------
@@ -58,28 +56,25 @@ std::vector<std::string> Templates() {
   return templates;
 }
 
-bool FeedTemplate(std::string_view input, bool* accepted, const char**) {
-  static GuardedArea area(4096);
+const char* FeedTemplate(std::string_view input, bool* accepted) {
+  static const kvtest::GuardedBytes area(kAreaSize);
   static IMAGE_RESOURCE_DATA_ENTRY* entry = TemplateEntry(1);
   static HWND dialog = CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
   // The linker puts resources at even places and gives them even sizes.
-  const std::string_view put = area.Put(input.substr(0, input.size() / 4 * 4));
+  const std::string_view put = PutAtEnd(area, input.substr(0, input.size() / 4 * 4));
   entry->OffsetToData = static_cast<DWORD>(put.data() - reinterpret_cast<const char*>(GetModuleHandleA(nullptr)));
   entry->Size = static_cast<DWORD>(put.size());
   *accepted = kv::SetDialogTexts(dialog, nullptr, MAKEINTRESOURCEW(1)) != FALSE;
-  return true;
+  return nullptr;
 }
 
 }  // namespace
 
-std::span<const Target> Targets() {
-  static const std::vector<Target> targets = [] {
-    std::vector<Target> all = PlainTargets();
-    all.push_back({"notes", 400, 1, Notes, kByteWords, FeedNotes});
-    all.push_back({"dialog texts of a language", 600, 1, Templates, kByteWords, FeedTemplate});
-    return all;
-  }();
-  return targets;
+std::vector<Target> Targets() {
+  std::vector<Target> all = PlainTargets();
+  all.push_back({"notes", 400, Notes, kByteWords, FeedNotes});
+  all.push_back({"dialog texts of a language", 600, Templates, kByteWords, FeedTemplate});
+  return all;
 }
 
 }  // namespace fuzz

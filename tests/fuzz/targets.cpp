@@ -18,7 +18,6 @@
 #include "camtool/point_paths.h"
 #include "framework/language.h"
 #include "framework/window_position.h"
-#include "tests/fuzz/inputs.h"
 
 namespace fuzz {
 
@@ -34,13 +33,13 @@ std::vector<std::string> Records() {
   return {kRecord, "   1,  20, 300,4000,-123,+045,1023,1023xx", "0000,0000,0000,0000,0000,0000,0000,0000\r\n"};
 }
 
-bool FeedRecord(std::string_view input, bool* accepted, const char** why) {
-  static GuardedArea area(64);
+const char* FeedRecord(std::string_view input, bool* accepted) {
+  static const kvtest::GuardedBytes area(kAreaSize);
   // Tarnwick hands over 41 bytes, zeros where fewer came, with a terminator behind them.
   std::string padded(input);
   padded.resize(kv::kRecordLength + 1);
   padded.back() = '\0';
-  char* record = const_cast<char*>(area.Put(padded).data());
+  char* record = const_cast<char*>(PutAtEnd(area, padded).data());
   *accepted = kv::HasRecordShape(record);
   kv::CameraPoint points[kv::kPointCount];
   std::ranges::fill(points, kv::CameraPoint{kKept, kKept});
@@ -48,11 +47,11 @@ bool FeedRecord(std::string_view input, bool* accepted, const char** why) {
   // A zero byte ends the text for the reader: points behind it keep what they were.
   const bool hasText = padded.find('\0') == kv::kRecordLength;
   const bool isKept = std::ranges::any_of(points, [](kv::CameraPoint p) { return p.x == kKept; });
-  if (*accepted && hasText && isKept) return Broken(why, "a record of the right shape is read");
-  return true;
+  if (*accepted && hasText && isKept) return "a record of the right shape is read";
+  return nullptr;
 }
 
-bool FeedStreamOfRecords(std::string_view input, bool* accepted, const char** why) {
+const char* FeedStreamOfRecords(std::string_view input, bool* accepted) {
   camera::RecordStream whole, pieces;
   camera::FeedStream(&whole, 0, input, nullptr);
   for (size_t at = 0; at < input.size(); at += 7) camera::FeedStream(&pieces, 0, input.substr(at, 7), nullptr);
@@ -61,11 +60,11 @@ bool FeedStreamOfRecords(std::string_view input, bool* accepted, const char** wh
   *accepted = whole.records > 0;
   const auto all =
       whole.records * 41 + whole.leadBytes + whole.malformedBytes + static_cast<long long>(whole.pending.size());
-  if (all != static_cast<long long>(input.size())) return Broken(why, "every byte is counted once");
+  if (all != static_cast<long long>(input.size())) return "every byte is counted once";
   if (whole.records != pieces.records || whole.malformedBytes != pieces.malformedBytes) {
-    return Broken(why, "pieces give what the whole gives");
+    return "pieces give what the whole gives";
   }
-  return true;
+  return nullptr;
 }
 
 std::vector<std::string> Streams() {
@@ -105,14 +104,14 @@ DecodedFile Decode(std::string_view file, size_t part) {
   return decoded;
 }
 
-bool FeedRecording(std::string_view input, bool* accepted, const char** why) {
+const char* FeedRecording(std::string_view input, bool* accepted) {
   const DecodedFile whole = Decode(input, 100000), pieces = Decode(input, 37);
   *accepted = whole.isRecording && whole.decoder.hasEnd && whole.decoder.damagedPlaces == 0;
-  if (whole.bytes.size() > input.size()) return Broken(why, "no more comes out than went in");
+  if (whole.bytes.size() > input.size()) return "no more comes out than went in";
   if (whole.isRecording != pieces.isRecording || whole.bytes != pieces.bytes || whole.torn != pieces.torn) {
-    return Broken(why, "pieces give what the whole gives");
+    return "pieces give what the whole gives";
   }
-  return true;
+  return nullptr;
 }
 
 std::vector<std::string> Paths() {
@@ -121,19 +120,19 @@ std::vector<std::string> Paths() {
           "1\t2\t3\t4\n\n\"5\"\t6\t\t\n"};
 }
 
-bool FeedPath(std::string_view input, bool* accepted, const char** why) {
+const char* FeedPath(std::string_view input, bool* accepted) {
   camtool::PointPath path;
   std::string error;
   *accepted = camtool::ParsePath(input, &path, &error);
-  if (*accepted != error.empty()) return Broken(why, "a refusal has a reason, and only that");
+  if (*accepted != error.empty()) return "a refusal has a reason, and only that";
   for (int record = 0; *accepted && record < 5; ++record) {
     kv::CameraPoint points[kv::kPointCount];
     camtool::PointsOnPath(path, record * 1e6, record, points);
     for (const kv::CameraPoint& point : points) {
-      if (point.x < 0 || point.x > 1023 || point.y < 0 || point.y > 1023) return Broken(why, "points are in range");
+      if (point.x < 0 || point.x > 1023 || point.y < 0 || point.y > 1023) return "points are in range";
     }
   }
-  return true;
+  return nullptr;
 }
 
 // ---- Words for yes -------------------------------------------------------------------------------------------------
@@ -147,17 +146,17 @@ std::vector<std::string> Answers() {
           Bytes(L"no"), Bytes(L" ")};
 }
 
-bool FeedAnswer(std::string_view input, bool* accepted, const char** why) {
-  static GuardedArea area(4096);
+const char* FeedAnswer(std::string_view input, bool* accepted) {
+  static const kvtest::GuardedBytes area(kAreaSize);
   std::string terminated(input.substr(0, input.size() / sizeof(wchar_t) * sizeof(wchar_t)));
   terminated.append(sizeof(wchar_t), '\0');
-  const auto* text = reinterpret_cast<const wchar_t*>(area.Put(terminated).data());
+  const auto* text = reinterpret_cast<const wchar_t*>(PutAtEnd(area, terminated).data());
   const BOOL every = kv::IsAffirmative(kv::kEveryLanguage, text);
   *accepted = every != FALSE;
   // The input chooses; 0 to 16 are those that are asked together.
   const int language = static_cast<unsigned char>(input.empty() ? 0 : input.back()) % 17;
   const bool one = kv::IsAffirmative(language, text) != FALSE;
-  return !one || *accepted || Broken(why, "all languages together know what one of them knows");
+  return !one || *accepted ? nullptr : "all languages together know what one of them knows";
 }
 
 // ---- Position texts ------------------------------------------------------------------------------------------------
@@ -166,15 +165,15 @@ std::vector<std::string> Positions() {
   return {"100,200,800,600", "-30,-20,770,580", "10,20", "120", "2147483647,-2147483648,0,0"};
 }
 
-bool FeedPosition(std::string_view input, bool* accepted, const char** why) {
-  static GuardedArea area(4096);
+const char* FeedPosition(std::string_view input, bool* accepted) {
+  static const kvtest::GuardedBytes area(kAreaSize);
   const std::string terminated = std::string(input) + '\0';
-  const RECT position = kv::ParsePosition(area.Put(terminated).data());
+  const RECT position = kv::ParsePosition(PutAtEnd(area, terminated).data());
   const RECT clamped = kv::ClampPosition(position);
   *accepted = position.right > position.left && position.bottom > position.top;
   const bool isRight =
       clamped.left >= 0 && clamped.top >= 0 && clamped.right == position.right && clamped.bottom == position.bottom;
-  return isRight || Broken(why, "a clamped position begins on the screen and ends where it did");
+  return isRight ? nullptr : "a clamped position begins on the screen and ends where it did";
 }
 
 const std::vector<std::string> kNumberWords = {
@@ -187,19 +186,21 @@ const std::vector<std::string> kByteWords = {std::string(2, '\0'), "\xFF\xFF", s
                                              "\xEF\xBB\xBF",       "\xC0\x80", "\xED\xA0\x80",
                                              "\xF4\x90\x80\x80",   "\x80"};
 
-bool Broken(const char** why, const char* promise) {
-  *why = promise;
-  return false;
+std::string_view PutAtEnd(const kvtest::GuardedBytes& area, std::string_view bytes) {
+  const size_t size = std::min(bytes.size(), kAreaSize);
+  char* const begin = area.as<char>() + kAreaSize - size;
+  std::memcpy(begin, bytes.data(), size);
+  return {begin, size};
 }
 
 std::vector<Target> PlainTargets() {
   return {
-      {"record reader", 60, 1, Records, kNumberWords, FeedRecord},
-      {"stream of records", 400, 1, Streams, kNumberWords, FeedStreamOfRecords},
-      {"recording format", 1000, 1, Recordings, kByteWords, FeedRecording},
-      {"path files (CSV)", 400, 1, Paths, kNumberWords, FeedPath},
-      {"words for yes", 600, 1, Answers, kByteWords, FeedAnswer},
-      {"position texts", 300, 1, Positions, kNumberWords, FeedPosition},
+      {"record reader", 60, Records, kNumberWords, FeedRecord},
+      {"stream of records", 400, Streams, kNumberWords, FeedStreamOfRecords},
+      {"recording format", 1000, Recordings, kByteWords, FeedRecording},
+      {"path files (CSV)", 400, Paths, kNumberWords, FeedPath},
+      {"words for yes", 600, Answers, kByteWords, FeedAnswer},
+      {"position texts", 300, Positions, kNumberWords, FeedPosition},
   };
 }
 
