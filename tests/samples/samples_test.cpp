@@ -56,6 +56,7 @@ class Sample : public kvtest::RunningProgram {
 };
 
 TEST(Samples, TheInstrumentPanelShowsItsInstrumentsInThreeLanguages) {
+  RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\korvel\\Configuration\\instrument_panel");
   Sample panel(L"instrument_panel", L"Instrument panel");
   for (int id = IDC_SPEED; id <= IDC_CLOCK; ++id) EXPECT_TRUE(panel.Shows(panel.PlaceOf(id), 5)) << id;
   const auto leftOf = [&](int id) { return panel.PlaceOf(id).left; };
