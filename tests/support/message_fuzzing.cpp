@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tests/support/replaced_import.h"
+#include "tests/support/test_window.h"
 
 namespace kvtest {
 
