@@ -78,15 +78,16 @@ TEST(Calendar, TimeOfDayIsCutOrRounded) {
   EXPECT_EQ("2008-7-14 12:00:00.000", DateOf(day + 0.5));
   EXPECT_EQ("2008-7-14 23:59:59.999", DateOf(day + (kv::kMillisecondsPerDay - 0.4) / kv::kMillisecondsPerDay));
 
-  const auto rounded = [](double fraction) {
+  const std::pair<double, const char*> fractions[] = {
+      {day + (12345678.6 / kv::kMillisecondsPerDay), "1-2-3 3:25:45.679"},
+      {0.9999999999, "1-2-3 24:00:00.000"},
+      // -1000 ms rounds to -999, whose magnitude plus one is taken; the exact fraction would come out the same.
+      {-1000.25 / kv::kMillisecondsPerDay, "1-2-3 0:00:01.000"}};
+  for (const auto& [fraction, rounded] : fractions) {
     SYSTEMTIME time = Date(1, 2, 3);
     EXPECT_TRUE(kv::DayFractionToTime(fraction, &time));
-    return Text(time);
-  };
-  EXPECT_EQ("1-2-3 3:25:45.679", rounded(day + (12345678.6 / kv::kMillisecondsPerDay)));
-  EXPECT_EQ("1-2-3 24:00:00.000", rounded(0.9999999999));
-  // -1000 ms rounds to -999, whose magnitude plus one is taken; the exact fraction would come out the same.
-  EXPECT_EQ("1-2-3 0:00:01.000", rounded(-1000.25 / kv::kMillisecondsPerDay));
+    EXPECT_EQ(rounded, Text(time));
+  }
 }
 
 TEST(Calendar, Weeks) {

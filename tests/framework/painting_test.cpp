@@ -69,8 +69,8 @@ TEST(Painting, FillsAndFramesStayInTheirArea) {
   constexpr COLORREF kGray = RGB(200, 200, 200);
   const auto across = drawn([&](HDC dc) { kv::FillHorizontalGradient(dc, kArea, 0, kGray); });
   const auto down = drawn([&](HDC dc) { kv::FillVerticalGradient(dc, kArea, 0, kGray); });
-  for (const BYTE dark : {GetRValue(across->At(10, 20)), GetRValue(down->At(30, 5))}) EXPECT_LT(dark, 12);
-  for (const BYTE light : {GetRValue(across->At(49, 20)), GetRValue(down->At(30, 34))}) EXPECT_GT(light, 188);
+  EXPECT_TRUE(GetRValue(across->At(10, 20)) < 12 && GetRValue(across->At(49, 20)) > 188);
+  EXPECT_TRUE(GetRValue(down->At(30, 5)) < 12 && GetRValue(down->At(30, 34)) > 188);
 
   RECT inside = kArea, tiny{20, 20, 21, 21};
   const auto sunken = drawn([&](HDC dc) {
@@ -104,22 +104,32 @@ TEST(Painting, ReplacesExactlyOneColourOfABitmap) {
   for (int x = 0; x < 3; ++x) EXPECT_EQ(x == 1 ? before[1] : RGB(10, 20, 30), GetPixel(dc, x, 0));
 }
 
-TEST(Painting, StatusButtonShowsItsSchemeAndLeavesTheDcAlone) {
-  const kvtest::RecordingParent parent;
-  const HWND button = kvtest::CreateControl(parent, "BUTTON", "WWWWWWWWWWWWWWWWWWWW", BS_OWNERDRAW, {0, 0, 60, 20}, 9);
-  Picture picture(80, 40);
-  SetTextColor(picture.dc(), RGB(7, 8, 9));
-  DRAWITEMSTRUCT item{.hwndItem = button, .hDC = picture.dc(), .rcItem = {10, 10, 70, 30}};
-  kv::DrawStatusButton(item, kv::kSchemeGreen, kv::kButtonLit);
-  ExpectOnlyWithin(picture, item.rcItem);
-  EXPECT_TRUE(GetTextColor(picture.dc()) == RGB(7, 8, 9) && GetBkMode(picture.dc()) == OPAQUE);
-  EXPECT_EQ(GetStockObject(SYSTEM_FONT), GetCurrentObject(picture.dc(), OBJ_FONT));
+// A status button of 60 x 20, drawn at 10, 10 of a picture.
+class StatusButton : public testing::Test {
+ protected:
+  void Draw(const char* text, int scheme, UINT flags, UINT state = 0) {
+    SetWindowTextA(item_.hwndItem, text);
+    item_.itemState = state;
+    kv::DrawStatusButton(item_, scheme, flags);
+  }
 
-  SetWindowTextA(button, "");
+  const kvtest::RecordingParent parent_;
+  const Picture picture_{80, 40};
+  DRAWITEMSTRUCT item_{.hwndItem = kvtest::CreateControl(parent_, "BUTTON", "", BS_OWNERDRAW, {0, 0, 60, 20}, 9),
+                       .hDC = picture_.dc(),
+                       .rcItem = {10, 10, 70, 30}};
+};
+
+TEST_F(StatusButton, ShowsItsSchemeAndLeavesTheDcAlone) {
+  SetTextColor(picture_.dc(), RGB(7, 8, 9));
+  Draw("WWWWWWWWWWWWWWWWWWWW", kv::kSchemeGreen, kv::kButtonLit);
+  ExpectOnlyWithin(picture_, item_.rcItem);
+  EXPECT_TRUE(GetTextColor(picture_.dc()) == RGB(7, 8, 9) && GetBkMode(picture_.dc()) == OPAQUE);
+  EXPECT_EQ(GetStockObject(SYSTEM_FONT), GetCurrentObject(picture_.dc(), OBJ_FONT));
+
   const auto at = [&](int y, int scheme, UINT flags, UINT state = 0) {
-    item.itemState = state;
-    kv::DrawStatusButton(item, scheme, flags);
-    return picture.At(40, y);
+    Draw("", scheme, flags, state);
+    return picture_.At(40, y);
   };
   EXPECT_EQ(0x009FDFu, at(20, kv::kSchemeAmber, kv::kButtonLit));
   EXPECT_EQ(0x00EF00u, at(20, kv::kSchemeGreen, kv::kButtonLit));
@@ -140,20 +150,15 @@ double Luminance(COLORREF color) {
   return 0.2126 * linear(GetRValue(color)) + 0.7152 * linear(GetGValue(color)) + 0.0722 * linear(GetBValue(color));
 }
 
-TEST(Painting, StatusButtonIsReadOnEveryFaceAndShowsFocusAndPause) {
-  const kvtest::RecordingParent parent;
-  const HWND button = kvtest::CreateControl(parent, "BUTTON", "COM3", BS_OWNERDRAW, {0, 0, 80, 20}, 9);
-  Picture picture(80, 20);
-  DRAWITEMSTRUCT item{.hwndItem = button, .hDC = picture.dc(), .rcItem = {0, 0, 80, 20}};
+TEST_F(StatusButton, IsReadOnEveryFaceAndShowsFocusAndPause) {
   constexpr COLORREF kWhite = RGB(255, 255, 255);
   for (const int scheme : {kv::kSchemeAmber, kv::kSchemeGreen, kv::kSchemeBlue}) {
     for (const UINT lit : {0u, kv::kButtonLit}) {
-      kv::DrawStatusButton(item, scheme, kv::kButtonGradient | lit);
-      for (int i = 0; i < 76 * 16; ++i) {
-        const int x = 2 + i % 76, y = 2 + i / 76;
-        if (picture.At(x, y) != kWhite) continue;
-        for (int n = 0; n < 9; ++n) {
-          const COLORREF beside = picture.At(x - 1 + n % 3, y - 1 + n / 3);
+      Draw("COM3", scheme, kv::kButtonGradient | lit);
+      for (int i = 0; i < 56 * 16; ++i) {
+        const int x = 12 + i % 56, y = 12 + i / 56;
+        for (int n = 0; picture_.At(x, y) == kWhite && n < 9; ++n) {
+          const COLORREF beside = picture_.At(x - 1 + n % 3, y - 1 + n / 3);
           ASSERT_TRUE(beside == kWhite || 1.05 / (Luminance(beside) + 0.05) >= 4.5)
               << scheme << " at " << x << "," << y;
         }
@@ -161,16 +166,15 @@ TEST(Painting, StatusButtonIsReadOnEveryFaceAndShowsFocusAndPause) {
     }
   }
   const auto whites = [&](UINT state, UINT flags) {
-    item.itemState = state;
-    kv::DrawStatusButton(item, kv::kSchemeAmber, flags);
-    return picture.CountOf(kWhite);
+    Draw("COM3", kv::kSchemeAmber, flags, state);
+    return picture_.CountOf(kWhite);
   };
   const int plain = whites(0, 0);
   EXPECT_GT(plain, 20);
   EXPECT_EQ(plain, whites(ODS_FOCUS | ODS_NOFOCUSRECT, 0)) << "not before the keyboard is used";
-  EXPECT_NE(kWhite, picture.At(10, 1));
+  EXPECT_NE(kWhite, picture_.At(20, 11));
   whites(ODS_FOCUS, 0);
-  for (const POINT at : {POINT{10, 1}, {10, 18}, {1, 10}, {78, 10}}) EXPECT_EQ(kWhite, picture.At(at.x, at.y));
+  for (const POINT at : {POINT{20, 11}, {20, 28}, {11, 20}, {68, 20}}) EXPECT_EQ(kWhite, picture_.At(at.x, at.y));
   EXPECT_GT(whites(0, kv::kButtonPaused), plain + 20);
 }
 
@@ -189,10 +193,9 @@ TEST(Pictures, ClipboardOwnsWhatItTook) {
   const kvtest::RecordingParent parent, other;
   EXPECT_FALSE(kv::PutBitmapOnClipboard(parent, nullptr));
   EXPECT_TRUE(kv::PutBitmapOnClipboard(parent, kv::CreateWindowBitmap(parent, {5, 6})));
+  const SIZE size = kvtest::ClipboardPictureSize(parent);
+  EXPECT_TRUE(size.cx == 5 && size.cy == 6);
   ASSERT_TRUE(OpenClipboard(parent));
-  BITMAP shape{};
-  GetObjectA(GetClipboardData(CF_BITMAP), sizeof(shape), &shape);
-  EXPECT_TRUE(shape.bmWidth == 5 && shape.bmHeight == 6);
   // While another window holds the clipboard the bitmap is rejected and deleted.
   const HBITMAP rejected = kv::CreateWindowBitmap(parent, {5, 6});
   EXPECT_FALSE(kv::PutBitmapOnClipboard(other, rejected));

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <cwchar>
 #include <iterator>
 #include <span>
 #include <string>
@@ -16,7 +15,6 @@
 #include "camera/record_stream.h"
 #include "camera/recording.h"
 #include "camtool/point_paths.h"
-#include "framework/language.h"
 #include "framework/window_position.h"
 
 namespace fuzz {
@@ -135,30 +133,6 @@ const char* FeedPath(std::string_view input, bool* accepted) {
   return nullptr;
 }
 
-// ---- Words for yes -------------------------------------------------------------------------------------------------
-
-std::string Bytes(const wchar_t* text) {
-  return std::string(reinterpret_cast<const char*>(text), (std::wcslen(text) + 1) * sizeof(wchar_t));
-}
-
-std::vector<std::string> Answers() {
-  return {Bytes(L"yes please"), Bytes(L"aktiviert"), Bytes(L"\x0437\x0430\x043F\x0443\x0441\x043A\x0430\x0435\x0442"),
-          Bytes(L"no"), Bytes(L" ")};
-}
-
-const char* FeedAnswer(std::string_view input, bool* accepted) {
-  static const kvtest::GuardedBytes area(kAreaSize);
-  std::string terminated(input.substr(0, input.size() / sizeof(wchar_t) * sizeof(wchar_t)));
-  terminated.append(sizeof(wchar_t), '\0');
-  const auto* text = reinterpret_cast<const wchar_t*>(PutAtEnd(area, terminated).data());
-  const BOOL every = kv::IsAffirmative(kv::kEveryLanguage, text);
-  *accepted = every != FALSE;
-  // The input chooses; 0 to 16 are those that are asked together.
-  const int language = static_cast<unsigned char>(input.empty() ? 0 : input.back()) % 17;
-  const bool one = kv::IsAffirmative(language, text) != FALSE;
-  return !one || *accepted ? nullptr : "all languages together know what one of them knows";
-}
-
 // ---- Position texts ------------------------------------------------------------------------------------------------
 
 std::vector<std::string> Positions() {
@@ -199,7 +173,6 @@ std::vector<Target> PlainTargets() {
       {"stream of records", 400, Streams, kNumberWords, FeedStreamOfRecords},
       {"recording format", 1000, Recordings, kByteWords, FeedRecording},
       {"path files (CSV)", 400, Paths, kNumberWords, FeedPath},
-      {"words for yes", 600, Answers, kByteWords, FeedAnswer},
       {"position texts", 300, Positions, kNumberWords, FeedPosition},
   };
 }
