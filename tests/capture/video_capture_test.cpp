@@ -12,6 +12,7 @@
 
 #include "framework/picture.h"
 #include "tests/support/message_fuzzing.h"
+#include "tests/support/running_program.h"
 #include "tests/support/scarce_objects.h"
 #include "tests/support/test_window.h"
 #include "tools/fake_camera/fake_camera.h"
@@ -79,13 +80,10 @@ TEST_F(VideoCapture, OpensTheFirstDriverThatAnswersOnTheFifthAttempt) {
 
   const HWND capture = link->hCapture;
   EXPECT_TRUE(GetParent(capture) == host_ && GetDlgCtrlID(capture) == 32769 && !IsWindowVisible(capture));
-  wchar_t name[32] = L"";
-  GetWindowTextW(capture, name, 32);
-  EXPECT_STREQ(L"kvVideoCapture", name);
+  EXPECT_EQ(L"kvVideoCapture", kvtest::TextOf(capture));
   EXPECT_EQ(400, ClientSize(capture).cx);
   EXPECT_TRUE(Close());
-  EXPECT_FALSE(camera().previewing);
-  EXPECT_FALSE(CloseVideoLink(link));
+  EXPECT_FALSE(camera().previewing || CloseVideoLink(link));
 }
 
 TEST_F(VideoCapture, SearchesFromFourDownAndAroundUntilADriverAnswers) {
@@ -280,17 +278,14 @@ TEST_F(VideoCapture, ErrorTextIsShownInABox) {
   host_.Answer([&](HWND host, UINT message, WPARAM, LPARAM, LRESULT*) {
     HWND box = message == WM_TIMER ? FindWindowW(L"#32770", L"Video Error") : nullptr;
     if (!box || GetWindow(box, GW_OWNER) != host) return false;
-    wchar_t caption[64] = L"", text[64] = L"";
-    GetWindowTextW(box, caption, 64);
-    GetDlgItemTextW(box, 0xFFFF, text, 64);
-    shown = std::wstring(caption) + L": " + text;
+    shown = kvtest::TextOf(GetDlgItem(box, 0xFFFF));
     EndDialog(box, IDOK);
     return true;
   });
   SetTimer(host_, 1, 10, nullptr);
   EXPECT_EQ(1, VideoErrorText(host_, 415, L"No signal"));
   KillTimer(host_, 1);
-  EXPECT_EQ(L"Video Error: No signal", shown);
+  EXPECT_EQ(L"No signal", shown);
   EXPECT_EQ(0, VideoErrorText(host_, 415, nullptr));
 }
 

@@ -11,6 +11,16 @@
 namespace kv {
 namespace {
 
+constexpr int kSide = 40;
+
+// How far each pixel is covered.
+struct Levels {
+  explicit Levels(CoverageShape& shape) {
+    for (CoverageSpan span; shape.Next(&span);) std::fill_n(&at[span.y][span.x], span.count, span.coverage);
+  }
+  int at[kSide][kSide] = {};
+};
+
 TEST(Coverage, EachPixelGetsThePartThatIsCovered) {
   CoverageShape shape;
   ASSERT_TRUE(shape.Begin({0, 0, 8, 8}));
@@ -21,37 +31,29 @@ TEST(Coverage, EachPixelGetsThePartThatIsCovered) {
   EXPECT_TRUE(shape.AddFigure(box) && shape.AddFigure(hole) && shape.AddFigure(triangle));
   const PointD nowhere[] = {{NAN, 1}, {2, 3}, {4, 5}};
   EXPECT_FALSE(shape.AddFigure(nowhere));
-  int level[8][8] = {};
-  for (CoverageSpan span; shape.Next(&span);) {
-    for (int i = 0; i < span.count; ++i) level[span.y][span.x + i] = span.coverage;
-  }
-  const int expected[8][8] = {{}, {}, {0, 128, 255, 128, 64},  {0, 64, 128, 128, 32},
-                              {}, {}, {0, 0, 0, 0, 0, 0, 128}, {}};
-  EXPECT_EQ(0, memcmp(expected, level, sizeof(level)));
+  const Levels levels(shape);
+  const int expected[kSide][kSide] = {{}, {}, {0, 128, 255, 128, 64}, {0, 64, 128, 128, 32},
+                                      {}, {}, {0, 0, 0, 0, 0, 0, 128}};
+  EXPECT_EQ(0, memcmp(expected, levels.at, sizeof(expected)));
   EXPECT_FALSE(shape.AddFigure(box));  // it has been handed out
 }
 
 // Random figures, most of them larger than what is wanted of them: whatever part is asked for, it is that of the whole.
 TEST(Coverage, EveryPartIsThatOfTheWhole) {
-  constexpr int kSide = 40;
   std::mt19937 random(7);
   std::uniform_real_distribution<double> place(-20, 60);
   for (int round = 0; round < 300; ++round) {
     std::vector<PointD> corners(3 + round % 9);
     for (PointD& corner : corners) corner = {place(random), round % 3 ? place(random) : std::floor(place(random))};
     const int x = static_cast<int>(random() % kSide), y = static_cast<int>(random() % kSide);
-    int levels[2][kSide][kSide] = {};
-    const PixelArea areas[] = {{0, 0, kSide, kSide}, {x, y, kSide, std::min(y + 9, kSide)}};
-    for (int i = 0; i < 2; ++i) {
-      CoverageShape shape;
-      ASSERT_TRUE(shape.Begin(areas[i]) && shape.AddFigure(corners));
-      for (CoverageSpan span; shape.Next(&span);) {
-        for (int column = span.x; column < span.x + span.count; ++column) levels[i][span.y][column] = span.coverage;
-      }
-    }
-    for (int row = areas[1].top; row < areas[1].bottom; ++row) {
+    const PixelArea part{x, y, kSide, std::min(y + 9, kSide)};
+    CoverageShape whole, cut;
+    ASSERT_TRUE(whole.Begin({0, 0, kSide, kSide}) && whole.AddFigure(corners));
+    ASSERT_TRUE(cut.Begin(part) && cut.AddFigure(corners));
+    const Levels expected(whole), found(cut);
+    for (int row = part.top; row < part.bottom; ++row) {
       for (int column = x; column < kSide; ++column) {
-        ASSERT_NEAR(levels[0][row][column], levels[1][row][column], 1) << round << ": " << column << ", " << row;
+        ASSERT_NEAR(expected.at[row][column], found.at[row][column], 1) << round << ": " << column << ", " << row;
       }
     }
   }

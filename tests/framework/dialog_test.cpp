@@ -10,6 +10,7 @@
 
 #include "framework/dialog_texts.h"
 #include "framework/guards.h"
+#include "tests/support/running_program.h"
 #include "tests/support/scarce_objects.h"
 #include "tests/support/test_window.h"
 
@@ -147,13 +148,8 @@ TEST(DialogTexts, ComeFromExtendedAndClassicTemplates) {
   const OpenDialog dialog;
   const auto set = [&](int id) { return kv::SetDialogTexts(dialog, kModule, MAKEINTRESOURCEW(id)); };
   const auto texts = [&] {
-    wchar_t text[64] = L"";
-    GetWindowTextW(dialog, text, ARRAYSIZE(text));
-    std::wstring all = text;
-    for (const int id : {1101, 1102, 1103, 1104, -1}) {
-      GetDlgItemTextW(dialog, id, text, ARRAYSIZE(text));
-      all += std::wstring(L"|") + text;
-    }
+    std::wstring all = kvtest::TextOf(dialog);
+    for (const int id : {1101, 1102, 1103, 1104, -1}) all += L"|" + kvtest::TextOf(GetDlgItem(dialog, id));
     return all;
   };
   EXPECT_TRUE(set(102));

@@ -26,20 +26,18 @@ std::string RunTimes(double value, int decimals) {
   return text;
 }
 
-TEST(FixedNumber, PrintsWhatIsPlain) {
+TEST(FixedNumber, HasAPointInEveryLocale) {
   const kvtest::CommaLocale commas;
   EXPECT_EQ("8.5417000000", Ours(8.5417, 10));
-  EXPECT_EQ("-179.9999999999", Ours(-179.99999999994, 10));
-  EXPECT_EQ("-180.0000000000", Ours(-179.99999999996, 10));  // a carry through all digits
-  EXPECT_EQ("1000.0", Ours(999.96, 1));
-  EXPECT_EQ("-0.0000000000", Ours(-1e-300, 10));
   EXPECT_EQ("1000000000.0", Ours(999999999.99, 1));  // the carry leaves the fast range
   EXPECT_EQ("0.5", Ours(0.45000000000000001, 1));    // the run-time decides
 }
 
 TEST(FixedNumber, EqualsTheRunTime) {
-  for (const double hard : {0.0, -0.0, 0.25, 10.35, 0.05, 1 / 2048., 3 / 2048., 1000.0, 1e9, 1e9 - .1, 1e22 / 3, 5e-324,
-                            4294967296.5, 1 / 3., -DBL_MAX, HUGE_VAL, -HUGE_VAL, std::nan("")}) {
+  for (const double hard :
+       {0.0,      -0.0,      0.25,        10.35,  0.05,    1 / 2048.,    3 / 2048., 1000.0,           999.96,
+        1e9,      1e9 - .1,  1e22 / 3,    5e-324, -1e-300, 4294967296.5, 1 / 3.,    -179.99999999996, -DBL_MAX,
+        HUGE_VAL, -HUGE_VAL, std::nan("")}) {
     for (int decimals = 1; decimals <= kMaxFixedDecimals; ++decimals) {
       EXPECT_EQ(RunTimes(hard, decimals), Ours(hard, decimals)) << decimals;
     }
