@@ -102,43 +102,36 @@ TEST_F(LanguageFiles, FindTakesEnglishUnseenOthersOnlyWhenThereAndThenAnyLanguag
 }
 
 TEST(FilePath, SplitsAtSeparatorsDriveAndLastDot) {
-  struct Sample {
+  const struct {
     const wchar_t *path, *directory, *name, *extension;
-  };
-  for (const Sample& sample : {
-           Sample{L"C:\\prog.exe", L"C:\\", L"prog.exe", L".exe"},  // at a drive's root
-           {L"C:\\a.b\\Straße 1 Ω.tar.gz", L"C:\\a.b\\", L"Straße 1 Ω.tar.gz", L".gz"},
-           {L"C:/data/track", L"C:/data/\\", L"track", L""},
-           {L"C:track.kml", L"C:\\", L"track.kml", L".kml"},
-           {L"\\\\server\\share\\.hidden", L"\\\\server\\share\\", L".hidden", L".hidden"},
-           {L"C:\\folder\\", L"C:\\folder\\", L"", L""},
-           {L"", L"\\", L"", L""},
-       }) {
-    wchar_t directory[kPathCharacters];
+  } samples[] = {{L"C:\\prog.exe", L"C:\\", L"prog.exe", L".exe"},  // at a drive's root
+                 {L"C:\\a.b\\Straße 1 Ω.tar.gz", L"C:\\a.b\\", L"Straße 1 Ω.tar.gz", L".gz"},
+                 {L"C:/data/track", L"C:/data/\\", L"track", L""},
+                 {L"C:track.kml", L"C:\\", L"track.kml", L".kml"},
+                 {L"\\\\server\\share\\.hidden", L"\\\\server\\share\\", L".hidden", L".hidden"},
+                 {L"C:\\folder\\", L"C:\\folder\\", L"", L""},
+                 {L"", L"\\", L"", L""}};
+  wchar_t directory[kPathCharacters];
+  for (const auto& sample : samples) {
     EXPECT_TRUE(DirectoryOf(sample.path, directory, kPathCharacters));
     EXPECT_STREQ(sample.directory, directory);
     EXPECT_STREQ(sample.name, FileNameOf(sample.path));
     EXPECT_STREQ(sample.extension, ExtensionOf(sample.path));
   }
-  const std::wstring fits = std::wstring(258, L'd') + L"\\", tooDeep = std::wstring(259, L'd') + L"\\";
-  wchar_t directory[kPathCharacters] = L"untouched";
-  EXPECT_FALSE(DirectoryOf((tooDeep + L"p.exe").c_str(), directory, kPathCharacters));
-  EXPECT_STREQ(L"untouched", directory);
+  const std::wstring fits = std::wstring(258, L'd') + L"\\";
+  EXPECT_FALSE(DirectoryOf((L"d" + fits + L"p.exe").c_str(), directory, kPathCharacters));
+  EXPECT_STREQ(L"\\", directory);  // as it was
   EXPECT_TRUE(DirectoryOf((fits + L"p.exe").c_str(), directory, kPathCharacters));
   EXPECT_EQ(fits, directory);
 }
 
-TEST_F(LanguageFiles, LoadTakesTheLibraryAndRemembersTheLanguage) {
+TEST_F(LanguageFiles, LoadTakesAndRemembersWhatThereIsAndElseEnglish) {
+  const Outcome english(L"", 0, 0);
+  EXPECT_EQ(english, Load(5));  // no library at all
   const std::wstring german = Add(L"GE.dll");
   EXPECT_EQ(Outcome(german, 1, 1), Load(1));
   EXPECT_EQ(Outcome(german, 1, 1), Load(kStoredLanguage));
   EXPECT_EQ(Outcome(german, 8, 8), Load(8));  // stands in for the missing Russian one, and the choice stays
-}
-
-TEST_F(LanguageFiles, LoadGivesEnglishForWhatIsMissingDamagedOrNoLanguage) {
-  const Outcome english(L"", 0, 0);
-  EXPECT_EQ(english, Load(5));  // no library at all
-  const std::wstring german = Add(L"GE.dll");
   EXPECT_EQ(english, Load(99));
   const BYTE bytes[] = {1, 0, 0, 0, 0, 0, 0, 0x80};
   const struct {
@@ -155,6 +148,14 @@ TEST_F(LanguageFiles, LoadGivesEnglishForWhatIsMissingDamagedOrNoLanguage) {
   EXPECT_EQ(english, Load(1));
   std::ofstream(std::filesystem::path(german)) << "no library";
   EXPECT_EQ(english, Load(1));
+
+  // Without a pointer or a name it is English under the common name.
+  const HMODULE own = GetModuleHandleW(nullptr);
+  EXPECT_EQ(own, LoadLanguageResources(own, kStem, nullptr, nullptr));
+  EXPECT_NE(nullptr, static_cast<HKEY>(RegistryKey::Open("Software\\korvel\\Configuration\\CommonLanguage")));
+  kvtest::GuardedBytes constant(sizeof(int));
+  constant.MakeReadOnly();
+  EXPECT_EQ(own, LoadLanguageResources(own, kStem, nullptr, constant.as<int>()));
 }
 
 // Some bits of the headers or of the resources are others: nothing that is done with such a library ends the program.
@@ -181,16 +182,6 @@ TEST_F(LanguageFiles, LoadSurvivesEveryDamage) {
     }
   }
   EXPECT_TRUE(english > 100 && english < 300) << english;
-}
-
-TEST_F(LanguageFiles, LoadWithoutPointerOrNameTakesEnglishUnderTheCommonName) {
-  const HMODULE own = GetModuleHandleW(nullptr);
-  EXPECT_EQ(own, LoadLanguageResources(own, kStem, nullptr, nullptr));
-  EXPECT_NE(nullptr, static_cast<HKEY>(RegistryKey::Open("Software\\korvel\\Configuration\\CommonLanguage")));
-
-  kvtest::GuardedBytes constant(sizeof(int));
-  constant.MakeReadOnly();
-  EXPECT_EQ(own, LoadLanguageResources(own, kStem, nullptr, constant.as<int>()));
 }
 
 constexpr UINT kFirstCommand = 500;
@@ -231,17 +222,18 @@ TEST_F(LanguageFiles, MenuDoesWithoutBitmapsStemOrArea) {
   HBITMAP handles[kHandlesInArea] = {untouched};
   const kvtest::GuardedBytes oneShort(kLanguageBitmapArea - sizeof(HBITMAP)), half(16 * sizeof(HBITMAP));
   *oneShort.as<HBITMAP>() = untouched;
-  const auto items = [](UINT firstBitmap, const wchar_t* stem, HBITMAP* area) {
-    const HMENU menu = BuildLanguageMenu(0, nullptr, kFirstCommand, firstBitmap, stem, area);
-    const int count = GetMenuItemCount(menu);
+  const struct {
+    const wchar_t* stem;
+    HBITMAP* area;
+    int items;
+  } menus[] = {{nullptr, handles, 0}, {kStem, oneShort.as<HBITMAP>(), 1}, {kStem, handles, 1}};
+  for (const auto& [stem, area, items] : menus) {
+    constexpr UINT kNoSuchBitmaps = 40000;
+    const HMENU menu = BuildLanguageMenu(0, nullptr, kFirstCommand, kNoSuchBitmaps, stem, area);
+    EXPECT_EQ(items, GetMenuItemCount(menu));
     DestroyMenu(menu);
-    return count;
-  };
-  EXPECT_EQ(1, items(40000, kStem, handles));  // no such bitmaps
-  EXPECT_EQ(nullptr, handles[0]);
-  EXPECT_EQ(1, items(40000, kStem, oneShort.as<HBITMAP>()));
-  EXPECT_EQ(untouched, *oneShort.as<HBITMAP>());
-  EXPECT_EQ(0, items(1, nullptr, handles));
+  }
+  EXPECT_TRUE(handles[0] == nullptr && *oneShort.as<HBITMAP>() == untouched);
   EXPECT_TRUE(FreeLanguageMenuBitmaps(half.as<HBITMAP>()) && FreeLanguageMenuBitmaps(nullptr));
 }
 

@@ -130,10 +130,8 @@ TEST_F(Recorded, DeviceNoticesAskForUsbAndEndWhatTheyBegan) {
 
 TEST(Notifications, TheRealShellKnowsTheIconUntilItIsRemoved) {
   const kvtest::RecordingParent owner;
-  const HICON icon = LoadIconA(nullptr, reinterpret_cast<LPCSTR>(IDI_INFORMATION));
-  EXPECT_TRUE(AddNotificationIcon(owner, 3, icon, "test"));
-  EXPECT_TRUE(ChangeNotificationIcon(owner, 3, nullptr, "changed"));
-  EXPECT_TRUE(RemoveNotificationIcon(owner, 3));
+  EXPECT_TRUE(AddNotificationIcon(owner, 3, LoadIconA(nullptr, reinterpret_cast<LPCSTR>(IDI_INFORMATION)), "test"));
+  EXPECT_TRUE(ChangeNotificationIcon(owner, 3, nullptr, "changed") && RemoveNotificationIcon(owner, 3));
   EXPECT_FALSE(ChangeNotificationIcon(owner, 3, nullptr, "gone"));
   const HDEVNOTIFY notices = RegisterDeviceNotifications(owner, TRUE);
   EXPECT_NE(nullptr, notices);

@@ -149,8 +149,7 @@ TEST(MeshSetView, NormalisesTheFlaggedAngles) {
   for (int flags = 0; flags < 8; ++flags) {
     meshSetView(mesh.handle, 1, 1, 1, 2, 3, 7);
     ASSERT_TRUE(meshSetView(mesh.handle, flags, 0.5, 41, 42, 43, static_cast<std::uint8_t>(flags)));
-    const Vector angles{flags & 1 ? 41.0 : 1, flags & 2 ? 42.0 : 2, flags & 4 ? 43.0 : 3};
-    EXPECT_EQ(angles, AnglesOf(mesh));
+    EXPECT_EQ((Vector{flags & 1 ? 41.0 : 1, flags & 2 ? 42.0 : 2, flags & 4 ? 43.0 : 3}), AnglesOf(mesh)) << flags;
     EXPECT_EQ(flags * 0.5, mesh.model->scale);
   }
   ASSERT_TRUE(meshSetView(mesh.handle, 1, 1, 1e300, INFINITY, NAN, 7));
@@ -200,6 +199,11 @@ TEST(MeshProject, SortsFartherTrianglesFirst) {
 TEST(MeshProject, DepthsMayBeHugeNearlyEqualOrNotNumbers) {
   std::mt19937 random(9);
   const double special[] = {NAN, INFINITY, -INFINITY, 1e308, -1e308, 1e12, -1e12, 0, -0.0, 5, -5};
+  // Not a number comes first; the attribute word tells in which order equal depths stood.
+  const auto isBefore = [](const MeshTriangle& a, const MeshTriangle& b) {
+    const bool alike = a.depth == b.depth || (std::isnan(a.depth) && std::isnan(b.depth));
+    return alike ? a.attributes < b.attributes : std::isnan(a.depth) || a.depth < b.depth;
+  };
   for (int count : {1, 2, 11, 300, 20000}) {
     for (const bool close : {false, true}) {
       std::vector<double> depths(count);
@@ -209,12 +213,7 @@ TEST(MeshProject, DepthsMayBeHugeNearlyEqualOrNotNumbers) {
       std::vector<bool> seen(count);
       for (int i = 0; i < count; ++i) {
         seen[mesh.triangles[i].attributes] = true;
-        if (i == 0) continue;
-        const MeshTriangle &before = mesh.triangles[i - 1], &after = mesh.triangles[i];
-        const bool alike = before.depth == after.depth || (std::isnan(before.depth) && std::isnan(after.depth));
-        EXPECT_TRUE(alike ? before.attributes < after.attributes
-                          : std::isnan(before.depth) || before.depth < after.depth)
-            << before.depth << " before " << after.depth;
+        EXPECT_TRUE(i == 0 || isBefore(mesh.triangles[i - 1], mesh.triangles[i])) << i << " of " << count;
       }
       EXPECT_EQ(count, std::count(seen.begin(), seen.end(), true));
     }
