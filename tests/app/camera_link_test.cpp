@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <chrono>
 #include <cstddef>
+#include <stop_token>
 #include <string>
 #include <thread>
-#include <utility>
+#include <tuple>
 
 #include "app/camera_record.h"
 #include "tests/support/replaced_import.h"
@@ -91,10 +91,8 @@ TEST_F(CameraLinkTest, OpensWithTheCamerasLineSettings) {
   DCB state{};
   state.DCBlength = sizeof(state);
   ASSERT_TRUE(GetCommState(port, &state));
-  EXPECT_EQ(38400u, state.BaudRate);
-  EXPECT_EQ(8, state.ByteSize);
-  EXPECT_EQ(NOPARITY, state.Parity);
-  EXPECT_EQ(ONESTOPBIT, state.StopBits);
+  EXPECT_EQ(std::tuple(38400u, 8, NOPARITY, ONESTOPBIT),
+            std::tuple(state.BaudRate, state.ByteSize, state.Parity, state.StopBits));
   EXPECT_FALSE(state.fOutX || state.fInX || state.fOutxCtsFlow || state.fOutxDsrFlow);
   COMMTIMEOUTS timeouts{};
   ASSERT_TRUE(GetCommTimeouts(port, &timeouts));
@@ -103,8 +101,7 @@ TEST_F(CameraLinkTest, OpensWithTheCamerasLineSettings) {
 
   EXPECT_EQ(1u, SetPortBaudRate(port, 9600));
   ASSERT_TRUE(GetCommState(port, &state));
-  EXPECT_EQ(9600u, state.BaudRate);
-  EXPECT_EQ(8, state.ByteSize);
+  EXPECT_EQ(std::tuple(9600u, 8), std::tuple(state.BaudRate, state.ByteSize));
   CloseHandle(port);
   EXPECT_EQ(0u, SetPortBaudRate(port, 9600));
   EXPECT_EQ(0u, SetPortBaudRate(INVALID_HANDLE_VALUE, 9600));
@@ -164,24 +161,14 @@ TEST_F(CameraLinkTest, TransactionSendsAndListens) {
 }
 
 // Sends the same bytes periodically until it goes out of scope.
-class Chatter {
- public:
-  Chatter(PlayedCamera* camera, std::string bytes, DWORD periodMs = 40)
-      : thread_([this, camera, sent = std::move(bytes), periodMs] {
-          while (!stop_) {
-            camera->Send(sent);
-            Sleep(periodMs);
-          }
-        }) {}
-  ~Chatter() {
-    stop_ = true;
-    thread_.join();
-  }
-
- private:
-  std::atomic<bool> stop_{false};
-  std::thread thread_;
-};
+std::jthread Chatter(PlayedCamera* camera, const std::string& bytes, DWORD periodMs) {
+  return std::jthread([=](const std::stop_token& stop) {
+    while (!stop.stop_requested()) {
+      camera->Send(bytes);
+      Sleep(periodMs);
+    }
+  });
+}
 
 TEST_F(CameraLinkTest, ScanPassesSilentPortsAndTakesTheCameras) {
   const SerialLine silent(SerialLine::CanUnplug() ? kvtest::ComPair{2, 12} : kvtest::ComPair{});
@@ -190,7 +177,7 @@ TEST_F(CameraLinkTest, ScanPassesSilentPortsAndTakesTheCameras) {
   EXPECT_EQ(-1, context_.nPort);
   EXPECT_EQ(INVALID_HANDLE_VALUE, context_.hPort);
 
-  const Chatter chatter(&camera_, RecordOf(1, 2));
+  const std::jthread chatter = Chatter(&camera_, RecordOf(1, 2), 40);
   ResetEvent(context_.hConnectEvent);
   ASSERT_TRUE(Connects());
   EXPECT_EQ(kPort, context_.nPort);
@@ -210,7 +197,7 @@ TEST_F(CameraLinkTest, ScanPassesSilentPortsAndTakesTheCameras) {
 TEST_F(CameraLinkTest, ScanWantsMoreThanFifteenBytes) {
   // A busy machine may hand two pieces over as one, or none in time: one right answer of several tries is enough.
   const auto answers = [&](size_t pieceBytes, DWORD expected) {
-    const Chatter chatter(&camera_, std::string(pieceBytes, '1'), 120);
+    const std::jthread chatter = Chatter(&camera_, std::string(pieceBytes, '1'), 120);
     for (int tries = 0; tries < 5; ++tries) {
       const DWORD connected = ConnectCamera(&context_, TRUE);
       ConnectCamera(&context_, FALSE);

@@ -226,10 +226,10 @@ TEST(CamtoolRecording, IsReadableWhereverItIsTruncated) {
     const size_t body = size < camera::kRecordingHeaderBytes ? 0 : size - camera::kRecordingHeaderBytes;
     const size_t chunks = std::min(body / kChunkSize, kChunkCount);
     ASSERT_TRUE(cut.isRecording) << size;
-    ASSERT_EQ(chunks, cut.chunks) << size;
-    ASSERT_EQ(size < camera::kRecordingHeaderBytes ? size : body - chunks * kChunkSize, cut.torn) << size;
-    ASSERT_EQ(0u, cut.decoder.damagedPlaces) << size;
-    ASSERT_FALSE(cut.decoder.hasEnd) << size;
+    const size_t torn = size < camera::kRecordingHeaderBytes ? size : body - chunks * kChunkSize;
+    ASSERT_EQ(std::tuple(chunks, torn, 0u, false),
+              std::tuple(cut.chunks, cut.torn, cut.decoder.damagedPlaces, cut.decoder.hasEnd))
+        << size;
   }
   EXPECT_FALSE(ReadAll("time,x1,y1\n", 1000).isRecording);
 }
@@ -241,9 +241,9 @@ TEST(CamtoolRecording, LosesOnlyTheChunkThatIsDamaged) {
     std::string damaged = file;
     damaged[at] ^= 0x20;
     const Read read = ReadAll(damaged, 100);
-    ASSERT_EQ(at < camera::kRecordingHeaderBytes ? kChunkCount : kChunkCount - 1, read.chunks) << at;
-    ASSERT_EQ(1u, read.decoder.damagedPlaces) << at;
-    ASSERT_TRUE(read.decoder.hasEnd) << at;
+    ASSERT_EQ(std::tuple(at < camera::kRecordingHeaderBytes ? kChunkCount : kChunkCount - 1, 1u, true),
+              std::tuple(read.chunks, read.decoder.damagedPlaces, read.decoder.hasEnd))
+        << at;
   }
   // A whole chunk with a wrong time, far ahead, must not take the later ones with it.
   const Read jumped = ReadAll(
@@ -265,15 +265,11 @@ TEST(CamtoolStream, FindsRecordsAndCountsWhatIsBetweenThem) {
       camera::FeedStream(&found, static_cast<double>(at), std::string_view(stream).substr(at, part), &records);
     }
     camera::EndStream(&found);
-    EXPECT_EQ(3u, records.size());
-    EXPECT_EQ(11, found.leadBytes);
-    EXPECT_EQ(2, found.malformedStretches);
-    EXPECT_EQ(27, found.malformedBytes);
-    EXPECT_EQ(1, found.oddRecords);
-    EXPECT_EQ(1, found.last.points[0].x) << "as Tarnwick reads it";
-    EXPECT_EQ(384, found.last.points[3].y);
-    EXPECT_EQ("garbage", found.stretches[0].sample);
-    EXPECT_EQ("0100,", found.pending);
+    // The last record's first number is read as Tarnwick reads it.
+    EXPECT_EQ(std::tuple(3u, 11, 2, 27, 1, 1, 384),
+              std::tuple(records.size(), found.leadBytes, found.malformedStretches, found.malformedBytes,
+                         found.oddRecords, found.last.points[0].x, found.last.points[3].y));
+    EXPECT_EQ("garbage 0100,", found.stretches[0].sample + " " + found.pending);
     EXPECT_NEAR(0.6, camera::WellFormedShare(found), 1e-9);
     if (part == 1) {
       EXPECT_EQ(51, records.front().seconds) << "when its last byte came";
@@ -287,9 +283,8 @@ TEST(CamtoolStream, FindsRecordsAndCountsWhatIsBetweenThem) {
                                           std::tuple{record.substr(0, 35) + "-001\r\n", -1L, false}}) {
     camera::RecordStream found;
     camera::FeedStream(&found, 0, odd, nullptr);
-    EXPECT_EQ(1, found.oddRecords) << odd;
-    EXPECT_EQ(y, found.last.points[3].y);
-    EXPECT_EQ(isInRange, found.last.isInRange);
+    EXPECT_EQ(std::tuple(1, y, isInRange), std::tuple(found.oddRecords, found.last.points[3].y, found.last.isInRange))
+        << odd;
   }
   EXPECT_EQ("a\\x0D\\x00\\xFF\\x5C", camera::Printable(std::string_view("a\r\0\xFF\\", 5)));
 }

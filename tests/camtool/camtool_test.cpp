@@ -3,13 +3,13 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <fstream>
 #include <ios>
 #include <iterator>
+#include <stop_token>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -17,7 +17,6 @@
 #include <utility>
 
 #include "app/camera_record.h"
-#include "camera/ports.h"
 #include "camera/recording.h"
 #include "camera/text.h"
 #include "camtool/commands.h"
@@ -116,32 +115,28 @@ TEST(Camtool, ScansSilentBusyTalkingAndCameraPorts) {
   if (!SerialLine::CanUnplug()) GTEST_SKIP() << "four pairs of ports cannot be made here";
   SerialLine talking({5, 6}), line({7, 8}), silent({9, 10}), busy({11, 12});
   PlayedCamera camera(8), wrongRate(6), holder(11);
-  std::atomic<bool> stop{false};
-  std::thread sender([&] {
+  std::jthread sender([&](const std::stop_token& stop) {
     const kv::CameraPoint points[kv::kPointCount] = {{100, 200}, {300, 400}, {1023, 1023}, {512, 384}};
     char record[kv::kRecordLength];
     kv::WriteRecord(points, record);
     const std::string garbled = camtool::ReceiveAtRate(std::string_view(record, sizeof(record)), 9600, 38400);
-    while (!stop) {
+    while (!stop.stop_requested()) {
       camera.SendRecord(points);
       wrongRate.Send(garbled);
       Sleep(20);
     }
   });
-  const Camtool scan("scan");
-  const int code = scan.Wait();
-  stop = true;
-  sender.join();
+  const Camtool scan("scan"), record("record COM11 nothing.twr");
+  EXPECT_EQ(camtool::kDone, scan.Wait());
   const std::string said = scan.Said();
-  EXPECT_EQ(camtool::kDone, code);
-  EXPECT_PRED2(Says, said, "COM5   sending");
-  EXPECT_PRED2(Says, said, "wrong baud rate: records sent at 9600");
-  EXPECT_PRED2(Says, said, "COM7   camera");
-  EXPECT_PRED2(Says, said, "100,200 300,400 1023,1023 512,384");
-  EXPECT_PRED2(Says, said, "COM9   silent");
-  EXPECT_PRED2(Says, said, "COM11  busy           COM11 is in use by test_camtool.exe; close it");
-  EXPECT_PRED2(Says, said, "COM13 to COM98  absent");
-  EXPECT_PRED2(Says, said, "Tarnwick would take COM5, which is no camera, before it comes to the camera");
+  for (const char* text :
+       {"COM5   sending", "wrong baud rate: records sent at 9600", "COM7   camera", "100,200 300,400 1023,1023 512,384",
+        "COM9   silent", "COM11  busy           COM11 is in use by test_camtool.exe; close it",
+        "COM13 to COM98  absent", "Tarnwick would take COM5, which is no camera, before it comes to the camera"}) {
+    EXPECT_PRED2(Says, said, text);
+  }
+  EXPECT_EQ(camtool::kNoPort, record.Wait());
+  EXPECT_PRED2(Says, record.Said(), "busy: COM11 is in use by test_camtool.exe; close it");
 }
 
 TEST(Camtool, RecordsReplaysAndExports) {
@@ -216,18 +211,6 @@ TEST(Camtool, WatchesAPortUntilItIsDisconnected) {
   EXPECT_PRED2(Says, watch.Said(), "COM3 was disconnected");
 }
 
-TEST(Camtool, HasAPortForItselfAlone) {
-  if (!SerialLine::CanUnplug()) GTEST_SKIP() << "no pair of ports can be made here";
-  const SerialLine line({3, 4});
-  camera::Port mine, other;
-  EXPECT_EQ(camera::PortState::kOpened, camera::OpenPort(3, {}, &mine).state);
-  EXPECT_EQ(camera::PortState::kBusy, camera::OpenPort(3, {}, &other).state) << "who looks for no holder, too";
-  const Camtool record("record COM3 nothing.twr"), circle("record COM4 nothing.twr --forward com4");
-  EXPECT_EQ(camtool::kNoPort, record.Wait());
-  EXPECT_PRED2(Says, record.Said(), "busy: COM3 is in use by test_camtool.exe; close it");
-  EXPECT_EQ(camtool::kUsageError, circle.Wait());
-}
-
 TEST(Camtool, LosesNoFileThatExists) {
   const std::string recording = TemporaryFile("camtool kept.twr"), link = TemporaryFile("camtool link.twr");
   const std::string csv = TemporaryFile("camtool kept.csv"), record = "0100,0200,0300,0400,1023,1023,0512,0384";
@@ -256,15 +239,17 @@ TEST(Camtool, LosesNoFileThatExists) {
     EXPECT_EQ(camtool::kFailed, run.Wait());
     EXPECT_EQ("old", ReadFileText(csv));
   }
-  const Camtool run(toTarget(csv)), info("info \"" + recording + "\""), json("info --json -", recording);
-  EXPECT_EQ(camtool::kDone, run.Wait()) << run.Said();
-  EXPECT_PRED2(Says, run.Said(), "2 records; no malformed stretches; 1 odd");
-  EXPECT_EQ(camtool::kDone, info.Wait());
-  EXPECT_PRED2(Says, info.Said(), "2025-01-01 00:00:00 UTC, COM3, 38400 baud");
-  EXPECT_PRED2(Says, info.Said(), "1      100.0 %   100 to  100   200 to  200");
-  EXPECT_EQ(camtool::kDone, json.Wait());
-  EXPECT_PRED2(Says, json.Said(), "\"records\":2,");
-  EXPECT_PRED2(Says, json.Said(), "{\"seen\":0.000000},{\"seen\":1.000000,\"x\":{\"lowest\":512,\"highest\":512");
+  const std::tuple<std::string, const char*, const char*> views[] = {
+      {toTarget(csv), "NUL", "2 records; no malformed stretches; 1 odd"},
+      {"info \"" + recording + "\"", "NUL", "2025-01-01 00:00:00 UTC, COM3, 38400 baud"},
+      {"info -", recording.c_str(), "1      100.0 %   100 to  100   200 to  200"},
+      {"info --json -", recording.c_str(),
+       "{\"seen\":0.000000},{\"seen\":1.000000,\"x\":{\"lowest\":512,\"highest\":512"}};
+  for (const auto& [arguments, input, said] : views) {
+    const Camtool run(arguments, input);
+    EXPECT_EQ(camtool::kDone, run.Wait()) << arguments;
+    EXPECT_PRED2(Says, run.Said(), said);
+  }
   EXPECT_EQ("seconds,x1,y1,x2,y2,x3,y3,x4,y4\n0.000001,100,200,300,400,1023,1023,512,384\n", ReadFileText(csv));
   WIN32_FIND_DATAA part;
   EXPECT_EQ(INVALID_HANDLE_VALUE, FindFirstFileA(TemporaryFile("camtool kept*.part").c_str(), &part));
@@ -293,6 +278,7 @@ TEST(Camtool, RejectsWhatItCannotDo) {
       {"record COM4", camtool::kUsageError, "missing argument FILE"},
       {"simulate COM1000", camtool::kUsageError, "\"COM1000\" is not a port"},
       {"replay - COM4 --loop", camtool::kUsageError, "requires a file"},
+      {"record COM4 nothing.twr --forward com4", camtool::kUsageError, "requires another port"},
       {"record COM77 nothing.twr", camtool::kNoPort, "COM77 does not exist"},
       {"export nothing.twr", camtool::kFailed, "cannot read \"nothing.twr\""},
       {"info -", camtool::kEmpty, "is empty"},

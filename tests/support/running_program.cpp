@@ -13,11 +13,12 @@ constexpr DWORD kPatienceMs = 20000;
 
 }  // namespace
 
-RunningProgram::RunningProgram(const std::filesystem::path& program, const std::wstring& arguments) {
+RunningProgram::RunningProgram(const std::filesystem::path& program, const std::wstring& arguments,
+                               const wchar_t* directory) {
   std::wstring command = L"\"" + program.wstring() + L"\" " + arguments;
   STARTUPINFOW startUp{};
   startUp.cb = sizeof(startUp);
-  CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startUp, &process_);
+  CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, directory, &startUp, &process_);
 }
 
 RunningProgram::~RunningProgram() {

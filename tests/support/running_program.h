@@ -11,7 +11,9 @@ namespace kvtest {
 // Ended with the object if it does not end by itself.
 class RunningProgram {
  public:
-  RunningProgram(const std::filesystem::path& program, const std::wstring& arguments);
+  // In `directory`, or with null in that of the tests.
+  RunningProgram(const std::filesystem::path& program, const std::wstring& arguments,
+                 const wchar_t* directory = nullptr);
   ~RunningProgram();
   RunningProgram(const RunningProgram&) = delete;
   RunningProgram& operator=(const RunningProgram&) = delete;
@@ -21,6 +23,7 @@ class RunningProgram {
   HWND Find(const wchar_t* windowClass, const wchar_t* title) const;
   // Closes the window as a user does, waits for the end of the process and gives its exit code.
   DWORD Close(HWND window) const;
+  HANDLE process() const { return process_.hProcess; }
 
  private:
   PROCESS_INFORMATION process_{};
