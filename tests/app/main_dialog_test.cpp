@@ -6,6 +6,8 @@
 
 #include <set>
 #include <string>
+#include <tuple>
+#include <utility>
 
 #include "app/app_context.h"
 #include "app/optical_flow_chart.h"
@@ -17,7 +19,6 @@
 #include "framework/painting.h"
 #include "framework/picture.h"
 #include "framework/window_position.h"
-#include "tests/support/accessible_text.h"
 #include "tests/support/test_window.h"
 
 namespace kv {
@@ -113,8 +114,7 @@ TEST_F(MainDialogTest, StartsIdleWithThePageShown) {
   TBBUTTON button{};
   EXPECT_EQ(2, SendMessageA(toolbar, TB_BUTTONCOUNT, 0, 0));
   SendMessageA(toolbar, TB_GETBUTTON, 1, reinterpret_cast<LPARAM>(&button));
-  EXPECT_EQ(32, button.iBitmap);
-  EXPECT_EQ(IDM_CONNECT, button.idCommand);
+  EXPECT_EQ(std::tuple(32, IDM_CONNECT), std::tuple(button.iBitmap, button.idCommand));
   wchar_t text[32] = L"";
   TCITEMW page{.mask = TCIF_TEXT | TCIF_PARAM, .pszText = text, .cchTextMax = ARRAYSIZE(text), .lParam = 9};
   SendDlgItemMessageW(dialog_, IDC_PAGES, TCM_GETITEMW, 0, reinterpret_cast<LPARAM>(&page));
@@ -169,13 +169,10 @@ TEST_F(MainDialogTest, StatusButtonsTellTheState) {
 }
 
 TEST_F(MainDialogTest, CommandsDoWhatTheySay) {
-  Call(WM_COMMAND, 32768 + 5);
-  EXPECT_EQ(5, context_.nMenuSelection);
-  Call(WM_COMMAND, 33767);
-  EXPECT_EQ(999, context_.nMenuSelection);
-  Call(WM_COMMAND, 33768);
-  Call(WM_COMMAND, IDM_RESERVED);
-  EXPECT_EQ(999, context_.nMenuSelection);
+  for (const auto& [command, selection] : {std::pair(32773, 5), {33767, 999}, {33768, 999}, {IDM_RESERVED, 999}}) {
+    Call(WM_COMMAND, static_cast<WPARAM>(command));
+    EXPECT_EQ(selection, context_.nMenuSelection) << command;
+  }
 
   Call(WM_HSCROLL, 0, reinterpret_cast<LPARAM>(GetDlgItem(dialog_, IDC_CHART)));
   EXPECT_EQ(0u, context_.bChanged);
@@ -212,27 +209,18 @@ TEST_F(MainDialogTest, EnterNeverClosesAndTabWalksTheControls) {
 TEST_F(MainDialogTest, LayoutFillsTheWindowAtEverySize) {
   for (const SIZE size : {SIZE{412, 412}, SIZE{1000, 500}, SIZE{500, 900}}) {
     SetWindowPos(dialog_, nullptr, 0, 0, size.cx, size.cy, SWP_NOZORDER);
-    RECT client{}, chart{}, tab{}, bar{}, port{};
-    GetClientRect(dialog_, &client);
-    const auto place = [&](int id, RECT* rect) {
-      GetWindowRect(GetDlgItem(dialog_, id), rect);
-      MapWindowPoints(nullptr, dialog_, reinterpret_cast<POINT*>(rect), 2);
-    };
-    place(IDC_CHART, &chart);
-    place(IDC_PAGES, &tab);
-    place(IDC_STATUS_BAR, &bar);
-    place(IDC_POINT_4, &port);
-    EXPECT_EQ(client.bottom, bar.bottom);
-    EXPECT_EQ(client.bottom - 1, port.bottom);
+    const SIZE client = ClientSize(dialog_);
+    const auto place = [&](int id) { return kvtest::PlaceOf(dialog_, id); };
+    const RECT chart = place(IDC_CHART), tab = place(IDC_PAGES), bar = place(IDC_STATUS_BAR), port = place(IDC_POINT_4);
+    EXPECT_EQ(std::tuple(client.cy, client.cy - 1), std::tuple(bar.bottom, port.bottom));
     EXPECT_GE(port.left, bar.left);
     EXPECT_TRUE(tab.left < chart.left && tab.right > chart.right && tab.bottom > chart.bottom);
     EXPECT_LE(tab.bottom, bar.top);
-    EXPECT_NEAR(context_.fScaleX, static_cast<double>(client.right) / context_.layout[0].width, 0.001);
+    EXPECT_NEAR(context_.fScaleX, static_cast<double>(client.cx) / context_.layout[0].width, 0.001);
   }
   RECT tooSmall{100, 100, 200, 200};
   EXPECT_EQ(1, Call(WM_SIZING, WMSZ_BOTTOMRIGHT, reinterpret_cast<LPARAM>(&tooSmall)));
-  EXPECT_EQ(512, tooSmall.right);
-  EXPECT_EQ(512, tooSmall.bottom);
+  EXPECT_EQ(std::tuple(512, 512), std::tuple(tooSmall.right, tooSmall.bottom));
 }
 
 TEST_F(MainDialogTest, RefusesAnUnusableRecordInEveryHandler) {
@@ -247,8 +235,18 @@ TEST_F(MainDialogTest, RefusesAnUnusableRecordInEveryHandler) {
   EXPECT_EQ(0, Call(WM_NOTIFY, 0, 1)) << "unreadable notice";
 }
 
-TEST_F(MainDialogTest, CloseRemembersTheWindowAndStopsTheReader) {
+TEST_F(MainDialogTest, CloseAndEndOfTheSessionSaveAndCloseStopsTheReader) {
   SetWindowPos(dialog_, nullptr, 30, 40, 700, 600, SWP_NOZORDER);
+  lstrcpyW(context_.szDataFolder, L"C:\\data");
+  Call(WM_ENDSESSION, FALSE);
+  EXPECT_EQ("", StoredPlace()) << "somebody else has refused";
+  Call(WM_ENDSESSION, TRUE);
+  EXPECT_EQ("30,40,730,640", StoredPlace());
+  AppContext next{};
+  DataFolderSetting(&next, FALSE);
+  EXPECT_STREQ(L"C:\\data", next.szDataFolder);
+
+  SetWindowPos(dialog_, nullptr, 31, 40, 700, 600, SWP_NOZORDER);
   HANDLE thread = nullptr;
   DuplicateHandle(GetCurrentProcess(), context_.hReaderThread, GetCurrentProcess(), &thread, 0, FALSE,
                   DUPLICATE_SAME_ACCESS);
@@ -260,19 +258,7 @@ TEST_F(MainDialogTest, CloseRemembersTheWindowAndStopsTheReader) {
   CloseHandle(thread);
   EXPECT_EQ(0, GetWindowLongA(dialog_, DWL_USER));
   EXPECT_TRUE(IsWindow(dialog_)) << "goes with the process";
-  EXPECT_EQ("30,40,730,640", StoredPlace());
-}
-
-TEST_F(MainDialogTest, EndOfTheSessionSavesWhatClosingWould) {
-  SetWindowPos(dialog_, nullptr, 30, 40, 700, 600, SWP_NOZORDER);
-  lstrcpyW(context_.szDataFolder, L"C:\\data");
-  Call(WM_ENDSESSION, FALSE);
-  EXPECT_EQ("", StoredPlace()) << "somebody else has refused";
-  Call(WM_ENDSESSION, TRUE);
-  EXPECT_EQ("30,40,730,640", StoredPlace());
-  AppContext next{};
-  DataFolderSetting(&next, FALSE);
-  EXPECT_STREQ(L"C:\\data", next.szDataFolder);
+  EXPECT_EQ("31,40,731,640", StoredPlace());
 }
 
 TEST_F(MainDialogTest, ComesBackWhereItIsSeen) {
@@ -283,8 +269,7 @@ TEST_F(MainDialogTest, ComesBackWhereItIsSeen) {
   OpenDialog();
   RECT place{}, seen{};
   GetWindowRect(dialog_, &place);
-  EXPECT_EQ(700, place.right - place.left);
-  EXPECT_EQ(600, place.bottom - place.top);
+  EXPECT_EQ(std::tuple(700, 600), std::tuple(place.right - place.left, place.bottom - place.top));
   const RECT screen{0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
   IntersectRect(&seen, &place, &screen);
   EXPECT_TRUE(EqualRect(&place, &seen)) << place.left << "," << place.top;

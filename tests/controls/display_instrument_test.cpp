@@ -15,7 +15,6 @@
 #include "framework/control_class.h"
 #include "framework/guards.h"
 #include "tests/controls/instrument_test.h"
-#include "tests/support/accessible_text.h"
 #include "tests/support/message_fuzzing.h"
 #include "tests/support/scarce_objects.h"
 #include "tests/support/test_window.h"

@@ -13,7 +13,6 @@
 
 #include "framework/control_class.h"
 #include "framework/guards.h"
-#include "tests/support/accessible_text.h"
 #include "tests/support/control_test.h"
 #include "tests/support/test_window.h"
 

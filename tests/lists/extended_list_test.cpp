@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "framework/guards.h"
-#include "tests/support/accessible_text.h"
 #include "tests/support/control_test.h"
 #include "tests/support/test_window.h"
 
@@ -68,7 +67,6 @@ class ExtendedList : public kvtest::ControlTest<RegisterExtendedListClass> {
     const WindowDc dc(list_);
     return GetPixel(dc, x, y);
   }
-  int BarPosition(int barKind) { return GetScrollPos(list_, barKind); }
 
   HWND list_ = nullptr;
   int height_ = 17, measured_ = 0;
@@ -98,14 +96,15 @@ TEST_F(ExtendedList, AsksForOneHeaderAndOneScreenful) {
 
 TEST_F(ExtendedList, ScrollsByWholeRowsAndPastBothEnds) {
   Send(LB_SETCOUNT, 10000000);
-  EXPECT_EQ((Rows{-1, 1, 2, 3, 4, 5}), RowsAfter(WM_VSCROLL, SB_LINEDOWN));
-  EXPECT_EQ(17, BarPosition(SB_VERT));
-  EXPECT_EQ((Rows{-1, 11, 12, 13, 14, 15}), RowsAfter(WM_VSCROLL, SB_PAGEDOWN));
-  EXPECT_EQ((Rows{-1, 1, 2, 3, 4, 5}), RowsAfter(WM_VSCROLL, SB_PAGEUP));
-  Send(WM_VSCROLL, SB_PAGEUP);
-  EXPECT_EQ((Rows{-1}), RowsAfter(WM_VSCROLL, SB_THUMBPOSITION));  // nine rows above the first: only blank ones on view
-  EXPECT_EQ(0, BarPosition(SB_VERT));
-  EXPECT_EQ(kTopRows, RowsAfter(WM_VSCROLL, SB_ENDSCROLL));
+  const std::tuple<WPARAM, Rows, int> steps[] = {{SB_LINEDOWN, {-1, 1, 2, 3, 4, 5}, 17},
+                                                 {SB_PAGEDOWN, {-1, 11, 12, 13, 14, 15}, 187},
+                                                 {SB_PAGEUP, {-1, 1, 2, 3, 4, 5}, 17},
+                                                 {SB_PAGEUP, {-1}, 0},  // only the blank rows above the first
+                                                 {SB_ENDSCROLL, kTopRows, 0}};
+  for (const auto& [request, rows, position] : steps) {
+    EXPECT_EQ(rows, RowsAfter(WM_VSCROLL, request)) << request;
+    EXPECT_EQ(position, GetScrollPos(list_, SB_VERT)) << request;
+  }
   // The bar holds its position within its range, which ends a page before the last row's lower edge.
   SCROLLINFO bar{.cbSize = sizeof(bar), .fMask = SIF_POS, .nPos = INT_MAX};
   SetScrollInfo(list_, SB_VERT, &bar, FALSE);
@@ -119,7 +118,7 @@ TEST_F(ExtendedList, ScrollsSidewaysWithoutARedraw) {
   EXPECT_EQ(kWindowColor, PixelAt(16, 0));
   EXPECT_EQ(kHeaderColor, PixelAt(17, 0));
   EXPECT_EQ(Rows{}, RowsAfter(WM_HSCROLL, SB_PAGERIGHT));
-  EXPECT_EQ(153, BarPosition(SB_HORZ));
+  EXPECT_EQ(153, GetScrollPos(list_, SB_HORZ));
   Send(WM_HSCROLL, SB_PAGERIGHT);
   EXPECT_EQ(kWindowColor, PixelAt(0, 0));
   Send(WM_HSCROLL, SB_ENDSCROLL);

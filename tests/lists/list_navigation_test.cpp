@@ -119,38 +119,36 @@ TEST_F(ListNavigation, KeysMoveTheSelectedRowAndKeepItInView) {
 }
 
 TEST_F(ListNavigation, ScrollsWithinItsEndsByBarAndWheel) {
-  Send(WM_VSCROLL, SB_BOTTOM);
-  EXPECT_EQ((std::vector<UINT>{kHeaderRow, 996, 997, 998, 999}), drawn_);
-  EXPECT_EQ(std::tuple(16999, 68, 16932), Down());
-  for (UINT request : {SB_LINEDOWN, SB_PAGEDOWN, SB_ENDSCROLL, SB_THUMBPOSITION}) Send(WM_VSCROLL, request);
-  EXPECT_EQ(996u, TopRow());
-  Send(WM_VSCROLL, SB_PAGEUP);
-  EXPECT_EQ(992u, TopRow());
-  Send(WM_VSCROLL, SB_TOP);
-  Send(WM_VSCROLL, SB_LINEUP);
-  EXPECT_EQ(0u, TopRow());
-
   UINT rows = 0;
   SystemParametersInfoA(SPI_GETWHEELSCROLLLINES, 0, &rows, 0);
   ASSERT_EQ(3u, rows);
-  const auto turn = [&](UINT message, int delta, int keys = 0) { Send(message, MAKEWPARAM(keys, delta)); };
-  turn(WM_MOUSEWHEEL, -120);
-  EXPECT_EQ(3u, TopRow());
-  for (int i = 0; i < 3; ++i) turn(WM_MOUSEWHEEL, -30);  // a third of a notch is one row
-  EXPECT_EQ(5u, TopRow());
-  turn(WM_MOUSEWHEEL, 30);  // the other way: what was left of the last turn is forgotten
-  EXPECT_EQ(5u, TopRow());
-
   Send(LB_SETHORIZONTALEXTENT, 300);
-  turn(WM_MOUSEWHEEL, -120, MK_SHIFT);
-  EXPECT_EQ(51, Bar(SB_HORZ).nPos);
-  turn(WM_MOUSEHWHEEL, 1200);
-  EXPECT_EQ(200, Bar(SB_HORZ).nPos);
-  Send(WM_KEYDOWN, VK_LEFT);
-  EXPECT_EQ(183, Bar(SB_HORZ).nPos);
-  Send(WM_HSCROLL, SB_PAGELEFT);
-  Send(WM_HSCROLL, SB_PAGELEFT);
-  EXPECT_EQ(0, Bar(SB_HORZ).nPos);
+  Send(WM_VSCROLL, SB_BOTTOM);
+  EXPECT_EQ((std::vector<UINT>{kHeaderRow, 996, 997, 998, 999}), drawn_);
+  EXPECT_EQ(std::tuple(16999, 68, 16932), Down());
+  // The message, and then the row on top and the position of the bar below.
+  const std::tuple<const char*, UINT, WPARAM, UINT, int> steps[] = {
+      {"a line past the end", WM_VSCROLL, SB_LINEDOWN, 996, 0},
+      {"a page past the end", WM_VSCROLL, SB_PAGEDOWN, 996, 0},
+      {"end", WM_VSCROLL, SB_ENDSCROLL, 996, 0},
+      {"thumb", WM_VSCROLL, SB_THUMBPOSITION, 996, 0},
+      {"page", WM_VSCROLL, SB_PAGEUP, 992, 0},
+      {"top", WM_VSCROLL, SB_TOP, 0, 0},
+      {"a line past the top", WM_VSCROLL, SB_LINEUP, 0, 0},
+      {"notch", WM_MOUSEWHEEL, MAKEWPARAM(0, -120), 3, 0},
+      {"three quarters of a notch, 1", WM_MOUSEWHEEL, MAKEWPARAM(0, -30), 3, 0},
+      {"three quarters of a notch, 2", WM_MOUSEWHEEL, MAKEWPARAM(0, -30), 4, 0},
+      {"three quarters of a notch, 3", WM_MOUSEWHEEL, MAKEWPARAM(0, -30), 5, 0},
+      {"back, which forgets what is left of a turn", WM_MOUSEWHEEL, MAKEWPARAM(0, 30), 5, 0},
+      {"sideways", WM_MOUSEWHEEL, MAKEWPARAM(MK_SHIFT, -120), 5, 51},
+      {"past the right end", WM_MOUSEHWHEEL, MAKEWPARAM(0, 1200), 5, 200},
+      {"key", WM_KEYDOWN, VK_LEFT, 5, 183},
+      {"page to the left", WM_HSCROLL, SB_PAGELEFT, 5, 83},
+      {"past the left end", WM_HSCROLL, SB_PAGELEFT, 5, 0}};
+  for (const auto& [step, message, wParam, top, left] : steps) {
+    Send(message, wParam);
+    EXPECT_EQ(std::tuple(top, left), std::tuple(TopRow(), Bar(SB_HORZ).nPos)) << step;
+  }
 }
 
 TEST_F(ListNavigation, TellsWhatIsClicked) {

@@ -43,12 +43,7 @@ class Sample : public kvtest::RunningProgram {
         },
         kPatience);
   }
-  RECT PlaceOf(int id) const {
-    RECT place{};
-    GetWindowRect(Control(id), &place);
-    MapWindowPoints(nullptr, window_, reinterpret_cast<POINT*>(&place), 2);
-    return place;
-  }
+  RECT PlaceOf(int id) const { return kvtest::PlaceOf(window_, id); }
   DWORD Close() const { return RunningProgram::Close(window_); }
 
  private:

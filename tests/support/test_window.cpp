@@ -1,5 +1,7 @@
 #include "tests/support/test_window.h"
 
+#include <oleacc.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
@@ -101,12 +103,47 @@ void Picture::Fill(std::uint8_t byte) {
   std::memset(pixels_, byte, static_cast<size_t>(width_) * height_ * sizeof(*pixels_));
 }
 
-SIZE ClipboardPictureSize(HWND owner) {
+SIZE ClipboardPictureSize(HWND owner, const Picture* copyTo) {
   if (!OpenClipboard(owner)) return {-1, -1};
   BITMAP shape{.bmWidth = -1, .bmHeight = -1};
-  GetObjectA(GetClipboardData(CF_BITMAP), sizeof(shape), &shape);
+  HANDLE bitmap = GetClipboardData(CF_BITMAP);
+  GetObjectA(bitmap, sizeof(shape), &shape);
+  if (copyTo) {
+    HDC source = CreateCompatibleDC(nullptr);
+    HGDIOBJ previous = SelectObject(source, bitmap);
+    BitBlt(copyTo->dc(), 0, 0, copyTo->width(), copyTo->height(), source, 0, 0, SRCCOPY);
+    SelectObject(source, previous);
+    DeleteDC(source);
+  }
   CloseClipboard();
   return {shape.bmWidth, shape.bmHeight};
+}
+
+RECT PlaceOf(HWND dialog, int id) {
+  RECT place{};
+  GetWindowRect(GetDlgItem(dialog, id), &place);
+  MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
+  return place;
+}
+
+HeardText HearWindow(HWND window) {
+  void* object = nullptr;
+  HeardText heard{};
+  if (AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible), &object) != S_OK) {
+    return heard;
+  }
+  auto* control = static_cast<IAccessible*>(object);
+  VARIANT self{}, role{};
+  self.vt = VT_I4;
+  BSTR text = nullptr;
+  if (control->get_accName(self, &text) == S_OK) heard.name = text;
+  SysFreeString(text);
+  text = nullptr;
+  if (control->get_accValue(self, &text) == S_OK) heard.value = text;
+  SysFreeString(text);
+  if (control->get_accRole(self, &role) == S_OK) heard.role = role.lVal;
+  control->Release();
+  return heard;
 }
 
 GuardedBytes::GuardedBytes(size_t size) : pages_((size + kPageSize - 1) / kPageSize) {

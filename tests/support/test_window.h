@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <vector>
 
 namespace kvtest {
@@ -71,8 +72,19 @@ class Picture {
   std::uint32_t* pixels_ = nullptr;
 };
 
-// The size of the picture on the clipboard; negative when there is none.
-SIZE ClipboardPictureSize(HWND owner);
+// The size of the picture on the clipboard, negative when there is none; its pixels go to `copyTo`.
+SIZE ClipboardPictureSize(HWND owner, const Picture* copyTo = nullptr);
+
+// Where a control lies in its dialog's client area.
+RECT PlaceOf(HWND dialog, int id);
+
+// What a screen reader hears of a window: the answers of its IAccessible.
+struct HeardText {
+  std::wstring name, value;
+  LONG role;
+  bool operator==(const HeardText&) const = default;
+};
+HeardText HearWindow(HWND window);
 
 // Memory of exactly `size` bytes that ends where the next byte faults; optionally read-only.
 class GuardedBytes {

@@ -17,6 +17,8 @@
 #include "framework/tool_tips.h"
 #include "lists/extended_list.h"
 #include "lists/list_navigation.h"
+#include "tests/support/running_program.h"
+#include "tests/support/test_window.h"
 #include "tests/toolkit/ids.h"
 #include "toolkit/classes.h"
 #include "toolkit/languages.h"
@@ -25,18 +27,15 @@
 namespace kv {
 namespace {
 
+using kvtest::PlaceOf;
+using kvtest::TextOf;
+
 constexpr COLORREF kGround = RGB(10, 20, 200);
 
 std::vector<UINT> seen;
 UINT answered = 0;   // the message that the procedure keeps to itself
 UINT destroyAt = 0;  // the message at which it destroys the dialog
 UINT postAtStart = 0;
-
-std::wstring TextOf(HWND window) {
-  wchar_t text[64] = L"";
-  SendMessageW(window, WM_GETTEXT, ARRAYSIZE(text), reinterpret_cast<LPARAM>(text));
-  return text;
-}
 
 INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
   seen.push_back(message);
@@ -66,13 +65,6 @@ const ScaledDialog kTest{.templateName = L"TEST",
                          .tips = kTips,
                          .lowestId = 100,
                          .highestId = 199};
-
-RECT PlaceOf(HWND dialog, int id) {
-  RECT place{};
-  GetWindowRect(GetDlgItem(dialog, id), &place);
-  MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
-  return place;
-}
 
 class ScaledDialogTest : public testing::Test {
  protected:
