@@ -13,6 +13,7 @@
 
 #include "export/dde_client.h"
 #include "framework/shell_launch.h"
+#include "tests/support/replaced_import.h"
 #include "tests/support/running_program.h"
 #include "tests/support/test_window.h"
 #include "toolkit/dde_conversation.h"
@@ -188,31 +189,16 @@ TEST_F(Dde, BadArgumentsAreRefused) {
   EXPECT_STREQ("untouched", text_);
 }
 
-// Makes a word's page read-only until something tries to write there, and lets that one try fail. To ddeStartStop,
-// which tries before it stores, such a word is not writable and yet can be stored to: the one case in which a start
+// Where ddeStartStop asks first, nothing is writable; where it stores, everything is: the one case in which a start
 // succeeds.
-class WritableAfterOneFault {
+class WritableAtSecondLook {
  public:
-  explicit WritableAfterOneFault(void* address) {
-    page_ = reinterpret_cast<ULONG_PTR>(address) / kPage;
-    handler_ = AddVectoredExceptionHandler(1, Handle);
-    DWORD previous = 0;
-    VirtualProtect(address, 1, PAGE_READONLY, &previous);  // from here on nothing may write until the call under test
-  }
-  ~WritableAfterOneFault() { RemoveVectoredExceptionHandler(handler_); }
+  WritableAtSecondLook() { looked_ = false; }
 
  private:
-  static constexpr ULONG_PTR kPage = 4096;
-  static LONG CALLBACK Handle(EXCEPTION_POINTERS* exception) {
-    const EXCEPTION_RECORD& record = *exception->ExceptionRecord;
-    if (record.ExceptionCode == EXCEPTION_ACCESS_VIOLATION && record.ExceptionInformation[1] / kPage == page_) {
-      DWORD previous = 0;
-      VirtualProtect(reinterpret_cast<void*>(record.ExceptionInformation[1]), 1, PAGE_READWRITE, &previous);
-    }
-    return EXCEPTION_CONTINUE_SEARCH;
-  }
-  static inline ULONG_PTR page_ = 0;
-  void* handler_;
+  static BOOL WINAPI IsBad(void*, UINT_PTR) { return !std::exchange(looked_, true); }
+  static inline bool looked_;
+  const kvtest::ReplacedImport import_{"IsBadWritePtr", reinterpret_cast<void*>(IsBad)};
 };
 
 bool IsLive(DWORD instance) {
@@ -220,9 +206,8 @@ bool IsLive(DWORD instance) {
   return name && DdeFreeStringHandle(instance, name);
 }
 
-// What a slot that becomes writable gives; its value goes to `slot`.
 BOOL StartStop(BOOL start, DWORD* slot) {
-  const WritableAfterOneFault once(slot);
+  const WritableAtSecondLook secondLook;
   return kv::ddeStartStop(start, slot);
 }
 
@@ -231,19 +216,17 @@ TEST_F(Dde, StartStopRefusesAWritableSlotAndGoesOnWithOneThatIsNot) {
   EXPECT_FALSE(kv::ddeStartStop(1, &none) || kv::ddeStartStop(0, &own));
   EXPECT_TRUE(none == 0 && own == instance_ && IsLive(instance_));
 
-  const GuardedBytes page(sizeof(DWORD));
-  DWORD* slot = page.as<DWORD>();
-  EXPECT_TRUE(!kv::ddeStartStop(1, nullptr) && kv::ddeStartStop(0, nullptr));
-  EXPECT_FALSE(kv::ddeStartStop(1, slot + 1) || kv::ddeStartStop(0, slot + 1));  // not readable
-  *slot = 0;
-  EXPECT_EQ(1, StartStop(1, slot));
-  const DWORD made = *slot;
-  EXPECT_TRUE(IsLive(made));
-  EXPECT_TRUE(StartStop(1, slot) && *slot == made);
-  EXPECT_TRUE(StartStop(0, slot) && *slot == 0 && !IsLive(made));
+  DWORD slot = 0;
+  EXPECT_TRUE(StartStop(1, &slot) && IsLive(slot));
+  const DWORD made = slot;
+  EXPECT_TRUE(StartStop(1, &slot) && slot == made);
+  EXPECT_TRUE(StartStop(0, &slot) && slot == 0 && !IsLive(made));
 
+  EXPECT_TRUE(!kv::ddeStartStop(1, nullptr) && kv::ddeStartStop(0, nullptr));
   // A page that stays read-only: a new instance has no place and is given back, an old one is ended.
   GuardedBytes empty(sizeof(DWORD)), kept(sizeof(DWORD));
+  DWORD* const unreadable = empty.as<DWORD>() + 1;
+  EXPECT_FALSE(kv::ddeStartStop(1, unreadable) || kv::ddeStartStop(0, unreadable));
   *empty.as<DWORD>() = 0;
   *kept.as<DWORD>() = instance_;
   empty.MakeReadOnly();
@@ -273,7 +256,7 @@ class ExcelLink : public testing::Test {
   }
   // Opens the link in the one case in which its start succeeds.
   static BOOL Open() {
-    WritableAfterOneFault once(&kv::excelLinkState.ddeInstance);
+    const WritableAtSecondLook secondLook;
     return kv::excelLink(1);
   }
   const kv::ExcelLinkState& link_ = kv::excelLinkState;
@@ -295,7 +278,7 @@ TEST_F(ExcelLink, StartsTheSpreadsheetThatDoesNotRun) {
   EXPECT_EQ("open Excel.exe ", std::string(info.lpVerb) + " " + info.lpFile + " " + info.lpParameters);
   EXPECT_TRUE(!info.hwnd && !info.lpDirectory && !info.hProcess);
 
-  const WritableAfterOneFault once(&kv::excelLinkState.ddeInstance);
+  const WritableAtSecondLook secondLook;
   EXPECT_EQ(1, kv::excelLink(0));
   EXPECT_EQ(0u, link_.ddeInstance);
 }
