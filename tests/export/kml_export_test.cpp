@@ -5,19 +5,18 @@
 
 #include <cmath>
 #include <cstddef>
+#include <cstdio>
 #include <cwchar>
 #include <filesystem>
 #include <fstream>
 #include <ios>
 #include <iterator>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
 #include "export/flight_track.h"
 #include "export/flight_track_view.h"
-#include "export/text_file.h"
 #include "framework/bounded_format.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
@@ -25,6 +24,7 @@
 #include "framework/shell_launch.h"
 #include "tests/support/comma_locale.h"
 #include "tests/support/message_fuzzing.h"
+#include "tests/support/replaced_import.h"
 #include "tests/support/test_window.h"
 
 namespace kv {
@@ -231,26 +231,23 @@ TEST_F(KmlExport, RefusesABadStateAndAFileThatCannotBeCreated) {
   EXPECT_TRUE(launched.empty());
 }
 
-// A pipe whose reader goes away stands for the disk that fills up.
-TEST_F(KmlExport, AFailedWriteStartsNoViewerAndLeavesNoFile) {
-  SetPoints(std::vector<FlightTrackPoint>(3000));
-  FormatBounded(view.szKmlPath, sizeof(view.szKmlPath), L"\\\\.\\pipe\\kvTest%lu", GetCurrentProcessId());
-  HANDLE pipe = CreateNamedPipeW(view.szKmlPath, PIPE_ACCESS_INBOUND, PIPE_TYPE_BYTE, 1, 512, 512, 0, nullptr);
-  ASSERT_NE(INVALID_HANDLE_VALUE, pipe);
-  std::thread reader([pipe] {
-    ConnectNamedPipe(pipe, nullptr);
-    CloseHandle(pipe);
-  });
-  EXPECT_FALSE(exportTrackKml(&view));
-  reader.join();
-  EXPECT_TRUE(launched.empty());
+size_t WriteNothing(const void*, size_t, size_t, FILE*) {
+  return 0;
+}
 
-  const std::wstring path = temporary + L"kvTestGivenUp.txt";
-  {
-    TextFile file(path.c_str());
-    EXPECT_TRUE(exists(path));
+int FlushNothing(FILE*) {
+  return EOF;
+}
+
+TEST_F(KmlExport, AFailedWriteStartsNoViewerAndLeavesNoFile) {
+  const std::pair<const char*, void*> fullDisk[] = {{"fwrite", reinterpret_cast<void*>(WriteNothing)},
+                                                    {"fflush", reinterpret_cast<void*>(FlushNothing)}};
+  for (const auto& [name, failing] : fullDisk) {
+    const kvtest::ReplacedImport replaced(name, failing);
+    EXPECT_TRUE(replaced.isInPlace() && !exportTrackKml(&view)) << name;
+    EXPECT_FALSE(exists(view.szKmlPath)) << name;
   }
-  EXPECT_FALSE(exists(path));
+  EXPECT_TRUE(launched.empty());
 }
 
 TEST_F(KmlExport, WaypointsComeFromWhatTheKindSays) {
