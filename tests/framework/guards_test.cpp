@@ -1,35 +1,11 @@
-#include "framework/guards.h"
+#include "framework/records.h"
 
 #include <gtest/gtest.h>
-#include <utility>
 
-#include "framework/records.h"
 #include "tests/support/test_window.h"
 
 namespace kv {
 namespace {
-
-TEST(Guards, ObjectsAreDeselectedAndThenDeletedUnlessReleased) {
-  const kvtest::Picture picture(8, 8);
-  const HGDIOBJ before = GetCurrentObject(picture.dc(), OBJ_PEN);
-  const HPEN pen = CreatePen(PS_SOLID, 1, RGB(255, 0, 0)), kept = CreatePen(PS_SOLID, 1, RGB(0, 0, 255));
-  {
-    OwnedPen owned(pen), released(kept);
-    const SelectedObject selected(picture.dc(), owned);
-    OwnedPen moved(std::move(released));
-    moved.Release();
-  }
-  EXPECT_EQ(before, GetCurrentObject(picture.dc(), OBJ_PEN));
-  EXPECT_EQ(0u, GetObjectType(pen));
-  EXPECT_TRUE(DeleteObject(kept));
-
-  const kvtest::RecordingParent parent(true);
-  InvalidateRect(parent, nullptr, TRUE);
-  {
-    const PaintScope paint(parent);
-  }
-  EXPECT_FALSE(GetUpdateRect(parent, nullptr, FALSE));
-}
 
 struct SampleRecord {
   HGLOBAL hMemory;

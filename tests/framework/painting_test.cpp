@@ -7,7 +7,6 @@
 #include <memory>
 #include <tuple>
 
-#include "framework/guards.h"
 #include "framework/picture.h"
 #include "tests/support/test_window.h"
 
@@ -89,21 +88,6 @@ TEST(Painting, FillsAndFramesStayInTheirArea) {
   EXPECT_EQ(kUntouched, rounded->At(10, 5));  // the corner is cut
 }
 
-TEST(Painting, ReplacesExactlyOneColourOfABitmap) {
-  const kv::WindowDc screen(nullptr);
-  const kv::MemoryDc dc(screen);
-  const kv::OwnedBitmap bitmap(CreateCompatibleBitmap(screen, 3, 1));
-  const COLORREF before[] = {RGB(255, 0, 255), RGB(255, 0, 254), RGB(255, 0, 255)};
-  {
-    const kv::SelectedObject selected(dc, bitmap);
-    for (int x = 0; x < 3; ++x) SetPixelV(dc, x, 0, before[x]);
-  }
-  EXPECT_TRUE(kv::ReplaceBitmapColor(dc, bitmap, RGB(255, 0, 255), RGB(10, 20, 30)));
-  EXPECT_FALSE(kv::ReplaceBitmapColor(dc, nullptr, 0, 0));
-  const kv::SelectedObject selected(dc, bitmap);
-  for (int x = 0; x < 3; ++x) EXPECT_EQ(x == 1 ? before[1] : RGB(10, 20, 30), GetPixel(dc, x, 0));
-}
-
 // A status button of 60 x 20, drawn at 10, 10 of a picture.
 class StatusButton : public testing::Test {
  protected:
@@ -176,17 +160,6 @@ TEST_F(StatusButton, IsReadOnEveryFaceAndShowsFocusAndPause) {
   whites(ODS_FOCUS, 0);
   for (const POINT at : {POINT{20, 11}, {20, 28}, {11, 20}, {68, 20}}) EXPECT_EQ(kWhite, picture_.At(at.x, at.y));
   EXPECT_GT(whites(0, kv::kButtonPaused), plain + 20);
-}
-
-TEST(Pictures, SizesAndBuffers) {
-  const kvtest::RecordingParent parent(false, 40, 30);
-  const SIZE client = kv::ClientSize(parent);
-  EXPECT_TRUE(client.cx == 40 && client.cy == 30);
-  EXPECT_TRUE(!kv::CreateWindowBitmap(parent, {0, 30}) && !kv::CreateWindowBitmap(parent, {40, -1}));
-
-  const auto requested = [](LPARAM lParam) { return kv::RequestedPictureSize(lParam, {7, 9000}, 32, 2048); };
-  const SIZE own = requested(0), limited = requested(MAKELPARAM(1, 0xFFFF));
-  EXPECT_TRUE(own.cx == 7 && own.cy == 9000 && limited.cx == 32 && limited.cy == 2048);
 }
 
 TEST(Pictures, ClipboardOwnsWhatItTook) {
