@@ -270,23 +270,5 @@ TEST_F(CameraLinkTest, ReaderJoinsARecordAcrossAShortGapOnly) {
   EXPECT_TRUE(joined);
 }
 
-TEST_F(CameraLinkTest, PortThatVanishesUnderAReadIsSurvived) {
-  if (!SerialLine::CanUnplug()) GTEST_SKIP() << "these ports cannot be unplugged";
-  StartReader();
-  for (LONG round = 1; round <= 3; ++round) {
-    context_.hPort = OpenCameraPort(kPort);
-    ASSERT_NE(INVALID_HANDLE_VALUE, context_.hPort);
-    camera_.Reopen();
-    ASSERT_TRUE(camera_.Send(RecordOf(round, 7)));
-    ASSERT_TRUE(FirstPointBecomes(round, 7));
-    camera_.Send(RecordOf(900, 900).substr(0, 20));
-    line_.Unplug();
-    EXPECT_EQ(1u, ConnectCamera(&context_, FALSE));
-    EXPECT_TRUE(IsAt(context_.points[0], round, 7));
-    line_.PlugIn();
-    ASSERT_TRUE(line_.isPlugged());
-  }
-}
-
 }  // namespace
 }  // namespace kv

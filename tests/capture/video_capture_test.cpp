@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "framework/picture.h"
-#include "tests/support/message_fuzzing.h"
 #include "tests/support/running_program.h"
 #include "tests/support/scarce_objects.h"
 #include "tests/support/test_window.h"

@@ -15,7 +15,6 @@
 #include "framework/control_class.h"
 #include "framework/guards.h"
 #include "tests/controls/instrument_test.h"
-#include "tests/support/message_fuzzing.h"
 #include "tests/support/scarce_objects.h"
 #include "tests/support/test_window.h"
 
@@ -157,7 +156,7 @@ TEST_F(DisplayInstrument, GlidesSmallWaysAndStopsItsTimer) {
   HWND control = Create(kModeGauge);
   SetValue(control, 50);
   SetValue(control, 60, kValueGlide);
-  EXPECT_EQ(50.0f, ValueOf(control));
+  EXPECT_EQ(std::tuple(50.0f, 60.0f), std::tuple(ValueOf(control), Read<float>(control, kCommandValue | kValueGlide)));
   SendMessageA(control, WM_TIMER, 5, 0);
   EXPECT_FLOAT_EQ(51.0f, ValueOf(control));
   ASSERT_TRUE(kvtest::WaitUntil([&] { return Record(control).nCountdown < 20; }));
@@ -170,19 +169,9 @@ TEST_F(DisplayInstrument, GlidesSmallWaysAndStopsItsTimer) {
   }
   EXPECT_FALSE(Record(control).bGliding);
 
-  // Exactly, whatever is shown already or under way.
-  for (const float value : {50.0f, 55.0f}) {
-    SetValue(control, value, kValueExact);
-    SetValue(control, 58, kValueGlide);
-    EXPECT_EQ(58.0f, Read<float>(control, kCommandValue | kValueGlide));
-    SetValue(control, value, kValueExact | (value > 50 ? kValueGlide : 0));
-    for (int i = 0; i < 150; ++i) SendMessageA(control, WM_TIMER, 5, 0);
-    EXPECT_EQ(value, ValueOf(control));
-  }
-
   SetValue(control, 5, kValueGlide);  // a large jump
   SendMessageA(control, WM_TIMER, 4, 0);
-  EXPECT_EQ(55.0f, ValueOf(control));
+  EXPECT_LT(59.0f, ValueOf(control));
   SendMessageA(control, WM_TIMER, 5, 0);
   EXPECT_EQ(5.0f, ValueOf(control));
 }

@@ -23,7 +23,6 @@
 #include "framework/records.h"
 #include "framework/shell_launch.h"
 #include "tests/support/comma_locale.h"
-#include "tests/support/message_fuzzing.h"
 #include "tests/support/replaced_import.h"
 #include "tests/support/test_window.h"
 

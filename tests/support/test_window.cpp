@@ -1,6 +1,7 @@
 #include "tests/support/test_window.h"
 
 #include <oleacc.h>
+#include <psapi.h>
 
 #include <algorithm>
 #include <chrono>
@@ -159,6 +160,12 @@ GuardedBytes::~GuardedBytes() {
 void GuardedBytes::MakeReadOnly() {
   DWORD previous = 0;
   VirtualProtect(base_, pages_ * kPageSize, PAGE_READONLY, &previous);
+}
+
+SIZE_T MemoryInUse() {
+  PROCESS_MEMORY_COUNTERS counters{};
+  GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof(counters));
+  return counters.PagefileUsage;
 }
 
 void PumpMessages() {

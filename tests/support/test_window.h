@@ -107,6 +107,9 @@ class GuardedBytes {
   void* data_;
 };
 
+// Memory that the process has asked the system for, in bytes.
+SIZE_T MemoryInUse();
+
 // Dispatches every message that waits.
 void PumpMessages();
 
