@@ -9,7 +9,6 @@
 #include <cwchar>
 #include <filesystem>
 #include <fstream>
-#include <ios>
 #include <iterator>
 #include <string>
 #include <utility>
@@ -39,22 +38,17 @@ HINSTANCE WINAPI NoteLaunch(HWND, LPCWSTR verb, LPCWSTR program, LPCWSTR paramet
 using std::filesystem::exists;
 
 std::string Contents(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(path);
   return file ? std::string{std::istreambuf_iterator<char>(file), {}} : "no file";
 }
 
-std::string WithFileLineEnds(std::string text) {
-  for (size_t at = 0; (at = text.find('\n', at)) != std::string::npos; at += 2) text.insert(at, 1, '\r');
-  return text;
-}
-
-// A format filled in, as it stands in a file.
+// A format filled in.
 template <class... Values>
 std::string Printed(const wchar_t* format, Values... values) {
   wchar_t wide[2048];
   FormatBounded(wide, sizeof(wide), format, values...);
   const std::wstring text = wide;
-  return WithFileLineEnds({text.begin(), text.end()});
+  return {text.begin(), text.end()};
 }
 
 template <class... Values>
@@ -109,7 +103,7 @@ class KmlExport : public testing::Test {
 
 TEST_F(KmlExport, WholeDocumentOfThreePoints) {
   const kvtest::CommaLocale commas;
-  EXPECT_EQ(WithFileLineEnds(R"(<?xml version="1.0" encoding="UTF-8"?>
+  EXPECT_EQ(R"(<?xml version="1.0" encoding="UTF-8"?>
 <kml xmlns="http://earth.google.com/kml/2.0">
 <Folder>
  <name>3D Flight route</name>
@@ -148,7 +142,7 @@ TEST_F(KmlExport, WholeDocumentOfThreePoints) {
   </Placemark>
  </Folder>
 </kml>
-)"),
+)",
             Exported());
   ASSERT_EQ(1u, launched.size());
   EXPECT_EQ(L"open|C:\\Program Files\\Google\\Google Earth\\GoogleEarth.exe|" + std::wstring(view.szKmlPath),
@@ -205,17 +199,18 @@ TEST_F(KmlExport, NoPointIsNoFileOneIsOneLineAndManyAreAllThere) {
   EXPECT_FALSE(exists(view.szKmlPath) || exists(kWaypointsPath) || !launched.empty());
 
   SetPoints({{0, 0, 7}});
-  const std::string one = "<coordinates>\r\n    8.0000000000,47.0000000000,7.0\r\n    </coordinates>";
+  const std::string one = "<coordinates>\n    8.0000000000,47.0000000000,7.0\n    </coordinates>";
   EXPECT_NE(std::string::npos, Exported().find(one));
 
   SetPoints(std::vector<FlightTrackPoint>(5000, {.bKind = kPointGeodetic}));
   std::string expected;
   for (int i = 0; i < 5000; ++i) {
     points[i].dAltitude = i;
-    expected += "0.0000000000,0.0000000000," + std::to_string(i) + ".0\r\n";
+    expected += "0.0000000000,0.0000000000," + std::to_string(i) + ".0\n";
   }
   EXPECT_TRUE(exportWaypointsText(&view));
   EXPECT_EQ(expected, Contents(kWaypointsPath));
+  EXPECT_EQ(expected.size() + 5000, std::filesystem::file_size(kWaypointsPath)) << "a line ends in two bytes";
 }
 
 TEST_F(KmlExport, RefusesABadStateAndAFileThatCannotBeCreated) {
@@ -256,10 +251,11 @@ TEST_F(KmlExport, WaypointsComeFromWhatTheKindSays) {
              {.dAltitude = 6, .bKind = 3},
              {.bKind = kPointEarthCentred, .dCentredY = 7e6}});
   EXPECT_TRUE(exportWaypointsText(&view));
-  EXPECT_EQ(WithFileLineEnds("8.0000000000,47.0000000000,5.0\n8.0013171810,47.0018026746,5.0\n"
-                             "-12.5000000000,33.2500000000,5.0\n-12.5000000000,33.2500000000,6.0\n"
-                             "90.0000000000,0.0000000000,0.0\n"),
-            Contents(kWaypointsPath));
+  EXPECT_EQ(
+      "8.0000000000,47.0000000000,5.0\n8.0013171810,47.0018026746,5.0\n"
+      "-12.5000000000,33.2500000000,5.0\n-12.5000000000,33.2500000000,6.0\n"
+      "90.0000000000,0.0000000000,0.0\n",
+      Contents(kWaypointsPath));
   EXPECT_TRUE(launched.empty());
 }
 
@@ -270,7 +266,7 @@ TEST_F(KmlExport, PositionIsWrittenAndShownAndTheParentActivated) {
   SetActiveWindow(other);
   EXPECT_TRUE(showPositionInGlobe(child, -70.5, -33.25, 1234.5));
   EXPECT_EQ(static_cast<HWND>(parent), GetActiveWindow());
-  EXPECT_EQ(Printed(KmlTemplate::kHeader, -70.5, -33.25, 0.0, 1234.5, 0.0, 0.0) + " </Folder>\r\n</kml>\r\n",
+  EXPECT_EQ(Printed(KmlTemplate::kHeader, -70.5, -33.25, 0.0, 1234.5, 0.0, 0.0) + " </Folder>\n</kml>\n",
             Contents(path));
 
   DeleteFileW(path.c_str());
