@@ -13,7 +13,6 @@ namespace kvtest {
 
 namespace {
 constexpr char kParentClass[] = "kvTestParent";
-constexpr size_t kPageSize = 4096;
 }  // namespace
 
 RecordingParent::RecordingParent(bool visible, int width, int height) {
@@ -145,21 +144,6 @@ HeardText HearWindow(HWND window) {
   if (control->get_accRole(self, &role) == S_OK) heard.role = role.lVal;
   control->Release();
   return heard;
-}
-
-GuardedBytes::GuardedBytes(size_t size) : pages_((size + kPageSize - 1) / kPageSize) {
-  base_ = VirtualAlloc(nullptr, (pages_ + 1) * kPageSize, MEM_RESERVE, PAGE_NOACCESS);
-  VirtualAlloc(base_, pages_ * kPageSize, MEM_COMMIT, PAGE_READWRITE);
-  data_ = static_cast<char*>(base_) + pages_ * kPageSize - size;
-}
-
-GuardedBytes::~GuardedBytes() {
-  VirtualFree(base_, 0, MEM_RELEASE);
-}
-
-void GuardedBytes::MakeReadOnly() {
-  DWORD previous = 0;
-  VirtualProtect(base_, pages_ * kPageSize, PAGE_READONLY, &previous);
 }
 
 SIZE_T MemoryInUse() {
