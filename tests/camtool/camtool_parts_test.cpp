@@ -290,26 +290,22 @@ TEST(CamtoolStream, FindsRecordsAndCountsWhatIsBetweenThem) {
 }
 
 TEST(CamtoolScan, EstimatesHowLikelyOnePressFindsTheCamera) {
-  const auto every = [](double period, int bytes) {
-    std::vector<Arrival> arrivals;
-    for (int i = 1; i * period < 6; ++i) arrivals.push_back({i * period, bytes});
-    return DetectionProbability(arrivals, 0, 6);
-  };
-  // `perSecond` records, each of whose 41 bytes takes its time on the line.
-  const auto bytewise = [](double perSecond) {
-    std::vector<Arrival> arrivals;
-    for (int i = 0; i < 2 * perSecond; ++i) {
-      for (int byte = 1; byte <= 41; ++byte) arrivals.push_back({i / perSecond + byte * 10 / 38400.0, 1});
-    }
-    return DetectionProbability(arrivals, 0, 2);
-  };
   EXPECT_EQ(0, DetectionProbability({}, 0, 1));
-  EXPECT_NEAR(1, bytewise(90), 1e-9) << "no gap: the read is full";
-  // Of 50 ms the last 15 bytes of a record, 3.9 ms, are too few.
-  EXPECT_NEAR(1 - 15 * 10 / 38400.0 / 0.05, bytewise(20), 0.01);
-  EXPECT_NEAR(0.245, every(1, 41), 0.001) << "found only when it comes within 250 ms";
-  EXPECT_EQ(0, every(0.02, 15));
-  EXPECT_NEAR(1, every(0.02, 16), 1e-9);
+  constexpr double kAtOnce = 0, kByteSeconds = 10 / 38400.0;
+  // The records' period, their bytes and the time that each takes on the line, and how likely one press finds them.
+  const std::tuple<const char*, double, int, double, double> cases[] = {
+      {"no gap: the read is full", 1 / 90.0, 41, kByteSeconds, 1},
+      {"the last 15 bytes of a record are too few", 0.05, 41, kByteSeconds, 1 - 15 * kByteSeconds / 0.05},
+      {"found only when it comes within 250 ms", 1, 41, kAtOnce, 0.245},
+      {"too few bytes", 0.02, 15, kAtOnce, 0},
+      {"enough bytes", 0.02, 16, kAtOnce, 1}};
+  for (const auto& [what, period, bytes, byteSeconds, probability] : cases) {
+    std::vector<Arrival> arrivals;
+    for (int i = 1; i * period < 6; ++i) {
+      for (int byte = 1; byte <= bytes; ++byte) arrivals.push_back({i * period + byte * byteSeconds, 1});
+    }
+    EXPECT_NEAR(probability, DetectionProbability(arrivals, 0, 6), 0.01) << what;
+  }
 }
 
 TEST(CamtoolScan, RecognizesAWrongBaudRateByItsBytes) {

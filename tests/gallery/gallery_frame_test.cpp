@@ -263,17 +263,12 @@ TEST_F(GalleryFrame, NumbersAndDatesFollowTheLanguage) {
 
 TEST_F(GalleryFrame, ArabicIsMirroredButForPicturesInstrumentsAndReadOuts) {
   for (size_t i = 0; i < AllPages().size(); ++i) SelectPage(frame_, static_cast<int>(i));
-  const auto page = [](int index) { return PageAt(index); };
-  const HWND mirrored[] = {frame_,
-                           PageList(),
-                           page(PAGE_INDEX_NMEA),
-                           page(PAGE_INDEX_INSTRUMENTS),
-                           GetDlgItem(page(PAGE_INDEX_NMEA), IDC_NMEA_LABEL_SPEED),
-                           GetDlgItem(page(PAGE_INDEX_LANGUAGE), IDC_LANGUAGE_TABLE)};
-  const HWND kept[] = {
-      GetDlgItem(page(PAGE_INDEX_NMEA), IDC_NMEA_SPEED), GetDlgItem(page(PAGE_INDEX_INSTRUMENTS), IDC_INSTRUMENTS),
-      GetDlgItem(page(PAGE_INDEX_BITMAP), IDC_BITMAP_PLAIN), GetDlgItem(page(PAGE_INDEX_FLIGHT), IDC_FLIGHT_PLAN),
-      GetDlgItem(page(PAGE_INDEX_MESH), IDC_MESH_VIEW)};
+  const auto control = [](int page, int id) { return GetDlgItem(PageAt(page), id); };
+  const HWND mirrored[] = {frame_, PageList(), PageAt(PAGE_INDEX_NMEA), control(PAGE_INDEX_NMEA, IDC_NMEA_LABEL_SPEED),
+                           control(PAGE_INDEX_LANGUAGE, IDC_LANGUAGE_TABLE)};
+  const HWND kept[] = {control(PAGE_INDEX_NMEA, IDC_NMEA_SPEED), control(PAGE_INDEX_INSTRUMENTS, IDC_INSTRUMENTS),
+                       control(PAGE_INDEX_BITMAP, IDC_BITMAP_PLAIN), control(PAGE_INDEX_FLIGHT, IDC_FLIGHT_PLAN),
+                       control(PAGE_INDEX_MESH, IDC_MESH_VIEW)};
   const auto isMirrored = [](HWND window) { return (GetWindowLongW(window, GWL_EXSTYLE) & WS_EX_LAYOUTRTL) != 0; };
   RECT before{}, after{};
   GetWindowRect(PageList(), &before);

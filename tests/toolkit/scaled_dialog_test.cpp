@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -92,8 +93,7 @@ TEST_F(ScaledDialogTest, ScalesKeepsItsSmallestSizeAndItsPlace) {
   AddListNavigation(GetDlgItem(dialog, IDC_ROWS));
   MoveWindow(dialog, 40, 50, 2 * client.cx + frameX, 3 * client.cy + frameY, TRUE);
   const RECT grown = PlaceOf(dialog, IDC_EDIT), kept = PlaceOf(dialog, IDC_OUTSIDE);
-  EXPECT_EQ(2 * edit.left, grown.left);
-  EXPECT_EQ(3 * edit.bottom, grown.bottom);
+  EXPECT_EQ(std::tuple(2 * edit.left, 3 * edit.bottom), std::tuple(grown.left, grown.bottom));
   EXPECT_TRUE(EqualRect(&outside, &kept));
   EXPECT_EQ(3, ScaleOf(dialog).y);
   const auto font = reinterpret_cast<HGDIOBJ>(SendDlgItemMessageA(dialog, IDC_OUTSIDE, WM_GETFONT, 0, 0));
@@ -111,8 +111,8 @@ TEST_F(ScaledDialogTest, ScalesKeepsItsSmallestSizeAndItsPlace) {
 
   RECT dragged{0, 0, 10, 10};
   EXPECT_EQ(TRUE, SendMessageA(dialog, WM_SIZING, WMSZ_BOTTOMRIGHT, reinterpret_cast<LPARAM>(&dragged)));
-  EXPECT_EQ(window.right - window.left, dragged.right);
-  EXPECT_EQ(window.bottom - window.top, dragged.bottom);
+  EXPECT_EQ(std::tuple(window.right - window.left, window.bottom - window.top),
+            std::tuple(dragged.right, dragged.bottom));
 
   GetWindowRect(dialog, &window);
   answered = WM_CLOSE;
