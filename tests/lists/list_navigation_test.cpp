@@ -177,20 +177,17 @@ TEST_F(ListNavigation, TellsWhatIsClicked) {
 }
 
 TEST_F(ListNavigation, IsAsWideAsTheWindowOrAsAsked) {
-  const auto width = [&] { return Bar(SB_HORZ).nMax + 1; };
-  EXPECT_EQ(100, width());
-  const auto resize = [&](int to) {
-    MoveWindow(list_, 0, 0, to + GetSystemMetrics(SM_CXVSCROLL), 100, TRUE);
-    return width();
-  };
-  EXPECT_EQ(220, resize(220));
-  Send(LB_SETHORIZONTALEXTENT, 150);
-  EXPECT_EQ(220, width());
-  EXPECT_EQ(150, resize(90));
-  Send(WM_HSCROLL, SB_BOTTOM);
-  EXPECT_EQ(60, Bar(SB_HORZ).nPos);
-  resize(140);
-  EXPECT_EQ(10, Bar(SB_HORZ).nPos);
+  // The width of the window and the one that is asked for, then the list's own, and its position after scrolling to the
+  // right.
+  const std::tuple<int, WPARAM, int, int> cases[] = {
+      {100, 0, 100, 0}, {220, 0, 220, 0}, {220, 150, 220, 0}, {90, 150, 150, 60}, {140, 150, 150, 10}};
+  for (const auto& [window, asked, width, position] : cases) {
+    MoveWindow(list_, 0, 0, window + GetSystemMetrics(SM_CXVSCROLL), 100, TRUE);
+    if (asked) Send(LB_SETHORIZONTALEXTENT, asked);
+    EXPECT_EQ(width, Bar(SB_HORZ).nMax + 1) << window;
+    if (window < 140) Send(WM_HSCROLL, SB_BOTTOM);  // a larger window moves it back by itself
+    EXPECT_EQ(position, Bar(SB_HORZ).nPos) << window;
+  }
 }
 
 TEST_F(ListNavigation, IsForListsAndLeavesOthersAlone) {
