@@ -5,6 +5,7 @@
 #include <psapi.h>
 
 #include <atomic>
+#include <filesystem>
 #include <stop_token>
 #include <string>
 #include <thread>
@@ -125,13 +126,11 @@ TEST_F(TarnwickTest, SurvivesTheCameraBeingUnplugged) {
 }
 
 TEST_F(TarnwickTest, ComesBackWhereItWasAndKeepsNoDirectory) {
-  wchar_t directory[MAX_PATH];
-  GetTempPathW(ARRAYSIZE(directory), directory);
-  lstrcatW(directory, L"tarnwick e2e");
-  CreateDirectoryW(directory, nullptr);
+  const std::filesystem::path directory = std::filesystem::temp_directory_path() / L"tarnwick e2e";
+  std::filesystem::create_directory(directory);
   const RECT place{60, 50, 560, 500};
   for (const bool isFirst : {true, false}) {
-    const TarnwickProcess tool(isFirst ? directory : nullptr);
+    const TarnwickProcess tool(isFirst ? directory.c_str() : nullptr);
     ASSERT_NE(nullptr, tool.window());
     if (isFirst) MoveWindow(tool.window(), 60, 50, 500, 450, TRUE);
     RECT now{};
@@ -139,7 +138,7 @@ TEST_F(TarnwickTest, ComesBackWhereItWasAndKeepsNoDirectory) {
     EXPECT_TRUE(EqualRect(&place, &now)) << now.left << "," << now.top << "," << now.right << "," << now.bottom;
     EXPECT_NE(INFINITE, tool.CloseAndWait());
   }
-  EXPECT_TRUE(RemoveDirectoryW(directory)) << "the tool leaves nothing in its working directory, nor holds it";
+  EXPECT_TRUE(RemoveDirectoryW(directory.c_str())) << "the tool leaves nothing in its working directory, nor holds it";
 }
 
 // What a process has loaded from the folder of its own file, that file included.
