@@ -10,6 +10,7 @@
 #include <iterator>
 #include <vector>
 
+#include "benchmarks/processor_time.h"
 #include "controls/display_instrument.h"
 #include "controls/instrument_block.h"
 #include "framework/control_class.h"
@@ -74,29 +75,6 @@ HWND CreateEmpty(HWND parent, int left, int top, int size) {
 }
 
 // ---- Measuring ------------------------------------------------------------------------------------------------------
-
-double CpuSeconds() {
-  FILETIME created, ended, kernel, user;
-  GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user);
-  const auto seconds = [](FILETIME time) {
-    return static_cast<double>(ULARGE_INTEGER{{time.dwLowDateTime, time.dwHighDateTime}}.QuadPart) / 1e7;
-  };
-  return seconds(kernel) + seconds(user);
-}
-
-// Processor time, so that a busy machine does not count.
-template <class Work>
-double MillisecondsEach(Work work) {
-  constexpr auto kLeast = std::chrono::milliseconds(600);
-  work(0);
-  const double cpu = CpuSeconds();
-  const auto start = Clock::now();
-  int count = 0;
-  do {
-    work(++count);
-  } while (Clock::now() - start < kLeast);
-  return (CpuSeconds() - cpu) * 1000 / count;
-}
 
 void MeasureRendering(HWND parent) {
   printf("%-12s %6s %14s %14s %14s\n", "layout", "pixels", "anew ms", "new value ms", "floor ms");

@@ -1,5 +1,5 @@
-// Window class "kvLineRecorder", the strip-chart recorder: its registration only, so that dialog templates may name it.
-// A control of the class shows a plain panel and behaves like any window, at every DPI alike. Main thread only.
+// Registers the window class "kvLineRecorder", the strip chart (controls/strip_chart/strip_chart.h says what it does),
+// so that dialog templates may name it. Main thread only.
 #pragma once
 
 #include <windows.h>

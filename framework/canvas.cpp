@@ -26,18 +26,6 @@ DWORD PixelAt(const Paint& paint, LONG y) {
   return PixelOfColor(Between(paint.top, paint.bottom, (y + 0.5 - paint.from) / (paint.to - paint.from)));
 }
 
-// Each channel becomes (new * coverage + old * (255 - coverage)) / 255, rounded; red and blue share a word.
-void BlendPixels(DWORD* pixels, int count, DWORD color, DWORD coverage) {
-  const DWORD rest = 255 - coverage;
-  const DWORD redBlue = (color & 0xFF00FF) * coverage + 0x800080, green = (color >> 8 & 0xFF) * coverage + 0x80;
-  for (DWORD* end = pixels + count; pixels < end; ++pixels) {
-    DWORD both = (*pixels & 0xFF00FF) * rest + redBlue, one = (*pixels >> 8 & 0xFF) * rest + green;
-    both = (both + (both >> 8 & 0xFF00FF)) >> 8 & 0xFF00FF;
-    one = (one + (one >> 8)) >> 8;
-    *pixels = both | one << 8;
-  }
-}
-
 // How many chords an arc needs so that none leaves it by more than a two-hundredth of a pixel, within what a shape can
 // hold.
 int ChordsOf(double radius, double degrees) {
@@ -207,6 +195,18 @@ void FillLine(Canvas& canvas, PointD from, PointD to, double width, const Paint&
 
 // ---- Whole pixels ---------------------------------------------------------------------------------------------------
 
+// Red and blue share a word.
+void BlendPixels(DWORD* pixels, int count, DWORD color, DWORD coverage) {
+  const DWORD rest = 255 - coverage;
+  const DWORD redBlue = (color & 0xFF00FF) * coverage + 0x800080, green = (color >> 8 & 0xFF) * coverage + 0x80;
+  for (DWORD* end = pixels + count; pixels < end; ++pixels) {
+    DWORD both = (*pixels & 0xFF00FF) * rest + redBlue, one = (*pixels >> 8 & 0xFF) * rest + green;
+    both = (both + (both >> 8 & 0xFF00FF)) >> 8 & 0xFF00FF;
+    one = (one + (one >> 8)) >> 8;
+    *pixels = both | one << 8;
+  }
+}
+
 void FillArea(Canvas& canvas, const RECT& area, COLORREF color) {
   FillAreaDown(canvas, area, color, color);
 }
@@ -231,6 +231,15 @@ void FillAreaDown(Canvas& canvas, const RECT& area, COLORREF top, COLORREF botto
   const Paint paint(top, bottom, area.top, area.bottom);
   for (LONG y = seen.top; y < seen.bottom; ++y) {
     std::fill_n(canvas.surface().Row(y) + seen.left, seen.right - seen.left, PixelAt(paint, y));
+  }
+}
+
+void CopyFrom(Canvas& canvas, const Surface& source) {
+  const RECT& clip = canvas.clip();
+  canvas.FinishGdi();
+  for (LONG y = clip.top; y < clip.bottom; ++y) {
+    std::memcpy(canvas.surface().Row(y) + clip.left, source.Row(y) + clip.left,
+                (clip.right - clip.left) * sizeof(DWORD));
   }
 }
 

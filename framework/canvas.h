@@ -93,6 +93,13 @@ void FillArea(Canvas& canvas, const RECT& area, COLORREF color);
 void FillAreaAcross(Canvas& canvas, const RECT& area, COLORREF left, COLORREF right);
 void FillAreaDown(Canvas& canvas, const RECT& area, COLORREF top, COLORREF bottom);
 
+// Neighbouring pixels of a row: each channel becomes (new * coverage + old * (255 - coverage)) / 255, rounded. `color`
+// is a pixel (PixelOfColor), coverage 0 to 255. For whoever computes the coverage of pixels himself.
+void BlendPixels(DWORD* pixels, int count, DWORD color, DWORD coverage);
+
+// Copies the canvas's clip from a surface of the same size.
+void CopyFrom(Canvas& canvas, const Surface& source);
+
 // Fills what has been added to canvas.shape() since the last canvas.shape().Begin(): for shapes of several contours,
 // which cost less in one. BeginShape starts one within the canvas's clip.
 void BeginShape(Canvas& canvas);

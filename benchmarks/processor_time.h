@@ -1,0 +1,29 @@
+// Processor time, which a busy machine does not change much.
+#pragma once
+
+#include <windows.h>
+
+#include <chrono>
+
+inline double CpuSeconds() {
+  FILETIME created, ended, kernel, user;
+  GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user);
+  const auto seconds = [](FILETIME time) {
+    return static_cast<double>(ULARGE_INTEGER{{time.dwLowDateTime, time.dwHighDateTime}}.QuadPart) / 1e7;
+  };
+  return seconds(kernel) + seconds(user);
+}
+
+// Processor time, so that a busy machine does not count.
+template <class Work>
+double MillisecondsEach(Work work) {
+  constexpr auto kLeast = std::chrono::milliseconds(600);
+  work(0);
+  const double cpu = CpuSeconds();
+  const auto start = std::chrono::steady_clock::now();
+  int count = 0;
+  do {
+    work(++count);
+  } while (std::chrono::steady_clock::now() - start < kLeast);
+  return (CpuSeconds() - cpu) * 1000 / count;
+}

@@ -1,0 +1,177 @@
+// A strip chart on the clipboard: its picture, and what it shows as a table.
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "controls/strip_chart/axis.h"
+#include "controls/strip_chart/control.h"
+#include "controls/strip_chart/model.h"
+#include "controls/strip_chart/picture.h"
+#include "controls/strip_chart/sample_store.h"
+#include "controls/strip_chart/strip_chart.h"
+#include "framework/bounded_format.h"
+#include "framework/canvas.h"
+#include "framework/picture.h"
+
+namespace kv {
+
+namespace {
+
+constexpr int kSmallestPicture = 16, kLargestPicture = 5120;
+
+// Numbers as the user's spreadsheet reads them.
+struct Table {
+  std::wstring text;
+  wchar_t separator[4] = L".";
+
+  Table() { GetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, separator, ARRAYSIZE(separator)); }
+  void AddNumber(double value) {
+    wchar_t number[40] = L"";
+    if (std::isfinite(value)) FormatBounded(number, sizeof(number), L"%.15g", value);
+    for (wchar_t character : std::wstring(number)) {
+      if (character == L'.') {
+        text += separator;
+      } else {
+        text += character;
+      }
+    }
+  }
+  void AddTime(double time, bool clock) {
+    if (clock) {
+      std::wstring shown = TimeText(time, 0.001, true);
+      std::ranges::replace(shown, L'.', separator[0]);
+      text += shown;
+    } else {
+      AddNumber(time);
+    }
+  }
+};
+
+void AddHead(Table& table, const StripModel& model, bool byColumn) {
+  table.text = model.style & kStripTimeOfDay ? L"h:min:s" : L"s";
+  for (const StripChannelData& channel : model.channels) {
+    if (!IsShown(channel)) continue;
+    const std::wstring unit = ChannelUnit(channel.info);
+    std::wstring name = L"\t" + ChannelName(channel.info);
+    if (!unit.empty()) name.append(L" (").append(unit).append(L")");
+    table.text += name;
+    if (byColumn) table.text.append(L" min").append(name).append(L" max");
+  }
+  table.text += L"\r\n";
+}
+
+struct Stretch {
+  unsigned from, to;
+};
+
+// The samples of each channel that are shown.
+std::array<Stretch, kStripChannels> ShownSamples(const StripModel& model) {
+  const StripStretch shown = ShownTimes(model);
+  std::array<Stretch, kStripChannels> stretches{};
+  for (int i = 0; i < kStripChannels; ++i) {
+    const StripChannelData& channel = model.channels[i];
+    if (!IsShown(channel)) continue;
+    stretches[i] = {channel.store.FirstFrom(shown.from),
+                    std::min(channel.store.FirstAfter(shown.to), ShownCount(model, channel))};
+  }
+  return stretches;
+}
+
+// One row for each time at which a channel has a sample; of several at the same time each has its own.
+void AddSamples(Table& table, const StripModel& model, std::array<Stretch, kStripChannels> left) {
+  for (;;) {
+    double time = kNever;
+    for (int i = 0; i < kStripChannels; ++i) {
+      if (left[i].from < left[i].to) time = std::min(time, model.channels[i].store.TimeAt(left[i].from));
+    }
+    if (time == kNever) return;
+    table.AddTime(time, (model.style & kStripTimeOfDay) != 0);
+    for (int i = 0; i < kStripChannels; ++i) {
+      const StripChannelData& channel = model.channels[i];
+      if (!IsShown(channel)) continue;
+      table.text += L'\t';
+      if (left[i].from >= left[i].to || channel.store.TimeAt(left[i].from) != time) continue;
+      table.AddNumber(channel.store.ValueAt(left[i].from++));
+    }
+    table.text += L"\r\n";
+  }
+}
+
+void AddColumns(Table& table, const StripModel& model, const StripLayout& layout) {
+  const long long width = std::max(layout.plot.right - layout.plot.left, 1L);
+  for (long long column = layout.lastColumn - width + 1; column <= layout.lastColumn; ++column) {
+    const double start = static_cast<double>(column) * layout.secondsPerColumn;
+    table.AddTime(start, (model.style & kStripTimeOfDay) != 0);
+    for (const StripChannelData& channel : model.channels) {
+      if (!IsShown(channel)) continue;
+      const unsigned to =
+          std::min(channel.store.FirstFrom(start + layout.secondsPerColumn), ShownCount(model, channel));
+      const Extent extent = channel.store.ExtentOf(channel.store.FirstFrom(start), to);
+      for (const double value : {extent.low, extent.high}) {
+        table.text += L'\t';
+        table.AddNumber(value);
+      }
+    }
+    table.text += L"\r\n";
+  }
+}
+
+std::wstring TableOf(const StripModel& model, const StripLayout& layout) {
+  const auto shown = ShownSamples(model);
+  DWORD most = 0;
+  for (const Stretch& each : shown) most = std::max(most, DWORD{each.to > each.from ? each.to - each.from : 0});
+  Table table;
+  const bool byColumn = most > kStripMostTextRows;
+  AddHead(table, model, byColumn);
+  if (byColumn) {
+    AddColumns(table, model, layout);
+  } else {
+    AddSamples(table, model, shown);
+  }
+  return table.text;
+}
+
+bool OfferText(HWND window, HGLOBAL memory) {
+  if (!OpenClipboard(window)) return false;
+  const bool taken = SetClipboardData(CF_UNICODETEXT, memory) != nullptr;
+  CloseClipboard();
+  return taken;
+}
+
+void AddTextToClipboard(HWND window, const std::wstring& text) {
+  const size_t bytes = (text.size() + 1) * sizeof(wchar_t);
+  const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, bytes);
+  if (!memory) return;
+  void* target = GlobalLock(memory);
+  if (target) {
+    std::memcpy(target, text.c_str(), bytes);
+    GlobalUnlock(memory);
+  }
+  if (!target || !OfferText(window, memory)) GlobalFree(memory);
+}
+
+}  // namespace
+
+LRESULT CopyStrip(StripChart& chart, LPARAM requested) {
+  const SIZE size = RequestedPictureSize(requested, ClientSize(chart.window), kSmallestPicture, kLargestPicture);
+  // Drawn at the size that is wanted, by a picture of its own: what the control's has still to show stays.
+  const double fresh = chart.model.freshFrom, gone = chart.model.goneTo;
+  const std::unique_ptr<StripPicture> picture(new (std::nothrow) StripPicture);
+  if (!picture) return 0;
+  picture->Update(chart.model, size, true);
+  chart.model.freshFrom = fresh;
+  chart.model.goneTo = gone;
+  const Surface& surface = picture->WithMarks(chart.model, false);
+  // Before the clipboard tells its former owner, who may end the control.
+  const std::wstring table = TableOf(chart.model, picture->layoutShown());
+  HWND window = chart.window;
+  if (surface.bitmap() && CopyBitmapToClipboard(window, surface.bitmap(), size, size))
+    AddTextToClipboard(window, table);
+  return 0;
+}
+
+}  // namespace kv

@@ -1,0 +1,151 @@
+// What the owner of a strip chart sends.
+#include <cmath>
+#include <cstring>
+
+#include "controls/strip_chart/control.h"
+#include "controls/strip_chart/model.h"
+#include "controls/strip_chart/strip_chart.h"
+#include "framework/accessible.h"
+
+namespace kv {
+
+namespace {
+
+template <class Item>
+bool ReadOut(const Item& item, LPARAM address) {
+  auto* target = reinterpret_cast<void*>(address);
+  if (IsBadWritePtr(target, sizeof(Item))) return false;
+  std::memcpy(target, &item, sizeof(Item));
+  return true;
+}
+
+// Takes a copy, so that the owner's memory is tested and read once.
+template <class Item>
+bool TakeIn(LPARAM address, Item* item) {
+  const auto* source = reinterpret_cast<const void*>(address);
+  if (IsBadReadPtr(source, sizeof(Item))) return false;
+  std::memcpy(item, source, sizeof(Item));
+  return true;
+}
+
+bool ExchangeStyle(StripModel& model, WPARAM wParam, LPARAM address) {
+  if (wParam & kCommandRead) return ReadOut(model.style, address);
+  DWORD bits = 0;
+  if (!TakeIn(address, &bits)) return false;
+  model.style = wParam & kCommandRemove ? model.style & ~bits : model.style | bits;
+  return true;
+}
+
+bool ExchangeChannel(StripModel& model, unsigned index, WPARAM wParam, LPARAM address) {
+  if (wParam & kCommandRead) {
+    return index < kStripChannels && model.channels[index].used && ReadOut(model.channels[index].info, address);
+  }
+  if (wParam & kCommandRemove) return RemoveChannel(model, index);
+  StripChannel info;
+  return TakeIn(address, &info) && SetChannel(model, index, info);
+}
+
+bool Append(StripModel& model, unsigned index, LPARAM address) {
+  StripSamples samples;
+  constexpr DWORD kMost = 0x7FFFFFFF / sizeof(StripSample);
+  if (!TakeIn(address, &samples) || samples.count > kMost ||
+      (samples.count && IsBadReadPtr(samples.samples, samples.count * sizeof(StripSample)))) {
+    return false;
+  }
+  return AppendSamples(model, index, {samples.samples, samples.count});
+}
+
+bool ExchangeZone(StripModel& model, unsigned index, WPARAM wParam, LPARAM address) {
+  if (wParam & kCommandRead) return index < kStripZones && ReadOut(model.zones[index], address);
+  StripZone zone;
+  return TakeIn(address, &zone) && SetZone(model, index, zone, (wParam & kStripZoneEnable) != 0);
+}
+
+bool ExchangeCapacity(StripModel& model, WPARAM wParam, LPARAM address) {
+  if (wParam & kCommandRead) return ReadOut(model.capacity, address);
+  DWORD capacity = 0;
+  return TakeIn(address, &capacity) && SetStripCapacity(model, capacity);
+}
+
+bool ExchangeView(StripModel& model, WPARAM wParam, LPARAM address) {
+  StripView view = model.view;
+  if (wParam & kCommandRead) {
+    view.end = ShownTimes(model).to;
+    return ReadOut(view, address);
+  }
+  return TakeIn(address, &view) && SetView(model, view);
+}
+
+bool ExchangeCursor(StripModel& model, WPARAM wParam, LPARAM address) {
+  if (wParam & kCommandRead) return model.cursorShown && ReadOut(ReadingAt(model, model.cursor), address);
+  if (wParam & kCommandRemove) {
+    model.cursorShown = false;
+    return true;
+  }
+  double time = 0;
+  if (!TakeIn(address, &time) || !(std::fabs(time) <= kStripFarthestTime)) return false;
+  model.cursor = time;
+  model.cursorShown = true;
+  return true;
+}
+
+bool ExchangeMark(StripModel& model, WPARAM wParam, LPARAM address) {
+  if (wParam & kCommandRead) return model.marked && ReadOut(model.mark, address);
+  StripStretch mark{};
+  const bool remove = (wParam & kCommandRemove) != 0;
+  if (!remove && (!TakeIn(address, &mark) || !(mark.from <= mark.to) || std::isinf(mark.from) || std::isinf(mark.to))) {
+    return false;
+  }
+  model.mark = mark;
+  model.marked = !remove;
+  return true;
+}
+
+bool ReadStatistics(const StripModel& model, unsigned index, WPARAM wParam, LPARAM address) {
+  return (wParam & kCommandRead) && index < kStripChannels && ReadOut(ChannelStatistics(model, index), address);
+}
+
+bool ReadCount(const StripModel& model, unsigned index, WPARAM wParam, LPARAM address) {
+  return (wParam & kCommandRead) && index < kStripChannels &&
+         ReadOut(DWORD{model.channels[index].store.count()}, address);
+}
+
+bool DoCommand(StripChart& chart, WPARAM wParam, LPARAM lParam) {
+  StripModel& model = chart.model;
+  const unsigned index = HIWORD(wParam);
+  switch (LOBYTE(wParam)) {
+    case kStripRender: return chart.anew = true;
+    case kStripClear: ClearSamples(model); return true;
+    case kStripStyle: return ExchangeStyle(model, wParam, lParam);
+    case kStripChannel: return ExchangeChannel(model, index, wParam, lParam);
+    case kStripAppend: return !(wParam & kCommandRead) && Append(model, index, lParam);
+    case kStripZone: return ExchangeZone(model, index, wParam, lParam);
+    case kStripCapacity: return ExchangeCapacity(model, wParam, lParam);
+    case kStripViewItem: return ExchangeView(model, wParam, lParam);
+    case kStripCursor: return ExchangeCursor(model, wParam, lParam);
+    case kStripMark: return ExchangeMark(model, wParam, lParam);
+    case kStripStatistics: return ReadStatistics(model, index, wParam, lParam);
+    case kStripCount: return ReadCount(model, index, wParam, lParam);
+    default: return false;
+  }
+}
+
+}  // namespace
+
+LRESULT OnStripCommand(StripChart& chart, WPARAM wParam, LPARAM lParam) {
+  constexpr UINT_PTR kShowTimer = 5;
+  constexpr UINT kShowMs = 50;
+  if (!DoCommand(chart, wParam, lParam)) return FALSE;
+  if (wParam & kCommandRead) return TRUE;
+  const bool render = LOBYTE(wParam) == kStripRender, append = LOBYTE(wParam) == kStripAppend;
+  const bool now = render || (wParam & kCommandRedraw);
+  // So many samples may come one by one that not each can have a picture.
+  if (append && !now && !chart.waiting) chart.waiting = SetTimer(chart.window, kShowTimer, kShowMs, nullptr) != 0;
+  if (append && now) RefreshStrip(chart);
+  if (!append || !(now || chart.waiting)) InvalidateRect(chart.window, nullptr, FALSE);
+  if (now) UpdateWindow(chart.window);
+  if (!render) NotifyValueChanged(chart.window);
+  return TRUE;
+}
+
+}  // namespace kv

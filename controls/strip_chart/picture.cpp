@@ -1,0 +1,260 @@
+#include "controls/strip_chart/picture.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <string>
+
+#include "controls/strip_chart/axis.h"
+#include "controls/strip_chart/model.h"
+#include "controls/strip_chart/strip_chart.h"
+#include "controls/strip_chart/trace.h"
+#include "framework/canvas.h"
+#include "framework/guards.h"
+#include "framework/numbers.h"
+#include "framework/painting.h"
+
+namespace kv {
+
+namespace {
+
+constexpr wchar_t kFont[] = L"Arial Unicode MS";
+constexpr int kReach = 2;  // columns beside a sample that its line may touch
+
+std::wstring Decode(const char* text) {
+  wchar_t wide[64] = L"";
+  MultiByteToWideChar(CP_UTF8, 0, text, -1, wide, ARRAYSIZE(wide));
+  return wide;
+}
+
+LONG RowOf(const StripLayout& layout, const AxisRange& range, double value) {
+  const RECT& plot = layout.plot;
+  return plot.top + ToInt(std::floor((range.high - value) / (range.high - range.low) * (plot.bottom - plot.top)));
+}
+
+LONG WidthOf(HDC dc, const std::wstring& text) {
+  SIZE size{};
+  GetTextExtentPoint32W(dc, text.data(), static_cast<int>(text.size()), &size);
+  return size.cx;
+}
+
+void DrawTextIn(HDC dc, const std::wstring& text, RECT area, COLORREF color, UINT align) {
+  SetBkMode(dc, TRANSPARENT);
+  SetTextColor(dc, color);
+  DrawTextW(dc, text.data(), static_cast<int>(text.size()), &area,
+            align | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_NOCLIP);
+}
+
+double ColumnOf(double time, double secondsPerColumn) {
+  return std::floor(time / secondsPerColumn);
+}
+
+}  // namespace
+
+std::wstring ChannelName(const StripChannel& channel) {
+  return Decode(channel.szName);
+}
+
+std::wstring ChannelUnit(const StripChannel& channel) {
+  return Decode(channel.szUnit);
+}
+
+void StripPicture::FindFont(int heightPx) {
+  font_.Reset(CreateFontW(-heightPx, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_TT_PRECIS,
+                          CLIP_DEFAULT_PRECIS, ANTIALIASED_QUALITY, VARIABLE_PITCH | FF_SWISS, kFont));
+}
+
+// ---- What stays while samples arrive --------------------------------------------------------------------------------
+
+void StripPicture::DrawFace(const StripModel& model) {
+  const StripLayout& layout = key_.layout;
+  const StripColors& colors = key_.colors;
+  Canvas canvas(dc_, surface_, shape_);
+  FillArea(canvas, {0, 0, layout.size.cx, layout.size.cy}, colors.panel);
+  const RECT& plot = layout.plot;
+  if (IsRectEmpty(&plot)) return;
+  FillArea(canvas, {plot.left - 1, plot.top - 1, plot.right + 1, plot.bottom + 1}, colors.frame);
+  const SelectedObject selected(canvas.dc(), font_);
+  for (int i = 0; i < layout.axes; ++i) {
+    const StripAxis& axis = layout.axis[i];
+    if (axis.area.left == axis.area.right) continue;
+    const COLORREF color = axis.channel < 0 ? colors.text : colors.lines[axis.channel];
+    for (double tick = FirstTick(axis.range.low, axis.step);; ++tick) {
+      const LONG y = RowOf(layout, axis.range, tick * axis.step);
+      if (y < plot.top) break;
+      DrawTextIn(canvas.dc(), TickText(tick * axis.step, axis.step),
+                 {axis.area.left, y - layout.fontPx, axis.area.right - layout.digitPx / 2, y + layout.fontPx}, color,
+                 DT_RIGHT);
+    }
+  }
+  if (IsRectEmpty(&layout.legend)) return;
+  LONG x = plot.left;
+  for (int i = 0; i < kStripChannels; ++i) {
+    if (!IsShown(model.channels[i])) continue;
+    const StripChannel& info = model.channels[i].info;
+    const std::wstring unit = ChannelUnit(info), name = ChannelName(info) + (unit.empty() ? L"" : L" (" + unit + L")");
+    const LONG dash = layout.fontPx * 3 / 2, width = dash + layout.digitPx + WidthOf(canvas.dc(), name);
+    if (x + width > layout.size.cx) break;
+    const double middle = (layout.legend.top + layout.legend.bottom) / 2.0;
+    FillLine(canvas, {x + 0.0, middle}, {x + 0.0 + dash, middle}, layout.lineWidth * 1.6, colors.lines[i]);
+    DrawTextIn(canvas.dc(), name, {x + dash + layout.digitPx, layout.legend.top, layout.size.cx, layout.legend.bottom},
+               colors.text, DT_LEFT);
+    x += width + layout.digitPx * 2;
+  }
+}
+
+// ---- Columns --------------------------------------------------------------------------------------------------------
+
+void StripPicture::DrawGrid(Canvas& canvas, const RECT& paper, long long from, long long to, LONG x) {
+  const StripLayout& layout = key_.layout;
+  const StripColors& colors = key_.colors;
+  const bool grid = !(key_.style & kStripNoGrid);
+  const StripAxis& axis = layout.axis[0];
+  for (double tick = FirstTick(axis.range.low, axis.step); grid; ++tick) {
+    const LONG y = RowOf(layout, axis.range, tick * axis.step);
+    if (y < paper.top) break;
+    if (y < layout.plot.bottom) FillArea(canvas, {paper.left, y, paper.right, y + 1}, colors.grid);
+  }
+  const double step = layout.timeStep, second = layout.secondsPerColumn;
+  const bool clock = (key_.style & kStripTimeOfDay) != 0;
+  const LONG reach = 12 * layout.digitPx;  // of a label to either side
+  double tick = FirstTick(static_cast<double>(from - reach) * second, step);
+  for (;; ++tick) {
+    const double column = ColumnOf(tick * step, second);
+    if (column >= static_cast<double>(to + reach)) break;
+    const LONG place = x + static_cast<LONG>(column - static_cast<double>(from));
+    if (grid && place >= paper.left && place < paper.right) {
+      FillArea(canvas, {place, layout.plot.top, place + 1, layout.plot.bottom}, colors.grid);
+    }
+    if (layout.labelsPx == 0) continue;
+    const std::wstring text = TimeText(tick * step, step, clock);
+    const LONG half = (WidthOf(canvas.dc(), text) + 1) / 2;
+    if (place + half < paper.left || place - half > paper.right) continue;
+    DrawTextIn(canvas.dc(), text, {place - half, layout.plot.bottom + 1, place + half, paper.bottom}, colors.text,
+               DT_LEFT);
+  }
+}
+
+// Columns from..to-1 with `from` at x.
+void StripPicture::DrawStretch(Canvas& canvas, const StripModel& model, long long from, long long to, LONG x) {
+  const StripLayout& layout = key_.layout;
+  const StripColors& colors = key_.colors;
+  const RECT& plot = layout.plot;
+  const RECT paper{x, plot.top, x + static_cast<LONG>(to - from), plot.bottom + 1 + std::max(0, layout.labelsPx - 1)};
+  canvas.ClipTo(paper);
+  FillArea(canvas, {paper.left, plot.top, paper.right, plot.bottom}, colors.paper);
+  FillArea(canvas, {paper.left, plot.bottom, paper.right, plot.bottom + 1}, colors.frame);
+  FillArea(canvas, {paper.left, plot.bottom + 1, paper.right, paper.bottom}, colors.panel);
+  for (int i = 0; i < kStripZones; ++i) {
+    if (!model.zoneShown[i]) continue;
+    const StripZone& zone = model.zones[i];
+    const AxisRange& range = AxisOf(layout, static_cast<int>(zone.channel)).range;
+    const auto row = [&](double value) { return std::clamp(RowOf(layout, range, value), plot.top, plot.bottom); };
+    FillArea(canvas,
+             {paper.left, row(std::max(zone.lower, zone.upper)), paper.right, row(std::min(zone.lower, zone.upper))},
+             colors.zones[i]);
+  }
+  {
+    const SelectedObject selected(canvas.dc(), font_);
+    DrawGrid(canvas, paper, from, to, x);
+  }
+  for (int i = 0; i < kStripChannels; ++i) {
+    const StripChannelData& channel = model.channels[i];
+    if (!IsShown(channel)) continue;
+    const TraceView view{layout.secondsPerColumn, AxisOf(layout, i).range, layout.lineWidth,
+                         ShownCount(model, channel)};
+    DrawTrace(canvas, rows_, channel.store, view, plot, from, to, x, colors.lines[i]);
+  }
+}
+
+// What of these columns is shown, and in a sweep the gap in front of the newest.
+void StripPicture::DrawColumns(const StripModel& model, long long from, long long to) {
+  const StripLayout& layout = key_.layout;
+  const LONG width = layout.plot.right - layout.plot.left;
+  const long long oldest = layout.lastColumn - width + 1;
+  from = std::max(from, oldest + layout.gapPx);
+  to = std::min(to, layout.lastColumn + 1);
+  Canvas canvas(dc_, surface_, shape_);
+  if (!layout.sweeps) {
+    if (from < to) DrawStretch(canvas, model, from, to, layout.plot.left + static_cast<LONG>(from - oldest));
+    return;
+  }
+  const auto placeOf = [&](long long column) { return static_cast<LONG>((column % width + width) % width); };
+  while (from < to) {
+    const LONG place = placeOf(from);
+    const long long end = std::min(to, from + width - place);
+    DrawStretch(canvas, model, from, end, layout.plot.left + place);
+    from = end;
+  }
+  for (long long column = oldest; column < oldest + layout.gapPx; ++column) {
+    const LONG x = layout.plot.left + placeOf(column);
+    canvas.ClipTo({x, layout.plot.top, x + 1, layout.size.cy});
+    FillArea(canvas, {x, layout.plot.top, x + 1, layout.plot.bottom}, key_.colors.paper);
+    FillArea(canvas, {x, layout.plot.bottom, x + 1, layout.plot.bottom + 1}, key_.colors.frame);
+    FillArea(canvas, {x, layout.plot.bottom + 1, x + 1, layout.plot.bottom + layout.labelsPx}, key_.colors.panel);
+  }
+}
+
+void StripPicture::Scroll(long long columns) {
+  const RECT& plot = key_.layout.plot;
+  const size_t kept = static_cast<size_t>(plot.right - plot.left - columns);
+  GdiFlush();
+  for (LONG y = plot.top; y < plot.bottom + std::max(1, key_.layout.labelsPx); ++y) {
+    DWORD* row = surface_.Row(y) + plot.left;
+    std::memmove(row, row + columns, kept * sizeof(DWORD));
+  }
+}
+
+// ---- Bringing it up to date -----------------------------------------------------------------------------------------
+
+RECT StripPicture::Update(StripModel& model, SIZE size, bool anew) {
+  Key key;
+  std::fill_n(reinterpret_cast<BYTE*>(&key), sizeof(key), BYTE{0});  // with what lies between the fields
+  key.layout = LayoutStrip(model, size);
+  key.colors = ColorsOf(model);
+  key.style = model.style;
+  for (int i = 0; i < kStripChannels; ++i) {
+    key.channels |= IsShown(model.channels[i]) ? 1u << i : 0u;
+    key.infos[i] = model.channels[i].info;
+  }
+  for (int i = 0; i < kStripZones; ++i) {
+    if (model.zoneShown[i]) key.zones[i] = model.zones[i];
+  }
+  const long long last = key.layout.lastColumn, before = key_.layout.lastColumn;
+  key.layout.lastColumn = before;
+  const bool same = drawn_ && !anew && std::memcmp(&key, &key_, sizeof(key)) == 0;
+  key.layout.lastColumn = last;
+  const LONG width = IsRectEmpty(&key.layout.plot) ? 0 : key.layout.plot.right - key.layout.plot.left;
+  const double second = key.layout.secondsPerColumn;
+  const bool held = IsHeld(model);
+  const RECT whole{0, 0, size.cx, size.cy};
+  const RECT paper{key.layout.plot.left, key.layout.plot.top, key.layout.plot.right, size.cy};
+  if (!same || last < before || last - before >= width || (model.goneTo == kNever && !held)) {
+    if (surface_.size().cx != size.cx || surface_.size().cy != size.cy) surface_.Create(size);
+    drawn_ = surface_.bitmap() && rows_.Create(key.layout.plot.bottom - key.layout.plot.top);
+    if (!font_ || key.layout.fontPx != key_.layout.fontPx) FindFont(key.layout.fontPx);
+    std::memcpy(&key_, &key, sizeof(key));
+    if (!drawn_) return {};
+    DrawFace(model);
+    if (width > 0) DrawColumns(model, last - width, last + 1);
+    model.freshFrom = kNever;
+    model.goneTo = -kNever;
+    return whole;
+  }
+  // While it is held, the picture stands whatever arrives.
+  if (held || (model.freshFrom == kNever && model.goneTo == -kNever && last == before)) return {};
+  key_.layout.lastColumn = last;
+  if (!key_.layout.sweeps && last > before) Scroll(last - before);
+  const double fresh = std::min(ColumnOf(model.freshFrom, second), static_cast<double>(before + 1)) - kReach;
+  const long long from = std::max(static_cast<long long>(std::max(fresh, -9e15)), last - width);
+  const double gone = ColumnOf(model.goneTo, second) + kReach + 1;
+  const long long goneTo =
+      gone > static_cast<double>(last - width) ? std::min(static_cast<long long>(gone), from) : from;
+  if (goneTo > last - width && gone > static_cast<double>(last - width)) DrawColumns(model, last - width, goneTo);
+  DrawColumns(model, from, last + 1);
+  model.freshFrom = kNever;
+  model.goneTo = -kNever;
+  return paper;
+}
+
+}  // namespace kv
