@@ -47,7 +47,16 @@
 #define KV_BITMAP_SQUARE_BY_WIDTH 0x0010
 #define KV_BITMAP_SQUARE_BY_HEIGHT 0x0020
 
-// lists/extended_list.h, controls/line_recorder.h, export/flight_track_view.h
+// lists/extended_list.h, controls/strip_chart/strip_chart.h, controls/horizon/horizon.h, export/flight_track_view.h
 #define KV_EXTENDED_LIST "kvExtList"
 #define KV_LINE_RECORDER "kvLineRecorder"
+#define KV_STRIP_SWEEP 0x0001
+#define KV_STRIP_OWN_AXES 0x0010
+#define KV_STRIP_NO_LEGEND 0x0020
+#define KV_STRIP_NO_GRID 0x0080
+#define KV_STRIP_TIME_OF_DAY 0x0100
+#define KV_STRIP_NO_AXES 0x0200
+#define KV_HORIZON "kvHorizon"
+#define KV_HORIZON_RECTANGULAR 0x0001
+#define KV_HORIZON_TAPE 0x0010
 #define KV_FLIGHT_TRACK "kvFlightTrack"

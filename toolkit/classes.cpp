@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "controls/display_instrument.h"
+#include "controls/horizon/horizon.h"
 #include "controls/instrument_block.h"
 #include "controls/line_recorder.h"
 #include "controls/simple_bitmap.h"
@@ -34,8 +35,8 @@ static_assert(KV_BITMAP_TRANSPARENT == kBitmapTransparent && KV_BITMAP_SQUARE_BY
 
 using Registration = BOOL (*)(HINSTANCE, BOOL);
 constexpr Registration kRegistrations[] = {
-    RegisterDialogClass,       RegisterSimpleBitmapClass, RegisterDisplayInstrumentClass,
-    RegisterLineRecorderClass, RegisterFlightTrackClass,  RegisterExtendedListClass};
+    RegisterDialogClass,  RegisterSimpleBitmapClass, RegisterDisplayInstrumentClass, RegisterLineRecorderClass,
+    RegisterHorizonClass, RegisterFlightTrackClass,  RegisterExtendedListClass};
 
 }  // namespace
 

@@ -10,17 +10,14 @@
 #include "controls/instrument_block.h"
 #include "framework/control_class.h"
 #include "framework/file_path.h"
+#include "toolkit/control_access.h"
 
 namespace kv {
 
 namespace {
 
-// Null when the dialog has no instrument of that id.
 HWND InstrumentOf(HWND dialog, int id) {
-  HWND control = GetDlgItem(dialog, id);
-  char name[ARRAYSIZE(kDisplayInstrumentClass) + 1] = "";
-  GetClassNameA(control, name, ARRAYSIZE(name));
-  return lstrcmpiA(name, kDisplayInstrumentClass) == 0 ? control : nullptr;
+  return ControlOfClass(dialog, id, kDisplayInstrumentClass);
 }
 
 void Send(HWND instrument, WPARAM command, const void* item) {
@@ -48,19 +45,6 @@ BOOL ChangeBlock(HWND dialog, int id, Change change) {
   Send(instrument, kCommandBlock, &block);
   if (!(block.state & kInstrumentNoValue)) Send(instrument, kCommandValue | kValueGlide | kValueExact, &target);
   return TRUE;
-}
-
-// As much of the text as fits whole, in UTF-8.
-template <size_t size>
-void StoreText(char (&field)[size], const wchar_t* text) {
-  int characters = std::min(lstrlenW(text), static_cast<int>(size) - 1), bytes = 0;
-  const auto isHalf = [&] { return characters > 0 && IS_HIGH_SURROGATE(text[characters - 1]); };
-  const auto needed = [&] { return WideCharToMultiByte(CP_UTF8, 0, text, characters, nullptr, 0, nullptr, nullptr); };
-  while (characters > 0 && (isHalf() || needed() >= static_cast<int>(size))) --characters;
-  if (characters > 0) {
-    bytes = WideCharToMultiByte(CP_UTF8, 0, text, characters, field, static_cast<int>(size), nullptr, nullptr);
-  }
-  std::memset(field + bytes, 0, size - static_cast<size_t>(bytes));
 }
 
 bool IsNumberReadOut(DWORD style) {

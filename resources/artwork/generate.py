@@ -37,6 +37,7 @@ SAMPLE_ICONS = {
     "speedometer": "gauge",
     "instrument_panel": "compass",
     "million_rows": "table",
+    "sensor_recorder": "chart",
     "track_export": "waypoint",
 }
 FAINTEST_EDGE = 48  # a pixel covered less than this (of 255) is left transparent

@@ -12,8 +12,10 @@
 
 #include "app/optical_flow_chart.h"
 #include "controls/display_instrument.h"
+#include "controls/horizon/horizon.h"
 #include "controls/instrument_block.h"
 #include "controls/simple_bitmap.h"
+#include "controls/strip_chart/strip_chart.h"
 #include "export/flight_track_view.h"
 #include "lists/list_navigation.h"
 #include "tests/support/replaced_import.h"
@@ -147,7 +149,11 @@ const std::vector<UINT> kInstrumentOwn{WM_SETTEXT, WM_COPY, WM_DROPFILES, WM_TIM
 const FuzzedClass kFuzzedClasses[] = {
     {"Chart", kChartClass, 0, {WM_CREATE, WM_DESTROY, WM_COPY, WM_DROPFILES}},
     {"FlightTrackView", kFlightTrackClass, 0, {WM_CREATE, WM_DESTROY}},
-    {"LineRecorder", "kvLineRecorder", 0, {}},
+    {"Horizon", kHorizonClass, kHorizonTape, {WM_COPY, WM_DROPFILES, WM_TIMER, WM_TIMER}},
+    {"StripChart",
+     kStripChartClass,
+     kStripOwnAxes,
+     {WM_COPY, WM_DROPFILES, WM_TIMER, WM_KEYDOWN, WM_MOUSEWHEEL, WM_MOUSELEAVE, WM_LBUTTONDBLCLK}},
     {"List", kExtendedListClass, WS_VSCROLL, {WM_CREATE, WM_CREATE, WM_DESTROY, WM_COPY, LB_SETCOUNT, LB_SETCOUNT}},
     {"NavigatedList",
      kExtendedListClass,

@@ -12,6 +12,7 @@
 #include "framework/guards.h"
 #include "samples/instrument_panel/ids.h"
 #include "tests/support/running_program.h"
+#include "tests/support/serial_line.h"
 #include "tests/support/test_window.h"
 #include "toolkit/dde_conversation.h"
 
@@ -116,6 +117,27 @@ TEST(Samples, ATrackIsExportedThreeWays) {
   EXPECT_TRUE(says(L"180 of 180 points sent."));
   EXPECT_EQ(0u, track.Close());
   std::filesystem::remove_all(folder);
+}
+
+TEST(Samples, ASensorsValuesAreRecorded) {
+  Sample recorder(L"sensor_recorder", L"Sensor recorder");
+  constexpr int kChart = 101, kPort = 102, kConnect = 103, kStatus = 105;
+  const auto connect = [&](const std::wstring& port) {
+    SendMessageW(recorder.Control(kPort), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(port.c_str()));
+    SendMessageW(recorder.Control(kConnect), BM_CLICK, 0, 0);
+    return TextOf(recorder.Control(kStatus));
+  };
+  EXPECT_EQ(L"This port cannot be opened.", connect(L"COM97"));
+  const kvtest::ComPair pair = kvtest::GivenComPair();
+  const kvtest::SerialLine line(pair);
+  if (line.isPlugged()) {
+    EXPECT_EQ(L"Waiting for a value.", connect(L"COM" + std::to_wstring(pair.port)));
+    kvtest::PlayedCamera sensor(pair.farPort);
+    EXPECT_TRUE(sensor.Send("nothing\r\n21.5\r\n"));
+    EXPECT_TRUE(WaitUntil([&] { return TextOf(recorder.Control(kStatus)) == L"21.5"; }, kPatience));
+  }
+  EXPECT_TRUE(recorder.Shows(recorder.PlaceOf(kChart), 4));
+  EXPECT_EQ(0u, recorder.Close());
 }
 
 }  // namespace

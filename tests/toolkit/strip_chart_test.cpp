@@ -1,0 +1,65 @@
+// The typed calls of strip chart and horizon, as their controls understand them.
+#include "toolkit/strip_chart.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+#include <tuple>
+
+#include "controls/horizon/horizon.h"
+#include "controls/line_recorder.h"
+#include "framework/control_class.h"
+#include "tests/support/test_window.h"
+#include "tests/support/control_test.h"
+#include "toolkit/horizon.h"
+
+namespace kv {
+namespace {
+
+constexpr int kId = 31, kHorizonId = 32, kNone = 33;
+
+class TypedCharts : public kvtest::ControlTest<RegisterLineRecorderClass> {};
+
+TEST_F(TypedCharts, DescribeAppendHoldAndRead) {
+  HWND chart = kvtest::CreateControl(parent_, kStripChartClass, "", 0, {0, 0, 200, 150}, kId);
+  EXPECT_TRUE(SetStripChartChannel(parent_, kId, 2, {.name = std::wstring(30, L'ä').c_str(), .unit = L"°C"}));
+  StripChannel info{};
+  SendMessageA(chart, kControlCommand, MAKEWPARAM(kStripChannel | kCommandRead, 2), reinterpret_cast<LPARAM>(&info));
+  EXPECT_EQ(46u, std::string(info.szName).size());  // whole letters of two bytes in 47
+  const COLORREF color = info.color;
+  EXPECT_TRUE(SetStripChartChannel(parent_, kId, 2, {.name = L"Heat", .unit = L"°C"}));
+  EXPECT_TRUE(ShowStripChartChannel(parent_, kId, 2, FALSE));
+  SendMessageA(chart, kControlCommand, MAKEWPARAM(kStripChannel | kCommandRead, 2), reinterpret_cast<LPARAM>(&info));
+  EXPECT_EQ(std::tuple(color, 0u), std::tuple(info.color, info.state));
+
+  EXPECT_TRUE(SetStripChartCapacity(parent_, kId, 3));
+  EXPECT_TRUE(SetStripChartView(parent_, kId, 100, 0, 0));
+  for (const double time : {1.0, 2.0, 3.0, 4.0}) EXPECT_TRUE(AppendStripChartValue(parent_, kId, 2, time, time * 2));
+  EXPECT_FALSE(AppendStripChartValue(parent_, kId, 2, 3.5, 1));
+  EXPECT_TRUE(HoldStripChart(parent_, kId, TRUE));
+  EXPECT_TRUE(AppendStripChartValue(parent_, kId, 2, 5, 100));
+  StripStatistics statistics{};
+  EXPECT_TRUE(ReadStripChartStatistics(parent_, kId, 2, &statistics));
+  EXPECT_EQ(std::tuple(2, 7), std::tuple(statistics.count, statistics.mean));  // the first two have gone
+  EXPECT_TRUE(HoldStripChart(parent_, kId, FALSE));
+  EXPECT_TRUE(ReadStripChartStatistics(parent_, kId, 2, &statistics));
+  EXPECT_EQ(100, statistics.maximum);
+  const double before = StripChartNow();
+  EXPECT_LE(before, StripChartNow());
+  EXPECT_FALSE(SetStripChartChannel(parent_, kId, 8, {.name = L"x"}) || SetStripChartCapacity(parent_, kId, 0) ||
+               SetStripChartView(parent_, kNone, 1, 0, 0) || SetStripChartView(parent_, kId, NAN, 0, 0));
+
+  RegisterHorizonClass(GetModuleHandleA(nullptr), TRUE);
+  HWND horizon = kvtest::CreateControl(parent_, kHorizonClass, "", kHorizonTape, {0, 0, 90, 90}, kHorizonId);
+  EXPECT_TRUE(SetHorizonAttitude(parent_, kHorizonId, {3, -4, 0, 90}, FALSE));
+  EXPECT_EQ(L"+3.0°, -4.0°, 090°", kvtest::HearWindow(horizon).value);
+  EXPECT_FALSE(SetHorizonAttitude(parent_, kHorizonId, {NAN}, FALSE) || SetHorizonAttitude(parent_, kId, {}, FALSE));
+  EXPECT_TRUE(ClearHorizonAttitude(parent_, kHorizonId));
+  EXPECT_EQ(L"", kvtest::HearWindow(horizon).value);
+  DestroyWindow(horizon);
+  RegisterHorizonClass(GetModuleHandleA(nullptr), FALSE);
+}
+
+}  // namespace
+}  // namespace kv
