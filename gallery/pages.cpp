@@ -31,6 +31,7 @@ const Page kPages[] = {
     {"chart", {.templateName = L"PAGE_CHART", .procedure = ChartPageProcedure}},
     {"bitmap", {.templateName = L"PAGE_BITMAP", .procedure = BitmapPageProcedure}},
     {"instruments", {.templateName = L"PAGE_INSTRUMENTS", .procedure = InstrumentsPageProcedure}},
+    {"flight-deck", {.templateName = L"PAGE_FLIGHT_DECK", .procedure = FlightDeckPageProcedure}},
     {"list", {.templateName = L"PAGE_LIST", .procedure = ListPageProcedure}},
     {"mesh", {.templateName = L"PAGE_MESH", .procedure = MeshPageProcedure}},
     {"capture", {.templateName = L"PAGE_CAPTURE", .procedure = CapturePageProcedure}},

@@ -53,6 +53,9 @@ INT_PTR CALLBACK BitmapPageProcedure(HWND page, UINT message, WPARAM wParam, LPA
 // The display instruments: all layouts live on a simulated flight, their states, and how small they may be.
 INT_PTR CALLBACK InstrumentsPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
 
+// A flight deck: horizon, compass and gauges, and a strip chart of the same simulated flight.
+INT_PTR CALLBACK FlightDeckPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
+
 // Ten million camera records that nobody stores, in columns wider than the window, drawn by the page as they come into
 // view.
 INT_PTR CALLBACK ListPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "controls/instrument_block.h"
-#include "framework/numbers.h"
+#include "gallery/pages/simulated_flight.h"
 #include "gallery/resource_ids.h"
 #include "toolkit/instruments.h"
 #include "toolkit/languages.h"
@@ -20,23 +20,6 @@ constexpr UINT kSampleMs = 250;
 
 constexpr COLORREF kGreen = RGB(0, 200, 80), kAmber = RGB(255, 190, 0), kRed = RGB(240, 48, 32),
                    kCyan = RGB(64, 200, 255);
-
-// ---- The simulated flight ------------------------------------------------------------------------------------------
-
-double Wave(double seconds, double period, double phase = 0) {
-  return std::sin((seconds / period + phase) * 2 * kv::kPi);
-}
-
-// What more than one instrument shows, so many seconds after the system came up.
-double Heading(double t) {
-  return 275 + 60 * Wave(t, 47) + 4 * Wave(t, 5.3);
-}
-double Climb(double t) {
-  return 12 * Wave(t, 61, 0.25) + 1.5 * Wave(t, 3.7);
-}
-double Power(double t) {
-  return 68 + 26 * Wave(t, 61, 0.2);
-}
 
 // ---- The instruments -----------------------------------------------------------------------------------------------
 
@@ -74,10 +57,10 @@ const Instrument kInstruments[] = {
     {kAirspeed,
      {.maximum = 160, .unit = L"kn", .step = 1},
      kRed,
-     [](double t) { return 112 + 28 * Wave(t, 23) + 6 * Wave(t, 4.1); },
+     Airspeed,
      {{45, 120, kGreen}, {120, 145, kAmber}, {145, 160, kRed}}},
     {kHeading, {-360, 360, L"\u00B0", 1}, kAmber, Heading},
-    {kAltitude, {0, 10000, L"ft", 10}, kRed, [](double t) { return 4200 + 1900 * Wave(t, 61); }},
+    {kAltitude, {0, 10000, L"ft", 10}, kRed, Altitude},
     {kClimb, {-20, 20, L"m/s", 0.1}, kRed, Climb},
     {kPower, {0, 100, L"%", 4}, kGreen, Power, {{75, 88, kAmber}, {88, 100, kRed}}},
     {kFuel, {0, 100, L"%", 4}, kCyan, [](double t) { return 96 - std::fmod(t / 2, 90.0); }, {{20, 20, kRed}}},
