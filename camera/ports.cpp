@@ -203,7 +203,8 @@ std::string WhyNotOpened(int number, const PortStatus& status) {
       return name + " is in use by " +
              (status.holder.empty() ? "another program (or, rarely, not for this user)" : status.holder) +
              "; close it, or name another port";
-    case PortState::kAccessDenied: return name + " cannot be opened: access denied; give this user access to the device";
+    case PortState::kAccessDenied:
+      return name + " cannot be opened: access denied; give this user access to the device";
     case PortState::kUnusable:
       return name + " does not take the camera's settings (error " + std::to_string(status.error) +
              "); it is no serial port, or its adapter hangs: unplug it and plug it in again";
