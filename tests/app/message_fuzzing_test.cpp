@@ -17,6 +17,7 @@
 #include "controls/simple_bitmap.h"
 #include "controls/strip_chart/strip_chart.h"
 #include "export/flight_track_view.h"
+#include "lists/extended_list.h"
 #include "lists/list_navigation.h"
 #include "tests/support/replaced_import.h"
 #include "tests/support/scarce_objects.h"

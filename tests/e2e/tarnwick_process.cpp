@@ -3,6 +3,7 @@
 
 #include "app/camera_record.h"
 #include "app/resource_ids.h"
+#include "tests/support/running_program.h"
 #include "tools/uidriver/driver.h"
 
 namespace kvtest {
