@@ -3,16 +3,15 @@
 //
 //   extended_list_benchmark [REDRAWS]
 //
-// Each line: rows in the list, where it is scrolled to, rows asked for by one redraw, and its median and slowest time.
+// Each line: where the list is scrolled to, rows asked for by one redraw, and its median and slowest time.
 #include <windows.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <ratio>
 #include <vector>
 
+#include "camera/ports.h"
 #include "lists/extended_list.h"
 
 namespace {
@@ -38,44 +37,33 @@ LRESULT CALLBACK ParentProcedure(HWND window, UINT message, WPARAM wParam, LPARA
   }
 }
 
-double Milliseconds() {
-  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
-
 void Measure(HWND list, const char* what, int redraws, UINT message, WPARAM wParam) {
   std::vector<double> times;
   rowsAsked = 0;
   for (int i = 0; i < redraws; ++i) {
-    const double start = Milliseconds();
+    const double start = camera::Now();
     SendMessageA(list, message, wParam, 0);
     GdiFlush();
-    times.push_back(Milliseconds() - start);
+    times.push_back((camera::Now() - start) * 1000);
   }
   std::ranges::sort(times);
-  std::printf("%-32s %5.1f rows asked for   median %7.3f ms   slowest %7.3f ms\n", what,
+  std::printf("%-12s %5.1f rows asked for   median %7.3f ms   slowest %7.3f ms\n", what,
               static_cast<double>(rowsAsked) / redraws, times[times.size() / 2], times.back());
 }
 
 void MeasureList(HWND list, UINT rowCount, int redraws) {
   SendMessageA(list, LB_SETCOUNT, rowCount, 0);
   SendMessageA(list, WM_SIZE, SIZE_RESTORED, 0);
-  const struct {
-    const char* name;
-    double part;
-  } places[] = {{"beginning", 0}, {"middle", 0.5}, {"end", 1}};
-  SCROLLINFO bar{};
-  bar.cbSize = sizeof(bar);
-  bar.fMask = SIF_RANGE;
+  SCROLLINFO bar{.cbSize = sizeof(bar), .fMask = SIF_RANGE};
   GetScrollInfo(list, SB_VERT, &bar);
-  for (const auto& place : places) {
-    SetScrollPos(list, SB_VERT, static_cast<int>(bar.nMax * place.part), FALSE);
-    char what[64];
-    std::snprintf(what, sizeof(what), "%10u rows, %s", rowCount, place.name);
-    Measure(list, what, redraws, WM_VSCROLL, SB_ENDSCROLL);
-  }
-  char what[64];
-  std::snprintf(what, sizeof(what), "%10u rows, sideways", rowCount);
-  Measure(list, what, redraws, WM_HSCROLL, SB_THUMBPOSITION);
+  std::printf("%u rows\n", rowCount);
+  SetScrollPos(list, SB_VERT, 0, FALSE);
+  Measure(list, "  beginning", redraws, WM_VSCROLL, SB_ENDSCROLL);
+  SetScrollPos(list, SB_VERT, bar.nMax / 2, FALSE);
+  Measure(list, "  middle", redraws, WM_VSCROLL, SB_ENDSCROLL);
+  SetScrollPos(list, SB_VERT, bar.nMax, FALSE);
+  Measure(list, "  end", redraws, WM_VSCROLL, SB_ENDSCROLL);
+  Measure(list, "  sideways", redraws, WM_HSCROLL, SB_THUMBPOSITION);
 }
 
 }  // namespace

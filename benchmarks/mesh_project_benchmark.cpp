@@ -3,17 +3,14 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <random>
-#include <ratio>
 
+#include "camera/ports.h"
 #include "views3d/mesh_model.h"
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 constexpr int kRounds = 9;
 
@@ -44,30 +41,20 @@ void Fill(HGLOBAL mesh, std::uint32_t count, Order order) {
 }
 
 double ProjectMs(HGLOBAL mesh) {
-  const auto start = Clock::now();
+  const double start = camera::Now();
   kv::meshProject(mesh);
-  return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+  return (camera::Now() - start) * 1000;
 }
 
-// The median of several rounds, each with the triangles filled afresh.
-double MedianMs(HGLOBAL mesh, std::uint32_t count, Order order) {
-  double rounds[kRounds];
-  for (double& round : rounds) {
-    Fill(mesh, count, order);
-    round = ProjectMs(mesh);
-  }
-  std::sort(rounds, rounds + kRounds);
-  return rounds[kRounds / 2];
-}
-
-// A turning model: each frame starts from the order that the frame before left.
-double FrameMs(HGLOBAL mesh, std::uint32_t count) {
-  Fill(mesh, count, Order::kRandom);
-  kv::meshProject(mesh);
+// The median of several rounds, each with the triangles filled afresh; or of a turning model, whose frames each start
+// from the order that the frame before left.
+double MedianMs(HGLOBAL mesh, std::uint32_t count, Order order, bool turns = false) {
   double rounds[kRounds];
   int degrees = 0;
   for (double& round : rounds) {
-    kv::meshSetView(mesh, 1, 1, ++degrees, 0, 0, kv::kMeshSetAngleA);
+    if (!turns || degrees == 0) Fill(mesh, count, order);
+    if (turns && degrees == 0) kv::meshProject(mesh);
+    if (turns) kv::meshSetView(mesh, 1, 1, ++degrees, 0, 0, kv::kMeshSetAngleA);
     round = ProjectMs(mesh);
   }
   std::sort(rounds, rounds + kRounds);
@@ -84,7 +71,7 @@ int main() {
     if (!mesh) return 1;
     std::printf("%10u %9.3f %9.3f %9.3f %9.3f %13.3f\n", count, MedianMs(mesh, count, Order::kRandom),
                 MedianMs(mesh, count, Order::kEqual), MedianMs(mesh, count, Order::kRising),
-                MedianMs(mesh, count, Order::kFalling), FrameMs(mesh, count));
+                MedianMs(mesh, count, Order::kFalling), MedianMs(mesh, count, Order::kRandom, true));
     kv::meshDestroy(mesh);
   }
   return 0;

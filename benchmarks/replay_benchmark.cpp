@@ -19,6 +19,7 @@
 #include "camera/ports.h"
 #include "camera/recording.h"
 #include "camera/text.h"
+#include "tests/support/running_program.h"
 #include "tests/support/serial_line.h"
 
 namespace {
@@ -99,13 +100,10 @@ int main(int argc, char** argv) {
   const std::vector<Moment> sent = MakeRecording(path, seconds);
   camera::Port port;
   if (camera::OpenPort(kPort, camera::FindPortHolders(), &port).state != camera::PortState::kOpened) return 1;
-  std::string command = camera::Format("\"Z:%s\" replay \"%s\" COM%d", KV_CAMTOOL_EXE, path.c_str(), kFarPort);
-  STARTUPINFOA start{};
-  start.cb = sizeof(start);
-  PROCESS_INFORMATION player{};
-  CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &player);
+  const kvtest::RunningProgram player(KV_CAMTOOL_EXE,
+                                      camera::Wide(camera::Format("replay \"%s\" COM%d", path.c_str(), kFarPort)));
   const std::vector<Moment> heard = Hear(port.handle(), sent.size());
-  WaitForSingleObject(player.hProcess, 10000);
+  WaitForSingleObject(player.process(), 10000);
   DeleteFileA(path.c_str());
   timeEndPeriod(1);
   return Compare(sent, heard);

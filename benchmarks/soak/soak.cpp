@@ -1,43 +1,194 @@
-// Hostile minutes: the tool and the gallery used hard, each for so long. Ends with a table for each, and with 0 when
-// nothing crashed, hung or failed to close.
+// Tarnwick and the gallery used hard, each for so long. Ends with a table for each, and with 0 when nothing crashed,
+// hung or failed to close.
 //
 //   soak [SECONDS] [--seed NUMBER] [--only tool|gallery]     600 s and seed 1 if nothing else is said
-#include <windows.h>
+#include "benchmarks/soak/soak.h"
 
+#include <psapi.h>
 #include <timeapi.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <vector>
 
-#include "benchmarks/soak/soaks.h"
+#include "camera/ports.h"
+#include "camera/text.h"
+
+namespace soak {
+
+namespace {
+
+constexpr DWORD kHangMs = 10000;
+constexpr size_t kActionsKept = 25;
+constexpr int kColours[] = {COLOR_BTNFACE, COLOR_WINDOW, COLOR_WINDOWTEXT, COLOR_HIGHLIGHT};
+
+std::array<DWORD, 4> HeldBy(HANDLE process) {
+  PROCESS_MEMORY_COUNTERS memory{};
+  GetProcessMemoryInfo(process, &memory, sizeof(memory));
+  DWORD handles = 0;
+  GetProcessHandleCount(process, &handles);
+  return {static_cast<DWORD>(memory.PagefileUsage / 1024), GetGuiResources(process, GR_GDIOBJECTS),
+          GetGuiResources(process, GR_USEROBJECTS), handles};
+}
+
+}  // namespace
+
+// ---- The watch -----------------------------------------------------------------------------------------------------
+
+ProcessWatch::ProcessWatch(HANDLE process, HWND window)
+    : process_(process), window_(window), thread_([this] { Watch(); }) {}
+
+void ProcessWatch::Stop() {
+  stop_ = true;
+  if (thread_.joinable()) thread_.join();
+}
+
+void ProcessWatch::Watch() {
+  const double start = camera::Now();
+  for (int second = 0; !stop_; ++second) {
+    while (!stop_ && camera::Now() < start + second) Sleep(20);
+    if (stop_ || WaitForSingleObject(process_, 0) == WAIT_OBJECT_0) return;
+    const bool mayScan = isConnecting;
+    const double asked = camera::Now();
+    DWORD_PTR answer = 0;
+    const bool answered = SendMessageTimeoutA(window_, WM_NULL, 0, 0, SMTO_NORMAL, kHangMs, &answer) != 0;
+    const double took = (camera::Now() - asked) * 1000;
+    if (answered) {
+      samples_.push_back({took, mayScan || isConnecting, HeldBy(process_)});
+    } else {
+      hangs_ += took >= kHangMs && WaitForSingleObject(process_, 0) != WAIT_OBJECT_0;
+    }
+  }
+}
+
+void ProcessWatch::Print() const {
+  double longest[2] = {};
+  for (const Sample& sample : samples_) longest[sample.mayScan] = std::max(longest[sample.mayScan], sample.answerMs);
+  std::printf("  null message, there and back  longest %.0f ms (while connecting %.0f ms)\n", longest[0], longest[1]);
+  std::printf("  hangs of 10 s or more         %d\n", Hangs());
+  if (samples_.size() < 3) return;
+  // The first ten seconds are the program's own warming up.
+  const auto& first = samples_[std::min<size_t>(samples_.size() / 4, 10)].held;
+  const auto& middle = samples_[samples_.size() / 2].held;
+  const auto& last = samples_.back().held;
+  constexpr const char* kNames[] = {"private memory, KiB", "GDI objects", "USER objects", "handles"};
+  for (size_t i = 0; i < std::size(kNames); ++i) {
+    if (first[i] == 0 && last[i] == 0) {
+      std::printf("  %-30snot told by this system\n", kNames[i]);
+    } else {
+      std::printf("  %-30sstart %lu, middle %lu, end %lu\n", kNames[i], first[i], middle[i], last[i]);
+    }
+  }
+}
+
+// ---- The program ---------------------------------------------------------------------------------------------------
+
+HWND WaitForWindow(const kvtest::RunningProgram& program) {
+  HWND window = nullptr;
+  const double end = camera::Now() + 30;
+  while (!window && program.isRunning() && camera::Now() < end) {
+    Sleep(20);
+    window = program.Find(L"kvDialog", nullptr);
+  }
+  return window;
+}
+
+bool Start(Soak* soak, const char* path) {
+  soak->program = std::make_unique<kvtest::RunningProgram>(path, L"");
+  soak->window = WaitForWindow(*soak->program);
+  if (!soak->window) return false;
+  soak->watch = std::make_unique<ProcessWatch>(soak->program->process(), soak->window);
+  return true;
+}
+
+long CloseMs(const kvtest::RunningProgram& program, HWND window) {
+  const double start = camera::Now();
+  return program.Close(window) == 0 ? static_cast<long>((camera::Now() - start) * 1000) : -1;
+}
+
+int Below(Soak* soak, int end) {
+  return static_cast<int>(soak->random() % static_cast<unsigned>(end));
+}
+
+void Note(Soak* soak, const char* what, POINT a, POINT b) {
+  ++soak->counts[what];
+  soak->actions.push_back(camera::Format("%s %ld %ld %ld %ld", what, a.x, a.y, b.x, b.y));
+  if (soak->actions.size() > kActionsKept) soak->actions.pop_front();
+}
+
+void PrintCounts(const Soak& soak) {
+  for (const auto& [name, count] : soak.counts) std::printf("  %-30s%ld\n", name.c_str(), count);
+}
+
+// ---- The hands -----------------------------------------------------------------------------------------------------
+
+void PressKey(int key, bool shift, bool control) {
+  const auto send = [](int code, DWORD flags) { keybd_event(static_cast<BYTE>(code), 0, flags, 0); };
+  if (shift) send(VK_SHIFT, 0);
+  if (control) send(VK_CONTROL, 0);
+  send(key, 0);
+  send(key, KEYEVENTF_KEYUP);
+  if (control) send(VK_CONTROL, KEYEVENTF_KEYUP);
+  if (shift) send(VK_SHIFT, KEYEVENTF_KEYUP);
+}
+
+void MoveWindowAbout(Soak* soak) {
+  constexpr WPARAM kCommands[] = {SC_MINIMIZE, SC_MAXIMIZE, SC_RESTORE, SC_RESTORE};
+  const int choice = Below(soak, 8);
+  if (choice < 4) {
+    PostMessageA(soak->window, WM_SYSCOMMAND, kCommands[choice], 0);
+  } else {
+    SetWindowPos(soak->window, nullptr, Below(soak, 600) - 100, Below(soak, 500) - 50, 100 + Below(soak, 1200),
+                 100 + Below(soak, 900),
+                 SWP_NOZORDER | SWP_NOACTIVATE | SWP_ASYNCWINDOWPOS | (choice < 6 ? SWP_NOSIZE : SWP_NOMOVE));
+  }
+}
+
+void ChangeSurroundings(Soak* soak) {
+  constexpr UINT kMessages[] = {WM_SYSCOLORCHANGE, WM_SETTINGCHANGE, WM_FONTCHANGE, WM_THEMECHANGED, WM_TIMECHANGE};
+  if (Below(soak, 4) != 0) {
+    PostMessageA(soak->window, kMessages[Below(soak, static_cast<int>(std::size(kMessages)))], 0, 0);
+    return;
+  }
+  COLORREF colours[std::size(kColours)];
+  for (COLORREF& colour : colours) colour = soak->random() & 0xFFFFFF;
+  SetSysColors(static_cast<int>(std::size(kColours)), kColours, colours);
+}
+
+}  // namespace soak
 
 int main(int argc, char** argv) {
   double seconds = 600;
   std::uint32_t seed = 1;
-  const char* only = "";
+  std::string only;
   for (int i = 1; i < argc; ++i) {
-    const char* value = i + 1 < argc ? argv[i + 1] : "";
-    if (std::strcmp(argv[i], "--seed") == 0 && *value) {
-      seed = static_cast<std::uint32_t>(std::strtoul(value, nullptr, 10));
-      ++i;
-    } else if (std::strcmp(argv[i], "--only") == 0 && (!std::strcmp(value, "tool") || !std::strcmp(value, "gallery"))) {
-      only = value;
-      ++i;
-    } else if (std::atof(argv[i]) > 0) {
-      seconds = std::atof(argv[i]);
-    } else {
-      std::fputs("usage: soak [SECONDS] [--seed NUMBER] [--only tool|gallery]\n", stderr);
-      return 2;
+    const std::string option = argv[i], value = i + 1 < argc ? argv[i + 1] : "";
+    if (option == "--seed" && !value.empty()) {
+      seed = static_cast<std::uint32_t>(std::strtoul(argv[++i], nullptr, 10));
+    } else if (option == "--only" && (value == "tool" || value == "gallery")) {
+      only = argv[++i];
+    } else if ((seconds = std::atof(argv[i])) <= 0) {
+      return std::fputs("usage: soak [SECONDS] [--seed NUMBER] [--only tool|gallery]\n", stderr), 2;
     }
   }
   setvbuf(stdout, nullptr, _IONBF, 0);
+  // The programs' files go there.
+  const std::string folder = camera::Narrow(_wgetenv(L"TEMP")) + "\\tarnwick soak";
+  CreateDirectoryA(folder.c_str(), nullptr);
+  SetCurrentDirectoryA(folder.c_str());
+  COLORREF ownColours[std::size(soak::kColours)];
+  std::ranges::transform(soak::kColours, ownColours, GetSysColor);
   timeBeginPeriod(1);
   int result = 0;
-  if (std::strcmp(only, "gallery") != 0) result |= soak::SoakTool(seconds, seed);
-  if (std::strcmp(only, "tool") != 0) result |= soak::SoakGallery(seconds, seed);
+  if (only != "gallery") result |= soak::SoakTool(seconds, seed);
+  if (only != "tool") result |= soak::SoakGallery(seconds, seed);
   timeEndPeriod(1);
-  std::puts(result == 0 ? "\nnothing fell" : "\nsomething fell");
+  SetSysColors(static_cast<int>(std::size(ownColours)), soak::kColours, ownColours);
+  std::puts(result == 0 ? "\nno failure" : "\nFAILED");
   return result;
 }

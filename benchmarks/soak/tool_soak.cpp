@@ -1,4 +1,5 @@
-// The real tool under a camera with all faults, while it is used in every way at once.
+// The real tool under a camera with all faults, while it is used in every way at once. The camera's records carry their
+// numbers, so that what the tool saw can be compared with what was sent.
 #include <windows.h>
 
 #include <algorithm>
@@ -7,19 +8,18 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
-#include <memory>
+#include <iterator>
+#include <map>
 #include <mutex>
-#include <random>
+#include <string>
+#include <string_view>
+#include <thread>
 #include <vector>
 
 #include "app/app_context.h"
 #include "app/camera_record.h"
 #include "app/resource_ids.h"
-#include "benchmarks/soak/hostile_camera.h"
-#include "benchmarks/soak/process_watch.h"
-#include "benchmarks/soak/program.h"
-#include "benchmarks/soak/soaks.h"
+#include "benchmarks/soak/soak.h"
 #include "camera/ports.h"
 #include "camtool/faults.h"
 #include "tests/support/serial_line.h"
@@ -32,6 +32,10 @@ namespace {
 constexpr int kPort = 3, kFarPort = 4;
 constexpr DWORD kCopyMs = 10000;
 constexpr DWORD kLookMs = 3;
+// Leaves a gap of more than 5 ms behind each record that comes in one go, so that the reader can get into step.
+constexpr double kRecordSeconds = 0.011;
+constexpr DWORD kPatienceMs = 20;
+constexpr long kBase = 1000;  // both halves of a number stay below it, and below 1023
 // From the sender to the reader's record.
 constexpr double kReaderSeconds = 0.003;
 // Behind a faulty record the reader gets into step at the first gap that its port notices: 5 ms, and what the system
@@ -40,12 +44,103 @@ constexpr double kGapSeconds = 0.008;
 constexpr double kSecondInstanceEvery = 25;
 constexpr double kUnplugEvery = 17;
 
+// ---- The camera ----------------------------------------------------------------------------------------------------
+
+camtool::FaultPlan AllFaults(std::uint32_t seed) {
+  using camtool::Trigger;
+  camtool::FaultPlan plan{.hangUpSeconds = 1, .seed = seed};
+  for (int fault = camtool::kDropFault; fault <= camtool::kGarbageFault; ++fault) {
+    plan.triggers[fault] = {Trigger::kChance, 0.01};
+  }
+  plan.triggers[camtool::kPauseFault] = {Trigger::kPeriod, 7};
+  plan.triggers[camtool::kHangUpFault] = {Trigger::kPeriod, 23};
+  plan.triggers[camtool::kSlowFault] = {Trigger::kPeriod, 31};
+  plan.triggers[camtool::kFastFault] = {Trigger::kPeriod, 37};
+  return plan;
+}
+
+// The number that points carry, or -1 when they carry none.
+long NumberIn(const kv::CameraPoint (&points)[kv::kPointCount]) {
+  const auto& [x, y] = points[0];
+  const bool isNumber = std::ranges::all_of(points, [&](const auto& p) { return p.x == x && p.y == y; });
+  return isNumber && x >= 0 && x < kBase && y >= 0 && y < kBase ? y * kBase + x : -1;
+}
+
+struct SentRecord {
+  double seconds;    // on camera::Now's clock
+  bool isFaulty;     // dropped, cut, corrupted, merged, with garbage, twice, or next to such
+  bool isDelivered;  // the line took it
+};
+
+class HostileCamera {
+ public:
+  explicit HostileCamera(std::uint32_t seed)
+      : faults(camtool::MakeFaultInjector(AllFaults(seed))), thread_([this] { Stream(); }) {}
+  ~HostileCamera() { Stop(); }
+  HostileCamera(const HostileCamera&) = delete;
+  HostileCamera& operator=(const HostileCamera&) = delete;
+
+  // Closes the port and lets go of the line until the returned object is gone.
+  std::unique_lock<std::mutex> Unplugged() {
+    std::unique_lock<std::mutex> held(line_);
+    port_.Close();
+    return held;
+  }
+  void Stop() {
+    stop_ = true;
+    if (thread_.joinable()) thread_.join();
+    port_.Close();
+  }
+
+  // To be read after Stop.
+  camtool::FaultInjector faults;
+  std::vector<SentRecord> sent;
+
+ private:
+  // Opens the port when it is not: after a hang-up, or when the line was unplugged.
+  bool Send(const std::string& bytes) {
+    if (bytes.empty()) return true;
+    if (!port_.isOpen()) camera::OpenPort(kFarPort, {}, &port_);
+    if (!port_.isOpen()) return false;
+    const camera::Written written = camera::WritePort(port_.handle(), bytes.data(), bytes.size(), kPatienceMs);
+    if (written == camera::Written::kGone) port_.Close();
+    return written == camera::Written::kAll;
+  }
+
+  void Stream() {
+    const double start = camera::Now();
+    double due = 0;
+    for (long n = 0; !stop_ && n < kBase * kBase; ++n) {
+      while (!stop_ && camera::Now() < start + due) camera::SleepUntil(std::min(start + due, camera::Now() + 0.1));
+      kv::CameraPoint points[kv::kPointCount];
+      std::ranges::fill(points, kv::CameraPoint{n % kBase, n / kBase});
+      char record[kv::kRecordLength];
+      kv::WriteRecord(points, record);
+      const std::string_view whole(record, sizeof(record));
+      const bool wasHeld = !faults.held.empty();
+      const camtool::FaultStep step = camtool::InjectFaults(&faults, due, whole);
+      const std::scoped_lock held(line_);
+      const bool isTaken = Send(step.bytes);
+      if (step.hangUpSeconds > 0) port_.Close();
+      sent.push_back({camera::Now(), wasHeld || step.bytes != whole, isTaken});
+      due += kRecordSeconds / step.pace + step.pauseSeconds + step.hangUpSeconds;
+    }
+  }
+
+  camera::Port port_;
+  std::atomic<bool> stop_{false};
+  std::mutex line_;  // guards the port
+  std::thread thread_;
+};
+
+// ---- The observer --------------------------------------------------------------------------------------------------
+
 // Reads the tool's own record, as a debugger would, some hundred times a second.
 class Observer {
  public:
-  explicit Observer(const Program& tool)
-      : process_(tool.process),
-        address_(reinterpret_cast<const char*>(GetWindowLongA(tool.window, DWLP_USER))),
+  explicit Observer(const Soak& soak)
+      : process_(soak.program->process()),
+        address_(reinterpret_cast<const char*>(GetWindowLongA(soak.window, DWLP_USER))),
         thread_([this] { Observe(); }) {}
   ~Observer() { Stop(); }
   Observer(const Observer&) = delete;
@@ -74,13 +169,14 @@ class Observer {
 
  private:
   void Observe() {
+    const auto read = [this](size_t offset, auto* to) {
+      return ReadProcessMemory(process_, address_ + offset, to, sizeof(*to), nullptr) != 0;
+    };
     for (; !stop_; Sleep(kLookMs)) {
       const std::scoped_lock lock(look_);
       DWORD connected = 0;
       kv::CameraPoint points[kv::kPointCount];
-      if (!ReadProcessMemory(process_, address_ + offsetof(kv::AppContext, bConnected), &connected, sizeof(connected),
-                             nullptr) ||
-          !ReadProcessMemory(process_, address_ + offsetof(kv::AppContext, points), points, sizeof(points), nullptr)) {
+      if (!read(offsetof(kv::AppContext, bConnected), &connected) || !read(offsetof(kv::AppContext, points), &points)) {
         isConnected_ = false;
         continue;
       }
@@ -110,98 +206,70 @@ class Observer {
 
 // ---- What is done to the tool --------------------------------------------------------------------------------------
 
-struct ToolSoak {
-  kvtest::SerialLine line{{kPort, kFarPort}};
-  std::unique_ptr<HostileCamera> camera;
-  Program tool;
-  std::unique_ptr<ProcessWatch> watch;
-  std::unique_ptr<Observer> observer;
-  std::mt19937 random;
-  long presses = 0, moves = 0, changes = 0, pictures = 0, unplugs = 0, instances = 0, pauses = 0, tabs = 0;
-  long failures = 0, longestClose = 0;
-};
-
-void Answered(const ToolSoak& soak) {
-  DWORD_PTR answer = 0;
-  SendMessageTimeoutA(soak.tool.window, WM_NULL, 0, 0, SMTO_NORMAL, kCopyMs, &answer);
-}
-
-void PressConnect(ToolSoak* soak) {
-  ++soak->presses;
+void PressConnect(Soak* soak) {
+  Note(soak, "connect button");
   soak->watch->isConnecting = true;
-  HWND window = soak->tool.window;
-  if (IsIconic(window) || Below(&soak->random, 2)) {
-    PostMessageA(window, WM_COMMAND, IDM_CONNECT, 0);
+  if (IsIconic(soak->window) || Below(soak, 2)) {
+    PostMessageA(soak->window, WM_COMMAND, IDM_CONNECT, 0);
   } else {
-    uidriver::ClickAt(GetDlgItem(window, IDC_TOOLBAR), uidriver::ToolbarButtonCentre(window, IDM_CONNECT));
+    uidriver::ClickAt(GetDlgItem(soak->window, IDC_TOOLBAR), uidriver::ToolbarButtonCentre(soak->window, IDM_CONNECT));
   }
-  Answered(*soak);
+  DWORD_PTR answer = 0;
+  SendMessageTimeoutA(soak->window, WM_NULL, 0, 0, SMTO_NORMAL, kCopyMs, &answer);
   soak->watch->isConnecting = false;
 }
 
-void AskForPicture(ToolSoak* soak) {
-  ++soak->pictures;
-  const std::scoped_lock undisturbed(soak->observer->Look());
-  DWORD_PTR answer = 0;
-  const LPARAM size = MAKELPARAM(Below(&soak->random, 1600), Below(&soak->random, 1200));
-  SendMessageTimeoutA(GetDlgItem(soak->tool.window, IDC_CHART), WM_COPY, 0, size, SMTO_NORMAL, kCopyMs, &answer);
+void ChangeSettings(Soak* soak) {
+  constexpr std::string_view kTexts[] = {"0,0,500,500", "-99999,99999,x,", "", "2147483647,2147483647,-2147483648,1"};
+  const std::string_view text = kTexts[Below(soak, static_cast<int>(std::size(kTexts)))];
+  RegSetKeyValueA(HKEY_CURRENT_USER, "Software\\korvel\\WindowPositions", "Tarnwick.Main", REG_SZ, text.data(),
+                  static_cast<DWORD>(text.size()) + 1);
 }
 
-void ChangeSettings(std::mt19937* random) {
-  constexpr const char* kTexts[] = {"0,0,500,500", "-99999,99999,x,", "", "2147483647,2147483647,-2147483648,1"};
-  HKEY key = nullptr;
-  if (RegCreateKeyExA(HKEY_CURRENT_USER, "Software\\korvel\\WindowPositions", 0, nullptr, 0, KEY_WRITE, nullptr, &key,
-                      nullptr) != ERROR_SUCCESS) {
-    return;
-  }
-  const char* text = kTexts[Below(random, static_cast<int>(std::size(kTexts)))];
-  RegSetValueExA(key, "Tarnwick.Main", 0, REG_SZ, reinterpret_cast<const BYTE*>(text),
-                 static_cast<DWORD>(std::strlen(text)) + 1);
-  RegCloseKey(key);
+// Starts another instance beside it and closes that. False when that fails.
+bool StartSecondInstance(Soak* soak) {
+  Note(soak, "second instance");
+  const kvtest::RunningProgram second(KV_TARNWICK_EXE, L"");
+  HWND window = WaitForWindow(second);
+  const bool isGood = window && CloseMs(second, window) >= 0;
+  if (!isGood) std::printf("  a second instance did not %s\n", window ? "close" : "start");
+  return isGood;
 }
 
-void StartSecondInstance(ToolSoak* soak) {
-  ++soak->instances;
-  Program second = StartProgram(KV_TARNWICK_EXE, nullptr);
-  const long close = second.window ? CloseProgram(&second) : -1;
-  soak->failures += close < 0;
-  soak->longestClose = std::max(soak->longestClose, close);
-  if (close < 0) std::printf("  a second instance did not %s\n", second.window ? "close" : "start");
-  DropProgram(&second);
+void Unplug(Soak* soak, HostileCamera* camera, Observer* observer, kvtest::SerialLine* line) {
+  Note(soak, "line unplugged");
+  const auto unplugged = camera->Unplugged();
+  observer->LoseLine();
+  line->Unplug();
+  Sleep(static_cast<DWORD>(Below(soak, 1000)));
+  line->PlugIn();
 }
 
-void Unplug(ToolSoak* soak) {
-  ++soak->unplugs;
-  const auto unplugged = soak->camera->Unplugged();
-  soak->observer->LoseLine();
-  soak->line.Unplug();
-  Sleep(static_cast<DWORD>(Below(&soak->random, 1000)));
-  soak->line.PlugIn();
-}
-
-void DoSomething(ToolSoak* soak) {
-  HWND window = soak->tool.window;
-  std::mt19937* random = &soak->random;
+void DoSomething(Soak* soak, Observer* observer) {
   // A tool that is not connected is of little interest for long.
-  if (!soak->observer->IsConnected() && Below(random, 3) == 0) return PressConnect(soak);
-  const int choice = Below(random, 100);
+  if (!observer->IsConnected() && Below(soak, 3) == 0) return PressConnect(soak);
+  const int choice = Below(soak, 100);
   if (choice < 50) {
-    ++soak->moves;
-    MoveWindowAbout(window, random);
+    Note(soak, "window");
+    MoveWindowAbout(soak);
   } else if (choice < 60) {
-    ++soak->tabs;
-    SetForegroundWindow(window);
-    PressKey(VK_TAB, Below(random, 2) != 0);
-    PressKey(Below(random, 2) ? VK_SPACE : VK_RETURN);
+    Note(soak, "tab and key");
+    SetForegroundWindow(soak->window);
+    PressKey(VK_TAB, Below(soak, 2) != 0);
+    PressKey(Below(soak, 2) ? VK_SPACE : VK_RETURN);
   } else if (choice < 70) {
-    ++soak->pauses;
-    PostMessageA(window, WM_COMMAND, IDM_PAUSE, 0);
+    Note(soak, "pause");
+    PostMessageA(soak->window, WM_COMMAND, IDM_PAUSE, 0);
   } else if (choice < 82) {
-    ++soak->changes;
-    ChangeSurroundings(window, random);
-    ChangeSettings(random);
+    Note(soak, "surroundings and settings");
+    ChangeSurroundings(soak);
+    ChangeSettings(soak);
   } else if (choice < 97) {
-    AskForPicture(soak);
+    Note(soak, "picture");
+    const std::scoped_lock undisturbed(observer->Look());
+    DWORD_PTR answer = 0;
+    SendMessageTimeoutA(GetDlgItem(soak->window, IDC_CHART), WM_COPY, 0,
+                        MAKELPARAM(Below(soak, 1600), Below(soak, 1200)), SMTO_NORMAL, kCopyMs, &answer);
   } else {
     PressConnect(soak);
   }
@@ -209,99 +277,74 @@ void DoSomething(ToolSoak* soak) {
 
 // ---- The table -----------------------------------------------------------------------------------------------------
 
-void PrintRecords(const ToolSoak& soak) {
-  const std::vector<SentRecord> sent = soak.camera->Sent();
-  long seen = 0, faulty = 0, unheard = 0, disconnected = 0, outOfStep = 0, unlooked = 0, unexplained = 0;
+// Accounts for every record.
+void PrintRecords(const std::vector<SentRecord>& sent, const Observer& observer) {
+  std::map<std::string, size_t> fates{{"not accounted for", 0}};
   bool isOutOfStep = false;
   for (size_t i = 0; i < sent.size(); ++i) {
-    const auto isFaulty = [&](size_t back) { return i >= back && sent[i - back].isFaulty; };
-    if (isFaulty(1)) {
+    const double at = sent[i].seconds;
+    if (i > 0 && sent[i - 1].isFaulty) {
       isOutOfStep = true;
-    } else if (i > 0 && sent[i].seconds - sent[i - 1].seconds > kGapSeconds) {
-      isOutOfStep = isFaulty(2);
+    } else if (i > 0 && at - sent[i - 1].seconds > kGapSeconds) {
+      isOutOfStep = i > 1 && sent[i - 2].isFaulty;
     }
     // It stood from the moment that the reader had it until the next one came.
-    const double next = i + 1 < sent.size() ? sent[i + 1].seconds : sent[i].seconds + 1;
-    const bool wasLookedFor = soak.observer->HasLooked(sent[i].seconds + kReaderSeconds, next);
-    if (soak.observer->HasSeen(i)) {
-      ++seen;
-    } else if (isFaulty(0)) {
-      ++faulty;
-    } else if (!sent[i].isDelivered) {
-      ++unheard;
-    } else if (!soak.observer->WasConnected(sent[i].seconds) || !soak.observer->WasConnected(sent[i].seconds - 0.05)) {
-      ++disconnected;
-    } else if (isOutOfStep) {
-      ++outOfStep;
-    } else if (!wasLookedFor) {
-      ++unlooked;
-    } else {
-      ++unexplained;
-    }
+    const double next = i + 1 < sent.size() ? sent[i + 1].seconds : at + 1;
+    ++fates[observer.HasSeen(i)                                               ? "seen by the tool"
+            : sent[i].isFaulty                                                ? "lost: faulty"
+            : !sent[i].isDelivered                                            ? "lost: nobody listened"
+            : !observer.WasConnected(at) || !observer.WasConnected(at - 0.05) ? "lost: not connected"
+            : isOutOfStep                                                     ? "lost: behind a faulty one"
+            : !observer.HasLooked(at + kReaderSeconds, next)                  ? "not looked for in time"
+                                                                              : "not accounted for"];
   }
-  std::printf("  records sent                  %zu\n", sent.size());
-  std::printf("    seen by the tool            %ld\n", seen);
-  std::printf("    lost: faulty                %ld\n", faulty);
-  std::printf("    lost: nobody listened       %ld\n", unheard);
-  std::printf("    lost: not connected         %ld\n", disconnected);
-  std::printf("    lost: behind a faulty one   %ld\n", outOfStep);
-  std::printf("    not looked for in time      %ld\n", unlooked);
-  std::printf("    not accounted for           %ld\n", unexplained);
-}
-
-void PrintTable(const ToolSoak& soak, bool crashed, long close) {
-  PrintRecords(soak);
-  const camtool::FaultInjector& faults = soak.camera->Faults();
-  std::printf("  faults                       ");
-  for (int i = 0; i < camtool::kFaultCount; ++i)
-    std::printf(" %ld %s%s", faults.happened[i], camtool::kFaultNames[i], i + 1 < camtool::kFaultCount ? "," : "\n");
-  std::printf("  connects                      %zu of %ld presses of the button; line unplugged %ld times\n",
-              soak.observer->Connects(), soak.presses, soak.unplugs);
-  std::printf("  window actions                %ld moves and sizes, %ld tabs, %ld pauses, %ld changes, %ld pictures\n",
-              soak.moves, soak.tabs, soak.pauses, soak.changes, soak.pictures);
-  PrintWatch(*soak.watch);
-  std::printf("  closes                        %ld of further instances; longest %ld ms; the tool itself %ld ms\n",
-              soak.instances, soak.longestClose, close);
-  DWORD code = 0;
-  GetExitCodeProcess(soak.tool.process, &code);
-  std::printf("  crashes                       %d (exit code %08lX)\n", crashed ? 1 : 0, code);
+  std::printf("  %-30s%zu\n", "records sent", sent.size());
+  for (const auto& [fate, count] : fates) std::printf("    %-28s%zu\n", fate.c_str(), count);
 }
 
 }  // namespace
 
 int SoakTool(double seconds, std::uint32_t seed) {
-  ToolSoak soak;
+  Soak soak;
   soak.random.seed(seed);
-  soak.tool = StartProgram(KV_TARNWICK_EXE, nullptr);
-  if (!soak.line.isPlugged() || !soak.tool.window) return std::puts("tool: it did not start, or has no line"), 1;
-  soak.camera = std::make_unique<HostileCamera>(kFarPort, seed);
-  soak.watch = std::make_unique<ProcessWatch>(soak.tool.process, soak.tool.window);
-  soak.observer = std::make_unique<Observer>(soak.tool);
+  kvtest::SerialLine line({kPort, kFarPort});
+  if (!line.isPlugged() || !Start(&soak, KV_TARNWICK_EXE)) {
+    return std::puts("tool: it did not start, or has no line"), 1;
+  }
+  HostileCamera camera(seed);
+  Observer observer(soak);
   const double start = camera::Now();
   double nextInstance = start + kSecondInstanceEvery, nextUnplug = start + kUnplugEvery;
-  while (camera::Now() < start + seconds && IsRunning(soak.tool)) {
-    DoSomething(&soak);
-    Sleep(20UL + static_cast<DWORD>(Below(&soak.random, 120)));
+  bool isGood = true;
+  while (camera::Now() < start + seconds && soak.program->isRunning()) {
+    DoSomething(&soak, &observer);
+    Sleep(20UL + static_cast<DWORD>(Below(&soak, 120)));
     if (camera::Now() > nextUnplug) {
-      Unplug(&soak);
+      Unplug(&soak, &camera, &observer, &line);
       nextUnplug = camera::Now() + kUnplugEvery;
     }
     if (camera::Now() > nextInstance) {
-      StartSecondInstance(&soak);
+      isGood &= StartSecondInstance(&soak);
       nextInstance = camera::Now() + kSecondInstanceEvery;
     }
   }
-  soak.observer->Stop();
-  soak.camera->Stop();
-  const bool crashed = !IsRunning(soak.tool);
-  const long close = crashed ? -1 : CloseProgram(&soak.tool);
-  RestoreColours();
+  observer.Stop();
+  camera.Stop();
+  const bool crashed = !soak.program->isRunning();
+  const long close = crashed ? -1 : CloseMs(*soak.program, soak.window);
+  soak.watch->Stop();
+  DWORD code = 0;
+  GetExitCodeProcess(soak.program->process(), &code);
   std::printf("\nThe tool, %.0f s, seed %u\n", camera::Now() - start, seed);
-  PrintTable(soak, crashed, close);
-  const int hangs = soak.watch->Hangs();
-  soak.watch.reset();
-  DropProgram(&soak.tool);
-  return crashed || close < 0 || hangs > 0 || soak.failures > 0;
+  PrintRecords(camera.sent, observer);
+  for (int i = 0; i < camtool::kFaultCount; ++i) {
+    std::printf("  faults: %-22s%ld\n", camtool::kFaultNames[i], camera.faults.happened[i]);
+  }
+  PrintCounts(soak);
+  std::printf("  %-30s%zu\n  %-30s%ld ms\n", "connects", observer.Connects(), "close", close);
+  soak.watch->Print();
+  std::printf("  %-30s%d (exit code %08lX)\n", "crashes", crashed, code);
+  return !isGood || close < 0 || soak.watch->Hangs() > 0;
 }
 
 }  // namespace soak

@@ -22,7 +22,7 @@ RunningProgram::RunningProgram(const std::filesystem::path& program, const std::
 }
 
 RunningProgram::~RunningProgram() {
-  if (WaitForSingleObject(process_.hProcess, 0) == WAIT_TIMEOUT) TerminateProcess(process_.hProcess, 99);
+  if (isRunning()) TerminateProcess(process_.hProcess, 99);
   WaitForSingleObject(process_.hProcess, kPatienceMs);
   CloseHandle(process_.hThread);
   CloseHandle(process_.hProcess);

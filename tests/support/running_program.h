@@ -18,12 +18,13 @@ class RunningProgram {
   RunningProgram(const RunningProgram&) = delete;
   RunningProgram& operator=(const RunningProgram&) = delete;
 
+  HANDLE process() const { return process_.hProcess; }
+  bool isRunning() const { return WaitForSingleObject(process_.hProcess, 0) == WAIT_TIMEOUT; }
   // A visible top-level window of the process with this class and, unless that is null, this title; null when there is
   // none.
   HWND Find(const wchar_t* windowClass, const wchar_t* title) const;
   // Closes the window as a user does, waits for the end of the process and gives its exit code.
   DWORD Close(HWND window) const;
-  HANDLE process() const { return process_.hProcess; }
 
  private:
   PROCESS_INFORMATION process_{};
