@@ -3,10 +3,11 @@
 #include <windowsx.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
-#include <cstddef>
-#include <cstdint>
+#include <ratio>
 
+#include "framework/canvas.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
 #include "framework/numbers.h"
@@ -29,28 +30,18 @@ constexpr double kZoomPerStep = 1.1, kSmallestZoom = 0.4, kLargestZoom = 4;
 constexpr double kFirstTurn = 200, kFirstTilt = 28;
 // Model units that fill the window; its height takes in more when the craft is seen from above or below.
 constexpr double kFittingWidth = 530, kFittingHeight = 260, kFittingHeightFromAbove = 500;
-constexpr std::uint32_t kSkyTop = 0x0C1018, kSkyBottom = 0x26344A, kGlassTint = 0xB8D4FF;
+constexpr DWORD kSkyTop = 0x0C1018, kSkyBottom = 0x26344A, kGlassTint = 0xB8D4FF;
 
 struct MeshView {
-  HGLOBAL hMemory;
-  Multirotor craft;
-  HGLOBAL ground;
-  double turn, tilt;  // degrees
-  double zoom;        // 1 fills the window
-  BOOL dragging;
-  POINT dragPoint;
-  HBITMAP picture;
-  SIZE size;
-  Raster shown;    // the picture's pixels
-  Raster samples;  // twice as wide and high; owned
-  MeshViewFigures figures;
+  Multirotor craft = CreateMultirotor();
+  HGLOBAL ground = CreateGround();
+  BOOL dragging = FALSE;
+  POINT dragPoint{};
+  kv::Surface shown, samples;  // the latter twice as wide and high
+  MeshViewFigures figures{0, 0, 0, kFirstTurn, kFirstTilt, 1};
 };
 
-// ---- Shading -------------------------------------------------------------------------------------------------------
-
-struct Vector {
-  double x, y, z;
-};
+// ---- Drawing -------------------------------------------------------------------------------------------------------
 
 // Where the vertex stands after turning, before perspective.
 Vector TurnedPlace(const kv::MeshVertex& vertex, double scale) {
@@ -58,161 +49,113 @@ Vector TurnedPlace(const kv::MeshVertex& vertex, double scale) {
   return {vertex.projectedX / perspective, vertex.depthY, vertex.projectedZ / perspective};
 }
 
-// The direction that a facet faces, of length 1; y points at the eye. All 0 for a facet without area.
-Vector FacetNormal(const Vector& a, const Vector& b, const Vector& c) {
-  const Vector u{b.x - a.x, b.y - a.y, b.z - a.z}, v{c.x - a.x, c.y - a.y, c.z - a.z};
-  const Vector n{u.y * v.z - u.z * v.y, u.z * v.x - u.x * v.z, u.x * v.y - u.y * v.x};
-  const double length = std::sqrt(n.x * n.x + n.y * n.y + n.z * n.z);
-  return length > 0 ? Vector{n.x / length, n.y / length, n.z / length} : Vector{};
-}
-
-std::uint32_t Channel(std::uint32_t color, int shift, double light, double gleam) {
-  return static_cast<std::uint32_t>(std::clamp((color >> shift & 0xFF) * light + 255 * gleam, 0.0, 255.0)) << shift;
-}
-
 // Light from the upper left, behind the eye; a weak one from below keeps the shadows alive.
-std::uint32_t ShadedColor(std::uint32_t attributes, const Vector& normal) {
+DWORD ShadedColor(DWORD attributes, const Vector& normal) {
   constexpr Vector kLight{-0.42, 0.60, 0.68}, kHalfWay{-0.235, 0.894, 0.380};
-  const double lit = std::max(0.0, normal.x * kLight.x + normal.y * kLight.y + normal.z * kLight.z);
-  const double facing = std::max(0.0, normal.x * kHalfWay.x + normal.y * kHalfWay.y + normal.z * kHalfWay.z);
-  const double light = 0.30 + 0.85 * lit + 0.12 * std::max(0.0, -normal.z);
-  const double gleam = attributes & kPartShiny ? 0.45 * std::pow(facing, 28) : 0.0;
-  return Channel(attributes, 16, light, gleam) | Channel(attributes, 8, light, gleam) |
-         Channel(attributes, 0, light, gleam);
-}
-
-// ---- Drawing -------------------------------------------------------------------------------------------------------
-
-RasterPoint OnRaster(const kv::MeshVertex& vertex, const Raster& raster) {
-  return {raster.width / 2.0 + vertex.projectedX, raster.height * 0.46 - vertex.projectedZ};
+  const double light = 0.30 + 0.85 * std::max(0.0, Dot(normal, kLight)) + 0.12 * std::max(0.0, -normal.z);
+  const double gleam = attributes & kPartShiny ? 0.45 * std::pow(std::max(0.0, Dot(normal, kHalfWay)), 28) : 0.0;
+  DWORD color = 0;
+  for (const int shift : {16, 8, 0}) {
+    const double level = std::min((attributes >> shift & 0xFF) * light + 255 * gleam, 255.0);
+    color |= static_cast<DWORD>(level) << shift;
+  }
+  return color;
 }
 
 void DrawFacet(const kv::MeshModel& model, const kv::MeshVertex* vertices, const kv::MeshTriangle& triangle,
-               const Raster& raster) {
-  const kv::MeshVertex& a = vertices[triangle.vertices[0]];
-  const kv::MeshVertex& b = vertices[triangle.vertices[1]];
-  const kv::MeshVertex& c = vertices[triangle.vertices[2]];
-  const RasterPoint corners[3] = {OnRaster(a, raster), OnRaster(b, raster), OnRaster(c, raster)};
+               const kv::Surface& picture) {
+  Vector places[3];
+  kv::PointD corners[3];
+  for (int i = 0; i < 3; ++i) {
+    const kv::MeshVertex& vertex = vertices[triangle.vertices[i]];
+    places[i] = TurnedPlace(vertex, model.scale);
+    corners[i] = {picture.size().cx / 2.0 + vertex.projectedX, picture.size().cy * 0.46 - vertex.projectedZ};
+  }
   if (triangle.attributes & kPartGlass) {
-    const std::uint32_t level = model.shadeTable[b.shade] & 0xFF;
-    FillTriangle(raster, corners, kGlassTint, static_cast<int>(level * 200 / 255));
+    const DWORD level = model.shadeTable[vertices[triangle.vertices[1]].shade] & 0xFF;
+    FillTriangle(picture, corners, kGlassTint, level * 200 / 255);
     return;
   }
-  const Vector normal =
-      FacetNormal(TurnedPlace(a, model.scale), TurnedPlace(b, model.scale), TurnedPlace(c, model.scale));
-  if (normal.y <= 0) return;  // faces away, or has no area
-  FillTriangle(raster, corners, ShadedColor(triangle.attributes, normal), kOpaque);
+  // The direction that it faces; y points at the eye.
+  const Vector normal = Unit(Cross(places[1] - places[0], places[2] - places[0]));
+  // What faces away is not drawn, nor what has no area and therefore no direction.
+  if (normal.y > 0) FillTriangle(picture, corners, ShadedColor(triangle.attributes, normal), kOpaque);
 }
 
-int DrawMesh(HGLOBAL mesh, const Raster& raster) {
+int DrawMesh(HGLOBAL mesh, const kv::Surface& picture) {
   kv::MeshModel* model = nullptr;
   kv::MeshVertex* vertices = nullptr;
   kv::MeshTriangle* triangles = nullptr;
   if (!kv::meshProject(mesh) || !kv::meshLock(mesh, &model, &vertices, &triangles)) return 0;
   const int count = model->triangleCount;
-  for (int i = 0; i < count; ++i) DrawFacet(*model, vertices, triangles[i], raster);
+  for (int i = 0; i < count; ++i) DrawFacet(*model, vertices, triangles[i], picture);
   kv::meshUnlock(model);
   return count;
 }
 
 double FittingScale(const MeshView& view) {
-  const double fromAbove = std::fabs(std::sin(kv::Radians(view.tilt)));
+  const double fromAbove = std::fabs(std::sin(kv::Radians(view.figures.tilt)));
   const double height = kFittingHeight + (kFittingHeightFromAbove - kFittingHeight) * fromAbove;
-  return view.zoom * std::min(view.size.cx / kFittingWidth, view.size.cy / height);
+  return view.figures.zoom * std::min(view.shown.size().cx / kFittingWidth, view.shown.size().cy / height);
 }
 
 void Render(MeshView* view) {
-  if (!view->picture) return;
-  LARGE_INTEGER start{}, end{}, frequency{};
-  QueryPerformanceCounter(&start);
-  const double fit = FittingScale(*view);
-  const double bank = kBankDegrees * std::sin(view->figures.pictures * 0.03);
+  if (!view->samples.bitmap()) return;
+  const auto start = std::chrono::steady_clock::now();
+  MeshViewFigures& figures = view->figures;
+  const double bank = kBankDegrees * std::sin(figures.pictures * 0.03);
   for (HGLOBAL mesh : {view->craft.mesh, view->ground}) {
-    const double ownBank = mesh == view->ground ? 0 : bank;
-    kv::meshSetView(mesh, fit, kOversampling, view->turn, view->tilt, ownBank,
-                    kv::kMeshSetAngleA | kv::kMeshSetAngleB | kv::kMeshSetAngleC);
+    kv::meshSetView(mesh, FittingScale(*view), kOversampling, figures.turn, figures.tilt,
+                    mesh == view->ground ? 0 : bank, kv::kMeshSetAngleA | kv::kMeshSetAngleB | kv::kMeshSetAngleC);
   }
   GdiFlush();
   FillVertically(view->samples, kSkyTop, kSkyBottom);
-  if (view->tilt > 0) DrawMesh(view->ground, view->samples);
-  view->figures.triangles = DrawMesh(view->craft.mesh, view->samples);
-  if (view->tilt <= 0) DrawMesh(view->ground, view->samples);
+  if (figures.tilt > 0) DrawMesh(view->ground, view->samples);
+  figures.triangles = DrawMesh(view->craft.mesh, view->samples);
+  if (figures.tilt <= 0) DrawMesh(view->ground, view->samples);
   ShrinkByTwo(view->samples, view->shown);
-  ++view->figures.pictures;
-  QueryPerformanceCounter(&end);
-  QueryPerformanceFrequency(&frequency);
-  view->figures.pictureMs =
-      static_cast<double>(end.QuadPart - start.QuadPart) * 1000.0 / static_cast<double>(frequency.QuadPart);
+  ++figures.pictures;
+  figures.pictureMs = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
 // ---- Messages ------------------------------------------------------------------------------------------------------
 
-void DropPicture(MeshView* view) {
-  if (view->picture) DeleteObject(view->picture);
-  delete[] view->samples.pixels;
-  view->picture = nullptr;
-  view->samples.pixels = nullptr;
-}
-
-void Reset(MeshView* view) {
-  view->turn = kFirstTurn;
-  view->tilt = kFirstTilt;
-  view->zoom = 1;
-}
-
-LRESULT OnCreate(HWND window) {
-  auto* view = kv::CreateWindowRecord<MeshView>(window);
-  if (!view) return -1;
-  view->craft = CreateMultirotor();
-  view->ground = CreateGround();
-  Reset(view);
-  return 0;
-}
-
 LRESULT OnDestroy(HWND window, MeshView* view) {
-  DropPicture(view);
+  SetWindowLongA(window, GWL_USERDATA, 0);
   kv::meshDestroy(view->craft.mesh);
   kv::meshDestroy(view->ground);
-  kv::DestroyWindowRecord(window, view);
+  delete view;
   return 0;
 }
 
 LRESULT OnSize(HWND window, MeshView* view) {
-  DropPicture(view);
-  view->size = kv::ClientSize(window);
-  const int width = view->size.cx, height = view->size.cy;
-  if (width <= 0 || height <= 0) return 0;
-  const BITMAPINFO info = kv::TopDownBitmapInfo(width, height);
-  const kv::WindowDc dc(window);
-  void* pixels = nullptr;
-  view->picture = CreateDIBSection(dc, &info, DIB_RGB_COLORS, &pixels, nullptr, 0);
-  if (!view->picture) return 0;
-  view->shown = {static_cast<std::uint32_t*>(pixels), width, height};
-  const int sampleWidth = width * kOversampling, sampleHeight = height * kOversampling;
-  view->samples = {new std::uint32_t[static_cast<size_t>(sampleWidth) * sampleHeight], sampleWidth, sampleHeight};
+  const SIZE size = kv::ClientSize(window);
+  view->samples.Reset();
+  if (view->shown.Create(size)) view->samples.Create({size.cx * kOversampling, size.cy * kOversampling});
   Render(view);
   return 0;
 }
 
 LRESULT OnPaint(HWND window, const MeshView* view) {
   const kv::PaintScope paint(window);
-  if (!view->picture) return 0;
-  const RECT whole{0, 0, view->size.cx, view->size.cy};
-  kv::ShowBitmap(paint.dc(), whole, view->picture, view->size);
+  const SIZE size = view->shown.size();
+  const RECT whole{0, 0, size.cx, size.cy};
+  kv::ShowBitmap(paint.dc(), whole, view->shown.bitmap(), size);
   if (GetFocus() == window) kv::DrawRoundedFrame(paint.dc(), whole, 0, 2, GetSysColor(COLOR_HIGHLIGHT));
   return 0;
 }
 
-void ShowNext(HWND window, MeshView* view) {
-  Render(view);
-  InvalidateRect(window, nullptr, FALSE);
-  UpdateWindow(window);
+void Turn(MeshView* view, double turn, double tilt) {
+  view->figures.turn = std::fmod(view->figures.turn + turn, 360);
+  view->figures.tilt = std::clamp(view->figures.tilt + tilt, -90.0, 90.0);
 }
 
 LRESULT OnTimer(HWND window, MeshView* view) {
   TurnRotors(view->craft);
-  if (!view->dragging) view->turn = std::fmod(view->turn + kTurnPerPicture, 360);
-  ShowNext(window, view);
+  if (!view->dragging) Turn(view, kTurnPerPicture, 0);
+  Render(view);
+  InvalidateRect(window, nullptr, FALSE);
+  UpdateWindow(window);
   return 0;
 }
 
@@ -224,13 +167,9 @@ LRESULT OnButtonDown(HWND window, MeshView* view, POINT point) {
   return 0;
 }
 
-void Turn(MeshView* view, double turn, double tilt) {
-  view->turn = std::fmod(view->turn + turn, 360);
-  view->tilt = std::clamp(view->tilt + tilt, -90.0, 90.0);
-}
-
-void Zoom(MeshView* view, double steps) {
-  view->zoom = std::clamp(view->zoom * std::pow(kZoomPerStep, steps), kSmallestZoom, kLargestZoom);
+LRESULT Zoom(MeshView* view, double steps) {
+  view->figures.zoom = std::clamp(view->figures.zoom * std::pow(kZoomPerStep, steps), kSmallestZoom, kLargestZoom);
+  return 0;
 }
 
 // The near side follows the arrow. The timer shows it.
@@ -244,19 +183,13 @@ LRESULT OnKey(MeshView* view, WPARAM key) {
     case VK_OEM_PLUS: Zoom(view, 1); break;
     case VK_SUBTRACT:
     case VK_OEM_MINUS: Zoom(view, -1); break;
-    case VK_HOME: Reset(view); break;
+    case VK_HOME:
+      view->figures.turn = kFirstTurn;
+      view->figures.tilt = kFirstTilt;
+      view->figures.zoom = 1;
+      break;
     default: break;
   }
-  return 0;
-}
-
-LRESULT OnWheel(MeshView* view, int delta) {
-  Zoom(view, static_cast<double>(delta) / WHEEL_DELTA);
-  return 0;
-}
-
-LRESULT OnFocusChanged(HWND window) {
-  InvalidateRect(window, nullptr, FALSE);
   return 0;
 }
 
@@ -269,7 +202,7 @@ LRESULT OnMouseMove(MeshView* view, POINT point) {
 }
 
 LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  if (message == WM_CREATE) return OnCreate(window);
+  if (message == WM_CREATE) SetWindowLongA(window, GWL_USERDATA, reinterpret_cast<LONG>(new MeshView));
   auto* view = kv::WindowRecord<MeshView>(window);
   if (!view) return DefWindowProcA(window, message, wParam, lParam);
   const POINT point{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
@@ -281,9 +214,9 @@ LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lPar
     case WM_TIMER: return OnTimer(window, view);
     case WM_GETDLGCODE: return DLGC_WANTARROWS;
     case WM_KEYDOWN: return OnKey(view, wParam);
-    case WM_MOUSEWHEEL: return OnWheel(view, GET_WHEEL_DELTA_WPARAM(wParam));
+    case WM_MOUSEWHEEL: return Zoom(view, static_cast<double>(GET_WHEEL_DELTA_WPARAM(wParam)) / WHEEL_DELTA);
     case WM_SETFOCUS:
-    case WM_KILLFOCUS: return OnFocusChanged(window);
+    case WM_KILLFOCUS: InvalidateRect(window, nullptr, FALSE); return 0;
     case WM_LBUTTONDOWN: return OnButtonDown(window, view, point);
     case WM_MOUSEMOVE: return OnMouseMove(view, point);
     case WM_LBUTTONUP: return ReleaseCapture();
@@ -310,9 +243,6 @@ BOOL GetMeshViewFigures(HWND view, MeshViewFigures* figures) {
   const auto* record = kv::WindowRecord<MeshView>(view);
   if (!record || IsBadWritePtr(figures, sizeof(*figures))) return FALSE;
   *figures = record->figures;
-  figures->turn = record->turn;
-  figures->tilt = record->tilt;
-  figures->zoom = record->zoom;
   return TRUE;
 }
 

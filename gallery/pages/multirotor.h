@@ -5,9 +5,36 @@
 #include <windows.h>
 
 #include <array>
+#include <cmath>
 #include <cstdint>
 
 namespace gallery {
+
+struct Vector {
+  double x, y, z;
+};
+inline Vector operator+(const Vector& a, const Vector& b) {
+  return {a.x + b.x, a.y + b.y, a.z + b.z};
+}
+inline Vector operator*(const Vector& a, double factor) {
+  return {a.x * factor, a.y * factor, a.z * factor};
+}
+inline Vector operator-(const Vector& a, const Vector& b) {
+  return a + b * -1;
+}
+inline double Dot(const Vector& a, const Vector& b) {
+  return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+inline Vector Cross(const Vector& a, const Vector& b) {
+  return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+inline double Length(const Vector& a) {
+  return std::sqrt(Dot(a, a));
+}
+// No numbers for a vector without length.
+inline Vector Unit(const Vector& a) {
+  return a * (1 / Length(a));
+}
 
 // What the mesh page makes of a triangle's attribute word: colour 0x00RRGGBB and these bits.
 inline constexpr std::uint32_t kPartGlass = 0x80000000;  // translucent, seen from both sides; shown in the shade of its

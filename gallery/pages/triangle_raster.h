@@ -1,30 +1,23 @@
-// Fills flat triangles into a picture in memory and shrinks it, so that edges come out smooth. Any thread; no state.
+// Fills flat triangles into a picture and shrinks it, so that edges come out smooth. Colours are 0x00RRGGBB. Any
+// thread; no state.
 #pragma once
 
-#include <cstdint>
+#include <windows.h>
+
+#include "framework/canvas.h"
 
 namespace gallery {
 
-// Pixels 0x00RRGGBB, the top row first, no padding.
-struct Raster {
-  std::uint32_t* pixels;
-  int width, height;
-};
-
-struct RasterPoint {
-  double x, y;
-};
-
-inline constexpr int kOpaque = 256;
+inline constexpr DWORD kOpaque = 256;
 
 // Every pixel whose centre lies within; triangles that share an edge leave no gap and cover nothing twice. What lies
-// outside the raster is cut off. `opacity` is 0..kOpaque.
-void FillTriangle(const Raster& raster, const RasterPoint (&corners)[3], std::uint32_t color, int opacity);
+// outside the picture is cut off. `opacity` is 0..kOpaque.
+void FillTriangle(const kv::Surface& picture, const kv::PointD (&corners)[3], DWORD color, DWORD opacity);
 
-// Blends from `top` to `bottom` over the whole raster.
-void FillVertically(const Raster& raster, std::uint32_t top, std::uint32_t bottom);
+// Blends from `top` to `bottom` over the whole picture.
+void FillVertically(const kv::Surface& picture, DWORD top, DWORD bottom);
 
 // Each pixel of `target` becomes the mean of four of `source`, which is twice as wide and twice as high.
-void ShrinkByTwo(const Raster& source, const Raster& target);
+void ShrinkByTwo(const kv::Surface& source, const kv::Surface& target);
 
 }  // namespace gallery
