@@ -264,7 +264,7 @@ TEST_F(GalleryFrame, NumbersAndDatesFollowTheLanguage) {
 TEST_F(GalleryFrame, ArabicIsMirroredButForPicturesInstrumentsAndReadOuts) {
   for (size_t i = 0; i < AllPages().size(); ++i) SelectPage(frame_, static_cast<int>(i));
   const auto control = [](int page, int id) { return GetDlgItem(PageAt(page), id); };
-  const HWND mirrored[] = {frame_, PageList(), PageAt(PAGE_INDEX_NMEA), control(PAGE_INDEX_NMEA, IDC_NMEA_LABEL_SPEED),
+  const HWND mirrored[] = {frame_, PageList(), PageAt(PAGE_INDEX_NMEA), control(PAGE_INDEX_NMEA, IDC_NMEA_LABEL + 2),
                            control(PAGE_INDEX_LANGUAGE, IDC_LANGUAGE_TABLE)};
   const HWND kept[] = {control(PAGE_INDEX_NMEA, IDC_NMEA_SPEED), control(PAGE_INDEX_INSTRUMENTS, IDC_INSTRUMENTS),
                        control(PAGE_INDEX_BITMAP, IDC_BITMAP_PLAIN), control(PAGE_INDEX_FLIGHT, IDC_FLIGHT_PLAN),
