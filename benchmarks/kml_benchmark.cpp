@@ -14,7 +14,6 @@
 #include "camera/ports.h"
 #include "export/flight_track.h"
 #include "export/kml_export.h"
-#include "framework/numbers.h"
 
 // MinGW has two families of formatted output; Visual Studio has the run-time's only.
 #ifdef __MINGW32__

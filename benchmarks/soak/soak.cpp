@@ -8,6 +8,7 @@
 #include <timeapi.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -18,6 +19,7 @@
 
 #include "camera/ports.h"
 #include "camera/text.h"
+#include "tests/support/running_program.h"
 
 namespace soak {
 
@@ -172,7 +174,9 @@ int main(int argc, char** argv) {
       seed = static_cast<std::uint32_t>(std::strtoul(argv[++i], nullptr, 10));
     } else if (option == "--only" && (value == "tool" || value == "gallery")) {
       only = argv[++i];
-    } else if ((seconds = std::atof(argv[i])) <= 0) {
+    } else if (std::atof(argv[i]) > 0) {
+      seconds = std::atof(argv[i]);
+    } else {
       return std::fputs("usage: soak [SECONDS] [--seed NUMBER] [--only tool|gallery]\n", stderr), 2;
     }
   }

@@ -9,6 +9,7 @@
 
 #include "framework/canvas.h"
 #include "framework/control_class.h"
+#include "framework/coverage.h"
 #include "framework/guards.h"
 #include "framework/numbers.h"
 #include "framework/painting.h"

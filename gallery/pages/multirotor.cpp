@@ -1,6 +1,7 @@
 #include "gallery/pages/multirotor.h"
 
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "framework/canvas.h"
+#include "framework/coverage.h"
+
 namespace gallery {
 
 namespace {
