@@ -17,7 +17,7 @@ BOOL Ask(HWND owner, const wchar_t* title, std::wstring* path, DWORD flags, BOOL
   constexpr size_t kLongestPath = 32768;
   const wchar_t* name = FileNameOf(path->c_str());
   const wchar_t* extension = ExtensionOf(name);
-  const std::wstring folder(path->c_str(), name);
+  const std::wstring folder = path->substr(0, static_cast<size_t>(name - path->c_str()));
   const FilterText filter = BuildFilterText(extension);
   std::vector<wchar_t> file(kLongestPath);
   OPENFILENAMEW record{};

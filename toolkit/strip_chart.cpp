@@ -1,5 +1,8 @@
 #include "toolkit/strip_chart.h"
+#include <cstddef>
+#include <span>
 
+#include "controls/strip_chart/strip_chart.h"
 #include "framework/control_class.h"
 #include "framework/file_path.h"
 #include "toolkit/control_access.h"

@@ -5,12 +5,14 @@
 
 #include <cmath>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <string>
 
 #include "controls/horizon/horizon_picture.h"
 #include "framework/accessible.h"
 #include "framework/bounded_format.h"
+#include "framework/canvas.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
 #include "framework/picture.h"

@@ -1,11 +1,18 @@
 #include "controls/horizon/horizon_picture.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
+#include <memory>
 #include <new>
 #include <string>
 
+#include "controls/horizon/horizon.h"
 #include "framework/bounded_format.h"
+#include "framework/canvas.h"
+#include "framework/coverage.h"
+#include "framework/glyph_outline.h"
 #include "framework/numbers.h"
 #include "framework/painting.h"
 
@@ -211,7 +218,7 @@ void HorizonPicture::DrawRollScale(Canvas& canvas) {
     const bool major = degrees % 30 == 0;
     const double outer = radius + (layout_.ring - radius) * (major ? 0.8 : 0.5);
     for (const int side : {-1, 1}) {
-      const double angle = side * degrees - attitude_.roll;
+      const double angle = static_cast<float>(side * degrees) - attitude_.roll;
       AddLine(canvas, PolarPoint(layout_.centre, radius + 0.5, angle), PolarPoint(layout_.centre, outer, angle),
               std::max(1.0, radius / (major ? 60 : 110)));
       if (degrees == 0) break;
@@ -252,12 +259,12 @@ void HorizonPicture::DrawTape(Canvas& canvas) {
   canvas.ClipTo(clip);
   FillArea(canvas, tape, Shown(kRing));
   const double height = tape.bottom - tape.top, middle = (tape.left + tape.right) / 2.0, perDegree = height / 9;
-  const double text = height * 0.42;
-  const int shown = static_cast<int>((tape.right - tape.left) / 2 / perDegree) + 10;
-  const int first = static_cast<int>(std::floor((attitude_.heading - shown) / 5));
+  const double text = height * 0.42, heading = attitude_.heading;
+  const int shown = static_cast<int>((tape.right - tape.left) / 2.0 / perDegree) + 10;
+  const int first = static_cast<int>(std::floor((heading - shown) / 5));
   BeginShape(canvas);
-  for (int i = first; i * 5 <= attitude_.heading + shown; ++i) {
-    const double x = middle + (i * 5 - attitude_.heading) * perDegree;
+  for (int i = first; i * 5 <= heading + shown; ++i) {
+    const double x = middle + (i * 5 - heading) * perDegree;
     const int bearing = (i * 5 % 360 + 360) % 360;
     AddLine(canvas, {x, static_cast<double>(tape.top)}, {x, tape.top + height * (bearing % 10 ? 0.16 : 0.26)},
             std::max(1.0, height / 26));

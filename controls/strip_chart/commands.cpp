@@ -6,6 +6,7 @@
 #include "controls/strip_chart/model.h"
 #include "controls/strip_chart/strip_chart.h"
 #include "framework/accessible.h"
+#include "framework/control_class.h"
 
 namespace kv {
 

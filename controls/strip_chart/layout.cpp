@@ -1,6 +1,7 @@
 // Where things stand in a strip chart, and in which colours.
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 
 #include "controls/strip_chart/axis.h"
 #include "controls/strip_chart/model.h"

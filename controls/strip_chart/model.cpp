@@ -1,9 +1,14 @@
 #include "controls/strip_chart/model.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
+#include <span>
 #include <utility>
+#include "controls/strip_chart/axis.h"
+#include "controls/strip_chart/sample_store.h"
+#include "controls/strip_chart/strip_chart.h"
 
 namespace kv {
 

@@ -12,7 +12,6 @@
 #include "framework/canvas.h"
 #include "framework/guards.h"
 #include "framework/numbers.h"
-#include "framework/painting.h"
 
 namespace kv {
 

@@ -1,9 +1,12 @@
 #include "controls/strip_chart/sample_store.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <new>
+#include <span>
 #include <utility>
+#include "controls/strip_chart/strip_chart.h"
 
 namespace kv {
 

@@ -9,11 +9,13 @@
 #include <string>
 
 #include "controls/line_recorder.h"
+#include "controls/strip_chart/axis.h"
 #include "controls/strip_chart/control.h"
 #include "controls/strip_chart/model.h"
 #include "controls/strip_chart/picture.h"
 #include "controls/strip_chart/strip_chart.h"
 #include "framework/accessible.h"
+#include "framework/canvas.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
 #include "framework/picture.h"

@@ -1,5 +1,6 @@
 #include "gallery/pages.h"
 
+#include <cstddef>
 #include <iterator>
 #include <string>
 #include <vector>

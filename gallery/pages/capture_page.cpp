@@ -10,7 +10,6 @@
 #include "framework/file_path.h"
 #include "framework/guards.h"
 #include "framework/painting.h"
-#include "gallery/drawing.h"
 #include "gallery/resource_ids.h"
 #include "toolkit/languages.h"
 #include "toolkit/locale_text.h"

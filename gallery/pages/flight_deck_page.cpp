@@ -1,3 +1,4 @@
+#include "controls/instrument_block.h"
 #include "gallery/pages.h"
 
 #include <cmath>
@@ -5,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "controls/display_instrument.h"
 #include "controls/strip_chart/strip_chart.h"
 #include "framework/control_class.h"
 #include "gallery/pages/simulated_flight.h"

@@ -10,7 +10,6 @@
 #include "export/web_links.h"
 #include "framework/numbers.h"
 #include "gallery/resource_ids.h"
-#include "toolkit/languages.h"
 #include "toolkit/locale_text.h"
 #include "toolkit/pages.h"
 

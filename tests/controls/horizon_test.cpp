@@ -10,8 +10,10 @@
 #include <tuple>
 
 #include "controls/horizon/horizon_picture.h"
-#include "tests/support/test_window.h"
+#include "framework/control_class.h"
+#include "framework/coverage.h"
 #include "tests/support/control_test.h"
+#include "tests/support/test_window.h"
 
 namespace kv {
 namespace {

@@ -20,6 +20,7 @@
 #include "controls/instrument/text.h"
 #include "controls/instrument/view.h"
 #include "controls/instrument_block.h"
+#include "framework/coverage.h"
 
 namespace kv {
 namespace {

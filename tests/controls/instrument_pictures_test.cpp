@@ -15,9 +15,10 @@
 
 #include "controls/display_instrument.h"
 #include "controls/instrument/cache.h"
+#include "controls/instrument/layout.h"
+#include "controls/instrument/record.h"
 #include "controls/instrument_block.h"
 #include "framework/control_class.h"
-#include "framework/guards.h"
 #include "tests/controls/instrument_test.h"
 
 namespace kv {
@@ -105,9 +106,11 @@ void Change(std::mt19937& random, std::span<const HWND> controls) {
       return send(MAKEWPARAM(kCommandZone | (upTo(1) ? kZoneEnable : 0), upTo(2)),
                   InstrumentZone{block.minimum + range * upTo(9) / 9, block.maximum, random() & kRgbBits, {}, 0});
     case 3: return send(kCommandTime, SYSTEMTIME{2026, 1, 2, 3, 4, 5, static_cast<WORD>(upTo(59)), 0});
-    case 4: return send(kCommandValue, upTo(2) ? block.minimum + range * upTo(1) : NAN);
-    case 5: return send(kCommandValue, block.minimum + range * upTo(10000) / 10000);
-    case 6: send(kCommandValue | kValueGlide, block.current + range * (upTo(20) - 10) / 100); [[fallthrough]];
+    case 4: return send(kCommandValue, upTo(2) ? block.minimum + range * static_cast<float>(upTo(1)) : NAN);
+    case 5: return send(kCommandValue, block.minimum + range * static_cast<float>(upTo(10000)) / 10000);
+    case 6:
+      send(kCommandValue | kValueGlide, block.current + range * static_cast<float>(upTo(20) - 10) / 100);
+      [[fallthrough]];
     default:
       for (HWND control : controls) SendMessageA(control, WM_TIMER, 5, 0);
   }

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <cstring>
 #include <limits>
 #include <random>
 #include <string>
@@ -16,10 +18,14 @@
 #include "controls/line_recorder.h"
 #include "controls/strip_chart/axis.h"
 #include "controls/strip_chart/control.h"
+#include "controls/strip_chart/model.h"
+#include "controls/strip_chart/picture.h"
 #include "controls/strip_chart/sample_store.h"
+#include "framework/canvas.h"
+#include "framework/control_class.h"
 #include "framework/records.h"
-#include "tests/support/test_window.h"
 #include "tests/support/control_test.h"
+#include "tests/support/test_window.h"
 
 namespace kv {
 namespace {
@@ -64,10 +70,9 @@ TEST(StripSamples, AreFoundAndSummedUpAsByPlainLoops) {
       EXPECT_TRUE(count < 1 || std::fabs(sum / count - statistics.mean) < 1e-9);
       EXPECT_TRUE(count < 2 || std::fabs(std::sqrt(squares / (count - 1)) - statistics.deviation) < 1e-9);
       const double wanted = time - below(400) * 0.5;
-      const auto earlier = [](const StripSample& sample, double value) { return sample.time < value; };
-      const auto first = std::lower_bound(all.begin(), all.end(), wanted, earlier);
+      const auto first = std::ranges::lower_bound(all, wanted, {}, &StripSample::time);
       EXPECT_EQ(first - all.begin(), store.FirstFrom(wanted, below(store.count() + 2)));
-      const auto behind = std::lower_bound(all.begin(), all.end(), wanted + 0.25, earlier);
+      const auto behind = std::ranges::lower_bound(all, wanted + 0.25, {}, &StripSample::time);
       EXPECT_EQ(behind - all.begin(), store.FirstAfter(wanted, below(store.count() + 2)));
     }
   }
@@ -76,8 +81,8 @@ TEST(StripSamples, AreFoundAndSummedUpAsByPlainLoops) {
 TEST(StripSamples, StatisticsKeepTheirDigitsFarFromZero) {
   SampleStore store;
   ASSERT_TRUE(store.MakeResized(1000, &store));
-  std::vector<StripSample> samples;
-  for (int i = 0; i < 1000; ++i) samples.push_back({i * 1.0, 1e9 + i % 2});
+  std::vector<StripSample> samples(1000);
+  for (int i = 0; i < 1000; ++i) samples[i] = {i * 1.0, 1e9 + i % 2};
   ASSERT_TRUE(store.Append(samples));
   EXPECT_NEAR(0.50025, store.StatisticsOf(0, 1000).deviation, 1e-5);
   EXPECT_EQ(0, store.StatisticsOf(3, 4).deviation);

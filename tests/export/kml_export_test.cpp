@@ -297,8 +297,8 @@ class FlightTrackView : public KmlExport {
   }
 
   HWND Create() { return kvtest::CreateControl(parent, kFlightTrackClass, "", 0, {0, 0, 40, 30}, 5); }
-  LRESULT Track(const void* track, WPARAM flags = 0) {
-    return SendMessageA(window, kControlCommand, 19 | flags, reinterpret_cast<LPARAM>(track));
+  LRESULT Track(const void* address, WPARAM flags = 0) {
+    return SendMessageA(window, kControlCommand, 19 | flags, reinterpret_cast<LPARAM>(address));
   }
   LRESULT Export(WPARAM flags, LPARAM what) { return SendMessageA(window, kControlCommand, 12 | flags, what); }
 

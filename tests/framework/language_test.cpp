@@ -5,6 +5,7 @@
 #include <cwchar>
 #include <filesystem>
 #include <fstream>
+#include <ios>
 #include <random>
 #include <string>
 #include <tuple>
@@ -161,7 +162,7 @@ TEST_F(LanguageFiles, LoadTakesAndRemembersWhatThereIsAndElseEnglish) {
 // Some bits of the headers or of the resources are others: nothing that is done with such a library ends the program.
 TEST_F(LanguageFiles, LoadSurvivesEveryDamage) {
   const std::filesystem::path german = Add(L"GE.dll");
-  std::string whole(std::filesystem::file_size(german), '\0');
+  std::string whole(static_cast<size_t>(std::filesystem::file_size(german)), '\0');
   std::ifstream(german, std::ios::binary).read(whole.data(), static_cast<std::streamsize>(whole.size()));
   int english = 0;
   for (unsigned seed = 1; seed <= 6; ++seed) {

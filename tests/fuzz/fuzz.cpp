@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "tests/fuzz/targets.h"
+#include "tests/support/test_window.h"
 
 namespace {
 

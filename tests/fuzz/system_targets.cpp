@@ -8,6 +8,7 @@
 #include "framework/dialog_texts.h"
 #include "gallery/pages/notes_file.h"
 #include "tests/fuzz/targets.h"
+#include "tests/support/test_window.h"
 
 namespace fuzz {
 

@@ -16,6 +16,7 @@
 #include "camera/recording.h"
 #include "camtool/point_paths.h"
 #include "framework/window_position.h"
+#include "tests/support/test_window.h"
 
 namespace fuzz {
 

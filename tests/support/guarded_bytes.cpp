@@ -1,4 +1,5 @@
 // Apart from the windows, for the programs that have none: the fuzzer, and what is built for this machine.
+#include <cstddef>
 #include "tests/support/test_window.h"
 
 namespace kvtest {

@@ -9,9 +9,10 @@
 
 #include "controls/horizon/horizon.h"
 #include "controls/line_recorder.h"
+#include "controls/strip_chart/strip_chart.h"
 #include "framework/control_class.h"
-#include "tests/support/test_window.h"
 #include "tests/support/control_test.h"
+#include "tests/support/test_window.h"
 #include "toolkit/horizon.h"
 
 namespace kv {
