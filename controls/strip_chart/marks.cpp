@@ -67,12 +67,6 @@ Tip CursorTip(const StripModel& model, const StripLayout& layout) {
   return tip;
 }
 
-LONG WidthOf(HDC dc, const std::wstring& text) {
-  SIZE size{};
-  GetTextExtentPoint32W(dc, text.data(), static_cast<int>(text.size()), &size);
-  return size.cx;
-}
-
 void BlendArea(const Surface& surface, const RECT& area, COLORREF color, DWORD coverage) {
   RECT seen;
   const RECT whole{0, 0, surface.size().cx, surface.size().cy};

@@ -31,12 +31,6 @@ LONG RowOf(const StripLayout& layout, const AxisRange& range, double value) {
   return plot.top + ToInt(std::floor((range.high - value) / (range.high - range.low) * (plot.bottom - plot.top)));
 }
 
-LONG WidthOf(HDC dc, const std::wstring& text) {
-  SIZE size{};
-  GetTextExtentPoint32W(dc, text.data(), static_cast<int>(text.size()), &size);
-  return size.cx;
-}
-
 void DrawTextIn(HDC dc, const std::wstring& text, RECT area, COLORREF color, UINT align) {
   SetBkMode(dc, TRANSPARENT);
   SetTextColor(dc, color);
@@ -56,6 +50,12 @@ std::wstring ChannelName(const StripChannel& channel) {
 
 std::wstring ChannelUnit(const StripChannel& channel) {
   return Decode(channel.szUnit);
+}
+
+LONG WidthOf(HDC dc, const std::wstring& text) {
+  SIZE size{};
+  GetTextExtentPoint32W(dc, text.data(), static_cast<int>(text.size()), &size);
+  return size.cx;
 }
 
 void StripPicture::FindFont(int heightPx) {

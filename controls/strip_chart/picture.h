@@ -49,6 +49,7 @@ StripColors ColorsOf(const StripModel& model);
 
 std::wstring ChannelName(const StripChannel& channel);
 std::wstring ChannelUnit(const StripChannel& channel);
+LONG WidthOf(HDC dc, const std::wstring& text);
 
 class StripPicture {
  public:

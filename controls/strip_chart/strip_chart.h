@@ -7,10 +7,10 @@
 // Times       Seconds, from whatever the owner counts from, within +-kStripFarthestTime; those of one channel never
 //             decrease, and channels may have different ones. With kStripTimeOfDay a multiple of 86,400 is a midnight.
 // Values      In the channel's unit. NaN is a gap, and so is what is infinite or beyond +-kStripLargestValue.
-// Picture     From 0 x 0 pixels up; text and lines grow with the control, nothing reads the dpi. New samples show
-// within
-//             50 ms, at most twenty pictures a second, or at once with kCommandRedraw. What it costs depends on the
-//             pixels, not on the samples. Time runs from left to right in mirrored windows as well.
+// Picture     From 0 x 0 pixels up; text and lines grow with the control, nothing reads the dpi. Numbers have the point
+//             of the display instruments. New samples show within 50 ms, at most twenty pictures a second, or at once
+//             with kCommandRedraw. What it costs depends on the pixels, not on the samples. Time runs from left to
+//             right in mirrored windows as well.
 // Keyboard    Left, Right and Up, Down pan, + and - zoom the time (with Ctrl the values), Home goes to the oldest
 //             sample, End to the newest and follows it, Space holds and releases, Ctrl with Left or Right moves the
 //             cursor, Shift with Left or Right marks from it, Escape removes cursor and mark and returns to the view

@@ -229,7 +229,9 @@ TEST_F(StripCharts, WhatIsNotAllowedIsRejectedAndLosesNothing) {
     EXPECT_EQ('\xEE', *shortOne.as<char>());
     EXPECT_EQ(0, Send(chart, code, nullptr));
   }
-  const StripSamples wild{10, reinterpret_cast<const StripSample*>(16)}, endless{0xFFFFFFFF, wild.samples};
+  const StripSample one{9, 1};
+  const StripSamples wild{10, reinterpret_cast<const StripSample*>(16)};
+  const StripSamples endless{0x10000001, &one};  // in bytes, of which 32 bits are left, a single sample
   EXPECT_EQ(0, Send(chart, kStripAppend, &wild));
   EXPECT_EQ(0, Send(chart, kStripAppend, &endless));
   StripView view = Read<StripView>(chart, kStripViewItem);
