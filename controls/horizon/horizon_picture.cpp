@@ -275,8 +275,9 @@ void HorizonPicture::DrawTape(Canvas& canvas) {
     AddText(canvas, label, {x, tape.bottom - height * 0.36}, text, 0, Shown(kInk));
   }
   FillShape(canvas, Shown(kInk));
-  FillArea(canvas, {static_cast<LONG>(middle) - 1, tape.top, static_cast<LONG>(middle) + 1, tape.bottom},
-           Shown(kSymbol));
+  // No longer than the ticks, so that the number at the heading can be read.
+  const LONG reach = tape.top + ToInt(height * 0.34), index = ToInt(middle), thick = std::max(1, ToInt(height / 36));
+  FillArea(canvas, {index - thick, tape.top, index + thick, reach}, Shown(kSymbol));
   canvas.ClipTo(before);
 }
 
