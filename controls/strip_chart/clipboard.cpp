@@ -6,6 +6,7 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <string_view>
 
 #include "controls/strip_chart/axis.h"
 #include "controls/strip_chart/control.h"
@@ -29,25 +30,24 @@ struct Table {
   wchar_t separator[4] = L".";
 
   Table() { GetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, separator, ARRAYSIZE(separator)); }
-  void AddNumber(double value) {
-    wchar_t number[40] = L"";
-    if (std::isfinite(value)) FormatBounded(number, sizeof(number), L"%.15g", value);
-    for (wchar_t character : std::wstring(number)) {
-      if (character == L'.') {
+  // Whichever point setlocale has given the number.
+  void Add(std::wstring_view number) {
+    for (const wchar_t character : number) {
+      if (character == L'.' || character == L',') {
         text += separator;
       } else {
         text += character;
       }
     }
   }
+  void AddNumber(double value) {
+    wchar_t number[40] = L"";
+    if (std::isfinite(value)) FormatBounded(number, sizeof(number), L"%.15g", value);
+    Add(number);
+  }
   void AddTime(double time, bool clock) {
-    if (clock) {
-      std::wstring shown = TimeText(time, 0.001, true);
-      std::ranges::replace(shown, L'.', separator[0]);
-      text += shown;
-    } else {
-      AddNumber(time);
-    }
+    if (clock) return Add(TimeText(time, 0.001, true));
+    AddNumber(time);
   }
 };
 

@@ -24,6 +24,7 @@
 #include "framework/canvas.h"
 #include "framework/control_class.h"
 #include "framework/records.h"
+#include "tests/support/comma_locale.h"
 #include "tests/support/control_test.h"
 #include "tests/support/test_window.h"
 
@@ -340,6 +341,7 @@ TEST_F(StripCharts, CopiesItsPictureAndWhatItShowsAsATable) {
   Send(chart, kStripChannel, &info);
   Append(chart, {{1, 5}, {2, NAN}, {3, 7.25}});
   Append(chart, {{2, 1}, {2, 2}}, 3);
+  const kvtest::CommaLocale comma;  // of the host; the user has a point
   SendMessageA(chart, WM_COPY, 0, MAKELPARAM(8, 120));
   EXPECT_EQ(16, kvtest::ClipboardPictureSize(parent_).cx);
   EXPECT_EQ(120, kvtest::ClipboardPictureSize(parent_).cy);
