@@ -16,6 +16,7 @@
 #include "framework/painting.h"
 #include "framework/records.h"
 #include "framework/shell_launch.h"
+#include "gallery/pages/simulated_flight.h"
 #include "gallery/resource_ids.h"
 #include "toolkit/locale_text.h"
 #include "toolkit/pages.h"
@@ -26,8 +27,7 @@ namespace gallery {
 
 namespace {
 
-constexpr double kMetresPerPoint = 4;  // two points a second at 8 m/s
-constexpr int kGroundPercent = 40;     // of the text colour
+constexpr int kGroundPercent = 40;  // of the text colour
 constexpr size_t kShownBytes = 8000;
 
 // The flight that the view holds. One page, one flight; it lives as long as the program.
@@ -38,43 +38,19 @@ std::wstring shownFile;  // that was written last; empty when there is none
 
 // ---- The sample flight ---------------------------------------------------------------------------------------------
 
-// Straight on from the last point to a place, climbing or sinking evenly.
-void FlyTo(double x, double y, double altitude) {
-  const kv::FlightTrackPoint from = points.back();
-  const double distance = std::hypot(std::hypot(x - from.dX, y - from.dY), altitude - from.dAltitude);
-  const int steps = std::max(1, kv::ToInt(distance / kMetresPerPoint));
-  for (int i = 1; i <= steps; ++i) {
-    const double part = static_cast<double>(i) / steps;
-    points.push_back({.dX = std::lerp(from.dX, x, part),
-                      .dY = std::lerp(from.dY, y, part),
-                      .dAltitude = std::lerp(from.dAltitude, altitude, part),
-                      .bKind = kv::kPointLocal});
-  }
-}
-
-// A survey of a field: up, lane after lane at a height that follows the slope of the ground, home and down. Each flight
-// surveys in another direction.
+// Two minutes of the gallery's flight, each time from a later moment on.
 void Fly() {
-  constexpr double kLane = 240, kBetweenLanes = 30, kSurveyAltitude = 45;
-  constexpr int kLanes = 6;
-  const double direction = flightNumber * 0.5 + 0.2;
-  const auto flyTo = [direction](double along, double across, double altitude) {
-    FlyTo(along * std::cos(direction) - across * std::sin(direction),
-          along * std::sin(direction) + across * std::cos(direction), altitude);
-  };
-  points.assign(1, {.bKind = kv::kPointLocal});
-  flyTo(0, 0, kSurveyAltitude);
-  for (int lane = 0; lane < kLanes; ++lane) {
-    const double across = 20 + lane * kBetweenLanes, altitude = kSurveyAltitude + 6 * lane;
-    const bool outward = lane % 2 == 0;
-    flyTo(outward ? 20 : kLane, across, altitude);
-    for (int i = 1; i <= 8; ++i) {
-      const double along = 20 + (kLane - 20) * (outward ? i : 8 - i) / 8;
-      flyTo(along, across, altitude + 4 * std::sin(along / kLane * kv::kPi));
-    }
+  constexpr double kSeconds = 122, kStep = 0.5, kMetresPerSecondOfAKnot = 1852.0 / 3600, kMetresPerFoot = 0.3048;
+  const double begin = flightNumber * 29.0;
+  kv::FlightTrackPoint at{.bKind = kv::kPointLocal};
+  points.clear();
+  for (double t = begin; t <= begin + kSeconds; t += kStep) {
+    at.dAltitude = Altitude(t) * kMetresPerFoot;
+    points.push_back(at);
+    const double metres = Airspeed(t) * kMetresPerSecondOfAKnot * kStep, course = kv::Radians(Heading(t));
+    at.dX += metres * std::sin(course);
+    at.dY -= metres * std::cos(course);  // southwards
   }
-  flyTo(0, 0, kSurveyAltitude);
-  flyTo(0, 0, 0);
   track.nPoints = static_cast<LONG>(points.size());
   track.lpPoints = points.data();
   track.dReferenceLatitude = 54.4609;
@@ -96,10 +72,12 @@ void DrawCurve(HDC dc, const RECT& area, int count, bool sameScale, At at) {
   double yScale = (area.bottom - area.top) / std::max(top - bottom, 1.0);
   if (sameScale) xScale = yScale = std::min(xScale, yScale);
   const double margin = (area.right - area.left - (right - left) * xScale) / 2;
+  const double above = (area.bottom - area.top - (top - bottom) * yScale) / 2;
   std::vector<POINT> line(static_cast<size_t>(count));
   for (int i = 0; i < count; ++i) {
     const auto [x, y] = at(i);
-    line[i] = {area.left + kv::ToInt(margin + (x - left) * xScale), area.bottom - kv::ToInt((y - bottom) * yScale)};
+    line[i] = {area.left + kv::ToInt(margin + (x - left) * xScale),
+               area.bottom - kv::ToInt(above + (y - bottom) * yScale)};
   }
   Polyline(dc, line.data(), count);
 }

@@ -16,6 +16,7 @@
 #include "framework/picture.h"
 #include "framework/records.h"
 #include "gallery/pages/multirotor.h"
+#include "gallery/pages/simulated_flight.h"
 #include "gallery/pages/triangle_raster.h"
 #include "views3d/mesh_model.h"
 
@@ -26,7 +27,7 @@ namespace {
 constexpr UINT_PTR kMotionTimer = 1;
 constexpr UINT kMotionMs = 33;
 constexpr int kOversampling = 2;
-constexpr double kTurnPerPicture = 0.5, kDegreesPerPixel = 0.5, kDegreesPerKey = 5, kBankDegrees = 5;
+constexpr double kTurnPerPicture = 0.5, kDegreesPerPixel = 0.5, kDegreesPerKey = 5;
 constexpr double kZoomPerStep = 1.1, kSmallestZoom = 0.4, kLargestZoom = 4;
 constexpr double kFirstTurn = 200, kFirstTilt = 28;
 // Model units that fill the window; its height takes in more when the craft is seen from above or below.
@@ -104,7 +105,7 @@ void Render(MeshView* view) {
   if (!view->samples.bitmap()) return;
   const auto start = std::chrono::steady_clock::now();
   MeshViewFigures& figures = view->figures;
-  const double bank = kBankDegrees * std::sin(figures.pictures * 0.03);
+  const double bank = Roll(GetTickCount() / 1000.0);
   for (HGLOBAL mesh : {view->craft.mesh, view->ground}) {
     kv::meshSetView(mesh, FittingScale(*view), kOversampling, figures.turn, figures.tilt,
                     mesh == view->ground ? 0 : bank, kv::kMeshSetAngleA | kv::kMeshSetAngleB | kv::kMeshSetAngleC);

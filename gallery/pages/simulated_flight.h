@@ -1,4 +1,5 @@
-// The flight that the pages of instruments show: pure functions of the seconds since some moment.
+// The flight that instruments, flight deck, flight track and mesh show: pure functions of the seconds since some
+// moment.
 #pragma once
 
 #include <cmath>
