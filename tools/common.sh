@@ -61,7 +61,7 @@ use_wine_desktop() {
     # program then keeps it open as long as this script runs, or it would close behind the last program and take the next
     # one, just starting, with it.
     wine explorer "/desktop=Bench,$size" >/dev/null 2>&1 &
-    timeout 30 xdotool search --sync --name 'Wine desktop' >/dev/null 2>&1 || die "the Wine desktop did not start"
+    timeout 60 xdotool search --sync --name 'Wine desktop' >/dev/null 2>&1 || die "the Wine desktop did not start"
     exec {desktop_holder}> >(wine cmd >/dev/null 2>&1)
   else
     wine reg delete "$key" /v Desktop /f >/dev/null 2>&1 || true
