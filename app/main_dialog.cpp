@@ -192,7 +192,7 @@ INT_PTR SetUpMainDialog(HWND dialog, AppContext* context) {
   StartReader(context);
   SetUpPages(dialog, context);
   WindowPosition(dialog, kMainPositionName, kPositionRestore);
-  KeepInSight(dialog, {kSmallestWidth, kSmallestHeight});
+  KeepInSight(dialog, {kMinWidth, kMinHeight});
   ModelessDialogs(dialog, nullptr, kModelessAdd);
   LayOutMainDialog(dialog, context);
   BringWindowToTop(dialog);
@@ -438,7 +438,7 @@ INT_PTR CALLBACK MainDialogProcedure(HWND dialog, UINT message, WPARAM wParam, L
     case WM_MEASUREITEM: return IsBadReadPtr(reinterpret_cast<void*>(lParam), sizeof(MEASUREITEMSTRUCT)) ? 1 : 0;
     case WM_CTLCOLORBTN: return OnButtonColor(reinterpret_cast<HWND>(lParam));
     case WM_SIZING:
-      return LimitSizing(static_cast<UINT>(wParam), reinterpret_cast<RECT*>(lParam), kSmallestWidth, kSmallestHeight);
+      return LimitSizing(static_cast<UINT>(wParam), reinterpret_cast<RECT*>(lParam), kMinWidth, kMinHeight);
     case WM_SIZE:
     case WM_PAINT:
     case WM_CLOSE:

@@ -14,7 +14,7 @@ namespace kv {
 // ---- Geometry: pure functions ---------------------------------------------------------------------------------------
 
 inline constexpr int kStatusPartCount = 5;
-inline constexpr int kSmallestWidth = 412, kSmallestHeight = 412;  // of the whole window
+inline constexpr int kMinWidth = 412, kMinHeight = 412;  // of the whole window
 
 // Right edges of the status bar's parts for a client area of this width.
 std::array<int, kStatusPartCount> StatusPartEdges(int clientWidth);

@@ -34,7 +34,7 @@ struct ChartState {
 
 constexpr CameraPoint kNowhere{kNoPoint, kNoPoint};
 constexpr int kMarkerCentre = 15;  // the pixel of a marker icon that lies on the point
-constexpr int kSmallestCopy = 64, kLargestCopy = 5120;
+constexpr int kMinCopySize = 64, kMaxCopySize = 5120;
 
 bool IsShown(const CameraPoint& point) {
   return point.x != kNoPoint && point.y != kNoPoint;
@@ -200,7 +200,7 @@ LRESULT OnPaintWithoutState(HWND window) {
 }
 
 LRESULT OnCopy(ChartState* state, LPARAM requestedSize) {
-  const SIZE size = RequestedPictureSize(requestedSize, ClientSize(state->hWnd), kSmallestCopy, kLargestCopy);
+  const SIZE size = RequestedPictureSize(requestedSize, ClientSize(state->hWnd), kMinCopySize, kMaxCopySize);
   OwnedBitmap picture(CreateWindowBitmap(state->hWnd, size));
   if (!picture) return 0;
   const WindowDc window(state->hWnd);

@@ -17,13 +17,13 @@ inline double CpuSeconds() {
 // Processor time, so that a busy machine does not count.
 template <class Work>
 double MillisecondsEach(Work work) {
-  constexpr auto kLeast = std::chrono::milliseconds(600);
+  constexpr auto kMinTime = std::chrono::milliseconds(600);
   work(0);
   const double cpu = CpuSeconds();
   const auto start = std::chrono::steady_clock::now();
   int count = 0;
   do {
     work(++count);
-  } while (std::chrono::steady_clock::now() - start < kLeast);
+  } while (std::chrono::steady_clock::now() - start < kMinTime);
   return (CpuSeconds() - cpu) * 1000 / count;
 }

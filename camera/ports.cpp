@@ -27,14 +27,14 @@ void SleepUntil(double time) {
 }
 
 bool WaitUntil(double time, HANDLE stop) {
-  constexpr double kLongestMs = 1e9;
-  const double leftMs = std::clamp((time - Now()) * 1000, 0.0, kLongestMs);
+  constexpr double kMaxWaitMs = 1e9;
+  const double leftMs = std::clamp((time - Now()) * 1000, 0.0, kMaxWaitMs);
   return WaitForSingleObject(stop, static_cast<DWORD>(std::lround(leftMs))) != WAIT_OBJECT_0;
 }
 
 bool WaitExactlyUntil(double time, HANDLE stop) {
-  constexpr double kLatestWake = 0.002;
-  if (!WaitUntil(time - kLatestWake, stop)) return false;
+  constexpr double kMaxWakeDelay = 0.002;
+  if (!WaitUntil(time - kMaxWakeDelay, stop)) return false;
   while (Now() < time) YieldProcessor();
   return true;
 }

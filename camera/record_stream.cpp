@@ -57,7 +57,7 @@ void CloseStretch(RecordStream* stream) {
   } else {
     stream->malformedBytes += open.bytes;
     ++stream->malformedStretches;
-    if (stream->stretches.size() < kStretchesKept) stream->stretches.push_back(open);
+    if (stream->stretches.size() < kMaxStretches) stream->stretches.push_back(open);
   }
   open = {};
 }

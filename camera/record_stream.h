@@ -28,7 +28,7 @@ struct MalformedStretch {
 };
 
 inline constexpr size_t kStretchSample = 24;
-inline constexpr size_t kStretchesKept = 10;
+inline constexpr size_t kMaxStretches = 10;
 // Silence of at least this many seconds counts as a gap.
 inline constexpr double kGapSeconds = 0.5;
 
@@ -45,7 +45,7 @@ struct RecordStream {
   double longestGapStart = 0;
   long long gaps = 0;                       // of kGapSeconds or more
   FoundRecord last{};                       // valid when there are records
-  std::vector<MalformedStretch> stretches;  // the first kStretchesKept
+  std::vector<MalformedStretch> stretches;  // the first kMaxStretches
 
   std::string pending;  // fewer bytes than a record between calls; at the end, a truncated record
   struct Piece {

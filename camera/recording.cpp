@@ -113,8 +113,8 @@ std::string EncodeHeader(const RecordingHeader& header) {
 
 std::string EncodeChunks(std::uint64_t microseconds, std::string_view bytes) {
   std::string chunks;
-  for (; !bytes.empty(); bytes.remove_prefix(std::min(bytes.size(), kLargestChunk))) {
-    chunks += EncodeOne(microseconds, bytes.substr(0, kLargestChunk));
+  for (; !bytes.empty(); bytes.remove_prefix(std::min(bytes.size(), kMaxChunkBytes))) {
+    chunks += EncodeOne(microseconds, bytes.substr(0, kMaxChunkBytes));
   }
   return chunks;
 }
@@ -135,14 +135,14 @@ Decoded DecodeNext(RecordingDecoder* decoder, Chunk* chunk) {
     const std::string_view rest = std::string_view(decoder->pending).substr(decoder->at);
     if (rest.size() < kChunkOverhead) return Decoded::kNeedMore;
     const auto size = static_cast<size_t>(Get(rest, 0, 2));
-    if ((Get(rest, 2, 2) ^ 0xFFFF) != size || size > kLargestChunk) {
+    if ((Get(rest, 2, 2) ^ 0xFFFF) != size || size > kMaxChunkBytes) {
       SkipByte(decoder);
       continue;
     }
     if (rest.size() < size + kChunkOverhead) return Decoded::kNeedMore;
     const std::string_view whole = rest.substr(0, kChunkHead + size);
     const std::uint64_t microseconds = Get(rest, 4, 8);  // one that goes back makes a huge difference, too
-    if (Crc32(whole) != Get(rest, whole.size(), 4) || microseconds - decoder->endTime > kLongestSilence) {
+    if (Crc32(whole) != Get(rest, whole.size(), 4) || microseconds - decoder->endTime > kMaxSilence) {
       SkipByte(decoder);
       continue;
     }

@@ -12,10 +12,10 @@ namespace camera {
 inline constexpr std::string_view kRecordingMagic("\x89TWR\r\n\x1A\n", 8);
 inline constexpr size_t kRecordingHeaderBytes = 40;
 inline constexpr size_t kChunkOverhead = 16;
-inline constexpr size_t kLargestChunk = 4096;
+inline constexpr size_t kMaxChunkBytes = 4096;
 inline constexpr std::uint32_t kRecordingVersion = 1;
 // Between two chunks. A chunk later than that is damage: otherwise one wrong time would make all later chunks go back.
-inline constexpr std::uint64_t kLongestSilence = 366ull * 24 * 3600 * 1'000'000;  // microseconds
+inline constexpr std::uint64_t kMaxSilence = 366ull * 24 * 3600 * 1'000'000;  // microseconds
 
 struct RecordingHeader {
   std::uint64_t startTime = 0;  // UTC, in units of 100 ns since 1601, as FILETIME
@@ -25,7 +25,7 @@ struct RecordingHeader {
 
 std::string EncodeHeader(const RecordingHeader& header);
 
-// Bytes received `microseconds` after the start; more than kLargestChunk become several chunks.
+// Bytes received `microseconds` after the start; more than kMaxChunkBytes become several chunks.
 std::string EncodeChunks(std::uint64_t microseconds, std::string_view bytes);
 
 // The end of a recording that was ended in good order.

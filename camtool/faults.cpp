@@ -13,7 +13,7 @@ namespace camtool {
 namespace {
 
 constexpr size_t kClosingBytes = 2;
-constexpr std::uint32_t kLongestGarbage = 64;
+constexpr std::uint32_t kMaxGarbageBytes = 64;
 
 // The library's distributions differ between compilers; these do not.
 double Chance(std::mt19937* random) {
@@ -38,7 +38,7 @@ bool Fires(const Trigger& trigger, double drawn, long record, double before, dou
 }
 
 std::string Garbage(std::mt19937* random) {
-  std::string bytes(1 + Below(random, kLongestGarbage), '\0');
+  std::string bytes(1 + Below(random, kMaxGarbageBytes), '\0');
   for (char& byte : bytes) byte = RandomByte(random);
   return bytes;
 }

@@ -21,12 +21,12 @@ namespace camtool {
 
 namespace {
 
-constexpr size_t kFewestBytes = 24;
-constexpr size_t kFewestText = 12;
+constexpr size_t kMinBytes = 24;
+constexpr size_t kMinTextBytes = 12;
 constexpr int kModelRecords = 100;
 // How much less likely than the best explanation a byte of the records may be, in nats; random bytes and plain text are
 // beyond 4.
-constexpr double kFarthest = 1.2;
+constexpr double kMaxDistance = 1.2;
 constexpr double kUnknownByte = 1e-4;
 
 using Shares = std::array<double, 256>;
@@ -98,13 +98,13 @@ std::string ReceiveAtRate(std::string_view sent, int sentRate, int receiverRate)
 }
 
 std::vector<int> GuessRates(std::string_view received, int receiverRate) {
-  if (received.size() < kFewestBytes) return {};
+  if (received.size() < kMinBytes) return {};
   const Shares seen = SharesOf(received);
   std::vector<std::pair<double, int>> likely;
   for (const int rate : kUsualRates) {
     if (rate == receiverRate) continue;
     const double distance = Distance(seen, SharesOfRecords(rate, receiverRate));
-    if (distance < kFarthest) likely.emplace_back(distance, rate);
+    if (distance < kMaxDistance) likely.emplace_back(distance, rate);
   }
   std::ranges::sort(likely);
   std::vector<int> rates;
@@ -114,7 +114,7 @@ std::vector<int> GuessRates(std::string_view received, int receiverRate) {
 }
 
 bool LooksLikeRecords(std::string_view bytes) {
-  if (bytes.size() < kFewestText || bytes.find_first_not_of("0123456789, +-\r\n") != bytes.npos) return false;
+  if (bytes.size() < kMinTextBytes || bytes.find_first_not_of("0123456789, +-\r\n") != bytes.npos) return false;
   size_t commas = 0, strange = 0, before = bytes.npos;
   for (size_t at = bytes.find(','); at != bytes.npos; before = at, at = bytes.find(',', at + 1)) {
     ++commas;

@@ -27,7 +27,7 @@ constexpr double kTryRatesUntil = 1.4;
 constexpr double kGiveUpSeconds = 1.6;
 constexpr DWORD kTurnMs = 50;
 // How long to try a rate: this time, or as long as this many bytes take if that is longer.
-constexpr double kShortestTry = 0.045;
+constexpr double kMinTrySeconds = 0.045;
 constexpr double kBytesOfTry = 20;
 constexpr size_t kSampleBytes = 512;
 constexpr size_t kProbeStack = 256 * 1024;
@@ -98,7 +98,7 @@ void TryRates(Probe* probe, HANDLE port) {
     if (std::ranges::find(rates, rate) == rates.end()) rates.push_back(rate);
   }
   for (const int rate : rates) {
-    const double seconds = std::max(kShortestTry, kBytesOfTry * 10 / rate);
+    const double seconds = std::max(kMinTrySeconds, kBytesOfTry * 10 / rate);
     if (camera::Now() + seconds > probe->start + kTryRatesUntil || !report.recordRates.empty()) break;
     const std::string received = ListenAt(port, rate, seconds);
     if (LooksLikeRecords(received)) {

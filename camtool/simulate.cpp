@@ -23,20 +23,20 @@ namespace camtool {
 namespace {
 
 // A start bit, 8 data bits and a stop bit for each byte: what the line can carry, in whole records.
-constexpr double kHighestRate = static_cast<int>(kv::kCameraBaudRate / 10 / kv::kRecordLength);
-constexpr size_t kLargestPathFile = 64 * 1024 * 1024;
+constexpr double kMaxRate = static_cast<int>(kv::kCameraBaudRate / 10 / kv::kRecordLength);
+constexpr size_t kMaxPathFileBytes = 64 * 1024 * 1024;
 constexpr double kReopenSeconds = 0.25;
 
 struct Settings {
-  double rate = kHighestRate;  // records a second
-  double seconds = 0;          // 0 = without end
+  double rate = kMaxRate;  // records a second
+  double seconds = 0;      // 0 = without end
   double seed = 1;
   std::string path;
   FaultPlan faults;
 } settings;
 
 const Option kOptions[] = {
-    {"--rate", "RECORDS", "records a second (default 93)", NumberOption{&settings.rate, 0.1, kHighestRate}},
+    {"--rate", "RECORDS", "records a second (default 93)", NumberOption{&settings.rate, 0.1, kMaxRate}},
     {"--seconds", "SECONDS", "end after this time (default: no limit)", NumberOption{&settings.seconds, 0.1, 1e9}},
     {"--path", "FILE", "points from comma-separated values, as export writes them (default: built-in curves)",
      &settings.path},
@@ -132,7 +132,7 @@ void PrintSummary(const Camera& camera) {
 
 int ReadPath(PointPath* path) {
   std::string text, error;
-  if (camera::ReadWholeFile(settings.path, kLargestPathFile, &text, &error) && text.empty()) {
+  if (camera::ReadWholeFile(settings.path, kMaxPathFileBytes, &text, &error) && text.empty()) {
     PrintError("\"" + settings.path + "\" is empty");
     return kEmpty;
   }

@@ -19,16 +19,16 @@ constexpr int kCaptureId = 0x8001;
 constexpr int kDriverAttempts = 101;
 constexpr int kDriverSlots = 8;
 constexpr int kDriverTextBytes = 256;
-constexpr size_t kLongestErrorText = 4096;
+constexpr size_t kMaxErrorText = 4096;
 
-constexpr DWORD kMostColors = 256;
+constexpr DWORD kMaxColors = 256;
 
 // A format with room for what Video for Windows reads behind the header: a driver's own extension of it, and a full
 // colour table or colour masks.
 struct WholeFormat {
   BITMAPINFOHEADER header;
-  RGBQUAD extension[kMostColors];
-  RGBQUAD colors[kMostColors];
+  RGBQUAD extension[kMaxColors];
+  RGBQUAD colors[kMaxColors];
 };
 
 struct VideoLibraries {
@@ -79,9 +79,9 @@ bool IsOpen(VideoLink* link) {
 
 bool IsUsable(const BITMAPINFOHEADER& format) {
   return format.biSize >= sizeof(BITMAPINFOHEADER) && format.biSize <= offsetof(WholeFormat, colors) &&
-         format.biWidth > 0 && format.biWidth <= kLargestVideoSide && format.biHeight != 0 &&
-         format.biHeight >= -kLargestVideoSide && format.biHeight <= kLargestVideoSide && format.biBitCount <= 32 &&
-         format.biClrUsed <= kMostColors;
+         format.biWidth > 0 && format.biWidth <= kMaxVideoSide && format.biHeight != 0 &&
+         format.biHeight >= -kMaxVideoSide && format.biHeight <= kMaxVideoSide && format.biBitCount <= 32 &&
+         format.biClrUsed <= kMaxColors;
 }
 
 // Of all others the header says how many bytes a picture has, and their height is positive.
@@ -303,7 +303,7 @@ LRESULT RecordVideo(VideoLink* link, const char* fileName, BOOL start) {
 }
 
 LRESULT CALLBACK VideoErrorText(HWND window, int, const wchar_t* text) {
-  if (IsBadStringPtrW(text, kLongestErrorText)) return FALSE;
+  if (IsBadStringPtrW(text, kMaxErrorText)) return FALSE;
   MessageBoxW(window, text, L"Video Error", MB_OK | MB_ICONERROR);
   return TRUE;
 }

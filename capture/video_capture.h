@@ -41,7 +41,7 @@ struct VideoLink {
   VideoFormat frameFormat;   // of the frame bitmap: 32 bits, top row first
   HBITMAP hFrame;            // the latest frame
   void* framePixels;
-  LONG frameWidth;  // pixels; at most kLargestVideoSide
+  LONG frameWidth;  // pixels; at most kMaxVideoSide
   LONG frameHeight;
   std::uint32_t reserved;
 };
@@ -51,7 +51,7 @@ static_assert(offsetof(VideoLink, status) == 16 && offsetof(VideoLink, parameter
               offsetof(VideoLink, hFrame) == 276 && offsetof(VideoLink, framePixels) == 280 &&
               offsetof(VideoLink, frameWidth) == 284 && sizeof(VideoLink) == 296);
 
-inline constexpr LONG kLargestVideoSide = 16384;
+inline constexpr LONG kMaxVideoSide = 16384;
 
 // Connects to the first driver that works and starts its frames. Null when the host is no window, when no driver
 // works, when its frames have no usable size, or when the host is destroyed meanwhile. The caller owns the link

@@ -62,7 +62,7 @@ inline constexpr WPARAM kValueGlide = 0x0200;  // kCommandValue: glide to the va
 inline constexpr WPARAM kValueExact = 0x0400;
 inline constexpr WPARAM kZoneEnable = 0x0400;  // kCommandZone: the zone is shown; without it, it is not
 
-inline constexpr int kInstrumentSmallestPicture = 16, kInstrumentLargestPicture = 5120;  // of WM_COPY, per side
+inline constexpr int kInstrumentMinCopySize = 16, kInstrumentMaxCopySize = 5120;  // of WM_COPY, per side
 
 // Registers the class (non-zero flag) or unregisters it. Returns 0 only when registering fails.
 BOOL RegisterDisplayInstrumentClass(HINSTANCE instance, BOOL registerIt);

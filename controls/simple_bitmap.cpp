@@ -21,7 +21,7 @@ namespace kv {
 namespace {
 
 constexpr int kNameCharacters = 256;
-constexpr int kSmallestCopy = 16, kLargestCopy = 5120;
+constexpr int kMinCopySize = 16, kMaxCopySize = 5120;
 constexpr COLORREF kTransparentColor = RGB(255, 0, 255);
 
 HBITMAP HeldBitmap(HWND window) {
@@ -113,7 +113,7 @@ LRESULT OnCopy(HWND window, LPARAM lParam) {
   HBITMAP held = HeldBitmap(window);
   if (!held) return 1;
   const SIZE ownSize = BitmapSize(held);
-  const SIZE size = RequestedPictureSize(lParam, ownSize, kSmallestCopy, kLargestCopy);
+  const SIZE size = RequestedPictureSize(lParam, ownSize, kMinCopySize, kMaxCopySize);
   CopyBitmapToClipboard(window, held, ownSize, size);
   return 0;
 }

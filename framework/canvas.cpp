@@ -30,10 +30,10 @@ DWORD PixelAt(const Paint& paint, LONG y) {
 // hold.
 int ChordsOf(double radius, double degrees) {
   constexpr double kSagitta = 0.005;
-  constexpr int kMostChords = CoverageShape::kMostEdges / 2 - 2;
+  constexpr int kMaxChords = CoverageShape::kMaxEdges / 2 - 2;
   if (radius <= kSagitta) return 3;
   const double chords = std::ceil(degrees * kRadiansPerDegree / (2 * std::acos(1 - kSagitta / radius)));
-  return static_cast<int>(std::clamp(chords, 3.0, static_cast<double>(kMostChords)));
+  return static_cast<int>(std::clamp(chords, 3.0, static_cast<double>(kMaxChords)));
 }
 
 // Corners along an arc, both ends included, on a circle so much larger that the chords cut off nothing on the whole.
@@ -167,7 +167,7 @@ void FillGradientDisc(Canvas& canvas, PointD centre, double radius, COLORREF top
 void FillAnnularSector(Canvas& canvas, PointD centre, double inner, double outer, double from, double to,
                        const Paint& paint) {
   if (!(to > from) || !(outer > inner) || !(inner >= 0) || !(to - from <= 360)) return;
-  std::array<PointD, CoverageShape::kMostEdges> corners;
+  std::array<PointD, CoverageShape::kMaxEdges> corners;
   const int chords = ChordsOf(outer, to - from), innerChords = inner > 0 ? ChordsOf(inner, to - from) : 0;
   PutArc(corners.data(), centre, outer, from, to, chords);
   if (innerChords) {

@@ -13,7 +13,7 @@ namespace kv {
 
 namespace {
 
-constexpr double kFarthest = 1 << 24;
+constexpr double kMaxCoordinate = 1 << 24;
 constexpr int kWordBits = 32;
 
 // A half rounds up. The tiny extra keeps it so when the sum is a hair too small: the same pixel then gets the same
@@ -51,7 +51,7 @@ bool CoverageShape::AddFigure(std::span<const PointD> corners) {
       count_ = before;
       return false;
     }
-    const auto limited = [](double value) { return std::clamp(value, -kFarthest, kFarthest); };
+    const auto limited = [](double value) { return std::clamp(value, -kMaxCoordinate, kMaxCoordinate); };
     const PointD from{limited(a.x), limited(a.y)}, to{limited(b.x), limited(b.y)};
     const bool down = to.y > from.y;
     const PointD &upper = down ? from : to, &lower = down ? to : from;

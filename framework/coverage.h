@@ -35,18 +35,18 @@ struct CoverageSpan {
 
 class CoverageShape {
  public:
-  static constexpr int kMostEdges = 1024;
+  static constexpr int kMaxEdges = 1024;
 
   // Starts an empty shape of which only what lies within `area` is wanted. False when the memory for a row cannot be
   // allocated: the shape then stays empty whatever is added.
   bool Begin(const PixelArea& area);
 
   // Adds a contour, closed from its last corner to the first. Places are limited to 16 million pixels either way.
-  // False, with nothing added, when a place is not a number or the edges of all contours outgrow kMostEdges.
+  // False, with nothing added, when a place is not a number or the edges of all contours outgrow kMaxEdges.
   bool AddFigure(std::span<const PointD> corners);
 
   // Whether a contour of so many corners can be added: the same whatever area is wanted of the shape.
-  bool HasRoomFor(size_t corners) const { return corners <= static_cast<size_t>(kMostEdges - added_); }
+  bool HasRoomFor(size_t corners) const { return corners <= static_cast<size_t>(kMaxEdges - added_); }
 
   // Hands out what is covered, row by row from the top and from left to right; false at the end, with the shape empty.
   // After the first call nothing more can be added.
@@ -69,7 +69,7 @@ class CoverageShape {
   int roomWidth_ = 0;
   std::unique_ptr<double[]> cells_;  // of one row: what the edges add to the coverage from here on to the right
   std::unique_ptr<std::uint32_t[]> touched_;  // a bit for each cell that is not 0
-  std::array<Edge, kMostEdges> edges_;        // sorted by their top once the first row is asked for
+  std::array<Edge, kMaxEdges> edges_;         // sorted by their top once the first row is asked for
   int added_ = 0;                             // edges of all contours, also of what lies outside the area
   int count_ = 0, first_ = 0, last_ = 0;      // edges within the area; those that reach the row are first_ to last_
   bool scanning_ = false;

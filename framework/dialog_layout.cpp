@@ -16,11 +16,11 @@ constexpr int kComboBoxHeight = 512;
 
 // Calls visit(control, slot number from 1) for each child of the range in child-window order, until it returns false.
 template <class Visit>
-void VisitControls(HWND dialog, int lowestId, int highestId, Visit visit) {
+void VisitControls(HWND dialog, int firstId, int lastId, Visit visit) {
   int slot = 0;
   for (HWND child = GetWindow(dialog, GW_CHILD); IsWindow(child); child = GetWindow(child, GW_HWNDNEXT)) {
     const int id = GetWindowLongA(child, GWL_ID);
-    if (id >= lowestId && id <= highestId && !visit(child, ++slot)) return;
+    if (id >= firstId && id <= lastId && !visit(child, ++slot)) return;
   }
 }
 
@@ -178,12 +178,12 @@ BOOL KeepExtent(LONG* low, LONG* high, bool moveLow, double minimum) {
 
 }  // namespace
 
-BOOL CaptureLayout(HWND dialog, LayoutSlot* slots, int lowestId, int highestId) {
+BOOL CaptureLayout(HWND dialog, LayoutSlot* slots, int firstId, int lastId) {
   if (!IsWindow(dialog) || IsBadWritePtr(slots, sizeof(*slots))) return FALSE;
   RECT client{};
   GetClientRect(dialog, &client);
   slots[0] = {client.left, client.top, client.right, client.bottom};
-  VisitControls(dialog, lowestId, highestId, [&](HWND control, int slot) {
+  VisitControls(dialog, firstId, lastId, [&](HWND control, int slot) {
     if (IsBadWritePtr(&slots[slot], sizeof(*slots))) return false;
     slots[slot] = SlotOfControl(dialog, control);
     return true;
@@ -191,9 +191,9 @@ BOOL CaptureLayout(HWND dialog, LayoutSlot* slots, int lowestId, int highestId) 
   return TRUE;
 }
 
-int LayoutSlotOf(HWND dialog, int lowestId, int highestId, int id) {
+int LayoutSlotOf(HWND dialog, int firstId, int lastId, int id) {
   int found = -1;
-  VisitControls(dialog, lowestId, highestId, [&](HWND control, int slot) {
+  VisitControls(dialog, firstId, lastId, [&](HWND control, int slot) {
     if (GetWindowLongA(control, GWL_ID) != id) return true;
     found = slot;
     return false;
@@ -201,7 +201,7 @@ int LayoutSlotOf(HWND dialog, int lowestId, int highestId, int id) {
   return found;
 }
 
-BOOL ApplyLayout(HWND dialog, int bottomMargin, int leftMargin, int topMargin, int lowestId, int highestId,
+BOOL ApplyLayout(HWND dialog, int bottomMargin, int leftMargin, int topMargin, int firstId, int lastId,
                  const LayoutSlot* slots, float* scaleX, float* scaleY, BOOL redraw) {
   if (!IsWindow(dialog) || IsBadReadPtr(slots, sizeof(*slots))) return FALSE;
   RECT client{};
@@ -219,7 +219,7 @@ BOOL ApplyLayout(HWND dialog, int bottomMargin, int leftMargin, int topMargin, i
   StoreScale(scaleY, scale.y.Of(1));
   {
     ReplacedFonts replaced;
-    VisitControls(dialog, lowestId, highestId, [&](HWND control, int slot) {
+    VisitControls(dialog, firstId, lastId, [&](HWND control, int slot) {
       if (IsBadReadPtr(&slots[slot], sizeof(*slots))) return false;
       TreatControl(control, slots[slot], scale, &replaced);
       return true;

@@ -19,10 +19,10 @@ static_assert(sizeof(LayoutSlot) == 16);
 // their memory is writable, so what lies behind an array that is too short is overwritten. Where the memory ends
 // earlier, later controls get no slot and are not scaled. Returns 0 when the dialog does not exist or slot 0 cannot be
 // written.
-BOOL CaptureLayout(HWND dialog, LayoutSlot* slots, int lowestId, int highestId);
+BOOL CaptureLayout(HWND dialog, LayoutSlot* slots, int firstId, int lastId);
 
 // The slot number of a control, from 1; -1 when the range or the dialog does not have it.
-int LayoutSlotOf(HWND dialog, int lowestId, int highestId, int id);
+int LayoutSlotOf(HWND dialog, int firstId, int lastId, int id);
 
 // Scales the controls of the range from their captured slots into the dialog's present client area. The margins (where
 // toolbar and status bar are) do not scale. Stores the scales where their outputs can be written. `redraw` repaints the
@@ -44,7 +44,7 @@ int LayoutSlotOf(HWND dialog, int lowestId, int highestId, int id);
 // 1, and combo boxes 512 with their lists, at every DPI.
 //
 // Returns 0 when the dialog does not exist or slot 0 cannot be read.
-BOOL ApplyLayout(HWND dialog, int bottomMargin, int leftMargin, int topMargin, int lowestId, int highestId,
+BOOL ApplyLayout(HWND dialog, int bottomMargin, int leftMargin, int topMargin, int firstId, int lastId,
                  const LayoutSlot* slots, float* scaleX, float* scaleY, BOOL redraw);
 
 // Answers WM_SIZING: keeps the dragged rectangle at least that large by moving the dragged edge (WMSZ_LEFT..

@@ -7,7 +7,7 @@ namespace kv {
 
 namespace {
 // The longest path that Windows has: a program may have been started from deeper than a path buffer reaches.
-constexpr DWORD kLongestPath = 32767;
+constexpr DWORD kMaxPathCharacters = 32767;
 }  // namespace
 
 BOOL IsReadableText(const wchar_t* text) {
@@ -38,9 +38,9 @@ BOOL DirectoryOf(const wchar_t* path, wchar_t* directory, size_t characters) {
 }
 
 BOOL ProgramDirectory(wchar_t* directory) {
-  std::array<wchar_t, kLongestPath + 1> program{};
+  std::array<wchar_t, kMaxPathCharacters + 1> program{};
   std::array<wchar_t, kPathCharacters> folder;
-  GetModuleFileNameW(nullptr, program.data(), kLongestPath);
+  GetModuleFileNameW(nullptr, program.data(), kMaxPathCharacters);
   if (!DirectoryOf(program.data(), folder.data(), folder.size())) return TRUE;
   const size_t size = (std::wcslen(folder.data()) + 1) * sizeof(wchar_t);
   if (!IsBadWritePtr(directory, size)) std::wmemcpy(directory, folder.data(), size / sizeof(wchar_t));

@@ -23,7 +23,7 @@ class OutlineWriter {
       : outline_(outline), unit_(capitalHeight), middle_(middle) {}
 
   bool Add(const PointD& place) {
-    if (count_ == GlyphOutline::kMostPoints) return false;
+    if (count_ == GlyphOutline::kMaxPoints) return false;
     const double x = (place.x - middle_) / unit_, y = 0.5 - place.y / unit_;
     outline_->points[count_++] = {static_cast<float>(x), static_cast<float>(y)};
     last_ = place;
@@ -51,7 +51,7 @@ class OutlineWriter {
   }
 
   bool EndFigure() {
-    if (outline_->figures == GlyphOutline::kMostFigures) return false;
+    if (outline_->figures == GlyphOutline::kMaxContours) return false;
     outline_->ends[outline_->figures++] = count_;
     return true;
   }
@@ -145,7 +145,7 @@ void AddGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD centre, double a
     BeginShape(canvas);
   }
   const double radians = Radians(degrees), cosine = std::cos(radians), sine = std::sin(radians);
-  std::array<PointD, GlyphOutline::kMostPoints> places;
+  std::array<PointD, GlyphOutline::kMaxPoints> places;
   for (int figure = 0, from = 0; figure < glyph.figures; from = glyph.ends[figure++]) {
     for (int i = from; i < glyph.ends[figure]; ++i) {
       const double x = glyph.points[i].x * height * stretch + along, y = glyph.points[i].y * height;

@@ -13,12 +13,12 @@ namespace kv {
 // Closed contours in units of the capital letters' height, y downwards, the origin in the middle of the character's box
 // of capital height. Curves are flattened finely enough for letters of a hundred pixels.
 struct GlyphOutline {
-  static constexpr int kMostPoints = 320, kMostFigures = 8;
+  static constexpr int kMaxPoints = 320, kMaxContours = 8;
   struct Point {
     float x, y;
   };
-  std::array<Point, kMostPoints> points;
-  std::array<int, kMostFigures> ends;  // behind the last point of each contour
+  std::array<Point, kMaxPoints> points;
+  std::array<int, kMaxContours> ends;  // behind the last point of each contour
   int figures;
   double advance;  // from this character to the next
 };

@@ -36,9 +36,9 @@ void ShowBitmap(HDC target, const RECT& area, HBITMAP bitmap, SIZE bitmapSize) {
              bitmapSize.cy, SRCCOPY);
 }
 
-SIZE RequestedPictureSize(LPARAM lParam, SIZE ownSize, int smallest, int largest) {
+SIZE RequestedPictureSize(LPARAM lParam, SIZE ownSize, int minimum, int maximum) {
   if (lParam == 0) return ownSize;
-  return {std::clamp<int>(LOWORD(lParam), smallest, largest), std::clamp<int>(HIWORD(lParam), smallest, largest)};
+  return {std::clamp<int>(LOWORD(lParam), minimum, maximum), std::clamp<int>(HIWORD(lParam), minimum, maximum)};
 }
 
 BOOL CopyBitmapToClipboard(HWND window, HBITMAP bitmap, SIZE bitmapSize, SIZE size) {

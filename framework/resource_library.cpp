@@ -11,7 +11,7 @@ namespace kv {
 
 namespace {
 
-constexpr DWORD kLargestFile = 64 << 20, kLargestImage = 256 << 20;
+constexpr DWORD kMaxFileBytes = 64 << 20, kMaxImageBytes = 256 << 20;
 
 using Bytes = std::span<const BYTE>;
 
@@ -58,7 +58,7 @@ bool AreHeadersUsable(const IMAGE_NT_HEADERS32& headers, size_t fileSize) {
          image.NumberOfRvaAndSizes == IMAGE_NUMBEROF_DIRECTORY_ENTRIES && image.ImageBase % 0x10000 == 0 &&
          std::has_single_bit(image.SectionAlignment) && image.SectionAlignment >= 0x1000 &&
          std::has_single_bit(image.FileAlignment) && image.FileAlignment >= 0x200 &&
-         image.FileAlignment <= image.SectionAlignment && image.SizeOfImage <= kLargestImage &&
+         image.FileAlignment <= image.SectionAlignment && image.SizeOfImage <= kMaxImageBytes &&
          image.SizeOfHeaders <= std::min<size_t>(image.SizeOfImage, fileSize);
 }
 
@@ -190,7 +190,7 @@ std::vector<BYTE> ReadWhole(const wchar_t* path) {
   if (file == INVALID_HANDLE_VALUE) return bytes;
   DWORD high = 0;
   const DWORD size = GetFileSize(file, &high);
-  if (high == 0 && size <= kLargestFile) bytes.resize(size);
+  if (high == 0 && size <= kMaxFileBytes) bytes.resize(size);
   DWORD read = 0;
   if (!ReadFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr)) read = 0;
   CloseHandle(file);

@@ -95,11 +95,12 @@ BOOL WindowPosition(HWND window, const char* name, int mode) {
   return TRUE;
 }
 
-void KeepInSight(HWND window, SIZE smallest) {
+void KeepInSight(HWND window, SIZE minimumSize) {
   constexpr int kGrip = 48;  // of the caption, in pixels
   RECT place{}, work{};
   GetWindowRect(window, &place);
-  const SIZE size{std::max(place.right - place.left, smallest.cx), std::max(place.bottom - place.top, smallest.cy)};
+  const SIZE size{std::max(place.right - place.left, minimumSize.cx),
+                  std::max(place.bottom - place.top, minimumSize.cy)};
   const RECT caption{place.left + std::min<LONG>(kGrip, size.cx / 2), place.top,
                      place.left + std::max<LONG>(size.cx - kGrip, size.cx / 2 + 1),
                      place.top + GetSystemMetrics(SM_CYCAPTION)};

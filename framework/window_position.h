@@ -28,9 +28,9 @@ BOOL WindowPosition(HWND window, const char* name, int mode);
 // unwritable number and any other mode.
 BOOL WindowNumber(const char* name, DWORD* number, int mode);
 
-// To be called for a window whose place was restored, whatever that was: gives it at least the size `smallest`, and
+// To be called for a window whose place was restored, whatever that was: gives it at least the size `minimumSize`, and
 // centres it on the primary monitor when no monitor shows enough of its caption to drag it by.
-void KeepInSight(HWND window, SIZE smallest);
+void KeepInSight(HWND window, SIZE minimumSize);
 
 // The rectangle in a stored text: up to four comma-separated whole numbers. A field whose comma is missing, and all
 // after it, repeat the first field; what is no number is 0; a number beyond 32 bits is the nearest that fits.

@@ -169,12 +169,12 @@ kv::ScaledDialog FrameDialog(const StartOptions& options) {
       .parameter = reinterpret_cast<LPARAM>(&options),
       .positionName = "Gallery.Main",
       .maximisedName = "Gallery.Maximised",
-      .smallest = {760, 576},
+      .minimumSize = {760, 576},
       .tips = kTips,
       .menu = L"MENU_GALLERY",
       .languageMenu = {IDM_GALLERY_LANGUAGE_MENU, IDM_LANGUAGE_FIRST, IDB_LANGUAGE_FIRST},
       // Its own controls are placed by OnSize.
-      .lowestId = IDC_PAGE_FIRST,
+      .firstId = IDC_PAGE_FIRST,
       .languages = kFileStem,
       .language = options.language,
   };

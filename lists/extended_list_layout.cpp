@@ -15,8 +15,8 @@ LONG Limited(Wide value) {
 
 // Of all rows, as far as a bar's range goes.
 LONG HeightOfRows(DWORD rowCount, LONG rowHeight) {
-  constexpr Wide kLargestRange = std::numeric_limits<LONG>::max() - 1;
-  return static_cast<LONG>(std::min(static_cast<Wide>(rowCount) * rowHeight, kLargestRange));
+  constexpr Wide kMaxRange = std::numeric_limits<LONG>::max() - 1;
+  return static_cast<LONG>(std::min(static_cast<Wide>(rowCount) * rowHeight, kMaxRange));
 }
 
 SCROLLINFO Bar(LONG last, LONG page, LONG position) {
@@ -37,7 +37,7 @@ LONG UsableRowHeight(UINT measured) {
 }
 
 LONG UsableSurfaceWidth(WPARAM extent) {
-  return std::clamp<LONG>(static_cast<LONG>(extent), 0, kLargestSurfaceWidth);
+  return std::clamp<LONG>(static_cast<LONG>(extent), 0, kMaxSurfaceWidth);
 }
 
 RowRun VisibleRows(DWORD rowCount, LONG rowHeight, LONG verticalOffset, LONG surfaceHeight) {

@@ -7,14 +7,14 @@
 namespace kv {
 
 inline constexpr LONG kDefaultRowHeight = 17;
-inline constexpr LONG kLargestSurfaceWidth = 16384;
+inline constexpr LONG kMaxSurfaceWidth = 16384;
 inline constexpr LONG kHorizontalLine = 17;  // one step of the horizontal bar
 
 // The row height that a parent's answer stands for: itself, or the default when it is 0 or beyond 2^31 - 1 (a negative
 // number). No row could be found again at such a height.
 LONG UsableRowHeight(UINT measured);
 
-// The surface width for a wanted extent, 0..kLargestSurfaceWidth; a negative extent counts as 0.
+// The surface width for a wanted extent, 0..kMaxSurfaceWidth; a negative extent counts as 0.
 LONG UsableSurfaceWidth(WPARAM extent);
 
 // The data rows of one screenful below the header row.

@@ -14,12 +14,12 @@ namespace kv {
 namespace {
 
 BOOL Ask(HWND owner, const wchar_t* title, std::wstring* path, DWORD flags, BOOL(WINAPI* show)(OPENFILENAMEW*)) {
-  constexpr size_t kLongestPath = 32768;
+  constexpr size_t kMaxPathCharacters = 32768;
   const wchar_t* name = FileNameOf(path->c_str());
   const wchar_t* extension = ExtensionOf(name);
   const std::wstring folder = path->substr(0, static_cast<size_t>(name - path->c_str()));
   const FilterText filter = BuildFilterText(extension);
-  std::vector<wchar_t> file(kLongestPath);
+  std::vector<wchar_t> file(kMaxPathCharacters);
   OPENFILENAMEW record{};
   record.lStructSize = sizeof(record);
   record.hwndOwner = owner;

@@ -29,7 +29,7 @@ struct DialogRecord {
   WNDPROC classProcedure;
   std::vector<LayoutSlot> slots;
   DialogScale scale{1, 1};
-  SIZE smallest;
+  SIZE minimumSize;
   bool hasDefaultButton;  // in its template
   OwnedBrush background;  // null: the system's
   OwnedFont listFont;

@@ -72,9 +72,9 @@ std::wstring LoadText(HINSTANCE module, UINT id) {
 
 // The library's own string for a control or a menu item; empty where it has none, and in English.
 std::wstring TextOfItem(UINT id) {
-  constexpr UINT kLargestId = 32767;
-  return modules.resources == modules.application || id > kLargestId ? std::wstring()
-                                                                     : LoadText(modules.resources, KV_TEXT_OF(id));
+  constexpr UINT kMaxId = 32767;
+  return modules.resources == modules.application || id > kMaxId ? std::wstring()
+                                                                 : LoadText(modules.resources, KV_TEXT_OF(id));
 }
 
 void TranslateMenu(HMENU menu) {

@@ -1,7 +1,7 @@
 // Pages: dialogs inside a dialog, one shown at a time, each made when it is first shown. Main thread only.
 //
-// A page is a ScaledDialog whose template has the style KV_PAGE; `positionName`, `smallest`, menu and languages are not
-// looked at. It scales with its place and changes its language with its parent. The parent is a dialog of
+// A page is a ScaledDialog whose template has the style KV_PAGE; `positionName`, `minimumSize`, menu and languages are
+// not looked at. It scales with its place and changes its language with its parent. The parent is a dialog of
 // toolkit/scaled_dialog.h, too; its template has a control (a group box, or a label that is not visible) where its
 // pages lie.
 #pragma once

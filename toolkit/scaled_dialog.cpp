@@ -32,7 +32,7 @@ namespace kv {
 namespace {
 
 constexpr wchar_t kRecordProperty[] = L"kvScaledDialog";
-constexpr int kPageId = INT_MAX;  // beyond every dialog's highestId
+constexpr int kPageId = INT_MAX;  // beyond every dialog's lastId
 constexpr int kListTextPx = 14;   // of list boxes, list views, and edit controls of many lines, at scale 1
 
 using RecordHolder = std::shared_ptr<DialogRecord>;
@@ -70,7 +70,7 @@ LRESULT CALLBACK WideCaptionProcedure(HWND dialog, UINT message, WPARAM wParam, 
 
 bool IsInRange(const ScaledDialog& what, HWND control) {
   const int id = GetDlgCtrlID(control);
-  return id >= what.lowestId && id <= std::min(what.highestId, kPageId - 1);
+  return id >= what.firstId && id <= std::min(what.lastId, kPageId - 1);
 }
 
 HFONT FontOf(HWND control) {
@@ -105,7 +105,7 @@ void Capture(HWND dialog, DialogRecord& record) {
     if (SendMessageW(child, WM_GETDLGCODE, 0, 0) & DLGC_DEFPUSHBUTTON) record.hasDefaultButton = true;
   });
   record.slots.resize(controls + 1);
-  CaptureLayout(dialog, record.slots.data(), record.what.lowestId, std::min(record.what.highestId, kPageId - 1));
+  CaptureLayout(dialog, record.slots.data(), record.what.firstId, std::min(record.what.lastId, kPageId - 1));
 }
 
 // Scaling passes over a label without a text, which would then show its next text in the font of its template. A line
@@ -140,8 +140,8 @@ void PlaceControls(HWND dialog, DialogRecord& record) {
   });
   // A control that came after the capture has no slot; reading on would take what lies behind the slots for one.
   if (controls + 1 > record.slots.size()) return;
-  ApplyLayout(dialog, what.bottomMargin, what.leftMargin, what.topMargin, what.lowestId,
-              std::min(what.highestId, kPageId - 1), record.slots.data(), &record.scale.x, &record.scale.y, FALSE);
+  ApplyLayout(dialog, what.bottomMargin, what.leftMargin, what.topMargin, what.firstId,
+              std::min(what.lastId, kPageId - 1), record.slots.data(), &record.scale.x, &record.scale.y, FALSE);
   ScaleLists(dialog, record);
   MendMirroredDialog(dialog);
   MoveTextTips(dialog, record.textTips);
@@ -183,7 +183,7 @@ void AddMenu(HWND dialog, DialogRecord& record) {
 void RestorePlace(HWND dialog, const DialogRecord& record) {
   const ScaledDialog& what = record.what;
   if (what.positionName) WindowPosition(dialog, what.positionName, kPositionRestore);
-  KeepInSight(dialog, record.smallest);
+  KeepInSight(dialog, record.minimumSize);
   DWORD maximised = FALSE;
   if (what.maximisedName) WindowNumber(what.maximisedName, &maximised, kPositionRestore);
   if (maximised) ShowWindow(dialog, SW_MAXIMIZE);
@@ -201,8 +201,8 @@ INT_PTR OnInit(HWND dialog, const Opening& opening) {
   SetTextsOfLanguage(dialog, what.templateName);
   AddMenu(dialog, *record);
   const SIZE asInTemplate = SizeOf(dialog);
-  record->smallest = {what.smallest.cx ? what.smallest.cx : asInTemplate.cx,
-                      what.smallest.cy ? what.smallest.cy : asInTemplate.cy};
+  record->minimumSize = {what.minimumSize.cx ? what.minimumSize.cx : asInTemplate.cx,
+                         what.minimumSize.cy ? what.minimumSize.cy : asInTemplate.cy};
   const INT_PTR result =
       AskProcedure(dialog, *record, WM_INITDIALOG, reinterpret_cast<WPARAM>(GetFocus()), what.parameter);
   GiveEachItsFont(dialog);
@@ -259,8 +259,8 @@ INT_PTR AnswerByResult(HWND dialog, LONG result) {
 }
 
 INT_PTR OnSizing(HWND dialog, const DialogRecord& record, WPARAM edge, LPARAM place) {
-  return AnswerByResult(dialog, LimitSizing(static_cast<UINT>(edge), reinterpret_cast<RECT*>(place), record.smallest.cx,
-                                            record.smallest.cy));
+  return AnswerByResult(dialog, LimitSizing(static_cast<UINT>(edge), reinterpret_cast<RECT*>(place),
+                                            record.minimumSize.cx, record.minimumSize.cy));
 }
 
 // Rows of an extended list grow with the dialog.

@@ -60,7 +60,7 @@ struct ScaledDialog {
   const char* maximisedName = nullptr;
 
   // Of the whole window, in pixels. 0: as in the template.
-  SIZE smallest = {};
+  SIZE minimumSize = {};
   COLORREF background = kFaceBackground;
 
   // Tips of controls, from string resources of the language that is shown unless a text is given.
@@ -73,7 +73,7 @@ struct ScaledDialog {
   // The ids of the controls that scale. Controls outside the range keep place, size and font; those that are made after
   // WM_INITDIALOG must have such ids. The fonts that controls have after WM_INITDIALOG are copied; from then on the
   // dialog owns the fonts of its controls, and deletes them.
-  int lowestId = INT_MIN, highestId = INT_MAX - 1;
+  int firstId = INT_MIN, lastId = INT_MAX - 1;
 
   // The parts of the client area that do not scale (toolbar, status bar), in pixels.
   int leftMargin = 0, topMargin = 0, bottomMargin = 0;

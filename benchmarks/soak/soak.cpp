@@ -26,7 +26,7 @@ namespace soak {
 namespace {
 
 constexpr DWORD kHangMs = 10000;
-constexpr size_t kActionsKept = 25;
+constexpr size_t kMaxActions = 25;
 constexpr int kColours[] = {COLOR_BTNFACE, COLOR_WINDOW, COLOR_WINDOWTEXT, COLOR_HIGHLIGHT};
 
 std::array<DWORD, 4> HeldBy(HANDLE process) {
@@ -120,7 +120,7 @@ int Below(Soak* soak, int end) {
 void Note(Soak* soak, const char* what, POINT a, POINT b) {
   ++soak->counts[what];
   soak->actions.push_back(camera::Format("%s %ld %ld %ld %ld", what, a.x, a.y, b.x, b.y));
-  if (soak->actions.size() > kActionsKept) soak->actions.pop_front();
+  if (soak->actions.size() > kMaxActions) soak->actions.pop_front();
 }
 
 void PrintCounts(const Soak& soak) {

@@ -25,7 +25,7 @@ namespace {
 constexpr UINT_PTR kGlideTimer = 5;
 constexpr UINT kGlideTickMs = 20;
 constexpr LRESULT kNoRecord = 1;
-constexpr int kSmallestPicture = 16, kLargestPicture = 5120;
+constexpr int kMinCopySize = 16, kMaxCopySize = 5120;
 
 // ---- Record ---------------------------------------------------------------------------------------------------------
 
@@ -175,7 +175,7 @@ LRESULT OnEnable(HorizonRecord& record, bool enabled) {
 }
 
 LRESULT OnCopy(HorizonRecord& record, LPARAM requested) {
-  const SIZE size = RequestedPictureSize(requested, ClientSize(record.window), kSmallestPicture, kLargestPicture);
+  const SIZE size = RequestedPictureSize(requested, ClientSize(record.window), kMinCopySize, kMaxCopySize);
   const std::unique_ptr<HorizonPicture> picture(new (std::nothrow) HorizonPicture);
   if (!picture) return 0;
   picture->Update(record.shown, record.style, size, true);

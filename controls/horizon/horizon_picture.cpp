@@ -24,8 +24,8 @@ constexpr COLORREF kSky = RGB(54, 132, 206), kGround = RGB(136, 92, 46), kRing =
                    kInk = RGB(245, 247, 250), kSymbol = RGB(255, 168, 20), kFlag = RGB(220, 40, 40);
 constexpr double kDegreesShown = 27;  // of pitch, from the symbol to the edge
 constexpr double kLadderReach = 0.8;  // so far that it leaves the roll pointer free
-constexpr double kLeastRadiusWithNumbers = 44;
-constexpr int kMostCorners = 260;
+constexpr double kMinRadiusWithNumbers = 44;
+constexpr int kMaxCorners = 260;
 constexpr wchar_t kFont[] = L"Arial Unicode MS";
 
 double Wrapped(double degrees, double from) {
@@ -36,9 +36,9 @@ double Wrapped(double degrees, double from) {
 // The part of a disc beyond a line at `distance` from its middle, in a direction (degrees clockwise from the top).
 void FillSegment(Canvas& canvas, PointD centre, double radius, double distance, double direction, COLORREF color) {
   if (distance >= radius) return;
-  std::array<PointD, kMostCorners> corners;
+  std::array<PointD, kMaxCorners> corners;
   const double half = distance <= -radius ? 180 : Degrees(std::acos(distance / radius));
-  const int chords = std::clamp(static_cast<int>(half * 2 / 360 * (kMostCorners - 1)), 8, kMostCorners - 1);
+  const int chords = std::clamp(static_cast<int>(half * 2 / 360 * (kMaxCorners - 1)), 8, kMaxCorners - 1);
   for (int i = 0; i <= chords; ++i) {
     corners[i] = PolarPoint(centre, radius, direction - half + 2 * half * i / chords);
   }
@@ -64,7 +64,7 @@ HorizonLayout LayoutHorizon(SIZE size, DWORD style) {
   const RECT whole{0, 0, size.cx, size.cy};
   layout.area =
       layout.round ? BoundsOf(corners, 1, whole) : RECT{2, 2, std::max(2L, size.cx - 2), std::max(2L, size.cy - 2)};
-  if ((style & kHorizonTape) && layout.radius >= kLeastRadiusWithNumbers) {
+  if ((style & kHorizonTape) && layout.radius >= kMinRadiusWithNumbers) {
     const double half = layout.radius * 0.62, top = layout.centre.y + layout.radius * 0.62;
     const auto pixel = [](double value) { return static_cast<LONG>(std::lround(value)); };
     layout.tape = {pixel(layout.centre.x - half), pixel(top), pixel(layout.centre.x + half),
@@ -80,9 +80,9 @@ PointD HorizonPlace(const HorizonLayout& layout, double roll, double right, doub
 }
 
 double LadderStep(double pixelsPerDegree) {
-  constexpr double kLeastPixels = 9;
+  constexpr double kMinPixels = 9;
   for (const double step : {2.5, 5.0}) {
-    if (step * pixelsPerDegree >= kLeastPixels) return step;
+    if (step * pixelsPerDegree >= kMinPixels) return step;
   }
   return 10;
 }
@@ -180,7 +180,7 @@ void HorizonPicture::DrawLadder(Canvas& canvas) {
   const double step = LadderStep(layout_.pixelsPerDegree), width = std::max(1.0, radius / 110);
   const double horizon = -pitch * layout_.pixelsPerDegree;
   const COLORREF ink = Shown(kInk);
-  const bool numbers = radius >= kLeastRadiusWithNumbers;
+  const bool numbers = radius >= kMinRadiusWithNumbers;
   const double height = std::max(7.0, radius * 0.085);
   BeginShape(canvas);
   if (!layout_.round || std::fabs(horizon) < radius) {

@@ -27,16 +27,16 @@ constexpr double kTenInner = 0.87, kThirtyInner = 0.83, kFineInner = 0.895;
 constexpr double kNumbers = 0.74;
 constexpr double kHub = 0.31;
 
-constexpr double kLeastFaceWithHeading = 19, kLeastFaceWithNumbers = 88, kLeastFaceWithEightLetters = 42,
-                 kLeastFaceWithRose = 26, kLeastFaceWithName = 52, kLeastFaceWithPlaces = 60;
+constexpr double kMinRadiusWithHeading = 19, kMinRadiusWithNumbers = 88, kMinRadiusWithEightLetters = 42,
+                 kMinRadiusWithRose = 26, kMinRadiusWithName = 52, kMinRadiusWithDecimals = 60;
 
 struct CardLetters {
   double radius, cardinalHeight, otherRadius, otherHeight;
 };
 
 CardLetters LettersOf(double faceRadius) {
-  if (faceRadius >= kLeastFaceWithNumbers) return {0.70, 0.20, 0.57, 0.09};
-  if (faceRadius >= kLeastFaceWithEightLetters) return {0.665, 0.21, 0.665, 0.125};
+  if (faceRadius >= kMinRadiusWithNumbers) return {0.70, 0.20, 0.57, 0.09};
+  if (faceRadius >= kMinRadiusWithEightLetters) return {0.665, 0.21, 0.665, 0.125};
   return {0.645, 0.27, 0.645, 0};
 }
 
@@ -141,7 +141,7 @@ void DrawLetters(Canvas& canvas, const Dial& dial, const InstrumentFace& face, d
 // Tens of degrees, as on an aircraft's card: the cardinal directions have their letters instead.
 void DrawNumbers(Canvas& canvas, const Dial& dial, const InstrumentFace& face, double heading) {
   const COLORREF ink = ColorsOf(face).ink;
-  if (dial.faceRadius < kLeastFaceWithNumbers) return;
+  if (dial.faceRadius < kMinRadiusWithNumbers) return;
   BeginShape(canvas);
   for (int bearing = 0; bearing < 360; bearing += 30) {
     if (bearing % 90 == 0) continue;
@@ -156,7 +156,7 @@ void DrawNumbers(Canvas& canvas, const Dial& dial, const InstrumentFace& face, d
 // Eight rays, each with a light and a dark side, the cardinal ones longer and on top.
 void DrawRose(Canvas& canvas, const Dial& dial, const InstrumentFace& face, double heading) {
   const double radius = dial.faceRadius, waist = radius * kHub * 1.02;
-  if (radius < kLeastFaceWithRose) return;
+  if (radius < kMinRadiusWithRose) return;
   const CardLetters letters = LettersOf(radius);
   for (const Rank rank : kRanks) {
     const bool other = rank == Rank::kOther;
@@ -193,10 +193,10 @@ void DrawIndex(Canvas& canvas, const Dial& dial, const InstrumentFace& face) {
 void DrawHeading(Canvas& canvas, const Dial& dial, const InstrumentFace& face, double heading) {
   const double radius = dial.faceRadius;
   const DialColors colors = ColorsOf(face);
-  const bool valid = ReadingOf(face.block).valid, named = radius >= kLeastFaceWithName;
-  const int places = radius >= kLeastFaceWithPlaces ? face.block.format & kFormatPlaces : 0;
+  const bool valid = ReadingOf(face.block).valid, named = radius >= kMinRadiusWithName;
+  const int places = radius >= kMinRadiusWithDecimals ? face.block.format & kFormatPlaces : 0;
   const FixedText text = valid ? HeadingText(heading, places) + DecodedUnit(face.block) : FixedText(L"---");
-  const int width = static_cast<int>(radius * (radius < kLeastFaceWithRose ? 0.9 : 2 * kHub * 0.93));
+  const int width = static_cast<int>(radius * (radius < kMinRadiusWithRose ? 0.9 : 2 * kHub * 0.93));
   const auto write = [&](const FixedText& line, double tall, int least, int room, int weight, double middle,
                          double boxHeight, COLORREF color, UINT align) {
     const int wanted = std::max(least, static_cast<int>(radius * tall));
@@ -237,10 +237,10 @@ double CardAngle(double bearing, double heading) {
 }
 
 int MarkSpacing(double faceRadius) {
-  constexpr double kLeastPixels = 4.0;
+  constexpr double kMinPixels = 4.0;
   const double perDegree = faceRadius * kRadiansPerDegree;
   for (int spacing : {1, 2, 5}) {
-    if (perDegree * spacing >= kLeastPixels) return spacing;
+    if (perDegree * spacing >= kMinPixels) return spacing;
   }
   return 10;
 }
@@ -268,12 +268,12 @@ void DrawCard(Canvas& canvas, const InstrumentFace& face, const double& heading)
   DrawNumbers(canvas, dial, face, heading);
   DrawLetters(canvas, dial, face, heading);
   DrawRose(canvas, dial, face, heading);
-  if (dial.faceRadius >= kLeastFaceWithRose) {
+  if (dial.faceRadius >= kMinRadiusWithRose) {
     FillDisc(canvas, dial.centre, dial.faceRadius * kHub * 1.05, colors.faceBottom);
     FillGradientDisc(canvas, dial.centre, dial.faceRadius * kHub, colors.window, colors.faceTop);
   }
   if (ReadingOf(face.block).valid) DrawIndex(canvas, dial, face);
-  if (dial.faceRadius >= kLeastFaceWithHeading) DrawHeading(canvas, dial, face, heading);
+  if (dial.faceRadius >= kMinRadiusWithHeading) DrawHeading(canvas, dial, face, heading);
 }
 
 void AddParts(ValueLayer& layer, const InstrumentBlock& block, const char*) {

@@ -21,7 +21,7 @@ constexpr double kWidth = 0.54, kStroke = 0.115, kBetween = 0.17, kSeparator = 0
 // What remains free around the characters.
 constexpr double kMarginX = 0.03, kMarginY = 0.10;
 
-constexpr int kLeastHeightWithCaption = 24, kCaptionRightMargin = 4;
+constexpr int kMinHeightWithCaption = 24, kCaptionRightMargin = 4;
 
 constexpr unsigned kLeftSide = kSegmentUpperLeft | kSegmentLowerLeft,
                    kRightSide = kSegmentUpperRight | kSegmentLowerRight, kStem = kStrokeStemUpper | kStrokeStemLower,
@@ -109,7 +109,7 @@ unsigned SegmentsOf(char character) {
 DigitCells CellsOf(const char* text, DWORD style) {
   DigitCells cells{};
   const auto add = [&cells](unsigned segments) {
-    if (cells.count < kMostDigits) cells.cells[cells.count++] = {segments, Separator::kNone};
+    if (cells.count < kMaxDigits) cells.cells[cells.count++] = {segments, Separator::kNone};
   };
   int separators = 0;
   for (; *text; ++text) {
@@ -190,7 +190,7 @@ StrokeCorners CornersOf(const DigitPlace& place, int stroke) {
 DigitalParts LayOutDigital(const RECT& area, DWORD style) {
   const int height = area.bottom - area.top;
   DigitalParts parts{0, {}, area};
-  if (height < kLeastHeightWithCaption || (style & kInstrumentNoCaption)) return parts;
+  if (height < kMinHeightWithCaption || (style & kInstrumentNoCaption)) return parts;
   parts.captionHeight = CaptionFontHeight(height);
   parts.caption = {area.left, area.top, area.right - kCaptionRightMargin, area.top + parts.captionHeight};
   parts.display.top += parts.captionHeight;

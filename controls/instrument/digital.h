@@ -45,11 +45,11 @@ struct DigitCell {
 // (blank) for all others.
 unsigned SegmentsOf(char character);
 
-// The characters of a text, of which at most kMostDigits are shown; each '.' becomes the separator that `style` asks
+// The characters of a text, of which at most kMaxDigits are shown; each '.' becomes the separator that `style` asks
 // for in its place (kInstrumentShowTime ...) behind the character before it, or behind a blank when there is none.
-inline constexpr int kMostDigits = 32;
+inline constexpr int kMaxDigits = 32;
 struct DigitCells {
-  std::array<DigitCell, kMostDigits> cells;
+  std::array<DigitCell, kMaxDigits> cells;
   int count;
   const DigitCell* begin() const { return cells.data(); }
   const DigitCell* end() const { return cells.data() + count; }
@@ -65,7 +65,7 @@ struct DigitPlace {
   double stroke;                    // thickness of a segment
   double between, separator;        // room between two characters, and that of a separator besides
 };
-using DigitPlaces = std::array<DigitPlace, kMostDigits>;
+using DigitPlaces = std::array<DigitPlace, kMaxDigits>;
 DigitPlaces LayOutDigits(const RECT& area, const DigitCells& cells);
 
 // Corners of a segment or stroke (bit number 0..kAllStrokes - 1) of a character.

@@ -421,7 +421,7 @@ LRESULT CopyToClipboard(InstrumentRecord* record, LPARAM requested) {
   EnsureRendered(record);
   if (!record->hBuffer) return 0;
   const SIZE own{record->nWidth, record->nHeight};
-  const SIZE size = RequestedPictureSize(requested, own, kInstrumentSmallestPicture, kInstrumentLargestPicture);
+  const SIZE size = RequestedPictureSize(requested, own, kInstrumentMinCopySize, kInstrumentMaxCopySize);
   CopyBitmapToClipboard(record->hWnd, record->hBuffer, own, size);
   return 0;
 }

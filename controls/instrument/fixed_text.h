@@ -10,13 +10,13 @@
 
 namespace kv {
 
-// A text of up to kMost characters, always terminated.
+// A text of up to kMaxCharacters characters, always terminated.
 class FixedText {
  public:
-  static constexpr std::size_t kMost = 127;
+  static constexpr std::size_t kMaxCharacters = 127;
 
   FixedText() = default;
-  FixedText(std::wstring_view text) : size_(std::min(text.size(), kMost)) {
+  FixedText(std::wstring_view text) : size_(std::min(text.size(), kMaxCharacters)) {
     std::copy_n(text.data(), size_, characters_.data());
   }
   FixedText(const wchar_t* text) : FixedText(std::wstring_view(text)) {}
@@ -33,7 +33,7 @@ class FixedText {
   std::wstring_view view() const { return *this; }
 
   FixedText& operator+=(std::wstring_view text) {
-    const std::size_t taken = std::min(text.size(), kMost - size_);
+    const std::size_t taken = std::min(text.size(), kMaxCharacters - size_);
     std::copy_n(text.data(), taken, end());
     size_ += taken;
     return *this;
@@ -44,11 +44,11 @@ class FixedText {
   friend bool operator==(const FixedText& first, const FixedText& second) { return first.view() == second.view(); }
 
  private:
-  std::array<wchar_t, kMost + 1> characters_{};
+  std::array<wchar_t, kMaxCharacters + 1> characters_{};
   std::size_t size_ = 0;
 };
 
-template <class Item, std::size_t Most>
+template <class Item, std::size_t Capacity>
 class FixedList {
  public:
   FixedList() = default;
@@ -57,7 +57,7 @@ class FixedList {
   }
 
   void push_back(const Item& item) {
-    if (size_ < Most) items_[size_++] = item;
+    if (size_ < Capacity) items_[size_++] = item;
   }
   std::size_t size() const { return size_; }
   bool empty() const { return size_ == 0; }
@@ -67,7 +67,7 @@ class FixedList {
   const Item* end() const { return begin() + size_; }
 
  private:
-  std::array<Item, Most> items_{};
+  std::array<Item, Capacity> items_{};
   std::size_t size_ = 0;
 };
 

@@ -95,7 +95,7 @@ void DrawFace(Canvas& canvas, InstrumentFace& face) {
   if (dial.radius <= 0) return;
   DrawZones(canvas, dial, face);
   DrawTicks(canvas, dial, face, layout.scale);
-  if (dial.faceRadius >= kLeastFaceWithWindow) DrawValueWindow(canvas, dial, ColorsOf(face));
+  if (dial.faceRadius >= kMinRadiusWithWindow) DrawValueWindow(canvas, dial, ColorsOf(face));
   DrawTexts(canvas, layout, face);
 }
 
@@ -158,7 +158,7 @@ void AddParts(ValueLayer& layer, const InstrumentBlock& block, const char*) {
   const Dial dial = DialIn(face.area);
   if (dial.radius <= 0) return;
   const RECT window = Widened(GaugeValueBox(dial));
-  if (dial.faceRadius >= kLeastFaceWithValue && !layer.Skips(window)) {
+  if (dial.faceRadius >= kMinRadiusWithValue && !layer.Skips(window)) {
     layer.Add(window, LayOutGaugeValue(dial, block, MeasureText), DrawValueText);
   }
   const InstrumentReading reading = ReadingOf(block);

@@ -28,11 +28,11 @@ constexpr double kNeedleReach = 0.90;
 constexpr double kValueMiddle = 0.775, kValueBottom = 0.92, kValueWidth = 0.70, kBareValueWidth = 1.15,
                  kValueHeight = 0.26;
 
-constexpr double kLeastFaceWithLabels = 36, kLeastFaceWithName = 29;
-constexpr int kLeastHeight = 9;               // of a font that can be read
-constexpr double kLeastCaptionHeight = 0.09;  // of name and unit: on a large dial no tiny text
-constexpr int kLeastCutWidth = 26;            // of a name that ends in dots
-constexpr double kInk = 0.8;                  // part of a font's cell that is not air
+constexpr double kMinRadiusWithLabels = 36, kMinRadiusWithName = 29;
+constexpr int kMinFontHeight = 9;           // of a font that can be read
+constexpr double kMinCaptionHeight = 0.09;  // of name and unit: on a large dial no tiny text
+constexpr int kMinTruncatedWidth = 26;      // of a name that ends in dots
+constexpr double kInk = 0.8;                // part of a font's cell that is not air
 
 struct NiceStep {
   double factor;
@@ -123,13 +123,13 @@ GaugeText TextIn(const Room& room, const Band& band, std::wstring_view text, int
   return {text, height, FW_NORMAL, BoxAt(middle, 2 * half, height)};
 }
 
-int LeastHeight(const Room& room) {
-  return std::max(kLeastHeight, Round(kLeastCaptionHeight * room.dial.faceRadius));
+int MinFontHeight(const Room& room) {
+  return std::max(kMinFontHeight, Round(kMinCaptionHeight * room.dial.faceRadius));
 }
 
 // The text in the largest font up to `wanted` in which the band takes all of it; not shown when none is.
 GaugeText FitText(const Room& room, const Band& band, std::wstring_view text, double wanted, TextMeasure measure) {
-  const int least = LeastHeight(room);
+  const int least = MinFontHeight(room);
   int height = std::max(least, Round(std::min(wanted, (band.bottom - band.top) / kInk)));
   while (true) {
     const double width = measure(text, height, FW_NORMAL).cx, half = FreeHalf(room, band, height);
@@ -143,7 +143,7 @@ GaugeText FitText(const Room& room, const Band& band, std::wstring_view text, do
 FixedList<Band, 2> BandsOf(const Room& room) {
   const double top = kTailEnd * room.dial.faceRadius;
   const double bottom = GaugeValueBox(room.dial).top - room.dial.centre.y, middle = (top + bottom) / 2;
-  if (middle - top < kLeastHeight * kInk) return {{top, bottom}};
+  if (middle - top < kMinFontHeight * kInk) return {{top, bottom}};
   return {{top, middle}, {middle, bottom}};
 }
 
@@ -172,9 +172,9 @@ Captions PlaceCaptions(const Room& room, std::wstring_view name, std::wstring_vi
 
 // A name that fits nowhere is cut where there is most room.
 void PlaceCutName(const Room& room, std::wstring_view name, Captions* captions) {
-  double widest = kLeastCutWidth / 2.0;
+  double widest = kMinTruncatedWidth / 2.0;
   for (const Band& band : BandsOf(room)) {
-    const int height = LeastHeight(room);
+    const int height = MinFontHeight(room);
     const double half = FreeHalf(room, band, height);
     const GaugeText cut = TextIn(room, band, name, height, half);
     if (half < widest || (captions->unitFits && Touch(InkOf(cut.box), InkOf(captions->unit.box), 0))) continue;
@@ -186,7 +186,7 @@ void PlaceCutName(const Room& room, std::wstring_view name, Captions* captions) 
 GaugeLabels PlaceLabels(const Room& room, const InstrumentBlock& block, const GaugeScale& scale, TextMeasure measure) {
   const Dial& dial = room.dial;
   const InstrumentReading reading = ReadingOf(block);
-  const int height = std::max(kLeastHeight, Round(dial.faceRadius * kLabelHeight));
+  const int height = std::max(kMinFontHeight, Round(dial.faceRadius * kLabelHeight));
   GaugeLabels labels;
   for (long long index = scale.first; index <= scale.last; ++index) {
     const FixedText text = PlainNumber(LabelValue(scale, index), scale.labelPlaces, (block.format & kFormatSign) != 0);
@@ -230,9 +230,9 @@ double GaugeAngle(const InstrumentReading& reading, double value) {
   return kGaugeStart + kGaugeSweep * FractionOf(reading, value);
 }
 
-GaugeScale ChooseScale(double minimum, double maximum, int mostIntervals) {
+GaugeScale ChooseScale(double minimum, double maximum, int maxIntervals) {
   const double low = std::min(minimum, maximum), high = std::max(minimum, maximum);
-  const double raw = (high - low) / std::max(mostIntervals, 1);
+  const double raw = (high - low) / std::max(maxIntervals, 1);
   const double power = std::pow(10.0, std::floor(std::log10(raw)));
   const auto* nice = std::find_if(std::begin(kNiceSteps), std::end(kNiceSteps) - 1, [raw, power](const NiceStep& step) {
     return raw <= step.factor * power * (1 + 1e-9);
@@ -263,14 +263,14 @@ GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, TextMeas
   const double face = dial.faceRadius;
   const InstrumentReading reading = ReadingOf(block);
   GaugeLayout layout{dial, ChooseScale(reading.minimum, reading.maximum, 10), {}, {}, {}, kNeedleReach * face};
-  if (face < kLeastFaceWithName) return layout;
+  if (face < kMinRadiusWithName) return layout;
   const Room empty{dial,
                    std::max(2.0, face * 0.04),
                    {BoxAt(dial.centre, 2 * kHubRoom * face, 2 * kHubRoom * face), GaugeValueBox(dial)}};
   const FixedText name = DecodedName(block);
   Room chosen = empty;
   Captions captions{{}, {}, false, false};
-  if (face >= kLeastFaceWithLabels) {
+  if (face >= kMinRadiusWithLabels) {
     // The finest scale that leaves room for name and unit. A name is not worth a scale of less than four parts.
     for (const int intervals : {10, 8, 6, 5, 4, 2}) {
       const GaugeScale scale = ChooseScale(reading.minimum, reading.maximum, intervals);
@@ -300,7 +300,7 @@ GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, TextMeas
 RECT GaugeValueBox(const Dial& dial) {
   const double face = dial.faceRadius, height = std::max(10.0, face * kValueHeight);
   const double middle = std::min(kValueMiddle * face, kValueBottom * face - height / 2);
-  const double width = face < kLeastFaceWithLabels ? kBareValueWidth : kValueWidth;
+  const double width = face < kMinRadiusWithLabels ? kBareValueWidth : kValueWidth;
   return BoxAt({dial.centre.x, dial.centre.y + middle}, std::max(24.0, face * width), height);
 }
 
@@ -313,7 +313,7 @@ GaugeText LayOutGaugeValue(const Dial& dial, const InstrumentBlock& block, TextM
                     : NumberFormList{L"---"};
   // A number cut at its end would be a wrong one: the last form becomes as small as it must.
   for (const FixedText& form : forms) {
-    const int least = &form == &forms.back() ? 1 : kLeastHeight;
+    const int least = &form == &forms.back() ? 1 : kMinFontHeight;
     for (int height = wanted; height >= least;) {
       const int width = measure(form, height, FW_BOLD).cx;
       if (width <= room) return {form, height, FW_BOLD, box};

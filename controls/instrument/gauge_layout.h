@@ -22,8 +22,8 @@ struct GaugeScale {
   int exponent;           // labels are divided by ten to this power, a multiple of 3; 0 unless that makes them shorter
   int labelPlaces;        // decimal places that the labels need
 };
-// The finest scale with at most `mostIntervals` steps across the range.
-GaugeScale ChooseScale(double minimum, double maximum, int mostIntervals);
+// The finest scale with at most `maxIntervals` steps across the range.
+GaugeScale ChooseScale(double minimum, double maximum, int maxIntervals);
 double LabelValue(const GaugeScale& scale, long long index);
 
 // Middle of a label of this size so that it just touches a circle of `radius` from within, in the given direction.
@@ -52,7 +52,7 @@ struct GaugeLayout {
 GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, TextMeasure measure);
 
 // The window of the value. A dial that is too small for a window shows the value alone at this place, or none.
-inline constexpr double kLeastFaceWithWindow = 40, kLeastFaceWithValue = 14;
+inline constexpr double kMinRadiusWithWindow = 40, kMinRadiusWithValue = 14;
 RECT GaugeValueBox(const Dial& dial);
 GaugeText LayOutGaugeValue(const Dial& dial, const InstrumentBlock& block, TextMeasure measure);
 

@@ -23,8 +23,8 @@ bool BelongTogether(const RECT& first, const RECT& second) {
 }  // namespace
 
 void InstrumentParts::Add(const RECT& place, DWORD hash) {
-  if (count_ < kMost) parts_[count_] = {place, hash};
-  count_ = std::min(count_ + 1, kMost + 1);
+  if (count_ < kMaxParts) parts_[count_] = {place, hash};
+  count_ = std::min(count_ + 1, kMaxParts + 1);
 }
 
 void Damage::Add(RECT area) {

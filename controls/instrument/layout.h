@@ -37,18 +37,18 @@ static_assert(sizeof(InstrumentFace) == 56 + sizeof(InstrumentBlock));
 // same order; parts may come and go at the end.
 class InstrumentParts {
  public:
-  static constexpr int kMost = 128;
+  static constexpr int kMaxParts = 128;
   struct Part {
     RECT place;
     DWORD hash;  // of what it looks like
   };
   // One part more than can be held makes the list incomplete.
   void Add(const RECT& place, DWORD hash);
-  bool complete() const { return count_ <= kMost; }
+  bool complete() const { return count_ <= kMaxParts; }
   std::span<const Part> all() const { return {parts_.data(), static_cast<size_t>(count_)}; }
 
  private:
-  std::array<Part, kMost> parts_;
+  std::array<Part, kMaxParts> parts_;
   int count_ = 0;
 };
 

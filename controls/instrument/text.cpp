@@ -153,8 +153,8 @@ FixedText NoValueNumber(const InstrumentBlock& block) {
 }
 
 FixedText AngleText(double degrees, const char (&hemispheres)[6]) {
-  constexpr double kMost = 999999999;
-  const double magnitude = std::isnan(degrees) ? 0 : std::min(std::fabs(degrees), kMost);
+  constexpr double kMaxNumber = 999999999;
+  const double magnitude = std::isnan(degrees) ? 0 : std::min(std::fabs(degrees), kMaxNumber);
   long whole = static_cast<long>(magnitude);
   double fraction = magnitude - whole;
   long minutes = static_cast<long>(60 * fraction);

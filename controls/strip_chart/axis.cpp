@@ -39,10 +39,10 @@ double TimeStep(double least, bool clock) {
 }
 
 AxisRange NiceRange(double low, double high, int ticks) {
-  constexpr double kSmallest = 1e-200;
+  constexpr double kMinMagnitude = 1e-200;
   const double magnitude = std::max(std::fabs(low), std::fabs(high));
-  if (!(high - low > std::max(magnitude * 1e-9, kSmallest))) {
-    const double room = magnitude > kSmallest ? magnitude * 0.1 : 1;
+  if (!(high - low > std::max(magnitude * 1e-9, kMinMagnitude))) {
+    const double room = magnitude > kMinMagnitude ? magnitude * 0.1 : 1;
     low -= room;
     high += room;
   }

@@ -22,7 +22,7 @@ namespace kv {
 
 namespace {
 
-constexpr int kSmallestPicture = 16, kLargestPicture = 5120;
+constexpr int kMinCopySize = 16, kMaxCopySize = 5120;
 
 // Numbers as the user's spreadsheet reads them.
 struct Table {
@@ -125,7 +125,7 @@ std::wstring TableOf(const StripModel& model, const StripLayout& layout) {
   DWORD most = 0;
   for (const Stretch& each : shown) most = std::max(most, DWORD{each.to > each.from ? each.to - each.from : 0});
   Table table;
-  const bool byColumn = most > kStripMostTextRows;
+  const bool byColumn = most > kStripMaxTextRows;
   AddHead(table, model, byColumn);
   if (byColumn) {
     AddColumns(table, model, layout);
@@ -157,7 +157,7 @@ void AddTextToClipboard(HWND window, const std::wstring& text) {
 }  // namespace
 
 LRESULT CopyStrip(StripChart& chart, LPARAM requested) {
-  const SIZE size = RequestedPictureSize(requested, ClientSize(chart.window), kSmallestPicture, kLargestPicture);
+  const SIZE size = RequestedPictureSize(requested, ClientSize(chart.window), kMinCopySize, kMaxCopySize);
   // Drawn at the size that is wanted, by a picture of its own: what the control's has still to show stays.
   const double fresh = chart.model.freshFrom, gone = chart.model.goneTo;
   const std::unique_ptr<StripPicture> picture(new (std::nothrow) StripPicture);

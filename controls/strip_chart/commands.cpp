@@ -48,8 +48,8 @@ bool ExchangeChannel(StripModel& model, unsigned index, WPARAM wParam, LPARAM ad
 
 bool Append(StripModel& model, unsigned index, LPARAM address) {
   StripSamples samples;
-  constexpr DWORD kMost = 0x7FFFFFFF / sizeof(StripSample);
-  if (!TakeIn(address, &samples) || samples.count > kMost ||
+  constexpr DWORD kMaxCount = 0x7FFFFFFF / sizeof(StripSample);
+  if (!TakeIn(address, &samples) || samples.count > kMaxCount ||
       (samples.count && IsBadReadPtr(samples.samples, samples.count * sizeof(StripSample)))) {
     return false;
   }
@@ -84,7 +84,7 @@ bool ExchangeCursor(StripModel& model, WPARAM wParam, LPARAM address) {
     return true;
   }
   double time = 0;
-  if (!TakeIn(address, &time) || !(std::fabs(time) <= kStripFarthestTime)) return false;
+  if (!TakeIn(address, &time) || !(std::fabs(time) <= kStripMaxTime)) return false;
   model.cursor = time;
   model.cursorShown = true;
   return true;

@@ -58,12 +58,12 @@ COLORREF Mix(COLORREF from, COLORREF to, int percent) {
 }
 
 // The colour, drawn towards `ink` until it stands out from `paper`.
-COLORREF Readable(COLORREF color, COLORREF paper, COLORREF ink, double leastContrast) {
+COLORREF Readable(COLORREF color, COLORREF paper, COLORREF ink, double minContrast) {
   const double background = Luminance(paper) + 0.05;
   for (int percent = 0; percent < 100; percent += 20) {
     const COLORREF mixed = Mix(color, ink, percent);
     const double contrast = (Luminance(mixed) + 0.05) / background;
-    if (std::max(contrast, 1 / contrast) >= leastContrast) return mixed;
+    if (std::max(contrast, 1 / contrast) >= minContrast) return mixed;
   }
   return ink;
 }

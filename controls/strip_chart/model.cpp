@@ -23,7 +23,7 @@ constexpr double kSpanFactors[] = {1, 1.2, 1.5, 2, 2.5, 3, 4, 5, 6, 8, 10};
 
 bool IsRange(double low, double high) {
   const double magnitude = std::max(std::fabs(low), std::fabs(high));
-  return magnitude <= kStripLargestValue && high - low > std::max(magnitude * 1e-9, 1e-200);
+  return magnitude <= kStripMaxValue && high - low > std::max(magnitude * 1e-9, 1e-200);
 }
 
 // Gives a channel a store, and if it has none a description.
@@ -47,7 +47,7 @@ double SpanFor(double length) {
 }
 
 // So far apart that doubles of this size tell a thousandth of it.
-double LeastSpan(double time) {
+double MinSpan(double time) {
   return std::max(1e-6, std::fabs(time) * 1e-11);
 }
 
@@ -58,7 +58,7 @@ void Follow(StripModel& model, bool follow) {
 // Shows a stretch of this length and end, as far as there are samples.
 void Show(StripModel& model, double span, double end) {
   const StripStretch kept = KeptTimes(model);
-  model.view.span = std::clamp(span, LeastSpan(kept.to), 4 * kStripFarthestTime);
+  model.view.span = std::clamp(span, MinSpan(kept.to), 4 * kStripMaxTime);
   Follow(model, end >= kept.to);
   model.view.end = std::clamp(end, std::min(kept.from + model.view.span, kept.to), kept.to);
 }
@@ -128,15 +128,15 @@ bool SetZone(StripModel& model, unsigned index, const StripZone& zone, bool show
 }
 
 bool SetView(StripModel& model, const StripView& view) {
-  const bool allowed = view.version == kStripVersion && view.span >= 0 && view.span <= 4 * kStripFarthestTime &&
-                       std::fabs(view.end) <= kStripFarthestTime && view.zoom > 1e-6 && view.zoom < 1e6 &&
+  const bool allowed = view.version == kStripVersion && view.span >= 0 && view.span <= 4 * kStripMaxTime &&
+                       std::fabs(view.end) <= kStripMaxTime && view.zoom > 1e-6 && view.zoom < 1e6 &&
                        std::fabs(view.shift) < 1e6;
   if (!allowed) return false;
   const bool hold = (view.state & kStripHold) != 0;
   SetHold(model, hold);
   model.view = view;
   model.view.state &= kStripFollow | kStripHold;
-  if (view.span > 0) model.view.span = std::max(view.span, LeastSpan(KeptTimes(model).to));
+  if (view.span > 0) model.view.span = std::max(view.span, MinSpan(KeptTimes(model).to));
   model.home = model.view;
   model.home.state &= ~kStripHold;
   return true;
@@ -167,7 +167,7 @@ StripStretch KeptTimes(const StripModel& model) {
 StripStretch ShownTimes(const StripModel& model) {
   const StripStretch kept = KeptTimes(model);
   const double span =
-      model.view.span > 0 ? model.view.span : SpanFor(std::max(kept.to - kept.from, LeastSpan(kept.to) * 1000));
+      model.view.span > 0 ? model.view.span : SpanFor(std::max(kept.to - kept.from, MinSpan(kept.to) * 1000));
   const bool follows = (model.view.state & kStripFollow) || model.view.span == 0;
   const double end = follows ? kept.to : model.view.end;
   return {end - span, end};

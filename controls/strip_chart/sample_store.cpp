@@ -11,7 +11,7 @@
 namespace kv {
 
 bool SampleStore::MakeResized(unsigned capacity, SampleStore* other) const {
-  if (capacity == 0 || capacity > kStripLargestCapacity) return false;
+  if (capacity == 0 || capacity > kStripMaxCapacity) return false;
   SampleStore made;
   made.capacity_ = capacity;
   made.times_.reset(new (std::nothrow) double[capacity]);
@@ -28,9 +28,9 @@ bool SampleStore::MakeResized(unsigned capacity, SampleStore* other) const {
 }
 
 bool SampleStore::Append(std::span<const StripSample> samples) {
-  double last = count_ ? newest() : -kStripFarthestTime;
+  double last = count_ ? newest() : -kStripMaxTime;
   for (const StripSample& sample : samples) {
-    if (!(sample.time >= last) || !(sample.time <= kStripFarthestTime)) return false;
+    if (!(sample.time >= last) || !(sample.time <= kStripMaxTime)) return false;
     last = sample.time;
   }
   if (capacity_ == 0) return false;
@@ -46,7 +46,7 @@ void SampleStore::Put(const StripSample& sample) {
   } else {
     ++count_;
   }
-  const bool isGap = !(std::fabs(sample.value) <= kStripLargestValue);
+  const bool isGap = !(std::fabs(sample.value) <= kStripMaxValue);
   const double value = isGap ? std::numeric_limits<double>::quiet_NaN() : sample.value;
   times_[slot] = sample.time;
   values_[slot] = value;

@@ -4,9 +4,9 @@
 //
 // Styles      The low four bits of the window style are the mode, further bits vary it: kStrip... below. The control
 //             copies the style when it is created; later changes go through kStripStyle.
-// Times       Seconds, from whatever the owner counts from, within +-kStripFarthestTime; those of one channel never
+// Times       Seconds, from whatever the owner counts from, within +-kStripMaxTime; those of one channel never
 //             decrease, and channels may have different ones. With kStripTimeOfDay a multiple of 86,400 is a midnight.
-// Values      In the channel's unit. NaN is a gap, and so is what is infinite or beyond +-kStripLargestValue.
+// Values      In the channel's unit. NaN is a gap, and so is what is infinite or beyond +-kStripMaxValue.
 // Picture     From 0 x 0 pixels up; text and lines grow with the control, nothing reads the dpi. Numbers have the point
 //             of the display instruments. New samples show within 50 ms, at most twenty pictures a second, or at once
 //             with kCommandRedraw. What it costs depends on the pixels, not on the samples. Time runs from left to
@@ -21,7 +21,7 @@
 //             WM_COPY      puts picture (CF_BITMAP) and values (CF_UNICODETEXT) on the clipboard, Ctrl+C likewise.
 //                          lParam as for the display instrument: the picture's width and height, each clamped to
 //                          16..5120, or 0. The text is a table with tabs, decimal separator as the user has it: one
-//                          row for each sample shown, or where those are more than kStripMostTextRows, one for each
+//                          row for each sample shown, or where those are more than kStripMaxTextRows, one for each
 //                          column of pixels with minimum and maximum.
 //             WM_DROPFILES sent on to the parent.
 //             kControlCommand  below.
@@ -43,9 +43,9 @@ inline constexpr char kStripChartClass[] = "kvLineRecorder";
 inline constexpr DWORD kStripVersion = 0x20261125;  // in every StripChannel and StripView; others are rejected
 
 inline constexpr int kStripChannels = 8, kStripZones = 3;
-inline constexpr DWORD kStripDefaultCapacity = 100000, kStripLargestCapacity = 1u << 26;  // samples of each channel
-inline constexpr double kStripFarthestTime = 1e15, kStripLargestValue = 1e300;
-inline constexpr DWORD kStripMostTextRows = 65536;
+inline constexpr DWORD kStripDefaultCapacity = 100000, kStripMaxCapacity = 1u << 26;  // samples of each channel
+inline constexpr double kStripMaxTime = 1e15, kStripMaxValue = 1e300;
+inline constexpr DWORD kStripMaxTextRows = 65536;
 
 // Style bits.
 inline constexpr DWORD kStripModeBits = 0x000F;
@@ -126,7 +126,7 @@ inline constexpr WPARAM kStripStyle = 3;      // a DWORD: bits to set, or with k
 inline constexpr WPARAM kStripChannel = 17;   // a StripChannel; with kCommandRemove the channel and its samples go
 inline constexpr WPARAM kStripAppend = 18;    // StripSamples; all or, where a time is not allowed, none
 inline constexpr WPARAM kStripZone = 20;      // a StripZone; shown with kStripZoneEnable, otherwise not
-inline constexpr WPARAM kStripCapacity = 21;  // a DWORD, 1..kStripLargestCapacity; rejected when memory is short
+inline constexpr WPARAM kStripCapacity = 21;  // a DWORD, 1..kStripMaxCapacity; rejected when memory is short
 inline constexpr WPARAM kStripViewItem = 22;  // a StripView
 inline constexpr WPARAM kStripCursor = 23;    // a StripReading; with kCommandRemove it goes; reading without one: 0
 inline constexpr WPARAM kStripMark = 24;      // a StripStretch, likewise

@@ -15,7 +15,7 @@ namespace gallery {
 namespace {
 
 constexpr DWORD kAnswerTimeoutMs = 2000;
-constexpr LONG kLongestLog = 20000;
+constexpr LONG kMaxLogCharacters = 20000;
 constexpr UINT_PTR kEndTimer = 1;
 constexpr UINT kEndTimerMs = 500;
 constexpr UINT kEnded = WM_APP + 10;  // lParam: the conversation
@@ -41,7 +41,7 @@ std::string FieldText(HWND page, int controlId) {
 void AppendToLog(HWND page, const wchar_t* text) {
   HWND log = GetDlgItem(page, IDC_DDE_LOG);
   LONG end = GetWindowTextLengthW(log);
-  if (end > kLongestLog) {
+  if (end > kMaxLogCharacters) {
     SetWindowTextW(log, L"");
     end = 0;
   }

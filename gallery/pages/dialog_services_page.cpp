@@ -21,8 +21,8 @@ namespace {
 constexpr char kVisitsName[] = "Gallery.DialogServicesVisits";
 constexpr char kPlaceName[] = "Gallery.Remembered";
 
-constexpr int kTrackbarLargest = 100;
-constexpr int kFewestIntervals = 1, kMostIntervals = 20, kScrollPage = 4;
+constexpr int kTrackbarMax = 100;
+constexpr int kMinIntervals = 1, kMaxIntervals = 20, kScrollPage = 4;
 
 // Shows text resource `textId`, a format, with its arguments.
 template <class... Arguments>
@@ -69,9 +69,9 @@ void ShowScale(HWND page) {
 
 void SetIntervals(HWND page, int intervals) {
   // The largest position of a scroll bar lies a page before its end.
-  kv::SetScrollBarControl(GetDlgItem(page, IDC_SERVICES_SCROLL), kFewestIntervals, kMostIntervals + kScrollPage - 1,
+  kv::SetScrollBarControl(GetDlgItem(page, IDC_SERVICES_SCROLL), kMinIntervals, kMaxIntervals + kScrollPage - 1,
                           kScrollPage, intervals);
-  kv::SetTrackbarTicks(GetDlgItem(page, IDC_SERVICES_TRACKBAR), 0, kTrackbarLargest, intervals);
+  kv::SetTrackbarTicks(GetDlgItem(page, IDC_SERVICES_TRACKBAR), 0, kTrackbarMax, intervals);
   Show(page, IDC_SERVICES_INTERVALS, IDS_SERVICES_INTERVALS, intervals);
 }
 
@@ -99,7 +99,7 @@ void OnScroll(HWND page, HWND control, int code) {
     case SB_THUMBTRACK: break;
     default: return;
   }
-  SetIntervals(page, std::clamp(intervals, kFewestIntervals, kMostIntervals));
+  SetIntervals(page, std::clamp(intervals, kMinIntervals, kMaxIntervals));
 }
 
 // ---- Window memory -------------------------------------------------------------------------------------------------

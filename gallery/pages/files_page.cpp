@@ -70,7 +70,7 @@ void Save(HWND page) {
 
 INT_PTR OnInit(HWND page) {
   ProposeFile();
-  SendDlgItemMessageW(page, IDC_FILES_NOTES, EM_SETLIMITTEXT, kLargestNotes, 0);
+  SendDlgItemMessageW(page, IDC_FILES_NOTES, EM_SETLIMITTEXT, kMaxNotesBytes, 0);
   return TRUE;
 }
 

@@ -28,7 +28,7 @@ constexpr UINT_PTR kMotionTimer = 1;
 constexpr UINT kMotionMs = 33;
 constexpr int kOversampling = 2;
 constexpr double kTurnPerPicture = 0.5, kDegreesPerPixel = 0.5, kDegreesPerKey = 5;
-constexpr double kZoomPerStep = 1.1, kSmallestZoom = 0.4, kLargestZoom = 4;
+constexpr double kZoomPerStep = 1.1, kMinZoom = 0.4, kMaxZoom = 4;
 constexpr double kFirstTurn = 200, kFirstTilt = 28;
 // Model units that fill the window; its height takes in more when the craft is seen from above or below.
 constexpr double kFittingWidth = 530, kFittingHeight = 260, kFittingHeightFromAbove = 500;
@@ -170,7 +170,7 @@ LRESULT OnButtonDown(HWND window, MeshView* view, POINT point) {
 }
 
 LRESULT Zoom(MeshView* view, double steps) {
-  view->figures.zoom = std::clamp(view->figures.zoom * std::pow(kZoomPerStep, steps), kSmallestZoom, kLargestZoom);
+  view->figures.zoom = std::clamp(view->figures.zoom * std::pow(kZoomPerStep, steps), kMinZoom, kMaxZoom);
   return 0;
 }
 

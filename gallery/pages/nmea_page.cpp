@@ -19,7 +19,7 @@ namespace {
 
 constexpr UINT_PTR kTimer = 1;
 constexpr UINT kTimerMs = 500;
-constexpr int kMostLines = 200;
+constexpr int kMaxLines = 200;
 
 // The boat's clock: how many sentences it has sent.
 int step = 0;
@@ -51,7 +51,7 @@ void ReplaceText(HWND terminal, LONG first, LONG last, const char* text) {
 }
 
 void AppendLine(HWND terminal, const char* text) {
-  if (SendMessageA(terminal, EM_GETLINECOUNT, 0, 0) > kMostLines) {
+  if (SendMessageA(terminal, EM_GETLINECOUNT, 0, 0) > kMaxLines) {
     ReplaceText(terminal, 0, static_cast<LONG>(SendMessageA(terminal, EM_LINEINDEX, 1, 0)), "");
   }
   const LONG end = GetWindowTextLengthA(terminal);

@@ -14,7 +14,7 @@ bool ReadBytes(const wchar_t* path, std::string* bytes) {
   if (file == INVALID_HANDLE_VALUE) return false;
   LARGE_INTEGER size{};
   DWORD read = 0;
-  bool done = GetFileSizeEx(file, &size) && size.QuadPart <= kLargestNotes;
+  bool done = GetFileSizeEx(file, &size) && size.QuadPart <= kMaxNotesBytes;
   if (done) {
     bytes->resize(static_cast<size_t>(size.QuadPart));
     done = ReadFile(file, bytes->data(), static_cast<DWORD>(bytes->size()), &read, nullptr) && read == bytes->size();

@@ -8,12 +8,12 @@
 
 namespace gallery {
 
-inline constexpr DWORD kLargestNotes = 1024 * 1024;  // bytes
+inline constexpr DWORD kMaxNotesBytes = 1024 * 1024;  // bytes
 
 // The text in a file's bytes: UTF-8, with or without a byte order mark. False, with `text` as it was, when it is not.
 bool DecodeNotes(std::string_view bytes, std::wstring* text);
 
-// Reads a file of at most kLargestNotes bytes of UTF-8, with or without a byte order mark. False, with `text` as it
+// Reads a file of at most kMaxNotesBytes bytes of UTF-8, with or without a byte order mark. False, with `text` as it
 // was, when it cannot be read, is larger, or is not UTF-8.
 bool ReadNotes(const wchar_t* path, std::wstring* text);
 

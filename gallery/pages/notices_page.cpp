@@ -16,7 +16,7 @@ namespace gallery {
 namespace {
 
 constexpr UINT kIconId = 1;
-constexpr int kLongestList = 500;
+constexpr int kMaxEvents = 500;
 
 HDEVNOTIFY deviceNotices = nullptr;
 
@@ -25,7 +25,7 @@ void Report(HWND page, const std::wstring& event) {
   SYSTEMTIME now;
   GetLocalTime(&now);
   const std::wstring line = TextWith(IDS_NOTICES_EVENT, kv::TimeText(now, true).c_str(), event.c_str());
-  if (SendMessageW(list, LB_GETCOUNT, 0, 0) >= kLongestList) SendMessageW(list, LB_DELETESTRING, 0, 0);
+  if (SendMessageW(list, LB_GETCOUNT, 0, 0) >= kMaxEvents) SendMessageW(list, LB_DELETESTRING, 0, 0);
   const auto row = SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(line.c_str()));
   SendMessageW(list, LB_SETCURSEL, row, 0);
 }

@@ -55,7 +55,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
   return kv::RunDialog(instance, {.templateName = L"PANEL",
                                   .procedure = Panel,
                                   .positionName = "Samples.InstrumentPanel",
-                                  .smallest = {460, 380},
+                                  .minimumSize = {460, 380},
                                   .menu = L"PANEL",
                                   .languageMenu = {IDM_LANGUAGE, IDM_FIRST_LANGUAGE},
                                   .languages = L"instrument_panel"});

@@ -84,5 +84,5 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
   return kv::RunDialog(instance, {.templateName = L"RECORDER",
                                   .procedure = Recorder,
                                   .positionName = "Samples.SensorRecorder",
-                                  .smallest = {420, 260}});
+                                  .minimumSize = {420, 260}});
 }

@@ -250,7 +250,7 @@ TEST(CamtoolRecording, LosesOnlyTheChunkThatIsDamaged) {
       camera::EncodeHeader({}) + camera::EncodeChunks(~std::uint64_t{0}, "?") + camera::EncodeChunks(5, kRecord), 100);
   EXPECT_EQ(kRecord, jumped.bytes);
   EXPECT_EQ(1u, jumped.decoder.damagedPlaces);
-  const std::string large(camera::kLargestChunk * 2 + 5, 'x');
+  const std::string large(camera::kMaxChunkBytes * 2 + 5, 'x');
   EXPECT_EQ(large, ReadAll(camera::EncodeHeader({}) + camera::EncodeChunks(1, large), 100000).bytes);
 }
 

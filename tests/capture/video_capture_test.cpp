@@ -192,7 +192,7 @@ TEST_F(VideoCapture, FramesThatCannotBeReadAreRefused) {
 
 TEST_F(VideoCapture, RecordsUntilStopped) {
   VideoLink* link = Open();
-  camera().longestSequence = 1000000;
+  camera().maxSequenceFrames = 1000000;
   camera().parameters = {};
   // The yield callback dispatches what waits for the capture window; a quit message stays for the program's loop.
   PostMessageA(link->hCapture, WM_CAP_STOP, 0, 0);
@@ -243,7 +243,7 @@ LRESULT CALLBACK ClosingProcedure(HWND window, UINT message, WPARAM wParam, LPAR
 
 TEST_F(VideoCapture, MayBeClosedWhileItRecords) {
   linkToClose = Open();
-  camera().longestSequence = 1000000;
+  camera().maxSequenceFrames = 1000000;
   const HWND capture = linkToClose->hCapture;
   captureProcedure =
       reinterpret_cast<WNDPROC>(SetWindowLongA(capture, GWL_WNDPROC, reinterpret_cast<LONG>(ClosingProcedure)));

@@ -190,7 +190,7 @@ TEST(InstrumentGauge, NoTwoTextsTouchAtAnySizeAndRange) {
       const GaugeLayout layout = LayOutGauge({0, 0, side, side}, block, MeasureByCount);
       const std::string what = std::to_string(side) + " px from " + std::to_string(minimum);
       std::vector<RECT> boxes;
-      if (layout.dial.faceRadius >= kLeastFaceWithWindow) boxes.push_back(GaugeValueBox(layout.dial));
+      if (layout.dial.faceRadius >= kMinRadiusWithWindow) boxes.push_back(GaugeValueBox(layout.dial));
       std::vector<GaugeText> texts(layout.labels.begin(), layout.labels.end());
       for (const GaugeText& text : {layout.name, layout.unit}) {
         if (text.height) texts.push_back(text);

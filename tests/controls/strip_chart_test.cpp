@@ -206,12 +206,12 @@ TEST_F(StripCharts, WhatIsNotAllowedIsRejectedAndLosesNothing) {
   EXPECT_EQ(4u, Read<DWORD>(chart, kStripCount));
   EXPECT_EQ(2, Read<StripStatistics>(chart, kStripStatistics).count);  // infinity is a gap
 
-  for (const DWORD capacity : {DWORD{0}, kStripLargestCapacity + 1, DWORD{0xFFFFFFFF}}) {
+  for (const DWORD capacity : {DWORD{0}, kStripMaxCapacity + 1, DWORD{0xFFFFFFFF}}) {
     EXPECT_EQ(0, Send(chart, kStripCapacity, &capacity));
   }
   Append(chart, {{1, 1}}, 1);
   for (int i = 0; i < kStripChannels; ++i) Append(chart, {{1, 1}}, i);
-  const DWORD tooMuch = kStripLargestCapacity;  // in eight channels: beyond what a process has
+  const DWORD tooMuch = kStripMaxCapacity;  // in eight channels: beyond what a process has
   EXPECT_EQ(0, Send(chart, kStripCapacity, &tooMuch));
   EXPECT_EQ(kStripDefaultCapacity, Read<DWORD>(chart, kStripCapacity));
   const DWORD few = 2;
@@ -348,7 +348,7 @@ TEST_F(StripCharts, CopiesItsPictureAndWhatItShowsAsATable) {
   EXPECT_EQ(L"s\tSpeed (m/s)\t4\r\n1\t5\t\r\n2\t\t1\r\n2\t\t2\r\n3\t7.25\t\r\n", ClipboardText(parent_));
 
   std::vector<StripSample> many;
-  for (DWORD i = 0; i <= kStripMostTextRows; ++i) many.push_back({4 + i * 0.001, i % 100 * 1.0});
+  for (DWORD i = 0; i <= kStripMaxTextRows; ++i) many.push_back({4 + i * 0.001, i % 100 * 1.0});
   Append(chart, many);
   SendMessageA(chart, WM_COPY, 0, 0);
   EXPECT_EQ(300, kvtest::ClipboardPictureSize(parent_).cx);

@@ -90,7 +90,7 @@ TEST(Canvas, OddInputAndTooManyEdgesDrawNothing) {
   Board board(20, 20);
   Canvas& canvas = *board.canvas;
   std::vector<PointD> zigzag;
-  for (int i = 0; i <= CoverageShape::kMostEdges; ++i) zigzag.push_back({i * 0.01, i % 2 * 20.0});
+  for (int i = 0; i <= CoverageShape::kMaxEdges; ++i) zigzag.push_back({i * 0.01, i % 2 * 20.0});
   FillPolygon(canvas, zigzag, kWhite);
   FillPolygon(canvas, {}, kWhite);
   FillDisc(canvas, {10, 10}, NAN, kWhite);

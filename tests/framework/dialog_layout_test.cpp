@@ -18,7 +18,7 @@ using kv::LayoutSlot;
 using kvtest::CreateControl;
 using kvtest::RecordingParent;
 
-constexpr int kLowest = 1010, kHighest = 1999;
+constexpr int kFirstId = 1010, kLastId = 1999;
 
 std::string Place(HWND dialog, int id) {
   RECT r{};
@@ -89,7 +89,7 @@ class Dialog : public RecordingParent {
   }
   void Resize(int width, int height) { SetWindowPos(*this, nullptr, 0, 0, width, height, SWP_NOMOVE); }
   BOOL Apply(int bottom = 0, int left = 0, int top = 0) {
-    return kv::ApplyLayout(*this, bottom, left, top, kLowest, kHighest, slots, &scaleX, &scaleY, FALSE);
+    return kv::ApplyLayout(*this, bottom, left, top, kFirstId, kLastId, slots, &scaleX, &scaleY, FALSE);
   }
 
   LayoutSlot slots[20]{};
@@ -116,34 +116,34 @@ TEST(ControlKind, ByContainedTextTheLastWins) {
 
 TEST(DialogLayout, CapturesTheRangeInWindowOrder) {
   Dialog dialog;
-  EXPECT_TRUE(kv::CaptureLayout(dialog, dialog.slots, kLowest, kHighest));
+  EXPECT_TRUE(kv::CaptureLayout(dialog, dialog.slots, kFirstId, kLastId));
   const LayoutSlot expected[] = {{0, 0, 400, 300}, {40, 30, 100, 20}};
   EXPECT_EQ(0, memcmp(expected, dialog.slots, sizeof(expected)));
   EXPECT_EQ(SendDlgItemMessageA(dialog, 1015, CB_GETITEMHEIGHT, -1, 0), dialog.slots[6].height);
   EXPECT_EQ(17, dialog.slots[13].height);
-  EXPECT_EQ(15, kv::LayoutSlotOf(dialog, kLowest, kHighest, 1999));  // 2000 takes no slot
-  EXPECT_EQ(-1, kv::LayoutSlotOf(dialog, kLowest, kHighest, 2000));
-  EXPECT_EQ(-1, kv::LayoutSlotOf(nullptr, kLowest, kHighest, 1010));
+  EXPECT_EQ(15, kv::LayoutSlotOf(dialog, kFirstId, kLastId, 1999));  // 2000 takes no slot
+  EXPECT_EQ(-1, kv::LayoutSlotOf(dialog, kFirstId, kLastId, 2000));
+  EXPECT_EQ(-1, kv::LayoutSlotOf(nullptr, kFirstId, kLastId, 1010));
 
   // A record that ends early: what fits is captured and scaled, the rest stays.
   const kvtest::GuardedBytes memory(3 * sizeof(LayoutSlot) + 1);
   auto* slots = reinterpret_cast<LayoutSlot*>(memory.as<char>() + 1);
-  EXPECT_TRUE(kv::CaptureLayout(dialog, slots, kLowest, kHighest));
+  EXPECT_TRUE(kv::CaptureLayout(dialog, slots, kFirstId, kLastId));
   EXPECT_EQ(100, slots[2].width);
   dialog.Resize(800, 300);
-  EXPECT_TRUE(kv::ApplyLayout(dialog, 0, 0, 0, kLowest, kHighest, slots, nullptr, nullptr, FALSE));
+  EXPECT_TRUE(kv::ApplyLayout(dialog, 0, 0, 0, kFirstId, kLastId, slots, nullptr, nullptr, FALSE));
   EXPECT_EQ("80,30 200x20", Place(dialog, 1011));
   EXPECT_EQ("40,30 100x20", Place(dialog, 1012));
 
   for (const auto& [window, given] : {std::pair<HWND, LayoutSlot*>{dialog, nullptr}, {nullptr, slots}}) {
-    EXPECT_FALSE(kv::CaptureLayout(window, given, kLowest, kHighest));
-    EXPECT_FALSE(kv::ApplyLayout(window, 0, 0, 0, kLowest, kHighest, given, nullptr, nullptr, FALSE));
+    EXPECT_FALSE(kv::CaptureLayout(window, given, kFirstId, kLastId));
+    EXPECT_FALSE(kv::ApplyLayout(window, 0, 0, 0, kFirstId, kLastId, given, nullptr, nullptr, FALSE));
   }
 }
 
 TEST(DialogLayout, ScalesEachKindWithItsFont) {
   Dialog dialog;
-  kv::CaptureLayout(dialog, dialog.slots, kLowest, kHighest);
+  kv::CaptureLayout(dialog, dialog.slots, kFirstId, kLastId);
   dialog.Resize(800, 450);
   EXPECT_TRUE(dialog.Apply());
   EXPECT_EQ(2.0f, dialog.scaleX);
@@ -165,7 +165,7 @@ TEST(DialogLayout, MarginsStayAndTheirExtremesAreDefined) {
                  {20, 60, 50, 20, 10, 0.0f, 0.0f, "20,10 0x0"},                     // nothing but margins
                  {800, 600, 300, 400, 0, 1.0f, 1.0f, "40,30 100x20"}};              // the same when captured
   Dialog dialog;
-  kv::CaptureLayout(dialog, dialog.slots, kLowest, kHighest);
+  kv::CaptureLayout(dialog, dialog.slots, kFirstId, kLastId);
   for (const auto& sample : samples) {
     dialog.Resize(sample.width, sample.height);
     dialog.Apply(sample.bottom, sample.left, sample.top);
@@ -192,7 +192,7 @@ TEST(DialogLayout, AControlAsLargeAsTheDialogStaysSo) {
 
 TEST(DialogLayout, DeletesTheFontsItReplaces) {
   Dialog dialog;
-  kv::CaptureLayout(dialog, dialog.slots, kLowest, kHighest);
+  kv::CaptureLayout(dialog, dialog.slots, kFirstId, kLastId);
   const HFONT shared = CreateFontA(11, 0, 0, 0, 400, 0, 0, 0, 0, 0, 0, 0, 0, "Arial");
   for (const int id : {1010, 1012, 1015})
     SendDlgItemMessageA(dialog, id, WM_SETFONT, reinterpret_cast<WPARAM>(shared), 0);
@@ -207,10 +207,10 @@ TEST(DialogLayout, DeletesTheFontsItReplaces) {
 TEST(DialogLayout, RedrawsOnRequest) {
   Dialog dialog;
   ShowWindow(dialog, SW_SHOWNA);
-  kv::CaptureLayout(dialog, dialog.slots, kLowest, kHighest);
+  kv::CaptureLayout(dialog, dialog.slots, kFirstId, kLastId);
   for (const BOOL redraw : {FALSE, TRUE}) {
     const int before = dialog.CountOf(WM_PAINT);
-    kv::ApplyLayout(dialog, 0, 0, 0, kLowest, kHighest, dialog.slots, nullptr, nullptr, redraw);
+    kv::ApplyLayout(dialog, 0, 0, 0, kFirstId, kLastId, dialog.slots, nullptr, nullptr, redraw);
     ValidateRect(dialog, nullptr);  // what is not painted by now does not count
     EXPECT_EQ(before + redraw, dialog.CountOf(WM_PAINT));
   }

@@ -160,7 +160,7 @@ TEST(NotesFile, ComesBackAsItWasAndOtherFilesAreRefused) {
   EXPECT_TRUE(ReadNotes(file.c_str(), &text));
 
   EXPECT_FALSE(ReadNotes((folder / L"missing").c_str(), &text) || ReadNotes(folder.c_str(), &text));
-  for (const std::string& bytes : {std::string("caf\xE9"), std::string(kLargestNotes + 1, 'x')}) {
+  for (const std::string& bytes : {std::string("caf\xE9"), std::string(kMaxNotesBytes + 1, 'x')}) {
     put(bytes);
     EXPECT_FALSE(ReadNotes(file.c_str(), &text));
   }

@@ -64,8 +64,8 @@ const ScaledDialog kTest{.templateName = L"TEST",
                          .positionName = "Test.Toolkit",
                          .background = kGround,
                          .tips = kTips,
-                         .lowestId = 100,
-                         .highestId = 199};
+                         .firstId = 100,
+                         .lastId = 199};
 
 class ScaledDialogTest : public testing::Test {
  protected:

@@ -86,7 +86,7 @@ LRESULT SendFrame(HWND window, CAPVIDEOCALLBACK callback) {
 // ---- The capture window ---------------------------------------------------------------------------------------------
 
 LRESULT Connect(int driver) {
-  if (camera.attempts < fakecamera::kMostAttempts) camera.attemptedDrivers[camera.attempts++] = driver;
+  if (camera.attempts < fakecamera::kMaxAttempts) camera.attemptedDrivers[camera.attempts++] = driver;
   if (driver < 0 || driver > 31 || (camera.refusingDrivers >> driver & 1)) return FALSE;
   camera.connectedDriver = driver;
   if (camera.destroyedByConnecting) DestroyWindow(camera.destroyedByConnecting);
@@ -134,7 +134,7 @@ LRESULT TakeCaptureFile(LPARAM name) {
 LRESULT RecordSequence(HWND window) {
   if (camera.refusesSequence) return FALSE;
   camera.recording = TRUE;
-  for (int i = 0; i < camera.longestSequence && camera.recording && IsWindow(window); ++i) {
+  for (int i = 0; i < camera.maxSequenceFrames && camera.recording && IsWindow(window); ++i) {
     SendFrame(window, Self(window)->stream);
     ++camera.framesRecorded;
     ++camera.yields;

@@ -14,7 +14,7 @@
 
 namespace fakecamera {
 
-inline constexpr int kMostAttempts = 128;
+inline constexpr int kMaxAttempts = 128;
 
 struct State {
   // Set by the test. Bit n of the masks stands for driver n.
@@ -30,11 +30,11 @@ struct State {
   BOOL refusesSequence = FALSE;
   HWND destroyedByConnecting = nullptr;  // by a user who closes it while the driver's dialog is up
   BOOL callsBackWhileClosing = FALSE;    // sends frames even after the callback was removed
-  int longestSequence = 50;              // frames, unless it is stopped
+  int maxSequenceFrames = 50;            // frames, unless it is stopped
 
   // Read by the test.
   int attempts = 0;
-  int attemptedDrivers[kMostAttempts] = {};
+  int attemptedDrivers[kMaxAttempts] = {};
   int connectedDriver = -1;
   BOOL previewing = FALSE;
   BOOL recording = FALSE;
