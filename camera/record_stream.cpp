@@ -183,26 +183,30 @@ void AppendCsvRow(const FoundRecord& record, std::string* text) {
 
 namespace {
 
-// Welford's sums, which do not lose digits over millions of values.
-void AddValue(LONG value, long long count, Spread* spread) {
-  spread->lowest = count == 1 ? value : std::min(spread->lowest, value);
-  spread->highest = count == 1 ? value : std::max(spread->highest, value);
-  const double distance = value - spread->mean;
-  spread->mean += distance / static_cast<double>(count);
-  spread->squares += distance * (value - spread->mean);
+void AddValue(LONG value, bool isFirst, Spread* spread) {
+  spread->lowest = isFirst ? value : std::min(spread->lowest, value);
+  spread->highest = isFirst ? value : std::max(spread->highest, value);
+  spread->sum += value;
+  spread->squares += static_cast<long long>(value) * value;
 }
 
 }  // namespace
 
 void AddPoint(const kv::CameraPoint& point, PointSummary* summary) {
   if (point.x == kv::kNoPoint || point.y == kv::kNoPoint) return;
-  ++summary->seen;
-  AddValue(point.x, summary->seen, &summary->x);
-  AddValue(point.y, summary->seen, &summary->y);
+  const bool isFirst = summary->seen++ == 0;
+  AddValue(point.x, isFirst, &summary->x);
+  AddValue(point.y, isFirst, &summary->y);
+}
+
+double Mean(const Spread& spread, long long count) {
+  return count > 0 ? static_cast<double>(spread.sum) / static_cast<double>(count) : 0;
 }
 
 double Deviation(const Spread& spread, long long count) {
-  return count > 1 ? std::sqrt(spread.squares / static_cast<double>(count - 1)) : 0;
+  if (count < 2) return 0;
+  const double squares = static_cast<double>(spread.squares) - Mean(spread, count) * static_cast<double>(spread.sum);
+  return std::sqrt(std::max(squares, 0.0) / static_cast<double>(count - 1));
 }
 
 }  // namespace camera

@@ -80,10 +80,10 @@ void AppendCsvRow(const FoundRecord& record, std::string* text);
 
 // ---- Statistics of a point ------------------------------------------------------------------------------------------
 
+// Sums of whole numbers, which are exact: coordinates are at most 1023, so that they have room for 8 trillion records.
 struct Spread {
   LONG lowest = 0, highest = 0;
-  double mean = 0;
-  double squares = 0;  // sum of the squared distances from the mean
+  long long sum = 0, squares = 0;
 };
 
 struct PointSummary {
@@ -91,10 +91,11 @@ struct PointSummary {
   Spread x, y;
 };
 
-// Adds a record's point; one with a coordinate of 1023 is not seen.
+// Adds the point of a record in range; one with a coordinate of 1023 is not seen.
 void AddPoint(const kv::CameraPoint& point, PointSummary* summary);
 
-// The standard deviation in camera units, 0 for fewer than two values.
+// Mean and standard deviation in camera units; 0 without values, and for fewer than two.
+double Mean(const Spread& spread, long long count);
 double Deviation(const Spread& spread, long long count);
 
 }  // namespace camera

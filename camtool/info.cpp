@@ -84,7 +84,7 @@ void PrintText(const Facts& facts) {
 
 std::string Axis(const char* name, const camera::Spread& spread, long long seen) {
   return camera::Format(",\"%s\":{\"lowest\":%ld,\"highest\":%ld,\"mean\":%.3f,\"deviation\":%.3f}", name,
-                        spread.lowest, spread.highest, spread.mean, Deviation(spread, seen));
+                        spread.lowest, spread.highest, Mean(spread, seen), Deviation(spread, seen));
 }
 
 void PrintJson(const Facts& facts) {

@@ -27,6 +27,7 @@ MAY_INCLUDE["gallery"] = LIBRARY | {"toolkit", "kv.h", "app"}
 MAY_INCLUDE["tools"] = LIBRARY | {"app"}
 MAY_INCLUDE["camera"] = LIBRARY | {"app"}
 MAY_INCLUDE["camtool"] = LIBRARY | {"app", "camera"}
+MAY_INCLUDE["camview"] = LIBRARY | {"toolkit", "kv.h", "app", "camera"}
 
 # Marks of unfinished work, invented history, and machines or papers that a reader of this tree does not have. Written
 # in pieces, so that this file does not find itself.

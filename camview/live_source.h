@@ -1,0 +1,85 @@
+// A port that is read on a thread of its own: records for the user interface, what is missing, and a recording of it.
+// It comes back by itself when the port does. Main thread only.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "camera/ports.h"
+#include "camview/record_intake.h"
+
+namespace camview {
+
+enum class LiveState {
+  kOpening,       // not tried yet
+  kAbsent,        // no such port, and none since the start
+  kBusy,          // another program has it
+  kAccessDenied,  //
+  kUnusable,      // no serial port, or its adapter hangs
+  kGone,          // was there and is gone; waiting for it
+  kSilent,        // open, and nothing received
+  kMalformed,     // bytes, but no records
+  kDark,          // records with no point seen
+  kRecords,
+};
+
+// For so long there has to be nothing, no record or no point before the state says so.
+inline constexpr double kJudgeSeconds = 1;
+
+enum class LiveRecordingState { kOff, kOn, kFailed };
+
+struct LiveStatus {
+  int port = 0;
+  LiveState state = LiveState::kOpening;
+  double now = 0;      // seconds since the start, on the clock of the records' times
+  double since = 0;    // when the state began: of kSilent the last bytes, of kMalformed the last record, of kDark the
+                       // last point
+  std::string holder;  // with kBusy, the program that has the port, where the system tells; else ""
+  DWORD error = 0;     // the system's, with kUnusable
+  long long bytes = 0, records = 0, oddRecords = 0, malformedStretches = 0, malformedBytes = 0;
+  double recordsPerSecond = 0;  // over the last two seconds
+  int interruptions = 0;        // how often the port went away
+
+  LiveRecordingState recording = LiveRecordingState::kOff;
+  std::string path, recordingError;  // of the recording that runs or ran last; the sentence is English
+  double recordedSeconds = 0;
+  long long recordedBytes = 0;  // received ones
+};
+
+// Who decides what the state is; pure. Times are on one clock; negative: never.
+struct LiveTimes {
+  double opened, lastBytes, lastRecord, lastPoint;
+};
+LiveState JudgeLine(const LiveTimes& times, double now, double* since);
+
+class LiveSource {
+ public:
+  // Starts to open COM`port` (1 to 999). Its clock starts at 0.
+  explicit LiveSource(int port);
+  // Ends the recording in good order and closes the port.
+  ~LiveSource();
+  LiveSource(const LiveSource&) = delete;
+  LiveSource& operator=(const LiveSource&) = delete;
+
+  // What has come since the last call: appended to `batch`, in order, nothing left out.
+  void Take(IntakeBatch* batch);
+  LiveStatus Status() const;
+  // The start: UTC in units of 100 ns since 1601.
+  std::uint64_t startTime() const;
+
+  // Records from now on into a file, which is intact at any time; gaps in the line do not end it. False, with a
+  // sentence in `error`, when the file cannot be made or a recording runs. A recording that fails later (a full disk)
+  // ends with kFailed; showing goes on.
+  bool StartRecording(const std::string& path, bool overwrite, std::string* error);
+  // Ends the recording in good order; it is complete on return.
+  void StopRecording();
+
+ private:
+  struct Reader;
+  std::unique_ptr<Reader> reader_;
+};
+
+}  // namespace camview

@@ -1,0 +1,43 @@
+// Work on a thread of its own that can be watched and cancelled.
+#pragma once
+
+#include <windows.h>
+
+#include <atomic>
+#include <functional>
+
+namespace camview {
+
+class Worker {
+ public:
+  Worker() = default;
+  // Cancels and waits.
+  ~Worker();
+  Worker(const Worker&) = delete;
+  Worker& operator=(const Worker&) = delete;
+
+  // Cancels what runs, waits for it and starts `work`. False when the system gives no thread. Main thread only, as
+  // Wait().
+  bool Start(std::function<void()> work);
+  // Asks the work to end soon. Any thread.
+  void Cancel() { isCancelled_ = true; }
+  void Wait();
+
+  // Any thread.
+  bool IsDone() const { return isDone_; }
+  double Progress() const { return progress_; }  // 0 to 1
+
+  // For the work itself.
+  bool IsCancelled() const { return isCancelled_; }
+  void SetProgress(double progress) { progress_ = progress; }
+
+ private:
+  static DWORD WINAPI Run(void* worker);
+
+  std::function<void()> work_;
+  HANDLE thread_ = nullptr;
+  std::atomic<bool> isCancelled_{false}, isDone_{true};
+  std::atomic<double> progress_{0};
+};
+
+}  // namespace camview
