@@ -15,6 +15,7 @@
 #include "app/resource_ids.h"
 #include "export/web_links.h"
 #include "framework/accessible.h"
+#include "framework/bitmaps.h"
 #include "framework/bounded_format.h"
 #include "framework/control_class.h"
 #include "framework/dialog.h"
@@ -23,8 +24,7 @@
 #include "framework/guards.h"
 #include "framework/modules.h"
 #include "framework/painting.h"
-#include "framework/picture.h"
-#include "framework/tool_tips.h"
+#include "framework/tooltips.h"
 #include "framework/version.h"
 #include "framework/window_position.h"
 

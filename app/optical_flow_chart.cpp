@@ -8,10 +8,10 @@
 
 #include "app/camera_record.h"
 #include "framework/accessible.h"
+#include "framework/bitmaps.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
-#include "framework/picture.h"
-#include "framework/records.h"
+#include "framework/window_state.h"
 
 namespace kv {
 

@@ -10,7 +10,7 @@
 #include "controls/simple_bitmap.h"
 #include "framework/dialog.h"
 #include "framework/modules.h"
-#include "framework/records.h"
+#include "framework/window_state.h"
 
 namespace kv {
 

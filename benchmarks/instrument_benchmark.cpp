@@ -13,9 +13,9 @@
 #include "benchmarks/processor_time.h"
 #include "controls/display_instrument.h"
 #include "controls/instrument_block.h"
+#include "framework/bitmaps.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
-#include "framework/picture.h"
 
 namespace {
 

@@ -15,9 +15,9 @@
 #include "controls/horizon/horizon.h"
 #include "controls/line_recorder.h"
 #include "controls/strip_chart/strip_chart.h"
+#include "framework/bitmaps.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
-#include "framework/picture.h"
 
 namespace {
 

@@ -5,10 +5,10 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "framework/bitmaps.h"
 #include "framework/guards.h"
 #include "framework/modules.h"
-#include "framework/picture.h"
-#include "framework/records.h"
+#include "framework/window_state.h"
 
 namespace kv {
 

@@ -8,7 +8,7 @@ endforeach()
 
 # What a resource script with version record and manifest depends on without the build seeing it.
 set(KV_VERSION_FILES
-  ${PROJECT_SOURCE_DIR}/resources/version_record.rc
+  ${PROJECT_SOURCE_DIR}/resources/version_resource.rc
   ${PROJECT_BINARY_DIR}/generated/framework/version.h
   ${PROJECT_BINARY_DIR}/generated/resources/tarnwick.manifest
   ${PROJECT_BINARY_DIR}/generated/resources/kvgallery.manifest)

@@ -9,10 +9,10 @@
 #include <string>
 
 #include "framework/accessible.h"
+#include "framework/bitmaps.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
 #include "framework/painting.h"
-#include "framework/picture.h"
 
 namespace kv {
 

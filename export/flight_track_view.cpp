@@ -8,7 +8,7 @@
 #include "framework/control_class.h"
 #include "framework/guards.h"
 #include "framework/painting.h"
-#include "framework/records.h"
+#include "framework/window_state.h"
 
 namespace kv {
 

@@ -6,9 +6,9 @@
 #include <cstring>
 #include <span>
 
+#include "framework/bitmaps.h"
 #include "framework/coverage.h"
 #include "framework/numbers.h"
-#include "framework/picture.h"
 
 namespace kv {
 

@@ -5,9 +5,9 @@
 #include <cstdlib>
 #include <vector>
 
+#include "framework/bitmaps.h"
 #include "framework/guards.h"
 #include "framework/numbers.h"
-#include "framework/picture.h"
 
 namespace kv {
 

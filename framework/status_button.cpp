@@ -1,10 +1,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "framework/bitmaps.h"
 #include "framework/canvas.h"
 #include "framework/guards.h"
 #include "framework/painting.h"
-#include "framework/picture.h"
 
 namespace kv {
 

@@ -4,7 +4,7 @@
 
 #include "framework/guards.h"
 #include "framework/painting.h"
-#include "toolkit/system_look.h"
+#include "toolkit/appearance.h"
 
 namespace gallery {
 

@@ -5,22 +5,22 @@
 #include <cstring>
 #include <string>
 
+#include "framework/bitmaps.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
 #include "framework/language.h"
 #include "framework/numbers.h"
 #include "framework/painting.h"
-#include "framework/picture.h"
-#include "framework/tool_tips.h"
+#include "framework/tooltips.h"
 #include "framework/window_position.h"
 #include "gallery/command_line.h"
 #include "gallery/drawing.h"
 #include "gallery/pages.h"
 #include "gallery/resource_ids.h"
+#include "toolkit/appearance.h"
 #include "toolkit/languages.h"
 #include "toolkit/pages.h"
 #include "toolkit/scaled_dialog.h"
-#include "toolkit/system_look.h"
 
 namespace gallery {
 

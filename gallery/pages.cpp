@@ -5,7 +5,7 @@
 #include <span>
 #include <string>
 
-#include "framework/tool_tips.h"
+#include "framework/tooltips.h"
 #include "gallery/resource_ids.h"
 #include "toolkit/languages.h"
 

@@ -6,12 +6,12 @@
 #include <utility>
 
 #include "framework/accessible.h"
+#include "framework/bitmaps.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
-#include "framework/picture.h"
-#include "framework/records.h"
+#include "framework/window_state.h"
 #include "lists/extended_list_layout.h"
-#include "lists/extended_list_record.h"
+#include "lists/extended_list_state.h"
 
 namespace kv {
 

@@ -5,11 +5,11 @@
 #include <algorithm>
 
 #include "framework/accessible.h"
+#include "framework/bitmaps.h"
 #include "framework/control_class.h"
-#include "framework/picture.h"
 #include "lists/extended_list.h"
 #include "lists/extended_list_layout.h"
-#include "lists/extended_list_record.h"
+#include "lists/extended_list_state.h"
 
 namespace kv {
 

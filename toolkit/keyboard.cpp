@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "framework/control_class.h"
-#include "toolkit/dialog_record.h"
+#include "toolkit/dialog_state.h"
 #include "toolkit/pages.h"
 
 namespace kv {

@@ -6,7 +6,7 @@
 #include "framework/language.h"
 #include "framework/modules.h"
 #include "resource.h"
-#include "toolkit/dialog_record.h"
+#include "toolkit/dialog_state.h"
 #include "toolkit/scaled_dialog.h"
 
 namespace kv {

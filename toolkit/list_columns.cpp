@@ -9,8 +9,8 @@
 #include "framework/painting.h"
 #include "lists/extended_list.h"
 #include "lists/list_navigation.h"
+#include "toolkit/appearance.h"
 #include "toolkit/languages.h"
-#include "toolkit/system_look.h"
 
 namespace kv {
 

@@ -4,7 +4,7 @@
 
 #include "framework/control_class.h"
 #include "resource.h"
-#include "toolkit/dialog_record.h"
+#include "toolkit/dialog_state.h"
 #include "toolkit/languages.h"
 
 namespace kv {

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "toolkit/dialog_record.h"
+#include "toolkit/dialog_state.h"
 #include "toolkit/scaled_dialog.h"
 
 namespace kv {

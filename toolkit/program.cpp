@@ -9,7 +9,7 @@
 #include "framework/dialog_template.h"
 #include "framework/modules.h"
 #include "toolkit/classes.h"
-#include "toolkit/dialog_record.h"
+#include "toolkit/dialog_state.h"
 #include "toolkit/keyboard.h"
 #include "toolkit/languages.h"
 #include "toolkit/scaled_dialog.h"

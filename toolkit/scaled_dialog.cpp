@@ -11,20 +11,20 @@
 #include <utility>
 #include <vector>
 
+#include "framework/bitmaps.h"
 #include "framework/control_class.h"
 #include "framework/dialog.h"
 #include "framework/dialog_layout.h"
 #include "framework/guards.h"
 #include "framework/language.h"
 #include "framework/modules.h"
-#include "framework/picture.h"
-#include "framework/tool_tips.h"
+#include "framework/tooltips.h"
 #include "framework/window_position.h"
 #include "lists/extended_list.h"
-#include "toolkit/dialog_record.h"
+#include "toolkit/appearance.h"
+#include "toolkit/dialog_state.h"
 #include "toolkit/languages.h"
 #include "toolkit/mirroring.h"
-#include "toolkit/system_look.h"
 #include "toolkit/text_tips.h"
 
 namespace kv {

@@ -29,7 +29,7 @@
 #include <span>
 
 #include "framework/language.h"
-#include "framework/tool_tips.h"
+#include "framework/tooltips.h"
 
 namespace kv {
 

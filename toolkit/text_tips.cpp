@@ -5,11 +5,11 @@
 #include <algorithm>
 #include <string>
 
+#include "framework/bitmaps.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
-#include "framework/picture.h"
-#include "framework/tool_tips.h"
-#include "toolkit/dialog_record.h"
+#include "framework/tooltips.h"
+#include "toolkit/dialog_state.h"
 
 namespace kv {
 

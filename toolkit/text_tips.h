@@ -14,7 +14,7 @@ struct DialogRecord;
 // that is cut at its place, in the font that it has; empty when all are whole or the control is of another class.
 std::wstring CutTextOf(HWND control);
 
-// From now on the texts that DrawFitted of system_look.h cuts are added to `texts`; with null no longer.
+// From now on the texts that DrawFitted of appearance.h cuts are added to `texts`; with null no longer.
 void CollectCutTexts(std::vector<std::wstring>* texts);
 
 // The tool tip window of a dialog that shows the whole text of a label or button where its place cuts it. Made when the

@@ -9,14 +9,14 @@
 #include <new>
 #include <string>
 
-#include "controls/horizon/horizon_picture.h"
+#include "controls/horizon/horizon_renderer.h"
 #include "framework/accessible.h"
+#include "framework/bitmaps.h"
 #include "framework/bounded_format.h"
 #include "framework/canvas.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
-#include "framework/picture.h"
-#include "framework/records.h"
+#include "framework/window_state.h"
 
 namespace kv {
 

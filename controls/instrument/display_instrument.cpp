@@ -14,15 +14,15 @@
 #include "controls/instrument/digital.h"
 #include "controls/instrument/fixed_text.h"
 #include "controls/instrument/layout.h"
-#include "controls/instrument/record.h"
+#include "controls/instrument/state.h"
 #include "controls/instrument/text.h"
 #include "controls/instrument_block.h"
 #include "framework/accessible.h"
+#include "framework/bitmaps.h"
 #include "framework/canvas.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
-#include "framework/picture.h"
-#include "framework/records.h"
+#include "framework/window_state.h"
 
 namespace kv {
 

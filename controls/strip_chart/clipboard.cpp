@@ -11,12 +11,12 @@
 #include "controls/strip_chart/axis.h"
 #include "controls/strip_chart/control.h"
 #include "controls/strip_chart/model.h"
-#include "controls/strip_chart/picture.h"
+#include "controls/strip_chart/renderer.h"
 #include "controls/strip_chart/sample_store.h"
 #include "controls/strip_chart/strip_chart.h"
+#include "framework/bitmaps.h"
 #include "framework/bounded_format.h"
 #include "framework/canvas.h"
-#include "framework/picture.h"
 
 namespace kv {
 

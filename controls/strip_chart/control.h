@@ -4,7 +4,7 @@
 #include <windows.h>
 
 #include "controls/strip_chart/model.h"
-#include "controls/strip_chart/picture.h"
+#include "controls/strip_chart/renderer.h"
 
 namespace kv {
 

@@ -5,7 +5,7 @@
 
 #include "controls/strip_chart/axis.h"
 #include "controls/strip_chart/model.h"
-#include "controls/strip_chart/picture.h"
+#include "controls/strip_chart/renderer.h"
 #include "controls/strip_chart/strip_chart.h"
 #include "framework/painting.h"
 

@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "controls/strip_chart/sample_store.h"
+#include "framework/bitmaps.h"
 #include "framework/canvas.h"
-#include "framework/picture.h"
 
 namespace kv {
 

@@ -12,14 +12,14 @@
 #include "controls/strip_chart/axis.h"
 #include "controls/strip_chart/control.h"
 #include "controls/strip_chart/model.h"
-#include "controls/strip_chart/picture.h"
+#include "controls/strip_chart/renderer.h"
 #include "controls/strip_chart/strip_chart.h"
 #include "framework/accessible.h"
+#include "framework/bitmaps.h"
 #include "framework/canvas.h"
 #include "framework/control_class.h"
 #include "framework/guards.h"
-#include "framework/picture.h"
-#include "framework/records.h"
+#include "framework/window_state.h"
 
 namespace kv {
 

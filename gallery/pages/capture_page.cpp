@@ -11,11 +11,11 @@
 #include "framework/guards.h"
 #include "framework/painting.h"
 #include "gallery/resource_ids.h"
+#include "toolkit/appearance.h"
 #include "toolkit/languages.h"
 #include "toolkit/locale_text.h"
 #include "toolkit/pages.h"
 #include "toolkit/scaled_dialog.h"
-#include "toolkit/system_look.h"
 
 namespace gallery {
 

@@ -14,14 +14,14 @@
 #include "framework/guards.h"
 #include "framework/numbers.h"
 #include "framework/painting.h"
-#include "framework/records.h"
 #include "framework/shell_launch.h"
+#include "framework/window_state.h"
 #include "gallery/pages/simulated_flight.h"
 #include "gallery/resource_ids.h"
+#include "toolkit/appearance.h"
 #include "toolkit/locale_text.h"
 #include "toolkit/pages.h"
 #include "toolkit/scaled_dialog.h"
-#include "toolkit/system_look.h"
 
 namespace gallery {
 

@@ -4,12 +4,12 @@
 
 #include <string>
 
+#include "framework/bitmaps.h"
 #include "framework/file_path.h"
 #include "framework/guards.h"
 #include "framework/language.h"
 #include "framework/modules.h"
 #include "framework/painting.h"
-#include "framework/picture.h"
 #include "gallery/frame.h"
 #include "gallery/resource_ids.h"
 #include "toolkit/languages.h"

@@ -6,9 +6,9 @@
 #include <iterator>
 #include <string>
 
+#include "framework/bitmaps.h"
 #include "framework/bounded_format.h"
 #include "framework/numbers.h"
-#include "framework/picture.h"
 #include "gallery/resource_ids.h"
 #include "lists/extended_list.h"
 #include "lists/list_navigation.h"

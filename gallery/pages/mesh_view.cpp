@@ -7,14 +7,14 @@
 #include <cmath>
 #include <ratio>
 
+#include "framework/bitmaps.h"
 #include "framework/canvas.h"
 #include "framework/control_class.h"
 #include "framework/coverage.h"
 #include "framework/guards.h"
 #include "framework/numbers.h"
 #include "framework/painting.h"
-#include "framework/picture.h"
-#include "framework/records.h"
+#include "framework/window_state.h"
 #include "gallery/pages/multirotor.h"
 #include "gallery/pages/simulated_flight.h"
 #include "gallery/pages/triangle_raster.h"

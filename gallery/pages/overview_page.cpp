@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "framework/picture.h"
+#include "framework/bitmaps.h"
 #include "gallery/drawing.h"
 #include "gallery/frame.h"
 #include "gallery/resource_ids.h"

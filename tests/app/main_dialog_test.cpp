@@ -12,12 +12,12 @@
 #include "app/app_context.h"
 #include "app/optical_flow_chart.h"
 #include "app/resource_ids.h"
+#include "framework/bitmaps.h"
 #include "framework/control_class.h"
 #include "framework/dialog.h"
 #include "framework/guards.h"
 #include "framework/modules.h"
 #include "framework/painting.h"
-#include "framework/picture.h"
 #include "framework/window_position.h"
 #include "tests/support/test_window.h"
 

@@ -10,12 +10,12 @@
 #include <utility>
 #include <vector>
 
-#include "framework/picture.h"
+#include "framework/bitmaps.h"
 #include "tests/support/running_program.h"
 #include "tests/support/scarce_objects.h"
 #include "tests/support/test_window.h"
 #include "tools/fake_camera/fake_camera.h"
-#include "tools/fake_camera/fake_picture.h"
+#include "tools/fake_camera/fake_frame.h"
 
 namespace kv {
 namespace {

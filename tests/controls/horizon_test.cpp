@@ -9,7 +9,7 @@
 #include <random>
 #include <tuple>
 
-#include "controls/horizon/horizon_picture.h"
+#include "controls/horizon/horizon_renderer.h"
 #include "framework/control_class.h"
 #include "framework/coverage.h"
 #include "tests/support/control_test.h"

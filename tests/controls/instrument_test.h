@@ -4,9 +4,9 @@
 #include <cstdlib>
 
 #include "controls/display_instrument.h"
-#include "controls/instrument/record.h"
+#include "controls/instrument/state.h"
 #include "framework/guards.h"
-#include "framework/records.h"
+#include "framework/window_state.h"
 #include "tests/support/control_test.h"
 
 namespace kv {

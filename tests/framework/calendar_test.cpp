@@ -10,7 +10,7 @@
 #include <tuple>
 #include <utility>
 
-#include "framework/records.h"
+#include "framework/window_state.h"
 #include "tests/support/test_window.h"
 
 namespace {

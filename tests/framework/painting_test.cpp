@@ -7,7 +7,7 @@
 #include <memory>
 #include <tuple>
 
-#include "framework/picture.h"
+#include "framework/bitmaps.h"
 #include "tests/support/test_window.h"
 
 namespace {

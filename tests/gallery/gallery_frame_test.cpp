@@ -13,9 +13,9 @@
 #include <vector>
 
 #include "app/optical_flow_chart.h"
+#include "framework/bitmaps.h"
 #include "framework/language.h"
 #include "framework/modules.h"
-#include "framework/picture.h"
 #include "framework/shell_launch.h"
 #include "gallery/command_line.h"
 #include "gallery/frame.h"

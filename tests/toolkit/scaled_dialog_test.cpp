@@ -11,11 +11,11 @@
 #include <utility>
 #include <vector>
 
+#include "framework/bitmaps.h"
 #include "framework/dialog.h"
 #include "framework/guards.h"
 #include "framework/modules.h"
-#include "framework/picture.h"
-#include "framework/tool_tips.h"
+#include "framework/tooltips.h"
 #include "lists/extended_list.h"
 #include "lists/list_navigation.h"
 #include "tests/support/running_program.h"

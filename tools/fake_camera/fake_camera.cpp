@@ -6,7 +6,7 @@
 #include <cstring>
 #include <vector>
 
-#include "tools/fake_camera/fake_picture.h"
+#include "tools/fake_camera/fake_frame.h"
 
 namespace {
 

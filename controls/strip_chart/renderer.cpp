@@ -1,4 +1,4 @@
-#include "controls/strip_chart/picture.h"
+#include "controls/strip_chart/renderer.h"
 
 #include <algorithm>
 #include <cmath>

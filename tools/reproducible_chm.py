@@ -16,7 +16,7 @@ def main() -> int:
     with open(path, "rb") as file:
         data = bytearray(file.read())
     if data[:4] != b"ITSF" or data.count(SYSTEM_START) != 1:
-        print(f"steady_chm.py: {path} is no help file of the kind that chmcmd writes", file=sys.stderr)
+        print(f"reproducible_chm.py: {path} is no help file of the kind that chmcmd writes", file=sys.stderr)
         return 1
     at = data.index(SYSTEM_START) + len(SYSTEM_START)
     data[HEADER_TIME] = data[at : at + 4] = bytes(4)

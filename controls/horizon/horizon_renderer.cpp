@@ -1,4 +1,4 @@
-#include "controls/horizon/horizon_picture.h"
+#include "controls/horizon/horizon_renderer.h"
 
 #include <algorithm>
 #include <array>

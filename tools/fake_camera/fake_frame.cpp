@@ -1,4 +1,4 @@
-#include "tools/fake_camera/fake_picture.h"
+#include "tools/fake_camera/fake_frame.h"
 
 #include <algorithm>
 #include <cstdint>

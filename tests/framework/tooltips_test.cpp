@@ -1,4 +1,4 @@
-#include "framework/tool_tips.h"
+#include "framework/tooltips.h"
 
 #include <gtest/gtest.h>
 

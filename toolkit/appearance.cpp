@@ -1,4 +1,4 @@
-#include "toolkit/system_look.h"
+#include "toolkit/appearance.h"
 
 #include <string>
 #include <vector>

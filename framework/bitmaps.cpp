@@ -1,4 +1,4 @@
-#include "framework/picture.h"
+#include "framework/bitmaps.h"
 
 #include <algorithm>
 

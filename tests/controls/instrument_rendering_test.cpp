@@ -16,7 +16,7 @@
 #include "controls/display_instrument.h"
 #include "controls/instrument/cache.h"
 #include "controls/instrument/layout.h"
-#include "controls/instrument/record.h"
+#include "controls/instrument/state.h"
 #include "controls/instrument_block.h"
 #include "framework/control_class.h"
 #include "tests/controls/instrument_test.h"

@@ -1,4 +1,4 @@
-#include "framework/records.h"
+#include "framework/window_state.h"
 
 #include <cstring>
 
