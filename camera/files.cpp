@@ -178,6 +178,12 @@ bool ReadWholeFile(const std::string& path, size_t limit, std::string* bytes, st
 
 namespace {
 
+bool Fail(OpenFailure failure, const std::string& error, RecordingFile* recording) {
+  recording->failure = failure;
+  recording->error = error;
+  return false;
+}
+
 // Feeds the decoder until it knows what the file begins with.
 bool ReadHeader(RecordingFile* recording) {
   Chunk none;
@@ -185,19 +191,21 @@ bool ReadHeader(RecordingFile* recording) {
   for (;;) {
     switch (DecodeNext(&recording->decoder, &none)) {
       case Decoded::kHeader: return true;
-      case Decoded::kNoRecording: recording->error = quoted + " is not a camtool recording"; return false;
+      case Decoded::kNoRecording: return Fail(OpenFailure::kForeign, quoted + " is not a camtool recording", recording);
       case Decoded::kOtherVersion:
-        recording->error = quoted + " has format version " + std::to_string(recording->decoder.version) +
-                           "; this camtool reads version " + std::to_string(kRecordingVersion);
-        return false;
+        return Fail(OpenFailure::kOtherVersion,
+                    quoted + " has format version " + std::to_string(recording->decoder.version) +
+                        "; this camtool reads version " + std::to_string(kRecordingVersion),
+                    recording);
       default: break;
     }
-    if (!ReadPart(recording->file, recording->path, &recording->part, &recording->error)) return false;
+    std::string error;
+    if (!ReadPart(recording->file, recording->path, &recording->part, &error)) {
+      return Fail(OpenFailure::kUnreadable, error, recording);
+    }
     if (recording->part.empty()) {
       // Cut off within its header: a recording of nothing.
-      recording->isEmpty = recording->decoder.pending.empty();
-      if (recording->isEmpty) recording->error = quoted + " is empty";
-      return !recording->isEmpty;
+      return !recording->decoder.pending.empty() || Fail(OpenFailure::kEmpty, quoted + " is empty", recording);
     }
     FeedDecoder(&recording->decoder, recording->part);
   }
@@ -207,8 +215,9 @@ bool ReadHeader(RecordingFile* recording) {
 
 bool OpenRecording(const std::string& path, RecordingFile* recording) {
   recording->path = path == "-" ? "standard input" : path;
-  recording->file = OpenForReading(path, &recording->error);
-  if (recording->file == INVALID_HANDLE_VALUE) return false;
+  std::string error;
+  recording->file = OpenForReading(path, &error);
+  if (recording->file == INVALID_HANDLE_VALUE) return Fail(OpenFailure::kUnreadable, error, recording);
   if (ReadHeader(recording)) return true;
   CloseRecording(recording);
   return false;

@@ -47,17 +47,20 @@ bool ReadWholeFile(const std::string& path, size_t limit, std::string* bytes, st
 
 // ---- Recordings ----------------------------------------------------------------------------------------------------
 
+// Why OpenRecording failed.
+enum class OpenFailure { kNone, kUnreadable, kEmpty, kForeign, kOtherVersion };
+
 struct RecordingFile {
   HANDLE file = INVALID_HANDLE_VALUE;
   std::string path, error;
   RecordingDecoder decoder;
   size_t truncatedBytes = 0;
-  bool isEmpty = false;  // not a single byte; OpenRecording returns false
-  std::string part;      // the buffer that is read into
+  OpenFailure failure = OpenFailure::kNone;
+  std::string part;  // the buffer that is read into
   Chunk chunk{};
 };
 
-// False, with a sentence in `error`, when the file cannot be read or is not a recording.
+// False, with a reason in `failure` and a sentence in `error`, when the file cannot be read or is not a recording.
 bool OpenRecording(const std::string& path, RecordingFile* recording);
 
 // The next chunk. False at the end of the file, after which `truncatedBytes` is set, and on a failed read (then there

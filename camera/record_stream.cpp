@@ -47,9 +47,11 @@ bool IsRecord(const char* bytes) {
   return kv::HasRecordShape(bytes) && bytes[kFieldBytes] != ',';
 }
 
-void CloseStretch(RecordStream* stream) {
+// Returns how many malformed bytes it had.
+long long CloseStretch(RecordStream* stream) {
   MalformedStretch& open = stream->open;
-  if (open.bytes == 0) return;
+  const long long bytes = open.bytes;
+  if (bytes == 0) return 0;
   const bool isLead =
       stream->records == 0 && stream->malformedStretches == 0 && open.bytes < static_cast<long long>(kv::kRecordLength);
   if (isLead) {
@@ -59,16 +61,19 @@ void CloseStretch(RecordStream* stream) {
     ++stream->malformedStretches;
     if (stream->stretches.size() < kMaxStretches) stream->stretches.push_back(open);
   }
-  open = {};
+  open.bytes = 0;
+  open.sample.clear();
+  return isLead ? 0 : bytes;
 }
 
 void TakeRecord(RecordStream* stream, const char* bytes, double seconds, std::vector<FoundRecord>* found) {
-  CloseStretch(stream);
   char text[kv::kRecordLength + 1] = "";
   std::memcpy(text, bytes, kv::kRecordLength);
   // A field that cannot be read (behind a zero byte) keeps its last value, as in Tarnwick.
   FoundRecord record = stream->last;
   record.seconds = seconds;
+  record.malformedSince = stream->open.seconds;
+  record.malformedBytes = CloseStretch(stream);
   record.isOdd = IsOdd({bytes, kv::kRecordLength});
   kv::ParseRecord(text, record.points);
   record.isInRange = std::ranges::all_of(record.points, IsInRange);

@@ -16,8 +16,10 @@ namespace camera {
 struct FoundRecord {
   double seconds;  // when its last byte came
   kv::CameraPoint points[kv::kPointCount];
-  bool isOdd;      // a number is not all digits; Tarnwick reads it all the same
-  bool isInRange;  // all coordinates are 0 to 1023
+  bool isOdd;                // a number is not all digits; Tarnwick reads it all the same
+  bool isInRange;            // all coordinates are 0 to 1023
+  long long malformedBytes;  // right before it
+  double malformedSince;     // when the first of them came
 };
 
 // Bytes between records that belong to none.

@@ -71,7 +71,7 @@ int RunExport(const std::vector<std::string>& operands) {
   Exporter exporter{};
   if (!camera::OpenRecording(operands[0], &exporter.recording)) {
     PrintError(exporter.recording.error);
-    return exporter.recording.isEmpty ? kEmpty : kFailed;
+    return exporter.recording.failure == camera::OpenFailure::kEmpty ? kEmpty : kFailed;
   }
   StopEvent();
   int result = kFailed;

@@ -118,7 +118,7 @@ int RunInfo(const std::vector<std::string>& operands) {
   Facts facts;
   if (!OpenRecording(operands[0], &facts.file)) {
     PrintError(facts.file.error);
-    return facts.file.isEmpty ? kEmpty : kFailed;
+    return facts.file.failure == camera::OpenFailure::kEmpty ? kEmpty : kFailed;
   }
   StopEvent();
   std::vector<camera::FoundRecord> found;

@@ -111,7 +111,7 @@ int RunReplay(const std::vector<std::string>& operands) {
   Player player{};
   if (!camera::OpenRecording(operands[0], &player.recording)) {
     PrintError(player.recording.error);
-    return player.recording.isEmpty ? kEmpty : kFailed;
+    return player.recording.failure == camera::OpenFailure::kEmpty ? kEmpty : kFailed;
   }
   StopEvent();
   int result = kNoPort;

@@ -100,7 +100,7 @@ int WatchRecording(Watcher* watcher, const std::string& path) {
   camera::RecordingFile recording;
   if (!OpenRecording(path, &recording)) {
     PrintError(recording.error);
-    return recording.isEmpty ? kEmpty : kFailed;
+    return recording.failure == camera::OpenFailure::kEmpty ? kEmpty : kFailed;
   }
   bool isWritten = true;
   while (isWritten && !IsStopRequested() && !watcher->isOver &&

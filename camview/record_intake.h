@@ -15,7 +15,7 @@ struct IntakeRecord {
   unsigned flags;  // kAfterSilence, kAfterDamagedBytes
 };
 
-// What came out since the caller emptied it last.
+// What came out since it was emptied last.
 struct IntakeBatch {
   std::vector<IntakeRecord> records;
   std::vector<Stretch> stretches;
@@ -24,8 +24,6 @@ struct IntakeBatch {
 struct RecordIntake {
   camera::RecordStream stream;
   std::vector<camera::FoundRecord> found;
-  long long malformedStretches = 0, malformedBytes = 0;  // of the stream, as far as they are in a batch
-  double malformedSince = 0;
   double lastArrival = 0;  // of bytes; before the first, when the line was opened
   unsigned flags = 0;      // of the next record
 };
@@ -33,13 +31,13 @@ struct RecordIntake {
 // Bytes that came at that time, which never goes back; adds to the batch.
 void TakeBytes(RecordIntake* intake, double seconds, std::string_view bytes, IntakeBatch* batch);
 
-// Chunks of a recording that could not be read, between the last bytes and this time.
+// Chunks of a recording that cannot be read, between the bytes before and this time.
 void TakeDamage(RecordIntake* intake, double seconds, long long bytes, IntakeBatch* batch);
 
-// The line was interrupted or has ended: what is incomplete belongs to no record. More may follow.
+// The line was interrupted or has ended at that time: what is incomplete belongs to no record. More may follow.
 void EndIntake(RecordIntake* intake, double seconds, IntakeBatch* batch);
 
-// Moves a batch into the store and empties it. False when allocation failed; the rest of it is lost.
+// Moves a batch into the store and empties it. False when allocation failed: the records from there on are lost.
 bool StoreBatch(IntakeBatch* batch, RecordStore* store);
 
 }  // namespace camview

@@ -17,7 +17,7 @@ namespace camview {
 // What is special about a record; bits.
 inline constexpr unsigned kOddRecord = 1;          // a number is not all digits
 inline constexpr unsigned kOutOfRange = 2;         // has no points: a coordinate is not within 0 to 1023
-inline constexpr unsigned kAfterSilence = 4;       // nothing was received for camera::kGapSeconds or longer before it
+inline constexpr unsigned kAfterSilence = 4;       // for camera::kGapSeconds or longer before it nothing is known
 inline constexpr unsigned kAfterDamagedBytes = 8;  // bytes that belong to no record, or lost chunks, before it
 
 struct StoredRecord {

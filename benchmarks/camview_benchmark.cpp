@@ -1,0 +1,101 @@
+// How long camview takes to open a recording and to make the curves and statistics of it, and how much memory that
+// needs. The recordings are made in the folder for temporary files, and removed.
+//
+//   camview_benchmark            an hour and a day at 93 records a second
+#include <windows.h>
+
+#include <psapi.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <random>
+#include <string>
+#include <string_view>
+
+#include "app/camera_record.h"
+#include "camera/files.h"
+#include "camera/ports.h"
+#include "camera/recording.h"
+#include "camview/envelope.h"
+#include "camview/recording_loader.h"
+#include "camview/statistics.h"
+
+namespace {
+
+constexpr double kRate = 93;
+constexpr int kBuckets = 2000;
+constexpr unsigned kAllChannels = 0xFF;
+
+// A chunk for each record, as a line brings them.
+bool MakeRecording(const std::string& path, long records) {
+  std::mt19937 random(1);
+  camera::OutputFile out;
+  std::string error, buffer = camera::EncodeHeader({133801632000000000, 38400, 3});
+  if (!camera::OpenOutput(path, true, nullptr, &out, &error)) return false;
+  std::uint64_t microseconds = 0;
+  for (long i = 0; i < records; ++i) {
+    kv::CameraPoint points[kv::kPointCount];
+    for (kv::CameraPoint& point : points)
+      point = {static_cast<LONG>(random() % 1024), static_cast<LONG>(random() % 768)};
+    char record[kv::kRecordLength];
+    kv::WriteRecord(points, record);
+    microseconds = static_cast<std::uint64_t>(static_cast<double>(i) * 1e6 / kRate);
+    buffer += camera::EncodeChunks(microseconds, std::string_view(record, sizeof(record)));
+    if (buffer.size() < 1 << 20) continue;
+    if (!camera::AppendToOutput(&out, buffer, &error)) break;
+    buffer.clear();
+  }
+  const bool isMade = camera::AppendToOutput(&out, buffer + camera::EncodeEnd(microseconds), &error) &&
+                      camera::PublishOutput(&out, &error);
+  camera::CloseOutput(&out);
+  return isMade;
+}
+
+template <class Function>
+double Milliseconds(Function function) {
+  const double begin = camera::Now();
+  function();
+  return (camera::Now() - begin) * 1000;
+}
+
+void Measure(const char* name, const std::string& path) {
+  camview::RecordingLoader loader;
+  const double begin = camera::Now();
+  loader.Start(path);
+  while (!loader.IsDone()) Sleep(5);
+  const double seconds = camera::Now() - begin;
+  const camview::LoadedRecording loaded = loader.Take();
+  PROCESS_MEMORY_COUNTERS memory{};
+  GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof(memory));
+  std::printf("%s: %lld records opened in %.2f s; memory %.0f MB, largest working set %.0f MB\n", name, loaded.records,
+              seconds, static_cast<double>(memory.PagefileUsage) / 1e6,
+              static_cast<double>(memory.PeakWorkingSetSize) / 1e6);
+  const camview::RecordStore& store = *loaded.store;
+  camview::Curves curves;
+  const auto curve = [&](double from, double to) {
+    return Milliseconds([&] { camview::MakeCurves(store, from, to, kBuckets, kAllChannels, &curves); });
+  };
+  const double whole = curve(0, loaded.seconds);
+  const double middle = loaded.seconds / 2, hour = curve(std::max(middle - 1800, 0.0), middle + 1800);
+  const double minute = curve(middle - 30, middle + 30);
+  const double statistics = Milliseconds([&] { camview::ComputeStatistics(store, 0, loaded.seconds); });
+  std::printf("  eight curves: all %.1f ms, an hour %.1f ms, a minute %.1f ms; statistics of all %.0f ms\n", whole,
+              hour, minute, statistics);
+}
+
+}  // namespace
+
+int main() {
+  char folder[MAX_PATH];
+  GetTempPathA(sizeof(folder), folder);
+  const struct {
+    const char* name;
+    long seconds;
+  } cases[] = {{"an hour", 3600}, {"a day", 86400}};
+  for (const auto& [name, seconds] : cases) {
+    const std::string path = std::string(folder) + "camview benchmark.twr";
+    if (MakeRecording(path, static_cast<long>(kRate * seconds))) Measure(name, path);
+    DeleteFileA(path.c_str());
+  }
+}

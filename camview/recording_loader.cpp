@@ -1,0 +1,108 @@
+#include "camview/recording_loader.h"
+
+#include <windows.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "camera/files.h"
+#include "camera/recording.h"
+#include "camview/record_intake.h"
+#include "camview/record_store.h"
+
+namespace camview {
+
+namespace {
+
+constexpr int kProgressChunks = 1024;
+
+LoadOutcome OutcomeOf(camera::OpenFailure failure) {
+  switch (failure) {
+    case camera::OpenFailure::kEmpty: return LoadOutcome::kEmpty;
+    case camera::OpenFailure::kForeign: return LoadOutcome::kForeign;
+    case camera::OpenFailure::kOtherVersion: return LoadOutcome::kOtherVersion;
+    default: return LoadOutcome::kUnreadable;
+  }
+}
+
+double ShareRead(HANDLE file) {
+  LARGE_INTEGER size{}, at{};
+  if (!GetFileSizeEx(file, &size) || !SetFilePointerEx(file, {}, &at, FILE_CURRENT) || size.QuadPart == 0) return 0;
+  return static_cast<double>(at.QuadPart) / static_cast<double>(size.QuadPart);
+}
+
+// Reads to the end or to what stops it.
+LoadOutcome ReadRecords(camera::RecordingFile* file, RecordIntake* intake, RecordStore* store, Worker* worker) {
+  IntakeBatch batch;
+  camera::Chunk chunk{};
+  std::uint64_t damagedBytes = file->decoder.damagedBytes;
+  for (int chunks = 0; camera::NextChunk(file, &chunk); ++chunks) {
+    const double seconds = static_cast<double>(chunk.microseconds) / 1e6;
+    if (file->decoder.damagedBytes > damagedBytes) {
+      TakeDamage(intake, seconds, static_cast<long long>(file->decoder.damagedBytes - damagedBytes), &batch);
+      damagedBytes = file->decoder.damagedBytes;
+    }
+    TakeBytes(intake, seconds, chunk.bytes, &batch);
+    if (!StoreBatch(&batch, store)) return LoadOutcome::kOutOfMemory;
+    if (store->End() >= RecordStore::kLargestCapacity) return LoadOutcome::kTooLong;
+    if (chunks % kProgressChunks != 0) continue;
+    if (worker->IsCancelled()) return LoadOutcome::kCancelled;
+    worker->SetProgress(ShareRead(file->file));
+  }
+  const double end = static_cast<double>(file->decoder.endTime) / 1e6;
+  if (file->decoder.damagedBytes > damagedBytes) {
+    TakeDamage(intake, end, static_cast<long long>(file->decoder.damagedBytes - damagedBytes), &batch);
+  }
+  EndIntake(intake, end, &batch);
+  StoreBatch(&batch, store);
+  return file->error.empty() ? LoadOutcome::kComplete : LoadOutcome::kReadFailed;
+}
+
+}  // namespace
+
+bool RecordingLoader::Start(const std::string& path) {
+  worker_.Cancel();
+  worker_.Wait();
+  loaded_ = {};
+  loaded_.path = path;
+  return worker_.Start([this] { Load(); });
+}
+
+LoadedRecording RecordingLoader::Take() {
+  worker_.Wait();
+  return std::exchange(loaded_, {});
+}
+
+void RecordingLoader::Load() {
+  camera::RecordingFile file;
+  loaded_.store = std::make_unique<RecordStore>();
+  if (!camera::OpenRecording(loaded_.path, &file)) {
+    loaded_.outcome = OutcomeOf(file.failure);
+    loaded_.error = file.error;
+    loaded_.version = file.decoder.version;
+    return;
+  }
+  RecordIntake intake;
+  loaded_.outcome = ReadRecords(&file, &intake, loaded_.store.get(), &worker_);
+  camera::CloseRecording(&file);
+  const camera::RecordingDecoder& decoder = file.decoder;
+  loaded_.error = file.error;
+  loaded_.header = decoder.header;
+  loaded_.hasHeader = decoder.header.startTime != 0 || decoder.header.baudRate != 0;
+  loaded_.seconds = static_cast<double>(decoder.endTime) / 1e6;
+  // What was not read to its end says nothing of its end.
+  loaded_.isTruncated = loaded_.outcome == LoadOutcome::kComplete && !decoder.hasEnd;
+  loaded_.truncatedBytes = static_cast<long long>(file.truncatedBytes);
+  loaded_.damagedPlaces = static_cast<long long>(decoder.damagedPlaces);
+  loaded_.damagedBytes = static_cast<long long>(decoder.damagedBytes);
+  loaded_.bytes = intake.stream.bytes;
+  loaded_.records = intake.stream.records;
+  loaded_.oddRecords = intake.stream.oddRecords;
+  loaded_.outOfRange = intake.stream.outOfRange;
+  loaded_.malformedStretches = intake.stream.malformedStretches;
+  loaded_.malformedBytes = intake.stream.malformedBytes;
+}
+
+}  // namespace camview
