@@ -59,6 +59,7 @@
 #include "toolkit/list_columns.h"
 #include "toolkit/locale_text.h"
 #include "toolkit/pages.h"
+#include "toolkit/png_file.h"
 #include "toolkit/scaled_dialog.h"
 #include "toolkit/strip_chart.h"
 #include "toolkit/track_files.h"

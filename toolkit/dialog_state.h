@@ -38,6 +38,7 @@ struct DialogRecord {
   std::vector<DialogPage> pages;
   HWND shownPage;
   int pagePlace;
+  HACCEL accelerators;  // null without a table; the system frees it with the program
   HMENU languageMenu;
   std::array<HBITMAP, kLanguageBitmapArea / sizeof(HBITMAP)> languageBitmaps;
 

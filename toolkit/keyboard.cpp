@@ -2,6 +2,7 @@
 
 #include <commctrl.h>
 
+#include <cwchar>
 #include <memory>
 
 #include "framework/control_class.h"
@@ -65,7 +66,30 @@ bool OnReturn(HWND dialog, HWND control) {
   return true;
 }
 
+// Whether the focused control needs the key more than any accelerator.
+bool KeepsKey(HWND control, WPARAM key) {
+  const bool isFunctionKey = key >= VK_F1 && key <= VK_F24, isLetter = key >= 'A' && key <= 'Z';
+  const bool isPlain = !IsKeyDown(VK_CONTROL) && !IsKeyDown(VK_MENU);
+  constexpr wchar_t kEditing[] = L"ACVXYZ";
+  switch (ClassifyControl(control)) {
+    case kControlEdit:
+    case kControlComboBox:
+      return !isFunctionKey && (isPlain || !isLetter || wcschr(kEditing, static_cast<wchar_t>(key)));
+    case kControlButton: return key == VK_SPACE;
+    case kControlListBox:
+    case kControlTreeView: return isPlain && isLetter;
+    default: return false;
+  }
+}
+
 }  // namespace
+
+bool TakeAccelerator(HWND dialog, MSG* message) {
+  const std::shared_ptr<DialogRecord> record = DialogRecordOf(dialog);
+  if (!record || !record->accelerators || !IsWindowEnabled(dialog)) return false;
+  if (message->message == WM_KEYDOWN && KeepsKey(message->hwnd, message->wParam)) return false;
+  return TranslateAcceleratorW(dialog, record->accelerators, message) != 0;
+}
 
 bool TakeKey(HWND dialog, MSG* message) {
   if (!IsChild(dialog, message->hwnd)) return false;

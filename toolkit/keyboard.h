@@ -11,4 +11,7 @@ namespace kv {
 // them: the dialog manager's search for an Alt key must never begin at a control that it does not come back to.
 bool TakeKey(HWND dialog, MSG* message);
 
+// True when the message is a key of the dialog's accelerator table, whose command has been sent.
+bool TakeAccelerator(HWND dialog, MSG* message);
+
 }  // namespace kv

@@ -167,6 +167,9 @@ RecordHolder MakeRecord(HWND dialog, const Opening& opening) {
   record->classProcedure =
       reinterpret_cast<WNDPROC>(SetWindowLongW(dialog, GWL_WNDPROC, reinterpret_cast<LONG>(WideCaptionProcedure)));
   if (record->kind == DialogKind::kPage) SetWindowLongW(dialog, GWL_ID, kPageId);
+  if (record->what.accelerators) {
+    record->accelerators = LoadAcceleratorsW(modules.application, record->what.accelerators);
+  }
   return record;
 }
 

@@ -70,6 +70,11 @@ struct ScaledDialog {
   const wchar_t* menu = nullptr;
   LanguageMenu languageMenu = {};
 
+  // Keys for commands: an accelerator table of the program's own module. Keys that the focused control uses stay with
+  // it: all but function keys and Ctrl with another letter than A, C, V, X, Y or Z in an edit control or combo box,
+  // Space on a button, single letters in a list or a tree. Not in modal dialogs and pages.
+  const wchar_t* accelerators = nullptr;
+
   // The ids of the controls that scale. Controls outside the range keep place, size and font; those that are made after
   // WM_INITDIALOG must have such ids. The fonts that controls have after WM_INITDIALOG are copied; from then on the
   // dialog owns the fonts of its controls, and deletes them.

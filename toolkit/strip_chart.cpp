@@ -99,6 +99,44 @@ BOOL SetStripChartView(HWND dialog, int id, double seconds, double minimum, doub
   });
 }
 
+BOOL ShowStripChartTimes(HWND dialog, int id, StripStretch times) {
+  return ChangeView(dialog, id, [&](StripView& view) {
+    view.state &= ~kStripFollow;
+    view.span = times.to - times.from;
+    view.end = times.to;
+  });
+}
+
+BOOL GetStripChartTimes(HWND dialog, int id, StripStretch* times) {
+  StripView view{};
+  if (!Send(dialog, id, kStripViewItem | kCommandRead, 0, &view)) return FALSE;
+  *times = {view.end - view.span, view.end};
+  return TRUE;
+}
+
+BOOL SetStripChartCursor(HWND dialog, int id, const double* time) {
+  return Send(dialog, id, time ? kStripCursor : kStripCursor | kCommandRemove, 0, time);
+}
+
+BOOL GetStripChartCursor(HWND dialog, int id, double* time) {
+  StripReading reading{};
+  if (!Send(dialog, id, kStripCursor | kCommandRead, 0, &reading)) return FALSE;
+  *time = reading.time;
+  return TRUE;
+}
+
+BOOL SetStripChartMark(HWND dialog, int id, const StripStretch* stretch) {
+  return Send(dialog, id, stretch ? kStripMark : kStripMark | kCommandRemove, 0, stretch);
+}
+
+BOOL GetStripChartMark(HWND dialog, int id, StripStretch* stretch) {
+  return Send(dialog, id, kStripMark | kCommandRead, 0, stretch);
+}
+
+BOOL ClearStripChart(HWND dialog, int id) {
+  return Send(dialog, id, kStripClear, 0, nullptr);
+}
+
 BOOL HoldStripChart(HWND dialog, int id, BOOL hold) {
   return ChangeView(dialog, id,
                     [&](StripView& view) { view.state = hold ? view.state | kStripHold : view.state & ~kStripHold; });

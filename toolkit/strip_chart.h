@@ -33,7 +33,18 @@ BOOL SetStripChartCapacity(HWND dialog, int id, DWORD samples);
 // Seconds shown, 0 for all that is kept, and the range of the axis for all channels, equal as the values need. The
 // newest sample stands at the right then.
 BOOL SetStripChartView(HWND dialog, int id, double seconds, double minimum, double maximum);
+// Shows these times, whether samples come or not; the values stay as they are shown.
+BOOL ShowStripChartTimes(HWND dialog, int id, StripStretch times);
+// What is shown, which the user may have changed. `from` is `to` where all that is kept is shown.
+BOOL GetStripChartTimes(HWND dialog, int id, StripStretch* times);
 BOOL HoldStripChart(HWND dialog, int id, BOOL hold);
+// The cursor's time and the marked stretch. Null removes it; reading without one returns 0.
+BOOL SetStripChartCursor(HWND dialog, int id, const double* time);
+BOOL GetStripChartCursor(HWND dialog, int id, double* time);
+BOOL SetStripChartMark(HWND dialog, int id, const StripStretch* stretch);
+BOOL GetStripChartMark(HWND dialog, int id, StripStretch* stretch);
+// Forgets all samples, cursor and mark.
+BOOL ClearStripChart(HWND dialog, int id);
 // Shows these coloured parts of the value range, at most three, and no others.
 BOOL SetStripChartZones(HWND dialog, int id, std::span<const StripZone> zones);
 // Of a channel, over the marked stretch or what is shown.

@@ -18,6 +18,7 @@ struct StripChart {
   LONG hoverX = 0;
   enum class Drag { kNone, kPan, kMark } drag = Drag::kNone;
   LONG dragX = 0, wheel = 0;
+  bool dragged = false;  // since the button went down
 };
 
 struct StripRecord {

@@ -67,6 +67,10 @@ Tip CursorTip(const StripModel& model, const StripLayout& layout) {
   return tip;
 }
 
+bool TellsStatistics(const StripModel& model) {
+  return model.marked && !(model.style & kStripNoStatistics);
+}
+
 void BlendArea(const Surface& surface, const RECT& area, COLORREF color, DWORD coverage) {
   RECT seen;
   const RECT whole{0, 0, surface.size().cx, surface.size().cy};
@@ -82,7 +86,7 @@ void StripPicture::DrawTip(Canvas& canvas, const StripModel& model) {
   const StripLayout& layout = key_.layout;
   const StripColors& colors = key_.colors;
   const RECT& plot = layout.plot;
-  const bool statistics = model.marked;
+  const bool statistics = TellsStatistics(model);
   const Tip tip = statistics ? StatisticsTip(model, layout) : CursorTip(model, layout);
   HDC dc = canvas.dc();
   const SelectedObject selected(dc, font_);
@@ -152,7 +156,7 @@ const Surface& StripPicture::WithMarks(const StripModel& model, bool focused) {
     if (x >= plot.left && x < plot.right) FillArea(canvas, {x, plot.top, x + 1, plot.bottom}, key_.colors.ink);
   }
   // What is read is left out where it would cover all.
-  if ((model.cursorShown || model.marked) && layout.labelsPx > 0) DrawTip(canvas, model);
+  if ((model.cursorShown || TellsStatistics(model)) && layout.labelsPx > 0) DrawTip(canvas, model);
   if (focused) {
     const RECT frame{plot.left - 1, plot.top - 1, plot.right + 1, plot.bottom + 1};
     SetTextColor(canvas.dc(), RGB(0, 0, 0));

@@ -23,6 +23,7 @@
 //                          16..5120, or 0. The text is a table with tabs, decimal separator as the user has it: one
 //                          row for each sample shown, or where those are more than kStripMaxTextRows, one for each
 //                          column of pixels with minimum and maximum.
+//             WM_PRINTCLIENT  draws what it shows into the device context in wParam.
 //             WM_DROPFILES sent on to the parent.
 //             kControlCommand  below.
 // Notifies    kStripNotify... as WM_COMMAND, posted, when the user (not a message) has changed something.
@@ -54,8 +55,9 @@ inline constexpr DWORD kStripOwnAxes = 0x0010;            // a value axis for ea
 inline constexpr DWORD kStripNoLegend = 0x0020;
 inline constexpr DWORD kStripDisabled = 0x0040;  // drawn disabled; follows WM_ENABLE
 inline constexpr DWORD kStripNoGrid = 0x0080;
-inline constexpr DWORD kStripTimeOfDay = 0x0100;  // the time axis shows hours, minutes and seconds
-inline constexpr DWORD kStripNoAxes = 0x0200;     // no numbers
+inline constexpr DWORD kStripTimeOfDay = 0x0100;     // the time axis shows hours, minutes and seconds
+inline constexpr DWORD kStripNoAxes = 0x0200;        // no numbers
+inline constexpr DWORD kStripNoStatistics = 0x0400;  // a marked stretch has no tip with its statistics
 
 struct StripSample {
   double time, value;
@@ -138,5 +140,6 @@ inline constexpr WPARAM kStripZoneEnable = 0x0400;  // flag of kStripZone
 
 // Notification codes.
 inline constexpr WORD kStripNotifyView = 1, kStripNotifyCursor = 2, kStripNotifyMark = 3;
+inline constexpr WORD kStripNotifyClick = 4;  // a click that dragged nothing; the cursor is where it was
 
 }  // namespace kv

@@ -103,16 +103,24 @@ LRESULT OnDestroy(HWND window) {
   return 0;
 }
 
+LRESULT ShowOn(HDC dc, StripChart& chart, bool focused) {
+  const Surface& surface = chart.picture.WithMarks(chart.model, focused);
+  if (!surface.bitmap()) return 0;
+  const SelectedObject selected(chart.picture.memoryDc(), surface.bitmap());
+  BitBlt(dc, 0, 0, surface.size().cx, surface.size().cy, chart.picture.memoryDc(), 0, 0, SRCCOPY);
+  return 0;
+}
+
 LRESULT OnPaint(HWND window, StripChart* chart) {
   // Before the paint begins: it then shows what this invalidates as well.
   if (chart) RefreshStrip(*chart);
   const PaintScope paint(window);
-  if (!chart) return kNoRecord;
-  const Surface& surface = chart->picture.WithMarks(chart->model, GetFocus() == window);
-  if (!surface.bitmap()) return 0;
-  const SelectedObject selected(chart->picture.memoryDc(), surface.bitmap());
-  BitBlt(paint.dc(), 0, 0, surface.size().cx, surface.size().cy, chart->picture.memoryDc(), 0, 0, SRCCOPY);
-  return 0;
+  return chart ? ShowOn(paint.dc(), *chart, GetFocus() == window) : kNoRecord;
+}
+
+LRESULT OnPrint(StripChart& chart, HDC dc) {
+  RefreshStrip(chart);
+  return ShowOn(dc, chart, false);
 }
 
 LRESULT OnTimer(StripChart& chart, WPARAM timer) {
@@ -142,6 +150,7 @@ LRESULT OnMouseMove(StripChart& chart, LONG x) {
   const LONG width = layout.plot.right - layout.plot.left;
   if (chart.drag == StripChart::Drag::kPan) {
     if (x == chart.dragX || width <= 0) return 0;
+    chart.dragged = true;
     PanTime(chart.model, static_cast<double>(chart.dragX - x) / width);
     chart.dragX = x;
     return Changed(chart, kStripNotifyView);
@@ -177,6 +186,7 @@ LRESULT OnButtonDown(HWND window, LONG x, bool shift) {
   StripChart& chart = *found;
   chart.drag = shift ? StripChart::Drag::kMark : StripChart::Drag::kPan;
   chart.dragX = x;
+  chart.dragged = false;
   if (!shift && chart.model.marked) {
     chart.model.marked = false;
     return Changed(chart, kStripNotifyMark);
@@ -185,6 +195,7 @@ LRESULT OnButtonDown(HWND window, LONG x, bool shift) {
 }
 
 LRESULT OnButtonUp(StripChart& chart) {
+  if (chart.drag == StripChart::Drag::kPan && !chart.dragged) PostNotification(chart.window, kStripNotifyClick);
   chart.drag = StripChart::Drag::kNone;
   if (GetCapture() == chart.window) ReleaseCapture();
   return 0;
@@ -299,6 +310,7 @@ LRESULT HandleMessage(StripChart& chart, UINT message, WPARAM wParam, LPARAM lPa
     case WM_MOUSEWHEEL: return OnWheel(chart, wParam, lParam);
     case WM_KEYDOWN: return OnKey(chart, wParam, IsDown(VK_CONTROL), IsDown(VK_SHIFT));
     case WM_COPY: return CopyStrip(chart, lParam);
+    case WM_PRINTCLIENT: return OnPrint(chart, reinterpret_cast<HDC>(wParam));
     case WM_SYSCOLORCHANGE: return OnStripCommand(chart, kStripRender, 0);
     case kControlCommand: return OnStripCommand(chart, wParam, lParam);
     default: return DefWindowProcA(chart.window, message, wParam, lParam);

@@ -270,6 +270,22 @@ TEST_F(StripCharts, HoldsWhileSamplesAreKeptAndReadsCursorAndMark) {
   EXPECT_EQ(std::tuple(5, 20, 28, 24),
             std::tuple(statistics.count, statistics.minimum, statistics.maximum, statistics.mean));
   EXPECT_NEAR(std::sqrt(10), statistics.deviation, 1e-12);
+
+  Send(chart, kStripCursor | kCommandRemove, nullptr);
+  // The tip with statistics stands beside the mark, where without it the plot is empty.
+  const auto differentPixels = [](const kvtest::Picture& one, const kvtest::Picture& other) {
+    int count = 0;
+    for (int y = 0; y < 200; ++y) {
+      for (int x = 0; x < 300; ++x) count += one.At(x, y) != other.At(x, y);
+    }
+    return count;
+  };
+  kvtest::Picture told(300, 200), silent(300, 200);
+  SendMessageA(chart, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(told.dc()), 0);
+  EXPECT_EQ(1, Send(chart, kStripStyle, &kStripNoStatistics));
+  SendMessageA(chart, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(silent.dc()), 0);
+  EXPECT_EQ(0, silent.CountOf(0xCCCCCC));
+  EXPECT_LT(100, differentPixels(told, silent));
   EXPECT_EQ(1, Send(chart, kStripMark | kCommandRemove, nullptr));
   EXPECT_EQ(0, Send(chart, kStripMark | kCommandRead, &samples[0]));
 }
@@ -317,6 +333,10 @@ TEST_F(StripCharts, KeysAndMouseZoomPanMarkAndTellTheOwner) {
   EXPECT_EQ(1, Notified(kStripNotifyMark));
   SendMessageA(chart, WM_MOUSEMOVE, 0, MAKELPARAM(left + 60, 50));
   EXPECT_EQ(1, Notified(kStripNotifyCursor));
+  EXPECT_EQ(0, Notified(kStripNotifyClick));  // both were drags
+  SendMessageA(chart, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(left + 60, 50));
+  SendMessageA(chart, WM_LBUTTONUP, 0, MAKELPARAM(left + 60, 50));
+  EXPECT_EQ(1, Notified(kStripNotifyClick));
   EXPECT_EQ(DLGC_WANTMESSAGE, SendMessageA(chart, WM_GETDLGCODE, VK_ESCAPE, 0) & DLGC_WANTMESSAGE);
   key(VK_ESCAPE);
   EXPECT_EQ(std::tuple(kStripFollow, 0, 0), std::tuple(view().state, view().span, view().shift));

@@ -5,5 +5,6 @@
 #define IDC_ROWS 103
 #define IDC_EMPTY 104
 #define IDC_OUTSIDE 201
+#define IDM_KEY 301
 #define IDS_BOTH 1
 #define IDS_ENGLISH_ONLY 2

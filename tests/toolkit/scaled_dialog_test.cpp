@@ -22,6 +22,7 @@
 #include "tests/support/test_window.h"
 #include "tests/toolkit/ids.h"
 #include "toolkit/classes.h"
+#include "toolkit/keyboard.h"
 #include "toolkit/languages.h"
 #include "toolkit/pages.h"
 
@@ -129,6 +130,33 @@ TEST_F(ScaledDialogTest, ScalesKeepsItsSmallestSizeAndItsPlace) {
   EXPECT_TRUE(EqualRect(&window, &restored));
   DestroyWindow(dialog);
   EXPECT_FALSE(ModelessDialogs(dialog, nullptr, kModelessRemove));
+}
+
+TEST_F(ScaledDialogTest, TakesAcceleratorsThatTheFocusedControlDoesNotUse) {
+  ScaledDialog keyed = kTest;
+  keyed.accelerators = L"KEYS";
+  HWND dialog = OpenDialog(nullptr, keyed);
+  HWND button = CreateWindowA("BUTTON", "", WS_CHILD | WS_VISIBLE, 0, 0, 9, 9, dialog, nullptr, nullptr, nullptr);
+  const auto isTaken = [&](HWND focused, WPARAM key, bool control) {
+    BYTE keys[256]{};
+    keys[VK_CONTROL] = control ? 0x80 : 0;
+    SetKeyboardState(keys);
+    MSG message{.hwnd = focused, .message = WM_KEYDOWN, .wParam = key};
+    seen.clear();
+    const bool taken = TakeAccelerator(dialog, &message);
+    EXPECT_EQ(taken ? 1 : 0, std::ranges::count(seen, static_cast<UINT>(WM_COMMAND)));
+    return taken;
+  };
+  HWND edit = GetDlgItem(dialog, IDC_EDIT), rows = GetDlgItem(dialog, IDC_ROWS);
+  EXPECT_TRUE(isTaken(rows, 'K', false) && isTaken(rows, 'C', true) && isTaken(rows, VK_SPACE, false));
+  EXPECT_TRUE(isTaken(edit, 'O', true) && isTaken(button, 'K', false));
+  EXPECT_FALSE(isTaken(edit, 'K', false) || isTaken(edit, 'C', true) || isTaken(edit, VK_SPACE, false) ||
+               isTaken(button, VK_SPACE, false) || isTaken(rows, 'X', false));
+  EnableWindow(dialog, FALSE);
+  EXPECT_FALSE(isTaken(rows, 'K', false));  // while a box is open
+  BYTE none[256]{};
+  SetKeyboardState(none);
+  DestroyWindow(dialog);
 }
 
 TEST_F(ScaledDialogTest, SwitchesTheLanguageOfEveryDialogAndFreesTheLibrary) {

@@ -46,6 +46,20 @@ TEST_F(TypedCharts, DescribeAppendHoldAndRead) {
   EXPECT_TRUE(HoldStripChart(parent_, kId, FALSE));
   EXPECT_TRUE(ReadStripChartStatistics(parent_, kId, 2, &statistics));
   EXPECT_EQ(100, statistics.maximum);
+  StripStretch times{}, mark{1, 2};
+  EXPECT_TRUE(ShowStripChartTimes(parent_, kId, {2.5, 4.5}));
+  EXPECT_TRUE(GetStripChartTimes(parent_, kId, &times));
+  EXPECT_EQ(std::tuple(2.5, 4.5), std::tuple(times.from, times.to));
+  double cursor = 4;
+  EXPECT_FALSE(GetStripChartCursor(parent_, kId, &cursor) || GetStripChartMark(parent_, kId, &times));
+  EXPECT_TRUE(SetStripChartCursor(parent_, kId, &cursor) && SetStripChartMark(parent_, kId, &mark));
+  cursor = 0;
+  EXPECT_TRUE(GetStripChartCursor(parent_, kId, &cursor) && GetStripChartMark(parent_, kId, &times));
+  EXPECT_EQ(std::tuple(4, 1, 2), std::tuple(cursor, times.from, times.to));
+  EXPECT_TRUE(SetStripChartMark(parent_, kId, nullptr) && SetStripChartCursor(parent_, kId, nullptr));
+  EXPECT_FALSE(GetStripChartCursor(parent_, kId, &cursor) || GetStripChartMark(parent_, kId, &times));
+  EXPECT_TRUE(ClearStripChart(parent_, kId));
+  EXPECT_TRUE(AppendStripChartValue(parent_, kId, 2, 0, 1));  // a time before those that are gone
   const double before = StripChartNow();
   EXPECT_LE(before, StripChartNow());
   EXPECT_FALSE(SetStripChartChannel(parent_, kId, 8, {.name = L"x"}) || SetStripChartCapacity(parent_, kId, 0) ||
