@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <cstddef>
+#include <cstring>
 #include <type_traits>
 
 namespace kv {
@@ -61,6 +62,25 @@ void DestroyWindowRecord(HWND window, Record* record) {
 }
 
 // Any thread; no state.
+
+// Copies an item to an address that a message has brought, or from it, so that the sender's memory is probed and
+// touched once. False, with nothing copied, when it cannot be.
+template <class Item>
+bool CopyItemOut(const Item& item, LPARAM address) {
+  static_assert(std::is_trivially_copyable_v<Item>);
+  auto* target = reinterpret_cast<void*>(address);
+  if (IsBadWritePtr(target, sizeof(Item))) return false;
+  std::memcpy(target, &item, sizeof(Item));
+  return true;
+}
+template <class Item>
+bool CopyItemIn(LPARAM address, Item* item) {
+  static_assert(std::is_trivially_copyable_v<Item>);
+  const auto* source = reinterpret_cast<const void*>(address);
+  if (IsBadReadPtr(source, sizeof(Item))) return false;
+  std::memcpy(item, source, sizeof(Item));
+  return true;
+}
 
 // Fills the 24 bytes at `record` with zeros and returns it; null when they cannot be written.
 void* ZeroRecord24(void* record);

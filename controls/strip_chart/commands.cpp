@@ -1,55 +1,38 @@
 // What the owner of a strip chart sends.
 #include <cmath>
-#include <cstring>
 
 #include "controls/strip_chart/control.h"
 #include "controls/strip_chart/model.h"
 #include "controls/strip_chart/strip_chart.h"
 #include "framework/accessible.h"
 #include "framework/control_class.h"
+#include "framework/window_state.h"
 
 namespace kv {
 
 namespace {
 
-template <class Item>
-bool ReadOut(const Item& item, LPARAM address) {
-  auto* target = reinterpret_cast<void*>(address);
-  if (IsBadWritePtr(target, sizeof(Item))) return false;
-  std::memcpy(target, &item, sizeof(Item));
-  return true;
-}
-
-// Takes a copy, so that the owner's memory is tested and read once.
-template <class Item>
-bool TakeIn(LPARAM address, Item* item) {
-  const auto* source = reinterpret_cast<const void*>(address);
-  if (IsBadReadPtr(source, sizeof(Item))) return false;
-  std::memcpy(item, source, sizeof(Item));
-  return true;
-}
-
 bool ExchangeStyle(StripModel& model, WPARAM wParam, LPARAM address) {
-  if (wParam & kCommandRead) return ReadOut(model.style, address);
+  if (wParam & kCommandRead) return CopyItemOut(model.style, address);
   DWORD bits = 0;
-  if (!TakeIn(address, &bits)) return false;
+  if (!CopyItemIn(address, &bits)) return false;
   model.style = wParam & kCommandRemove ? model.style & ~bits : model.style | bits;
   return true;
 }
 
 bool ExchangeChannel(StripModel& model, unsigned index, WPARAM wParam, LPARAM address) {
   if (wParam & kCommandRead) {
-    return index < kStripChannels && model.channels[index].used && ReadOut(model.channels[index].info, address);
+    return index < kStripChannels && model.channels[index].used && CopyItemOut(model.channels[index].info, address);
   }
   if (wParam & kCommandRemove) return RemoveChannel(model, index);
   StripChannel info;
-  return TakeIn(address, &info) && SetChannel(model, index, info);
+  return CopyItemIn(address, &info) && SetChannel(model, index, info);
 }
 
 bool Append(StripModel& model, unsigned index, LPARAM address) {
   StripSamples samples;
   constexpr DWORD kMaxCount = 0x7FFFFFFF / sizeof(StripSample);
-  if (!TakeIn(address, &samples) || samples.count > kMaxCount ||
+  if (!CopyItemIn(address, &samples) || samples.count > kMaxCount ||
       (samples.count && IsBadReadPtr(samples.samples, samples.count * sizeof(StripSample)))) {
     return false;
   }
@@ -57,44 +40,44 @@ bool Append(StripModel& model, unsigned index, LPARAM address) {
 }
 
 bool ExchangeZone(StripModel& model, unsigned index, WPARAM wParam, LPARAM address) {
-  if (wParam & kCommandRead) return index < kStripZones && ReadOut(model.zones[index], address);
+  if (wParam & kCommandRead) return index < kStripZones && CopyItemOut(model.zones[index], address);
   StripZone zone;
-  return TakeIn(address, &zone) && SetZone(model, index, zone, (wParam & kStripZoneEnable) != 0);
+  return CopyItemIn(address, &zone) && SetZone(model, index, zone, (wParam & kStripZoneEnable) != 0);
 }
 
 bool ExchangeCapacity(StripModel& model, WPARAM wParam, LPARAM address) {
-  if (wParam & kCommandRead) return ReadOut(model.capacity, address);
+  if (wParam & kCommandRead) return CopyItemOut(model.capacity, address);
   DWORD capacity = 0;
-  return TakeIn(address, &capacity) && SetStripCapacity(model, capacity);
+  return CopyItemIn(address, &capacity) && SetStripCapacity(model, capacity);
 }
 
 bool ExchangeView(StripModel& model, WPARAM wParam, LPARAM address) {
   StripView view = model.view;
   if (wParam & kCommandRead) {
     view.end = ShownTimes(model).to;
-    return ReadOut(view, address);
+    return CopyItemOut(view, address);
   }
-  return TakeIn(address, &view) && SetView(model, view);
+  return CopyItemIn(address, &view) && SetView(model, view);
 }
 
 bool ExchangeCursor(StripModel& model, WPARAM wParam, LPARAM address) {
-  if (wParam & kCommandRead) return model.cursorShown && ReadOut(ReadingAt(model, model.cursor), address);
+  if (wParam & kCommandRead) return model.cursorShown && CopyItemOut(ReadingAt(model, model.cursor), address);
   if (wParam & kCommandRemove) {
     model.cursorShown = false;
     return true;
   }
   double time = 0;
-  if (!TakeIn(address, &time) || !(std::fabs(time) <= kStripMaxTime)) return false;
+  if (!CopyItemIn(address, &time) || !(std::fabs(time) <= kStripMaxTime)) return false;
   model.cursor = time;
   model.cursorShown = true;
   return true;
 }
 
 bool ExchangeMark(StripModel& model, WPARAM wParam, LPARAM address) {
-  if (wParam & kCommandRead) return model.marked && ReadOut(model.mark, address);
+  if (wParam & kCommandRead) return model.marked && CopyItemOut(model.mark, address);
   StripStretch mark{};
   const bool remove = (wParam & kCommandRemove) != 0;
-  if (!remove && (!TakeIn(address, &mark) || !(mark.from <= mark.to) || std::isinf(mark.from) || std::isinf(mark.to))) {
+  if (!remove && (!CopyItemIn(address, &mark) || !(mark.from <= mark.to) || std::isinf(mark.from) || std::isinf(mark.to))) {
     return false;
   }
   model.mark = mark;
@@ -103,12 +86,12 @@ bool ExchangeMark(StripModel& model, WPARAM wParam, LPARAM address) {
 }
 
 bool ReadStatistics(const StripModel& model, unsigned index, WPARAM wParam, LPARAM address) {
-  return (wParam & kCommandRead) && index < kStripChannels && ReadOut(ChannelStatistics(model, index), address);
+  return (wParam & kCommandRead) && index < kStripChannels && CopyItemOut(ChannelStatistics(model, index), address);
 }
 
 bool ReadCount(const StripModel& model, unsigned index, WPARAM wParam, LPARAM address) {
   return (wParam & kCommandRead) && index < kStripChannels &&
-         ReadOut(DWORD{model.channels[index].store.count()}, address);
+         CopyItemOut(DWORD{model.channels[index].store.count()}, address);
 }
 
 bool DoCommand(StripChart& chart, WPARAM wParam, LPARAM lParam) {
