@@ -1,17 +1,14 @@
 // camtool record: records what a port receives.
 #include <windows.h>
 
-#include <cmath>
-#include <cstdint>
 #include <cstdio>
 #include <string>
 #include <vector>
 
-#include "app/camera_link.h"
 #include "camera/files.h"
 #include "camera/ports.h"
 #include "camera/record_stream.h"
-#include "camera/recording.h"
+#include "camera/recorder.h"
 #include "camera/text.h"
 #include "camtool/arguments.h"
 #include "camtool/commands.h"
@@ -22,7 +19,6 @@ namespace camtool {
 namespace {
 
 constexpr DWORD kTurnMs = 100;
-constexpr double kFlushSeconds = 1;
 constexpr DWORD kForwardPatienceMs = 20;
 
 struct Settings {
@@ -42,106 +38,76 @@ const Option kOptions[] = {
 
 constexpr int kExits[] = {kDone, kFailed, kUsageError, kNoPort};
 
-struct Recorder {
+struct Recording {
   camera::Port port, forward;
-  camera::OutputFile file;
-  double start = 0, lastFlush = 0;
+  camera::Recorder recorder;
   camera::RecordStream stream;
   std::string error;
 };
 
-std::uint64_t Microseconds(double seconds) {
-  return static_cast<std::uint64_t>(std::llround(seconds * 1e6));
-}
-
-bool Append(Recorder* recorder, const std::string& encoded) {
-  return camera::AppendToOutput(&recorder->file, encoded, &recorder->error);
-}
-
-bool Begin(Recorder* recorder, int port) {
-  FILETIME now{};
-  GetSystemTimeAsFileTime(&now);
-  recorder->start = recorder->lastFlush = camera::Now();
-  const std::uint64_t startTime = (std::uint64_t{now.dwHighDateTime} << 32) | now.dwLowDateTime;
-  const std::string header = camera::EncodeHeader({startTime, kv::kCameraBaudRate, static_cast<std::uint32_t>(port)});
-  // What a recording replaces stays until the new one holds something.
-  return Append(recorder, header) &&
-         (recorder->file.replaces || camera::PublishOutput(&recorder->file, &recorder->error));
-}
-
-// False when the chunk would make the file too large (the end's chunk must fit, too) or was not written.
-bool Store(Recorder* recorder, double seconds, const std::string& bytes) {
-  const std::string chunk = camera::EncodeChunks(Microseconds(seconds), bytes);
-  const double size =
-      static_cast<double>(recorder->file.size) + static_cast<double>(chunk.size() + camera::kChunkOverhead);
-  if (settings.size > 0 && size > settings.size) return false;
-  if (!Append(recorder, chunk) || !camera::PublishOutput(&recorder->file, &recorder->error)) return false;
-  camera::FeedStream(&recorder->stream, seconds, bytes, nullptr);
-  if (recorder->forward.isOpen()) {
-    camera::WritePort(recorder->forward.handle(), bytes.data(), bytes.size(), kForwardPatienceMs);
-  }
-  // A crash of this process loses nothing; a machine that loses its power loses at most this much.
-  if (recorder->file.path != "-" && seconds + recorder->start - recorder->lastFlush >= kFlushSeconds) {
-    FlushFileBuffers(recorder->file.file);
-    recorder->lastFlush = seconds + recorder->start;
+// False when the file is as large as it may be or was not written.
+bool Store(Recording* recording, double time, const std::string& bytes) {
+  if (!camera::AddToRecording(&recording->recorder, time, bytes, &recording->error)) return false;
+  camera::FeedStream(&recording->stream, time - recording->recorder.start, bytes, nullptr);
+  if (recording->forward.isOpen()) {
+    camera::WritePort(recording->forward.handle(), bytes.data(), bytes.size(), kForwardPatienceMs);
   }
   return true;
 }
 
-std::string Progress(const Recorder& recorder, double seconds, long long recordsBefore, double secondsBefore) {
+std::string Progress(const Recording& recording, double seconds, long long recordsBefore, double secondsBefore) {
   const double rate = seconds > secondsBefore
-                          ? static_cast<double>(recorder.stream.records - recordsBefore) / (seconds - secondsBefore)
+                          ? static_cast<double>(recording.stream.records - recordsBefore) / (seconds - secondsBefore)
                           : 0;
-  return camera::Format("%7.1f s  %5.1f records/s  %lld records  %lld bytes", seconds, rate, recorder.stream.records,
-                        recorder.stream.bytes);
+  return camera::Format("%7.1f s  %5.1f records/s  %lld records  %lld bytes", seconds, rate, recording.stream.records,
+                        recording.stream.bytes);
 }
 
 // Returns the sentence that says why the recording ended before its time, or "".
-std::string Record(Recorder* recorder, int port) {
+std::string Record(Recording* recording, int port) {
   HANDLE stop = StopEvent();
-  camera::PortReader reader(recorder->port.handle());
+  camera::PortReader reader(recording->port.handle());
   ProgressLine progress;
   long long recordsShown = 0;
   double secondsShown = 0;
   std::string bytes;
   for (;;) {
-    double now = camera::Now() - recorder->start, arrival = 0;
+    double now = camera::Now() - recording->recorder.start, arrival = 0;
     if (IsStopRequested() || (settings.seconds > 0 && now >= settings.seconds)) return {};
     const camera::PortReader::Outcome outcome = reader.Read(kTurnMs, stop, &bytes, &arrival);
     if (outcome == camera::PortReader::Outcome::kGone) {
       return "COM" + std::to_string(port) + " was disconnected; everything recorded until then is intact";
     }
-    if (outcome == camera::PortReader::Outcome::kBytes && !Store(recorder, arrival - recorder->start, bytes)) {
-      return recorder->error.empty() ? std::string() : recorder->error + "; everything recorded until then is intact";
+    if (outcome == camera::PortReader::Outcome::kBytes && !Store(recording, arrival, bytes)) {
+      return recording->error.empty() ? std::string() : recording->error + "; everything recorded until then is intact";
     }
-    now = camera::Now() - recorder->start;
+    now = camera::Now() - recording->recorder.start;
     if (!progress.IsDue()) continue;
-    progress.Show(Progress(*recorder, now, recordsShown, secondsShown));
-    recordsShown = recorder->stream.records;
+    progress.Show(Progress(*recording, now, recordsShown, secondsShown));
+    recordsShown = recording->stream.records;
     secondsShown = now;
   }
 }
 
-int RecordTo(Recorder* recorder, int port) {
-  if (!Begin(recorder, port)) {
-    PrintError(recorder->error);
+int RecordTo(Recording* recording, int port) {
+  if (!camera::BeginRecording(&recording->recorder, port, &recording->error)) {
+    PrintError(recording->error);
     return kFailed;
   }
-  const std::string failure = Record(recorder, port);
-  const double seconds = camera::Now() - recorder->start;
-  std::string unused;
-  camera::AppendToOutput(&recorder->file, camera::EncodeEnd(Microseconds(seconds)), &unused);
-  camera::EndStream(&recorder->stream);
-  const camera::RecordStream& stream = recorder->stream;
-  FILE* out = recorder->file.path == "-" ? stderr : stdout;
+  const std::string failure = Record(recording, port);
+  const double seconds = camera::EndRecording(&recording->recorder);
+  const camera::OutputFile& file = recording->recorder.file;
+  camera::EndStream(&recording->stream);
+  const camera::RecordStream& stream = recording->stream;
+  FILE* out = file.path == "-" ? stderr : stdout;
   std::fprintf(out, "%lld records, %lld bytes, %.1f s to %s\n", stream.records, stream.bytes, seconds,
-               recorder->file.path == "-" ? "standard output" : recorder->file.path.c_str());
+               file.path == "-" ? "standard output" : file.path.c_str());
   if (stream.malformedStretches > 0) {
     std::fprintf(out, "%s; they are in the recording, too\n", camera::DescribeMalformed(stream).c_str());
   }
   if (stream.bytes == 0) {
     PrintError(camera::Format("no data received in %.0f s", seconds) +
-               (recorder->file.part.empty() ? "" : "; \"" + recorder->file.path + "\" was left as it was") +
+               (file.part.empty() ? "" : "; \"" + file.path + "\" was left as it was") +
                "; run \"camtool scan\" to see which ports send");
   }
   if (failure.empty()) return kDone;
@@ -161,16 +127,17 @@ int RunRecord(const std::vector<std::string>& operands) {
     PrintError("standard output is a console; redirect it to a file or another program");
     return kUsageError;
   }
-  Recorder recorder;
-  if (!OpenPortOrPrintError(port, &recorder.port)) return kNoPort;
-  if (forward && !OpenPortOrPrintError(forward, &recorder.forward)) return kNoPort;
+  Recording recording;
+  recording.recorder.sizeLimit = settings.size;
+  if (!OpenPortOrPrintError(port, &recording.port)) return kNoPort;
+  if (forward && !OpenPortOrPrintError(forward, &recording.forward)) return kNoPort;
   int result = kFailed;
-  if (camera::OpenOutput(operands[1], settings.overwrite, nullptr, &recorder.file, &recorder.error)) {
-    result = RecordTo(&recorder, port);
+  if (camera::OpenOutput(operands[1], settings.overwrite, nullptr, &recording.recorder.file, &recording.error)) {
+    result = RecordTo(&recording, port);
   } else {
-    PrintError(recorder.error);
+    PrintError(recording.error);
   }
-  camera::CloseOutput(&recorder.file);
+  camera::CloseOutput(&recording.recorder.file);
   return result;
 }
 

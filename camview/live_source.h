@@ -14,10 +14,10 @@
 namespace camview {
 
 enum class LiveState {
-  kOpening,       // not tried yet
+  kOpening,       // not tried yet, or just opened and nothing received
   kAbsent,        // no such port, and none since the start
   kBusy,          // another program has it
-  kAccessDenied,  //
+  kAccessDenied,  // for this user
   kUnusable,      // no serial port, or its adapter hangs
   kGone,          // was there and is gone; waiting for it
   kSilent,        // open, and nothing received
@@ -26,8 +26,21 @@ enum class LiveState {
   kRecords,
 };
 
-// For so long there has to be nothing, no record or no point before the state says so.
+// There has to be nothing, no record or no point for so long before the state says so.
 inline constexpr double kJudgeSeconds = 1;
+
+// When an open line was opened, and when the last bytes, record and record with a point came; 0 and less: never.
+struct LineTimes {
+  double opened = 0, bytes = 0, record = 0, point = 0;
+};
+
+struct LineJudgement {
+  LiveState state;
+  double since;  // kSilent: the last bytes; kMalformed: the last record; kDark: the last point; else the opening
+};
+
+// The state of an open line. Pure.
+LineJudgement JudgeLine(const LineTimes& times, double now);
 
 enum class LiveRecordingState { kOff, kOn, kFailed };
 
@@ -35,8 +48,7 @@ struct LiveStatus {
   int port = 0;
   LiveState state = LiveState::kOpening;
   double now = 0;      // seconds since the start, on the clock of the records' times
-  double since = 0;    // when the state began: of kSilent the last bytes, of kMalformed the last record, of kDark the
-                       // last point
+  double since = 0;    // see LineJudgement; of a port that is not open, when that was found
   std::string holder;  // with kBusy, the program that has the port, where the system tells; else ""
   DWORD error = 0;     // the system's, with kUnusable
   long long bytes = 0, records = 0, oddRecords = 0, malformedStretches = 0, malformedBytes = 0;
@@ -44,16 +56,10 @@ struct LiveStatus {
   int interruptions = 0;        // how often the port went away
 
   LiveRecordingState recording = LiveRecordingState::kOff;
-  std::string path, recordingError;  // of the recording that runs or ran last; the sentence is English
-  double recordedSeconds = 0;
-  long long recordedBytes = 0;  // received ones
+  std::string path, recordingError;                // of the recording that runs or ran last; the sentence is English
+  double recordingBegan = 0, recordedSeconds = 0;  // on the same clock, and how long it is or was
+  long long recordedBytes = 0;                     // received ones
 };
-
-// Who decides what the state is; pure. Times are on one clock; negative: never.
-struct LiveTimes {
-  double opened, lastBytes, lastRecord, lastPoint;
-};
-LiveState JudgeLine(const LiveTimes& times, double now, double* since);
 
 class LiveSource {
  public:

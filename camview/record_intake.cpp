@@ -8,10 +8,7 @@
 
 namespace camview {
 
-namespace {
-
-// A silence between the last bytes and this time, if there was one.
-void NoteSilence(RecordIntake* intake, double seconds, IntakeBatch* batch) {
+void TakeSilence(RecordIntake* intake, double seconds, IntakeBatch* batch) {
   if (seconds - intake->lastArrival >= camera::kGapSeconds) {
     batch->stretches.push_back({StretchKind::kSilent, intake->lastArrival, seconds});
     intake->flags |= kAfterSilence;
@@ -19,10 +16,8 @@ void NoteSilence(RecordIntake* intake, double seconds, IntakeBatch* batch) {
   intake->lastArrival = seconds;
 }
 
-}  // namespace
-
 void TakeBytes(RecordIntake* intake, double seconds, std::string_view bytes, IntakeBatch* batch) {
-  NoteSilence(intake, seconds, batch);
+  TakeSilence(intake, seconds, batch);
   intake->found.clear();
   camera::FeedStream(&intake->stream, seconds, bytes, &intake->found);
   for (const camera::FoundRecord& record : intake->found) {
@@ -43,7 +38,7 @@ void TakeDamage(RecordIntake* intake, double seconds, long long bytes, IntakeBat
   intake->lastArrival = seconds;
 }
 
-void EndIntake(RecordIntake* intake, double seconds, IntakeBatch* batch) {
+void EndIntake(RecordIntake* intake, IntakeBatch* batch) {
   camera::RecordStream& stream = intake->stream;
   const long long before = stream.malformedBytes;
   const double since = stream.open.bytes > 0 ? stream.open.seconds : stream.lastArrival;
@@ -54,7 +49,6 @@ void EndIntake(RecordIntake* intake, double seconds, IntakeBatch* batch) {
     batch->stretches.push_back({StretchKind::kMalformed, since, stream.lastArrival, stream.malformedBytes - before});
     intake->flags |= kAfterDamagedBytes;
   }
-  NoteSilence(intake, seconds, batch);
 }
 
 bool StoreBatch(IntakeBatch* batch, RecordStore* store) {

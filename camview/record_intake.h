@@ -34,8 +34,11 @@ void TakeBytes(RecordIntake* intake, double seconds, std::string_view bytes, Int
 // Chunks of a recording that cannot be read, between the bytes before and this time.
 void TakeDamage(RecordIntake* intake, double seconds, long long bytes, IntakeBatch* batch);
 
-// The line was interrupted or has ended at that time: what is incomplete belongs to no record. More may follow.
-void EndIntake(RecordIntake* intake, double seconds, IntakeBatch* batch);
+// Nothing came until that time, the end of a recording.
+void TakeSilence(RecordIntake* intake, double seconds, IntakeBatch* batch);
+
+// The line was interrupted or has ended: what is incomplete belongs to no record. More may follow.
+void EndIntake(RecordIntake* intake, IntakeBatch* batch);
 
 // Moves a batch into the store and empties it. False when allocation failed: the records from there on are lost.
 bool StoreBatch(IntakeBatch* batch, RecordStore* store);

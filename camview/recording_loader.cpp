@@ -55,7 +55,8 @@ LoadOutcome ReadRecords(camera::RecordingFile* file, RecordIntake* intake, Recor
   if (file->decoder.damagedBytes > damagedBytes) {
     TakeDamage(intake, end, static_cast<long long>(file->decoder.damagedBytes - damagedBytes), &batch);
   }
-  EndIntake(intake, end, &batch);
+  EndIntake(intake, &batch);
+  TakeSilence(intake, end, &batch);
   StoreBatch(&batch, store);
   return file->error.empty() ? LoadOutcome::kComplete : LoadOutcome::kReadFailed;
 }

@@ -44,7 +44,7 @@ class StretchExporter {
   const ExportResult& Result() const { return result_; }
 
  private:
-  void Export();
+  void Run();
 
   ExportTask task_;
   ExportResult result_;  // the thread's until it is done

@@ -1,0 +1,273 @@
+#include "camview/live_source.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <deque>
+#include <iterator>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+
+#include "app/camera_record.h"
+#include "camera/files.h"
+#include "camera/ports.h"
+#include "camera/record_stream.h"
+#include "camera/recorder.h"
+#include "camview/record_intake.h"
+#include "camview/worker.h"
+
+namespace camview {
+
+namespace {
+
+constexpr DWORD kTurnMs = 100, kRetryMs = 500;
+constexpr double kRateSeconds = 2;
+
+bool HasPoint(const camera::FoundRecord& record) {
+  return record.isInRange && std::ranges::any_of(record.points, [](const kv::CameraPoint& point) {
+           return point.x != kv::kNoPoint && point.y != kv::kNoPoint;
+         });
+}
+
+LiveState StateOf(camera::PortState state, bool wasOpen) {
+  switch (state) {
+    case camera::PortState::kBusy: return LiveState::kBusy;
+    case camera::PortState::kAccessDenied: return LiveState::kAccessDenied;
+    case camera::PortState::kUnusable: return LiveState::kUnusable;
+    default: return wasOpen ? LiveState::kGone : LiveState::kAbsent;
+  }
+}
+
+}  // namespace
+
+LineJudgement JudgeLine(const LineTimes& times, double now) {
+  const double bytes = std::max(times.bytes, times.opened), record = std::max(times.record, times.opened);
+  const double point = std::max(times.point, times.opened);
+  if (now - bytes >= kJudgeSeconds) return {LiveState::kSilent, bytes};
+  if (now - record >= kJudgeSeconds) return {LiveState::kMalformed, record};
+  if (record == times.opened) return {LiveState::kOpening, times.opened};
+  if (now - point >= kJudgeSeconds) return {LiveState::kDark, point};
+  return {LiveState::kRecords, times.opened};
+}
+
+struct LiveSource::Reader {
+  int number = 0;
+  double start = 0;  // by camera::Now()
+  std::uint64_t startTime = 0;
+  HANDLE stop = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+
+  // The reader thread's alone.
+  camera::Port port;
+  RecordIntake intake;
+
+  std::mutex lock;  // guards what follows
+  IntakeBatch batch;
+  LiveStatus status;
+  LineTimes times;
+  bool isOpen = false;
+  std::deque<double> recent;  // the times of the records of the last kRateSeconds
+
+  // Guards what follows; held while the file is written, which may take long, so that nobody else has to wait. Taken
+  // before `lock`.
+  std::mutex recordingLock;
+  std::unique_ptr<camera::Recorder> recorder;
+
+  Worker worker;  // the last: its thread ends before the rest goes
+
+  ~Reader() {
+    SetEvent(stop);
+    worker.Wait();
+    CloseHandle(stop);
+  }
+  double Seconds() const { return camera::Now() - start; }
+  bool IsStopped() const { return WaitForSingleObject(stop, 0) == WAIT_OBJECT_0; }
+  void Run();
+  bool Open();
+  void Read();
+  void Take(double time, const std::string& bytes);
+  void Record(double time, const std::string& bytes);
+  void EndRecording();
+  void Publish(double seconds, IntakeBatch* found);
+};
+
+// ---- The thread -----------------------------------------------------------------------------------------------------
+
+void LiveSource::Reader::Run() {
+  while (!IsStopped()) {
+    if (Open()) {
+      Read();
+      port.Close();
+    } else {
+      WaitForSingleObject(stop, kRetryMs);
+    }
+  }
+}
+
+bool LiveSource::Reader::Open() {
+  const camera::PortStatus opened = camera::OpenPort(number, camera::FindPortHolders(), &port);
+  const std::lock_guard guard(lock);
+  isOpen = port.isOpen();
+  if (isOpen) {
+    times.opened = Seconds();
+    return true;
+  }
+  const LiveState state = StateOf(opened.state, times.opened > 0);
+  if (state != status.state) status.since = Seconds();
+  status.state = state;
+  status.holder = opened.holder;
+  status.error = opened.error;
+  return false;
+}
+
+void LiveSource::Reader::Read() {
+  camera::PortReader reader(port.handle());
+  std::string bytes;
+  double time = 0;
+  while (!IsStopped()) {
+    const camera::PortReader::Outcome outcome = reader.Read(kTurnMs, stop, &bytes, &time);
+    if (outcome == camera::PortReader::Outcome::kBytes) Take(time, bytes);
+    if (outcome != camera::PortReader::Outcome::kGone) continue;
+    IntakeBatch rest;
+    EndIntake(&intake, &rest);
+    const double seconds = Seconds();
+    Publish(seconds, &rest);
+    const std::lock_guard guard(lock);
+    isOpen = false;
+    ++status.interruptions;
+    status.state = LiveState::kGone;
+    status.since = seconds;
+    return;
+  }
+}
+
+void LiveSource::Reader::Take(double time, const std::string& bytes) {
+  const double seconds = time - start;
+  Record(time, bytes);
+  IntakeBatch found;
+  TakeBytes(&intake, seconds, bytes, &found);
+  Publish(seconds, &found);
+}
+
+void LiveSource::Reader::Publish(double seconds, IntakeBatch* found) {
+  const std::lock_guard guard(lock);
+  times.bytes = std::max(times.bytes, intake.stream.lastArrival);
+  for (const IntakeRecord& one : found->records) {
+    times.record = one.record.seconds;
+    if (HasPoint(one.record)) times.point = one.record.seconds;
+    recent.push_back(one.record.seconds);
+  }
+  while (!recent.empty() && recent.front() < seconds - kRateSeconds) recent.pop_front();
+  std::ranges::move(found->records, std::back_inserter(batch.records));
+  std::ranges::move(found->stretches, std::back_inserter(batch.stretches));
+  const camera::RecordStream& stream = intake.stream;
+  status.bytes = stream.bytes;
+  status.records = stream.records;
+  status.oddRecords = stream.oddRecords;
+  status.malformedStretches = stream.malformedStretches;
+  status.malformedBytes = stream.malformedBytes;
+}
+
+void LiveSource::Reader::Record(double time, const std::string& bytes) {
+  const std::lock_guard recordingGuard(recordingLock);
+  if (!recorder) return;
+  std::string error;
+  const bool isWritten = camera::AddToRecording(recorder.get(), time, bytes, &error);
+  {
+    const std::lock_guard guard(lock);
+    status.recordedBytes += isWritten ? static_cast<long long>(bytes.size()) : 0;
+    if (!isWritten) {
+      status.recording = LiveRecordingState::kFailed;
+      status.recordingError = error;
+    }
+  }
+  if (!isWritten) EndRecording();
+}
+
+// With `recordingLock` held.
+void LiveSource::Reader::EndRecording() {
+  if (!recorder) return;
+  const double seconds = camera::EndRecording(recorder.get());
+  camera::CloseOutput(&recorder->file);
+  recorder.reset();
+  const std::lock_guard guard(lock);
+  status.recordedSeconds = seconds;
+}
+
+// ---- The main thread ------------------------------------------------------------------------------------------------
+
+LiveSource::LiveSource(int port) : reader_(std::make_unique<Reader>()) {
+  reader_->number = reader_->status.port = port;
+  reader_->start = camera::Now();
+  reader_->startTime = camera::TimeOfDay();
+  reader_->worker.Start([reader = reader_.get()] { reader->Run(); });
+}
+
+LiveSource::~LiveSource() {
+  StopRecording();
+}
+
+void LiveSource::Take(IntakeBatch* batch) {
+  const std::lock_guard guard(reader_->lock);
+  std::ranges::move(reader_->batch.records, std::back_inserter(batch->records));
+  std::ranges::move(reader_->batch.stretches, std::back_inserter(batch->stretches));
+  reader_->batch.records.clear();
+  reader_->batch.stretches.clear();
+}
+
+LiveStatus LiveSource::Status() const {
+  const std::lock_guard guard(reader_->lock);
+  LiveStatus status = reader_->status;
+  status.now = reader_->Seconds();
+  if (reader_->isOpen) {
+    const LineJudgement judgement = JudgeLine(reader_->times, status.now);
+    status.state = judgement.state;
+    status.since = judgement.since;
+  }
+  const std::deque<double>& recent = reader_->recent;
+  const bool isFlowing =
+      recent.size() > 1 && status.now - recent.back() < kRateSeconds && recent.back() > recent.front();
+  if (isFlowing) status.recordsPerSecond = static_cast<double>(recent.size() - 1) / (recent.back() - recent.front());
+  if (status.recording == LiveRecordingState::kOn) status.recordedSeconds = status.now - status.recordingBegan;
+  return status;
+}
+
+std::uint64_t LiveSource::startTime() const {
+  return reader_->startTime;
+}
+
+bool LiveSource::StartRecording(const std::string& path, bool overwrite, std::string* error) {
+  const std::lock_guard recordingGuard(reader_->recordingLock);
+  if (reader_->recorder) {
+    *error = "\"" + reader_->recorder->file.path + "\" is being recorded";
+    return false;
+  }
+  auto recorder = std::make_unique<camera::Recorder>();
+  error->clear();
+  if (!camera::OpenOutput(path, overwrite, nullptr, &recorder->file, error)) return false;
+  if (!camera::BeginRecording(recorder.get(), reader_->number, error)) {
+    camera::CloseOutput(&recorder->file);
+    return false;
+  }
+  reader_->recorder = std::move(recorder);
+  const std::lock_guard guard(reader_->lock);
+  LiveStatus& status = reader_->status;
+  status.recording = LiveRecordingState::kOn;
+  status.path = path;
+  status.recordingError.clear();
+  status.recordedBytes = 0;
+  status.recordingBegan = reader_->Seconds();
+  return true;
+}
+
+void LiveSource::StopRecording() {
+  const std::lock_guard recordingGuard(reader_->recordingLock);
+  if (!reader_->recorder) return;
+  reader_->EndRecording();
+  const std::lock_guard guard(reader_->lock);
+  reader_->status.recording = LiveRecordingState::kOff;
+}
+
+}  // namespace camview

@@ -1,0 +1,179 @@
+#include "camview/stretch_export.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/camera_record.h"
+#include "camera/files.h"
+#include "camera/record_stream.h"
+#include "camera/recording.h"
+#include "camview/record_store.h"
+#include "camview/worker.h"
+
+namespace camview {
+
+namespace {
+
+constexpr size_t kBufferBytes = 65536;
+constexpr size_t kBatchRecords = 256;
+constexpr std::uint64_t kFileTimePerMicrosecond = 10;
+
+std::uint64_t Microseconds(double seconds) {
+  constexpr double kLatest = 1e18;
+  return static_cast<std::uint64_t>(std::llround(std::clamp(seconds * 1e6, 0.0, kLatest)));
+}
+
+struct Export {
+  const ExportTask& task;
+  Worker* worker;
+  ExportResult* result;
+  std::uint64_t from = Microseconds(task.from), to = Microseconds(task.to);
+  camera::OutputFile out{};
+  std::string buffer{};
+};
+
+bool Flush(Export* job, size_t atLeast) {
+  if (job->buffer.size() < atLeast) return true;
+  const bool isWritten = camera::AppendToOutput(&job->out, job->buffer, &job->result->error);
+  job->buffer.clear();
+  return isWritten;
+}
+
+// Whether to go on with what is at that time.
+bool GoesOn(Export* job, std::uint64_t microseconds) {
+  if (job->to > 0) job->worker->SetProgress(static_cast<double>(microseconds) / static_cast<double>(job->to));
+  return !job->worker->IsCancelled() && Flush(job, kBufferBytes);
+}
+
+void AddHeader(Export* job, camera::RecordingHeader header) {
+  if (header.startTime > 0) header.startTime += job->from * kFileTimePerMicrosecond;
+  job->buffer += camera::EncodeHeader(header);
+}
+
+void AddChunk(Export* job, std::uint64_t microseconds, std::string_view bytes) {
+  job->buffer += camera::EncodeChunks(microseconds - job->from, bytes);
+  ++job->result->chunks;
+}
+
+void AddEnd(Export* job, std::uint64_t sourceEnd) {
+  const std::uint64_t end = std::clamp(sourceEnd, job->from, std::max(job->from, job->to));
+  job->buffer += camera::EncodeEnd(end - job->from);
+}
+
+void AddRow(Export* job, const camera::FoundRecord& record) {
+  camera::AppendCsvRow(record, &job->buffer);
+  ++job->result->records;
+}
+
+// ---- From a recording -----------------------------------------------------------------------------------------------
+
+// False when it was cancelled or could not be written.
+bool AddRows(Export* job, camera::RecordingFile* recording) {
+  job->buffer = camera::CsvHeader();
+  camera::RecordStream stream;
+  std::vector<camera::FoundRecord> found;
+  while (camera::NextRecords(recording, &stream, &found) && recording->chunk.microseconds <= job->to) {
+    for (const camera::FoundRecord& record : found) {
+      if (record.isInRange && Microseconds(record.seconds) >= job->from) AddRow(job, record);
+    }
+    if (!GoesOn(job, recording->chunk.microseconds)) return false;
+  }
+  return true;
+}
+
+bool AddChunks(Export* job, camera::RecordingFile* recording) {
+  AddHeader(job, recording->decoder.header);
+  camera::RecordStream stream;
+  camera::Chunk chunk{};
+  while (camera::NextChunk(recording, &chunk) && chunk.microseconds <= job->to) {
+    if (chunk.microseconds >= job->from) {
+      AddChunk(job, chunk.microseconds, chunk.bytes);
+      camera::FeedStream(&stream, 0, chunk.bytes, nullptr);
+    }
+    if (!GoesOn(job, chunk.microseconds)) return false;
+  }
+  AddEnd(job, recording->decoder.endTime);
+  job->result->records = stream.records;
+  return true;
+}
+
+// ---- From a store ---------------------------------------------------------------------------------------------------
+
+void AddStored(Export* job, const StoredRecord& record) {
+  if (record.flags & kOutOfRange) return;
+  camera::FoundRecord found{};
+  found.seconds = record.seconds;
+  std::ranges::copy(record.points, found.points);
+  if (job->task.format == ExportFormat::kCsv) {
+    AddRow(job, found);
+    return;
+  }
+  char bytes[kv::kRecordLength];
+  kv::WriteRecord(found.points, bytes);
+  AddChunk(job, Microseconds(record.seconds), {bytes, sizeof(bytes)});
+  ++job->result->records;
+}
+
+bool AddStore(Export* job) {
+  const bool isCsv = job->task.format == ExportFormat::kCsv;
+  if (isCsv) {
+    job->buffer = camera::CsvHeader();
+  } else {
+    AddHeader(job, job->task.header);
+  }
+  const RecordStore& store = *job->task.store;
+  const long long end = store.At(job->task.to) + 1;
+  std::array<StoredRecord, kBatchRecords> batch;
+  for (long long number = store.Find(job->task.from); number < end;) {
+    const auto wanted = static_cast<size_t>(std::min<long long>(kBatchRecords, end - number));
+    const size_t count = store.Read(number, {batch.data(), wanted});
+    for (size_t i = 0; i < count; ++i) AddStored(job, batch[i]);
+    number += static_cast<long long>(count);
+    if (!GoesOn(job, Microseconds(batch[count - 1].seconds))) return false;
+  }
+  if (!isCsv) AddEnd(job, job->to);
+  return true;
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+
+bool Write(Export* job, camera::RecordingFile* recording) {
+  std::string* error = &job->result->error;
+  if (!camera::OpenOutput(job->task.target, job->task.overwrite, recording->file, &job->out, error)) return false;
+  const bool isCsv = job->task.format == ExportFormat::kCsv;
+  const bool isAdded = job->task.store ? AddStore(job) : isCsv ? AddRows(job, recording) : AddChunks(job, recording);
+  if (error->empty()) *error = recording->error;
+  return isAdded && error->empty() && Flush(job, 0) && camera::PublishOutput(&job->out, error);
+}
+
+}  // namespace
+
+bool StretchExporter::Start(const ExportTask& task) {
+  worker_.Cancel();
+  worker_.Wait();
+  task_ = task;
+  result_ = {};
+  return worker_.Start([this] { Run(); });
+}
+
+void StretchExporter::Run() {
+  Export job{task_, &worker_, &result_};
+  camera::RecordingFile recording;
+  if (!task_.store && !camera::OpenRecording(task_.source, &recording)) {
+    result_.error = recording.error;
+    return;
+  }
+  result_.isDone = Write(&job, &recording);
+  camera::CloseOutput(&job.out);
+  camera::CloseRecording(&recording);
+}
+
+}  // namespace camview
