@@ -30,6 +30,8 @@ constexpr double kHub = 0.31;
 constexpr double kMinRadiusWithHeading = 19, kMinRadiusWithNumbers = 88, kMinRadiusWithEightLetters = 42,
                  kMinRadiusWithRose = 26, kMinRadiusWithName = 52, kMinRadiusWithDecimals = 60;
 
+constexpr int kMinNameHeight = 9;
+
 struct CardLetters {
   double radius, cardinalHeight, otherRadius, otherHeight;
 };
@@ -193,10 +195,15 @@ void DrawIndex(Canvas& canvas, const Dial& dial, const InstrumentFace& face) {
 void DrawHeading(Canvas& canvas, const Dial& dial, const InstrumentFace& face, double heading) {
   const double radius = dial.faceRadius;
   const DialColors colors = ColorsOf(face);
-  const bool valid = ReadingOf(face.block).valid, named = radius >= kMinRadiusWithName;
+  const bool valid = ReadingOf(face.block).valid, small = radius < kMinRadiusWithRose;
   const int places = radius >= kMinRadiusWithDecimals ? face.block.format & kFormatPlaces : 0;
-  const FixedText text = valid ? HeadingText(heading, places) + DecodedUnit(face.block) : FixedText(L"---");
-  const int width = static_cast<int>(radius * (radius < kMinRadiusWithRose ? 0.9 : 2 * kHub * 0.93));
+  // Between the letters of a small card there is no room for a unit.
+  const FixedText text = !valid  ? FixedText(L"---")
+                         : small ? HeadingText(heading, places)
+                                 : HeadingText(heading, places) + DecodedUnit(face.block);
+  const int width = static_cast<int>(radius * (small ? 0.9 : 2 * kHub * 0.93)), nameWidth = width * 5 / 6;
+  const FixedText name = DecodedName(face.block);
+  const bool named = radius >= kMinRadiusWithName && MeasureText(name, kMinNameHeight, FW_NORMAL).cx <= width;
   const auto write = [&](const FixedText& line, double tall, int least, int room, int weight, double middle,
                          double boxHeight, COLORREF color, UINT align) {
     const int wanted = std::max(least, static_cast<int>(radius * tall));
@@ -208,7 +215,7 @@ void DrawHeading(Canvas& canvas, const Dial& dial, const InstrumentFace& face, d
   };
   write(text, 0.26, 10, width, FW_BOLD, named ? -0.035 : 0, 0.34, colors.ink, DT_CENTER | DT_NOCLIP);
   if (!named) return;
-  write(DecodedName(face.block), 0.11, 9, width * 5 / 6, FW_NORMAL, 0.14, 0.16, colors.faintInk, DT_CENTER);
+  write(name, 0.11, kMinNameHeight, nameWidth, FW_NORMAL, 0.14, 0.16, colors.faintInk, DT_CENTER);
 }
 
 }  // namespace
