@@ -20,8 +20,8 @@ namespace {
 
 // Radii as parts of the face's.
 constexpr double kZoneOuter = 0.97, kZoneInner = 0.91;
-constexpr double kTickOuter = 0.94, kMajorInner = 0.845, kMinorInner = 0.885;
-constexpr double kNeedleTail = 0.20, kHub = 0.10;
+constexpr double kTickOuter = 0.94, kMinorInner = 0.885;
+constexpr double kNeedleTail = 0.17, kHub = 0.10;
 
 RECT Widened(RECT box) {
   // Rounding must not cost a text its last letter.
@@ -149,6 +149,28 @@ void DrawNeedle(Canvas& canvas, const InstrumentFace& face, const Needle& needle
   FillGradientDisc(canvas, dial.centre, hub * 0.62, RGB(70, 74, 80), RGB(112, 117, 123));
 }
 
+// An index on the rim, as a compass has: labels keep the needle's tip away from the marks, and the index shows at which
+// of them it points.
+struct Index {
+  PointD tip, left, right;
+};
+
+Index IndexAt(const Dial& dial, double angle) {
+  const PointD base = PolarPoint(dial.centre, 0.3 * dial.faceRadius + 0.7 * dial.radius, angle);
+  const PointD half = PolarPoint({0, 0}, std::max(2.5, dial.faceRadius * 0.05), angle + 90);
+  return {.tip = PolarPoint(dial.centre, dial.faceRadius * kTickOuter, angle),
+          .left = {base.x - half.x, base.y - half.y},
+          .right = {base.x + half.x, base.y + half.y}};
+}
+
+void DrawIndex(Canvas& canvas, const InstrumentFace& face, const Index& index) {
+  const PointD corners[] = {index.tip, index.right, index.left};
+  for (size_t i = 0; i < 3; ++i) {
+    FillLine(canvas, corners[i], corners[(i + 1) % 3], std::max(1.5, face.reach * 0.03), ColorsOf(face).faceBottom);
+  }
+  FillPolygon(canvas, corners, DisplayColor(face));
+}
+
 void DrawValueText(Canvas& canvas, const InstrumentFace& face, const GaugeText& text) {
   DrawText(canvas, text, ColorsOf(face).ink);
 }
@@ -163,7 +185,12 @@ void AddParts(ValueLayer& layer, const InstrumentBlock& block, const char*) {
   }
   const InstrumentReading reading = ReadingOf(block);
   if (!reading.valid) return;
-  const Needle needle = NeedleAt(dial, face.reach, GaugeAngle(reading, reading.value));
+  const double angle = GaugeAngle(reading, reading.value);
+  if (dial.faceRadius >= kMinRadiusWithLabels) {
+    const Index index = IndexAt(dial, angle);
+    layer.Add(BoundsOf(std::array{index.tip, index.left, index.right}, 3, face.area), index, DrawIndex);
+  }
+  const Needle needle = NeedleAt(dial, face.reach, angle);
   layer.Add(BoundsOfNeedle(needle, dial, face.area), needle, DrawNeedle);
 }
 

@@ -13,25 +13,28 @@
 #include "framework/bounded_format.h"
 #include "framework/canvas.h"
 #include "framework/coverage.h"
+#include "framework/numbers.h"
 
 namespace kv {
 
 namespace {
 
 // Parts of the face's radius.
-constexpr double kLabelOuter = 0.825, kLabelHeight = 0.165, kLabelWidth = 0.52;  // at most so wide
-constexpr double kHubRoom = 0.13;                                                // hub with a little air
-constexpr double kTailEnd = 0.20;     // of the needle: rows of text begin below it
-constexpr double kNeedleRoom = 0.07;  // half the needle's thickness with a little air
+constexpr double kLabelHeight = 0.165, kLabelWidth = 0.52;  // at most so wide
+constexpr double kLabelGap = 0.035;                         // from the marks
+constexpr double kTextOuter = 0.825;                        // rows of text end here
+constexpr double kHubRoom = 0.13;                           // hub with a little air
+constexpr double kTailEnd = 0.20;                           // of the needle: rows of text begin below it
+constexpr double kNeedleRoom = 0.07;                        // half the needle's thickness with a little air
 constexpr double kNameHeight = 0.16, kUnitHeight = 0.15;
 constexpr double kNeedleReach = 0.90;
 constexpr double kValueMiddle = 0.775, kValueBottom = 0.92, kValueWidth = 0.70, kBareValueWidth = 1.15,
                  kValueHeight = 0.26;
 
-constexpr double kMinRadiusWithLabels = 36, kMinRadiusWithName = 29;
+constexpr double kMinRadiusWithName = 29;
 constexpr int kMinFontHeight = 9;           // of a font that can be read
+constexpr double kMinLabelGap = 1.75;       // pixels
 constexpr double kMinCaptionHeight = 0.09;  // of name and unit: on a large dial no tiny text
-constexpr int kMinTruncatedWidth = 26;      // of a name that ends in dots
 constexpr double kInk = 0.8;                // part of a font's cell that is not air
 
 struct NiceStep {
@@ -103,7 +106,7 @@ struct Band {
 double FreeHalf(const Room& room, double top, double bottom) {
   const PointD centre = room.dial.centre;
   const double face = room.dial.faceRadius, reach = std::max(std::fabs(top), std::fabs(bottom));
-  const double within = kLabelOuter * face;
+  const double within = kTextOuter * face;
   double half = reach < within ? std::sqrt(within * within - reach * reach) : 0;
   if (top > 0) half = std::min(half, (top + bottom) / 2 - kNeedleRoom * face);
   for (const RECT& box : room.taken) {
@@ -149,38 +152,37 @@ FixedList<Band, 2> BandsOf(const Room& room) {
 
 struct Captions {
   GaugeText name, unit;
-  bool nameFits, unitFits;
-  int Score() const { return nameFits + 2 * unitFits; }
+  bool NameFits() const { return name.height > 0; }
+  bool UnitFits() const { return unit.height > 0; }
+  int Score() const { return NameFits() + 2 * UnitFits(); }
 };
 
-// The unit at the hub and the name beneath it, or the other way round as they fit better. Where there is one row, the
-// unit has it.
+// Whether another order of name and unit makes both fit, or the smaller of them so much larger that it is worth it.
+bool FitBetter(const Captions& tried, const Captions& best) {
+  constexpr double kWorthIt = 1.1;
+  if (tried.Score() != best.Score()) return tried.Score() > best.Score();
+  const auto smaller = [](const Captions& captions) { return std::min(captions.name.height, captions.unit.height); };
+  return smaller(tried) > kWorthIt * smaller(best);
+}
+
+// The unit at the hub and the name beneath it, or the other way round as they fit better. What fits in neither row is
+// left out. Where there is one row, the unit has it.
 Captions PlaceCaptions(const Room& room, std::wstring_view name, std::wstring_view unit, TextMeasure measure) {
   const double face = room.dial.faceRadius;
   const FixedList<Band, 2> bands = BandsOf(room);
-  Captions best{{}, {}, false, false};
+  Captions best{};
   for (const size_t ofUnit : {0u, 1u}) {
     if (ofUnit >= bands.size()) break;
-    Captions tried{{}, FitText(room, bands[ofUnit], unit, kUnitHeight * face, measure), false, false};
+    Captions tried{{}, FitText(room, bands[ofUnit], unit, kUnitHeight * face, measure)};
     if (bands.size() > 1) tried.name = FitText(room, bands[1 - ofUnit], name, kNameHeight * face, measure);
-    tried.nameFits = tried.name.height > 0;
-    tried.unitFits = tried.unit.height > 0;
-    if (tried.Score() > best.Score()) best = tried;
+    if (FitBetter(tried, best)) best = tried;
   }
   return best;
 }
 
-// A name that fits nowhere is cut where there is most room.
-void PlaceCutName(const Room& room, std::wstring_view name, Captions* captions) {
-  double widest = kMinTruncatedWidth / 2.0;
-  for (const Band& band : BandsOf(room)) {
-    const int height = MinFontHeight(room);
-    const double half = FreeHalf(room, band, height);
-    const GaugeText cut = TextIn(room, band, name, height, half);
-    if (half < widest || (captions->unitFits && Touch(InkOf(cut.box), InkOf(captions->unit.box), 0))) continue;
-    widest = half + 0.5;
-    captions->name = cut;
-  }
+// Clear of the marks: a mark close to its number would be read as a minus sign.
+double LabelRadius(double face) {
+  return kMajorInner * face - std::max(kMinLabelGap, kLabelGap * face);
 }
 
 GaugeLabels PlaceLabels(const Room& room, const InstrumentBlock& block, const GaugeScale& scale, TextMeasure measure) {
@@ -192,7 +194,7 @@ GaugeLabels PlaceLabels(const Room& room, const InstrumentBlock& block, const Ga
     const FixedText text = PlainNumber(LabelValue(scale, index), scale.labelPlaces, (block.format & kFormatSign) != 0);
     const SIZE size = measure(text, height, FW_SEMIBOLD);
     const double angle = GaugeAngle(reading, static_cast<double>(index) * scale.step);
-    const PointD centre = LabelCentre(dial.centre, dial.faceRadius * kLabelOuter, angle, size);
+    const PointD centre = LabelCentre(dial.centre, LabelRadius(dial.faceRadius), angle, size);
     labels.push_back({text, height, FW_SEMIBOLD, BoxAt(centre, size.cx, size.cy)});
   }
   return labels;
@@ -210,6 +212,14 @@ bool TakePlaces(const GaugeLabels& labels, Room* room) {
     room->taken.push_back(ink);
   }
   return true;
+}
+
+// Without labels. At the ends of a small dial's scale the needle stops above the value, which is wide there.
+double NeedleReach(const Dial& dial) {
+  const double reach = kNeedleReach * dial.faceRadius;
+  if (dial.faceRadius < kMinRadiusWithValue || dial.faceRadius >= kMinRadiusWithLabels) return reach;
+  const double valueTop = InkOf(GaugeValueBox(dial)).top - dial.centre.y - kNeedleRoom * dial.faceRadius;
+  return std::min(reach, valueTop / -std::cos(Radians(kGaugeStart)));
 }
 
 FixedText UnitText(const InstrumentBlock& block, int exponent) {
@@ -262,14 +272,13 @@ GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, TextMeas
   const Dial dial = DialIn(area);
   const double face = dial.faceRadius;
   const InstrumentReading reading = ReadingOf(block);
-  GaugeLayout layout{dial, ChooseScale(reading.minimum, reading.maximum, 10), {}, {}, {}, kNeedleReach * face};
+  GaugeLayout layout{dial, ChooseScale(reading.minimum, reading.maximum, 10), {}, {}, {}, NeedleReach(dial)};
   if (face < kMinRadiusWithName) return layout;
   const Room empty{dial,
                    std::max(2.0, face * 0.04),
                    {BoxAt(dial.centre, 2 * kHubRoom * face, 2 * kHubRoom * face), GaugeValueBox(dial)}};
   const FixedText name = DecodedName(block);
-  Room chosen = empty;
-  Captions captions{{}, {}, false, false};
+  Captions captions{};
   if (face >= kMinRadiusWithLabels) {
     // The finest scale that leaves room for name and unit. A name is not worth a scale of less than four parts.
     for (const int intervals : {10, 8, 6, 5, 4, 2}) {
@@ -278,17 +287,15 @@ GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, TextMeas
       Room room = empty;
       if ((intervals < 4 && !layout.labels.empty()) || !TakePlaces(labels, &room)) continue;
       const Captions placed = PlaceCaptions(room, name, UnitText(block, scale.exponent), measure);
-      if (scale.exponent != 0 && !placed.unitFits) continue;
+      if (scale.exponent != 0 && !placed.UnitFits()) continue;
       if (!layout.labels.empty() && placed.Score() <= captions.Score()) continue;
       captions = placed;
-      chosen = room;
       layout.scale = scale;
       layout.labels = labels;
       if (captions.Score() == 3) break;
     }
   }
-  if (layout.labels.empty()) captions = PlaceCaptions(chosen, name, DecodedUnit(block), measure);
-  if (!captions.nameFits) PlaceCutName(chosen, name, &captions);
+  if (layout.labels.empty()) captions = PlaceCaptions(empty, name, DecodedUnit(block), measure);
   for (const GaugeText& label : layout.labels) {
     layout.reach = std::min(layout.reach, DistanceTo(InkOf(label.box), dial.centre) - std::max(1.5, face * 0.02));
   }

@@ -11,6 +11,7 @@
 namespace kv {
 
 inline constexpr double kGaugeStart = -135, kGaugeSweep = 270;  // degrees clockwise from the top
+inline constexpr double kMajorInner = 0.86;                     // where labelled marks begin, as part of the radius
 
 double GaugeAngle(const InstrumentReading& reading, double value);
 
@@ -46,13 +47,14 @@ struct GaugeLayout {
   Dial dial;
   GaugeScale scale;
   GaugeLabels labels;    // empty when there is no room for any
-  GaugeText name, unit;  // below the hub; a long name may be wider than its box, and is then to be cut
+  GaugeText name, unit;  // below the hub, whole or not at all
   double reach;          // of the needle: it crosses out no label
 };
 GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, TextMeasure measure);
 
 // The window of the value. A dial that is too small for a window shows the value alone at this place, or none.
-inline constexpr double kMinRadiusWithWindow = 40, kMinRadiusWithValue = 14;
+inline constexpr double kMinRadiusWithWindow = 40, kMinRadiusWithValue = 20;
+inline constexpr double kMinRadiusWithLabels = 36;
 RECT GaugeValueBox(const Dial& dial);
 GaugeText LayOutGaugeValue(const Dial& dial, const InstrumentBlock& block, TextMeasure measure);
 

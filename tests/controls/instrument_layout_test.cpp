@@ -200,6 +200,7 @@ TEST(InstrumentGauge, NoTwoTextsTouchAtAnySizeAndRange) {
         InflateRect(&boxes.back(), 0, -text.height / 10 - 1);  // the air of a font's cell
         EXPECT_GE(text.height, 9);
         EXPECT_NE(L"+0", text.text);
+        EXPECT_LE(MeasureByCount(text.text, text.height, text.weight).cx, text.box.right - text.box.left) << what;
       }
       for (size_t i = 0; i < boxes.size(); ++i) {
         for (size_t k = 0; k < i; ++k) {
@@ -224,6 +225,9 @@ TEST(InstrumentGauge, NoTwoTextsTouchAtAnySizeAndRange) {
       const GaugeText shown = LayOutGaugeValue(layout.dial, block, MeasureByCount);
       EXPECT_GE(shown.height, 7) << what;
       EXPECT_LE(MeasureByCount(shown.text, shown.height, shown.weight).cx, shown.box.right - shown.box.left) << what;
+      // At the ends of the scale the needle stops above a value as wide as its place, or passes it.
+      const bool wide = layout.dial.faceRadius < kMinRadiusWithLabels;
+      EXPECT_LT(wide ? layout.reach * std::sqrt(0.5) : 0, shown.box.top - centre.y + shown.height * 0.1) << what;
     }
   }
 }

@@ -36,6 +36,9 @@ TEST_F(InstrumentPictures, EveryLayoutShowsValueColourZoneDisabledAndMissingValu
     const Shown first(control, 100, 160);
     EXPECT_TRUE(mode == kModeCentreBar || first.CountOf(kOrange) > 4) << mode;
     EXPECT_EQ(0, first.CountOf(RGB(0xCC, 0xCC, 0xCC))) << mode;
+    // A dial has an index on its rim.
+    const auto index = [](COLORREF color, int x, int y) { return color == kOrange && std::hypot(x - 50, y - 80) > 42; };
+    EXPECT_TRUE((mode != kModeGauge && mode != kModeCompass) || first.CountWhere(index) > 3) << mode;
     for (const float other : {block.maximum * 0.3f, NAN}) {
       SetValue(control, other);
       EXPECT_GT(Shown(control, 100, 160).DifferencesFrom(first), 40) << mode;
