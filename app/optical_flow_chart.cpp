@@ -152,6 +152,21 @@ void MakeBackBuffer(ChartState* state) {
   state->bDirty = TRUE;
 }
 
+// With the focus, the control's edge has the system's highlight colour. The field within stays as it is: it shows the
+// points and nothing else.
+void DrawFocusedEdge(HWND window) {
+  RECT place{}, field{};
+  GetWindowRect(window, &place);
+  GetClientRect(window, &field);
+  MapWindowPoints(window, nullptr, reinterpret_cast<POINT*>(&field), 2);
+  OffsetRect(&field, -place.left, -place.top);
+  OffsetRect(&place, -place.left, -place.top);
+  HDC dc = GetWindowDC(window);
+  ExcludeClipRect(dc, field.left, field.top, field.right, field.bottom);
+  FillRect(dc, &place, GetSysColorBrush(COLOR_HIGHLIGHT));
+  ReleaseDC(window, dc);
+}
+
 // ---- Message handlers ----------------------------------------------------------------------------------------------
 
 LRESULT OnCreate(HWND window) {
@@ -191,6 +206,18 @@ LRESULT OnPaint(HWND window) {
   SetStretchBltMode(paint.dc(), COLORONCOLOR);
   StretchBlt(paint.dc(), 0, 0, client.right, client.bottom, state->hBackDc, 0, 0, kFieldWidth, kFieldHeight, SRCCOPY);
   return 0;
+}
+
+LRESULT OnPaintEdge(HWND window, WPARAM region) {
+  const LRESULT result = DefWindowProcA(window, WM_NCPAINT, region, 0);
+  if (GetFocus() == window) DrawFocusedEdge(window);
+  return result;
+}
+
+LRESULT OnFocus(HWND window, UINT message, WPARAM wParam) {
+  constexpr WPARAM kWhole = 1;
+  SendMessageA(window, WM_NCPAINT, kWhole, 0);
+  return DefWindowProcA(window, message, wParam, 0);
 }
 
 // Validates, or Windows would ask for the same paint for ever.
@@ -296,6 +323,9 @@ LRESULT CALLBACK ChartProcedure(HWND window, UINT message, WPARAM wParam, LPARAM
     case WM_PAINT: return state ? OnPaint(window) : OnPaintWithoutState(window);
     case WM_COPY: return state ? OnCopy(state, lParam) : 1;
     case CHART_CMD: return state ? OnCommand(state, wParam, lParam) : 1;
+    case WM_NCPAINT: return OnPaintEdge(window, wParam);
+    case WM_SETFOCUS:
+    case WM_KILLFOCUS: return OnFocus(window, message, wParam);
     case WM_GETDLGCODE: return DLGC_STATIC;
     case WM_GETOBJECT: return AnswerGetObject(window, wParam, lParam, ROLE_SYSTEM_CHART, Describe);
     case WM_DROPFILES: return SendMessageA(GetParent(window), message, wParam, lParam);

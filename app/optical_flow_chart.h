@@ -1,7 +1,8 @@
 // Window class "kvOpticalFlowChart": shows up to four camera points on a black field, each with a marker icon of its
 // own (icon resources 1000..1003 of the program's module). The field of 1024 x 768 camera units fills the control,
 // without keeping its proportions. It has no grid, no text, no history and no input: clicks are swallowed, dropped
-// files go to the parent. Styles: none of its own. Notifications: none.
+// files go to the parent. With the keyboard focus its edge, if it has one, is in the system's highlight colour. Styles:
+// none of its own. Notifications: none.
 //
 // Messages:
 //   CHART_CMD (WM_USER + 3)        see ChartCommand; result 0, or 1 if the record or the address in lParam is bad

@@ -135,6 +135,19 @@ TEST_F(ChartTest, ShowsTheSameAfterManyChangesAsAPictureMadeAtOnce) {
   }
 }
 
+TEST_F(ChartTest, ShowsTheFocusOnItsEdgeOnly) {
+  SetWindowLongA(chart_, GWL_STYLE, GetWindowLongA(chart_, GWL_STYLE) | WS_BORDER);
+  SetWindowPos(chart_, nullptr, 0, 0, 0, 0, SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER);
+  SetForegroundWindow(parent_);
+  for (const bool focused : {true, false, true}) {
+    SetFocus(focused ? chart_ : static_cast<HWND>(parent_));
+    HDC dc = GetWindowDC(chart_);
+    EXPECT_EQ(focused, GetPixel(dc, 0, 20) == GetSysColor(COLOR_HIGHLIGHT));
+    EXPECT_EQ(kBlack, GetPixel(dc, 1, 20));
+    ReleaseDC(chart_, dc);
+  }
+}
+
 TEST_F(ChartTest, RejectsBadAddressesSwallowsInputAndPassesDroppedFilesOn) {
   kvtest::GuardedBytes tooSmall(sizeof(FlowPoints) - 1), readOnly(sizeof(FlowPoints));
   readOnly.MakeReadOnly();
