@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/camera_record.h"
+#include "camera/port_scan.h"
 #include "camera/ports.h"
 #include "camera/record_stream.h"
 #include "camera/text.h"
@@ -40,7 +41,7 @@ std::string Points(const camera::FoundRecord& record) {
   return text;
 }
 
-std::string DescribeCamera(const PortReport& report) {
+std::string DescribeCamera(const camera::PortReport& report) {
   const camera::RecordStream& stream = report.stream;
   const std::string rate =
       stream.records > 1 ? camera::Format("%.1f records/s", camera::RecordRate(stream)) : std::string("1 record");
@@ -57,7 +58,7 @@ std::string DescribeCamera(const PortReport& report) {
   return text;
 }
 
-std::string DescribeOther(const PortReport& report) {
+std::string DescribeOther(const camera::PortReport& report) {
   const std::string_view sample = std::string_view(report.sample).substr(0, kSampleShown);
   std::string text = Line(
       report.number, "sending",
@@ -76,7 +77,7 @@ std::string DescribeOther(const PortReport& report) {
 }
 
 // One or more lines for a port that exists.
-std::string DescribePort(const PortReport& report) {
+std::string DescribePort(const camera::PortReport& report) {
   if (!report.hasAnswered) {
     return Line(report.number, "hangs", "opening it takes longer than the scan; its device does not respond");
   }
@@ -90,7 +91,7 @@ std::string DescribePort(const PortReport& report) {
     default: break;
   }
   std::string text;
-  if (IsCamera(report)) {
+  if (camera::IsCamera(report)) {
     text = DescribeCamera(report);
   } else if (report.stream.bytes > 0) {
     text = DescribeOther(report);
@@ -104,13 +105,9 @@ std::string DescribePort(const PortReport& report) {
 
 }  // namespace
 
-bool IsCamera(const PortReport& report) {
-  return report.stream.records > 0;
-}
-
-std::string DescribePorts(std::span<const PortReport> reports, bool all) {
+std::string DescribePorts(std::span<const camera::PortReport> reports, bool all) {
   std::string text;
-  const auto isAbsent = [](const PortReport& report) {
+  const auto isAbsent = [](const camera::PortReport& report) {
     return report.hasAnswered && report.port.state == camera::PortState::kAbsent;
   };
   for (size_t i = 0; i < reports.size(); ++i) {
@@ -127,16 +124,16 @@ std::string DescribePorts(std::span<const PortReport> reports, bool all) {
   return text;
 }
 
-std::string DescribeVerdict(std::span<const PortReport> reports) {
+std::string DescribeVerdict(std::span<const camera::PortReport> reports) {
   // Tarnwick asks the ports in this order and takes the first that says enough, whatever it says.
   double stillSearching = 1, findsCamera = 0;
-  const PortReport* likeliest = nullptr;
+  const camera::PortReport* likeliest = nullptr;
   double likeliestChance = 0;
   bool isCameraThere = false;
-  for (const PortReport& report : reports) {
-    isCameraThere |= IsCamera(report);
+  for (const camera::PortReport& report : reports) {
+    isCameraThere |= camera::IsCamera(report);
     const double chance = stillSearching * report.detectionProbability;
-    if (IsCamera(report)) findsCamera += chance;
+    if (camera::IsCamera(report)) findsCamera += chance;
     if (chance > likeliestChance) {
       likeliest = &report;
       likeliestChance = chance;
@@ -147,7 +144,7 @@ std::string DescribeVerdict(std::span<const PortReport> reports) {
     return isCameraThere ? "Tarnwick would take no port: the camera sends too few bytes without a pause.\n"
                          : "Tarnwick would take no port: none sends what a camera would.\n";
   }
-  if (!IsCamera(*likeliest)) {
+  if (!camera::IsCamera(*likeliest)) {
     return camera::Format("Tarnwick would take COM%d, which is no camera%s\n", likeliest->number,
                           isCameraThere ? ", before it comes to the camera; unplug that device."
                                         : ": it takes the first port that sends.");

@@ -1,11 +1,12 @@
-// Which ports there are, and on which a camera sends; on threads of its own. Main thread only.
+// Which ports there are, and on which a camera sends. Main thread only; nothing blocks.
 #pragma once
 
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
-#include "camera/ports.h"
+#include "camera/port_scan.h"
 
 namespace camview {
 
@@ -23,20 +24,19 @@ struct FoundPort {
 // reported as busy and not disturbed.
 class PortFinder {
  public:
-  PortFinder();
-  ~PortFinder();  // does not wait
-  PortFinder(const PortFinder&) = delete;
-  PortFinder& operator=(const PortFinder&) = delete;
-
+  // Starts, again if need be.
   void Start();
-  void Cancel();
-  bool IsDone();
+  // Lets go of the ports within a twentieth of a second; what is not taken yet is never reported.
+  void Cancel() { scan_.reset(); }
+  // Nothing more will come.
+  bool IsDone() const { return !scan_ || isDone_; }
   // The ports found since the last call, each once: unusable ones at once, others after a second.
   std::vector<FoundPort> Take();
 
  private:
-  struct Search;
-  std::unique_ptr<Search> search_;
+  std::unique_ptr<camera::PortScan> scan_;
+  std::set<int> taken_;
+  bool isDone_ = false;
 };
 
 }  // namespace camview

@@ -13,13 +13,14 @@
 #include <vector>
 
 #include "app/camera_record.h"
+#include "camera/line_analysis.h"
+#include "camera/port_scan.h"
 #include "camera/ports.h"
 #include "camera/record_stream.h"
 #include "camera/recording.h"
 #include "camera/text.h"
 #include "camtool/arguments.h"
 #include "camtool/faults.h"
-#include "camtool/line_analysis.h"
 #include "camtool/point_paths.h"
 #include "camtool/port_report.h"
 
@@ -290,7 +291,7 @@ TEST(CamtoolStream, FindsRecordsAndCountsWhatIsBetweenThem) {
 }
 
 TEST(CamtoolScan, EstimatesHowLikelyOnePressFindsTheCamera) {
-  EXPECT_EQ(0, DetectionProbability({}, 0, 1));
+  EXPECT_EQ(0, camera::DetectionProbability({}, 0, 1));
   constexpr double kAtOnce = 0, kByteSeconds = 10 / 38400.0;
   // The records' period, their bytes and the time that each takes on the line, and how likely one press finds them.
   const std::tuple<const char*, double, int, double, double> cases[] = {
@@ -300,47 +301,47 @@ TEST(CamtoolScan, EstimatesHowLikelyOnePressFindsTheCamera) {
       {"too few bytes", 0.02, 15, kAtOnce, 0},
       {"enough bytes", 0.02, 16, kAtOnce, 1}};
   for (const auto& [what, period, bytes, byteSeconds, probability] : cases) {
-    std::vector<Arrival> arrivals;
+    std::vector<camera::Arrival> arrivals;
     for (int i = 1; i * period < 6; ++i) {
       for (int byte = 1; byte <= bytes; ++byte) arrivals.push_back({i * period + byte * byteSeconds, 1});
     }
-    EXPECT_NEAR(probability, DetectionProbability(arrivals, 0, 6), 0.01) << what;
+    EXPECT_NEAR(probability, camera::DetectionProbability(arrivals, 0, 6), 0.01) << what;
   }
 }
 
 TEST(CamtoolScan, RecognizesAWrongBaudRateByItsBytes) {
   std::mt19937 random(3);
-  for (const int rate : kUsualRates) {
+  for (const int rate : camera::kUsualRates) {
     std::string received;
     while (received.size() < 200) {
       const unsigned x = random() % 1024, y = random() % 768;
-      received +=
-          ReceiveAtRate(camera::Format("%04u,%04u,0%03u,0400,1023,1023,%04u,0384\r\n", x, y, y, x), rate, 38400);
+      received += camera::ReceiveAtRate(camera::Format("%04u,%04u,0%03u,0400,1023,1023,%04u,0384\r\n", x, y, y, x),
+                                        rate, 38400);
     }
-    const std::vector<int> guesses = GuessRates(received, 38400);
+    const std::vector<int> guesses = camera::GuessRates(received, 38400);
     EXPECT_NE(guesses.end(), std::ranges::find(guesses, rate)) << rate;
   }
-  EXPECT_EQ(kRecord, ReceiveAtRate(kRecord, 38400, 38400));
+  EXPECT_EQ(kRecord, camera::ReceiveAtRate(kRecord, 38400, 38400));
   // 'U' is 1 and 0 in turn: at half the receiver's rate each bit is received twice, from the second half of the start
   // bit on.
-  EXPECT_EQ("\x66\xE6", ReceiveAtRate("U", 19200, 38400).substr(0, 2));
+  EXPECT_EQ("\x66\xE6", camera::ReceiveAtRate("U", 19200, 38400).substr(0, 2));
   std::string noise, text;
   while (noise.size() < 300) noise += static_cast<char>(random() >> 24);
   while (text.size() < 300) text += "$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4*6A\r\n";
-  EXPECT_TRUE(GuessRates(noise, 38400).empty());
-  EXPECT_TRUE(GuessRates(text, 38400).empty());
-  EXPECT_TRUE(LooksLikeRecords(std::string_view(kRecord).substr(3, 30)));
-  EXPECT_FALSE(LooksLikeRecords("12,3,4,5,6,7,8,9,0"));
-  EXPECT_FALSE(LooksLikeText(noise));
+  EXPECT_TRUE(camera::GuessRates(noise, 38400).empty());
+  EXPECT_TRUE(camera::GuessRates(text, 38400).empty());
+  EXPECT_TRUE(camera::LooksLikeRecords(std::string_view(kRecord).substr(3, 30)));
+  EXPECT_FALSE(camera::LooksLikeRecords("12,3,4,5,6,7,8,9,0"));
+  EXPECT_FALSE(camera::LooksLikeText(noise));
 }
 
 TEST(CamtoolScan, SaysWhatEachPortIsAndWhichOneTarnwickTakes) {
-  std::vector<PortReport> reports(5);
+  std::vector<camera::PortReport> reports(5);
   for (int i = 0; i < 5; ++i) {
     reports[i].number = i + 1;
     reports[i].hasAnswered = i != 1;
   }
-  PortReport &sender = reports[2], &camera = reports[4];
+  camera::PortReport &sender = reports[2], &camera = reports[4];
   sender.port.state = camera.port.state = camera::PortState::kOpened;
   sender.sample = "ab\xFF";
   sender.stream.bytes = 3;

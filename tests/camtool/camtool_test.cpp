@@ -17,10 +17,10 @@
 #include <utility>
 
 #include "app/camera_record.h"
+#include "camera/line_analysis.h"
 #include "camera/recording.h"
 #include "camera/text.h"
 #include "camtool/commands.h"
-#include "camtool/line_analysis.h"
 #include "tests/support/serial_line.h"
 #include "tests/support/test_window.h"
 
@@ -119,7 +119,7 @@ TEST(Camtool, ScansSilentBusyTalkingAndCameraPorts) {
     const kv::CameraPoint points[kv::kPointCount] = {{100, 200}, {300, 400}, {1023, 1023}, {512, 384}};
     char record[kv::kRecordLength];
     kv::WriteRecord(points, record);
-    const std::string garbled = camtool::ReceiveAtRate(std::string_view(record, sizeof(record)), 9600, 38400);
+    const std::string garbled = camera::ReceiveAtRate(std::string_view(record, sizeof(record)), 9600, 38400);
     while (!stop.stop_requested()) {
       camera.SendRecord(points);
       wrongRate.Send(garbled);

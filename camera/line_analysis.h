@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-namespace camtool {
+namespace camera {
 
 // ---- At which rate a camera sends -----------------------------------------------------------------------------------
 //
@@ -48,4 +48,4 @@ struct Arrival {
 // port was read `from` .. `to`. Arrivals are in order and within; none at all gives 0.
 double DetectionProbability(std::span<const Arrival> arrivals, double from, double to);
 
-}  // namespace camtool
+}  // namespace camera

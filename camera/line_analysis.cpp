@@ -1,4 +1,4 @@
-#include "camtool/line_analysis.h"
+#include "camera/line_analysis.h"
 
 #include <algorithm>
 #include <array>
@@ -15,7 +15,7 @@
 #include "app/camera_link.h"
 #include "app/camera_record.h"
 
-namespace camtool {
+namespace camera {
 
 // ---- At which rate a camera sends -----------------------------------------------------------------------------------
 
@@ -177,4 +177,4 @@ double DetectionProbability(std::span<const Arrival> arrivals, double from, doub
   return all > 0 ? found / all : 0;
 }
 
-}  // namespace camtool
+}  // namespace camera

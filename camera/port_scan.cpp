@@ -1,0 +1,170 @@
+#include "camera/port_scan.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <atomic>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/camera_link.h"
+#include "camera/line_analysis.h"
+#include "camera/ports.h"
+#include "camera/record_stream.h"
+
+namespace camera {
+
+namespace {
+
+// A whole scan takes less than two seconds, with room for starting and for a busy machine.
+constexpr double kListenSeconds = 0.9;
+constexpr double kTryRatesUntil = 1.4;
+constexpr double kGiveUpSeconds = 1.6;
+constexpr DWORD kTurnMs = 50;
+// How long to try a rate: this time, or as long as this many bytes take if that is longer.
+constexpr double kMinTrySeconds = 0.045;
+constexpr double kBytesOfTry = 20;
+constexpr size_t kSampleBytes = 512;
+constexpr size_t kProbeStack = 256 * 1024;
+
+// Reads a port until that time, or until `isStopped`.
+void Listen(HANDLE port, double until, const std::atomic<bool>& isStopped, PortReport* listened) {
+  PortReport& report = *listened;
+  PortReader reader(port);
+  const double from = Now();
+  std::string bytes;
+  double seconds = from;
+  while (Now() < until && !isStopped && !report.wasDisconnected) {
+    const PortReader::Outcome outcome = reader.Read(kTurnMs, nullptr, &bytes, &seconds);
+    report.wasDisconnected = outcome == PortReader::Outcome::kGone;
+    if (outcome != PortReader::Outcome::kBytes) continue;
+    FeedStream(&report.stream, seconds, bytes, nullptr);
+    report.arrivals.push_back({seconds, static_cast<int>(bytes.size())});
+    if (report.sample.size() < kSampleBytes) report.sample += bytes;
+  }
+  EndStream(&report.stream);
+  report.listenedSeconds = Now() - from;
+  report.detectionProbability = DetectionProbability(report.arrivals, from, Now());
+}
+
+// What is received at another baud rate.
+std::string ListenAt(HANDLE port, int rate, double seconds) {
+  kv::SetPortBaudRate(port, static_cast<DWORD>(rate));
+  PurgeComm(port, PURGE_RXCLEAR);
+  PortReader reader(port);
+  std::string received, bytes;
+  double arrival = 0;
+  for (const double until = Now() + seconds; Now() < until;) {
+    const auto leftMs = static_cast<DWORD>((until - Now()) * 1000 + 1);
+    if (reader.Read(leftMs, nullptr, &bytes, &arrival) == PortReader::Outcome::kBytes) received += bytes;
+  }
+  // The first byte may have begun at the rate before.
+  return received.substr(std::min<size_t>(received.size(), 1));
+}
+
+// For a port that sends what makes no sense: first the rates that its bytes suggest, then the usual ones.
+void TryRates(HANDLE port, double until, const std::atomic<bool>& isStopped, PortReport* listened) {
+  PortReport& report = *listened;
+  report.guessedRates = GuessRates(report.sample, static_cast<int>(kv::kCameraBaudRate));
+  std::vector<int> rates = report.guessedRates;
+  for (const int rate : kUsualRates) {
+    if (std::ranges::find(rates, rate) == rates.end()) rates.push_back(rate);
+  }
+  for (const int rate : rates) {
+    const double seconds = std::max(kMinTrySeconds, kBytesOfTry * 10 / rate);
+    if (isStopped || Now() + seconds > until || !report.recordRates.empty()) break;
+    const std::string received = ListenAt(port, rate, seconds);
+    if (LooksLikeRecords(received)) {
+      report.recordRates.push_back(rate);
+    } else if (received.size() >= kBytesOfTry / 2 && LooksLikeText(received)) {
+      report.textRates.push_back(rate);
+    }
+  }
+}
+
+}  // namespace
+
+bool IsCamera(const PortReport& report) {
+  return report.stream.records > 0;
+}
+
+// One port's part of a scan. Its thread writes `report` and then `isDone`; nobody else touches the report before. The
+// scan and the thread each own a share: a thread that hangs keeps its own.
+struct PortScan::Probe {
+  PortReport report;
+  std::shared_ptr<const PortHolders> holders;
+  double start = 0;
+  std::atomic<bool> isStopped{false}, isDone{false};
+};
+
+DWORD WINAPI PortScan::RunProbe(void* parameter) {
+  const std::unique_ptr<std::shared_ptr<Probe>> share(static_cast<std::shared_ptr<Probe>*>(parameter));
+  Probe* probe = share->get();
+  PortReport& report = probe->report;
+  Port port;
+  report.port = OpenPort(report.number, *probe->holders, &port);
+  if (port.isOpen()) {
+    Listen(port.handle(), probe->start + kListenSeconds, probe->isStopped, &report);
+    const bool isGarbage = !IsCamera(report) && report.stream.bytes > 0 && !LooksLikeText(report.sample);
+    if (isGarbage && !report.wasDisconnected)
+      TryRates(port.handle(), probe->start + kTryRatesUntil, probe->isStopped, &report);
+    port.Close();
+  }
+  report.hasAnswered = true;
+  probe->isDone = true;
+  return 0;
+}
+
+std::shared_ptr<PortScan::Probe> PortScan::StartProbe(int number, double start,
+                                                      const std::shared_ptr<const PortHolders>& holders) {
+  auto probe = std::make_shared<Probe>();
+  probe->report.number = number;
+  probe->holders = holders;
+  probe->start = start;
+  auto* share = new std::shared_ptr<Probe>(probe);
+  HANDLE thread = CreateThread(nullptr, kProbeStack, RunProbe, share, STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
+  if (thread) {
+    CloseHandle(thread);
+  } else {
+    delete share;
+  }
+  return probe;
+}
+
+PortScan::PortScan() : probes_(kv::kLastScannedPort - kv::kFirstScannedPort + 1) {}
+
+PortScan::~PortScan() {
+  for (const auto& probe : probes_) {
+    if (probe) probe->isStopped = true;
+  }
+}
+
+void PortScan::Start() {
+  start_ = Now();
+  const auto holders = std::make_shared<const PortHolders>(FindPortHolders());
+  for (int port = kv::kFirstScannedPort; port <= kv::kLastScannedPort; ++port) {
+    std::shared_ptr<Probe>& probe = probes_[static_cast<size_t>(port - kv::kFirstScannedPort)];
+    if (!probe || probe->isDone) probe = StartProbe(port, start_, holders);
+  }
+}
+
+bool PortScan::IsOver() const {
+  return Now() >= start_ + kGiveUpSeconds ||
+         std::ranges::all_of(probes_, [](const auto& probe) { return probe && probe->isDone; });
+}
+
+std::vector<PortReport> PortScan::Reports() const {
+  std::vector<PortReport> reports;
+  for (const auto& probe : probes_) {
+    if (probe && probe->isDone) {
+      reports.push_back(probe->report);
+    } else {
+      reports.emplace_back();
+      reports.back().number = kv::kFirstScannedPort + static_cast<int>(reports.size()) - 1;
+    }
+  }
+  return reports;
+}
+
+}  // namespace camera

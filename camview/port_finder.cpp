@@ -1,0 +1,50 @@
+#include "camview/port_finder.h"
+
+#include <memory>
+#include <vector>
+
+#include "camera/port_scan.h"
+#include "camera/ports.h"
+#include "camera/record_stream.h"
+
+namespace camview {
+
+namespace {
+
+FoundState StateOf(const camera::PortReport& report) {
+  if (!report.hasAnswered) return FoundState::kHangs;
+  switch (report.port.state) {
+    case camera::PortState::kBusy: return FoundState::kBusy;
+    case camera::PortState::kAccessDenied: return FoundState::kAccessDenied;
+    case camera::PortState::kUnusable: return FoundState::kUnusable;
+    default: break;
+  }
+  if (camera::IsCamera(report)) return FoundState::kCamera;
+  return report.stream.bytes > 0 ? FoundState::kSending : FoundState::kSilent;
+}
+
+}  // namespace
+
+void PortFinder::Start() {
+  scan_ = std::make_unique<camera::PortScan>();
+  taken_.clear();
+  isDone_ = false;
+  scan_->Start();
+}
+
+std::vector<FoundPort> PortFinder::Take() {
+  std::vector<FoundPort> ports;
+  if (!scan_) return ports;
+  // Asked first: what is reported after that is complete.
+  isDone_ = scan_->IsOver();
+  for (const camera::PortReport& report : scan_->Reports()) {
+    if (!report.hasAnswered && !isDone_) continue;
+    const bool isAbsent = report.hasAnswered && report.port.state == camera::PortState::kAbsent;
+    if (isAbsent || !taken_.insert(report.number).second) continue;
+    ports.push_back({report.number, StateOf(report), report.port.holder, camera::RecordRate(report.stream),
+                     report.stream.bytes});
+  }
+  return ports;
+}
+
+}  // namespace camview
