@@ -170,7 +170,7 @@ void DrawFocusedEdge(HWND window) {
 // ---- Message handlers ----------------------------------------------------------------------------------------------
 
 LRESULT OnCreate(HWND window) {
-  auto* state = CreateWindowRecord<ChartState>(window);
+  auto* state = CreateWindowState<ChartState>(window);
   if (!state) return 1;
   state->hWnd = window;
   state->dwStyle = GetWindowLongA(window, GWL_STYLE);
@@ -186,7 +186,7 @@ LRESULT OnCreate(HWND window) {
 LRESULT OnDestroy(ChartState* state) {
   DropBackBuffer(state);
   if (state->hBackDc) DeleteDC(state->hBackDc);
-  DestroyWindowRecord(state->hWnd, state);
+  DestroyWindowState(state->hWnd, state);
   return 0;
 }
 
@@ -198,7 +198,7 @@ LRESULT OnSize(ChartState* state) {
 
 LRESULT OnPaint(HWND window) {
   const PaintScope paint(window);
-  auto* state = WindowRecord<ChartState>(window);  // erasing may have reached somebody else's code
+  auto* state = WindowState<ChartState>(window);  // erasing may have reached somebody else's code
   if (!state || !state->hBackBuffer) return 0;
   if (state->bDirty) RenderBackBuffer(state);
   RECT client{};
@@ -302,7 +302,7 @@ LRESULT OnCommand(ChartState* state, WPARAM wParam, LPARAM lParam) {
 
 // The points that are shown, by their numbers: "1: 512, 384; 3: 20, 700".
 AccessibleText Describe(HWND window) {
-  const auto* state = WindowRecord<ChartState>(window);
+  const auto* state = WindowState<ChartState>(window);
   AccessibleText text{WindowText(window), {}};
   for (int i = 0; state && i < kPointCount; ++i) {
     const CameraPoint& point = state->points[i];
@@ -315,7 +315,7 @@ AccessibleText Describe(HWND window) {
 }
 
 LRESULT CALLBACK ChartProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  auto* state = WindowRecord<ChartState>(window);
+  auto* state = WindowState<ChartState>(window);
   switch (message) {
     case WM_CREATE: return state ? 0 : OnCreate(window);
     case WM_DESTROY: return state ? OnDestroy(state) : 0;

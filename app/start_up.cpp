@@ -34,7 +34,7 @@ void UnregisterClasses(HINSTANCE instance) {
 }
 
 AppContext* MakeContext() {
-  auto* context = CreateLockedRecord<AppContext>();
+  auto* context = CreateLocked<AppContext>();
   if (!context) return nullptr;
   context->hQuitEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
   context->nPort = -1;
@@ -46,7 +46,7 @@ AppContext* MakeContext() {
 void FreeContext(AppContext* context) {
   CloseHandle(context->hQuitEvent);
   context->hDlg = nullptr;
-  FreeLockedRecord(context);
+  FreeLocked(context);
 }
 
 // Ends with the quit message, or with the dialog's record, which the dialog gives up when it closes: the quit message

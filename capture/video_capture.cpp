@@ -166,7 +166,7 @@ LRESULT CALLBACK PumpWhileRecording(HWND capture) {
 // ---- Opening and closing --------------------------------------------------------------------------------------------
 
 VideoLink* CreateLink(HWND host) {
-  auto* link = CreateLockedRecord<VideoLink>();
+  auto* link = CreateLocked<VideoLink>();
   if (!link) return nullptr;
   link->tag = kVideoLinkTag;
   link->hHost = host;
@@ -245,7 +245,7 @@ void ReleaseLink(VideoLink* link) {
     DestroyWindow(link->hCapture);
   }
   if (link->hFrame) DeleteObject(link->hFrame);
-  FreeLockedRecord(link);
+  FreeLocked(link);
 }
 
 // False when there is no driver, or the host went while it was connected or started.

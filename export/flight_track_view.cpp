@@ -14,7 +14,7 @@ namespace kv {
 
 namespace {
 
-constexpr LRESULT kNoRecord = 1;
+constexpr LRESULT kNoState = 1;
 
 // Without a temporary folder the path stays empty, and exporting fails like with any file that cannot be created.
 void FixKmlPath(FlightTrackViewState& state) {
@@ -25,13 +25,13 @@ void FixKmlPath(FlightTrackViewState& state) {
 }
 
 LRESULT OnCreate(HWND window) {
-  auto* state = CreateWindowRecord<FlightTrackViewState>(window);
+  auto* state = CreateWindowState<FlightTrackViewState>(window);
   if (state) FixKmlPath(*state);
   return 0;
 }
 
 LRESULT OnDestroy(HWND window, FlightTrackViewState* state) {
-  DestroyWindowRecord(window, state);
+  DestroyWindowState(window, state);
   return 0;
 }
 
@@ -80,9 +80,9 @@ LRESULT OnCommand(FlightTrackViewState* state, WPARAM wParam, LPARAM lParam) {
 }
 
 LRESULT CALLBACK FlightTrackProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  auto* state = WindowRecord<FlightTrackViewState>(window);
+  auto* state = WindowState<FlightTrackViewState>(window);
   if (message == WM_CREATE) return state ? 0 : OnCreate(window);
-  if (!state) return message == kControlCommand ? kNoRecord : DefWindowProcA(window, message, wParam, lParam);
+  if (!state) return message == kControlCommand ? kNoState : DefWindowProcA(window, message, wParam, lParam);
   switch (message) {
     case WM_DESTROY: return OnDestroy(window, state);
     case WM_ERASEBKGND: return TRUE;  // WM_PAINT fills the whole window

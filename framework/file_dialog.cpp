@@ -13,8 +13,8 @@ namespace kv {
 namespace {
 
 // The record's form before Windows 2000, without places bar and reserved fields: every Windows takes it.
-constexpr DWORD kDialogRecordSize = offsetof(OPENFILENAMEW, pvReserved);
-static_assert(kDialogRecordSize == 76);
+constexpr DWORD kOpenFileNameSize = offsetof(OPENFILENAMEW, pvReserved);
+static_assert(kOpenFileNameSize == 76);
 
 constexpr DWORD kDialogFlags = OFN_ENABLESIZING | OFN_EXPLORER | OFN_NOVALIDATE | OFN_SHOWHELP | OFN_NOCHANGEDIR;
 static_assert(kDialogFlags == 0x880118);
@@ -52,21 +52,21 @@ BOOL ChooseFile(HWND owner, wchar_t* path, const wchar_t* title, BOOL save) {
   lstrcpynW(folder, path, FileNameOf(path) - path + 1);
   lstrcpyW(file, FileNameOf(path));
 
-  OPENFILENAMEW record{};
-  record.lStructSize = kDialogRecordSize;
-  record.hwndOwner = owner;
-  record.lpstrFilter = filter.text;
-  record.nFilterIndex = 1;
-  record.lpstrFile = file;
-  record.nMaxFile = kPathCharacters;
-  record.lpstrFileTitle = fileTitle;
-  record.nMaxFileTitle = kPathCharacters;
-  record.lpstrInitialDir = folder;
-  record.lpstrTitle = title;
-  record.Flags = kDialogFlags;
+  OPENFILENAMEW dialog{};
+  dialog.lStructSize = kOpenFileNameSize;
+  dialog.hwndOwner = owner;
+  dialog.lpstrFilter = filter.text;
+  dialog.nFilterIndex = 1;
+  dialog.lpstrFile = file;
+  dialog.nMaxFile = kPathCharacters;
+  dialog.lpstrFileTitle = fileTitle;
+  dialog.nMaxFileTitle = kPathCharacters;
+  dialog.lpstrInitialDir = folder;
+  dialog.lpstrTitle = title;
+  dialog.Flags = kDialogFlags;
 
   if (save) CreateDirectoryW(path, nullptr);
-  if (save ? GetSaveFileNameW(&record) : GetOpenFileNameW(&record)) {
+  if (save ? GetSaveFileNameW(&dialog) : GetOpenFileNameW(&dialog)) {
     lstrcpynW(path, file, kPathCharacters);
     return TRUE;
   }

@@ -23,27 +23,27 @@ static_assert(kDeviceFilterSize == 29);
 
 constexpr GUID kUsbDevice = {0xA5DCBF10, 0x6530, 0x11D2, {0x90, 0x1F, 0x00, 0xC0, 0x4F, 0xB9, 0x51, 0xED}};
 
-template <class Record>
-Record IconRecord(HWND owner, UINT id) {
-  Record record{};
-  record.cbSize = offsetof(Record, guidItem);
-  record.hWnd = owner;
-  record.uID = id;
-  return record;
+template <class Data>
+Data IconData(HWND owner, UINT id) {
+  Data data{};
+  data.cbSize = offsetof(Data, guidItem);
+  data.hWnd = owner;
+  data.uID = id;
+  return data;
 }
 
 // With the flags of a whole icon, whatever of it is given.
-NOTIFYICONDATAA WholeIconRecord(HWND owner, UINT id) {
-  auto record = IconRecord<NOTIFYICONDATAA>(owner, id);
-  record.uFlags = NIF_MESSAGE | NIF_ICON | NIF_TIP;
-  record.uCallbackMessage = kNotificationCallback;
-  return record;
+NOTIFYICONDATAA CompleteIconData(HWND owner, UINT id) {
+  auto data = IconData<NOTIFYICONDATAA>(owner, id);
+  data.uFlags = NIF_MESSAGE | NIF_ICON | NIF_TIP;
+  data.uCallbackMessage = kNotificationCallback;
+  return data;
 }
 
 // False, with the tip left as it is, when `tip` is not readable.
-bool CopyTip(NOTIFYICONDATAA* record, const char* tip) {
+bool CopyTip(NOTIFYICONDATAA* data, const char* tip) {
   if (IsBadStringPtrA(tip, kNotificationTipCharacters - 1)) return false;
-  lstrcpynA(record->szTip, tip, kNotificationTipCharacters);
+  lstrcpynA(data->szTip, tip, kNotificationTipCharacters);
   return true;
 }
 
@@ -96,11 +96,11 @@ void Listen() {
 
 // Also an icon that the shell refused: without a taskbar it refuses every one. One that it refused because it has it
 // already stays as it is.
-void RememberAdded(const NOTIFYICONDATAA& record, bool taken) {
-  ShownIcon* known = FindShown(record.hWnd, record.uID);
+void RememberAdded(const NOTIFYICONDATAA& data, bool taken) {
+  ShownIcon* known = FindShown(data.hWnd, data.uID);
   if (known && !taken) return;
   if (!known) known = &shownIcons.emplace_back();
-  *known = {.whole = record, .wideTip = {}};
+  *known = {.whole = data, .wideTip = {}};
   Listen();
 }
 
@@ -129,35 +129,35 @@ NotificationCalls notificationCalls{
 };
 
 BOOL AddNotificationIcon(HWND owner, UINT id, HICON icon, const char* tip) {
-  NOTIFYICONDATAA record = WholeIconRecord(owner, id);
-  record.hIcon = icon;
-  CopyTip(&record, tip);
-  const BOOL answer = notificationCalls.notifyIcon(NIM_ADD, &record);
-  RememberAdded(record, answer);
+  NOTIFYICONDATAA data = CompleteIconData(owner, id);
+  data.hIcon = icon;
+  CopyTip(&data, tip);
+  const BOOL answer = notificationCalls.notifyIcon(NIM_ADD, &data);
+  RememberAdded(data, answer);
   return answer;
 }
 
 BOOL ChangeNotificationIcon(HWND owner, UINT id, HICON icon, const char* tip) {
-  auto record = IconRecord<NOTIFYICONDATAA>(owner, id);
-  record.hIcon = icon;
-  if (icon) record.uFlags |= NIF_ICON;
-  if (CopyTip(&record, tip)) record.uFlags |= NIF_TIP;
-  RememberChanged(record);
-  return notificationCalls.notifyIcon(NIM_MODIFY, &record);
+  auto data = IconData<NOTIFYICONDATAA>(owner, id);
+  data.hIcon = icon;
+  if (icon) data.uFlags |= NIF_ICON;
+  if (CopyTip(&data, tip)) data.uFlags |= NIF_TIP;
+  RememberChanged(data);
+  return notificationCalls.notifyIcon(NIM_MODIFY, &data);
 }
 
 BOOL SetNotificationTip(HWND owner, UINT id, const wchar_t* tip) {
   if (IsBadStringPtrW(tip, kNotificationTipCharacters - 1)) return FALSE;
-  auto record = IconRecord<NOTIFYICONDATAW>(owner, id);
-  record.uFlags = NIF_TIP;
-  lstrcpynW(record.szTip, tip, kNotificationTipCharacters);
-  if (ShownIcon* icon = FindShown(owner, id)) icon->wideTip = record;
-  return notificationCalls.notifyIconWide(NIM_MODIFY, &record);
+  auto data = IconData<NOTIFYICONDATAW>(owner, id);
+  data.uFlags = NIF_TIP;
+  lstrcpynW(data.szTip, tip, kNotificationTipCharacters);
+  if (ShownIcon* icon = FindShown(owner, id)) icon->wideTip = data;
+  return notificationCalls.notifyIconWide(NIM_MODIFY, &data);
 }
 
 BOOL RemoveNotificationIcon(HWND owner, UINT id) {
-  NOTIFYICONDATAA record = WholeIconRecord(owner, id);
-  const BOOL answer = notificationCalls.notifyIcon(NIM_DELETE, &record);
+  NOTIFYICONDATAA data = CompleteIconData(owner, id);
+  const BOOL answer = notificationCalls.notifyIcon(NIM_DELETE, &data);
   Forget(owner, id);
   RepaintNow(GetDesktopWindow());
   return answer;

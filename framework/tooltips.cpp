@@ -10,8 +10,8 @@ namespace kv {
 namespace {
 
 // Without its last field: the common controls of a program without a manifest know no longer record.
-constexpr UINT kToolRecordSize = offsetof(TTTOOLINFOW, lpReserved);
-static_assert(kToolRecordSize == 44);
+constexpr UINT kToolInfoSize = offsetof(TTTOOLINFOW, lpReserved);
+static_assert(kToolInfoSize == 44);
 
 bool IsToolbar(HWND window) {
   wchar_t name[256] = L"";
@@ -47,7 +47,7 @@ HWND CreateToolTips(HINSTANCE instance, HWND owner, const ToolTipEntry* entries,
   const bool toolbar = IsToolbar(owner);
   wchar_t text[kToolTipCharacters];
   TTTOOLINFOW tool{};
-  tool.cbSize = kToolRecordSize;
+  tool.cbSize = kToolInfoSize;
   tool.uFlags = toolbar ? TTF_SUBCLASS : TTF_IDISHWND | TTF_SUBCLASS;
   tool.hwnd = owner;
   tool.hinst = instance;

@@ -4,10 +4,10 @@
 
 namespace kv {
 
-void* ZeroRecord24(void* record) {
+void* ZeroRecord24(void* state) {
   constexpr size_t kSize = 24;
-  if (IsBadWritePtr(record, kSize)) return nullptr;
-  return std::memset(record, 0, kSize);
+  if (IsBadWritePtr(state, kSize)) return nullptr;
+  return std::memset(state, 0, kSize);
 }
 
 int InitLock(CRITICAL_SECTION* lock) {

@@ -13,24 +13,24 @@ namespace kv {
 // record's first field, `hMemory`, is the block's handle. It belongs to whoever made it. Any thread.
 
 // Null when allocation fails.
-template <class Record>
-Record* CreateLockedRecord() {
-  static_assert(std::is_trivially_copyable_v<Record> && offsetof(Record, hMemory) == 0);
-  const HGLOBAL memory = GlobalAlloc(GHND, sizeof(Record));
+template <class State>
+State* CreateLocked() {
+  static_assert(std::is_trivially_copyable_v<State> && offsetof(State, hMemory) == 0);
+  const HGLOBAL memory = GlobalAlloc(GHND, sizeof(State));
   if (!memory) return nullptr;
-  auto* record = static_cast<Record*>(GlobalLock(memory));
-  if (!record) {
+  auto* state = static_cast<State*>(GlobalLock(memory));
+  if (!state) {
     GlobalFree(memory);
     return nullptr;
   }
-  record->hMemory = memory;
-  return record;
+  state->hMemory = memory;
+  return state;
 }
 
 // What the record owns must be gone before.
-template <class Record>
-void FreeLockedRecord(Record* record) {
-  const HGLOBAL memory = record->hMemory;
+template <class State>
+void FreeLocked(State* state) {
+  const HGLOBAL memory = state->hMemory;
   GlobalUnlock(memory);
   GlobalFree(memory);
 }
@@ -40,25 +40,25 @@ void FreeLockedRecord(Record* record) {
 // The record belongs to its window, from WM_CREATE to WM_DESTROY, and is touched only on the window's thread.
 
 // Makes the record of `window` and stores its address. Null when allocation fails.
-template <class Record>
-Record* CreateWindowRecord(HWND window) {
-  auto* record = CreateLockedRecord<Record>();
-  if (record) SetWindowLongA(window, GWL_USERDATA, reinterpret_cast<LONG>(record));
-  return record;
+template <class State>
+State* CreateWindowState(HWND window) {
+  auto* state = CreateLocked<State>();
+  if (state) SetWindowLongA(window, GWL_USERDATA, reinterpret_cast<LONG>(state));
+  return state;
 }
 
 // The record of `window`, or null when there is none or the address is not writable over the whole record.
-template <class Record>
-Record* WindowRecord(HWND window) {
-  auto* record = reinterpret_cast<Record*>(GetWindowLongA(window, GWL_USERDATA));
-  return IsBadWritePtr(record, sizeof(Record)) ? nullptr : record;
+template <class State>
+State* WindowState(HWND window) {
+  auto* state = reinterpret_cast<State*>(GetWindowLongA(window, GWL_USERDATA));
+  return IsBadWritePtr(state, sizeof(State)) ? nullptr : state;
 }
 
 // Clears the window's slot, then unlocks and frees the record. What the record owns must be gone before.
-template <class Record>
-void DestroyWindowRecord(HWND window, Record* record) {
+template <class State>
+void DestroyWindowState(HWND window, State* state) {
   SetWindowLongA(window, GWL_USERDATA, 0);
-  FreeLockedRecord(record);
+  FreeLocked(state);
 }
 
 // Any thread; no state.
@@ -83,7 +83,7 @@ bool CopyItemIn(LPARAM address, Item* item) {
 }
 
 // Fills the 24 bytes at `record` with zeros and returns it; null when they cannot be written.
-void* ZeroRecord24(void* record);
+void* ZeroRecord24(void* state);
 
 // Initialises a lock that the caller owns and deletes. Always 0; a record that cannot be written is left alone.
 int InitLock(CRITICAL_SECTION* lock);

@@ -17,7 +17,7 @@ namespace kv {
 
 namespace {
 
-constexpr LRESULT kNoRecord = 1;
+constexpr LRESULT kNoState = 1;
 
 void TouchSettings() {
   RegistryKey::Create(kExtendedListSettingsPath);
@@ -25,45 +25,45 @@ void TouchSettings() {
 
 // ---- Drawing --------------------------------------------------------------------------------------------------------
 
-UINT StateOf(const ListRecord& record, HWND window, UINT row) {
-  if (!record.bSelected || row == kHeaderRow || row != record.dwSelectedRow) return 0;
+UINT StateOf(const ListState& state, HWND window, UINT row) {
+  if (!state.bSelected || row == kHeaderRow || row != state.dwSelectedRow) return 0;
   return GetFocus() == window ? ODS_SELECTED | ODS_FOCUS : ODS_SELECTED;
 }
 
-void DrawRow(const ListRecord& record, HWND window, HDC dc, UINT row, const RECT& place) {
+void DrawRow(const ListState& state, HWND window, HDC dc, UINT row, const RECT& place) {
   // Made anew for each row: a parent may use the request as its scratch pad.
-  DRAWITEMSTRUCT request{.CtlID = record.nControlId,
+  DRAWITEMSTRUCT request{.CtlID = state.nControlId,
                          .itemID = row,
-                         .itemState = StateOf(record, window, row),
+                         .itemState = StateOf(state, window, row),
                          .hwndItem = window,
                          .hDC = dc,
                          .rcItem = place};
-  SendMessageA(record.hParent, WM_DRAWITEM, record.nControlId, reinterpret_cast<LPARAM>(&request));
+  SendMessageA(state.hParent, WM_DRAWITEM, state.nControlId, reinterpret_cast<LPARAM>(&request));
 }
 
 void DrawRows(HWND window, HDC dc, SIZE surface) {
-  const ListRecord* record = ListRecordOf(window);
-  if (!record || record->dwRowCount == 0) return;
-  const LONG rowHeight = record->nRowHeight;
-  const RowRun rows = VisibleRows(record->dwRowCount, rowHeight, record->nVerticalOffset, surface.cy);
-  DrawRow(*record, window, dc, kHeaderRow, RowRect(surface.cx, 0, rowHeight));
+  const ListState* state = ListStateOf(window);
+  if (!state || state->dwRowCount == 0) return;
+  const LONG rowHeight = state->nRowHeight;
+  const RowRun rows = VisibleRows(state->dwRowCount, rowHeight, state->nVerticalOffset, surface.cy);
+  DrawRow(*state, window, dc, kHeaderRow, RowRect(surface.cx, 0, rowHeight));
   for (DWORD i = 0; i < rows.count; ++i) {
-    record = ListRecordOf(window);
+    state = ListStateOf(window);
     // The parent may have shortened the list; it must not be asked for rows that it no longer has.
-    if (!record || rows.first + i >= record->dwRowCount) return;
+    if (!state || rows.first + i >= state->dwRowCount) return;
     const LONG top = rows.top + static_cast<LONG>(i) * rowHeight;
-    DrawRow(*record, window, dc, rows.first + i, RowRect(surface.cx, top, rowHeight));
+    DrawRow(*state, window, dc, rows.first + i, RowRect(surface.cx, top, rowHeight));
   }
 }
 
 // Draws the surface anew. The bitmap leaves the record meanwhile: the parent may resize or destroy the list, and nobody
 // must delete a bitmap that is selected here. The dirty flag is cleared first, so that a change made in between stays.
-void RedrawSurface(HWND window, ListRecord* record, HDC compatibleWith) {
-  const SIZE size = record->surfaceSize;
-  OwnedBitmap surface(record->hSurface ? std::exchange(record->hSurface, nullptr) : CreateWindowBitmap(window, size));
+void RedrawSurface(HWND window, ListState* state, HDC compatibleWith) {
+  const SIZE size = state->surfaceSize;
+  OwnedBitmap surface(state->hSurface ? std::exchange(state->hSurface, nullptr) : CreateWindowBitmap(window, size));
   if (!surface) return;
-  record->bDirty = FALSE;
-  record->bRedrawing = TRUE;
+  state->bDirty = FALSE;
+  state->bRedrawing = TRUE;
   {
     const MemoryDc dc(compatibleWith);
     const SelectedObject selected(dc, surface);
@@ -72,12 +72,12 @@ void RedrawSurface(HWND window, ListRecord* record, HDC compatibleWith) {
     MeasureListRows(window);
     DrawRows(window, dc, size);
   }
-  record = ListRecordOf(window);
-  if (!record) return;
-  record->bRedrawing = FALSE;
-  const bool stillFits = size.cx == record->surfaceSize.cx && size.cy == record->surfaceSize.cy;
-  if (stillFits && !record->hSurface) record->hSurface = surface.Release();
-  if (record->bDirty) InvalidateRect(window, nullptr, TRUE);
+  state = ListStateOf(window);
+  if (!state) return;
+  state->bRedrawing = FALSE;
+  const bool stillFits = size.cx == state->surfaceSize.cx && size.cy == state->surfaceSize.cy;
+  if (stillFits && !state->hSurface) state->hSurface = surface.Release();
+  if (state->bDirty) InvalidateRect(window, nullptr, TRUE);
 }
 
 // Shows the surface, and the window colour where it does not reach: nothing else would paint there.
@@ -96,57 +96,57 @@ void ShowSurface(HDC dc, SIZE client, HBITMAP surface, SIZE size, LONG horizonta
 // ---- Message handlers -----------------------------------------------------------------------------------------------
 
 LRESULT OnCreate(HWND window) {
-  if (ListRecordOf(window)) return 0;
-  ListRecord* record = CreateWindowRecord<ListRecord>(window);
-  if (!record) return 0;
-  record->hParent = GetParent(window);
-  record->nControlId = static_cast<UINT>(GetWindowLongA(window, GWL_ID));
-  record->nRowHeight = kDefaultRowHeight;
-  record->surfaceSize = ClientSize(window);
-  record->bDirty = TRUE;
+  if (ListStateOf(window)) return 0;
+  ListState* state = CreateWindowState<ListState>(window);
+  if (!state) return 0;
+  state->hParent = GetParent(window);
+  state->nControlId = static_cast<UINT>(GetWindowLongA(window, GWL_ID));
+  state->nRowHeight = kDefaultRowHeight;
+  state->surfaceSize = ClientSize(window);
+  state->bDirty = TRUE;
   return 0;
 }
 
-LRESULT OnDestroy(HWND window, ListRecord& record) {
-  const OwnedBitmap surface(record.hSurface);
-  DestroyWindowRecord(window, &record);
+LRESULT OnDestroy(HWND window, ListState& state) {
+  const OwnedBitmap surface(state.hSurface);
+  DestroyWindowState(window, &state);
   TouchSettings();
   return 0;
 }
 
-LRESULT Redraw(HWND window, ListRecord& record) {
-  record.bDirty = TRUE;
+LRESULT Redraw(HWND window, ListState& state) {
+  state.bDirty = TRUE;
   RepaintNow(window);
   return 0;
 }
 
-LRESULT RedrawIfDirty(HWND window, ListRecord& record) {
-  return record.bDirty ? Redraw(window, record) : 0;
+LRESULT RedrawIfDirty(HWND window, ListState& state) {
+  return state.bDirty ? Redraw(window, state) : 0;
 }
 
-void ResizeSurface(ListRecord& record, SIZE size) {
-  const OwnedBitmap former(std::exchange(record.hSurface, nullptr));
-  record.surfaceSize = size;
+void ResizeSurface(ListState& state, SIZE size) {
+  const OwnedBitmap former(std::exchange(state.hSurface, nullptr));
+  state.surfaceSize = size;
 }
 
-LRESULT OnSize(HWND window, ListRecord& record) {
-  ResizeSurface(record, {record.surfaceSize.cx, ClientSize(window).cy});
-  Redraw(window, record);
+LRESULT OnSize(HWND window, ListState& state) {
+  ResizeSurface(state, {state.surfaceSize.cx, ClientSize(window).cy});
+  Redraw(window, state);
   UpdateListBars(window);
   return 0;
 }
 
-LRESULT OnPaint(HWND window, ListRecord&) {
+LRESULT OnPaint(HWND window, ListState&) {
   const PaintScope paint(window);
-  ListRecord* record = ListRecordOf(window);
-  if (!record) return 0;
-  if (record->bRedrawing) {
+  ListState* state = ListStateOf(window);
+  if (!state) return 0;
+  if (state->bRedrawing) {
     // The parent paints the list while it draws a row. Asking it again from here could go on without end.
-    record->bDirty = TRUE;
+    state->bDirty = TRUE;
     return 0;
   }
-  if (record->bDirty) RedrawSurface(window, record, paint.dc());
-  if (const ListRecord* drawn = ListRecordOf(window)) {
+  if (state->bDirty) RedrawSurface(window, state, paint.dc());
+  if (const ListState* drawn = ListStateOf(window)) {
     ShowSurface(paint.dc(), ClientSize(window), drawn->hSurface, drawn->surfaceSize, drawn->nHorizontalOffset);
   }
   return 0;
@@ -155,7 +155,7 @@ LRESULT OnPaint(HWND window, ListRecord&) {
 // Nothing to draw; but an update region that stays would keep the message loop busy for ever.
 LRESULT RefusePaint(HWND window) {
   ValidateRect(window, nullptr);
-  return kNoRecord;
+  return kNoState;
 }
 
 // Moves the offset of one bar; true when it changed.
@@ -167,77 +167,76 @@ bool Scroll(HWND window, int barKind, int request, LONG line, LONG* offset) {
   return *offset != former;
 }
 
-LRESULT OnHorizontalScroll(HWND window, ListRecord& record, WPARAM wParam) {
-  if (Scroll(window, SB_HORZ, LOWORD(wParam), kHorizontalLine, &record.nHorizontalOffset)) UpdateListBars(window);
+LRESULT OnHorizontalScroll(HWND window, ListState& state, WPARAM wParam) {
+  if (Scroll(window, SB_HORZ, LOWORD(wParam), kHorizontalLine, &state.nHorizontalOffset)) UpdateListBars(window);
   RepaintNow(window);
   return 0;
 }
 
-LRESULT OnVerticalScroll(HWND window, ListRecord& record, WPARAM wParam) {
-  const bool moved = Scroll(window, SB_VERT, LOWORD(wParam), record.nRowHeight, &record.nVerticalOffset);
-  record.bDirty = TRUE;
+LRESULT OnVerticalScroll(HWND window, ListState& state, WPARAM wParam) {
+  const bool moved = Scroll(window, SB_VERT, LOWORD(wParam), state.nRowHeight, &state.nVerticalOffset);
+  state.bDirty = TRUE;
   if (moved) UpdateListBars(window);
   RepaintNow(window);
   return 0;
 }
 
-LRESULT OnLeftButtonDown(HWND window, ListRecord&) {
+LRESULT OnLeftButtonDown(HWND window, ListState&) {
   SetFocus(window);
   SetCapture(window);
-  if (ListRecord* record = ListRecordOf(window)) RedrawIfDirty(window, *record);
+  if (ListState* state = ListStateOf(window)) RedrawIfDirty(window, *state);
   return 0;
 }
 
-LRESULT OnLeftButtonUp(HWND window, ListRecord&) {
+LRESULT OnLeftButtonUp(HWND window, ListState&) {
   ReleaseCapture();
-  if (ListRecord* record = ListRecordOf(window)) Redraw(window, *record);
+  if (ListState* state = ListStateOf(window)) Redraw(window, *state);
   TouchSettings();
   UpdateListBars(window);
   return 0;
 }
 
-LRESULT OnRightButtonDown(HWND window, ListRecord&) {
+LRESULT OnRightButtonDown(HWND window, ListState&) {
   SetFocus(window);
   ReleaseCapture();
   SetCursor(LoadCursorA(nullptr, reinterpret_cast<LPCSTR>(IDC_ARROW)));
-  if (ListRecord* record = ListRecordOf(window)) Redraw(window, *record);
+  if (ListState* state = ListStateOf(window)) Redraw(window, *state);
   return 0;
 }
 
-LRESULT OnSetExtent(HWND window, ListRecord& record, WPARAM wParam) {
-  SetListSurfaceWidth(record, UsableSurfaceWidth(wParam));
-  return Redraw(window, record);
+LRESULT OnSetExtent(HWND window, ListState& state, WPARAM wParam) {
+  SetListSurfaceWidth(state, UsableSurfaceWidth(wParam));
+  return Redraw(window, state);
 }
 
-LRESULT OnSetCount(HWND window, ListRecord& record, WPARAM wParam) {
-  record.dwRowCount = static_cast<DWORD>(wParam);
-  return Redraw(window, record);
+LRESULT OnSetCount(HWND window, ListState& state, WPARAM wParam) {
+  state.dwRowCount = static_cast<DWORD>(wParam);
+  return Redraw(window, state);
 }
 
 // Rows as people count them; what they say, only the parent knows.
 AccessibleText Describe(HWND window) {
-  const ListRecord* record = ListRecordOf(window);
-  if (!record || record->dwRowCount == 0) return {WindowText(window), {}};
-  const RowRun rows =
-      VisibleRows(record->dwRowCount, record->nRowHeight, record->nVerticalOffset, record->surfaceSize.cy);
-  const std::wstring first = std::to_wstring((record->bSelected ? record->dwSelectedRow : rows.first) + 1ull);
-  const std::wstring last = record->bSelected ? L"" : L" - " + std::to_wstring(1ull * rows.first + rows.count);
-  return {WindowText(window), first + last + L" / " + std::to_wstring(record->dwRowCount)};
+  const ListState* state = ListStateOf(window);
+  if (!state || state->dwRowCount == 0) return {WindowText(window), {}};
+  const RowRun rows = VisibleRows(state->dwRowCount, state->nRowHeight, state->nVerticalOffset, state->surfaceSize.cy);
+  const std::wstring first = std::to_wstring((state->bSelected ? state->dwSelectedRow : rows.first) + 1ull);
+  const std::wstring last = state->bSelected ? L"" : L" - " + std::to_wstring(1ull * rows.first + rows.count);
+  return {WindowText(window), first + last + L" / " + std::to_wstring(state->dwRowCount)};
 }
 
 // Without a record (memory was short, or the list is destroyed) the list's own messages are refused. All others still
 // go to the system, which needs them to make and to end the window.
 LRESULT CALLBACK ExtendedListProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  ListRecord* record = ListRecordOf(window);
+  ListState* state = ListStateOf(window);
   const auto handle = [&](auto handler, auto... arguments) -> LRESULT {
-    return record ? handler(window, *record, arguments...) : kNoRecord;
+    return state ? handler(window, *state, arguments...) : kNoState;
   };
   switch (message) {
     case WM_CREATE: return OnCreate(window);
     case WM_DESTROY: return handle(OnDestroy);
     case WM_SIZE: return handle(OnSize);
-    case WM_PAINT: return record ? OnPaint(window, *record) : RefusePaint(window);
-    case WM_COMMAND: return record ? 0 : kNoRecord;
+    case WM_PAINT: return state ? OnPaint(window, *state) : RefusePaint(window);
+    case WM_COMMAND: return state ? 0 : kNoState;
     case WM_HSCROLL: return handle(OnHorizontalScroll, wParam);
     case WM_VSCROLL: return handle(OnVerticalScroll, wParam);
     case WM_MOUSEMOVE: return handle(RedrawIfDirty);
@@ -254,31 +253,31 @@ LRESULT CALLBACK ExtendedListProcedure(HWND window, UINT message, WPARAM wParam,
 
 }  // namespace
 
-ListRecord* ListRecordOf(HWND window) {
-  return WindowRecord<ListRecord>(window);
+ListState* ListStateOf(HWND window) {
+  return WindowState<ListState>(window);
 }
 
 void MeasureListRows(HWND list) {
-  const ListRecord* record = ListRecordOf(list);
-  if (!record) return;
-  MEASUREITEMSTRUCT request{.CtlID = record->nControlId, .itemHeight = kDefaultRowHeight};
-  SendMessageA(record->hParent, WM_MEASUREITEM, record->nControlId, reinterpret_cast<LPARAM>(&request));
-  if (ListRecord* measured = ListRecordOf(list)) measured->nRowHeight = UsableRowHeight(request.itemHeight);
+  const ListState* state = ListStateOf(list);
+  if (!state) return;
+  MEASUREITEMSTRUCT request{.CtlID = state->nControlId, .itemHeight = kDefaultRowHeight};
+  SendMessageA(state->hParent, WM_MEASUREITEM, state->nControlId, reinterpret_cast<LPARAM>(&request));
+  if (ListState* measured = ListStateOf(list)) measured->nRowHeight = UsableRowHeight(request.itemHeight);
 }
 
-void SetListSurfaceWidth(ListRecord& record, LONG width) {
-  ResizeSurface(record, {width, record.surfaceSize.cy});
+void SetListSurfaceWidth(ListState& state, LONG width) {
+  ResizeSurface(state, {width, state.surfaceSize.cy});
 }
 
 void UpdateListBars(HWND list) {
-  if (const ListRecord* record = ListRecordOf(list)) {
-    const SCROLLINFO bar = HorizontalBar(record->surfaceSize.cx, ClientSize(list).cx, record->nHorizontalOffset);
+  if (const ListState* state = ListStateOf(list)) {
+    const SCROLLINFO bar = HorizontalBar(state->surfaceSize.cx, ClientSize(list).cx, state->nHorizontalOffset);
     SetScrollInfo(list, SB_HORZ, &bar, TRUE);
   }
   // A bar that appears resizes the window, and so reaches the parent.
-  if (const ListRecord* record = ListRecordOf(list)) {
-    const auto barOf = record->bNavigated ? NavigatedBar : VerticalBar;
-    const SCROLLINFO bar = barOf(record->dwRowCount, record->nRowHeight, ClientSize(list).cy, record->nVerticalOffset);
+  if (const ListState* state = ListStateOf(list)) {
+    const auto barOf = state->bNavigated ? NavigatedBar : VerticalBar;
+    const SCROLLINFO bar = barOf(state->dwRowCount, state->nRowHeight, ClientSize(list).cy, state->nVerticalOffset);
     SetScrollInfo(list, SB_VERT, &bar, TRUE);
   }
 }

@@ -5,7 +5,7 @@
 
 namespace kv {
 
-struct ListRecord {
+struct ListState {
   HGLOBAL hMemory;
   HWND hParent;  // the one at creation; receives the measure and draw requests
   UINT nControlId;
@@ -30,13 +30,13 @@ struct ListRecord {
 // The record of a list. Null for any other window, and for a list that is being destroyed. Whatever may reach the
 // parent (a message to it, a repaint, a bar that appears) may end in the list's destruction, so the record is fetched
 // again after each such call.
-ListRecord* ListRecordOf(HWND window);
+ListState* ListStateOf(HWND window);
 
 // Asks the parent for the height of a row.
 void MeasureListRows(HWND list);
 
 // Changes the width of the surface, which must then be redrawn.
-void SetListSurfaceWidth(ListRecord& record, LONG width);
+void SetListSurfaceWidth(ListState& state, LONG width);
 
 void UpdateListBars(HWND list);
 

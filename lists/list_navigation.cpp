@@ -18,117 +18,117 @@ namespace {
 constexpr UINT_PTR kSubclass = 1;
 
 // The record of an extended list and of no other window, whose user data may be anything.
-ListRecord* ListOf(HWND window) {
+ListState* ListOf(HWND window) {
   char name[ARRAYSIZE(kExtendedListClass) + 1] = "";
   GetClassNameA(window, name, ARRAYSIZE(name));
-  return lstrcmpiA(name, kExtendedListClass) == 0 ? ListRecordOf(window) : nullptr;
+  return lstrcmpiA(name, kExtendedListClass) == 0 ? ListStateOf(window) : nullptr;
 }
 
-ListRecord* NavigatedListOf(HWND window) {
-  ListRecord* record = ListOf(window);
-  return record && record->bNavigated ? record : nullptr;
+ListState* NavigatedListOf(HWND window) {
+  ListState* state = ListOf(window);
+  return state && state->bNavigated ? state : nullptr;
 }
 
-LONG PageOf(HWND list, const ListRecord& record) {
-  return RowsInView(record.nRowHeight, ClientSize(list).cy);
+LONG PageOf(HWND list, const ListState& state) {
+  return RowsInView(state.nRowHeight, ClientSize(list).cy);
 }
 
-DWORD FirstRow(const ListRecord& record) {
-  return static_cast<DWORD>(std::max<LONG>(record.nVerticalOffset, 0) / record.nRowHeight);
+DWORD FirstRow(const ListState& state) {
+  return static_cast<DWORD>(std::max<LONG>(state.nVerticalOffset, 0) / state.nRowHeight);
 }
 
 // Pulls offsets and selection into what the list and its window are now.
-void Settle(HWND list, ListRecord& record) {
+void Settle(HWND list, ListState& state) {
   const SIZE client = ClientSize(list);
-  const LONG width = std::max(record.nExtent, UsableSurfaceWidth(client.cx));
-  if (width != record.surfaceSize.cx) {
-    SetListSurfaceWidth(record, width);
-    record.bDirty = TRUE;
+  const LONG width = std::max(state.nExtent, UsableSurfaceWidth(client.cx));
+  if (width != state.surfaceSize.cx) {
+    SetListSurfaceWidth(state, width);
+    state.bDirty = TRUE;
   }
   const SCROLLINFO across = HorizontalBar(width, client.cx, 0);
-  const SCROLLINFO down = NavigatedBar(record.dwRowCount, record.nRowHeight, client.cy, 0);
-  record.nHorizontalOffset = std::clamp<LONG>(record.nHorizontalOffset, 0, LastOffset(across));
-  const LONG offset = std::clamp<LONG>(record.nVerticalOffset, 0, LastOffset(down));
-  if (offset != record.nVerticalOffset) record.bDirty = TRUE;
-  record.nVerticalOffset = offset;
-  if (record.dwSelectedRow >= record.dwRowCount) record.bSelected = FALSE;
+  const SCROLLINFO down = NavigatedBar(state.dwRowCount, state.nRowHeight, client.cy, 0);
+  state.nHorizontalOffset = std::clamp<LONG>(state.nHorizontalOffset, 0, LastOffset(across));
+  const LONG offset = std::clamp<LONG>(state.nVerticalOffset, 0, LastOffset(down));
+  if (offset != state.nVerticalOffset) state.bDirty = TRUE;
+  state.nVerticalOffset = offset;
+  if (state.dwSelectedRow >= state.dwRowCount) state.bSelected = FALSE;
 }
 
 void MeasureAndSettle(HWND list) {
   MeasureListRows(list);
-  if (ListRecord* record = NavigatedListOf(list)) Settle(list, *record);
+  if (ListState* state = NavigatedListOf(list)) Settle(list, *state);
   UpdateListBars(list);
 }
 
-void ScrollTo(HWND list, ListRecord& record, long long verticalOffset, long long horizontalOffset) {
+void ScrollTo(HWND list, ListState& state, long long verticalOffset, long long horizontalOffset) {
   const auto limited = [](long long offset) { return static_cast<LONG>(std::clamp<long long>(offset, 0, MAXLONG)); };
-  const LONG formerVertical = record.nVerticalOffset, formerHorizontal = record.nHorizontalOffset;
-  record.nVerticalOffset = limited(verticalOffset);
-  record.nHorizontalOffset = limited(horizontalOffset);
-  Settle(list, record);
-  if (record.nVerticalOffset == formerVertical && record.nHorizontalOffset == formerHorizontal) return;
-  if (record.nVerticalOffset != formerVertical) record.bDirty = TRUE;
+  const LONG formerVertical = state.nVerticalOffset, formerHorizontal = state.nHorizontalOffset;
+  state.nVerticalOffset = limited(verticalOffset);
+  state.nHorizontalOffset = limited(horizontalOffset);
+  Settle(list, state);
+  if (state.nVerticalOffset == formerVertical && state.nHorizontalOffset == formerHorizontal) return;
+  if (state.nVerticalOffset != formerVertical) state.bDirty = TRUE;
   UpdateListBars(list);
   RepaintNow(list);
 }
 
-void ScrollRows(HWND list, ListRecord& record, long long rows) {
-  ScrollTo(list, record, record.nVerticalOffset + rows * record.nRowHeight, record.nHorizontalOffset);
+void ScrollRows(HWND list, ListState& state, long long rows) {
+  ScrollTo(list, state, state.nVerticalOffset + rows * state.nRowHeight, state.nHorizontalOffset);
 }
 
-void ScrollSideways(HWND list, ListRecord& record, long long pixels) {
-  ScrollTo(list, record, record.nVerticalOffset, record.nHorizontalOffset + pixels);
+void ScrollSideways(HWND list, ListState& state, long long pixels) {
+  ScrollTo(list, state, state.nVerticalOffset, state.nHorizontalOffset + pixels);
 }
 
 // The row becomes the selected one and comes into view. `record` may be gone afterwards.
-void Select(HWND list, ListRecord& record, DWORD row) {
-  record.bSelected = TRUE;
-  record.dwSelectedRow = row;
-  record.bDirty = TRUE;
-  const DWORD first = FirstRow(record), inView = static_cast<DWORD>(PageOf(list, record));
+void Select(HWND list, ListState& state, DWORD row) {
+  state.bSelected = TRUE;
+  state.dwSelectedRow = row;
+  state.bDirty = TRUE;
+  const DWORD first = FirstRow(state), inView = static_cast<DWORD>(PageOf(list, state));
   DWORD wanted = first;
   if (row < first) wanted = row;
   if (row >= first + inView) wanted = row - inView + 1;
   if (wanted != first) {
-    record.nVerticalOffset =
-        static_cast<LONG>(std::min<long long>(static_cast<long long>(wanted) * record.nRowHeight, MAXLONG));
-    Settle(list, record);
+    state.nVerticalOffset =
+        static_cast<LONG>(std::min<long long>(static_cast<long long>(wanted) * state.nRowHeight, MAXLONG));
+    Settle(list, state);
     UpdateListBars(list);
   }
   RepaintNow(list);
   if (IsWindow(list)) NotifyValueChanged(list);
 }
 
-void SelectByUser(HWND list, ListRecord& record, DWORD row) {
-  const bool changed = !record.bSelected || record.dwSelectedRow != row;
-  Select(list, record, row);
+void SelectByUser(HWND list, ListState& state, DWORD row) {
+  const bool changed = !state.bSelected || state.dwSelectedRow != row;
+  Select(list, state, row);
   if (changed && IsWindow(list)) PostNotification(list, LBN_SELCHANGE);
 }
 
 // ---- Input ----------------------------------------------------------------------------------------------------------
 
 // The row that a key leads to from the selected one; without one, a step leads to the first row in view.
-long long RowForKey(HWND list, const ListRecord& record, WPARAM key) {
-  const long long last = static_cast<long long>(record.dwRowCount) - 1;
+long long RowForKey(HWND list, const ListState& state, WPARAM key) {
+  const long long last = static_cast<long long>(state.dwRowCount) - 1;
   const auto moved = [&](long long rows) -> long long {
-    return record.bSelected ? record.dwSelectedRow + rows : FirstRow(record);
+    return state.bSelected ? state.dwSelectedRow + rows : FirstRow(state);
   };
   switch (key) {
     case VK_UP: return moved(-1);
     case VK_DOWN: return moved(1);
-    case VK_PRIOR: return moved(-PageOf(list, record));
-    case VK_NEXT: return moved(PageOf(list, record));
+    case VK_PRIOR: return moved(-PageOf(list, state));
+    case VK_NEXT: return moved(PageOf(list, state));
     case VK_HOME: return 0;
     default: return last;
   }
 }
 
-LRESULT OnKey(HWND list, ListRecord& record, WPARAM key) {
+LRESULT OnKey(HWND list, ListState& state, WPARAM key) {
   if (key == VK_LEFT || key == VK_RIGHT) {
-    ScrollSideways(list, record, key == VK_LEFT ? -kHorizontalLine : kHorizontalLine);
-  } else if (record.dwRowCount > 0) {
-    const long long last = record.dwRowCount - 1LL;
-    SelectByUser(list, record, static_cast<DWORD>(std::clamp<long long>(RowForKey(list, record, key), 0, last)));
+    ScrollSideways(list, state, key == VK_LEFT ? -kHorizontalLine : kHorizontalLine);
+  } else if (state.dwRowCount > 0) {
+    const long long last = state.dwRowCount - 1LL;
+    SelectByUser(list, state, static_cast<DWORD>(std::clamp<long long>(RowForKey(list, state, key), 0, last)));
   }
   return 0;
 }
@@ -151,16 +151,16 @@ UINT WheelSetting(UINT which) {
   return steps;
 }
 
-LRESULT OnWheel(HWND list, ListRecord& record, int delta) {
+LRESULT OnWheel(HWND list, ListState& state, int delta) {
   UINT rows = WheelSetting(SPI_GETWHEELSCROLLLINES);
-  if (rows == WHEEL_PAGESCROLL) rows = static_cast<UINT>(PageOf(list, record));
-  ScrollRows(list, record, -WheelSteps(&record.nWheelRest[0], delta, rows));
+  if (rows == WHEEL_PAGESCROLL) rows = static_cast<UINT>(PageOf(list, state));
+  ScrollRows(list, state, -WheelSteps(&state.nWheelRest[0], delta, rows));
   return 0;
 }
 
-LRESULT OnSidewaysWheel(HWND list, ListRecord& record, int delta) {
+LRESULT OnSidewaysWheel(HWND list, ListState& state, int delta) {
   const UINT steps = WheelSetting(SPI_GETWHEELSCROLLCHARS);
-  ScrollSideways(list, record, kHorizontalLine * WheelSteps(&record.nWheelRest[1], delta, steps));
+  ScrollSideways(list, state, kHorizontalLine * WheelSteps(&state.nWheelRest[1], delta, steps));
   return 0;
 }
 
@@ -179,16 +179,16 @@ long long Requested(HWND list, int barKind, int request, long long offset, LONG 
   }
 }
 
-LRESULT OnVerticalScroll(HWND list, ListRecord& record, int request) {
-  const LONG page = static_cast<LONG>(NavigatedBar(0, record.nRowHeight, ClientSize(list).cy, 0).nPage);
-  ScrollTo(list, record, Requested(list, SB_VERT, request, record.nVerticalOffset, record.nRowHeight, page),
-           record.nHorizontalOffset);
+LRESULT OnVerticalScroll(HWND list, ListState& state, int request) {
+  const LONG page = static_cast<LONG>(NavigatedBar(0, state.nRowHeight, ClientSize(list).cy, 0).nPage);
+  ScrollTo(list, state, Requested(list, SB_VERT, request, state.nVerticalOffset, state.nRowHeight, page),
+           state.nHorizontalOffset);
   return 0;
 }
 
-LRESULT OnHorizontalScroll(HWND list, ListRecord& record, int request) {
-  ScrollTo(list, record, record.nVerticalOffset,
-           Requested(list, SB_HORZ, request, record.nHorizontalOffset, kHorizontalLine, ClientSize(list).cx));
+LRESULT OnHorizontalScroll(HWND list, ListState& state, int request) {
+  ScrollTo(list, state, state.nVerticalOffset,
+           Requested(list, SB_HORZ, request, state.nHorizontalOffset, kHorizontalLine, ClientSize(list).cx));
   return 0;
 }
 
@@ -198,68 +198,68 @@ POINT PointOf(LPARAM lParam) {
 
 // After the list itself has taken focus and capture.
 void OnPress(HWND list, POINT place, bool isDouble) {
-  ListRecord* record = NavigatedListOf(list);
-  if (!record) return;
+  ListState* state = NavigatedListOf(list);
+  if (!state) return;
   const UINT row = ListRowAt(list, place);
-  record->bHeaderPressed = row == kHeaderRow;
-  if (row == kHeaderRow) record->nHeaderPressX = place.x + record->nHorizontalOffset;
+  state->bHeaderPressed = row == kHeaderRow;
+  if (row == kHeaderRow) state->nHeaderPressX = place.x + state->nHorizontalOffset;
   if (row == kHeaderRow || row == kNoRow) return;
-  SelectByUser(list, *record, row);
+  SelectByUser(list, *state, row);
   if (isDouble && IsWindow(list)) PostNotification(list, LBN_DBLCLK);
 }
 
 void OnRelease(HWND list, POINT place) {
-  ListRecord* record = NavigatedListOf(list);
-  if (!record || !record->bHeaderPressed) return;
-  record->bHeaderPressed = FALSE;
+  ListState* state = NavigatedListOf(list);
+  if (!state || !state->bHeaderPressed) return;
+  state->bHeaderPressed = FALSE;
   if (ListRowAt(list, place) == kHeaderRow) PostNotification(list, kListHeader);
 }
 
-void RedrawLater(HWND list, ListRecord& record) {
-  record.bDirty = TRUE;
+void RedrawLater(HWND list, ListState& state) {
+  state.bDirty = TRUE;
   InvalidateRect(list, nullptr, FALSE);
 }
 
 // ---- What the list is told ------------------------------------------------------------------------------------------
 
-void OnSetExtent(HWND list, ListRecord& record, WPARAM* extent) {
+void OnSetExtent(HWND list, ListState& state, WPARAM* extent) {
   const LONG asked = UsableSurfaceWidth(*extent);
-  record.nExtent = asked;
-  Settle(list, record);
+  state.nExtent = asked;
+  Settle(list, state);
   UpdateListBars(list);  // `record` may be gone afterwards
   *extent = static_cast<WPARAM>(std::max(asked, UsableSurfaceWidth(ClientSize(list).cx)));
 }
 
-void OnSetCount(HWND list, ListRecord& record, DWORD count) {
-  record.dwRowCount = count;
+void OnSetCount(HWND list, ListState& state, DWORD count) {
+  state.dwRowCount = count;
   MeasureAndSettle(list);
 }
 
 LRESULT CALLBACK NavigationProcedure(HWND list, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
   if (message == WM_NCDESTROY) RemoveWindowSubclass(list, NavigationProcedure, kSubclass);
-  ListRecord* record = ListRecordOf(list);
-  if (!record || !record->bNavigated) return DefSubclassProc(list, message, wParam, lParam);
+  ListState* state = ListStateOf(list);
+  if (!state || !state->bNavigated) return DefSubclassProc(list, message, wParam, lParam);
   const bool shift = (LOWORD(wParam) & MK_SHIFT) != 0;
   switch (message) {
     case WM_GETDLGCODE: return DLGC_WANTARROWS;
     case WM_KEYDOWN:
-      if (IsOurKey(wParam)) return OnKey(list, *record, wParam);
+      if (IsOurKey(wParam)) return OnKey(list, *state, wParam);
       break;
     case WM_MOUSEWHEEL:
-      if (shift) return OnSidewaysWheel(list, *record, -GET_WHEEL_DELTA_WPARAM(wParam));
-      return OnWheel(list, *record, GET_WHEEL_DELTA_WPARAM(wParam));
-    case WM_MOUSEHWHEEL: return OnSidewaysWheel(list, *record, GET_WHEEL_DELTA_WPARAM(wParam));
-    case WM_VSCROLL: return OnVerticalScroll(list, *record, LOWORD(wParam));
-    case WM_HSCROLL: return OnHorizontalScroll(list, *record, LOWORD(wParam));
+      if (shift) return OnSidewaysWheel(list, *state, -GET_WHEEL_DELTA_WPARAM(wParam));
+      return OnWheel(list, *state, GET_WHEEL_DELTA_WPARAM(wParam));
+    case WM_MOUSEHWHEEL: return OnSidewaysWheel(list, *state, GET_WHEEL_DELTA_WPARAM(wParam));
+    case WM_VSCROLL: return OnVerticalScroll(list, *state, LOWORD(wParam));
+    case WM_HSCROLL: return OnHorizontalScroll(list, *state, LOWORD(wParam));
     case WM_SETFOCUS:
     case WM_KILLFOCUS:
-      if (record->bSelected) RedrawLater(list, *record);
+      if (state->bSelected) RedrawLater(list, *state);
       break;
-    case WM_SYSCOLORCHANGE: RedrawLater(list, *record); break;
+    case WM_SYSCOLORCHANGE: RedrawLater(list, *state); break;
     case WM_SIZE: MeasureAndSettle(list); break;
-    case LB_SETCOUNT: OnSetCount(list, *record, static_cast<DWORD>(wParam)); break;
-    case LB_RESETCONTENT: OnSetCount(list, *record, 0); break;
-    case LB_SETHORIZONTALEXTENT: OnSetExtent(list, *record, &wParam); break;
+    case LB_SETCOUNT: OnSetCount(list, *state, static_cast<DWORD>(wParam)); break;
+    case LB_RESETCONTENT: OnSetCount(list, *state, 0); break;
+    case LB_SETHORIZONTALEXTENT: OnSetExtent(list, *state, &wParam); break;
     case WM_LBUTTONDOWN:
     case WM_LBUTTONDBLCLK:
       DefSubclassProc(list, WM_LBUTTONDOWN, wParam, lParam);
@@ -277,37 +277,36 @@ LRESULT CALLBACK NavigationProcedure(HWND list, UINT message, WPARAM wParam, LPA
 }  // namespace
 
 BOOL AddListNavigation(HWND list) {
-  ListRecord* record = ListOf(list);
-  if (!record || !SetWindowSubclass(list, NavigationProcedure, kSubclass, 0)) return FALSE;
-  if (record->bNavigated) return TRUE;
-  record->bNavigated = TRUE;
+  ListState* state = ListOf(list);
+  if (!state || !SetWindowSubclass(list, NavigationProcedure, kSubclass, 0)) return FALSE;
+  if (state->bNavigated) return TRUE;
+  state->bNavigated = TRUE;
   // A width that is not the window's was asked for.
-  if (record->surfaceSize.cx != ClientSize(list).cx) record->nExtent = record->surfaceSize.cx;
+  if (state->surfaceSize.cx != ClientSize(list).cx) state->nExtent = state->surfaceSize.cx;
   MeasureAndSettle(list);
   return TRUE;
 }
 
 UINT ListRowAt(HWND list, POINT place) {
-  const ListRecord* record = ListOf(list);
-  if (!record || record->dwRowCount == 0 || place.y < 0) return kNoRow;
-  if (place.y < record->nRowHeight) return kHeaderRow;
-  const RowRun rows =
-      VisibleRows(record->dwRowCount, record->nRowHeight, record->nVerticalOffset, record->surfaceSize.cy);
+  const ListState* state = ListOf(list);
+  if (!state || state->dwRowCount == 0 || place.y < 0) return kNoRow;
+  if (place.y < state->nRowHeight) return kHeaderRow;
+  const RowRun rows = VisibleRows(state->dwRowCount, state->nRowHeight, state->nVerticalOffset, state->surfaceSize.cy);
   if (place.y < rows.top) return kNoRow;
-  const DWORD row = static_cast<DWORD>((place.y - rows.top) / record->nRowHeight);
+  const DWORD row = static_cast<DWORD>((place.y - rows.top) / state->nRowHeight);
   return row < rows.count ? rows.first + row : kNoRow;
 }
 
 BOOL ScrollListTo(HWND list, UINT row) {
-  ListRecord* record = ListOf(list);
-  if (!record || row >= record->dwRowCount) return FALSE;
-  const long long offset = static_cast<long long>(row) * record->nRowHeight;
-  if (record->bNavigated) {
-    ScrollTo(list, *record, offset, record->nHorizontalOffset);
+  ListState* state = ListOf(list);
+  if (!state || row >= state->dwRowCount) return FALSE;
+  const long long offset = static_cast<long long>(row) * state->nRowHeight;
+  if (state->bNavigated) {
+    ScrollTo(list, *state, offset, state->nHorizontalOffset);
     return TRUE;
   }
-  record->nVerticalOffset = static_cast<LONG>(std::min<long long>(offset, MAXLONG));
-  record->bDirty = TRUE;
+  state->nVerticalOffset = static_cast<LONG>(std::min<long long>(offset, MAXLONG));
+  state->bDirty = TRUE;
   UpdateListBars(list);
   RepaintNow(list);
   return TRUE;
@@ -316,34 +315,34 @@ BOOL ScrollListTo(HWND list, UINT row) {
 BOOL RedrawList(HWND list) {
   if (!ListOf(list)) return FALSE;
   MeasureAndSettle(list);
-  if (ListRecord* record = ListOf(list)) {
-    record->bDirty = TRUE;
+  if (ListState* state = ListOf(list)) {
+    state->bDirty = TRUE;
     RepaintNow(list);
   }
   return TRUE;
 }
 
 BOOL SelectListRow(HWND list, UINT row) {
-  ListRecord* record = NavigatedListOf(list);
-  if (!record || (row != kNoRow && row >= record->dwRowCount)) return FALSE;
+  ListState* state = NavigatedListOf(list);
+  if (!state || (row != kNoRow && row >= state->dwRowCount)) return FALSE;
   if (row != kNoRow) {
-    Select(list, *record, row);
+    Select(list, *state, row);
     return TRUE;
   }
-  record->bSelected = FALSE;
-  record->bDirty = TRUE;
+  state->bSelected = FALSE;
+  state->bDirty = TRUE;
   RepaintNow(list);
   return TRUE;
 }
 
 UINT SelectedListRow(HWND list) {
-  const ListRecord* record = NavigatedListOf(list);
-  return record && record->bSelected ? record->dwSelectedRow : kNoRow;
+  const ListState* state = NavigatedListOf(list);
+  return state && state->bSelected ? state->dwSelectedRow : kNoRow;
 }
 
 LONG ListHeaderX(HWND list) {
-  const ListRecord* record = NavigatedListOf(list);
-  return record ? record->nHeaderPressX : 0;
+  const ListState* state = NavigatedListOf(list);
+  return state ? state->nHeaderPressX : 0;
 }
 
 }  // namespace kv

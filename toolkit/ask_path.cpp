@@ -20,22 +20,22 @@ BOOL Ask(HWND owner, const wchar_t* title, std::wstring* path, DWORD flags, BOOL
   const std::wstring folder = path->substr(0, static_cast<size_t>(name - path->c_str()));
   const FilterText filter = BuildFilterText(extension);
   std::vector<wchar_t> file(kMaxPathCharacters);
-  OPENFILENAMEW record{};
-  record.lStructSize = sizeof(record);
-  record.hwndOwner = owner;
+  OPENFILENAMEW dialog{};
+  dialog.lStructSize = sizeof(dialog);
+  dialog.hwndOwner = owner;
   // Without an extension there are all files only, which stand second in the filter.
-  record.lpstrFilter = *extension ? filter.text : L"*.*\0*.*\0";
-  record.lpstrFile = file.data();
-  record.nMaxFile = static_cast<DWORD>(file.size());
-  record.lpstrInitialDir = folder.c_str();
-  record.lpstrTitle = title;
-  record.lpstrDefExt = *extension ? extension + 1 : nullptr;
-  record.Flags = OFN_EXPLORER | OFN_ENABLESIZING | OFN_HIDEREADONLY | OFN_NOCHANGEDIR | flags;
+  dialog.lpstrFilter = *extension ? filter.text : L"*.*\0*.*\0";
+  dialog.lpstrFile = file.data();
+  dialog.nMaxFile = static_cast<DWORD>(file.size());
+  dialog.lpstrInitialDir = folder.c_str();
+  dialog.lpstrTitle = title;
+  dialog.lpstrDefExt = *extension ? extension + 1 : nullptr;
+  dialog.Flags = OFN_EXPLORER | OFN_ENABLESIZING | OFN_HIDEREADONLY | OFN_NOCHANGEDIR | flags;
   lstrcpynW(file.data(), name, static_cast<int>(file.size()));
-  BOOL chosen = show(&record);
+  BOOL chosen = show(&dialog);
   if (!chosen && CommDlgExtendedError() == FNERR_INVALIDFILENAME) {
     file[0] = L'\0';
-    chosen = show(&record);
+    chosen = show(&dialog);
   }
   if (chosen) *path = file.data();
   return chosen;

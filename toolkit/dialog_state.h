@@ -23,7 +23,7 @@ struct DialogPage {
 
 // Lives from WM_INITDIALOG to WM_NCDESTROY, and longer for whoever holds it: every call that reaches a control or the
 // dialog's own procedure may destroy the dialog.
-struct DialogRecord {
+struct DialogState {
   ScaledDialog what;
   DialogKind kind;
   WNDPROC classProcedure;
@@ -42,18 +42,18 @@ struct DialogRecord {
   HMENU languageMenu;
   std::array<HBITMAP, kLanguageBitmapArea / sizeof(HBITMAP)> languageBitmaps;
 
-  ~DialogRecord();
+  ~DialogState();
 };
 
 // Null for a window that is no dialog of the toolkit, or no longer.
-std::shared_ptr<DialogRecord> DialogRecordOf(HWND dialog);
+std::shared_ptr<DialogState> DialogStateOf(HWND dialog);
 
 // Opens a dialog of a kind; null when it could not be opened, which is explained to a debugger.
 HWND CreateScaledDialog(HWND owner, const ScaledDialog& dialog, DialogKind kind);
 void ExplainMissing(const wchar_t* templateName);
 
 // Keeps the shown page as large as its place.
-void PlacePage(HWND parent, const DialogRecord& record);
+void PlacePage(HWND parent, const DialogState& state);
 
 // Sets what the dialog and its pages show in the language of the process, and tells their procedures.
 void ShowLanguage(HWND dialog);
@@ -62,8 +62,8 @@ void ShowLanguage(HWND dialog);
 void SetTextsOfLanguage(HWND dialog, const wchar_t* templateName);
 
 // Puts a menu bar and tool tips in the language that is shown in the place of the former.
-void ReplaceMenu(HWND dialog, DialogRecord& record);
-void ReplaceToolTips(HWND dialog, DialogRecord& record);
+void ReplaceMenu(HWND dialog, DialogState& state);
+void ReplaceToolTips(HWND dialog, DialogState& state);
 
 // Calls visit(child) for each child window that is there at the beginning and still is when its turn comes.
 template <class Visit>

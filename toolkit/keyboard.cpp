@@ -44,8 +44,8 @@ bool OnTab(HWND dialog, const MSG& key) {
 }
 
 bool HasDefaultButton(HWND dialog) {
-  const std::shared_ptr<DialogRecord> record = DialogRecordOf(dialog);
-  return record && record->hasDefaultButton;
+  const std::shared_ptr<DialogState> state = DialogStateOf(dialog);
+  return state && state->hasDefaultButton;
 }
 
 bool OnReturn(HWND dialog, HWND control) {

@@ -91,17 +91,17 @@ void TranslateMenu(HMENU menu) {
 }
 
 // The menu of languages outlives the menu bars that it is in.
-void SetLanguageMenu(HMENU bar, DialogRecord& record) {
-  const LanguageMenu& menu = record.what.languageMenu;
-  if (!record.languageMenu) {
-    record.languageMenu = BuildLanguageMenu(currentLanguage, modules.application, menu.firstCommand, menu.firstBitmap,
-                                            fileStem.c_str(), record.languageBitmaps.data());
+void SetLanguageMenu(HMENU bar, DialogState& state) {
+  const LanguageMenu& menu = state.what.languageMenu;
+  if (!state.languageMenu) {
+    state.languageMenu = BuildLanguageMenu(currentLanguage, modules.application, menu.firstCommand, menu.firstBitmap,
+                                           fileStem.c_str(), state.languageBitmaps.data());
   }
   for (int i = 0; i < kLanguageCount; ++i) {
-    CheckMenuItem(record.languageMenu, menu.firstCommand + i, i == currentLanguage ? MF_CHECKED : MF_UNCHECKED);
+    CheckMenuItem(state.languageMenu, menu.firstCommand + i, i == currentLanguage ? MF_CHECKED : MF_UNCHECKED);
   }
   MENUITEMINFOW item{.cbSize = sizeof(item), .fMask = MIIM_SUBMENU};
-  item.hSubMenu = record.languageMenu;
+  item.hSubMenu = state.languageMenu;
   SetMenuItemInfoW(bar, menu.item, FALSE, &item);
 }
 
@@ -126,7 +126,7 @@ int SwitchLanguage(HWND dialog, const wchar_t* templateName, int language) {
   if (fileStem.empty()) return 0;
   const HMODULE former = TakeLanguage(language);
   EnumThreadWindows(GetCurrentThreadId(), ShowInOne, 0);
-  if (templateName && !DialogRecordOf(dialog)) SetTextsOfLanguage(dialog, templateName);
+  if (templateName && !DialogStateOf(dialog)) SetTextsOfLanguage(dialog, templateName);
   FreeIfAny(former);
   return currentLanguage;
 }
@@ -181,12 +181,12 @@ void SetTextsOfLanguage(HWND dialog, const wchar_t* templateName) {
   });
 }
 
-void ReplaceMenu(HWND dialog, DialogRecord& record) {
-  if (!record.what.menu) return;
-  HMENU bar = LoadMenuW(modules.application, record.what.menu), former = GetMenu(dialog);
+void ReplaceMenu(HWND dialog, DialogState& state) {
+  if (!state.what.menu) return;
+  HMENU bar = LoadMenuW(modules.application, state.what.menu), former = GetMenu(dialog);
   TranslateMenu(bar);
-  if (former) RemoveMenu(former, record.what.languageMenu.item, MF_BYCOMMAND);
-  if (record.what.languageMenu.item) SetLanguageMenu(bar, record);
+  if (former) RemoveMenu(former, state.what.languageMenu.item, MF_BYCOMMAND);
+  if (state.what.languageMenu.item) SetLanguageMenu(bar, state);
   SetMenu(dialog, bar);
   if (former) DestroyMenu(former);
 }

@@ -97,7 +97,7 @@ void MirrorControl(HWND control) {
 
 bool MirrorDialog(HWND dialog) {
   VisitChildren(dialog, [](HWND child) {
-    if (!DialogRecordOf(child)) MirrorControl(child);
+    if (!DialogStateOf(child)) MirrorControl(child);
   });
   // A mirrored window would hand that on to children that it makes, also to those that must not be mirrored.
   if (IsRightToLeft()) SetDirection(dialog, WS_EX_NOINHERITLAYOUT, true);

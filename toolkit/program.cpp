@@ -23,7 +23,7 @@ constexpr int kNotOpened = -1;
 // Our own dialogs take letters of every script, for which the table's dispatch has no room.
 bool TakenByDialog(MSG* message) {
   HWND root = GetAncestor(message->hwnd, GA_ROOT);
-  if (DialogRecordOf(root)) {
+  if (DialogStateOf(root)) {
     return TakeAccelerator(root, message) || TakeKey(root, message) || IsDialogMessageW(root, message);
   }
   return ModelessDialogs(nullptr, message, kModelessDispatch);

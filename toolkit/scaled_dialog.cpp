@@ -31,11 +31,11 @@ namespace kv {
 
 namespace {
 
-constexpr wchar_t kRecordProperty[] = L"kvScaledDialog";
+constexpr wchar_t kStateProperty[] = L"kvScaledDialog";
 constexpr int kPageId = INT_MAX;  // beyond every dialog's lastId
 constexpr int kListTextPx = 14;   // of list boxes, list views, and edit controls of many lines, at scale 1
 
-using RecordHolder = std::shared_ptr<DialogRecord>;
+using SharedDialogState = std::shared_ptr<DialogState>;
 
 // What a dialog is opened with; lives until WM_INITDIALOG has been handled. The mark is tested, because anybody may
 // send a dialog WM_INITDIALOG.
@@ -46,23 +46,23 @@ struct Opening {
   DialogKind kind;
 };
 
-INT_PTR AskProcedure(HWND dialog, const DialogRecord& record, UINT message, WPARAM wParam, LPARAM lParam) {
-  return record.what.procedure ? record.what.procedure(dialog, message, wParam, lParam) : FALSE;
+INT_PTR AskProcedure(HWND dialog, const DialogState& state, UINT message, WPARAM wParam, LPARAM lParam) {
+  return state.what.procedure ? state.what.procedure(dialog, message, wParam, lParam) : FALSE;
 }
 
 // Windows of the dialog class speak the code page, where a caption in another script ends as question marks: what
 // concerns the caption goes past the class.
 LRESULT CALLBACK WideCaptionProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  const RecordHolder record = DialogRecordOf(dialog);
-  if (!record) return DefWindowProcW(dialog, message, wParam, lParam);
+  const SharedDialogState state = DialogStateOf(dialog);
+  if (!state) return DefWindowProcW(dialog, message, wParam, lParam);
   switch (message) {
     case WM_SETTEXT:
     case WM_GETTEXT:
     case WM_GETTEXTLENGTH: return DefWindowProcW(dialog, message, wParam, lParam);
     default: break;
   }
-  const LRESULT result = CallWindowProcW(record->classProcedure, dialog, message, wParam, lParam);
-  if (message == WM_NCDESTROY) delete static_cast<RecordHolder*>(RemovePropW(dialog, kRecordProperty));
+  const LRESULT result = CallWindowProcW(state->classProcedure, dialog, message, wParam, lParam);
+  if (message == WM_NCDESTROY) delete static_cast<SharedDialogState*>(RemovePropW(dialog, kStateProperty));
   return result;
 }
 
@@ -98,14 +98,14 @@ void GiveEachItsFont(HWND dialog) {
   });
 }
 
-void Capture(HWND dialog, DialogRecord& record) {
+void Capture(HWND dialog, DialogState& state) {
   size_t controls = 0;
   VisitChildren(dialog, [&](HWND child) {
-    controls += IsInRange(record.what, child);
-    if (SendMessageW(child, WM_GETDLGCODE, 0, 0) & DLGC_DEFPUSHBUTTON) record.hasDefaultButton = true;
+    controls += IsInRange(state.what, child);
+    if (SendMessageW(child, WM_GETDLGCODE, 0, 0) & DLGC_DEFPUSHBUTTON) state.hasDefaultButton = true;
   });
-  record.slots.resize(controls + 1);
-  CaptureLayout(dialog, record.slots.data(), record.what.firstId, std::min(record.what.lastId, kPageId - 1));
+  state.slots.resize(controls + 1);
+  CaptureLayout(dialog, state.slots.data(), state.what.firstId, std::min(state.what.lastId, kPageId - 1));
 }
 
 // Scaling passes over a label without a text, which would then show its next text in the font of its template. A line
@@ -117,21 +117,21 @@ void FillEmptyLabel(HWND control) {
 }
 
 // A list's former font is its own copy of the template's, or the one that all lists had before.
-void ScaleLists(HWND dialog, DialogRecord& record) {
-  const int textPx = std::max(static_cast<int>(static_cast<float>(kListTextPx) * record.scale.y), 1);
+void ScaleLists(HWND dialog, DialogState& state) {
+  const int textPx = std::max(static_cast<int>(static_cast<float>(kListTextPx) * state.scale.y), 1);
   OwnedFont font = MakeFont(textPx, FW_NORMAL);
   VisitChildren(dialog, [&](HWND control) {
-    if (!IsInRange(record.what, control) || !TakesListFont(control)) return;
+    if (!IsInRange(state.what, control) || !TakesListFont(control)) return;
     const HFONT former = FontOf(control);
     SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(static_cast<HFONT>(font)), FALSE);
-    if (former != record.listFont) DeleteObject(former);
+    if (former != state.listFont) DeleteObject(former);
     if (ClassifyControl(control) == kControlListBox) SendMessageW(control, LB_SETITEMHEIGHT, 0, textPx + 2);
   });
-  record.listFont = std::move(font);
+  state.listFont = std::move(font);
 }
 
-void PlaceControls(HWND dialog, DialogRecord& record) {
-  const ScaledDialog& what = record.what;
+void PlaceControls(HWND dialog, DialogState& state) {
+  const ScaledDialog& what = state.what;
   size_t controls = 0;
   VisitChildren(dialog, [&](HWND child) {
     if (!IsInRange(what, child)) return;
@@ -139,12 +139,12 @@ void PlaceControls(HWND dialog, DialogRecord& record) {
     FillEmptyLabel(child);
   });
   // A control that came after the capture has no slot; reading on would take what lies behind the slots for one.
-  if (controls + 1 > record.slots.size()) return;
+  if (controls + 1 > state.slots.size()) return;
   ApplyLayout(dialog, what.bottomMargin, what.leftMargin, what.topMargin, what.firstId,
-              std::min(what.lastId, kPageId - 1), record.slots.data(), &record.scale.x, &record.scale.y, FALSE);
-  ScaleLists(dialog, record);
+              std::min(what.lastId, kPageId - 1), state.slots.data(), &state.scale.x, &state.scale.y, FALSE);
+  ScaleLists(dialog, state);
   MendMirroredDialog(dialog);
-  MoveTextTips(dialog, record.textTips);
+  MoveTextTips(dialog, state.textTips);
   // Dialogs clip their controls, so these have to be named: each has been moved without being painted.
   RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
 }
@@ -157,36 +157,36 @@ SIZE SizeOf(HWND window) {
 
 // ---- Life -----------------------------------------------------------------------------------------------------------
 
-RecordHolder MakeRecord(HWND dialog, const Opening& opening) {
-  auto record = std::make_shared<DialogRecord>();
-  record->what = opening.what;
-  record->kind = opening.kind;
-  if (record->what.background != kFaceBackground)
-    record->background = OwnedBrush(CreateSolidBrush(record->what.background));
-  SetPropW(dialog, kRecordProperty, new RecordHolder(record));
-  record->classProcedure =
+SharedDialogState CreateDialogState(HWND dialog, const Opening& opening) {
+  auto state = std::make_shared<DialogState>();
+  state->what = opening.what;
+  state->kind = opening.kind;
+  if (state->what.background != kFaceBackground)
+    state->background = OwnedBrush(CreateSolidBrush(state->what.background));
+  SetPropW(dialog, kStateProperty, new SharedDialogState(state));
+  state->classProcedure =
       reinterpret_cast<WNDPROC>(SetWindowLongW(dialog, GWL_WNDPROC, reinterpret_cast<LONG>(WideCaptionProcedure)));
-  if (record->kind == DialogKind::kPage) SetWindowLongW(dialog, GWL_ID, kPageId);
-  if (record->what.accelerators) {
-    record->accelerators = LoadAcceleratorsW(modules.application, record->what.accelerators);
+  if (state->kind == DialogKind::kPage) SetWindowLongW(dialog, GWL_ID, kPageId);
+  if (state->what.accelerators) {
+    state->accelerators = LoadAcceleratorsW(modules.application, state->what.accelerators);
   }
-  return record;
+  return state;
 }
 
 // The menu bar takes its room above the template's.
-void AddMenu(HWND dialog, DialogRecord& record) {
-  if (!record.what.menu || record.kind == DialogKind::kPage) return;
+void AddMenu(HWND dialog, DialogState& state) {
+  if (!state.what.menu || state.kind == DialogKind::kPage) return;
   const LONG before = ClientSize(dialog).cy;
-  ReplaceMenu(dialog, record);
+  ReplaceMenu(dialog, state);
   const SIZE size = SizeOf(dialog);
   SetWindowPos(dialog, nullptr, 0, 0, size.cx, size.cy + before - ClientSize(dialog).cy,
                SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-void RestorePlace(HWND dialog, const DialogRecord& record) {
-  const ScaledDialog& what = record.what;
+void RestorePlace(HWND dialog, const DialogState& state) {
+  const ScaledDialog& what = state.what;
   if (what.positionName) WindowPosition(dialog, what.positionName, kPositionRestore);
-  KeepInSight(dialog, record.minimumSize);
+  KeepInSight(dialog, state.minimumSize);
   DWORD maximised = FALSE;
   if (what.maximisedName) WindowNumber(what.maximisedName, &maximised, kPositionRestore);
   if (maximised) ShowWindow(dialog, SW_MAXIMIZE);
@@ -199,55 +199,55 @@ void Remember(HWND dialog, const ScaledDialog& what) {
 }
 
 INT_PTR OnInit(HWND dialog, const Opening& opening) {
-  const RecordHolder record = MakeRecord(dialog, opening);
-  const ScaledDialog& what = record->what;
+  const SharedDialogState state = CreateDialogState(dialog, opening);
+  const ScaledDialog& what = state->what;
   SetTextsOfLanguage(dialog, what.templateName);
-  AddMenu(dialog, *record);
+  AddMenu(dialog, *state);
   const SIZE asInTemplate = SizeOf(dialog);
-  record->minimumSize = {what.minimumSize.cx ? what.minimumSize.cx : asInTemplate.cx,
-                         what.minimumSize.cy ? what.minimumSize.cy : asInTemplate.cy};
+  state->minimumSize = {what.minimumSize.cx ? what.minimumSize.cx : asInTemplate.cx,
+                        what.minimumSize.cy ? what.minimumSize.cy : asInTemplate.cy};
   const INT_PTR result =
-      AskProcedure(dialog, *record, WM_INITDIALOG, reinterpret_cast<WPARAM>(GetFocus()), what.parameter);
+      AskProcedure(dialog, *state, WM_INITDIALOG, reinterpret_cast<WPARAM>(GetFocus()), what.parameter);
   GiveEachItsFont(dialog);
-  Capture(dialog, *record);
-  record->textTips = CreateTextTips(dialog);
+  Capture(dialog, *state);
+  state->textTips = CreateTextTips(dialog);
   ShowLanguage(dialog);
   // Its procedure may have destroyed the dialog, here or before.
-  if (!DialogRecordOf(dialog)) return result;
-  if (record->kind == DialogKind::kModeless) ModelessDialogs(dialog, nullptr, kModelessAdd);
-  if (record->kind != DialogKind::kPage) RestorePlace(dialog, *record);
+  if (!DialogStateOf(dialog)) return result;
+  if (state->kind == DialogKind::kModeless) ModelessDialogs(dialog, nullptr, kModelessAdd);
+  if (state->kind != DialogKind::kPage) RestorePlace(dialog, *state);
   const SIZE client = ClientSize(dialog);
   SendMessageW(dialog, WM_SIZE, IsZoomed(dialog) ? SIZE_MAXIMIZED : SIZE_RESTORED, MAKELPARAM(client.cx, client.cy));
-  return record->kind == DialogKind::kPage ? FALSE : result;
+  return state->kind == DialogKind::kPage ? FALSE : result;
 }
 
-void OnDestroy(HWND dialog, DialogRecord& record) {
+void OnDestroy(HWND dialog, DialogState& state) {
   VisitChildren(dialog, [&](HWND child) {
     const HFONT font = FontOf(child);
-    if (font != record.listFont) record.fonts.emplace_back(font);
+    if (font != state.listFont) state.fonts.emplace_back(font);
   });
-  if (record.kind != DialogKind::kPage) Remember(dialog, record.what);
-  if (record.kind == DialogKind::kModeless) ModelessDialogs(dialog, nullptr, kModelessRemove);
+  if (state.kind != DialogKind::kPage) Remember(dialog, state.what);
+  if (state.kind == DialogKind::kModeless) ModelessDialogs(dialog, nullptr, kModelessRemove);
 }
 
 // ---- Message handlers -----------------------------------------------------------------------------------------------
 
-void OnPaint(HWND dialog, const DialogRecord& record) {
+void OnPaint(HWND dialog, const DialogState& state) {
   const PaintScope paint(dialog);
   RECT client{};
   GetClientRect(dialog, &client);
-  FillRect(paint.dc(), &client, record.background ? record.background : GetSysColorBrush(COLOR_BTNFACE));
+  FillRect(paint.dc(), &client, state.background ? state.background : GetSysColorBrush(COLOR_BTNFACE));
 }
 
 // On a background of its own, texts in black or white, whichever reads better there.
-INT_PTR OnControlColor(const DialogRecord& record, HDC dc) {
-  const COLORREF color = record.background ? record.what.background : GetSysColor(COLOR_BTNFACE);
+INT_PTR OnControlColor(const DialogState& state, HDC dc) {
+  const COLORREF color = state.background ? state.what.background : GetSysColor(COLOR_BTNFACE);
   const int lightness = 30 * GetRValue(color) + 59 * GetGValue(color) + 11 * GetBValue(color);
   const COLORREF readable = lightness < 100 * 128 ? RGB(255, 255, 255) : RGB(0, 0, 0);
-  SetTextColor(dc, record.background ? readable : GetSysColor(COLOR_BTNTEXT));
+  SetTextColor(dc, state.background ? readable : GetSysColor(COLOR_BTNTEXT));
   SetBkColor(dc, color);
-  return reinterpret_cast<INT_PTR>(record.background ? static_cast<HBRUSH>(record.background)
-                                                     : GetSysColorBrush(COLOR_BTNFACE));
+  return reinterpret_cast<INT_PTR>(state.background ? static_cast<HBRUSH>(state.background)
+                                                    : GetSysColorBrush(COLOR_BTNFACE));
 }
 
 INT_PTR OnSystemColors(HWND dialog, WPARAM wParam, LPARAM lParam) {
@@ -261,93 +261,93 @@ INT_PTR AnswerByResult(HWND dialog, LONG result) {
   return TRUE;
 }
 
-INT_PTR OnSizing(HWND dialog, const DialogRecord& record, WPARAM edge, LPARAM place) {
+INT_PTR OnSizing(HWND dialog, const DialogState& state, WPARAM edge, LPARAM place) {
   return AnswerByResult(dialog, LimitSizing(static_cast<UINT>(edge), reinterpret_cast<RECT*>(place),
-                                            record.minimumSize.cx, record.minimumSize.cy));
+                                            state.minimumSize.cx, state.minimumSize.cy));
 }
 
 // Rows of an extended list grow with the dialog.
-INT_PTR OnMeasure(HWND dialog, const DialogRecord& record, MEASUREITEMSTRUCT* request) {
+INT_PTR OnMeasure(HWND dialog, const DialogState& state, MEASUREITEMSTRUCT* request) {
   if (IsBadWritePtr(request, sizeof(*request))) return FALSE;
   const HWND control = GetDlgItem(dialog, static_cast<int>(request->CtlID));
   wchar_t name[ARRAYSIZE(kExtendedListClass)] = L"";
   std::copy_n(kExtendedListClass, ARRAYSIZE(kExtendedListClass), name);
   if (!IsOfClass(control, name)) return FALSE;
-  request->itemHeight = std::max(1u, static_cast<UINT>(static_cast<float>(request->itemHeight) * record.scale.y));
+  request->itemHeight = std::max(1u, static_cast<UINT>(static_cast<float>(request->itemHeight) * state.scale.y));
   return TRUE;
 }
 
-INT_PTR OnNotify(const DialogRecord& record, LPARAM lParam) {
+INT_PTR OnNotify(const DialogState& state, LPARAM lParam) {
   if (IsBadReadPtr(reinterpret_cast<const void*>(lParam), sizeof(NMHDR))) return FALSE;
   const NMHDR head = NotificationOf(lParam);
-  if (head.code != TTN_GETDISPINFOW || head.hwndFrom != record.textTips) return FALSE;
-  AnswerTextTip(record, lParam);
+  if (head.code != TTN_GETDISPINFOW || head.hwndFrom != state.textTips) return FALSE;
+  AnswerTextTip(state, lParam);
   return TRUE;
 }
 
-INT_PTR OnClose(HWND dialog, const DialogRecord& record, INT_PTR result) {
-  if (record.kind == DialogKind::kPage) return TRUE;
-  if (record.kind == DialogKind::kModal) return EndDialog(dialog, result);
+INT_PTR OnClose(HWND dialog, const DialogState& state, INT_PTR result) {
+  if (state.kind == DialogKind::kPage) return TRUE;
+  if (state.kind == DialogKind::kModal) return EndDialog(dialog, result);
   if (IsWindowEnabled(dialog)) return DestroyWindow(dialog);
   // The code that opened a box still stands on the stack.
   return SetForegroundWindow(GetLastActivePopup(dialog));
 }
 
-INT_PTR OnCommand(HWND dialog, const DialogRecord& record, WORD id) {
-  const LanguageMenu& menu = record.what.languageMenu;
+INT_PTR OnCommand(HWND dialog, const DialogState& state, WORD id) {
+  const LanguageMenu& menu = state.what.languageMenu;
   if (menu.item && id >= menu.firstCommand && id < menu.firstCommand + kLanguageCount) {
     SwitchLanguage(nullptr, nullptr, static_cast<int>(id - menu.firstCommand));
     return TRUE;
   }
-  if (record.kind != DialogKind::kModal || (id != IDOK && id != IDCANCEL)) return FALSE;
-  return OnClose(dialog, record, id);
+  if (state.kind != DialogKind::kModal || (id != IDOK && id != IDCANCEL)) return FALSE;
+  return OnClose(dialog, state, id);
 }
 
 // What the dialog's own procedure has left.
-INT_PTR HandleTheRest(HWND dialog, const DialogRecord& record, UINT message, WPARAM wParam, LPARAM lParam) {
+INT_PTR HandleTheRest(HWND dialog, const DialogState& state, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
-    case WM_PAINT: OnPaint(dialog, record); return TRUE;
+    case WM_PAINT: OnPaint(dialog, state); return TRUE;
     case WM_CTLCOLORDLG:
     case WM_CTLCOLORSTATIC:
-    case WM_CTLCOLORBTN: return OnControlColor(record, reinterpret_cast<HDC>(wParam));
+    case WM_CTLCOLORBTN: return OnControlColor(state, reinterpret_cast<HDC>(wParam));
     case WM_SYSCOLORCHANGE: return OnSystemColors(dialog, wParam, lParam);  // comes to top-level windows only
-    case WM_SIZING: return OnSizing(dialog, record, wParam, lParam);
-    case WM_MEASUREITEM: return OnMeasure(dialog, record, reinterpret_cast<MEASUREITEMSTRUCT*>(lParam));
+    case WM_SIZING: return OnSizing(dialog, state, wParam, lParam);
+    case WM_MEASUREITEM: return OnMeasure(dialog, state, reinterpret_cast<MEASUREITEMSTRUCT*>(lParam));
     // Controls would ask the dialog's class, which is an 8-bit one.
     case WM_NOTIFYFORMAT: return AnswerByResult(dialog, NFR_UNICODE);
-    case WM_NOTIFY: return OnNotify(record, lParam);
-    case WM_COMMAND: return OnCommand(dialog, record, LOWORD(wParam));
-    case WM_CLOSE: OnClose(dialog, record, IDCANCEL); return TRUE;
+    case WM_NOTIFY: return OnNotify(state, lParam);
+    case WM_COMMAND: return OnCommand(dialog, state, LOWORD(wParam));
+    case WM_CLOSE: OnClose(dialog, state, IDCANCEL); return TRUE;
     default: return FALSE;
   }
 }
 
 INT_PTR CALLBACK ScaledDialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-  const RecordHolder record = DialogRecordOf(dialog);
-  if (!record) {
+  const SharedDialogState state = DialogStateOf(dialog);
+  if (!state) {
     const auto* opening = reinterpret_cast<const Opening*>(lParam);
     const bool isOurs =
         message == WM_INITDIALOG && !IsBadReadPtr(opening, sizeof(*opening)) && opening->mark == Opening::kMark;
     return isOurs ? OnInit(dialog, *opening) : FALSE;
   }
   const bool isSize = message == WM_SIZE && wParam != SIZE_MINIMIZED;
-  if (isSize) PlaceControls(dialog, *record);
-  if (message == WM_DESTROY) OnDestroy(dialog, *record);
-  const INT_PTR result = AskProcedure(dialog, *record, message, wParam, lParam);
-  if (isSize) PlacePage(dialog, *record);
-  return result || !DialogRecordOf(dialog) ? result : HandleTheRest(dialog, *record, message, wParam, lParam);
+  if (isSize) PlaceControls(dialog, *state);
+  if (message == WM_DESTROY) OnDestroy(dialog, *state);
+  const INT_PTR result = AskProcedure(dialog, *state, message, wParam, lParam);
+  if (isSize) PlacePage(dialog, *state);
+  return result || !DialogStateOf(dialog) ? result : HandleTheRest(dialog, *state, message, wParam, lParam);
 }
 
 }  // namespace
 
-DialogRecord::~DialogRecord() {
+DialogState::~DialogState() {
   for (HBITMAP bitmap : languageBitmaps) {
     if (bitmap) DeleteObject(bitmap);
   }
 }
 
-std::shared_ptr<DialogRecord> DialogRecordOf(HWND dialog) {
-  const auto* holder = static_cast<const RecordHolder*>(GetPropW(dialog, kRecordProperty));
+std::shared_ptr<DialogState> DialogStateOf(HWND dialog) {
+  const auto* holder = static_cast<const SharedDialogState*>(GetPropW(dialog, kStateProperty));
   return holder ? *holder : nullptr;
 }
 
@@ -358,10 +358,10 @@ bool IsOfClass(HWND window, const wchar_t* name) {
 }
 
 // Texts that are string resources are looked up here, so that English stands in for what the language lacks.
-void ReplaceToolTips(HWND dialog, DialogRecord& record) {
-  if (record.tips) DestroyWindow(record.tips);
-  record.tips = nullptr;
-  std::vector<ToolTipEntry> entries(record.what.tips.begin(), record.what.tips.end());
+void ReplaceToolTips(HWND dialog, DialogState& state) {
+  if (state.tips) DestroyWindow(state.tips);
+  state.tips = nullptr;
+  std::vector<ToolTipEntry> entries(state.what.tips.begin(), state.what.tips.end());
   std::vector<std::wstring> texts(entries.size());
   for (size_t i = 0; i < entries.size(); ++i) {
     if (!IS_INTRESOURCE(entries[i].text)) continue;
@@ -369,19 +369,19 @@ void ReplaceToolTips(HWND dialog, DialogRecord& record) {
     entries[i].text = texts[i].c_str();
   }
   if (!entries.empty()) {
-    record.tips = CreateToolTips(modules.resources, dialog, entries.data(), static_cast<int>(entries.size()));
+    state.tips = CreateToolTips(modules.resources, dialog, entries.data(), static_cast<int>(entries.size()));
   }
 }
 
 void ShowLanguage(HWND dialog) {
-  const RecordHolder record = DialogRecordOf(dialog);
-  if (!record) return;
-  SetTextsOfLanguage(dialog, record->what.templateName);
-  if (record->kind != DialogKind::kPage) ReplaceMenu(dialog, *record);
-  ReplaceToolTips(dialog, *record);
+  const SharedDialogState state = DialogStateOf(dialog);
+  if (!state) return;
+  SetTextsOfLanguage(dialog, state->what.templateName);
+  if (state->kind != DialogKind::kPage) ReplaceMenu(dialog, *state);
+  ReplaceToolTips(dialog, *state);
   const bool turned = MirrorDialog(dialog);
-  for (const DialogPage& page : std::vector(record->pages)) ShowLanguage(page.window);
-  AskProcedure(dialog, *record, kLanguageChanged, static_cast<WPARAM>(CurrentLanguage()), 0);
+  for (const DialogPage& page : std::vector(state->pages)) ShowLanguage(page.window);
+  AskProcedure(dialog, *state, kLanguageChanged, static_cast<WPARAM>(CurrentLanguage()), 0);
   const SIZE client = ClientSize(dialog);
   if (turned) SendMessageW(dialog, WM_SIZE, SIZE_RESTORED, MAKELPARAM(client.cx, client.cy));
   RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
@@ -410,8 +410,8 @@ INT_PTR RunModalDialog(HWND owner, const ScaledDialog& dialog) {
 }
 
 DialogScale ScaleOf(HWND dialog) {
-  const RecordHolder record = DialogRecordOf(dialog);
-  return record ? record->scale : DialogScale{1, 1};
+  const SharedDialogState state = DialogStateOf(dialog);
+  return state ? state->scale : DialogScale{1, 1};
 }
 
 void EnableControl(HWND dialog, int id, bool enabled) {

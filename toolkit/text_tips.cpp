@@ -161,12 +161,12 @@ void MoveTextTips(HWND dialog, HWND tips) {
             [tips](TTTOOLINFOW* tool) { SendMessageW(tips, TTM_NEWTOOLRECTW, 0, reinterpret_cast<LPARAM>(tool)); });
 }
 
-void AnswerTextTip(const DialogRecord& record, LPARAM lParam) {
+void AnswerTextTip(const DialogState& state, LPARAM lParam) {
   auto* tip = reinterpret_cast<NMTTDISPINFOW*>(lParam);
   const HWND control = reinterpret_cast<HWND>(tip->hdr.idFrom);
   const auto id = static_cast<UINT>(GetDlgCtrlID(control));
   const bool hasOwnTip =
-      std::ranges::any_of(record.what.tips, [id](const ToolTipEntry& entry) { return entry.id == id; });
+      std::ranges::any_of(state.what.tips, [id](const ToolTipEntry& entry) { return entry.id == id; });
   static std::wstring text;  // the tip reads it after this returns
   text = hasOwnTip ? std::wstring() : CutTextOf(control);
   tip->lpszText = text.data();

@@ -8,7 +8,7 @@
 
 namespace kv {
 
-struct DialogRecord;
+struct DialogState;
 
 // The first text of a control of a standard class (label, button, combo box, list box, tab control, list view's header)
 // that is cut at its place, in the font that it has; empty when all are whole or the control is of another class.
@@ -24,6 +24,6 @@ void MoveTextTips(HWND dialog, HWND tips);
 
 // What the dialog does with that window's TTN_GETDISPINFOW: gives it the text if that is cut, and the control has no
 // tip of its own.
-void AnswerTextTip(const DialogRecord& record, LPARAM lParam);
+void AnswerTextTip(const DialogState& state, LPARAM lParam);
 
 }  // namespace kv

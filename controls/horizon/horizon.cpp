@@ -24,12 +24,12 @@ namespace {
 
 constexpr UINT_PTR kGlideTimer = 5;
 constexpr UINT kGlideTickMs = 20;
-constexpr LRESULT kNoRecord = 1;
+constexpr LRESULT kNoState = 1;
 constexpr int kMinCopySize = 16, kMaxCopySize = 5120;
 
 // ---- Record ---------------------------------------------------------------------------------------------------------
 
-struct HorizonRecord {
+struct HorizonState {
   HGLOBAL hMemory;  // of this record
   HWND window;
   DWORD style;
@@ -38,37 +38,36 @@ struct HorizonRecord {
   HorizonPicture* picture;
 };
 
-void Refresh(HorizonRecord& record) {
-  const RECT changed =
-      record.picture->Update(record.shown, record.style, ClientSize(record.window), record.anew != FALSE);
-  record.anew = FALSE;
-  if (!IsRectEmpty(&changed)) InvalidateRect(record.window, &changed, FALSE);
+void Refresh(HorizonState& state) {
+  const RECT changed = state.picture->Update(state.shown, state.style, ClientSize(state.window), state.anew != FALSE);
+  state.anew = FALSE;
+  if (!IsRectEmpty(&changed)) InvalidateRect(state.window, &changed, FALSE);
 }
 
-void StopGliding(HorizonRecord& record) {
-  if (record.gliding) KillTimer(record.window, kGlideTimer);
-  record.gliding = FALSE;
+void StopGliding(HorizonState& state) {
+  if (state.gliding) KillTimer(state.window, kGlideTimer);
+  state.gliding = FALSE;
 }
 
 // ---- Commands -------------------------------------------------------------------------------------------------------
 
-bool ExchangeStyle(HorizonRecord& record, WPARAM wParam, LPARAM lParam) {
+bool ExchangeStyle(HorizonState& state, WPARAM wParam, LPARAM lParam) {
   auto* bits = reinterpret_cast<DWORD*>(lParam);
   if (wParam & kCommandRead) {
     if (IsBadWritePtr(bits, sizeof(*bits))) return false;
-    *bits = record.style;
+    *bits = state.style;
     return true;
   }
   if (IsBadReadPtr(bits, sizeof(*bits))) return false;
-  record.style = wParam & kCommandRemove ? record.style & ~*bits : record.style | *bits;
+  state.style = wParam & kCommandRemove ? state.style & ~*bits : state.style | *bits;
   return true;
 }
 
-bool ExchangeValue(HorizonRecord& record, WPARAM wParam, LPARAM lParam) {
+bool ExchangeValue(HorizonState& state, WPARAM wParam, LPARAM lParam) {
   auto* address = reinterpret_cast<void*>(lParam);
   if (wParam & kCommandRead) {
     if (IsBadWritePtr(address, sizeof(HorizonAttitude))) return false;
-    std::memcpy(address, &record.shown, sizeof(HorizonAttitude));
+    std::memcpy(address, &state.shown, sizeof(HorizonAttitude));
     return true;
   }
   HorizonAttitude attitude;
@@ -78,128 +77,128 @@ bool ExchangeValue(HorizonRecord& record, WPARAM wParam, LPARAM lParam) {
     if (!std::isfinite(number)) return false;
   }
   if (attitude.version != kHorizonVersion) return false;
-  record.target = NormalAttitude(attitude);
-  const bool wasValid = !(record.shown.state & kHorizonNoValue);
-  record.shown.state = record.target.state = attitude.state & kHorizonNoValue;
+  state.target = NormalAttitude(attitude);
+  const bool wasValid = !(state.shown.state & kHorizonNoValue);
+  state.shown.state = state.target.state = attitude.state & kHorizonNoValue;
   if ((wParam & kHorizonGlide) && wasValid && !attitude.state) {
-    if (!record.gliding) record.gliding = SetTimer(record.window, kGlideTimer, kGlideTickMs, nullptr) != 0;
+    if (!state.gliding) state.gliding = SetTimer(state.window, kGlideTimer, kGlideTickMs, nullptr) != 0;
   } else {
-    StopGliding(record);
+    StopGliding(state);
   }
   // Without a timer the value would never arrive.
-  if (!record.gliding) record.shown = record.target;
+  if (!state.gliding) state.shown = state.target;
   return true;
 }
 
-LRESULT OnCommand(HorizonRecord& record, WPARAM wParam, LPARAM lParam) {
+LRESULT OnCommand(HorizonState& state, WPARAM wParam, LPARAM lParam) {
   bool done = true;
   switch (LOBYTE(wParam)) {
-    case kHorizonRender: record.anew = TRUE; break;
-    case kHorizonStyle: done = ExchangeStyle(record, wParam, lParam); break;
-    case kHorizonValue: done = ExchangeValue(record, wParam, lParam); break;
+    case kHorizonRender: state.anew = TRUE; break;
+    case kHorizonStyle: done = ExchangeStyle(state, wParam, lParam); break;
+    case kHorizonValue: done = ExchangeValue(state, wParam, lParam); break;
     default: done = false;
   }
   if (!done || (wParam & kCommandRead)) return done;
-  Refresh(record);
-  NotifyValueChanged(record.window);
-  if (record.anew || LOBYTE(wParam) == kHorizonRender || (wParam & kCommandRedraw)) UpdateWindow(record.window);
+  Refresh(state);
+  NotifyValueChanged(state.window);
+  if (state.anew || LOBYTE(wParam) == kHorizonRender || (wParam & kCommandRedraw)) UpdateWindow(state.window);
   return TRUE;
 }
 
 // ---- Message handlers -----------------------------------------------------------------------------------------------
 
 AccessibleText Describe(HWND window) {
-  const auto* record = WindowRecord<HorizonRecord>(window);
-  if (!record) return {};
+  const auto* state = WindowState<HorizonState>(window);
+  if (!state) return {};
   wchar_t text[64] = L"";
-  const HorizonAttitude& shown = record->shown;
+  const HorizonAttitude& shown = state->shown;
   if (!(shown.state & kHorizonNoValue)) {
     FormatBounded(text, sizeof(text),
-                  record->style & kHorizonTape ? L"%+.1f\xB0, %+.1f\xB0, %03.0f\xB0" : L"%+.1f\xB0, %+.1f\xB0",
+                  state->style & kHorizonTape ? L"%+.1f\xB0, %+.1f\xB0, %03.0f\xB0" : L"%+.1f\xB0, %+.1f\xB0",
                   shown.pitch, shown.roll, shown.heading);
   }
   return {WindowText(window), text};
 }
 
 LRESULT OnCreate(HWND window) {
-  auto* record = CreateWindowRecord<HorizonRecord>(window);
-  if (!record) return kNoRecord;
-  record->window = window;
-  record->style = static_cast<DWORD>(GetWindowLongA(window, GWL_STYLE));
-  record->anew = TRUE;
-  record->shown = record->target = {kHorizonVersion, kHorizonNoValue, 0, 0, 0, 0};
-  record->picture = new (std::nothrow) HorizonPicture;
-  if (!record->picture) {
-    DestroyWindowRecord(window, record);
-    return kNoRecord;
+  auto* state = CreateWindowState<HorizonState>(window);
+  if (!state) return kNoState;
+  state->window = window;
+  state->style = static_cast<DWORD>(GetWindowLongA(window, GWL_STYLE));
+  state->anew = TRUE;
+  state->shown = state->target = {kHorizonVersion, kHorizonNoValue, 0, 0, 0, 0};
+  state->picture = new (std::nothrow) HorizonPicture;
+  if (!state->picture) {
+    DestroyWindowState(window, state);
+    return kNoState;
   }
   SetWindowLongA(window, GWL_EXSTYLE, GetWindowLongA(window, GWL_EXSTYLE) & ~WS_EX_LAYOUTRTL);
   DragAcceptFiles(window, TRUE);
   return 0;
 }
 
-LRESULT OnDestroy(HorizonRecord& record) {
-  StopGliding(record);
-  delete record.picture;
-  DestroyWindowRecord(record.window, &record);
+LRESULT OnDestroy(HorizonState& state) {
+  StopGliding(state);
+  delete state.picture;
+  DestroyWindowState(state.window, &state);
   return 0;
 }
 
-LRESULT OnPaint(HWND window, HorizonRecord* record) {
+LRESULT OnPaint(HWND window, HorizonState* state) {
   // Before the paint begins: it then shows what this invalidates as well.
-  if (record) Refresh(*record);
+  if (state) Refresh(*state);
   const PaintScope paint(window);
-  if (!record) return kNoRecord;
-  const Surface& surface = record->picture->surface();
+  if (!state) return kNoState;
+  const Surface& surface = state->picture->surface();
   if (!surface.bitmap()) return 0;
-  const SelectedObject selected(record->picture->dc(), surface.bitmap());
-  BitBlt(paint.dc(), 0, 0, surface.size().cx, surface.size().cy, record->picture->dc(), 0, 0, SRCCOPY);
+  const SelectedObject selected(state->picture->dc(), surface.bitmap());
+  BitBlt(paint.dc(), 0, 0, surface.size().cx, surface.size().cy, state->picture->dc(), 0, 0, SRCCOPY);
   return 0;
 }
 
-LRESULT OnTimer(HorizonRecord& record, WPARAM timer) {
-  if (timer != kGlideTimer || !record.gliding) return 0;
-  if (!GlideAttitude(&record.shown, record.target)) {
-    StopGliding(record);
-    NotifyValueChanged(record.window);
+LRESULT OnTimer(HorizonState& state, WPARAM timer) {
+  if (timer != kGlideTimer || !state.gliding) return 0;
+  if (!GlideAttitude(&state.shown, state.target)) {
+    StopGliding(state);
+    NotifyValueChanged(state.window);
   }
-  Refresh(record);
-  UpdateWindow(record.window);
+  Refresh(state);
+  UpdateWindow(state.window);
   return 0;
 }
 
-LRESULT OnEnable(HorizonRecord& record, bool enabled) {
-  record.style = enabled ? record.style & ~kHorizonDisabled : record.style | kHorizonDisabled;
-  RepaintNow(record.window);
+LRESULT OnEnable(HorizonState& state, bool enabled) {
+  state.style = enabled ? state.style & ~kHorizonDisabled : state.style | kHorizonDisabled;
+  RepaintNow(state.window);
   return 0;
 }
 
-LRESULT OnCopy(HorizonRecord& record, LPARAM requested) {
-  const SIZE size = RequestedPictureSize(requested, ClientSize(record.window), kMinCopySize, kMaxCopySize);
+LRESULT OnCopy(HorizonState& state, LPARAM requested) {
+  const SIZE size = RequestedPictureSize(requested, ClientSize(state.window), kMinCopySize, kMaxCopySize);
   const std::unique_ptr<HorizonPicture> picture(new (std::nothrow) HorizonPicture);
   if (!picture) return 0;
-  picture->Update(record.shown, record.style, size, true);
-  if (picture->surface().bitmap()) CopyBitmapToClipboard(record.window, picture->surface().bitmap(), size, size);
+  picture->Update(state.shown, state.style, size, true);
+  if (picture->surface().bitmap()) CopyBitmapToClipboard(state.window, picture->surface().bitmap(), size, size);
   return 0;
 }
 
 // ---- Window procedure -----------------------------------------------------------------------------------------------
 
 LRESULT CALLBACK HorizonProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  auto* record = WindowRecord<HorizonRecord>(window);
+  auto* state = WindowState<HorizonState>(window);
   switch (message) {
     case WM_CREATE: return OnCreate(window);
-    case WM_DESTROY: return record ? OnDestroy(*record) : kNoRecord;
-    case WM_SIZE: return record ? (RepaintNow(window), 0) : kNoRecord;
-    case WM_ENABLE: return record ? OnEnable(*record, wParam != 0) : kNoRecord;
-    case WM_PAINT: return OnPaint(window, record);
-    case WM_TIMER: return record ? OnTimer(*record, wParam) : kNoRecord;
-    case WM_LBUTTONDBLCLK: return record ? OnCopy(*record, 0) : kNoRecord;
-    case WM_COPY: return record ? OnCopy(*record, lParam) : kNoRecord;
+    case WM_DESTROY: return state ? OnDestroy(*state) : kNoState;
+    case WM_SIZE: return state ? (RepaintNow(window), 0) : kNoState;
+    case WM_ENABLE: return state ? OnEnable(*state, wParam != 0) : kNoState;
+    case WM_PAINT: return OnPaint(window, state);
+    case WM_TIMER: return state ? OnTimer(*state, wParam) : kNoState;
+    case WM_LBUTTONDBLCLK: return state ? OnCopy(*state, 0) : kNoState;
+    case WM_COPY: return state ? OnCopy(*state, lParam) : kNoState;
     case WM_DROPFILES: return SendMessageA(GetParent(window), message, wParam, lParam);
     case WM_GETOBJECT: return AnswerGetObject(window, wParam, lParam, ROLE_SYSTEM_INDICATOR, Describe);
-    case WM_SYSCOLORCHANGE: return record ? OnCommand(*record, kHorizonRender, 0) : kNoRecord;
-    case kControlCommand: return record ? OnCommand(*record, wParam, lParam) : 0;
+    case WM_SYSCOLORCHANGE: return state ? OnCommand(*state, kHorizonRender, 0) : kNoState;
+    case kControlCommand: return state ? OnCommand(*state, wParam, lParam) : 0;
     default: return DefWindowProcA(window, message, wParam, lParam);
   }
 }

@@ -32,12 +32,12 @@ constexpr UINT_PTR kGlideTimer = 5;
 constexpr UINT kGlideTickMs = 20;
 constexpr LONG kGlideCountdown = 20;
 constexpr size_t kShownTextSize = 32;
-constexpr LRESULT kNoRecord = 1;
+constexpr LRESULT kNoState = 1;
 
 // ---- Record ---------------------------------------------------------------------------------------------------------
 
-DWORD ModeOf(const InstrumentRecord& record) {
-  return record.dwStyle & kInstrumentModeBits;
+DWORD ModeOf(const InstrumentState& state) {
+  return state.dwStyle & kInstrumentModeBits;
 }
 
 struct ModeDefaults {
@@ -57,42 +57,42 @@ InstrumentBlock DefaultBlock(const ModeDefaults& row, DWORD mode, const char* na
   return BuildDefaultBlock(defaults);
 }
 
-void SetBlock(InstrumentRecord* record, const InstrumentBlock& block) {
-  record->block = block;
-  record->target = block.current;
-  record->work.bExact = FALSE;
-  record->bRedraw = TRUE;
+void SetBlock(InstrumentState* state, const InstrumentBlock& block) {
+  state->block = block;
+  state->target = block.current;
+  state->work.bExact = FALSE;
+  state->bRedraw = TRUE;
 }
 
 // Without a cache, memory being short, the control shows nothing and still keeps its values.
-void MakeBuffers(InstrumentRecord* record) {
-  const SIZE size = ClientSize(record->hWnd);
-  record->nWidth = size.cx;
-  record->nHeight = size.cy;
-  record->work.bFaceDrawn = FALSE;
-  record->bRedraw = TRUE;
-  record->hBuffer = nullptr;
-  if (!record->work.cache) record->work.cache = new (std::nothrow) InstrumentCache;
-  InstrumentCache* cache = record->work.cache;
+void MakeBuffers(InstrumentState* state) {
+  const SIZE size = ClientSize(state->hWnd);
+  state->nWidth = size.cx;
+  state->nHeight = size.cy;
+  state->work.bFaceDrawn = FALSE;
+  state->bRedraw = TRUE;
+  state->hBuffer = nullptr;
+  if (!state->work.cache) state->work.cache = new (std::nothrow) InstrumentCache;
+  InstrumentCache* cache = state->work.cache;
   if (!cache || !InstrumentTools() || !cache->buffer.Create(size)) return;
   cache->face.reset(new (std::nothrow) DWORD[static_cast<size_t>(size.cx) * size.cy]);
-  if (cache->face) record->hBuffer = cache->buffer.bitmap();
+  if (cache->face) state->hBuffer = cache->buffer.bitmap();
 }
 
 // ---- Drawing --------------------------------------------------------------------------------------------------------
 
-void StoreShownText(InstrumentRecord* record) {
-  const FixedText text = DigitalText(record->block, record->dwStyle, record->time);
+void StoreShownText(InstrumentState* state) {
+  const FixedText text = DigitalText(state->block, state->dwStyle, state->time);
   const size_t length = std::min(text.size(), kShownTextSize - 1);
-  std::transform(text.begin(), text.begin() + length, record->szText,
+  std::transform(text.begin(), text.begin() + length, state->szText,
                  [](wchar_t character) { return static_cast<char>(character); });
-  record->szText[length] = '\0';
+  state->szText[length] = '\0';
 }
 
-InstrumentFace FaceOf(const InstrumentRecord& record) {
-  InstrumentFace face{{0, 0, record.nWidth, record.nHeight}, record.dwStyle, {}, record.block, record.work.face.reach};
+InstrumentFace FaceOf(const InstrumentState& state) {
+  InstrumentFace face{{0, 0, state.nWidth, state.nHeight}, state.dwStyle, {}, state.block, state.work.face.reach};
   std::ranges::transform(kFaceColors, face.colors, GetSysColor);
-  if (!ReadingOf(record.block).valid) face.block.state |= kInstrumentNoValue;
+  if (!ReadingOf(state.block).valid) face.block.state |= kInstrumentNoValue;
   face.block.current = 0;
   return face;
 }
@@ -108,43 +108,43 @@ void RestoreFace(Canvas& canvas, const InstrumentCache& cache) {
 }
 
 // Brings the back buffer up to date, if it is not, and returns what changed of it.
-Damage Render(InstrumentRecord* record) {
-  InstrumentFace face = FaceOf(*record);
-  const bool anew = !record->work.bFaceDrawn || memcmp(&record->work.face, &face, sizeof(face)) != 0;
-  if (!record->bRedraw && !anew) return {};
-  record->bRedraw = FALSE;
-  if (!record->hBuffer) return {};
-  ++record->work.renderings;
-  if (ModeOf(*record) == kModeDigital) StoreShownText(record);
-  InstrumentCache& cache = *record->work.cache;
+Damage Render(InstrumentState* state) {
+  InstrumentFace face = FaceOf(*state);
+  const bool anew = !state->work.bFaceDrawn || memcmp(&state->work.face, &face, sizeof(face)) != 0;
+  if (!state->bRedraw && !anew) return {};
+  state->bRedraw = FALSE;
+  if (!state->hBuffer) return {};
+  ++state->work.renderings;
+  if (ModeOf(*state) == kModeDigital) StoreShownText(state);
+  InstrumentCache& cache = *state->work.cache;
   DrawingTools& tools = *InstrumentTools();
-  const InstrumentLayout& layout = LayoutOf(record->dwStyle);
+  const InstrumentLayout& layout = LayoutOf(state->dwStyle);
   Canvas canvas(tools.dc, cache.buffer, tools.shape);
   if (anew) {
     layout.drawFace(canvas, face);
     canvas.FinishGdi();
-    std::copy_n(cache.buffer.Row(0), static_cast<size_t>(record->nWidth) * record->nHeight, cache.face.get());
-    record->work.face = face;
-    record->work.bFaceDrawn = TRUE;
+    std::copy_n(cache.buffer.Row(0), static_cast<size_t>(state->nWidth) * state->nHeight, cache.face.get());
+    state->work.face = face;
+    state->work.bFaceDrawn = TRUE;
   }
   const InstrumentParts before = cache.parts;
   cache.parts = {};
   ValueLayer list(face, &cache.parts);
-  layout.addParts(list, record->block, record->szText);
+  layout.addParts(list, state->block, state->szText);
   Damage damage = DamageBetween(before, cache.parts, face.area);
   if (anew) damage.Add(face.area);
   for (const RECT& changed : damage) {
     canvas.ClipTo(changed);
     RestoreFace(canvas, cache);
     ValueLayer drawn(face, &canvas);
-    layout.addParts(drawn, record->block, record->szText);
+    layout.addParts(drawn, state->block, state->szText);
   }
   return damage;
 }
 
 // The same, and has what changed painted when the time comes.
-void EnsureRendered(InstrumentRecord* record) {
-  for (const RECT& changed : Render(record)) InvalidateRect(record->hWnd, &changed, FALSE);
+void EnsureRendered(InstrumentState* state) {
+  for (const RECT& changed : Render(state)) InvalidateRect(state->hWnd, &changed, FALSE);
 }
 
 OwnedRegion RegionOf(const Damage& damage) {
@@ -158,9 +158,9 @@ OwnedRegion RegionOf(const Damage& damage) {
 
 // Shows a change before returning; what did not change is not painted. All in one call: twenty gliding instruments make
 // a thousand of them a second.
-void ShowNow(InstrumentRecord* record) {
-  const Damage damage = Render(record);
-  RedrawWindow(record->hWnd, nullptr, damage.empty() ? OwnedRegion() : RegionOf(damage),
+void ShowNow(InstrumentState* state) {
+  const Damage damage = Render(state);
+  RedrawWindow(state->hWnd, nullptr, damage.empty() ? OwnedRegion() : RegionOf(damage),
                RDW_UPDATENOW | RDW_NOCHILDREN | (damage.empty() ? 0u : RDW_INVALIDATE));
 }
 
@@ -183,66 +183,66 @@ bool TakeIn(LPARAM address, Item* item) {
   return true;
 }
 
-void RenderAnew(InstrumentRecord* record) {
-  record->work.bFaceDrawn = FALSE;
-  record->bRedraw = TRUE;
-  RepaintNow(record->hWnd);
+void RenderAnew(InstrumentState* state) {
+  state->work.bFaceDrawn = FALSE;
+  state->bRedraw = TRUE;
+  RepaintNow(state->hWnd);
 }
 
-void ResetBlock(InstrumentRecord* record) {
-  SetBlock(record, DefaultBlock(kAfterReset, ModeOf(*record), nullptr));
-  RepaintNow(record->hWnd);
+void ResetBlock(InstrumentState* state) {
+  SetBlock(state, DefaultBlock(kAfterReset, ModeOf(*state), nullptr));
+  RepaintNow(state->hWnd);
 }
 
-bool SetStyle(InstrumentRecord* record, DWORD style) {
-  if (style == record->dwStyle) return false;
-  record->dwStyle = style;
-  record->bRedraw = TRUE;
+bool SetStyle(InstrumentState* state, DWORD style) {
+  if (style == state->dwStyle) return false;
+  state->dwStyle = style;
+  state->bRedraw = TRUE;
   return true;
 }
 
 // The exchanges below tell whether they changed what is shown.
 
-bool ExchangeStyle(InstrumentRecord* record, WPARAM wParam, LPARAM address) {
-  if (wParam & kCommandRead) return ReadOut(record->dwStyle, address);
+bool ExchangeStyle(InstrumentState* state, WPARAM wParam, LPARAM address) {
+  if (wParam & kCommandRead) return ReadOut(state->dwStyle, address);
   DWORD mask = 0;
   if (!TakeIn(address, &mask)) return false;
-  return SetStyle(record, wParam & kCommandRemove ? record->dwStyle & ~mask : record->dwStyle | mask);
+  return SetStyle(state, wParam & kCommandRemove ? state->dwStyle & ~mask : state->dwStyle | mask);
 }
 
-bool ExchangeBlock(InstrumentRecord* record, WPARAM wParam, LPARAM address) {
-  if (wParam & kCommandRead) return ReadOut(record->block, address);
+bool ExchangeBlock(InstrumentState* state, WPARAM wParam, LPARAM address) {
+  if (wParam & kCommandRead) return ReadOut(state->block, address);
   InstrumentBlock block;
   if (!TakeIn(address, &block) || block.version != kInstrumentVersion) return false;
-  SetBlock(record, block);
+  SetBlock(state, block);
   return true;
 }
 
-void StartGliding(InstrumentRecord* record) {
-  if (record->bGliding) return;
-  record->bGliding = SetTimer(record->hWnd, kGlideTimer, kGlideTickMs, nullptr) != 0;
-  record->nCountdown = kGlideCountdown;
+void StartGliding(InstrumentState* state) {
+  if (state->bGliding) return;
+  state->bGliding = SetTimer(state->hWnd, kGlideTimer, kGlideTickMs, nullptr) != 0;
+  state->nCountdown = kGlideCountdown;
   // Without a timer the value would never arrive.
-  if (!record->bGliding) record->block.current = record->target;
+  if (!state->bGliding) state->block.current = state->target;
 }
 
-bool MoveTo(InstrumentRecord* record, float value, WPARAM flags) {
+bool MoveTo(InstrumentState* state, float value, WPARAM flags) {
   const bool exact = (flags & kValueExact) != 0;
-  const bool isCurrent = value == record->block.current, isTarget = value == record->target;
+  const bool isCurrent = value == state->block.current, isTarget = value == state->target;
   if (exact ? isCurrent && isTarget : isCurrent || isTarget) return false;
-  record->target = value;
-  record->work.bExact = exact;
+  state->target = value;
+  state->work.bExact = exact;
   if (flags & kValueGlide) {
-    StartGliding(record);
+    StartGliding(state);
   } else {
-    record->block.current = value;
+    state->block.current = value;
   }
   return true;
 }
 
-bool ExchangeValue(InstrumentRecord* record, WPARAM wParam, LPARAM address) {
-  InstrumentBlock& block = record->block;
-  if (wParam & kCommandRead) return ReadOut(wParam & kValueGlide ? record->target : block.current, address);
+bool ExchangeValue(InstrumentState* state, WPARAM wParam, LPARAM address) {
+  InstrumentBlock& block = state->block;
+  if (wParam & kCommandRead) return ReadOut(wParam & kValueGlide ? state->target : block.current, address);
   float value = 0;
   bool changed = true;
   if (!TakeIn(address, &value) || std::isnan(value)) {
@@ -251,24 +251,24 @@ bool ExchangeValue(InstrumentRecord* record, WPARAM wParam, LPARAM address) {
     // A value that comes back after none must show again even if it is still the old one.
     changed = (block.state & kInstrumentNoValue) != 0;
     block.state &= ~kInstrumentNoValue;
-    changed |= MoveTo(record, ClampToRange(block, value), wParam);
+    changed |= MoveTo(state, ClampToRange(block, value), wParam);
   }
-  if (changed) record->bRedraw = TRUE;
+  if (changed) state->bRedraw = TRUE;
   return changed;
 }
 
-bool ExchangeTime(InstrumentRecord* record, WPARAM wParam, LPARAM address) {
-  if (ModeOf(*record) != kModeDigital || !(record->dwStyle & (kInstrumentShowTime | kInstrumentShowDate))) return false;
-  if (wParam & kCommandRead) return ReadOut(record->time, address);
+bool ExchangeTime(InstrumentState* state, WPARAM wParam, LPARAM address) {
+  if (ModeOf(*state) != kModeDigital || !(state->dwStyle & (kInstrumentShowTime | kInstrumentShowDate))) return false;
+  if (wParam & kCommandRead) return ReadOut(state->time, address);
   SYSTEMTIME time;
-  if (!TakeIn(address, &time) || memcmp(&time, &record->time, sizeof(time)) == 0) return false;
-  record->time = time;
-  record->bRedraw = TRUE;
+  if (!TakeIn(address, &time) || memcmp(&time, &state->time, sizeof(time)) == 0) return false;
+  state->time = time;
+  state->bRedraw = TRUE;
   return true;
 }
 
-bool ExchangeZone(InstrumentRecord* record, WPARAM wParam, LPARAM address) {
-  InstrumentBlock& block = record->block;
+bool ExchangeZone(InstrumentState* state, WPARAM wParam, LPARAM address) {
+  InstrumentBlock& block = state->block;
   const int index = std::min<int>(HIWORD(wParam), kInstrumentZones - 1);
   if (wParam & kCommandRead) return ReadOut(block.zones[index], address);
   InstrumentZone zone;
@@ -277,26 +277,26 @@ bool ExchangeZone(InstrumentRecord* record, WPARAM wParam, LPARAM address) {
   zone.upper = ClampToRange(block, zone.upper);
   block.zones[index] = zone;
   block.state = wParam & kZoneEnable ? block.state | ZoneEnabledBit(index) : block.state & ~ZoneEnabledBit(index);
-  record->bRedraw = TRUE;
+  state->bRedraw = TRUE;
   return true;
 }
 
-LRESULT OnCommand(HWND window, InstrumentRecord* record, WPARAM wParam, LPARAM lParam) {
+LRESULT OnCommand(HWND window, InstrumentState* state, WPARAM wParam, LPARAM lParam) {
   bool changed = false;
   switch (LOBYTE(wParam)) {
-    case kCommandRender: RenderAnew(record); break;
-    case kCommandReset: ResetBlock(record); break;
-    case kCommandStyle: changed = ExchangeStyle(record, wParam, lParam); break;
-    case kCommandBlock: changed = ExchangeBlock(record, wParam, lParam); break;
-    case kCommandValue: changed = ExchangeValue(record, wParam, lParam); break;
-    case kCommandTime: changed = ExchangeTime(record, wParam, lParam); break;
-    case kCommandZone: changed = ExchangeZone(record, wParam, lParam); break;
+    case kCommandRender: RenderAnew(state); break;
+    case kCommandReset: ResetBlock(state); break;
+    case kCommandStyle: changed = ExchangeStyle(state, wParam, lParam); break;
+    case kCommandBlock: changed = ExchangeBlock(state, wParam, lParam); break;
+    case kCommandValue: changed = ExchangeValue(state, wParam, lParam); break;
+    case kCommandTime: changed = ExchangeTime(state, wParam, lParam); break;
+    case kCommandZone: changed = ExchangeZone(state, wParam, lParam); break;
   }
   if (!changed) return 0;
   NotifyValueChanged(window);  // whoever listens may destroy the control
-  record = WindowRecord<InstrumentRecord>(window);
-  if (record && (wParam & kCommandRedraw)) {
-    ShowNow(record);
+  state = WindowState<InstrumentState>(window);
+  if (state && (wParam & kCommandRedraw)) {
+    ShowNow(state);
   } else {
     InvalidateRect(window, nullptr, FALSE);
   }
@@ -305,145 +305,145 @@ LRESULT OnCommand(HWND window, InstrumentRecord* record, WPARAM wParam, LPARAM l
 
 // ---- For screen readers ---------------------------------------------------------------------------------------------
 
-FixedText SpokenValue(const InstrumentRecord& record) {
-  const InstrumentReading reading = ReadingOf(record.block);
+FixedText SpokenValue(const InstrumentState& state) {
+  const InstrumentReading reading = ReadingOf(state.block);
   if (!reading.valid) return {};
-  const int places = record.block.format & kFormatPlaces;
-  const FixedText unit = DecodedUnit(record.block);
-  switch (ModeOf(record)) {
+  const int places = state.block.format & kFormatPlaces;
+  const FixedText unit = DecodedUnit(state.block);
+  switch (ModeOf(state)) {
     case kModeCompass: return HeadingText(reading.value, places) + unit;
     case kModeDigital:
-      if (record.dwStyle & (kInstrumentShowTime | kInstrumentShowDate | kInstrumentShowAngle)) {
-        InstrumentRecord shown = record;
+      if (state.dwStyle & (kInstrumentShowTime | kInstrumentShowDate | kInstrumentShowAngle)) {
+        InstrumentState shown = state;
         StoreShownText(&shown);
-        return ReadableDigits(shown.szText, record.dwStyle);
+        return ReadableDigits(shown.szText, state.dwStyle);
       }
       [[fallthrough]];
-    default: return PlainNumber(reading.value, places, (record.block.format & kFormatSign) != 0) + L" " + unit;
+    default: return PlainNumber(reading.value, places, (state.block.format & kFormatSign) != 0) + L" " + unit;
   }
 }
 
 AccessibleText Describe(HWND window) {
-  const auto* record = WindowRecord<InstrumentRecord>(window);
-  if (!record) return {};
-  return {std::wstring(DecodedName(record->block).view()), std::wstring(SpokenValue(*record).view())};
+  const auto* state = WindowState<InstrumentState>(window);
+  if (!state) return {};
+  return {std::wstring(DecodedName(state->block).view()), std::wstring(SpokenValue(*state).view())};
 }
 
 // ---- Message handlers -----------------------------------------------------------------------------------------------
 
-LRESULT OnCreate(HWND window, InstrumentRecord* record) {
-  if (record) return 0;  // created already
-  record = CreateWindowRecord<InstrumentRecord>(window);
-  if (!record) return kNoRecord;
-  record->hInstance = reinterpret_cast<HINSTANCE>(GetWindowLongA(window, GWL_HINSTANCE));
-  record->hWnd = window;
-  record->hParent = GetParent(window);
-  record->nId = GetWindowLongA(window, GWL_ID);
-  record->dwStyle = static_cast<DWORD>(GetWindowLongA(window, GWL_STYLE));
-  GetLocalTime(&record->time);
-  GetWindowTextA(window, record->szText, sizeof(record->szText));
-  SetBlock(record, DefaultBlock(kAtCreation, ModeOf(*record), record->szText));
-  MakeBuffers(record);
+LRESULT OnCreate(HWND window, InstrumentState* state) {
+  if (state) return 0;  // created already
+  state = CreateWindowState<InstrumentState>(window);
+  if (!state) return kNoState;
+  state->hInstance = reinterpret_cast<HINSTANCE>(GetWindowLongA(window, GWL_HINSTANCE));
+  state->hWnd = window;
+  state->hParent = GetParent(window);
+  state->nId = GetWindowLongA(window, GWL_ID);
+  state->dwStyle = static_cast<DWORD>(GetWindowLongA(window, GWL_STYLE));
+  GetLocalTime(&state->time);
+  GetWindowTextA(window, state->szText, sizeof(state->szText));
+  SetBlock(state, DefaultBlock(kAtCreation, ModeOf(*state), state->szText));
+  MakeBuffers(state);
   DragAcceptFiles(window, TRUE);
   return 0;
 }
 
-LRESULT OnDestroy(HWND window, InstrumentRecord* record) {
+LRESULT OnDestroy(HWND window, InstrumentState* state) {
   KillTimer(window, kGlideTimer);
-  delete record->work.cache;
-  DestroyWindowRecord(window, record);
+  delete state->work.cache;
+  DestroyWindowState(window, state);
   return 0;
 }
 
-LRESULT OnSize(InstrumentRecord* record) {
-  MakeBuffers(record);
-  RepaintNow(record->hWnd);
+LRESULT OnSize(InstrumentState* state) {
+  MakeBuffers(state);
+  RepaintNow(state->hWnd);
   return 0;
 }
 
-LRESULT OnEnable(InstrumentRecord* record, bool enabled) {
-  SetStyle(record, enabled ? record->dwStyle & ~kInstrumentDisabled : record->dwStyle | kInstrumentDisabled);
-  RepaintNow(record->hWnd);
+LRESULT OnEnable(InstrumentState* state, bool enabled) {
+  SetStyle(state, enabled ? state->dwStyle & ~kInstrumentDisabled : state->dwStyle | kInstrumentDisabled);
+  RepaintNow(state->hWnd);
   return 0;
 }
 
-LRESULT OnSetText(InstrumentRecord* record, const char* text) {
-  if (IsBadStringPtrA(text, sizeof(record->szText))) return 0;
-  lstrcpynA(record->szText, text, sizeof(record->szText));
-  if (ModeOf(*record) == kModeCompass) lstrcpynA(record->block.szName, text, sizeof(record->block.szName));
-  record->bRedraw = TRUE;
-  RepaintNow(record->hWnd);
+LRESULT OnSetText(InstrumentState* state, const char* text) {
+  if (IsBadStringPtrA(text, sizeof(state->szText))) return 0;
+  lstrcpynA(state->szText, text, sizeof(state->szText));
+  if (ModeOf(*state) == kModeCompass) lstrcpynA(state->block.szName, text, sizeof(state->block.szName));
+  state->bRedraw = TRUE;
+  RepaintNow(state->hWnd);
   return 0;
 }
 
-LRESULT OnPaint(HWND window, InstrumentRecord* record) {
+LRESULT OnPaint(HWND window, InstrumentState* state) {
   // Before the paint begins: it then shows what this invalidates as well.
-  if (record) EnsureRendered(record);
+  if (state) EnsureRendered(state);
   const PaintScope paint(window);
-  record = WindowRecord<InstrumentRecord>(window);  // the messages of its beginning may have ended the control
-  if (!record) return kNoRecord;
-  if (!record->hBuffer) return 0;
+  state = WindowState<InstrumentState>(window);  // the messages of its beginning may have ended the control
+  if (!state) return kNoState;
+  if (!state->hBuffer) return 0;
   const SIZE client = ClientSize(window);
   HDC source = InstrumentTools()->dc;
-  const SelectedObject selected(source, record->hBuffer);
+  const SelectedObject selected(source, state->hBuffer);
   SetStretchBltMode(paint.dc(), COLORONCOLOR);
-  StretchBlt(paint.dc(), 0, 0, client.cx, client.cy, source, 0, 0, record->nWidth, record->nHeight, SRCCOPY);
+  StretchBlt(paint.dc(), 0, 0, client.cx, client.cy, source, 0, 0, state->nWidth, state->nHeight, SRCCOPY);
   return 0;
 }
 
 // An exact glide goes on within the block's step, and from where no more is to be seen of it to the target itself.
-GlideStep NextStep(const InstrumentRecord& record) {
-  if (!record.work.bExact) return NextGlideStep(record.block, record.target);
-  InstrumentBlock fine = record.block;
+GlideStep NextStep(const InstrumentState& state) {
+  if (!state.work.bExact) return NextGlideStep(state.block, state.target);
+  InstrumentBlock fine = state.block;
   fine.step = std::min(std::fabs(fine.step), std::fabs(fine.maximum - fine.minimum) / 10000);
-  const GlideStep step = NextGlideStep(fine, record.target);
-  return step.moving || fine.current == record.target ? step : GlideStep{record.target, true};
+  const GlideStep step = NextGlideStep(fine, state.target);
+  return step.moving || fine.current == state.target ? step : GlideStep{state.target, true};
 }
 
-LRESULT OnTimer(InstrumentRecord* record, WPARAM timer) {
+LRESULT OnTimer(InstrumentState* state, WPARAM timer) {
   if (timer != kGlideTimer) return 0;
-  const GlideStep step = NextStep(*record);
+  const GlideStep step = NextStep(*state);
   if (step.moving) {
-    record->block.current = step.current;
-    record->bRedraw = TRUE;
-    ShowNow(record);
-  } else if (record->nCountdown == 0) {
-    KillTimer(record->hWnd, kGlideTimer);
-    record->bGliding = FALSE;
-    NotifyValueChanged(record->hWnd);
+    state->block.current = step.current;
+    state->bRedraw = TRUE;
+    ShowNow(state);
+  } else if (state->nCountdown == 0) {
+    KillTimer(state->hWnd, kGlideTimer);
+    state->bGliding = FALSE;
+    NotifyValueChanged(state->hWnd);
   } else {
-    --record->nCountdown;
+    --state->nCountdown;
   }
   return 0;
 }
 
-LRESULT CopyToClipboard(InstrumentRecord* record, LPARAM requested) {
-  EnsureRendered(record);
-  if (!record->hBuffer) return 0;
-  const SIZE own{record->nWidth, record->nHeight};
+LRESULT CopyToClipboard(InstrumentState* state, LPARAM requested) {
+  EnsureRendered(state);
+  if (!state->hBuffer) return 0;
+  const SIZE own{state->nWidth, state->nHeight};
   const SIZE size = RequestedPictureSize(requested, own, kInstrumentMinCopySize, kInstrumentMaxCopySize);
-  CopyBitmapToClipboard(record->hWnd, record->hBuffer, own, size);
+  CopyBitmapToClipboard(state->hWnd, state->hBuffer, own, size);
   return 0;
 }
 
 // ---- Window procedure -----------------------------------------------------------------------------------------------
 
 LRESULT CALLBACK InstrumentProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  auto* record = WindowRecord<InstrumentRecord>(window);
+  auto* state = WindowState<InstrumentState>(window);
   switch (message) {
-    case WM_CREATE: return OnCreate(window, record);
-    case WM_DESTROY: return record ? OnDestroy(window, record) : kNoRecord;
-    case WM_SIZE: return record ? OnSize(record) : kNoRecord;
-    case WM_ENABLE: return record ? OnEnable(record, wParam != 0) : kNoRecord;
-    case WM_SETTEXT: return record ? OnSetText(record, reinterpret_cast<const char*>(lParam)) : kNoRecord;
-    case WM_PAINT: return OnPaint(window, record);
-    case WM_TIMER: return record ? OnTimer(record, wParam) : kNoRecord;
-    case WM_LBUTTONDBLCLK: return record ? CopyToClipboard(record, 0) : kNoRecord;
-    case WM_COPY: return record ? CopyToClipboard(record, lParam) : kNoRecord;
+    case WM_CREATE: return OnCreate(window, state);
+    case WM_DESTROY: return state ? OnDestroy(window, state) : kNoState;
+    case WM_SIZE: return state ? OnSize(state) : kNoState;
+    case WM_ENABLE: return state ? OnEnable(state, wParam != 0) : kNoState;
+    case WM_SETTEXT: return state ? OnSetText(state, reinterpret_cast<const char*>(lParam)) : kNoState;
+    case WM_PAINT: return OnPaint(window, state);
+    case WM_TIMER: return state ? OnTimer(state, wParam) : kNoState;
+    case WM_LBUTTONDBLCLK: return state ? CopyToClipboard(state, 0) : kNoState;
+    case WM_COPY: return state ? CopyToClipboard(state, lParam) : kNoState;
     case WM_DROPFILES: return SendMessageA(GetParent(window), message, wParam, lParam);
     case WM_GETOBJECT: return AnswerGetObject(window, wParam, lParam, ROLE_SYSTEM_INDICATOR, Describe);
-    case WM_SYSCOLORCHANGE: return record ? OnCommand(window, record, kCommandRender, 0) : kNoRecord;
-    case kControlCommand: return record ? OnCommand(window, record, wParam, lParam) : kNoRecord;
+    case WM_SYSCOLORCHANGE: return state ? OnCommand(window, state, kCommandRender, 0) : kNoState;
+    case kControlCommand: return state ? OnCommand(window, state, wParam, lParam) : kNoState;
     default: return DefWindowProcA(window, message, wParam, lParam);
   }
 }

@@ -23,7 +23,7 @@ struct InstrumentWork {
   BYTE free[3516];
 };
 
-struct InstrumentRecord {
+struct InstrumentState {
   HGLOBAL hMemory;  // of this record
   HINSTANCE hInstance;
   HWND hWnd, hParent;
@@ -40,14 +40,14 @@ struct InstrumentRecord {
   char szText[256];  // last WM_SETTEXT; the digital readout stores what it shows in the first 32 bytes
   InstrumentWork work;
 };
-static_assert(sizeof(InstrumentRecord) == 4936);
-static_assert(offsetof(InstrumentRecord, hInstance) == 4 && offsetof(InstrumentRecord, hWnd) == 8 &&
-              offsetof(InstrumentRecord, hParent) == 12 && offsetof(InstrumentRecord, nId) == 16 &&
-              offsetof(InstrumentRecord, dwStyle) == 20 && offsetof(InstrumentRecord, bRedraw) == 24 &&
-              offsetof(InstrumentRecord, bGliding) == 28 && offsetof(InstrumentRecord, nCountdown) == 32 &&
-              offsetof(InstrumentRecord, nWidth) == 36 && offsetof(InstrumentRecord, hBuffer) == 44 &&
-              offsetof(InstrumentRecord, block) == 48 && offsetof(InstrumentRecord, target) == 560 &&
-              offsetof(InstrumentRecord, time) == 564 && offsetof(InstrumentRecord, szText) == 580 &&
-              offsetof(InstrumentRecord, work) == 836);
+static_assert(sizeof(InstrumentState) == 4936);
+static_assert(offsetof(InstrumentState, hInstance) == 4 && offsetof(InstrumentState, hWnd) == 8 &&
+              offsetof(InstrumentState, hParent) == 12 && offsetof(InstrumentState, nId) == 16 &&
+              offsetof(InstrumentState, dwStyle) == 20 && offsetof(InstrumentState, bRedraw) == 24 &&
+              offsetof(InstrumentState, bGliding) == 28 && offsetof(InstrumentState, nCountdown) == 32 &&
+              offsetof(InstrumentState, nWidth) == 36 && offsetof(InstrumentState, hBuffer) == 44 &&
+              offsetof(InstrumentState, block) == 48 && offsetof(InstrumentState, target) == 560 &&
+              offsetof(InstrumentState, time) == 564 && offsetof(InstrumentState, szText) == 580 &&
+              offsetof(InstrumentState, work) == 836);
 
 }  // namespace kv

@@ -21,7 +21,7 @@ struct StripChart {
   bool dragged = false;  // since the button went down
 };
 
-struct StripRecord {
+struct StripState {
   HGLOBAL hMemory;  // of this record
   StripChart* chart;
 };

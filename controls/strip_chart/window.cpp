@@ -35,7 +35,7 @@ void RefreshStrip(StripChart& chart) {
 namespace {
 
 constexpr UINT_PTR kShowTimer = 5;
-constexpr LRESULT kNoRecord = 1;
+constexpr LRESULT kNoState = 1;
 constexpr double kKeyPan = 0.1, kKeyZoom = 2, kWheelZoom = 1.25;
 
 bool IsDown(int key) {
@@ -43,8 +43,8 @@ bool IsDown(int key) {
 }
 
 StripChart* ChartOf(HWND window) {
-  auto* record = WindowRecord<StripRecord>(window);
-  return record ? record->chart : nullptr;
+  auto* state = WindowState<StripState>(window);
+  return state ? state->chart : nullptr;
 }
 
 // The user has changed something: shows it and tells the owner.
@@ -81,12 +81,12 @@ AccessibleText Describe(HWND window) {
 // ---- Life and painting ----------------------------------------------------------------------------------------------
 
 LRESULT OnCreate(HWND window) {
-  auto* record = CreateWindowRecord<StripRecord>(window);
-  if (!record) return kNoRecord;
-  record->chart = new (std::nothrow) StripChart;
-  if (!record->chart) return kNoRecord;
-  record->chart->window = window;
-  record->chart->model.style = static_cast<DWORD>(GetWindowLongA(window, GWL_STYLE));
+  auto* state = CreateWindowState<StripState>(window);
+  if (!state) return kNoState;
+  state->chart = new (std::nothrow) StripChart;
+  if (!state->chart) return kNoState;
+  state->chart->window = window;
+  state->chart->model.style = static_cast<DWORD>(GetWindowLongA(window, GWL_STYLE));
   // Time runs from left to right everywhere.
   SetWindowLongA(window, GWL_EXSTYLE, GetWindowLongA(window, GWL_EXSTYLE) & ~WS_EX_LAYOUTRTL);
   DragAcceptFiles(window, TRUE);
@@ -94,12 +94,12 @@ LRESULT OnCreate(HWND window) {
 }
 
 LRESULT OnDestroy(HWND window) {
-  auto* record = WindowRecord<StripRecord>(window);
-  if (!record) return kNoRecord;
+  auto* state = WindowState<StripState>(window);
+  if (!state) return kNoState;
   KillTimer(window, kShowTimer);
   if (GetCapture() == window) ReleaseCapture();
-  delete record->chart;
-  DestroyWindowRecord(window, record);
+  delete state->chart;
+  DestroyWindowState(window, state);
   return 0;
 }
 
@@ -115,7 +115,7 @@ LRESULT OnPaint(HWND window, StripChart* chart) {
   // Before the paint begins: it then shows what this invalidates as well.
   if (chart) RefreshStrip(*chart);
   const PaintScope paint(window);
-  return chart ? ShowOn(paint.dc(), *chart, GetFocus() == window) : kNoRecord;
+  return chart ? ShowOn(paint.dc(), *chart, GetFocus() == window) : kNoState;
 }
 
 LRESULT OnPrint(StripChart& chart, HDC dc) {
@@ -182,7 +182,7 @@ LRESULT OnButtonDown(HWND window, LONG x, bool shift) {
   SetFocus(window);
   SetCapture(window);
   StripChart* const found = ChartOf(window);  // whoever lost the focus may have destroyed the control
-  if (!found) return kNoRecord;
+  if (!found) return kNoState;
   StripChart& chart = *found;
   chart.drag = shift ? StripChart::Drag::kMark : StripChart::Drag::kPan;
   chart.dragX = x;

@@ -133,7 +133,7 @@ void ShowFile(HWND page, const wchar_t* path) {
 }
 
 void ShowKmlFile(HWND page) {
-  const auto* state = kv::WindowRecord<kv::FlightTrackViewState>(ViewOf(page));
+  const auto* state = kv::WindowState<kv::FlightTrackViewState>(ViewOf(page));
   if (state) ShowFile(page, state->szKmlPath);
 }
 

@@ -205,7 +205,7 @@ LRESULT OnMouseMove(MeshView* view, POINT point) {
 
 LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_CREATE) SetWindowLongA(window, GWL_USERDATA, reinterpret_cast<LONG>(new MeshView));
-  auto* view = kv::WindowRecord<MeshView>(window);
+  auto* view = kv::WindowState<MeshView>(window);
   if (!view) return DefWindowProcA(window, message, wParam, lParam);
   const POINT point{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
   switch (message) {
@@ -242,7 +242,7 @@ void RunMeshView(HWND view, BOOL run) {
 }
 
 BOOL GetMeshViewFigures(HWND view, MeshViewFigures* figures) {
-  const auto* record = kv::WindowRecord<MeshView>(view);
+  const auto* record = kv::WindowState<MeshView>(view);
   if (!record || IsBadWritePtr(figures, sizeof(*figures))) return FALSE;
   *figures = record->figures;
   return TRUE;

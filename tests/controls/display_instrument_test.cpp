@@ -63,7 +63,7 @@ TEST_F(DisplayInstrument, ExchangesStayWithinTheOwnersMemory) {
     EXPECT_EQ('\xEE', *shortOne.as<char>());
     exact.MakeReadOnly();
     EXPECT_EQ(0, Send(control, code | kCommandRead, exact.data()));
-    const InstrumentRecord before = Record(control);
+    const InstrumentState before = Record(control);
     EXPECT_EQ(0, Send(control, code | kCommandRedraw, shortOne.data()));
     EXPECT_EQ(0, Send(control, code | kCommandRedraw, nullptr));
     if (code == kCommandValue) break;  // says "no value" by it
@@ -189,14 +189,14 @@ TEST_F(DisplayInstrument, CopiesItsPictureInOwnOrWantedSize) {
 
 TEST_F(DisplayInstrument, WithoutARecordEveryMessageReturnsOne) {
   HWND control = Create(kModeGauge);
-  const LONG record = SetWindowLongA(control, GWL_USERDATA, 0);
+  const LONG state = SetWindowLongA(control, GWL_USERDATA, 0);
   InvalidateRect(control, nullptr, TRUE);
   for (const UINT message : {UINT{WM_SIZE}, UINT{WM_ENABLE}, UINT{WM_SETTEXT}, UINT{WM_TIMER}, UINT{WM_COPY},
                              UINT{WM_LBUTTONDBLCLK}, UINT{WM_PAINT}, kControlCommand}) {
     EXPECT_EQ(1, SendMessageA(control, message, 5, 0)) << message;
   }
   EXPECT_FALSE(GetUpdateRect(control, nullptr, FALSE));
-  SetWindowLongA(control, GWL_USERDATA, record);
+  SetWindowLongA(control, GWL_USERDATA, state);
   const HGLOBAL memory = Record(control).hMemory;
   EXPECT_EQ(0, SendMessageA(control, WM_CREATE, 0, 0));
   EXPECT_EQ(memory, Record(control).hMemory);  // not a second record
@@ -234,7 +234,7 @@ TEST_F(DisplayInstrument, ScreenReadersHearNameAndValue) {
 void DestroyAndOverwrite(HWND control) {
   DestroyWindow(control);
   for (int i = 0; i < 20; ++i) {
-    memset(GlobalLock(GlobalAlloc(GHND, sizeof(InstrumentRecord))), 0xEE, sizeof(InstrumentRecord));
+    memset(GlobalLock(GlobalAlloc(GHND, sizeof(InstrumentState))), 0xEE, sizeof(InstrumentState));
   }
 }
 void CALLBACK OnValueChange(HWINEVENTHOOK, DWORD, HWND control, LONG, LONG, DWORD, DWORD) {

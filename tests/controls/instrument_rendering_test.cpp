@@ -77,9 +77,9 @@ TEST_F(InstrumentPictures, NewColoursOfTheSystemShowAtTheNextPaint) {
 
 // A hash of what the control has rendered, whether it is visible or not.
 DWORD PictureOf(HWND control) {
-  const InstrumentRecord& record = Record(control);
+  const InstrumentState& state = Record(control);
   GdiFlush();
-  return HashOf(record.work.cache->buffer.Row(0), sizeof(DWORD) * record.nWidth * record.nHeight);
+  return HashOf(state.work.cache->buffer.Row(0), sizeof(DWORD) * state.nWidth * state.nHeight);
 }
 
 // Sends several controls the same message, a random one of those that change what they show.

@@ -37,8 +37,8 @@ inline void SetValue(HWND control, float value, WPARAM flags = kCommandRedraw) {
   Send(control, kCommandValue | flags, &value);
 }
 
-inline InstrumentRecord& Record(HWND control) {
-  return *WindowRecord<InstrumentRecord>(control);
+inline InstrumentState& Record(HWND control) {
+  return *WindowState<InstrumentState>(control);
 }
 
 inline DWORD Renderings(HWND control) {

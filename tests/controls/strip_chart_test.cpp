@@ -186,7 +186,7 @@ class StripCharts : public kvtest::ControlTest<RegisterLineRecorderClass> {
     const StripSamples item{static_cast<DWORD>(samples.size()), samples.data()};
     return Send(chart, kStripAppend | kCommandRedraw, &item, channel);
   }
-  static StripModel& Model(HWND chart) { return WindowRecord<StripRecord>(chart)->chart->model; }
+  static StripModel& Model(HWND chart) { return WindowState<StripState>(chart)->chart->model; }
   int Notified(WORD code) {
     kvtest::PumpMessages();
     return static_cast<int>(std::ranges::count_if(parent_.seen(), [&](const kvtest::SeenMessage& seen) {
@@ -318,7 +318,7 @@ TEST_F(StripCharts, KeysAndMouseZoomPanMarkAndTellTheOwner) {
   EXPECT_EQ(8, Notified(kStripNotifyView));
 
   UpdateWindow(chart);
-  const LONG left = WindowRecord<StripRecord>(chart)->chart->picture.layoutShown().plot.left;
+  const LONG left = WindowState<StripState>(chart)->chart->picture.layoutShown().plot.left;
   SendMessageA(chart, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(left + 50, 50));
   SendMessageA(chart, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(left + 100, 50));
   SendMessageA(chart, WM_LBUTTONUP, 0, MAKELPARAM(left + 100, 50));
@@ -328,7 +328,7 @@ TEST_F(StripCharts, KeysAndMouseZoomPanMarkAndTellTheOwner) {
   SendMessageA(chart, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(left + 50, 50));
   SendMessageA(chart, WM_LBUTTONUP, 0, MAKELPARAM(left + 50, 50));
   const StripStretch mark = Read<StripStretch>(chart, kStripMark);
-  EXPECT_NEAR(50 * WindowRecord<StripRecord>(chart)->chart->picture.layoutShown().secondsPerColumn, mark.to - mark.from,
+  EXPECT_NEAR(50 * WindowState<StripState>(chart)->chart->picture.layoutShown().secondsPerColumn, mark.to - mark.from,
               1e-9);
   EXPECT_EQ(1, Notified(kStripNotifyMark));
   SendMessageA(chart, WM_MOUSEMOVE, 0, MAKELPARAM(left + 60, 50));

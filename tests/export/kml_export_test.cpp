@@ -288,7 +288,7 @@ class FlightTrackView : public KmlExport {
   FlightTrackView() {
     RegisterFlightTrackClass(GetModuleHandleA(nullptr), TRUE);
     window = Create();
-    state = WindowRecord<FlightTrackViewState>(window);
+    state = WindowState<FlightTrackViewState>(window);
   }
   ~FlightTrackView() override {
     DeleteFileW(state->szKmlPath);
@@ -347,7 +347,7 @@ TEST_F(FlightTrackView, KeepsOneRecordAndLeavesNoneBehind) {
   const SIZE_T before = makeMany();
   EXPECT_LT(makeMany(), before + 1024 * 1024);
   SendMessageA(window, WM_CREATE, 0, 0);
-  EXPECT_EQ(state, WindowRecord<FlightTrackViewState>(window));
+  EXPECT_EQ(state, WindowState<FlightTrackViewState>(window));
 }
 
 }  // namespace

@@ -167,10 +167,10 @@ TEST_F(ExtendedList, MakesItsSettingsKeyAndRefusesMessagesWithoutARecord) {
   for (UINT message : {WM_LBUTTONUP, WM_DESTROY}) {
     RegDeleteKeyA(HKEY_CURRENT_USER, kExtendedListSettingsPath);
     EXPECT_FALSE(OpenExtendedListSettings());
-    const auto* record = reinterpret_cast<HGLOBAL*>(GetWindowLongA(list_, GWL_USERDATA));
-    const HGLOBAL memory = *record;
+    const auto* state = reinterpret_cast<HGLOBAL*>(GetWindowLongA(list_, GWL_USERDATA));
+    const HGLOBAL memory = *state;
     Send(WM_CREATE);  // a second one must not cost a second record
-    EXPECT_EQ(reinterpret_cast<LONG>(record), GetWindowLongA(list_, GWL_USERDATA));
+    EXPECT_EQ(reinterpret_cast<LONG>(state), GetWindowLongA(list_, GWL_USERDATA));
     Send(message);
     EXPECT_EQ(message == WM_DESTROY, GlobalFlags(memory) == GMEM_INVALID_HANDLE);
     EXPECT_TRUE(OpenExtendedListSettings());
