@@ -98,7 +98,7 @@ void Disconnect(AppContext* context) {
   if (ClosePort(context)) context->nPort = -1;
 }
 
-bool CameraTalksOn(int portNumber, HANDLE hQuitEvent) {
+bool CameraSendsOn(int portNumber, HANDLE hQuitEvent) {
   // One for each port, for good, like the buffers: a read that outlives its wait ends in here.
   static OVERLAPPED transfers[kScannedPorts];
   OVERLAPPED& transfer = transfers[portNumber - kFirstScannedPort];
@@ -117,20 +117,20 @@ bool CameraTalksOn(int portNumber, HANDLE hQuitEvent) {
 // The number of the camera's port, or -1.
 int FindCameraPort(HANDLE hQuitEvent) {
   for (int port = kFirstScannedPort; port <= kLastScannedPort; ++port) {
-    if (CameraTalksOn(port, hQuitEvent)) return port;
+    if (CameraSendsOn(port, hQuitEvent)) return port;
   }
   return -1;
 }
 
 // Reads up to one record; waits as long as it takes, or until the quit event. Returns the bytes read. The read itself
-// resets its event. `mayGoOn` becomes true when the wait has just told that the quit event is not signalled.
-DWORD ReadRecord(HANDLE hPort, HANDLE hQuitEvent, char* buffer, OVERLAPPED* overlapped, bool* mayGoOn) {
+// resets its event. `canContinue` becomes true when the wait has just told that the quit event is not signalled.
+DWORD ReadRecord(HANDLE hPort, HANDLE hQuitEvent, char* buffer, OVERLAPPED* overlapped, bool* canContinue) {
   DWORD read = 0;
   if (ReadFile(hPort, buffer, kRecordLength, &read, overlapped)) return read;
   if (GetLastError() != ERROR_IO_PENDING) return 0;
   const HANDLE waits[] = {hQuitEvent, overlapped->hEvent};
   if (WaitForMultipleObjects(2, waits, FALSE, INFINITE) != WAIT_OBJECT_0 + 1) return 0;
-  *mayGoOn = true;
+  *canContinue = true;
   return GetOverlappedResult(hPort, overlapped, &read, FALSE) ? read : 0;
 }
 
@@ -214,15 +214,15 @@ DWORD WINAPI CameraReaderThread(void* parameter) {
   CameraPoint points[kPointCount];
   for (CameraPoint& point : points) point = {kFieldWidth, kFieldHeight};
   // Quirk: spins while no port is open, so that the first record after a connect is read at once.
-  for (bool mayGoOn = false; mayGoOn || WaitForSingleObject(context->hQuitEvent, 0) == WAIT_TIMEOUT;) {
-    mayGoOn = false;
+  for (bool canContinue = false; canContinue || WaitForSingleObject(context->hQuitEvent, 0) == WAIT_TIMEOUT;) {
+    canContinue = false;
     // Memory may be short at first. Without an event a read could not be waited for, and the next one would start on
     // the same OVERLAPPED.
     if (!overlapped.hEvent) overlapped.hEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
     HANDLE port = context->hPort;
     if (port == INVALID_HANDLE_VALUE || !overlapped.hEvent) continue;
     char buffer[kBufferBytes] = "";
-    const DWORD read = ReadRecord(port, context->hQuitEvent, buffer, &overlapped, &mayGoOn);
+    const DWORD read = ReadRecord(port, context->hQuitEvent, buffer, &overlapped, &canContinue);
     if (read != kRecordLength || !HasRecordShape(buffer)) continue;
     ParseRecord(buffer, points);
     StorePoints(context, points);

@@ -104,11 +104,11 @@ void SetUpToolbar(HWND dialog, AppContext* context) {
   SendMessageA(toolbar, TB_ADDBITMAP, kToolbarImages, reinterpret_cast<LPARAM>(&own));
 }
 
-void SetUpToolTips(HWND dialog, HWND toolbar) {
-  constexpr ToolTipEntry kToolbarTips[] = {{0, nullptr}, {IDM_CONNECT, L"Connect / Disconnect"}};
-  constexpr ToolTipEntry kDialogTips[] = {{IDC_VERSION, WIDE_TEXT(TARNWICK_VERSION_LINE)}};
-  CreateToolTips(modules.resources, toolbar, kToolbarTips, ARRAYSIZE(kToolbarTips));
-  CreateToolTips(modules.resources, dialog, kDialogTips, ARRAYSIZE(kDialogTips));
+void SetUpTooltips(HWND dialog, HWND toolbar) {
+  constexpr TooltipEntry kToolbarTips[] = {{0, nullptr}, {IDM_CONNECT, L"Connect / Disconnect"}};
+  constexpr TooltipEntry kDialogTips[] = {{IDC_VERSION, WIDE_TEXT(TARNWICK_VERSION_LINE)}};
+  CreateTooltips(modules.resources, toolbar, kToolbarTips, ARRAYSIZE(kToolbarTips));
+  CreateTooltips(modules.resources, dialog, kDialogTips, ARRAYSIZE(kDialogTips));
 }
 
 // A status button's text alone does not say what it belongs to: screen readers get the point's marker as its name.
@@ -122,7 +122,7 @@ WNDPROC buttonProcedure = nullptr;
 
 LRESULT CALLBACK StatusButtonProcedure(HWND button, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_GETOBJECT) {
-    return AnswerGetObject(button, wParam, lParam, ROLE_SYSTEM_PUSHBUTTON, DescribeStatusButton);
+    return HandleGetObject(button, wParam, lParam, ROLE_SYSTEM_PUSHBUTTON, DescribeStatusButton);
   }
   return CallWindowProcW(buttonProcedure, button, message, wParam, lParam);
 }
@@ -187,7 +187,7 @@ INT_PTR SetUpMainDialog(HWND dialog, AppContext* context) {
   for (HWND button : context->controls.statusButtons) SetWindowTextW(button, L"---");
   CaptureLayout(dialog, context->layout, kScaledIdFirst, kScaledIdLast);
   SetUpToolbar(dialog, context);
-  SetUpToolTips(dialog, context->controls.toolbar);
+  SetUpTooltips(dialog, context->controls.toolbar);
   SetUpStatusButtons(context->controls);
   StartReader(context);
   SetUpPages(dialog, context);
@@ -222,7 +222,7 @@ INT_PTR OnSize(HWND dialog, AppContext* context, WPARAM kind) {
   return 0;
 }
 
-RECT PlaceInDialog(HWND dialog, HWND control) {
+RECT RectInDialog(HWND dialog, HWND control) {
   RECT place{};
   GetWindowRect(control, &place);
   MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
@@ -231,7 +231,7 @@ RECT PlaceInDialog(HWND dialog, HWND control) {
 
 void ExcludeChild(HDC dc, HWND dialog, HWND control) {
   if (!IsWindowVisible(control)) return;
-  const RECT place = PlaceInDialog(dialog, control);
+  const RECT place = RectInDialog(dialog, control);
   ExcludeClipRect(dc, place.left, place.top, place.right, place.bottom);
 }
 
@@ -248,7 +248,7 @@ INT_PTR OnPaint(HWND dialog, const AppContext* context) {
   const SIZE design{context->layout[0].width, context->layout[0].height};
   PaintMainBackground(paint.dc(), client,
                       ShapeBackground(client, design, ToolbarHeight(controls), StatusHeight(controls),
-                                      PlaceInDialog(dialog, controls.pages)));
+                                      RectInDialog(dialog, controls.pages)));
   RestoreDC(paint.dc(), saved);
   return 1;
 }
@@ -374,11 +374,11 @@ INT_PTR OnTimer(AppContext* context, UINT_PTR timer) {
 
 // The order matters; app/camera_link.h tells why.
 void StopReader(AppContext* context) {
-  constexpr DWORD kPatienceMs = 1000;
+  constexpr DWORD kTimeoutMs = 1000;
   SetEvent(context->hConnectEvent);
   ClosePort(context);
   SetEvent(context->hQuitEvent);
-  if (WaitForSingleObject(context->hReaderThread, kPatienceMs) == WAIT_TIMEOUT) {
+  if (WaitForSingleObject(context->hReaderThread, kTimeoutMs) == WAIT_TIMEOUT) {
     TerminateThread(context->hReaderThread, 1);
   }
   CloseHandle(context->hReaderThread);

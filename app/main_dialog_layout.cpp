@@ -32,7 +32,7 @@ std::array<int, kStatusPartCount> StatusPartEdges(int clientWidth) {
   return {edge(0.2), edge(0.4), edge(0.6), edge(0.8), clientWidth - 14};
 }
 
-RECT StatusButtonPlace(int index, SIZE client) {
+RECT StatusButtonRect(int index, SIZE client) {
   constexpr int kHeight = 16, kFromBottom = 17;
   const auto edges = StatusPartEdges(client.cx);
   const int left = index == 0 ? 2 : edges[index - 1];
@@ -71,7 +71,7 @@ void LayOutStatusBar(const MainControls& controls, SIZE client) {
   auto edges = StatusPartEdges(client.cx);
   SendMessageA(controls.statusBar, SB_SETPARTS, kStatusPartCount, reinterpret_cast<LPARAM>(edges.data()));
   for (int i = 0; i < kStatusPartCount; ++i) {
-    const RECT place = StatusButtonPlace(i, client);
+    const RECT place = StatusButtonRect(i, client);
     MoveWindow(controls.statusButtons[i], place.left, place.top, place.right - place.left, place.bottom - place.top,
                TRUE);
   }

@@ -20,7 +20,7 @@ inline constexpr int kMinWidth = 412, kMinHeight = 412;  // of the whole window
 std::array<int, kStatusPartCount> StatusPartEdges(int clientWidth);
 
 // Where status button `index` (0..4) lies over its part of the status bar.
-RECT StatusButtonPlace(int index, SIZE client);
+RECT StatusButtonRect(int index, SIZE client);
 
 // What the painted background is made of.
 inline constexpr int kBlendSteps = 8;

@@ -227,17 +227,17 @@ LRESULT OnPaintWithoutState(HWND window) {
 }
 
 LRESULT OnCopy(ChartState* state, LPARAM requestedSize) {
-  const SIZE size = RequestedPictureSize(requestedSize, ClientSize(state->hWnd), kMinCopySize, kMaxCopySize);
-  OwnedBitmap picture(CreateWindowBitmap(state->hWnd, size));
-  if (!picture) return 0;
+  const SIZE size = RequestedCopySize(requestedSize, ClientSize(state->hWnd), kMinCopySize, kMaxCopySize);
+  OwnedBitmap bitmap(CreateWindowBitmap(state->hWnd, size));
+  if (!bitmap) return 0;
   const WindowDc window(state->hWnd);
   const MemoryDc memory(window);
   {
-    const SelectedObject selected(memory, picture);
+    const SelectedObject selected(memory, bitmap);
     UseCameraCoordinates(memory, size);
     RenderChart(memory, state->points);
   }
-  PutBitmapOnClipboard(state->hWnd, picture.Release());
+  PutBitmapOnClipboard(state->hWnd, bitmap.Release());
   return 0;
 }
 
@@ -327,7 +327,7 @@ LRESULT CALLBACK ChartProcedure(HWND window, UINT message, WPARAM wParam, LPARAM
     case WM_SETFOCUS:
     case WM_KILLFOCUS: return OnFocus(window, message, wParam);
     case WM_GETDLGCODE: return DLGC_STATIC;
-    case WM_GETOBJECT: return AnswerGetObject(window, wParam, lParam, ROLE_SYSTEM_CHART, Describe);
+    case WM_GETOBJECT: return HandleGetObject(window, wParam, lParam, ROLE_SYSTEM_CHART, Describe);
     case WM_DROPFILES: return SendMessageA(GetParent(window), message, wParam, lParam);
     case WM_COMMAND:
     case WM_MOUSEMOVE:

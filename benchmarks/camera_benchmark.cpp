@@ -93,16 +93,16 @@ int MeasureLatency(int count) {
   knock.join();
   if (!connected) return std::puts("latency: not connected"), 1;
   Sleep(500);
-  constexpr kv::CameraPoint kPlaces[] = {{200, 300}, {800, 500}};
+  constexpr kv::CameraPoint kPoints[] = {{200, 300}, {800, 500}};
   std::vector<double> delays;
   for (int i = 0; i < count; ++i) {
-    const kv::CameraPoint place = kPlaces[i % 2];
-    const kv::CameraPoint points[kv::kPointCount] = {place, {1, 1}, {1023, 1023}, {1023, 1023}};
+    const kv::CameraPoint point = kPoints[i % 2];
+    const kv::CameraPoint points[kv::kPointCount] = {point, {1, 1}, {1023, 1023}, {1023, 1023}};
     // Not in step with the tool's timer.
     Sleep(70 + (i * 37) % 50);
     camera.SendRecord(points);
     const double start = Now();
-    while (tool.ChartPixel(place) == RGB(0, 0, 0) && Now() - start < 2) {
+    while (tool.ChartPixel(point) == RGB(0, 0, 0) && Now() - start < 2) {
     }
     delays.push_back((Now() - start) * 1000);
   }

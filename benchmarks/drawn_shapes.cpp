@@ -22,10 +22,10 @@
 
 namespace {
 
-void PrintFigures(const kv::GlyphOutline& glyph) {
-  printf("%d\n", glyph.figures);
-  for (int figure = 0, i = 0; figure < glyph.figures; ++figure) {
-    for (; i < glyph.ends[figure]; ++i) printf("%.9g %.9g ", glyph.points[i].x, glyph.points[i].y);
+void PrintContours(const kv::GlyphOutline& glyph) {
+  printf("%d\n", glyph.contours);
+  for (int contour = 0, i = 0; contour < glyph.contours; ++contour) {
+    for (; i < glyph.ends[contour]; ++i) printf("%.9g %.9g ", glyph.points[i].x, glyph.points[i].y);
     printf("\n");
   }
 }
@@ -45,14 +45,14 @@ void Draw(kv::Canvas& canvas, const std::string& shape, const std::vector<double
   } else if (shape == "glyph" && n.size() == 5) {
     const auto glyph = std::make_unique<kv::GlyphOutline>();
     kv::OutlineOfCharacter(kv::kInstrumentFont, FW_BOLD, static_cast<wchar_t>(n[0]), glyph.get());
-    PrintFigures(*glyph);
+    PrintContours(*glyph);
     kv::FillGlyph(canvas, *glyph, {n[1], n[2]}, 0, n[3], n[4], white);
   } else {
     printf("unknown shape %s\n", shape.c_str());
   }
 }
 
-bool WritePicture(const std::string& line, kv::CoverageShape& room, FILE* to) {
+bool WriteImage(const std::string& line, kv::CoverageShape& coverage, FILE* to) {
   std::istringstream words(line);
   SIZE size{};
   std::string shape;
@@ -62,7 +62,7 @@ bool WritePicture(const std::string& line, kv::CoverageShape& room, FILE* to) {
   kv::Surface surface;
   if (!surface.Create(size)) return false;
   const kv::MemoryDc dc(nullptr);
-  kv::Canvas canvas(dc, surface, room);
+  kv::Canvas canvas(dc, surface, coverage);
   kv::FillArea(canvas, {0, 0, size.cx, size.cy}, RGB(0, 0, 0));
   Draw(canvas, shape, numbers);
   for (LONG y = 0; y < size.cy; ++y) {
@@ -77,10 +77,10 @@ int main(int count, char** arguments) {
   FILE* from = count > 2 ? fopen(arguments[1], "r") : nullptr;
   FILE* to = from ? fopen(arguments[2], "wb") : nullptr;
   if (!to) return 1;
-  const auto room = std::make_unique<kv::CoverageShape>();
+  const auto coverage = std::make_unique<kv::CoverageShape>();
   static char line[1 << 16];
   bool drawn = true;
-  while (drawn && fgets(line, sizeof(line), from)) drawn = WritePicture(line, *room, to);
+  while (drawn && fgets(line, sizeof(line), from)) drawn = WriteImage(line, *coverage, to);
   fclose(from);
   return fclose(to) == 0 && drawn ? 0 : 1;
 }

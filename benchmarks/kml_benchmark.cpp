@@ -17,9 +17,9 @@
 
 // MinGW has two families of formatted output; Visual Studio has the run-time's only.
 #ifdef __MINGW32__
-#define RUN_TIME_FWPRINTF __ms_fwprintf
+#define RUNTIME_FWPRINTF __ms_fwprintf
 #else
-#define RUN_TIME_FWPRINTF fwprintf
+#define RUNTIME_FWPRINTF fwprintf
 #endif
 
 namespace {
@@ -50,7 +50,7 @@ std::vector<kv::FlightTrackPoint> MakeFlight(size_t count, Altitudes altitudes) 
   return points;
 }
 
-void WriteWithRunTime(const wchar_t* path, const kv::FlightTrack& track,
+void WriteWithRuntime(const wchar_t* path, const kv::FlightTrack& track,
                       const std::vector<kv::FlightTrackPoint>& points) {
   using kv::KmlTemplate;
   using kv::KmlTemplateText;
@@ -58,21 +58,21 @@ void WriteWithRunTime(const wchar_t* path, const kv::FlightTrack& track,
   const kv::LocalFrame frame = kv::LocalFrameOf(track);
   kv::GeodeticPosition previous = kv::PositionFromLocal(frame, points[0].dX, points[0].dY);
   double altitude = points[0].dAltitude;
-  RUN_TIME_FWPRINTF(file, KmlTemplateText(KmlTemplate::kHeader), previous.longitude, previous.latitude, 0.0, 0.0, 0.0,
-                    0.0);
-  RUN_TIME_FWPRINTF(file, KmlTemplateText(KmlTemplate::kTrackHead), 0xFF00FF00ul, 5l, 0xC02FFF2Ful, 0l, 1l);
+  RUNTIME_FWPRINTF(file, KmlTemplateText(KmlTemplate::kHeader), previous.longitude, previous.latitude, 0.0, 0.0, 0.0,
+                   0.0);
+  RUNTIME_FWPRINTF(file, KmlTemplateText(KmlTemplate::kTrackHead), 0xFF00FF00ul, 5l, 0xC02FFF2Ful, 0l, 1l);
   const wchar_t* line = L"    %.10f,%.10f,%.1f\n";
   for (const auto& point : points) {
     const kv::GeodeticPosition at = kv::PositionFromLocal(frame, point.dX, point.dY);
     if (point.dAltitude != altitude) {
       altitude = point.dAltitude;
-      RUN_TIME_FWPRINTF(file, line, previous.longitude, previous.latitude, altitude);
+      RUNTIME_FWPRINTF(file, line, previous.longitude, previous.latitude, altitude);
     }
-    RUN_TIME_FWPRINTF(file, line, at.longitude, at.latitude, altitude);
+    RUNTIME_FWPRINTF(file, line, at.longitude, at.latitude, altitude);
     previous = at;
   }
-  RUN_TIME_FWPRINTF(file, KmlTemplateText(KmlTemplate::kTrackTail));
-  RUN_TIME_FWPRINTF(file, KmlTemplateText(KmlTemplate::kFooter));
+  RUNTIME_FWPRINTF(file, KmlTemplateText(KmlTemplate::kTrackTail));
+  RUNTIME_FWPRINTF(file, KmlTemplateText(KmlTemplate::kFooter));
   fclose(file);
 }
 
@@ -109,7 +109,7 @@ bool CompareExport(const char* name, size_t count, Altitudes altitudes) {
 
   constexpr wchar_t ours[] = L"kvBenchOurs.kml", theirs[] = L"kvBenchPlain.kml";
   const double ourTime = BestSeconds([&] { kv::WriteTrackKml(ours, track, points, kv::KmlSettings{}); });
-  const double plainTime = BestSeconds([&] { WriteWithRunTime(theirs, track, points); });
+  const double plainTime = BestSeconds([&] { WriteWithRuntime(theirs, track, points); });
   const std::string text = Contents(ours);
   const bool same = text == Contents(theirs);
 

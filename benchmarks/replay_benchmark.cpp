@@ -53,30 +53,30 @@ std::vector<Moment> MakeRecording(const std::string& path, double seconds) {
   return moments;
 }
 
-std::vector<Moment> Hear(HANDLE port, size_t count) {
+std::vector<Moment> Receive(HANDLE port, size_t count) {
   std::vector<Moment> moments;
   camera::PortReader reader(port);
   std::string bytes;
   double seconds = 0;
   // Patient until the player has come up.
-  DWORD patienceMs = 20000;
+  DWORD timeoutMs = 20000;
   while (moments.size() < count &&
-         reader.Read(patienceMs, nullptr, &bytes, &seconds) == camera::PortReader::Outcome::kBytes) {
+         reader.Read(timeoutMs, nullptr, &bytes, &seconds) == camera::PortReader::Outcome::kBytes) {
     for (const char byte : bytes) moments.push_back({seconds, byte});
-    patienceMs = kQuietMs;
+    timeoutMs = kQuietMs;
   }
   return moments;
 }
 
-int Compare(const std::vector<Moment>& sent, const std::vector<Moment>& heard) {
+int Compare(const std::vector<Moment>& sent, const std::vector<Moment>& received) {
   const bool isSame =
-      std::ranges::equal(sent, heard, [](const Moment& a, const Moment& b) { return a.byte == b.byte; });
-  std::printf("%zu bytes sent, %zu heard, %s\n", sent.size(), heard.size(), isSame ? "the same" : "NOT THE SAME");
+      std::ranges::equal(sent, received, [](const Moment& a, const Moment& b) { return a.byte == b.byte; });
+  std::printf("%zu bytes sent, %zu heard, %s\n", sent.size(), received.size(), isSame ? "the same" : "NOT THE SAME");
   if (!isSame) return 1;
   std::vector<double> errorsMs;
   for (size_t i = 1; i < sent.size(); ++i) {
     const double pause = sent[i].seconds - sent[i - 1].seconds;
-    if (pause > 0) errorsMs.push_back(std::fabs(heard[i].seconds - heard[i - 1].seconds - pause) * 1000);
+    if (pause > 0) errorsMs.push_back(std::fabs(received[i].seconds - received[i - 1].seconds - pause) * 1000);
   }
   std::ranges::sort(errorsMs);
   const auto at = [&](double share) {
@@ -102,9 +102,9 @@ int main(int argc, char** argv) {
   if (camera::OpenPort(kPort, camera::FindPortHolders(), &port).state != camera::PortState::kOpened) return 1;
   const kvtest::RunningProgram player(KV_CAMTOOL_EXE,
                                       camera::Wide(camera::Format("replay \"%s\" COM%d", path.c_str(), kFarPort)));
-  const std::vector<Moment> heard = Hear(port.handle(), sent.size());
+  const std::vector<Moment> received = Receive(port.handle(), sent.size());
   WaitForSingleObject(player.process(), 10000);
   DeleteFileA(path.c_str());
   timeEndPeriod(1);
-  return Compare(sent, heard);
+  return Compare(sent, received);
 }

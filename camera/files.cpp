@@ -53,7 +53,7 @@ bool IsDeviceName(const std::wstring& path) {
 }
 
 // What speaks against writing the target; "" if nothing does.
-std::string Objection(const std::string& path, bool overwrite, HANDLE source, bool* replaces) {
+std::string TargetError(const std::string& path, bool overwrite, HANDLE source, bool* replaces) {
   const std::string quoted = "\"" + path + "\"";
   const char* const isDevice = " is a device, not a file; choose another name";
   if (IsDeviceName(Wide(path))) return quoted + isDevice;
@@ -85,7 +85,7 @@ bool OpenOutput(const std::string& path, bool overwrite, HANDLE source, OutputFi
     if (IsSameFile(output->file, source)) *error = "standard output is the file that is read";
     return error->empty();
   }
-  *error = Objection(path, overwrite, source, &output->replaces);
+  *error = TargetError(path, overwrite, source, &output->replaces);
   if (!error->empty()) return false;
   output->part = Wide(path + "." + std::to_string(GetCurrentProcessId()) + ".part");
   output->file = CreateFileW(output->part.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
@@ -264,8 +264,8 @@ void CloseRecording(RecordingFile* recording) {
 std::string DescribeDamage(const RecordingFile& recording) {
   const RecordingDecoder& decoder = recording.decoder;
   std::string text;
-  if (decoder.damagedPlaces > 0) {
-    text = "\"" + recording.path + "\" is damaged in " + Counted(decoder.damagedPlaces, "place") + "; " +
+  if (decoder.damageCount > 0) {
+    text = "\"" + recording.path + "\" is damaged in " + Counted(decoder.damageCount, "place") + "; " +
            Counted(decoder.damagedBytes, "byte") + " skipped";
   }
   if (!decoder.hasEnd) {

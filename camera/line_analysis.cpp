@@ -137,7 +137,7 @@ namespace {
 
 constexpr double kReadGap = 0.005;
 constexpr int kReadBytes = 64;
-constexpr double kReadPatience = kv::kReplyTimeoutMs / 1000.0;
+constexpr double kReadTimeout = kv::kReplyTimeoutMs / 1000.0;
 
 struct Read {
   int bytes;
@@ -170,7 +170,7 @@ double DetectionProbability(std::span<const Arrival> arrivals, double from, doub
     if (read.end > to) break;
     all += now - before;
     if (read.bytes > static_cast<int>(kv::kSilentPortBytes)) {
-      found += std::max(0.0, now - std::max(before, read.end - kReadPatience));
+      found += std::max(0.0, now - std::max(before, read.end - kReadTimeout));
     }
     before = now;
   }

@@ -111,7 +111,7 @@ DWORD WINAPI PortScan::RunProbe(void* parameter) {
       TryRates(port.handle(), probe->start + kTryRatesUntil, probe->isStopped, &report);
     port.Close();
   }
-  report.hasAnswered = true;
+  report.isComplete = true;
   probe->isDone = true;
   return 0;
 }

@@ -15,7 +15,7 @@ namespace camera {
 
 struct PortReport {
   int number = 0;
-  bool hasAnswered = false;  // false: not yet; when the scan is over, opening it takes longer than that
+  bool isComplete = false;  // false: not yet; when the scan is over, opening it takes longer than that
   PortStatus port;
   RecordStream stream;
   std::vector<Arrival> arrivals;

@@ -97,10 +97,10 @@ bool SharesPorts() {
 // What the system itself calls an open device; "" when it has no name.
 std::wstring DeviceName(HANDLE device) {
   const auto query = Native<QueryObject>("NtQueryObject");
-  alignas(UNICODE_STRING) char answer[2048];
+  alignas(UNICODE_STRING) char reply[2048];
   ULONG size = 0;
-  if (!query || query(device, kObjectName, answer, sizeof(answer), &size) != 0) return {};
-  const auto* name = reinterpret_cast<const UNICODE_STRING*>(answer);
+  if (!query || query(device, kObjectName, reply, sizeof(reply), &size) != 0) return {};
+  const auto* name = reinterpret_cast<const UNICODE_STRING*>(reply);
   return name->Buffer ? std::wstring(name->Buffer, name->Length / sizeof(wchar_t)) : std::wstring();
 }
 
@@ -265,7 +265,7 @@ PortReader::Outcome PortReader::Read(DWORD waitMs, HANDLE stop, std::string* byt
 
 // ---- Writing -------------------------------------------------------------------------------------------------------
 
-Written WritePort(HANDLE port, const char* bytes, size_t size, DWORD patienceMs) {
+Written WritePort(HANDLE port, const char* bytes, size_t size, DWORD timeoutMs) {
   if (size == 0) return Written::kAll;
   OVERLAPPED overlapped{};
   overlapped.hEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
@@ -274,7 +274,7 @@ Written WritePort(HANDLE port, const char* bytes, size_t size, DWORD patienceMs)
   if (!WriteFile(port, bytes, static_cast<DWORD>(size), nullptr, &overlapped) && GetLastError() != ERROR_IO_PENDING) {
     outcome = Written::kGone;
   } else {
-    const bool done = WaitForSingleObject(overlapped.hEvent, patienceMs) == WAIT_OBJECT_0;
+    const bool done = WaitForSingleObject(overlapped.hEvent, timeoutMs) == WAIT_OBJECT_0;
     if (!done) CancelIo(port);
     if (!GetOverlappedResult(port, &overlapped, &written, TRUE)) {
       outcome = done ? Written::kGone : Written::kLost;

@@ -92,6 +92,6 @@ class PortReader {
 // Writes all bytes. When nothing reads the other end, buffers fill up; the bytes are then lost (kLost), as on a real
 // line, instead of delaying later ones.
 enum class Written { kAll, kLost, kGone };
-Written WritePort(HANDLE port, const char* bytes, size_t size, DWORD patienceMs);
+Written WritePort(HANDLE port, const char* bytes, size_t size, DWORD timeoutMs);
 
 }  // namespace camera

@@ -66,7 +66,7 @@ long long CloseStretch(RecordStream* stream) {
   return isLead ? 0 : bytes;
 }
 
-void TakeRecord(RecordStream* stream, const char* bytes, double seconds, std::vector<FoundRecord>* found) {
+void AddRecord(RecordStream* stream, const char* bytes, double seconds, std::vector<FoundRecord>* found) {
   char text[kv::kRecordLength + 1] = "";
   std::memcpy(text, bytes, kv::kRecordLength);
   // A field that cannot be read (behind a zero byte) keeps its last value, as in Tarnwick.
@@ -115,7 +115,7 @@ void FeedStream(RecordStream* stream, double seconds, std::string_view bytes, st
   while (stream->pending.size() - at >= kv::kRecordLength) {
     const char* here = stream->pending.data() + at;
     if (IsRecord(here)) {
-      TakeRecord(stream, here, secondsAt(at + kv::kRecordLength - 1), found);
+      AddRecord(stream, here, secondsAt(at + kv::kRecordLength - 1), found);
       at += kv::kRecordLength;
     } else {
       SkipByte(&stream->open, *here, secondsAt(at));

@@ -65,7 +65,7 @@ Decoded DecodeHeader(RecordingDecoder* decoder) {
                        static_cast<std::uint32_t>(Get(file, 28, 4))};
     decoder->at = size;
   } else {
-    ++decoder->damagedPlaces;
+    ++decoder->damageCount;
     decoder->damagedBytes += kRecordingHeaderBytes;
     decoder->at = kRecordingHeaderBytes;
   }
@@ -74,13 +74,13 @@ Decoded DecodeHeader(RecordingDecoder* decoder) {
 }
 
 void SkipByte(RecordingDecoder* decoder) {
-  if (!decoder->isSkipping) ++decoder->damagedPlaces;
+  if (!decoder->isSkipping) ++decoder->damageCount;
   decoder->isSkipping = true;
   ++decoder->damagedBytes;
   ++decoder->at;
 }
 
-Decoded TakeChunk(RecordingDecoder* decoder, std::string_view body, std::uint64_t microseconds, Chunk* chunk) {
+Decoded DecodeChunk(RecordingDecoder* decoder, std::string_view body, std::uint64_t microseconds, Chunk* chunk) {
   decoder->isSkipping = false;
   decoder->endTime = microseconds;
   decoder->hasEnd = body.empty();
@@ -147,7 +147,7 @@ Decoded DecodeNext(RecordingDecoder* decoder, Chunk* chunk) {
       continue;
     }
     decoder->at += size + kChunkOverhead;
-    return TakeChunk(decoder, whole.substr(kChunkHead), microseconds, chunk);
+    return DecodeChunk(decoder, whole.substr(kChunkHead), microseconds, chunk);
   }
 }
 

@@ -50,7 +50,7 @@ struct RecordingDecoder {
   bool hasEnd = false;        // the end's chunk has been seen
   std::uint64_t endTime = 0;  // of the last chunk or end, microseconds
   std::uint64_t chunks = 0;
-  std::uint64_t damagedPlaces = 0, damagedBytes = 0;
+  std::uint64_t damageCount = 0, damagedBytes = 0;
   std::string pending;  // what FinishDecoding counts
   size_t at = 0;
   bool isSkipping = false;

@@ -61,7 +61,7 @@ int ExportAll(Exporter* exporter) {
   if (exporter->error.empty()) camera::PublishOutput(&exporter->out, &exporter->error);
   if (exporter->error.empty()) {
     PrintStreamReport(exporter->stream, DescribeDamage(exporter->recording));
-    return exporter->recording.decoder.damagedPlaces > 0 ? kDamaged : kDone;
+    return exporter->recording.decoder.damageCount > 0 ? kDamaged : kDone;
   }
   PrintError(exporter->error);
   return kFailed;

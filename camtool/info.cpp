@@ -102,7 +102,7 @@ void PrintJson(const Facts& facts) {
   std::printf(",\"malformedStretches\":%lld,\"malformedBytes\":%lld,\"oddRecords\":%lld,\"outOfRangeRecords\":%lld",
               stream.malformedStretches, stream.malformedBytes, stream.oddRecords, stream.outOfRange);
   std::printf(",\"damagedPlaces\":%llu,\"damagedBytes\":%llu,\"truncatedBytes\":%zu,\"points\":[",
-              static_cast<unsigned long long>(decoder.damagedPlaces),
+              static_cast<unsigned long long>(decoder.damageCount),
               static_cast<unsigned long long>(decoder.damagedBytes), facts.file.truncatedBytes);
   for (int i = 0; i < kv::kPointCount; ++i) {
     const camera::PointSummary& point = facts.points[i];
@@ -136,7 +136,7 @@ int RunInfo(const std::vector<std::string>& operands) {
     return kFailed;
   }
   settings.json ? PrintJson(facts) : PrintText(facts);
-  return facts.file.decoder.damagedPlaces > 0 ? kDamaged : kDone;
+  return facts.file.decoder.damageCount > 0 ? kDamaged : kDone;
 }
 
 }  // namespace

@@ -78,7 +78,7 @@ std::string DescribeOther(const camera::PortReport& report) {
 
 // One or more lines for a port that exists.
 std::string DescribePort(const camera::PortReport& report) {
-  if (!report.hasAnswered) {
+  if (!report.isComplete) {
     return Line(report.number, "hangs", "opening it takes longer than the scan; its device does not respond");
   }
   switch (report.port.state) {
@@ -108,7 +108,7 @@ std::string DescribePort(const camera::PortReport& report) {
 std::string DescribePorts(std::span<const camera::PortReport> reports, bool all) {
   std::string text;
   const auto isAbsent = [](const camera::PortReport& report) {
-    return report.hasAnswered && report.port.state == camera::PortState::kAbsent;
+    return report.isComplete && report.port.state == camera::PortState::kAbsent;
   };
   for (size_t i = 0; i < reports.size(); ++i) {
     if (all || !isAbsent(reports[i])) {

@@ -19,7 +19,7 @@ namespace camtool {
 namespace {
 
 constexpr DWORD kTurnMs = 100;
-constexpr DWORD kForwardPatienceMs = 20;
+constexpr DWORD kForwardTimeoutMs = 20;
 
 struct Settings {
   double seconds = 0;  // 0 = without end
@@ -50,7 +50,7 @@ bool Store(Recording* recording, double time, const std::string& bytes) {
   if (!camera::AddToRecording(&recording->recorder, time, bytes, &recording->error)) return false;
   camera::FeedStream(&recording->stream, time - recording->recorder.start, bytes, nullptr);
   if (recording->forward.isOpen()) {
-    camera::WritePort(recording->forward.handle(), bytes.data(), bytes.size(), kForwardPatienceMs);
+    camera::WritePort(recording->forward.handle(), bytes.data(), bytes.size(), kForwardTimeoutMs);
   }
   return true;
 }

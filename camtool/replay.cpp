@@ -18,7 +18,7 @@ namespace camtool {
 
 namespace {
 
-constexpr DWORD kPatienceMs = 20;
+constexpr DWORD kTimeoutMs = 20;
 // Between the rounds of a truncated recording, which does not say how long it lasted.
 constexpr double kSeamSeconds = 0.011;
 
@@ -62,7 +62,7 @@ double PlayRound(Player* player, double begin, ProgressLine* progress) {
   while (!IsOver(*player) && camera::NextChunk(&player->recording, &chunk)) {
     if (!WaitInPlay(*player, begin + static_cast<double>(chunk.microseconds) / 1e6 / settings.speed)) break;
     const camera::Written written =
-        camera::WritePort(player->port.handle(), chunk.bytes.data(), chunk.bytes.size(), kPatienceMs);
+        camera::WritePort(player->port.handle(), chunk.bytes.data(), chunk.bytes.size(), kTimeoutMs);
     const auto size = static_cast<long long>(chunk.bytes.size());
     (written == camera::Written::kAll ? player->bytes : player->lostBytes) += size;
     player->isGone = written == camera::Written::kGone;
@@ -98,7 +98,7 @@ int Play(Player* player, int port) {
   if (player->isGone || !player->recording.error.empty()) return kFailed;
   const bool wasInterrupted = player->rounds == 1 && IsOver(*player);
   if (!damage.empty() && !wasInterrupted) PrintError(damage);
-  return player->recording.decoder.damagedPlaces > 0 ? kDamaged : kDone;
+  return player->recording.decoder.damageCount > 0 ? kDamaged : kDone;
 }
 
 int RunReplay(const std::vector<std::string>& operands) {

@@ -108,9 +108,9 @@ void Stream(Camera* camera) {
     if (settings.seconds > 0 && due >= settings.seconds) return;
     if (!camera::WaitUntil(camera->start + due, StopEvent())) return;
     const FaultStep step = InjectFaults(&camera->faults, due, RecordAt(*camera, due, i));
-    const auto patienceMs = static_cast<DWORD>(1000 / settings.rate) + 1;
+    const auto timeoutMs = static_cast<DWORD>(1000 / settings.rate) + 1;
     const camera::Written written =
-        camera::WritePort(camera->port.handle(), step.bytes.data(), step.bytes.size(), patienceMs);
+        camera::WritePort(camera->port.handle(), step.bytes.data(), step.bytes.size(), timeoutMs);
     if (!step.bytes.empty()) ++(written == camera::Written::kAll ? camera->sent : camera->lost);
     camera->isGone = written == camera::Written::kGone;
     due += 1 / (settings.rate * step.pace) + step.pauseSeconds + step.hangUpSeconds;

@@ -114,7 +114,7 @@ int WatchRecording(Watcher* watcher, const std::string& path) {
   CloseRecording(&recording);
   if (!isWhole) return EndOf(*watcher);
   PrintStreamReport(watcher->stream, DescribeDamage(recording));
-  return recording.decoder.damagedPlaces > 0 ? kDamaged : kDone;
+  return recording.decoder.damageCount > 0 ? kDamaged : kDone;
 }
 
 int WatchPort(Watcher* watcher, int number) {
@@ -123,7 +123,7 @@ int WatchPort(Watcher* watcher, int number) {
   camera::PortReader reader(port.handle());
   const double start = camera::Now();
   double lastArrival = start;
-  bool isTold = false;
+  bool isReported = false;
   std::string bytes;
   if (!Flush(watcher)) return EndOf(*watcher);
   while (!IsStopRequested() && !watcher->isOver) {
@@ -137,12 +137,12 @@ int WatchPort(Watcher* watcher, int number) {
     watcher->isOver = settings.seconds > 0 && now - start >= settings.seconds;
     if (outcome == camera::PortReader::Outcome::kBytes) {
       lastArrival = arrival;
-      isTold = false;
+      isReported = false;
       watcher->found.clear();
       FeedStream(&watcher->stream, arrival - start, bytes, &watcher->found);
       if (!Show(watcher, true)) return EndOf(*watcher);
-    } else if (!isTold && now - lastArrival >= kSilentSeconds) {
-      isTold = true;
+    } else if (!isReported && now - lastArrival >= kSilentSeconds) {
+      isReported = true;
       PrintError(camera::Format("no data received in %.0f s", kSilentSeconds));
     }
   }

@@ -12,7 +12,7 @@ namespace camview {
 namespace {
 
 FoundState StateOf(const camera::PortReport& report) {
-  if (!report.hasAnswered) return FoundState::kHangs;
+  if (!report.isComplete) return FoundState::kHangs;
   switch (report.port.state) {
     case camera::PortState::kBusy: return FoundState::kBusy;
     case camera::PortState::kAccessDenied: return FoundState::kAccessDenied;
@@ -38,11 +38,11 @@ std::vector<FoundPort> PortFinder::Take() {
   // Asked first: what is reported after that is complete.
   isDone_ = scan_->IsOver();
   for (const camera::PortReport& report : scan_->Reports()) {
-    if (!report.hasAnswered && !isDone_) continue;
-    const bool isAbsent = report.hasAnswered && report.port.state == camera::PortState::kAbsent;
+    if (!report.isComplete && !isDone_) continue;
+    const bool isAbsent = report.isComplete && report.port.state == camera::PortState::kAbsent;
     if (isAbsent || !taken_.insert(report.number).second) continue;
-    ports.push_back({report.number, StateOf(report), report.port.holder, camera::RecordRate(report.stream),
-                     report.stream.bytes});
+    ports.push_back(
+        {report.number, StateOf(report), report.port.holder, camera::RecordRate(report.stream), report.stream.bytes});
   }
   return ports;
 }

@@ -96,7 +96,7 @@ void RecordingLoader::Load() {
   // What was not read to its end says nothing of its end.
   loaded_.isTruncated = loaded_.outcome == LoadOutcome::kComplete && !decoder.hasEnd;
   loaded_.truncatedBytes = static_cast<long long>(file.truncatedBytes);
-  loaded_.damagedPlaces = static_cast<long long>(decoder.damagedPlaces);
+  loaded_.damageCount = static_cast<long long>(decoder.damageCount);
   loaded_.damagedBytes = static_cast<long long>(decoder.damagedBytes);
   loaded_.bytes = intake.stream.bytes;
   loaded_.records = intake.stream.records;

@@ -33,7 +33,7 @@ struct LoadedRecording {
   double seconds = 0;                  // its length: the time of its end, or of the last bytes
   bool isTruncated = false;            // has no end: the recording was interrupted, or is still being made
   long long truncatedBytes = 0;        // of an incomplete last chunk
-  long long damagedPlaces = 0, damagedBytes = 0;
+  long long damageCount = 0, damagedBytes = 0;
   long long bytes = 0, records = 0, oddRecords = 0, outOfRange = 0;
   long long malformedStretches = 0, malformedBytes = 0;
 };

@@ -18,8 +18,8 @@ constexpr DWORD ZoneEnabledBit(int zone) {
 }
 
 // Number format.
-inline constexpr BYTE kFormatPlaces = 0x07;  // decimal places, 0..7
-inline constexpr BYTE kFormatSign = 0x10;    // always print a sign
+inline constexpr BYTE kFormatDecimals = 0x07;  // decimal places, 0..7
+inline constexpr BYTE kFormatSign = 0x10;      // always print a sign
 
 inline constexpr int kInstrumentZones = 3;
 
@@ -54,7 +54,7 @@ struct InstrumentBlock {
   char szName[32];  // UTF-8
   char szUnit[6];   // one byte per character (Windows-1252) or UTF-8; the two hemisphere letters in angle mode
   BYTE reserved46;  // 0
-  BYTE format;      // kFormatPlaces, kFormatSign
+  BYTE format;      // kFormatDecimals, kFormatSign
   COLORREF color;   // 0x02BBGGRR; the low 24 bits are drawn
   float minimum, maximum;
   float step;     // also the tolerance at which gliding stops

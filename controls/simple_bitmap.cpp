@@ -24,11 +24,11 @@ constexpr int kNameCharacters = 256;
 constexpr int kMinCopySize = 16, kMaxCopySize = 5120;
 constexpr COLORREF kTransparentColor = RGB(255, 0, 255);
 
-HBITMAP HeldBitmap(HWND window) {
+HBITMAP StoredBitmap(HWND window) {
   return reinterpret_cast<HBITMAP>(GetWindowLongA(window, GWL_USERDATA));
 }
 
-void HoldBitmap(HWND window, HBITMAP bitmap) {
+void StoreBitmap(HWND window, HBITMAP bitmap) {
   const OwnedBitmap former(reinterpret_cast<HBITMAP>(SetWindowLongA(window, GWL_USERDATA, 0)));
   SetWindowLongA(window, GWL_USERDATA, reinterpret_cast<LONG>(bitmap));
 }
@@ -88,7 +88,7 @@ namespace {
 LRESULT OnCreate(HWND window) {
   char name[kNameCharacters + 1] = "";
   GetWindowTextA(window, name, ARRAYSIZE(name));
-  HoldBitmap(window, LoadFor(window, name));
+  StoreBitmap(window, LoadFor(window, name));
   DragAcceptFiles(window, TRUE);
   return 0;
 }
@@ -98,22 +98,22 @@ LRESULT OnSetText(HWND window, LPARAM lParam) {
   if (IsBadStringPtrA(text, kNameCharacters)) return 0;
   char name[kNameCharacters + 1] = "";
   std::strncpy(name, text, kNameCharacters);
-  HoldBitmap(window, LoadFor(window, name));
+  StoreBitmap(window, LoadFor(window, name));
   RepaintNow(window);
   return 1;
 }
 
 LRESULT OnPaint(HWND window) {
   const PaintScope paint(window);
-  DrawSimpleBitmap(paint.dc(), ClientSize(window), StyleOf(window), HeldBitmap(window));
+  DrawSimpleBitmap(paint.dc(), ClientSize(window), StyleOf(window), StoredBitmap(window));
   return 0;
 }
 
 LRESULT OnCopy(HWND window, LPARAM lParam) {
-  HBITMAP held = HeldBitmap(window);
+  HBITMAP held = StoredBitmap(window);
   if (!held) return 1;
   const SIZE ownSize = BitmapSize(held);
-  const SIZE size = RequestedPictureSize(lParam, ownSize, kMinCopySize, kMaxCopySize);
+  const SIZE size = RequestedCopySize(lParam, ownSize, kMinCopySize, kMaxCopySize);
   CopyBitmapToClipboard(window, held, ownSize, size);
   return 0;
 }
@@ -148,7 +148,7 @@ LRESULT OnPassThrough(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 LRESULT OnDestroy(HWND window) {
-  HoldBitmap(window, nullptr);
+  StoreBitmap(window, nullptr);
   return 0;
 }
 
@@ -167,7 +167,7 @@ LRESULT CALLBACK SimpleBitmapProcedure(HWND window, UINT message, WPARAM wParam,
     case WM_GETDLGCODE: return DLGC_STATIC;
     case WM_COPY: return OnCopy(window, lParam);
     case WM_DROPFILES: return SendMessageA(GetParent(window), WM_DROPFILES, wParam, lParam);
-    case WM_GETOBJECT: return AnswerGetObject(window, wParam, lParam, ROLE_SYSTEM_GRAPHIC, Describe);
+    case WM_GETOBJECT: return HandleGetObject(window, wParam, lParam, ROLE_SYSTEM_GRAPHIC, Describe);
     case WM_LBUTTONDOWN: return OnLeftButtonDown(window, wParam, lParam);
     case WM_LBUTTONDBLCLK: return OnDoubleClick(window, wParam, lParam);
     case WM_RBUTTONDOWN:

@@ -90,26 +90,26 @@ BOOL ddeExecute(DWORD instance, HCONV conversation, const char* command) {
 }
 
 BOOL RequestDdeText(DWORD instance, HCONV conversation, const char* item, DWORD timeoutMs,
-                    char (&answer)[kDdeAnswerSize]) {
+                    char (&reply)[kDdeReplySize]) {
   if (!IsText(item)) return FALSE;
   const DdeString itemName(instance, item, kLibraryCodePage);
   HDDEDATA data = DdeClientTransaction(nullptr, 0, conversation, itemName, CF_TEXT, XTYP_REQUEST,
                                        TimeoutOrDefault(timeoutMs), nullptr);
   if (!data) return FALSE;
-  std::memset(answer, 0, sizeof(answer));
-  DdeGetData(data, reinterpret_cast<BYTE*>(answer), sizeof(answer), 0);
+  std::memset(reply, 0, sizeof(reply));
+  DdeGetData(data, reinterpret_cast<BYTE*>(reply), sizeof(reply), 0);
   // The data handle is not freed: answers belong to the instance, which gives them back when it is uninitialised.
   return TRUE;
 }
 
 BOOL ddeRequest(DWORD instance, HCONV conversation, const char* item, char* destination, DWORD timeoutMs) {
-  char answer[kDdeAnswerSize];
-  if (!RequestDdeText(instance, conversation, item, timeoutMs, answer)) return 0;
-  const size_t length = strnlen(answer, sizeof(answer));
+  char reply[kDdeReplySize];
+  if (!RequestDdeText(instance, conversation, item, timeoutMs, reply)) return 0;
+  const size_t length = strnlen(reply, sizeof(reply));
   if (IsBadWritePtr(destination, length)) return 1;
-  std::memcpy(destination, answer, length);
+  std::memcpy(destination, reply, length);
   char* end = destination + length;
-  if (length < sizeof(answer) && !IsBadWritePtr(end, 1)) *end = '\0';
+  if (length < sizeof(reply) && !IsBadWritePtr(end, 1)) *end = '\0';
   return 1;
 }
 
@@ -163,7 +163,7 @@ void OpenWorkbook(ExcelLinkState& link) {
   ddeExecute(link.ddeInstance, link.systemConversation, "[NEW(1)]");
   // The answer is of no use. Waiting for it gives the program, which the command does not wait for, time to make the
   // workbook.
-  char topics[kDdeAnswerSize];
+  char topics[kDdeReplySize];
   RequestDdeText(link.ddeInstance, link.systemConversation, "Topics", kDdeTimeoutMs, topics);
   link.workbookConversation = ddeConnect(link.ddeInstance, kService, kWorkbookTopic);
   if (!link.workbookConversation) EndConversation(link.systemConversation);

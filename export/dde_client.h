@@ -15,8 +15,8 @@
 
 namespace kv {
 
-inline constexpr DWORD kDdeTimeoutMs = 10000;   // what a timeout of 0 stands for
-inline constexpr size_t kDdeAnswerSize = 8192;  // the most of an answer that is read, in bytes
+inline constexpr DWORD kDdeTimeoutMs = 10000;  // what a timeout of 0 stands for
+inline constexpr size_t kDdeReplySize = 8192;  // the most of an answer that is read, in bytes
 
 // The conversation, or 0. An empty name is a wildcard.
 HCONV ddeConnect(DWORD instance, const char* service, const char* topic);
@@ -28,17 +28,17 @@ BOOL ddeDisconnect(HCONV conversation);
 BOOL ddeExecute(DWORD instance, HCONV conversation, const char* command);
 
 // Asks for an item as text. 1 if the server answered within the timeout, also when nothing could be stored. The text,
-// which ends at its first zero or after kDdeAnswerSize bytes, is stored with a terminator where `destination` is
-// writable for its length; otherwise nothing is. A text of the full kDdeAnswerSize bytes is stored without a
-// terminator, so a buffer of kDdeAnswerSize bytes holds every answer.
+// which ends at its first zero or after kDdeReplySize bytes, is stored with a terminator where `destination` is
+// writable for its length; otherwise nothing is. A text of the full kDdeReplySize bytes is stored without a
+// terminator, so a buffer of kDdeReplySize bytes holds every answer.
 BOOL ddeRequest(DWORD instance, HCONV conversation, const char* item, char* destination, DWORD timeoutMs);
 
 // Hands a text with its terminator to an item. Not 0 if the server took it within the timeout.
 HDDEDATA ddePoke(DWORD instance, HCONV conversation, const char* item, const char* text, DWORD timeoutMs);
 
-// The request without a destination: fills `answer` (zeroed first) with at most its size. Returns 0 without an answer.
+// The request without a destination: fills `reply` (zeroed first) with at most its size. Returns 0 without an answer.
 BOOL RequestDdeText(DWORD instance, HCONV conversation, const char* item, DWORD timeoutMs,
-                    char (&answer)[kDdeAnswerSize]);
+                    char (&reply)[kDdeReplySize]);
 
 // Starts (non-zero flag) or stops the system's DDE library for the instance word in a slot.
 //

@@ -27,12 +27,12 @@ namespace {
 constexpr char kKey[] = "Software\\korvel\\Configuration";
 constexpr DWORD kValueSize = 4;
 
-struct SettingPlace {
+struct SettingField {
   const char* name;
   size_t offset;
 };
 
-constexpr SettingPlace kPlaces[] = {
+constexpr SettingField kFields[] = {
     {"KMLFlags", offsetof(KmlSettings, dwFlags)},
     {"KMLLineWidth", offsetof(KmlSettings, dwLineWidth)},
     {"KMLLineColor", offsetof(KmlSettings, dwLineColor)},
@@ -43,7 +43,7 @@ constexpr SettingPlace kPlaces[] = {
     {"KMLTilt", offsetof(KmlSettings, fTilt)},
     {"KMLHeading", offsetof(KmlSettings, fHeading)},
 };
-static_assert(sizeof(KmlSettings) == std::size(kPlaces) * kValueSize);
+static_assert(sizeof(KmlSettings) == std::size(kFields) * kValueSize);
 
 // Read into a buffer of its own: a value that is too long may leave anything there.
 void ReadFourBytes(HKEY key, const char* name, void* setting) {
@@ -62,7 +62,7 @@ KmlSettings ReadKmlSettings() {
   KmlSettings settings;
   const RegistryKey key = RegistryKey::Open(kKey);
   if (!key) return settings;
-  for (const SettingPlace& place : kPlaces) {
+  for (const SettingField& place : kFields) {
     ReadFourBytes(key, place.name, reinterpret_cast<BYTE*>(&settings) + place.offset);
   }
   settings.dwPolygonColor = WithAlpha(settings.dwPolygonColor, FillAlpha(settings.fTransparency));
@@ -153,7 +153,7 @@ const wchar_t* KmlTemplateText(KmlTemplate which) {
 namespace {
 
 constexpr wchar_t kPositionFile[] = L"kvHelmsdeckTemp.kml";
-constexpr DWORD kPositionFolderRoom = 228;
+constexpr DWORD kPositionFolderCapacity = 228;
 constexpr wchar_t kViewerBelowProgramFiles[] = L"Google\\Google Earth\\GoogleEarth.exe";
 constexpr char kHelmsdeckMutex[] = "kvHelmsdeck_Process_Mutex";
 
@@ -163,12 +163,12 @@ constexpr std::string_view kCoordinateIndent = "    ";
 
 // A number or two as text, kept while lines are put together.
 struct NumberText {
-  char text[2 * kFixedNumberRoom];
+  char text[2 * kFixedNumberCapacity];
   size_t length;
 
   std::string_view view() const { return {text, length}; }
 };
-static_assert(kCoordinateIndent.size() + 3 * kFixedNumberRoom + 3 <= TextFile::kLineRoom);
+static_assert(kCoordinateIndent.size() + 3 * kFixedNumberCapacity + 3 <= TextFile::kLineCapacity);
 
 // A point that is nowhere (a receiver without a fix, a value that was never measured) is left out of a document.
 bool IsSomewhere(GeodeticPosition position, double altitude) {
@@ -179,30 +179,30 @@ GeodeticPosition LocalPosition(const LocalFrame& frame, const FlightTrackPoint& 
   return PositionFromLocal(frame, point.dX, point.dY);
 }
 
-void PutPosition(NumberText& to, GeodeticPosition position) {
-  char* end = PutFixed(to.text, position.longitude, kAngleDecimals);
+void AppendPosition(NumberText& to, GeodeticPosition position) {
+  char* end = FormatFixed(to.text, position.longitude, kAngleDecimals);
   *end++ = ',';
-  end = PutFixed(end, position.latitude, kAngleDecimals);
+  end = FormatFixed(end, position.latitude, kAngleDecimals);
   to.length = static_cast<size_t>(end - to.text);
 }
 
-void PutAltitude(NumberText& to, double altitude) {
-  to.length = static_cast<size_t>(PutFixed(to.text, altitude, kAltitudeDecimals) - to.text);
+void AppendAltitude(NumberText& to, double altitude) {
+  to.length = static_cast<size_t>(FormatFixed(to.text, altitude, kAltitudeDecimals) - to.text);
 }
 
-char* PutText(char* to, std::string_view text) {
+char* AppendText(char* to, std::string_view text) {
   std::memcpy(to, text.data(), text.size());
   return to + text.size();
 }
 
 // One line of coordinates, "%.10f,%.10f,%.1f" behind the indent, from numbers that are text already.
 void WriteLine(TextFile& file, std::string_view indent, const NumberText& position, const NumberText& altitude) {
-  char* end = PutText(file.LineRoom(), indent);
-  end = PutText(end, position.view());
+  char* end = AppendText(file.LineBuffer(), indent);
+  end = AppendText(end, position.view());
   *end++ = ',';
-  end = PutText(end, altitude.view());
+  end = AppendText(end, altitude.view());
   *end++ = '\n';
-  file.LineDone(end);
+  file.CommitLine(end);
 }
 
 // The templates and what is put into them are ASCII, so each character is one byte of the file.
@@ -235,16 +235,17 @@ void WriteCoordinates(TextFile& file, const LocalFrame& frame, std::span<const F
   NumberText positions[2], altitude;
   NumberText *position = &positions[0], *previous = &positions[1];
   const FlightTrackPoint& first = points.front();
-  PutPosition(*previous, LocalPosition(frame, first));
-  PutAltitude(altitude, first.dAltitude);
+  AppendPosition(*previous, LocalPosition(frame, first));
+  AppendAltitude(altitude, first.dAltitude);
   double previousAltitude = first.dAltitude;
   for (const FlightTrackPoint& point : points) {
     const GeodeticPosition at = LocalPosition(frame, point);
     if (!IsSomewhere(at, point.dAltitude)) continue;
-    PutPosition(*position, at);
+    AppendPosition(*position, at);
     const bool step = point.dAltitude != previousAltitude;
     // Zeros of either sign are equal, but not as texts.
-    if (step || std::signbit(point.dAltitude) != std::signbit(previousAltitude)) PutAltitude(altitude, point.dAltitude);
+    if (step || std::signbit(point.dAltitude) != std::signbit(previousAltitude))
+      AppendAltitude(altitude, point.dAltitude);
     if (step) WriteLine(file, kCoordinateIndent, *previous, altitude);
     previousAltitude = point.dAltitude;
     WriteLine(file, kCoordinateIndent, *position, altitude);
@@ -303,8 +304,8 @@ BOOL WriteTrackWaypoints(const wchar_t* path, const FlightTrack& track, std::spa
     const GeodeticPosition stated = StatedPosition(frame, point, position);
     if (!IsSomewhere(stated, point.dAltitude)) continue;
     position = stated;
-    PutPosition(positionText, position);
-    PutAltitude(altitudeText, point.dAltitude);
+    AppendPosition(positionText, position);
+    AppendAltitude(altitudeText, point.dAltitude);
     WriteLine(file, "", positionText, altitudeText);
   }
   return file.Close();
@@ -318,10 +319,10 @@ BOOL exportWaypointsText(FlightTrackViewState* view) {
 }
 
 BOOL showPositionInGlobe(HWND window, double longitude, double latitude, double range) {
-  wchar_t path[kPositionFolderRoom + std::size(kPositionFile)] = L"";
-  const DWORD length = GetTempPathW(kPositionFolderRoom, path);
+  wchar_t path[kPositionFolderCapacity + std::size(kPositionFile)] = L"";
+  const DWORD length = GetTempPathW(kPositionFolderCapacity, path);
   // Without a folder the path stays empty and no file can be created; a bare name would land in the working directory.
-  if (length > 0 && length < kPositionFolderRoom) {
+  if (length > 0 && length < kPositionFolderCapacity) {
     std::wcscpy(path + length, kPositionFile);
   } else {
     path[0] = L'\0';

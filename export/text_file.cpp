@@ -25,8 +25,8 @@ void TextFile::Write(std::string_view text) {
   }
 }
 
-char* TextFile::LineRoom() {
-  if (sizeof(buffer_) - used_ < kLineRoom) Flush();
+char* TextFile::LineBuffer() {
+  if (sizeof(buffer_) - used_ < kLineCapacity) Flush();
   return buffer_ + used_;
 }
 

@@ -9,8 +9,8 @@ namespace kv {
 
 class TextFile {
  public:
-  // Room that LineRoom() gives, in characters.
-  static constexpr size_t kLineRoom = 1024;
+  // Room that LineBuffer() gives, in characters.
+  static constexpr size_t kLineCapacity = 1024;
 
   // Creates the file or empties an existing one, in the C run-time's text mode: 8-bit characters, and "\n" becomes
   // "\r\n" in the file. `path` must outlive the object.
@@ -24,10 +24,10 @@ class TextFile {
 
   void Write(std::string_view text);
 
-  // For text that is formatted in place: room for kLineRoom characters, valid until the next call of any member, and
-  // the end of what was put there.
-  char* LineRoom();
-  void LineDone(const char* end) { used_ = static_cast<size_t>(end - buffer_); }
+  // For text that is formatted in place: room for kLineCapacity characters, valid until the next call of any member,
+  // and the end of what was put there.
+  char* LineBuffer();
+  void CommitLine(const char* end) { used_ = static_cast<size_t>(end - buffer_); }
 
   // Writes what is left and closes. If any of the text could not be written (a full disk), the file is removed and the
   // result is false.

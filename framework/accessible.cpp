@@ -134,7 +134,7 @@ class AccessibleControl final : public IAccessible {
 
 }  // namespace
 
-LRESULT AnswerGetObject(HWND window, WPARAM wParam, LPARAM lParam, LONG role, DescribeControl describe) {
+LRESULT HandleGetObject(HWND window, WPARAM wParam, LPARAM lParam, LONG role, DescribeControl describe) {
   const auto byDefault = [&] { return DefWindowProcA(window, WM_GETOBJECT, wParam, lParam); };
   if (static_cast<LONG>(lParam) != OBJID_CLIENT) return byDefault();
   const SystemFunctions& system = System();

@@ -19,7 +19,7 @@ using DescribeControl = AccessibleText (*)(HWND window);
 
 // The result of WM_GETOBJECT for a control of this role (ROLE_SYSTEM_... of <oleacc.h>); what is asked for other parts
 // of the window goes to DefWindowProcA.
-LRESULT AnswerGetObject(HWND window, WPARAM wParam, LPARAM lParam, LONG role, DescribeControl describe);
+LRESULT HandleGetObject(HWND window, WPARAM wParam, LPARAM lParam, LONG role, DescribeControl describe);
 
 // The window's own text, up to 255 characters, for controls whose host names them by it.
 std::wstring WindowText(HWND window);

@@ -36,7 +36,7 @@ void ShowBitmap(HDC target, const RECT& area, HBITMAP bitmap, SIZE bitmapSize) {
              bitmapSize.cy, SRCCOPY);
 }
 
-SIZE RequestedPictureSize(LPARAM lParam, SIZE ownSize, int minimum, int maximum) {
+SIZE RequestedCopySize(LPARAM lParam, SIZE ownSize, int minimum, int maximum) {
   if (lParam == 0) return ownSize;
   return {std::clamp<int>(LOWORD(lParam), minimum, maximum), std::clamp<int>(HIWORD(lParam), minimum, maximum)};
 }

@@ -27,7 +27,7 @@ void ShowBitmap(HDC target, const RECT& area, HBITMAP bitmap, SIZE bitmapSize);
 
 // The size that a WM_COPY asks for in lParam (width in the low word, height in the high word), each side clamped to
 // `minimum`..`maximum` pixels; with lParam 0 it is `ownSize`, unclamped.
-SIZE RequestedPictureSize(LPARAM lParam, SIZE ownSize, int minimum, int maximum);
+SIZE RequestedCopySize(LPARAM lParam, SIZE ownSize, int minimum, int maximum);
 
 // Puts a copy of the bitmap on the clipboard as CF_BITMAP, stretched to this size. FALSE when memory is short or
 // another program holds the clipboard.

@@ -153,7 +153,7 @@ void FillShape(Canvas& canvas, const Paint& paint) {
 
 void FillPolygon(Canvas& canvas, std::span<const PointD> corners, const Paint& paint) {
   BeginShape(canvas);
-  if (canvas.shape().AddFigure(corners)) FillShape(canvas, paint);
+  if (canvas.shape().AddContour(corners)) FillShape(canvas, paint);
 }
 
 void FillDisc(Canvas& canvas, PointD centre, double radius, const Paint& paint) {
@@ -184,7 +184,7 @@ void AddLine(Canvas& canvas, PointD from, PointD to, double width) {
   const double dx = (to.y - from.y) / length * width / 2, dy = (from.x - to.x) / length * width / 2;
   const PointD corners[] = {
       {from.x + dx, from.y + dy}, {to.x + dx, to.y + dy}, {to.x - dx, to.y - dy}, {from.x - dx, from.y - dy}};
-  canvas.shape().AddFigure(corners);
+  canvas.shape().AddContour(corners);
 }
 
 void FillLine(Canvas& canvas, PointD from, PointD to, double width, const Paint& paint) {

@@ -92,7 +92,7 @@ std::vector<HWND> ChildrenInZOrder(HWND parent) {
   return children;
 }
 
-bool TakesInput(ControlKind kind) {
+bool AcceptsInput(ControlKind kind) {
   switch (kind) {
     case kControlButton:
     case kControlEdit:
@@ -128,7 +128,7 @@ LRESULT ForwardMouseMessage(HWND window, UINT message, WPARAM wParam, LPARAM lPa
   for (HWND sibling : ChildrenInZOrder(GetParent(window))) {
     if (sibling == window || !LiesUnder(sibling, cursor)) continue;
     const ControlKind kind = ClassifyControl(sibling);
-    if (!TakesInput(kind)) continue;
+    if (!AcceptsInput(kind)) continue;
 
     // The siblings get the point's address, not packed coordinates: that tells passed-through input from the mouse's.
     POINT point = cursor;

@@ -31,19 +31,19 @@ bool CoverageShape::Begin(const PixelArea& area) {
   width_ = 0;
   if (area.right <= area.left || area.bottom <= area.top) return true;
   const int width = area.right - area.left;
-  if (width > roomWidth_) {
+  if (width > rowCapacity_) {
     // Both start as zeros, and every row leaves them so.
     cells_.reset(new (std::nothrow) double[width]());
     touched_.reset(new (std::nothrow) std::uint32_t[width / kWordBits + 1]());
-    roomWidth_ = cells_ && touched_ ? width : 0;
-    if (!roomWidth_) return false;
+    rowCapacity_ = cells_ && touched_ ? width : 0;
+    if (!rowCapacity_) return false;
   }
   width_ = width;
   return true;
 }
 
-bool CoverageShape::AddFigure(std::span<const PointD> corners) {
-  if (scanning_ || width_ == 0 || !HasRoomFor(corners.size())) return false;
+bool CoverageShape::AddContour(std::span<const PointD> corners) {
+  if (scanning_ || width_ == 0 || !HasCapacityFor(corners.size())) return false;
   const int before = count_;
   for (size_t i = 0; i < corners.size(); ++i) {
     const PointD &a = corners[i], &b = corners[i + 1 < corners.size() ? i + 1 : 0];

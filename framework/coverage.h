@@ -43,10 +43,10 @@ class CoverageShape {
 
   // Adds a contour, closed from its last corner to the first. Places are limited to 16 million pixels either way.
   // False, with nothing added, when a place is not a number or the edges of all contours outgrow kMaxEdges.
-  bool AddFigure(std::span<const PointD> corners);
+  bool AddContour(std::span<const PointD> corners);
 
   // Whether a contour of so many corners can be added: the same whatever area is wanted of the shape.
-  bool HasRoomFor(size_t corners) const { return corners <= static_cast<size_t>(kMaxEdges - added_); }
+  bool HasCapacityFor(size_t corners) const { return corners <= static_cast<size_t>(kMaxEdges - added_); }
 
   // Hands out what is covered, row by row from the top and from left to right; false at the end, with the shape empty.
   // After the first call nothing more can be added.
@@ -66,7 +66,7 @@ class CoverageShape {
 
   PixelArea area_{};
   int width_ = 0;
-  int roomWidth_ = 0;
+  int rowCapacity_ = 0;
   std::unique_ptr<double[]> cells_;  // of one row: what the edges add to the coverage from here on to the right
   std::unique_ptr<std::uint32_t[]> touched_;  // a bit for each cell that is not 0
   std::array<Edge, kMaxEdges> edges_;         // sorted by their top once the first row is asked for

@@ -55,23 +55,23 @@ struct FontShape {
 };
 
 // What a pass does to one control.
-struct Treatment {
+struct ControlPlan {
   int x, y, width, height;
-  enum { kKeepFont, kNewFont, kSystemFont } fontChange;
+  enum { kSameFont, kNewFont, kSystemFont } fontChange;
   FontShape font;   // of a new font
   int fieldHeight;  // of a combo box's selection field; 0 elsewhere
 };
 
-Treatment PlanControl(ControlKind kind, LONG style, bool hasText, const LayoutSlot& slot, const Scaling& scale) {
+ControlPlan PlanControl(ControlKind kind, LONG style, bool hasText, const LayoutSlot& slot, const Scaling& scale) {
   const auto place = [](LONG captured, const Proportion& proportion, int margin) {
     return ToInt(std::trunc(proportion.Of(static_cast<double>(captured) - margin)) + margin);
   };
-  Treatment plan{
+  ControlPlan plan{
       .x = place(slot.x, scale.x, scale.leftMargin),
       .y = place(slot.y, scale.y, scale.topMargin),
       .width = ToInt(scale.x.Of(slot.width)),
       .height = ToInt(scale.y.Of(slot.height)),
-      .fontChange = Treatment::kKeepFont,
+      .fontChange = ControlPlan::kSameFont,
       .font = {},
       .fieldHeight = 0,
   };
@@ -79,7 +79,7 @@ Treatment PlanControl(ControlKind kind, LONG style, bool hasText, const LayoutSl
   const int width = ToInt(scale.x.Of(6.0));
   const int narrowWidth = ToInt(scale.x.Of(4.5));
   const auto useFont = [&plan](FontShape font) {
-    plan.fontChange = Treatment::kNewFont;
+    plan.fontChange = ControlPlan::kNewFont;
     plan.font = font;
   };
   switch (kind) {
@@ -89,7 +89,7 @@ Treatment PlanControl(ControlKind kind, LONG style, bool hasText, const LayoutSl
       break;
     case kControlEdit:
       if (style & ES_MULTILINE) {
-        plan.fontChange = Treatment::kSystemFont;
+        plan.fontChange = ControlPlan::kSystemFont;
       } else {
         useFont({ToInt(plan.height * 0.85), ToInt(plan.height * 0.3), 600});
       }
@@ -142,9 +142,9 @@ HFONT CreateDialogFont(const FontShape& shape) {
                      CLIP_DEFAULT_PRECIS, PROOF_QUALITY, VARIABLE_PITCH | FF_SWISS, "Arial Unicode MS");
 }
 
-void ChangeFont(HWND control, const Treatment& plan, ReplacedFonts* replaced) {
-  if (plan.fontChange == Treatment::kKeepFont) return;
-  const bool made = plan.fontChange == Treatment::kNewFont;
+void ChangeFont(HWND control, const ControlPlan& plan, ReplacedFonts* replaced) {
+  if (plan.fontChange == ControlPlan::kSameFont) return;
+  const bool made = plan.fontChange == ControlPlan::kNewFont;
   const HGDIOBJ font = made ? CreateDialogFont(plan.font) : GetStockObject(SYSTEM_FONT);
   if (!font) return;
   const auto previous = reinterpret_cast<HFONT>(SendMessageA(control, WM_GETFONT, 0, 0));
@@ -153,10 +153,10 @@ void ChangeFont(HWND control, const Treatment& plan, ReplacedFonts* replaced) {
   if (made) replaced->Remember(previous);
 }
 
-void TreatControl(HWND control, const LayoutSlot& slot, const Scaling& scale, ReplacedFonts* replaced) {
+void ScaleControl(HWND control, const LayoutSlot& slot, const Scaling& scale, ReplacedFonts* replaced) {
   const ControlKind kind = ClassifyControl(control);
   const LONG style = GetWindowLongA(control, GWL_STYLE);
-  const Treatment plan = PlanControl(kind, style, GetWindowTextLengthA(control) > 0, slot, scale);
+  const ControlPlan plan = PlanControl(kind, style, GetWindowTextLengthA(control) > 0, slot, scale);
   ChangeFont(control, plan, replaced);
   if (kind == kControlComboBox) {
     SendMessageA(control, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), plan.fieldHeight);
@@ -170,7 +170,7 @@ void StoreScale(float* output, double scale) {
 
 // Moves one of two edges away from the other where they are closer than `minimum`. In floating point: whoever sends
 // WM_SIZING may send any rectangle.
-BOOL KeepExtent(LONG* low, LONG* high, bool moveLow, double minimum) {
+BOOL EnforceMinimum(LONG* low, LONG* high, bool moveLow, double minimum) {
   if (static_cast<double>(*high) - *low >= minimum) return FALSE;
   (moveLow ? *low : *high) = ToInt(moveLow ? *high - minimum : *low + minimum);
   return TRUE;
@@ -221,7 +221,7 @@ BOOL ApplyLayout(HWND dialog, int bottomMargin, int leftMargin, int topMargin, i
     ReplacedFonts replaced;
     VisitControls(dialog, firstId, lastId, [&](HWND control, int slot) {
       if (IsBadReadPtr(&slots[slot], sizeof(*slots))) return false;
-      TreatControl(control, slots[slot], scale, &replaced);
+      ScaleControl(control, slots[slot], scale, &replaced);
       return true;
     });
   }
@@ -237,8 +237,8 @@ BOOL LimitSizing(UINT edge, RECT* window, int minimumWidth, int minimumHeight) {
   const bool dragsWidth = edge != WMSZ_TOP && edge != WMSZ_BOTTOM;
   const bool dragsHeight = edge != WMSZ_LEFT && edge != WMSZ_RIGHT;
   BOOL changed = FALSE;
-  if (dragsWidth) changed |= KeepExtent(&window->left, &window->right, dragsLeft, minimumWidth);
-  if (dragsHeight) changed |= KeepExtent(&window->top, &window->bottom, dragsTop, minimumHeight);
+  if (dragsWidth) changed |= EnforceMinimum(&window->left, &window->right, dragsLeft, minimumWidth);
+  if (dragsHeight) changed |= EnforceMinimum(&window->top, &window->bottom, dragsTop, minimumHeight);
   return changed;
 }
 

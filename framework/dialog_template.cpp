@@ -52,7 +52,7 @@ struct TemplateReader {
   }
 };
 
-constexpr size_t kPlaceSize = 4 * sizeof(short);
+constexpr size_t kRectSize = 4 * sizeof(short);
 
 // Returns how many controls follow.
 int ReadHeader(TemplateReader* reader, DialogTemplate* read, bool* extended) {
@@ -66,7 +66,7 @@ int ReadHeader(TemplateReader* reader, DialogTemplate* read, bool* extended) {
     reader->Skip(sizeof(DWORD));  // extended style
   }
   const int count = reader->Take<WORD>();
-  reader->Skip(kPlaceSize);
+  reader->Skip(kRectSize);
   reader->TextOrNumber();  // menu
   read->windowClass = reader->TextOrNumber();
   const wchar_t* caption = reader->Text();
@@ -80,7 +80,7 @@ int ReadHeader(TemplateReader* reader, DialogTemplate* read, bool* extended) {
 
 TemplateControl ReadControl(TemplateReader* reader, bool extended) {
   reader->AlignToDword();
-  reader->Skip((extended ? 3 : 2) * sizeof(DWORD) + kPlaceSize);  // help id, styles, place
+  reader->Skip((extended ? 3 : 2) * sizeof(DWORD) + kRectSize);  // help id, styles, place
   TemplateControl control{};
   control.id = extended ? reader->Take<int>() : reader->Take<WORD>();
   if (control.id == 0xFFFF) control.id = -1;

@@ -51,8 +51,8 @@ class OutlineWriter {
   }
 
   bool EndFigure() {
-    if (outline_->figures == GlyphOutline::kMaxContours) return false;
-    outline_->ends[outline_->figures++] = count_;
+    if (outline_->contours == GlyphOutline::kMaxContours) return false;
+    outline_->ends[outline_->contours++] = count_;
     return true;
   }
 
@@ -88,7 +88,7 @@ bool AddPolyCurve(OutlineWriter& writer, const TTPOLYCURVE& curve) {
   return true;
 }
 
-bool AddFigures(OutlineWriter& writer, const std::byte* data, size_t size) {
+bool AddContours(OutlineWriter& writer, const std::byte* data, size_t size) {
   for (const std::byte* end = data + size; data < end;) {
     const auto& header = *reinterpret_cast<const TTPOLYGONHEADER*>(data);
     if (!writer.Add(PlaceOf(header.pfxStart))) return false;
@@ -106,7 +106,7 @@ bool AddFigures(OutlineWriter& writer, const std::byte* data, size_t size) {
 }  // namespace
 
 bool OutlineOfCharacter(const wchar_t* faceName, int weight, wchar_t character, GlyphOutline* outline) {
-  outline->figures = 0;
+  outline->contours = 0;
   outline->advance = 0;
   const MemoryDc dc(nullptr);
   const OwnedFont font(CreateFontW(-kEmHeight, 0, 0, 0, weight, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
@@ -125,8 +125,8 @@ bool OutlineOfCharacter(const wchar_t* faceName, int weight, wchar_t character, 
   const double unit = capital.gmptGlyphOrigin.y;
   OutlineWriter writer(outline, unit, metrics.gmCellIncX / 2.0);
   outline->advance = metrics.gmCellIncX / unit;
-  if (AddFigures(writer, data, size)) return true;
-  outline->figures = 0;
+  if (AddContours(writer, data, size)) return true;
+  outline->contours = 0;
   return false;
 }
 
@@ -139,19 +139,19 @@ void FillGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD centre, double 
 
 void AddGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD centre, double along, double height, double degrees,
               const Paint& paint, double stretch) {
-  if (glyph.figures == 0) return;
-  if (!canvas.shape().HasRoomFor(glyph.ends[glyph.figures - 1])) {
+  if (glyph.contours == 0) return;
+  if (!canvas.shape().HasCapacityFor(glyph.ends[glyph.contours - 1])) {
     FillShape(canvas, paint);
     BeginShape(canvas);
   }
   const double radians = Radians(degrees), cosine = std::cos(radians), sine = std::sin(radians);
   std::array<PointD, GlyphOutline::kMaxPoints> places;
-  for (int figure = 0, from = 0; figure < glyph.figures; from = glyph.ends[figure++]) {
-    for (int i = from; i < glyph.ends[figure]; ++i) {
+  for (int contour = 0, from = 0; contour < glyph.contours; from = glyph.ends[contour++]) {
+    for (int i = from; i < glyph.ends[contour]; ++i) {
       const double x = glyph.points[i].x * height * stretch + along, y = glyph.points[i].y * height;
       places[i] = {centre.x + x * cosine - y * sine, centre.y + x * sine + y * cosine};
     }
-    canvas.shape().AddFigure({&places[from], static_cast<size_t>(glyph.ends[figure] - from)});
+    canvas.shape().AddContour({&places[from], static_cast<size_t>(glyph.ends[contour] - from)});
   }
 }
 

@@ -19,7 +19,7 @@ struct GlyphOutline {
   };
   std::array<Point, kMaxPoints> points;
   std::array<int, kMaxContours> ends;  // behind the last point of each contour
-  int figures;
+  int contours;
   double advance;  // from this character to the next
 };
 

@@ -27,8 +27,8 @@ constexpr double kLimits[kMaxFixedDecimals + 1] = {
 constexpr std::uint32_t kPowersOfTen[6] = {1, 10, 100, 1000, 10000, 100000};
 constexpr int kDigitsPerStep = 5;
 
-char* PutFixedByRunTime(char* to, double value, int decimals) {
-  char text[kFixedNumberRoom + 1];
+char* FormatFixedByRuntime(char* to, double value, int decimals) {
+  char text[kFixedNumberCapacity + 1];
   FormatBoundedA(text, sizeof(text), "%.*f", decimals, value);
   const size_t length = std::strlen(text);
   std::memcpy(to, text, length);
@@ -36,14 +36,14 @@ char* PutFixedByRunTime(char* to, double value, int decimals) {
 }
 
 // Multiplies a fraction in units of 2^-64 by `factor`: the whole part is returned, the rest stays in `fraction`.
-std::uint32_t TakeDigits(std::uint64_t& fraction, std::uint32_t factor) {
+std::uint32_t ExtractDigits(std::uint64_t& fraction, std::uint32_t factor) {
   const std::uint64_t low = (fraction & 0xFFFFFFFF) * factor;
   const std::uint64_t high = (fraction >> 32) * factor + (low >> 32);
   fraction = (high << 32) | (low & 0xFFFFFFFF);
   return static_cast<std::uint32_t>(high >> 32);
 }
 
-char* PutDigits(char* to, std::uint32_t number, int count) {
+char* FormatDigits(char* to, std::uint32_t number, int count) {
   for (int i = count - 1; i >= 0; --i) {
     to[i] = static_cast<char>('0' + number % 10);
     number /= 10;
@@ -51,17 +51,17 @@ char* PutDigits(char* to, std::uint32_t number, int count) {
   return to + count;
 }
 
-char* PutWhole(char* to, std::uint32_t number) {
+char* FormatInteger(char* to, std::uint32_t number) {
   int count = 1;
   for (std::uint32_t rest = number / 10; rest; rest /= 10) ++count;
-  return PutDigits(to, number, count);
+  return FormatDigits(to, number, count);
 }
 
 }  // namespace
 
-char* PutFixed(char* to, double value, int decimals) {
+char* FormatFixed(char* to, double value, int decimals) {
   const double magnitude = std::fabs(value);
-  if (!(magnitude < kLimits[decimals])) return PutFixedByRunTime(to, value, decimals);
+  if (!(magnitude < kLimits[decimals])) return FormatFixedByRuntime(to, value, decimals);
 
   // Both subtractions and both scalings are exact; only what lies below 2^-64 is cut off.
   auto whole = static_cast<std::uint32_t>(magnitude);
@@ -72,11 +72,11 @@ char* PutFixed(char* to, double value, int decimals) {
 
   const int firstCount = decimals > kDigitsPerStep ? decimals - kDigitsPerStep : 0;
   const int lastCount = decimals - firstCount;
-  std::uint32_t first = TakeDigits(fraction, kPowersOfTen[firstCount]);
-  std::uint32_t last = TakeDigits(fraction, kPowersOfTen[lastCount]);
+  std::uint32_t first = ExtractDigits(fraction, kPowersOfTen[firstCount]);
+  std::uint32_t last = ExtractDigits(fraction, kPowersOfTen[lastCount]);
 
   const std::uint64_t toMiddle = fraction > kMiddle ? fraction - kMiddle : kMiddle - fraction;
-  if (toMiddle < kUndecided) return PutFixedByRunTime(to, value, decimals);
+  if (toMiddle < kUndecided) return FormatFixedByRuntime(to, value, decimals);
   if (fraction > kMiddle && ++last == kPowersOfTen[lastCount]) {
     last = 0;
     if (++first == kPowersOfTen[firstCount]) {
@@ -86,10 +86,10 @@ char* PutFixed(char* to, double value, int decimals) {
   }
 
   if (std::signbit(value)) *to++ = '-';
-  to = PutWhole(to, whole);
+  to = FormatInteger(to, whole);
   *to++ = '.';
-  to = PutDigits(to, first, firstCount);
-  return PutDigits(to, last, lastCount);
+  to = FormatDigits(to, first, firstCount);
+  return FormatDigits(to, last, lastCount);
 }
 
 }  // namespace kv

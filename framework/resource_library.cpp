@@ -112,7 +112,7 @@ bool HasNothingToRun(const Library& library) {
 }
 
 // Code that imports nothing is none: an entry point that damage has made.
-bool IsCodeSoundOrAbsent(const Library& library) {
+bool IsCodeValidOrAbsent(const Library& library) {
   const DWORD entry = library.image().AddressOfEntryPoint;
   if (!entry) return HasNothingToRun(library);
   return HasImports(library) && std::ranges::any_of(library.sections, [&](const IMAGE_SECTION_HEADER& section) {
@@ -144,7 +144,7 @@ struct ResourceTree {
     return Read(bytes, at, &length) && IsWithin(at + sizeof(length), length * sizeof(wchar_t), bytes.size());
   }
 
-  bool IsDataSound(DWORD at, bool areTexts) const {
+  bool IsDataValid(DWORD at, bool areTexts) const {
     IMAGE_RESOURCE_DATA_ENTRY entry{};
     if (!Read(bytes, at, &entry)) return false;
     const Bytes data = library.At(entry.OffsetToData, entry.Size);
@@ -152,7 +152,7 @@ struct ResourceTree {
   }
 
   // Types, names and languages are the levels 0 to 2. Entries with a name come first, then those with a number.
-  bool IsSound(DWORD at, int level, bool areTexts) {
+  bool IsValid(DWORD at, int level, bool areTexts) {
     constexpr int kLastLevel = 2, kTexts = 6;
     IMAGE_RESOURCE_DIRECTORY directory{};
     if (!Read(bytes, at, &directory)) return false;
@@ -167,8 +167,8 @@ struct ResourceTree {
         return false;
       }
       if (level == 0) areTexts = !entry.NameIsString && entry.Id == kTexts;
-      if (!(level < kLastLevel ? IsSound(entry.OffsetToDirectory, level + 1, areTexts)
-                               : IsDataSound(entry.OffsetToData, areTexts))) {
+      if (!(level < kLastLevel ? IsValid(entry.OffsetToDirectory, level + 1, areTexts)
+                               : IsDataValid(entry.OffsetToData, areTexts))) {
         return false;
       }
     }
@@ -176,11 +176,11 @@ struct ResourceTree {
   }
 };
 
-bool AreResourcesSound(const Library& library) {
+bool AreResourcesValid(const Library& library) {
   const IMAGE_DATA_DIRECTORY& directory = library.directory(IMAGE_DIRECTORY_ENTRY_RESOURCE);
   const Bytes bytes = library.At(directory.VirtualAddress, directory.Size);
   ResourceTree tree{library, bytes, bytes.size() / sizeof(IMAGE_RESOURCE_DIRECTORY_ENTRY)};
-  return !bytes.empty() && tree.IsSound(0, 0, false);
+  return !bytes.empty() && tree.IsValid(0, 0, false);
 }
 
 // Empty when it cannot be read or is too large.
@@ -208,7 +208,7 @@ bool IsResourceLibrary(const wchar_t* path) {
   const auto at = static_cast<size_t>(dos.e_lfanew);
   return Read(library.file, at, &library.headers) && AreHeadersUsable(library.headers, file.size()) &&
          ReadSections(&library, at + sizeof(library.headers)) && AreDirectoriesWithin(library) &&
-         IsCodeSoundOrAbsent(library) && AreResourcesSound(library);
+         IsCodeValidOrAbsent(library) && AreResourcesValid(library);
 }
 
 }  // namespace kv

@@ -12,7 +12,7 @@ namespace {
 
 // A picture that is kept from one button to the next, and grows to the largest of them. Making one anew for each of
 // some hundred paintings a second would cost more than all of the drawing. One for each thread, freed with it.
-struct ButtonPicture {
+struct ButtonBuffer {
   MemoryDc dc{nullptr};
   Surface surface;
 
@@ -33,15 +33,15 @@ COLORREF SchemeColor(int scheme) {
   }
 }
 
-struct FaceColors {
+struct ButtonColors {
   COLORREF top, bottom, rim;
 };
 
 // The top is lighter than the scheme's colour by so little that white still stands out from it.
-FaceColors ColorsOfFace(int scheme, UINT flags, bool pressed) {
+ButtonColors ButtonColorsOf(int scheme, UINT flags, bool pressed) {
   const bool lit = (flags & kButtonLit) != 0;
   const COLORREF color = ShadeColor(SchemeColor(scheme), lit ? 1.0 : 0.8);
-  FaceColors colors{color, color, ShadeColor(color, 0.3)};
+  ButtonColors colors{color, color, ShadeColor(color, 0.3)};
   if (flags & kButtonGradient) {
     BlendColor(color, RGB(255, 255, 255), 100, lit ? 30 : 8, &colors.top);
     colors.bottom = ShadeColor(color, lit ? 0.85 : 0.65);
@@ -51,13 +51,13 @@ FaceColors ColorsOfFace(int scheme, UINT flags, bool pressed) {
 }
 
 // A button with the focus has a dark edge instead of a raised one, from which the white frame within stands out.
-void DrawFace(const Surface& picture, SIZE size, const FaceColors& colors, bool pressed, bool focused) {
+void DrawButtonFace(const Surface& buffer, SIZE size, const ButtonColors& colors, bool pressed, bool focused) {
   const DWORD light =
       focused ? PixelOfColor(colors.rim) : PixelOfColor(GetSysColor(pressed ? COLOR_BTNSHADOW : COLOR_BTNHIGHLIGHT));
   const DWORD dark =
       focused ? PixelOfColor(colors.rim) : PixelOfColor(GetSysColor(pressed ? COLOR_BTNHIGHLIGHT : COLOR_BTNSHADOW));
   for (int y = 0; y < size.cy; ++y) {
-    DWORD* row = picture.Row(y);
+    DWORD* row = buffer.Row(y);
     COLORREF face = colors.top;
     BlendColor(colors.top, colors.bottom, std::max<int>(size.cy - 1, 1), y, &face);
     std::fill(row, row + size.cx, y == 0 ? light : y == size.cy - 1 ? dark : PixelOfColor(face));
@@ -122,12 +122,12 @@ DWORD Mixed(DWORD from, DWORD to, int share) {
 // Puts the shapes on the face in white, with a rim of one dark pixel on all sides: so they are read on any brightness.
 // The shapes lie below the face in the same picture, `size.cy` rows down, between the columns `left` and `right`; the
 // face's edge is left free.
-void PutShapesOnFace(const Surface& picture, SIZE size, LONG left, LONG right, COLORREF rimColor) {
+void CompositeShapes(const Surface& buffer, SIZE size, LONG left, LONG right, COLORREF rimColor) {
   const DWORD rimPixel = PixelOfColor(rimColor);
   constexpr DWORD kWhite = 0xFFFFFF;
   for (int y = 1; y < size.cy - 1; ++y) {
-    DWORD* face = picture.Row(y);
-    const DWORD* rows[] = {picture.Row(size.cy + y - 1), picture.Row(size.cy + y), picture.Row(size.cy + y + 1)};
+    DWORD* face = buffer.Row(y);
+    const DWORD* rows[] = {buffer.Row(size.cy + y - 1), buffer.Row(size.cy + y), buffer.Row(size.cy + y + 1)};
     for (LONG x = std::max(left - 1, 1L); x < std::min(right, size.cx - 2) + 1; ++x) {
       int rim = 0;
       for (const DWORD* row : rows) {
@@ -141,20 +141,20 @@ void PutShapesOnFace(const Surface& picture, SIZE size, LONG left, LONG right, C
 }  // namespace
 
 void DrawStatusButton(const DRAWITEMSTRUCT& item, int scheme, UINT flags) {
-  thread_local ButtonPicture picture;
+  thread_local ButtonBuffer buffer;
   const RECT& area = item.rcItem;
   const SIZE size{area.right - area.left, area.bottom - area.top};
-  if (size.cx <= 0 || size.cy <= 0 || !picture.Reserve({size.cx, 2 * size.cy})) return;
+  if (size.cx <= 0 || size.cy <= 0 || !buffer.Reserve({size.cx, 2 * size.cy})) return;
   const bool pressed = (item.itemState & ODS_SELECTED) != 0;
   const bool focused = (item.itemState & ODS_FOCUS) && !(item.itemState & ODS_NOFOCUSRECT);
-  const FaceColors colors = ColorsOfFace(scheme, flags, pressed);
-  const SelectedObject selected(picture.dc, picture.surface.bitmap());
+  const ButtonColors colors = ButtonColorsOf(scheme, flags, pressed);
+  const SelectedObject selected(buffer.dc, buffer.surface.bitmap());
   const RECT shapes =
-      DrawShapes(picture.dc, {0, size.cy, size.cx, 2 * size.cy}, item.hwndItem, (flags & kButtonPaused) != 0, focused);
+      DrawShapes(buffer.dc, {0, size.cy, size.cx, 2 * size.cy}, item.hwndItem, (flags & kButtonPaused) != 0, focused);
   GdiFlush();
-  DrawFace(picture.surface, size, colors, pressed, focused);
-  PutShapesOnFace(picture.surface, size, shapes.left, shapes.right, colors.rim);
-  BitBlt(item.hDC, area.left, area.top, size.cx, size.cy, picture.dc, 0, 0, SRCCOPY);
+  DrawButtonFace(buffer.surface, size, colors, pressed, focused);
+  CompositeShapes(buffer.surface, size, shapes.left, shapes.right, colors.rim);
+  BitBlt(item.hDC, area.left, area.top, size.cx, size.cy, buffer.dc, 0, 0, SRCCOPY);
 }
 
 }  // namespace kv

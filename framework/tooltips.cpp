@@ -19,25 +19,25 @@ bool IsToolbar(HWND window) {
   return std::wcscmp(name, L"ToolbarWindow32") == 0;
 }
 
-bool IsReadableTable(const ToolTipEntry* entries, int count) {
-  const unsigned long long size = sizeof(ToolTipEntry) * static_cast<unsigned long long>(count > 1 ? count : 1);
+bool IsReadableTable(const TooltipEntry* entries, int count) {
+  const unsigned long long size = sizeof(TooltipEntry) * static_cast<unsigned long long>(count > 1 ? count : 1);
   return size <= MAXDWORD && !IsBadReadPtr(entries, static_cast<UINT_PTR>(size));
 }
 
-void ResolveText(HINSTANCE instance, const ToolTipEntry& entry, wchar_t (&text)[kToolTipCharacters]) {
+void ResolveText(HINSTANCE instance, const TooltipEntry& entry, wchar_t (&text)[kTooltipCharacters]) {
   text[0] = L'\0';
   if (!entry.text) {
-    LoadStringW(instance, entry.id, text, kToolTipCharacters);
+    LoadStringW(instance, entry.id, text, kTooltipCharacters);
   } else if (IsBadReadPtr(entry.text, 1)) {
-    LoadStringW(instance, reinterpret_cast<UINT>(entry.text), text, kToolTipCharacters);
+    LoadStringW(instance, reinterpret_cast<UINT>(entry.text), text, kTooltipCharacters);
   } else {
-    lstrcpynW(text, entry.text, kToolTipCharacters);
+    lstrcpynW(text, entry.text, kTooltipCharacters);
   }
 }
 
 }  // namespace
 
-HWND CreateToolTips(HINSTANCE instance, HWND owner, const ToolTipEntry* entries, int count) {
+HWND CreateTooltips(HINSTANCE instance, HWND owner, const TooltipEntry* entries, int count) {
   if (!IsWindow(owner) || !IsReadableTable(entries, count)) return nullptr;
   if (!instance) instance = reinterpret_cast<HINSTANCE>(GetWindowLongA(owner, GWL_HINSTANCE));
   const HWND tips = CreateWindowExW(0, TOOLTIPS_CLASSW, nullptr, TTS_ALWAYSTIP, CW_USEDEFAULT, CW_USEDEFAULT,
@@ -45,7 +45,7 @@ HWND CreateToolTips(HINSTANCE instance, HWND owner, const ToolTipEntry* entries,
   if (!tips) return nullptr;
 
   const bool toolbar = IsToolbar(owner);
-  wchar_t text[kToolTipCharacters];
+  wchar_t text[kTooltipCharacters];
   TTTOOLINFOW tool{};
   tool.cbSize = kToolInfoSize;
   tool.uFlags = toolbar ? TTF_SUBCLASS : TTF_IDISHWND | TTF_SUBCLASS;

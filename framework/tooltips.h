@@ -12,14 +12,14 @@ namespace kv {
 // index, separators included; for a dialog, `id` is the control's id. `text` is a wide text, or a string resource's
 // number in place of the address; null stands for the string resource numbered `id`. An empty text gives no tool, which
 // is how a placeholder for a separator is written: {0, nullptr}.
-struct ToolTipEntry {
+struct TooltipEntry {
   UINT id;
   const wchar_t* text;
 };
-static_assert(sizeof(ToolTipEntry) == 8);
+static_assert(sizeof(TooltipEntry) == 8);
 
 // Texts are cut to this many characters, the terminator included.
-inline constexpr int kToolTipCharacters = 1024;
+inline constexpr int kTooltipCharacters = 1024;
 
 // Creates the tooltip window of `owner`: a toolbar if its class is exactly "ToolbarWindow32", a dialog otherwise.
 // String resources come from `instance`, or the owner's module when that is null. Button rectangles are taken once:
@@ -27,6 +27,6 @@ inline constexpr int kToolTipCharacters = 1024;
 //
 // The window belongs to the top-level window of `owner` and goes with that. Null when `owner` is no window (nobody
 // would destroy the tips), the table cannot be read or no window can be made.
-HWND CreateToolTips(HINSTANCE instance, HWND owner, const ToolTipEntry* entries, int count);
+HWND CreateTooltips(HINSTANCE instance, HWND owner, const TooltipEntry* entries, int count);
 
 }  // namespace kv

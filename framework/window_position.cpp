@@ -89,7 +89,7 @@ BOOL WindowPosition(HWND window, const char* name, int mode) {
       SetWindowPos(window, nullptr, position.left, position.top, Extent(position.left, position.right),
                    Extent(position.top, position.bottom), SWP_SHOWWINDOW);
       break;
-    case kPositionRestorePlace: SetWindowPos(window, nullptr, position.left, position.top, 0, 0, SWP_NOSIZE); break;
+    case kPositionRestoreOnly: SetWindowPos(window, nullptr, position.left, position.top, 0, 0, SWP_NOSIZE); break;
     default: WritePosition(name, position); break;
   }
   return TRUE;
@@ -119,7 +119,7 @@ BOOL WindowNumber(const char* name, DWORD* number, int mode) {
   switch (mode) {
     case kPositionSave: WriteValue(name, REG_DWORD, number, sizeof(*number)); return TRUE;
     case kPositionRestore:
-    case kPositionRestorePlace: {
+    case kPositionRestoreOnly: {
       // Read beside the number: a value that is too long may leave anything behind.
       DWORD stored = *number;
       if (ReadValue(name, &stored, sizeof(stored))) *number = stored;

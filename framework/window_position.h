@@ -11,9 +11,9 @@ namespace kv {
 
 inline constexpr char kWindowPositionsKey[] = "Software\\korvel\\WindowPositions";
 
-inline constexpr int kPositionSave = 0;          // store the outer rectangle; not while minimised or maximised
-inline constexpr int kPositionRestore = 1;       // position and size, and show the window
-inline constexpr int kPositionRestorePlace = 2;  // position only
+inline constexpr int kPositionSave = 0;         // store the outer rectangle; not while minimised or maximised
+inline constexpr int kPositionRestore = 1;      // position and size, and show the window
+inline constexpr int kPositionRestoreOnly = 2;  // position only
 
 // Saves or restores the outer rectangle of `window` under the value `name`, as the text "left,top,right,bottom" in
 // screen pixels. Without a stored text a restore centres the window on the desktop at its present size. A mode above 2
@@ -23,7 +23,7 @@ inline constexpr int kPositionRestorePlace = 2;  // position only
 // maximised window. A registry that cannot be written is not a failure.
 BOOL WindowPosition(HWND window, const char* name, int mode);
 
-// Writes (kPositionSave) or reads (kPositionRestore, kPositionRestorePlace) one 32-bit number. A number that is not
+// Writes (kPositionSave) or reads (kPositionRestore, kPositionRestoreOnly) one 32-bit number. A number that is not
 // stored, or is stored with more than 4 bytes, stays what the caller preset. Returns 0 for an unreadable name, an
 // unwritable number and any other mode.
 BOOL WindowNumber(const char* name, DWORD* number, int mode);

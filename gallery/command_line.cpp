@@ -12,11 +12,11 @@ namespace gallery {
 
 StartOptions ParseCommandLine(int argc, const wchar_t* const* argv) {
   StartOptions options;
-  for (int i = 1; i < argc && options.refused.empty(); ++i) {
+  for (int i = 1; i < argc && options.rejected.empty(); ++i) {
     const std::wstring option = argv[i];
     const auto choose = [&](int* choice, int (*find)(const wchar_t* name)) {
       *choice = i + 1 < argc ? find(argv[i + 1]) : -1;
-      if (*choice < 0) options.refused = i + 1 < argc ? option + L" " + argv[i + 1] : option;
+      if (*choice < 0) options.rejected = i + 1 < argc ? option + L" " + argv[i + 1] : option;
       ++i;
     };
     if (option == L"--page") {
@@ -28,7 +28,7 @@ StartOptions ParseCommandLine(int argc, const wchar_t* const* argv) {
     } else if (option == L"--help" || option == L"/?") {
       options.help = true;
     } else {
-      options.refused = option;
+      options.rejected = option;
     }
   }
   return options;

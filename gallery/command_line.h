@@ -13,7 +13,7 @@ struct StartOptions {
   int page = -1;                       // -1: the one that was shown last
   int language = kv::kStoredLanguage;  // or one of the table
   bool walk = false, help = false;
-  std::wstring refused;  // the first option or value that there is not; empty when all is well
+  std::wstring rejected;  // the first option or value that there is not; empty when all is well
 };
 
 StartOptions ParseCommandLine(int argc, const wchar_t* const* argv);

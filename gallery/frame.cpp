@@ -158,7 +158,7 @@ INT_PTR CALLBACK FrameProcedure(HWND frame, UINT message, WPARAM wParam, LPARAM 
   }
 }
 
-const kv::ToolTipEntry kTips[] = {{IDC_PAGE_LIST, MAKEINTRESOURCEW(IDS_LIST_TIP)}};
+const kv::TooltipEntry kTips[] = {{IDC_PAGE_LIST, MAKEINTRESOURCEW(IDS_LIST_TIP)}};
 
 }  // namespace
 

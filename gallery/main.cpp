@@ -27,20 +27,20 @@
 
 namespace {
 
-constexpr int kExitNoWindow = 1, kExitRefused = 2;
+constexpr int kExitNoWindow = 1, kExitRejected = 2;
 
 int ShowHelp(HINSTANCE instance, const gallery::StartOptions& options) {
   kv::modules = {.resources = instance, .application = instance};
   kv::LoadLanguages(gallery::kFileStem, options.language);
-  const std::wstring& refused = options.refused;
+  const std::wstring& rejected = options.rejected;
   std::wstring help = gallery::TextWith(IDS_HELP_TEXT, gallery::PageNames().c_str(), gallery::LanguageCodes().c_str());
-  if (!refused.empty()) help = gallery::TextWith(IDS_HELP_REFUSED, refused.c_str()) + L"\n\n" + help;
-  if (!gallery::Print(refused.empty() ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE, help)) {
+  if (!rejected.empty()) help = gallery::TextWith(IDS_HELP_REJECTED, rejected.c_str()) + L"\n\n" + help;
+  if (!gallery::Print(rejected.empty() ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE, help)) {
     kv::ShowMessage(nullptr, help, kv::ResourceText(IDS_GALLERY_CAPTION),
-                    refused.empty() ? MB_ICONINFORMATION : MB_ICONWARNING);
+                    rejected.empty() ? MB_ICONINFORMATION : MB_ICONWARNING);
   }
   kv::UnloadLanguages();
-  return refused.empty() ? 0 : kExitRefused;
+  return rejected.empty() ? 0 : kExitRejected;
 }
 
 // From the tool the gallery shows the chart and nothing else.
@@ -60,5 +60,5 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
   wchar_t** argv = CommandLineToArgvW(GetCommandLineW(), &argc);
   const gallery::StartOptions options = gallery::ParseCommandLine(argc, argv);
   LocalFree(argv);
-  return options.help || !options.refused.empty() ? ShowHelp(instance, options) : ShowFrame(instance, options);
+  return options.help || !options.rejected.empty() ? ShowHelp(instance, options) : ShowFrame(instance, options);
 }

@@ -153,7 +153,7 @@ LRESULT OnPaint(HWND window, ListState&) {
 }
 
 // Nothing to draw; but an update region that stays would keep the message loop busy for ever.
-LRESULT RefusePaint(HWND window) {
+LRESULT ValidateWithoutPainting(HWND window) {
   ValidateRect(window, nullptr);
   return kNoState;
 }
@@ -235,7 +235,7 @@ LRESULT CALLBACK ExtendedListProcedure(HWND window, UINT message, WPARAM wParam,
     case WM_CREATE: return OnCreate(window);
     case WM_DESTROY: return handle(OnDestroy);
     case WM_SIZE: return handle(OnSize);
-    case WM_PAINT: return state ? OnPaint(window, *state) : RefusePaint(window);
+    case WM_PAINT: return state ? OnPaint(window, *state) : ValidateWithoutPainting(window);
     case WM_COMMAND: return state ? 0 : kNoState;
     case WM_HSCROLL: return handle(OnHorizontalScroll, wParam);
     case WM_VSCROLL: return handle(OnVerticalScroll, wParam);
@@ -246,7 +246,7 @@ LRESULT CALLBACK ExtendedListProcedure(HWND window, UINT message, WPARAM wParam,
     case LB_SETHORIZONTALEXTENT: return handle(OnSetExtent, wParam);
     case LB_SETCOUNT: return handle(OnSetCount, wParam);
     case LB_RESETCONTENT: return handle(OnSetCount, WPARAM{0});
-    case WM_GETOBJECT: return AnswerGetObject(window, wParam, lParam, ROLE_SYSTEM_LIST, Describe);
+    case WM_GETOBJECT: return HandleGetObject(window, wParam, lParam, ROLE_SYSTEM_LIST, Describe);
     default: return DefWindowProcA(window, message, wParam, lParam);
   }
 }

@@ -38,7 +38,7 @@ DWORD FirstRow(const ListState& state) {
 }
 
 // Pulls offsets and selection into what the list and its window are now.
-void Settle(HWND list, ListState& state) {
+void ClampState(HWND list, ListState& state) {
   const SIZE client = ClientSize(list);
   const LONG width = std::max(state.nExtent, UsableSurfaceWidth(client.cx));
   if (width != state.surfaceSize.cx) {
@@ -54,9 +54,9 @@ void Settle(HWND list, ListState& state) {
   if (state.dwSelectedRow >= state.dwRowCount) state.bSelected = FALSE;
 }
 
-void MeasureAndSettle(HWND list) {
+void MeasureAndClamp(HWND list) {
   MeasureListRows(list);
-  if (ListState* state = NavigatedListOf(list)) Settle(list, *state);
+  if (ListState* state = NavigatedListOf(list)) ClampState(list, *state);
   UpdateListBars(list);
 }
 
@@ -65,7 +65,7 @@ void ScrollTo(HWND list, ListState& state, long long verticalOffset, long long h
   const LONG formerVertical = state.nVerticalOffset, formerHorizontal = state.nHorizontalOffset;
   state.nVerticalOffset = limited(verticalOffset);
   state.nHorizontalOffset = limited(horizontalOffset);
-  Settle(list, state);
+  ClampState(list, state);
   if (state.nVerticalOffset == formerVertical && state.nHorizontalOffset == formerHorizontal) return;
   if (state.nVerticalOffset != formerVertical) state.bDirty = TRUE;
   UpdateListBars(list);
@@ -80,7 +80,7 @@ void ScrollSideways(HWND list, ListState& state, long long pixels) {
   ScrollTo(list, state, state.nVerticalOffset, state.nHorizontalOffset + pixels);
 }
 
-// The row becomes the selected one and comes into view. `record` may be gone afterwards.
+// The row becomes the selected one and comes into view. `state` may be gone afterwards.
 void Select(HWND list, ListState& state, DWORD row) {
   state.bSelected = TRUE;
   state.dwSelectedRow = row;
@@ -92,7 +92,7 @@ void Select(HWND list, ListState& state, DWORD row) {
   if (wanted != first) {
     state.nVerticalOffset =
         static_cast<LONG>(std::min<long long>(static_cast<long long>(wanted) * state.nRowHeight, MAXLONG));
-    Settle(list, state);
+    ClampState(list, state);
     UpdateListBars(list);
   }
   RepaintNow(list);
@@ -225,14 +225,14 @@ void RedrawLater(HWND list, ListState& state) {
 void OnSetExtent(HWND list, ListState& state, WPARAM* extent) {
   const LONG asked = UsableSurfaceWidth(*extent);
   state.nExtent = asked;
-  Settle(list, state);
-  UpdateListBars(list);  // `record` may be gone afterwards
+  ClampState(list, state);
+  UpdateListBars(list);  // `state` may be gone afterwards
   *extent = static_cast<WPARAM>(std::max(asked, UsableSurfaceWidth(ClientSize(list).cx)));
 }
 
 void OnSetCount(HWND list, ListState& state, DWORD count) {
   state.dwRowCount = count;
-  MeasureAndSettle(list);
+  MeasureAndClamp(list);
 }
 
 LRESULT CALLBACK NavigationProcedure(HWND list, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
@@ -256,7 +256,7 @@ LRESULT CALLBACK NavigationProcedure(HWND list, UINT message, WPARAM wParam, LPA
       if (state->bSelected) RedrawLater(list, *state);
       break;
     case WM_SYSCOLORCHANGE: RedrawLater(list, *state); break;
-    case WM_SIZE: MeasureAndSettle(list); break;
+    case WM_SIZE: MeasureAndClamp(list); break;
     case LB_SETCOUNT: OnSetCount(list, *state, static_cast<DWORD>(wParam)); break;
     case LB_RESETCONTENT: OnSetCount(list, *state, 0); break;
     case LB_SETHORIZONTALEXTENT: OnSetExtent(list, *state, &wParam); break;
@@ -283,7 +283,7 @@ BOOL AddListNavigation(HWND list) {
   state->bNavigated = TRUE;
   // A width that is not the window's was asked for.
   if (state->surfaceSize.cx != ClientSize(list).cx) state->nExtent = state->surfaceSize.cx;
-  MeasureAndSettle(list);
+  MeasureAndClamp(list);
   return TRUE;
 }
 
@@ -314,7 +314,7 @@ BOOL ScrollListTo(HWND list, UINT row) {
 
 BOOL RedrawList(HWND list) {
   if (!ListOf(list)) return FALSE;
-  MeasureAndSettle(list);
+  MeasureAndClamp(list);
   if (ListState* state = ListOf(list)) {
     state->bDirty = TRUE;
     RepaintNow(list);

@@ -12,7 +12,7 @@ namespace kv {
 
 namespace {
 
-std::vector<std::wstring>* cutTexts = nullptr;
+std::vector<std::wstring>* truncatedTexts = nullptr;
 
 OwnedFont Make(int height, int weight, BYTE pitchAndFamily, const wchar_t* face) {
   return OwnedFont(CreateFontW(height, 0, 0, 0, weight, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_TT_PRECIS,
@@ -31,17 +31,17 @@ OwnedFont MakeFixedPitchFont(int height, int weight) {
 
 void DrawFitted(HDC dc, const std::wstring& text, RECT area, UINT format) {
   format |= DT_NOPREFIX | (IsRightToLeft() ? DT_RTLREADING : 0u);
-  if (cutTexts) {
+  if (truncatedTexts) {
     RECT needed = area;
     DrawTextW(dc, text.c_str(), -1, &needed, format | DT_CALCRECT);
     const bool tooWide = needed.right - needed.left > area.right - area.left;
-    if (tooWide || needed.bottom - needed.top > area.bottom - area.top) cutTexts->push_back(text);
+    if (tooWide || needed.bottom - needed.top > area.bottom - area.top) truncatedTexts->push_back(text);
   }
   DrawTextW(dc, text.c_str(), -1, &area, format | DT_END_ELLIPSIS);
 }
 
-void CollectCutTexts(std::vector<std::wstring>* texts) {
-  cutTexts = texts;
+void CollectTruncatedTexts(std::vector<std::wstring>* texts) {
+  truncatedTexts = texts;
 }
 
 COLORREF ListShade(int percent) {

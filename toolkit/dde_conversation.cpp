@@ -34,10 +34,10 @@ BOOL DdeConversation::Poke(const char* item, const char* text, DWORD timeoutMs) 
   return IsOpen() && ddePoke(instance_, conversation_, item, text, timeoutMs) != nullptr;
 }
 
-BOOL DdeConversation::Request(const char* item, std::string* answer, DWORD timeoutMs) {
-  char text[kDdeAnswerSize];
+BOOL DdeConversation::Request(const char* item, std::string* reply, DWORD timeoutMs) {
+  char text[kDdeReplySize];
   if (!IsOpen() || !RequestDdeText(instance_, conversation_, item, timeoutMs, text)) return FALSE;
-  answer->assign(text, strnlen(text, sizeof(text)));
+  reply->assign(text, strnlen(text, sizeof(text)));
   return TRUE;
 }
 

@@ -30,8 +30,8 @@ class DdeConversation {
   BOOL Execute(const char* command);
   // Hands a text to an item. Not 0 if the program took it within the time-out, of which 0 stands for 10 seconds.
   BOOL Poke(const char* item, const char* text, DWORD timeoutMs = 0);
-  // The text of an item, at most kDdeAnswerSize bytes. Returns 0 without an answer, which leaves `answer` alone.
-  BOOL Request(const char* item, std::string* answer, DWORD timeoutMs = 0);
+  // The text of an item, at most kDdeReplySize bytes. Returns 0 without an answer, which leaves `reply` unchanged.
+  BOOL Request(const char* item, std::string* reply, DWORD timeoutMs = 0);
 
  private:
   DWORD instance_ = 0;

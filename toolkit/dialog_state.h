@@ -17,14 +17,14 @@ enum class DialogKind { kModeless, kModal, kPage };
 
 // A dialog inside this one.
 struct DialogPage {
-  const ScaledDialog* what;
+  const ScaledDialog* options;
   HWND window;
 };
 
 // Lives from WM_INITDIALOG to WM_NCDESTROY, and longer for whoever holds it: every call that reaches a control or the
 // dialog's own procedure may destroy the dialog.
 struct DialogState {
-  ScaledDialog what;
+  ScaledDialog options;
   DialogKind kind;
   WNDPROC classProcedure;
   std::vector<LayoutSlot> slots;
@@ -37,7 +37,7 @@ struct DialogState {
   HWND tips, textTips;
   std::vector<DialogPage> pages;
   HWND shownPage;
-  int pagePlace;
+  int placeholderId;
   HACCEL accelerators;  // null without a table; the system frees it with the program
   HMENU languageMenu;
   std::array<HBITMAP, kLanguageBitmapArea / sizeof(HBITMAP)> languageBitmaps;
@@ -50,7 +50,7 @@ std::shared_ptr<DialogState> DialogStateOf(HWND dialog);
 
 // Opens a dialog of a kind; null when it could not be opened, which is explained to a debugger.
 HWND CreateScaledDialog(HWND owner, const ScaledDialog& dialog, DialogKind kind);
-void ExplainMissing(const wchar_t* templateName);
+void ReportMissing(const wchar_t* templateName);
 
 // Keeps the shown page as large as its place.
 void PlacePage(HWND parent, const DialogState& state);
@@ -63,7 +63,7 @@ void SetTextsOfLanguage(HWND dialog, const wchar_t* templateName);
 
 // Puts a menu bar and tool tips in the language that is shown in the place of the former.
 void ReplaceMenu(HWND dialog, DialogState& state);
-void ReplaceToolTips(HWND dialog, DialogState& state);
+void ReplaceTooltips(HWND dialog, DialogState& state);
 
 // Calls visit(child) for each child window that is there at the beginning and still is when its turn comes.
 template <class Visit>

@@ -47,15 +47,15 @@ BOOL ChangeBlock(HWND dialog, int id, Change change) {
   return TRUE;
 }
 
-bool IsNumberReadOut(DWORD style) {
+bool IsNumberReadout(DWORD style) {
   return (style & kInstrumentModeBits) == kModeDigital &&
          !(style & (kInstrumentShowTime | kInstrumentShowDate | kInstrumentShowAngle));
 }
 
 // The decimal places in which a step of this size shows, as few as do.
-int PlacesShowing(double step) {
-  const double places = std::ceil(-std::log10(std::fabs(step)) - 1e-9);
-  return std::isfinite(places) ? static_cast<int>(std::clamp<double>(places, 0, kFormatPlaces)) : 0;
+int DecimalsFor(double step) {
+  const double decimals = std::ceil(-std::log10(std::fabs(step)) - 1e-9);
+  return std::isfinite(decimals) ? static_cast<int>(std::clamp<double>(decimals, 0, kFormatDecimals)) : 0;
 }
 
 }  // namespace
@@ -111,15 +111,15 @@ BOOL SetInstrumentRange(HWND dialog, int id, const InstrumentRange& range) {
     block.minimum = static_cast<float>(range.minimum);
     block.maximum = static_cast<float>(range.maximum);
     block.step = static_cast<float>(step);
-    const int places = range.places < 0 ? PlacesShowing(step) : std::min<int>(range.places, kFormatPlaces);
-    if (IsNumberReadOut(style)) {
+    const int decimals = range.decimals < 0 ? DecimalsFor(step) : std::min<int>(range.decimals, kFormatDecimals);
+    if (IsNumberReadout(style)) {
       sign = sign || range.minimum < 0 || range.maximum < 0;
       // What rounding makes of the largest value may have a digit more.
       const double largest =
-          std::fmax(std::fabs(range.minimum), std::fabs(range.maximum)) + 0.5 * std::pow(10, -places);
+          std::fmax(std::fabs(range.minimum), std::fabs(range.maximum)) + 0.5 * std::pow(10, -decimals);
       block.maximum = ReadableMaximum(range.maximum, largest);
     }
-    block.format = static_cast<BYTE>(places | (sign ? kFormatSign : 0));
+    block.format = static_cast<BYTE>(decimals | (sign ? kFormatSign : 0));
     if (IsReadableText(range.unit)) StoreText(block.szUnit, range.unit);
   });
 }

@@ -35,7 +35,7 @@ struct InstrumentRange {
   double minimum = 0, maximum = 100;
   const wchar_t* unit = nullptr;  // null keeps the unit
   double step = 0;                // 0: a hundredth of the range
-  int places = -1;                // decimal places, 0..7; -1: as the step's size asks for
+  int decimals = -1;              // decimal places, 0..7; -1: as the step's size asks for
   bool alwaysSign = false;
 };
 

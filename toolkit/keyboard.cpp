@@ -21,7 +21,7 @@ bool TakesKeys(HWND control) {
   return IsWindowVisible(control) && IsWindowEnabled(control);
 }
 
-bool CrossOver(HWND dialog) {
+bool SwitchFocus(HWND dialog) {
   const HWND page = ShownPage(dialog);
   if (!page) return false;
   if (!IsChild(page, GetFocus()) && FocusFirstControl(page)) return true;
@@ -36,9 +36,9 @@ bool CrossOver(HWND dialog) {
 }
 
 bool OnTab(HWND dialog, const MSG& key) {
-  if (IsKeyDown(VK_CONTROL)) return CrossOver(dialog);
-  const LRESULT wants = SendMessageW(key.hwnd, WM_GETDLGCODE, VK_TAB, reinterpret_cast<LPARAM>(&key));
-  if (!(wants & (DLGC_WANTTAB | DLGC_WANTMESSAGE))) return false;
+  if (IsKeyDown(VK_CONTROL)) return SwitchFocus(dialog);
+  const LRESULT code = SendMessageW(key.hwnd, WM_GETDLGCODE, VK_TAB, reinterpret_cast<LPARAM>(&key));
+  if (!(code & (DLGC_WANTTAB | DLGC_WANTMESSAGE))) return false;
   SendMessageW(dialog, WM_NEXTDLGCTL, IsKeyDown(VK_SHIFT), 0);
   return true;
 }
@@ -85,10 +85,10 @@ bool KeepsKey(HWND control, WPARAM key) {
 }  // namespace
 
 bool TakeAccelerator(HWND dialog, MSG* message) {
-  const std::shared_ptr<DialogRecord> record = DialogRecordOf(dialog);
-  if (!record || !record->accelerators || !IsWindowEnabled(dialog)) return false;
+  const std::shared_ptr<DialogState> state = DialogStateOf(dialog);
+  if (!state || !state->accelerators || !IsWindowEnabled(dialog)) return false;
   if (message->message == WM_KEYDOWN && KeepsKey(message->hwnd, message->wParam)) return false;
-  return TranslateAcceleratorW(dialog, record->accelerators, message) != 0;
+  return TranslateAcceleratorW(dialog, state->accelerators, message) != 0;
 }
 
 bool TakeKey(HWND dialog, MSG* message) {
@@ -102,7 +102,7 @@ bool TakeKey(HWND dialog, MSG* message) {
   if (!TakesKeys(message->hwnd) && FocusFirstControl(dialog)) message->hwnd = GetFocus();
   if (message->message != WM_KEYDOWN) return false;
   switch (message->wParam) {
-    case VK_F6: return CrossOver(dialog);
+    case VK_F6: return SwitchFocus(dialog);
     case VK_TAB: return OnTab(dialog, *message);
     case VK_RETURN: return OnReturn(dialog, message->hwnd);
     default: return false;

@@ -47,7 +47,7 @@ std::wstring fileStem;  // empty while no languages are loaded
 int currentLanguage = 0;
 
 // Returns the library that is no longer needed, or null.
-HMODULE TakeLanguage(int language) {
+HMODULE LoadLanguage(int language) {
   const HMODULE former = modules.resources;
   currentLanguage = language;
   modules.resources = LoadLanguageResources(modules.application, fileStem.c_str(), fileStem.c_str(), &currentLanguage);
@@ -92,7 +92,7 @@ void TranslateMenu(HMENU menu) {
 
 // The menu of languages outlives the menu bars that it is in.
 void SetLanguageMenu(HMENU bar, DialogState& state) {
-  const LanguageMenu& menu = state.what.languageMenu;
+  const LanguageMenu& menu = state.options.languageMenu;
   if (!state.languageMenu) {
     state.languageMenu = BuildLanguageMenu(currentLanguage, modules.application, menu.firstCommand, menu.firstBitmap,
                                            fileStem.c_str(), state.languageBitmaps.data());
@@ -110,7 +110,7 @@ void SetLanguageMenu(HMENU bar, DialogState& state) {
 int LoadLanguages(const wchar_t* stem, int language) {
   if (!IsReadableText(stem)) return 0;
   fileStem = stem;
-  FreeIfAny(TakeLanguage(language));
+  FreeIfAny(LoadLanguage(language));
   return currentLanguage;
 }
 
@@ -124,7 +124,7 @@ void UnloadLanguages() {
 
 int SwitchLanguage(HWND dialog, const wchar_t* templateName, int language) {
   if (fileStem.empty()) return 0;
-  const HMODULE former = TakeLanguage(language);
+  const HMODULE former = LoadLanguage(language);
   EnumThreadWindows(GetCurrentThreadId(), ShowInOne, 0);
   if (templateName && !DialogStateOf(dialog)) SetTextsOfLanguage(dialog, templateName);
   FreeIfAny(former);
@@ -182,11 +182,11 @@ void SetTextsOfLanguage(HWND dialog, const wchar_t* templateName) {
 }
 
 void ReplaceMenu(HWND dialog, DialogState& state) {
-  if (!state.what.menu) return;
-  HMENU bar = LoadMenuW(modules.application, state.what.menu), former = GetMenu(dialog);
+  if (!state.options.menu) return;
+  HMENU bar = LoadMenuW(modules.application, state.options.menu), former = GetMenu(dialog);
   TranslateMenu(bar);
-  if (former) RemoveMenu(former, state.what.languageMenu.item, MF_BYCOMMAND);
-  if (state.what.languageMenu.item) SetLanguageMenu(bar, state);
+  if (former) RemoveMenu(former, state.options.languageMenu.item, MF_BYCOMMAND);
+  if (state.options.languageMenu.item) SetLanguageMenu(bar, state);
   SetMenu(dialog, bar);
   if (former) DestroyMenu(former);
 }

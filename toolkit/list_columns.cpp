@@ -59,12 +59,12 @@ void DrawSortMark(HDC dc, RECT* cell, bool descending) {
   cell->right = x - kPadding / 2;
 }
 
-struct RowLook {
+struct RowStyle {
   COLORREF ground, text;
   int weight;
 };
 
-RowLook LookOf(const DRAWITEMSTRUCT& item) {
+RowStyle RowStyleOf(const DRAWITEMSTRUCT& item) {
   if (item.itemID == kHeaderRow) return {GetSysColor(COLOR_BTNFACE), GetSysColor(COLOR_BTNTEXT), FW_SEMIBOLD};
   if (item.itemState & ODS_SELECTED) return {GetSysColor(COLOR_HIGHLIGHT), GetSysColor(COLOR_HIGHLIGHTTEXT), FW_NORMAL};
   return {ListShade(item.itemID % 2 ? kShadedRowPercent : 0), GetSysColor(COLOR_WINDOWTEXT), FW_NORMAL};
@@ -75,11 +75,11 @@ RowLook LookOf(const DRAWITEMSTRUCT& item) {
 void DrawListRow(const DRAWITEMSTRUCT& item, std::span<const ListColumn> columns, const ListCellText& text,
                  ListSorting sorting, int textPx) {
   const bool isHeader = item.itemID == kHeaderRow;
-  const RowLook look = LookOf(item);
+  const RowStyle style = RowStyleOf(item);
   if (textPx <= 0) textPx = std::max<int>((item.rcItem.bottom - item.rcItem.top) * 3 / 5, 6);
-  FillSolid(item.hDC, item.rcItem, look.ground);
+  FillSolid(item.hDC, item.rcItem, style.ground);
   SetBkMode(item.hDC, TRANSPARENT);
-  SetTextColor(item.hDC, look.text);
+  SetTextColor(item.hDC, style.text);
   VisitColumns(columns, item.rcItem.right, [&](int column, LONG left, LONG right) {
     RECT cell{left, item.rcItem.top, right, item.rcItem.bottom};
     if (isHeader) {
@@ -90,7 +90,7 @@ void DrawListRow(const DRAWITEMSTRUCT& item, std::span<const ListColumn> columns
     InflateRect(&cell, -kPadding, 0);
     if (isHeader && column == sorting.column) DrawSortMark(item.hDC, &cell, sorting.descending);
     const std::wstring shown = isHeader ? ListColumnTitle(columns[column]) : text(item.itemID, column);
-    const SelectedObject font(item.hDC, FontOf(textPx, look.weight, columns[column].fixedPitch && !isHeader));
+    const SelectedObject font(item.hDC, FontOf(textPx, style.weight, columns[column].fixedPitch && !isHeader));
     DrawFitted(item.hDC, shown, cell, columns[column].align | DT_VCENTER | DT_SINGLELINE);
   });
 }

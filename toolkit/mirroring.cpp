@@ -64,7 +64,7 @@ bool HasScrollBarOnWrongSide(HWND control) {
          client.left - window.left > window.right - client.right;
 }
 
-void MendScrollBar(HWND control) {
+void FixScrollBar(HWND control) {
   if (!HasScrollBarOnWrongSide(control)) return;
   SetWindowSubclass(control, ExchangeSides, 1, 0);
   SetWindowPos(control, nullptr, 0, 0, 0, 0,
@@ -104,8 +104,8 @@ bool MirrorDialog(HWND dialog) {
   return SetDirection(dialog, kMirrored, IsRightToLeft());
 }
 
-void MendMirroredDialog(HWND dialog) {
-  if (IsRightToLeft()) VisitChildren(dialog, MendScrollBar);
+void FixMirroredDialog(HWND dialog) {
+  if (IsRightToLeft()) VisitChildren(dialog, FixScrollBar);
 }
 
 }  // namespace kv

@@ -12,6 +12,6 @@ bool MirrorDialog(HWND dialog);
 
 // To be called when the controls of a dialog have been placed: brings scroll bars back to the side where their control
 // expects them.
-void MendMirroredDialog(HWND dialog);
+void FixMirroredDialog(HWND dialog);
 
 }  // namespace kv

@@ -19,13 +19,13 @@ void SetShown(HWND page, bool shown) {
 void PlacePage(HWND parent, const DialogState& state) {
   if (!state.shownPage) return;
   RECT place{};
-  GetWindowRect(GetDlgItem(parent, state.pagePlace), &place);
+  GetWindowRect(GetDlgItem(parent, state.placeholderId), &place);
   MapWindowPoints(nullptr, parent, reinterpret_cast<POINT*>(&place), 2);
   SetWindowPos(state.shownPage, HWND_TOP, place.left, place.top, place.right - place.left, place.bottom - place.top,
                SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-HWND ShowPage(HWND parent, int placeId, const ScaledDialog& page) {
+HWND ShowPage(HWND parent, int placeholderId, const ScaledDialog& page) {
   const std::shared_ptr<DialogState> state = DialogStateOf(parent);
   if (!state) return nullptr;
   HWND window = PageWindow(parent, page), former = state->shownPage;
@@ -40,7 +40,7 @@ HWND ShowPage(HWND parent, int placeId, const ScaledDialog& page) {
   if (hadFocus) SetFocus(parent);
   if (former) SetShown(former, false);
   state->shownPage = window;
-  state->pagePlace = placeId;
+  state->placeholderId = placeholderId;
   PlacePage(parent, *state);
   SetShown(window, true);
   if (hadFocus && !FocusFirstControl(window)) FocusFirstControl(parent);
@@ -56,7 +56,7 @@ HWND PageWindow(HWND parent, const ScaledDialog& page) {
   const std::shared_ptr<DialogState> state = DialogStateOf(parent);
   if (!state) return nullptr;
   for (const DialogPage& each : state->pages) {
-    if (each.what == &page && IsWindow(each.window)) return each.window;
+    if (each.options == &page && IsWindow(each.window)) return each.window;
   }
   return nullptr;
 }

@@ -15,11 +15,11 @@ namespace kv {
 // Sent to a page when it is shown (wParam 1) or hidden (wParam 0): the time to start or stop timers.
 inline constexpr UINT kPageShown = WM_APP + 0x3F01;
 
-// Shows a page over the control `placeId` of `parent`, as large as that and following it, in place of the one that was
-// shown. When the focus was in that one, it goes into this one. The page is known by the address of its record, and
-// lives until the parent is destroyed. Returns its window; null, with the former page still shown, when `parent` is no
-// dialog of the toolkit or the page cannot be opened.
-HWND ShowPage(HWND parent, int placeId, const ScaledDialog& page);
+// Shows a page over the control `placeholderId` of `parent`, as large as that and following it, in place of the one
+// that was shown. When the focus was in that one, it goes into this one. The page is known by the address of its
+// record, and lives until the parent is destroyed. Returns its window; null, with the former page still shown, when
+// `parent` is no dialog of the toolkit or the page cannot be opened.
+HWND ShowPage(HWND parent, int placeholderId, const ScaledDialog& page);
 
 // The page that is shown; null before the first.
 HWND ShownPage(HWND parent);

@@ -35,7 +35,7 @@ bool IsKnownClass(const wchar_t* name) {
 }
 
 template <class... Values>
-void Explain(DWORD error, const wchar_t* format, Values... values) {
+void PrintToDebugger(DWORD error, const wchar_t* format, Values... values) {
   wchar_t text[512];
   FormatBounded(text, sizeof(text), format, values...);
   OutputDebugStringW(text);
@@ -44,24 +44,27 @@ void Explain(DWORD error, const wchar_t* format, Values... values) {
 
 }  // namespace
 
-void ExplainMissing(const wchar_t* templateName) {
+void ReportMissing(const wchar_t* templateName) {
   const std::wstring name =
       IS_INTRESOURCE(templateName) ? L"#" + std::to_wstring(LOWORD(templateName)) : std::wstring(templateName);
   DialogTemplate read;
   if (!ReadDialogTemplate(modules.application, templateName, &read)) {
-    return Explain(ERROR_RESOURCE_NAME_NOT_FOUND, L"kv: the program has no dialog template \"%.100s\"\n", name.c_str());
+    return PrintToDebugger(ERROR_RESOURCE_NAME_NOT_FOUND, L"kv: the program has no dialog template \"%.100s\"\n",
+                           name.c_str());
   }
   if (!IsKnownClass(read.windowClass)) {
-    return Explain(ERROR_CANNOT_FIND_WND_CLASS,
-                   L"kv: the dialog template \"%.100s\" has the class \"%.100s\", which nobody has registered\n",
-                   name.c_str(), read.windowClass);
+    return PrintToDebugger(
+        ERROR_CANNOT_FIND_WND_CLASS,
+        L"kv: the dialog template \"%.100s\" has the class \"%.100s\", which nobody has registered\n", name.c_str(),
+        read.windowClass);
   }
   for (const TemplateControl& control : read.controls) {
     if (IsKnownClass(control.windowClass)) continue;
-    return Explain(ERROR_CANNOT_FIND_WND_CLASS,
-                   L"kv: control %d of the dialog template \"%.100s\" has the class \"%.100s\", which nobody has "
-                   L"registered\n",
-                   control.id, name.c_str(), control.windowClass);
+    return PrintToDebugger(
+        ERROR_CANNOT_FIND_WND_CLASS,
+        L"kv: control %d of the dialog template \"%.100s\" has the class \"%.100s\", which nobody has "
+        L"registered\n",
+        control.id, name.c_str(), control.windowClass);
   }
 }
 
@@ -84,7 +87,7 @@ int RunDialog(HINSTANCE instance, const ScaledDialog& dialog) {
   LoadLibraryA("RichEd32.dll");
   InitCommonControls();
   if (!RegisterAllClasses(instance, TRUE)) {
-    Explain(GetLastError(), L"kv: the window classes could not be registered; are they already?\n");
+    PrintToDebugger(GetLastError(), L"kv: the window classes could not be registered; are they already?\n");
     return kNotOpened;
   }
   ModelessDialogs(nullptr, nullptr, kModelessReset);

@@ -42,12 +42,12 @@ using SharedDialogState = std::shared_ptr<DialogState>;
 struct Opening {
   static constexpr DWORD kMark = 0x6B764F70;
   DWORD mark;
-  const ScaledDialog& what;
+  const ScaledDialog& options;
   DialogKind kind;
 };
 
 INT_PTR AskProcedure(HWND dialog, const DialogState& state, UINT message, WPARAM wParam, LPARAM lParam) {
-  return state.what.procedure ? state.what.procedure(dialog, message, wParam, lParam) : FALSE;
+  return state.options.procedure ? state.options.procedure(dialog, message, wParam, lParam) : FALSE;
 }
 
 // Windows of the dialog class speak the code page, where a caption in another script ends as question marks: what
@@ -68,9 +68,9 @@ LRESULT CALLBACK WideCaptionProcedure(HWND dialog, UINT message, WPARAM wParam, 
 
 // ---- Layout ---------------------------------------------------------------------------------------------------------
 
-bool IsInRange(const ScaledDialog& what, HWND control) {
+bool IsInRange(const ScaledDialog& options, HWND control) {
   const int id = GetDlgCtrlID(control);
-  return id >= what.firstId && id <= std::min(what.lastId, kPageId - 1);
+  return id >= options.firstId && id <= std::min(options.lastId, kPageId - 1);
 }
 
 HFONT FontOf(HWND control) {
@@ -101,11 +101,11 @@ void GiveEachItsFont(HWND dialog) {
 void Capture(HWND dialog, DialogState& state) {
   size_t controls = 0;
   VisitChildren(dialog, [&](HWND child) {
-    controls += IsInRange(state.what, child);
+    controls += IsInRange(state.options, child);
     if (SendMessageW(child, WM_GETDLGCODE, 0, 0) & DLGC_DEFPUSHBUTTON) state.hasDefaultButton = true;
   });
   state.slots.resize(controls + 1);
-  CaptureLayout(dialog, state.slots.data(), state.what.firstId, std::min(state.what.lastId, kPageId - 1));
+  CaptureLayout(dialog, state.slots.data(), state.options.firstId, std::min(state.options.lastId, kPageId - 1));
 }
 
 // Scaling passes over a label without a text, which would then show its next text in the font of its template. A line
@@ -121,7 +121,7 @@ void ScaleLists(HWND dialog, DialogState& state) {
   const int textPx = std::max(static_cast<int>(static_cast<float>(kListTextPx) * state.scale.y), 1);
   OwnedFont font = MakeFont(textPx, FW_NORMAL);
   VisitChildren(dialog, [&](HWND control) {
-    if (!IsInRange(state.what, control) || !TakesListFont(control)) return;
+    if (!IsInRange(state.options, control) || !TakesListFont(control)) return;
     const HFONT former = FontOf(control);
     SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(static_cast<HFONT>(font)), FALSE);
     if (former != state.listFont) DeleteObject(former);
@@ -131,19 +131,19 @@ void ScaleLists(HWND dialog, DialogState& state) {
 }
 
 void PlaceControls(HWND dialog, DialogState& state) {
-  const ScaledDialog& what = state.what;
+  const ScaledDialog& options = state.options;
   size_t controls = 0;
   VisitChildren(dialog, [&](HWND child) {
-    if (!IsInRange(what, child)) return;
+    if (!IsInRange(options, child)) return;
     ++controls;
     FillEmptyLabel(child);
   });
   // A control that came after the capture has no slot; reading on would take what lies behind the slots for one.
   if (controls + 1 > state.slots.size()) return;
-  ApplyLayout(dialog, what.bottomMargin, what.leftMargin, what.topMargin, what.firstId,
-              std::min(what.lastId, kPageId - 1), state.slots.data(), &state.scale.x, &state.scale.y, FALSE);
+  ApplyLayout(dialog, options.bottomMargin, options.leftMargin, options.topMargin, options.firstId,
+              std::min(options.lastId, kPageId - 1), state.slots.data(), &state.scale.x, &state.scale.y, FALSE);
   ScaleLists(dialog, state);
-  MendMirroredDialog(dialog);
+  FixMirroredDialog(dialog);
   MoveTextTips(dialog, state.textTips);
   // Dialogs clip their controls, so these have to be named: each has been moved without being painted.
   RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
@@ -159,23 +159,23 @@ SIZE SizeOf(HWND window) {
 
 SharedDialogState CreateDialogState(HWND dialog, const Opening& opening) {
   auto state = std::make_shared<DialogState>();
-  state->what = opening.what;
+  state->options = opening.options;
   state->kind = opening.kind;
-  if (state->what.background != kFaceBackground)
-    state->background = OwnedBrush(CreateSolidBrush(state->what.background));
+  if (state->options.background != kDefaultBackground)
+    state->background = OwnedBrush(CreateSolidBrush(state->options.background));
   SetPropW(dialog, kStateProperty, new SharedDialogState(state));
   state->classProcedure =
       reinterpret_cast<WNDPROC>(SetWindowLongW(dialog, GWL_WNDPROC, reinterpret_cast<LONG>(WideCaptionProcedure)));
   if (state->kind == DialogKind::kPage) SetWindowLongW(dialog, GWL_ID, kPageId);
-  if (state->what.accelerators) {
-    state->accelerators = LoadAcceleratorsW(modules.application, state->what.accelerators);
+  if (state->options.accelerators) {
+    state->accelerators = LoadAcceleratorsW(modules.application, state->options.accelerators);
   }
   return state;
 }
 
 // The menu bar takes its room above the template's.
 void AddMenu(HWND dialog, DialogState& state) {
-  if (!state.what.menu || state.kind == DialogKind::kPage) return;
+  if (!state.options.menu || state.kind == DialogKind::kPage) return;
   const LONG before = ClientSize(dialog).cy;
   ReplaceMenu(dialog, state);
   const SIZE size = SizeOf(dialog);
@@ -183,31 +183,31 @@ void AddMenu(HWND dialog, DialogState& state) {
                SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-void RestorePlace(HWND dialog, const DialogState& state) {
-  const ScaledDialog& what = state.what;
-  if (what.positionName) WindowPosition(dialog, what.positionName, kPositionRestore);
+void RestorePosition(HWND dialog, const DialogState& state) {
+  const ScaledDialog& options = state.options;
+  if (options.positionName) WindowPosition(dialog, options.positionName, kPositionRestore);
   KeepInSight(dialog, state.minimumSize);
   DWORD maximised = FALSE;
-  if (what.maximisedName) WindowNumber(what.maximisedName, &maximised, kPositionRestore);
+  if (options.maximisedName) WindowNumber(options.maximisedName, &maximised, kPositionRestore);
   if (maximised) ShowWindow(dialog, SW_MAXIMIZE);
 }
 
-void Remember(HWND dialog, const ScaledDialog& what) {
-  if (what.positionName) WindowPosition(dialog, what.positionName, kPositionSave);
+void Remember(HWND dialog, const ScaledDialog& options) {
+  if (options.positionName) WindowPosition(dialog, options.positionName, kPositionSave);
   DWORD maximised = IsZoomed(dialog) != FALSE;
-  if (what.maximisedName && !IsIconic(dialog)) WindowNumber(what.maximisedName, &maximised, kPositionSave);
+  if (options.maximisedName && !IsIconic(dialog)) WindowNumber(options.maximisedName, &maximised, kPositionSave);
 }
 
 INT_PTR OnInit(HWND dialog, const Opening& opening) {
   const SharedDialogState state = CreateDialogState(dialog, opening);
-  const ScaledDialog& what = state->what;
-  SetTextsOfLanguage(dialog, what.templateName);
+  const ScaledDialog& options = state->options;
+  SetTextsOfLanguage(dialog, options.templateName);
   AddMenu(dialog, *state);
   const SIZE asInTemplate = SizeOf(dialog);
-  state->minimumSize = {what.minimumSize.cx ? what.minimumSize.cx : asInTemplate.cx,
-                        what.minimumSize.cy ? what.minimumSize.cy : asInTemplate.cy};
+  state->minimumSize = {options.minimumSize.cx ? options.minimumSize.cx : asInTemplate.cx,
+                        options.minimumSize.cy ? options.minimumSize.cy : asInTemplate.cy};
   const INT_PTR result =
-      AskProcedure(dialog, *state, WM_INITDIALOG, reinterpret_cast<WPARAM>(GetFocus()), what.parameter);
+      AskProcedure(dialog, *state, WM_INITDIALOG, reinterpret_cast<WPARAM>(GetFocus()), options.parameter);
   GiveEachItsFont(dialog);
   Capture(dialog, *state);
   state->textTips = CreateTextTips(dialog);
@@ -215,7 +215,7 @@ INT_PTR OnInit(HWND dialog, const Opening& opening) {
   // Its procedure may have destroyed the dialog, here or before.
   if (!DialogStateOf(dialog)) return result;
   if (state->kind == DialogKind::kModeless) ModelessDialogs(dialog, nullptr, kModelessAdd);
-  if (state->kind != DialogKind::kPage) RestorePlace(dialog, *state);
+  if (state->kind != DialogKind::kPage) RestorePosition(dialog, *state);
   const SIZE client = ClientSize(dialog);
   SendMessageW(dialog, WM_SIZE, IsZoomed(dialog) ? SIZE_MAXIMIZED : SIZE_RESTORED, MAKELPARAM(client.cx, client.cy));
   return state->kind == DialogKind::kPage ? FALSE : result;
@@ -226,7 +226,7 @@ void OnDestroy(HWND dialog, DialogState& state) {
     const HFONT font = FontOf(child);
     if (font != state.listFont) state.fonts.emplace_back(font);
   });
-  if (state.kind != DialogKind::kPage) Remember(dialog, state.what);
+  if (state.kind != DialogKind::kPage) Remember(dialog, state.options);
   if (state.kind == DialogKind::kModeless) ModelessDialogs(dialog, nullptr, kModelessRemove);
 }
 
@@ -241,7 +241,7 @@ void OnPaint(HWND dialog, const DialogState& state) {
 
 // On a background of its own, texts in black or white, whichever reads better there.
 INT_PTR OnControlColor(const DialogState& state, HDC dc) {
-  const COLORREF color = state.background ? state.what.background : GetSysColor(COLOR_BTNFACE);
+  const COLORREF color = state.background ? state.options.background : GetSysColor(COLOR_BTNFACE);
   const int lightness = 30 * GetRValue(color) + 59 * GetGValue(color) + 11 * GetBValue(color);
   const COLORREF readable = lightness < 100 * 128 ? RGB(255, 255, 255) : RGB(0, 0, 0);
   SetTextColor(dc, state.background ? readable : GetSysColor(COLOR_BTNTEXT));
@@ -256,14 +256,14 @@ INT_PTR OnSystemColors(HWND dialog, WPARAM wParam, LPARAM lParam) {
   return TRUE;
 }
 
-INT_PTR AnswerByResult(HWND dialog, LONG result) {
+INT_PTR ReturnDialogResult(HWND dialog, LONG result) {
   SetWindowLongW(dialog, DWL_MSGRESULT, result);
   return TRUE;
 }
 
 INT_PTR OnSizing(HWND dialog, const DialogState& state, WPARAM edge, LPARAM place) {
-  return AnswerByResult(dialog, LimitSizing(static_cast<UINT>(edge), reinterpret_cast<RECT*>(place),
-                                            state.minimumSize.cx, state.minimumSize.cy));
+  return ReturnDialogResult(dialog, LimitSizing(static_cast<UINT>(edge), reinterpret_cast<RECT*>(place),
+                                                state.minimumSize.cx, state.minimumSize.cy));
 }
 
 // Rows of an extended list grow with the dialog.
@@ -281,7 +281,7 @@ INT_PTR OnNotify(const DialogState& state, LPARAM lParam) {
   if (IsBadReadPtr(reinterpret_cast<const void*>(lParam), sizeof(NMHDR))) return FALSE;
   const NMHDR head = NotificationOf(lParam);
   if (head.code != TTN_GETDISPINFOW || head.hwndFrom != state.textTips) return FALSE;
-  AnswerTextTip(state, lParam);
+  ProvideTextTip(state, lParam);
   return TRUE;
 }
 
@@ -294,7 +294,7 @@ INT_PTR OnClose(HWND dialog, const DialogState& state, INT_PTR result) {
 }
 
 INT_PTR OnCommand(HWND dialog, const DialogState& state, WORD id) {
-  const LanguageMenu& menu = state.what.languageMenu;
+  const LanguageMenu& menu = state.options.languageMenu;
   if (menu.item && id >= menu.firstCommand && id < menu.firstCommand + kLanguageCount) {
     SwitchLanguage(nullptr, nullptr, static_cast<int>(id - menu.firstCommand));
     return TRUE;
@@ -304,7 +304,7 @@ INT_PTR OnCommand(HWND dialog, const DialogState& state, WORD id) {
 }
 
 // What the dialog's own procedure has left.
-INT_PTR HandleTheRest(HWND dialog, const DialogState& state, UINT message, WPARAM wParam, LPARAM lParam) {
+INT_PTR HandleDefault(HWND dialog, const DialogState& state, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_PAINT: OnPaint(dialog, state); return TRUE;
     case WM_CTLCOLORDLG:
@@ -314,7 +314,7 @@ INT_PTR HandleTheRest(HWND dialog, const DialogState& state, UINT message, WPARA
     case WM_SIZING: return OnSizing(dialog, state, wParam, lParam);
     case WM_MEASUREITEM: return OnMeasure(dialog, state, reinterpret_cast<MEASUREITEMSTRUCT*>(lParam));
     // Controls would ask the dialog's class, which is an 8-bit one.
-    case WM_NOTIFYFORMAT: return AnswerByResult(dialog, NFR_UNICODE);
+    case WM_NOTIFYFORMAT: return ReturnDialogResult(dialog, NFR_UNICODE);
     case WM_NOTIFY: return OnNotify(state, lParam);
     case WM_COMMAND: return OnCommand(dialog, state, LOWORD(wParam));
     case WM_CLOSE: OnClose(dialog, state, IDCANCEL); return TRUE;
@@ -335,7 +335,7 @@ INT_PTR CALLBACK ScaledDialogProcedure(HWND dialog, UINT message, WPARAM wParam,
   if (message == WM_DESTROY) OnDestroy(dialog, *state);
   const INT_PTR result = AskProcedure(dialog, *state, message, wParam, lParam);
   if (isSize) PlacePage(dialog, *state);
-  return result || !DialogStateOf(dialog) ? result : HandleTheRest(dialog, *state, message, wParam, lParam);
+  return result || !DialogStateOf(dialog) ? result : HandleDefault(dialog, *state, message, wParam, lParam);
 }
 
 }  // namespace
@@ -358,10 +358,10 @@ bool IsOfClass(HWND window, const wchar_t* name) {
 }
 
 // Texts that are string resources are looked up here, so that English stands in for what the language lacks.
-void ReplaceToolTips(HWND dialog, DialogState& state) {
+void ReplaceTooltips(HWND dialog, DialogState& state) {
   if (state.tips) DestroyWindow(state.tips);
   state.tips = nullptr;
-  std::vector<ToolTipEntry> entries(state.what.tips.begin(), state.what.tips.end());
+  std::vector<TooltipEntry> entries(state.options.tips.begin(), state.options.tips.end());
   std::vector<std::wstring> texts(entries.size());
   for (size_t i = 0; i < entries.size(); ++i) {
     if (!IS_INTRESOURCE(entries[i].text)) continue;
@@ -369,16 +369,16 @@ void ReplaceToolTips(HWND dialog, DialogState& state) {
     entries[i].text = texts[i].c_str();
   }
   if (!entries.empty()) {
-    state.tips = CreateToolTips(modules.resources, dialog, entries.data(), static_cast<int>(entries.size()));
+    state.tips = CreateTooltips(modules.resources, dialog, entries.data(), static_cast<int>(entries.size()));
   }
 }
 
 void ShowLanguage(HWND dialog) {
   const SharedDialogState state = DialogStateOf(dialog);
   if (!state) return;
-  SetTextsOfLanguage(dialog, state->what.templateName);
+  SetTextsOfLanguage(dialog, state->options.templateName);
   if (state->kind != DialogKind::kPage) ReplaceMenu(dialog, *state);
-  ReplaceToolTips(dialog, *state);
+  ReplaceTooltips(dialog, *state);
   const bool turned = MirrorDialog(dialog);
   for (const DialogPage& page : std::vector(state->pages)) ShowLanguage(page.window);
   AskProcedure(dialog, *state, kLanguageChanged, static_cast<WPARAM>(CurrentLanguage()), 0);
@@ -391,7 +391,7 @@ HWND CreateScaledDialog(HWND owner, const ScaledDialog& dialog, DialogKind kind)
   const Opening opening{Opening::kMark, dialog, kind};
   HWND window = CreateDialogParamW(modules.application, dialog.templateName, owner, ScaledDialogProcedure,
                                    reinterpret_cast<LPARAM>(&opening));
-  if (!window) ExplainMissing(dialog.templateName);
+  if (!window) ReportMissing(dialog.templateName);
   return window;
 }
 
@@ -405,7 +405,7 @@ INT_PTR RunModalDialog(HWND owner, const ScaledDialog& dialog) {
   const Opening opening{Opening::kMark, dialog, DialogKind::kModal};
   const INT_PTR result = DialogBoxParamW(modules.application, dialog.templateName, owner, ScaledDialogProcedure,
                                          reinterpret_cast<LPARAM>(&opening));
-  if (result == -1) ExplainMissing(dialog.templateName);
+  if (result == -1) ReportMissing(dialog.templateName);
   return result;
 }
 

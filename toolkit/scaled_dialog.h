@@ -33,7 +33,7 @@
 
 namespace kv {
 
-inline constexpr COLORREF kFaceBackground = 0xFFFFFFFF;  // the system's button face
+inline constexpr COLORREF kDefaultBackground = 0xFFFFFFFF;  // the system's button face
 
 // The menu of languages (framework/language.h) and how a menu bar holds it.
 struct LanguageMenu {
@@ -61,10 +61,10 @@ struct ScaledDialog {
 
   // Of the whole window, in pixels. 0: as in the template.
   SIZE minimumSize = {};
-  COLORREF background = kFaceBackground;
+  COLORREF background = kDefaultBackground;
 
   // Tips of controls, from string resources of the language that is shown unless a text is given.
-  std::span<const ToolTipEntry> tips = {};
+  std::span<const TooltipEntry> tips = {};
 
   // The menu bar: a menu resource of the program's own module.
   const wchar_t* menu = nullptr;

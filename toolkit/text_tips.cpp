@@ -37,7 +37,7 @@ bool IsOneLineTooWide(HWND control, const std::wstring& text, int width) {
   return TextSize(control, text, 0, DT_SINGLELINE).cx > width;
 }
 
-std::wstring CutLabel(HWND control, SIZE place) {
+std::wstring TruncatedLabelText(HWND control, SIZE place) {
   const LONG style = GetWindowLongW(control, GWL_STYLE);
   const LONG type = style & SS_TYPEMASK;
   if (type > SS_RIGHT && type != SS_LEFTNOWORDWRAP) return {};
@@ -51,7 +51,7 @@ std::wstring CutLabel(HWND control, SIZE place) {
   return size.cx > place.cx || size.cy > place.cy + spare ? text : std::wstring();
 }
 
-std::wstring CutButton(HWND control, SIZE place) {
+std::wstring TruncatedButtonText(HWND control, SIZE place) {
   const LONG style = GetWindowLongW(control, GWL_STYLE);
   int edges = kBoxAndGap;
   if ((style & BS_TYPEMASK) <= BS_DEFPUSHBUTTON) edges = kButtonEdges;
@@ -61,7 +61,7 @@ std::wstring CutButton(HWND control, SIZE place) {
   return size.cx > place.cx - edges || size.cy > place.cy ? text : std::wstring();
 }
 
-std::wstring CutItem(HWND control, UINT countMessage, UINT lengthMessage, UINT textMessage, int width) {
+std::wstring TruncatedItemText(HWND control, UINT countMessage, UINT lengthMessage, UINT textMessage, int width) {
   const LRESULT count = SendMessageW(control, countMessage, 0, 0);
   for (LRESULT i = 0; i < count; ++i) {
     std::wstring text(SendMessageW(control, lengthMessage, i, 0) + 1, L'\0');
@@ -71,7 +71,7 @@ std::wstring CutItem(HWND control, UINT countMessage, UINT lengthMessage, UINT t
   return {};
 }
 
-std::wstring CutTab(HWND control, int width) {
+std::wstring TruncatedTabText(HWND control, int width) {
   wchar_t text[256] = L"";
   TCITEMW item{};
   item.mask = TCIF_TEXT;
@@ -88,7 +88,7 @@ std::wstring CutTab(HWND control, int width) {
   return {};
 }
 
-std::wstring CutHeader(HWND list) {
+std::wstring TruncatedHeaderText(HWND list) {
   const auto header = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
   wchar_t text[256] = L"";
   HDITEMW item{};
@@ -131,20 +131,20 @@ void VisitTips(HWND dialog, Visit visit) {
 
 }  // namespace
 
-std::wstring CutTextOf(HWND control) {
+std::wstring TruncatedTextOf(HWND control) {
   const SIZE place = ClientSize(control);
   const LONG style = GetWindowLongW(control, GWL_STYLE);
   switch (ClassifyControl(control)) {
-    case kControlStatic: return CutLabel(control, place);
-    case kControlButton: return CutButton(control, place);
+    case kControlStatic: return TruncatedLabelText(control, place);
+    case kControlButton: return TruncatedButtonText(control, place);
     case kControlComboBox:
-      return CutItem(control, CB_GETCOUNT, CB_GETLBTEXTLEN, CB_GETLBTEXT,
-                     place.cx - kFieldEdges - GetSystemMetrics(SM_CXVSCROLL));
+      return TruncatedItemText(control, CB_GETCOUNT, CB_GETLBTEXTLEN, CB_GETLBTEXT,
+                               place.cx - kFieldEdges - GetSystemMetrics(SM_CXVSCROLL));
     case kControlListBox:
       if (style & LBS_OWNERDRAWFIXED) return {};
-      return CutItem(control, LB_GETCOUNT, LB_GETTEXTLEN, LB_GETTEXT, place.cx);
-    case kControlTab: return CutTab(control, place.cx);
-    default: return CutHeader(control);
+      return TruncatedItemText(control, LB_GETCOUNT, LB_GETTEXTLEN, LB_GETTEXT, place.cx);
+    case kControlTab: return TruncatedTabText(control, place.cx);
+    default: return TruncatedHeaderText(control);
   }
 }
 
@@ -161,14 +161,14 @@ void MoveTextTips(HWND dialog, HWND tips) {
             [tips](TTTOOLINFOW* tool) { SendMessageW(tips, TTM_NEWTOOLRECTW, 0, reinterpret_cast<LPARAM>(tool)); });
 }
 
-void AnswerTextTip(const DialogState& state, LPARAM lParam) {
+void ProvideTextTip(const DialogState& state, LPARAM lParam) {
   auto* tip = reinterpret_cast<NMTTDISPINFOW*>(lParam);
   const HWND control = reinterpret_cast<HWND>(tip->hdr.idFrom);
   const auto id = static_cast<UINT>(GetDlgCtrlID(control));
   const bool hasOwnTip =
-      std::ranges::any_of(state.what.tips, [id](const ToolTipEntry& entry) { return entry.id == id; });
+      std::ranges::any_of(state.options.tips, [id](const TooltipEntry& entry) { return entry.id == id; });
   static std::wstring text;  // the tip reads it after this returns
-  text = hasOwnTip ? std::wstring() : CutTextOf(control);
+  text = hasOwnTip ? std::wstring() : TruncatedTextOf(control);
   tip->lpszText = text.data();
 }
 

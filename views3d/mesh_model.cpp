@@ -60,7 +60,7 @@ void FillEntries(std::span<const MeshTriangle> triangles, DepthEntry* entries, D
 
 // From the lowest digit to the highest; a pass keeps the order of equal digits. A digit in which all places agree needs
 // no pass. Returns which of the two arrays holds the result.
-DepthEntry* SortPlaces(DepthEntry* entries, DepthEntry* other, size_t count, DigitCounts* counts) {
+DepthEntry* SortByKeys(DepthEntry* entries, DepthEntry* other, size_t count, DigitCounts* counts) {
   for (int digit = 0; digit < kDigits; ++digit) {
     auto& starts = (*counts)[digit];
     if (starts[DigitOf(entries[0].place, digit)] == count) continue;
@@ -73,7 +73,7 @@ DepthEntry* SortPlaces(DepthEntry* entries, DepthEntry* other, size_t count, Dig
 }
 
 // Depths so near to each other that they share a place.
-void SortWithinPlaces(std::span<const MeshTriangle> triangles, DepthEntry* entries) {
+void SortEqualKeys(std::span<const MeshTriangle> triangles, DepthEntry* entries) {
   const auto nearer = [triangles](const DepthEntry& first, const DepthEntry& second) {
     return DepthKey(triangles[first.triangle].depth) < DepthKey(triangles[second.triangle].depth);
   };
@@ -115,8 +115,8 @@ void SortByDepth(std::span<MeshTriangle> triangles) {
     return;
   }
   FillEntries(triangles, entries.get(), counts.get());
-  DepthEntry* sorted = SortPlaces(entries.get(), entries.get() + count, count, counts.get());
-  SortWithinPlaces(triangles, sorted);
+  DepthEntry* sorted = SortByKeys(entries.get(), entries.get() + count, count, counts.get());
+  SortEqualKeys(triangles, sorted);
   MoveIntoOrder(triangles, sorted);
 }
 

@@ -20,7 +20,7 @@ constexpr int kLanguages = 24;
 
 // A window that the gallery has opened on top of its own, a file dialog or a message, gets only what is safe: a random
 // click or Delete in a file dialog could cost somebody a file.
-bool AnswerDialog(Soak* soak) {
+bool DismissDialog(Soak* soak) {
   HWND dialog = soak->program->Find(L"#32770", nullptr);
   if (!dialog) return false;
   SetForegroundWindow(dialog);
@@ -41,40 +41,40 @@ bool AnswerDialog(Soak* soak) {
 }
 
 // A place of the gallery's own that the mouse can reach.
-bool FindPlace(Soak* soak, HWND area, POINT* place) {
+bool FindPoint(Soak* soak, HWND area, POINT* point) {
   RECT box{};
   GetWindowRect(area, &box);
   if (box.right <= box.left || box.bottom <= box.top) return false;
-  *place = {box.left + Below(soak, box.right - box.left), box.top + Below(soak, box.bottom - box.top)};
+  *point = {box.left + Below(soak, box.right - box.left), box.top + Below(soak, box.bottom - box.top)};
   DWORD id = 0;
-  GetWindowThreadProcessId(WindowFromPoint(*place), &id);
+  GetWindowThreadProcessId(WindowFromPoint(*point), &id);
   // Not its close box, which would end the run.
-  const LRESULT part = SendMessageA(soak->window, WM_NCHITTEST, 0, MAKELPARAM(place->x, place->y));
+  const LRESULT part = SendMessageA(soak->window, WM_NCHITTEST, 0, MAKELPARAM(point->x, point->y));
   return id == GetProcessId(soak->program->process()) && part != HTCLOSE && part != HTSYSMENU;
 }
 
 void UseMouse(Soak* soak, HWND area) {
   const auto press = [](DWORD flags, int wheel = 0) { mouse_event(flags, 0, 0, static_cast<DWORD>(wheel), 0); };
-  POINT place{}, end{};
-  if (!FindPlace(soak, area, &place)) return;
-  SetCursorPos(place.x, place.y);
+  POINT point{}, end{};
+  if (!FindPoint(soak, area, &point)) return;
+  SetCursorPos(point.x, point.y);
   const int choice = Below(soak, 10);
   if (choice < 5) {
-    Note(soak, "click", place);
+    Note(soak, "click", point);
     press(MOUSEEVENTF_LEFTDOWN);
     press(MOUSEEVENTF_LEFTUP);
   } else if (choice == 5) {
-    Note(soak, "right click", place);
+    Note(soak, "right click", point);
     press(MOUSEEVENTF_RIGHTDOWN);
     press(MOUSEEVENTF_RIGHTUP);
   } else if (choice < 8) {
-    Note(soak, "wheel", place);
+    Note(soak, "wheel", point);
     press(MOUSEEVENTF_WHEEL, Below(soak, 2) ? WHEEL_DELTA : -WHEEL_DELTA);
-  } else if (FindPlace(soak, area, &end)) {
-    Note(soak, "drag", place, end);
+  } else if (FindPoint(soak, area, &end)) {
+    Note(soak, "drag", point, end);
     press(MOUSEEVENTF_LEFTDOWN);
     for (int step = 1; step <= 5; ++step) {
-      SetCursorPos(place.x + (end.x - place.x) * step / 5, place.y + (end.y - place.y) * step / 5);
+      SetCursorPos(point.x + (end.x - point.x) * step / 5, point.y + (end.y - point.y) * step / 5);
       Sleep(5);
     }
     press(MOUSEEVENTF_LEFTUP);
@@ -95,7 +95,7 @@ void UseKeys(Soak* soak) {
 }
 
 void DoSomething(Soak* soak) {
-  if (AnswerDialog(soak)) return;
+  if (DismissDialog(soak)) return;
   const int choice = Below(soak, 100);
   if (choice < 45) {
     UseMouse(soak, soak->window);
@@ -151,7 +151,7 @@ int SoakGallery(double seconds, std::uint32_t seed) {
   }
   if (isUp) {
     // What is still open in front of it gets its answer first.
-    for (int tries = 0; tries < 20 && AnswerDialog(&soak); ++tries) Sleep(200);
+    for (int tries = 0; tries < 20 && DismissDialog(&soak); ++tries) Sleep(200);
     close = CloseMs(*soak.program, soak.window);
     failures += !End(&soak, &longest);
   }

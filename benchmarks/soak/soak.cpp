@@ -29,7 +29,7 @@ constexpr DWORD kHangMs = 10000;
 constexpr size_t kMaxActions = 25;
 constexpr int kColours[] = {COLOR_BTNFACE, COLOR_WINDOW, COLOR_WINDOWTEXT, COLOR_HIGHLIGHT};
 
-std::array<DWORD, 4> HeldBy(HANDLE process) {
+std::array<DWORD, 4> HandleCounts(HANDLE process) {
   PROCESS_MEMORY_COUNTERS memory{};
   GetProcessMemoryInfo(process, &memory, sizeof(memory));
   DWORD handles = 0;
@@ -57,11 +57,11 @@ void ProcessWatch::Watch() {
     if (stop_ || WaitForSingleObject(process_, 0) == WAIT_OBJECT_0) return;
     const bool mayScan = isConnecting;
     const double asked = camera::Now();
-    DWORD_PTR answer = 0;
-    const bool answered = SendMessageTimeoutA(window_, WM_NULL, 0, 0, SMTO_NORMAL, kHangMs, &answer) != 0;
+    DWORD_PTR response = 0;
+    const bool responded = SendMessageTimeoutA(window_, WM_NULL, 0, 0, SMTO_NORMAL, kHangMs, &response) != 0;
     const double took = (camera::Now() - asked) * 1000;
-    if (answered) {
-      samples_.push_back({took, mayScan || isConnecting, HeldBy(process_)});
+    if (responded) {
+      samples_.push_back({took, mayScan || isConnecting, HandleCounts(process_)});
     } else {
       hangs_ += took >= kHangMs && WaitForSingleObject(process_, 0) != WAIT_OBJECT_0;
     }
@@ -70,7 +70,7 @@ void ProcessWatch::Watch() {
 
 void ProcessWatch::Print() const {
   double longest[2] = {};
-  for (const Sample& sample : samples_) longest[sample.mayScan] = std::max(longest[sample.mayScan], sample.answerMs);
+  for (const Sample& sample : samples_) longest[sample.mayScan] = std::max(longest[sample.mayScan], sample.responseMs);
   std::printf("  null message, there and back  longest %.0f ms (while connecting %.0f ms)\n", longest[0], longest[1]);
   std::printf("  hangs of 10 s or more         %d\n", Hangs());
   if (samples_.size() < 3) return;

@@ -19,7 +19,7 @@
 namespace soak {
 
 struct Sample {
-  double answerMs;            // of a null message, there and back
+  double responseMs;          // of a null message, there and back
   bool mayScan;               // the main thread may have been searching the ports
   std::array<DWORD, 4> held;  // private KiB, GDI objects, USER objects, handles; 0 where the system does not tell
 };

@@ -31,10 +31,10 @@ namespace {
 
 constexpr int kPort = 3, kFarPort = 4;
 constexpr DWORD kCopyMs = 10000;
-constexpr DWORD kLookMs = 3;
+constexpr DWORD kSampleMs = 3;
 // Leaves a gap of more than 5 ms behind each record that comes in one go, so that the reader can get into step.
 constexpr double kRecordSeconds = 0.011;
-constexpr DWORD kPatienceMs = 20;
+constexpr DWORD kTimeoutMs = 20;
 constexpr long kBase = 1000;  // both halves of a number stay below it, and below 1023
 // From the sender to the reader's record.
 constexpr double kReaderSeconds = 0.003;
@@ -102,7 +102,7 @@ class HostileCamera {
     if (bytes.empty()) return true;
     if (!port_.isOpen()) camera::OpenPort(kFarPort, {}, &port_);
     if (!port_.isOpen()) return false;
-    const camera::Written written = camera::WritePort(port_.handle(), bytes.data(), bytes.size(), kPatienceMs);
+    const camera::Written written = camera::WritePort(port_.handle(), bytes.data(), bytes.size(), kTimeoutMs);
     if (written == camera::Written::kGone) port_.Close();
     return written == camera::Written::kAll;
   }
@@ -153,7 +153,7 @@ class Observer {
   bool IsConnected() const { return isConnected_; }
   // Held by whoever needs the tool undisturbed. Wine stops a process for each look into its memory, and a process that
   // is stopped while it hands a large picture over dies of it.
-  std::mutex& Look() { return look_; }
+  std::mutex& Mutex() { return mutex_; }
   // The line was unplugged: until the next connect the tool listens to a port that is gone.
   void LoseLine() { isDeaf_ = true; }
   // After Stop.
@@ -161,9 +161,9 @@ class Observer {
   bool WasConnected(double seconds) const {
     return std::ranges::any_of(spans_, [&](const auto& span) { return seconds >= span[0] && seconds <= span[1]; });
   }
-  bool HasLooked(double from, double to) const {
-    const auto next = std::ranges::upper_bound(looks_, from);
-    return next != looks_.end() && *next < to;
+  bool HasSampled(double from, double to) const {
+    const auto next = std::ranges::upper_bound(samples_, from);
+    return next != samples_.end() && *next < to;
   }
   size_t Connects() const { return spans_.size(); }
 
@@ -172,8 +172,8 @@ class Observer {
     const auto read = [this](size_t offset, auto* to) {
       return ReadProcessMemory(process_, address_ + offset, to, sizeof(*to), nullptr) != 0;
     };
-    for (; !stop_; Sleep(kLookMs)) {
-      const std::scoped_lock lock(look_);
+    for (; !stop_; Sleep(kSampleMs)) {
+      const std::scoped_lock lock(mutex_);
       DWORD connected = 0;
       kv::CameraPoint points[kv::kPointCount];
       if (!read(offsetof(kv::AppContext, bConnected), &connected) || !read(offsetof(kv::AppContext, points), &points)) {
@@ -183,7 +183,7 @@ class Observer {
       if (!connected) isDeaf_ = false;
       if (isDeaf_) connected = 0;
       const double now = camera::Now();
-      looks_.push_back(now);
+      samples_.push_back(now);
       if (connected && !isConnected_) spans_.push_back({now, now});
       if (connected) spans_.back()[1] = now;
       isConnected_ = connected != 0;
@@ -197,9 +197,9 @@ class Observer {
   HANDLE process_;
   const char* address_;
   std::atomic<bool> stop_{false}, isConnected_{false}, isDeaf_{false};
-  std::mutex look_;
+  std::mutex mutex_;
   std::vector<bool> seen_;
-  std::vector<double> looks_;
+  std::vector<double> samples_;
   std::vector<std::array<double, 2>> spans_;
   std::thread thread_;
 };
@@ -214,8 +214,8 @@ void PressConnect(Soak* soak) {
   } else {
     uidriver::ClickAt(GetDlgItem(soak->window, IDC_TOOLBAR), uidriver::ToolbarButtonCentre(soak->window, IDM_CONNECT));
   }
-  DWORD_PTR answer = 0;
-  SendMessageTimeoutA(soak->window, WM_NULL, 0, 0, SMTO_NORMAL, kCopyMs, &answer);
+  DWORD_PTR response = 0;
+  SendMessageTimeoutA(soak->window, WM_NULL, 0, 0, SMTO_NORMAL, kCopyMs, &response);
   soak->watch->isConnecting = false;
 }
 
@@ -266,10 +266,10 @@ void DoSomething(Soak* soak, Observer* observer) {
     ChangeSettings(soak);
   } else if (choice < 97) {
     Note(soak, "picture");
-    const std::scoped_lock undisturbed(observer->Look());
-    DWORD_PTR answer = 0;
+    const std::scoped_lock undisturbed(observer->Mutex());
+    DWORD_PTR response = 0;
     SendMessageTimeoutA(GetDlgItem(soak->window, IDC_CHART), WM_COPY, 0,
-                        MAKELPARAM(Below(soak, 1600), Below(soak, 1200)), SMTO_NORMAL, kCopyMs, &answer);
+                        MAKELPARAM(Below(soak, 1600), Below(soak, 1200)), SMTO_NORMAL, kCopyMs, &response);
   } else {
     PressConnect(soak);
   }
@@ -295,7 +295,7 @@ void PrintRecords(const std::vector<SentRecord>& sent, const Observer& observer)
             : !sent[i].isDelivered                                            ? "lost: nobody listened"
             : !observer.WasConnected(at) || !observer.WasConnected(at - 0.05) ? "lost: not connected"
             : isOutOfStep                                                     ? "lost: behind a faulty one"
-            : !observer.HasLooked(at + kReaderSeconds, next)                  ? "not looked for in time"
+            : !observer.HasSampled(at + kReaderSeconds, next)                 ? "not looked for in time"
                                                                               : "not accounted for"];
   }
   std::printf("  %-30s%zu\n", "records sent", sent.size());

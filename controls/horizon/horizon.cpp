@@ -33,14 +33,15 @@ struct HorizonState {
   HGLOBAL hMemory;  // of this record
   HWND window;
   DWORD style;
-  BOOL anew, gliding;
+  BOOL redrawAll, gliding;
   HorizonAttitude shown, target;
-  HorizonPicture* picture;
+  HorizonRenderer* renderer;
 };
 
 void Refresh(HorizonState& state) {
-  const RECT changed = state.picture->Update(state.shown, state.style, ClientSize(state.window), state.anew != FALSE);
-  state.anew = FALSE;
+  const RECT changed =
+      state.renderer->Update(state.shown, state.style, ClientSize(state.window), state.redrawAll != FALSE);
+  state.redrawAll = FALSE;
   if (!IsRectEmpty(&changed)) InvalidateRect(state.window, &changed, FALSE);
 }
 
@@ -93,7 +94,7 @@ bool ExchangeValue(HorizonState& state, WPARAM wParam, LPARAM lParam) {
 LRESULT OnCommand(HorizonState& state, WPARAM wParam, LPARAM lParam) {
   bool done = true;
   switch (LOBYTE(wParam)) {
-    case kHorizonRender: state.anew = TRUE; break;
+    case kHorizonRender: state.redrawAll = TRUE; break;
     case kHorizonStyle: done = ExchangeStyle(state, wParam, lParam); break;
     case kHorizonValue: done = ExchangeValue(state, wParam, lParam); break;
     default: done = false;
@@ -101,7 +102,7 @@ LRESULT OnCommand(HorizonState& state, WPARAM wParam, LPARAM lParam) {
   if (!done || (wParam & kCommandRead)) return done;
   Refresh(state);
   NotifyValueChanged(state.window);
-  if (state.anew || LOBYTE(wParam) == kHorizonRender || (wParam & kCommandRedraw)) UpdateWindow(state.window);
+  if (state.redrawAll || LOBYTE(wParam) == kHorizonRender || (wParam & kCommandRedraw)) UpdateWindow(state.window);
   return TRUE;
 }
 
@@ -125,10 +126,10 @@ LRESULT OnCreate(HWND window) {
   if (!state) return kNoState;
   state->window = window;
   state->style = static_cast<DWORD>(GetWindowLongA(window, GWL_STYLE));
-  state->anew = TRUE;
+  state->redrawAll = TRUE;
   state->shown = state->target = {kHorizonVersion, kHorizonNoValue, 0, 0, 0, 0};
-  state->picture = new (std::nothrow) HorizonPicture;
-  if (!state->picture) {
+  state->renderer = new (std::nothrow) HorizonRenderer;
+  if (!state->renderer) {
     DestroyWindowState(window, state);
     return kNoState;
   }
@@ -139,7 +140,7 @@ LRESULT OnCreate(HWND window) {
 
 LRESULT OnDestroy(HorizonState& state) {
   StopGliding(state);
-  delete state.picture;
+  delete state.renderer;
   DestroyWindowState(state.window, &state);
   return 0;
 }
@@ -149,10 +150,10 @@ LRESULT OnPaint(HWND window, HorizonState* state) {
   if (state) Refresh(*state);
   const PaintScope paint(window);
   if (!state) return kNoState;
-  const Surface& surface = state->picture->surface();
+  const Surface& surface = state->renderer->surface();
   if (!surface.bitmap()) return 0;
-  const SelectedObject selected(state->picture->dc(), surface.bitmap());
-  BitBlt(paint.dc(), 0, 0, surface.size().cx, surface.size().cy, state->picture->dc(), 0, 0, SRCCOPY);
+  const SelectedObject selected(state->renderer->dc(), surface.bitmap());
+  BitBlt(paint.dc(), 0, 0, surface.size().cx, surface.size().cy, state->renderer->dc(), 0, 0, SRCCOPY);
   return 0;
 }
 
@@ -174,11 +175,11 @@ LRESULT OnEnable(HorizonState& state, bool enabled) {
 }
 
 LRESULT OnCopy(HorizonState& state, LPARAM requested) {
-  const SIZE size = RequestedPictureSize(requested, ClientSize(state.window), kMinCopySize, kMaxCopySize);
-  const std::unique_ptr<HorizonPicture> picture(new (std::nothrow) HorizonPicture);
-  if (!picture) return 0;
-  picture->Update(state.shown, state.style, size, true);
-  if (picture->surface().bitmap()) CopyBitmapToClipboard(state.window, picture->surface().bitmap(), size, size);
+  const SIZE size = RequestedCopySize(requested, ClientSize(state.window), kMinCopySize, kMaxCopySize);
+  const std::unique_ptr<HorizonRenderer> renderer(new (std::nothrow) HorizonRenderer);
+  if (!renderer) return 0;
+  renderer->Update(state.shown, state.style, size, true);
+  if (renderer->surface().bitmap()) CopyBitmapToClipboard(state.window, renderer->surface().bitmap(), size, size);
   return 0;
 }
 
@@ -196,7 +197,7 @@ LRESULT CALLBACK HorizonProcedure(HWND window, UINT message, WPARAM wParam, LPAR
     case WM_LBUTTONDBLCLK: return state ? OnCopy(*state, 0) : kNoState;
     case WM_COPY: return state ? OnCopy(*state, lParam) : kNoState;
     case WM_DROPFILES: return SendMessageA(GetParent(window), message, wParam, lParam);
-    case WM_GETOBJECT: return AnswerGetObject(window, wParam, lParam, ROLE_SYSTEM_INDICATOR, Describe);
+    case WM_GETOBJECT: return HandleGetObject(window, wParam, lParam, ROLE_SYSTEM_INDICATOR, Describe);
     case WM_SYSCOLORCHANGE: return state ? OnCommand(*state, kHorizonRender, 0) : kNoState;
     case kControlCommand: return state ? OnCommand(*state, wParam, lParam) : 0;
     default: return DefWindowProcA(window, message, wParam, lParam);

@@ -73,7 +73,7 @@ HorizonLayout LayoutHorizon(SIZE size, DWORD style) {
   return layout;
 }
 
-PointD HorizonPlace(const HorizonLayout& layout, double roll, double right, double up) {
+PointD HorizonPoint(const HorizonLayout& layout, double roll, double right, double up) {
   // With the right wing down the horizon turns to the left.
   const double sine = std::sin(Radians(roll)), cosine = std::cos(Radians(roll));
   return {layout.centre.x + right * cosine - up * sine, layout.centre.y - right * sine - up * cosine};
@@ -116,14 +116,14 @@ bool GlideAttitude(HorizonAttitude* shown, const HorizonAttitude& target) {
 
 // ---- Drawing --------------------------------------------------------------------------------------------------------
 
-COLORREF HorizonPicture::Shown(COLORREF color) const {
+COLORREF HorizonRenderer::Shown(COLORREF color) const {
   if (!(style_ & kHorizonDisabled)) return color;
   const int grey = 84 + (GetRValue(color) * 30 + GetGValue(color) * 59 + GetBValue(color) * 11) / 300;
   return RGB(grey, grey, grey);
 }
 
-void HorizonPicture::AddText(Canvas& canvas, const wchar_t* text, PointD place, double height, double degrees,
-                             COLORREF color) {
+void HorizonRenderer::AddText(Canvas& canvas, const wchar_t* text, PointD place, double height, double degrees,
+                              COLORREF color) {
   double width = 0;
   for (const wchar_t* character = text; *character; ++character) {
     std::unique_ptr<GlyphOutline>& glyph = glyphs_[*character % glyphs_.size()];
@@ -142,7 +142,7 @@ void HorizonPicture::AddText(Canvas& canvas, const wchar_t* text, PointD place, 
   }
 }
 
-void HorizonPicture::DrawCase() {
+void HorizonRenderer::DrawCase() {
   Canvas canvas(dc_, case_, shape_);
   FillArea(canvas, {0, 0, case_.size().cx, case_.size().cy}, panel_);
   if (!layout_.round) {
@@ -158,7 +158,7 @@ void HorizonPicture::DrawCase() {
   }
 }
 
-void HorizonPicture::DrawGround(Canvas& canvas) {
+void HorizonRenderer::DrawGround(Canvas& canvas) {
   const double distance = attitude_.pitch * layout_.pixelsPerDegree;
   const double roll = attitude_.roll;
   if (layout_.round) {
@@ -168,14 +168,14 @@ void HorizonPicture::DrawGround(Canvas& canvas) {
   }
   const double beyond = static_cast<double>(surface_.size().cx) + surface_.size().cy;
   FillArea(canvas, layout_.area, Shown(kSky));
-  const PointD ground[] = {HorizonPlace(layout_, roll, -beyond, -distance),
-                           HorizonPlace(layout_, roll, beyond, -distance),
-                           HorizonPlace(layout_, roll, beyond, -distance - 3 * beyond),
-                           HorizonPlace(layout_, roll, -beyond, -distance - 3 * beyond)};
+  const PointD ground[] = {HorizonPoint(layout_, roll, -beyond, -distance),
+                           HorizonPoint(layout_, roll, beyond, -distance),
+                           HorizonPoint(layout_, roll, beyond, -distance - 3 * beyond),
+                           HorizonPoint(layout_, roll, -beyond, -distance - 3 * beyond)};
   FillPolygon(canvas, ground, Shown(kGround));
 }
 
-void HorizonPicture::DrawLadder(Canvas& canvas) {
+void HorizonRenderer::DrawLadder(Canvas& canvas) {
   const double radius = layout_.radius, roll = attitude_.roll, pitch = attitude_.pitch;
   const double step = LadderStep(layout_.pixelsPerDegree), width = std::max(1.0, radius / 110);
   const double horizon = -pitch * layout_.pixelsPerDegree;
@@ -186,7 +186,7 @@ void HorizonPicture::DrawLadder(Canvas& canvas) {
   if (!layout_.round || std::fabs(horizon) < radius) {
     const double half =
         layout_.round ? std::sqrt(radius * radius - horizon * horizon) : surface_.size().cx + surface_.size().cy;
-    AddLine(canvas, HorizonPlace(layout_, roll, -half, horizon), HorizonPlace(layout_, roll, half, horizon),
+    AddLine(canvas, HorizonPoint(layout_, roll, -half, horizon), HorizonPoint(layout_, roll, half, horizon),
             std::max(1.5, width * 1.5));
   }
   const double shown = kLadderReach * radius / layout_.pixelsPerDegree;
@@ -197,12 +197,12 @@ void HorizonPicture::DrawLadder(Canvas& canvas) {
     if (i == 0) continue;
     const bool ten = std::fmod(degrees, 10) == 0, five = std::fmod(degrees, 5) == 0;
     const double half = radius * (ten ? 0.24 : five ? 0.13 : 0.07);
-    AddLine(canvas, HorizonPlace(layout_, roll, -half, up), HorizonPlace(layout_, roll, half, up), width);
+    AddLine(canvas, HorizonPoint(layout_, roll, -half, up), HorizonPoint(layout_, roll, half, up), width);
     if (!ten || !numbers) continue;
     wchar_t text[8];
     FormatBounded(text, sizeof(text), L"%d", std::abs(static_cast<int>(degrees)));
     for (const double side : {-1.0, 1.0}) {
-      AddText(canvas, text, HorizonPlace(layout_, roll, side * (half + height * 1.1), up), height, -roll, ink);
+      AddText(canvas, text, HorizonPoint(layout_, roll, side * (half + height * 1.1), up), height, -roll, ink);
     }
   }
   FillShape(canvas, ink);
@@ -210,7 +210,7 @@ void HorizonPicture::DrawLadder(Canvas& canvas) {
 
 // The ring lies over what of the ladder reaches out of the disc. The scale turns with the horizon; its pointer is
 // fixed.
-void HorizonPicture::DrawRollScale(Canvas& canvas) {
+void HorizonRenderer::DrawRollScale(Canvas& canvas) {
   const double radius = layout_.radius, size = std::max(4.0, radius * 0.09);
   if (layout_.round) FillAnnularSector(canvas, layout_.centre, radius, layout_.ring, 0, 360, Shown(kRing));
   BeginShape(canvas);
@@ -235,7 +235,7 @@ void HorizonPicture::DrawRollScale(Canvas& canvas) {
 }
 
 // The same shape twice: dark and wider first, so that it stands out from sky, ground and ladder.
-void HorizonPicture::DrawSymbol(Canvas& canvas) {
+void HorizonRenderer::DrawSymbol(Canvas& canvas) {
   const PointD& centre = layout_.centre;
   const double radius = layout_.radius, width = std::max(2.0, radius * 0.04), knee = radius * 0.09;
   for (const double wider : {std::max(1.0, radius / 70), 0.0}) {
@@ -251,7 +251,7 @@ void HorizonPicture::DrawSymbol(Canvas& canvas) {
   }
 }
 
-void HorizonPicture::DrawTape(Canvas& canvas) {
+void HorizonRenderer::DrawTape(Canvas& canvas) {
   const RECT& tape = layout_.tape;
   const RECT before = canvas.clip();
   RECT clip;
@@ -281,22 +281,22 @@ void HorizonPicture::DrawTape(Canvas& canvas) {
   canvas.ClipTo(before);
 }
 
-void HorizonPicture::DrawFlag(Canvas& canvas) {
+void HorizonRenderer::DrawFlag(Canvas& canvas) {
   const double radius = layout_.radius, half = radius * 0.13;
   const HorizonLayout& layout = layout_;
-  const auto place = [&](double right, double up) { return HorizonPlace(layout, 30, right, up); };
+  const auto place = [&](double right, double up) { return HorizonPoint(layout, 30, right, up); };
   const double length = layout.round ? radius * 0.97 : radius * 1.2;
   FillLine(canvas, place(-length, 0), place(length, 0), 2 * half, Shown(kFlag));
   BeginShape(canvas);
   for (double x = -length; x + half < length; x += 2 * half) {
     const PointD stripe[] = {place(x, half), place(x + half * 0.8, half), place(x + half * 1.3, -half),
                              place(x + half * 0.5, -half)};
-    canvas.shape().AddFigure(stripe);
+    canvas.shape().AddContour(stripe);
   }
   FillShape(canvas, Shown(kInk));
 }
 
-void HorizonPicture::DrawFace(Canvas& canvas) {
+void HorizonRenderer::DrawAttitude(Canvas& canvas) {
   CopyFrom(canvas, case_);
   RECT face;
   if (layout_.radius <= 0 || !IntersectRect(&face, &layout_.area, &canvas.clip())) return;
@@ -314,13 +314,13 @@ void HorizonPicture::DrawFace(Canvas& canvas) {
   if (!IsRectEmpty(&layout_.tape)) DrawTape(canvas);
 }
 
-RECT HorizonPicture::Update(const HorizonAttitude& attitude, DWORD style, SIZE size, bool anew) {
+RECT HorizonRenderer::Update(const HorizonAttitude& attitude, DWORD style, SIZE size, bool redrawAll) {
   const COLORREF panel = GetSysColor(COLOR_BTNFACE);
   const bool resized = surface_.size().cx != size.cx || surface_.size().cy != size.cy;
-  anew = anew || resized || style != style_ || panel != panel_;
+  redrawAll = redrawAll || resized || style != style_ || panel != panel_;
   const HorizonAttitude before = attitude_;
   attitude_ = attitude;
-  if (anew) {
+  if (redrawAll) {
     if (resized && (!surface_.Create(size) || !case_.Create(size))) surface_.Reset();
     if (!surface_.bitmap()) return {};
     style_ = style;
@@ -332,12 +332,12 @@ RECT HorizonPicture::Update(const HorizonAttitude& attitude, DWORD style, SIZE s
   const RECT whole{0, 0, size.cx, size.cy};
   const bool turned = before.pitch != attitude.pitch || before.roll != attitude.roll || before.slip != attitude.slip ||
                       before.state != attitude.state;
-  RECT changed = anew ? whole : turned ? layout_.area : before.heading != attitude.heading ? layout_.tape : RECT{};
-  if ((attitude.state & before.state & kHorizonNoValue) && !anew) changed = {};
+  RECT changed = redrawAll ? whole : turned ? layout_.area : before.heading != attitude.heading ? layout_.tape : RECT{};
+  if ((attitude.state & before.state & kHorizonNoValue) && !redrawAll) changed = {};
   if (IsRectEmpty(&changed)) return {};
   Canvas canvas(dc_, surface_, shape_);
   canvas.ClipTo(changed);
-  DrawFace(canvas);
+  DrawAttitude(canvas);
   return changed;
 }
 

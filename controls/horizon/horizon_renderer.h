@@ -25,7 +25,7 @@ struct HorizonLayout {
 HorizonLayout LayoutHorizon(SIZE size, DWORD style);
 
 // Where a place stands that is `right` of the symbol along the horizon and `up` across it, both in pixels.
-PointD HorizonPlace(const HorizonLayout& layout, double roll, double right, double up);
+PointD HorizonPoint(const HorizonLayout& layout, double roll, double right, double up);
 // Degrees between the ladder's marks: 10, 5 or 2.5, as the size allows.
 double LadderStep(double pixelsPerDegree);
 
@@ -34,17 +34,17 @@ HorizonAttitude NormalAttitude(const HorizonAttitude& attitude);
 // The next attitude on the way to `target`, and whether it is not there yet.
 bool GlideAttitude(HorizonAttitude* shown, const HorizonAttitude& target);
 
-class HorizonPicture {
+class HorizonRenderer {
  public:
-  // Brings the picture up to date and returns what changed of it; with `anew` it is all drawn.
-  RECT Update(const HorizonAttitude& attitude, DWORD style, SIZE size, bool anew);
+  // Brings the picture up to date and returns what changed of it; with `redrawAll` it is all drawn.
+  RECT Update(const HorizonAttitude& attitude, DWORD style, SIZE size, bool redrawAll);
 
   const Surface& surface() const { return surface_; }
   HDC dc() const { return dc_; }
 
  private:
   void DrawCase();
-  void DrawFace(Canvas& canvas);
+  void DrawAttitude(Canvas& canvas);
   void DrawGround(Canvas& canvas);
   void DrawLadder(Canvas& canvas);
   void DrawRollScale(Canvas& canvas);

@@ -70,7 +70,7 @@ const GlyphOutline* InstrumentGlyph(wchar_t character) {
       if (cached.outline) OutlineOfCharacter(kInstrumentFont, FW_BOLD, character, cached.outline.get());
     }
     if (cached.character == character)
-      return cached.outline && cached.outline->figures ? cached.outline.get() : nullptr;
+      return cached.outline && cached.outline->contours ? cached.outline.get() : nullptr;
   }
   return nullptr;
 }

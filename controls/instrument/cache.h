@@ -36,9 +36,9 @@ const GlyphOutline* InstrumentGlyph(wchar_t character);
 
 // What belongs to one instrument.
 struct InstrumentCache {
-  Surface buffer;                 // of client size
-  std::unique_ptr<DWORD[]> face;  // the pixels of the face layer, as many
-  InstrumentParts parts;          // that the buffer shows
+  Surface buffer;                       // of client size
+  std::unique_ptr<DWORD[]> background;  // the pixels of the background layer, as many
+  InstrumentParts parts;                // that the buffer shows
 };
 
 }  // namespace kv

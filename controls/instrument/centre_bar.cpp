@@ -56,10 +56,10 @@ RECT CentreValueBox(const RECT& display, double deviation, int height) {
 
 namespace {
 
-void DrawFace(Canvas& canvas, InstrumentFace& face) {
-  FillArea(canvas, face.area, GetSysColor(COLOR_BTNFACE));
-  const CentreParts parts = LayOutCentreBar(face.area);
-  DrawCaption(canvas, parts.caption, face, parts.captionFont, DT_CENTER);
+void DrawBackground(Canvas& canvas, InstrumentAppearance& appearance) {
+  FillArea(canvas, appearance.area, GetSysColor(COLOR_BTNFACE));
+  const CentreParts parts = LayOutCentreBar(appearance.area);
+  DrawCaption(canvas, parts.caption, appearance, parts.captionFont, DT_CENTER);
   DrawDisplayWell(canvas, parts.display);
 }
 
@@ -70,12 +70,12 @@ struct Bar {
   COLORREF color;
 };
 
-void DrawBar(Canvas& canvas, const InstrumentFace&, const Bar& bar) {
+void DrawBar(Canvas& canvas, const InstrumentAppearance&, const Bar& bar) {
   FillRounded(canvas, bar.place, ShadeColor(bar.color, kBarEdge), bar.color);
 }
 
-void DrawCentreLine(Canvas& canvas, const InstrumentFace& face, const RECT& line) {
-  FillArea(canvas, line, ShownColor(face, RGB(255, 255, 255)));
+void DrawCentreLine(Canvas& canvas, const InstrumentAppearance& appearance, const RECT& line) {
+  FillArea(canvas, line, ShownColor(appearance, RGB(255, 255, 255)));
 }
 
 struct ValueText {
@@ -84,13 +84,13 @@ struct ValueText {
   RECT place;
 };
 
-void DrawValueText(Canvas& canvas, const InstrumentFace& face, const ValueText& value) {
+void DrawValueText(Canvas& canvas, const InstrumentAppearance& appearance, const ValueText& value) {
   DrawTextLine(canvas, InstrumentFont(value.height, value.characterWidth, FW_BOLD), WithoutPadding(value.text),
-               value.place, ShownColor(face, RGB(255, 255, 255)), DT_CENTER | DT_NOCLIP);
+               value.place, ShownColor(appearance, RGB(255, 255, 255)), DT_CENTER | DT_NOCLIP);
 }
 
 void AddParts(ValueLayer& layer, const InstrumentBlock& block, const char*) {
-  const RECT& area = layer.face().area;
+  const RECT& area = layer.appearance().area;
   // A control wider than tall shows its empty display only.
   if (area.right - area.left > area.bottom - area.top) return;
   const RECT display = WithinFrame(LayOutCentreBar(area).display);
@@ -98,15 +98,15 @@ void AddParts(ValueLayer& layer, const InstrumentBlock& block, const char*) {
   const InstrumentReading reading = ReadingOf(block);
   const double deviation = reading.valid ? CentreDeviation(reading) : 0;
   const RECT bar = CentreBar(display, deviation);
-  layer.Add(bar, Bar{bar, ShownColor(layer.face(), SeverityColor(deviation, 100))}, DrawBar);
+  layer.Add(bar, Bar{bar, ShownColor(layer.appearance(), SeverityColor(deviation, 100))}, DrawBar);
   const LONG half = (display.bottom - display.top) / 2, centre = display.top + half;
   const RECT line{display.left, centre - 1, display.right, centre + 1};
   layer.Add(line, line, DrawCentreLine);
 
   ValueText value{reading.valid ? FixedWidthNumber(reading.value, kValueWidth, block.format | kFormatSign) : L"---"};
-  const int roomWidth = (display.right - display.left - 8) / (static_cast<int>(value.text.size()) + 1);
-  const int roomHeight = static_cast<int>((half - kValueGap) / 2.5);
-  value.characterWidth = std::min(roomWidth, roomHeight);
+  const int availableWidth = (display.right - display.left - 8) / (static_cast<int>(value.text.size()) + 1);
+  const int availableHeight = static_cast<int>((half - kValueGap) / 2.5);
+  value.characterWidth = std::min(availableWidth, availableHeight);
   if (value.characterWidth <= 0) return;
   value.height = static_cast<int>(2.5 * value.characterWidth);
   value.place = CentreValueBox(display, deviation, value.height);
@@ -118,6 +118,6 @@ void AddParts(ValueLayer& layer, const InstrumentBlock& block, const char*) {
 
 }  // namespace
 
-const InstrumentLayout kCentreBarLayout{DrawFace, AddParts};
+const ModeRenderer kCentreBarRenderer{DrawBackground, AddParts};
 
 }  // namespace kv

@@ -36,15 +36,16 @@ struct CardLetters {
   double radius, cardinalHeight, otherRadius, otherHeight;
 };
 
-CardLetters LettersOf(double faceRadius) {
-  if (faceRadius >= kMinRadiusWithNumbers) return {0.70, 0.20, 0.57, 0.09};
-  if (faceRadius >= kMinRadiusWithEightLetters) return {0.665, 0.21, 0.665, 0.125};
+CardLetters LettersOf(double innerRadius) {
+  if (innerRadius >= kMinRadiusWithNumbers) return {0.70, 0.20, 0.57, 0.09};
+  if (innerRadius >= kMinRadiusWithEightLetters) return {0.665, 0.21, 0.665, 0.125};
   return {0.645, 0.27, 0.645, 0};
 }
 
 // North stands out by the display colour, as long as there is a heading to read and the control is enabled.
-COLORREF NorthColor(const InstrumentFace& face) {
-  return ReadingOf(face.block).valid && !IsDisabled(face) ? DisplayColor(face) : ColorsOf(face).ink;
+COLORREF NorthColor(const InstrumentAppearance& appearance) {
+  return ReadingOf(appearance.block).valid && !IsDisabled(appearance) ? DisplayColor(appearance)
+                                                                      : ColorsOf(appearance).ink;
 }
 
 // Adds a text along the tangent, upright when seen from the middle of the card, to the shape.
@@ -56,7 +57,7 @@ void AddCardText(Canvas& canvas, const Dial& dial, const wchar_t* text, int coun
     if (!glyph) return;
     width += glyph->advance * height;
   }
-  const PointD place = PolarPoint(dial.centre, radius * dial.faceRadius, angle);
+  const PointD place = PolarPoint(dial.centre, radius * dial.innerRadius, angle);
   double along = -width / 2;
   for (int i = 0; i < count; ++i) {
     const GlyphOutline& glyph = *InstrumentGlyph(text[i]);
@@ -65,16 +66,16 @@ void AddCardText(Canvas& canvas, const Dial& dial, const wchar_t* text, int coun
   }
 }
 
-void DrawZones(Canvas& canvas, const Dial& dial, const InstrumentFace& face, double heading) {
-  const double inner = std::min(kZoneInner * dial.faceRadius, kZoneOuter * dial.faceRadius - 1.5);
+void DrawZones(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appearance, double heading) {
+  const double inner = std::min(kZoneInner * dial.innerRadius, kZoneOuter * dial.innerRadius - 1.5);
   for (int i = 0; i < kInstrumentZones; ++i) {
-    if (!(face.block.state & ZoneEnabledBit(i))) continue;
-    const InstrumentZone& zone = face.block.zones[i];
+    if (!(appearance.block.state & ZoneEnabledBit(i))) continue;
+    const InstrumentZone& zone = appearance.block.zones[i];
     if (!std::isfinite(zone.lower) || !std::isfinite(zone.upper)) continue;
     const double from = CardAngle(zone.lower, heading);
     const double sweep = std::clamp(static_cast<double>(zone.upper) - zone.lower, 0.0, 360.0);
-    FillAnnularSector(canvas, dial.centre, inner, kZoneOuter * dial.faceRadius, from, from + sweep,
-                      ShownColor(face, zone.color));
+    FillAnnularSector(canvas, dial.centre, inner, kZoneOuter * dial.innerRadius, from, from + sweep,
+                      ShownColor(appearance, zone.color));
   }
 }
 
@@ -85,7 +86,7 @@ Mark MarkAt(int bearing) {
 }
 
 void AddMark(Canvas& canvas, const Dial& dial, Mark mark, double angle) {
-  const double radius = dial.faceRadius;
+  const double radius = dial.innerRadius;
   const double inner = mark == Mark::kThirty ? kThirtyInner : mark == Mark::kTen ? kTenInner : kFineInner;
   const double width = mark == Mark::kThirty ? std::max(1.3, radius * 0.02)
                        : mark == Mark::kTen  ? std::max(0.85, radius * 0.012)
@@ -97,7 +98,7 @@ void AddMark(Canvas& canvas, const Dial& dial, Mark mark, double angle) {
 // The marks of a quarter make one shape for each colour: those of a whole card with one for each degree have more edges
 // than a shape can hold.
 void DrawMarks(Canvas& canvas, const Dial& dial, const DialColors& colors, double heading) {
-  const int spacing = MarkSpacing(dial.faceRadius);
+  const int spacing = MarkSpacing(dial.innerRadius);
   for (int quarter = 0; quarter < 360; quarter += 90) {
     for (const bool thirty : {false, true}) {
       BeginShape(canvas);
@@ -118,18 +119,18 @@ Rank RankOf(const Direction& direction) {
   return direction.bearing == 0 ? Rank::kNorth : direction.count == 1 ? Rank::kCardinal : Rank::kOther;
 }
 
-COLORREF ColorOf(Rank rank, const InstrumentFace& face) {
-  if (rank == Rank::kNorth) return NorthColor(face);
-  return rank == Rank::kCardinal ? ColorsOf(face).ink : ColorsOf(face).faintInk;
+COLORREF ColorOf(Rank rank, const InstrumentAppearance& appearance) {
+  if (rank == Rank::kNorth) return NorthColor(appearance);
+  return rank == Rank::kCardinal ? ColorsOf(appearance).ink : ColorsOf(appearance).faintInk;
 }
 
-void DrawLetters(Canvas& canvas, const Dial& dial, const InstrumentFace& face, double heading) {
-  const CardLetters letters = LettersOf(dial.faceRadius);
+void DrawLetters(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appearance, double heading) {
+  const CardLetters letters = LettersOf(dial.innerRadius);
   for (const Rank rank : kRanks) {
     const bool other = rank == Rank::kOther;
-    const double height = dial.faceRadius * (other ? letters.otherHeight : letters.cardinalHeight);
+    const double height = dial.innerRadius * (other ? letters.otherHeight : letters.cardinalHeight);
     if (height <= 0) continue;
-    const COLORREF color = ColorOf(rank, face);
+    const COLORREF color = ColorOf(rank, appearance);
     BeginShape(canvas);
     for (const Direction& direction : Directions()) {
       if (RankOf(direction) != rank) continue;
@@ -141,30 +142,30 @@ void DrawLetters(Canvas& canvas, const Dial& dial, const InstrumentFace& face, d
 }
 
 // Tens of degrees, as on an aircraft's card: the cardinal directions have their letters instead.
-void DrawNumbers(Canvas& canvas, const Dial& dial, const InstrumentFace& face, double heading) {
-  const COLORREF ink = ColorsOf(face).ink;
-  if (dial.faceRadius < kMinRadiusWithNumbers) return;
+void DrawNumbers(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appearance, double heading) {
+  const COLORREF ink = ColorsOf(appearance).ink;
+  if (dial.innerRadius < kMinRadiusWithNumbers) return;
   BeginShape(canvas);
   for (int bearing = 0; bearing < 360; bearing += 30) {
     if (bearing % 90 == 0) continue;
     wchar_t text[8];
     FormatBounded(text, sizeof(text), L"%ld", static_cast<long>(bearing / 10));
-    AddCardText(canvas, dial, text, lstrlenW(text), kNumbers, dial.faceRadius * 0.095, CardAngle(bearing, heading),
+    AddCardText(canvas, dial, text, lstrlenW(text), kNumbers, dial.innerRadius * 0.095, CardAngle(bearing, heading),
                 ink);
   }
   FillShape(canvas, ink);
 }
 
 // Eight rays, each with a light and a dark side, the cardinal ones longer and on top.
-void DrawRose(Canvas& canvas, const Dial& dial, const InstrumentFace& face, double heading) {
-  const double radius = dial.faceRadius, waist = radius * kHub * 1.02;
+void DrawRose(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appearance, double heading) {
+  const double radius = dial.innerRadius, waist = radius * kHub * 1.02;
   if (radius < kMinRadiusWithRose) return;
   const CardLetters letters = LettersOf(radius);
   for (const Rank rank : kRanks) {
     const bool other = rank == Rank::kOther;
     const double height = other ? std::max(letters.otherHeight, 0.1) : letters.cardinalHeight;
     const double length = radius * (other ? letters.otherRadius - height * 1.1 - 0.03 : letters.radius - height * 0.75);
-    const COLORREF light = ColorOf(rank, face);
+    const COLORREF light = ColorOf(rank, appearance);
     for (const double side : {-1.0, 1.0}) {
       BeginShape(canvas);
       for (const Direction& direction : Directions()) {
@@ -172,7 +173,7 @@ void DrawRose(Canvas& canvas, const Dial& dial, const InstrumentFace& face, doub
         const double angle = CardAngle(direction.bearing, heading);
         const PointD half[] = {PolarPoint(dial.centre, length, angle),
                                PolarPoint(dial.centre, waist, angle + side * 22.5), dial.centre};
-        canvas.shape().AddFigure(half);
+        canvas.shape().AddContour(half);
       }
       FillShape(canvas, ShadeColor(light, side < 0 ? 0.85 : 0.5));
     }
@@ -180,35 +181,35 @@ void DrawRose(Canvas& canvas, const Dial& dial, const InstrumentFace& face, doub
 }
 
 // The fixed index at the top: where it points, the heading is read.
-void DrawIndex(Canvas& canvas, const Dial& dial, const InstrumentFace& face) {
-  const double radius = dial.faceRadius, half = std::max(3.0, radius * 0.075);
+void DrawIndex(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appearance) {
+  const double radius = dial.innerRadius, half = std::max(3.0, radius * 0.075);
   const double top = dial.centre.y - dial.radius + std::max(0.5, (dial.radius - radius) * 0.3);
   const double tip = dial.centre.y - radius * 0.82;
   const auto triangle = [&](double wider) {
     return std::array{PointD{dial.centre.x - half - wider, top}, PointD{dial.centre.x + half + wider, top},
                       PointD{dial.centre.x, tip + 1.6 * wider}};
   };
-  FillPolygon(canvas, triangle(std::max(0.7, radius * 0.012)), ColorsOf(face).faceBottom);
-  FillPolygon(canvas, triangle(0), DisplayColor(face));
+  FillPolygon(canvas, triangle(std::max(0.7, radius * 0.012)), ColorsOf(appearance).dialBottom);
+  FillPolygon(canvas, triangle(0), DisplayColor(appearance));
 }
 
-void DrawHeading(Canvas& canvas, const Dial& dial, const InstrumentFace& face, double heading) {
-  const double radius = dial.faceRadius;
-  const DialColors colors = ColorsOf(face);
-  const bool valid = ReadingOf(face.block).valid, small = radius < kMinRadiusWithRose;
-  const int places = radius >= kMinRadiusWithDecimals ? face.block.format & kFormatPlaces : 0;
+void DrawHeading(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appearance, double heading) {
+  const double radius = dial.innerRadius;
+  const DialColors colors = ColorsOf(appearance);
+  const bool valid = ReadingOf(appearance.block).valid, small = radius < kMinRadiusWithRose;
+  const int decimals = radius >= kMinRadiusWithDecimals ? appearance.block.format & kFormatDecimals : 0;
   // Between the letters of a small card there is no room for a unit.
   const FixedText text = !valid  ? FixedText(L"---")
-                         : small ? HeadingText(heading, places)
-                                 : HeadingText(heading, places) + DecodedUnit(face.block);
+                         : small ? HeadingText(heading, decimals)
+                                 : HeadingText(heading, decimals) + DecodedUnit(appearance.block);
   const int width = static_cast<int>(radius * (small ? 0.9 : 2 * kHub * 0.93)), nameWidth = width * 5 / 6;
-  const FixedText name = DecodedName(face.block);
+  const FixedText name = DecodedName(appearance.block);
   const bool named = radius >= kMinRadiusWithName && MeasureText(name, kMinNameHeight, FW_NORMAL).cx <= width;
-  const auto write = [&](const FixedText& line, double tall, int least, int room, int weight, double middle,
+  const auto write = [&](const FixedText& line, double tall, int least, int maxWidth, int weight, double middle,
                          double boxHeight, COLORREF color, UINT align) {
     const int wanted = std::max(least, static_cast<int>(radius * tall));
-    HFONT font = InstrumentFont(FittingHeight(line, wanted, 9, room, weight), 0, weight);
-    const LONG centre = std::lround(dial.centre.x), half = width / 2 + 1;
+    HFONT font = InstrumentFont(FittingHeight(line, wanted, 9, maxWidth, weight), 0, weight);
+    const LONG centre = std::lround(dial.centre.x), half = maxWidth / 2 + 1;
     const double top = dial.centre.y + radius * (middle - boxHeight / 2);
     const RECT box{centre - half, std::lround(top), centre + half, std::lround(top + radius * boxHeight)};
     DrawTextLine(canvas, font, line, box, color, align);
@@ -243,57 +244,58 @@ double CardAngle(double bearing, double heading) {
   return NormalHeading(bearing - heading);
 }
 
-int MarkSpacing(double faceRadius) {
+int MarkSpacing(double innerRadius) {
   constexpr double kMinPixels = 4.0;
-  const double perDegree = faceRadius * kRadiansPerDegree;
+  const double perDegree = innerRadius * kRadiansPerDegree;
   for (int spacing : {1, 2, 5}) {
     if (perDegree * spacing >= kMinPixels) return spacing;
   }
   return 10;
 }
 
-FixedText HeadingText(double degrees, int places) {
-  const double unit = std::pow(10.0, places);
+FixedText HeadingText(double degrees, int decimals) {
+  const double unit = std::pow(10.0, decimals);
   const double rounded = NormalHeading(std::round(NormalHeading(degrees) * unit) / unit);
   wchar_t text[32];
-  FormatBounded(text, sizeof(text), L"%0*.*f", places > 0 ? 4 + places : 3, places, rounded);
+  FormatBounded(text, sizeof(text), L"%0*.*f", decimals > 0 ? 4 + decimals : 3, decimals, rounded);
   return text;
 }
 
 namespace {
 
-void DrawFace(Canvas& canvas, InstrumentFace& face) {
-  DrawDialCase(canvas, DialIn(face.area), face);
+void DrawBackground(Canvas& canvas, InstrumentAppearance& appearance) {
+  DrawDialCase(canvas, DialIn(appearance.area), appearance);
 }
 
 // The card turns as a whole.
-void DrawCard(Canvas& canvas, const InstrumentFace& face, const double& heading) {
-  const Dial dial = DialIn(face.area);
-  const DialColors colors = ColorsOf(face);
-  DrawZones(canvas, dial, face, heading);
+void DrawCard(Canvas& canvas, const InstrumentAppearance& appearance, const double& heading) {
+  const Dial dial = DialIn(appearance.area);
+  const DialColors colors = ColorsOf(appearance);
+  DrawZones(canvas, dial, appearance, heading);
   DrawMarks(canvas, dial, colors, heading);
-  DrawNumbers(canvas, dial, face, heading);
-  DrawLetters(canvas, dial, face, heading);
-  DrawRose(canvas, dial, face, heading);
-  if (dial.faceRadius >= kMinRadiusWithRose) {
-    FillDisc(canvas, dial.centre, dial.faceRadius * kHub * 1.05, colors.faceBottom);
-    FillGradientDisc(canvas, dial.centre, dial.faceRadius * kHub, colors.window, colors.faceTop);
+  DrawNumbers(canvas, dial, appearance, heading);
+  DrawLetters(canvas, dial, appearance, heading);
+  DrawRose(canvas, dial, appearance, heading);
+  if (dial.innerRadius >= kMinRadiusWithRose) {
+    FillDisc(canvas, dial.centre, dial.innerRadius * kHub * 1.05, colors.dialBottom);
+    FillGradientDisc(canvas, dial.centre, dial.innerRadius * kHub, colors.window, colors.dialTop);
   }
-  if (ReadingOf(face.block).valid) DrawIndex(canvas, dial, face);
-  if (dial.faceRadius >= kMinRadiusWithHeading) DrawHeading(canvas, dial, face, heading);
+  if (ReadingOf(appearance.block).valid) DrawIndex(canvas, dial, appearance);
+  if (dial.innerRadius >= kMinRadiusWithHeading) DrawHeading(canvas, dial, appearance, heading);
 }
 
 void AddParts(ValueLayer& layer, const InstrumentBlock& block, const char*) {
-  const Dial dial = DialIn(layer.face().area);
+  const Dial dial = DialIn(layer.appearance().area);
   if (dial.radius <= 0) return;
   const InstrumentReading reading = ReadingOf(block);
-  const PointD corners[] = {{dial.centre.x - dial.faceRadius, dial.centre.y - dial.radius},
-                            {dial.centre.x + dial.faceRadius, dial.centre.y + dial.faceRadius}};
-  layer.Add(BoundsOf(corners, 1, layer.face().area), reading.valid ? NormalHeading(reading.value) : 0.0, DrawCard);
+  const PointD corners[] = {{dial.centre.x - dial.innerRadius, dial.centre.y - dial.radius},
+                            {dial.centre.x + dial.innerRadius, dial.centre.y + dial.innerRadius}};
+  layer.Add(BoundsOf(corners, 1, layer.appearance().area), reading.valid ? NormalHeading(reading.value) : 0.0,
+            DrawCard);
 }
 
 }  // namespace
 
-const InstrumentLayout kCompassLayout{DrawFace, AddParts};
+const ModeRenderer kCompassRenderer{DrawBackground, AddParts};
 
 }  // namespace kv

@@ -25,9 +25,9 @@ double NormalHeading(double degrees);
 double CardAngle(double bearing, double heading);
 
 // Degrees between the card's marks, as fine as the size allows: 10, 5, 2 or 1.
-int MarkSpacing(double faceRadius);
+int MarkSpacing(double innerRadius);
 
 // Three digits before the point, as headings are spoken; what rounds up to 360 is 0.
-FixedText HeadingText(double degrees, int places);
+FixedText HeadingText(double degrees, int decimals);
 
 }  // namespace kv

@@ -70,18 +70,18 @@ double CellWidth(const DigitCell& cell) {
 }
 
 // A place within a character's upright box, turned into the slanted one of the target.
-PointD Slanted(const DigitPlace& place, double x, double y) {
-  return {place.left + x + (place.height - y) * kSlant, place.top + y};
+PointD Slanted(const DigitBox& box, double x, double y) {
+  return {box.left + x + (box.height - y) * kSlant, box.top + y};
 }
 
 // A bar with pointed ends from one node of the character to another, leaving a gap to its neighbours.
-StrokeCorners Bar(const DigitPlace& place, PointD from, PointD to, double gap) {
-  const double half = place.stroke / 2;
+StrokeCorners Bar(const DigitBox& box, PointD from, PointD to, double gap) {
+  const double half = box.stroke / 2;
   const bool level = from.y == to.y;
   const double dx = level ? 1 : 0, dy = level ? 0 : 1;
   const PointD a{from.x + dx * gap, from.y + dy * gap}, b{to.x - dx * gap, to.y - dy * gap};
   const auto corner = [&](PointD end, double inwards, double aside) {
-    return Slanted(place, end.x + dx * inwards + dy * aside, end.y + dy * inwards + dx * aside);
+    return Slanted(box, end.x + dx * inwards + dy * aside, end.y + dy * inwards + dx * aside);
   };
   return {{corner(a, 0, 0), corner(a, half, -half), corner(b, -half, -half), corner(b, 0, 0), corner(b, -half, half),
            corner(a, half, half)},
@@ -89,10 +89,10 @@ StrokeCorners Bar(const DigitPlace& place, PointD from, PointD to, double gap) {
 }
 
 // A slanting arm with level ends, thinner than a segment: two of them have to part within a character.
-StrokeCorners Arm(const DigitPlace& place, PointD from, PointD to) {
-  const double half = place.stroke * 0.38;
-  return {{Slanted(place, from.x - half, from.y), Slanted(place, from.x + half, from.y),
-           Slanted(place, to.x + half, to.y), Slanted(place, to.x - half, to.y)},
+StrokeCorners Arm(const DigitBox& box, PointD from, PointD to) {
+  const double half = box.stroke * 0.38;
+  return {{Slanted(box, from.x - half, from.y), Slanted(box, from.x + half, from.y), Slanted(box, to.x + half, to.y),
+           Slanted(box, to.x - half, to.y)},
           4};
 }
 
@@ -133,35 +133,35 @@ FixedText ReadableDigits(const char* text, DWORD style) {
   return readable;
 }
 
-DigitPlaces LayOutDigits(const RECT& area, const DigitCells& cells) {
+DigitBoxes LayOutDigits(const RECT& area, const DigitCells& cells) {
   const double width = std::max<LONG>(area.right - area.left, 0), height = std::max<LONG>(area.bottom - area.top, 0);
   double across = kSlant - kBetween;  // of all characters, in heights of one
   for (const DigitCell& cell : cells) across += CellWidth(cell);
   const double digitHeight = std::max(0.0, std::min(height * (1 - 2 * kMarginY), width * (1 - 2 * kMarginX) / across));
-  DigitPlaces places;
+  DigitBoxes boxes;
   double left = area.left + (width - across * digitHeight) / 2;
   for (int i = 0; i < cells.count; ++i) {
-    places[i] = {.left = left,
-                 .top = area.top + (height - digitHeight) / 2,
-                 .width = kWidth * digitHeight,
-                 .height = digitHeight,
-                 .stroke = kStroke * digitHeight,
-                 .between = kBetween * digitHeight,
-                 .separator = kSeparator * digitHeight};
+    boxes[i] = {.left = left,
+                .top = area.top + (height - digitHeight) / 2,
+                .width = kWidth * digitHeight,
+                .height = digitHeight,
+                .stroke = kStroke * digitHeight,
+                .between = kBetween * digitHeight,
+                .separator = kSeparator * digitHeight};
     left += CellWidth(cells.cells[i]) * digitHeight;
   }
-  return places;
+  return boxes;
 }
 
-StrokeCorners CornersOf(const DigitPlace& place, int stroke) {
-  const double t = place.stroke, gap = std::max(place.height * 0.012, 0.12);
-  const double left = t / 2, right = place.width - t / 2, centre = place.width / 2;
-  const double top = t / 2, middle = place.height / 2, bottom = place.height - t / 2;
-  const auto bar = [&](PointD from, PointD to) { return Bar(place, from, to, gap); };
+StrokeCorners CornersOf(const DigitBox& box, int stroke) {
+  const double t = box.stroke, gap = std::max(box.height * 0.012, 0.12);
+  const double left = t / 2, right = box.width - t / 2, centre = box.width / 2;
+  const double top = t / 2, middle = box.height / 2, bottom = box.height - t / 2;
+  const auto bar = [&](PointD from, PointD to) { return Bar(box, from, to, gap); };
   // Arms end beside the segments at the character's sides.
   const auto arm = [&](double side, double end) {
-    const double x = centre + side * (place.width / 2 - t * 1.15);
-    return Arm(place, {centre, middle}, {x, end});
+    const double x = centre + side * (box.width / 2 - t * 1.15);
+    return Arm(box, {centre, middle}, {x, end});
   };
   switch (1u << stroke) {
     case kSegmentTop: return bar({left, top}, {right, top});
@@ -181,8 +181,8 @@ StrokeCorners CornersOf(const DigitPlace& place, int stroke) {
     case kStrokeStemLower: return bar({centre, middle}, {centre, bottom});
     case kArmUpperLeft: return arm(-1, t);
     case kArmUpperRight: return arm(1, t);
-    case kArmLowerRight: return arm(1, place.height - t);
-    case kArmLowerLeft: return arm(-1, place.height - t);
+    case kArmLowerRight: return arm(1, box.height - t);
+    case kArmLowerLeft: return arm(-1, box.height - t);
     default: return {};
   }
 }
@@ -201,71 +201,71 @@ DigitalParts LayOutDigital(const RECT& area, DWORD style) {
 
 namespace {
 
-void DrawFace(Canvas& canvas, InstrumentFace& face) {
-  FillArea(canvas, face.area, GetSysColor(COLOR_BTNFACE));
-  const DigitalParts parts = LayOutDigital(face.area, face.style);
-  if (parts.captionHeight) DrawCaption(canvas, parts.caption, face, parts.captionHeight, DT_CENTER);
+void DrawBackground(Canvas& canvas, InstrumentAppearance& appearance) {
+  FillArea(canvas, appearance.area, GetSysColor(COLOR_BTNFACE));
+  const DigitalParts parts = LayOutDigital(appearance.area, appearance.style);
+  if (parts.captionHeight) DrawCaption(canvas, parts.caption, appearance, parts.captionHeight, DT_CENTER);
   DrawDisplayWell(canvas, parts.display);
 }
 
 // ---- Value ----------------------------------------------------------------------------------------------------------
 
 struct Digit {
-  DigitPlace place;
+  DigitBox box;
   DigitCell cell;
 };
 
-void DrawSeparator(Canvas& canvas, const DigitPlace& place, Separator separator, COLORREF color) {
-  const double height = place.height, radius = place.stroke * 0.62;
-  const double x = place.width + (place.between + place.separator) / 2;
+void DrawSeparator(Canvas& canvas, const DigitBox& box, Separator separator, COLORREF color) {
+  const double height = box.height, radius = box.stroke * 0.62;
+  const double x = box.width + (box.between + box.separator) / 2;
   const auto tick = [&](double aside) {
-    FillLine(canvas, Slanted(place, x + aside + radius * 0.3, 0),
-             Slanted(place, x + aside - radius * 0.2, height * 0.22), place.stroke * 0.6, color);
+    FillLine(canvas, Slanted(box, x + aside + radius * 0.3, 0), Slanted(box, x + aside - radius * 0.2, height * 0.22),
+             box.stroke * 0.6, color);
   };
   switch (separator) {
     case Separator::kNone: break;
-    case Separator::kPoint: FillDisc(canvas, Slanted(place, x, height - radius), radius, color); break;
+    case Separator::kPoint: FillDisc(canvas, Slanted(box, x, height - radius), radius, color); break;
     case Separator::kColon:
-      FillDisc(canvas, Slanted(place, x, height * 0.30), radius, color);
-      FillDisc(canvas, Slanted(place, x, height * 0.70), radius, color);
+      FillDisc(canvas, Slanted(box, x, height * 0.30), radius, color);
+      FillDisc(canvas, Slanted(box, x, height * 0.70), radius, color);
       break;
     case Separator::kDegree:
-      FillAnnularSector(canvas, Slanted(place, x, height * 0.08), height * 0.045, height * 0.085, 0, 360, color);
+      FillAnnularSector(canvas, Slanted(box, x, height * 0.08), height * 0.045, height * 0.085, 0, 360, color);
       break;
     case Separator::kMinute: tick(0); break;
     case Separator::kSecond:
-      tick(-place.stroke * 0.5);
-      tick(place.stroke * 0.5);
+      tick(-box.stroke * 0.5);
+      tick(box.stroke * 0.5);
       break;
   }
 }
 
-void DrawDigit(Canvas& canvas, const InstrumentFace& face, const Digit& digit) {
-  const COLORREF lit = DisplayColor(face), unlit = ShadeColor(lit, kUnlit);
+void DrawDigit(Canvas& canvas, const InstrumentAppearance& appearance, const Digit& digit) {
+  const COLORREF lit = DisplayColor(appearance), unlit = ShadeColor(lit, kUnlit);
   for (int stroke = 0; stroke < kAllStrokes; ++stroke) {
     const bool isLit = (digit.cell.segments >> stroke) & 1;
-    if (isLit || stroke < kSevenSegments) FillPolygon(canvas, CornersOf(digit.place, stroke), isLit ? lit : unlit);
+    if (isLit || stroke < kSevenSegments) FillPolygon(canvas, CornersOf(digit.box, stroke), isLit ? lit : unlit);
   }
-  DrawSeparator(canvas, digit.place, digit.cell.separator, lit);
+  DrawSeparator(canvas, digit.box, digit.cell.separator, lit);
 }
 
 void AddParts(ValueLayer& layer, const InstrumentBlock&, const char* text) {
-  const InstrumentFace& face = layer.face();
-  RECT area = WithinFrame(LayOutDigital(face.area, face.style).display);
+  const InstrumentAppearance& appearance = layer.appearance();
+  RECT area = WithinFrame(LayOutDigital(appearance.area, appearance.style).display);
   InflateRect(&area, -2, -1);
-  const DigitCells cells = CellsOf(text, face.style);
+  const DigitCells cells = CellsOf(text, appearance.style);
   if (cells.count == 0 || IsRectEmpty(&area)) return;
-  const DigitPlaces places = LayOutDigits(area, cells);
+  const DigitBoxes boxes = LayOutDigits(area, cells);
   for (int i = 0; i < cells.count; ++i) {
-    const DigitPlace& place = places[i];
-    const double right = place.left + place.width + place.between + place.separator + place.height * kSlant;
-    const PointD corners[] = {{place.left, place.top}, {right, place.top + place.height}};
-    layer.Add(BoundsOf(corners, 1 + place.stroke, area), Digit{place, cells.cells[i]}, DrawDigit);
+    const DigitBox& box = boxes[i];
+    const double right = box.left + box.width + box.between + box.separator + box.height * kSlant;
+    const PointD corners[] = {{box.left, box.top}, {right, box.top + box.height}};
+    layer.Add(BoundsOf(corners, 1 + box.stroke, area), Digit{box, cells.cells[i]}, DrawDigit);
   }
 }
 
 }  // namespace
 
-const InstrumentLayout kDigitalLayout{DrawFace, AddParts};
+const ModeRenderer kDigitalRenderer{DrawBackground, AddParts};
 
 }  // namespace kv

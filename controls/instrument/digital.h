@@ -60,13 +60,13 @@ DigitCells CellsOf(const char* text, DWORD style);
 FixedText ReadableDigits(const char* text, DWORD style);
 
 // A character's place: all of one size, in the middle of the area.
-struct DigitPlace {
+struct DigitBox {
   double left, top, width, height;  // of its upright box
   double stroke;                    // thickness of a segment
   double between, separator;        // room between two characters, and that of a separator besides
 };
-using DigitPlaces = std::array<DigitPlace, kMaxDigits>;
-DigitPlaces LayOutDigits(const RECT& area, const DigitCells& cells);
+using DigitBoxes = std::array<DigitBox, kMaxDigits>;
+DigitBoxes LayOutDigits(const RECT& area, const DigitCells& cells);
 
 // Corners of a segment or stroke (bit number 0..kAllStrokes - 1) of a character.
 struct StrokeCorners {
@@ -76,7 +76,7 @@ struct StrokeCorners {
   const PointD* begin() const { return corners.data(); }
   const PointD* end() const { return corners.data() + count; }
 };
-StrokeCorners CornersOf(const DigitPlace& place, int stroke);
+StrokeCorners CornersOf(const DigitBox& place, int stroke);
 
 struct DigitalParts {
   int captionHeight;  // also the caption's font; 0 without a caption

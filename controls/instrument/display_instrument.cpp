@@ -69,14 +69,14 @@ void MakeBuffers(InstrumentState* state) {
   const SIZE size = ClientSize(state->hWnd);
   state->nWidth = size.cx;
   state->nHeight = size.cy;
-  state->work.bFaceDrawn = FALSE;
+  state->work.bBackgroundDrawn = FALSE;
   state->bRedraw = TRUE;
   state->hBuffer = nullptr;
   if (!state->work.cache) state->work.cache = new (std::nothrow) InstrumentCache;
   InstrumentCache* cache = state->work.cache;
   if (!cache || !InstrumentTools() || !cache->buffer.Create(size)) return;
-  cache->face.reset(new (std::nothrow) DWORD[static_cast<size_t>(size.cx) * size.cy]);
-  if (cache->face) state->hBuffer = cache->buffer.bitmap();
+  cache->background.reset(new (std::nothrow) DWORD[static_cast<size_t>(size.cx) * size.cy]);
+  if (cache->background) state->hBuffer = cache->buffer.bitmap();
 }
 
 // ---- Drawing --------------------------------------------------------------------------------------------------------
@@ -89,57 +89,59 @@ void StoreShownText(InstrumentState* state) {
   state->szText[length] = '\0';
 }
 
-InstrumentFace FaceOf(const InstrumentState& state) {
-  InstrumentFace face{{0, 0, state.nWidth, state.nHeight}, state.dwStyle, {}, state.block, state.work.face.reach};
-  std::ranges::transform(kFaceColors, face.colors, GetSysColor);
-  if (!ReadingOf(state.block).valid) face.block.state |= kInstrumentNoValue;
-  face.block.current = 0;
-  return face;
+InstrumentAppearance AppearanceOf(const InstrumentState& state) {
+  InstrumentAppearance appearance{
+      {0, 0, state.nWidth, state.nHeight}, state.dwStyle, {}, state.block, state.work.appearance.reach};
+  std::ranges::transform(kSystemColors, appearance.colors, GetSysColor);
+  if (!ReadingOf(state.block).valid) appearance.block.state |= kInstrumentNoValue;
+  appearance.block.current = 0;
+  return appearance;
 }
 
 // Copies the clip of the canvas from the face's picture.
-void RestoreFace(Canvas& canvas, const InstrumentCache& cache) {
+void RestoreBackground(Canvas& canvas, const InstrumentCache& cache) {
   const RECT& clip = canvas.clip();
   canvas.FinishGdi();
   for (LONG y = clip.top; y < clip.bottom; ++y) {
     const size_t first = static_cast<size_t>(y) * cache.buffer.size().cx + clip.left;
-    std::copy_n(&cache.face[first], clip.right - clip.left, cache.buffer.Row(y) + clip.left);
+    std::copy_n(&cache.background[first], clip.right - clip.left, cache.buffer.Row(y) + clip.left);
   }
 }
 
 // Brings the back buffer up to date, if it is not, and returns what changed of it.
-Damage Render(InstrumentState* state) {
-  InstrumentFace face = FaceOf(*state);
-  const bool anew = !state->work.bFaceDrawn || memcmp(&state->work.face, &face, sizeof(face)) != 0;
-  if (!state->bRedraw && !anew) return {};
+DirtyRects Render(InstrumentState* state) {
+  InstrumentAppearance appearance = AppearanceOf(*state);
+  const bool redrawAll =
+      !state->work.bBackgroundDrawn || memcmp(&state->work.appearance, &appearance, sizeof(appearance)) != 0;
+  if (!state->bRedraw && !redrawAll) return {};
   state->bRedraw = FALSE;
   if (!state->hBuffer) return {};
   ++state->work.renderings;
   if (ModeOf(*state) == kModeDigital) StoreShownText(state);
   InstrumentCache& cache = *state->work.cache;
   DrawingTools& tools = *InstrumentTools();
-  const InstrumentLayout& layout = LayoutOf(state->dwStyle);
+  const ModeRenderer& layout = RendererOf(state->dwStyle);
   Canvas canvas(tools.dc, cache.buffer, tools.shape);
-  if (anew) {
-    layout.drawFace(canvas, face);
+  if (redrawAll) {
+    layout.drawBackground(canvas, appearance);
     canvas.FinishGdi();
-    std::copy_n(cache.buffer.Row(0), static_cast<size_t>(state->nWidth) * state->nHeight, cache.face.get());
-    state->work.face = face;
-    state->work.bFaceDrawn = TRUE;
+    std::copy_n(cache.buffer.Row(0), static_cast<size_t>(state->nWidth) * state->nHeight, cache.background.get());
+    state->work.appearance = appearance;
+    state->work.bBackgroundDrawn = TRUE;
   }
   const InstrumentParts before = cache.parts;
   cache.parts = {};
-  ValueLayer list(face, &cache.parts);
+  ValueLayer list(appearance, &cache.parts);
   layout.addParts(list, state->block, state->szText);
-  Damage damage = DamageBetween(before, cache.parts, face.area);
-  if (anew) damage.Add(face.area);
-  for (const RECT& changed : damage) {
+  DirtyRects dirty = ChangedRects(before, cache.parts, appearance.area);
+  if (redrawAll) dirty.Add(appearance.area);
+  for (const RECT& changed : dirty) {
     canvas.ClipTo(changed);
-    RestoreFace(canvas, cache);
-    ValueLayer drawn(face, &canvas);
+    RestoreBackground(canvas, cache);
+    ValueLayer drawn(appearance, &canvas);
     layout.addParts(drawn, state->block, state->szText);
   }
-  return damage;
+  return dirty;
 }
 
 // The same, and has what changed painted when the time comes.
@@ -147,9 +149,9 @@ void EnsureRendered(InstrumentState* state) {
   for (const RECT& changed : Render(state)) InvalidateRect(state->hWnd, &changed, FALSE);
 }
 
-OwnedRegion RegionOf(const Damage& damage) {
+OwnedRegion RegionOf(const DirtyRects& dirty) {
   OwnedRegion region(CreateRectRgn(0, 0, 0, 0));
-  for (const RECT& area : damage) {
+  for (const RECT& area : dirty) {
     const OwnedRegion part(CreateRectRgnIndirect(&area));
     CombineRgn(region, region, part, RGN_OR);
   }
@@ -159,16 +161,16 @@ OwnedRegion RegionOf(const Damage& damage) {
 // Shows a change before returning; what did not change is not painted. All in one call: twenty gliding instruments make
 // a thousand of them a second.
 void ShowNow(InstrumentState* state) {
-  const Damage damage = Render(state);
-  RedrawWindow(state->hWnd, nullptr, damage.empty() ? OwnedRegion() : RegionOf(damage),
-               RDW_UPDATENOW | RDW_NOCHILDREN | (damage.empty() ? 0u : RDW_INVALIDATE));
+  const DirtyRects dirty = Render(state);
+  RedrawWindow(state->hWnd, nullptr, dirty.empty() ? OwnedRegion() : RegionOf(dirty),
+               RDW_UPDATENOW | RDW_NOCHILDREN | (dirty.empty() ? 0u : RDW_INVALIDATE));
 }
 
 // ---- Commands -------------------------------------------------------------------------------------------------------
 
 // Reading changes nothing: always false.
 template <class Item>
-bool ReadOut(const Item& item, LPARAM address) {
+bool CopyToCaller(const Item& item, LPARAM address) {
   auto* target = reinterpret_cast<Item*>(address);
   if (!IsBadWritePtr(target, sizeof(Item))) memcpy(target, &item, sizeof(Item));
   return false;
@@ -176,15 +178,15 @@ bool ReadOut(const Item& item, LPARAM address) {
 
 // Takes a copy, so that the owner's memory is tested and read once.
 template <class Item>
-bool TakeIn(LPARAM address, Item* item) {
+bool CopyFromCaller(LPARAM address, Item* item) {
   const auto* source = reinterpret_cast<const Item*>(address);
   if (IsBadReadPtr(source, sizeof(Item))) return false;
   memcpy(item, source, sizeof(Item));
   return true;
 }
 
-void RenderAnew(InstrumentState* state) {
-  state->work.bFaceDrawn = FALSE;
+void RenderAll(InstrumentState* state) {
+  state->work.bBackgroundDrawn = FALSE;
   state->bRedraw = TRUE;
   RepaintNow(state->hWnd);
 }
@@ -204,16 +206,16 @@ bool SetStyle(InstrumentState* state, DWORD style) {
 // The exchanges below tell whether they changed what is shown.
 
 bool ExchangeStyle(InstrumentState* state, WPARAM wParam, LPARAM address) {
-  if (wParam & kCommandRead) return ReadOut(state->dwStyle, address);
+  if (wParam & kCommandRead) return CopyToCaller(state->dwStyle, address);
   DWORD mask = 0;
-  if (!TakeIn(address, &mask)) return false;
+  if (!CopyFromCaller(address, &mask)) return false;
   return SetStyle(state, wParam & kCommandRemove ? state->dwStyle & ~mask : state->dwStyle | mask);
 }
 
 bool ExchangeBlock(InstrumentState* state, WPARAM wParam, LPARAM address) {
-  if (wParam & kCommandRead) return ReadOut(state->block, address);
+  if (wParam & kCommandRead) return CopyToCaller(state->block, address);
   InstrumentBlock block;
-  if (!TakeIn(address, &block) || block.version != kInstrumentVersion) return false;
+  if (!CopyFromCaller(address, &block) || block.version != kInstrumentVersion) return false;
   SetBlock(state, block);
   return true;
 }
@@ -242,10 +244,10 @@ bool MoveTo(InstrumentState* state, float value, WPARAM flags) {
 
 bool ExchangeValue(InstrumentState* state, WPARAM wParam, LPARAM address) {
   InstrumentBlock& block = state->block;
-  if (wParam & kCommandRead) return ReadOut(wParam & kValueGlide ? state->target : block.current, address);
+  if (wParam & kCommandRead) return CopyToCaller(wParam & kValueGlide ? state->target : block.current, address);
   float value = 0;
   bool changed = true;
-  if (!TakeIn(address, &value) || std::isnan(value)) {
+  if (!CopyFromCaller(address, &value) || std::isnan(value)) {
     block.state |= kInstrumentNoValue;
   } else {
     // A value that comes back after none must show again even if it is still the old one.
@@ -259,9 +261,9 @@ bool ExchangeValue(InstrumentState* state, WPARAM wParam, LPARAM address) {
 
 bool ExchangeTime(InstrumentState* state, WPARAM wParam, LPARAM address) {
   if (ModeOf(*state) != kModeDigital || !(state->dwStyle & (kInstrumentShowTime | kInstrumentShowDate))) return false;
-  if (wParam & kCommandRead) return ReadOut(state->time, address);
+  if (wParam & kCommandRead) return CopyToCaller(state->time, address);
   SYSTEMTIME time;
-  if (!TakeIn(address, &time) || memcmp(&time, &state->time, sizeof(time)) == 0) return false;
+  if (!CopyFromCaller(address, &time) || memcmp(&time, &state->time, sizeof(time)) == 0) return false;
   state->time = time;
   state->bRedraw = TRUE;
   return true;
@@ -270,9 +272,9 @@ bool ExchangeTime(InstrumentState* state, WPARAM wParam, LPARAM address) {
 bool ExchangeZone(InstrumentState* state, WPARAM wParam, LPARAM address) {
   InstrumentBlock& block = state->block;
   const int index = std::min<int>(HIWORD(wParam), kInstrumentZones - 1);
-  if (wParam & kCommandRead) return ReadOut(block.zones[index], address);
+  if (wParam & kCommandRead) return CopyToCaller(block.zones[index], address);
   InstrumentZone zone;
-  if (!TakeIn(address, &zone)) return false;
+  if (!CopyFromCaller(address, &zone)) return false;
   zone.lower = ClampToRange(block, zone.lower);
   zone.upper = ClampToRange(block, zone.upper);
   block.zones[index] = zone;
@@ -284,7 +286,7 @@ bool ExchangeZone(InstrumentState* state, WPARAM wParam, LPARAM address) {
 LRESULT OnCommand(HWND window, InstrumentState* state, WPARAM wParam, LPARAM lParam) {
   bool changed = false;
   switch (LOBYTE(wParam)) {
-    case kCommandRender: RenderAnew(state); break;
+    case kCommandRender: RenderAll(state); break;
     case kCommandReset: ResetBlock(state); break;
     case kCommandStyle: changed = ExchangeStyle(state, wParam, lParam); break;
     case kCommandBlock: changed = ExchangeBlock(state, wParam, lParam); break;
@@ -308,10 +310,10 @@ LRESULT OnCommand(HWND window, InstrumentState* state, WPARAM wParam, LPARAM lPa
 FixedText SpokenValue(const InstrumentState& state) {
   const InstrumentReading reading = ReadingOf(state.block);
   if (!reading.valid) return {};
-  const int places = state.block.format & kFormatPlaces;
+  const int decimals = state.block.format & kFormatDecimals;
   const FixedText unit = DecodedUnit(state.block);
   switch (ModeOf(state)) {
-    case kModeCompass: return HeadingText(reading.value, places) + unit;
+    case kModeCompass: return HeadingText(reading.value, decimals) + unit;
     case kModeDigital:
       if (state.dwStyle & (kInstrumentShowTime | kInstrumentShowDate | kInstrumentShowAngle)) {
         InstrumentState shown = state;
@@ -319,7 +321,7 @@ FixedText SpokenValue(const InstrumentState& state) {
         return ReadableDigits(shown.szText, state.dwStyle);
       }
       [[fallthrough]];
-    default: return PlainNumber(reading.value, places, (state.block.format & kFormatSign) != 0) + L" " + unit;
+    default: return PlainNumber(reading.value, decimals, (state.block.format & kFormatSign) != 0) + L" " + unit;
   }
 }
 
@@ -421,7 +423,7 @@ LRESULT CopyToClipboard(InstrumentState* state, LPARAM requested) {
   EnsureRendered(state);
   if (!state->hBuffer) return 0;
   const SIZE own{state->nWidth, state->nHeight};
-  const SIZE size = RequestedPictureSize(requested, own, kInstrumentMinCopySize, kInstrumentMaxCopySize);
+  const SIZE size = RequestedCopySize(requested, own, kInstrumentMinCopySize, kInstrumentMaxCopySize);
   CopyBitmapToClipboard(state->hWnd, state->hBuffer, own, size);
   return 0;
 }
@@ -441,7 +443,7 @@ LRESULT CALLBACK InstrumentProcedure(HWND window, UINT message, WPARAM wParam, L
     case WM_LBUTTONDBLCLK: return state ? CopyToClipboard(state, 0) : kNoState;
     case WM_COPY: return state ? CopyToClipboard(state, lParam) : kNoState;
     case WM_DROPFILES: return SendMessageA(GetParent(window), message, wParam, lParam);
-    case WM_GETOBJECT: return AnswerGetObject(window, wParam, lParam, ROLE_SYSTEM_INDICATOR, Describe);
+    case WM_GETOBJECT: return HandleGetObject(window, wParam, lParam, ROLE_SYSTEM_INDICATOR, Describe);
     case WM_SYSCOLORCHANGE: return state ? OnCommand(window, state, kCommandRender, 0) : kNoState;
     case kControlCommand: return state ? OnCommand(window, state, wParam, lParam) : kNoState;
     default: return DefWindowProcA(window, message, wParam, lParam);

@@ -34,15 +34,15 @@ void DrawText(Canvas& canvas, const GaugeText& text, COLORREF color) {
   DrawTextLine(canvas, InstrumentFont(text.height, 0, text.weight), text.text, Widened(text.box), color, DT_CENTER);
 }
 
-void DrawZones(Canvas& canvas, const Dial& dial, const InstrumentFace& face) {
-  const InstrumentReading reading = ReadingOf(face.block);
-  const double inner = std::min(kZoneInner * dial.faceRadius, kZoneOuter * dial.faceRadius - 2);
+void DrawZones(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appearance) {
+  const InstrumentReading reading = ReadingOf(appearance.block);
+  const double inner = std::min(kZoneInner * dial.innerRadius, kZoneOuter * dial.innerRadius - 2);
   for (int i = 0; i < kInstrumentZones; ++i) {
-    if (!(face.block.state & ZoneEnabledBit(i))) continue;
-    const InstrumentZone& zone = face.block.zones[i];
+    if (!(appearance.block.state & ZoneEnabledBit(i))) continue;
+    const InstrumentZone& zone = appearance.block.zones[i];
     const double lower = GaugeAngle(reading, zone.lower), upper = GaugeAngle(reading, zone.upper);
-    FillAnnularSector(canvas, dial.centre, inner, kZoneOuter * dial.faceRadius, std::min(lower, upper),
-                      std::max(lower, upper), ShownColor(face, zone.color));
+    FillAnnularSector(canvas, dial.centre, inner, kZoneOuter * dial.innerRadius, std::min(lower, upper),
+                      std::max(lower, upper), ShownColor(appearance, zone.color));
   }
 }
 
@@ -52,10 +52,10 @@ int MinorParts(const GaugeScale& scale, double pixelsPerStep) {
   return pixelsPerStep / 2 >= 3 ? 2 : 1;
 }
 
-void DrawTicks(Canvas& canvas, const Dial& dial, const InstrumentFace& face, const GaugeScale& scale) {
-  const double radius = dial.faceRadius, arc = Radians(kGaugeSweep) * radius;
-  const InstrumentReading reading = ReadingOf(face.block);
-  const DialColors colors = ColorsOf(face);
+void DrawTicks(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appearance, const GaugeScale& scale) {
+  const double radius = dial.innerRadius, arc = Radians(kGaugeSweep) * radius;
+  const InstrumentReading reading = ReadingOf(appearance.block);
+  const DialColors colors = ColorsOf(appearance);
   const int parts = MinorParts(scale, arc * scale.step / std::fabs(reading.maximum - reading.minimum));
   const double low = std::min(reading.minimum, reading.maximum), high = std::max(reading.minimum, reading.maximum);
   const double slack = scale.step * 1e-6;
@@ -71,8 +71,8 @@ void DrawTicks(Canvas& canvas, const Dial& dial, const InstrumentFace& face, con
   }
 }
 
-void DrawTexts(Canvas& canvas, const GaugeLayout& layout, const InstrumentFace& face) {
-  const DialColors colors = ColorsOf(face);
+void DrawTexts(Canvas& canvas, const GaugeLayout& layout, const InstrumentAppearance& appearance) {
+  const DialColors colors = ColorsOf(appearance);
   for (const GaugeText& label : layout.labels) DrawText(canvas, label, colors.ink);
   DrawText(canvas, layout.name, colors.faintInk);
   DrawText(canvas, layout.unit, colors.faintInk);
@@ -84,19 +84,19 @@ void DrawValueWindow(Canvas& canvas, const Dial& dial, const DialColors& colors)
   const PointD corners[] = {corner(box.left, box.top), corner(box.right, box.top), corner(box.right, box.bottom),
                             corner(box.left, box.bottom)};
   FillPolygon(canvas, corners, colors.window);
-  FillLine(canvas, corner(box.left, box.bottom), corner(box.right, box.bottom), 1, colors.faceTop);
+  FillLine(canvas, corner(box.left, box.bottom), corner(box.right, box.bottom), 1, colors.dialTop);
 }
 
-void DrawFace(Canvas& canvas, InstrumentFace& face) {
-  const GaugeLayout layout = LayOutGauge(face.area, face.block, MeasureText);
+void DrawBackground(Canvas& canvas, InstrumentAppearance& appearance) {
+  const GaugeLayout layout = LayOutGauge(appearance.area, appearance.block, MeasureText);
   const Dial& dial = layout.dial;
-  face.reach = static_cast<float>(layout.reach);
-  DrawDialCase(canvas, dial, face);
+  appearance.reach = static_cast<float>(layout.reach);
+  DrawDialCase(canvas, dial, appearance);
   if (dial.radius <= 0) return;
-  DrawZones(canvas, dial, face);
-  DrawTicks(canvas, dial, face, layout.scale);
-  if (dial.faceRadius >= kMinRadiusWithWindow) DrawValueWindow(canvas, dial, ColorsOf(face));
-  DrawTexts(canvas, layout, face);
+  DrawZones(canvas, dial, appearance);
+  DrawTicks(canvas, dial, appearance, layout.scale);
+  if (dial.innerRadius >= kMinRadiusWithWindow) DrawValueWindow(canvas, dial, ColorsOf(appearance));
+  DrawTexts(canvas, layout, appearance);
 }
 
 // ---- Value ----------------------------------------------------------------------------------------------------------
@@ -108,7 +108,7 @@ struct Needle {
 };
 
 Needle NeedleAt(const Dial& dial, double reach, double angle) {
-  const double radius = dial.faceRadius;
+  const double radius = dial.innerRadius;
   return {.tip = PolarPoint(dial.centre, reach, angle),
           .tail = PolarPoint(dial.centre, -radius * kNeedleTail, angle),
           .angle = angle,
@@ -122,12 +122,12 @@ RECT BoundsOfNeedle(const Needle& needle, const Dial& dial, const RECT& limit) {
                          needle.tail,
                          {dial.centre.x - needle.hub, dial.centre.y - needle.hub},
                          {dial.centre.x + needle.hub, dial.centre.y + needle.hub}};
-  return BoundsOf(ends, needle.root + 3 + dial.faceRadius * 0.012, limit);
+  return BoundsOf(ends, needle.root + 3 + dial.innerRadius * 0.012, limit);
 }
 
-void DrawNeedle(Canvas& canvas, const InstrumentFace& face, const Needle& needle) {
-  const Dial dial = DialIn(face.area);
-  const double edge = std::max(0.5, dial.faceRadius * 0.012);
+void DrawNeedle(Canvas& canvas, const InstrumentAppearance& appearance, const Needle& needle) {
+  const Dial dial = DialIn(appearance.area);
+  const double edge = std::max(0.5, dial.innerRadius * 0.012);
   const auto [tip, tail, angle, root, point, hub] = needle;
   const PointD across = PolarPoint({0, 0}, 1, angle + 90), centre = dial.centre;
   const auto beside = [&across](PointD place, double distance) {
@@ -138,13 +138,13 @@ void DrawNeedle(Canvas& canvas, const InstrumentFace& face, const Needle& needle
     return std::array{beside(needle.tip, tipHalf),    beside(centre, half),  beside(needle.tail, tailHalf),
                       beside(needle.tail, -tailHalf), beside(centre, -half), beside(needle.tip, -tipHalf)};
   };
-  const COLORREF color = DisplayColor(face);
+  const COLORREF color = DisplayColor(appearance);
   // A dark edge lifts the needle off the labels; two tones make it a ridge.
-  FillPolygon(canvas, outline(edge), ColorsOf(face).faceBottom);
+  FillPolygon(canvas, outline(edge), ColorsOf(appearance).dialBottom);
   FillPolygon(canvas, outline(0), color);
   const PointD darkHalf[] = {tip, beside(tip, point), beside(dial.centre, root), beside(tail, root * 0.75), tail};
   FillPolygon(canvas, darkHalf, ShadeColor(color, 0.72));
-  FillDisc(canvas, dial.centre, hub + edge, ColorsOf(face).faceBottom);
+  FillDisc(canvas, dial.centre, hub + edge, ColorsOf(appearance).dialBottom);
   FillGradientDisc(canvas, dial.centre, hub, RGB(150, 155, 161), RGB(62, 66, 72));
   FillGradientDisc(canvas, dial.centre, hub * 0.62, RGB(70, 74, 80), RGB(112, 117, 123));
 }
@@ -156,46 +156,47 @@ struct Index {
 };
 
 Index IndexAt(const Dial& dial, double angle) {
-  const PointD base = PolarPoint(dial.centre, 0.3 * dial.faceRadius + 0.7 * dial.radius, angle);
-  const PointD half = PolarPoint({0, 0}, std::max(2.5, dial.faceRadius * 0.05), angle + 90);
-  return {.tip = PolarPoint(dial.centre, dial.faceRadius * kTickOuter, angle),
+  const PointD base = PolarPoint(dial.centre, 0.3 * dial.innerRadius + 0.7 * dial.radius, angle);
+  const PointD half = PolarPoint({0, 0}, std::max(2.5, dial.innerRadius * 0.05), angle + 90);
+  return {.tip = PolarPoint(dial.centre, dial.innerRadius * kTickOuter, angle),
           .left = {base.x - half.x, base.y - half.y},
           .right = {base.x + half.x, base.y + half.y}};
 }
 
-void DrawIndex(Canvas& canvas, const InstrumentFace& face, const Index& index) {
+void DrawIndex(Canvas& canvas, const InstrumentAppearance& appearance, const Index& index) {
   const PointD corners[] = {index.tip, index.right, index.left};
   for (size_t i = 0; i < 3; ++i) {
-    FillLine(canvas, corners[i], corners[(i + 1) % 3], std::max(1.5, face.reach * 0.03), ColorsOf(face).faceBottom);
+    FillLine(canvas, corners[i], corners[(i + 1) % 3], std::max(1.5, appearance.reach * 0.03),
+             ColorsOf(appearance).dialBottom);
   }
-  FillPolygon(canvas, corners, DisplayColor(face));
+  FillPolygon(canvas, corners, DisplayColor(appearance));
 }
 
-void DrawValueText(Canvas& canvas, const InstrumentFace& face, const GaugeText& text) {
-  DrawText(canvas, text, ColorsOf(face).ink);
+void DrawValueText(Canvas& canvas, const InstrumentAppearance& appearance, const GaugeText& text) {
+  DrawText(canvas, text, ColorsOf(appearance).ink);
 }
 
 void AddParts(ValueLayer& layer, const InstrumentBlock& block, const char*) {
-  const InstrumentFace& face = layer.face();
-  const Dial dial = DialIn(face.area);
+  const InstrumentAppearance& appearance = layer.appearance();
+  const Dial dial = DialIn(appearance.area);
   if (dial.radius <= 0) return;
   const RECT window = Widened(GaugeValueBox(dial));
-  if (dial.faceRadius >= kMinRadiusWithValue && !layer.Skips(window)) {
+  if (dial.innerRadius >= kMinRadiusWithValue && !layer.Skips(window)) {
     layer.Add(window, LayOutGaugeValue(dial, block, MeasureText), DrawValueText);
   }
   const InstrumentReading reading = ReadingOf(block);
   if (!reading.valid) return;
   const double angle = GaugeAngle(reading, reading.value);
-  if (dial.faceRadius >= kMinRadiusWithLabels) {
+  if (dial.innerRadius >= kMinRadiusWithLabels) {
     const Index index = IndexAt(dial, angle);
-    layer.Add(BoundsOf(std::array{index.tip, index.left, index.right}, 3, face.area), index, DrawIndex);
+    layer.Add(BoundsOf(std::array{index.tip, index.left, index.right}, 3, appearance.area), index, DrawIndex);
   }
-  const Needle needle = NeedleAt(dial, face.reach, angle);
-  layer.Add(BoundsOfNeedle(needle, dial, face.area), needle, DrawNeedle);
+  const Needle needle = NeedleAt(dial, appearance.reach, angle);
+  layer.Add(BoundsOfNeedle(needle, dial, appearance.area), needle, DrawNeedle);
 }
 
 }  // namespace
 
-const InstrumentLayout kGaugeLayout{DrawFace, AddParts};
+const ModeRenderer kGaugeRenderer{DrawBackground, AddParts};
 
 }  // namespace kv

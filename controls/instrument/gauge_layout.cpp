@@ -23,9 +23,9 @@ namespace {
 constexpr double kLabelHeight = 0.165, kLabelWidth = 0.52;  // at most so wide
 constexpr double kLabelGap = 0.035;                         // from the marks
 constexpr double kTextOuter = 0.825;                        // rows of text end here
-constexpr double kHubRoom = 0.13;                           // hub with a little air
+constexpr double kHubClearance = 0.13;                      // hub with a little air
 constexpr double kTailEnd = 0.20;                           // of the needle: rows of text begin below it
-constexpr double kNeedleRoom = 0.07;                        // half the needle's thickness with a little air
+constexpr double kNeedleClearance = 0.07;                   // half the needle's thickness with a little air
 constexpr double kNameHeight = 0.16, kUnitHeight = 0.15;
 constexpr double kNeedleReach = 0.90;
 constexpr double kValueMiddle = 0.775, kValueBottom = 0.92, kValueWidth = 0.70, kBareValueWidth = 1.15,
@@ -43,17 +43,18 @@ struct NiceStep {
 };
 constexpr NiceStep kNiceSteps[] = {{1, 5}, {2, 4}, {2.5, 5}, {5, 5}, {10, 5}};
 
-int ExactPlaces(double step) {
-  for (int places = 0; places < 7; ++places) {
-    const double scaled = step * std::pow(10.0, places);
-    if (std::fabs(scaled - std::round(scaled)) < 1e-6 * scaled) return places;
+int ExactDecimals(double step) {
+  for (int decimals = 0; decimals < 7; ++decimals) {
+    const double scaled = step * std::pow(10.0, decimals);
+    if (std::fabs(scaled - std::round(scaled)) < 1e-6 * scaled) return decimals;
   }
   return 7;
 }
 
 int LabelLength(double magnitude, double step) {
-  const int places = ExactPlaces(step);
-  return std::max(1, static_cast<int>(std::floor(std::log10(magnitude) + 1e-9)) + 1) + (places > 0 ? places + 1 : 0);
+  const int decimals = ExactDecimals(step);
+  return std::max(1, static_cast<int>(std::floor(std::log10(magnitude) + 1e-9)) + 1) +
+         (decimals > 0 ? decimals + 1 : 0);
 }
 
 // A power of ten has to be written beside the unit and read into every label: it must save more than that.
@@ -90,7 +91,7 @@ double DistanceTo(const RECT& box, PointD place) {
 }
 
 // A dial while texts are put on it.
-struct Room {
+struct DialSpace {
   Dial dial;
   double gap;
   FixedList<RECT, 24> taken;
@@ -103,49 +104,50 @@ struct Band {
 
 // Half the width that a row around the dial's vertical axis may take. Below the hub the needle never comes; its ways to
 // the two ends of the scale bound the row there.
-double FreeHalf(const Room& room, double top, double bottom) {
-  const PointD centre = room.dial.centre;
-  const double face = room.dial.faceRadius, reach = std::max(std::fabs(top), std::fabs(bottom));
-  const double within = kTextOuter * face;
+double FreeHalf(const DialSpace& space, double top, double bottom) {
+  const PointD centre = space.dial.centre;
+  const double radius = space.dial.innerRadius, reach = std::max(std::fabs(top), std::fabs(bottom));
+  const double within = kTextOuter * radius;
   double half = reach < within ? std::sqrt(within * within - reach * reach) : 0;
-  if (top > 0) half = std::min(half, (top + bottom) / 2 - kNeedleRoom * face);
-  for (const RECT& box : room.taken) {
+  if (top > 0) half = std::min(half, (top + bottom) / 2 - kNeedleClearance * radius);
+  for (const RECT& box : space.taken) {
     if (box.bottom <= centre.y + top || box.top >= centre.y + bottom) continue;
-    half = std::min(half, std::max(box.left - centre.x, centre.x - box.right) - room.gap);
+    half = std::min(half, std::max(box.left - centre.x, centre.x - box.right) - space.gap);
   }
   return half;
 }
 
-double FreeHalf(const Room& room, const Band& band, int height) {
+double FreeHalf(const DialSpace& space, const Band& band, int height) {
   const double middle = (band.top + band.bottom) / 2, ink = height * kInk / 2;
-  return FreeHalf(room, middle - ink, middle + ink);
+  return FreeHalf(space, middle - ink, middle + ink);
 }
 
-GaugeText TextIn(const Room& room, const Band& band, std::wstring_view text, int height, double half) {
-  const PointD middle{room.dial.centre.x, room.dial.centre.y + (band.top + band.bottom) / 2};
+GaugeText TextIn(const DialSpace& space, const Band& band, std::wstring_view text, int height, double half) {
+  const PointD middle{space.dial.centre.x, space.dial.centre.y + (band.top + band.bottom) / 2};
   return {text, height, FW_NORMAL, BoxAt(middle, 2 * half, height)};
 }
 
-int MinFontHeight(const Room& room) {
-  return std::max(kMinFontHeight, Round(kMinCaptionHeight * room.dial.faceRadius));
+int MinFontHeight(const DialSpace& space) {
+  return std::max(kMinFontHeight, Round(kMinCaptionHeight * space.dial.innerRadius));
 }
 
 // The text in the largest font up to `wanted` in which the band takes all of it; not shown when none is.
-GaugeText FitText(const Room& room, const Band& band, std::wstring_view text, double wanted, TextMeasure measure) {
-  const int least = MinFontHeight(room);
+GaugeText FitText(const DialSpace& space, const Band& band, std::wstring_view text, double wanted,
+                  TextMeasure measure) {
+  const int least = MinFontHeight(space);
   int height = std::max(least, Round(std::min(wanted, (band.bottom - band.top) / kInk)));
   while (true) {
-    const double width = measure(text, height, FW_NORMAL).cx, half = FreeHalf(room, band, height);
-    if (width <= 2 * half) return TextIn(room, band, text, height, width / 2 + 1);
+    const double width = measure(text, height, FW_NORMAL).cx, half = FreeHalf(space, band, height);
+    if (width <= 2 * half) return TextIn(space, band, text, height, width / 2 + 1);
     if (height == least) return {};
     height = std::clamp(Round(height * 2 * half / width) + 1, least, height - 1);
   }
 }
 
 // Between the needle's tail and the value: two rows, or one where there is no room for two.
-FixedList<Band, 2> BandsOf(const Room& room) {
-  const double top = kTailEnd * room.dial.faceRadius;
-  const double bottom = GaugeValueBox(room.dial).top - room.dial.centre.y, middle = (top + bottom) / 2;
+FixedList<Band, 2> BandsOf(const DialSpace& space) {
+  const double top = kTailEnd * space.dial.innerRadius;
+  const double bottom = GaugeValueBox(space.dial).top - space.dial.centre.y, middle = (top + bottom) / 2;
   if (middle - top < kMinFontHeight * kInk) return {{top, bottom}};
   return {{top, middle}, {middle, bottom}};
 }
@@ -167,58 +169,60 @@ bool FitBetter(const Captions& tried, const Captions& best) {
 
 // The unit at the hub and the name beneath it, or the other way round as they fit better. What fits in neither row is
 // left out. Where there is one row, the unit has it.
-Captions PlaceCaptions(const Room& room, std::wstring_view name, std::wstring_view unit, TextMeasure measure) {
-  const double face = room.dial.faceRadius;
-  const FixedList<Band, 2> bands = BandsOf(room);
+Captions PlaceCaptions(const DialSpace& space, std::wstring_view name, std::wstring_view unit, TextMeasure measure) {
+  const double radius = space.dial.innerRadius;
+  const FixedList<Band, 2> bands = BandsOf(space);
   Captions best{};
   for (const size_t ofUnit : {0u, 1u}) {
     if (ofUnit >= bands.size()) break;
-    Captions tried{{}, FitText(room, bands[ofUnit], unit, kUnitHeight * face, measure)};
-    if (bands.size() > 1) tried.name = FitText(room, bands[1 - ofUnit], name, kNameHeight * face, measure);
+    Captions tried{{}, FitText(space, bands[ofUnit], unit, kUnitHeight * radius, measure)};
+    if (bands.size() > 1) tried.name = FitText(space, bands[1 - ofUnit], name, kNameHeight * radius, measure);
     if (FitBetter(tried, best)) best = tried;
   }
   return best;
 }
 
 // Clear of the marks: a mark close to its number would be read as a minus sign.
-double LabelRadius(double face) {
-  return kMajorInner * face - std::max(kMinLabelGap, kLabelGap * face);
+double LabelRadius(double radius) {
+  return kMajorInner * radius - std::max(kMinLabelGap, kLabelGap * radius);
 }
 
-GaugeLabels PlaceLabels(const Room& room, const InstrumentBlock& block, const GaugeScale& scale, TextMeasure measure) {
-  const Dial& dial = room.dial;
+GaugeLabels PlaceLabels(const DialSpace& space, const InstrumentBlock& block, const GaugeScale& scale,
+                        TextMeasure measure) {
+  const Dial& dial = space.dial;
   const InstrumentReading reading = ReadingOf(block);
-  const int height = std::max(kMinFontHeight, Round(dial.faceRadius * kLabelHeight));
+  const int height = std::max(kMinFontHeight, Round(dial.innerRadius * kLabelHeight));
   GaugeLabels labels;
   for (long long index = scale.first; index <= scale.last; ++index) {
-    const FixedText text = PlainNumber(LabelValue(scale, index), scale.labelPlaces, (block.format & kFormatSign) != 0);
+    const FixedText text =
+        PlainNumber(LabelValue(scale, index), scale.labelDecimals, (block.format & kFormatSign) != 0);
     const SIZE size = measure(text, height, FW_SEMIBOLD);
     const double angle = GaugeAngle(reading, static_cast<double>(index) * scale.step);
-    const PointD centre = LabelCentre(dial.centre, LabelRadius(dial.faceRadius), angle, size);
+    const PointD centre = LabelCentre(dial.centre, LabelRadius(dial.innerRadius), angle, size);
     labels.push_back({text, height, FW_SEMIBOLD, BoxAt(centre, size.cx, size.cy)});
   }
   return labels;
 }
 
 // Whether the labels keep apart from each other and from what is there; they then take their places.
-bool TakePlaces(const GaugeLabels& labels, Room* room) {
-  const double widest = kLabelWidth * room->dial.faceRadius;
+bool ReserveSpace(const GaugeLabels& labels, DialSpace* space) {
+  const double widest = kLabelWidth * space->dial.innerRadius;
   for (const GaugeText& label : labels) {
     const RECT ink = InkOf(label.box);
     if (ink.right - ink.left > widest) return false;
-    if (std::ranges::any_of(room->taken, [&](const RECT& other) { return Touch(ink, other, room->gap); })) {
+    if (std::ranges::any_of(space->taken, [&](const RECT& other) { return Touch(ink, other, space->gap); })) {
       return false;
     }
-    room->taken.push_back(ink);
+    space->taken.push_back(ink);
   }
   return true;
 }
 
 // Without labels. At the ends of a small dial's scale the needle stops above the value, which is wide there.
 double NeedleReach(const Dial& dial) {
-  const double reach = kNeedleReach * dial.faceRadius;
-  if (dial.faceRadius < kMinRadiusWithValue || dial.faceRadius >= kMinRadiusWithLabels) return reach;
-  const double valueTop = InkOf(GaugeValueBox(dial)).top - dial.centre.y - kNeedleRoom * dial.faceRadius;
+  const double reach = kNeedleReach * dial.innerRadius;
+  if (dial.innerRadius < kMinRadiusWithValue || dial.innerRadius >= kMinRadiusWithLabels) return reach;
+  const double valueTop = InkOf(GaugeValueBox(dial)).top - dial.centre.y - kNeedleClearance * dial.innerRadius;
   return std::min(reach, valueTop / -std::cos(Radians(kGaugeStart)));
 }
 
@@ -254,7 +258,7 @@ GaugeScale ChooseScale(double minimum, double maximum, int maxIntervals) {
           .first = static_cast<long long>(std::ceil(low / step - slack)),
           .last = static_cast<long long>(std::floor(high / step + slack)),
           .exponent = exponent,
-          .labelPlaces = ExactPlaces(step / std::pow(10.0, exponent))};
+          .labelDecimals = ExactDecimals(step / std::pow(10.0, exponent))};
 }
 
 double LabelValue(const GaugeScale& scale, long long index) {
@@ -270,23 +274,24 @@ PointD LabelCentre(PointD centre, double radius, double degrees, SIZE label) {
 
 GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, TextMeasure measure) {
   const Dial dial = DialIn(area);
-  const double face = dial.faceRadius;
+  const double radius = dial.innerRadius;
   const InstrumentReading reading = ReadingOf(block);
   GaugeLayout layout{dial, ChooseScale(reading.minimum, reading.maximum, 10), {}, {}, {}, NeedleReach(dial)};
-  if (face < kMinRadiusWithName) return layout;
-  const Room empty{dial,
-                   std::max(2.0, face * 0.04),
-                   {BoxAt(dial.centre, 2 * kHubRoom * face, 2 * kHubRoom * face), GaugeValueBox(dial)}};
+  if (radius < kMinRadiusWithName) return layout;
+  const DialSpace empty{
+      dial,
+      std::max(2.0, radius * 0.04),
+      {BoxAt(dial.centre, 2 * kHubClearance * radius, 2 * kHubClearance * radius), GaugeValueBox(dial)}};
   const FixedText name = DecodedName(block);
   Captions captions{};
-  if (face >= kMinRadiusWithLabels) {
+  if (radius >= kMinRadiusWithLabels) {
     // The finest scale that leaves room for name and unit. A name is not worth a scale of less than four parts.
     for (const int intervals : {10, 8, 6, 5, 4, 2}) {
       const GaugeScale scale = ChooseScale(reading.minimum, reading.maximum, intervals);
       const GaugeLabels labels = PlaceLabels(empty, block, scale, measure);
-      Room room = empty;
-      if ((intervals < 4 && !layout.labels.empty()) || !TakePlaces(labels, &room)) continue;
-      const Captions placed = PlaceCaptions(room, name, UnitText(block, scale.exponent), measure);
+      DialSpace space = empty;
+      if ((intervals < 4 && !layout.labels.empty()) || !ReserveSpace(labels, &space)) continue;
+      const Captions placed = PlaceCaptions(space, name, UnitText(block, scale.exponent), measure);
       if (scale.exponent != 0 && !placed.UnitFits()) continue;
       if (!layout.labels.empty() && placed.Score() <= captions.Score()) continue;
       captions = placed;
@@ -297,7 +302,7 @@ GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, TextMeas
   }
   if (layout.labels.empty()) captions = PlaceCaptions(empty, name, DecodedUnit(block), measure);
   for (const GaugeText& label : layout.labels) {
-    layout.reach = std::min(layout.reach, DistanceTo(InkOf(label.box), dial.centre) - std::max(1.5, face * 0.02));
+    layout.reach = std::min(layout.reach, DistanceTo(InkOf(label.box), dial.centre) - std::max(1.5, radius * 0.02));
   }
   layout.name = captions.name;
   layout.unit = captions.unit;
@@ -305,26 +310,26 @@ GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, TextMeas
 }
 
 RECT GaugeValueBox(const Dial& dial) {
-  const double face = dial.faceRadius, height = std::max(10.0, face * kValueHeight);
-  const double middle = std::min(kValueMiddle * face, kValueBottom * face - height / 2);
-  const double width = face < kMinRadiusWithLabels ? kBareValueWidth : kValueWidth;
-  return BoxAt({dial.centre.x, dial.centre.y + middle}, std::max(24.0, face * width), height);
+  const double radius = dial.innerRadius, height = std::max(10.0, radius * kValueHeight);
+  const double middle = std::min(kValueMiddle * radius, kValueBottom * radius - height / 2);
+  const double width = radius < kMinRadiusWithLabels ? kBareValueWidth : kValueWidth;
+  return BoxAt({dial.centre.x, dial.centre.y + middle}, std::max(24.0, radius * width), height);
 }
 
 GaugeText LayOutGaugeValue(const Dial& dial, const InstrumentBlock& block, TextMeasure measure) {
   const InstrumentReading reading = ReadingOf(block);
   const RECT box = GaugeValueBox(dial);
-  const int room = box.right - box.left - 2, wanted = Round(std::max(10.0, dial.faceRadius * 0.25));
+  const int space = box.right - box.left - 2, wanted = Round(std::max(10.0, dial.innerRadius * 0.25));
   const NumberFormList forms =
-      reading.valid ? NumberForms(reading.value, block.format & kFormatPlaces, (block.format & kFormatSign) != 0)
+      reading.valid ? NumberForms(reading.value, block.format & kFormatDecimals, (block.format & kFormatSign) != 0)
                     : NumberFormList{L"---"};
   // A number cut at its end would be a wrong one: the last form becomes as small as it must.
   for (const FixedText& form : forms) {
     const int least = &form == &forms.back() ? 1 : kMinFontHeight;
     for (int height = wanted; height >= least;) {
       const int width = measure(form, height, FW_BOLD).cx;
-      if (width <= room) return {form, height, FW_BOLD, box};
-      height = std::min(height - 1, MulDiv(height, room, width));
+      if (width <= space) return {form, height, FW_BOLD, box};
+      height = std::min(height - 1, MulDiv(height, space, width));
     }
   }
   return {};

@@ -21,7 +21,7 @@ struct GaugeScale {
   int parts;              // minor marks divide each step into so many
   long long first, last;  // the labelled marks are first * step to last * step
   int exponent;           // labels are divided by ten to this power, a multiple of 3; 0 unless that makes them shorter
-  int labelPlaces;        // decimal places that the labels need
+  int labelDecimals;      // decimal places that the labels need
 };
 // The finest scale with at most `maxIntervals` steps across the range.
 GaugeScale ChooseScale(double minimum, double maximum, int maxIntervals);

@@ -27,7 +27,7 @@ void InstrumentParts::Add(const RECT& place, DWORD hash) {
   count_ = std::min(count_ + 1, kMaxParts + 1);
 }
 
-void Damage::Add(RECT area) {
+void DirtyRects::Add(RECT area) {
   if (IsRectEmpty(&area)) return;
   // What it takes up grows, and may then belong together with another.
   for (int i = 0; i < count_;) {
@@ -43,11 +43,11 @@ void Damage::Add(RECT area) {
   areas_[count_++] = area;
 }
 
-Damage DamageBetween(const InstrumentParts& before, const InstrumentParts& after, const RECT& area) {
-  Damage damage;
+DirtyRects ChangedRects(const InstrumentParts& before, const InstrumentParts& after, const RECT& area) {
+  DirtyRects dirty;
   if (!before.complete() || !after.complete()) {
-    damage.Add(area);
-    return damage;
+    dirty.Add(area);
+    return dirty;
   }
   const auto old = before.all(), now = after.all();
   for (size_t i = 0; i < std::max(old.size(), now.size()); ++i) {
@@ -55,10 +55,10 @@ Damage DamageBetween(const InstrumentParts& before, const InstrumentParts& after
     if (both && old[i].hash == now[i].hash && EqualRect(&old[i].place, &now[i].place)) continue;
     for (const auto& parts : {old, now}) {
       RECT seen;
-      if (i < parts.size() && IntersectRect(&seen, &parts[i].place, &area)) damage.Add(seen);
+      if (i < parts.size() && IntersectRect(&seen, &parts[i].place, &area)) dirty.Add(seen);
     }
   }
-  return damage;
+  return dirty;
 }
 
 DWORD HashOf(const void* data, size_t size) {
@@ -72,13 +72,13 @@ DWORD HashOf(const void* data, size_t size) {
   return hash;
 }
 
-const InstrumentLayout& LayoutOf(DWORD style) {
+const ModeRenderer& RendererOf(DWORD style) {
   switch (style & kInstrumentModeBits) {
-    case kModeDigital: return kDigitalLayout;
-    case kModeSegmentBar: return kSegmentBarLayout;
-    case kModeCompass: return kCompassLayout;
-    case kModeCentreBar: return kCentreBarLayout;
-    default: return kGaugeLayout;
+    case kModeDigital: return kDigitalRenderer;
+    case kModeSegmentBar: return kSegmentBarRenderer;
+    case kModeCompass: return kCompassRenderer;
+    case kModeCentreBar: return kCentreBarRenderer;
+    default: return kGaugeRenderer;
   }
 }
 

@@ -20,18 +20,18 @@
 namespace kv {
 
 // The system's colours that faces read.
-inline constexpr int kFaceColors[] = {COLOR_BTNFACE,     COLOR_BTNTEXT, COLOR_GRAYTEXT,   COLOR_3DSHADOW,
-                                      COLOR_3DHIGHLIGHT, COLOR_3DLIGHT, COLOR_3DDKSHADOW, COLOR_WINDOWFRAME};
+inline constexpr int kSystemColors[] = {COLOR_BTNFACE,     COLOR_BTNTEXT, COLOR_GRAYTEXT,   COLOR_3DSHADOW,
+                                        COLOR_3DHIGHLIGHT, COLOR_3DLIGHT, COLOR_3DDKSHADOW, COLOR_WINDOWFRAME};
 
 // All that a face depends on; compared byte by byte.
-struct InstrumentFace {
+struct InstrumentAppearance {
   RECT area;  // the whole control
   DWORD style;
-  COLORREF colors[ARRAYSIZE(kFaceColors)];
+  COLORREF colors[ARRAYSIZE(kSystemColors)];
   InstrumentBlock block;  // without its current value; kInstrumentNoValue is set whenever there is none to show
   float reach;            // of a gauge's needle, in pixels; found when the face is drawn
 };
-static_assert(sizeof(InstrumentFace) == 56 + sizeof(InstrumentBlock));
+static_assert(sizeof(InstrumentAppearance) == 56 + sizeof(InstrumentBlock));
 
 // The parts of a value layer in their order. Both lists of an instrument whose face stayed have the same parts in the
 // same order; parts may come and go at the end.
@@ -53,7 +53,7 @@ class InstrumentParts {
 };
 
 // A few rectangles that do not overlap and together hold all that was added.
-class Damage {
+class DirtyRects {
  public:
   void Add(RECT area);
   const RECT* begin() const { return areas_.data(); }
@@ -66,7 +66,7 @@ class Damage {
 };
 
 // What has to be drawn anew of `area` when the parts of a value layer change.
-Damage DamageBetween(const InstrumentParts& before, const InstrumentParts& after, const RECT& area);
+DirtyRects ChangedRects(const InstrumentParts& before, const InstrumentParts& after, const RECT& area);
 
 // A number for all bytes of something, which are a multiple of four.
 DWORD HashOf(const void* data, size_t size);
@@ -74,40 +74,40 @@ DWORD HashOf(const void* data, size_t size);
 // Takes the parts of a value layer: either into a list or, those within its clip, onto a canvas.
 class ValueLayer {
  public:
-  ValueLayer(const InstrumentFace& face, InstrumentParts* list) : face_(face), list_(list) {}
-  ValueLayer(const InstrumentFace& face, Canvas* canvas) : face_(face), canvas_(canvas) {}
+  ValueLayer(const InstrumentAppearance& appearance, InstrumentParts* list) : appearance_(appearance), list_(list) {}
+  ValueLayer(const InstrumentAppearance& appearance, Canvas* canvas) : appearance_(appearance), canvas_(canvas) {}
 
-  const InstrumentFace& face() const { return face_; }
+  const InstrumentAppearance& appearance() const { return appearance_; }
   // Whether a part at this place would be left out.
   bool Skips(const RECT& place) const { return canvas_ && canvas_->Hides(place); }
 
   // `draw` is confined to the place.
   template <class Data>
-  void Add(const RECT& place, const Data& data, void (*draw)(Canvas&, const InstrumentFace&, const Data&)) {
+  void Add(const RECT& place, const Data& data, void (*draw)(Canvas&, const InstrumentAppearance&, const Data&)) {
     static_assert(std::is_trivially_copyable_v<Data> && sizeof(Data) % sizeof(DWORD) == 0);
     if (list_) return list_->Add(place, HashOf(&data, sizeof(data)));
     const RECT clip = canvas_->clip();
     RECT seen;
     if (!IntersectRect(&seen, &clip, &place)) return;
     canvas_->ClipTo(seen);
-    draw(*canvas_, face_, data);
+    draw(*canvas_, appearance_, data);
     canvas_->ClipTo(clip);
   }
 
  private:
-  const InstrumentFace& face_;
+  const InstrumentAppearance& appearance_;
   InstrumentParts* list_ = nullptr;
   Canvas* canvas_ = nullptr;
 };
 
-struct InstrumentLayout {
-  void (*drawFace)(Canvas& canvas, InstrumentFace& face);
+struct ModeRenderer {
+  void (*drawBackground)(Canvas& canvas, InstrumentAppearance& appearance);
   // Adds the parts that show the block's current value; `text` is what a digital readout shows.
   void (*addParts)(ValueLayer& layer, const InstrumentBlock& block, const char* text);
 };
-extern const InstrumentLayout kGaugeLayout, kDigitalLayout, kSegmentBarLayout, kCompassLayout, kCentreBarLayout;
+extern const ModeRenderer kGaugeRenderer, kDigitalRenderer, kSegmentBarRenderer, kCompassRenderer, kCentreBarRenderer;
 
 // The layout of a control with these style bits.
-const InstrumentLayout& LayoutOf(DWORD style);
+const ModeRenderer& RendererOf(DWORD style);
 
 }  // namespace kv

@@ -97,26 +97,27 @@ bool IsVerticalBar(const RECT& area) {
 
 namespace {
 
-void DrawFace(Canvas& canvas, InstrumentFace& face) {
-  FillArea(canvas, face.area, GetSysColor(COLOR_BTNFACE));
-  const BarParts parts = LayOutBar(face.area, face.style);
+void DrawBackground(Canvas& canvas, InstrumentAppearance& appearance) {
+  FillArea(canvas, appearance.area, GetSysColor(COLOR_BTNFACE));
+  const BarParts parts = LayOutBar(appearance.area, appearance.style);
   if (parts.captionFont) {
-    DrawCaption(canvas, parts.caption, face, parts.captionFont, IsVerticalBar(face.area) ? DT_RIGHT : DT_CENTER);
+    DrawCaption(canvas, parts.caption, appearance, parts.captionFont,
+                IsVerticalBar(appearance.area) ? DT_RIGHT : DT_CENTER);
   }
   DrawDisplayWell(canvas, parts.display);
 }
 
 // ---- Value ---------------------------------------------------------------------------------------------------------
 
-COLORREF SegmentColor(const InstrumentFace& face, double value) {
+COLORREF SegmentColor(const InstrumentAppearance& appearance, double value) {
   for (int i = kInstrumentZones - 1; i >= 0; --i) {
-    const InstrumentZone& zone = face.block.zones[i];
-    const bool enabled = (face.block.state & ZoneEnabledBit(i)) != 0;
+    const InstrumentZone& zone = appearance.block.zones[i];
+    const bool enabled = (appearance.block.state & ZoneEnabledBit(i)) != 0;
     if (enabled && zone.lower <= value && value <= zone.upper && zone.lower < zone.upper) {
-      return ShownColor(face, zone.color);
+      return ShownColor(appearance, zone.color);
     }
   }
-  return DisplayColor(face);
+  return DisplayColor(appearance);
 }
 
 struct Segment {
@@ -125,7 +126,7 @@ struct Segment {
   BOOL lit, vertical;
 };
 
-void DrawSegment(Canvas& canvas, const InstrumentFace&, const Segment& segment) {
+void DrawSegment(Canvas& canvas, const InstrumentAppearance&, const Segment& segment) {
   const RECT& place = segment.place;
   if (!segment.lit) return FillArea(canvas, place, ShadeColor(segment.color, kUnlit));
   // A little rounded to the light: brighter in its middle, darker towards both sides.
@@ -141,9 +142,9 @@ struct Marker {
   double percent;
 };
 
-void DrawMarker(Canvas& canvas, const InstrumentFace& face, const Marker& marker) {
+void DrawMarker(Canvas& canvas, const InstrumentAppearance& appearance, const Marker& marker) {
   const BarFrame& frame = marker.frame;
-  const COLORREF color = ShownColor(face, RGB(255, 255, 255));
+  const COLORREF color = ShownColor(appearance, RGB(255, 255, 255));
   const double length = frame.Length();
   const double middle = std::clamp(length * marker.percent / 100, 1.0, std::max(1.0, length - 1));
   const RECT line = frame.Place({middle - 1, middle + 1}, 0);
@@ -173,7 +174,7 @@ struct Number {
   RECT place;
 };
 
-void DrawNumber(Canvas& canvas, const InstrumentFace& face, const Number& number) {
+void DrawNumber(Canvas& canvas, const InstrumentAppearance& appearance, const Number& number) {
   // Of the cell's height, of the capitals' height.
   constexpr double kCapitalHeight = 0.65, kCapitalMiddle = 0.485, kDigitWidth = 0.775;
   const double capital = number.height * kCapitalHeight, stretch = number.characterWidth / (capital * kDigitWidth);
@@ -200,7 +201,7 @@ void DrawNumber(Canvas& canvas, const InstrumentFace& face, const Number& number
     for (const int y : {-edge, edge}) write(x - 1, y - 1, RGB(0, 0, 0));
   }
   write(0, 0, kValueShadow);
-  write(-1, -1, DisplayColor(face));
+  write(-1, -1, DisplayColor(appearance));
 }
 
 void AddNumber(ValueLayer& layer, const RECT& bar, const InstrumentBlock& block) {
@@ -219,7 +220,7 @@ void AddNumber(ValueLayer& layer, const RECT& bar, const InstrumentBlock& block)
   layer.Add(reach, Number{WithoutPadding(text), characterWidth, height, edge, place}, DrawNumber);
 }
 
-RECT SegmentPlace(const BarFrame& frame, int count, int index) {
+RECT SegmentRect(const BarFrame& frame, int count, int index) {
   const LONG margin = frame.Breadth() < kNarrow ? kNarrowMargin : kSideMargin;
   const double lead = 1;  // keeps the first and last segment off the frame
   const BarSpan span = SegmentSpan(frame.Length() - 2 * lead, count, index);
@@ -227,18 +228,18 @@ RECT SegmentPlace(const BarFrame& frame, int count, int index) {
 }
 
 void AddParts(ValueLayer& layer, const InstrumentBlock& block, const char*) {
-  const InstrumentFace& face = layer.face();
+  const InstrumentAppearance& appearance = layer.appearance();
   const InstrumentReading reading = ReadingOf(block);
-  const int count = std::abs(SegmentCount(block, face.style));
-  const BarFrame frame{WithinFrame(LayOutBar(face.area, face.style).display), IsVerticalBar(face.area),
-                       (face.style & kInstrumentReversed) != 0};
+  const int count = std::abs(SegmentCount(block, appearance.style));
+  const BarFrame frame{WithinFrame(LayOutBar(appearance.area, appearance.style).display),
+                       IsVerticalBar(appearance.area), (appearance.style & kInstrumentReversed) != 0};
   if (IsRectEmpty(&frame.area)) return;
   const int lit = reading.valid ? LitSegments(FractionOf(reading, reading.value) * 100, count) : 0;
   for (int i = 0; i < count; ++i) {
-    const RECT place = SegmentPlace(frame, count, i);
+    const RECT place = SegmentRect(frame, count, i);
     if (layer.Skips(place)) continue;
     const double value = reading.minimum + (reading.maximum - reading.minimum) * (i + 0.5) / count;
-    layer.Add(place, Segment{place, SegmentColor(face, value), i < lit, frame.vertical}, DrawSegment);
+    layer.Add(place, Segment{place, SegmentColor(appearance, value), i < lit, frame.vertical}, DrawSegment);
   }
   const double marker = MarkerPercent(block);
   if (marker != kNoMarker) layer.Add(frame.area, Marker{frame, marker}, DrawMarker);
@@ -247,6 +248,6 @@ void AddParts(ValueLayer& layer, const InstrumentBlock& block, const char*) {
 
 }  // namespace
 
-const InstrumentLayout kSegmentBarLayout{DrawFace, AddParts};
+const ModeRenderer kSegmentBarRenderer{DrawBackground, AddParts};
 
 }  // namespace kv

@@ -16,8 +16,8 @@ struct InstrumentCache;
 // What the control keeps between two renderings.
 struct InstrumentWork {
   InstrumentCache* cache;  // owned; null when memory is short, and then nothing is rendered
-  BOOL bFaceDrawn;         // the cache has the picture of `face`
-  InstrumentFace face;
+  BOOL bBackgroundDrawn;   // the cache has the background of `appearance`
+  InstrumentAppearance appearance;
   DWORD renderings;  // how often the back buffer was rendered, wrapping
   BOOL bExact;       // the glide under way ends at the target itself
   BYTE free[3516];

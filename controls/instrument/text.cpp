@@ -20,8 +20,8 @@ constexpr wchar_t kPadding[] = L"                ";  // 16 blanks before the num
 constexpr wchar_t kDashes[] = L"----------------";
 constexpr size_t kPointSearch = 32;
 
-int PlacesOf(BYTE format) {
-  return format & kFormatPlaces;
+int DecimalsOf(BYTE format) {
+  return format & kFormatDecimals;
 }
 
 template <class... Arguments>
@@ -109,12 +109,12 @@ FixedText DecodedUnit(const InstrumentBlock& block) {
 }
 
 FixedText FixedWidthNumber(double value, int width, BYTE format) {
-  const int places = PlacesOf(format);
+  const int decimals = DecimalsOf(format);
   wchar_t number[32];
   FormatBounded(number, sizeof(number), format & kFormatSign ? L"%%+%ld.%ldf" : L"%%%ld.%ldf",
-                static_cast<long>(std::max(0, width - places)), static_cast<long>(places));
+                static_cast<long>(std::max(0, width - decimals)), static_cast<long>(decimals));
   const FixedText text = Format((FixedText(kPadding) + number).c_str(), value);
-  const size_t integerWidth = std::max(1, width - places - (places > 0 ? 1 : 0));
+  const size_t integerWidth = std::max(1, width - decimals - (decimals > 0 ? 1 : 0));
   const size_t point = std::min({text.view().find(L'.'), text.size(), kPointSearch});
   return text.view().substr(point > integerWidth ? point - integerWidth : 0);
 }
@@ -123,30 +123,30 @@ FixedText WithoutPadding(std::wstring_view text) {
   return text.substr(std::min(text.find_first_not_of(L' '), text.size()));
 }
 
-FixedText PlainNumber(double value, int places, bool sign) {
+FixedText PlainNumber(double value, int decimals, bool sign) {
   wchar_t number[32];
-  FormatBounded(number, sizeof(number), sign ? L"%%+.%ldf" : L"%%.%ldf", static_cast<long>(places));
+  FormatBounded(number, sizeof(number), sign ? L"%%+.%ldf" : L"%%.%ldf", static_cast<long>(decimals));
   const FixedText text = Format(number, value);
   const bool zero = text.view().find_first_not_of(L"+-0.") == std::wstring_view::npos;
   return zero ? FixedText(text.view().substr(text.view().find_first_not_of(L"+-"))) : text;
 }
 
-NumberFormList NumberForms(double value, int places, bool sign) {
+NumberFormList NumberForms(double value, int decimals, bool sign) {
   NumberFormList forms;
-  for (; places >= 0; --places) forms.push_back(PlainNumber(value, places, sign));
+  for (; decimals >= 0; --decimals) forms.push_back(PlainNumber(value, decimals, sign));
   const FixedText power = ShortNumber(value);
   if (power.size() < forms.back().size()) forms.push_back(power);
   return forms;
 }
 
 int NumberWidth(const InstrumentBlock& block) {
-  const int places = PlacesOf(block.format);
-  return places + (places > 0 ? 1 : 0) + IntegerDigits(block.maximum) + (block.format & kFormatSign ? 1 : 0);
+  const int decimals = DecimalsOf(block.format);
+  return decimals + (decimals > 0 ? 1 : 0) + IntegerDigits(block.maximum) + (block.format & kFormatSign ? 1 : 0);
 }
 
 FixedText NoValueNumber(const InstrumentBlock& block) {
   const int width = std::max(1, NumberWidth(block));
-  if (PlacesOf(block.format) == 0) return std::wstring_view(kDashes).substr(0, width);
+  if (DecimalsOf(block.format) == 0) return std::wstring_view(kDashes).substr(0, width);
   FixedText text = std::wstring_view(kDashes).substr(0, width + 1);
   if (static_cast<size_t>(width) <= text.size()) text[width - 1] = L'.';
   return text;
@@ -181,7 +181,7 @@ FixedText AngleText(double degrees, const char (&hemispheres)[6]) {
 
 FixedText DigitalText(const InstrumentBlock& block, DWORD style, const SYSTEMTIME& time) {
   const InstrumentReading reading = ReadingOf(block);
-  if (style & kInstrumentShowTime) return TimeText(time, PlacesOf(block.format), reading.valid);
+  if (style & kInstrumentShowTime) return TimeText(time, DecimalsOf(block.format), reading.valid);
   if (style & kInstrumentShowDate) return DateText(time, reading.valid);
   if (style & kInstrumentShowAngle) {
     return reading.valid ? AngleText(reading.value, block.szUnit) : FixedText(L"--.--.--.--");

@@ -23,12 +23,12 @@ FixedText FixedWidthNumber(double value, int width, BYTE format);
 FixedText WithoutPadding(std::wstring_view text);
 
 // The number with as many digits as it needs; what rounds to zero has no sign.
-FixedText PlainNumber(double value, int places, bool sign);
+FixedText PlainNumber(double value, int decimals, bool sign);
 
 // The number as it is, then ever shorter: with fewer decimal places, and at last to three digits with a power of ten,
 // where that is shorter still. For whoever has room for one of them. A block's format has at most seven places.
 using NumberFormList = FixedList<FixedText, 9>;
-NumberFormList NumberForms(double value, int places, bool sign);
+NumberFormList NumberForms(double value, int decimals, bool sign);
 
 // The width in characters that the block's maximum, decimal places and sign ask for.
 int NumberWidth(const InstrumentBlock& block);

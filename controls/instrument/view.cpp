@@ -14,29 +14,29 @@
 
 namespace kv {
 
-DialColors ColorsOf(const InstrumentFace& face) {
-  if (IsDisabled(face)) {
+DialColors ColorsOf(const InstrumentAppearance& appearance) {
+  if (IsDisabled(appearance)) {
     return {.rimTop = RGB(206, 208, 211),
             .rimBottom = RGB(140, 143, 147),
-            .faceTop = RGB(120, 123, 127),
-            .faceBottom = RGB(104, 107, 111),
+            .dialTop = RGB(120, 123, 127),
+            .dialBottom = RGB(104, 107, 111),
             .ink = RGB(166, 169, 173),
             .faintInk = RGB(148, 151, 155),
             .window = RGB(98, 101, 105)};
   }
-  const bool valid = ReadingOf(face.block).valid;
+  const bool valid = ReadingOf(appearance.block).valid;
   return {.rimTop = RGB(196, 201, 207),
           .rimBottom = RGB(62, 66, 72),
-          .faceTop = RGB(48, 52, 58),
-          .faceBottom = RGB(20, 22, 26),
+          .dialTop = RGB(48, 52, 58),
+          .dialBottom = RGB(20, 22, 26),
           .ink = valid ? RGB(240, 243, 246) : RGB(128, 133, 139),
           .faintInk = valid ? RGB(166, 173, 181) : RGB(104, 109, 115),
           .window = RGB(8, 9, 11)};
 }
 
-COLORREF ShownColor(const InstrumentFace& face, COLORREF color) {
+COLORREF ShownColor(const InstrumentAppearance& appearance, COLORREF color) {
   color &= kRgbBits;
-  if (!IsDisabled(face)) return color;
+  if (!IsDisabled(appearance)) return color;
   const int lightness = (GetRValue(color) * 30 + GetGValue(color) * 59 + GetBValue(color) * 11) / 100;
   const int grey = 84 + lightness / 3;
   return RGB(grey, grey, grey);
@@ -74,9 +74,11 @@ int CaptionFontHeight(int governingSide) {
   return governingSide < 32 ? 9 : 14;
 }
 
-void DrawCaption(Canvas& canvas, const RECT& strip, const InstrumentFace& face, int fontHeight, UINT align) {
+void DrawCaption(Canvas& canvas, const RECT& strip, const InstrumentAppearance& appearance, int fontHeight,
+                 UINT align) {
   DrawTextLine(canvas, InstrumentFont(fontHeight, static_cast<int>(fontHeight / 2.5), FW_NORMAL),
-               DecodedName(face.block), strip, GetSysColor(IsDisabled(face) ? COLOR_GRAYTEXT : COLOR_BTNTEXT), align);
+               DecodedName(appearance.block), strip,
+               GetSysColor(IsDisabled(appearance) ? COLOR_GRAYTEXT : COLOR_BTNTEXT), align);
 }
 
 void DrawDisplayWell(Canvas& canvas, RECT area) {
@@ -106,16 +108,16 @@ Dial DialIn(const RECT& area) {
   return {centre, radius, radius - std::max(1.25, radius * 0.07)};
 }
 
-void DrawDialCase(Canvas& canvas, const Dial& dial, const InstrumentFace& face) {
-  FillArea(canvas, face.area, GetSysColor(COLOR_BTNFACE));
+void DrawDialCase(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appearance) {
+  FillArea(canvas, appearance.area, GetSysColor(COLOR_BTNFACE));
   if (dial.radius <= 0) return;
-  const DialColors colors = ColorsOf(face);
-  const double rim = dial.radius - dial.faceRadius;
+  const DialColors colors = ColorsOf(appearance);
+  const double rim = dial.radius - dial.innerRadius;
   FillGradientDisc(canvas, dial.centre, dial.radius, colors.rimTop, colors.rimBottom);
   // The inner slope of the rim catches the light from the other side.
-  FillGradientDisc(canvas, dial.centre, dial.faceRadius + rim * 0.45, colors.rimBottom, colors.rimTop);
-  FillDisc(canvas, dial.centre, dial.faceRadius + rim * 0.12, RGB(10, 11, 13));
-  FillGradientDisc(canvas, dial.centre, dial.faceRadius, colors.faceTop, colors.faceBottom);
+  FillGradientDisc(canvas, dial.centre, dial.innerRadius + rim * 0.45, colors.rimBottom, colors.rimTop);
+  FillDisc(canvas, dial.centre, dial.innerRadius + rim * 0.12, RGB(10, 11, 13));
+  FillGradientDisc(canvas, dial.centre, dial.innerRadius, colors.dialTop, colors.dialBottom);
 }
 
 }  // namespace kv

@@ -12,23 +12,23 @@
 
 namespace kv {
 
-inline bool IsDisabled(const InstrumentFace& face) {
-  return (face.style & kInstrumentDisabled) != 0;
+inline bool IsDisabled(const InstrumentAppearance& appearance) {
+  return (appearance.style & kInstrumentDisabled) != 0;
 }
 
 // The colours of dials. A disabled instrument has the same shapes in greys of little contrast.
 struct DialColors {
   COLORREF rimTop, rimBottom;    // metal rim; its inner edge has them exchanged
-  COLORREF faceTop, faceBottom;  // dial
+  COLORREF dialTop, dialBottom;  // dial
   COLORREF ink, faintInk;        // scale and value; minor marks, name and unit
   COLORREF window;               // recessed window behind the value
 };
-DialColors ColorsOf(const InstrumentFace& face);
+DialColors ColorsOf(const InstrumentAppearance& appearance);
 
 // A block's or zone's colour as the instrument shows it: grey of the same lightness, but subdued, when disabled.
-COLORREF ShownColor(const InstrumentFace& face, COLORREF color);
-inline COLORREF DisplayColor(const InstrumentFace& face) {
-  return ShownColor(face, face.block.color);
+COLORREF ShownColor(const InstrumentAppearance& appearance, COLORREF color);
+inline COLORREF DisplayColor(const InstrumentAppearance& appearance) {
+  return ShownColor(appearance, appearance.block.color);
 }
 // Brightness of unlit segments against lit ones.
 inline constexpr double kUnlit = 0.2;
@@ -43,7 +43,7 @@ void DrawTextLine(Canvas& canvas, HFONT font, std::wstring_view text, RECT area,
 
 // Captions of the rectangular layouts: the block's name in the system's text colour.
 int CaptionFontHeight(int governingSide);
-void DrawCaption(Canvas& canvas, const RECT& strip, const InstrumentFace& face, int fontHeight, UINT align);
+void DrawCaption(Canvas& canvas, const RECT& strip, const InstrumentAppearance& appearance, int fontHeight, UINT align);
 
 // A sunken frame around a black display, and what lies within the frame.
 void DrawDisplayWell(Canvas& canvas, RECT area);
@@ -55,12 +55,12 @@ void FillRounded(Canvas& canvas, const RECT& area, COLORREF edge, COLORREF color
 // Where a round case stands, in pixels.
 struct Dial {
   PointD centre;
-  double radius;      // outside of the rim
-  double faceRadius;  // the face within the rim, to which everything else is in proportion
+  double radius;       // outside of the rim
+  double innerRadius;  // the face within the rim, to which everything else is in proportion
 };
 // The largest dial in the middle of the area; radius 0 when there is no room for one.
 Dial DialIn(const RECT& area);
 // The panel and, on it, the dial's metal rim and face.
-void DrawDialCase(Canvas& canvas, const Dial& dial, const InstrumentFace& face);
+void DrawDialCase(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appearance);
 
 }  // namespace kv

@@ -16,7 +16,7 @@ constexpr double kDay = 86400;
 constexpr double kClockSteps[] = {1,   2,   5,    10,   15,   30,    60,    120,   300,
                                   600, 900, 1800, 3600, 7200, 10800, 21600, 43200, kDay};
 
-int PlacesOf(double step) {
+int DecimalsOf(double step) {
   return std::max(0, static_cast<int>(std::ceil(-std::log10(step) - 1e-9)));
 }
 
@@ -56,11 +56,11 @@ double FirstTick(double low, double step) {
 
 std::wstring TickText(double value, double step) {
   wchar_t text[64];
-  const int places = PlacesOf(step);
+  const int decimals = DecimalsOf(step);
   if (std::fabs(value) < step / 2) return L"0";
-  const bool plain = places <= 6 && std::fabs(value) < 1e7;
+  const bool plain = decimals <= 6 && std::fabs(value) < 1e7;
   const int digits = std::clamp(static_cast<int>(std::ceil(std::log10(std::fabs(value) / step) - 1e-9)) + 1, 1, 15);
-  FormatBounded(text, sizeof(text), plain ? L"%.*f" : L"%.*g", plain ? places : digits, value);
+  FormatBounded(text, sizeof(text), plain ? L"%.*f" : L"%.*g", plain ? decimals : digits, value);
   const std::wstring number = text;
   const size_t power = number.find(L'e');
   // The run-time writes a power with its sign and up to three digits.
@@ -71,8 +71,8 @@ std::wstring TickText(double value, double step) {
 
 std::wstring TimeText(double seconds, double step, bool clock) {
   if (!clock) return TickText(seconds, step) + L" s";
-  const int places = std::min(PlacesOf(step), 6);
-  const double unit = std::pow(10, places);
+  const int decimals = std::min(DecimalsOf(step), 6);
+  const double unit = std::pow(10, decimals);
   double ofDay = std::round((seconds - std::floor(seconds / kDay) * kDay) * unit) / unit;
   if (ofDay >= kDay) ofDay = 0;
   const int whole = static_cast<int>(ofDay), hours = whole / 3600, minutes = whole / 60 % 60;
@@ -80,7 +80,7 @@ std::wstring TimeText(double seconds, double step, bool clock) {
   if (step >= 60) {
     FormatBounded(text, sizeof(text), L"%02d:%02d", hours, minutes);
   } else {
-    FormatBounded(text, sizeof(text), L"%02d:%02d:%0*.*f", hours, minutes, places ? places + 3 : 2, places,
+    FormatBounded(text, sizeof(text), L"%02d:%02d:%0*.*f", hours, minutes, decimals ? decimals + 3 : 2, decimals,
                   ofDay - whole + whole % 60);
   }
   return text;

@@ -157,17 +157,17 @@ void AddTextToClipboard(HWND window, const std::wstring& text) {
 }  // namespace
 
 LRESULT CopyStrip(StripChart& chart, LPARAM requested) {
-  const SIZE size = RequestedPictureSize(requested, ClientSize(chart.window), kMinCopySize, kMaxCopySize);
+  const SIZE size = RequestedCopySize(requested, ClientSize(chart.window), kMinCopySize, kMaxCopySize);
   // Drawn at the size that is wanted, by a picture of its own: what the control's has still to show stays.
-  const double fresh = chart.model.freshFrom, gone = chart.model.goneTo;
-  const std::unique_ptr<StripPicture> picture(new (std::nothrow) StripPicture);
-  if (!picture) return 0;
-  picture->Update(chart.model, size, true);
-  chart.model.freshFrom = fresh;
-  chart.model.goneTo = gone;
-  const Surface& surface = picture->WithMarks(chart.model, false);
+  const double undrawn = chart.model.undrawnFrom, removed = chart.model.removedTo;
+  const std::unique_ptr<StripRenderer> renderer(new (std::nothrow) StripRenderer);
+  if (!renderer) return 0;
+  renderer->Update(chart.model, size, true);
+  chart.model.undrawnFrom = undrawn;
+  chart.model.removedTo = removed;
+  const Surface& surface = renderer->WithMarks(chart.model, false);
   // Before the clipboard tells its former owner, who may end the control.
-  const std::wstring table = TableOf(chart.model, picture->layoutShown());
+  const std::wstring table = TableOf(chart.model, renderer->layoutShown());
   HWND window = chart.window;
   if (surface.bitmap() && CopyBitmapToClipboard(window, surface.bitmap(), size, size))
     AddTextToClipboard(window, table);

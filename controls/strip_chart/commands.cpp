@@ -77,7 +77,8 @@ bool ExchangeMark(StripModel& model, WPARAM wParam, LPARAM address) {
   if (wParam & kCommandRead) return model.marked && CopyItemOut(model.mark, address);
   StripStretch mark{};
   const bool remove = (wParam & kCommandRemove) != 0;
-  if (!remove && (!CopyItemIn(address, &mark) || !(mark.from <= mark.to) || std::isinf(mark.from) || std::isinf(mark.to))) {
+  if (!remove &&
+      (!CopyItemIn(address, &mark) || !(mark.from <= mark.to) || std::isinf(mark.from) || std::isinf(mark.to))) {
     return false;
   }
   model.mark = mark;
@@ -98,7 +99,7 @@ bool DoCommand(StripChart& chart, WPARAM wParam, LPARAM lParam) {
   StripModel& model = chart.model;
   const unsigned index = HIWORD(wParam);
   switch (LOBYTE(wParam)) {
-    case kStripRender: return chart.anew = true;
+    case kStripRender: return chart.redrawAll = true;
     case kStripClear: ClearSamples(model); return true;
     case kStripStyle: return ExchangeStyle(model, wParam, lParam);
     case kStripChannel: return ExchangeChannel(model, index, wParam, lParam);

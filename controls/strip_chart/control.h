@@ -11,8 +11,8 @@ namespace kv {
 struct StripChart {
   HWND window = nullptr;
   StripModel model;
-  StripPicture picture;
-  bool anew = true;       // all is to be drawn
+  StripRenderer renderer;
+  bool redrawAll = true;  // all is to be drawn
   bool waiting = false;   // timer 5 runs until new samples are shown
   bool hovering = false;  // the cursor follows the pointer, which is at this x
   LONG hoverX = 0;

@@ -14,9 +14,9 @@ namespace kv {
 namespace {
 
 constexpr double kDigitWidth = 0.56;  // of the characters' height
-constexpr int kLabelFigures = 10;     // room for a time, with a distance to the next
+constexpr int kLabelCharacters = 10;  // room for a time, with a distance to the next
 
-LONG Figures(const AxisRange& range, double step) {
+LONG CharacterCount(const AxisRange& range, double step) {
   size_t most = 1;
   for (const double value : {range.low, range.high}) {
     most = std::max(most, TickText(std::round(value / step) * step, step).size());
@@ -33,7 +33,7 @@ void LayoutAxes(StripLayout& layout, const StripModel& model, RECT* plot) {
     axis.channel = channel;
     axis.range = RangeOf(model, channel, ticks);
     axis.step = NiceStep((axis.range.high - axis.range.low) / ticks);
-    const LONG width = numbers ? (Figures(axis.range, axis.step) + 1) * layout.digitPx : 0;
+    const LONG width = numbers ? (CharacterCount(axis.range, axis.step) + 1) * layout.digitPx : 0;
     axis.area = {plot->left, plot->top, plot->left + width, plot->bottom};
     if (axis.area.right * 2 > layout.size.cx) axis.area.right = plot->left;
     plot->left = axis.area.right;
@@ -89,13 +89,13 @@ StripLayout LayoutStrip(const StripModel& model, SIZE size) {
   layout.digitPx = std::max(1, static_cast<int>(std::ceil(layout.fontPx * kDigitWidth)));
   layout.lineWidth = std::max(1.2, layout.fontPx / 9.0);
   const int lineHeight = layout.fontPx * 3 / 2, margin = layout.fontPx / 2;
-  const bool roomy = size.cy >= 8 * layout.fontPx && size.cx >= 14 * layout.digitPx;
+  const bool isLarge = size.cy >= 8 * layout.fontPx && size.cx >= 14 * layout.digitPx;
   RECT plot{margin, margin, size.cx - margin, size.cy - margin};
-  if (roomy && !(model.style & kStripNoLegend)) {
+  if (isLarge && !(model.style & kStripNoLegend)) {
     plot.top = lineHeight + margin / 2;
     layout.legend = {0, 0, size.cx, plot.top};
   }
-  if (roomy && !(model.style & kStripNoAxes)) {
+  if (isLarge && !(model.style & kStripNoAxes)) {
     layout.labelsPx = lineHeight;
     plot.bottom = size.cy - lineHeight;
     plot.left = margin / 2;
@@ -108,7 +108,7 @@ StripLayout LayoutStrip(const StripModel& model, SIZE size) {
   const LONG width = std::max(plot.right - plot.left, 1L);
   layout.secondsPerColumn = (shown.to - shown.from) / width;
   layout.timeStep =
-      TimeStep(layout.secondsPerColumn * layout.digitPx * kLabelFigures, (model.style & kStripTimeOfDay) != 0);
+      TimeStep(layout.secondsPerColumn * layout.digitPx * kLabelCharacters, (model.style & kStripTimeOfDay) != 0);
   layout.lastColumn = static_cast<long long>(std::floor(shown.to / layout.secondsPerColumn));
   layout.sweeps = IsSweep(model);
   layout.gapPx = layout.sweeps ? std::max(3L, width / 60) : 0;

@@ -82,7 +82,7 @@ void BlendArea(const Surface& surface, const RECT& area, COLORREF color, DWORD c
 
 }  // namespace
 
-void StripPicture::DrawTip(Canvas& canvas, const StripModel& model) {
+void StripRenderer::DrawTip(Canvas& canvas, const StripModel& model) {
   const StripLayout& layout = key_.layout;
   const StripColors& colors = key_.colors;
   const RECT& plot = layout.plot;
@@ -133,7 +133,7 @@ void StripPicture::DrawTip(Canvas& canvas, const StripModel& model) {
   }
 }
 
-const Surface& StripPicture::WithMarks(const StripModel& model, bool focused) {
+const Surface& StripRenderer::WithMarks(const StripModel& model, bool focused) {
   const StripLayout& layout = key_.layout;
   const RECT& plot = layout.plot;
   if (!drawn_ || IsRectEmpty(&plot) || !(model.cursorShown || model.marked || focused)) return surface_;

@@ -57,10 +57,10 @@ void Follow(StripModel& model, bool follow) {
 
 // Shows a stretch of this length and end, as far as there are samples.
 void Show(StripModel& model, double span, double end) {
-  const StripStretch kept = KeptTimes(model);
-  model.view.span = std::clamp(span, MinSpan(kept.to), 4 * kStripMaxTime);
-  Follow(model, end >= kept.to);
-  model.view.end = std::clamp(end, std::min(kept.from + model.view.span, kept.to), kept.to);
+  const StripStretch stored = StoredTimes(model);
+  model.view.span = std::clamp(span, MinSpan(stored.to), 4 * kStripMaxTime);
+  Follow(model, end >= stored.to);
+  model.view.end = std::clamp(end, std::min(stored.from + model.view.span, stored.to), stored.to);
 }
 
 double NearestValue(const StripModel& model, const StripChannelData& channel, double time) {
@@ -96,8 +96,8 @@ bool AppendSamples(StripModel& model, unsigned index, std::span<const StripSampl
   const double last = store.count() ? store.newest() : -kNever;
   if (!store.Append(samples)) return false;
   if (samples.empty()) return true;
-  model.freshFrom = std::min(model.freshFrom, std::max(last, store.oldest()));
-  if (full) model.goneTo = std::max(model.goneTo, store.oldest());
+  model.undrawnFrom = std::min(model.undrawnFrom, std::max(last, store.oldest()));
+  if (full) model.removedTo = std::max(model.removedTo, store.oldest());
   return true;
 }
 
@@ -116,7 +116,7 @@ bool SetStripCapacity(StripModel& model, DWORD capacity) {
     if (model.channels[i].used) model.channels[i].store = std::move(stores[i]);
   }
   model.capacity = capacity;
-  model.goneTo = kNever;
+  model.removedTo = kNever;
   return true;
 }
 
@@ -136,7 +136,7 @@ bool SetView(StripModel& model, const StripView& view) {
   SetHold(model, hold);
   model.view = view;
   model.view.state &= kStripFollow | kStripHold;
-  if (view.span > 0) model.view.span = std::max(view.span, MinSpan(KeptTimes(model).to));
+  if (view.span > 0) model.view.span = std::max(view.span, MinSpan(StoredTimes(model).to));
   model.home = model.view;
   model.home.state &= ~kStripHold;
   return true;
@@ -147,29 +147,29 @@ void ClearSamples(StripModel& model) {
   model.cursorShown = model.marked = false;
   SetHold(model, false);
   model.view = model.home;
-  model.goneTo = kNever;
+  model.removedTo = kNever;
 }
 
 // ---- What is shown --------------------------------------------------------------------------------------------------
 
-StripStretch KeptTimes(const StripModel& model) {
-  StripStretch kept{kNever, -kNever};
+StripStretch StoredTimes(const StripModel& model) {
+  StripStretch stored{kNever, -kNever};
   for (const StripChannelData& channel : model.channels) {
     if (!channel.used || channel.store.count() == 0) continue;
-    kept.from = std::min(kept.from, channel.store.oldest());
-    kept.to = std::max(kept.to, channel.store.newest());
+    stored.from = std::min(stored.from, channel.store.oldest());
+    stored.to = std::max(stored.to, channel.store.newest());
   }
-  if (kept.from > kept.to) return {0, 0};
-  if (IsHeld(model)) kept.to = std::max(kept.from, std::min(kept.to, model.heldAt));
-  return kept;
+  if (stored.from > stored.to) return {0, 0};
+  if (IsHeld(model)) stored.to = std::max(stored.from, std::min(stored.to, model.heldAt));
+  return stored;
 }
 
 StripStretch ShownTimes(const StripModel& model) {
-  const StripStretch kept = KeptTimes(model);
+  const StripStretch stored = StoredTimes(model);
   const double span =
-      model.view.span > 0 ? model.view.span : SpanFor(std::max(kept.to - kept.from, MinSpan(kept.to) * 1000));
+      model.view.span > 0 ? model.view.span : SpanFor(std::max(stored.to - stored.from, MinSpan(stored.to) * 1000));
   const bool follows = (model.view.state & kStripFollow) || model.view.span == 0;
-  const double end = follows ? kept.to : model.view.end;
+  const double end = follows ? stored.to : model.view.end;
   return {end - span, end};
 }
 
@@ -215,7 +215,7 @@ void PanTime(StripModel& model, double parts) {
 void ZoomTime(StripModel& model, double factor, double about) {
   const StripStretch shown = ShownTimes(model);
   const double span = shown.to - shown.from;
-  const bool follows = shown.to >= KeptTimes(model).to;
+  const bool follows = shown.to >= StoredTimes(model).to;
   // Who looks at the newest keeps looking at it.
   const double end = follows && about > 0.5 ? shown.to : shown.from + span * about + span * (1 - about) / factor;
   Show(model, span / factor, end);
@@ -241,11 +241,11 @@ void ShowNewest(StripModel& model) {
 void SetHold(StripModel& model, bool hold) {
   if (hold == IsHeld(model)) return;
   if (hold) {
-    model.heldAt = KeptTimes(model).to;
+    model.heldAt = StoredTimes(model).to;
     model.view.state |= kStripHold;
   } else {
     model.view.state &= ~kStripHold;
-    model.freshFrom = std::min(model.freshFrom, model.heldAt);
+    model.undrawnFrom = std::min(model.undrawnFrom, model.heldAt);
   }
 }
 
@@ -268,7 +268,7 @@ StripReading ReadingAt(const StripModel& model, double time) {
 }
 
 StripReading NewestReading(const StripModel& model) {
-  return ReadingAt(model, KeptTimes(model).to);
+  return ReadingAt(model, StoredTimes(model).to);
 }
 
 StripStatistics ChannelStatistics(const StripModel& model, unsigned index) {

@@ -25,10 +25,10 @@ struct StripModel {
   std::array<bool, kStripZones> zoneShown{};
   DWORD style = 0, capacity = kStripDefaultCapacity;
   StripView view{kStripVersion, kStripFollow, 0, 0, 0, 0, 1, 0};
-  StripView home = view;      // as the owner set it
-  double heldAt = 0;          // the newest time when the user held
-  double freshFrom = kNever;  // what lies behind this time is not in the picture yet
-  double goneTo = -kNever;    // nor that what lay before this one is no longer kept
+  StripView home = view;        // as the owner set it
+  double heldAt = 0;            // the newest time when the user held
+  double undrawnFrom = kNever;  // what lies behind this time is not in the picture yet
+  double removedTo = -kNever;   // nor that what lay before this one is no longer kept
   bool cursorShown = false, marked = false;
   double cursor = 0;
   StripStretch mark{};
@@ -51,7 +51,7 @@ bool SetView(StripModel& model, const StripView& view);
 void ClearSamples(StripModel& model);
 
 // From the oldest to the newest sample that may be shown; 0 to 0 without any.
-StripStretch KeptTimes(const StripModel& model);
+StripStretch StoredTimes(const StripModel& model);
 // What the view shows; `to` is the right edge.
 StripStretch ShownTimes(const StripModel& model);
 // How many samples of a channel may be shown: while the picture is held, those from before.

@@ -58,14 +58,14 @@ LONG WidthOf(HDC dc, const std::wstring& text) {
   return size.cx;
 }
 
-void StripPicture::FindFont(int heightPx) {
+void StripRenderer::FindFont(int heightPx) {
   font_.Reset(CreateFontW(-heightPx, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_TT_PRECIS,
                           CLIP_DEFAULT_PRECIS, ANTIALIASED_QUALITY, VARIABLE_PITCH | FF_SWISS, kFont));
 }
 
 // ---- What stays while samples arrive --------------------------------------------------------------------------------
 
-void StripPicture::DrawFace(const StripModel& model) {
+void StripRenderer::DrawBackground(const StripModel& model) {
   const StripLayout& layout = key_.layout;
   const StripColors& colors = key_.colors;
   Canvas canvas(dc_, surface_, shape_);
@@ -104,7 +104,7 @@ void StripPicture::DrawFace(const StripModel& model) {
 
 // ---- Columns --------------------------------------------------------------------------------------------------------
 
-void StripPicture::DrawGrid(Canvas& canvas, const RECT& paper, long long from, long long to, LONG x) {
+void StripRenderer::DrawGrid(Canvas& canvas, const RECT& paper, long long from, long long to, LONG x) {
   const StripLayout& layout = key_.layout;
   const StripColors& colors = key_.colors;
   const bool grid = !(key_.style & kStripNoGrid);
@@ -135,7 +135,7 @@ void StripPicture::DrawGrid(Canvas& canvas, const RECT& paper, long long from, l
 }
 
 // Columns from..to-1 with `from` at x.
-void StripPicture::DrawStretch(Canvas& canvas, const StripModel& model, long long from, long long to, LONG x) {
+void StripRenderer::DrawStretch(Canvas& canvas, const StripModel& model, long long from, long long to, LONG x) {
   const StripLayout& layout = key_.layout;
   const StripColors& colors = key_.colors;
   const RECT& plot = layout.plot;
@@ -167,7 +167,7 @@ void StripPicture::DrawStretch(Canvas& canvas, const StripModel& model, long lon
 }
 
 // What of these columns is shown, and in a sweep the gap in front of the newest.
-void StripPicture::DrawColumns(const StripModel& model, long long from, long long to) {
+void StripRenderer::DrawColumns(const StripModel& model, long long from, long long to) {
   const StripLayout& layout = key_.layout;
   const LONG width = layout.plot.right - layout.plot.left;
   const long long oldest = layout.lastColumn - width + 1;
@@ -194,7 +194,7 @@ void StripPicture::DrawColumns(const StripModel& model, long long from, long lon
   }
 }
 
-void StripPicture::Scroll(long long columns) {
+void StripRenderer::Scroll(long long columns) {
   const RECT& plot = key_.layout.plot;
   const size_t kept = static_cast<size_t>(plot.right - plot.left - columns);
   GdiFlush();
@@ -206,7 +206,7 @@ void StripPicture::Scroll(long long columns) {
 
 // ---- Bringing it up to date -----------------------------------------------------------------------------------------
 
-RECT StripPicture::Update(StripModel& model, SIZE size, bool anew) {
+RECT StripRenderer::Update(StripModel& model, SIZE size, bool redrawAll) {
   Key key;
   std::fill_n(reinterpret_cast<BYTE*>(&key), sizeof(key), BYTE{0});  // with what lies between the fields
   key.layout = LayoutStrip(model, size);
@@ -221,38 +221,39 @@ RECT StripPicture::Update(StripModel& model, SIZE size, bool anew) {
   }
   const long long last = key.layout.lastColumn, before = key_.layout.lastColumn;
   key.layout.lastColumn = before;
-  const bool same = drawn_ && !anew && std::memcmp(&key, &key_, sizeof(key)) == 0;
+  const bool same = drawn_ && !redrawAll && std::memcmp(&key, &key_, sizeof(key)) == 0;
   key.layout.lastColumn = last;
   const LONG width = IsRectEmpty(&key.layout.plot) ? 0 : key.layout.plot.right - key.layout.plot.left;
   const double second = key.layout.secondsPerColumn;
   const bool held = IsHeld(model);
   const RECT whole{0, 0, size.cx, size.cy};
   const RECT paper{key.layout.plot.left, key.layout.plot.top, key.layout.plot.right, size.cy};
-  if (!same || last < before || last - before >= width || (model.goneTo == kNever && !held)) {
+  if (!same || last < before || last - before >= width || (model.removedTo == kNever && !held)) {
     if (surface_.size().cx != size.cx || surface_.size().cy != size.cy) surface_.Create(size);
     drawn_ = surface_.bitmap() && rows_.Create(key.layout.plot.bottom - key.layout.plot.top);
     if (!font_ || key.layout.fontPx != key_.layout.fontPx) FindFont(key.layout.fontPx);
     std::memcpy(&key_, &key, sizeof(key));
     if (!drawn_) return {};
-    DrawFace(model);
+    DrawBackground(model);
     if (width > 0) DrawColumns(model, last - width, last + 1);
-    model.freshFrom = kNever;
-    model.goneTo = -kNever;
+    model.undrawnFrom = kNever;
+    model.removedTo = -kNever;
     return whole;
   }
   // While it is held, the picture stands whatever arrives.
-  if (held || (model.freshFrom == kNever && model.goneTo == -kNever && last == before)) return {};
+  if (held || (model.undrawnFrom == kNever && model.removedTo == -kNever && last == before)) return {};
   key_.layout.lastColumn = last;
   if (!key_.layout.sweeps && last > before) Scroll(last - before);
-  const double fresh = std::min(ColumnOf(model.freshFrom, second), static_cast<double>(before + 1)) - kReach;
-  const long long from = std::max(static_cast<long long>(std::max(fresh, -9e15)), last - width);
-  const double gone = ColumnOf(model.goneTo, second) + kReach + 1;
-  const long long goneTo =
-      gone > static_cast<double>(last - width) ? std::min(static_cast<long long>(gone), from) : from;
-  if (goneTo > last - width && gone > static_cast<double>(last - width)) DrawColumns(model, last - width, goneTo);
+  const double undrawn = std::min(ColumnOf(model.undrawnFrom, second), static_cast<double>(before + 1)) - kReach;
+  const long long from = std::max(static_cast<long long>(std::max(undrawn, -9e15)), last - width);
+  const double removed = ColumnOf(model.removedTo, second) + kReach + 1;
+  const long long removedTo =
+      removed > static_cast<double>(last - width) ? std::min(static_cast<long long>(removed), from) : from;
+  if (removedTo > last - width && removed > static_cast<double>(last - width))
+    DrawColumns(model, last - width, removedTo);
   DrawColumns(model, from, last + 1);
-  model.freshFrom = kNever;
-  model.goneTo = -kNever;
+  model.undrawnFrom = kNever;
+  model.removedTo = -kNever;
   return paper;
 }
 

@@ -51,10 +51,10 @@ std::wstring ChannelName(const StripChannel& channel);
 std::wstring ChannelUnit(const StripChannel& channel);
 LONG WidthOf(HDC dc, const std::wstring& text);
 
-class StripPicture {
+class StripRenderer {
  public:
-  // Brings the picture up to date and returns what changed of it; with `anew` it is all drawn.
-  RECT Update(StripModel& model, SIZE size, bool anew);
+  // Brings the picture up to date and returns what changed of it; with `redrawAll` it is all drawn.
+  RECT Update(StripModel& model, SIZE size, bool redrawAll);
   // The picture with cursor, mark and their tip, and a frame with the focus; what Update made if there are none.
   const Surface& WithMarks(const StripModel& model, bool focused);
 
@@ -73,7 +73,7 @@ class StripPicture {
   };
 
   void FindFont(int heightPx);
-  void DrawFace(const StripModel& model);
+  void DrawBackground(const StripModel& model);
   void DrawColumns(const StripModel& model, long long from, long long to);
   void DrawStretch(Canvas& canvas, const StripModel& model, long long from, long long to, LONG x);
   void DrawGrid(Canvas& canvas, const RECT& paper, long long from, long long to, LONG x);

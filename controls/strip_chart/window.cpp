@@ -25,9 +25,9 @@ namespace kv {
 
 void RefreshStrip(StripChart& chart) {
   StripModel& model = chart.model;
-  const RECT changed = chart.picture.Update(model, ClientSize(chart.window), chart.anew);
-  chart.anew = false;
-  if (chart.hovering) model.cursor = TimeAtX(chart.picture.layoutShown(), chart.hoverX);
+  const RECT changed = chart.renderer.Update(model, ClientSize(chart.window), chart.redrawAll);
+  chart.redrawAll = false;
+  if (chart.hovering) model.cursor = TimeAtX(chart.renderer.layoutShown(), chart.hoverX);
   const bool marks = model.cursorShown || model.marked;
   if (!IsRectEmpty(&changed)) InvalidateRect(chart.window, marks ? nullptr : &changed, FALSE);
 }
@@ -64,7 +64,7 @@ AccessibleText Describe(HWND window) {
   AccessibleText text{WindowText(window), {}};
   const bool named = !text.name.empty();
   const StripReading reading = model.cursorShown ? ReadingAt(model, model.cursor) : NewestReading(model);
-  const StripLayout& layout = chart->picture.layoutShown();
+  const StripLayout& layout = chart->renderer.layoutShown();
   for (int i = 0; i < kStripChannels; ++i) {
     if (!IsShown(model.channels[i])) continue;
     const std::wstring name = ChannelName(model.channels[i].info);
@@ -104,10 +104,10 @@ LRESULT OnDestroy(HWND window) {
 }
 
 LRESULT ShowOn(HDC dc, StripChart& chart, bool focused) {
-  const Surface& surface = chart.picture.WithMarks(chart.model, focused);
+  const Surface& surface = chart.renderer.WithMarks(chart.model, focused);
   if (!surface.bitmap()) return 0;
-  const SelectedObject selected(chart.picture.memoryDc(), surface.bitmap());
-  BitBlt(dc, 0, 0, surface.size().cx, surface.size().cy, chart.picture.memoryDc(), 0, 0, SRCCOPY);
+  const SelectedObject selected(chart.renderer.memoryDc(), surface.bitmap());
+  BitBlt(dc, 0, 0, surface.size().cx, surface.size().cy, chart.renderer.memoryDc(), 0, 0, SRCCOPY);
   return 0;
 }
 
@@ -146,7 +146,7 @@ void SetMark(StripModel& model, double one, double other) {
 }
 
 LRESULT OnMouseMove(StripChart& chart, LONG x) {
-  const StripLayout& layout = chart.picture.layoutShown();
+  const StripLayout& layout = chart.renderer.layoutShown();
   const LONG width = layout.plot.right - layout.plot.left;
   if (chart.drag == StripChart::Drag::kPan) {
     if (x == chart.dragX || width <= 0) return 0;
@@ -211,7 +211,7 @@ LRESULT OnWheel(StripChart& chart, WPARAM wParam, LPARAM lParam) {
   const int notches = chart.wheel / WHEEL_DELTA;
   if (notches == 0) return 0;
   chart.wheel -= notches * WHEEL_DELTA;
-  const StripLayout& layout = chart.picture.layoutShown();
+  const StripLayout& layout = chart.renderer.layoutShown();
   POINT place{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
   ScreenToClient(chart.window, &place);
   const double width = std::max(layout.plot.right - layout.plot.left, 1L);
@@ -231,7 +231,7 @@ LRESULT OnWheel(StripChart& chart, WPARAM wParam, LPARAM lParam) {
 // Moves the cursor by a column, or marks from where it was.
 LRESULT MoveCursor(StripChart& chart, int columns, bool mark) {
   StripModel& model = chart.model;
-  const StripLayout& layout = chart.picture.layoutShown();
+  const StripLayout& layout = chart.renderer.layoutShown();
   const StripStretch shown = ShownTimes(model);
   if (!model.cursorShown) model.cursor = (shown.from + shown.to) / 2;
   const double before = model.cursor, step = layout.secondsPerColumn * columns;
@@ -326,7 +326,7 @@ LRESULT CALLBACK StripProcedure(HWND window, UINT message, WPARAM wParam, LPARAM
     case WM_SETFOCUS:
     case WM_KILLFOCUS: return OnFocus(window);
     case WM_DROPFILES: return SendMessageA(GetParent(window), message, wParam, lParam);
-    case WM_GETOBJECT: return AnswerGetObject(window, wParam, lParam, ROLE_SYSTEM_CHART, Describe);
+    case WM_GETOBJECT: return HandleGetObject(window, wParam, lParam, ROLE_SYSTEM_CHART, Describe);
     default: break;
   }
   if (StripChart* chart = ChartOf(window)) return HandleMessage(*chart, message, wParam, lParam);

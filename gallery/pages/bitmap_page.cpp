@@ -27,18 +27,18 @@ void Log(HWND page, const wchar_t* line) {
   SendMessageW(log, LB_SETTOPINDEX, 0, 0);
 }
 
-void LogPictureClick(HWND page, int controlId, UINT textId) {
+void LogBitmapClick(HWND page, int controlId, UINT textId) {
   wchar_t line[128];
   kv::FormatBounded(line, sizeof(line), kv::ResourceText(textId).c_str(), controlId - IDC_BITMAP_PLAIN + 1);
   Log(page, line);
 }
 
-void OnPictureNotification(HWND page, int controlId, UINT code) {
+void OnBitmapNotification(HWND page, int controlId, UINT code) {
   switch (code) {
-    case kv::kBitmapLeftClick: return LogPictureClick(page, controlId, IDS_BITMAP_LEFT);
-    case kv::kBitmapRightClick: return LogPictureClick(page, controlId, IDS_BITMAP_RIGHT);
-    case kv::kBitmapMiddleClick: return LogPictureClick(page, controlId, IDS_BITMAP_MIDDLE);
-    case kv::kBitmapDoubleClick: return LogPictureClick(page, controlId, IDS_BITMAP_DOUBLE);
+    case kv::kBitmapLeftClick: return LogBitmapClick(page, controlId, IDS_BITMAP_LEFT);
+    case kv::kBitmapRightClick: return LogBitmapClick(page, controlId, IDS_BITMAP_RIGHT);
+    case kv::kBitmapMiddleClick: return LogBitmapClick(page, controlId, IDS_BITMAP_MIDDLE);
+    case kv::kBitmapDoubleClick: return LogBitmapClick(page, controlId, IDS_BITMAP_DOUBLE);
     default: return;
   }
 }
@@ -52,7 +52,7 @@ void ShowChosen(HWND page) {
 
 void OnCommand(HWND page, int controlId, UINT code) {
   if (controlId >= IDC_BITMAP_PLAIN && controlId <= IDC_BITMAP_LAST) {
-    return OnPictureNotification(page, controlId, code);
+    return OnBitmapNotification(page, controlId, code);
   }
   switch (controlId) {
     case IDC_BITMAP_NAME:
@@ -78,9 +78,9 @@ void OnInit(HWND page) {
 }
 
 // A picture's label without its key; its number stays, which the log names.
-std::wstring LabelText(HWND page, int picture) {
+std::wstring LabelText(HWND page, int bitmap) {
   wchar_t text[128] = L"";
-  GetDlgItemTextW(page, IDC_BITMAP_LABEL + picture, text, ARRAYSIZE(text));
+  GetDlgItemTextW(page, IDC_BITMAP_LABEL + bitmap, text, ARRAYSIZE(text));
   std::wstring name = text;
   if (const size_t key = name.find(L"(&"); key != name.npos)
     name.erase(key, 4);  // scripts that have it behind the text

@@ -21,8 +21,8 @@ namespace gallery {
 
 namespace {
 
-constexpr UINT_PTR kPictureTimer = 1;
-constexpr UINT kPictureMs = 66;
+constexpr UINT_PTR kFrameTimer = 1;
+constexpr UINT kFrameMs = 66;
 constexpr COLORREF kScreenTop = RGB(0x14, 0x18, 0x22), kScreenBottom = RGB(0x26, 0x2E, 0x3E);
 
 // The link lives while the page is shown: a camera that nobody looks at belongs to others.
@@ -35,10 +35,10 @@ struct {
 } recording;
 
 // The largest area of the picture's proportions in the middle of `area`.
-RECT FittingArea(const RECT& area, int pictureWidth, int pictureHeight) {
+RECT FittingArea(const RECT& area, int fittedWidth, int fittedHeight) {
   const int width = area.right - area.left, height = area.bottom - area.top;
-  const int fitWidth = std::min(width, MulDiv(height, pictureWidth, pictureHeight));
-  const int fitHeight = std::min(height, MulDiv(width, pictureHeight, pictureWidth));
+  const int fitWidth = std::min(width, MulDiv(height, fittedWidth, fittedHeight));
+  const int fitHeight = std::min(height, MulDiv(width, fittedHeight, fittedWidth));
   const int left = area.left + (width - fitWidth) / 2, top = area.top + (height - fitHeight) / 2;
   return {left, top, left + fitWidth, top + fitHeight};
 }
@@ -54,9 +54,8 @@ void DrawMessage(HDC dc, RECT area) {
 void DrawScreen(HDC dc, RECT area) {
   kv::DrawSunkenFrame(dc, &area);
   kv::FillVerticalGradient(dc, area, kScreenTop, kScreenBottom);
-  const RECT picture = link ? FittingArea(area, link->frameWidth, link->frameHeight) : RECT{};
-  if (!kv::DrawVideoFrame(link, dc, picture.left, picture.top, picture.right - picture.left,
-                          picture.bottom - picture.top)) {
+  const RECT image = link ? FittingArea(area, link->frameWidth, link->frameHeight) : RECT{};
+  if (!kv::DrawVideoFrame(link, dc, image.left, image.top, image.right - image.left, image.bottom - image.top)) {
     DrawMessage(dc, area);
   }
 }
@@ -169,7 +168,7 @@ void StopRecording(HWND page) {
 // ---- The link ------------------------------------------------------------------------------------------------------
 
 void Disconnect(HWND page) {
-  KillTimer(page, kPictureTimer);
+  KillTimer(page, kFrameTimer);
   if (recording.runs) StopRecording(page);
   kv::CloseVideoLink(link);
   link = nullptr;
@@ -179,7 +178,7 @@ INT_PTR Connect(HWND page) {
   Disconnect(page);
   recording = {};
   link = kv::OpenVideoLink(GetDlgItem(page, IDC_CAPTURE_SCREEN));
-  if (link) SetTimer(page, kPictureTimer, kPictureMs, nullptr);
+  if (link) SetTimer(page, kFrameTimer, kFrameMs, nullptr);
   ShowState(page);
   return TRUE;
 }

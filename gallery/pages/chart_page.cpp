@@ -41,7 +41,7 @@ void Exchange(HWND page, WPARAM flags, kv::FlowPoints* points) {
 }
 
 // Shows what the chart itself says that it shows.
-void ShowPlaces(HWND page) {
+void ShowPositions(HWND page) {
   kv::FlowPoints shown{};
   Exchange(page, kv::kCommandRead, &shown);
   for (int i = 0; i < kv::kPointCount; ++i) {
@@ -60,7 +60,7 @@ void ShowPoints(HWND page) {
   kv::FlowPoints hidden{.mask = kAllPoints & ~points.mask, .points = {}};
   Exchange(page, kv::kCommandRemove, &hidden);
   Exchange(page, kv::kCommandRedraw, &points);
-  ShowPlaces(page);
+  ShowPositions(page);
 }
 
 void OnTimer(HWND page) {
@@ -72,10 +72,10 @@ void OnTimer(HWND page) {
 void Clear(HWND page) {
   CheckDlgButton(page, IDC_CHART_PAUSE, BST_CHECKED);
   SendDlgItemMessageA(page, IDC_CHART_VIEW, kv::kControlCommand, kv::kChartClear, 0);
-  ShowPlaces(page);
+  ShowPositions(page);
 }
 
-void CopyPicture(HWND page) {
+void CopyChart(HWND page) {
   const DWORD before = GetClipboardSequenceNumber();
   SendDlgItemMessageA(page, IDC_CHART_VIEW, WM_COPY, 0, MAKELPARAM(kv::kFieldWidth, kv::kFieldHeight));
   const bool copied = GetClipboardSequenceNumber() != before;
@@ -89,7 +89,7 @@ void OnInit(HWND page) {
 void OnTextsChanged(HWND page) {
   SetPageText(page, IDC_CHART_RESULT, IDS_CHART_NOTHING_COPIED);
   kv::NameControl(page, IDC_CHART_VIEW, kv::ResourceText(IDS_TITLE_FIRST + PAGE_INDEX_CHART).c_str());
-  ShowPlaces(page);
+  ShowPositions(page);
 }
 
 void OnShown(HWND page, bool shown) {
@@ -104,7 +104,7 @@ void OnShown(HWND page, bool shown) {
 void OnCommand(HWND page, int controlId) {
   switch (controlId) {
     case IDC_CHART_CLEAR: Clear(page); break;
-    case IDC_CHART_COPY: CopyPicture(page); break;
+    case IDC_CHART_COPY: CopyChart(page); break;
     case IDC_CHART_POINT:
     case IDC_CHART_POINT + 1:
     case IDC_CHART_POINT + 2:

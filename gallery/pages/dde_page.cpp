@@ -14,7 +14,7 @@ namespace gallery {
 
 namespace {
 
-constexpr DWORD kAnswerTimeoutMs = 2000;
+constexpr DWORD kReplyTimeoutMs = 2000;
 constexpr LONG kMaxLogCharacters = 20000;
 constexpr UINT_PTR kEndTimer = 1;
 constexpr UINT kEndTimerMs = 500;
@@ -76,11 +76,11 @@ void ShowState(HWND page) {
   ShowWord(page, IDC_DDE_SYSTEM, link.systemConversation);
   ShowWord(page, IDC_DDE_WORKBOOK, link.workbookConversation);
   // What becomes usable comes first: the focus may have to go there.
-  const bool talks = conversation != nullptr;
-  if (!talks) kv::EnableControl(page, IDC_DDE_CONNECT, true);
+  const bool isConnected = conversation != nullptr;
+  if (!isConnected) kv::EnableControl(page, IDC_DDE_CONNECT, true);
   for (int id : {IDC_DDE_DISCONNECT, IDC_DDE_REQUEST, IDC_DDE_POKE, IDC_DDE_EXECUTE})
-    kv::EnableControl(page, id, talks);
-  if (talks) {
+    kv::EnableControl(page, id, isConnected);
+  if (isConnected) {
     kv::EnableControl(page, IDC_DDE_CONNECT, false);
     SetTimer(page, kEndTimer, kEndTimerMs, nullptr);
   } else {
@@ -103,18 +103,18 @@ void Disconnect(HWND page) {
 
 void Request(HWND page) {
   const std::string item = FieldText(page, IDC_DDE_ITEM);
-  char answer[kv::kDdeAnswerSize + 1] = "";  // the longest answer brings no terminator
-  const BOOL done = kv::ddeRequest(instance, conversation, item.c_str(), answer, kAnswerTimeoutMs);
+  char reply[kv::kDdeReplySize + 1] = "";  // the longest answer brings no terminator
+  const BOOL done = kv::ddeRequest(instance, conversation, item.c_str(), reply, kReplyTimeoutMs);
   Log(page, "ddeRequest \"%s\" = %d", item.c_str(), done);
-  if (!answer[0]) return;
-  AppendLine(page, answer);
+  if (!reply[0]) return;
+  AppendLine(page, reply);
 }
 
 void Poke(HWND page) {
   const std::string item = FieldText(page, IDC_DDE_ITEM);
   std::string text = FieldText(page, IDC_DDE_TEXT);
   if (IsDlgButtonChecked(page, IDC_DDE_COMMA)) kv::decimalPointToComma(text.data());
-  HDDEDATA done = kv::ddePoke(instance, conversation, item.c_str(), text.c_str(), kAnswerTimeoutMs);
+  HDDEDATA done = kv::ddePoke(instance, conversation, item.c_str(), text.c_str(), kReplyTimeoutMs);
   Log(page, "ddePoke \"%s\" \"%s\" = %08X", item.c_str(), text.c_str(), done);
 }
 
@@ -137,8 +137,8 @@ INT_PTR OnEnded(HWND page, HCONV ended) {
 INT_PTR OnTimer(HWND page) {
   CONVINFO info{};
   info.cb = sizeof(info);
-  const bool goesOn = DdeQueryConvInfo(conversation, QID_SYNC, &info) && info.wStatus & ST_CONNECTED;
-  return goesOn ? TRUE : OnEnded(page, conversation);
+  const bool isAlive = DdeQueryConvInfo(conversation, QID_SYNC, &info) && info.wStatus & ST_CONNECTED;
+  return isAlive ? TRUE : OnEnded(page, conversation);
 }
 
 void SetLink(HWND page, BOOL open) {

@@ -19,7 +19,7 @@ namespace gallery {
 namespace {
 
 constexpr char kVisitsName[] = "Gallery.DialogServicesVisits";
-constexpr char kPlaceName[] = "Gallery.Remembered";
+constexpr char kPositionName[] = "Gallery.Remembered";
 
 constexpr int kTrackbarMax = 100;
 constexpr int kMinIntervals = 1, kMaxIntervals = 20, kScrollPage = 4;
@@ -118,9 +118,9 @@ void CountVisit(HWND page) {
   ShowVisits(page);
 }
 
-void RememberPlace(HWND page) {
+void RememberPosition(HWND page) {
   const HWND frame = GetParent(page);
-  if (!kv::WindowPosition(frame, kPlaceName, kv::kPositionSave)) {
+  if (!kv::WindowPosition(frame, kPositionName, kv::kPositionSave)) {
     return SetPageText(page, IDC_SERVICES_PLACE, IDS_SERVICES_NOT_NORMAL);
   }
   RECT place{};
@@ -208,8 +208,8 @@ void OnTextsChanged(HWND page) {
 
 void OnCommand(HWND page, int controlId, int code) {
   switch (controlId) {
-    case IDC_SERVICES_REMEMBER: RememberPlace(page); break;
-    case IDC_SERVICES_RETURN: kv::WindowPosition(GetParent(page), kPlaceName, kv::kPositionRestore); break;
+    case IDC_SERVICES_REMEMBER: RememberPosition(page); break;
+    case IDC_SERVICES_RETURN: kv::WindowPosition(GetParent(page), kPositionName, kv::kPositionRestore); break;
     case IDC_SERVICES_YEAR:
     case IDC_SERVICES_MONTH:
     case IDC_SERVICES_DAY:

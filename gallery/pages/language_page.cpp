@@ -131,16 +131,16 @@ void ShareWidth(HWND table) {
   }
 }
 
-void ShowAnswer(HWND page) {
+void ShowResult(HWND page) {
   wchar_t word[kv::kPathCharacters];
   GetDlgItemTextW(page, IDC_LANGUAGE_WORD, word, ARRAYSIZE(word));
   if (!word[0]) {
-    SetDlgItemTextW(page, IDC_LANGUAGE_ANSWER, L"");
+    SetDlgItemTextW(page, IDC_LANGUAGE_RESULT, L"");
     return;
   }
   const bool every = IsDlgButtonChecked(page, IDC_LANGUAGE_EVERY) == BST_CHECKED;
   const BOOL yes = kv::IsAffirmative(every ? kv::kEveryLanguage : SelectedLanguage(page), word);
-  SetPageText(page, IDC_LANGUAGE_ANSWER, yes ? IDS_LANGUAGE_YES : IDS_LANGUAGE_NO);
+  SetPageText(page, IDC_LANGUAGE_RESULT, yes ? IDS_LANGUAGE_YES : IDS_LANGUAGE_NO);
 }
 
 void ShowTexts(HWND page) {
@@ -148,7 +148,7 @@ void ShowTexts(HWND page) {
   const std::wstring now = TextWith(IDS_LANGUAGE_NOW, kv::kLanguages[current].menuName, current);
   SetDlgItemTextW(page, IDC_LANGUAGE_NOW, now.c_str());
   FillTable(TableOf(page));
-  ShowAnswer(page);
+  ShowResult(page);
 }
 
 INT_PTR OnInit(HWND page) {
@@ -172,16 +172,16 @@ INT_PTR OnCommand(HWND page, UINT id, UINT code) {
   switch (id) {
     case IDC_LANGUAGE_USE: kv::SwitchLanguage(nullptr, nullptr, SelectedLanguage(page)); return TRUE;
     case IDC_LANGUAGE_WORD:
-      if (code == EN_CHANGE) ShowAnswer(page);
+      if (code == EN_CHANGE) ShowResult(page);
       return TRUE;
-    case IDC_LANGUAGE_EVERY: ShowAnswer(page); return TRUE;
+    case IDC_LANGUAGE_EVERY: ShowResult(page); return TRUE;
     default: return FALSE;
   }
 }
 
 INT_PTR OnNotify(HWND page, const NMHDR& notification) {
   if (notification.idFrom != IDC_LANGUAGE_TABLE) return FALSE;
-  if (notification.code == LVN_ITEMCHANGED) ShowAnswer(page);
+  if (notification.code == LVN_ITEMCHANGED) ShowResult(page);
   const bool chosen =
       notification.code == static_cast<UINT>(NM_DBLCLK) || notification.code == static_cast<UINT>(NM_RETURN);
   if (chosen) OnCommand(page, IDC_LANGUAGE_USE, 0);

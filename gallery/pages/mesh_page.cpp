@@ -13,19 +13,19 @@ namespace gallery {
 
 namespace {
 
-constexpr UINT_PTR kFiguresTimer = 1;
-constexpr UINT kFiguresMs = 1000;
+constexpr UINT_PTR kStatisticsTimer = 1;
+constexpr UINT kStatisticsMs = 1000;
 
-int picturesBefore = 0;
+int framesBefore = 0;
 
-void ShowFigures(HWND page) {
-  MeshViewFigures figures{};
-  if (!GetMeshViewFigures(GetDlgItem(page, IDC_MESH_VIEW), &figures)) return;
+void ShowStatistics(HWND page) {
+  MeshViewStatistics statistics{};
+  if (!GetMeshViewStatistics(GetDlgItem(page, IDC_MESH_VIEW), &statistics)) return;
   const std::wstring text =
-      TextWith(IDS_MESH_FIGURES, kv::NumberText(figures.triangles).c_str(),
-               kv::NumberText(figures.pictures - picturesBefore).c_str(), kv::NumberText(figures.pictureMs, 1).c_str());
-  picturesBefore = figures.pictures;
-  SetDlgItemTextW(page, IDC_MESH_FIGURES, text.c_str());
+      TextWith(IDS_MESH_STATISTICS, kv::NumberText(statistics.triangles).c_str(),
+               kv::NumberText(statistics.frames - framesBefore).c_str(), kv::NumberText(statistics.frameMs, 1).c_str());
+  framesBefore = statistics.frames;
+  SetDlgItemTextW(page, IDC_MESH_STATISTICS, text.c_str());
 }
 
 void ShowTexts(HWND page) {
@@ -36,9 +36,9 @@ void ShowTexts(HWND page) {
 void Run(HWND page, bool shown) {
   RunMeshView(GetDlgItem(page, IDC_MESH_VIEW), shown);
   if (shown) {
-    SetTimer(page, kFiguresTimer, kFiguresMs, nullptr);
+    SetTimer(page, kStatisticsTimer, kStatisticsMs, nullptr);
   } else {
-    KillTimer(page, kFiguresTimer);
+    KillTimer(page, kStatisticsTimer);
   }
 }
 
@@ -48,7 +48,7 @@ INT_PTR CALLBACK MeshPageProcedure(HWND page, UINT message, WPARAM wParam, LPARA
   switch (message) {
     case kv::kLanguageChanged: ShowTexts(page); break;
     case kv::kPageShown: Run(page, wParam != 0); return TRUE;
-    case WM_TIMER: ShowFigures(page); return TRUE;
+    case WM_TIMER: ShowStatistics(page); return TRUE;
     default: break;
   }
   return FALSE;

@@ -27,7 +27,7 @@ namespace {
 constexpr UINT_PTR kMotionTimer = 1;
 constexpr UINT kMotionMs = 33;
 constexpr int kOversampling = 2;
-constexpr double kTurnPerPicture = 0.5, kDegreesPerPixel = 0.5, kDegreesPerKey = 5;
+constexpr double kTurnPerFrame = 0.5, kDegreesPerPixel = 0.5, kDegreesPerKey = 5;
 constexpr double kZoomPerStep = 1.1, kMinZoom = 0.4, kMaxZoom = 4;
 constexpr double kFirstTurn = 200, kFirstTilt = 28;
 // Model units that fill the window; its height takes in more when the craft is seen from above or below.
@@ -40,13 +40,13 @@ struct MeshView {
   BOOL dragging = FALSE;
   POINT dragPoint{};
   kv::Surface shown, samples;  // the latter twice as wide and high
-  MeshViewFigures figures{0, 0, 0, kFirstTurn, kFirstTilt, 1};
+  MeshViewStatistics statistics{0, 0, 0, kFirstTurn, kFirstTilt, 1};
 };
 
 // ---- Drawing -------------------------------------------------------------------------------------------------------
 
 // Where the vertex stands after turning, before perspective.
-Vector TurnedPlace(const kv::MeshVertex& vertex, double scale) {
+Vector RotatedPosition(const kv::MeshVertex& vertex, double scale) {
   const double perspective = vertex.depthY / (scale * kv::kMeshEyeDistance) + 1;
   return {vertex.projectedX / perspective, vertex.depthY, vertex.projectedZ / perspective};
 }
@@ -65,59 +65,59 @@ DWORD ShadedColor(DWORD attributes, const Vector& normal) {
 }
 
 void DrawFacet(const kv::MeshModel& model, const kv::MeshVertex* vertices, const kv::MeshTriangle& triangle,
-               const kv::Surface& picture) {
+               const kv::Surface& surface) {
   Vector places[3];
   kv::PointD corners[3];
   for (int i = 0; i < 3; ++i) {
     const kv::MeshVertex& vertex = vertices[triangle.vertices[i]];
-    places[i] = TurnedPlace(vertex, model.scale);
-    corners[i] = {picture.size().cx / 2.0 + vertex.projectedX, picture.size().cy * 0.46 - vertex.projectedZ};
+    places[i] = RotatedPosition(vertex, model.scale);
+    corners[i] = {surface.size().cx / 2.0 + vertex.projectedX, surface.size().cy * 0.46 - vertex.projectedZ};
   }
   if (triangle.attributes & kPartGlass) {
     const DWORD level = model.shadeTable[vertices[triangle.vertices[1]].shade] & 0xFF;
-    FillTriangle(picture, corners, kGlassTint, level * 200 / 255);
+    FillTriangle(surface, corners, kGlassTint, level * 200 / 255);
     return;
   }
   // The direction that it faces; y points at the eye.
   const Vector normal = Unit(Cross(places[1] - places[0], places[2] - places[0]));
   // What faces away is not drawn, nor what has no area and therefore no direction.
-  if (normal.y > 0) FillTriangle(picture, corners, ShadedColor(triangle.attributes, normal), kOpaque);
+  if (normal.y > 0) FillTriangle(surface, corners, ShadedColor(triangle.attributes, normal), kOpaque);
 }
 
-int DrawMesh(HGLOBAL mesh, const kv::Surface& picture) {
+int DrawMesh(HGLOBAL mesh, const kv::Surface& surface) {
   kv::MeshModel* model = nullptr;
   kv::MeshVertex* vertices = nullptr;
   kv::MeshTriangle* triangles = nullptr;
   if (!kv::meshProject(mesh) || !kv::meshLock(mesh, &model, &vertices, &triangles)) return 0;
   const int count = model->triangleCount;
-  for (int i = 0; i < count; ++i) DrawFacet(*model, vertices, triangles[i], picture);
+  for (int i = 0; i < count; ++i) DrawFacet(*model, vertices, triangles[i], surface);
   kv::meshUnlock(model);
   return count;
 }
 
 double FittingScale(const MeshView& view) {
-  const double fromAbove = std::fabs(std::sin(kv::Radians(view.figures.tilt)));
+  const double fromAbove = std::fabs(std::sin(kv::Radians(view.statistics.tilt)));
   const double height = kFittingHeight + (kFittingHeightFromAbove - kFittingHeight) * fromAbove;
-  return view.figures.zoom * std::min(view.shown.size().cx / kFittingWidth, view.shown.size().cy / height);
+  return view.statistics.zoom * std::min(view.shown.size().cx / kFittingWidth, view.shown.size().cy / height);
 }
 
 void Render(MeshView* view) {
   if (!view->samples.bitmap()) return;
   const auto start = std::chrono::steady_clock::now();
-  MeshViewFigures& figures = view->figures;
+  MeshViewStatistics& statistics = view->statistics;
   const double bank = Roll(GetTickCount() / 1000.0);
   for (HGLOBAL mesh : {view->craft.mesh, view->ground}) {
-    kv::meshSetView(mesh, FittingScale(*view), kOversampling, figures.turn, figures.tilt,
+    kv::meshSetView(mesh, FittingScale(*view), kOversampling, statistics.turn, statistics.tilt,
                     mesh == view->ground ? 0 : bank, kv::kMeshSetAngleA | kv::kMeshSetAngleB | kv::kMeshSetAngleC);
   }
   GdiFlush();
   FillVertically(view->samples, kSkyTop, kSkyBottom);
-  if (figures.tilt > 0) DrawMesh(view->ground, view->samples);
-  figures.triangles = DrawMesh(view->craft.mesh, view->samples);
-  if (figures.tilt <= 0) DrawMesh(view->ground, view->samples);
+  if (statistics.tilt > 0) DrawMesh(view->ground, view->samples);
+  statistics.triangles = DrawMesh(view->craft.mesh, view->samples);
+  if (statistics.tilt <= 0) DrawMesh(view->ground, view->samples);
   ShrinkByTwo(view->samples, view->shown);
-  ++figures.pictures;
-  figures.pictureMs = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+  ++statistics.frames;
+  statistics.frameMs = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
 // ---- Messages ------------------------------------------------------------------------------------------------------
@@ -148,13 +148,13 @@ LRESULT OnPaint(HWND window, const MeshView* view) {
 }
 
 void Turn(MeshView* view, double turn, double tilt) {
-  view->figures.turn = std::fmod(view->figures.turn + turn, 360);
-  view->figures.tilt = std::clamp(view->figures.tilt + tilt, -90.0, 90.0);
+  view->statistics.turn = std::fmod(view->statistics.turn + turn, 360);
+  view->statistics.tilt = std::clamp(view->statistics.tilt + tilt, -90.0, 90.0);
 }
 
 LRESULT OnTimer(HWND window, MeshView* view) {
   TurnRotors(view->craft);
-  if (!view->dragging) Turn(view, kTurnPerPicture, 0);
+  if (!view->dragging) Turn(view, kTurnPerFrame, 0);
   Render(view);
   InvalidateRect(window, nullptr, FALSE);
   UpdateWindow(window);
@@ -170,7 +170,7 @@ LRESULT OnButtonDown(HWND window, MeshView* view, POINT point) {
 }
 
 LRESULT Zoom(MeshView* view, double steps) {
-  view->figures.zoom = std::clamp(view->figures.zoom * std::pow(kZoomPerStep, steps), kMinZoom, kMaxZoom);
+  view->statistics.zoom = std::clamp(view->statistics.zoom * std::pow(kZoomPerStep, steps), kMinZoom, kMaxZoom);
   return 0;
 }
 
@@ -186,9 +186,9 @@ LRESULT OnKey(MeshView* view, WPARAM key) {
     case VK_SUBTRACT:
     case VK_OEM_MINUS: Zoom(view, -1); break;
     case VK_HOME:
-      view->figures.turn = kFirstTurn;
-      view->figures.tilt = kFirstTilt;
-      view->figures.zoom = 1;
+      view->statistics.turn = kFirstTurn;
+      view->statistics.tilt = kFirstTilt;
+      view->statistics.zoom = 1;
       break;
     default: break;
   }
@@ -241,10 +241,10 @@ void RunMeshView(HWND view, BOOL run) {
   }
 }
 
-BOOL GetMeshViewFigures(HWND view, MeshViewFigures* figures) {
+BOOL GetMeshViewStatistics(HWND view, MeshViewStatistics* statistics) {
   const auto* record = kv::WindowState<MeshView>(view);
-  if (!record || IsBadWritePtr(figures, sizeof(*figures))) return FALSE;
-  *figures = record->figures;
+  if (!record || IsBadWritePtr(statistics, sizeof(*statistics))) return FALSE;
+  *statistics = record->statistics;
   return TRUE;
 }
 

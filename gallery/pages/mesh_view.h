@@ -15,14 +15,14 @@ BOOL RegisterMeshViewClass(HINSTANCE instance, BOOL registerIt);
 // Starts or stops the motion.
 void RunMeshView(HWND view, BOOL run);
 
-struct MeshViewFigures {
+struct MeshViewStatistics {
   int triangles;
-  int pictures;       // drawn since the window was made
-  double pictureMs;   // what the latest one took
+  int frames;         // drawn since the window was made
+  double frameMs;     // what the latest one took
   double turn, tilt;  // degrees
   double zoom;        // 1 when the craft fills the window
 };
 // 0 when the window is no such view.
-BOOL GetMeshViewFigures(HWND view, MeshViewFigures* figures);
+BOOL GetMeshViewStatistics(HWND view, MeshViewStatistics* statistics);
 
 }  // namespace gallery

@@ -13,7 +13,7 @@ namespace gallery {
 
 namespace {
 
-constexpr std::uint32_t kVertexRoom = 6000, kTriangleRoom = 10000;
+constexpr std::uint32_t kVertexCapacity = 6000, kTriangleCapacity = 10000;
 constexpr double kRotorReach = 158;  // from the middle to a motor
 constexpr double kRotorRadius = 92;
 constexpr double kGroundLevel = -120;
@@ -135,7 +135,7 @@ bool StartBuilding(HGLOBAL mesh, Builder* builder) {
 }  // namespace
 
 Multirotor CreateMultirotor() {
-  Multirotor craft{.mesh = kv::meshCreate(kVertexRoom, kTriangleRoom)};
+  Multirotor craft{.mesh = kv::meshCreate(kVertexCapacity, kTriangleCapacity)};
   Builder builder{};
   if (!StartBuilding(craft.mesh, &builder)) return craft;
   // Hull and canopy meet in a ring and do not cross: what crosses cannot be sorted by depth.

@@ -18,7 +18,7 @@ namespace {
 constexpr UINT kIconId = 1;
 constexpr int kMaxEvents = 500;
 
-HDEVNOTIFY deviceNotices = nullptr;
+HDEVNOTIFY deviceNotifications = nullptr;
 
 void Report(HWND page, const std::wstring& event) {
   const HWND list = GetDlgItem(page, IDC_NOTICES_EVENTS);
@@ -30,8 +30,8 @@ void Report(HWND page, const std::wstring& event) {
   SendMessageW(list, LB_SETCURSEL, row, 0);
 }
 
-void ReportAnswer(HWND page, BOOL done, UINT textId) {
-  Report(page, kv::ResourceText(done ? textId : IDS_NOTICES_REFUSED));
+void ReportResult(HWND page, BOOL done, UINT textId) {
+  Report(page, kv::ResourceText(done ? textId : IDS_NOTICES_REJECTED));
 }
 
 HICON GalleryIcon() {
@@ -45,17 +45,17 @@ void AddOrChange(HWND page, bool add) {
                          : kv::ChangeNotificationIcon(page, kIconId, GalleryIcon(), nullptr);
   // In a step of its own: only this one takes letters of any script.
   const BOOL done = shown && kv::SetNotificationTip(page, kIconId, tip);
-  ReportAnswer(page, done, add ? IDS_NOTICES_ADDED : IDS_NOTICES_CHANGED);
+  ReportResult(page, done, add ? IDS_NOTICES_ADDED : IDS_NOTICES_CHANGED);
 }
 
 void ListenToDevices(HWND page, bool listen) {
-  if (deviceNotices) kv::RegisterDeviceNotifications(deviceNotices, FALSE);
-  deviceNotices = listen ? kv::RegisterDeviceNotifications(page, TRUE) : nullptr;
+  if (deviceNotifications) kv::RegisterDeviceNotifications(deviceNotifications, FALSE);
+  deviceNotifications = listen ? kv::RegisterDeviceNotifications(page, TRUE) : nullptr;
 }
 
 void ToggleDevices(HWND page) {
   ListenToDevices(page, IsDlgButtonChecked(page, IDC_NOTICES_DEVICES) == BST_CHECKED);
-  Report(page, kv::ResourceText(deviceNotices ? IDS_NOTICES_DEVICES_ON : IDS_NOTICES_DEVICES_OFF));
+  Report(page, kv::ResourceText(deviceNotifications ? IDS_NOTICES_DEVICES_ON : IDS_NOTICES_DEVICES_OFF));
 }
 
 // The name stands in the record as narrow or wide text, by the kind of the window; a device's name begins with two
@@ -106,7 +106,7 @@ INT_PTR OnCommand(HWND page, UINT id) {
     case IDC_NOTICES_ADD: AddOrChange(page, true); return TRUE;
     case IDC_NOTICES_CHANGE: AddOrChange(page, false); return TRUE;
     case IDC_NOTICES_REMOVE:
-      ReportAnswer(page, kv::RemoveNotificationIcon(page, kIconId), IDS_NOTICES_REMOVED);
+      ReportResult(page, kv::RemoveNotificationIcon(page, kIconId), IDS_NOTICES_REMOVED);
       return TRUE;
     case IDC_NOTICES_DEVICES: ToggleDevices(page); return TRUE;
     default: return FALSE;

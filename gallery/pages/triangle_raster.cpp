@@ -32,28 +32,28 @@ double Crossing(const kv::PointD& top, const kv::PointD& bottom, double y) {
 
 }  // namespace
 
-void FillTriangle(const kv::Surface& picture, const kv::PointD (&corners)[3], DWORD color, DWORD opacity) {
+void FillTriangle(const kv::Surface& surface, const kv::PointD (&corners)[3], DWORD color, DWORD opacity) {
   kv::PointD sorted[3] = {corners[0], corners[1], corners[2]};
   std::sort(sorted, sorted + 3, [](const kv::PointD& a, const kv::PointD& b) { return a.y < b.y; });
   const auto& [top, middle, bottom] = sorted;
-  const SIZE size = picture.size();
+  const SIZE size = surface.size();
   const int end = FirstPixel(bottom.y, size.cy);
   for (int row = FirstPixel(top.y, size.cy); row < end; ++row) {
     const double y = row + 0.5;
     double left = Crossing(top, bottom, y);
     double right = y < middle.y ? Crossing(top, middle, y) : Crossing(middle, bottom, y);
     if (left > right) std::swap(left, right);
-    DWORD* const last = picture.Row(row) + FirstPixel(right, size.cx);
-    for (DWORD* pixel = picture.Row(row) + FirstPixel(left, size.cx); pixel < last; ++pixel) {
+    DWORD* const last = surface.Row(row) + FirstPixel(right, size.cx);
+    for (DWORD* pixel = surface.Row(row) + FirstPixel(left, size.cx); pixel < last; ++pixel) {
       *pixel = opacity >= kOpaque ? color : Blend(*pixel, color, opacity);
     }
   }
 }
 
-void FillVertically(const kv::Surface& picture, DWORD top, DWORD bottom) {
-  const SIZE size = picture.size();
+void FillVertically(const kv::Surface& surface, DWORD top, DWORD bottom) {
+  const SIZE size = surface.size();
   for (LONG row = 0; row < size.cy; ++row) {
-    std::fill_n(picture.Row(row), size.cx, Blend(top, bottom, row * kOpaque / size.cy));
+    std::fill_n(surface.Row(row), size.cx, Blend(top, bottom, row * kOpaque / size.cy));
   }
 }
 

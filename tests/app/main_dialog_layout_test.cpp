@@ -14,8 +14,8 @@ bool Is(const RECT& place, const RECT& expected) {
 TEST(MainDialogGeometry, StatusPartsAndButtonsShareTheWidth) {
   EXPECT_EQ((std::array<int, 5>{130, 258, 386, 514, 642}), StatusPartEdges(656));
   EXPECT_EQ(128 + 1, StatusPartEdges(652)[0]) << "fractions are cut, not rounded";
-  EXPECT_TRUE(Is(StatusButtonPlace(0, {656, 400}), {3, 383, 128, 399}));
-  EXPECT_TRUE(Is(StatusButtonPlace(1, {656, 400}), {134, 383, 256, 399}));
+  EXPECT_TRUE(Is(StatusButtonRect(0, {656, 400}), {3, 383, 128, 399}));
+  EXPECT_TRUE(Is(StatusButtonRect(1, {656, 400}), {134, 383, 256, 399}));
 }
 
 TEST(MainDialogGeometry, BackgroundFollowsTheScales) {

@@ -76,7 +76,7 @@ class MainDialogTest : public testing::Test {
     context_.points[0] = {x, y};
     context_.bChanged = TRUE;
   }
-  static std::string StoredPlace() {
+  static std::string StoredPosition() {
     char stored[64] = "";
     DWORD size = sizeof(stored);
     const RegistryKey key = RegistryKey::Open(kWindowPositionsKey);
@@ -85,13 +85,13 @@ class MainDialogTest : public testing::Test {
   }
   // The colour in the face of a status button, apart from its text; or at another place of its 60 x 16 pixels.
   COLORREF Face(int id, int x = 3, int y = 5) {
-    kvtest::Picture picture(60, 16);
+    kvtest::TestBitmap bitmap(60, 16);
     DRAWITEMSTRUCT item{.CtlType = ODT_BUTTON, .CtlID = static_cast<UINT>(id), .itemAction = ODA_DRAWENTIRE};
     item.hwndItem = GetDlgItem(dialog_, id);
-    item.hDC = picture.dc();
+    item.hDC = bitmap.dc();
     item.rcItem = {0, 0, 60, 16};
     EXPECT_EQ(1, Call(WM_DRAWITEM, id, reinterpret_cast<LPARAM>(&item)));
-    return picture.At(x, y);
+    return bitmap.At(x, y);
   }
 
   AppContext context_{};
@@ -156,8 +156,8 @@ TEST_F(MainDialogTest, StatusButtonsTellTheState) {
       << "erasing them would flicker";
   const HWND point = GetDlgItem(dialog_, IDC_POINT_3);
   SetWindowTextW(point, L"7,8");
-  EXPECT_EQ((kvtest::HeardText{L"Point 3: yellow, diamond", L"7,8", ROLE_SYSTEM_PUSHBUTTON}),
-            kvtest::HearWindow(point));
+  EXPECT_EQ((kvtest::AccessibleProperties{L"Point 3: yellow, diamond", L"7,8", ROLE_SYSTEM_PUSHBUTTON}),
+            kvtest::ReadAccessible(point));
 }
 
 TEST_F(MainDialogTest, CommandsDoWhatTheySay) {
@@ -231,9 +231,9 @@ TEST_F(MainDialogTest, CloseAndEndOfTheSessionSaveAndCloseStopsTheReader) {
   SetWindowPos(dialog_, nullptr, 30, 40, 700, 600, SWP_NOZORDER);
   lstrcpyW(context_.szDataFolder, L"C:\\data");
   Call(WM_ENDSESSION, FALSE);
-  EXPECT_EQ("", StoredPlace()) << "somebody else has refused";
+  EXPECT_EQ("", StoredPosition()) << "somebody else has refused";
   Call(WM_ENDSESSION, TRUE);
-  EXPECT_EQ("30,40,730,640", StoredPlace());
+  EXPECT_EQ("30,40,730,640", StoredPosition());
   AppContext next{};
   DataFolderSetting(&next, FALSE);
   EXPECT_STREQ(L"C:\\data", next.szDataFolder);
@@ -250,7 +250,7 @@ TEST_F(MainDialogTest, CloseAndEndOfTheSessionSaveAndCloseStopsTheReader) {
   CloseHandle(thread);
   EXPECT_EQ(0, GetWindowLongA(dialog_, DWL_USER));
   EXPECT_TRUE(IsWindow(dialog_)) << "goes with the process";
-  EXPECT_EQ("31,40,731,640", StoredPlace());
+  EXPECT_EQ("31,40,731,640", StoredPosition());
 }
 
 TEST_F(MainDialogTest, BackgroundSparesTheControlsOnIt) {

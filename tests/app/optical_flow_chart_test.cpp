@@ -15,8 +15,8 @@
 namespace kv {
 namespace {
 
-using kvtest::Picture;
 using kvtest::RecordingParent;
+using kvtest::TestBitmap;
 
 constexpr COLORREF kBlack = RGB(0, 0, 0);
 
@@ -52,7 +52,7 @@ TEST_F(ChartTest, ExchangesPointsThroughItsMask) {
   EXPECT_EQ(std::tuple(1023, 0, 900), std::tuple(read.points[0].x, read.points[0].y, read.points[1].y))
       << "clamped to 1023 only";
   EXPECT_TRUE(IsNowhere(read.points[2])) << "not in the mask";
-  EXPECT_EQ((kvtest::HeardText{L"Optical flow", L"2: 40, 900", 0x11}), kvtest::HearWindow(chart_));
+  EXPECT_EQ((kvtest::AccessibleProperties{L"Optical flow", L"2: 40, 900", 0x11}), kvtest::ReadAccessible(chart_));
   EXPECT_EQ(0b0010u, read.mask) << "a point with one coordinate at 1023 is not shown";
 
   FlowPoints remove{.mask = 0b0010, .points = {{1, 1}, {1, 1}, {1, 1}, {1, 1}}};
@@ -64,26 +64,26 @@ TEST_F(ChartTest, ExchangesPointsThroughItsMask) {
 }
 
 TEST_F(ChartTest, DrawsEachPointOnItsPlaceAndNothingElse) {
-  Picture picture(512, 384);
+  TestBitmap bitmap(512, 384);
   Command(kChartClear);
   SendMessageA(chart_, WM_COPY, 0, 0);
-  kvtest::ClipboardPictureSize(parent_, &picture);
-  EXPECT_EQ(512 * 384, picture.CountOf(kBlack)) << "without points the field is plain black";
+  kvtest::ClipboardBitmapSize(parent_, &bitmap);
+  EXPECT_EQ(512 * 384, bitmap.CountOf(kBlack)) << "without points the field is plain black";
 
   FlowPoints set{.mask = 15, .points = {{100, 100}, {900, 100}, {512, 600}, {kNoPoint, 300}}};
   Command(kChartPoints, &set);
   SendMessageA(chart_, WM_COPY, 0, 0);
-  kvtest::ClipboardPictureSize(parent_, &picture);
-  for (const POINT place : {POINT{50, 50}, {450, 50}, {256, 300}}) EXPECT_NE(kBlack, picture.At(place.x, place.y));
+  kvtest::ClipboardBitmapSize(parent_, &bitmap);
+  for (const POINT place : {POINT{50, 50}, {450, 50}, {256, 300}}) EXPECT_NE(kBlack, bitmap.At(place.x, place.y));
   // A marker is 32 camera units wide, which is 16 pixels here.
-  EXPECT_GT(picture.CountOf(kBlack), 512 * 384 - 3 * 20 * 20);
+  EXPECT_GT(bitmap.CountOf(kBlack), 512 * 384 - 3 * 20 * 20);
 }
 
 TEST_F(ChartTest, CopiesAtTheAskedSizeWithinLimits) {
   for (const auto& [asked, made] :
        {std::pair{SIZE{10, 10000}, SIZE{64, 5120}}, {{200, 100}, {200, 100}}, {{0, 0}, {512, 384}}}) {
     SendMessageA(chart_, WM_COPY, 0, MAKELPARAM(asked.cx, asked.cy));
-    const SIZE size = kvtest::ClipboardPictureSize(parent_);
+    const SIZE size = kvtest::ClipboardBitmapSize(parent_);
     EXPECT_TRUE(size.cx == made.cx && size.cy == made.cy) << size.cx << " x " << size.cy;
   }
 }
@@ -115,7 +115,7 @@ TEST_F(ChartTest, RedrawsOnlyOnDemand) {
 TEST_F(ChartTest, ShowsTheSameAfterManyChangesAsAPictureMadeAtOnce) {
   std::mt19937 random(7);
   const auto coordinate = [&] { return static_cast<LONG>(random() % 8 ? random() % 1100 : kNoPoint); };
-  Picture shown(512, 384), anew(512, 384);
+  TestBitmap shown(512, 384), anew(512, 384);
   for (int round = 0; round < 40; ++round) {
     FlowPoints change{.mask = static_cast<DWORD>(random() % 16), .points = {}};
     // Close together at times, so that markers overlap.
@@ -127,7 +127,7 @@ TEST_F(ChartTest, ShowsTheSameAfterManyChangesAsAPictureMadeAtOnce) {
     if (round % 4 == 0) continue;
     BitBlt(shown.dc(), 0, 0, 512, 384, WindowDc(chart_), 0, 0, SRCCOPY);
     SendMessageA(chart_, WM_COPY, 0, 0);
-    const SIZE size = kvtest::ClipboardPictureSize(parent_, &anew);
+    const SIZE size = kvtest::ClipboardBitmapSize(parent_, &anew);
     ASSERT_TRUE(size.cx >= 500 && size.cy >= 380);
     for (int y = 0; y < size.cy; ++y) {
       for (int x = 0; x < size.cx; ++x) ASSERT_EQ(anew.At(x, y), shown.At(x, y)) << round << ": " << x << "," << y;

@@ -229,7 +229,7 @@ TEST(CamtoolRecording, IsReadableWhereverItIsTruncated) {
     ASSERT_TRUE(cut.isRecording) << size;
     const size_t torn = size < camera::kRecordingHeaderBytes ? size : body - chunks * kChunkSize;
     ASSERT_EQ(std::tuple(chunks, torn, 0u, false),
-              std::tuple(cut.chunks, cut.torn, cut.decoder.damagedPlaces, cut.decoder.hasEnd))
+              std::tuple(cut.chunks, cut.torn, cut.decoder.damageCount, cut.decoder.hasEnd))
         << size;
   }
   EXPECT_FALSE(ReadAll("time,x1,y1\n", 1000).isRecording);
@@ -243,14 +243,14 @@ TEST(CamtoolRecording, LosesOnlyTheChunkThatIsDamaged) {
     damaged[at] ^= 0x20;
     const Read read = ReadAll(damaged, 100);
     ASSERT_EQ(std::tuple(at < camera::kRecordingHeaderBytes ? kChunkCount : kChunkCount - 1, 1u, true),
-              std::tuple(read.chunks, read.decoder.damagedPlaces, read.decoder.hasEnd))
+              std::tuple(read.chunks, read.decoder.damageCount, read.decoder.hasEnd))
         << at;
   }
   // A whole chunk with a wrong time, far ahead, must not take the later ones with it.
   const Read jumped = ReadAll(
       camera::EncodeHeader({}) + camera::EncodeChunks(~std::uint64_t{0}, "?") + camera::EncodeChunks(5, kRecord), 100);
   EXPECT_EQ(kRecord, jumped.bytes);
-  EXPECT_EQ(1u, jumped.decoder.damagedPlaces);
+  EXPECT_EQ(1u, jumped.decoder.damageCount);
   const std::string large(camera::kMaxChunkBytes * 2 + 5, 'x');
   EXPECT_EQ(large, ReadAll(camera::EncodeHeader({}) + camera::EncodeChunks(1, large), 100000).bytes);
 }
@@ -339,7 +339,7 @@ TEST(CamtoolScan, SaysWhatEachPortIsAndWhichOneTarnwickTakes) {
   std::vector<camera::PortReport> reports(5);
   for (int i = 0; i < 5; ++i) {
     reports[i].number = i + 1;
-    reports[i].hasAnswered = i != 1;
+    reports[i].isComplete = i != 1;
   }
   camera::PortReport &sender = reports[2], &camera = reports[4];
   sender.port.state = camera.port.state = camera::PortState::kOpened;

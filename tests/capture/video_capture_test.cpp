@@ -47,7 +47,7 @@ class VideoCapture : public testing::Test {
   }
   bool Close() { return CloseVideoLink(std::exchange(link_, nullptr)); }
   bool Draw(int width = 8, int height = 8, int left = 0, int top = 0) {
-    return DrawVideoFrame(link_, picture_.dc(), left, top, width, height);
+    return DrawVideoFrame(link_, bitmap_.dc(), left, top, width, height);
   }
   // What the frame bitmap holds at a place; row 0 is stored first.
   COLORREF PixelOf(int x, int y) {
@@ -61,7 +61,7 @@ class VideoCapture : public testing::Test {
   }
 
   kvtest::RecordingParent host_{false, 400, 300};
-  kvtest::Picture picture_{660, 500};
+  kvtest::TestBitmap bitmap_{660, 500};
 
  private:
   fakecamera::State* camera_ = nullptr;
@@ -88,14 +88,14 @@ TEST_F(VideoCapture, OpensTheFirstDriverThatAnswersOnTheFifthAttempt) {
 TEST_F(VideoCapture, SearchesFromFourDownAndAroundUntilADriverAnswers) {
   camera().presentDrivers = 0xFF;
   camera().namelessDrivers = 1 << 3;
-  camera().refusingDrivers = 0xFF & ~(1 << 5);
+  camera().rejectingDrivers = 0xFF & ~(1 << 5);
   Open();
   const std::vector<int> order(camera().attemptedDrivers, camera().attemptedDrivers + camera().attempts);
   EXPECT_EQ((std::vector<int>{4, 2, 1, 0, 7, 6, 5}), order);
   EXPECT_TRUE(Close());
 
   camera() = {};
-  camera().refusingDrivers = 1;
+  camera().rejectingDrivers = 1;
   EXPECT_EQ(nullptr, OpenVideoLink(host_));
   EXPECT_EQ(13, camera().attempts);  // 96, 88 ... 0 of the attempts 100 ... 0
   EXPECT_EQ(nullptr, OpenVideoLink(nullptr));
@@ -116,11 +116,11 @@ TEST_F(VideoCapture, FramesArriveTopDownAndAreDrawn) {
   const int before = camera().framesMade;
   ASSERT_TRUE(Draw(640, 480, 10, 5));
   EXPECT_EQ(before + 1, camera().framesMade);
-  EXPECT_EQ(COLORONCOLOR, GetStretchBltMode(picture_.dc()));
+  EXPECT_EQ(COLORONCOLOR, GetStretchBltMode(bitmap_.dc()));
   ExpectFrame(before);
   const std::tuple<int, int, COLORREF> pixels[] = {{10, 5, 0xC0C0C0},    {649, 5, 0xC00000}, {10, 484, 0},
                                                    {649, 484, 0x5F5F5F}, {9, 5, 0xCCCCCC},   {10, 485, 0xCCCCCC}};
-  for (const auto& [x, y, color] : pixels) EXPECT_EQ(color, picture_.At(x, y)) << x << ", " << y;
+  for (const auto& [x, y, color] : pixels) EXPECT_EQ(color, bitmap_.At(x, y)) << x << ", " << y;
   EXPECT_FALSE(DrawVideoFrame(link, nullptr, 0, 0, 10, 10));
 }
 
@@ -211,11 +211,11 @@ TEST_F(VideoCapture, RecordsUntilStopped) {
 
   // Each step that fails ends it.
   camera().captureFile[0] = '\0';
-  for (BOOL fakecamera::State::* step : {&fakecamera::State::refusesSequenceSetup,
-                                         &fakecamera::State::refusesCaptureFile, &fakecamera::State::refusesSequence}) {
+  for (BOOL fakecamera::State::* step : {&fakecamera::State::rejectsSequenceSetup,
+                                         &fakecamera::State::rejectsCaptureFile, &fakecamera::State::rejectsSequence}) {
     camera().*step = TRUE;
     EXPECT_EQ(0, RecordVideo(link, "a.avi", TRUE));
-    EXPECT_EQ(step == &fakecamera::State::refusesSequence, camera().captureFile[0] == 'a');
+    EXPECT_EQ(step == &fakecamera::State::rejectsSequence, camera().captureFile[0] == 'a');
     camera().*step = FALSE;
   }
   kvtest::GuardedBytes endless(3);
@@ -266,7 +266,7 @@ TEST_F(VideoCapture, ForeignRecordsAreRefused) {
   const int frames = camera().framesMade;
   for (VideoLink* foreign :
        {&untagged, &windowless, cut.as<VideoLink>(), readOnly.as<VideoLink>(), static_cast<VideoLink*>(nullptr)}) {
-    EXPECT_FALSE(DrawVideoFrame(foreign, picture_.dc(), 0, 0, 8, 8) || CloseVideoLink(foreign));
+    EXPECT_FALSE(DrawVideoFrame(foreign, bitmap_.dc(), 0, 0, 8, 8) || CloseVideoLink(foreign));
     EXPECT_FALSE(RecordVideo(foreign, "a.avi", TRUE) || RecordVideo(foreign, nullptr, FALSE));
   }
   EXPECT_EQ(frames, camera().framesMade);

@@ -182,7 +182,7 @@ TEST_F(DisplayInstrument, CopiesItsPictureInOwnOrWantedSize) {
       {WM_COPY, 0, 80, 60}, {WM_COPY, MAKELPARAM(3, 9000), 16, 5120}, {WM_LBUTTONDBLCLK, MAKELPARAM(300, 300), 80, 60}};
   for (const auto& [message, lParam, width, height] : cases) {
     SendMessageA(control, message, 0, lParam);
-    const SIZE size = kvtest::ClipboardPictureSize(parent_);
+    const SIZE size = kvtest::ClipboardBitmapSize(parent_);
     EXPECT_EQ(std::tie(width, height), std::tie(size.cx, size.cy));
   }
 }
@@ -224,7 +224,7 @@ TEST_F(DisplayInstrument, ScreenReadersHearNameAndValue) {
     block.format = format, block.current = value;
     strcpy(block.szName, "H\xC3\xB6he");
     Send(control, kCommandBlock, &block);
-    EXPECT_EQ((kvtest::HeardText{L"H\u00F6he", text, 0x27}), kvtest::HearWindow(control)) << style;
+    EXPECT_EQ((kvtest::AccessibleProperties{L"H\u00F6he", text, 0x27}), kvtest::ReadAccessible(control)) << style;
     DestroyWindow(control);
   }
 }

@@ -22,9 +22,9 @@ HorizonAttitude At(float pitch, float roll, float slip = 0, float heading = 0) {
   return {kHorizonVersion, 0, pitch, roll, slip, heading};
 }
 
-COLORREF PixelAt(const HorizonPicture& picture, int x, int y) {
+COLORREF PixelAt(const HorizonRenderer& renderer, int x, int y) {
   GdiFlush();
-  const DWORD pixel = picture.surface().Row(y)[x];
+  const DWORD pixel = renderer.surface().Row(y)[x];
   return RGB(pixel >> 16 & 0xFF, pixel >> 8 & 0xFF, pixel & 0xFF);
 }
 
@@ -34,26 +34,26 @@ bool IsSky(COLORREF color) {
 
 TEST(Horizons, TurnAgainstTheRollAndSinkWithThePitch) {
   const HorizonLayout layout = LayoutHorizon({200, 200}, kHorizonRound);
-  const PointD right = HorizonPlace(layout, 30, 50, 0);  // right wing down: the horizon rises at the right
+  const PointD right = HorizonPoint(layout, 30, 50, 0);  // right wing down: the horizon rises at the right
   EXPECT_NEAR(100 + 50 * std::cos(std::acos(-1) / 6), right.x, 1e-9);
   EXPECT_NEAR(100 - 25, right.y, 1e-9);
   for (const DWORD style : {kHorizonRound, kHorizonRectangular}) {
-    HorizonPicture picture;
-    picture.Update(At(0, 30), style, {200, 200}, true);
+    HorizonRenderer renderer;
+    renderer.Update(At(0, 30), style, {200, 200}, true);
     // On either side of the line 40 pixels from its middle, a few pixels away.
     for (const double along : {-62.0, 62.0}) {
       for (const double up : {-9.0, 9.0}) {
-        const PointD place = HorizonPlace(layout, 30, along, up);
-        const COLORREF color = PixelAt(picture, static_cast<int>(place.x), static_cast<int>(place.y));
+        const PointD place = HorizonPoint(layout, 30, along, up);
+        const COLORREF color = PixelAt(renderer, static_cast<int>(place.x), static_cast<int>(place.y));
         EXPECT_EQ(up > 0, IsSky(color)) << style << ": " << along << ", " << up;
       }
     }
-    picture.Update(At(10, 0), style, {200, 200}, false);  // nose up: the horizon is below the middle
+    renderer.Update(At(10, 0), style, {200, 200}, false);  // nose up: the horizon is below the middle
     const int line = static_cast<int>(100 + 10 * LayoutHorizon({200, 200}, style).pixelsPerDegree);
-    EXPECT_TRUE(IsSky(PixelAt(picture, 46, line - 6)));
-    EXPECT_FALSE(IsSky(PixelAt(picture, 46, line + 6)));
-    picture.Update(At(-80, 0), style, {200, 200}, false);
-    EXPECT_FALSE(IsSky(PixelAt(picture, 150, 60)));
+    EXPECT_TRUE(IsSky(PixelAt(renderer, 46, line - 6)));
+    EXPECT_FALSE(IsSky(PixelAt(renderer, 46, line + 6)));
+    renderer.Update(At(-80, 0), style, {200, 200}, false);
+    EXPECT_FALSE(IsSky(PixelAt(renderer, 150, 60)));
   }
   const HorizonAttitude normal = NormalAttitude(At(120, 190, -9, -1e-6f));
   EXPECT_EQ(std::tuple(90, -170, -2, 0), std::tuple(normal.pitch, normal.roll, normal.slip, normal.heading));
@@ -66,7 +66,7 @@ TEST(Horizons, APartDrawnAnewEqualsAWholePicture) {
   };
   for (const DWORD style : {kHorizonRound | kHorizonTape, kHorizonRectangular | kHorizonTape, kHorizonRound}) {
     for (const SIZE size : {SIZE{260, 200}, {64, 64}, {33, 90}}) {
-      HorizonPicture partial, whole;
+      HorizonRenderer partial, whole;
       HorizonAttitude attitude = At(0, 0);
       for (int i = 0; i < 60; ++i) {
         if (i % 3) {
@@ -103,10 +103,10 @@ class HorizonControls : public kvtest::ControlTest<RegisterHorizonClass> {
 TEST_F(HorizonControls, TakeAttitudesAndRejectWhatIsNone) {
   HWND horizon = Create(kHorizonTape);
   EXPECT_EQ(kHorizonNoValue, Read(horizon).state);
-  EXPECT_EQ(L"", kvtest::HearWindow(horizon).value);
+  EXPECT_EQ(L"", kvtest::ReadAccessible(horizon).value);
   HorizonAttitude attitude = At(5, -10, 0, 275);
   EXPECT_EQ(1, Send(horizon, kHorizonValue | kCommandRedraw | kHorizonGlide, &attitude));  // from none: at once
-  EXPECT_EQ(L"+5.0\xB0, -10.0\xB0, 275\xB0", kvtest::HearWindow(horizon).value);
+  EXPECT_EQ(L"+5.0\xB0, -10.0\xB0, 275\xB0", kvtest::ReadAccessible(horizon).value);
   for (float HorizonAttitude::* field : {&HorizonAttitude::pitch, &HorizonAttitude::heading}) {
     for (const float wrong : {std::nanf(""), std::numeric_limits<float>::infinity()}) {
       HorizonAttitude bad = attitude;

@@ -109,8 +109,8 @@ TEST(InstrumentText, FixedWidthKeepsTheLowDigits) {
   EXPECT_GE(60u, FixedWidthNumber(3.4e38, 4, 2).size());
   for (const double wild : {1e300, static_cast<double>(NAN)}) EXPECT_FALSE(FixedWidthNumber(wild, 5, 7).empty());
   using Forms = std::vector<std::wstring>;
-  const auto forms = [](double value, int places, bool sign) {
-    const NumberFormList list = NumberForms(value, places, sign);
+  const auto forms = [](double value, int decimals, bool sign) {
+    const NumberFormList list = NumberForms(value, decimals, sign);
     return Forms(list.begin(), list.end());
   };
   EXPECT_EQ((Forms{L"1013.28", L"1013.3", L"1013"}), forms(1013.28, 2, false));
@@ -162,11 +162,11 @@ TEST(InstrumentGauge, ScalesStandAtRoundNumbersInEveryRange) {
       {0, 100, 10, 10, 0, 0, 10},     {93, 7, 10, 10, 0, 0, 8},        {0, 1, 10, 0.1, 1, 0, 10},
       {0, 10, 4, 2.5, 1, 0, 4},       {0, 120000, 6, 20000, 0, 3, 6},  {0, 0.00042, 10, 0.00005, 0, -6, 8},
       {99990, 100010, 4, 5, 0, 0, 4}, {1e9, 1e9 + 64, 10, 10, 0, 0, 6}};
-  for (const auto& [low, high, most, step, places, exponent, steps] : cases) {
+  for (const auto& [low, high, most, step, decimals, exponent, steps] : cases) {
     const GaugeScale scale = ChooseScale(low, high, most);
     EXPECT_NEAR(step, scale.step, step * 1e-9) << high;
-    EXPECT_EQ(std::tuple(places, exponent, steps),
-              std::tuple(scale.labelPlaces, scale.exponent, static_cast<int>(scale.last - scale.first)))
+    EXPECT_EQ(std::tuple(decimals, exponent, steps),
+              std::tuple(scale.labelDecimals, scale.exponent, static_cast<int>(scale.last - scale.first)))
         << high;
   }
 }
@@ -190,7 +190,7 @@ TEST(InstrumentGauge, NoTwoTextsTouchAtAnySizeAndRange) {
       const GaugeLayout layout = LayOutGauge({0, 0, side, side}, block, MeasureByCount);
       const std::string what = std::to_string(side) + " px from " + std::to_string(minimum);
       std::vector<RECT> boxes;
-      if (layout.dial.faceRadius >= kMinRadiusWithWindow) boxes.push_back(GaugeValueBox(layout.dial));
+      if (layout.dial.innerRadius >= kMinRadiusWithWindow) boxes.push_back(GaugeValueBox(layout.dial));
       std::vector<GaugeText> texts(layout.labels.begin(), layout.labels.end());
       for (const GaugeText& text : {layout.name, layout.unit}) {
         if (text.height) texts.push_back(text);
@@ -214,7 +214,7 @@ TEST(InstrumentGauge, NoTwoTextsTouchAtAnySizeAndRange) {
         const double down = std::max({label.box.top - centre.y, centre.y - label.box.bottom, 0.0}) + label.height * 0.1;
         EXPECT_GT(std::hypot(across, down), layout.reach) << what;
       }
-      EXPECT_GT(layout.reach, layout.dial.faceRadius * 0.25) << what;
+      EXPECT_GT(layout.reach, layout.dial.innerRadius * 0.25) << what;
       EXPECT_TRUE(!layout.name.height || layout.name.box.top > centre.y) << what;
       EXPECT_TRUE(side < 115 || layout.unit.height) << what;
       if (side >= 130) {
@@ -226,7 +226,7 @@ TEST(InstrumentGauge, NoTwoTextsTouchAtAnySizeAndRange) {
       EXPECT_GE(shown.height, 7) << what;
       EXPECT_LE(MeasureByCount(shown.text, shown.height, shown.weight).cx, shown.box.right - shown.box.left) << what;
       // At the ends of the scale the needle stops above a value as wide as its place, or passes it.
-      const bool wide = layout.dial.faceRadius < kMinRadiusWithLabels;
+      const bool wide = layout.dial.innerRadius < kMinRadiusWithLabels;
       EXPECT_LT(wide ? layout.reach * std::sqrt(0.5) : 0, shown.box.top - centre.y + shown.height * 0.1) << what;
     }
   }

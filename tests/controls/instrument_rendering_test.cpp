@@ -24,9 +24,9 @@
 namespace kv {
 namespace {
 
-class InstrumentPictures : public InstrumentTest {};
+class InstrumentRendering : public InstrumentTest {};
 
-TEST_F(InstrumentPictures, EveryLayoutShowsValueColourZoneDisabledAndMissingValue) {
+TEST_F(InstrumentRendering, EveryLayoutShowsValueColourZoneDisabledAndMissingValue) {
   for (const DWORD mode : kModes) {
     HWND control = Create(mode, 100, 160);
     InstrumentBlock block = BlockOf(control);
@@ -61,7 +61,7 @@ TEST_F(InstrumentPictures, EveryLayoutShowsValueColourZoneDisabledAndMissingValu
   }
 }
 
-TEST_F(InstrumentPictures, NewColoursOfTheSystemShowAtTheNextPaint) {
+TEST_F(InstrumentRendering, NewColoursOfTheSystemShowAtTheNextPaint) {
   HWND control = Create(kModeGauge);
   const INT element = COLOR_BTNFACE;
   const COLORREF before = GetSysColor(element), other = RGB(11, 99, 33);
@@ -76,7 +76,7 @@ TEST_F(InstrumentPictures, NewColoursOfTheSystemShowAtTheNextPaint) {
 }
 
 // A hash of what the control has rendered, whether it is visible or not.
-DWORD PictureOf(HWND control) {
+DWORD RenderingOf(HWND control) {
   const InstrumentState& state = Record(control);
   GdiFlush();
   return HashOf(state.work.cache->buffer.Row(0), sizeof(DWORD) * state.nWidth * state.nHeight);
@@ -120,7 +120,7 @@ void Change(std::mt19937& random, std::span<const HWND> controls) {
 }
 
 // KV_REDRAWS=10000 makes so many steps with each of three seeds.
-TEST_F(InstrumentPictures, PartsDrawnAnewLookAsIfAllWere) {
+TEST_F(InstrumentRendering, PartsDrawnAnewLookAsIfAllWere) {
   const DWORD styles[] = {kModeGauge,
                           kModeDigital,
                           kModeDigital | kInstrumentShowTime,
@@ -141,7 +141,8 @@ TEST_F(InstrumentPictures, PartsDrawnAnewLookAsIfAllWere) {
       for (int step = 0; step < steps; ++step) {
         Change(random, controls);
         Send(controls[1], kCommandRender, nullptr);
-        ASSERT_EQ(PictureOf(controls[1]), PictureOf(controls[0])) << style << ", seed " << seed << ", step " << step;
+        ASSERT_EQ(RenderingOf(controls[1]), RenderingOf(controls[0]))
+            << style << ", seed " << seed << ", step " << step;
       }
       for (HWND control : controls) DestroyWindow(control);
     }
@@ -152,17 +153,17 @@ TEST_F(InstrumentPictures, PartsDrawnAnewLookAsIfAllWere) {
 std::vector<DWORD> TurnCard(float first, std::barrier<>& together) {
   HWND control = CreateWindowExA(0, kDisplayInstrumentClass, "", WS_POPUP | kModeCompass, 0, 0, 400, 400, nullptr,
                                  nullptr, GetModuleHandleA(nullptr), nullptr);
-  std::vector<DWORD> pictures;
+  std::vector<DWORD> renderings;
   for (int i = 0; i < 60; ++i) {
     together.arrive_and_wait();
     SetValue(control, first + static_cast<float>(i));
-    pictures.push_back(PictureOf(control));
+    renderings.push_back(RenderingOf(control));
   }
   DestroyWindow(control);
-  return pictures;
+  return renderings;
 }
 
-TEST_F(InstrumentPictures, ThreadsWithInstrumentsOfTheirOwnDrawRightPictures) {
+TEST_F(InstrumentRendering, ThreadsWithInstrumentsOfTheirOwnDrawRightPictures) {
   std::barrier alone(1), both(2);
   const std::vector<DWORD> east = TurnCard(60, alone), west = TurnCard(240, alone);
   EXPECT_NE(east[0], east[1]);
@@ -173,7 +174,7 @@ TEST_F(InstrumentPictures, ThreadsWithInstrumentsOfTheirOwnDrawRightPictures) {
   EXPECT_EQ(west, others);
 }
 
-TEST_F(InstrumentPictures, SegmentsGrowFromTheirEnd) {
+TEST_F(InstrumentRendering, SegmentsGrowFromTheirEnd) {
   HWND bar = Create(kModeSegmentBar, 60, 200);
   SetValue(bar, 30);
   const auto redsAbove = [&] {

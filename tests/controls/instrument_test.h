@@ -52,8 +52,8 @@ inline int RedrawCount(int usual) {
 }
 
 // What the control shows on the screen.
-struct Shown : kvtest::Picture {
-  Shown(HWND control, int width, int height) : Picture(width, height) {
+struct Shown : kvtest::TestBitmap {
+  Shown(HWND control, int width, int height) : TestBitmap(width, height) {
     kvtest::PumpMessages();
     const WindowDc window(control);
     BitBlt(dc(), 0, 0, width, height, window, 0, 0, SRCCOPY);

@@ -23,7 +23,7 @@ constexpr int kBitmapId = 0x7003;
 constexpr COLORREF kRed = RGB(255, 0, 0), kGreen = RGB(0, 255, 0), kBlue = RGB(0, 0, 255), kMagenta = RGB(255, 0, 255);
 constexpr RECT kBeneath{60, 40, 90, 60};  // a place under the middle of the picture
 
-HBITMAP Held(HWND control) {
+HBITMAP Stored(HWND control) {
   return reinterpret_cast<HBITMAP>(GetWindowLongA(control, GWL_USERDATA));
 }
 
@@ -31,9 +31,9 @@ std::string SizeTextOf(SIZE size) {
   return std::to_string(size.cx) + "x" + std::to_string(size.cy);
 }
 
-std::string HeldSize(HWND control) {
+std::string StoredSize(HWND control) {
   BITMAP shape{};
-  const bool holds = GetObjectA(Held(control), sizeof(shape), &shape) != 0;
+  const bool holds = GetObjectA(Stored(control), sizeof(shape), &shape) != 0;
   return holds ? SizeTextOf({shape.bmWidth, shape.bmHeight}) : "none";
 }
 
@@ -75,12 +75,12 @@ TEST_F(SimpleBitmap, NumbersInThreeBasesAndNamesChooseTheResource) {
       {"", "none"},   {"absent", "none"}, {"0", "none"},   {"-1", "none"},   {"65637", "none"}};
   for (const auto& [text, size] : cases) {
     HWND control = Create(text);
-    EXPECT_EQ(size, HeldSize(control)) << text;
+    EXPECT_EQ(size, StoredSize(control)) << text;
     EXPECT_TRUE(GetWindowLongA(control, GWL_EXSTYLE) & WS_EX_ACCEPTFILES);
     EXPECT_EQ(DLGC_STATIC, SendMessageA(control, WM_GETDLGCODE, 0, 0));
     const bool isNumber = std::strtoul(text, nullptr, 0) != 0;  // which tells a person nothing
-    EXPECT_EQ((kvtest::HeardText{isNumber ? L"" : std::wstring(text, text + std::strlen(text)), L"", 0x28}),
-              kvtest::HearWindow(control));
+    EXPECT_EQ((kvtest::AccessibleProperties{isNumber ? L"" : std::wstring(text, text + std::strlen(text)), L"", 0x28}),
+              kvtest::ReadAccessible(control));
   }
 }
 
@@ -93,13 +93,13 @@ TEST_F(SimpleBitmap, StretchesTheWholeBitmapAsItsStyleTells) {
                                                  {{100, 60}, kBitmapSquareByWidth | kBitmapSquareByHeight, {60, 60}},
                                                  {{4, 4}, kBitmapTransparent, {4, 4}}};
   for (const auto& [client, style, extent] : cases) {
-    kvtest::Picture picture(100, 100);
-    DrawSimpleBitmap(picture.dc(), client, style, Held(Create("101", style)));
+    kvtest::TestBitmap bitmap(100, 100);
+    DrawSimpleBitmap(bitmap.dc(), client, style, Stored(Create("101", style)));
     const COLORREF last = style == kBitmapTransparent ? GetSysColor(COLOR_BTNFACE) : kMagenta;
     for (COLORREF color : {kRed, kGreen, kBlue, last}) {
-      EXPECT_EQ(extent.cx * extent.cy / 4, picture.CountOf(color)) << style;
+      EXPECT_EQ(extent.cx * extent.cy / 4, bitmap.CountOf(color)) << style;
     }
-    EXPECT_EQ(last, picture.At(extent.cx - 1, extent.cy - 1));
+    EXPECT_EQ(last, bitmap.At(extent.cx - 1, extent.cy - 1));
   }
 }
 
@@ -120,12 +120,12 @@ TEST_F(SimpleBitmap, SettingTheTextLoadsAndPaintsButKeepsTheStoredText) {
   std::memcpy(unended.as<char>() + 253, "145", 3);
   EXPECT_EQ(0, SetText(control, nullptr));
   EXPECT_EQ(0, SetText(control, cutOff.data()));
-  EXPECT_EQ("6x3", HeldSize(control));
+  EXPECT_EQ("6x3", StoredSize(control));
   EXPECT_EQ(1, SetText(control, unended.data()));
-  EXPECT_EQ("4x4", HeldSize(control));
+  EXPECT_EQ("4x4", StoredSize(control));
 
   EXPECT_EQ(1, SetText(control, "absent"));
-  EXPECT_EQ(nullptr, Held(control));
+  EXPECT_EQ(nullptr, Stored(control));
   EXPECT_EQ(GetSysColor(COLOR_BTNFACE), GetPixel(dc, 0, 0));
 }
 
@@ -135,10 +135,10 @@ TEST_F(SimpleBitmap, CopiesToTheClipboardInOwnOrClampedSize) {
   HWND control = Create("101");
   for (const auto& [request, size] : cases) {
     EXPECT_EQ(0, SendMessageA(control, WM_COPY, 0, request));
-    EXPECT_EQ(size, SizeTextOf(kvtest::ClipboardPictureSize(parent_)));
+    EXPECT_EQ(size, SizeTextOf(kvtest::ClipboardBitmapSize(parent_)));
   }
   EXPECT_EQ(1, SendMessageA(Create("absent"), WM_COPY, 0, 0x00400040));
-  EXPECT_EQ("4x4", SizeTextOf(kvtest::ClipboardPictureSize(parent_)));
+  EXPECT_EQ("4x4", SizeTextOf(kvtest::ClipboardBitmapSize(parent_)));
 }
 
 TEST_F(SimpleBitmap, LeftClickClicksTheButtonBeneathOrElseIsReported) {
@@ -219,7 +219,7 @@ TEST_F(SimpleBitmap, DoubleClicksAndCommandsVisitEverySiblingUnchanged) {
   label.Create(parent_, "kvTestStatic");
   EXPECT_EQ(0, SendMessageA(control, WM_LBUTTONDBLCLK, 5, 0x00070006));
   EXPECT_EQ(std::vector<int>{0x8001}, TakeNotifications());
-  EXPECT_EQ("6x3", SizeTextOf(kvtest::ClipboardPictureSize(parent_)));
+  EXPECT_EQ("6x3", SizeTextOf(kvtest::ClipboardBitmapSize(parent_)));
   EXPECT_EQ(0x00070006, tree.last.lParam);
   EXPECT_EQ(0, SendMessageA(control, WM_COMMAND, 6, 0));
   EXPECT_EQ(6u, tree.last.wParam);

@@ -126,12 +126,12 @@ int Differences(const Surface& one, const Surface& other) {
   return different;
 }
 
-TEST(StripPictures, ScrolledPartsEqualADrawingOfAll) {
+TEST(StripRendering, ScrolledPartsEqualADrawingOfAll) {
   std::mt19937 random(11);
   const auto below = [&](unsigned limit) { return static_cast<unsigned>(random() % limit); };
   for (const DWORD style : {kStripPaper, kStripSweep, kStripPaper | kStripOwnAxes, kStripSweep | kStripTimeOfDay}) {
     StripModel model;
-    StripPicture partial, whole;
+    StripRenderer partial, whole;
     model.style = style;
     ASSERT_TRUE(SetStripCapacity(model, 900));
     ASSERT_TRUE(SetView(model, {kStripVersion, kStripFollow, 10, 0, -12, 12, 1, 0}));
@@ -263,7 +263,7 @@ TEST_F(StripCharts, HoldsWhileSamplesAreKeptAndReadsCursorAndMark) {
   EXPECT_EQ(1, Send(chart, kStripCursor, &at));
   EXPECT_TRUE(GetUpdateRect(chart, nullptr, FALSE));
   EXPECT_EQ(80, Read<StripReading>(chart, kStripCursor).values[0]);
-  EXPECT_EQ(L"1 80", kvtest::HearWindow(chart).value);
+  EXPECT_EQ(L"1 80", kvtest::ReadAccessible(chart).value);
   const StripStretch mark{10, 14};
   EXPECT_EQ(1, Send(chart, kStripMark | kCommandRedraw, &mark));
   const StripStatistics statistics = Read<StripStatistics>(chart, kStripStatistics);
@@ -273,14 +273,14 @@ TEST_F(StripCharts, HoldsWhileSamplesAreKeptAndReadsCursorAndMark) {
 
   Send(chart, kStripCursor | kCommandRemove, nullptr);
   // The tip with statistics stands beside the mark, where without it the plot is empty.
-  const auto differentPixels = [](const kvtest::Picture& one, const kvtest::Picture& other) {
+  const auto differentPixels = [](const kvtest::TestBitmap& one, const kvtest::TestBitmap& other) {
     int count = 0;
     for (int y = 0; y < 200; ++y) {
       for (int x = 0; x < 300; ++x) count += one.At(x, y) != other.At(x, y);
     }
     return count;
   };
-  kvtest::Picture told(300, 200), silent(300, 200);
+  kvtest::TestBitmap told(300, 200), silent(300, 200);
   SendMessageA(chart, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(told.dc()), 0);
   EXPECT_EQ(1, Send(chart, kStripStyle, &kStripNoStatistics));
   SendMessageA(chart, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(silent.dc()), 0);
@@ -318,7 +318,7 @@ TEST_F(StripCharts, KeysAndMouseZoomPanMarkAndTellTheOwner) {
   EXPECT_EQ(8, Notified(kStripNotifyView));
 
   UpdateWindow(chart);
-  const LONG left = WindowState<StripState>(chart)->chart->picture.layoutShown().plot.left;
+  const LONG left = WindowState<StripState>(chart)->chart->renderer.layoutShown().plot.left;
   SendMessageA(chart, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(left + 50, 50));
   SendMessageA(chart, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(left + 100, 50));
   SendMessageA(chart, WM_LBUTTONUP, 0, MAKELPARAM(left + 100, 50));
@@ -328,7 +328,7 @@ TEST_F(StripCharts, KeysAndMouseZoomPanMarkAndTellTheOwner) {
   SendMessageA(chart, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(left + 50, 50));
   SendMessageA(chart, WM_LBUTTONUP, 0, MAKELPARAM(left + 50, 50));
   const StripStretch mark = Read<StripStretch>(chart, kStripMark);
-  EXPECT_NEAR(50 * WindowState<StripState>(chart)->chart->picture.layoutShown().secondsPerColumn, mark.to - mark.from,
+  EXPECT_NEAR(50 * WindowState<StripState>(chart)->chart->renderer.layoutShown().secondsPerColumn, mark.to - mark.from,
               1e-9);
   EXPECT_EQ(1, Notified(kStripNotifyMark));
   SendMessageA(chart, WM_MOUSEMOVE, 0, MAKELPARAM(left + 60, 50));
@@ -363,15 +363,15 @@ TEST_F(StripCharts, CopiesItsPictureAndWhatItShowsAsATable) {
   Append(chart, {{2, 1}, {2, 2}}, 3);
   const kvtest::CommaLocale comma;  // of the host; the user has a point
   SendMessageA(chart, WM_COPY, 0, MAKELPARAM(8, 120));
-  EXPECT_EQ(16, kvtest::ClipboardPictureSize(parent_).cx);
-  EXPECT_EQ(120, kvtest::ClipboardPictureSize(parent_).cy);
+  EXPECT_EQ(16, kvtest::ClipboardBitmapSize(parent_).cx);
+  EXPECT_EQ(120, kvtest::ClipboardBitmapSize(parent_).cy);
   EXPECT_EQ(L"s\tSpeed (m/s)\t4\r\n1\t5\t\r\n2\t\t1\r\n2\t\t2\r\n3\t7.25\t\r\n", ClipboardText(parent_));
 
   std::vector<StripSample> many;
   for (DWORD i = 0; i <= kStripMaxTextRows; ++i) many.push_back({4 + i * 0.001, i % 100 * 1.0});
   Append(chart, many);
   SendMessageA(chart, WM_COPY, 0, 0);
-  EXPECT_EQ(300, kvtest::ClipboardPictureSize(parent_).cx);
+  EXPECT_EQ(300, kvtest::ClipboardBitmapSize(parent_).cx);
   const std::wstring text = ClipboardText(parent_);
   EXPECT_EQ(0u, text.find(L"s\tSpeed (m/s) min\tSpeed (m/s) max\t"));
   EXPECT_NE(std::wstring::npos, text.find(L"\t0\t99\t"));

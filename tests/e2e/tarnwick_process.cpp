@@ -8,23 +8,23 @@
 
 namespace kvtest {
 
-constexpr DWORD kStartPatienceMs = 20000;
+constexpr DWORD kStartTimeoutMs = 20000;
 
 TarnwickProcess::TarnwickProcess(const wchar_t* directory)
     : RunningProgram("Z:" KV_TARNWICK_EXE, L"and arguments that it ignores", directory) {
-  WaitForInputIdle(process(), kStartPatienceMs);
-  window_ = uidriver::WaitForTarnwick(kStartPatienceMs);
+  WaitForInputIdle(process(), kStartTimeoutMs);
+  window_ = uidriver::WaitForTarnwick(kStartTimeoutMs);
   // Answered only by a message loop that runs; by then the first paint is done, which start-up forces before the loop.
   DWORD_PTR answer = 0;
-  SendMessageTimeoutA(window_, WM_NULL, 0, 0, SMTO_NORMAL, kStartPatienceMs, &answer);
+  SendMessageTimeoutA(window_, WM_NULL, 0, 0, SMTO_NORMAL, kStartTimeoutMs, &answer);
 }
 
 bool TarnwickProcess::ClickConnect() const {
   return uidriver::ClickAt(GetDlgItem(window_, IDC_TOOLBAR), uidriver::ToolbarButtonCentre(window_, IDM_CONNECT));
 }
 
-bool TarnwickProcess::WaitForPortText(const std::string& text, DWORD patienceMs) const {
-  for (const DWORD start = GetTickCount(); GetTickCount() - start < patienceMs; Sleep(10)) {
+bool TarnwickProcess::WaitForPortText(const std::string& text, DWORD timeoutMs) const {
+  for (const DWORD start = GetTickCount(); GetTickCount() - start < timeoutMs; Sleep(10)) {
     if (uidriver::TextOf(window_, IDC_PORT) == text) return true;
   }
   return false;

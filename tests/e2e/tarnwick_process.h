@@ -20,7 +20,7 @@ class TarnwickProcess : public RunningProgram {
   // Clicks the toolbar's connect button with the mouse; false when it is not where the mouse can reach it.
   bool ClickConnect() const;
   // Waits until the port button shows this text.
-  bool WaitForPortText(const std::string& text, DWORD patienceMs = 20000) const;
+  bool WaitForPortText(const std::string& text, DWORD timeoutMs = 20000) const;
   // The screen's colour where the chart shows a camera point.
   COLORREF ChartPixel(const kv::CameraPoint& point) const;
 

@@ -106,25 +106,25 @@ TEST_F(Dde, LongAnswersEndAtTheBuffer) {
   const auto request = [&](const char* item, char* to) {
     return kv::ddeRequest(instance_, conversation_, item, to, 0);
   };
-  GuardedBytes room(kv::kDdeAnswerSize + 1);  // the byte after these faults
+  GuardedBytes room(kv::kDdeReplySize + 1);  // the byte after these faults
   char* text = room.as<char>();
-  text[kv::kDdeAnswerSize] = '!';
+  text[kv::kDdeReplySize] = '!';
   EXPECT_EQ(1, request("Bytes8191", text));
-  EXPECT_EQ(8191u, strnlen(text, kv::kDdeAnswerSize));
+  EXPECT_EQ(8191u, strnlen(text, kv::kDdeReplySize));
   for (const char* item : {"Bytes8192", "Bytes9000"}) {
-    memset(text, 0, kv::kDdeAnswerSize);
+    memset(text, 0, kv::kDdeReplySize);
     EXPECT_EQ(1, request(item, text));
-    EXPECT_EQ(8192u, strnlen(text, kv::kDdeAnswerSize)) << item;
+    EXPECT_EQ(8192u, strnlen(text, kv::kDdeReplySize)) << item;
     EXPECT_EQ('a' + 8191 % 26, text[8191]);
-    EXPECT_EQ('!', text[8192]);  // a destination of kDdeAnswerSize bytes would end here
+    EXPECT_EQ('!', text[8192]);  // a destination of kDdeReplySize bytes would end here
   }
   // One byte too few for the text: nothing is stored, and still the server has answered.
   EXPECT_EQ(1, request("Bytes8192", text + 2));
   EXPECT_TRUE(text[2] == 'c' && text[8192] == '!');
   EXPECT_EQ(1, request("Bytes10", nullptr));
   // Room for the text and none for the terminator.
-  EXPECT_EQ(1, request("Bytes10", text + kv::kDdeAnswerSize - 9));
-  EXPECT_EQ(0, memcmp("abcdefghij", text + kv::kDdeAnswerSize - 9, 10));
+  EXPECT_EQ(1, request("Bytes10", text + kv::kDdeReplySize - 9));
+  EXPECT_EQ(0, memcmp("abcdefghij", text + kv::kDdeReplySize - 9, 10));
 }
 
 TEST(DdeConversation, GivesWholeAnswersAndEndsWithItself) {

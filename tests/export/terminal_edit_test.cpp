@@ -38,7 +38,7 @@ void ClearsAndColoursARealControl(RecordingParent& parent, const char* library, 
 
   // Black where no letter is: the format says nothing about that.
   kvtest::PumpMessages();
-  kvtest::Picture seen(300, 200);
+  kvtest::TestBitmap seen(300, 200);
   HDC dc = GetDC(edit);
   BitBlt(seen.dc(), 0, 0, 300, 200, dc, 0, 0, SRCCOPY);
   ReleaseDC(edit, dc);

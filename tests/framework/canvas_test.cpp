@@ -126,7 +126,7 @@ TEST(Glyphs, HaveOutlinesThatTurn) {
   const auto glyph = std::make_unique<GlyphOutline>();
   for (const wchar_t hollow : {L'8', L'0', L'E'}) {
     ASSERT_TRUE(OutlineOfCharacter(L"Arial Unicode MS", FW_BOLD, hollow, glyph.get()));
-    EXPECT_EQ(hollow == L'8' ? 3 : hollow == L'0' ? 2 : 1, glyph->figures);
+    EXPECT_EQ(hollow == L'8' ? 3 : hollow == L'0' ? 2 : 1, glyph->contours);
     EXPECT_TRUE(glyph->advance > 0.5 && glyph->advance < 1.5);
   }
   // An E has its stem at the left: upright it stands left of the middle, turned by 90 degrees above it.
@@ -140,7 +140,7 @@ TEST(Glyphs, HaveOutlinesThatTurn) {
     EXPECT_GT(more, 50);
   }
   EXPECT_FALSE(OutlineOfCharacter(L"Arial Unicode MS", FW_BOLD, L' ', glyph.get()));
-  EXPECT_EQ(0, glyph->figures);
+  EXPECT_EQ(0, glyph->contours);
 }
 
 TEST(Glyphs, NoneIsLostThatTheShapeHasNoRoomFor) {

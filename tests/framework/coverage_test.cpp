@@ -28,14 +28,14 @@ TEST(Coverage, EachPixelGetsThePartThatIsCovered) {
   const PointD box[] = {{1.5, 2}, {4.25, 2}, {4.25, 3.5}, {1.5, 3.5}};
   const PointD hole[] = {{3, 2}, {3, 2.5}, {4, 2.5}, {4, 2}};
   const PointD triangle[] = {{6, 6}, {7, 7}, {6, 7}};
-  EXPECT_TRUE(shape.AddFigure(box) && shape.AddFigure(hole) && shape.AddFigure(triangle));
+  EXPECT_TRUE(shape.AddContour(box) && shape.AddContour(hole) && shape.AddContour(triangle));
   const PointD nowhere[] = {{NAN, 1}, {2, 3}, {4, 5}};
-  EXPECT_FALSE(shape.AddFigure(nowhere));
+  EXPECT_FALSE(shape.AddContour(nowhere));
   const Levels levels(shape);
   const int expected[kSide][kSide] = {{}, {}, {0, 128, 255, 128, 64}, {0, 64, 128, 128, 32},
                                       {}, {}, {0, 0, 0, 0, 0, 0, 128}};
   EXPECT_EQ(0, memcmp(expected, levels.at, sizeof(expected)));
-  EXPECT_FALSE(shape.AddFigure(box));  // it has been handed out
+  EXPECT_FALSE(shape.AddContour(box));  // it has been handed out
 }
 
 // Random figures, most of them larger than what is wanted of them: whatever part is asked for, it is that of the whole.
@@ -48,8 +48,8 @@ TEST(Coverage, EveryPartIsThatOfTheWhole) {
     const int x = static_cast<int>(random() % kSide), y = static_cast<int>(random() % kSide);
     const PixelArea part{x, y, kSide, std::min(y + 9, kSide)};
     CoverageShape whole, cut;
-    ASSERT_TRUE(whole.Begin({0, 0, kSide, kSide}) && whole.AddFigure(corners));
-    ASSERT_TRUE(cut.Begin(part) && cut.AddFigure(corners));
+    ASSERT_TRUE(whole.Begin({0, 0, kSide, kSide}) && whole.AddContour(corners));
+    ASSERT_TRUE(cut.Begin(part) && cut.AddContour(corners));
     const Levels expected(whole), found(cut);
     for (int row = part.top; row < part.bottom; ++row) {
       for (int column = x; column < kSide; ++column) {

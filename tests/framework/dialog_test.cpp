@@ -57,9 +57,9 @@ TEST(DialogClass, IsRegisteredAsTemplatesNeedItErasesNothingAndIsADialogOtherwis
   GetObjectA(info.hbrBackground, sizeof(brush), &brush);
   EXPECT_EQ(0xFF4141u, brush.lbColor);
 
-  kvtest::Picture picture(50, 50);
-  EXPECT_EQ(1, SendMessageA(dialog, WM_ERASEBKGND, reinterpret_cast<WPARAM>(picture.dc()), 0));
-  EXPECT_EQ(50 * 50, picture.CountOf(0xCCCCCC));
+  kvtest::TestBitmap bitmap(50, 50);
+  EXPECT_EQ(1, SendMessageA(dialog, WM_ERASEBKGND, reinterpret_cast<WPARAM>(bitmap.dc()), 0));
+  EXPECT_EQ(50 * 50, bitmap.CountOf(0xCCCCCC));
   SendMessageA(dialog, DM_SETDEFID, 1102, 0);
   EXPECT_EQ(MAKELONG(1102, DC_HASDEFID), SendMessageA(dialog, DM_GETDEFID, 0, 0));
 }

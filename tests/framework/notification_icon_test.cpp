@@ -15,7 +15,7 @@ namespace {
 DWORD seenMessage;
 NOTIFYICONDATAA seen;
 DEV_BROADCAST_DEVICEINTERFACE_A seenFilter;
-HANDLE endedNotices;
+HANDLE endedRegistrations;
 
 BOOL WINAPI RecordNotification(DWORD message, PNOTIFYICONDATAA record) {
   seenMessage = message;
@@ -38,7 +38,7 @@ HDEVNOTIFY WINAPI RecordDevices(HANDLE target, LPVOID filter, DWORD flags) {
 }
 
 BOOL WINAPI RecordEnd(HDEVNOTIFY notices) {
-  endedNotices = notices;
+  endedRegistrations = notices;
   return TRUE;
 }
 
@@ -48,7 +48,7 @@ class Recorded : public testing::Test {
   ~Recorded() override { notificationCalls = real_; }
 
   // What the shell was told last.
-  void ExpectTold(DWORD message, UINT id, UINT flags, UINT callback, HICON icon, const char* tip) const {
+  void ExpectNotified(DWORD message, UINT id, UINT flags, UINT callback, HICON icon, const char* tip) const {
     EXPECT_TRUE(message == seenMessage && seen.cbSize == 488 && seen.hWnd == owner_);  // the short form's size
     EXPECT_TRUE(id == seen.uID && flags == seen.uFlags && callback == seen.uCallbackMessage && icon == seen.hIcon);
     EXPECT_STREQ(tip, seen.szTip);
@@ -61,9 +61,9 @@ class Recorded : public testing::Test {
 
 TEST_F(Recorded, AddIsWholeRemoveNamesTheIconAndChangeWhatIsGiven) {
   EXPECT_EQ(42, AddNotificationIcon(owner_, 7, icon_, "bench 3"));
-  ExpectTold(NIM_ADD, 7, NIF_MESSAGE | NIF_ICON | NIF_TIP, 1025, icon_, "bench 3");
+  ExpectNotified(NIM_ADD, 7, NIF_MESSAGE | NIF_ICON | NIF_TIP, 1025, icon_, "bench 3");
   EXPECT_EQ(42, RemoveNotificationIcon(owner_, 9));
-  ExpectTold(NIM_DELETE, 9, 7, 1025, nullptr, "");
+  ExpectNotified(NIM_DELETE, 9, 7, 1025, nullptr, "");
   const struct {
     HICON icon;
     const char* tip;
@@ -71,7 +71,7 @@ TEST_F(Recorded, AddIsWholeRemoveNamesTheIconAndChangeWhatIsGiven) {
   } changes[] = {{nullptr, nullptr, 0}, {icon_, nullptr, NIF_ICON}, {nullptr, "", NIF_TIP}, {icon_, "on", 6}};
   for (const auto& change : changes) {
     EXPECT_EQ(42, ChangeNotificationIcon(owner_, 9, change.icon, change.tip));
-    ExpectTold(NIM_MODIFY, 9, change.flags, 0, change.icon, change.tip ? change.tip : "");
+    ExpectNotified(NIM_MODIFY, 9, change.flags, 0, change.icon, change.tip ? change.tip : "");
   }
 }
 
@@ -83,7 +83,7 @@ TEST_F(Recorded, TipsAreCutAndUnreadableOnesStayEmpty) {
       {longTip.c_str(), cut}, {exact.as<char>(), cut}, {exact.as<char>() + 1, ""}, {nullptr, ""}};
   for (const auto& [tip, shown] : tips) {
     AddNotificationIcon(owner_, 1, icon_, tip);
-    ExpectTold(NIM_ADD, 1, 7, 1025, icon_, shown.c_str());
+    ExpectNotified(NIM_ADD, 1, 7, 1025, icon_, shown.c_str());
   }
 }
 
@@ -98,18 +98,18 @@ TEST_F(Recorded, IconsComeBackAsTheyWereWhenTheTaskbarStartsAnew) {
   EXPECT_EQ(42, SetNotificationTip(owner_, 7, L"темп. Ω"));
   EXPECT_FALSE(SetNotificationTip(owner_, 7, nullptr));
   restart();
-  ExpectTold(NIM_ADD, 7, 7, 1025, icon_, "bench 3");
+  ExpectNotified(NIM_ADD, 7, 7, 1025, icon_, "bench 3");
   EXPECT_EQ(L"темп. Ω", seenWideTip);
   ChangeNotificationIcon(owner_, 7, nullptr, "on");
   restart();
-  ExpectTold(NIM_ADD, 7, 7, 1025, icon_, "on");
+  ExpectNotified(NIM_ADD, 7, 7, 1025, icon_, "on");
   EXPECT_EQ(L"none", seenWideTip);
   {
     const kvtest::RecordingParent gone;
     AddNotificationIcon(gone, 8, icon_, "");
   }
   restart();
-  ExpectTold(NIM_ADD, 7, 7, 1025, icon_, "on");  // not 8
+  ExpectNotified(NIM_ADD, 7, 7, 1025, icon_, "on");  // not 8
   RemoveNotificationIcon(owner_, 7);
   EXPECT_EQ(nullptr, FindWindowA("kvNotificationListener", nullptr));
 }
@@ -124,7 +124,7 @@ TEST_F(Recorded, DeviceNoticesAskForUsbAndEndWhatTheyBegan) {
 
   const auto noWindow = reinterpret_cast<HANDLE>(0x1234);
   EXPECT_EQ(nullptr, RegisterDeviceNotifications(noWindow, FALSE));
-  EXPECT_EQ(noWindow, endedNotices);
+  EXPECT_EQ(noWindow, endedRegistrations);
   EXPECT_EQ(nullptr, RegisterDeviceNotifications(noWindow, TRUE));
 }
 

@@ -16,12 +16,12 @@ namespace kv {
 namespace {
 
 std::string Ours(double value, int decimals) {
-  char text[kFixedNumberRoom];
-  return {text, PutFixed(text, value, decimals)};
+  char text[kFixedNumberCapacity];
+  return {text, FormatFixed(text, value, decimals)};
 }
 
-std::string RunTimes(double value, int decimals) {
-  char text[kFixedNumberRoom + 1];
+std::string Runtimes(double value, int decimals) {
+  char text[kFixedNumberCapacity + 1];
   _snprintf(text, sizeof(text), "%.*f", decimals, value);
   return text;
 }
@@ -39,7 +39,7 @@ TEST(FixedNumber, EqualsTheRunTime) {
         1e9,      1e9 - .1,  1e22 / 3,    5e-324, -1e-300, 4294967296.5, 1 / 3.,    -179.99999999996, -DBL_MAX,
         HUGE_VAL, -HUGE_VAL, std::nan("")}) {
     for (int decimals = 1; decimals <= kMaxFixedDecimals; ++decimals) {
-      EXPECT_EQ(RunTimes(hard, decimals), Ours(hard, decimals)) << decimals;
+      EXPECT_EQ(Runtimes(hard, decimals), Ours(hard, decimals)) << decimals;
     }
   }
   // A third each: anywhere, a few bits beside the middle between two texts, any bits at all.
@@ -52,7 +52,7 @@ TEST(FixedNumber, EqualsTheRunTime) {
     const double middle = (std::floor(value / unit) + 0.5) * unit;
     if (i % 3 == 1) value = std::bit_cast<double>(std::bit_cast<std::uint64_t>(middle) + random() % 9 - 4);
     if (i % 3 == 2) value = std::bit_cast<double>(random());
-    ASSERT_EQ(RunTimes(value, decimals), Ours(value, decimals));
+    ASSERT_EQ(Runtimes(value, decimals), Ours(value, decimals));
   }
 }
 

@@ -12,15 +12,15 @@
 
 namespace {
 
-using kvtest::Picture;
+using kvtest::TestBitmap;
 
 constexpr COLORREF kUntouched = 0xCCCCCC;
 
 // No pixel outside `area` was drawn.
-void ExpectOnlyWithin(const Picture& picture, const RECT& area) {
-  for (int i = 0; i < picture.width() * picture.height(); ++i) {
-    const POINT at{i % picture.width(), i / picture.width()};
-    ASSERT_TRUE(PtInRect(&area, at) || picture.At(at.x, at.y) == kUntouched) << at.x << "," << at.y;
+void ExpectOnlyWithin(const TestBitmap& bitmap, const RECT& area) {
+  for (int i = 0; i < bitmap.width() * bitmap.height(); ++i) {
+    const POINT at{i % bitmap.width(), i / bitmap.width()};
+    ASSERT_TRUE(PtInRect(&area, at) || bitmap.At(at.x, at.y) == kUntouched) << at.x << "," << at.y;
   }
 }
 
@@ -58,10 +58,10 @@ TEST(Painting, ShadesAndSeverities) {
 TEST(Painting, FillsAndFramesStayInTheirArea) {
   constexpr RECT kArea{10, 5, 50, 35};
   const auto drawn = [&](auto draw) {
-    auto picture = std::make_unique<Picture>(64, 48);
-    draw(picture->dc());
-    ExpectOnlyWithin(*picture, kArea);
-    return picture;
+    auto bitmap = std::make_unique<TestBitmap>(64, 48);
+    draw(bitmap->dc());
+    ExpectOnlyWithin(*bitmap, kArea);
+    return bitmap;
   };
   EXPECT_EQ(40 * 30, drawn([&](HDC dc) { kv::FillSolid(dc, kArea, RGB(1, 2, 3)); })->CountOf(RGB(1, 2, 3)));
 
@@ -98,22 +98,22 @@ class StatusButton : public testing::Test {
   }
 
   const kvtest::RecordingParent parent_;
-  const Picture picture_{80, 40};
+  const TestBitmap bitmap_{80, 40};
   DRAWITEMSTRUCT item_{.hwndItem = kvtest::CreateControl(parent_, "BUTTON", "", BS_OWNERDRAW, {0, 0, 60, 20}, 9),
-                       .hDC = picture_.dc(),
+                       .hDC = bitmap_.dc(),
                        .rcItem = {10, 10, 70, 30}};
 };
 
 TEST_F(StatusButton, ShowsItsSchemeAndLeavesTheDcAlone) {
-  SetTextColor(picture_.dc(), RGB(7, 8, 9));
+  SetTextColor(bitmap_.dc(), RGB(7, 8, 9));
   Draw("WWWWWWWWWWWWWWWWWWWW", kv::kSchemeGreen, kv::kButtonLit);
-  ExpectOnlyWithin(picture_, item_.rcItem);
-  EXPECT_TRUE(GetTextColor(picture_.dc()) == RGB(7, 8, 9) && GetBkMode(picture_.dc()) == OPAQUE);
-  EXPECT_EQ(GetStockObject(SYSTEM_FONT), GetCurrentObject(picture_.dc(), OBJ_FONT));
+  ExpectOnlyWithin(bitmap_, item_.rcItem);
+  EXPECT_TRUE(GetTextColor(bitmap_.dc()) == RGB(7, 8, 9) && GetBkMode(bitmap_.dc()) == OPAQUE);
+  EXPECT_EQ(GetStockObject(SYSTEM_FONT), GetCurrentObject(bitmap_.dc(), OBJ_FONT));
 
   const auto at = [&](int y, int scheme, UINT flags, UINT state = 0) {
     Draw("", scheme, flags, state);
-    return picture_.At(40, y);
+    return bitmap_.At(40, y);
   };
   EXPECT_EQ(0x009FDFu, at(20, kv::kSchemeAmber, kv::kButtonLit));
   EXPECT_EQ(0x00EF00u, at(20, kv::kSchemeGreen, kv::kButtonLit));
@@ -141,8 +141,8 @@ TEST_F(StatusButton, IsReadOnEveryFaceAndShowsFocusAndPause) {
       Draw("COM3", scheme, kv::kButtonGradient | lit);
       for (int i = 0; i < 56 * 16; ++i) {
         const int x = 12 + i % 56, y = 12 + i / 56;
-        for (int n = 0; picture_.At(x, y) == kWhite && n < 9; ++n) {
-          const COLORREF beside = picture_.At(x - 1 + n % 3, y - 1 + n / 3);
+        for (int n = 0; bitmap_.At(x, y) == kWhite && n < 9; ++n) {
+          const COLORREF beside = bitmap_.At(x - 1 + n % 3, y - 1 + n / 3);
           ASSERT_TRUE(beside == kWhite || 1.05 / (Luminance(beside) + 0.05) >= 4.5)
               << scheme << " at " << x << "," << y;
         }
@@ -151,14 +151,14 @@ TEST_F(StatusButton, IsReadOnEveryFaceAndShowsFocusAndPause) {
   }
   const auto whites = [&](UINT state, UINT flags) {
     Draw("COM3", kv::kSchemeAmber, flags, state);
-    return picture_.CountOf(kWhite);
+    return bitmap_.CountOf(kWhite);
   };
   const int plain = whites(0, 0);
   EXPECT_GT(plain, 20);
   EXPECT_EQ(plain, whites(ODS_FOCUS | ODS_NOFOCUSRECT, 0)) << "not before the keyboard is used";
-  EXPECT_NE(kWhite, picture_.At(20, 11));
+  EXPECT_NE(kWhite, bitmap_.At(20, 11));
   whites(ODS_FOCUS, 0);
-  for (const POINT at : {POINT{20, 11}, {20, 28}, {11, 20}, {68, 20}}) EXPECT_EQ(kWhite, picture_.At(at.x, at.y));
+  for (const POINT at : {POINT{20, 11}, {20, 28}, {11, 20}, {68, 20}}) EXPECT_EQ(kWhite, bitmap_.At(at.x, at.y));
   EXPECT_GT(whites(0, kv::kButtonPaused), plain + 20);
 }
 
@@ -166,7 +166,7 @@ TEST(Pictures, ClipboardOwnsWhatItTook) {
   const kvtest::RecordingParent parent, other;
   EXPECT_FALSE(kv::PutBitmapOnClipboard(parent, nullptr));
   EXPECT_TRUE(kv::PutBitmapOnClipboard(parent, kv::CreateWindowBitmap(parent, {5, 6})));
-  const SIZE size = kvtest::ClipboardPictureSize(parent);
+  const SIZE size = kvtest::ClipboardBitmapSize(parent);
   EXPECT_TRUE(size.cx == 5 && size.cy == 6);
   ASSERT_TRUE(OpenClipboard(parent));
   // While another window holds the clipboard the bitmap is rejected and deleted.

@@ -27,7 +27,7 @@ std::vector<Tool> ToolsOf(HWND tips) {
   return tools;
 }
 
-TEST(ToolTips, OfAToolbarCoverButtonsByIndex) {
+TEST(Tooltips, OfAToolbarCoverButtonsByIndex) {
   HWND tips = nullptr;
   {
     const kvtest::RecordingParent parent;
@@ -38,8 +38,8 @@ TEST(ToolTips, OfAToolbarCoverButtonsByIndex) {
                                 {.idCommand = 3002, .fsState = TBSTATE_ENABLED}};
     SendMessageA(toolbar, TB_ADDBUTTONSA, 3, reinterpret_cast<LPARAM>(buttons));
 
-    const kv::ToolTipEntry entries[] = {{0, nullptr}, {3001, L"Connect / Disconnect"}, {3002, nullptr}, {3003, L""}};
-    tips = kv::CreateToolTips(nullptr, toolbar, entries, 4);
+    const kv::TooltipEntry entries[] = {{0, nullptr}, {3001, L"Connect / Disconnect"}, {3002, nullptr}, {3003, L""}};
+    tips = kv::CreateTooltips(nullptr, toolbar, entries, 4);
     ASSERT_TRUE(IsWindow(tips));
     EXPECT_NE(0, GetWindowLongA(tips, GWL_STYLE) & TTS_ALWAYSTIP);
     RECT first{}, second{};
@@ -54,12 +54,12 @@ TEST(ToolTips, OfAToolbarCoverButtonsByIndex) {
   EXPECT_FALSE(IsWindow(tips));
 }
 
-TEST(ToolTips, OfADialogCoverControls) {
+TEST(Tooltips, OfADialogCoverControls) {
   const kvtest::RecordingParent parent;
   const HWND button = kvtest::CreateControl(parent, "BUTTON", "", 0, {0, 0, 50, 20}, 1011);
   kvtest::CreateControl(parent, "BUTTON", "", 0, {0, 30, 50, 50}, 1013);
   const std::wstring longText(1500, L'x');
-  const kv::ToolTipEntry entries[] = {{1011, L"the button"},
+  const kv::TooltipEntry entries[] = {{1011, L"the button"},
                                       {1012, longText.c_str()},
                                       {1013, MAKEINTRESOURCEW(3010)},
                                       {1011, MAKEINTRESOURCEW(3999)},
@@ -68,15 +68,15 @@ TEST(ToolTips, OfADialogCoverControls) {
   const std::vector<Tool> expected = {{17, idOf(button), 0, L"the button"},
                                       {17, 0, 0, longText.substr(0, 1023)},  // no such control: for no window
                                       {17, idOf(GetDlgItem(parent, 1013)), 0, L"By number"}};
-  EXPECT_EQ(expected, ToolsOf(kv::CreateToolTips(GetModuleHandleA(nullptr), parent, entries, 5)));
+  EXPECT_EQ(expected, ToolsOf(kv::CreateTooltips(GetModuleHandleA(nullptr), parent, entries, 5)));
 
-  const kvtest::GuardedBytes memory(sizeof(kv::ToolTipEntry));
-  auto* one = memory.as<kv::ToolTipEntry>();
+  const kvtest::GuardedBytes memory(sizeof(kv::TooltipEntry));
+  auto* one = memory.as<kv::TooltipEntry>();
   *one = {1, L"one"};
-  EXPECT_EQ(nullptr, kv::CreateToolTips(nullptr, parent, nullptr, 1));
-  EXPECT_EQ(nullptr, kv::CreateToolTips(nullptr, nullptr, one, 1));
-  for (const int tooMany : {2, 0x7FFFFFFF}) EXPECT_EQ(nullptr, kv::CreateToolTips(nullptr, parent, one, tooMany));
-  for (const int harmless : {1, -1}) EXPECT_NE(nullptr, kv::CreateToolTips(nullptr, parent, one, harmless));
+  EXPECT_EQ(nullptr, kv::CreateTooltips(nullptr, parent, nullptr, 1));
+  EXPECT_EQ(nullptr, kv::CreateTooltips(nullptr, nullptr, one, 1));
+  for (const int tooMany : {2, 0x7FFFFFFF}) EXPECT_EQ(nullptr, kv::CreateTooltips(nullptr, parent, one, tooMany));
+  for (const int harmless : {1, -1}) EXPECT_NE(nullptr, kv::CreateTooltips(nullptr, parent, one, harmless));
 }
 
 }  // namespace

@@ -72,7 +72,7 @@ TEST_F(WindowPositionTest, SavesAndRestores) {
   EXPECT_EQ("40,50,350,260", Stored());
 
   SetWindowPos(window, nullptr, 1, 2, 100, 100, 0);
-  EXPECT_TRUE(kv::WindowPosition(window, kName, kv::kPositionRestorePlace));
+  EXPECT_TRUE(kv::WindowPosition(window, kName, kv::kPositionRestoreOnly));
   EXPECT_EQ("40,50,140,150", Place(window));
   EXPECT_FALSE(IsWindowVisible(window));
   EXPECT_TRUE(kv::WindowPosition(window, kName, kv::kPositionRestore));
@@ -88,7 +88,7 @@ TEST_F(WindowPositionTest, SavesAndRestores) {
 
 TEST_F(WindowPositionTest, OddTextsAndModes) {
   Store("7,8,99,88xyz", REG_BINARY, false);  // no terminator
-  kv::WindowPosition(window, kName, kv::kPositionRestorePlace);
+  kv::WindowPosition(window, kName, kv::kPositionRestoreOnly);
   EXPECT_EQ("7,8,307,208", Place(window));
   Store("-30,-20,770,580");
   EXPECT_TRUE(kv::WindowPosition(window, kName, 5));
@@ -105,11 +105,11 @@ TEST_F(WindowPositionTest, CentresWithoutAUsableText) {
   RECT desktop{};
   GetClientRect(GetDesktopWindow(), &desktop);
   const std::string centred = Text(kv::CentredPosition({desktop.right, desktop.bottom}, {300, 200}));
-  EXPECT_TRUE(kv::WindowPosition(window, kName, kv::kPositionRestorePlace));
+  EXPECT_TRUE(kv::WindowPosition(window, kName, kv::kPositionRestoreOnly));
   EXPECT_EQ(centred + "|", Place(window) + "|" + Stored());
   SetWindowPos(window, nullptr, 1, 2, 0, 0, SWP_NOSIZE);
   Store(std::string(300, '9'));  // longer than is ever read
-  EXPECT_TRUE(kv::WindowPosition(window, kName, kv::kPositionRestorePlace));
+  EXPECT_TRUE(kv::WindowPosition(window, kName, kv::kPositionRestoreOnly));
   EXPECT_EQ(centred, Place(window));
   EXPECT_TRUE(kv::WindowPosition(window, kName, 3));
   EXPECT_EQ(centred, Stored());
@@ -129,7 +129,7 @@ TEST_F(WindowPositionTest, Numbers) {
   DWORD number = 77;
   const auto restored = [&](DWORD preset) {
     number = preset;
-    EXPECT_TRUE(kv::WindowNumber(kName, &number, preset % 2 ? kv::kPositionRestore : kv::kPositionRestorePlace));
+    EXPECT_TRUE(kv::WindowNumber(kName, &number, preset % 2 ? kv::kPositionRestore : kv::kPositionRestoreOnly));
     return number;
   };
   EXPECT_EQ(5u, restored(5));  // nothing stored
@@ -147,7 +147,7 @@ TEST_F(WindowPositionTest, Numbers) {
   EXPECT_FALSE(kv::WindowNumber(kName, readOnly.as<DWORD>(), kv::kPositionSave));
 }
 
-TEST_F(WindowPositionTest, WhatCannotBeSeenOrIsTooSmallIsMended) {
+TEST_F(WindowPositionTest, WindowsOffScreenOrTooSmallAreCorrected) {
   const SIZE screen{GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
   // What was stored, and whether the mended window keeps its left edge. Two were closed on a monitor that is gone.
   const std::pair<std::string, bool> samples[] = {{"-1200,10,-200,500", true},

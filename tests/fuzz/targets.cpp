@@ -105,7 +105,7 @@ DecodedFile Decode(std::string_view file, size_t part) {
 
 const char* FeedRecording(std::string_view input, bool* accepted) {
   const DecodedFile whole = Decode(input, 100000), pieces = Decode(input, 37);
-  *accepted = whole.isRecording && whole.decoder.hasEnd && whole.decoder.damagedPlaces == 0;
+  *accepted = whole.isRecording && whole.decoder.hasEnd && whole.decoder.damageCount == 0;
   if (whole.bytes.size() > input.size()) return "no more comes out than went in";
   if (whole.isRecording != pieces.isRecording || whole.bytes != pieces.bytes || whole.torn != pieces.torn) {
     return "pieces give what the whole gives";

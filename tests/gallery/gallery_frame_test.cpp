@@ -98,24 +98,24 @@ std::string Narrow(const std::wstring& text) {
 void DrawAll(HWND frame) {
   const auto pageAt = [frame](int index) { return kv::PageWindow(frame, AllPages()[index].dialog); };
   const SIZE client = kv::ClientSize(frame);
-  const kvtest::Picture picture(client.cx, client.cy);
+  const kvtest::TestBitmap bitmap(client.cx, client.cy);
   const FrameLayout layout = LayoutFor(client);
   const HWND overview = pageAt(PAGE_INDEX_OVERVIEW);
-  const auto drawRow = [&picture](HWND parent, UINT controlId, UINT row, UINT page, UINT state) {
+  const auto drawRow = [&bitmap](HWND parent, UINT controlId, UINT row, UINT page, UINT state) {
     DRAWITEMSTRUCT item{.CtlType = ODT_LISTBOX, .CtlID = controlId, .itemID = row, .itemState = state};
-    item.hDC = picture.dc();
+    item.hDC = bitmap.dc();
     item.itemData = page;
     SendDlgItemMessageW(parent, static_cast<int>(controlId), LB_GETITEMRECT, row,
                         reinterpret_cast<LPARAM>(&item.rcItem));
     SendMessageW(parent, WM_DRAWITEM, controlId, reinterpret_cast<LPARAM>(&item));
   };
   for (UINT i = 0; i < AllPages().size(); ++i) {
-    DrawHeader(picture.dc(), {layout.listWidth, 0, client.cx, layout.headerHeight}, layout, static_cast<int>(i));
+    DrawHeader(bitmap.dc(), {layout.listWidth, 0, client.cx, layout.headerHeight}, layout, static_cast<int>(i));
     drawRow(frame, IDC_PAGE_LIST, i, i, ODS_SELECTED);
     if (i > 0) drawRow(overview, IDC_OVERVIEW_INDEX, i - 1, i, 0);
   }
   DRAWITEMSTRUCT header{.CtlID = IDC_LIST_LIST, .itemID = kv::kHeaderRow};
-  header.hDC = picture.dc();
+  header.hDC = bitmap.dc();
   SCROLLINFO width{.cbSize = sizeof(width), .fMask = SIF_RANGE};
   GetScrollInfo(GetDlgItem(pageAt(PAGE_INDEX_LIST), IDC_LIST_LIST), SB_HORZ, &width);
   header.rcItem = {0, 0, width.nMax + 1, layout.rowHeight};
@@ -135,14 +135,14 @@ TEST_F(GalleryFrame, NoTextIsWiderThanItsPlaceInAnyLanguage) {
       ChooseLanguage(language);
       ASSERT_EQ(language, kv::CurrentLanguage());
       std::vector<std::wstring> cut;
-      kv::CollectCutTexts(&cut);
+      kv::CollectTruncatedTexts(&cut);
       DrawAll(frame_);
-      kv::CollectCutTexts(nullptr);
+      kv::CollectTruncatedTexts(nullptr);
       for (const std::wstring& text : cut) report(size.cx, "drawn", text);
       for (size_t i = 0; i < AllPages().size(); ++i) {
         const HWND page = PageAt(i);
         for (HWND control = GetWindow(page, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
-          const std::wstring text = kv::CutTextOf(control);
+          const std::wstring text = kv::TruncatedTextOf(control);
           if (!text.empty()) report(size.cx, AllPages()[i].name, text);
         }
       }
@@ -219,7 +219,7 @@ TEST_F(GalleryFrame, KeysOpenPagesAndFindAWindowThatTakesThem) {
   Press(VK_DOWN);
   Press(VK_RETURN);  // the row of German
   EXPECT_EQ(1, kv::CurrentLanguage());
-  const HWND answer = GetDlgItem(ShownPage(), IDC_LANGUAGE_ANSWER);
+  const HWND answer = GetDlgItem(ShownPage(), IDC_LANGUAGE_RESULT);
   EXPECT_EQ(L"Ja, das heißt es.", kvtest::TextOf(answer));
   SetDlgItemTextW(ShownPage(), IDC_LANGUAGE_WORD, L"");  // no word, no answer
   EXPECT_EQ(L"", kvtest::TextOf(answer));
@@ -298,7 +298,7 @@ TEST_F(GalleryFrame, WhatDrawsItselfHasANameInEveryScript) {
   }
   ChooseLanguage(9);
   const HWND instrument = GetDlgItem(PageAt(PAGE_INDEX_INSTRUMENTS), IDC_INSTRUMENTS + 3);
-  EXPECT_EQ(L"Άνοδος", kvtest::HearWindow(instrument).name);
+  EXPECT_EQ(L"Άνοδος", kvtest::ReadAccessible(instrument).name);
   ChooseLanguage(0);
 }
 
@@ -350,14 +350,14 @@ TEST(GalleryCommandLine, NamesPageAndLanguageAndRefusesWhatThereIsNot) {
     return ParseCommandLine(static_cast<int>(words.size()), words.data());
   };
   const StartOptions options = parse({L"--language", L"ge", L"--page", L"list"}), none = parse({});
-  EXPECT_EQ(std::tuple(1, PAGE_INDEX_LIST, L""), std::tuple(options.language, options.page, options.refused));
+  EXPECT_EQ(std::tuple(1, PAGE_INDEX_LIST, L""), std::tuple(options.language, options.page, options.rejected));
   EXPECT_EQ(std::tuple(kv::kStoredLanguage, -1), std::tuple(none.language, none.page));
   EXPECT_EQ(12, parse({L"--language", L"ja"}).language);
   EXPECT_NE(std::wstring::npos, LanguageCodes().find(L"GE/de FR "));
   EXPECT_TRUE(parse({L"--walk"}).walk && parse({L"--help"}).help);
-  EXPECT_EQ(L"--page liszt", parse({L"--page", L"liszt"}).refused);
-  EXPECT_EQ(L"--language", parse({L"--language"}).refused);
-  EXPECT_EQ(L"--pages", parse({L"--pages", L"list"}).refused);
+  EXPECT_EQ(L"--page liszt", parse({L"--page", L"liszt"}).rejected);
+  EXPECT_EQ(L"--language", parse({L"--language"}).rejected);
+  EXPECT_EQ(L"--pages", parse({L"--pages", L"list"}).rejected);
 }
 
 }  // namespace

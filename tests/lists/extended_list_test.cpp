@@ -185,10 +185,10 @@ TEST_F(ExtendedList, MakesItsSettingsKeyAndRefusesMessagesWithoutARecord) {
 
 TEST_F(ExtendedList, ScreenReadersHearWhichRowsAreOnView) {
   constexpr LONG kRoleList = 0x21;
-  EXPECT_EQ((kvtest::HeardText{L"", L"", kRoleList}), kvtest::HearWindow(list_));
+  EXPECT_EQ((kvtest::AccessibleProperties{L"", L"", kRoleList}), kvtest::ReadAccessible(list_));
   SetWindowTextA(list_, "Readings");
   Send(LB_SETCOUNT, 1000);
-  EXPECT_EQ((kvtest::HeardText{L"Readings", L"1 - 5 / 1000", kRoleList}), kvtest::HearWindow(list_));
+  EXPECT_EQ((kvtest::AccessibleProperties{L"Readings", L"1 - 5 / 1000", kRoleList}), kvtest::ReadAccessible(list_));
 }
 
 }  // namespace

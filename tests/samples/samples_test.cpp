@@ -20,14 +20,14 @@ namespace {
 
 using kvtest::TextOf;
 using kvtest::WaitUntil;
-constexpr std::chrono::seconds kPatience(20);
+constexpr std::chrono::seconds kTimeout(20);
 
 // A running sample and its window.
 class Sample : public kvtest::RunningProgram {
  public:
   Sample(const std::wstring& name, const wchar_t* caption)
       : RunningProgram(kvtest::BuildFolder(L"samples") / (name + L".exe"), L"") {
-    EXPECT_TRUE(WaitUntil([&] { return (window_ = Find(L"kvDialog", caption)) != nullptr; }, kPatience));
+    EXPECT_TRUE(WaitUntil([&] { return (window_ = Find(L"kvDialog", caption)) != nullptr; }, kTimeout));
   }
   HWND window() const { return window_; }
   HWND Control(int id) const { return GetDlgItem(window_, id); }
@@ -42,7 +42,7 @@ class Sample : public kvtest::RunningProgram {
           }
           return seen.size() >= colors;
         },
-        kPatience);
+        kTimeout);
   }
   RECT PlaceOf(int id) const { return kvtest::PlaceOf(window_, id); }
   DWORD Close() const { return RunningProgram::Close(window_); }
@@ -78,7 +78,7 @@ TEST(Samples, AMillionRowsAreShownSortedAndReachedByKeys) {
   EXPECT_TRUE(readings.Shows(readings.PlaceOf(kRows), 5));
   SendMessageW(list, WM_KEYDOWN, VK_END, 0);
   const auto status = [&](const wchar_t* wanted) {
-    return WaitUntil([&] { return TextOf(readings.Control(kStatus)) == wanted; }, kPatience);
+    return WaitUntil([&] { return TextOf(readings.Control(kStatus)) == wanted; }, kTimeout);
   };
   EXPECT_TRUE(status(L"Row 1000000 of 1000000: reading 1000000"));
   for (UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP}) SendMessageW(list, message, 0, MAKELPARAM(3, 3));
@@ -92,14 +92,14 @@ TEST(Samples, ATrackIsExportedThreeWays) {
   const std::filesystem::path folder = std::filesystem::temp_directory_path() / L"kv track Ω";
   std::filesystem::create_directory(folder);
   const auto says = [&](const wchar_t* text) {  // connecting asks this process's windows, too: the wait pumps
-    return WaitUntil([&] { return TextOf(track.Control(kStatus)) == text; }, kPatience);
+    return WaitUntil([&] { return TextOf(track.Control(kStatus)) == text; }, kTimeout);
   };
   // The name without its extension: the dialog adds the proposed one.
   for (const auto& [button, file] : {std::pair(kKml, L"flight.kml"), {kWaypoints, L"flight.txt"}}) {
     HWND dialog = nullptr;
     PostMessageW(track.Control(button), BM_CLICK, 0, 0);
-    ASSERT_TRUE(WaitUntil([&] { return (dialog = FindWindowW(L"#32770", L"Save the flight")) != nullptr; }, kPatience));
-    ASSERT_TRUE(WaitUntil([&] { return TextOf(GetDlgItem(dialog, kNameField)) == file; }, kPatience));
+    ASSERT_TRUE(WaitUntil([&] { return (dialog = FindWindowW(L"#32770", L"Save the flight")) != nullptr; }, kTimeout));
+    ASSERT_TRUE(WaitUntil([&] { return TextOf(GetDlgItem(dialog, kNameField)) == file; }, kTimeout));
     const std::wstring name = (folder / L"flight").wstring();
     SendDlgItemMessageW(dialog, kNameField, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(name.c_str()));
     PostMessageW(dialog, WM_COMMAND, IDOK, 0);
@@ -112,7 +112,7 @@ TEST(Samples, ATrackIsExportedThreeWays) {
   const kvtest::RunningProgram spreadsheet(kvtest::BuildFolder(L"tests") / L"export\\dde_server.exe",
                                            L"dde_server.log Excel System,[Book1]Sheet1");
   EXPECT_TRUE(WaitUntil([] { return kv::DdeConversation("Excel", "System").Poke("Selection", "[Book1]Sheet1!R1C1"); },
-                        kPatience));
+                        kTimeout));
   PostMessageW(track.Control(kSpreadsheet), BM_CLICK, 0, 0);
   EXPECT_TRUE(says(L"180 of 180 points sent."));
   EXPECT_EQ(0u, track.Close());
@@ -134,7 +134,7 @@ TEST(Samples, ASensorsValuesAreRecorded) {
     EXPECT_EQ(L"Waiting for a value.", connect(L"COM" + std::to_wstring(pair.port)));
     kvtest::PlayedCamera sensor(pair.farPort);
     EXPECT_TRUE(sensor.Send("nothing\r\n21.5\r\n"));
-    EXPECT_TRUE(WaitUntil([&] { return TextOf(recorder.Control(kStatus)) == L"21.5"; }, kPatience));
+    EXPECT_TRUE(WaitUntil([&] { return TextOf(recorder.Control(kStatus)) == L"21.5"; }, kTimeout));
   }
   EXPECT_TRUE(recorder.Shows(recorder.PlaceOf(kChart), 4));
   EXPECT_EQ(0u, recorder.Close());

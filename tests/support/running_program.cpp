@@ -9,7 +9,7 @@ namespace kvtest {
 
 namespace {
 
-constexpr DWORD kPatienceMs = 20000;
+constexpr DWORD kTimeoutMs = 20000;
 
 }  // namespace
 
@@ -23,7 +23,7 @@ RunningProgram::RunningProgram(const std::filesystem::path& program, const std::
 
 RunningProgram::~RunningProgram() {
   if (isRunning()) TerminateProcess(process_.hProcess, 99);
-  WaitForSingleObject(process_.hProcess, kPatienceMs);
+  WaitForSingleObject(process_.hProcess, kTimeoutMs);
   CloseHandle(process_.hThread);
   CloseHandle(process_.hProcess);
 }
@@ -40,7 +40,7 @@ HWND RunningProgram::Find(const wchar_t* windowClass, const wchar_t* title) cons
 
 DWORD RunningProgram::Close(HWND window) const {
   PostMessageW(window, WM_CLOSE, 0, 0);
-  WaitForSingleObject(process_.hProcess, kPatienceMs);
+  WaitForSingleObject(process_.hProcess, kTimeoutMs);
   DWORD code = 0;
   GetExitCodeProcess(process_.hProcess, &code);
   return code;

@@ -63,7 +63,7 @@ HWND CreateControl(HWND parent, const char* className, const char* text, DWORD s
                          GetModuleHandleA(nullptr), nullptr);
 }
 
-Picture::Picture(int width, int height) : width_(width), height_(height), dc_(CreateCompatibleDC(nullptr)) {
+TestBitmap::TestBitmap(int width, int height) : width_(width), height_(height), dc_(CreateCompatibleDC(nullptr)) {
   BITMAPINFO info{};
   info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
   info.bmiHeader.biWidth = width;
@@ -77,20 +77,20 @@ Picture::Picture(int width, int height) : width_(width), height_(height), dc_(Cr
   Fill(0xCC);
 }
 
-Picture::~Picture() {
+TestBitmap::~TestBitmap() {
   SelectObject(dc_, previous_);
   DeleteObject(bitmap_);
   DeleteDC(dc_);
 }
 
-COLORREF Picture::At(int x, int y) const {
+COLORREF TestBitmap::At(int x, int y) const {
   if (x < 0 || y < 0 || x >= width_ || y >= height_) return CLR_INVALID;
   GdiFlush();
   const std::uint32_t pixel = pixels_[static_cast<size_t>(y) * width_ + x];
   return RGB((pixel >> 16) & 0xFF, (pixel >> 8) & 0xFF, pixel & 0xFF);
 }
 
-int Picture::CountOf(COLORREF color) const {
+int TestBitmap::CountOf(COLORREF color) const {
   int count = 0;
   for (int y = 0; y < height_; ++y) {
     for (int x = 0; x < width_; ++x) count += At(x, y) == color;
@@ -98,12 +98,12 @@ int Picture::CountOf(COLORREF color) const {
   return count;
 }
 
-void Picture::Fill(std::uint8_t byte) {
+void TestBitmap::Fill(std::uint8_t byte) {
   GdiFlush();
   std::memset(pixels_, byte, static_cast<size_t>(width_) * height_ * sizeof(*pixels_));
 }
 
-SIZE ClipboardPictureSize(HWND owner, const Picture* copyTo) {
+SIZE ClipboardBitmapSize(HWND owner, const TestBitmap* copyTo) {
   if (!OpenClipboard(owner)) return {-1, -1};
   BITMAP shape{.bmWidth = -1, .bmHeight = -1};
   HANDLE bitmap = GetClipboardData(CF_BITMAP);
@@ -126,9 +126,9 @@ RECT PlaceOf(HWND dialog, int id) {
   return place;
 }
 
-HeardText HearWindow(HWND window) {
+AccessibleProperties ReadAccessible(HWND window) {
   void* object = nullptr;
-  HeardText heard{};
+  AccessibleProperties heard{};
   if (AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible), &object) != S_OK) {
     return heard;
   }

@@ -48,12 +48,12 @@ class RecordingParent {
 HWND CreateControl(HWND parent, const char* className, const char* text, DWORD style, RECT place, int id);
 
 // A 32-bit top-down picture in memory with a device context; every byte starts as 0xCC.
-class Picture {
+class TestBitmap {
  public:
-  Picture(int width, int height);
-  ~Picture();
-  Picture(const Picture&) = delete;
-  Picture& operator=(const Picture&) = delete;
+  TestBitmap(int width, int height);
+  ~TestBitmap();
+  TestBitmap(const TestBitmap&) = delete;
+  TestBitmap& operator=(const TestBitmap&) = delete;
 
   HDC dc() const { return dc_; }
   int width() const { return width_; }
@@ -73,18 +73,18 @@ class Picture {
 };
 
 // The size of the picture on the clipboard, negative when there is none; its pixels go to `copyTo`.
-SIZE ClipboardPictureSize(HWND owner, const Picture* copyTo = nullptr);
+SIZE ClipboardBitmapSize(HWND owner, const TestBitmap* copyTo = nullptr);
 
 // Where a control lies in its dialog's client area.
 RECT PlaceOf(HWND dialog, int id);
 
 // What a screen reader hears of a window: the answers of its IAccessible.
-struct HeardText {
+struct AccessibleProperties {
   std::wstring name, value;
   LONG role;
-  bool operator==(const HeardText&) const = default;
+  bool operator==(const AccessibleProperties&) const = default;
 };
-HeardText HearWindow(HWND window);
+AccessibleProperties ReadAccessible(HWND window);
 
 // Memory of exactly `size` bytes that ends where the next byte faults; optionally read-only.
 class GuardedBytes {

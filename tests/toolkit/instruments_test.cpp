@@ -42,12 +42,12 @@ TEST_F(Instruments, ReadOutsShowEveryValueOfTheirRangeWhole) {
   const std::tuple<double, double, int> ranges[] = {{0, 250, 0},   {0, 100, 0},   {0, 99, 1},    {0, 9.99, 2},
                                                     {0, 1, 2},     {-10, 10, 1},  {-500, 50, 0}, {-5, -1, 2},
                                                     {0, 31622, 0}, {0, 999.6, 0}, {0, 0.05, 4}};
-  for (const auto& [minimum, maximum, places] : ranges) {
+  for (const auto& [minimum, maximum, decimals] : ranges) {
     ASSERT_TRUE(SetInstrumentRange(parent_, kId, {.minimum = minimum, .maximum = maximum}));
     for (double value : {minimum, maximum, 0.77 * maximum + 0.23 * minimum}) {
       ASSERT_TRUE(SetInstrumentValue(parent_, kId, value, FALSE));
       wchar_t expected[40];
-      FormatBounded(expected, sizeof(expected), minimum < 0 ? L"%+.*f" : L"%.*f", places,
+      FormatBounded(expected, sizeof(expected), minimum < 0 ? L"%+.*f" : L"%.*f", decimals,
                     static_cast<double>(static_cast<float>(value)));
       EXPECT_EQ(expected, WithoutPadding(DigitalText(Block(), style_, {}))) << minimum << ".." << maximum;
     }
@@ -55,7 +55,7 @@ TEST_F(Instruments, ReadOutsShowEveryValueOfTheirRangeWhole) {
   EXPECT_EQ(317, ReadableMaximum(250, 250));
   EXPECT_EQ(999, ReadableMaximum(999, 999));
   Make(kModeGauge);  // the scale keeps its range
-  SetInstrumentRange(parent_, kId, {.maximum = 250, .unit = L"°C", .step = 0.25, .places = 9});
+  SetInstrumentRange(parent_, kId, {.maximum = 250, .unit = L"°C", .step = 0.25, .decimals = 9});
   EXPECT_EQ(std::tuple(250, 0.25f, 7), std::tuple(Block().maximum, Block().step, Block().format));
   EXPECT_EQ(L"°C", InstrumentUnit(Block()));
 }

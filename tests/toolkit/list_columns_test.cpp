@@ -34,7 +34,7 @@ TEST_F(ListColumns, ShareTheWidthAndKnowWhichWasClicked) {
 }
 
 TEST(ListRows, AreDrawnWithTheirCellsAndTheSelection) {
-  kvtest::Picture picture(200, 40);
+  kvtest::TestBitmap picture(200, 40);
   static std::string asked;
   asked.clear();
   const auto cell = [](UINT row, int column) {

@@ -58,7 +58,7 @@ INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
   return message == answered;
 }
 
-const ToolTipEntry kTips[] = {{IDC_LABEL, MAKEINTRESOURCEW(IDS_ENGLISH_ONLY)}};
+const TooltipEntry kTips[] = {{IDC_LABEL, MAKEINTRESOURCEW(IDS_ENGLISH_ONLY)}};
 const ScaledDialog kTest{.templateName = L"TEST",
                          .procedure = Procedure,
                          .parameter = 77,

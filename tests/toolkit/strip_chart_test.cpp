@@ -68,10 +68,10 @@ TEST_F(TypedCharts, DescribeAppendHoldAndRead) {
   RegisterHorizonClass(GetModuleHandleA(nullptr), TRUE);
   HWND horizon = kvtest::CreateControl(parent_, kHorizonClass, "", kHorizonTape, {0, 0, 90, 90}, kHorizonId);
   EXPECT_TRUE(SetHorizonAttitude(parent_, kHorizonId, {3, -4, 0, 90}, FALSE));
-  EXPECT_EQ(L"+3.0°, -4.0°, 090°", kvtest::HearWindow(horizon).value);
+  EXPECT_EQ(L"+3.0°, -4.0°, 090°", kvtest::ReadAccessible(horizon).value);
   EXPECT_FALSE(SetHorizonAttitude(parent_, kHorizonId, {NAN}, FALSE) || SetHorizonAttitude(parent_, kId, {}, FALSE));
   EXPECT_TRUE(ClearHorizonAttitude(parent_, kHorizonId));
-  EXPECT_EQ(L"", kvtest::HearWindow(horizon).value);
+  EXPECT_EQ(L"", kvtest::ReadAccessible(horizon).value);
   DestroyWindow(horizon);
   RegisterHorizonClass(GetModuleHandleA(nullptr), FALSE);
 }

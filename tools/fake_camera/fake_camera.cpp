@@ -56,7 +56,7 @@ Format CurrentFormat() {
   return format;
 }
 
-std::vector<BYTE> MakePicture(int frame) {
+std::vector<BYTE> MakeFrame(int frame) {
   const size_t bytesPerPixel = camera.bitCount / 8;
   const size_t rowBytes = (camera.width * bytesPerPixel + 3) / 4 * 4;
   const LONG height = std::abs(camera.height);
@@ -76,7 +76,7 @@ std::vector<BYTE> MakePicture(int frame) {
 }
 
 LRESULT SendFrame(HWND window, CAPVIDEOCALLBACK callback) {
-  std::vector<BYTE> picture = MakePicture(camera.framesMade++);
+  std::vector<BYTE> picture = MakeFrame(camera.framesMade++);
   VIDEOHDR header{};
   header.lpData = picture.data();
   header.dwBufferLength = header.dwBytesUsed = static_cast<DWORD>(picture.size());
@@ -87,7 +87,7 @@ LRESULT SendFrame(HWND window, CAPVIDEOCALLBACK callback) {
 
 LRESULT Connect(int driver) {
   if (camera.attempts < fakecamera::kMaxAttempts) camera.attemptedDrivers[camera.attempts++] = driver;
-  if (driver < 0 || driver > 31 || (camera.refusingDrivers >> driver & 1)) return FALSE;
+  if (driver < 0 || driver > 31 || (camera.rejectingDrivers >> driver & 1)) return FALSE;
   camera.connectedDriver = driver;
   if (camera.destroyedByConnecting) DestroyWindow(camera.destroyedByConnecting);
   return TRUE;
@@ -118,21 +118,21 @@ LRESULT CopyStatus(WPARAM room, LPARAM target) {
 }
 
 LRESULT TakeSequenceSetup(WPARAM size, LPARAM setup) {
-  if (camera.refusesSequenceSetup) return FALSE;
+  if (camera.rejectsSequenceSetup) return FALSE;
   std::memcpy(&camera.parameters, reinterpret_cast<const void*>(setup),
               std::min<size_t>(size, sizeof(camera.parameters)));
   return TRUE;
 }
 
 LRESULT TakeCaptureFile(LPARAM name) {
-  if (camera.refusesCaptureFile || !name) return FALSE;
+  if (camera.rejectsCaptureFile || !name) return FALSE;
   lstrcpynA(camera.captureFile, reinterpret_cast<const char*>(name), sizeof(camera.captureFile));
   return TRUE;
 }
 
 // Like a driver that records on the window's own thread: until it is stopped, or its window is gone.
 LRESULT RecordSequence(HWND window) {
-  if (camera.refusesSequence) return FALSE;
+  if (camera.rejectsSequence) return FALSE;
   camera.recording = TRUE;
   for (int i = 0; i < camera.maxSequenceFrames && camera.recording && IsWindow(window); ++i) {
     SendFrame(window, Self(window)->stream);

@@ -20,14 +20,14 @@ struct State {
   // Set by the test. Bit n of the masks stands for driver n.
   std::uint32_t presentDrivers = 1;
   std::uint32_t namelessDrivers = 0;
-  std::uint32_t refusingDrivers = 0;  // present, but busy when they should connect
-  LONG width = 320;                   // what the "format dialog" would change, also in the middle of it all
-  LONG height = 240;                  // negative: the top row comes first
-  WORD bitCount = 24;                 // 24, or 8 with a colour table
+  std::uint32_t rejectingDrivers = 0;  // present, but busy when they should connect
+  LONG width = 320;                    // what the "format dialog" would change, also in the middle of it all
+  LONG height = 240;                   // negative: the top row comes first
+  WORD bitCount = 24;                  // 24, or 8 with a colour table
   DWORD colorsUsed = 0;
-  BOOL refusesSequenceSetup = FALSE;
-  BOOL refusesCaptureFile = FALSE;
-  BOOL refusesSequence = FALSE;
+  BOOL rejectsSequenceSetup = FALSE;
+  BOOL rejectsCaptureFile = FALSE;
+  BOOL rejectsSequence = FALSE;
   HWND destroyedByConnecting = nullptr;  // by a user who closes it while the driver's dialog is up
   BOOL callsBackWhileClosing = FALSE;    // sends frames even after the callback was removed
   int maxSequenceFrames = 50;            // frames, unless it is stopped

@@ -40,11 +40,11 @@ class RemoteRect {
 
 }  // namespace
 
-HWND WaitForTarnwick(DWORD patienceMs) {
+HWND WaitForTarnwick(DWORD timeoutMs) {
   for (DWORD start = GetTickCount();;) {
     HWND window = FindWindowA("kvDialog", "Tarnwick");
     if (window && IsWindowVisible(window)) return window;
-    if (GetTickCount() - start > patienceMs) return nullptr;
+    if (GetTickCount() - start > timeoutMs) return nullptr;
     Sleep(10);
   }
 }

@@ -9,8 +9,8 @@
 
 namespace uidriver {
 
-// The main window, once it is visible; null if none shows within `patienceMs`.
-HWND WaitForTarnwick(DWORD patienceMs);
+// The main window, once it is visible; null if none shows within `timeoutMs`.
+HWND WaitForTarnwick(DWORD timeoutMs);
 
 // Where a toolbar button's centre is on the screen; {-1, -1} when there is no such command.
 POINT ToolbarButtonCentre(HWND window, int command);

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr DWORD kPatienceMs = 30000;
+constexpr DWORD kTimeoutMs = 30000;
 
 int Fail(const char* message) {
   std::fprintf(stderr, "uidriver: %s\n", message);
@@ -35,7 +35,7 @@ bool ShowsPoints(const std::array<std::string, 5>& texts) {
 
 int PrintPoints(HWND window) {
   std::array<std::string, 5> first{};
-  for (DWORD start = GetTickCount(); GetTickCount() - start < kPatienceMs; Sleep(50)) {
+  for (DWORD start = GetTickCount(); GetTickCount() - start < kTimeoutMs; Sleep(50)) {
     const auto texts = uidriver::StatusTexts(window);
     if (!ShowsPoints(texts)) continue;
     if (first[0].empty()) first = texts;
@@ -50,7 +50,7 @@ int PrintPoints(HWND window) {
 
 int Close(HWND window) {
   PostMessageA(window, WM_CLOSE, 0, 0);
-  for (DWORD start = GetTickCount(); GetTickCount() - start < kPatienceMs; Sleep(20)) {
+  for (DWORD start = GetTickCount(); GetTickCount() - start < kTimeoutMs; Sleep(20)) {
     if (!IsWindow(window)) return 0;
   }
   return Fail("the window did not close");
@@ -62,11 +62,11 @@ int main(int argc, char** argv) {
   constexpr struct {
     const char* name;
     int (*run)(HWND);
-  } kVerbs[] = {{"button", PrintButton}, {"points", PrintPoints}, {"close", Close}};
-  for (const auto& verb : kVerbs) {
-    if (argc != 2 || std::strcmp(argv[1], verb.name) != 0) continue;
-    HWND window = uidriver::WaitForTarnwick(kPatienceMs);
-    return window ? verb.run(window) : Fail("no Tarnwick window appeared");
+  } kCommands[] = {{"button", PrintButton}, {"points", PrintPoints}, {"close", Close}};
+  for (const auto& command : kCommands) {
+    if (argc != 2 || std::strcmp(argv[1], command.name) != 0) continue;
+    HWND window = uidriver::WaitForTarnwick(kTimeoutMs);
+    return window ? command.run(window) : Fail("no Tarnwick window appeared");
   }
   return Fail("usage: uidriver button | points | close");
 }
