@@ -85,10 +85,6 @@ void TryRates(HANDLE port, double until, const std::atomic<bool>& isStopped, Por
 
 }  // namespace
 
-bool IsCamera(const PortReport& report) {
-  return report.stream.records > 0;
-}
-
 // One port's part of a scan. Its thread writes `report` and then `isDone`; nobody else touches the report before. The
 // scan and the thread each own a share: a thread that hangs keeps its own.
 struct PortScan::Probe {

@@ -28,7 +28,9 @@ struct PortReport {
   std::vector<int> guessedRates;    // at which its bytes could be records, if none were received
 };
 
-bool IsCamera(const PortReport& report);
+inline bool IsCamera(const PortReport& report) {
+  return report.stream.records > 0;
+}
 
 class PortScan {
  public:

@@ -146,23 +146,24 @@ bool RecordStore::Append(const camera::FoundRecord& record, unsigned flags) {
 void RecordStore::AddStretch(const Stretch& stretch) {
   const auto kind = static_cast<size_t>(stretch.kind);
   std::vector<Stretch>& list = stretches_[kind];
+  double& longest = longestMerged_[kind];
   const auto add = [&](const Stretch& next) {
-    if (list.empty() || next.from - list.back().to >= mergeSeconds_[kind] || mergeSeconds_[kind] == 0) {
+    if (list.empty() || next.to - list.back().from > longest) {
       list.push_back(next);
       return;
     }
-    list.back().to = std::max(list.back().to, next.to);
+    list.back().to = next.to;
     list.back().bytes += next.bytes;
     list.back().count += next.count;
   };
   add(stretch);
-  while (list.size() > kMostStretches) {
-    // Wider and wider, until half of them are left: so this is rare.
-    mergeSeconds_[kind] = std::max(mergeSeconds_[kind] * 2, 0.01);
+  if (list.size() <= kMostStretches) return;
+  // So many are left after it that this is rare.
+  do {
+    longest = std::max(longest * 2, 0.01);
     const std::vector<Stretch> all = std::exchange(list, {});
     for (const Stretch& one : all) add(one);
-    if (list.size() > kMostStretches / 2 && list.size() <= kMostStretches) break;
-  }
+  } while (list.size() > kMostStretches / 2);
 }
 
 const std::vector<Stretch>& RecordStore::Stretches(StretchKind kind) const {

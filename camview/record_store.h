@@ -96,7 +96,7 @@ class RecordStore {
   std::vector<std::unique_ptr<Block>> blocks_;
   long long end_ = 0;
   std::vector<Stretch> stretches_[kStretchKinds];
-  double mergeSeconds_[kStretchKinds] = {};
+  double longestMerged_[kStretchKinds] = {-1, -1, -1};  // seconds; longer stretches are never made by merging
 };
 
 }  // namespace camview

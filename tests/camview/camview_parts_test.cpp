@@ -1,0 +1,326 @@
+// The pure parts of camview: the record store, what fills it, curves, statistics, and the playing position.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <initializer_list>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "app/camera_record.h"
+#include "camera/record_stream.h"
+#include "camview/envelope.h"
+#include "camview/playback.h"
+#include "camview/record_intake.h"
+#include "camview/record_store.h"
+#include "camview/statistics.h"
+#include "controls/strip_chart/strip_chart.h"
+
+namespace camview {
+namespace {
+
+camera::FoundRecord RecordAt(double seconds, LONG x = 100) {
+  camera::FoundRecord record{};
+  record.seconds = seconds;
+  record.isInRange = true;
+  for (kv::CameraPoint& point : record.points) point = {x, x / 2};
+  return record;
+}
+
+// Records of points that wander, some of which are not seen, with pauses and odd records now and then.
+std::vector<IntakeRecord> Wander(int count) {
+  std::mt19937 random(7);
+  std::vector<IntakeRecord> records;
+  double seconds = 1;
+  for (int i = 0; i < count; ++i) {
+    seconds += random() % 997 == 0 ? 5 : 0.01 + (random() % 1000) * 1e-6;
+    camera::FoundRecord record = RecordAt(seconds);
+    for (kv::CameraPoint& point : record.points) {
+      point = {static_cast<LONG>(random() % 1024), static_cast<LONG>(random() % 768)};
+      if (random() % 8 == 0) point = {kv::kNoPoint, kv::kNoPoint};
+    }
+    record.isInRange = random() % 500 != 0;
+    record.isOdd = !record.isInRange || random() % 300 == 0;
+    const bool isSilent = !records.empty() && seconds - records.back().record.seconds >= camera::kGapSeconds;
+    records.push_back({record, (isSilent ? kAfterSilence : 0) | (random() % 400 == 0 ? kAfterDamagedBytes : 0)});
+  }
+  return records;
+}
+
+bool IsSeen(const IntakeRecord& one, int point) {
+  const kv::CameraPoint& p = one.record.points[point];
+  return one.record.isInRange && p.x != kv::kNoPoint && p.y != kv::kNoPoint;
+}
+
+LONG ValueOf(const IntakeRecord& one, int channel) {
+  const kv::CameraPoint& point = one.record.points[channel / 2];
+  return channel % 2 ? point.y : point.x;
+}
+
+TEST(CamviewStore, GivesBackWhatItWasGivenAndFindsItByTime) {
+  const std::vector<IntakeRecord> given = Wander(3 * kBlockRecords + 100);
+  RecordStore store;
+  EXPECT_EQ(-1, store.At(5));
+  for (const IntakeRecord& one : given) ASSERT_TRUE(store.Append(one.record, one.flags));
+  ASSERT_EQ(static_cast<long long>(given.size()), store.End());
+  for (size_t i = 0; i < given.size(); ++i) {
+    const auto number = static_cast<long long>(i);
+    const StoredRecord got = store.Get(number);
+    ASSERT_NEAR(given[i].record.seconds, got.seconds, 0.6e-6);
+    const unsigned own = (given[i].record.isOdd ? kOddRecord : 0) | (given[i].record.isInRange ? 0 : kOutOfRange);
+    ASSERT_EQ(given[i].flags | own, got.flags);
+    for (int point = 0; point < kv::kPointCount; ++point) {
+      const kv::CameraPoint none{kv::kNoPoint, kv::kNoPoint};
+      const kv::CameraPoint expected = given[i].record.isInRange ? given[i].record.points[point] : none;
+      ASSERT_EQ(std::pair(expected.x, expected.y), std::pair(got.points[point].x, got.points[point].y)) << i;
+    }
+    ASSERT_EQ(number, store.Find(got.seconds));
+    ASSERT_EQ(number, store.At(got.seconds));
+    ASSERT_EQ(number + 1, store.Find(got.seconds + 0.001));
+    ASSERT_EQ(number - 1, store.At(got.seconds - 0.001));
+  }
+  EXPECT_EQ(0, store.Find(-1e300));
+  EXPECT_EQ(store.End(), store.Find(1e300));
+  EXPECT_EQ(store.End() - 1, store.At(1e300));
+}
+
+TEST(CamviewStore, FindsTheFirstOfManyWithOneTimeAndSurvivesYears) {
+  RecordStore store;
+  for (int i = 0; i < 2 * kBlockRecords; ++i) store.Append(RecordAt(2), 0);
+  store.Append(RecordAt(1, 5), 0);
+  const double years = 10 * 366 * 86400.0;
+  store.Append(RecordAt(years, 6), 0);
+  EXPECT_EQ(0, store.Find(2));
+  EXPECT_EQ(2 * kBlockRecords, store.At(2)) << "a time that goes back counts as the one before";
+  EXPECT_EQ(years, store.Seconds(store.End() - 1));
+  EXPECT_EQ(5, store.Get(store.End() - 2).points[0].x);
+}
+
+TEST(CamviewStore, DropsTheOldestBlockBeyondItsCapacity) {
+  RecordStore store(2 * kBlockRecords);
+  for (int i = 0; i < 5 * kBlockRecords + 1; ++i) store.Append(RecordAt(i, i % 1000), 0);
+  EXPECT_EQ(4 * kBlockRecords, store.First());
+  EXPECT_EQ(5 * kBlockRecords + 1, store.End());
+  EXPECT_EQ(store.First(), store.Find(0));
+  EXPECT_EQ(-1, store.At(10));
+  EXPECT_EQ(5 * kBlockRecords % 1000, store.Get(5 * kBlockRecords).points[0].x);
+  StoredRecord all[8];
+  EXPECT_EQ(2u, store.Read(store.End() - 2, all));
+  EXPECT_EQ(0u, store.Read(0, all));
+}
+
+TEST(CamviewStore, MergesStretchesWhenThereAreThousands) {
+  RecordStore store;
+  for (int i = 0; i < 50000; ++i) store.AddStretch({StretchKind::kMalformed, i * 0.3, i * 0.3 + 0.1, 7});
+  const auto& list = store.Stretches(StretchKind::kMalformed);
+  ASSERT_LE(list.size(), static_cast<size_t>(kMostStretches));
+  ASSERT_GE(list.size(), 100u);
+  long long bytes = 0, count = 0;
+  for (const Stretch& one : list) {
+    bytes += one.bytes;
+    count += one.count;
+  }
+  EXPECT_EQ(350000, bytes);
+  EXPECT_EQ(50000, count);
+  EXPECT_EQ(0, list.front().from);
+  EXPECT_DOUBLE_EQ(49999 * 0.3 + 0.1, list.back().to);
+  EXPECT_TRUE(store.Stretches(StretchKind::kSilent).empty());
+}
+
+TEST(CamviewIntake, NotesSilenceDamageAndMalformedBytes) {
+  const std::string record = "0100,0200,0300,0400,1023,1023,0512,0384\r\n";
+  RecordIntake intake;
+  IntakeBatch batch;
+  TakeBytes(&intake, 1, record.substr(20) + record, &batch);  // begins within a record, which is no fault
+  TakeBytes(&intake, 1.01, record.substr(0, 25), &batch);
+  TakeBytes(&intake, 1.02, record + record, &batch);
+  TakeBytes(&intake, 1.5, record, &batch);
+  TakeDamage(&intake, 1.52, 60, &batch);
+  TakeBytes(&intake, 1.52, record.substr(0, 30), &batch);
+  EndIntake(&intake, &batch);
+  TakeBytes(&intake, 3, record.substr(30) + record, &batch);  // no record out of two halves
+  TakeSilence(&intake, 9, &batch);
+  std::vector<unsigned> flags;
+  for (const IntakeRecord& one : batch.records) flags.push_back(one.flags);
+  EXPECT_EQ((std::vector<unsigned>{kAfterSilence, kAfterDamagedBytes, 0, 0, kAfterSilence | kAfterDamagedBytes}),
+            flags);
+  RecordStore store;
+  EXPECT_TRUE(StoreBatch(&batch, &store));
+  EXPECT_EQ(5, store.End());
+  EXPECT_TRUE(batch.records.empty() && batch.stretches.empty());
+  const auto list = [&](StretchKind kind) {
+    std::vector<std::pair<double, double>> times;
+    for (const Stretch& one : store.Stretches(kind)) times.emplace_back(one.from, one.to);
+    return times;
+  };
+  using Times = std::vector<std::pair<double, double>>;
+  EXPECT_EQ((Times{{0, 1}, {1.52, 3}, {3, 9}}), list(StretchKind::kSilent));
+  EXPECT_EQ((Times{{1.01, 1.02}, {3, 3}}), list(StretchKind::kMalformed));
+  EXPECT_EQ((Times{{1.5, 1.52}}), list(StretchKind::kDamaged));
+  EXPECT_EQ(25, store.Stretches(StretchKind::kMalformed)[0].bytes);
+}
+
+TEST(CamviewCurves, LoseNoExtremeAndShowGaps) {
+  const std::vector<IntakeRecord> given = Wander(20000);
+  RecordStore store;
+  for (const IntakeRecord& one : given) store.Append(one.record, one.flags);
+  const double end = given.back().record.seconds;
+  constexpr int kBuckets = 100;
+  Curves curves;
+  for (const auto& [from, to] : {std::pair{0.0, end}, {40.0, 90.0}, {50.0, 51.0}, {-5.0, 2 * end}}) {
+    MakeCurves(store, from, to, kBuckets, 0xFF, &curves);
+    for (int channel = 0; channel < kChannels; ++channel) {
+      const auto& curve = curves[channel];
+      ASSERT_FALSE(curve.empty());
+      EXPECT_LE(curve.size(), 6u * kBuckets);
+      EXPECT_TRUE(std::ranges::is_sorted(curve, {}, &kv::StripSample::time));
+      double lowest = 1e9, highest = -1, lowestThere = 1e9, highestThere = -1;
+      for (const IntakeRecord& one : given) {
+        if (one.record.seconds < from || one.record.seconds > to || !IsSeen(one, channel / 2)) continue;
+        lowestThere = std::min<double>(lowestThere, ValueOf(one, channel));
+        highestThere = std::max<double>(highestThere, ValueOf(one, channel));
+      }
+      for (const kv::StripSample& sample : curve) {
+        lowest = std::min(lowest, sample.value);  // a NaN is not taken
+        highest = std::max(highest, sample.value);
+      }
+      EXPECT_LE(lowest, lowestThere);
+      EXPECT_GE(highest, highestThere);
+    }
+  }
+  // Few records: each is a sample, and a line ends where the point vanishes or the line was silent.
+  RecordStore few;
+  for (const double seconds : {1.0, 2.0, 3.0}) few.Append(RecordAt(seconds, 10), 0);
+  few.Append(RecordAt(4, kv::kNoPoint), 0);
+  few.Append(RecordAt(5, 20), 0);
+  few.Append(RecordAt(9, 30), kAfterSilence);
+  MakeCurves(few, 2.5, 8, kBuckets, 2, &curves);
+  EXPECT_TRUE(curves[0].empty()) << "not asked for";
+  std::string text;
+  for (const kv::StripSample& sample : curves[1]) {
+    text += std::to_string(std::lround(sample.time)) +
+            (std::isnan(sample.value) ? "- " : "=" + std::to_string(std::lround(sample.value)) + " ");
+  }
+  EXPECT_EQ("2=5 3=5 3- 5=10 5- 9=15 ", text);
+  // Scrolled by some buckets, what is shown before and after is the same.
+  Curves scrolled;
+  MakeCurves(store, 40, 90, kBuckets, 1, &curves);
+  MakeCurves(store, 45, 95, kBuckets, 1, &scrolled);
+  const auto within = [](const std::vector<kv::StripSample>& curve) {
+    std::vector<std::pair<double, double>> samples;
+    for (const kv::StripSample& s : curve) {
+      if (s.time > 46 && s.time < 89) samples.emplace_back(s.time, std::isnan(s.value) ? -1 : s.value);
+    }
+    return samples;
+  };
+  EXPECT_EQ(within(curves[0]), within(scrolled[0]));
+}
+
+TEST(CamviewStatistics, AgreeWithAPlainComputation) {
+  const std::vector<IntakeRecord> given = Wander(10000);
+  RecordStore store;
+  for (const IntakeRecord& one : given) store.Append(one.record, one.flags);
+  const double from = given[1000].record.seconds, to = given[8999].record.seconds;
+  const StretchStatistics statistics = ComputeStatistics(store, from, to);
+  EXPECT_EQ(8000, statistics.records);
+  EXPECT_NEAR(7999 / (to - from), statistics.recordsPerSecond, 1e-6);
+  EXPECT_NEAR(0.0105, statistics.spacing, 0.0002);
+  for (int point = 0; point < kv::kPointCount; ++point) {
+    double seen = 0, records = 0, sum = 0, squares = 0;
+    const auto each = [&](const auto& take) {
+      for (size_t i = 1000; i < 9000; ++i) take(given[i]);
+    };
+    each([&](const IntakeRecord& one) {
+      records += one.record.isInRange;
+      seen += IsSeen(one, point);
+      sum += IsSeen(one, point) ? static_cast<double>(one.record.points[point].y) : 0;
+    });
+    const double mean = sum / seen;
+    each([&](const IntakeRecord& one) {
+      if (IsSeen(one, point)) squares += std::pow(static_cast<double>(one.record.points[point].y) - mean, 2);
+    });
+    const camera::PointSummary& summary = statistics.points[point];
+    EXPECT_NEAR(seen / records, SeenShare(statistics, point), 1e-12);
+    EXPECT_NEAR(mean, camera::Mean(summary.y, summary.seen), 1e-9);
+    EXPECT_NEAR(std::sqrt(squares / (seen - 1)), camera::Deviation(summary.y, summary.seen), 1e-9);
+  }
+  EXPECT_EQ(0, ComputeStatistics(store, given.back().record.seconds + 1, 1e300).records);
+}
+
+TEST(CamviewStatistics, CountLostRecords) {
+  const auto lost = [](std::initializer_list<std::pair<double, unsigned>> records) {
+    RecordStore store;
+    double seconds = 0;
+    for (int i = 0; i < 100; ++i) store.Append(RecordAt(seconds += 0.01), 0);
+    for (const auto& [pause, flags] : records) store.Append(RecordAt(seconds += pause), flags);
+    const StretchStatistics statistics = ComputeStatistics(store, 0, 1e9);
+    return std::pair(statistics.lostRecords, statistics.lostInSilence);
+  };
+  using Lost = std::pair<long long, long long>;
+  EXPECT_EQ((Lost{0, 0}), lost({{0.014, 0}, {0.006, 0}}));
+  EXPECT_EQ((Lost{3, 0}), lost({{0.02, 0}, {0.03, 0}}));
+  EXPECT_EQ((Lost{3, 0}), lost({{0.01, kAfterDamagedBytes}, {0.03, kAfterDamagedBytes}}));
+  EXPECT_EQ((Lost{100, 99}), lost({{0.02, 0}, {1, kAfterSilence}}));
+  // An adapter that hands over three at a time loses nothing.
+  RecordStore store;
+  for (int i = 0; i < 300; ++i) store.Append(RecordAt(i / 3 * 0.032), 0);
+  EXPECT_EQ(0, ComputeStatistics(store, 0, 100).lostRecords);
+  store.Append(RecordAt(99 * 0.032 + 0.96), kAfterSilence);
+  EXPECT_NEAR(3 * 29, static_cast<double>(ComputeStatistics(store, 0, 100).lostRecords), 1);
+}
+
+TEST(CamviewPlayback, FollowsAClockAndStopsAtTheEnd) {
+  Playback playback{.begin = 1, .end = 11, .position = 1};
+  Advance(&playback, 1000);
+  Play(&playback);
+  Advance(&playback, 1002);
+  EXPECT_EQ(3, playback.position);
+  SetSpeed(&playback, 1000);
+  EXPECT_EQ(kFastest, playback.speed);
+  SetSpeed(&playback, 2);
+  Advance(&playback, 1001);
+  EXPECT_EQ(3, playback.position) << "a clock that goes back moves nothing";
+  Advance(&playback, 1003);
+  EXPECT_EQ(7, playback.position);
+  Advance(&playback, 2000);
+  EXPECT_EQ(11, playback.position);
+  EXPECT_FALSE(playback.isPlaying);
+  Play(&playback);
+  EXPECT_EQ(1, playback.position);
+  Seek(&playback, 99);
+  EXPECT_EQ(11, playback.position);
+
+  RecordStore store;
+  for (const double seconds : {2.0, 4.0, 6.0}) store.Append(RecordAt(seconds), 0);
+  const std::pair<double, std::pair<int, double>> steps[] = {{1, {1, 2}},  {2, {1, 4}},  {3, {1, 4}}, {3, {-1, 2}},
+                                                             {4, {-1, 2}}, {2, {-1, 2}}, {9, {1, 6}}, {5, {-2, 2}}};
+  for (const auto& [position, step] : steps) {
+    Seek(&playback, position);
+    Step(&playback, store, step.first);
+    EXPECT_EQ(step.second, playback.position) << position << " by " << step.first;
+  }
+}
+
+TEST(CamviewTime, IsReadAndWritten) {
+  const std::pair<const char*, double> times[] = {{"75.2", 75.2},     {"1:15", 75},   {" 1:02:03,5 ", 3723.5},
+                                                  {"100:00", 6000.0}, {"0:00", 0},    {".5", 0.5},
+                                                  {"", -1},           {"1:60", -1},   {"1:2:3:4", -1},
+                                                  {"-1", -1},         {"1.5:00", -1}, {"1e5", -1},
+                                                  {"1:", -1},         {".", -1},      {"1 2", -1},
+                                                  {"1:60:00", -1},    {"0x5", -1},    {"1.2.3", -1}};
+  for (const auto& [text, expected] : times) {
+    double seconds = -1;
+    EXPECT_EQ(expected >= 0, ParseTime(text, &seconds)) << text;
+    EXPECT_DOUBLE_EQ(expected, seconds) << text;
+  }
+  EXPECT_EQ("0:00.000", FormatTime(0, 3));
+  EXPECT_EQ("1:15,2", FormatTime(75.2, 1, ','));
+  EXPECT_EQ("1:02:03", FormatTime(3723.4, 0));
+  EXPECT_EQ("1:00:00.00", FormatTime(3599.999, 2)) << "rounded as a whole";
+}
+
+}  // namespace
+}  // namespace camview
