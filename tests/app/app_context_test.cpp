@@ -20,7 +20,7 @@ std::wstring StoredFolder() {
   return std::to_wstring(size) + L" " + text;
 }
 
-TEST(DataFolder, IsStoredWholeAndLoadedIfItFits) {
+TEST(DataFolder, IsStoredAndLoadedIfItFits) {
   RegDeleteTreeA(HKEY_CURRENT_USER, kKey);
   AppContext context{}, loaded{};
   kvtest::GuardedBytes cut(sizeof(AppContext) - 1);
@@ -29,7 +29,7 @@ TEST(DataFolder, IsStoredWholeAndLoadedIfItFits) {
   EXPECT_TRUE(DataFolderSetting(&context, FALSE));
   EXPECT_STREQ(L"", context.szDataFolder);
   EXPECT_TRUE(DataFolderSetting(&context, TRUE));
-  EXPECT_EQ(L"2 ", StoredFolder()) << "the terminator alone";
+  EXPECT_EQ(L"2 ", StoredFolder()) << "only the terminator";
 
   const std::wstring fits = L"C:\\" + std::wstring(123, L'\x416') + L"x";  // 127 characters
   for (const std::wstring& folder : {fits, fits + L"y"}) {

@@ -28,7 +28,7 @@ bool IsAt(const CameraPoint& point, LONG x, LONG y) {
   return point.x == x && point.y == y;
 }
 
-// A context as start-up and the main dialog make it, and the reader thread on request.
+// A context as start-up and the main dialog create it; optionally with the reader thread.
 class CameraLinkTest : public testing::Test {
  protected:
   void SetUp() override {
@@ -66,9 +66,9 @@ class CameraLinkTest : public testing::Test {
   bool FirstPointBecomes(LONG x, LONG y, milliseconds limit = milliseconds(3000)) {
     return WaitUntil([&] { return IsAt(context_.points[0], x, y); }, limit);
   }
-  // The camera streams; a busy machine may still keep it from being heard within the scan's 250 ms.
+  // The camera sends continuously; on a busy machine the scan may still receive nothing within its 250 ms.
   bool Connects() { return ConnectCamera(&context_, TRUE) || ConnectCamera(&context_, TRUE); }
-  // Lets the line be quiet for long enough that a started read has ended.
+  // Sends nothing until a started read has ended.
   void Quiet() { Sleep(60); }
 
   SerialLine line_;
@@ -111,7 +111,7 @@ HANDLE WINAPI NoEvent(SECURITY_ATTRIBUTES*, BOOL, BOOL, const char*) {
   return nullptr;
 }
 
-TEST_F(CameraLinkTest, ReaderWithoutMemoryForItsEventReadsAsSoonAsThereIs) {
+TEST_F(CameraLinkTest, ReaderRetriesUntilItsEventCanBeCreated) {
   {
     const kvtest::ReplacedImport scarce("CreateEventA", reinterpret_cast<void*>(NoEvent));
     ASSERT_TRUE(scarce.isInPlace());
@@ -124,7 +124,7 @@ TEST_F(CameraLinkTest, ReaderWithoutMemoryForItsEventReadsAsSoonAsThereIs) {
   }));
 }
 
-TEST_F(CameraLinkTest, TransactionSendsAndListens) {
+TEST_F(CameraLinkTest, TransactionSendsAndReceives) {
   HANDLE port = OpenCameraPort(kPort);
   OVERLAPPED overlapped{};
   overlapped.hEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
@@ -160,7 +160,7 @@ TEST_F(CameraLinkTest, TransactionSendsAndListens) {
   CloseHandle(overlapped.hEvent);
 }
 
-// Sends the same bytes periodically until it goes out of scope.
+// Sends the same bytes periodically during its lifetime.
 std::jthread Chatter(PlayedCamera* camera, const std::string& bytes, DWORD periodMs) {
   return std::jthread([=](const std::stop_token& stop) {
     while (!stop.stop_requested()) {
@@ -170,10 +170,10 @@ std::jthread Chatter(PlayedCamera* camera, const std::string& bytes, DWORD perio
   });
 }
 
-TEST_F(CameraLinkTest, ScanPassesSilentPortsAndTakesTheCameras) {
+TEST_F(CameraLinkTest, ScanSkipsSilentPortsAndTakesTheCameras) {
   const SerialLine silent(SerialLine::CanUnplug() ? kvtest::ComPair{2, 12} : kvtest::ComPair{});
   EXPECT_EQ(0u, ConnectCamera(nullptr, TRUE));
-  EXPECT_EQ(0u, ConnectCamera(&context_, TRUE)) << "nobody sends";
+  EXPECT_EQ(0u, ConnectCamera(&context_, TRUE)) << "no data is sent";
   EXPECT_EQ(-1, context_.nPort);
   EXPECT_EQ(INVALID_HANDLE_VALUE, context_.hPort);
 
@@ -194,8 +194,8 @@ TEST_F(CameraLinkTest, ScanPassesSilentPortsAndTakesTheCameras) {
   EXPECT_EQ(0u, context_.bConnected);
 }
 
-TEST_F(CameraLinkTest, ScanWantsMoreThanFifteenBytes) {
-  // A busy machine may hand two pieces over as one, or none in time: one right answer of several tries is enough.
+TEST_F(CameraLinkTest, ScanRequiresMoreThanFifteenBytes) {
+  // A busy machine may deliver two pieces as one, or too late: one correct result of several tries is enough.
   const auto answers = [&](size_t pieceBytes, DWORD expected) {
     const std::jthread chatter = Chatter(&camera_, std::string(pieceBytes, '1'), 120);
     for (int tries = 0; tries < 5; ++tries) {
@@ -226,16 +226,16 @@ TEST_F(CameraLinkTest, ReaderStoresChangedPointsOnly) {
   EXPECT_TRUE(WaitUntil([&] { return context_.bChanged && IsAt(context_.points[3], 1023, 1022); }));
 }
 
-TEST_F(CameraLinkTest, ReaderDropsWhatIsNoRecordAndRealigns) {
+TEST_F(CameraLinkTest, ReaderDropsInvalidRecordsAndResynchronizes) {
   OpenAndRead();
   ASSERT_TRUE(camera_.Send(RecordOf(10, 10)));
   ASSERT_TRUE(FirstPointBecomes(10, 10));
   const std::string disturbed[] = {
       RecordOf(20, 20).substr(7),                                    // starts in the middle
       RecordOf(20, 20).substr(0, 40),                                // one byte short
-      RecordOf(20, 20).substr(0, 12) + RecordOf(20, 20).substr(15),  // bytes lost within
+      RecordOf(20, 20).substr(0, 12) + RecordOf(20, 20).substr(15),  // lost bytes
       "x" + RecordOf(20, 20),                                        // garbage in front
-      std::string(300, ','),                                         // nothing but garbage
+      std::string(300, ','),                                         // only garbage
       std::string(41, '\0'),
   };
   LONG next = 30;
@@ -244,22 +244,22 @@ TEST_F(CameraLinkTest, ReaderDropsWhatIsNoRecordAndRealigns) {
     Quiet();
     EXPECT_FALSE(IsAt(context_.points[0], 20, 20)) << bytes;
     ASSERT_TRUE(camera_.Send(RecordOf(next, next)));
-    EXPECT_TRUE(FirstPointBecomes(next, next)) << "not realigned after " << bytes;
+    EXPECT_TRUE(FirstPointBecomes(next, next)) << "out of sync after " << bytes;
     Quiet();
     ++next;
   }
 }
 
-TEST_F(CameraLinkTest, ReaderJoinsARecordAcrossAShortGapOnly) {
+TEST_F(CameraLinkTest, ReaderJoinsARecordOnlyAcrossAShortGap) {
   OpenAndRead();
   const std::string late = RecordOf(50, 51);
   ASSERT_TRUE(camera_.Send(late.substr(0, 20)));
   Quiet();
   ASSERT_TRUE(camera_.Send(late.substr(20)));
   Quiet();
-  EXPECT_FALSE(IsAt(context_.points[0], 50, 51)) << "two halves with a pause between are no record";
+  EXPECT_FALSE(IsAt(context_.points[0], 50, 51)) << "two halves with a pause between them are not a record";
 
-  // A busy machine may stretch a gap beyond 5 ms, so one join of several tries is enough.
+  // A busy machine may extend a gap beyond 5 ms, so one success of several tries is enough.
   bool joined = false;
   for (LONG x = 60; x < 70 && !joined; ++x) {
     const std::string record = RecordOf(x, x);

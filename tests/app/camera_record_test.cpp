@@ -8,7 +8,7 @@
 namespace kv {
 namespace {
 
-// The points after parsing, as "x,y" each; a point without numbers stays at 1024,768.
+// The points after parsing, each as "x,y"; a point without numbers remains at 1024,768.
 std::string Parse(std::string record) {
   CameraPoint points[kPointCount];
   for (CameraPoint& point : points) point = {1024, 768};
@@ -18,7 +18,7 @@ std::string Parse(std::string record) {
   return text.substr(1);
 }
 
-TEST(CameraRecord, EveryCommaCountsAndNothingElse) {
+TEST(CameraRecord, OnlyTheCommasAreChecked) {
   const std::string good = "0100,0200,0300,0400,1023,1023,1023,1023\r\n";
   ASSERT_EQ(kRecordLength, good.size());
   EXPECT_TRUE(HasRecordShape(good.data()));
@@ -30,7 +30,7 @@ TEST(CameraRecord, EveryCommaCountsAndNothingElse) {
   EXPECT_TRUE(HasRecordShape("abcd,    ,+001,-002,,,,,,....,    ,9999??"));
 }
 
-TEST(CameraRecord, NumbersAreReadLeniently) {
+TEST(CameraRecord, NumbersAreParsedLeniently) {
   const std::pair<const char*, const char*> cases[] = {
       {"0100,0767,  12,   3,1023,1023,0000,0001\r\n", "100,767 12,3 1023,1023 0,1"},
       {"-001,+002,12x4,abcd,    ,0x10,7   ,  08??", "-1,2 12,0 0,0 7,8"},
@@ -39,7 +39,7 @@ TEST(CameraRecord, NumbersAreReadLeniently) {
   for (const auto& [record, points] : cases) EXPECT_EQ(points, Parse(record)) << record;
 }
 
-TEST(CameraRecord, WrittenRecordsReadBack) {
+TEST(CameraRecord, FormattedRecordsRoundTrip) {
   const CameraPoint points[kPointCount] = {{0, 0}, {1023, 767}, {512, 7}, {9, 1023}};
   char record[kRecordLength];
   WriteRecord(points, record);

@@ -13,7 +13,7 @@ bool Is(const RECT& place, const RECT& expected) {
 
 TEST(MainDialogGeometry, StatusPartsAndButtonsShareTheWidth) {
   EXPECT_EQ((std::array<int, 5>{130, 258, 386, 514, 642}), StatusPartEdges(656));
-  EXPECT_EQ(128 + 1, StatusPartEdges(652)[0]) << "fractions are cut, not rounded";
+  EXPECT_EQ(128 + 1, StatusPartEdges(652)[0]) << "fractions are truncated, not rounded";
   EXPECT_TRUE(Is(StatusButtonRect(0, {656, 400}), {3, 383, 128, 399}));
   EXPECT_TRUE(Is(StatusButtonRect(1, {656, 400}), {134, 383, 256, 399}));
 }
@@ -26,12 +26,12 @@ TEST(MainDialogGeometry, BackgroundFollowsTheScales) {
   EXPECT_EQ(std::tuple(7, 28, 475), std::tuple(same.frameRadius, same.topLines[0].y, same.bottomLines[7].y));
   const BackgroundLine& shadow = same.shadowLines[3];
   EXPECT_EQ(std::tuple(609, 14 + 3 + 8, 451), std::tuple(shadow.fromX, shadow.toX, shadow.y));
-  // Half as wide, twice as high between the bars: the average scale is 1.25, the shadow is spread by 2.
+  // Half as wide, twice as high between the bars: the average scale is 1.25, the shadow's scale is 2.
   const BackgroundShape tall = ShapeBackground({300, 950}, design, 30, 20, tab);
   EXPECT_TRUE(Is(tall.frame, {19, 56, 308, 456}));
   EXPECT_EQ(std::tuple(8, 19 + 15, 456 + 8),
             std::tuple(tall.frameRadius, tall.shadowLines[4].toX, tall.shadowLines[4].y));
-  // A flat window never lets the shadow lines fall together, and a design without room does not divide by zero.
+  // In a flat window the shadow lines remain distinct, and a design of height 0 causes no division by zero.
   const BackgroundShape flat = ShapeBackground({600, 275}, design, 30, 20, tab);
   EXPECT_EQ(flat.frame.bottom + 7, flat.shadowLines[7].y);
   EXPECT_TRUE(Is(ShapeBackground({300, 200}, {0, 50}, 30, 20, {0, 0, 100, 100}).frame, {-10, -8, 308, 108}));

@@ -83,7 +83,7 @@ class MainDialogTest : public testing::Test {
     RegQueryValueExA(key, kMainPositionName, nullptr, nullptr, reinterpret_cast<BYTE*>(stored), &size);
     return stored;
   }
-  // The colour in the face of a status button, apart from its text; or at another place of its 60 x 16 pixels.
+  // The background colour of a status button, beside its text, or the colour of another of its 60 x 16 pixels.
   COLORREF Face(int id, int x = 3, int y = 5) {
     kvtest::TestBitmap bitmap(60, 16);
     DRAWITEMSTRUCT item{.CtlType = ODT_BUTTON, .CtlID = static_cast<UINT>(id), .itemAction = ODA_DRAWENTIRE};
@@ -102,7 +102,7 @@ TEST_F(MainDialogTest, StartsIdleWithThePageShown) {
   EXPECT_EQ(0, context_.nTabPage);
   EXPECT_EQ(-1, context_.nPort);
   EXPECT_EQ(INVALID_HANDLE_VALUE, context_.hPort);
-  EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(context_.hConnectEvent, 0)) << "starts signalled";
+  EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(context_.hConnectEvent, 0)) << "is initially signalled";
   EXPECT_EQ("---", Text(IDC_PORT));
   EXPECT_TRUE(IsWindowVisible(GetDlgItem(dialog_, IDC_CHART)));
   EXPECT_GT(context_.layout[0].width, 500);
@@ -119,25 +119,25 @@ TEST_F(MainDialogTest, NewPointsReachTheChartOnceUnlessPaused) {
   Call(WM_TIMER, kPointsTimer);
   EXPECT_EQ(100, Shown().points[0].x);
   EXPECT_EQ(0u, context_.bChanged);
-  EXPECT_EQ("-", Text(IDC_POINT_1)) << "no port, no numbers";
+  EXPECT_EQ("-", Text(IDC_POINT_1)) << "no numbers without a port";
 
   context_.nPort = 7;
   Call(WM_COMMAND, IDM_PAUSE);
   Arrive(300, 400);
   Call(WM_TIMER, kPointsTimer);
-  EXPECT_EQ(100, Shown().points[0].x) << "the chart stands still while paused";
+  EXPECT_EQ(100, Shown().points[0].x) << "the chart does not change while paused";
   EXPECT_EQ(1u, context_.bChanged);
-  EXPECT_EQ("300,400", Text(IDC_POINT_1)) << "the numbers do not";
+  EXPECT_EQ("300,400", Text(IDC_POINT_1)) << "the numbers do while paused";
 
   Call(WM_COMMAND, IDM_PAUSE);
   Call(WM_TIMER, kPointsTimer);
   EXPECT_EQ(300, Shown().points[0].x);
 }
 
-TEST_F(MainDialogTest, StatusButtonsTellTheState) {
+TEST_F(MainDialogTest, StatusButtonsShowTheState) {
   const COLORREF idle = Face(IDC_PORT);
   EXPECT_GT(GetBValue(idle), GetRValue(idle) + 60) << "blue";
-  context_.hPort = CreateEventA(nullptr, TRUE, FALSE, nullptr);  // any handle that closing may close
+  context_.hPort = CreateEventA(nullptr, TRUE, FALSE, nullptr);  // any handle that may be closed
   const COLORREF running = Face(IDC_PORT);
   EXPECT_NE(kWhite, Face(IDC_PORT, 48, 8));
   EXPECT_GT(GetGValue(running), GetRValue(running) + 60) << "green";
@@ -147,8 +147,8 @@ TEST_F(MainDialogTest, StatusButtonsTellTheState) {
   EXPECT_GT(GetRValue(paused), GetBValue(paused) + 60) << "amber";
   Call(WM_TIMER, kBlinkTimer);
   EXPECT_NE(paused, Face(IDC_PORT)) << "blinks while paused";
-  EXPECT_EQ(kWhite, Face(IDC_PORT, 48, 8)) << "a mark for whom amber looks like green";
-  EXPECT_EQ(idle, Face(IDC_POINT_2)) << "the points do not";
+  EXPECT_EQ(kWhite, Face(IDC_PORT, 48, 8)) << "a mark, for users who cannot distinguish amber from green";
+  EXPECT_EQ(idle, Face(IDC_POINT_2)) << "the points do not blink";
   Call(WM_TIMER, kBlinkTimer);
   EXPECT_EQ(paused, Face(IDC_PORT));
   EXPECT_EQ(reinterpret_cast<INT_PTR>(GetStockObject(NULL_BRUSH)),
@@ -160,7 +160,7 @@ TEST_F(MainDialogTest, StatusButtonsTellTheState) {
             kvtest::ReadAccessible(point));
 }
 
-TEST_F(MainDialogTest, CommandsDoWhatTheySay) {
+TEST_F(MainDialogTest, CommandsWork) {
   for (const auto& [command, selection] : {std::pair(32773, 5), {33767, 999}, {33768, 999}, {IDM_RESERVED, 999}}) {
     Call(WM_COMMAND, static_cast<WPARAM>(command));
     EXPECT_EQ(selection, context_.nMenuSelection) << command;
@@ -179,7 +179,7 @@ TEST_F(MainDialogTest, CommandsDoWhatTheySay) {
   EXPECT_TRUE(PeekMessageA(&message, dialog_, WM_CLOSE, WM_CLOSE, PM_REMOVE));
 }
 
-TEST_F(MainDialogTest, EnterNeverClosesAndTabWalksTheControls) {
+TEST_F(MainDialogTest, EnterNeverClosesAndTabMovesTheFocus) {
   SetForegroundWindow(dialog_);
   SetFocus(GetDlgItem(dialog_, IDC_PORT));
   std::set<int> visited;
@@ -215,7 +215,7 @@ TEST_F(MainDialogTest, LayoutFillsTheWindowAtEverySize) {
   EXPECT_EQ(std::tuple(512, 512), std::tuple(tooSmall.right, tooSmall.bottom));
 }
 
-TEST_F(MainDialogTest, RefusesAnUnusableRecordInEveryHandler) {
+TEST_F(MainDialogTest, RejectsAnInvalidContextInEveryHandler) {
   kvtest::GuardedBytes cut(sizeof(AppContext) - 1);
   const LONG record = SetWindowLongA(dialog_, DWL_USER, reinterpret_cast<LONG>(cut.data()));
   for (const UINT message : {WM_SIZE, WM_PAINT, WM_CLOSE, WM_DRAWITEM, WM_NOTIFY, WM_COMMAND, WM_TIMER, WM_HSCROLL}) {
@@ -224,14 +224,14 @@ TEST_F(MainDialogTest, RefusesAnUnusableRecordInEveryHandler) {
   EXPECT_EQ(1, Call(WM_INITDIALOG, 0, 0));
   SetWindowLongA(dialog_, DWL_USER, record);
   EXPECT_EQ(1, Call(WM_DRAWITEM, 0, 1)) << "unreadable item";
-  EXPECT_EQ(0, Call(WM_NOTIFY, 0, 1)) << "unreadable notice";
+  EXPECT_EQ(0, Call(WM_NOTIFY, 0, 1)) << "unreadable notification";
 }
 
-TEST_F(MainDialogTest, CloseAndEndOfTheSessionSaveAndCloseStopsTheReader) {
+TEST_F(MainDialogTest, CloseAndEndSessionSaveAndCloseStopsTheReader) {
   SetWindowPos(dialog_, nullptr, 30, 40, 700, 600, SWP_NOZORDER);
   lstrcpyW(context_.szDataFolder, L"C:\\data");
   Call(WM_ENDSESSION, FALSE);
-  EXPECT_EQ("", StoredPosition()) << "somebody else has refused";
+  EXPECT_EQ("", StoredPosition()) << "another program has refused";
   Call(WM_ENDSESSION, TRUE);
   EXPECT_EQ("30,40,730,640", StoredPosition());
   AppContext next{};
@@ -249,11 +249,11 @@ TEST_F(MainDialogTest, CloseAndEndOfTheSessionSaveAndCloseStopsTheReader) {
   EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(thread, 0));
   CloseHandle(thread);
   EXPECT_EQ(0, GetWindowLongA(dialog_, DWL_USER));
-  EXPECT_TRUE(IsWindow(dialog_)) << "goes with the process";
+  EXPECT_TRUE(IsWindow(dialog_)) << "ends with the process";
   EXPECT_EQ("31,40,731,640", StoredPosition());
 }
 
-TEST_F(MainDialogTest, BackgroundSparesTheControlsOnIt) {
+TEST_F(MainDialogTest, BackgroundIsClippedAroundTheControls) {
   for (const int id : {IDC_CHART, IDC_STATUS_BAR, IDC_PORT, IDC_POINT_4}) {
     HWND control = GetDlgItem(dialog_, id);
     const WindowDc dc(control);
@@ -275,10 +275,10 @@ TEST_F(MainDialogTest, FollowsNewSystemColours) {
   Call(WM_SYSCOLORCHANGE);
   UpdateWindow(dialog_);
   const WindowDc dc(dialog_);
-  EXPECT_EQ(after, GetPixel(dc, ClientSize(dialog_).cx - 20, 10)) << "the band of the toolbar";
+  EXPECT_EQ(after, GetPixel(dc, ClientSize(dialog_).cx - 20, 10)) << "the toolbar's background";
   const MemoryDc strip(dc);
   const SelectedObject selected(strip, context_.hToolbarStrip);
-  EXPECT_EQ(after, GetPixel(strip, 0, 0)) << "the ground of its images";
+  EXPECT_EQ(after, GetPixel(strip, 0, 0)) << "the background of its images";
   SetSysColors(1, &element, &before);
 }
 

@@ -1,6 +1,6 @@
 // Random messages for every window class, with good and bad pointers, in a parent that measures and draws at random,
-// sends the control messages while it is asked and destroys it now and then. The control must survive that, leave no
-// memory behind and not touch a record that is gone; nothing else is promised.
+// sends the control messages from its handlers and occasionally destroys it. The control must not crash, leak memory or
+// access state that has been freed; nothing else is tested.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -44,12 +44,12 @@ constexpr UINT kMessages[] = {kCommand,        kCommand,          kCommand,
                               LB_RESETCONTENT, WM_CAPTURECHANGED, LB_SETHORIZONTALEXTENT,
                               WM_CANCELMODE};
 
-// Gives each of the program's records pages of its own, which nobody gets again: whoever touches one that was freed
+// Allocates each of the program's memory blocks on separate pages that are never reused: an access to a freed block
 // ends the test.
 class GuardedRecords {
   static HGLOBAL WINAPI Allocate(UINT, SIZE_T size) {
     auto* bytes = static_cast<char*>(VirtualAlloc(nullptr, size, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
-    return bytes ? bytes + ((0 - size) & 0xFF8) : nullptr;  // ends where the page does
+    return bytes ? bytes + ((0 - size) & 0xFF8) : nullptr;  // ends at the page's end
   }
   static void* WINAPI Lock(HGLOBAL memory) { return memory; }
   static BOOL WINAPI Unlock(HGLOBAL) { return TRUE; }
@@ -64,9 +64,9 @@ class GuardedRecords {
       free_{"GlobalFree", reinterpret_cast<void*>(Free)};
 };
 
-// `make` gives the control, and another one whenever it has been destroyed. Mixes in `own`, further messages that the
-// control handles; left out is what would hand a wild pointer to Windows itself instead of to the control. Sizes stay
-// below 300 pixels. The environment variable KV_FUZZ sets the number of messages.
+// `make` creates the control, and another one when it has been destroyed. `own` are further messages that the control
+// handles. Messages that would pass a wild pointer to Windows instead of the control are omitted. Sizes are below 300
+// pixels. The environment variable KV_FUZZ sets the number of messages.
 void FuzzMessages(kvtest::RecordingParent& parent, const std::function<HWND()>& make, const std::vector<UINT>& own) {
   const GuardedRecords guard;
   std::vector<UINT> messages(std::begin(kMessages), std::end(kMessages));
@@ -78,7 +78,7 @@ void FuzzMessages(kvtest::RecordingParent& parent, const std::function<HWND()>& 
   readOnly.MakeReadOnly();
   GuardedBytes writable(512);
   for (unsigned i = 0; i < 512; ++i) writable.as<unsigned char>()[i] = static_cast<unsigned char>(random());
-  // Wild addresses lie where nobody's memory is: a control that may write to what it is given must not hit the test's.
+  // Wild addresses are never mapped: a control may write to the addresses it receives, but not to the test's memory.
   constexpr unsigned kWildSize = 1 << 20;
   void* const wild = VirtualAlloc(nullptr, kWildSize, MEM_RESERVE, PAGE_NOACCESS);
   const auto address = [](const void* pointer) { return reinterpret_cast<LPARAM>(pointer); };
@@ -93,7 +93,8 @@ void FuzzMessages(kvtest::RecordingParent& parent, const std::function<HWND()>& 
                                 address(readOnly.data()),
                                 address(writable.data()),
                                 address(writable.as<char>() + 500)};
-    constexpr WPARAM kMasks[] = {0xFFFFFFFF, 0xFFFFFF1F, 0x1F};  // small numbers more often: most codes are
+    constexpr WPARAM kMasks[] = {0xFFFFFFFF, 0xFFFFFF1F,
+                                 0x1F};  // small numbers more often, because most codes are small
     const UINT message = anyMessage();
     const bool isSize = message == WM_SIZE || message == WM_COPY;
     const LPARAM lParam = isSize ? MAKELPARAM(below(300), below(300)) : addresses[below(ARRAYSIZE(addresses))];
@@ -129,12 +130,12 @@ void FuzzMessages(kvtest::RecordingParent& parent, const std::function<HWND()>& 
     if (i == length / 2) inUse = memoryInUse();
     if (!IsWindow(control)) control = make();
     if (below(500) == 0) MoveWindow(control, 0, 0, below(300), below(300), TRUE);
-    if (below(16) == 0) ShowScrollBar(control, SB_BOTH, FALSE);  // else a bar appears only once
+    if (below(16) == 0) ShowScrollBar(control, SB_BOTH, FALSE);  // otherwise a bar appears only once
     send();
     writable.as<unsigned char>()[below(512)] = static_cast<unsigned char>(random());
     if (i % 64 == 0) PumpMessages();
   }
-  EXPECT_LT(memoryInUse(), inUse + (4 << 20));  // some room for what the system keeps for itself
+  EXPECT_LT(memoryInUse(), inUse + (4 << 20));  // tolerance for the system's own allocations
   parent.Answer(nullptr);
   VirtualFree(wild, 0, MEM_RELEASE);
 }
@@ -186,7 +187,7 @@ class MessageFuzzing : public testing::TestWithParam<FuzzedClass> {
   static inline std::unique_ptr<kvtest::RecordingParent> parent_;
 };
 
-TEST_P(MessageFuzzing, LeavesAWorkingControlAndNothingBehind) {
+TEST_P(MessageFuzzing, LeavesAWorkingControlAndNoLeaks) {
   const FuzzedClass& fuzzed = GetParam();
   kvtest::CreateControl(*parent_, "EDIT", "beneath", 0, {60, 40, 65, 60}, 2);
   kvtest::CreateControl(*parent_, "BUTTON", "beneath", 0, {0, 0, 60, 60}, 3);

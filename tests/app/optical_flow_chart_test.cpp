@@ -58,12 +58,12 @@ TEST_F(ChartTest, ExchangesPointsThroughItsMask) {
   FlowPoints remove{.mask = 0b0010, .points = {{1, 1}, {1, 1}, {1, 1}, {1, 1}}};
   EXPECT_EQ(0, Command(kCommandRemove | kChartPoints, &remove));
   EXPECT_TRUE(IsNowhere(Read().points[1]));
-  EXPECT_EQ(0, Read().points[0].y) << "others stay";
+  EXPECT_EQ(0, Read().points[0].y) << "others are unchanged";
   EXPECT_EQ(0, Command(kChartClear));
   EXPECT_TRUE(IsNowhere(Read().points[0]));
 }
 
-TEST_F(ChartTest, DrawsEachPointOnItsPlaceAndNothingElse) {
+TEST_F(ChartTest, DrawsEachPointAtItsPositionAndNothingElse) {
   TestBitmap bitmap(512, 384);
   Command(kChartClear);
   SendMessageA(chart_, WM_COPY, 0, 0);
@@ -79,7 +79,7 @@ TEST_F(ChartTest, DrawsEachPointOnItsPlaceAndNothingElse) {
   EXPECT_GT(bitmap.CountOf(kBlack), 512 * 384 - 3 * 20 * 20);
 }
 
-TEST_F(ChartTest, CopiesAtTheAskedSizeWithinLimits) {
+TEST_F(ChartTest, CopiesAtTheRequestedSizeWithinLimits) {
   for (const auto& [asked, made] :
        {std::pair{SIZE{10, 10000}, SIZE{64, 5120}}, {{200, 100}, {200, 100}}, {{0, 0}, {512, 384}}}) {
     SendMessageA(chart_, WM_COPY, 0, MAKELPARAM(asked.cx, asked.cy));
@@ -93,11 +93,11 @@ TEST_F(ChartTest, RedrawsOnlyOnDemand) {
   FlowPoints set{.mask = 1, .points = {{512, 384}}};
   Command(kChartPoints, &set);
   const WindowDc dc(chart_);
-  EXPECT_EQ(kBlack, GetPixel(dc, 256, 192)) << "shown at the next paint only";
+  EXPECT_EQ(kBlack, GetPixel(dc, 256, 192)) << "shown only at the next paint";
   Command(kCommandRedraw | kChartPoints, &set);
   EXPECT_FALSE(GetUpdateRect(chart_, nullptr, FALSE)) << "painted at once";
   EXPECT_NE(kBlack, GetPixel(dc, 256, 192));
-  // A refresh renders all of the picture, whatever has become of it.
+  // A refresh renders the whole image.
   struct StateHead {
     void* unused[3];
     HBITMAP hBackBuffer;
@@ -107,21 +107,21 @@ TEST_F(ChartTest, RedrawsOnlyOnDemand) {
   SetBitmapBits(state->hBackBuffer, 512 * 4, white.data());
   Command(kChartRefresh);
   EXPECT_EQ(kBlack, GetPixel(dc, 5, 0));
-  SendMessageA(chart_, WM_CREATE, 0, 0);  // a second one must not cost a second record
+  SendMessageA(chart_, WM_CREATE, 0, 0);  // the state must not be allocated twice
   EXPECT_EQ(reinterpret_cast<LONG>(state), GetWindowLongA(chart_, GWL_USERDATA));
 }
 
-// What is drawn anew for a change, next to what stands already, must be what drawing all of it anew gives.
-TEST_F(ChartTest, ShowsTheSameAfterManyChangesAsAPictureMadeAtOnce) {
+// A partial redraw must give the same image as a full redraw.
+TEST_F(ChartTest, PartialRedrawEqualsFullRedraw) {
   std::mt19937 random(7);
   const auto coordinate = [&] { return static_cast<LONG>(random() % 8 ? random() % 1100 : kNoPoint); };
   TestBitmap shown(512, 384), anew(512, 384);
   for (int round = 0; round < 40; ++round) {
     FlowPoints change{.mask = static_cast<DWORD>(random() % 16), .points = {}};
-    // Close together at times, so that markers overlap.
+    // Sometimes close together, so that markers overlap.
     const LONG near_ = round % 3 ? 0 : 500;
     for (CameraPoint& point : change.points) point = {coordinate() / (near_ ? 20 : 1) + near_, coordinate() / 2};
-    if (round == 20) MoveWindow(chart_, 0, 0, 0, 0, TRUE);  // nothing to draw on
+    if (round == 20) MoveWindow(chart_, 0, 0, 0, 0, TRUE);  // no client area
     if (round == 21) MoveWindow(chart_, 0, 0, 500, 380, TRUE);
     Command((round % 5 ? 0 : kCommandRemove) | (round % 4 ? kCommandRedraw : 0) | kChartPoints, &change);
     if (round % 4 == 0) continue;
@@ -148,7 +148,7 @@ TEST_F(ChartTest, ShowsTheFocusOnItsEdgeOnly) {
   }
 }
 
-TEST_F(ChartTest, RejectsBadAddressesSwallowsInputAndPassesDroppedFilesOn) {
+TEST_F(ChartTest, RejectsBadAddressesIgnoresInputAndForwardsDroppedFiles) {
   kvtest::GuardedBytes tooSmall(sizeof(FlowPoints) - 1), readOnly(sizeof(FlowPoints));
   readOnly.MakeReadOnly();
   EXPECT_EQ(1, Command(kChartPoints, nullptr));

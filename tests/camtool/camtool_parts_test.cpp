@@ -1,4 +1,4 @@
-// The pure parts of camtool: command line, faults, paths, recordings, records in a stream, and what scan concludes.
+// The pure parts of camtool: command line, faults, paths, recordings, record streams, and the evaluation of a scan.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -29,7 +29,7 @@ namespace {
 
 constexpr char kRecord[] = "0100,0200,0300,0400,1023,1023,0512,0384\r\n";
 
-TEST(CamtoolArguments, AreReadByATableAndRejectedWithAReason) {
+TEST(CamtoolArguments, AreParsedByATableAndRejectedWithAReason) {
   double number = 0, size = 0;
   bool flag = false;
   std::string text, error;
@@ -78,7 +78,7 @@ std::string Play(const FaultPlan& plan, int records) {
   return sent;
 }
 
-TEST(CamtoolFaults, DoWhatTheirNamesSayAsOftenAsAskedForAndRepeatWithTheirSeed) {
+TEST(CamtoolFaults, HaveTheirEffectAndFrequencyAndAreReproducible) {
   FaultPlan all;
   EXPECT_EQ(std::string(kRecord) + kRecord, Play(all, 2)) << "no faults, no change";
   for (Trigger& trigger : all.triggers) trigger = {Trigger::kChance, 0.1};
@@ -113,11 +113,11 @@ TEST(CamtoolFaults, DoWhatTheirNamesSayAsOftenAsAskedForAndRepeatWithTheirSeed) 
   const FaultStep second = InjectFaults(&injector, 0.01, kRecord), third = InjectFaults(&injector, 0.02, kRecord);
   EXPECT_EQ(plan.pauseSeconds, second.pauseSeconds);
   EXPECT_EQ(plan.hangUpSeconds, second.hangUpSeconds);
-  EXPECT_EQ(kSlowPace, third.pace) << "the stretch goes on";
+  EXPECT_EQ(kSlowPace, third.pace) << "the stretch continues";
   EXPECT_EQ(0, third.pauseSeconds);
 }
 
-TEST(CamtoolPaths, BuiltInCurvesStaySmoothInsideTheField) {
+TEST(CamtoolPaths, BuiltInCurvesAreSmoothAndInsideTheField) {
   bool hidden[kv::kPointCount] = {}, seen[kv::kPointCount] = {};
   kv::CameraPoint last[kv::kPointCount];
   PointsAt(0, last);
@@ -139,7 +139,7 @@ TEST(CamtoolPaths, BuiltInCurvesStaySmoothInsideTheField) {
   for (int i = 0; i < kv::kPointCount; ++i) EXPECT_TRUE(hidden[i] && seen[i]) << i;
 }
 
-TEST(CamtoolPaths, AreReadFromWhatExportAndSpreadsheetsWrite) {
+TEST(CamtoolPaths, AreReadFromFilesOfExportAndSpreadsheets) {
   PointPath path;
   std::string error, csv = camera::CsvHeader();
   camera::AppendCsvRow({.seconds = 1.5, .points = {{1, 2}, {3, 4}, {1023, 1023}, {7, 8}}}, &csv);
@@ -155,9 +155,9 @@ TEST(CamtoolPaths, AreReadFromWhatExportAndSpreadsheetsWrite) {
   EXPECT_EQ(1, xAt(0.9));
   EXPECT_EQ(8, points[3].y);
   EXPECT_EQ(9, xAt(1.1));
-  EXPECT_EQ(kv::kNoPoint, points[1].x) << "a pair that is not there";
+  EXPECT_EQ(kv::kNoPoint, points[1].x) << "a missing pair";
   EXPECT_EQ(kv::kNoPoint, xAt(2.9)) << "an empty pair";
-  EXPECT_EQ(1, xAt(3.1)) << "from the beginning";
+  EXPECT_EQ(1, xAt(3.1)) << "repeats from the beginning";
 
   PointPath perRecord;
   ASSERT_TRUE(ParsePath("\xEF\xBB\xBFx;y\n10;20\n30;40", &perRecord, &error)) << error;
@@ -215,7 +215,7 @@ std::string SmallRecording() {
   return file + camera::EncodeEnd(123456);
 }
 
-TEST(CamtoolRecording, IsReadableWhereverItIsTruncated) {
+TEST(CamtoolRecording, IsReadableWhenTruncatedAnywhere) {
   const std::string file = SmallRecording();
   const Read whole = ReadAll(file, 7);
   EXPECT_EQ(kChunkCount, whole.chunks);
@@ -235,9 +235,9 @@ TEST(CamtoolRecording, IsReadableWhereverItIsTruncated) {
   EXPECT_FALSE(ReadAll("time,x1,y1\n", 1000).isRecording);
 }
 
-TEST(CamtoolRecording, LosesOnlyTheChunkThatIsDamaged) {
+TEST(CamtoolRecording, LosesOnlyTheDamagedChunk) {
   const std::string file = SmallRecording();
-  // Not the first bytes, by which it is known.
+  // Not the signature.
   for (size_t at = 8; at < camera::kRecordingHeaderBytes + kChunkCount * kChunkSize; ++at) {
     std::string damaged = file;
     damaged[at] ^= 0x20;
@@ -246,7 +246,7 @@ TEST(CamtoolRecording, LosesOnlyTheChunkThatIsDamaged) {
               std::tuple(read.chunks, read.decoder.damageCount, read.decoder.hasEnd))
         << at;
   }
-  // A whole chunk with a wrong time, far ahead, must not take the later ones with it.
+  // An intact chunk with a wrong time, far in the future, must not invalidate the later ones.
   const Read jumped = ReadAll(
       camera::EncodeHeader({}) + camera::EncodeChunks(~std::uint64_t{0}, "?") + camera::EncodeChunks(5, kRecord), 100);
   EXPECT_EQ(kRecord, jumped.bytes);
@@ -255,7 +255,7 @@ TEST(CamtoolRecording, LosesOnlyTheChunkThatIsDamaged) {
   EXPECT_EQ(large, ReadAll(camera::EncodeHeader({}) + camera::EncodeChunks(1, large), 100000).bytes);
 }
 
-TEST(CamtoolStream, FindsRecordsAndCountsWhatIsBetweenThem) {
+TEST(CamtoolStream, FindsRecordsAndCountsBytesBetweenThem) {
   const std::string record = kRecord;
   const std::string stream = record.substr(30) + record + "garbage" + record + record.substr(0, 20) + "01x0" +
                              record.substr(4) + record.substr(0, 5);
@@ -266,19 +266,19 @@ TEST(CamtoolStream, FindsRecordsAndCountsWhatIsBetweenThem) {
       camera::FeedStream(&found, static_cast<double>(at), std::string_view(stream).substr(at, part), &records);
     }
     camera::EndStream(&found);
-    // The last record's first number is read as Tarnwick reads it.
+    // The last record's first number is parsed as Tarnwick parses it.
     EXPECT_EQ(std::tuple(3u, 11, 2, 27, 1, 1, 384),
               std::tuple(records.size(), found.leadBytes, found.malformedStretches, found.malformedBytes,
                          found.oddRecords, found.last.points[0].x, found.last.points[3].y));
     EXPECT_EQ("garbage 0100,", found.stretches[0].sample + " " + found.pending);
     EXPECT_NEAR(0.6, camera::WellFormedShare(found), 1e-9);
     if (part == 1) {
-      EXPECT_EQ(51, records.front().seconds) << "when its last byte came";
+      EXPECT_EQ(51, records.front().seconds) << "the time of its last byte";
       EXPECT_EQ(1, found.longestGap);
       EXPECT_NEAR(2 / (found.lastSeconds - 51), camera::RecordRate(found), 1e-9);
     }
   }
-  // Tarnwick reads the last number on into closing digits.
+  // As in Tarnwick, closing digits become part of the last number.
   for (const auto& [odd, y, isInRange] : {std::tuple{record.substr(0, 39) + "05", 38405L, false},
                                           std::tuple{record.substr(0, 35) + "001012", 1012L, true},
                                           std::tuple{record.substr(0, 35) + "-001\r\n", -1L, false}}) {
@@ -293,7 +293,7 @@ TEST(CamtoolStream, FindsRecordsAndCountsWhatIsBetweenThem) {
 TEST(CamtoolScan, EstimatesHowLikelyOnePressFindsTheCamera) {
   EXPECT_EQ(0, camera::DetectionProbability({}, 0, 1));
   constexpr double kAtOnce = 0, kByteSeconds = 10 / 38400.0;
-  // The records' period, their bytes and the time that each takes on the line, and how likely one press finds them.
+  // The records' period, their bytes and the time of each on the line, and the probability that one press finds them.
   const std::tuple<const char*, double, int, double, double> cases[] = {
       {"no gap: the read is full", 1 / 90.0, 41, kByteSeconds, 1},
       {"the last 15 bytes of a record are too few", 0.05, 41, kByteSeconds, 1 - 15 * kByteSeconds / 0.05},
@@ -309,7 +309,7 @@ TEST(CamtoolScan, EstimatesHowLikelyOnePressFindsTheCamera) {
   }
 }
 
-TEST(CamtoolScan, RecognizesAWrongBaudRateByItsBytes) {
+TEST(CamtoolScan, RecognizesAWrongBaudRateFromTheBytes) {
   std::mt19937 random(3);
   for (const int rate : camera::kUsualRates) {
     std::string received;
@@ -322,8 +322,8 @@ TEST(CamtoolScan, RecognizesAWrongBaudRateByItsBytes) {
     EXPECT_NE(guesses.end(), std::ranges::find(guesses, rate)) << rate;
   }
   EXPECT_EQ(kRecord, camera::ReceiveAtRate(kRecord, 38400, 38400));
-  // 'U' is 1 and 0 in turn: at half the receiver's rate each bit is received twice, from the second half of the start
-  // bit on.
+  // 'U' alternates 1 and 0: sent at half the receiver's rate, each bit is received twice, from the second half of the
+  // start bit on.
   EXPECT_EQ("\x66\xE6", camera::ReceiveAtRate("U", 19200, 38400).substr(0, 2));
   std::string noise, text;
   while (noise.size() < 300) noise += static_cast<char>(random() >> 24);
@@ -335,7 +335,7 @@ TEST(CamtoolScan, RecognizesAWrongBaudRateByItsBytes) {
   EXPECT_FALSE(camera::LooksLikeText(noise));
 }
 
-TEST(CamtoolScan, SaysWhatEachPortIsAndWhichOneTarnwickTakes) {
+TEST(CamtoolScan, ReportsTheStateOfEachPortAndTarnwicksChoice) {
   std::vector<camera::PortReport> reports(5);
   for (int i = 0; i < 5; ++i) {
     reports[i].number = i + 1;

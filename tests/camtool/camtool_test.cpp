@@ -1,4 +1,4 @@
-// The real camtool on pairs of COM ports.
+// The real camtool on null-modem pairs of COM ports.
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -42,10 +42,10 @@ std::string TemporaryFile(const char* name) {
   return std::string(folder) + name;
 }
 
-// A run of camtool, its outputs in files.
+// A run of camtool with its outputs in files.
 class Camtool {
  public:
-  // `input` is a file for its standard input; with `isClosed` nobody reads its output.
+  // `input` is a file for its standard input; with `isClosed` its standard output is a closed pipe.
   explicit Camtool(const std::string& arguments, const std::string& input = "NUL", bool isClosed = false) {
     const std::string number = std::to_string(++count_);
     SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
@@ -82,7 +82,7 @@ class Camtool {
   Camtool(const Camtool&) = delete;
   Camtool& operator=(const Camtool&) = delete;
 
-  // The exit code; -1 if it does not end.
+  // The exit code; -1 if the program does not end.
   int Wait() const {
     DWORD code = 0;
     if (WaitForSingleObject(process_, 30000) != WAIT_OBJECT_0 || !GetExitCodeProcess(process_, &code)) return -1;
@@ -111,8 +111,8 @@ std::string PointsOf(const std::string& csv) {
   return points;
 }
 
-TEST(Camtool, ScansSilentBusyTalkingAndCameraPorts) {
-  if (!SerialLine::CanUnplug()) GTEST_SKIP() << "four pairs of ports cannot be made here";
+TEST(Camtool, ScansSilentBusySendingAndCameraPorts) {
+  if (!SerialLine::CanUnplug()) GTEST_SKIP() << "this machine cannot create four pairs of ports";
   SerialLine talking({5, 6}), line({7, 8}), silent({9, 10}), busy({11, 12});
   PlayedCamera camera(8), wrongRate(6), holder(11);
   std::jthread sender([&](const std::stop_token& stop) {
@@ -163,7 +163,7 @@ TEST(Camtool, RecordsReplaysAndExports) {
   const Camtool silent("record COM3 \"" + first + "\" --overwrite --seconds 0.2");
   EXPECT_EQ(camtool::kDone, silent.Wait());
   EXPECT_PRED2(Says, silent.Said(), "no data received");
-  EXPECT_EQ(whole, ReadFileText(first)) << "what is replaced stays until there is something in its place";
+  EXPECT_EQ(whole, ReadFileText(first)) << "the old file is unchanged until a new one replaces it";
   {
     const Camtool record("record COM3 - --seconds 8");
     ASSERT_TRUE(holdsHeader([&] { return record.Output(); })) << record.Said();
@@ -183,7 +183,7 @@ TEST(Camtool, RecordsReplaysAndExports) {
   EXPECT_EQ(camtool::kDone, closed.Wait());
   EXPECT_EQ("", closed.Said());
 
-  // Truncated within its last chunk but one, it gives all rows but the last ones.
+  // Truncated within the chunk before the last, it gives all but the last rows.
   const std::string bytes = ReadFileText(second);
   WriteFileText(second, bytes.substr(0, bytes.size() - 40));
   const Camtool toOutput("export \"" + second + "\"");
@@ -194,7 +194,7 @@ TEST(Camtool, RecordsReplaysAndExports) {
   for (const std::string& path : {first, second, csv}) DeleteFileA(path.c_str());
 }
 
-TEST(Camtool, WatchesAPortUntilItIsDisconnected) {
+TEST(Camtool, WatchesAPortUntilDisconnected) {
   if (!SerialLine::CanUnplug()) GTEST_SKIP() << "no pair of ports can be made here";
   SerialLine line({3, 4});
   PlayedCamera camera(4);
@@ -211,10 +211,10 @@ TEST(Camtool, WatchesAPortUntilItIsDisconnected) {
   EXPECT_PRED2(Says, watch.Said(), "COM3 was disconnected");
 }
 
-TEST(Camtool, LosesNoFileThatExists) {
+TEST(Camtool, KeepsExistingFiles) {
   const std::string recording = TemporaryFile("camtool kept.twr"), link = TemporaryFile("camtool link.twr");
   const std::string csv = TemporaryFile("camtool kept.csv"), record = "0100,0200,0300,0400,1023,1023,0512,0384";
-  // The last number of the second record runs on into its closing bytes: no row that simulate could not read.
+  // The last number of the second record includes closing bytes: export omits the row, which simulate could not read.
   const std::string bytes = camera::EncodeHeader({133801632000000000, 38400, 3}) +
                             camera::EncodeChunks(1, record + "\r\n" + record + "05") + camera::EncodeEnd(2);
   WriteFileText(recording, bytes);
@@ -233,7 +233,7 @@ TEST(Camtool, LosesNoFileThatExists) {
   }
   EXPECT_EQ(bytes, ReadFileText(recording));
   {
-    // Written, but not replaced at the end, since somebody has it open.
+    // Written, but not replaced at the end, because another program has the target open.
     const std::ifstream holder(csv);
     const Camtool run(toTarget(csv));
     EXPECT_EQ(camtool::kFailed, run.Wait());
@@ -271,7 +271,7 @@ TEST(Camtool, LosesNoFileThatExists) {
   for (const std::string& path : {recording, link, csv}) DeleteFileA(path.c_str());
 }
 
-TEST(Camtool, RejectsWhatItCannotDo) {
+TEST(Camtool, RejectsInvalidCommands) {
   const std::tuple<const char*, int, const char*> cases[] = {
       {"", camtool::kUsageError, "camtool COMMAND --help"},
       {"nonsense", camtool::kUsageError, "unknown command \"nonsense\"; run \"camtool --help\""},

@@ -22,7 +22,7 @@ namespace {
 
 constexpr UINT kCloseTheLink = WM_APP + 7;
 
-// The fake camera in its first state, and a host for the link. The library is the one that the link loads.
+// The fake camera in its initial state, and a host for the link. The link loads the same library.
 class VideoCapture : public testing::Test {
  protected:
   void SetUp() override {
@@ -40,7 +40,7 @@ class VideoCapture : public testing::Test {
   }
 
   fakecamera::State& camera() { return *camera_; }
-  // Opens the link that the test's end closes.
+  // Opens the link; the fixture closes it.
   VideoLink* Open() {
     link_ = OpenVideoLink(host_);
     return link_;
@@ -49,7 +49,7 @@ class VideoCapture : public testing::Test {
   bool Draw(int width = 8, int height = 8, int left = 0, int top = 0) {
     return DrawVideoFrame(link_, bitmap_.dc(), left, top, width, height);
   }
-  // What the frame bitmap holds at a place; row 0 is stored first.
+  // A pixel of the frame bitmap; row 0 is stored first.
   COLORREF PixelOf(int x, int y) {
     GdiFlush();
     return static_cast<const std::uint32_t*>(link_->framePixels)[y * link_->frameWidth + x] & 0xFFFFFF;
@@ -68,7 +68,7 @@ class VideoCapture : public testing::Test {
   VideoLink* link_ = nullptr;
 };
 
-TEST_F(VideoCapture, OpensTheFirstDriverThatAnswersOnTheFifthAttempt) {
+TEST_F(VideoCapture, OpensTheFirstWorkingDriverAtTheFifthAttempt) {
   VideoLink* link = Open();
   EXPECT_EQ(0, camera().connectedDriver);
   EXPECT_TRUE(camera().previewing && camera().parameters.fYield);
@@ -85,7 +85,7 @@ TEST_F(VideoCapture, OpensTheFirstDriverThatAnswersOnTheFifthAttempt) {
   EXPECT_FALSE(camera().previewing || CloseVideoLink(link));
 }
 
-TEST_F(VideoCapture, SearchesFromFourDownAndAroundUntilADriverAnswers) {
+TEST_F(VideoCapture, SearchesFromFourDownwardsAndWrapsAround) {
   camera().presentDrivers = 0xFF;
   camera().namelessDrivers = 1 << 3;
   camera().rejectingDrivers = 0xFF & ~(1 << 5);
@@ -107,12 +107,12 @@ TEST_F(VideoCapture, SearchesFromFourDownAndAroundUntilADriverAnswers) {
   }
 }
 
-TEST_F(VideoCapture, FramesArriveTopDownAndAreDrawn) {
+TEST_F(VideoCapture, FramesAreConvertedToTopDownAndDrawn) {
   VideoLink* link = Open();
   ASSERT_TRUE(kvtest::WaitUntil([&] { return camera().framesMade >= 2; }));
   ExpectFrame(camera().framesMade - 1);
 
-  // Drawing asks for a frame of its own and stretches it, each pixel as it is.
+  // Drawing requests a new frame and stretches it without blending pixels.
   const int before = camera().framesMade;
   ASSERT_TRUE(Draw(640, 480, 10, 5));
   EXPECT_EQ(before + 1, camera().framesMade);
@@ -124,14 +124,14 @@ TEST_F(VideoCapture, FramesArriveTopDownAndAreDrawn) {
   EXPECT_FALSE(DrawVideoFrame(link, nullptr, 0, 0, 10, 10));
 }
 
-TEST_F(VideoCapture, PicturesWithTheTopRowFirstAreNotTurnedOver) {
+TEST_F(VideoCapture, TopDownFramesAreNotFlipped) {
   camera().height = -240;
   EXPECT_EQ(-240, Open()->frameFormat.header.biHeight);
   ASSERT_TRUE(Draw());
   ExpectFrame(camera().framesMade - 1);
 }
 
-TEST_F(VideoCapture, AHostThatGoesWhileTheDriverConnectsLeavesNothingBehind) {
+TEST_F(VideoCapture, AHostDestroyedDuringConnectionLeaksNothing) {
   SIZE_T before = 0;
   for (int i = 0; i < 2000; ++i) {
     if (i == 500) before = kvtest::MemoryInUse();
@@ -140,32 +140,32 @@ TEST_F(VideoCapture, AHostThatGoesWhileTheDriverConnectsLeavesNothingBehind) {
     ASSERT_EQ(nullptr, OpenVideoLink(host));
   }
   camera().connectedDriver = -1;
-  EXPECT_LT(kvtest::MemoryInUse(), before + (256 << 10)) << "1,500 records are 433 KB";
+  EXPECT_LT(kvtest::MemoryInUse(), before + (256 << 10)) << "1,500 links are 433 KB";
 }
 
 TEST_F(VideoCapture, AChangedFormatIsStretchedIntoTheSameBitmap) {
   VideoLink* link = Open();
-  // Half the size: read by the old format, the frame would end in the middle.
+  // Half the size: read with the old format, the frame would end in the middle.
   camera().width = 160;
   camera().height = 120;
   ASSERT_TRUE(Draw());
   EXPECT_EQ(320, link->frameWidth);
   EXPECT_EQ(0xC0C0C0u, PixelOf(0, 0));
   EXPECT_EQ(0x0000C0u, PixelOf(319, 100));
-  // A colour table of 256 entries, of which the record holds one.
+  // A colour table of 256 entries; the link stores only one.
   camera().width = 320;
   camera().height = 240;
   camera().bitCount = 8;
   ASSERT_TRUE(Draw());
   EXPECT_EQ(0xD8D8FFu, PixelOf(0, 0));
   EXPECT_EQ(0xD80000u, PixelOf(5 * 320 / 7 + 5, 0));
-  // A format that became unusable leaves the latest frame.
+  // When the format becomes unusable, the latest frame remains.
   camera().width = 0;
   EXPECT_TRUE(Draw());
   EXPECT_EQ(0xD8D8FFu, PixelOf(0, 0));
 }
 
-TEST_F(VideoCapture, FramesThatCannotBeReadAreRefused) {
+TEST_F(VideoCapture, UnreadableFramesAreRejected) {
   constexpr DWORD kSize = 320 * 240 * 3;
   const HWND capture = Open()->hCapture;
   const CAPVIDEOCALLBACK arrived = camera().frameCallback;
@@ -182,7 +182,7 @@ TEST_F(VideoCapture, FramesThatCannotBeReadAreRefused) {
   EXPECT_EQ(0, arrived(capture, &header));
   camera().colorsUsed = 0;
 
-  // Once closed there is no link: nothing is drawn, whatever comes.
+  // After closing, nothing is drawn.
   camera().callsBackWhileClosing = TRUE;
   EXPECT_TRUE(Close());
   EXPECT_EQ(1, camera().closingCallbackResult);
@@ -194,7 +194,7 @@ TEST_F(VideoCapture, RecordsUntilStopped) {
   VideoLink* link = Open();
   camera().maxSequenceFrames = 1000000;
   camera().parameters = {};
-  // The yield callback dispatches what waits for the capture window; a quit message stays for the program's loop.
+  // The yield callback dispatches messages for the capture window; a quit message remains for the program's loop.
   PostMessageA(link->hCapture, WM_CAP_STOP, 0, 0);
   PostQuitMessage(42);
   EXPECT_NE(0, RecordVideo(link, "C:\\flight.avi", TRUE));
@@ -209,7 +209,7 @@ TEST_F(VideoCapture, RecordsUntilStopped) {
   EXPECT_NE(0, RecordVideo(link, nullptr, FALSE));
   EXPECT_FALSE(camera().recording);
 
-  // Each step that fails ends it.
+  // Each failing step ends it.
   camera().captureFile[0] = '\0';
   for (BOOL fakecamera::State::* step : {&fakecamera::State::rejectsSequenceSetup,
                                          &fakecamera::State::rejectsCaptureFile, &fakecamera::State::rejectsSequence}) {
@@ -224,7 +224,7 @@ TEST_F(VideoCapture, RecordsUntilStopped) {
   EXPECT_EQ(1, camera().framesRecorded);
 }
 
-TEST_F(VideoCapture, ManyFramesLeaveNoHandleBehind) {
+TEST_F(VideoCapture, ManyFramesLeakNoHandle) {
   camera().width = camera().height = 4;
   Open();
   const kvtest::ScarceObjects scarce(50);
@@ -255,7 +255,7 @@ TEST_F(VideoCapture, MayBeClosedWhileItRecords) {
   EXPECT_FALSE(Close());
 }
 
-TEST_F(VideoCapture, ForeignRecordsAreRefused) {
+TEST_F(VideoCapture, ForeignHandlesAreRejected) {
   VideoLink untagged = *Open(), windowless = untagged;
   kvtest::GuardedBytes cut(sizeof(VideoLink) - 4), readOnly(sizeof(VideoLink));
   std::memcpy(cut.data(), &untagged, sizeof(VideoLink) - 4);
@@ -272,7 +272,7 @@ TEST_F(VideoCapture, ForeignRecordsAreRefused) {
   EXPECT_EQ(frames, camera().framesMade);
 }
 
-TEST_F(VideoCapture, ErrorTextIsShownInABox) {
+TEST_F(VideoCapture, ErrorTextIsShownInAMessageBox) {
   std::wstring shown;
   host_.Answer([&](HWND host, UINT message, WPARAM, LPARAM, LRESULT*) {
     HWND box = message == WM_TIMER ? FindWindowW(L"#32770", L"Video Error") : nullptr;

@@ -1,4 +1,4 @@
-// The display instrument as a window: what its owner can send, what screen readers hear, and that it bears everything.
+// The display instrument as a window: commands, accessibility, and robustness.
 #include "controls/display_instrument.h"
 
 #include <gtest/gtest.h>
@@ -28,7 +28,7 @@ constexpr float kInfinite = std::numeric_limits<float>::infinity();
 class DisplayInstrument : public InstrumentTest {};
 
 TEST_F(DisplayInstrument, EveryModeStartsWithItsDefaults) {
-  // Mode, range, unit, then format and name as created and as reset.
+  // Mode, range, unit, then format and name after creation and after a reset.
   using Defaults = std::tuple<DWORD, float, float, std::string, int, std::string, int, std::string>;
   const Defaults cases[] = {{0, 0, 100, "%", 0, "Relative", 0, "Relative"},
                             {9, 0, 100, "%", 0, "Relative", 0, "Relative"},
@@ -66,7 +66,7 @@ TEST_F(DisplayInstrument, ExchangesStayWithinTheOwnersMemory) {
     const InstrumentState before = Record(control);
     EXPECT_EQ(0, Send(control, code | kCommandRedraw, shortOne.data()));
     EXPECT_EQ(0, Send(control, code | kCommandRedraw, nullptr));
-    if (code == kCommandValue) break;  // says "no value" by it
+    if (code == kCommandValue) break;  // an unreadable address means "no value"
     EXPECT_EQ(0, memcmp(&before, &Record(control), sizeof(before))) << code;
   }
   EXPECT_TRUE(BlockOf(control).state & kInstrumentNoValue);
@@ -76,8 +76,8 @@ TEST_F(DisplayInstrument, ValuesAreClampedAndRenderedOnlyWhenTheyChange) {
   HWND control = Create(kModeGauge);
   kvtest::PumpMessages();
   const DWORD atFirst = Renderings(control);
-  // The value given and stored, the flags, and how many renderings there have been. Without redraw a value shows at the
-  // next paint; the old value again shows when there was none in between.
+  // The value given and stored, the flags, and the number of renderings so far. Without redraw a value is rendered at
+  // the next paint; if the old value is sent before that, it is rendered.
   const std::tuple<float, float, WPARAM, DWORD> cases[] = {{500, 100, kCommandRedraw, 1},
                                                            {500, 100, kCommandRedraw, 1},
                                                            {100, 100, kCommandRedraw, 1},
@@ -103,8 +103,8 @@ TEST_F(DisplayInstrument, StyleTimeZoneAndBlockCommands) {
   const auto style = [&] { return Read<DWORD>(control, kCommandStyle) & ~(WS_CHILD | WS_VISIBLE); };
   const DWORD bits = kInstrumentShowTime | kInstrumentNoCaption;
   const SYSTEMTIME time{2000, 1, 0, 2, 3, 4, 5, 6};
-  EXPECT_GT(Record(control).time.wYear, time.wYear);  // that of its creation
-  Send(control, kCommandTime, &time);                 // not a clock yet: rejected
+  EXPECT_GT(Record(control).time.wYear, time.wYear);  // the time of creation
+  Send(control, kCommandTime, &time);                 // rejected: not yet a clock
   EXPECT_EQ(0, Read<SYSTEMTIME>(control, kCommandTime).wYear);
   EXPECT_GT(Record(control).time.wYear, time.wYear);
   Send(control, kCommandStyle, &bits);
@@ -121,7 +121,7 @@ TEST_F(DisplayInstrument, StyleTimeZoneAndBlockCommands) {
   EXPECT_EQ(kModeDigital, style());
 
   const InstrumentZone zone{-50, 5000, RGB(1, 2, 3), {1, 2, 3, 4}, 5};
-  Send(control, MAKEWPARAM(kCommandZone | kZoneEnable, 9), &zone);  // the index is clamped as well
+  Send(control, MAKEWPARAM(kCommandZone | kZoneEnable, 9), &zone);  // the index is clamped, too
   InstrumentBlock block = BlockOf(control);
   EXPECT_EQ(std::tuple(ZoneEnabledBit(2), 0.0f, 100.0f, 5u),
             std::tuple(block.state, block.zones[2].lower, block.zones[2].upper, block.zones[2].word));
@@ -133,13 +133,13 @@ TEST_F(DisplayInstrument, StyleTimeZoneAndBlockCommands) {
     block.version = version;
     ValidateRect(control, nullptr);
     Send(control, kCommandBlock, &block);
-    EXPECT_EQ(version != 1, GetUpdateRect(control, nullptr, FALSE) != FALSE);  // there is a next paint to show it
+    EXPECT_EQ(version != 1, GetUpdateRect(control, nullptr, FALSE) != FALSE);  // a paint is pending
     EXPECT_EQ(version == 1 ? 0.0f : 33.0f, ValueOf(control));
     EXPECT_EQ(ValueOf(control), Record(control).target);
   }
 }
 
-TEST_F(DisplayInstrument, SetTextNamesTheCompassAndLeavesTheWindowsText) {
+TEST_F(DisplayInstrument, SetTextNamesTheCompassButKeepsTheWindowText) {
   const std::string text(300, 'x');
   for (const DWORD mode : {kModeCompass, kModeGauge}) {
     HWND control = Create(mode);
@@ -152,7 +152,7 @@ TEST_F(DisplayInstrument, SetTextNamesTheCompassAndLeavesTheWindowsText) {
   }
 }
 
-TEST_F(DisplayInstrument, GlidesSmallWaysAndStopsItsTimer) {
+TEST_F(DisplayInstrument, GlidesOverSmallDistancesAndStopsItsTimer) {
   HWND control = Create(kModeGauge);
   SetValue(control, 50);
   SetValue(control, 60, kValueGlide);
@@ -161,8 +161,8 @@ TEST_F(DisplayInstrument, GlidesSmallWaysAndStopsItsTimer) {
   EXPECT_FLOAT_EQ(51.0f, ValueOf(control));
   ASSERT_TRUE(kvtest::WaitUntil([&] { return Record(control).nCountdown < 20; }));
   EXPECT_GT(ValueOf(control), 59.0f);
-  EXPECT_LT(ValueOf(control), 60.0f);  // not snapped to the target
-  // From here 20 ticks, by hand; the tick after them ends the glide.
+  EXPECT_LT(ValueOf(control), 60.0f);  // not yet at the target
+  // The test sends the next 20 ticks itself; the tick after them ends the glide.
   for (LONG i = Record(control).nCountdown; i >= 0; --i) {
     EXPECT_TRUE(Record(control).bGliding);
     SendMessageA(control, WM_TIMER, 5, 0);
@@ -176,7 +176,7 @@ TEST_F(DisplayInstrument, GlidesSmallWaysAndStopsItsTimer) {
   EXPECT_EQ(5.0f, ValueOf(control));
 }
 
-TEST_F(DisplayInstrument, CopiesItsPictureInOwnOrWantedSize) {
+TEST_F(DisplayInstrument, CopiesItsImageInItsOwnOrAGivenSize) {
   HWND control = Create(kModeGauge, 80, 60);
   const std::tuple<UINT, LPARAM, LONG, LONG> cases[] = {
       {WM_COPY, 0, 80, 60}, {WM_COPY, MAKELPARAM(3, 9000), 16, 5120}, {WM_LBUTTONDBLCLK, MAKELPARAM(300, 300), 80, 60}};
@@ -187,7 +187,7 @@ TEST_F(DisplayInstrument, CopiesItsPictureInOwnOrWantedSize) {
   }
 }
 
-TEST_F(DisplayInstrument, WithoutARecordEveryMessageReturnsOne) {
+TEST_F(DisplayInstrument, WithoutStateEveryMessageReturnsOne) {
   HWND control = Create(kModeGauge);
   const LONG state = SetWindowLongA(control, GWL_USERDATA, 0);
   InvalidateRect(control, nullptr, TRUE);
@@ -199,7 +199,7 @@ TEST_F(DisplayInstrument, WithoutARecordEveryMessageReturnsOne) {
   SetWindowLongA(control, GWL_USERDATA, state);
   const HGLOBAL memory = Record(control).hMemory;
   EXPECT_EQ(0, SendMessageA(control, WM_CREATE, 0, 0));
-  EXPECT_EQ(memory, Record(control).hMemory);  // not a second record
+  EXPECT_EQ(memory, Record(control).hMemory);  // not allocated a second time
   parent_.Answer([](HWND, UINT message, WPARAM, LPARAM, LRESULT* result) {
     *result = 4711;
     return message == WM_DROPFILES;
@@ -209,7 +209,7 @@ TEST_F(DisplayInstrument, WithoutARecordEveryMessageReturnsOne) {
   EXPECT_EQ(static_cast<UINT>(GMEM_INVALID_HANDLE), GlobalFlags(memory));
 }
 
-TEST_F(DisplayInstrument, ScreenReadersHearNameAndValue) {
+TEST_F(DisplayInstrument, ReportsNameAndValueToScreenReaders) {
   const std::tuple<DWORD, BYTE, float, const wchar_t*> cases[] = {
       {kModeGauge, 1, 42.5f, L"42.5 %"},
       {kModeCompass, 0, -90, L"270\u00B0"},
@@ -229,8 +229,8 @@ TEST_F(DisplayInstrument, ScreenReadersHearNameAndValue) {
   }
 }
 
-// Whoever is told of a new value, or of the beginning of a paint, may destroy the control. Its memory is then somebody
-// else's.
+// A hook that is notified of a new value, or of the beginning of a paint, destroys the control. Its memory may then be
+// in use again.
 void DestroyAndOverwrite(HWND control) {
   DestroyWindow(control);
   for (int i = 0; i < 20; ++i) {
@@ -246,7 +246,7 @@ LRESULT CALLBACK DestroyOnErase(HWND window, UINT message, WPARAM wParam, LPARAM
   return CallWindowProcA(ownProcedure, window, message, wParam, lParam);
 }
 
-TEST_F(DisplayInstrument, MayBeDestroyedByWhoeverIsTold) {
+TEST_F(DisplayInstrument, MayBeDestroyedDuringNotifications) {
   const HWND told = Create(kModeGauge), painted = Create(kModeGauge);
   HWINEVENTHOOK hook = SetWinEventHook(EVENT_OBJECT_VALUECHANGE, EVENT_OBJECT_VALUECHANGE, GetModuleHandleA(nullptr),
                                        OnValueChange, GetCurrentProcessId(), 0, WINEVENT_INCONTEXT);
@@ -260,16 +260,16 @@ TEST_F(DisplayInstrument, MayBeDestroyedByWhoeverIsTold) {
   EXPECT_FALSE(IsWindow(painted));
 }
 
-// KV_REDRAWS=70000 makes this the measurement for a day on the bench.
-TEST_F(DisplayInstrument, ManyShareWhatTheyDrawWithAndUseUpNothing) {
-  // Their bitmaps, what they share, and what the system keeps for painting.
+// KV_REDRAWS=70000 checks for leaks over the whole GDI handle table.
+TEST_F(DisplayInstrument, ManyShareResourcesAndLeakNothing) {
+  // Their bitmaps, shared objects, and those that the system uses for painting.
   const kvtest::ScarceObjects scarce(200 + 50 + 250);
   HWND controls[200];
   for (int i = 0; i < 200; ++i) controls[i] = Create(kModes[i % 5], 30 + i, 30 + i * 7 % 200);
   SIZE_T before = 0;
   for (int i = 0, count = RedrawCount(1000); i < count; ++i) {
     SetValue(controls[i % 200], static_cast<float>(i % 90));
-    if (i % 4 == 0) Send(controls[i % 200], kCommandRender, nullptr);  // the face as well
+    if (i % 4 == 0) Send(controls[i % 200], kCommandRender, nullptr);  // the background layer, too
     ASSERT_TRUE(Record(controls[i % 200]).hBuffer && OwnedBrush(CreateSolidBrush(RGB(1, 2, 3)))) << i;
     if (i == 400) before = kvtest::MemoryInUse();
   }

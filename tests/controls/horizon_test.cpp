@@ -1,4 +1,4 @@
-// The artificial horizon: its geometry, its picture, and what can be sent to it.
+// The artificial horizon: geometry, image and commands.
 #include "controls/horizon/horizon.h"
 
 #include <gtest/gtest.h>
@@ -32,7 +32,7 @@ bool IsSky(COLORREF color) {
   return GetBValue(color) > GetRValue(color);
 }
 
-TEST(Horizons, TurnAgainstTheRollAndSinkWithThePitch) {
+TEST(Horizons, RotateOppositeToTheRollAndSinkWithThePitch) {
   const HorizonLayout layout = LayoutHorizon({200, 200}, kHorizonRound);
   const PointD right = HorizonPoint(layout, 30, 50, 0);  // right wing down: the horizon rises at the right
   EXPECT_NEAR(100 + 50 * std::cos(std::acos(-1) / 6), right.x, 1e-9);
@@ -40,7 +40,7 @@ TEST(Horizons, TurnAgainstTheRollAndSinkWithThePitch) {
   for (const DWORD style : {kHorizonRound, kHorizonRectangular}) {
     HorizonRenderer renderer;
     renderer.Update(At(0, 30), style, {200, 200}, true);
-    // On either side of the line 40 pixels from its middle, a few pixels away.
+    // A few pixels on either side of the line, 40 pixels from its middle.
     for (const double along : {-62.0, 62.0}) {
       for (const double up : {-9.0, 9.0}) {
         const PointD place = HorizonPoint(layout, 30, along, up);
@@ -59,7 +59,7 @@ TEST(Horizons, TurnAgainstTheRollAndSinkWithThePitch) {
   EXPECT_EQ(std::tuple(90, -170, -2, 0), std::tuple(normal.pitch, normal.roll, normal.slip, normal.heading));
 }
 
-TEST(Horizons, APartDrawnAnewEqualsAWholePicture) {
+TEST(Horizons, PartialRedrawEqualsFullRedraw) {
   std::mt19937 random(5);
   const auto between = [&](float low, float high) {
     return low + (high - low) * static_cast<float>(random() % 1000) / 1000;
@@ -100,12 +100,12 @@ class HorizonControls : public kvtest::ControlTest<RegisterHorizonClass> {
   }
 };
 
-TEST_F(HorizonControls, TakeAttitudesAndRejectWhatIsNone) {
+TEST_F(HorizonControls, AcceptAttitudesAndRejectInvalidOnes) {
   HWND horizon = Create(kHorizonTape);
   EXPECT_EQ(kHorizonNoValue, Read(horizon).state);
   EXPECT_EQ(L"", kvtest::ReadAccessible(horizon).value);
   HorizonAttitude attitude = At(5, -10, 0, 275);
-  EXPECT_EQ(1, Send(horizon, kHorizonValue | kCommandRedraw | kHorizonGlide, &attitude));  // from none: at once
+  EXPECT_EQ(1, Send(horizon, kHorizonValue | kCommandRedraw | kHorizonGlide, &attitude));  // no value before: at once
   EXPECT_EQ(L"+5.0\xB0, -10.0\xB0, 275\xB0", kvtest::ReadAccessible(horizon).value);
   for (float HorizonAttitude::* field : {&HorizonAttitude::pitch, &HorizonAttitude::heading}) {
     for (const float wrong : {std::nanf(""), std::numeric_limits<float>::infinity()}) {
@@ -122,7 +122,7 @@ TEST_F(HorizonControls, TakeAttitudesAndRejectWhatIsNone) {
     EXPECT_EQ(0, Send(horizon, code, shortOne.data()));
   EXPECT_EQ(275, Read(horizon).heading);
 
-  attitude.pitch = 10, attitude.roll = 178;  // the roll is far: there at once; then on the short way over 180
+  attitude.pitch = 10, attitude.roll = 178;  // too far: at once; then the shorter way through 180
   Send(horizon, kHorizonValue | kHorizonGlide, &attitude);
   EXPECT_EQ(5, Read(horizon).pitch);
   EXPECT_TRUE(kvtest::WaitUntil([&] { return Read(horizon).roll == 178 && Read(horizon).pitch > 5; }));
@@ -132,7 +132,7 @@ TEST_F(HorizonControls, TakeAttitudesAndRejectWhatIsNone) {
   EXPECT_TRUE(kvtest::WaitUntil([&] { return Read(horizon).pitch == 10; }));
 }
 
-TEST_F(HorizonControls, LiveThroughOddSizes) {
+TEST_F(HorizonControls, SurviveUnusualSizes) {
   for (const int size : {0, 1, 3, 4, 9}) {
     HWND horizon = Create(kHorizonTape | (size % 2 ? kHorizonRectangular : 0), size, size);
     const HorizonAttitude attitude = At(5, 5);

@@ -1,4 +1,4 @@
-// Number text, block arithmetic and the geometry of the display instrument's layouts: no window needed.
+// Number text, block arithmetic and layout geometry of the display instrument, without a window.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -36,7 +36,7 @@ InstrumentBlock Block(float minimum, float maximum, float step, BYTE format, flo
   return block;
 }
 
-TEST(InstrumentBlock, DefaultsFillWhatTheCallerLeftOpen) {
+TEST(InstrumentBlock, DefaultsReplaceMissingParameters) {
   const InstrumentBlock plain = BuildDefaultBlock({5, 5, 0, 3, 0, nullptr, nullptr});
   EXPECT_EQ(std::tuple(kInstrumentVersion, 0x020000FFu, 3, 0.0f, 100.0f, 1.0f, 50.0f),
             std::tuple(plain.version, plain.color, plain.format, plain.minimum, plain.maximum, plain.step,
@@ -48,7 +48,7 @@ TEST(InstrumentBlock, DefaultsFillWhatTheCallerLeftOpen) {
   EXPECT_EQ(std::string(31, 'n') + "\xB0gdef", std::string(given.szName) + given.szUnit);
 }
 
-TEST(InstrumentBlock, RangeArithmeticBearsEveryInput) {
+TEST(InstrumentBlock, RangeArithmeticAcceptsEveryInput) {
   const InstrumentBlock backwards = Block(100, 0, 1, 0, 30);
   for (const auto& [value, clamped] : {std::pair{kInfinite, 100.0f}, {-5.0f, 0.0f}, {NAN, 0.0f}}) {
     EXPECT_EQ(clamped, ClampToRange(backwards, value));
@@ -63,8 +63,8 @@ TEST(InstrumentBlock, RangeArithmeticBearsEveryInput) {
   EXPECT_EQ(0.0, FractionOf(ReadingOf(Block(0, 10, 1, 0, 0)), NAN));
 }
 
-// A step finer than the value's resolution leads all the way, and does not keep the timer going for ever.
-TEST(InstrumentBlock, GlidingEndsWhateverTheStep) {
+// A step finer than the value's resolution reaches the target and does not keep the timer running.
+TEST(InstrumentBlock, GlidingEndsForEveryStep) {
   for (const float tiny : {1e-30f, 0.0f, NAN, kInfinite}) {
     for (const auto& [from, target] : {std::pair{45.0f, 50.0f}, {-1e-38f, 3.0f}, {NAN, 7.0f}}) {
       InstrumentBlock block = Block(-100, 100, tiny, 0, from);
@@ -79,17 +79,17 @@ TEST(InstrumentBlock, GlidingEndsWhateverTheStep) {
   EXPECT_FALSE(NextGlideStep(Block(0, 1, 1, 0, NAN), NAN).moving);
 }
 
-TEST(InstrumentText, NamesAndUnitsAreReadInTheirEncodings) {
+TEST(InstrumentText, NamesAndUnitsAreDecoded) {
   InstrumentBlock block = Block(0, 1, 1, 0, 0);
   memcpy(block.szUnit, "\xB5m/s\xB2!", 6);  // no terminator
   EXPECT_EQ(L"\u00B5m/s\u00B2!", InstrumentUnit(block));
   strcpy(block.szUnit, "m/s\xC2\xB2");
   EXPECT_EQ(L"m/s\u00B2", InstrumentUnit(block));
-  memcpy(block.szName, "01234567890123456789012345678\xC3\xBC\xC3", 32);  // a character cut in two by the end
+  memcpy(block.szName, "01234567890123456789012345678\xC3\xBC\xC3", 32);  // the field ends within a character
   EXPECT_EQ(L"01234567890123456789012345678\u00FC", InstrumentName(block));
 }
 
-TEST(InstrumentText, FixedWidthKeepsTheLowDigits) {
+TEST(InstrumentText, FixedWidthKeepsTheLowOrderDigits) {
   // 9.996 rounds to 10.00 and loses the 1.
   const std::tuple<const wchar_t*, double, int, int> cases[] = {{L"00", 100, 2, 0},
                                                                 {L" 7", 7, 2, 0},
@@ -115,7 +115,7 @@ TEST(InstrumentText, FixedWidthKeepsTheLowDigits) {
   };
   EXPECT_EQ((Forms{L"1013.28", L"1013.3", L"1013"}), forms(1013.28, 2, false));
   EXPECT_EQ((Forms{L"1234567890", L"1.23e9"}), forms(1234567890, 0, false));
-  EXPECT_EQ((Forms{L"-0.3", L"0"}), forms(-0.3, 1, true));  // what rounds to zero has no sign
+  EXPECT_EQ((Forms{L"-0.3", L"0"}), forms(-0.3, 1, true));  // no sign if rounded to zero
 }
 
 TEST(InstrumentText, WidthFollowsTheMaximum) {
@@ -123,7 +123,7 @@ TEST(InstrumentText, WidthFollowsTheMaximum) {
       {100, 0, 2}, {999, 0, 3}, {100, kFormatSign | 2, 6}, {0, 0, 0}, {kInfinite, 0, 0}};
   for (const auto& [maximum, format, width] : widths) EXPECT_EQ(width, NumberWidth(Block(0, maximum, 1, format, 0)));
   EXPECT_EQ(L"--", NoValueNumber(Block(0, 100, 1, 0, 0)));
-  EXPECT_EQ(L"----.-", NoValueNumber(Block(0, 100, 1, 2, 0)));  // one dash behind the point whatever the places
+  EXPECT_EQ(L"----.-", NoValueNumber(Block(0, 100, 1, 2, 0)));  // one dash after the point for any number of decimals
   EXPECT_GE(16u, NoValueNumber(Block(0, 3e38f, 1, 7, 0)).size());
 }
 
@@ -155,9 +155,9 @@ TEST(InstrumentText, AnglesTimesAndDates) {
   EXPECT_FALSE(DigitalText(Block(0, 100, 1, 1, 0), kInstrumentShowTime, wild).empty());
 }
 
-TEST(InstrumentGauge, ScalesStandAtRoundNumbersInEveryRange) {
-  // The range, how many steps at most, then the step, its places, the labels' power of ten and how many steps there
-  // are.
+TEST(InstrumentGauge, ScalesHaveRoundNumbersInEveryRange) {
+  // The range, the maximum number of steps, then the step, its decimals, the labels' power of ten and the number of
+  // steps.
   const std::tuple<double, double, int, double, int, int, int> cases[] = {
       {0, 100, 10, 10, 0, 0, 10},     {93, 7, 10, 10, 0, 0, 8},        {0, 1, 10, 0.1, 1, 0, 10},
       {0, 10, 4, 2.5, 1, 0, 4},       {0, 120000, 6, 20000, 0, 3, 6},  {0, 0.00042, 10, 0.00005, 0, -6, 8},
@@ -171,7 +171,7 @@ TEST(InstrumentGauge, ScalesStandAtRoundNumbersInEveryRange) {
   }
 }
 
-// A font of plain proportions.
+// A font with typical proportions.
 SIZE MeasureByCount(std::wstring_view text, int height, int weight) {
   return {std::lround(text.size() * height * (weight > FW_NORMAL ? 0.49 : 0.45)), height};
 }
@@ -197,7 +197,7 @@ TEST(InstrumentGauge, NoTwoTextsTouchAtAnySizeAndRange) {
       }
       for (const GaugeText& text : texts) {
         boxes.push_back(text.box);
-        InflateRect(&boxes.back(), 0, -text.height / 10 - 1);  // the air of a font's cell
+        InflateRect(&boxes.back(), 0, -text.height / 10 - 1);  // internal leading of the font
         EXPECT_GE(text.height, 9);
         EXPECT_NE(L"+0", text.text);
         EXPECT_LE(MeasureByCount(text.text, text.height, text.weight).cx, text.box.right - text.box.left) << what;
@@ -209,7 +209,7 @@ TEST(InstrumentGauge, NoTwoTextsTouchAtAnySizeAndRange) {
         }
       }
       const PointD centre = layout.dial.centre;
-      for (const GaugeText& label : layout.labels) {  // none is in the needle's way
+      for (const GaugeText& label : layout.labels) {  // none overlaps the needle
         const double across = std::max({label.box.left - centre.x, centre.x - label.box.right, 0.0});
         const double down = std::max({label.box.top - centre.y, centre.y - label.box.bottom, 0.0}) + label.height * 0.1;
         EXPECT_GT(std::hypot(across, down), layout.reach) << what;
@@ -232,7 +232,7 @@ TEST(InstrumentGauge, NoTwoTextsTouchAtAnySizeAndRange) {
   }
 }
 
-TEST(InstrumentCompass, HeadingsWrapAndTheCardTurnsAgainstThem) {
+TEST(InstrumentCompass, HeadingsWrapAndTheCardTurnsInTheOppositeDirection) {
   const std::pair<double, double> headings[] = {{-90, 270}, {360, 0}, {-1e-20, 0}, {NAN, 0}};
   for (const auto& [given, normal] : headings) EXPECT_DOUBLE_EQ(normal, NormalHeading(given));
   EXPECT_DOUBLE_EQ(0, CardAngle(90, 90));  // heading east: E at the top, N at the left
@@ -285,7 +285,7 @@ TEST(InstrumentBars, SegmentsFollowRangeAndStep) {
 
 TEST(InstrumentBars, CentreZeroGrowsFromTheMiddle) {
   const RECT display{10, 20, 50, 120};
-  // The value in a range up to 100, the bar's ends, and where the text begins.
+  // The value in a range up to 100, the bar's ends, and the left edge of the text.
   const std::tuple<float, LONG, LONG, LONG> cases[] = {
       {70, 50, 70, 74}, {30, 70, 90, 54}, {50, 70, 70, 54}, {100, 20, 70, 74}};
   for (const auto& [value, top, bottom, text] : cases) {

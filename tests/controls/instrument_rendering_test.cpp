@@ -1,4 +1,4 @@
-// The display instrument's pictures: that they show what they are to show, and nothing of what was before.
+// The display instrument's images: complete, and without remains of earlier ones.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -26,7 +26,7 @@ namespace {
 
 class InstrumentRendering : public InstrumentTest {};
 
-TEST_F(InstrumentRendering, EveryLayoutShowsValueColourZoneDisabledAndMissingValue) {
+TEST_F(InstrumentRendering, EveryModeShowsValueColourZoneDisabledAndMissingValue) {
   for (const DWORD mode : kModes) {
     HWND control = Create(mode, 100, 160);
     InstrumentBlock block = BlockOf(control);
@@ -61,7 +61,7 @@ TEST_F(InstrumentRendering, EveryLayoutShowsValueColourZoneDisabledAndMissingVal
   }
 }
 
-TEST_F(InstrumentRendering, NewColoursOfTheSystemShowAtTheNextPaint) {
+TEST_F(InstrumentRendering, NewSystemColoursAreUsedAtTheNextPaint) {
   HWND control = Create(kModeGauge);
   const INT element = COLOR_BTNFACE;
   const COLORREF before = GetSysColor(element), other = RGB(11, 99, 33);
@@ -75,14 +75,14 @@ TEST_F(InstrumentRendering, NewColoursOfTheSystemShowAtTheNextPaint) {
   EXPECT_EQ(renderings + 1, Renderings(control));
 }
 
-// A hash of what the control has rendered, whether it is visible or not.
+// A hash of the control's back buffer.
 DWORD RenderingOf(HWND control) {
   const InstrumentState& state = Record(control);
   GdiFlush();
   return HashOf(state.work.cache->buffer.Row(0), sizeof(DWORD) * state.nWidth * state.nHeight);
 }
 
-// Sends several controls the same message, a random one of those that change what they show.
+// Sends several controls the same random command that changes their image.
 void Change(std::mt19937& random, std::span<const HWND> controls) {
   const auto upTo = [&random](int most) { return static_cast<int>(random() % (most + 1)); };
   const auto send = [&](WPARAM wParam, const auto& item) {
@@ -119,8 +119,8 @@ void Change(std::mt19937& random, std::span<const HWND> controls) {
   }
 }
 
-// KV_REDRAWS=10000 makes so many steps with each of three seeds.
-TEST_F(InstrumentRendering, PartsDrawnAnewLookAsIfAllWere) {
+// KV_REDRAWS sets the number of steps for each of three seeds.
+TEST_F(InstrumentRendering, PartialRedrawEqualsFullRedraw) {
   const DWORD styles[] = {kModeGauge,
                           kModeDigital,
                           kModeDigital | kInstrumentShowTime,
@@ -149,7 +149,7 @@ TEST_F(InstrumentRendering, PartsDrawnAnewLookAsIfAllWere) {
   }
 }
 
-// Pictures of a large compass of the calling thread's own at headings from `first` on, each begun together with others.
+// Images of a large compass of the calling thread at headings from `first` on. All threads start each image together.
 std::vector<DWORD> TurnCard(float first, std::barrier<>& together) {
   HWND control = CreateWindowExA(0, kDisplayInstrumentClass, "", WS_POPUP | kModeCompass, 0, 0, 400, 400, nullptr,
                                  nullptr, GetModuleHandleA(nullptr), nullptr);
@@ -163,7 +163,7 @@ std::vector<DWORD> TurnCard(float first, std::barrier<>& together) {
   return renderings;
 }
 
-TEST_F(InstrumentRendering, ThreadsWithInstrumentsOfTheirOwnDrawRightPictures) {
+TEST_F(InstrumentRendering, SeveralThreadsDrawCorrectImages) {
   std::barrier alone(1), both(2);
   const std::vector<DWORD> east = TurnCard(60, alone), west = TurnCard(240, alone);
   EXPECT_NE(east[0], east[1]);
@@ -174,7 +174,7 @@ TEST_F(InstrumentRendering, ThreadsWithInstrumentsOfTheirOwnDrawRightPictures) {
   EXPECT_EQ(west, others);
 }
 
-TEST_F(InstrumentRendering, SegmentsGrowFromTheirEnd) {
+TEST_F(InstrumentRendering, SegmentsStartAtTheConfiguredEnd) {
   HWND bar = Create(kModeSegmentBar, 60, 200);
   SetValue(bar, 30);
   const auto redsAbove = [&] {

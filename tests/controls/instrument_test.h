@@ -1,4 +1,4 @@
-// What the tests of the display instrument's messages and of its pictures share.
+// Shared by the tests of the display instrument's messages and images.
 #pragma once
 
 #include <cstdlib>
@@ -45,20 +45,20 @@ inline DWORD Renderings(HWND control) {
   return Record(control).work.renderings;
 }
 
-// How often a test redraws: the environment variable KV_REDRAWS, or a number that keeps ./test quick.
+// How often a test redraws: the environment variable KV_REDRAWS, or a number that keeps ./test fast.
 inline int RedrawCount(int usual) {
   const char* redraws = std::getenv("KV_REDRAWS");
   return redraws ? std::atoi(redraws) : usual;
 }
 
-// What the control shows on the screen.
+// The control's image on the screen.
 struct Shown : kvtest::TestBitmap {
   Shown(HWND control, int width, int height) : TestBitmap(width, height) {
     kvtest::PumpMessages();
     const WindowDc window(control);
     BitBlt(dc(), 0, 0, width, height, window, 0, 0, SRCCOPY);
   }
-  // How many pixels the test holds for, given the colour and the place.
+  // The number of pixels for which the predicate, called with colour and position, is true.
   template <class Test>
   int CountWhere(Test test) const {
     int count = 0;

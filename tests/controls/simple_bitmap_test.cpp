@@ -21,7 +21,7 @@ namespace {
 
 constexpr int kBitmapId = 0x7003;
 constexpr COLORREF kRed = RGB(255, 0, 0), kGreen = RGB(0, 255, 0), kBlue = RGB(0, 0, 255), kMagenta = RGB(255, 0, 255);
-constexpr RECT kBeneath{60, 40, 90, 60};  // a place under the middle of the picture
+constexpr RECT kBeneath{60, 40, 90, 60};  // a position under the centre of the bitmap
 
 HBITMAP Stored(HWND control) {
   return reinterpret_cast<HBITMAP>(GetWindowLongA(control, GWL_USERDATA));
@@ -41,7 +41,7 @@ LRESULT SetText(HWND control, const void* text) {
   return SendMessageA(control, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text));
 }
 
-// The picture lies at (20, 20)-(120, 80) of its parent, with the mouse above its middle.
+// The control is at (20, 20)-(120, 80) of its parent, with the mouse above its centre.
 class SimpleBitmap : public kvtest::ControlTest<RegisterSimpleBitmapClass> {
  protected:
   SimpleBitmap() {
@@ -57,7 +57,7 @@ class SimpleBitmap : public kvtest::ControlTest<RegisterSimpleBitmapClass> {
   HWND Create(const char* text, DWORD style = 0) {
     return CreateControl(parent_, kSimpleBitmapClass, text, style, {20, 20, 120, 80}, kBitmapId);
   }
-  // The codes of the notifications that the parent has been posted since the last call.
+  // The codes of the notifications posted to the parent since the last call.
   std::vector<int> TakeNotifications() {
     kvtest::PumpMessages();
     std::vector<int> codes;
@@ -69,7 +69,7 @@ class SimpleBitmap : public kvtest::ControlTest<RegisterSimpleBitmapClass> {
   }
 };
 
-TEST_F(SimpleBitmap, NumbersInThreeBasesAndNamesChooseTheResource) {
+TEST_F(SimpleBitmap, NumbersInThreeBasesAndNamesSelectTheResource) {
   const std::pair<const char*, const char*> cases[] = {
       {"101", "4x4"}, {"0x65", "4x4"},    {"0145", "4x4"}, {"BADGE", "6x3"}, {"102", "none"},
       {"", "none"},   {"absent", "none"}, {"0", "none"},   {"-1", "none"},   {"65637", "none"}};
@@ -78,13 +78,13 @@ TEST_F(SimpleBitmap, NumbersInThreeBasesAndNamesChooseTheResource) {
     EXPECT_EQ(size, StoredSize(control)) << text;
     EXPECT_TRUE(GetWindowLongA(control, GWL_EXSTYLE) & WS_EX_ACCEPTFILES);
     EXPECT_EQ(DLGC_STATIC, SendMessageA(control, WM_GETDLGCODE, 0, 0));
-    const bool isNumber = std::strtoul(text, nullptr, 0) != 0;  // which tells a person nothing
+    const bool isNumber = std::strtoul(text, nullptr, 0) != 0;  // a number is no accessible name
     EXPECT_EQ((kvtest::AccessibleProperties{isNumber ? L"" : std::wstring(text, text + std::strlen(text)), L"", 0x28}),
               kvtest::ReadAccessible(control));
   }
 }
 
-TEST_F(SimpleBitmap, StretchesTheWholeBitmapAsItsStyleTells) {
+TEST_F(SimpleBitmap, StretchesTheWholeBitmapByItsStyle) {
   const std::tuple<SIZE, DWORD, SIZE> cases[] = {{{100, 60}, 0, {100, 60}},
                                                  {{100, 60}, kBitmapSquareByWidth, {60, 60}},
                                                  {{100, 60}, kBitmapSquareByHeight, {100, 60}},
@@ -103,7 +103,7 @@ TEST_F(SimpleBitmap, StretchesTheWholeBitmapAsItsStyleTells) {
   }
 }
 
-TEST_F(SimpleBitmap, SettingTheTextLoadsAndPaintsButKeepsTheStoredText) {
+TEST_F(SimpleBitmap, SettingTheTextLoadsAndPaintsButKeepsTheWindowText) {
   HWND control = Create("101");
   UpdateWindow(control);
   const WindowDc dc(control);
@@ -113,10 +113,10 @@ TEST_F(SimpleBitmap, SettingTheTextLoadsAndPaintsButKeepsTheStoredText) {
   GetWindowTextA(control, text, ARRAYSIZE(text));
   EXPECT_STREQ("101", text);
 
-  // 256 characters are a whole name, even without an end; this one is the number 0145.
+  // 256 characters are a whole name, even without a terminator; this one is the number 0145.
   kvtest::GuardedBytes cutOff(8), unended(256);
   std::memset(cutOff.data(), '1', 8);
-  std::memset(unended.data(), '0', 256);  // NOLINT(bugprone-suspicious-memset-usage): the digit is meant
+  std::memset(unended.data(), '0', 256);  // NOLINT(bugprone-suspicious-memset-usage): the digit is intended
   std::memcpy(unended.as<char>() + 253, "145", 3);
   EXPECT_EQ(0, SetText(control, nullptr));
   EXPECT_EQ(0, SetText(control, cutOff.data()));
@@ -129,7 +129,7 @@ TEST_F(SimpleBitmap, SettingTheTextLoadsAndPaintsButKeepsTheStoredText) {
   EXPECT_EQ(GetSysColor(COLOR_BTNFACE), GetPixel(dc, 0, 0));
 }
 
-TEST_F(SimpleBitmap, CopiesToTheClipboardInOwnOrClampedSize) {
+TEST_F(SimpleBitmap, CopiesToTheClipboardInItsOwnOrAClampedSize) {
   const std::pair<LPARAM, const char*> cases[] = {
       {0x00080008, "16x16"}, {MAKELPARAM(8192, 17), "5120x17"}, {MAKELPARAM(0, 5121), "16x5120"}, {0, "4x4"}};
   HWND control = Create("101");
@@ -141,9 +141,9 @@ TEST_F(SimpleBitmap, CopiesToTheClipboardInOwnOrClampedSize) {
   EXPECT_EQ("4x4", SizeTextOf(kvtest::ClipboardBitmapSize(parent_)));
 }
 
-TEST_F(SimpleBitmap, LeftClickClicksTheButtonBeneathOrElseIsReported) {
+TEST_F(SimpleBitmap, LeftClickClicksTheButtonBeneathOrIsReported) {
   HWND control = Create("101");
-  // No targets: a second picture, a static, what is hidden or lies elsewhere.
+  // Not targets: a second bitmap control, a static, and controls that are hidden or elsewhere.
   Create("101");
   CreateControl(parent_, "STATIC", "beneath", 0, kBeneath, 76);
   HWND button = CreateControl(parent_, "BUTTON", "hidden", 0, kBeneath, 77);
@@ -160,7 +160,7 @@ TEST_F(SimpleBitmap, LeftClickClicksTheButtonBeneathOrElseIsReported) {
   EXPECT_TRUE(TakeNotifications().empty());
 }
 
-// A sibling that records the mouse messages and commands that reach it, reacts, and answers with 42.
+// A sibling that records the mouse messages and commands it receives, reacts, and returns 42.
 struct Probe {
   HWND window = nullptr;
   int visits = 0;
@@ -226,7 +226,7 @@ TEST_F(SimpleBitmap, DoubleClicksAndCommandsVisitEverySiblingUnchanged) {
   EXPECT_EQ((std::tuple{2, 2, 0}), std::tuple(list.visits, tree.visits, label.visits));
 }
 
-TEST_F(SimpleBitmap, SiblingsMayReorderOrDestroyWhatIsWalked) {
+TEST_F(SimpleBitmap, SiblingsMayReorderOrDestroyEachOther) {
   HWND control = Create("101");
   Probe probes[4];
   for (Probe& probe : probes) probe.Create(parent_, "kvTestEditBox");
@@ -237,12 +237,12 @@ TEST_F(SimpleBitmap, SiblingsMayReorderOrDestroyWhatIsWalked) {
     EXPECT_EQ(1, ForwardMouseMessage(control, WM_COMMAND, 0, 0));
     return visits;
   };
-  // Each raises itself: a walk along the live order would go on for ever.
+  // Each raises itself: following the current z-order would never end.
   EXPECT_EQ(4, visitsWhen([](Probe& self) { BringWindowToTop(self.window); }));
   EXPECT_EQ(1, visitsWhen([&](Probe& self) {
               for (Probe& probe : probes) &probe != &self&& DestroyWindow(probe.window);
             }));
-  // The last one destroys the picture that the click fell through: nobody is left to report for.
+  // The last one destroys the bitmap control that was clicked: nothing is reported.
   for (Probe& probe : probes) probe.react = [&](Probe&) { DestroyWindow(control); };
   EXPECT_EQ(42, SendMessageA(control, WM_LBUTTONDOWN, 0, 0));
   EXPECT_TRUE(TakeNotifications().empty());

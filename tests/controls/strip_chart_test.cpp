@@ -1,4 +1,4 @@
-// The strip chart: its samples, axes and statistics against plain loops, its picture, and what can be sent to it.
+// The strip chart: samples, axes and statistics compared with plain loops, image and commands.
 #include "controls/strip_chart/strip_chart.h"
 
 #include <gtest/gtest.h>
@@ -35,7 +35,7 @@ constexpr double kInfinite = std::numeric_limits<double>::infinity();
 
 // ---- Pure parts -----------------------------------------------------------------------------------------------------
 
-TEST(StripSamples, AreFoundAndSummedUpAsByPlainLoops) {
+TEST(StripSamples, RangesAndSumsEqualThoseOfPlainLoops) {
   std::mt19937 random(7);
   const auto below = [&](unsigned limit) { return static_cast<unsigned>(random() % limit); };
   for (int round = 0; round < 60; ++round) {
@@ -79,7 +79,7 @@ TEST(StripSamples, AreFoundAndSummedUpAsByPlainLoops) {
   }
 }
 
-TEST(StripSamples, StatisticsKeepTheirDigitsFarFromZero) {
+TEST(StripSamples, StatisticsArePreciseFarFromZero) {
   SampleStore store;
   ASSERT_TRUE(store.MakeResized(1000, &store));
   std::vector<StripSample> samples(1000);
@@ -90,7 +90,7 @@ TEST(StripSamples, StatisticsKeepTheirDigitsFarFromZero) {
   EXPECT_TRUE(std::isnan(store.StatisticsOf(3, 3).mean));
 }
 
-TEST(StripAxes, StandAtOneTwoAndFive) {
+TEST(StripAxes, StepsAreOneTwoAndFive) {
   for (const auto& [least, step] : {std::pair{0.7, 1.0}, {1, 1}, {1.01, 2}, {0.1, 0.1}, {0.021, 0.05}, {3e7, 5e7}}) {
     EXPECT_EQ(step, NiceStep(least)) << least;
   }
@@ -116,7 +116,7 @@ TEST(StripAxes, StandAtOneTwoAndFive) {
   EXPECT_EQ(L"07:05", TimeText(86400 * 3 + 7 * 3600 + 300, 60, true));
 }
 
-// ---- The picture ----------------------------------------------------------------------------------------------------
+// ---- The image ------------------------------------------------------------------------------------------------------
 
 int Differences(const Surface& one, const Surface& other) {
   GdiFlush();
@@ -126,7 +126,7 @@ int Differences(const Surface& one, const Surface& other) {
   return different;
 }
 
-TEST(StripRendering, ScrolledPartsEqualADrawingOfAll) {
+TEST(StripRendering, PartialRedrawEqualsFullRedraw) {
   std::mt19937 random(11);
   const auto below = [&](unsigned limit) { return static_cast<unsigned>(random() % limit); };
   for (const DWORD style : {kStripPaper, kStripSweep, kStripPaper | kStripOwnAxes, kStripSweep | kStripTimeOfDay}) {
@@ -140,7 +140,7 @@ TEST(StripRendering, ScrolledPartsEqualADrawingOfAll) {
     int whollyDrawn = 0;
     for (int step = 0; step < 300; ++step) {
       time += below(100) * 0.004;
-      const unsigned channel = below(3);  // each lags behind in its own way
+      const unsigned channel = below(3);  // each channel has its own delay
       std::vector<StripSample> samples;
       const unsigned count = below(step % 50 ? 30 : 400);
       const double pause = (time - last[channel]) / (count + 1);
@@ -158,7 +158,7 @@ TEST(StripRendering, ScrolledPartsEqualADrawingOfAll) {
       }
       const RECT changed = partial.Update(model, {311, 190}, false);
       whollyDrawn += changed.right == 311;
-      if (IsHeld(model) && IsRectEmpty(&changed)) continue;  // stands, whatever has gone from the ring meanwhile
+      if (IsHeld(model) && IsRectEmpty(&changed)) continue;  // frozen, even if samples have left the ring
       whole.Update(model, {311, 190}, true);
       ASSERT_EQ(0, Differences(partial.surface(), whole.surface())) << style << ", step " << step;
     }
@@ -195,7 +195,7 @@ class StripCharts : public kvtest::ControlTest<RegisterLineRecorderClass> {
   }
 };
 
-TEST_F(StripCharts, WhatIsNotAllowedIsRejectedAndLosesNothing) {
+TEST_F(StripCharts, RejectsInvalidInputAndLosesNothing) {
   HWND chart = Create();
   EXPECT_EQ(1, Append(chart, {{1, 5}, {2, NAN}, {2, kInfinite}, {3, 7}}));
   for (const double time : {2.9, std::nan(""), kInfinite, -kInfinite, 2e15}) {
@@ -211,7 +211,7 @@ TEST_F(StripCharts, WhatIsNotAllowedIsRejectedAndLosesNothing) {
   }
   Append(chart, {{1, 1}}, 1);
   for (int i = 0; i < kStripChannels; ++i) Append(chart, {{1, 1}}, i);
-  const DWORD tooMuch = kStripMaxCapacity;  // in eight channels: beyond what a process has
+  const DWORD tooMuch = kStripMaxCapacity;  // in eight channels: more than a process can allocate
   EXPECT_EQ(0, Send(chart, kStripCapacity, &tooMuch));
   EXPECT_EQ(kStripDefaultCapacity, Read<DWORD>(chart, kStripCapacity));
   const DWORD few = 2;
@@ -232,7 +232,7 @@ TEST_F(StripCharts, WhatIsNotAllowedIsRejectedAndLosesNothing) {
   }
   const StripSample one{9, 1};
   const StripSamples wild{10, reinterpret_cast<const StripSample*>(16)};
-  const StripSamples endless{0x10000001, &one};  // in bytes, of which 32 bits are left, a single sample
+  const StripSamples endless{0x10000001, &one};  // its size in bytes, modulo 2^32, is that of a single sample
   EXPECT_EQ(0, Send(chart, kStripAppend, &wild));
   EXPECT_EQ(0, Send(chart, kStripAppend, &endless));
   StripView view = Read<StripView>(chart, kStripViewItem);
@@ -244,7 +244,7 @@ TEST_F(StripCharts, WhatIsNotAllowedIsRejectedAndLosesNothing) {
   EXPECT_EQ(0, Send(chart, kStripMark, &backwards));
 }
 
-TEST_F(StripCharts, HoldsWhileSamplesAreKeptAndReadsCursorAndMark) {
+TEST_F(StripCharts, FreezesWhileRecordingAndReadsCursorAndSelection) {
   HWND chart = Create();
   std::vector<StripSample> samples;
   for (int i = 0; i <= 100; ++i) samples.push_back({i * 1.0, i * 2.0});
@@ -290,7 +290,7 @@ TEST_F(StripCharts, HoldsWhileSamplesAreKeptAndReadsCursorAndMark) {
   EXPECT_EQ(0, Send(chart, kStripMark | kCommandRead, &samples[0]));
 }
 
-TEST_F(StripCharts, KeysAndMouseZoomPanMarkAndTellTheOwner) {
+TEST_F(StripCharts, KeysAndMouseZoomPanSelectAndNotifyTheOwner) {
   HWND chart = Create();
   std::vector<StripSample> samples;
   for (int i = 0; i <= 1000; ++i) samples.push_back({i * 1.0, i % 7 * 1.0});
@@ -305,7 +305,7 @@ TEST_F(StripCharts, KeysAndMouseZoomPanMarkAndTellTheOwner) {
   EXPECT_EQ(std::tuple(0u, 975), std::tuple(view().state, view().end));
   key(VK_HOME);
   EXPECT_EQ(250, view().end);
-  key(VK_LEFT);  // no further
+  key(VK_LEFT);  // at the end
   EXPECT_EQ(250, view().end);
   Append(chart, {{1001, 3}});
   EXPECT_EQ(250, view().end);
@@ -355,13 +355,13 @@ std::wstring ClipboardText(HWND owner) {
   return text;
 }
 
-TEST_F(StripCharts, CopiesItsPictureAndWhatItShowsAsATable) {
+TEST_F(StripCharts, CopiesItsImageAndAnEqualTable) {
   HWND chart = Create();
   StripChannel info{kStripVersion, kStripVisible, "Speed", "m/s", RGB(0, 0, 255), 0, 0};
   Send(chart, kStripChannel, &info);
   Append(chart, {{1, 5}, {2, NAN}, {3, 7.25}});
   Append(chart, {{2, 1}, {2, 2}}, 3);
-  const kvtest::CommaLocale comma;  // of the host; the user has a point
+  const kvtest::CommaLocale comma;  // the host's locale; the user's has a point
   SendMessageA(chart, WM_COPY, 0, MAKELPARAM(8, 120));
   EXPECT_EQ(16, kvtest::ClipboardBitmapSize(parent_).cx);
   EXPECT_EQ(120, kvtest::ClipboardBitmapSize(parent_).cy);
@@ -378,7 +378,7 @@ TEST_F(StripCharts, CopiesItsPictureAndWhatItShowsAsATable) {
   EXPECT_LT(std::ranges::count(text, L'\n'), 300);
 }
 
-TEST_F(StripCharts, LivesThroughOddSizesAndAnEndUnderThePointer) {
+TEST_F(StripCharts, SurvivesUnusualSizesAndDestructionUnderTheMouse) {
   for (const int size : {0, 1, 2, 6, 13, 40}) {
     for (const auto& [width, height] : {std::pair{size, size}, {size, 200}, {300, size}}) {
       HWND chart = Create(kStripOwnAxes, width, height);

@@ -14,7 +14,7 @@ TarnwickProcess::TarnwickProcess(const wchar_t* directory)
     : RunningProgram("Z:" KV_TARNWICK_EXE, L"and arguments that it ignores", directory) {
   WaitForInputIdle(process(), kStartTimeoutMs);
   window_ = uidriver::WaitForTarnwick(kStartTimeoutMs);
-  // Answered only by a message loop that runs; by then the first paint is done, which start-up forces before the loop.
+  // Only a running message loop handles this; start-up forces the first paint before the loop.
   DWORD_PTR answer = 0;
   SendMessageTimeoutA(window_, WM_NULL, 0, 0, SMTO_NORMAL, kStartTimeoutMs, &answer);
 }

@@ -1,4 +1,4 @@
-// The real program, started and watched from outside.
+// The real program, started and observed from outside.
 #pragma once
 
 #include <windows.h>
@@ -17,21 +17,22 @@ class TarnwickProcess : public RunningProgram {
 
   HWND window() const { return window_; }
 
-  // Clicks the toolbar's connect button with the mouse; false when it is not where the mouse can reach it.
+  // Clicks the toolbar's connect button with the mouse; false if the mouse cannot reach it.
   bool ClickConnect() const;
   // Waits until the port button shows this text.
   bool WaitForPortText(const std::string& text, DWORD timeoutMs = 20000) const;
-  // The screen's colour where the chart shows a camera point.
+  // The screen's colour at a camera position in the chart.
   COLORREF ChartPixel(const kv::CameraPoint& point) const;
 
-  // Closes the window and waits for the end. Returns how long it took, or INFINITE when the program did not end with 0.
+  // Closes the window and waits for the process to end. Returns the time that took in ms, or INFINITE when the exit
+  // code is not 0.
   DWORD CloseAndWait() const;
 
  private:
   HWND window_ = nullptr;
 };
 
-// Forgets everything that earlier runs of the program have stored in the signed-in user's own registry.
+// Deletes everything that earlier runs of the program have stored in the current user's registry.
 void ForgetUserSettings();
 
 }  // namespace kvtest

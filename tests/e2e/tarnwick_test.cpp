@@ -1,4 +1,4 @@
-// Drives the real program from outside: a camera on a COM pair, a mouse, and eyes on the screen.
+// Drives the real program from outside: a camera on a null-modem pair, the mouse, and pixels of the screen.
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -28,7 +28,7 @@ using uidriver::TextOf;
 
 constexpr COLORREF kBlack = RGB(0, 0, 0);
 
-// Streams one set of points after the other, as the camera does, until told otherwise.
+// Sends the given points continuously, like a camera.
 class StreamingCamera {
  public:
   explicit StreamingCamera(PlayedCamera* camera)
@@ -72,7 +72,7 @@ TEST_F(TarnwickTest, ShowsWhatTheCameraSees) {
   ASSERT_NE(nullptr, tool.window());
   EXPECT_EQ("---", TextOf(tool.window(), IDC_PORT));
   tool.ClickConnect();
-  EXPECT_TRUE(tool.WaitForPortText("-")) << "nobody sends";
+  EXPECT_TRUE(tool.WaitForPortText("-")) << "no data is sent";
   EXPECT_FALSE(uidriver::IsToolbarButtonChecked(tool.window(), IDM_CONNECT));
   for (const std::string& text : StatusTexts(tool.window())) EXPECT_EQ("-", text);
 
@@ -90,7 +90,7 @@ TEST_F(TarnwickTest, ShowsWhatTheCameraSees) {
   EXPECT_EQ(kBlack, tool.ChartPixel({512, 100}));
   stream.Show(0, {900, 100});
   EXPECT_TRUE(WaitUntil([&] { return tool.ChartPixel({900, 100}) != kBlack; }));
-  EXPECT_EQ(kBlack, tool.ChartPixel({100, 200})) << "the old place is empty again";
+  EXPECT_EQ(kBlack, tool.ChartPixel({100, 200})) << "the old position is empty again";
   stream.Show(1, {kNoPoint, kNoPoint});
   EXPECT_TRUE(WaitUntil([&] { return tool.ChartPixel({300, 400}) == kBlack; }));
 
@@ -100,7 +100,7 @@ TEST_F(TarnwickTest, ShowsWhatTheCameraSees) {
   EXPECT_FALSE(uidriver::IsToolbarButtonChecked(tool.window(), IDM_CONNECT));
   tool.ClickConnect();
   EXPECT_TRUE(tool.WaitForPortText(kPortText));
-  EXPECT_NE(INFINITE, tool.CloseAndWait()) << "closes under a streaming camera";
+  EXPECT_NE(INFINITE, tool.CloseAndWait()) << "closes while the camera sends";
 }
 
 TEST_F(TarnwickTest, SurvivesTheCameraBeingUnplugged) {
@@ -116,7 +116,7 @@ TEST_F(TarnwickTest, SurvivesTheCameraBeingUnplugged) {
     }
     camera_.Send("0001,0002,00");
     line_.Unplug();
-    EXPECT_EQ("700,600", TextOf(tool.window(), IDC_POINT_4)) << "the last points stay";
+    EXPECT_EQ("700,600", TextOf(tool.window(), IDC_POINT_4)) << "the last points remain";
     tool.ClickConnect();
     EXPECT_TRUE(tool.WaitForPortText("-"));
     line_.PlugIn();
@@ -125,7 +125,7 @@ TEST_F(TarnwickTest, SurvivesTheCameraBeingUnplugged) {
   EXPECT_NE(INFINITE, tool.CloseAndWait());
 }
 
-TEST_F(TarnwickTest, ComesBackWhereItWasAndKeepsNoDirectory) {
+TEST_F(TarnwickTest, RestoresItsPositionAndLocksNoDirectory) {
   const std::filesystem::path directory = std::filesystem::temp_directory_path() / L"tarnwick e2e";
   std::filesystem::create_directory(directory);
   const RECT place{60, 50, 560, 500};
@@ -138,10 +138,11 @@ TEST_F(TarnwickTest, ComesBackWhereItWasAndKeepsNoDirectory) {
     EXPECT_TRUE(EqualRect(&place, &now)) << now.left << "," << now.top << "," << now.right << "," << now.bottom;
     EXPECT_NE(INFINITE, tool.CloseAndWait());
   }
-  EXPECT_TRUE(RemoveDirectoryW(directory.c_str())) << "the tool leaves nothing in its working directory, nor holds it";
+  EXPECT_TRUE(RemoveDirectoryW(directory.c_str()))
+      << "the tool neither leaves files in its working directory nor locks it";
 }
 
-// What a process has loaded from the folder of its own file, that file included.
+// The modules that a process has loaded from its program's folder, including the program.
 std::vector<std::string> LoadedFromItsFolder(HANDLE process, std::string* folder) {
   HMODULE modules[256];
   DWORD bytes = 0;
@@ -157,7 +158,7 @@ std::vector<std::string> LoadedFromItsFolder(HANDLE process, std::string* folder
   return loaded;
 }
 
-TEST_F(TarnwickTest, RunsNoLibraryThatLiesBesideIt) {
+TEST_F(TarnwickTest, LoadsNoLibraryFromItsFolder) {
   std::string folder;
   {
     TarnwickProcess tool;
@@ -171,8 +172,8 @@ TEST_F(TarnwickTest, RunsNoLibraryThatLiesBesideIt) {
   EXPECT_TRUE(DeleteFileA(planted.c_str()));
 }
 
-// Whoever keeps sending and posting commands must not hold the tool open.
-TEST_F(TarnwickTest, ClosesUnderAStormOfCommands) {
+// A program that continuously sends and posts commands must not keep the tool open.
+TEST_F(TarnwickTest, ClosesUnderAFloodOfCommands) {
   const TarnwickProcess tool;
   ASSERT_NE(nullptr, tool.window());
   std::atomic<int> sent{0};

@@ -1,12 +1,12 @@
-// Plays the spreadsheet program for the DDE tests, in a process of its own, and writes down what comes over the wire:
-// it speaks the DDE messages themselves and does not lean on the library under which the client runs.
+// Simulates the spreadsheet program for the DDE tests, in a separate process, and logs what it receives. It uses DDE
+// messages directly, not the library that the client uses.
 //
 //   dde_server LOG SERVICE TOPIC[,TOPIC...] [delay=MS | refuse | leave]
 //
-// Items: "Topics" is the list of topics; "BytesN" an answer of N letters without a terminator; any other item is what
-// was last poked into it, and refused before that. With delay=MS every request is answered that much later; with refuse
-// only the connection is accepted; with leave an execute ends the conversation. What is written down has been answered:
-// the answer waits in the client's queue by then. Runs until it is ended.
+// Items: "Topics" is the list of topics; "BytesN" is N characters without a terminator; any other item is the text last
+// poked into it, and is rejected before that. With delay=MS every request is answered that much later; with refuse only
+// the connection is accepted; with leave an execute ends the conversation. When a message is logged, its answer is
+// already in the client's queue. Runs until it is terminated.
 #include <windows.h>
 
 #include <dde.h>
@@ -39,7 +39,7 @@ std::string NameOf(UINT_PTR atom) {
   return text;
 }
 
-// A conversation's window bears its topic.
+// The text of a conversation's window is its topic.
 std::string TopicOf(HWND conversation) {
   char text[256] = "";
   GetWindowTextA(conversation, text, sizeof(text));
@@ -53,7 +53,7 @@ std::string BytesOf(HGLOBAL memory, size_t skipped) {
   return copy;
 }
 
-// Bytes as they came, terminators made visible.
+// The received bytes, with visible terminators.
 std::string Shown(const std::string& bytes) {
   std::string text;
   for (char byte : bytes) text += byte ? std::string(1, byte) : "\\0";
@@ -78,7 +78,7 @@ void PostData(HWND server, HWND client, const std::string& bytes, UINT_PTR item)
 
 void Initiate(HWND client, ATOM application, ATOM topic) {
   const std::string askedFor = NameOf(application), askedAbout = NameOf(topic);
-  const bool serves = application == 0 || askedFor == service;  // no name asks for any server
+  const bool serves = application == 0 || askedFor == service;  // no name requests any server
   const bool mine = serves && ("," + topics + ",").find("," + askedAbout + ",") != std::string::npos;
   Log("connect " + askedFor + "|" + askedAbout + (mine ? ": accepted" : ": not mine"));
   if (!mine) return;
@@ -162,7 +162,7 @@ int main(int count, char** arguments) {
     windowClass.lpszClassName = name;
     RegisterClassA(&windowClass);
   }
-  // A hidden top-level window: a broadcast reaches no other kind.
+  // A hidden top-level window: broadcasts reach only top-level windows.
   HWND window = CreateWindowExA(0, "DdeServer", "", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
   if (!window) return 3;
   Log("ready: " + service + " with " + topics + " " + mode);

@@ -23,7 +23,7 @@ namespace {
 using kvtest::BuildFolder;
 using kvtest::GuardedBytes;
 
-// A running server; ends with the object.
+// A running server; the destructor ends it.
 class Server {
  public:
   explicit Server(const std::wstring& arguments) {
@@ -33,12 +33,12 @@ class Server {
     EXPECT_TRUE(Saw("ready"));
   }
   void Kill() { process_.reset(); }
-  // What it has written down.
+  // Its log.
   std::string Log() const {
     std::ifstream file(log_, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
   }
-  // Whether a text comes to be in the log; what the server answered to it has been dispatched then.
+  // Waits for a text in the log; the server's answer has been dispatched by then.
   bool Saw(const std::string& text) const {
     const bool seen = kvtest::WaitUntil([&] { return Log().find(text) != std::string::npos; });
     kvtest::PumpMessages();
@@ -64,7 +64,7 @@ class Dde : public testing::Test {
     server_.reset();
     DdeUninitialize(instance_);
   }
-  // Ends the server before it, if any.
+  // Ends the previous server, if any.
   void ConverseWith(const wchar_t* arguments, const char* topic = "System") {
     kv::ddeDisconnect(conversation_);
     server_.reset();
@@ -92,7 +92,7 @@ TEST_F(Dde, ConverseWithAServerInAnotherProcess) {
   EXPECT_EQ(0, Request("Z9S9"));
   EXPECT_STREQ("12,5", text_);
 
-  // Last, because Wine serves no further transaction of a conversation after an asynchronous one.
+  // Last, because Wine executes no transaction of a conversation after an asynchronous one.
   EXPECT_EQ(1, kv::ddeExecute(instance_, conversation_, "[NEW(1)]"));
   EXPECT_TRUE(server_->Saw("execute Mappe2 \"[NEW(1)]\\0\" (9 bytes)"));
   EXPECT_TRUE(kv::ddeDisconnect(conversation_));
@@ -101,7 +101,7 @@ TEST_F(Dde, ConverseWithAServerInAnotherProcess) {
   EXPECT_EQ(0, Request("Z1S1", 200));
 }
 
-TEST_F(Dde, LongAnswersEndAtTheBuffer) {
+TEST_F(Dde, LongAnswersAreTruncatedToTheBuffer) {
   ConverseWith(L"Excel System");
   const auto request = [&](const char* item, char* to) {
     return kv::ddeRequest(instance_, conversation_, item, to, 0);
@@ -118,16 +118,16 @@ TEST_F(Dde, LongAnswersEndAtTheBuffer) {
     EXPECT_EQ('a' + 8191 % 26, text[8191]);
     EXPECT_EQ('!', text[8192]);  // a destination of kDdeReplySize bytes would end here
   }
-  // One byte too few for the text: nothing is stored, and still the server has answered.
+  // One byte too few for the text: nothing is stored, although the server has answered.
   EXPECT_EQ(1, request("Bytes8192", text + 2));
   EXPECT_TRUE(text[2] == 'c' && text[8192] == '!');
   EXPECT_EQ(1, request("Bytes10", nullptr));
-  // Room for the text and none for the terminator.
+  // Large enough for the text, but not for the terminator.
   EXPECT_EQ(1, request("Bytes10", text + kv::kDdeReplySize - 9));
   EXPECT_EQ(0, memcmp("abcdefghij", text + kv::kDdeReplySize - 9, 10));
 }
 
-TEST(DdeConversation, GivesWholeAnswersAndEndsWithItself) {
+TEST(DdeConversation, ReturnsWholeAnswersAndEndsInItsDestructor) {
   const Server server(L"Excel System");
   std::string answer = "kept";
   {
@@ -143,26 +143,26 @@ TEST(DdeConversation, GivesWholeAnswersAndEndsWithItself) {
   EXPECT_FALSE(none.IsOpen() || none.Execute("x") || none.Poke("a", "b") || none.Request("a", &answer));
 }
 
-TEST_F(Dde, TimeOutsEndTheWait) {
+TEST_F(Dde, TimeoutsEndTheWait) {
   ConverseWith(L"Excel System delay=700");
   const DWORD begin = GetTickCount();
   EXPECT_EQ(0, Request("Topics", 150));
   const DWORD waited = GetTickCount() - begin;
   EXPECT_TRUE(waited >= 140 && waited < 650) << waited;
   EXPECT_STREQ("untouched", text_);
-  // The late answer belongs to nobody; a later request gets its own.
+  // The late answer is discarded; a later request gets its own.
   EXPECT_TRUE(server_->Saw("request Topics: answered"));
   EXPECT_EQ(1, Request("Bytes3"));
   EXPECT_STREQ("abc", text_);
 }
 
-TEST_F(Dde, RefusalsAndADeadServerAreFailures) {
+TEST_F(Dde, RejectionsAndADeadServerAreFailures) {
   ConverseWith(L"Excel System refuse");
   EXPECT_EQ(0, Request("Topics"));
-  // The result of a refused poke is the system's, and not every system tells it apart.
+  // The system returns the result of a rejected poke, and not every system distinguishes it.
   kv::ddePoke(instance_, conversation_, "Z1S1", "1", 0);
   EXPECT_TRUE(server_->Saw("poke Z1S1 \"1\\0\" (2 bytes): refused"));
-  EXPECT_EQ(1, kv::ddeExecute(instance_, conversation_, "[QUIT]"));  // sent; its fate is not looked at
+  EXPECT_EQ(1, kv::ddeExecute(instance_, conversation_, "[QUIT]"));  // sent; its result is not checked
   EXPECT_TRUE(server_->Saw("\"[QUIT]\\0\" (7 bytes): refused"));
 
   ConverseWith(L"Excel System");
@@ -172,7 +172,7 @@ TEST_F(Dde, RefusalsAndADeadServerAreFailures) {
   EXPECT_STREQ("untouched", text_);
 }
 
-TEST_F(Dde, BadArgumentsAreRefused) {
+TEST_F(Dde, BadArgumentsAreRejected) {
   ConverseWith(L"Excel System");
   const GuardedBytes unterminated(4);
   memset(unterminated.data(), 'A', 4);
@@ -189,7 +189,7 @@ TEST_F(Dde, BadArgumentsAreRefused) {
   EXPECT_STREQ("untouched", text_);
 }
 
-// Where ddeStartStop asks first, nothing is writable; where it stores, everything is: the one case in which a start
+// The first probe of ddeStartStop finds nothing writable, later ones everything: the only case in which a start
 // succeeds.
 class WritableAtSecondLook {
  public:
@@ -211,7 +211,7 @@ BOOL StartStop(BOOL start, DWORD* slot) {
   return kv::ddeStartStop(start, slot);
 }
 
-TEST_F(Dde, StartStopRefusesAWritableSlotAndGoesOnWithOneThatIsNot) {
+TEST_F(Dde, StartStopRejectsAWritableSlotAndAcceptsAReadOnlyOne) {
   DWORD none = 0, own = instance_;
   EXPECT_FALSE(kv::ddeStartStop(1, &none) || kv::ddeStartStop(0, &own));
   EXPECT_TRUE(none == 0 && own == instance_ && IsLive(instance_));
@@ -223,7 +223,7 @@ TEST_F(Dde, StartStopRefusesAWritableSlotAndGoesOnWithOneThatIsNot) {
   EXPECT_TRUE(StartStop(0, &slot) && slot == 0 && !IsLive(made));
 
   EXPECT_TRUE(!kv::ddeStartStop(1, nullptr) && kv::ddeStartStop(0, nullptr));
-  // A page that stays read-only: a new instance has no place and is given back, an old one is ended.
+  // A read-only page: a new instance cannot be stored and is released, an old one is ended.
   GuardedBytes empty(sizeof(DWORD)), kept(sizeof(DWORD));
   DWORD* const unreadable = empty.as<DWORD>() + 1;
   EXPECT_FALSE(kv::ddeStartStop(1, unreadable) || kv::ddeStartStop(0, unreadable));
@@ -254,7 +254,7 @@ class ExcelLink : public testing::Test {
     kv::excelLink(0);
     DdeUninitialize(std::exchange(kv::excelLinkState.ddeInstance, 0));
   }
-  // Opens the link in the one case in which its start succeeds.
+  // Opens the link in the only case in which its start succeeds.
   static BOOL Open() {
     const WritableAtSecondLook secondLook;
     return kv::excelLink(1);
@@ -263,12 +263,12 @@ class ExcelLink : public testing::Test {
   decltype(kv::shellCalls.executeExA) previous_;
 };
 
-TEST_F(ExcelLink, OrdinaryOpeningsAndClosingsEndAtTheStart) {
+TEST_F(ExcelLink, OrdinaryOpeningAndClosingDoNothing) {
   EXPECT_FALSE(kv::excelLink(1) || link_.ddeInstance || link_.systemConversation || !launches.empty());
   EXPECT_EQ(0, kv::excelLink(0));
 }
 
-TEST_F(ExcelLink, StartsTheSpreadsheetThatDoesNotRun) {
+TEST_F(ExcelLink, StartsTheSpreadsheetIfItIsNotRunning) {
   EXPECT_EQ(0, Open());
   EXPECT_TRUE(IsLive(link_.ddeInstance));
   EXPECT_FALSE(link_.systemConversation || link_.workbookConversation);
@@ -283,11 +283,11 @@ TEST_F(ExcelLink, StartsTheSpreadsheetThatDoesNotRun) {
   EXPECT_EQ(0u, link_.ddeInstance);
 }
 
-TEST_F(ExcelLink, MakesAWorkbookInTheRunningSpreadsheet) {
+TEST_F(ExcelLink, CreatesAWorkbookInTheRunningSpreadsheet) {
   const Server server(L"Excel System,Mappe2");
   const DWORD begin = GetTickCount();
   EXPECT_EQ(0, Open());
-  // Wine does not serve the request for the topics after the execute, which therefore takes the whole default time.
+  // Wine does not answer the request for the topics after the execute, so it takes the whole default timeout.
   const bool isWine = GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr;
   EXPECT_TRUE(!isWine || GetTickCount() - begin >= kv::kDdeTimeoutMs - 10);
   ASSERT_TRUE(link_.systemConversation && link_.workbookConversation && launches.empty());
@@ -301,7 +301,7 @@ TEST_F(ExcelLink, MakesAWorkbookInTheRunningSpreadsheet) {
        {"connect Excel|System: accepted", "execute System \"[NEW(1)]\\0\" (9 bytes)", "request Topics: answered",
         "connect Excel|Mappe2: accepted", "disconnect System", "disconnect Mappe2"}) {
     place = log.find(line, place);
-    ASSERT_NE(std::string::npos, place) << line << " is not in its place in\n" << log;
+    ASSERT_NE(std::string::npos, place) << line << " is not at its position in\n" << log;
   }
 }
 
@@ -321,7 +321,7 @@ TEST(DecimalPoint, OnlyTheFirstBecomesAComma) {
   };
   EXPECT_EQ("12,5.3", converted("12.5.3"));
   EXPECT_EQ("125", converted("125\0\0\0"));    // NOLINT(bugprone-string-literal-with-embedded-nul)
-  EXPECT_EQ("1.25000", converted("1.25000"));  // no terminator before the page ends
+  EXPECT_EQ("1.25000", converted("1.25000"));  // no terminator within the page
   memcpy(bytes.data(), "1.2500", 7);
   bytes.MakeReadOnly();
   EXPECT_EQ(1, kv::decimalPointToComma(bytes.as<char>()));

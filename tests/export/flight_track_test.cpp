@@ -14,7 +14,7 @@ namespace {
 
 constexpr double kRadian = std::numbers::pi / 180;
 
-// The earth-centred x, y, z of a place.
+// The earth-centred x, y, z of a position.
 std::array<double, 3> CentredFrom(double latitude, double longitude, double height) {
   constexpr double kRadius = 6378137.0, kFlat = 1 / 298.257223563, kE2 = kFlat * (2 - kFlat);
   const double sine = std::sin(latitude * kRadian);
@@ -34,7 +34,7 @@ TEST(EarthCentred, KnownPositions) {
   ExpectPosition(90, 0, PositionFromEarthCentred(0, 0, 6356752.314245179));
   ExpectPosition(-90, 0, PositionFromEarthCentred(0, 0, -1e9));
   ExpectPosition(0, 0, PositionFromEarthCentred(0, 0, 0));
-  ExpectPosition(0, 0, PositionFromEarthCentred(1000, 0, 0));  // not unique so deep, but still a position
+  ExpectPosition(0, 0, PositionFromEarthCentred(1000, 0, 0));  // not unique at this depth, but a position
   EXPECT_TRUE(std::isnan(PositionFromEarthCentred(NAN, 0, 1).latitude));
 }
 
@@ -56,7 +56,7 @@ TEST(LocalFrame, EastIsPositiveXAndSouthIsPositiveY) {
   track.dReferenceLongitude = 179;
   const LocalFrame frame = LocalFrameOf(track);
   ExpectPosition(60, 179, PositionFromLocal(frame, 0, 0));
-  // Two degrees further at half the equator's length of a degree, and not wrapped; one degree south.
+  // Two degrees east, at half the length that a degree has at the equator, not wrapped; one degree south.
   ExpectPosition(59, 181, PositionFromLocal(frame, 111319.49079327358, 110946.25761734763), 1e-9);
 
   track.dReferenceLatitude = 90;
@@ -70,7 +70,7 @@ TEST(ReadablePoints, TestsRecordCountAndPoints) {
   EXPECT_TRUE(ReadablePoints(nullptr).empty() && ReadablePoints(shortRecord.as<FlightTrack>()).empty());
   points.MakeReadOnly();
   EXPECT_EQ(2u, ReadablePoints(&track).size());
-  for (const LONG badCount : {0L, -1L, 3L, 0x7FFFFFFFL, 59652324L}) {  // the last one: 2^32 bytes and a few
+  for (const LONG badCount : {0L, -1L, 3L, 0x7FFFFFFFL, 59652324L}) {  // the last one: slightly more than 2^32 bytes
     track.nPoints = badCount;
     EXPECT_TRUE(ReadablePoints(&track).empty()) << badCount;
   }

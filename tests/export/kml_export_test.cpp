@@ -42,7 +42,7 @@ std::string Contents(const std::filesystem::path& path) {
   return file ? std::string{std::istreambuf_iterator<char>(file), {}} : "no file";
 }
 
-// A format filled in.
+// A formatted text.
 template <class... Values>
 std::string Printed(const wchar_t* format, Values... values) {
   wchar_t wide[2048];
@@ -149,11 +149,11 @@ TEST_F(KmlExport, WholeDocumentOfThreePoints) {
             launched[0]);
 }
 
-TEST_F(KmlExport, SettingsShapeTheDocument) {
+TEST_F(KmlExport, SettingsAreUsedInTheDocument) {
   Store("KMLFlags", DWORD{2}, REG_SZ);
   Store("KMLLineWidth", DWORD{0xFFFFFFFF});
   Store("KMLLineColor", DWORD{0x12345678}, REG_BINARY);
-  Store("KMLPolygonColor", DWORD{0x9A0B0C0D}, REG_BINARY, 1);  // the other bytes stay
+  Store("KMLPolygonColor", DWORD{0x9A0B0C0D}, REG_BINARY, 1);  // the other bytes are unchanged
   Store("KMLAltitude", 7.0, REG_BINARY);                       // eight bytes
   Store("KMLRange", 1500.25f, REG_BINARY);
   Store("KMLTilt", -60.0f);
@@ -170,7 +170,7 @@ TEST(FillAlpha, LowByteOfTheTruncatedValueAndNothingUndefined) {
   for (const auto& [transparency, alpha] : known) EXPECT_EQ(alpha, FillAlpha(transparency)) << transparency;
 }
 
-TEST_F(KmlExport, CoordinateLinesAreWhatTheRunTimePrintsAndOfPointsThatAreSomewhere) {
+TEST_F(KmlExport, CoordinateLinesEqualTheRuntimesAndOmitInvalidPoints) {
   SetPoints({{NAN, 1, 1},
              {5e7, 1e7, 0.25},
              {-1e300, 1e300, 1e300},
@@ -193,7 +193,7 @@ TEST_F(KmlExport, CoordinateLinesAreWhatTheRunTimePrintsAndOfPointsThatAreSomewh
   }
 }
 
-TEST_F(KmlExport, NoPointIsNoFileOneIsOneLineAndManyAreAllThere) {
+TEST_F(KmlExport, EveryPointIsOneLineAndNoPointsAreNoFile) {
   track.nPoints = 0;
   EXPECT_TRUE(exportTrackKml(&view) && exportWaypointsText(&view));
   EXPECT_FALSE(exists(view.szKmlPath) || exists(kWaypointsPath) || !launched.empty());
@@ -213,13 +213,13 @@ TEST_F(KmlExport, NoPointIsNoFileOneIsOneLineAndManyAreAllThere) {
   EXPECT_EQ(expected.size() + 5000, std::filesystem::file_size(kWaypointsPath)) << "a line ends in two bytes";
 }
 
-TEST_F(KmlExport, RefusesABadStateAndAFileThatCannotBeCreated) {
+TEST_F(KmlExport, RejectsABadStateAndAFileThatCannotBeCreated) {
   kvtest::GuardedBytes small(sizeof(view) - 4);
   auto* bad = small.as<FlightTrackViewState>();
   EXPECT_FALSE(exportTrackKml(bad) || exportWaypointsText(bad));
   FormatBounded(view.szKmlPath, sizeof(view.szKmlPath), L"%sno such folder\\a.kml", temporary.c_str());
   EXPECT_FALSE(exportTrackKml(&view));
-  CreateDirectoryW(kWaypointsPath, nullptr);  // in the file's place
+  CreateDirectoryW(kWaypointsPath, nullptr);  // with the file's name
   EXPECT_TRUE(exportWaypointsText(&view));
   RemoveDirectoryW(kWaypointsPath);
   EXPECT_TRUE(launched.empty());
@@ -233,7 +233,7 @@ int FlushNothing(FILE*) {
   return EOF;
 }
 
-TEST_F(KmlExport, AFailedWriteStartsNoViewerAndLeavesNoFile) {
+TEST_F(KmlExport, AFailedWriteStartsNoViewerAndDeletesTheFile) {
   const std::pair<const char*, void*> fullDisk[] = {{"fwrite", reinterpret_cast<void*>(WriteNothing)},
                                                     {"fflush", reinterpret_cast<void*>(FlushNothing)}};
   for (const auto& [name, failing] : fullDisk) {
@@ -244,7 +244,7 @@ TEST_F(KmlExport, AFailedWriteStartsNoViewerAndLeavesNoFile) {
   EXPECT_TRUE(launched.empty());
 }
 
-TEST_F(KmlExport, WaypointsComeFromWhatTheKindSays) {
+TEST_F(KmlExport, WaypointsAreComputedByKind) {
   SetPoints({{.dAltitude = 5, .bKind = 9},
              {.dX = 100, .dY = -200, .dAltitude = 5, .bKind = kPointLocal},
              {.dAltitude = 5, .bKind = kPointGeodetic, .dLatitude = 33.25, .dLongitude = -12.5},
@@ -259,7 +259,7 @@ TEST_F(KmlExport, WaypointsComeFromWhatTheKindSays) {
   EXPECT_TRUE(launched.empty());
 }
 
-TEST_F(KmlExport, PositionIsWrittenAndShownAndTheParentActivated) {
+TEST_F(KmlExport, PositionIsWrittenShownAndTheParentActivated) {
   const std::wstring path = temporary + L"kvHelmsdeckTemp.kml";
   kvtest::RecordingParent parent, other;
   HWND child = kvtest::CreateControl(parent, "STATIC", "", 0, {0, 0, 9, 9}, 1);
@@ -270,7 +270,7 @@ TEST_F(KmlExport, PositionIsWrittenAndShownAndTheParentActivated) {
             Contents(path));
 
   DeleteFileW(path.c_str());
-  CreateDirectoryW(path.c_str(), nullptr);  // the file cannot be created; the viewer starts nevertheless
+  CreateDirectoryW(path.c_str(), nullptr);  // the file cannot be created; the viewer is started anyway
   EXPECT_TRUE(showPositionInGlobe(nullptr, 0, 0, 0));
   RemoveDirectoryW(path.c_str());
   ASSERT_EQ(2u, launched.size());
@@ -307,13 +307,13 @@ class FlightTrackView : public KmlExport {
   FlightTrackViewState* state;
 };
 
-TEST_F(FlightTrackView, ExportsOnRequestAndByItself) {
+TEST_F(FlightTrackView, ExportsOnRequestAndAutomatically) {
   const std::wstring path = state->szKmlPath;
   ASSERT_TRUE(path.starts_with(temporary) && path.substr(temporary.size() + 8) == L".kml");
   EXPECT_LT(GetTickCount() - std::wcstoul(path.c_str() + temporary.size(), nullptr, 16), 10000u);
 
   EXPECT_EQ(1, Track(&track));
-  EXPECT_EQ(1, Export(0x8000 | 0x0100, 7));  // neither document: nothing is done, nothing switched
+  EXPECT_EQ(1, Export(0x8000 | 0x0100, 7));  // neither document: nothing is exported or changed
   EXPECT_FALSE(state->bAutoExport);
   EXPECT_EQ(1, Export(0x8000, 0));
   EXPECT_TRUE(exists(kWaypointsPath));
@@ -327,7 +327,7 @@ TEST_F(FlightTrackView, ExportsOnRequestAndByItself) {
   EXPECT_EQ(0, Export(0x8000, 1));
 }
 
-TEST_F(FlightTrackView, HoldsTheTrackOfItsOwner) {
+TEST_F(FlightTrackView, StoresTheTrackOfItsOwner) {
   FlightTrack copy{};
   EXPECT_EQ(0, Track(&copy, 0x8000));
   EXPECT_EQ(1, Track(&track));
@@ -339,7 +339,7 @@ TEST_F(FlightTrackView, HoldsTheTrackOfItsOwner) {
   EXPECT_TRUE(Track(nullptr, 0x4000) && Export(0x8000, 1) && launched.empty());
 }
 
-TEST_F(FlightTrackView, KeepsOneRecordAndLeavesNoneBehind) {
+TEST_F(FlightTrackView, AllocatesItsStateOnceAndFreesIt) {
   const auto makeMany = [&] {
     for (int i = 0; i < 1500; ++i) DestroyWindow(Create());
     return kvtest::MemoryInUse();

@@ -23,18 +23,18 @@ std::string SentenceOf(const kv::GprmcFix& fix, const SYSTEMTIME& time = kTime) 
   return text;
 }
 
-TEST(Nmea, PutsEveryFieldInItsPlace) {
+TEST(Nmea, FormatsEveryField) {
   const kvtest::CommaLocale commas;
   EXPECT_EQ("$GPRMC,070342.09,A,4830.0000,N,1115.0000,W,5.3,123.5,090308,0.0,E,*",
             SentenceOf({48.5, -11.25, 5.25001, 123.46}));
-  // Seconds are cut, not rounded; zero counts as north and east; 100 degrees and more lengthen the sentence.
+  // Seconds are truncated, not rounded; zero is north and east; 100 degrees and more lengthen the sentence.
   EXPECT_EQ("$GPRMC,070342.09,A,0059.0059,S,12330.0000,E,0.0,-1.0,090308,0.0,E,*",
             SentenceOf({-0.999999, 123.5, 0, -1}));
   SYSTEMTIME early{.wYear = 1999, .wDay = 31, .wMilliseconds = 99};
   EXPECT_EQ("$GPRMC,000000.00,A,0000.0000,N,0000.0000,E,0.0,0.0,3100-01,0.0,E,*", SentenceOf({}, early));
 }
 
-TEST(Nmea, SurvivesValuesThatAreNoPosition) {
+TEST(Nmea, SurvivesInvalidPositions) {
   const std::string huge = SentenceOf({-DBL_MAX, INFINITY, DBL_MAX, -DBL_MAX});
   EXPECT_TRUE(huge.starts_with("$GPRMC,070342.09,A,2147483647") && huge.find(",S,") != std::string::npos);
   EXPECT_TRUE(huge.ends_with(",0.0,E,*"));  // the longest numbers fit
@@ -42,8 +42,8 @@ TEST(Nmea, SurvivesValuesThatAreNoPosition) {
   EXPECT_NE(std::string::npos, none.find(",A,0000.0000,N,0000.0000,E,"));
 }
 
-TEST(Nmea, StoresTheSentenceWithoutTheStarWhereThereIsRoom) {
-  // The local clock decides all but the length, so two fixes of one length share a buffer's size.
+TEST(Nmea, StoresTheSentenceWithoutTheStarIfItFits) {
+  // The local clock determines everything except the length, so two positions of equal length fit the same buffer.
   const size_t length = SentenceOf({1, 2}).size();
   GuardedBytes exact(length);
   memset(exact.data(), 'x', length);

@@ -9,7 +9,7 @@ namespace {
 
 using kvtest::RecordingParent;
 
-// The library stays loaded, as it does in the program.
+// The library remains loaded, as in the program.
 void ClearsAndColoursARealControl(RecordingParent& parent, const char* library, const char* className) {
   SCOPED_TRACE(className);
   ASSERT_TRUE(LoadLibraryA(library));
@@ -22,7 +22,7 @@ void ClearsAndColoursARealControl(RecordingParent& parent, const char* library, 
   EXPECT_EQ(0, GetWindowTextLengthA(edit));
   EXPECT_TRUE(GetUpdateRect(edit, nullptr, FALSE));
   EXPECT_EQ(ENM_SELCHANGE | 0x130001, SendMessageA(edit, EM_GETEVENTMASK, 0, 0));
-  // Whether it scrolls by itself depends on the scroll bars the control was made with.
+  // Whether it scrolls by itself depends on the scroll bars that the control was created with.
   constexpr LRESULT kOptions = ECO_AUTOWORDSELECTION | ECO_NOHIDESEL | ECO_WANTRETURN;
   EXPECT_EQ(kOptions, SendMessageA(edit, EM_GETOPTIONS, 0, 0) & ~(ECO_AUTOVSCROLL | ECO_AUTOHSCROLL));
 
@@ -36,7 +36,7 @@ void ClearsAndColoursARealControl(RecordingParent& parent, const char* library, 
   EXPECT_STREQ("Terminal", format.szFaceName);
   SendMessageA(edit, EM_SETSEL, 6, 6);
 
-  // Black where no letter is: the format says nothing about that.
+  // Black outside of characters, which the format does not define.
   kvtest::PumpMessages();
   kvtest::TestBitmap seen(300, 200);
   HDC dc = GetDC(edit);
@@ -48,14 +48,14 @@ void ClearsAndColoursARealControl(RecordingParent& parent, const char* library, 
 
 TEST(TerminalEdit, StylesEveryVersionAndLeavesOtherWindowsAlone) {
   RecordingParent parent(true, 300, 200);
-  ClearsAndColoursARealControl(parent, "RichEd32.dll", "RICHEDIT");  // behind it stands the newer one
+  ClearsAndColoursARealControl(parent, "RichEd32.dll", "RICHEDIT");  // implemented by the newer one
   ClearsAndColoursARealControl(parent, "RichEd20.dll", "RichEdit20A");
   ClearsAndColoursARealControl(parent, "RichEd20.dll", "RichEdit20W");
   kvtest::PumpMessages();
   ASSERT_FALSE(GetUpdateRect(parent, nullptr, FALSE));
   EXPECT_EQ(1, kv::styleTerminalEdit(nullptr));
   EXPECT_EQ(1, kv::styleTerminalEdit(reinterpret_cast<HWND>(0x12345)));
-  EXPECT_FALSE(GetUpdateRect(parent, nullptr, FALSE));  // a null window would repaint everything on the screen
+  EXPECT_FALSE(GetUpdateRect(parent, nullptr, FALSE));  // a null window would repaint the whole screen
 }
 
 }  // namespace

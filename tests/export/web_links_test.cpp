@@ -14,7 +14,7 @@ std::string launched;
 HINSTANCE WINAPI NoteLaunch(HWND owner, LPCSTR verb, LPCSTR file, LPCSTR parameters, LPCSTR directory, INT show) {
   launched = std::string(verb) + " " + file + " " + parameters + " " + std::to_string(show);
   if (owner || directory) launched += " and more";
-  return nullptr;  // a failure, which nobody looks at
+  return nullptr;  // failure is ignored
 }
 
 TEST(WebLinks, OpenTheChosenPage) {

@@ -8,7 +8,7 @@
 
 namespace {
 
-TEST(BoundedFormat, FitsOrCutsAtTheSize) {
+TEST(BoundedFormat, FitsOrTruncatesAtTheSize) {
   const kvtest::GuardedBytes twelve(12);
   auto* wide = twelve.as<wchar_t>();
   EXPECT_EQ(kv::kFormatDone, kv::FormatBounded(wide, 12, L"%s%d", L"abc", 42));
@@ -31,11 +31,11 @@ TEST(BoundedFormat, FitsOrCutsAtTheSize) {
   EXPECT_STREQ("1234", bytes);
 }
 
-TEST(BoundedFormat, RefusesBadPointers) {
+TEST(BoundedFormat, RejectsBadPointers) {
   kvtest::GuardedBytes memory(8);
   auto *wide = memory.as<wchar_t>(), *noWide = static_cast<wchar_t*>(nullptr);
   auto *bytes = memory.as<char>(), *noBytes = static_cast<char*>(nullptr);
-  std::memset(memory.data(), 'a', 8);  // without a terminator: no format
+  std::memset(memory.data(), 'a', 8);  // not a format: no terminator
   for (const size_t size : {size_t{64}, ~size_t{0}}) {
     EXPECT_EQ(kv::kFormatInvalid, kv::FormatBounded(noWide, size, L"x"));
     EXPECT_EQ(kv::kFormatInvalid, kv::FormatBounded(wide, size, L"x"));

@@ -37,8 +37,8 @@ std::string DateOf(double day) {
   return Text(time);
 }
 
-// Of all days of the years 1601 to 2400.
-TEST(Calendar, DayNumbersRoundTripButForTwoDaysOfLeapYears) {
+// All days of the years 1601 to 2400.
+TEST(Calendar, DayNumbersRoundTripExceptTwoDaysOfLeapYears) {
   constexpr int kLengths[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
   int leapDays = 0, yearEnds = 0;
   for (int year = 1601; year <= 2400; ++year) {
@@ -70,10 +70,10 @@ TEST(Calendar, DayNumberIsTheProgramsOwnCount) {
   for (int day = -10; day < 0; ++day) EXPECT_EQ(kv::DayOfWeek(day + 14), kv::DayOfWeek(day));
   SYSTEMTIME time{};
   kv::DayNumberToTime(NumberOf(Date(2026, 11, 24)), &time);
-  EXPECT_EQ(2, time.wDayOfWeek);  // the count agrees with the world in this century
+  EXPECT_EQ(2, time.wDayOfWeek);  // equal to the Gregorian calendar in this century
 }
 
-TEST(Calendar, TimeOfDayIsCutOrRounded) {
+TEST(Calendar, TimeOfDayIsTruncatedOrRounded) {
   const double day = NumberOf(Date(2008, 7, 14));
   EXPECT_EQ("2008-7-14 12:00:00.000", DateOf(day + 0.5));
   EXPECT_EQ("2008-7-14 23:59:59.999", DateOf(day + (kv::kMillisecondsPerDay - 0.4) / kv::kMillisecondsPerDay));
@@ -131,13 +131,13 @@ TEST(Calendar, CompareCombineAdd) {
   SYSTEMTIME result{};
   const SYSTEMTIME span = Date(1, 1, 1, 7);  // day number 366
   EXPECT_TRUE(kv::CombineTimes(&morning, &span, &result));
-  EXPECT_EQ("2009-7-14 22:59:59.999", Text(result));  // 366 days on, less the borrowed one
+  EXPECT_EQ("2009-7-14 22:59:59.999", Text(result));  // 366 days later, minus the borrowed one
   EXPECT_TRUE(kv::CombineTimes(&span, &morning, &result));
   EXPECT_EQ("2009-7-15 1:00:00.001", Text(result));
 
   const std::tuple<SYSTEMTIME, DWORD, const char*> additions[] = {
       {later, 31, "2008-8-14 8:00:01.000"},
-      {Date(1995, 12, 31), 1, "1995-12-32 0:00:00.000"},  // dates that the count has and the year has not
+      {Date(1995, 12, 31), 1, "1995-12-32 0:00:00.000"},  // dates that do not exist
       {Date(1999, 12, 31), 1, "2000-1-0 0:00:00.000"}};
   for (auto [date, days, sum] : additions) {
     EXPECT_TRUE(kv::AddDays(&date, days, &date));
@@ -146,7 +146,7 @@ TEST(Calendar, CompareCombineAdd) {
   }
 }
 
-TEST(Calendar, BadPointersAndWildNumbersAreHarmless) {
+TEST(Calendar, BadPointersAndExtremeNumbersAreHarmless) {
   kvtest::GuardedBytes tooShort(sizeof(SYSTEMTIME) - 1);
   auto* bad = tooShort.as<SYSTEMTIME>();
   SYSTEMTIME good = Date(2008, 7, 14);

@@ -1,4 +1,4 @@
-// What is drawn with exact coverage.
+// Drawing with exact area coverage.
 #include "framework/canvas.h"
 
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@ namespace {
 
 constexpr COLORREF kBlack = RGB(0, 0, 0), kWhite = RGB(255, 255, 255);
 
-// A black surface to draw on.
+// A black surface.
 struct Board {
   Board(int width, int height) : room(std::make_unique<CoverageShape>()) {
     EXPECT_TRUE(surface.Create({width, height}));
@@ -43,7 +43,7 @@ struct Board {
   std::unique_ptr<Canvas> canvas;
 };
 
-TEST(Canvas, WhatIsWantedOfAShapeDoesNotChangeIt) {
+TEST(Canvas, ClippingDoesNotChangeAShape) {
   Board whole(90, 70), parts(90, 70);
   const auto glyph = std::make_unique<GlyphOutline>();
   ASSERT_TRUE(OutlineOfCharacter(L"Arial Unicode MS", FW_BOLD, L'8', glyph.get()));
@@ -52,7 +52,7 @@ TEST(Canvas, WhatIsWantedOfAShapeDoesNotChangeIt) {
     FillAnnularSector(canvas, {50, 30}, 11.5, 60.25, -70, 215, RGB(40, 250, 30));
     FillLine(canvas, {-300, -17}, {500, 83.4}, 0.7, kWhite);
     FillAreaAcross(canvas, {10, 50, 80, 60}, kBlack, kWhite);
-    BeginShape(canvas);  // of more letters, overlapping, than a shape can hold
+    BeginShape(canvas);  // more overlapping glyphs than a shape's capacity
     for (int x = 0; x < 90; x += 2) AddGlyph(canvas, *glyph, {x + 0.3, 20}, 0, 18, 0, RGB(90, 80, 7));
     FillShape(canvas, RGB(90, 80, 7));
   };
@@ -64,7 +64,7 @@ TEST(Canvas, WhatIsWantedOfAShapeDoesNotChangeIt) {
   EXPECT_EQ(0, memcmp(whole.surface.Row(0), parts.surface.Row(0), 90 * 70 * 4));
 }
 
-TEST(Canvas, ShapesCoverWhatTheyShould) {
+TEST(Canvas, ShapesCoverTheirArea) {
   for (const double radius : {0.3, 3.0, 20.0, 45.0}) {
     Board disc(100, 100);
     FillDisc(*disc.canvas, {50.2, 49.7}, radius, kWhite);
@@ -86,7 +86,7 @@ TEST(Canvas, ShapesCoverWhatTheyShould) {
   EXPECT_TRUE(blended.Blue(5, 0) == 1 && blended.Blue(5, 99) == 254);
 }
 
-TEST(Canvas, OddInputAndTooManyEdgesDrawNothing) {
+TEST(Canvas, InvalidInputAndTooManyEdgesDrawNothing) {
   Board board(20, 20);
   Canvas& canvas = *board.canvas;
   std::vector<PointD> zigzag;
@@ -122,14 +122,14 @@ TEST(Canvas, GdiAndShapesTakeTurnsWithinTheClip) {
   for (int i = 0; i < 4; ++i) EXPECT_EQ(expected[i], board.Blue(std::vector{4, 9, 24, 25}[i], 5)) << i;
 }
 
-TEST(Glyphs, HaveOutlinesThatTurn) {
+TEST(Glyphs, OutlinesCanBeRotated) {
   const auto glyph = std::make_unique<GlyphOutline>();
   for (const wchar_t hollow : {L'8', L'0', L'E'}) {
     ASSERT_TRUE(OutlineOfCharacter(L"Arial Unicode MS", FW_BOLD, hollow, glyph.get()));
     EXPECT_EQ(hollow == L'8' ? 3 : hollow == L'0' ? 2 : 1, glyph->contours);
     EXPECT_TRUE(glyph->advance > 0.5 && glyph->advance < 1.5);
   }
-  // An E has its stem at the left: upright it stands left of the middle, turned by 90 degrees above it.
+  // An E has its stem at the left: upright it is left of the centre, rotated by 90 degrees above it.
   for (const double turn : {0.0, 90.0}) {
     Board board(60, 60);
     FillGlyph(*board.canvas, *glyph, {30, 30}, 0, 40, turn, kWhite);
@@ -143,7 +143,7 @@ TEST(Glyphs, HaveOutlinesThatTurn) {
   EXPECT_EQ(0, glyph->contours);
 }
 
-TEST(Glyphs, NoneIsLostThatTheShapeHasNoRoomFor) {
+TEST(Glyphs, GlyphsBeyondTheCapacityAreDrawnToo) {
   const auto glyph = std::make_unique<GlyphOutline>();
   ASSERT_TRUE(OutlineOfCharacter(L"Arial Unicode MS", FW_BOLD, L'8', glyph.get()));
   Board together(400, 20), each(400, 20);

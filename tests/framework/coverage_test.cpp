@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kSide = 40;
 
-// How far each pixel is covered.
+// The coverage of each pixel.
 struct Levels {
   explicit Levels(CoverageShape& shape) {
     for (CoverageSpan span; shape.Next(&span);) std::fill_n(&at[span.y][span.x], span.count, span.coverage);
@@ -21,10 +21,10 @@ struct Levels {
   int at[kSide][kSide] = {};
 };
 
-TEST(Coverage, EachPixelGetsThePartThatIsCovered) {
+TEST(Coverage, EachPixelGetsItsCoveredArea) {
   CoverageShape shape;
   ASSERT_TRUE(shape.Begin({0, 0, 8, 8}));
-  // From x = 1.5 to 4.25, y = 2 to 3.5, with a hole that runs the other way, and a triangle of half a pixel.
+  // From x = 1.5 to 4.25, y = 2 to 3.5, with a hole in the opposite direction, and a triangle of half a pixel.
   const PointD box[] = {{1.5, 2}, {4.25, 2}, {4.25, 3.5}, {1.5, 3.5}};
   const PointD hole[] = {{3, 2}, {3, 2.5}, {4, 2.5}, {4, 2}};
   const PointD triangle[] = {{6, 6}, {7, 7}, {6, 7}};
@@ -35,11 +35,11 @@ TEST(Coverage, EachPixelGetsThePartThatIsCovered) {
   const int expected[kSide][kSide] = {{}, {}, {0, 128, 255, 128, 64}, {0, 64, 128, 128, 32},
                                       {}, {}, {0, 0, 0, 0, 0, 0, 128}};
   EXPECT_EQ(0, memcmp(expected, levels.at, sizeof(expected)));
-  EXPECT_FALSE(shape.AddContour(box));  // it has been handed out
+  EXPECT_FALSE(shape.AddContour(box));  // the shape is complete
 }
 
-// Random figures, most of them larger than what is wanted of them: whatever part is asked for, it is that of the whole.
-TEST(Coverage, EveryPartIsThatOfTheWhole) {
+// Random contours, most of them larger than the requested part: each part equals that of the whole shape.
+TEST(Coverage, EveryPartEqualsThatOfTheWhole) {
   std::mt19937 random(7);
   std::uniform_real_distribution<double> place(-20, 60);
   for (int round = 0; round < 300; ++round) {

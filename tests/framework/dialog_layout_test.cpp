@@ -32,7 +32,7 @@ HFONT FontOf(HWND dialog, int id) {
   return reinterpret_cast<HFONT>(SendDlgItemMessageA(dialog, id, WM_GETFONT, 0, 0));
 }
 
-// Height x width and weight of a control's font that was made for it.
+// Height x width and weight of the font created for a control.
 std::string Font(HWND dialog, int id) {
   LOGFONTA font{};
   if (!GetObjectA(FontOf(dialog, id), sizeof(font), &font)) return "none";
@@ -40,7 +40,7 @@ std::string Font(HWND dialog, int id) {
   return std::to_string(font.lfHeight) + "x" + std::to_string(font.lfWidth) + " " + std::to_string(font.lfWeight);
 }
 
-// Takes whatever size it is given, has a field of 17 pixels and keeps the field height it was told last.
+// Accepts any size, has a field of 17 pixels and stores the field height that was set last.
 LRESULT CALLBACK PlainComboBox(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == CB_GETITEMHEIGHT) return 17;
   if (message == CB_SETITEMHEIGHT) return SetWindowLongA(window, GWL_USERDATA, lParam);
@@ -51,7 +51,7 @@ struct Control {
   const char *className, *text;
   DWORD style;
   int id, kind;
-  const char *scaled, *font;  // place and font in a dialog twice as wide and 1.5 times as high
+  const char *scaled, *font;  // rectangle and font in a dialog twice as wide and 1.5 times as high
 };
 
 constexpr char kTwice[] = "80,45 200x30";
@@ -61,7 +61,7 @@ const Control kControls[] = {
     {"BUTTON", "text", 0, 1012, 2, kTwice, "21x12 600"},
     {"EDIT", "text", 0, 1013, 3, kTwice, "25x9 600"},
     {"EDIT", "text", ES_MULTILINE, 1014, 3, kTwice, "System"},
-    // What a real combo box makes of the field height and of the room for its list is its own affair.
+    // How a real combo box uses the field height and the height of its list is not tested.
     {"COMBOBOX", "", CBS_DROPDOWNLIST, 1015, 4, nullptr, "21x12 600"},
     {"COMBOBOX", "", CBS_DROPDOWNLIST | CBS_OWNERDRAWFIXED, 1016, 4, nullptr, "none"},
     {"LISTBOX", "", LBS_NOINTEGRALHEIGHT, 1017, 5, kTwice, "none"},
@@ -96,7 +96,7 @@ class Dialog : public RecordingParent {
   float scaleX = -1, scaleY = -1;
 };
 
-TEST(ControlKind, ByContainedTextTheLastWins) {
+TEST(ControlKind, LastContainedNameWins) {
   kvtest::GuardedBytes unterminated(4);
   std::memcpy(unterminated.data(), "EDIT", 4);
   EXPECT_EQ(0, kv::ClassifyClassName(unterminated.as<char>()));
@@ -121,11 +121,11 @@ TEST(DialogLayout, CapturesTheRangeInWindowOrder) {
   EXPECT_EQ(0, memcmp(expected, dialog.slots, sizeof(expected)));
   EXPECT_EQ(SendDlgItemMessageA(dialog, 1015, CB_GETITEMHEIGHT, -1, 0), dialog.slots[6].height);
   EXPECT_EQ(17, dialog.slots[13].height);
-  EXPECT_EQ(15, kv::LayoutSlotOf(dialog, kFirstId, kLastId, 1999));  // 2000 takes no slot
+  EXPECT_EQ(15, kv::LayoutSlotOf(dialog, kFirstId, kLastId, 1999));  // 2000 has no slot
   EXPECT_EQ(-1, kv::LayoutSlotOf(dialog, kFirstId, kLastId, 2000));
   EXPECT_EQ(-1, kv::LayoutSlotOf(nullptr, kFirstId, kLastId, 1010));
 
-  // A record that ends early: what fits is captured and scaled, the rest stays.
+  // A layout array that ends early: controls that fit are captured and scaled, others stay.
   const kvtest::GuardedBytes memory(3 * sizeof(LayoutSlot) + 1);
   auto* slots = reinterpret_cast<LayoutSlot*>(memory.as<char>() + 1);
   EXPECT_TRUE(kv::CaptureLayout(dialog, slots, kFirstId, kLastId));
@@ -156,14 +156,14 @@ TEST(DialogLayout, ScalesEachKindWithItsFont) {
   EXPECT_EQ(25, GetWindowLongA(GetDlgItem(dialog, 1023), GWL_USERDATA));
 }
 
-TEST(DialogLayout, MarginsStayAndTheirExtremesAreDefined) {
+TEST(DialogLayout, MarginsKeepTheirSizeAndExtremesAreDefined) {
   const struct {
     int width, height, bottom, left, top;
     float scaleX, scaleY;
     const char* place;
   } samples[] = {{20 + 190, 10 + 50 + 480, 50, 20, 10, 0.5f, 2.0f, "30,50 50x40"},  // 190 / 380, 480 / 240
-                 {20, 60, 50, 20, 10, 0.0f, 0.0f, "20,10 0x0"},                     // nothing but margins
-                 {800, 600, 300, 400, 0, 1.0f, 1.0f, "40,30 100x20"}};              // the same when captured
+                 {20, 60, 50, 20, 10, 0.0f, 0.0f, "20,10 0x0"},                     // only margins
+                 {800, 600, 300, 400, 0, 1.0f, 1.0f, "40,30 100x20"}};              // the captured size
   Dialog dialog;
   kv::CaptureLayout(dialog, dialog.slots, kFirstId, kLastId);
   for (const auto& sample : samples) {
@@ -180,7 +180,7 @@ TEST(DialogLayout, MarginsStayAndTheirExtremesAreDefined) {
   EXPECT_TRUE(dialog.Apply(INT_MIN, INT_MIN, INT_MIN));
 }
 
-TEST(DialogLayout, AControlAsLargeAsTheDialogStaysSo) {
+TEST(DialogLayout, AControlAsLargeAsTheDialogRemainsAsLarge) {
   Dialog dialog;
   dialog.slots[0] = dialog.slots[1] = {0, 0, 413, 300};
   for (int width = 1; width <= 1100; ++width) {
@@ -211,7 +211,7 @@ TEST(DialogLayout, RedrawsOnRequest) {
   for (const BOOL redraw : {FALSE, TRUE}) {
     const int before = dialog.CountOf(WM_PAINT);
     kv::ApplyLayout(dialog, 0, 0, 0, kFirstId, kLastId, dialog.slots, nullptr, nullptr, redraw);
-    ValidateRect(dialog, nullptr);  // what is not painted by now does not count
+    ValidateRect(dialog, nullptr);  // discards pending paints
     EXPECT_EQ(before + redraw, dialog.CountOf(WM_PAINT));
   }
 }

@@ -41,7 +41,7 @@ class OpenDialog {
   HWND window_;
 };
 
-TEST(DialogClass, IsRegisteredAsTemplatesNeedItErasesNothingAndIsADialogOtherwise) {
+TEST(DialogClass, IsRegisteredForTemplatesAndErasesNothing) {
   WNDCLASSEXA info{sizeof(info)};
   EXPECT_FALSE(GetClassInfoExA(kModule, "kvDialog", &info));
   const OpenDialog dialog;
@@ -79,7 +79,7 @@ TEST(ModelessDialogs, TableOf256Slots) {
   EXPECT_FALSE(kv::ModelessDialogs(window(9), nullptr, 2));
 }
 
-TEST(ModelessDialogs, DispatchOffersEachMessageToEveryLiveDialog) {
+TEST(ModelessDialogs, DispatchOffersEachMessageToEveryOpenDialog) {
   kv::ModelessDialogs(nullptr, nullptr, kv::kModelessReset);
   MSG message{};
   EXPECT_FALSE(kv::ModelessDialogs(nullptr, &message, kv::kModelessDispatch));
@@ -99,7 +99,7 @@ TEST(ModelessDialogs, DispatchOffersEachMessageToEveryLiveDialog) {
   };
   EXPECT_EQ(1101, focusAfterTab(0));
   EXPECT_EQ(1102, focusAfterTab(1));
-  EXPECT_EQ(1103, focusAfterTab(2));  // a dialog that stands twice is asked twice: nobody stops at the first
+  EXPECT_EQ(1103, focusAfterTab(2));  // a dialog entered twice is asked twice
 
   kvtest::GuardedBytes tooShort(sizeof(MSG) - 1);
   EXPECT_FALSE(kv::ModelessDialogs(nullptr, tooShort.as<MSG>(), kv::kModelessDispatch));
@@ -108,7 +108,7 @@ TEST(ModelessDialogs, DispatchOffersEachMessageToEveryLiveDialog) {
 }
 
 TEST(DialogControls, TicksCountFromZero) {
-  RecordingParent trackbar;  // stands in for one and shows what a trackbar is told
+  RecordingParent trackbar;  // records the messages to a trackbar
   const auto ticks = [&](int minimum, int maximum, int intervals) {
     trackbar.seen().clear();
     EXPECT_TRUE(kv::SetTrackbarTicks(trackbar, minimum, maximum, intervals));
@@ -130,8 +130,8 @@ TEST(DialogControls, TicksCountFromZero) {
   EXPECT_FALSE(kv::SetTrackbarTicks(nullptr, 0, 10, 2));
 }
 
-TEST(DialogControls, ScrollBarIsSetAtOnce) {
-  // How a bar looks that cannot scroll is the system's affair; this is what it is asked for.
+TEST(DialogControls, ScrollBarIsSetImmediately) {
+  // The system decides the appearance of a bar that cannot scroll; this tests its parameters.
   RecordingParent bar;
   SCROLLINFO asked{};
   bar.Answer([&](HWND, UINT message, WPARAM redraw, LPARAM lParam, LRESULT*) {
@@ -144,7 +144,7 @@ TEST(DialogControls, ScrollBarIsSetAtOnce) {
   EXPECT_FALSE(kv::SetScrollBarControl(nullptr, 0, 1, 1, 0));
 }
 
-TEST(DialogTexts, ComeFromExtendedAndClassicTemplates) {
+TEST(DialogTexts, AreReadFromExtendedAndClassicTemplates) {
   const OpenDialog dialog;
   const auto set = [&](int id) { return kv::SetDialogTexts(dialog, kModule, MAKEINTRESOURCEW(id)); };
   const auto texts = [&] {

@@ -25,8 +25,8 @@ using kvtest::TextOf;
 constexpr wchar_t kTitle[] = L"kvTest: choose α file";
 constexpr int kFilterList = 0x470, kNameList = 0x47C, kNameEdit = 0x480;  // the common dialog's control ids
 
-// The user: a thread that waits for the windows with the dialog's title and answers the first by the first answer, the
-// next by the second ...
+// Simulates the user: a thread that waits for windows with the dialog's title and calls the first function for the
+// first window, the second for the next, and so on.
 class User {
  public:
   using Answer = std::function<void(HWND dialog)>;
@@ -38,7 +38,7 @@ class User {
             const HWND previous = window;
             const bool came =
                 kvtest::WaitUntil([&] { return (window = Find(previous)) != nullptr; }, std::chrono::seconds(10));
-            ASSERT_TRUE(came) << "no window came up to be answered";
+            ASSERT_TRUE(came) << "no window appeared";
             answer(window);
           }
         }) {}
@@ -64,12 +64,12 @@ void Type(HWND dialog, const std::wstring& name) {
   PostMessageW(dialog, WM_COMMAND, IDOK, 0);
 }
 
-// A folder of the test's own whose name no code page holds.
+// A folder of the test whose name no code page can represent.
 class FileDialog : public testing::Test {
  protected:
   FileDialog() { fs::create_directories(folder_); }
   ~FileDialog() override {
-    EXPECT_EQ(workingFolder_, fs::current_path());  // the dialog never moves it
+    EXPECT_EQ(workingFolder_, fs::current_path());  // the dialog does not change it
     fs::remove_all(folder_);
   }
 
@@ -83,7 +83,7 @@ class FileDialog : public testing::Test {
   wchar_t path_[kPathCharacters] = L"";
 };
 
-TEST_F(FileDialog, OpenProposesTheFileWithItsTypeAndGivesTheChosenOne) {
+TEST_F(FileDialog, OpenProposesTheFileAndReturnsTheChosenOne) {
   const User user({[&](HWND dialog) {
     EXPECT_EQ(L"my track α.kml", TextOf(NameField(dialog)));
     const HWND types = GetDlgItem(dialog, kFilterList);
@@ -99,7 +99,7 @@ TEST_F(FileDialog, OpenProposesTheFileWithItsTypeAndGivesTheChosenOne) {
   EXPECT_TRUE(fs::is_empty(folder_));
 }
 
-TEST_F(FileDialog, SaveMakesTheProposedPathAFolderFirst) {
+TEST_F(FileDialog, SaveCreatesAFolderOfTheProposedPathFirst) {
   const User user({[&](HWND dialog) {
     EXPECT_TRUE(fs::is_directory(folder_ / L"track.kml"));
     Type(dialog, L"other.kml");
@@ -108,7 +108,7 @@ TEST_F(FileDialog, SaveMakesTheProposedPathAFolderFirst) {
   EXPECT_TRUE(folder_ / L"other.kml" == path_ && !fs::exists(path_));
 }
 
-TEST_F(FileDialog, CancellingIsSilentAFailureIsShownAndBothKeepThePath) {
+TEST_F(FileDialog, CancellingIsSilentFailureIsReportedAndBothKeepThePath) {
   std::wstring text;
   const User user({[](HWND dialog) { PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0); },
                    [](HWND dialog) { Type(dialog, std::wstring(230, L'n') + L".kml"); },
@@ -124,7 +124,7 @@ TEST_F(FileDialog, CancellingIsSilentAFailureIsShownAndBothKeepThePath) {
   EXPECT_EQ(L"Error 12291", text);  // the chosen path does not fit into the buffer
 }
 
-TEST_F(FileDialog, RefusesWhatIsNoPathWithoutADialog) {
+TEST_F(FileDialog, RejectsInvalidPathsWithoutADialog) {
   wchar_t endless[kPathCharacters];
   std::wmemset(endless, L'x', kPathCharacters);
   kvtest::GuardedBytes path(kPathCharacters * sizeof(wchar_t));
@@ -136,7 +136,7 @@ TEST_F(FileDialog, RefusesWhatIsNoPathWithoutADialog) {
   EXPECT_FALSE(ChooseFile(nullptr, path_, nullptr, TRUE));
 }
 
-TEST(FilterText, IsPairsWithADoubleZeroAtTheEnd) {
+TEST(FilterText, ConsistsOfPairsEndedByADoubleZero) {
   const std::pair<const wchar_t*, std::wstring> filters[] = {
       {L".kml", L"kml files (*.kml)|*.kml|All files (*.*)|*.*||"}, {L"", L" files (*)|*|All files (*.*)|*.*||"}};
   for (const auto& [extension, expected] : filters) {
@@ -145,7 +145,7 @@ TEST(FilterText, IsPairsWithADoubleZeroAtTheEnd) {
     EXPECT_EQ(expected, text);
   }
 
-  // Separators beyond the first 256 characters stay; the list ends all the same.
+  // Separators beyond the first 256 characters are not replaced; the list is terminated anyway.
   const FilterText filter = BuildFilterText((L"." + std::wstring(258, L'e')).c_str());
   EXPECT_EQ(L'\r', filter.text[wcslen(filter.text) - 1]);
   EXPECT_EQ(L'\0', filter.text[ARRAYSIZE(filter.text) - 1]);

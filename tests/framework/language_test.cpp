@@ -19,7 +19,7 @@
 namespace kv {
 namespace {
 
-constexpr wchar_t kStem[] = L"kvtést";  // outside plain ASCII, like the folders of many users
+constexpr wchar_t kStem[] = L"kvtést";  // with a non-ASCII character, like the folders of many users
 constexpr wchar_t kApplication[] = L"kvTest Ω";
 constexpr wchar_t kApplicationKey[] = L"Software\\korvel\\Configuration\\kvTest Ω";
 
@@ -29,7 +29,7 @@ std::wstring BesideProgram(const std::wstring& name) {
   return directory + name;
 }
 
-// Files beside the test program that look like those of languages; none is there when a test begins or ends.
+// Files beside the test program with names of language files; none exists when a test begins or ends.
 class LanguageFiles : public testing::Test {
  protected:
   LanguageFiles() { RemoveAll(); }
@@ -47,7 +47,7 @@ class LanguageFiles : public testing::Test {
     }
   }
 
-  // Loads and frees again: the file that held the resources (empty for the program), the language, what is stored.
+  // Loads and frees a language: the file with the resources (empty for the program), the language, the stored choice.
   using Outcome = std::tuple<std::wstring, int, DWORD>;
   static Outcome Load(int language) {
     const HMODULE own = GetModuleHandleW(nullptr);
@@ -63,7 +63,7 @@ class LanguageFiles : public testing::Test {
   }
 };
 
-TEST_F(LanguageFiles, FindTakesEnglishUnseenOthersOnlyWhenThereAndThenAnyLanguage) {
+TEST_F(LanguageFiles, FindReturnsEnglishWithoutAFileAndReplacesMissingOnes) {
   wchar_t path[kPathCharacters];
   const auto find = [&](int language, const wchar_t* extension, BOOL mustExist) {
     wcscpy(path, L"untouched");
@@ -83,7 +83,7 @@ TEST_F(LanguageFiles, FindTakesEnglishUnseenOthersOnlyWhenThereAndThenAnyLanguag
   EXPECT_EQ(spanish, path);
   EXPECT_EQ(kLanguageFileOwn, FindLanguageFile(2, kStem, L".dll", nullptr, TRUE));
 
-  // A reserved place has no code: its file is stem + extension, and it stands in for others like any file.
+  // A reserved number has no code: its file is stem + extension, which also replaces missing ones.
   const std::wstring codeless = Add(L".dat");
   EXPECT_EQ(kLanguageFileOwn, find(20, L".dat", TRUE));
   EXPECT_EQ(kLanguageFileOther, find(2, L".dat", FALSE));
@@ -91,7 +91,7 @@ TEST_F(LanguageFiles, FindTakesEnglishUnseenOthersOnlyWhenThereAndThenAnyLanguag
 
   for (const int none : {24, 1000, -1}) EXPECT_EQ(kLanguageFileNone, find(none, nullptr, FALSE));
   EXPECT_EQ(kLanguageFileNone, FindLanguageFile(0, nullptr, nullptr, path, FALSE));
-  // A stem of a whole path's length without a terminator, and a folder that leaves no room for the file.
+  // A stem of kPathCharacters without a terminator, and a folder whose path leaves no space for the file name.
   kvtest::GuardedBytes oneShort((kPathCharacters - 1) * sizeof(wchar_t)), stem(kPathCharacters * sizeof(wchar_t));
   EXPECT_EQ(kLanguageFileOwn, FindLanguageFile(2, kStem, nullptr, oneShort.as<wchar_t>(), TRUE));
   std::wmemset(stem.as<wchar_t>(), L'x', kPathCharacters);
@@ -105,7 +105,7 @@ TEST_F(LanguageFiles, FindTakesEnglishUnseenOthersOnlyWhenThereAndThenAnyLanguag
 TEST(FilePath, SplitsAtSeparatorsDriveAndLastDot) {
   const struct {
     const wchar_t *path, *directory, *name, *extension;
-  } samples[] = {{L"C:\\prog.exe", L"C:\\", L"prog.exe", L".exe"},  // at a drive's root
+  } samples[] = {{L"C:\\prog.exe", L"C:\\", L"prog.exe", L".exe"},  // in a root folder
                  {L"C:\\a.b\\Straße 1 Ω.tar.gz", L"C:\\a.b\\", L"Straße 1 Ω.tar.gz", L".gz"},
                  {L"C:/data/track", L"C:/data/\\", L"track", L""},
                  {L"C:track.kml", L"C:\\", L"track.kml", L".kml"},
@@ -121,18 +121,18 @@ TEST(FilePath, SplitsAtSeparatorsDriveAndLastDot) {
   }
   const std::wstring fits = std::wstring(258, L'd') + L"\\";
   EXPECT_FALSE(DirectoryOf((L"d" + fits + L"p.exe").c_str(), directory, kPathCharacters));
-  EXPECT_STREQ(L"\\", directory);  // as it was
+  EXPECT_STREQ(L"\\", directory);  // unchanged
   EXPECT_TRUE(DirectoryOf((fits + L"p.exe").c_str(), directory, kPathCharacters));
   EXPECT_EQ(fits, directory);
 }
 
-TEST_F(LanguageFiles, LoadTakesAndRemembersWhatThereIsAndElseEnglish) {
+TEST_F(LanguageFiles, LoadStoresAnAvailableLanguageAndOtherwiseUsesEnglish) {
   const Outcome english(L"", 0, 0);
-  EXPECT_EQ(english, Load(5));  // no library at all
+  EXPECT_EQ(english, Load(5));  // no library exists
   const std::wstring german = Add(L"GE.dll");
   EXPECT_EQ(Outcome(german, 1, 1), Load(1));
   EXPECT_EQ(Outcome(german, 1, 1), Load(kStoredLanguage));
-  EXPECT_EQ(Outcome(german, 8, 8), Load(8));  // stands in for the missing Russian one, and the choice stays
+  EXPECT_EQ(Outcome(german, 8, 8), Load(8));  // replaces the missing Russian one; the choice is unchanged
   EXPECT_EQ(english, Load(99));
   const BYTE bytes[] = {1, 0, 0, 0, 0, 0, 0, 0x80};
   const struct {
@@ -150,7 +150,7 @@ TEST_F(LanguageFiles, LoadTakesAndRemembersWhatThereIsAndElseEnglish) {
   std::ofstream(std::filesystem::path(german)) << "no library";
   EXPECT_EQ(english, Load(1));
 
-  // Without a pointer or a name it is English under the common name.
+  // Without a pointer or a name: English, stored under the common name.
   const HMODULE own = GetModuleHandleW(nullptr);
   EXPECT_EQ(own, LoadLanguageResources(own, kStem, nullptr, nullptr));
   EXPECT_NE(nullptr, static_cast<HKEY>(RegistryKey::Open("Software\\korvel\\Configuration\\CommonLanguage")));
@@ -159,8 +159,8 @@ TEST_F(LanguageFiles, LoadTakesAndRemembersWhatThereIsAndElseEnglish) {
   EXPECT_EQ(own, LoadLanguageResources(own, kStem, nullptr, constant.as<int>()));
 }
 
-// Some bits of the headers or of the resources are others: nothing that is done with such a library ends the program.
-TEST_F(LanguageFiles, LoadSurvivesEveryDamage) {
+// With some bits of the headers or resources changed, using the library does not crash.
+TEST_F(LanguageFiles, LoadSurvivesDamagedLibraries) {
   const std::filesystem::path german = Add(L"GE.dll");
   std::string whole(static_cast<size_t>(std::filesystem::file_size(german)), '\0');
   std::ifstream(german, std::ios::binary).read(whole.data(), static_cast<std::streamsize>(whole.size()));
@@ -188,8 +188,8 @@ TEST_F(LanguageFiles, LoadSurvivesEveryDamage) {
 constexpr UINT kFirstCommand = 500;
 constexpr int kHandlesInArea = kLanguageBitmapArea / sizeof(HBITMAP);
 
-TEST_F(LanguageFiles, MenuListsWhatHasALibraryWithTwoBitmapsEach) {
-  // The test's library holds bitmaps 1 to 48, see language_library.rc; the identifier wraps at 65536.
+TEST_F(LanguageFiles, MenuListsAvailableLanguagesWithTwoBitmapsEach) {
+  // The test's library contains bitmaps 1 to 48 (language_library.rc); the identifier wraps at 65536.
   const HMODULE library = LoadLibraryW(Add(L"RU.dll").c_str());
   Add(L"ES.dll");
   HBITMAP handles[kHandlesInArea] = {};
@@ -218,7 +218,7 @@ TEST_F(LanguageFiles, MenuListsWhatHasALibraryWithTwoBitmapsEach) {
   FreeLibrary(library);
 }
 
-TEST_F(LanguageFiles, MenuDoesWithoutBitmapsStemOrArea) {
+TEST_F(LanguageFiles, MenuWorksWithoutBitmapsStemOrArea) {
   const auto untouched = reinterpret_cast<HBITMAP>(1);
   HBITMAP handles[kHandlesInArea] = {untouched};
   const kvtest::GuardedBytes oneShort(kLanguageBitmapArea - sizeof(HBITMAP)), half(16 * sizeof(HBITMAP));
@@ -256,17 +256,17 @@ TEST_F(LanguageFiles, HelpOpensTheLanguagesFileAndAlwaysRepaints) {
     return window.CountOf(WM_PAINT) - before;
   };
   EXPECT_EQ(1, paints(1));  // no file: nothing opens
-  EXPECT_EQ(1, paints(0));  // the English one unseen
+  EXPECT_EQ(1, paints(0));  // the English one, not checked for existence
   const std::wstring russian = Add(L"RU.chm");
-  EXPECT_EQ(1, paints(1));  // another language's stands in
+  EXPECT_EQ(1, paints(1));  // replaced by another language's
   const std::vector<HelpRequest> expected = {{window, BesideProgram(L"kvtéstEN.chm"), 15, 77},
                                              {window, russian, 15, 77}};
   EXPECT_EQ(expected, helpRequests);
   htmlHelp = systemHelp;
 }
 
-TEST(Help, TheSystemsFacilityTakesACall) {
-  constexpr UINT kGetWinType = 5;  // asks about a window that no help has opened: answered without showing anything
+TEST(Help, TheSystemsHelpCanBeCalled) {
+  constexpr UINT kGetWinType = 5;  // queries a window that no help has opened: shows nothing
   EXPECT_EQ(reinterpret_cast<HWND>(-1), htmlHelp(nullptr, L">kvNone", kGetWinType, 0));
   EXPECT_NE(nullptr, GetModuleHandleW(L"hhctrl.ocx"));
 }

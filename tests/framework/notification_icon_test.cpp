@@ -21,7 +21,7 @@ BOOL WINAPI RecordNotification(DWORD message, PNOTIFYICONDATAA record) {
   seenMessage = message;
   std::memset(&seen, 0xCC, sizeof(seen));
   std::memcpy(&seen, record, record->cbSize);
-  return 42;  // the shell's answer is passed on as it is
+  return 42;  // the shell's result is returned unchanged
 }
 
 std::wstring seenWideTip;
@@ -47,9 +47,10 @@ class Recorded : public testing::Test {
   Recorded() { notificationCalls = {RecordNotification, RecordDevices, RecordEnd, RecordWide}; }
   ~Recorded() override { notificationCalls = real_; }
 
-  // What the shell was told last.
+  // The last call to the shell.
   void ExpectNotified(DWORD message, UINT id, UINT flags, UINT callback, HICON icon, const char* tip) const {
-    EXPECT_TRUE(message == seenMessage && seen.cbSize == 488 && seen.hWnd == owner_);  // the short form's size
+    EXPECT_TRUE(message == seenMessage && seen.cbSize == 488 &&
+                seen.hWnd == owner_);  // the size of the short structure
     EXPECT_TRUE(id == seen.uID && flags == seen.uFlags && callback == seen.uCallbackMessage && icon == seen.hIcon);
     EXPECT_STREQ(tip, seen.szTip);
   }
@@ -59,7 +60,7 @@ class Recorded : public testing::Test {
   const HICON icon_ = LoadIconA(nullptr, reinterpret_cast<LPCSTR>(IDI_INFORMATION));
 };
 
-TEST_F(Recorded, AddIsWholeRemoveNamesTheIconAndChangeWhatIsGiven) {
+TEST_F(Recorded, AddSetsAllFieldsRemoveTheIdAndChangeTheGivenOnes) {
   EXPECT_EQ(42, AddNotificationIcon(owner_, 7, icon_, "bench 3"));
   ExpectNotified(NIM_ADD, 7, NIF_MESSAGE | NIF_ICON | NIF_TIP, 1025, icon_, "bench 3");
   EXPECT_EQ(42, RemoveNotificationIcon(owner_, 9));
@@ -75,7 +76,7 @@ TEST_F(Recorded, AddIsWholeRemoveNamesTheIconAndChangeWhatIsGiven) {
   }
 }
 
-TEST_F(Recorded, TipsAreCutAndUnreadableOnesStayEmpty) {
+TEST_F(Recorded, TipsAreTruncatedAndUnreadableOnesEmpty) {
   kvtest::GuardedBytes exact(63);
   std::memset(exact.data(), 'y', 63);
   const std::string longTip(300, 'y'), cut(63, 'y');
@@ -87,7 +88,7 @@ TEST_F(Recorded, TipsAreCutAndUnreadableOnesStayEmpty) {
   }
 }
 
-TEST_F(Recorded, IconsComeBackAsTheyWereWhenTheTaskbarStartsAnew) {
+TEST_F(Recorded, IconsAreRestoredWhenTheTaskbarRestarts) {
   const auto restart = [&] {
     seenMessage = 0xDEAD;
     seenWideTip = L"none";
@@ -128,7 +129,7 @@ TEST_F(Recorded, DeviceNoticesAskForUsbAndEndWhatTheyBegan) {
   EXPECT_EQ(nullptr, RegisterDeviceNotifications(noWindow, TRUE));
 }
 
-TEST(Notifications, TheRealShellKnowsTheIconUntilItIsRemoved) {
+TEST(Notifications, TheRealShellHasTheIconUntilItIsRemoved) {
   const kvtest::RecordingParent owner;
   EXPECT_TRUE(AddNotificationIcon(owner, 3, LoadIconA(nullptr, reinterpret_cast<LPCSTR>(IDI_INFORMATION)), "test"));
   EXPECT_TRUE(ChangeNotificationIcon(owner, 3, nullptr, "changed") && RemoveNotificationIcon(owner, 3));

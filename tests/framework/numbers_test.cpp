@@ -29,11 +29,11 @@ std::string Runtimes(double value, int decimals) {
 TEST(FixedNumber, HasAPointInEveryLocale) {
   const kvtest::CommaLocale commas;
   EXPECT_EQ("8.5417000000", Ours(8.5417, 10));
-  EXPECT_EQ("1000000000.0", Ours(999999999.99, 1));  // the carry leaves the fast range
-  EXPECT_EQ("0.5", Ours(0.45000000000000001, 1));    // the run-time decides
+  EXPECT_EQ("1000000000.0", Ours(999999999.99, 1));  // the carry exceeds the fast path's range
+  EXPECT_EQ("0.5", Ours(0.45000000000000001, 1));    // by the runtime's rounding
 }
 
-TEST(FixedNumber, EqualsTheRunTime) {
+TEST(FixedNumber, EqualsTheRuntime) {
   for (const double hard :
        {0.0,      -0.0,      0.25,        10.35,  0.05,    1 / 2048.,    3 / 2048., 1000.0,           999.96,
         1e9,      1e9 - .1,  1e22 / 3,    5e-324, -1e-300, 4294967296.5, 1 / 3.,    -179.99999999996, -DBL_MAX,
@@ -42,7 +42,7 @@ TEST(FixedNumber, EqualsTheRunTime) {
       EXPECT_EQ(Runtimes(hard, decimals), Ours(hard, decimals)) << decimals;
     }
   }
-  // A third each: anywhere, a few bits beside the middle between two texts, any bits at all.
+  // A third each: random values, values a few bits beside the middle between two texts, random bits.
   std::mt19937_64 random(7);
   std::uniform_real_distribution<double> anywhere(-1200, 1200);
   for (int i = 0; i < 60000; ++i) {

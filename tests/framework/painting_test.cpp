@@ -16,7 +16,7 @@ using kvtest::TestBitmap;
 
 constexpr COLORREF kUntouched = 0xCCCCCC;
 
-// No pixel outside `area` was drawn.
+// Fails if a pixel outside `area` was drawn.
 void ExpectOnlyWithin(const TestBitmap& bitmap, const RECT& area) {
   for (int i = 0; i < bitmap.width() * bitmap.height(); ++i) {
     const POINT at{i % bitmap.width(), i / bitmap.width()};
@@ -55,7 +55,7 @@ TEST(Painting, ShadesAndSeverities) {
   for (const auto& [value, full, color] : cases) EXPECT_EQ(color, kv::SeverityColor(value, full)) << value;
 }
 
-TEST(Painting, FillsAndFramesStayInTheirArea) {
+TEST(Painting, FillsAndFramesStayWithinTheirArea) {
   constexpr RECT kArea{10, 5, 50, 35};
   const auto drawn = [&](auto draw) {
     auto bitmap = std::make_unique<TestBitmap>(64, 48);
@@ -85,10 +85,10 @@ TEST(Painting, FillsAndFramesStayInTheirArea) {
   const auto rounded = drawn([&](HDC dc) { kv::DrawRoundedFrame(dc, kArea, 6, 2, RGB(255, 255, 255)); });
   EXPECT_EQ(RGB(255, 255, 255), rounded->At(30, 6));
   EXPECT_EQ(kUntouched, rounded->At(30, 20));
-  EXPECT_EQ(kUntouched, rounded->At(10, 5));  // the corner is cut
+  EXPECT_EQ(kUntouched, rounded->At(10, 5));  // the corner is rounded off
 }
 
-// A status button of 60 x 20, drawn at 10, 10 of a picture.
+// A status button of 60 x 20, drawn at (10, 10) of a bitmap.
 class StatusButton : public testing::Test {
  protected:
   void Draw(const char* text, int scheme, UINT flags, UINT state = 0) {
@@ -104,7 +104,7 @@ class StatusButton : public testing::Test {
                        .rcItem = {10, 10, 70, 30}};
 };
 
-TEST_F(StatusButton, ShowsItsSchemeAndLeavesTheDcAlone) {
+TEST_F(StatusButton, DrawsItsSchemeAndRestoresTheDc) {
   SetTextColor(bitmap_.dc(), RGB(7, 8, 9));
   Draw("WWWWWWWWWWWWWWWWWWWW", kv::kSchemeGreen, kv::kButtonLit);
   ExpectOnlyWithin(bitmap_, item_.rcItem);
@@ -134,7 +134,7 @@ double Luminance(COLORREF color) {
   return 0.2126 * linear(GetRValue(color)) + 0.7152 * linear(GetGValue(color)) + 0.0722 * linear(GetBValue(color));
 }
 
-TEST_F(StatusButton, IsReadOnEveryFaceAndShowsFocusAndPause) {
+TEST_F(StatusButton, IsReadableInEveryStateAndShowsFocusAndPause) {
   constexpr COLORREF kWhite = RGB(255, 255, 255);
   for (const int scheme : {kv::kSchemeAmber, kv::kSchemeGreen, kv::kSchemeBlue}) {
     for (const UINT lit : {0u, kv::kButtonLit}) {
@@ -162,14 +162,14 @@ TEST_F(StatusButton, IsReadOnEveryFaceAndShowsFocusAndPause) {
   EXPECT_GT(whites(0, kv::kButtonPaused), plain + 20);
 }
 
-TEST(Pictures, ClipboardOwnsWhatItTook) {
+TEST(Pictures, ClipboardOwnsTheBitmap) {
   const kvtest::RecordingParent parent, other;
   EXPECT_FALSE(kv::PutBitmapOnClipboard(parent, nullptr));
   EXPECT_TRUE(kv::PutBitmapOnClipboard(parent, kv::CreateWindowBitmap(parent, {5, 6})));
   const SIZE size = kvtest::ClipboardBitmapSize(parent);
   EXPECT_TRUE(size.cx == 5 && size.cy == 6);
   ASSERT_TRUE(OpenClipboard(parent));
-  // While another window holds the clipboard the bitmap is rejected and deleted.
+  // While another window has the clipboard open, the bitmap is rejected and deleted.
   const HBITMAP rejected = kv::CreateWindowBitmap(parent, {5, 6});
   EXPECT_FALSE(kv::PutBitmapOnClipboard(other, rejected));
   EXPECT_EQ(0u, GetObjectType(rejected));

@@ -12,7 +12,7 @@
 
 namespace {
 
-// Flags, id, place and text of each tool.
+// Flags, id, rectangle and text of each tool.
 using Tool = std::tuple<UINT, UINT_PTR, LONG, std::wstring>;
 
 std::vector<Tool> ToolsOf(HWND tips) {
@@ -66,7 +66,7 @@ TEST(Tooltips, OfADialogCoverControls) {
                                       {3999, nullptr}};
   const auto idOf = [](HWND window) { return reinterpret_cast<UINT_PTR>(window); };
   const std::vector<Tool> expected = {{17, idOf(button), 0, L"the button"},
-                                      {17, 0, 0, longText.substr(0, 1023)},  // no such control: for no window
+                                      {17, 0, 0, longText.substr(0, 1023)},  // no such control: the tool has no window
                                       {17, idOf(GetDlgItem(parent, 1013)), 0, L"By number"}};
   EXPECT_EQ(expected, ToolsOf(kv::CreateTooltips(GetModuleHandleA(nullptr), parent, entries, 5)));
 

@@ -29,7 +29,7 @@ std::string Place(HWND window) {
   return Text(place);
 }
 
-// Empty when there is no text value; its terminator must be stored.
+// Empty when there is no text value. Fails if the value is stored without its terminator.
 std::string Stored() {
   char text[300] = "";
   DWORD size = sizeof(text), type = 0;
@@ -86,7 +86,7 @@ TEST_F(WindowPositionTest, SavesAndRestores) {
   EXPECT_EQ("40,50,350,260", Stored());
 }
 
-TEST_F(WindowPositionTest, OddTextsAndModes) {
+TEST_F(WindowPositionTest, UnusualTextsAndModes) {
   Store("7,8,99,88xyz", REG_BINARY, false);  // no terminator
   kv::WindowPosition(window, kName, kv::kPositionRestoreOnly);
   EXPECT_EQ("7,8,307,208", Place(window));
@@ -101,21 +101,21 @@ TEST_F(WindowPositionTest, OddTextsAndModes) {
   EXPECT_TRUE(Place(window).starts_with("10,20,10,"));
 }
 
-TEST_F(WindowPositionTest, CentresWithoutAUsableText) {
+TEST_F(WindowPositionTest, CentresWithoutAValidText) {
   RECT desktop{};
   GetClientRect(GetDesktopWindow(), &desktop);
   const std::string centred = Text(kv::CentredPosition({desktop.right, desktop.bottom}, {300, 200}));
   EXPECT_TRUE(kv::WindowPosition(window, kName, kv::kPositionRestoreOnly));
   EXPECT_EQ(centred + "|", Place(window) + "|" + Stored());
   SetWindowPos(window, nullptr, 1, 2, 0, 0, SWP_NOSIZE);
-  Store(std::string(300, '9'));  // longer than is ever read
+  Store(std::string(300, '9'));  // longer than the read limit
   EXPECT_TRUE(kv::WindowPosition(window, kName, kv::kPositionRestoreOnly));
   EXPECT_EQ(centred, Place(window));
   EXPECT_TRUE(kv::WindowPosition(window, kName, 3));
   EXPECT_EQ(centred, Stored());
 }
 
-TEST_F(WindowPositionTest, RefusesBadArguments) {
+TEST_F(WindowPositionTest, RejectsBadArguments) {
   kvtest::GuardedBytes endless(3);
   std::fill_n(endless.as<char>(), 3, 'a');
   for (const int mode : {0, 1, 2, 3}) {
@@ -136,7 +136,7 @@ TEST_F(WindowPositionTest, Numbers) {
   number = 77;
   EXPECT_TRUE(kv::WindowNumber(kName, &number, kv::kPositionSave));
   EXPECT_TRUE(restored(4) == 77 && restored(5) == 77);
-  Store("ab", REG_BINARY, false);  // any type does, and what it does not cover stays
+  Store("ab", REG_BINARY, false);  // of any type; bytes beyond its size are unchanged
   EXPECT_EQ(0x12346261u, restored(0x12345678));
   Store("too long", REG_BINARY);
   EXPECT_EQ(5u, restored(5));
@@ -149,7 +149,8 @@ TEST_F(WindowPositionTest, Numbers) {
 
 TEST_F(WindowPositionTest, WindowsOffScreenOrTooSmallAreCorrected) {
   const SIZE screen{GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
-  // What was stored, and whether the mended window keeps its left edge. Two were closed on a monitor that is gone.
+  // The stored text, and whether the corrected window keeps its left edge. Two are from a monitor that was
+  // disconnected.
   const std::pair<std::string, bool> samples[] = {{"-1200,10,-200,500", true},
                                                   {"0,0,0,0", true},
                                                   {"a,b,c,d", true},

@@ -12,7 +12,7 @@ struct SampleState {
   int value;
 };
 
-TEST(WindowState, LivesInTheUserDataAndStartsZeroed) {
+TEST(WindowState, IsStoredInTheUserDataAndStartsZeroed) {
   const kvtest::RecordingParent parent;
   const HWND window = kvtest::CreateControl(parent, "STATIC", "", 0, {0, 0, 10, 10}, 1);
   EXPECT_EQ(nullptr, WindowState<SampleState>(window));

@@ -1,5 +1,5 @@
 // Feeds parsers with random and mutated inputs until one breaks: undefined behaviour, a read beyond the input's end, a
-// hang of more than ten seconds, or an answer that breaks a promise.
+// hang of more than ten seconds, or a result that violates the target's contract.
 //
 //   fuzz [--count MILLIONS] [--seed NUMBER] [--only PART-OF-A-NAME]
 #include <windows.h>
@@ -28,7 +28,7 @@ struct Settings {
   const char* only = "";
 } settings;
 
-// What is being fed, for the last words of a crash or a hang.
+// The current input, for the report of a crash or a hang.
 struct {
   const char* target = "";
   long long number = 0;
@@ -38,8 +38,8 @@ struct {
 
 struct Source {
   std::mt19937 random;
-  std::span<const std::string> examples;  // what good input looks like
-  std::span<const std::string> words;     // what is worth putting in
+  std::span<const std::string> examples;  // valid inputs
+  std::span<const std::string> words;     // tokens to insert
   size_t longest;
 };
 
@@ -85,8 +85,8 @@ void Mutate(Source* source, std::string* bytes) {
   }
 }
 
-// One input: pure noise, noise of the examples' own characters, or an example (or two, joined) with some of its bytes
-// changed, taken out, doubled or replaced by words. The same for the same seed.
+// One input: random bytes, random characters of the examples, or an example (or two, concatenated) with some bytes
+// changed, removed, duplicated or replaced by words. The same seed gives the same inputs.
 std::string NextInput(Source* source) {
   const unsigned kind = source->random() % 16;
   if (kind == 0) return Noise(source, {});
@@ -124,7 +124,7 @@ DWORD WINAPI WatchForHangs(void*) {
 
 bool Run(const fuzz::Target& target) {
   const std::vector<std::string> examples = target.examples();
-  // Each target has a seed of its own, so that --only finds the same inputs.
+  // Each target has its own seed, so that --only generates the same inputs.
   Source source{std::mt19937(settings.seed), examples, target.words, target.longest};
   const kvtest::GuardedBytes area(fuzz::kAreaSize);
   now.target = target.name;
@@ -141,7 +141,7 @@ bool Run(const fuzz::Target& target) {
     }
     accepted += isAccepted;
   }
-  std::printf("%-28s %9lld inputs, %9lld accepted, %9lld refused, %4.0f s\n", target.name, count, accepted,
+  std::printf("%-28s %9lld inputs, %9lld accepted, %9lld rejected, %4.0f s\n", target.name, count, accepted,
               count - accepted, static_cast<double>(GetTickCount64() - start) / 1000);
   std::fflush(stdout);
   return true;

@@ -27,7 +27,7 @@ std::vector<std::string> Notes() {
 const char* FeedNotes(std::string_view input, bool* accepted) {
   std::wstring text = L"as it was";
   *accepted = gallery::DecodeNotes(input, &text);
-  if (!*accepted) return text == L"as it was" ? nullptr : "refused notes change nothing";
+  if (!*accepted) return text == L"as it was" ? nullptr : "rejected notes change nothing";
   if (input.starts_with("\xEF\xBB\xBF")) input.remove_prefix(3);
   std::string back(input.size() + 8, '\0');
   const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), back.data(),
@@ -38,7 +38,7 @@ const char* FeedNotes(std::string_view input, bool* accepted) {
 
 // ---- Dialog texts of a language ------------------------------------------------------------------------------------
 
-// The resource entry that this program's own template has. Its place is moved to where the input lies.
+// The resource entry of this program's template. Its offset is changed to that of the input.
 IMAGE_RESOURCE_DATA_ENTRY* TemplateEntry(int id) {
   auto* entry =
       reinterpret_cast<IMAGE_RESOURCE_DATA_ENTRY*>(FindResourceW(nullptr, MAKEINTRESOURCEW(id), MAKEINTRESOURCEW(5)));
@@ -61,7 +61,7 @@ const char* FeedTemplate(std::string_view input, bool* accepted) {
   static const kvtest::GuardedBytes area(kAreaSize);
   static IMAGE_RESOURCE_DATA_ENTRY* entry = TemplateEntry(1);
   static HWND dialog = CreateWindowExA(0, "STATIC", "", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
-  // The linker puts resources at even places and gives them even sizes.
+  // The linker gives resources even offsets and sizes.
   const std::string_view put = PutAtEnd(area, input.substr(0, input.size() / 4 * 4));
   entry->OffsetToData = static_cast<DWORD>(put.data() - reinterpret_cast<const char*>(GetModuleHandleA(nullptr)));
   entry->Size = static_cast<DWORD>(put.size());

@@ -22,7 +22,7 @@ namespace fuzz {
 
 namespace {
 
-// No field of four characters says this.
+// No field of four characters has this value.
 constexpr LONG kKept = 123456;
 constexpr char kRecord[] = "0100,0200,0300,0400,1023,1023,0512,0384\r\n";
 
@@ -34,7 +34,7 @@ std::vector<std::string> Records() {
 
 const char* FeedRecord(std::string_view input, bool* accepted) {
   static const kvtest::GuardedBytes area(kAreaSize);
-  // Tarnwick hands over 41 bytes, zeros where fewer came, with a terminator behind them.
+  // Tarnwick passes 41 bytes, padded with zeros, and a terminator.
   std::string padded(input);
   padded.resize(kv::kRecordLength + 1);
   padded.back() = '\0';
@@ -43,7 +43,7 @@ const char* FeedRecord(std::string_view input, bool* accepted) {
   kv::CameraPoint points[kv::kPointCount];
   std::ranges::fill(points, kv::CameraPoint{kKept, kKept});
   kv::ParseRecord(record, points);
-  // A zero byte ends the text for the reader: points behind it keep what they were.
+  // A zero byte ends the text for the parser: points after it are unchanged.
   const bool hasText = padded.find('\0') == kv::kRecordLength;
   const bool isKept = std::ranges::any_of(points, [](kv::CameraPoint p) { return p.x == kKept; });
   if (*accepted && hasText && isKept) return "a record of the right shape is read";

@@ -1,4 +1,4 @@
-// What is fed to the fuzzer's inputs.
+// The functions that the fuzzer calls with its inputs.
 #pragma once
 
 #include <cstddef>
@@ -10,29 +10,28 @@
 
 namespace fuzz {
 
-// Bytes of an area in which an input is fed.
+// The size in bytes of the area for an input.
 inline constexpr size_t kAreaSize = 8192;
-// A copy of the bytes, cut at the area's size, that ends where the area does: reading one byte too many ends the
-// program.
+// A copy of the bytes, truncated to the area's size, at the end of the area: reading beyond it ends the program.
 std::string_view PutAtEnd(const kvtest::GuardedBytes& area, std::string_view bytes);
 
 struct Target {
   const char* name;
-  size_t longest;  // bytes of an input
+  size_t longest;  // maximum size of an input in bytes
   std::vector<std::string> (*examples)();
   std::vector<std::string> words;
-  // Feeds one input, whose end is guarded. The promise that the answer breaks, or null; whether the input was taken for
-  // good goes to `accepted`.
+  // Processes one input, whose end is guarded. Returns the contract that the result violates, or null; `accepted` tells
+  // whether the input was valid.
   const char* (*feed)(std::string_view input, bool* accepted);
 };
 
-// Those that ask nothing of the system.
+// Targets that make no system calls.
 std::vector<Target> PlainTargets();
 
-// All.
+// All targets.
 std::vector<Target> Targets();
 
-// Bytes worth putting into encoded text and lengths.
+// Bytes that are interesting in encoded text and lengths.
 extern const std::vector<std::string> kByteWords;
 
 }  // namespace fuzz

@@ -1,4 +1,4 @@
-// The gallery's frame in the test's own process, beside the gallery's libraries.
+// The gallery's frame within the test's process, with the gallery's language libraries.
 #include <windows.h>
 
 #include <ddeml.h>
@@ -39,7 +39,7 @@ namespace {
 
 class GalleryFrame : public testing::Test {
  protected:
-  // One frame for all tests: its pages remember their windows.
+  // One frame for all tests: its pages store their windows in static variables.
   static void SetUpTestSuite() {
     kv::modules = {.resources = GetModuleHandleW(nullptr), .application = GetModuleHandleW(nullptr)};
     LoadLibraryA("RichEd32.dll");
@@ -55,7 +55,7 @@ class GalleryFrame : public testing::Test {
     kv::UnloadLanguages();
   }
 
-  // Without timers: on a slow machine there is always one more.
+  // Except timers: on a slow machine one is always pending.
   static void Pump() {
     MSG message;
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
@@ -71,7 +71,7 @@ class GalleryFrame : public testing::Test {
     PostMessageW(GetFocus(), WM_KEYDOWN, key, 1);
     Pump();
   }
-  // The desktop of the tests may be smaller than the size that is asked for; nothing then must cut it.
+  // The tests' desktop may be smaller than the requested size, which must not be clamped.
   static void Size(int width, int height) {
     SetWindowPos(frame_, nullptr, 0, 0, width, height, SWP_NOZORDER | SWP_NOSENDCHANGING);
     RECT window;
@@ -86,7 +86,7 @@ class GalleryFrame : public testing::Test {
   inline static HWND frame_;
 };
 
-// ---- The walk through all languages --------------------------------------------------------------------------------
+// ---- All languages --------------------------------------------------------------------------------------------------
 
 std::string Narrow(const std::wstring& text) {
   char bytes[1000] = "";
@@ -94,7 +94,7 @@ std::string Narrow(const std::wstring& text) {
   return bytes;
 }
 
-// Lets the windows draw the rows of their lists, and the frame's header with each page, aside.
+// Makes the windows draw the rows of their lists, and the frame's header with each page, off screen.
 void DrawAll(HWND frame) {
   const auto pageAt = [frame](int index) { return kv::PageWindow(frame, AllPages()[index].dialog); };
   const SIZE client = kv::ClientSize(frame);
@@ -122,7 +122,7 @@ void DrawAll(HWND frame) {
   SendMessageW(pageAt(PAGE_INDEX_LIST), WM_DRAWITEM, IDC_LIST_LIST, reinterpret_cast<LPARAM>(&header));
 }
 
-TEST_F(GalleryFrame, NoTextIsWiderThanItsPlaceInAnyLanguage) {
+TEST_F(GalleryFrame, TextsFitTheirControlsInEveryLanguage) {
   const auto report = [](int width, const char* page, const std::wstring& text) {
     ADD_FAILURE() << Narrow(kv::kLanguages[kv::CurrentLanguage()].code) << " at " << width << ", " << page << ": "
                   << Narrow(text);
@@ -162,7 +162,7 @@ std::vector<HWND> TabStops(HWND page) {
   return controls;
 }
 
-TEST_F(GalleryFrame, TabGoesOnceRoundEveryPageAndBack) {
+TEST_F(GalleryFrame, TabVisitsEveryControlOfAPageOnce) {
   for (size_t i = 0; i < AllPages().size(); ++i) {
     SelectPage(frame_, static_cast<int>(i));
     std::vector<HWND> expected = TabStops(ShownPage());
@@ -188,7 +188,7 @@ HWND WINAPI RecordTopic(HWND, const wchar_t*, UINT, DWORD_PTR topic) {
   return nullptr;
 }
 
-TEST_F(GalleryFrame, KeysOpenPagesAndFindAWindowThatTakesThem) {
+TEST_F(GalleryFrame, KeysOpenPagesAndReachAVisibleWindow) {
   SelectPage(frame_, PAGE_INDEX_OVERVIEW);
   const HWND overview = ShownPage(), index = GetDlgItem(overview, IDC_OVERVIEW_INDEX);
   ASSERT_TRUE(kv::FocusFirstControl(overview));
@@ -206,7 +206,7 @@ TEST_F(GalleryFrame, KeysOpenPagesAndFindAWindowThatTakesThem) {
       EXPECT_EQ(inPage, IsChild(ShownPage(), GetFocus()) != FALSE);
     }
   }
-  // The dialog manager's search for this key, begun at a hidden page, would not end.
+  // Started at a hidden page, the dialog manager's search for this key would not end.
   SetFocus(index);
   PostMessageW(index, WM_SYSCHAR, L'q', 1 << 29);
   Pump();
@@ -221,12 +221,12 @@ TEST_F(GalleryFrame, KeysOpenPagesAndFindAWindowThatTakesThem) {
   EXPECT_EQ(1, kv::CurrentLanguage());
   const HWND answer = GetDlgItem(ShownPage(), IDC_LANGUAGE_RESULT);
   EXPECT_EQ(L"Ja, das heißt es.", kvtest::TextOf(answer));
-  SetDlgItemTextW(ShownPage(), IDC_LANGUAGE_WORD, L"");  // no word, no answer
+  SetDlgItemTextW(ShownPage(), IDC_LANGUAGE_WORD, L"");  // no word: no result
   EXPECT_EQ(L"", kvtest::TextOf(answer));
   ChooseLanguage(0);
 }
 
-TEST_F(GalleryFrame, TheListKeepsItsKeysAndShowsItsSelectedRowAtEverySize) {
+TEST_F(GalleryFrame, TheListHandlesItsKeysAndShowsItsSelectedRowAtEverySize) {
   SelectPage(frame_, PAGE_INDEX_LIST);
   const HWND page = ShownPage(), list = GetDlgItem(page, IDC_LIST_LIST);
   SetFocus(list);
@@ -261,7 +261,7 @@ TEST_F(GalleryFrame, NumbersAndDatesFollowTheLanguage) {
   ChooseLanguage(0);
 }
 
-TEST_F(GalleryFrame, ArabicIsMirroredButForPicturesInstrumentsAndReadOuts) {
+TEST_F(GalleryFrame, ArabicMirrorsAllButImagesInstrumentsAndReadouts) {
   for (size_t i = 0; i < AllPages().size(); ++i) SelectPage(frame_, static_cast<int>(i));
   const auto control = [](int page, int id) { return GetDlgItem(PageAt(page), id); };
   const HWND mirrored[] = {frame_, PageList(), PageAt(PAGE_INDEX_NMEA), control(PAGE_INDEX_NMEA, IDC_NMEA_LABEL + 2),
@@ -281,20 +281,20 @@ TEST_F(GalleryFrame, ArabicIsMirroredButForPicturesInstrumentsAndReadOuts) {
   }
 }
 
-TEST_F(GalleryFrame, WhatDrawsItselfHasANameInEveryScript) {
+TEST_F(GalleryFrame, OwnerDrawnControlsHaveAccessibleNamesInEveryScript) {
   for (size_t i = 0; i < AllPages().size(); ++i) SelectPage(frame_, static_cast<int>(i));
   const struct {
     int language, page, controlId;
     const wchar_t* name;
   } samples[] = {{9, PAGE_INDEX_LIST, IDC_LIST_LIST, L"Εκτεταμένη λίστα"},
                  {9, PAGE_INDEX_MESH, IDC_MESH_VIEW, L"Μοντέλο πλέγματος"},
-                 {13, PAGE_INDEX_BITMAP, IDC_BITMAP_CHOSEN, L"4  按名称"}};  // without the key behind it
+                 {13, PAGE_INDEX_BITMAP, IDC_BITMAP_CHOSEN, L"4  按名称"}};  // without the access key after it
   for (const auto& sample : samples) {
     ChooseLanguage(sample.language);
     wchar_t name[256] = L"";
     InternalGetWindowText(GetDlgItem(PageAt(sample.page), sample.controlId), name, ARRAYSIZE(name));
     const std::wstring whole = name;
-    EXPECT_EQ(sample.name, whole.substr(0, whole.find(L',')));  // a list adds the row that is selected
+    EXPECT_EQ(sample.name, whole.substr(0, whole.find(L',')));  // a list appends the selected row
   }
   ChooseLanguage(9);
   const HWND instrument = GetDlgItem(PageAt(PAGE_INDEX_INSTRUMENTS), IDC_INSTRUMENTS + 3);
@@ -311,7 +311,7 @@ HINSTANCE WINAPI RecordArguments(HWND, LPCWSTR, LPCWSTR, LPCWSTR arguments, LPCW
   return reinterpret_cast<HINSTANCE>(33);
 }
 
-TEST_F(GalleryFrame, TheFlightPageOpensTheFolderOfItsFile) {
+TEST_F(GalleryFrame, FlightPageOpensTheFolderOfItsFile) {
   kv::shellCalls.executeW = RecordArguments;
   SelectPage(frame_, PAGE_INDEX_FLIGHT);
   const HWND folder = GetDlgItem(ShownPage(), IDC_FLIGHT_FOLDER);
@@ -329,7 +329,7 @@ HDDEDATA CALLBACK ServeAnyConversation(UINT type, UINT, HCONV, HSZ, HSZ, HDDEDAT
   return reinterpret_cast<HDDEDATA>(static_cast<LONG_PTR>(type == XTYP_CONNECT));
 }
 
-TEST_F(GalleryFrame, TheDdePageSeesThatTheServerEndedTheConversation) {
+TEST_F(GalleryFrame, DdePageDetectsThatTheServerEndedTheConversation) {
   DWORD server = 0;
   ASSERT_EQ(static_cast<UINT>(DMLERR_NO_ERROR), DdeInitializeW(&server, ServeAnyConversation, APPCMD_FILTERINITS, 0));
   DdeNameService(server, DdeCreateStringHandleW(server, L"kvtest", CP_WINUNICODE), nullptr, DNS_REGISTER);
@@ -344,7 +344,7 @@ TEST_F(GalleryFrame, TheDdePageSeesThatTheServerEndedTheConversation) {
   EXPECT_TRUE(kvtest::WaitUntil([&] { return isUsable(IDC_DDE_CONNECT) && !isUsable(IDC_DDE_DISCONNECT); }));
 }
 
-TEST(GalleryCommandLine, NamesPageAndLanguageAndRefusesWhatThereIsNot) {
+TEST(GalleryCommandLine, SelectsPageAndLanguageAndRejectsUnknownOnes) {
   const auto parse = [](std::vector<const wchar_t*> words) {
     words.insert(words.begin(), L"kvgallery");
     return ParseCommandLine(static_cast<int>(words.size()), words.data());

@@ -1,4 +1,4 @@
-// The gallery in a process of its own, and the file of its notes.
+// The gallery in a separate process, and the file of its notes.
 #include <windows.h>
 
 #include <gtest/gtest.h>
@@ -24,7 +24,7 @@ using kvtest::RunningProgram;
 using kvtest::TextOf;
 using kvtest::WaitUntil;
 
-// A copy of the gallery's program with those of its libraries that are named, in a folder of its own.
+// A copy of the gallery with the given language libraries, in a separate folder.
 class GalleryCopy {
  public:
   explicit GalleryCopy(std::initializer_list<const wchar_t*> libraries)
@@ -49,7 +49,7 @@ class GalleryCopy {
   fs::path folder_;
 };
 
-// A running gallery that shows the page of that name, or with null the one that was shown last.
+// A running gallery that shows the given page; null: the one that was shown last.
 class RunningGallery : public RunningProgram {
  public:
   RunningGallery(const fs::path& folder, const wchar_t* page)
@@ -65,8 +65,7 @@ class RunningGallery : public RunningProgram {
 
   HWND frame() const { return frame_; }
   HWND page() const { return page_; }
-  // Sends a menu command or a click; a click is posted, because the answer may be a dialog, which would keep a sent
-  // message from returning.
+  // Sends a menu command or posts a click: a click may open a dialog, during which a sent message would not return.
   void Command(int id) const { SendMessageW(frame_, WM_COMMAND, static_cast<WPARAM>(id), 0); }
   void Press(int controlId) const { PostMessageW(GetDlgItem(page_, controlId), BM_CLICK, 0, 0); }
   std::wstring Caption() const { return TextOf(frame_); }
@@ -79,7 +78,7 @@ class RunningGallery : public RunningProgram {
 
 constexpr wchar_t kGermanCaption[] = L"Galerie der Steuerelemente";
 
-TEST(GalleryLanguages, ChangeAtOnceAreRememberedAndFallBack) {
+TEST(GalleryLanguages, ChangeImmediatelyAreStoredAndFallBack) {
   const GalleryCopy copy({L"kvgalleryGE.dll", L"kvgalleryRU.dll"});
   fs::resize_file(copy.folder() / L"kvgalleryRU.dll", 2000);
   const auto closeAndAskAgain = [&](RunningGallery* gallery) {
@@ -95,7 +94,7 @@ TEST(GalleryLanguages, ChangeAtOnceAreRememberedAndFallBack) {
     gallery.Command(IDM_LANGUAGE_FIRST + 1);
     EXPECT_EQ(kGermanCaption, gallery.Caption());
     EXPECT_EQ(L"Diese Sprache &verwenden", gallery.ControlText(IDC_LANGUAGE_USE));
-    gallery.Command(IDM_LANGUAGE_FIRST + 2);  // no French library: the German one stands in, the choice is kept
+    gallery.Command(IDM_LANGUAGE_FIRST + 2);  // no French library: German is used, the choice is stored
     EXPECT_EQ(kGermanCaption, gallery.Caption());
     EXPECT_EQ(L"Zurzeit: Français (Sprache 2)", closeAndAskAgain(&gallery));
   }
@@ -106,8 +105,8 @@ TEST(GalleryLanguages, ChangeAtOnceAreRememberedAndFallBack) {
   EXPECT_EQ(L"Shown now: English (language 0)", closeAndAskAgain(&gallery));
 }
 
-// Letters that no 8-bit code page has together, through the program's own message loop.
-TEST(GalleryPages, TheFilesPageTakesTypedLettersAndSavesThemUnderTheProposedName) {
+// Characters that no single 8-bit code page contains, through the program's message loop.
+TEST(GalleryPages, FilesPageAcceptsTextAndSavesItUnderTheProposedName) {
   const GalleryCopy copy({});
   RunningGallery gallery(copy.folder(), L"files");
   gallery.Command(IDM_LANGUAGE_FIRST);
@@ -123,7 +122,7 @@ TEST(GalleryPages, TheFilesPageTakesTypedLettersAndSavesThemUnderTheProposedName
   ASSERT_TRUE(openDialog());
   const auto proposed = copy.folder() / L"notes.txt";
   EXPECT_FALSE(fs::is_directory(proposed));
-  SendMessageW(gallery.frame(), WM_CLOSE, 0, 0);  // refused: the dialog's caller is not done
+  SendMessageW(gallery.frame(), WM_CLOSE, 0, 0);  // rejected while the dialog is open
   PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
   EXPECT_TRUE(WaitUntil([&] { return gallery.ControlText(IDC_FILES_STATUS) == L"No file was chosen."; }));
   EXPECT_FALSE(fs::exists(proposed));
@@ -137,7 +136,7 @@ TEST(GalleryPages, TheFilesPageTakesTypedLettersAndSavesThemUnderTheProposedName
   EXPECT_EQ(0u, gallery.Close());
 }
 
-TEST(GalleryPages, TheLastPageIsShownAgain) {
+TEST(GalleryPages, TheLastPageIsRestored) {
   const GalleryCopy copy({});
   for (const wchar_t* page : {L"language", static_cast<const wchar_t*>(nullptr)}) {
     RunningGallery gallery(copy.folder(), page);
@@ -146,7 +145,7 @@ TEST(GalleryPages, TheLastPageIsShownAgain) {
   }
 }
 
-TEST(NotesFile, ComesBackAsItWasAndOtherFilesAreRefused) {
+TEST(NotesFile, RoundTripsAndOtherFilesAreRejected) {
   const fs::path folder = fs::temp_directory_path() / (L"kv notes " + std::to_wstring(GetCurrentProcessId()));
   const fs::path file = folder / L"заметки 1.txt";
   fs::create_directories(folder);

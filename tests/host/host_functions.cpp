@@ -1,6 +1,6 @@
-// For the build with sanitizers only: the few functions of Windows and its run-time that the parts under test and their
-// tests call, with the results that these parts rely on. It stands in for nothing else: no window, no file, no
-// registry. Programs never see it; what Windows really answers is tested where Windows' functions are, by ./test.
+// For the build with sanitizers only: the few functions of Windows and its runtime that the parts under test and their
+// tests call, with the results on which these parts rely. No windows, files or registry. Programs do not use it; ./test
+// runs the same code with the real functions.
 #include <windows.h>
 
 #include <pthread.h>
@@ -23,16 +23,16 @@ namespace {
 
 constexpr UINT_PTR kPage = 4096;
 
-// Memory by its start, with its size.
-std::map<const void*, SIZE_T> areas;  // of VirtualAlloc
+// Memory blocks by start address, with their size.
+std::map<const void*, SIZE_T> areas;  // from VirtualAlloc
 struct Block {
   SIZE_T size;
   UINT locks;
 };
-std::map<const void*, Block> blocks;  // of GlobalAlloc; the handle is the block
+std::map<const void*, Block> blocks;  // from GlobalAlloc; the handle is the block's address
 
-// The system tells whether a byte can be read or written: it copies it through a pipe, and fails where the program
-// would be ended. Called past the sanitizers, to which asking is touching.
+// Probes a byte by copying it through a pipe: the system call fails where an access would crash. It bypasses the
+// sanitizers, for which a probe is an access.
 bool CanTouch(UINT_PTR place, bool writing) {
   static int ends[2] = {-1, -1};
   if (ends[0] < 0 && pipe(ends) != 0) std::abort();
@@ -65,7 +65,7 @@ BOOL IsBadText(const Character* text, UINT_PTR most) {
   return FALSE;
 }
 
-// What the run-time's bounded formatters do with a text: no terminator when it fills the room, -1 when it is longer.
+// The result of the runtime's bounded formatters: no terminator when the text fills the buffer, -1 when it is longer.
 template <class Character>
 int PutBounded(Character* buffer, size_t count, const std::vector<Character>& text, int length) {
   if (length < 0) return -1;
@@ -75,7 +75,7 @@ int PutBounded(Character* buffer, size_t count, const std::vector<Character>& te
 
 }  // namespace
 
-// The run-time's own, for as long as the process lives.
+// Returns memory that is never freed, like the runtime's.
 extern "C" const char* __lsan_default_suppressions() {
   return "leak:argz_add_sep";
 }
@@ -106,7 +106,7 @@ LPVOID WINAPI VirtualAlloc(LPVOID at, SIZE_T size, DWORD type, DWORD) {
 BOOL WINAPI VirtualFree(LPVOID area, SIZE_T, DWORD) {
   return munmap(area, areas[area]) == 0 && areas.erase(area) == 1;
 }
-// Whole pages, as there; all that is asked for was writable.
+// Whole pages, as on Windows; all of them were writable.
 BOOL WINAPI VirtualProtect(LPVOID start, SIZE_T size, DWORD access, LPDWORD previous) {
   const UINT_PTR offset = reinterpret_cast<UINT_PTR>(start) % kPage;
   *previous = PAGE_READWRITE;
@@ -164,7 +164,7 @@ BOOL WINAPI IntersectRect(LPRECT common, const RECT* one, const RECT* other) {
   return FALSE;
 }
 
-// Of a drawing that no test calls, but which the linker takes along.
+// Used by drawing code that no test calls, but that is linked.
 BOOL WINAPI GdiFlush() {
   return TRUE;
 }
@@ -178,7 +178,7 @@ LPSTR WINAPI lstrcpynA(LPSTR target, LPCSTR source, INT size) {
 INT WINAPI lstrlenW(LPCWSTR text) {
   return static_cast<INT>(std::wcslen(text));
 }
-// Equal or not is all that is asked for here; the order is not Windows' own.
+// Callers only test for equality; the order differs from Windows'.
 INT WINAPI lstrcmpW(LPCWSTR one, LPCWSTR other) {
   return std::wcscmp(one, other);
 }
@@ -186,7 +186,7 @@ INT WINAPI MulDiv(INT number, INT factor, INT divisor) {
   const long long product = static_cast<long long>(number) * factor;
   return static_cast<INT>((product + (product < 0 ? -1 : 1) * divisor / 2) / divisor);
 }
-// UTF-8 is tested as strictly as Windows does when asked; of every other code page it knows Latin 1 alone.
+// UTF-8 is validated as strictly as with MB_ERR_INVALID_CHARS; every other code page is Latin 1.
 INT WINAPI MultiByteToWideChar(UINT codePage, DWORD, LPCSTR text, INT length, LPWSTR buffer, INT size) {
   const size_t bytes = length < 0 ? std::strlen(text) + 1 : static_cast<size_t>(length);
   std::wstring wide;
@@ -226,7 +226,7 @@ int _vsnprintf_l(char* buffer, size_t count, const char* format, _locale_t local
   return PutBounded(buffer, count, text, length);
 }
 int _vsnwprintf_l(wchar_t* buffer, size_t count, const wchar_t* format, _locale_t locale, va_list arguments) {
-  // Here "%s" is wide text.
+  // Windows' runtime reads "%s" as wide text.
   std::wstring standard;
   for (const wchar_t* at = format; *at; ++at) {
     standard += *at;
@@ -273,7 +273,7 @@ VOID WINAPI ExitProcess(DWORD code) {
 UINT WINAPI SetErrorMode(UINT) {
   return 0;
 }
-// A sanitizer's report is what a crash is on Windows.
+// A sanitizer's report replaces a crash on Windows.
 static LPTOP_LEVEL_EXCEPTION_FILTER onCrash;
 LPTOP_LEVEL_EXCEPTION_FILTER WINAPI SetUnhandledExceptionFilter(LPTOP_LEVEL_EXCEPTION_FILTER filter) {
   onCrash = filter;

@@ -2,7 +2,7 @@
 
 namespace fuzz {
 
-// Notes and dialog texts are read with the system's help, which is not here.
+// Notes and dialog texts need system functions, which are not available here.
 std::vector<Target> Targets() {
   return PlainTargets();
 }

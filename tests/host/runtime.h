@@ -1,5 +1,5 @@
-// For the build with sanitizers only: what the Windows run-time's <locale.h>, <stdio.h> and <wchar.h> declare beyond
-// the standard and this tree uses. Read before every file of that build; programs never see it.
+// For the build with sanitizers only: the non-standard functions of the Windows runtime's <locale.h>, <stdio.h> and
+// <wchar.h> that this tree uses. Included before every file of that build; programs do not use it.
 #pragma once
 
 #include <locale.h>
@@ -7,7 +7,7 @@
 #include <stddef.h>
 #include <stdio.h>
 #include <windows.h>
-#undef small  // which Wine's headers make a word of their own
+#undef small  // a macro of Wine's headers
 
 using _locale_t = locale_t;
 

@@ -1,6 +1,6 @@
-# Builds and runs a program of somebody else. WAY says how it gets the library: `find_package` from what
-# `cmake --install` leaves, or `add_subdirectory`. Run by ctest with SOURCE_DIR, BUILD_DIR (this project's), WORK_DIR,
-# TOOLCHAIN, GENERATOR, EMULATOR and VERSION.
+# Builds and runs a program outside this tree. WAY is how it gets the library: `find_package`, from an installation with
+# `cmake --install`, or `add_subdirectory`. Run by ctest with SOURCE_DIR, BUILD_DIR (this project's), WORK_DIR, TOOLCHAIN,
+# GENERATOR, EMULATOR and VERSION.
 function(step what)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
   if(NOT result EQUAL 0)
@@ -13,7 +13,7 @@ if(TOOLCHAIN)
   list(APPEND options -DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN})
 endif()
 if(WAY STREQUAL "find_package")
-  file(REMOVE_RECURSE ${WORK_DIR})  # a header that is no longer installed must not be found from last time
+  file(REMOVE_RECURSE ${WORK_DIR})  # headers of an earlier installation must not be found
   step("Installing" ${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${WORK_DIR}/sdk --component sdk)
   list(APPEND options -DCMAKE_PREFIX_PATH=${WORK_DIR}/sdk)
 else()
@@ -24,7 +24,8 @@ step("Building" ${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 include(${CMAKE_CURRENT_LIST_DIR}/../support/take_desktop.cmake)
 step("Running" ${EMULATOR} ${WORK_DIR}/build/outside.exe)
 
-# The samples stand on their own in what is installed, which brings a tool chain file. What is no 32-bit build is told so.
+# The installed samples build on their own with the installed toolchain file. A build that is not 32-bit is rejected with a
+# message.
 if(WAY STREQUAL "find_package")
   set(samples ${WORK_DIR}/samples)
   if(TOOLCHAIN)

@@ -10,7 +10,7 @@ namespace kv {
 namespace {
 
 TEST(ExtendedListLayout, RowsStartAtTheOffsetAndEndPastTheSurface) {
-  // A row whose top is just the height still counts; whole rows: the offset within a row does not show.
+  // A row whose top equals the height is included. Only whole rows: an offset within a row has no effect.
   const std::tuple<DWORD, LONG, LONG, LONG, RowRun> cases[] = {{100, 20, 0, 100, {0, 5, 20}},
                                                                {100, 20, 0, 99, {0, 4, 20}},
                                                                {100, 20, 39, 100, {1, 5, 20}},
@@ -31,7 +31,7 @@ TEST(ExtendedListLayout, RowsStartAtTheOffsetAndEndPastTheSurface) {
   EXPECT_EQ(16384, UsableSurfaceWidth(20000));
 }
 
-TEST(ExtendedListLayout, OffsetsPassTheEndsButNotTheNumberRange) {
+TEST(ExtendedListLayout, OffsetsMayExceedTheEndsButNotTheNumberRange) {
   const SCROLLINFO bar{.nPos = 300, .nTrackPos = 400};
   const LONG expected[] = {-17, 17, -170, 170, 0, 400, 0, 0, 300, 0};
   for (int request = 0; request < 10; ++request) EXPECT_EQ(expected[request], ScrolledOffset(request, 0, 17, bar));

@@ -22,8 +22,8 @@ COLORREF RowColor(UINT row) {
   return row == kHeaderRow ? kHeaderColor : RGB(200, row & 0xFF, 100);
 }
 
-// A list with 100 x 85 pixels between its bars, whose parent answers with `height_`, draws each row in a colour of its
-// own and notes its number.
+// A list with 100 x 85 pixels between its bars. Its parent returns `height_`, draws each row in a different colour and
+// records its number.
 class ExtendedList : public kvtest::ControlTest<RegisterExtendedListClass> {
  protected:
   ExtendedList() {
@@ -49,7 +49,7 @@ class ExtendedList : public kvtest::ControlTest<RegisterExtendedListClass> {
     const OwnedBrush brush(CreateSolidBrush(RowColor(request->itemID)));
     FillRect(request->hDC, &request->rcItem, brush);
     if (const auto react = react_) react();  // a copy: it may replace itself
-    request->rcItem = {-1, -1, -1, -1};      // a parent may spoil the request
+    request->rcItem = {-1, -1, -1, -1};      // a parent may overwrite the request
   }
 
   void Forget() {
@@ -78,7 +78,7 @@ using Rows = std::vector<int>;
 const Rows kTopRows{-1, 0, 1, 2, 3, 4};
 const COLORREF kWindowColor = GetSysColor(COLOR_WINDOW);
 
-TEST_F(ExtendedList, AsksForOneHeaderAndOneScreenful) {
+TEST_F(ExtendedList, RequestsOneHeaderAndOneScreenfulOfRows) {
   EXPECT_EQ(Rows{}, RowsAfter(LB_RESETCONTENT));
   EXPECT_EQ(1, measured_);
   EXPECT_EQ(kWindowColor, PixelAt(50, 5));
@@ -99,13 +99,13 @@ TEST_F(ExtendedList, ScrollsByWholeRowsAndPastBothEnds) {
   const std::tuple<WPARAM, Rows, int> steps[] = {{SB_LINEDOWN, {-1, 1, 2, 3, 4, 5}, 17},
                                                  {SB_PAGEDOWN, {-1, 11, 12, 13, 14, 15}, 187},
                                                  {SB_PAGEUP, {-1, 1, 2, 3, 4, 5}, 17},
-                                                 {SB_PAGEUP, {-1}, 0},  // only the blank rows above the first
+                                                 {SB_PAGEUP, {-1}, 0},  // only blank rows above the first
                                                  {SB_ENDSCROLL, kTopRows, 0}};
   for (const auto& [request, rows, position] : steps) {
     EXPECT_EQ(rows, RowsAfter(WM_VSCROLL, request)) << request;
     EXPECT_EQ(position, GetScrollPos(list_, SB_VERT)) << request;
   }
-  // The bar holds its position within its range, which ends a page before the last row's lower edge.
+  // The bar's position is clamped to its range, which ends a page before the last row's lower edge.
   SCROLLINFO bar{.cbSize = sizeof(bar), .fMask = SIF_POS, .nPos = INT_MAX};
   SetScrollInfo(list_, SB_VERT, &bar, FALSE);
   EXPECT_EQ((Rows{-1, 9999995, 9999996, 9999997, 9999998, 9999999}), RowsAfter(WM_VSCROLL, SB_ENDSCROLL));
@@ -128,7 +128,7 @@ TEST_F(ExtendedList, ScrollsSidewaysWithoutARedraw) {
   EXPECT_EQ(kTopRows, RowsAfter(LB_SETHORIZONTALEXTENT, 20000));
 }
 
-TEST_F(ExtendedList, SizeChangesTheSurfacesHeightOnly) {
+TEST_F(ExtendedList, SizeChangesOnlyTheSurfacesHeight) {
   Send(LB_SETCOUNT, 100);
   Forget();
   MoveWindow(list_, 0, 0, 200, 51 + GetSystemMetrics(SM_CYHSCROLL), TRUE);
@@ -162,14 +162,14 @@ TEST_F(ExtendedList, TheParentMayChangeOrDestroyTheListWhileItDraws) {
   EXPECT_FALSE(IsWindow(list_));
 }
 
-TEST_F(ExtendedList, MakesItsSettingsKeyAndRefusesMessagesWithoutARecord) {
+TEST_F(ExtendedList, CreatesItsSettingsKeyAndIgnoresMessagesWithoutState) {
   SetCapture(list_);
   for (UINT message : {WM_LBUTTONUP, WM_DESTROY}) {
     RegDeleteKeyA(HKEY_CURRENT_USER, kExtendedListSettingsPath);
     EXPECT_FALSE(OpenExtendedListSettings());
     const auto* state = reinterpret_cast<HGLOBAL*>(GetWindowLongA(list_, GWL_USERDATA));
     const HGLOBAL memory = *state;
-    Send(WM_CREATE);  // a second one must not cost a second record
+    Send(WM_CREATE);  // the state must not be allocated twice
     EXPECT_EQ(reinterpret_cast<LONG>(state), GetWindowLongA(list_, GWL_USERDATA));
     Send(message);
     EXPECT_EQ(message == WM_DESTROY, GlobalFlags(memory) == GMEM_INVALID_HANDLE);
@@ -183,7 +183,7 @@ TEST_F(ExtendedList, MakesItsSettingsKeyAndRefusesMessagesWithoutARecord) {
   EXPECT_FALSE(GetUpdateRect(list_, nullptr, FALSE));
 }
 
-TEST_F(ExtendedList, ScreenReadersHearWhichRowsAreOnView) {
+TEST_F(ExtendedList, ReportsVisibleRowsToScreenReaders) {
   constexpr LONG kRoleList = 0x21;
   EXPECT_EQ((kvtest::AccessibleProperties{L"", L"", kRoleList}), kvtest::ReadAccessible(list_));
   SetWindowTextA(list_, "Readings");

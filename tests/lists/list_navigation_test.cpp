@@ -58,7 +58,7 @@ class ListNavigation : public kvtest::ControlTest<RegisterExtendedListClass> {
     GetScrollInfo(list_, kind, &bar);
     return bar;
   }
-  // What the vertical bar shows: range, page and position.
+  // The vertical bar's range, page and position.
   std::tuple<int, int, int> Down() {
     const SCROLLINFO bar = Bar(SB_VERT);
     return {bar.nMax, bar.nPage, bar.nPos};
@@ -71,9 +71,9 @@ class ListNavigation : public kvtest::ControlTest<RegisterExtendedListClass> {
 
 using Codes = std::vector<int>;
 
-TEST_F(ListNavigation, BarsAreRightBeforeAnyPaintAndAfterEveryChange) {
+TEST_F(ListNavigation, BarsAreCorrectBeforeAnyPaintAndAfterEveryChange) {
   EXPECT_EQ(std::tuple(16999, 68, 0), Down());
-  ShowWindow(list_, SW_HIDE);  // no paint, and so no measuring of its own, from here on
+  ShowWindow(list_, SW_HIDE);  // from here on no paint, and so no WM_MEASUREITEM
   height_ = 20;
   Send(LB_SETCOUNT, 50);
   EXPECT_EQ(std::tuple(999, 60, 0), Down());
@@ -93,7 +93,7 @@ TEST_F(ListNavigation, BarsAreRightBeforeAnyPaintAndAfterEveryChange) {
   EXPECT_EQ(kNoRow, ListRowAt(list_, {0, 5}));
 }
 
-TEST_F(ListNavigation, KeysMoveTheSelectedRowAndKeepItInView) {
+TEST_F(ListNavigation, KeysMoveTheSelectionAndKeepItVisible) {
   const std::tuple<UINT, UINT, UINT> steps[] = {{VK_UP, 0, 0},       {VK_DOWN, 1, 0},   {VK_NEXT, 5, 2},
                                                 {VK_DOWN, 6, 3},     {VK_PRIOR, 2, 2},  {VK_END, 999, 996},
                                                 {VK_NEXT, 999, 996}, {VK_UP, 998, 996}, {VK_PRIOR, 994, 994},
@@ -126,7 +126,7 @@ TEST_F(ListNavigation, ScrollsWithinItsEndsByBarAndWheel) {
   Send(WM_VSCROLL, SB_BOTTOM);
   EXPECT_EQ((std::vector<UINT>{kHeaderRow, 996, 997, 998, 999}), drawn_);
   EXPECT_EQ(std::tuple(16999, 68, 16932), Down());
-  // The message, and then the row on top and the position of the bar below.
+  // The message, then the top row and the position of the horizontal bar.
   const std::tuple<const char*, UINT, WPARAM, UINT, int> steps[] = {
       {"a line past the end", WM_VSCROLL, SB_LINEDOWN, 996, 0},
       {"a page past the end", WM_VSCROLL, SB_PAGEDOWN, 996, 0},
@@ -151,7 +151,7 @@ TEST_F(ListNavigation, ScrollsWithinItsEndsByBarAndWheel) {
   }
 }
 
-TEST_F(ListNavigation, TellsWhatIsClicked) {
+TEST_F(ListNavigation, ReportsClicks) {
   ScrollListTo(list_, 100);
   Send(LB_SETHORIZONTALEXTENT, 300);
   Send(WM_HSCROLL, SB_LINERIGHT);
@@ -176,8 +176,8 @@ TEST_F(ListNavigation, TellsWhatIsClicked) {
   EXPECT_EQ(Codes{}, Notifications());
 }
 
-TEST_F(ListNavigation, IsAsWideAsTheWindowOrAsAsked) {
-  // The width of the window and the one that is asked for, then the list's own, and its position after scrolling to the
+TEST_F(ListNavigation, IsAsWideAsTheWindowOrTheRequestedWidth) {
+  // The width of the window and the requested one, then the list's width, and its position after scrolling to the
   // right.
   const std::tuple<int, WPARAM, int, int> cases[] = {
       {100, 0, 100, 0}, {220, 0, 220, 0}, {220, 150, 220, 0}, {90, 150, 150, 60}, {140, 150, 150, 10}};
@@ -185,12 +185,12 @@ TEST_F(ListNavigation, IsAsWideAsTheWindowOrAsAsked) {
     MoveWindow(list_, 0, 0, window + GetSystemMetrics(SM_CXVSCROLL), 100, TRUE);
     if (asked) Send(LB_SETHORIZONTALEXTENT, asked);
     EXPECT_EQ(width, Bar(SB_HORZ).nMax + 1) << window;
-    if (window < 140) Send(WM_HSCROLL, SB_BOTTOM);  // a larger window moves it back by itself
+    if (window < 140) Send(WM_HSCROLL, SB_BOTTOM);  // a larger window scrolls back automatically
     EXPECT_EQ(position, Bar(SB_HORZ).nPos) << window;
   }
 }
 
-TEST_F(ListNavigation, IsForListsAndLeavesOthersAlone) {
+TEST_F(ListNavigation, AcceptsOnlyExtendedLists) {
   EXPECT_FALSE(AddListNavigation(parent_));
   EXPECT_FALSE(RedrawList(nullptr));
   EXPECT_FALSE(ScrollListTo(parent_, 0));
@@ -201,7 +201,7 @@ TEST_F(ListNavigation, IsForListsAndLeavesOthersAlone) {
   const HWND plain = CreateControl(parent_, kExtendedListClass, "", WS_VSCROLL, {0, 0, 100, 85}, kListId);
   SendMessageA(plain, LB_SETCOUNT, kRows, 0);
   EXPECT_FALSE(SelectListRow(plain, 1));
-  EXPECT_TRUE(ScrollListTo(plain, kRows - 1));  // past the bar's end, as such a list may
+  EXPECT_TRUE(ScrollListTo(plain, kRows - 1));  // past the bar's end, which is allowed without navigation
   EXPECT_EQ(kRows - 1, ListRowAt(plain, {0, 17}));
 }
 

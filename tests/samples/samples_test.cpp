@@ -1,4 +1,4 @@
-// The samples as their users have them: each program is started, looked at, used and closed.
+// Starts, checks, operates and closes each sample.
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -31,7 +31,7 @@ class Sample : public kvtest::RunningProgram {
   }
   HWND window() const { return window_; }
   HWND Control(int id) const { return GetDlgItem(window_, id); }
-  // Whether a part of the client area shows at least that many colours.
+  // Whether a part of the client area has at least that many colours.
   bool Shows(RECT part, size_t colors) const {
     return WaitUntil(
         [&] {
@@ -51,7 +51,7 @@ class Sample : public kvtest::RunningProgram {
   HWND window_ = nullptr;
 };
 
-TEST(Samples, TheInstrumentPanelShowsItsInstrumentsInThreeLanguages) {
+TEST(Samples, InstrumentPanelShowsItsInstrumentsInThreeLanguages) {
   RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\korvel\\Configuration\\instrument_panel");
   Sample panel(L"instrument_panel", L"Instrument panel");
   for (int id = IDC_SPEED; id <= IDC_CLOCK; ++id) EXPECT_TRUE(panel.Shows(panel.PlaceOf(id), 5)) << id;
@@ -71,7 +71,7 @@ TEST(Samples, TheInstrumentPanelShowsItsInstrumentsInThreeLanguages) {
   EXPECT_EQ(0u, panel.Close());
 }
 
-TEST(Samples, AMillionRowsAreShownSortedAndReachedByKeys) {
+TEST(Samples, MillionRowsAreShownSortedAndNavigatedByKeys) {
   Sample readings(L"million_rows", L"A million readings");
   constexpr int kRows = 101, kStatus = 102;
   HWND list = readings.Control(kRows);
@@ -82,19 +82,19 @@ TEST(Samples, AMillionRowsAreShownSortedAndReachedByKeys) {
   };
   EXPECT_TRUE(status(L"Row 1000000 of 1000000: reading 1000000"));
   for (UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP}) SendMessageW(list, message, 0, MAKELPARAM(3, 3));
-  EXPECT_TRUE(status(L"Row 1000000 of 1000000: reading 1"));  // the other way round now
+  EXPECT_TRUE(status(L"Row 1000000 of 1000000: reading 1"));  // now in descending order
   EXPECT_EQ(0u, readings.Close());
 }
 
-TEST(Samples, ATrackIsExportedThreeWays) {
+TEST(Samples, TrackIsExportedInThreeWays) {
   Sample track(L"track_export", L"Track export");
   constexpr int kKml = 101, kWaypoints = 102, kSpreadsheet = 103, kStatus = 104, kNameField = 0x47C;
   const std::filesystem::path folder = std::filesystem::temp_directory_path() / L"kv track Ω";
   std::filesystem::create_directory(folder);
-  const auto says = [&](const wchar_t* text) {  // connecting asks this process's windows, too: the wait pumps
+  const auto says = [&](const wchar_t* text) {  // dispatches messages: connecting queries this process's windows, too
     return WaitUntil([&] { return TextOf(track.Control(kStatus)) == text; }, kTimeout);
   };
-  // The name without its extension: the dialog adds the proposed one.
+  // Without an extension: the dialog appends the proposed one.
   for (const auto& [button, file] : {std::pair(kKml, L"flight.kml"), {kWaypoints, L"flight.txt"}}) {
     HWND dialog = nullptr;
     PostMessageW(track.Control(button), BM_CLICK, 0, 0);
@@ -119,7 +119,7 @@ TEST(Samples, ATrackIsExportedThreeWays) {
   std::filesystem::remove_all(folder);
 }
 
-TEST(Samples, ASensorsValuesAreRecorded) {
+TEST(Samples, SensorValuesAreRecorded) {
   Sample recorder(L"sensor_recorder", L"Sensor recorder");
   constexpr int kChart = 101, kPort = 102, kConnect = 103, kStatus = 105;
   const auto connect = [&](const std::wstring& port) {

@@ -1,4 +1,4 @@
-// Numbers with a decimal comma for as long as the object lives, as in a host that called setlocale.
+// Sets a C locale with a decimal comma for the lifetime of the object, as a host that calls setlocale does.
 #pragma once
 
 #include <gtest/gtest.h>

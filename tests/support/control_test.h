@@ -1,6 +1,6 @@
-// A fixture for the tests of one window class: the class is registered while they run, by the function that registers
-// or unregisters it, and they share one visible parent, which each leaves empty. Without a window manager every visible
-// window takes Wine two seconds to take away.
+// A fixture for the tests of one window class. It registers the class for all of them, with the function given, and
+// they share one visible parent, which each test leaves empty: without a window manager, Wine takes two seconds to
+// destroy a visible top-level window.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// Apart from the windows, for the programs that have none: the fuzzer, and what is built for this machine.
+// A separate file for programs without windows: the fuzzer, and the tests that are built for this machine.
 #include <cstddef>
 #include "tests/support/test_window.h"
 

@@ -1,5 +1,5 @@
-// Puts a function of the test's own in the place of one that this program imports, for a scope: the only way to let a
-// system call fail that does not fail by itself. Calls from other modules go on to the real one.
+// Replaces an imported function by one of the test for a scope, to make a system call fail that otherwise succeeds.
+// Calls from other modules still reach the real function.
 #pragma once
 
 #include <windows.h>

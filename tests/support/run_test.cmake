@@ -1,6 +1,6 @@
-# Runs a test program on a desktop of its own and fails unless it ends with 0 and, with GoogleTest, at least one of its tests
-# passed. ctest on its own knows either condition, but not both: a program that crashes after its summary would pass, or one
-# that ends before its first test.
+# Runs a test program on its own desktop and fails unless it ends with 0 and, with GoogleTest, at least one of its tests
+# passed. ctest alone checks only one of these conditions: a program that crashes after its summary would pass, or one that
+# ends before its first test.
 #   cmake "-DCOMMAND=PROGRAM;ARGUMENTS" -P run_test.cmake
 include(${CMAKE_CURRENT_LIST_DIR}/take_desktop.cmake)
 execute_process(COMMAND ${COMMAND}

@@ -1,4 +1,4 @@
-// A program in a process of its own, driven from outside.
+// A program in a separate process, driven from outside.
 #pragma once
 
 #include <windows.h>
@@ -8,10 +8,10 @@
 
 namespace kvtest {
 
-// Ended with the object if it does not end by itself.
+// The destructor ends the process if it is still running.
 class RunningProgram {
  public:
-  // In `directory`, or with null in that of the tests.
+  // Starts in `directory`; null: in that of the tests.
   RunningProgram(const std::filesystem::path& program, const std::wstring& arguments,
                  const wchar_t* directory = nullptr);
   ~RunningProgram();
@@ -20,17 +20,16 @@ class RunningProgram {
 
   HANDLE process() const { return process_.hProcess; }
   bool isRunning() const { return WaitForSingleObject(process_.hProcess, 0) == WAIT_TIMEOUT; }
-  // A visible top-level window of the process with this class and, unless that is null, this title; null when there is
-  // none.
+  // A visible top-level window of the process with this class and title (null: any title); null when there is none.
   HWND Find(const wchar_t* windowClass, const wchar_t* title) const;
-  // Closes the window as a user does, waits for the end of the process and gives its exit code.
+  // Closes the window as a user does, waits for the process to end and returns its exit code.
   DWORD Close(HWND window) const;
 
  private:
   PROCESS_INFORMATION process_{};
 };
 
-// The folder of a program of the build, from that of the tests' program.
+// The folder of one of the build's programs, relative to that of the test program.
 std::filesystem::path BuildFolder(const wchar_t* name);
 
 // The text of another process's window or control.

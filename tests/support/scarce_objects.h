@@ -1,5 +1,5 @@
-// Leaves the process only a few GDI objects, so that code which loses one each time it runs fails after a few hundred
-// runs instead of some ten thousand.
+// Uses up all but a few GDI objects of the process, so that code which leaks one per run fails after a few hundred runs
+// instead of tens of thousands.
 #pragma once
 
 #include <windows.h>

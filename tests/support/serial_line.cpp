@@ -12,7 +12,7 @@ namespace kvtest {
 
 namespace {
 
-// KV_SOURCE_DIR is the project's folder on the machine that runs Wine, which it shows as drive Z.
+// KV_SOURCE_DIR is the project's folder on the machine that runs Wine; its file system is drive Z.
 bool IsMarked(int port) {
   const char* desktop = std::getenv("KV_DESKTOP");
   char path[MAX_PATH];
@@ -20,7 +20,7 @@ bool IsMarked(int port) {
   return GetFileAttributesA(path) != INVALID_FILE_ATTRIBUTES;
 }
 
-// Wine starts the machine's own programs, but gives no handle to wait for: the marker file tells the end.
+// Wine starts native programs without a handle to wait for: the marker file shows when one has ended.
 bool RunPairScript(const std::string& arguments, int port, bool expectMarked) {
   std::string command = "\"Z:\\bin\\bash\" \"" KV_SOURCE_DIR "/tools/serial_pair.sh\" " + arguments;
   STARTUPINFOA start{};

@@ -1,6 +1,6 @@
-// Serial lines for tests: a pair of joined COM ports, and a camera that plays exact bytes on the far end. Under Wine
-// the pair is a pseudo-terminal pair, which can be unplugged under a program that uses it. On Windows it is what the
-// environment variable KV_COM_PAIR names ("COM5,COM6", the second being the camera's), joined for good.
+// Serial lines for tests: a null-modem pair of COM ports, and a camera that sends exact bytes on the far end. Under
+// Wine it is a pair of pseudo-terminals, which can be removed while a program uses it. On Windows it is the permanent
+// pair in the environment variable KV_COM_PAIR ("COM5,COM6", the second is the camera's).
 #pragma once
 
 #include <windows.h>
@@ -12,13 +12,13 @@
 namespace kvtest {
 
 struct ComPair {
-  int port, farPort;  // 0 where the machine has no pair
+  int port, farPort;  // 0 if the machine has no pair
 };
-// The pair that tests use, and what to say when skipping for want of it.
+// The pair that tests use, and the message for tests that are skipped without it.
 ComPair GivenComPair();
 inline constexpr char kNoComPair[] = "no joined COM ports: name a pair in KV_COM_PAIR, like COM5,COM6";
 
-// COM`port` and COM`farPort`, joined from construction to destruction.
+// Connects COM`port` and COM`farPort` from construction to destruction.
 class SerialLine {
  public:
   explicit SerialLine(ComPair pair = GivenComPair());
@@ -26,9 +26,9 @@ class SerialLine {
   SerialLine(const SerialLine&) = delete;
   SerialLine& operator=(const SerialLine&) = delete;
 
-  // False when the machine could not make the line.
+  // False if the line could not be created.
   bool isPlugged() const { return plugged_; }
-  // Whether lines can be made and taken away here, or only the given one be used.
+  // Whether lines can be created and removed on this machine; false if only the given one can be used.
   static bool CanUnplug();
   void Unplug();
   void PlugIn();
@@ -48,7 +48,7 @@ class PlayedCamera {
 
   bool isOpen() const { return port_ != INVALID_HANDLE_VALUE; }
   void Reopen();
-  // Writes all bytes in one call. False when the line does not take them within 100 ms.
+  // Writes all bytes in one call. False if that takes longer than 100 ms.
   bool Send(std::string_view bytes);
   bool SendRecord(const kv::CameraPoint (&points)[kv::kPointCount]);
 

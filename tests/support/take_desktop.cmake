@@ -1,6 +1,6 @@
-# Gives the test that includes this a desktop of its own as long as it runs: of those that ./test started, one that no other
-# test has. KV_DESKTOPS lists them, each by what its Wine prefix and its serial lines have behind their names, and its
-# display ("=:99;-2=:100"). Without that list a test takes the desktop that is there.
+# Reserves one of the desktops that ./test started for the test that includes this file, as long as it runs. KV_DESKTOPS
+# lists them, each as the suffix of its Wine prefix and serial lines, and its display ("=:99;-2=:100"). Without the list a
+# test uses the current desktop.
 set(taken NO)
 set(desktops $ENV{KV_DESKTOPS})
 while(desktops AND NOT taken)

@@ -1,4 +1,4 @@
-// Entry point of every test program. Gives the process a registry of its own, so tests neither see nor leave settings.
+// Entry point of every test program. Redirects the process's registry, so that tests neither read nor leave settings.
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -8,7 +8,7 @@
 
 namespace {
 
-// HKEY_CURRENT_USER of this process becomes a key of its own, deleted when the tests end.
+// Redirects HKEY_CURRENT_USER of this process to a separate key, which is deleted when the tests end.
 class PrivateRegistry : public testing::Environment {
  public:
   void SetUp() override {

@@ -24,7 +24,7 @@ RecordingParent::RecordingParent(bool visible, int width, int height) {
   windowClass.hCursor = LoadCursorA(nullptr, reinterpret_cast<LPCSTR>(IDC_ARROW));
   windowClass.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
   windowClass.lpszClassName = kParentClass;
-  RegisterClassExA(&windowClass);  // fails harmlessly from the second parent on
+  RegisterClassExA(&windowClass);  // fails harmlessly after the first parent
   window_ = CreateWindowExA(0, kParentClass, "test parent", WS_POPUP | WS_CLIPCHILDREN, 0, 0, width, height, nullptr,
                             nullptr, instance, this);
   if (visible) {

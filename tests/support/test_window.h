@@ -1,5 +1,5 @@
-// Helpers for tests of windows and drawing: a parent that records what it is sent, a picture with readable pixels, a
-// page with an exact end, and bounded waiting.
+// Helpers for tests of windows and drawing: a parent that records its messages, a bitmap with readable pixels, memory
+// with a guard page, and waiting with a timeout.
 #pragma once
 
 #include <windows.h>
@@ -19,8 +19,8 @@ struct SeenMessage {
   LPARAM lParam;
 };
 
-// A top-level window that records every message and answers through `handler` (or DefWindowProcA when that is empty or
-// gives false). Hidden unless `visible`. Destroyed with the object.
+// A top-level window that records every message and handles it with `handler` (or DefWindowProcA when that is empty or
+// returns false). Hidden unless `visible`. The destructor destroys it.
 class RecordingParent {
  public:
   using Handler = std::function<bool(HWND, UINT, WPARAM, LPARAM, LRESULT*)>;
@@ -32,7 +32,7 @@ class RecordingParent {
 
   operator HWND() const { return window_; }
   std::vector<SeenMessage>& seen() { return seen_; }
-  // How many messages of this kind have arrived; pumps what is posted first.
+  // Dispatches posted messages, then returns the number of messages of this kind received so far.
   int CountOf(UINT message);
   void Answer(Handler handler) { handler_ = std::move(handler); }
 
@@ -47,7 +47,7 @@ class RecordingParent {
 // Creates a child control (ANSI class name) of `parent`.
 HWND CreateControl(HWND parent, const char* className, const char* text, DWORD style, RECT place, int id);
 
-// A 32-bit top-down picture in memory with a device context; every byte starts as 0xCC.
+// A 32-bit top-down bitmap in memory with a device context; every byte is initially 0xCC.
 class TestBitmap {
  public:
   TestBitmap(int width, int height);
@@ -58,7 +58,7 @@ class TestBitmap {
   HDC dc() const { return dc_; }
   int width() const { return width_; }
   int height() const { return height_; }
-  // The colour at a place; 0xCCCCCC where nothing was drawn.
+  // The colour of a pixel; 0xCCCCCC where nothing was drawn.
   COLORREF At(int x, int y) const;
   // How many pixels have exactly this colour.
   int CountOf(COLORREF color) const;
@@ -72,13 +72,13 @@ class TestBitmap {
   std::uint32_t* pixels_ = nullptr;
 };
 
-// The size of the picture on the clipboard, negative when there is none; its pixels go to `copyTo`.
+// The size of the bitmap on the clipboard, negative when there is none; copies its pixels to `copyTo`.
 SIZE ClipboardBitmapSize(HWND owner, const TestBitmap* copyTo = nullptr);
 
-// Where a control lies in its dialog's client area.
+// A control's rectangle in its dialog's client area.
 RECT PlaceOf(HWND dialog, int id);
 
-// What a screen reader hears of a window: the answers of its IAccessible.
+// The properties of a window's IAccessible, as a screen reader gets them.
 struct AccessibleProperties {
   std::wstring name, value;
   LONG role;
@@ -86,7 +86,7 @@ struct AccessibleProperties {
 };
 AccessibleProperties ReadAccessible(HWND window);
 
-// Memory of exactly `size` bytes that ends where the next byte faults; optionally read-only.
+// Memory of exactly `size` bytes in front of an inaccessible page; optionally read-only.
 class GuardedBytes {
  public:
   explicit GuardedBytes(size_t size);
@@ -107,13 +107,13 @@ class GuardedBytes {
   void* data_;
 };
 
-// Memory that the process has asked the system for, in bytes.
+// Committed memory of the process, in bytes.
 SIZE_T MemoryInUse();
 
-// Dispatches every message that waits.
+// Dispatches all queued messages.
 void PumpMessages();
 
-// Pumps messages until the condition holds; false when it does not within `limit`.
+// Dispatches messages until the condition is true; false if it is not within `limit`.
 bool WaitUntil(const std::function<bool()>& condition,
                std::chrono::milliseconds limit = std::chrono::milliseconds(5000));
 

@@ -1,4 +1,4 @@
-# kv.h brings every public header.
+# kv.h includes every public header.
 cmake_minimum_required(VERSION 3.25)
 file(STRINGS ${SOURCE_DIR}/kv.h brought REGEX "^#include")
 foreach(header IN LISTS HEADERS)

@@ -36,9 +36,9 @@ class Instruments : public kvtest::ControlTest<RegisterDisplayInstrumentClass> {
   DWORD style_ = 0;
 };
 
-TEST_F(Instruments, ReadOutsShowEveryValueOfTheirRangeWhole) {
+TEST_F(Instruments, ReadoutsShowAllDigitsOfEveryValue) {
   Make(kModeDigital);
-  // Range, and the decimal places that follow from a hundredth of it.
+  // The range, and the decimals that result from a hundredth of it.
   const std::tuple<double, double, int> ranges[] = {{0, 250, 0},   {0, 100, 0},   {0, 99, 1},    {0, 9.99, 2},
                                                     {0, 1, 2},     {-10, 10, 1},  {-500, 50, 0}, {-5, -1, 2},
                                                     {0, 31622, 0}, {0, 999.6, 0}, {0, 0.05, 4}};
@@ -54,7 +54,7 @@ TEST_F(Instruments, ReadOutsShowEveryValueOfTheirRangeWhole) {
   }
   EXPECT_EQ(317, ReadableMaximum(250, 250));
   EXPECT_EQ(999, ReadableMaximum(999, 999));
-  Make(kModeGauge);  // the scale keeps its range
+  Make(kModeGauge);  // a scale's range is not extended
   SetInstrumentRange(parent_, kId, {.maximum = 250, .unit = L"°C", .step = 0.25, .decimals = 9});
   EXPECT_EQ(std::tuple(250, 0.25f, 7), std::tuple(Block().maximum, Block().step, Block().format));
   EXPECT_EQ(L"°C", InstrumentUnit(Block()));
@@ -80,7 +80,8 @@ TEST_F(Instruments, SetsNamesZonesAndValues) {
   EXPECT_EQ(std::tuple(50.0, kInstrumentNoValue), std::tuple(value, Block().state));
 
   Make(kModeDigital);
-  EXPECT_TRUE(SetInstrumentStyle(parent_, kId, kInstrumentShowTime | kModeCentreBar, TRUE));  // the layout stays
+  EXPECT_TRUE(
+      SetInstrumentStyle(parent_, kId, kInstrumentShowTime | kModeCentreBar, TRUE));  // the mode does not change
   const SYSTEMTIME time{.wHour = 7, .wMinute = 8};
   EXPECT_TRUE(SetInstrumentTime(parent_, kId, time));
   SYSTEMTIME stored{};
@@ -95,16 +96,16 @@ TEST_F(Instruments, SetsNamesZonesAndValues) {
   }
 }
 
-TEST_F(Instruments, TheLastValueSetIsTheOneShown) {
+TEST_F(Instruments, ShowsTheLastValueSet) {
   const auto set = [this](double value, BOOL glide) { EXPECT_TRUE(SetInstrumentValue(parent_, kId, value, glide)); };
   const auto ends = [this](float value) {
     EXPECT_TRUE(kvtest::WaitUntil([&] { return Block().current == value; })) << value << ", not " << Block().current;
-    for (int i = 0; i < 30; ++i) SendMessageA(control_, WM_TIMER, 5, 0);  // nothing is under way to another one
+    for (int i = 0; i < 30; ++i) SendMessageA(control_, WM_TIMER, 5, 0);  // no glide to another value continues
     EXPECT_EQ(value, Block().current);
   };
   Make(kModeCompass);
   set(3, TRUE);
-  EXPECT_EQ(0, Block().current);  // on its way
+  EXPECT_EQ(0, Block().current);  // still gliding
   ends(3);
   Make(kModeGauge);
   for (const BOOL glide : {FALSE, TRUE}) {

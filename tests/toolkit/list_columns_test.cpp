@@ -17,7 +17,7 @@ constexpr ListColumn kColumns[] = {{L"A", 10}, {L"B", 30, DT_RIGHT}};
 
 class ListColumns : public kvtest::ControlTest<RegisterExtendedListClass> {};
 
-TEST_F(ListColumns, ShareTheWidthAndKnowWhichWasClicked) {
+TEST_F(ListColumns, ShareTheWidthAndReportClicks) {
   const HWND list = CreateControl(parent_, kExtendedListClass, "", WS_HSCROLL, {0, 0, 200, 100}, 1);
   AddListNavigation(list);
   SendMessageA(list, LB_SETCOUNT, 3, 0);

@@ -35,7 +35,7 @@ using kvtest::TextOf;
 constexpr COLORREF kGround = RGB(10, 20, 200);
 
 std::vector<UINT> seen;
-UINT answered = 0;   // the message that the procedure keeps to itself
+UINT answered = 0;   // the message for which the procedure returns TRUE
 UINT destroyAt = 0;  // the message at which it destroys the dialog
 UINT postAtStart = 0;
 
@@ -83,7 +83,7 @@ class ScaledDialogTest : public testing::Test {
   }
 };
 
-TEST_F(ScaledDialogTest, ScalesKeepsItsSmallestSizeAndItsPlace) {
+TEST_F(ScaledDialogTest, ScalesKeepsItsMinimumSizeAndRestoresItsPosition) {
   HWND dialog = OpenDialog(nullptr, kTest);
   ASSERT_TRUE(dialog);
   const SIZE client = ClientSize(dialog);
@@ -98,7 +98,7 @@ TEST_F(ScaledDialogTest, ScalesKeepsItsSmallestSizeAndItsPlace) {
   EXPECT_TRUE(EqualRect(&outside, &kept));
   EXPECT_EQ(3, ScaleOf(dialog).y);
   const auto font = reinterpret_cast<HGDIOBJ>(SendDlgItemMessageA(dialog, IDC_OUTSIDE, WM_GETFONT, 0, 0));
-  EXPECT_EQ(static_cast<DWORD>(OBJ_FONT), GetObjectType(font));  // the others had the same one, and got new ones
+  EXPECT_EQ(static_cast<DWORD>(OBJ_FONT), GetObjectType(font));  // shared with others, which got new ones
   LOGFONTW empty{}, full{};
   for (const auto& [id, look] : {std::pair(IDC_EMPTY, &empty), {IDC_LABEL, &full}}) {
     GetObjectW(reinterpret_cast<HGDIOBJ>(SendDlgItemMessageW(dialog, id, WM_GETFONT, 0, 0)), sizeof(*look), look);
@@ -119,7 +119,7 @@ TEST_F(ScaledDialogTest, ScalesKeepsItsSmallestSizeAndItsPlace) {
   answered = WM_CLOSE;
   SendMessageA(dialog, WM_CLOSE, 0, 0);
   EXPECT_TRUE(IsWindow(dialog));
-  EXPECT_TRUE(ModelessDialogs(dialog, nullptr, kModelessRemove));  // it was in the table
+  EXPECT_TRUE(ModelessDialogs(dialog, nullptr, kModelessRemove));  // the dialog was in the table
   answered = 0;
   SendMessageA(dialog, WM_CLOSE, 0, 0);
   EXPECT_FALSE(IsWindow(dialog));
@@ -164,7 +164,7 @@ TEST_F(ScaledDialogTest, SwitchesTheLanguageOfEveryDialogAndFreesTheLibrary) {
   HWND dialog = OpenDialog(nullptr, kTest), other = OpenDialog(nullptr, kTest);
   const auto tips = [] {
     HWND tip = nullptr;
-    // Only ours: programs beside this one have tips of their own.
+    // Only this process's: other programs have tooltips, too.
     do {
       tip = FindWindowExA(nullptr, tip, "tooltips_class32", nullptr);
     } while (tip && GetWindowThreadProcessId(tip, nullptr) != GetCurrentThreadId());
@@ -176,7 +176,7 @@ TEST_F(ScaledDialogTest, SwitchesTheLanguageOfEveryDialogAndFreesTheLibrary) {
   EXPECT_EQ(1, CurrentLanguage());
   EXPECT_EQ(2, std::count(seen.begin(), seen.end(), kLanguageChanged));
   EXPECT_FALSE(IsWindow(formerTips));
-  EXPECT_EQ(1, SendMessageA(tips(), TTM_GETTOOLCOUNT, 0, 0));  // in English, where the language has no text
+  EXPECT_EQ(1, SendMessageA(tips(), TTM_GETTOOLCOUNT, 0, 0));  // in English, because the language has no text
   for (HWND each : {dialog, other}) {
     EXPECT_EQ(L"Prüfung Ω", TextOf(each));
     EXPECT_EQ(L"Schild", TextOf(GetDlgItem(each, IDC_LABEL)));
@@ -197,7 +197,7 @@ TEST_F(ScaledDialogTest, SwitchesTheLanguageOfEveryDialogAndFreesTheLibrary) {
   EXPECT_EQ(1, LoadLanguages(L"test_toolkit"));  // the choice was stored
 }
 
-TEST_F(ScaledDialogTest, RunsAWholeProgramAndAsksByDialog) {
+TEST_F(ScaledDialogTest, RunsAWholeProgramWithAModalDialog) {
   postAtStart = WM_COMMAND;
   EXPECT_EQ(IDOK, RunModalDialog(nullptr, kTest));
   postAtStart = WM_CLOSE;
@@ -215,10 +215,10 @@ TEST_F(ScaledDialogTest, RunsAWholeProgramAndAsksByDialog) {
   WNDCLASSA ignored{};
   EXPECT_FALSE(GetClassInfoA(instance, kDialogClass, &ignored));
   ASSERT_TRUE(RegisterAllClasses(instance, TRUE));
-  EXPECT_FALSE(RegisterAllClasses(instance, TRUE));  // they are there already
+  EXPECT_FALSE(RegisterAllClasses(instance, TRUE));  // already registered
 }
 
-// Whatever the procedure destroys its dialog in, nobody goes on with what is gone.
+// The procedure may destroy the dialog in any message; the toolkit must not use it afterwards.
 TEST_F(ScaledDialogTest, MayBeDestroyedByItsProcedureAtAnyTime) {
   LoadLanguages(L"test_toolkit");
   constexpr UINT kMessages[] = {WM_INITDIALOG, kLanguageChanged, WM_SIZE, WM_PAINT, WM_NOTIFYFORMAT, WM_CTLCOLORSTATIC};
@@ -238,7 +238,7 @@ TEST_F(ScaledDialogTest, MayBeDestroyedByItsProcedureAtAnyTime) {
   DestroyWindow(dialog);
 }
 
-TEST_F(ScaledDialogTest, ShowsPagesThatFollowTheirPlaceAndTheLanguage) {
+TEST_F(ScaledDialogTest, ShowsPagesThatScaleAndChangeTheLanguage) {
   LoadLanguages(L"test_toolkit");
   static const ScaledDialog kFirst{.templateName = L"PAGE", .procedure = Procedure}, kSecond{.templateName = L"PAGE"};
   HWND dialog = OpenDialog(nullptr, kTest);
@@ -258,7 +258,7 @@ TEST_F(ScaledDialogTest, ShowsPagesThatFollowTheirPlaceAndTheLanguage) {
   EXPECT_EQ(GetDlgItem(other, IDC_EDIT), GetFocus());
   EXPECT_FALSE(IsWindowVisible(page));
   for (const int language : {15, 0}) {
-    SwitchLanguage(nullptr, nullptr, language);  // the stand-in for Arabic is the German library
+    SwitchLanguage(nullptr, nullptr, language);  // the German library replaces the Arabic one
     EXPECT_EQ(language ? L"Schild" : L"Label", TextOf(GetDlgItem(page, IDC_LABEL)));
     for (HWND each : {dialog, page, GetDlgItem(page, IDC_LABEL)}) {
       EXPECT_EQ(language != 0, (GetWindowLongW(each, GWL_EXSTYLE) & WS_EX_LAYOUTRTL) != 0);

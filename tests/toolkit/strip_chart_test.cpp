@@ -1,4 +1,4 @@
-// The typed calls of strip chart and horizon, as their controls understand them.
+// The typed functions for strip chart and horizon, with the real controls.
 #include "toolkit/strip_chart.h"
 
 #include <gtest/gtest.h>
@@ -22,12 +22,12 @@ constexpr int kId = 31, kHorizonId = 32, kNone = 33;
 
 class TypedCharts : public kvtest::ControlTest<RegisterLineRecorderClass> {};
 
-TEST_F(TypedCharts, DescribeAppendHoldAndRead) {
+TEST_F(TypedCharts, DescribeAppendFreezeAndRead) {
   HWND chart = kvtest::CreateControl(parent_, kStripChartClass, "", 0, {0, 0, 200, 150}, kId);
   EXPECT_TRUE(SetStripChartChannel(parent_, kId, 2, {.name = std::wstring(30, L'ä').c_str(), .unit = L"°C"}));
   StripChannel info{};
   SendMessageA(chart, kControlCommand, MAKEWPARAM(kStripChannel | kCommandRead, 2), reinterpret_cast<LPARAM>(&info));
-  EXPECT_EQ(46u, std::string(info.szName).size());  // whole letters of two bytes in 47
+  EXPECT_EQ(46u, std::string(info.szName).size());  // whole two-byte characters in 47 bytes
   const COLORREF color = info.color;
   EXPECT_TRUE(SetStripChartChannel(parent_, kId, 2, {.name = L"Heat", .unit = L"°C"}));
   EXPECT_TRUE(ShowStripChartChannel(parent_, kId, 2, FALSE));
@@ -42,7 +42,7 @@ TEST_F(TypedCharts, DescribeAppendHoldAndRead) {
   EXPECT_TRUE(AppendStripChartValue(parent_, kId, 2, 5, 100));
   StripStatistics statistics{};
   EXPECT_TRUE(ReadStripChartStatistics(parent_, kId, 2, &statistics));
-  EXPECT_EQ(std::tuple(2, 7), std::tuple(statistics.count, statistics.mean));  // the first two have gone
+  EXPECT_EQ(std::tuple(2, 7), std::tuple(statistics.count, statistics.mean));  // the first two were discarded
   EXPECT_TRUE(HoldStripChart(parent_, kId, FALSE));
   EXPECT_TRUE(ReadStripChartStatistics(parent_, kId, 2, &statistics));
   EXPECT_EQ(100, statistics.maximum);

@@ -11,7 +11,7 @@
 namespace kv {
 namespace {
 
-TEST(TrackFiles, WriteATrackOrNothing) {
+TEST(TrackFiles, WriteAWholeTrackOrNothing) {
   const std::filesystem::path path = std::filesystem::temp_directory_path() / L"kv toolkit Ω.txt";
   const auto content = [&] {
     std::ifstream file(path);

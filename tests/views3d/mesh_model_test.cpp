@@ -21,8 +21,8 @@ UINT LockCount(HGLOBAL memory) {
   return GlobalFlags(memory) & GMEM_LOCKCOUNT;
 }
 
-// A model that stays locked while the test looks at it. One triangle for each depth, all three corners at that depth;
-// its attribute word numbers it.
+// A model that remains locked during the test. Each depth has one triangle with all three corners at that depth; its
+// attribute word is its number.
 struct LockedMesh {
   explicit LockedMesh(const std::vector<double>& depths) {
     const auto count = static_cast<std::uint32_t>(depths.size());
@@ -69,17 +69,17 @@ TEST(MeshModel, IsOneBlockThatStartsEmpty) {
   EXPECT_TRUE(meshUnlock(model));
   EXPECT_EQ(0u, LockCount(handle));
   EXPECT_TRUE(meshDestroy(handle));
-  EXPECT_EQ(nullptr, meshCreate(82595524, 1));  // just past 32 bits of bytes
+  EXPECT_EQ(nullptr, meshCreate(82595524, 1));  // slightly more than 2^32 bytes
 }
 
-TEST(MeshModel, DestroyedNullAndForeignHandlesAreRefusedByAll) {
+TEST(MeshModel, DestroyedNullAndForeignHandlesAreRejected) {
   HGLOBAL destroyed = meshCreate(1, 1);
   ASSERT_TRUE(meshDestroy(destroyed));
   HGLOBAL untagged = GlobalAlloc(GHND, 4096);
-  HGLOBAL small = GlobalAlloc(GHND, 4);  // smaller than a head, though it carries the tag
+  HGLOBAL small = GlobalAlloc(GHND, 4);  // smaller than a header, although it has the tag
   *static_cast<std::uint32_t*>(GlobalLock(small)) = kMeshTag;
   GlobalUnlock(small);
-  // A fixed block stands for itself as a handle. This one carries the tag, but ends within a head.
+  // The handle of a fixed block is its address. This one has the tag, but ends within a header.
   kvtest::GuardedBytes fixed(8);
   *fixed.as<std::uint32_t>() = kMeshTag;
   for (HGLOBAL handle : {destroyed, untagged, small, HGLOBAL{fixed.data()}, HGLOBAL{nullptr}}) {
@@ -95,7 +95,7 @@ TEST(MeshModel, DestroyedNullAndForeignHandlesAreRefusedByAll) {
   GlobalFree(small);
 }
 
-TEST(MeshModel, BadPointersAreRefusedOrSkipped) {
+TEST(MeshModel, BadPointersAreRejectedOrSkipped) {
   HGLOBAL handle = meshCreate(1, 1);
   kvtest::GuardedBytes tooSmall(3), readOnly(sizeof(double));
   readOnly.MakeReadOnly();
@@ -111,7 +111,7 @@ TEST(MeshModel, BadPointersAreRefusedOrSkipped) {
   meshUnlock(model);
   EXPECT_TRUE(meshDestroy(handle));
 
-  HGLOBAL large = meshCreate(100000, 0);  // large enough for pages of its own
+  HGLOBAL large = meshCreate(100000, 0);  // large enough to be allocated on separate pages
   ASSERT_TRUE(meshLock(large, &model, nullptr, nullptr));
   meshUnlock(model);
   DWORD protection = 0;
@@ -122,8 +122,8 @@ TEST(MeshModel, BadPointersAreRefusedOrSkipped) {
   EXPECT_TRUE(meshDestroy(large));
 }
 
-// Of a head alone nobody can tell where its block ends.
-TEST(MeshModel, UnlockWantsOneByteMoreThanTheHead) {
+// The end of a block cannot be determined from its header.
+TEST(MeshModel, UnlockRequiresOneByteAfterTheHeader) {
   HGLOBAL handle = GlobalAlloc(GHND, 8);
   GlobalLock(handle);
   for (size_t size : {1143, 1144, 1145}) {
@@ -158,7 +158,7 @@ TEST(MeshSetView, NormalisesTheFlaggedAngles) {
   EXPECT_EQ(1u, LockCount(mesh.handle));
 }
 
-TEST(MeshProject, TurnsXTowardsYThenZTowardsYThenXTowardsZ) {
+TEST(MeshProject, RotatesXTowardsYThenZTowardsYThenXTowardsZ) {
   LockedMesh mesh({2});
   MeshVertex& vertex = mesh.vertices[0];
   vertex.x = 1;
@@ -191,15 +191,15 @@ TEST(MeshProject, SortsFartherTrianglesFirst) {
   ASSERT_TRUE(meshProject(mesh.handle));
   const double depths[] = {-27, -3, -3, 1.5, 21};
   for (int i = 0; i < 5; ++i) EXPECT_DOUBLE_EQ(depths[i], mesh.triangles[i].depth);
-  EXPECT_EQ(4u, mesh.triangles[0].vertices[2]);  // the whole record moves
+  EXPECT_EQ(4u, mesh.triangles[0].vertices[2]);  // the whole struct moves
   EXPECT_TRUE(meshProject(LockedMesh({}).handle));
 }
 
-// Any difference orders, however small; equal depths stay as they stood, and no triangle is lost.
+// Every difference determines the order, however small; equal depths keep their order, and no triangle is lost.
 TEST(MeshProject, DepthsMayBeHugeNearlyEqualOrNotNumbers) {
   std::mt19937 random(9);
   const double special[] = {NAN, INFINITY, -INFINITY, 1e308, -1e308, 1e12, -1e12, 0, -0.0, 5, -5};
-  // Not a number comes first; the attribute word tells in which order equal depths stood.
+  // NaN comes first; the attribute word shows the former order of equal depths.
   const auto isBefore = [](const MeshTriangle& a, const MeshTriangle& b) {
     const bool alike = a.depth == b.depth || (std::isnan(a.depth) && std::isnan(b.depth));
     return alike ? a.attributes < b.attributes : std::isnan(a.depth) || a.depth < b.depth;
@@ -233,7 +233,7 @@ TEST(MeshProject, CountsAndIndicesStayInsideTheBlock) {
   ASSERT_TRUE(meshProject(mesh.handle));
   EXPECT_DOUBLE_EQ(4, mesh.vertices[0].depthY);
 
-  // A capacity that was written over would lead out of the block.
+  // An overwritten capacity would lead beyond the block.
   mesh.model->vertexCapacity = 1000;
   EXPECT_FALSE(meshProject(mesh.handle));
   mesh.model->vertexCapacity = 2;
@@ -241,7 +241,7 @@ TEST(MeshProject, CountsAndIndicesStayInsideTheBlock) {
 
 TEST(MeshRotateShades, ShiftsByTheLimitedStep) {
   const struct {
-    int length, shift, step;  // position i takes the shade of position i + step
+    int length, shift, step;  // position i gets the shade of position i + step
   } cases[] = {{0, 3, 0},       {1, 3, 0},   {2, 5, 1},   {2, -1, 1},    {3, 5, 1},
                {3, -1, -1},     {6, 5, 2},   {6, 0, 1},   {6, -4, -1},   {6, -INT_MAX, -1},
                {6, INT_MAX, 2}, {7, 100, 2}, {255, 9, 9}, {257, -9, -1}, {1000, 600, 499}};
@@ -260,12 +260,12 @@ TEST(MeshRotateShades, ShiftsByTheLimitedStep) {
   }
 }
 
-TEST(MeshRotateShades, RefusesWhatCannotBeWritten) {
+TEST(MeshRotateShades, RejectsUnwritableMemory) {
   kvtest::GuardedBytes bytes(4 * sizeof(MeshVertex));
   auto* vertices = bytes.as<MeshVertex>();
   vertices[1].shade = 1;
   EXPECT_FALSE(meshRotateShades(nullptr, 0, 4, 1));
-  // The second ring's last vertex would lie behind the array.
+  // The second ring's last vertex would be beyond the array.
   const std::pair<int, int> rings[] = {{-1, 5}, {0, 4}, {-2, 3}, {0, -1}, {INT_MAX, INT_MAX}};
   for (const auto& [start, length] : rings) EXPECT_FALSE(meshRotateShades(vertices, start, length, 1)) << start;
   EXPECT_EQ(1, vertices[1].shade);

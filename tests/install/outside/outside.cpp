@@ -1,5 +1,5 @@
-// Shows a dialog of the library with an instrument in it, looks at what it shows, and ends: 0 when all is as it should
-// be, otherwise the number of the first thing that is not.
+// Shows a dialog of the library with an instrument, checks its image, and exits: with 0 if everything is right,
+// otherwise with the number of the first failed check.
 #include <kv/controls/display_instrument.h>
 #include <kv/framework/dialog.h>
 #include <kv/framework/language.h>
@@ -13,7 +13,7 @@ INT_PTR CALLBACK DialogProcedure(HWND, UINT message, WPARAM, LPARAM) {
   return message == WM_INITDIALOG;
 }
 
-// Whether the picture of the window has more than the one colour of an empty one.
+// Whether the window shows more than one colour.
 bool ShowsSomething(HWND window) {
   RECT rect;
   GetClientRect(window, &rect);
