@@ -1,7 +1,7 @@
-// What we promise about the way from the camera, measured on a COM pair: no record lost, and how soon a point is seen.
+// Measures data flow from the camera on a null-modem pair: lost records, and latency.
 //
-//   camera_benchmark records [SECONDS]   full line rate, every record different, counted at the reader's output
-//   camera_benchmark latency [COUNT]     last byte written to marker's pixel changed, in the real program
+//   camera_benchmark records [SECONDS]   counts lost records at full line rate; every record is different
+//   camera_benchmark latency [COUNT]     time from the last byte written to the change of the marker's pixel in Tarnwick
 #include <windows.h>
 
 #include <algorithm>
@@ -45,7 +45,7 @@ int MeasureRecords(double seconds) {
     const double start = Now();
     while (Now() - start < seconds) {
       SleepUntil(start + sent * kRecordSeconds);
-      ++sent;  // a record carries its number in its first point and again, in part, in its last
+      ++sent;  // the first point contains the record's number, the last one a part of it
       camera.SendRecord({{sent % 1000, sent / 1000}, {0, 1}, {0, 2}, {sent % 1000, 3}});
     }
     Sleep(200);
@@ -53,7 +53,7 @@ int MeasureRecords(double seconds) {
   });
   long seen = 0, last = 0, jumps = 0;
   while (sending) {
-    // The last point is stored last, so once it has changed the first one has, too.
+    // The last point is stored last: when it has changed, the first one has, too.
     const long low = context.points[3].x;
     const long now = context.points[0].x == low ? context.points[0].y * 1000 + low : last;
     if (now != last) {
@@ -61,7 +61,7 @@ int MeasureRecords(double seconds) {
       if (now != last + 1) ++jumps;
       last = now;
     }
-    // Never sleeps: on a busy machine a sleep may last longer than a record stands.
+    // No Sleep: on a busy machine it may last longer than the interval between records.
     SwitchToThread();
   }
   sender.join();
@@ -98,7 +98,7 @@ int MeasureLatency(int count) {
   for (int i = 0; i < count; ++i) {
     const kv::CameraPoint point = kPoints[i % 2];
     const kv::CameraPoint points[kv::kPointCount] = {point, {1, 1}, {1023, 1023}, {1023, 1023}};
-    // Not in step with the tool's timer.
+    // Avoid synchronization with the tool's timer.
     Sleep(70 + (i * 37) % 50);
     camera.SendRecord(points);
     const double start = Now();

@@ -1,11 +1,11 @@
-// Draws shapes that another program describes, white on black, so that an independent renderer can be compared with
-// ours: `benchmarks/edge_accuracy`.
+// Draws shapes from a file, white on black, so that `benchmarks/edge_accuracy` can compare them with another
+// renderer's.
 //   drawn_shapes SHAPES PICTURES
-// A line of SHAPES is one picture: its size, then a shape with its numbers.
+// Each line of SHAPES is one image: its size, then a shape with its parameters.
 //   60 60 polygon x y x y ...   60 60 disc x y radius   60 60 ring x y inner outer from to   60 60 line x y x y width
 //   60 60 glyph CHARACTER-CODE x y height degrees
-// PICTURES gets one byte for each pixel, picture after picture. The flattened outline of a glyph goes to the standard
-// output: how many figures it has, then a line for each.
+// PICTURES gets one byte for each pixel of all images. The flattened outline of a glyph is printed to standard output:
+// its number of contours, then a line for each.
 #include <windows.h>
 
 #include <cstdio>

@@ -1,7 +1,7 @@
-"""Draws the same random shapes with drawn_shapes (ours) and with Cairo, and prints how far they differ.
+"""Draws the same random shapes with drawn_shapes (ours) and with Cairo, and prints the differences.
 
-Cairo itself samples a row at 15 heights, so it is asked twice: as it is, and drawing 16 times as large, averaged down,
-which is right to about half a level of 255 and therefore the judge.
+Cairo samples a row at 15 heights. Therefore its result is computed twice: directly, and 16 times as large and averaged,
+which is exact to about half a level of 255 and is the reference.
 """
 import math
 import os
@@ -21,7 +21,7 @@ def uniform(low, high):
 
 
 def polygon():
-    # Corners in the order of their angle, never half a turn apart: no edge crosses another. Some stand outside.
+    # Corners in the order of their angle, less than half a turn apart: edges do not cross. Some are outside of the image.
     count = random.randint(4, 9)
     angles = [(i + uniform(0, 0.9)) * 2 * math.pi / count for i in range(count)]
     return [c for a in angles for r in [uniform(3, 45)] for c in (30 + r * math.cos(a), 30 + r * math.sin(a))]
@@ -108,8 +108,8 @@ outlines = [[float(c) for c in line.split()] for line in output.splitlines() if 
 pictures = open(picture_path, "rb").read()
 assert len(pictures) == len(shapes) * SIZE * SIZE, output
 
-print(f"{'shape':10}{'pictures':>9}   {'Cairo 16 x: largest':>20}{'mean of edges':>15}   "
-      f"{'Cairo as it is: largest':>24}{'mean':>8}")
+print(f"{'shape':10}{'images':>9}   {'Cairo 16 x: largest':>20}{'mean of edges':>15}   "
+      f"{'Cairo directly: largest':>24}{'mean':>8}")
 worst = 0
 for kind in KINDS:
     fine, plain = [], []
@@ -124,5 +124,5 @@ for kind in KINDS:
     worst = max(worst, max(fine))
     print(f"{kind:10}{EACH:9}   {max(fine):20.2f}{sum(fine) / len(fine):15.3f}   "
           f"{max(plain):24.2f}{sum(plain) / len(plain):8.3f}")
-print(f"largest difference of all: {worst:.2f} of 255")
+print(f"largest difference: {worst:.2f} of 255")
 sys.exit(worst > 4)

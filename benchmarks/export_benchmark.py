@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""camtool export beside the plain script that one would write instead: both convert a recording of a million records
-(57 MB) to comma-separated values, and must give the same bytes. Called by export_benchmark.sh.
+"""Compares camtool export with a simple script: both convert a recording of a million records (57 MB) to comma-separated
+values and must write the same bytes. Called by export_benchmark.sh.
 
-    export_benchmark.py WORK_FOLDER COMMAND...      the command that starts camtool
+    export_benchmark.py WORK_FOLDER COMMAND...      the command for camtool
 """
 import random
 import resource
@@ -30,7 +30,7 @@ def make_recording(path: Path) -> None:
 
 
 def script(source: str, target: str) -> None:
-    """What is compared: record by record, for whole recordings only."""
+    """The simple script: converts record by record, undamaged recordings only."""
     with open(source, "rb") as file, open(target, "w", newline="\n", encoding="ascii") as out:
         file.read(40)
         out.write("seconds,x1,y1,x2,y2,x3,y3,x4,y4\n")
@@ -45,7 +45,7 @@ def script(source: str, target: str) -> None:
 
 
 def timed(command: list[str]) -> tuple[float, int]:
-    """Seconds, and the largest resident memory in MB of any child so far."""
+    """Seconds, and the largest resident memory of any child so far in MB."""
     begin = time.monotonic()
     subprocess.run(command, check=True, stderr=subprocess.DEVNULL)
     return time.monotonic() - begin, resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss // 1024

@@ -1,9 +1,9 @@
-// What we promise about the extended list: a redraw costs one header and one screenful of rows, whether the list has a
-// hundred rows or ten million, at its beginning, its middle and its end; and scrolling sideways costs no row at all.
+// Measures redraws of the extended list: each requests one header and one screenful of rows, with a hundred rows or ten
+// million, at the beginning, the middle and the end; horizontal scrolling requests none.
 //
 //   extended_list_benchmark [REDRAWS]
 //
-// Each line: where the list is scrolled to, rows asked for by one redraw, and its median and slowest time.
+// Each line: the scroll position, the rows requested by one redraw, its median and slowest time.
 #include <windows.h>
 
 #include <algorithm>
@@ -31,7 +31,7 @@ void DrawRow(const DRAWITEMSTRUCT& item) {
 
 LRESULT CALLBACK ParentProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
-    case WM_MEASUREITEM: return TRUE;  // the list's own row height will do
+    case WM_MEASUREITEM: return TRUE;  // the default row height
     case WM_DRAWITEM: DrawRow(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam)); return TRUE;
     default: return DefWindowProcA(window, message, wParam, lParam);
   }
@@ -47,7 +47,7 @@ void Measure(HWND list, const char* what, int redraws, UINT message, WPARAM wPar
     times.push_back((camera::Now() - start) * 1000);
   }
   std::ranges::sort(times);
-  std::printf("%-12s %5.1f rows asked for   median %7.3f ms   slowest %7.3f ms\n", what,
+  std::printf("%-12s %5.1f rows requested   median %7.3f ms   slowest %7.3f ms\n", what,
               static_cast<double>(rowsAsked) / redraws, times[times.size() / 2], times.back());
 }
 

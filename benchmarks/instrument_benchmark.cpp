@@ -1,7 +1,7 @@
-// Prints what the display instruments cost: milliseconds to render each layout, anew and after a change of the value
-// only, the share of one processor core that twenty gliding instruments take, and the GDI objects of two thousand. The
-// floor is what an empty control costs that shows a picture of the same size in the same way and renders nothing.
-//   instrument_benchmark [gliding]     only the gliding ones, for a trace of what they ask the system for
+// Measures display instruments: the time in ms to render each mode completely and after a change of the value, the
+// share of a core that twenty gliding instruments use, and the GDI objects of two thousand. The floor is the cost of an
+// empty control that shows a bitmap of the same size in the same way and renders nothing.
+//   instrument_benchmark [gliding]     only the gliding ones, for tracing their system calls
 #include <windows.h>
 
 #include <chrono>
@@ -24,7 +24,7 @@ using Clock = std::chrono::steady_clock;
 struct Mode {
   const char* name;
   DWORD style;
-  float low, high;  // values to go between
+  float low, high;  // values between which it alternates
 };
 constexpr Mode kModes[] = {{"gauge", kv::kModeGauge, 20, 80},
                            {"readout", kv::kModeDigital, 20, 80},
@@ -77,7 +77,7 @@ HWND CreateEmpty(HWND parent, int left, int top, int size) {
 // ---- Measuring ------------------------------------------------------------------------------------------------------
 
 void MeasureRendering(HWND parent) {
-  printf("%-12s %6s %14s %14s %14s\n", "layout", "pixels", "anew ms", "new value ms", "floor ms");
+  printf("%-12s %6s %14s %14s %14s\n", "mode", "pixels", "full ms", "new value ms", "floor ms");
   for (const Mode& mode : kModes) {
     for (const int size : {64, 200, 600}) {
       HWND control = Create(parent, mode.style, 0, 0, size);
@@ -97,7 +97,7 @@ void MeasureRendering(HWND parent) {
 
 constexpr int kInstruments = 20;
 
-// The share of a core, in percent, while messages are dispatched and `often` is called four times a second.
+// The share of a core in percent while messages are dispatched and `often` is called four times a second.
 template <class Work>
 double PercentOfACore(Work often) {
   constexpr std::chrono::seconds kSpan(4);
@@ -123,7 +123,7 @@ void MeasureGliding(HWND parent) {
   }
   float value = 30;
   const double gliding = PercentOfACore([&] {
-    // A new goal, near enough not to be jumped to, keeps every one of them moving.
+    // New targets within gliding distance keep all instruments moving.
     value = value > 35 ? 30.0f : 40.0f;
     for (HWND control : controls) SetValue(control, value, kv::kValueGlide);
   });
@@ -137,7 +137,7 @@ void MeasureGliding(HWND parent) {
   printf("%d instruments of 120 pixels gliding: %.1f %% of one core, floor %.1f %%\n", kInstruments, gliding, floor);
 }
 
-// How many GDI objects can still be made.
+// The number of GDI objects that can still be created.
 int FreeObjects() {
   std::vector<kv::OwnedBrush> brushes;
   while (HBRUSH brush = CreateSolidBrush(RGB(1, 2, 3))) brushes.emplace_back(brush);
@@ -154,7 +154,7 @@ void MeasureMany(HWND parent) {
     SetValue(controls.back(), 40, kv::kCommandRedraw);
   }
   const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
-  printf("%d instruments: %d GDI objects, made and shown in %.1f s\n", kMany, before - FreeObjects(), seconds);
+  printf("%d instruments: %d GDI objects, created and shown in %.1f s\n", kMany, before - FreeObjects(), seconds);
   for (HWND control : controls) DestroyWindow(control);
 }
 

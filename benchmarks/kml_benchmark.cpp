@@ -1,7 +1,7 @@
-// How long the export of a long track takes, against a plain loop of the C run-time's formatted output that writes the
-// same bytes. Exits with 1 when a byte differs or the export is not at least three times as fast.
+// Measures the export of a long track against a plain loop of the C runtime's formatted output that writes the same
+// bytes. Exits with 1 when a byte differs or the export is not at least three times as fast.
 //
-//   benchmarks/run kml_benchmark [POINTS]     1000000 if nothing else is said
+//   benchmarks/run kml_benchmark [POINTS]     by default 1000000
 #include <windows.h>
 
 #include <algorithm>
@@ -15,7 +15,7 @@
 #include "export/flight_track.h"
 #include "export/kml_export.h"
 
-// MinGW has two families of formatted output; Visual Studio has the run-time's only.
+// MinGW has two families of formatted output; Visual Studio only has the runtime's.
 #ifdef __MINGW32__
 #define RUNTIME_FWPRINTF __ms_fwprintf
 #else
@@ -27,8 +27,8 @@ namespace {
 constexpr double kRequiredRatio = 3;
 constexpr int kRepetitions = 3;
 
-// A flight of many circles that climbs and sinks: each time by as little as a double can, only at each 20th point, or
-// in steps of 5 cm, where half of the altitudes lie in the middle between two texts.
+// A flight of many circles that climbs and sinks: by the smallest difference of doubles at each point, only at every
+// 20th point, or in steps of 5 cm, where half of the altitudes are exactly in the middle between two texts.
 enum class Altitudes { kSmooth, kEach20th, kSteps };
 
 double AltitudeOf(size_t point, Altitudes altitudes) {
@@ -87,7 +87,7 @@ std::string Contents(const wchar_t* path) {
   return text;
 }
 
-// The shortest of a few runs: the others measure what else the machine does.
+// The shortest of a few runs, which other load on the machine affects least.
 template <class Action>
 double BestSeconds(Action action) {
   double best = HUGE_VAL;

@@ -1,5 +1,5 @@
-// How long meshProject takes and how it grows with the triangles, with depths in no order, all alike, rising, falling,
-// and as the frame before left them. Promised: 100,000 triangles in at most 10 ms.
+// Measures meshProject for several numbers of triangles, with depths that are random, equal, rising, falling, or in the
+// order of the previous frame. Required: 100,000 triangles in at most 10 ms.
 #include <windows.h>
 
 #include <algorithm>
@@ -16,7 +16,7 @@ constexpr int kRounds = 9;
 
 enum class Order { kRandom, kEqual, kRising, kFalling };
 
-// Triangles with three vertices of their own, one depth each.
+// Triangles that share no vertices; each has one depth.
 void Fill(HGLOBAL mesh, std::uint32_t count, Order order) {
   kv::MeshModel* model = nullptr;
   kv::MeshVertex* vertices = nullptr;
@@ -46,8 +46,8 @@ double ProjectMs(HGLOBAL mesh) {
   return (camera::Now() - start) * 1000;
 }
 
-// The median of several rounds, each with the triangles filled afresh; or of a turning model, whose frames each start
-// from the order that the frame before left.
+// The median of several rounds, each with newly filled triangles; or of a rotating model, where each frame starts with
+// the order of the previous one.
 double MedianMs(HGLOBAL mesh, std::uint32_t count, Order order, bool turns = false) {
   double rounds[kRounds];
   int degrees = 0;

@@ -1,4 +1,4 @@
-// Processor time, which a busy machine does not change much.
+// Processor time, which depends little on other load.
 #pragma once
 
 #include <windows.h>
@@ -14,7 +14,7 @@ inline double CpuSeconds() {
   return seconds(kernel) + seconds(user);
 }
 
-// Processor time, so that a busy machine does not count.
+// The processor time of one call of `work` in ms, averaged over many calls.
 template <class Work>
 double MillisecondsEach(Work work) {
   constexpr auto kMinTime = std::chrono::milliseconds(600);

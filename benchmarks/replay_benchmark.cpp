@@ -1,7 +1,7 @@
-// How true camtool's replay is: a recording of known pauses is played into a COM pair, and what arrives is held against
-// it, byte for byte and pause for pause. On an idle machine pauses are to be within 2 ms.
+// Measures the accuracy of camtool's replay: replays a recording with known pauses into a null-modem pair and compares
+// received bytes and pauses. Required: pauses within 2 ms on an idle machine.
 //
-//   replay_benchmark [SECONDS]      10 if nothing else is said
+//   replay_benchmark [SECONDS]      by default 10
 #include <windows.h>
 
 #include <timeapi.h>
@@ -32,8 +32,8 @@ struct Moment {
   char byte;
 };
 
-// Chunks of a few bytes with pauses of 5 to 60 ms between them, written to `path`. Long enough that the reader does not
-// take two for one.
+// Writes chunks of a few bytes with pauses of 5 to 60 ms to `path`: long enough that the reader does not join two
+// chunks.
 std::vector<Moment> MakeRecording(const std::string& path, double seconds) {
   std::mt19937 random(1);
   std::vector<Moment> moments;
@@ -58,7 +58,7 @@ std::vector<Moment> Receive(HANDLE port, size_t count) {
   camera::PortReader reader(port);
   std::string bytes;
   double seconds = 0;
-  // Patient until the player has come up.
+  // A long timeout until the replay has started.
   DWORD timeoutMs = 20000;
   while (moments.size() < count &&
          reader.Read(timeoutMs, nullptr, &bytes, &seconds) == camera::PortReader::Outcome::kBytes) {
@@ -71,7 +71,7 @@ std::vector<Moment> Receive(HANDLE port, size_t count) {
 int Compare(const std::vector<Moment>& sent, const std::vector<Moment>& received) {
   const bool isSame =
       std::ranges::equal(sent, received, [](const Moment& a, const Moment& b) { return a.byte == b.byte; });
-  std::printf("%zu bytes sent, %zu heard, %s\n", sent.size(), received.size(), isSame ? "the same" : "NOT THE SAME");
+  std::printf("%zu bytes sent, %zu received, %s\n", sent.size(), received.size(), isSame ? "the same" : "NOT THE SAME");
   if (!isSame) return 1;
   std::vector<double> errorsMs;
   for (size_t i = 1; i < sent.size(); ++i) {

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Tarnwick beside what one would run instead, on the same stream of 93 records a second: core use, memory, start.
+# Compares Tarnwick with alternatives on the same stream of 93 records a second: processor use, memory, start time.
 #
-#   benchmarks/run side_by_side [SECONDS]            the table: Tarnwick, a script with a canvas, and the native plotter that
-#                                                    SERIALPLOT names, if it names one
-#   benchmarks/run side_by_side requests [SECONDS]   what one tick and one record of Tarnwick ask Wine's server for
+#   benchmarks/run side_by_side [SECONDS]            Tarnwick, a script with a canvas, and the native plotter in the
+#                                                    variable SERIALPLOT, if it is set
+#   benchmarks/run side_by_side requests [SECONDS]   the requests to Wine's server for each tick and record of Tarnwick
 #
-# Meaningful on a quiet machine; the figures of one run compare in any case. Called by benchmarks/run.
+# Run it on an idle machine. Called by benchmarks/run.
 source "$(dirname "$0")/../tools/common.sh"
 
 here=$root/benchmarks/side_by_side
@@ -32,14 +32,14 @@ install_viewers() {
   DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y --no-install-recommends "${packages[@]}"
 }
 
-# The process that serves this prefix: its working folder has the prefix's device and inode in its name.
+# The Wine server of this prefix: its working folder is named after the prefix's device and inode.
 server_process() {
   local folder process
   folder=server-$(stat -c %D "$WINEPREFIX")-$(printf '%x' "$(stat -c %i "$WINEPREFIX")")
   for process in $(pgrep -x wineserver || pgrep wineserver); do
     [[ $(readlink "/proc/$process/cwd") == */$folder ]] && echo "$process" && return
   done
-  die "found no Wine server of this prefix"
+  die "no Wine server of this prefix found"
 }
 
 now_ms() { date +%s%3N; }
@@ -59,7 +59,7 @@ start_camera() {
 
 wait_for_window() { timeout 20 xdotool search --sync --onlyvisible --name "$1" >/dev/null || die "no window \"$1\""; }
 
-# report NAME PROCESS START_MS [SERVER]: what both use of one core for the time of the measurement.
+# report NAME PROCESS START_MS [SERVER]: prints the processor time of both during the measurement, in percent of a core.
 report() {
   local name=$1 process=$2 start=$3 server=${4:-} before server_before=0 after server_after=0
   before=$(ticks "$process")
@@ -75,7 +75,7 @@ report() {
     }'
 }
 
-# Starts the tool on the stream and presses its button; camera, viewer and start_ms are left set.
+# Starts the tool on the stream and presses its button; sets camera, viewer and start_ms.
 start_tarnwick() {
   local x y started
   start_camera "$work/camera"
@@ -86,7 +86,7 @@ start_tarnwick() {
   wait_for_window '^Tarnwick$'
   start_ms=$(($(now_ms) - started))
   for _ in 1 2 3; do
-    # The one read of the scan may end in a gap of the stream; a person would press again.
+    # The scan's only read may end in a gap of the stream; then press again, as a user would.
     read -r x y < <(wine "$build_dir/release/tools/uidriver.exe" button 2>/dev/null | tr -d '\r')
     xdotool mousemove "$x" "$y" sleep 0.3 click 1 mousemove 2 2
     timeout 10 wine "$build_dir/release/tools/uidriver.exe" points >/dev/null 2>&1 && return
@@ -124,7 +124,7 @@ start_native() {
   viewer=
 }
 
-# Wine's server, started with its trace, writes a line for each request: "thread: name( arguments )".
+# With tracing, Wine's server writes a line for each request: "thread: name( arguments )".
 count_requests() {
   local seconds=${1:-10} from to
   wineserver -f -d 2>"$work/requests" &
@@ -147,7 +147,7 @@ count_requests() {
     }' "$work/measured" | sort
 }
 
-quietly "installing what is compared" install_viewers
+quietly "installing the alternatives" install_viewers
 quietly "configuring" cmake --preset release
 quietly "building" cmake --build --preset release
 start_display 1280x1024x24

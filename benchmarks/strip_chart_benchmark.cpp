@@ -1,7 +1,7 @@
-// Prints what the strip chart costs, one line for each promise: with ten million samples in eight channels at 800 x 400
-// a full redraw, a zoom step and appending a million samples; and live, a thousand samples a second in four channels at
-// twenty pictures a second, beside what copying the same area so often costs. Processor time, so that a busy machine
-// does not count. The last line is the artificial horizon's.
+// Measures the strip chart's processor time, one line for each requirement: a full redraw, a zoom step and appending a
+// million samples, each with ten million samples in eight channels at 800 x 400; and live updates, with a thousand
+// samples a second in four channels at twenty frames a second, compared with copying the same area. The last line is
+// the artificial horizon's.
 #include <windows.h>
 
 #include <algorithm>
@@ -36,7 +36,7 @@ void Send(HWND chart, WPARAM wParam, const void* item, DWORD channel = 0) {
   SendMessageA(chart, kv::kControlCommand, wParam | channel << 16, reinterpret_cast<LPARAM>(item));
 }
 
-// A measured value: a slow movement, noise, now and then a gap.
+// A measured value: a slow movement, noise, occasionally a gap.
 std::vector<kv::StripSample> MakeSamples(DWORD count, double start, int channel) {
   std::mt19937 random(static_cast<unsigned>(channel));
   std::vector<kv::StripSample> samples(count);
@@ -58,7 +58,7 @@ void MeasureMany(HWND parent) {
   Send(chart, kv::kStripCapacity, &capacity);
   for (int i = 0; i < kv::kStripChannels; ++i) Append(chart, MakeSamples(each, 0, i), static_cast<DWORD>(i));
   const double full = MillisecondsEach([&](int) { Send(chart, kv::kStripRender, nullptr); });
-  printf("full redraw, 10 million samples       %8.2f ms   (promised: 8)\n", full);
+  printf("full redraw, 10 million samples       %8.2f ms   (required: 8)\n", full);
   double most = 0;
   for (double span = each / kRate; span > 1; span /= 1.25) {
     const double step = MillisecondsEach([&](int i) {
@@ -68,7 +68,7 @@ void MeasureMany(HWND parent) {
     most = std::max(most, step);
     span /= 2;
   }
-  printf("zoom step, the dearest of all spans   %8.2f ms   (promised: 8)\n", most);
+  printf("zoom step, slowest of all spans       %8.2f ms   (required: 8)\n", most);
   DestroyWindow(chart);
 }
 
@@ -78,7 +78,7 @@ void MeasureAppending(HWND parent) {
   Send(chart, kv::kStripCapacity, &kMillion);
   const double cpu = CpuSeconds();
   for (DWORD channel = 0; channel < kv::kStripChannels; ++channel) Append(chart, million, channel);
-  printf("appending a million samples           %8.0f ms   (promised: 200)\n",
+  printf("appending a million samples           %8.0f ms   (required: 200)\n",
          (CpuSeconds() - cpu) * 1000 / kv::kStripChannels);
   DestroyWindow(chart);
 }
@@ -102,7 +102,7 @@ LRESULT CALLBACK FloorProcedure(HWND window, UINT message, WPARAM wParam, LPARAM
   return DefWindowProcA(window, message, wParam, lParam);
 }
 
-// The share of a core, in percent, while `tick` is called each 50 ms.
+// The share of a core in percent while `tick` is called every 50 ms.
 template <class Tick>
 double PercentOfACore(Tick tick) {
   constexpr std::chrono::seconds kSpan(10);
@@ -139,7 +139,7 @@ void MeasureLive(HWND parent) {
       }
     });
     DestroyWindow(chart);
-    printf("live, %-8s                        %8.2f %% of a core, copying the area %.2f %%: %.2f times (promised: 2)\n",
+    printf("live, %-8s                        %8.2f %% of a core, copying the area %.2f %%: %.2f times (required: 2)\n",
            style == kv::kStripSweep ? "sweep" : "paper", live, copying, live / copying);
   }
 }
@@ -154,7 +154,7 @@ void MeasureHorizon(HWND parent) {
     Send(horizon, kv::kHorizonValue | kv::kCommandRedraw, &attitude);
   });
   DestroyWindow(horizon);
-  printf("artificial horizon, new value, 600 px %8.2f ms   (promised: 2)\n", value);
+  printf("artificial horizon, new value, 600 px %8.2f ms   (required: 2)\n", value);
 }
 
 }  // namespace

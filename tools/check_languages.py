@@ -1,18 +1,18 @@
 #!/usr/bin/env python3
 """Compares the gallery's language scripts (resources/languages/*.rc) with its English texts.
 
-    tools/check_languages.py             errors: texts that English does not have, texts given twice, values that do not
-                                         match (%s, %d), keys (&) given to two controls of a page, to a control and the
-                                         menu bar, or to two items of a menu, texts left in English, two fields of a
-                                         page with one label, one English text or term in two ways, punctuation and
-                                         marks of direction that the script wants; gaps are only counted
-    tools/check_languages.py --gaps      also lists what each language lacks (it is shown in English until then)
-    tools/check_languages.py --complete  a gap is an error, too
+    tools/check_languages.py             reports texts that English does not have, duplicate texts, placeholders that do
+                                         not match (%s, %d), access keys (&) used by two controls of a page, by a control
+                                         and the menu bar, or by two items of a menu, untranslated texts, two fields of a
+                                         page with one label, two translations of one English text or term, and missing
+                                         punctuation and direction marks; missing texts are only counted
+    tools/check_languages.py --gaps      also lists the missing texts of each language (they are shown in English)
+    tools/check_languages.py --complete  a missing text is an error, too
 
-A page without a topic of its own in a help file is an error as well.
+A page without a topic in a help file is an error, too.
 
-English texts are those of the gallery's string tables, and those of its menu and of its pages' controls that have a
-name, which a language script calls TEXT_OF(name).
+English texts are those of the gallery's string tables, and those of menu items and controls with a name; a language
+script translates the latter as TEXT_OF(name).
 """
 
 import argparse
@@ -39,7 +39,7 @@ def english_texts():
             if match := STRING.match(line):
                 texts[normal(match[1])] = match[2]
             elif match := MENU.match(line) or CONTROL.match(line):
-                # What stands in a control of the library's own is a name or a value, not a text to read.
+                # The text of a bitmap control is the name of a resource.
                 if re.search(r"[A-Za-z]{2}", match[1]) and 'KV_SIMPLE_BITMAP' not in line:
                     texts[f"TEXT_OF({match[2]})"] = match[1]
     return texts
@@ -55,7 +55,7 @@ def language_texts(script, errors):
         if match := STRING.match(line):
             name = normal(match[1])
             if name in texts:
-                errors.append(f"{script.name}:{number}: {name} is there twice")
+                errors.append(f"{script.name}:{number}: {name} is defined twice")
             texts[name] = match[2]
     return texts
 
@@ -64,13 +64,13 @@ def values(text):
     return VALUE.findall(text.replace("%%", ""))
 
 
-# What of its menu each item stands in, by the part of its name before the item's own.
+# The items of the help menu; other items are in the file menu.
 HELP_MENU = ("IDM_GALLERY_HELP", "IDM_GALLERY_ABOUT")
 
 
 def key_places(name):
-    """The places in which the key of a text must be the only one of its kind: a page (its controls are IDC_PAGE_NAME,
-    and texts that its controls are given IDS_PAGE_NAME), the menu bar, which is there with every page, or a menu."""
+    """The scope in which the access key of a text must be unique: a page (its controls are IDC_PAGE_NAME, and the texts
+    of its controls IDS_PAGE_NAME), the menu bar, which is visible with every page, or a menu."""
     if re.match(r"TEXT_OF\(IDM_\w+_MENU\)", name):
         return "menu bar"
     if match := re.match(r"TEXT_OF\((IDM_\w+)\)", name):
@@ -90,16 +90,16 @@ def check_keys(script, texts, errors):
         if place.startswith("page"):
             others.append(taken.get(("menu bar", key)))
         for other in filter(None, others):
-            errors.append(f"{script}: {name} has the key of {other}: {key}")
+            errors.append(f"{script}: {name} has the access key of {other}: {key}")
         taken[(place, key)] = name
 
 
 def plain(text):
-    """The text without its key, which some scripts have behind it."""
+    """The text without its access key, which follows it in some scripts."""
     return re.sub(r"\(&\w\)|&", "", text).strip()
 
 
-# Terms that a page's texts have in common: their translations share a part of this many letters, whatever the case.
+# Terms that occur in several texts of a page: their translations share a part of this many letters, ignoring case.
 TERMS = ("clipboard", "conversation", "globe", "icon", "notes", "waypoint")
 SCRIPTS = {"CH": 1, "JP": 2, "KO": 1, "HI": 3, "AR": 3}
 
@@ -111,7 +111,7 @@ def share_a_part(texts, letters):
 
 
 def check_terms(script, texts, english, errors):
-    """On one page, what English says once is said in one way, and what it says in two ways is told apart."""
+    """On each page, equal English texts have equal translations, and different ones have different translations."""
     pages = {}
     for name, text in texts.items():
         if page := key_places(name):
@@ -120,17 +120,17 @@ def check_terms(script, texts, english, errors):
         said, labels = {}, {}
         for original, text in pairs:
             if said.setdefault(original, text) != text:
-                errors.append(f"{script}: on the {page} {original} is {said[original]} and {text}")
+                errors.append(f"{script}: on the {page} {original} is translated as {said[original]} and {text}")
             if labels.setdefault(text, original) != original:
-                errors.append(f"{script}: on the {page} {labels[text]} and {original} are both {text}")
+                errors.append(f"{script}: on the {page} {labels[text]} and {original} are both translated as {text}")
         for term in TERMS:
             said_as = [text for original, text in pairs if re.search(rf"\b{term}", original.casefold())]
             if len(said_as) > 1 and not share_a_part(said_as, SCRIPTS.get(script[:2], 4)):
-                errors.append(f"{script}: on the {page} {term} is said in several ways: {' | '.join(said_as)}")
+                errors.append(f"{script}: on the {page} {term} has several translations: {' | '.join(said_as)}")
 
 
 LEFT_TO_RIGHT = "\u200e"
-# What is read from left to right as a whole: a value put in, numbers with a sign between them, a word with one before.
+# Left-to-right units: a placeholder, numbers with a sign between them, a word with one before.
 DIRECTED = re.compile(r"(?:%s|%d|\d+)(?:\s*[×,]\s*|  )(?:%s|%d|\d+)|%s|\$\w+|[A-Za-z]+-\d+")
 FULL_WIDTH = re.compile(r"[:;?!]|(?<=[\u3040-\u9fff]),|,(?=[\u3040-\u9fff])")
 
@@ -148,7 +148,7 @@ def check_script(script, texts, errors):
 
 
 def check_english(english, all_texts, errors):
-    """A text that most languages have in the same words as English was not translated; names like x1 are."""
+    """Reports texts that most languages leave in English. Texts without words, such as x1, are exempt."""
     for name, text in english.items():
         words = re.findall(r"[^\W\d_]{3,}", VALUE.sub("", text.replace("&", "").replace("\\n", " ")))
         same = [code for code, texts in all_texts.items() if plain(texts.get(name, "")) == plain(text)]
@@ -157,7 +157,7 @@ def check_english(english, all_texts, errors):
 
 
 def check_help(errors):
-    """Each page has a topic of its name in every help file, which F1 opens."""
+    """Every help file has a topic for each page, which F1 opens."""
     pages = re.findall(r'\{"([\w-]+)", L"PAGE_', (ROOT / "gallery" / "pages.cpp").read_text(encoding="utf-8"))
     for project in sorted((ROOT / "resources" / "help").glob("*/help.hhp")):
         listed = project.read_text(encoding="utf-8") + project.with_suffix(".hhc").read_text(encoding="utf-8")
@@ -167,7 +167,7 @@ def check_help(errors):
 
 
 def check(script, texts, english, errors):
-    # What a language lacks is shown in English, with its key.
+    # Missing texts are shown in English, with their access key.
     check_keys(script.name, english | texts, errors)
     check_terms(script.name, texts, english, errors)
     check_script(script.name, texts, errors)
@@ -175,14 +175,14 @@ def check(script, texts, english, errors):
         if name not in english:
             errors.append(f"{script.name}: {name} is not among the English texts")
         elif values(text) != values(english[name]):
-            errors.append(f"{script.name}: {name} takes {values(text)}, in English {values(english[name])}")
+            errors.append(f"{script.name}: {name} has the placeholders {values(text)}, in English {values(english[name])}")
     return [name for name in english if name not in texts]
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
-    parser.add_argument("--gaps", action="store_true", help="list what each language lacks")
-    parser.add_argument("--complete", action="store_true", help="fail when a language lacks a text")
+    parser.add_argument("--gaps", action="store_true", help="list the missing texts of each language")
+    parser.add_argument("--complete", action="store_true", help="fail when a text is missing")
     options = parser.parse_args()
 
     english, errors, all_texts = english_texts(), [], {}
@@ -193,7 +193,7 @@ def main():
         print(f"{script.name}: {len(english) - len(gaps)} of {len(english)} texts")
         if options.gaps or options.complete:
             for name in gaps:
-                print(f"  lacks {name}: {english[name]}")
+                print(f"  missing: {name}: {english[name]}")
         if options.complete and gaps:
             errors.append(f"{script.name}: {len(gaps)} texts are missing")
     check_english(english, all_texts, errors)

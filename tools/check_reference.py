@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
-"""Keeps README.md and docs/reference as the library is, and the links of all documents alive.
+"""Checks or updates the parts of README.md and docs/reference that are copied from the tree, and checks the links of all
+documents.
 
-    check_reference.py HEADER...     checks, and wants every header given on a page
-    check_reference.py --refresh     writes anew what pages take from the tree
+    check_reference.py HEADER...     checks that the pages are up to date and document every given header
+    check_reference.py --refresh     updates the pages
 
-A page begins with what people write: what the thing is for, its "Headers:", and examples, each of which is, word for
-word, a part of the file it names. Its section "Interface" is made from the headers it names (tools/header_pages.py).
+A page begins with handwritten text: a description, a list "Headers:", and examples, each a literal copy from the file that
+it names. The section "Interface" is generated from the headers (tools/header_pages.py).
 """
 import re
 import sys
@@ -42,11 +43,11 @@ def check_links(page: Path, text: str) -> list[str]:
             faults.append(f"{page.relative_to(ROOT)}: {link} does not exist")
         elif anchor and anchor not in anchors(target.read_text(encoding="utf-8")):
             faults.append(f"{page.relative_to(ROOT)}: {link} has no such heading")
-    if page.name == "CHANGELOG.md":  # names what is gone as well
+    if page.name == "CHANGELOG.md":  # mentions removed files, too
         return faults
     for name in FILE.findall(without_examples(text)):
         if not (ROOT / name).exists() and not (ROOT / f"{name}.in").exists():
-            faults.append(f"{page.relative_to(ROOT)}: there is no file {name}")
+            faults.append(f"{page.relative_to(ROOT)}: {name} does not exist")
     return faults
 
 
@@ -55,8 +56,8 @@ def headers_of(text: str) -> list[str]:
 
 
 def example_now(found: re.Match) -> str:
-    """The example as its file has it now: the whole file when it begins as the file does, otherwise the function of the
-    same head, with the comment above it."""
+    """The example's current text in its file: the whole file if the example begins like the file, otherwise the function
+    with the same first line, and the comment above it."""
     source, example = found.groups()
     text = (ROOT / source).read_text(encoding="utf-8")
     lines = text.splitlines()
@@ -64,7 +65,7 @@ def example_now(found: re.Match) -> str:
         return found.group().replace(example, text)
     head = next(line for line in example.splitlines() if not line.startswith("//"))
     if head not in lines:
-        sys.exit(f"{source} has no function that begins with {head!r}; give its page the first line it has now")
+        sys.exit(f"{source} has no function that begins with {head!r}; update the first line of the example on its page")
     first = lines.index(head)
     last = lines.index("}", first)
     while lines[first - 1].startswith("//"):
@@ -73,13 +74,13 @@ def example_now(found: re.Match) -> str:
 
 
 def header_text(name: str) -> str:
-    """Of a header that the build makes, its template."""
+    """A header's text; for a generated header, its template's."""
     path = ROOT / name
     return (path if path.exists() else path.with_suffix(".h.in")).read_text(encoding="utf-8")
 
 
 def linked(text: str, page: Path, places: dict[str, Path]) -> str:
-    """The names of headers in prose lead to their sections."""
+    """Links names of headers in prose to their sections."""
     def link(found: re.Match) -> str:
         name = found.group()
         place = places.get(name)
@@ -114,10 +115,12 @@ def main() -> int:
                if refreshed(page, text, places) != text]
     wanted = {Path(header).resolve().relative_to(ROOT).as_posix() for header in sys.argv[1:]}
     faults += [f"no page names {name} among its headers" for name in sorted(wanted - places.keys())]
-    documents = [*ROOT.glob("*.md"), *(ROOT / "docs").rglob("*.md"), *(ROOT / "samples").rglob("*.md")]
+    documents = [*ROOT.glob("*.md")]
+    for folder in ("docs", "samples", "resources"):
+        documents += (ROOT / folder).rglob("*.md")
     for document in documents:
         faults += check_links(document, document.read_text(encoding="utf-8"))
-    print("\n".join(faults) or f"{len(pages)} pages agree with {len(wanted)} headers, all links lead somewhere")
+    print("\n".join(faults) or f"{len(pages)} pages are up to date with {len(wanted)} headers, all links work")
     return 1 if faults else 0
 
 

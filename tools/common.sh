@@ -1,26 +1,26 @@
 # Shared by the scripts in this folder: paths, messages, and the Wine environment that every step runs in.
-# Source it; it defines and changes nothing on the machine.
+# Source it; it changes nothing on the machine.
 
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_dir=$root/build
-# A test may have another desktop than the first; KV_DESKTOP says which.
+# KV_DESKTOP is the suffix of the desktop's prefix; tests run on several desktops.
 export WINEPREFIX=$build_dir/wine${KV_DESKTOP:-}
 export WINEARCH=win32
-# No debugger on a crash (the process ends with an error code instead of hanging) and no offers to download add-ons.
+# No debugger on a crash (the process ends with an error code instead of hanging), and no prompts to download add-ons.
 export WINEDLLOVERRIDES="winedbg.exe=d;mscoree,mshtml="
-# File names may have any character; in a locale that knows ASCII only, Wine could not make such files.
+# File names may contain any character; in an ASCII locale, Wine could not create such files.
 export LC_ALL=C.UTF-8
 export WINEDEBUG=${WINEDEBUG:--all}
 
 say() { printf '%s\n' "$*" >&2; }
 die() { printf '%s: %s\n' "$(basename "$0")" "$*" >&2; exit 1; }
 
-# The comment that a script begins with is its help.
+# A script's first comment is its help.
 case ${1:-} in -h | --help ) sed -n '2,${/^#/!q;s/^# \{0,1\}//p}' "$0"; exit ;; esac
 
-# Runs a step quietly; what it printed is shown only when it fails, with one line that says what to do.
+# Runs a step and shows its output only when it fails, with the path of the log.
 quietly() {
   local what=$1 log
   shift
@@ -33,7 +33,7 @@ quietly() {
   fi
 }
 
-# Starts a virtual display of its own and points DISPLAY at it; ends with the calling script.
+# Starts a virtual display and sets DISPLAY; stop_display ends it.
 start_display() {
   local geometry=${1:-1280x1024x24} number_file=$build_dir/display.$BASHPID
   mkdir -p "$build_dir"
@@ -44,22 +44,22 @@ start_display() {
     [ -s "$number_file" ] && break
     sleep 0.05
   done
-  [ -s "$number_file" ] || die "the virtual display did not start; is the package xvfb whole?"
+  [ -s "$number_file" ] || die "the virtual display did not start; is the package xvfb installed?"
   DISPLAY=:$(cat "$number_file")
   export DISPLAY
   rm -f "$number_file"
 }
 
-# Lets every Wine program of the prefix run on one desktop window of this size, which draws captions and lets windows be
-# moved and sized with no window manager about; without a size each window is on its own, as a person wants it.
+# Makes all Wine programs of the prefix run on one desktop window of this size, which draws captions and allows moving and
+# resizing without a window manager. Without a size, each window is a top-level window of the display.
 use_wine_desktop() {
   local size=${1:-} key='HKCU\Software\Wine\Explorer'
   if [ -n "$size" ]; then
     wine reg add "$key" /v Desktop /d Bench /f >/dev/null 2>&1
     wine reg add "$key\Desktops" /v Bench /d "$size" /f >/dev/null 2>&1
-    # The desktop stands before anything uses it: whatever program opened it would stay tied to it by its output. An idle
-    # program then keeps it open as long as this script runs, or it would close behind the last program and take the next
-    # one, just starting, with it.
+    # Start the desktop before any program uses it: otherwise the first program would start it, and it would inherit that
+    # program's output. An idle program keeps it open as long as this script runs: otherwise it would close after the last
+    # program, together with the next one that is just starting.
     wine explorer "/desktop=Bench,$size" >/dev/null 2>&1 &
     timeout 60 xdotool search --sync --name 'Wine desktop' >/dev/null 2>&1 || die "the Wine desktop did not start"
     exec {desktop_holder}> >(wine cmd >/dev/null 2>&1)

@@ -1,8 +1,8 @@
-"""Turns a public header into the Markdown of its section in the reference.
+"""Converts a public header to Markdown for the reference.
 
-A header is read as this tree writes it: a comment on top, then groups of declarations parted by blank lines, each
-with one comment above it. A group becomes a section: constants and plain records as tables, everything else as the
-code that it is. A comment that no declaration follows stands above the sections that come after it.
+A header begins with a comment. Blank lines separate groups of declarations, each with one comment above it. A group
+becomes a section: constants and plain structs become tables, everything else remains code. A comment that is followed by a
+blank line applies to the sections below it.
 """
 import re
 import textwrap
@@ -17,14 +17,14 @@ def escaped(text: str) -> str:
 
 
 def paragraph(lines: list[str], indent: str = "") -> str:
-    """Prose, wrapped anew; what would begin a list or a heading only because of the new break is escaped."""
+    """Prose, wrapped again; escapes text that a new line break would turn into a list item or a heading."""
     text = textwrap.wrap(escaped(" ".join(line.strip() for line in lines)), WIDTH - len(indent), break_on_hyphens=False)
     text = [re.sub(r"^(\d+)([.)]\s)", r"\1\\\2", re.sub(r"^([-+*#>=]+ )", r"\\\1", line)) for line in text]
     return ("\n" + indent).join(text)
 
 
 def table(head: list[str], rows: list[list[str]]) -> str:
-    """A table without the columns that have nothing to say."""
+    """A table without its empty columns."""
     used = [column for column in range(len(head)) if any(row[column] for row in rows)]
     lines = [[head[column] for column in used], ["---"] * len(used)]
     lines += [[row[column].replace("|", "\\|") for column in used] for row in rows]
@@ -36,7 +36,7 @@ def code(lines: list[str], language: str = "cpp") -> str:
 
 
 def aligned_rows(lines: list[str]) -> list[list[str]] | None:
-    """The rows of an aligned block of two columns, wrapped cells joined; None when it is not exactly that."""
+    """The rows of an aligned block of two columns, with wrapped cells joined; None for any other block."""
     lines = textwrap.dedent("\n".join(lines)).splitlines()
     first = re.match(r"\S.*?  +(?=\S)", lines[0])
     if not first:
@@ -67,7 +67,7 @@ def listed(lines: list[str]) -> str:
 
 
 def block(lines: list[str]) -> list[str]:
-    """One block of a comment: prose, then perhaps what is indented or aligned, then perhaps prose again."""
+    """One block of a comment: prose, optionally an indented or aligned part, optionally prose again."""
     special = [i for i, line in enumerate(lines) if line.startswith(" ") or re.search(r"\S {2,}\S", line)]
     if not special:
         return [paragraph(lines)]
@@ -83,7 +83,7 @@ def block(lines: list[str]) -> list[str]:
 
 
 def prose(comment: list[str]) -> str:
-    """A comment without its slashes, as Markdown."""
+    """A comment without slashes, as Markdown."""
     blocks: list[list[str]] = [[]]
     for line in comment:
         if line:
@@ -95,7 +95,7 @@ def prose(comment: list[str]) -> str:
 
 
 def split_comment(line: str) -> tuple[str, str, str]:
-    """Code, the slashes, and the comment behind it; slashes within quotes are none."""
+    """Code, slashes and comment of a line; slashes within quotes begin no comment."""
     found = re.match(r'((?:"(?:\\.|[^"\\])*"|[^"/]|/(?!/))*)(//)?(.*)', line)
     return found.group(1), found.group(2) or "", found.group(3)
 
@@ -110,7 +110,7 @@ def depth_of(line: str) -> int:
 
 
 def parted(lines: list[str]) -> list[list[str]]:
-    """The groups: what blank lines part outside of braces."""
+    """The groups: parts separated by blank lines outside of braces."""
     groups: list[list[str]] = [[]]
     depth = 0
     for line in lines:
@@ -123,7 +123,7 @@ def parted(lines: list[str]) -> list[list[str]]:
 
 
 def statements(lines: list[str]) -> list[list[str]]:
-    """Each declaration with the comments above and behind it; `lines` are at one level of braces."""
+    """Each declaration with its comments above and after it; `lines` are at one level of braces."""
     found: list[list[str]] = [[]]
     depth = 0
     for line in lines:
@@ -137,7 +137,7 @@ def statements(lines: list[str]) -> list[list[str]]:
 
 
 def taken_apart(statement: list[str]) -> tuple[list[str], str, str]:
-    """The comment above a declaration, the declaration as one line, and the comment behind it."""
+    """The comment above a declaration, the declaration as one line, and the comment after it."""
     above: list[str] = []
     text, behind = [], []
     for line in statement:
@@ -200,7 +200,7 @@ def enum_rows(statement: list[str]) -> list[list[str]]:
 
 
 def record(statement: list[str], sizes: dict[str, str]) -> str:
-    """A plain record as a table of its fields; one with functions as the code of its public part."""
+    """A plain struct as a table of its fields; one with functions as the code of its public part."""
     head = next(line for line in statement if re.match(r"(struct|class) ", line))
     inner = statement[statement.index(head) + 1 : -1]
     members = statements(inner)
@@ -242,7 +242,7 @@ def names_in(statement: list[str]) -> list[str]:
 
 
 def group_text(group: list[str], sizes: dict[str, str]) -> str:
-    """One group: its comment, then its declarations in their order."""
+    """One group: its comment, then its declarations in order."""
     lines = list(group)
     above = []
     while lines and lines[0].startswith("//"):
@@ -304,7 +304,7 @@ def group_text(group: list[str], sizes: dict[str, str]) -> str:
 
 
 def header_section(name: str, text: str) -> str:
-    """The whole section of the header `name`, whose content is `text`."""
+    """The section of the header `name` with content `text`."""
     intro, _, rest = text.partition("#pragma once")
     sizes = dict(re.findall(r"sizeof\((\w+)\) == (\d+)", rest))
     rest = re.sub(r"^#.*\n", "", rest, flags=re.MULTILINE)

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building, running and testing need, with --lint those that ./lint needs as well, with
-# --host those that tools/sanitize needs. Does nothing, quickly, when all are there.
+# Installs the Debian packages for building, running and testing; with --lint also those for ./lint, with --host also those
+# for tools/sanitize. Returns quickly when all are installed.
 source "$(dirname "$0")/common.sh"
 
 packages=(
-  cmake ninja-build g++-mingw-w64-i686-posix googletest  # tool chain and test library
-  wine wine64 wine32:i386                                # runs what was built
+  cmake ninja-build g++-mingw-w64-i686-posix googletest  # toolchain and test library
+  wine wine64 wine32:i386                                # runs the programs
   xvfb xdotool imagemagick x11-utils                     # display, mouse, screenshots
   socat                                                  # pseudo-terminal pairs as serial lines
   fp-utils                                               # chmcmd, the help compiler
@@ -13,15 +13,15 @@ packages=(
   cmark-gfm                                              # the package's pages
   fonts-dejavu-core fonts-liberation fonts-wine          # text in the windows
   fonts-wqy-microhei fonts-lohit-deva                    # Chinese, Japanese, Korean; Hindi
-  fontforge-nox                                          # joins faces, for Arabic and Hindi
+  fontforge-nox                                          # merges fonts, for Arabic and Hindi
 )
 
-# One version of the tools, so that all machines find the same; Debian 12 and 13 both have it.
+# One version of the tools, so that findings are the same on all machines; Debian 12 and 13 both have it.
 if [ "${1:-}" = --lint ]; then
   packages+=(git clang-19 clang-format-19 clang-tidy-19 llvm-19 cppcheck shellcheck flake8)
 fi
 
-# Another compiler for this machine, with its sanitizers, and Windows' types.
+# The compiler for this machine with its sanitizers, and headers with Windows' types.
 if [ "${1:-}" = --host ]; then
   packages+=(g++-multilib libwine-dev gcovr locales)
 fi
@@ -37,13 +37,13 @@ missing() {
 mapfile -t wanted < <(missing)
 [ ${#wanted[@]} -eq 0 ] && exit 0
 
-command -v apt-get >/dev/null || die "this machine has no apt-get; install by hand: ${wanted[*]}"
+command -v apt-get >/dev/null || die "apt-get not found; install these packages by hand: ${wanted[*]}"
 if [ "$(id -u)" -eq 0 ]; then
   as_root=()
 elif command -v sudo >/dev/null; then
   as_root=(sudo)
 else
-  die "packages are missing and neither root nor sudo is at hand; install as root: ${wanted[*]}"
+  die "packages are missing, and this is neither root nor is sudo installed; install as root: ${wanted[*]}"
 fi
 
 dpkg --print-foreign-architectures | grep -qx i386 || "${as_root[@]}" dpkg --add-architecture i386 ||
@@ -52,11 +52,11 @@ dpkg --print-foreign-architectures | grep -qx i386 || "${as_root[@]}" dpkg --add
 export DEBIAN_FRONTEND=noninteractive
 install_with() { "${as_root[@]}" apt-get "$@" install -y --no-install-recommends "${wanted[@]}"; }
 
-# A stale index is worse than a partly refreshed one, so a failed update is not yet the end: the install decides.
-update() { "${as_root[@]}" apt-get update || say "apt-get update reported errors; trying with what it fetched"; }
+# A failed update is not fatal, because a partly refreshed index may suffice: the install decides.
+update() { "${as_root[@]}" apt-get update || say "apt-get update reported errors; continuing"; }
 
-# When the i386 index of the security suite is broken, amd64 and i386 versions of shared libraries differ and nothing
-# installs. Lowering that suite for this one call, in a preferences file of our own, gives both the same version.
+# When the i386 index of the security suite is broken, amd64 and i386 versions of shared libraries differ and nothing can be
+# installed. A temporary preferences file that lowers the priority of that suite gives both the same version.
 install_without_security_suite() {
   local preferences
   preferences=$(mktemp)

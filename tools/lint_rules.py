@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""The rules of this house that no other tool knows: who may include whom, how long a file may be, words that do not
-belong here. The length of a function is clang-tidy's (readability-function-size).
+"""Checks the rules of this project that no other tool checks: includes between folders, file sizes, and forbidden words.
+clang-tidy checks the size of functions (readability-function-size).
 
 Usage: tools/lint_rules.py FILE...   prints one line per finding and ends with 1 if there are any."""
 import re
@@ -9,7 +9,7 @@ from pathlib import Path
 
 LONGEST_FILE = 500
 
-# A folder may include itself and what stands here. Tests and benchmarks may include everything.
+# A folder may include itself and the folders listed here. Tests and benchmarks may include everything.
 MAY_INCLUDE = {
     "framework": set(),
     "controls": {"framework"},
@@ -29,8 +29,8 @@ MAY_INCLUDE["camera"] = LIBRARY | {"app"}
 MAY_INCLUDE["camtool"] = LIBRARY | {"app", "camera"}
 MAY_INCLUDE["camview"] = LIBRARY | {"toolkit", "kv.h", "app", "camera"}
 
-# Marks of unfinished work, invented history, and machines or papers that a reader of this tree does not have. Written
-# in pieces, so that this file does not find itself.
+# Marks of unfinished work, invented history, and machines or papers that a reader of this tree does not have. Split, so
+# that this file does not match.
 WORDS = re.compile("|".join([
     r"\bTO" r"DO\b", r"\bFIX" r"ME\b", r"\bX" r"XX\b", r"\bHA" r"CK\b",
     r"\bolder " r"builds?\b", r"\bfor the day " r"when\b",
@@ -40,7 +40,7 @@ TEXT = {".cpp", ".h", ".rc", ".py", ".sh", ".md", ".cmake", ".txt", ".yml", ".js
 
 
 def top_of(path):
-    """The first name of a path: its folder, or the file itself at the root."""
+    """The first component of a path: a folder, or a file in the root."""
     return path.split("/", 1)[0]
 
 

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Makes the ZIP that people unpack, with the sums of what is in it. The same content gives the same bytes.
+"""Makes the ZIP for distribution, with checksums of its files. The same content gives the same bytes.
 
     make_package.py NAME.zip PLACE=FOLDER...
 
-The files of each FOLDER go into the archive under NAME/PLACE ("." is NAME itself). Every file carries one time: that of
-SOURCE_DATE_EPOCH, else that of the last commit, else the first one that a ZIP can hold. Beside NAME.zip stands
-NAME.zip.sha256, and inside it SHA256SUMS.txt; both are read by `sha256sum --check`.
+The files of each FOLDER go into the archive under NAME/PLACE ("." is NAME itself). All files have the same time:
+SOURCE_DATE_EPOCH, or the time of the last commit, or the earliest time of a ZIP. Also writes NAME.zip.sha256, and
+SHA256SUMS.txt into the archive; `sha256sum --check` reads both.
 """
 import hashlib
 import os
@@ -44,7 +44,7 @@ def write_zip(path: Path, files: dict[str, bytes]) -> None:
     with zipfile.ZipFile(path, "w") as archive:
         for name in sorted(files):
             info = zipfile.ZipInfo(f"{path.stem}/{name}", when)
-            info.create_system = 0  # attributes of DOS: a ZIP for Windows carries no rights of the machine that made it
+            info.create_system = 0  # DOS attributes: no Unix permissions in a ZIP for Windows
             info.compress_type = zipfile.ZIP_DEFLATED
             archive.writestr(info, files[name], compresslevel=9)
 

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Turns the documents into the HTML pages of the package.
+"""Converts the documents to the HTML pages of the package.
 
     make_pages.py FOLDER VERSION
 
-README.md becomes FOLDER/index.html; the other pages and all images keep their place below it. Links to headers, samples
-and the licence lead to where the package has them; a link to anything else that the package lacks becomes plain text.
-An image that is missing ends the run. cmark-gfm converts, and the same documents give the same bytes.
+README.md becomes FOLDER/index.html; the other pages and all images keep their relative paths. Links to headers, samples
+and the licence are changed to their paths in the package; a link to a file that is not in the package becomes plain text.
+A missing image is an error. Uses cmark-gfm; the same documents give the same bytes.
 """
 import posixpath
 import re
@@ -24,13 +24,13 @@ MENU = {
     "Reference": "docs/reference/index.md",
     "Samples": "samples/README.md",
 }
-# What the package has outside of its pages, seen from the folder of the pages.
+# Files of the package outside of its pages, relative to the folder of the pages.
 ELSEWHERE = {"LICENSE": "../LICENSE.txt", "CHANGELOG.md": "../CHANGELOG.txt"}
 HEADER = re.compile(r"(?:kv|resource|(?:framework|controls|lists|views3d|capture|export|toolkit)/.*)\.h")
 
 
 def slug(heading: str) -> str:
-    """What a heading can be linked by: lower case, blanks as dashes, without punctuation."""
+    """A heading's anchor: lower case, blanks as dashes, without punctuation."""
     return re.sub(r"[^\w\- ]", "", heading.lower()).replace(" ", "-")
 
 
@@ -40,7 +40,7 @@ def documents() -> list[str]:
 
 
 def place_of(source: str) -> str:
-    """Where a page or an image of the tree stands in the folder of the pages."""
+    """The path of a page or an image of the tree in the folder of the pages."""
     if source == "README.md":
         return "index.html"
     place = source.removeprefix("docs/").replace("README.md", "index.md")
@@ -48,7 +48,7 @@ def place_of(source: str) -> str:
 
 
 def target_of(source: str, pages: list[str]) -> str | None:
-    """Where a link to a file of the tree leads, seen from the folder of the pages; None when the package lacks it."""
+    """The target of a link to a file of the tree, relative to the folder of the pages; None when it is not in the package."""
     if source in pages or source.endswith(".png"):
         return place_of(source)
     if source in ELSEWHERE:

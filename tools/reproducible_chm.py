@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Takes the time of its compilation out of a help file, so that the same sources give the same bytes.
+"""Removes the time of compilation from a help file, so that the same sources give the same bytes.
 
-The time stands in two places: in the file's header (as what readers use to tell two versions apart), and in the first
-entry of the #SYSTEM table. Both become a number made from the rest of the file.
+The time is in the file's header, where readers use it to distinguish versions, and in the first entry of the #SYSTEM
+table. Both are replaced by a checksum of the rest of the file.
 """
 import sys
 import zlib
@@ -16,7 +16,7 @@ def main() -> int:
     with open(path, "rb") as file:
         data = bytearray(file.read())
     if data[:4] != b"ITSF" or data.count(SYSTEM_START) != 1:
-        print(f"reproducible_chm.py: {path} is no help file of the kind that chmcmd writes", file=sys.stderr)
+        print(f"reproducible_chm.py: {path} is not a help file written by chmcmd", file=sys.stderr)
         return 1
     at = data.index(SYSTEM_START) + len(SYSTEM_START)
     data[HEADER_TIME] = data[at : at + 4] = bytes(4)

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Takes a picture of each sample's window at several sizes, and of the panel in German and Arabic, into a folder (build/samples).
-# With --docs, one picture of each goes into docs/ instead.
+# Takes screenshots of each sample's window at several sizes, and of the panel in German and Arabic, in build/samples.
+# With --docs, takes one screenshot of each, in docs/.
 source "$(dirname "$0")/common.sh"
 
 shots=$build_dir/samples
@@ -23,7 +23,7 @@ trap finish EXIT
 
 readonly left=40 top=40
 
-# A window opens where it is remembered to have been.
+# Stores the position at which a window will open.
 remember() {
   local position=$1 width=$2 height=$3
   wine reg add 'HKCU\Software\korvel\WindowPositions' /v "$position" /f \
@@ -32,7 +32,7 @@ remember() {
 
 colours() { identify -format %k "$1" 2>/dev/null || echo 0; }
 
-# take SAMPLE POSITION WIDTH HEIGHT NAME: the picture of the sample's window once it shows something.
+# take SAMPLE POSITION WIDTH HEIGHT NAME: a screenshot of the sample's window when it is drawn.
 take() {
   local sample=$1 position=$2 width=$3 height=$4 shot=$shots/$5.png pid seen=0
   remember "$position" "$width" "$height"
@@ -47,7 +47,7 @@ take() {
   kill "$pid" 2>/dev/null || true
   wait "$pid" 2>/dev/null || true
   [ "$seen" -ge 5 ] || die "$sample showed no window"
-  say "picture: ${shot#"$root"/}"
+  say "screenshot: ${shot#"$root"/}"
 }
 
 speak() {

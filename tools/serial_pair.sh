@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Plugs in and unplugs serial lines made of pseudo-terminal pairs.
+# Creates and removes serial lines made of pseudo-terminal pairs.
 #
-#   serial_pair.sh plug COMA COMB     makes a line between two COM ports of the Wine prefix (names in lower case: com3 com4)
-#   serial_pair.sh unplug COMA        takes that line away, also under a program that is using it
+#   serial_pair.sh plug COMA COMB     creates a line between two COM ports of the Wine prefix (names in lower case: com3 com4)
+#   serial_pair.sh unplug COMA        removes that line, even while a program uses it
 #   serial_pair.sh unplug-all
 source "$(dirname "$0")/common.sh"
 
-# Marker files have names that no Windows program takes for a port ("com3.pid" is one).
+# Marker files are named so that Windows programs do not take them for a port ("com3.pid" is one).
 state_dir=$build_dir/serial${KV_DESKTOP:-}
 devices=$WINEPREFIX/dosdevices
 
@@ -14,13 +14,13 @@ unplug() {
   local port=$1
   [ -f "$state_dir/line-$port.pid" ] || return 0
   kill "$(cat "$state_dir/line-$port.pid")" 2>/dev/null || true
-  # socat takes its links away when it ends; its process id may linger until somebody collects it.
+  # socat removes its links when it ends; its process id may remain as a zombie.
   for _ in $(seq 200); do
     [ -L "$state_dir/$port.tty" ] || break
     sleep 0.01
   done
   rm -f "$devices/$port" "$devices/$(cat "$state_dir/line-$port.other")" "$state_dir/line-$port.other"
-  # Last: whoever waits for the end watches this file.
+  # Last: programs that wait for the removal watch this file.
   rm -f "$state_dir/line-$port.pid"
 }
 
@@ -36,10 +36,10 @@ plug() {
     [ -e "$state_dir/$port.tty" ] && [ -e "$state_dir/$other.tty" ] && break
     sleep 0.01
   done
-  [ -e "$state_dir/$other.tty" ] || die "socat made no pseudo-terminals for $port and $other"
+  [ -e "$state_dir/$other.tty" ] || die "socat created no pseudo-terminals for $port and $other"
   ln -sfn "$state_dir/$port.tty" "$devices/$port"
   ln -sfn "$state_dir/$other.tty" "$devices/$other"
-  # Last: this file says that the line is there.
+  # Last: this file shows that the line exists.
   mv "$state_dir/line-$port.new" "$state_dir/line-$port.pid"
 }
 

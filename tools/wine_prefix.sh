@@ -1,24 +1,24 @@
 #!/usr/bin/env bash
-# Makes the Wine prefix under build/ on first use: 32-bit, with the fonts that the windows name. A prefix that stands gets
-# its fonts and settings anew whenever this script has changed.
+# Creates the Wine prefix under build/ on first use: 32-bit, with the fonts that the programs use. When this script has
+# changed, it updates fonts and settings of an existing prefix.
 source "$(dirname "$0")/common.sh"
 
 ready=$WINEPREFIX/.tarnwick-ready
 version=$(cksum <"$0")
 [ "$(cat "$ready" 2>/dev/null)" = "$version" ] && exit 0
 
-# Programs that still run would keep the fonts that they started with.
+# Running programs would keep their old fonts.
 stop_wine
 
 make_prefix() {
   rm -rf "$WINEPREFIX"
   mkdir -p "$WINEPREFIX"
-  # No window is shown while the prefix is made, so no display is needed.
+  # No window is shown, so no display is needed.
   env -u DISPLAY wineboot --init
 }
 
-# Wine as Debian packages it does not find its own fonts: without them every face becomes the same substitute, dialog units
-# come out too small, and captions show letters where their buttons should be.
+# Debian's Wine does not find its own fonts: without them every font is replaced by the same one, dialog units are too small,
+# and captions show letters instead of buttons.
 copy_fonts() {
   local font target=$WINEPREFIX/drive_c/windows/Fonts
   mkdir -p "$target"
@@ -27,8 +27,8 @@ copy_fonts() {
   done
 }
 
-# Wine shapes Arabic and Devanagari only when the face itself has them, as Windows' Arial and Arial Unicode MS do. So this
-# makes such a face: Liberation Sans, with Arabic and the marks of direction from DejaVu Sans, and Devanagari from Lohit.
+# Wine shapes Arabic and Devanagari only if the font itself contains them, as Windows' Arial and Arial Unicode MS do.
+# Therefore this merges a font: Liberation Sans, Arabic and direction marks from DejaVu Sans, and Devanagari from Lohit.
 make_face() {
   local style=$1 arabic=$2 fonts=/usr/share/fonts/truetype work
   work=$(mktemp -d)
@@ -45,12 +45,12 @@ make_face() {
   rm -r "$work"
 }
 
-# A list of texts as a registry script has it: their bytes in hexadecimal.
+# A REG_MULTI_SZ value for a registry script: bytes in hexadecimal.
 multi_text() { printf '%s\0' "$@" '' | od -An -v -tx1 | tr -s ' \n' ',' | sed 's/^,/hex(7):/; s/,$//'; }
 
-# Faces that no package brings become their nearest kin; scripts that a face lacks come from the fonts linked to it.
-# Wine draws common controls in a visual style whether a manifest asks for it or not, and not in the system's colours. The
-# programs ask for none (docs/decisions/no-themes.md), so Windows shows them the classic controls; so does this prefix.
+# Fonts that no package provides are replaced by similar ones; scripts that a font lacks come from the fonts linked to it.
+# Wine themes common controls even if no manifest requests it, and ignores the system's colours. The programs request no
+# themes (docs/decisions/no-themes.md), so Windows draws classic controls; this prefix does, too.
 settings() {
   local face links
   links=$(multi_text 'LiberationSans-Regular.ttf,Liberation Sans' 'DejaVuSans.ttf,DejaVu Sans' \
@@ -69,7 +69,7 @@ REGEDIT4
 
 [HKEY_LOCAL_MACHINE\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink]
 END
-  # A bold face is looked up under a name of its own.
+  # Bold fonts are looked up under separate names.
   for face in 'Tahoma' 'Tahoma Bold' 'MS Sans Serif' 'Microsoft Sans Serif' 'System' 'Liberation Sans' \
     'Liberation Sans Bold' 'Test Bed Sans' 'Test Bed Sans Bold' 'Arial' 'Arial Unicode MS'; do
     printf '"%s"=%s\n' "$face" "$links"
@@ -81,6 +81,6 @@ give_settings() {
     settings >"$build_dir/settings.reg" && env -u DISPLAY wine reg import "$build_dir/settings.reg" && stop_wine
 }
 
-[ -f "$ready" ] || quietly "making the Wine prefix" make_prefix
-quietly "giving the Wine prefix its fonts and settings" give_settings
+[ -f "$ready" ] || quietly "creating the Wine prefix" make_prefix
+quietly "installing fonts and settings of the Wine prefix" give_settings
 printf '%s\n' "$version" >"$ready"

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""What a user would write instead of Tarnwick in ten minutes: a canvas that shows the points 20 times a second.
+"""A minimal alternative to Tarnwick: a canvas that shows the points 20 times a second.
 
 canvas_viewer.py SERIAL_DEVICE
 """

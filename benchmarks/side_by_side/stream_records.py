@@ -1,8 +1,8 @@
 #!/usr/bin/python3
-"""Plays a camera into a pseudo-terminal: stream_records.py LINK RECORDS_A_SECOND SECONDS
+"""Simulates a camera on a pseudo-terminal: stream_records.py LINK RECORDS_A_SECOND SECONDS
 
-Makes a pseudo-terminal, links LINK to its far end and streams records of three moving points into it. What the far end
-does not take is dropped, as on a serial line. Prints how many were sent and dropped.
+Creates a pseudo-terminal, links LINK to its far end and sends records of three moving points to it. Records that the far
+end does not read are dropped, as on a serial line. Prints the numbers of sent and dropped records.
 """
 
 import math

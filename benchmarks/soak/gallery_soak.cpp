@@ -1,4 +1,4 @@
-// The gallery under random, but seeded, real input.
+// The gallery under random input from a seed.
 #include <windows.h>
 
 #include <cstdint>
@@ -18,8 +18,8 @@ namespace {
 
 constexpr int kLanguages = 24;
 
-// A window that the gallery has opened on top of its own, a file dialog or a message, gets only what is safe: a random
-// click or Delete in a file dialog could cost somebody a file.
+// A dialog or message box of the gallery gets only safe input: a random click or Delete in a file dialog could delete a
+// user's file.
 bool DismissDialog(Soak* soak) {
   HWND dialog = soak->program->Find(L"#32770", nullptr);
   if (!dialog) return false;
@@ -40,7 +40,7 @@ bool DismissDialog(Soak* soak) {
   return true;
 }
 
-// A place of the gallery's own that the mouse can reach.
+// A point of the gallery's window that the mouse can reach.
 bool FindPoint(Soak* soak, HWND area, POINT* point) {
   RECT box{};
   GetWindowRect(area, &box);
@@ -48,7 +48,7 @@ bool FindPoint(Soak* soak, HWND area, POINT* point) {
   *point = {box.left + Below(soak, box.right - box.left), box.top + Below(soak, box.bottom - box.top)};
   DWORD id = 0;
   GetWindowThreadProcessId(WindowFromPoint(*point), &id);
-  // Not its close box, which would end the run.
+  // Except the close box, which would end the run.
   const LRESULT part = SendMessageA(soak->window, WM_NCHITTEST, 0, MAKELPARAM(point->x, point->y));
   return id == GetProcessId(soak->program->process()) && part != HTCLOSE && part != HTSYSMENU;
 }
@@ -116,7 +116,7 @@ void DoSomething(Soak* soak) {
   }
 }
 
-// Lets go of a gallery that has ended, or hangs, and says why when it should not have. Keeps the longest watch.
+// Releases a gallery that has ended or hangs, and reports an unexpected end. Keeps the longest watch.
 bool End(Soak* soak, std::unique_ptr<ProcessWatch>* longest) {
   DWORD code = 0;
   GetExitCodeProcess(soak->program->process(), &code);
@@ -150,7 +150,7 @@ int SoakGallery(double seconds, std::uint32_t seed) {
     isUp = Start(&soak, KV_GALLERY_EXE);
   }
   if (isUp) {
-    // What is still open in front of it gets its answer first.
+    // Close open dialogs first.
     for (int tries = 0; tries < 20 && DismissDialog(&soak); ++tries) Sleep(200);
     close = CloseMs(*soak.program, soak.window);
     failures += !End(&soak, &longest);

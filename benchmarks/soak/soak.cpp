@@ -1,7 +1,7 @@
-// Tarnwick and the gallery used hard, each for so long. Ends with a table for each, and with 0 when nothing crashed,
-// hung or failed to close.
+// Operates Tarnwick and the gallery with random input, each for the given time. Prints a table for each; exits with 0
+// when nothing crashed, hung or failed to close.
 //
-//   soak [SECONDS] [--seed NUMBER] [--only tool|gallery]     600 s and seed 1 if nothing else is said
+//   soak [SECONDS] [--seed NUMBER] [--only tool|gallery]     by default 600 s and seed 1
 #include "benchmarks/soak/soak.h"
 
 #include <psapi.h>
@@ -71,17 +71,17 @@ void ProcessWatch::Watch() {
 void ProcessWatch::Print() const {
   double longest[2] = {};
   for (const Sample& sample : samples_) longest[sample.mayScan] = std::max(longest[sample.mayScan], sample.responseMs);
-  std::printf("  null message, there and back  longest %.0f ms (while connecting %.0f ms)\n", longest[0], longest[1]);
+  std::printf("  response to WM_NULL           longest %.0f ms (while connecting %.0f ms)\n", longest[0], longest[1]);
   std::printf("  hangs of 10 s or more         %d\n", Hangs());
   if (samples_.size() < 3) return;
-  // The first ten seconds are the program's own warming up.
+  // The first ten seconds are warm-up.
   const auto& first = samples_[std::min<size_t>(samples_.size() / 4, 10)].held;
   const auto& middle = samples_[samples_.size() / 2].held;
   const auto& last = samples_.back().held;
   constexpr const char* kNames[] = {"private memory, KiB", "GDI objects", "USER objects", "handles"};
   for (size_t i = 0; i < std::size(kNames); ++i) {
     if (first[i] == 0 && last[i] == 0) {
-      std::printf("  %-30snot told by this system\n", kNames[i]);
+      std::printf("  %-30snot available on this system\n", kNames[i]);
     } else {
       std::printf("  %-30sstart %lu, middle %lu, end %lu\n", kNames[i], first[i], middle[i], last[i]);
     }
@@ -127,7 +127,7 @@ void PrintCounts(const Soak& soak) {
   for (const auto& [name, count] : soak.counts) std::printf("  %-30s%ld\n", name.c_str(), count);
 }
 
-// ---- The hands -----------------------------------------------------------------------------------------------------
+// ---- Input ---------------------------------------------------------------------------------------------------------
 
 void PressKey(int key, bool shift, bool control) {
   const auto send = [](int code, DWORD flags) { keybd_event(static_cast<BYTE>(code), 0, flags, 0); };
@@ -181,7 +181,7 @@ int main(int argc, char** argv) {
     }
   }
   setvbuf(stdout, nullptr, _IONBF, 0);
-  // The programs' files go there.
+  // The programs write their files there.
   const std::string folder = camera::Narrow(_wgetenv(L"TEMP")) + "\\tarnwick soak";
   CreateDirectoryA(folder.c_str(), nullptr);
   SetCurrentDirectoryA(folder.c_str());

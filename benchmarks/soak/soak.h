@@ -1,4 +1,4 @@
-// What the two soaks share: a program in a process of its own, the hands that use it, and a watch over it.
+// Shared by both soak tests: a program in a separate process, input for it, and a watch that monitors it.
 #pragma once
 
 #include <windows.h>
@@ -19,12 +19,12 @@
 namespace soak {
 
 struct Sample {
-  double responseMs;          // of a null message, there and back
-  bool mayScan;               // the main thread may have been searching the ports
-  std::array<DWORD, 4> held;  // private KiB, GDI objects, USER objects, handles; 0 where the system does not tell
+  double responseMs;          // time to respond to WM_NULL
+  bool mayScan;               // the main thread may have been scanning ports
+  std::array<DWORD, 4> held;  // private KiB, GDI objects, USER objects, handles; 0 where not available
 };
 
-// Looks at a running program from outside, once a second: does its main thread answer, how much does it hold?
+// Measures a running program once a second: the response time of its main thread, and its memory and objects.
 class ProcessWatch {
  public:
   ProcessWatch(HANDLE process, HWND window);
@@ -32,12 +32,12 @@ class ProcessWatch {
   ProcessWatch(const ProcessWatch&) = delete;
   ProcessWatch& operator=(const ProcessWatch&) = delete;
 
-  // While this is set, the main thread may take as long as a scan of the ports does.
+  // While this is set, the main thread may take as long as a port scan.
   std::atomic<bool> isConnecting{false};
-  // Answers that did not come within ten seconds while the process lived.
+  // The number of times that the running process did not respond within ten seconds.
   int Hangs() const { return hangs_; }
   void Stop();
-  // After Stop.
+  // Call these after Stop.
   const std::vector<Sample>& Samples() const { return samples_; }
   void Print() const;
 
@@ -57,26 +57,26 @@ struct Soak {
   std::unique_ptr<kvtest::RunningProgram> program;
   HWND window = nullptr;
   std::unique_ptr<ProcessWatch> watch;
-  std::map<std::string, long> counts;  // of what was done
-  std::deque<std::string> actions;     // the last ones, to find the reason of a crash
+  std::map<std::string, long> counts;  // how often each action was done
+  std::deque<std::string> actions;     // the last ones, for finding the cause of a crash
 };
 
-// Waits up to 30 s for the program's main window; null when it does not come up.
+// Waits up to 30 s for the program's main window; null when it does not appear.
 HWND WaitForWindow(const kvtest::RunningProgram& program);
-// Starts the program and its watch. False when its window does not come up.
+// Starts the program and its watch. False when its window does not appear.
 bool Start(Soak* soak, const char* path);
-// Milliseconds that it took to close with exit code 0, or -1 when it did not.
+// Closes the program. Returns the time in ms, or -1 when it did not end with exit code 0.
 long CloseMs(const kvtest::RunningProgram& program, HWND window);
 
-// A number below `end`.
+// A random number below `end`.
 int Below(Soak* soak, int end);
 void Note(Soak* soak, const char* what, POINT a = {}, POINT b = {});
 void PrintCounts(const Soak& soak);
 
 void PressKey(int key, bool shift = false, bool control = false);
-// Moves, resizes, minimises, maximises or restores the window, by what the window manager would send.
+// Moves, resizes, minimises, maximises or restores the window with the messages of a window manager.
 void MoveWindowAbout(Soak* soak);
-// Tells the window of changed colours, settings, fonts or time; now and then the colours do change.
+// Notifies the window of changed colours, settings, fonts or time; sometimes actually changes the colours.
 void ChangeSurroundings(Soak* soak);
 
 // Each prints its table and returns 0 when nothing crashed, hung or failed to close.

@@ -1,5 +1,5 @@
-// The real tool under a camera with all faults, while it is used in every way at once. The camera's records carry their
-// numbers, so that what the tool saw can be compared with what was sent.
+// The real tool with a camera that has all faults, under random input of every kind. The camera's records contain their
+// numbers, so that received records can be compared with sent ones.
 #include <windows.h>
 
 #include <algorithm>
@@ -32,14 +32,14 @@ namespace {
 constexpr int kPort = 3, kFarPort = 4;
 constexpr DWORD kCopyMs = 10000;
 constexpr DWORD kSampleMs = 3;
-// Leaves a gap of more than 5 ms behind each record that comes in one go, so that the reader can get into step.
+// Leaves a gap of more than 5 ms after each record that is sent at once, so that the reader can resynchronize.
 constexpr double kRecordSeconds = 0.011;
 constexpr DWORD kTimeoutMs = 20;
-constexpr long kBase = 1000;  // both halves of a number stay below it, and below 1023
-// From the sender to the reader's record.
+constexpr long kBase = 1000;  // both halves of a number are less than it, and than 1023
+// From the sender to the reader.
 constexpr double kReaderSeconds = 0.003;
-// Behind a faulty record the reader gets into step at the first gap that its port notices: 5 ms, and what the system
-// adds. The fast pace leaves no such gap.
+// After a faulty record the reader resynchronizes at the first gap that its port detects: 5 ms plus the system's delay.
+// The fast pace leaves no such gap.
 constexpr double kGapSeconds = 0.008;
 constexpr double kSecondInstanceEvery = 25;
 constexpr double kUnplugEvery = 17;
@@ -59,7 +59,7 @@ camtool::FaultPlan AllFaults(std::uint32_t seed) {
   return plan;
 }
 
-// The number that points carry, or -1 when they carry none.
+// The record number that points encode, or -1.
 long NumberIn(const kv::CameraPoint (&points)[kv::kPointCount]) {
   const auto& [x, y] = points[0];
   const bool isNumber = std::ranges::all_of(points, [&](const auto& p) { return p.x == x && p.y == y; });
@@ -68,8 +68,8 @@ long NumberIn(const kv::CameraPoint (&points)[kv::kPointCount]) {
 
 struct SentRecord {
   double seconds;    // on camera::Now's clock
-  bool isFaulty;     // dropped, cut, corrupted, merged, with garbage, twice, or next to such
-  bool isDelivered;  // the line took it
+  bool isFaulty;     // dropped, truncated, corrupted, merged, with garbage, duplicated, or next to such a record
+  bool isDelivered;  // written to the line
 };
 
 class HostileCamera {
@@ -80,7 +80,7 @@ class HostileCamera {
   HostileCamera(const HostileCamera&) = delete;
   HostileCamera& operator=(const HostileCamera&) = delete;
 
-  // Closes the port and lets go of the line until the returned object is gone.
+  // Closes the port and releases the line for the lifetime of the returned object.
   std::unique_lock<std::mutex> Unplugged() {
     std::unique_lock<std::mutex> held(line_);
     port_.Close();
@@ -92,12 +92,12 @@ class HostileCamera {
     port_.Close();
   }
 
-  // To be read after Stop.
+  // Read it after Stop.
   camtool::FaultInjector faults;
   std::vector<SentRecord> sent;
 
  private:
-  // Opens the port when it is not: after a hang-up, or when the line was unplugged.
+  // Opens the port if it is closed: after a hang-up, or when the line was unplugged.
   bool Send(const std::string& bytes) {
     if (bytes.empty()) return true;
     if (!port_.isOpen()) camera::OpenPort(kFarPort, {}, &port_);
@@ -135,7 +135,7 @@ class HostileCamera {
 
 // ---- The observer --------------------------------------------------------------------------------------------------
 
-// Reads the tool's own record, as a debugger would, some hundred times a second.
+// Reads the tool's AppContext, like a debugger, several hundred times a second.
 class Observer {
  public:
   explicit Observer(const Soak& soak)
@@ -151,10 +151,10 @@ class Observer {
     if (thread_.joinable()) thread_.join();
   }
   bool IsConnected() const { return isConnected_; }
-  // Held by whoever needs the tool undisturbed. Wine stops a process for each look into its memory, and a process that
-  // is stopped while it hands a large picture over dies of it.
+  // Locked by threads that need the tool to run without interruption: Wine suspends a process to read its memory, and a
+  // process that is suspended while it transfers a large bitmap crashes.
   std::mutex& Mutex() { return mutex_; }
-  // The line was unplugged: until the next connect the tool listens to a port that is gone.
+  // The line was unplugged: until the next connect, the tool reads from a removed port.
   void LoseLine() { isDeaf_ = true; }
   // After Stop.
   bool HasSeen(size_t number) const { return number < seen_.size() && seen_[number]; }
@@ -204,7 +204,7 @@ class Observer {
   std::thread thread_;
 };
 
-// ---- What is done to the tool --------------------------------------------------------------------------------------
+// ---- Actions -------------------------------------------------------------------------------------------------------
 
 void PressConnect(Soak* soak) {
   Note(soak, "connect button");
@@ -226,7 +226,7 @@ void ChangeSettings(Soak* soak) {
                   static_cast<DWORD>(text.size()) + 1);
 }
 
-// Starts another instance beside it and closes that. False when that fails.
+// Starts a second instance and closes it. False when that fails.
 bool StartSecondInstance(Soak* soak) {
   Note(soak, "second instance");
   const kvtest::RunningProgram second(KV_TARNWICK_EXE, L"");
@@ -246,7 +246,7 @@ void Unplug(Soak* soak, HostileCamera* camera, Observer* observer, kvtest::Seria
 }
 
 void DoSomething(Soak* soak, Observer* observer) {
-  // A tool that is not connected is of little interest for long.
+  // Do not leave the tool disconnected for long.
   if (!observer->IsConnected() && Below(soak, 3) == 0) return PressConnect(soak);
   const int choice = Below(soak, 100);
   if (choice < 50) {
@@ -277,7 +277,7 @@ void DoSomething(Soak* soak, Observer* observer) {
 
 // ---- The table -----------------------------------------------------------------------------------------------------
 
-// Accounts for every record.
+// Classifies every record as received, lost or expected to be lost.
 void PrintRecords(const std::vector<SentRecord>& sent, const Observer& observer) {
   std::map<std::string, size_t> fates{{"not accounted for", 0}};
   bool isOutOfStep = false;
@@ -288,14 +288,14 @@ void PrintRecords(const std::vector<SentRecord>& sent, const Observer& observer)
     } else if (i > 0 && at - sent[i - 1].seconds > kGapSeconds) {
       isOutOfStep = i > 1 && sent[i - 2].isFaulty;
     }
-    // It stood from the moment that the reader had it until the next one came.
+    // The value was visible from the moment of its reception until the next one.
     const double next = i + 1 < sent.size() ? sent[i + 1].seconds : at + 1;
     ++fates[observer.HasSeen(i)                                               ? "seen by the tool"
             : sent[i].isFaulty                                                ? "lost: faulty"
-            : !sent[i].isDelivered                                            ? "lost: nobody listened"
+            : !sent[i].isDelivered                                            ? "lost: not delivered"
             : !observer.WasConnected(at) || !observer.WasConnected(at - 0.05) ? "lost: not connected"
-            : isOutOfStep                                                     ? "lost: behind a faulty one"
-            : !observer.HasSampled(at + kReaderSeconds, next)                 ? "not looked for in time"
+            : isOutOfStep                                                     ? "lost: after a faulty one"
+            : !observer.HasSampled(at + kReaderSeconds, next)                 ? "not observed in time"
                                                                               : "not accounted for"];
   }
   std::printf("  %-30s%zu\n", "records sent", sent.size());

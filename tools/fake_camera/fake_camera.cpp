@@ -31,14 +31,14 @@ CaptureWindow* Self(HWND window) {
   return reinterpret_cast<CaptureWindow*>(GetWindowLongW(window, GWL_USERDATA));
 }
 
-// ---- Pictures -------------------------------------------------------------------------------------------------------
+// ---- Frames ---------------------------------------------------------------------------------------------------------
 
 struct Format {
   BITMAPINFOHEADER header;
   RGBQUAD colors[256];
 };
 
-// The colour table of 8-bit pictures: three bits of red, three of green, two of blue.
+// The colour table of 8-bit frames: three bits of red, three of green, two of blue.
 Format CurrentFormat() {
   Format format{};
   format.header = {.biSize = sizeof(format.header),
@@ -130,7 +130,7 @@ LRESULT TakeCaptureFile(LPARAM name) {
   return TRUE;
 }
 
-// Like a driver that records on the window's own thread: until it is stopped, or its window is gone.
+// Like a driver that records on the window's thread, until it is stopped or its window is destroyed.
 LRESULT RecordSequence(HWND window) {
   if (camera.rejectsSequence) return FALSE;
   camera.recording = TRUE;
@@ -200,7 +200,7 @@ HWND WINAPI capCreateCaptureWindowW(LPCWSTR name, DWORD style, int x, int y, int
   windowClass.lpfnWndProc = WindowProcedure;
   windowClass.hInstance = GetModuleHandleW(nullptr);
   windowClass.lpszClassName = kClassName;
-  RegisterClassW(&windowClass);  // fails harmlessly from the second window on
+  RegisterClassW(&windowClass);  // fails harmlessly after the first window
   return CreateWindowExW(0, kClassName, name, style, x, y, width, height, parent, reinterpret_cast<HMENU>(id),
                          windowClass.hInstance, nullptr);
 }

@@ -13,7 +13,7 @@ constexpr int kBarCount = 7;
 // Seven segments of a digit: top, upper left, upper right, middle, lower left, lower right, bottom.
 constexpr std::uint8_t kSegments[10] = {0x77, 0x24, 0x5D, 0x6D, 0x2E, 0x6B, 0x7B, 0x25, 0x7F, 0x6F};
 
-// Whether the digit's stroke covers a place in its box of 6 x 10 units.
+// Whether the digit's stroke covers a point of its box of 6 x 10 units.
 bool IsStroke(int digit, int column, int row) {
   const std::uint8_t lit = kSegments[digit];
   const bool inner = column > 0 && column < 5;

@@ -1,4 +1,4 @@
-// What the fake camera shows: colour bars that wander to the left, and a counter of the frames in a strip below them.
+// The fake camera's image: colour bars that move to the left, and a frame counter below them.
 #pragma once
 
 #include <windows.h>
@@ -7,7 +7,7 @@
 
 namespace fakecamera {
 
-// The colour 0xRRGGBB that frame number `frame` has at a place; y counts from the top.
+// The colour 0xRRGGBB of a pixel of frame number `frame`; y counts from the top.
 std::uint32_t Pixel(LONG x, LONG y, int frame, LONG width, LONG height);
 
 }  // namespace fakecamera

@@ -10,7 +10,7 @@ namespace uidriver {
 
 namespace {
 
-// Memory inside another process for messages that carry an address, which Windows does not carry across by itself.
+// Memory in another process, for messages with an address that Windows does not marshal.
 class RemoteRect {
  public:
   explicit RemoteRect(HWND window) {
@@ -67,8 +67,8 @@ bool IsToolbarButtonChecked(HWND window, int command) {
 
 bool ClickAt(HWND control, POINT screen) {
   SetForegroundWindow(GetAncestor(control, GA_ROOT));
-  // A window that has just appeared may not be under the mouse yet, and a desktop that has just started may still move
-  // the mouse: press only when the control is seen to be there.
+  // A window that has just appeared may not yet receive the mouse, and a desktop that has just started may move the
+  // mouse: press only when the mouse is over the control.
   bool isThere = false;
   for (int tries = 0; tries < 100 && !isThere; ++tries) {
     SetCursorPos(screen.x, screen.y);
@@ -89,7 +89,7 @@ bool ClickAt(HWND control, POINT screen) {
 
 std::string TextOf(HWND window, int id) {
   char text[256] = "";
-  // Not GetWindowText: that does not ask controls of another process.
+  // GetWindowText does not query controls of another process.
   SendDlgItemMessageA(window, id, WM_GETTEXT, sizeof(text), reinterpret_cast<LPARAM>(text));
   return text;
 }

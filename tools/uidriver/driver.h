@@ -1,5 +1,5 @@
-// Sees and moves a running tarnwick.exe from another process, as a person would: finds its window, reads texts and
-// pixels, clicks with the mouse. Used by ./run when nobody is looking, and by the end-to-end tests.
+// Drives a running tarnwick.exe from another process, as a user would: finds its window, reads texts and pixels, clicks
+// with the mouse. Used by ./run without a display, and by the end-to-end tests.
 #pragma once
 
 #include <windows.h>
@@ -9,16 +9,16 @@
 
 namespace uidriver {
 
-// The main window, once it is visible; null if none shows within `timeoutMs`.
+// Waits for the main window to be visible; null after `timeoutMs`.
 HWND WaitForTarnwick(DWORD timeoutMs);
 
-// Where a toolbar button's centre is on the screen; {-1, -1} when there is no such command.
+// The centre of a toolbar button in screen coordinates; {-1, -1} when there is no such command.
 POINT ToolbarButtonCentre(HWND window, int command);
 // Whether the button is pressed in.
 bool IsToolbarButtonChecked(HWND window, int command);
 
-// Brings the control's window to the front, moves the mouse to a place on the control and clicks the left button,
-// through the system's input queue. False when something else lies there; the click then goes to that.
+// Brings the control's window to the front, moves the mouse to a point of the control and clicks the left button,
+// through the system's input queue. False when another window covers the point; that window then gets the click.
 bool ClickAt(HWND control, POINT screen);
 
 // The text of a control; the five status buttons in order (port, points 1 to 4).

@@ -1,8 +1,8 @@
-// uidriver: what ./run asks of a running Tarnwick when there is no person in front of it.
+// uidriver: operates a running Tarnwick for ./run without a display.
 //
-//   uidriver button    prints "X Y", where the connect button is on the screen
-//   uidriver points    waits until points arrive and move, prints the port and the points
-//   uidriver close     closes the window as its close box does, and waits until it is gone
+//   uidriver button    prints "X Y", the position of the connect button on the screen
+//   uidriver points    waits for moving points, prints the port and the points
+//   uidriver close     closes the window like its close box, and waits until it is destroyed
 #include <windows.h>
 
 #include <array>
