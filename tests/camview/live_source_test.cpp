@@ -1,0 +1,165 @@
+// A live port as camview reads it, on pairs of COM ports.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <chrono>
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "camera/ports.h"
+#include "camview/live_source.h"
+#include "camview/port_finder.h"
+#include "camview/record_intake.h"
+#include "camview/recording_loader.h"
+#include "tests/support/serial_line.h"
+#include "tests/support/test_window.h"
+
+namespace camview {
+namespace {
+
+using kvtest::PlayedCamera;
+using kvtest::SerialLine;
+
+constexpr char kRecord[] = "0100,0200,0300,0400,1023,1023,0512,0384\r\n";
+constexpr char kDark[] = "1023,1023,1023,1023,1023,1023,1023,1023\r\n";
+
+bool Within20Seconds(const std::function<bool()>& condition) {
+  return kvtest::WaitUntil(condition, std::chrono::milliseconds(20000));
+}
+
+std::string PathOf(const char* name) {
+  char folder[MAX_PATH];
+  GetTempPathA(sizeof(folder), folder);
+  return std::string(folder) + name;
+}
+
+TEST(CamviewLive, JudgesALineByWhatCameLast) {
+  const auto judge = [](const LineTimes& times, double now) {
+    const LineJudgement judgement = JudgeLine(times, now);
+    return std::pair(judgement.state, judgement.since);
+  };
+  EXPECT_EQ(std::pair(LiveState::kOpening, 5.0), judge({5, 2, 2, 2}, 5.5));
+  EXPECT_EQ(std::pair(LiveState::kSilent, 5.0), judge({5, 2, 2, 2}, 8));
+  EXPECT_EQ(std::pair(LiveState::kSilent, 6.0), judge({5, 6, 6, 6}, 9));
+  EXPECT_EQ(std::pair(LiveState::kMalformed, 6.0), judge({5, 8.9, 6, 6}, 9));
+  EXPECT_EQ(std::pair(LiveState::kDark, 6.0), judge({5, 8.9, 8.9, 6}, 9));
+  EXPECT_EQ(std::pair(LiveState::kRecords, 5.0), judge({5, 8.9, 8.9, 8.5}, 9));
+}
+
+TEST(CamviewLive, GoesOnAfterTheLineWasGoneAndRecordsAllTheWhile) {
+  if (!SerialLine::CanUnplug()) GTEST_SKIP() << "no pair of ports can be unplugged here";
+  const std::string path = PathOf("camview live.twr");
+  DeleteFileA(path.c_str());
+  LiveSource live(3);
+  IntakeBatch batch;
+  const auto isInState = [&](LiveState state) { return live.Status().state == state; };
+  EXPECT_TRUE(Within20Seconds([&] { return isInState(LiveState::kAbsent); }));
+  SerialLine line({3, 4});
+  PlayedCamera camera(4);
+  EXPECT_TRUE(Within20Seconds([&] { return isInState(LiveState::kSilent); }));
+  std::string error;
+  ASSERT_TRUE(live.StartRecording(path, false, &error)) << error;
+  EXPECT_FALSE(live.StartRecording(path + "2", false, &error)) << "one at a time";
+  const auto send = [&](std::string_view bytes, LiveState state) {
+    EXPECT_TRUE(Within20Seconds([&] {
+      camera.Send(bytes);
+      Sleep(5);
+      return isInState(state);
+    })) << bytes
+        << static_cast<int>(live.Status().state);
+  };
+  send(kRecord, LiveState::kRecords);
+  send(kDark, LiveState::kDark);
+  send("garbage", LiveState::kMalformed);
+  send(kRecord, LiveState::kRecords);
+  EXPECT_GT(live.Status().recordsPerSecond, 10);
+  line.Unplug();
+  EXPECT_TRUE(Within20Seconds([&] { return isInState(LiveState::kGone); }));
+  line.PlugIn();
+  camera.Reopen();
+  EXPECT_TRUE(Within20Seconds([&] { return isInState(LiveState::kSilent); }));
+  const long long before = live.Status().records;
+  send(kRecord, LiveState::kRecords);
+  const LiveStatus status = live.Status();
+  EXPECT_GT(status.records, before);
+  EXPECT_EQ(1, status.interruptions);
+  EXPECT_EQ(LiveRecordingState::kOn, status.recording);
+  // What is in the file, which is intact while it is written, is what was handed over.
+  Sleep(50);
+  live.Take(&batch);
+  const auto load = [&] {
+    RecordingLoader loader;
+    loader.Start(path);
+    EXPECT_TRUE(Within20Seconds([&] { return loader.IsDone(); }));
+    return loader.Take();
+  };
+  LoadedRecording loaded = load();
+  EXPECT_TRUE(loaded.isTruncated);
+  EXPECT_EQ(0, loaded.damageCount);
+  live.StopRecording();
+  EXPECT_EQ(LiveRecordingState::kOff, live.Status().recording);
+  loaded = load();
+  EXPECT_FALSE(loaded.isTruncated);
+  EXPECT_EQ(3u, loaded.header.port);
+  ASSERT_EQ(batch.records.size(), static_cast<size_t>(loaded.store->End()));
+  const double shift = batch.records[0].record.seconds - loaded.store->Seconds(0);
+  for (size_t i = 0; i < batch.records.size(); ++i) {
+    EXPECT_NEAR(batch.records[i].record.seconds - shift, loaded.store->Seconds(static_cast<long long>(i)), 1e-5);
+  }
+  RecordStore store;
+  EXPECT_TRUE(StoreBatch(&batch, &store));
+  EXPECT_FALSE(store.Stretches(StretchKind::kMalformed).empty());
+  EXPECT_GE(store.Stretches(StretchKind::kSilent).size(), 2u) << "before the first record, and while it was gone";
+  DeleteFileA(path.c_str());
+}
+
+TEST(CamviewLive, TellsWhoHasThePortAndWhatCannotBeWritten) {
+  if (!SerialLine::CanUnplug()) GTEST_SKIP() << "no pair of ports can be made here";
+  SerialLine line({3, 4});
+  LiveSource live(3);
+  EXPECT_TRUE(Within20Seconds([&] { return live.Status().state == LiveState::kSilent; }));
+  {
+    LiveSource second(3);
+    EXPECT_TRUE(Within20Seconds([&] { return second.Status().state == LiveState::kBusy; }));
+  }
+  std::string error;
+  EXPECT_FALSE(live.StartRecording(PathOf("camview no folder\\a.twr"), false, &error));
+  EXPECT_NE("", error);
+  EXPECT_EQ(LiveRecordingState::kOff, live.Status().recording);
+}
+
+TEST(CamviewPorts, AreReportedOnceWithWhatTheySend) {
+  if (!SerialLine::CanUnplug()) GTEST_SKIP() << "pairs of ports cannot be made here";
+  SerialLine cameraLine({7, 8}), talking({5, 6}), silent({9, 10});
+  PlayedCamera camera(8), talker(6);
+  camera::Port own;
+  ASSERT_EQ(camera::PortState::kOpened, camera::OpenPort(10, {}, &own).state);
+  PortFinder finder;
+  std::map<int, FoundState> states;
+  int reports = 0;
+  finder.Start();
+  EXPECT_TRUE(Within20Seconds([&] {
+    camera.Send(kRecord);
+    talker.Send("hello ");
+    for (const FoundPort& port : finder.Take()) {
+      states[port.number] = port.state;
+      reports += port.number >= 5;
+    }
+    return finder.IsDone();
+  }));
+  EXPECT_EQ(FoundState::kCamera, states[7]);
+  EXPECT_EQ(FoundState::kSending, states[5]);
+  EXPECT_EQ(FoundState::kSilent, states[9]);
+  EXPECT_EQ(FoundState::kBusy, states[10]);
+  EXPECT_EQ(6, reports) << "each port once, none that is absent";
+  finder.Start();
+  finder.Cancel();
+  EXPECT_TRUE(finder.IsDone());
+  EXPECT_TRUE(finder.Take().empty());
+}
+
+}  // namespace
+}  // namespace camview
