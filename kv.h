@@ -1,7 +1,7 @@
 // The whole library in one header.
 //
-// Programs that want a window in a few lines begin with toolkit/scaled_dialog.h. What the toolkit offers stands on the
-// interface of the other folders, which programs may call as well.
+// Most programs start with toolkit/scaled_dialog.h. The toolkit is built on the other folders, which programs may also
+// use directly.
 #pragma once
 
 #ifdef _WIN64

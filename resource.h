@@ -1,4 +1,4 @@
-// Names for resource scripts, windres, rc.exe and llvm-rc alike: window classes of the library and their styles.
+// Window classes and styles of the library for resource scripts (windres, rc.exe and llvm-rc).
 //
 //   #include <windows.h>
 //   #include <kv/resource.h>
@@ -18,16 +18,16 @@
   (WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME | WS_MINIMIZEBOX | WS_MAXIMIZEBOX | WS_CLIPCHILDREN | DS_SETFONT)
 #define KV_PAGE (DS_CONTROL | WS_CHILD | WS_CLIPCHILDREN | DS_SETFONT)
 
-// Extended style of a control that keeps its direction in languages that are written from right to left, for read-outs
-// of numbers: they only begin at the right.
+// Extended style of a control that is right-aligned but not mirrored in right-to-left languages, for readouts of
+// numbers.
 #define KV_KEEPS_DIRECTION 0x00100000
 
-// In a language library: the string that is the text of the control or menu item `id` (at most 32767) there.
+// In a language library: the id of the string with the text of the control or menu item `id` (at most 32767).
 #define KV_TEXT_OF(id) (20000 + (id))
-// And the one that is the caption of the program's window.
+// The id of the string with the caption of the program's window.
 #define KV_CAPTION KV_TEXT_OF(0)
 
-// controls/display_instrument.h: one layout, and what goes with it.
+// controls/display_instrument.h: one mode and further style bits.
 #define KV_DISPLAY_INSTRUMENT "kvDisplayInstrument"
 #define KV_GAUGE 0x0000
 #define KV_READOUT 0x0002

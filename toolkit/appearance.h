@@ -1,4 +1,4 @@
-// The face and the colours of what a program draws beside the system's controls. Main thread only.
+// Fonts and colours for owner-drawn content that matches the system's controls. Main thread only.
 #pragma once
 
 #include <windows.h>
@@ -9,22 +9,22 @@
 
 namespace kv {
 
-// The face of the framework's dialogs in every script. `height` in pixels as CreateFont takes it: of the whole cell, or
-// negative, of the characters alone.
+// Creates the font of the framework's dialogs, for every script. `height` is in pixels as in CreateFont: of the whole
+// cell if positive, of the characters if negative.
 OwnedFont MakeFont(int height, int weight);
 
-// The same with all characters of one width.
+// The same with a fixed pitch.
 OwnedFont MakeFixedPitchFont(int height, int weight);
 
-// The text in the font and colour that `dc` has, with a format of DrawText and in the direction of the language that is
-// shown. What does not fit ends in an ellipsis; "&" is a letter like others.
+// Draws text with the font and colour of `dc`, a DrawText format and the direction of the current language. Text that
+// does not fit ends in an ellipsis; "&" has no special meaning.
 void DrawFitted(HDC dc, const std::wstring& text, RECT area, UINT format);
 
-// A colour between the background of lists and the one of their text: `percent` of the latter. In high contrast, too,
-// the text reads on a low one.
+// Blends the background colour of lists with `percent` of their text colour. With a low percentage, text on it is
+// readable in high contrast, too.
 COLORREF ListShade(int percent);
 
-// Whether the user asked the system for high contrast: then no colours but the system's.
+// Whether the user has turned on high contrast. Then use only system colours.
 bool IsHighContrast();
 
 }  // namespace kv

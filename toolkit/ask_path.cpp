@@ -23,7 +23,7 @@ BOOL Ask(HWND owner, const wchar_t* title, std::wstring* path, DWORD flags, BOOL
   OPENFILENAMEW dialog{};
   dialog.lStructSize = sizeof(dialog);
   dialog.hwndOwner = owner;
-  // Without an extension there are all files only, which stand second in the filter.
+  // Without an extension only the filter "all files", the second of the list.
   dialog.lpstrFilter = *extension ? filter.text : L"*.*\0*.*\0";
   dialog.lpstrFile = file.data();
   dialog.nMaxFile = static_cast<DWORD>(file.size());

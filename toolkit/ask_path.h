@@ -1,8 +1,8 @@
-// Asking the user for a file, as users expect it: the system's dialog with the type of the proposed file and all files,
-// in a size of the user's choice. Main thread only.
+// File dialogs for opening and saving: the system's resizable dialogs, with two filters: the type of the proposed file
+// and all files. Main thread only.
 //
-// `path` proposes folder, name and extension; any of them may be missing. Both return 0, with `path` as it was, when
-// the user cancelled or the system cannot show the dialog. The working folder of the process stays.
+// `path` proposes folder, name and extension; each may be missing. Both functions return 0, and leave `path` unchanged,
+// when the user cancels or the system cannot show the dialog. The working folder of the process does not change.
 #pragma once
 
 #include <windows.h>
@@ -11,11 +11,11 @@
 
 namespace kv {
 
-// A file that exists.
+// Asks for an existing file.
 BOOL AskOpenPath(HWND owner, const wchar_t* title, std::wstring* path);
 
-// A file to write, in a folder that exists. A name without an extension gets the proposed one, and the user is asked
-// before an existing file is chosen.
+// Asks for a file to write, in an existing folder. Appends the proposed extension to a name without one, and asks for
+// confirmation if the file exists.
 BOOL AskSavePath(HWND owner, const wchar_t* title, std::wstring* path);
 
 }  // namespace kv

@@ -20,7 +20,7 @@ namespace kv {
 
 namespace {
 
-// Resource scripts have the names of resource.h, code those of the controls.
+// The constants of resource.h, for resource scripts, equal those of the controls' headers.
 using Name = std::string_view;
 static_assert(Name(KV_DIALOG) == kDialogClass && Name(KV_DISPLAY_INSTRUMENT) == kDisplayInstrumentClass &&
               Name(KV_SIMPLE_BITMAP) == kSimpleBitmapClass && Name(KV_EXTENDED_LIST) == kExtendedListClass &&

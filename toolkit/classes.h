@@ -1,12 +1,12 @@
-// All window classes of the library in one call, so that any dialog template may name any of them. Main thread only.
+// Registers all window classes of the library, for dialog templates. Main thread only.
 #pragma once
 
 #include <windows.h>
 
 namespace kv {
 
-// Registers (non-zero flag) or unregisters every window class of the library for a module. Returns 0 when a class could
-// not be registered; those that could are then unregistered again. Unregister after the last window is gone.
+// Registers (non-zero flag) or unregisters every window class of the library for a module. If a class cannot be
+// registered, unregisters the others again and returns 0. Unregister after the last window has been destroyed.
 BOOL RegisterAllClasses(HINSTANCE instance, BOOL registerThem);
 
 }  // namespace kv

@@ -1,4 +1,4 @@
-// How the toolkit's typed calls find a control of a dialog and write the texts of its records. Private to the toolkit.
+// Helpers of the toolkit's typed functions: find a control of a dialog, store text in structs. Private to the toolkit.
 #pragma once
 
 #include <windows.h>
@@ -8,7 +8,7 @@
 
 namespace kv {
 
-// Null when the dialog has no control of that id and class.
+// The control with that id and class, or null.
 inline HWND ControlOfClass(HWND dialog, int id, const char* className) {
   HWND control = GetDlgItem(dialog, id);
   char name[64] = "";
@@ -16,7 +16,7 @@ inline HWND ControlOfClass(HWND dialog, int id, const char* className) {
   return lstrcmpiA(name, className) == 0 ? control : nullptr;
 }
 
-// As much of the text as fits whole, in UTF-8.
+// Stores the text as UTF-8, truncated to whole characters, and fills the rest of the field with zeros.
 template <size_t size>
 void StoreText(char (&field)[size], const wchar_t* text) {
   int characters = std::min(lstrlenW(text), static_cast<int>(size) - 1), bytes = 0;

@@ -8,7 +8,7 @@ namespace kv {
 
 namespace {
 
-// A client is called back for nothing that it needs.
+// A client needs none of the callbacks.
 HDDEDATA CALLBACK IgnoreTransaction(UINT, UINT, HCONV, HSZ, HSZ, HDDEDATA, ULONG_PTR, ULONG_PTR) {
   return nullptr;
 }

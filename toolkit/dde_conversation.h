@@ -1,8 +1,7 @@
-// A Dynamic Data Exchange conversation with another program, from its start to its end. All text is 8-bit in the
-// system's code page.
+// A Dynamic Data Exchange (DDE) conversation with another program. All text is 8-bit in the system's code page.
 //
-// Use it on the thread that made it, which needs no message loop of its own: the system pumps messages while it waits.
-// Connecting asks every top-level window of the desktop and waits for each of them to answer.
+// Use an object only on the thread that created it. The thread needs no message loop: the system dispatches messages
+// while it waits. Connecting sends a message to every top-level window of the desktop and waits for each response.
 #pragma once
 
 #include <windows.h>
@@ -17,8 +16,8 @@ namespace kv {
 
 class DdeConversation {
  public:
-  // Starts the system's DDE library for this conversation and connects; IsOpen says whether a program answered. An
-  // empty name stands for any service or topic.
+  // Initializes the system's DDE library for this conversation and connects; IsOpen tells whether that succeeded. An
+  // empty name matches any service or topic. The destructor ends both.
   DdeConversation(const char* service, const char* topic);
   ~DdeConversation();
   DdeConversation(const DdeConversation&) = delete;
@@ -26,11 +25,12 @@ class DdeConversation {
 
   bool IsOpen() const { return conversation_ != nullptr; }
 
-  // Sends a command and does not wait for it. Like the others it returns 0 when the conversation is not open.
+  // Sends a command without waiting for its result. All functions return 0 when the conversation is not open.
   BOOL Execute(const char* command);
-  // Hands a text to an item. Not 0 if the program took it within the time-out, of which 0 stands for 10 seconds.
+  // Sends a text for an item. Returns non-zero if the program accepts it within the timeout; 0 means 10 seconds.
   BOOL Poke(const char* item, const char* text, DWORD timeoutMs = 0);
-  // The text of an item, at most kDdeReplySize bytes. Returns 0 without an answer, which leaves `reply` unchanged.
+  // Requests the text of an item, at most kDdeReplySize bytes. Returns 0, and leaves `reply` unchanged, if there is no
+  // reply within the timeout; 0 means 10 seconds.
   BOOL Request(const char* item, std::string* reply, DWORD timeoutMs = 0);
 
  private:

@@ -1,4 +1,4 @@
-// What the toolkit keeps for an open dialog, for the files of this folder only.
+// The toolkit's state of an open dialog. Private to the toolkit.
 #pragma once
 
 #include <windows.h>
@@ -15,14 +15,14 @@ namespace kv {
 
 enum class DialogKind { kModeless, kModal, kPage };
 
-// A dialog inside this one.
+// A page of this dialog.
 struct DialogPage {
   const ScaledDialog* options;
   HWND window;
 };
 
-// Lives from WM_INITDIALOG to WM_NCDESTROY, and longer for whoever holds it: every call that reaches a control or the
-// dialog's own procedure may destroy the dialog.
+// Exists from WM_INITDIALOG to WM_NCDESTROY. Functions hold a shared_ptr to it, because every call that reaches a
+// control or the dialog's procedure may destroy the dialog.
 struct DialogState {
   ScaledDialog options;
   DialogKind kind;
@@ -33,7 +33,7 @@ struct DialogState {
   bool hasDefaultButton;  // in its template
   OwnedBrush background;  // null: the system's
   OwnedFont listFont;
-  std::vector<OwnedFont> fonts;  // the controls' last ones, once the dialog is being destroyed
+  std::vector<OwnedFont> fonts;  // the controls' fonts while the dialog is being destroyed
   HWND tips, textTips;
   std::vector<DialogPage> pages;
   HWND shownPage;
@@ -45,27 +45,27 @@ struct DialogState {
   ~DialogState();
 };
 
-// Null for a window that is no dialog of the toolkit, or no longer.
+// The state of a dialog of the toolkit; null for other windows and destroyed dialogs.
 std::shared_ptr<DialogState> DialogStateOf(HWND dialog);
 
-// Opens a dialog of a kind; null when it could not be opened, which is explained to a debugger.
+// Opens a dialog. On failure returns null and writes the reason to the debugger.
 HWND CreateScaledDialog(HWND owner, const ScaledDialog& dialog, DialogKind kind);
 void ReportMissing(const wchar_t* templateName);
 
-// Keeps the shown page as large as its place.
+// Resizes the shown page to its control.
 void PlacePage(HWND parent, const DialogState& state);
 
-// Sets what the dialog and its pages show in the language of the process, and tells their procedures.
+// Updates the texts of the dialog and its pages to the current language, and notifies their procedures.
 void ShowLanguage(HWND dialog);
 
-// The template's texts, in English where the language lacks them.
+// Sets the texts of the template's controls in the current language; missing ones in English.
 void SetTextsOfLanguage(HWND dialog, const wchar_t* templateName);
 
-// Puts a menu bar and tool tips in the language that is shown in the place of the former.
+// Recreate the menu bar and the tooltips in the current language.
 void ReplaceMenu(HWND dialog, DialogState& state);
 void ReplaceTooltips(HWND dialog, DialogState& state);
 
-// Calls visit(child) for each child window that is there at the beginning and still is when its turn comes.
+// Calls visit(child) for each child window; `visit` may create and destroy children.
 template <class Visit>
 void VisitChildren(HWND parent, Visit visit) {
   std::vector<HWND> children;
@@ -76,7 +76,7 @@ void VisitChildren(HWND parent, Visit visit) {
   }
 }
 
-// Whether a window is of that class, in any case.
+// Whether a window has that class, ignoring case.
 bool IsOfClass(HWND window, const wchar_t* name);
 
 }  // namespace kv

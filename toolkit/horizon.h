@@ -1,13 +1,14 @@
-// Typed access to the artificial horizons of a dialog (controls/horizon/horizon.h), by the id of the control. Each call
-// paints a change at once, and returns 0, with nothing changed, when the dialog has no horizon of that id or a number
-// is not finite. Main thread only.
+// Typed functions for the artificial horizons of a dialog (controls/horizon/horizon.h), selected by control id. Changes
+// are painted at once. All functions return 0 and change nothing when the dialog has no horizon with that id or a
+// number is not finite. Main thread only.
 #pragma once
 
 #include <windows.h>
 
 namespace kv {
 
-// Degrees: nose up, right wing down and clockwise from north are positive. `slip` 1 is the width of its mark.
+// In degrees: nose up, right wing down and clockwise from north are positive. A `slip` of 1 moves its mark by the
+// mark's width.
 struct Attitude {
   double pitch = 0, roll = 0, slip = 0, heading = 0;
 };

@@ -29,8 +29,7 @@ bool ReadBlock(HWND instrument, InstrumentBlock* block) {
   return block->version == kInstrumentVersion;
 }
 
-// Lets `change` edit the parameter block. The value, or what it glides to, stays within the range that the block has
-// then.
+// Changes the parameter block with `change`. Clamps the value, or the target of a glide, to the new range.
 template <class Change>
 BOOL ChangeBlock(HWND dialog, int id, Change change) {
   HWND instrument = InstrumentOf(dialog, id);
@@ -52,7 +51,7 @@ bool IsNumberReadout(DWORD style) {
          !(style & (kInstrumentShowTime | kInstrumentShowDate | kInstrumentShowAngle));
 }
 
-// The decimal places in which a step of this size shows, as few as do.
+// The smallest number of decimals with which a step of this size is visible.
 int DecimalsFor(double step) {
   const double decimals = std::ceil(-std::log10(std::fabs(step)) - 1e-9);
   return std::isfinite(decimals) ? static_cast<int>(std::clamp<double>(decimals, 0, kFormatDecimals)) : 0;
@@ -114,7 +113,7 @@ BOOL SetInstrumentRange(HWND dialog, int id, const InstrumentRange& range) {
     const int decimals = range.decimals < 0 ? DecimalsFor(step) : std::min<int>(range.decimals, kFormatDecimals);
     if (IsNumberReadout(style)) {
       sign = sign || range.minimum < 0 || range.maximum < 0;
-      // What rounding makes of the largest value may have a digit more.
+      // Rounding may give the largest value one digit more.
       const double largest =
           std::fmax(std::fabs(range.minimum), std::fabs(range.maximum)) + 0.5 * std::pow(10, -decimals);
       block.maximum = ReadableMaximum(range.maximum, largest);

@@ -56,7 +56,7 @@ bool OnReturn(HWND dialog, HWND control) {
   }
   if (HasDefaultButton(dialog) || HasDefaultButton(GetParent(control))) return false;
   if (IsOfClass(control, WC_LISTVIEWW)) {
-    // It tells its parent of the key, if only it gets it.
+    // The control notifies its parent of the key if it receives it.
     SendMessageW(control, WM_KEYDOWN, VK_RETURN, 0);
     return true;
   }
@@ -66,7 +66,7 @@ bool OnReturn(HWND dialog, HWND control) {
   return true;
 }
 
-// Whether the focused control needs the key more than any accelerator.
+// Whether the focused control uses the key, so that it is not an accelerator.
 bool KeepsKey(HWND control, WPARAM key) {
   const bool isFunctionKey = key >= VK_F1 && key <= VK_F24, isLetter = key >= 'A' && key <= 'Z';
   const bool isPlain = !IsKeyDown(VK_CONTROL) && !IsKeyDown(VK_MENU);

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kArabic = 15;
 
-// In the order of the languages. Arabic is Egypt's, which counts years as the others do.
+// In the order of the languages. Arabic is that of Egypt, which uses the Gregorian calendar.
 constexpr WORD kLocales[kLanguageCount] = {
     MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US),
     MAKELANGID(LANG_GERMAN, SUBLANG_GERMAN),
@@ -43,10 +43,10 @@ constexpr WORD kLocales[kLanguageCount] = {
     MAKELANGID(LANG_SPANISH, SUBLANG_SPANISH_MEXICAN),
 };
 
-std::wstring fileStem;  // empty while no languages are loaded
+std::wstring fileStem;  // empty when no languages are loaded
 int currentLanguage = 0;
 
-// Returns the library that is no longer needed, or null.
+// Sets the language. Returns the previous library, or null.
 HMODULE LoadLanguage(int language) {
   const HMODULE former = modules.resources;
   currentLanguage = language;
@@ -64,13 +64,13 @@ BOOL CALLBACK ShowInOne(HWND window, LPARAM) {
 }
 
 std::wstring LoadText(HINSTANCE module, UINT id) {
-  // With a size of 0 the call gives the address of the text itself, which has no terminator.
+  // With a size of 0, LoadString returns the address of the text, which has no terminator.
   const wchar_t* text = nullptr;
   const int length = LoadStringW(module, id, reinterpret_cast<LPWSTR>(&text), 0);
   return length > 0 ? std::wstring(text, length) : std::wstring();
 }
 
-// The library's own string for a control or a menu item; empty where it has none, and in English.
+// The library's string for a control or a menu item; empty if missing, and in English.
 std::wstring TextOfItem(UINT id) {
   constexpr UINT kMaxId = 32767;
   return modules.resources == modules.application || id > kMaxId ? std::wstring()
@@ -90,7 +90,7 @@ void TranslateMenu(HMENU menu) {
   }
 }
 
-// The menu of languages outlives the menu bars that it is in.
+// The language menu is removed from a menu bar before the bar is destroyed.
 void SetLanguageMenu(HMENU bar, DialogState& state) {
   const LanguageMenu& menu = state.options.languageMenu;
   if (!state.languageMenu) {

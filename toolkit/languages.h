@@ -1,12 +1,12 @@
-// The language of the whole program, changed while its dialogs are open. Main thread only.
+// The language of the whole program, which can change while dialogs are open. Main thread only.
 //
-// A language library (framework/language.h) gives the texts of a dialog in one of two ways, or in both: by a template
-// of the dialog's name, which repeats the ids of its controls, or by strings numbered KV_TEXT_OF(id of the control or
-// menu item); resource.h has that name. What it lacks is shown in English.
+// A language library (framework/language.h) contains the texts of a dialog in one or both of two forms: a template with
+// the dialog's name and the ids of its controls, or strings with the ids KV_TEXT_OF(id of the control or menu item)
+// (resource.h). Texts missing from the library are shown in English.
 //
-// Arabic mirrors dialogs: their controls of the system's classes, too, but no pictures, no instruments, no lists of
-// kvExtList, nothing that draws itself, and no control with the style KV_KEEPS_DIRECTION, which only begins at the
-// right. Edit controls begin at the right and are not mirrored, because what is typed may be of any language.
+// Arabic mirrors dialogs and controls of the system's classes. It does not mirror images, instruments, kvExtList, other
+// owner-drawn controls, and controls with the style KV_KEEPS_DIRECTION, whose text is only right-aligned. Edit controls
+// are right-aligned and not mirrored, because their text may be in any language.
 #pragma once
 
 #include <windows.h>
@@ -17,38 +17,38 @@
 
 namespace kv {
 
-// Takes up a language, or with kStoredLanguage the stored one: `modules.resources` becomes its library, or the
-// program's own module. `stem` names the libraries and the place where the choice is stored. RunDialog does this for a
-// dialog with languages. Returns the language.
+// Loads a language, or the stored one (kStoredLanguage), and returns it: sets `modules.resources` to its library or,
+// for English, to the program's module. `stem` is the beginning of the libraries' names, and the name under which the
+// choice is stored. RunDialog calls this for a dialog with languages.
 int LoadLanguages(const wchar_t* stem, int language = kStoredLanguage);
 
-// Frees the language library; the program's own resources are in use again.
+// Frees the language library and returns to the program's own resources.
 void UnloadLanguages();
 
-// Shows the program in another language: loads its library, and gives every open dialog of toolkit/scaled_dialog.h and
-// its pages their texts, menu, tool tips and direction. `dialog` and `templateName` may be null; a dialog that is not
-// the toolkit's gets its texts by them, and nothing else. Returns the language that is shown: 0 when the library is
-// missing or no languages have been loaded.
+// Changes the language: loads its library, and updates texts, menu, tooltips and direction of every open dialog of
+// toolkit/scaled_dialog.h and its pages. `dialog` and `templateName` may be null; they name a dialog that is not the
+// toolkit's, of which only the texts are updated. Returns the current language: 0 when the library is missing or no
+// languages have been loaded.
 int SwitchLanguage(HWND dialog, const wchar_t* templateName, int language);
 
 int CurrentLanguage();
 
-// The language with that code of framework/language.h or of ISO 639, in any case; -1 when there is none.
+// The language with that code of framework/language.h or ISO 639, ignoring case; -1 if there is none.
 int LanguageOfCode(const wchar_t* code);
 
-// The language's code of ISO 639 ("de").
+// The language's ISO 639 code ("de").
 std::wstring IsoCode(int language);
 
-// Whether the language that is shown is written from right to left.
+// Whether the current language is written from right to left.
 bool IsRightToLeft();
 
-// The system's locale for numbers, dates and times in the language that is shown.
+// The system's locale for numbers, dates and times in the current language.
 LCID CurrentLocale();
 
-// A message box in the direction of the language; returns what MessageBoxW returns.
+// Shows a message box in the direction of the current language; returns the result of MessageBoxW.
 int ShowMessage(HWND owner, const std::wstring& text, const std::wstring& caption, UINT flags);
 
-// A string resource in the language that is shown, or in English if it lacks there; empty if it lacks there too.
+// A string resource in the current language; if missing, in English; empty if missing there, too.
 std::wstring ResourceText(UINT id);
 
 }  // namespace kv

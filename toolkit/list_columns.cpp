@@ -19,7 +19,7 @@ namespace {
 constexpr int kPadding = 6;
 constexpr int kShadedRowPercent = 4, kColumnLinePercent = 15;
 
-// A font of rows, cached from row to row while size and look stay.
+// The font of rows, cached while its properties do not change.
 HFONT FontOf(int textPx, int weight, bool fixedPitch) {
   struct CachedFont {
     int textPx = 0, weight = 0;

@@ -1,5 +1,5 @@
-// Columns for an extended list (lists/extended_list.h): draws header and rows, and tells which column's header was
-// clicked. Main thread only.
+// Columns for an extended list (lists/extended_list.h): draws header and rows, and finds the column of a clicked
+// header. Main thread only.
 #pragma once
 
 #include <windows.h>
@@ -11,33 +11,34 @@
 namespace kv {
 
 struct ListColumn {
-  const wchar_t* title;  // or MAKEINTRESOURCEW of a string resource, in the language that is shown
-  int width;             // in proportion to the others: together they are as wide as the list is drawn
+  const wchar_t* title;  // or MAKEINTRESOURCEW of a string resource, in the current language
+  int width;             // relative to the other columns'; together they fill the list's drawn width
   UINT align = DT_LEFT;  // or DT_RIGHT, DT_CENTER
   bool fixedPitch = false;
 };
 
-// Which column the rows are sorted by, for the mark in its header; none: -1.
+// The column by which rows are sorted, for the mark in its header; -1: none.
 struct ListSorting {
   int column = -1;
   bool descending = false;
 };
 
-// The text of a cell. Called while a row is drawn; whatever it captures must be there then.
+// Returns the text of a cell. Called only during DrawListRow.
 using ListCellText = std::function<std::wstring(UINT row, int column)>;
 
-// Answers WM_DRAWITEM for a list: draws the header, or one row. Rows are shaded by turns, and the selected one has the
-// system's colours. The characters are `textPx` pixels high; 0: as the row's height asks for.
+// Handles WM_DRAWITEM of a list: draws the header or one row. Rows have alternating shades, the selected row the
+// system's selection colours. The text height is `textPx` pixels; 0: derived from the row height.
 void DrawListRow(const DRAWITEMSTRUCT& item, std::span<const ListColumn> columns, const ListCellText& text,
                  ListSorting sorting = {}, int textPx = 0);
 
-// A column's title as it is shown.
+// A column's title in the current language.
 std::wstring ListColumnTitle(const ListColumn& column);
 
-// The column whose header was clicked, once kListHeader of lists/list_navigation.h has said so; -1 when there is none.
+// The column whose header was clicked; -1: none. Call it on the notification kListHeader of lists/list_navigation.h.
 int ClickedListColumn(HWND list, std::span<const ListColumn> columns);
 
-// The sorting after a click on a column's header: ascending at first, then the other way round. -1 changes nothing.
+// The sorting after a click on a column's header: ascending, or reversed if it was sorted by that column already. -1
+// changes nothing.
 ListSorting NextSorting(ListSorting former, int column);
 
 }  // namespace kv

@@ -18,7 +18,7 @@ std::wstring LocaleText(LCTYPE what) {
   return text;
 }
 
-// "3;0" is groups of three, "3;2;0" a first of three and then groups of two; GetNumberFormatW wants 3 and 32.
+// "3;0" is groups of three, "3;2;0" a first group of three, then groups of two; GetNumberFormatW expects 3 and 32.
 UINT Grouping() {
   UINT grouping = 0;
   for (const wchar_t character : LocaleText(LOCALE_SGROUPING)) {
@@ -50,9 +50,9 @@ std::wstring DecimalSign() {
 }
 
 std::wstring DateText(const SYSTEMTIME& time) {
-  // Some locales' short form has two digits of the year, where any century could be meant.
+  // The short date of some locales has a two-digit year, which is ambiguous.
   std::wstring form = LocaleText(LOCALE_SSHORTDATE);
-  // Marks of direction would turn the date round in a read-out, which is not mirrored.
+  // Direction marks would reverse the date in a readout, which is not mirrored.
   std::erase_if(form, [](wchar_t character) { return character == L'\u200E' || character == L'\u200F'; });
   const size_t year = form.find(L'y');
   if (year != std::wstring::npos && form.find(L"yyyy") == std::wstring::npos) {
@@ -66,7 +66,7 @@ std::wstring DateText(const SYSTEMTIME& time) {
 
 std::wstring TimeText(const SYSTEMTIME& time, bool withSeconds) {
   wchar_t text[80] = L"";
-  // 24 hours, as the instruments show them.
+  // 24 hours, as in the instruments.
   const DWORD flags = TIME_FORCE24HOURFORMAT | TIME_NOTIMEMARKER | (withSeconds ? 0 : TIME_NOSECONDS);
   GetTimeFormatW(CurrentLocale(), flags, &time, nullptr, text, ARRAYSIZE(text));
   return text;

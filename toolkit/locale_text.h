@@ -1,4 +1,4 @@
-// Numbers, dates and times as the language that is shown writes them. Main thread only.
+// Formats numbers, dates and times for the current language. Main thread only.
 #pragma once
 
 #include <windows.h>
@@ -7,17 +7,16 @@
 
 namespace kv {
 
-// With the digits in groups, and that many behind the decimal sign (at most 9).
+// A number with digit grouping and up to 9 decimals.
 std::wstring NumberText(double value, int decimals = 0);
 
-// The sign between a number's whole part and its fraction.
+// The decimal separator.
 std::wstring DecimalSign();
 
-// The date in short form, with four digits of the year. A date that the calendar does not have is written as
-// year-month-day.
+// The short date with a four-digit year. An invalid date is formatted as year-month-day.
 std::wstring DateText(const SYSTEMTIME& time);
 
-// Hours, minutes and, if wanted, seconds.
+// Hours, minutes and optionally seconds.
 std::wstring TimeText(const SYSTEMTIME& time, bool withSeconds);
 
 }  // namespace kv

@@ -11,7 +11,7 @@ namespace kv {
 
 namespace {
 
-// Edit controls are not mirrored as a whole: what is typed may be of any language, so they only begin at the right.
+// Edit controls are only right-aligned, not mirrored: their text may be in any language.
 constexpr LONG kScrollBarAtLeft = WS_EX_LEFTSCROLLBAR | WS_EX_LAYOUTRTL;
 constexpr LONG kMirrored = WS_EX_LAYOUTRTL | WS_EX_RTLREADING, kFromRight = WS_EX_RIGHT | WS_EX_RTLREADING;
 
@@ -24,7 +24,7 @@ bool SetDirection(HWND window, LONG bits, bool rightToLeft) {
   return true;
 }
 
-// A control of another class draws itself, and nothing says that it draws a picture turned round as it should be.
+// Controls of other classes draw themselves, and may not support mirroring.
 bool IsStandardControl(HWND control) {
   wchar_t name[32] = L"";
   GetClassNameW(control, name, ARRAYSIZE(name));
@@ -36,11 +36,10 @@ bool IsStandardControl(HWND control) {
          begins(L"ScrollBar") || begins(L"Toolbar");
 }
 
-// ---- Scroll bars of controls that keep their direction in a mirrored dialog
-// ------------------------------------------
+// ---- Scroll bars of controls in a mirrored dialog -------------------------------------------------------------------
 
-// Wine reckons a window's edges in its parent's coordinates, in which left and right are exchanged here: it takes the
-// scroll bar off the wrong side, and nobody draws it. So the sides are exchanged back.
+// Wine computes a window's edges in its parent's coordinates, in which left and right are exchanged here: it removes
+// the scroll bar's width on the wrong side, and the bar is not drawn. Therefore exchange the sides again.
 LRESULT CALLBACK ExchangeSides(HWND control, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
   const bool applies =
       message == WM_NCCALCSIZE && wParam && GetWindowLongW(GetParent(control), GWL_EXSTYLE) & WS_EX_LAYOUTRTL;
@@ -99,7 +98,7 @@ bool MirrorDialog(HWND dialog) {
   VisitChildren(dialog, [](HWND child) {
     if (!DialogStateOf(child)) MirrorControl(child);
   });
-  // A mirrored window would hand that on to children that it makes, also to those that must not be mirrored.
+  // A mirrored window passes the style to children that it creates, also to those that must not be mirrored.
   if (IsRightToLeft()) SetDirection(dialog, WS_EX_NOINHERITLAYOUT, true);
   return SetDirection(dialog, kMirrored, IsRightToLeft());
 }

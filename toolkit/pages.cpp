@@ -35,7 +35,7 @@ HWND ShowPage(HWND parent, int placeholderId, const ScaledDialog& page) {
     if (!window) return nullptr;
     state->pages.push_back({&page, window});
   }
-  // A hidden page must not keep the focus.
+  // A hidden page must not have the focus.
   const bool hadFocus = former && IsChild(former, GetFocus());
   if (hadFocus) SetFocus(parent);
   if (former) SetShown(former, false);

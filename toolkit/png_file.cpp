@@ -9,7 +9,7 @@ namespace kv {
 
 namespace {
 
-// GDI+'s flat interface, as far as it is used here. Its own header is for C++ classes.
+// The functions of GDI+'s flat API that are used here. The system's header declares C++ classes.
 struct StartupInput {
   UINT32 version = 1;
   void* debugCallback = nullptr;
@@ -61,7 +61,7 @@ bool Encode(const GdiPlus& system, HBITMAP bitmap, const wchar_t* path) {
 
 BOOL SaveBitmapAsPng(HBITMAP bitmap, const wchar_t* path) {
   if (!System() || !IsReadableText(path)) return FALSE;
-  // What is there stays until the whole image is written.
+  // An existing file is replaced only by a complete image.
   const std::wstring part = std::wstring(path) + L".part";
   if (Encode(*System(), bitmap, part.c_str()) && MoveFileExW(part.c_str(), path, MOVEFILE_REPLACE_EXISTING))
     return TRUE;

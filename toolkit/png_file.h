@@ -1,14 +1,13 @@
-// A bitmap as a PNG file, written by the system's own encoder (GDI+), which is loaded when it is first needed. Main
-// thread only.
+// Saves bitmaps as PNG files with the system's encoder (GDI+), which is loaded on first use. Main thread only.
 #pragma once
 
 #include <windows.h>
 
 namespace kv {
 
-// Writes the bitmap, which is selected into no device context, to `path`, replacing a file that is there. Returns 0,
-// with no file left behind and one that was there unchanged, when the system has no encoder, or the file cannot be
-// created or written whole.
+// Writes the bitmap, which must not be selected into a device context, to `path`, replacing an existing file. Returns 0
+// when the system has no encoder, or the file cannot be created or written completely; then no file is created, and an
+// existing one is unchanged.
 BOOL SaveBitmapAsPng(HBITMAP bitmap, const wchar_t* path);
 
 }  // namespace kv

@@ -20,7 +20,7 @@ namespace {
 
 constexpr int kNotOpened = -1;
 
-// Our own dialogs take letters of every script, for which the table's dispatch has no room.
+// The toolkit's dialogs receive Unicode characters; the table's dispatch is 8-bit.
 bool TakenByDialog(MSG* message) {
   HWND root = GetAncestor(message->hwnd, GA_ROOT);
   if (DialogStateOf(root)) {
@@ -83,7 +83,7 @@ int RunMessageLoop(HWND window) {
 int RunDialog(HINSTANCE instance, const ScaledDialog& dialog) {
   RestrictLibrarySearch();
   modules = {.resources = instance, .application = instance};
-  // Stays loaded: rich edit controls of any dialog need it, and one load is enough.
+  // Not unloaded: rich edit controls of every dialog need it.
   LoadLibraryA("RichEd32.dll");
   InitCommonControls();
   if (!RegisterAllClasses(instance, TRUE)) {
@@ -95,7 +95,7 @@ int RunDialog(HINSTANCE instance, const ScaledDialog& dialog) {
   HWND window = OpenDialog(nullptr, dialog);
   const DWORD error = GetLastError();
   const int exitCode = window ? RunMessageLoop(window) : kNotOpened;
-  // A quit message leaves the dialog open.
+  // The dialog is still open after a quit message.
   if (IsWindow(window)) DestroyWindow(window);
   UnloadLanguages();
   RegisterAllClasses(instance, FALSE);

@@ -32,13 +32,13 @@ namespace kv {
 namespace {
 
 constexpr wchar_t kStateProperty[] = L"kvScaledDialog";
-constexpr int kPageId = INT_MAX;  // beyond every dialog's lastId
-constexpr int kListTextPx = 14;   // of list boxes, list views, and edit controls of many lines, at scale 1
+constexpr int kPageId = INT_MAX;  // greater than every dialog's lastId
+constexpr int kListTextPx = 14;   // of list boxes, list views and multi-line edit controls, at scale 1
 
 using SharedDialogState = std::shared_ptr<DialogState>;
 
-// What a dialog is opened with; lives until WM_INITDIALOG has been handled. The mark is tested, because anybody may
-// send a dialog WM_INITDIALOG.
+// The parameters for opening a dialog; valid until WM_INITDIALOG has been handled. The mark is tested because any
+// program may send WM_INITDIALOG.
 struct Opening {
   static constexpr DWORD kMark = 0x6B764F70;
   DWORD mark;
@@ -50,8 +50,8 @@ INT_PTR AskProcedure(HWND dialog, const DialogState& state, UINT message, WPARAM
   return state.options.procedure ? state.options.procedure(dialog, message, wParam, lParam) : FALSE;
 }
 
-// Windows of the dialog class speak the code page, where a caption in another script ends as question marks: what
-// concerns the caption goes past the class.
+// Windows of the dialog class are ANSI windows, which replace characters outside the code page by question marks:
+// caption messages bypass the class.
 LRESULT CALLBACK WideCaptionProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
   const SharedDialogState state = DialogStateOf(dialog);
   if (!state) return DefWindowProcW(dialog, message, wParam, lParam);
@@ -86,8 +86,8 @@ bool TakesListFont(HWND control) {
   }
 }
 
-// Scaling deletes the fonts that it replaces, but controls share the template's font, and some keep it: lists, controls
-// outside the range. So each gets a copy of its own first.
+// Scaling deletes the fonts that it replaces. Controls share the template's font, and some continue to use it: lists,
+// controls outside the range. Therefore each scaled control first gets a copy.
 void GiveEachItsFont(HWND dialog) {
   VisitChildren(dialog, [](HWND child) {
     LOGFONTW description{};
@@ -108,15 +108,15 @@ void Capture(HWND dialog, DialogState& state) {
   CaptureLayout(dialog, state.slots.data(), state.options.firstId, std::min(state.options.lastId, kPageId - 1));
 }
 
-// Scaling passes over a label without a text, which would then show its next text in the font of its template. A line
-// or a rectangle must not get one: it keeps no font, so the pass would make it one more each time.
+// Scaling skips labels without text, which would then show a later text in the template's font: they get a blank. Lines
+// and rectangles must not get one: they store no font, so each scaling would create another one.
 void FillEmptyLabel(HWND control) {
   const bool isLabel =
       ClassifyControl(control) == kControlStatic && (GetWindowLongW(control, GWL_STYLE) & SS_TYPEMASK) <= SS_RIGHT;
   if (isLabel && GetWindowTextLengthW(control) == 0) SetWindowTextW(control, L" ");
 }
 
-// A list's former font is its own copy of the template's, or the one that all lists had before.
+// A list's previous font is its copy of the template's, or the previous common font of the lists.
 void ScaleLists(HWND dialog, DialogState& state) {
   const int textPx = std::max(static_cast<int>(static_cast<float>(kListTextPx) * state.scale.y), 1);
   OwnedFont font = MakeFont(textPx, FW_NORMAL);
@@ -138,14 +138,14 @@ void PlaceControls(HWND dialog, DialogState& state) {
     ++controls;
     FillEmptyLabel(child);
   });
-  // A control that came after the capture has no slot; reading on would take what lies behind the slots for one.
+  // A control that was created after the capture has no slot: ApplyLayout would read beyond the last one.
   if (controls + 1 > state.slots.size()) return;
   ApplyLayout(dialog, options.bottomMargin, options.leftMargin, options.topMargin, options.firstId,
               std::min(options.lastId, kPageId - 1), state.slots.data(), &state.scale.x, &state.scale.y, FALSE);
   ScaleLists(dialog, state);
   FixMirroredDialog(dialog);
   MoveTextTips(dialog, state.textTips);
-  // Dialogs clip their controls, so these have to be named: each has been moved without being painted.
+  // RDW_ALLCHILDREN: dialogs clip their controls, which have been moved without being painted.
   RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
 }
 
@@ -155,7 +155,7 @@ SIZE SizeOf(HWND window) {
   return {place.right - place.left, place.bottom - place.top};
 }
 
-// ---- Life -----------------------------------------------------------------------------------------------------------
+// ---- Creation and destruction ---------------------------------------------------------------------------------------
 
 SharedDialogState CreateDialogState(HWND dialog, const Opening& opening) {
   auto state = std::make_shared<DialogState>();
@@ -173,7 +173,7 @@ SharedDialogState CreateDialogState(HWND dialog, const Opening& opening) {
   return state;
 }
 
-// The menu bar takes its room above the template's.
+// Enlarges the window by the height of the menu bar.
 void AddMenu(HWND dialog, DialogState& state) {
   if (!state.options.menu || state.kind == DialogKind::kPage) return;
   const LONG before = ClientSize(dialog).cy;
@@ -212,7 +212,7 @@ INT_PTR OnInit(HWND dialog, const Opening& opening) {
   Capture(dialog, *state);
   state->textTips = CreateTextTips(dialog);
   ShowLanguage(dialog);
-  // Its procedure may have destroyed the dialog, here or before.
+  // The procedure may have destroyed the dialog, here or before.
   if (!DialogStateOf(dialog)) return result;
   if (state->kind == DialogKind::kModeless) ModelessDialogs(dialog, nullptr, kModelessAdd);
   if (state->kind != DialogKind::kPage) RestorePosition(dialog, *state);
@@ -239,7 +239,7 @@ void OnPaint(HWND dialog, const DialogState& state) {
   FillRect(paint.dc(), &client, state.background ? state.background : GetSysColorBrush(COLOR_BTNFACE));
 }
 
-// On a background of its own, texts in black or white, whichever reads better there.
+// On a custom background, texts are black or white, depending on contrast.
 INT_PTR OnControlColor(const DialogState& state, HDC dc) {
   const COLORREF color = state.background ? state.options.background : GetSysColor(COLOR_BTNFACE);
   const int lightness = 30 * GetRValue(color) + 59 * GetGValue(color) + 11 * GetBValue(color);
@@ -266,7 +266,7 @@ INT_PTR OnSizing(HWND dialog, const DialogState& state, WPARAM edge, LPARAM plac
                                                 state.minimumSize.cx, state.minimumSize.cy));
 }
 
-// Rows of an extended list grow with the dialog.
+// Rows of an extended list scale with the dialog.
 INT_PTR OnMeasure(HWND dialog, const DialogState& state, MEASUREITEMSTRUCT* request) {
   if (IsBadWritePtr(request, sizeof(*request))) return FALSE;
   const HWND control = GetDlgItem(dialog, static_cast<int>(request->CtlID));
@@ -289,7 +289,7 @@ INT_PTR OnClose(HWND dialog, const DialogState& state, INT_PTR result) {
   if (state.kind == DialogKind::kPage) return TRUE;
   if (state.kind == DialogKind::kModal) return EndDialog(dialog, result);
   if (IsWindowEnabled(dialog)) return DestroyWindow(dialog);
-  // The code that opened a box still stands on the stack.
+  // The function that opened a box is still on the stack.
   return SetForegroundWindow(GetLastActivePopup(dialog));
 }
 
@@ -303,17 +303,17 @@ INT_PTR OnCommand(HWND dialog, const DialogState& state, WORD id) {
   return OnClose(dialog, state, id);
 }
 
-// What the dialog's own procedure has left.
+// Handles messages for which the dialog's procedure returned FALSE.
 INT_PTR HandleDefault(HWND dialog, const DialogState& state, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_PAINT: OnPaint(dialog, state); return TRUE;
     case WM_CTLCOLORDLG:
     case WM_CTLCOLORSTATIC:
     case WM_CTLCOLORBTN: return OnControlColor(state, reinterpret_cast<HDC>(wParam));
-    case WM_SYSCOLORCHANGE: return OnSystemColors(dialog, wParam, lParam);  // comes to top-level windows only
+    case WM_SYSCOLORCHANGE: return OnSystemColors(dialog, wParam, lParam);  // sent only to top-level windows
     case WM_SIZING: return OnSizing(dialog, state, wParam, lParam);
     case WM_MEASUREITEM: return OnMeasure(dialog, state, reinterpret_cast<MEASUREITEMSTRUCT*>(lParam));
-    // Controls would ask the dialog's class, which is an 8-bit one.
+    // Controls would query the dialog's class, which is an ANSI class.
     case WM_NOTIFYFORMAT: return ReturnDialogResult(dialog, NFR_UNICODE);
     case WM_NOTIFY: return OnNotify(state, lParam);
     case WM_COMMAND: return OnCommand(dialog, state, LOWORD(wParam));
@@ -357,7 +357,7 @@ bool IsOfClass(HWND window, const wchar_t* name) {
   return lstrcmpiW(own, name) == 0;
 }
 
-// Texts that are string resources are looked up here, so that English stands in for what the language lacks.
+// String resources are loaded here, so that missing ones are replaced by English.
 void ReplaceTooltips(HWND dialog, DialogState& state) {
   if (state.tips) DestroyWindow(state.tips);
   state.tips = nullptr;

@@ -1,6 +1,5 @@
-// A dialog that needs no more than a record and a procedure: it grows and shrinks with its controls, keeps a smallest
-// size, remembers its place, and shows texts, menu and tool tips in the language of the program, from right to left
-// where that is written so. Main thread only.
+// A dialog defined by a struct and a procedure. It scales with its controls, has a minimum size, stores its position,
+// and shows texts, menu and tooltips in the program's language, mirrored for right-to-left languages. Main thread only.
 //
 //   INT_PTR CALLBACK Panel(HWND panel, UINT message, WPARAM wParam, LPARAM lParam);
 //
@@ -8,19 +7,19 @@
 //     return kv::RunDialog(instance, {.templateName = L"PANEL", .procedure = Panel, .positionName = "My.Panel"});
 //   }
 //
-// The template names the class KV_DIALOG and has the style KV_RESIZABLE_DIALOG (resource.h). What every dialog does:
+// The template has the class KV_DIALOG and the style KV_RESIZABLE_DIALOG (resource.h). Every dialog has these features:
 //
-//   fonts     labels, buttons and fields follow the size as framework/dialog_layout.h has it; list boxes, list views
-//   and
-//             edit controls of many lines, too. A label without a text gets a blank for one.
-//   tips      a label or button that its place cuts shows its whole text under the mouse
-//   direction see languages.h
-//   colours   labels have the system's, or read on `background`; a change is handed on to all controls
-//   notices   WM_NOTIFY brings wide texts
-//   keys      F6 and Ctrl+Tab cross between a dialog and its page (pages.h); Tab leaves an edit control that would keep
-//             it; Enter presses the focused button, or opens the row of a list as a double click does unless the dialog
-//             has a default button; the wheel turns what is under the mouse. Not in modal dialogs.
-//   closing   is put off while a box that the dialog owns is open
+//   Fonts          scale with the controls (framework/dialog_layout.h), also in list boxes, list views and multi-line
+//                  edit controls. The text of a label without text becomes a blank.
+//   Tooltips       show the whole text of a truncated label or button
+//   Direction      see languages.h
+//   Colours        labels have the system's colours, or contrast with `background`; colour changes are forwarded to all
+//                  controls
+//   Notifications  WM_NOTIFY contains wide texts
+//   Keyboard       F6 and Ctrl+Tab move between a dialog and its page (pages.h). Tab leaves a multi-line edit control.
+//                  Enter presses the focused button; without a default button it also opens the row of a list, like a
+//                  double click. The wheel scrolls the control under the mouse. Not in modal dialogs.
+//   Closing        is delayed while a message box or dialog that the dialog owns is open
 #pragma once
 
 #include <windows.h>
@@ -35,103 +34,105 @@ namespace kv {
 
 inline constexpr COLORREF kDefaultBackground = 0xFFFFFFFF;  // the system's button face
 
-// The menu of languages (framework/language.h) and how a menu bar holds it.
+// The language menu (framework/language.h) in a menu bar.
 struct LanguageMenu {
-  UINT item = 0;          // of the menu bar, which becomes the menu; 0: there is none
-  UINT firstCommand = 0;  // the 24 commands, which the toolkit carries out
-  UINT firstBitmap = 0;   // the 48 images, bitmap resources of the program
+  UINT item = 0;          // the item of the menu bar that becomes the menu; 0: none
+  UINT firstCommand = 0;  // the first of 24 commands, which the toolkit executes
+  UINT firstBitmap = 0;   // the first of 48 bitmap resources of the program
 };
 
-// What its addresses lead to must live as long as the dialog: string literals and static tables, as a rule.
+// All pointers must remain valid as long as the dialog exists: use string literals and static tables.
 struct ScaledDialog {
-  // The template's name, or MAKEINTRESOURCEW id, in the program's own module.
+  // The name or MAKEINTRESOURCEW id of the template, in the program's module.
   const wchar_t* templateName;
 
-  // An ordinary dialog procedure, or null. It sees WM_INITDIALOG before the dialog gets its place, and every message
-  // after that; what it returns FALSE for is done here. WM_SIZE reaches it when the controls have been placed, and
-  // WM_DESTROY when the position has been saved. A WM_CLOSE for which it returns TRUE does not close the dialog. It may
+  // A dialog procedure, or null. It receives WM_INITDIALOG before the dialog is positioned, and all later messages; the
+  // toolkit handles messages for which it returns FALSE. It receives WM_SIZE after the controls have been laid out, and
+  // WM_DESTROY after the position has been saved. If it returns TRUE for WM_CLOSE, the dialog remains open. It may
   // destroy the dialog at any time.
   DLGPROC procedure = nullptr;
-  LPARAM parameter = 0;  // handed to it with WM_INITDIALOG
+  LPARAM parameter = 0;  // lParam of WM_INITDIALOG
 
-  // Under which the dialog's place is remembered (framework/window_position.h), and whether it was maximised. Null: not
-  // remembered, and the template says where it opens. It always comes back where it can be seen.
+  // The name under which the position is stored (framework/window_position.h). Null: not stored; the template defines
+  // the position. The restored position is always on a visible part of the desktop.
   const char* positionName = nullptr;
+  // The name under which the maximised state is stored; null: not stored.
   const char* maximisedName = nullptr;
 
-  // Of the whole window, in pixels. 0: as in the template.
+  // Of the whole window, in pixels. 0: the size of the template.
   SIZE minimumSize = {};
   COLORREF background = kDefaultBackground;
 
-  // Tips of controls, from string resources of the language that is shown unless a text is given.
+  // Tooltips of controls. Without a text, a string resource of the current language is used.
   std::span<const TooltipEntry> tips = {};
 
-  // The menu bar: a menu resource of the program's own module.
+  // The menu bar: a menu resource of the program's module.
   const wchar_t* menu = nullptr;
   LanguageMenu languageMenu = {};
 
-  // Keys for commands: an accelerator table of the program's own module. Keys that the focused control uses stay with
-  // it: all but function keys and Ctrl with another letter than A, C, V, X, Y or Z in an edit control or combo box,
-  // Space on a button, single letters in a list or a tree. Not in modal dialogs and pages.
+  // An accelerator table of the program's module. Keys that the focused control uses are not accelerators: in an edit
+  // control or combo box all except function keys and Ctrl with a letter other than A, C, V, X, Y and Z; Space on a
+  // button; single letters in a list or tree. Not in modal dialogs and pages.
   const wchar_t* accelerators = nullptr;
 
-  // The ids of the controls that scale. Controls outside the range keep place, size and font; those that are made after
-  // WM_INITDIALOG must have such ids. The fonts that controls have after WM_INITDIALOG are copied; from then on the
-  // dialog owns the fonts of its controls, and deletes them.
+  // The range of ids of the controls that scale. Controls outside the range keep their position, size and font.
+  // Controls that are created after WM_INITDIALOG must be outside it. The dialog copies the fonts of its controls after
+  // WM_INITDIALOG; it owns the copies and deletes them.
   int firstId = INT_MIN, lastId = INT_MAX - 1;
 
-  // The parts of the client area that do not scale (toolbar, status bar), in pixels.
+  // The size in pixels of the parts of the client area that do not scale, for a toolbar or a status bar.
   int leftMargin = 0, topMargin = 0, bottomMargin = 0;
 
-  // The program's languages, which RunDialog takes up: the stem of the language libraries beside it ("panel" for
-  // panelGE.dll), under which the choice is stored as well, and the one to begin with. Null: English only.
+  // For RunDialog: the beginning of the names of the language libraries ("panel" for panelGE.dll), and the name under
+  // which the choice is stored. Null: English only.
   const wchar_t* languages = nullptr;
+  // The initial language.
   int language = kStoredLanguage;
 };
 
-// Sent to the procedure when the language has changed, and once after WM_INITDIALOG: what the template does not hold
-// (names of instruments, items of lists) takes its text now. wParam is the language.
+// Sent to the procedure after WM_INITDIALOG, and when the language has changed: set texts that are not in the template,
+// such as names of instruments and items of lists. wParam is the language.
 inline constexpr UINT kLanguageChanged = WM_APP + 0x3F00;
 
-// The whole program: prepares the process (common controls, rich edits, all window classes, the stored language), opens
-// the dialog, runs until it is closed, and undoes everything. The exit code: that of PostQuitMessage, 0 when the dialog
-// was closed, -1 when it could not be opened.
+// Runs a whole program: initializes the process (common controls, rich edit controls, all window classes, the stored
+// language), opens the dialog, dispatches messages until it is closed, and releases everything. Returns the exit code:
+// 0 when the dialog is closed, that of PostQuitMessage, or -1 when the dialog cannot be opened.
 int RunDialog(HINSTANCE instance, const ScaledDialog& dialog);
 
-// For programs with a start-up of their own, which register the classes and set `modules` (framework/modules.h): opens
-// a modeless dialog, which joins the table of modeless dialogs and leaves it when it is destroyed. Null when it could
-// not be opened. IDCANCEL, which Escape sends, closes nothing.
+// Opens a modeless dialog, for programs that register the classes and set `modules` (framework/modules.h) themselves.
+// The dialog is in the table of modeless dialogs until it is destroyed. Returns null on failure. IDCANCEL, which Escape
+// sends, does not close it.
 //
-// This one, RunDialog and RunModalDialog tell a debugger (OutputDebugString) what is missing: the template, for which
-// the last error is ERROR_RESOURCE_NAME_NOT_FOUND, or the window class of a control that it names
-// (ERROR_CANNOT_FIND_WND_CLASS).
+// On failure this function, RunDialog and RunModalDialog write the reason to the debugger (OutputDebugString): the
+// template is missing (last error ERROR_RESOURCE_NAME_NOT_FOUND), or the window class of one of its controls is not
+// registered (ERROR_CANNOT_FIND_WND_CLASS).
 HWND OpenDialog(HWND owner, const ScaledDialog& dialog);
 
-// Opens a modal dialog and returns the id of the button (IDOK, IDCANCEL, or what the procedure ends it with); -1 when
-// it could not be opened.
+// Runs a modal dialog and returns the id of its button (IDOK, IDCANCEL, or the result that the procedure passes to
+// EndDialog); -1 when it cannot be opened.
 INT_PTR RunModalDialog(HWND owner, const ScaledDialog& dialog);
 
-// Dispatches messages until the window is destroyed or the process is to quit; returns the exit code. Every modeless
-// dialog of the table gets its keys; those of the toolkit take letters of every script.
+// Dispatches messages until the window is destroyed or the process quits; returns the exit code. Handles the keys of
+// all modeless dialogs of the table; dialogs of the toolkit receive characters of every script.
 int RunMessageLoop(HWND window);
 
-// How far the dialog is from the size of its template: 1 as in the template. 1 for other windows.
+// The size of the dialog relative to its template; 1 for other windows.
 struct DialogScale {
   float x, y;
 };
 DialogScale ScaleOf(HWND dialog);
 
-// Enables or disables a control. When it has the focus, that goes on to the next one first.
+// Enables or disables a control. If a control with the focus is disabled, the focus moves to the next one first.
 void EnableControl(HWND dialog, int id, bool enabled);
 
-// Gives the focus to the first control that takes it. False when there is none.
+// Sets the focus to the first control that accepts it. Returns false if there is none.
 bool FocusFirstControl(HWND dialog);
 
-// Gives a control that draws itself its name for screen readers, in any script: its window text, but past its class,
-// which may speak the code page or take a text for more than a name.
+// Sets the accessible name of an owner-drawn control, in any script: sets its window text without its window procedure,
+// which may convert the text to a code page or use it for another purpose.
 void NameControl(HWND dialog, int id, const wchar_t* name);
 
-// The head of a WM_NOTIFY, copied: the system's records for pressed keys are packed and lie at odd addresses.
+// A copy of the header of a WM_NOTIFY: the system's structs for key notifications are packed and not aligned.
 NMHDR NotificationOf(LPARAM lParam);
 
 }  // namespace kv

@@ -16,7 +16,7 @@ BOOL Send(HWND dialog, int id, WPARAM command, int index, const void* item) {
   return chart && SendMessageA(chart, kControlCommand, MAKEWPARAM(command, index), reinterpret_cast<LPARAM>(item));
 }
 
-// Lets `change` edit a channel, which is made if it does not exist.
+// Changes a channel with `change`; creates it if it does not exist.
 template <class Change>
 BOOL ChangeChannel(HWND dialog, int id, int channel, Change change) {
   StripChannel info{};

@@ -15,7 +15,8 @@ namespace kv {
 
 namespace {
 
-// Pixels of a control that are not its text's: a button's edges, a box with its gap, a combo box's arrow and edges.
+// The size in pixels of the parts of a control besides its text: a button's edges, a check box and its gap, a combo
+// box's arrow and edges.
 constexpr int kButtonEdges = 6, kBoxAndGap = 17, kFieldEdges = 6, kTabEdges = 8, kHeaderEdges = 10;
 
 std::wstring WindowText(HWND control) {
@@ -46,7 +47,7 @@ std::wstring TruncatedLabelText(HWND control, SIZE place) {
   const bool isOneLine = style & SS_CENTERIMAGE || type == SS_LEFTNOWORDWRAP;
   format |= isOneLine ? DT_SINGLELINE : DT_WORDBREAK | DT_EXPANDTABS;
   const SIZE size = TextSize(control, text, isOneLine ? 0 : place.cx, format);
-  // The lower part of the last line's cell holds no letters.
+  // The lower part of the last line's cell may be truncated.
   const int spare = 2;
   return size.cx > place.cx || size.cy > place.cy + spare ? text : std::wstring();
 }
@@ -108,7 +109,7 @@ bool HasTip(HWND control) {
   return kind == kControlStatic || kind == kControlButton;
 }
 
-// A label lets the mouse through to the dialog, so it is a place there; a button is a window of its own.
+// A label is transparent for the mouse, so its tool is a rectangle of the dialog; a button's tool is its window.
 TTTOOLINFOW ToolOf(HWND dialog, HWND control) {
   TTTOOLINFOW tool{};
   tool.cbSize = TTTOOLINFOW_V1_SIZE;
@@ -167,7 +168,7 @@ void ProvideTextTip(const DialogState& state, LPARAM lParam) {
   const auto id = static_cast<UINT>(GetDlgCtrlID(control));
   const bool hasOwnTip =
       std::ranges::any_of(state.options.tips, [id](const TooltipEntry& entry) { return entry.id == id; });
-  static std::wstring text;  // the tip reads it after this returns
+  static std::wstring text;  // the tooltip reads it after this function has returned
   text = hasOwnTip ? std::wstring() : TruncatedTextOf(control);
   tip->lpszText = text.data();
 }

@@ -1,5 +1,4 @@
-// A recorded flight as a file: KML for globe viewers, or waypoints as text. Any thread; each call writes one file,
-// which is either whole or not there.
+// Saves a recorded flight as a KML document for globe viewers, or as waypoints text. Any thread.
 #pragma once
 
 #include <windows.h>
@@ -11,17 +10,18 @@
 
 namespace kv {
 
-// A track about an origin in degrees. The points stay the caller's and must live as long as the track is used.
+// A track with an origin in degrees. It refers to the caller's points, which must exist as long as the track is used.
 FlightTrack MakeFlightTrack(double latitude, double longitude, std::span<FlightTrackPoint> points);
 
-// Both functions write the track to `path`, replacing a file that is there. They return 0, and leave no file behind,
-// when the track has no readable points, the path cannot be read, or the file cannot be created or written whole.
+// Both functions write the track to `path`, replacing an existing file. If the track has no readable points, the path
+// is not readable, or the file cannot be created or written completely, they return 0 and leave no file.
 
-// A KML document, which takes its look from `settings`, by default those of the user.
+// Writes a KML document with the appearance in `settings`; the default are the user's settings.
 BOOL WriteKml(const wchar_t* path, const FlightTrack& track, const KmlSettings& settings = ReadKmlSettings());
 
-// One line of longitude, latitude (degrees) and altitude (metres) for each point, from what the point's kind says. A
-// point of unknown kind repeats the position before it; the first one then stands at the track's origin.
+// Writes one line for each point: longitude and latitude in degrees, altitude in metres, from the fields that the
+// point's kind selects. A point of unknown kind repeats the previous position; for the first point, that is the track's
+// origin.
 BOOL WriteWaypoints(const wchar_t* path, const FlightTrack& track);
 
 }  // namespace kv
