@@ -71,7 +71,7 @@ REGEDIT4
 END
   # Bold fonts are looked up under separate names.
   for face in 'Tahoma' 'Tahoma Bold' 'MS Sans Serif' 'Microsoft Sans Serif' 'System' 'Liberation Sans' \
-    'Liberation Sans Bold' 'Test Bed Sans' 'Test Bed Sans Bold' 'Arial' 'Arial Unicode MS'; do
+    'Liberation Sans Bold' 'Test Bed Sans' 'Test Bed Sans Regular' 'Test Bed Sans Bold' 'Arial' 'Arial Unicode MS'; do
     printf '"%s"=%s\n' "$face" "$links"
   done
 }
