@@ -58,6 +58,8 @@ void DrawRows(HWND window, HDC dc, SIZE surface) {
 
 // Draws the surface anew. The bitmap leaves the record meanwhile: the parent may resize or destroy the list, and nobody
 // must delete a bitmap that is selected here. The dirty flag is cleared first, so that a change made in between stays.
+// A device context has the layout of the one that it is compatible with, so in a mirrored list the surface is mirrored,
+// too, and copying it leaves its letters as they are.
 void RedrawSurface(HWND window, ListState* state, HDC compatibleWith) {
   const SIZE size = state->surfaceSize;
   OwnedBitmap surface(state->hSurface ? std::exchange(state->hSurface, nullptr) : CreateWindowBitmap(window, size));

@@ -23,6 +23,8 @@
 // While it draws, the parent may change, resize or destroy the list: a changed list is redrawn after that, at the next
 // WM_PAINT. Both requests are valid until the parent returns, whatever becomes of the list.
 //
+// In a mirrored list (WS_EX_LAYOUTRTL) x = 0 of the surface is at the right, as in its window.
+//
 // Screen readers (WM_GETOBJECT) get a list with its window text as the name and, as the value, the selected row and the
 // number of rows ("3 / 1000"), or without a selection the rows on view ("1 - 20 / 1000"). What a row says only the
 // parent knows: it may put that into the list's window text when the selection moves.

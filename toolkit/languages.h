@@ -4,9 +4,9 @@
 // the dialog's name and the ids of its controls, or strings with the ids KV_TEXT_OF(id of the control or menu item)
 // (resource.h). Texts missing from the library are shown in English.
 //
-// Arabic mirrors dialogs and controls of the system's classes. It does not mirror images, instruments, kvExtList, other
-// owner-drawn controls, and controls with the style KV_KEEPS_DIRECTION, whose text is only right-aligned. Edit controls
-// are right-aligned and not mirrored, because their text may be in any language.
+// Arabic mirrors dialogs, controls of the system's classes and kvExtList. It does not mirror images, instruments, other
+// controls that draw themselves, and controls with the style KV_KEEPS_DIRECTION, whose text is only right-aligned. Edit
+// controls are right-aligned and not mirrored, because their text may be in any language.
 #pragma once
 
 #include <windows.h>

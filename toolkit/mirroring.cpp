@@ -24,7 +24,7 @@ bool SetDirection(HWND window, LONG bits, bool rightToLeft) {
   return true;
 }
 
-// Controls of other classes draw themselves, and may not support mirroring.
+// Controls of other classes draw themselves, and may not support mirroring. kvExtList does.
 bool IsStandardControl(HWND control) {
   wchar_t name[32] = L"";
   GetClassNameW(control, name, ARRAYSIZE(name));
@@ -33,7 +33,7 @@ bool IsStandardControl(HWND control) {
   };
   const ControlKind kind = ClassifyControl(control);
   return (kind != kControlOther && kind != kControlSimpleBitmap) || begins(L"Sys") || begins(L"msctls_") ||
-         begins(L"ScrollBar") || begins(L"Toolbar");
+         begins(L"ScrollBar") || begins(L"Toolbar") || begins(L"kvExtList");
 }
 
 // ---- Scroll bars of controls in a mirrored dialog -------------------------------------------------------------------
@@ -89,6 +89,9 @@ void MirrorControl(HWND control) {
     SetDirection(control, kFromRight, IsRightToLeft());
   } else {
     SetDirection(control, kMirrored, IsRightToLeft());
+    // The header of a list view is a window of its own.
+    const HWND header = IsOfClass(control, WC_LISTVIEWW) ? ListView_GetHeader(control) : nullptr;
+    if (header) SetDirection(header, kMirrored, IsRightToLeft());
   }
 }
 

@@ -1,6 +1,7 @@
 // The gallery's frame within the test's process, with the gallery's language libraries.
 #include <windows.h>
 
+#include <commctrl.h>
 #include <ddeml.h>
 #include <gtest/gtest.h>
 #include <shellapi.h>
@@ -264,8 +265,14 @@ TEST_F(GalleryFrame, NumbersAndDatesFollowTheLanguage) {
 TEST_F(GalleryFrame, ArabicMirrorsAllButImagesInstrumentsAndReadouts) {
   for (size_t i = 0; i < AllPages().size(); ++i) SelectPage(frame_, static_cast<int>(i));
   const auto control = [](int page, int id) { return GetDlgItem(PageAt(page), id); };
-  const HWND mirrored[] = {frame_, PageList(), PageAt(PAGE_INDEX_NMEA), control(PAGE_INDEX_NMEA, IDC_NMEA_LABEL + 2),
-                           control(PAGE_INDEX_LANGUAGE, IDC_LANGUAGE_TABLE)};
+  const HWND table = control(PAGE_INDEX_LANGUAGE, IDC_LANGUAGE_TABLE);
+  const HWND mirrored[] = {frame_,
+                           PageList(),
+                           PageAt(PAGE_INDEX_NMEA),
+                           control(PAGE_INDEX_NMEA, IDC_NMEA_LABEL + 2),
+                           table,
+                           reinterpret_cast<HWND>(SendMessageW(table, LVM_GETHEADER, 0, 0)),
+                           control(PAGE_INDEX_LIST, IDC_LIST_LIST)};
   const HWND kept[] = {control(PAGE_INDEX_NMEA, IDC_NMEA_SPEED), control(PAGE_INDEX_INSTRUMENTS, IDC_INSTRUMENTS),
                        control(PAGE_INDEX_BITMAP, IDC_BITMAP_PLAIN), control(PAGE_INDEX_FLIGHT, IDC_FLIGHT_PLAN),
                        control(PAGE_INDEX_MESH, IDC_MESH_VIEW)};

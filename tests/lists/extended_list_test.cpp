@@ -191,5 +191,24 @@ TEST_F(ExtendedList, ReportsVisibleRowsToScreenReaders) {
   EXPECT_EQ((kvtest::AccessibleProperties{L"Readings", L"1 - 5 / 1000", kRoleList}), kvtest::ReadAccessible(list_));
 }
 
+TEST_F(ExtendedList, IsDrawnFromTheRightWhenMirrored) {
+  SetWindowLongA(list_, GWL_EXSTYLE, WS_EX_LAYOUTRTL);
+  SetWindowPos(list_, nullptr, 0, 0, 0, 0, SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER);
+  parent_.Answer([](HWND, UINT message, WPARAM, LPARAM lParam, LRESULT*) {
+    if (message != WM_DRAWITEM) return false;
+    const auto* row = reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
+    const RECT begin{0, row->rcItem.top, 10, row->rcItem.bottom};
+    FillRect(row->hDC, &begin, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
+    return true;
+  });
+  Send(LB_SETCOUNT, 3);
+  const WindowDc dc(list_);
+  SetLayout(dc, 0);
+  RECT client{};
+  GetClientRect(list_, &client);
+  EXPECT_EQ(0u, GetPixel(dc, client.right - 5, 8));
+  EXPECT_EQ(kWindowColor, GetPixel(dc, 5, 8));
+}
+
 }  // namespace
 }  // namespace kv
