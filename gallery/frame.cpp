@@ -192,13 +192,13 @@ FrameLayout LayoutFor(SIZE client) {
   constexpr double kDesignWidth = 752, kDesignHeight = 528;  // the client area of the smallest window
   const double scale = std::max(0.5, std::min(client.cx / kDesignWidth, client.cy / kDesignHeight));
   const auto scaled = [scale](int length) { return kv::ToInt(length * scale); };
-  return {.listWidth = scaled(196),
-          .rowHeight = scaled(29),
-          .headerHeight = scaled(72),
-          .titleHeight = scaled(34),
-          .margin = scaled(14),
-          .titlePx = scaled(24),
-          .textPx = scaled(16)};
+  return {.listWidth = scaled(172),
+          .rowHeight = scaled(27),
+          .headerHeight = scaled(66),
+          .titleHeight = scaled(33),
+          .margin = scaled(12),
+          .titlePx = scaled(22),
+          .textPx = scaled(14)};
 }
 
 void DrawHeader(HDC dc, const RECT& header, const FrameLayout& layout, int page) {

@@ -1,6 +1,6 @@
 // The gallery's pages: dialogs of the toolkit (toolkit/pages.h), each with a template and a dialog procedure of its own
 // in gallery/pages/NAME_page.cpp and NAME_page.rc. Controls have ids in the page's range (resource_ids.h), and are
-// about 400 x 270 dialog units together. A page is made when it is first shown; while it is not shown it may rest. Main
+// about 400 x 290 dialog units together. A page is made when it is first shown; while it is not shown it may rest. Main
 // thread only.
 #pragma once
 

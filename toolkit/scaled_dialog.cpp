@@ -33,7 +33,7 @@ namespace {
 
 constexpr wchar_t kStateProperty[] = L"kvScaledDialog";
 constexpr int kPageId = INT_MAX;  // greater than every dialog's lastId
-constexpr int kListTextPx = 14;   // of list boxes, list views and multi-line edit controls, at scale 1
+constexpr int kTextPx = 14;       // at scale 1
 
 using SharedDialogState = std::shared_ptr<DialogState>;
 
@@ -116,12 +116,40 @@ void FillEmptyLabel(HWND control) {
   if (isLabel && GetWindowTextLengthW(control) == 0) SetWindowTextW(control, L" ");
 }
 
+// The framework stretches fonts with the dialog, and those of edit controls with their height. Here all texts of a
+// dialog have one size and the font's own proportions.
+void UnstretchFont(HWND control, int textPx) {
+  LOGFONTW font{};
+  const HFONT former = FontOf(control);
+  if (!GetObjectW(former, sizeof(font), &font) || font.lfWidth == 0) return;
+  font.lfHeight = textPx;
+  font.lfWidth = 0;
+  font.lfWeight = FW_NORMAL;
+  SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(CreateFontIndirectW(&font)), FALSE);
+  DeleteObject(former);
+}
+
+// Edit controls align their text to the top. In a dialog that is stretched vertically they are therefore only as high
+// as the text requires, and centred.
+void UnstretchField(HWND dialog, HWND control, const DialogScale& scale) {
+  const bool isField = ClassifyControl(control) == kControlEdit && !(GetWindowLongW(control, GWL_STYLE) & ES_MULTILINE);
+  if (scale.y <= scale.x || !(isField || IsOfClass(control, UPDOWN_CLASSW))) return;
+  RECT place{};
+  GetWindowRect(control, &place);
+  MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
+  const LONG excess = static_cast<LONG>(static_cast<float>(place.bottom - place.top) * (1 - scale.x / scale.y));
+  MoveWindow(control, place.left, place.top + excess / 2, place.right - place.left, place.bottom - place.top - excess,
+             FALSE);
+}
+
 // A list's previous font is its copy of the template's, or the previous common font of the lists.
-void ScaleLists(HWND dialog, DialogState& state) {
-  const int textPx = std::max(static_cast<int>(static_cast<float>(kListTextPx) * state.scale.y), 1);
+void ScaleTexts(HWND dialog, DialogState& state) {
+  const int textPx = TextHeightOf(dialog);
   OwnedFont font = MakeFont(textPx, FW_NORMAL);
   VisitChildren(dialog, [&](HWND control) {
-    if (!IsInRange(state.options, control) || !TakesListFont(control)) return;
+    if (!IsInRange(state.options, control)) return;
+    UnstretchField(dialog, control, state.scale);
+    if (!TakesListFont(control)) return UnstretchFont(control, textPx);
     const HFONT former = FontOf(control);
     SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(static_cast<HFONT>(font)), FALSE);
     if (former != state.listFont) DeleteObject(former);
@@ -142,7 +170,7 @@ void PlaceControls(HWND dialog, DialogState& state) {
   if (controls + 1 > state.slots.size()) return;
   ApplyLayout(dialog, options.bottomMargin, options.leftMargin, options.topMargin, options.firstId,
               std::min(options.lastId, kPageId - 1), state.slots.data(), &state.scale.x, &state.scale.y, FALSE);
-  ScaleLists(dialog, state);
+  ScaleTexts(dialog, state);
   FixMirroredDialog(dialog);
   MoveTextTips(dialog, state.textTips);
   // RDW_ALLCHILDREN: dialogs clip their controls, which have been moved without being painted.
@@ -240,7 +268,11 @@ void OnPaint(HWND dialog, const DialogState& state) {
 }
 
 // On a custom background, texts are black or white, depending on contrast.
-INT_PTR OnControlColor(const DialogState& state, HDC dc) {
+INT_PTR OnControlColor(const DialogState& state, HDC dc, HWND control) {
+  // Wine's labels do not set their reading order.
+  if (ClassifyControl(control) == kControlStatic && GetWindowLongW(control, GWL_EXSTYLE) & WS_EX_RTLREADING) {
+    SetTextAlign(dc, GetTextAlign(dc) | TA_RTLREADING);
+  }
   const COLORREF color = state.background ? state.options.background : GetSysColor(COLOR_BTNFACE);
   const int lightness = 30 * GetRValue(color) + 59 * GetGValue(color) + 11 * GetBValue(color);
   const COLORREF readable = lightness < 100 * 128 ? RGB(255, 255, 255) : RGB(0, 0, 0);
@@ -309,7 +341,7 @@ INT_PTR HandleDefault(HWND dialog, const DialogState& state, UINT message, WPARA
     case WM_PAINT: OnPaint(dialog, state); return TRUE;
     case WM_CTLCOLORDLG:
     case WM_CTLCOLORSTATIC:
-    case WM_CTLCOLORBTN: return OnControlColor(state, reinterpret_cast<HDC>(wParam));
+    case WM_CTLCOLORBTN: return OnControlColor(state, reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam));
     case WM_SYSCOLORCHANGE: return OnSystemColors(dialog, wParam, lParam);  // sent only to top-level windows
     case WM_SIZING: return OnSizing(dialog, state, wParam, lParam);
     case WM_MEASUREITEM: return OnMeasure(dialog, state, reinterpret_cast<MEASUREITEMSTRUCT*>(lParam));
@@ -412,6 +444,11 @@ INT_PTR RunModalDialog(HWND owner, const ScaledDialog& dialog) {
 DialogScale ScaleOf(HWND dialog) {
   const SharedDialogState state = DialogStateOf(dialog);
   return state ? state->scale : DialogScale{1, 1};
+}
+
+int TextHeightOf(HWND dialog) {
+  const DialogScale scale = ScaleOf(dialog);
+  return std::max(static_cast<int>(static_cast<float>(kTextPx) * std::min(scale.x, scale.y)), 1);
 }
 
 void EnableControl(HWND dialog, int id, bool enabled) {

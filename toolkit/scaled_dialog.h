@@ -9,8 +9,8 @@
 //
 // The template has the class KV_DIALOG and the style KV_RESIZABLE_DIALOG (resource.h). Every dialog has these features:
 //
-//   Fonts          scale with the controls (framework/dialog_layout.h), also in list boxes, list views and multi-line
-//                  edit controls. The text of a label without text becomes a blank.
+//   Fonts          all texts have one size, which follows the smaller scale, and the font's own proportions. The text of a
+//                  label without text becomes a blank.
 //   Tooltips       show the whole text of a truncated label or button
 //   Direction      see languages.h
 //   Colours        labels have the system's colours, or contrast with `background`; colour changes are forwarded to all
@@ -121,6 +121,9 @@ struct DialogScale {
   float x, y;
 };
 DialogScale ScaleOf(HWND dialog);
+
+// The height of a dialog's texts in pixels, as MakeFont (system_look.h) requires it.
+int TextHeightOf(HWND dialog);
 
 // Enables or disables a control. If a control with the focus is disabled, the focus moves to the next one first.
 void EnableControl(HWND dialog, int id, bool enabled);

@@ -32,7 +32,6 @@ constexpr int kRecordMs = 11;     // from one record to the next at full line ra
 // Lengths of the design, in pixels. The columns are together wider than most windows, so that there is something to
 // scroll sideways.
 constexpr int kHeights[] = {17, 24, 36};
-constexpr int kTextPx = 13;
 constexpr int kColumnWidths[] = {130, 120, 72, 72, 72, 72, 72, 72, 72, 72, 360};
 constexpr int kColumns = static_cast<int>(std::size(kColumnWidths));
 
@@ -100,7 +99,7 @@ void OnDrawItem(HWND page, const DRAWITEMSTRUCT& item) {
   } else {
     ++state.rowsAsked;
   }
-  kv::DrawListRow(item, columns, CellText, {}, Scaled(page, kTextPx));
+  kv::DrawListRow(item, columns, CellText, {}, kv::TextHeightOf(page) * 7 / 8);  // of the characters alone
 }
 
 void ShowCost(HWND page) {

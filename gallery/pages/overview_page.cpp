@@ -1,5 +1,6 @@
 #include "gallery/pages.h"
 
+#include <algorithm>
 #include <cstddef>
 
 #include "framework/bitmaps.h"
@@ -13,12 +14,7 @@ namespace gallery {
 
 namespace {
 
-// In parts of the design's page height.
-constexpr int kDesignHeight = 450, kRowHeight = 42, kTextHeight = 16, kDescriptionHeight = 14, kRowMargin = 12;
-
-int Scaled(HWND page, int length) {
-  return MulDiv(length, kv::ClientSize(page).cy, kDesignHeight);
-}
+constexpr int kMarginPx = 12;
 
 void FillIndex(HWND page) {
   const HWND index = GetDlgItem(page, IDC_OVERVIEW_INDEX);
@@ -31,19 +27,22 @@ INT_PTR OnDrawItem(HWND page, const DRAWITEMSTRUCT* item) {
   const size_t index = item->itemData;
   if (item->CtlID != IDC_OVERVIEW_INDEX || index >= AllPages().size()) return FALSE;
   const COLORREF color = DrawRowBackground(*item);
-  const int textPx = Scaled(page, kTextHeight), margin = Scaled(page, kRowMargin);
+  const int textPx = kv::TextHeightOf(page);
   RECT row = item->rcItem;
-  InflateRect(&row, -margin, 0);
+  InflateRect(&row, -kMarginPx, 0);
   const int middle = (row.top + row.bottom) / 2;
   DrawLine(item->hDC, kv::ResourceText(IDS_TITLE_FIRST + index), {row.left, middle - textPx - 2, row.right, middle},
            {textPx, FW_SEMIBOLD, color});
   DrawLine(item->hDC, kv::ResourceText(IDS_DESCRIPTION_FIRST + index),
-           {row.left, middle, row.right, middle + textPx + 2}, {Scaled(page, kDescriptionHeight), FW_NORMAL, color});
+           {row.left, middle, row.right, middle + textPx + 2}, {textPx, FW_NORMAL, color});
   return TRUE;
 }
 
+// All rows share the list's height; where that is too little for two lines each, the list scrolls.
 INT_PTR OnSize(HWND page) {
-  SendDlgItemMessageA(page, IDC_OVERVIEW_INDEX, LB_SETITEMHEIGHT, 0, Scaled(page, kRowHeight));
+  const HWND index = GetDlgItem(page, IDC_OVERVIEW_INDEX);
+  const int share = kv::ClientSize(index).cy / static_cast<int>(AllPages().size() - 1);
+  SendMessageA(index, LB_SETITEMHEIGHT, 0, std::max(share, 2 * kv::TextHeightOf(page) + 8));
   return TRUE;
 }
 

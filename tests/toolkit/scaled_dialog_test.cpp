@@ -94,16 +94,19 @@ TEST_F(ScaledDialogTest, ScalesKeepsItsMinimumSizeAndRestoresItsPosition) {
   AddListNavigation(GetDlgItem(dialog, IDC_ROWS));
   MoveWindow(dialog, 40, 50, 2 * client.cx + frameX, 3 * client.cy + frameY, TRUE);
   const RECT grown = PlaceOf(dialog, IDC_EDIT), kept = PlaceOf(dialog, IDC_OUTSIDE);
-  EXPECT_EQ(std::tuple(2 * edit.left, 3 * edit.bottom), std::tuple(grown.left, grown.bottom));
+  EXPECT_EQ(2 * edit.left, grown.left);
+  EXPECT_NEAR(3 * (edit.top + edit.bottom), grown.top + grown.bottom, 2);
+  EXPECT_NEAR(2 * (edit.bottom - edit.top), grown.bottom - grown.top, 1);  // as its text, by the smaller scale
   EXPECT_TRUE(EqualRect(&outside, &kept));
   EXPECT_EQ(3, ScaleOf(dialog).y);
   const auto font = reinterpret_cast<HGDIOBJ>(SendDlgItemMessageA(dialog, IDC_OUTSIDE, WM_GETFONT, 0, 0));
   EXPECT_EQ(static_cast<DWORD>(OBJ_FONT), GetObjectType(font));  // shared with others, which got new ones
-  LOGFONTW empty{}, full{};
-  for (const auto& [id, look] : {std::pair(IDC_EMPTY, &empty), {IDC_LABEL, &full}}) {
-    GetObjectW(reinterpret_cast<HGDIOBJ>(SendDlgItemMessageW(dialog, id, WM_GETFONT, 0, 0)), sizeof(*look), look);
+  for (const int id : {IDC_EMPTY, IDC_LABEL, IDC_EDIT}) {
+    LOGFONTW look{};
+    GetObjectW(reinterpret_cast<HGDIOBJ>(SendDlgItemMessageW(dialog, id, WM_GETFONT, 0, 0)), sizeof(look), &look);
+    EXPECT_EQ(std::tuple(28, 0), std::tuple(look.lfHeight, look.lfWidth)) << id;
   }
-  EXPECT_EQ(full.lfHeight, empty.lfHeight);
+  EXPECT_EQ(28, TextHeightOf(dialog));
   SendDlgItemMessageA(dialog, IDC_ROWS, LB_SETCOUNT, 5, 0);
   EXPECT_EQ(kHeaderRow, ListRowAt(GetDlgItem(dialog, IDC_ROWS), {0, 50}));  // a row of 3 x 17
   EXPECT_EQ(0u, ListRowAt(GetDlgItem(dialog, IDC_ROWS), {0, 51}));
