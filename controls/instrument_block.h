@@ -1,5 +1,5 @@
-// The parameter block of a display instrument: the record that owner and control exchange, the style bits that say what
-// is made of it, how a default block is built, and the arithmetic of its range. Pure functions; any thread.
+// The parameter block of a display instrument, which owner and control exchange; the style bits; default blocks; and
+// the arithmetic of the range. Pure functions; any thread.
 #pragma once
 
 #include <windows.h>
@@ -9,40 +9,41 @@
 
 namespace kv {
 
-inline constexpr DWORD kInstrumentVersion = 0x20070806;  // in every block; a block without it is rejected
+inline constexpr DWORD kInstrumentVersion =
+    0x20070806;  // the version tag of every block; a block without it is rejected
 
 // State bits. Bit i (0..2) enables zone i.
-inline constexpr DWORD kInstrumentNoValue = 0x80000000;  // there is no valid value to show
+inline constexpr DWORD kInstrumentNoValue = 0x80000000;  // there is no valid value
 constexpr DWORD ZoneEnabledBit(int zone) {
   return 1u << zone;
 }
 
 // Number format.
-inline constexpr BYTE kFormatDecimals = 0x07;  // decimal places, 0..7
-inline constexpr BYTE kFormatSign = 0x10;      // always print a sign
+inline constexpr BYTE kFormatDecimals = 0x07;  // mask of the number of decimals, 0..7
+inline constexpr BYTE kFormatSign = 0x10;      // always show a sign
 
 inline constexpr int kInstrumentZones = 3;
 
-inline constexpr COLORREF kRgbBits = 0x00FFFFFF;  // of a colour field
+inline constexpr COLORREF kRgbBits = 0x00FFFFFF;  // mask of the RGB part of a colour field
 
-// The low four bits of the window style pick the layout; every value not named here is the circular gauge.
+// The low four bits of the window style select the mode; values not listed here select the circular gauge.
 inline constexpr DWORD kInstrumentModeBits = 0x000F;
 inline constexpr DWORD kModeGauge = 0, kModeDigital = 2, kModeSegmentBar = 3, kModeCompass = 4, kModeCentreBar = 5;
 
 // Further style bits.
-inline constexpr DWORD kInstrumentDisabled = 0x0040;   // drawn disabled; follows WM_ENABLE
-inline constexpr DWORD kInstrumentNoCaption = 0x0080;  // digital readout without its name
+inline constexpr DWORD kInstrumentDisabled = 0x0040;   // drawn disabled; set and cleared by WM_ENABLE
+inline constexpr DWORD kInstrumentNoCaption = 0x0080;  // digital readout without the name
 inline constexpr DWORD kInstrumentShowTime = 0x0100;   // digital readout: time of day
 inline constexpr DWORD kInstrumentShowDate = 0x0200;   // digital readout: date
 inline constexpr DWORD kInstrumentShowAngle = 0x0400;  // digital readout: degrees, minutes, seconds
-inline constexpr DWORD kInstrumentReversed = 0x0800;   // segment bar runs the other way
+inline constexpr DWORD kInstrumentReversed = 0x0800;   // segment bar in the opposite direction
 
-// A coloured part of the range, in units of the value.
+// A coloured part of the range, in the unit of the value.
 struct InstrumentZone {
   float lower, upper;
   COLORREF color;
-  BYTE bytes[4];  // the owner's, 0 by default
-  DWORD word;     // the owner's, 0 by default
+  BYTE bytes[4];  // for the owner's use, 0 by default
+  DWORD word;     // for the owner's use, 0 by default
 };
 static_assert(sizeof(InstrumentZone) == 20);
 static_assert(offsetof(InstrumentZone, upper) == 4 && offsetof(InstrumentZone, color) == 8 &&
@@ -57,7 +58,7 @@ struct InstrumentBlock {
   BYTE format;      // kFormatDecimals, kFormatSign
   COLORREF color;   // 0x02BBGGRR; the low 24 bits are drawn
   float minimum, maximum;
-  float step;     // also the tolerance at which gliding stops
+  float step;     // also the distance to the target at which gliding stops
   float current;  // the displayed value
   BYTE reserved68[128];
   InstrumentZone zones[kInstrumentZones];
@@ -75,39 +76,39 @@ static_assert(offsetof(InstrumentBlock, version) == 0 && offsetof(InstrumentBloc
 struct BlockDefaults {
   float minimum, maximum, step;
   BYTE format;
-  COLORREF color;    // 0 becomes red
-  const char* unit;  // unreadable becomes "%"
-  const char* name;  // unreadable becomes "Relative"
+  COLORREF color;    // 0: red
+  const char* unit;  // unreadable: "%"
+  const char* name;  // unreadable: "Relative"
 };
 
 InstrumentBlock BuildDefaultBlock(const BlockDefaults& defaults);
 
-// Pulls a value into the block's range, whichever way round it stands; NaN becomes the lower end.
+// Clamps a value to the block's range, also if the minimum is larger than the maximum. NaN becomes the lower bound.
 float ClampToRange(const InstrumentBlock& block, float value);
 
-// One step of gliding towards `target`: the next displayed value, and whether it is still on its way. A large jump, or
-// a way from where no value was, arrives at once; otherwise the way is shortened by a tenth until it is less than the
-// block's step. A step finer than the value's own resolution (0 too, and NaN and infinity count as 0) leads to the
-// target itself.
+// One step of a glide to `target`: the next displayed value, and whether the glide continues. A distance of more than a
+// fifth of the range, or a glide without a previous value, ends at once. Otherwise the distance decreases by a tenth
+// until it is less than the block's step. With a step smaller than the value's resolution (or 0, NaN or infinite), the
+// glide ends at the target itself.
 struct GlideStep {
   float current;
   bool moving;
 };
 GlideStep NextGlideStep(const InstrumentBlock& block, float target);
 
-// What is drawn: a range that can be divided by (a block whose ends are equal, infinite or NaN reads as 0 to 100), and
-// the value within it. The minimum may be the larger end; the scale then runs backwards.
+// The range and value to draw. The range is never empty: equal, infinite or NaN bounds are replaced by 0 and 100. The
+// minimum may be larger than the maximum; then the scale is reversed.
 struct InstrumentReading {
   double minimum, maximum, value;
   bool valid;
 };
 InstrumentReading ReadingOf(const InstrumentBlock& block);
 
-// Where a value lies in the range, 0 at the minimum and 1 at the maximum, limited to that.
+// A value's position in the range, clamped to 0 (minimum) to 1 (maximum).
 double FractionOf(const InstrumentReading& reading, double value);
 
-// Name and unit as wide text, without a terminator if need be. A name that is not UTF-8 is read in the system's code
-// page, a unit in Windows-1252 (0xB0 is the degree sign).
+// Name and unit as wide text; the fields need no terminator. A name that is not valid UTF-8 is decoded in the system's
+// code page, a unit in Windows-1252 (0xB0 is the degree sign).
 std::wstring InstrumentName(const InstrumentBlock& block);
 std::wstring InstrumentUnit(const InstrumentBlock& block);
 

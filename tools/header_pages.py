@@ -187,6 +187,8 @@ def constant_rows(statement: list[str]) -> list[list[str]]:
     for part in split_top(text[start:].rstrip(";")):
         name, _, value = part.partition(" = ")
         rows.append([f"`{name.removesuffix('[]')}`", f"`{value}`", escaped(" ".join([*above, behind]).strip())])
+    if len(rows) > 1 and rows[0][2]:
+        raise ValueError(f"{text}: constants of one declaration share a comment; put it above the group")
     return rows
 
 
