@@ -165,9 +165,9 @@ Index IndexAt(const Dial& dial, double angle) {
 
 void DrawIndex(Canvas& canvas, const InstrumentAppearance& appearance, const Index& index) {
   const PointD corners[] = {index.tip, index.right, index.left};
-  for (size_t i = 0; i < 3; ++i) {
-    FillLine(canvas, corners[i], corners[(i + 1) % 3], std::max(1.5, appearance.reach * 0.03),
-             ColorsOf(appearance).dialBottom);
+  const double edge = std::max(1.5, DialIn(appearance.area).innerRadius * 0.02);
+  for (int i = 0; i < 3; ++i) {
+    FillLine(canvas, corners[i], corners[(i + 1) % 3], edge, ColorsOf(appearance).dialBottom);
   }
   FillPolygon(canvas, corners, DisplayColor(appearance));
 }
