@@ -94,22 +94,24 @@ double DistanceTo(const RECT& box, PointD place) {
 struct DialSpace {
   Dial dial;
   double gap;
+  double reach;  // of the needle
   FixedList<RECT, 24> taken;
 };
 
 // Where a row of text may stand, from the dial's middle downwards.
 struct Band {
   double top, bottom;
+  bool low;  // a row may stand at the lower end, where the needle leaves more room
 };
 
-// Half the width that a row around the dial's vertical axis may take. Below the hub the needle never comes; its ways to
-// the two ends of the scale bound the row there.
-double FreeHalf(const DialSpace& space, double top, double bottom) {
+// Half the width that a row of this height around the dial's vertical axis may take. Below the hub the needle never
+// comes; at the ends of the scale it bounds the row at its upper corners, where a text seldom has ink.
+double FreeHalf(const DialSpace& space, double middle, int height) {
   const PointD centre = space.dial.centre;
-  const double radius = space.dial.innerRadius, reach = std::max(std::fabs(top), std::fabs(bottom));
-  const double within = kTextOuter * radius;
-  double half = reach < within ? std::sqrt(within * within - reach * reach) : 0;
-  if (top > 0) half = std::min(half, (top + bottom) / 2 - kNeedleClearance * radius);
+  const double radius = space.dial.innerRadius, ink = height * kInk, top = middle - ink / 2, bottom = middle + ink / 2;
+  const double within = kTextOuter * radius, needleEnd = space.reach * -std::cos(Radians(kGaugeStart));
+  double half = bottom < within ? std::sqrt(within * within - bottom * bottom) : 0;
+  if (top < needleEnd) half = std::min(half, top + 0.15 * ink - kNeedleClearance * radius);
   for (const RECT& box : space.taken) {
     if (box.bottom <= centre.y + top || box.top >= centre.y + bottom) continue;
     half = std::min(half, std::max(box.left - centre.x, centre.x - box.right) - space.gap);
@@ -117,14 +119,10 @@ double FreeHalf(const DialSpace& space, double top, double bottom) {
   return half;
 }
 
-double FreeHalf(const DialSpace& space, const Band& band, int height) {
-  const double middle = (band.top + band.bottom) / 2, ink = height * kInk / 2;
-  return FreeHalf(space, middle - ink, middle + ink);
-}
-
-GaugeText TextIn(const DialSpace& space, const Band& band, std::wstring_view text, int height, double half) {
-  const PointD middle{space.dial.centre.x, space.dial.centre.y + (band.top + band.bottom) / 2};
-  return {text, height, FW_NORMAL, BoxAt(middle, 2 * half, height)};
+// The middle of a row of this height, where it is wider.
+double MiddleOf(const DialSpace& space, const Band& band, int height) {
+  const double middle = (band.top + band.bottom) / 2, low = std::max(middle, band.bottom - height * kInk / 2);
+  return band.low && FreeHalf(space, low, height) >= FreeHalf(space, middle, height) ? low : middle;
 }
 
 int MinFontHeight(const DialSpace& space) {
@@ -137,8 +135,10 @@ GaugeText FitText(const DialSpace& space, const Band& band, std::wstring_view te
   const int least = MinFontHeight(space);
   int height = std::max(least, Round(std::min(wanted, (band.bottom - band.top) / kInk)));
   while (true) {
-    const double width = measure(text, height, FW_NORMAL).cx, half = FreeHalf(space, band, height);
-    if (width <= 2 * half) return TextIn(space, band, text, height, width / 2 + 1);
+    const double width = measure(text, height, FW_NORMAL).cx, middle = MiddleOf(space, band, height);
+    const double half = FreeHalf(space, middle, height);
+    const PointD place{space.dial.centre.x, space.dial.centre.y + middle};
+    if (width <= 2 * half) return {text, height, FW_NORMAL, BoxAt(place, width + 2, height)};
     if (height == least) return {};
     height = std::clamp(Round(height * 2 * half / width) + 1, least, height - 1);
   }
@@ -148,8 +148,8 @@ GaugeText FitText(const DialSpace& space, const Band& band, std::wstring_view te
 FixedList<Band, 2> BandsOf(const DialSpace& space) {
   const double top = kTailEnd * space.dial.innerRadius;
   const double bottom = GaugeValueBox(space.dial).top - space.dial.centre.y, middle = (top + bottom) / 2;
-  if (middle - top < kMinFontHeight * kInk) return {{top, bottom}};
-  return {{top, middle}, {middle, bottom}};
+  if (middle - top < kMinFontHeight * kInk) return {{top, bottom, false}};
+  return {{top, middle, true}, {middle, bottom, false}};
 }
 
 struct Captions {
@@ -204,7 +204,8 @@ GaugeLabels PlaceLabels(const DialSpace& space, const InstrumentBlock& block, co
   return labels;
 }
 
-// Whether the labels keep apart from each other and from what is there; they then take their places.
+// Whether the labels keep apart from each other and from what is there; they then take their places, and the needle
+// stops short of them.
 bool ReserveSpace(const GaugeLabels& labels, DialSpace* space) {
   const double widest = kLabelWidth * space->dial.innerRadius;
   for (const GaugeText& label : labels) {
@@ -214,6 +215,8 @@ bool ReserveSpace(const GaugeLabels& labels, DialSpace* space) {
       return false;
     }
     space->taken.push_back(ink);
+    const double distance = DistanceTo(ink, space->dial.centre);
+    space->reach = std::min(space->reach, distance - std::max(1.5, space->dial.innerRadius * 0.02));
   }
   return true;
 }
@@ -281,6 +284,7 @@ GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, TextMeas
   const DialSpace empty{
       dial,
       std::max(2.0, radius * 0.04),
+      layout.reach,
       {BoxAt(dial.centre, 2 * kHubClearance * radius, 2 * kHubClearance * radius), GaugeValueBox(dial)}};
   const FixedText name = DecodedName(block);
   Captions captions{};
@@ -297,13 +301,11 @@ GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, TextMeas
       captions = placed;
       layout.scale = scale;
       layout.labels = labels;
+      layout.reach = space.reach;
       if (captions.Score() == 3) break;
     }
   }
   if (layout.labels.empty()) captions = PlaceCaptions(empty, name, DecodedUnit(block), measure);
-  for (const GaugeText& label : layout.labels) {
-    layout.reach = std::min(layout.reach, DistanceTo(InkOf(label.box), dial.centre) - std::max(1.5, radius * 0.02));
-  }
   layout.name = captions.name;
   layout.unit = captions.unit;
   return layout;
