@@ -32,7 +32,7 @@ struct ChartState {
   CameraPoint rendered[kPointCount];  // where the markers of the last rendering are
 };
 
-constexpr CameraPoint kNowhere{kNoPoint, kNoPoint};
+constexpr CameraPoint kHiddenPoint{kNoPoint, kNoPoint};
 constexpr int kMarkerCentre = 15;  // the pixel of a marker icon that lies on the point
 constexpr int kMinCopySize = 64, kMaxCopySize = 5120;
 
@@ -45,8 +45,8 @@ CameraPoint Clamped(const CameraPoint& point) {
   return {std::clamp<LONG>(point.x, 0, kNoPoint), std::clamp<LONG>(point.y, 0, kNoPoint)};
 }
 
-void SetAllNowhere(ChartState* state) {
-  std::ranges::fill(state->points, kNowhere);
+void HideAllPoints(ChartState* state) {
+  std::ranges::fill(state->points, kHiddenPoint);
   state->bDirty = TRUE;
 }
 
@@ -178,7 +178,7 @@ LRESULT OnCreate(HWND window) {
   state->hBackDc = CreateCompatibleDC(dc);
   state->hNoBuffer = GetCurrentObject(state->hBackDc, OBJ_BITMAP);
   MakeBackBuffer(state);
-  SetAllNowhere(state);
+  HideAllPoints(state);
   RepaintNow(window);
   return 0;
 }
@@ -272,7 +272,7 @@ LRESULT ExchangePoints(ChartState* state, WPARAM flags, FlowPoints* exchange) {
   std::ranges::copy(state->points, before);
   for (int i = 0; i < kPointCount; ++i) {
     if (exchange->mask & (1u << i)) {
-      state->points[i] = flags & kCommandRemove ? kNowhere : Clamped(exchange->points[i]);
+      state->points[i] = flags & kCommandRemove ? kHiddenPoint : Clamped(exchange->points[i]);
     }
   }
   state->bDirty = TRUE;
@@ -292,7 +292,7 @@ LRESULT OnCommand(ChartState* state, WPARAM wParam, LPARAM lParam) {
       RepaintAll(state);
       return 0;
     case kChartClear:
-      SetAllNowhere(state);
+      HideAllPoints(state);
       RepaintAll(state);
       return 0;
     case kChartPoints: return ExchangePoints(state, wParam, reinterpret_cast<FlowPoints*>(lParam));

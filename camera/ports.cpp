@@ -105,7 +105,7 @@ std::wstring DeviceName(HANDLE device) {
 }
 
 // Notes the holder when the other process's handle is of a device of characters.
-void NoteHolder(HANDLE process, HANDLE theirs, PortHolders* holders) {
+void AddHolder(HANDLE process, HANDLE theirs, PortHolders* holders) {
   HANDLE mine = nullptr;
   if (!DuplicateHandle(process, theirs, GetCurrentProcess(), &mine, 0, FALSE, DUPLICATE_SAME_ACCESS)) return;
   if (GetFileType(mine) == FILE_TYPE_CHAR) {
@@ -134,7 +134,7 @@ PortHolders FindPortHolders() {
       id = entry.process;
       process = OpenProcess(PROCESS_DUP_HANDLE | PROCESS_QUERY_LIMITED_INFORMATION, FALSE, static_cast<DWORD>(id));
     }
-    if (process) NoteHolder(process, reinterpret_cast<HANDLE>(entry.handle), &holders);
+    if (process) AddHolder(process, reinterpret_cast<HANDLE>(entry.handle), &holders);
   }
   if (process) CloseHandle(process);
   return holders;

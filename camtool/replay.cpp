@@ -51,7 +51,7 @@ bool IsOver(const Player& player) {
 }
 
 // Waits until a moment of the play, but not beyond the end that was asked for. False when the play is over by then.
-bool WaitInPlay(const Player& player, double moment) {
+bool WaitUntilDue(const Player& player, double moment) {
   const double end = settings.seconds > 0 ? player.start + settings.seconds : moment;
   return camera::WaitExactlyUntil(std::min(moment, end), StopEvent()) && moment <= end;
 }
@@ -60,7 +60,7 @@ bool WaitInPlay(const Player& player, double moment) {
 double PlayRound(Player* player, double begin, ProgressLine* progress) {
   camera::Chunk chunk;
   while (!IsOver(*player) && camera::NextChunk(&player->recording, &chunk)) {
-    if (!WaitInPlay(*player, begin + static_cast<double>(chunk.microseconds) / 1e6 / settings.speed)) break;
+    if (!WaitUntilDue(*player, begin + static_cast<double>(chunk.microseconds) / 1e6 / settings.speed)) break;
     const camera::Written written =
         camera::WritePort(player->port.handle(), chunk.bytes.data(), chunk.bytes.size(), kTimeoutMs);
     const auto size = static_cast<long long>(chunk.bytes.size());
@@ -87,9 +87,9 @@ int Play(Player* player, int port) {
       begin = PlayRound(player, begin, &progress);
       if (player->rounds == 1) damage = camera::DescribeDamage(player->recording);
       if (player->recording.decoder.chunks == 0) break;
-    } while (settings.loop && !IsOver(*player) && WaitInPlay(*player, begin));
+    } while (settings.loop && !IsOver(*player) && WaitUntilDue(*player, begin));
     // The quiet at the end belongs to the recording.
-    if (!settings.loop && !IsOver(*player)) WaitInPlay(*player, begin);
+    if (!settings.loop && !IsOver(*player)) WaitUntilDue(*player, begin);
   }
   std::printf("%lld bytes sent, %lld lost because nothing read them, %.1f s\n", player->bytes, player->lostBytes,
               camera::Now() - player->start);

@@ -108,7 +108,7 @@ UINT_PTR FrameBytes(const BITMAPINFOHEADER& format, const VIDEOHDR& frame) {
   return rowBytes * static_cast<UINT_PTR>(std::abs(format.biHeight));
 }
 
-void TurnFrameOver(const VideoLink* link) {
+void FlipFrame(const VideoLink* link) {
   GdiFlush();
   const auto row = [link](LONG y) {
     return static_cast<std::uint32_t*>(link->framePixels) + static_cast<size_t>(y) * link->frameWidth;
@@ -132,7 +132,7 @@ void DrawIntoFrame(const VideoLink* link, WholeFormat* format, void* data) {
   const BOOL drawn = libraries.drawDibDraw(draw, dc, 0, 0, link->frameWidth, link->frameHeight, &format->header, data,
                                            0, 0, format->header.biWidth, format->header.biHeight, DDF_SAME_HDC);
   libraries.drawDibClose(draw);
-  if (drawn && topFirst && IsUncompressed(format->header)) TurnFrameOver(link);
+  if (drawn && topFirst && IsUncompressed(format->header)) FlipFrame(link);
 }
 
 LRESULT CALLBACK FrameArrived(HWND capture, VIDEOHDR* frame) {

@@ -66,7 +66,7 @@ GeodeticPosition PositionFromEarthCentred(double x, double y, double z) {
   return {.longitude = Degrees(std::atan2(y, x)), .latitude = Degrees(std::atan2(up, out))};
 }
 
-GeodeticPosition StatedPosition(const LocalFrame& frame, const FlightTrackPoint& point, GeodeticPosition previous) {
+GeodeticPosition GeodeticPositionOf(const LocalFrame& frame, const FlightTrackPoint& point, GeodeticPosition previous) {
   switch (point.bKind) {
     case kPointGeodetic: return {.longitude = point.dLongitude, .latitude = point.dLatitude};
     case kPointEarthCentred: return PositionFromEarthCentred(point.dCentredX, point.dCentredY, point.dCentredZ);

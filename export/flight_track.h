@@ -75,6 +75,6 @@ GeodeticPosition PositionFromLocal(const LocalFrame& frame, double x, double y);
 GeodeticPosition PositionFromEarthCentred(double x, double y, double z);
 
 // The position that a point states by its kind, or `previous` for a kind that is not known.
-GeodeticPosition StatedPosition(const LocalFrame& frame, const FlightTrackPoint& point, GeodeticPosition previous);
+GeodeticPosition GeodeticPositionOf(const LocalFrame& frame, const FlightTrackPoint& point, GeodeticPosition previous);
 
 }  // namespace kv

@@ -17,7 +17,7 @@ namespace {
 constexpr LRESULT kNoState = 1;
 
 // Without a temporary folder the path stays empty, and exporting fails like with any file that cannot be created.
-void FixKmlPath(FlightTrackViewState& state) {
+void SetTemporaryKmlPath(FlightTrackViewState& state) {
   wchar_t folder[MAX_PATH + 1];
   const DWORD length = GetTempPathW(std::size(folder), folder);
   if (length == 0 || length >= std::size(folder)) return;
@@ -26,7 +26,7 @@ void FixKmlPath(FlightTrackViewState& state) {
 
 LRESULT OnCreate(HWND window) {
   auto* state = CreateWindowState<FlightTrackViewState>(window);
-  if (state) FixKmlPath(*state);
+  if (state) SetTemporaryKmlPath(*state);
   return 0;
 }
 

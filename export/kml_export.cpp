@@ -301,9 +301,9 @@ BOOL WriteTrackWaypoints(const wchar_t* path, const FlightTrack& track, std::spa
   GeodeticPosition position{.longitude = frame.longitude, .latitude = frame.latitude};
   NumberText positionText, altitudeText;
   for (const FlightTrackPoint& point : points) {
-    const GeodeticPosition stated = StatedPosition(frame, point, position);
-    if (!IsSomewhere(stated, point.dAltitude)) continue;
-    position = stated;
+    const GeodeticPosition geodetic = GeodeticPositionOf(frame, point, position);
+    if (!IsSomewhere(geodetic, point.dAltitude)) continue;
+    position = geodetic;
     AppendPosition(positionText, position);
     AppendAltitude(altitudeText, point.dAltitude);
     WriteLine(file, "", positionText, altitudeText);

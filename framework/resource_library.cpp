@@ -102,7 +102,7 @@ bool HasImports(const Library& library) {
 }
 
 // A library without code gives the loader nothing to do.
-bool HasNothingToRun(const Library& library) {
+bool HasNoCode(const Library& library) {
   for (const int i : {IMAGE_DIRECTORY_ENTRY_BASERELOC, IMAGE_DIRECTORY_ENTRY_TLS, IMAGE_DIRECTORY_ENTRY_LOAD_CONFIG,
                       IMAGE_DIRECTORY_ENTRY_BOUND_IMPORT, IMAGE_DIRECTORY_ENTRY_IAT, IMAGE_DIRECTORY_ENTRY_DELAY_IMPORT,
                       IMAGE_DIRECTORY_ENTRY_COM_DESCRIPTOR}) {
@@ -114,7 +114,7 @@ bool HasNothingToRun(const Library& library) {
 // Code that imports nothing is none: an entry point that damage has made.
 bool IsCodeValidOrAbsent(const Library& library) {
   const DWORD entry = library.image().AddressOfEntryPoint;
-  if (!entry) return HasNothingToRun(library);
+  if (!entry) return HasNoCode(library);
   return HasImports(library) && std::ranges::any_of(library.sections, [&](const IMAGE_SECTION_HEADER& section) {
            return (section.Characteristics & IMAGE_SCN_MEM_EXECUTE) && entry >= section.VirtualAddress &&
                   entry - section.VirtualAddress < std::min(section.SizeOfRawData, section.Misc.VirtualSize);

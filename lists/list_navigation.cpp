@@ -133,7 +133,7 @@ LRESULT OnKey(HWND list, ListState& state, WPARAM key) {
   return 0;
 }
 
-bool IsOurKey(WPARAM key) {
+bool IsNavigationKey(WPARAM key) {
   return key >= VK_PRIOR && key <= VK_DOWN;  // Page Up, Page Down, End, Home and the arrows
 }
 
@@ -243,7 +243,7 @@ LRESULT CALLBACK NavigationProcedure(HWND list, UINT message, WPARAM wParam, LPA
   switch (message) {
     case WM_GETDLGCODE: return DLGC_WANTARROWS;
     case WM_KEYDOWN:
-      if (IsOurKey(wParam)) return OnKey(list, *state, wParam);
+      if (IsNavigationKey(wParam)) return OnKey(list, *state, wParam);
       break;
     case WM_MOUSEWHEEL:
       if (shift) return OnSidewaysWheel(list, *state, -GET_WHEEL_DELTA_WPARAM(wParam));

@@ -46,7 +46,7 @@ struct Opening {
   DialogKind kind;
 };
 
-INT_PTR AskProcedure(HWND dialog, const DialogState& state, UINT message, WPARAM wParam, LPARAM lParam) {
+INT_PTR CallDialogProcedure(HWND dialog, const DialogState& state, UINT message, WPARAM wParam, LPARAM lParam) {
   return state.options.procedure ? state.options.procedure(dialog, message, wParam, lParam) : FALSE;
 }
 
@@ -88,7 +88,7 @@ bool TakesListFont(HWND control) {
 
 // Scaling deletes the fonts that it replaces. Controls share the template's font, and some continue to use it: lists,
 // controls outside the range. Therefore each scaled control first gets a copy.
-void GiveEachItsFont(HWND dialog) {
+void AssignFonts(HWND dialog) {
   VisitChildren(dialog, [](HWND child) {
     LOGFONTW description{};
     if (!GetObjectW(FontOf(child), sizeof(description), &description)) return;
@@ -235,8 +235,8 @@ INT_PTR OnInit(HWND dialog, const Opening& opening) {
   state->minimumSize = {options.minimumSize.cx ? options.minimumSize.cx : asInTemplate.cx,
                         options.minimumSize.cy ? options.minimumSize.cy : asInTemplate.cy};
   const INT_PTR result =
-      AskProcedure(dialog, *state, WM_INITDIALOG, reinterpret_cast<WPARAM>(GetFocus()), options.parameter);
-  GiveEachItsFont(dialog);
+      CallDialogProcedure(dialog, *state, WM_INITDIALOG, reinterpret_cast<WPARAM>(GetFocus()), options.parameter);
+  AssignFonts(dialog);
   Capture(dialog, *state);
   state->textTips = CreateTextTips(dialog);
   ShowLanguage(dialog);
@@ -365,7 +365,7 @@ INT_PTR CALLBACK ScaledDialogProcedure(HWND dialog, UINT message, WPARAM wParam,
   const bool isSize = message == WM_SIZE && wParam != SIZE_MINIMIZED;
   if (isSize) PlaceControls(dialog, *state);
   if (message == WM_DESTROY) OnDestroy(dialog, *state);
-  const INT_PTR result = AskProcedure(dialog, *state, message, wParam, lParam);
+  const INT_PTR result = CallDialogProcedure(dialog, *state, message, wParam, lParam);
   if (isSize) PlacePage(dialog, *state);
   return result || !DialogStateOf(dialog) ? result : HandleDefault(dialog, *state, message, wParam, lParam);
 }
@@ -413,7 +413,7 @@ void ShowLanguage(HWND dialog) {
   ReplaceTooltips(dialog, *state);
   const bool turned = MirrorDialog(dialog);
   for (const DialogPage& page : std::vector(state->pages)) ShowLanguage(page.window);
-  AskProcedure(dialog, *state, kLanguageChanged, static_cast<WPARAM>(CurrentLanguage()), 0);
+  CallDialogProcedure(dialog, *state, kLanguageChanged, static_cast<WPARAM>(CurrentLanguage()), 0);
   const SIZE client = ClientSize(dialog);
   if (turned) SendMessageW(dialog, WM_SIZE, SIZE_RESTORED, MAKELPARAM(client.cx, client.cy));
   RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);

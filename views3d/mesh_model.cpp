@@ -149,7 +149,7 @@ bool IsLiveModel(HGLOBAL mesh, MeshModel* model) {
 }
 
 template <class T>
-void Deliver(T* target, T value) {
+void StoreIfWritable(T* target, T value) {
   if (!IsBadWritePtr(target, sizeof(*target))) *target = value;
 }
 
@@ -242,8 +242,8 @@ BOOL meshLock(HGLOBAL mesh, MeshModel** model, MeshVertex** vertices, MeshTriang
     return FALSE;
   }
   *model = locked;
-  Deliver(vertices, VerticesOf(locked));
-  Deliver(triangles, TrianglesOf(locked));
+  StoreIfWritable(vertices, VerticesOf(locked));
+  StoreIfWritable(triangles, TrianglesOf(locked));
   return TRUE;
 }
 
@@ -268,9 +268,9 @@ BOOL meshSetView(HGLOBAL mesh, double factor1, double factor2, double angleA, do
 BOOL meshGetAngles(HGLOBAL mesh, double* angleA, double* angleB, double* angleC) {
   MeshModel* model = nullptr;
   if (!meshLock(mesh, &model, nullptr, nullptr)) return FALSE;
-  Deliver<double>(angleA, model->angleA);
-  Deliver<double>(angleB, model->angleB);
-  Deliver<double>(angleC, model->angleC);
+  StoreIfWritable<double>(angleA, model->angleA);
+  StoreIfWritable<double>(angleB, model->angleB);
+  StoreIfWritable<double>(angleC, model->angleC);
   meshUnlock(model);
   return TRUE;
 }

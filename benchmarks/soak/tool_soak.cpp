@@ -279,7 +279,7 @@ void DoSomething(Soak* soak, Observer* observer) {
 
 // Classifies every record as received, lost or expected to be lost.
 void PrintRecords(const std::vector<SentRecord>& sent, const Observer& observer) {
-  std::map<std::string, size_t> fates{{"not accounted for", 0}};
+  std::map<std::string, size_t> outcomes{{"not accounted for", 0}};
   bool isOutOfStep = false;
   for (size_t i = 0; i < sent.size(); ++i) {
     const double at = sent[i].seconds;
@@ -290,16 +290,16 @@ void PrintRecords(const std::vector<SentRecord>& sent, const Observer& observer)
     }
     // The value was visible from the moment of its reception until the next one.
     const double next = i + 1 < sent.size() ? sent[i + 1].seconds : at + 1;
-    ++fates[observer.HasSeen(i)                                               ? "seen by the tool"
-            : sent[i].isFaulty                                                ? "lost: faulty"
-            : !sent[i].isDelivered                                            ? "lost: not delivered"
-            : !observer.WasConnected(at) || !observer.WasConnected(at - 0.05) ? "lost: not connected"
-            : isOutOfStep                                                     ? "lost: after a faulty one"
-            : !observer.HasSampled(at + kReaderSeconds, next)                 ? "not observed in time"
-                                                                              : "not accounted for"];
+    ++outcomes[observer.HasSeen(i)                                               ? "seen by the tool"
+               : sent[i].isFaulty                                                ? "lost: faulty"
+               : !sent[i].isDelivered                                            ? "lost: not delivered"
+               : !observer.WasConnected(at) || !observer.WasConnected(at - 0.05) ? "lost: not connected"
+               : isOutOfStep                                                     ? "lost: after a faulty one"
+               : !observer.HasSampled(at + kReaderSeconds, next)                 ? "not observed in time"
+                                                                                 : "not accounted for"];
   }
   std::printf("  %-30s%zu\n", "records sent", sent.size());
-  for (const auto& [fate, count] : fates) std::printf("    %-28s%zu\n", fate.c_str(), count);
+  for (const auto& [outcome, count] : outcomes) std::printf("    %-28s%zu\n", outcome.c_str(), count);
 }
 
 }  // namespace

@@ -307,7 +307,7 @@ LRESULT OnCommand(HWND window, InstrumentState* state, WPARAM wParam, LPARAM lPa
 
 // ---- For screen readers ---------------------------------------------------------------------------------------------
 
-FixedText SpokenValue(const InstrumentState& state) {
+FixedText AccessibleValue(const InstrumentState& state) {
   const InstrumentReading reading = ReadingOf(state.block);
   if (!reading.valid) return {};
   const int decimals = state.block.format & kFormatDecimals;
@@ -328,7 +328,7 @@ FixedText SpokenValue(const InstrumentState& state) {
 AccessibleText Describe(HWND window) {
   const auto* state = WindowState<InstrumentState>(window);
   if (!state) return {};
-  return {std::wstring(DecodedName(state->block).view()), std::wstring(SpokenValue(*state).view())};
+  return {std::wstring(DecodedName(state->block).view()), std::wstring(AccessibleValue(*state).view())};
 }
 
 // ---- Message handlers -----------------------------------------------------------------------------------------------

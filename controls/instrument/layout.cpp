@@ -14,7 +14,7 @@ long long AreaOf(const RECT& area) {
 }
 
 // Two places that overlap or nearly fill their union are cheaper in one.
-bool BelongTogether(const RECT& first, const RECT& second) {
+bool ShouldMerge(const RECT& first, const RECT& second) {
   RECT common, both;
   UnionRect(&both, &first, &second);
   return IntersectRect(&common, &first, &second) || AreaOf(both) * 3 <= (AreaOf(first) + AreaOf(second)) * 4;
@@ -32,7 +32,7 @@ void DirtyRects::Add(RECT area) {
   // What it takes up grows, and may then belong together with another.
   for (int i = 0; i < count_;) {
     const bool full = count_ == static_cast<int>(areas_.size());
-    if (full || BelongTogether(areas_[i], area)) {
+    if (full || ShouldMerge(areas_[i], area)) {
       UnionRect(&area, &area, &areas_[i]);
       areas_[i] = areas_[--count_];
       i = 0;

@@ -37,30 +37,30 @@ class ChartTest : public testing::Test {
   HWND chart_ = kvtest::CreateControl(parent_, kChartClass, "", 0, {0, 0, 512, 384}, 1100);
 };
 
-bool IsNowhere(const CameraPoint& point) {
+bool IsHidden(const CameraPoint& point) {
   return point.x == kNoPoint && point.y == kNoPoint;
 }
 
 TEST_F(ChartTest, ExchangesPointsThroughItsMask) {
   FlowPoints read = Read();
   EXPECT_EQ(0u, read.mask);
-  for (const CameraPoint& point : read.points) EXPECT_TRUE(IsNowhere(point));
+  for (const CameraPoint& point : read.points) EXPECT_TRUE(IsHidden(point));
 
   FlowPoints set{.mask = 0b1011, .points = {{2000, -5}, {40, 900}, {7, 8}, {300, 1023}}};
   EXPECT_EQ(0, Command(kChartPoints, &set));
   read = Read();
   EXPECT_EQ(std::tuple(1023, 0, 900), std::tuple(read.points[0].x, read.points[0].y, read.points[1].y))
       << "clamped to 1023 only";
-  EXPECT_TRUE(IsNowhere(read.points[2])) << "not in the mask";
+  EXPECT_TRUE(IsHidden(read.points[2])) << "not in the mask";
   EXPECT_EQ((kvtest::AccessibleProperties{L"Optical flow", L"2: 40, 900", 0x11}), kvtest::ReadAccessible(chart_));
   EXPECT_EQ(0b0010u, read.mask) << "a point with one coordinate at 1023 is not shown";
 
   FlowPoints remove{.mask = 0b0010, .points = {{1, 1}, {1, 1}, {1, 1}, {1, 1}}};
   EXPECT_EQ(0, Command(kCommandRemove | kChartPoints, &remove));
-  EXPECT_TRUE(IsNowhere(Read().points[1]));
+  EXPECT_TRUE(IsHidden(Read().points[1]));
   EXPECT_EQ(0, Read().points[0].y) << "others are unchanged";
   EXPECT_EQ(0, Command(kChartClear));
-  EXPECT_TRUE(IsNowhere(Read().points[0]));
+  EXPECT_TRUE(IsHidden(Read().points[0]));
 }
 
 TEST_F(ChartTest, DrawsEachPointAtItsPositionAndNothingElse) {

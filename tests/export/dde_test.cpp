@@ -191,9 +191,9 @@ TEST_F(Dde, BadArgumentsAreRejected) {
 
 // The first probe of ddeStartStop finds nothing writable, later ones everything: the only case in which a start
 // succeeds.
-class WritableAtSecondLook {
+class WritableAtSecondProbe {
  public:
-  WritableAtSecondLook() { looked_ = false; }
+  WritableAtSecondProbe() { looked_ = false; }
 
  private:
   static BOOL WINAPI IsBad(void*, UINT_PTR) { return !std::exchange(looked_, true); }
@@ -207,7 +207,7 @@ bool IsLive(DWORD instance) {
 }
 
 BOOL StartStop(BOOL start, DWORD* slot) {
-  const WritableAtSecondLook secondLook;
+  const WritableAtSecondProbe secondProbe;
   return kv::ddeStartStop(start, slot);
 }
 
@@ -256,7 +256,7 @@ class ExcelLink : public testing::Test {
   }
   // Opens the link in the only case in which its start succeeds.
   static BOOL Open() {
-    const WritableAtSecondLook secondLook;
+    const WritableAtSecondProbe secondProbe;
     return kv::excelLink(1);
   }
   const kv::ExcelLinkState& link_ = kv::excelLinkState;
@@ -278,7 +278,7 @@ TEST_F(ExcelLink, StartsTheSpreadsheetIfItIsNotRunning) {
   EXPECT_EQ("open Excel.exe ", std::string(info.lpVerb) + " " + info.lpFile + " " + info.lpParameters);
   EXPECT_TRUE(!info.hwnd && !info.lpDirectory && !info.hProcess);
 
-  const WritableAtSecondLook secondLook;
+  const WritableAtSecondProbe secondProbe;
   EXPECT_EQ(1, kv::excelLink(0));
   EXPECT_EQ(0u, link_.ddeInstance);
 }
