@@ -16,7 +16,7 @@
 
 namespace kv {
 
-// The control needs no record: all its state is the bitmap, whose handle stands in the window's user data.
+// The control's only state is the bitmap, whose handle is in the window's user data.
 
 namespace {
 
@@ -46,7 +46,7 @@ SIZE BitmapSize(HBITMAP bitmap) {
 HBITMAP LoadNamedBitmap(HINSTANCE instance, const char* name) {
   const unsigned long number = std::strtoul(name, nullptr, 0);
   if (number == 0) return LoadBitmapA(instance, name);
-  // Resource ids have 16 bits; a larger number names none, rather than the one that its low word happens to name.
+  // Resource ids have 16 bits: a larger number is invalid; do not use its low word.
   return number <= 0xFFFF ? LoadBitmapA(instance, MAKEINTRESOURCEA(number)) : nullptr;
 }
 
@@ -118,7 +118,7 @@ LRESULT OnCopy(HWND window, LPARAM lParam) {
   return 0;
 }
 
-// What a click fell upon may have destroyed this control; then there is nobody to report for.
+// The control beneath may have destroyed this one; then no notification is posted.
 void Notify(HWND window, WORD code) {
   if (IsWindow(window)) PostNotification(window, code);
 }
@@ -152,7 +152,7 @@ LRESULT OnDestroy(HWND window) {
   return 0;
 }
 
-// A resource's number tells a person nothing.
+// A resource number is not a useful accessible name.
 AccessibleText Describe(HWND window) {
   const std::wstring name = WindowText(window);
   return {std::wcstoul(name.c_str(), nullptr, 0) ? std::wstring() : name, {}};

@@ -25,7 +25,7 @@ int DecimalsOf(double step) {
 double NiceStep(double least) {
   const double exponent = std::floor(std::log10(least));
   for (const double factor : {1.0, 2.0, 5.0}) {
-    // Dividing by a whole power keeps 0.1 what it is written.
+    // Dividing by an integral power gives exactly 0.1; multiplying by 10^-1 does not.
     const double step = exponent < 0 ? factor / std::pow(10, -exponent) : factor * std::pow(10, exponent);
     if (step >= least * (1 - 1e-12)) return step;
   }
@@ -63,7 +63,7 @@ std::wstring TickText(double value, double step) {
   FormatBounded(text, sizeof(text), plain ? L"%.*f" : L"%.*g", plain ? decimals : digits, value);
   const std::wstring number = text;
   const size_t power = number.find(L'e');
-  // The run-time writes a power with its sign and up to three digits.
+  // The runtime writes an exponent with its sign and up to three digits.
   return power == std::wstring::npos
              ? number
              : number.substr(0, power + 1) + std::to_wstring(std::wcstol(text + power + 1, nullptr, 10));

@@ -1,5 +1,4 @@
-// The strip chart's axes: steps of 1, 2 and 5, steps of the clock, ranges that end on a tick, and what stands beside
-// the ticks. Pure; any thread.
+// The strip chart's axes: steps of 1, 2 and 5, time steps, ranges that end on a tick, and labels. Pure; any thread.
 #pragma once
 
 #include <string>
@@ -10,21 +9,21 @@ struct AxisRange {
   double low, high;
 };
 
-// The least of 1, 2 and 5 times a power of ten that is not below `least` (positive).
+// The smallest number of the form 1, 2 or 5 times a power of ten that is at least `least` (positive).
 double NiceStep(double least);
-// The same for times in seconds; from a second to a day, with `clock`, what divides a minute, an hour or a day.
+// The same for times in seconds. With `clock`, steps from a second to a day divide a minute, an hour or a day.
 double TimeStep(double least, bool clock);
 
-// The range in which `low` to `high` lies between multiples of a step of which about `ticks` fit; around a single value
-// some room.
+// A range that contains `low` to `high` and ends on multiples of a step, with about `ticks` steps. If both are equal,
+// the range has a margin.
 AxisRange NiceRange(double low, double high, int ticks);
 
-// The index of the first tick, a multiple of `step`, that is not below a value.
+// The index of the first tick (a multiple of `step`) at or above a value.
 double FirstTick(double low, double step);
 
-// A number in as many decimal places as the step needs, or to a few digits with a power of ten.
+// A number with the decimals that the step needs, or with a few digits and a power of ten.
 std::wstring TickText(double value, double step);
-// A time: seconds with their unit, or the time of day.
+// A time in seconds with unit, or the time of day.
 std::wstring TimeText(double seconds, double step, bool clock);
 
 }  // namespace kv

@@ -1,4 +1,4 @@
-// A strip chart on the clipboard: its picture, and what it shows as a table.
+// Copies a strip chart to the clipboard: its image, and the displayed values as a table.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -24,13 +24,13 @@ namespace {
 
 constexpr int kMinCopySize = 16, kMaxCopySize = 5120;
 
-// Numbers as the user's spreadsheet reads them.
+// Formats numbers for the user's spreadsheet.
 struct Table {
   std::wstring text;
   wchar_t separator[4] = L".";
 
   Table() { GetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, separator, ARRAYSIZE(separator)); }
-  // Whichever point setlocale has given the number.
+  // The decimal separator that setlocale has set.
   void Add(std::wstring_view number) {
     for (const wchar_t character : number) {
       if (character == L'.' || character == L',') {
@@ -68,7 +68,7 @@ struct Stretch {
   unsigned from, to;
 };
 
-// The samples of each channel that are shown.
+// The displayed samples of each channel.
 std::array<Stretch, kStripChannels> ShownSamples(const StripModel& model) {
   const StripStretch shown = ShownTimes(model);
   std::array<Stretch, kStripChannels> stretches{};
@@ -81,7 +81,7 @@ std::array<Stretch, kStripChannels> ShownSamples(const StripModel& model) {
   return stretches;
 }
 
-// One row for each time at which a channel has a sample; of several at the same time each has its own.
+// One row for each time at which a channel has a sample; samples of a channel with equal times have separate rows.
 void AddSamples(Table& table, const StripModel& model, std::array<Stretch, kStripChannels> left) {
   for (;;) {
     double time = kNever;
@@ -158,7 +158,7 @@ void AddTextToClipboard(HWND window, const std::wstring& text) {
 
 LRESULT CopyStrip(StripChart& chart, LPARAM requested) {
   const SIZE size = RequestedCopySize(requested, ClientSize(chart.window), kMinCopySize, kMaxCopySize);
-  // Drawn at the size that is wanted, by a picture of its own: what the control's has still to show stays.
+  // Rendered at the requested size by a separate renderer: the control's state does not change.
   const double undrawn = chart.model.undrawnFrom, removed = chart.model.removedTo;
   const std::unique_ptr<StripRenderer> renderer(new (std::nothrow) StripRenderer);
   if (!renderer) return 0;
@@ -166,7 +166,7 @@ LRESULT CopyStrip(StripChart& chart, LPARAM requested) {
   chart.model.undrawnFrom = undrawn;
   chart.model.removedTo = removed;
   const Surface& surface = renderer->WithMarks(chart.model, false);
-  // Before the clipboard tells its former owner, who may end the control.
+  // Before opening the clipboard, which notifies its previous owner, who may destroy the control.
   const std::wstring table = TableOf(chart.model, renderer->layoutShown());
   HWND window = chart.window;
   if (surface.bitmap() && CopyBitmapToClipboard(window, surface.bitmap(), size, size))

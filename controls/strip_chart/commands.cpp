@@ -1,4 +1,4 @@
-// What the owner of a strip chart sends.
+// The commands of a strip chart's owner.
 #include <cmath>
 
 #include "controls/strip_chart/control.h"
@@ -124,7 +124,7 @@ LRESULT OnStripCommand(StripChart& chart, WPARAM wParam, LPARAM lParam) {
   if (wParam & kCommandRead) return TRUE;
   const bool render = LOBYTE(wParam) == kStripRender, append = LOBYTE(wParam) == kStripAppend;
   const bool now = render || (wParam & kCommandRedraw);
-  // So many samples may come one by one that not each can have a picture.
+  // Samples may arrive faster than the chart can be drawn.
   if (append && !now && !chart.waiting) chart.waiting = SetTimer(chart.window, kShowTimer, kShowMs, nullptr) != 0;
   if (append && now) RefreshStrip(chart);
   if (!append || !(now || chart.waiting)) InvalidateRect(chart.window, nullptr, FALSE);

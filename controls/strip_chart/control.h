@@ -12,25 +12,25 @@ struct StripChart {
   HWND window = nullptr;
   StripModel model;
   StripRenderer renderer;
-  bool redrawAll = true;  // all is to be drawn
-  bool waiting = false;   // timer 5 runs until new samples are shown
-  bool hovering = false;  // the cursor follows the pointer, which is at this x
+  bool redrawAll = true;  // the next update draws everything
+  bool waiting = false;   // timer 5 runs until new samples are drawn
+  bool hovering = false;  // the cursor follows the mouse pointer, at hoverX
   LONG hoverX = 0;
   enum class Drag { kNone, kPan, kMark } drag = Drag::kNone;
   LONG dragX = 0, wheel = 0;
-  bool dragged = false;  // since the button went down
+  bool dragged = false;  // moved since the button was pressed
 };
 
 struct StripState {
-  HGLOBAL hMemory;  // of this record
+  HGLOBAL hMemory;  // of this block
   StripChart* chart;
 };
 
-// Brings the picture up to date and invalidates what changed; everything, when cursor or mark are to be drawn with it.
+// Updates the back buffer and invalidates the changed parts, or everything if there is a cursor or a selection.
 void RefreshStrip(StripChart& chart);
-// kControlCommand.
+// Handles kControlCommand.
 LRESULT OnStripCommand(StripChart& chart, WPARAM wParam, LPARAM lParam);
-// WM_COPY.
+// Handles WM_COPY.
 LRESULT CopyStrip(StripChart& chart, LPARAM requested);
 
 }  // namespace kv

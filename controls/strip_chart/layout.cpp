@@ -1,4 +1,4 @@
-// Where things stand in a strip chart, and in which colours.
+// Layout and colours of a strip chart.
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -13,8 +13,8 @@ namespace kv {
 
 namespace {
 
-constexpr double kDigitWidth = 0.56;  // of the characters' height
-constexpr int kLabelCharacters = 10;  // room for a time, with a distance to the next
+constexpr double kDigitWidth = 0.56;  // relative to the character height
+constexpr int kLabelCharacters = 10;  // the width of a time with the gap to the next
 
 LONG CharacterCount(const AxisRange& range, double step) {
   size_t most = 1;
@@ -24,7 +24,7 @@ LONG CharacterCount(const AxisRange& range, double step) {
   return static_cast<LONG>(most);
 }
 
-// Axes from the outside in, as many as leave the plot most of the width.
+// Axes from the outside inwards, as long as the plot keeps most of the width.
 void LayoutAxes(StripLayout& layout, const StripModel& model, RECT* plot) {
   const bool numbers = layout.labelsPx > 0;
   const int ticks = std::max(2, static_cast<int>((plot->bottom - plot->top) / (2.2 * layout.fontPx)));
@@ -57,7 +57,7 @@ COLORREF Mix(COLORREF from, COLORREF to, int percent) {
   return color;
 }
 
-// The colour, drawn towards `ink` until it stands out from `paper`.
+// Blends the colour with `ink` until it contrasts with `paper`.
 COLORREF Readable(COLORREF color, COLORREF paper, COLORREF ink, double minContrast) {
   const double background = Luminance(paper) + 0.05;
   for (int percent = 0; percent < 100; percent += 20) {
@@ -83,7 +83,7 @@ bool IsHighContrast() {
 
 StripLayout LayoutStrip(const StripModel& model, SIZE size) {
   StripLayout layout;
-  std::fill_n(reinterpret_cast<BYTE*>(&layout), sizeof(layout), BYTE{0});  // it is compared byte by byte
+  std::fill_n(reinterpret_cast<BYTE*>(&layout), sizeof(layout), BYTE{0});  // layouts are compared byte by byte
   layout.size = size;
   layout.fontPx = std::clamp(static_cast<int>(std::min(size.cx, size.cy * 3 / 2)) / 38, 11, 40);
   layout.digitPx = std::max(1, static_cast<int>(std::ceil(layout.fontPx * kDigitWidth)));
@@ -161,7 +161,7 @@ StripColors ColorsOf(const StripModel& model) {
   }
   for (int i = 0; i < kStripZones; ++i) {
     const COLORREF own = disabled ? Grey(model.zones[i].color & 0xFFFFFF) : model.zones[i].color & 0xFFFFFF;
-    // Where contrast counts, a zone is no more than a hint.
+    // In high contrast a zone is drawn faintly.
     colors.zones[i] = Mix(colors.paper, own, contrast ? 8 : 22);
   }
   return colors;

@@ -1,4 +1,4 @@
-// What lies over a strip chart's picture: the cursor, the marked stretch, and the tip that tells values or statistics.
+// The overlay of a strip chart: cursor, selection, and a tooltip with values or statistics.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -24,7 +24,7 @@ std::wstring ValueText(double value, const StripAxis& axis) {
   return std::isnan(value) ? std::wstring(kNothing) : TickText(value, axis.step / 100);
 }
 
-// A row of a tip: the channel whose colour stands before it, or -1, and its texts from the left.
+// A row of the tooltip: the channel whose colour precedes it, or -1, and its texts from left to right.
 struct TipRow {
   int channel;
   std::array<std::wstring, kColumns> texts;
@@ -37,7 +37,7 @@ struct Tip {
 
 Tip StatisticsTip(const StripModel& model, const StripLayout& layout) {
   Tip tip{.columns = 6};
-  // Signs that every language knows.
+  // Symbols, so that no translation is needed.
   tip.rows[tip.count++] = {-1, {L"", L"n", L"min", L"max", L"\x00B5", L"\x03C3"}};
   for (int i = 0; i < kStripChannels; ++i) {
     if (!IsShown(model.channels[i])) continue;
@@ -93,7 +93,7 @@ void StripRenderer::DrawTip(Canvas& canvas, const StripModel& model) {
   const LONG line = layout.fontPx * 4 / 3, margin = layout.fontPx / 2, swatch = layout.fontPx;
   std::array<LONG, kColumns> widths{};
   for (int row = 0; row < tip.count; ++row) {
-    if (!statistics && row == 0) continue;  // the time may take the whole width
+    if (!statistics && row == 0) continue;  // the time may use the whole width
     for (int column = 0; column < tip.columns; ++column) {
       widths[column] = std::max(widths[column], WidthOf(dc, tip.rows[row].texts[column]) + margin * 2);
     }
@@ -104,7 +104,7 @@ void StripRenderer::DrawTip(Canvas& canvas, const StripModel& model) {
   const LONG height = line * tip.count + margin;
   const double place = statistics ? model.mark.to : model.cursor;
   const LONG x = std::clamp(XOfTime(layout, place), plot.left, plot.right);
-  // Beside the place, on the side where there is room, and never out of the control if it can be helped.
+  // To the right of the cursor or, if there is no space, to the left; within the control if possible.
   LONG left = x + margin * 2;
   if (left + width > layout.size.cx) left = x - margin * 2 - width;
   left = std::max(left, 0L);
@@ -146,7 +146,7 @@ const Surface& StripRenderer::WithMarks(const StripModel& model, bool focused) {
     const LONG to = std::clamp(XOfTime(layout, model.mark.to), plot.left - 1, plot.right - 1) + 1;
     if (from < to) {
       BlendArea(marked_, {from, plot.top, to, plot.bottom}, key_.colors.mark, 60);
-    } else if (layout.sweeps) {  // across the edge
+    } else if (layout.sweeps) {  // the selection wraps around the edge
       BlendArea(marked_, {from, plot.top, plot.right, plot.bottom}, key_.colors.mark, 60);
       BlendArea(marked_, {plot.left, plot.top, to, plot.bottom}, key_.colors.mark, 60);
     }
@@ -155,7 +155,7 @@ const Surface& StripRenderer::WithMarks(const StripModel& model, bool focused) {
     const LONG x = XOfTime(layout, model.cursor);
     if (x >= plot.left && x < plot.right) FillArea(canvas, {x, plot.top, x + 1, plot.bottom}, key_.colors.ink);
   }
-  // What is read is left out where it would cover all.
+  // No tooltip if it would cover the whole plot.
   if ((model.cursorShown || TellsStatistics(model)) && layout.labelsPx > 0) DrawTip(canvas, model);
   if (focused) {
     const RECT frame{plot.left - 1, plot.top - 1, plot.right + 1, plot.bottom + 1};

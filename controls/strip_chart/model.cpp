@@ -18,7 +18,7 @@ constexpr double kNoValue = std::numeric_limits<double>::quiet_NaN();
 constexpr COLORREF kChannelColors[kStripChannels] = {RGB(31, 104, 196), RGB(222, 97, 14),  RGB(34, 139, 60),
                                                      RGB(200, 40, 50),  RGB(126, 78, 178), RGB(0, 140, 150),
                                                      RGB(196, 66, 148), RGB(120, 96, 40)};
-// Spans that suit all that is kept, so that not every sample changes the scale.
+// Rounds the span of all stored samples up, so that not every sample changes the scale.
 constexpr double kSpanFactors[] = {1, 1.2, 1.5, 2, 2.5, 3, 4, 5, 6, 8, 10};
 
 bool IsRange(double low, double high) {
@@ -26,7 +26,7 @@ bool IsRange(double low, double high) {
   return magnitude <= kStripMaxValue && high - low > std::max(magnitude * 1e-9, 1e-200);
 }
 
-// Gives a channel a store, and if it has none a description.
+// Creates a channel's sample store and, if missing, its description.
 bool UseChannel(StripModel& model, unsigned index) {
   if (index >= kStripChannels) return false;
   StripChannelData& channel = model.channels[index];
@@ -46,7 +46,7 @@ double SpanFor(double length) {
   return 10 * unit;
 }
 
-// So far apart that doubles of this size tell a thousandth of it.
+// The smallest difference of which doubles of this size can represent a thousandth.
 double MinSpan(double time) {
   return std::max(1e-6, std::fabs(time) * 1e-11);
 }
@@ -55,7 +55,7 @@ void Follow(StripModel& model, bool follow) {
   model.view.state = follow ? model.view.state | kStripFollow : model.view.state & ~kStripFollow;
 }
 
-// Shows a stretch of this length and end, as far as there are samples.
+// Shows a time range with this length and end, limited to the stored samples.
 void Show(StripModel& model, double span, double end) {
   const StripStretch stored = StoredTimes(model);
   model.view.span = std::clamp(span, MinSpan(stored.to), 4 * kStripMaxTime);
@@ -73,7 +73,7 @@ double NearestValue(const StripModel& model, const StripChannelData& channel, do
 
 }  // namespace
 
-// ---- What the owner gives -------------------------------------------------------------------------------------------
+// ---- Owner's commands -----------------------------------------------------------------------------------------------
 
 bool SetChannel(StripModel& model, unsigned index, const StripChannel& info) {
   if (info.version != kStripVersion || !UseChannel(model, index)) return false;
@@ -110,7 +110,7 @@ bool SetStripCapacity(StripModel& model, DWORD capacity) {
     if (!channel.store.MakeResized(capacity, &stores[i])) return false;
     made = true;
   }
-  // Without a channel: whether one could have it.
+  // Without channels, test whether this capacity can be allocated.
   if (!made && !stores[0].MakeResized(capacity, &stores[0])) return false;
   for (int i = 0; i < kStripChannels; ++i) {
     if (model.channels[i].used) model.channels[i].store = std::move(stores[i]);
@@ -150,7 +150,7 @@ void ClearSamples(StripModel& model) {
   model.removedTo = kNever;
 }
 
-// ---- What is shown --------------------------------------------------------------------------------------------------
+// ---- Displayed ranges -----------------------------------------------------------------------------------------------
 
 StripStretch StoredTimes(const StripModel& model) {
   StripStretch stored{kNever, -kNever};
@@ -204,7 +204,7 @@ AxisRange RangeOf(const StripModel& model, int channel, int ticks) {
   return {middle - half, middle + half};
 }
 
-// ---- The user's steps -----------------------------------------------------------------------------------------------
+// ---- User's actions -------------------------------------------------------------------------------------------------
 
 void PanTime(StripModel& model, double parts) {
   const StripStretch shown = ShownTimes(model);
@@ -216,7 +216,7 @@ void ZoomTime(StripModel& model, double factor, double about) {
   const StripStretch shown = ShownTimes(model);
   const double span = shown.to - shown.from;
   const bool follows = shown.to >= StoredTimes(model).to;
-  // Who looks at the newest keeps looking at it.
+  // If the newest sample is displayed, continue to follow it.
   const double end = follows && about > 0.5 ? shown.to : shown.from + span * about + span * (1 - about) / factor;
   Show(model, span / factor, end);
 }
@@ -256,7 +256,7 @@ void ReturnHome(StripModel& model) {
   model.cursorShown = model.marked = false;
 }
 
-// ---- What is read ---------------------------------------------------------------------------------------------------
+// ---- Readings and statistics ----------------------------------------------------------------------------------------
 
 StripReading ReadingAt(const StripModel& model, double time) {
   StripReading reading{.time = time};

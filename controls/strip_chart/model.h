@@ -1,4 +1,4 @@
-// What a strip chart shows: its channels, and which times and values of them. Pure; the thread that owns the control.
+// The model of a strip chart: channels, and the displayed times and values. Pure; the thread that owns the control.
 #pragma once
 
 #include <array>
@@ -25,10 +25,10 @@ struct StripModel {
   std::array<bool, kStripZones> zoneShown{};
   DWORD style = 0, capacity = kStripDefaultCapacity;
   StripView view{kStripVersion, kStripFollow, 0, 0, 0, 0, 1, 0};
-  StripView home = view;        // as the owner set it
-  double heldAt = 0;            // the newest time when the user held
-  double undrawnFrom = kNever;  // what lies behind this time is not in the picture yet
-  double removedTo = -kNever;   // nor that what lay before this one is no longer kept
+  StripView home = view;        // the view that the owner has set
+  double heldAt = 0;            // the newest time when the display was frozen
+  double undrawnFrom = kNever;  // samples after this time have not been drawn
+  double removedTo = -kNever;   // samples before this time were discarded, but are still drawn
   bool cursorShown = false, marked = false;
   double cursor = 0;
   StripStretch mark{};
@@ -41,7 +41,7 @@ inline bool IsShown(const StripChannelData& channel) {
   return channel.used && (channel.info.state & kStripVisible);
 }
 
-// Each false with nothing changed: a channel that does not exist, what is no record, memory that is short.
+// These return false and change nothing if the channel does not exist, the struct is invalid or allocation fails.
 bool SetChannel(StripModel& model, unsigned index, const StripChannel& info);
 bool RemoveChannel(StripModel& model, unsigned index);
 bool AppendSamples(StripModel& model, unsigned index, std::span<const StripSample> samples);
@@ -50,19 +50,20 @@ bool SetZone(StripModel& model, unsigned index, const StripZone& zone, bool show
 bool SetView(StripModel& model, const StripView& view);
 void ClearSamples(StripModel& model);
 
-// From the oldest to the newest sample that may be shown; 0 to 0 without any.
+// From the oldest to the newest sample that can be displayed; 0 to 0 without samples.
 StripStretch StoredTimes(const StripModel& model);
-// What the view shows; `to` is the right edge.
+// The displayed time range; `to` is the right edge.
 StripStretch ShownTimes(const StripModel& model);
-// How many samples of a channel may be shown: while the picture is held, those from before.
+// The number of samples of a channel that can be displayed: while frozen, those up to the time of freezing.
 unsigned ShownCount(const StripModel& model, const StripChannelData& channel);
-// Whether the picture is a sweep: a look back is paper.
+// Whether the chart sweeps; earlier times are shown as in paper mode.
 bool IsSweep(const StripModel& model);
 
-// The range of a channel's axis, or of the one for all with -1, with about so many ticks if the values decide.
+// The range of a channel's axis, or of the common axis (-1). An automatic range has about `ticks` ticks.
 AxisRange RangeOf(const StripModel& model, int channel, int ticks);
 
-// The user's steps. Parts are of what is shown; `about` is a place in it, 0 at the left.
+// The user's actions. `parts` is relative to the displayed range; `about` is a position in it, 0 at the left, 1 at the
+// right.
 void PanTime(StripModel& model, double parts);
 void ZoomTime(StripModel& model, double factor, double about);
 void PanValues(StripModel& model, double parts);
@@ -74,7 +75,7 @@ void ReturnHome(StripModel& model);
 
 StripReading ReadingAt(const StripModel& model, double time);
 StripReading NewestReading(const StripModel& model);
-// Over the mark, or without one over what is shown.
+// The statistics over the selection or, without one, the displayed time range.
 StripStatistics ChannelStatistics(const StripModel& model, unsigned index);
 
 }  // namespace kv

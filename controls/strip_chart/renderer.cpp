@@ -18,7 +18,7 @@ namespace kv {
 namespace {
 
 constexpr wchar_t kFont[] = L"Arial Unicode MS";
-constexpr int kReach = 2;  // columns beside a sample that its line may touch
+constexpr int kReach = 2;  // the number of columns beside a sample that its line may touch
 
 std::wstring Decode(const char* text) {
   wchar_t wide[64] = L"";
@@ -63,7 +63,7 @@ void StripRenderer::FindFont(int heightPx) {
                           CLIP_DEFAULT_PRECIS, ANTIALIASED_QUALITY, VARIABLE_PITCH | FF_SWISS, kFont));
 }
 
-// ---- What stays while samples arrive --------------------------------------------------------------------------------
+// ---- Static parts ---------------------------------------------------------------------------------------------------
 
 void StripRenderer::DrawBackground(const StripModel& model) {
   const StripLayout& layout = key_.layout;
@@ -116,7 +116,7 @@ void StripRenderer::DrawGrid(Canvas& canvas, const RECT& paper, long long from, 
   }
   const double step = layout.timeStep, second = layout.secondsPerColumn;
   const bool clock = (key_.style & kStripTimeOfDay) != 0;
-  const LONG reach = 12 * layout.digitPx;  // of a label to either side
+  const LONG reach = 12 * layout.digitPx;  // the extent of a label to either side
   double tick = FirstTick(static_cast<double>(from - reach) * second, step);
   for (;; ++tick) {
     const double column = ColumnOf(tick * step, second);
@@ -134,7 +134,7 @@ void StripRenderer::DrawGrid(Canvas& canvas, const RECT& paper, long long from, 
   }
 }
 
-// Columns from..to-1 with `from` at x.
+// Draws columns from..to-1, with `from` at x.
 void StripRenderer::DrawStretch(Canvas& canvas, const StripModel& model, long long from, long long to, LONG x) {
   const StripLayout& layout = key_.layout;
   const StripColors& colors = key_.colors;
@@ -166,7 +166,7 @@ void StripRenderer::DrawStretch(Canvas& canvas, const StripModel& model, long lo
   }
 }
 
-// What of these columns is shown, and in a sweep the gap in front of the newest.
+// Draws the displayed part of these columns and, in a sweep, the gap after the newest sample.
 void StripRenderer::DrawColumns(const StripModel& model, long long from, long long to) {
   const StripLayout& layout = key_.layout;
   const LONG width = layout.plot.right - layout.plot.left;
@@ -204,11 +204,11 @@ void StripRenderer::Scroll(long long columns) {
   }
 }
 
-// ---- Bringing it up to date -----------------------------------------------------------------------------------------
+// ---- Update ---------------------------------------------------------------------------------------------------------
 
 RECT StripRenderer::Update(StripModel& model, SIZE size, bool redrawAll) {
   Key key;
-  std::fill_n(reinterpret_cast<BYTE*>(&key), sizeof(key), BYTE{0});  // with what lies between the fields
+  std::fill_n(reinterpret_cast<BYTE*>(&key), sizeof(key), BYTE{0});  // including padding bytes
   key.layout = LayoutStrip(model, size);
   key.colors = ColorsOf(model);
   key.style = model.style;
@@ -240,7 +240,7 @@ RECT StripRenderer::Update(StripModel& model, SIZE size, bool redrawAll) {
     model.removedTo = -kNever;
     return whole;
   }
-  // While it is held, the picture stands whatever arrives.
+  // A frozen chart does not change when samples arrive.
   if (held || (model.undrawnFrom == kNever && model.removedTo == -kNever && last == before)) return {};
   key_.layout.lastColumn = last;
   if (!key_.layout.sweeps && last > before) Scroll(last - before);

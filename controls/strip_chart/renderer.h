@@ -1,6 +1,6 @@
-// The picture of a strip chart: how it is laid out, what it looks like, and how it is brought up to date. Time stands
-// on a grid of whole columns of pixels, column 0 beginning at time 0: so what is shown moves by whole pixels, and only
-// the columns that changed are drawn. The thread that owns the control.
+// Layout, drawing and partial updates of a strip chart. The time axis consists of whole columns of pixels; column 0
+// begins at time 0. Therefore the chart scrolls by whole pixels, and only changed columns are drawn. The thread that
+// owns the control.
 #pragma once
 
 #include <windows.h>
@@ -15,29 +15,29 @@
 namespace kv {
 
 struct StripAxis {
-  int channel;  // -1: for all
-  RECT area;    // of its numbers
+  int channel;  // -1: the common axis
+  RECT area;    // the area of its numbers
   AxisRange range;
   double step;
 };
 
 struct StripLayout {
   SIZE size;
-  int fontPx, digitPx;  // height of the characters, width of a figure
+  int fontPx, digitPx;  // character height, digit width
   RECT legend, plot;
-  int labelsPx;     // height of the times below the plot; 0: there are none
-  int axes, gapPx;  // gapPx: columns that a sweep leaves free in front of the newest
+  int labelsPx;     // height of the times below the plot; 0: none
+  int axes, gapPx;  // gapPx: free columns after the newest sample of a sweep
   std::array<StripAxis, kStripChannels> axis;
   double secondsPerColumn, timeStep, lineWidth;
-  long long lastColumn;  // at the right edge, or where a sweep stands
+  long long lastColumn;  // at the right edge, or the newest of a sweep
   BOOL sweeps;
 };
 StripLayout LayoutStrip(const StripModel& model, SIZE size);
 
-// The time axis: which time stands at an x, and where a time stands; off the plot when it is not shown.
+// Conversion between times and x coordinates; for times that are not displayed, x is outside the plot.
 double TimeAtX(const StripLayout& layout, LONG x);
 LONG XOfTime(const StripLayout& layout, double time);
-// The axis by which a channel is drawn.
+// The axis of a channel.
 const StripAxis& AxisOf(const StripLayout& layout, int channel);
 
 struct StripColors {
@@ -53,9 +53,9 @@ LONG WidthOf(HDC dc, const std::wstring& text);
 
 class StripRenderer {
  public:
-  // Brings the picture up to date and returns what changed of it; with `redrawAll` it is all drawn.
+  // Updates the image and returns the changed rectangles; with `redrawAll` draws everything.
   RECT Update(StripModel& model, SIZE size, bool redrawAll);
-  // The picture with cursor, mark and their tip, and a frame with the focus; what Update made if there are none.
+  // The image with cursor, selection, tooltip and focus frame; without them, the image of Update.
   const Surface& WithMarks(const StripModel& model, bool focused);
 
   const StripLayout& layoutShown() const { return key_.layout; }
@@ -63,7 +63,7 @@ class StripRenderer {
   HDC memoryDc() const { return dc_; }
 
  private:
-  // All that a column depends on beside the samples; compared byte by byte, without the time at the right edge.
+  // Everything except the samples on which a column depends; compared byte by byte, without the time at the right edge.
   struct Key {
     StripLayout layout;
     StripColors colors;

@@ -50,8 +50,7 @@ void SampleStore::Put(const StripSample& sample) {
   const double value = isGap ? std::numeric_limits<double>::quiet_NaN() : sample.value;
   times_[slot] = sample.time;
   values_[slot] = value;
-  // A block begins anew with its first slot; until the ring has filled it, it is a part of no stretch that is asked for
-  // as a whole.
+  // The first slot resets a block. Until the ring has filled the block, no query uses it as a whole.
   for (int i = 0; i < kLevels; ++i) {
     const int bits = (i + 1) * kFanOutBits;
     Extent& block = levels_[i][slot >> bits];
@@ -60,10 +59,10 @@ void SampleStore::Put(const StripSample& sample) {
   }
 }
 
-// The first sample for which `reached` holds; those before it are not, those behind it are.
+// The first sample for which `reached` is true; it must be false for all samples before and true for all after it.
 template <class Reached>
 unsigned SampleStore::Search(unsigned hint, Reached reached) const {
-  unsigned low = 0, high = count_;  // the answer lies between, both included
+  unsigned low = 0, high = count_;  // the result is in this range, including both ends
   hint = std::min(hint, count_);
   if (hint < count_ && !reached(hint)) {
     low = hint + 1;
@@ -113,7 +112,7 @@ Extent SampleStore::ExtentOf(unsigned from, unsigned to) const {
   return extent;
 }
 
-// What does not fill a block at either end, then the same with the blocks.
+// Handles partial blocks at both ends, then continues with whole blocks on the next level.
 void SampleStore::AddSlots(unsigned from, unsigned to, Extent* extent) const {
   constexpr unsigned kFanOut = 1u << kFanOutBits;
   for (; from < to && from % kFanOut; ++from) extent->Add(values_[from]);
@@ -145,7 +144,7 @@ StripStatistics SampleStore::StatisticsOf(unsigned from, unsigned to) const {
     const double distance = ValueAt(i) - mean;
     if (std::isnan(distance)) continue;
     squares += distance * distance;
-    rest += distance;  // what rounding left of the mean
+    rest += distance;  // rounding error of the mean
   }
   const Extent extent = ExtentOf(from, to);
   const double variance = number > 1 ? (squares - rest * rest / number) / (number - 1) : 0;

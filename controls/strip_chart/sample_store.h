@@ -1,6 +1,6 @@
-// The samples of one channel: a ring that keeps the newest, and beside it a pyramid of minima and maxima, so that the
-// extent of any stretch costs a few dozen steps however many samples it has. Samples are counted from the oldest that
-// is kept, 0. Pure; one thread at a time. Nothing throws.
+// The samples of one channel: a ring buffer of the newest samples, and a pyramid of minima and maxima, with which the
+// extent of any range is found in a few dozen steps. Index 0 is the oldest stored sample. Pure; one thread at a time.
+// No function throws.
 #pragma once
 
 #include <algorithm>
@@ -18,7 +18,7 @@ struct Extent {
   double low = std::numeric_limits<double>::infinity(), high = -low;
 
   bool empty() const { return !(low <= high); }
-  // NaN adds nothing.
+  // NaN is ignored.
   void Add(double value) {
     if (value < low) low = value;
     if (value > high) high = value;
@@ -31,10 +31,11 @@ struct Extent {
 
 class SampleStore {
  public:
-  // Makes a store of another capacity with the newest of these samples. False for 0 and beyond what can be had.
+  // Changes the capacity, keeping the newest samples. Returns false for 0 and when allocation fails.
   bool MakeResized(unsigned capacity, SampleStore* other) const;
   void Clear() { first_ = count_ = 0; }
-  // False, with nothing taken, when a time is too far or earlier than the one before, or there is no capacity.
+  // Returns false and appends nothing when a time is out of range or earlier than the previous one, or the capacity is
+  // 0.
   bool Append(std::span<const StripSample> samples);
 
   unsigned capacity() const { return capacity_; }
@@ -44,16 +45,16 @@ class SampleStore {
   double oldest() const { return TimeAt(0); }
   double newest() const { return TimeAt(count_ - 1); }
 
-  // The first sample not before a time, or count(); searched for outwards from `hint`, a good guess being cheap.
+  // The first sample at or after a time, or count(). The search starts at `hint`; a good hint makes it fast.
   unsigned FirstFrom(double time, unsigned hint = 0) const;
-  // The first one behind it.
+  // The first sample after a time.
   unsigned FirstAfter(double time, unsigned hint = 0) const;
 
   Extent ExtentOf(unsigned from, unsigned to) const;
   StripStatistics StatisticsOf(unsigned from, unsigned to) const;
 
  private:
-  static constexpr int kLevels = 5, kFanOutBits = 5;  // a block stands for 32 of the level below it
+  static constexpr int kLevels = 5, kFanOutBits = 5;  // a block contains 32 blocks of the level below
 
   unsigned Slot(unsigned index) const {
     const unsigned slot = first_ + index;

@@ -14,10 +14,10 @@ namespace kv {
 
 namespace {
 
-constexpr unsigned kManySamples = 4;  // in a column
-constexpr int kParts = 4;             // of a column with fewer
+constexpr unsigned kManySamples = 4;  // per column
+constexpr int kParts = 4;             // parts of a column with fewer samples
 
-// What the line passes through between two times; its first sample and the one behind its last are searched from hints.
+// The part of the line between two times; hints speed up the search for its first and last sample.
 Extent PassedBetween(const SampleStore& store, unsigned count, double from, double to, unsigned hint,
                      unsigned endHint) {
   const unsigned first = std::min(store.FirstFrom(from, hint), count);

@@ -1,8 +1,8 @@
-// The line of one channel, column by column of pixels. What a column looks like depends on the samples in and beside it
-// and on nothing else, so that a column drawn alone is the same as in a picture drawn at once.
+// Draws the line of one channel, column by column of pixels. A column depends only on the samples in and beside it, so
+// that a partial redraw equals a full redraw.
 //
-// A column covers what the line passes through, made as thick as the pen. Where there are few samples, a quarter of a
-// column at a time, so that steep lines are smooth; where there are many, from their minimum to their maximum.
+// A column covers the part of the line within it, with the width of the pen. With few samples it is computed for
+// quarters of a column, so that steep lines are smooth; with many it extends from their minimum to their maximum.
 #pragma once
 
 #include <memory>
@@ -13,13 +13,13 @@
 
 namespace kv {
 
-// The coverage of one column's pixels while it is gathered.
+// Accumulates the coverage of one column's pixels.
 class TraceRows {
  public:
   bool Create(int height);
-  // From one height to another, rows from the top; `weight` of kWhole.
+  // Adds a vertical range, in rows from the top, with a `weight` relative to kWhole.
   void Add(double top, double bottom, int weight);
-  // Blends what was added into the column of pixels and begins anew.
+  // Blends the accumulated coverage into the column of pixels and resets it.
   void Flush(const Surface& surface, LONG x, LONG top, COLORREF color);
 
   static constexpr int kWhole = 256;
@@ -28,17 +28,17 @@ class TraceRows {
   void AddEdge(int height, int weight);
 
   int height_ = 0, first_ = 0, last_ = -1;
-  std::unique_ptr<int[]> cells_;  // how much more is covered from this row on than above it
+  std::unique_ptr<int[]> cells_;  // difference of coverage to the row above
 };
 
 struct TraceView {
   double secondsPerColumn;
   AxisRange range;
-  double width;    // of the line, in pixels
-  unsigned count;  // only the first samples are shown
+  double width;    // line width in pixels
+  unsigned count;  // only the first `count` samples are shown
 };
 
-// Draws the columns from..to-1 of the time axis, column 0 being at time 0, with `from` at x.
+// Draws the columns from..to-1 of the time axis, with `from` at x. Column 0 begins at time 0.
 void DrawTrace(Canvas& canvas, TraceRows& rows, const SampleStore& store, const TraceView& view, const RECT& plot,
                long long from, long long to, LONG x, COLORREF color);
 

@@ -1,4 +1,4 @@
-// The strip chart as a window: painting, mouse and keyboard.
+// The window of a strip chart: painting, mouse and keyboard.
 #include <oleacc.h>
 #include <shellapi.h>
 #include <windowsx.h>
@@ -47,7 +47,7 @@ StripChart* ChartOf(HWND window) {
   return state ? state->chart : nullptr;
 }
 
-// The user has changed something: shows it and tells the owner.
+// Shows a change by the user and notifies the owner.
 LRESULT Changed(StripChart& chart, WORD notification) {
   InvalidateRect(chart.window, nullptr, FALSE);
   NotifyValueChanged(chart.window);
@@ -55,7 +55,7 @@ LRESULT Changed(StripChart& chart, WORD notification) {
   return 0;
 }
 
-// ---- For screen readers ---------------------------------------------------------------------------------------------
+// ---- Accessibility --------------------------------------------------------------------------------------------------
 
 AccessibleText Describe(HWND window) {
   const StripChart* chart = ChartOf(window);
@@ -78,7 +78,7 @@ AccessibleText Describe(HWND window) {
   return text;
 }
 
-// ---- Life and painting ----------------------------------------------------------------------------------------------
+// ---- Creation, destruction and painting -----------------------------------------------------------------------------
 
 LRESULT OnCreate(HWND window) {
   auto* state = CreateWindowState<StripState>(window);
@@ -87,7 +87,7 @@ LRESULT OnCreate(HWND window) {
   if (!state->chart) return kNoState;
   state->chart->window = window;
   state->chart->model.style = static_cast<DWORD>(GetWindowLongA(window, GWL_STYLE));
-  // Time runs from left to right everywhere.
+  // Time increases from left to right in all languages.
   SetWindowLongA(window, GWL_EXSTYLE, GetWindowLongA(window, GWL_EXSTYLE) & ~WS_EX_LAYOUTRTL);
   DragAcceptFiles(window, TRUE);
   return 0;
@@ -112,7 +112,7 @@ LRESULT ShowOn(HDC dc, StripChart& chart, bool focused) {
 }
 
 LRESULT OnPaint(HWND window, StripChart* chart) {
-  // Before the paint begins: it then shows what this invalidates as well.
+  // Before BeginPaint, so that the areas that this invalidates are painted, too.
   if (chart) RefreshStrip(*chart);
   const PaintScope paint(window);
   return chart ? ShowOn(paint.dc(), *chart, GetFocus() == window) : kNoState;
@@ -181,7 +181,7 @@ LRESULT OnMouseLeave(StripChart& chart) {
 LRESULT OnButtonDown(HWND window, LONG x, bool shift) {
   SetFocus(window);
   SetCapture(window);
-  StripChart* const found = ChartOf(window);  // whoever lost the focus may have destroyed the control
+  StripChart* const found = ChartOf(window);  // the window that lost the focus may have destroyed the control
   if (!found) return kNoState;
   StripChart& chart = *found;
   chart.drag = shift ? StripChart::Drag::kMark : StripChart::Drag::kPan;
@@ -228,7 +228,7 @@ LRESULT OnWheel(StripChart& chart, WPARAM wParam, LPARAM lParam) {
 
 // ---- Keyboard -------------------------------------------------------------------------------------------------------
 
-// Moves the cursor by a column, or marks from where it was.
+// Moves the cursor by a column, or selects from its previous position.
 LRESULT MoveCursor(StripChart& chart, int columns, bool mark) {
   StripModel& model = chart.model;
   const StripLayout& layout = chart.renderer.layoutShown();
@@ -239,7 +239,7 @@ LRESULT MoveCursor(StripChart& chart, int columns, bool mark) {
   model.cursorShown = true;
   chart.hovering = false;
   if (!mark) return Changed(chart, kStripNotifyCursor);
-  // The end at which the cursor was goes with it.
+  // Moves the end of the selection at which the cursor was.
   const double anchor = !model.marked ? before : before == model.mark.from ? model.mark.to : model.mark.from;
   SetMark(model, anchor, model.cursor);
   return Changed(chart, kStripNotifyMark);
@@ -285,7 +285,7 @@ LRESULT OnKey(StripChart& chart, WPARAM key, bool control, bool shift) {
   }
 }
 
-// A dialog keeps Escape, unless there is something to remove.
+// The dialog gets Escape, unless there is something to remove.
 LRESULT DialogKeys(const StripChart* chart, WPARAM key) {
   const bool takesEscape = chart && key == VK_ESCAPE && (chart->model.marked || chart->model.cursorShown);
   return DLGC_WANTARROWS | DLGC_WANTCHARS | (takesEscape ? DLGC_WANTMESSAGE : 0);
