@@ -27,10 +27,10 @@ constexpr UINT kGlideTickMs = 20;
 constexpr LRESULT kNoState = 1;
 constexpr int kMinCopySize = 16, kMaxCopySize = 5120;
 
-// ---- Record ---------------------------------------------------------------------------------------------------------
+// ---- State ----------------------------------------------------------------------------------------------------------
 
 struct HorizonState {
-  HGLOBAL hMemory;  // of this record
+  HGLOBAL hMemory;  // of this block
   HWND window;
   DWORD style;
   BOOL redrawAll, gliding;
@@ -86,7 +86,7 @@ bool ExchangeValue(HorizonState& state, WPARAM wParam, LPARAM lParam) {
   } else {
     StopGliding(state);
   }
-  // Without a timer the value would never arrive.
+  // Without a timer the glide would never end.
   if (!state.gliding) state.shown = state.target;
   return true;
 }
@@ -146,7 +146,7 @@ LRESULT OnDestroy(HorizonState& state) {
 }
 
 LRESULT OnPaint(HWND window, HorizonState* state) {
-  // Before the paint begins: it then shows what this invalidates as well.
+  // Before BeginPaint, so that the areas that this invalidates are painted, too.
   if (state) Refresh(*state);
   const PaintScope paint(window);
   if (!state) return kNoState;

@@ -22,8 +22,8 @@ namespace {
 
 constexpr COLORREF kSky = RGB(54, 132, 206), kGround = RGB(136, 92, 46), kRing = RGB(28, 31, 36),
                    kInk = RGB(245, 247, 250), kSymbol = RGB(255, 168, 20), kFlag = RGB(220, 40, 40);
-constexpr double kDegreesShown = 27;  // of pitch, from the symbol to the edge
-constexpr double kLadderReach = 0.8;  // so far that it leaves the roll pointer free
+constexpr double kDegreesShown = 27;  // pitch from the symbol to the edge
+constexpr double kLadderReach = 0.8;  // so that it does not overlap the roll pointer
 constexpr double kMinRadiusWithNumbers = 44;
 constexpr int kMaxCorners = 260;
 constexpr wchar_t kFont[] = L"Arial Unicode MS";
@@ -33,7 +33,7 @@ double Wrapped(double degrees, double from) {
   return (turned < 0 ? turned + 360 : turned) + from;
 }
 
-// The part of a disc beyond a line at `distance` from its middle, in a direction (degrees clockwise from the top).
+// The part of a disc beyond a line at `distance` from its centre, in a direction (degrees clockwise from the top).
 void FillSegment(Canvas& canvas, PointD centre, double radius, double distance, double direction, COLORREF color) {
   if (distance >= radius) return;
   std::array<PointD, kMaxCorners> corners;
@@ -74,7 +74,7 @@ HorizonLayout LayoutHorizon(SIZE size, DWORD style) {
 }
 
 PointD HorizonPoint(const HorizonLayout& layout, double roll, double right, double up) {
-  // With the right wing down the horizon turns to the left.
+  // With the right wing down, the horizon is rotated to the left.
   const double sine = std::sin(Radians(roll)), cosine = std::cos(Radians(roll));
   return {layout.centre.x + right * cosine - up * sine, layout.centre.y - right * sine - up * cosine};
 }
@@ -93,7 +93,7 @@ HorizonAttitude NormalAttitude(const HorizonAttitude& attitude) {
   normal.roll = static_cast<float>(Wrapped(attitude.roll, -180));
   normal.slip = std::clamp(attitude.slip, -2.0f, 2.0f);
   normal.heading = static_cast<float>(Wrapped(attitude.heading, 0));
-  if (normal.heading >= 360) normal.heading = 0;  // a tiny negative number rounds up to the whole circle
+  if (normal.heading >= 360) normal.heading = 0;  // a tiny negative number is rounded up to 360
   return normal;
 }
 
@@ -208,8 +208,7 @@ void HorizonRenderer::DrawLadder(Canvas& canvas) {
   FillShape(canvas, ink);
 }
 
-// The ring lies over what of the ladder reaches out of the disc. The scale turns with the horizon; its pointer is
-// fixed.
+// The ring covers parts of the ladder outside the disc. The scale rotates with the horizon; its pointer is fixed.
 void HorizonRenderer::DrawRollScale(Canvas& canvas) {
   const double radius = layout_.radius, size = std::max(4.0, radius * 0.09);
   if (layout_.round) FillAnnularSector(canvas, layout_.centre, radius, layout_.ring, 0, 360, Shown(kRing));
@@ -234,7 +233,7 @@ void HorizonRenderer::DrawRollScale(Canvas& canvas) {
   FillPolygon(canvas, slip, Shown(kSymbol));
 }
 
-// The same shape twice: dark and wider first, so that it stands out from sky, ground and ladder.
+// Draws the shape twice: first dark and wider, so that it contrasts with sky, ground and ladder.
 void HorizonRenderer::DrawSymbol(Canvas& canvas) {
   const PointD& centre = layout_.centre;
   const double radius = layout_.radius, width = std::max(2.0, radius * 0.04), knee = radius * 0.09;
@@ -275,7 +274,7 @@ void HorizonRenderer::DrawTape(Canvas& canvas) {
     AddText(canvas, label, {x, tape.bottom - height * 0.36}, text, 0, Shown(kInk));
   }
   FillShape(canvas, Shown(kInk));
-  // No longer than the ticks, so that the number at the heading can be read.
+  // No longer than the ticks, so that it does not cover the number.
   const LONG reach = tape.top + ToInt(height * 0.34), index = ToInt(middle), thick = std::max(1, ToInt(height / 36));
   FillArea(canvas, {index - thick, tape.top, index + thick, reach}, Shown(kSymbol));
   canvas.ClipTo(before);

@@ -1,4 +1,4 @@
-// The picture of an artificial horizon: its geometry, which is pure, and its drawing. The thread that owns the control.
+// Geometry (pure functions) and drawing of an artificial horizon. The thread that owns the control.
 #pragma once
 
 #include <windows.h>
@@ -13,10 +13,10 @@
 
 namespace kv {
 
-// In pixels, places as the edges between them.
+// In pixels; coordinates are edges between pixels.
 struct HorizonLayout {
-  RECT area;                 // of what moves: all that is drawn anew
-  RECT tape;                 // of the heading; empty without
+  RECT area;                 // the moving part, which is redrawn for a new attitude
+  RECT tape;                 // of the heading; empty without kHorizonTape
   PointD centre;             // of the aircraft symbol
   double rim, ring, radius;  // of the case, the ring with the roll scale, and sky and ground
   double pixelsPerDegree;
@@ -24,19 +24,19 @@ struct HorizonLayout {
 };
 HorizonLayout LayoutHorizon(SIZE size, DWORD style);
 
-// Where a place stands that is `right` of the symbol along the horizon and `up` across it, both in pixels.
+// The position of a point that is `right` of the symbol along the horizon and `up` perpendicular to it, in pixels.
 PointD HorizonPoint(const HorizonLayout& layout, double roll, double right, double up);
-// Degrees between the ladder's marks: 10, 5 or 2.5, as the size allows.
+// Degrees between the ladder's marks: 10, 5 or 2.5, depending on the size.
 double LadderStep(double pixelsPerDegree);
 
-// The same attitude with what is out of range brought into it: roll -180..180, heading 0..360 without 360.
+// The attitude with roll normalized to -180..180 and heading to 0 up to, not including, 360; other fields are clamped.
 HorizonAttitude NormalAttitude(const HorizonAttitude& attitude);
-// The next attitude on the way to `target`, and whether it is not there yet.
+// The next attitude of a glide to `target`, and whether the glide continues.
 bool GlideAttitude(HorizonAttitude* shown, const HorizonAttitude& target);
 
 class HorizonRenderer {
  public:
-  // Brings the picture up to date and returns what changed of it; with `redrawAll` it is all drawn.
+  // Updates the image and returns the changed rectangles; with `redrawAll` draws everything.
   RECT Update(const HorizonAttitude& attitude, DWORD style, SIZE size, bool redrawAll);
 
   const Surface& surface() const { return surface_; }

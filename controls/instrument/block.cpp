@@ -55,7 +55,7 @@ GlideStep NextGlideStep(const InstrumentBlock& block, float target) {
   const double range = std::fabs(static_cast<double>(block.maximum) - block.minimum);
   if (!(distance <= 0.2 * range)) return {target, true};
   const auto next = static_cast<float>((9 * static_cast<double>(block.current) + target) / 10);
-  // The last tenths round to nothing: there it arrives, or the timer would never end.
+  // When a tenth is rounded to nothing, the glide ends; otherwise the timer would run for ever.
   return {next == block.current ? target : next, true};
 }
 

@@ -1,6 +1,5 @@
-// What display instruments keep from one rendering to the next. What costs GDI objects is shared by all instruments of
-// a thread: a device context, fonts and the outlines of characters, made when they are first asked for and kept until
-// the thread ends. An instrument itself has one bitmap.
+// The caches of display instruments. All instruments of a thread share a device context, fonts and glyph outlines,
+// which are created on first use and released when the thread ends. Each instrument has one bitmap.
 #pragma once
 
 #include <windows.h>
@@ -17,7 +16,7 @@ namespace kv {
 
 inline constexpr wchar_t kInstrumentFont[] = L"Arial Unicode MS";
 
-// The calling thread's device context and room for shapes. Null when memory is short; nothing can be rendered then, and
+// The calling thread's device context and shape buffer. Null when allocation fails; then nothing can be rendered, and
 // the functions below must not be called.
 struct DrawingTools {
   MemoryDc dc{nullptr};
@@ -25,20 +24,20 @@ struct DrawingTools {
 };
 DrawingTools* InstrumentTools();
 
-// `height` is that of the character cell; width 0 is the font's own. The font belongs to the cache, and is good until
-// 48 others have been asked for.
+// `height` is that of the character cell; width 0 is the font's default. The cache owns the font, which is valid until
+// 48 other fonts have been requested.
 HFONT InstrumentFont(int height, int width, int weight);
 
-// The outline of a character in bold type: a compass card turns at every step, and as outlines its letters do so
-// smoothly and need no font for every angle; large numbers cost less this way, too. Null when the font has no such
-// outline, memory is short, or more than four dozen characters were asked for.
+// The outline of a bold character. With outlines, the letters of a compass card rotate smoothly without a font for each
+// angle; large numbers are drawn faster, too. Null when the font has no outline, allocation fails, or more than 48
+// characters have been requested.
 const GlyphOutline* InstrumentGlyph(wchar_t character);
 
-// What belongs to one instrument.
+// The cache of one instrument.
 struct InstrumentCache {
   Surface buffer;                       // of client size
-  std::unique_ptr<DWORD[]> background;  // the pixels of the background layer, as many
-  InstrumentParts parts;                // that the buffer shows
+  std::unique_ptr<DWORD[]> background;  // the pixels of the background layer, of the same size
+  InstrumentParts parts;                // the parts that are drawn in the buffer
 };
 
 }  // namespace kv

@@ -52,7 +52,7 @@ RECT CentreValueBox(const RECT& display, double deviation, int height) {
   return {display.left, top, display.right, top + height};
 }
 
-// ---- Face -----------------------------------------------------------------------------------------------------------
+// ---- Background -----------------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -91,7 +91,7 @@ void DrawValueText(Canvas& canvas, const InstrumentAppearance& appearance, const
 
 void AddParts(ValueLayer& layer, const InstrumentBlock& block, const char*) {
   const RECT& area = layer.appearance().area;
-  // A control wider than tall shows its empty display only.
+  // A control that is wider than high shows only an empty display.
   if (area.right - area.left > area.bottom - area.top) return;
   const RECT display = WithinFrame(LayOutCentreBar(area).display);
   if (IsRectEmpty(&display)) return;

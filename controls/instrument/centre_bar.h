@@ -1,4 +1,4 @@
-// The geometry of the centre-zero bar, which shows how far the value lies above or below the middle of its range. Pure
+// The geometry of the centre-zero bar, which shows the deviation of the value from the middle of its range. Pure
 // functions; any thread.
 #pragma once
 
@@ -8,13 +8,13 @@
 
 namespace kv {
 
-// -100 at the minimum, 0 in the middle of the range, 100 at the maximum.
+// The deviation: -100 at the minimum, 0 in the middle of the range, 100 at the maximum.
 double CentreDeviation(const InstrumentReading& reading);
 
 // The bar within the display: from the centre line upwards for a positive deviation, otherwise downwards.
 RECT CentreBar(const RECT& display, double deviation);
 
-// Top and height of the value's text: 4 pixels from the centre line, on the side away from the bar.
+// Top and height of the value's text: 4 pixels from the centre line, on the side opposite to the bar.
 RECT CentreValueBox(const RECT& display, double deviation, int height);
 
 }  // namespace kv

@@ -21,7 +21,7 @@ namespace kv {
 
 namespace {
 
-// Radii as parts of the face's.
+// Radii relative to the dial's.
 constexpr double kZoneOuter = 0.985, kZoneInner = 0.945, kMarkOuter = 0.94;
 constexpr double kTenInner = 0.87, kThirtyInner = 0.83, kFineInner = 0.895;
 constexpr double kNumbers = 0.74;
@@ -42,13 +42,13 @@ CardLetters LettersOf(double innerRadius) {
   return {0.645, 0.27, 0.645, 0};
 }
 
-// North stands out by the display colour, as long as there is a heading to read and the control is enabled.
+// North has the display colour while there is a valid heading and the control is enabled.
 COLORREF NorthColor(const InstrumentAppearance& appearance) {
   return ReadingOf(appearance.block).valid && !IsDisabled(appearance) ? DisplayColor(appearance)
                                                                       : ColorsOf(appearance).ink;
 }
 
-// Adds a text along the tangent, upright when seen from the middle of the card, to the shape.
+// Adds a text to the shape, along the tangent and upright as seen from the centre of the card.
 void AddCardText(Canvas& canvas, const Dial& dial, const wchar_t* text, int count, double radius, double height,
                  double angle, COLORREF color) {
   double width = 0;
@@ -95,8 +95,8 @@ void AddMark(Canvas& canvas, const Dial& dial, Mark mark, double angle) {
           std::max(width, 0.7));
 }
 
-// The marks of a quarter make one shape for each colour: those of a whole card with one for each degree have more edges
-// than a shape can hold.
+// The marks of a quarter are one shape for each colour: a whole card with a mark for each degree would exceed a shape's
+// capacity of edges.
 void DrawMarks(Canvas& canvas, const Dial& dial, const DialColors& colors, double heading) {
   const int spacing = MarkSpacing(dial.innerRadius);
   for (int quarter = 0; quarter < 360; quarter += 90) {
@@ -111,7 +111,7 @@ void DrawMarks(Canvas& canvas, const Dial& dial, const DialColors& colors, doubl
   }
 }
 
-// What is drawn in one go: shapes of one colour that do not touch.
+// Shapes of one colour that do not touch; drawn together.
 enum class Rank { kNorth, kCardinal, kOther };
 constexpr Rank kRanks[] = {Rank::kOther, Rank::kCardinal, Rank::kNorth};
 
@@ -141,7 +141,7 @@ void DrawLetters(Canvas& canvas, const Dial& dial, const InstrumentAppearance& a
   }
 }
 
-// Tens of degrees, as on an aircraft's card: the cardinal directions have their letters instead.
+// Numbers in tens of degrees, as on an aircraft's compass card; cardinal directions have letters instead.
 void DrawNumbers(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appearance, double heading) {
   const COLORREF ink = ColorsOf(appearance).ink;
   if (dial.innerRadius < kMinRadiusWithNumbers) return;
@@ -156,7 +156,7 @@ void DrawNumbers(Canvas& canvas, const Dial& dial, const InstrumentAppearance& a
   FillShape(canvas, ink);
 }
 
-// Eight rays, each with a light and a dark side, the cardinal ones longer and on top.
+// Eight rays, each with a light and a dark side; the cardinal ones are longer and on top.
 void DrawRose(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appearance, double heading) {
   const double radius = dial.innerRadius, waist = radius * kHub * 1.02;
   if (radius < kMinRadiusWithRose) return;
@@ -180,7 +180,7 @@ void DrawRose(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appe
   }
 }
 
-// The fixed index at the top: where it points, the heading is read.
+// The fixed index at the top, which points to the heading.
 void DrawIndex(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appearance) {
   const double radius = dial.innerRadius, half = std::max(3.0, radius * 0.075);
   const double top = dial.centre.y - dial.radius + std::max(0.5, (dial.radius - radius) * 0.3);
@@ -198,7 +198,7 @@ void DrawHeading(Canvas& canvas, const Dial& dial, const InstrumentAppearance& a
   const DialColors colors = ColorsOf(appearance);
   const bool valid = ReadingOf(appearance.block).valid, small = radius < kMinRadiusWithRose;
   const int decimals = radius >= kMinRadiusWithDecimals ? appearance.block.format & kFormatDecimals : 0;
-  // Between the letters of a small card there is no room for a unit.
+  // A small card has no space for a unit between its letters.
   const FixedText text = !valid  ? FixedText(L"---")
                          : small ? HeadingText(heading, decimals)
                                  : HeadingText(heading, decimals) + DecodedUnit(appearance.block);
@@ -237,7 +237,7 @@ double NormalHeading(double degrees) {
   const double turned = std::fmod(degrees, 360.0);
   if (std::isnan(turned)) return 0;
   const double heading = turned < 0 ? turned + 360 : turned;
-  return heading >= 360 ? 0 : heading + 0.0;  // a tiny negative number rounds up to the whole circle; no -0 either
+  return heading >= 360 ? 0 : heading + 0.0;  // a tiny negative number is rounded up to 360; avoids -0, too
 }
 
 double CardAngle(double bearing, double heading) {
@@ -267,7 +267,7 @@ void DrawBackground(Canvas& canvas, InstrumentAppearance& appearance) {
   DrawDialCase(canvas, DialIn(appearance.area), appearance);
 }
 
-// The card turns as a whole.
+// The card rotates as a whole.
 void DrawCard(Canvas& canvas, const InstrumentAppearance& appearance, const double& heading) {
   const Dial dial = DialIn(appearance.area);
   const DialColors colors = ColorsOf(appearance);

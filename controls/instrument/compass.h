@@ -1,5 +1,5 @@
-// The geometry of the compass: a card with rose, marks and letters that turns under a fixed index, and the heading in
-// its middle. Pure functions; any thread.
+// The geometry of the compass: a card with rose, marks and letters that rotates under a fixed index, and the heading in
+// its centre. Pure functions; any thread.
 #pragma once
 
 #include <array>
@@ -8,7 +8,7 @@
 
 namespace kv {
 
-// The eight directions one after another, the four of one letter first.
+// The eight directions, concatenated; the four with one letter are first.
 inline constexpr wchar_t kDirectionLetters[] = L"NESWNESESWNW";
 
 struct Direction {
@@ -21,13 +21,13 @@ std::array<Direction, 8> Directions();
 // A heading from 0 up to, not including, 360.
 double NormalHeading(double degrees);
 
-// Where a bearing stands on the instrument (degrees clockwise from the top) while the card shows `heading`.
+// The position of a bearing, in degrees clockwise from the top, while the card shows `heading`.
 double CardAngle(double bearing, double heading);
 
-// Degrees between the card's marks, as fine as the size allows: 10, 5, 2 or 1.
+// Degrees between the card's marks, depending on the size: 10, 5, 2 or 1.
 int MarkSpacing(double innerRadius);
 
-// Three digits before the point, as headings are spoken; what rounds up to 360 is 0.
+// The heading with three digits before the point, as headings are spoken; if rounded up to 360, 0.
 FixedText HeadingText(double degrees, int decimals);
 
 }  // namespace kv

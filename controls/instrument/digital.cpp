@@ -16,9 +16,9 @@ namespace kv {
 
 namespace {
 
-// Proportions of a character to its height.
+// Proportions of a character relative to its height.
 constexpr double kWidth = 0.54, kStroke = 0.115, kBetween = 0.17, kSeparator = 0.20, kSlant = 0.10;
-// What remains free around the characters.
+// Margins around the characters.
 constexpr double kMarginX = 0.03, kMarginY = 0.10;
 
 constexpr int kMinHeightWithCaption = 24, kCaptionRightMargin = 4;
@@ -64,17 +64,17 @@ Separator SeparatorAt(DWORD style, int index) {
   return index < 4 ? kOfAngle[index] : Separator::kNone;
 }
 
-// Of a character with what stands behind it, in heights of a character.
+// The width of a character with the space or separator after it, relative to the character height.
 double CellWidth(const DigitCell& cell) {
   return kWidth + kBetween + (cell.separator == Separator::kNone ? 0.0 : kSeparator);
 }
 
-// A place within a character's upright box, turned into the slanted one of the target.
+// Converts a point of a character's upright box to its slanted position in the target.
 PointD Slanted(const DigitBox& box, double x, double y) {
   return {box.left + x + (box.height - y) * kSlant, box.top + y};
 }
 
-// A bar with pointed ends from one node of the character to another, leaving a gap to its neighbours.
+// A bar with pointed ends from one node of the character to another, with a gap to its neighbours.
 StrokeCorners Bar(const DigitBox& box, PointD from, PointD to, double gap) {
   const double half = box.stroke / 2;
   const bool level = from.y == to.y;
@@ -88,7 +88,7 @@ StrokeCorners Bar(const DigitBox& box, PointD from, PointD to, double gap) {
           6};
 }
 
-// A slanting arm with level ends, thinner than a segment: two of them have to part within a character.
+// A diagonal arm with horizontal ends, thinner than a segment: two of them fork within a character.
 StrokeCorners Arm(const DigitBox& box, PointD from, PointD to) {
   const double half = box.stroke * 0.38;
   return {{Slanted(box, from.x - half, from.y), Slanted(box, from.x + half, from.y), Slanted(box, to.x + half, to.y),
@@ -135,7 +135,7 @@ FixedText ReadableDigits(const char* text, DWORD style) {
 
 DigitBoxes LayOutDigits(const RECT& area, const DigitCells& cells) {
   const double width = std::max<LONG>(area.right - area.left, 0), height = std::max<LONG>(area.bottom - area.top, 0);
-  double across = kSlant - kBetween;  // of all characters, in heights of one
+  double across = kSlant - kBetween;  // of all characters, relative to the height of one
   for (const DigitCell& cell : cells) across += CellWidth(cell);
   const double digitHeight = std::max(0.0, std::min(height * (1 - 2 * kMarginY), width * (1 - 2 * kMarginX) / across));
   DigitBoxes boxes;
@@ -158,7 +158,7 @@ StrokeCorners CornersOf(const DigitBox& box, int stroke) {
   const double left = t / 2, right = box.width - t / 2, centre = box.width / 2;
   const double top = t / 2, middle = box.height / 2, bottom = box.height - t / 2;
   const auto bar = [&](PointD from, PointD to) { return Bar(box, from, to, gap); };
-  // Arms end beside the segments at the character's sides.
+  // Arms end beside the vertical segments.
   const auto arm = [&](double side, double end) {
     const double x = centre + side * (box.width / 2 - t * 1.15);
     return Arm(box, {centre, middle}, {x, end});
@@ -197,7 +197,7 @@ DigitalParts LayOutDigital(const RECT& area, DWORD style) {
   return parts;
 }
 
-// ---- Face -----------------------------------------------------------------------------------------------------------
+// ---- Background -----------------------------------------------------------------------------------------------------
 
 namespace {
 

@@ -1,5 +1,5 @@
-// The geometry of the digital readout: a caption over a black display with seven-segment characters, slanted, lit
-// beside unlit ones. Pure functions; any thread.
+// The geometry of the digital readout: a caption above a black display with slanted seven-segment characters, whose
+// unlit segments are visible. Pure functions; any thread.
 #pragma once
 
 #include <windows.h>
@@ -11,8 +11,8 @@
 
 namespace kv {
 
-// Segments of a character: the seven, clockwise from the top, then the middle; and strokes that only letters and the
-// plus need, which therefore do not show unlit.
+// Segments of a character: six clockwise from the top, the middle one, and strokes for letters and the plus sign, which
+// are invisible when unlit.
 enum Segment : unsigned {
   kSegmentTop = 1,
   kSegmentUpperRight = 2,
@@ -21,19 +21,19 @@ enum Segment : unsigned {
   kSegmentLowerLeft = 16,
   kSegmentUpperLeft = 32,
   kSegmentMiddle = 64,
-  kStrokeUpright = 128,     // the plus
+  kStrokeUpright = 128,     // of the plus sign
   kStrokeMiddleLeft = 256,  // halves of the middle segment
   kStrokeMiddleRight = 512,
-  kStrokeStemUpper = 1024,  // half-way between left and right
+  kStrokeStemUpper = 1024,  // in the middle between left and right
   kStrokeStemLower = 2048,
-  kArmUpperLeft = 4096,  // from the character's middle towards its corners
+  kArmUpperLeft = 4096,  // from the character's centre towards its corners
   kArmUpperRight = 8192,
   kArmLowerRight = 16384,
   kArmLowerLeft = 32768,
 };
 inline constexpr int kSevenSegments = 7, kAllStrokes = 16;
 
-// What stands between a character and the next, in a narrow cell of its own.
+// The separator between a character and the next one, in a separate narrow cell.
 enum class Separator { kNone, kPoint, kColon, kDegree, kMinute, kSecond };
 
 struct DigitCell {
@@ -41,12 +41,11 @@ struct DigitCell {
   Separator separator;
 };
 
-// Lit segments of a character: digits, minus (and dash), plus, and the letters A to Z, small ones as capitals; 0
-// (blank) for all others.
+// The lit segments of a digit, minus (or dash), plus, or letter A to Z in either case; 0 (blank) for all others.
 unsigned SegmentsOf(char character);
 
-// The characters of a text, of which at most kMaxDigits are shown; each '.' becomes the separator that `style` asks
-// for in its place (kInstrumentShowTime ...) behind the character before it, or behind a blank when there is none.
+// The characters of a text, at most kMaxDigits. Each '.' becomes the separator of the style (kInstrumentShowTime ...)
+// after the previous character, or after a blank if there is none.
 inline constexpr int kMaxDigits = 32;
 struct DigitCells {
   std::array<DigitCell, kMaxDigits> cells;
@@ -56,14 +55,14 @@ struct DigitCells {
 };
 DigitCells CellsOf(const char* text, DWORD style);
 
-// The text as it is read out: without padding, with the signs that the separators stand for.
+// The text for accessibility: without padding, with separators as characters.
 FixedText ReadableDigits(const char* text, DWORD style);
 
-// A character's place: all of one size, in the middle of the area.
+// The box of a character; all have the same size and are centred in the area.
 struct DigitBox {
-  double left, top, width, height;  // of its upright box
+  double left, top, width, height;  // the upright box
   double stroke;                    // thickness of a segment
-  double between, separator;        // room between two characters, and that of a separator besides
+  double between, separator;        // space between two characters; additional space of a separator
 };
 using DigitBoxes = std::array<DigitBox, kMaxDigits>;
 DigitBoxes LayOutDigits(const RECT& area, const DigitCells& cells);
@@ -79,9 +78,9 @@ struct StrokeCorners {
 StrokeCorners CornersOf(const DigitBox& place, int stroke);
 
 struct DigitalParts {
-  int captionHeight;  // also the caption's font; 0 without a caption
+  int captionHeight;  // also the height of its font; 0 without a caption
   RECT caption;
-  RECT display;  // with its frame
+  RECT display;  // including its frame
 };
 DigitalParts LayOutDigital(const RECT& area, DWORD style);
 

@@ -46,11 +46,11 @@ struct ModeDefaults {
 constexpr BlockDefaults kPlainDefaults{0, 100, 1, 0, 0, "%", "Relative"};
 constexpr ModeDefaults kAtCreation{
     {-360, 360, 1, 1, 0, "\xB0", nullptr}, {-100, 100, 1, 0, 0, "%", "Relative"}, kPlainDefaults};
-// Quirk: a reset names compass and bar "Compass" and gives the bar a decimal place.
+// Quirk: a reset names compass and bar "Compass" and gives the bar one decimal.
 constexpr ModeDefaults kAfterReset{
     {-360, 360, 1, 1, 0, "\xB0", "Compass"}, {-100, 100, 1, 1, 0, "%", "Compass"}, kPlainDefaults};
 
-// `name` is for the mode that has none of its own.
+// `name` is used for the mode without a default name.
 InstrumentBlock DefaultBlock(const ModeDefaults& row, DWORD mode, const char* name) {
   BlockDefaults defaults = mode == kModeCompass ? row.compass : mode == kModeCentreBar ? row.centreBar : row.other;
   if (!defaults.name) defaults.name = name;
@@ -64,7 +64,7 @@ void SetBlock(InstrumentState* state, const InstrumentBlock& block) {
   state->bRedraw = TRUE;
 }
 
-// Without a cache, memory being short, the control shows nothing and still keeps its values.
+// Without a cache (allocation failed), the control draws nothing but stores its values.
 void MakeBuffers(InstrumentState* state) {
   const SIZE size = ClientSize(state->hWnd);
   state->nWidth = size.cx;
@@ -98,7 +98,7 @@ InstrumentAppearance AppearanceOf(const InstrumentState& state) {
   return appearance;
 }
 
-// Copies the clip of the canvas from the face's picture.
+// Copies the background layer to the clip of the canvas.
 void RestoreBackground(Canvas& canvas, const InstrumentCache& cache) {
   const RECT& clip = canvas.clip();
   canvas.FinishGdi();
@@ -108,7 +108,7 @@ void RestoreBackground(Canvas& canvas, const InstrumentCache& cache) {
   }
 }
 
-// Brings the back buffer up to date, if it is not, and returns what changed of it.
+// Updates the back buffer if necessary, and returns the changed rectangles.
 DirtyRects Render(InstrumentState* state) {
   InstrumentAppearance appearance = AppearanceOf(*state);
   const bool redrawAll =
@@ -144,7 +144,7 @@ DirtyRects Render(InstrumentState* state) {
   return dirty;
 }
 
-// The same, and has what changed painted when the time comes.
+// The same; also invalidates the changed rectangles.
 void EnsureRendered(InstrumentState* state) {
   for (const RECT& changed : Render(state)) InvalidateRect(state->hWnd, &changed, FALSE);
 }
@@ -158,8 +158,8 @@ OwnedRegion RegionOf(const DirtyRects& dirty) {
   return region;
 }
 
-// Shows a change before returning; what did not change is not painted. All in one call: twenty gliding instruments make
-// a thousand of them a second.
+// Paints a change before it returns, and only the changed rectangles. In a single call, because twenty gliding
+// instruments make a thousand of them a second.
 void ShowNow(InstrumentState* state) {
   const DirtyRects dirty = Render(state);
   RedrawWindow(state->hWnd, nullptr, dirty.empty() ? OwnedRegion() : RegionOf(dirty),
@@ -176,7 +176,7 @@ bool CopyToCaller(const Item& item, LPARAM address) {
   return false;
 }
 
-// Takes a copy, so that the owner's memory is tested and read once.
+// Copies the item, so that the owner's memory is probed and read once.
 template <class Item>
 bool CopyFromCaller(LPARAM address, Item* item) {
   const auto* source = reinterpret_cast<const Item*>(address);
@@ -203,7 +203,7 @@ bool SetStyle(InstrumentState* state, DWORD style) {
   return true;
 }
 
-// The exchanges below tell whether they changed what is shown.
+// The functions below return whether they changed the displayed image.
 
 bool ExchangeStyle(InstrumentState* state, WPARAM wParam, LPARAM address) {
   if (wParam & kCommandRead) return CopyToCaller(state->dwStyle, address);
@@ -224,7 +224,7 @@ void StartGliding(InstrumentState* state) {
   if (state->bGliding) return;
   state->bGliding = SetTimer(state->hWnd, kGlideTimer, kGlideTickMs, nullptr) != 0;
   state->nCountdown = kGlideCountdown;
-  // Without a timer the value would never arrive.
+  // Without a timer the glide would never end.
   if (!state->bGliding) state->block.current = state->target;
 }
 
@@ -250,7 +250,7 @@ bool ExchangeValue(InstrumentState* state, WPARAM wParam, LPARAM address) {
   if (!CopyFromCaller(address, &value) || std::isnan(value)) {
     block.state |= kInstrumentNoValue;
   } else {
-    // A value that comes back after none must show again even if it is still the old one.
+    // After "no value", the old value must be shown again even if it is equal.
     changed = (block.state & kInstrumentNoValue) != 0;
     block.state &= ~kInstrumentNoValue;
     changed |= MoveTo(state, ClampToRange(block, value), wParam);
@@ -295,7 +295,7 @@ LRESULT OnCommand(HWND window, InstrumentState* state, WPARAM wParam, LPARAM lPa
     case kCommandZone: changed = ExchangeZone(state, wParam, lParam); break;
   }
   if (!changed) return 0;
-  NotifyValueChanged(window);  // whoever listens may destroy the control
+  NotifyValueChanged(window);  // a hook may destroy the control
   state = WindowState<InstrumentState>(window);
   if (state && (wParam & kCommandRedraw)) {
     ShowNow(state);
@@ -305,7 +305,7 @@ LRESULT OnCommand(HWND window, InstrumentState* state, WPARAM wParam, LPARAM lPa
   return 0;
 }
 
-// ---- For screen readers ---------------------------------------------------------------------------------------------
+// ---- Accessibility --------------------------------------------------------------------------------------------------
 
 FixedText AccessibleValue(const InstrumentState& state) {
   const InstrumentReading reading = ReadingOf(state.block);
@@ -379,10 +379,10 @@ LRESULT OnSetText(InstrumentState* state, const char* text) {
 }
 
 LRESULT OnPaint(HWND window, InstrumentState* state) {
-  // Before the paint begins: it then shows what this invalidates as well.
+  // Before BeginPaint, so that the areas that this invalidates are painted, too.
   if (state) EnsureRendered(state);
   const PaintScope paint(window);
-  state = WindowState<InstrumentState>(window);  // the messages of its beginning may have ended the control
+  state = WindowState<InstrumentState>(window);  // messages sent by BeginPaint may have destroyed the control
   if (!state) return kNoState;
   if (!state->hBuffer) return 0;
   const SIZE client = ClientSize(window);
@@ -393,7 +393,7 @@ LRESULT OnPaint(HWND window, InstrumentState* state) {
   return 0;
 }
 
-// An exact glide goes on within the block's step, and from where no more is to be seen of it to the target itself.
+// An exact glide continues within the block's step; when its steps become invisible, it jumps to the target.
 GlideStep NextStep(const InstrumentState& state) {
   if (!state.work.bExact) return NextGlideStep(state.block, state.target);
   InstrumentBlock fine = state.block;

@@ -1,5 +1,5 @@
-// Texts and short lists that live within the object itself: drawing uses them, because it must not fail, let alone
-// throw, when memory is short. What does not fit is left out. Any thread.
+// Texts and short lists with a fixed capacity and without allocation, so that drawing cannot fail or throw. Excess
+// characters and items are omitted. Any thread.
 #pragma once
 
 #include <algorithm>

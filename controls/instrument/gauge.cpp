@@ -16,15 +16,15 @@ namespace kv {
 
 namespace {
 
-// ---- Face -----------------------------------------------------------------------------------------------------------
+// ---- Background -----------------------------------------------------------------------------------------------------
 
-// Radii as parts of the face's.
+// Radii relative to the dial's.
 constexpr double kZoneOuter = 0.97, kZoneInner = 0.91;
 constexpr double kTickOuter = 0.94, kMinorInner = 0.885;
 constexpr double kNeedleTail = 0.17, kHub = 0.10;
 
 RECT Widened(RECT box) {
-  // Rounding must not cost a text its last letter.
+  // Rounding must not truncate a text.
   InflateRect(&box, 2, 0);
   return box;
 }
@@ -46,7 +46,7 @@ void DrawZones(Canvas& canvas, const Dial& dial, const InstrumentAppearance& app
   }
 }
 
-// Minor marks that would stand closer than three pixels are thinned out to every second or left away.
+// If minor marks are closer than three pixels, only every second one is drawn, or none.
 int MinorParts(const GaugeScale& scale, double pixelsPerStep) {
   if (pixelsPerStep / scale.parts >= 3) return scale.parts;
   return pixelsPerStep / 2 >= 3 ? 2 : 1;
@@ -101,7 +101,7 @@ void DrawBackground(Canvas& canvas, InstrumentAppearance& appearance) {
 
 // ---- Value ----------------------------------------------------------------------------------------------------------
 
-// Where a needle stands, in pixels.
+// The geometry of a needle, in pixels.
 struct Needle {
   PointD tip, tail;
   double angle, root, point, hub;
@@ -139,7 +139,7 @@ void DrawNeedle(Canvas& canvas, const InstrumentAppearance& appearance, const Ne
                       beside(needle.tail, -tailHalf), beside(centre, -half), beside(needle.tip, -tipHalf)};
   };
   const COLORREF color = DisplayColor(appearance);
-  // A dark edge lifts the needle off the labels; two tones make it a ridge.
+  // A dark edge separates the needle from the labels; two tones give it a ridge.
   FillPolygon(canvas, outline(edge), ColorsOf(appearance).dialBottom);
   FillPolygon(canvas, outline(0), color);
   const PointD darkHalf[] = {tip, beside(tip, point), beside(dial.centre, root), beside(tail, root * 0.75), tail};
@@ -149,8 +149,8 @@ void DrawNeedle(Canvas& canvas, const InstrumentAppearance& appearance, const Ne
   FillGradientDisc(canvas, dial.centre, hub * 0.62, RGB(70, 74, 80), RGB(112, 117, 123));
 }
 
-// An index on the rim, as a compass has: labels keep the needle's tip away from the marks, and the index shows at which
-// of them it points.
+// An index on the rim, as on the compass. Because of the labels, the needle does not reach the marks; the index shows
+// to which of them it points.
 struct Index {
   PointD tip, left, right;
 };

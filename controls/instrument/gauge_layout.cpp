@@ -19,23 +19,23 @@ namespace kv {
 
 namespace {
 
-// Parts of the face's radius.
-constexpr double kLabelHeight = 0.165, kLabelWidth = 0.52;  // at most so wide
-constexpr double kLabelGap = 0.035;                         // from the marks
-constexpr double kTextOuter = 0.825;                        // rows of text end here
-constexpr double kHubClearance = 0.13;                      // hub with a little air
-constexpr double kTailEnd = 0.20;                           // of the needle: rows of text begin below it
-constexpr double kNeedleClearance = 0.07;                   // half the needle's thickness with a little air
+// Relative to the dial's radius.
+constexpr double kLabelHeight = 0.165, kLabelWidth = 0.52;  // kLabelWidth: the maximum width
+constexpr double kLabelGap = 0.035;                         // gap to the marks
+constexpr double kTextOuter = 0.825;                        // the outer limit of rows of text
+constexpr double kHubClearance = 0.13;                      // the hub with a margin
+constexpr double kTailEnd = 0.20;                           // the end of the needle's tail; rows of text begin below it
+constexpr double kNeedleClearance = 0.07;                   // half the needle's width with a margin
 constexpr double kNameHeight = 0.16, kUnitHeight = 0.15;
 constexpr double kNeedleReach = 0.90;
 constexpr double kValueMiddle = 0.775, kValueBottom = 0.92, kValueWidth = 0.70, kBareValueWidth = 1.15,
                  kValueHeight = 0.26;
 
 constexpr double kMinRadiusWithName = 29;
-constexpr int kMinFontHeight = 9;           // of a font that can be read
+constexpr int kMinFontHeight = 9;           // of a readable font
 constexpr double kMinLabelGap = 1.75;       // pixels
-constexpr double kMinCaptionHeight = 0.09;  // of name and unit: on a large dial no tiny text
-constexpr double kInk = 0.8;                // part of a font's cell that is not air
+constexpr double kMinCaptionHeight = 0.09;  // of name and unit, so that a large dial has no tiny text
+constexpr double kInk = 0.8;                // the part of a font's cell that characters cover
 
 struct NiceStep {
   double factor;
@@ -57,7 +57,7 @@ int LabelLength(double magnitude, double step) {
          (decimals > 0 ? decimals + 1 : 0);
 }
 
-// A power of ten has to be written beside the unit and read into every label: it must save more than that.
+// A power of ten must be shown beside the unit and makes labels harder to read: use it only if it shortens them enough.
 int LabelExponent(double magnitude, double step) {
   if (magnitude >= 1e-2 && magnitude < 1e4) return 0;
   const int exponent = 3 * static_cast<int>(std::floor(std::log10(magnitude) / 3));
@@ -74,7 +74,7 @@ RECT BoxAt(PointD centre, double width, double height) {
   return {left, top, left + Round(width), top + Round(height)};
 }
 
-// What a text covers of its box.
+// The part of its box that a text covers.
 RECT InkOf(RECT box) {
   const LONG air = std::lround((box.bottom - box.top) * (1 - kInk) / 2);
   return {box.left, box.top + air, box.right, box.bottom - air};
@@ -90,7 +90,7 @@ double DistanceTo(const RECT& box, PointD place) {
                     std::max({box.top - place.y, place.y - box.bottom, 0.0}));
 }
 
-// A dial while texts are put on it.
+// A dial and the areas that are already taken.
 struct DialSpace {
   Dial dial;
   double gap;
@@ -98,14 +98,14 @@ struct DialSpace {
   FixedList<RECT, 24> taken;
 };
 
-// Where a row of text may stand, from the dial's middle downwards.
+// The vertical extent of a row of text, downwards from the dial's centre.
 struct Band {
   double top, bottom;
-  bool low;  // a row may stand at the lower end, where the needle leaves more room
+  bool low;  // the row may be at the lower end, where the needle leaves more space
 };
 
-// Half the width that a row of this height around the dial's vertical axis may take. Below the hub the needle never
-// comes; at the ends of the scale it bounds the row at its upper corners, where a text seldom has ink.
+// Half the width that is available to a row of this height, centred on the dial's vertical axis. Below the hub, the
+// needle at either end of the scale limits the row near its upper corners, where a text seldom has ink.
 double FreeHalf(const DialSpace& space, double middle, int height) {
   const PointD centre = space.dial.centre;
   const double radius = space.dial.innerRadius, ink = height * kInk, top = middle - ink / 2, bottom = middle + ink / 2;
@@ -119,7 +119,7 @@ double FreeHalf(const DialSpace& space, double middle, int height) {
   return half;
 }
 
-// The middle of a row of this height, where it is wider.
+// The middle of a row of this height, at the position where more width is available.
 double MiddleOf(const DialSpace& space, const Band& band, int height) {
   const double middle = (band.top + band.bottom) / 2, low = std::max(middle, band.bottom - height * kInk / 2);
   return band.low && FreeHalf(space, low, height) >= FreeHalf(space, middle, height) ? low : middle;
@@ -129,7 +129,7 @@ int MinFontHeight(const DialSpace& space) {
   return std::max(kMinFontHeight, Round(kMinCaptionHeight * space.dial.innerRadius));
 }
 
-// The text in the largest font up to `wanted` in which the band takes all of it; not shown when none is.
+// The text in the largest font up to `wanted` with which it fits into the band; hidden if there is none.
 GaugeText FitText(const DialSpace& space, const Band& band, std::wstring_view text, double wanted,
                   TextMeasure measure) {
   const int least = MinFontHeight(space);
@@ -144,7 +144,7 @@ GaugeText FitText(const DialSpace& space, const Band& band, std::wstring_view te
   }
 }
 
-// Between the needle's tail and the value: two rows, or one where there is no room for two.
+// The rows between the needle's tail and the value: two, or one if there is no space for two.
 FixedList<Band, 2> BandsOf(const DialSpace& space) {
   const double top = kTailEnd * space.dial.innerRadius;
   const double bottom = GaugeValueBox(space.dial).top - space.dial.centre.y, middle = (top + bottom) / 2;
@@ -159,7 +159,7 @@ struct Captions {
   int Score() const { return NameFits() + 2 * UnitFits(); }
 };
 
-// Whether another order of name and unit makes both fit, or the smaller of them so much larger that it is worth it.
+// Whether another order of name and unit makes more of them fit, or makes the smaller one considerably larger.
 bool FitBetter(const Captions& tried, const Captions& best) {
   constexpr double kWorthIt = 1.1;
   if (tried.Score() != best.Score()) return tried.Score() > best.Score();
@@ -167,8 +167,8 @@ bool FitBetter(const Captions& tried, const Captions& best) {
   return smaller(tried) > kWorthIt * smaller(best);
 }
 
-// The unit at the hub and the name beneath it, or the other way round as they fit better. What fits in neither row is
-// left out. Where there is one row, the unit has it.
+// Places the unit at the hub and the name below it, or vice versa if that fits better. A text that fits in neither row
+// is omitted. A single row contains the unit.
 Captions PlaceCaptions(const DialSpace& space, std::wstring_view name, std::wstring_view unit, TextMeasure measure) {
   const double radius = space.dial.innerRadius;
   const FixedList<Band, 2> bands = BandsOf(space);
@@ -182,7 +182,7 @@ Captions PlaceCaptions(const DialSpace& space, std::wstring_view name, std::wstr
   return best;
 }
 
-// Clear of the marks: a mark close to its number would be read as a minus sign.
+// Not close to the marks: a mark beside its number could be read as a minus sign.
 double LabelRadius(double radius) {
   return kMajorInner * radius - std::max(kMinLabelGap, kLabelGap * radius);
 }
@@ -204,8 +204,8 @@ GaugeLabels PlaceLabels(const DialSpace& space, const InstrumentBlock& block, co
   return labels;
 }
 
-// Whether the labels keep apart from each other and from what is there; they then take their places, and the needle
-// stops short of them.
+// Reserves the areas of the labels, and shortens the needle so that it does not reach them. Returns false if a label is
+// too wide, or overlaps another label or a taken area.
 bool ReserveSpace(const GaugeLabels& labels, DialSpace* space) {
   const double widest = kLabelWidth * space->dial.innerRadius;
   for (const GaugeText& label : labels) {
@@ -221,7 +221,7 @@ bool ReserveSpace(const GaugeLabels& labels, DialSpace* space) {
   return true;
 }
 
-// Without labels. At the ends of a small dial's scale the needle stops above the value, which is wide there.
+// The needle's length without labels. At both ends of a small dial's scale, the needle ends above the value's text.
 double NeedleReach(const Dial& dial) {
   const double reach = kNeedleReach * dial.innerRadius;
   if (dial.innerRadius < kMinRadiusWithValue || dial.innerRadius >= kMinRadiusWithLabels) return reach;
@@ -270,7 +270,7 @@ double LabelValue(const GaugeScale& scale, long long index) {
 
 PointD LabelCentre(PointD centre, double radius, double degrees, SIZE label) {
   const PointD direction = PolarPoint({0, 0}, 1, degrees);
-  // A text fills its box like an ellipse: that keeps all labels at one apparent distance from the marks.
+  // Treats a text as an ellipse within its box, so that all labels appear to have the same distance from the marks.
   const double extent = std::hypot(direction.x * label.cx / 2, direction.y * label.cy / 2 * kInk);
   return PolarPoint(centre, radius - extent, degrees);
 }
@@ -289,7 +289,7 @@ GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, TextMeas
   const FixedText name = DecodedName(block);
   Captions captions{};
   if (radius >= kMinRadiusWithLabels) {
-    // The finest scale that leaves room for name and unit. A name is not worth a scale of less than four parts.
+    // The finest scale that leaves space for name and unit. Fewer than four parts are not accepted for a name.
     for (const int intervals : {10, 8, 6, 5, 4, 2}) {
       const GaugeScale scale = ChooseScale(reading.minimum, reading.maximum, intervals);
       const GaugeLabels labels = PlaceLabels(empty, block, scale, measure);
@@ -325,7 +325,7 @@ GaugeText LayOutGaugeValue(const Dial& dial, const InstrumentBlock& block, TextM
   const NumberFormList forms =
       reading.valid ? NumberForms(reading.value, block.format & kFormatDecimals, (block.format & kFormatSign) != 0)
                     : NumberFormList{L"---"};
-  // A number cut at its end would be a wrong one: the last form becomes as small as it must.
+  // A truncated number would be wrong: the last form is made as small as necessary.
   for (const FixedText& form : forms) {
     const int least = &form == &forms.back() ? 1 : kMinFontHeight;
     for (int height = wanted; height >= least;) {

@@ -13,7 +13,7 @@ long long AreaOf(const RECT& area) {
   return static_cast<long long>(area.right - area.left) * (area.bottom - area.top);
 }
 
-// Two places that overlap or nearly fill their union are cheaper in one.
+// Two rectangles that overlap or nearly fill their union are drawn faster as one.
 bool ShouldMerge(const RECT& first, const RECT& second) {
   RECT common, both;
   UnionRect(&both, &first, &second);
@@ -29,7 +29,7 @@ void InstrumentParts::Add(const RECT& place, DWORD hash) {
 
 void DirtyRects::Add(RECT area) {
   if (IsRectEmpty(&area)) return;
-  // What it takes up grows, and may then belong together with another.
+  // A merged rectangle may have to be merged with another one.
   for (int i = 0; i < count_;) {
     const bool full = count_ == static_cast<int>(areas_.size());
     if (full || ShouldMerge(areas_[i], area)) {
@@ -67,7 +67,7 @@ DWORD HashOf(const void* data, size_t size) {
     DWORD word;
     std::memcpy(&word, static_cast<const BYTE*>(data) + i, sizeof(word));
     hash = (hash ^ word) * 16777619u;
-    hash ^= hash >> 15;  // the high bits count as well
+    hash ^= hash >> 15;  // include the high bits
   }
   return hash;
 }

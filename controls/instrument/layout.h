@@ -1,10 +1,9 @@
-// The layouts of the display instrument, and what they have in common.
+// The modes of the display instrument, and what they share.
 //
-// Every layout draws in two layers. The face is what stays while the value changes (panel, caption, dial, scale); the
-// control keeps it as a picture. The value layer is drawn over a copy of the face, in parts: a part has a place, data
-// and a function that draws it from nothing but the face's description and these data. So what a part looks like is a
-// hash of its data, and where neither that nor the place changed, nothing has to be drawn. The thread that owns the
-// control.
+// Each mode draws two layers. The background layer does not depend on the value (panel, caption, dial, scale); the
+// control caches it. The value layer is drawn over a copy of the background layer, in parts. A part has a rectangle,
+// data, and a function that draws it only from the appearance and the data. Therefore a part is drawn again only if its
+// rectangle or the hash of its data has changed. The thread that owns the control.
 #pragma once
 
 #include <windows.h>
@@ -19,30 +18,30 @@
 
 namespace kv {
 
-// The system's colours that faces read.
+// The system colours that instruments use.
 inline constexpr int kSystemColors[] = {COLOR_BTNFACE,     COLOR_BTNTEXT, COLOR_GRAYTEXT,   COLOR_3DSHADOW,
                                         COLOR_3DHIGHLIGHT, COLOR_3DLIGHT, COLOR_3DDKSHADOW, COLOR_WINDOWFRAME};
 
-// All that a face depends on; compared byte by byte.
+// Everything on which the background layer depends; compared byte by byte.
 struct InstrumentAppearance {
   RECT area;  // the whole control
   DWORD style;
   COLORREF colors[ARRAYSIZE(kSystemColors)];
-  InstrumentBlock block;  // without its current value; kInstrumentNoValue is set whenever there is none to show
-  float reach;            // of a gauge's needle, in pixels; found when the face is drawn
+  InstrumentBlock block;  // without the current value; kInstrumentNoValue is set if there is no valid value
+  float reach;            // the length of a gauge's needle in pixels; computed when the background is drawn
 };
 static_assert(sizeof(InstrumentAppearance) == 56 + sizeof(InstrumentBlock));
 
-// The parts of a value layer in their order. Both lists of an instrument whose face stayed have the same parts in the
-// same order; parts may come and go at the end.
+// The parts of a value layer, in order. While the background does not change, the lists of an instrument have the same
+// parts in the same order, but parts at the end may be added or removed.
 class InstrumentParts {
  public:
   static constexpr int kMaxParts = 128;
   struct Part {
     RECT place;
-    DWORD hash;  // of what it looks like
+    DWORD hash;  // of the data
   };
-  // One part more than can be held makes the list incomplete.
+  // A list is incomplete after more than kMaxParts calls.
   void Add(const RECT& place, DWORD hash);
   bool complete() const { return count_ <= kMaxParts; }
   std::span<const Part> all() const { return {parts_.data(), static_cast<size_t>(count_)}; }
@@ -52,7 +51,7 @@ class InstrumentParts {
   int count_ = 0;
 };
 
-// A few rectangles that do not overlap and together hold all that was added.
+// A few rectangles that do not overlap and together contain all added ones.
 class DirtyRects {
  public:
   void Add(RECT area);
@@ -65,23 +64,23 @@ class DirtyRects {
   int count_ = 0;
 };
 
-// What has to be drawn anew of `area` when the parts of a value layer change.
+// The rectangles of `area` that must be redrawn when the parts of a value layer change.
 DirtyRects ChangedRects(const InstrumentParts& before, const InstrumentParts& after, const RECT& area);
 
-// A number for all bytes of something, which are a multiple of four.
+// A hash of `size` bytes, a multiple of four.
 DWORD HashOf(const void* data, size_t size);
 
-// Takes the parts of a value layer: either into a list or, those within its clip, onto a canvas.
+// Receives the parts of a value layer: adds them to a list, or draws those within the clip on a canvas.
 class ValueLayer {
  public:
   ValueLayer(const InstrumentAppearance& appearance, InstrumentParts* list) : appearance_(appearance), list_(list) {}
   ValueLayer(const InstrumentAppearance& appearance, Canvas* canvas) : appearance_(appearance), canvas_(canvas) {}
 
   const InstrumentAppearance& appearance() const { return appearance_; }
-  // Whether a part at this place would be left out.
+  // Whether a part with this rectangle would be omitted.
   bool Skips(const RECT& place) const { return canvas_ && canvas_->Hides(place); }
 
-  // `draw` is confined to the place.
+  // `draw` is clipped to the rectangle.
   template <class Data>
   void Add(const RECT& place, const Data& data, void (*draw)(Canvas&, const InstrumentAppearance&, const Data&)) {
     static_assert(std::is_trivially_copyable_v<Data> && sizeof(Data) % sizeof(DWORD) == 0);
@@ -102,12 +101,12 @@ class ValueLayer {
 
 struct ModeRenderer {
   void (*drawBackground)(Canvas& canvas, InstrumentAppearance& appearance);
-  // Adds the parts that show the block's current value; `text` is what a digital readout shows.
+  // Adds the parts that show the block's current value; `text` is the text of a digital readout.
   void (*addParts)(ValueLayer& layer, const InstrumentBlock& block, const char* text);
 };
 extern const ModeRenderer kGaugeRenderer, kDigitalRenderer, kSegmentBarRenderer, kCompassRenderer, kCentreBarRenderer;
 
-// The layout of a control with these style bits.
+// The renderer of the style's mode.
 const ModeRenderer& RendererOf(DWORD style);
 
 }  // namespace kv

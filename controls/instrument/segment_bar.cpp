@@ -26,9 +26,9 @@ constexpr COLORREF kValueShadow = RGB(63, 63, 63);
 constexpr LONG kSideMargin = 2, kNarrowMargin = 1, kNarrow = 12;
 
 struct BarParts {
-  RECT caption;  // empty without one
+  RECT caption;  // empty without a caption
   int captionFont;
-  RECT display;  // with its frame
+  RECT display;  // including its frame
 };
 
 BarParts LayOutBar(const RECT& area, DWORD style) {
@@ -42,12 +42,13 @@ BarParts LayOutBar(const RECT& area, DWORD style) {
   return parts;
 }
 
-// To whole pixels, a half up. Lengths are not negative; the runtime's rounding, which asks for that, is slow.
+// Rounds a non-negative length to whole pixels, halves up. The runtime's functions are slower, because they handle
+// negative numbers.
 int RoundLength(double pixels) {
   return static_cast<int>(pixels + 0.5);
 }
 
-// Maps stretches along the bar to rectangles of the target.
+// Maps ranges along the bar to rectangles of the target.
 struct BarFrame {
   RECT area;
   BOOL vertical, reversed;
@@ -55,7 +56,7 @@ struct BarFrame {
   LONG Length() const { return vertical ? area.bottom - area.top : area.right - area.left; }
   LONG Breadth() const { return vertical ? area.right - area.left : area.bottom - area.top; }
   RECT Place(BarSpan span, LONG margin) const {
-    // A vertical bar rises and a horizontal one runs to the right, unless reversed.
+    // A vertical bar increases upwards, a horizontal one to the right, unless reversed.
     const double length = Length();
     if (vertical != reversed) span = {length - span.to, length - span.from};
     const auto edge = [](LONG start, double offset) { return start + RoundLength(offset); };
@@ -84,7 +85,7 @@ int LitSegments(double percent, int count) {
 BarSpan SegmentSpan(double length, int count, int index) {
   const double pitch = length / count;
   const double gap = pitch < 3 ? 0 : std::clamp(std::round(pitch * 0.18), 1.0, 4.0);
-  // Whole pixels: sharp edges matter more here than that all segments are equally long to a fraction.
+  // Whole pixels: sharp edges are more important than exactly equal lengths.
   const int from = RoundLength(pitch * index), to = RoundLength(pitch * (index + 1)) - static_cast<int>(gap);
   return {static_cast<double>(from), static_cast<double>(std::max(from, to))};
 }
@@ -93,7 +94,7 @@ bool IsVerticalBar(const RECT& area) {
   return area.right - area.left <= area.bottom - area.top;
 }
 
-// ---- Face ----------------------------------------------------------------------------------------------------------
+// ---- Background ----------------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -129,7 +130,7 @@ struct Segment {
 void DrawSegment(Canvas& canvas, const InstrumentAppearance&, const Segment& segment) {
   const RECT& place = segment.place;
   if (!segment.lit) return FillArea(canvas, place, ShadeColor(segment.color, kUnlit));
-  // A little rounded to the light: brighter in its middle, darker towards both sides.
+  // Shaded as if rounded: brighter in the middle, darker towards both sides.
   const COLORREF edge = ShadeColor(segment.color, 0.72);
   if (segment.vertical) return FillRounded(canvas, place, edge, segment.color);
   const LONG middle = (place.top + place.bottom) / 2;
@@ -149,7 +150,7 @@ void DrawMarker(Canvas& canvas, const InstrumentAppearance& appearance, const Ma
   const double middle = std::clamp(length * marker.percent / 100, 1.0, std::max(1.0, length - 1));
   const RECT line = frame.Place({middle - 1, middle + 1}, 0);
   FillArea(canvas, line, color);
-  // Two arrow heads point at the line from the sides.
+  // Two arrow heads point to the line from both sides.
   const double head = std::clamp(std::min(frame.Breadth(), frame.Length()) * 0.10, 2.0, 10.0);
   const double x = (line.left + line.right) / 2.0, y = (line.top + line.bottom) / 2.0;
   const RECT& area = frame.area;
@@ -167,7 +168,7 @@ void DrawMarker(Canvas& canvas, const InstrumentAppearance& appearance, const Ma
   }
 }
 
-// The number over the bar's bottom.
+// The number near the bar's bottom.
 struct Number {
   FixedText text;
   int characterWidth, height, edge;  // edge: thickness of the black line around the characters
@@ -175,10 +176,10 @@ struct Number {
 };
 
 void DrawNumber(Canvas& canvas, const InstrumentAppearance& appearance, const Number& number) {
-  // Of the cell's height, of the capitals' height.
+  // Relative to the cell's height; relative to the height of capitals.
   constexpr double kCapitalHeight = 0.65, kCapitalMiddle = 0.485, kDigitWidth = 0.775;
   const double capital = number.height * kCapitalHeight, stretch = number.characterWidth / (capital * kDigitWidth);
-  // From a character to the next in heights of a capital; what the font has no outline for stays blank.
+  // Character advances, relative to the height of capitals. Characters without an outline in the font are blank.
   const auto advanceOf = [](const GlyphOutline* glyph) { return glyph ? glyph->advance : 0.8; };
   double width = 0;
   for (const wchar_t character : number.text) width += advanceOf(InstrumentGlyph(character));
@@ -194,8 +195,8 @@ void DrawNumber(Canvas& canvas, const InstrumentAppearance& appearance, const Nu
     }
     FillShape(canvas, color);
   };
-  // Number and lit segments have one colour: a black edge keeps them apart. What four shifted numbers leave free of it,
-  // the last one fills.
+  // Number and lit segments have the same colour: a black edge separates them. It consists of four shifted numbers; the
+  // last number covers its inside.
   const int edge = number.edge;
   for (const int x : {-edge, edge}) {
     for (const int y : {-edge, edge}) write(x - 1, y - 1, RGB(0, 0, 0));
@@ -206,7 +207,7 @@ void DrawNumber(Canvas& canvas, const InstrumentAppearance& appearance, const Nu
 
 void AddNumber(ValueLayer& layer, const RECT& bar, const InstrumentBlock& block) {
   const InstrumentReading reading = ReadingOf(block);
-  // At the minimum itself the bar is empty and stays free of a number as well.
+  // At the minimum, the bar is empty and has no number.
   if (reading.valid && !(block.current > block.minimum && block.current <= block.maximum)) return;
   const FixedText text =
       reading.valid ? FixedWidthNumber(reading.value, NumberWidth(block), block.format) : NoValueNumber(block);
@@ -222,7 +223,7 @@ void AddNumber(ValueLayer& layer, const RECT& bar, const InstrumentBlock& block)
 
 RECT SegmentRect(const BarFrame& frame, int count, int index) {
   const LONG margin = frame.Breadth() < kNarrow ? kNarrowMargin : kSideMargin;
-  const double lead = 1;  // keeps the first and last segment off the frame
+  const double lead = 1;  // the distance of the first and last segment to the frame
   const BarSpan span = SegmentSpan(frame.Length() - 2 * lead, count, index);
   return frame.Place({span.from + lead, span.to + lead}, margin);
 }

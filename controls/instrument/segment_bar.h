@@ -8,21 +8,21 @@
 
 namespace kv {
 
-// How many segments the block's range and step ask for, 3 to 100; negative when the bar runs the other way.
+// The number of segments for the block's range and step, 3 to 100; negative when the range is reversed.
 int SegmentCount(const InstrumentBlock& block, DWORD style);
 
 inline constexpr double kNoMarker = -1;
-// Where the marker stands, in percent of the range; kNoMarker when zone 0 is not enabled.
+// The position of the marker in percent of the range; kNoMarker when zone 0 is not enabled.
 double MarkerPercent(const InstrumentBlock& block);
 
-// How many of `count` segments are lit at this percentage.
+// The number of lit segments, of `count`, at this percentage.
 int LitSegments(double percent, int count);
 
-// A stretch along the bar in pixels from its start.
+// A range along the bar, in pixels from its start.
 struct BarSpan {
   double from, to;
 };
-// The place of segment `index` of `count` in a bar of `length` pixels, with the gap to the next left out.
+// The range of segment `index` of `count` in a bar of `length` pixels, without the gap to the next segment.
 BarSpan SegmentSpan(double length, int count, int index);
 
 bool IsVerticalBar(const RECT& area);

@@ -1,4 +1,4 @@
-// The state record of a display instrument's window. Private to the control and its tests; owners use the messages of
+// The state of a display instrument's window. Private to the control and its tests; owners use the messages of
 // controls/display_instrument.h.
 #pragma once
 
@@ -13,31 +13,31 @@ namespace kv {
 
 struct InstrumentCache;
 
-// What the control keeps between two renderings.
+// The control's rendering state.
 struct InstrumentWork {
-  InstrumentCache* cache;  // owned; null when memory is short, and then nothing is rendered
-  BOOL bBackgroundDrawn;   // the cache has the background of `appearance`
+  InstrumentCache* cache;  // owned; null when allocation failed, then nothing is rendered
+  BOOL bBackgroundDrawn;   // the cache contains the background of `appearance`
   InstrumentAppearance appearance;
-  DWORD renderings;  // how often the back buffer was rendered, wrapping
-  BOOL bExact;       // the glide under way ends at the target itself
+  DWORD renderings;  // the number of renderings of the back buffer; wraps
+  BOOL bExact;       // the running glide ends at the target itself
   BYTE free[3516];
 };
 
 struct InstrumentState {
-  HGLOBAL hMemory;  // of this record
+  HGLOBAL hMemory;  // of this block
   HINSTANCE hInstance;
   HWND hWnd, hParent;
   LONG nId;
   DWORD dwStyle;         // the window's style at creation, changed only by messages
   BOOL bRedraw;          // the back buffer is out of date
-  BOOL bGliding;         // timer 5 runs
-  LONG nCountdown;       // ticks until a glide that has arrived stops
+  BOOL bGliding;         // timer 5 is running
+  LONG nCountdown;       // ticks until a glide that has reached its target stops
   LONG nWidth, nHeight;  // of the back buffer, in pixels
   HBITMAP hBuffer;       // a top-down 32-bit section; null when the client area is empty
   InstrumentBlock block;
-  float target;  // where the displayed value glides to
+  float target;  // the target of the glide
   SYSTEMTIME time;
-  char szText[256];  // last WM_SETTEXT; the digital readout stores what it shows in the first 32 bytes
+  char szText[256];  // the last WM_SETTEXT; the first 32 bytes are the text of a digital readout
   InstrumentWork work;
 };
 static_assert(sizeof(InstrumentState) == 4936);

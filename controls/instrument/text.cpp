@@ -16,7 +16,7 @@ namespace kv {
 namespace {
 
 constexpr UINT kWestern = 1252;
-constexpr wchar_t kPadding[] = L"                ";  // 16 blanks before the number, so that cutting always finds some
+constexpr wchar_t kPadding[] = L"                ";  // 16 blanks before the number, enough for every width
 constexpr wchar_t kDashes[] = L"----------------";
 constexpr size_t kPointSearch = 32;
 
@@ -31,14 +31,14 @@ FixedText Format(const wchar_t* format, Arguments... arguments) {
   return text;
 }
 
-// Digits before the point, by the size of the block's maximum.
+// The number of integer digits, from the block's maximum.
 int IntegerDigits(float maximum) {
   const double magnitude = std::log10(std::fabs(static_cast<double>(maximum)));
   return std::isfinite(magnitude) ? static_cast<int>(magnitude + 0.5) : 0;
 }
 
 long MillisecondsOfDay(const SYSTEMTIME& time) {
-  // The owner's record may hold anything.
+  // The owner's time may be invalid.
   const long long seconds = (time.wHour * 60LL + time.wMinute) * 60 + time.wSecond;
   return static_cast<long>(std::min<long long>(seconds * 1000 + time.wMilliseconds, LONG_MAX));
 }
@@ -54,12 +54,12 @@ FixedText TimeText(const SYSTEMTIME& time, int kind, bool valid) {
   }
 }
 
-// To three digits, with a power of ten if need be.
+// Formats with three digits and, if necessary, a power of ten.
 FixedText ShortNumber(double value) {
   FixedText text = Format(L"%.3g", value);
   const size_t power = text.view().find(L'e');
   if (power == std::wstring_view::npos) return text;
-  // The runtime writes at least two digits of the power, some three.
+  // Runtimes write at least two digits of the exponent, some three.
   return FixedText(text.view().substr(0, power + 1)) + Format(L"%ld", wcstol(text.c_str() + power + 1, nullptr, 10));
 }
 
@@ -69,7 +69,7 @@ FixedText DateText(const SYSTEMTIME& time, bool valid) {
                 static_cast<long>(time.wDay));
 }
 
-// Length without a last UTF-8 sequence that the field's end cut off.
+// The length without an incomplete UTF-8 sequence at the field's end.
 int WholeUtf8Length(const char* text, int length) {
   int lead = length - 1;
   while (lead > 0 && lead > length - 4 && (text[lead] & 0xC0) == 0x80) --lead;
@@ -91,7 +91,7 @@ FixedText DecodeField(const char (&field)[Size], UINT otherwise) {
   const int length = static_cast<int>(std::find(field, field + Size, '\0') - field);
   FixedText wide;
   if (length == 0) return wide;
-  // Only a field that is full to the end can have been cut.
+  // Only a full field can end with an incomplete sequence.
   const int whole = length >= static_cast<int>(Size) - 1 ? WholeUtf8Length(field, length) : length;
   if (whole > 0 && Decode(CP_UTF8, MB_ERR_INVALID_CHARS, field, whole, &wide)) return wide;
   Decode(otherwise, 0, field, length, &wide);
@@ -162,7 +162,7 @@ FixedText AngleText(double degrees, const char (&hemispheres)[6]) {
   long seconds = std::max(0L, static_cast<long>(3600 * fraction));
   fraction -= seconds / 3600.0;
   long hundredths = std::max(0L, static_cast<long>(360000 * fraction + 0.5));
-  // Rounding may fill the last field; without the carry it would show three digits and push the others aside.
+  // Rounding may give 100 hundredths; without the carry they would have three digits and move the other fields.
   seconds += hundredths / 100;
   hundredths %= 100;
   minutes += seconds / 60;

@@ -1,4 +1,4 @@
-// What display instruments write: numbers of fixed width, and the readout's time, date, angle and dashes. Pure
+// The texts of display instruments: numbers of fixed width, and the readout's time, date, angle and dashes. Pure
 // functions; any thread.
 #pragma once
 
@@ -11,35 +11,35 @@
 
 namespace kv {
 
-// What InstrumentName and InstrumentUnit return, without taking memory.
+// Like InstrumentName and InstrumentUnit, without allocation.
 FixedText DecodedName(const InstrumentBlock& block);
 FixedText DecodedUnit(const InstrumentBlock& block);
 
-// A number of fixed width: the integer part is padded or cut at its upper end to what `width` leaves for it, so a
-// number that outgrows its display keeps its low digits in place instead of moving the point. `format` as in the block.
+// A number of fixed width. The integer part is padded, or truncated at its high-order end, to the width that remains
+// for it: a number that is too large shows its low-order digits, and the point does not move. `format` as in the block.
 FixedText FixedWidthNumber(double value, int width, BYTE format);
 
-// The text without its leading blanks, for writing it centred.
+// The text without leading blanks, for centring.
 FixedText WithoutPadding(std::wstring_view text);
 
-// The number with as many digits as it needs; what rounds to zero has no sign.
+// The number with as many digits as it needs; without sign if rounded to zero.
 FixedText PlainNumber(double value, int decimals, bool sign);
 
-// The number as it is, then ever shorter: with fewer decimal places, and at last to three digits with a power of ten,
-// where that is shorter still. For whoever has room for one of them. A block's format has at most seven places.
+// The number, then ever shorter forms, so that the caller can select one that fits: with fewer decimals, and finally,
+// if that is shorter, with three digits and a power of ten. A block's format has at most seven decimals.
 using NumberFormList = FixedList<FixedText, 9>;
 NumberFormList NumberForms(double value, int decimals, bool sign);
 
-// The width in characters that the block's maximum, decimal places and sign ask for.
+// The width in characters for the block's maximum, decimals and sign.
 int NumberWidth(const InstrumentBlock& block);
 
-// Dashes of the block's width, with one behind the point.
+// Dashes of the block's width, with one after the point.
 FixedText NoValueNumber(const InstrumentBlock& block);
 
 // The value as degrees, minutes, seconds, hundredths and the hemisphere letter, separated by points.
 FixedText AngleText(double degrees, const char (&hemispheres)[6]);
 
-// The text of the digital readout. `style` picks between number, time, date and angle (kInstrumentShowTime ...).
+// The text of the digital readout. `style` selects number, time, date or angle (kInstrumentShowTime ...).
 FixedText DigitalText(const InstrumentBlock& block, DWORD style, const SYSTEMTIME& time);
 
 }  // namespace kv

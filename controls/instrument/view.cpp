@@ -114,7 +114,7 @@ void DrawDialCase(Canvas& canvas, const Dial& dial, const InstrumentAppearance& 
   const DialColors colors = ColorsOf(appearance);
   const double rim = dial.radius - dial.innerRadius;
   FillGradientDisc(canvas, dial.centre, dial.radius, colors.rimTop, colors.rimBottom);
-  // The inner slope of the rim catches the light from the other side.
+  // The inner slope of the rim is lit from the opposite side.
   FillGradientDisc(canvas, dial.centre, dial.innerRadius + rim * 0.45, colors.rimBottom, colors.rimTop);
   FillDisc(canvas, dial.centre, dial.innerRadius + rim * 0.12, RGB(10, 11, 13));
   FillGradientDisc(canvas, dial.centre, dial.innerRadius, colors.dialTop, colors.dialBottom);

@@ -1,5 +1,5 @@
-// What the layouts of the display instrument share: colours, lines of text, the dark display well, and the round case
-// of gauge and compass. The thread that owns the control.
+// Shared by the modes of the display instrument: colours, lines of text, the black display, and the round case of gauge
+// and compass. The thread that owns the control.
 #pragma once
 
 #include <windows.h>
@@ -16,51 +16,52 @@ inline bool IsDisabled(const InstrumentAppearance& appearance) {
   return (appearance.style & kInstrumentDisabled) != 0;
 }
 
-// The colours of dials. A disabled instrument has the same shapes in greys of little contrast.
+// The colours of dials. A disabled instrument has the same shapes in low-contrast greys.
 struct DialColors {
-  COLORREF rimTop, rimBottom;    // metal rim; its inner edge has them exchanged
+  COLORREF rimTop, rimBottom;    // metal rim; exchanged for its inner edge
   COLORREF dialTop, dialBottom;  // dial
   COLORREF ink, faintInk;        // scale and value; minor marks, name and unit
   COLORREF window;               // recessed window behind the value
 };
 DialColors ColorsOf(const InstrumentAppearance& appearance);
 
-// A block's or zone's colour as the instrument shows it: grey of the same lightness, but subdued, when disabled.
+// The colour with which an instrument draws a block's or zone's colour: when disabled, a subdued grey of the same
+// lightness.
 COLORREF ShownColor(const InstrumentAppearance& appearance, COLORREF color);
 inline COLORREF DisplayColor(const InstrumentAppearance& appearance) {
   return ShownColor(appearance, appearance.block.color);
 }
-// Brightness of unlit segments against lit ones.
+// Brightness of unlit segments relative to lit ones.
 inline constexpr double kUnlit = 0.2;
 
 // The extent of a text in a font of this cell height and weight.
 SIZE MeasureText(std::wstring_view text, int height, int weight);
-// The largest cell height up to `height` in which the text fits into `width`, but not below `least`.
+// The largest cell height, from `least` to `height`, with which the text fits into `width`.
 int FittingHeight(std::wstring_view text, int height, int least, int width, int weight);
-// One line, transparent, vertically centred; `align` is DT_LEFT, DT_CENTER or DT_RIGHT. What does not fit ends in dots.
-// With DT_NOCLIP a text may reach out of the area.
+// Draws one line with a transparent background, vertically centred; `align` is DT_LEFT, DT_CENTER or DT_RIGHT. A text
+// that does not fit ends in an ellipsis, or extends beyond the area with DT_NOCLIP.
 void DrawTextLine(Canvas& canvas, HFONT font, std::wstring_view text, RECT area, COLORREF color, UINT align);
 
-// Captions of the rectangular layouts: the block's name in the system's text colour.
+// The caption of rectangular modes: its font height; draws the block's name in the system's text colour.
 int CaptionFontHeight(int governingSide);
 void DrawCaption(Canvas& canvas, const RECT& strip, const InstrumentAppearance& appearance, int fontHeight, UINT align);
 
-// A sunken frame around a black display, and what lies within the frame.
+// A black display with a sunken frame: draws it; the area within the frame.
 void DrawDisplayWell(Canvas& canvas, RECT area);
 RECT WithinFrame(RECT area);
 
-// Two gradients across the area: from `edge` at its sides to `color` in the middle.
+// Draws two gradients across the area: from `edge` at both sides to `color` in the middle.
 void FillRounded(Canvas& canvas, const RECT& area, COLORREF edge, COLORREF color);
 
-// Where a round case stands, in pixels.
+// The geometry of a round case, in pixels.
 struct Dial {
   PointD centre;
   double radius;       // outside of the rim
-  double innerRadius;  // the face within the rim, to which everything else is in proportion
+  double innerRadius;  // of the dial within the rim; other sizes are relative to it
 };
-// The largest dial in the middle of the area; radius 0 when there is no room for one.
+// The largest dial, centred in the area; radius 0 when there is no space.
 Dial DialIn(const RECT& area);
-// The panel and, on it, the dial's metal rim and face.
+// Draws the panel, the dial's metal rim and the dial.
 void DrawDialCase(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appearance);
 
 }  // namespace kv
