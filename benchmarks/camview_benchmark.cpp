@@ -18,6 +18,7 @@
 #include "camera/ports.h"
 #include "camera/recording.h"
 #include "camview/envelope.h"
+#include "camview/record_store.h"
 #include "camview/recording_loader.h"
 #include "camview/statistics.h"
 

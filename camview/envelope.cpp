@@ -6,9 +6,11 @@
 #include <cstddef>
 #include <limits>
 #include <span>
+#include <vector>
 
 #include "app/camera_record.h"
 #include "camview/record_store.h"
+#include "controls/strip_chart/strip_chart.h"
 
 namespace camview {
 

@@ -11,6 +11,7 @@
 #include "camera/recording.h"
 #include "camview/record_intake.h"
 #include "camview/record_store.h"
+#include "camview/worker.h"
 
 namespace camview {
 

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <vector>
 
+#include "app/camera_record.h"
 #include "camera/record_stream.h"
 #include "camview/record_store.h"
 

@@ -1,6 +1,7 @@
 // What a stretch of the stored records shows: pace, losses, and each point's range and jitter. Pure.
 #pragma once
 
+#include "app/camera_record.h"
 #include "camera/record_stream.h"
 #include "camview/record_store.h"
 

@@ -94,7 +94,7 @@ TEST(CamviewStore, FindsTheFirstOfManyWithOneTimeAndSurvivesYears) {
   const double years = 10 * 366 * 86400.0;
   store.Append(RecordAt(years, 6), 0);
   EXPECT_EQ(0, store.Find(2));
-  EXPECT_EQ(2 * kBlockRecords, store.At(2)) << "a time that goes back counts as the one before";
+  EXPECT_EQ(2LL * kBlockRecords, store.At(2)) << "a time that goes back counts as the one before";
   EXPECT_EQ(years, store.Seconds(store.End() - 1));
   EXPECT_EQ(5, store.Get(store.End() - 2).points[0].x);
 }
@@ -102,11 +102,11 @@ TEST(CamviewStore, FindsTheFirstOfManyWithOneTimeAndSurvivesYears) {
 TEST(CamviewStore, DropsTheOldestBlockBeyondItsCapacity) {
   RecordStore store(2 * kBlockRecords);
   for (int i = 0; i < 5 * kBlockRecords + 1; ++i) store.Append(RecordAt(i, i % 1000), 0);
-  EXPECT_EQ(4 * kBlockRecords, store.First());
-  EXPECT_EQ(5 * kBlockRecords + 1, store.End());
+  EXPECT_EQ(4LL * kBlockRecords, store.First());
+  EXPECT_EQ(5LL * kBlockRecords + 1, store.End());
   EXPECT_EQ(store.First(), store.Find(0));
   EXPECT_EQ(-1, store.At(10));
-  EXPECT_EQ(5 * kBlockRecords % 1000, store.Get(5 * kBlockRecords).points[0].x);
+  EXPECT_EQ(5 * kBlockRecords % 1000, store.Get(5LL * kBlockRecords).points[0].x);
   StoredRecord all[8];
   EXPECT_EQ(2u, store.Read(store.End() - 2, all));
   EXPECT_EQ(0u, store.Read(0, all));
@@ -143,8 +143,8 @@ TEST(CamviewIntake, NotesSilenceDamageAndMalformedBytes) {
   EndIntake(&intake, &batch);
   TakeBytes(&intake, 3, record.substr(30) + record, &batch);  // no record out of two halves
   TakeSilence(&intake, 9, &batch);
-  std::vector<unsigned> flags;
-  for (const IntakeRecord& one : batch.records) flags.push_back(one.flags);
+  std::vector<unsigned> flags(batch.records.size());
+  std::ranges::transform(batch.records, flags.begin(), &IntakeRecord::flags);
   EXPECT_EQ((std::vector<unsigned>{kAfterSilence, kAfterDamagedBytes, 0, 0, kAfterSilence | kAfterDamagedBytes}),
             flags);
   RecordStore store;
@@ -266,7 +266,7 @@ TEST(CamviewStatistics, CountLostRecords) {
   EXPECT_EQ((Lost{100, 99}), lost({{0.02, 0}, {1, kAfterSilence}}));
   // An adapter that hands over three at a time loses nothing.
   RecordStore store;
-  for (int i = 0; i < 300; ++i) store.Append(RecordAt(i / 3 * 0.032), 0);
+  for (int i = 0; i < 300; ++i) store.Append(RecordAt(std::floor(i / 3.0) * 0.032), 0);
   EXPECT_EQ(0, ComputeStatistics(store, 0, 100).lostRecords);
   store.Append(RecordAt(99 * 0.032 + 0.96), kAfterSilence);
   EXPECT_NEAR(3 * 29, static_cast<double>(ComputeStatistics(store, 0, 100).lostRecords), 1);

@@ -3,17 +3,20 @@
 #include <windows.h>
 
 #include <chrono>
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <utility>
 
 #include "camera/ports.h"
 #include "camview/live_source.h"
 #include "camview/port_finder.h"
 #include "camview/record_intake.h"
+#include "camview/record_store.h"
 #include "camview/recording_loader.h"
+#include "tests/support/replaced_import.h"
 #include "tests/support/serial_line.h"
 #include "tests/support/test_window.h"
 
@@ -34,6 +37,26 @@ std::string PathOf(const char* name) {
   char folder[MAX_PATH];
   GetTempPathA(sizeof(folder), folder);
   return std::string(folder) + name;
+}
+
+LoadedRecording Load(const std::string& path) {
+  RecordingLoader loader;
+  loader.Start(path);
+  EXPECT_TRUE(Within20Seconds([&] { return loader.IsDone(); }));
+  return loader.Take();
+}
+
+decltype(&WriteFile) RealWriteFile() {
+  return reinterpret_cast<decltype(&WriteFile)>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32.dll"), "WriteFile")));
+}
+
+// WriteFile for a full disk, which takes a part of what is written. Ports (overlapped) take all.
+BOOL WINAPI WriteToFullDisk(HANDLE file, const void* bytes, DWORD size, DWORD* written, OVERLAPPED* overlapped) {
+  if (overlapped || GetFileType(file) != FILE_TYPE_DISK) return RealWriteFile()(file, bytes, size, written, overlapped);
+  RealWriteFile()(file, bytes, size / 2, written, nullptr);
+  SetLastError(ERROR_DISK_FULL);
+  return FALSE;
 }
 
 TEST(CamviewLive, JudgesALineByWhatCameLast) {
@@ -90,18 +113,12 @@ TEST(CamviewLive, GoesOnAfterTheLineWasGoneAndRecordsAllTheWhile) {
   // What is in the file, which is intact while it is written, is what was handed over.
   Sleep(50);
   live.Take(&batch);
-  const auto load = [&] {
-    RecordingLoader loader;
-    loader.Start(path);
-    EXPECT_TRUE(Within20Seconds([&] { return loader.IsDone(); }));
-    return loader.Take();
-  };
-  LoadedRecording loaded = load();
+  LoadedRecording loaded = Load(path);
   EXPECT_TRUE(loaded.isTruncated);
   EXPECT_EQ(0, loaded.damageCount);
   live.StopRecording();
   EXPECT_EQ(LiveRecordingState::kOff, live.Status().recording);
-  loaded = load();
+  loaded = Load(path);
   EXPECT_FALSE(loaded.isTruncated);
   EXPECT_EQ(3u, loaded.header.port);
   ASSERT_EQ(batch.records.size(), static_cast<size_t>(loaded.store->End()));
@@ -116,7 +133,7 @@ TEST(CamviewLive, GoesOnAfterTheLineWasGoneAndRecordsAllTheWhile) {
   DeleteFileA(path.c_str());
 }
 
-TEST(CamviewLive, TellsWhoHasThePortAndWhatCannotBeWritten) {
+TEST(CamviewLive, TellsWhoHasThePortAndThatNothingMoreCanBeWritten) {
   if (!SerialLine::CanUnplug()) GTEST_SKIP() << "no pair of ports can be made here";
   SerialLine line({3, 4});
   LiveSource live(3);
@@ -129,6 +146,34 @@ TEST(CamviewLive, TellsWhoHasThePortAndWhatCannotBeWritten) {
   EXPECT_FALSE(live.StartRecording(PathOf("camview no folder\\a.twr"), false, &error));
   EXPECT_NE("", error);
   EXPECT_EQ(LiveRecordingState::kOff, live.Status().recording);
+
+  // The disk fills up while it records: what was written is intact, and showing goes on.
+  const std::string path = PathOf("camview full.twr");
+  DeleteFileA(path.c_str());
+  PlayedCamera camera(4);
+  const auto sendUntil = [&](const std::function<bool(const LiveStatus&)>& condition) {
+    EXPECT_TRUE(Within20Seconds([&] {
+      camera.Send(kRecord);
+      Sleep(5);
+      return condition(live.Status());
+    }));
+  };
+  ASSERT_TRUE(live.StartRecording(path, false, &error)) << error;
+  sendUntil([](const LiveStatus& status) { return status.recordedBytes > 200; });
+  {
+    const kvtest::ReplacedImport full("WriteFile", reinterpret_cast<void*>(WriteToFullDisk));
+    ASSERT_TRUE(full.isInPlace());
+    sendUntil([](const LiveStatus& status) { return status.recording == LiveRecordingState::kFailed; });
+  }
+  const LiveStatus failed = live.Status();
+  EXPECT_NE(std::string::npos, failed.recordingError.find("the disk is full")) << failed.recordingError;
+  sendUntil([&](const LiveStatus& status) { return status.records > failed.records + 5; });
+  const LoadedRecording loaded = Load(path);
+  EXPECT_EQ(failed.recordedBytes, loaded.bytes);
+  EXPECT_EQ(0, loaded.truncatedBytes);
+  EXPECT_TRUE(live.StartRecording(path, true, &error)) << error << ": another one can begin";
+  live.StopRecording();
+  DeleteFileA(path.c_str());
 }
 
 TEST(CamviewPorts, AreReportedOnceWithWhatTheySend) {
