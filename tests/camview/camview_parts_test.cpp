@@ -100,7 +100,7 @@ TEST(CamviewStore, FindsTheFirstOfManyWithOneTimeAndSurvivesYears) {
 }
 
 TEST(CamviewStore, DropsTheOldestBlockBeyondItsCapacity) {
-  RecordStore store(2 * kBlockRecords);
+  RecordStore store(2LL * kBlockRecords);
   for (int i = 0; i < 5 * kBlockRecords + 1; ++i) store.Append(RecordAt(i, i % 1000), 0);
   EXPECT_EQ(4LL * kBlockRecords, store.First());
   EXPECT_EQ(5LL * kBlockRecords + 1, store.End());
