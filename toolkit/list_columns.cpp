@@ -91,7 +91,7 @@ void DrawListRow(const DRAWITEMSTRUCT& item, std::span<const ListColumn> columns
     if (isHeader && column == sorting.column) DrawSortMark(item.hDC, &cell, sorting.descending);
     const std::wstring shown = isHeader ? ListColumnTitle(columns[column]) : text(item.itemID, column);
     const SelectedObject font(item.hDC, FontOf(textPx, style.weight, columns[column].fixedPitch && !isHeader));
-    // In a mirrored list left is right; numbers still stand with their last digits below each other.
+    // In a mirrored list DT_LEFT is at the right, where numbers are aligned, too.
     const UINT align = GetLayout(item.hDC) & LAYOUT_RTL ? columns[column].align & ~DT_RIGHT : columns[column].align;
     DrawFitted(item.hDC, shown, cell, align | DT_VCENTER | DT_SINGLELINE);
   });

@@ -53,18 +53,16 @@ void ReportMissing(const wchar_t* templateName) {
                            name.c_str());
   }
   if (!IsKnownClass(read.windowClass)) {
-    return PrintToDebugger(
-        ERROR_CANNOT_FIND_WND_CLASS,
-        L"kv: the dialog template \"%.100s\" has the class \"%.100s\", which nobody has registered\n", name.c_str(),
-        read.windowClass);
+    return PrintToDebugger(ERROR_CANNOT_FIND_WND_CLASS,
+                           L"kv: the dialog template \"%.100s\" has the class \"%.100s\", which is not registered\n",
+                           name.c_str(), read.windowClass);
   }
   for (const TemplateControl& control : read.controls) {
     if (IsKnownClass(control.windowClass)) continue;
-    return PrintToDebugger(
-        ERROR_CANNOT_FIND_WND_CLASS,
-        L"kv: control %d of the dialog template \"%.100s\" has the class \"%.100s\", which nobody has "
-        L"registered\n",
-        control.id, name.c_str(), control.windowClass);
+    return PrintToDebugger(ERROR_CANNOT_FIND_WND_CLASS,
+                           L"kv: control %d of the dialog template \"%.100s\" has the class \"%.100s\", which is not "
+                           L"registered\n",
+                           control.id, name.c_str(), control.windowClass);
   }
 }
 

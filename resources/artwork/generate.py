@@ -1,15 +1,15 @@
 #!/usr/bin/python3
-"""Draws all artwork anew.
+"""Regenerates all artwork.
 
-Icons and toolbar strip go to resources/, the samples' icons to samples/, toolbar_index.md stays here,
-contact sheets to look at go to build/artwork/.
+Writes icons and the toolbar bitmap to resources/, the samples' icons to samples/, toolbar_index.md to this folder, and
+contact sheets to build/artwork/.
 """
 
 from pathlib import Path
 
 import cairo
 
-# Importing them registers their icons: this is the order of the strip.
+# Importing them registers their icons, in the order of the toolbar.
 # isort: off
 import icons_record  # noqa: F401  (it registers its icons)
 import icons_link  # noqa: F401  (it registers its icons)
@@ -31,8 +31,8 @@ SAMPLES = RESOURCES.parent / "samples"
 
 SIDE = 24
 STRIP_COUNT = 88
-STANDARD_COUNT = 15  # the common controls' own images stand before the strip on a toolbar
-CONNECT_IMAGE = 32  # what the main dialog's connect button asks for
+STANDARD_COUNT = 15  # the common controls' standard images, which precede these on a toolbar
+CONNECT_IMAGE = 32  # the image of the main dialog's connect button
 SAMPLE_ICONS = {
     "speedometer": "gauge",
     "instrument_panel": "compass",
@@ -40,7 +40,7 @@ SAMPLE_ICONS = {
     "sensor_recorder": "chart",
     "track_export": "waypoint",
 }
-FAINTEST_EDGE = 48  # a pixel covered less than this (of 255) is left transparent
+FAINTEST_EDGE = 48  # a pixel with less coverage than this (of 255) is transparent
 
 
 def strip_pixel(red, green, blue, alpha):
@@ -79,7 +79,7 @@ def write_index():
 
 
 def write_sheet(name, icons, face, zoom):
-    """The strip's icons on a toolbar's grey, enlarged without smoothing."""
+    """The toolbar's images on a toolbar's grey, enlarged without interpolation."""
     columns = 11
     cell = (SIDE + 6) * zoom
     rows = -(-len(icons) // columns)

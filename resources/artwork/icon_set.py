@@ -1,4 +1,4 @@
-"""The register of toolbar icons: every function marked @icon draws one; their order is the order in the strip."""
+"""The registry of toolbar icons: each function with the decorator @icon draws one; their order is that of the toolbar."""
 
 ICONS = []
 

@@ -1,4 +1,4 @@
-"""Toolbar icons: connections and the transport of data. `connect` is the one that the main dialog shows."""
+"""Toolbar icons: connections and data transport. The main dialog uses `connect`."""
 
 from icon_set import icon
 from palette import INK, WHITE

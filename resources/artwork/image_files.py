@@ -1,4 +1,4 @@
-"""Writes the pictures as Windows bitmap and icon files.
+"""Writes images as Windows bitmap and icon files.
 
 Pixels are rows of (red, green, blue, alpha) with straight alpha, top row first.
 """
@@ -23,7 +23,7 @@ def pixels_of(surface):
 
 
 def write_bitmap(path, rows):
-    """A 24-bit bitmap, bottom row first; alpha is not looked at."""
+    """A 24-bit bitmap, bottom row first; alpha is ignored."""
     width, height = len(rows[0]), len(rows)
     padding = bytes(-3 * width % 4)
     body = b"".join(
@@ -35,7 +35,7 @@ def write_bitmap(path, rows):
 
 
 def _bitmap_image(surface):
-    """An icon's image: 32-bit colours, then the AND mask for systems and drawing ways that know no alpha."""
+    """An icon's image: 32-bit colours, then the AND mask for systems and functions without alpha support."""
     rows = pixels_of(surface)
     width, height = len(rows[0]), len(rows)
     colours = b"".join(bytes((blue, green, red, alpha)) for row in reversed(rows) for red, green, blue, alpha in row)
@@ -55,7 +55,7 @@ def _png_image(surface):
 
 
 def write_icon(path, surfaces):
-    """One image per surface; 256 pixels are stored as PNG, the only form Windows expects at that size."""
+    """One image per surface; images of 256 pixels are stored as PNG, as Windows expects."""
     images = [_png_image(surface) if surface.get_width() >= 256 else _bitmap_image(surface) for surface in surfaces]
     offset = 6 + 16 * len(images)
     directory = struct.pack("<HHH", 0, 1, len(images))

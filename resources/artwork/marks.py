@@ -1,12 +1,12 @@
-"""The chart's four markers and the program's own mark."""
+"""The chart's four markers and the program's icon."""
 
 import cairo
 
 from palette import INK, POINTS, WHITE
 from pen import Pen, arc, circle, line, polygon, rect
 
-# The digits' strokes between the middles of 3 x 5 cells. The smallest chart keeps every third row and column of a
-# marker, so a cell is three pixels: one of its pixels is always among those.
+# The digits' strokes between the centres of 3 x 5 cells. The smallest chart draws every third row and column of a marker,
+# so a cell is three pixels: one of them is always drawn.
 CELL = 3
 DIGITS = (
     (((0, 1), (1, 0), (1, 4)), ((0, 4), (2, 4))),
@@ -14,12 +14,12 @@ DIGITS = (
     (((0, 0), (2, 0), (2, 4), (0, 4)), ((0.5, 2), (2, 2))),
     (((0, 0), (0, 2), (2, 2)), ((2, 0), (2, 4))),
 )
-# The chart draws a marker at (x - 15, y - 15): the middle of pixel (15, 15) is the point.
+# The chart draws a marker at (x - 15, y - 15): the centre of pixel (15, 15) is the point.
 HOT = 15.5
 
 
 def marker(index):
-    """A point of light in a solid shape of its own colour, and its number at the lower right, clear of the shape."""
+    """A point of light in a solid shape, and its number at the lower right, outside of the shape."""
     pen = Pen(32, 32)
     colour = POINTS[index]
     shape = (
@@ -30,14 +30,14 @@ def marker(index):
     )[index]
     pen.fill(shape, colour)
     pen.fill(circle(HOT, HOT, 2.2), WHITE)
-    left, top = 24.5, 18.5  # the middle of the first cell: the digit ends at the icon's edge
+    left, top = 24.5, 18.5  # the centre of the first cell: the digit ends at the icon's edge
     for stroke in DIGITS[index]:
         pen.stroke(line(*((left + CELL * x, top + CELL * y) for x, y in stroke)), colour, CELL)
     return pen.surface
 
 
 def program(side):
-    """A dark field with a lens over it, in which four points shine; the smallest size keeps the lens alone."""
+    """A lens with four bright points over a dark field; the smallest size has only the lens."""
     pen = Pen(side, side)
     unit = side / 48
     pen.context.scale(unit, unit)

@@ -107,7 +107,7 @@ def star(x, y, outer, inner, points, start=-90):
 
 
 def gear(x, y, outer, inner, teeth):
-    """A wheel whose teeth take half of the rim."""
+    """A wheel whose teeth cover half of the rim."""
     step = 360 / teeth
     corners = []
     for tooth in range(teeth):
@@ -164,7 +164,7 @@ class Pen:
         self.context.stroke()
 
     def shape(self, path, colour):
-        """A filled body with its outline: what most of an icon is made of."""
+        """A filled shape with an outline, the usual element of an icon."""
         self.fill(path, colour)
         self.stroke(path)
 
@@ -174,7 +174,7 @@ class Pen:
         self.stroke(path, colour, width)
 
     def glow(self, x, y, radius, colour, alpha=1.0):
-        """Light that falls off from the centre."""
+        """A light that decreases from the centre."""
         gradient = cairo.RadialGradient(x, y, 0, x, y, radius)
         for share, strength in ((0.12, 1.0), (0.45, 0.55), (0.7, 0.2), (1, 0)):
             gradient.add_color_stop_rgba(share, *(part / 255 for part in colour), alpha * strength)

@@ -2,7 +2,7 @@
 """Draws the images of the gallery's language menu: flags/NAME.bmp and flags/NAME_checked.bmp, and flags.rc, which
 numbers them for the resource compiler. Run it after a change; its output is checked in.
 
-A flag is a function from a place on it (x to the right, y downwards, 0..1) to a colour. Menus show the images as they
+A flag is a function from a position on it (x to the right, y downwards, 0..1) to a colour. Menus show the images as they
 are, without transparency and at most as large as a check mark, so a flag fills its square up to a thin edge.
 """
 
@@ -140,7 +140,7 @@ FLAGS = {
     "none": rows(GREY),
     "MX": with_disc(columns(GREEN, WHITE, RED), (150, 100, 50), radius=0.12),
 }
-# By language index: 19 to 22 are reserved places, 23 is Mexico.
+# By language index: 19 to 22 are reserved, 23 is Mexico.
 ORDER = [name for name in FLAGS if name not in ("none", "MX")] + ["none"] * 4 + ["MX"]
 
 
@@ -152,13 +152,13 @@ def distance(x, y, start, end):
 
 
 def tick(x, y):
-    """How far a place is from the check mark, in pixels."""
+    """The distance of a point from the check mark, in pixels."""
     corner = (7.3, 10.2)
     return min(distance(x, y, (5.4, 8.2), corner), distance(x, y, corner, (10.8, 5.2)))
 
 
 def colour_at(flag, x, y, checked):
-    """The colour at a place in pixels."""
+    """The colour at a point, in pixels."""
     edge = min(x, y, SIZE - x, SIZE - y)
     if checked:
         if tick(x, y) < 0.9:
@@ -197,7 +197,7 @@ def main():
     for name, flag in FLAGS.items():
         write_bitmap(folder / f"{name}.bmp", flag, False)
         write_bitmap(folder / f"{name}_checked.bmp", flag, True)
-    # As plain numbers: not every resource compiler takes a sum for a name.
+    # As plain numbers: not every resource compiler accepts a sum as a name.
     header = (here.parents[1] / "gallery" / "resource_ids.h").read_text()
     first = int(re.search(r"#define IDB_LANGUAGE_FIRST (\d+)", header).group(1))
     script = ("// The language menu's images, IDB_LANGUAGE_FIRST and on by language index: plain ones, then checked\n"

@@ -35,7 +35,7 @@ if(WAY STREQUAL "find_package")
     execute_process(COMMAND ${CMAKE_COMMAND} -S ${WORK_DIR}/plain -B ${WORK_DIR}/plain -DCMAKE_PREFIX_PATH=${WORK_DIR}/sdk
       RESULT_VARIABLE result OUTPUT_QUIET ERROR_VARIABLE output)
     if(result EQUAL 0 OR NOT output MATCHES "kv is a 32-bit library")
-      message(FATAL_ERROR "What is no 32-bit build was not told so:\n${output}")
+      message(FATAL_ERROR "A build that is not 32-bit was not rejected:\n${output}")
     endif()
   endif()
   step("Configuring the samples" ${CMAKE_COMMAND} -S ${WORK_DIR}/sdk/share/kv/samples -B ${samples} ${options})

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Makes the package, looks at its sums, unpacks it where paths are hard, follows its pages' links, starts each program.
+"""Makes the package, checks its checksums, unpacks it into a difficult path, checks its pages' links, starts each program.
 
     check_package.py BUILD_FOLDER VERSION WORK_FOLDER UIDRIVER [EMULATOR]
 """
@@ -32,7 +32,7 @@ def check_sums(folder: Path) -> None:
 
 
 def check_pages(folder: Path) -> None:
-    """Every link and every image leads to a file of the package, and every anchor to a place in its page."""
+    """Every link and image refers to a file of the package, and every anchor to an id of its page."""
     pages = {page.resolve(): page.read_text(encoding="utf-8") for page in folder.rglob("*.html")}
     assert len(pages) > 30 and (folder / "docs" / "reference" / "index.html").resolve() in pages, pages.keys()
     assert f"{folder.name}.zip" in pages[(folder / "docs" / "index.html").resolve()], "README names another version"
@@ -51,7 +51,7 @@ def check_camtool(folder: Path) -> None:
 
 
 def check_gallery(folder: Path) -> None:
-    """Walks through every page; each is announced by its name and goes on with a line."""
+    """Shows every page; the gallery prints each page's name and waits for a line."""
     walk = subprocess.run(
         [*emulator, folder / "kvgallery.exe", "--walk"],
         input="\n" * 100,
