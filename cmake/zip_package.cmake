@@ -23,4 +23,4 @@ add_custom_target(package
     .=${stage}/programs/bin .=${stage}/texts docs=${stage}/docs sdk=${stage}/sdk
   COMMENT "Packing ${name}.zip"
   VERBATIM)
-add_dependencies(package tarnwick kvgallery camtool kv)
+add_dependencies(package tarnwick camview kvgallery camtool kv)

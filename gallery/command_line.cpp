@@ -55,13 +55,4 @@ std::wstring LanguageCodes() {
   return codes;
 }
 
-bool Print(DWORD stream, const std::wstring& text) {
-  const int characters = static_cast<int>(text.size());
-  std::string bytes(WideCharToMultiByte(CP_UTF8, 0, text.c_str(), characters, nullptr, 0, nullptr, nullptr), '\0');
-  WideCharToMultiByte(CP_UTF8, 0, text.c_str(), characters, bytes.data(), static_cast<int>(bytes.size()), nullptr,
-                      nullptr);
-  DWORD written = 0;
-  return WriteFile(GetStdHandle(stream), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) != 0;
-}
-
 }  // namespace gallery

@@ -23,8 +23,4 @@ StartOptions ParseCommandLine(int argc, const wchar_t* const* argv);
 std::wstring PageNames();
 std::wstring LanguageCodes();
 
-// Writes UTF-8 to a standard stream. False when that leads nowhere, as it does for a program of windows that nobody
-// redirected.
-bool Print(DWORD stream, const std::wstring& text);
-
 }  // namespace gallery

@@ -112,7 +112,7 @@ void WaitForLine() {
 INT_PTR OnTimer(HWND frame) {
   KillTimer(frame, kWalkTimer);
   const char* name = AllPages()[selectedPage].name;
-  Print(STD_OUTPUT_HANDLE, std::wstring(name, name + std::strlen(name)) + L"\n");
+  kv::PrintText(STD_OUTPUT_HANDLE, std::wstring(name, name + std::strlen(name)) + L"\n");
   WaitForLine();
   if (selectedPage + 1 == static_cast<int>(AllPages().size())) return PostMessageW(frame, WM_CLOSE, 0, 0);
   SelectPage(frame, selectedPage + 1);

@@ -48,6 +48,10 @@ LCID CurrentLocale();
 // Shows a message box in the direction of the current language; returns the result of MessageBoxW.
 int ShowMessage(HWND owner, const std::wstring& text, const std::wstring& caption, UINT flags);
 
+// Writes UTF-8 to a standard stream (STD_OUTPUT_HANDLE, STD_ERROR_HANDLE). Returns false if there is none, as in a
+// windowed program whose output is not redirected.
+bool PrintText(DWORD stream, const std::wstring& text);
+
 // A string resource in the current language; if missing, in English; empty if missing there, too.
 std::wstring ResourceText(UINT id);
 

@@ -88,6 +88,10 @@ BOOL SetStripChartCapacity(HWND dialog, int id, DWORD samples) {
   return Send(dialog, id, kStripCapacity | kCommandRedraw, 0, &samples);
 }
 
+BOOL SetStripChartAxisFigures(HWND dialog, int id, DWORD figures) {
+  return Send(dialog, id, kStripAxisFigures | kCommandRedraw, 0, &figures);
+}
+
 BOOL SetStripChartView(HWND dialog, int id, double seconds, double minimum, double maximum) {
   return ChangeView(dialog, id, [&](StripView& view) {
     view.state |= kStripFollow;
@@ -104,6 +108,13 @@ BOOL ShowStripChartTimes(HWND dialog, int id, StripStretch times) {
     view.state &= ~kStripFollow;
     view.span = times.to - times.from;
     view.end = times.to;
+  });
+}
+
+BOOL FollowStripChart(HWND dialog, int id, double seconds) {
+  return ChangeView(dialog, id, [&](StripView& view) {
+    view.state |= kStripFollow;
+    view.span = seconds;
   });
 }
 

@@ -30,11 +30,15 @@ double StripChartNow();
 
 // Sets the number of samples that each channel stores.
 BOOL SetStripChartCapacity(HWND dialog, int id, DWORD samples);
+// Reserves space for at least that many characters (up to 16) at the value axis, which aligns charts above each other.
+BOOL SetStripChartAxisFigures(HWND dialog, int id, DWORD figures);
 // Sets the displayed time span in seconds (0: all stored samples) and the range of the common axis (equal: automatic).
 // The chart then follows the newest sample.
 BOOL SetStripChartView(HWND dialog, int id, double seconds, double minimum, double maximum);
 // Shows a fixed time range, also while samples are appended; the value range does not change.
 BOOL ShowStripChartTimes(HWND dialog, int id, StripStretch times);
+// Displays the newest seconds and follows the newest sample; the value range does not change.
+BOOL FollowStripChart(HWND dialog, int id, double seconds);
 // The displayed time range, which the user may have changed. `from` equals `to` when all stored samples are shown.
 BOOL GetStripChartTimes(HWND dialog, int id, StripStretch* times);
 // Freezes or releases the display.

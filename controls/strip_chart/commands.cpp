@@ -51,6 +51,15 @@ bool ExchangeCapacity(StripModel& model, WPARAM wParam, LPARAM address) {
   return CopyItemIn(address, &capacity) && SetStripCapacity(model, capacity);
 }
 
+bool ExchangeAxisFigures(StripModel& model, WPARAM wParam, LPARAM address) {
+  constexpr DWORD kMaxFigures = 16;
+  if (wParam & kCommandRead) return CopyItemOut(model.axisFigures, address);
+  DWORD figures = 0;
+  if (!CopyItemIn(address, &figures) || figures > kMaxFigures) return false;
+  model.axisFigures = figures;
+  return true;
+}
+
 bool ExchangeView(StripModel& model, WPARAM wParam, LPARAM address) {
   StripView view = model.view;
   if (wParam & kCommandRead) {
@@ -106,6 +115,7 @@ bool DoCommand(StripChart& chart, WPARAM wParam, LPARAM lParam) {
     case kStripAppend: return !(wParam & kCommandRead) && Append(model, index, lParam);
     case kStripZone: return ExchangeZone(model, index, wParam, lParam);
     case kStripCapacity: return ExchangeCapacity(model, wParam, lParam);
+    case kStripAxisFigures: return ExchangeAxisFigures(model, wParam, lParam);
     case kStripViewItem: return ExchangeView(model, wParam, lParam);
     case kStripCursor: return ExchangeCursor(model, wParam, lParam);
     case kStripMark: return ExchangeMark(model, wParam, lParam);

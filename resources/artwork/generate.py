@@ -129,6 +129,9 @@ def main():
     programs = [marks.program(side) for side in (48, 32, 16, 256)]
     write_icon(RESOURCES / "tarnwick.ico", programs)
     write_icon(RESOURCES / "tarnwick_small.ico", [programs[2]])
+    viewers = [marks.viewer(side) for side in (48, 32, 16, 256)]
+    write_icon(RESOURCES / "camview.ico", viewers)
+    write_icon(RESOURCES / "camview_small.ico", [viewers[2]])
 
     drawn = dict(zip(names, ICONS))
     for sample, name in SAMPLE_ICONS.items():
@@ -138,7 +141,7 @@ def main():
         for zoom in (1, 4):
             write_sheet(f"toolbar_{name}_{zoom}x.png", icons, face, zoom)
     for zoom in (1, 4):
-        write_marks_sheet(markers + programs[:3], zoom)
+        write_marks_sheet(markers + programs[:3] + viewers[:3], zoom)
     programs[3].write_to_png(str(BUILD / "program_256.png"))
 
 

@@ -73,3 +73,29 @@ def _lens(pen, radius, hair, small):
             pen.stroke(line(*ends), (150, 186, 240), hair, 0.5, butt=True)
     pen.stroke(circle(24, 24, radius), INK, 5 if small else 6)
     pen.stroke(circle(24, 24, radius), "steel", 3.4)
+
+
+def viewer(side):
+    """The dark field with two points and the trails that led to them, over the button that plays them back."""
+    pen = Pen(side, side)
+    unit = side / 48
+    pen.context.scale(unit, unit)
+    hair = 1 / unit
+    small = side < 24
+    field = rect(hair / 2, hair / 2, 48 - hair, 48 - hair, 5 if small else 9)
+    pen.fill(field, "night")
+    pen.stroke(field, (120, 144, 180), hair)
+    trails = (((6, 33), (11, 20), (20, 13), (30, 15)), ((7, 43), (12, 34), (18, 29), (25, 31)))
+    for trail, colour in zip(trails[:1] if small else trails, (POINTS[3], POINTS[2])):
+        steps = len(trail) - 1
+        for step in range(steps):
+            alpha = 0.35 + 0.65 * (step + 1) / steps
+            pen.stroke(line(trail[step], trail[step + 1]), colour, 4.5 if small else 2.4, alpha)
+        x, y = trail[-1]
+        pen.glow(x, y, 9, colour)
+        pen.fill(circle(x, y, 5.5 if small else 3.6), colour)
+        pen.fill(circle(x, y, 1.5), WHITE)
+    play = polygon((25, 22), (46, 34), (25, 46)) if small else polygon((31, 28), (44, 35.5), (31, 43))
+    pen.stroke(play, INK, 5 if small else 3.5)
+    pen.fill(play, "steel")
+    return pen.surface

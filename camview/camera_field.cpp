@@ -1,0 +1,352 @@
+#include "camview/camera_field.h"
+
+#include <oleacc.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <memory>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "app/camera_record.h"
+#include "camview/control_object.h"
+#include "camview/record_store.h"
+#include "framework/accessible.h"
+#include "framework/bitmaps.h"
+#include "framework/canvas.h"
+#include "framework/control_class.h"
+#include "framework/coverage.h"
+#include "framework/guards.h"
+#include "framework/numbers.h"
+#include "framework/painting.h"
+#include "framework/window_state.h"
+#include "toolkit/appearance.h"
+
+namespace camview {
+
+namespace {
+
+constexpr int kFadeSteps = 12;
+constexpr int kSmallestCopy = 64, kLargestCopy = 5120;
+constexpr COLORREF kPointColors[kv::kPointCount] = {RGB(255, 60, 40), RGB(50, 132, 255), RGB(255, 236, 60),
+                                                    RGB(116, 255, 198)};
+
+struct Field {
+  HWND window = nullptr;
+  std::vector<StoredRecord> records;
+  double now = 0, trailSeconds = 0;
+  bool isDirty = true;
+  kv::Surface surface;
+  kv::CoverageShape shape;
+  kv::MemoryDc dc{nullptr};
+};
+
+bool IsSeen(const kv::CameraPoint& point) {
+  return point.x != kv::kNoPoint && point.y != kv::kNoPoint;
+}
+
+// ---- Layout ---------------------------------------------------------------------------------------------------------
+
+struct FieldLayout {
+  RECT frame;  // of one pixel, around the field
+  double unitPx, left, top;
+  double markerPx;  // from a marker's centre to its edge
+  int fontPx;
+};
+
+FieldLayout LayoutField(SIZE size) {
+  constexpr double kWidth = kv::kFieldWidth, kHeight = kv::kFieldHeight;
+  FieldLayout layout{};
+  layout.unitPx = std::max(0.0, std::min((size.cx - 2) / kWidth, (size.cy - 2) / kHeight));
+  const LONG width = static_cast<LONG>(kWidth * layout.unitPx), height = static_cast<LONG>(kHeight * layout.unitPx);
+  const LONG left = (size.cx - width) / 2, top = (size.cy - height) / 2;
+  layout.frame = {left - 1, top - 1, left + width + 1, top + height + 1};
+  layout.left = left;
+  layout.top = top;
+  layout.markerPx = std::clamp(height / 48.0, 4.0, 24.0);
+  layout.fontPx = std::clamp(static_cast<int>(height / 22), 11, 40);
+  return layout;
+}
+
+// The middle of the camera's unit.
+kv::PointD PlaceOf(const FieldLayout& layout, const kv::CameraPoint& point) {
+  return {layout.left + (point.x + 0.5) * layout.unitPx, layout.top + (point.y + 0.5) * layout.unitPx};
+}
+
+// ---- Drawing --------------------------------------------------------------------------------------------------------
+
+struct FieldColors {
+  COLORREF around, field, frame, grid, centre;
+  std::array<COLORREF, kv::kPointCount> points;
+};
+
+COLORREF Mixed(COLORREF from, COLORREF to, int percent) {
+  COLORREF color = from;
+  kv::BlendColor(from, to, 100, percent, &color);
+  return color;
+}
+
+FieldColors ColorsOfField() {
+  const bool contrast = kv::IsHighContrast();
+  FieldColors colors{};
+  colors.around = GetSysColor(COLOR_BTNFACE);
+  colors.field = contrast ? GetSysColor(COLOR_WINDOW) : RGB(0, 0, 0);
+  const COLORREF ink = contrast ? GetSysColor(COLOR_WINDOWTEXT) : RGB(255, 255, 255);
+  colors.frame = contrast ? ink : GetSysColor(COLOR_BTNSHADOW);
+  colors.grid = Mixed(colors.field, ink, contrast ? 30 : 13);
+  colors.centre = contrast ? colors.field : ink;
+  for (int i = 0; i < kv::kPointCount; ++i) colors.points[i] = contrast ? ink : kPointColors[i];
+  return colors;
+}
+
+void DrawFace(kv::Canvas& canvas, const FieldLayout& layout, const FieldColors& colors) {
+  const SIZE size = canvas.surface().size();
+  const RECT& frame = layout.frame;
+  const RECT inner{frame.left + 1, frame.top + 1, frame.right - 1, frame.bottom - 1};
+  kv::FillArea(canvas, {0, 0, size.cx, size.cy}, colors.around);
+  kv::FillArea(canvas, frame, colors.frame);
+  kv::FillArea(canvas, inner, colors.field);
+  for (int i = 1; i < 4; ++i) {
+    const LONG x = inner.left + (inner.right - inner.left) * i / 4, y = inner.top + (inner.bottom - inner.top) * i / 4;
+    kv::FillArea(canvas, {x, inner.top, x + 1, inner.bottom}, colors.grid);
+    kv::FillArea(canvas, {inner.left, y, inner.right, y + 1}, colors.grid);
+  }
+  canvas.ClipTo(inner);
+}
+
+// The older, the nearer to the field's colour: step 0 is the newest.
+COLORREF TrailColor(const FieldColors& colors, int point, int step) {
+  return Mixed(colors.points[point], colors.field, 78 * step / kFadeSteps);
+}
+
+void DrawTrail(kv::Canvas& canvas, const Field& field, const FieldLayout& layout, const FieldColors& colors,
+               int point) {
+  const double width = std::max(1.6, layout.markerPx / 4);
+  constexpr double kLeastMove = 0.7;  // pixels
+  const StoredRecord* from = nullptr;
+  int step = -1;
+  kv::BeginShape(canvas);
+  for (const StoredRecord& record : field.records) {
+    const double age = field.now - record.seconds;
+    if (!(age <= field.trailSeconds)) continue;
+    if (!IsSeen(record.points[point])) {
+      from = nullptr;
+      continue;
+    }
+    const kv::PointD place = PlaceOf(layout, record.points[point]);
+    if (!from) {
+      from = &record;
+      continue;
+    }
+    const kv::PointD before = PlaceOf(layout, from->points[point]);
+    if (std::hypot(place.x - before.x, place.y - before.y) < kLeastMove) continue;
+    const int own = std::clamp(kv::ToInt(age / field.trailSeconds * kFadeSteps), 0, kFadeSteps - 1);
+    constexpr size_t kCornersOfLine = 4;
+    if (own != step || !canvas.shape().HasCapacityFor(kCornersOfLine)) {
+      if (step >= 0) kv::FillShape(canvas, TrailColor(colors, point, step));
+      kv::BeginShape(canvas);
+      step = own;
+    }
+    kv::AddLine(canvas, before, place, width);
+    from = &record;
+  }
+  if (step >= 0) kv::FillShape(canvas, TrailColor(colors, point, step));
+}
+
+// Circle, square, diamond and triangle, as Tarnwick's icons.
+void DrawMarker(kv::Canvas& canvas, const FieldColors& colors, int point, kv::PointD at, double radius) {
+  const COLORREF color = colors.points[point];
+  const double r = radius;
+  switch (point) {
+    case 0: kv::FillDisc(canvas, at, r, color); break;
+    case 1: {
+      const double h = r * 0.86;
+      kv::FillPolygon(canvas,
+                      std::array<kv::PointD, 4>{
+                          {{at.x - h, at.y - h}, {at.x + h, at.y - h}, {at.x + h, at.y + h}, {at.x - h, at.y + h}}},
+                      color);
+      break;
+    }
+    case 2:
+      kv::FillPolygon(
+          canvas,
+          std::array<kv::PointD, 4>{
+              {{at.x, at.y - r * 1.35}, {at.x + r * 1.2, at.y}, {at.x, at.y + r * 1.35}, {at.x - r * 1.2, at.y}}},
+          color);
+      break;
+    default:
+      kv::FillPolygon(canvas,
+                      std::array<kv::PointD, 3>{
+                          {{at.x - r * 1.35, at.y - r}, {at.x + r * 1.35, at.y - r}, {at.x, at.y + r * 1.35}}},
+                      color);
+  }
+  kv::FillDisc(canvas, at, r * 0.34, colors.centre);
+}
+
+// To the right below the marker, or where the field ends, to the left or above.
+void DrawNumber(kv::Canvas& canvas, const FieldLayout& layout, int point, kv::PointD at, COLORREF color) {
+  const std::wstring text(1, static_cast<wchar_t>(L'1' + point));
+  SIZE size{};
+  GetTextExtentPoint32W(canvas.dc(), text.c_str(), 1, &size);
+  const double gap = layout.markerPx * 1.2;
+  double x = at.x + gap, y = at.y + gap * 0.4;
+  if (x + size.cx > layout.frame.right - 1) x = at.x - gap - size.cx;
+  if (y + size.cy > layout.frame.bottom - 1) y = at.y - gap * 0.4 - size.cy;
+  SetTextColor(canvas.dc(), color);
+  TextOutW(canvas.dc(), static_cast<int>(x), static_cast<int>(y), text.c_str(), 1);
+}
+
+void Render(const Field& field, kv::Canvas& canvas) {
+  const FieldLayout layout = LayoutField(canvas.surface().size());
+  const FieldColors colors = ColorsOfField();
+  DrawFace(canvas, layout, colors);
+  if (field.records.empty()) return;
+  for (int i = 0; field.trailSeconds > 0 && i < kv::kPointCount; ++i) DrawTrail(canvas, field, layout, colors, i);
+  const StoredRecord& shown = field.records.back();
+  for (int i = 0; i < kv::kPointCount; ++i) {
+    if (IsSeen(shown.points[i])) DrawMarker(canvas, colors, i, PlaceOf(layout, shown.points[i]), layout.markerPx);
+  }
+  const kv::OwnedFont font = kv::MakeFont(-layout.fontPx, FW_BOLD);
+  const kv::SelectedObject selected(canvas.dc(), font);
+  SetBkMode(canvas.dc(), TRANSPARENT);
+  for (int i = 0; i < kv::kPointCount; ++i) {
+    if (IsSeen(shown.points[i])) DrawNumber(canvas, layout, i, PlaceOf(layout, shown.points[i]), colors.points[i]);
+  }
+}
+
+// Brings the back buffer up to date. False without one.
+bool Update(Field& field) {
+  const SIZE size = kv::ClientSize(field.window);
+  if (field.surface.size().cx != size.cx || field.surface.size().cy != size.cy) {
+    field.surface.Create(size);
+    field.isDirty = true;
+  }
+  if (!field.surface.bitmap()) return false;
+  if (field.isDirty) {
+    kv::Canvas canvas(field.dc, field.surface, field.shape);
+    Render(field, canvas);
+  }
+  field.isDirty = false;
+  return true;
+}
+
+void ShowOn(Field& field, HDC dc) {
+  if (!Update(field)) return;
+  const kv::SelectedObject selected(field.dc, field.surface.bitmap());
+  BitBlt(dc, 0, 0, field.surface.size().cx, field.surface.size().cy, field.dc, 0, 0, SRCCOPY);
+}
+
+// ---- Message handlers -----------------------------------------------------------------------------------------------
+
+LRESULT OnPaint(HWND window, Field* field) {
+  const kv::PaintScope paint(window);
+  if (!field) return 0;
+  ShowOn(*field, paint.dc());
+  if (GetFocus() != window) return 0;
+  const RECT frame = LayoutField(kv::ClientSize(window)).frame;
+  const RECT mark{frame.left + 2, frame.top + 2, frame.right - 2, frame.bottom - 2};
+  SetTextColor(paint.dc(), RGB(0, 0, 0));
+  SetBkColor(paint.dc(), RGB(255, 255, 255));
+  DrawFocusRect(paint.dc(), &mark);
+  return 0;
+}
+
+LRESULT Repaint(Field& field) {
+  field.isDirty = true;
+  InvalidateRect(field.window, nullptr, FALSE);
+  return 0;
+}
+
+LRESULT OnCommand(Field& field, WPARAM wParam, LPARAM lParam) {
+  if (LOBYTE(wParam) != kFieldShow) return FALSE;
+  FieldContent content;
+  if (!kv::CopyItemIn(lParam, &content) || content.count > kFieldMaxRecords || !std::isfinite(content.now) ||
+      !(content.trailSeconds >= 0) ||
+      (content.count && IsBadReadPtr(content.records, content.count * sizeof(StoredRecord)))) {
+    return FALSE;
+  }
+  field.records.assign(content.records, content.records + content.count);
+  for (StoredRecord& record : field.records) {
+    // Odd records may hold any number.
+    for (kv::CameraPoint& point : record.points) {
+      point = {std::clamp<LONG>(point.x, 0, kv::kNoPoint), std::clamp<LONG>(point.y, 0, kv::kNoPoint)};
+    }
+  }
+  field.now = content.now;
+  field.trailSeconds = content.trailSeconds;
+  Repaint(field);
+  kv::NotifyValueChanged(field.window);
+  if (wParam & kv::kCommandRedraw) UpdateWindow(field.window);
+  return TRUE;
+}
+
+LRESULT OnCopy(const Field& field, LPARAM requested) {
+  const SIZE size = kv::RequestedCopySize(requested, kv::ClientSize(field.window), kSmallestCopy, kLargestCopy);
+  kv::Surface surface;
+  const std::unique_ptr<kv::CoverageShape> shape(new (std::nothrow) kv::CoverageShape);
+  if (!shape || !surface.Create(size)) return 0;
+  {
+    kv::Canvas canvas(field.dc, surface, *shape);
+    Render(field, canvas);
+  }
+  kv::CopyBitmapToClipboard(field.window, surface.bitmap(), size, size);
+  return 0;
+}
+
+kv::AccessibleText Describe(HWND window) {
+  const Field* field = ObjectOf<Field>(window);
+  kv::AccessibleText text{kv::WindowText(window), {}};
+  if (!field || field->records.empty()) return text;
+  for (int i = 0; i < kv::kPointCount; ++i) {
+    const kv::CameraPoint& point = field->records.back().points[i];
+    if (!IsSeen(point)) continue;
+    if (!text.value.empty()) text.value += L"; ";
+    text.value += std::to_wstring(i + 1) + L": " + std::to_wstring(point.x) + L", " + std::to_wstring(point.y);
+  }
+  return text;
+}
+
+LRESULT HandleMessage(Field& field, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_SIZE:
+    case WM_SETFOCUS:
+    case WM_KILLFOCUS:
+    case WM_SYSCOLORCHANGE: return Repaint(field);
+    case WM_LBUTTONDOWN: SetFocus(field.window); return 0;
+    case WM_KEYDOWN: return wParam == 'C' && GetKeyState(VK_CONTROL) < 0 ? OnCopy(field, 0) : 0;
+    case WM_COPY: return OnCopy(field, lParam);
+    case WM_PRINTCLIENT: ShowOn(field, reinterpret_cast<HDC>(wParam)); return 0;
+    case kv::kControlCommand: return OnCommand(field, wParam, lParam);
+    default: return DefWindowProcA(field.window, message, wParam, lParam);
+  }
+}
+
+LRESULT CALLBACK FieldProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  Field* field = ObjectOf<Field>(window);
+  switch (message) {
+    case WM_CREATE: return field ? 0 : CreateObject<Field>(window);
+    case WM_DESTROY: return DestroyObject<Field>(window);
+    case WM_PAINT: return OnPaint(window, field);
+    case WM_GETDLGCODE: return DLGC_WANTCHARS;
+    case WM_DROPFILES: return SendMessageA(GetParent(window), message, wParam, lParam);
+    case WM_GETOBJECT: return kv::HandleGetObject(window, wParam, lParam, ROLE_SYSTEM_CHART, Describe);
+    default: break;
+  }
+  if (field) return HandleMessage(*field, message, wParam, lParam);
+  return message == kv::kControlCommand ? FALSE : DefWindowProcA(window, message, wParam, lParam);
+}
+
+}  // namespace
+
+COLORREF PointColor(int point) {
+  return kPointColors[point];
+}
+
+BOOL RegisterCameraFieldClass(HINSTANCE instance, BOOL registerIt) {
+  return kv::RegisterControlClass(instance, kCameraFieldClass, FieldProcedure, registerIt);
+}
+
+}  // namespace camview

@@ -1,0 +1,138 @@
+#include "camview/chart_feed.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "app/camera_record.h"
+#include "camview/camera_field.h"
+#include "camview/envelope.h"
+#include "camview/record_store.h"
+#include "camview/resource_ids.h"
+#include "camview/status_line.h"
+#include "controls/strip_chart/strip_chart.h"
+#include "toolkit/strip_chart.h"
+
+namespace camview {
+
+namespace {
+
+constexpr int kCharts[] = {IDC_CHART_X, IDC_CHART_Y};
+constexpr unsigned kAllChannels = (1u << kChannels) - 1;
+constexpr double kGap = std::numeric_limits<double>::quiet_NaN();
+constexpr int kFineBuckets = 2000;    // of what is shown; more than a screen has columns
+constexpr int kCoarseBuckets = 2000;  // of all the rest
+constexpr double kBeside = 1;         // spans in detail on either side of what is shown
+// A span that is so much shorter needs more details.
+constexpr double kFurther = 1.5;
+constexpr int kSamplesOfBucket = 5;  // four, and a gap
+constexpr DWORD kCapacity =
+    (kFineBuckets * (1 + 2 * static_cast<int>(kBeside)) + 2 * kCoarseBuckets) * kSamplesOfBucket;
+// Until then what is appended has room.
+constexpr long long kMaxAppended = 16384;
+
+struct Part {
+  double from, to;
+  int buckets;
+};
+
+// Adds a part behind those that are there: its records beside the edges may be in them.
+void AddPart(const RecordStore& store, const Part& part, Curves* curves) {
+  if (!(part.from < part.to)) return;
+  Curves added;
+  MakeCurves(store, part.from, part.to, part.buckets, kAllChannels, &added);
+  for (int channel = 0; channel < kChannels; ++channel) {
+    auto& curve = (*curves)[channel];
+    const double last = curve.empty() ? -kv::kStripMaxTime : curve.back().time;
+    const auto begin = std::ranges::find_if(added[channel], [&](const auto& sample) { return sample.time > last; });
+    curve.insert(curve.end(), begin, added[channel].end());
+  }
+}
+
+int CoarseBuckets(double seconds, double whole) {
+  return std::max(static_cast<int>(kCoarseBuckets * seconds / whole), 16);
+}
+
+void Append(HWND window, const Curves& curves) {
+  for (int channel = 0; channel < kChannels; ++channel) {
+    kv::AppendStripChartSamples(window, kCharts[channel % 2], channel / 2, curves[channel]);
+  }
+}
+
+}  // namespace
+
+void DescribeCharts(HWND window) {
+  for (int i = 0; i < kChannels; ++i) {
+    const std::wstring name = TextWith(i % 2 ? IDS_CHANNEL_Y : IDS_CHANNEL_X, i / 2 + 1);
+    kv::SetStripChartChannel(window, kCharts[i % 2], i / 2, {.name = name.c_str(), .color = PointColor(i / 2)});
+  }
+  constexpr DWORD kFigures = 4;  // of the largest coordinate
+  for (const int chart : kCharts) {
+    kv::SetStripChartCapacity(window, chart, kCapacity + 2 * kMaxAppended);
+    kv::SetStripChartAxisFigures(window, chart, kFigures);
+  }
+}
+
+bool HasDetails(const ChartFeed& feed, const kv::StripStretch& whole, const kv::StripStretch& shown) {
+  const double from = std::max(shown.from, whole.from), to = std::min(shown.to, whole.to);
+  return from >= feed.fine.from && to <= feed.fine.to && (feed.isExact || (to - from) * kFurther >= feed.span);
+}
+
+void FeedCharts(HWND window, const RecordStore& store, const kv::StripStretch& whole, const kv::StripStretch& shown,
+                ChartFeed* feed) {
+  feed->span = std::max(std::min(shown.to, whole.to) - std::max(shown.from, whole.from), 0.0);
+  const double beside = (shown.to - shown.from) * kBeside;
+  feed->fine = {std::max(shown.from - beside, whole.from), std::min(shown.to + beside, whole.to)};
+  const double length = std::max(whole.to - whole.from, 1e-3);
+  // Of a span that reaches beyond the whole, the buckets are those of what there is.
+  const double buckets = kFineBuckets * (feed->fine.to - feed->fine.from) / std::max(feed->span, 1e-3);
+  const int fineBuckets = std::clamp(static_cast<int>(std::min(buckets, 1e6)), 1, kFineBuckets * 3);
+  feed->isExact = store.Find(feed->fine.to) - store.Find(feed->fine.from) <= 4LL * fineBuckets;
+  Curves curves;
+  // The charts can be moved to the ends of the whole even if no record stands there.
+  if (store.IsEmpty() || store.Seconds(store.First()) > whole.from) {
+    for (auto& curve : curves) curve.push_back({whole.from, kGap});
+  }
+  const kv::StripStretch& fine = feed->fine;
+  AddPart(store, {whole.from, fine.from, CoarseBuckets(fine.from - whole.from, length)}, &curves);
+  AddPart(store, {fine.from, fine.to, fineBuckets}, &curves);
+  AddPart(store, {fine.to, whole.to, CoarseBuckets(whole.to - fine.to, length)}, &curves);
+  for (auto& curve : curves) {
+    if (curve.empty() || curve.back().time < whole.to) curve.push_back({whole.to, kGap});
+  }
+  for (const int chart : kCharts) kv::ClearStripChart(window, chart);
+  Append(window, curves);
+  feed->next = store.End();
+  feed->appended = 0;
+}
+
+bool AppendNewRecords(HWND window, const RecordStore& store, ChartFeed* feed) {
+  const long long count = store.End() - feed->next;
+  feed->appended += count;
+  if (feed->appended > kMaxAppended || feed->next < store.First()) return false;
+  if (count == 0) return true;
+  Curves curves;
+  for (; feed->next < store.End(); ++feed->next) {
+    const StoredRecord record = store.Get(feed->next);
+    for (int channel = 0; channel < kChannels; ++channel) {
+      const kv::CameraPoint& point = record.points[channel / 2];
+      const bool isSeen = point.x != kv::kNoPoint && point.y != kv::kNoPoint;
+      if (record.flags & kAfterSilence) curves[channel].push_back({record.seconds, kGap});
+      curves[channel].push_back({record.seconds, isSeen ? (channel % 2 ? point.y : point.x) : kGap});
+    }
+    feed->fine.to = std::max(feed->fine.to, record.seconds);
+  }
+  Append(window, curves);
+  return true;
+}
+
+void ClearCharts(HWND window, ChartFeed* feed) {
+  for (const int chart : kCharts) kv::ClearStripChart(window, chart);
+  *feed = {};
+}
+
+}  // namespace camview

@@ -1,0 +1,52 @@
+// The object that a control of this program keeps for its window, from WM_CREATE to WM_DESTROY. On the thread that owns
+// the window.
+#pragma once
+
+#include <windows.h>
+
+#include <shellapi.h>
+
+#include <new>
+
+#include "framework/window_state.h"
+
+namespace camview {
+
+template <class Object>
+struct ObjectRecord {
+  HGLOBAL hMemory;  // of this record
+  Object* object;
+};
+
+// Null before and after.
+template <class Object>
+Object* ObjectOf(HWND window) {
+  auto* record = kv::WindowState<ObjectRecord<Object>>(window);
+  return record ? record->object : nullptr;
+}
+
+// The result of WM_CREATE. The object has its window in `window`. The window takes dropped files and is not mirrored.
+template <class Object>
+LRESULT CreateObject(HWND window) {
+  auto* record = kv::CreateWindowState<ObjectRecord<Object>>(window);
+  if (!record) return -1;
+  record->object = new (std::nothrow) Object;
+  if (!record->object) return -1;
+  record->object->window = window;
+  SetWindowLongA(window, GWL_EXSTYLE, GetWindowLongA(window, GWL_EXSTYLE) & ~WS_EX_LAYOUTRTL);
+  DragAcceptFiles(window, TRUE);
+  return 0;
+}
+
+// The result of WM_DESTROY.
+template <class Object>
+LRESULT DestroyObject(HWND window) {
+  auto* record = kv::WindowState<ObjectRecord<Object>>(window);
+  if (!record) return 0;
+  if (GetCapture() == window) ReleaseCapture();
+  delete record->object;
+  kv::DestroyWindowState(window, record);
+  return 0;
+}
+
+}  // namespace camview

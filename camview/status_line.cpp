@@ -1,0 +1,203 @@
+#include "camview/status_line.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdarg>
+#include <cstddef>
+#include <string>
+
+#include "camera/text.h"
+#include "camview/live_source.h"
+#include "camview/playback.h"
+#include "camview/recording_loader.h"
+#include "camview/resource_ids.h"
+#include "framework/bounded_format.h"
+#include "framework/canvas.h"
+#include "framework/coverage.h"
+#include "framework/file_path.h"
+#include "framework/guards.h"
+#include "toolkit/appearance.h"
+#include "toolkit/languages.h"
+#include "toolkit/locale_text.h"
+
+namespace camview {
+
+namespace {
+
+COLORREF ColorOf(StatusMark mark) {
+  if (kv::IsHighContrast()) return GetSysColor(COLOR_BTNTEXT);
+  switch (mark) {
+    case StatusMark::kGood: return RGB(20, 140, 50);
+    case StatusMark::kWarning: return RGB(205, 125, 0);
+    case StatusMark::kError:
+    case StatusMark::kRecording: return RGB(205, 25, 25);
+    default: return GetSysColor(COLOR_GRAYTEXT);
+  }
+}
+
+// A tick, a ring, an exclamation mark in a triangle, a cross in a square, a disc.
+void DrawMark(kv::Canvas& canvas, StatusMark mark, kv::PointD at, double r, COLORREF face) {
+  const COLORREF color = ColorOf(mark);
+  switch (mark) {
+    case StatusMark::kNone: return;
+    case StatusMark::kGood:
+      kv::FillDisc(canvas, at, r, color);
+      kv::FillLine(canvas, {at.x - r * 0.5, at.y}, {at.x - r * 0.1, at.y + r * 0.42}, r * 0.3, face);
+      kv::FillLine(canvas, {at.x - r * 0.15, at.y + r * 0.45}, {at.x + r * 0.5, at.y - r * 0.4}, r * 0.3, face);
+      return;
+    case StatusMark::kWaiting:
+      kv::FillDisc(canvas, at, r, color);
+      kv::FillDisc(canvas, at, r * 0.62, face);
+      return;
+    case StatusMark::kWarning: {
+      const std::array<kv::PointD, 3> corners{
+          {{at.x, at.y - r}, {at.x + r * 1.1, at.y + r * 0.9}, {at.x - r * 1.1, at.y + r * 0.9}}};
+      kv::FillPolygon(canvas, corners, color);
+      kv::FillLine(canvas, {at.x, at.y - r * 0.4}, {at.x, at.y + r * 0.3}, r * 0.28, face);
+      kv::FillLine(canvas, {at.x, at.y + r * 0.45}, {at.x, at.y + r * 0.72}, r * 0.28, face);
+      return;
+    }
+    case StatusMark::kError: {
+      const double s = r * 0.9, c = r * 0.45;
+      const std::array<kv::PointD, 4> corners{
+          {{at.x - s, at.y - s}, {at.x + s, at.y - s}, {at.x + s, at.y + s}, {at.x - s, at.y + s}}};
+      kv::FillPolygon(canvas, corners, color);
+      kv::FillLine(canvas, {at.x - c, at.y - c}, {at.x + c, at.y + c}, r * 0.28, face);
+      kv::FillLine(canvas, {at.x - c, at.y + c}, {at.x + c, at.y - c}, r * 0.28, face);
+      return;
+    }
+    case StatusMark::kRecording: kv::FillDisc(canvas, at, r * 0.9, color); return;
+  }
+}
+
+// Adds what there is one or many of.
+void AddCounted(std::wstring* text, long long count, UINT one, UINT many) {
+  if (count == 1) *text += L" " + kv::ResourceText(one);
+  if (count > 1) *text += L" " + TextWith(many, kv::NumberText(static_cast<double>(count)).c_str());
+}
+
+std::wstring NameOfFile(const std::string& path) {
+  return kv::FileNameOf(camera::Wide(path).c_str());
+}
+
+}  // namespace
+
+void SetStatusLine(HWND window, int id, const StatusLine& line, StatusLine* shown) {
+  if (line == *shown) return;
+  *shown = line;
+  SetDlgItemTextW(window, id, line.text.c_str());
+  InvalidateRect(GetDlgItem(window, id), nullptr, FALSE);
+}
+
+void DrawStatusLine(const DRAWITEMSTRUCT& item, const StatusLine& line) {
+  const RECT& area = item.rcItem;
+  const SIZE size{area.right - area.left, area.bottom - area.top};
+  kv::Surface surface;
+  const kv::MemoryDc memory(item.hDC);
+  static kv::CoverageShape shape;
+  if (!surface.Create(size)) return;
+  {
+    kv::Canvas canvas(memory, surface, shape);
+    const COLORREF face = GetSysColor(COLOR_BTNFACE);
+    kv::FillArea(canvas, {0, 0, size.cx, size.cy}, face);
+    const double radius = size.cy * 0.36;
+    DrawMark(canvas, line.mark, {size.cy * 0.5 + 1, size.cy * 0.5}, radius, face);
+    const bool strong = line.mark == StatusMark::kRecording;
+    const kv::OwnedFont font = kv::MakeFont(-std::max<int>(size.cy * 5 / 8, 8), strong ? FW_BOLD : FW_NORMAL);
+    const kv::SelectedObject selected(canvas.dc(), font);
+    SetBkMode(canvas.dc(), TRANSPARENT);
+    SetTextColor(canvas.dc(), strong ? ColorOf(line.mark) : GetSysColor(COLOR_BTNTEXT));
+    const LONG left = line.mark == StatusMark::kNone ? 2 : size.cy * 5 / 4;
+    kv::DrawFitted(canvas.dc(), line.text, {left, 0, size.cx, size.cy}, DT_LEFT | DT_VCENTER | DT_SINGLELINE);
+  }
+  const kv::SelectedObject selected(memory, surface.bitmap());
+  BitBlt(item.hDC, area.left, area.top, size.cx, size.cy, memory, 0, 0, SRCCOPY);
+}
+
+std::wstring TextWith(UINT id, ...) {
+  wchar_t text[1001];
+  va_list values;
+  va_start(values, id);
+  kv::FormatBoundedV(text, ARRAYSIZE(text), kv::ResourceText(id).c_str(), values);
+  va_end(values);
+  return text;
+}
+
+std::wstring TimeAsText(double seconds, int decimals) {
+  const std::wstring sign = kv::DecimalSign();
+  return camera::Wide(FormatTime(seconds, decimals, sign.empty() ? '.' : static_cast<char>(sign[0])));
+}
+
+std::wstring LengthAsText(double seconds) {
+  constexpr double kMinute = 60;
+  if (seconds >= kMinute) return TimeAsText(std::floor(seconds), 0);
+  return TextWith(IDS_SECONDS, kv::NumberText(std::floor(std::max(seconds, 0.0))).c_str());
+}
+
+StatusLine DescribeRecording(const LoadedRecording& recording) {
+  const std::wstring name = NameOfFile(recording.path), why = camera::Wide(recording.error);
+  const auto refused = [&](UINT id) { return StatusLine{StatusMark::kError, TextWith(id, name.c_str(), why.c_str())}; };
+  StatusLine line{StatusMark::kGood, {}};
+  switch (recording.outcome) {
+    case LoadOutcome::kUnreadable: return refused(IDS_FILE_UNREADABLE);
+    case LoadOutcome::kEmpty: return refused(IDS_FILE_EMPTY);
+    case LoadOutcome::kForeign: return refused(IDS_FILE_FOREIGN);
+    case LoadOutcome::kOtherVersion: return refused(IDS_FILE_OTHER_VERSION);
+    case LoadOutcome::kComplete: break;
+    case LoadOutcome::kCancelled: line.text = kv::ResourceText(IDS_FILE_CANCELLED) + L" "; break;
+    case LoadOutcome::kReadFailed: line.text = TextWith(IDS_FILE_READ_FAILED, why.c_str()) + L" "; break;
+    case LoadOutcome::kTooLong: line.text = kv::ResourceText(IDS_FILE_TOO_LONG) + L" "; break;
+    case LoadOutcome::kOutOfMemory: line.text = kv::ResourceText(IDS_FILE_NO_MEMORY) + L" "; break;
+  }
+  if (recording.records == 0) return refused(IDS_FILE_NO_RECORDS);
+  line.text += TextWith(IDS_FILE_WHOLE, kv::NumberText(static_cast<double>(recording.records)).c_str(),
+                        TimeAsText(recording.seconds, 1).c_str());
+  const size_t whole = line.text.size();
+  if (!recording.hasHeader) line.text += L" " + kv::ResourceText(IDS_FILE_NO_HEADER);
+  AddCounted(&line.text, recording.damageCount, IDS_FILE_DAMAGED_ONE, IDS_FILE_DAMAGED);
+  AddCounted(&line.text, recording.malformedStretches, IDS_FILE_MALFORMED_ONE, IDS_FILE_MALFORMED);
+  AddCounted(&line.text, recording.oddRecords, IDS_FILE_ODD_ONE, IDS_FILE_ODD);
+  if (recording.isTruncated && recording.outcome == LoadOutcome::kComplete) {
+    line.text += L" " + kv::ResourceText(IDS_FILE_TRUNCATED);
+  }
+  if (line.text.size() > whole || recording.outcome != LoadOutcome::kComplete) line.mark = StatusMark::kWarning;
+  return line;
+}
+
+StatusLine DescribeLive(const LiveStatus& status) {
+  const std::wstring since = LengthAsText(status.now - status.since);
+  const auto line = [&](StatusMark mark, UINT id) {
+    return StatusLine{mark, TextWith(id, status.port, since.c_str())};
+  };
+  switch (status.state) {
+    case LiveState::kOpening: return line(StatusMark::kWaiting, IDS_LIVE_OPENING);
+    case LiveState::kAbsent: return line(StatusMark::kWarning, IDS_LIVE_ABSENT);
+    case LiveState::kBusy:
+      if (status.holder.empty()) return line(StatusMark::kError, IDS_LIVE_BUSY);
+      return {StatusMark::kError, TextWith(IDS_LIVE_BUSY_WITH, status.port, camera::Wide(status.holder).c_str())};
+    case LiveState::kAccessDenied: return line(StatusMark::kError, IDS_LIVE_DENIED);
+    case LiveState::kUnusable: return {StatusMark::kError, TextWith(IDS_LIVE_UNUSABLE, status.port, status.error)};
+    case LiveState::kGone: return line(StatusMark::kWarning, IDS_LIVE_GONE);
+    case LiveState::kSilent: return line(StatusMark::kWarning, IDS_LIVE_SILENT);
+    case LiveState::kMalformed: return line(StatusMark::kWarning, IDS_LIVE_MALFORMED);
+    case LiveState::kDark: return line(StatusMark::kWarning, IDS_LIVE_DARK);
+    case LiveState::kRecords: break;
+  }
+  return {StatusMark::kGood, TextWith(IDS_LIVE_RECORDS, status.port, kv::NumberText(status.recordsPerSecond).c_str())};
+}
+
+StatusLine DescribeLiveRecording(const LiveStatus& status) {
+  const std::wstring name = NameOfFile(status.path), length = LengthAsText(status.recordedSeconds);
+  if (status.recording == LiveRecordingState::kOn) {
+    return {StatusMark::kRecording, TextWith(IDS_RECORDING_TO, name.c_str(), length.c_str())};
+  }
+  if (status.recording == LiveRecordingState::kFailed) {
+    return {StatusMark::kError,
+            TextWith(IDS_RECORDING_FAILED, name.c_str(), camera::Wide(status.recordingError).c_str())};
+  }
+  if (status.path.empty()) return {};
+  return {StatusMark::kNone, TextWith(IDS_RECORDED_TO, name.c_str(), length.c_str())};
+}
+
+}  // namespace camview

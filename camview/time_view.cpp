@@ -1,0 +1,340 @@
+// The time that is shown, by field, charts and timeline alike, and the stretch that is marked.
+#include <windows.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "app/camera_record.h"
+#include "camera/ports.h"
+#include "camera/text.h"
+#include "camview/camera_field.h"
+#include "camview/chart_feed.h"
+#include "camview/playback.h"
+#include "camview/record_store.h"
+#include "camview/resource_ids.h"
+#include "camview/status_line.h"
+#include "camview/timeline.h"
+#include "camview/view.h"
+#include "controls/strip_chart/strip_chart.h"
+#include "framework/control_class.h"
+#include "toolkit/languages.h"
+#include "toolkit/strip_chart.h"
+
+namespace camview {
+
+namespace {
+
+constexpr int kCharts[] = {IDC_CHART_X, IDC_CHART_Y};
+constexpr long long kMaxTrailRecords = 4096;
+// While it plays, the time moves to this part of the charts, which then scroll.
+constexpr double kPlayingPart = 0.85;
+
+LRESULT Send(const View& view, int id, WPARAM command, const void* item) {
+  return SendDlgItemMessageA(view.window, id, kv::kControlCommand, command, reinterpret_cast<LPARAM>(item));
+}
+
+kv::StripStretch WholeOf(const View& view) {
+  return {view.playback.begin, view.playback.end};
+}
+
+void ShowField(const View& view) {
+  FieldContent content{};
+  std::vector<StoredRecord> records;
+  const RecordStore* store = RecordsOf(view);
+  const double time = ShownTime(view);
+  const long long last = store ? store->At(time) : -1;
+  if (last >= 0) {
+    long long first = view.trailSeconds > 0 ? store->Find(time - view.trailSeconds) : last;
+    first = std::max({std::min(first, last), last - kMaxTrailRecords, store->First()});
+    records.resize(static_cast<size_t>(last - first + 1));
+    store->Read(first, records);
+  }
+  content.count = static_cast<DWORD>(records.size());
+  content.records = records.data();
+  // When nothing comes any more, the trails end.
+  content.now = IsFollowing(view) && std::isnan(view.hovered) ? view.status.now : time;
+  content.trailSeconds = view.trailSeconds;
+  Send(view, IDC_FIELD, kFieldShow, &content);
+}
+
+void ShowCursors(const View& view) {
+  const bool none = !RecordsOf(view) || (IsFollowing(view) && std::isnan(view.hovered));
+  const double time = ShownTime(view);
+  for (const int chart : kCharts) kv::SetStripChartCursor(view.window, chart, none ? nullptr : &time);
+}
+
+void ShowTimeText(View& view) {
+  const HWND edit = GetDlgItem(view.window, IDC_TIME);
+  if (GetFocus() == edit) return;
+  const std::wstring text = RecordsOf(view) ? TimeAsText(ShownTime(view)) : std::wstring();
+  if (text == view.shownTime) return;
+  view.shownTime = text;
+  SetWindowTextW(edit, text.c_str());
+}
+
+void ShowMarks(const View& view) {
+  for (const int chart : kCharts) kv::SetStripChartMark(view.window, chart, view.isMarked ? &view.mark : nullptr);
+}
+
+// In the charts a stretch may reach beyond the whole; then as much of it as fits.
+kv::StripStretch Fitting(const View& view, kv::StripStretch span) {
+  const double length = std::max(span.to - span.from, 0.001);
+  span.to = std::min(span.to, std::max(view.playback.end, view.playback.begin + length));
+  span.from = span.to - length;
+  if (span.from < view.playback.begin) span = {view.playback.begin, view.playback.begin + length};
+  return span;
+}
+
+void FollowCharts(const View& view) {
+  for (const int chart : kCharts) kv::FollowStripChart(view.window, chart, view.spanSeconds);
+}
+
+}  // namespace
+
+// ---- The time -------------------------------------------------------------------------------------------------------
+
+void ShowTime(View& view) {
+  ShowField(view);
+  ShowCursors(view);
+  Send(view, IDC_TIMELINE, kTimelinePosition, &view.playback.position);
+  ShowTimeText(view);
+}
+
+void ScrollToTime(View& view, bool isPlaying) {
+  const kv::StripStretch shown = ShownSpan(view);
+  const double length = shown.to - shown.from, time = view.playback.position;
+  const double last = isPlaying ? shown.from + length * kPlayingPart : shown.to;
+  if (time >= shown.from && time <= last) return;
+  const double part = isPlaying && time > last && time < last + length ? kPlayingPart : 0.5;
+  const kv::StripStretch wanted = Fitting(view, {time - length * part, time + length * (1 - part)});
+  if (wanted.from != shown.from) ShowSpan(view, wanted);
+}
+
+void SeekTo(View& view, double time) {
+  if (!RecordsOf(view)) return;
+  HoldLive(view, true);
+  view.hovered = kNoTime;
+  Seek(&view.playback, time);
+  ScrollToTime(view, false);
+  ShowTime(view);
+}
+
+void HoldLive(View& view, bool hold) {
+  if (!view.live || view.isHeld == hold) return;
+  view.isHeld = hold;
+  if (!hold) RefillCharts(view);
+  ShowTimelineRange(view);
+  ShowPlaying(view);
+  ShowTime(view);
+}
+
+void StepBy(View& view, int records) {
+  const RecordStore* store = RecordsOf(view);
+  if (!store) return;
+  HoldLive(view, true);
+  view.hovered = kNoTime;
+  Step(&view.playback, *store, records);
+  ScrollToTime(view, false);
+  ShowPlaying(view);
+  ShowTime(view);
+}
+
+void TogglePlay(View& view) {
+  if (view.live) return HoldLive(view, !view.isHeld);
+  if (!RecordsOf(view)) return;
+  view.hovered = kNoTime;
+  Advance(&view.playback, camera::Now());
+  view.playback.isPlaying ? Pause(&view.playback) : Play(&view.playback);
+  ShowPlaying(view);
+  UpdateTimer(view);
+  ShowTime(view);
+}
+
+void ShowPlaying(const View& view) {
+  const UINT text = view.live ? (view.isHeld ? IDS_RESUME : IDS_HOLD) : view.playback.isPlaying ? IDS_PAUSE : IDS_PLAY;
+  SetDlgItemTextW(view.window, IDC_PLAY, kv::ResourceText(text).c_str());
+}
+
+void ChangeSpeed(View& view, double speed) {
+  Advance(&view.playback, camera::Now());
+  SetSpeed(&view.playback, speed);
+}
+
+void OnTimeTyped(View& view) {
+  wchar_t text[64] = L"";
+  GetDlgItemTextW(view.window, IDC_TIME, text, ARRAYSIZE(text));
+  double time = 0;
+  if (!ParseTime(camera::Narrow(text), &time)) {
+    ShowLine(view, StatusMark::kError, TextWith(IDS_BAD_TIME, text));
+    SendDlgItemMessageW(view.window, IDC_TIME, EM_SETSEL, 0, -1);
+    return;
+  }
+  SetFocus(GetDlgItem(view.window, IDC_TIMELINE));
+  view.shownTime.clear();
+  SeekTo(view, time);
+}
+
+// ---- What the charts show -------------------------------------------------------------------------------------------
+
+kv::StripStretch ShownSpan(const View& view) {
+  kv::StripStretch shown{};
+  kv::GetStripChartTimes(view.window, IDC_CHART_X, &shown);
+  return shown;
+}
+
+void ShowSpan(View& view, kv::StripStretch span) {
+  const RecordStore* store = RecordsOf(view);
+  if (!store) return;
+  view.spanSeconds = span.to - span.from;
+  if (!HasDetails(view.feed, WholeOf(view), span)) {
+    FeedCharts(view.window, *store, WholeOf(view), span, &view.feed);
+    ShowMarks(view);
+    ShowCursors(view);
+  }
+  for (const int chart : kCharts) kv::ShowStripChartTimes(view.window, chart, span);
+  if (!view.isMarked) RequestStatistics(view);
+}
+
+void SetSpan(View& view, double seconds) {
+  const double whole = view.playback.end - view.playback.begin;
+  view.spanSeconds = std::max(seconds > 0 ? seconds : whole, 0.01);
+  if (!RecordsOf(view)) return;
+  if (IsFollowing(view)) return RefillCharts(view);
+  const double time = view.playback.position;
+  ShowSpan(view, Fitting(view, {time - view.spanSeconds / 2, time + view.spanSeconds / 2}));
+}
+
+void ShowValueRange(View& view) {
+  const auto show = [&](int chart, double most) {
+    kv::SetStripChartView(view.window, chart, view.spanSeconds, 0, view.fitValues ? 0 : most);
+  };
+  const kv::StripStretch shown = ShownSpan(view);
+  show(IDC_CHART_X, kv::kFieldWidth);
+  show(IDC_CHART_Y, kv::kFieldHeight);
+  if (IsFollowing(view)) return FollowCharts(view);
+  ShowSpan(view, shown);
+}
+
+void RefillCharts(View& view) {
+  const RecordStore* store = RecordsOf(view);
+  if (!store) {
+    ClearCharts(view.window, &view.feed);
+    for (const int chart : kCharts) kv::ShowStripChartTimes(view.window, chart, {0, view.spanSeconds});
+    return;
+  }
+  if (view.live && !store->IsEmpty() && !view.isHeld) {
+    view.playback.begin = store->Seconds(store->First());
+    view.playback.end = view.playback.position = store->Seconds(store->End() - 1);
+  }
+  const double end = IsFollowing(view) ? view.playback.end : std::max(view.playback.position, view.spanSeconds);
+  view.feed = {};
+  ShowSpan(view, Fitting(view, {end - view.spanSeconds, end}));
+  if (IsFollowing(view)) FollowCharts(view);
+}
+
+void ShowTimelineRange(View& view) {
+  const TimelineSpan range{view.playback.begin, std::max(view.playback.begin, view.playback.end)};
+  Send(view, IDC_TIMELINE, kTimelineRange, &range);
+  std::vector<Stretch> all;
+  if (const RecordStore* store = RecordsOf(view)) {
+    for (const StretchKind kind : {StretchKind::kSilent, StretchKind::kMalformed, StretchKind::kDamaged}) {
+      const std::vector<Stretch>& own = store->Stretches(kind);
+      all.insert(all.end(), own.begin(), own.end());
+    }
+  }
+  const TimelineMarks marks{static_cast<DWORD>(all.size()), all.data()};
+  Send(view, IDC_TIMELINE, kTimelineShowMarks, &marks);
+  SetDlgItemTextW(view.window, IDC_LENGTH,
+                  RecordsOf(view) ? TextWith(IDS_OF_LENGTH, TimeAsText(range.to).c_str()).c_str() : L" ");
+}
+
+void SetMark(View& view, const kv::StripStretch* mark) {
+  view.isMarked = mark != nullptr;
+  if (mark) {
+    view.mark = {std::clamp(mark->from, view.playback.begin, view.playback.end),
+                 std::clamp(mark->to, view.playback.begin, view.playback.end)};
+  }
+  ShowMarks(view);
+  const TimelineSpan selection{view.mark.from, view.mark.to};
+  Send(view, IDC_TIMELINE, kTimelineSelection | (mark ? 0 : kv::kCommandRemove), &selection);
+  RequestStatistics(view);
+}
+
+// ---- Notifications --------------------------------------------------------------------------------------------------
+
+namespace {
+
+void OnChartView(View& view, int chart) {
+  kv::StripStretch shown{}, mark{};
+  kv::GetStripChartTimes(view.window, chart, &shown);
+  // Escape has removed it as well.
+  if (view.isMarked && !kv::GetStripChartMark(view.window, chart, &mark)) SetMark(view, nullptr);
+  if (!RecordsOf(view)) return;
+  const bool isNewest = shown.to >= view.playback.end - 1e-6;
+  if (IsFollowing(view) && isNewest) {
+    view.spanSeconds = shown.to - shown.from;
+    if (!HasDetails(view.feed, WholeOf(view), shown)) return RefillCharts(view);
+    return FollowCharts(view);
+  }
+  HoldLive(view, true);
+  ShowSpan(view, shown);
+}
+
+void OnChartCursor(View& view, int chart) {
+  double time = 0;
+  POINT pointer{};
+  GetCursorPos(&pointer);
+  const bool isPointer = pointer.x != view.pointer.x || pointer.y != view.pointer.y;
+  view.pointer = pointer;
+  if (!kv::GetStripChartCursor(view.window, chart, &time)) {
+    view.hovered = kNoTime;
+  } else if (!isPointer) {
+    return SeekTo(view, time);
+  } else if (!view.playback.isPlaying) {
+    view.hovered = std::clamp(time, view.playback.begin, view.playback.end);
+    view.hoveredChart = chart;
+  }
+  ShowTime(view);
+}
+
+}  // namespace
+
+void OnChart(View& view, int chart, WORD code) {
+  double time = 0;
+  kv::StripStretch mark{};
+  switch (code) {
+    case kv::kStripNotifyView: return OnChartView(view, chart);
+    case kv::kStripNotifyCursor: return OnChartCursor(view, chart);
+    case kv::kStripNotifyMark: return SetMark(view, kv::GetStripChartMark(view.window, chart, &mark) ? &mark : nullptr);
+    case kv::kStripNotifyClick:
+      // A live port goes on; its charts are clicked to give them the focus.
+      if (!IsFollowing(view) && kv::GetStripChartCursor(view.window, chart, &time)) SeekTo(view, time);
+      return;
+    default: return;
+  }
+}
+
+void OnTimeline(View& view, WORD code) {
+  double time = 0;
+  TimelineSpan selection{};
+  switch (code) {
+    case kTimelineNotifyPosition:
+      Send(view, IDC_TIMELINE, kTimelinePosition | kv::kCommandRead, &time);
+      // Of several that wait the first has done it.
+      if (time != view.playback.position) SeekTo(view, time);
+      return;
+    case kTimelineNotifySelection: {
+      const bool isSelected = Send(view, IDC_TIMELINE, kTimelineSelection | kv::kCommandRead, &selection) != 0;
+      const kv::StripStretch mark{selection.from, selection.to};
+      return SetMark(view, isSelected ? &mark : nullptr);
+    }
+    case kTimelineNotifyBack: return StepBy(view, -1);
+    case kTimelineNotifyForward: return StepBy(view, 1);
+    default: return;
+  }
+}
+
+}  // namespace camview

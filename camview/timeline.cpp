@@ -1,0 +1,435 @@
+#include "camview/timeline.h"
+
+#include <oleacc.h>
+#include <windowsx.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <new>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "camera/text.h"
+#include "camview/control_object.h"
+#include "camview/playback.h"
+#include "camview/record_store.h"
+#include "framework/accessible.h"
+#include "framework/bitmaps.h"
+#include "framework/canvas.h"
+#include "framework/control_class.h"
+#include "framework/coverage.h"
+#include "framework/guards.h"
+#include "framework/window_state.h"
+#include "toolkit/appearance.h"
+
+namespace camview {
+
+namespace {
+
+constexpr double kPage = 1 / 20.0;
+constexpr LONG kShortestPx = 2;
+
+struct Timeline {
+  HWND window = nullptr;
+  TimelineSpan range{0, 0};
+  double position = 0;
+  bool isSelected = false;
+  TimelineSpan selection{0, 0};
+  std::vector<Stretch> stretches;
+  bool isDragging = false, isSelecting = false;
+  double anchor = 0;  // the end of the selection that stays
+  LONG wheel = 0;
+  bool isDirty = true;  // `face` is to be drawn
+  kv::Surface face, surface;
+  kv::CoverageShape shape;
+  kv::MemoryDc dc{nullptr};
+};
+
+// ---- Layout ---------------------------------------------------------------------------------------------------------
+
+struct TimelineLayout {
+  RECT track;      // what lies between the ends of the range
+  double thumbPx;  // half its width
+};
+
+TimelineLayout LayoutTimeline(SIZE size) {
+  const double thumb = std::clamp(size.cy / 5.0, 4.0, 10.0);
+  const LONG margin = static_cast<LONG>(std::ceil(thumb)) + 3, room = std::max<LONG>(size.cy / 6, 2);
+  const LONG right = std::max<LONG>(size.cx - margin, margin), bottom = std::max(size.cy - room, room);
+  return {{margin, room, right, bottom}, thumb};
+}
+
+LONG XOfTime(const TimelineLayout& layout, const TimelineSpan& range, double time) {
+  const double length = range.to - range.from, width = layout.track.right - layout.track.left;
+  if (!(length > 0)) return layout.track.left;
+  return layout.track.left + static_cast<LONG>(std::clamp((time - range.from) / length, 0.0, 1.0) * width);
+}
+
+double TimeAtX(const TimelineLayout& layout, const TimelineSpan& range, LONG x) {
+  const LONG width = std::max(layout.track.right - layout.track.left, 1L);
+  const double part = std::clamp(static_cast<double>(x - layout.track.left) / width, 0.0, 1.0);
+  return range.from + (range.to - range.from) * part;
+}
+
+// ---- Drawing --------------------------------------------------------------------------------------------------------
+
+struct TimelineColors {
+  COLORREF panel, track, edge, thumb, selection;
+  std::array<COLORREF, kStretchKinds> kinds;
+};
+
+TimelineColors ColorsOfTimeline() {
+  const bool contrast = kv::IsHighContrast();
+  TimelineColors colors{};
+  colors.panel = GetSysColor(COLOR_BTNFACE);
+  colors.track = GetSysColor(COLOR_WINDOW);
+  colors.edge = GetSysColor(contrast ? COLOR_WINDOWTEXT : COLOR_BTNSHADOW);
+  colors.thumb = GetSysColor(contrast ? COLOR_WINDOWTEXT : COLOR_BTNTEXT);
+  colors.selection = GetSysColor(COLOR_HIGHLIGHT);
+  colors.kinds = {RGB(120, 120, 120), RGB(220, 130, 0), RGB(200, 30, 30)};
+  if (contrast) colors.kinds.fill(GetSysColor(COLOR_WINDOWTEXT));
+  return colors;
+}
+
+// A bar from the bottom, as high and patterned as its kind.
+void DrawStretch(kv::Canvas& canvas, const RECT& track, const TimelineColors& colors, StretchKind kind, LONG from,
+                 LONG to) {
+  const LONG height = track.bottom - track.top;
+  const COLORREF color = colors.kinds[static_cast<int>(kind)];
+  RECT bar{from, track.top, to, track.bottom};
+  if (kind == StretchKind::kMalformed) bar.top = track.bottom - height / 2;
+  if (kind == StretchKind::kSilent) bar.top = track.bottom - height / 3;
+  kv::FillArea(canvas, bar, color);
+  if (to - from <= 2 * kShortestPx) return;
+  if (kind == StretchKind::kSilent) kv::FillArea(canvas, {from + 1, bar.top + 1, to - 1, bar.bottom}, colors.track);
+  if (kind != StretchKind::kDamaged) return;
+  const RECT whole = canvas.clip();
+  canvas.ClipTo({from + 1, track.top, to - 1, track.bottom});
+  for (LONG x = from - height; x < to; x += 6) {
+    kv::FillLine(canvas, {x + 0.0, track.bottom + 0.0}, {x + 0.0 + height, track.top + 0.0}, 1.2, colors.track);
+  }
+  canvas.ClipTo(whole);
+}
+
+void DrawFace(Timeline& timeline, const TimelineLayout& layout, const TimelineColors& colors) {
+  kv::Canvas canvas(timeline.dc, timeline.face, timeline.shape);
+  const RECT& track = layout.track;
+  const SIZE size = timeline.face.size();
+  kv::FillArea(canvas, {0, 0, size.cx, size.cy}, colors.panel);
+  kv::FillArea(canvas, {track.left - 1, track.top - 1, track.right + 1, track.bottom + 1}, colors.edge);
+  kv::FillArea(canvas, track, colors.track);
+  canvas.ClipTo(track);
+  // The graver lies on top; of those that share a pixel one is drawn.
+  for (const StretchKind kind : {StretchKind::kSilent, StretchKind::kMalformed, StretchKind::kDamaged}) {
+    LONG from = 0, to = 0;
+    for (const Stretch& stretch : timeline.stretches) {
+      if (stretch.kind != kind) continue;
+      const LONG left = XOfTime(layout, timeline.range, stretch.from);
+      const LONG right = std::max(XOfTime(layout, timeline.range, stretch.to), left + kShortestPx);
+      if (left > to || to == from) {
+        if (to > from) DrawStretch(canvas, track, colors, kind, from, to);
+        from = left;
+      }
+      to = std::max(to, right);
+    }
+    if (to > from) DrawStretch(canvas, track, colors, kind, from, to);
+  }
+}
+
+void DrawThumb(kv::Canvas& canvas, const TimelineLayout& layout, const TimelineColors& colors, LONG x) {
+  const double half = layout.thumbPx, top = 1, bottom = canvas.surface().size().cy - 1.0, middle = x + 0.5;
+  kv::FillPolygon(canvas,
+                  std::array<kv::PointD, 3>{{{middle - half, top}, {middle + half, top}, {middle, top + half * 1.4}}},
+                  colors.thumb);
+  kv::FillPolygon(
+      canvas,
+      std::array<kv::PointD, 3>{{{middle + half, bottom}, {middle - half, bottom}, {middle, bottom - half * 1.4}}},
+      colors.thumb);
+  kv::FillArea(canvas, {x - 1, layout.track.top - 1, x + 2, layout.track.bottom + 1}, colors.track);
+  kv::FillArea(canvas, {x, layout.track.top - 1, x + 1, layout.track.bottom + 1}, colors.thumb);
+}
+
+void Blend(const kv::Surface& surface, const RECT& area, COLORREF color, DWORD coverage) {
+  for (LONG y = area.top; y < area.bottom && area.left < area.right; ++y) {
+    kv::BlendPixels(surface.Row(y) + area.left, area.right - area.left, kv::PixelOfColor(color), coverage);
+  }
+}
+
+bool Render(Timeline& timeline, bool isFocused) {
+  const SIZE size = kv::ClientSize(timeline.window);
+  if (timeline.surface.size().cx != size.cx || timeline.surface.size().cy != size.cy) {
+    timeline.isDirty = timeline.surface.Create(size) && timeline.face.Create(size);
+  }
+  if (!timeline.surface.bitmap() || !timeline.face.bitmap()) return false;
+  const TimelineLayout layout = LayoutTimeline(size);
+  const TimelineColors colors = ColorsOfTimeline();
+  if (timeline.isDirty) DrawFace(timeline, layout, colors);
+  timeline.isDirty = false;
+  kv::Canvas canvas(timeline.dc, timeline.surface, timeline.shape);
+  kv::CopyFrom(canvas, timeline.face);
+  const RECT& track = layout.track;
+  if (timeline.isSelected) {
+    const LONG left = XOfTime(layout, timeline.range, timeline.selection.from);
+    const LONG right = std::min(std::max(XOfTime(layout, timeline.range, timeline.selection.to), left + 1), size.cx);
+    canvas.FinishGdi();
+    Blend(timeline.surface, {left, track.top, right, track.bottom}, colors.selection, 90);
+    kv::FillArea(canvas, {left, track.bottom - 3, right, track.bottom}, colors.selection);
+  }
+  if (timeline.range.to > timeline.range.from) {
+    DrawThumb(canvas, layout, colors, XOfTime(layout, timeline.range, timeline.position));
+  }
+  if (isFocused) {
+    const RECT frame{0, 0, size.cx, size.cy};
+    SetTextColor(canvas.dc(), RGB(0, 0, 0));
+    SetBkColor(canvas.dc(), RGB(255, 255, 255));
+    DrawFocusRect(canvas.dc(), &frame);
+  }
+  return true;
+}
+
+void ShowOn(Timeline& timeline, HDC dc, bool isFocused) {
+  if (!Render(timeline, isFocused)) return;
+  const kv::SelectedObject selected(timeline.dc, timeline.surface.bitmap());
+  BitBlt(dc, 0, 0, timeline.surface.size().cx, timeline.surface.size().cy, timeline.dc, 0, 0, SRCCOPY);
+}
+
+// ---- Changes --------------------------------------------------------------------------------------------------------
+
+LRESULT Repaint(Timeline& timeline) {
+  InvalidateRect(timeline.window, nullptr, FALSE);
+  return 0;
+}
+
+LRESULT RepaintAll(Timeline& timeline) {
+  timeline.isDirty = true;
+  return Repaint(timeline);
+}
+
+double Within(const TimelineSpan& range, double time) {
+  return std::clamp(time, range.from, range.to);
+}
+
+LRESULT Tell(Timeline& timeline, WORD code) {
+  Repaint(timeline);
+  kv::NotifyValueChanged(timeline.window);
+  kv::PostNotification(timeline.window, code);
+  return 0;
+}
+
+void SelectTo(Timeline& timeline, double time) {
+  timeline.selection = {std::min(timeline.anchor, time), std::max(timeline.anchor, time)};
+  timeline.isSelected = true;
+}
+
+// The user moves the position, or selects from where it was.
+LRESULT MoveTo(Timeline& timeline, double time, bool select) {
+  time = Within(timeline.range, time);
+  if (!select) {
+    timeline.position = time;
+    return Tell(timeline, kTimelineNotifyPosition);
+  }
+  if (!timeline.isSelected) timeline.anchor = timeline.position;
+  timeline.position = time;
+  SelectTo(timeline, time);
+  kv::PostNotification(timeline.window, kTimelineNotifyPosition);
+  return Tell(timeline, kTimelineNotifySelection);
+}
+
+LRESULT RemoveSelection(Timeline& timeline) {
+  if (!timeline.isSelected) return 0;
+  timeline.isSelected = false;
+  return Tell(timeline, kTimelineNotifySelection);
+}
+
+// ---- Commands -------------------------------------------------------------------------------------------------------
+
+bool IsSpan(const TimelineSpan& span) {
+  return std::isfinite(span.from) && std::isfinite(span.to) && span.from <= span.to;
+}
+
+bool ExchangeRange(Timeline& timeline, WPARAM wParam, LPARAM lParam) {
+  if (wParam & kv::kCommandRead) return kv::CopyItemOut(timeline.range, lParam);
+  TimelineSpan range;
+  if (!kv::CopyItemIn(lParam, &range) || !IsSpan(range)) return false;
+  timeline.range = range;
+  timeline.position = Within(range, timeline.position);
+  timeline.selection = {Within(range, timeline.selection.from), Within(range, timeline.selection.to)};
+  timeline.isDirty = true;
+  return true;
+}
+
+bool ExchangePosition(Timeline& timeline, WPARAM wParam, LPARAM lParam) {
+  if (wParam & kv::kCommandRead) return kv::CopyItemOut(timeline.position, lParam);
+  double position = 0;
+  if (!kv::CopyItemIn(lParam, &position) || !std::isfinite(position)) return false;
+  timeline.position = Within(timeline.range, position);
+  return true;
+}
+
+bool SetMarks(Timeline& timeline, WPARAM wParam, LPARAM lParam) {
+  TimelineMarks item;
+  if ((wParam & kv::kCommandRead) || !kv::CopyItemIn(lParam, &item) || item.count > kTimelineMaxStretches ||
+      (item.count && IsBadReadPtr(item.stretches, item.count * sizeof(Stretch)))) {
+    return false;
+  }
+  std::vector<Stretch> taken(item.stretches, item.stretches + item.count);
+  for (const Stretch& stretch : taken) {
+    if (stretch.kind < StretchKind::kSilent || stretch.kind > StretchKind::kDamaged ||
+        !IsSpan({stretch.from, stretch.to}))
+      return false;
+  }
+  timeline.stretches = std::move(taken);
+  timeline.isDirty = true;
+  return true;
+}
+
+bool ExchangeSelection(Timeline& timeline, WPARAM wParam, LPARAM lParam) {
+  if (wParam & kv::kCommandRead) return timeline.isSelected && kv::CopyItemOut(timeline.selection, lParam);
+  if (wParam & kv::kCommandRemove) {
+    timeline.isSelected = false;
+    return true;
+  }
+  TimelineSpan selection;
+  if (!kv::CopyItemIn(lParam, &selection) || !IsSpan(selection)) return false;
+  timeline.selection = {Within(timeline.range, selection.from), Within(timeline.range, selection.to)};
+  timeline.isSelected = true;
+  timeline.anchor = timeline.selection.from;
+  return true;
+}
+
+bool DoCommand(Timeline& timeline, WPARAM wParam, LPARAM lParam) {
+  switch (LOBYTE(wParam)) {
+    case kTimelineRange: return ExchangeRange(timeline, wParam, lParam);
+    case kTimelinePosition: return ExchangePosition(timeline, wParam, lParam);
+    case kTimelineShowMarks: return SetMarks(timeline, wParam, lParam);
+    case kTimelineSelection: return ExchangeSelection(timeline, wParam, lParam);
+    default: return false;
+  }
+}
+
+LRESULT OnCommand(Timeline& timeline, WPARAM wParam, LPARAM lParam) {
+  if (!DoCommand(timeline, wParam, lParam)) return FALSE;
+  if (wParam & kv::kCommandRead) return TRUE;
+  Repaint(timeline);
+  kv::NotifyValueChanged(timeline.window);
+  if (wParam & kv::kCommandRedraw) UpdateWindow(timeline.window);
+  return TRUE;
+}
+
+// ---- Message handlers -----------------------------------------------------------------------------------------------
+
+LRESULT OnPaint(HWND window, Timeline* timeline) {
+  const kv::PaintScope paint(window);
+  if (timeline) ShowOn(*timeline, paint.dc(), GetFocus() == window);
+  return 0;
+}
+
+LRESULT OnButtonDown(HWND window, LONG x, bool shift) {
+  SetFocus(window);
+  SetCapture(window);
+  Timeline* const timeline = ObjectOf<Timeline>(window);  // whoever lost the focus may have destroyed the control
+  if (!timeline) return 0;
+  const double time = TimeAtX(LayoutTimeline(kv::ClientSize(window)), timeline->range, x);
+  timeline->isDragging = true;
+  timeline->isSelecting = shift;
+  if (!shift) return MoveTo(*timeline, time, false);
+  timeline->anchor = Within(timeline->range, time);
+  return RemoveSelection(*timeline);
+}
+
+LRESULT OnMouseMove(Timeline& timeline, LONG x) {
+  if (!timeline.isDragging) return 0;
+  const double time =
+      Within(timeline.range, TimeAtX(LayoutTimeline(kv::ClientSize(timeline.window)), timeline.range, x));
+  if (!timeline.isSelecting) return time == timeline.position ? 0 : MoveTo(timeline, time, false);
+  SelectTo(timeline, time);
+  return Tell(timeline, kTimelineNotifySelection);
+}
+
+LRESULT OnButtonUp(Timeline& timeline) {
+  timeline.isDragging = false;
+  if (GetCapture() == timeline.window) ReleaseCapture();
+  return 0;
+}
+
+LRESULT OnWheel(Timeline& timeline, WPARAM wParam) {
+  timeline.wheel += GET_WHEEL_DELTA_WPARAM(wParam);
+  const LONG notches = timeline.wheel / WHEEL_DELTA;
+  timeline.wheel -= notches * WHEEL_DELTA;
+  if (notches) kv::PostNotification(timeline.window, notches > 0 ? kTimelineNotifyBack : kTimelineNotifyForward);
+  return 0;
+}
+
+LRESULT OnKey(Timeline& timeline, WPARAM key, bool shift) {
+  const double length = timeline.range.to - timeline.range.from, position = timeline.position;
+  switch (key) {
+    case VK_LEFT:
+    case VK_DOWN:
+    case VK_RIGHT:
+    case VK_UP: {
+      const bool forward = key == VK_RIGHT || key == VK_UP;
+      if (shift) return MoveTo(timeline, position + (forward ? length : -length) / 1000, true);
+      kv::PostNotification(timeline.window, forward ? kTimelineNotifyForward : kTimelineNotifyBack);
+      return 0;
+    }
+    case VK_PRIOR: return MoveTo(timeline, position - length * kPage, shift);
+    case VK_NEXT: return MoveTo(timeline, position + length * kPage, shift);
+    case VK_HOME: return MoveTo(timeline, timeline.range.from, shift);
+    case VK_END: return MoveTo(timeline, timeline.range.to, shift);
+    case VK_ESCAPE: return RemoveSelection(timeline);
+    default: return 0;
+  }
+}
+
+// A dialog keeps Escape, unless there is something to remove.
+LRESULT DialogKeys(const Timeline* timeline, WPARAM key) {
+  return DLGC_WANTARROWS | (timeline && timeline->isSelected && key == VK_ESCAPE ? DLGC_WANTMESSAGE : 0);
+}
+
+kv::AccessibleText Describe(HWND window) {
+  const Timeline* timeline = ObjectOf<Timeline>(window);
+  return {kv::WindowText(window), timeline ? camera::Wide(FormatTime(timeline->position, 3)) : std::wstring()};
+}
+
+LRESULT HandleMessage(Timeline& timeline, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_SIZE:
+    case WM_SYSCOLORCHANGE: return RepaintAll(timeline);
+    case WM_SETFOCUS:
+    case WM_KILLFOCUS: return Repaint(timeline);
+    case WM_LBUTTONDOWN: return OnButtonDown(timeline.window, GET_X_LPARAM(lParam), (wParam & MK_SHIFT) != 0);
+    case WM_MOUSEMOVE: return OnMouseMove(timeline, GET_X_LPARAM(lParam));
+    case WM_LBUTTONUP: return OnButtonUp(timeline);
+    case WM_CAPTURECHANGED: timeline.isDragging = false; return 0;
+    case WM_MOUSEWHEEL: return OnWheel(timeline, wParam);
+    case WM_KEYDOWN: return OnKey(timeline, wParam, GetKeyState(VK_SHIFT) < 0);
+    case WM_PRINTCLIENT: ShowOn(timeline, reinterpret_cast<HDC>(wParam), false); return 0;
+    case kv::kControlCommand: return OnCommand(timeline, wParam, lParam);
+    default: return DefWindowProcA(timeline.window, message, wParam, lParam);
+  }
+}
+
+LRESULT CALLBACK TimelineProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  Timeline* timeline = ObjectOf<Timeline>(window);
+  switch (message) {
+    case WM_CREATE: return timeline ? 0 : CreateObject<Timeline>(window);
+    case WM_DESTROY: return DestroyObject<Timeline>(window);
+    case WM_PAINT: return OnPaint(window, timeline);
+    case WM_GETDLGCODE: return DialogKeys(timeline, wParam);
+    case WM_DROPFILES: return SendMessageA(GetParent(window), message, wParam, lParam);
+    case WM_GETOBJECT: return kv::HandleGetObject(window, wParam, lParam, ROLE_SYSTEM_SLIDER, Describe);
+    default: break;
+  }
+  if (timeline) return HandleMessage(*timeline, message, wParam, lParam);
+  return message == kv::kControlCommand ? FALSE : DefWindowProcA(window, message, wParam, lParam);
+}
+
+}  // namespace
+
+BOOL RegisterTimelineClass(HINSTANCE instance, BOOL registerIt) {
+  return kv::RegisterControlClass(instance, kTimelineClass, TimelineProcedure, registerIt);
+}
+
+}  // namespace camview
