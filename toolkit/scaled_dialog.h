@@ -122,7 +122,7 @@ struct DialogScale {
 };
 DialogScale ScaleOf(HWND dialog);
 
-// The height of a dialog's texts in pixels, as MakeFont (system_look.h) requires it.
+// The height of a dialog's texts in pixels, as MakeFont (appearance.h) requires it.
 int TextHeightOf(HWND dialog);
 
 // Enables or disables a control. If a control with the focus is disabled, the focus moves to the next one first.

@@ -230,7 +230,7 @@ TEST(InstrumentGauge, NoTwoTextsTouchAtAnySizeAndRange) {
       const GaugeText shown = LayOutGaugeValue(layout.dial, block, MeasureByCount);
       EXPECT_GE(shown.height, 7) << what;
       EXPECT_LE(MeasureByCount(shown.text, shown.height, shown.weight).cx, shown.box.right - shown.box.left) << what;
-      // At the ends of the scale the needle stops above a value as wide as its place, or passes it.
+      // At the ends of the scale the needle ends above a value of maximum width, or passes beside it.
       const bool wide = layout.dial.innerRadius < kMinRadiusWithLabels;
       EXPECT_LT(wide ? layout.reach * std::sqrt(0.5) : 0, shown.box.top - centre.y + shown.height * 0.1) << what;
     }

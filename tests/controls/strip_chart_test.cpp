@@ -272,7 +272,7 @@ TEST_F(StripCharts, FreezesWhileRecordingAndReadsCursorAndSelection) {
   EXPECT_NEAR(std::sqrt(10), statistics.deviation, 1e-12);
 
   Send(chart, kStripCursor | kCommandRemove, nullptr);
-  // The tip with statistics stands beside the mark, where without it the plot is empty.
+  // The tooltip with statistics is beside the selection, where the plot is empty otherwise.
   const auto differentPixels = [](const kvtest::TestBitmap& one, const kvtest::TestBitmap& other) {
     int count = 0;
     for (int y = 0; y < 200; ++y) {
