@@ -140,7 +140,7 @@ TEST(Camtool, ScansSilentBusySendingAndCameraPorts) {
 }
 
 TEST(Camtool, RecordsReplaysAndExports) {
-  if (!SerialLine::CanUnplug()) GTEST_SKIP() << "no pair of ports can be made here";
+  if (!SerialLine::CanUnplug()) GTEST_SKIP() << "this machine cannot create a pair of ports";
   SerialLine line({3, 4});
   const std::string first = TemporaryFile("camtool first é.twr"), second = TemporaryFile("camtool second.twr");
   const std::string csv = TemporaryFile("camtool points.csv");
@@ -195,7 +195,7 @@ TEST(Camtool, RecordsReplaysAndExports) {
 }
 
 TEST(Camtool, WatchesAPortUntilDisconnected) {
-  if (!SerialLine::CanUnplug()) GTEST_SKIP() << "no pair of ports can be made here";
+  if (!SerialLine::CanUnplug()) GTEST_SKIP() << "this machine cannot create a pair of ports";
   SerialLine line({3, 4});
   PlayedCamera camera(4);
   const Camtool watch("watch COM3 --json");

@@ -1,4 +1,4 @@
-// The pure parts of camview: the record store, what fills it, curves, statistics, and the playing position.
+// The pure parts of camview: record store, record intake, curves, statistics and playback position.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -30,7 +30,7 @@ camera::FoundRecord RecordAt(double seconds, LONG x = 100) {
   return record;
 }
 
-// Records of points that wander, some of which are not seen, with pauses and odd records now and then.
+// Records of moving points, some of them not seen, with occasional pauses and odd records.
 std::vector<IntakeRecord> Wander(int count) {
   std::mt19937 random(7);
   std::vector<IntakeRecord> records;
@@ -60,7 +60,7 @@ LONG ValueOf(const IntakeRecord& one, int channel) {
   return channel % 2 ? point.y : point.x;
 }
 
-TEST(CamviewStore, GivesBackWhatItWasGivenAndFindsItByTime) {
+TEST(CamviewStore, ReturnsRecordsAndFindsThemByTime) {
   const std::vector<IntakeRecord> given = Wander(3 * kBlockRecords + 100);
   RecordStore store;
   EXPECT_EQ(-1, store.At(5));
@@ -87,14 +87,14 @@ TEST(CamviewStore, GivesBackWhatItWasGivenAndFindsItByTime) {
   EXPECT_EQ(store.End() - 1, store.At(1e300));
 }
 
-TEST(CamviewStore, FindsTheFirstOfManyWithOneTimeAndSurvivesYears) {
+TEST(CamviewStore, FindsTheFirstOfEqualTimesAndSurvivesYears) {
   RecordStore store;
   for (int i = 0; i < 2 * kBlockRecords; ++i) store.Append(RecordAt(2), 0);
   store.Append(RecordAt(1, 5), 0);
   const double years = 10 * 366 * 86400.0;
   store.Append(RecordAt(years, 6), 0);
   EXPECT_EQ(0, store.Find(2));
-  EXPECT_EQ(2LL * kBlockRecords, store.At(2)) << "a time that goes back counts as the one before";
+  EXPECT_EQ(2LL * kBlockRecords, store.At(2)) << "a decreasing time is replaced by the previous one";
   EXPECT_EQ(years, store.Seconds(store.End() - 1));
   EXPECT_EQ(5, store.Get(store.End() - 2).points[0].x);
 }
@@ -130,18 +130,18 @@ TEST(CamviewStore, MergesStretchesWhenThereAreThousands) {
   EXPECT_TRUE(store.Stretches(StretchKind::kSilent).empty());
 }
 
-TEST(CamviewIntake, NotesSilenceDamageAndMalformedBytes) {
+TEST(CamviewIntake, RecordsSilenceDamageAndMalformedBytes) {
   const std::string record = "0100,0200,0300,0400,1023,1023,0512,0384\r\n";
   RecordIntake intake;
   IntakeBatch batch;
-  TakeBytes(&intake, 1, record.substr(20) + record, &batch);  // begins within a record, which is no fault
+  TakeBytes(&intake, 1, record.substr(20) + record, &batch);  // begins within a record, which is not a fault
   TakeBytes(&intake, 1.01, record.substr(0, 25), &batch);
   TakeBytes(&intake, 1.02, record + record, &batch);
   TakeBytes(&intake, 1.5, record, &batch);
   TakeDamage(&intake, 1.52, 60, &batch);
   TakeBytes(&intake, 1.52, record.substr(0, 30), &batch);
   EndIntake(&intake, &batch);
-  TakeBytes(&intake, 3, record.substr(30) + record, &batch);  // no record out of two halves
+  TakeBytes(&intake, 3, record.substr(30) + record, &batch);  // two halves are not a record
   TakeSilence(&intake, 9, &batch);
   std::vector<unsigned> flags(batch.records.size());
   std::ranges::transform(batch.records, flags.begin(), &IntakeRecord::flags);
@@ -184,28 +184,28 @@ TEST(CamviewCurves, LoseNoExtremeAndShowGaps) {
         highestThere = std::max<double>(highestThere, ValueOf(one, channel));
       }
       for (const kv::StripSample& sample : curve) {
-        lowest = std::min(lowest, sample.value);  // a NaN is not taken
+        lowest = std::min(lowest, sample.value);  // ignores NaN
         highest = std::max(highest, sample.value);
       }
       EXPECT_LE(lowest, lowestThere);
       EXPECT_GE(highest, highestThere);
     }
   }
-  // Few records: each is a sample, and a line ends where the point vanishes or the line was silent.
+  // Few records: each is a sample, and a curve has gaps where the point is not seen or the line was silent.
   RecordStore few;
   for (const double seconds : {1.0, 2.0, 3.0}) few.Append(RecordAt(seconds, 10), 0);
   few.Append(RecordAt(4, kv::kNoPoint), 0);
   few.Append(RecordAt(5, 20), 0);
   few.Append(RecordAt(9, 30), kAfterSilence);
   MakeCurves(few, 2.5, 8, kBuckets, 2, &curves);
-  EXPECT_TRUE(curves[0].empty()) << "not asked for";
+  EXPECT_TRUE(curves[0].empty()) << "not requested";
   std::string text;
   for (const kv::StripSample& sample : curves[1]) {
     text += std::to_string(std::lround(sample.time)) +
             (std::isnan(sample.value) ? "- " : "=" + std::to_string(std::lround(sample.value)) + " ");
   }
   EXPECT_EQ("2=5 3=5 3- 5=10 5- 9=15 ", text);
-  // Scrolled by some buckets, what is shown before and after is the same.
+  // Scrolling by some buckets does not change the part that is visible before and after.
   Curves scrolled;
   MakeCurves(store, 40, 90, kBuckets, 1, &curves);
   MakeCurves(store, 45, 95, kBuckets, 1, &scrolled);
@@ -219,7 +219,7 @@ TEST(CamviewCurves, LoseNoExtremeAndShowGaps) {
   EXPECT_EQ(within(curves[0]), within(scrolled[0]));
 }
 
-TEST(CamviewStatistics, AgreeWithAPlainComputation) {
+TEST(CamviewStatistics, EqualAPlainComputation) {
   const std::vector<IntakeRecord> given = Wander(10000);
   RecordStore store;
   for (const IntakeRecord& one : given) store.Append(one.record, one.flags);
@@ -264,7 +264,7 @@ TEST(CamviewStatistics, CountLostRecords) {
   EXPECT_EQ((Lost{3, 0}), lost({{0.02, 0}, {0.03, 0}}));
   EXPECT_EQ((Lost{3, 0}), lost({{0.01, kAfterDamagedBytes}, {0.03, kAfterDamagedBytes}}));
   EXPECT_EQ((Lost{100, 99}), lost({{0.02, 0}, {1, kAfterSilence}}));
-  // An adapter that hands over three at a time loses nothing.
+  // An adapter that delivers three records at a time loses none.
   RecordStore store;
   for (int i = 0; i < 300; ++i) store.Append(RecordAt(std::floor(i / 3.0) * 0.032), 0);
   EXPECT_EQ(0, ComputeStatistics(store, 0, 100).lostRecords);
@@ -282,7 +282,7 @@ TEST(CamviewPlayback, FollowsAClockAndStopsAtTheEnd) {
   EXPECT_EQ(kFastest, playback.speed);
   SetSpeed(&playback, 2);
   Advance(&playback, 1001);
-  EXPECT_EQ(3, playback.position) << "a clock that goes back moves nothing";
+  EXPECT_EQ(3, playback.position) << "a decreasing clock has no effect";
   Advance(&playback, 1003);
   EXPECT_EQ(7, playback.position);
   Advance(&playback, 2000);
@@ -304,7 +304,7 @@ TEST(CamviewPlayback, FollowsAClockAndStopsAtTheEnd) {
   }
 }
 
-TEST(CamviewTime, IsReadAndWritten) {
+TEST(CamviewTime, IsParsedAndFormatted) {
   const std::pair<const char*, double> times[] = {{"75.2", 75.2},     {"1:15", 75},   {" 1:02:03,5 ", 3723.5},
                                                   {"100:00", 6000.0}, {"0:00", 0},    {".5", 0.5},
                                                   {"", -1},           {"1:60", -1},   {"1:2:3:4", -1},
@@ -319,7 +319,7 @@ TEST(CamviewTime, IsReadAndWritten) {
   EXPECT_EQ("0:00.000", FormatTime(0, 3));
   EXPECT_EQ("1:15,2", FormatTime(75.2, 1, ','));
   EXPECT_EQ("1:02:03", FormatTime(3723.4, 0));
-  EXPECT_EQ("1:00:00.00", FormatTime(3599.999, 2)) << "rounded as a whole";
+  EXPECT_EQ("1:00:00.00", FormatTime(3599.999, 2)) << "rounding carries into all fields";
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// A live port as camview reads it, on pairs of COM ports.
+// The live source of camview, on null-modem pairs of COM ports.
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -51,7 +51,7 @@ decltype(&WriteFile) RealWriteFile() {
       reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32.dll"), "WriteFile")));
 }
 
-// WriteFile for a full disk, which takes a part of what is written. Ports (overlapped) take all.
+// WriteFile for a full disk, which writes only a part of the data. Writing to ports (overlapped) succeeds.
 BOOL WINAPI WriteToFullDisk(HANDLE file, const void* bytes, DWORD size, DWORD* written, OVERLAPPED* overlapped) {
   if (overlapped || GetFileType(file) != FILE_TYPE_DISK) return RealWriteFile()(file, bytes, size, written, overlapped);
   RealWriteFile()(file, bytes, size / 2, written, nullptr);
@@ -59,7 +59,7 @@ BOOL WINAPI WriteToFullDisk(HANDLE file, const void* bytes, DWORD size, DWORD* w
   return FALSE;
 }
 
-TEST(CamviewLive, JudgesALineByWhatCameLast) {
+TEST(CamviewLive, ClassifiesALineByItsLastData) {
   const auto judge = [](const LineTimes& times, double now) {
     const LineJudgement judgement = JudgeLine(times, now);
     return std::pair(judgement.state, judgement.since);
@@ -72,8 +72,8 @@ TEST(CamviewLive, JudgesALineByWhatCameLast) {
   EXPECT_EQ(std::pair(LiveState::kRecords, 5.0), judge({5, 8.9, 8.9, 8.5}, 9));
 }
 
-TEST(CamviewLive, GoesOnAfterTheLineWasGoneAndRecordsAllTheWhile) {
-  if (!SerialLine::CanUnplug()) GTEST_SKIP() << "no pair of ports can be unplugged here";
+TEST(CamviewLive, ReconnectsAfterDisconnectionAndContinuesRecording) {
+  if (!SerialLine::CanUnplug()) GTEST_SKIP() << "this machine has no pair of ports that can be unplugged";
   const std::string path = PathOf("camview live.twr");
   DeleteFileA(path.c_str());
   LiveSource live(3);
@@ -110,7 +110,7 @@ TEST(CamviewLive, GoesOnAfterTheLineWasGoneAndRecordsAllTheWhile) {
   EXPECT_GT(status.records, before);
   EXPECT_EQ(1, status.interruptions);
   EXPECT_EQ(LiveRecordingState::kOn, status.recording);
-  // What is in the file, which is intact while it is written, is what was handed over.
+  // The file, which is intact while it is written, contains the delivered data.
   Sleep(50);
   live.Take(&batch);
   LoadedRecording loaded = Load(path);
@@ -129,12 +129,12 @@ TEST(CamviewLive, GoesOnAfterTheLineWasGoneAndRecordsAllTheWhile) {
   RecordStore store;
   EXPECT_TRUE(StoreBatch(&batch, &store));
   EXPECT_FALSE(store.Stretches(StretchKind::kMalformed).empty());
-  EXPECT_GE(store.Stretches(StretchKind::kSilent).size(), 2u) << "before the first record, and while it was gone";
+  EXPECT_GE(store.Stretches(StretchKind::kSilent).size(), 2u) << "before the first record, and while disconnected";
   DeleteFileA(path.c_str());
 }
 
-TEST(CamviewLive, TellsWhoHasThePortAndThatNothingMoreCanBeWritten) {
-  if (!SerialLine::CanUnplug()) GTEST_SKIP() << "no pair of ports can be made here";
+TEST(CamviewLive, ReportsTheOwnerOfABusyPortAndAFullDisk) {
+  if (!SerialLine::CanUnplug()) GTEST_SKIP() << "this machine cannot create a pair of ports";
   SerialLine line({3, 4});
   LiveSource live(3);
   EXPECT_TRUE(Within20Seconds([&] { return live.Status().state == LiveState::kSilent; }));
@@ -147,7 +147,7 @@ TEST(CamviewLive, TellsWhoHasThePortAndThatNothingMoreCanBeWritten) {
   EXPECT_NE("", error);
   EXPECT_EQ(LiveRecordingState::kOff, live.Status().recording);
 
-  // The disk fills up while it records: what was written is intact, and showing goes on.
+  // The disk is full during recording: the written part is intact, and the display continues.
   const std::string path = PathOf("camview full.twr");
   DeleteFileA(path.c_str());
   PlayedCamera camera(4);
@@ -171,13 +171,13 @@ TEST(CamviewLive, TellsWhoHasThePortAndThatNothingMoreCanBeWritten) {
   const LoadedRecording loaded = Load(path);
   EXPECT_EQ(failed.recordedBytes, loaded.bytes);
   EXPECT_EQ(0, loaded.truncatedBytes);
-  EXPECT_TRUE(live.StartRecording(path, true, &error)) << error << ": another one can begin";
+  EXPECT_TRUE(live.StartRecording(path, true, &error)) << error << ": another recording can start";
   live.StopRecording();
   DeleteFileA(path.c_str());
 }
 
-TEST(CamviewPorts, AreReportedOnceWithWhatTheySend) {
-  if (!SerialLine::CanUnplug()) GTEST_SKIP() << "pairs of ports cannot be made here";
+TEST(CamviewPorts, AreReportedOnceWithTheirData) {
+  if (!SerialLine::CanUnplug()) GTEST_SKIP() << "this machine cannot create pairs of ports";
   SerialLine cameraLine({7, 8}), talking({5, 6}), silent({9, 10});
   PlayedCamera camera(8), talker(6);
   camera::Port own;
@@ -199,7 +199,7 @@ TEST(CamviewPorts, AreReportedOnceWithWhatTheySend) {
   EXPECT_EQ(FoundState::kSending, states[5]);
   EXPECT_EQ(FoundState::kSilent, states[9]);
   EXPECT_EQ(FoundState::kBusy, states[10]);
-  EXPECT_EQ(6, reports) << "each port once, none that is absent";
+  EXPECT_EQ(6, reports) << "each present port once";
   finder.Start();
   finder.Cancel();
   EXPECT_TRUE(finder.IsDone());

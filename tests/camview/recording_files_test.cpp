@@ -1,4 +1,4 @@
-// Recordings as camview loads and exports them.
+// Loading and exporting recordings in camview.
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -47,7 +47,7 @@ std::string RecordText(int number) {
   return camera::Format("%04d,0200,0300,0400,1023,1023,0512,0384\r\n", number % 1000);
 }
 
-// Chunks of one record each, a hundred a second.
+// Chunks with one record each, a hundred a second.
 std::string Chunks(int count) {
   std::string chunks;
   for (int i = 0; i < count; ++i) chunks += camera::EncodeChunks(static_cast<std::uint64_t>(i) * 10000, RecordText(i));
@@ -68,12 +68,12 @@ LoadedRecording LoadBytes(std::string_view bytes) {
   const std::string path = PathOf("camview load.twr");
   WriteTo(path, bytes);
   LoadedRecording loaded = LoadFile(path);
-  EXPECT_EQ(bytes, BytesOf(path)) << "a recording is only read";
+  EXPECT_EQ(bytes, BytesOf(path)) << "a recording is not modified";
   DeleteFileA(path.c_str());
   return loaded;
 }
 
-TEST(CamviewLoader, KeepsWhatIsWholeAndTellsWhatIsNot) {
+TEST(CamviewLoader, LoadsIntactChunksAndReportsDamage) {
   const std::string chunks = Chunks(100), end = camera::EncodeEnd(2'000'000);
   std::string damaged = kHeader + chunks + end;
   damaged[kHeader.size() + 50 * kChunkBytes + 20] ^= 1;
@@ -119,7 +119,7 @@ TEST(CamviewLoader, KeepsWhatIsWholeAndTellsWhatIsNot) {
   EXPECT_NE("", none.error);
 }
 
-TEST(CamviewLoader, OpensWhatIsBeingRecordedAndKeepsWhatWasReadWhenCancelled) {
+TEST(CamviewLoader, OpensARunningRecordingAndKeepsLoadedRecordsWhenCancelled) {
   const std::string path = PathOf("camview growing.twr");
   camera::OutputFile out;
   std::string error;
@@ -153,7 +153,7 @@ ExportResult RunExport(const ExportTask& task) {
   return exporter.Result();
 }
 
-// The data of a recording's chunks and their times, as text.
+// The times and data of a recording's chunks, as text.
 std::string DecodedFrom(const std::string& path, camera::RecordingHeader* header) {
   camera::RecordingFile file;
   EXPECT_TRUE(camera::OpenRecording(path, &file)) << file.error;
@@ -168,9 +168,9 @@ std::string DecodedFrom(const std::string& path, camera::RecordingHeader* header
   return text;
 }
 
-TEST(CamviewExport, WritesAStretchAsRowsAndAsARecording) {
+TEST(CamviewExport, WritesATimeRangeAsRowsAndAsARecording) {
   const std::string source = PathOf("camview source.twr"), target = PathOf("camview stretch");
-  // A record in two chunks, odd ones and garbage: a recording keeps them as they are.
+  // A record in two chunks, odd records and garbage: a recording contains them unchanged.
   std::string bytes = kHeader + camera::EncodeChunks(500'000, RecordText(1)),
               wanted = "0 " + RecordText(2).substr(0, 20);
   bytes += camera::EncodeChunks(1'000'000, RecordText(2).substr(0, 20));
@@ -184,7 +184,7 @@ TEST(CamviewExport, WritesAStretchAsRowsAndAsARecording) {
   WriteTo(source, bytes);
   WriteTo(target, "old");
   ExportTask task{.source = source, .target = target, .format = ExportFormat::kRecording, .from = 1, .to = 2};
-  EXPECT_FALSE(RunExport(task).isDone) << "a file is not replaced unless that is asked for";
+  EXPECT_FALSE(RunExport(task).isDone) << "a file is replaced only on request";
   EXPECT_EQ("old", BytesOf(target));
   task.overwrite = true;
   ExportResult result = RunExport(task);
