@@ -15,17 +15,22 @@ constexpr size_t kChunkHead = 12;
 constexpr size_t kChecksum = 4;
 constexpr size_t kCompactAt = 65536;
 
-constexpr std::array<std::uint32_t, 256> MakeCrcTable() {
-  std::array<std::uint32_t, 256> table{};
-  for (std::uint32_t i = 0; i < table.size(); ++i) {
+// The checksum of a byte that is followed by 0 to 3 zero bytes: four bytes are taken at a time.
+using CrcTables = std::array<std::array<std::uint32_t, 256>, 4>;
+
+constexpr CrcTables MakeCrcTables() {
+  CrcTables tables{};
+  for (std::uint32_t i = 0; i < 256; ++i) {
     std::uint32_t value = i;
-    for (int bit = 0; bit < 8; ++bit) value = (value >> 1) ^ (value & 1 ? 0xEDB88320u : 0);
-    table[i] = value;
+    for (size_t zeros = 0; zeros < tables.size(); ++zeros) {
+      for (int bit = 0; bit < 8; ++bit) value = (value >> 1) ^ (value & 1 ? 0xEDB88320u : 0);
+      tables[zeros][i] = value;
+    }
   }
-  return table;
+  return tables;
 }
 
-constexpr std::array<std::uint32_t, 256> kCrcTable = MakeCrcTable();
+constexpr CrcTables kCrc = MakeCrcTables();
 
 void Append(std::string* text, std::uint64_t value, int bytes) {
   for (int i = 0; i < bytes; ++i) text->push_back(static_cast<char>(value >> (8 * i)));
@@ -95,7 +100,11 @@ Decoded DecodeChunk(RecordingDecoder* decoder, std::string_view body, std::uint6
 
 std::uint32_t Crc32(std::string_view bytes) {
   std::uint32_t crc = 0xFFFFFFFF;
-  for (const char byte : bytes) crc = (crc >> 8) ^ kCrcTable[(crc ^ static_cast<unsigned char>(byte)) & 0xFF];
+  for (; bytes.size() >= 4; bytes.remove_prefix(4)) {
+    crc ^= static_cast<std::uint32_t>(Get(bytes, 0, 4));
+    crc = kCrc[3][crc & 0xFF] ^ kCrc[2][(crc >> 8) & 0xFF] ^ kCrc[1][(crc >> 16) & 0xFF] ^ kCrc[0][crc >> 24];
+  }
+  for (const char byte : bytes) crc = (crc >> 8) ^ kCrc[0][(crc ^ static_cast<unsigned char>(byte)) & 0xFF];
   return ~crc;
 }
 

@@ -79,8 +79,12 @@ std::uint64_t TimeAndFlags(const Entry& entry) {
   return rest;
 }
 
+std::int64_t TimeIn(std::uint64_t timeAndFlags) {
+  return static_cast<std::int64_t>(timeAndFlags & (kLongestBlock - 1));
+}
+
 std::int64_t TimeOf(const Entry& entry) {
-  return static_cast<std::int64_t>(TimeAndFlags(entry) & (kLongestBlock - 1));
+  return TimeIn(TimeAndFlags(entry));
 }
 
 }  // namespace
@@ -199,8 +203,9 @@ size_t RecordStore::Read(long long number, std::span<StoredRecord> records) cons
     for (auto place = static_cast<int>(number - block.first); place < block.count && read < records.size(); ++place) {
       const Entry& entry = block.entries[static_cast<size_t>(place)];
       StoredRecord& record = records[read++];
-      record.seconds = static_cast<double>(block.base + TimeOf(entry)) / 1e6;
-      record.flags = static_cast<unsigned>(TimeAndFlags(entry) >> kTimeBits);
+      const std::uint64_t rest = TimeAndFlags(entry);
+      record.seconds = static_cast<double>(block.base + TimeIn(rest)) / 1e6;
+      record.flags = static_cast<unsigned>(rest >> kTimeBits);
       for (int i = 0; i < kv::kPointCount; ++i) {
         record.points[i] = {static_cast<LONG>(entry[i] & kCoordinateMask),
                             static_cast<LONG>((entry[i] >> kCoordinateBits) & kCoordinateMask)};
