@@ -53,6 +53,7 @@
 #include "toolkit/ask_path.h"
 #include "toolkit/classes.h"
 #include "toolkit/dde_conversation.h"
+#include "toolkit/empty_text.h"
 #include "toolkit/horizon.h"
 #include "toolkit/instruments.h"
 #include "toolkit/languages.h"

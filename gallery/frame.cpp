@@ -128,6 +128,13 @@ INT_PTR OnHelp(HWND frame) {
                       reinterpret_cast<DWORD_PTR>(topic.c_str()));
 }
 
+// From the last page to the first, and back.
+INT_PTR StepPage(HWND frame, int step) {
+  const int count = static_cast<int>(AllPages().size());
+  SelectPage(frame, (selectedPage + step + count) % count);
+  return TRUE;
+}
+
 INT_PTR OnCommand(HWND frame, UINT command, UINT code) {
   switch (command) {
     case IDC_PAGE_LIST:
@@ -139,6 +146,8 @@ INT_PTR OnCommand(HWND frame, UINT command, UINT code) {
       kv::ShowMessage(frame, kv::ResourceText(IDS_ABOUT_TEXT), kv::ResourceText(IDS_ABOUT_CAPTION), MB_ICONINFORMATION);
       return TRUE;
     case IDM_GALLERY_HELP: return OnHelp(frame);
+    case IDM_GALLERY_NEXT_PAGE: return StepPage(frame, 1);
+    case IDM_GALLERY_PREVIOUS_PAGE: return StepPage(frame, -1);
     default: return FALSE;
   }
 }
@@ -173,6 +182,7 @@ kv::ScaledDialog FrameDialog(const StartOptions& options) {
       .tips = kTips,
       .menu = L"MENU_GALLERY",
       .languageMenu = {IDM_GALLERY_LANGUAGE_MENU, IDM_LANGUAGE_FIRST, IDB_LANGUAGE_FIRST},
+      .accelerators = L"KEYS_GALLERY",
       // Its own controls are placed by OnSize.
       .firstId = IDC_PAGE_FIRST,
       .languages = kFileStem,

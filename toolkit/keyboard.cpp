@@ -69,12 +69,13 @@ bool OnReturn(HWND dialog, HWND control) {
 // Whether the focused control uses the key, so that it is not an accelerator.
 bool KeepsKey(HWND control, WPARAM key) {
   const bool isFunctionKey = key >= VK_F1 && key <= VK_F24, isLetter = key >= 'A' && key <= 'Z';
-  const bool isPlain = !IsKeyDown(VK_CONTROL) && !IsKeyDown(VK_MENU);
+  const bool isPlain = !IsKeyDown(VK_CONTROL) && !IsKeyDown(VK_MENU), isPage = key == VK_PRIOR || key == VK_NEXT;
   constexpr wchar_t kEditing[] = L"ACVXYZ";
   switch (ClassifyControl(control)) {
     case kControlEdit:
     case kControlComboBox:
-      return !isFunctionKey && (isPlain || !isLetter || wcschr(kEditing, static_cast<wchar_t>(key)));
+      if (isFunctionKey || (isPage && !isPlain)) return false;
+      return isPlain || !isLetter || wcschr(kEditing, static_cast<wchar_t>(key));
     case kControlButton: return key == VK_SPACE;
     case kControlListBox:
     case kControlTreeView: return isPlain && isLetter;

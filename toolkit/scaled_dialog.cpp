@@ -22,6 +22,7 @@
 #include "framework/window_position.h"
 #include "lists/extended_list.h"
 #include "toolkit/appearance.h"
+#include "toolkit/copy_key.h"
 #include "toolkit/dialog_state.h"
 #include "toolkit/languages.h"
 #include "toolkit/mirroring.h"
@@ -237,6 +238,7 @@ INT_PTR OnInit(HWND dialog, const Opening& opening) {
   const INT_PTR result =
       CallDialogProcedure(dialog, *state, WM_INITDIALOG, reinterpret_cast<WPARAM>(GetFocus()), options.parameter);
   AssignFonts(dialog);
+  VisitChildren(dialog, AddCopyKey);
   Capture(dialog, *state);
   state->textTips = CreateTextTips(dialog);
   ShowLanguage(dialog);

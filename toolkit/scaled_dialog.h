@@ -18,7 +18,8 @@
 //   Notifications  WM_NOTIFY contains wide texts
 //   Keyboard       F6 and Ctrl+Tab move between a dialog and its page (pages.h). Tab leaves a multi-line edit control.
 //                  Enter presses the focused button; without a default button it also opens the row of a list, like a
-//                  double click. The wheel scrolls the control under the mouse. Not in modal dialogs.
+//                  double click. The wheel scrolls the control under the mouse. Not in modal dialogs. Display instruments
+//                  and horizons that are tab stops show the focus; Ctrl+C copies their image.
 //   Closing        is delayed while a message box or dialog that the dialog owns is open
 #pragma once
 
@@ -71,8 +72,8 @@ struct ScaledDialog {
   LanguageMenu languageMenu = {};
 
   // An accelerator table of the program's module. Keys that the focused control uses are not accelerators: in an edit
-  // control or combo box all except function keys and Ctrl with a letter other than A, C, V, X, Y and Z; Space on a
-  // button; single letters in a list or tree. Not in modal dialogs and pages.
+  // control or combo box all except function keys, and Ctrl with Page Up, Page Down or a letter other than A, C, V, X, Y
+  // and Z; Space on a button; single letters in a list or tree. Not in modal dialogs and pages.
   const wchar_t* accelerators = nullptr;
 
   // The range of ids of the controls that scale. Controls outside the range keep their position, size and font.
@@ -93,6 +94,10 @@ struct ScaledDialog {
 // Sent to the procedure after WM_INITDIALOG, and when the language has changed: set texts that are not in the template,
 // such as names of instruments and items of lists. wParam is the language.
 inline constexpr UINT kLanguageChanged = WM_APP + 0x3F00;
+
+// Sent to the procedure when the user copied a display instrument or horizon that is a tab stop. wParam is its id;
+// lParam is 1, or 0 if the clipboard is not available.
+inline constexpr UINT kControlCopied = WM_APP + 0x3F02;
 
 // Runs a whole program: initializes the process (common controls, rich edit controls, all window classes, the stored
 // language), opens the dialog, dispatches messages until it is closed, and releases everything. Returns the exit code:

@@ -8,6 +8,7 @@
 #include "controls/simple_bitmap.h"
 #include "framework/bounded_format.h"
 #include "gallery/resource_ids.h"
+#include "toolkit/empty_text.h"
 #include "toolkit/languages.h"
 #include "toolkit/scaled_dialog.h"
 
@@ -91,6 +92,7 @@ std::wstring LabelText(HWND page, int bitmap) {
 // The template's texts are the pictures' names too; the chosen one is chosen anew.
 void OnTextsChanged(HWND page) {
   ShowChosen(page);
+  kv::SetEmptyText(page, IDC_BITMAP_LOG, kv::ResourceText(IDS_BITMAP_EMPTY));
   for (int i = 0; i <= IDC_BITMAP_LAST - IDC_BITMAP_PLAIN; ++i)
     kv::NameControl(page, IDC_BITMAP_PLAIN + i, LabelText(page, i).c_str());
 }

@@ -7,6 +7,7 @@
 #include "export/dde_client.h"
 #include "framework/bounded_format.h"
 #include "gallery/resource_ids.h"
+#include "toolkit/empty_text.h"
 #include "toolkit/languages.h"
 #include "toolkit/scaled_dialog.h"
 
@@ -65,6 +66,10 @@ void Log(HWND page, const char* format, Values... values) {
 }
 
 void ShowWord(HWND page, int controlId, const void* word) {
+  if (!word) {
+    SetDlgItemTextW(page, controlId, (L" " + kv::ResourceText(IDS_DDE_NOT_CONNECTED) + L" ").c_str());
+    return;
+  }
   char text[16];
   kv::FormatBoundedA(text, sizeof(text), " %08X", word);
   SetDlgItemTextA(page, controlId, text);
@@ -141,6 +146,12 @@ INT_PTR OnTimer(HWND page) {
   return isAlive ? TRUE : OnEnded(page, conversation);
 }
 
+INT_PTR OnTextsChanged(HWND page) {
+  kv::SetEmptyText(page, IDC_DDE_LOG, kv::ResourceText(IDS_DDE_EMPTY));
+  ShowState(page);
+  return TRUE;
+}
+
 void SetLink(HWND page, BOOL open) {
   const BOOL result = kv::excelLink(open);
   Log(page, "excelLink %d = %d", open, result);
@@ -189,6 +200,7 @@ INT_PTR CALLBACK DdePageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM
     case WM_INITDIALOG: return OnInit(page);
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam), HIWORD(wParam));
     case WM_TIMER: return OnTimer(page);
+    case kv::kLanguageChanged: return OnTextsChanged(page);
     case kEnded: return OnEnded(page, reinterpret_cast<HCONV>(lParam));
     case WM_DESTROY: return OnDestroy();
     default: return FALSE;

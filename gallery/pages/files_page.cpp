@@ -8,6 +8,7 @@
 #include "gallery/pages/notes_file.h"
 #include "gallery/resource_ids.h"
 #include "toolkit/ask_path.h"
+#include "toolkit/empty_text.h"
 #include "toolkit/languages.h"
 #include "toolkit/scaled_dialog.h"
 
@@ -42,6 +43,7 @@ void ShowTexts(HWND page) {
   kv::ProgramDirectory(folder);
   SetDlgItemTextW(page, IDC_FILES_FOLDER, TextWith(IDS_FILES_FOLDER, folder).c_str());
   SetDlgItemTextW(page, IDC_FILES_STATUS, L"");
+  kv::SetEmptyText(page, IDC_FILES_NOTES, kv::ResourceText(IDS_FILES_EMPTY));
 }
 
 std::wstring NotesOf(HWND page) {

@@ -10,7 +10,10 @@
 #include "export/flight_track.h"
 #include "export/flight_track_view.h"
 #include "export/kml_export.h"
+#include "framework/bitmaps.h"
+#include "framework/canvas.h"
 #include "framework/control_class.h"
+#include "framework/coverage.h"
 #include "framework/guards.h"
 #include "framework/numbers.h"
 #include "framework/painting.h"
@@ -19,6 +22,8 @@
 #include "gallery/pages/simulated_flight.h"
 #include "gallery/resource_ids.h"
 #include "toolkit/appearance.h"
+#include "toolkit/empty_text.h"
+#include "toolkit/languages.h"
 #include "toolkit/locale_text.h"
 #include "toolkit/pages.h"
 #include "toolkit/scaled_dialog.h"
@@ -27,7 +32,8 @@ namespace gallery {
 
 namespace {
 
-constexpr int kGroundPercent = 40;  // of the text colour
+constexpr COLORREF kPathColor = RGB(0x20, 0x68, 0xC8);
+constexpr int kTintPercent = 18;  // of the path's colour, below the altitude
 constexpr size_t kShownBytes = 8000;
 
 // The flight that the view holds. One page, one flight; it lives as long as the program.
@@ -59,10 +65,9 @@ void Fly() {
 
 // ---- The plan ------------------------------------------------------------------------------------------------------
 
-// A line through `count` places that at(i) gives (x to the right, y upwards, any unit), as large as the area allows and
-// in its middle.
+// A line through points that at(i) returns (x to the right, y upwards, in any unit), scaled to the area and centred.
 template <class At>
-void DrawCurve(HDC dc, const RECT& area, int count, bool sameScale, At at) {
+std::vector<kv::PointD> CurveIn(const RECT& area, int count, bool sameScale, At at) {
   double left = at(0).first, right = left, bottom = at(0).second, top = bottom;
   for (int i = 1; i < count; ++i) {
     const auto [x, y] = at(i);
@@ -71,38 +76,84 @@ void DrawCurve(HDC dc, const RECT& area, int count, bool sameScale, At at) {
   double xScale = (area.right - area.left) / std::max(right - left, 1.0);
   double yScale = (area.bottom - area.top) / std::max(top - bottom, 1.0);
   if (sameScale) xScale = yScale = std::min(xScale, yScale);
-  const double margin = (area.right - area.left - (right - left) * xScale) / 2;
-  const double above = (area.bottom - area.top - (top - bottom) * yScale) / 2;
-  std::vector<POINT> line(static_cast<size_t>(count));
+  const double marginX = (area.right - area.left - (right - left) * xScale) / 2;
+  const double marginY = (area.bottom - area.top - (top - bottom) * yScale) / 2;
+  std::vector<kv::PointD> curve;
   for (int i = 0; i < count; ++i) {
     const auto [x, y] = at(i);
-    line[i] = {area.left + kv::ToInt(margin + (x - left) * xScale),
-               area.bottom - kv::ToInt(above + (y - bottom) * yScale)};
+    curve.push_back({area.left + marginX + (x - left) * xScale, area.bottom - marginY - (y - bottom) * yScale});
   }
-  Polyline(dc, line.data(), count);
+  return curve;
 }
 
-void DrawPlan(HDC dc, RECT area) {
-  kv::DrawSunkenFrame(dc, &area);
-  kv::FillSolid(dc, area, GetSysColor(COLOR_WINDOW));
-  InflateRect(&area, -10, -10);
+void DrawCurve(kv::Canvas& canvas, const std::vector<kv::PointD>& curve, double width, COLORREF color) {
+  kv::BeginShape(canvas);
+  for (size_t i = 1; i < curve.size(); ++i) kv::AddLine(canvas, curve[i - 1], curve[i], width);
+  kv::FillShape(canvas, color);
+}
+
+void DrawLabel(kv::Canvas& canvas, const std::wstring& text, RECT area) {
+  SetTextColor(canvas.dc(), GetSysColor(COLOR_WINDOWTEXT));
+  kv::DrawFitted(canvas.dc(), text, area, DT_SINGLELINE | (kv::IsRightToLeft() ? DT_RIGHT : DT_LEFT));
+}
+
+std::wstring AltitudeText() {
+  const auto [lowest, highest] = std::ranges::minmax(points, {}, &kv::FlightTrackPoint::dAltitude);
+  return TextWith(IDS_FLIGHT_ALTITUDE, kv::NumberText(lowest.dAltitude).c_str(),
+                  kv::NumberText(highest.dAltitude).c_str());
+}
+
+// The flight path above, its start marked, and the altitude below.
+void DrawFlight(kv::Canvas& canvas, RECT area, int textPx) {
+  const COLORREF ground = GetSysColor(COLOR_WINDOW);
+  const COLORREF ink = kv::IsHighContrast() ? GetSysColor(COLOR_WINDOWTEXT) : kPathColor;
+  COLORREF tint = ground;
+  kv::BlendColor(ground, ink, 100, kTintPercent, &tint);
+  kv::FillArea(canvas, area, ground);
+  InflateRect(&area, -textPx / 2, -textPx / 2);
   RECT plan = area, profile = area;
   plan.bottom = area.bottom - (area.bottom - area.top) / 3;
-  profile.top = plan.bottom + 16;
+  profile.top = plan.bottom + textPx / 2;
+  DrawLabel(canvas, kv::ResourceText(IDS_FLIGHT_PATH), plan);
+  DrawLabel(canvas, AltitudeText(), profile);
+  InflateRect(&plan, -textPx / 2, -2 * textPx);
+  profile.top += textPx * 3 / 2;
+  const double width = textPx / 8.0;
 
-  const kv::OwnedPen ground(CreatePen(PS_SOLID, 1, kv::ListShade(kGroundPercent)));
-  const kv::OwnedPen ink(
-      CreatePen(PS_SOLID, std::max(2L, (area.bottom - area.top) / 130), GetSysColor(COLOR_WINDOWTEXT)));
+  std::vector<kv::PointD> altitude =
+      CurveIn(profile, track.nPoints, false, [](int i) { return std::pair(1.0 * i, points[i].dAltitude); });
+  altitude.push_back({1.0 * profile.right, 1.0 * area.bottom});
+  altitude.push_back({1.0 * profile.left, 1.0 * area.bottom});
+  kv::FillPolygon(canvas, altitude, tint);
+  altitude.resize(altitude.size() - 2);
+  DrawCurve(canvas, altitude, width, ink);
+
+  const std::vector<kv::PointD> path =
+      CurveIn(plan, track.nPoints, true, [](int i) { return std::pair(points[i].dX, -points[i].dY); });
+  DrawCurve(canvas, path, width, ink);
+  kv::FillDisc(canvas, path.front(), textPx / 3.0, ink);
+  const std::wstring start = kv::ResourceText(IDS_FLIGHT_START);
+  SIZE size{};
+  GetTextExtentPoint32W(canvas.dc(), start.c_str(), static_cast<int>(start.size()), &size);
+  const LONG x = std::lround(std::min(path.front().x, 1.0 * area.right - size.cx)), y = std::lround(path.front().y);
+  DrawLabel(canvas, start, {x, y + textPx / 2, x + size.cx, y + 2 * textPx});
+}
+
+void DrawPlan(HDC dc, RECT area, int textPx) {
+  kv::DrawSunkenFrame(dc, &area);
+  const SIZE size{area.right - area.left, area.bottom - area.top};
+  kv::Surface surface;
+  if (!surface.Create(size)) return;
   {
-    const kv::SelectedObject selected(dc, ground);
-    for (const LONG y : {plan.bottom + 8, profile.bottom}) {
-      MoveToEx(dc, area.left, y, nullptr);
-      LineTo(dc, area.right, y);
-    }
+    kv::CoverageShape shape;
+    const kv::MemoryDc canvasDc(dc);
+    kv::Canvas canvas(canvasDc, surface, shape);
+    const kv::OwnedFont font = kv::MakeFont(textPx, FW_NORMAL);
+    const kv::SelectedObject selected(canvas.dc(), font);
+    SetBkMode(canvas.dc(), TRANSPARENT);
+    DrawFlight(canvas, {0, 0, size.cx, size.cy}, textPx);
   }
-  const kv::SelectedObject selected(dc, ink);
-  DrawCurve(dc, plan, track.nPoints, true, [](int i) { return std::pair(points[i].dX, -points[i].dY); });
-  DrawCurve(dc, profile, track.nPoints, false, [](int i) { return std::pair(1.0 * i, points[i].dAltitude); });
+  kv::ShowBitmap(dc, area, surface.bitmap(), size);
 }
 
 // ---- What was written ----------------------------------------------------------------------------------------------
@@ -196,12 +247,14 @@ INT_PTR OnCommand(HWND page, UINT command) {
 
 // ---- Life ----------------------------------------------------------------------------------------------------------
 
-INT_PTR OnDrawItem(const DRAWITEMSTRUCT* item) {
-  DrawPlan(item->hDC, item->rcItem);
+INT_PTR OnDrawItem(HWND page, const DRAWITEMSTRUCT* item) {
+  DrawPlan(item->hDC, item->rcItem, kv::TextHeightOf(page));
   return TRUE;
 }
 
 void ShowTexts(HWND page) {
+  kv::SetEmptyText(page, IDC_FLIGHT_TEXT, kv::ResourceText(IDS_FLIGHT_EMPTY));
+  InvalidateRect(GetDlgItem(page, IDC_FLIGHT_PLAN), nullptr, FALSE);
   SetPageText(page, IDC_FLIGHT_PLAN, IDS_TITLE_FIRST + PAGE_INDEX_FLIGHT);  // its name, for a screen reader
   SetPageText(page, IDC_FLIGHT_STATION,
               kv::isHelmsdeckRunning() ? IDS_FLIGHT_STATION_RUNS : IDS_FLIGHT_STATION_RUNS_NOT);
@@ -219,7 +272,7 @@ INT_PTR CALLBACK FlightPageProcedure(HWND page, UINT message, WPARAM wParam, LPA
       kv::EnableControl(page, IDC_FLIGHT_FOLDER, false);
       break;
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam));
-    case WM_DRAWITEM: return OnDrawItem(reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+    case WM_DRAWITEM: return OnDrawItem(page, reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
     case kv::kPageShown:
     case kv::kLanguageChanged: ShowTexts(page); break;
     default: break;

@@ -1,6 +1,7 @@
 #include "gallery/pages.h"
 
 #include <cmath>
+#include <string>
 #include <vector>
 
 #include "controls/instrument_block.h"
@@ -146,6 +147,15 @@ INT_PTR OnShown(HWND page, bool shown) {
   return ShowSample(page);
 }
 
+// The hint becomes a report.
+INT_PTR OnCopied(HWND page, int id, bool copied) {
+  const std::wstring name = kv::ResourceText(IDS_INSTRUMENTS_NAME + kInstruments[id - IDC_INSTRUMENTS].name);
+  const std::wstring text =
+      copied ? TextWith(IDS_INSTRUMENTS_COPIED, name.c_str()) : kv::ResourceText(IDS_CHART_NOT_COPIED);
+  SetDlgItemTextW(page, IDC_INSTRUMENTS_HINT, text.c_str());
+  return TRUE;
+}
+
 INT_PTR OnCommand(HWND page, int id) {
   if (id == IDC_INSTRUMENTS_ENABLED) {
     const BOOL enabled = IsChecked(page, IDC_INSTRUMENTS_ENABLED);
@@ -156,12 +166,13 @@ INT_PTR OnCommand(HWND page, int id) {
 
 }  // namespace
 
-INT_PTR CALLBACK InstrumentsPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM) {
+INT_PTR CALLBACK InstrumentsPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_INITDIALOG: OnInit(page); break;
     case WM_TIMER: return ShowSample(page);
     case kv::kLanguageChanged: return OnTextsChanged(page);
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam));
+    case kv::kControlCopied: return OnCopied(page, static_cast<int>(wParam), lParam != 0);
     case kv::kPageShown: return OnShown(page, wParam != 0);
     default: break;
   }

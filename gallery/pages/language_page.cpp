@@ -29,6 +29,7 @@ constexpr Column kColumns[] = {{IDS_LANGUAGE_COLUMN_NAME, 22},
                                {IDS_LANGUAGE_COLUMN_HELP, 27}};
 
 constexpr COLORREF kClear = RGB(255, 0, 255);
+constexpr int kFlagPx = 13;  // of the menu's images, each way
 
 HWND TableOf(HWND page) {
   return GetDlgItem(page, IDC_LANGUAGE_TABLE);
@@ -69,21 +70,21 @@ void SetCell(HWND table, int row, int column, const std::wstring& text) {
   SendMessageW(table, LVM_SETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item));
 }
 
-// The plain images of the language menu, one for each language. The table owns the list and deletes it with itself.
-HIMAGELIST FlagImages() {
-  constexpr int kFlagPx = 13, kRowPx = 17;
-  const HIMAGELIST images = ImageList_Create(kFlagPx, kRowPx, ILC_COLOR24 | ILC_MASK, kv::kLanguageCount, 0);
+// The plain images of the language menu, one for each language, in proportion to the text.
+HIMAGELIST FlagImages(int textPx) {
+  const int flagPx = textPx * 13 / 15, rowPx = flagPx + 4;
+  const HIMAGELIST images = ImageList_Create(flagPx, rowPx, ILC_COLOR24 | ILC_MASK, kv::kLanguageCount, 0);
   const kv::WindowDc screen(nullptr);
   for (int i = 0; i < kv::kLanguageCount; ++i) {
     const kv::OwnedBitmap flag(LoadBitmapA(kv::modules.application, MAKEINTRESOURCEA(IDB_LANGUAGE_FIRST + i)));
     // Images are as high as the rows, so each flag is drawn into the middle of a larger one, which stays clear around
     // it.
-    const kv::OwnedBitmap image(CreateCompatibleBitmap(screen, kFlagPx, kRowPx));
+    const kv::OwnedBitmap image(CreateCompatibleBitmap(screen, flagPx, rowPx));
     const kv::MemoryDc dc(screen);
     {
       const kv::SelectedObject selected(dc, image);
-      kv::FillSolid(dc, {0, 0, kFlagPx, kRowPx}, kClear);
-      kv::ShowBitmap(dc, {0, 2, kFlagPx, 2 + kFlagPx}, flag, {kFlagPx, kFlagPx});
+      kv::FillSolid(dc, {0, 0, flagPx, rowPx}, kClear);
+      kv::ShowBitmap(dc, {0, 2, flagPx, 2 + flagPx}, flag, {kFlagPx, kFlagPx});
     }
     ImageList_AddMasked(images, image, kClear);
   }
@@ -154,7 +155,6 @@ void ShowTexts(HWND page) {
 INT_PTR OnInit(HWND page) {
   const HWND table = TableOf(page);
   SendMessageW(table, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT);
-  SendMessageW(table, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(FlagImages()));
   for (int i = 0; i < static_cast<int>(ARRAYSIZE(kColumns)); ++i) {
     LVCOLUMNW column{};
     SendMessageW(table, LVM_INSERTCOLUMNW, i, reinterpret_cast<LPARAM>(&column));
@@ -162,7 +162,15 @@ INT_PTR OnInit(HWND page) {
   return TRUE;
 }
 
+// The table owns its images and deletes the last ones with itself.
+void ScaleFlags(HWND page) {
+  const auto images = reinterpret_cast<LPARAM>(FlagImages(kv::TextHeightOf(page)));
+  const LRESULT former = SendMessageW(TableOf(page), LVM_SETIMAGELIST, LVSIL_SMALL, images);
+  ImageList_Destroy(reinterpret_cast<HIMAGELIST>(former));
+}
+
 INT_PTR OnSize(HWND page) {
+  ScaleFlags(page);
   ShareWidth(TableOf(page));
   SendMessageW(TableOf(page), LVM_ENSUREVISIBLE, SelectedRow(TableOf(page)), FALSE);
   return TRUE;

@@ -1,5 +1,6 @@
 #include "gallery/pages.h"
 
+#include <algorithm>
 #include <string>
 
 #include "gallery/pages/mesh_view.h"
@@ -16,15 +17,24 @@ namespace {
 constexpr UINT_PTR kStatisticsTimer = 1;
 constexpr UINT kStatisticsMs = 1000;
 
-int framesBefore = 0;
+// When the statistics were shown last, and the frames drawn until then.
+DWORD shownAt = 0;
+int shownFrames = 0;
+
+double FramesPerSecond(int frames) {
+  const DWORD now = GetTickCount();
+  const double rate = (frames - shownFrames) * 1000.0 / std::max<DWORD>(now - shownAt, 1);
+  shownAt = now;
+  shownFrames = frames;
+  return rate;
+}
 
 void ShowStatistics(HWND page) {
   MeshViewStatistics statistics{};
   if (!GetMeshViewStatistics(GetDlgItem(page, IDC_MESH_VIEW), &statistics)) return;
-  const std::wstring text =
-      TextWith(IDS_MESH_STATISTICS, kv::NumberText(statistics.triangles).c_str(),
-               kv::NumberText(statistics.frames - framesBefore).c_str(), kv::NumberText(statistics.frameMs, 1).c_str());
-  framesBefore = statistics.frames;
+  const std::wstring text = TextWith(IDS_MESH_STATISTICS, kv::NumberText(statistics.triangles).c_str(),
+                                     kv::NumberText(FramesPerSecond(statistics.frames)).c_str(),
+                                     kv::NumberText(statistics.frameMs, 1).c_str());
   SetDlgItemTextW(page, IDC_MESH_STATISTICS, text.c_str());
 }
 
@@ -34,6 +44,8 @@ void ShowTexts(HWND page) {
 }
 
 void Run(HWND page, bool shown) {
+  MeshViewStatistics statistics{};
+  if (GetMeshViewStatistics(GetDlgItem(page, IDC_MESH_VIEW), &statistics)) FramesPerSecond(statistics.frames);
   RunMeshView(GetDlgItem(page, IDC_MESH_VIEW), shown);
   if (shown) {
     SetTimer(page, kStatisticsTimer, kStatisticsMs, nullptr);

@@ -25,9 +25,9 @@ namespace gallery {
 namespace {
 
 constexpr UINT_PTR kMotionTimer = 1;
-constexpr UINT kMotionMs = 33;
+constexpr UINT kMotionMs = 20;
 constexpr int kOversampling = 2;
-constexpr double kTurnPerFrame = 0.5, kDegreesPerPixel = 0.5, kDegreesPerKey = 5;
+constexpr double kTurnPerFrame = 0.3, kDegreesPerPixel = 0.5, kDegreesPerKey = 5;
 constexpr double kZoomPerStep = 1.1, kMinZoom = 0.4, kMaxZoom = 4;
 constexpr double kFirstTurn = 200, kFirstTilt = 28;
 // Model units that fill the window; its height takes in more when the craft is seen from above or below.

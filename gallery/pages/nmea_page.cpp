@@ -12,6 +12,7 @@
 #include "gallery/resource_ids.h"
 #include "toolkit/locale_text.h"
 #include "toolkit/pages.h"
+#include "toolkit/scaled_dialog.h"
 
 namespace gallery {
 
@@ -38,10 +39,25 @@ void ShowValue(HWND page, int controlId, UINT textId, double value, int decimals
   SetDlgItemTextW(page, controlId, TextWith(textId, kv::NumberText(value, decimals).c_str()).c_str());
 }
 
+// The terminal's text grows with the page's.
+void ScaleTerminal(HWND page) {
+  constexpr int kTwipsPerPx = 13;
+  CHARFORMATA format{};
+  format.cbSize = sizeof(format);
+  format.dwMask = CFM_SIZE;
+  format.yHeight = kTwipsPerPx * kv::TextHeightOf(page);
+  for (const WPARAM part : {SCF_ALL, SCF_SELECTION}) {
+    SendDlgItemMessageA(page, IDC_NMEA_TERMINAL, EM_SETCHARFORMAT, part, reinterpret_cast<LPARAM>(&format));
+  }
+}
+
 // Styling also clears the control and makes it writable.
-void ClearTerminal(HWND terminal) {
+INT_PTR ClearTerminal(HWND page) {
+  const HWND terminal = GetDlgItem(page, IDC_NMEA_TERMINAL);
   kv::styleTerminalEdit(terminal);
   SendMessageA(terminal, EM_SETREADONLY, TRUE, 0);
+  ScaleTerminal(page);
+  return TRUE;
 }
 
 void ReplaceText(HWND terminal, LONG first, LONG last, const char* text) {
@@ -71,7 +87,7 @@ void SendSentence(HWND page) {
 }
 
 INT_PTR OnInit(HWND page) {
-  ClearTerminal(GetDlgItem(page, IDC_NMEA_TERMINAL));
+  ClearTerminal(page);
   CheckDlgButton(page, IDC_NMEA_MOVING, BST_CHECKED);
   return TRUE;
 }
@@ -93,7 +109,7 @@ INT_PTR OnTimer(HWND page) {
 
 INT_PTR OnCommand(HWND page, UINT command) {
   switch (command) {
-    case IDC_NMEA_CLEAR: ClearTerminal(GetDlgItem(page, IDC_NMEA_TERMINAL)); return TRUE;
+    case IDC_NMEA_CLEAR: return ClearTerminal(page);
     case IDC_NMEA_HOME_PAGE: kv::openMakerWebPage(0); return TRUE;
     case IDC_NMEA_WAYPOINT_PAGE: kv::openMakerWebPage(kv::kWaypointPage); return TRUE;
     default: return FALSE;
@@ -106,6 +122,7 @@ INT_PTR CALLBACK NmeaPageProcedure(HWND page, UINT message, WPARAM wParam, LPARA
   switch (message) {
     case WM_INITDIALOG: return OnInit(page);
     case kv::kPageShown: return OnShown(page, wParam != 0);
+    case WM_SIZE: ScaleTerminal(page); return TRUE;
     case WM_TIMER: return OnTimer(page);
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam));
     default: return FALSE;

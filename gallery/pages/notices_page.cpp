@@ -8,6 +8,7 @@
 #include "framework/modules.h"
 #include "framework/notification_icon.h"
 #include "gallery/resource_ids.h"
+#include "toolkit/empty_text.h"
 #include "toolkit/languages.h"
 #include "toolkit/locale_text.h"
 
@@ -118,6 +119,9 @@ INT_PTR OnCommand(HWND page, UINT id) {
 INT_PTR CALLBACK NoticesPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_INITDIALOG: return OnInit(page);
+    case kv::kLanguageChanged:
+      kv::SetEmptyText(page, IDC_NOTICES_EVENTS, kv::ResourceText(IDS_NOTICES_EMPTY));
+      return TRUE;
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam));
     case WM_DEVICECHANGE: return OnDeviceChange(page, wParam, lParam);
     case kv::kNotificationCallback: return OnIconMessage(page, static_cast<UINT>(lParam));

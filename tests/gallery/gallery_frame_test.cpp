@@ -60,7 +60,9 @@ class GalleryFrame : public testing::Test {
   static void Pump() {
     MSG message;
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-      if (message.message == WM_TIMER || kv::TakeKey(frame_, &message) || IsDialogMessageW(frame_, &message)) continue;
+      if (message.message == WM_TIMER || kv::TakeAccelerator(frame_, &message) || kv::TakeKey(frame_, &message) ||
+          IsDialogMessageW(frame_, &message))
+        continue;
       TranslateMessage(&message);
       DispatchMessageW(&message);
     }
@@ -225,6 +227,22 @@ TEST_F(GalleryFrame, KeysOpenPagesAndReachAVisibleWindow) {
   SetDlgItemTextW(ShownPage(), IDC_LANGUAGE_WORD, L"");  // no word: no result
   EXPECT_EQ(L"", kvtest::TextOf(answer));
   ChooseLanguage(0);
+}
+
+TEST_F(GalleryFrame, KeysCopyAnInstrumentAndTurnPages) {
+  SelectPage(frame_, PAGE_INDEX_INSTRUMENTS);
+  SetFocus(GetDlgItem(ShownPage(), IDC_INSTRUMENTS + 2));
+  Press('C', VK_CONTROL);
+  EXPECT_EQ(L"Copied: Altitude", kvtest::TextOf(GetDlgItem(ShownPage(), IDC_INSTRUMENTS_HINT)));
+  EXPECT_TRUE(IsClipboardFormatAvailable(CF_BITMAP));
+  SelectPage(frame_, PAGE_INDEX_DDE);
+  SetFocus(GetDlgItem(ShownPage(), IDC_DDE_SERVICE));
+  for (const int page : {PAGE_INDEX_LANGUAGE, PAGE_INDEX_FILES, PAGE_INDEX_NOTICES, PAGE_INDEX_OVERVIEW}) {
+    Press(VK_NEXT, VK_CONTROL);
+    EXPECT_EQ(PageAt(page), ShownPage());
+  }
+  Press(VK_PRIOR, VK_CONTROL);
+  EXPECT_EQ(PageAt(PAGE_INDEX_NOTICES), ShownPage());
 }
 
 TEST_F(GalleryFrame, TheListHandlesItsKeysAndShowsItsSelectedRowAtEverySize) {

@@ -22,6 +22,7 @@
 #include "tests/support/test_window.h"
 #include "tests/toolkit/ids.h"
 #include "toolkit/classes.h"
+#include "toolkit/empty_text.h"
 #include "toolkit/keyboard.h"
 #include "toolkit/languages.h"
 #include "toolkit/pages.h"
@@ -238,6 +239,31 @@ TEST_F(ScaledDialogTest, MayBeDestroyedByItsProcedureAtAnyTime) {
   HWND dialog = OpenDialog(nullptr, kTest);
   for (const LPARAM address : {0, 1, 77}) SendMessageW(dialog, WM_INITDIALOG, 0, address);
   for (const int message : {WM_MEASUREITEM, WM_NOTIFY, WM_SIZING}) SendMessageW(dialog, message, 1, 1);
+  DestroyWindow(dialog);
+}
+
+TEST_F(ScaledDialogTest, ShowsATextInAnEmptyFieldOnly) {
+  HWND dialog = OpenDialog(nullptr, kTest);
+  const HWND field = GetDlgItem(dialog, IDC_EDIT);
+  EXPECT_FALSE(SetEmptyText(dialog, IDC_LABEL, L"Hint") || SetEmptyText(dialog, IDC_OUTSIDE + 99, L"Hint"));
+  const auto isGrey = [field] {
+    RedrawWindow(field, nullptr, nullptr, RDW_UPDATENOW);
+    const WindowDc dc(field);
+    const SIZE size = ClientSize(field);
+    for (int i = 0; i < size.cx * size.cy; ++i) {
+      const COLORREF color = GetPixel(dc, i % size.cx, i / size.cx);
+      if (color != GetSysColor(COLOR_WINDOW) && color != GetSysColor(COLOR_WINDOWTEXT)) return true;
+    }
+    return false;
+  };
+  EXPECT_FALSE(isGrey());
+  EXPECT_TRUE(SetEmptyText(dialog, IDC_EDIT, L"Former") && SetEmptyText(dialog, IDC_EDIT, L"Hint"));
+  EXPECT_TRUE(isGrey());
+  EXPECT_EQ(L"", TextOf(field));
+  SendMessageW(field, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L"x"));
+  EXPECT_FALSE(isGrey());
+  SetWindowTextW(field, L"");
+  EXPECT_TRUE(isGrey());
   DestroyWindow(dialog);
 }
 
