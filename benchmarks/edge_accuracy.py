@@ -21,7 +21,8 @@ def uniform(low, high):
 
 
 def polygon():
-    # Corners in the order of their angle, less than half a turn apart: edges do not cross. Some are outside of the image.
+    # Corners in the order of their angle, less than half a turn apart: edges do not cross. Some are outside of the
+    # image.
     count = random.randint(4, 9)
     angles = [(i + uniform(0, 0.9)) * 2 * math.pi / count for i in range(count)]
     return [c for a in angles for r in [uniform(3, 45)] for c in (30 + r * math.cos(a), 30 + r * math.sin(a))]

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Compares camtool export with a simple script: both convert a recording of a million records (57 MB) to comma-separated
-values and must write the same bytes. Called by export_benchmark.sh.
+"""Compares camtool export with a simple script: both convert a recording of a million records (57 MB) to
+comma-separated values and must write the same bytes. Called by export_benchmark.sh.
 
     export_benchmark.py WORK_FOLDER COMMAND...      the command for camtool
 """

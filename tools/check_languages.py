@@ -2,10 +2,11 @@
 """Compares the gallery's language scripts (resources/languages/*.rc) with its English texts.
 
     tools/check_languages.py             reports texts that English does not have, duplicate texts, placeholders that do
-                                         not match (%s, %d), access keys (&) used by two controls of a page, by a control
-                                         and the menu bar, or by two items of a menu, untranslated texts, two fields of a
-                                         page with one label, two translations of one English text or term, and missing
-                                         punctuation and direction marks; missing texts are only counted
+                                         not match (%s, %d), access keys (&) used by two controls of a page, by a
+                                         control and the menu bar, or by two items of a menu, untranslated texts, two
+                                         fields of a page with one label, two translations of one English text or
+                                         term, and missing punctuation and direction marks; missing texts are only
+                                         counted
     tools/check_languages.py --gaps      also lists the missing texts of each language (they are shown in English)
     tools/check_languages.py --complete  a missing text is an error, too
 
@@ -175,7 +176,7 @@ def check(script, texts, english, errors):
         if name not in english:
             errors.append(f"{script.name}: {name} is not among the English texts")
         elif values(text) != values(english[name]):
-            errors.append(f"{script.name}: {name} has the placeholders {values(text)}, in English {values(english[name])}")
+            errors.append(f"{script.name}: {name} has placeholders {values(text)}, in English {values(english[name])}")
     return [name for name in english if name not in texts]
 
 

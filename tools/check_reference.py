@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Checks or updates the parts of README.md and docs/reference that are copied from the tree, and checks the links of all
-documents.
+"""Checks or updates the parts of README.md and docs/reference that are copied from the tree, and checks the links of
+all documents.
 
     check_reference.py HEADER...     checks that the pages are up to date and document every given header
     check_reference.py --refresh     updates the pages
 
-A page begins with handwritten text: a description, a list "Headers:", and examples, each a literal copy from the file that
-it names. The section "Interface" is generated from the headers (tools/header_pages.py).
+A page begins with handwritten text: a description, a list "Headers:", and examples, each a literal copy from the file
+that it names. The section "Interface" is generated from the headers (tools/header_pages.py).
 """
 import re
 import sys
@@ -56,8 +56,8 @@ def headers_of(text: str) -> list[str]:
 
 
 def example_now(found: re.Match) -> str:
-    """The example's current text in its file: the whole file if the example begins like the file, otherwise the function
-    with the same first line, and the comment above it."""
+    """The example's current text in its file: the whole file if the example begins like the file, otherwise the
+    function with the same first line, and the comment above it."""
     source, example = found.groups()
     text = (ROOT / source).read_text(encoding="utf-8")
     lines = text.splitlines()
@@ -65,7 +65,7 @@ def example_now(found: re.Match) -> str:
         return found.group().replace(example, text)
     head = next(line for line in example.splitlines() if not line.startswith("//"))
     if head not in lines:
-        sys.exit(f"{source} has no function that begins with {head!r}; update the first line of the example on its page")
+        sys.exit(f"{source} has no function that begins with {head!r}; update the example's first line")
     first = lines.index(head)
     last = lines.index("}", first)
     while lines[first - 1].startswith("//"):

@@ -1,8 +1,8 @@
 """Converts a public header to Markdown for the reference.
 
 A header begins with a comment. Blank lines separate groups of declarations, each with one comment above it. A group
-becomes a section: constants and plain structs become tables, everything else remains code. A comment that is followed by a
-blank line applies to the sections below it.
+becomes a section: constants and plain structs become tables, everything else remains code. A comment that is followed
+by a blank line applies to the sections below it.
 """
 import re
 import textwrap

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Checks the rules of this project that no other tool checks: includes between folders, file sizes, and forbidden words.
-clang-tidy checks the size of functions (readability-function-size).
+"""Checks the rules of this project that no other tool checks: includes between folders, file sizes, and forbidden
+words. clang-tidy checks the size of functions (readability-function-size).
 
 Usage: tools/lint_rules.py FILE...   prints one line per finding and ends with 1 if there are any."""
 import re

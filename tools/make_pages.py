@@ -4,8 +4,8 @@
     make_pages.py FOLDER VERSION
 
 README.md becomes FOLDER/index.html; the other pages and all images keep their relative paths. Links to headers, samples
-and the licence are changed to their paths in the package; a link to a file that is not in the package becomes plain text.
-A missing image is an error. Uses cmark-gfm; the same documents give the same bytes.
+and the licence are changed to their paths in the package; a link to a file that is not in the package becomes plain
+text. A missing image is an error. Uses cmark-gfm; the same documents give the same bytes.
 """
 import posixpath
 import re
@@ -48,7 +48,7 @@ def place_of(source: str) -> str:
 
 
 def target_of(source: str, pages: list[str]) -> str | None:
-    """The target of a link to a file of the tree, relative to the folder of the pages; None when it is not in the package."""
+    """The target of a link to a file of the tree, relative to the folder of the pages; None if it is not packaged."""
     if source in pages or source.endswith(".png"):
         return place_of(source)
     if source in ELSEWHERE:

@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 """Simulates a camera on a pseudo-terminal: stream_records.py LINK RECORDS_A_SECOND SECONDS
 
-Creates a pseudo-terminal, links LINK to its far end and sends records of three moving points to it. Records that the far
-end does not read are dropped, as on a serial line. Prints the numbers of sent and dropped records.
+Creates a pseudo-terminal, links LINK to its far end and sends records of three moving points to it. Records that the
+far end does not read are dropped, as on a serial line. Prints the numbers of sent and dropped records.
 """
 
 import math

@@ -1,4 +1,4 @@
-"""The registry of toolbar icons: each function with the decorator @icon draws one; their order is that of the toolbar."""
+"""The registry of toolbar icons: each function with the decorator @icon draws one, in the order of the toolbar."""
 
 ICONS = []
 

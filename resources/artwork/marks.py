@@ -5,8 +5,8 @@ import cairo
 from palette import INK, POINTS, WHITE
 from pen import Pen, arc, circle, line, polygon, rect
 
-# The digits' strokes between the centres of 3 x 5 cells. The smallest chart draws every third row and column of a marker,
-# so a cell is three pixels: one of them is always drawn.
+# The digits' strokes between the centres of 3 x 5 cells. The smallest chart draws every third row and column of a
+# marker, so a cell is three pixels: one of them is always drawn.
 CELL = 3
 DIGITS = (
     (((0, 1), (1, 0), (1, 4)), ((0, 4), (2, 4))),

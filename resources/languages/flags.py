@@ -2,8 +2,8 @@
 """Draws the images of the gallery's language menu: flags/NAME.bmp and flags/NAME_checked.bmp, and flags.rc, which
 numbers them for the resource compiler. Run it after a change; its output is checked in.
 
-A flag is a function from a position on it (x to the right, y downwards, 0..1) to a colour. Menus show the images as they
-are, without transparency and at most as large as a check mark, so a flag fills its square up to a thin edge.
+A flag is a function from a position on it (x to the right, y downwards, 0..1) to a colour. Menus show the images as
+they are, without transparency and at most as large as a check mark, so a flag fills its square up to a thin edge.
 """
 
 import math

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Makes the package, checks its checksums, unpacks it into a difficult path, checks its pages' links, starts each program.
+"""Makes the package, checks its checksums, unpacks it into a difficult path, checks its pages' links, starts each
+program.
 
     check_package.py BUILD_FOLDER VERSION WORK_FOLDER UIDRIVER [EMULATOR]
 """
