@@ -72,8 +72,8 @@ struct ScaledDialog {
   LanguageMenu languageMenu = {};
 
   // An accelerator table of the program's module. Keys that the focused control uses are not accelerators: in an edit
-  // control or combo box all except function keys, and Ctrl with Page Up, Page Down or a letter other than A, C, V, X, Y
-  // and Z; Space on a button; single letters in a list or tree. Not in modal dialogs and pages.
+  // control or combo box all except function keys, and Ctrl with Page Up, Page Down or a letter other than A, C, V, X,
+  // Y and Z; Space on a button; single letters in a list or tree. Not in modal dialogs and pages.
   const wchar_t* accelerators = nullptr;
 
   // The range of ids of the controls that scale. Controls outside the range keep their position, size and font.
