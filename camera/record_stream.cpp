@@ -223,6 +223,20 @@ void AddPoint(const kv::CameraPoint& point, PointSummary* summary) {
   AddValue(point.y, isFirst, &summary->y);
 }
 
+void AddSummary(const PointSummary& other, PointSummary* summary) {
+  if (other.seen == 0) return;
+  const bool isFirst = summary->seen == 0;
+  summary->seen += other.seen;
+  for (Spread PointSummary::* const axis : {&PointSummary::x, &PointSummary::y}) {
+    const Spread& from = other.*axis;
+    Spread& to = summary->*axis;
+    to.lowest = isFirst ? from.lowest : std::min(to.lowest, from.lowest);
+    to.highest = isFirst ? from.highest : std::max(to.highest, from.highest);
+    to.sum += from.sum;
+    to.squares += from.squares;
+  }
+}
+
 double Mean(const Spread& spread, long long count) {
   return count > 0 ? static_cast<double>(spread.sum) / static_cast<double>(count) : 0;
 }

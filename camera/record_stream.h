@@ -96,6 +96,9 @@ struct PointSummary {
 // Adds the point of a record in range; one with a coordinate of 1023 is not seen.
 void AddPoint(const kv::CameraPoint& point, PointSummary* summary);
 
+// Adds what another summary has seen.
+void AddSummary(const PointSummary& other, PointSummary* summary);
+
 // Mean and standard deviation in camera units; 0 without values, and for fewer than two.
 double Mean(const Spread& spread, long long count);
 double Deviation(const Spread& spread, long long count);

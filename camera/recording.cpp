@@ -22,9 +22,9 @@ constexpr CrcTables MakeCrcTables() {
   CrcTables tables{};
   for (std::uint32_t i = 0; i < 256; ++i) {
     std::uint32_t value = i;
-    for (size_t zeros = 0; zeros < tables.size(); ++zeros) {
+    for (std::array<std::uint32_t, 256>& table : tables) {
       for (int bit = 0; bit < 8; ++bit) value = (value >> 1) ^ (value & 1 ? 0xEDB88320u : 0);
-      tables[zeros][i] = value;
+      table[i] = value;
     }
   }
   return tables;

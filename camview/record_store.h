@@ -52,6 +52,19 @@ struct Extremes {
   std::array<std::int16_t, kChannels> lowest, highest;
 };
 
+// Records that come within so short a time were read together: a record takes ten times as long on the line.
+inline constexpr double kTogetherSeconds = 0.001;
+
+// The records of a block, added up.
+struct BlockSummary {
+  long long first = 0;  // its first record's number
+  long long records = 0, oddRecords = 0, outOfRange = 0;
+  long long damaged = 0;    // with kAfterDamagedBytes
+  long long arrivals = 0;   // kTogetherSeconds and more after the record before
+  double longestPause = 0;  // seconds between one of them and the record before
+  camera::PointSummary points[kv::kPointCount];
+};
+
 class RecordStore {
  public:
   static constexpr long long kLargestCapacity = 1 << 25;  // 0.5 GB; four days at 93 records a second
@@ -83,6 +96,8 @@ class RecordStore {
   // The last record at that time or earlier, which is what a chart shows then; -1 if there is none.
   long long At(double seconds) const;
 
+  // Of the block that the record is in; valid until the store changes.
+  const BlockSummary& SummaryOf(long long number) const;
   // The extremes of records `from` to before `to`, by the pyramid where it reaches.
   Extremes ExtremesOf(long long from, long long to) const;
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <span>
 #include <vector>
 
 #include "app/camera_record.h"
@@ -14,20 +15,18 @@ namespace camview {
 
 namespace {
 
-// Records that come within so short a time were read together: a record takes ten times as long on the line.
-constexpr double kTogether = 0.001;
 // The median of so many pauses, evenly spread, is the median of all for every practical purpose.
-constexpr long long kMostPauses = 1 << 16;
+constexpr long long kMaxPauses = 1 << 14;
 constexpr size_t kBatchRecords = 512;
 
 double MedianPause(const RecordStore& store, long long first, long long end) {
   std::vector<double> pauses;
-  const long long stride = std::max((end - first) / kMostPauses, 1LL);
+  const long long stride = std::max((end - first) / kMaxPauses, 1LL);
   for (long long number = first + 1; number < end; number += stride) {
     std::array<StoredRecord, 2> pair;
     store.Read(number - 1, pair);
     const double pause = pair[1].seconds - pair[0].seconds;
-    if (pause >= kTogether) pauses.push_back(pause);
+    if (pause >= kTogetherSeconds) pauses.push_back(pause);
   }
   if (pauses.empty()) return 0;
   const auto middle = pauses.begin() + static_cast<std::ptrdiff_t>(pauses.size() / 2);
@@ -43,7 +42,7 @@ struct Losses {
 };
 
 void AddPause(double pause, bool isDamaged, Losses* losses) {
-  losses->arrivals += pause >= kTogether;
+  losses->arrivals += pause >= kTogetherSeconds;
   const double missing = losses->spacing > 0 ? std::max(std::round(pause / losses->spacing) - 1, 0.0) : 0;
   const double lost = std::max(missing, isDamaged ? 1.0 : 0.0);
   losses->lost += lost;
@@ -54,6 +53,29 @@ void AddRecord(const StoredRecord& record, StretchStatistics* statistics) {
   statistics->oddRecords += (record.flags & kOddRecord) != 0;
   statistics->outOfRange += (record.flags & kOutOfRange) != 0;
   for (int i = 0; i < kv::kPointCount; ++i) camera::AddPoint(record.points[i], &statistics->points[i]);
+}
+
+// Adds records up, one by one; `before` is the time of the one before, for the pauses. With `onlyPauses` the rest is
+// added already.
+void AddRecords(const RecordStore& store, long long first, long long end, double before, bool onlyPauses,
+                StretchStatistics* statistics, Losses* losses) {
+  std::array<StoredRecord, kBatchRecords> batch;
+  while (first < end) {
+    const auto wanted = static_cast<size_t>(std::min<long long>(kBatchRecords, end - first));
+    const size_t count = store.Read(first, {batch.data(), wanted});
+    for (const StoredRecord& record : std::span(batch).first(count)) {
+      if (!onlyPauses) AddRecord(record, statistics);
+      AddPause(record.seconds - before, (record.flags & kAfterDamagedBytes) != 0, losses);
+      before = record.seconds;
+    }
+    first += static_cast<long long>(count);
+  }
+}
+
+void AddBlock(const BlockSummary& block, StretchStatistics* statistics) {
+  statistics->oddRecords += block.oddRecords;
+  statistics->outOfRange += block.outOfRange;
+  for (int i = 0; i < kv::kPointCount; ++i) camera::AddSummary(block.points[i], &statistics->points[i]);
 }
 
 }  // namespace
@@ -67,22 +89,20 @@ StretchStatistics ComputeStatistics(const RecordStore& store, double from, doubl
   statistics.records = end - first;
   statistics.spacing = MedianPause(store, first, end);
   Losses losses{statistics.spacing};
-  std::array<StoredRecord, kBatchRecords> batch;
-  double before = store.Seconds(first);
-  for (long long number = first; number < end;) {
-    const size_t count =
-        store.Read(number, {batch.data(), static_cast<size_t>(std::min<long long>(kBatchRecords, end - number))});
-    for (size_t i = 0; i < count; ++i) {
-      const StoredRecord& record = batch[i];
-      AddRecord(record, &statistics);
-      if (number + static_cast<long long>(i) > first) {
-        AddPause(record.seconds - before, (record.flags & kAfterDamagedBytes) != 0, &losses);
-      }
-      before = record.seconds;
+  AddRecord(store.Get(first), &statistics);
+  for (long long number = first + 1; number < end;) {
+    const BlockSummary& block = store.SummaryOf(number);
+    const long long next = std::min(block.first + block.records, end);
+    const bool isWhole = number == block.first && next < end;
+    if (isWhole) AddBlock(block, &statistics);
+    if (isWhole && block.damaged == 0 && block.longestPause < 1.5 * losses.spacing) {
+      losses.arrivals += block.arrivals;
+    } else {
+      AddRecords(store, number, next, store.Seconds(number - 1), isWhole, &statistics, &losses);
     }
-    number += static_cast<long long>(count);
+    number = next;
   }
-  const double seconds = before - store.Seconds(first);
+  const double seconds = store.Seconds(end - 1) - store.Seconds(first);
   if (seconds > 0) statistics.recordsPerSecond = static_cast<double>(statistics.records - 1) / seconds;
   const double perArrival = static_cast<double>(statistics.records) / static_cast<double>(losses.arrivals);
   statistics.lostRecords = std::llround(losses.lost * perArrival);
