@@ -214,7 +214,7 @@ void ShowText(HWND button, const wchar_t* text) {
   if (std::wcscmp(shown, text) != 0) SetWindowTextW(button, text);
 }
 
-// ---- Painting -------------------------------------------------------------------------------------------
+// ---- Painting -------------------------------------------------------------------------------------------------------
 
 INT_PTR OnSize(HWND dialog, AppContext* context, WPARAM kind) {
   // A minimised window has no area to lay out; the next size brings the real one.
@@ -275,7 +275,7 @@ INT_PTR OnButtonColor(HWND button) {
   return id >= IDC_PORT && id <= IDC_POINT_4 ? reinterpret_cast<INT_PTR>(GetStockObject(NULL_BRUSH)) : 0;
 }
 
-// ---- Commands ------------------------------------------------------------------------------------------------------
+// ---- Commands -------------------------------------------------------------------------------------------------------
 
 void CheckToolbarButton(const AppContext* context, int command, bool checked) {
   SendMessageA(context->controls.toolbar, TB_CHECKBUTTON, command, MAKELPARAM(checked, 0));
@@ -337,7 +337,7 @@ INT_PTR OnScroll(AppContext* context, HWND scrollControl) {
   return 0;
 }
 
-// ---- Timers --------------------------------------------------------------------------------------------------------
+// ---- Timers ---------------------------------------------------------------------------------------------------------
 
 void HandPointsToChart(AppContext* context) {
   FlowPoints exchange{.mask = 15};
@@ -370,7 +370,7 @@ INT_PTR OnTimer(AppContext* context, UINT_PTR timer) {
   return 0;
 }
 
-// ---- Shutdown ------------------------------------------------------------------------------------------------------
+// ---- Shutdown -------------------------------------------------------------------------------------------------------
 
 // The order matters; app/camera_link.h tells why.
 void StopReader(AppContext* context) {

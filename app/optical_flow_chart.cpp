@@ -50,7 +50,7 @@ void HideAllPoints(ChartState* state) {
   state->bDirty = TRUE;
 }
 
-// ---- Drawing -------------------------------------------------------------------------------------------------------
+// ---- Drawing --------------------------------------------------------------------------------------------------------
 
 // Lets camera coordinates fill a picture of this size, x to the right and y downwards, without keeping proportions.
 void UseCameraCoordinates(HDC dc, SIZE size) {
@@ -167,7 +167,7 @@ void DrawFocusedEdge(HWND window) {
   ReleaseDC(window, dc);
 }
 
-// ---- Message handlers ----------------------------------------------------------------------------------------------
+// ---- Message handlers -----------------------------------------------------------------------------------------------
 
 LRESULT OnCreate(HWND window) {
   auto* state = CreateWindowState<ChartState>(window);

@@ -30,7 +30,7 @@ using kvtest::TarnwickProcess;
 // 41 bytes of 10 bits each at 38400 bits a second.
 constexpr double kRecordSeconds = 41 * 10 / 38400.0;
 
-// ---- No record lost ------------------------------------------------------------------------------------------------
+// ---- No record lost -------------------------------------------------------------------------------------------------
 
 int MeasureRecords(double seconds) {
   SerialLine line;
@@ -73,7 +73,7 @@ int MeasureRecords(double seconds) {
   return sent == seen ? 0 : 1;
 }
 
-// ---- Latency -------------------------------------------------------------------------------------------------------
+// ---- Latency --------------------------------------------------------------------------------------------------------
 
 int MeasureLatency(int count) {
   SerialLine line;

@@ -45,7 +45,7 @@ void CloseInput(HANDLE file);
 // Reads a whole file of at most `limit` bytes; "-" is standard input.
 bool ReadWholeFile(const std::string& path, size_t limit, std::string* bytes, std::string* error);
 
-// ---- Recordings ----------------------------------------------------------------------------------------------------
+// ---- Recordings -----------------------------------------------------------------------------------------------------
 
 // Why OpenRecording failed.
 enum class OpenFailure { kNone, kUnreadable, kEmpty, kForeign, kOtherVersion };

@@ -212,7 +212,7 @@ std::string WhyNotOpened(int number, const PortStatus& status) {
   }
 }
 
-// ---- Reading -------------------------------------------------------------------------------------------------------
+// ---- Reading --------------------------------------------------------------------------------------------------------
 
 PortReader::PortReader(HANDLE port) : port_(port), event_(CreateEventA(nullptr, TRUE, FALSE, nullptr)) {
   // None: a read of one byte ends when there is one.
@@ -263,7 +263,7 @@ PortReader::Outcome PortReader::Read(DWORD waitMs, HANDLE stop, std::string* byt
   return Outcome::kBytes;
 }
 
-// ---- Writing -------------------------------------------------------------------------------------------------------
+// ---- Writing --------------------------------------------------------------------------------------------------------
 
 Written WritePort(HANDLE port, const char* bytes, size_t size, DWORD timeoutMs) {
   if (size == 0) return Written::kAll;

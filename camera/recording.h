@@ -34,7 +34,7 @@ std::string EncodeEnd(std::uint64_t microseconds);
 // CRC-32 as in Ethernet and PNG.
 std::uint32_t Crc32(std::string_view bytes);
 
-// ---- Reading -------------------------------------------------------------------------------------------------------
+// ---- Reading --------------------------------------------------------------------------------------------------------
 
 enum class Decoded { kHeader, kChunk, kEnd, kNeedMore, kNoRecording, kOtherVersion };
 

@@ -29,7 +29,7 @@ const SystemFunctions& System() {
   return functions;
 }
 
-// The system's object for the window, but with a role, name and value of the control's own.
+// The system's standard object for the window, with the control's own role, name and value.
 class AccessibleControl final : public IAccessible {
  public:
   AccessibleControl(HWND window, LONG role, DescribeControl describe, IAccessible* standard)
@@ -63,7 +63,7 @@ class AccessibleControl final : public IAccessible {
     return S_OK;
   }
 
-  // All else is the system's.
+  // Everything else comes from the system.
   STDMETHODIMP GetTypeInfoCount(UINT* count) override { return standard_->GetTypeInfoCount(count); }
   STDMETHODIMP GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) override {
     return standard_->GetTypeInfo(index, locale, info);
@@ -72,7 +72,7 @@ class AccessibleControl final : public IAccessible {
     return standard_->GetIDsOfNames(id, names, count, locale, ids);
   }
   STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
-    return E_NOTIMPL;  // the system's object would answer with its own name
+    return E_NOTIMPL;  // the standard object would return its own name
   }
   STDMETHODIMP get_accParent(IDispatch** parent) override { return standard_->get_accParent(parent); }
   STDMETHODIMP get_accChildCount(LONG* count) override { return standard_->get_accChildCount(count); }
@@ -129,7 +129,7 @@ class AccessibleControl final : public IAccessible {
   HWND window_;
   LONG role_;
   DescribeControl describe_;
-  IAccessible* standard_;  // one reference of ours
+  IAccessible* standard_;  // owns one reference
 };
 
 }  // namespace
@@ -153,7 +153,7 @@ LRESULT HandleGetObject(HWND window, WPARAM wParam, LPARAM lParam, LONG role, De
 
 std::wstring WindowText(HWND window) {
   wchar_t text[256] = L"";
-  // The text as it is stored: asked by message, a window of an 8-bit class gives it in the code page.
+  // The stored text: WM_GETTEXT would convert it to the code page for a window of an 8-bit class.
   InternalGetWindowText(window, text, ARRAYSIZE(text));
   return text;
 }

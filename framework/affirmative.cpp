@@ -12,8 +12,8 @@ constexpr int kWordCharacters = 256;
 constexpr int kWordsPerLanguage = 8;
 constexpr int kLastOfEveryLanguage = 16;
 
-// Yes, enabled, positive, on and true. Quirk: some words do not mean what their column says ("disattivato", "av"). The
-// empty words at the end of a row make a yes of an empty text.
+// Yes, enabled, positive, on and true. Quirk: some words do not have their column's meaning ("disattivato", "av"). The
+// empty words at the end of a row match an empty text.
 constexpr const wchar_t* kWords[kLanguageCount][kWordsPerLanguage] = {
     {L"yes", L"enabled", L"positive", L"on", L"true", L"", L"", L""},
     {L"ja", L"aktiviert", L"positiv", L"ein", L"wahr", L"", L"", L""},
@@ -45,7 +45,7 @@ struct FoldedWord {
   std::array<wchar_t, kWordCharacters + 1> text;
 };
 
-// The first word in lower case; reads at most kWordCharacters.
+// Returns the first word in lower case; reads at most kWordCharacters.
 FoldedWord FoldFirstWord(const wchar_t* text) {
   FoldedWord word{};
   for (int i = 0; i < kWordCharacters && text[i] > L' '; ++i) {

@@ -13,7 +13,7 @@ SIZE ClientSize(HWND window) {
 }
 
 HBITMAP CreateWindowBitmap(HWND window, SIZE size) {
-  // An empty size would yield GDI's monochrome 1 x 1 stand-in instead of a failure.
+  // For an empty size GDI would return a monochrome 1 x 1 bitmap.
   if (size.cx <= 0 || size.cy <= 0) return nullptr;
   const WindowDc dc(window);
   return CreateCompatibleBitmap(dc, size.cx, size.cy);

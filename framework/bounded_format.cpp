@@ -11,7 +11,7 @@ namespace kv {
 
 namespace {
 
-// What the run-time's formatters take for the locale that setlocale has set.
+// The C runtime's formatters use the locale set with setlocale for this value.
 constexpr _locale_t kHostLocale = nullptr;
 
 _locale_t PlainLocale() {
@@ -27,7 +27,7 @@ bool IsBadFormat(const wchar_t* format) {
   return IsBadStringPtrW(format, UINT_MAX);
 }
 
-// The run-time's own functions and not the standard ones: only their wide "%s" reads wide text in every tool chain.
+// The C runtime's own functions, not the standard ones: only their wide "%s" expects wide text with every toolchain.
 int Print(char* buffer, size_t room, const char* format, _locale_t locale, va_list arguments) {
   return _vsnprintf_l(buffer, room, format, locale, arguments);
 }
@@ -44,8 +44,8 @@ HRESULT Format(Character* buffer, size_t size, const Character* format, _locale_
   }
   const size_t room = size - 1;
   const int length = Print(buffer, room, format, locale, arguments);
-  // They answer -1 when the text is longer than the room or cannot be formatted, and leave a text of exactly `room`
-  // characters without a terminator.
+  // They return -1 when the text is longer than `room` or cannot be formatted, and do not terminate a text of exactly
+  // `room` characters.
   const bool fits = length >= 0 && static_cast<size_t>(length) <= room;
   if (!fits || static_cast<size_t>(length) == room) buffer[room] = 0;
   return fits ? kFormatDone : kFormatTruncated;

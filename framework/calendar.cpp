@@ -13,7 +13,7 @@ namespace {
 constexpr double kDaysPerYear = 365.2425;
 constexpr double kYearsPerDay = 0.002737907006988508;
 
-// By month 1..12, then 13.
+// Indexed by month 1..13.
 constexpr std::array<int, 14> kDaysBeforeMonth{0, 0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334, 365};
 constexpr std::array<int, 13> kMonthLengths{0, 31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
 
@@ -27,13 +27,13 @@ bool IsWritable(SYSTEMTIME* time) {
   return !IsBadWritePtr(time, sizeof(*time));
 }
 
-// `month` may be 0: no month, without days of its own.
+// `month` may be 0, which has no days.
 int MonthLength(int year, int month) {
   if (month == 2) return IsLeapYear(year) ? 29 : 28;
   return kMonthLengths[month];
 }
 
-// In 64 bits: the fields of a record that was never normalised reach 2^16.
+// 64 bits, because the fields of an unnormalised time reach 2^16.
 long long MillisecondOfDay(const SYSTEMTIME& time) {
   return ((time.wHour * 60LL + time.wMinute) * 60 + time.wSecond) * 1000 + time.wMilliseconds;
 }
@@ -45,7 +45,7 @@ void SetTimeOfDay(SYSTEMTIME* time, long long milliseconds) {
   time->wMilliseconds = static_cast<WORD>(milliseconds % 1000);
 }
 
-// The day number before January 1st.
+// Returns the day number before January 1st.
 double YearStart(double year) {
   return Truncate(year * kDaysPerYear);
 }
@@ -116,7 +116,7 @@ int WeekNumber(double day) {
 
 BOOL NormalizeTime(SYSTEMTIME* time) {
   if (!IsWritable(time)) return FALSE;
-  // In wider fields than the record's: its largest values carry beyond 16 bits.
+  // In wider variables than the fields, whose largest values carry beyond 16 bits.
   const int seconds = time->wSecond + time->wMilliseconds / 1000;
   const int minutes = time->wMinute + seconds / 60;
   const int hours = time->wHour + minutes / 60;

@@ -26,8 +26,7 @@ DWORD PixelAt(const Paint& paint, LONG y) {
   return PixelOfColor(Between(paint.top, paint.bottom, (y + 0.5 - paint.from) / (paint.to - paint.from)));
 }
 
-// How many chords an arc needs so that none leaves it by more than a two-hundredth of a pixel, within what a shape can
-// hold.
+// Returns the number of chords for an arc with an error of at most 1/200 pixel, limited by the capacity of a shape.
 int ChordsOf(double radius, double degrees) {
   constexpr double kSagitta = 0.005;
   constexpr int kMaxChords = CoverageShape::kMaxEdges / 2 - 2;
@@ -36,7 +35,8 @@ int ChordsOf(double radius, double degrees) {
   return static_cast<int>(std::clamp(chords, 3.0, static_cast<double>(kMaxChords)));
 }
 
-// Corners along an arc, both ends included, on a circle so much larger that the chords cut off nothing on the whole.
+// Corners along an arc, both ends included, on a slightly larger circle, so that the polygon has the area of the
+// sector.
 void PutArc(PointD* corners, PointD centre, double radius, double from, double to, int chords) {
   const double step = (to - from) * kRadiansPerDegree / chords, sine = std::sin(step), cosine = std::cos(step);
   const double larger = radius * std::sqrt(step / sine);
@@ -195,7 +195,7 @@ void FillLine(Canvas& canvas, PointD from, PointD to, double width, const Paint&
 
 // ---- Whole pixels ---------------------------------------------------------------------------------------------------
 
-// Red and blue share a word.
+// Red and blue are computed in one word.
 void BlendPixels(DWORD* pixels, int count, DWORD color, DWORD coverage) {
   const DWORD rest = 255 - coverage;
   const DWORD redBlue = (color & 0xFF00FF) * coverage + 0x800080, green = (color >> 8 & 0xFF) * coverage + 0x80;

@@ -44,7 +44,7 @@ void RepaintWithoutChildren(HWND window, HRGN part) {
 
 namespace {
 
-// In the order of the tests: the last text that a name contains decides.
+// The last entry whose text a name contains decides.
 constexpr struct {
   const char* text;
   ControlKind kind;
@@ -82,8 +82,8 @@ ControlKind ClassifyControl(HWND window) {
 
 namespace {
 
-// A list made beforehand: a sibling may reorder, move or destroy any of the windows while it handles what it is sent,
-// and two that raise themselves would keep a walk along the live z-order going for ever.
+// Collected first: a sibling may reorder, move or destroy windows while it handles the message, and two siblings that
+// raise themselves would make a walk along the live z-order endless.
 std::vector<HWND> ChildrenInZOrder(HWND parent) {
   std::vector<HWND> children;
   for (HWND child = GetWindow(parent, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
@@ -130,7 +130,8 @@ LRESULT ForwardMouseMessage(HWND window, UINT message, WPARAM wParam, LPARAM lPa
     const ControlKind kind = ClassifyControl(sibling);
     if (!AcceptsInput(kind)) continue;
 
-    // The siblings get the point's address, not packed coordinates: that tells passed-through input from the mouse's.
+    // Siblings receive the address of a point instead of packed coordinates, which distinguishes forwarded input from
+    // the mouse's.
     POINT point = cursor;
     ScreenToClient(sibling, &point);
     const auto pointAddress = reinterpret_cast<LPARAM>(&point);

@@ -1,6 +1,5 @@
-// What all window classes of this library's controls have in common: how they are registered, the codes of their
-// command message, how they repaint and talk to their parent; the kinds of controls, and how mouse input reaches the
-// control beneath another. Main thread only.
+// What the library's window classes share: registration, the flags of the command message, repainting and notifications
+// to the parent; the kinds of controls; and forwarding mouse input to the control beneath. Main thread only.
 #pragma once
 
 #ifdef _WIN64
@@ -11,8 +10,8 @@
 
 namespace kv {
 
-// The one command message of the chart, the instruments and the views. The low byte of wParam is the operation; lParam
-// is always an address, and each control tests it before use. Numeric value 1027.
+// The command message of the chart, the instruments and the views. The low byte of wParam is the operation; lParam is
+// always an address, which the control tests before use. Numeric value 1027.
 inline constexpr UINT kControlCommand = WM_USER + 3;
 
 // Flag bits of the command's wParam.
@@ -20,21 +19,20 @@ inline constexpr WPARAM kCommandRead = 0x8000;    // copy the item out to the ad
 inline constexpr WPARAM kCommandRemove = 0x4000;  // remove or switch off
 inline constexpr WPARAM kCommandRedraw = 0x0100;  // repaint at once if something changed
 
-// Registers (non-zero flag) or unregisters `name`: redrawn on size changes, double clicks, known to the whole process,
-// no extra bytes, arrow cursor, and no background of its own. Returns 0 only when registering fails.
+// Registers (`registerIt` not 0) or unregisters the class `name`: redrawn on size changes, receives double clicks,
+// global to the process, no extra bytes, arrow cursor, null background brush. Returns 0 only when registering fails.
 BOOL RegisterControlClass(HINSTANCE instance, const char* name, WNDPROC procedure, BOOL registerIt);
 
 // Posts WM_COMMAND to the parent: the control's id in the low word, `code` in the high word, the control in lParam.
 void PostNotification(HWND control, WORD code);
 
-// Invalidates the whole window, erasing, and paints it before returning.
+// Invalidates the whole window with erasing, and repaints it at once.
 void RepaintNow(HWND window);
 
-// The same for a window that has no children, or a part of it. Not asking for children saves a call into the system
-// each time.
+// The same for a window without children, or for a part of it. Excluding children saves a system call.
 void RepaintWithoutChildren(HWND window, HRGN part = nullptr);
 
-// Told apart by what their window class name contains.
+// Kinds of controls, distinguished by their class names.
 
 enum ControlKind {
   kControlOther = 0,
@@ -48,26 +46,26 @@ enum ControlKind {
   kControlSimpleBitmap = 8,
 };
 
-// Styles of the bitmap control (controls/simple_bitmap.h). Scaled with its dialog, its height follows the width's
-// scale, or its width the height's, so that the picture keeps its proportions.
+// Styles of the bitmap control (controls/simple_bitmap.h). When the dialog scales, the control's height follows the
+// width's scale, or its width the height's, so the bitmap keeps its proportions.
 inline constexpr DWORD kBitmapSquareByWidth = 0x0010;
 inline constexpr DWORD kBitmapSquareByHeight = 0x0020;
 
-// Only this many characters of a class name are looked at, the terminator included.
+// The number of characters of a class name that are compared, terminator included.
 inline constexpr int kClassNameCharacters = 64;
 
-// The kind that a class name stands for, whatever its case. Containing the kind's text is enough ("MyEditBox" is an
-// edit, and so are the rich edits); with several texts in one name the last of STATIC, BUTTON, EDIT, COMBOBOX, LISTBOX,
-// SYSTABCONTROL32, KVSIMPLEBITMAP, SYSTREEVIEW32 decides. kControlOther for an unreadable name.
+// Returns the kind for a class name, ignoring case. A name need only contain the text of a kind ("MyEditBox" is an
+// edit, and rich edits are). If it contains several, the last of STATIC, BUTTON, EDIT, COMBOBOX, LISTBOX,
+// SYSTABCONTROL32, KVSIMPLEBITMAP, SYSTREEVIEW32 decides. Returns kControlOther for an unreadable name.
 ControlKind ClassifyClassName(const char* className);
 
-// The kind of a window; kControlOther when it does not exist.
+// Returns the kind of a window; kControlOther when it does not exist.
 ControlKind ClassifyControl(HWND window);
 
-// In a DPI-aware host: places are the pixels that the host sees; nothing depends on the DPI.
+// In a DPI-aware host, coordinates are in the host's pixels; nothing depends on the DPI.
 
-// Hands a mouse message of `window`, or a WM_COMMAND, on to the visible siblings under the mouse cursor that take input
-// (buttons, edits, combo boxes, list boxes, tree views), looked for in z-order.
+// Forwards a mouse message of `window`, or a WM_COMMAND, to the visible siblings under the mouse cursor that accept
+// input (buttons, edits, combo boxes, list boxes, tree views), in z-order.
 //
 //   WM_LBUTTONDOWN                  the first of them: a button is clicked (BM_CLICK), any other gets the message
 //   WM_MOUSEMOVE, the other         the first of them gets the keyboard focus and the message
@@ -76,8 +74,8 @@ ControlKind ClassifyControl(HWND window);
 //   WM_COMMAND)
 //
 // In the first two cases lParam is the address of a POINT with the cursor in the sibling's client coordinates, valid
-// during the call, and the result is the sibling's. Otherwise the result is 1. Each sibling is visited at most once;
-// one that destroys itself ends the walk. `window` itself may be gone afterwards.
+// during the call, and the result is the sibling's. Otherwise the result is 1. Each sibling receives at most one
+// message; if one destroys itself, forwarding ends. `window` may have been destroyed when the function returns.
 LRESULT ForwardMouseMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 }  // namespace kv

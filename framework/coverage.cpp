@@ -16,8 +16,8 @@ namespace {
 constexpr double kMaxCoordinate = 1 << 24;
 constexpr int kWordBits = 32;
 
-// A half rounds up. The tiny extra keeps it so when the sum is a hair too small: the same pixel then gets the same
-// level whatever area of its shape was asked for.
+// Rounds half up. The small constant compensates rounding errors of the sum, so that a pixel gets the same level
+// whatever area of its shape is requested.
 std::uint8_t LevelOf(double covered) {
   return static_cast<std::uint8_t>(std::min(std::fabs(covered), 1.0) * 255 + 0.5001);
 }
@@ -32,7 +32,7 @@ bool CoverageShape::Begin(const PixelArea& area) {
   if (area.right <= area.left || area.bottom <= area.top) return true;
   const int width = area.right - area.left;
   if (width > rowCapacity_) {
-    // Both start as zeros, and every row leaves them so.
+    // Zeroed here, and left zeroed after each row.
     cells_.reset(new (std::nothrow) double[width]());
     touched_.reset(new (std::nothrow) std::uint32_t[width / kWordBits + 1]());
     rowCapacity_ = cells_ && touched_ ? width : 0;
@@ -56,7 +56,7 @@ bool CoverageShape::AddContour(std::span<const PointD> corners) {
     const bool down = to.y > from.y;
     const PointD &upper = down ? from : to, &lower = down ? to : from;
     const bool counts = upper.y < lower.y && lower.y > area_.top && upper.y < area_.bottom &&
-                        std::min(from.x, to.x) < area_.right;  // further right nothing is to the right of the edge
+                        std::min(from.x, to.x) < area_.right;  // an edge further right covers nothing of the area
     if (!counts) continue;
     edges_[count_++] = {upper.x, (lower.x - upper.x) / (lower.y - upper.y), upper.y, lower.y, down ? -1.0 : 1.0};
   }
@@ -86,7 +86,7 @@ bool CoverageShape::Next(CoverageSpan* span) {
   }
 }
 
-// Goes on to the next row that an edge reaches.
+// Advances to the next row that an edge reaches.
 bool CoverageShape::StartRow() {
   ++row_;
   if (first_ == last_) {
@@ -110,7 +110,7 @@ bool CoverageShape::StartRow() {
       AddToRow(origin + edge.slope * (from - edge.top), origin + edge.slope * (to - edge.top),
                edge.direction * (to - from));
     }
-    // An edge that ends here makes way for the first one.
+    // Replaces an edge that ends here with the first one.
     if (edge.bottom <= bottom) edges_[i] = edges_[first_++];
   }
   covered_ = 0;
@@ -118,8 +118,8 @@ bool CoverageShape::StartRow() {
   return true;
 }
 
-// Adds the part of an edge within the row, between two places counted from the area's left. It covers what lies to its
-// right by `cover`, of each pixel that it passes through a part.
+// Adds the part of an edge within the row, between two x relative to the area. It covers every pixel to its right by
+// `cover`, and the pixels that it crosses in part.
 void CoverageShape::AddToRow(double from, double to, double cover) {
   if (from > to) std::swap(from, to);
   if (from >= width_) return;
@@ -134,7 +134,7 @@ void CoverageShape::AddToRow(double from, double to, double cover) {
     from = 0;
   }
   const auto add = [this](int cell, double begin, double end, double here) {
-    const double free = (begin + end) / 2 - cell;  // of this pixel, to the left of the edge
+    const double free = (begin + end) / 2 - cell;  // the part of this pixel to the left of the edge
     AddToCell(cell, here * (1 - free));
     AddToCell(cell + 1, here * free);
   };
@@ -157,7 +157,7 @@ void CoverageShape::AddToCell(int cell, double cover) {
   touched_[cell / kWordBits] |= 1u << cell % kWordBits;
 }
 
-// The next touched cell behind this one, or the end of the row.
+// Returns the next touched cell after this one, or the end of the row.
 int CoverageShape::NextTouched(int cell) const {
   int word = ++cell / kWordBits;
   std::uint32_t bits = cell < width_ ? touched_[word] >> cell % kWordBits << cell % kWordBits : 0;

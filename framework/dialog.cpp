@@ -67,8 +67,8 @@ BOOL RegisterDialogClass(HINSTANCE instance, BOOL registerIt) {
       .hIconSm = LoadIconA(instance, MAKEINTRESOURCEA(kSmallIconId)),
   };
   if (!RegisterClassExA(&windowClass)) return FALSE;
-  // The class's from here on: never used to erase, since the procedure answers WM_ERASEBKGND, and never deleted here,
-  // not even when the class is unregistered.
+  // The class uses the brush even after it is unregistered, so it is never deleted. Nothing is erased with it, because
+  // the procedure handles WM_ERASEBKGND.
   brush.Release();
   return TRUE;
 }
@@ -89,7 +89,7 @@ BOOL SetTrackbarTicks(HWND trackbar, int minimum, int maximum, int intervals) {
   SendMessageA(trackbar, TBM_SETRANGEMAX, TRUE, maximum);
   SendMessageA(trackbar, TBM_CLEARTICS, FALSE, 0);
   const double span = std::abs(static_cast<double>(maximum) - minimum);
-  // With no intervals 0 / 0 is no number, which ToInt makes the tick at 0.
+  // With 0 intervals, 0 / 0 is NaN, which ToInt converts to 0.
   for (long long i = 0; i <= intervals; ++i) {
     SendMessageA(trackbar, TBM_SETTIC, 0, ToInt(static_cast<double>(i) * span / intervals + 0.5));
   }

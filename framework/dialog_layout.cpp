@@ -11,7 +11,7 @@ namespace kv {
 
 namespace {
 
-// A combo box's window includes its list, which needs this room.
+// Height of a combo box's window, which includes the list.
 constexpr int kComboBoxHeight = 512;
 
 // Calls visit(control, slot number from 1) for each child of the range in child-window order, until it returns false.
@@ -35,16 +35,16 @@ LayoutSlot SlotOfControl(HWND dialog, HWND control) {
   return slot;
 }
 
-// The present extent in proportion to the captured one, both without margins; 1 when the captured one is nothing. Kept
-// as a fraction: multiplied before it is divided, a product that is a whole number comes out as one, and a control as
-// wide as the dialog stays as wide as the dialog.
+// The ratio of the present extent to the captured one, both without margins; 1 when the captured one is 0. Stored as a
+// fraction and multiplied before it is divided, so that a whole result is exact and a control as wide as the dialog
+// stays so.
 struct Proportion {
   double present, captured;
 
   double Of(double length) const { return captured == 0 ? length : length * present / captured; }
 };
 
-// What one pass scales by.
+// The scales of one pass.
 struct Scaling {
   Proportion x, y;
   int leftMargin, topMargin;
@@ -54,12 +54,12 @@ struct FontShape {
   int height, width, weight;
 };
 
-// What a pass does to one control.
+// The changes to one control.
 struct ControlPlan {
   int x, y, width, height;
   enum { kSameFont, kNewFont, kSystemFont } fontChange;
-  FontShape font;   // of a new font
-  int fieldHeight;  // of a combo box's selection field; 0 elsewhere
+  FontShape font;   // if there is a new font
+  int fieldHeight;  // of a combo box's selection field; otherwise 0
 };
 
 ControlPlan PlanControl(ControlKind kind, LONG style, bool hasText, const LayoutSlot& slot, const Scaling& scale) {
@@ -114,7 +114,7 @@ ControlPlan PlanControl(ControlKind kind, LONG style, bool hasText, const Layout
   return plan;
 }
 
-// The fonts that a pass replaces. They are deleted after the pass: controls may share one.
+// The fonts that a pass replaces. Deleted after the pass, because controls may share one.
 class ReplacedFonts {
  public:
   ReplacedFonts() = default;
@@ -149,7 +149,7 @@ void ChangeFont(HWND control, const ControlPlan& plan, ReplacedFonts* replaced) 
   if (!font) return;
   const auto previous = reinterpret_cast<HFONT>(SendMessageA(control, WM_GETFONT, 0, 0));
   SendMessageA(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
-  // What a stock font replaces was not made here: such a control never gets one of our fonts.
+  // Controls that get a stock font never have a font created here, so their previous font is not deleted.
   if (made) replaced->Remember(previous);
 }
 
@@ -168,8 +168,8 @@ void StoreScale(float* output, double scale) {
   if (!IsBadWritePtr(output, sizeof(*output))) *output = static_cast<float>(scale);
 }
 
-// Moves one of two edges away from the other where they are closer than `minimum`. In floating point: whoever sends
-// WM_SIZING may send any rectangle.
+// Moves one of two edges if their distance is less than `minimum`. In floating point, because a sender of WM_SIZING may
+// pass any rectangle.
 BOOL EnforceMinimum(LONG* low, LONG* high, bool moveLow, double minimum) {
   if (static_cast<double>(*high) - *low >= minimum) return FALSE;
   (moveLow ? *low : *high) = ToInt(moveLow ? *high - minimum : *low + minimum);
@@ -206,7 +206,7 @@ BOOL ApplyLayout(HWND dialog, int bottomMargin, int leftMargin, int topMargin, i
   if (!IsWindow(dialog) || IsBadReadPtr(slots, sizeof(*slots))) return FALSE;
   RECT client{};
   GetClientRect(dialog, &client);
-  // In floating point: margins may be any number.
+  // In floating point, because margins may be any numbers.
   const double verticalMargins = static_cast<double>(bottomMargin) + topMargin;
   const LayoutSlot& captured = slots[0];
   const Scaling scale{
@@ -225,7 +225,7 @@ BOOL ApplyLayout(HWND dialog, int bottomMargin, int leftMargin, int topMargin, i
       return true;
     });
   }
-  // With the controls of a dialog that clips them: they were moved without a repaint.
+  // With all children: they were moved without repainting, and the dialog may clip them.
   if (redraw) RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW | RDW_ALLCHILDREN);
   return TRUE;
 }

@@ -8,8 +8,8 @@ namespace kv {
 
 namespace {
 
-// Walks a dialog template, which is a row of words, double words and texts of no fixed length. Whatever lies beyond the
-// end reads as 0, and `failed` tells.
+// Reads a dialog template: words, double words and texts of variable length. Reading beyond the end returns 0 and sets
+// `failed`.
 struct TemplateReader {
   const BYTE* data;
   size_t size;
@@ -34,14 +34,14 @@ struct TemplateReader {
   }
   void AlignToDword() { Skip((sizeof(DWORD) - at % sizeof(DWORD)) % sizeof(DWORD)); }
 
-  // A zero-terminated text in the template; empty at its end.
+  // Returns a zero-terminated text in the template; empty at its end.
   const wchar_t* Text() {
     const auto* text = reinterpret_cast<const wchar_t*>(data + at);
     while (Take<wchar_t>() != L'\0') {
     }
     return failed ? L"" : text;
   }
-  // A text, or empty for a resource number that stands in place of one.
+  // Returns a text; empty for a resource number in its place.
   const wchar_t* TextOrNumber() {
     constexpr WORD kNumberFollows = 0xFFFF;
     WORD first = 0;
@@ -54,7 +54,7 @@ struct TemplateReader {
 
 constexpr size_t kRectSize = 4 * sizeof(short);
 
-// Returns how many controls follow.
+// Returns the number of controls.
 int ReadHeader(TemplateReader* reader, DialogTemplate* read, bool* extended) {
   constexpr DWORD kExtendedMark = 0xFFFF0001;  // version 1 and the signature
   DWORD style = reader->Take<DWORD>();
@@ -72,7 +72,7 @@ int ReadHeader(TemplateReader* reader, DialogTemplate* read, bool* extended) {
   const wchar_t* caption = reader->Text();
   if (style & DS_SETFONT) {
     reader->Skip(*extended ? 3 * sizeof(WORD) : sizeof(WORD));  // size; weight, italics and character set
-    reader->Text();                                             // type face
+    reader->Text();                                             // font name
   }
   if (!reader->failed) read->caption = caption;
   return count;
@@ -80,7 +80,7 @@ int ReadHeader(TemplateReader* reader, DialogTemplate* read, bool* extended) {
 
 TemplateControl ReadControl(TemplateReader* reader, bool extended) {
   reader->AlignToDword();
-  reader->Skip((extended ? 3 : 2) * sizeof(DWORD) + kRectSize);  // help id, styles, place
+  reader->Skip((extended ? 3 : 2) * sizeof(DWORD) + kRectSize);  // help id, styles, rectangle
   TemplateControl control{};
   control.id = extended ? reader->Take<int>() : reader->Take<WORD>();
   if (control.id == 0xFFFF) control.id = -1;
@@ -95,7 +95,7 @@ TemplateControl ReadControl(TemplateReader* reader, bool extended) {
 
 BOOL ReadDialogTemplate(HINSTANCE module, const wchar_t* templateName, DialogTemplate* read) {
   if (!IS_INTRESOURCE(templateName) && !IsReadableText(templateName)) return FALSE;
-  const HRSRC resource = FindResourceW(module, templateName, MAKEINTRESOURCEW(5));  // RT_DIALOG, in its wide form
+  const HRSRC resource = FindResourceW(module, templateName, MAKEINTRESOURCEW(5));  // RT_DIALOG as a wide resource type
   const HGLOBAL loaded = resource ? LoadResource(module, resource) : nullptr;
   const void* data = loaded ? LockResource(loaded) : nullptr;
   if (!data) return FALSE;

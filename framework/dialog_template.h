@@ -1,4 +1,4 @@
-// A dialog template as its resource holds it, classic or extended, for the files of the library only. Any thread.
+// Reads dialog templates, classic or extended, from a module's resources. For the library only. Any thread.
 #pragma once
 
 #include <windows.h>
@@ -7,7 +7,7 @@
 
 namespace kv {
 
-// Texts and class names point into the resource. One that is absent, or a number in place of a text, is empty.
+// Texts and class names point into the resource. A text that is missing, or replaced by a resource number, is empty.
 struct TemplateControl {
   int id;  // -1 for none
   const wchar_t* windowClass;
@@ -19,8 +19,8 @@ struct DialogTemplate {
   std::vector<TemplateControl> controls;
 };
 
-// Reads the template of that name, or MAKEINTRESOURCEW id. Returns 0 when the module has none or it ends too early;
-// `read` then holds what came before.
+// Reads the template with this name, or MAKEINTRESOURCEW id. Returns 0 when the module has none or the template is
+// truncated; `read` then contains what precedes the end.
 BOOL ReadDialogTemplate(HINSTANCE module, const wchar_t* templateName, DialogTemplate* read);
 
 }  // namespace kv

@@ -12,14 +12,14 @@ namespace kv {
 
 namespace {
 
-// The record's form before Windows 2000, without places bar and reserved fields: every Windows takes it.
+// The struct's size before Windows 2000, without the places bar and reserved fields; every Windows accepts it.
 constexpr DWORD kOpenFileNameSize = offsetof(OPENFILENAMEW, pvReserved);
 static_assert(kOpenFileNameSize == 76);
 
 constexpr DWORD kDialogFlags = OFN_ENABLESIZING | OFN_EXPLORER | OFN_NOVALIDATE | OFN_SHOWHELP | OFN_NOCHANGEDIR;
 static_assert(kDialogFlags == 0x880118);
 
-constexpr size_t kSeparatedCharacters = 256;  // where the filter's separators become zeros
+constexpr size_t kSeparatedCharacters = 256;  // the part of the filter in which separators become zeros
 
 bool IsPath(const wchar_t* path) {
   return !IsBadReadPtr(path, kPathCharacters * sizeof(wchar_t)) && std::wmemchr(path, L'\0', kPathCharacters);

@@ -6,7 +6,7 @@
 namespace kv {
 
 namespace {
-// The longest path that Windows has: a program may have been started from deeper than a path buffer reaches.
+// Windows' limit: the program's path may be longer than a path buffer.
 constexpr DWORD kMaxPathCharacters = 32767;
 }  // namespace
 

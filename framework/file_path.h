@@ -1,4 +1,4 @@
-// Parts of a path, and the folder of the running program. Any thread; no state.
+// Parts of a path, and the program's folder. Any thread; no state.
 #pragma once
 
 #include <windows.h>
@@ -7,25 +7,25 @@
 
 namespace kv {
 
-// The size of every path buffer of the framework: 260 wide characters, the terminator included.
+// The size of all path buffers in the framework: 260 wide characters, terminator included.
 inline constexpr size_t kPathCharacters = MAX_PATH;
 
-// Whether `text` can be read up to its terminator or, without one, over kPathCharacters characters.
+// Returns whether `text` is readable up to its terminator or, without one, for kPathCharacters characters.
 BOOL IsReadableText(const wchar_t* text);
 
-// Where the name begins in a path: behind its last separator or its drive's colon. What is before it is drive and
-// directory, so name and extension are the rest.
+// Returns the start of the file name: behind the last separator or the drive's colon. Everything before it is drive and
+// directory, and the rest is name and extension.
 const wchar_t* FileNameOf(const wchar_t* path);
 
-// Where the extension begins, at the last dot of the name; the path's end when the name has no dot.
+// Returns the start of the extension, the last dot of the name; the end of the path when the name has no dot.
 const wchar_t* ExtensionOf(const wchar_t* path);
 
-// Copies drive and directory of `path` and ends them with a backslash. Returns 0, with nothing written, when they do
-// not fit into `characters`.
+// Copies drive and directory of `path`, with a trailing backslash. Returns 0, and writes nothing, when they do not fit
+// into `characters`.
 BOOL DirectoryOf(const wchar_t* path, wchar_t* directory, size_t characters);
 
-// Writes the folder of the program's own file, with a backslash at its end, to a buffer of kPathCharacters. Always 1;
-// the buffer is left alone when it is not writable over the length of that text, or when the folder does not fit.
+// Writes the folder of the program's file, with a trailing backslash, to a buffer of kPathCharacters. Always returns 1;
+// the buffer does not change when it is too small for the text or not writable.
 BOOL ProgramDirectory(wchar_t* directory);
 
 }  // namespace kv

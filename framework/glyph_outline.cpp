@@ -13,10 +13,10 @@ namespace kv {
 
 namespace {
 
-constexpr int kEmHeight = 1024;                            // large enough that rounding vanishes
-constexpr int kLinesPerQuadratic = 4, kLinesPerCubic = 8;  // fonts use more quadratic curves, and shorter ones
+constexpr int kEmHeight = 1024;                            // large enough to make rounding invisible
+constexpr int kLinesPerQuadratic = 4, kLinesPerCubic = 8;  // quadratic curves are more frequent and shorter
 
-// Turns what GetGlyphOutlineW hands out into points of an outline.
+// Converts the data of GetGlyphOutlineW to points of an outline.
 class OutlineWriter {
  public:
   OutlineWriter(GlyphOutline* outline, double capitalHeight, double middle)
@@ -30,7 +30,7 @@ class OutlineWriter {
     return true;
   }
 
-  // A curve from the last point by one or two control points.
+  // Adds a curve from the last point with one or two control points.
   bool AddCurve(const PointD& first, const PointD& second, const PointD& end, int lines) {
     const PointD start = last_;
     for (int i = 1; i <= lines; ++i) {
@@ -74,7 +74,7 @@ bool AddPolyCurve(OutlineWriter& writer, const TTPOLYCURVE& curve) {
       if (!writer.Add(place(i))) return false;
     }
   } else if (curve.wType == TT_PRIM_QSPLINE) {
-    // Between two control points the curve passes through the middle; the last point ends it.
+    // The curve passes through the middle of two control points; the last point ends it.
     for (int i = 0; i + 1 < curve.cpfx; ++i) {
       const PointD control = place(i), next = place(i + 1);
       const PointD middle{(control.x + next.x) / 2, (control.y + next.y) / 2};

@@ -1,7 +1,8 @@
-// Scope guards for what must be released: device contexts, selected and owned GDI objects, registry keys.
+// Scope guards for resources: device contexts, selected and owned GDI objects, registry keys.
 //
-// Destruction runs in reverse order of declaration, so declare the owner of an object before the guard that selects it:
-// the object is then deselected before it is deleted. Guards belong to one scope on one thread; none can be copied.
+// Objects are destroyed in reverse order of declaration, so declare the owner of a GDI object before the guard that
+// selects it: the object is then deselected before it is deleted. A guard belongs to one scope on one thread and cannot
+// be copied.
 #pragma once
 
 #include <windows.h>
@@ -10,7 +11,7 @@
 
 namespace kv {
 
-// BeginPaint to EndPaint. An erased or partial update region is validated even if nothing is drawn.
+// BeginPaint to EndPaint. Validates the update region even if nothing is drawn.
 class PaintScope {
  public:
   explicit PaintScope(HWND window) : window_(window), dc_(BeginPaint(window, &paint_)) {}
@@ -26,7 +27,7 @@ class PaintScope {
   HDC dc_;
 };
 
-// GetDC to ReleaseDC. A null window gives the screen.
+// GetDC to ReleaseDC. A null window means the screen.
 class WindowDc {
  public:
   explicit WindowDc(HWND window) : window_(window), dc_(GetDC(window)) {}
@@ -43,7 +44,7 @@ class WindowDc {
   HDC dc_;
 };
 
-// A memory device context compatible with another one.
+// A memory device context that is compatible with another one.
 class MemoryDc {
  public:
   explicit MemoryDc(HDC compatibleWith) : dc_(CreateCompatibleDC(compatibleWith)) {}
@@ -59,7 +60,7 @@ class MemoryDc {
   HDC dc_;
 };
 
-// Selects an object for a scope and puts the previous one back. Does not own the object.
+// Selects an object for a scope and restores the previous one. Does not own the object.
 class SelectedObject {
  public:
   SelectedObject(HDC dc, HGDIOBJ object) : dc_(dc), previous_(SelectObject(dc, object)) {}
@@ -74,7 +75,7 @@ class SelectedObject {
   HGDIOBJ previous_;
 };
 
-// Owns a GDI object and deletes it, unless it is released to another owner (the clipboard, a window record).
+// Owns a GDI object and deletes it unless ownership is released (to the clipboard, to a window's state).
 template <class Handle>
 class OwnedGdiObject {
  public:
@@ -104,7 +105,7 @@ using OwnedFont = OwnedGdiObject<HFONT>;
 using OwnedPen = OwnedGdiObject<HPEN>;
 using OwnedRegion = OwnedGdiObject<HRGN>;
 
-// A key below HKEY_CURRENT_USER with full access; null when it could not be opened or made.
+// A key below HKEY_CURRENT_USER with full access; null when it could not be opened or created.
 class RegistryKey {
  public:
   static RegistryKey Open(const char* path) {

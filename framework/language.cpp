@@ -16,17 +16,17 @@ namespace {
 
 constexpr int kFreedBitmaps = 32;
 constexpr wchar_t kLanguageValue[] = L"LanguageCode";
-// Handles below this number are taken for error codes.
+// Handles below this number are error codes.
 constexpr UINT_PTR kFirstModule = 32;
 
 bool IsLanguage(int language) {
   return language >= 0 && language < kLanguageCount;
 }
 
-// False, with a path cut at its end, when it does not fit.
+// Returns false, with the path truncated, when it does not fit.
 bool FormatLanguageFile(wchar_t (&path)[kPathCharacters], const wchar_t* directory, const wchar_t* stem, int language,
                         const wchar_t* extension) {
-  // The limits keep the formatter from looking for a terminator beyond what was found readable.
+  // The limits keep the formatter within the text that was tested.
   return FormatBounded(path, sizeof(path), L"%s%.260s%s%.260s", directory, stem, kLanguages[language].code,
                        extension) == kFormatDone;
 }
@@ -50,7 +50,7 @@ ConfigurationPath PathOf(const wchar_t* application) {
   return path;
 }
 
-// The stored language as it stands; kStoredLanguage when there is none or the value is no number.
+// Returns the stored language; kStoredLanguage when nothing is stored or the value is not a number.
 int ReadStoredLanguage(const ConfigurationPath& path) {
   const RegistryKey key = RegistryKey::Open(path.text);
   DWORD type = REG_NONE, size = sizeof(DWORD), stored = 0;
@@ -68,12 +68,12 @@ void StoreLanguage(const ConfigurationPath& path, DWORD language) {
   }
 }
 
-// Null when there is no library, it is damaged or it does not load.
+// Returns null when the library is missing or damaged or cannot be loaded.
 HMODULE LoadLanguageLibrary(int language, const wchar_t* stem) {
   wchar_t path[kPathCharacters];
   if (FindLanguageFile(language, stem, L".dll", path, FALSE) == kLanguageFileNone) return nullptr;
   if (!IsResourceLibrary(path)) return nullptr;
-  // Windows would report a damaged library in a message box of its own; falling back to English is all we want.
+  // Prevents the system's message box about a damaged library; English is used instead.
   const UINT mode = GetErrorMode();
   SetErrorMode(mode | SEM_FAILCRITICALERRORS);
   const HMODULE library = LoadLibraryW(path);
@@ -155,13 +155,13 @@ BOOL FreeLanguageMenuBitmaps(const HBITMAP* handles) {
 
 namespace {
 
-constexpr WORD kHtmlHelpOrdinal = 15;  // the wide form; the library exports it by number only
+constexpr WORD kHtmlHelpOrdinal = 15;  // HtmlHelpW, exported by ordinal only
 
-// Stays loaded: help windows live in it.
+// Never unloaded, because help windows use it.
 HtmlHelpCall LoadHtmlHelp() {
   wchar_t system[kPathCharacters] = L"", library[kPathCharacters];
   GetSystemDirectoryW(system, kPathCharacters);
-  // By its whole path, so that nothing that lies beside the program can take its place.
+  // By its full path, so that a file in the program's folder is not loaded instead.
   FormatBounded(library, sizeof(library), L"%s\\hhctrl.ocx", system);
   HtmlHelpCall call;
   FindProcedure(LoadLibraryW(library), MAKEINTRESOURCEA(kHtmlHelpOrdinal), &call);
@@ -182,7 +182,7 @@ BOOL OpenHelp(HWND window, int language, const wchar_t* stem, UINT command, DWOR
   if (FindLanguageFile(language, stem, L".chm", file, FALSE) != kLanguageFileNone) {
     htmlHelp(window, file, command, data);
   }
-  // No window would mean every window of the desktop.
+  // A null window would mean every window of the desktop.
   if (IsWindow(window)) RepaintNow(window);
   return TRUE;
 }

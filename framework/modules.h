@@ -1,26 +1,26 @@
-// The modules whose resources the process uses, and where libraries of the system come from.
+// The modules whose resources the process uses, and the search path for system libraries.
 #pragma once
 
 #include <windows.h>
 
 namespace kv {
 
-// Start-up sets both to the program's own; a program that changes its language replaces `resources` by the language
-// library. Main thread only; modules are owned by who loaded them.
+// Start-up sets both to the program's module; a program that changes its language sets `resources` to the language
+// library. Main thread only. The modules belong to their loaders.
 struct Modules {
-  HINSTANCE resources;    // where texts, menus and dialog templates come from
-  HINSTANCE application;  // the program itself: classes, icons
+  HINSTANCE resources;    // texts, menus and dialog templates
+  HINSTANCE application;  // the program: classes, icons
 };
 
 extern Modules modules;
 
-// From here on the process looks for libraries that it names without a path in Windows' own folder only, and so for
-// those which they need: one that somebody put beside the program, or into the working folder, is not run. (Systems
-// without that choice leave out the working folder.) To be called first of all; libraries that are loaded stay.
+// From now on, libraries named without a path, and those that they depend on, are loaded from Windows' system folder
+// only, not from the program's or the current folder. (Systems without that option exclude only the current folder.)
+// Call first; loaded libraries stay.
 void RestrictLibrarySearch();
 
-// Finds a procedure of a library by its name, or by its number as MAKEINTRESOURCEA; null when the library is null or
-// has none. Any thread.
+// Finds a procedure by name, or by ordinal as MAKEINTRESOURCEA. Sets null when the library is null or does not export
+// it. Any thread.
 template <class Function>
 void FindProcedure(HMODULE library, const char* name, Function* procedure) {
   *procedure = library ? reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name))) : nullptr;

@@ -13,11 +13,11 @@ namespace kv {
 
 namespace {
 
-// The record up to what Windows 2000's shell knows of it.
+// The size of the struct in Windows 2000.
 static_assert(offsetof(NOTIFYICONDATAA, guidItem) == 488);
 static_assert(kNotificationTipCharacters <= sizeof(NOTIFYICONDATAA::szTip));
 
-// What the record says of its size: up to the first character of the name, without the padding behind it.
+// The size stored in the struct: up to the first character of the name, without the padding.
 constexpr DWORD kDeviceFilterSize = offsetof(DEV_BROADCAST_DEVICEINTERFACE_A, dbcc_name) + 1;
 static_assert(kDeviceFilterSize == 29);
 
@@ -32,7 +32,7 @@ Data IconData(HWND owner, UINT id) {
   return data;
 }
 
-// With the flags of a whole icon, whatever of it is given.
+// With the flags for all properties, whichever are set.
 NOTIFYICONDATAA CompleteIconData(HWND owner, UINT id) {
   auto data = IconData<NOTIFYICONDATAA>(owner, id);
   data.uFlags = NIF_MESSAGE | NIF_ICON | NIF_TIP;
@@ -40,22 +40,22 @@ NOTIFYICONDATAA CompleteIconData(HWND owner, UINT id) {
   return data;
 }
 
-// False, with the tip left as it is, when `tip` is not readable.
+// Returns false, and does not change the tip, when `tip` is not readable.
 bool CopyTip(NOTIFYICONDATAA* data, const char* tip) {
   if (IsBadStringPtrA(tip, kNotificationTipCharacters - 1)) return false;
   lstrcpynA(data->szTip, tip, kNotificationTipCharacters);
   return true;
 }
 
-// ---- What is shown, for a taskbar that starts anew ------------------------------------------------------------------
+// ---- Icons to add again when the taskbar restarts -------------------------------------------------------------------
 
 struct ShownIcon {
   NOTIFYICONDATAA whole;
-  NOTIFYICONDATAW wideTip;  // with a size of 0: the narrow tip stands
+  NOTIFYICONDATAW wideTip;  // size 0: the 8-bit tip is used
 };
 
 std::vector<ShownIcon> shownIcons;
-HWND listener;  // exists while there are icons
+HWND listener;  // exists as long as there are icons
 
 ShownIcon* FindShown(HWND owner, UINT id) {
   const auto found = std::ranges::find_if(
@@ -68,7 +68,7 @@ void ShowAgain(ShownIcon& icon) {
   if (icon.wideTip.cbSize) notificationCalls.notifyIconWide(NIM_MODIFY, &icon.wideTip);
 }
 
-// What the taskbar sends to every top-level window when it has been made.
+// The message that a new taskbar broadcasts to top-level windows.
 UINT TaskbarCreated() {
   static const UINT message = RegisterWindowMessageA("TaskbarCreated");
   return message;
@@ -77,25 +77,25 @@ UINT TaskbarCreated() {
 LRESULT CALLBACK ListenerProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message != TaskbarCreated()) return DefWindowProcA(window, message, wParam, lParam);
   std::erase_if(shownIcons, [](const ShownIcon& icon) { return !IsWindow(icon.whole.hWnd); });
-  // A copy: while the shell is asked, an owner may be sent something and change its icons.
+  // A copy, because an owner may receive messages during the call and change its icons.
   std::ranges::for_each(std::vector(shownIcons), ShowAgain);
   return 0;
 }
 
-// A window of our own and not the owner's: an icon's owner may be a child window, which no broadcast reaches.
+// The listener is separate from the owner, which may be a child window that receives no broadcasts.
 void Listen() {
   if (listener) return;
   const HINSTANCE module = GetModuleHandleA(nullptr);
   const WNDCLASSA windowClass{
       .lpfnWndProc = ListenerProcedure, .hInstance = module, .lpszClassName = "kvNotificationListener"};
-  RegisterClassA(&windowClass);  // fails harmlessly from the second time on
+  RegisterClassA(&windowClass);  // fails when registered already
   listener = CreateWindowExA(0, windowClass.lpszClassName, "", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, module, nullptr);
-  // A program with more rights than the shell would not be sent the message otherwise.
+  // Without this, a program that runs with more rights than the shell would not receive the message.
   ChangeWindowMessageFilter(TaskbarCreated(), MSGFLT_ADD);
 }
 
-// Also an icon that the shell refused: without a taskbar it refuses every one. One that it refused because it has it
-// already stays as it is.
+// Stores also an icon that the shell rejected, because without a taskbar it rejects every icon. If it was rejected as a
+// duplicate, the stored icon does not change.
 void RememberAdded(const NOTIFYICONDATAA& data, bool taken) {
   ShownIcon* known = FindShown(data.hWnd, data.uID);
   if (known && !taken) return;

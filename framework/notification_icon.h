@@ -1,11 +1,10 @@
-// The taskbar's notification area, and notifications about USB devices that are plugged in or removed. Main thread
-// only.
+// Icons in the taskbar's notification area, and notifications about USB devices. Main thread only.
 //
-// When the taskbar restarts (the shell crashed, or came up after the program), every icon that was added and not
-// removed is added again as it last was; its owner need not do anything. For that a hidden window of our own stands by
-// as long as there is an icon: the thread that adds icons dispatches messages.
+// When the taskbar restarts (the shell crashed, or started after the program), every icon that was added and not
+// removed is added again with its last properties; the owner need not act. A hidden window receives the taskbar's
+// message, so the thread that adds icons must dispatch messages.
 //
-// In a DPI-aware host: the shell draws the icon as it is; give one of the size that GetSystemMetrics(SM_CXSMICON) says.
+// In a DPI-aware host, the shell does not scale the icon: pass one of the size GetSystemMetrics(SM_CXSMICON).
 #pragma once
 
 #include <windows.h>
@@ -14,34 +13,33 @@
 
 namespace kv {
 
-// What the shell sends to the owner for mouse events over the icon: the icon's identifier in wParam, the mouse message
-// in lParam. Numeric value 1025.
+// The message that the owner receives for mouse events over the icon: wParam is the icon's identifier, lParam the mouse
+// message. Numeric value 1025.
 inline constexpr UINT kNotificationCallback = WM_USER + 1;
 
-// The longest tip, terminator included; a longer one is cut.
+// The maximum length of a tip, terminator included; a longer one is truncated.
 inline constexpr int kNotificationTipCharacters = 64;
 
-// All four functions return the shell's result: 0 when there is no notification area or the icon is not known.
+// All four functions return the shell's result: 0 when there is no notification area or the icon is unknown.
 
-// Adds the icon that `owner` knows as `id`. A tip that is not readable stays empty. The owner removes the icon before
-// it is destroyed.
+// Adds icon `id` of `owner`. An unreadable tip is empty. The owner must remove the icon before it is destroyed.
 BOOL AddNotificationIcon(HWND owner, UINT id, HICON icon, const char* tip);
 
-// Changes what is given: an icon of 0 and a tip that is not readable leave what is shown.
+// Changes icon and tip. A null icon or an unreadable tip leaves the present one.
 BOOL ChangeNotificationIcon(HWND owner, UINT id, HICON icon, const char* tip);
 
-// Replaces the tip by one in any script. The operations above take their tips in the system's code page. 0 also for a
-// tip that is not readable.
+// Replaces the tip with a Unicode text (the functions above use the system's code page). Returns 0 also for an
+// unreadable tip.
 BOOL SetNotificationTip(HWND owner, UINT id, const wchar_t* tip);
 
-// Removes the icon and has the whole desktop repainted, so that no image of it is left behind.
+// Removes the icon and repaints the whole desktop, so that no image of it is left behind.
 BOOL RemoveNotificationIcon(HWND owner, UINT id);
 
-// Non-zero `registerThem`: has WM_DEVICECHANGE sent to the window `target` whenever a USB device comes or goes, and
-// returns the notification's handle, or 0 if that failed. Zero: ends the notification `target`, and returns 0.
+// With `registerThem` not 0, registers the window `target` for WM_DEVICECHANGE messages about USB devices and returns
+// the notification's handle, 0 on failure. With 0, unregisters the notification `target` and returns 0.
 HDEVNOTIFY RegisterDeviceNotifications(HANDLE target, BOOL registerThem);
 
-// The system calls behind all this. A test puts its own functions here; production code never does.
+// The system calls used. Only tests replace them.
 struct NotificationCalls {
   decltype(&::Shell_NotifyIconA) notifyIcon;
   decltype(&::RegisterDeviceNotificationA) registerDevices;

@@ -10,17 +10,17 @@ namespace kv {
 
 namespace {
 
-// Beyond this the integer part does not fit the 32-bit arithmetic below.
+// The limit of the 32-bit arithmetic below for the integer part.
 constexpr double kWholeLimit = 1e9;
 
-// Run-times differ in how they print a number that lies half way between two texts: some round to even, some away from
-// zero, and some first cut the number to 17 significant digits, so that a number just beside the middle counts as the
-// middle. Within this distance of the middle (in 2^-64 of the last decimal's unit; here 1/4096 of that unit) the
-// run-time itself prints the number. It also covers what the arithmetic below cuts off, which is less than 2^34.
+// Runtimes differ in how they print a number half-way between two texts: some round to even, some away from zero, and
+// some first round to 17 significant digits, so that a number just beside the middle counts as the middle. Within this
+// distance of the middle (in units of 2^-64 of the last decimal; here 1/4096 of that decimal) the runtime itself prints
+// the number. The distance also covers the error of the arithmetic below, which is less than 2^34.
 constexpr std::uint64_t kUndecided = std::uint64_t{1} << 52;
 constexpr std::uint64_t kMiddle = std::uint64_t{1} << 63;
 
-// The distance above holds for a 17-digit rounding as long as value and decimals together stay below 10^13 units.
+// The distance above is sufficient for 17-digit rounding as long as value and decimals together stay below 10^13 units.
 constexpr double kLimits[kMaxFixedDecimals + 1] = {
     kWholeLimit, kWholeLimit, kWholeLimit, kWholeLimit, kWholeLimit, 1e8, 1e7, 1e6, 1e5, 1e4, 1e3,
 };
@@ -35,7 +35,7 @@ char* FormatFixedByRuntime(char* to, double value, int decimals) {
   return to + length;
 }
 
-// Multiplies a fraction in units of 2^-64 by `factor`: the whole part is returned, the rest stays in `fraction`.
+// Multiplies a fraction in units of 2^-64 by `factor`; returns the integer part and stores the rest in `fraction`.
 std::uint32_t ExtractDigits(std::uint64_t& fraction, std::uint32_t factor) {
   const std::uint64_t low = (fraction & 0xFFFFFFFF) * factor;
   const std::uint64_t high = (fraction >> 32) * factor + (low >> 32);
@@ -63,7 +63,7 @@ char* FormatFixed(char* to, double value, int decimals) {
   const double magnitude = std::fabs(value);
   if (!(magnitude < kLimits[decimals])) return FormatFixedByRuntime(to, value, decimals);
 
-  // Both subtractions and both scalings are exact; only what lies below 2^-64 is cut off.
+  // Both subtractions and both multiplications are exact; only what is below 2^-64 is lost.
   auto whole = static_cast<std::uint32_t>(magnitude);
   const double scaled = (magnitude - whole) * 4294967296.0;
   const auto upper = static_cast<std::uint32_t>(scaled);

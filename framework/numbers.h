@@ -1,5 +1,5 @@
-// Numbers: from floating to whole ones without undefined results, degrees and radians, and text in fixed-point
-// notation. Any thread; no state.
+// Conversion of floating-point numbers to integers, of degrees and radians, and to fixed-point text. Any thread; no
+// state.
 #pragma once
 
 #include <climits>
@@ -8,7 +8,7 @@
 
 namespace kv {
 
-// The value without its fraction, towards zero; the nearest int when it lies beyond, 0 for NaN.
+// Returns the value truncated towards zero, clamped to the range of int; 0 for NaN.
 constexpr int ToInt(double value) {
   if (value >= INT_MAX) return INT_MAX;
   if (value <= INT_MIN) return INT_MIN;
@@ -27,16 +27,16 @@ constexpr double Degrees(double radians) {
   return radians / kRadiansPerDegree;
 }
 
-// Numbers in fixed-point notation, character for character what the C run-time's "%.10f" and its like print in the "C"
-// locale, but several times faster.
+// Fixed-point text, identical to the output of the C runtime's "%.10f" etc. in the "C" locale, but several times
+// faster.
 
 inline constexpr int kMaxFixedDecimals = 10;
-// Room that any number takes at most: sign, 309 digits, point and decimals.
+// The maximum number of characters: sign, 309 digits, point and decimals.
 inline constexpr size_t kFixedNumberCapacity = 328;
 
 // Writes `value` with `decimals` (1..kMaxFixedDecimals) digits after the point, without a terminator, and returns the
-// end of the text. `to` has room for kFixedNumberCapacity characters. Values that are not finite come out as the
-// run-time prints them.
+// end of the text. `to` must hold kFixedNumberCapacity characters. Infinity and NaN are written as the runtime prints
+// them.
 char* FormatFixed(char* to, double value, int decimals);
 
 }  // namespace kv

@@ -14,7 +14,7 @@ namespace kv {
 namespace {
 
 int BlendChannel(int start, int end, int steps, int step) {
-  // In 64 bits: a caller's step count may be anything.
+  // 64 bits, because the number of steps may be any.
   const long long blended = start + static_cast<long long>(end - start) * step / steps;
   return static_cast<int>(std::llabs(blended) & 0xFF);
 }

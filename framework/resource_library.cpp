@@ -15,7 +15,7 @@ constexpr DWORD kMaxFileBytes = 64 << 20, kMaxImageBytes = 256 << 20;
 
 using Bytes = std::span<const BYTE>;
 
-// False, with nothing read, when the record is not whole within the bytes.
+// Returns false, and reads nothing, when the struct is not completely within the bytes.
 template <class Record>
 bool Read(Bytes bytes, size_t at, Record* record) {
   if (at > bytes.size() || bytes.size() - at < sizeof(Record)) return false;
@@ -35,7 +35,7 @@ struct Library {
   const IMAGE_OPTIONAL_HEADER32& image() const { return headers.OptionalHeader; }
   const IMAGE_DATA_DIRECTORY& directory(int index) const { return image().DataDirectory[index]; }
 
-  // The bytes of the file that stand at an address of the image; empty unless all of them come from one section.
+  // Returns the file's bytes for an address of the image; empty unless all of them are in one section.
   Bytes At(DWORD address, DWORD size) const {
     for (const IMAGE_SECTION_HEADER& section : sections) {
       const DWORD filled = std::min(section.SizeOfRawData, section.Misc.VirtualSize);
@@ -62,7 +62,7 @@ bool AreHeadersUsable(const IMAGE_NT_HEADERS32& headers, size_t fileSize) {
          image.SizeOfHeaders <= std::min<size_t>(image.SizeOfImage, fileSize);
 }
 
-// In order, none over another, each within the image and its contents within the file.
+// Sections must be in order, not overlap, lie within the image, and their contents within the file.
 bool ReadSections(Library* library, size_t at) {
   const IMAGE_OPTIONAL_HEADER32& image = library->image();
   const size_t count = library->headers.FileHeader.NumberOfSections;
@@ -86,14 +86,14 @@ bool ReadSections(Library* library, size_t at) {
 
 bool AreDirectoriesWithin(const Library& library) {
   for (int i = 0; i < IMAGE_NUMBEROF_DIRECTORY_ENTRIES; ++i) {
-    if (i == IMAGE_DIRECTORY_ENTRY_SECURITY) continue;  // a place in the file, which the loader does not read
+    if (i == IMAGE_DIRECTORY_ENTRY_SECURITY) continue;  // a file offset, which the loader ignores
     const IMAGE_DATA_DIRECTORY& directory = library.directory(i);
     if (!IsWithin(directory.VirtualAddress, directory.Size, library.image().SizeOfImage)) return false;
   }
   return true;
 }
 
-// Linkers leave an empty list in a library that imports nothing.
+// Linkers may write an empty import list.
 bool HasImports(const Library& library) {
   const IMAGE_DATA_DIRECTORY& imports = library.directory(IMAGE_DIRECTORY_ENTRY_IMPORT);
   if (!imports.VirtualAddress && !imports.Size) return false;
@@ -101,7 +101,7 @@ bool HasImports(const Library& library) {
   return first.empty() || std::ranges::any_of(first, [](BYTE byte) { return byte != 0; });
 }
 
-// A library without code gives the loader nothing to do.
+// The loader runs nothing in a library without code.
 bool HasNoCode(const Library& library) {
   for (const int i : {IMAGE_DIRECTORY_ENTRY_BASERELOC, IMAGE_DIRECTORY_ENTRY_TLS, IMAGE_DIRECTORY_ENTRY_LOAD_CONFIG,
                       IMAGE_DIRECTORY_ENTRY_BOUND_IMPORT, IMAGE_DIRECTORY_ENTRY_IAT, IMAGE_DIRECTORY_ENTRY_DELAY_IMPORT,
@@ -111,7 +111,7 @@ bool HasNoCode(const Library& library) {
   return !HasImports(library);
 }
 
-// Code that imports nothing is none: an entry point that damage has made.
+// An entry point without imports is the result of damage.
 bool IsCodeValidOrAbsent(const Library& library) {
   const DWORD entry = library.image().AddressOfEntryPoint;
   if (!entry) return HasNoCode(library);
@@ -123,7 +123,7 @@ bool IsCodeValidOrAbsent(const Library& library) {
 
 // ---- Resources ------------------------------------------------------------------------------------------------------
 
-// A block of texts: sixteen, each with its length before it.
+// A block of texts has sixteen, each preceded by its length.
 bool AreTextsWithin(Bytes block) {
   size_t at = 0;
   for (int i = 0; i < 16; ++i) {
@@ -137,7 +137,7 @@ bool AreTextsWithin(Bytes block) {
 struct ResourceTree {
   const Library& library;
   Bytes bytes;
-  size_t entriesLeft;  // more than that cannot stand in it side by side: it would run in circles
+  size_t entriesLeft;  // more cannot be in the file without a cycle
 
   bool IsNameWithin(DWORD at) const {
     WORD length = 0;
@@ -151,7 +151,7 @@ struct ResourceTree {
     return data.size() == entry.Size && (!areTexts || AreTextsWithin(data));
   }
 
-  // Types, names and languages are the levels 0 to 2. Entries with a name come first, then those with a number.
+  // Levels 0 to 2 are types, names and languages. Entries with a name precede those with a number.
   bool IsValid(DWORD at, int level, bool areTexts) {
     constexpr int kLastLevel = 2, kTexts = 6;
     IMAGE_RESOURCE_DIRECTORY directory{};
@@ -183,7 +183,7 @@ bool AreResourcesValid(const Library& library) {
   return !bytes.empty() && tree.IsValid(0, 0, false);
 }
 
-// Empty when it cannot be read or is too large.
+// Returns no bytes when the file cannot be read or is too large.
 std::vector<BYTE> ReadWhole(const wchar_t* path) {
   std::vector<BYTE> bytes;
   const HANDLE file = CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);

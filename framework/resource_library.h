@@ -1,14 +1,14 @@
-// Whether a file can be loaded for its resources without harm: Windows' loader, and whoever reads resources, follow
-// what the file says and do not survive every file. For the files of this folder only.
+// Tests whether a file can be loaded safely for its resources: the Windows loader and the resource functions trust the
+// file's contents and may crash on a damaged one. For this folder only.
 #pragma once
 
 #include <windows.h>
 
 namespace kv {
 
-// True for a 32-bit library whose headers, sections and directories lie within it, whose resource directory is a tree
-// of types, names and languages with all entries and texts within it, and that is either without code or begins in a
-// section of code. What the code of a library with code does is not looked at.
+// Returns true for a 32-bit library whose headers, sections and directories lie within the file, whose resource
+// directory is a tree of types, names and languages with all entries and texts within the file, and that either has no
+// code or an entry point in a code section. The code itself is not examined.
 bool IsResourceLibrary(const wchar_t* path);
 
 }  // namespace kv

@@ -1,5 +1,5 @@
-// The shell calls that start other programs (browser, globe viewer, spreadsheet). They go through this table so that a
-// test can stand in for the shell; production code never changes it. Main thread only.
+// The shell calls that start other programs (browser, globe viewer, spreadsheet). Only tests replace them. Main thread
+// only.
 #pragma once
 
 #include <windows.h>

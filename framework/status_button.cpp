@@ -10,13 +10,13 @@ namespace kv {
 
 namespace {
 
-// A picture that is kept from one button to the next, and grows to the largest of them. Making one anew for each of
-// some hundred paintings a second would cost more than all of the drawing. One for each thread, freed with it.
+// A buffer that all buttons of a thread share and that grows to the largest. Creating one for each of the hundred or so
+// paints a second would cost more than the drawing.
 struct ButtonBuffer {
   MemoryDc dc{nullptr};
   Surface surface;
 
-  // False when memory is short.
+  // Returns false when allocation fails.
   bool Reserve(SIZE size) {
     const SIZE had = surface.size();
     if (size.cx <= had.cx && size.cy <= had.cy) return true;
@@ -37,7 +37,7 @@ struct ButtonColors {
   COLORREF top, bottom, rim;
 };
 
-// The top is lighter than the scheme's colour by so little that white still stands out from it.
+// The top is lighter than the scheme's colour, but dark enough for white text.
 ButtonColors ButtonColorsOf(int scheme, UINT flags, bool pressed) {
   const bool lit = (flags & kButtonLit) != 0;
   const COLORREF color = ShadeColor(SchemeColor(scheme), lit ? 1.0 : 0.8);
@@ -50,7 +50,7 @@ ButtonColors ButtonColorsOf(int scheme, UINT flags, bool pressed) {
   return colors;
 }
 
-// A button with the focus has a dark edge instead of a raised one, from which the white frame within stands out.
+// A focused button has a dark edge instead of a raised one, so that the white focus frame is visible.
 void DrawButtonFace(const Surface& buffer, SIZE size, const ButtonColors& colors, bool pressed, bool focused) {
   const DWORD light =
       focused ? PixelOfColor(colors.rim) : PixelOfColor(GetSysColor(pressed ? COLOR_BTNSHADOW : COLOR_BTNHIGHLIGHT));
@@ -66,8 +66,8 @@ void DrawButtonFace(const Surface& buffer, SIZE size, const ButtonColors& colors
   }
 }
 
-// Writes the button's text in white into the middle of `area` and returns the columns that it takes. What DrawText
-// would do, which asks for the font's metrics several times over.
+// Draws the button's text in white in the middle of `area` and returns its columns. Faster than DrawText, which reads
+// the font's metrics several times.
 RECT WriteText(HDC dc, const RECT& area, HWND button) {
   wchar_t text[256] = L"";
   const int length = GetWindowTextW(button, text, ARRAYSIZE(text));
@@ -80,12 +80,12 @@ RECT WriteText(HDC dc, const RECT& area, HWND button) {
   const LONG left = area.left + (area.right - area.left - size.cx) / 2;
   const LONG top = area.top + (area.bottom - area.top - size.cy) / 2;
   ExtTextOutW(dc, left, top, ETO_CLIPPED, &area, text, static_cast<UINT>(length), nullptr);
-  // A slanted letter may lean out by some pixels.
+  // Slanted characters may extend beyond the text's box.
   const LONG lean = size.cy / 2;
   return {std::max(left - lean, area.left), area.top, std::min(left + size.cx + lean, area.right), area.bottom};
 }
 
-// What is to be seen on the face, in white on black: text, focus frame, marks. Returns where there is anything.
+// Draws text, focus frame and pause mark in white on black. Returns the area that may contain white.
 RECT DrawShapes(HDC dc, const RECT& area, HWND button, bool paused, bool focused) {
   FillRect(dc, &area, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
   const auto white = static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH));
@@ -104,7 +104,7 @@ RECT DrawShapes(HDC dc, const RECT& area, HWND button, bool paused, bool focused
   return paused || focused ? area : text;
 }
 
-// How much the shapes cover a pixel: 0 to 255.
+// Returns the coverage of a pixel by the shapes, 0 to 255.
 int Coverage(DWORD pixel) {
   return static_cast<int>(pixel >> 8 & 0xFF);
 }
@@ -119,9 +119,9 @@ DWORD Mixed(DWORD from, DWORD to, int share) {
   return mixed;
 }
 
-// Puts the shapes on the face in white, with a rim of one dark pixel on all sides: so they are read on any brightness.
-// The shapes lie below the face in the same picture, `size.cy` rows down, between the columns `left` and `right`; the
-// face's edge is left free.
+// Composites the shapes onto the button's face in white with a dark rim of one pixel, which makes them readable on any
+// background. The shapes are in the same bitmap, `size.cy` rows below the face, between the columns `left` and `right`.
+// The edge of the face is not changed.
 void CompositeShapes(const Surface& buffer, SIZE size, LONG left, LONG right, COLORREF rimColor) {
   const DWORD rimPixel = PixelOfColor(rimColor);
   constexpr DWORD kWhite = 0xFFFFFF;

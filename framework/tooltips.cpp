@@ -9,7 +9,7 @@ namespace kv {
 
 namespace {
 
-// Without its last field: the common controls of a program without a manifest know no longer record.
+// Without the last field, which common controls before version 6 do not know.
 constexpr UINT kToolInfoSize = offsetof(TTTOOLINFOW, lpReserved);
 static_assert(kToolInfoSize == 44);
 

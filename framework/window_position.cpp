@@ -14,7 +14,7 @@ namespace {
 
 constexpr int kTextCharacters = 256;
 
-// Reads at most `size` bytes of a value. FALSE, with the memory in any state, when it is missing or longer.
+// Reads at most `size` bytes of a value. Returns FALSE, with undefined contents, when it is missing or longer.
 BOOL ReadValue(const char* name, void* data, DWORD size) {
   const RegistryKey key = RegistryKey::Open(kWindowPositionsKey);
   return key && RegQueryValueExA(key, name, nullptr, nullptr, static_cast<BYTE*>(data), &size) == ERROR_SUCCESS;
@@ -32,7 +32,7 @@ void WritePosition(const char* name, const RECT& position) {
 }
 
 RECT StoredPosition(HWND window, const char* name) {
-  // One byte more than is ever read: a value stored without its terminator has one here.
+  // One byte more than is read, for a value stored without a terminator.
   char text[kTextCharacters] = "";
   if (ReadValue(name, text, sizeof(text) - 1)) return ParsePosition(text);
   RECT desktop{}, present{};
@@ -41,13 +41,13 @@ RECT StoredPosition(HWND window, const char* name) {
   return CentredPosition({desktop.right, desktop.bottom}, {present.right - present.left, present.bottom - present.top});
 }
 
-// The distance between two edges; the nearest that fits for edges that no screen has.
+// Returns the distance between two edges, clamped.
 int Extent(LONG from, LONG to) {
   return static_cast<int>(std::clamp<long long>(static_cast<long long>(to) - from, INT_MIN, INT_MAX));
 }
 
 BOOL SavePosition(HWND window, const char* name) {
-  // Neither is where the window will want to be the next time.
+  // A minimised or maximised rectangle is not worth restoring.
   if (IsIconic(window) || IsZoomed(window)) return FALSE;
   RECT position{};
   GetWindowRect(window, &position);
@@ -107,7 +107,7 @@ void KeepInSight(HWND window, SIZE minimumSize) {
   if (!MonitorFromRect(&caption, MONITOR_DEFAULTTONULL)) {
     SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
     const RECT centred = CentredPosition({work.right - work.left, work.bottom - work.top}, size);
-    // The caption stays within reach of the mouse even when the window is larger than the screen.
+    // Keeps the caption reachable even when the window is larger than the screen.
     place.left = work.left + std::max(centred.left, 0L);
     place.top = work.top + std::max(centred.top, 0L);
   }
@@ -120,7 +120,7 @@ BOOL WindowNumber(const char* name, DWORD* number, int mode) {
     case kPositionSave: WriteValue(name, REG_DWORD, number, sizeof(*number)); return TRUE;
     case kPositionRestore:
     case kPositionRestoreOnly: {
-      // Read beside the number: a value that is too long may leave anything behind.
+      // Read into a copy, because a value that is too long leaves undefined contents.
       DWORD stored = *number;
       if (ReadValue(name, &stored, sizeof(stored))) *number = stored;
       return TRUE;

@@ -1,8 +1,7 @@
-// Remembers in the registry where the user left a window, and single numbers beside it. Main thread only; nothing is
-// cached, so every call reads or writes "Software\korvel\WindowPositions" below HKEY_CURRENT_USER.
+// Stores window positions, and single numbers, in the registry below HKEY_CURRENT_USER,
+// "Software\korvel\WindowPositions". Main thread only; nothing is cached: every call reads or writes the registry.
 //
-// In a DPI-aware host: a rectangle is stored and restored in the pixels that the host sees, also when the screen has
-// another DPI by then.
+// In a DPI-aware host, rectangles are stored and restored in the host's pixels, also when the DPI has changed since.
 #pragma once
 
 #include <windows.h>
@@ -11,36 +10,36 @@ namespace kv {
 
 inline constexpr char kWindowPositionsKey[] = "Software\\korvel\\WindowPositions";
 
-inline constexpr int kPositionSave = 0;         // store the outer rectangle; not while minimised or maximised
-inline constexpr int kPositionRestore = 1;      // position and size, and show the window
-inline constexpr int kPositionRestoreOnly = 2;  // position only
+inline constexpr int kPositionSave = 0;         // stores the outer rectangle; not while minimised or maximised
+inline constexpr int kPositionRestore = 1;      // restores position and size, and shows the window
+inline constexpr int kPositionRestoreOnly = 2;  // restores the position only
 
 // Saves or restores the outer rectangle of `window` under the value `name`, as the text "left,top,right,bottom" in
-// screen pixels. Without a stored text a restore centres the window on the desktop at its present size. A mode above 2
-// reads the stored text, clamps it as a restore does and stores it again; the window does not move.
+// screen pixels. When nothing is stored, restoring centres the window on the desktop at its present size. A mode above
+// 2 reads the stored text, clamps it as a restore does and stores it again, without moving the window.
 //
-// Returns 0 for a window that does not exist, a name that cannot be read, a negative mode, and a save of a minimised or
-// maximised window. A registry that cannot be written is not a failure.
+// Returns 0 for a window that does not exist, an unreadable name, a negative mode, and when a minimised or maximised
+// window is to be saved. Failure to write the registry is ignored.
 BOOL WindowPosition(HWND window, const char* name, int mode);
 
-// Writes (kPositionSave) or reads (kPositionRestore, kPositionRestoreOnly) one 32-bit number. A number that is not
-// stored, or is stored with more than 4 bytes, stays what the caller preset. Returns 0 for an unreadable name, an
-// unwritable number and any other mode.
+// Writes (kPositionSave) or reads (kPositionRestore, kPositionRestoreOnly) a 32-bit number. `number` does not change
+// when nothing is stored or the value has more than 4 bytes. Returns 0 for an unreadable name, an unwritable number and
+// any other mode.
 BOOL WindowNumber(const char* name, DWORD* number, int mode);
 
-// To be called for a window whose place was restored, whatever that was: gives it at least the size `minimumSize`, and
-// centres it on the primary monitor when no monitor shows enough of its caption to drag it by.
+// Call after restoring a window's position: makes the window at least `minimumSize` large, and centres it on the
+// primary monitor when no monitor shows enough of its caption to drag it.
 void KeepInSight(HWND window, SIZE minimumSize);
 
-// The rectangle in a stored text: up to four comma-separated whole numbers. A field whose comma is missing, and all
-// after it, repeat the first field; what is no number is 0; a number beyond 32 bits is the nearest that fits.
+// Parses a stored text: up to four integers separated by commas. A field that is missing, and all after it, repeat the
+// first field; text that is not a number is 0; a number beyond 32 bits is clamped.
 RECT ParsePosition(const char* text);
 
-// A rectangle that begins beyond the left or top edge of the screen begins at that edge instead; its right and bottom
-// edges stay, so it becomes smaller by the part that was outside.
+// Moves the left and top edges of a rectangle to the screen's edges if they are outside. The right and bottom edges
+// stay, so the rectangle becomes smaller.
 RECT ClampPosition(RECT position);
 
-// A window of this size in the middle of the desktop.
+// Returns the rectangle of a window of this size in the middle of the desktop.
 RECT CentredPosition(SIZE desktop, SIZE window);
 
 }  // namespace kv

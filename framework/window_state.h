@@ -1,4 +1,4 @@
-// Records in memory blocks of their own, the state record of a window, and small helpers for plain records.
+// The state of a control's window in a locked memory block, and helpers for items that messages pass by address.
 #pragma once
 
 #include <windows.h>
@@ -9,10 +9,10 @@
 
 namespace kv {
 
-// A record in a memory block of its own: zero-filled movable global memory, locked as long as the record lives. The
-// record's first field, `hMemory`, is the block's handle. It belongs to whoever made it. Any thread.
+// A struct in its own block of zero-filled movable global memory, which stays locked. The struct's first field,
+// `hMemory`, is the block's handle. The creator owns the block. Any thread.
 
-// Null when allocation fails.
+// Returns null when allocation fails.
 template <class State>
 State* CreateLocked() {
   static_assert(std::is_trivially_copyable_v<State> && offsetof(State, hMemory) == 0);
@@ -27,7 +27,7 @@ State* CreateLocked() {
   return state;
 }
 
-// What the record owns must be gone before.
+// Release what the struct owns first.
 template <class State>
 void FreeLocked(State* state) {
   const HGLOBAL memory = state->hMemory;
@@ -35,11 +35,11 @@ void FreeLocked(State* state) {
   GlobalFree(memory);
 }
 
-// The state record of a control's window: a locked record whose address stands in the window's user data.
+// The state of a control's window: a locked struct whose address is in the window's user data.
 //
-// The record belongs to its window, from WM_CREATE to WM_DESTROY, and is touched only on the window's thread.
+// The state exists from WM_CREATE to WM_DESTROY and is used only on the window's thread.
 
-// Makes the record of `window` and stores its address. Null when allocation fails.
+// Creates the state of `window` and stores its address. Returns null when allocation fails.
 template <class State>
 State* CreateWindowState(HWND window) {
   auto* state = CreateLocked<State>();
@@ -47,14 +47,14 @@ State* CreateWindowState(HWND window) {
   return state;
 }
 
-// The record of `window`, or null when there is none or the address is not writable over the whole record.
+// Returns the state of `window`; null when there is none or the address is not writable for the size of the state.
 template <class State>
 State* WindowState(HWND window) {
   auto* state = reinterpret_cast<State*>(GetWindowLongA(window, GWL_USERDATA));
   return IsBadWritePtr(state, sizeof(State)) ? nullptr : state;
 }
 
-// Clears the window's slot, then unlocks and frees the record. What the record owns must be gone before.
+// Clears the window's user data and frees the state. Release what the state owns first.
 template <class State>
 void DestroyWindowState(HWND window, State* state) {
   SetWindowLongA(window, GWL_USERDATA, 0);
@@ -63,8 +63,8 @@ void DestroyWindowState(HWND window, State* state) {
 
 // Any thread; no state.
 
-// Copies an item to an address that a message has brought, or from it, so that the sender's memory is probed and
-// touched once. False, with nothing copied, when it cannot be.
+// Copies an item to or from the address in a message's lParam, testing the memory first. Returns false, and copies
+// nothing, when it is not accessible.
 template <class Item>
 bool CopyItemOut(const Item& item, LPARAM address) {
   static_assert(std::is_trivially_copyable_v<Item>);
@@ -82,10 +82,10 @@ bool CopyItemIn(LPARAM address, Item* item) {
   return true;
 }
 
-// Fills the 24 bytes at `record` with zeros and returns it; null when they cannot be written.
+// Fills the 24 bytes at `state` with zeros and returns the address; null when they are not writable.
 void* ZeroRecord24(void* state);
 
-// Initialises a lock that the caller owns and deletes. Always 0; a record that cannot be written is left alone.
+// Initialises a lock, which the caller owns and deletes. Always returns 0; does nothing if the memory is not writable.
 int InitLock(CRITICAL_SECTION* lock);
 
 }  // namespace kv

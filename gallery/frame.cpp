@@ -36,7 +36,7 @@ HWND ListOf(HWND frame) {
   return GetDlgItem(frame, IDC_PAGE_LIST);
 }
 
-// ---- Layout and painting -------------------------------------------------------------------------------------------
+// ---- Layout and painting --------------------------------------------------------------------------------------------
 
 INT_PTR OnSize(HWND frame, WPARAM kind) {
   if (kind == SIZE_MINIMIZED) return TRUE;
@@ -70,7 +70,7 @@ INT_PTR OnDrawItem(HWND frame, const DRAWITEMSTRUCT* item) {
   return TRUE;
 }
 
-// ---- Life ----------------------------------------------------------------------------------------------------------
+// ---- Life -----------------------------------------------------------------------------------------------------------
 
 int FirstPage(const StartOptions& options) {
   DWORD last = 0;

@@ -70,7 +70,7 @@ void FixScrollBar(HWND control) {
                SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-// ---- Which controls are mirrored -----------------------------------------------------------------------------------
+// ---- Which controls are mirrored ------------------------------------------------------------------------------------
 
 bool KeepsDirection(HWND control) {
   const bool isOwnerDrawn =

@@ -40,7 +40,7 @@ std::array<DWORD, 4> HandleCounts(HANDLE process) {
 
 }  // namespace
 
-// ---- The watch -----------------------------------------------------------------------------------------------------
+// ---- The watch ------------------------------------------------------------------------------------------------------
 
 ProcessWatch::ProcessWatch(HANDLE process, HWND window)
     : process_(process), window_(window), thread_([this] { Watch(); }) {}
@@ -88,7 +88,7 @@ void ProcessWatch::Print() const {
   }
 }
 
-// ---- The program ---------------------------------------------------------------------------------------------------
+// ---- The program ----------------------------------------------------------------------------------------------------
 
 HWND WaitForWindow(const kvtest::RunningProgram& program) {
   HWND window = nullptr;
@@ -127,7 +127,7 @@ void PrintCounts(const Soak& soak) {
   for (const auto& [name, count] : soak.counts) std::printf("  %-30s%ld\n", name.c_str(), count);
 }
 
-// ---- Input ---------------------------------------------------------------------------------------------------------
+// ---- Input ----------------------------------------------------------------------------------------------------------
 
 void PressKey(int key, bool shift, bool control) {
   const auto send = [](int code, DWORD flags) { keybd_event(static_cast<BYTE>(code), 0, flags, 0); };

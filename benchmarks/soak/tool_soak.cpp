@@ -44,7 +44,7 @@ constexpr double kGapSeconds = 0.008;
 constexpr double kSecondInstanceEvery = 25;
 constexpr double kUnplugEvery = 17;
 
-// ---- The camera ----------------------------------------------------------------------------------------------------
+// ---- The camera -----------------------------------------------------------------------------------------------------
 
 camtool::FaultPlan AllFaults(std::uint32_t seed) {
   using camtool::Trigger;
@@ -133,7 +133,7 @@ class HostileCamera {
   std::thread thread_;
 };
 
-// ---- The observer --------------------------------------------------------------------------------------------------
+// ---- The observer ---------------------------------------------------------------------------------------------------
 
 // Reads the tool's AppContext, like a debugger, several hundred times a second.
 class Observer {
@@ -204,7 +204,7 @@ class Observer {
   std::thread thread_;
 };
 
-// ---- Actions -------------------------------------------------------------------------------------------------------
+// ---- Actions --------------------------------------------------------------------------------------------------------
 
 void PressConnect(Soak* soak) {
   Note(soak, "connect button");
@@ -275,7 +275,7 @@ void DoSomething(Soak* soak, Observer* observer) {
   }
 }
 
-// ---- The table -----------------------------------------------------------------------------------------------------
+// ---- The table ------------------------------------------------------------------------------------------------------
 
 // Classifies every record as received, lost or expected to be lost.
 void PrintRecords(const std::vector<SentRecord>& sent, const Observer& observer) {

@@ -71,7 +71,7 @@ INT_PTR OnDrawItem(const DRAWITEMSTRUCT* item) {
   return TRUE;
 }
 
-// ---- Recording -----------------------------------------------------------------------------------------------------
+// ---- Recording ------------------------------------------------------------------------------------------------------
 
 bool IsCapturing() {
   CAPSTATUS status{};
@@ -165,7 +165,7 @@ void StopRecording(HWND page) {
   EndRecording(page, IDS_CAPTURE_RECORDED);
 }
 
-// ---- The link ------------------------------------------------------------------------------------------------------
+// ---- The link -------------------------------------------------------------------------------------------------------
 
 void Disconnect(HWND page) {
   KillTimer(page, kFrameTimer);

@@ -30,7 +30,7 @@ void Show(HWND page, int controlId, UINT textId, Arguments... arguments) {
   SetDlgItemTextW(page, controlId, TextWith(textId, arguments...).c_str());
 }
 
-// ---- One control of each kind --------------------------------------------------------------------------------------
+// ---- One control of each kind ---------------------------------------------------------------------------------------
 
 void FillSamples(HWND page) {
   const HWND combo = GetDlgItem(page, IDC_SERVICES_COMBO), list = GetDlgItem(page, IDC_SERVICES_LIST);
@@ -65,7 +65,7 @@ void ShowScale(HWND page) {
        kv::NumberText(scale.y, 2).c_str());
 }
 
-// ---- Trackbar and scroll bar ---------------------------------------------------------------------------------------
+// ---- Trackbar and scroll bar ----------------------------------------------------------------------------------------
 
 void SetIntervals(HWND page, int intervals) {
   // The largest position of a scroll bar lies a page before its end.
@@ -102,7 +102,7 @@ void OnScroll(HWND page, HWND control, int code) {
   SetIntervals(page, std::clamp(intervals, kMinIntervals, kMaxIntervals));
 }
 
-// ---- Window memory -------------------------------------------------------------------------------------------------
+// ---- Window memory --------------------------------------------------------------------------------------------------
 
 void ShowVisits(HWND page) {
   DWORD visits = 0;
@@ -128,7 +128,7 @@ void RememberPosition(HWND page) {
   Show(page, IDC_SERVICES_PLACE, IDS_SERVICES_PLACE, place.left, place.top, place.right, place.bottom);
 }
 
-// ---- Calendar ------------------------------------------------------------------------------------------------------
+// ---- Calendar -------------------------------------------------------------------------------------------------------
 
 void ShowTime(HWND page, int controlId, const SYSTEMTIME& time) {
   Show(page, controlId, IDS_SERVICES_TIME, kv::DateText(time).c_str(), kv::TimeText(time, false).c_str());
@@ -188,7 +188,7 @@ void PrepareCalendar(HWND page) {
   }
 }
 
-// ---- Messages ------------------------------------------------------------------------------------------------------
+// ---- Messages -------------------------------------------------------------------------------------------------------
 
 void OnInit(HWND page) {
   PrepareCalendar(page);

@@ -42,7 +42,7 @@ kv::FlightTrack track;
 int flightNumber = 0;
 std::wstring shownFile;  // that was written last; empty when there is none
 
-// ---- The sample flight ---------------------------------------------------------------------------------------------
+// ---- The sample flight ----------------------------------------------------------------------------------------------
 
 // Two minutes of the gallery's flight, each time from a later moment on.
 void Fly() {
@@ -63,7 +63,7 @@ void Fly() {
   track.dReferenceLongitude = -3.0886;
 }
 
-// ---- The plan ------------------------------------------------------------------------------------------------------
+// ---- The plan -------------------------------------------------------------------------------------------------------
 
 // A line through points that at(i) returns (x to the right, y upwards, in any unit), scaled to the area and centred.
 template <class At>
@@ -156,7 +156,7 @@ void DrawPlan(HDC dc, RECT area, int textPx) {
   kv::ShowBitmap(dc, area, surface.bitmap(), size);
 }
 
-// ---- What was written ----------------------------------------------------------------------------------------------
+// ---- What was written -----------------------------------------------------------------------------------------------
 
 HWND ViewOf(HWND page) {
   return GetDlgItem(page, IDC_FLIGHT_VIEW);
@@ -188,7 +188,7 @@ void ShowKmlFile(HWND page) {
   if (state) ShowFile(page, state->szKmlPath);
 }
 
-// ---- Commands ------------------------------------------------------------------------------------------------------
+// ---- Commands -------------------------------------------------------------------------------------------------------
 
 bool ExportsAlways(HWND page) {
   return IsDlgButtonChecked(page, IDC_FLIGHT_ALWAYS) == BST_CHECKED;
@@ -245,7 +245,7 @@ INT_PTR OnCommand(HWND page, UINT command) {
   }
 }
 
-// ---- Life ----------------------------------------------------------------------------------------------------------
+// ---- Life -----------------------------------------------------------------------------------------------------------
 
 INT_PTR OnDrawItem(HWND page, const DRAWITEMSTRUCT* item) {
   DrawPlan(item->hDC, item->rcItem, kv::TextHeightOf(page));

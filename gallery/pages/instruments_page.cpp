@@ -22,7 +22,7 @@ constexpr UINT kSampleMs = 250;
 constexpr COLORREF kGreen = RGB(0, 200, 80), kAmber = RGB(255, 190, 0), kRed = RGB(240, 48, 32),
                    kCyan = RGB(64, 200, 255);
 
-// ---- The instruments -----------------------------------------------------------------------------------------------
+// ---- The instruments ------------------------------------------------------------------------------------------------
 
 // In the order of their texts.
 enum Name {
@@ -118,7 +118,7 @@ INT_PTR ShowSample(HWND page) {
   return TRUE;
 }
 
-// ---- Messages ------------------------------------------------------------------------------------------------------
+// ---- Messages -------------------------------------------------------------------------------------------------------
 
 INT_PTR OnTextsChanged(HWND page) {
   int id = IDC_INSTRUMENTS;

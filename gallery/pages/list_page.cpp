@@ -57,7 +57,7 @@ int Scaled(HWND page, int length) {
   return kv::ToInt(length * static_cast<double>(kv::ScaleOf(page).y));
 }
 
-// ---- Rows, made from their number ----------------------------------------------------------------------------------
+// ---- Rows, made from their number -----------------------------------------------------------------------------------
 
 std::array<int, kPointNumbers> PointsOfRow(UINT row) {
   std::array<int, kPointNumbers> numbers{};
@@ -107,7 +107,7 @@ void ShowCost(HWND page) {
   SetDlgItemTextW(page, IDC_LIST_COST, text.c_str());
 }
 
-// ---- Driving the list ----------------------------------------------------------------------------------------------
+// ---- Driving the list -----------------------------------------------------------------------------------------------
 
 HWND ListOf(HWND page) {
   return GetDlgItem(page, IDC_LIST_LIST);
@@ -163,7 +163,7 @@ void OnCommand(HWND page, int controlId, UINT code) {
   }
 }
 
-// ---- Life ----------------------------------------------------------------------------------------------------------
+// ---- Life -----------------------------------------------------------------------------------------------------------
 
 // Fills a combo box anew, with what was chosen in it.
 template <class Numbers, class Value>

@@ -43,7 +43,7 @@ struct MeshView {
   MeshViewStatistics statistics{0, 0, 0, kFirstTurn, kFirstTilt, 1};
 };
 
-// ---- Drawing -------------------------------------------------------------------------------------------------------
+// ---- Drawing --------------------------------------------------------------------------------------------------------
 
 // Where the vertex stands after turning, before perspective.
 Vector RotatedPosition(const kv::MeshVertex& vertex, double scale) {
@@ -120,7 +120,7 @@ void Render(MeshView* view) {
   statistics.frameMs = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
-// ---- Messages ------------------------------------------------------------------------------------------------------
+// ---- Messages -------------------------------------------------------------------------------------------------------
 
 LRESULT OnDestroy(HWND window, MeshView* view) {
   SetWindowLongA(window, GWL_USERDATA, 0);

@@ -14,7 +14,7 @@ namespace fuzz {
 
 namespace {
 
-// ---- Notes ---------------------------------------------------------------------------------------------------------
+// ---- Notes ----------------------------------------------------------------------------------------------------------
 
 std::vector<std::string> Notes() {
   return {"plain\r\ntext",
@@ -36,7 +36,7 @@ const char* FeedNotes(std::string_view input, bool* accepted) {
   return back == input ? nullptr : "what was read is written back the same";
 }
 
-// ---- Dialog texts of a language ------------------------------------------------------------------------------------
+// ---- Dialog texts of a language -------------------------------------------------------------------------------------
 
 // The resource entry of this program's template. Its offset is changed to that of the input.
 IMAGE_RESOURCE_DATA_ENTRY* TemplateEntry(int id) {

@@ -26,7 +26,7 @@ namespace {
 constexpr LONG kKept = 123456;
 constexpr char kRecord[] = "0100,0200,0300,0400,1023,1023,0512,0384\r\n";
 
-// ---- The record reader ---------------------------------------------------------------------------------------------
+// ---- The record reader ----------------------------------------------------------------------------------------------
 
 std::vector<std::string> Records() {
   return {kRecord, "   1,  20, 300,4000,-123,+045,1023,1023xx", "0000,0000,0000,0000,0000,0000,0000,0000\r\n"};
@@ -71,7 +71,7 @@ std::vector<std::string> Streams() {
   return {record + record + record, record + "noise" + record, record.substr(20) + record + record.substr(0, 39)};
 }
 
-// ---- Recordings and paths ------------------------------------------------------------------------------------------
+// ---- Recordings and paths -------------------------------------------------------------------------------------------
 
 std::vector<std::string> Recordings() {
   std::string file = camera::EncodeHeader({1, 38400, 3});
@@ -134,7 +134,7 @@ const char* FeedPath(std::string_view input, bool* accepted) {
   return nullptr;
 }
 
-// ---- Position texts ------------------------------------------------------------------------------------------------
+// ---- Position texts -------------------------------------------------------------------------------------------------
 
 std::vector<std::string> Positions() {
   return {"100,200,800,600", "-30,-20,770,580", "10,20", "120", "2147483647,-2147483648,0,0"};

@@ -154,7 +154,7 @@ TEST_F(GalleryFrame, TextsFitTheirControlsInEveryLanguage) {
   ChooseLanguage(0);
 }
 
-// ---- The keyboard --------------------------------------------------------------------------------------------------
+// ---- The keyboard ---------------------------------------------------------------------------------------------------
 
 std::vector<HWND> TabStops(HWND page) {
   std::vector<HWND> controls;
@@ -260,7 +260,7 @@ TEST_F(GalleryFrame, TheListHandlesItsKeysAndShowsItsSelectedRowAtEverySize) {
   }
 }
 
-// ---- Texts, directions, colours, fonts -----------------------------------------------------------------------------
+// ---- Texts, directions, colours, fonts ------------------------------------------------------------------------------
 
 TEST_F(GalleryFrame, NumbersAndDatesFollowTheLanguage) {
   const SYSTEMTIME day{.wYear = 2026, .wMonth = 11, .wDay = 12}, noDay{.wYear = 2026, .wMonth = 2, .wDay = 31};
@@ -327,7 +327,7 @@ TEST_F(GalleryFrame, OwnerDrawnControlsHaveAccessibleNamesInEveryScript) {
   ChooseLanguage(0);
 }
 
-// ---- Pages ---------------------------------------------------------------------------------------------------------
+// ---- Pages ----------------------------------------------------------------------------------------------------------
 
 std::wstring shellArguments;
 

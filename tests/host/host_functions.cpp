@@ -80,7 +80,7 @@ extern "C" const char* __lsan_default_suppressions() {
   return "leak:argz_add_sep";
 }
 
-// ---- Pointers and memory -------------------------------------------------------------------------------------------
+// ---- Pointers and memory --------------------------------------------------------------------------------------------
 
 BOOL WINAPI IsBadReadPtr(LPCVOID start, UINT_PTR size) {
   return IsBad(start, size, false);
@@ -144,7 +144,7 @@ UINT WINAPI GlobalFlags(HGLOBAL block) {
   return found == blocks.end() ? GMEM_INVALID_HANDLE : found->second.locks;
 }
 
-// ---- Rectangles ----------------------------------------------------------------------------------------------------
+// ---- Rectangles -----------------------------------------------------------------------------------------------------
 
 BOOL WINAPI IsRectEmpty(const RECT* area) {
   return area->left >= area->right || area->top >= area->bottom;
@@ -169,7 +169,7 @@ BOOL WINAPI GdiFlush() {
   return TRUE;
 }
 
-// ---- Text and numbers ----------------------------------------------------------------------------------------------
+// ---- Text and numbers -----------------------------------------------------------------------------------------------
 
 LPSTR WINAPI lstrcpynA(LPSTR target, LPCSTR source, INT size) {
   std::snprintf(target, static_cast<size_t>(size), "%s", source);
@@ -242,7 +242,7 @@ int _vsnwprintf_l(wchar_t* buffer, size_t count, const wchar_t* format, _locale_
   return PutBounded(buffer, count, text, length);
 }
 
-// ---- Time, and what the fuzzer uses --------------------------------------------------------------------------------
+// ---- Time, and what the fuzzer uses ---------------------------------------------------------------------------------
 
 void WINAPI GetLocalTime(SYSTEMTIME* now) {
   timespec time{};
