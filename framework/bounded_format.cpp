@@ -28,12 +28,12 @@ bool IsBadFormat(const wchar_t* format) {
 }
 
 // The C runtime's own functions, not the standard ones: only their wide "%s" expects wide text with every toolchain.
-int Print(char* buffer, size_t room, const char* format, _locale_t locale, va_list arguments) {
-  return _vsnprintf_l(buffer, room, format, locale, arguments);
+int Print(char* buffer, size_t capacity, const char* format, _locale_t locale, va_list arguments) {
+  return _vsnprintf_l(buffer, capacity, format, locale, arguments);
 }
 
-int Print(wchar_t* buffer, size_t room, const wchar_t* format, _locale_t locale, va_list arguments) {
-  return _vsnwprintf_l(buffer, room, format, locale, arguments);
+int Print(wchar_t* buffer, size_t capacity, const wchar_t* format, _locale_t locale, va_list arguments) {
+  return _vsnwprintf_l(buffer, capacity, format, locale, arguments);
 }
 
 template <class Character>
@@ -42,12 +42,12 @@ HRESULT Format(Character* buffer, size_t size, const Character* format, _locale_
       IsBadFormat(format)) {
     return kFormatInvalid;
   }
-  const size_t room = size - 1;
-  const int length = Print(buffer, room, format, locale, arguments);
-  // They return -1 when the text is longer than `room` or cannot be formatted, and do not terminate a text of exactly
-  // `room` characters.
-  const bool fits = length >= 0 && static_cast<size_t>(length) <= room;
-  if (!fits || static_cast<size_t>(length) == room) buffer[room] = 0;
+  const size_t capacity = size - 1;
+  const int length = Print(buffer, capacity, format, locale, arguments);
+  // They return -1 when the text is longer than `capacity` or cannot be formatted, and do not terminate a text of
+  // exactly `capacity` characters.
+  const bool fits = length >= 0 && static_cast<size_t>(length) <= capacity;
+  if (!fits || static_cast<size_t>(length) == capacity) buffer[capacity] = 0;
   return fits ? kFormatDone : kFormatTruncated;
 }
 
