@@ -5,7 +5,7 @@
 namespace kv {
 
 namespace {
-// The key is named apart from the program; another name would lose the setting of everybody who has one.
+// The key's name differs from the program's; renaming it would lose stored settings.
 constexpr char kSettingsKey[] = "Software\\korvel\\Brisklight";
 constexpr wchar_t kDataFolderValue[] = L"DataFolder";
 // Quirk: smaller than the field; a longer text is rejected, not truncated.
@@ -23,7 +23,7 @@ BOOL DataFolderSetting(AppContext* context, BOOL save) {
   }
   const RegistryKey key = RegistryKey::Open(kSettingsKey);
   if (!key) return TRUE;
-  // Through a buffer of its own: a value that is too long must not leave half a path in the field.
+  // Read into a copy, because a value that is too long leaves a partial path.
   wchar_t stored[kLoadLimitBytes / sizeof(wchar_t) + 1] = L"";
   DWORD sizeBytes = kLoadLimitBytes;
   if (RegQueryValueExW(key, kDataFolderValue, nullptr, nullptr, reinterpret_cast<BYTE*>(stored), &sizeBytes) ==

@@ -1,9 +1,9 @@
-// The tool's one record: all run-time state that start-up, the main dialog and the camera reader thread share, and the
-// one setting that is kept between runs.
+// The tool's shared state: everything that start-up, the main dialog and the camera reader thread share, and the stored
+// data folder.
 //
-// Start-up allocates it zeroed, keeps it locked for the whole run and frees it; everybody else tests with IsBadWritePtr
-// that all of it is writable before use. There is no lock: fields that two threads touch are plain 32-bit words, and
-// each says below who writes it. A pair of coordinates may be read half-updated; it is shown right one record later.
+// Start-up allocates the state zeroed, locks it for the whole run and frees it; all others test with IsBadWritePtr that
+// it is writable before use. There is no lock: fields used by both threads are 32-bit words, and their comments say
+// which thread writes them. A pair of coordinates may be read half updated; the next record corrects it.
 #pragma once
 
 #include <windows.h>
@@ -16,11 +16,11 @@ namespace kv {
 // Controls that the main dialog scales with its window.
 inline constexpr int kScaledIdFirst = 1010;
 inline constexpr int kScaledIdLast = 1999;
-// Room for the dialog's own slot and every control in that range that the template has, with spares.
+// Capacity for the dialog's own slot and every control of that range in the template, with spares.
 inline constexpr int kLayoutSlots = 64;
 inline constexpr int kStatusButtonCount = 1 + kPointCount;
 
-// The main dialog's children, as handles: looking one up by its id costs a call into the system each time.
+// Handles of the main dialog's children: looking one up by id is a system call each time.
 struct MainControls {
   HWND toolbar, chart, pages, statusBar;
   HWND statusButtons[kStatusButtonCount];  // the port, then the points
@@ -35,29 +35,29 @@ struct AppContext {
   DWORD bPaused;        // the display is paused
   DWORD bConnected;     // 1 after a successful connect, 0 after any disconnect
   DWORD dwButtonFlags;  // bits 24..28: status button 1..5 blinks; bit 31: the blink phase
-  HANDLE hQuitEvent;    // manual reset; signalled once, at shutdown; the reader thread's only reason to end
+  HANDLE hQuitEvent;    // manual reset; signalled at shutdown, and ends the reader thread
   float fScaleX, fScaleY;
   LayoutSlot layout[kLayoutSlots];  // design rectangles; slot 0 is the dialog's client rectangle
   LONG nPort;                       // COM port in use, -1 for none
   HANDLE volatile hPort;            // INVALID_HANDLE_VALUE when closed; main thread writes, reader thread reads
-  HANDLE hConnectEvent;             // manual reset; signalled at every disconnect; nobody waits on it
+  HANDLE hConnectEvent;             // manual reset; signalled at every disconnect; no thread waits for it
   HANDLE hReaderThread;
   DWORD dwReaderThreadId;
-  DWORD volatile bChanged;          // reader thread sets, main thread clears after it took the points
-  wchar_t szDataFolder[MAX_PATH];   // kept between runs and otherwise unused
-  CameraPoint points[kPointCount];  // latest points; only the reader thread writes; zero until the first record
-  MainControls controls;            // found once, when the dialog is made
-  HBITMAP hToolbarStrip;            // the toolbar's own images, on the button face
+  DWORD volatile bChanged;  // set by the reader thread, cleared by the main thread after it has copied the points
+  wchar_t szDataFolder[MAX_PATH];   // stored between runs; otherwise unused
+  CameraPoint points[kPointCount];  // latest points; written by the reader thread only; zero until the first record
+  MainControls controls;            // set when the dialog is created
+  HBITMAP hToolbarStrip;            // the toolbar's own images, on the colour of buttons
 };
 
-// True if all of `context` may be read and written.
+// Returns true if all of `context` is readable and writable.
 inline bool IsContextUsable(AppContext* context) {
   return !IsBadWritePtr(context, sizeof(AppContext));
 }
 
-// Loads (save = 0) or saves the data folder. Loading leaves the field alone when nothing is stored or when the stored
-// text does not fit 128 characters with its terminator. Returns 0 only for an unusable record; registry failures are
-// silent.
+// Loads (`save` 0) or saves the data folder. Loading does not change the field when nothing is stored or the stored
+// text does not fit 128 characters with its terminator. Returns 0 only for an unusable context; registry failures are
+// ignored.
 BOOL DataFolderSetting(AppContext* context, BOOL save);
 
 }  // namespace kv

@@ -42,7 +42,7 @@ bool SetLine(HANDLE hPort) {
   return SetCommState(hPort, &line) != FALSE;
 }
 
-// What a driver says to these is not tested: adapters differ, and the camera talks all the same.
+// Results are not tested: drivers differ, and the camera sends in any case.
 void PrepareTransfer(HANDLE hPort) {
   SetupComm(hPort, kQueueBytes, kQueueBytes);
   SetCommMask(hPort, EV_RXCHAR | EV_RXFLAG);
@@ -59,7 +59,7 @@ struct WaitList {
   DWORD count;
 };
 
-// Waits for a transfer that may still be pending and returns the bytes that it moved.
+// Waits for a transfer that may be pending and returns the number of bytes transferred.
 DWORD FinishTransfer(BOOL started, HANDLE hPort, const WaitList& waits, DWORD timeoutMs, OVERLAPPED* overlapped,
                      DWORD movedAtOnce) {
   if (started) return movedAtOnce;
@@ -76,8 +76,8 @@ DWORD SendCommand(HANDLE hPort, const char* command, const WaitList& waits, OVER
 }
 
 DWORD ReceiveReply(HANDLE hPort, char* reply, const WaitList& waits, OVERLAPPED* overlapped) {
-  // A read that outlives its wait may still write, even after the caller has closed the port: as many buffers as a scan
-  // has ports, so that none is given to another read soon.
+  // A read that is still pending after its wait may write later, even after the port is closed. There is a buffer for
+  // each port of a scan, so that none is soon used by another read.
   static char buffers[kScannedPorts][kBufferBytes];
   static int next = 0;
   char(&buffer)[kBufferBytes] = buffers[next];
@@ -99,10 +99,11 @@ void Disconnect(AppContext* context) {
 }
 
 bool CameraSendsOn(int portNumber, HANDLE hQuitEvent) {
-  // One for each port, for good, like the buffers: a read that outlives its wait ends in here.
+  // One for each port, never freed, like the buffers: a pending read completes into it.
   static OVERLAPPED transfers[kScannedPorts];
   OVERLAPPED& transfer = transfers[portNumber - kFirstScannedPort];
-  if (!HasOverlappedIoCompleted(&transfer)) return false;  // of an earlier scan; closing did not end it
+  if (!HasOverlappedIoCompleted(&transfer))
+    return false;  // still pending from an earlier scan, although the port was closed
   HANDLE port = OpenCameraPort(portNumber);
   if (port == INVALID_HANDLE_VALUE) return false;
   SetPortBaudRate(port, kCameraBaudRate);
@@ -114,7 +115,7 @@ bool CameraSendsOn(int portNumber, HANDLE hQuitEvent) {
   return received > kSilentPortBytes;
 }
 
-// The number of the camera's port, or -1.
+// Returns the number of the camera's port, or -1.
 int FindCameraPort(HANDLE hQuitEvent) {
   for (int port = kFirstScannedPort; port <= kLastScannedPort; ++port) {
     if (CameraSendsOn(port, hQuitEvent)) return port;
@@ -122,8 +123,9 @@ int FindCameraPort(HANDLE hQuitEvent) {
   return -1;
 }
 
-// Reads up to one record; waits as long as it takes, or until the quit event. Returns the bytes read. The read itself
-// resets its event. `canContinue` becomes true when the wait has just told that the quit event is not signalled.
+// Reads up to one record, waiting without a timeout until bytes arrive or the quit event is signalled. Returns the
+// number of bytes. The read itself resets its event. Sets `canContinue` to true when the wait has just shown that the
+// quit event is not signalled.
 DWORD ReadRecord(HANDLE hPort, HANDLE hQuitEvent, char* buffer, OVERLAPPED* overlapped, bool* canContinue) {
   DWORD read = 0;
   if (ReadFile(hPort, buffer, kRecordLength, &read, overlapped)) return read;
@@ -148,7 +150,7 @@ void StorePoints(AppContext* context, const CameraPoint (&points)[kPointCount]) 
 bool ClosePort(AppContext* context) {
   HANDLE port = context->hPort;
   if (port == INVALID_HANDLE_VALUE) return false;
-  // Withdrawn first: once closed, the handle's value may become that of another file, which the reader would then read.
+  // Withdrawn before it is closed: the handle's value may then be reused for another file, which the reader would read.
   context->hPort = INVALID_HANDLE_VALUE;
   CloseHandle(port);
   return true;
@@ -213,11 +215,11 @@ DWORD WINAPI CameraReaderThread(void* parameter) {
   OVERLAPPED overlapped{};
   CameraPoint points[kPointCount];
   for (CameraPoint& point : points) point = {kFieldWidth, kFieldHeight};
-  // Quirk: spins while no port is open, so that the first record after a connect is read at once.
+  // Quirk: polls without a pause while no port is open, so that the first record after a connect is read at once.
   for (bool canContinue = false; canContinue || WaitForSingleObject(context->hQuitEvent, 0) == WAIT_TIMEOUT;) {
     canContinue = false;
-    // Memory may be short at first. Without an event a read could not be waited for, and the next one would start on
-    // the same OVERLAPPED.
+    // Creating the event may fail at first. Without an event the read could not be waited for, and the next one would
+    // use the same OVERLAPPED.
     if (!overlapped.hEvent) overlapped.hEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
     HANDLE port = context->hPort;
     if (port == INVALID_HANDLE_VALUE || !overlapped.hEvent) continue;

@@ -19,7 +19,7 @@ void ParseRecord(char* record, CameraPoint (&points)[kPointCount]) {
     char* comma = std::strchr(cursor, ',');
     if (!comma) return;
     *comma = '\0';
-    // atol's rules are the format's: blanks and leading zeros are padding, the number ends at the first other
+    // The format follows the rules of atol: blanks and leading zeros are padding, and a number ends at the first other
     // character.
     point = {std::atol(cursor), std::atol(comma + 1)};
     comma = std::strchr(comma + 1, ',');

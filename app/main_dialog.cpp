@@ -34,18 +34,18 @@ namespace {
 
 // ---- Set-up ---------------------------------------------------------------------------------------------------------
 
-// What the tool says about itself.
+// The text of the about box.
 #define TARNWICK_VERSION_LINE KV_VERSION_TEXT " " KV_VERSION_DATE " Copyright (c) 2008 korvel"
 #define WIDE_TEXT_(text) L##text
 #define WIDE_TEXT(text) WIDE_TEXT_(text)
 
-// The strip's images follow the common controls' standard ones.
+// The strip's images follow the standard images of the common controls.
 constexpr int kStandardImages = 15, kToolbarImages = 88;
 constexpr int kConnectImage = 32;
 constexpr COLORREF kTransparentColor = RGB(255, 0, 255);
 static_assert(sizeof(TBBUTTON) == 20);
 
-// Tab pages show one of eight groups of controls, each with a range of ids.
+// Each tab page shows one of eight groups of controls, each with a range of ids.
 constexpr int kTabGroups = 8;
 constexpr int TabGroupFirst(int group) {
   return 1100 + 100 * group;
@@ -66,7 +66,7 @@ MainControls FindControls(HWND dialog) {
   return controls;
 }
 
-// The strip of the toolbar's own images, on the button face as it is now.
+// Loads the strip of the toolbar's images on the present colour of buttons.
 HBITMAP LoadStrip(HWND dialog) {
   HBITMAP strip = LoadBitmapA(modules.resources, MAKEINTRESOURCEA(IDB_TOOLBAR));
   const WindowDc dc(dialog);
@@ -74,7 +74,7 @@ HBITMAP LoadStrip(HWND dialog) {
   return strip;
 }
 
-// Gives the toolbar its images anew, on the button face of the present system colours.
+// Replaces the toolbar's images after a change of the system colours.
 void RefreshToolbarImages(HWND dialog, AppContext* context) {
   HBITMAP strip = LoadStrip(dialog);
   TBREPLACEBITMAP change{nullptr, reinterpret_cast<UINT_PTR>(context->hToolbarStrip), nullptr,
@@ -98,7 +98,7 @@ void SetUpToolbar(HWND dialog, AppContext* context) {
   TBADDBITMAP standard{HINST_COMMCTRL, IDB_STD_LARGE_COLOR};
   SendMessageA(toolbar, TB_ADDBITMAP, kStandardImages, reinterpret_cast<LPARAM>(&standard));
 
-  // The toolbar keeps using the bitmap: it lives until other colours replace it, or as long as the process.
+  // The toolbar uses the bitmap until the next change of colours or the end of the process.
   context->hToolbarStrip = LoadStrip(dialog);
   TBADDBITMAP own{nullptr, reinterpret_cast<UINT_PTR>(context->hToolbarStrip)};
   SendMessageA(toolbar, TB_ADDBITMAP, kToolbarImages, reinterpret_cast<LPARAM>(&own));
@@ -111,7 +111,7 @@ void SetUpTooltips(HWND dialog, HWND toolbar) {
   CreateTooltips(modules.resources, dialog, kDialogTips, ARRAYSIZE(kDialogTips));
 }
 
-// A status button's text alone does not say what it belongs to: screen readers get the point's marker as its name.
+// Screen readers get the point's marker as the button's name, because the button's text is only its value.
 AccessibleText DescribeStatusButton(HWND button) {
   constexpr const wchar_t* kNames[kStatusButtonCount] = {L"Port", L"Point 1: red, round", L"Point 2: blue, square",
                                                          L"Point 3: yellow, diamond", L"Point 4: green, triangle"};
@@ -128,7 +128,7 @@ LRESULT CALLBACK StatusButtonProcedure(HWND button, UINT message, WPARAM wParam,
 }
 
 void SetUpStatusButtons(const MainControls& controls) {
-  // Quirk: a font that nothing uses; it goes with the process.
+  // Quirk: a font that is not used, freed with the process.
   CreateFontA(26, 11, 0, 0, FW_SEMIBOLD, FALSE, FALSE, FALSE, ANSI_CHARSET, OUT_TT_PRECIS, CLIP_DEFAULT_PRECIS,
               DEFAULT_QUALITY, VARIABLE_PITCH | FF_SWISS, "Arial");
   for (HWND button : controls.statusButtons) {
@@ -144,7 +144,7 @@ void StartReader(AppContext* context) {
   SetThreadPriority(context->hReaderThread, THREAD_PRIORITY_NORMAL);
 }
 
-// Shows the controls of a tab page and hides those of all others. Nothing for the page that is shown already.
+// Shows the controls of a tab page and hides those of the others. Does nothing for the current page.
 void SelectTabPage(HWND dialog, AppContext* context, int page) {
   if (page == context->nTabPage) return;
   context->nTabPage = page;
@@ -172,8 +172,8 @@ void SetUpPages(HWND dialog, AppContext* context) {
   SelectTabPage(dialog, context, 0);
 }
 
-// WM_INITDIALOG: keeps the record, prepares all controls, starts the reader thread and the timers, restores the
-// window's place. Returns the dialog procedure's answer: 0 (the focus is ours), or 1 for an unusable record.
+// WM_INITDIALOG: stores the context, prepares all controls, starts the reader thread and the timers, and restores the
+// window's position. Returns 0 (the focus is set here), or 1 for an unusable context.
 INT_PTR SetUpMainDialog(HWND dialog, AppContext* context) {
   if (!IsContextUsable(context)) return 1;
   SetWindowLongA(dialog, DWL_USER, reinterpret_cast<LONG>(context));
@@ -206,8 +206,8 @@ bool IsPortOpen(const AppContext* context) {
   return context->hPort != INVALID_HANDLE_VALUE;
 }
 
-// A text that stands already is left alone: the button would repaint for nothing twenty times a second. What stands is
-// asked of the button and not remembered here, so that a text that somebody else has set is put right at the next tick.
+// Sets a text only if it differs, because the button would repaint twenty times a second. The button is asked for its
+// present text, so that one set by another program is corrected at the next tick.
 void ShowText(HWND button, const wchar_t* text) {
   wchar_t shown[128] = L"";
   GetWindowTextW(button, shown, ARRAYSIZE(shown));
@@ -217,7 +217,7 @@ void ShowText(HWND button, const wchar_t* text) {
 // ---- Painting -------------------------------------------------------------------------------------------------------
 
 INT_PTR OnSize(HWND dialog, AppContext* context, WPARAM kind) {
-  // A minimised window has no area to lay out; the next size brings the real one.
+  // A minimised window has no client area; the next WM_SIZE has the real one.
   if (kind != SIZE_MINIMIZED) LayOutMainDialog(dialog, context);
   return 0;
 }
@@ -238,8 +238,8 @@ void ExcludeChild(HDC dc, HWND dialog, HWND control) {
 INT_PTR OnPaint(HWND dialog, const AppContext* context) {
   const PaintScope paint(dialog);
   const MainControls& controls = context->controls;
-  // The dialog's style does not spare its children. Painted over, these would be gone until they paint themselves
-  // again. The device context belongs to the window class, which would keep the clipping for the next painting.
+  // The dialog's style does not clip its children, so they are excluded here. The device context belongs to the window
+  // class, which would retain the clipping.
   const int saved = SaveDC(paint.dc());
   ExcludeChild(paint.dc(), dialog, controls.chart);
   ExcludeChild(paint.dc(), dialog, controls.statusBar);
@@ -269,7 +269,7 @@ INT_PTR OnDrawItem(const AppContext* context, const DRAWITEMSTRUCT* item) {
   return 1;
 }
 
-// The status buttons paint their whole face; being erased before each repaint they would flicker.
+// The status buttons paint their whole area; erasing before each repaint would make them flicker.
 INT_PTR OnButtonColor(HWND button) {
   const int id = GetDlgCtrlID(button);
   return id >= IDC_PORT && id <= IDC_POINT_4 ? reinterpret_cast<INT_PTR>(GetStockObject(NULL_BRUSH)) : 0;
@@ -291,7 +291,7 @@ void SetPaused(AppContext* context, BOOL paused) {
 
 void ToggleConnection(HWND dialog, AppContext* context) {
   for (HWND button : context->controls.statusButtons) SetWindowTextW(button, L"-");
-  // The scan keeps this thread busy for a while: show the cleared buttons and that the tool is at work.
+  // The scan blocks this thread for a while: show the cleared buttons and a wait cursor first.
   UpdateWindow(dialog);
   HCURSOR cursor = SetCursor(LoadCursorA(nullptr, reinterpret_cast<LPCSTR>(IDC_WAIT)));
   if (IsPortOpen(context)) {
@@ -309,7 +309,7 @@ void ToggleConnection(HWND dialog, AppContext* context) {
 
 INT_PTR OnCommand(HWND dialog, AppContext* context, UINT command) {
   switch (command) {
-    // Quirk: it would move the focus in a dialog with a parent; here it only keeps Enter from closing.
+    // Quirk: would move the focus in a dialog with a parent; here it only keeps Enter from closing the dialog.
     case IDOK: SetFocus(GetNextDlgTabItem(GetParent(dialog), GetFocus(), FALSE)); break;
     case IDM_CLOSE: PostMessageA(dialog, WM_CLOSE, 0, 0); break;
     case IDM_ABOUT: MessageBoxA(dialog, TARNWICK_VERSION_LINE, "Brisklight", MB_ICONINFORMATION); break;
@@ -342,7 +342,7 @@ INT_PTR OnScroll(AppContext* context, HWND scrollControl) {
 void HandPointsToChart(AppContext* context) {
   FlowPoints exchange{.mask = 15};
   for (int i = 0; i < kPointCount; ++i) exchange.points[i] = context->points[i];
-  // After the copy: a change that falls between is shown with the next record.
+  // Cleared after the copy: a change in between is shown with the next record.
   context->bChanged = FALSE;
   SendMessageA(context->controls.chart, CHART_CMD, kCommandRedraw | kChartPoints, reinterpret_cast<LPARAM>(&exchange));
 }
@@ -360,7 +360,7 @@ void OnPointsTimer(AppContext* context) {
 
 void OnBlinkTimer(AppContext* context) {
   context->dwButtonFlags ^= kBlinkPhase;
-  // Quirk: the last button is left out and never blinks.
+  // Quirk: the last button is not included and never blinks.
   for (int i = 0; i < kStatusButtonCount - 1; ++i) RepaintWithoutChildren(context->controls.statusButtons[i]);
 }
 
@@ -372,7 +372,7 @@ INT_PTR OnTimer(AppContext* context, UINT_PTR timer) {
 
 // ---- Shutdown -------------------------------------------------------------------------------------------------------
 
-// The order matters; app/camera_link.h tells why.
+// See app/camera_link.h for the order.
 void StopReader(AppContext* context) {
   constexpr DWORD kTimeoutMs = 1000;
   SetEvent(context->hConnectEvent);
@@ -385,7 +385,7 @@ void StopReader(AppContext* context) {
   CloseHandle(context->hConnectEvent);
 }
 
-// The session ends and the process with it, perhaps before WM_CLOSE or the end of the message loop.
+// The process may end with the session, before WM_CLOSE or the end of the message loop.
 INT_PTR OnSessionEnd(HWND dialog, AppContext* context, BOOL ends) {
   if (!ends) return 0;
   WindowPosition(dialog, kMainPositionName, kPositionSave);
@@ -393,7 +393,7 @@ INT_PTR OnSessionEnd(HWND dialog, AppContext* context, BOOL ends) {
   return 0;
 }
 
-// The common controls are told of new colours by the window that holds them; the strip's background is one of them.
+// Common controls learn about new colours from their parent; the strip's background is one of the colours.
 INT_PTR OnColorChange(HWND dialog, AppContext* context) {
   const MainControls& controls = context->controls;
   for (HWND control : {controls.toolbar, controls.pages, controls.statusBar}) {

@@ -1,7 +1,6 @@
-// The main dialog "DLG_MAIN": toolbar with the connect button, the chart on its tab page, and a status bar with the
-// port and the four points. It owns what the user sees the tool do: it starts the reader thread, connects and
-// disconnects, hands new points to the chart every 50 ms, blinks status buttons every 250 ms, and shuts the camera link
-// down when it closes. Main thread only.
+// The main dialog "DLG_MAIN": a toolbar with the connect button, the chart on a tab page, and a status bar with the
+// port and the four points. It starts the reader thread, connects and disconnects, passes new points to the chart every
+// 50 ms, blinks status buttons every 250 ms, and shuts down the camera link when it closes. Main thread only.
 #pragma once
 
 #include <windows.h>
@@ -16,15 +15,15 @@ inline constexpr char kMainPositionName[] = "Tarnwick.Main";
 inline constexpr UINT_PTR kPointsTimer = 1, kBlinkTimer = 2;
 inline constexpr UINT kPointsPeriodMs = 50, kBlinkPeriodMs = 250;
 
-// dwButtonFlags: bit kBlinkFlagShift + i lets status button i (0..4) blink; the top bit is the phase.
+// dwButtonFlags: bit kBlinkFlagShift + i makes status button i (0..4) blink; the top bit is the phase.
 inline constexpr int kBlinkFlagShift = 24;
 inline constexpr DWORD kBlinkPhase = 0x80000000;
 
-// Framework menus send their commands in this range.
+// The commands of framework menus.
 inline constexpr UINT kMenuCommandFirst = 32768, kMenuCommandLast = 33767;
 
 // Dialog procedure; the creation parameter is the AppContext, which must outlive the dialog. Closing posts the quit
-// message and does not destroy the window: it goes with the process.
+// message and does not destroy the window, which exists until the process ends.
 INT_PTR CALLBACK MainDialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 
 }  // namespace kv

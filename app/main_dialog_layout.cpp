@@ -38,7 +38,7 @@ RECT StatusButtonRect(int index, SIZE client) {
   const int left = index == 0 ? 2 : edges[index - 1];
   const int inset = index == 0 ? 1 : 4;
   const int top = client.cy - kFromBottom;
-  // Right edge less two: the part's width without the inset.
+  // The right edge minus 2 is the width of the part without the inset.
   return {left + inset, top, edges[index] - 2, top + kHeight};
 }
 
@@ -106,7 +106,7 @@ void LayOutMainDialog(HWND dialog, AppContext* context) {
 
 namespace {
 
-// Line i in the colour at step i of the blend from `start` to the dialog's blue.
+// Draws line i in the colour of step i of the gradient from `start` to the dialog's blue.
 void DrawBlendedLines(HDC dc, const std::array<BackgroundLine, kBlendSteps>& lines, COLORREF start) {
   for (int i = 0; i < kBlendSteps; ++i) {
     COLORREF color = start;
@@ -127,13 +127,13 @@ void DrawPanel(HDC dc, const RECT& frame, int radius, COLORREF face) {
   {
     const SelectedObject selectedFill(dc, fill);
     const SelectedObject noOutline(dc, GetStockObject(NULL_PEN));
-    // Rounded like the inside of the frame, so that no corner pokes through it; without a pen the shape is a pixel
-    // short.
+    // Rounded like the inside of the frame, so that corners do not show outside; without a pen the shape is one pixel
+    // smaller.
     const int innerDiameter = 2 * std::max(radius - kFrameWidth, 0);
     RoundRect(dc, frame.left, frame.top, frame.right + 1, frame.bottom + 1, innerDiameter, innerDiameter);
   }
   DeleteObject(fill);
-  // Quirk: a second delete, which Windows rejects without effect.
+  // Quirk: a second delete, which Windows rejects.
   DeleteObject(fill);
 }
 

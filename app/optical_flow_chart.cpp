@@ -26,10 +26,10 @@ struct ChartState {
   DWORD bDirty;          // the back buffer must be rendered before it is shown
   CameraPoint points[kPointCount];
   HDC hBackDc;        // in camera coordinates; the back buffer stays selected
-  HGDIOBJ hNoBuffer;  // what it holds without a back buffer
-  DWORD bBehind;      // points have changed without a repaint: the screen may show older ones than the back buffer
-  DWORD bRendered;    // the back buffer holds a picture of `rendered`
-  CameraPoint rendered[kPointCount];  // where the markers of the last rendering are
+  HGDIOBJ hNoBuffer;  // selected when there is no back buffer
+  DWORD bBehind;      // points have changed without a repaint: the screen may be older than the back buffer
+  DWORD bRendered;    // the back buffer shows `rendered`
+  CameraPoint rendered[kPointCount];  // the points of the last rendering
 };
 
 constexpr CameraPoint kHiddenPoint{kNoPoint, kNoPoint};
@@ -40,7 +40,7 @@ bool IsShown(const CameraPoint& point) {
   return point.x != kNoPoint && point.y != kNoPoint;
 }
 
-// Quirk: y up to 1023 as well, so a y below the field lies outside the picture and not at its lower edge.
+// Quirk: y is clamped to 1023 as well, so a y below the field is outside the bitmap and not at its lower edge.
 CameraPoint Clamped(const CameraPoint& point) {
   return {std::clamp<LONG>(point.x, 0, kNoPoint), std::clamp<LONG>(point.y, 0, kNoPoint)};
 }
@@ -52,7 +52,7 @@ void HideAllPoints(ChartState* state) {
 
 // ---- Drawing --------------------------------------------------------------------------------------------------------
 
-// Lets camera coordinates fill a picture of this size, x to the right and y downwards, without keeping proportions.
+// Maps camera coordinates to a bitmap of this size, x to the right and y downwards, without preserving proportions.
 void UseCameraCoordinates(HDC dc, SIZE size) {
   SetMapMode(dc, MM_ANISOTROPIC);
   SetWindowExtEx(dc, kFieldWidth, kFieldHeight, nullptr);
@@ -69,12 +69,12 @@ void DrawField(HDC dc) {
     FillRect(dc, &kField, hatch);
   }
   SetBkColor(dc, oldBackground);
-  // Quirk: covers the hatch.
+  // Quirk: overwrites the hatch pattern.
   FillRect(dc, &kField, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
 }
 
-// Shared icons stay loaded as long as the process and need no release; asking for one each time would cost more than to
-// draw it.
+// Shared icons exist as long as the process and are not released. Loading one each time would take longer than drawing
+// it.
 HICON MarkerIcon(int index) {
   static HICON icons[kPointCount];
   HICON& icon = icons[index];
@@ -95,7 +95,7 @@ void RenderChart(HDC dc, const CameraPoint (&points)[kPointCount]) {
   DrawMarkers(dc, points);
 }
 
-// The pixels that a marker can touch in a picture of this size; empty for a point that is not shown.
+// Returns the pixels that a marker can cover in a bitmap of this size; empty for a point that is not shown.
 RECT MarkerBounds(const CameraPoint& point, SIZE size) {
   if (!IsShown(point)) return {};
   constexpr int kRounding = 2;
@@ -105,7 +105,7 @@ RECT MarkerBounds(const CameraPoint& point, SIZE size) {
           MulDiv(right, size.cx, kFieldWidth) + kRounding, MulDiv(bottom, size.cy, kFieldHeight) + kRounding};
 }
 
-// Where two pictures with these points differ.
+// Returns the region in which renderings of these points differ.
 OwnedRegion DifferentRegion(const CameraPoint (&before)[kPointCount], const CameraPoint (&after)[kPointCount],
                             SIZE size) {
   OwnedRegion region(CreateRectRgn(0, 0, 0, 0));
@@ -120,7 +120,7 @@ OwnedRegion DifferentRegion(const CameraPoint (&before)[kPointCount], const Came
   return region;
 }
 
-// Renders only what differs from the last rendering: the field and the markers outside stand already.
+// Renders only the difference from the last rendering.
 void RenderBackBuffer(ChartState* state) {
   const SIZE size{state->nWidth, state->nHeight};
   if (state->bRendered) {
@@ -152,8 +152,7 @@ void MakeBackBuffer(ChartState* state) {
   state->bDirty = TRUE;
 }
 
-// With the focus, the control's edge has the system's highlight colour. The field within stays as it is: it shows the
-// points and nothing else.
+// Draws the control's edge in the system's highlight colour. The field inside shows only the points.
 void DrawFocusedEdge(HWND window) {
   RECT place{}, field{};
   GetWindowRect(window, &place);
@@ -198,7 +197,7 @@ LRESULT OnSize(ChartState* state) {
 
 LRESULT OnPaint(HWND window) {
   const PaintScope paint(window);
-  auto* state = WindowState<ChartState>(window);  // erasing may have reached somebody else's code
+  auto* state = WindowState<ChartState>(window);  // erasing may have called other code
   if (!state || !state->hBackBuffer) return 0;
   if (state->bDirty) RenderBackBuffer(state);
   RECT client{};
@@ -220,7 +219,7 @@ LRESULT OnFocus(HWND window, UINT message, WPARAM wParam) {
   return DefWindowProcA(window, message, wParam, 0);
 }
 
-// Validates, or Windows would ask for the same paint for ever.
+// Validates the window, which would otherwise receive WM_PAINT forever.
 LRESULT OnPaintWithoutState(HWND window) {
   ValidateRect(window, nullptr);
   return 1;
@@ -254,7 +253,7 @@ void RepaintAll(ChartState* state) {
   RepaintNow(state->hWnd);
 }
 
-// Repaints where the markers were and are, which is all of the difference unless the screen lags behind.
+// Repaints the old and new rectangles of the markers, which is the whole difference unless the screen is behind.
 void RepaintDifference(ChartState* state, const CameraPoint (&before)[kPointCount]) {
   const OwnedRegion different = DifferentRegion(before, state->points, {state->nWidth, state->nHeight});
   RECT bounds{};
@@ -287,7 +286,7 @@ LRESULT ExchangePoints(ChartState* state, WPARAM flags, FlowPoints* exchange) {
 LRESULT OnCommand(ChartState* state, WPARAM wParam, LPARAM lParam) {
   switch (LOBYTE(wParam)) {
     case kChartRefresh:
-      state->bRendered = FALSE;  // so that all of it is rendered
+      state->bRendered = FALSE;  // renders everything
       state->bDirty = TRUE;
       RepaintAll(state);
       return 0;
@@ -300,7 +299,7 @@ LRESULT OnCommand(ChartState* state, WPARAM wParam, LPARAM lParam) {
   }
 }
 
-// The points that are shown, by their numbers: "1: 512, 384; 3: 20, 700".
+// The visible points with their numbers: "1: 512, 384; 3: 20, 700".
 AccessibleText Describe(HWND window) {
   const auto* state = WindowState<ChartState>(window);
   AccessibleText text{WindowText(window), {}};

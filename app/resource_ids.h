@@ -1,4 +1,5 @@
-// Numbers that the tool's code and resource script share. The resource compiler reads this file: plain #defines only.
+// Numbers shared by the tool's code and resource script. The resource compiler reads this file, so it contains only
+// #defines.
 #pragma once
 
 #define IDI_PROGRAM 1

@@ -25,7 +25,8 @@ void RegisterClasses(HINSTANCE instance) {
 }
 
 void UnregisterClasses(HINSTANCE instance) {
-  // Quirk: registered again, not unregistered; the main dialog, which closing does not destroy, still has a chart.
+  // Quirk: registers again instead of unregistering; the main dialog, which closing does not destroy, still has a
+  // chart.
   RegisterChartClass(instance, TRUE);
   RegisterLineRecorderClass(instance, FALSE);
   RegisterDisplayInstrumentClass(instance, FALSE);
@@ -49,14 +50,14 @@ void FreeContext(AppContext* context) {
   FreeLocked(context);
 }
 
-// Ends with the quit message, or with the dialog's record, which the dialog gives up when it closes: the quit message
-// comes only when nothing else waits, and commands that other threads keep posting would hold the tool open.
+// Ends with the quit message, or when the dialog has released its context at closing: the quit message has the lowest
+// priority, and commands posted continuously by other threads would prevent the end.
 void RunMessageLoop(HWND dialog) {
   MSG message;
   static_assert(sizeof(message) == 28);
   while (GetMessageA(&message, nullptr, 0, 0) > 0) {
     if (!ModelessDialogs(nullptr, &message, kModelessDispatch) &&
-        // There is no accelerator table, so this translates nothing.
+        // There is no accelerator table, so this does nothing.
         !TranslateAcceleratorA(message.hwnd, nullptr, &message)) {
       TranslateMessage(&message);
       DispatchMessageA(&message);
@@ -85,7 +86,7 @@ void RunTarnwick(HINSTANCE instance) {
   modules = {.resources = instance, .application = instance};
   char directory[MAX_PATH] = "";
   GetCurrentDirectoryA(ARRAYSIZE(directory), directory);
-  // Stays loaded: it brings the window class of rich edit controls to any dialog of the process.
+  // Never unloaded: it registers the window class of rich edit controls for every dialog of the process.
   LoadLibraryA("RichEd32.dll");
   InitCommonControls();
   RegisterClasses(instance);

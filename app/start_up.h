@@ -1,4 +1,4 @@
-// The tool's life from start to end: window classes, the application record, the main dialog, the message loop. Main
+// Start-up: registers the window classes, creates the shared state and the main dialog, and runs the message loop. Main
 // thread only.
 #pragma once
 
@@ -6,8 +6,8 @@
 
 namespace kv {
 
-// Runs the tool until its main dialog closes; `instance` is the module whose resources all parts use. No failure is
-// reported: without memory or without the dialog the run simply ends.
+// Runs the tool until its main dialog closes; `instance` is the module with the resources. Failures are not reported:
+// if allocation or the dialog fails, the function returns.
 void RunTarnwick(HINSTANCE instance);
 
 }  // namespace kv

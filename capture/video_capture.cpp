@@ -23,8 +23,8 @@ constexpr size_t kMaxErrorText = 4096;
 
 constexpr DWORD kMaxColors = 256;
 
-// A format with room for what Video for Windows reads behind the header: a driver's own extension of it, and a full
-// colour table or colour masks.
+// A format with capacity for what Video for Windows reads after the header: a driver's own extension, and a full colour
+// table or colour masks.
 struct WholeFormat {
   BITMAPINFOHEADER header;
   RGBQUAD extension[kMaxColors];
@@ -84,15 +84,15 @@ bool IsUsable(const BITMAPINFOHEADER& format) {
          format.biClrUsed <= kMaxColors;
 }
 
-// Of all others the header says how many bytes a picture has, and their height is positive.
+// All other formats have their size in the header and a positive height.
 bool IsUncompressed(const BITMAPINFOHEADER& format) {
   return format.biCompression == BI_RGB || format.biCompression == BI_BITFIELDS;
 }
 
 // ---- Frames ---------------------------------------------------------------------------------------------------------
 
-// The driver's own dialogs can change the format while the link is open: what it says now goes before what it said when
-// the link was opened.
+// The driver's dialogs can change the format while the link is open, so the present format takes precedence over the
+// one at opening.
 WholeFormat CurrentFormat(const VideoLink* link) {
   WholeFormat format{};
   if (Ask(link->hCapture, WM_CAP_GET_VIDEOFORMAT, sizeof(format), reinterpret_cast<LPARAM>(&format)) == 0) {
@@ -101,7 +101,7 @@ WholeFormat CurrentFormat(const VideoLink* link) {
   return format;
 }
 
-// How many bytes drawing will read for a frame of this format (a usable one: no overflow).
+// Returns the number of bytes that drawing reads for a frame of this (usable) format; does not overflow.
 UINT_PTR FrameBytes(const BITMAPINFOHEADER& format, const VIDEOHDR& frame) {
   if (!IsUncompressed(format)) return frame.dwBytesUsed;
   const UINT_PTR rowBytes = (static_cast<UINT_PTR>(format.biWidth) * format.biBitCount + 31) / 32 * 4;
@@ -118,8 +118,8 @@ void FlipFrame(const VideoLink* link) {
   }
 }
 
-// A picture whose height is negative begins with its top row. It is drawn like any other, upside down, and turned over
-// then: not everything that decompresses and draws pictures knows such heights.
+// A frame with a negative height is top-down. It is drawn as bottom-up and then flipped, because not all codecs support
+// negative heights.
 void DrawIntoFrame(const VideoLink* link, WholeFormat* format, void* data) {
   const bool topFirst = format->header.biHeight < 0;
   format->header.biHeight = std::abs(format->header.biHeight);
@@ -148,11 +148,11 @@ LRESULT CALLBACK FrameArrived(HWND capture, VIDEOHDR* frame) {
   return TRUE;
 }
 
-// Called over and over while a sequence is recorded.
+// Called repeatedly while a sequence is recorded.
 LRESULT CALLBACK PumpWhileRecording(HWND capture) {
   MSG message;
   while (PeekMessageA(&message, capture, 0, 0, PM_REMOVE)) {
-    if (message.message == WM_QUIT) {  // meant for the program's own loop
+    if (message.message == WM_QUIT) {  // for the program's message loop
       PostQuitMessage(static_cast<int>(message.wParam));
       break;
     }
@@ -173,7 +173,7 @@ VideoLink* CreateLink(HWND host) {
   return link;
 }
 
-// Without WS_VISIBLE: the frames reach the owner through the frame bitmap, nobody sees the preview itself.
+// Without WS_VISIBLE, because the owner receives the frames in the frame bitmap and the preview itself is not shown.
 HWND CreateCaptureWindow(HWND host) {
   RECT place{};
   GetWindowRect(host, &place);
@@ -188,8 +188,8 @@ bool ConnectDriver(HWND capture, int index) {
          name[0] != '\0' && Ask(capture, WM_CAP_DRIVER_CONNECT, static_cast<WPARAM>(index));
 }
 
-// Counts down, so that the slots are tried in the order 4, 3, 2, 1, 0, 7, 6, 5 and again: a driver that is still busy
-// gets a dozen chances.
+// Counts down, so that the slots are tried in the order 4, 3, 2, 1, 0, 7, 6, 5 and again: a busy driver gets a dozen
+// attempts.
 bool ConnectAnyDriver(HWND capture) {
   for (int attempt = kDriverAttempts - 1; attempt >= 0; --attempt) {
     if (ConnectDriver(capture, attempt % kDriverSlots)) return true;
@@ -233,10 +233,10 @@ void StartFrames(VideoLink* link) {
   Ask(link->hCapture, WM_CAP_SET_CALLBACK_VIDEOSTREAM, 0, CallbackAddress(FrameArrived));
 }
 
-// Gives back what was made of a link so far. The capture window may be gone: connecting a driver may show a dialog, in
-// which the user may close the host.
+// Releases what a link has created so far. The capture window may be destroyed already: connecting may show a driver's
+// dialog, during which the user can close the host.
 void ReleaseLink(VideoLink* link) {
-  link->tag = 0;  // first of all: a callback that comes while all this goes on finds no link
+  link->tag = 0;  // first, so that callbacks during the release find no link
   if (IsWindow(link->hCapture)) {
     Ask(link->hCapture, WM_CAP_SET_CALLBACK_FRAME);
     Ask(link->hCapture, WM_CAP_SET_CALLBACK_VIDEOSTREAM);
@@ -248,7 +248,7 @@ void ReleaseLink(VideoLink* link) {
   FreeLocked(link);
 }
 
-// False when there is no driver, or the host went while it was connected or started.
+// Returns false when there is no driver, or the host was destroyed while connecting or starting.
 bool Start(VideoLink* link) {
   link->hCapture = CreateCaptureWindow(link->hHost);
   if (!link->hCapture) return false;
@@ -284,14 +284,14 @@ BOOL CloseVideoLink(VideoLink* link) {
 BOOL DrawVideoFrame(VideoLink* link, HDC target, int x, int y, int width, int height) {
   if (!IsOpen(link)) return FALSE;
   Ask(link->hCapture, WM_CAP_GRAB_FRAME_NOSTOP);
-  if (!IsOpen(link)) return FALSE;  // grabbing may call the owner, and he may have closed the link
+  if (!IsOpen(link)) return FALSE;  // grabbing may call the owner, which may close the link
   const MemoryDc source(target);
   const SelectedObject selected(source, link->hFrame);
   SetStretchBltMode(target, COLORONCOLOR);
   return StretchBlt(target, x, y, width, height, source, 0, 0, link->frameWidth, link->frameHeight, SRCCOPY);
 }
 
-// The link may be gone when the last step returns, so nothing of it is touched from there on.
+// The link may have been freed when the last step returns, so it is not accessed afterwards.
 LRESULT RecordVideo(VideoLink* link, const char* fileName, BOOL start) {
   if (!IsOpen(link)) return 0;
   const HWND capture = link->hCapture;

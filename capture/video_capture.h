@@ -1,15 +1,14 @@
-// A link to the first video-capture driver that works: stores each incoming frame as a 32-bit bitmap whose first row
-// is the top one, paints the latest frame, and records to an AVI file.
+// A link to the first working video-capture driver: stores each frame as a top-down 32-bit bitmap, draws the latest
+// frame, and records to an AVI file.
 //
-// Video for Windows does the work. Its libraries (avicap32.dll, msvfw32.dll) are loaded when the first link is opened
-// and stay loaded; where they are missing, opening a link fails like on a machine without a camera.
+// Uses Video for Windows. Its libraries (avicap32.dll, msvfw32.dll) are loaded when the first link is opened and never
+// unloaded; if they are missing, opening fails as without a camera.
 //
-// The host is the window that shows the frames. Everything runs on its thread: the operations, and the callbacks
-// while that thread dispatches messages. Recording may dispatch messages before it returns, so the owner can be called,
-// and may even close the link, meanwhile. Close a link while the host still has its child windows (in WM_DESTROY at the
-// latest).
+// The host is the window that shows the frames. Everything runs on its thread: the functions, and the callbacks while
+// the thread dispatches messages. Recording may dispatch messages before it returns, so the owner may be called and may
+// even close the link meanwhile. Close a link while the host still has its child windows (in WM_DESTROY at the latest).
 //
-// Every operation returns 0 and does nothing on a record that is not writable, lost its capture window or was closed.
+// Every function returns 0 and does nothing when the link is not writable, has lost its capture window or was closed.
 #pragma once
 
 #include <windows.h>
@@ -23,13 +22,13 @@ namespace kv {
 
 inline constexpr std::uint32_t kVideoLinkTag = 0x20080509;
 
-// Pixels and rows as Video for Windows describes them; of a colour table only the first entry.
+// A format as Video for Windows describes it, with only the first entry of a colour table.
 struct VideoFormat {
   BITMAPINFOHEADER header;
   RGBQUAD firstColor;
 };
 
-// The link's record, in movable global memory that is locked for the link's life. Only this module writes it.
+// The state of a link, in movable global memory that is locked as long as the link exists. Only this module writes it.
 struct VideoLink {
   HGLOBAL hMemory;
   std::uint32_t tag;  // kVideoLinkTag while the link is open
@@ -37,8 +36,8 @@ struct VideoLink {
   HWND hCapture;  // hidden child of the host
   CAPSTATUS status;
   CAPTUREPARMS parameters;
-  VideoFormat sourceFormat;  // as the driver reported it when the link was opened; a negative height: top row first
-  VideoFormat frameFormat;   // of the frame bitmap: 32 bits, top row first
+  VideoFormat sourceFormat;  // as the driver reported it when the link was opened; a negative height means top-down
+  VideoFormat frameFormat;   // of the frame bitmap: 32 bits, top-down
   HBITMAP hFrame;            // the latest frame
   void* framePixels;
   LONG frameWidth;  // pixels; at most kMaxVideoSide
@@ -53,22 +52,20 @@ static_assert(offsetof(VideoLink, status) == 16 && offsetof(VideoLink, parameter
 
 inline constexpr LONG kMaxVideoSide = 16384;
 
-// Connects to the first driver that works and starts its frames. Null when the host is no window, when no driver
-// works, when its frames have no usable size, or when the host is destroyed meanwhile. The caller owns the link
-// and closes it.
+// Connects to the first working driver and starts its frames. Returns null when the host is not a window, no driver
+// works, its frames have no usable size, or the host is destroyed meanwhile. The caller owns the link and closes it.
 VideoLink* OpenVideoLink(HWND host);
 BOOL CloseVideoLink(VideoLink* link);
 
-// Asks the driver for one more frame, then stretches the latest one over the rectangle. 0 also if that fails.
+// Grabs a frame and stretches the latest one to the rectangle. Returns 0 also if that fails.
 BOOL DrawVideoFrame(VideoLink* link, HDC target, int x, int y, int width, int height);
 
-// Starts recording to `fileName` (null: to the file that the capture window already has), or stops it. The capture
-// window's result: non-zero is success. A file name that cannot be read is rejected.
+// Starts recording to `fileName` (null: to the capture window's present file), or stops. Returns the capture window's
+// result: non-zero on success. A file name that cannot be read is rejected.
 LRESULT RecordVideo(VideoLink* link, const char* fileName, BOOL start);
 
-// For owners who want a driver's errors: an error callback for WM_CAP_SET_CALLBACK_ERRORW that shows the
-// text in a message box and returns 1 (0, and nothing shown, when the text cannot be read). A link does not register
-// it.
+// An error callback for WM_CAP_SET_CALLBACK_ERRORW that shows the text in a message box and returns 1 (0, without a
+// box, when the text cannot be read). Links do not register it; owners may.
 LRESULT CALLBACK VideoErrorText(HWND window, int errorId, const wchar_t* text);
 
 }  // namespace kv

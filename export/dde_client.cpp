@@ -11,13 +11,13 @@ namespace kv {
 
 namespace {
 
-constexpr int kLibraryCodePage = 0;  // whatever the library takes as its own
+constexpr int kLibraryCodePage = 0;  // the library's default
 
 bool IsText(const char* text) {
   return !IsBadStringPtrA(text, UINT_MAX);
 }
 
-// A string handle for one call.
+// A string handle for the duration of a call.
 class DdeString {
  public:
   DdeString(DWORD instance, const char* text, int codePage)
@@ -39,14 +39,14 @@ DWORD TimeoutOrDefault(DWORD timeoutMs) {
   return timeoutMs ? timeoutMs : kDdeTimeoutMs;
 }
 
-// A client that takes no advice has nothing to answer.
+// A client without advise loops has no transactions to process.
 HDDEDATA CALLBACK IgnoreTransaction(UINT, UINT, HCONV, HSZ, HSZ, HDDEDATA, ULONG_PTR, ULONG_PTR) {
   return nullptr;
 }
 
 BOOL StartDde(DWORD* instance) {
   if (*instance != 0) return 1;
-  // Not into the slot itself, which was just found not writable: the library would fault while it holds its own locks.
+  // Not directly into the slot, which was reported as not writable: the library would fault while it holds its locks.
   DWORD made = 0;
   DdeInitializeA(&made, IgnoreTransaction, APPCMD_CLIENTONLY, 0);
   if (IsBadWritePtr(instance, sizeof(*instance))) {
@@ -69,7 +69,7 @@ HCONV ddeConnect(DWORD instance, const char* service, const char* topic) {
   if (!IsText(service) || !IsText(topic)) return nullptr;
   const DdeString serviceName(instance, service, CP_WINANSI);
   const DdeString topicName(instance, topic, CP_WINANSI);
-  // Without a handle a name would count as "any server": one that is too long must not find a stranger.
+  // A null handle means "any server", so a name that is too long must not become one.
   if ((*service && !serviceName) || (*topic && !topicName)) return nullptr;
   return DdeConnect(instance, serviceName, topicName, nullptr);
 }
@@ -83,7 +83,7 @@ BOOL ddeExecute(DWORD instance, HCONV conversation, const char* command) {
   auto* bytes = reinterpret_cast<BYTE*>(const_cast<char*>(command));  // only read
   HDDEDATA data = DdeCreateDataHandle(instance, bytes, lstrlenA(command) + 1, 0, nullptr, CF_TEXT, 0);
   if (!data) return 0;
-  // The length of all bits set says that a data handle stands in the place of the bytes.
+  // A length of 0xFFFFFFFF marks the pointer as a data handle.
   DdeClientTransaction(reinterpret_cast<BYTE*>(data), 0xFFFFFFFF, conversation, nullptr, CF_TEXT, XTYP_EXECUTE,
                        TIMEOUT_ASYNC, nullptr);
   return 1;
@@ -98,7 +98,7 @@ BOOL RequestDdeText(DWORD instance, HCONV conversation, const char* item, DWORD 
   if (!data) return FALSE;
   std::memset(reply, 0, sizeof(reply));
   DdeGetData(data, reinterpret_cast<BYTE*>(reply), sizeof(reply), 0);
-  // The data handle is not freed: answers belong to the instance, which gives them back when it is uninitialised.
+  // The data handle is not freed: replies belong to the instance and are released when it is uninitialised.
   return TRUE;
 }
 
@@ -122,7 +122,7 @@ HDDEDATA ddePoke(DWORD instance, HCONV conversation, const char* item, const cha
 }
 
 BOOL ddeStartStop(BOOL start, DWORD* instance) {
-  // Quirk: rejects the ordinary, writable slot, which keeps the DDE library out of the process.
+  // Quirk: rejects a writable slot, which prevents the DDE library from being used.
   if (!IsBadWritePtr(instance, sizeof(*instance))) return 0;
   if (!start && !instance) return 1;
   if (IsBadReadPtr(instance, sizeof(*instance))) return 0;
@@ -141,7 +141,7 @@ constexpr char kService[] = "Excel";
 constexpr char kSystemTopic[] = "System";
 constexpr char kWorkbookTopic[] = "Mappe2";
 
-// The process handle that comes back is not closed: the spreadsheet program outlives the link.
+// The process handle is not closed: the spreadsheet program outlives the link.
 void StartSpreadsheet() {
   SHELLEXECUTEINFOA info{};
   info.cbSize = sizeof(info);
@@ -161,8 +161,8 @@ void EndConversation(HCONV& conversation) {
 
 void OpenWorkbook(ExcelLinkState& link) {
   ddeExecute(link.ddeInstance, link.systemConversation, "[NEW(1)]");
-  // The answer is of no use. Waiting for it gives the program, which the command does not wait for, time to make the
-  // workbook.
+  // The reply is not used. Waiting for it gives the program time to create the workbook, because executing a command
+  // does not wait.
   char topics[kDdeReplySize];
   RequestDdeText(link.ddeInstance, link.systemConversation, "Topics", kDdeTimeoutMs, topics);
   link.workbookConversation = ddeConnect(link.ddeInstance, kService, kWorkbookTopic);
@@ -175,7 +175,7 @@ BOOL OpenLink(ExcelLinkState& link) {
   if (link.systemConversation) {
     OpenWorkbook(link);
   } else {
-    StartSpreadsheet();  // connecting again is the next opening's work: the program needs its time
+    StartSpreadsheet();  // the program needs time to start; the next opening connects
   }
   return 0;
 }

@@ -47,9 +47,9 @@ GeodeticPosition PositionFromLocal(const LocalFrame& frame, double x, double y) 
           .latitude = frame.latitude - y / kMetresPerDegreeNorth};
 }
 
-// Bowring's method. It improves the parametric latitude (the angle on the sphere around the ellipsoid), kept as a sine
-// and a cosine, so that neither poles nor equator are special. One round suffices near the surface; the others serve
-// points deep below it.
+// Bowring's method. Iterates the parametric latitude (the angle on the auxiliary sphere), stored as sine and cosine, so
+// that poles and equator are not special cases. One iteration suffices near the surface; the others are for points deep
+// below.
 GeodeticPosition PositionFromEarthCentred(double x, double y, double z) {
   constexpr int kRounds = 6;
   const double fromAxis = std::hypot(x, y);

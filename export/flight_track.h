@@ -1,5 +1,5 @@
-// A recorded flight: the record that its owner fills, where its points lie on the earth, and the state of the window
-// that shows it. Metres and degrees. Pure functions of their arguments; any thread.
+// A recorded flight: the data that the owner provides, the positions of its points on the earth, and the state of the
+// window that shows it. Metres and degrees. Pure functions; any thread.
 #pragma once
 
 #include <windows.h>
@@ -9,7 +9,8 @@
 
 namespace kv {
 
-// How a point states its position for the waypoints text. The views and the KML document always use the local x and y.
+// Which fields of a point contain its position for the waypoints text. The views and the KML document always use dX and
+// dY.
 inline constexpr BYTE kPointGeodetic = 0;      // dLatitude, dLongitude
 inline constexpr BYTE kPointEarthCentred = 1;  // dCentredX, dCentredY, dCentredZ
 inline constexpr BYTE kPointLocal = 2;         // dX, dY
@@ -28,7 +29,7 @@ struct FlightTrackPoint {
 static_assert(sizeof(FlightTrackPoint) == 72 && offsetof(FlightTrackPoint, bKind) == 24 &&
               offsetof(FlightTrackPoint, dLatitude) == 32 && offsetof(FlightTrackPoint, dCentredX) == 48);
 
-// The record and its points belong to whoever hands the track to a view.
+// The track and its points belong to the caller that passes it to a view.
 struct FlightTrack {
   LONG nPoints;
   DWORD dwReserved;
@@ -39,29 +40,29 @@ struct FlightTrack {
 static_assert(sizeof(FlightTrack) == 640 && offsetof(FlightTrack, dReferenceLatitude) == 8 &&
               offsetof(FlightTrack, lpPoints) == 24);
 
-// A temporary folder's path and a short file name.
+// The path of a temporary folder and a short file name.
 inline constexpr size_t kKmlPathLength = MAX_PATH + 16;
 
-// The state of a flight track view (export/flight_track_view.h makes and owns it).
+// The state of a flight track view, created and owned by export/flight_track_view.h.
 struct FlightTrackViewState {
   HGLOBAL hMemory;
-  FlightTrack* lpTrack;  // the newest track handed to the view, or null; its owner's memory
+  FlightTrack* lpTrack;  // the current track, or null; memory of its owner
   BOOL bAutoExport;      // each new track is exported at once
   wchar_t szKmlPath[kKmlPathLength];
   BYTE reserved[508];
 };
 static_assert(sizeof(FlightTrackViewState) == 1072 && offsetof(FlightTrackViewState, szKmlPath) == 12);
 
-// The points of a track, or none: when the record is not writable over its whole size, when it has no points or a count
-// below zero, and when the points are not readable over their whole length.
+// Returns the points of a track; none when the track is not writable over its whole size, its count is not positive, or
+// the points are not readable over their whole length.
 std::span<const FlightTrackPoint> ReadablePoints(const FlightTrack* track);
 
 struct GeodeticPosition {
   double longitude, latitude;  // degrees, WGS-84
 };
 
-// The flat frame around a track's origin. Longitudes beyond 180 degrees are not wrapped, so that a line which crosses
-// that meridian stays one line. At a pole the frame has no meaning and longitudes grow without measure.
+// A flat coordinate frame around a track's origin. Longitudes beyond 180 degrees are not wrapped, so that a line across
+// that meridian stays one line. At a pole the frame is undefined and longitudes grow without bound.
 struct LocalFrame {
   double longitude, latitude;
   double latitudeCosine;
@@ -69,12 +70,12 @@ struct LocalFrame {
 LocalFrame LocalFrameOf(const FlightTrack& track);
 GeodeticPosition PositionFromLocal(const LocalFrame& frame, double x, double y);
 
-// The position on the WGS-84 ellipsoid, to better than 1e-11 degrees from 60 km above the earth's centre outwards
-// (further in, a position is not unique; the result is then finite but arbitrary). Longitude -180..180; at a pole and
-// at the centre it is what the signs of x and y say.
+// Returns the position on the WGS-84 ellipsoid, accurate to 1e-11 degrees from 60 km above the earth's centre outwards
+// (further in, positions are not unique and the result is finite but arbitrary). Longitude -180..180; at a pole and at
+// the centre it follows from the signs of x and y.
 GeodeticPosition PositionFromEarthCentred(double x, double y, double z);
 
-// The position that a point states by its kind, or `previous` for a kind that is not known.
+// Returns the position that a point's kind selects; `previous` for an unknown kind.
 GeodeticPosition GeodeticPositionOf(const LocalFrame& frame, const FlightTrackPoint& point, GeodeticPosition previous);
 
 }  // namespace kv

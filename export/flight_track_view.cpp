@@ -16,7 +16,7 @@ namespace {
 
 constexpr LRESULT kNoState = 1;
 
-// Without a temporary folder the path stays empty, and exporting fails like with any file that cannot be created.
+// Without a temporary folder the path is empty, and exporting fails as for any file that cannot be created.
 void SetTemporaryKmlPath(FlightTrackViewState& state) {
   wchar_t folder[MAX_PATH + 1];
   const DWORD length = GetTempPathW(std::size(folder), folder);

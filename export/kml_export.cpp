@@ -45,7 +45,7 @@ constexpr SettingField kFields[] = {
 };
 static_assert(sizeof(KmlSettings) == std::size(kFields) * kValueSize);
 
-// Read into a buffer of its own: a value that is too long may leave anything there.
+// Read into a copy, because a value that is too long leaves undefined contents.
 void ReadFourBytes(HKEY key, const char* name, void* setting) {
   BYTE bytes[kValueSize];
   DWORD size = kValueSize;
@@ -161,7 +161,7 @@ constexpr int kAngleDecimals = 10;
 constexpr int kAltitudeDecimals = 1;
 constexpr std::string_view kCoordinateIndent = "    ";
 
-// A number or two as text, kept while lines are put together.
+// One or two numbers as text, cached while lines are written.
 struct NumberText {
   char text[2 * kFixedNumberCapacity];
   size_t length;
@@ -170,7 +170,7 @@ struct NumberText {
 };
 static_assert(kCoordinateIndent.size() + 3 * kFixedNumberCapacity + 3 <= TextFile::kLineCapacity);
 
-// A point that is nowhere (a receiver without a fix, a value that was never measured) is left out of a document.
+// Returns false for a point without finite coordinates (a receiver without a fix, a missing measurement).
 bool IsSomewhere(GeodeticPosition position, double altitude) {
   return std::isfinite(position.longitude) && std::isfinite(position.latitude) && std::isfinite(altitude);
 }
@@ -195,7 +195,7 @@ char* AppendText(char* to, std::string_view text) {
   return to + text.size();
 }
 
-// One line of coordinates, "%.10f,%.10f,%.1f" behind the indent, from numbers that are text already.
+// Writes one line of coordinates, "%.10f,%.10f,%.1f" after the indent, from formatted numbers.
 void WriteLine(TextFile& file, std::string_view indent, const NumberText& position, const NumberText& altitude) {
   char* end = AppendText(file.LineBuffer(), indent);
   end = AppendText(end, position.view());
@@ -205,7 +205,7 @@ void WriteLine(TextFile& file, std::string_view indent, const NumberText& positi
   file.CommitLine(end);
 }
 
-// The templates and what is put into them are ASCII, so each character is one byte of the file.
+// Templates and arguments are ASCII, so each character is one byte of the file.
 void WriteFormatted(TextFile& file, const wchar_t* format, ...) {
   wchar_t text[4096];
   va_list arguments;
@@ -229,8 +229,8 @@ void WriteTrackHead(TextFile& file, const KmlSettings& settings) {
                  settings.dwFlags & kKmlTessellate ? 1L : 0L);
 }
 
-// Every change of altitude becomes a vertical step: the line first climbs or sinks at the place where it was. Nearly
-// all the time goes into printing numbers, so each number is printed once only.
+// Every change of altitude becomes a vertical step at the previous position. Nearly all the time is spent formatting
+// numbers, so each number is formatted once.
 void WriteCoordinates(TextFile& file, const LocalFrame& frame, std::span<const FlightTrackPoint> points) {
   NumberText positions[2], altitude;
   NumberText *position = &positions[0], *previous = &positions[1];
@@ -243,7 +243,7 @@ void WriteCoordinates(TextFile& file, const LocalFrame& frame, std::span<const F
     if (!IsSomewhere(at, point.dAltitude)) continue;
     AppendPosition(*position, at);
     const bool step = point.dAltitude != previousAltitude;
-    // Zeros of either sign are equal, but not as texts.
+    // Zeros of different sign are equal, but not their texts.
     if (step || std::signbit(point.dAltitude) != std::signbit(previousAltitude))
       AppendAltitude(altitude, point.dAltitude);
     if (step) WriteLine(file, kCoordinateIndent, *previous, altitude);
@@ -288,7 +288,7 @@ BOOL exportTrackKml(FlightTrackViewState* view) {
   const auto points = ReadablePoints(view->lpTrack);
   if (points.empty()) return TRUE;
   if (!WriteTrackKml(view->szKmlPath, *view->lpTrack, points, ReadKmlSettings())) return FALSE;
-  // A copy: starting a program may dispatch messages, and with them the end of the view.
+  // A copy, because starting a program may dispatch messages that destroy the view.
   const std::wstring document = view->szKmlPath;
   OpenInViewer(document.c_str());
   return TRUE;
@@ -321,7 +321,7 @@ BOOL exportWaypointsText(FlightTrackViewState* view) {
 BOOL showPositionInGlobe(HWND window, double longitude, double latitude, double range) {
   wchar_t path[kPositionFolderCapacity + std::size(kPositionFile)] = L"";
   const DWORD length = GetTempPathW(kPositionFolderCapacity, path);
-  // Without a folder the path stays empty and no file can be created; a bare name would land in the working directory.
+  // Without a folder the path is empty and no file can be created; a bare name would be written to the current folder.
   if (length > 0 && length < kPositionFolderCapacity) {
     std::wcscpy(path + length, kPositionFile);
   } else {

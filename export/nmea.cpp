@@ -24,7 +24,7 @@ size_t FormatGprmcSentence(const SYSTEMTIME& time, const GprmcFix& fix, char (&s
   const AngleParts longitude = SplitAngle(fix.longitude);
   const char northOrSouth = fix.latitude < 0 ? 'S' : 'N';
   const char eastOrWest = fix.longitude < 0 ? 'W' : 'E';
-  // Clock; position; speed and course; date (with the minute in the month's place); magnetic variation.
+  // Time; position; speed and course; date (with the minute in place of the month); magnetic variation.
   FormatBoundedA(sentence, sizeof(sentence),
                  "$GPRMC,%-2.2d%-2.2d%-2.2d.%-2.2d,A,%-2.2d%-2.2d.%-4.4d,%c,%-2.2d%-2.2d.%-4.4d,%c,%1.1f,%1.1f,"
                  "%-2.2d%-2.2d%-2.2d,%1.1f,%c,*",
@@ -43,7 +43,7 @@ BOOL formatGprmc(char* destination, double latitude, double longitude, double, d
   const size_t length = FormatGprmcSentence(
       now, {.latitude = latitude, .longitude = longitude, .speed = speed, .course = course}, sentence);
   if (IsBadWritePtr(destination, length)) return 1;
-  // The limit counts the terminator, so the "*" is what falls off.
+  // The limit includes the terminator, which removes the "*".
   lstrcpynA(destination, sentence, static_cast<int>(length));
   return 1;
 }

@@ -6,9 +6,9 @@ namespace kv {
 
 namespace {
 
-// The control tells the versions of the character format apart by its size: this must be the 8-bit second one.
+// The control distinguishes versions of the struct by its size: this is the 8-bit second version.
 static_assert(sizeof(CHARFORMAT2A) == 84);
-static_assert(sizeof(CHARFORMATA) == 60);  // the first version, which the second begins with
+static_assert(sizeof(CHARFORMATA) == 60);  // the first version, a prefix of the second
 
 constexpr DWORD kFormatMask =
     CFM_SIZE | CFM_COLOR | CFM_FACE | CFM_CHARSET | CFM_BACKCOLOR | CFM_WEIGHT | CFM_STYLE | CFM_STRIKEOUT;

@@ -33,7 +33,7 @@ char* TextFile::LineBuffer() {
 bool TextFile::Close() {
   if (!file_) return false;
   Flush();
-  // Not every run-time's fclose tells that its own last flush failed.
+  // Some runtimes' fclose does not report that its flush failed.
   if (std::fflush(file_) != 0) failed_ = true;
   if (std::fclose(file_) != 0) failed_ = true;
   file_ = nullptr;

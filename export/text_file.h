@@ -1,4 +1,4 @@
-// A text file that is written from start to end and is either whole or not there at all. One thread per file.
+// A text file that is written sequentially, and deleted if it cannot be written completely. One thread per file.
 #pragma once
 
 #include <cstddef>
@@ -9,13 +9,13 @@ namespace kv {
 
 class TextFile {
  public:
-  // Room that LineBuffer() gives, in characters.
+  // Capacity of LineBuffer() in characters.
   static constexpr size_t kLineCapacity = 1024;
 
-  // Creates the file or empties an existing one, in the C run-time's text mode: 8-bit characters, and "\n" becomes
-  // "\r\n" in the file. `path` must outlive the object.
+  // Creates or truncates the file in the C runtime's text mode: 8-bit characters, and "\n" becomes "\r\n". `path` must
+  // outlive the object.
   explicit TextFile(const wchar_t* path);
-  // A file that was not closed with success is removed.
+  // Deletes the file unless Close() has succeeded.
   ~TextFile();
   TextFile(const TextFile&) = delete;
   TextFile& operator=(const TextFile&) = delete;
@@ -24,13 +24,13 @@ class TextFile {
 
   void Write(std::string_view text);
 
-  // For text that is formatted in place: room for kLineCapacity characters, valid until the next call of any member,
-  // and the end of what was put there.
+  // For text formatted in place: a buffer of kLineCapacity characters, valid until the next call of any member.
+  // CommitLine takes the end of the text.
   char* LineBuffer();
   void CommitLine(const char* end) { used_ = static_cast<size_t>(end - buffer_); }
 
-  // Writes what is left and closes. If any of the text could not be written (a full disk), the file is removed and the
-  // result is false.
+  // Writes the remaining text and closes the file. If any text could not be written (a full disk), deletes the file and
+  // returns false.
   bool Close();
 
  private:

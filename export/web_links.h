@@ -1,4 +1,4 @@
-// The maker's pages in a browser. Main thread only.
+// Opens the maker's web pages. Main thread only.
 #pragma once
 
 #include <windows.h>
@@ -9,7 +9,7 @@ inline constexpr UINT kWaypointPage = 1;  // every other selector is the home pa
 inline constexpr char kHomePageAddress[] = "http://www.korvel.example/";
 inline constexpr char kWaypointPageAddress[] = "http://www.korvel.example/waypoints/";
 
-// Opens a page in the browser. Always 1: whether a browser came up is not examined.
+// Opens a page in the browser. Always returns 1, whether or not a browser starts.
 unsigned openMakerWebPage(UINT page);
 
 }  // namespace kv

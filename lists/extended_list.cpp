@@ -31,7 +31,7 @@ UINT StateOf(const ListState& state, HWND window, UINT row) {
 }
 
 void DrawRow(const ListState& state, HWND window, HDC dc, UINT row, const RECT& place) {
-  // Made anew for each row: a parent may use the request as its scratch pad.
+  // Created for each row, because a parent may modify the struct.
   DRAWITEMSTRUCT request{.CtlID = state.nControlId,
                          .itemID = row,
                          .itemState = StateOf(state, window, row),
@@ -49,17 +49,17 @@ void DrawRows(HWND window, HDC dc, SIZE surface) {
   DrawRow(*state, window, dc, kHeaderRow, RowRect(surface.cx, 0, rowHeight));
   for (DWORD i = 0; i < rows.count; ++i) {
     state = ListStateOf(window);
-    // The parent may have shortened the list; it must not be asked for rows that it no longer has.
+    // The parent may have shortened the list; do not request rows that no longer exist.
     if (!state || rows.first + i >= state->dwRowCount) return;
     const LONG top = rows.top + static_cast<LONG>(i) * rowHeight;
     DrawRow(*state, window, dc, rows.first + i, RowRect(surface.cx, top, rowHeight));
   }
 }
 
-// Draws the surface anew. The bitmap leaves the record meanwhile: the parent may resize or destroy the list, and nobody
-// must delete a bitmap that is selected here. The dirty flag is cleared first, so that a change made in between stays.
-// A device context has the layout of the one that it is compatible with, so in a mirrored list the surface is mirrored,
-// too, and copying it leaves its letters as they are.
+// Redraws the surface. The state does not own the bitmap meanwhile, because the parent may resize or destroy the list,
+// and a bitmap that is selected here must not be deleted. The dirty flag is cleared first, so that a change during
+// drawing is not lost. A device context inherits the layout of the one it is compatible with, so in a mirrored list the
+// surface is mirrored as well, and copying it does not mirror the text.
 void RedrawSurface(HWND window, ListState* state, HDC compatibleWith) {
   const SIZE size = state->surfaceSize;
   OwnedBitmap surface(state->hSurface ? std::exchange(state->hSurface, nullptr) : CreateWindowBitmap(window, size));
@@ -82,7 +82,7 @@ void RedrawSurface(HWND window, ListState* state, HDC compatibleWith) {
   if (state->bDirty) InvalidateRect(window, nullptr, TRUE);
 }
 
-// Shows the surface, and the window colour where it does not reach: nothing else would paint there.
+// Copies the surface, and fills the rest of the client area with the window colour.
 void ShowSurface(HDC dc, SIZE client, HBITMAP surface, SIZE size, LONG horizontalOffset) {
   if (surface) {
     const LONG left = SurfaceLeft(horizontalOffset, size.cx, client.cx);
@@ -143,7 +143,7 @@ LRESULT OnPaint(HWND window, ListState&) {
   ListState* state = ListStateOf(window);
   if (!state) return 0;
   if (state->bRedrawing) {
-    // The parent paints the list while it draws a row. Asking it again from here could go on without end.
+    // The parent repaints the list while it draws a row: drawing again from here could recurse without end.
     state->bDirty = TRUE;
     return 0;
   }
@@ -154,13 +154,13 @@ LRESULT OnPaint(HWND window, ListState&) {
   return 0;
 }
 
-// Nothing to draw; but an update region that stays would keep the message loop busy for ever.
+// An update region that is not validated would generate WM_PAINT forever.
 LRESULT ValidateWithoutPainting(HWND window) {
   ValidateRect(window, nullptr);
   return kNoState;
 }
 
-// Moves the offset of one bar; true when it changed.
+// Scrolls one bar. Returns true when the offset changed.
 bool Scroll(HWND window, int barKind, int request, LONG line, LONG* offset) {
   SCROLLINFO bar{.cbSize = sizeof(bar), .fMask = SIF_ALL};
   GetScrollInfo(window, barKind, &bar);
@@ -216,7 +216,7 @@ LRESULT OnSetCount(HWND window, ListState& state, WPARAM wParam) {
   return Redraw(window, state);
 }
 
-// Rows as people count them; what they say, only the parent knows.
+// Row numbers from 1. The contents of rows are known to the parent only.
 AccessibleText Describe(HWND window) {
   const ListState* state = ListStateOf(window);
   if (!state || state->dwRowCount == 0) return {WindowText(window), {}};
@@ -226,8 +226,8 @@ AccessibleText Describe(HWND window) {
   return {WindowText(window), first + last + L" / " + std::to_wstring(state->dwRowCount)};
 }
 
-// Without a record (memory was short, or the list is destroyed) the list's own messages are refused. All others still
-// go to the system, which needs them to make and to end the window.
+// Without state (allocation failed, or the list is being destroyed) the list's own messages are rejected. All others go
+// to the system, which needs them to create and destroy the window.
 LRESULT CALLBACK ExtendedListProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   ListState* state = ListStateOf(window);
   const auto handle = [&](auto handler, auto... arguments) -> LRESULT {
@@ -276,7 +276,7 @@ void UpdateListBars(HWND list) {
     const SCROLLINFO bar = HorizontalBar(state->surfaceSize.cx, ClientSize(list).cx, state->nHorizontalOffset);
     SetScrollInfo(list, SB_HORZ, &bar, TRUE);
   }
-  // A bar that appears resizes the window, and so reaches the parent.
+  // A bar that appears resizes the window, which notifies the parent.
   if (const ListState* state = ListStateOf(list)) {
     const auto barOf = state->bNavigated ? NavigatedBar : VerticalBar;
     const SCROLLINFO bar = barOf(state->dwRowCount, state->nRowHeight, ClientSize(list).cy, state->nVerticalOffset);

@@ -13,7 +13,7 @@ LONG Limited(Wide value) {
   return static_cast<LONG>(std::clamp<Wide>(value, std::numeric_limits<LONG>::min(), std::numeric_limits<LONG>::max()));
 }
 
-// Of all rows, as far as a bar's range goes.
+// The height of all rows, limited to the range of a bar.
 LONG HeightOfRows(DWORD rowCount, LONG rowHeight) {
   constexpr Wide kMaxRange = std::numeric_limits<LONG>::max() - 1;
   return static_cast<LONG>(std::min(static_cast<Wide>(rowCount) * rowHeight, kMaxRange));
@@ -42,7 +42,7 @@ LONG UsableSurfaceWidth(WPARAM extent) {
 
 RowRun VisibleRows(DWORD rowCount, LONG rowHeight, LONG verticalOffset, LONG surfaceHeight) {
   Wide first = verticalOffset / rowHeight;
-  Wide top = rowHeight;  // the header's place
+  Wide top = rowHeight;  // below the header
   if (first < 0) {
     top -= first * rowHeight;
     first = 0;

@@ -1,4 +1,4 @@
-// What the extended list keeps for a window, for the files of this folder only.
+// The state of an extended list, for this folder only.
 #pragma once
 
 #include <windows.h>
@@ -7,32 +7,32 @@ namespace kv {
 
 struct ListState {
   HGLOBAL hMemory;
-  HWND hParent;  // the one at creation; receives the measure and draw requests
+  HWND hParent;  // at creation; receives WM_MEASUREITEM and WM_DRAWITEM
   UINT nControlId;
   DWORD dwRowCount;
   BOOL bDirty;      // the surface must be redrawn before it is shown
-  BOOL bRedrawing;  // the parent is being asked for rows
+  BOOL bRedrawing;  // the parent is drawing rows
   LONG nRowHeight;  // as last measured
   SIZE surfaceSize;
-  HBITMAP hSurface;  // null until a paint needs it, and while it is drawn into
+  HBITMAP hSurface;  // null until the first paint, and while it is drawn into
   LONG nHorizontalOffset;
   LONG nVerticalOffset;
-  // Written by lists/list_navigation.cpp; all 0 and of no effect without it.
+  // Written by lists/list_navigation.cpp; all 0 and unused without it.
   BOOL bNavigated;
   BOOL bSelected;
   DWORD dwSelectedRow;
-  LONG nExtent;  // the surface is as wide as the window, but at least this
+  LONG nExtent;  // minimum width of the surface, which otherwise has the window's
   BOOL bHeaderPressed;
-  LONG nHeaderPressX;  // in the surface, of the last press on the header
-  int nWheelRest[2];   // turned but not yet scrolled: vertical, horizontal
+  LONG nHeaderPressX;  // x in the surface of the last click on the header
+  int nWheelRest[2];   // wheel deltas below one step: vertical, horizontal
 };
 
-// The record of a list. Null for any other window, and for a list that is being destroyed. Whatever may reach the
-// parent (a message to it, a repaint, a bar that appears) may end in the list's destruction, so the record is fetched
-// again after each such call.
+// Returns the state of a list; null for other windows and while the list is being destroyed. Everything that may reach
+// the parent (a message, a repaint, a bar that appears) may destroy the list, so get the state again after each such
+// call.
 ListState* ListStateOf(HWND window);
 
-// Asks the parent for the height of a row.
+// Requests the height of a row from the parent.
 void MeasureListRows(HWND list);
 
 // Changes the width of the surface, which must then be redrawn.

@@ -17,7 +17,7 @@ namespace {
 
 constexpr UINT_PTR kSubclass = 1;
 
-// The record of an extended list and of no other window, whose user data may be anything.
+// Returns the state of an extended list; null for any other window, whose user data may be anything.
 ListState* ListOf(HWND window) {
   char name[ARRAYSIZE(kExtendedListClass) + 1] = "";
   GetClassNameA(window, name, ARRAYSIZE(name));
@@ -37,7 +37,7 @@ DWORD FirstRow(const ListState& state) {
   return static_cast<DWORD>(std::max<LONG>(state.nVerticalOffset, 0) / state.nRowHeight);
 }
 
-// Pulls offsets and selection into what the list and its window are now.
+// Limits offsets and selection to the present list and window.
 void ClampState(HWND list, ListState& state) {
   const SIZE client = ClientSize(list);
   const LONG width = std::max(state.nExtent, UsableSurfaceWidth(client.cx));
@@ -80,7 +80,7 @@ void ScrollSideways(HWND list, ListState& state, long long pixels) {
   ScrollTo(list, state, state.nVerticalOffset, state.nHorizontalOffset + pixels);
 }
 
-// The row becomes the selected one and comes into view. `state` may be gone afterwards.
+// Selects the row and scrolls it into view. The list may be destroyed meanwhile.
 void Select(HWND list, ListState& state, DWORD row) {
   state.bSelected = TRUE;
   state.dwSelectedRow = row;
@@ -107,7 +107,7 @@ void SelectByUser(HWND list, ListState& state, DWORD row) {
 
 // ---- Input ----------------------------------------------------------------------------------------------------------
 
-// The row that a key leads to from the selected one; without one, a step leads to the first row in view.
+// Returns the row that a key selects; without a selected row, a step selects the first visible row.
 long long RowForKey(HWND list, const ListState& state, WPARAM key) {
   const long long last = static_cast<long long>(state.dwRowCount) - 1;
   const auto moved = [&](long long rows) -> long long {
@@ -137,7 +137,8 @@ bool IsNavigationKey(WPARAM key) {
   return key >= VK_PRIOR && key <= VK_DOWN;  // Page Up, Page Down, End, Home and the arrows
 }
 
-// Whole steps of a wheel, of which `perNotch` make a notch. What is left waits for the next turn the same way.
+// Returns complete steps of a wheel with `perNotch` steps in a notch. The rest is stored for the next movement in the
+// same direction.
 long long WheelSteps(int* rest, int delta, UINT perNotch) {
   if ((*rest < 0) != (delta < 0)) *rest = 0;
   const long long turned = *rest + static_cast<long long>(delta) * perNotch;
@@ -164,7 +165,7 @@ LRESULT OnSidewaysWheel(HWND list, ListState& state, int delta) {
   return 0;
 }
 
-// Where a bar's request leads.
+// Returns the offset after a bar's request.
 long long Requested(HWND list, int barKind, int request, long long offset, LONG line, LONG page) {
   SCROLLINFO bar{.cbSize = sizeof(bar), .fMask = SIF_TRACKPOS};
   switch (request) {
@@ -196,7 +197,7 @@ POINT PointOf(LPARAM lParam) {
   return {static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};
 }
 
-// After the list itself has taken focus and capture.
+// After the list has set focus and capture.
 void OnPress(HWND list, POINT place, bool isDouble) {
   ListState* state = NavigatedListOf(list);
   if (!state) return;
@@ -220,13 +221,13 @@ void RedrawLater(HWND list, ListState& state) {
   InvalidateRect(list, nullptr, FALSE);
 }
 
-// ---- What the list is told ------------------------------------------------------------------------------------------
+// ---- Messages of the list -------------------------------------------------------------------------------------------
 
 void OnSetExtent(HWND list, ListState& state, WPARAM* extent) {
   const LONG asked = UsableSurfaceWidth(*extent);
   state.nExtent = asked;
   ClampState(list, state);
-  UpdateListBars(list);  // `state` may be gone afterwards
+  UpdateListBars(list);  // may destroy `state`
   *extent = static_cast<WPARAM>(std::max(asked, UsableSurfaceWidth(ClientSize(list).cx)));
 }
 
@@ -281,7 +282,7 @@ BOOL AddListNavigation(HWND list) {
   if (!state || !SetWindowSubclass(list, NavigationProcedure, kSubclass, 0)) return FALSE;
   if (state->bNavigated) return TRUE;
   state->bNavigated = TRUE;
-  // A width that is not the window's was asked for.
+  // A width other than the window's was set by LB_SETHORIZONTALEXTENT.
   if (state->surfaceSize.cx != ClientSize(list).cx) state->nExtent = state->surfaceSize.cx;
   MeasureAndClamp(list);
   return TRUE;

@@ -18,19 +18,19 @@ namespace kv {
 
 namespace {
 
-constexpr int kDigitBits = 11, kDigits = 3;  // three digits take in the 32 bits of a place
+constexpr int kDigitBits = 11, kDigits = 3;  // three digits cover the 32 bits of a key
 constexpr std::uint32_t kDigitValues = 1u << kDigitBits;
 
 struct DepthEntry {
-  std::uint32_t place;     // where between the least and the greatest depth
+  std::uint32_t key;       // position between the least and the greatest depth
   std::uint32_t triangle;  // its index before the sort
 };
 
-// A whole number that orders as the depth does, to the last bit.
+// Returns an integer with the same order as the depth, exact to the last bit.
 std::uint64_t DepthKey(double depth) {
   if (std::isnan(depth)) return 0;
   constexpr std::uint64_t kSign = std::uint64_t{1} << 63;
-  const auto bits = std::bit_cast<std::uint64_t>(depth + 0.0);  // makes 0 of -0
+  const auto bits = std::bit_cast<std::uint64_t>(depth + 0.0);  // converts -0 to 0
   return bits & kSign ? ~bits : bits | kSign;
 }
 
@@ -40,11 +40,11 @@ std::uint32_t DigitOf(std::uint32_t place, int digit) {
 
 using DigitCounts = std::array<std::array<std::uint32_t, kDigitValues>, kDigits>;
 
-// Places rise with the depths; where the depths lie too far apart for that, all are at one place.
+// Keys increase with depth. If the range of depths is too large for that, all keys are 0.
 void FillEntries(std::span<const MeshTriangle> triangles, DepthEntry* entries, DigitCounts* counts) {
   double least = std::numeric_limits<double>::infinity(), greatest = -least;
   for (const MeshTriangle& triangle : triangles) {
-    const double depth = triangle.depth;  // may be off a double's natural place, where no reference can refer to it
+    const double depth = triangle.depth;  // may be misaligned, so no reference can be bound to it
     least = std::min(least, depth);
     greatest = std::max(greatest, depth);
   }
@@ -54,25 +54,25 @@ void FillEntries(std::span<const MeshTriangle> triangles, DepthEntry* entries, D
     const double depth = triangles[i].depth;
     const bool numbered = placed && !std::isnan(depth);
     entries[i] = {numbered ? static_cast<std::uint32_t>((depth - least) * perUnit) : 0, i};
-    for (int digit = 0; digit < kDigits; ++digit) ++(*counts)[digit][DigitOf(entries[i].place, digit)];
+    for (int digit = 0; digit < kDigits; ++digit) ++(*counts)[digit][DigitOf(entries[i].key, digit)];
   }
 }
 
-// From the lowest digit to the highest; a pass keeps the order of equal digits. A digit in which all places agree needs
-// no pass. Returns which of the two arrays holds the result.
+// Radix sort from the lowest digit to the highest, stable in each pass. A digit that is equal in all keys needs no
+// pass. Returns the array that contains the result.
 DepthEntry* SortByKeys(DepthEntry* entries, DepthEntry* other, size_t count, DigitCounts* counts) {
   for (int digit = 0; digit < kDigits; ++digit) {
     auto& starts = (*counts)[digit];
-    if (starts[DigitOf(entries[0].place, digit)] == count) continue;
+    if (starts[DigitOf(entries[0].key, digit)] == count) continue;
     std::uint32_t next = 0;
     for (std::uint32_t& start : starts) next += std::exchange(start, next);
-    for (size_t i = 0; i < count; ++i) other[starts[DigitOf(entries[i].place, digit)]++] = entries[i];
+    for (size_t i = 0; i < count; ++i) other[starts[DigitOf(entries[i].key, digit)]++] = entries[i];
     std::swap(entries, other);
   }
   return entries;
 }
 
-// Depths so near to each other that they share a place.
+// Sorts triangles with equal keys by their exact depth.
 void SortEqualKeys(std::span<const MeshTriangle> triangles, DepthEntry* entries) {
   const auto nearer = [triangles](const DepthEntry& first, const DepthEntry& second) {
     return DepthKey(triangles[first.triangle].depth) < DepthKey(triangles[second.triangle].depth);
@@ -80,13 +80,13 @@ void SortEqualKeys(std::span<const MeshTriangle> triangles, DepthEntry* entries)
   DepthEntry* const end = entries + triangles.size();
   for (DepthEntry* run = entries; run != end;) {
     DepthEntry* next = run + 1;
-    while (next != end && next->place == run->place) ++next;
+    while (next != end && next->key == run->key) ++next;
     if (next - run > 1 && !std::is_sorted(run, next, nearer)) std::stable_sort(run, next, nearer);
     run = next;
   }
 }
 
-// Moves every triangle to its place, along the rings that the order makes; empties the order by that.
+// Moves every triangle to its position, along the cycles of the permutation; clears the order.
 void MoveIntoOrder(std::span<MeshTriangle> triangles, DepthEntry* order) {
   for (std::uint32_t first = 0; first < triangles.size(); ++first) {
     if (order[first].triangle == first) continue;
@@ -99,10 +99,9 @@ void MoveIntoOrder(std::span<MeshTriangle> triangles, DepthEntry* order) {
   }
 }
 
-// Puts the triangles in ascending order of depth. Every difference counts, however small; equal depths (also 0 and -0)
-// keep the order in which they came, and what is not a number comes first. Takes time in proportion to the triangles,
-// in whatever order they came, unless most depths lie within a millionth of the whole range; and 16 bytes of memory for
-// each. When that cannot be had it still sorts, more slowly.
+// Sorts the triangles by ascending depth, exactly and stably (0 and -0 are equal); NaN comes first. Takes linear time
+// in any order, unless most depths are within a millionth of the range, and 16 bytes of memory for each triangle. If
+// allocation fails, a slower sort is used.
 void SortByDepth(std::span<MeshTriangle> triangles) {
   const size_t count = triangles.size();
   if (count < 2) return;
@@ -140,8 +139,8 @@ size_t CountInUse(std::int32_t count, std::uint32_t capacity) {
   return count < 0 ? 0 : std::min<size_t>(static_cast<size_t>(count), capacity);
 }
 
-// A handle may by now stand for another, smaller block; and what its user wrote over the capacities must not lead
-// outside the block.
+// A handle may have been reused for a smaller block, and a caller may have overwritten the capacities; neither must
+// lead outside the block.
 bool IsLiveModel(HGLOBAL mesh, MeshModel* model) {
   if (IsBadReadPtr(model, sizeof(*model)) || model->tag != kMeshTag) return false;
   const size_t size = GlobalSize(mesh);
@@ -153,8 +152,7 @@ void StoreIfWritable(T* target, T value) {
   if (!IsBadWritePtr(target, sizeof(*target))) *target = value;
 }
 
-// Takes whole turns off in one step, where taking them off one by one would never end for a huge angle. Whole turns
-// leave a zero with the sign of the angle.
+// Removes full turns in one step; a loop would not end for a huge angle. A zero keeps the sign of the angle.
 double WithinHalfTurn(double degrees) {
   const double angle = std::fmod(degrees, 360.0);
   if (angle > 180) return angle - 360;
@@ -187,7 +185,7 @@ void ProjectVertices(const MeshModel& model, std::span<MeshVertex> vertices) {
   }
 }
 
-// `vertices` is the whole array, used or not.
+// `vertices` is the whole array, including unused ones.
 void MeasureDepths(std::span<const MeshVertex> vertices, std::span<MeshTriangle> triangles) {
   for (MeshTriangle& triangle : triangles) {
     double depth = 0;
@@ -296,7 +294,7 @@ BOOL meshRotateShades(MeshVertex* vertices, int start, int length, int shift) {
   }
   if (length < 2) return TRUE;
 
-  // Three reversals turn a ring back by `step` places where it lies; one place forward is length - 1 back.
+  // Three reversals rotate a ring back by `step` positions in place; one position forward is length - 1 back.
   const int step = shift < 0 ? length - 1 : std::max(1, std::min(shift, length / 2 - 1));
   MeshVertex* ring = vertices + (start + 1);
   ReverseShades(ring, 0, step);
