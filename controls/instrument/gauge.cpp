@@ -20,8 +20,8 @@ namespace {
 
 // Radii relative to the dial's.
 constexpr double kZoneOuter = 0.97, kZoneInner = 0.91;
-constexpr double kTickOuter = 0.94, kMinorInner = 0.885;
-constexpr double kNeedleTail = 0.17, kHub = 0.10;
+constexpr double kTickOuter = 0.955, kMinorInner = 0.905;
+constexpr double kNeedleTail = 0.17, kHub = 0.10, kIndexTip = 0.94;
 
 RECT Widened(RECT box) {
   // Rounding must not truncate a text.
@@ -158,7 +158,7 @@ struct Index {
 Index IndexAt(const Dial& dial, double angle) {
   const PointD base = PolarPoint(dial.centre, 0.3 * dial.innerRadius + 0.7 * dial.radius, angle);
   const PointD half = PolarPoint({0, 0}, std::max(2.5, dial.innerRadius * 0.05), angle + 90);
-  return {.tip = PolarPoint(dial.centre, dial.innerRadius * kTickOuter, angle),
+  return {.tip = PolarPoint(dial.centre, dial.innerRadius * kIndexTip, angle),
           .left = {base.x - half.x, base.y - half.y},
           .right = {base.x + half.x, base.y + half.y}};
 }

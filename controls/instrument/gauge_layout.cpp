@@ -21,13 +21,13 @@ namespace {
 
 // Relative to the dial's radius.
 constexpr double kLabelHeight = 0.165, kLabelWidth = 0.52;  // kLabelWidth: the maximum width
-constexpr double kLabelGap = 0.035;                         // gap to the marks
+constexpr double kLabelGap = 0.05;                          // gap to the marks
 constexpr double kTextOuter = 0.825;                        // the outer limit of rows of text
 constexpr double kHubClearance = 0.13;                      // the hub with a margin
 constexpr double kTailEnd = 0.20;                           // the end of the needle's tail; rows of text begin below it
 constexpr double kNeedleClearance = 0.07;                   // half the needle's width with a margin
 constexpr double kNameHeight = 0.16, kUnitHeight = 0.15;
-constexpr double kNeedleReach = 0.90;
+constexpr double kNeedleReach = 0.86;
 constexpr double kValueMiddle = 0.775, kValueBottom = 0.92, kValueWidth = 0.70, kBareValueWidth = 1.15,
                  kValueHeight = 0.26;
 

@@ -11,7 +11,7 @@
 namespace kv {
 
 inline constexpr double kGaugeStart = -135, kGaugeSweep = 270;  // degrees clockwise from the top
-inline constexpr double kMajorInner = 0.86;  // the inner end of labelled marks, relative to the radius
+inline constexpr double kMajorInner = 0.875;  // the inner end of labelled marks, relative to the radius
 
 double GaugeAngle(const InstrumentReading& reading, double value);
 
