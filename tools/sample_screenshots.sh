@@ -11,10 +11,12 @@ sizes="default small large german"
 "$root/tools/wine_prefix.sh"
 cd "$root"
 quietly "configuring" cmake --preset release
-quietly "building the samples" cmake --build --preset release --target instrument_panel million_rows track_export speedometer
+quietly "building the samples" cmake --build --preset release --target instrument_panel million_rows sensor_recorder track_export speedometer
 mkdir -p "$shots"
 
 finish() {
+  [ -z "${sensor:-}" ] || kill "$sensor"
+  tools/serial_pair.sh unplug-all
   use_wine_desktop
   stop_wine
   stop_display
@@ -32,6 +34,23 @@ remember() {
 
 colours() { identify -format %k "$1" 2>/dev/null || echo 0; }
 
+# A sensor on COM3: one number to a line, twenty a second.
+play_sensor() {
+  tools/serial_pair.sh plug com3 com4
+  for ((i = 0; ; ++i)); do
+    awk -v i="$i" 'BEGIN { srand(i); printf "%.2f\n", 21.5 + 2 * sin(i / 140) + sin(i / 35) * sin(i / 300) + 0.2 * rand() }'
+    sleep 0.05
+  done >"$build_dir/serial/com4.tty"
+}
+
+# What the screenshot shows at work: the recorder's last minute. The chart has the focus at first.
+operate() {
+  [ "$1" = sensor_recorder ] || return 0
+  xdotool key --delay 200 Tab Tab space
+  sleep 60
+  xdotool key --delay 200 shift+Tab shift+Tab plus plus plus plus plus plus
+}
+
 # take SAMPLE POSITION WIDTH HEIGHT NAME: a screenshot of the sample's window when it is drawn.
 take() {
   local sample=$1 position=$2 width=$3 height=$4 shot=$shots/$5.png pid seen=0
@@ -41,7 +60,9 @@ take() {
   for _ in $(seq 60); do
     sleep 0.5
     import -window root -crop "${width}x$height+$left+$top" +repage "$shot"
-    [ "$(colours "$shot")" -lt 8 ] || seen=$((seen + 1))
+    [ "$(colours "$shot")" -ge 8 ] || continue
+    seen=$((seen + 1))
+    [ "$seen" -ne 1 ] || operate "$sample"
     [ "$seen" -lt 5 ] || break
   done
   kill "$pid" 2>/dev/null || true
@@ -55,6 +76,8 @@ speak() {
 }
 
 start_display 1280x1024x24
+play_sensor &
+sensor=$!
 use_wine_desktop 1280x1024
 for size in $sizes; do
   speak 0
@@ -62,6 +85,7 @@ for size in $sizes; do
     default )
       take instrument_panel Samples.InstrumentPanel 620 470 sample-instrument-panel
       take million_rows Samples.Readings 540 440 sample-million-rows
+      take sensor_recorder Samples.SensorRecorder 620 380 sample-sensor-recorder
       take track_export Samples.Track 500 180 sample-track-export
       take speedometer Samples.Speedometer 300 320 sample-speedometer
       ;;
