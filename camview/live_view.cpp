@@ -21,7 +21,6 @@
 #include "framework/file_path.h"
 #include "toolkit/ask_path.h"
 #include "toolkit/languages.h"
-#include "toolkit/strip_chart.h"
 
 namespace camview {
 
@@ -45,8 +44,6 @@ void ShowNewest(View& view) {
   view.playback.begin = store.Seconds(store.First());
   view.playback.end = view.playback.position = store.Seconds(store.End() - 1);
   if (isFirst || !AppendNewRecords(view.window, store, &view.feed)) RefillCharts(view);
-  // Under a pointer that rests the charts move on.
-  if (!std::isnan(view.hovered)) kv::GetStripChartCursor(view.window, view.hoveredChart, &view.hovered);
   ShowTime(view);
 }
 

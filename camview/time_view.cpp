@@ -55,15 +55,16 @@ void ShowField(const View& view) {
   content.count = static_cast<DWORD>(records.size());
   content.records = records.data();
   // When nothing comes any more, the trails end.
-  content.now = IsFollowing(view) && std::isnan(view.hovered) ? view.status.now : time;
+  content.now = IsFollowing(view) ? view.status.now : time;
   content.trailSeconds = view.trailSeconds;
   Send(view, IDC_FIELD, kFieldShow, &content);
 }
 
+// In the charts of a live port the pointer reads values, and nothing else stands.
 void ShowCursors(const View& view) {
-  const bool none = !RecordsOf(view) || (IsFollowing(view) && std::isnan(view.hovered));
+  if (IsFollowing(view)) return;
   const double time = ShownTime(view);
-  for (const int chart : kCharts) kv::SetStripChartCursor(view.window, chart, none ? nullptr : &time);
+  for (const int chart : kCharts) kv::SetStripChartCursor(view.window, chart, RecordsOf(view) ? &time : nullptr);
 }
 
 void ShowTimeText(View& view) {
@@ -125,7 +126,10 @@ void SeekTo(View& view, double time) {
 void HoldLive(View& view, bool hold) {
   if (!view.live || view.isHeld == hold) return;
   view.isHeld = hold;
-  if (!hold) RefillCharts(view);
+  if (!hold) {
+    for (const int chart : kCharts) kv::SetStripChartCursor(view.window, chart, nullptr);
+    RefillCharts(view);
+  }
   ShowTimelineRange(view);
   ShowPlaying(view);
   ShowTime(view);
@@ -285,17 +289,10 @@ void OnChartView(View& view, int chart) {
 
 void OnChartCursor(View& view, int chart) {
   double time = 0;
-  POINT pointer{};
-  GetCursorPos(&pointer);
-  const bool isPointer = pointer.x != view.pointer.x || pointer.y != view.pointer.y;
-  view.pointer = pointer;
   if (!kv::GetStripChartCursor(view.window, chart, &time)) {
     view.hovered = kNoTime;
-  } else if (!isPointer) {
-    return SeekTo(view, time);
-  } else if (!view.playback.isPlaying) {
+  } else if (!view.playback.isPlaying && !IsFollowing(view)) {
     view.hovered = std::clamp(time, view.playback.begin, view.playback.end);
-    view.hoveredChart = chart;
   }
   ShowTime(view);
 }
@@ -309,8 +306,8 @@ void OnChart(View& view, int chart, WORD code) {
     case kv::kStripNotifyView: return OnChartView(view, chart);
     case kv::kStripNotifyCursor: return OnChartCursor(view, chart);
     case kv::kStripNotifyMark: return SetMark(view, kv::GetStripChartMark(view.window, chart, &mark) ? &mark : nullptr);
-    case kv::kStripNotifyClick:
-      // A live port goes on; its charts are clicked to give them the focus.
+    case kv::kStripNotifyPlaced:
+      // A live port goes on: its charts are clicked to give them the focus.
       if (!IsFollowing(view) && kv::GetStripChartCursor(view.window, chart, &time)) SeekTo(view, time);
       return;
     default: return;

@@ -45,8 +45,6 @@ struct View {
 
   Playback playback;         // also of a live port: its end is now
   double hovered = kNoTime;  // the time under the pointer, in a chart
-  int hoveredChart = 0;      // its id
-  POINT pointer{};           // where that was, to tell it from the keyboard
   bool isMarked = false;
   kv::StripStretch mark{};
   ChartFeed feed;

@@ -155,6 +155,6 @@ inline constexpr WPARAM kStripZoneEnable = 0x0400;  // kStripZone: shows the zon
 
 // Notification codes.
 inline constexpr WORD kStripNotifyView = 1, kStripNotifyCursor = 2, kStripNotifyMark = 3;
-inline constexpr WORD kStripNotifyClick = 4;  // a click without dragging; the cursor is at its position
+inline constexpr WORD kStripNotifyPlaced = 4;  // the cursor was placed, by a click without dragging or by keys
 
 }  // namespace kv

@@ -195,7 +195,7 @@ LRESULT OnButtonDown(HWND window, LONG x, bool shift) {
 }
 
 LRESULT OnButtonUp(StripChart& chart) {
-  if (chart.drag == StripChart::Drag::kPan && !chart.dragged) PostNotification(chart.window, kStripNotifyClick);
+  if (chart.drag == StripChart::Drag::kPan && !chart.dragged) PostNotification(chart.window, kStripNotifyPlaced);
   chart.drag = StripChart::Drag::kNone;
   if (GetCapture() == chart.window) ReleaseCapture();
   return 0;
@@ -238,7 +238,11 @@ LRESULT MoveCursor(StripChart& chart, int columns, bool mark) {
   model.cursor = std::clamp(before + step, shown.from, shown.to);
   model.cursorShown = true;
   chart.hovering = false;
-  if (!mark) return Changed(chart, kStripNotifyCursor);
+  if (!mark) {
+    Changed(chart, kStripNotifyCursor);
+    PostNotification(chart.window, kStripNotifyPlaced);
+    return 0;
+  }
   // Moves the end of the selection at which the cursor was.
   const double anchor = !model.marked ? before : before == model.mark.from ? model.mark.to : model.mark.from;
   SetMark(model, anchor, model.cursor);

@@ -11,6 +11,9 @@
 #include <vector>
 
 #include "app/optical_flow_chart.h"
+#include "camview/camera_field.h"
+#include "camview/timeline.h"
+#include "camview/window.h"
 #include "controls/display_instrument.h"
 #include "controls/horizon/horizon.h"
 #include "controls/instrument_block.h"
@@ -150,6 +153,11 @@ const std::vector<UINT> kInstrumentOwn{WM_SETTEXT, WM_COPY, WM_DROPFILES, WM_TIM
 
 const FuzzedClass kFuzzedClasses[] = {
     {"Chart", kChartClass, 0, {WM_CREATE, WM_DESTROY, WM_COPY, WM_DROPFILES}},
+    {"CameraField", camview::kCameraFieldClass, 0, {WM_CREATE, WM_DESTROY, WM_COPY, WM_DROPFILES, WM_KEYDOWN}},
+    {"Timeline",
+     camview::kTimelineClass,
+     0,
+     {WM_CREATE, WM_DESTROY, WM_DROPFILES, WM_KEYDOWN, WM_KEYDOWN, WM_MOUSEWHEEL}},
     {"FlightTrackView", kFlightTrackClass, 0, {WM_CREATE, WM_DESTROY}},
     {"Horizon", kHorizonClass, kHorizonTape, {WM_COPY, WM_DROPFILES, WM_TIMER, WM_TIMER}},
     {"StripChart",
@@ -177,10 +185,12 @@ class MessageFuzzing : public testing::TestWithParam<FuzzedClass> {
   static void SetUpTestSuite() {
     RegisterAllClasses(GetModuleHandleA(nullptr), TRUE);
     RegisterChartClass(GetModuleHandleA(nullptr), TRUE);
+    camview::RegisterControls(GetModuleHandleA(nullptr), TRUE);
     parent_ = std::make_unique<kvtest::RecordingParent>(true, 700, 700);
   }
   static void TearDownTestSuite() {
     parent_.reset();
+    camview::RegisterControls(GetModuleHandleA(nullptr), FALSE);
     RegisterChartClass(GetModuleHandleA(nullptr), FALSE);
     RegisterAllClasses(GetModuleHandleA(nullptr), FALSE);
   }

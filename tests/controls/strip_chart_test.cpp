@@ -331,12 +331,24 @@ TEST_F(StripCharts, KeysAndMouseZoomPanSelectAndNotifyTheOwner) {
   EXPECT_NEAR(50 * WindowState<StripState>(chart)->chart->renderer.layoutShown().secondsPerColumn, mark.to - mark.from,
               1e-9);
   EXPECT_EQ(1, Notified(kStripNotifyMark));
+  const DWORD figures = 9, tooMany = 17;
+  EXPECT_EQ(0, Send(chart, kStripAxisFigures, &tooMany));
+  EXPECT_EQ(1, Send(chart, kStripAxisFigures | kCommandRedraw, &figures));
+  const StripLayout& aligned = WindowState<StripState>(chart)->chart->renderer.layoutShown();
+  EXPECT_EQ(10 * aligned.digitPx, aligned.axis[0].area.right - aligned.axis[0].area.left);
   SendMessageA(chart, WM_MOUSEMOVE, 0, MAKELPARAM(left + 60, 50));
   EXPECT_EQ(1, Notified(kStripNotifyCursor));
-  EXPECT_EQ(0, Notified(kStripNotifyClick));  // both were drags
+  EXPECT_EQ(0, Notified(kStripNotifyPlaced));  // both were drags
   SendMessageA(chart, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(left + 60, 50));
   SendMessageA(chart, WM_LBUTTONUP, 0, MAKELPARAM(left + 60, 50));
-  EXPECT_EQ(1, Notified(kStripNotifyClick));
+  EXPECT_EQ(1, Notified(kStripNotifyPlaced));
+  BYTE keys[256] = {};
+  keys[VK_CONTROL] = 0x80;
+  SetKeyboardState(keys);
+  key(VK_LEFT);
+  keys[VK_CONTROL] = 0;
+  SetKeyboardState(keys);
+  EXPECT_EQ(2, Notified(kStripNotifyPlaced));
   EXPECT_EQ(DLGC_WANTMESSAGE, SendMessageA(chart, WM_GETDLGCODE, VK_ESCAPE, 0) & DLGC_WANTMESSAGE);
   key(VK_ESCAPE);
   EXPECT_EQ(std::tuple(kStripFollow, 0, 0), std::tuple(view().state, view().span, view().shift));

@@ -1,0 +1,232 @@
+// camview's field and timeline as controls: pixels, keys, mouse, and what they reject.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <oleacc.h>
+
+#include <cmath>
+#include <utility>
+#include <vector>
+
+#include "app/camera_record.h"
+#include "camview/camera_field.h"
+#include "camview/record_store.h"
+#include "camview/timeline.h"
+#include "framework/control_class.h"
+#include "tests/support/control_test.h"
+#include "tests/support/test_window.h"
+
+namespace camview {
+namespace {
+
+using kvtest::GuardedBytes;
+using kvtest::TestBitmap;
+
+constexpr kv::CameraPoint kDark{kv::kNoPoint, kv::kNoPoint};
+constexpr COLORREF kBlack = RGB(0, 0, 0);
+
+LRESULT Send(HWND control, WPARAM command, const void* item) {
+  return SendMessageA(control, kv::kControlCommand, command, reinterpret_cast<LPARAM>(item));
+}
+
+class CameraFieldTest : public kvtest::ControlTest<RegisterCameraFieldClass> {
+ protected:
+  // The field fills it but for a frame of a pixel: two camera units are a pixel.
+  HWND field_ = kvtest::CreateControl(parent_, kCameraFieldClass, "Field", 0, {0, 0, 514, 386}, 7);
+
+  LRESULT Show(const std::vector<StoredRecord>& records, double now, double trail) {
+    const FieldContent content{static_cast<DWORD>(records.size()), records.data(), now, trail};
+    return Send(field_, kFieldShow, &content);
+  }
+  static bool IsLit(const TestBitmap& bitmap, int x, int y) {
+    for (int i = -2; i <= 2; ++i) {
+      if (bitmap.At(1 + x / 2, 1 + y / 2 + i) != kBlack) return true;
+    }
+    return false;
+  }
+};
+
+TEST_F(CameraFieldTest, ShowsMarkersAndTrailsThatFadeAndBreak) {
+  std::vector<StoredRecord> records;
+  for (int i = 0; i <= 100; ++i) {
+    StoredRecord record{i * 0.1, {{i * 8, 290}, kDark, {500, 700}, kDark}, 0};
+    if (i >= 40 && i <= 60) record.points[0] = kDark;
+    records.push_back(record);
+  }
+  TestBitmap bitmap(514, 386);
+  const auto draw = [&] { SendMessageA(field_, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(bitmap.dc()), 0); };
+  EXPECT_EQ(1, Show(records, 10, 8));
+  draw();
+  EXPECT_EQ(0, bitmap.CountOf(0xCCCCCC));
+  EXPECT_LT(20, bitmap.CountOf(PointColor(0)));
+  EXPECT_LT(20, bitmap.CountOf(PointColor(2)));
+  EXPECT_EQ(0, bitmap.CountOf(PointColor(1)));
+  EXPECT_TRUE(IsLit(bitmap, 740, 290) && IsLit(bitmap, 520, 290) && IsLit(bitmap, 220, 290));
+  EXPECT_FALSE(IsLit(bitmap, 400, 290)) << "not seen there";
+  EXPECT_FALSE(IsLit(bitmap, 120, 290)) << "too old";
+  const auto red = [&](int x) { return GetRValue(bitmap.At(1 + x / 2, 1 + 290 / 2)); };
+  EXPECT_GT(red(700), red(520));
+  EXPECT_GT(red(520), red(220));
+
+  EXPECT_EQ(1, Show(records, 10, 0));
+  draw();
+  EXPECT_FALSE(IsLit(bitmap, 740, 290));
+  EXPECT_TRUE(IsLit(bitmap, 800, 290));
+  EXPECT_EQ((kvtest::AccessibleProperties{L"Field", L"1: 800, 290; 3: 500, 700", ROLE_SYSTEM_CHART}),
+            kvtest::ReadAccessible(field_));
+  SendMessageA(field_, WM_COPY, 0, MAKELPARAM(257, 193));
+  EXPECT_EQ(257, kvtest::ClipboardBitmapSize(parent_).cx);
+}
+
+TEST_F(CameraFieldTest, KeepsItsProportionsAndRejectsWhatIsBad) {
+  MoveWindow(field_, 0, 0, 600, 200, TRUE);  // wider than the field
+  TestBitmap bitmap(600, 200);
+  SendMessageA(field_, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(bitmap.dc()), 0);
+  EXPECT_EQ(GetSysColor(COLOR_BTNFACE), bitmap.At(160, 100));
+  EXPECT_EQ(kBlack, bitmap.At(172, 98));
+  const StoredRecord record{1, {{1, 2}, kDark, kDark, kDark}, 0};
+  EXPECT_EQ(1, Show({record}, 1, 1));
+  GuardedBytes tooShort(sizeof(FieldContent) - 1);
+  EXPECT_EQ(0, Send(field_, kFieldShow, tooShort.data()));
+  for (const FieldContent& bad : {FieldContent{2, reinterpret_cast<const StoredRecord*>(16), 0, 1},
+                                  {kFieldMaxRecords + 1, &record, 0, 1},
+                                  {1, &record, NAN, 1},
+                                  {1, &record, 0, -1}}) {
+    EXPECT_EQ(0, Send(field_, kFieldShow, &bad));
+  }
+  EXPECT_EQ(L"1: 1, 2", kvtest::ReadAccessible(field_).value);
+  EXPECT_EQ(1, Show({}, 1, 1));
+  EXPECT_EQ(L"", kvtest::ReadAccessible(field_).value);
+  // Numbers as odd records hold them, and times without an order.
+  EXPECT_EQ(1, Show({{INFINITY, {{-99999, 9999}}, 0}, {-1e300, {{2147483647, 5}}, 0}, {NAN, {{5, 5}}, 0}}, 0, 1e-300));
+  SendMessageA(field_, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(bitmap.dc()), 0);
+}
+
+class TimelineTest : public kvtest::ControlTest<RegisterTimelineClass> {
+ protected:
+  HWND timeline_ = kvtest::CreateControl(parent_, kTimelineClass, "Position", 0, {0, 0, 400, 30}, 9);
+
+  void SetUp() override {
+    const TimelineSpan range{0, 100};
+    ASSERT_EQ(1, Send(timeline_, kTimelineRange, &range));
+  }
+  double Position() const {
+    double position = -1;
+    Send(timeline_, kTimelinePosition | kv::kCommandRead, &position);
+    return position;
+  }
+  std::pair<double, double> Selection() const {
+    TimelineSpan selection{-1, -1};
+    Send(timeline_, kTimelineSelection | kv::kCommandRead, &selection);
+    return {selection.from, selection.to};
+  }
+  void Key(WPARAM key, bool shift = false) const {
+    BYTE keys[256] = {};
+    keys[VK_SHIFT] = shift ? 0x80 : 0;
+    SetKeyboardState(keys);
+    SendMessageA(timeline_, WM_KEYDOWN, key, 0);
+    keys[VK_SHIFT] = 0;
+    SetKeyboardState(keys);
+  }
+  int Notified(WORD code) {
+    kvtest::PumpMessages();
+    int count = 0;
+    for (const auto& each : parent_.seen()) count += each.message == WM_COMMAND && each.wParam == MAKEWPARAM(9, code);
+    parent_.seen().clear();
+    return count;
+  }
+};
+
+TEST_F(TimelineTest, MovesSelectsAndAsksForSteps) {
+  double position = 40;
+  EXPECT_EQ(1, Send(timeline_, kTimelinePosition, &position));
+  EXPECT_EQ(0, Notified(kTimelineNotifyPosition)) << "not the user's";
+  EXPECT_EQ((kvtest::AccessibleProperties{L"Position", L"0:40.000", ROLE_SYSTEM_SLIDER}),
+            kvtest::ReadAccessible(timeline_));
+  Key(VK_RIGHT);
+  EXPECT_EQ(1, Notified(kTimelineNotifyForward));
+  Key(VK_LEFT);
+  EXPECT_EQ(1, Notified(kTimelineNotifyBack));
+  EXPECT_EQ(40, Position());
+  Key(VK_NEXT);
+  EXPECT_EQ(45, Position());
+  EXPECT_EQ(1, Notified(kTimelineNotifyPosition));
+  Key(VK_PRIOR, true);
+  Key(VK_PRIOR, true);
+  EXPECT_EQ(std::pair(35.0, 45.0), Selection());
+  EXPECT_EQ(2, Notified(kTimelineNotifySelection));
+  EXPECT_TRUE(SendMessageA(timeline_, WM_GETDLGCODE, VK_ESCAPE, 0) & DLGC_WANTMESSAGE);
+  Key(VK_ESCAPE);
+  EXPECT_EQ(std::pair(-1.0, -1.0), Selection());
+  Key(VK_END);
+  Key(VK_NEXT);
+  EXPECT_EQ(100, Position());
+  Key(VK_HOME);
+  EXPECT_EQ(0, Position());
+
+  const auto mouse = [&](UINT message, WPARAM keys, int x) {
+    SendMessageA(timeline_, message, keys, MAKELPARAM(x, 15));
+  };
+  mouse(WM_LBUTTONDOWN, MK_LBUTTON, 200);
+  EXPECT_NEAR(50, Position(), 0.5);
+  mouse(WM_MOUSEMOVE, MK_LBUTTON, 4000);
+  EXPECT_EQ(100, Position());
+  mouse(WM_LBUTTONUP, 0, 4000);
+  mouse(WM_MOUSEMOVE, 0, 100);
+  EXPECT_EQ(100, Position());
+  Notified(0);
+  mouse(WM_LBUTTONDOWN, MK_LBUTTON | MK_SHIFT, 300);
+  mouse(WM_MOUSEMOVE, MK_LBUTTON | MK_SHIFT, 105);
+  mouse(WM_LBUTTONUP, MK_SHIFT, 105);
+  EXPECT_NEAR(25, Selection().first, 0.7);
+  EXPECT_NEAR(76, Selection().second, 0.7);
+  EXPECT_EQ(1, Notified(kTimelineNotifySelection));
+  EXPECT_EQ(100, Position());
+}
+
+TEST_F(TimelineTest, MarksStretchesByHeightAndRejectsWhatIsBad) {
+  const std::vector<Stretch> stretches{{StretchKind::kDamaged, 10, 20},
+                                       {StretchKind::kMalformed, 30, 40},
+                                       {StretchKind::kSilent, 50, 60},
+                                       {StretchKind::kDamaged, 80, 80}};  // of no length
+  const TimelineMarks marks{4, stretches.data()};
+  EXPECT_EQ(1, Send(timeline_, kTimelineShowMarks, &marks));
+  double position = 100;
+  Send(timeline_, kTimelinePosition, &position);
+  TestBitmap bitmap(400, 30);
+  SendMessageA(timeline_, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(bitmap.dc()), 0);
+  EXPECT_EQ(0, bitmap.CountOf(0xCCCCCC));
+  const auto height = [&](double time) {
+    const int x = 9 + static_cast<int>(time / 100 * 382);  // the track lies within 9 pixels of either end
+    int rows = 0;
+    for (int y = 6; y < 24; ++y) rows += bitmap.At(x, y) != GetSysColor(COLOR_WINDOW);
+    return rows;
+  };
+  EXPECT_EQ(0, height(5));
+  EXPECT_LT(9, height(10.3));
+  EXPECT_NEAR(9, height(35), 1);
+  EXPECT_NEAR(6, height(50.05), 1);
+  EXPECT_NEAR(1, height(55), 1) << "hollow";
+  EXPECT_EQ(18, height(80.1)) << "however short";
+  const TimelineSpan shorter{0, 30};
+  EXPECT_EQ(1, Send(timeline_, kTimelineRange, &shorter));
+  EXPECT_EQ(30, Position());
+
+  GuardedBytes tooShort(7);
+  const TimelineSpan backwards{2, 1}, endless{0, INFINITY};
+  const Stretch unknown{static_cast<StretchKind>(3), 1, 2}, wrong{StretchKind::kSilent, NAN, 2};
+  const TimelineMarks badMarks[] = {{1, &unknown}, {1, &wrong}, {9, reinterpret_cast<const Stretch*>(16)}};
+  for (const TimelineSpan* bad : {&backwards, &endless}) {
+    EXPECT_EQ(0, Send(timeline_, kTimelineRange, bad));
+    EXPECT_EQ(0, Send(timeline_, kTimelineSelection, bad));
+  }
+  for (const TimelineMarks& bad : badMarks) EXPECT_EQ(0, Send(timeline_, kTimelineShowMarks, &bad));
+  for (const WPARAM code : {kTimelineRange, kTimelinePosition, kTimelineSelection}) {
+    EXPECT_EQ(0, Send(timeline_, code, tooShort.data()));
+  }
+  EXPECT_EQ(0, Send(timeline_, kTimelineSelection | kv::kCommandRead, &position));
+  EXPECT_EQ(30, Position());
+}
+
+}  // namespace
+}  // namespace camview
