@@ -23,7 +23,7 @@ struct StretchStatistics {
   camera::PointSummary points[kv::kPointCount];
 };
 
-// About 0.1 s for eight million records.
+// Some 20 ms for eight million records.
 StretchStatistics ComputeStatistics(const RecordStore& store, double from, double to);
 
 // The share, 0 to 1, of the records with points in which this point is seen.

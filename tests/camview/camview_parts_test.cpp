@@ -264,6 +264,11 @@ TEST(CamviewStatistics, CountLostRecords) {
   EXPECT_EQ((Lost{3, 0}), lost({{0.02, 0}, {0.03, 0}}));
   EXPECT_EQ((Lost{3, 0}), lost({{0.01, kAfterDamagedBytes}, {0.03, kAfterDamagedBytes}}));
   EXPECT_EQ((Lost{100, 99}), lost({{0.02, 0}, {1, kAfterSilence}}));
+  // Whole blocks are added up beforehand.
+  RecordStore blocks;
+  for (int i = 0; i < 5 * kBlockRecords; ++i)
+    blocks.Append(RecordAt((i < 3 * kBlockRecords / 2 ? i : i + 3) * 0.01), 0);
+  EXPECT_EQ(3, ComputeStatistics(blocks, 0, 1e9).lostRecords);
   // An adapter that delivers three records at a time loses none.
   RecordStore store;
   for (int i = 0; i < 300; ++i) store.Append(RecordAt(std::floor(i / 3.0) * 0.032), 0);
