@@ -185,7 +185,7 @@ PortStatus OpenPort(int number, const PortHolders& holders, Port* port) {
   port->claim_ = CreateMutexW(nullptr, FALSE, (L"Global\\camtool " + name).c_str());
   if (!port->claim_ || GetLastError() == ERROR_ALREADY_EXISTS) {
     port->Close();
-    return {PortState::kBusy, 0, "another camtool"};
+    return {PortState::kBusy, 0, "camtool or camview"};
   }
   port->handle_ = kv::OpenCameraPort(number);
   if (port->isOpen()) return {PortState::kOpened, 0, {}};

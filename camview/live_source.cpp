@@ -17,13 +17,12 @@
 #include "camera/record_stream.h"
 #include "camera/recorder.h"
 #include "camview/record_intake.h"
-#include "camview/worker.h"
 
 namespace camview {
 
 namespace {
 
-constexpr DWORD kTurnMs = 100, kRetryMs = 500;
+constexpr DWORD kTurnMs = 100, kRetryMs = 500, kEndMs = 1000;
 constexpr double kRateSeconds = 2;
 
 bool HasPoint(const camera::FoundRecord& record) {
@@ -75,13 +74,7 @@ struct LiveSource::Reader {
   std::mutex recordingLock;
   std::unique_ptr<camera::Recorder> recorder;
 
-  Worker worker;  // the last: its thread ends before the rest goes
-
-  ~Reader() {
-    SetEvent(stop);
-    worker.Wait();
-    CloseHandle(stop);
-  }
+  ~Reader() { CloseHandle(stop); }
   double Seconds() const { return camera::Now() - start; }
   bool IsStopped() const { return WaitForSingleObject(stop, 0) == WAIT_OBJECT_0; }
   void Run();
@@ -198,15 +191,27 @@ void LiveSource::Reader::EndRecording() {
 
 // ---- The main thread ------------------------------------------------------------------------------------------------
 
-LiveSource::LiveSource(int port) : reader_(std::make_unique<Reader>()) {
+DWORD WINAPI LiveSource::RunReader(void* share) {
+  const std::unique_ptr<std::shared_ptr<Reader>> reader(static_cast<std::shared_ptr<Reader>*>(share));
+  (*reader)->Run();
+  return 0;
+}
+
+LiveSource::LiveSource(int port) : reader_(std::make_shared<Reader>()) {
   reader_->number = reader_->status.port = port;
   reader_->start = camera::Now();
   reader_->startTime = camera::TimeOfDay();
-  reader_->worker.Start([reader = reader_.get()] { reader->Run(); });
+  auto* share = new std::shared_ptr<Reader>(reader_);
+  thread_ = CreateThread(nullptr, 0, RunReader, share, 0, nullptr);
+  if (!thread_) delete share;
 }
 
 LiveSource::~LiveSource() {
   StopRecording();
+  SetEvent(reader_->stop);
+  if (!thread_) return;
+  WaitForSingleObject(thread_, kEndMs);
+  CloseHandle(thread_);
 }
 
 void LiveSource::Take(IntakeBatch* batch) {

@@ -65,7 +65,8 @@ class LiveSource {
  public:
   // Starts to open COM`port` (1 to 999). Its clock starts at 0.
   explicit LiveSource(int port);
-  // Ends the recording in good order and closes the port.
+  // Ends the recording in good order and closes the port. Waits a second at most for a device that hangs, whose thread
+  // then ends by itself.
   ~LiveSource();
   LiveSource(const LiveSource&) = delete;
   LiveSource& operator=(const LiveSource&) = delete;
@@ -85,7 +86,10 @@ class LiveSource {
 
  private:
   struct Reader;
-  std::unique_ptr<Reader> reader_;
+  static DWORD WINAPI RunReader(void* share);
+
+  std::shared_ptr<Reader> reader_;  // the thread has a share of its own
+  HANDLE thread_;
 };
 
 }  // namespace camview
