@@ -37,7 +37,7 @@ bool IsUsable(HANDLE handle) {
   return handle && handle != INVALID_HANDLE_VALUE;
 }
 
-// Of which there is one however many names, links and handles lead to it.
+// Two handles may be of one file under different names or links.
 bool IsSameFile(HANDLE a, HANDLE b) {
   BY_HANDLE_FILE_INFORMATION first{}, second{};
   return IsUsable(a) && IsUsable(b) && GetFileType(a) == FILE_TYPE_DISK && GetFileInformationByHandle(a, &first) &&
@@ -45,14 +45,14 @@ bool IsSameFile(HANDLE a, HANDLE b) {
          first.nFileIndexHigh == second.nFileIndexHigh && first.nFileIndexLow == second.nFileIndexLow;
 }
 
-// NUL, CON and COM3 are devices in every folder.
+// NUL, CON and COM3 are devices in any folder.
 bool IsDeviceName(const std::wstring& path) {
   wchar_t full[MAX_PATH];
   const DWORD length = GetFullPathNameW(path.c_str(), MAX_PATH, full, nullptr);
   return length < MAX_PATH && std::wstring_view(full, length).starts_with(L"\\\\.\\");
 }
 
-// What speaks against writing the target; "" if nothing does.
+// Returns the reason why the target must not be written; "" if there is none.
 std::string TargetError(const std::string& path, bool overwrite, HANDLE source, bool* replaces) {
   const std::string quoted = "\"" + path + "\"";
   const char* const isDevice = " is a device, not a file; choose another name";
@@ -102,7 +102,7 @@ bool AppendToOutput(OutputFile* output, std::string_view bytes, std::string* err
     const DWORD failure = done ? ERROR_DISK_FULL : GetLastError();
     rest.remove_prefix(written);
     if (done && written > 0) continue;
-    // What reads a pipe may end when it has seen enough.
+    // The reader of a pipe may end before the writer.
     const bool isClosed = GetFileType(output->file) == FILE_TYPE_PIPE;
     *error = isClosed ? std::string() : CannotWrite(output->path, failure);
     LARGE_INTEGER before{};
@@ -139,7 +139,7 @@ HANDLE OpenForReading(const std::string& path, std::string* error) {
     *error = "there is no standard input";
     return INVALID_HANDLE_VALUE;
   }
-  // A recording can be looked at while it is being made.
+  // Other programs can read a recording while it is written.
   HANDLE file = CreateFileW(Wide(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                             nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
   if (file == INVALID_HANDLE_VALUE) *error = "cannot read \"" + path + "\": " + Reason(GetLastError());
@@ -152,7 +152,7 @@ void CloseInput(HANDLE file) {
 
 namespace {
 
-// The next part of a file; 0 bytes at its end.
+// Reads the next part of a file; 0 bytes at its end.
 bool ReadPart(HANDLE file, const std::string& path, std::string* part, std::string* error) {
   DWORD read = 0;
   part->resize(kPartBytes);
@@ -184,7 +184,7 @@ bool Fail(OpenFailure failure, const std::string& error, RecordingFile* recordin
   return false;
 }
 
-// Feeds the decoder until it knows what the file begins with.
+// Feeds the decoder until it has decoded the header.
 bool ReadHeader(RecordingFile* recording) {
   Chunk none;
   const std::string quoted = "\"" + recording->path + "\"";
@@ -204,7 +204,7 @@ bool ReadHeader(RecordingFile* recording) {
       return Fail(OpenFailure::kUnreadable, error, recording);
     }
     if (recording->part.empty()) {
-      // Cut off within its header: a recording of nothing.
+      // Truncated within the header: a recording without chunks.
       return !recording->decoder.pending.empty() || Fail(OpenFailure::kEmpty, quoted + " is empty", recording);
     }
     FeedDecoder(&recording->decoder, recording->part);

@@ -1,4 +1,4 @@
-// Files: UTF-8 names, errors as sentences. Any thread; a file belongs to one.
+// File access with UTF-8 names and error messages as sentences. Any thread; a file belongs to one thread.
 #pragma once
 
 #include <windows.h>
@@ -12,42 +12,42 @@
 
 namespace camera {
 
-// A file that is being written. Until PublishOutput it has a temporary name in its target's folder, so that a file that
-// is to be replaced stays intact.
+// A file that is being written. Until PublishOutput it has a temporary name in the target's folder, so an existing
+// target stays intact.
 struct OutputFile {
   HANDLE file = INVALID_HANDLE_VALUE;
-  std::string path;       // of the target, as the user wrote it; "-" is standard output
+  std::string path;       // of the target, as given by the user; "-" is standard output
   std::wstring part;      // the temporary name; "" after PublishOutput
   bool replaces = false;  // the target exists and is not empty
   LONGLONG size = 0;
 };
 
-// Creates the file. Rejects a target that is not empty unless `overwrite`, one that is a device, and one that is the
-// same file as `source` (an open file, may be null) under whatever name. False with a sentence in `error`.
+// Creates the file. Rejects a target that is not empty (unless `overwrite`), a device, and the same file as `source`
+// (an open file, may be null) under any name. Returns false with an error message in `error`.
 bool OpenOutput(const std::string& path, bool overwrite, HANDLE source, OutputFile* output, std::string* error);
 
-// Adds bytes: all or (a full disk) none. False with a sentence in `error`, or with none when the reader of
-// standard output has closed it.
+// Appends all bytes, or none (a full disk). Returns false with an error message in `error`, or with an empty one when
+// the reader of standard output has closed it.
 bool AppendToOutput(OutputFile* output, std::string_view bytes, std::string* error);
 
-// Renames the file to its target, replacing it; more can be added afterwards. Does nothing the second time. False, with
-// a sentence in `error` and the target unchanged, on failure.
+// Renames the file to its target, replacing it; more bytes can be appended afterwards. Does nothing the second time. On
+// failure returns false, with an error message in `error`, and the target does not change.
 bool PublishOutput(OutputFile* output, std::string* error);
 
 // Closes the file, and deletes it if it was not published.
 void CloseOutput(OutputFile* output);
 
-// Opens a file for reading; "-" is standard input. Returns INVALID_HANDLE_VALUE, with a sentence in `error`, on
-// failure. CloseInput closes it.
+// Opens a file for reading; "-" is standard input. Returns INVALID_HANDLE_VALUE, with an error message in `error`, on
+// failure. Close with CloseInput.
 HANDLE OpenForReading(const std::string& path, std::string* error);
 void CloseInput(HANDLE file);
 
-// Reads a whole file of at most `limit` bytes; "-" is standard input.
+// Reads a file of at most `limit` bytes; "-" is standard input.
 bool ReadWholeFile(const std::string& path, size_t limit, std::string* bytes, std::string* error);
 
 // ---- Recordings -----------------------------------------------------------------------------------------------------
 
-// Why OpenRecording failed.
+// The reason for a failure of OpenRecording.
 enum class OpenFailure { kNone, kUnreadable, kEmpty, kForeign, kOtherVersion };
 
 struct RecordingFile {
@@ -56,27 +56,28 @@ struct RecordingFile {
   RecordingDecoder decoder;
   size_t truncatedBytes = 0;
   OpenFailure failure = OpenFailure::kNone;
-  std::string part;  // the buffer that is read into
+  std::string part;  // read buffer
   Chunk chunk{};
 };
 
-// False, with a reason in `failure` and a sentence in `error`, when the file cannot be read or is not a recording.
+// Returns false, with the reason in `failure` and an error message in `error`, when the file cannot be read or is not a
+// recording.
 bool OpenRecording(const std::string& path, RecordingFile* recording);
 
-// The next chunk. False at the end of the file, after which `truncatedBytes` is set, and on a failed read (then there
-// is an error).
+// Reads the next chunk. Returns false at the end of the file, when `truncatedBytes` is set, and when reading fails,
+// with an error message.
 bool NextChunk(RecordingFile* recording, Chunk* chunk);
 
-// The records that the next chunk completes (often one, sometimes none), found by `stream`, which is ended after the
-// last chunk. Returns false like NextChunk.
+// Returns the records that the next chunk completes (often one, sometimes none), found by `stream`, which is ended
+// after the last chunk. Returns false like NextChunk.
 bool NextRecords(RecordingFile* recording, RecordStream* stream, std::vector<FoundRecord>* records);
 
-// Starts again with the first chunk.
+// Returns to the first chunk.
 void Rewind(RecordingFile* recording);
 
 void CloseRecording(RecordingFile* recording);
 
-// What was wrong with a recording that was read to its end, as a sentence; "" when nothing was.
+// Describes the damage of a recording that was read to its end, as a sentence; "" if there was none.
 std::string DescribeDamage(const RecordingFile& recording);
 
 }  // namespace camera

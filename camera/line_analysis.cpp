@@ -17,15 +17,14 @@
 
 namespace camera {
 
-// ---- At which rate a camera sends -----------------------------------------------------------------------------------
+// ---- Baud rate of a camera ------------------------------------------------------------------------------------------
 
 namespace {
 
 constexpr size_t kMinBytes = 24;
 constexpr size_t kMinTextBytes = 12;
 constexpr int kModelRecords = 100;
-// How much less likely than the best explanation a byte of the records may be, in nats; random bytes and plain text are
-// beyond 4.
+// The maximum divergence of received bytes from the model, in nats; random bytes and plain text exceed 4.
 constexpr double kMaxDistance = 1.2;
 constexpr double kUnknownByte = 1e-4;
 
@@ -37,7 +36,8 @@ Shares SharesOf(std::string_view bytes) {
   return shares;
 }
 
-// Records with all kinds of digits, garbled one by one, as a camera that pauses between them sends them.
+// Byte frequencies of records with varied digits, received one by one at another rate, as from a camera that pauses
+// between them.
 Shares SharesOfRecords(int sentRate, int receiverRate) {
   std::mt19937 random(1);
   std::string received;
@@ -55,7 +55,7 @@ Shares SharesOfRecords(int sentRate, int receiverRate) {
   return SharesOf(received);
 }
 
-// How badly `model` explains what was seen: 0 when the shares are the same (Kullback and Leibler's divergence).
+// The Kullback-Leibler divergence of `seen` from `model`: 0 for equal frequencies.
 double Distance(const Shares& seen, const Shares& model) {
   double distance = 0;
   for (size_t i = 0; i < seen.size(); ++i) {
@@ -64,7 +64,7 @@ double Distance(const Shares& seen, const Shares& model) {
   return distance;
 }
 
-// The level of the line (true = idle) in the time of the sender's bit number `bit`.
+// Returns the level of the line (true = idle) during the sender's bit number `bit`.
 bool LevelAt(std::string_view sent, std::int64_t bit) {
   const auto index = static_cast<size_t>(bit / 10);
   if (index >= sent.size()) return true;
@@ -76,7 +76,7 @@ bool LevelAt(std::string_view sent, std::int64_t bit) {
 }  // namespace
 
 std::string ReceiveAtRate(std::string_view sent, int sentRate, int receiverRate) {
-  // In units of which a bit of either side has a whole number, and half of one.
+  // In units in which a bit of either side, and half of it, are integers.
   const std::int64_t sentBit = 2LL * receiverRate, receiverBit = 2LL * sentRate;
   const auto bits = static_cast<std::int64_t>(sent.size()) * 10;
   const auto level = [&](std::int64_t time) { return LevelAt(sent, time / sentBit); };
@@ -90,7 +90,7 @@ std::string ReceiveAtRate(std::string_view sent, int sentRate, int receiverRate)
     int byte = 0;
     for (int i = 0; i < 8; ++i) byte |= level(sample += receiverBit) << i;
     received += static_cast<char>(byte);
-    // On from the middle of the stop bit; where that is missing, from where the line is idle again.
+    // Continues at the middle of the stop bit or, if it is missing, when the line is idle again.
     bit = (sample + receiverBit) / sentBit;
     while (bit < bits && !LevelAt(sent, bit)) ++bit;
   }
@@ -118,7 +118,7 @@ bool LooksLikeRecords(std::string_view bytes) {
   size_t commas = 0, strange = 0, before = bytes.npos;
   for (size_t at = bytes.find(','); at != bytes.npos; before = at, at = bytes.find(',', at + 1)) {
     ++commas;
-    // Five apart within a record, eleven from one to the next.
+    // Commas are five bytes apart within a record, and eleven from one record to the next.
     if (before != bytes.npos && at - before != 5 && at - before != 11) ++strange;
   }
   return commas >= 2 && strange == 0;
@@ -131,7 +131,8 @@ bool LooksLikeText(std::string_view bytes) {
   return !bytes.empty() && static_cast<double>(prints) >= 0.9 * static_cast<double>(bytes.size());
 }
 
-// ---- How a press finds the camera -----------------------------------------------------------------------------------
+// ---- Probability that the button finds the camera
+// -----------------------------------------------------------------------------------
 
 namespace {
 
@@ -144,7 +145,7 @@ struct Read {
   double end;
 };
 
-// The read whose first bytes are those of `first`.
+// Returns the read that starts with the bytes of `first`.
 Read ReadFrom(std::span<const Arrival> arrivals, size_t first) {
   int bytes = 0;
   for (size_t i = first;; ++i) {
@@ -162,11 +163,11 @@ Read ReadFrom(std::span<const Arrival> arrivals, size_t first) {
 double DetectionProbability(std::span<const Arrival> arrivals, double from, double to) {
   double found = 0, all = 0, before = from;
   for (size_t i = 0; i < arrivals.size(); ++i) {
-    // Every read that begins between the arrivals before and this one brings the same bytes; those that begin too early
-    // give up before.
+    // All reads that start between the previous arrival and this one return the same bytes; those that start too early
+    // time out.
     const double now = arrivals[i].seconds;
     const Read read = ReadFrom(arrivals, i);
-    // A read that the end of the time truncates says nothing.
+    // A read that is truncated by the end of the time is not counted.
     if (read.end > to) break;
     all += now - before;
     if (read.bytes > static_cast<int>(kv::kSilentPortBytes)) {

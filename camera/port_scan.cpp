@@ -18,18 +18,18 @@ namespace camera {
 
 namespace {
 
-// A whole scan takes less than two seconds, with room for starting and for a busy machine.
+// A scan takes less than two seconds, including start-up on a busy machine.
 constexpr double kListenSeconds = 0.9;
 constexpr double kTryRatesUntil = 1.4;
 constexpr double kGiveUpSeconds = 1.6;
 constexpr DWORD kTurnMs = 50;
-// How long to try a rate: this time, or as long as this many bytes take if that is longer.
+// The time to try a rate: at least this, or the time of this number of bytes if that is longer.
 constexpr double kMinTrySeconds = 0.045;
 constexpr double kBytesOfTry = 20;
 constexpr size_t kSampleBytes = 512;
 constexpr size_t kProbeStack = 256 * 1024;
 
-// Reads a port until that time, or until `isStopped`.
+// Reads a port until that time or until `isStopped`.
 void Listen(HANDLE port, double until, const std::atomic<bool>& isStopped, PortReport* listened) {
   PortReport& report = *listened;
   PortReader reader(port);
@@ -49,7 +49,7 @@ void Listen(HANDLE port, double until, const std::atomic<bool>& isStopped, PortR
   report.detectionProbability = DetectionProbability(report.arrivals, from, Now());
 }
 
-// What is received at another baud rate.
+// Returns the bytes received at another baud rate.
 std::string ListenAt(HANDLE port, int rate, double seconds) {
   kv::SetPortBaudRate(port, static_cast<DWORD>(rate));
   PurgeComm(port, PURGE_RXCLEAR);
@@ -60,11 +60,11 @@ std::string ListenAt(HANDLE port, int rate, double seconds) {
     const auto leftMs = static_cast<DWORD>((until - Now()) * 1000 + 1);
     if (reader.Read(leftMs, nullptr, &bytes, &arrival) == PortReader::Outcome::kBytes) received += bytes;
   }
-  // The first byte may have begun at the rate before.
+  // The first byte may have begun at the previous rate.
   return received.substr(std::min<size_t>(received.size(), 1));
 }
 
-// For a port that sends what makes no sense: first the rates that its bytes suggest, then the usual ones.
+// For a port that sends neither records nor text: tries the rates that its bytes suggest, then the usual ones.
 void TryRates(HANDLE port, double until, const std::atomic<bool>& isStopped, PortReport* listened) {
   PortReport& report = *listened;
   report.guessedRates = GuessRates(report.sample, static_cast<int>(kv::kCameraBaudRate));
@@ -86,8 +86,8 @@ void TryRates(HANDLE port, double until, const std::atomic<bool>& isStopped, Por
 
 }  // namespace
 
-// One port's part of a scan. Its thread writes `report` and then `isDone`; nobody else touches the report before. The
-// scan and the thread each own a share: a thread that hangs keeps its own.
+// The scan of one port. Its thread writes `report` and then sets `isDone`; nothing else accesses the report before.
+// Scan and thread share ownership, so a blocked thread keeps its probe alive.
 struct PortScan::Probe {
   PortReport report;
   std::shared_ptr<const PortHolders> holders;

@@ -1,5 +1,5 @@
-// What is on COM1 to COM98: all ports are opened at once, as Tarnwick opens them, and read for about a second, each on
-// a thread of its own. One thread for each scan.
+// Scans COM1 to COM98: opens all ports at once, as Tarnwick does, and reads each for about a second on its own thread.
+// A scan belongs to one thread.
 #pragma once
 
 #include <memory>
@@ -15,17 +15,17 @@ namespace camera {
 
 struct PortReport {
   int number = 0;
-  bool isComplete = false;  // false: not yet; when the scan is over, opening it takes longer than that
+  bool isComplete = false;  // false: still being opened or read, or opening takes longer than the scan
   PortStatus port;
   RecordStream stream;
   std::vector<Arrival> arrivals;
-  std::string sample;  // the first bytes that came
+  std::string sample;  // the first bytes received
   double listenedSeconds = 0;
-  bool wasDisconnected = false;     // failed while it was read
+  bool wasDisconnected = false;     // the port failed while it was read
   double detectionProbability = 0;  // of one press of Tarnwick's button
   std::vector<int> recordRates;     // baud rates at which records were received
-  std::vector<int> textRates;       // at which other text was received
-  std::vector<int> guessedRates;    // at which its bytes could be records, if none were received
+  std::vector<int> textRates;       // baud rates at which other text was received
+  std::vector<int> guessedRates;    // baud rates that may give records, if none were received
 };
 
 inline bool IsCamera(const PortReport& report) {
@@ -35,16 +35,16 @@ inline bool IsCamera(const PortReport& report) {
 class PortScan {
  public:
   PortScan();
-  // Lets go of the ports within a twentieth of a second, without waiting for that.
+  // Closes the ports within 50 ms, without waiting for that.
   ~PortScan();
   PortScan(const PortScan&) = delete;
   PortScan& operator=(const PortScan&) = delete;
 
-  // Starts a scan; what still hangs from the one before is not asked again.
+  // Starts a scan; ports still blocked from the previous scan are not opened again.
   void Start();
-  // All ports have answered, or the time for that is over.
+  // Returns whether all ports are complete or the time is over.
   bool IsOver() const;
-  // Of all ports, in their order; complete for those that have answered.
+  // Returns the reports of all ports in order; those of complete ports are final.
   std::vector<PortReport> Reports() const;
 
  private:

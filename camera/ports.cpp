@@ -39,11 +39,12 @@ bool WaitExactlyUntil(double time, HANDLE stop) {
   return true;
 }
 
-// ---- Who has a port open --------------------------------------------------------------------------------------------
+// ---- Programs that have a port open
+// --------------------------------------------------------------------------------------------
 
 namespace {
 
-// Of ntdll, which no import library of every tool chain has, and which winternl.h declares only in part.
+// From ntdll, for which not every toolchain has an import library, and which winternl.h declares only in part.
 using QueryObject = NTSTATUS(NTAPI*)(HANDLE, int, void*, ULONG, ULONG*);
 using QuerySystem = NTSTATUS(NTAPI*)(int, void*, ULONG, ULONG*);
 constexpr int kObjectName = 1;
@@ -89,12 +90,12 @@ std::string ProgramOf(HANDLE process) {
   return text.substr(text.find_last_of("\\/") + 1);
 }
 
-// Whether several programs can have one serial port open at a time, as with Wine.
+// Returns whether several programs can open a serial port at the same time, as with Wine.
 bool SharesPorts() {
   return GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr;
 }
 
-// What the system itself calls an open device; "" when it has no name.
+// Returns the system's name of an open device; "" when it has none.
 std::wstring DeviceName(HANDLE device) {
   const auto query = Native<QueryObject>("NtQueryObject");
   alignas(UNICODE_STRING) char reply[2048];
@@ -104,7 +105,7 @@ std::wstring DeviceName(HANDLE device) {
   return name->Buffer ? std::wstring(name->Buffer, name->Length / sizeof(wchar_t)) : std::wstring();
 }
 
-// Notes the holder when the other process's handle is of a device of characters.
+// Adds the other process as a holder if its handle is of a character device.
 void AddHolder(HANDLE process, HANDLE theirs, PortHolders* holders) {
   HANDLE mine = nullptr;
   if (!DuplicateHandle(process, theirs, GetCurrentProcess(), &mine, 0, FALSE, DUPLICATE_SAME_ACCESS)) return;
@@ -152,8 +153,8 @@ PortState StateFor(DWORD error) {
     case ERROR_PATH_NOT_FOUND: return PortState::kAbsent;
     case ERROR_SHARING_VIOLATION:
     case ERROR_BUSY: return PortState::kBusy;
-    // Windows says "access denied" when another program has the port; that a user has no right to a port is so rare
-    // there that the sentence only mentions it. Elsewhere the two are told apart.
+    // Windows reports "access denied" when another program has the port open; there, missing rights are so rare that
+    // the sentence only mentions them. Elsewhere the two are distinguished.
     case ERROR_ACCESS_DENIED: return SharesPorts() ? PortState::kAccessDenied : PortState::kBusy;
     default: return PortState::kUnusable;
   }
@@ -177,11 +178,11 @@ PortStatus OpenPort(int number, const PortHolders& holders, Port* port) {
     const DWORD error = GetLastError();
     return {StateFor(error), error, {}};
   }
-  // Known before anything is set: settings and purges would disturb whoever is at work there.
+  // Before anything is set: settings and purges would disturb the program that uses the port.
   const auto holder = holders.empty() ? holders.end() : holders.find(DeviceName(probe));
   CloseHandle(probe);
   if (holder != holders.end()) return {PortState::kBusy, 0, holder->second};
-  // Two that start in the same moment find no holder; which of them has the port is decided by who makes this first.
+  // Two programs that start at the same time find no holder; the one that creates this mutex first gets the port.
   port->claim_ = CreateMutexW(nullptr, FALSE, (L"Global\\camtool " + name).c_str());
   if (!port->claim_ || GetLastError() == ERROR_ALREADY_EXISTS) {
     port->Close();
@@ -215,7 +216,7 @@ std::string WhyNotOpened(int number, const PortStatus& status) {
 // ---- Reading --------------------------------------------------------------------------------------------------------
 
 PortReader::PortReader(HANDLE port) : port_(port), event_(CreateEventA(nullptr, TRUE, FALSE, nullptr)) {
-  // None: a read of one byte ends when there is one.
+  // No timeouts: a read of one byte completes when there is one.
   COMMTIMEOUTS timeouts{};
   SetCommTimeouts(port_, &timeouts);
 }
@@ -247,7 +248,7 @@ PortReader::Outcome PortReader::Read(DWORD waitMs, HANDLE stop, std::string* byt
   DWORD read = 0;
   if (!GetOverlappedResult(port_, &overlapped_, &read, FALSE) || read == 0) return Outcome::kGone;
   bytes->assign(1, first_);
-  // A line brings bytes one by one; a record of its own for each would cost more than the bytes.
+  // Bytes arrive one by one; a chunk for each would take more space than the bytes.
   Sleep(kGatherMs);
   DWORD errors = 0;
   COMSTAT state{};

@@ -1,5 +1,5 @@
-// COM ports: opened for one program alone, with a reason when that fails, and read with the time of each arrival.
-// Any thread; a port and its reader belong to one.
+// COM ports: exclusive opening with a reason for failure, and reading with the time of each arrival. Any thread; a port
+// and its reader belong to one thread.
 #pragma once
 
 #include <windows.h>
@@ -11,32 +11,32 @@ namespace camera {
 
 // ---- The clock ------------------------------------------------------------------------------------------------------
 
-// Seconds on a clock that only goes forward.
+// Returns seconds of a monotonic clock.
 double Now();
 
-// Sleeps until that time of the clock; returns at once when it has passed. As exact as the system's timer period, which
-// the caller sets.
+// Sleeps until that time; returns at once if it has passed. As precise as the system's timer period, which the caller
+// sets.
 void SleepUntil(double time);
 
-// The same, but `stop` ends it early. False when it was signalled.
+// The same, but returns false as soon as `stop` is signalled.
 bool WaitUntil(double time, HANDLE stop);
 
-// The same, to some microseconds on an idle machine: the last two milliseconds, by which a system may wake a thread too
-// late, are spent looking at the clock. They take a processor core.
+// The same with a precision of microseconds on an idle machine: busy-waits for the last two milliseconds, by which a
+// system may wake a thread too late.
 bool WaitExactlyUntil(double time, HANDLE stop);
 
 // ---- Opening --------------------------------------------------------------------------------------------------------
 
 enum class PortState { kOpened, kAbsent, kBusy, kAccessDenied, kUnusable };
 
-// How opening a port went.
+// The result of opening a port.
 struct PortStatus {
   PortState state = PortState::kAbsent;
-  DWORD error = 0;     // the system's
-  std::string holder;  // the program that uses a busy port, where the system tells
+  DWORD error = 0;     // system error code
+  std::string holder;  // the program that uses a busy port, if known
 };
 
-// An open port, which no other program that uses this header can open meanwhile. The destructor closes it.
+// An open port, which other users of this header cannot open meanwhile. The destructor closes it.
 class Port {
  public:
   Port() = default;
@@ -54,15 +54,15 @@ class Port {
   HANDLE claim_ = nullptr;
 };
 
-// Which program has which serial device open, by the device's own name. Empty on Windows, which lets only one program
-// open a port; Wine lets several, and each would get a part of the bytes.
+// The programs that have serial devices open, by the device's system name. Empty on Windows, where only one program can
+// open a port; with Wine several can, and each would receive a part of the bytes.
 using PortHolders = std::map<std::wstring, std::string>;
 PortHolders FindPortHolders();
 
-// Opens COM`number` (1 to 999) with the camera's line settings, as Tarnwick does. `port` is closed first.
+// Opens COM`number` (1 to 999) with the camera's line settings, as Tarnwick does. Closes `port` first.
 PortStatus OpenPort(int number, const PortHolders& holders, Port* port);
 
-// Why a port was not opened and what to do, as a sentence.
+// Returns a sentence with the reason why a port was not opened, and what to do.
 std::string WhyNotOpened(int number, const PortStatus& status);
 
 // ---- Reading and writing --------------------------------------------------------------------------------------------
@@ -76,8 +76,8 @@ class PortReader {
   PortReader& operator=(const PortReader&) = delete;
 
   enum class Outcome { kBytes, kNothing, kGone };
-  // Waits until bytes come, `waitMs` have passed or `stop` (may be null) is signalled. Bytes that follow within a
-  // millisecond or two come along. `seconds` is when the first came, by Now(). kGone: the port failed; its
+  // Waits until bytes arrive, `waitMs` have passed or `stop` (may be null) is signalled. Bytes that follow within a
+  // millisecond or two are included. `seconds` is the time of the first, by Now(). kGone: the port failed, because its
   // device was unplugged.
   Outcome Read(DWORD waitMs, HANDLE stop, std::string* bytes, double* seconds);
 
@@ -89,7 +89,7 @@ class PortReader {
   bool isPending_ = false;
 };
 
-// Writes all bytes. When nothing reads the other end, buffers fill up; the bytes are then lost (kLost), as on a real
+// Writes all bytes. When the other end does not read and the buffers are full, the bytes are lost (kLost), as on a real
 // line, instead of delaying later ones.
 enum class Written { kAll, kLost, kGone };
 Written WritePort(HANDLE port, const char* bytes, size_t size, DWORD timeoutMs);

@@ -20,16 +20,15 @@ namespace {
 constexpr size_t kFieldBytes = 39;  // fields and commas, without the closing bytes
 constexpr size_t kFieldPitch = 5;
 
-// Whether a field is a number as the camera writes it: digits to its end, with blanks or a plus in front of them at
-// most.
+// Returns whether a field is a number as the camera writes it: digits, preceded only by blanks or a plus.
 bool IsNumber(std::string_view field) {
   field.remove_prefix(std::min(field.find_first_not_of(' '), field.size()));
   if (field.starts_with('+')) field.remove_prefix(1);
   return !field.empty() && std::ranges::all_of(field, [](char byte) { return byte >= '0' && byte <= '9'; });
 }
 
-// Whether a record says the points that Tarnwick reads from it. The last number is read on into the closing bytes when
-// they begin with a digit.
+// Returns whether Tarnwick reads other points than a record contains. The last number continues into the closing bytes
+// if they begin with a digit.
 bool IsOdd(std::string_view record) {
   for (size_t at = 0; at < kFieldBytes; at += kFieldPitch) {
     if (!IsNumber(record.substr(at, kFieldPitch - 1))) return true;
@@ -37,7 +36,8 @@ bool IsOdd(std::string_view record) {
   return record[kFieldBytes] >= '0' && record[kFieldBytes] <= '9';
 }
 
-// The points of a record of four digits for each number, as a camera sends it. False for any other, which takes longer.
+// Parses a record with four digits for each number, as a camera sends it. Returns false for any other, which takes
+// longer to parse.
 bool ParseDigits(const char* record, kv::CameraPoint (&points)[kv::kPointCount]) {
   LONG numbers[2 * kv::kPointCount];
   for (LONG& number : numbers) {
@@ -49,7 +49,7 @@ bool ParseDigits(const char* record, kv::CameraPoint (&points)[kv::kPointCount])
     }
     record += kFieldPitch;
   }
-  if (record[-1] >= '0' && record[-1] <= '9') return false;  // which the last number would be read on into
+  if (record[-1] >= '0' && record[-1] <= '9') return false;  // the last number would continue there
   for (int i = 0; i < kv::kPointCount; ++i) points[i] = {numbers[2 * i], numbers[2 * i + 1]};
   return true;
 }
@@ -58,13 +58,13 @@ bool IsInRange(const kv::CameraPoint& point) {
   return std::min(point.x, point.y) >= 0 && std::max(point.x, point.y) <= kv::kNoPoint;
 }
 
-// Besides the shape: no comma in place of a closing byte. That happens when a record is truncated after a field and
-// the next one follows; taken together they would be a record that no camera sent.
+// In addition to the shape, there must be no comma in place of a closing byte: that happens when a record is truncated
+// after a field and followed by the next one, and no camera sends such a record.
 bool IsRecord(const char* bytes) {
   return kv::HasRecordShape(bytes) && bytes[kFieldBytes] != ',';
 }
 
-// Returns how many malformed bytes it had.
+// Returns its number of malformed bytes.
 long long CloseStretch(RecordStream* stream) {
   MalformedStretch& open = stream->open;
   const long long bytes = open.bytes;
@@ -84,7 +84,7 @@ long long CloseStretch(RecordStream* stream) {
 }
 
 void AddRecord(RecordStream* stream, const char* bytes, double seconds, std::vector<FoundRecord>* found) {
-  // A field that cannot be read (behind a zero byte) keeps its last value, as in Tarnwick.
+  // A field that cannot be parsed (after a zero byte) keeps its last value, as in Tarnwick.
   FoundRecord& record = stream->last;
   record.seconds = seconds;
   record.malformedSince = stream->open.seconds;
@@ -125,7 +125,7 @@ void FeedStream(RecordStream* stream, double seconds, std::string_view bytes, st
   stream->pending += bytes;
   stream->pieces.push_back({stream->pending.size(), seconds});
   const RecordStream::Piece* piece = stream->pieces.data();
-  // When the byte at that place came; asked in rising order.
+  // Returns the time of the byte at that offset; called in ascending order.
   const auto secondsAt = [&](size_t place) {
     while (piece->end <= place) ++piece;
     return piece->seconds;
@@ -147,7 +147,7 @@ void FeedStream(RecordStream* stream, double seconds, std::string_view bytes, st
 }
 
 void EndStream(RecordStream* stream) {
-  // After garbage the rest is garbage as well; after a record it is a truncated record.
+  // After malformed bytes the rest is malformed as well; after a record it is a truncated record.
   if (stream->open.bytes > 0 || stream->records == 0) {
     size_t at = 0;
     for (const RecordStream::Piece& piece : stream->pieces) {
@@ -184,7 +184,7 @@ std::string CsvHeader() {
 }
 
 void AppendCsvRow(const FoundRecord& record, std::string* text) {
-  // Millions of rows: printf would take most of the time of an export.
+  // For millions of rows, printf would take most of the time of an export.
   char row[32 + kv::kPointCount * 24];
   const auto microseconds = std::llround(record.seconds * 1e6);
   char* end = std::to_chars(row, std::end(row), microseconds / 1000000).ptr;

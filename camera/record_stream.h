@@ -1,6 +1,6 @@
 // Finds the camera's records in a stream of bytes that may begin anywhere and contain anything, and counts what is
-// between them. A record is what Tarnwick accepts, 41 bytes with seven commas in their places, unless it is the
-// beginning of one record and the end of another. Pure, any thread.
+// between them. A record is what Tarnwick accepts: 41 bytes with seven commas at their positions, unless it consists of
+// the beginning of one record and the end of another. Pure, any thread.
 #pragma once
 
 #include <windows.h>
@@ -14,19 +14,19 @@
 namespace camera {
 
 struct FoundRecord {
-  double seconds;  // when its last byte came
+  double seconds;  // time of its last byte
   kv::CameraPoint points[kv::kPointCount];
-  bool isOdd;                // a number is not all digits; Tarnwick reads it all the same
+  bool isOdd;                // a number is not all digits; Tarnwick reads it nevertheless
   bool isInRange;            // all coordinates are 0 to 1023
-  long long malformedBytes;  // right before it
-  double malformedSince;     // when the first of them came
+  long long malformedBytes;  // directly before it
+  double malformedSince;     // time of the first of them
 };
 
-// Bytes between records that belong to none.
+// Consecutive bytes that do not belong to a record.
 struct MalformedStretch {
-  double seconds;  // when its first byte came
+  double seconds;  // time of its first byte
   long long bytes;
-  std::string sample;  // the first of them
+  std::string sample;  // the first bytes
 };
 
 inline constexpr size_t kStretchSample = 24;
@@ -39,7 +39,7 @@ struct RecordStream {
   long long records = 0;
   long long oddRecords = 0;
   long long outOfRange = 0;  // of the odd ones
-  long long leadBytes = 0;   // less than a record at the very beginning: the stream began within a record
+  long long leadBytes = 0;   // less than a record at the beginning: the stream began within a record
   long long malformedBytes = 0;
   long long malformedStretches = 0;
   double firstSeconds = 0, lastSeconds = 0;  // of the first and the last record
@@ -49,57 +49,58 @@ struct RecordStream {
   FoundRecord last{};                       // valid when there are records
   std::vector<MalformedStretch> stretches;  // the first kMaxStretches
 
-  std::string pending;  // fewer bytes than a record between calls; at the end, a truncated record
+  std::string pending;  // less than a record between calls; at the end, a truncated record
   struct Piece {
     size_t end;  // in `pending`
     double seconds;
   };
-  std::vector<Piece> pieces;  // when which part of it came
-  MalformedStretch open{};    // the stretch that has not ended yet, if it has bytes
+  std::vector<Piece> pieces;  // arrival times of its parts
+  MalformedStretch open{};    // the stretch that has not ended, if it has bytes
   double lastArrival = -1;
 };
 
-// Bytes that were received at that time, which never goes back. Records that are complete now are added to `found`,
-// which may be null.
+// Processes bytes received at `seconds`, which never decreases. Appends completed records to `found`, which may be
+// null.
 void FeedStream(RecordStream* stream, double seconds, std::string_view bytes, std::vector<FoundRecord>* found);
 
-// Ends the stretch that may be open. Called once, after the last bytes.
+// Ends an open stretch. Call once, after the last bytes.
 void EndStream(RecordStream* stream);
 
-// Records a second between the first and the last one; 0 with fewer than two.
+// Returns the records per second between the first and the last one; 0 with fewer than two.
 double RecordRate(const RecordStream& stream);
 
-// Which part of the records was well-formed, 0 to 1: a malformed stretch counts as the records that it has room for.
+// Returns the fraction of well-formed records, 0 to 1. A malformed stretch counts as the number of records of its
+// length.
 double WellFormedShare(const RecordStream& stream);
 
 // "1 malformed stretch, 20 bytes"; "no malformed stretches".
 std::string DescribeMalformed(const RecordStream& stream);
 
-// The names of the columns, and a record's row; each ends with a line feed. Seconds (not negative) have six decimals; a
-// point that the camera does not see is 1023,1023, as it sends it.
+// The line of column names, and the line of a record, with line feeds. Seconds (not negative) have six decimals; a
+// point that the camera does not see is 1023,1023, as the camera sends it.
 std::string CsvHeader();
 void AppendCsvRow(const FoundRecord& record, std::string* text);
 
 // ---- Statistics of a point ------------------------------------------------------------------------------------------
 
-// Sums of whole numbers, which are exact: coordinates are at most 1023, so that they have room for 8 trillion records.
+// Integer sums, which are exact: coordinates are at most 1023, so the sums suffice for 8 trillion records.
 struct Spread {
   LONG lowest = 0, highest = 0;
   long long sum = 0, squares = 0;
 };
 
 struct PointSummary {
-  long long seen = 0;  // records with the point; the rest is valid when there are any
+  long long seen = 0;  // records with the point; x and y are valid if there are any
   Spread x, y;
 };
 
-// Adds the point of a record in range; one with a coordinate of 1023 is not seen.
+// Adds the point of a record in range. A point with a coordinate of 1023 is not seen.
 void AddPoint(const kv::CameraPoint& point, PointSummary* summary);
 
-// Adds what another summary has seen.
+// Adds another summary.
 void AddSummary(const PointSummary& other, PointSummary* summary);
 
-// Mean and standard deviation in camera units; 0 without values, and for fewer than two.
+// Mean (0 without values) and standard deviation (0 for fewer than two values) in camera units.
 double Mean(const Spread& spread, long long count);
 double Deviation(const Spread& spread, long long count);
 

@@ -34,7 +34,7 @@ std::uint64_t TimeOfDay() {
 bool BeginRecording(Recorder* recorder, int port, std::string* error) {
   recorder->start = recorder->flush = Now();
   const std::string header = EncodeHeader({TimeOfDay(), kv::kCameraBaudRate, static_cast<std::uint32_t>(port)});
-  // What a recording replaces stays until the new one holds something.
+  // A replaced recording remains until the new one contains data.
   return AppendToOutput(&recorder->file, header, error) &&
          (recorder->file.replaces || PublishOutput(&recorder->file, error));
 }
@@ -44,7 +44,7 @@ bool AddToRecording(Recorder* recorder, double time, std::string_view bytes, std
   const double size = static_cast<double>(recorder->file.size) + static_cast<double>(chunk.size() + kChunkOverhead);
   if (recorder->sizeLimit > 0 && size > recorder->sizeLimit) return false;
   if (!AppendToOutput(&recorder->file, chunk, error) || !PublishOutput(&recorder->file, error)) return false;
-  // A crash of this process loses nothing; a machine that loses its power loses at most this much.
+  // A crash of this process loses nothing; a power failure loses at most this interval.
   if (recorder->file.path != "-" && time - recorder->flush >= kFlushSeconds) {
     FlushFileBuffers(recorder->file.file);
     recorder->flush = time;

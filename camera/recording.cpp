@@ -15,7 +15,7 @@ constexpr size_t kChunkHead = 12;
 constexpr size_t kChecksum = 4;
 constexpr size_t kCompactAt = 65536;
 
-// The checksum of a byte that is followed by 0 to 3 zero bytes: four bytes are taken at a time.
+// Checksums of a byte followed by 0 to 3 zero bytes, to process four bytes at a time.
 using CrcTables = std::array<std::array<std::uint32_t, 256>, 4>;
 
 constexpr CrcTables MakeCrcTables() {
@@ -58,13 +58,13 @@ Decoded DecodeHeader(RecordingDecoder* decoder) {
   const size_t seen = std::min(file.size(), kRecordingMagic.size());
   if (file.substr(0, seen) != kRecordingMagic.substr(0, seen)) return Decoded::kNoRecording;
   if (file.size() < kRecordingHeaderBytes) return Decoded::kNeedMore;
-  // A damaged header costs its own facts only: the chunks do not need them.
+  // A damaged header loses only its own data, which chunks do not need.
   const auto size = static_cast<size_t>(Get(file, 8, 4));
   const bool isWhole = Crc32(file.substr(0, kRecordingHeaderBytes - kChecksum)) == Get(file, 36, 4);
   decoder->version = static_cast<std::uint32_t>(Get(file, 12, 4));
   if (isWhole && decoder->version != kRecordingVersion) return Decoded::kOtherVersion;
   if (isWhole && size >= kRecordingHeaderBytes && size <= kCompactAt) {
-    // A longer header is skipped.
+    // Skips the rest of a longer header.
     if (file.size() < size) return Decoded::kNeedMore;
     decoder->header = {Get(file, 16, 8), static_cast<std::uint32_t>(Get(file, 24, 4)),
                        static_cast<std::uint32_t>(Get(file, 28, 4))};
@@ -150,7 +150,7 @@ Decoded DecodeNext(RecordingDecoder* decoder, Chunk* chunk) {
     }
     if (rest.size() < size + kChunkOverhead) return Decoded::kNeedMore;
     const std::string_view whole = rest.substr(0, kChunkHead + size);
-    const std::uint64_t microseconds = Get(rest, 4, 8);  // one that goes back makes a huge difference, too
+    const std::uint64_t microseconds = Get(rest, 4, 8);  // a time that goes back makes a huge difference, too
     if (Crc32(whole) != Get(rest, whole.size(), 4) || microseconds - decoder->endTime > kMaxSilence) {
       SkipByte(decoder);
       continue;

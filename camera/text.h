@@ -1,4 +1,4 @@
-// Texts. Pure, any thread.
+// Text functions. Pure, any thread.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 namespace camera {
 
-// printf's rules, cut at 1,000 characters.
+// Formats by printf's rules, truncated to 1,000 characters.
 #if defined(__GNUC__) && !defined(__clang__)  // which knows other names for the two forms
 __attribute__((format(gnu_printf, 1, 2)))
 #endif
@@ -16,14 +16,14 @@ Format(const char* format, ...);
 // "1 byte", "0 bytes", "2 bytes".
 std::string Counted(unsigned long long count, const char* noun);
 
-// UTF-8 text as a string of JSON, in quotes.
+// Converts UTF-8 text to a quoted JSON string.
 std::string JsonString(std::string_view text);
 
-// Between UTF-8 and the system's texts.
+// Convert between UTF-8 and UTF-16.
 std::wstring Wide(std::string_view text);
 std::string Narrow(std::wstring_view text);
 
-// Text with every byte that does not print, and the backslash, as \xHH.
+// Replaces each byte that is not printable, and the backslash, by \xHH.
 std::string Printable(std::string_view bytes);
 
 }  // namespace camera

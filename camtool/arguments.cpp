@@ -18,7 +18,7 @@ namespace camtool {
 
 namespace {
 
-// std::visit's usual helper: a visitor made of one lambda for each type.
+// Visitor for std::visit with a lambda for each type.
 template <class... Cases>
 struct Match : Cases... {
   using Cases::operator()...;
@@ -74,7 +74,7 @@ bool IsSwitch(const Option& option) {
   return std::holds_alternative<bool*>(option.target);
 }
 
-// Reads the option at arguments[*at]; moves `at` to its last argument.
+// Reads the option at arguments[*at] and moves `at` to its last argument.
 bool ReadOption(std::span<const std::string> arguments, std::span<const Option> options, size_t* at,
                 std::string* error) {
   const std::string& argument = arguments[*at];
@@ -127,7 +127,7 @@ bool ParseArguments(std::span<const std::string> arguments, std::span<const Opti
 }
 
 bool ParseNumber(std::string_view text, double* number) {
-  // strtod takes blanks in front, hexadecimal numbers, infinities and what is no number, too.
+  // strtod also accepts leading blanks, hexadecimal numbers, infinity and NaN.
   if (text.empty() || text.find_first_not_of("0123456789.+-eE") != text.npos) return false;
   const std::string copy(text);
   char* end = nullptr;

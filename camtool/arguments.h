@@ -1,5 +1,5 @@
-// The command line behind a command's name. A command describes its options in a table, from which the arguments
-// are read and its help is written. Pure, any thread.
+// Parses the arguments of a command. A command describes its options in a table, which is used for parsing and for its
+// help. Pure, any thread.
 #pragma once
 
 #include <span>
@@ -12,42 +12,41 @@
 
 namespace camtool {
 
-// A number within limits, both included. Its name for messages is the option's.
+// A number within inclusive limits. Messages use the option's name.
 struct NumberOption {
   double* number;
   double lowest, highest;
 };
 
-// A count of bytes, which may end with K, M or G (1024 each).
+// A number of bytes with an optional suffix K, M or G (1024 each).
 struct SizeOption {
   double* bytes;
 };
 
 struct Option {
   const char* name;   // "--rate"
-  const char* value;  // what help calls its value; null for a switch, which has a bool
+  const char* value;  // name of the value in the help; null for a switch, whose target is a bool
   const char* help;
   std::variant<bool*, NumberOption, SizeOption, std::string*, Trigger*> target;
 };
 
-// Sorts arguments into options, whose targets are set, and operands, whose names are given as help shows them: "FILE
-// [CSV]" for one that is required and one that is not. On false `error` says in a sentence what is wrong, and targets
-// may be half set. "--name value" and "--name=value" are the same; after "--" all are operands, and "-" is one
-// everywhere.
+// Splits arguments into options, which set their targets, and operands. `names` are the operands as shown in the help:
+// "FILE [CSV]" has a required and an optional one. Returns false with an error message in `error`; some targets may be
+// set then. "--name value" and "--name=value" are equivalent; everything after "--" is an operand, and "-" always is.
 bool ParseArguments(std::span<const std::string> arguments, std::span<const Option> options, std::string_view names,
                     std::vector<std::string>* operands, std::string* error);
 
-// The whole text as a number.
+// Parses the whole text as a number.
 bool ParseNumber(std::string_view text, double* number);
 
-// "COM1" to "COM999", in any case. 0 for anything else.
+// Returns the number of "COM1" to "COM999", ignoring case; 0 for anything else.
 int ParsePort(std::string_view text);
 
-// How often a fault happens: "5%" or "0.05" is a chance for each record, "50" means every 50th record, "10s" and
-// "500ms" a period.
+// Parses the frequency of a fault: "5%" or "0.05" is a probability for each record, "50" means every 50th record, "10s"
+// and "500ms" are periods.
 bool ParseTrigger(std::string_view text, Trigger* trigger);
 
-// A line for each option, for help.
+// Returns a line of help for each option.
 std::string DescribeOptions(std::span<const Option> options);
 
 }  // namespace camtool

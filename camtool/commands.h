@@ -1,5 +1,4 @@
-// camtool's commands and exit codes. Each command has a file of its own that holds its settings, the table of its
-// options and what it does.
+// camtool's commands and exit codes. Each command has its own file with its settings, option table and implementation.
 #pragma once
 
 #include <span>
@@ -10,7 +9,7 @@
 
 namespace camtool {
 
-// The exit codes, for scripts. The same number means the same in every command; each command's help lists its own.
+// Exit codes, for scripts. A code has the same meaning in every command; each command's help lists its own.
 inline constexpr int kDone = 0;
 inline constexpr int kFailed = 1;
 inline constexpr int kUsageError = 2;
@@ -36,13 +35,13 @@ inline constexpr ExitCode kExitCodes[] = {
 
 struct Command {
   const char* name;
-  const char* operands;  // as help shows them; see ParseArguments
+  const char* operands;  // as shown in the help; see ParseArguments
   const char* purpose;   // one line
-  const char* details;   // what else help says; lines end with line feeds
+  const char* details;   // more help; lines end with line feeds
   std::span<const Option> options;
   std::span<const int> exitCodes;
-  // Takes the operands, the options' targets being set, and returns the exit code; kUsageError makes main name the
-  // help.
+  // Runs the command with its operands, after the options' targets are set, and returns the exit code. For kUsageError,
+  // main refers to the help.
   int (*run)(const std::vector<std::string>& operands);
 };
 

@@ -16,16 +16,16 @@ namespace {
 
 constexpr DWORD kConsolePeriodMs = 250;
 constexpr DWORD kLogPeriodMs = 10000;
-// Windows ends a process whose console is closed five seconds after it has been told so.
+// Windows ends a process five seconds after its console is closed.
 constexpr DWORD kClosingMs = 4500;
 
 HANDLE stopEvent = nullptr;
-std::atomic<bool> isStopRequested{false};  // written by the handler's thread
+std::atomic<bool> isStopRequested{false};  // set by the handler's thread
 
 BOOL WINAPI OnConsoleControl(DWORD event) {
   isStopRequested = true;
   SetEvent(stopEvent);
-  // After these the process ends when this handler returns: the main thread needs the time to end its work.
+  // After these events the process ends when this handler returns; wait until the main thread has finished.
   if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) Sleep(kClosingMs);
   return TRUE;
 }
@@ -40,7 +40,7 @@ bool IsConsole(HANDLE handle) {
 HANDLE StopEvent() {
   if (!stopEvent) {
     stopEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
-    // A process started in the background may have been told to ignore Ctrl+C.
+    // A process started in the background may inherit that it ignores Ctrl+C.
     SetConsoleCtrlHandler(nullptr, FALSE);
     SetConsoleCtrlHandler(OnConsoleControl, TRUE);
   }

@@ -1,4 +1,4 @@
-// What commands print besides their results, and how they are told to stop.
+// Messages of commands besides their results, and stop requests.
 #pragma once
 
 #include <windows.h>
@@ -10,28 +10,28 @@
 
 namespace camtool {
 
-// From the first call on, Ctrl+C, Ctrl+Break and the closing of the console window do not end the process but signal
-// this event (manual reset), so that a command can end what it does in good order. Main thread only.
+// After the first call, Ctrl+C, Ctrl+Break and closing the console window signal this event (manual reset) instead of
+// ending the process, so that a command can finish properly. Main thread only.
 HANDLE StopEvent();
-// Cheap enough to call for each record.
+// Fast enough to call for each record.
 bool IsStopRequested();
 
 // Prints "camtool: " and the sentence to standard error.
 void PrintError(const std::string& sentence);
 
-// Opens COM`number` or says on standard error why not.
+// Opens COM`number` or prints the reason for failure to standard error.
 bool OpenPortOrPrintError(int number, camera::Port* port);
 
-// Reads "COM1" to "COM999". 0, and a sentence on standard error, for anything else.
+// Parses "COM1" to "COM999". For anything else, returns 0 and prints an error to standard error.
 int PortOrPrintError(const std::string& text);
 
-// Prints to standard error what the rows of a stream that has ended do not show: what was not a record, what was odd,
-// and what was wrong with the recording (`damage`, may be "").
+// Prints to standard error what the rows of a finished stream do not show: malformed bytes, odd records, and the damage
+// of the recording (`damage`, may be "").
 void PrintStreamReport(const camera::RecordStream& stream, const std::string& damage);
 
 bool IsConsole(HANDLE handle);
 
-// Progress on standard error: on a console, one line that is updated four times a second; elsewhere, a line every ten
+// Progress on standard error: on a console, a line that is updated four times a second; otherwise a line every ten
 // seconds.
 class ProgressLine {
  public:
@@ -40,7 +40,7 @@ class ProgressLine {
   ProgressLine(const ProgressLine&) = delete;
   ProgressLine& operator=(const ProgressLine&) = delete;
 
-  // Whether it is time for the next line.
+  // Returns whether it is time for the next line.
   bool IsDue();
   void Show(const std::string& text);
   // Removes the line.

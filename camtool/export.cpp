@@ -54,7 +54,7 @@ bool WriteRows(Exporter* exporter) {
 
 int ExportAll(Exporter* exporter) {
   const bool done = WriteRows(exporter);
-  // Who reads standard output has seen enough.
+  // The reader of standard output has closed it.
   if (!done && exporter->error.empty()) return kDone;
   if (exporter->error.empty()) exporter->error = exporter->recording.error;
   if (exporter->error.empty() && IsStopRequested()) exporter->error = "interrupted before the end of the recording";

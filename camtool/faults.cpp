@@ -15,7 +15,7 @@ namespace {
 constexpr size_t kClosingBytes = 2;
 constexpr std::uint32_t kMaxGarbageBytes = 64;
 
-// The library's distributions differ between compilers; these do not.
+// The standard library's distributions differ between compilers; these do not.
 double Chance(std::mt19937* random) {
   return (*random)() / 4294967296.0;
 }
@@ -58,13 +58,13 @@ FaultStep InjectFaults(FaultInjector* injector, double seconds, std::string_view
   ++injector->records;
   std::array<bool, kFaultCount> fires;
   for (int fault = 0; fault < kFaultCount; ++fault) {
-    // Drawn for every fault, so that one more fault in the plan leaves the others where they were.
+    // Drawn for every fault, so that adding a fault to the plan does not change the others.
     const double drawn = Chance(&injector->random);
     fires[fault] = Fires(injector->plan.triggers[fault], drawn, injector->records, injector->lastSeconds, seconds);
     injector->happened[fault] += fires[fault];
   }
   injector->lastSeconds = seconds;
-  // What happens to the bytes draws from a source of its own, for the same reason.
+  // The details of faults use a separate generator, for the same reason.
   std::mt19937 details(injector->random());
 
   FaultStep step;

@@ -1,5 +1,5 @@
-// What can go wrong on the way from the camera, made on purpose: which bytes a line with faults carries in place of the
-// records that were sent. The same plan with the same seed gives the same bytes. Pure, any thread.
+// Simulates faults of a serial line: returns the bytes to send in place of the records. The same plan with the same
+// seed gives the same bytes. Pure, any thread.
 #pragma once
 
 #include <array>
@@ -10,23 +10,23 @@
 
 namespace camtool {
 
-// How often something happens.
+// The frequency of a fault.
 struct Trigger {
   enum Kind { kNever, kChance, kEveryNth, kPeriod } kind = kNever;
-  double amount = 0;  // chance 0 to 1 for each record; a count of records; seconds
+  double amount = 0;  // probability 0 to 1 for each record; number of records; seconds
 };
 
 enum Fault {
   kDropFault,       // the record is not sent
   kDuplicateFault,  // it is sent twice, without a pause between
   kCorruptFault,    // one to three of its bytes are replaced
-  kCutFault,        // it ends early
+  kCutFault,        // it is truncated
   kMergeFault,      // it loses its closing bytes and runs into the next one
   kGarbageFault,    // up to 64 random bytes come before it
   kPauseFault,      // nothing is sent for a while after it
   kHangUpFault,     // the port is closed after it for a while, then opened again
-  kSlowFault,       // from it on, records come slowly for a while
-  kFastFault,       // from it on, records come too fast for a while
+  kSlowFault,       // the following records are sent slowly for a while
+  kFastFault,       // the following records are sent too fast for a while
   kFaultCount
 };
 
@@ -37,20 +37,20 @@ struct FaultPlan {
   std::array<Trigger, kFaultCount> triggers{};
   double pauseSeconds = 0.5;
   double hangUpSeconds = 2;
-  double stretchSeconds = 2;  // how long slow and fast last
+  double stretchSeconds = 2;  // duration of slow and fast
   std::uint32_t seed = 1;
 };
 
-// How much the pace changes.
+// Factors of the pace.
 inline constexpr double kSlowPace = 0.25;
 inline constexpr double kFastPace = 3;
 
-// What is to be sent in place of one record.
+// What to send in place of a record.
 struct FaultStep {
   std::string bytes;
   double pauseSeconds = 0;   // afterwards, nothing is sent
   double hangUpSeconds = 0;  // afterwards, the port is closed
-  double pace = 1;           // of the next record: 2 = in half the time
+  double pace = 1;           // for the next record: 2 = in half the time
 };
 
 struct FaultInjector {
@@ -60,12 +60,12 @@ struct FaultInjector {
   long records = 0;
   double lastSeconds = 0;
   double slowUntil = 0, fastUntil = 0;
-  std::string held;  // a merged record that waits for the next one
+  std::string held;  // a merged record, to be sent with the next one
 };
 
 FaultInjector MakeFaultInjector(const FaultPlan& plan);
 
-// The next record, which is due at that time of the camera's own clock (from 0, never backwards).
+// Applies faults to the next record, which is due at `seconds` of the camera's clock (from 0, never decreasing).
 FaultStep InjectFaults(FaultInjector* injector, double seconds, std::string_view record);
 
 }  // namespace camtool

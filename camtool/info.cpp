@@ -1,4 +1,4 @@
-// camtool info: what a recording holds.
+// camtool info: properties and statistics of a recording.
 #include <windows.h>
 
 #include <cmath>
@@ -34,7 +34,7 @@ struct Facts {
   camera::PointSummary points[kv::kPointCount];
 };
 
-// "" when the header does not tell.
+// Returns "" when the header has no start time.
 std::string StartOf(const Facts& facts, const char* format) {
   const std::uint64_t start = facts.file.decoder.header.startTime;
   const FILETIME time = {static_cast<DWORD>(start), static_cast<DWORD>(start >> 32)};

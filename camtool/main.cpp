@@ -1,5 +1,5 @@
-// camtool: a console program that looks at the camera's line, keeps what came over it and stands in for the camera.
-// Results go to standard output, everything else to standard error. docs/camtool.md is its reference.
+// camtool: a console program that examines the camera's line, records and replays its bytes, and simulates the camera.
+// Results go to standard output, everything else to standard error. See docs/camtool.md.
 #include <windows.h>
 
 #include <shellapi.h>
@@ -54,7 +54,7 @@ void PrintHelp(const Command& command) {
   }
 }
 
-// Records are 11 ms apart; the default timer is too coarse for that. It stays fine until the process ends.
+// Records are 11 ms apart, which requires a finer timer than the default, until the process ends.
 void UseFineTimer() {
   decltype(&timeBeginPeriod) begin;
   kv::FindProcedure(LoadLibraryA("winmm.dll"), "timeBeginPeriod", &begin);
@@ -115,7 +115,7 @@ int Run(std::span<const std::string> arguments) {
 
 int main() {
   kv::RestrictLibrarySearch();
-  // Not main's own arguments: they cannot hold every file name.
+  // Not main's arguments, which cannot represent every file name.
   int count = 0;
   LPWSTR* words = CommandLineToArgvW(GetCommandLineW(), &count);
   std::vector<std::string> arguments;
@@ -123,6 +123,6 @@ int main() {
   LocalFree(words);
   const int result = camtool::Run(arguments);
   std::fflush(stdout);
-  // Not by return: a thread that still waits for a port that does not answer must not hold the process.
+  // Not by returning from main: threads that are blocked on a port must not delay the end of the process.
   ExitProcess(static_cast<UINT>(result));
 }

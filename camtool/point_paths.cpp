@@ -23,7 +23,7 @@ struct Curve {
   double centreX, centreY, radiusX, radiusY;  // camera units
   double turnsX, turnsY;                      // turns a minute
   double phase;                               // turns
-  double hiddenFrom;                          // seconds into the cycle at which the point vanishes
+  double hiddenFrom;                          // seconds into the cycle at which the point disappears
 };
 
 constexpr double kCycleSeconds = 24;
@@ -72,7 +72,7 @@ std::string_view Trimmed(std::string_view text) {
 }
 
 std::vector<std::string_view> SplitColumns(std::string_view line) {
-  // Spreadsheets choose by country; a line with several kinds is split at the first of these.
+  // The separator depends on the spreadsheet's locale; a line with several kinds is split at the first of these.
   char separator = ',';
   for (const char candidate : {'\t', ';'}) {
     if (line.find(candidate) != line.npos) separator = candidate;

@@ -1,4 +1,4 @@
-// Where the simulated camera's points are: on built-in curves, or on a path from a file. Pure, any thread.
+// Positions of the simulated camera's points: on built-in curves, or on a path from a file. Pure, any thread.
 #pragma once
 
 #include <string>
@@ -9,9 +9,9 @@
 
 namespace camtool {
 
-// Where the four points are `seconds` after the start: smooth closed curves inside the camera's field. Each point
-// vanishes now and then (both coordinates kv::kNoPoint) and comes back where its path has led meanwhile; at least two
-// points are always there.
+// Returns the four points `seconds` after the start: smooth closed curves inside the camera's field. Each point
+// disappears at times (both coordinates kv::kNoPoint) and reappears further along its path; at least two points are
+// always visible.
 void PointsAt(double seconds, kv::CameraPoint (&points)[kv::kPointCount]);
 
 struct PathRow {
@@ -21,17 +21,17 @@ struct PathRow {
 
 struct PointPath {
   std::vector<PathRow> rows;
-  bool hasTimes = false;  // else each row is for one record
+  bool hasTimes = false;  // otherwise there is a row for each record
 };
 
-// Reads a path: a row for each moment with up to four x,y pairs, after the time in seconds (in rows
-// with an odd number of columns), which never goes back. Columns are separated by commas, semicolons or tabs. A first
-// row without numbers is a heading; empty lines are skipped. Coordinates are 0 to 1023; an empty pair, or one that is
-// missing, is a point that is not seen. On false `error` says what is wrong in which line.
+// Parses a path. Each row has up to four x,y pairs, and in rows with an odd number of columns first the time in
+// seconds, which never decreases. Columns are separated by commas, semicolons or tabs. A first row without numbers is a
+// heading; empty lines are skipped. Coordinates are 0 to 1023; an empty or missing pair is a point that is not seen.
+// Returns false with an error message, which contains the line number, in `error`.
 bool ParsePath(std::string_view text, PointPath* path, std::string* error);
 
-// The points `seconds` after the start, for record number `record` (from 0). At its end the path starts again; its
-// last row lasts as long as the one before it.
+// Returns the points `seconds` after the start, for record number `record` (from 0). The path repeats; its last row
+// lasts as long as the one before it.
 void PointsOnPath(const PointPath& path, double seconds, long record, kv::CameraPoint (&points)[kv::kPointCount]);
 
 }  // namespace camtool

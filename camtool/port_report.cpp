@@ -18,7 +18,7 @@ namespace camtool {
 namespace {
 
 constexpr size_t kSampleShown = 32;
-// A pause that puts Tarnwick's reader back in step.
+// A pause that realigns Tarnwick's reader.
 constexpr double kRealigningGap = 0.005;
 constexpr char kIndent[] = "                      ";
 
@@ -76,7 +76,7 @@ std::string DescribeOther(const camera::PortReport& report) {
   return text;
 }
 
-// One or more lines for a port that exists.
+// Returns the lines for a port that exists.
 std::string DescribePort(const camera::PortReport& report) {
   if (!report.isComplete) {
     return Line(report.number, "hangs", "opening it takes longer than the scan; its device does not respond");
@@ -125,7 +125,7 @@ std::string DescribePorts(std::span<const camera::PortReport> reports, bool all)
 }
 
 std::string DescribeVerdict(std::span<const camera::PortReport> reports) {
-  // Tarnwick asks the ports in this order and takes the first that says enough, whatever it says.
+  // Tarnwick reads the ports in this order and selects the first that sends enough bytes, whatever they are.
   double stillSearching = 1, findsCamera = 0;
   const camera::PortReport* likeliest = nullptr;
   double likeliestChance = 0;

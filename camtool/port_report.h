@@ -1,4 +1,4 @@
-// What a scan has found out about the ports, as text. Pure, any thread.
+// Describes the results of a scan as text. Pure, any thread.
 #pragma once
 
 #include <span>
@@ -8,10 +8,10 @@
 
 namespace camtool {
 
-// The lines of all ports; those that are absent are put together unless `all`.
+// Returns the lines for all ports; absent ones are summarised unless `all`.
 std::string DescribePorts(std::span<const camera::PortReport> reports, bool all);
 
-// Which port Tarnwick would take, and how likely one press finds the camera.
+// Returns which port Tarnwick would select, and the probability that one press of its button finds the camera.
 std::string DescribeVerdict(std::span<const camera::PortReport> reports);
 
 }  // namespace camtool

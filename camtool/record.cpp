@@ -22,8 +22,8 @@ constexpr DWORD kTurnMs = 100;
 constexpr DWORD kForwardTimeoutMs = 20;
 
 struct Settings {
-  double seconds = 0;  // 0 = without end
-  double size = 0;     // bytes of the file, 0 = without limit
+  double seconds = 0;  // 0 = no limit
+  double size = 0;     // maximum file size in bytes; 0 = no limit
   bool overwrite = false;
   std::string forward;
 } settings;
@@ -45,7 +45,7 @@ struct Recording {
   std::string error;
 };
 
-// False when the file is as large as it may be or was not written.
+// Returns false when the file has reached its size limit or could not be written.
 bool Store(Recording* recording, double time, const std::string& bytes) {
   if (!camera::AddToRecording(&recording->recorder, time, bytes, &recording->error)) return false;
   camera::FeedStream(&recording->stream, time - recording->recorder.start, bytes, nullptr);
@@ -63,7 +63,7 @@ std::string Progress(const Recording& recording, double seconds, long long recor
                         recording.stream.bytes);
 }
 
-// Returns the sentence that says why the recording ended before its time, or "".
+// Returns a sentence with the reason why the recording ended early, or "".
 std::string Record(Recording* recording, int port) {
   HANDLE stop = StopEvent();
   camera::PortReader reader(recording->port.handle());

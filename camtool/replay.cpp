@@ -19,12 +19,12 @@ namespace camtool {
 namespace {
 
 constexpr DWORD kTimeoutMs = 20;
-// Between the rounds of a truncated recording, which does not say how long it lasted.
+// Between the rounds of a truncated recording, whose duration is unknown.
 constexpr double kSeamSeconds = 0.011;
 
 struct Settings {
   double speed = 1;
-  double seconds = 0;  // 0 = without end
+  double seconds = 0;  // 0 = no limit
   bool loop = false;
 } settings;
 
@@ -50,13 +50,13 @@ bool IsOver(const Player& player) {
          (settings.seconds > 0 && camera::Now() - player.start >= settings.seconds);
 }
 
-// Waits until a moment of the play, but not beyond the end that was asked for. False when the play is over by then.
+// Waits until `moment`, but not beyond the time limit. Returns false when the replay is over by then.
 bool WaitUntilDue(const Player& player, double moment) {
   const double end = settings.seconds > 0 ? player.start + settings.seconds : moment;
   return camera::WaitExactlyUntil(std::min(moment, end), StopEvent()) && moment <= end;
 }
 
-// One round, which begins at that time of the clock; returns when the next one would begin.
+// Replays one round, which begins at `begin`; returns when the next one begins.
 double PlayRound(Player* player, double begin, ProgressLine* progress) {
   camera::Chunk chunk;
   while (!IsOver(*player) && camera::NextChunk(&player->recording, &chunk)) {
@@ -88,7 +88,7 @@ int Play(Player* player, int port) {
       if (player->rounds == 1) damage = camera::DescribeDamage(player->recording);
       if (player->recording.decoder.chunks == 0) break;
     } while (settings.loop && !IsOver(*player) && WaitUntilDue(*player, begin));
-    // The quiet at the end belongs to the recording.
+    // The silence at the end is part of the recording.
     if (!settings.loop && !IsOver(*player)) WaitUntilDue(*player, begin);
   }
   std::printf("%lld bytes sent, %lld lost because nothing read them, %.1f s\n", player->bytes, player->lostBytes,

@@ -1,4 +1,4 @@
-// camtool scan: what is on each port, and which one Tarnwick would take.
+// camtool scan: reports what each port sends, and which one Tarnwick would select.
 #include <windows.h>
 
 #include <algorithm>
@@ -40,7 +40,7 @@ int RunScan(const std::vector<std::string>&) {
     scan.Start();
     while (!scan.IsOver() && !IsStopRequested()) camera::WaitUntil(camera::Now() + kTurnSeconds, StopEvent());
     const std::vector<camera::PortReport> reports = scan.Reports();
-    // What a scan that was interrupted has seen says nothing about the ports that it has not.
+    // The results of an interrupted scan are incomplete.
     if (IsStopRequested() && settings.watch) break;
     found = std::ranges::any_of(reports, camera::IsCamera);
     std::printf("%s\n%s", DescribePorts(reports, settings.all).c_str(), DescribeVerdict(reports).c_str());

@@ -1,4 +1,4 @@
-// camtool simulate: stands in for the camera, with the faults that a line can have.
+// camtool simulate: simulates the camera, with the faults of a serial line.
 #include <windows.h>
 
 #include <cstdint>
@@ -22,14 +22,14 @@ namespace camtool {
 
 namespace {
 
-// A start bit, 8 data bits and a stop bit for each byte: what the line can carry, in whole records.
+// 10 bits for each byte: the maximum number of complete records per second.
 constexpr double kMaxRate = static_cast<int>(kv::kCameraBaudRate / 10 / kv::kRecordLength);
 constexpr size_t kMaxPathFileBytes = 64 * 1024 * 1024;
 constexpr double kReopenSeconds = 0.25;
 
 struct Settings {
   double rate = kMaxRate;  // records a second
-  double seconds = 0;      // 0 = without end
+  double seconds = 0;      // 0 = no limit
   double seed = 1;
   std::string path;
   FaultPlan faults;
@@ -90,7 +90,7 @@ std::string RecordAt(const Camera& camera, double seconds, long index) {
   return std::string(record, sizeof(record));
 }
 
-// Closes the port and comes back to it, as a camera does whose plug was loose; waits as long as something else has it.
+// Closes the port and opens it again, as with a loose plug; waits as long as another program uses it.
 void HangUp(Camera* camera, double until) {
   camera->port.Close();
   while (camera::WaitUntil(until, StopEvent())) {
@@ -101,7 +101,7 @@ void HangUp(Camera* camera, double until) {
 }
 
 void Stream(Camera* camera) {
-  // `due` is the camera's own clock, on which a run with faults repeats itself; what the line makes of it is not.
+  // `due` is the camera's clock, by which faults repeat; delays of the line do not affect it.
   double due = 0;
   ProgressLine progress;
   for (long i = 0; !camera->isGone; ++i) {

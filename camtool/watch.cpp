@@ -1,4 +1,4 @@
-// camtool watch: the records of a port or a recording as lines of text.
+// camtool watch: prints the records of a port or a recording as lines of text.
 #include <windows.h>
 
 #include <cstddef>
@@ -23,7 +23,7 @@ constexpr DWORD kTurnMs = 100;
 constexpr double kSilentSeconds = 5;
 
 struct Settings {
-  double seconds = 0;  // 0 = without end
+  double seconds = 0;  // 0 = no limit
   bool csv = false, json = false;
 } settings;
 
@@ -40,7 +40,7 @@ struct Watcher {
   camera::RecordStream stream;
   std::vector<camera::FoundRecord> found;
   std::string buffer, error;
-  bool isOver = false;  // the time that was asked for has passed
+  bool isOver = false;  // the time limit has passed
 };
 
 bool IsSeen(const kv::CameraPoint& point) {
@@ -72,8 +72,7 @@ bool Flush(Watcher* watcher) {
   return done;
 }
 
-// The lines of the records that were found last, of which `isLive` shows each at once. False when they cannot be
-// written.
+// Prints the last records found, at once if `isLive`. Returns false when they cannot be written.
 bool Show(Watcher* watcher, bool isLive) {
   for (const camera::FoundRecord& record : watcher->found) {
     watcher->isOver = settings.seconds > 0 && record.seconds > settings.seconds;
@@ -89,7 +88,7 @@ bool Show(Watcher* watcher, bool isLive) {
   return !(isLive || watcher->buffer.size() >= kBufferBytes) || Flush(watcher);
 }
 
-// The exit code of a watch that ended early, or kDone.
+// Returns the exit code of a watch that ended early, or kDone.
 int EndOf(const Watcher& watcher) {
   if (watcher.error.empty()) return kDone;
   PrintError(watcher.error);
@@ -107,7 +106,7 @@ int WatchRecording(Watcher* watcher, const std::string& path) {
          NextRecords(&recording, &watcher->stream, &watcher->found)) {
     isWritten = Show(watcher, path == "-");
   }
-  // Without an error, whoever reads standard output has closed it.
+  // Without an error message, the reader of standard output has closed it.
   isWritten = isWritten && Flush(watcher);
   if (watcher->error.empty()) watcher->error = recording.error;
   const bool isWhole = isWritten && watcher->error.empty() && !watcher->isOver && !IsStopRequested();
