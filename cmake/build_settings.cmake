@@ -1,5 +1,5 @@
-# What every target of this project is compiled and linked with. These are settings of our folders and not of our
-# targets, so nobody who links the library inherits them.
+# Compiler and linker settings for all targets of this project. They are properties of folders, not of targets, so users
+# of the library do not inherit them.
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -10,16 +10,16 @@ add_compile_definitions(NOMINMAX WINVER=0x0600 _WIN32_WINNT=0x0600 _WIN32_IE=0x0
 if(MSVC)
   add_compile_definitions(_CRT_SECURE_NO_WARNINGS)
   add_compile_options("$<$<COMPILE_LANGUAGE:C,CXX>:/W4;/utf-8;/arch:SSE2;/permissive->")
-  set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)  # sharing them needs its targets' debug databases to be one
-  add_link_options(/MANIFEST:NO)  # the resource scripts bring it
+  set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)  # sharing them requires a common debug database
+  add_link_options(/MANIFEST:NO)  # the resource scripts contain the manifest
   set(warnings_are_errors /WX)
 else()
-  # GCC 12 sees overflows in std::string's own code, the more with precompiled headers; clang, in ./lint, looks for ours.
-  # -fpch-preprocess lets compiler caches work with precompiled headers.
+  # GCC 12 reports false overflows in std::string, more with precompiled headers; clang, in ./lint, checks this tree's
+  # code. -fpch-preprocess is for compiler caches with precompiled headers.
   set(gcc_options
     "$<$<CXX_COMPILER_ID:GNU>:-Wno-restrict;-Wno-array-bounds;-Wno-stringop-overflow;-Wno-stringop-overread;-fpch-preprocess>")
-  # Double arithmetic must not pass through x87's 80 bits: calendar and mesh results would depend on the optimiser.
-  # No path of the build machine stays in what is built, so that two builds give the same bytes.
+  # SSE2, because with x87's 80 bits calendar and mesh results would depend on the optimiser. Paths of the build machine
+  # are removed, so that builds are reproducible.
   add_compile_options(
     "$<$<COMPILE_LANGUAGE:C,CXX>:-Wall;-Wextra;-Wno-missing-field-initializers;${gcc_options};-msse2;-mfpmath=sse>"
     "$<$<COMPILE_LANGUAGE:C,CXX>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>"
@@ -33,7 +33,7 @@ else()
   endif()
 endif()
 
-# In a project that adds this one, a newer compiler's new warning must not stop the build.
+# In a project that adds this one, a newer compiler's new warning must not be an error.
 if(PROJECT_IS_TOP_LEVEL)
   add_compile_options($<$<COMPILE_LANGUAGE:C,CXX>:${warnings_are_errors}>)
 endif()

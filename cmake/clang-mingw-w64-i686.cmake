@@ -1,5 +1,5 @@
-# The same target seen by another compiler: clang with MinGW-w64's headers, run-time and linker. What only it warns of is
-# an error in this build; the programs that people get are GCC's.
+# The same target with another compiler: clang with MinGW-w64's headers, runtime and linker. Its warnings are errors in
+# this build; releases are built with GCC.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 
@@ -12,7 +12,7 @@ set(CMAKE_CXX_COMPILER_TARGET i686-w64-mingw32)
 set(CMAKE_RC_COMPILER i686-w64-mingw32-windres)
 set(CMAKE_RC_FLAGS_INIT "-c 65001")
 foreach(kind EXE SHARED MODULE)
-  set(CMAKE_${kind}_LINKER_FLAGS_INIT "-pthread")  # GCC adds it by itself with its posix thread model
+  set(CMAKE_${kind}_LINKER_FLAGS_INIT "-pthread")  # GCC with the posix thread model adds it itself
 endforeach()
 
 set(CMAKE_FIND_ROOT_PATH /usr/i686-w64-mingw32)

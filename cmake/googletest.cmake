@@ -1,4 +1,4 @@
-# The tests' library, as GTest::gtest: an installed one, else Debian's sources, else the maker's.
+# GoogleTest as GTest::gtest: an installed one, Debian's sources, or a download.
 find_package(GTest 1.12 CONFIG QUIET)
 if(GTest_FOUND)
   return()

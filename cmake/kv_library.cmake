@@ -1,18 +1,17 @@
-# The library's target. The folders add their sources and their public headers: those that others may include, and that
-# are installed.
+# The library's target. The folders add their sources and their public headers, which are installed.
 add_library(kv STATIC)
 add_library(kv::kv ALIAS kv)
 target_compile_features(kv PUBLIC cxx_std_20)
 target_link_libraries(kv PUBLIC comctl32 comdlg32 shell32 advapi32 gdi32 user32)
 
-# The library is C++: whoever links it needs the compiler's run-time libraries. They go into the program, which then
-# starts on every Windows; a target with the property KV_SHARED_RUNTIME takes them as DLLs.
+# Programs that link the library need the compiler's runtime libraries. They are linked statically, so that programs run
+# on every Windows; a target with the property KV_SHARED_RUNTIME uses the DLLs.
 if(NOT MSVC)
   target_link_options(kv INTERFACE "$<$<NOT:$<BOOL:$<TARGET_PROPERTY:KV_SHARED_RUNTIME>>>:-static>")
 endif()
 
-# What nearly every file reads is read once, and other targets may reuse it. A file still includes what it uses: ./lint
-# builds without this.
+# Common headers are precompiled, and other targets can reuse them. Files still include what they use: ./lint builds
+# without precompiled headers.
 target_precompile_headers(kv PRIVATE <windows.h> <algorithm> <array> <cmath> <cstdint> <cstdio> <cstring> <iterator> <span>
   <string> <string_view> <utility> <vector>)
 

@@ -1,4 +1,4 @@
-# What others get of the library. Its headers are found as <kv/framework/dialog.h>, in this tree by forwarding headers.
+# Installs the library. Its headers are found as <kv/framework/dialog.h>; forwarding headers provide that in this tree.
 get_target_property(public_headers kv HEADER_SET)
 foreach(header IN LISTS public_headers)
   cmake_path(RELATIVE_PATH header BASE_DIRECTORY ${PROJECT_SOURCE_DIR} OUTPUT_VARIABLE name)
@@ -23,7 +23,7 @@ install(TARGETS kv EXPORT kvTargets
 install(FILES ${PROJECT_BINARY_DIR}/generated/framework/version.h DESTINATION include/kv/framework COMPONENT sdk)
 install(EXPORT kvTargets NAMESPACE kv:: DESTINATION ${package_dir} COMPONENT sdk)
 configure_package_config_file(cmake/kvConfig.cmake.in kvConfig.cmake INSTALL_DESTINATION ${package_dir})
-# Of its architecture the package speaks itself, in plainer words.
+# The package checks the architecture itself, with a clearer message.
 write_basic_package_version_file(kvConfigVersion.cmake COMPATIBILITY SameMinorVersion ARCH_INDEPENDENT)
 install(FILES
   ${CMAKE_CURRENT_BINARY_DIR}/kvConfig.cmake

@@ -1,5 +1,5 @@
-# Cross tool chain: 32-bit Windows programs from Linux, for this tree and for programs that use the library. Wine runs what
-# was built (tests, resource steps).
+# Cross toolchain for 32-bit Windows programs on Linux, for this tree and for programs that use the library. Built
+# programs (tests, resource steps) run with Wine.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 

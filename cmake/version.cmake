@@ -1,4 +1,4 @@
-# The project's number for C++, resource scripts and manifests, under ${PROJECT_BINARY_DIR}/generated.
+# The project's version for C++, resource scripts and manifests, under ${PROJECT_BINARY_DIR}/generated.
 string(REPLACE "." ", " KV_VERSION_NUMBERS ${PROJECT_VERSION})
 configure_file(framework/version.h.in generated/framework/version.h @ONLY)
 foreach(KV_MANIFEST_NAME Tarnwick kvgallery camview)
@@ -6,7 +6,7 @@ foreach(KV_MANIFEST_NAME Tarnwick kvgallery camview)
   configure_file(resources/tarnwick.manifest.in generated/resources/${manifest}.manifest @ONLY)
 endforeach()
 
-# What a resource script with version record and manifest depends on without the build seeing it.
+# Files that a resource script with version resource and manifest depends on, which the build does not detect.
 set(KV_VERSION_FILES
   ${PROJECT_SOURCE_DIR}/resources/version_resource.rc
   ${PROJECT_BINARY_DIR}/generated/framework/version.h

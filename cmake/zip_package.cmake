@@ -1,4 +1,4 @@
-# The target `package`: the ZIP that people unpack, with programs on top, documents under docs/ and the library under sdk/.
+# The target `package`: a ZIP with the programs at its top, documents under docs/ and the library under sdk/.
 find_package(Python3 COMPONENTS Interpreter)
 find_program(CMARK_GFM cmark-gfm)
 if(NOT Python3_FOUND OR NOT CMARK_GFM)
