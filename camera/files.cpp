@@ -18,19 +18,19 @@ constexpr DWORD kPartBytes = 65536;
 std::string Reason(DWORD error) {
   switch (error) {
     case ERROR_FILE_NOT_FOUND:
-    case ERROR_PATH_NOT_FOUND: return "it is not there";
-    case ERROR_ACCESS_DENIED: return "it is write-protected, a folder, or not for this user";
-    case ERROR_SHARING_VIOLATION: return "another program uses it";
+    case ERROR_PATH_NOT_FOUND: return "it does not exist";
+    case ERROR_ACCESS_DENIED: return "it is write-protected, a folder, or access is denied";
+    case ERROR_SHARING_VIOLATION: return "it is in use by another program";
     case ERROR_DISK_FULL:
     case ERROR_HANDLE_DISK_FULL: return "the disk is full";
-    case ERROR_INVALID_NAME: return "that is no file name";
+    case ERROR_INVALID_NAME: return "the file name is invalid";
     default: return "system error " + std::to_string(error);
   }
 }
 
 std::string CannotWrite(const std::string& path, DWORD error) {
   return "cannot write \"" + path +
-         "\": " + (error == ERROR_PATH_NOT_FOUND ? "its folder is not there" : Reason(error));
+         "\": " + (error == ERROR_PATH_NOT_FOUND ? "its folder does not exist" : Reason(error));
 }
 
 bool IsUsable(HANDLE handle) {

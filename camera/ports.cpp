@@ -202,13 +202,13 @@ std::string WhyNotOpened(int number, const PortStatus& status) {
       return name + " does not exist; plug in its adapter, or run \"camtool scan\" for the ports that do";
     case PortState::kBusy:
       return name + " is in use by " +
-             (status.holder.empty() ? "another program (or, rarely, not for this user)" : status.holder) +
+             (status.holder.empty() ? "another program (or, rarely, access is denied)" : status.holder) +
              "; close it, or name another port";
     case PortState::kAccessDenied:
       return name + " cannot be opened: access denied; give this user access to the device";
     case PortState::kUnusable:
-      return name + " does not take the camera's settings (error " + std::to_string(status.error) +
-             "); it is no serial port, or its adapter hangs: unplug it and plug it in again";
+      return name + " does not accept the camera's settings (error " + std::to_string(status.error) +
+             "); it is not a serial port, or its adapter hangs: unplug it and plug it in again";
     default: return name + " is open";
   }
 }

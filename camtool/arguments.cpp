@@ -56,7 +56,7 @@ std::string Expected(const Option& option) {
             [](const SizeOption&) { return std::string("a number of bytes, such as 500K or 10M"); },
             [](std::string*) { return std::string("a text"); },
             [](Trigger*) {
-              return std::string("a chance for each record (5%), a count of records (50) or a period (10s, 500ms)");
+              return std::string("a probability for each record (5%), a count (50) or a period (10s, 500ms)");
             }},
       option.target);
 }

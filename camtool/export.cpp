@@ -94,7 +94,7 @@ const Command kExportCommand = {
     "converts a recording to comma-separated values",
     "Writes to standard output when no CSV file is named, or -. FILE may be - for standard input. Each record is a "
     "row\n"
-    "with its time in seconds and four points; what is no record is counted on standard error.\n",
+    "with its time in seconds and four points; malformed bytes are counted on standard error.\n",
     kOptions,
     kExits,
     RunExport};

@@ -144,7 +144,7 @@ int RunInfo(const std::vector<std::string>& operands) {
 const Command kInfoCommand = {
     "info",
     "FILE",
-    "says what a recording holds: when, how long, rate, gaps, damage, and each point's range",
+    "summarizes a recording: start, duration, rate, gaps, damage, and the range of each point",
     "FILE may be - for standard input. A point is seen in a record when neither coordinate is 1023.\n",
     kOptions,
     kExits,

@@ -52,7 +52,7 @@ std::string DescribeCamera(const camera::PortReport& report) {
                               Points(stream.last));
   if (stream.longestGap < kRealigningGap) {
     text += kIndent + std::string(
-                          "never pauses for 5 ms: Tarnwick stays out of step when it connects in mid-record, and shows "
+                          "never pauses for 5 ms: Tarnwick stays misaligned when it connects in mid-record, and shows "
                           "nothing; disconnect and connect again\n");
   }
   return text;
@@ -70,8 +70,8 @@ std::string DescribeOther(const camera::PortReport& report) {
   } else if (!report.textRates.empty()) {
     text += kIndent + ("readable text, but no records, at " + Rates(report.textRates)) + "\n";
   } else if (!report.guessedRates.empty()) {
-    text += kIndent + ("it looks like a wrong baud rate: records sent at " + Rates(report.guessedRates)) +
-            " would look so\n";
+    text += kIndent + ("probably a wrong baud rate: records sent at " + Rates(report.guessedRates)) +
+            " would give these bytes\n";
   }
   return text;
 }

@@ -107,7 +107,7 @@ int RecordTo(Recording* recording, int port) {
   }
   if (stream.bytes == 0) {
     PrintError(camera::Format("no data received in %.0f s", seconds) +
-               (file.part.empty() ? "" : "; \"" + file.path + "\" was left as it was") +
+               (file.part.empty() ? "" : "; \"" + file.path + "\" was not changed") +
                "; run \"camtool scan\" to see which ports send");
   }
   if (failure.empty()) return kDone;

@@ -128,7 +128,7 @@ int RunReplay(const std::vector<std::string>& operands) {
 const Command kReplayCommand = {"replay",
                                 "FILE PORT",
                                 "sends a recording to a port with its original timing",
-                                "A truncated recording is sent as far as it goes. FILE may be - for standard input.\n",
+                                "A truncated recording is sent up to its end. FILE may be - for standard input.\n",
                                 kOptions,
                                 kExits,
                                 RunReplay};

@@ -56,9 +56,9 @@ int RunScan(const std::vector<std::string>&) {
 const Command kScanCommand = {
     "scan",
     "",
-    "says what is on COM1 to COM98 and which port Tarnwick would take",
-    "Takes less than two seconds. Each port is one of: absent, busy, access denied, unusable (opens, but is no serial\n"
-    "port), hangs, silent, sending (but no camera), camera.\n",
+    "reports what is on COM1 to COM98 and which port Tarnwick would take",
+    "Takes less than two seconds. Each port is one of: absent, busy, access denied, unusable (opens, but is not a\n"
+    "serial port), hangs, silent, sending (but no camera), camera.\n",
     kOptions,
     kExits,
     RunScan};

@@ -169,7 +169,7 @@ int RunSimulate(const std::vector<std::string>& operands) {
 }  // namespace
 
 const Command kSimulateCommand = {
-    "simulate", "PORT",     "sends records to a port as a camera would, with faults if wanted", kDetails, kOptions,
+    "simulate", "PORT",     "sends records to a port as a camera would, optionally with faults", kDetails, kOptions,
     kExits,     RunSimulate};
 
 }  // namespace camtool

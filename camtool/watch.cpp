@@ -167,7 +167,7 @@ int RunWatch(const std::vector<std::string>& operands) {
 
 const Command kWatchCommand = {"watch",
                                "PORT|FILE",
-                               "prints the records of a port, as they come, or of a recording",
+                               "prints the records of a port, live, or of a recording",
                                "Each line has the time in seconds since the start and the four points; - is a point "
                                "that the camera does not see.\n"
                                "A port is watched until Ctrl+C or --seconds. FILE may be - for standard input. Ends "
