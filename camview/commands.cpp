@@ -10,6 +10,7 @@
 #include <iterator>
 #include <string>
 
+#include "camview/keys_dialog.h"
 #include "camview/live_source.h"
 #include "camview/playback.h"
 #include "camview/resource_ids.h"
@@ -157,9 +158,7 @@ bool OnViewCommand(View& view, UINT id) {
       view.fitValues = !view.fitValues;
       ShowValueRange(view);
       return true;
-    case IDM_KEYS:
-      kv::ShowMessage(view.window, kv::ResourceText(IDS_KEYS_TEXT), kv::ResourceText(IDS_CAPTION), MB_OK);
-      return true;
+    case IDM_KEYS: ShowKeys(view.window); return true;
     case IDM_ABOUT: ShowAbout(view); return true;
     default: return false;
   }

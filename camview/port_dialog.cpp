@@ -92,6 +92,11 @@ INT_PTR StartSearch(HWND dialog) {
   return TRUE;
 }
 
+INT_PTR OnInit(HWND dialog, LPARAM state) {
+  SetWindowLongW(dialog, DWL_USER, static_cast<LONG>(state));
+  return StartSearch(dialog);
+}
+
 INT_PTR OnTimer(HWND dialog) {
   PortDialog& state = StateOf(dialog);
   const bool isDone = state.finder.IsDone();
@@ -132,7 +137,8 @@ INT_PTR OnCommand(HWND dialog, UINT id, UINT code) {
 
 INT_PTR CALLBACK PortProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
-    case WM_INITDIALOG: SetWindowLongW(dialog, DWL_USER, static_cast<LONG>(lParam)); return StartSearch(dialog);
+    case WM_INITDIALOG: return OnInit(dialog, lParam);
+    case kv::kLanguageChanged: return SetWindowTextW(dialog, kv::ResourceText(IDS_PORTS_CAPTION).c_str());
     case WM_TIMER: return OnTimer(dialog);
     case WM_COMMAND: return OnCommand(dialog, LOWORD(wParam), HIWORD(wParam));
     default: return FALSE;

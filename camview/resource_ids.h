@@ -41,8 +41,10 @@
 #define IDC_PORT_NAME 154
 #define IDC_PORTS_STATUS 155
 #define IDC_PORTS_AGAIN 156
-#define IDC_PORTS_CONNECT 157
-#define IDC_PORTS_CANCEL 158
+
+// Controls of the keys' dialog
+#define IDC_KEYS 171
+#define IDC_KEYS_CLOSE 172
 
 // Commands
 #define IDM_FILE_MENU 201
@@ -180,5 +182,7 @@
 #define IDS_PORTS_SEARCHING 639
 #define IDS_PORTS_NONE 640
 #define IDS_PORTS_FOUND 641
-#define IDS_TRAIL_NONE 642
-#define IDS_SPAN_WHOLE 643
+#define IDS_PORTS_CAPTION 642
+#define IDS_KEYS_CAPTION 643
+#define IDS_COLUMN_KEY 644
+#define IDS_COLUMN_ACTION 645

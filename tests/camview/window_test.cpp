@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cwctype>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -158,6 +159,23 @@ class CamviewWindow : public testing::Test {
   std::wstring Text(int id) const { return TextOf(Control(id)); }
   bool Says(const wchar_t* part) const { return Text(IDC_STATUS).find(part) != std::wstring::npos; }
   std::wstring Field() const { return kvtest::ReadAccessible(Control(IDC_FIELD)).value; }
+  // The letters that are the access keys of two controls, or of a control and the menu bar.
+  std::wstring RepeatedKeys() const {
+    std::wstring keys, repeated;
+    const auto add = [&](const std::wstring& text) {
+      const size_t mark = text.find(L'&');
+      if (mark == text.npos || mark + 1 == text.size()) return;
+      const auto key = static_cast<wchar_t>(std::towlower(text[mark + 1]));
+      (keys.find(key) == keys.npos ? keys : repeated) += key;
+    };
+    for (int i = 0; i < GetMenuItemCount(GetMenu(window_)); ++i) {
+      wchar_t text[64] = L"";
+      GetMenuStringW(GetMenu(window_), i, text, ARRAYSIZE(text), MF_BYPOSITION);
+      add(text);
+    }
+    for (HWND child = GetWindow(window_, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) add(TextOf(child));
+    return repeated;
+  }
   double ChartCount() const {
     kv::StripStatistics statistics{};
     kv::ReadStripChartStatistics(window_, IDC_CHART_X, 0, &statistics);
@@ -224,7 +242,7 @@ TEST_F(CamviewWindow, PlaysToTheEndAtAnySpeed) {
   OpenFile(Recording(1000));
   SetFocus(Control(IDC_TIMELINE));
   Press(VK_SPACE);
-  EXPECT_EQ(L"&Pause", Text(IDC_PLAY));
+  EXPECT_EQ(L"Pa&use", Text(IDC_PLAY));
   EXPECT_TRUE(Soon([&] { return view().playback.position > 0.3; }));
   Press(VK_SPACE);
   const double paused = view().playback.position;
@@ -233,7 +251,7 @@ TEST_F(CamviewWindow, PlaysToTheEndAtAnySpeed) {
   EXPECT_EQ(L"100 ×", Text(IDC_SPEED));
   EXPECT_EQ(paused, view().playback.position);
   Press(VK_SPACE);
-  EXPECT_TRUE(Soon([&] { return Text(IDC_PLAY) == L"&Play"; }));
+  EXPECT_TRUE(Soon([&] { return Text(IDC_PLAY) == L"Pl&ay"; }));
   EXPECT_EQ(10, view().playback.position);
   EXPECT_TRUE(Soon([&] { return !view().isTicking; })) << "no timer while nothing moves";
 }
@@ -317,6 +335,7 @@ TEST_F(CamviewWindow, AllTextsFitInBothLanguages) {
     for (HWND child = GetWindow(window_, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
       truncated.push_back(kv::TruncatedTextOf(child));
     }
+    EXPECT_EQ(L"", RepeatedKeys());
     for (const std::wstring& text : truncated) EXPECT_EQ("", camera::Narrow(text)) << language;
   }
 }
@@ -344,7 +363,7 @@ TEST_F(CamviewWindow, LosesNothingOfAPortThatComesAndGoes) {
   EXPECT_NE(Text(IDC_RECORDING).find(L"Recording to camview live.twr"), std::wstring::npos);
   EXPECT_TRUE(send(5));
   Press(VK_SPACE);  // hold: nothing is lost behind it
-  EXPECT_EQ(L"&Resume", Text(IDC_PLAY));
+  EXPECT_EQ(L"Resu&me", Text(IDC_PLAY));
   EXPECT_TRUE(send(5));
   EXPECT_EQ(L"1: 14, 300; 2: 500, 400; 4: 20, 700", Field());
   Press(VK_SPACE);

@@ -1,0 +1,68 @@
+#include "camview/keys_dialog.h"
+
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "camview/resource_ids.h"
+#include "lists/list_navigation.h"
+#include "toolkit/languages.h"
+#include "toolkit/list_columns.h"
+#include "toolkit/scaled_dialog.h"
+
+namespace camview {
+
+namespace {
+
+const kv::ListColumn kColumns[] = {{MAKEINTRESOURCEW(IDS_COLUMN_KEY), 40}, {MAKEINTRESOURCEW(IDS_COLUMN_ACTION), 60}};
+
+using Keys = std::vector<std::pair<std::wstring, std::wstring>>;
+
+// The text has a line for each: the key, a tab and what it does.
+Keys ReadKeys() {
+  Keys keys;
+  const std::wstring text = kv::ResourceText(IDS_KEYS_TEXT) + L"\n";
+  for (size_t begin = 0, end; (end = text.find(L'\n', begin)) != text.npos; begin = end + 1) {
+    const std::wstring line = text.substr(begin, end - begin);
+    const size_t tab = line.find(L'\t');
+    if (tab != line.npos) keys.emplace_back(line.substr(0, tab), line.substr(tab + 1));
+  }
+  return keys;
+}
+
+INT_PTR OnInit(HWND dialog, LPARAM keys) {
+  SetWindowLongW(dialog, DWL_USER, static_cast<LONG>(keys));
+  kv::AddListNavigation(GetDlgItem(dialog, IDC_KEYS));
+  SendDlgItemMessageW(dialog, IDC_KEYS, LB_SETCOUNT, reinterpret_cast<const Keys*>(keys)->size(), 0);
+  return TRUE;
+}
+
+INT_PTR OnDrawItem(HWND dialog, const DRAWITEMSTRUCT& item) {
+  const auto& keys = *reinterpret_cast<const Keys*>(GetWindowLongW(dialog, DWL_USER));
+  kv::DrawListRow(item, kColumns,
+                  [&](UINT row, int column) { return column == 0 ? keys[row].first : keys[row].second; });
+  return TRUE;
+}
+
+INT_PTR CALLBACK KeysProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_INITDIALOG: return OnInit(dialog, lParam);
+    case kv::kLanguageChanged: return SetWindowTextW(dialog, kv::ResourceText(IDS_KEYS_CAPTION).c_str());
+    case WM_COMMAND: return LOWORD(wParam) == IDC_KEYS_CLOSE && EndDialog(dialog, IDOK);
+    case WM_DRAWITEM: return OnDrawItem(dialog, *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+    default: return FALSE;
+  }
+}
+
+}  // namespace
+
+void ShowKeys(HWND owner) {
+  const Keys keys = ReadKeys();
+  kv::RunModalDialog(owner, {.templateName = L"KEYS",
+                             .procedure = KeysProcedure,
+                             .parameter = reinterpret_cast<LPARAM>(&keys),
+                             .positionName = "Camview.Keys"});
+}
+
+}  // namespace camview

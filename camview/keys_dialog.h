@@ -1,0 +1,10 @@
+// Lists what each key does. Main thread only.
+#pragma once
+
+#include <windows.h>
+
+namespace camview {
+
+void ShowKeys(HWND owner);
+
+}  // namespace camview
