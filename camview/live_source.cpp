@@ -90,12 +90,10 @@ struct LiveSource::Reader {
 
 void LiveSource::Reader::Run() {
   while (!IsStopped()) {
-    if (Open()) {
-      Read();
-      port.Close();
-    } else {
-      WaitForSingleObject(stop, kRetryMs);
-    }
+    if (Open()) Read();
+    // At once: an adapter whose old port is open comes back as another one.
+    port.Close();
+    WaitForSingleObject(stop, kRetryMs);
   }
 }
 

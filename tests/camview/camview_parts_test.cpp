@@ -138,8 +138,8 @@ TEST(CamviewIntake, RecordsSilenceDamageAndMalformedBytes) {
   TakeBytes(&intake, 1.01, record.substr(0, 25), &batch);
   TakeBytes(&intake, 1.02, record + record, &batch);
   TakeBytes(&intake, 1.5, record, &batch);
-  TakeDamage(&intake, 1.52, 60, &batch);
-  TakeBytes(&intake, 1.52, record.substr(0, 30), &batch);
+  TakeDamage(&intake, 2.5, 60, &batch);
+  TakeBytes(&intake, 2.5, record.substr(0, 30), &batch);
   EndIntake(&intake, &batch);
   TakeBytes(&intake, 3, record.substr(30) + record, &batch);  // two halves are not a record
   TakeSilence(&intake, 9, &batch);
@@ -157,9 +157,9 @@ TEST(CamviewIntake, RecordsSilenceDamageAndMalformedBytes) {
     return times;
   };
   using Times = std::vector<std::pair<double, double>>;
-  EXPECT_EQ((Times{{0, 1}, {1.52, 3}, {3, 9}}), list(StretchKind::kSilent));
+  EXPECT_EQ((Times{{0, 1}, {2.5, 3}, {3, 9}}), list(StretchKind::kSilent));
   EXPECT_EQ((Times{{1.01, 1.02}, {3, 3}}), list(StretchKind::kMalformed));
-  EXPECT_EQ((Times{{1.5, 1.52}}), list(StretchKind::kDamaged));
+  EXPECT_EQ((Times{{1.5, 2.5}}), list(StretchKind::kDamaged));
   EXPECT_EQ(25, store.Stretches(StretchKind::kMalformed)[0].bytes);
 }
 
@@ -300,8 +300,9 @@ TEST(CamviewPlayback, FollowsAClockAndStopsAtTheEnd) {
 
   RecordStore store;
   for (const double seconds : {2.0, 4.0, 6.0}) store.Append(RecordAt(seconds), 0);
-  const std::pair<double, std::pair<int, double>> steps[] = {{1, {1, 2}},  {2, {1, 4}},  {3, {1, 4}}, {3, {-1, 2}},
-                                                             {4, {-1, 2}}, {2, {-1, 2}}, {9, {1, 6}}, {5, {-2, 2}}};
+  const std::pair<double, std::pair<int, double>> steps[] = {{1, {1, 2}},  {2, {1, 4}},  {3, {1, 4}},
+                                                             {3, {-1, 2}}, {4, {-1, 2}}, {2, {-1, 2}},
+                                                             {9, {1, 6}},  {5, {-2, 2}}, {5, {-1, 4}}};
   for (const auto& [position, step] : steps) {
     Seek(&playback, position);
     Step(&playback, store, step.first);

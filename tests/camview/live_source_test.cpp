@@ -111,7 +111,7 @@ TEST(CamviewLive, ReconnectsAfterDisconnectionAndContinuesRecording) {
   EXPECT_EQ(1, status.interruptions);
   EXPECT_EQ(LiveRecordingState::kOn, status.recording);
   // The file, which is intact while it is written, contains the delivered data.
-  Sleep(50);
+  for (long long bytes = -1; bytes != live.Status().bytes; Sleep(200)) bytes = live.Status().bytes;
   live.Take(&batch);
   LoadedRecording loaded = Load(path);
   EXPECT_TRUE(loaded.isTruncated);
@@ -130,6 +130,21 @@ TEST(CamviewLive, ReconnectsAfterDisconnectionAndContinuesRecording) {
   EXPECT_TRUE(StoreBatch(&batch, &store));
   EXPECT_FALSE(store.Stretches(StretchKind::kMalformed).empty());
   EXPECT_GE(store.Stretches(StretchKind::kSilent).size(), 2u) << "before the first record, and while disconnected";
+  // The beginning of a record from before an interruption and the end of one from after it are not a record.
+  const long long records = live.Status().records;
+  const auto receive = [&](std::string_view bytes) {
+    const long long wanted = live.Status().bytes + static_cast<long long>(bytes.size());
+    camera.Send(bytes);
+    EXPECT_TRUE(Within20Seconds([&] { return live.Status().bytes == wanted; }));
+  };
+  receive(std::string_view(kRecord).substr(0, 20));
+  line.Unplug();
+  EXPECT_TRUE(Within20Seconds([&] { return isInState(LiveState::kGone); }));
+  line.PlugIn();
+  camera.Reopen();
+  EXPECT_TRUE(Within20Seconds([&] { return isInState(LiveState::kSilent); }));
+  receive(std::string_view(kRecord).substr(20));
+  EXPECT_EQ(records, live.Status().records);
   DeleteFileA(path.c_str());
 }
 

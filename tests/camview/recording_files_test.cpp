@@ -201,7 +201,7 @@ TEST(CamviewExport, WritesATimeRangeAsRowsAndAsARecording) {
       camera::CsvHeader() + "1.010000,2,200,300,400,1023,1023,512,384\n2.000000,4,200,300,400,1023,1023,512,384\n",
       BytesOf(target));
   task.target = source;
-  EXPECT_FALSE(RunExport(task).isDone);
+  EXPECT_NE(std::string::npos, RunExport(task).error.find("is the file that is read"));
   EXPECT_EQ(bytes, BytesOf(source));
   for (const std::string& path : {source, target}) DeleteFileA(path.c_str());
 }
