@@ -58,8 +58,8 @@ void DrawRows(HWND window, HDC dc, SIZE surface) {
 
 // Redraws the surface. The state does not own the bitmap meanwhile, because the parent may resize or destroy the list,
 // and a bitmap that is selected here must not be deleted. The dirty flag is cleared first, so that a change during
-// drawing is not lost. A device context inherits the layout of the one it is compatible with, so in a mirrored list the
-// surface is mirrored as well, and copying it does not mirror the text.
+// drawing is not lost. The surface has the layout of the list: if only the list were mirrored, copying would mirror the
+// text. The layout depends on the width of the bitmap and is therefore set after the bitmap is selected.
 void RedrawSurface(HWND window, ListState* state, HDC compatibleWith) {
   const SIZE size = state->surfaceSize;
   OwnedBitmap surface(state->hSurface ? std::exchange(state->hSurface, nullptr) : CreateWindowBitmap(window, size));
@@ -69,6 +69,7 @@ void RedrawSurface(HWND window, ListState* state, HDC compatibleWith) {
   {
     const MemoryDc dc(compatibleWith);
     const SelectedObject selected(dc, surface);
+    SetLayout(dc, GetLayout(compatibleWith));
     const RECT whole{0, 0, size.cx, size.cy};
     FillRect(dc, &whole, GetSysColorBrush(COLOR_WINDOW));
     MeasureListRows(window);
@@ -88,6 +89,7 @@ void ShowSurface(HDC dc, SIZE client, HBITMAP surface, SIZE size, LONG horizonta
     const LONG left = SurfaceLeft(horizontalOffset, size.cx, client.cx);
     const MemoryDc source(dc);
     const SelectedObject selected(source, surface);
+    SetLayout(source, GetLayout(dc));
     BitBlt(dc, left, 0, size.cx, size.cy, source, 0, 0, SRCCOPY);
     ExcludeClipRect(dc, left, 0, left + size.cx, size.cy);
   }

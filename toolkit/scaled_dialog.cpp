@@ -271,10 +271,8 @@ void OnPaint(HWND dialog, const DialogState& state) {
 
 // On a custom background, texts are black or white, depending on contrast.
 INT_PTR OnControlColor(const DialogState& state, HDC dc, HWND control) {
-  // Wine's labels do not set their reading order.
-  if (ClassifyControl(control) == kControlStatic && GetWindowLongW(control, GWL_EXSTYLE) & WS_EX_RTLREADING) {
-    SetTextAlign(dc, GetTextAlign(dc) | TA_RTLREADING);
-  }
+  // Wine's labels and buttons do not set their reading order.
+  if (GetWindowLongW(control, GWL_EXSTYLE) & WS_EX_RTLREADING) SetTextAlign(dc, GetTextAlign(dc) | TA_RTLREADING);
   const COLORREF color = state.background ? state.options.background : GetSysColor(COLOR_BTNFACE);
   const int lightness = 30 * GetRValue(color) + 59 * GetGValue(color) + 11 * GetBValue(color);
   const COLORREF readable = lightness < 100 * 128 ? RGB(255, 255, 255) : RGB(0, 0, 0);

@@ -42,6 +42,21 @@ double ColumnOf(double time, double secondsPerColumn) {
   return std::floor(time / secondsPerColumn);
 }
 
+LONG PlotWidth(const StripLayout& layout) {
+  return layout.plot.right - layout.plot.left;
+}
+
+// Including the columns of a sweep's gap.
+long long OldestColumn(const StripLayout& layout) {
+  return layout.lastColumn - PlotWidth(layout) + 1;
+}
+
+// The x coordinate of a column between the oldest and the last one.
+LONG PlaceOf(const StripLayout& layout, long long column) {
+  const long long width = PlotWidth(layout), place = layout.sweeps ? column % width : column - OldestColumn(layout);
+  return layout.plot.left + static_cast<LONG>(place < 0 ? place + width : place);
+}
+
 }  // namespace
 
 std::wstring ChannelName(const StripChannel& channel) {
@@ -115,22 +130,35 @@ void StripRenderer::DrawGrid(Canvas& canvas, const RECT& paper, long long from, 
     if (y < layout.plot.bottom) FillArea(canvas, {paper.left, y, paper.right, y + 1}, colors.grid);
   }
   const double step = layout.timeStep, second = layout.secondsPerColumn;
-  const bool clock = (key_.style & kStripTimeOfDay) != 0;
-  const LONG reach = 12 * layout.digitPx;  // the extent of a label to either side
-  double tick = FirstTick(static_cast<double>(from - reach) * second, step);
-  for (;; ++tick) {
+  for (double tick = FirstTick(static_cast<double>(from) * second, step); grid; ++tick) {
     const double column = ColumnOf(tick * step, second);
-    if (column >= static_cast<double>(to + reach)) break;
+    if (column >= static_cast<double>(to)) break;
     const LONG place = x + static_cast<LONG>(column - static_cast<double>(from));
-    if (grid && place >= paper.left && place < paper.right) {
-      FillArea(canvas, {place, layout.plot.top, place + 1, layout.plot.bottom}, colors.grid);
-    }
-    if (layout.labelsPx == 0) continue;
-    const std::wstring text = TimeText(tick * step, step, clock);
+    FillArea(canvas, {place, layout.plot.top, place + 1, layout.plot.bottom}, colors.grid);
+  }
+}
+
+// The times below the plot, except those that its edges or the gap of a sweep would cut.
+void StripRenderer::DrawTimes() {
+  const StripLayout& layout = key_.layout;
+  if (layout.labelsPx == 0) return;
+  const RECT& plot = layout.plot;
+  const RECT strip{plot.left, plot.bottom + 1, plot.right, plot.bottom + layout.labelsPx};
+  Canvas canvas(dc_, surface_, shape_);
+  FillArea(canvas, strip, key_.colors.panel);
+  const SelectedObject selected(canvas.dc(), font_);
+  const double step = layout.timeStep, second = layout.secondsPerColumn;
+  const long long first = OldestColumn(layout) + layout.gapPx, last = layout.lastColumn;
+  for (double tick = FirstTick(static_cast<double>(first) * second, step);; ++tick) {
+    const double column = ColumnOf(tick * step, second);
+    if (column > static_cast<double>(last)) break;
+    const std::wstring text = TimeText(tick * step, step, (key_.style & kStripTimeOfDay) != 0);
     const LONG half = (WidthOf(canvas.dc(), text) + 1) / 2;
-    if (place + half < paper.left || place - half > paper.right) continue;
-    DrawTextIn(canvas.dc(), text, {place - half, layout.plot.bottom + 1, place + half, paper.bottom}, colors.text,
-               DT_LEFT);
+    const auto at = static_cast<long long>(column);
+    const LONG place = PlaceOf(layout, at);
+    const bool isShown = at - half >= first && at + half <= last + 1;
+    if (!isShown || place - half < plot.left || place + half > plot.right) continue;
+    DrawTextIn(canvas.dc(), text, {place - half, strip.top, place + half, strip.bottom}, key_.colors.text, DT_LEFT);
   }
 }
 
@@ -139,11 +167,10 @@ void StripRenderer::DrawStretch(Canvas& canvas, const StripModel& model, long lo
   const StripLayout& layout = key_.layout;
   const StripColors& colors = key_.colors;
   const RECT& plot = layout.plot;
-  const RECT paper{x, plot.top, x + static_cast<LONG>(to - from), plot.bottom + 1 + std::max(0, layout.labelsPx - 1)};
+  const RECT paper{x, plot.top, x + static_cast<LONG>(to - from), plot.bottom + 1};
   canvas.ClipTo(paper);
   FillArea(canvas, {paper.left, plot.top, paper.right, plot.bottom}, colors.paper);
   FillArea(canvas, {paper.left, plot.bottom, paper.right, plot.bottom + 1}, colors.frame);
-  FillArea(canvas, {paper.left, plot.bottom + 1, paper.right, paper.bottom}, colors.panel);
   for (int i = 0; i < kStripZones; ++i) {
     if (!model.zoneShown[i]) continue;
     const StripZone& zone = model.zones[i];
@@ -153,10 +180,7 @@ void StripRenderer::DrawStretch(Canvas& canvas, const StripModel& model, long lo
              {paper.left, row(std::max(zone.lower, zone.upper)), paper.right, row(std::min(zone.lower, zone.upper))},
              colors.zones[i]);
   }
-  {
-    const SelectedObject selected(canvas.dc(), font_);
-    DrawGrid(canvas, paper, from, to, x);
-  }
+  DrawGrid(canvas, paper, from, to, x);
   for (int i = 0; i < kStripChannels; ++i) {
     const StripChannelData& channel = model.channels[i];
     if (!IsShown(channel)) continue;
@@ -169,28 +193,21 @@ void StripRenderer::DrawStretch(Canvas& canvas, const StripModel& model, long lo
 // Draws the displayed part of these columns and, in a sweep, the gap after the newest sample.
 void StripRenderer::DrawColumns(const StripModel& model, long long from, long long to) {
   const StripLayout& layout = key_.layout;
-  const LONG width = layout.plot.right - layout.plot.left;
-  const long long oldest = layout.lastColumn - width + 1;
+  const long long oldest = OldestColumn(layout);
   from = std::max(from, oldest + layout.gapPx);
   to = std::min(to, layout.lastColumn + 1);
   Canvas canvas(dc_, surface_, shape_);
-  if (!layout.sweeps) {
-    if (from < to) DrawStretch(canvas, model, from, to, layout.plot.left + static_cast<LONG>(from - oldest));
-    return;
-  }
-  const auto placeOf = [&](long long column) { return static_cast<LONG>((column % width + width) % width); };
   while (from < to) {
-    const LONG place = placeOf(from);
-    const long long end = std::min(to, from + width - place);
-    DrawStretch(canvas, model, from, end, layout.plot.left + place);
+    const LONG x = PlaceOf(layout, from);
+    const long long end = std::min(to, from + layout.plot.right - x);
+    DrawStretch(canvas, model, from, end, x);
     from = end;
   }
   for (long long column = oldest; column < oldest + layout.gapPx; ++column) {
-    const LONG x = layout.plot.left + placeOf(column);
+    const LONG x = PlaceOf(layout, column);
     canvas.ClipTo({x, layout.plot.top, x + 1, layout.size.cy});
     FillArea(canvas, {x, layout.plot.top, x + 1, layout.plot.bottom}, key_.colors.paper);
     FillArea(canvas, {x, layout.plot.bottom, x + 1, layout.plot.bottom + 1}, key_.colors.frame);
-    FillArea(canvas, {x, layout.plot.bottom + 1, x + 1, layout.plot.bottom + layout.labelsPx}, key_.colors.panel);
   }
 }
 
@@ -198,7 +215,7 @@ void StripRenderer::Scroll(long long columns) {
   const RECT& plot = key_.layout.plot;
   const size_t kept = static_cast<size_t>(plot.right - plot.left - columns);
   GdiFlush();
-  for (LONG y = plot.top; y < plot.bottom + std::max(1, key_.layout.labelsPx); ++y) {
+  for (LONG y = plot.top; y <= plot.bottom; ++y) {
     DWORD* row = surface_.Row(y) + plot.left;
     std::memmove(row, row + columns, kept * sizeof(DWORD));
   }
@@ -235,7 +252,10 @@ RECT StripRenderer::Update(StripModel& model, SIZE size, bool redrawAll) {
     std::memcpy(&key_, &key, sizeof(key));
     if (!drawn_) return {};
     DrawBackground(model);
-    if (width > 0) DrawColumns(model, last - width, last + 1);
+    if (width > 0) {
+      DrawColumns(model, last - width, last + 1);
+      DrawTimes();
+    }
     model.undrawnFrom = kNever;
     model.removedTo = -kNever;
     return whole;
@@ -252,6 +272,7 @@ RECT StripRenderer::Update(StripModel& model, SIZE size, bool redrawAll) {
   if (removedTo > last - width && removed > static_cast<double>(last - width))
     DrawColumns(model, last - width, removedTo);
   DrawColumns(model, from, last + 1);
+  if (last > before) DrawTimes();
   model.undrawnFrom = kNever;
   model.removedTo = -kNever;
   return paper;

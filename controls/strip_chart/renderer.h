@@ -77,6 +77,7 @@ class StripRenderer {
   void DrawColumns(const StripModel& model, long long from, long long to);
   void DrawStretch(Canvas& canvas, const StripModel& model, long long from, long long to, LONG x);
   void DrawGrid(Canvas& canvas, const RECT& paper, long long from, long long to, LONG x);
+  void DrawTimes();
   void Scroll(long long columns);
   void DrawTip(Canvas& canvas, const StripModel& model);
 

@@ -136,7 +136,9 @@ void DrawFlight(kv::Canvas& canvas, RECT area, int textPx) {
   SIZE size{};
   GetTextExtentPoint32W(canvas.dc(), start.c_str(), static_cast<int>(start.size()), &size);
   const LONG x = std::lround(std::min(path.front().x, 1.0 * area.right - size.cx)), y = std::lround(path.front().y);
-  DrawLabel(canvas, start, {x, y + textPx / 2, x + size.cx, y + 2 * textPx});
+  const bool goesUp = path[path.size() / 16].y < path.front().y;
+  const LONG top = goesUp ? y + textPx / 2 : y - 2 * textPx;
+  DrawLabel(canvas, start, {x, top, x + size.cx, top + 3 * textPx / 2});
 }
 
 void DrawPlan(HDC dc, RECT area, int textPx) {

@@ -197,6 +197,7 @@ TEST_F(ExtendedList, IsDrawnFromTheRightWhenMirrored) {
   parent_.Answer([](HWND, UINT message, WPARAM, LPARAM lParam, LRESULT*) {
     if (message != WM_DRAWITEM) return false;
     const auto* row = reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
+    EXPECT_EQ(static_cast<DWORD>(LAYOUT_RTL), GetLayout(row->hDC));  // otherwise letters would be mirrored
     const RECT begin{0, row->rcItem.top, 10, row->rcItem.bottom};
     FillRect(row->hDC, &begin, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
     return true;
