@@ -223,16 +223,16 @@ INT_PTR OnSize(HWND dialog, AppContext* context, WPARAM kind) {
 }
 
 RECT RectInDialog(HWND dialog, HWND control) {
-  RECT place{};
-  GetWindowRect(control, &place);
-  MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
-  return place;
+  RECT rect{};
+  GetWindowRect(control, &rect);
+  MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&rect), 2);
+  return rect;
 }
 
 void ExcludeChild(HDC dc, HWND dialog, HWND control) {
   if (!IsWindowVisible(control)) return;
-  const RECT place = RectInDialog(dialog, control);
-  ExcludeClipRect(dc, place.left, place.top, place.right, place.bottom);
+  const RECT rect = RectInDialog(dialog, control);
+  ExcludeClipRect(dc, rect.left, rect.top, rect.right, rect.bottom);
 }
 
 INT_PTR OnPaint(HWND dialog, const AppContext* context) {

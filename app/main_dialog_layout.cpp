@@ -71,18 +71,17 @@ void LayOutStatusBar(const MainControls& controls, SIZE client) {
   auto edges = StatusPartEdges(client.cx);
   SendMessageA(controls.statusBar, SB_SETPARTS, kStatusPartCount, reinterpret_cast<LPARAM>(edges.data()));
   for (int i = 0; i < kStatusPartCount; ++i) {
-    const RECT place = StatusButtonRect(i, client);
-    MoveWindow(controls.statusButtons[i], place.left, place.top, place.right - place.left, place.bottom - place.top,
-               TRUE);
+    const RECT rect = StatusButtonRect(i, client);
+    MoveWindow(controls.statusButtons[i], rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top, TRUE);
   }
 }
 
 }  // namespace
 
 int ToolbarHeight(const MainControls& controls) {
-  RECT place{};
-  GetWindowRect(controls.toolbar, &place);
-  return place.bottom - place.top;
+  RECT rect{};
+  GetWindowRect(controls.toolbar, &rect);
+  return rect.bottom - rect.top;
 }
 
 int StatusHeight(const MainControls& controls) {

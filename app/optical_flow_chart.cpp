@@ -154,15 +154,15 @@ void MakeBackBuffer(ChartState* state) {
 
 // Draws the control's edge in the system's highlight colour. The field inside shows only the points.
 void DrawFocusedEdge(HWND window) {
-  RECT place{}, field{};
-  GetWindowRect(window, &place);
+  RECT rect{}, field{};
+  GetWindowRect(window, &rect);
   GetClientRect(window, &field);
   MapWindowPoints(window, nullptr, reinterpret_cast<POINT*>(&field), 2);
-  OffsetRect(&field, -place.left, -place.top);
-  OffsetRect(&place, -place.left, -place.top);
+  OffsetRect(&field, -rect.left, -rect.top);
+  OffsetRect(&rect, -rect.left, -rect.top);
   HDC dc = GetWindowDC(window);
   ExcludeClipRect(dc, field.left, field.top, field.right, field.bottom);
-  FillRect(dc, &place, GetSysColorBrush(COLOR_HIGHLIGHT));
+  FillRect(dc, &rect, GetSysColorBrush(COLOR_HIGHLIGHT));
   ReleaseDC(window, dc);
 }
 

@@ -68,9 +68,9 @@ double Distance(const Shares& seen, const Shares& model) {
 bool LevelAt(std::string_view sent, std::int64_t bit) {
   const auto index = static_cast<size_t>(bit / 10);
   if (index >= sent.size()) return true;
-  const int place = static_cast<int>(bit % 10);
-  if (place == 0) return false;
-  return place == 9 || ((static_cast<unsigned char>(sent[index]) >> (place - 1)) & 1);
+  const int position = static_cast<int>(bit % 10);
+  if (position == 0) return false;
+  return position == 9 || ((static_cast<unsigned char>(sent[index]) >> (position - 1)) & 1);
 }
 
 }  // namespace

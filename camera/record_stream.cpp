@@ -126,8 +126,8 @@ void FeedStream(RecordStream* stream, double seconds, std::string_view bytes, st
   stream->pieces.push_back({stream->pending.size(), seconds});
   const RecordStream::Piece* piece = stream->pieces.data();
   // Returns the time of the byte at that offset; called in ascending order.
-  const auto secondsAt = [&](size_t place) {
-    while (piece->end <= place) ++piece;
+  const auto secondsAt = [&](size_t offset) {
+    while (piece->end <= offset) ++piece;
     return piece->seconds;
   };
   size_t at = 0;

@@ -73,7 +73,7 @@ void DescribeCharts(HWND window) {
   constexpr DWORD kFigures = 4;  // of the largest coordinate
   for (const int chart : kCharts) {
     kv::SetStripChartCapacity(window, chart, kCapacity + 2 * kMaxAppended);
-    kv::SetStripChartAxisFigures(window, chart, kFigures);
+    kv::SetStripChartAxisDigits(window, chart, kFigures);
   }
 }
 

@@ -175,11 +175,11 @@ VideoLink* CreateLink(HWND host) {
 
 // Without WS_VISIBLE, because the owner receives the frames in the frame bitmap and the preview itself is not shown.
 HWND CreateCaptureWindow(HWND host) {
-  RECT place{};
-  GetWindowRect(host, &place);
-  MapWindowPoints(nullptr, host, reinterpret_cast<POINT*>(&place), 2);
-  return Libraries().createCaptureWindow(kCaptureName, WS_CHILD | WS_TABSTOP, place.left, place.top,
-                                         place.right - place.left, place.bottom - place.top, host, kCaptureId);
+  RECT rect{};
+  GetWindowRect(host, &rect);
+  MapWindowPoints(nullptr, host, reinterpret_cast<POINT*>(&rect), 2);
+  return Libraries().createCaptureWindow(kCaptureName, WS_CHILD | WS_TABSTOP, rect.left, rect.top,
+                                         rect.right - rect.left, rect.bottom - rect.top, host, kCaptureId);
 }
 
 bool ConnectDriver(HWND capture, int index) {

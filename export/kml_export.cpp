@@ -62,8 +62,8 @@ KmlSettings ReadKmlSettings() {
   KmlSettings settings;
   const RegistryKey key = RegistryKey::Open(kKey);
   if (!key) return settings;
-  for (const SettingField& place : kFields) {
-    ReadFourBytes(key, place.name, reinterpret_cast<BYTE*>(&settings) + place.offset);
+  for (const SettingField& field : kFields) {
+    ReadFourBytes(key, field.name, reinterpret_cast<BYTE*>(&settings) + field.offset);
   }
   settings.dwPolygonColor = WithAlpha(settings.dwPolygonColor, FillAlpha(settings.fTransparency));
   settings.dwLineColor = WithAlpha(settings.dwLineColor, 0xFF);

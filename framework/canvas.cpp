@@ -40,10 +40,10 @@ int ChordsOf(double radius, double degrees) {
 void PutArc(PointD* corners, PointD centre, double radius, double from, double to, int chords) {
   const double step = (to - from) * kRadiansPerDegree / chords, sine = std::sin(step), cosine = std::cos(step);
   const double larger = radius * std::sqrt(step / sine);
-  PointD place = PolarPoint({0, 0}, larger, from);
+  PointD point = PolarPoint({0, 0}, larger, from);
   for (int i = 0; i <= chords; ++i) {
-    corners[i] = {centre.x + place.x, centre.y + place.y};
-    place = {place.x * cosine - place.y * sine, place.x * sine + place.y * cosine};
+    corners[i] = {centre.x + point.x, centre.y + point.y};
+    point = {point.x * cosine - point.y * sine, point.x * sine + point.y * cosine};
   }
 }
 
@@ -114,13 +114,13 @@ PointD PolarPoint(PointD centre, double radius, double degrees) {
   return {centre.x + radius * std::sin(radians), centre.y - radius * std::cos(radians)};
 }
 
-RECT BoundsOf(std::span<const PointD> places, double margin, const RECT& limit) {
+RECT BoundsOf(std::span<const PointD> points, double margin, const RECT& limit) {
   double left = limit.right, top = limit.bottom, right = limit.left, bottom = limit.top;
-  for (const PointD& place : places) {
-    left = std::min(left, place.x - margin);
-    top = std::min(top, place.y - margin);
-    right = std::max(right, place.x + margin);
-    bottom = std::max(bottom, place.y + margin);
+  for (const PointD& point : points) {
+    left = std::min(left, point.x - margin);
+    top = std::min(top, point.y - margin);
+    right = std::max(right, point.x + margin);
+    bottom = std::max(bottom, point.y + margin);
   }
   const auto within = [](double value, LONG low, LONG high) {
     return static_cast<LONG>(std::clamp(value, static_cast<double>(low), static_cast<double>(high)));

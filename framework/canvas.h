@@ -77,7 +77,7 @@ struct Paint {
 
 PointD PolarPoint(PointD centre, double radius, double degrees);
 // Returns the smallest rectangle of whole pixels around the points and `margin` pixels about them, within `limit`.
-RECT BoundsOf(std::span<const PointD> places, double margin, const RECT& limit);
+RECT BoundsOf(std::span<const PointD> points, double margin, const RECT& limit);
 
 void FillPolygon(Canvas& canvas, std::span<const PointD> corners, const Paint& paint);
 void FillDisc(Canvas& canvas, PointD centre, double radius, const Paint& paint);

@@ -104,8 +104,8 @@ bool AcceptsInput(ControlKind kind) {
 }
 
 bool LiesUnder(HWND window, POINT screenPoint) {
-  RECT place{};
-  return IsWindowVisible(window) && GetWindowRect(window, &place) && PtInRect(&place, screenPoint);
+  RECT rect{};
+  return IsWindowVisible(window) && GetWindowRect(window, &rect) && PtInRect(&rect, screenPoint);
 }
 
 bool MovesFocus(UINT message) {

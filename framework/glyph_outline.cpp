@@ -22,11 +22,11 @@ class OutlineWriter {
   OutlineWriter(GlyphOutline* outline, double capitalHeight, double middle)
       : outline_(outline), unit_(capitalHeight), middle_(middle) {}
 
-  bool Add(const PointD& place) {
+  bool Add(const PointD& point) {
     if (count_ == GlyphOutline::kMaxPoints) return false;
-    const double x = (place.x - middle_) / unit_, y = 0.5 - place.y / unit_;
+    const double x = (point.x - middle_) / unit_, y = 0.5 - point.y / unit_;
     outline_->points[count_++] = {static_cast<float>(x), static_cast<float>(y)};
-    last_ = place;
+    last_ = point;
     return true;
   }
 
@@ -63,26 +63,26 @@ class OutlineWriter {
   PointD last_{};
 };
 
-PointD PlaceOf(const POINTFX& point) {
+PointD PointOf(const POINTFX& point) {
   return {point.x.value + point.x.fract / 65536.0, point.y.value + point.y.fract / 65536.0};
 }
 
 bool AddPolyCurve(OutlineWriter& writer, const TTPOLYCURVE& curve) {
-  const auto place = [&curve](int i) { return PlaceOf(curve.apfx[i]); };
+  const auto point = [&curve](int i) { return PointOf(curve.apfx[i]); };
   if (curve.wType == TT_PRIM_LINE) {
     for (int i = 0; i < curve.cpfx; ++i) {
-      if (!writer.Add(place(i))) return false;
+      if (!writer.Add(point(i))) return false;
     }
   } else if (curve.wType == TT_PRIM_QSPLINE) {
     // The curve passes through the middle of two control points; the last point ends it.
     for (int i = 0; i + 1 < curve.cpfx; ++i) {
-      const PointD control = place(i), next = place(i + 1);
+      const PointD control = point(i), next = point(i + 1);
       const PointD middle{(control.x + next.x) / 2, (control.y + next.y) / 2};
       if (!writer.AddQuadratic(control, i + 2 < curve.cpfx ? middle : next)) return false;
     }
   } else {
     for (int i = 0; i + 2 < curve.cpfx; i += 3) {
-      if (!writer.AddCurve(place(i), place(i + 1), place(i + 2), kLinesPerCubic)) return false;
+      if (!writer.AddCurve(point(i), point(i + 1), point(i + 2), kLinesPerCubic)) return false;
     }
   }
   return true;
@@ -91,7 +91,7 @@ bool AddPolyCurve(OutlineWriter& writer, const TTPOLYCURVE& curve) {
 bool AddContours(OutlineWriter& writer, const std::byte* data, size_t size) {
   for (const std::byte* end = data + size; data < end;) {
     const auto& header = *reinterpret_cast<const TTPOLYGONHEADER*>(data);
-    if (!writer.Add(PlaceOf(header.pfxStart))) return false;
+    if (!writer.Add(PointOf(header.pfxStart))) return false;
     const std::byte* figureEnd = data + header.cb;
     for (data += sizeof(header); data < figureEnd;) {
       const auto& curve = *reinterpret_cast<const TTPOLYCURVE*>(data);
@@ -145,13 +145,13 @@ void AddGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD centre, double a
     BeginShape(canvas);
   }
   const double radians = Radians(degrees), cosine = std::cos(radians), sine = std::sin(radians);
-  std::array<PointD, GlyphOutline::kMaxPoints> places;
+  std::array<PointD, GlyphOutline::kMaxPoints> corners;
   for (int contour = 0, from = 0; contour < glyph.contours; from = glyph.ends[contour++]) {
     for (int i = from; i < glyph.ends[contour]; ++i) {
       const double x = glyph.points[i].x * height * stretch + along, y = glyph.points[i].y * height;
-      places[i] = {centre.x + x * cosine - y * sine, centre.y + x * sine + y * cosine};
+      corners[i] = {centre.x + x * cosine - y * sine, centre.y + x * sine + y * cosine};
     }
-    canvas.shape().AddContour({&places[from], static_cast<size_t>(glyph.ends[contour] - from)});
+    canvas.shape().AddContour({&corners[from], static_cast<size_t>(glyph.ends[contour] - from)});
   }
 }
 

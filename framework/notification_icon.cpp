@@ -132,9 +132,9 @@ BOOL AddNotificationIcon(HWND owner, UINT id, HICON icon, const char* tip) {
   NOTIFYICONDATAA data = CompleteIconData(owner, id);
   data.hIcon = icon;
   CopyTip(&data, tip);
-  const BOOL answer = notificationCalls.notifyIcon(NIM_ADD, &data);
-  RememberAdded(data, answer);
-  return answer;
+  const BOOL result = notificationCalls.notifyIcon(NIM_ADD, &data);
+  RememberAdded(data, result);
+  return result;
 }
 
 BOOL ChangeNotificationIcon(HWND owner, UINT id, HICON icon, const char* tip) {
@@ -157,10 +157,10 @@ BOOL SetNotificationTip(HWND owner, UINT id, const wchar_t* tip) {
 
 BOOL RemoveNotificationIcon(HWND owner, UINT id) {
   NOTIFYICONDATAA data = CompleteIconData(owner, id);
-  const BOOL answer = notificationCalls.notifyIcon(NIM_DELETE, &data);
+  const BOOL result = notificationCalls.notifyIcon(NIM_DELETE, &data);
   Forget(owner, id);
   RepaintNow(GetDesktopWindow());
-  return answer;
+  return result;
 }
 
 HDEVNOTIFY RegisterDeviceNotifications(HANDLE target, BOOL registerThem) {

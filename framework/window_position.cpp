@@ -97,21 +97,20 @@ BOOL WindowPosition(HWND window, const char* name, int mode) {
 
 void KeepInSight(HWND window, SIZE minimumSize) {
   constexpr int kGrip = 48;  // of the caption, in pixels
-  RECT place{}, work{};
-  GetWindowRect(window, &place);
-  const SIZE size{std::max(place.right - place.left, minimumSize.cx),
-                  std::max(place.bottom - place.top, minimumSize.cy)};
-  const RECT caption{place.left + std::min<LONG>(kGrip, size.cx / 2), place.top,
-                     place.left + std::max<LONG>(size.cx - kGrip, size.cx / 2 + 1),
-                     place.top + GetSystemMetrics(SM_CYCAPTION)};
+  RECT rect{}, work{};
+  GetWindowRect(window, &rect);
+  const SIZE size{std::max(rect.right - rect.left, minimumSize.cx), std::max(rect.bottom - rect.top, minimumSize.cy)};
+  const RECT caption{rect.left + std::min<LONG>(kGrip, size.cx / 2), rect.top,
+                     rect.left + std::max<LONG>(size.cx - kGrip, size.cx / 2 + 1),
+                     rect.top + GetSystemMetrics(SM_CYCAPTION)};
   if (!MonitorFromRect(&caption, MONITOR_DEFAULTTONULL)) {
     SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
     const RECT centred = CentredPosition({work.right - work.left, work.bottom - work.top}, size);
     // Keeps the caption reachable even when the window is larger than the screen.
-    place.left = work.left + std::max(centred.left, 0L);
-    place.top = work.top + std::max(centred.top, 0L);
+    rect.left = work.left + std::max(centred.left, 0L);
+    rect.top = work.top + std::max(centred.top, 0L);
   }
-  SetWindowPos(window, nullptr, place.left, place.top, size.cx, size.cy, SWP_NOZORDER | SWP_NOACTIVATE);
+  SetWindowPos(window, nullptr, rect.left, rect.top, size.cx, size.cy, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 BOOL WindowNumber(const char* name, DWORD* number, int mode) {

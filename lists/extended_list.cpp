@@ -30,14 +30,14 @@ UINT StateOf(const ListState& state, HWND window, UINT row) {
   return GetFocus() == window ? ODS_SELECTED | ODS_FOCUS : ODS_SELECTED;
 }
 
-void DrawRow(const ListState& state, HWND window, HDC dc, UINT row, const RECT& place) {
+void DrawRow(const ListState& state, HWND window, HDC dc, UINT row, const RECT& rect) {
   // Created for each row, because a parent may modify the struct.
   DRAWITEMSTRUCT request{.CtlID = state.nControlId,
                          .itemID = row,
                          .itemState = StateOf(state, window, row),
                          .hwndItem = window,
                          .hDC = dc,
-                         .rcItem = place};
+                         .rcItem = rect};
   SendMessageA(state.hParent, WM_DRAWITEM, state.nControlId, reinterpret_cast<LPARAM>(&request));
 }
 

@@ -198,22 +198,22 @@ POINT PointOf(LPARAM lParam) {
 }
 
 // After the list has set focus and capture.
-void OnPress(HWND list, POINT place, bool isDouble) {
+void OnPress(HWND list, POINT point, bool isDouble) {
   ListState* state = NavigatedListOf(list);
   if (!state) return;
-  const UINT row = ListRowAt(list, place);
+  const UINT row = ListRowAt(list, point);
   state->bHeaderPressed = row == kHeaderRow;
-  if (row == kHeaderRow) state->nHeaderPressX = place.x + state->nHorizontalOffset;
+  if (row == kHeaderRow) state->nHeaderPressX = point.x + state->nHorizontalOffset;
   if (row == kHeaderRow || row == kNoRow) return;
   SelectByUser(list, *state, row);
   if (isDouble && IsWindow(list)) PostNotification(list, LBN_DBLCLK);
 }
 
-void OnRelease(HWND list, POINT place) {
+void OnRelease(HWND list, POINT point) {
   ListState* state = NavigatedListOf(list);
   if (!state || !state->bHeaderPressed) return;
   state->bHeaderPressed = FALSE;
-  if (ListRowAt(list, place) == kHeaderRow) PostNotification(list, kListHeader);
+  if (ListRowAt(list, point) == kHeaderRow) PostNotification(list, kListHeader);
 }
 
 void RedrawLater(HWND list, ListState& state) {
@@ -288,13 +288,13 @@ BOOL AddListNavigation(HWND list) {
   return TRUE;
 }
 
-UINT ListRowAt(HWND list, POINT place) {
+UINT ListRowAt(HWND list, POINT point) {
   const ListState* state = ListOf(list);
-  if (!state || state->dwRowCount == 0 || place.y < 0) return kNoRow;
-  if (place.y < state->nRowHeight) return kHeaderRow;
+  if (!state || state->dwRowCount == 0 || point.y < 0) return kNoRow;
+  if (point.y < state->nRowHeight) return kHeaderRow;
   const RowRun rows = VisibleRows(state->dwRowCount, state->nRowHeight, state->nVerticalOffset, state->surfaceSize.cy);
-  if (place.y < rows.top) return kNoRow;
-  const DWORD row = static_cast<DWORD>((place.y - rows.top) / state->nRowHeight);
+  if (point.y < rows.top) return kNoRow;
+  const DWORD row = static_cast<DWORD>((point.y - rows.top) / state->nRowHeight);
   return row < rows.count ? rows.first + row : kNoRow;
 }
 

@@ -39,7 +39,7 @@ BOOL AddListNavigation(HWND list);
 
 // Returns the row at a point in client coordinates: kHeaderRow on the header, kNoRow below the last row. The point may
 // be outside the window's width.
-UINT ListRowAt(HWND list, POINT place);
+UINT ListRowAt(HWND list, POINT point);
 
 // Scrolls `row` to the first position below the header; with navigation, as far as the range allows. Repaints.
 BOOL ScrollListTo(HWND list, UINT row);

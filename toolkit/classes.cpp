@@ -45,10 +45,10 @@ BOOL RegisterAllClasses(HINSTANCE instance, BOOL registerThem) {
     for (const Registration each : std::views::reverse(kRegistrations)) each(instance, FALSE);
     return TRUE;
   }
-  const auto refused =
+  const auto rejected =
       std::ranges::find_if_not(kRegistrations, [&](Registration each) { return each(instance, TRUE); });
-  if (refused == std::end(kRegistrations)) return TRUE;
-  std::for_each(std::begin(kRegistrations), refused, [&](Registration each) { each(instance, FALSE); });
+  if (rejected == std::end(kRegistrations)) return TRUE;
+  std::for_each(std::begin(kRegistrations), rejected, [&](Registration each) { each(instance, FALSE); });
   return FALSE;
 }
 

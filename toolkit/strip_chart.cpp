@@ -88,8 +88,8 @@ BOOL SetStripChartCapacity(HWND dialog, int id, DWORD samples) {
   return Send(dialog, id, kStripCapacity | kCommandRedraw, 0, &samples);
 }
 
-BOOL SetStripChartAxisFigures(HWND dialog, int id, DWORD figures) {
-  return Send(dialog, id, kStripAxisFigures | kCommandRedraw, 0, &figures);
+BOOL SetStripChartAxisDigits(HWND dialog, int id, DWORD digits) {
+  return Send(dialog, id, kStripAxisDigits | kCommandRedraw, 0, &digits);
 }
 
 BOOL SetStripChartView(HWND dialog, int id, double seconds, double minimum, double maximum) {

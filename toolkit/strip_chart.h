@@ -31,7 +31,7 @@ double StripChartNow();
 // Sets the number of samples that each channel stores.
 BOOL SetStripChartCapacity(HWND dialog, int id, DWORD samples);
 // Reserves space for at least that many characters (up to 16) at the value axis, which aligns charts above each other.
-BOOL SetStripChartAxisFigures(HWND dialog, int id, DWORD figures);
+BOOL SetStripChartAxisDigits(HWND dialog, int id, DWORD digits);
 // Sets the displayed time span in seconds (0: all stored samples) and the range of the common axis (equal: automatic).
 // The chart then follows the newest sample.
 BOOL SetStripChartView(HWND dialog, int id, double seconds, double minimum, double maximum);

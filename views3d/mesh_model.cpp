@@ -34,8 +34,8 @@ std::uint64_t DepthKey(double depth) {
   return bits & kSign ? ~bits : bits | kSign;
 }
 
-std::uint32_t DigitOf(std::uint32_t place, int digit) {
-  return (place >> (digit * kDigitBits)) & (kDigitValues - 1);
+std::uint32_t DigitOf(std::uint32_t key, int digit) {
+  return (key >> (digit * kDigitBits)) & (kDigitValues - 1);
 }
 
 using DigitCounts = std::array<std::array<std::uint32_t, kDigitValues>, kDigits>;
@@ -91,11 +91,11 @@ void MoveIntoOrder(std::span<MeshTriangle> triangles, DepthEntry* order) {
   for (std::uint32_t first = 0; first < triangles.size(); ++first) {
     if (order[first].triangle == first) continue;
     const MeshTriangle moved = triangles[first];
-    std::uint32_t place = first;
-    for (std::uint32_t from; (from = std::exchange(order[place].triangle, place)) != first; place = from) {
-      triangles[place] = triangles[from];
+    std::uint32_t position = first;
+    for (std::uint32_t from; (from = std::exchange(order[position].triangle, position)) != first; position = from) {
+      triangles[position] = triangles[from];
     }
-    triangles[place] = moved;
+    triangles[position] = moved;
   }
 }
 

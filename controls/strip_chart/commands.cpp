@@ -51,12 +51,12 @@ bool ExchangeCapacity(StripModel& model, WPARAM wParam, LPARAM address) {
   return CopyItemIn(address, &capacity) && SetStripCapacity(model, capacity);
 }
 
-bool ExchangeAxisFigures(StripModel& model, WPARAM wParam, LPARAM address) {
-  constexpr DWORD kMaxFigures = 16;
-  if (wParam & kCommandRead) return CopyItemOut(model.axisFigures, address);
-  DWORD figures = 0;
-  if (!CopyItemIn(address, &figures) || figures > kMaxFigures) return false;
-  model.axisFigures = figures;
+bool ExchangeAxisDigits(StripModel& model, WPARAM wParam, LPARAM address) {
+  constexpr DWORD kMaxAxisDigits = 16;
+  if (wParam & kCommandRead) return CopyItemOut(model.axisDigits, address);
+  DWORD digits = 0;
+  if (!CopyItemIn(address, &digits) || digits > kMaxAxisDigits) return false;
+  model.axisDigits = digits;
   return true;
 }
 
@@ -115,7 +115,7 @@ bool DoCommand(StripChart& chart, WPARAM wParam, LPARAM lParam) {
     case kStripAppend: return !(wParam & kCommandRead) && Append(model, index, lParam);
     case kStripZone: return ExchangeZone(model, index, wParam, lParam);
     case kStripCapacity: return ExchangeCapacity(model, wParam, lParam);
-    case kStripAxisFigures: return ExchangeAxisFigures(model, wParam, lParam);
+    case kStripAxisDigits: return ExchangeAxisDigits(model, wParam, lParam);
     case kStripViewItem: return ExchangeView(model, wParam, lParam);
     case kStripCursor: return ExchangeCursor(model, wParam, lParam);
     case kStripMark: return ExchangeMark(model, wParam, lParam);

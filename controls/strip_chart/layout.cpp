@@ -33,8 +33,8 @@ void LayoutAxes(StripLayout& layout, const StripModel& model, RECT* plot) {
     axis.channel = channel;
     axis.range = RangeOf(model, channel, ticks);
     axis.step = NiceStep((axis.range.high - axis.range.low) / ticks);
-    const LONG figures = std::max(CharacterCount(axis.range, axis.step), static_cast<LONG>(model.axisFigures));
-    const LONG width = numbers ? (figures + 1) * layout.digitPx : 0;
+    const LONG digits = std::max(CharacterCount(axis.range, axis.step), static_cast<LONG>(model.axisDigits));
+    const LONG width = numbers ? (digits + 1) * layout.digitPx : 0;
     axis.area = {plot->left, plot->top, plot->left + width, plot->bottom};
     if (axis.area.right * 2 > layout.size.cx) axis.area.right = plot->left;
     plot->left = axis.area.right;

@@ -23,7 +23,7 @@ struct StripModel {
   std::array<StripChannelData, kStripChannels> channels;
   std::array<StripZone, kStripZones> zones{};
   std::array<bool, kStripZones> zoneShown{};
-  DWORD style = 0, capacity = kStripDefaultCapacity, axisFigures = 0;
+  DWORD style = 0, capacity = kStripDefaultCapacity, axisDigits = 0;
   StripView view{kStripVersion, kStripFollow, 0, 0, 0, 0, 1, 0};
   StripView home = view;        // the view that the owner has set
   double heldAt = 0;            // the newest time when the display was frozen

@@ -149,7 +149,7 @@ inline constexpr WPARAM kStripMark = 24;
 inline constexpr WPARAM kStripStatistics = 25;
 inline constexpr WPARAM kStripCount = 26;  // read only: a DWORD, the number of stored samples of a channel
 // A DWORD: space for at least that many characters, up to 16, at each value axis; it aligns charts above each other.
-inline constexpr WPARAM kStripAxisFigures = 27;
+inline constexpr WPARAM kStripAxisDigits = 27;
 
 inline constexpr WPARAM kStripZoneEnable = 0x0400;  // kStripZone: shows the zone
 

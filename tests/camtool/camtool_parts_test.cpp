@@ -180,7 +180,7 @@ TEST(CamtoolPaths, AreReadFromFilesOfExportAndSpreadsheets) {
 
 struct Read {
   std::string bytes;
-  size_t chunks = 0, torn = 0;
+  size_t chunks = 0, truncated = 0;
   camera::RecordingDecoder decoder;
   bool isRecording = true;
 };
@@ -202,7 +202,7 @@ Read ReadAll(std::string_view file, size_t partSize) {
     camera::FeedDecoder(&read.decoder, file.substr(0, size));
     file.remove_prefix(size);
   }
-  read.torn = camera::FinishDecoding(&read.decoder);
+  read.truncated = camera::FinishDecoding(&read.decoder);
   return read;
 }
 
@@ -227,9 +227,9 @@ TEST(CamtoolRecording, IsReadableWhenTruncatedAnywhere) {
     const size_t body = size < camera::kRecordingHeaderBytes ? 0 : size - camera::kRecordingHeaderBytes;
     const size_t chunks = std::min(body / kChunkSize, kChunkCount);
     ASSERT_TRUE(cut.isRecording) << size;
-    const size_t torn = size < camera::kRecordingHeaderBytes ? size : body - chunks * kChunkSize;
-    ASSERT_EQ(std::tuple(chunks, torn, 0u, false),
-              std::tuple(cut.chunks, cut.torn, cut.decoder.damageCount, cut.decoder.hasEnd))
+    const size_t truncated = size < camera::kRecordingHeaderBytes ? size : body - chunks * kChunkSize;
+    ASSERT_EQ(std::tuple(chunks, truncated, 0u, false),
+              std::tuple(cut.chunks, cut.truncated, cut.decoder.damageCount, cut.decoder.hasEnd))
         << size;
   }
   EXPECT_FALSE(ReadAll("time,x1,y1\n", 1000).isRecording);

@@ -331,9 +331,9 @@ TEST_F(StripCharts, KeysAndMouseZoomPanSelectAndNotifyTheOwner) {
   EXPECT_NEAR(50 * WindowState<StripState>(chart)->chart->renderer.layoutShown().secondsPerColumn, mark.to - mark.from,
               1e-9);
   EXPECT_EQ(1, Notified(kStripNotifyMark));
-  const DWORD figures = 9, tooMany = 17;
-  EXPECT_EQ(0, Send(chart, kStripAxisFigures, &tooMany));
-  EXPECT_EQ(1, Send(chart, kStripAxisFigures | kCommandRedraw, &figures));
+  const DWORD digits = 9, tooMany = 17;
+  EXPECT_EQ(0, Send(chart, kStripAxisDigits, &tooMany));
+  EXPECT_EQ(1, Send(chart, kStripAxisDigits | kCommandRedraw, &digits));
   const StripLayout& aligned = WindowState<StripState>(chart)->chart->renderer.layoutShown();
   EXPECT_EQ(10 * aligned.digitPx, aligned.axis[0].area.right - aligned.axis[0].area.left);
   SendMessageA(chart, WM_MOUSEMOVE, 0, MAKELPARAM(left + 60, 50));

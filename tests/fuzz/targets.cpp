@@ -81,7 +81,7 @@ std::vector<std::string> Recordings() {
 
 struct DecodedFile {
   std::string bytes;
-  size_t torn = 0;
+  size_t truncated = 0;
   bool isRecording = true;
   camera::RecordingDecoder decoder;
 };
@@ -99,7 +99,7 @@ DecodedFile Decode(std::string_view file, size_t part) {
     camera::FeedDecoder(&decoded.decoder, file.substr(at, part));
     at += part;
   }
-  decoded.torn = camera::FinishDecoding(&decoded.decoder);
+  decoded.truncated = camera::FinishDecoding(&decoded.decoder);
   return decoded;
 }
 
@@ -107,7 +107,7 @@ const char* FeedRecording(std::string_view input, bool* accepted) {
   const DecodedFile whole = Decode(input, 100000), pieces = Decode(input, 37);
   *accepted = whole.isRecording && whole.decoder.hasEnd && whole.decoder.damageCount == 0;
   if (whole.bytes.size() > input.size()) return "no more comes out than went in";
-  if (whole.isRecording != pieces.isRecording || whole.bytes != pieces.bytes || whole.torn != pieces.torn) {
+  if (whole.isRecording != pieces.isRecording || whole.bytes != pieces.bytes || whole.truncated != pieces.truncated) {
     return "pieces give what the whole gives";
   }
   return nullptr;

@@ -52,8 +52,8 @@ TEST_F(TypedCharts, DescribeAppendFreezeAndRead) {
   EXPECT_EQ(std::tuple(2.5, 4.5), std::tuple(times.from, times.to));
   EXPECT_TRUE(FollowStripChart(parent_, kId, 2) && GetStripChartTimes(parent_, kId, &times));
   EXPECT_EQ(std::tuple(3, 5), std::tuple(times.from, times.to));
-  EXPECT_TRUE(SetStripChartAxisFigures(parent_, kId, 16));
-  EXPECT_FALSE(SetStripChartAxisFigures(parent_, kId, 17));
+  EXPECT_TRUE(SetStripChartAxisDigits(parent_, kId, 16));
+  EXPECT_FALSE(SetStripChartAxisDigits(parent_, kId, 17));
   double cursor = 4;
   EXPECT_FALSE(GetStripChartCursor(parent_, kId, &cursor) || GetStripChartMark(parent_, kId, &times));
   EXPECT_TRUE(SetStripChartCursor(parent_, kId, &cursor) && SetStripChartMark(parent_, kId, &mark));
