@@ -130,7 +130,9 @@ bool DoCommand(StripChart& chart, WPARAM wParam, LPARAM lParam) {
 LRESULT OnStripCommand(StripChart& chart, WPARAM wParam, LPARAM lParam) {
   constexpr UINT_PTR kShowTimer = 5;
   constexpr UINT kShowMs = 50;
+  const double cursor = chart.model.cursor;
   if (!DoCommand(chart, wParam, lParam)) return FALSE;
+  if (chart.model.cursor != cursor) chart.hovering = false;  // the owner has moved it away from the pointer
   if (wParam & kCommandRead) return TRUE;
   const bool render = LOBYTE(wParam) == kStripRender, append = LOBYTE(wParam) == kStripAppend;
   const bool now = render || (wParam & kCommandRedraw);

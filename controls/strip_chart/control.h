@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <climits>
+
 #include "controls/strip_chart/model.h"
 #include "controls/strip_chart/renderer.h"
 
@@ -14,8 +16,8 @@ struct StripChart {
   StripRenderer renderer;
   bool redrawAll = true;  // the next update draws everything
   bool waiting = false;   // timer 5 runs until new samples are drawn
-  bool hovering = false;  // the cursor follows the mouse pointer, at hoverX
-  LONG hoverX = 0;
+  bool hovering = false;     // the cursor follows the mouse pointer, at pointerX
+  LONG pointerX = LONG_MIN;  // of the last mouse move; LONG_MIN after the pointer has left
   enum class Drag { kNone, kPan, kMark } drag = Drag::kNone;
   LONG dragX = 0, wheel = 0;
   bool dragged = false;  // moved since the button was pressed

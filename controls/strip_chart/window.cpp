@@ -27,7 +27,7 @@ void RefreshStrip(StripChart& chart) {
   StripModel& model = chart.model;
   const RECT changed = chart.renderer.Update(model, ClientSize(chart.window), chart.redrawAll);
   chart.redrawAll = false;
-  if (chart.hovering) model.cursor = TimeAtX(chart.renderer.layoutShown(), chart.hoverX);
+  if (chart.hovering) model.cursor = TimeAtX(chart.renderer.layoutShown(), chart.pointerX);
   const bool marks = model.cursorShown || model.marked;
   if (!IsRectEmpty(&changed)) InvalidateRect(chart.window, marks ? nullptr : &changed, FALSE);
 }
@@ -160,19 +160,22 @@ LRESULT OnMouseMove(StripChart& chart, LONG x) {
     SetMark(chart.model, TimeAtX(layout, chart.dragX), TimeAtX(layout, within));
     return Changed(chart, kStripNotifyMark);
   }
+  // Windows also sends this message when something changes under a pointer that rests: the cursor may have moved since.
+  if (x == chart.pointerX) return 0;
+  chart.pointerX = x;
   const bool inside = x >= layout.plot.left && x < layout.plot.right;
-  if (inside == chart.hovering && (!inside || x == chart.hoverX)) return 0;
+  if (!inside && !chart.hovering) return 0;
   if (inside && !chart.hovering) {
     TRACKMOUSEEVENT leave{sizeof(leave), TME_LEAVE, chart.window, 0};
     TrackMouseEvent(&leave);
   }
   chart.hovering = chart.model.cursorShown = inside;
-  chart.hoverX = x;
   if (inside) chart.model.cursor = TimeAtX(layout, x);
   return Changed(chart, kStripNotifyCursor);
 }
 
 LRESULT OnMouseLeave(StripChart& chart) {
+  chart.pointerX = LONG_MIN;
   if (!chart.hovering) return 0;
   chart.hovering = chart.model.cursorShown = false;
   return Changed(chart, kStripNotifyCursor);

@@ -339,6 +339,10 @@ TEST_F(StripCharts, KeysAndMouseZoomPanSelectAndNotifyTheOwner) {
   SendMessageA(chart, WM_MOUSEMOVE, 0, MAKELPARAM(left + 60, 50));
   EXPECT_EQ(1, Notified(kStripNotifyCursor));
   EXPECT_EQ(0, Notified(kStripNotifyPlaced));  // both were drags
+  const double elsewhere = 990;
+  EXPECT_EQ(1, Send(chart, kStripCursor | kCommandRedraw, &elsewhere));
+  SendMessageA(chart, WM_MOUSEMOVE, 0, MAKELPARAM(left + 60, 50));  // the pointer rests
+  EXPECT_EQ(elsewhere, Read<StripReading>(chart, kStripCursor).time);
   SendMessageA(chart, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(left + 60, 50));
   SendMessageA(chart, WM_LBUTTONUP, 0, MAKELPARAM(left + 60, 50));
   EXPECT_EQ(1, Notified(kStripNotifyPlaced));
