@@ -39,12 +39,14 @@ void ShowValue(HWND page, int controlId, UINT textId, double value, int decimals
   SetDlgItemTextW(page, controlId, TextWith(textId, kv::NumberText(value, decimals).c_str()).c_str());
 }
 
-// The terminal's text grows with the page's.
+// The terminal's text grows with the page's, in a font that has every size.
 void ScaleTerminal(HWND page) {
   constexpr int kTwipsPerPx = 13;
   CHARFORMATA format{};
   format.cbSize = sizeof(format);
-  format.dwMask = CFM_SIZE;
+  format.dwMask = CFM_SIZE | CFM_FACE;
+  format.bPitchAndFamily = FIXED_PITCH | FF_MODERN;
+  lstrcpyA(format.szFaceName, "Courier New");
   format.yHeight = kTwipsPerPx * kv::TextHeightOf(page);
   for (const WPARAM part : {SCF_ALL, SCF_SELECTION}) {
     SendDlgItemMessageA(page, IDC_NMEA_TERMINAL, EM_SETCHARFORMAT, part, reinterpret_cast<LPARAM>(&format));

@@ -42,7 +42,7 @@ INT_PTR OnDrawItem(HWND page, const DRAWITEMSTRUCT* item) {
 INT_PTR OnSize(HWND page) {
   const HWND index = GetDlgItem(page, IDC_OVERVIEW_INDEX);
   const int share = kv::ClientSize(index).cy / static_cast<int>(AllPages().size() - 1);
-  SendMessageA(index, LB_SETITEMHEIGHT, 0, std::max(share, 2 * kv::TextHeightOf(page) + 8));
+  SendMessageA(index, LB_SETITEMHEIGHT, 0, std::max(share, 2 * kv::TextHeightOf(page) + 4));
   return TRUE;
 }
 
