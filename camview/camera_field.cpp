@@ -71,7 +71,7 @@ FieldLayout LayoutField(SIZE size) {
   return layout;
 }
 
-// The middle of the camera's unit.
+// The middle of a camera unit.
 kv::PointD PlaceOf(const FieldLayout& layout, const kv::CameraPoint& point) {
   return {layout.left + (point.x + 0.5) * layout.unitPx, layout.top + (point.y + 0.5) * layout.unitPx};
 }
@@ -117,7 +117,7 @@ void DrawFace(kv::Canvas& canvas, const FieldLayout& layout, const FieldColors& 
   canvas.ClipTo(inner);
 }
 
-// The older, the nearer to the field's colour: step 0 is the newest.
+// Fades to the colour of the field with age: step 0 is the newest.
 COLORREF TrailColor(const FieldColors& colors, int point, int step) {
   return Mixed(colors.points[point], colors.field, 78 * step / kFadeSteps);
 }
@@ -156,7 +156,7 @@ void DrawTrail(kv::Canvas& canvas, const Field& field, const FieldLayout& layout
   if (step >= 0) kv::FillShape(canvas, TrailColor(colors, point, step));
 }
 
-// Circle, square, diamond and triangle, as Tarnwick's icons.
+// Circle, square, diamond and triangle, like Tarnwick's icons.
 void DrawMarker(kv::Canvas& canvas, const FieldColors& colors, int point, kv::PointD at, double radius) {
   const COLORREF color = colors.points[point];
   const double r = radius;
@@ -186,7 +186,7 @@ void DrawMarker(kv::Canvas& canvas, const FieldColors& colors, int point, kv::Po
   kv::FillDisc(canvas, at, r * 0.34, colors.centre);
 }
 
-// To the right below the marker, or where the field ends, to the left or above.
+// Below and to the right of the marker; at the edges of the field, above or to the left.
 void DrawNumber(kv::Canvas& canvas, const FieldLayout& layout, int point, kv::PointD at, COLORREF color) {
   const std::wstring text(1, static_cast<wchar_t>(L'1' + point));
   SIZE size{};
@@ -217,7 +217,7 @@ void Render(const Field& field, kv::Canvas& canvas) {
   }
 }
 
-// Brings the back buffer up to date. False without one.
+// Updates the back buffer. Returns false without one.
 bool Update(Field& field) {
   const SIZE size = kv::ClientSize(field.window);
   if (field.surface.size().cx != size.cx || field.surface.size().cy != size.cy) {
@@ -270,7 +270,7 @@ LRESULT OnCommand(Field& field, WPARAM wParam, LPARAM lParam) {
   }
   field.records.assign(content.records, content.records + content.count);
   for (StoredRecord& record : field.records) {
-    // Odd records may hold any number.
+    // Odd records may contain any number.
     for (kv::CameraPoint& point : record.points) {
       point = {std::clamp<LONG>(point.x, 0, kv::kNoPoint), std::clamp<LONG>(point.y, 0, kv::kNoPoint)};
     }

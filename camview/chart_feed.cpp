@@ -24,15 +24,15 @@ namespace {
 constexpr int kCharts[] = {IDC_CHART_X, IDC_CHART_Y};
 constexpr unsigned kAllChannels = (1u << kChannels) - 1;
 constexpr double kGap = std::numeric_limits<double>::quiet_NaN();
-constexpr int kFineBuckets = 2000;    // of what is shown; more than a screen has columns
-constexpr int kCoarseBuckets = 2000;  // of all the rest
-constexpr double kBeside = 1;         // spans in detail on either side of what is shown
-// A span that is so much shorter needs more details.
+constexpr int kFineBuckets = 2000;    // for the visible span; more than the columns of a screen
+constexpr int kCoarseBuckets = 2000;  // for the rest
+constexpr double kBeside = 1;         // spans with details on either side of the visible one
+// A span shorter by this factor needs more details.
 constexpr double kFurther = 1.5;
 constexpr int kSamplesOfBucket = 5;  // four, and a gap
 constexpr DWORD kCapacity =
     (kFineBuckets * (1 + 2 * static_cast<int>(kBeside)) + 2 * kCoarseBuckets) * kSamplesOfBucket;
-// Until then what is appended has room.
+// Capacity for appended records.
 constexpr long long kMaxAppended = 16384;
 
 struct Part {
@@ -40,7 +40,7 @@ struct Part {
   int buckets;
 };
 
-// Adds a part behind those that are there: its records beside the edges may be in them.
+// Appends a part; its records beyond the edges may be in the previous part.
 void AddPart(const RecordStore& store, const Part& part, Curves* curves) {
   if (!(part.from < part.to)) return;
   Curves added;
@@ -88,12 +88,12 @@ void FeedCharts(HWND window, const RecordStore& store, const kv::StripStretch& w
   const double beside = (shown.to - shown.from) * kBeside;
   feed->fine = {std::max(shown.from - beside, whole.from), std::min(shown.to + beside, whole.to)};
   const double length = std::max(whole.to - whole.from, 1e-3);
-  // Of a span that reaches beyond the whole, the buckets are those of what there is.
+  // If the span exceeds the whole, buckets are for the existing records.
   const double buckets = kFineBuckets * (feed->fine.to - feed->fine.from) / std::max(feed->span, 1e-3);
   const int fineBuckets = std::clamp(static_cast<int>(std::min(buckets, 1e6)), 1, kFineBuckets * 3);
   feed->isExact = store.Find(feed->fine.to) - store.Find(feed->fine.from) <= 4LL * fineBuckets;
   Curves curves;
-  // The charts can be moved to the ends of the whole even if no record stands there.
+  // The charts can be scrolled to the ends even if there are no records.
   if (store.IsEmpty() || store.Seconds(store.First()) > whole.from) {
     for (auto& curve : curves) curve.push_back({whole.from, kGap});
   }

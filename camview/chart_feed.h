@@ -1,5 +1,5 @@
-// Feeds the two strip charts (x and y) from a store: what is shown in every detail that their pixels can show, and the
-// rest coarsely, so that even a day needs no more samples than a few screens. Main thread only.
+// Feeds the two strip charts (x and y) from a store: the visible span with all details that the pixels can show, and
+// the rest coarsely, so that a recording of a day needs only as many samples as a few screens. Main thread only.
 #pragma once
 
 #include <windows.h>
@@ -10,25 +10,25 @@
 namespace camview {
 
 struct ChartFeed {
-  kv::StripStretch fine{};  // in detail; empty when nothing is fed
-  double span = 0;          // shown when it was fed
-  bool isExact = false;     // each record of `fine` is in it
-  long long next = 0;       // the record to append
-  long long appended = 0;   // records since it was fed
+  kv::StripStretch fine{};  // span with details; empty when the charts are empty
+  double span = 0;          // visible span when the charts were fed
+  bool isExact = false;     // contains each record of `fine`
+  long long next = 0;       // next record to append
+  long long appended = 0;   // records appended since
 };
 
-// Gives the charts their channels' names and colours, in the language that is shown, and their place for samples.
+// Sets names and colours of the charts' channels, in the current language, and their capacity.
 void DescribeCharts(HWND window);
 
-// Whether the charts have all the details of a span.
+// Returns whether the charts have all details of a span.
 bool HasDetails(const ChartFeed& feed, const kv::StripStretch& whole, const kv::StripStretch& shown);
 
-// Fills the charts anew. `whole` is the time that they can be moved through. The charts' view, cursor and mark are the
-// caller's to set again.
+// Refills the charts. `whole` is the time range to which they can be scrolled. The caller restores view, cursor and
+// mark.
 void FeedCharts(HWND window, const RecordStore& store, const kv::StripStretch& whole, const kv::StripStretch& shown,
                 ChartFeed* feed);
 
-// Adds the records that came since. False when the charts should be fed anew.
+// Appends new records. Returns false when the charts should be refilled.
 bool AppendNewRecords(HWND window, const RecordStore& store, ChartFeed* feed);
 
 void ClearCharts(HWND window, ChartFeed* feed);

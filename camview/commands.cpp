@@ -52,7 +52,7 @@ void MarkShown(View& view) {
   SetMark(view, &shown);
 }
 
-// The image of the chart that has the focus, with its values; otherwise of all.
+// Copies the chart that has the focus, with its values; otherwise the whole image.
 void Copy(View& view) {
   const HWND focused = GetFocus();
   for (const int id : {IDC_FIELD, IDC_CHART_X, IDC_CHART_Y}) {
@@ -64,7 +64,7 @@ void Copy(View& view) {
   CopyImage(view);
 }
 
-// Ends what goes on, from the smallest to the largest thing.
+// Cancels the innermost activity.
 void OnEscape(View& view) {
   if (view.isLoading) return view.loader.Cancel();
   if (view.isExporting) return view.exporter.Cancel();
@@ -98,7 +98,7 @@ INT_PTR OnControl(View& view, UINT id, UINT code) {
       }
       return TRUE;
     case IDC_TIME:
-      // What was typed and not entered is no longer wanted.
+      // Text that was typed and not entered is discarded.
       if (code == EN_KILLFOCUS) {
         view.shownTime.clear();
         ShowTime(view);

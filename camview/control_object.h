@@ -1,5 +1,4 @@
-// The object that a control of this program keeps for its window, from WM_CREATE to WM_DESTROY. On the thread that owns
-// the window.
+// The object with the state of a control of camview, from WM_CREATE to WM_DESTROY. On the thread that owns the window.
 #pragma once
 
 #include <windows.h>
@@ -18,14 +17,15 @@ struct ObjectRecord {
   Object* object;
 };
 
-// Null before and after.
+// Returns null before WM_CREATE and after WM_DESTROY.
 template <class Object>
 Object* ObjectOf(HWND window) {
   auto* record = kv::WindowState<ObjectRecord<Object>>(window);
   return record ? record->object : nullptr;
 }
 
-// The result of WM_CREATE. The object has its window in `window`. The window takes dropped files and is not mirrored.
+// Handles WM_CREATE: creates the object, with the window in `window`. The window accepts dropped files and is not
+// mirrored.
 template <class Object>
 LRESULT CreateObject(HWND window) {
   auto* record = kv::CreateWindowState<ObjectRecord<Object>>(window);
@@ -38,7 +38,7 @@ LRESULT CreateObject(HWND window) {
   return 0;
 }
 
-// The result of WM_DESTROY.
+// Handles WM_DESTROY.
 template <class Object>
 LRESULT DestroyObject(HWND window) {
   auto* record = kv::WindowState<ObjectRecord<Object>>(window);

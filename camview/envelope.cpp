@@ -16,7 +16,7 @@ namespace camview {
 
 namespace {
 
-constexpr int kRecordsOfBucket = 4;  // as many as its samples
+constexpr int kRecordsOfBucket = 4;  // equals the samples of a bucket
 constexpr size_t kBatchRecords = 512;
 constexpr double kGap = std::numeric_limits<double>::quiet_NaN();
 
@@ -27,7 +27,7 @@ double ValueOf(const StoredRecord& record, int channel) {
   return isSeen ? static_cast<double>(channel % 2 == 0 ? point.x : point.y) : kGap;
 }
 
-// Ends the line at the last sample. A gap that follows a gap says nothing new.
+// Ends the line at the last sample. Consecutive gaps are one.
 void AddGap(std::vector<kv::StripSample>* curve) {
   if (!curve->empty() && !std::isnan(curve->back().value)) curve->push_back({curve->back().time, kGap});
 }
@@ -63,7 +63,7 @@ void AddRecords(const RecordStore& store, long long first, long long end, unsign
   }
 }
 
-// The records `first` to before `end`, which are more than a few.
+// Adds the bucket of the records `first` to `end` - 1, which are more than a few.
 void AddBucket(const RecordStore& store, long long first, long long end, unsigned channels, Curves* curves) {
   const StoredRecord head = store.Get(first), tail = store.Get(end - 1);
   const Extremes extremes = store.ExtremesOf(first, end);

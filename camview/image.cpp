@@ -1,4 +1,4 @@
-// An image of field, charts and timeline, for the clipboard and as a file.
+// An image of field, charts and timeline, for the clipboard and for a file.
 #include <windows.h>
 
 #include <cstddef>
@@ -30,12 +30,12 @@ RECT PlaceOf(HWND window, int id) {
   RECT place{};
   GetWindowRect(GetDlgItem(window, id), &place);
   MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&place), 2);
-  // In a mirrored window the left edge comes second.
+  // In a mirrored window left and right are exchanged.
   if (place.left > place.right) std::swap(place.left, place.right);
   return place;
 }
 
-// The parts as they lie in the window. False when allocation fails.
+// Draws the parts at their positions in the window. Returns false when allocation fails.
 bool DrawImage(HWND window, kv::Surface* image) {
   RECT all{};
   for (const int id : kParts) {
@@ -68,7 +68,7 @@ void CopyImage(View& view) {
 
 void SaveImage(View& view) {
   kv::Surface image;
-  const bool drawn = DrawImage(view.window, &image);  // as it is now, before the question
+  const bool drawn = DrawImage(view.window, &image);  // before the file dialog
   const std::wstring source =
       view.live ? L"COM" + std::to_wstring(view.status.port) : camera::Wide(view.recording.path);
   std::wstring name = kv::FileNameOf(source.c_str());

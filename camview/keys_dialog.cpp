@@ -19,7 +19,7 @@ const kv::ListColumn kColumns[] = {{MAKEINTRESOURCEW(IDS_COLUMN_KEY), 40}, {MAKE
 
 using Keys = std::vector<std::pair<std::wstring, std::wstring>>;
 
-// The text has a line for each: the key, a tab and what it does.
+// The text has a line for each key: the key, a tab and its command.
 Keys ReadKeys() {
   Keys keys;
   const std::wstring text = kv::ResourceText(IDS_KEYS_TEXT) + L"\n";

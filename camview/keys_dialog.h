@@ -1,4 +1,4 @@
-// Lists what each key does. Main thread only.
+// Shows the keyboard commands. Main thread only.
 #pragma once
 
 #include <windows.h>

@@ -58,19 +58,19 @@ struct LiveSource::Reader {
   std::uint64_t startTime = 0;
   HANDLE stop = CreateEventA(nullptr, TRUE, FALSE, nullptr);
 
-  // The reader thread's alone.
+  // Used by the reader thread only.
   camera::Port port;
   RecordIntake intake;
 
-  std::mutex lock;  // guards what follows
+  std::mutex lock;  // guards the following members
   IntakeBatch batch;
   LiveStatus status;
   LineTimes times;
   bool isOpen = false;
-  std::deque<double> recent;  // the times of the records of the last kRateSeconds
+  std::deque<double> recent;  // times of the records of the last kRateSeconds
 
-  // Guards what follows; held while the file is written, which may take long, so that nobody else has to wait. Taken
-  // before `lock`.
+  // Guards the following members. Held while the file is written, which may take long, so it is separate from `lock`.
+  // Locked before `lock`.
   std::mutex recordingLock;
   std::unique_ptr<camera::Recorder> recorder;
 
@@ -91,7 +91,7 @@ struct LiveSource::Reader {
 void LiveSource::Reader::Run() {
   while (!IsStopped()) {
     if (Open()) Read();
-    // At once: an adapter whose old port is open comes back as another one.
+    // At once, because an adapter whose old port is open reappears under another number.
     port.Close();
     WaitForSingleObject(stop, kRetryMs);
   }
@@ -177,7 +177,7 @@ void LiveSource::Reader::Record(double time, const std::string& bytes) {
   if (!isWritten) EndRecording();
 }
 
-// With `recordingLock` held.
+// Call with `recordingLock` held.
 void LiveSource::Reader::EndRecording() {
   if (!recorder) return;
   const double seconds = camera::EndRecording(recorder.get());

@@ -1,4 +1,4 @@
-// A live port: connecting, showing what comes, recording it.
+// A live port: connecting, showing, and recording.
 #include <windows.h>
 
 #include <algorithm>
@@ -36,7 +36,7 @@ void ShowLiveLines(View& view) {
   ShowRecordingState(view);
 }
 
-// The newest records in the charts and in the time; the charts scroll by themselves.
+// Shows the newest records in the charts, which scroll, and the time.
 void ShowNewest(View& view) {
   const RecordStore& store = *view.received;
   const bool isFirst = view.feed.next == 0 && view.feed.fine.to == 0;
@@ -84,7 +84,7 @@ void ToggleRecording(View& view) {
   if (!kv::AskSavePath(view.window, kv::ResourceText(IDS_RECORD_TITLE).c_str(), &path)) return;
   RememberFolder(Setting::kRecordings, path);
   std::string error;
-  // The user was asked before a file is replaced.
+  // The user has confirmed replacing a file.
   if (!view.live->StartRecording(camera::Narrow(path), true, &error)) {
     kv::ShowMessage(view.window,
                     TextWith(IDS_RECORDING_FAILED, kv::FileNameOf(path.c_str()), camera::Wide(error).c_str()),
@@ -96,7 +96,7 @@ void ToggleRecording(View& view) {
 void TickLive(View& view) {
   if (!view.live) return;
   view.status = view.live->Status();
-  // An export reads the store; what comes meanwhile waits in the source.
+  // An export reads the store, so new records wait in the source.
   if (!view.isExporting) {
     view.live->Take(&view.batch);
     StoreBatch(&view.batch, view.received.get());

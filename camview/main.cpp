@@ -1,4 +1,4 @@
-// camview: looks at what a camera sends or has sent.
+// camview: shows recordings of a camera, and live ports.
 //
 //   camview [FILE | COMn] [--language CODE]
 #include <windows.h>
@@ -22,7 +22,7 @@ constexpr int kExitRefused = 2, kExitNoWindow = 1;
 struct CommandLine {
   camview::StartOptions start;
   bool help = false;
-  std::wstring refused;  // the first argument that means nothing; "" when all is well
+  std::wstring refused;  // the first invalid argument; "" if there is none
 };
 
 // A file named COM3 can be opened as .\COM3.

@@ -43,9 +43,9 @@ void Step(Playback* playback, const RecordStore& store, int by) {
   Pause(playback);
   if (store.IsEmpty()) return;
   const long long shown = store.At(playback->position);
-  // Before the first record the next one is the first.
+  // Before the first record, the next one is the first.
   long long number = (shown < 0 ? store.First() - 1 : shown) + by;
-  // Back from between two records, the first step is to the one that is shown.
+  // Backwards from between two records, the first step goes to the record that is shown.
   if (by < 0 && shown >= 0 && store.Seconds(shown) < playback->position - 1e-6) ++number;
   Seek(playback, store.Seconds(std::clamp(number, store.First(), store.End() - 1)));
 }

@@ -22,12 +22,12 @@ constexpr UINT_PTR kFindTimer = 1;
 constexpr UINT kFindMs = 100;
 constexpr int kHighestPort = 999;
 constexpr INT_PTR kChosen =
-    0x10000;  // what the dialog ends with is this and the port's number, which may be IDCANCEL's
+    0x10000;  // added to the port's number in the dialog's result, because the number may equal IDCANCEL
 
 struct PortDialog {
   PortFinder finder;
   std::vector<FoundPort> found;  // in the list's order
-  bool isTyped = false;          // the name is the user's
+  bool isTyped = false;          // the user has typed the name
 };
 
 std::wstring LineOf(const FoundPort& port) {
@@ -70,7 +70,7 @@ void AddPort(HWND dialog, const FoundPort& port) {
   state.found.insert(place, port);
   const std::wstring line = LineOf(port);
   SendDlgItemMessageW(dialog, IDC_PORTS, LB_INSERTSTRING, index, reinterpret_cast<LPARAM>(line.c_str()));
-  // The first camera is what most users look for.
+  // Most users look for the first camera.
   if (port.state == FoundState::kCamera && !state.isTyped) Select(dialog, 0);
 }
 

@@ -1,5 +1,5 @@
-// Asks for a port: lists those that are found while they are, with what is on them, or takes a typed name. Main thread
-// only.
+// Asks the user for a port: lists ports while a scan finds them, with what they send, or accepts a typed name. Main
+// thread only.
 #pragma once
 
 #include <windows.h>
@@ -8,10 +8,10 @@
 
 namespace camview {
 
-// The number of the chosen port, 1 to 999; 0 when the user cancelled.
+// Returns the number of the chosen port, 1 to 999; 0 when the user cancelled.
 int AskForPort(HWND owner);
 
-// "COM3", "com3" or "3", with blanks around; 0 for anything else. Pure.
+// Parses "COM3", "com3" or "3", with surrounding blanks; 0 for anything else. Pure.
 int PortOfName(std::wstring_view name);
 
 }  // namespace camview

@@ -35,7 +35,7 @@ void PortFinder::Start() {
 std::vector<FoundPort> PortFinder::Take() {
   std::vector<FoundPort> ports;
   if (!scan_) return ports;
-  // Asked first: what is reported after that is complete.
+  // Before Reports(), whose results are complete if this is true.
   isDone_ = scan_->IsOver();
   for (const camera::PortReport& report : scan_->Reports()) {
     if (!report.isComplete && !isDone_) continue;

@@ -1,4 +1,4 @@
-// Which ports there are, and on which a camera sends. Main thread only; nothing blocks.
+// Finds ports, and those on which a camera sends. Main thread only; nothing blocks.
 #pragma once
 
 #include <memory>
@@ -15,7 +15,7 @@ enum class FoundState { kCamera, kSending, kSilent, kBusy, kAccessDenied, kUnusa
 struct FoundPort {
   int number;
   FoundState state;
-  std::string holder;           // with kBusy, the program that has it, where the system tells; else ""
+  std::string holder;           // with kBusy, the program that uses it, if known; otherwise ""
   double recordsPerSecond = 0;  // of a camera
   long long bytes = 0;          // received
 };
@@ -24,13 +24,13 @@ struct FoundPort {
 // reported as busy and not disturbed.
 class PortFinder {
  public:
-  // Starts, again if need be.
+  // Starts or restarts.
   void Start();
-  // Lets go of the ports within a twentieth of a second; what is not taken yet is never reported.
+  // Closes the ports within 50 ms; ports not yet returned are never reported.
   void Cancel() { scan_.reset(); }
-  // Nothing more will come.
+  // Returns whether all ports have been reported.
   bool IsDone() const { return !scan_ || isDone_; }
-  // The ports found since the last call, each once: unusable ones at once, others after a second.
+  // Returns the ports found since the last call, each once: unusable ones at once, others after a second.
   std::vector<FoundPort> Take();
 
  private:

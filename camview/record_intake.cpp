@@ -34,7 +34,7 @@ void TakeBytes(RecordIntake* intake, double seconds, std::string_view bytes, Int
 void TakeDamage(RecordIntake* intake, double seconds, long long bytes, IntakeBatch* batch) {
   batch->stretches.push_back({StretchKind::kDamaged, intake->lastArrival, seconds, bytes});
   intake->flags |= kAfterDamagedBytes | (seconds - intake->lastArrival >= camera::kGapSeconds ? kAfterSilence : 0);
-  // Whether it was silent then, nobody knows.
+  // Silence during that time is unknown.
   intake->lastArrival = seconds;
 }
 

@@ -19,8 +19,8 @@ namespace camview {
 
 namespace {
 
-// A record: in each word ten bits for x and ten for y of a point. The twelve bits above them, all four together, are
-// 44 bits of time (microseconds since the block's first record, 203 days at most) and four flags.
+// A record: each word contains ten bits of x and ten of y of a point. The upper twelve bits of the four words together
+// are 44 bits of time (microseconds since the block's first record, at most 203 days) and four flags.
 using Entry = std::array<std::uint32_t, kv::kPointCount>;
 static_assert(sizeof(Entry) == 16);
 
@@ -29,7 +29,7 @@ constexpr std::uint32_t kCoordinateMask = (1u << kCoordinateBits) - 1;
 constexpr std::int64_t kLongestBlock = std::int64_t{1} << kTimeBits;
 static_assert(kv::kNoPoint == kCoordinateMask);
 
-// What finding by time makes of rounding: a double has seconds of a year to some nanoseconds.
+// Rounding error when finding by time: a double represents seconds of a year to some nanoseconds.
 constexpr double kRounding = 0.01;  // microseconds
 constexpr double kLatest = 1e18;    // microseconds
 
@@ -124,7 +124,7 @@ RecordStore::~RecordStore() = default;
 
 // ---- Adding ---------------------------------------------------------------------------------------------------------
 
-// The block that takes a record of that time; null when allocation fails.
+// Returns the block for a record of that time; null when allocation fails.
 RecordStore::Block* RecordStore::BlockFor(std::int64_t microseconds) {
   Block* last = blocks_.empty() ? nullptr : blocks_.back().get();
   if (last && last->count < kBlockRecords && microseconds - last->base < kLongestBlock) return last;
@@ -180,7 +180,7 @@ void RecordStore::AddStretch(const Stretch& stretch) {
   };
   add(stretch);
   if (list.size() <= kMostStretches) return;
-  // So many are left after it that this is rare.
+  // Leaves so many that this is rare.
   do {
     longest = std::max(longest * 2, 0.01);
     const std::vector<Stretch> all = std::exchange(list, {});
@@ -237,9 +237,9 @@ size_t RecordStore::Read(long long number, std::span<StoredRecord> records) cons
   return read;
 }
 
-// The first record at that time or later.
+// Returns the first record at that time or later.
 long long RecordStore::FindMicroseconds(std::int64_t microseconds) const {
-  // Of records with the same time the first may end one block before.
+  // The first of several records with the same time may be in the previous block.
   const auto next = std::ranges::lower_bound(blocks_, microseconds, {}, [](const auto& block) { return block->base; });
   if (next == blocks_.begin()) return First();
   const Block& block = **std::prev(next);

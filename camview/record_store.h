@@ -1,5 +1,5 @@
-// All records of a recording or of a live session in 16 bytes each, found by number or by time, and the stretches in
-// which something was missing. Pure; one thread at a time.
+// All records of a recording or a live session in 16 bytes each, accessible by number or time, and the stretches in
+// which data are missing. Pure; one thread at a time.
 #pragma once
 
 #include <array>
@@ -14,11 +14,11 @@
 
 namespace camview {
 
-// What is special about a record; bits.
+// Flags of a record.
 inline constexpr unsigned kOddRecord = 1;          // a number is not all digits
-inline constexpr unsigned kOutOfRange = 2;         // has no points: a coordinate is not within 0 to 1023
-inline constexpr unsigned kAfterSilence = 4;       // for camera::kGapSeconds or longer before it nothing is known
-inline constexpr unsigned kAfterDamagedBytes = 8;  // bytes that belong to no record, or lost chunks, before it
+inline constexpr unsigned kOutOfRange = 2;         // has no points, because a coordinate is not within 0 to 1023
+inline constexpr unsigned kAfterSilence = 4;       // nothing is known of the camera::kGapSeconds or more before it
+inline constexpr unsigned kAfterDamagedBytes = 8;  // malformed bytes or lost chunks before it
 
 struct StoredRecord {
   double seconds;
@@ -36,8 +36,8 @@ inline constexpr int kStretchKinds = 3;
 struct Stretch {
   StretchKind kind;
   double from, to;      // seconds
-  long long bytes = 0;  // that are malformed or damaged
-  int count = 1;        // stretches close to each other are merged when there are thousands
+  long long bytes = 0;  // malformed or damaged ones
+  int count = 1;        // nearby stretches are merged when there are thousands
 };
 
 // A channel is a coordinate: x of point 1, y of point 1, x of point 2 ...
@@ -47,21 +47,21 @@ inline constexpr int kBlockRecords = 4096;
 inline constexpr int kGroupRecords = 64;
 inline constexpr int kMostStretches = 1000;  // of each kind
 
-// The smallest and the largest value of each channel where its point is seen; lowest > highest: it never is.
+// The minimum and maximum of each channel while its point is seen; lowest > highest if it never is.
 struct Extremes {
   std::array<std::int16_t, kChannels> lowest, highest;
 };
 
-// Records that come within so short a time were read together: a record takes ten times as long on the line.
+// Records within this time were read together, because a record takes ten times as long on the line.
 inline constexpr double kTogetherSeconds = 0.001;
 
-// The records of a block, added up.
+// Sums of the records of a block.
 struct BlockSummary {
-  long long first = 0;  // its first record's number
+  long long first = 0;  // number of the first record
   long long records = 0, oddRecords = 0, outOfRange = 0;
   long long damaged = 0;    // with kAfterDamagedBytes
   long long arrivals = 0;   // kTogetherSeconds and more after the record before
-  double longestPause = 0;  // seconds between one of them and the record before
+  double longestPause = 0;  // seconds between two of its records, or the first and the one before
   camera::PointSummary points[kv::kPointCount];
 };
 
@@ -69,36 +69,36 @@ class RecordStore {
  public:
   static constexpr long long kLargestCapacity = 1 << 25;  // 0.5 GB; four days at 93 records a second
 
-  // Beyond `capacity` records (rounded up to blocks) the oldest block is dropped for a new one.
+  // When there are `capacity` records (rounded up to blocks), the oldest block is dropped for a new one.
   explicit RecordStore(long long capacity = kLargestCapacity);
   ~RecordStore();
   RecordStore(const RecordStore&) = delete;
   RecordStore& operator=(const RecordStore&) = delete;
 
-  // Adds a record; a time (not negative) before the last one's counts as that. `flags` are kAfter... bits; those of the
-  // record itself come from it. False, with nothing changed, when allocation fails.
+  // Appends a record; a time (not negative) before that of the last record is replaced by that. `flags` are kAfter...
+  // bits; the others are derived from the record. Returns false, without any change, when allocation fails.
   bool Append(const camera::FoundRecord& record, unsigned flags);
 
-  // Stretches of a kind come in rising order. They stay when the records around them are dropped.
+  // Adds a stretch; those of a kind in ascending order. Stretches remain when the records around them are dropped.
   void AddStretch(const Stretch& stretch);
   const std::vector<Stretch>& Stretches(StretchKind kind) const;
 
-  // Records are numbered from 0; dropping changes no number. Those from First() to before End() are there.
+  // Records are numbered from 0, and dropping does not change numbers. Records First() to End() - 1 exist.
   long long First() const;
   long long End() const { return end_; }
   bool IsEmpty() const { return blocks_.empty(); }
   StoredRecord Get(long long number) const;  // within First() .. End() - 1
-  double Seconds(long long number) const;    // of the same
-  // Copies records from that one on; returns how many there were.
+  double Seconds(long long number) const;    // of the same record
+  // Copies records starting with that number; returns how many exist.
   size_t Read(long long number, std::span<StoredRecord> records) const;
-  // The first record at that time or later; End() if there is none.
+  // Returns the first record at that time or later; End() if there is none.
   long long Find(double seconds) const;
-  // The last record at that time or earlier, which is what a chart shows then; -1 if there is none.
+  // Returns the last record at that time or earlier, which is the one to show; -1 if there is none.
   long long At(double seconds) const;
 
-  // Of the block that the record is in; valid until the store changes.
+  // Returns the sums of the record's block; valid until the store changes.
   const BlockSummary& SummaryOf(long long number) const;
-  // The extremes of records `from` to before `to`, by the pyramid where it reaches.
+  // Returns the extremes of the records `from` to `to` - 1, using the pyramid where possible.
   Extremes ExtremesOf(long long from, long long to) const;
 
  private:
@@ -111,7 +111,7 @@ class RecordStore {
   std::vector<std::unique_ptr<Block>> blocks_;
   long long end_ = 0;
   std::vector<Stretch> stretches_[kStretchKinds];
-  double longestMerged_[kStretchKinds] = {-1, -1, -1};  // seconds; longer stretches are never made by merging
+  double longestMerged_[kStretchKinds] = {-1, -1, -1};  // seconds; merging never creates longer stretches
 };
 
 }  // namespace camview

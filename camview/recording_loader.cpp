@@ -34,7 +34,7 @@ double ShareRead(HANDLE file) {
   return static_cast<double>(at.QuadPart) / static_cast<double>(size.QuadPart);
 }
 
-// Reads to the end or to what stops it.
+// Reads to the end, an error or cancellation.
 LoadOutcome ReadRecords(camera::RecordingFile* file, RecordIntake* intake, RecordStore* store, Worker* worker) {
   IntakeBatch batch;
   camera::Chunk chunk{};
@@ -94,7 +94,7 @@ void RecordingLoader::Load() {
   loaded_.header = decoder.header;
   loaded_.hasHeader = decoder.header.startTime != 0 || decoder.header.baudRate != 0;
   loaded_.seconds = static_cast<double>(decoder.endTime) / 1e6;
-  // What was not read to its end says nothing of its end.
+  // Only a recording that was read completely can be known to be truncated.
   loaded_.isTruncated = loaded_.outcome == LoadOutcome::kComplete && !decoder.hasEnd;
   loaded_.truncatedBytes = static_cast<long long>(file.truncatedBytes);
   loaded_.damageCount = static_cast<long long>(decoder.damageCount);

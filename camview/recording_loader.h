@@ -12,26 +12,26 @@
 namespace camview {
 
 enum class LoadOutcome {
-  kComplete,    // read to its end; damage and truncation are told apart by the numbers
-  kCancelled,   // what was read until then is there
-  kUnreadable,  // not opened; `error` says why
-  kReadFailed,  // a read failed; what was read until then is there, `error` says why
+  kComplete,    // read to its end; for damage and truncation see the counts
+  kCancelled,   // contains what was read
+  kUnreadable,  // cannot be opened; the reason is in `error`
+  kReadFailed,  // reading failed; contains what was read; the reason is in `error`
   kEmpty,       // the file has no bytes
-  kForeign,     // no recording
+  kForeign,     // not a recording
   kOtherVersion,
-  kTooLong,      // more than RecordStore::kLargestCapacity records; the first of them are there
-  kOutOfMemory,  // what could be stored is there
+  kTooLong,      // more than RecordStore::kLargestCapacity records; contains the first ones
+  kOutOfMemory,  // contains what could be stored
 };
 
 struct LoadedRecording {
   LoadOutcome outcome = LoadOutcome::kComplete;
-  std::string path, error;             // UTF-8; the error is a sentence in English or ""
+  std::string path, error;             // UTF-8; the error is in English, or ""
   std::unique_ptr<RecordStore> store;  // never null; empty when nothing could be read
-  bool hasHeader = false;              // false: the header is damaged, and the next is 0
-  camera::RecordingHeader header;      // when (UTC), which port, which rate
+  bool hasHeader = false;              // false: the header is damaged, and `header` is 0
+  camera::RecordingHeader header;      // start (UTC), port, rate
   std::uint32_t version = 0;           // of a file with kOtherVersion
-  double seconds = 0;                  // its length: the time of its end, or of the last bytes
-  bool isTruncated = false;            // has no end: the recording was interrupted, or is still being made
+  double seconds = 0;                  // duration: the time of its end, or of the last bytes
+  bool isTruncated = false;            // has no end: the recording was interrupted or is running
   long long truncatedBytes = 0;        // of an incomplete last chunk
   long long damageCount = 0, damagedBytes = 0;
   long long bytes = 0, records = 0, oddRecords = 0, outOfRange = 0;
@@ -40,18 +40,18 @@ struct LoadedRecording {
 
 class RecordingLoader {
  public:
-  // Cancels what is being loaded and starts. False when the system gives no thread.
+  // Cancels loading and starts again. Returns false when no thread could be created.
   bool Start(const std::string& path);
   void Cancel() { worker_.Cancel(); }
   bool IsDone() const { return worker_.IsDone(); }
   double Progress() const { return worker_.Progress(); }
-  // What was loaded; once, when IsDone().
+  // Returns the result; once, when IsDone().
   LoadedRecording Take();
 
  private:
   void Load();
 
-  LoadedRecording loaded_;  // the thread's until it is done
+  LoadedRecording loaded_;  // used by the thread until it is done
   Worker worker_;
 };
 

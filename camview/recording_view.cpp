@@ -39,7 +39,7 @@ void OnLoaded(View& view) {
   ShowWork(view);
   const StatusLine line = DescribeRecording(loaded);
   if (!loaded.store || loaded.store->IsEmpty()) {
-    // What was shown before stays.
+    // Keeps the previous source.
     ShowLine(view, line.mark, line.text);
     if (loaded.outcome != LoadOutcome::kCancelled) {
       kv::ShowMessage(view.window, line.text, kv::ResourceText(IDS_CAPTION), MB_ICONWARNING);
@@ -69,7 +69,7 @@ void OnExported(View& view) {
   ShowLine(view, StatusMark::kError, TextWith(IDS_EXPORT_FAILED, name, camera::Wide(result.error).c_str()));
 }
 
-// "FOLDER\NAME 1.15-1.20.csv" for a stretch of FOLDER\NAME.twr.
+// Returns "FOLDER\NAME 1.15-1.20.csv" for a stretch of FOLDER\NAME.twr.
 std::wstring ProposedTarget(const View& view) {
   std::wstring source = view.live ? FolderOf(Setting::kRecordings) + L"COM" + std::to_wstring(view.status.port)
                                   : camera::Wide(view.recording.path);
@@ -107,7 +107,7 @@ void ExportMarked(View& view) {
   const bool isRecording = lstrcmpiW(kv::ExtensionOf(path.c_str()), kRecordingExtension) == 0;
   ExportTask task{.target = camera::Narrow(path),
                   .format = isRecording ? ExportFormat::kRecording : ExportFormat::kCsv,
-                  .overwrite = true,  // the user was asked
+                  .overwrite = true,  // confirmed by the user
                   .from = mark.from,
                   .to = mark.to};
   if (view.live) {

@@ -1,4 +1,4 @@
-// Numbers of camview's resources, for C++ and resource scripts.
+// Resource ids of camview, for C++ and resource scripts.
 #pragma once
 
 #include "resource.h"

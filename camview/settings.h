@@ -1,5 +1,5 @@
-// What camview remembers, below HKEY_CURRENT_USER\Software\korvel: folders under "Camview", numbers beside the windows'
-// places. Main thread only.
+// camview's settings below HKEY_CURRENT_USER\Software\korvel: folders under "Camview", numbers with the window
+// positions. Main thread only.
 #pragma once
 
 #include <windows.h>
@@ -10,11 +10,11 @@ namespace camview {
 
 enum class Setting { kRecordings, kImages };
 
-// The folder of the last file of a kind, with a backslash at its end; "" when there is none yet.
+// Returns the folder of the last file of a kind, with a trailing backslash; "" if there is none.
 std::wstring FolderOf(Setting kind);
 void RememberFolder(Setting kind, const std::wstring& path);
 
-// Milliseconds, or a truth value; 0 to 2^31 - 1.
+// Values are 0 to 2^31 - 1: milliseconds, or 0 and 1.
 int NumberSetting(const char* name, int fallback);
 void RememberNumber(const char* name, int number);
 

@@ -15,7 +15,7 @@ namespace camview {
 
 namespace {
 
-// The median of so many pauses, evenly spread, is the median of all for every practical purpose.
+// The median of this number of pauses, evenly distributed, is practically the median of all.
 constexpr long long kMaxPauses = 1 << 14;
 constexpr size_t kBatchRecords = 512;
 
@@ -34,7 +34,7 @@ double MedianPause(const RecordStore& store, long long first, long long end) {
   return *middle;
 }
 
-// What is missing between records, in arrivals.
+// Missing arrivals between records.
 struct Losses {
   double spacing;
   long long arrivals = 1;
@@ -55,8 +55,8 @@ void AddRecord(const StoredRecord& record, StretchStatistics* statistics) {
   for (int i = 0; i < kv::kPointCount; ++i) camera::AddPoint(record.points[i], &statistics->points[i]);
 }
 
-// Adds records up, one by one; `before` is the time of the one before, for the pauses. With `onlyPauses` the rest is
-// added already.
+// Adds records one by one; `before` is the time of the previous record, for pauses. `onlyPauses`: the rest has been
+// added.
 void AddRecords(const RecordStore& store, long long first, long long end, double before, bool onlyPauses,
                 StretchStatistics* statistics, Losses* losses) {
   std::array<StoredRecord, kBatchRecords> batch;

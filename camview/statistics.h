@@ -1,4 +1,4 @@
-// What a stretch of the stored records shows: pace, losses, and each point's range and jitter. Pure.
+// Statistics of a stretch of stored records: rate, losses, and each point's range and jitter. Pure.
 #pragma once
 
 #include "app/camera_record.h"
@@ -8,25 +8,25 @@
 namespace camview {
 
 struct StretchStatistics {
-  double from, to;        // as asked for
-  long long records = 0;  // in it, both ends included
+  double from, to;        // as requested
+  long long records = 0;  // both ends included
   long long oddRecords = 0;
-  long long outOfRange = 0;     // of the odd ones; they have no points
+  long long outOfRange = 0;     // among the odd ones; they have no points
   double recordsPerSecond = 0;  // between its first and last record; 0 with fewer than two
   double spacing = 0;           // the median time between two arrivals of records, seconds; 0 with fewer than two
-  // Records that the line should have carried at that spacing but did not: a pause of 1.5 spacings and more between two
-  // records has lost as many as fit into it, and one with malformed or damaged bytes in it at least one. Several
-  // records that arrive together count as one arrival, and an arrival that is missing as that many records on average.
-  // What is missing before the first record and after the last is not counted.
+  // Records that were expected with that spacing and are missing: a pause of at least 1.5 spacings between two records
+  // counts the records that fit into it, and one with malformed or damaged bytes counts at least one. Records that
+  // arrive together are one arrival, and a missing arrival counts as the average number of records per arrival. Nothing
+  // is counted before the first record and after the last.
   long long lostRecords = 0;
-  long long lostInSilence = 0;  // of these, in pauses of camera::kGapSeconds and more
+  long long lostInSilence = 0;  // of these, in pauses of camera::kGapSeconds or more
   camera::PointSummary points[kv::kPointCount];
 };
 
-// Some 20 ms for eight million records.
+// Takes about 20 ms for eight million records.
 StretchStatistics ComputeStatistics(const RecordStore& store, double from, double to);
 
-// The share, 0 to 1, of the records with points in which this point is seen.
+// Returns the fraction, 0 to 1, of the records with points in which this point is seen.
 double SeenShare(const StretchStatistics& statistics, int point);
 
 }  // namespace camview

@@ -1,4 +1,4 @@
-// The table of what the marked stretch, or what is shown, is like.
+// The table of statistics for the marked stretch or the visible span.
 #include <windows.h>
 
 #include <algorithm>
@@ -24,7 +24,7 @@ namespace camview {
 
 namespace {
 
-constexpr double kPatience = 0.1;  // seconds: while a mark is dragged or charts scroll, not each step is summed up
+constexpr double kPatience = 0.1;  // seconds; avoids computing each step while a mark is dragged or charts scroll
 
 const kv::ListColumn kColumns[] = {
     {MAKEINTRESOURCEW(IDS_COLUMN_POINT), 50, DT_CENTER},   {MAKEINTRESOURCEW(IDS_COLUMN_SEEN), 70, DT_RIGHT},
@@ -40,7 +40,7 @@ std::wstring CellText(const StretchStatistics& statistics, int point, int column
   if (column == 0) return std::to_wstring(point + 1);
   if (column == 1) {
     if (statistics.records == 0) return L"\x2013";
-    // Less than all is not rounded to all, nor a little to nothing.
+    // Neither rounds up to 100 % nor down to 0 %.
     const double percent = SeenShare(statistics, point) * 100;
     const double shown = percent <= 0 || percent >= 100 ? percent : std::clamp(percent, 0.1, 99.9);
     return kv::NumberText(shown, 1) + L" %";

@@ -36,7 +36,7 @@ COLORREF ColorOf(StatusMark mark) {
   }
 }
 
-// A tick, a ring, an exclamation mark in a triangle, a cross in a square, a disc.
+// Check mark, ring, exclamation mark in a triangle, cross in a square, disc.
 void DrawMark(kv::Canvas& canvas, StatusMark mark, kv::PointD at, double r, COLORREF face) {
   const COLORREF color = ColorOf(mark);
   switch (mark) {
@@ -71,7 +71,7 @@ void DrawMark(kv::Canvas& canvas, StatusMark mark, kv::PointD at, double r, COLO
   }
 }
 
-// Adds what there is one or many of.
+// Appends a count with a singular or plural text.
 void AddCounted(std::wstring* text, long long count, UINT one, UINT many) {
   if (count == 1) *text += L" " + kv::ResourceText(one);
   if (count > 1) *text += L" " + TextWith(many, kv::NumberText(static_cast<double>(count)).c_str());

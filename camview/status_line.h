@@ -1,5 +1,5 @@
-// A line that says how things are: a mark, whose shape tells as much as its colour, and a sentence. It is an
-// owner-drawn label, whose window text is the sentence, so that screen readers find it. Main thread only.
+// A status line: a mark, distinguished by shape as well as colour, and a sentence. It is an owner-drawn label whose
+// window text is the sentence, for screen readers. Main thread only.
 #pragma once
 
 #include <windows.h>
@@ -19,21 +19,21 @@ struct StatusLine {
   bool operator==(const StatusLine&) const = default;
 };
 
-// Shows another line in the control, if it is another one.
+// Sets the line of the control if it differs.
 void SetStatusLine(HWND window, int id, const StatusLine& line, StatusLine* shown);
 void DrawStatusLine(const DRAWITEMSTRUCT& item, const StatusLine& line);
 
-// A string resource with its %s and %d replaced, cut at 1,000 characters.
+// Returns a string resource with its %s and %d replaced, truncated to 1,000 characters.
 std::wstring TextWith(UINT id, ...);
-// A time since the beginning, with so many decimals, in the form of the language.
+// Returns a time since the beginning with this number of decimals, in the format of the language.
 std::wstring TimeAsText(double seconds, int decimals = 3);
-// "3 s", "1:15"
+// Returns a duration: "3 s", "1:15".
 std::wstring LengthAsText(double seconds);
 
-// What an opened recording is like, and a live port.
+// Describe a recording, and a live port.
 StatusLine DescribeRecording(const LoadedRecording& recording);
 StatusLine DescribeLive(const LiveStatus& status);
-// What is being recorded, or was.
+// Describes the current or last recording of a live port.
 StatusLine DescribeLiveRecording(const LiveStatus& status);
 
 }  // namespace camview

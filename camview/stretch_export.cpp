@@ -47,7 +47,7 @@ bool Flush(Export* job, size_t atLeast) {
   return isWritten;
 }
 
-// Whether to go on with what is at that time.
+// Returns whether to continue with data of that time.
 bool GoesOn(Export* job, std::uint64_t microseconds) {
   if (job->to > 0) job->worker->SetProgress(static_cast<double>(microseconds) / static_cast<double>(job->to));
   return !job->worker->IsCancelled() && Flush(job, kBufferBytes);
@@ -75,7 +75,7 @@ void AddRow(Export* job, const camera::FoundRecord& record) {
 
 // ---- From a recording -----------------------------------------------------------------------------------------------
 
-// False when it was cancelled or could not be written.
+// Returns false when cancelled or when writing failed.
 bool AddRows(Export* job, camera::RecordingFile* recording) {
   job->buffer = camera::CsvHeader();
   camera::RecordStream stream;

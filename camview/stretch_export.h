@@ -1,4 +1,4 @@
-// A stretch of what is shown, as comma-separated values or as a recording, on a thread of its own. Main thread only.
+// Exports a stretch as comma-separated values or as a recording, on a separate thread. Main thread only.
 #pragma once
 
 #include <string>
@@ -13,7 +13,7 @@ enum class ExportFormat { kCsv, kRecording };
 
 struct ExportTask {
   std::string source;  // a recording; "" to export `store`
-  // The records of a live session, which must not change meanwhile, and what to say of them in a recording's header.
+  // The records of a live session, which must not change meanwhile, and the header for a recording of them.
   const RecordStore* store = nullptr;
   camera::RecordingHeader header;
   std::string target;
@@ -24,16 +24,16 @@ struct ExportTask {
 
 struct ExportResult {
   bool isDone = false;
-  std::string error;      // a sentence in English; "" when it is done or was cancelled
+  std::string error;      // in English; "" when it is done or was cancelled
   long long records = 0;  // rows, or records in the chunks
   long long chunks = 0;   // of a recording
 };
 
-// CSV has the columns of camtool export, times as shown; records without points are left out. A recording has the
-// source's chunks in that stretch, their bytes unchanged and their times counted from its new start, which its header
-// tells; from a store, a chunk for each record as the camera would have sent it, without what was malformed. The
-// target is written under another name and then put in place; a failed or cancelled export leaves what was there. The
-// source itself is rejected as target.
+// CSV has the columns of camtool export, with times as shown; records without points are omitted. A recording contains
+// the source's chunks in that stretch, with unchanged bytes and times relative to its new start, which is in its
+// header; from a store, it has a chunk for each record as the camera would have sent it, without malformed bytes. The
+// target is written under a temporary name and then renamed; a failed or cancelled export does not change an existing
+// file. The source itself is rejected as target.
 class StretchExporter {
  public:
   bool Start(const ExportTask& task);
@@ -47,7 +47,7 @@ class StretchExporter {
   void Run();
 
   ExportTask task_;
-  ExportResult result_;  // the thread's until it is done
+  ExportResult result_;  // used by the thread until it is done
   Worker worker_;
 };
 

@@ -1,4 +1,4 @@
-// The time that is shown, by field, charts and timeline alike, and the stretch that is marked.
+// The current time in field, charts and timeline, and the marked stretch.
 #include <windows.h>
 
 #include <algorithm>
@@ -29,7 +29,7 @@ namespace {
 
 constexpr int kCharts[] = {IDC_CHART_X, IDC_CHART_Y};
 constexpr long long kMaxTrailRecords = 4096;
-// While it plays, the time moves to this part of the charts, which then scroll.
+// During playback, the time moves to this fraction of the charts, which then scroll.
 constexpr double kPlayingPart = 0.85;
 
 LRESULT Send(const View& view, int id, WPARAM command, const void* item) {
@@ -54,13 +54,13 @@ void ShowField(const View& view) {
   }
   content.count = static_cast<DWORD>(records.size());
   content.records = records.data();
-  // When nothing comes any more, the trails end.
+  // When no more records arrive, the trails fade out.
   content.now = IsFollowing(view) ? view.status.now : time;
   content.trailSeconds = view.trailSeconds;
   Send(view, IDC_FIELD, kFieldShow, &content);
 }
 
-// In the charts of a live port the pointer reads values, and nothing else stands.
+// In the charts of a live port, the pointer only reads values.
 void ShowCursors(const View& view) {
   if (IsFollowing(view)) return;
   const double time = ShownTime(view);
@@ -80,7 +80,7 @@ void ShowMarks(const View& view) {
   for (const int chart : kCharts) kv::SetStripChartMark(view.window, chart, view.isMarked ? &view.mark : nullptr);
 }
 
-// In the charts a stretch may reach beyond the whole; then as much of it as fits.
+// The charts' span may exceed the whole; it is limited to what fits.
 kv::StripStretch Fitting(const View& view, kv::StripStretch span) {
   const double length = std::max(span.to - span.from, 0.001);
   span.to = std::min(span.to, std::max(view.playback.end, view.playback.begin + length));
@@ -274,7 +274,7 @@ namespace {
 void OnChartView(View& view, int chart) {
   kv::StripStretch shown{}, mark{};
   kv::GetStripChartTimes(view.window, chart, &shown);
-  // Escape has removed it as well.
+  // Escape has removed the mark.
   if (view.isMarked && !kv::GetStripChartMark(view.window, chart, &mark)) SetMark(view, nullptr);
   if (!RecordsOf(view)) return;
   const bool isNewest = shown.to >= view.playback.end - 1e-6;
@@ -307,7 +307,7 @@ void OnChart(View& view, int chart, WORD code) {
     case kv::kStripNotifyCursor: return OnChartCursor(view, chart);
     case kv::kStripNotifyMark: return SetMark(view, kv::GetStripChartMark(view.window, chart, &mark) ? &mark : nullptr);
     case kv::kStripNotifyPlaced:
-      // A live port goes on: its charts are clicked to give them the focus.
+      // A live port continues: its charts are clicked to focus them.
       if (!IsFollowing(view) && kv::GetStripChartCursor(view.window, chart, &time)) SeekTo(view, time);
       return;
     default: return;
@@ -320,7 +320,7 @@ void OnTimeline(View& view, WORD code) {
   switch (code) {
     case kTimelineNotifyPosition:
       Send(view, IDC_TIMELINE, kTimelinePosition | kv::kCommandRead, &time);
-      // Of several that wait the first has done it.
+      // The first of several pending notifications has done it.
       if (time != view.playback.position) SeekTo(view, time);
       return;
     case kTimelineNotifySelection: {

@@ -39,9 +39,9 @@ struct Timeline {
   TimelineSpan selection{0, 0};
   std::vector<Stretch> stretches;
   bool isDragging = false, isSelecting = false;
-  double anchor = 0;  // the end of the selection that stays
+  double anchor = 0;  // the fixed end of the selection
   LONG wheel = 0;
-  bool isDirty = true;  // `face` is to be drawn
+  bool isDirty = true;  // `face` must be drawn
   kv::Surface face, surface;
   kv::CoverageShape shape;
   kv::MemoryDc dc{nullptr};
@@ -50,7 +50,7 @@ struct Timeline {
 // ---- Layout ---------------------------------------------------------------------------------------------------------
 
 struct TimelineLayout {
-  RECT track;      // what lies between the ends of the range
+  RECT track;      // between the ends of the range
   double thumbPx;  // half its width
 };
 
@@ -93,7 +93,7 @@ TimelineColors ColorsOfTimeline() {
   return colors;
 }
 
-// A bar from the bottom, as high and patterned as its kind.
+// Draws a bar from the bottom, with the height and pattern of its kind.
 void DrawStretch(kv::Canvas& canvas, const RECT& track, const TimelineColors& colors, StretchKind kind, LONG from,
                  LONG to) {
   const LONG height = track.bottom - track.top;
@@ -121,7 +121,7 @@ void DrawFace(Timeline& timeline, const TimelineLayout& layout, const TimelineCo
   kv::FillArea(canvas, {track.left - 1, track.top - 1, track.right + 1, track.bottom + 1}, colors.edge);
   kv::FillArea(canvas, track, colors.track);
   canvas.ClipTo(track);
-  // The graver lies on top; of those that share a pixel one is drawn.
+  // More severe kinds are drawn over others; of those at the same pixel one is drawn.
   for (const StretchKind kind : {StretchKind::kSilent, StretchKind::kMalformed, StretchKind::kDamaged}) {
     LONG from = 0, to = 0;
     for (const Stretch& stretch : timeline.stretches) {
@@ -223,7 +223,7 @@ void SelectTo(Timeline& timeline, double time) {
   timeline.isSelected = true;
 }
 
-// The user moves the position, or selects from where it was.
+// Moves the position by the user, or selects from the previous one.
 LRESULT MoveTo(Timeline& timeline, double time, bool select) {
   time = Within(timeline.range, time);
   if (!select) {
@@ -329,7 +329,8 @@ LRESULT OnPaint(HWND window, Timeline* timeline) {
 LRESULT OnButtonDown(HWND window, LONG x, bool shift) {
   SetFocus(window);
   SetCapture(window);
-  Timeline* const timeline = ObjectOf<Timeline>(window);  // whoever lost the focus may have destroyed the control
+  Timeline* const timeline =
+      ObjectOf<Timeline>(window);  // the window that lost the focus may have destroyed the control
   if (!timeline) return 0;
   const double time = TimeAtX(LayoutTimeline(kv::ClientSize(window)), timeline->range, x);
   timeline->isDragging = true;
@@ -383,7 +384,7 @@ LRESULT OnKey(Timeline& timeline, WPARAM key, bool shift) {
   }
 }
 
-// A dialog keeps Escape, unless there is something to remove.
+// The dialog gets Escape unless there is a selection to remove.
 LRESULT DialogKeys(const Timeline* timeline, WPARAM key) {
   return DLGC_WANTARROWS | (timeline && timeline->isSelected && key == VK_ESCAPE ? DLGC_WANTMESSAGE : 0);
 }

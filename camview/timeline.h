@@ -1,20 +1,20 @@
-// Window class "kvTimeline": a slider over a whole recording. Where it is damaged or silent is marked on it, and a
-// stretch of it can be selected.
+// Window class "kvTimeline": a slider over a whole recording that shows where it is damaged or silent, and in which a
+// stretch can be selected.
 //
-// Picture     The kinds of stretches differ in height and pattern as well as in colour: lost bytes full and hatched,
-//             malformed ones half as high, silence a hollow bar. However short, each is two pixels wide. What of it
-//             does not change with the position is drawn once. Not mirrored in mirrored windows.
-// Keyboard    Left, Right ask the parent for a step by one record; PageUp, PageDown move by a twentieth, Home, End to
-//             the ends. With Shift they select from where the position was. Escape removes the selection.
-// Mouse       Clicking and dragging move the position; with Shift they select. The wheel asks for steps.
-// Messages    kControlCommand  TimelineCommand below; result 1, or 0 with nothing changed when the address, or what
-//                              stands there, is bad
-//             WM_PRINTCLIENT   draws it into the device context in wParam
-//             WM_DROPFILES     sent on to the parent
-// Notifies    kTimelineNotify... as WM_COMMAND, posted, when the user (not a message) has changed something. Several
+// Appearance  The kinds of stretches differ in height and pattern as well as in colour: lost bytes full and hatched,
+//             malformed ones half as high, silence a hollow bar. Each is at least two pixels wide. The part that
+//             does not depend on the position is drawn once. Not mirrored in mirrored windows.
+// Keyboard    Left, Right request a step by one record from the parent; PageUp, PageDown move by a twentieth, Home, End to
+//             the ends. With Shift they select from the previous position. Escape removes the selection.
+// Mouse       Clicking and dragging move the position; with Shift they select. The wheel requests steps.
+// Messages    kControlCommand  TimelineCommand below; returns 1, or 0 without any change when the address or the
+//                              data is invalid
+//             WM_PRINTCLIENT   draws into the device context in wParam
+//             WM_DROPFILES     forwarded to the parent
+// Notifies    kTimelineNotify... posted as WM_COMMAND when the user (not a message) has changed something. Several
 //             steps may be one notification each.
-// Read out    Screen readers hear a slider, the window's text as name and the position as value.
-// Threads     The thread that owns the window.
+// Accessible  A slider with the window's text as name and the position as value.
+// Thread      The thread that owns the window.
 #pragma once
 
 #include <windows.h>
@@ -33,23 +33,22 @@ struct TimelineSpan {
 inline constexpr DWORD kTimelineMaxStretches = 1u << 20;
 struct TimelineMarks {
   DWORD count;               // at most kTimelineMaxStretches
-  const Stretch* stretches;  // of one kind in rising order; copied
+  const Stretch* stretches;  // each kind in ascending order; copied
 };
 
-// Operation codes, the low byte of kControlCommand's wParam; lParam is an address. With kCommandRead the item is copied
-// there.
+// Operation codes, the low byte of kControlCommand's wParam; lParam is an address. kCommandRead copies the item to it.
 enum TimelineCommand : BYTE {
-  kTimelineRange = 17,      // a TimelineSpan; pulls position and selection into it
-  kTimelinePosition = 18,   // a double, pulled into the range
-  kTimelineShowMarks = 19,  // TimelineMarks; not read
-  kTimelineSelection = 24,  // a TimelineSpan; with kCommandRemove it goes; reading without one: 0
+  kTimelineRange = 17,      // a TimelineSpan; limits position and selection
+  kTimelinePosition = 18,   // a double, clamped to the range
+  kTimelineShowMarks = 19,  // TimelineMarks; cannot be read
+  kTimelineSelection = 24,  // a TimelineSpan; kCommandRemove removes it; reading returns 0 without one
 };
 
 // Notification codes.
 inline constexpr WORD kTimelineNotifyPosition = 1, kTimelineNotifySelection = 2, kTimelineNotifyBack = 3,
                       kTimelineNotifyForward = 4;
 
-// Registers (non-zero) or unregisters the class; returns 0 only when registering fails.
+// Registers (`registerIt` not 0) or unregisters the class. Returns 0 only when registering fails.
 BOOL RegisterTimelineClass(HINSTANCE instance, BOOL registerIt);
 
 }  // namespace camview

@@ -1,5 +1,5 @@
-// What the window shows: a recording or a live port, at one time. The files of this folder that make up the window
-// share it; each has one subject. Main thread only.
+// The state of the window: a recording or a live port, at one time. Shared by the files that make up the window. Main
+// thread only.
 #pragma once
 
 #include <windows.h>
@@ -26,25 +26,25 @@ inline constexpr double kNoTime = std::numeric_limits<double>::quiet_NaN();
 struct View {
   HWND window = nullptr;
 
-  // At most one of them: what is shown.
+  // The source: at most one of these.
   LoadedRecording recording;  // its store is null when none is open
   std::unique_ptr<LiveSource> live;
 
-  // Of a live port
+  // For a live port
   std::unique_ptr<RecordStore> received;
   IntakeBatch batch;
   LiveStatus status;
   bool isHeld = false;
 
-  // What is being done beside
+  // Background work
   RecordingLoader loader;
   bool isLoading = false;
   StretchExporter exporter;
   std::wstring exportTarget;
   bool isExporting = false;
 
-  Playback playback;         // also of a live port: its end is now
-  double hovered = kNoTime;  // the time under the pointer, in a chart
+  Playback playback;         // also for a live port, where its end is now
+  double hovered = kNoTime;  // the time under the pointer in a chart
   bool isMarked = false;
   kv::StripStretch mark{};
   ChartFeed feed;
@@ -55,47 +55,47 @@ struct View {
   bool hasStatistics = false;
   double statisticsDue = kNoTime, timelineDue = 0;  // by camera::Now()
   StatusLine line, recordingLine;
-  double lineUntil = kNoTime;  // by camera::Now(): then `line` is out of date
+  double lineUntil = kNoTime;  // by camera::Now(): when `line` expires
   std::wstring shownTime;
-  bool isTicking = false;  // the timer runs
+  bool isTicking = false;  // the timer is running
 };
 
-// The window's own; null before it is made and after it is gone.
+// Returns the window's state; null before it is created and after it is destroyed.
 View* ViewOf(HWND window);
 
-// The records that are shown; null when nothing is open.
+// Returns the records that are shown; null when no source is open.
 const RecordStore* RecordsOf(const View& view);
 inline bool IsLive(const View& view) {
   return view.live != nullptr;
 }
-// Whether the newest is shown as it comes.
+// Returns whether new records are shown as they arrive.
 inline bool IsFollowing(const View& view) {
   return view.live && !view.isHeld;
 }
-// The time that all parts show.
+// Returns the time that all parts show.
 inline double ShownTime(const View& view) {
   return std::isnan(view.hovered) ? view.playback.position : view.hovered;
 }
 
-// ---- time_view.cpp: the time that is shown, and the marked stretch --------------------------------------------------
+// ---- time_view.cpp: the current time and the marked stretch --------------------------------------------------
 
 // Shows the time in all parts.
 void ShowTime(View& view);
-// Goes to a time, and brings it into the charts' view; a live port is held.
+// Moves to a time and scrolls the charts to it; holds a live port.
 void SeekTo(View& view, double time);
-// Brings the playing time into the charts' view.
+// Scrolls the charts to the time of playback.
 void ScrollToTime(View& view, bool isPlaying);
 void HoldLive(View& view, bool hold);
-// The texts of the buttons that play and hold.
+// Sets the texts of the play and hold buttons.
 void ShowPlaying(const View& view);
 void SetMark(View& view, const kv::StripStretch* mark);  // null: none
-// Which times the charts show; feeds them if that needs more details.
+// The span that the charts show; feeds them if more details are needed.
 kv::StripStretch ShownSpan(const View& view);
 void ShowSpan(View& view, kv::StripStretch span);
 void SetSpan(View& view, double seconds);  // 0: the whole recording
-// The charts' values: the whole field, or as the records need.
+// Sets the charts' value range: the whole field, or as the records require.
 void ShowValueRange(View& view);
-// Feeds the charts anew, as after opening; follows a live port.
+// Refills the charts, as after opening; follows a live port.
 void RefillCharts(View& view);
 void ShowTimelineRange(View& view);
 void StepBy(View& view, int records);
@@ -111,7 +111,7 @@ void OnTimeline(View& view, WORD code);
 void OpenRecordingFile(View& view, const std::wstring& path);
 void AskRecordingFile(View& view);
 void ExportMarked(View& view);
-// What is loaded or exported has gone on.
+// Shows the progress of loading and exporting.
 void TickWork(View& view);
 void TickPlayback(View& view);
 void ShowRecordingLine(View& view);
@@ -126,7 +126,7 @@ void TickLive(View& view);
 // ---- statistics_view.cpp --------------------------------------------------------------------------------------------
 
 void InitStatistics(HWND window);
-// Asks for them, for the marked stretch or what is shown, within a moment; TickStatistics computes them.
+// Requests statistics of the marked stretch or the visible span; TickStatistics computes them shortly after.
 void RequestStatistics(View& view);
 void TickStatistics(View& view);
 INT_PTR DrawStatistics(const View& view, const DRAWITEMSTRUCT& item);
@@ -138,23 +138,23 @@ void SaveImage(View& view);
 
 // ---- window.cpp -----------------------------------------------------------------------------------------------------
 
-// Ends what is shown, and its recording in good order.
+// Closes the source and completes its recording.
 void CloseSource(View& view);
-// The window for what is shown now: caption, buttons, ranges.
+// Updates the window for the source: caption, buttons, ranges.
 void ShowSource(View& view);
-// The progress bar of what is being loaded or exported.
+// Updates the progress bar of loading or exporting.
 void ShowWork(const View& view);
-// Whether and where a live port is recorded to.
+// Shows whether and where a live port is recorded.
 void ShowRecordingState(View& view);
-// Runs the timer while anything moves.
+// Runs the timer while something changes.
 void UpdateTimer(View& view);
-// Says something for some seconds; after that the line says again how what is open is.
+// Shows a message for some seconds; after that the line describes the source again.
 void ShowLine(View& view, StatusMark mark, const std::wstring& text);
 
 // ---- commands.cpp ---------------------------------------------------------------------------------------------------
 
 INT_PTR OnCommand(View& view, UINT id, UINT code);
-// Checks and greys the items of a menu that opens.
+// Checks and disables the items of a menu that opens.
 void PrepareMenu(const View& view, HMENU menu);
 void FillSpeeds(const View& view);
 

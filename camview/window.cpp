@@ -31,7 +31,7 @@ namespace camview {
 
 namespace {
 
-constexpr UINT kStart = WM_APP + 1;  // opens what the command line names
+constexpr UINT kStart = WM_APP + 1;  // opens the source in the command line
 constexpr UINT_PTR kTickTimer = 1;
 constexpr UINT kTickMs = 50;
 constexpr int kProgressSteps = 1000;
@@ -97,7 +97,7 @@ INT_PTR OnTick(View& view) {
   return TRUE;
 }
 
-// ---- What is shown --------------------------------------------------------------------------------------------------
+// ---- Source --------------------------------------------------------------------------------------------------
 
 void ShowCaption(const View& view) {
   std::wstring source;
@@ -107,14 +107,14 @@ void ShowCaption(const View& view) {
                                              : TextWith(IDS_CAPTION_OF, source.c_str()).c_str());
 }
 
-// The status line is as wide as the window unless something stands at its right.
+// The status line has the window's width unless there is a control at its right.
 void PlaceStatus(const View& view) {
   const bool isShort = view.isLoading || view.isExporting || !view.recordingLine.text.empty();
   RECT status{}, right{};
   GetWindowRect(GetDlgItem(view.window, IDC_STATUS), &status);
   GetWindowRect(GetDlgItem(view.window, IDC_RECORDING), &right);
   const LONG height = status.bottom - status.top;
-  // Screen coordinates also grow to the left in a mirrored window; lengths do not.
+  // In a mirrored window, the control at the end of the line is at its left in screen coordinates.
   const bool isMirrored = status.left > right.left;
   const LONG whole = isMirrored ? status.right - right.left : right.right - status.left;
   const LONG beside = isMirrored ? status.right - right.right : right.left - status.left;

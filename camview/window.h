@@ -16,8 +16,8 @@ struct StartOptions {
   int language = kv::kStoredLanguage;
 };
 
-// The window, for kv::RunDialog; `options` must live as long as it. The window classes of this folder are registered by
-// RegisterControls (non-zero) before and unregistered after; it returns 0 when that fails.
+// Returns the window for kv::RunDialog; `options` must outlive it. RegisterControls registers (`registerThem` not 0)
+// the window classes of this folder before, and unregisters them after; it returns 0 on failure.
 kv::ScaledDialog MainWindow(const StartOptions& options);
 BOOL RegisterControls(HINSTANCE instance, BOOL registerThem);
 

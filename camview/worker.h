@@ -1,4 +1,4 @@
-// Work on a thread of its own that can be watched and cancelled.
+// Runs a function on a separate thread, with progress and cancellation.
 #pragma once
 
 #include <windows.h>
@@ -16,10 +16,10 @@ class Worker {
   Worker(const Worker&) = delete;
   Worker& operator=(const Worker&) = delete;
 
-  // Cancels what runs, waits for it and starts `work`. False when the system gives no thread. Main thread only, as
-  // Wait().
+  // Cancels the running function, waits for it and starts `work`. Returns false when no thread could be created. Call
+  // Start and Wait on the main thread only.
   bool Start(std::function<void()> work);
-  // Asks the work to end soon. Any thread.
+  // Requests the function to return soon. Any thread.
   void Cancel() { isCancelled_ = true; }
   void Wait();
 
@@ -27,7 +27,7 @@ class Worker {
   bool IsDone() const { return isDone_; }
   double Progress() const { return progress_; }  // 0 to 1
 
-  // For the work itself.
+  // For the function itself.
   bool IsCancelled() const { return isCancelled_; }
   void SetProgress(double progress) { progress_ = progress; }
 
