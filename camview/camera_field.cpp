@@ -72,7 +72,7 @@ FieldLayout LayoutField(SIZE size) {
 }
 
 // The middle of a camera unit.
-kv::PointD PlaceOf(const FieldLayout& layout, const kv::CameraPoint& point) {
+kv::PointD PositionOf(const FieldLayout& layout, const kv::CameraPoint& point) {
   return {layout.left + (point.x + 0.5) * layout.unitPx, layout.top + (point.y + 0.5) * layout.unitPx};
 }
 
@@ -125,7 +125,7 @@ COLORREF TrailColor(const FieldColors& colors, int point, int step) {
 void DrawTrail(kv::Canvas& canvas, const Field& field, const FieldLayout& layout, const FieldColors& colors,
                int point) {
   const double width = std::max(1.6, layout.markerPx / 4);
-  constexpr double kLeastMove = 0.7;  // pixels
+  constexpr double kMinMove = 0.7;  // pixels
   const StoredRecord* from = nullptr;
   int step = -1;
   kv::BeginShape(canvas);
@@ -136,13 +136,13 @@ void DrawTrail(kv::Canvas& canvas, const Field& field, const FieldLayout& layout
       from = nullptr;
       continue;
     }
-    const kv::PointD place = PlaceOf(layout, record.points[point]);
+    const kv::PointD place = PositionOf(layout, record.points[point]);
     if (!from) {
       from = &record;
       continue;
     }
-    const kv::PointD before = PlaceOf(layout, from->points[point]);
-    if (std::hypot(place.x - before.x, place.y - before.y) < kLeastMove) continue;
+    const kv::PointD before = PositionOf(layout, from->points[point]);
+    if (std::hypot(place.x - before.x, place.y - before.y) < kMinMove) continue;
     const int own = std::clamp(kv::ToInt(age / field.trailSeconds * kFadeSteps), 0, kFadeSteps - 1);
     constexpr size_t kCornersOfLine = 4;
     if (own != step || !canvas.shape().HasCapacityFor(kCornersOfLine)) {
@@ -207,13 +207,13 @@ void Render(const Field& field, kv::Canvas& canvas) {
   for (int i = 0; field.trailSeconds > 0 && i < kv::kPointCount; ++i) DrawTrail(canvas, field, layout, colors, i);
   const StoredRecord& shown = field.records.back();
   for (int i = 0; i < kv::kPointCount; ++i) {
-    if (IsSeen(shown.points[i])) DrawMarker(canvas, colors, i, PlaceOf(layout, shown.points[i]), layout.markerPx);
+    if (IsSeen(shown.points[i])) DrawMarker(canvas, colors, i, PositionOf(layout, shown.points[i]), layout.markerPx);
   }
   const kv::OwnedFont font = kv::MakeFont(-layout.fontPx, FW_BOLD);
   const kv::SelectedObject selected(canvas.dc(), font);
   SetBkMode(canvas.dc(), TRANSPARENT);
   for (int i = 0; i < kv::kPointCount; ++i) {
-    if (IsSeen(shown.points[i])) DrawNumber(canvas, layout, i, PlaceOf(layout, shown.points[i]), colors.points[i]);
+    if (IsSeen(shown.points[i])) DrawNumber(canvas, layout, i, PositionOf(layout, shown.points[i]), colors.points[i]);
   }
 }
 

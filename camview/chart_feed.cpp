@@ -70,10 +70,10 @@ void DescribeCharts(HWND window) {
     const std::wstring name = TextWith(i % 2 ? IDS_CHANNEL_Y : IDS_CHANNEL_X, i / 2 + 1);
     kv::SetStripChartChannel(window, kCharts[i % 2], i / 2, {.name = name.c_str(), .color = PointColor(i / 2)});
   }
-  constexpr DWORD kFigures = 4;  // of the largest coordinate
+  constexpr DWORD kAxisDigits = 4;  // of the largest coordinate
   for (const int chart : kCharts) {
     kv::SetStripChartCapacity(window, chart, kCapacity + 2 * kMaxAppended);
-    kv::SetStripChartAxisDigits(window, chart, kFigures);
+    kv::SetStripChartAxisDigits(window, chart, kAxisDigits);
   }
 }
 

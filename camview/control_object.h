@@ -12,7 +12,7 @@
 namespace camview {
 
 template <class Object>
-struct ObjectRecord {
+struct ObjectState {
   HGLOBAL hMemory;  // of this record
   Object* object;
 };
@@ -20,19 +20,19 @@ struct ObjectRecord {
 // Returns null before WM_CREATE and after WM_DESTROY.
 template <class Object>
 Object* ObjectOf(HWND window) {
-  auto* record = kv::WindowState<ObjectRecord<Object>>(window);
-  return record ? record->object : nullptr;
+  auto* state = kv::WindowState<ObjectState<Object>>(window);
+  return state ? state->object : nullptr;
 }
 
 // Handles WM_CREATE: creates the object, with the window in `window`. The window accepts dropped files and is not
 // mirrored.
 template <class Object>
 LRESULT CreateObject(HWND window) {
-  auto* record = kv::CreateWindowState<ObjectRecord<Object>>(window);
-  if (!record) return -1;
-  record->object = new (std::nothrow) Object;
-  if (!record->object) return -1;
-  record->object->window = window;
+  auto* state = kv::CreateWindowState<ObjectState<Object>>(window);
+  if (!state) return -1;
+  state->object = new (std::nothrow) Object;
+  if (!state->object) return -1;
+  state->object->window = window;
   SetWindowLongA(window, GWL_EXSTYLE, GetWindowLongA(window, GWL_EXSTYLE) & ~WS_EX_LAYOUTRTL);
   DragAcceptFiles(window, TRUE);
   return 0;
@@ -41,11 +41,11 @@ LRESULT CreateObject(HWND window) {
 // Handles WM_DESTROY.
 template <class Object>
 LRESULT DestroyObject(HWND window) {
-  auto* record = kv::WindowState<ObjectRecord<Object>>(window);
-  if (!record) return 0;
+  auto* state = kv::WindowState<ObjectState<Object>>(window);
+  if (!state) return 0;
   if (GetCapture() == window) ReleaseCapture();
-  delete record->object;
-  kv::DestroyWindowState(window, record);
+  delete state->object;
+  kv::DestroyWindowState(window, state);
   return 0;
 }
 

@@ -50,8 +50,8 @@ void ForChannels(unsigned channels, Function function) {
 void AddRecords(const RecordStore& store, long long first, long long end, unsigned channels, Curves* curves) {
   std::array<StoredRecord, kBatchRecords> batch;
   while (first < end) {
-    const auto wanted = static_cast<size_t>(std::min<long long>(kBatchRecords, end - first));
-    const size_t count = store.Read(first, {batch.data(), wanted});
+    const auto requested = static_cast<size_t>(std::min<long long>(kBatchRecords, end - first));
+    const size_t count = store.Read(first, {batch.data(), requested});
     for (const StoredRecord& record : std::span(batch).first(count)) {
       ForChannels(channels, [&](int channel) {
         auto* curve = &(*curves)[channel];

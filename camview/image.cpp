@@ -26,21 +26,21 @@ namespace {
 constexpr int kParts[] = {IDC_FIELD, IDC_CHART_X, IDC_CHART_Y, IDC_TIMELINE};
 constexpr int kMargin = 8;
 
-RECT PlaceOf(HWND window, int id) {
-  RECT place{};
-  GetWindowRect(GetDlgItem(window, id), &place);
-  MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&place), 2);
+RECT RectOf(HWND window, int id) {
+  RECT rect{};
+  GetWindowRect(GetDlgItem(window, id), &rect);
+  MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&rect), 2);
   // In a mirrored window left and right are exchanged.
-  if (place.left > place.right) std::swap(place.left, place.right);
-  return place;
+  if (rect.left > rect.right) std::swap(rect.left, rect.right);
+  return rect;
 }
 
 // Draws the parts at their positions in the window. Returns false when allocation fails.
 bool DrawImage(HWND window, kv::Surface* image) {
   RECT all{};
   for (const int id : kParts) {
-    const RECT place = PlaceOf(window, id), before = all;
-    UnionRect(&all, &before, &place);
+    const RECT rect = RectOf(window, id), before = all;
+    UnionRect(&all, &before, &rect);
   }
   InflateRect(&all, kMargin, kMargin);
   if (!image->Create({all.right - all.left, all.bottom - all.top})) return false;
@@ -48,8 +48,8 @@ bool DrawImage(HWND window, kv::Surface* image) {
   const kv::SelectedObject selected(dc, image->bitmap());
   kv::FillSolid(dc, {0, 0, image->size().cx, image->size().cy}, GetSysColor(COLOR_BTNFACE));
   for (const int id : kParts) {
-    const RECT place = PlaceOf(window, id);
-    SetViewportOrgEx(dc, place.left - all.left, place.top - all.top, nullptr);
+    const RECT rect = RectOf(window, id);
+    SetViewportOrgEx(dc, rect.left - all.left, rect.top - all.top, nullptr);
     SendDlgItemMessageW(window, id, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(static_cast<HDC>(dc)), PRF_CLIENT);
   }
   GdiFlush();

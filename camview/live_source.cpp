@@ -138,7 +138,7 @@ void LiveSource::Reader::Take(double time, const std::string& bytes) {
   const double seconds = time - start;
   Record(time, bytes);
   IntakeBatch found;
-  TakeBytes(&intake, seconds, bytes, &found);
+  AddBytes(&intake, seconds, bytes, &found);
   Publish(seconds, &found);
 }
 

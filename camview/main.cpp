@@ -22,7 +22,7 @@ constexpr int kExitRefused = 2, kExitNoWindow = 1;
 struct CommandLine {
   camview::StartOptions start;
   bool help = false;
-  std::wstring refused;  // the first invalid argument; "" if there is none
+  std::wstring rejected;  // the first invalid argument; "" if there is none
 };
 
 // A file named COM3 can be opened as .\COM3.
@@ -36,31 +36,31 @@ CommandLine ParseCommandLine(int argc, const wchar_t* const* argv) {
       line.help = true;
     } else if (argument == L"--language") {
       line.start.language = i + 1 < argc ? kv::LanguageOfCode(argv[i + 1]) : -1;
-      if (line.start.language < 0) line.refused = i + 1 < argc ? argument + L" " + argv[i + 1] : argument;
+      if (line.start.language < 0) line.rejected = i + 1 < argc ? argument + L" " + argv[i + 1] : argument;
       ++i;
     } else if (argument.empty() || argument.starts_with(L"--") || !isFirst) {
-      line.refused = argument;
+      line.rejected = argument;
     } else if (isPort) {
       line.start.port = camview::PortOfName(argument);
     } else {
       line.start.path = argument;
     }
-    if (!line.refused.empty()) break;
+    if (!line.rejected.empty()) break;
   }
   return line;
 }
 
 int ShowHelp(HINSTANCE instance, const CommandLine& line) {
   kv::modules = {.resources = instance, .application = instance};
-  const bool refused = !line.refused.empty();
+  const bool rejected = !line.rejected.empty();
   kv::LoadLanguages(camview::kFileStem);
   std::wstring text = kv::ResourceText(IDS_HELP_TEXT);
-  if (refused) text = camview::TextWith(IDS_HELP_REFUSED, line.refused.c_str()) + L"\n\n" + text;
-  if (!kv::PrintText(refused ? STD_ERROR_HANDLE : STD_OUTPUT_HANDLE, text)) {
-    kv::ShowMessage(nullptr, text, kv::ResourceText(IDS_CAPTION), refused ? MB_ICONWARNING : MB_ICONINFORMATION);
+  if (rejected) text = camview::TextWith(IDS_HELP_REJECTED, line.rejected.c_str()) + L"\n\n" + text;
+  if (!kv::PrintText(rejected ? STD_ERROR_HANDLE : STD_OUTPUT_HANDLE, text)) {
+    kv::ShowMessage(nullptr, text, kv::ResourceText(IDS_CAPTION), rejected ? MB_ICONWARNING : MB_ICONINFORMATION);
   }
   kv::UnloadLanguages();
-  return refused ? kExitRefused : 0;
+  return rejected ? kExitRefused : 0;
 }
 
 }  // namespace
@@ -71,7 +71,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
   wchar_t** argv = CommandLineToArgvW(GetCommandLineW(), &argc);
   const CommandLine line = ParseCommandLine(argc, argv);
   LocalFree(argv);
-  if (line.help || !line.refused.empty()) return ShowHelp(instance, line);
+  if (line.help || !line.rejected.empty()) return ShowHelp(instance, line);
   camview::RegisterControls(instance, TRUE);
   const int exitCode = kv::RunDialog(instance, camview::MainWindow(line.start));
   camview::RegisterControls(instance, FALSE);

@@ -8,7 +8,7 @@
 
 namespace camview {
 
-void TakeSilence(RecordIntake* intake, double seconds, IntakeBatch* batch) {
+void AddSilence(RecordIntake* intake, double seconds, IntakeBatch* batch) {
   if (seconds - intake->lastArrival >= camera::kGapSeconds) {
     batch->stretches.push_back({StretchKind::kSilent, intake->lastArrival, seconds});
     intake->flags |= kAfterSilence;
@@ -16,8 +16,8 @@ void TakeSilence(RecordIntake* intake, double seconds, IntakeBatch* batch) {
   intake->lastArrival = seconds;
 }
 
-void TakeBytes(RecordIntake* intake, double seconds, std::string_view bytes, IntakeBatch* batch) {
-  TakeSilence(intake, seconds, batch);
+void AddBytes(RecordIntake* intake, double seconds, std::string_view bytes, IntakeBatch* batch) {
+  AddSilence(intake, seconds, batch);
   intake->found.clear();
   camera::FeedStream(&intake->stream, seconds, bytes, &intake->found);
   for (const camera::FoundRecord& record : intake->found) {
@@ -31,7 +31,7 @@ void TakeBytes(RecordIntake* intake, double seconds, std::string_view bytes, Int
   }
 }
 
-void TakeDamage(RecordIntake* intake, double seconds, long long bytes, IntakeBatch* batch) {
+void AddDamage(RecordIntake* intake, double seconds, long long bytes, IntakeBatch* batch) {
   batch->stretches.push_back({StretchKind::kDamaged, intake->lastArrival, seconds, bytes});
   intake->flags |= kAfterDamagedBytes | (seconds - intake->lastArrival >= camera::kGapSeconds ? kAfterSilence : 0);
   // Silence during that time is unknown.

@@ -29,13 +29,13 @@ struct RecordIntake {
 };
 
 // Adds bytes received at that time, which never decreases, to the batch.
-void TakeBytes(RecordIntake* intake, double seconds, std::string_view bytes, IntakeBatch* batch);
+void AddBytes(RecordIntake* intake, double seconds, std::string_view bytes, IntakeBatch* batch);
 
 // Adds damaged chunks of a recording, between the last bytes and this time.
-void TakeDamage(RecordIntake* intake, double seconds, long long bytes, IntakeBatch* batch);
+void AddDamage(RecordIntake* intake, double seconds, long long bytes, IntakeBatch* batch);
 
 // Adds silence until that time, the end of a recording.
-void TakeSilence(RecordIntake* intake, double seconds, IntakeBatch* batch);
+void AddSilence(RecordIntake* intake, double seconds, IntakeBatch* batch);
 
 // Call when the line was interrupted or has ended: incomplete bytes belong to no record. More may follow.
 void EndIntake(RecordIntake* intake, IntakeBatch* batch);

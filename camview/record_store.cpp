@@ -26,12 +26,12 @@ static_assert(sizeof(Entry) == 16);
 
 constexpr int kCoordinateBits = 10, kPointBits = 2 * kCoordinateBits, kPartBits = 12, kTimeBits = 44;
 constexpr std::uint32_t kCoordinateMask = (1u << kCoordinateBits) - 1;
-constexpr std::int64_t kLongestBlock = std::int64_t{1} << kTimeBits;
+constexpr std::int64_t kMaxBlockTime = std::int64_t{1} << kTimeBits;
 static_assert(kv::kNoPoint == kCoordinateMask);
 
 // Rounding error when finding by time: a double represents seconds of a year to some nanoseconds.
 constexpr double kRounding = 0.01;  // microseconds
-constexpr double kLatest = 1e18;    // microseconds
+constexpr double kMaxTime = 1e18;   // microseconds
 
 constexpr Extremes Nothing() {
   Extremes nothing{};
@@ -80,7 +80,7 @@ std::uint64_t TimeAndFlags(const Entry& entry) {
 }
 
 std::int64_t TimeIn(std::uint64_t timeAndFlags) {
-  return static_cast<std::int64_t>(timeAndFlags & (kLongestBlock - 1));
+  return static_cast<std::int64_t>(timeAndFlags & (kMaxBlockTime - 1));
 }
 
 std::int64_t TimeOf(const Entry& entry) {
@@ -115,9 +115,8 @@ void AddToSummary(const camera::FoundRecord& record, unsigned flags, double paus
 }  // namespace
 
 RecordStore::RecordStore(long long capacity)
-    : mostBlocks_(static_cast<size_t>(std::clamp(capacity, 1LL, kLargestCapacity) + kBlockRecords - 1) /
-                  kBlockRecords) {
-  blocks_.reserve(mostBlocks_);
+    : maxBlocks_(static_cast<size_t>(std::clamp(capacity, 1LL, kMaxCapacity) + kBlockRecords - 1) / kBlockRecords) {
+  blocks_.reserve(maxBlocks_);
 }
 
 RecordStore::~RecordStore() = default;
@@ -127,9 +126,9 @@ RecordStore::~RecordStore() = default;
 // Returns the block for a record of that time; null when allocation fails.
 RecordStore::Block* RecordStore::BlockFor(std::int64_t microseconds) {
   Block* last = blocks_.empty() ? nullptr : blocks_.back().get();
-  if (last && last->count < kBlockRecords && microseconds - last->base < kLongestBlock) return last;
+  if (last && last->count < kBlockRecords && microseconds - last->base < kMaxBlockTime) return last;
   std::unique_ptr<Block> next;
-  if (blocks_.size() == mostBlocks_) {
+  if (blocks_.size() == maxBlocks_) {
     next = std::move(blocks_.front());
     blocks_.erase(blocks_.begin());
   } else {
@@ -146,7 +145,7 @@ RecordStore::Block* RecordStore::BlockFor(std::int64_t microseconds) {
 }
 
 bool RecordStore::Append(const camera::FoundRecord& record, unsigned flags) {
-  std::int64_t microseconds = std::llround(std::clamp(record.seconds * 1e6, 0.0, kLatest)), before = microseconds;
+  std::int64_t microseconds = std::llround(std::clamp(record.seconds * 1e6, 0.0, kMaxTime)), before = microseconds;
   if (!blocks_.empty()) {
     const Block& last = *blocks_.back();
     before = last.base + TimeOf(last.entries[static_cast<size_t>(last.count) - 1]);
@@ -179,13 +178,13 @@ void RecordStore::AddStretch(const Stretch& stretch) {
     list.back().count += next.count;
   };
   add(stretch);
-  if (list.size() <= kMostStretches) return;
+  if (list.size() <= kMaxMergedStretches) return;
   // Leaves so many that this is rare.
   do {
     longest = std::max(longest * 2, 0.01);
     const std::vector<Stretch> all = std::exchange(list, {});
     for (const Stretch& one : all) add(one);
-  } while (list.size() > kMostStretches / 2);
+  } while (list.size() > kMaxMergedStretches / 2);
 }
 
 const std::vector<Stretch>& RecordStore::Stretches(StretchKind kind) const {
@@ -249,12 +248,12 @@ long long RecordStore::FindMicroseconds(std::int64_t microseconds) const {
 }
 
 long long RecordStore::Find(double seconds) const {
-  return FindMicroseconds(std::llround(std::ceil(std::clamp(seconds * 1e6 - kRounding, -1.0, kLatest))));
+  return FindMicroseconds(std::llround(std::ceil(std::clamp(seconds * 1e6 - kRounding, -1.0, kMaxTime))));
 }
 
 long long RecordStore::At(double seconds) const {
   const long long next =
-      FindMicroseconds(std::llround(std::floor(std::clamp(seconds * 1e6 + kRounding, -1.0, kLatest))) + 1);
+      FindMicroseconds(std::llround(std::floor(std::clamp(seconds * 1e6 + kRounding, -1.0, kMaxTime))) + 1);
   return next > First() ? next - 1 : -1;
 }
 

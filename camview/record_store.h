@@ -45,7 +45,7 @@ inline constexpr int kChannels = 2 * kv::kPointCount;
 
 inline constexpr int kBlockRecords = 4096;
 inline constexpr int kGroupRecords = 64;
-inline constexpr int kMostStretches = 1000;  // of each kind
+inline constexpr int kMaxMergedStretches = 1000;  // of each kind
 
 // The minimum and maximum of each channel while its point is seen; lowest > highest if it never is.
 struct Extremes {
@@ -67,10 +67,10 @@ struct BlockSummary {
 
 class RecordStore {
  public:
-  static constexpr long long kLargestCapacity = 1 << 25;  // 0.5 GB; four days at 93 records a second
+  static constexpr long long kMaxCapacity = 1 << 25;  // 0.5 GB; four days at 93 records a second
 
   // When there are `capacity` records (rounded up to blocks), the oldest block is dropped for a new one.
-  explicit RecordStore(long long capacity = kLargestCapacity);
+  explicit RecordStore(long long capacity = kMaxCapacity);
   ~RecordStore();
   RecordStore(const RecordStore&) = delete;
   RecordStore& operator=(const RecordStore&) = delete;
@@ -107,7 +107,7 @@ class RecordStore {
   Block* BlockFor(std::int64_t microseconds);
   long long FindMicroseconds(std::int64_t microseconds) const;
 
-  size_t mostBlocks_;
+  size_t maxBlocks_;
   std::vector<std::unique_ptr<Block>> blocks_;
   long long end_ = 0;
   std::vector<Stretch> stretches_[kStretchKinds];

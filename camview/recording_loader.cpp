@@ -42,22 +42,22 @@ LoadOutcome ReadRecords(camera::RecordingFile* file, RecordIntake* intake, Recor
   for (int chunks = 0; camera::NextChunk(file, &chunk); ++chunks) {
     const double seconds = static_cast<double>(chunk.microseconds) / 1e6;
     if (file->decoder.damagedBytes > damagedBytes) {
-      TakeDamage(intake, seconds, static_cast<long long>(file->decoder.damagedBytes - damagedBytes), &batch);
+      AddDamage(intake, seconds, static_cast<long long>(file->decoder.damagedBytes - damagedBytes), &batch);
       damagedBytes = file->decoder.damagedBytes;
     }
-    TakeBytes(intake, seconds, chunk.bytes, &batch);
+    AddBytes(intake, seconds, chunk.bytes, &batch);
     if (!StoreBatch(&batch, store)) return LoadOutcome::kOutOfMemory;
-    if (store->End() >= RecordStore::kLargestCapacity) return LoadOutcome::kTooLong;
+    if (store->End() >= RecordStore::kMaxCapacity) return LoadOutcome::kTooLong;
     if (chunks % kProgressChunks != 0) continue;
     if (worker->IsCancelled()) return LoadOutcome::kCancelled;
     worker->SetProgress(ShareRead(file->file));
   }
   const double end = static_cast<double>(file->decoder.endTime) / 1e6;
   if (file->decoder.damagedBytes > damagedBytes) {
-    TakeDamage(intake, end, static_cast<long long>(file->decoder.damagedBytes - damagedBytes), &batch);
+    AddDamage(intake, end, static_cast<long long>(file->decoder.damagedBytes - damagedBytes), &batch);
   }
   EndIntake(intake, &batch);
-  TakeSilence(intake, end, &batch);
+  AddSilence(intake, end, &batch);
   StoreBatch(&batch, store);
   return file->error.empty() ? LoadOutcome::kComplete : LoadOutcome::kReadFailed;
 }

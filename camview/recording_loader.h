@@ -19,7 +19,7 @@ enum class LoadOutcome {
   kEmpty,       // the file has no bytes
   kForeign,     // not a recording
   kOtherVersion,
-  kTooLong,      // more than RecordStore::kLargestCapacity records; contains the first ones
+  kTooLong,      // more than RecordStore::kMaxCapacity records; contains the first ones
   kOutOfMemory,  // contains what could be stored
 };
 

@@ -61,8 +61,8 @@ void AddRecords(const RecordStore& store, long long first, long long end, double
                 StretchStatistics* statistics, Losses* losses) {
   std::array<StoredRecord, kBatchRecords> batch;
   while (first < end) {
-    const auto wanted = static_cast<size_t>(std::min<long long>(kBatchRecords, end - first));
-    const size_t count = store.Read(first, {batch.data(), wanted});
+    const auto requested = static_cast<size_t>(std::min<long long>(kBatchRecords, end - first));
+    const size_t count = store.Read(first, {batch.data(), requested});
     for (const StoredRecord& record : std::span(batch).first(count)) {
       if (!onlyPauses) AddRecord(record, statistics);
       AddPause(record.seconds - before, (record.flags & kAfterDamagedBytes) != 0, losses);

@@ -24,7 +24,7 @@ namespace camview {
 
 namespace {
 
-constexpr double kPatience = 0.1;  // seconds; avoids computing each step while a mark is dragged or charts scroll
+constexpr double kDelaySeconds = 0.1;  // seconds; avoids computing each step while a mark is dragged or charts scroll
 
 const kv::ListColumn kColumns[] = {
     {MAKEINTRESOURCEW(IDS_COLUMN_POINT), 50, DT_CENTER},   {MAKEINTRESOURCEW(IDS_COLUMN_SEEN), 70, DT_RIGHT},
@@ -84,7 +84,7 @@ void InitStatistics(HWND window) {
 }
 
 void RequestStatistics(View& view) {
-  if (std::isnan(view.statisticsDue)) view.statisticsDue = camera::Now() + kPatience;
+  if (std::isnan(view.statisticsDue)) view.statisticsDue = camera::Now() + kDelaySeconds;
   kv::EnableControl(view.window, IDC_EXPORT, view.isMarked && !view.isExporting);
   UpdateTimer(view);
 }

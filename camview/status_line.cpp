@@ -37,25 +37,25 @@ COLORREF ColorOf(StatusMark mark) {
 }
 
 // Check mark, ring, exclamation mark in a triangle, cross in a square, disc.
-void DrawMark(kv::Canvas& canvas, StatusMark mark, kv::PointD at, double r, COLORREF face) {
+void DrawMark(kv::Canvas& canvas, StatusMark mark, kv::PointD at, double r, COLORREF background) {
   const COLORREF color = ColorOf(mark);
   switch (mark) {
     case StatusMark::kNone: return;
     case StatusMark::kGood:
       kv::FillDisc(canvas, at, r, color);
-      kv::FillLine(canvas, {at.x - r * 0.5, at.y}, {at.x - r * 0.1, at.y + r * 0.42}, r * 0.3, face);
-      kv::FillLine(canvas, {at.x - r * 0.15, at.y + r * 0.45}, {at.x + r * 0.5, at.y - r * 0.4}, r * 0.3, face);
+      kv::FillLine(canvas, {at.x - r * 0.5, at.y}, {at.x - r * 0.1, at.y + r * 0.42}, r * 0.3, background);
+      kv::FillLine(canvas, {at.x - r * 0.15, at.y + r * 0.45}, {at.x + r * 0.5, at.y - r * 0.4}, r * 0.3, background);
       return;
     case StatusMark::kWaiting:
       kv::FillDisc(canvas, at, r, color);
-      kv::FillDisc(canvas, at, r * 0.62, face);
+      kv::FillDisc(canvas, at, r * 0.62, background);
       return;
     case StatusMark::kWarning: {
       const std::array<kv::PointD, 3> corners{
           {{at.x, at.y - r}, {at.x + r * 1.1, at.y + r * 0.9}, {at.x - r * 1.1, at.y + r * 0.9}}};
       kv::FillPolygon(canvas, corners, color);
-      kv::FillLine(canvas, {at.x, at.y - r * 0.4}, {at.x, at.y + r * 0.3}, r * 0.28, face);
-      kv::FillLine(canvas, {at.x, at.y + r * 0.45}, {at.x, at.y + r * 0.72}, r * 0.28, face);
+      kv::FillLine(canvas, {at.x, at.y - r * 0.4}, {at.x, at.y + r * 0.3}, r * 0.28, background);
+      kv::FillLine(canvas, {at.x, at.y + r * 0.45}, {at.x, at.y + r * 0.72}, r * 0.28, background);
       return;
     }
     case StatusMark::kError: {
@@ -63,8 +63,8 @@ void DrawMark(kv::Canvas& canvas, StatusMark mark, kv::PointD at, double r, COLO
       const std::array<kv::PointD, 4> corners{
           {{at.x - s, at.y - s}, {at.x + s, at.y - s}, {at.x + s, at.y + s}, {at.x - s, at.y + s}}};
       kv::FillPolygon(canvas, corners, color);
-      kv::FillLine(canvas, {at.x - c, at.y - c}, {at.x + c, at.y + c}, r * 0.28, face);
-      kv::FillLine(canvas, {at.x - c, at.y + c}, {at.x + c, at.y - c}, r * 0.28, face);
+      kv::FillLine(canvas, {at.x - c, at.y - c}, {at.x + c, at.y + c}, r * 0.28, background);
+      kv::FillLine(canvas, {at.x - c, at.y + c}, {at.x + c, at.y - c}, r * 0.28, background);
       return;
     }
     case StatusMark::kRecording: kv::FillDisc(canvas, at, r * 0.9, color); return;
@@ -99,10 +99,10 @@ void DrawStatusLine(const DRAWITEMSTRUCT& item, const StatusLine& line) {
   if (!surface.Create(size)) return;
   {
     kv::Canvas canvas(memory, surface, shape);
-    const COLORREF face = GetSysColor(COLOR_BTNFACE);
-    kv::FillArea(canvas, {0, 0, size.cx, size.cy}, face);
+    const COLORREF background = GetSysColor(COLOR_BTNFACE);
+    kv::FillArea(canvas, {0, 0, size.cx, size.cy}, background);
     const double radius = size.cy * 0.36;
-    DrawMark(canvas, line.mark, {size.cy * 0.5 + 1, size.cy * 0.5}, radius, face);
+    DrawMark(canvas, line.mark, {size.cy * 0.5 + 1, size.cy * 0.5}, radius, background);
     const bool strong = line.mark == StatusMark::kRecording;
     const kv::OwnedFont font = kv::MakeFont(-std::max<int>(size.cy * 5 / 8, 8), strong ? FW_BOLD : FW_NORMAL);
     const kv::SelectedObject selected(canvas.dc(), font);
@@ -137,20 +137,22 @@ std::wstring LengthAsText(double seconds) {
 
 StatusLine DescribeRecording(const LoadedRecording& recording) {
   const std::wstring name = NameOfFile(recording.path), why = camera::Wide(recording.error);
-  const auto refused = [&](UINT id) { return StatusLine{StatusMark::kError, TextWith(id, name.c_str(), why.c_str())}; };
+  const auto rejected = [&](UINT id) {
+    return StatusLine{StatusMark::kError, TextWith(id, name.c_str(), why.c_str())};
+  };
   StatusLine line{StatusMark::kGood, {}};
   switch (recording.outcome) {
-    case LoadOutcome::kUnreadable: return refused(IDS_FILE_UNREADABLE);
-    case LoadOutcome::kEmpty: return refused(IDS_FILE_EMPTY);
-    case LoadOutcome::kForeign: return refused(IDS_FILE_FOREIGN);
-    case LoadOutcome::kOtherVersion: return refused(IDS_FILE_OTHER_VERSION);
+    case LoadOutcome::kUnreadable: return rejected(IDS_FILE_UNREADABLE);
+    case LoadOutcome::kEmpty: return rejected(IDS_FILE_EMPTY);
+    case LoadOutcome::kForeign: return rejected(IDS_FILE_FOREIGN);
+    case LoadOutcome::kOtherVersion: return rejected(IDS_FILE_OTHER_VERSION);
     case LoadOutcome::kComplete: break;
     case LoadOutcome::kCancelled: line.text = kv::ResourceText(IDS_FILE_CANCELLED) + L" "; break;
     case LoadOutcome::kReadFailed: line.text = TextWith(IDS_FILE_READ_FAILED, why.c_str()) + L" "; break;
     case LoadOutcome::kTooLong: line.text = kv::ResourceText(IDS_FILE_TOO_LONG) + L" "; break;
     case LoadOutcome::kOutOfMemory: line.text = kv::ResourceText(IDS_FILE_NO_MEMORY) + L" "; break;
   }
-  if (recording.records == 0) return refused(IDS_FILE_NO_RECORDS);
+  if (recording.records == 0) return rejected(IDS_FILE_NO_RECORDS);
   line.text += TextWith(IDS_FILE_WHOLE, kv::NumberText(static_cast<double>(recording.records)).c_str(),
                         TimeAsText(recording.seconds, 1).c_str());
   const size_t whole = line.text.size();

@@ -27,8 +27,8 @@ constexpr size_t kBatchRecords = 256;
 constexpr std::uint64_t kFileTimePerMicrosecond = 10;
 
 std::uint64_t Microseconds(double seconds) {
-  constexpr double kLatest = 1e18;
-  return static_cast<std::uint64_t>(std::llround(std::clamp(seconds * 1e6, 0.0, kLatest)));
+  constexpr double kMaxTime = 1e18;
+  return static_cast<std::uint64_t>(std::llround(std::clamp(seconds * 1e6, 0.0, kMaxTime)));
 }
 
 struct Export {
@@ -48,7 +48,7 @@ bool Flush(Export* job, size_t atLeast) {
 }
 
 // Returns whether to continue with data of that time.
-bool GoesOn(Export* job, std::uint64_t microseconds) {
+bool IsInRange(Export* job, std::uint64_t microseconds) {
   if (job->to > 0) job->worker->SetProgress(static_cast<double>(microseconds) / static_cast<double>(job->to));
   return !job->worker->IsCancelled() && Flush(job, kBufferBytes);
 }
@@ -84,7 +84,7 @@ bool AddRows(Export* job, camera::RecordingFile* recording) {
     for (const camera::FoundRecord& record : found) {
       if (record.isInRange && Microseconds(record.seconds) >= job->from) AddRow(job, record);
     }
-    if (!GoesOn(job, recording->chunk.microseconds)) return false;
+    if (!IsInRange(job, recording->chunk.microseconds)) return false;
   }
   return true;
 }
@@ -98,7 +98,7 @@ bool AddChunks(Export* job, camera::RecordingFile* recording) {
       AddChunk(job, chunk.microseconds, chunk.bytes);
       camera::FeedStream(&stream, 0, chunk.bytes, nullptr);
     }
-    if (!GoesOn(job, chunk.microseconds)) return false;
+    if (!IsInRange(job, chunk.microseconds)) return false;
   }
   AddEnd(job, recording->decoder.endTime);
   job->result->records = stream.records;
@@ -133,11 +133,11 @@ bool AddStore(Export* job) {
   const long long end = store.At(job->task.to) + 1;
   std::array<StoredRecord, kBatchRecords> batch;
   for (long long number = store.Find(job->task.from); number < end;) {
-    const auto wanted = static_cast<size_t>(std::min<long long>(kBatchRecords, end - number));
-    const size_t count = store.Read(number, {batch.data(), wanted});
+    const auto requested = static_cast<size_t>(std::min<long long>(kBatchRecords, end - number));
+    const size_t count = store.Read(number, {batch.data(), requested});
     for (size_t i = 0; i < count; ++i) AddStored(job, batch[i]);
     number += static_cast<long long>(count);
-    if (!GoesOn(job, Microseconds(batch[count - 1].seconds))) return false;
+    if (!IsInRange(job, Microseconds(batch[count - 1].seconds))) return false;
   }
   if (!isCsv) AddEnd(job, job->to);
   return true;

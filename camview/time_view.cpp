@@ -110,8 +110,8 @@ void ScrollToTime(View& view, bool isPlaying) {
   const double last = isPlaying ? shown.from + length * kPlayingPart : shown.to;
   if (time >= shown.from && time <= last) return;
   const double part = isPlaying && time > last && time < last + length ? kPlayingPart : 0.5;
-  const kv::StripStretch wanted = Fitting(view, {time - length * part, time + length * (1 - part)});
-  if (wanted.from != shown.from) ShowSpan(view, wanted);
+  const kv::StripStretch requested = Fitting(view, {time - length * part, time + length * (1 - part)});
+  if (requested.from != shown.from) ShowSpan(view, requested);
 }
 
 void SeekTo(View& view, double time) {

@@ -41,8 +41,8 @@ struct Timeline {
   bool isDragging = false, isSelecting = false;
   double anchor = 0;  // the fixed end of the selection
   LONG wheel = 0;
-  bool isDirty = true;  // `face` must be drawn
-  kv::Surface face, surface;
+  bool isDirty = true;  // `background` must be drawn
+  kv::Surface background, surface;
   kv::CoverageShape shape;
   kv::MemoryDc dc{nullptr};
 };
@@ -56,9 +56,9 @@ struct TimelineLayout {
 
 TimelineLayout LayoutTimeline(SIZE size) {
   const double thumb = std::clamp(size.cy / 5.0, 4.0, 10.0);
-  const LONG margin = static_cast<LONG>(std::ceil(thumb)) + 3, room = std::max<LONG>(size.cy / 6, 2);
-  const LONG right = std::max<LONG>(size.cx - margin, margin), bottom = std::max(size.cy - room, room);
-  return {{margin, room, right, bottom}, thumb};
+  const LONG margin = static_cast<LONG>(std::ceil(thumb)) + 3, space = std::max<LONG>(size.cy / 6, 2);
+  const LONG right = std::max<LONG>(size.cx - margin, margin), bottom = std::max(size.cy - space, space);
+  return {{margin, space, right, bottom}, thumb};
 }
 
 LONG XOfTime(const TimelineLayout& layout, const TimelineSpan& range, double time) {
@@ -114,9 +114,9 @@ void DrawStretch(kv::Canvas& canvas, const RECT& track, const TimelineColors& co
 }
 
 void DrawFace(Timeline& timeline, const TimelineLayout& layout, const TimelineColors& colors) {
-  kv::Canvas canvas(timeline.dc, timeline.face, timeline.shape);
+  kv::Canvas canvas(timeline.dc, timeline.background, timeline.shape);
   const RECT& track = layout.track;
-  const SIZE size = timeline.face.size();
+  const SIZE size = timeline.background.size();
   kv::FillArea(canvas, {0, 0, size.cx, size.cy}, colors.panel);
   kv::FillArea(canvas, {track.left - 1, track.top - 1, track.right + 1, track.bottom + 1}, colors.edge);
   kv::FillArea(canvas, track, colors.track);
@@ -160,15 +160,15 @@ void Blend(const kv::Surface& surface, const RECT& area, COLORREF color, DWORD c
 bool Render(Timeline& timeline, bool isFocused) {
   const SIZE size = kv::ClientSize(timeline.window);
   if (timeline.surface.size().cx != size.cx || timeline.surface.size().cy != size.cy) {
-    timeline.isDirty = timeline.surface.Create(size) && timeline.face.Create(size);
+    timeline.isDirty = timeline.surface.Create(size) && timeline.background.Create(size);
   }
-  if (!timeline.surface.bitmap() || !timeline.face.bitmap()) return false;
+  if (!timeline.surface.bitmap() || !timeline.background.bitmap()) return false;
   const TimelineLayout layout = LayoutTimeline(size);
   const TimelineColors colors = ColorsOfTimeline();
   if (timeline.isDirty) DrawFace(timeline, layout, colors);
   timeline.isDirty = false;
   kv::Canvas canvas(timeline.dc, timeline.surface, timeline.shape);
-  kv::CopyFrom(canvas, timeline.face);
+  kv::CopyFrom(canvas, timeline.background);
   const RECT& track = layout.track;
   if (timeline.isSelected) {
     const LONG left = XOfTime(layout, timeline.range, timeline.selection.from);

@@ -67,7 +67,7 @@ Tip CursorTip(const StripModel& model, const StripLayout& layout) {
   return tip;
 }
 
-bool TellsStatistics(const StripModel& model) {
+bool HasStatistics(const StripModel& model) {
   return model.marked && !(model.style & kStripNoStatistics);
 }
 
@@ -86,7 +86,7 @@ void StripRenderer::DrawTip(Canvas& canvas, const StripModel& model) {
   const StripLayout& layout = key_.layout;
   const StripColors& colors = key_.colors;
   const RECT& plot = layout.plot;
-  const bool statistics = TellsStatistics(model);
+  const bool statistics = HasStatistics(model);
   const Tip tip = statistics ? StatisticsTip(model, layout) : CursorTip(model, layout);
   HDC dc = canvas.dc();
   const SelectedObject selected(dc, font_);
@@ -156,7 +156,7 @@ const Surface& StripRenderer::WithMarks(const StripModel& model, bool focused) {
     if (x >= plot.left && x < plot.right) FillArea(canvas, {x, plot.top, x + 1, plot.bottom}, key_.colors.ink);
   }
   // No tooltip if it would cover the whole plot.
-  if ((model.cursorShown || TellsStatistics(model)) && layout.labelsPx > 0) DrawTip(canvas, model);
+  if ((model.cursorShown || HasStatistics(model)) && layout.labelsPx > 0) DrawTip(canvas, model);
   if (focused) {
     const RECT frame{plot.left - 1, plot.top - 1, plot.right + 1, plot.bottom + 1};
     SetTextColor(canvas.dc(), RGB(0, 0, 0));

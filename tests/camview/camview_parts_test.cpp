@@ -116,7 +116,7 @@ TEST(CamviewStore, MergesStretchesWhenThereAreThousands) {
   RecordStore store;
   for (int i = 0; i < 50000; ++i) store.AddStretch({StretchKind::kMalformed, i * 0.3, i * 0.3 + 0.1, 7});
   const auto& list = store.Stretches(StretchKind::kMalformed);
-  ASSERT_LE(list.size(), static_cast<size_t>(kMostStretches));
+  ASSERT_LE(list.size(), static_cast<size_t>(kMaxMergedStretches));
   ASSERT_GE(list.size(), 100u);
   long long bytes = 0, count = 0;
   for (const Stretch& one : list) {
@@ -134,15 +134,15 @@ TEST(CamviewIntake, RecordsSilenceDamageAndMalformedBytes) {
   const std::string record = "0100,0200,0300,0400,1023,1023,0512,0384\r\n";
   RecordIntake intake;
   IntakeBatch batch;
-  TakeBytes(&intake, 1, record.substr(20) + record, &batch);  // begins within a record, which is not a fault
-  TakeBytes(&intake, 1.01, record.substr(0, 25), &batch);
-  TakeBytes(&intake, 1.02, record + record, &batch);
-  TakeBytes(&intake, 1.5, record, &batch);
-  TakeDamage(&intake, 2.5, 60, &batch);
-  TakeBytes(&intake, 2.5, record.substr(0, 30), &batch);
+  AddBytes(&intake, 1, record.substr(20) + record, &batch);  // begins within a record, which is not a fault
+  AddBytes(&intake, 1.01, record.substr(0, 25), &batch);
+  AddBytes(&intake, 1.02, record + record, &batch);
+  AddBytes(&intake, 1.5, record, &batch);
+  AddDamage(&intake, 2.5, 60, &batch);
+  AddBytes(&intake, 2.5, record.substr(0, 30), &batch);
   EndIntake(&intake, &batch);
-  TakeBytes(&intake, 3, record.substr(30) + record, &batch);  // two halves are not a record
-  TakeSilence(&intake, 9, &batch);
+  AddBytes(&intake, 3, record.substr(30) + record, &batch);  // two halves are not a record
+  AddSilence(&intake, 9, &batch);
   std::vector<unsigned> flags(batch.records.size());
   std::ranges::transform(batch.records, flags.begin(), &IntakeRecord::flags);
   EXPECT_EQ((std::vector<unsigned>{kAfterSilence, kAfterDamagedBytes, 0, 0, kAfterSilence | kAfterDamagedBytes}),

@@ -133,9 +133,9 @@ TEST(CamviewLive, ReconnectsAfterDisconnectionAndContinuesRecording) {
   // The beginning of a record from before an interruption and the end of one from after it are not a record.
   const long long records = live.Status().records;
   const auto receive = [&](std::string_view bytes) {
-    const long long wanted = live.Status().bytes + static_cast<long long>(bytes.size());
+    const long long requested = live.Status().bytes + static_cast<long long>(bytes.size());
     camera.Send(bytes);
-    EXPECT_TRUE(Within20Seconds([&] { return live.Status().bytes == wanted; }));
+    EXPECT_TRUE(Within20Seconds([&] { return live.Status().bytes == requested; }));
   };
   receive(std::string_view(kRecord).substr(0, 20));
   line.Unplug();

@@ -172,13 +172,13 @@ TEST(CamviewExport, WritesATimeRangeAsRowsAndAsARecording) {
   const std::string source = PathOf("camview source.twr"), target = PathOf("camview stretch");
   // A record in two chunks, odd records and garbage: a recording contains them unchanged.
   std::string bytes = kHeader + camera::EncodeChunks(500'000, RecordText(1)),
-              wanted = "0 " + RecordText(2).substr(0, 20);
+              requested = "0 " + RecordText(2).substr(0, 20);
   bytes += camera::EncodeChunks(1'000'000, RecordText(2).substr(0, 20));
   for (const auto& [time, text] : {std::pair{1'010'000ull, RecordText(2).substr(20) + "\xFFgarbage"},
                                    {1'020'000ull, std::string("0003,0200,0300,0400,1023,1023,0512,0384059")},
                                    {2'000'000ull, RecordText(4)}}) {
     bytes += camera::EncodeChunks(time, text);
-    wanted += camera::Format("%llu ", time - 1'000'000) + text;
+    requested += camera::Format("%llu ", time - 1'000'000) + text;
   }
   bytes += camera::EncodeChunks(2'000'001, RecordText(5)) + camera::EncodeEnd(3'000'000);
   WriteTo(source, bytes);
@@ -191,7 +191,7 @@ TEST(CamviewExport, WritesATimeRangeAsRowsAndAsARecording) {
   EXPECT_TRUE(result.isDone) << result.error;
   EXPECT_EQ(std::pair(4LL, 3LL), std::pair(result.chunks, result.records));
   camera::RecordingHeader header;
-  EXPECT_EQ(wanted + "end 1000000", DecodedFrom(target, &header));
+  EXPECT_EQ(requested + "end 1000000", DecodedFrom(target, &header));
   EXPECT_EQ(std::tuple(kStart + 10'000'000, 3u, 38400u), std::tuple(header.startTime, header.port, header.baudRate));
 
   task.format = ExportFormat::kCsv;
