@@ -30,7 +30,7 @@ namespace camview {
 namespace {
 
 constexpr int kFadeSteps = 12;
-constexpr int kSmallestCopy = 64, kLargestCopy = 5120;
+constexpr int kMinCopySize = 64, kMaxCopySize = 5120;
 constexpr COLORREF kPointColors[kv::kPointCount] = {RGB(255, 60, 40), RGB(50, 132, 255), RGB(255, 236, 60),
                                                     RGB(116, 255, 198)};
 
@@ -284,7 +284,7 @@ LRESULT OnCommand(Field& field, WPARAM wParam, LPARAM lParam) {
 }
 
 LRESULT OnCopy(const Field& field, LPARAM requested) {
-  const SIZE size = kv::RequestedCopySize(requested, kv::ClientSize(field.window), kSmallestCopy, kLargestCopy);
+  const SIZE size = kv::RequestedCopySize(requested, kv::ClientSize(field.window), kMinCopySize, kMaxCopySize);
   kv::Surface surface;
   const std::unique_ptr<kv::CoverageShape> shape(new (std::nothrow) kv::CoverageShape);
   if (!shape || !surface.Create(size)) return 0;
