@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr int kExitRefused = 2, kExitNoWindow = 1;
+constexpr int kExitRejected = 2, kExitNoWindow = 1;
 
 struct CommandLine {
   camview::StartOptions start;
@@ -60,7 +60,7 @@ int ShowHelp(HINSTANCE instance, const CommandLine& line) {
     kv::ShowMessage(nullptr, text, kv::ResourceText(IDS_CAPTION), rejected ? MB_ICONWARNING : MB_ICONINFORMATION);
   }
   kv::UnloadLanguages();
-  return rejected ? kExitRefused : 0;
+  return rejected ? kExitRejected : 0;
 }
 
 }  // namespace
