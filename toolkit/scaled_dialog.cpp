@@ -34,7 +34,7 @@ namespace {
 
 constexpr wchar_t kStateProperty[] = L"kvScaledDialog";
 constexpr int kPageId = INT_MAX;  // greater than every dialog's lastId
-constexpr int kTextPx = 14;       // at scale 1
+constexpr int kTextPx = 14;       // at scale 1 and 96 DPI
 
 using SharedDialogState = std::shared_ptr<DialogState>;
 
@@ -448,7 +448,8 @@ DialogScale ScaleOf(HWND dialog) {
 
 int TextHeightOf(HWND dialog) {
   const DialogScale scale = ScaleOf(dialog);
-  return std::max(static_cast<int>(static_cast<float>(kTextPx) * std::min(scale.x, scale.y)), 1);
+  const int textPx = MulDiv(kTextPx, GetDeviceCaps(WindowDc(dialog), LOGPIXELSY), USER_DEFAULT_SCREEN_DPI);
+  return std::max(static_cast<int>(static_cast<float>(textPx) * std::min(scale.x, scale.y)), 1);
 }
 
 void EnableControl(HWND dialog, int id, bool enabled) {

@@ -8,6 +8,7 @@
 #include "export/nmea.h"
 #include "export/terminal_edit.h"
 #include "export/web_links.h"
+#include "framework/guards.h"
 #include "framework/numbers.h"
 #include "gallery/resource_ids.h"
 #include "toolkit/locale_text.h"
@@ -41,13 +42,14 @@ void ShowValue(HWND page, int controlId, UINT textId, double value, int decimals
 
 // The terminal's text grows with the page's, in a font that has every size.
 void ScaleTerminal(HWND page) {
-  constexpr int kTwipsPerPx = 13;
+  constexpr int kTwipsPerInch = 1440, kCharacterPercent = 87;  // of the height of a line
   CHARFORMATA format{};
   format.cbSize = sizeof(format);
   format.dwMask = CFM_SIZE | CFM_FACE;
   format.bPitchAndFamily = FIXED_PITCH | FF_MODERN;
   lstrcpyA(format.szFaceName, "Courier New");
-  format.yHeight = kTwipsPerPx * kv::TextHeightOf(page);
+  format.yHeight = MulDiv(kv::TextHeightOf(page), kTwipsPerInch * kCharacterPercent / 100,
+                          GetDeviceCaps(kv::WindowDc(page), LOGPIXELSY));
   for (const WPARAM part : {SCF_ALL, SCF_SELECTION}) {
     SendDlgItemMessageA(page, IDC_NMEA_TERMINAL, EM_SETCHARFORMAT, part, reinterpret_cast<LPARAM>(&format));
   }
