@@ -14,8 +14,8 @@ struct StripChart {
   HWND window = nullptr;
   StripModel model;
   StripRenderer renderer;
-  bool redrawAll = true;  // the next update draws everything
-  bool waiting = false;   // timer 5 runs until new samples are drawn
+  bool redrawAll = true;     // the next update draws everything
+  bool waiting = false;      // timer 5 runs until new samples are drawn
   bool hovering = false;     // the cursor follows the mouse pointer, at pointerX
   LONG pointerX = LONG_MIN;  // of the last mouse move; LONG_MIN after the pointer has left
   enum class Drag { kNone, kPan, kMark } drag = Drag::kNone;
