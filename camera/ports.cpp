@@ -216,8 +216,14 @@ std::string WhyNotOpened(int number, const PortStatus& status) {
 // ---- Reading --------------------------------------------------------------------------------------------------------
 
 PortReader::PortReader(HANDLE port) : port_(port), event_(CreateEventA(nullptr, TRUE, FALSE, nullptr)) {
-  // No timeouts: a read of one byte completes when there is one.
+  // A read waits for the first byte and completes with those that are there. In the form for that, Wine's reads wait
+  // until they are full; another form, in which reads on Windows do not wait at all, works there.
   COMMTIMEOUTS timeouts{};
+  timeouts.ReadIntervalTimeout = MAXDWORD;
+  if (!SharesPorts()) {
+    timeouts.ReadTotalTimeoutMultiplier = MAXDWORD;
+    timeouts.ReadTotalTimeoutConstant = MAXDWORD - 1;
+  }
   SetCommTimeouts(port_, &timeouts);
 }
 
@@ -235,8 +241,7 @@ PortReader::Outcome PortReader::Read(DWORD waitMs, HANDLE stop, std::string* byt
   if (!isPending_) {
     overlapped_ = {};
     overlapped_.hEvent = event_;
-    ResetEvent(event_);
-    if (!ReadFile(port_, &first_, 1, nullptr, &overlapped_) && GetLastError() != ERROR_IO_PENDING) {
+    if (!ReadFile(port_, buffer_, sizeof(buffer_), nullptr, &overlapped_) && GetLastError() != ERROR_IO_PENDING) {
       return Outcome::kGone;
     }
     isPending_ = true;
@@ -247,20 +252,20 @@ PortReader::Outcome PortReader::Read(DWORD waitMs, HANDLE stop, std::string* byt
   *seconds = Now();
   DWORD read = 0;
   if (!GetOverlappedResult(port_, &overlapped_, &read, FALSE) || read == 0) return Outcome::kGone;
-  bytes->assign(1, first_);
+  bytes->assign(buffer_, read);
   // Bytes arrive one by one; a chunk for each would take more space than the bytes.
   Sleep(kGatherMs);
   DWORD errors = 0;
   COMSTAT state{};
   if (!ClearCommError(port_, &errors, &state) || state.cbInQue == 0) return Outcome::kBytes;
-  bytes->resize(1 + state.cbInQue);
-  ResetEvent(event_);
-  if (!ReadFile(port_, bytes->data() + 1, state.cbInQue, nullptr, &overlapped_) && GetLastError() != ERROR_IO_PENDING) {
-    bytes->resize(1);
-    return Outcome::kBytes;
+  const size_t first = read;
+  bytes->resize(first + state.cbInQue);
+  read = 0;
+  if (ReadFile(port_, bytes->data() + first, state.cbInQue, nullptr, &overlapped_) ||
+      GetLastError() == ERROR_IO_PENDING) {
+    GetOverlappedResult(port_, &overlapped_, &read, TRUE);
   }
-  GetOverlappedResult(port_, &overlapped_, &read, TRUE);
-  bytes->resize(1 + read);
+  bytes->resize(first + read);
   return Outcome::kBytes;
 }
 

@@ -85,7 +85,7 @@ class PortReader {
   HANDLE port_;
   HANDLE event_;
   OVERLAPPED overlapped_{};
-  char first_ = 0;
+  char buffer_[4096];
   bool isPending_ = false;
 };
 
