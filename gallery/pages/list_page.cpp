@@ -29,8 +29,9 @@ constexpr int kFirstCount = 3, kFirstHeight = 1;
 constexpr int kPointNumbers = 8;  // x and y of four points
 constexpr int kRecordMs = 11;     // from one record to the next at full line rate
 
-// Lengths of the design, in pixels. The columns are together wider than most windows, so that there is something to
-// scroll sideways.
+// Lengths of the design, in pixels, for texts of this height. The columns are together wider than most windows, so that
+// there is something to scroll sideways.
+constexpr int kDesignTextPx = 14;
 constexpr int kHeights[] = {17, 24, 36};
 constexpr int kColumnWidths[] = {130, 120, 72, 72, 72, 72, 72, 72, 72, 72, 360};
 constexpr int kColumns = static_cast<int>(std::size(kColumnWidths));
@@ -54,7 +55,7 @@ struct {
 } state;
 
 int Scaled(HWND page, int length) {
-  return kv::ToInt(length * static_cast<double>(kv::ScaleOf(page).y));
+  return MulDiv(length, kv::TextHeightOf(page), kDesignTextPx);
 }
 
 // ---- Rows, made from their number -----------------------------------------------------------------------------------

@@ -256,7 +256,9 @@ TEST_F(GalleryFrame, TheListHandlesItsKeysAndShowsItsSelectedRowAtEverySize) {
   for (const SIZE size : {SIZE{1600, 1000}, SIZE{760, 576}}) {
     Size(size.cx, size.cy);
     Pump();
-    EXPECT_EQ(9999999u, kv::ListRowAt(list, {0, kv::ClientSize(list).cy * 9 / 10})) << size.cx;
+    int y = 0;
+    while (y < kv::ClientSize(list).cy && kv::ListRowAt(list, {0, y}) != 9999999) ++y;
+    EXPECT_LT(y, kv::ClientSize(list).cy) << size.cx;
   }
 }
 
