@@ -43,8 +43,11 @@ void ShowNewest(View& view) {
   if (store.IsEmpty()) return;
   view.playback.begin = store.Seconds(store.First());
   view.playback.end = view.playback.position = store.Seconds(store.End() - 1);
+  ShowField(view);
+  // The charts cost more, and twice as many images a second would not be seen.
+  view.isFieldsTurn = !view.isFieldsTurn;
+  if (view.isFieldsTurn && !isFirst) return;
   if (isFirst || !AppendNewRecords(view.window, store, &view.feed)) RefillCharts(view);
-  ShowTime(view);
 }
 
 std::wstring ProposedRecording(const View& view) {
@@ -107,6 +110,7 @@ void TickLive(View& view) {
   if (view.isHeld || now < view.timelineDue) return;
   view.timelineDue = now + kTimelineSeconds;
   ShowTimelineRange(view);
+  ShowTime(view);
   if (!view.isMarked) RequestStatistics(view);
 }
 

@@ -40,26 +40,6 @@ kv::StripStretch WholeOf(const View& view) {
   return {view.playback.begin, view.playback.end};
 }
 
-void ShowField(const View& view) {
-  FieldContent content{};
-  std::vector<StoredRecord> records;
-  const RecordStore* store = RecordsOf(view);
-  const double time = ShownTime(view);
-  const long long last = store ? store->At(time) : -1;
-  if (last >= 0) {
-    long long first = view.trailSeconds > 0 ? store->Find(time - view.trailSeconds) : last;
-    first = std::max({std::min(first, last), last - kMaxTrailRecords, store->First()});
-    records.resize(static_cast<size_t>(last - first + 1));
-    store->Read(first, records);
-  }
-  content.count = static_cast<DWORD>(records.size());
-  content.records = records.data();
-  // When no more records arrive, the trails fade out.
-  content.now = IsFollowing(view) ? view.status.now : time;
-  content.trailSeconds = view.trailSeconds;
-  Send(view, IDC_FIELD, kFieldShow, &content);
-}
-
 // In the charts of a live port, the pointer only reads values.
 void ShowCursors(const View& view) {
   if (IsFollowing(view)) return;
@@ -96,6 +76,26 @@ void FollowCharts(const View& view) {
 }  // namespace
 
 // ---- The time -------------------------------------------------------------------------------------------------------
+
+void ShowField(const View& view) {
+  FieldContent content{};
+  std::vector<StoredRecord> records;
+  const RecordStore* store = RecordsOf(view);
+  const double time = ShownTime(view);
+  const long long last = store ? store->At(time) : -1;
+  if (last >= 0) {
+    long long first = view.trailSeconds > 0 ? store->Find(time - view.trailSeconds) : last;
+    first = std::max({std::min(first, last), last - kMaxTrailRecords, store->First()});
+    records.resize(static_cast<size_t>(last - first + 1));
+    store->Read(first, records);
+  }
+  content.count = static_cast<DWORD>(records.size());
+  content.records = records.data();
+  // When no more records arrive, the trails fade out.
+  content.now = IsFollowing(view) ? view.status.now : time;
+  content.trailSeconds = view.trailSeconds;
+  Send(view, IDC_FIELD, kFieldShow, &content);
+}
 
 void ShowTime(View& view) {
   ShowField(view);

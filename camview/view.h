@@ -35,6 +35,7 @@ struct View {
   IntakeBatch batch;
   LiveStatus status;
   bool isHeld = false;
+  bool isFieldsTurn = false;  // in this tick only the camera field is drawn
 
   // Background work
   RecordingLoader loader;
@@ -79,8 +80,9 @@ inline double ShownTime(const View& view) {
 
 // ---- time_view.cpp: the current time and the marked stretch --------------------------------------------------
 
-// Shows the time in all parts.
+// Shows the current time in all parts; ShowField: in the camera field only.
 void ShowTime(View& view);
+void ShowField(const View& view);
 // Moves to a time and scrolls the charts to it; holds a live port.
 void SeekTo(View& view, double time);
 // Scrolls the charts to the time of playback.

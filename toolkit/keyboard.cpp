@@ -86,6 +86,7 @@ bool KeepsKey(HWND control, WPARAM key) {
 }  // namespace
 
 bool TakeAccelerator(HWND dialog, MSG* message) {
+  if (message->message < WM_KEYFIRST || message->message > WM_KEYLAST) return false;
   const std::shared_ptr<DialogState> state = DialogStateOf(dialog);
   if (!state || !state->accelerators || !IsWindowEnabled(dialog)) return false;
   if (message->message == WM_KEYDOWN && KeepsKey(message->hwnd, message->wParam)) return false;

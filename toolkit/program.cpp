@@ -22,6 +22,7 @@ constexpr int kNotOpened = -1;
 
 // The toolkit's dialogs receive Unicode characters; the table's dispatch is 8-bit.
 bool TakenByDialog(MSG* message) {
+  if (message->message == WM_TIMER || message->message == WM_PAINT) return false;
   HWND root = GetAncestor(message->hwnd, GA_ROOT);
   if (DialogStateOf(root)) {
     return TakeAccelerator(root, message) || TakeKey(root, message) || IsDialogMessageW(root, message);

@@ -51,6 +51,12 @@ INT_PTR CallDialogProcedure(HWND dialog, const DialogState& state, UINT message,
   return state.options.procedure ? state.options.procedure(dialog, message, wParam, lParam) : FALSE;
 }
 
+// The dialog that was asked for last, which most messages are for: looking up its property is a call into the system.
+struct LastDialog {
+  HWND window;
+  const SharedDialogState* state;
+} lastDialog{};
+
 // Windows of the dialog class are ANSI windows, which replace characters outside the code page by question marks:
 // caption messages bypass the class.
 LRESULT CALLBACK WideCaptionProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -63,7 +69,10 @@ LRESULT CALLBACK WideCaptionProcedure(HWND dialog, UINT message, WPARAM wParam, 
     default: break;
   }
   const LRESULT result = CallWindowProcW(state->classProcedure, dialog, message, wParam, lParam);
-  if (message == WM_NCDESTROY) delete static_cast<SharedDialogState*>(RemovePropW(dialog, kStateProperty));
+  if (message == WM_NCDESTROY) {
+    if (lastDialog.window == dialog) lastDialog = {};
+    delete static_cast<SharedDialogState*>(RemovePropW(dialog, kStateProperty));
+  }
   return result;
 }
 
@@ -379,8 +388,11 @@ DialogState::~DialogState() {
 }
 
 std::shared_ptr<DialogState> DialogStateOf(HWND dialog) {
+  if (dialog && dialog == lastDialog.window) return *lastDialog.state;
   const auto* holder = static_cast<const SharedDialogState*>(GetPropW(dialog, kStateProperty));
-  return holder ? *holder : nullptr;
+  if (!holder) return nullptr;
+  lastDialog = {dialog, holder};
+  return *holder;
 }
 
 bool IsOfClass(HWND window, const wchar_t* name) {
