@@ -44,7 +44,7 @@ std::wstring PageNames() {
 std::wstring LanguageCodes() {
   std::wstring codes;
   for (int i = 0; i < kv::kLanguageCount; ++i) {
-    // Of two languages with one code the first is taken.
+    // The first of two languages with the same code.
     const wchar_t* own = kv::kLanguages[i].code;
     if (!*own || kv::LanguageOfCode(own) != i) continue;
     codes += own;

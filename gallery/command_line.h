@@ -1,4 +1,4 @@
-// What the command line asks for, and answers to it.
+// Parses the command line.
 #pragma once
 
 #include <windows.h>
@@ -10,16 +10,16 @@
 namespace gallery {
 
 struct StartOptions {
-  int page = -1;                       // -1: the one that was shown last
-  int language = kv::kStoredLanguage;  // or one of the table
+  int page = -1;                       // -1: the page shown last
+  int language = kv::kStoredLanguage;  // or an index of the language table
   bool walk = false, help = false;
-  std::wstring rejected;  // the first option or value that there is not; empty when all is well
+  std::wstring rejected;  // the first unknown option or value; empty if there is none
 };
 
 StartOptions ParseCommandLine(int argc, const wchar_t* const* argv);
 
-// All names that --page and --language take, separated by blanks; behind a language's own code that of ISO 639 where it
-// differs ("GE/de").
+// Return the names that --page and --language accept, separated by blanks. A language's code is followed by that of ISO
+// 639 where it differs ("GE/de").
 std::wstring PageNames();
 std::wstring LanguageCodes();
 

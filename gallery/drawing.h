@@ -1,4 +1,4 @@
-// How the gallery writes in its frame and on its pages. Main thread only.
+// Text in the gallery's frame and pages. Main thread only.
 #pragma once
 
 #include <windows.h>
@@ -13,14 +13,14 @@ struct TextStyle {
   COLORREF color;
 };
 
-// One line of text, vertically centred; what does not fit ends in an ellipsis. The background stays as it is.
+// Draws a line of text, vertically centred; text that does not fit ends in an ellipsis. The background is not painted.
 void DrawLine(HDC dc, const std::wstring& text, RECT area, const TextStyle& style);
 
-// The same in as many lines as fit into the area, from its top.
+// Draws text in as many lines as fit into the area, from its top.
 void DrawLines(HDC dc, const std::wstring& text, RECT area, const TextStyle& style);
 
-// Fills the row of an owner-drawn list box in the system's colours, with a mark of the focus; returns the colour for
-// its text.
+// Fills the row of an owner-drawn list box in the system's colours, with a focus mark, and returns the colour for its
+// text.
 COLORREF DrawRowBackground(const DRAWITEMSTRUCT& item);
 
 }  // namespace gallery

@@ -26,7 +26,7 @@ namespace gallery {
 
 namespace {
 
-constexpr char kLastPageName[] = "Gallery.LastPage";  // by its place in the list
+constexpr char kLastPageName[] = "Gallery.LastPage";  // index in the list
 constexpr UINT_PTR kWalkTimer = 1;
 constexpr UINT kSettleMs = 1500;
 
@@ -97,7 +97,7 @@ INT_PTR OnDestroy() {
 
 INT_PTR OnLanguageChanged(HWND frame) {
   SetWindowTextW(frame, kv::ResourceText(IDS_GALLERY_CAPTION).c_str());
-  SetWindowTextW(ListOf(frame), kv::ResourceText(IDS_LIST_TIP).c_str());  // its name, for a screen reader
+  SetWindowTextW(ListOf(frame), kv::ResourceText(IDS_LIST_TIP).c_str());  // its name for screen readers
   return TRUE;
 }
 
@@ -108,7 +108,7 @@ void WaitForLine() {
   }
 }
 
-// The page has settled: tells its name, and goes on when there is an answer.
+// The page is complete: prints its name and continues after a line of input.
 INT_PTR OnTimer(HWND frame) {
   KillTimer(frame, kWalkTimer);
   const char* name = AllPages()[selectedPage].name;
@@ -128,7 +128,7 @@ INT_PTR OnHelp(HWND frame) {
                       reinterpret_cast<DWORD_PTR>(topic.c_str()));
 }
 
-// From the last page to the first, and back.
+// Wraps around at both ends.
 INT_PTR StepPage(HWND frame, int step) {
   const int count = static_cast<int>(AllPages().size());
   SelectPage(frame, (selectedPage + step + count) % count);
@@ -183,7 +183,7 @@ kv::ScaledDialog FrameDialog(const StartOptions& options) {
       .menu = L"MENU_GALLERY",
       .languageMenu = {IDM_GALLERY_LANGUAGE_MENU, IDM_LANGUAGE_FIRST, IDB_LANGUAGE_FIRST},
       .accelerators = L"KEYS_GALLERY",
-      // Its own controls are placed by OnSize.
+      // OnSize places its own controls.
       .firstId = IDC_PAGE_FIRST,
       .languages = kFileStem,
       .language = options.language,

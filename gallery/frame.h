@@ -1,5 +1,5 @@
-// The gallery's frame: a list of the pages at the left, the selected page at the right, its title and description above
-// it. Main thread only.
+// The gallery's frame: a list of pages at the left, the selected page at the right, its title and description above.
+// Main thread only.
 #pragma once
 
 #include <windows.h>
@@ -9,22 +9,22 @@
 
 namespace gallery {
 
-inline constexpr wchar_t kFileStem[] = L"kvgallery";  // of its language libraries and help files
+inline constexpr wchar_t kFileStem[] = L"kvgallery";  // of the language libraries and help files
 
-// The frame that begins as the options say, which must live as long as it does. It remembers its place, whether it was
-// maximised, and its page.
+// Returns the frame for these options, which must outlive it. It stores its position, whether it was maximised, and its
+// page.
 kv::ScaledDialog FrameDialog(const StartOptions& options);
 
-// Shows a page. When the focus was in the one before, it goes into this one.
+// Shows a page. If the previous page had the focus, the new one gets it.
 void SelectPage(HWND frame, int index);
 
-// What the frame consists of. Everything in pixels, in proportion to the window.
+// Positions of the frame's parts in pixels, in proportion to the window.
 struct FrameLayout {
   int listWidth, rowHeight, headerHeight, titleHeight, margin, titlePx, textPx;
 };
 FrameLayout LayoutFor(SIZE client);
 
-// The header: title and description of a page; with a negative page, the background alone.
+// Draws the header, title and description of a page; with a negative page, only the background.
 void DrawHeader(HDC dc, const RECT& header, const FrameLayout& layout, int page);
 
 }  // namespace gallery

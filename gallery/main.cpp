@@ -1,14 +1,14 @@
 // kvgallery: shows every control and service of the library, page by page.
 //
-//   kvgallery                   begins with the page and in the language that were shown last
-//   kvgallery --page NAME       begins with that page
-//   kvgallery --language CODE   begins in that language (GE or de), and keeps it
-//   kvgallery --help            tells the names and codes: on standard output, or in a box where there is none
-//   kvgallery --walk            shows each page in turn: prints its name to standard output once it has settled, waits
-//                               for a line on standard input, goes on; ends after the last. For scripts that take
-//                               pictures.
+//   kvgallery                   starts with the page and the language used last
+//   kvgallery --page NAME       starts with that page
+//   kvgallery --language CODE   starts in that language (GE or de), and stores it
+//   kvgallery --help            prints the names and codes to standard output, or in a box if there is none
+//   kvgallery --walk            shows each page in turn: prints its name to standard output when it is complete, waits
+//                               for a line on standard input, and continues; ends after the last. For scripts that take
+//                               screenshots.
 //
-// An option or a value that there is not is refused with the help on standard error (or in a box), and the exit code 2.
+// An unknown option or value prints an error and the help to standard error (or a box); the exit code is 2.
 #include <windows.h>
 
 #include <shellapi.h>
@@ -43,7 +43,7 @@ int ShowHelp(HINSTANCE instance, const gallery::StartOptions& options) {
   return rejected.empty() ? 0 : kExitRejected;
 }
 
-// From the tool the gallery shows the chart and nothing else.
+// The gallery uses only the chart of the tool.
 int ShowFrame(HINSTANCE instance, const gallery::StartOptions& options) {
   kv::RegisterChartClass(instance, TRUE);
   gallery::RegisterMeshViewClass(instance, TRUE);

@@ -13,7 +13,7 @@ namespace gallery {
 
 namespace {
 
-// The page of dialog services has tips; what they say is in the order of IDS_SERVICES_TIP.
+// Tooltips of the dialog services page, in the order of IDS_SERVICES_TIP.
 const kv::TooltipEntry kServicesTips[] = {
     {IDC_SERVICES_BUTTON, MAKEINTRESOURCEW(IDS_SERVICES_TIP)},
     {IDC_SERVICES_EDIT, MAKEINTRESOURCEW(IDS_SERVICES_TIP + 1)},

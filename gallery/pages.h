@@ -1,7 +1,7 @@
-// The gallery's pages: dialogs of the toolkit (toolkit/pages.h), each with a template and a dialog procedure of its own
-// in gallery/pages/NAME_page.cpp and NAME_page.rc. Controls have ids in the page's range (resource_ids.h), and are
-// about 400 x 290 dialog units together. A page is made when it is first shown; while it is not shown it may rest. Main
-// thread only.
+// The gallery's pages: dialogs of the toolkit (toolkit/pages.h), each with a template and a dialog procedure in
+// gallery/pages/NAME_page.cpp and NAME_page.rc. The ids of controls are in the page's range (resource_ids.h); a page is
+// about 400 x 290 dialog units. A page is created when it is first shown, and may pause while it is hidden. Main thread
+// only.
 #pragma once
 
 #include <windows.h>
@@ -16,17 +16,17 @@
 namespace gallery {
 
 struct Page {
-  const char* name;  // stable, for the command line and for file names of pictures
+  const char* name;  // stable; for the command line and file names of screenshots
   kv::ScaledDialog dialog;
 };
 
 // In the order of the list.
 std::span<const Page> AllPages();
 
-// The index of a page by name; -1 when there is none.
+// Returns the index of a page by name; -1 when there is none.
 int PageIndex(const wchar_t* name);
 
-// Text resource `id` with values put in, as FormatBounded does it; cut at 1,000 characters.
+// Returns text resource `id` with values inserted by FormatBounded, truncated to 1,000 characters.
 template <class... Values>
 std::wstring TextWith(UINT id, Values... values) {
   wchar_t text[1000];
@@ -34,55 +34,54 @@ std::wstring TextWith(UINT id, Values... values) {
   return text;
 }
 
-// Shows text resource `textId` in a control of a page.
+// Sets a control's text to text resource `textId`.
 void SetPageText(HWND page, int controlId, UINT textId);
 
-// The first page: what the gallery shows and how to use it.
+// The first page: an overview of the gallery and how to use it.
 INT_PTR CALLBACK OverviewPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
 
-// Proportional scaling, tool tips, trackbar ticks, scroll bar, the window store, the calendar.
+// Proportional scaling, tooltips, trackbar ticks, scroll bar, stored window positions, the calendar.
 INT_PTR CALLBACK DialogServicesPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
 
-// The tool's chart, with four points on courses of their own in place of a camera.
+// The tool's chart, with four simulated points.
 INT_PTR CALLBACK ChartPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
 
-// Pictures as they are, transparent, squared and chosen by name; clicks that fall through to the controls beneath; and
-// a log of what the page is told.
+// The bitmap control: unscaled, transparent, square and selected by name; clicks that are forwarded to the controls
+// beneath; and a log of notifications.
 INT_PTR CALLBACK BitmapPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
 
-// The display instruments: all layouts live on a simulated flight, their states, and how small they may be.
+// The display instruments: all modes with a simulated flight, their states, and their minimum sizes.
 INT_PTR CALLBACK InstrumentsPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
 
 // A flight deck: horizon, compass and gauges, and a strip chart of the same simulated flight.
 INT_PTR CALLBACK FlightDeckPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
 
-// Ten million camera records that nobody stores, in columns wider than the window, drawn by the page as they come into
-// view.
+// The extended list: ten million camera records that are not stored, in columns wider than the window, drawn when they
+// become visible.
 INT_PTR CALLBACK ListPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
 
-// The mesh page: a multirotor drawn from the mesh model, turned by a timer and by the mouse.
+// The mesh model: a multirotor, rotated by a timer and by the mouse.
 INT_PTR CALLBACK MeshPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
 
-// The capture page: the picture of the first capture device that answers, live and recorded to a file, or the plain
-// word that none did.
+// Video capture: live frames of the first working capture device, recorded to a file, or a message that there is none.
 INT_PTR CALLBACK CapturePageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
 
-// The flight export: a sample flight, handed to a flight track view and exported as KML and as waypoints.
+// Flight export: a sample flight in a flight track view, exported as KML and as waypoints.
 INT_PTR CALLBACK FlightPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
 
-// A simulated boat's position as NMEA text in a terminal, and the maker's web pages.
+// NMEA: a simulated boat's position as text in a terminal, and the maker's web pages.
 INT_PTR CALLBACK NmeaPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
 
-// The link to the spreadsheet program with its state, and a conversation with a DDE server of the user's choice.
+// DDE: the link to the spreadsheet program with its state, and a conversation with any DDE server.
 INT_PTR CALLBACK DdePageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
 
-// The page of languages with their files, choosing one, and trying out which words mean yes.
+// Languages: their files, switching the language, and words that mean yes.
 INT_PTR CALLBACK LanguagePageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
 
-// The page of notes that are opened and saved through the file dialogs.
+// File dialogs: notes that are opened and saved.
 INT_PTR CALLBACK FilesPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
 
-// The page of the notification icon and notices about USB devices.
+// The notification icon, and notifications about USB devices.
 INT_PTR CALLBACK NoticesPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
 
 }  // namespace gallery

@@ -1,5 +1,5 @@
-// Numbers that the gallery's code and resource scripts share. The resource compiler reads this file: plain #defines
-// only.
+// Numbers shared by the gallery's code and resource scripts. The resource compiler reads this file, so it contains only
+// #defines.
 #pragma once
 
 #include "resource.h"
@@ -126,7 +126,7 @@
 #define IDS_CHART_POSITION (IDS_PAGE_FIRST + 203)
 
 // Bitmap control
-#define IDC_BITMAP_PLAIN (IDC_PAGE_FIRST + 300)  // and the pictures after it
+#define IDC_BITMAP_PLAIN (IDC_PAGE_FIRST + 300)  // and the bitmap controls after it
 #define IDC_BITMAP_TRANSPARENT (IDC_PAGE_FIRST + 301)
 #define IDC_BITMAP_SQUARE (IDC_PAGE_FIRST + 302)
 #define IDC_BITMAP_CHOSEN (IDC_PAGE_FIRST + 303)
@@ -156,7 +156,7 @@
 #define IDC_INSTRUMENTS_ENABLED (IDC_PAGE_FIRST + 482)
 #define IDC_INSTRUMENTS_HINT (IDC_PAGE_FIRST + 483)
 
-// The instruments' names; as UTF-8 they have room for 31 bytes.
+// The instruments' names; at most 31 bytes in UTF-8.
 #define IDS_INSTRUMENTS_NAME (IDS_PAGE_FIRST + 400)
 #define IDS_INSTRUMENTS_COPIED (IDS_PAGE_FIRST + 420)
 

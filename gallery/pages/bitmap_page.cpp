@@ -18,7 +18,7 @@ namespace {
 
 constexpr int kLoggedLines = 200;
 
-// Three ways to write one number, a name, and a name that no resource has.
+// A number in three notations, a name, and a name without a resource.
 constexpr const wchar_t* kNames[] = {L"301", L"0x12D", L"0455", L"BACKDROP", L"MISSING"};
 
 void Log(HWND page, const wchar_t* line) {
@@ -78,18 +78,17 @@ void OnInit(HWND page) {
   SendDlgItemMessageW(page, IDC_BITMAP_NAME, CB_SETCURSEL, 0, 0);
 }
 
-// A picture's label without its key; its number stays, which the log names.
+// A bitmap's label without its access key; the log uses it.
 std::wstring LabelText(HWND page, int bitmap) {
   wchar_t text[128] = L"";
   GetDlgItemTextW(page, IDC_BITMAP_LABEL + bitmap, text, ARRAYSIZE(text));
   std::wstring name = text;
-  if (const size_t key = name.find(L"(&"); key != name.npos)
-    name.erase(key, 4);  // scripts that have it behind the text
+  if (const size_t key = name.find(L"(&"); key != name.npos) name.erase(key, 4);  // scripts that put it after the text
   std::erase(name, L'&');
   return name;
 }
 
-// The template's texts are the pictures' names too; the chosen one is chosen anew.
+// The template's texts are also the names of the bitmaps; the selected name is set again.
 void OnTextsChanged(HWND page) {
   ShowChosen(page);
   kv::SetEmptyText(page, IDC_BITMAP_LOG, kv::ResourceText(IDS_BITMAP_EMPTY));

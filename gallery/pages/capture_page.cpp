@@ -25,16 +25,16 @@ constexpr UINT_PTR kFrameTimer = 1;
 constexpr UINT kFrameMs = 66;
 constexpr COLORREF kScreenTop = RGB(0x14, 0x18, 0x22), kScreenBottom = RGB(0x26, 0x2E, 0x3E);
 
-// The link lives while the page is shown: a camera that nobody looks at belongs to others.
+// The link exists while the page is shown, so that other programs can use the camera otherwise.
 kv::VideoLink* link = nullptr;
 
 struct {
   std::string path;
-  UINT textId;  // what the page says of it; 0 when nothing has been recorded
+  UINT textId;  // text of the page; 0 when nothing has been recorded
   bool runs;
 } recording;
 
-// The largest area of the picture's proportions in the middle of `area`.
+// Returns the largest area with this aspect ratio in the middle of `area`.
 RECT FittingArea(const RECT& area, int fittedWidth, int fittedHeight) {
   const int width = area.right - area.left, height = area.bottom - area.top;
   const int fitWidth = std::min(width, MulDiv(height, fittedWidth, fittedHeight));
@@ -60,7 +60,7 @@ void DrawScreen(HDC dc, RECT area) {
   }
 }
 
-// Drawn aside and shown at once, so that nothing flickers between two pictures.
+// Double-buffered against flicker.
 INT_PTR OnDrawItem(const DRAWITEMSTRUCT* item) {
   const RECT& area = item->rcItem;
   const kv::OwnedBitmap bitmap(CreateCompatibleBitmap(item->hDC, area.right, area.bottom));
@@ -79,7 +79,7 @@ bool IsCapturing() {
          status.fCapturingNow;
 }
 
-// The capture interface takes 8-bit names: a folder that has none is named in its short form.
+// The capture interface requires 8-bit names; a folder that has none is given by its short name.
 std::string NarrowPath(const std::wstring& folder) {
   wchar_t plain[kv::kPathCharacters] = L"";
   GetShortPathNameW(folder.c_str(), plain, kv::kPathCharacters);
@@ -92,7 +92,7 @@ std::string NarrowPath(const std::wstring& folder) {
   return {};
 }
 
-// A new name among the user's videos, or in the folder for temporary files.
+// A new file in the user's folder for videos, or for temporary files.
 std::string NewRecordingPath() {
   wchar_t folder[kv::kPathCharacters] = L"";
   std::string narrow;
@@ -137,7 +137,7 @@ void ShowState(HWND page) {
     SetDlgItemTextW(page, IDC_CAPTURE_STATE, text.c_str());
   }
   SetPageText(page, IDC_CAPTURE_RECORD, recording.runs ? IDS_CAPTURE_STOP : IDS_CAPTURE_RECORD);
-  // What becomes usable comes first: the focus may have to go there.
+  // Enable before disabling, because the focus may have to move there.
   const int usable = link ? IDC_CAPTURE_RECORD : IDC_CAPTURE_SEARCH;
   kv::EnableControl(page, usable, true);
   kv::EnableControl(page, link ? IDC_CAPTURE_SEARCH : IDC_CAPTURE_RECORD, false);
@@ -150,7 +150,7 @@ void EndRecording(HWND page, UINT textId) {
   ShowState(page);
 }
 
-// A driver may record on a thread of its own and return at once, or return when it has recorded.
+// A driver may record on its own thread and return at once, or return when it has finished.
 void StartRecording(HWND page) {
   recording = {.path = NewRecordingPath(), .textId = IDS_CAPTURE_RECORDING, .runs = true};
   ShowState(page);
@@ -210,7 +210,7 @@ INT_PTR OnCommand(HWND page, UINT command) {
 
 void OnTextsChanged(HWND page) {
   SetPageText(page, IDC_CAPTURE_SEARCH, IDS_CAPTURE_SEARCH);
-  SetPageText(page, IDC_CAPTURE_SCREEN, IDS_TITLE_FIRST + PAGE_INDEX_CAPTURE);  // its name, for a screen reader
+  SetPageText(page, IDC_CAPTURE_SCREEN, IDS_TITLE_FIRST + PAGE_INDEX_CAPTURE);  // its name for screen readers
   ShowState(page);
 }
 

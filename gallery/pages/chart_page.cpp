@@ -17,13 +17,13 @@ namespace gallery {
 namespace {
 
 constexpr UINT kTimer = 1;
-constexpr UINT kTickMs = 50;  // as often as the tool shows what its camera saw
+constexpr UINT kTickMs = 50;  // as in the tool
 constexpr DWORD kAllPoints = 15;
 
-// The courses' own clock, which stands still while paused.
+// The clock of the simulation, which stops while it is paused.
 double seconds;
 
-// Where a point is: each runs through a figure of its own that stays well within the field.
+// The position of a point: each follows a curve well within the field.
 kv::CameraPoint PointAt(int index, double time) {
   constexpr double kTurnsX[] = {0.5, 0.9, -0.7, 0.35}, kTurnsY[] = {0.5, 0.45, 1.05, -0.7};
   const double size = 110.0 + 75.0 * index;
@@ -40,7 +40,7 @@ void Exchange(HWND page, WPARAM flags, kv::FlowPoints* points) {
                       reinterpret_cast<LPARAM>(points));
 }
 
-// Shows what the chart itself says that it shows.
+// Shows the points that the chart returns.
 void ShowPositions(HWND page) {
   kv::FlowPoints shown{};
   Exchange(page, kv::kCommandRead, &shown);

@@ -21,13 +21,12 @@ constexpr UINT_PTR kEndTimer = 1;
 constexpr UINT kEndTimerMs = 500;
 constexpr UINT kEnded = WM_APP + 10;  // lParam: the conversation
 
-// The page's own instance and conversation. Not of ddeStartStop's making: that refuses a slot like this one.
+// The page's instance and conversation. Not created by ddeStartStop, which rejects a writable variable.
 HWND ddePage = nullptr;
 DWORD instance = 0;
 HCONV conversation = nullptr;
 
-// Of transactions the page only wants to know when the other side ends its conversation. It is told of that afterwards:
-// this may be called in the middle of a request.
+// Handles only the end of a conversation, and posts it, because this may be called during a request.
 HDDEDATA CALLBACK OnTransaction(UINT type, UINT, HCONV ended, HSZ, HSZ, HDDEDATA, ULONG_PTR, ULONG_PTR) {
   if (type == XTYP_DISCONNECT) PostMessageW(ddePage, kEnded, 0, reinterpret_cast<LPARAM>(ended));
   return nullptr;
@@ -50,7 +49,7 @@ void AppendToLog(HWND page, const wchar_t* text) {
   SendMessageW(log, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(text));
 }
 
-// A line of 8-bit text, as servers send it.
+// Appends a line of 8-bit text, as received from servers.
 void AppendLine(HWND page, const char* line) {
   std::wstring wide(lstrlenA(line), L'\0');
   const int length = static_cast<int>(wide.size());
@@ -80,7 +79,7 @@ void ShowState(HWND page) {
   ShowWord(page, IDC_DDE_INSTANCE, reinterpret_cast<void*>(link.ddeInstance));
   ShowWord(page, IDC_DDE_SYSTEM, link.systemConversation);
   ShowWord(page, IDC_DDE_WORKBOOK, link.workbookConversation);
-  // What becomes usable comes first: the focus may have to go there.
+  // Enable before disabling, because the focus may have to move there.
   const bool isConnected = conversation != nullptr;
   if (!isConnected) kv::EnableControl(page, IDC_DDE_CONNECT, true);
   for (int id : {IDC_DDE_DISCONNECT, IDC_DDE_REQUEST, IDC_DDE_POKE, IDC_DDE_EXECUTE})
@@ -108,7 +107,7 @@ void Disconnect(HWND page) {
 
 void Request(HWND page) {
   const std::string item = FieldText(page, IDC_DDE_ITEM);
-  char reply[kv::kDdeReplySize + 1] = "";  // the longest answer brings no terminator
+  char reply[kv::kDdeReplySize + 1] = "";  // the longest reply has no terminator
   const BOOL done = kv::ddeRequest(instance, conversation, item.c_str(), reply, kReplyTimeoutMs);
   Log(page, "ddeRequest \"%s\" = %d", item.c_str(), done);
   if (!reply[0]) return;
@@ -138,7 +137,7 @@ INT_PTR OnEnded(HWND page, HCONV ended) {
   return TRUE;
 }
 
-// Not every system tells of the end.
+// Not every system reports the end.
 INT_PTR OnTimer(HWND page) {
   CONVINFO info{};
   info.cb = sizeof(info);
@@ -159,7 +158,7 @@ void SetLink(HWND page, BOOL open) {
 
 INT_PTR OnInit(HWND page) {
   ddePage = page;
-  // The desktop itself is a server that answers this.
+  // The desktop is a server for this service.
   SetDlgItemTextA(page, IDC_DDE_SERVICE, "Progman");
   SetDlgItemTextA(page, IDC_DDE_TOPIC, "Progman");
   SetDlgItemTextA(page, IDC_DDE_ITEM, "Groups");

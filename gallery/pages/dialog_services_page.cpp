@@ -68,7 +68,7 @@ void ShowScale(HWND page) {
 // ---- Trackbar and scroll bar ----------------------------------------------------------------------------------------
 
 void SetIntervals(HWND page, int intervals) {
-  // The largest position of a scroll bar lies a page before its end.
+  // The largest position of a scroll bar is a page before its maximum.
   kv::SetScrollBarControl(GetDlgItem(page, IDC_SERVICES_SCROLL), kMinIntervals, kMaxIntervals + kScrollPage - 1,
                           kScrollPage, intervals);
   kv::SetTrackbarTicks(GetDlgItem(page, IDC_SERVICES_TRACKBAR), 0, kTrackbarMax, intervals);
@@ -151,7 +151,7 @@ void ShowCalendar(HWND page) {
 
   SYSTEMTIME back{};
   kv::DayNumberToTime(number, &back);
-  // An hour is no round fraction of a day: rounded, it comes back whole.
+  // An hour is not a round fraction of a day: rounding restores it.
   kv::DayFractionToTime(number, &back);
   ShowTime(page, IDC_SERVICES_BACK, back);
   const std::wstring weekday = kv::ResourceText(IDS_SERVICES_SUNDAY + back.wDayOfWeek);
@@ -163,7 +163,7 @@ void ShowCalendar(HWND page) {
 
   SYSTEMTIME later{};
   kv::AddDays(&time, GetDlgItemInt(page, IDC_SERVICES_ADD, nullptr, FALSE), &later);
-  // Some counted days are no dates: the 32nd of a December, and a day before the first of January.
+  // Some counted days are not dates: December 32nd and January 0th.
   later.wDay = std::max<WORD>(later.wDay, 1);
   kv::NormalizeTime(&later);
   ShowTime(page, IDC_SERVICES_LATER, later);

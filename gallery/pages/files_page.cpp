@@ -16,7 +16,7 @@ namespace gallery {
 
 namespace {
 
-// What the dialogs propose: the file that was chosen last, at first one beside the program.
+// The file that the dialogs propose: the last one, or initially one in the program's folder.
 std::wstring proposedPath;
 
 bool MayWriteIn(const std::wstring& folder) {
@@ -24,7 +24,7 @@ bool MayWriteIn(const std::wstring& folder) {
   return GetTempFileNameW(folder.c_str(), L"kv", 0, name) && DeleteFileW(name);
 }
 
-// Beside the program, or among the user's documents where programs lie out of the user's reach.
+// In the program's folder, or in the user's documents if that folder is not writable.
 void ProposeFile() {
   wchar_t folder[kv::kPathCharacters] = L"";
   kv::ProgramDirectory(folder);

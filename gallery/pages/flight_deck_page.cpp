@@ -26,7 +26,7 @@ constexpr UINT kFlyMs = 50;
 constexpr double kShownSeconds = 60, kSampleSeconds = 0.05;
 constexpr COLORREF kGreen = RGB(0, 200, 80), kAmber = RGB(255, 190, 0), kRed = RGB(240, 48, 32);
 
-// A value of the flight: its instrument, its channel of the chart, and the number of its name.
+// A value of the flight with its instrument, its channel in the chart, and its name.
 struct Value {
   int control, nameText;
   const wchar_t* unit;
@@ -44,7 +44,7 @@ bool IsChecked(HWND page, int id) {
   return IsDlgButtonChecked(page, id) == BST_CHECKED;
 }
 
-// Appends what was flown since the last time, with a gap where there is no value.
+// Appends the samples since the last call, with a gap while there is no value.
 void Record(HWND page, double until, bool valid) {
   for (int channel = 0; channel < static_cast<int>(std::size(kValues)); ++channel) {
     std::vector<kv::StripSample> samples;
@@ -97,7 +97,7 @@ void SetStyle(HWND page, int id, DWORD bits) {
   SendDlgItemMessageA(page, IDC_DECK_CHART, kv::kControlCommand, code, reinterpret_cast<LPARAM>(&bits));
 }
 
-// The user may hold by the keyboard as well.
+// The user can also hold by the keyboard.
 void ShowHold(HWND page) {
   kv::StripView view{};
   SendDlgItemMessageA(page, IDC_DECK_CHART, kv::kControlCommand, kv::kStripViewItem | kv::kCommandRead,

@@ -36,15 +36,15 @@ constexpr COLORREF kPathColor = RGB(0x20, 0x68, 0xC8);
 constexpr int kTintPercent = 18;  // of the path's colour, below the altitude
 constexpr size_t kShownBytes = 8000;
 
-// The flight that the view holds. One page, one flight; it lives as long as the program.
+// The flight in the view. There is one page and one flight, which exists as long as the program.
 std::vector<kv::FlightTrackPoint> points;
 kv::FlightTrack track;
 int flightNumber = 0;
-std::wstring shownFile;  // that was written last; empty when there is none
+std::wstring shownFile;  // written last; empty if none
 
 // ---- The sample flight ----------------------------------------------------------------------------------------------
 
-// Two minutes of the gallery's flight, each time from a later moment on.
+// Two minutes of the simulated flight, each time from a later start.
 void Fly() {
   constexpr double kSeconds = 122, kStep = 0.5, kMetresPerSecondOfAKnot = 1852.0 / 3600, kMetresPerFoot = 0.3048;
   const double begin = flightNumber * 29.0;
@@ -103,7 +103,7 @@ std::wstring AltitudeText() {
                   kv::NumberText(highest.dAltitude).c_str());
 }
 
-// The flight path above, its start marked, and the altitude below.
+// Draws the flight path with its start, and the altitude below.
 void DrawFlight(kv::Canvas& canvas, RECT area, int textPx) {
   const COLORREF ground = GetSysColor(COLOR_WINDOW);
   const COLORREF ink = kv::IsHighContrast() ? GetSysColor(COLOR_WINDOWTEXT) : kPathColor;
@@ -164,7 +164,7 @@ HWND ViewOf(HWND page) {
   return GetDlgItem(page, IDC_FLIGHT_VIEW);
 }
 
-// Shows the beginning of a file and its name and size, or that there is none.
+// Shows the beginning of a file with its name and size, or that there is none.
 void ShowFile(HWND page, const wchar_t* path) {
   char bytes[kShownBytes];
   size_t count = 0;
@@ -257,7 +257,7 @@ INT_PTR OnDrawItem(HWND page, const DRAWITEMSTRUCT* item) {
 void ShowTexts(HWND page) {
   kv::SetEmptyText(page, IDC_FLIGHT_TEXT, kv::ResourceText(IDS_FLIGHT_EMPTY));
   InvalidateRect(GetDlgItem(page, IDC_FLIGHT_PLAN), nullptr, FALSE);
-  SetPageText(page, IDC_FLIGHT_PLAN, IDS_TITLE_FIRST + PAGE_INDEX_FLIGHT);  // its name, for a screen reader
+  SetPageText(page, IDC_FLIGHT_PLAN, IDS_TITLE_FIRST + PAGE_INDEX_FLIGHT);  // its name for screen readers
   SetPageText(page, IDC_FLIGHT_STATION,
               kv::isHelmsdeckRunning() ? IDS_FLIGHT_STATION_RUNS : IDS_FLIGHT_STATION_RUNS_NOT);
   if (GetWindowTextLengthW(GetDlgItem(page, IDC_FLIGHT_TEXT)) == 0) {

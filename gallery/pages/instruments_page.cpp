@@ -49,7 +49,7 @@ struct Instrument {
   Name name;
   kv::InstrumentRange range;
   COLORREF color;
-  double (*value)(double seconds);  // null where the control shows a time of its own or no value
+  double (*value)(double seconds);  // null for time and no value
   std::vector<kv::InstrumentZone> zones = {};
 };
 
@@ -88,7 +88,7 @@ const Instrument kInstruments[] = {
     {kSmall, {0, 100, L"%", 10}, kGreen, Power},
     {kSmall, {-20, 20, L"%", 0.1}, kRed, Climb},
 };
-constexpr int kFirstWithoutState = 14;  // from there on the state is the point, and stays
+constexpr int kFirstWithoutState = 14;  // the following show a state, which does not change
 
 bool IsChecked(HWND page, int id) {
   return IsDlgButtonChecked(page, id) == BST_CHECKED;
@@ -147,7 +147,7 @@ INT_PTR OnShown(HWND page, bool shown) {
   return ShowSample(page);
 }
 
-// The hint becomes a report.
+// Replaces the hint with the result.
 INT_PTR OnCopied(HWND page, int id, bool copied) {
   const std::wstring name = kv::ResourceText(IDS_INSTRUMENTS_NAME + kInstruments[id - IDC_INSTRUMENTS].name);
   const std::wstring text =

@@ -35,7 +35,7 @@ HWND TableOf(HWND page) {
   return GetDlgItem(page, IDC_LANGUAGE_TABLE);
 }
 
-// The name of the file that FindLanguageFile gives, another language's when that one stands in.
+// Returns the name of the file that FindLanguageFile finds, which may be another language's.
 std::wstring FileText(int language, const wchar_t* extension) {
   wchar_t path[kv::kPathCharacters];
   if (kv::FindLanguageFile(language, kFileStem, extension, path, FALSE) == kv::kLanguageFileNone) {
@@ -44,7 +44,7 @@ std::wstring FileText(int language, const wchar_t* extension) {
   return kv::FileNameOf(path);
 }
 
-// The rows' item data is the language's index: reserved places have no row.
+// The item data of a row is the language index; reserved indexes have no row.
 int LanguageOfRow(HWND table, int row) {
   LVITEMW item{};
   item.mask = LVIF_PARAM;
@@ -70,15 +70,14 @@ void SetCell(HWND table, int row, int column, const std::wstring& text) {
   SendMessageW(table, LVM_SETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item));
 }
 
-// The plain images of the language menu, one for each language, in proportion to the text.
+// The unchecked images of the language menu, scaled with the text.
 HIMAGELIST FlagImages(int textPx) {
   const int flagPx = textPx * 13 / 15, rowPx = flagPx + 4;
   const HIMAGELIST images = ImageList_Create(flagPx, rowPx, ILC_COLOR24 | ILC_MASK, kv::kLanguageCount, 0);
   const kv::WindowDc screen(nullptr);
   for (int i = 0; i < kv::kLanguageCount; ++i) {
     const kv::OwnedBitmap flag(LoadBitmapA(kv::modules.application, MAKEINTRESOURCEA(IDB_LANGUAGE_FIRST + i)));
-    // Images are as high as the rows, so each flag is drawn into the middle of a larger one, which stays clear around
-    // it.
+    // Images have the height of the rows, with the flag in the middle and transparency around it.
     const kv::OwnedBitmap image(CreateCompatibleBitmap(screen, flagPx, rowPx));
     const kv::MemoryDc dc(screen);
     {
@@ -162,7 +161,7 @@ INT_PTR OnInit(HWND page) {
   return TRUE;
 }
 
-// The table owns its images and deletes the last ones with itself.
+// The table owns its images and deletes the last ones itself.
 void ScaleFlags(HWND page) {
   const auto images = reinterpret_cast<LPARAM>(FlagImages(kv::TextHeightOf(page)));
   const LRESULT former = SendMessageW(TableOf(page), LVM_SETIMAGELIST, LVSIL_SMALL, images);

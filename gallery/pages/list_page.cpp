@@ -29,14 +29,13 @@ constexpr int kFirstCount = 3, kFirstHeight = 1;
 constexpr int kPointNumbers = 8;  // x and y of four points
 constexpr int kRecordMs = 11;     // from one record to the next at full line rate
 
-// Lengths of the design, in pixels, for texts of this height. The columns are together wider than most windows, so that
-// there is something to scroll sideways.
+// Design sizes in pixels for this text height. The columns are wider than most windows, to show horizontal scrolling.
 constexpr int kDesignTextPx = 14;
 constexpr int kHeights[] = {17, 24, 36};
 constexpr int kColumnWidths[] = {130, 120, 72, 72, 72, 72, 72, 72, 72, 72, 360};
 constexpr int kColumns = static_cast<int>(std::size(kColumnWidths));
 
-// Numbers stand at the right of their columns; the record's text, in characters of one width, at the left of its own.
+// Numbers are right-aligned; the record's text is left-aligned with a fixed-pitch font.
 const auto columns = [] {
   std::array<kv::ListColumn, kColumns> list;
   for (int i = 0; i < kColumns; ++i) {
@@ -47,7 +46,7 @@ const auto columns = [] {
   return list;
 }();
 
-// The page exists once.
+// There is one page.
 struct {
   UINT rowCount;
   int rowHeight;
@@ -114,8 +113,7 @@ HWND ListOf(HWND page) {
   return GetDlgItem(page, IDC_LIST_LIST);
 }
 
-// Shows the counts and heights that are chosen. The row that was the first stays so, and one that was selected in view
-// stays in view.
+// Applies the selected count and height. Keeps the first row and a visible selected row in place.
 void Apply(HWND page) {
   const LRESULT count = SendDlgItemMessageA(page, IDC_LIST_COUNT, CB_GETCURSEL, 0, 0);
   const LRESULT height = SendDlgItemMessageA(page, IDC_LIST_HEIGHT, CB_GETCURSEL, 0, 0);
@@ -133,7 +131,7 @@ void Apply(HWND page) {
   if (selected >= firstRow && selected <= lastRow) kv::SelectListRow(list, selected);
 }
 
-// What the list is called, and what its selected row says: that only this page knows.
+// Sets the list's accessible name with the contents of the selected row, which only this page knows.
 void NameList(HWND page) {
   std::wstring name = kv::ResourceText(IDS_TITLE_FIRST + PAGE_INDEX_LIST);
   const UINT row = kv::SelectedListRow(ListOf(page));
@@ -166,7 +164,7 @@ void OnCommand(HWND page, int controlId, UINT code) {
 
 // ---- Life -----------------------------------------------------------------------------------------------------------
 
-// Fills a combo box anew, with what was chosen in it.
+// Refills a combo box and restores its selection.
 template <class Numbers, class Value>
 void FillChoice(HWND page, int controlId, const Numbers& numbers, int firstChoice, Value value) {
   const HWND combo = GetDlgItem(page, controlId);

@@ -17,7 +17,7 @@ namespace {
 constexpr UINT_PTR kStatisticsTimer = 1;
 constexpr UINT kStatisticsMs = 1000;
 
-// When the statistics were shown last, and the frames drawn until then.
+// The time of the last statistics, and the number of frames until then.
 DWORD shownAt = 0;
 int shownFrames = 0;
 

@@ -30,7 +30,7 @@ constexpr int kOversampling = 2;
 constexpr double kTurnPerFrame = 0.3, kDegreesPerPixel = 0.5, kDegreesPerKey = 5;
 constexpr double kZoomPerStep = 1.1, kMinZoom = 0.4, kMaxZoom = 4;
 constexpr double kFirstTurn = 200, kFirstTilt = 28;
-// Model units that fill the window; its height takes in more when the craft is seen from above or below.
+// Model units that fill the window; the height is larger when the craft is seen from above or below.
 constexpr double kFittingWidth = 530, kFittingHeight = 260, kFittingHeightFromAbove = 500;
 constexpr DWORD kSkyTop = 0x0C1018, kSkyBottom = 0x26344A, kGlassTint = 0xB8D4FF;
 
@@ -45,13 +45,13 @@ struct MeshView {
 
 // ---- Drawing --------------------------------------------------------------------------------------------------------
 
-// Where the vertex stands after turning, before perspective.
+// The vertex after rotation, before perspective.
 Vector RotatedPosition(const kv::MeshVertex& vertex, double scale) {
   const double perspective = vertex.depthY / (scale * kv::kMeshEyeDistance) + 1;
   return {vertex.projectedX / perspective, vertex.depthY, vertex.projectedZ / perspective};
 }
 
-// Light from the upper left, behind the eye; a weak one from below keeps the shadows alive.
+// Light from the upper left, behind the viewer, and a weak one from below for the shadows.
 DWORD ShadedColor(DWORD attributes, const Vector& normal) {
   constexpr Vector kLight{-0.42, 0.60, 0.68}, kHalfWay{-0.235, 0.894, 0.380};
   const double light = 0.30 + 0.85 * std::max(0.0, Dot(normal, kLight)) + 0.12 * std::max(0.0, -normal.z);
@@ -78,9 +78,9 @@ void DrawFacet(const kv::MeshModel& model, const kv::MeshVertex* vertices, const
     FillTriangle(surface, corners, kGlassTint, level * 200 / 255);
     return;
   }
-  // The direction that it faces; y points at the eye.
+  // The normal; y points at the viewer.
   const Vector normal = Unit(Cross(places[1] - places[0], places[2] - places[0]));
-  // What faces away is not drawn, nor what has no area and therefore no direction.
+  // Triangles that face away or have no area are not drawn.
   if (normal.y > 0) FillTriangle(surface, corners, ShadedColor(triangle.attributes, normal), kOpaque);
 }
 
@@ -174,7 +174,7 @@ LRESULT Zoom(MeshView* view, double steps) {
   return 0;
 }
 
-// The near side follows the arrow. The timer shows it.
+// The near side follows the arrow. The timer repaints.
 LRESULT OnKey(MeshView* view, WPARAM key) {
   switch (key) {
     case VK_LEFT: Turn(view, kDegreesPerKey, 0); break;
@@ -195,7 +195,7 @@ LRESULT OnKey(MeshView* view, WPARAM key) {
   return 0;
 }
 
-// The near side follows the mouse. The timer shows it.
+// The near side follows the mouse. The timer repaints.
 LRESULT OnMouseMove(MeshView* view, POINT point) {
   if (!view->dragging) return 0;
   Turn(view, -(point.x - view->dragPoint.x) * kDegreesPerPixel, (point.y - view->dragPoint.y) * kDegreesPerPixel);

@@ -1,7 +1,6 @@
-// A window that shows the multirotor: projected and depth-sorted by the library's mesh model, flat-shaded, drawn into a
-// picture twice as large, shrunk and shown at once. It turns by itself; the mouse and the
-// arrow keys turn it too, the wheel and the keys + and - change its size, Home brings it back. Its window text is its
-// name for a screen reader. Main thread only.
+// A window that shows the multirotor: projected and depth-sorted by the library's mesh model, flat-shaded, rendered at
+// twice the size and scaled down. It rotates by a timer; the mouse and the arrow keys rotate it, the wheel and the keys
+// + and - zoom, Home resets it. Its window text is its name for screen readers. Main thread only.
 #pragma once
 
 #include <windows.h>
@@ -17,12 +16,12 @@ void RunMeshView(HWND view, BOOL run);
 
 struct MeshViewStatistics {
   int triangles;
-  int frames;         // drawn since the window was made
-  double frameMs;     // what the latest one took
+  int frames;         // drawn since the window was created
+  double frameMs;     // time of the last one
   double turn, tilt;  // degrees
-  double zoom;        // 1 when the craft fills the window
+  double zoom;        // 1: the craft fills the window
 };
-// 0 when the window is no such view.
+// Returns 0 when the window is not such a view.
 BOOL GetMeshViewStatistics(HWND view, MeshViewStatistics* statistics);
 
 }  // namespace gallery

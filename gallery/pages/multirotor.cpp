@@ -19,19 +19,19 @@ constexpr double kRotorRadius = 92;
 constexpr double kGroundLevel = -120;
 constexpr std::uint8_t kRingShade = 70, kLineShade = 46;
 constexpr Vector kUp{0, 0, 1};
-constexpr int kTurnSteps = 5;  // ring places a picture
+constexpr int kTurnSteps = 5;  // ring positions per frame
 
 constexpr std::uint32_t kHull = 0x46505E | kPartShiny, kCanopy = 0x24508C | kPartShiny;
 constexpr std::uint32_t kFrontArm = 0xF07820 | kPartShiny, kRearArm = 0x9AA4B2 | kPartShiny;
 constexpr std::uint32_t kMotor = 0x2C323A | kPartShiny, kSkid = 0x707A86, kLens = 0x101418 | kPartShiny;
 constexpr std::uint32_t kFrontLamp = 0xF4FFF0, kRearLamp = 0xFF3030;
 
-// Of length 1, level.
+// A horizontal unit vector.
 Vector Direction(double degrees) {
   return {std::cos(kv::Radians(degrees)), std::sin(kv::Radians(degrees)), 0};
 }
 
-// A locked model that is being filled. What does not fit is left out.
+// A locked model while it is filled. Parts that exceed its capacity are omitted.
 struct Builder {
   kv::MeshModel* model;
   kv::MeshVertex* vertices;
@@ -54,8 +54,8 @@ struct ProfilePoint {
   double radius, along;
 };
 
-// A body of revolution around the line from `base` in direction `axis` (of length 1), faces outward. Profiles that
-// begin and end with radius 0 are closed. Small triangles: the depth order is by triangle.
+// Adds a body of revolution around the line from `base` in direction `axis` (of length 1), facing outward. Profiles
+// that begin and end with radius 0 are closed. The triangles are small, because depth is sorted by triangle.
 void AddTurned(Builder* to, const Vector& base, const Vector& axis, std::span<const ProfilePoint> profile,
                std::uint32_t around, std::uint32_t attributes, std::uint8_t shade = 0, double stretchForward = 1) {
   const Vector side = Unit(Cross(axis, std::fabs(axis.z) < 0.9 ? Vector{0, 0, 1} : Vector{1, 0, 0}));
@@ -95,7 +95,7 @@ void AddTube(Builder* to, const Vector& from, const Vector& end, double radius, 
   AddTurned(to, from, Unit(end - from), profile, 10, attributes);
 }
 
-// A disc whose ring carries two bright blades, each with a tail that fades: shifting the shades makes it turn.
+// Adds a disc whose ring has two bright blades with fading tails: rotating the shades makes it spin.
 int AddRotor(Builder* to, const Vector& middle, bool backwards) {
   const std::uint32_t hub = AddVertex(to, middle);
   for (int i = 0; i < kRotorRing; ++i) {
@@ -138,7 +138,7 @@ Multirotor CreateMultirotor() {
   Multirotor craft{.mesh = kv::meshCreate(kVertexCapacity, kTriangleCapacity)};
   Builder builder{};
   if (!StartBuilding(craft.mesh, &builder)) return craft;
-  // Hull and canopy meet in a ring and do not cross: what crosses cannot be sorted by depth.
+  // Hull and canopy meet in a ring: intersecting triangles cannot be sorted by depth.
   constexpr ProfilePoint kHullProfile[] = {{0, -26}, {16, -25}, {32, -22}, {46, -15}, {55, -7},
                                            {58, 0},  {55, 8},   {49, 15},  {42, 19},  {36, 21}};
   constexpr ProfilePoint kCanopyProfile[] = {{36, 21}, {34, 26}, {30, 31}, {24, 35}, {16, 38}, {8, 39.5}, {0, 40}};
@@ -176,7 +176,7 @@ void TurnRotors(const Multirotor& craft) {
   Builder builder{};
   if (!StartBuilding(craft.mesh, &builder)) return;
   for (int i = 0; i < kRotors; ++i) {
-    // Backwards a ring goes one place at a time only.
+    // Backwards, a ring rotates by one position only.
     const bool backwards = i % 2;
     for (int times = backwards ? kTurnSteps : 1; times > 0; --times) {
       kv::meshRotateShades(builder.vertices, craft.hubs[i], kRotorRing, backwards ? -1 : kTurnSteps);

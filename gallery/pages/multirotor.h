@@ -1,5 +1,5 @@
-// The flying model of the mesh page, and the ground beneath it. Lengths in model units: the craft is about 480 across;
-// x to the right, y forward, z up, the craft's middle at the origin.
+// The model of the mesh page, and the ground below. Lengths in model units: the craft is about 480 wide; x to the
+// right, y forward, z up, with the craft's centre at the origin.
 #pragma once
 
 #include <windows.h>
@@ -31,12 +31,12 @@ inline Vector Cross(const Vector& a, const Vector& b) {
 inline double Length(const Vector& a) {
   return std::sqrt(Dot(a, a));
 }
-// No numbers for a vector without length.
+// Gives NaN for a vector of length 0.
 inline Vector Unit(const Vector& a) {
   return a * (1 / Length(a));
 }
 
-// What the mesh page makes of a triangle's attribute word: colour 0x00RRGGBB and these bits.
+// Attributes of a triangle: colour 0x00RRGGBB and these bits.
 inline constexpr std::uint32_t kPartGlass = 0x80000000;  // translucent, seen from both sides; shown in the shade of its
                                                          // second vertex
 inline constexpr std::uint32_t kPartShiny = 0x40000000;
@@ -45,15 +45,15 @@ inline constexpr int kRotors = 4;
 inline constexpr int kRotorRing = 72;
 
 struct Multirotor {
-  HGLOBAL mesh;                   // null when memory is short
-  std::array<int, kRotors> hubs;  // the vertex in the middle of each rotor; its ring follows
+  HGLOBAL mesh;                   // null when allocation failed
+  std::array<int, kRotors> hubs;  // the centre vertex of each rotor, followed by its ring
 };
 
-// Both belong to the caller (kv::meshDestroy).
+// The caller owns both (kv::meshDestroy).
 Multirotor CreateMultirotor();
 HGLOBAL CreateGround();
 
-// Turns all rotors a little further, neighbours against each other.
+// Advances all rotors, adjacent ones in opposite directions.
 void TurnRotors(const Multirotor& craft);
 
 }  // namespace gallery

@@ -23,10 +23,10 @@ constexpr UINT_PTR kTimer = 1;
 constexpr UINT kTimerMs = 500;
 constexpr int kMaxLines = 200;
 
-// The boat's clock: how many sentences it has sent.
+// The boat's clock: the number of sentences sent.
 int step = 0;
 
-// A boat on a round of two minutes near the Greenwich meridian, so that the longitude changes its letter.
+// A boat on a circle of two minutes at the Greenwich meridian, where the longitude changes its hemisphere.
 kv::GprmcFix FixAt(int sentence) {
   constexpr double kCenterLatitude = 50.7, kCenterLongitude = 0, kRadius = 0.04, kSentencesPerRound = 240;
   const double angle = 2 * kv::kPi * sentence / kSentencesPerRound;
@@ -40,7 +40,7 @@ void ShowValue(HWND page, int controlId, UINT textId, double value, int decimals
   SetDlgItemTextW(page, controlId, TextWith(textId, kv::NumberText(value, decimals).c_str()).c_str());
 }
 
-// The terminal's text grows with the page's, in a font that has every size.
+// The terminal's text scales with the page's, in a scalable font.
 void ScaleTerminal(HWND page) {
   constexpr int kTwipsPerInch = 1440, kCharacterPercent = 87;  // of the height of a line
   CHARFORMATA format{};
@@ -55,7 +55,7 @@ void ScaleTerminal(HWND page) {
   }
 }
 
-// Styling also clears the control and makes it writable.
+// Styling clears the control and makes it writable.
 INT_PTR ClearTerminal(HWND page) {
   const HWND terminal = GetDlgItem(page, IDC_NMEA_TERMINAL);
   kv::styleTerminalEdit(terminal);

@@ -44,7 +44,7 @@ void AddOrChange(HWND page, bool add) {
   GetDlgItemTextW(page, IDC_NOTICES_TIP, tip, ARRAYSIZE(tip));
   const BOOL shown = add ? kv::AddNotificationIcon(page, kIconId, GalleryIcon(), nullptr)
                          : kv::ChangeNotificationIcon(page, kIconId, GalleryIcon(), nullptr);
-  // In a step of its own: only this one takes letters of any script.
+  // Separate, because only this function accepts Unicode.
   const BOOL done = shown && kv::SetNotificationTip(page, kIconId, tip);
   ReportResult(page, done, add ? IDS_NOTICES_ADDED : IDS_NOTICES_CHANGED);
 }
@@ -59,8 +59,8 @@ void ToggleDevices(HWND page) {
   Report(page, kv::ResourceText(deviceNotifications ? IDS_NOTICES_DEVICES_ON : IDS_NOTICES_DEVICES_OFF));
 }
 
-// The name stands in the record as narrow or wide text, by the kind of the window; a device's name begins with two
-// backslashes, and only a wide one has a zero between them.
+// The name is 8-bit or wide text, depending on the window. A device name begins with two backslashes; a wide one has a
+// zero byte between them.
 std::wstring DeviceName(const DEV_BROADCAST_HDR* record) {
   constexpr size_t kNameAt = offsetof(DEV_BROADCAST_DEVICEINTERFACE_A, dbcc_name);
   if (IsBadReadPtr(record, sizeof(*record)) || record->dbch_devicetype != DBT_DEVTYP_DEVICEINTERFACE ||
@@ -87,7 +87,7 @@ INT_PTR OnDeviceChange(HWND page, WPARAM event, LPARAM record) {
 
 INT_PTR OnIconMessage(HWND page, UINT mouseMessage) {
   if (mouseMessage == WM_LBUTTONUP || mouseMessage == WM_RBUTTONUP) Report(page, kv::ResourceText(IDS_NOTICES_CLICKED));
-  // Taken in any case: the dialog manager has a message of the same number, which sets the default button.
+  // Processed in any case: the dialog manager uses a message with the same number to set the default button.
   return TRUE;
 }
 

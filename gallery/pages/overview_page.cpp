@@ -22,7 +22,7 @@ void FillIndex(HWND page) {
   SendMessageA(index, LB_SETCURSEL, 0, 0);
 }
 
-// A row: the page's title and, below it, its description.
+// Draws a row: the page's title and its description below.
 INT_PTR OnDrawItem(HWND page, const DRAWITEMSTRUCT* item) {
   const size_t index = item->itemData;
   if (item->CtlID != IDC_OVERVIEW_INDEX || index >= AllPages().size()) return FALSE;
@@ -38,7 +38,7 @@ INT_PTR OnDrawItem(HWND page, const DRAWITEMSTRUCT* item) {
   return TRUE;
 }
 
-// All rows share the list's height; where that is too little for two lines each, the list scrolls.
+// All rows share the list's height; if it is too small for two lines each, the list scrolls.
 INT_PTR OnSize(HWND page) {
   const HWND index = GetDlgItem(page, IDC_OVERVIEW_INDEX);
   const int share = kv::ClientSize(index).cy / static_cast<int>(AllPages().size() - 1);
@@ -48,7 +48,7 @@ INT_PTR OnSize(HWND page) {
 
 void OnTextsChanged(HWND page) {
   SetPageText(page, IDC_OVERVIEW_TEXT, IDS_OVERVIEW_TEXT);
-  SetPageText(page, IDC_OVERVIEW_INDEX, IDS_TITLE_FIRST + PAGE_INDEX_OVERVIEW);  // its name, for a screen reader
+  SetPageText(page, IDC_OVERVIEW_INDEX, IDS_TITLE_FIRST + PAGE_INDEX_OVERVIEW);  // its name for screen readers
 }
 
 INT_PTR OnCommand(HWND page, UINT command, UINT code) {

@@ -1,5 +1,4 @@
-// The flight that instruments, flight deck, flight track and mesh show: pure functions of the seconds since some
-// moment.
+// The simulated flight of the pages: pure functions of time in seconds.
 #pragma once
 
 #include <cmath>
@@ -27,7 +26,7 @@ inline double Climb(double t) {
 inline double Power(double t) {
   return 68 + 26 * Wave(t, 61, 0.2);
 }
-// Nose up while it climbs, a wing down while it turns.
+// Pitch and roll follow from climbing and turning.
 inline double Pitch(double t) {
   return 8 * Wave(t, 61, 0.25) + 0.7 * Wave(t, 3.7);
 }

@@ -10,7 +10,7 @@ namespace gallery {
 
 namespace {
 
-// Red and blue are calculated together, with eight free bits above each.
+// Red and blue are computed together, with eight free bits above each.
 constexpr DWORD kRedAndBlue = 0xFF00FF;
 
 DWORD Blend(DWORD below, DWORD above, DWORD opacity) {
@@ -20,12 +20,12 @@ DWORD Blend(DWORD below, DWORD above, DWORD opacity) {
   return (redAndBlue >> 8 & kRedAndBlue) | (green & 0xFF00);
 }
 
-// The first of `count` pixels whose centre is not before `position`.
+// Returns the first of `count` pixels whose centre is not before `position`.
 int FirstPixel(double position, int count) {
   return static_cast<int>(std::clamp(std::ceil(position - 0.5), 0.0, static_cast<double>(count)));
 }
 
-// Where the edge from `top` to `bottom` crosses a height.
+// Returns the x at which the edge from `top` to `bottom` crosses `y`.
 double Crossing(const kv::PointD& top, const kv::PointD& bottom, double y) {
   return bottom.y > top.y ? top.x + (bottom.x - top.x) * (y - top.y) / (bottom.y - top.y) : top.x;
 }

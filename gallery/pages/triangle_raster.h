@@ -1,5 +1,4 @@
-// Fills flat triangles into a picture and shrinks it, so that edges come out smooth. Colours are 0x00RRGGBB. Any
-// thread; no state.
+// Rasterises flat triangles, and scales a surface down for smooth edges. Colours are 0x00RRGGBB. Any thread; no state.
 #pragma once
 
 #include <windows.h>
@@ -10,14 +9,14 @@ namespace gallery {
 
 inline constexpr DWORD kOpaque = 256;
 
-// Every pixel whose centre lies within; triangles that share an edge leave no gap and cover nothing twice. What lies
-// outside the picture is cut off. `opacity` is 0..kOpaque.
+// Fills every pixel whose centre is within the triangle, so that adjacent triangles have no gaps or overlaps. Clipped
+// to the surface. `opacity` is 0..kOpaque.
 void FillTriangle(const kv::Surface& surface, const kv::PointD (&corners)[3], DWORD color, DWORD opacity);
 
-// Blends from `top` to `bottom` over the whole picture.
+// Fills the whole surface with a gradient from `top` to `bottom`.
 void FillVertically(const kv::Surface& surface, DWORD top, DWORD bottom);
 
-// Each pixel of `target` becomes the mean of four of `source`, which is twice as wide and twice as high.
+// Sets each pixel of `target` to the mean of four of `source`, which is twice as wide and high.
 void ShrinkByTwo(const kv::Surface& source, const kv::Surface& target);
 
 }  // namespace gallery
