@@ -66,11 +66,11 @@ DWORD ShadedColor(DWORD attributes, const Vector& normal) {
 
 void DrawFacet(const kv::MeshModel& model, const kv::MeshVertex* vertices, const kv::MeshTriangle& triangle,
                const kv::Surface& surface) {
-  Vector places[3];
+  Vector positions[3];
   kv::PointD corners[3];
   for (int i = 0; i < 3; ++i) {
     const kv::MeshVertex& vertex = vertices[triangle.vertices[i]];
-    places[i] = RotatedPosition(vertex, model.scale);
+    positions[i] = RotatedPosition(vertex, model.scale);
     corners[i] = {surface.size().cx / 2.0 + vertex.projectedX, surface.size().cy * 0.46 - vertex.projectedZ};
   }
   if (triangle.attributes & kPartGlass) {
@@ -79,7 +79,7 @@ void DrawFacet(const kv::MeshModel& model, const kv::MeshVertex* vertices, const
     return;
   }
   // The normal; y points at the viewer.
-  const Vector normal = Unit(Cross(places[1] - places[0], places[2] - places[0]));
+  const Vector normal = Unit(Cross(positions[1] - positions[0], positions[2] - positions[0]));
   // Triangles that face away or have no area are not drawn.
   if (normal.y > 0) FillTriangle(surface, corners, ShadedColor(triangle.attributes, normal), kOpaque);
 }
