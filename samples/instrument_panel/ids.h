@@ -1,4 +1,4 @@
-// Numbers of the panel's instruments, which are also those of their names in the string table, and of its menu.
+// Ids of the panel's instruments, which are also those of their names in the string table, and of its menu.
 #pragma once
 
 #define IDC_SPEED 101

@@ -1,5 +1,5 @@
-// Instrument panel: gauge, compass, bars and read-outs, fed by a timer, in English, German and Arabic. panel.rc places
-// the controls; the other languages' texts are libraries of their own, built from german.rc and arabic.rc.
+// Instrument panel: gauge, compass, bars and readouts, updated by a timer, in English, German and Arabic. panel.rc
+// contains the controls; the other languages are libraries built from german.rc and arabic.rc.
 #include <cmath>
 
 #include <kv/kv.h>
@@ -24,7 +24,7 @@ void NameInstruments(HWND panel) {
   for (int id = IDC_SPEED; id <= IDC_CLOCK; ++id) kv::SetInstrumentName(panel, id, kv::ResourceText(id).c_str());
 }
 
-// Made-up values; a real panel reads them from its device.
+// Simulated values; a real panel reads them from a device.
 void Feed(HWND panel) {
   const double seconds = GetTickCount() / 1000.0;
   kv::SetInstrumentValue(panel, IDC_SPEED, 140 + 80 * std::sin(seconds / 5), TRUE);
