@@ -8,7 +8,7 @@
 namespace gallery {
 
 struct TextStyle {
-  int height;  // of the font, as kv::MakeFont takes it
+  int height;  // of the font, as in kv::MakeFont
   int weight;
   COLORREF color;
 };

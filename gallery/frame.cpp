@@ -199,7 +199,7 @@ void SelectPage(HWND frame, int index) {
 }
 
 FrameLayout LayoutFor(SIZE client) {
-  constexpr double kDesignWidth = 752, kDesignHeight = 528;  // the client area of the smallest window
+  constexpr double kDesignWidth = 752, kDesignHeight = 528;  // client area of the minimum size
   const double scale = std::max(0.5, std::min(client.cx / kDesignWidth, client.cy / kDesignHeight));
   const auto scaled = [scale](int length) { return kv::ToInt(length * scale); };
   return {.listWidth = scaled(172),

@@ -1,4 +1,4 @@
-// kvgallery: shows every control and service of the library, page by page.
+// kvgallery: demonstrates every control and service of the library, one page each.
 //
 //   kvgallery                   starts with the page and the language used last
 //   kvgallery --page NAME       starts with that page

@@ -23,7 +23,7 @@ const kv::TooltipEntry kServicesTips[] = {
     {IDC_SERVICES_RETURN, MAKEINTRESOURCEW(IDS_SERVICES_TIP + 5)},
 };
 
-// In the order of PAGE_INDEX_... in resource_ids.h.
+// In the order of the PAGE_INDEX_ constants in resource_ids.h.
 const Page kPages[] = {
     {"overview", {.templateName = L"PAGE_OVERVIEW", .procedure = OverviewPageProcedure}},
     {"dialog-services",

@@ -53,7 +53,7 @@ INT_PTR CALLBACK BitmapPageProcedure(HWND page, UINT message, WPARAM wParam, LPA
 // The display instruments: all modes with a simulated flight, their states, and their minimum sizes.
 INT_PTR CALLBACK InstrumentsPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
 
-// A flight deck: horizon, compass and gauges, and a strip chart of the same simulated flight.
+// Horizon, compass, gauges and a strip chart of the same simulated flight.
 INT_PTR CALLBACK FlightDeckPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
 
 // The extended list: ten million camera records that are not stored, in columns wider than the window, drawn when they

@@ -19,7 +19,7 @@
 #define IDM_GALLERY_NEXT_PAGE 206
 #define IDM_GALLERY_PREVIOUS_PAGE 207
 
-// One for each of 24 languages; two bitmaps for each.
+// 24 languages with two bitmaps each.
 #define IDM_LANGUAGE_FIRST 300
 #define IDB_LANGUAGE_FIRST 400
 
@@ -30,7 +30,7 @@
 #define IDS_HELP_TEXT 5
 #define IDS_HELP_REJECTED 6
 
-// The pages, in the order of the list and of the table in pages.cpp.
+// The pages in the order of the list and of the table in pages.cpp.
 #define PAGE_INDEX_OVERVIEW 0
 #define PAGE_INDEX_DIALOG_SERVICES 1
 #define PAGE_INDEX_CHART 2
@@ -47,11 +47,11 @@
 #define PAGE_INDEX_FILES 13
 #define PAGE_INDEX_NOTICES 14
 
-// Texts: page n has its title at IDS_TITLE_FIRST + n and its description at IDS_DESCRIPTION_FIRST + n.
+// The title of page n is IDS_TITLE_FIRST + n, its description IDS_DESCRIPTION_FIRST + n.
 #define IDS_TITLE_FIRST 100
 #define IDS_DESCRIPTION_FIRST 200
 
-// A page's own texts and controls take a range of 100 each from IDS_PAGE_FIRST + 100 * n and IDC_PAGE_FIRST + 100 * n.
+// The strings and controls of page n have 100 ids each, from IDS_PAGE_FIRST + 100 * n and IDC_PAGE_FIRST + 100 * n.
 #define IDS_PAGE_FIRST 1000
 #define IDC_PAGE_FIRST 1000
 
@@ -81,13 +81,13 @@
 #define IDC_SERVICES_RETURN (IDC_PAGE_FIRST + 122)
 #define IDC_SERVICES_PLACE (IDC_PAGE_FIRST + 123)
 
-// The calendar's fields, each followed by its spin control.
+// The fields of the calendar; the spin control of each has the next id.
 #define IDC_SERVICES_YEAR (IDC_PAGE_FIRST + 130)
 #define IDC_SERVICES_MONTH (IDC_PAGE_FIRST + 132)
 #define IDC_SERVICES_DAY (IDC_PAGE_FIRST + 134)
 #define IDC_SERVICES_HOUR (IDC_PAGE_FIRST + 136)
 #define IDC_SERVICES_ADD (IDC_PAGE_FIRST + 138)
-// Its results.
+// The results of the calendar.
 #define IDC_SERVICES_NUMBER (IDC_PAGE_FIRST + 140)
 #define IDC_SERVICES_WEEKDAY (IDC_PAGE_FIRST + 141)
 #define IDC_SERVICES_WEEK (IDC_PAGE_FIRST + 142)
@@ -95,7 +95,7 @@
 #define IDC_SERVICES_NORMAL (IDC_PAGE_FIRST + 144)
 #define IDC_SERVICES_LATER (IDC_PAGE_FIRST + 145)
 
-// Labels, headings and lines, by place.
+// Labels; headings and the lines below them.
 #define IDC_SERVICES_LABEL (IDC_PAGE_FIRST + 150)
 #define IDC_SERVICES_HEADING (IDC_PAGE_FIRST + 170)
 #define IDS_SERVICES_SCALE (IDS_PAGE_FIRST + 100)
@@ -107,14 +107,14 @@
 #define IDS_SERVICES_NOT_NORMAL (IDS_PAGE_FIRST + 106)
 #define IDS_SERVICES_LEAP_YEAR (IDS_PAGE_FIRST + 107)
 #define IDS_SERVICES_TIME (IDS_PAGE_FIRST + 108)
-#define IDS_SERVICES_SAMPLE (IDS_PAGE_FIRST + 110)  // three of them
-#define IDS_SERVICES_TIP (IDS_PAGE_FIRST + 120)     // one for each control with a tip
-#define IDS_SERVICES_SUNDAY (IDS_PAGE_FIRST + 130)  // and the six days after it
+#define IDS_SERVICES_SAMPLE (IDS_PAGE_FIRST + 110)  // three
+#define IDS_SERVICES_TIP (IDS_PAGE_FIRST + 120)     // one for each tooltip
+#define IDS_SERVICES_SUNDAY (IDS_PAGE_FIRST + 130)  // and six more days
 
 // Optical flow chart
 #define IDC_CHART_VIEW (IDC_PAGE_FIRST + 200)
-#define IDC_CHART_POINT (IDC_PAGE_FIRST + 201)  // four of them
-#define IDC_CHART_PLACE (IDC_PAGE_FIRST + 205)  // four of them
+#define IDC_CHART_POINT (IDC_PAGE_FIRST + 201)  // four
+#define IDC_CHART_PLACE (IDC_PAGE_FIRST + 205)  // four
 #define IDC_CHART_PAUSE (IDC_PAGE_FIRST + 210)
 #define IDC_CHART_CLEAR (IDC_PAGE_FIRST + 211)
 #define IDC_CHART_COPY (IDC_PAGE_FIRST + 212)
@@ -146,11 +146,11 @@
 #define IDS_BITMAP_TYPED (IDS_PAGE_FIRST + 305)
 #define IDS_BITMAP_EMPTY (IDS_PAGE_FIRST + 306)
 
-// 301 is 0x12D and 0455, which the page shows.
+// The page also uses 0x12D and 0455, which are 301.
 #define IDB_EMBLEM 301
 
 // Display instruments
-#define IDC_INSTRUMENTS (IDC_PAGE_FIRST + 400)  // the instruments in the order of their table
+#define IDC_INSTRUMENTS (IDC_PAGE_FIRST + 400)  // in the order of the table in instruments_page.cpp
 #define IDC_INSTRUMENTS_GLIDE (IDC_PAGE_FIRST + 480)
 #define IDC_INSTRUMENTS_VALID (IDC_PAGE_FIRST + 481)
 #define IDC_INSTRUMENTS_ENABLED (IDC_PAGE_FIRST + 482)
@@ -226,7 +226,7 @@
 #define IDC_NMEA_CLEAR (IDC_PAGE_FIRST + 906)
 #define IDC_NMEA_HOME_PAGE (IDC_PAGE_FIRST + 907)
 #define IDC_NMEA_WAYPOINT_PAGE (IDC_PAGE_FIRST + 908)
-#define IDC_NMEA_LABEL (IDC_PAGE_FIRST + 910)  // five of them
+#define IDC_NMEA_LABEL (IDC_PAGE_FIRST + 910)  // five
 #define IDS_NMEA_DEGREES (IDS_PAGE_FIRST + 900)
 #define IDS_NMEA_KNOTS (IDS_PAGE_FIRST + 901)
 
@@ -287,7 +287,7 @@
 #define IDS_FILES_NOT_WRITTEN (IDS_PAGE_FIRST + 1207)
 #define IDS_FILES_EMPTY (IDS_PAGE_FIRST + 1208)
 
-// Notices
+// Notifications
 #define IDC_NOTICES_LABEL (IDC_PAGE_FIRST + 1300)
 #define IDC_NOTICES_TIP (IDC_PAGE_FIRST + 1301)
 #define IDC_NOTICES_ADD (IDC_PAGE_FIRST + 1302)

@@ -24,7 +24,7 @@ constexpr char kPositionName[] = "Gallery.Remembered";
 constexpr int kTrackbarMax = 100;
 constexpr int kMinIntervals = 1, kMaxIntervals = 20, kScrollPage = 4;
 
-// Shows text resource `textId`, a format, with its arguments.
+// Sets a control's text to string resource `textId`, formatted with the values.
 template <class... Arguments>
 void Show(HWND page, int controlId, UINT textId, Arguments... arguments) {
   SetDlgItemTextW(page, controlId, TextWith(textId, arguments...).c_str());

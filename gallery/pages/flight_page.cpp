@@ -33,7 +33,7 @@ namespace gallery {
 namespace {
 
 constexpr COLORREF kPathColor = RGB(0x20, 0x68, 0xC8);
-constexpr int kTintPercent = 18;  // of the path's colour, below the altitude
+constexpr int kTintPercent = 18;  // of the path's colour, in the area below the altitude curve
 constexpr size_t kShownBytes = 8000;
 
 // The flight in the view. There is one page and one flight, which exists as long as the program.
@@ -55,7 +55,7 @@ void Fly() {
     points.push_back(at);
     const double metres = Airspeed(t) * kMetresPerSecondOfAKnot * kStep, course = kv::Radians(Heading(t));
     at.dX += metres * std::sin(course);
-    at.dY -= metres * std::cos(course);  // southwards
+    at.dY -= metres * std::cos(course);  // y points south
   }
   track.nPoints = static_cast<LONG>(points.size());
   track.lpPoints = points.data();
@@ -175,7 +175,7 @@ void ShowFile(HWND page, const wchar_t* path) {
     size = std::ftell(file);
     std::fclose(file);
   }
-  std::wstring text(bytes, bytes + count);  // it is ASCII
+  std::wstring text(bytes, bytes + count);  // ASCII
   if (size > static_cast<long>(count)) text += L"...";
   SetDlgItemTextW(page, IDC_FLIGHT_TEXT, text.c_str());
   const std::wstring result =

@@ -21,7 +21,7 @@ namespace {
 
 struct Column {
   UINT title;
-  int share;  // of the table's width, in parts of 100
+  int share;  // percent of the table's width
 };
 constexpr Column kColumns[] = {{IDS_LANGUAGE_COLUMN_NAME, 22},
                                {IDS_LANGUAGE_COLUMN_CODE, 14},
@@ -29,7 +29,7 @@ constexpr Column kColumns[] = {{IDS_LANGUAGE_COLUMN_NAME, 22},
                                {IDS_LANGUAGE_COLUMN_HELP, 27}};
 
 constexpr COLORREF kClear = RGB(255, 0, 255);
-constexpr int kFlagPx = 13;  // of the menu's images, each way
+constexpr int kFlagPx = 13;  // width and height of the menu's images
 
 HWND TableOf(HWND page) {
   return GetDlgItem(page, IDC_LANGUAGE_TABLE);

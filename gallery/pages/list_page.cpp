@@ -27,7 +27,7 @@ constexpr UINT kCounts[] = {10, 1000, 100000, 10000000};
 constexpr int kFirstCount = 3, kFirstHeight = 1;
 
 constexpr int kPointNumbers = 8;  // x and y of four points
-constexpr int kRecordMs = 11;     // from one record to the next at full line rate
+constexpr int kRecordMs = 11;     // between two records at full line rate
 
 // Design sizes in pixels for this text height. The columns are wider than most windows, to show horizontal scrolling.
 constexpr int kDesignTextPx = 14;
@@ -50,14 +50,14 @@ const auto columns = [] {
 struct {
   UINT rowCount;
   int rowHeight;
-  UINT rowsAsked;  // since the last header
+  UINT rowsAsked;  // since the header was drawn
 } state;
 
 int Scaled(HWND page, int length) {
   return MulDiv(length, kv::TextHeightOf(page), kDesignTextPx);
 }
 
-// ---- Rows, made from their number -----------------------------------------------------------------------------------
+// ---- Rows, computed from their index --------------------------------------------------------------------------------
 
 std::array<int, kPointNumbers> PointsOfRow(UINT row) {
   std::array<int, kPointNumbers> numbers{};
@@ -99,7 +99,7 @@ void OnDrawItem(HWND page, const DRAWITEMSTRUCT& item) {
   } else {
     ++state.rowsAsked;
   }
-  kv::DrawListRow(item, columns, CellText, {}, kv::TextHeightOf(page) * 7 / 8);  // of the characters alone
+  kv::DrawListRow(item, columns, CellText, {}, kv::TextHeightOf(page) * 7 / 8);  // without the internal leading
 }
 
 void ShowCost(HWND page) {

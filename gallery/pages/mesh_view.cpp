@@ -39,7 +39,7 @@ struct MeshView {
   HGLOBAL ground = CreateGround();
   BOOL dragging = FALSE;
   POINT dragPoint{};
-  kv::Surface shown, samples;  // the latter twice as wide and high
+  kv::Surface shown, samples;  // `samples` is twice as wide and high
   MeshViewStatistics statistics{0, 0, 0, kFirstTurn, kFirstTilt, 1};
 };
 

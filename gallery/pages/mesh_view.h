@@ -11,7 +11,7 @@ inline constexpr char kMeshViewClass[] = "kvGalleryMeshView";
 
 BOOL RegisterMeshViewClass(HINSTANCE instance, BOOL registerIt);
 
-// Starts or stops the motion.
+// Starts or stops the rotation.
 void RunMeshView(HWND view, BOOL run);
 
 struct MeshViewStatistics {

@@ -42,7 +42,7 @@ void ShowValue(HWND page, int controlId, UINT textId, double value, int decimals
 
 // The terminal's text scales with the page's, in a scalable font.
 void ScaleTerminal(HWND page) {
-  constexpr int kTwipsPerInch = 1440, kCharacterPercent = 87;  // of the height of a line
+  constexpr int kTwipsPerInch = 1440, kCharacterPercent = 87;  // of a line's height
   CHARFORMATA format{};
   format.cbSize = sizeof(format);
   format.dwMask = CFM_SIZE | CFM_FACE;

@@ -1,4 +1,4 @@
-// Notes as UTF-8 text files. Any thread; no state.
+// Notes in UTF-8 text files. Any thread.
 #pragma once
 
 #include <windows.h>

@@ -11,7 +11,7 @@ import re
 import struct
 from pathlib import Path
 
-SIZE = 13  # a menu's check mark at 96 dots per inch
+SIZE = 13  # a menu's check mark at 96 DPI
 SAMPLES = 8  # per pixel and direction
 
 WHITE, BLACK, GREY = (255, 255, 255), (24, 24, 24), (176, 176, 184)
@@ -140,7 +140,7 @@ FLAGS = {
     "none": rows(GREY),
     "MX": with_disc(columns(GREEN, WHITE, RED), (150, 100, 50), radius=0.12),
 }
-# By language index: 19 to 22 are reserved, 23 is Mexico.
+# By language index; 19 to 22 are reserved, 23 is Mexico.
 ORDER = [name for name in FLAGS if name not in ("none", "MX")] + ["none"] * 4 + ["MX"]
 
 
@@ -197,7 +197,7 @@ def main():
     for name, flag in FLAGS.items():
         write_bitmap(folder / f"{name}.bmp", flag, False)
         write_bitmap(folder / f"{name}_checked.bmp", flag, True)
-    # As plain numbers: not every resource compiler accepts a sum as a name.
+    # Plain numbers, because not every resource compiler accepts a sum as a name.
     header = (here.parents[1] / "gallery" / "resource_ids.h").read_text()
     first = int(re.search(r"#define IDB_LANGUAGE_FIRST (\d+)", header).group(1))
     script = ("// The language menu's images, IDB_LANGUAGE_FIRST and on by language index: plain ones, then checked\n"

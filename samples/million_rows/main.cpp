@@ -1,4 +1,4 @@
-// A million rows in a dialog that scales: keys and wheel, one selected row, a header whose click sorts.
+// A million rows in a dialog that scales: keyboard and wheel, one selected row, and sorting by a click on the header.
 #include <algorithm>
 #include <random>
 #include <string>

@@ -1,5 +1,5 @@
-// Sensor recorder: what a sensor on a serial port measures, one number to a line, over the last hour, as a chart that
-// can be held, zoomed, read with the pointer and copied into a spreadsheet. recorder.rc places the controls.
+// Sensor recorder: a chart of the last hour of values from a serial port, one number per line. The chart can be frozen,
+// zoomed, read with the pointer and copied to a spreadsheet. recorder.rc has the layout.
 #include <cmath>
 #include <cstdlib>
 #include <string>
@@ -12,7 +12,7 @@ namespace {
 constexpr UINT_PTR kReadTimer = 1;
 constexpr UINT kReadMs = 100;
 constexpr double kHour = 3600;
-constexpr DWORD kCapacity = 360000;  // a hundred values a second
+constexpr DWORD kCapacity = 360000;  // one hour at 100 values a second
 
 HANDLE port = INVALID_HANDLE_VALUE;
 std::string line;
@@ -32,7 +32,7 @@ void Connect(HWND dialog) {
   GetDlgItemTextW(dialog, IDC_PORT, name, ARRAYSIZE(name));
   if (port != INVALID_HANDLE_VALUE) CloseHandle(port);
   const bool opened = OpenPort(name);
-  kv::AppendStripChartValue(dialog, IDC_CHART, 0, kv::StripChartNow(), NAN);  // a gap, where nothing was measured
+  kv::AppendStripChartValue(dialog, IDC_CHART, 0, kv::StripChartNow(), NAN);  // a gap, because there is no value
   SetDlgItemTextW(dialog, IDC_STATUS, opened ? L"Waiting for a value." : L"This port cannot be opened.");
 }
 

@@ -1,4 +1,4 @@
-// A gauge that grows with its window. The window opens where its user left it.
+// A gauge that scales with its window. The window reopens where it was closed.
 #include <kv/kv.h>
 
 namespace {

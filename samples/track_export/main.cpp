@@ -1,4 +1,4 @@
-// A flight, exported three ways: as a KML document, as waypoints text, and over DDE into a running spreadsheet program.
+// Exports a flight as a KML document, as waypoints text, and over DDE to a running spreadsheet program.
 #include <cmath>
 #include <cstddef>
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace {
 
-// One round of 400 metres, climbing; a real program records where it has been.
+// A climbing circle of 400 metres; a real program records its positions.
 std::vector<kv::FlightTrackPoint> MakeFlight() {
   std::vector<kv::FlightTrackPoint> points;
   for (int i = 0; i < 180; ++i) {
@@ -32,7 +32,7 @@ void SaveAs(HWND dialog, const wchar_t* name, BOOL write(const wchar_t*)) {
   Say(dialog, (write(path.c_str()) ? L"Written: " : L"This file could not be written: ") + path);
 }
 
-// A new sheet with one row for each point. What is selected then names the sheet: "[Book1]Sheet1!R1C1".
+// Creates a sheet with one row per point. The selection then contains the name of the sheet: "[Book1]Sheet1!R1C1".
 void SendToSpreadsheet(HWND dialog) {
   std::string selection;
   if (!kv::DdeConversation("Excel", "System").Execute("[NEW(1)]")) return Say(dialog, L"No spreadsheet is open.");
