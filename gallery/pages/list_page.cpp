@@ -8,7 +8,6 @@
 
 #include "framework/bitmaps.h"
 #include "framework/bounded_format.h"
-#include "framework/numbers.h"
 #include "gallery/resource_ids.h"
 #include "lists/extended_list.h"
 #include "lists/list_navigation.h"

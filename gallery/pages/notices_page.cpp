@@ -11,6 +11,7 @@
 #include "toolkit/empty_text.h"
 #include "toolkit/languages.h"
 #include "toolkit/locale_text.h"
+#include "toolkit/scaled_dialog.h"
 
 namespace gallery {
 
