@@ -161,6 +161,12 @@ TEST(StripRendering, PartialRedrawEqualsFullRedraw) {
       if (IsHeld(model) && IsRectEmpty(&changed)) continue;  // frozen, even if samples have left the ring
       whole.Update(model, {311, 190}, true);
       ASSERT_EQ(0, Differences(partial.surface(), whole.surface())) << style << ", step " << step;
+      const StripLayout& layout = whole.layoutShown();
+      for (LONG y = layout.plot.bottom + 1; y < layout.plot.bottom + layout.labelsPx; ++y) {
+        const DWORD* row = whole.surface().Row(y);
+        ASSERT_EQ(row[310], row[layout.plot.left]) << "a time is cut, step " << step;
+        ASSERT_EQ(row[310], row[layout.plot.right - 1]) << "a time is cut, step " << step;
+      }
     }
     EXPECT_LT(whollyDrawn, style & kStripOwnAxes ? 300 : 100);
   }
