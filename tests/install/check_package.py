@@ -51,6 +51,15 @@ def check_camtool(folder: Path) -> None:
     assert "simulate" in shown.stdout + shown.stderr, shown
 
 
+def check_camview(folder: Path) -> None:
+    """Its window has tests of its own; here it starts where it was unpacked, and says what it does not understand."""
+    for arguments, code in (["--help"], 0), (["--language", "xx"], 2):
+        command = [*emulator, folder / "camview.exe", *arguments]
+        shown = subprocess.run(command, capture_output=True, text=True, timeout=PATIENCE_S)
+        assert shown.returncode == code and "COMn" in shown.stdout + shown.stderr, shown
+    assert (folder / "camviewGE.dll").is_file()
+
+
 def check_gallery(folder: Path) -> None:
     """Shows every page; the gallery prints each page's name and waits for a line."""
     walk = subprocess.run(
@@ -84,5 +93,6 @@ home = place / first.stem
 check_sums(home)
 check_pages(home)
 check_camtool(home)
+check_camview(home)
 check_gallery(home)
 check_tarnwick(home)
