@@ -99,7 +99,7 @@ int main(int argc, char** argv) {
   const std::string path = std::string(folder) + "replay benchmark.twr";
   const std::vector<Moment> sent = MakeRecording(path, seconds);
   camera::Port port;
-  if (camera::OpenPort(kPort, camera::FindPortHolders(), &port).state != camera::PortState::kOpened) return 1;
+  if (camera::OpenPort(kPort, nullptr, &port).state != camera::PortState::kOpened) return 1;
   const kvtest::RunningProgram player(KV_CAMTOOL_EXE,
                                       camera::Wide(camera::Format("replay \"%s\" COM%d", path.c_str(), kFarPort)));
   const std::vector<Moment> received = Receive(port.handle(), sent.size());

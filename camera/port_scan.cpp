@@ -100,7 +100,7 @@ DWORD WINAPI PortScan::RunProbe(void* parameter) {
   Probe* probe = share->get();
   PortReport& report = probe->report;
   Port port;
-  report.port = OpenPort(report.number, *probe->holders, &port);
+  report.port = OpenPort(report.number, probe->holders.get(), &port);
   if (port.isOpen()) {
     Listen(port.handle(), probe->start + kListenSeconds, probe->isStopped, &report);
     const bool isGarbage = !IsCamera(report) && report.stream.bytes > 0 && !LooksLikeText(report.sample);

@@ -146,6 +146,7 @@ PortHolders FindPortHolders() {
 namespace {
 
 constexpr DWORD kGatherMs = 1;
+constexpr DWORD kEnoughBytes = 16;
 
 PortState StateFor(DWORD error) {
   switch (error) {
@@ -169,7 +170,7 @@ void Port::Close() {
   claim_ = nullptr;
 }
 
-PortStatus OpenPort(int number, const PortHolders& holders, Port* port) {
+PortStatus OpenPort(int number, const PortHolders* holders, Port* port) {
   port->Close();
   const std::wstring name = L"COM" + std::to_wstring(number), device = L"\\\\.\\" + name;
   HANDLE probe = CreateFileW(device.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
@@ -179,9 +180,11 @@ PortStatus OpenPort(int number, const PortHolders& holders, Port* port) {
     return {StateFor(error), error, {}};
   }
   // Before anything is set: settings and purges would disturb the program that uses the port.
-  const auto holder = holders.empty() ? holders.end() : holders.find(DeviceName(probe));
+  const PortHolders found = holders ? PortHolders() : FindPortHolders();
+  if (!holders) holders = &found;
+  const auto holder = holders->empty() ? holders->end() : holders->find(DeviceName(probe));
   CloseHandle(probe);
-  if (holder != holders.end()) return {PortState::kBusy, 0, holder->second};
+  if (holder != holders->end()) return {PortState::kBusy, 0, holder->second};
   // Two programs that start at the same time find no holder; the one that creates this mutex first gets the port.
   port->claim_ = CreateMutexW(nullptr, FALSE, (L"Global\\camtool " + name).c_str());
   if (!port->claim_ || GetLastError() == ERROR_ALREADY_EXISTS) {
@@ -253,7 +256,8 @@ PortReader::Outcome PortReader::Read(DWORD waitMs, HANDLE stop, std::string* byt
   DWORD read = 0;
   if (!GetOverlappedResult(port_, &overlapped_, &read, FALSE) || read == 0) return Outcome::kGone;
   bytes->assign(buffer_, read);
-  // Bytes arrive one by one; a chunk for each would take more space than the bytes.
+  // Bytes that arrive one by one would each need a chunk, which takes more space than they do.
+  if (read >= kEnoughBytes) return Outcome::kBytes;
   Sleep(kGatherMs);
   DWORD errors = 0;
   COMSTAT state{};

@@ -49,7 +49,7 @@ class Port {
   void Close();
 
  private:
-  friend PortStatus OpenPort(int number, const std::map<std::wstring, std::string>& holders, Port* port);
+  friend PortStatus OpenPort(int number, const std::map<std::wstring, std::string>* holders, Port* port);
   HANDLE handle_ = INVALID_HANDLE_VALUE;
   HANDLE claim_ = nullptr;
 };
@@ -59,8 +59,9 @@ class Port {
 using PortHolders = std::map<std::wstring, std::string>;
 PortHolders FindPortHolders();
 
-// Opens COM`number` (1 to 999) with the camera's line settings, as Tarnwick does. Closes `port` first.
-PortStatus OpenPort(int number, const PortHolders& holders, Port* port);
+// Opens COM`number` (1 to 999) with the camera's line settings, as Tarnwick does. Closes `port` first. Null `holders`
+// are found if the port exists; who opens several ports finds them once.
+PortStatus OpenPort(int number, const PortHolders* holders, Port* port);
 
 // Returns a sentence with the reason why a port was not opened, and what to do.
 std::string WhyNotOpened(int number, const PortStatus& status);
@@ -76,9 +77,9 @@ class PortReader {
   PortReader& operator=(const PortReader&) = delete;
 
   enum class Outcome { kBytes, kNothing, kGone };
-  // Waits until bytes arrive, `waitMs` have passed or `stop` (may be null) is signalled. Bytes that follow within a
-  // millisecond or two are included. `seconds` is the time of the first, by Now(). kGone: the port failed, because its
-  // device was unplugged.
+  // Waits until bytes arrive, `waitMs` have passed or `stop` (may be null) is signalled. Bytes that follow a few
+  // others within a millisecond or two are included. `seconds` is the time of the first, by Now(). kGone: the port
+  // failed, because its device was unplugged.
   Outcome Read(DWORD waitMs, HANDLE stop, std::string* bytes, double* seconds);
 
  private:

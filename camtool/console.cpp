@@ -57,7 +57,7 @@ void PrintError(const std::string& sentence) {
 }
 
 bool OpenPortOrPrintError(int number, camera::Port* port) {
-  const camera::PortStatus status = camera::OpenPort(number, camera::FindPortHolders(), port);
+  const camera::PortStatus status = camera::OpenPort(number, nullptr, port);
   if (!port->isOpen()) {
     PrintError((status.state == camera::PortState::kBusy ? "busy: " : "") + camera::WhyNotOpened(number, status));
   }

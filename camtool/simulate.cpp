@@ -94,7 +94,7 @@ std::string RecordAt(const Camera& camera, double seconds, long index) {
 void HangUp(Camera* camera, double until) {
   camera->port.Close();
   while (camera::WaitUntil(until, StopEvent())) {
-    camera::OpenPort(camera->number, camera::FindPortHolders(), &camera->port);
+    camera::OpenPort(camera->number, nullptr, &camera->port);
     if (camera->port.isOpen()) return;
     until += kReopenSeconds;
   }

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <deque>
 #include <iterator>
@@ -57,6 +58,7 @@ struct LiveSource::Reader {
   double start = 0;  // by camera::Now()
   std::uint64_t startTime = 0;
   HANDLE stop = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+  std::atomic<bool> isStopped{false};  // set before the event; asking it costs no call of the system
 
   // Used by the reader thread only.
   camera::Port port;
@@ -76,7 +78,6 @@ struct LiveSource::Reader {
 
   ~Reader() { CloseHandle(stop); }
   double Seconds() const { return camera::Now() - start; }
-  bool IsStopped() const { return WaitForSingleObject(stop, 0) == WAIT_OBJECT_0; }
   void Run();
   bool Open();
   void Read();
@@ -89,7 +90,7 @@ struct LiveSource::Reader {
 // ---- The thread -----------------------------------------------------------------------------------------------------
 
 void LiveSource::Reader::Run() {
-  while (!IsStopped()) {
+  while (!isStopped) {
     if (Open()) Read();
     // At once, because an adapter whose old port is open reappears under another number.
     port.Close();
@@ -98,7 +99,7 @@ void LiveSource::Reader::Run() {
 }
 
 bool LiveSource::Reader::Open() {
-  const camera::PortStatus opened = camera::OpenPort(number, camera::FindPortHolders(), &port);
+  const camera::PortStatus opened = camera::OpenPort(number, nullptr, &port);
   const std::lock_guard guard(lock);
   isOpen = port.isOpen();
   if (isOpen) {
@@ -117,7 +118,7 @@ void LiveSource::Reader::Read() {
   camera::PortReader reader(port.handle());
   std::string bytes;
   double time = 0;
-  while (!IsStopped()) {
+  while (!isStopped) {
     const camera::PortReader::Outcome outcome = reader.Read(kTurnMs, stop, &bytes, &time);
     if (outcome == camera::PortReader::Outcome::kBytes) Take(time, bytes);
     if (outcome != camera::PortReader::Outcome::kGone) continue;
@@ -206,6 +207,7 @@ LiveSource::LiveSource(int port) : reader_(std::make_shared<Reader>()) {
 
 LiveSource::~LiveSource() {
   StopRecording();
+  reader_->isStopped = true;
   SetEvent(reader_->stop);
   if (!thread_) return;
   WaitForSingleObject(thread_, kEndMs);

@@ -100,7 +100,7 @@ class HostileCamera {
   // Opens the port if it is closed: after a hang-up, or when the line was unplugged.
   bool Send(const std::string& bytes) {
     if (bytes.empty()) return true;
-    if (!port_.isOpen()) camera::OpenPort(kFarPort, {}, &port_);
+    if (!port_.isOpen()) camera::OpenPort(kFarPort, nullptr, &port_);
     if (!port_.isOpen()) return false;
     const camera::Written written = camera::WritePort(port_.handle(), bytes.data(), bytes.size(), kTimeoutMs);
     if (written == camera::Written::kGone) port_.Close();

@@ -196,7 +196,7 @@ TEST(CamviewPorts, AreReportedOnceWithTheirData) {
   SerialLine cameraLine({7, 8}), talking({5, 6}), silent({9, 10});
   PlayedCamera camera(8), talker(6);
   camera::Port own;
-  ASSERT_EQ(camera::PortState::kOpened, camera::OpenPort(10, {}, &own).state);
+  ASSERT_EQ(camera::PortState::kOpened, camera::OpenPort(10, nullptr, &own).state);
   PortFinder finder;
   std::map<int, FoundState> states;
   int reports = 0;
