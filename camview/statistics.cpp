@@ -18,6 +18,8 @@ namespace {
 // The median of this number of pauses, evenly distributed, is practically the median of all.
 constexpr long long kMaxPauses = 1 << 14;
 constexpr size_t kBatchRecords = 512;
+constexpr double kLate = 1.5;      // spacings
+constexpr int kArrivalsAfter = 4;  // in which records that are late, not lost, arrive
 
 double MedianPause(const RecordStore& store, long long first, long long end) {
   std::vector<double> pauses;
@@ -34,19 +36,43 @@ double MedianPause(const RecordStore& store, long long first, long long end) {
   return *middle;
 }
 
-// Missing arrivals between records.
-struct Losses {
-  double spacing;
-  long long arrivals = 1;
-  double lost = 0, lostInSilence = 0;
+// A part of the line's time, with the records in it.
+struct Part {
+  double seconds = 0;
+  long long records = 0, damaged = 0;
 };
 
-void AddPause(double pause, bool isDamaged, Losses* losses) {
-  losses->arrivals += pause >= kTogetherSeconds;
-  const double missing = losses->spacing > 0 ? std::max(std::round(pause / losses->spacing) - 1, 0.0) : 0;
-  const double lost = std::max(missing, isDamaged ? 1.0 : 0.0);
-  losses->lost += lost;
-  if (pause >= camera::kGapSeconds) losses->lostInSilence += lost;
+// The line's time: at its usual pace, and the parts in which records may be missing.
+struct Course {
+  double spacing;
+  Part usual;
+  std::vector<Part> late, silent;
+  int untilUsual = 0;  // arrivals until the late part ends
+};
+
+void AddPause(double pause, bool isDamaged, Course* course) {
+  if (pause >= camera::kGapSeconds) {
+    course->silent.push_back({pause, 1, isDamaged});
+    course->untilUsual = 0;
+    return;
+  }
+  const bool isLate = isDamaged || pause >= kLate * course->spacing;
+  if (isLate && course->untilUsual == 0) course->late.emplace_back();
+  if (isLate) course->untilUsual = kArrivalsAfter + 1;
+  Part& part = course->untilUsual > 0 ? course->late.back() : course->usual;
+  part.seconds += pause;
+  ++part.records;
+  part.damaged += isDamaged;
+  if (course->untilUsual > 0 && pause >= kTogetherSeconds) --course->untilUsual;
+}
+
+long long LostIn(const std::vector<Part>& parts, double pace) {
+  long long lost = 0;
+  for (const Part& part : parts) {
+    const long long fitting = pace > 0 ? std::llround(part.seconds / pace) : 0;
+    lost += std::max({fitting - part.records, part.damaged, 0LL});
+  }
+  return lost;
 }
 
 void AddRecord(const StoredRecord& record, StretchStatistics* statistics) {
@@ -58,14 +84,14 @@ void AddRecord(const StoredRecord& record, StretchStatistics* statistics) {
 // Adds records one by one; `before` is the time of the previous record, for pauses. `onlyPauses`: the rest has been
 // added.
 void AddRecords(const RecordStore& store, long long first, long long end, double before, bool onlyPauses,
-                StretchStatistics* statistics, Losses* losses) {
+                StretchStatistics* statistics, Course* course) {
   std::array<StoredRecord, kBatchRecords> batch;
   while (first < end) {
     const auto requested = static_cast<size_t>(std::min<long long>(kBatchRecords, end - first));
     const size_t count = store.Read(first, {batch.data(), requested});
     for (const StoredRecord& record : std::span(batch).first(count)) {
       if (!onlyPauses) AddRecord(record, statistics);
-      AddPause(record.seconds - before, (record.flags & kAfterDamagedBytes) != 0, losses);
+      AddPause(record.seconds - before, (record.flags & kAfterDamagedBytes) != 0, course);
       before = record.seconds;
     }
     first += static_cast<long long>(count);
@@ -88,25 +114,29 @@ StretchStatistics ComputeStatistics(const RecordStore& store, double from, doubl
   if (first >= end) return statistics;
   statistics.records = end - first;
   statistics.spacing = MedianPause(store, first, end);
-  Losses losses{statistics.spacing};
+  Course course{statistics.spacing};
   AddRecord(store.Get(first), &statistics);
   for (long long number = first + 1; number < end;) {
     const BlockSummary& block = store.SummaryOf(number);
     const long long next = std::min(block.first + block.records, end);
     const bool isWhole = number == block.first && next < end;
+    const double before = store.Seconds(number - 1);
     if (isWhole) AddBlock(block, &statistics);
-    if (isWhole && block.damaged == 0 && block.longestPause < 1.5 * losses.spacing) {
-      losses.arrivals += block.arrivals;
+    if (isWhole && block.damaged == 0 && block.longestPause < kLate * course.spacing) {
+      course.usual.seconds += store.Seconds(next - 1) - before;
+      course.usual.records += block.records;
+      course.untilUsual = 0;
     } else {
-      AddRecords(store, number, next, store.Seconds(number - 1), isWhole, &statistics, &losses);
+      AddRecords(store, number, next, before, isWhole, &statistics, &course);
     }
     number = next;
   }
   const double seconds = store.Seconds(end - 1) - store.Seconds(first);
   if (seconds > 0) statistics.recordsPerSecond = static_cast<double>(statistics.records - 1) / seconds;
-  const double perArrival = static_cast<double>(statistics.records) / static_cast<double>(losses.arrivals);
-  statistics.lostRecords = std::llround(losses.lost * perArrival);
-  statistics.lostInSilence = std::llround(losses.lostInSilence * perArrival);
+  const double pace =
+      course.usual.records > 0 ? course.usual.seconds / static_cast<double>(course.usual.records) : course.spacing;
+  statistics.lostInSilence = LostIn(course.silent, pace);
+  statistics.lostRecords = statistics.lostInSilence + LostIn(course.late, pace);
   return statistics;
 }
 

@@ -14,10 +14,11 @@ struct StretchStatistics {
   long long outOfRange = 0;     // among the odd ones; they have no points
   double recordsPerSecond = 0;  // between its first and last record; 0 with fewer than two
   double spacing = 0;           // the median time between two arrivals of records, seconds; 0 with fewer than two
-  // Records that were expected with that spacing and are missing: a pause of at least 1.5 spacings between two records
-  // counts the records that fit into it, and one with malformed or damaged bytes counts at least one. Records that
-  // arrive together are one arrival, and a missing arrival counts as the average number of records per arrival. Nothing
-  // is counted before the first record and after the last.
+  // Records that the line should have carried at its usual pace but did not. A pause of 1.5 spacings or more, or with
+  // malformed or damaged bytes in it, and the four arrivals after it are a part of the time, which is longer if there
+  // is another such pause in it. What fits into this part at the pace of the rest, beyond the records that arrived, is
+  // lost; at least one for each pause with malformed or damaged bytes. Records that are late or arrive together are
+  // not. Records before the first and after the last are not counted.
   long long lostRecords = 0;
   long long lostInSilence = 0;  // of these, in pauses of camera::kGapSeconds or more
   camera::PointSummary points[kv::kPointCount];
