@@ -12,6 +12,7 @@
 #include "camera/text.h"
 #include "camview/camera_field.h"
 #include "camview/chart_feed.h"
+#include "camview/live_source.h"
 #include "camview/playback.h"
 #include "camview/record_store.h"
 #include "camview/resource_ids.h"
@@ -89,10 +90,11 @@ void ShowField(const View& view) {
     records.resize(static_cast<size_t>(last - first + 1));
     store->Read(first, records);
   }
-  content.count = static_cast<DWORD>(records.size());
-  content.records = records.data();
-  // When no more records arrive, the trails fade out.
   content.now = IsFollowing(view) ? view.status.now : time;
+  // When no more records arrive, the points are no longer known.
+  const bool isKnown = !records.empty() && content.now - records.back().seconds <= kJudgeSeconds;
+  content.count = isKnown ? static_cast<DWORD>(records.size()) : 0;
+  content.records = records.data();
   content.trailSeconds = view.trailSeconds;
   Send(view, IDC_FIELD, kFieldShow, &content);
 }
@@ -193,6 +195,7 @@ void ShowSpan(View& view, kv::StripStretch span) {
   const RecordStore* store = RecordsOf(view);
   if (!store) return;
   view.spanSeconds = span.to - span.from;
+  view.shown = span;
   if (!HasDetails(view.feed, WholeOf(view), span)) {
     FeedCharts(view.window, *store, WholeOf(view), span, &view.feed);
     ShowMarks(view);
@@ -284,7 +287,14 @@ void OnChartView(View& view, int chart) {
     return FollowCharts(view);
   }
   HoldLive(view, true);
+  // Another time is now under the pointer.
+  if (!std::isnan(view.hovered) && view.shown.to > view.shown.from) {
+    const double part = (view.hovered - view.shown.from) / (view.shown.to - view.shown.from);
+    view.hovered = shown.from + part * (shown.to - shown.from);
+    view.hovered = std::clamp(view.hovered, view.playback.begin, view.playback.end);
+  }
   ShowSpan(view, shown);
+  ShowTime(view);
 }
 
 void OnChartCursor(View& view, int chart) {

@@ -46,6 +46,7 @@ struct View {
 
   Playback playback;         // also for a live port, where its end is now
   double hovered = kNoTime;  // the time under the pointer in a chart
+  kv::StripStretch shown{};  // the span that the charts were given
   bool isMarked = false;
   kv::StripStretch mark{};
   ChartFeed feed;

@@ -192,12 +192,12 @@ class CamviewWindow : public testing::Test {
 };
 
 TEST_F(CamviewWindow, OpensARecordingAndGoesToTimes) {
-  std::string bytes = Recording(1000);
+  std::string bytes = Recording(1000, [](int i) { return i >= 600 && i < 790; });
   const size_t chunk = camera::EncodeChunks(0, RecordBytes(0)).size();
-  bytes[camera::kRecordingHeaderBytes + 800 * chunk + 20] ^= 1;
+  bytes[camera::kRecordingHeaderBytes + 700 * chunk + 20] ^= 1;
   OpenFile(bytes);
   EXPECT_EQ(L"camview test.twr – Camera viewer", TextOf(window_));
-  EXPECT_TRUE(Says(L"999 records in 0:10.0. Damaged in 1 place.")) << camera::Narrow(Text(IDC_STATUS));
+  EXPECT_TRUE(Says(L"809 records in 0:10.0. Damaged in 1 place.")) << camera::Narrow(Text(IDC_STATUS));
   EXPECT_EQ(L"1: 0, 300; 2: 500, 400; 4: 20, 700", Field());
   EXPECT_EQ(L"of 0:10.000", Text(IDC_LENGTH));
 
@@ -217,6 +217,11 @@ TEST_F(CamviewWindow, OpensARecordingAndGoesToTimes) {
   EXPECT_EQ(5.02, view().playback.position);
   EXPECT_EQ(L"0:05.020", Text(IDC_TIME));
   Press(VK_OEM_COMMA);
+  goTo(L"6.5");
+  EXPECT_EQ(L"1: 599, 300; 2: 500, 400; 4: 20, 700", Field());
+  goTo(L"7.5");
+  EXPECT_EQ(L"", Field()) << "long after the last record";
+  goTo(L"5.01");
   goTo(L"soon");
   EXPECT_TRUE(Says(L"\"soon\" is not a time."));
   EXPECT_EQ(5.01, view().playback.position);
@@ -232,6 +237,13 @@ TEST_F(CamviewWindow, OpensARecordingAndGoesToTimes) {
   move(300);
   EXPECT_EQ(5.01, view().playback.position);
   EXPECT_NE(L"1: 501, 300; 2: 500, 400; 4: 20, 700", Field());
+  SendMessageW(Control(IDC_CHART_X), WM_KEYDOWN, VK_ADD, 0);
+  Pump();
+  double other = 0;
+  EXPECT_TRUE(kv::GetStripChartCursor(window_, IDC_CHART_X, &cursor) &&
+              kv::GetStripChartCursor(window_, IDC_CHART_Y, &other));
+  EXPECT_NEAR(cursor, other, 0.02);
+  EXPECT_NEAR(cursor, ShownTime(view()), 0.02);
   SendMessageW(Control(IDC_CHART_X), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(300, 50));
   SendMessageW(Control(IDC_CHART_X), WM_LBUTTONUP, 0, MAKELPARAM(300, 50));
   Pump();
