@@ -75,7 +75,7 @@ struct StrokeCorners {
   const PointD* begin() const { return corners.data(); }
   const PointD* end() const { return corners.data() + count; }
 };
-StrokeCorners CornersOf(const DigitBox& place, int stroke);
+StrokeCorners CornersOf(const DigitBox& box, int stroke);
 
 struct DigitalParts {
   int captionHeight;  // also the height of its font; 0 without a caption
