@@ -146,7 +146,6 @@ PortHolders FindPortHolders() {
 namespace {
 
 constexpr DWORD kGatherMs = 1;
-constexpr DWORD kEnoughBytes = 16;
 
 PortState StateFor(DWORD error) {
   switch (error) {
@@ -256,8 +255,7 @@ PortReader::Outcome PortReader::Read(DWORD waitMs, HANDLE stop, std::string* byt
   DWORD read = 0;
   if (!GetOverlappedResult(port_, &overlapped_, &read, FALSE) || read == 0) return Outcome::kGone;
   bytes->assign(buffer_, read);
-  // Bytes that arrive one by one would each need a chunk, which takes more space than they do.
-  if (read >= kEnoughBytes) return Outcome::kBytes;
+  // Bytes arrive one by one; a chunk for each would take more space than the bytes.
   Sleep(kGatherMs);
   DWORD errors = 0;
   COMSTAT state{};

@@ -77,9 +77,9 @@ class PortReader {
   PortReader& operator=(const PortReader&) = delete;
 
   enum class Outcome { kBytes, kNothing, kGone };
-  // Waits until bytes arrive, `waitMs` have passed or `stop` (may be null) is signalled. Bytes that follow a few
-  // others within a millisecond or two are included. `seconds` is the time of the first, by Now(). kGone: the port
-  // failed, because its device was unplugged.
+  // Waits until bytes arrive, `waitMs` have passed or `stop` (may be null) is signalled. Bytes that follow within a
+  // millisecond or two are included. `seconds` is the time of the first, by Now(). kGone: the port failed, because its
+  // device was unplugged.
   Outcome Read(DWORD waitMs, HANDLE stop, std::string* bytes, double* seconds);
 
  private:
