@@ -17,9 +17,11 @@
 #include "framework/coverage.h"
 #include "framework/file_path.h"
 #include "framework/guards.h"
+#include "framework/numbers.h"
 #include "toolkit/appearance.h"
 #include "toolkit/languages.h"
 #include "toolkit/locale_text.h"
+#include "toolkit/scaled_dialog.h"
 
 namespace camview {
 
@@ -81,6 +83,12 @@ std::wstring NameOfFile(const std::string& path) {
   return kv::FileNameOf(camera::Wide(path).c_str());
 }
 
+// As high as the characters of the dialog's labels.
+int TextPx(HWND control) {
+  const kv::DialogScale scale = kv::ScaleOf(GetParent(control));
+  return std::max(kv::ToInt(12 * std::min(scale.x, scale.y)), 8);
+}
+
 }  // namespace
 
 void SetStatusLine(HWND window, int id, const StatusLine& line, StatusLine* shown) {
@@ -104,7 +112,7 @@ void DrawStatusLine(const DRAWITEMSTRUCT& item, const StatusLine& line) {
     const double radius = size.cy * 0.36;
     DrawMark(canvas, line.mark, {size.cy * 0.5 + 1, size.cy * 0.5}, radius, background);
     const bool strong = line.mark == StatusMark::kRecording;
-    const kv::OwnedFont font = kv::MakeFont(-std::max<int>(size.cy * 5 / 8, 8), strong ? FW_BOLD : FW_NORMAL);
+    const kv::OwnedFont font = kv::MakeFont(-TextPx(item.hwndItem), strong ? FW_BOLD : FW_NORMAL);
     const kv::SelectedObject selected(canvas.dc(), font);
     SetBkMode(canvas.dc(), TRANSPARENT);
     SetTextColor(canvas.dc(), strong ? ColorOf(line.mark) : GetSysColor(COLOR_BTNTEXT));

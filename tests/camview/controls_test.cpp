@@ -14,6 +14,7 @@
 #include "camview/timeline.h"
 #include "framework/control_class.h"
 #include "tests/support/control_test.h"
+#include "tests/support/replaced_import.h"
 #include "tests/support/test_window.h"
 
 namespace camview {
@@ -76,6 +77,23 @@ TEST_F(CameraFieldTest, ShowsMarkersAndTrailsThatFadeAndBreak) {
             kvtest::ReadAccessible(field_));
   SendMessageA(field_, WM_COPY, 0, MAKELPARAM(257, 193));
   EXPECT_EQ(257, kvtest::ClipboardBitmapSize(parent_).cx);
+}
+
+// SystemParametersInfoW of a user who wants high contrast.
+BOOL WINAPI WantHighContrast(UINT action, UINT, void* parameter, UINT) {
+  if (action != SPI_GETHIGHCONTRAST) return FALSE;
+  static_cast<HIGHCONTRASTW*>(parameter)->dwFlags = HCF_HIGHCONTRASTON;
+  return TRUE;
+}
+
+TEST_F(CameraFieldTest, HasNoColorsButTheSystemsInHighContrast) {
+  const kvtest::ReplacedImport contrast("SystemParametersInfoW", reinterpret_cast<void*>(WantHighContrast));
+  Show({{1, {{200, 200}, {400, 200}, {600, 600}, {900, 100}}, 0}}, 1, 1);
+  TestBitmap bitmap(514, 386);
+  SendMessageA(field_, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(bitmap.dc()), 0);
+  for (int point = 0; point < kv::kPointCount; ++point) EXPECT_EQ(0, bitmap.CountOf(PointColor(point)));
+  EXPECT_LT(200, bitmap.CountOf(GetSysColor(COLOR_WINDOWTEXT)));
+  EXPECT_LT(100'000, bitmap.CountOf(GetSysColor(COLOR_WINDOW)));
 }
 
 TEST_F(CameraFieldTest, KeepsItsProportionsAndRejectsWhatIsBad) {
