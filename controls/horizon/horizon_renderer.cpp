@@ -267,7 +267,8 @@ void HorizonRenderer::DrawTape(Canvas& canvas) {
     const int bearing = (i * 5 % 360 + 360) % 360;
     AddLine(canvas, {x, static_cast<double>(tape.top)}, {x, tape.top + height * (bearing % 10 ? 0.16 : 0.26)},
             std::max(1.0, height / 26));
-    if (bearing % 10) continue;
+    // A number that the edge would cut reads as another one.
+    if (bearing % 10 || std::fabs(x - middle) + text * 0.6 > (tape.right - tape.left) / 2.0) continue;
     wchar_t label[8];
     FormatBounded(label, sizeof(label), L"%02d", bearing / 10);
     if (bearing % 90 == 0) FormatBounded(label, sizeof(label), L"%c", L"NESW"[bearing / 90]);
