@@ -38,12 +38,15 @@ void OnLoaded(View& view) {
   LoadedRecording loaded = view.loader.Take();
   ShowWork(view);
   const StatusLine line = DescribeRecording(loaded);
-  if (!loaded.store || loaded.store->IsEmpty()) {
-    // Keeps the previous source.
+  const bool isCancelled = loaded.outcome == LoadOutcome::kCancelled,
+             isEmpty = !loaded.store || loaded.store->IsEmpty();
+  // Whatever was shown before remains.
+  if (isCancelled && (isEmpty || RecordsOf(view) || view.live)) {
+    return ShowLine(view, StatusMark::kNone, kv::ResourceText(IDS_LOADING_CANCELLED));
+  }
+  if (isEmpty) {
     ShowLine(view, line.mark, line.text);
-    if (loaded.outcome != LoadOutcome::kCancelled) {
-      kv::ShowMessage(view.window, line.text, kv::ResourceText(IDS_CAPTION), MB_ICONWARNING);
-    }
+    kv::ShowMessage(view.window, line.text, kv::ResourceText(IDS_CAPTION), MB_ICONWARNING);
     return;
   }
   CloseSource(view);

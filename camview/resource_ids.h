@@ -5,10 +5,6 @@
 
 #define IDI_CAMVIEW 1
 #define IDI_CAMVIEW_SMALL 2
-#define IDI_MARKER_1 1000
-#define IDI_MARKER_2 1001
-#define IDI_MARKER_3 1002
-#define IDI_MARKER_4 1003
 #define IDB_LANGUAGE_FIRST 400
 
 // Controls of the window
@@ -120,6 +116,7 @@
 #define IDS_CHANNEL_Y 538
 #define IDS_SECONDS 539
 #define IDS_CLOSE_EXPORT 540
+#define IDS_LOADING_CANCELLED 541
 
 // A recording that was opened
 #define IDS_FILE_WHOLE 551
@@ -162,7 +159,6 @@
 #define IDS_STATISTICS_MARKED 611
 #define IDS_STATISTICS_SHOWN 612
 #define IDS_STATISTICS_COUNTS 613
-#define IDS_STATISTICS_NONE 614
 #define IDS_COLUMN_POINT 615
 #define IDS_COLUMN_SEEN 616
 #define IDS_COLUMN_X 617

@@ -3,11 +3,13 @@
 #include <windows.h>
 
 #include <commdlg.h>
+#include <shlobj.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <cwctype>
 #include <filesystem>
 #include <fstream>
@@ -26,6 +28,7 @@
 #include "camview/view.h"
 #include "camview/window.h"
 #include "controls/strip_chart/strip_chart.h"
+#include "framework/file_path.h"
 #include "framework/modules.h"
 #include "tests/support/replaced_import.h"
 #include "tests/support/running_program.h"
@@ -327,6 +330,47 @@ TEST_F(CamviewWindow, ChartsShowEachRecordOfALongRecordingOnceTheyAreZoomed) {
   SetFocus(Control(IDC_TIMELINE));
   Press(VK_END);
   EXPECT_EQ(L"1: 999, 300; 2: 500, 400; 4: 20, 700", Field());
+}
+
+// As the shell sends it; the window frees it.
+HDROP DroppedFile(const std::wstring& path) {
+  const DROPFILES head{.pFiles = sizeof(DROPFILES), .fWide = TRUE};
+  const SIZE_T text = (path.size() + 2) * sizeof(wchar_t);
+  const HGLOBAL memory = GlobalAlloc(GHND, sizeof(head) + text);
+  auto* bytes = static_cast<char*>(GlobalLock(memory));
+  std::memcpy(bytes, &head, sizeof(head));
+  std::memcpy(bytes + sizeof(head), path.c_str(), text - sizeof(wchar_t));
+  GlobalUnlock(memory);
+  return static_cast<HDROP>(memory);
+}
+
+TEST_F(CamviewWindow, OpensADroppedFileAndIsCancelled) {
+  OpenFile(Recording(1000));
+  std::ofstream(File(L"camview dropped.twr"), std::ios::binary) << Recording(300'000);
+  SendMessageW(Control(IDC_CHART_Y), WM_DROPFILES, reinterpret_cast<WPARAM>(DroppedFile(files_.back())), 0);
+  EXPECT_TRUE(IsWindowVisible(Control(IDC_PROGRESS)));
+  SendMessageW(window_, WM_COMMAND, IDCANCEL, 0);
+  EXPECT_TRUE(Soon([&] { return !view().isLoading; }));
+  EXPECT_FALSE(IsWindowVisible(Control(IDC_PROGRESS)));
+  EXPECT_TRUE(boxes.empty());
+  EXPECT_EQ(L"Reading was cancelled.", Text(IDC_STATUS));
+  EXPECT_EQ(L"camview test.twr – Camera viewer", TextOf(window_));
+  SendMessageW(window_, WM_DROPFILES, reinterpret_cast<WPARAM>(DroppedFile(files_.back())), 0);
+  EXPECT_TRUE(Soon([&] { return !view().isLoading; }));
+  EXPECT_EQ(L"camview dropped.twr – Camera viewer", TextOf(window_));
+  EXPECT_EQ(300'000, RecordsOf(view())->End());
+}
+
+TEST_F(CamviewWindow, TheProgramTakesAFileAndALanguage) {
+  std::ofstream(File(L"camview test.twr"), std::ios::binary) << Recording(1000);
+  wchar_t folder[kv::kPathCharacters] = L"";
+  kv::ProgramDirectory(folder);
+  const kvtest::RunningProgram program(fs::path(folder) / L"camview.exe",
+                                       L"\"" + files_.back().wstring() + L"\" --language de");
+  HWND window = nullptr;
+  EXPECT_TRUE(
+      Soon([&] { return (window = program.Find(L"kvDialog", L"camview test.twr – Kamerabetrachter")) != nullptr; }));
+  EXPECT_EQ(0u, program.Close(window));
 }
 
 TEST_F(CamviewWindow, AllTextsFitInBothLanguages) {
