@@ -410,7 +410,7 @@ TEST_F(CamviewWindow, LosesNothingOfAPortThatComesAndGoes) {
     return Soon([&] { return RecordsOf(view()) && RecordsOf(view())->End() == sent; });
   };
   EXPECT_TRUE(send(10));
-  EXPECT_TRUE(Says(L"records a second."));
+  EXPECT_TRUE(Soon([&] { return Says(L"records a second."); })) << camera::Narrow(Text(IDC_STATUS));
   EXPECT_EQ(L"1: 9, 300; 2: 500, 400; 4: 20, 700", Field());
 
   chosenPath = File(L"camview live.twr");
