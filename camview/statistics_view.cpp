@@ -96,11 +96,12 @@ void TickStatistics(View& view) {
 }
 
 INT_PTR DrawStatistics(const View& view, const DRAWITEMSTRUCT& item) {
-  kv::DrawListRow(item, kColumns, [&](UINT row, int column) {
-    return view.hasStatistics ? CellText(view.statistics, static_cast<int>(row), column)
-           : column == 0      ? std::to_wstring(row + 1)
-                              : std::wstring();
-  });
+  const auto text = [&](UINT row, int column) {
+    if (view.hasStatistics) return CellText(view.statistics, static_cast<int>(row), column);
+    return column == 0 ? std::to_wstring(row + 1) : std::wstring();
+  };
+  // Larger than a list's usual text: all rows are always in view.
+  kv::DrawListRow(item, kColumns, text, {}, static_cast<int>(item.rcItem.bottom - item.rcItem.top) * 7 / 10);
   return TRUE;
 }
 
