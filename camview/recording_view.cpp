@@ -106,7 +106,7 @@ void ExportMarked(View& view) {
   if (!store || !view.isMarked || view.isExporting || view.isLoading) return;
   const kv::StripStretch mark = view.mark;
   std::wstring path = ProposedTarget(view);
-  if (!kv::AskSavePath(view.window, kv::ResourceText(IDS_EXPORT_TITLE).c_str(), &path)) return;
+  if (!kv::AskSavePath(view.window, kv::ResourceText(IDS_EXPORT_TITLE).c_str(), &path, kRecordingExtension)) return;
   const bool isRecording = lstrcmpiW(kv::ExtensionOf(path.c_str()), kRecordingExtension) == 0;
   ExportTask task{.target = camera::Narrow(path),
                   .format = isRecording ? ExportFormat::kRecording : ExportFormat::kCsv,

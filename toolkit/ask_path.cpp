@@ -6,25 +6,33 @@
 #include <string>
 #include <vector>
 
-#include "framework/file_dialog.h"
 #include "framework/file_path.h"
 
 namespace kv {
 
 namespace {
 
-BOOL Ask(HWND owner, const wchar_t* title, std::wstring* path, DWORD flags, BOOL(WINAPI* show)(OPENFILENAMEW*)) {
+// The filters of BuildFilterText, for two types. Either may be empty.
+std::wstring FilterOf(const wchar_t* extension, const wchar_t* otherExtension) {
+  std::wstring filter;
+  for (const std::wstring one : {extension, otherExtension}) {
+    if (!one.empty()) filter += one.substr(1) + L" files (*" + one + L")" + L'\0' + L'*' + one + L'\0';
+  }
+  return filter + L"All files (*.*)" + L'\0' + L"*.*" + L'\0';
+}
+
+BOOL Ask(HWND owner, const wchar_t* title, const wchar_t* otherExtension, std::wstring* path, DWORD flags,
+         BOOL(WINAPI* show)(OPENFILENAMEW*)) {
   constexpr size_t kMaxPathCharacters = 32768;
   const wchar_t* name = FileNameOf(path->c_str());
   const wchar_t* extension = ExtensionOf(name);
   const std::wstring folder = path->substr(0, static_cast<size_t>(name - path->c_str()));
-  const FilterText filter = BuildFilterText(extension);
+  const std::wstring filter = FilterOf(extension, otherExtension);
   std::vector<wchar_t> file(kMaxPathCharacters);
   OPENFILENAMEW dialog{};
   dialog.lStructSize = sizeof(dialog);
   dialog.hwndOwner = owner;
-  // Without an extension only the filter "all files", the second of the list.
-  dialog.lpstrFilter = *extension ? filter.text : L"*.*\0*.*\0";
+  dialog.lpstrFilter = filter.c_str();
   dialog.lpstrFile = file.data();
   dialog.nMaxFile = static_cast<DWORD>(file.size());
   dialog.lpstrInitialDir = folder.c_str();
@@ -44,11 +52,11 @@ BOOL Ask(HWND owner, const wchar_t* title, std::wstring* path, DWORD flags, BOOL
 }  // namespace
 
 BOOL AskOpenPath(HWND owner, const wchar_t* title, std::wstring* path) {
-  return Ask(owner, title, path, OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST, GetOpenFileNameW);
+  return Ask(owner, title, L"", path, OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST, GetOpenFileNameW);
 }
 
-BOOL AskSavePath(HWND owner, const wchar_t* title, std::wstring* path) {
-  return Ask(owner, title, path, OFN_OVERWRITEPROMPT | OFN_PATHMUSTEXIST, GetSaveFileNameW);
+BOOL AskSavePath(HWND owner, const wchar_t* title, std::wstring* path, const wchar_t* otherExtension) {
+  return Ask(owner, title, otherExtension, path, OFN_OVERWRITEPROMPT | OFN_PATHMUSTEXIST, GetSaveFileNameW);
 }
 
 }  // namespace kv

@@ -272,7 +272,8 @@ TEST_F(CamviewWindow, PlaysToTheEndAtAnySpeed) {
 }
 
 TEST_F(CamviewWindow, SumsUpAndExportsWhatIsMarked) {
-  OpenFile(Recording(1000, [](int i) { return i == 499 || i == 500; }));
+  const std::string recording = Recording(1000, [](int i) { return i == 499 || i == 500; });
+  OpenFile(recording);
   SetFocus(Control(IDC_TIMELINE));
   EXPECT_FALSE(IsWindowEnabled(Control(IDC_EXPORT)));
   Command(IDM_SPAN_FIRST);  // 1 s
@@ -298,6 +299,8 @@ TEST_F(CamviewWindow, SumsUpAndExportsWhatIsMarked) {
   Press(VK_ESCAPE);
   EXPECT_FALSE(view().isMarked);
   EXPECT_FALSE(IsWindowEnabled(Control(IDC_EXPORT)));
+
+  EXPECT_EQ(recording, BytesOf(File(L"camview test.twr")));
 
   // What cannot be shown leaves what is.
   std::ofstream(File(L"camview foreign.twr")) << "no recording";
