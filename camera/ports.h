@@ -86,7 +86,7 @@ class PortReader {
   HANDLE port_;
   HANDLE event_;
   OVERLAPPED overlapped_{};
-  char buffer_[4096];
+  char buffer_[4096] = {};
   bool isPending_ = false;
 };
 

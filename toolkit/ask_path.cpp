@@ -2,6 +2,7 @@
 
 #include <commdlg.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -12,13 +13,16 @@ namespace kv {
 
 namespace {
 
-// The filters of BuildFilterText, for two types. Either may be empty.
+// The filters of BuildFilterText for two types, either of which may be empty.
 std::wstring FilterOf(const wchar_t* extension, const wchar_t* otherExtension) {
   std::wstring filter;
-  for (const std::wstring one : {extension, otherExtension}) {
-    if (!one.empty()) filter += one.substr(1) + L" files (*" + one + L")" + L'\0' + L'*' + one + L'\0';
+  for (const wchar_t* one : {extension, otherExtension}) {
+    if (!*one) continue;
+    for (const wchar_t* part : {one + 1, L" files (*", one, L")|*", one, L"|"}) filter += part;
   }
-  return filter + L"All files (*.*)" + L'\0' + L"*.*" + L'\0';
+  filter += L"All files (*.*)|*.*|";
+  std::ranges::replace(filter, L'|', L'\0');  // which no file name contains
+  return filter;
 }
 
 BOOL Ask(HWND owner, const wchar_t* title, const wchar_t* otherExtension, std::wstring* path, DWORD flags,

@@ -236,7 +236,8 @@ def names_in(statement: list[str]) -> list[str]:
     if CONSTANT.match(text):
         return [row[0].strip("`") for row in constant_rows(statement)]
     text = re.sub(r"^template <[^>]*> ", "", text)
-    for pattern in (r"(?:enum class|enum|struct|class|using) (\w+)", r"extern .*\b(\w+);", r"inline constexpr \w+ (\w+)"):
+    for pattern in (r"(?:enum class|enum|struct|class|using) (\w+)", r"extern .*\b(\w+);",
+                    r"inline constexpr \w+ (\w+)"):
         if found := re.match(pattern, text):
             return [found.group(1)]
     found = FUNCTION.search(text)
