@@ -55,6 +55,11 @@ start_display() {
 use_wine_desktop() {
   local size=${1:-} key='HKCU\Software\Wine\Explorer'
   if [ -n "$size" ]; then
+    # A desktop of another size that an earlier script has set would open with the first program.
+    if grep -qs '^"Desktop"="Bench"' "$WINEPREFIX/user.reg" && ! grep -q "^\"Bench\"=\"$size\"" "$WINEPREFIX/user.reg"; then
+      use_wine_desktop
+      stop_wine
+    fi
     wine reg add "$key" /v Desktop /d Bench /f >/dev/null 2>&1
     wine reg add "$key\Desktops" /v Bench /d "$size" /f >/dev/null 2>&1
     # Start the desktop before any program uses it: otherwise the first program would start it, and it would inherit that
