@@ -13,7 +13,7 @@ namespace camview {
 
 template <class Object>
 struct ObjectState {
-  HGLOBAL hMemory;  // of this record
+  HGLOBAL hMemory;  // of this block
   Object* object;
 };
 

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-
 #include <string>
 #include <utility>
 
@@ -123,6 +122,9 @@ void ExportMarked(View& view) {
   }
   view.exportTarget = path;
   view.isExporting = view.exporter.Start(task);
+  if (!view.isExporting) {
+    return ShowLine(view, StatusMark::kError, TextWith(IDS_EXPORT_FAILED, kv::FileNameOf(path.c_str()), L""));
+  }
   ShowLine(view, StatusMark::kWaiting, TextWith(IDS_EXPORTING, kv::FileNameOf(path.c_str())));
   ShowWork(view);
   UpdateTimer(view);

@@ -62,7 +62,7 @@ bool Encode(const GdiPlus& system, HBITMAP bitmap, const wchar_t* path) {
 BOOL SaveBitmapAsPng(HBITMAP bitmap, const wchar_t* path) {
   if (!System() || !IsReadableText(path)) return FALSE;
   // An existing file is replaced only by a complete image.
-  const std::wstring part = std::wstring(path) + L".part";
+  const std::wstring part = std::wstring(path) + L"." + std::to_wstring(GetCurrentProcessId()) + L".part";
   if (Encode(*System(), bitmap, part.c_str()) && MoveFileExW(part.c_str(), path, MOVEFILE_REPLACE_EXISTING))
     return TRUE;
   DeleteFileW(part.c_str());

@@ -21,7 +21,9 @@ std::string BytesOf(const std::filesystem::path& path) {
 }
 
 TEST(PngFiles, AreWrittenWholeOrNotAtAll) {
-  const std::filesystem::path path = std::filesystem::temp_directory_path() / L"a picture – рисунок.png";
+  const std::filesystem::path folder = std::filesystem::temp_directory_path() / L"png files";
+  const std::filesystem::path path = folder / L"an image – рисунок.png";
+  std::filesystem::create_directories(folder / L"a folder.png");
   Surface surface;
   ASSERT_TRUE(surface.Create({70, 40}));
   for (LONG y = 0; y < 40; ++y) std::fill_n(surface.Row(y), 70, 0x00336699u);
@@ -36,8 +38,9 @@ TEST(PngFiles, AreWrittenWholeOrNotAtAll) {
   EXPECT_EQ(bytes, BytesOf(path));
   EXPECT_FALSE(SaveBitmapAsPng(surface.bitmap(), (path / L"below a file.png").c_str()));
   EXPECT_FALSE(SaveBitmapAsPng(surface.bitmap(), reinterpret_cast<const wchar_t*>(16)));
-  std::filesystem::remove(path);
-  EXPECT_FALSE(std::filesystem::exists(path.wstring() + L".part"));
+  EXPECT_FALSE(SaveBitmapAsPng(surface.bitmap(), (folder / L"a folder.png").c_str()));
+  EXPECT_EQ(2, std::distance(std::filesystem::directory_iterator(folder), {}));  // nothing temporary
+  std::filesystem::remove_all(folder);
 }
 
 }  // namespace
