@@ -217,7 +217,7 @@ void AddValue(LONG value, bool isFirst, Spread* spread) {
 }  // namespace
 
 void AddPoint(const kv::CameraPoint& point, PointSummary* summary) {
-  if (point.x == kv::kNoPoint || point.y == kv::kNoPoint) return;
+  if (!IsSeen(point)) return;
   const bool isFirst = summary->seen++ == 0;
   AddValue(point.x, isFirst, &summary->x);
   AddValue(point.y, isFirst, &summary->y);

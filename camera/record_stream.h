@@ -94,7 +94,12 @@ struct PointSummary {
   Spread x, y;
 };
 
-// Adds the point of a record in range. A point with a coordinate of 1023 is not seen.
+// Returns whether the camera sees the point: neither coordinate is 1023.
+inline bool IsSeen(const kv::CameraPoint& point) {
+  return point.x != kv::kNoPoint && point.y != kv::kNoPoint;
+}
+
+// Adds the point of a record in range.
 void AddPoint(const kv::CameraPoint& point, PointSummary* summary);
 
 // Adds another summary.

@@ -43,14 +43,10 @@ struct Watcher {
   bool isOver = false;  // the time limit has passed
 };
 
-bool IsSeen(const kv::CameraPoint& point) {
-  return point.x != kv::kNoPoint && point.y != kv::kNoPoint;
-}
-
 void AppendText(const camera::FoundRecord& record, std::string* text) {
   *text += camera::Format("%10.3f", record.seconds);
   for (const kv::CameraPoint& point : record.points) {
-    const std::string shown = IsSeen(point) ? camera::Format("%ld,%ld", point.x, point.y) : std::string("-");
+    const std::string shown = camera::IsSeen(point) ? camera::Format("%ld,%ld", point.x, point.y) : std::string("-");
     *text += camera::Format("  %9s", shown.c_str());
   }
   *text += record.isOdd ? "  odd\n" : "\n";
@@ -60,7 +56,7 @@ void AppendJson(const camera::FoundRecord& record, std::string* text) {
   *text += camera::Format("{\"seconds\":%.6f,\"points\":", record.seconds);
   char separator = '[';
   for (const kv::CameraPoint& point : record.points) {
-    *text += separator + (IsSeen(point) ? camera::Format("[%ld,%ld]", point.x, point.y) : std::string("null"));
+    *text += separator + (camera::IsSeen(point) ? camera::Format("[%ld,%ld]", point.x, point.y) : std::string("null"));
     separator = ',';
   }
   *text += record.isOdd ? "],\"odd\":true}\n" : "]}\n";

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "app/camera_record.h"
+#include "camera/record_stream.h"
 #include "camview/control_object.h"
 #include "camview/record_store.h"
 #include "framework/accessible.h"
@@ -43,10 +44,6 @@ struct Field {
   kv::CoverageShape shape;
   kv::MemoryDc dc{nullptr};
 };
-
-bool IsSeen(const kv::CameraPoint& point) {
-  return point.x != kv::kNoPoint && point.y != kv::kNoPoint;
-}
 
 // ---- Layout ---------------------------------------------------------------------------------------------------------
 
@@ -132,7 +129,7 @@ void DrawTrail(kv::Canvas& canvas, const Field& field, const FieldLayout& layout
   for (const StoredRecord& record : field.records) {
     const double age = field.now - record.seconds;
     if (!(age <= field.trailSeconds)) continue;
-    if (!IsSeen(record.points[point])) {
+    if (!camera::IsSeen(record.points[point])) {
       from = nullptr;
       continue;
     }
@@ -207,13 +204,15 @@ void Render(const Field& field, kv::Canvas& canvas) {
   for (int i = 0; field.trailSeconds > 0 && i < kv::kPointCount; ++i) DrawTrail(canvas, field, layout, colors, i);
   const StoredRecord& shown = field.records.back();
   for (int i = 0; i < kv::kPointCount; ++i) {
-    if (IsSeen(shown.points[i])) DrawMarker(canvas, colors, i, PositionOf(layout, shown.points[i]), layout.markerPx);
+    if (camera::IsSeen(shown.points[i]))
+      DrawMarker(canvas, colors, i, PositionOf(layout, shown.points[i]), layout.markerPx);
   }
   const kv::OwnedFont font = kv::MakeFont(-layout.fontPx, FW_BOLD);
   const kv::SelectedObject selected(canvas.dc(), font);
   SetBkMode(canvas.dc(), TRANSPARENT);
   for (int i = 0; i < kv::kPointCount; ++i) {
-    if (IsSeen(shown.points[i])) DrawNumber(canvas, layout, i, PositionOf(layout, shown.points[i]), colors.points[i]);
+    if (camera::IsSeen(shown.points[i]))
+      DrawNumber(canvas, layout, i, PositionOf(layout, shown.points[i]), colors.points[i]);
   }
 }
 
@@ -302,7 +301,7 @@ kv::AccessibleText Describe(HWND window) {
   if (!field || field->records.empty()) return text;
   for (int i = 0; i < kv::kPointCount; ++i) {
     const kv::CameraPoint& point = field->records.back().points[i];
-    if (!IsSeen(point)) continue;
+    if (!camera::IsSeen(point)) continue;
     if (!text.value.empty()) text.value += L"; ";
     text.value += std::to_wstring(i + 1) + L": " + std::to_wstring(point.x) + L", " + std::to_wstring(point.y);
   }

@@ -8,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "app/camera_record.h"
 #include "camview/camera_field.h"
 #include "camview/envelope.h"
 #include "camview/record_store.h"
@@ -26,12 +25,12 @@ constexpr unsigned kAllChannels = (1u << kChannels) - 1;
 constexpr double kGap = std::numeric_limits<double>::quiet_NaN();
 constexpr int kFineBuckets = 2000;    // for the visible span; more than the columns of a screen
 constexpr int kCoarseBuckets = 2000;  // for the rest
-constexpr double kBeside = 1;         // spans with details on either side of the visible one
+constexpr double kMarginSpans = 1;    // spans with details on either side of the visible one
 // A span shorter by this factor needs more details.
 constexpr double kFurther = 1.5;
 constexpr int kSamplesOfBucket = 5;  // four, and a gap
 constexpr DWORD kCapacity =
-    (kFineBuckets * (1 + 2 * static_cast<int>(kBeside)) + 2 * kCoarseBuckets) * kSamplesOfBucket;
+    (kFineBuckets * (1 + 2 * static_cast<int>(kMarginSpans)) + 2 * kCoarseBuckets) * kSamplesOfBucket;
 // Capacity for appended records.
 constexpr long long kMaxAppended = 16384;
 
@@ -85,7 +84,7 @@ bool HasDetails(const ChartFeed& feed, const kv::StripStretch& whole, const kv::
 void FeedCharts(HWND window, const RecordStore& store, const kv::StripStretch& whole, const kv::StripStretch& shown,
                 ChartFeed* feed) {
   feed->span = std::max(std::min(shown.to, whole.to) - std::max(shown.from, whole.from), 0.0);
-  const double beside = (shown.to - shown.from) * kBeside;
+  const double beside = (shown.to - shown.from) * kMarginSpans;
   feed->fine = {std::max(shown.from - beside, whole.from), std::min(shown.to + beside, whole.to)};
   const double length = std::max(whole.to - whole.from, 1e-3);
   // If the span exceeds the whole, buckets are for the existing records.
@@ -119,10 +118,8 @@ bool AppendNewRecords(HWND window, const RecordStore& store, ChartFeed* feed) {
   for (; feed->next < store.End(); ++feed->next) {
     const StoredRecord record = store.Get(feed->next);
     for (int channel = 0; channel < kChannels; ++channel) {
-      const kv::CameraPoint& point = record.points[channel / 2];
-      const bool isSeen = point.x != kv::kNoPoint && point.y != kv::kNoPoint;
       if (record.flags & kAfterSilence) curves[channel].push_back({record.seconds, kGap});
-      curves[channel].push_back({record.seconds, isSeen ? (channel % 2 ? point.y : point.x) : kGap});
+      curves[channel].push_back({record.seconds, ValueOf(record, channel)});
     }
     feed->fine.to = std::max(feed->fine.to, record.seconds);
   }

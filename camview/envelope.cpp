@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "app/camera_record.h"
+#include "camera/record_stream.h"
 #include "camview/record_store.h"
 #include "controls/strip_chart/strip_chart.h"
 
@@ -19,13 +20,6 @@ namespace {
 constexpr int kRecordsOfBucket = 4;  // equals the samples of a bucket
 constexpr size_t kBatchRecords = 512;
 constexpr double kGap = std::numeric_limits<double>::quiet_NaN();
-
-// NaN where the point is not seen.
-double ValueOf(const StoredRecord& record, int channel) {
-  const kv::CameraPoint& point = record.points[channel / 2];
-  const bool isSeen = point.x != kv::kNoPoint && point.y != kv::kNoPoint;
-  return isSeen ? static_cast<double>(channel % 2 == 0 ? point.x : point.y) : kGap;
-}
 
 // Ends the line at the last sample. Consecutive gaps are one.
 void AddGap(std::vector<kv::StripSample>* curve) {
@@ -85,6 +79,11 @@ void AddBucket(const RecordStore& store, long long first, long long end, unsigne
 }
 
 }  // namespace
+
+double ValueOf(const StoredRecord& record, int channel) {
+  const kv::CameraPoint& point = record.points[channel / 2];
+  return camera::IsSeen(point) ? static_cast<double>(channel % 2 == 0 ? point.x : point.y) : kGap;
+}
 
 void MakeCurves(const RecordStore& store, double from, double to, int buckets, unsigned channels, Curves* curves) {
   for (auto& curve : *curves) curve.clear();

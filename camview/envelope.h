@@ -9,6 +9,9 @@
 
 namespace camview {
 
+// A coordinate of a record; NaN where the point is not seen.
+double ValueOf(const StoredRecord& record, int channel);
+
 using Curves = std::array<std::vector<kv::StripSample>, kChannels>;
 
 // Computes samples of the channels in the mask `channels` (bit 0: x of point 1) from `from` to `to` seconds, and of the

@@ -12,7 +12,6 @@
 #include <string>
 #include <utility>
 
-#include "app/camera_record.h"
 #include "camera/files.h"
 #include "camera/ports.h"
 #include "camera/record_stream.h"
@@ -27,9 +26,7 @@ constexpr DWORD kTurnMs = 100, kRetryMs = 500, kEndMs = 1000;
 constexpr double kRateSeconds = 2;
 
 bool HasPoint(const camera::FoundRecord& record) {
-  return record.isInRange && std::ranges::any_of(record.points, [](const kv::CameraPoint& point) {
-           return point.x != kv::kNoPoint && point.y != kv::kNoPoint;
-         });
+  return record.isInRange && std::ranges::any_of(record.points, camera::IsSeen);
 }
 
 LiveState StateOf(camera::PortState state, bool wasOpen) {
