@@ -1,6 +1,6 @@
 #include "app/app_context.h"
 
-#include "framework/guards.h"
+#include "kv/framework/guards.h"
 
 namespace kv {
 

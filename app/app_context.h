@@ -9,7 +9,7 @@
 #include <windows.h>
 
 #include "app/camera_record.h"
-#include "framework/dialog_layout.h"
+#include "kv/framework/dialog_layout.h"
 
 namespace kv {
 

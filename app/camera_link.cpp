@@ -4,7 +4,7 @@
 
 #include "app/app_context.h"
 #include "app/camera_record.h"
-#include "framework/bounded_format.h"
+#include "kv/framework/bounded_format.h"
 
 namespace kv {
 

@@ -7,10 +7,10 @@
 #include <cmath>
 
 #include "app/app_context.h"
-#include "framework/bitmaps.h"
-#include "framework/dialog_layout.h"
-#include "framework/guards.h"
-#include "framework/painting.h"
+#include "kv/framework/bitmaps.h"
+#include "kv/framework/dialog_layout.h"
+#include "kv/framework/guards.h"
+#include "kv/framework/painting.h"
 
 namespace kv {
 

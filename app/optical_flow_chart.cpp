@@ -7,11 +7,11 @@
 #include <string>
 
 #include "app/camera_record.h"
-#include "framework/accessible.h"
-#include "framework/bitmaps.h"
-#include "framework/control_class.h"
-#include "framework/guards.h"
-#include "framework/window_state.h"
+#include "kv/framework/accessible.h"
+#include "kv/framework/bitmaps.h"
+#include "kv/framework/control_class.h"
+#include "kv/framework/guards.h"
+#include "kv/framework/window_state.h"
 
 namespace kv {
 

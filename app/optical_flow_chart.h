@@ -18,7 +18,7 @@
 #include <windows.h>
 
 #include "app/camera_record.h"
-#include "framework/control_class.h"
+#include "kv/framework/control_class.h"
 
 namespace kv {
 

@@ -5,12 +5,12 @@
 #include "app/app_context.h"
 #include "app/main_dialog.h"
 #include "app/optical_flow_chart.h"
-#include "controls/display_instrument.h"
-#include "controls/line_recorder.h"
-#include "controls/simple_bitmap.h"
-#include "framework/dialog.h"
-#include "framework/modules.h"
-#include "framework/window_state.h"
+#include "kv/controls/display_instrument.h"
+#include "kv/controls/line_recorder.h"
+#include "kv/controls/simple_bitmap.h"
+#include "kv/framework/dialog.h"
+#include "kv/framework/modules.h"
+#include "kv/framework/window_state.h"
 
 namespace kv {
 

@@ -14,11 +14,11 @@
 #include <string>
 #include <vector>
 
-#include "controls/instrument/cache.h"
-#include "framework/canvas.h"
-#include "framework/coverage.h"
-#include "framework/glyph_outline.h"
-#include "framework/guards.h"
+#include "kv/controls/instrument/cache.h"
+#include "kv/framework/canvas.h"
+#include "kv/framework/coverage.h"
+#include "kv/framework/glyph_outline.h"
+#include "kv/framework/guards.h"
 
 namespace {
 

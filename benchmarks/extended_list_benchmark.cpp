@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "camera/ports.h"
-#include "lists/extended_list.h"
+#include "kv/lists/extended_list.h"
 
 namespace {
 

@@ -11,11 +11,11 @@
 #include <vector>
 
 #include "benchmarks/processor_time.h"
-#include "controls/display_instrument.h"
-#include "controls/instrument_block.h"
-#include "framework/bitmaps.h"
-#include "framework/control_class.h"
-#include "framework/guards.h"
+#include "kv/controls/display_instrument.h"
+#include "kv/controls/instrument_block.h"
+#include "kv/framework/bitmaps.h"
+#include "kv/framework/control_class.h"
+#include "kv/framework/guards.h"
 
 namespace {
 

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "camera/ports.h"
-#include "export/flight_track.h"
-#include "export/kml_export.h"
+#include "kv/export/flight_track.h"
+#include "kv/export/kml_export.h"
 
 // MinGW has two families of formatted output; Visual Studio only has the runtime's.
 #ifdef __MINGW32__

@@ -8,7 +8,7 @@
 #include <random>
 
 #include "camera/ports.h"
-#include "views3d/mesh_model.h"
+#include "kv/views3d/mesh_model.h"
 
 namespace {
 

@@ -12,12 +12,12 @@
 #include <vector>
 
 #include "benchmarks/processor_time.h"
-#include "controls/horizon/horizon.h"
-#include "controls/line_recorder.h"
-#include "controls/strip_chart/strip_chart.h"
-#include "framework/bitmaps.h"
-#include "framework/control_class.h"
-#include "framework/guards.h"
+#include "kv/controls/horizon/horizon.h"
+#include "kv/controls/line_recorder.h"
+#include "kv/controls/strip_chart/strip_chart.h"
+#include "kv/framework/bitmaps.h"
+#include "kv/framework/control_class.h"
+#include "kv/framework/guards.h"
 
 namespace {
 

@@ -17,8 +17,8 @@
 #include "camtool/arguments.h"
 #include "camtool/commands.h"
 #include "camtool/console.h"
-#include "framework/modules.h"
-#include "framework/version.h"
+#include "kv/framework/modules.h"
+#include "kv/framework/version.h"
 
 namespace camtool {
 

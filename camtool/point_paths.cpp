@@ -11,7 +11,7 @@
 
 #include "app/camera_record.h"
 #include "camtool/arguments.h"
-#include "framework/numbers.h"
+#include "kv/framework/numbers.h"
 
 namespace camtool {
 

@@ -13,8 +13,8 @@
 #include "camview/record_store.h"
 #include "camview/resource_ids.h"
 #include "camview/status_line.h"
-#include "controls/strip_chart/strip_chart.h"
-#include "toolkit/strip_chart.h"
+#include "kv/controls/strip_chart/strip_chart.h"
+#include "kv/toolkit/strip_chart.h"
 
 namespace camview {
 

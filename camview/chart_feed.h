@@ -5,7 +5,7 @@
 #include <windows.h>
 
 #include "camview/record_store.h"
-#include "controls/strip_chart/strip_chart.h"
+#include "kv/controls/strip_chart/strip_chart.h"
 
 namespace camview {
 

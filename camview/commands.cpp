@@ -16,10 +16,10 @@
 #include "camview/resource_ids.h"
 #include "camview/status_line.h"
 #include "camview/view.h"
-#include "controls/strip_chart/strip_chart.h"
-#include "framework/version.h"
-#include "toolkit/languages.h"
-#include "toolkit/locale_text.h"
+#include "kv/controls/strip_chart/strip_chart.h"
+#include "kv/framework/version.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/locale_text.h"
 
 namespace camview {
 

@@ -7,7 +7,7 @@
 
 #include <new>
 
-#include "framework/window_state.h"
+#include "kv/framework/window_state.h"
 
 namespace camview {
 

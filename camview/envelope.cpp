@@ -11,7 +11,7 @@
 #include "app/camera_record.h"
 #include "camera/record_stream.h"
 #include "camview/record_store.h"
-#include "controls/strip_chart/strip_chart.h"
+#include "kv/controls/strip_chart/strip_chart.h"
 
 namespace camview {
 

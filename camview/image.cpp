@@ -10,14 +10,14 @@
 #include "camview/settings.h"
 #include "camview/status_line.h"
 #include "camview/view.h"
-#include "framework/bitmaps.h"
-#include "framework/canvas.h"
-#include "framework/file_path.h"
-#include "framework/guards.h"
-#include "framework/painting.h"
-#include "toolkit/ask_path.h"
-#include "toolkit/languages.h"
-#include "toolkit/png_file.h"
+#include "kv/framework/bitmaps.h"
+#include "kv/framework/canvas.h"
+#include "kv/framework/file_path.h"
+#include "kv/framework/guards.h"
+#include "kv/framework/painting.h"
+#include "kv/toolkit/ask_path.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/png_file.h"
 
 namespace camview {
 

@@ -6,10 +6,10 @@
 #include <vector>
 
 #include "camview/resource_ids.h"
-#include "lists/list_navigation.h"
-#include "toolkit/languages.h"
-#include "toolkit/list_columns.h"
-#include "toolkit/scaled_dialog.h"
+#include "kv/lists/list_navigation.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/list_columns.h"
+#include "kv/toolkit/scaled_dialog.h"
 
 namespace camview {
 

@@ -17,10 +17,10 @@
 #include "camview/settings.h"
 #include "camview/status_line.h"
 #include "camview/view.h"
-#include "framework/bounded_format.h"
-#include "framework/file_path.h"
-#include "toolkit/ask_path.h"
-#include "toolkit/languages.h"
+#include "kv/framework/bounded_format.h"
+#include "kv/framework/file_path.h"
+#include "kv/toolkit/ask_path.h"
+#include "kv/toolkit/languages.h"
 
 namespace camview {
 

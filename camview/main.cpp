@@ -11,9 +11,9 @@
 #include "camview/resource_ids.h"
 #include "camview/status_line.h"
 #include "camview/window.h"
-#include "framework/modules.h"
-#include "toolkit/languages.h"
-#include "toolkit/scaled_dialog.h"
+#include "kv/framework/modules.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/scaled_dialog.h"
 
 namespace {
 

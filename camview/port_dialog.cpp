@@ -10,9 +10,9 @@
 #include "camview/port_finder.h"
 #include "camview/resource_ids.h"
 #include "camview/status_line.h"
-#include "toolkit/languages.h"
-#include "toolkit/locale_text.h"
-#include "toolkit/scaled_dialog.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/locale_text.h"
+#include "kv/toolkit/scaled_dialog.h"
 
 namespace camview {
 

@@ -21,10 +21,10 @@
 #include "camview/status_line.h"
 #include "camview/stretch_export.h"
 #include "camview/view.h"
-#include "framework/file_path.h"
-#include "toolkit/ask_path.h"
-#include "toolkit/languages.h"
-#include "toolkit/locale_text.h"
+#include "kv/framework/file_path.h"
+#include "kv/toolkit/ask_path.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/locale_text.h"
 
 namespace camview {
 

@@ -1,7 +1,7 @@
 // Resource ids of camview, for C++ and resource scripts.
 #pragma once
 
-#include "resource.h"
+#include "kv/resource.h"
 
 #define IDI_CAMVIEW 1
 #define IDI_CAMVIEW_SMALL 2

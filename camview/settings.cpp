@@ -3,9 +3,9 @@
 #include <climits>
 #include <string>
 
-#include "framework/file_path.h"
-#include "framework/guards.h"
-#include "framework/window_position.h"
+#include "kv/framework/file_path.h"
+#include "kv/framework/guards.h"
+#include "kv/framework/window_position.h"
 
 namespace camview {
 

@@ -14,11 +14,11 @@
 #include "camview/statistics.h"
 #include "camview/status_line.h"
 #include "camview/view.h"
-#include "controls/strip_chart/strip_chart.h"
-#include "lists/list_navigation.h"
-#include "toolkit/list_columns.h"
-#include "toolkit/locale_text.h"
-#include "toolkit/scaled_dialog.h"
+#include "kv/controls/strip_chart/strip_chart.h"
+#include "kv/lists/list_navigation.h"
+#include "kv/toolkit/list_columns.h"
+#include "kv/toolkit/locale_text.h"
+#include "kv/toolkit/scaled_dialog.h"
 
 namespace camview {
 

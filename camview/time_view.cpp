@@ -19,10 +19,10 @@
 #include "camview/status_line.h"
 #include "camview/timeline.h"
 #include "camview/view.h"
-#include "controls/strip_chart/strip_chart.h"
-#include "framework/control_class.h"
-#include "toolkit/languages.h"
-#include "toolkit/strip_chart.h"
+#include "kv/controls/strip_chart/strip_chart.h"
+#include "kv/framework/control_class.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/strip_chart.h"
 
 namespace camview {
 

@@ -15,14 +15,14 @@
 #include "camview/control_object.h"
 #include "camview/playback.h"
 #include "camview/record_store.h"
-#include "framework/accessible.h"
-#include "framework/bitmaps.h"
-#include "framework/canvas.h"
-#include "framework/control_class.h"
-#include "framework/coverage.h"
-#include "framework/guards.h"
-#include "framework/window_state.h"
-#include "toolkit/appearance.h"
+#include "kv/framework/accessible.h"
+#include "kv/framework/bitmaps.h"
+#include "kv/framework/canvas.h"
+#include "kv/framework/control_class.h"
+#include "kv/framework/coverage.h"
+#include "kv/framework/guards.h"
+#include "kv/framework/window_state.h"
+#include "kv/toolkit/appearance.h"
 
 namespace camview {
 

@@ -20,7 +20,7 @@
 #include <windows.h>
 
 #include "camview/record_store.h"
-#include "framework/control_class.h"
+#include "kv/framework/control_class.h"
 
 namespace camview {
 

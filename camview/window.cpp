@@ -21,11 +21,11 @@
 #include "camview/status_line.h"
 #include "camview/timeline.h"
 #include "camview/view.h"
-#include "controls/strip_chart/strip_chart.h"
-#include "framework/control_class.h"
-#include "framework/file_path.h"
-#include "toolkit/languages.h"
-#include "toolkit/scaled_dialog.h"
+#include "kv/controls/strip_chart/strip_chart.h"
+#include "kv/framework/control_class.h"
+#include "kv/framework/file_path.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/scaled_dialog.h"
 
 namespace camview {
 

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "framework/language.h"
-#include "toolkit/scaled_dialog.h"
+#include "kv/framework/language.h"
+#include "kv/toolkit/scaled_dialog.h"
 
 namespace camview {
 

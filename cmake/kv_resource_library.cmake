@@ -13,11 +13,11 @@ endif()
 
 # kv_add_resource_library(NAME script.rc...)
 # Adds NAME.dll, a library with resources and no code, not even an entry point: a language of a program for
-# LoadLanguageResources (framework/language.h). It is loaded at runtime, never linked.
+# LoadLanguageResources (kv/framework/language.h). It is loaded at runtime, never linked.
 function(kv_add_resource_library name)
   add_library(${name} MODULE ${ARGN})
   set_target_properties(${name} PROPERTIES PREFIX "" SUFFIX ".dll" LINKER_LANGUAGE C)
-  # Language libraries can include <kv/resource.h> as well.
+  # Language libraries can include "kv/resource.h" as well.
   target_include_directories(${name} PRIVATE $<TARGET_PROPERTY:kv::kv,INTERFACE_INCLUDE_DIRECTORIES>)
   if(MSVC)
     target_link_options(${name} PRIVATE /NOENTRY)

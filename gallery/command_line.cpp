@@ -4,9 +4,9 @@
 
 #include <string>
 
-#include "framework/language.h"
+#include "kv/framework/language.h"
 #include "gallery/pages.h"
-#include "toolkit/languages.h"
+#include "kv/toolkit/languages.h"
 
 namespace gallery {
 

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "framework/language.h"
+#include "kv/framework/language.h"
 
 namespace gallery {
 

@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "framework/guards.h"
-#include "framework/painting.h"
-#include "toolkit/appearance.h"
+#include "kv/framework/guards.h"
+#include "kv/framework/painting.h"
+#include "kv/toolkit/appearance.h"
 
 namespace gallery {
 

@@ -5,22 +5,22 @@
 #include <cstring>
 #include <string>
 
-#include "framework/bitmaps.h"
-#include "framework/control_class.h"
-#include "framework/guards.h"
-#include "framework/language.h"
-#include "framework/numbers.h"
-#include "framework/painting.h"
-#include "framework/tooltips.h"
-#include "framework/window_position.h"
+#include "kv/framework/bitmaps.h"
+#include "kv/framework/control_class.h"
+#include "kv/framework/guards.h"
+#include "kv/framework/language.h"
+#include "kv/framework/numbers.h"
+#include "kv/framework/painting.h"
+#include "kv/framework/tooltips.h"
+#include "kv/framework/window_position.h"
 #include "gallery/command_line.h"
 #include "gallery/drawing.h"
 #include "gallery/pages.h"
 #include "gallery/resource_ids.h"
-#include "toolkit/appearance.h"
-#include "toolkit/languages.h"
-#include "toolkit/pages.h"
-#include "toolkit/scaled_dialog.h"
+#include "kv/toolkit/appearance.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/pages.h"
+#include "kv/toolkit/scaled_dialog.h"
 
 namespace gallery {
 

@@ -5,7 +5,7 @@
 #include <windows.h>
 
 #include "gallery/command_line.h"
-#include "toolkit/scaled_dialog.h"
+#include "kv/toolkit/scaled_dialog.h"
 
 namespace gallery {
 

@@ -16,14 +16,14 @@
 #include <string>
 
 #include "app/optical_flow_chart.h"
-#include "framework/modules.h"
+#include "kv/framework/modules.h"
 #include "gallery/command_line.h"
 #include "gallery/frame.h"
 #include "gallery/pages.h"
 #include "gallery/pages/mesh_view.h"
 #include "gallery/resource_ids.h"
-#include "toolkit/languages.h"
-#include "toolkit/scaled_dialog.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/scaled_dialog.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <span>
 #include <string>
 
-#include "framework/tooltips.h"
+#include "kv/framework/tooltips.h"
 #include "gallery/resource_ids.h"
-#include "toolkit/languages.h"
+#include "kv/toolkit/languages.h"
 
 namespace gallery {
 

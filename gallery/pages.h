@@ -1,4 +1,4 @@
-// The gallery's pages: dialogs of the toolkit (toolkit/pages.h), each with a template and a dialog procedure in
+// The gallery's pages: dialogs of the toolkit (kv/toolkit/pages.h), each with a template and a dialog procedure in
 // gallery/pages/NAME_page.cpp and NAME_page.rc. The ids of controls are in the page's range (resource_ids.h); a page is
 // about 400 x 290 dialog units. A page is created when it is first shown, and may pause while it is hidden. Main thread
 // only.
@@ -9,9 +9,9 @@
 #include <span>
 #include <string>
 
-#include "framework/bounded_format.h"
-#include "toolkit/languages.h"
-#include "toolkit/scaled_dialog.h"
+#include "kv/framework/bounded_format.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/scaled_dialog.h"
 
 namespace gallery {
 

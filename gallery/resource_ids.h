@@ -2,7 +2,7 @@
 // #defines.
 #pragma once
 
-#include "resource.h"
+#include "kv/resource.h"
 
 #define IDI_GALLERY 1
 #define IDI_GALLERY_SMALL 2

@@ -21,8 +21,7 @@ REFERENCE = ROOT / "docs" / "reference"
 HEADERS = re.compile(r"^Headers:.*?\n\n", re.MULTILINE | re.DOTALL)
 INTERFACE = re.compile(r"^## Interface\n.*?(?=^## |\Z)", re.MULTILINE | re.DOTALL)
 EXAMPLE = re.compile(r"From \[`([^`]+)`\]\([^)]*\):\n\n```(?:cpp|rc)\n(.*?)```", re.DOTALL)
-FILE = re.compile(r"(?<![\w/.])(?:app|cam\w+|cmake|docs|gallery|samples|tests|toolkit|tools|controls|framework|lists|"
-                  r"export|capture|views3d|resources)/[\w/]*\w\.(?:h|cpp|rc|py|sh|cmake|txt|md)\b")
+FILE = re.compile(r"(?<![\w/.])(?:app|cam\w+|cmake|docs|gallery|kv|samples|tests|tools|resources)/[\w/]*\w\.(?:h|cpp|rc|py|sh|cmake|txt|md)\b")
 LINK = re.compile(r"!?\[[^\]]*\]\(([^)\s:]+)\)")
 
 
@@ -87,7 +86,7 @@ def linked(text: str, page: Path, places: dict[str, Path]) -> str:
         return f"[{name}]({place.name if place != page else ''}#{slug(name)})" if place else name
 
     parts = re.split(r"(^```.*?^```|^#.*?$)", text, flags=re.MULTILINE | re.DOTALL)
-    parts[::2] = [re.sub(r"(?<![\w/`])(?:\w+/)\w+\.h\b(?!`)", link, part) for part in parts[::2]]
+    parts[::2] = [re.sub(r"(?<![\w/`])(?:\w+/)+\w+\.h\b(?!`)", link, part) for part in parts[::2]]
     return "".join(parts)
 
 

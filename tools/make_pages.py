@@ -26,7 +26,7 @@ MENU = {
 }
 # Files of the package outside of its pages, relative to the folder of the pages.
 ELSEWHERE = {"LICENSE": "../LICENSE.txt", "CHANGELOG.md": "../CHANGELOG.txt"}
-HEADER = re.compile(r"(?:kv|resource|(?:framework|controls|lists|views3d|capture|export|toolkit)/.*)\.h")
+HEADER = re.compile(r"kv/.*\.h")
 
 
 def slug(heading: str) -> str:
@@ -54,7 +54,7 @@ def target_of(source: str, pages: list[str]) -> str | None:
     if source in ELSEWHERE:
         return ELSEWHERE[source]
     if HEADER.fullmatch(source):
-        return "../sdk/include/kv/" + source
+        return "../sdk/include/" + source
     if source == "samples":
         return place_of("samples/README.md")
     return "../sdk/share/kv/" + source if source.startswith("samples/") else None

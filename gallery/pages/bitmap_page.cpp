@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "controls/simple_bitmap.h"
-#include "framework/bounded_format.h"
+#include "kv/controls/simple_bitmap.h"
+#include "kv/framework/bounded_format.h"
 #include "gallery/resource_ids.h"
-#include "toolkit/empty_text.h"
-#include "toolkit/languages.h"
-#include "toolkit/scaled_dialog.h"
+#include "kv/toolkit/empty_text.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/scaled_dialog.h"
 
 namespace gallery {
 

@@ -5,17 +5,17 @@
 #include <algorithm>
 #include <string>
 
-#include "capture/video_capture.h"
-#include "framework/bounded_format.h"
-#include "framework/file_path.h"
-#include "framework/guards.h"
-#include "framework/painting.h"
+#include "kv/capture/video_capture.h"
+#include "kv/framework/bounded_format.h"
+#include "kv/framework/file_path.h"
+#include "kv/framework/guards.h"
+#include "kv/framework/painting.h"
 #include "gallery/resource_ids.h"
-#include "toolkit/appearance.h"
-#include "toolkit/languages.h"
-#include "toolkit/locale_text.h"
-#include "toolkit/pages.h"
-#include "toolkit/scaled_dialog.h"
+#include "kv/toolkit/appearance.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/locale_text.h"
+#include "kv/toolkit/pages.h"
+#include "kv/toolkit/scaled_dialog.h"
 
 namespace gallery {
 

@@ -5,12 +5,12 @@
 
 #include "app/camera_record.h"
 #include "app/optical_flow_chart.h"
-#include "framework/control_class.h"
-#include "framework/numbers.h"
+#include "kv/framework/control_class.h"
+#include "kv/framework/numbers.h"
 #include "gallery/resource_ids.h"
-#include "toolkit/languages.h"
-#include "toolkit/pages.h"
-#include "toolkit/scaled_dialog.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/pages.h"
+#include "kv/toolkit/scaled_dialog.h"
 
 namespace gallery {
 

@@ -5,14 +5,14 @@
 #include <algorithm>
 #include <string>
 
-#include "framework/calendar.h"
-#include "framework/dialog.h"
-#include "framework/window_position.h"
+#include "kv/framework/calendar.h"
+#include "kv/framework/dialog.h"
+#include "kv/framework/window_position.h"
 #include "gallery/resource_ids.h"
-#include "toolkit/languages.h"
-#include "toolkit/locale_text.h"
-#include "toolkit/pages.h"
-#include "toolkit/scaled_dialog.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/locale_text.h"
+#include "kv/toolkit/pages.h"
+#include "kv/toolkit/scaled_dialog.h"
 
 namespace gallery {
 

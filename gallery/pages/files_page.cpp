@@ -4,13 +4,13 @@
 
 #include <string>
 
-#include "framework/file_path.h"
+#include "kv/framework/file_path.h"
 #include "gallery/pages/notes_file.h"
 #include "gallery/resource_ids.h"
-#include "toolkit/ask_path.h"
-#include "toolkit/empty_text.h"
-#include "toolkit/languages.h"
-#include "toolkit/scaled_dialog.h"
+#include "kv/toolkit/ask_path.h"
+#include "kv/toolkit/empty_text.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/scaled_dialog.h"
 
 namespace gallery {
 

@@ -1,4 +1,4 @@
-#include "controls/instrument_block.h"
+#include "kv/controls/instrument_block.h"
 #include "gallery/pages.h"
 
 #include <cmath>
@@ -6,16 +6,16 @@
 #include <string>
 #include <vector>
 
-#include "controls/strip_chart/strip_chart.h"
-#include "framework/control_class.h"
+#include "kv/controls/strip_chart/strip_chart.h"
+#include "kv/framework/control_class.h"
 #include "gallery/pages/simulated_flight.h"
 #include "gallery/resource_ids.h"
-#include "toolkit/horizon.h"
-#include "toolkit/instruments.h"
-#include "toolkit/languages.h"
-#include "toolkit/pages.h"
-#include "toolkit/scaled_dialog.h"
-#include "toolkit/strip_chart.h"
+#include "kv/toolkit/horizon.h"
+#include "kv/toolkit/instruments.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/pages.h"
+#include "kv/toolkit/scaled_dialog.h"
+#include "kv/toolkit/strip_chart.h"
 
 namespace gallery {
 

@@ -4,13 +4,13 @@
 #include <string>
 #include <vector>
 
-#include "controls/instrument_block.h"
+#include "kv/controls/instrument_block.h"
 #include "gallery/pages/simulated_flight.h"
 #include "gallery/resource_ids.h"
-#include "toolkit/instruments.h"
-#include "toolkit/languages.h"
-#include "toolkit/pages.h"
-#include "toolkit/scaled_dialog.h"
+#include "kv/toolkit/instruments.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/pages.h"
+#include "kv/toolkit/scaled_dialog.h"
 
 namespace gallery {
 

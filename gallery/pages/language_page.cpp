@@ -4,16 +4,16 @@
 
 #include <string>
 
-#include "framework/bitmaps.h"
-#include "framework/file_path.h"
-#include "framework/guards.h"
-#include "framework/language.h"
-#include "framework/modules.h"
-#include "framework/painting.h"
+#include "kv/framework/bitmaps.h"
+#include "kv/framework/file_path.h"
+#include "kv/framework/guards.h"
+#include "kv/framework/language.h"
+#include "kv/framework/modules.h"
+#include "kv/framework/painting.h"
 #include "gallery/frame.h"
 #include "gallery/resource_ids.h"
-#include "toolkit/languages.h"
-#include "toolkit/scaled_dialog.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/scaled_dialog.h"
 
 namespace gallery {
 

@@ -6,15 +6,15 @@
 #include <iterator>
 #include <string>
 
-#include "framework/bitmaps.h"
-#include "framework/bounded_format.h"
+#include "kv/framework/bitmaps.h"
+#include "kv/framework/bounded_format.h"
 #include "gallery/resource_ids.h"
-#include "lists/extended_list.h"
-#include "lists/list_navigation.h"
-#include "toolkit/languages.h"
-#include "toolkit/list_columns.h"
-#include "toolkit/locale_text.h"
-#include "toolkit/scaled_dialog.h"
+#include "kv/lists/extended_list.h"
+#include "kv/lists/list_navigation.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/list_columns.h"
+#include "kv/toolkit/locale_text.h"
+#include "kv/toolkit/scaled_dialog.h"
 
 namespace gallery {
 

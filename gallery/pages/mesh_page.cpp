@@ -5,10 +5,10 @@
 
 #include "gallery/pages/mesh_view.h"
 #include "gallery/resource_ids.h"
-#include "toolkit/languages.h"
-#include "toolkit/locale_text.h"
-#include "toolkit/pages.h"
-#include "toolkit/scaled_dialog.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/locale_text.h"
+#include "kv/toolkit/pages.h"
+#include "kv/toolkit/scaled_dialog.h"
 
 namespace gallery {
 

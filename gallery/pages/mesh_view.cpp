@@ -7,18 +7,18 @@
 #include <cmath>
 #include <ratio>
 
-#include "framework/bitmaps.h"
-#include "framework/canvas.h"
-#include "framework/control_class.h"
-#include "framework/coverage.h"
-#include "framework/guards.h"
-#include "framework/numbers.h"
-#include "framework/painting.h"
-#include "framework/window_state.h"
+#include "kv/framework/bitmaps.h"
+#include "kv/framework/canvas.h"
+#include "kv/framework/control_class.h"
+#include "kv/framework/coverage.h"
+#include "kv/framework/guards.h"
+#include "kv/framework/numbers.h"
+#include "kv/framework/painting.h"
+#include "kv/framework/window_state.h"
 #include "gallery/pages/multirotor.h"
 #include "gallery/pages/simulated_flight.h"
 #include "gallery/pages/triangle_raster.h"
-#include "views3d/mesh_model.h"
+#include "kv/views3d/mesh_model.h"
 
 namespace gallery {
 

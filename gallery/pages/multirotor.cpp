@@ -6,8 +6,8 @@
 #include <span>
 #include <vector>
 
-#include "framework/numbers.h"
-#include "views3d/mesh_model.h"
+#include "kv/framework/numbers.h"
+#include "kv/views3d/mesh_model.h"
 
 namespace gallery {
 

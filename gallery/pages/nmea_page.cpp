@@ -5,15 +5,15 @@
 #include <cmath>
 #include <string>
 
-#include "export/nmea.h"
-#include "export/terminal_edit.h"
-#include "export/web_links.h"
-#include "framework/guards.h"
-#include "framework/numbers.h"
+#include "kv/export/nmea.h"
+#include "kv/export/terminal_edit.h"
+#include "kv/export/web_links.h"
+#include "kv/framework/guards.h"
+#include "kv/framework/numbers.h"
 #include "gallery/resource_ids.h"
-#include "toolkit/locale_text.h"
-#include "toolkit/pages.h"
-#include "toolkit/scaled_dialog.h"
+#include "kv/toolkit/locale_text.h"
+#include "kv/toolkit/pages.h"
+#include "kv/toolkit/scaled_dialog.h"
 
 namespace gallery {
 

@@ -5,13 +5,13 @@
 #include <cstddef>
 #include <string>
 
-#include "framework/modules.h"
-#include "framework/notification_icon.h"
+#include "kv/framework/modules.h"
+#include "kv/framework/notification_icon.h"
 #include "gallery/resource_ids.h"
-#include "toolkit/empty_text.h"
-#include "toolkit/languages.h"
-#include "toolkit/locale_text.h"
-#include "toolkit/scaled_dialog.h"
+#include "kv/toolkit/empty_text.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/locale_text.h"
+#include "kv/toolkit/scaled_dialog.h"
 
 namespace gallery {
 

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "framework/bitmaps.h"
+#include "kv/framework/bitmaps.h"
 #include "gallery/drawing.h"
 #include "gallery/frame.h"
 #include "gallery/resource_ids.h"
-#include "toolkit/languages.h"
-#include "toolkit/scaled_dialog.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/scaled_dialog.h"
 
 namespace gallery {
 

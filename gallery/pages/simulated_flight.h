@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "framework/numbers.h"
+#include "kv/framework/numbers.h"
 
 namespace gallery {
 

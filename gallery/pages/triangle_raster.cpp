@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "framework/canvas.h"
-#include "framework/coverage.h"
+#include "kv/framework/canvas.h"
+#include "kv/framework/coverage.h"
 
 namespace gallery {
 

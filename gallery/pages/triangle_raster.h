@@ -3,7 +3,7 @@
 
 #include <windows.h>
 
-#include "framework/canvas.h"
+#include "kv/framework/canvas.h"
 
 namespace gallery {
 

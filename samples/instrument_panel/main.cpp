@@ -2,7 +2,7 @@
 // contains the controls; the other languages are libraries built from german.rc and arabic.rc.
 #include <cmath>
 
-#include <kv/kv.h>
+#include "kv/kv.h"
 #include "ids.h"
 
 namespace {

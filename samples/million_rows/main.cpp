@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include <kv/kv.h>
+#include "kv/kv.h"
 #include "ids.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string>
 
-#include <kv/kv.h>
+#include "kv/kv.h"
 #include "ids.h"
 
 namespace {

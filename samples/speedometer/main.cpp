@@ -1,5 +1,5 @@
 // A gauge that scales with its window. The window reopens where it was closed.
-#include <kv/kv.h>
+#include "kv/kv.h"
 
 namespace {
 

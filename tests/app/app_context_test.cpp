@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "framework/guards.h"
+#include "kv/framework/guards.h"
 #include "tests/support/test_window.h"
 
 namespace kv {

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "app/camera_record.h"
-#include "framework/control_class.h"
-#include "framework/guards.h"
+#include "kv/framework/control_class.h"
+#include "kv/framework/guards.h"
 #include "tests/support/test_window.h"
 
 namespace kv {

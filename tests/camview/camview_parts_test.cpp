@@ -17,7 +17,7 @@
 #include "camview/record_intake.h"
 #include "camview/record_store.h"
 #include "camview/statistics.h"
-#include "controls/strip_chart/strip_chart.h"
+#include "kv/controls/strip_chart/strip_chart.h"
 
 namespace camview {
 namespace {

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "framework/dialog_texts.h"
+#include "kv/framework/dialog_texts.h"
 #include "gallery/pages/notes_file.h"
 #include "tests/fuzz/targets.h"
 #include "tests/support/test_window.h"

@@ -15,7 +15,7 @@
 #include "camera/record_stream.h"
 #include "camera/recording.h"
 #include "camtool/point_paths.h"
-#include "framework/window_position.h"
+#include "kv/framework/window_position.h"
 #include "tests/support/test_window.h"
 
 namespace fuzz {

@@ -9,12 +9,12 @@
 #include <string>
 #include <utility>
 
-#include "framework/guards.h"
+#include "kv/framework/guards.h"
 #include "samples/instrument_panel/ids.h"
 #include "tests/support/running_program.h"
 #include "tests/support/serial_line.h"
 #include "tests/support/test_window.h"
-#include "toolkit/dde_conversation.h"
+#include "kv/toolkit/dde_conversation.h"
 
 namespace {
 

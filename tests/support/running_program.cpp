@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-#include "framework/file_path.h"
+#include "kv/framework/file_path.h"
 
 namespace kvtest {
 

@@ -1,9 +1,9 @@
 // Shows a dialog of the library with an instrument, checks its image, and exits: with 0 if everything is right,
 // otherwise with the number of the first failed check.
-#include <kv/controls/display_instrument.h>
-#include <kv/framework/dialog.h>
-#include <kv/framework/language.h>
-#include <kv/framework/version.h>
+#include "kv/controls/display_instrument.h"
+#include "kv/framework/dialog.h"
+#include "kv/framework/language.h"
+#include "kv/framework/version.h"
 
 #include <cstring>
 

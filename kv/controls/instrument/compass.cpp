@@ -1,0 +1,301 @@
+#include "kv/controls/instrument/compass.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "kv/controls/instrument/cache.h"
+#include "kv/controls/instrument/fixed_text.h"
+#include "kv/controls/instrument/layout.h"
+#include "kv/controls/instrument/text.h"
+#include "kv/controls/instrument/view.h"
+#include "kv/controls/instrument_block.h"
+#include "kv/framework/bounded_format.h"
+#include "kv/framework/canvas.h"
+#include "kv/framework/coverage.h"
+#include "kv/framework/glyph_outline.h"
+#include "kv/framework/numbers.h"
+#include "kv/framework/painting.h"
+
+namespace kv {
+
+namespace {
+
+// Radii relative to the dial's.
+constexpr double kZoneOuter = 0.985, kZoneInner = 0.945, kMarkOuter = 0.94;
+constexpr double kTenInner = 0.87, kThirtyInner = 0.83, kFineInner = 0.895;
+constexpr double kNumbers = 0.74;
+constexpr double kHub = 0.31;
+
+constexpr double kMinRadiusWithHeading = 19, kMinRadiusWithNumbers = 88, kMinRadiusWithEightLetters = 42,
+                 kMinRadiusWithRose = 26, kMinRadiusWithName = 52, kMinRadiusWithDecimals = 60;
+
+constexpr int kMinNameHeight = 9;
+
+struct CardLetters {
+  double radius, cardinalHeight, otherRadius, otherHeight;
+};
+
+CardLetters LettersOf(double innerRadius) {
+  if (innerRadius >= kMinRadiusWithNumbers) return {0.70, 0.20, 0.57, 0.09};
+  if (innerRadius >= kMinRadiusWithEightLetters) return {0.665, 0.21, 0.665, 0.125};
+  return {0.645, 0.27, 0.645, 0};
+}
+
+// North has the display colour while there is a valid heading and the control is enabled.
+COLORREF NorthColor(const InstrumentAppearance& appearance) {
+  return ReadingOf(appearance.block).valid && !IsDisabled(appearance) ? DisplayColor(appearance)
+                                                                      : ColorsOf(appearance).ink;
+}
+
+// Adds a text to the shape, along the tangent and upright as seen from the centre of the card.
+void AddCardText(Canvas& canvas, const Dial& dial, const wchar_t* text, int count, double radius, double height,
+                 double angle, COLORREF color) {
+  double width = 0;
+  for (int i = 0; i < count; ++i) {
+    const GlyphOutline* glyph = InstrumentGlyph(text[i]);
+    if (!glyph) return;
+    width += glyph->advance * height;
+  }
+  const PointD place = PolarPoint(dial.centre, radius * dial.innerRadius, angle);
+  double along = -width / 2;
+  for (int i = 0; i < count; ++i) {
+    const GlyphOutline& glyph = *InstrumentGlyph(text[i]);
+    AddGlyph(canvas, glyph, place, along + glyph.advance * height / 2, height, angle, color);
+    along += glyph.advance * height;
+  }
+}
+
+void DrawZones(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appearance, double heading) {
+  const double inner = std::min(kZoneInner * dial.innerRadius, kZoneOuter * dial.innerRadius - 1.5);
+  for (int i = 0; i < kInstrumentZones; ++i) {
+    if (!(appearance.block.state & ZoneEnabledBit(i))) continue;
+    const InstrumentZone& zone = appearance.block.zones[i];
+    if (!std::isfinite(zone.lower) || !std::isfinite(zone.upper)) continue;
+    const double from = CardAngle(zone.lower, heading);
+    const double sweep = std::clamp(static_cast<double>(zone.upper) - zone.lower, 0.0, 360.0);
+    FillAnnularSector(canvas, dial.centre, inner, kZoneOuter * dial.innerRadius, from, from + sweep,
+                      ShownColor(appearance, zone.color));
+  }
+}
+
+enum class Mark { kFine, kTen, kThirty };
+
+Mark MarkAt(int bearing) {
+  return bearing % 30 == 0 ? Mark::kThirty : bearing % 10 == 0 ? Mark::kTen : Mark::kFine;
+}
+
+void AddMark(Canvas& canvas, const Dial& dial, Mark mark, double angle) {
+  const double radius = dial.innerRadius;
+  const double inner = mark == Mark::kThirty ? kThirtyInner : mark == Mark::kTen ? kTenInner : kFineInner;
+  const double width = mark == Mark::kThirty ? std::max(1.3, radius * 0.02)
+                       : mark == Mark::kTen  ? std::max(0.85, radius * 0.012)
+                                             : radius * 0.007;
+  AddLine(canvas, PolarPoint(dial.centre, radius * inner, angle), PolarPoint(dial.centre, radius * kMarkOuter, angle),
+          std::max(width, 0.7));
+}
+
+// The marks of a quarter are one shape for each colour: a whole card with a mark for each degree would exceed a shape's
+// capacity of edges.
+void DrawMarks(Canvas& canvas, const Dial& dial, const DialColors& colors, double heading) {
+  const int spacing = MarkSpacing(dial.innerRadius);
+  for (int quarter = 0; quarter < 360; quarter += 90) {
+    for (const bool thirty : {false, true}) {
+      BeginShape(canvas);
+      for (int bearing = quarter; bearing < quarter + 90; bearing += spacing) {
+        const Mark mark = MarkAt(bearing);
+        if ((mark == Mark::kThirty) == thirty) AddMark(canvas, dial, mark, CardAngle(bearing, heading));
+      }
+      FillShape(canvas, thirty ? colors.ink : colors.faintInk);
+    }
+  }
+}
+
+// Shapes of one colour that do not touch; drawn together.
+enum class Rank { kNorth, kCardinal, kOther };
+constexpr Rank kRanks[] = {Rank::kOther, Rank::kCardinal, Rank::kNorth};
+
+Rank RankOf(const Direction& direction) {
+  return direction.bearing == 0 ? Rank::kNorth : direction.count == 1 ? Rank::kCardinal : Rank::kOther;
+}
+
+COLORREF ColorOf(Rank rank, const InstrumentAppearance& appearance) {
+  if (rank == Rank::kNorth) return NorthColor(appearance);
+  return rank == Rank::kCardinal ? ColorsOf(appearance).ink : ColorsOf(appearance).faintInk;
+}
+
+void DrawLetters(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appearance, double heading) {
+  const CardLetters letters = LettersOf(dial.innerRadius);
+  for (const Rank rank : kRanks) {
+    const bool other = rank == Rank::kOther;
+    const double height = dial.innerRadius * (other ? letters.otherHeight : letters.cardinalHeight);
+    if (height <= 0) continue;
+    const COLORREF color = ColorOf(rank, appearance);
+    BeginShape(canvas);
+    for (const Direction& direction : Directions()) {
+      if (RankOf(direction) != rank) continue;
+      AddCardText(canvas, dial, direction.letters, direction.count, other ? letters.otherRadius : letters.radius,
+                  height, CardAngle(direction.bearing, heading), color);
+    }
+    FillShape(canvas, color);
+  }
+}
+
+// Numbers in tens of degrees, as on an aircraft's compass card; cardinal directions have letters instead.
+void DrawNumbers(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appearance, double heading) {
+  const COLORREF ink = ColorsOf(appearance).ink;
+  if (dial.innerRadius < kMinRadiusWithNumbers) return;
+  BeginShape(canvas);
+  for (int bearing = 0; bearing < 360; bearing += 30) {
+    if (bearing % 90 == 0) continue;
+    wchar_t text[8];
+    FormatBounded(text, sizeof(text), L"%ld", static_cast<long>(bearing / 10));
+    AddCardText(canvas, dial, text, lstrlenW(text), kNumbers, dial.innerRadius * 0.095, CardAngle(bearing, heading),
+                ink);
+  }
+  FillShape(canvas, ink);
+}
+
+// Eight rays, each with a light and a dark side; the cardinal ones are longer and on top.
+void DrawRose(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appearance, double heading) {
+  const double radius = dial.innerRadius, waist = radius * kHub * 1.02;
+  if (radius < kMinRadiusWithRose) return;
+  const CardLetters letters = LettersOf(radius);
+  for (const Rank rank : kRanks) {
+    const bool other = rank == Rank::kOther;
+    const double height = other ? std::max(letters.otherHeight, 0.1) : letters.cardinalHeight;
+    const double length = radius * (other ? letters.otherRadius - height * 1.1 - 0.03 : letters.radius - height * 0.75);
+    const COLORREF light = ColorOf(rank, appearance);
+    for (const double side : {-1.0, 1.0}) {
+      BeginShape(canvas);
+      for (const Direction& direction : Directions()) {
+        if (RankOf(direction) != rank) continue;
+        const double angle = CardAngle(direction.bearing, heading);
+        const PointD half[] = {PolarPoint(dial.centre, length, angle),
+                               PolarPoint(dial.centre, waist, angle + side * 22.5), dial.centre};
+        canvas.shape().AddContour(half);
+      }
+      FillShape(canvas, ShadeColor(light, side < 0 ? 0.85 : 0.5));
+    }
+  }
+}
+
+// The fixed index at the top, which points to the heading.
+void DrawIndex(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appearance) {
+  const double radius = dial.innerRadius, half = std::max(3.0, radius * 0.075);
+  const double top = dial.centre.y - dial.radius + std::max(0.5, (dial.radius - radius) * 0.3);
+  const double tip = dial.centre.y - radius * 0.82;
+  const auto triangle = [&](double wider) {
+    return std::array{PointD{dial.centre.x - half - wider, top}, PointD{dial.centre.x + half + wider, top},
+                      PointD{dial.centre.x, tip + 1.6 * wider}};
+  };
+  FillPolygon(canvas, triangle(std::max(0.7, radius * 0.012)), ColorsOf(appearance).dialBottom);
+  FillPolygon(canvas, triangle(0), DisplayColor(appearance));
+}
+
+void DrawHeading(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appearance, double heading) {
+  const double radius = dial.innerRadius;
+  const DialColors colors = ColorsOf(appearance);
+  const bool valid = ReadingOf(appearance.block).valid, small = radius < kMinRadiusWithRose;
+  const int decimals = radius >= kMinRadiusWithDecimals ? appearance.block.format & kFormatDecimals : 0;
+  // A small card has no space for a unit between its letters.
+  const FixedText text = !valid  ? FixedText(L"---")
+                         : small ? HeadingText(heading, decimals)
+                                 : HeadingText(heading, decimals) + DecodedUnit(appearance.block);
+  const int width = static_cast<int>(radius * (small ? 0.9 : 2 * kHub * 0.93)), nameWidth = width * 5 / 6;
+  const FixedText name = DecodedName(appearance.block);
+  const bool named = radius >= kMinRadiusWithName && MeasureText(name, kMinNameHeight, FW_NORMAL).cx <= width;
+  const auto write = [&](const FixedText& line, double tall, int least, int maxWidth, int weight, double middle,
+                         double boxHeight, COLORREF color, UINT align) {
+    const int wanted = std::max(least, static_cast<int>(radius * tall));
+    HFONT font = InstrumentFont(FittingHeight(line, wanted, 9, maxWidth, weight), 0, weight);
+    const LONG centre = std::lround(dial.centre.x), half = maxWidth / 2 + 1;
+    const double top = dial.centre.y + radius * (middle - boxHeight / 2);
+    const RECT box{centre - half, std::lround(top), centre + half, std::lround(top + radius * boxHeight)};
+    DrawTextLine(canvas, font, line, box, color, align);
+  };
+  write(text, 0.26, 10, width, FW_BOLD, named ? -0.035 : 0, 0.34, colors.ink, DT_CENTER | DT_NOCLIP);
+  if (!named) return;
+  write(name, 0.11, kMinNameHeight, nameWidth, FW_NORMAL, 0.14, 0.16, colors.faintInk, DT_CENTER);
+}
+
+}  // namespace
+
+std::array<Direction, 8> Directions() {
+  const wchar_t* letters = kDirectionLetters;
+  return {{{letters, 1, 0},
+           {letters + 1, 1, 90},
+           {letters + 2, 1, 180},
+           {letters + 3, 1, 270},
+           {letters + 4, 2, 45},
+           {letters + 6, 2, 135},
+           {letters + 8, 2, 225},
+           {letters + 10, 2, 315}}};
+}
+
+double NormalHeading(double degrees) {
+  const double turned = std::fmod(degrees, 360.0);
+  if (std::isnan(turned)) return 0;
+  const double heading = turned < 0 ? turned + 360 : turned;
+  return heading >= 360 ? 0 : heading + 0.0;  // a tiny negative number is rounded up to 360; avoids -0, too
+}
+
+double CardAngle(double bearing, double heading) {
+  return NormalHeading(bearing - heading);
+}
+
+int MarkSpacing(double innerRadius) {
+  constexpr double kMinPixels = 4.0;
+  const double perDegree = innerRadius * kRadiansPerDegree;
+  for (int spacing : {1, 2, 5}) {
+    if (perDegree * spacing >= kMinPixels) return spacing;
+  }
+  return 10;
+}
+
+FixedText HeadingText(double degrees, int decimals) {
+  const double unit = std::pow(10.0, decimals);
+  const double rounded = NormalHeading(std::round(NormalHeading(degrees) * unit) / unit);
+  wchar_t text[32];
+  FormatBounded(text, sizeof(text), L"%0*.*f", decimals > 0 ? 4 + decimals : 3, decimals, rounded);
+  return text;
+}
+
+namespace {
+
+void DrawBackground(Canvas& canvas, InstrumentAppearance& appearance) {
+  DrawDialCase(canvas, DialIn(appearance.area), appearance);
+}
+
+// The card rotates as a whole.
+void DrawCard(Canvas& canvas, const InstrumentAppearance& appearance, const double& heading) {
+  const Dial dial = DialIn(appearance.area);
+  const DialColors colors = ColorsOf(appearance);
+  DrawZones(canvas, dial, appearance, heading);
+  DrawMarks(canvas, dial, colors, heading);
+  DrawNumbers(canvas, dial, appearance, heading);
+  DrawLetters(canvas, dial, appearance, heading);
+  DrawRose(canvas, dial, appearance, heading);
+  if (dial.innerRadius >= kMinRadiusWithRose) {
+    FillDisc(canvas, dial.centre, dial.innerRadius * kHub * 1.05, colors.dialBottom);
+    FillGradientDisc(canvas, dial.centre, dial.innerRadius * kHub, colors.window, colors.dialTop);
+  }
+  if (ReadingOf(appearance.block).valid) DrawIndex(canvas, dial, appearance);
+  if (dial.innerRadius >= kMinRadiusWithHeading) DrawHeading(canvas, dial, appearance, heading);
+}
+
+void AddParts(ValueLayer& layer, const InstrumentBlock& block, const char*) {
+  const Dial dial = DialIn(layer.appearance().area);
+  if (dial.radius <= 0) return;
+  const InstrumentReading reading = ReadingOf(block);
+  const PointD corners[] = {{dial.centre.x - dial.innerRadius, dial.centre.y - dial.radius},
+                            {dial.centre.x + dial.innerRadius, dial.centre.y + dial.innerRadius}};
+  layer.Add(BoundsOf(corners, 1, layer.appearance().area), reading.valid ? NormalHeading(reading.value) : 0.0,
+            DrawCard);
+}
+
+}  // namespace
+
+const ModeRenderer kCompassRenderer{DrawBackground, AddParts};
+
+}  // namespace kv

@@ -1,0 +1,254 @@
+#include "kv/controls/instrument/segment_bar.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+#include "kv/controls/instrument/cache.h"
+#include "kv/controls/instrument/digital.h"
+#include "kv/controls/instrument/fixed_text.h"
+#include "kv/controls/instrument/layout.h"
+#include "kv/controls/instrument/text.h"
+#include "kv/controls/instrument/view.h"
+#include "kv/controls/instrument_block.h"
+#include "kv/framework/canvas.h"
+#include "kv/framework/coverage.h"
+#include "kv/framework/glyph_outline.h"
+#include "kv/framework/painting.h"
+
+namespace kv {
+
+// ---- Layout --------------------------------------------------------------------------------------------------------
+
+namespace {
+
+constexpr COLORREF kValueShadow = RGB(63, 63, 63);
+constexpr LONG kSideMargin = 2, kNarrowMargin = 1, kNarrow = 12;
+
+struct BarParts {
+  RECT caption;  // empty without a caption
+  int captionFont;
+  RECT display;  // including its frame
+};
+
+BarParts LayOutBar(const RECT& area, DWORD style) {
+  if (!IsVerticalBar(area)) {
+    const DigitalParts parts = LayOutDigital(area, style & ~kInstrumentNoCaption);
+    return {parts.caption, parts.captionHeight, parts.display};
+  }
+  const int font = CaptionFontHeight(area.right - area.left);
+  BarParts parts{area, font, area};
+  parts.caption.bottom = parts.display.top = std::min(area.top + font + 1, area.bottom);
+  return parts;
+}
+
+// Rounds a non-negative length to whole pixels, halves up. The runtime's functions are slower, because they handle
+// negative numbers.
+int RoundLength(double pixels) {
+  return static_cast<int>(pixels + 0.5);
+}
+
+// Maps ranges along the bar to rectangles of the target.
+struct BarFrame {
+  RECT area;
+  BOOL vertical, reversed;
+
+  LONG Length() const { return vertical ? area.bottom - area.top : area.right - area.left; }
+  LONG Breadth() const { return vertical ? area.right - area.left : area.bottom - area.top; }
+  RECT Place(BarSpan span, LONG margin) const {
+    // A vertical bar increases upwards, a horizontal one to the right, unless reversed.
+    const double length = Length();
+    if (vertical != reversed) span = {length - span.to, length - span.from};
+    const auto edge = [](LONG start, double offset) { return start + RoundLength(offset); };
+    if (vertical) return {area.left + margin, edge(area.top, span.from), area.right - margin, edge(area.top, span.to)};
+    return {edge(area.left, span.from), area.top + margin, edge(area.left, span.to), area.bottom - margin};
+  }
+};
+
+}  // namespace
+
+int SegmentCount(const InstrumentBlock& block, DWORD style) {
+  const double wanted = (static_cast<double>(block.maximum) - block.minimum) / block.step + 0.5;
+  const int count = std::isnan(wanted) ? 100 : static_cast<int>(std::clamp(wanted, 3.0, 100.0));
+  return style & kInstrumentReversed ? -count : count;
+}
+
+double MarkerPercent(const InstrumentBlock& block) {
+  if (!(block.state & ZoneEnabledBit(0))) return kNoMarker;
+  return FractionOf(ReadingOf(block), block.zones[0].lower) * 100;
+}
+
+int LitSegments(double percent, int count) {
+  return static_cast<int>(std::lround(std::clamp(percent, 0.0, 100.0) * count / 100));
+}
+
+BarSpan SegmentSpan(double length, int count, int index) {
+  const double pitch = length / count;
+  const double gap = pitch < 3 ? 0 : std::clamp(std::round(pitch * 0.18), 1.0, 4.0);
+  // Whole pixels: sharp edges are more important than exactly equal lengths.
+  const int from = RoundLength(pitch * index), to = RoundLength(pitch * (index + 1)) - static_cast<int>(gap);
+  return {static_cast<double>(from), static_cast<double>(std::max(from, to))};
+}
+
+bool IsVerticalBar(const RECT& area) {
+  return area.right - area.left <= area.bottom - area.top;
+}
+
+// ---- Background ----------------------------------------------------------------------------------------------------
+
+namespace {
+
+void DrawBackground(Canvas& canvas, InstrumentAppearance& appearance) {
+  FillArea(canvas, appearance.area, GetSysColor(COLOR_BTNFACE));
+  const BarParts parts = LayOutBar(appearance.area, appearance.style);
+  if (parts.captionFont) {
+    DrawCaption(canvas, parts.caption, appearance, parts.captionFont,
+                IsVerticalBar(appearance.area) ? DT_RIGHT : DT_CENTER);
+  }
+  DrawDisplayWell(canvas, parts.display);
+}
+
+// ---- Value ---------------------------------------------------------------------------------------------------------
+
+COLORREF SegmentColor(const InstrumentAppearance& appearance, double value) {
+  for (int i = kInstrumentZones - 1; i >= 0; --i) {
+    const InstrumentZone& zone = appearance.block.zones[i];
+    const bool enabled = (appearance.block.state & ZoneEnabledBit(i)) != 0;
+    if (enabled && zone.lower <= value && value <= zone.upper && zone.lower < zone.upper) {
+      return ShownColor(appearance, zone.color);
+    }
+  }
+  return DisplayColor(appearance);
+}
+
+struct Segment {
+  RECT place;
+  COLORREF color;
+  BOOL lit, vertical;
+};
+
+void DrawSegment(Canvas& canvas, const InstrumentAppearance&, const Segment& segment) {
+  const RECT& place = segment.place;
+  if (!segment.lit) return FillArea(canvas, place, ShadeColor(segment.color, kUnlit));
+  // Shaded as if rounded: brighter in the middle, darker towards both sides.
+  const COLORREF edge = ShadeColor(segment.color, 0.72);
+  if (segment.vertical) return FillRounded(canvas, place, edge, segment.color);
+  const LONG middle = (place.top + place.bottom) / 2;
+  FillAreaDown(canvas, {place.left, place.top, place.right, middle}, edge, segment.color);
+  FillAreaDown(canvas, {place.left, middle, place.right, place.bottom}, segment.color, edge);
+}
+
+struct Marker {
+  BarFrame frame;
+  double percent;
+};
+
+void DrawMarker(Canvas& canvas, const InstrumentAppearance& appearance, const Marker& marker) {
+  const BarFrame& frame = marker.frame;
+  const COLORREF color = ShownColor(appearance, RGB(255, 255, 255));
+  const double length = frame.Length();
+  const double middle = std::clamp(length * marker.percent / 100, 1.0, std::max(1.0, length - 1));
+  const RECT line = frame.Place({middle - 1, middle + 1}, 0);
+  FillArea(canvas, line, color);
+  // Two arrow heads point to the line from both sides.
+  const double head = std::clamp(std::min(frame.Breadth(), frame.Length()) * 0.10, 2.0, 10.0);
+  const double x = (line.left + line.right) / 2.0, y = (line.top + line.bottom) / 2.0;
+  const RECT& area = frame.area;
+  if (frame.vertical) {
+    const PointD left[] = {{area.left + 0.0, y - head}, {area.left + head * 1.2, y}, {area.left + 0.0, y + head}};
+    const PointD right[] = {{area.right + 0.0, y - head}, {area.right - head * 1.2, y}, {area.right + 0.0, y + head}};
+    FillPolygon(canvas, left, color);
+    FillPolygon(canvas, right, color);
+  } else {
+    const PointD top[] = {{x - head, area.top + 0.0}, {x, area.top + head * 1.2}, {x + head, area.top + 0.0}};
+    const PointD bottom[] = {
+        {x - head, area.bottom + 0.0}, {x, area.bottom - head * 1.2}, {x + head, area.bottom + 0.0}};
+    FillPolygon(canvas, top, color);
+    FillPolygon(canvas, bottom, color);
+  }
+}
+
+// The number near the bar's bottom.
+struct Number {
+  FixedText text;
+  int characterWidth, height, edge;  // edge: thickness of the black line around the characters
+  RECT place;
+};
+
+void DrawNumber(Canvas& canvas, const InstrumentAppearance& appearance, const Number& number) {
+  // Relative to the cell's height; relative to the height of capitals.
+  constexpr double kCapitalHeight = 0.65, kCapitalMiddle = 0.485, kDigitWidth = 0.775;
+  const double capital = number.height * kCapitalHeight, stretch = number.characterWidth / (capital * kDigitWidth);
+  // Character advances, relative to the height of capitals. Characters without an outline in the font are blank.
+  const auto advanceOf = [](const GlyphOutline* glyph) { return glyph ? glyph->advance : 0.8; };
+  double width = 0;
+  for (const wchar_t character : number.text) width += advanceOf(InstrumentGlyph(character));
+  const PointD middle{(number.place.left + number.place.right) / 2.0,
+                      number.place.top + number.height * kCapitalMiddle};
+  const auto write = [&](double x, double y, COLORREF color) {
+    BeginShape(canvas);
+    for (double passed = -width / 2; const wchar_t character : number.text) {
+      const GlyphOutline* glyph = InstrumentGlyph(character);
+      const double along = (passed + advanceOf(glyph) / 2) * capital * stretch;
+      if (glyph) AddGlyph(canvas, *glyph, {middle.x + x, middle.y + y}, along, capital, 0, color, stretch);
+      passed += advanceOf(glyph);
+    }
+    FillShape(canvas, color);
+  };
+  // Number and lit segments have the same colour: a black edge separates them. It consists of four shifted numbers; the
+  // last number covers its inside.
+  const int edge = number.edge;
+  for (const int x : {-edge, edge}) {
+    for (const int y : {-edge, edge}) write(x - 1, y - 1, RGB(0, 0, 0));
+  }
+  write(0, 0, kValueShadow);
+  write(-1, -1, DisplayColor(appearance));
+}
+
+void AddNumber(ValueLayer& layer, const RECT& bar, const InstrumentBlock& block) {
+  const InstrumentReading reading = ReadingOf(block);
+  // At the minimum, the bar is empty and has no number.
+  if (reading.valid && !(block.current > block.minimum && block.current <= block.maximum)) return;
+  const FixedText text =
+      reading.valid ? FixedWidthNumber(reading.value, NumberWidth(block), block.format) : NoValueNumber(block);
+  const int characterWidth = (bar.right - bar.left) / (static_cast<int>(text.size()) + 2) - 1;
+  if (characterWidth < 1) return;
+  const int height = static_cast<int>(2.5 * characterWidth), edge = std::clamp(height / 30, 1, 2);
+  const RECT place{bar.left, bar.bottom - height - 2, bar.right, bar.bottom - 2};
+  RECT reach = place;
+  InflateRect(&reach, 0, edge + 3);
+  IntersectRect(&reach, &reach, &bar);
+  layer.Add(reach, Number{WithoutPadding(text), characterWidth, height, edge, place}, DrawNumber);
+}
+
+RECT SegmentRect(const BarFrame& frame, int count, int index) {
+  const LONG margin = frame.Breadth() < kNarrow ? kNarrowMargin : kSideMargin;
+  const double lead = 1;  // the distance of the first and last segment to the frame
+  const BarSpan span = SegmentSpan(frame.Length() - 2 * lead, count, index);
+  return frame.Place({span.from + lead, span.to + lead}, margin);
+}
+
+void AddParts(ValueLayer& layer, const InstrumentBlock& block, const char*) {
+  const InstrumentAppearance& appearance = layer.appearance();
+  const InstrumentReading reading = ReadingOf(block);
+  const int count = std::abs(SegmentCount(block, appearance.style));
+  const BarFrame frame{WithinFrame(LayOutBar(appearance.area, appearance.style).display),
+                       IsVerticalBar(appearance.area), (appearance.style & kInstrumentReversed) != 0};
+  if (IsRectEmpty(&frame.area)) return;
+  const int lit = reading.valid ? LitSegments(FractionOf(reading, reading.value) * 100, count) : 0;
+  for (int i = 0; i < count; ++i) {
+    const RECT place = SegmentRect(frame, count, i);
+    if (layer.Skips(place)) continue;
+    const double value = reading.minimum + (reading.maximum - reading.minimum) * (i + 0.5) / count;
+    layer.Add(place, Segment{place, SegmentColor(appearance, value), i < lit, frame.vertical}, DrawSegment);
+  }
+  const double marker = MarkerPercent(block);
+  if (marker != kNoMarker) layer.Add(frame.area, Marker{frame, marker}, DrawMarker);
+  if (frame.vertical) AddNumber(layer, frame.area, block);
+}
+
+}  // namespace
+
+const ModeRenderer kSegmentBarRenderer{DrawBackground, AddParts};
+
+}  // namespace kv

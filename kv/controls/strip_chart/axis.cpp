@@ -1,0 +1,89 @@
+#include "kv/controls/strip_chart/axis.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cwchar>
+#include <iterator>
+#include <string>
+
+#include "kv/framework/bounded_format.h"
+
+namespace kv {
+
+namespace {
+
+constexpr double kDay = 86400;
+constexpr double kClockSteps[] = {1,   2,   5,    10,   15,   30,    60,    120,   300,
+                                  600, 900, 1800, 3600, 7200, 10800, 21600, 43200, kDay};
+
+int DecimalsOf(double step) {
+  return std::max(0, static_cast<int>(std::ceil(-std::log10(step) - 1e-9)));
+}
+
+}  // namespace
+
+double NiceStep(double least) {
+  const double exponent = std::floor(std::log10(least));
+  for (const double factor : {1.0, 2.0, 5.0}) {
+    // Dividing by an integral power gives exactly 0.1; multiplying by 10^-1 does not.
+    const double step = exponent < 0 ? factor / std::pow(10, -exponent) : factor * std::pow(10, exponent);
+    if (step >= least * (1 - 1e-12)) return step;
+  }
+  return exponent < -1 ? 1 / std::pow(10, -exponent - 1) : std::pow(10, exponent + 1);
+}
+
+double TimeStep(double least, bool clock) {
+  if (!clock || least <= 0.5) return NiceStep(least);
+  const double* step = std::ranges::lower_bound(kClockSteps, least);
+  return step != std::end(kClockSteps) ? *step : kDay * NiceStep(least / kDay);
+}
+
+AxisRange NiceRange(double low, double high, int ticks) {
+  constexpr double kMinMagnitude = 1e-200;
+  const double magnitude = std::max(std::fabs(low), std::fabs(high));
+  if (!(high - low > std::max(magnitude * 1e-9, kMinMagnitude))) {
+    const double room = magnitude > kMinMagnitude ? magnitude * 0.1 : 1;
+    low -= room;
+    high += room;
+  }
+  const double step = NiceStep((high - low) / std::max(ticks, 1));
+  return {std::floor(low / step) * step, std::ceil(high / step) * step};
+}
+
+double FirstTick(double low, double step) {
+  return std::ceil(low / step - 1e-9);
+}
+
+std::wstring TickText(double value, double step) {
+  wchar_t text[64];
+  const int decimals = DecimalsOf(step);
+  if (std::fabs(value) < step / 2) return L"0";
+  const bool plain = decimals <= 6 && std::fabs(value) < 1e7;
+  const int digits = std::clamp(static_cast<int>(std::ceil(std::log10(std::fabs(value) / step) - 1e-9)) + 1, 1, 15);
+  FormatBounded(text, sizeof(text), plain ? L"%.*f" : L"%.*g", plain ? decimals : digits, value);
+  const std::wstring number = text;
+  const size_t power = number.find(L'e');
+  // The runtime writes an exponent with its sign and up to three digits.
+  return power == std::wstring::npos
+             ? number
+             : number.substr(0, power + 1) + std::to_wstring(std::wcstol(text + power + 1, nullptr, 10));
+}
+
+std::wstring TimeText(double seconds, double step, bool clock) {
+  if (!clock) return TickText(seconds, step) + L" s";
+  const int decimals = std::min(DecimalsOf(step), 6);
+  const double unit = std::pow(10, decimals);
+  double ofDay = std::round((seconds - std::floor(seconds / kDay) * kDay) * unit) / unit;
+  if (ofDay >= kDay) ofDay = 0;
+  const int whole = static_cast<int>(ofDay), hours = whole / 3600, minutes = whole / 60 % 60;
+  wchar_t text[64];
+  if (step >= 60) {
+    FormatBounded(text, sizeof(text), L"%02d:%02d", hours, minutes);
+  } else {
+    FormatBounded(text, sizeof(text), L"%02d:%02d:%0*.*f", hours, minutes, decimals ? decimals + 3 : 2, decimals,
+                  ofDay - whole + whole % 60);
+  }
+  return text;
+}
+
+}  // namespace kv

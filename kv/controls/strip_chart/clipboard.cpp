@@ -1,0 +1,177 @@
+// Copies a strip chart to the clipboard: its image, and the displayed values as a table.
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <string>
+#include <string_view>
+
+#include "kv/controls/strip_chart/axis.h"
+#include "kv/controls/strip_chart/control.h"
+#include "kv/controls/strip_chart/model.h"
+#include "kv/controls/strip_chart/renderer.h"
+#include "kv/controls/strip_chart/sample_store.h"
+#include "kv/controls/strip_chart/strip_chart.h"
+#include "kv/framework/bitmaps.h"
+#include "kv/framework/bounded_format.h"
+#include "kv/framework/canvas.h"
+
+namespace kv {
+
+namespace {
+
+constexpr int kMinCopySize = 16, kMaxCopySize = 5120;
+
+// Formats numbers for the user's spreadsheet.
+struct Table {
+  std::wstring text;
+  wchar_t separator[4] = L".";
+
+  Table() { GetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, separator, ARRAYSIZE(separator)); }
+  // The decimal separator that setlocale has set.
+  void Add(std::wstring_view number) {
+    for (const wchar_t character : number) {
+      if (character == L'.' || character == L',') {
+        text += separator;
+      } else {
+        text += character;
+      }
+    }
+  }
+  void AddNumber(double value) {
+    wchar_t number[40] = L"";
+    if (std::isfinite(value)) FormatBounded(number, sizeof(number), L"%.15g", value);
+    Add(number);
+  }
+  void AddTime(double time, bool clock) {
+    if (clock) return Add(TimeText(time, 0.001, true));
+    AddNumber(time);
+  }
+};
+
+void AddHead(Table& table, const StripModel& model, bool byColumn) {
+  table.text = model.style & kStripTimeOfDay ? L"h:min:s" : L"s";
+  for (const StripChannelData& channel : model.channels) {
+    if (!IsShown(channel)) continue;
+    const std::wstring unit = ChannelUnit(channel.info);
+    std::wstring name = L"\t" + ChannelName(channel.info);
+    if (!unit.empty()) name.append(L" (").append(unit).append(L")");
+    table.text += name;
+    if (byColumn) table.text.append(L" min").append(name).append(L" max");
+  }
+  table.text += L"\r\n";
+}
+
+struct Stretch {
+  unsigned from, to;
+};
+
+// The displayed samples of each channel.
+std::array<Stretch, kStripChannels> ShownSamples(const StripModel& model) {
+  const StripStretch shown = ShownTimes(model);
+  std::array<Stretch, kStripChannels> stretches{};
+  for (int i = 0; i < kStripChannels; ++i) {
+    const StripChannelData& channel = model.channels[i];
+    if (!IsShown(channel)) continue;
+    stretches[i] = {channel.store.FirstFrom(shown.from),
+                    std::min(channel.store.FirstAfter(shown.to), ShownCount(model, channel))};
+  }
+  return stretches;
+}
+
+// One row for each time at which a channel has a sample; samples of a channel with equal times have separate rows.
+void AddSamples(Table& table, const StripModel& model, std::array<Stretch, kStripChannels> left) {
+  for (;;) {
+    double time = kNever;
+    for (int i = 0; i < kStripChannels; ++i) {
+      if (left[i].from < left[i].to) time = std::min(time, model.channels[i].store.TimeAt(left[i].from));
+    }
+    if (time == kNever) return;
+    table.AddTime(time, (model.style & kStripTimeOfDay) != 0);
+    for (int i = 0; i < kStripChannels; ++i) {
+      const StripChannelData& channel = model.channels[i];
+      if (!IsShown(channel)) continue;
+      table.text += L'\t';
+      if (left[i].from >= left[i].to || channel.store.TimeAt(left[i].from) != time) continue;
+      table.AddNumber(channel.store.ValueAt(left[i].from++));
+    }
+    table.text += L"\r\n";
+  }
+}
+
+void AddColumns(Table& table, const StripModel& model, const StripLayout& layout) {
+  const long long width = std::max(layout.plot.right - layout.plot.left, 1L);
+  for (long long column = layout.lastColumn - width + 1; column <= layout.lastColumn; ++column) {
+    const double start = static_cast<double>(column) * layout.secondsPerColumn;
+    table.AddTime(start, (model.style & kStripTimeOfDay) != 0);
+    for (const StripChannelData& channel : model.channels) {
+      if (!IsShown(channel)) continue;
+      const unsigned to =
+          std::min(channel.store.FirstFrom(start + layout.secondsPerColumn), ShownCount(model, channel));
+      const Extent extent = channel.store.ExtentOf(channel.store.FirstFrom(start), to);
+      for (const double value : {extent.low, extent.high}) {
+        table.text += L'\t';
+        table.AddNumber(value);
+      }
+    }
+    table.text += L"\r\n";
+  }
+}
+
+std::wstring TableOf(const StripModel& model, const StripLayout& layout) {
+  const auto shown = ShownSamples(model);
+  DWORD most = 0;
+  for (const Stretch& each : shown) most = std::max(most, DWORD{each.to > each.from ? each.to - each.from : 0});
+  Table table;
+  const bool byColumn = most > kStripMaxTextRows;
+  AddHead(table, model, byColumn);
+  if (byColumn) {
+    AddColumns(table, model, layout);
+  } else {
+    AddSamples(table, model, shown);
+  }
+  return table.text;
+}
+
+bool OfferText(HWND window, HGLOBAL memory) {
+  if (!OpenClipboard(window)) return false;
+  const bool taken = SetClipboardData(CF_UNICODETEXT, memory) != nullptr;
+  CloseClipboard();
+  return taken;
+}
+
+void AddTextToClipboard(HWND window, const std::wstring& text) {
+  const size_t bytes = (text.size() + 1) * sizeof(wchar_t);
+  const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, bytes);
+  if (!memory) return;
+  void* target = GlobalLock(memory);
+  if (target) {
+    std::memcpy(target, text.c_str(), bytes);
+    GlobalUnlock(memory);
+  }
+  if (!target || !OfferText(window, memory)) GlobalFree(memory);
+}
+
+}  // namespace
+
+LRESULT CopyStrip(StripChart& chart, LPARAM requested) {
+  const SIZE size = RequestedCopySize(requested, ClientSize(chart.window), kMinCopySize, kMaxCopySize);
+  // Rendered at the requested size by a separate renderer: the control's state does not change.
+  const double undrawn = chart.model.undrawnFrom, removed = chart.model.removedTo;
+  const std::unique_ptr<StripRenderer> renderer(new (std::nothrow) StripRenderer);
+  if (!renderer) return 0;
+  renderer->Update(chart.model, size, true);
+  chart.model.undrawnFrom = undrawn;
+  chart.model.removedTo = removed;
+  const Surface& surface = renderer->WithMarks(chart.model, false);
+  // Before opening the clipboard, which notifies its previous owner, who may destroy the control.
+  const std::wstring table = TableOf(chart.model, renderer->layoutShown());
+  HWND window = chart.window;
+  if (surface.bitmap() && CopyBitmapToClipboard(window, surface.bitmap(), size, size))
+    AddTextToClipboard(window, table);
+  return 0;
+}
+
+}  // namespace kv

@@ -1,0 +1,148 @@
+// The commands of a strip chart's owner.
+#include <cmath>
+
+#include "kv/controls/strip_chart/control.h"
+#include "kv/controls/strip_chart/model.h"
+#include "kv/controls/strip_chart/strip_chart.h"
+#include "kv/framework/accessible.h"
+#include "kv/framework/control_class.h"
+#include "kv/framework/window_state.h"
+
+namespace kv {
+
+namespace {
+
+bool ExchangeStyle(StripModel& model, WPARAM wParam, LPARAM address) {
+  if (wParam & kCommandRead) return CopyItemOut(model.style, address);
+  DWORD bits = 0;
+  if (!CopyItemIn(address, &bits)) return false;
+  model.style = wParam & kCommandRemove ? model.style & ~bits : model.style | bits;
+  return true;
+}
+
+bool ExchangeChannel(StripModel& model, unsigned index, WPARAM wParam, LPARAM address) {
+  if (wParam & kCommandRead) {
+    return index < kStripChannels && model.channels[index].used && CopyItemOut(model.channels[index].info, address);
+  }
+  if (wParam & kCommandRemove) return RemoveChannel(model, index);
+  StripChannel info;
+  return CopyItemIn(address, &info) && SetChannel(model, index, info);
+}
+
+bool Append(StripModel& model, unsigned index, LPARAM address) {
+  StripSamples samples;
+  constexpr DWORD kMaxCount = 0x7FFFFFFF / sizeof(StripSample);
+  if (!CopyItemIn(address, &samples) || samples.count > kMaxCount ||
+      (samples.count && IsBadReadPtr(samples.samples, samples.count * sizeof(StripSample)))) {
+    return false;
+  }
+  return AppendSamples(model, index, {samples.samples, samples.count});
+}
+
+bool ExchangeZone(StripModel& model, unsigned index, WPARAM wParam, LPARAM address) {
+  if (wParam & kCommandRead) return index < kStripZones && CopyItemOut(model.zones[index], address);
+  StripZone zone;
+  return CopyItemIn(address, &zone) && SetZone(model, index, zone, (wParam & kStripZoneEnable) != 0);
+}
+
+bool ExchangeCapacity(StripModel& model, WPARAM wParam, LPARAM address) {
+  if (wParam & kCommandRead) return CopyItemOut(model.capacity, address);
+  DWORD capacity = 0;
+  return CopyItemIn(address, &capacity) && SetStripCapacity(model, capacity);
+}
+
+bool ExchangeAxisDigits(StripModel& model, WPARAM wParam, LPARAM address) {
+  constexpr DWORD kMaxAxisDigits = 16;
+  if (wParam & kCommandRead) return CopyItemOut(model.axisDigits, address);
+  DWORD digits = 0;
+  if (!CopyItemIn(address, &digits) || digits > kMaxAxisDigits) return false;
+  model.axisDigits = digits;
+  return true;
+}
+
+bool ExchangeView(StripModel& model, WPARAM wParam, LPARAM address) {
+  StripView view = model.view;
+  if (wParam & kCommandRead) {
+    view.end = ShownTimes(model).to;
+    return CopyItemOut(view, address);
+  }
+  return CopyItemIn(address, &view) && SetView(model, view);
+}
+
+bool ExchangeCursor(StripModel& model, WPARAM wParam, LPARAM address) {
+  if (wParam & kCommandRead) return model.cursorShown && CopyItemOut(ReadingAt(model, model.cursor), address);
+  if (wParam & kCommandRemove) {
+    model.cursorShown = false;
+    return true;
+  }
+  double time = 0;
+  if (!CopyItemIn(address, &time) || !(std::fabs(time) <= kStripMaxTime)) return false;
+  model.cursor = time;
+  model.cursorShown = true;
+  return true;
+}
+
+bool ExchangeMark(StripModel& model, WPARAM wParam, LPARAM address) {
+  if (wParam & kCommandRead) return model.marked && CopyItemOut(model.mark, address);
+  StripStretch mark{};
+  const bool remove = (wParam & kCommandRemove) != 0;
+  if (!remove &&
+      (!CopyItemIn(address, &mark) || !(mark.from <= mark.to) || std::isinf(mark.from) || std::isinf(mark.to))) {
+    return false;
+  }
+  model.mark = mark;
+  model.marked = !remove;
+  return true;
+}
+
+bool ReadStatistics(const StripModel& model, unsigned index, WPARAM wParam, LPARAM address) {
+  return (wParam & kCommandRead) && index < kStripChannels && CopyItemOut(ChannelStatistics(model, index), address);
+}
+
+bool ReadCount(const StripModel& model, unsigned index, WPARAM wParam, LPARAM address) {
+  return (wParam & kCommandRead) && index < kStripChannels &&
+         CopyItemOut(DWORD{model.channels[index].store.count()}, address);
+}
+
+bool DoCommand(StripChart& chart, WPARAM wParam, LPARAM lParam) {
+  StripModel& model = chart.model;
+  const unsigned index = HIWORD(wParam);
+  switch (LOBYTE(wParam)) {
+    case kStripRender: return chart.redrawAll = true;
+    case kStripClear: ClearSamples(model); return true;
+    case kStripStyle: return ExchangeStyle(model, wParam, lParam);
+    case kStripChannel: return ExchangeChannel(model, index, wParam, lParam);
+    case kStripAppend: return !(wParam & kCommandRead) && Append(model, index, lParam);
+    case kStripZone: return ExchangeZone(model, index, wParam, lParam);
+    case kStripCapacity: return ExchangeCapacity(model, wParam, lParam);
+    case kStripAxisDigits: return ExchangeAxisDigits(model, wParam, lParam);
+    case kStripViewItem: return ExchangeView(model, wParam, lParam);
+    case kStripCursor: return ExchangeCursor(model, wParam, lParam);
+    case kStripMark: return ExchangeMark(model, wParam, lParam);
+    case kStripStatistics: return ReadStatistics(model, index, wParam, lParam);
+    case kStripCount: return ReadCount(model, index, wParam, lParam);
+    default: return false;
+  }
+}
+
+}  // namespace
+
+LRESULT OnStripCommand(StripChart& chart, WPARAM wParam, LPARAM lParam) {
+  constexpr UINT_PTR kShowTimer = 5;
+  constexpr UINT kShowMs = 50;
+  const double cursor = chart.model.cursor;
+  if (!DoCommand(chart, wParam, lParam)) return FALSE;
+  if (chart.model.cursor != cursor) chart.hovering = false;  // the owner has moved it away from the pointer
+  if (wParam & kCommandRead) return TRUE;
+  const bool render = LOBYTE(wParam) == kStripRender, append = LOBYTE(wParam) == kStripAppend;
+  const bool now = render || (wParam & kCommandRedraw);
+  // Samples may arrive faster than the chart can be drawn.
+  if (append && !now && !chart.waiting) chart.waiting = SetTimer(chart.window, kShowTimer, kShowMs, nullptr) != 0;
+  if (append && now) RefreshStrip(chart);
+  if (!append || !(now || chart.waiting)) InvalidateRect(chart.window, nullptr, FALSE);
+  if (now) UpdateWindow(chart.window);
+  if (!render) NotifyValueChanged(chart.window);
+  return TRUE;
+}
+
+}  // namespace kv

@@ -1,0 +1,38 @@
+// The state of a strip chart's window, shared by the files of the control. Private to it and its tests.
+#pragma once
+
+#include <windows.h>
+
+#include <climits>
+
+#include "kv/controls/strip_chart/model.h"
+#include "kv/controls/strip_chart/renderer.h"
+
+namespace kv {
+
+struct StripChart {
+  HWND window = nullptr;
+  StripModel model;
+  StripRenderer renderer;
+  bool redrawAll = true;     // the next update draws everything
+  bool waiting = false;      // timer 5 runs until new samples are drawn
+  bool hovering = false;     // the cursor follows the mouse pointer, at pointerX
+  LONG pointerX = LONG_MIN;  // of the last mouse move; LONG_MIN after the pointer has left
+  enum class Drag { kNone, kPan, kMark } drag = Drag::kNone;
+  LONG dragX = 0, wheel = 0;
+  bool dragged = false;  // moved since the button was pressed
+};
+
+struct StripState {
+  HGLOBAL hMemory;  // of this block
+  StripChart* chart;
+};
+
+// Updates the back buffer and invalidates the changed parts, or everything if there is a cursor or a selection.
+void RefreshStrip(StripChart& chart);
+// Handles kControlCommand.
+LRESULT OnStripCommand(StripChart& chart, WPARAM wParam, LPARAM lParam);
+// Handles WM_COPY.
+LRESULT CopyStrip(StripChart& chart, LPARAM requested);
+
+}  // namespace kv

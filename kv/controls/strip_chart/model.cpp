@@ -1,0 +1,282 @@
+#include "kv/controls/strip_chart/model.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <span>
+#include <utility>
+#include "kv/controls/strip_chart/axis.h"
+#include "kv/controls/strip_chart/sample_store.h"
+#include "kv/controls/strip_chart/strip_chart.h"
+
+namespace kv {
+
+namespace {
+
+constexpr double kNoValue = std::numeric_limits<double>::quiet_NaN();
+constexpr COLORREF kChannelColors[kStripChannels] = {RGB(31, 104, 196), RGB(222, 97, 14),  RGB(34, 139, 60),
+                                                     RGB(200, 40, 50),  RGB(126, 78, 178), RGB(0, 140, 150),
+                                                     RGB(196, 66, 148), RGB(120, 96, 40)};
+// Rounds the span of all stored samples up, so that not every sample changes the scale.
+constexpr double kSpanFactors[] = {1, 1.2, 1.5, 2, 2.5, 3, 4, 5, 6, 8, 10};
+
+bool IsRange(double low, double high) {
+  const double magnitude = std::max(std::fabs(low), std::fabs(high));
+  return magnitude <= kStripMaxValue && high - low > std::max(magnitude * 1e-9, 1e-200);
+}
+
+// Creates a channel's sample store and, if missing, its description.
+bool UseChannel(StripModel& model, unsigned index) {
+  if (index >= kStripChannels) return false;
+  StripChannelData& channel = model.channels[index];
+  if (channel.used) return true;
+  if (!SampleStore().MakeResized(model.capacity, &channel.store)) return false;
+  channel.info = {.version = kStripVersion, .state = kStripVisible, .color = kChannelColors[index]};
+  channel.info.szName[0] = static_cast<char>('1' + index);
+  channel.used = true;
+  return true;
+}
+
+double SpanFor(double length) {
+  const double unit = std::pow(10, std::floor(std::log10(length)));
+  for (const double factor : kSpanFactors) {
+    if (factor * unit >= length) return factor * unit;
+  }
+  return 10 * unit;
+}
+
+// The smallest difference of which doubles of this size can represent a thousandth.
+double MinSpan(double time) {
+  return std::max(1e-6, std::fabs(time) * 1e-11);
+}
+
+void Follow(StripModel& model, bool follow) {
+  model.view.state = follow ? model.view.state | kStripFollow : model.view.state & ~kStripFollow;
+}
+
+// Shows a time range with this length and end, limited to the stored samples.
+void Show(StripModel& model, double span, double end) {
+  const StripStretch stored = StoredTimes(model);
+  model.view.span = std::clamp(span, MinSpan(stored.to), 4 * kStripMaxTime);
+  Follow(model, end >= stored.to);
+  model.view.end = std::clamp(end, std::min(stored.from + model.view.span, stored.to), stored.to);
+}
+
+double NearestValue(const StripModel& model, const StripChannelData& channel, double time) {
+  const unsigned count = ShownCount(model, channel);
+  if (count == 0) return kNoValue;
+  unsigned index = std::min(channel.store.FirstFrom(time), count - 1);
+  if (index > 0 && time - channel.store.TimeAt(index - 1) < channel.store.TimeAt(index) - time) --index;
+  return channel.store.ValueAt(index);
+}
+
+}  // namespace
+
+// ---- Owner's commands -----------------------------------------------------------------------------------------------
+
+bool SetChannel(StripModel& model, unsigned index, const StripChannel& info) {
+  if (info.version != kStripVersion || !UseChannel(model, index)) return false;
+  StripChannel& own = model.channels[index].info;
+  own = info;
+  own.szName[sizeof(own.szName) - 1] = own.szUnit[sizeof(own.szUnit) - 1] = '\0';
+  return true;
+}
+
+bool RemoveChannel(StripModel& model, unsigned index) {
+  if (index >= kStripChannels || !model.channels[index].used) return false;
+  model.channels[index] = {};
+  return true;
+}
+
+bool AppendSamples(StripModel& model, unsigned index, std::span<const StripSample> samples) {
+  if (!UseChannel(model, index)) return false;
+  SampleStore& store = model.channels[index].store;
+  const bool full = store.count() + samples.size() > store.capacity();
+  const double last = store.count() ? store.newest() : -kNever;
+  if (!store.Append(samples)) return false;
+  if (samples.empty()) return true;
+  model.undrawnFrom = std::min(model.undrawnFrom, std::max(last, store.oldest()));
+  if (full) model.removedTo = std::max(model.removedTo, store.oldest());
+  return true;
+}
+
+bool SetStripCapacity(StripModel& model, DWORD capacity) {
+  std::array<SampleStore, kStripChannels> stores;
+  bool made = false;
+  for (int i = 0; i < kStripChannels; ++i) {
+    const StripChannelData& channel = model.channels[i];
+    if (!channel.used) continue;
+    if (!channel.store.MakeResized(capacity, &stores[i])) return false;
+    made = true;
+  }
+  // Without channels, test whether this capacity can be allocated.
+  if (!made && !stores[0].MakeResized(capacity, &stores[0])) return false;
+  for (int i = 0; i < kStripChannels; ++i) {
+    if (model.channels[i].used) model.channels[i].store = std::move(stores[i]);
+  }
+  model.capacity = capacity;
+  model.removedTo = kNever;
+  return true;
+}
+
+bool SetZone(StripModel& model, unsigned index, const StripZone& zone, bool shown) {
+  if (index >= kStripZones || !std::isfinite(zone.lower) || !std::isfinite(zone.upper)) return false;
+  model.zones[index] = zone;
+  model.zoneShown[index] = shown;
+  return true;
+}
+
+bool SetView(StripModel& model, const StripView& view) {
+  const bool allowed = view.version == kStripVersion && view.span >= 0 && view.span <= 4 * kStripMaxTime &&
+                       std::fabs(view.end) <= kStripMaxTime && view.zoom > 1e-6 && view.zoom < 1e6 &&
+                       std::fabs(view.shift) < 1e6;
+  if (!allowed) return false;
+  const bool hold = (view.state & kStripHold) != 0;
+  SetHold(model, hold);
+  model.view = view;
+  model.view.state &= kStripFollow | kStripHold;
+  if (view.span > 0) model.view.span = std::max(view.span, MinSpan(StoredTimes(model).to));
+  model.home = model.view;
+  model.home.state &= ~kStripHold;
+  return true;
+}
+
+void ClearSamples(StripModel& model) {
+  for (StripChannelData& channel : model.channels) channel.store.Clear();
+  model.cursorShown = model.marked = false;
+  SetHold(model, false);
+  model.view = model.home;
+  model.removedTo = kNever;
+}
+
+// ---- Displayed ranges -----------------------------------------------------------------------------------------------
+
+StripStretch StoredTimes(const StripModel& model) {
+  StripStretch stored{kNever, -kNever};
+  for (const StripChannelData& channel : model.channels) {
+    if (!channel.used || channel.store.count() == 0) continue;
+    stored.from = std::min(stored.from, channel.store.oldest());
+    stored.to = std::max(stored.to, channel.store.newest());
+  }
+  if (stored.from > stored.to) return {0, 0};
+  if (IsHeld(model)) stored.to = std::max(stored.from, std::min(stored.to, model.heldAt));
+  return stored;
+}
+
+StripStretch ShownTimes(const StripModel& model) {
+  const StripStretch stored = StoredTimes(model);
+  const double span =
+      model.view.span > 0 ? model.view.span : SpanFor(std::max(stored.to - stored.from, MinSpan(stored.to) * 1000));
+  const bool follows = (model.view.state & kStripFollow) || model.view.span == 0;
+  const double end = follows ? stored.to : model.view.end;
+  return {end - span, end};
+}
+
+unsigned ShownCount(const StripModel& model, const StripChannelData& channel) {
+  const unsigned count = channel.store.count();
+  return IsHeld(model) ? channel.store.FirstAfter(model.heldAt, count) : count;
+}
+
+bool IsSweep(const StripModel& model) {
+  return (model.style & kStripModeBits) == kStripSweep && (model.view.state & kStripFollow);
+}
+
+AxisRange RangeOf(const StripModel& model, int channel, int ticks) {
+  const bool forAll = channel < 0;
+  const double low = forAll ? model.view.minimum : model.channels[channel].info.minimum;
+  const double high = forAll ? model.view.maximum : model.channels[channel].info.maximum;
+  AxisRange range{low, high};
+  if (!IsRange(low, high)) {
+    const StripStretch shown = ShownTimes(model);
+    Extent extent;
+    for (int i = 0; i < kStripChannels; ++i) {
+      const StripChannelData& each = model.channels[i];
+      if (!IsShown(each) || (!forAll && i != channel)) continue;
+      const unsigned from = each.store.FirstFrom(shown.from, each.store.count());
+      const unsigned to = std::min(each.store.FirstAfter(shown.to, each.store.count()), ShownCount(model, each));
+      extent.Add(each.store.ExtentOf(from, to));
+    }
+    range = extent.empty() ? AxisRange{0, 1} : NiceRange(extent.low, extent.high, ticks);
+  }
+  const double middle = range.low + (range.high - range.low) * (0.5 + model.view.shift);
+  const double half = (range.high - range.low) / 2 / model.view.zoom;
+  return {middle - half, middle + half};
+}
+
+// ---- User's actions -------------------------------------------------------------------------------------------------
+
+void PanTime(StripModel& model, double parts) {
+  const StripStretch shown = ShownTimes(model);
+  const double span = shown.to - shown.from;
+  Show(model, span, shown.to + span * parts);
+}
+
+void ZoomTime(StripModel& model, double factor, double about) {
+  const StripStretch shown = ShownTimes(model);
+  const double span = shown.to - shown.from;
+  const bool follows = shown.to >= StoredTimes(model).to;
+  // If the newest sample is displayed, continue to follow it.
+  const double end = follows && about > 0.5 ? shown.to : shown.from + span * about + span * (1 - about) / factor;
+  Show(model, span / factor, end);
+}
+
+void PanValues(StripModel& model, double parts) {
+  model.view.shift = std::clamp(model.view.shift + parts / model.view.zoom, -100.0, 100.0);
+}
+
+void ZoomValues(StripModel& model, double factor) {
+  model.view.zoom = std::clamp(model.view.zoom * factor, 1e-3, 1e5);
+}
+
+void ShowOldest(StripModel& model) {
+  const StripStretch shown = ShownTimes(model);
+  Show(model, shown.to - shown.from, -kNever);
+}
+
+void ShowNewest(StripModel& model) {
+  Follow(model, true);
+}
+
+void SetHold(StripModel& model, bool hold) {
+  if (hold == IsHeld(model)) return;
+  if (hold) {
+    model.heldAt = StoredTimes(model).to;
+    model.view.state |= kStripHold;
+  } else {
+    model.view.state &= ~kStripHold;
+    model.undrawnFrom = std::min(model.undrawnFrom, model.heldAt);
+  }
+}
+
+void ReturnHome(StripModel& model) {
+  const DWORD hold = model.view.state & kStripHold;
+  model.view = model.home;
+  model.view.state |= hold;
+  model.cursorShown = model.marked = false;
+}
+
+// ---- Readings and statistics ----------------------------------------------------------------------------------------
+
+StripReading ReadingAt(const StripModel& model, double time) {
+  StripReading reading{.time = time};
+  for (int i = 0; i < kStripChannels; ++i) {
+    const StripChannelData& channel = model.channels[i];
+    reading.values[i] = channel.used ? NearestValue(model, channel, time) : kNoValue;
+  }
+  return reading;
+}
+
+StripReading NewestReading(const StripModel& model) {
+  return ReadingAt(model, StoredTimes(model).to);
+}
+
+StripStatistics ChannelStatistics(const StripModel& model, unsigned index) {
+  const StripStretch stretch = model.marked ? model.mark : ShownTimes(model);
+  const StripChannelData& channel = model.channels[index];
+  const unsigned limit = ShownCount(model, channel);
+  return channel.store.StatisticsOf(channel.store.FirstFrom(stretch.from),
+                                    std::min(channel.store.FirstAfter(stretch.to), limit));
+}
+
+}  // namespace kv

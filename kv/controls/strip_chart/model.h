@@ -1,0 +1,81 @@
+// The model of a strip chart: channels, and the displayed times and values. Pure; the thread that owns the control.
+#pragma once
+
+#include <array>
+#include <limits>
+#include <span>
+
+#include "kv/controls/strip_chart/axis.h"
+#include "kv/controls/strip_chart/sample_store.h"
+#include "kv/controls/strip_chart/strip_chart.h"
+
+namespace kv {
+
+inline constexpr double kNever = std::numeric_limits<double>::infinity();
+
+struct StripChannelData {
+  bool used = false;
+  StripChannel info{};
+  SampleStore store;
+};
+
+struct StripModel {
+  std::array<StripChannelData, kStripChannels> channels;
+  std::array<StripZone, kStripZones> zones{};
+  std::array<bool, kStripZones> zoneShown{};
+  DWORD style = 0, capacity = kStripDefaultCapacity, axisDigits = 0;
+  StripView view{kStripVersion, kStripFollow, 0, 0, 0, 0, 1, 0};
+  StripView home = view;        // the view that the owner has set
+  double heldAt = 0;            // the newest time when the display was frozen
+  double undrawnFrom = kNever;  // samples after this time have not been drawn
+  double removedTo = -kNever;   // samples before this time were discarded, but are still drawn
+  bool cursorShown = false, marked = false;
+  double cursor = 0;
+  StripStretch mark{};
+};
+
+inline bool IsHeld(const StripModel& model) {
+  return (model.view.state & kStripHold) != 0;
+}
+inline bool IsShown(const StripChannelData& channel) {
+  return channel.used && (channel.info.state & kStripVisible);
+}
+
+// These return false and change nothing if the channel does not exist, the struct is invalid or allocation fails.
+bool SetChannel(StripModel& model, unsigned index, const StripChannel& info);
+bool RemoveChannel(StripModel& model, unsigned index);
+bool AppendSamples(StripModel& model, unsigned index, std::span<const StripSample> samples);
+bool SetStripCapacity(StripModel& model, DWORD capacity);
+bool SetZone(StripModel& model, unsigned index, const StripZone& zone, bool shown);
+bool SetView(StripModel& model, const StripView& view);
+void ClearSamples(StripModel& model);
+
+// From the oldest to the newest sample that can be displayed; 0 to 0 without samples.
+StripStretch StoredTimes(const StripModel& model);
+// The displayed time range; `to` is the right edge.
+StripStretch ShownTimes(const StripModel& model);
+// The number of samples of a channel that can be displayed: while frozen, those up to the time of freezing.
+unsigned ShownCount(const StripModel& model, const StripChannelData& channel);
+// Whether the chart sweeps; earlier times are shown as in paper mode.
+bool IsSweep(const StripModel& model);
+
+// The range of a channel's axis, or of the common axis (-1). An automatic range has about `ticks` ticks.
+AxisRange RangeOf(const StripModel& model, int channel, int ticks);
+
+// The user's actions. `parts` is relative to the displayed range; `about` is a position in it, 0 at the left, 1 at the
+// right.
+void PanTime(StripModel& model, double parts);
+void ZoomTime(StripModel& model, double factor, double about);
+void PanValues(StripModel& model, double parts);
+void ZoomValues(StripModel& model, double factor);
+void ShowOldest(StripModel& model);
+void ShowNewest(StripModel& model);
+void SetHold(StripModel& model, bool hold);
+void ReturnHome(StripModel& model);
+
+StripReading ReadingAt(const StripModel& model, double time);
+StripReading NewestReading(const StripModel& model);
+// The statistics over the selection or, without one, the displayed time range.
+StripStatistics ChannelStatistics(const StripModel& model, unsigned index);
+
+}  // namespace kv

@@ -1,0 +1,281 @@
+#include "kv/controls/strip_chart/renderer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <string>
+
+#include "kv/controls/strip_chart/axis.h"
+#include "kv/controls/strip_chart/model.h"
+#include "kv/controls/strip_chart/strip_chart.h"
+#include "kv/controls/strip_chart/trace.h"
+#include "kv/framework/canvas.h"
+#include "kv/framework/guards.h"
+#include "kv/framework/numbers.h"
+
+namespace kv {
+
+namespace {
+
+constexpr wchar_t kFont[] = L"Arial Unicode MS";
+constexpr int kReach = 2;  // the number of columns beside a sample that its line may touch
+
+std::wstring Decode(const char* text) {
+  wchar_t wide[64] = L"";
+  MultiByteToWideChar(CP_UTF8, 0, text, -1, wide, ARRAYSIZE(wide));
+  return wide;
+}
+
+LONG RowOf(const StripLayout& layout, const AxisRange& range, double value) {
+  const RECT& plot = layout.plot;
+  return plot.top + ToInt(std::floor((range.high - value) / (range.high - range.low) * (plot.bottom - plot.top)));
+}
+
+void DrawTextIn(HDC dc, const std::wstring& text, RECT area, COLORREF color, UINT align) {
+  SetBkMode(dc, TRANSPARENT);
+  SetTextColor(dc, color);
+  DrawTextW(dc, text.data(), static_cast<int>(text.size()), &area,
+            align | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_NOCLIP);
+}
+
+double ColumnOf(double time, double secondsPerColumn) {
+  return std::floor(time / secondsPerColumn);
+}
+
+LONG PlotWidth(const StripLayout& layout) {
+  return layout.plot.right - layout.plot.left;
+}
+
+// Including the columns of a sweep's gap.
+long long OldestColumn(const StripLayout& layout) {
+  return layout.lastColumn - PlotWidth(layout) + 1;
+}
+
+// The x coordinate of a column between the oldest and the last one.
+LONG PlaceOf(const StripLayout& layout, long long column) {
+  const long long width = PlotWidth(layout), place = layout.sweeps ? column % width : column - OldestColumn(layout);
+  return layout.plot.left + static_cast<LONG>(place < 0 ? place + width : place);
+}
+
+}  // namespace
+
+std::wstring ChannelName(const StripChannel& channel) {
+  return Decode(channel.szName);
+}
+
+std::wstring ChannelUnit(const StripChannel& channel) {
+  return Decode(channel.szUnit);
+}
+
+LONG WidthOf(HDC dc, const std::wstring& text) {
+  SIZE size{};
+  GetTextExtentPoint32W(dc, text.data(), static_cast<int>(text.size()), &size);
+  return size.cx;
+}
+
+void StripRenderer::FindFont(int heightPx) {
+  font_.Reset(CreateFontW(-heightPx, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_TT_PRECIS,
+                          CLIP_DEFAULT_PRECIS, ANTIALIASED_QUALITY, VARIABLE_PITCH | FF_SWISS, kFont));
+}
+
+// ---- Static parts ---------------------------------------------------------------------------------------------------
+
+void StripRenderer::DrawBackground(const StripModel& model) {
+  const StripLayout& layout = key_.layout;
+  const StripColors& colors = key_.colors;
+  Canvas canvas(dc_, surface_, shape_);
+  FillArea(canvas, {0, 0, layout.size.cx, layout.size.cy}, colors.panel);
+  const RECT& plot = layout.plot;
+  if (IsRectEmpty(&plot)) return;
+  FillArea(canvas, {plot.left - 1, plot.top - 1, plot.right + 1, plot.bottom + 1}, colors.frame);
+  const SelectedObject selected(canvas.dc(), font_);
+  for (int i = 0; i < layout.axes; ++i) {
+    const StripAxis& axis = layout.axis[i];
+    if (axis.area.left == axis.area.right) continue;
+    const COLORREF color = axis.channel < 0 ? colors.text : colors.lines[axis.channel];
+    for (double tick = FirstTick(axis.range.low, axis.step);; ++tick) {
+      const LONG y = RowOf(layout, axis.range, tick * axis.step);
+      if (y < plot.top) break;
+      DrawTextIn(canvas.dc(), TickText(tick * axis.step, axis.step),
+                 {axis.area.left, y - layout.fontPx, axis.area.right - layout.digitPx / 2, y + layout.fontPx}, color,
+                 DT_RIGHT);
+    }
+  }
+  if (IsRectEmpty(&layout.legend)) return;
+  LONG x = plot.left;
+  for (int i = 0; i < kStripChannels; ++i) {
+    if (!IsShown(model.channels[i])) continue;
+    const StripChannel& info = model.channels[i].info;
+    const std::wstring unit = ChannelUnit(info), name = ChannelName(info) + (unit.empty() ? L"" : L" (" + unit + L")");
+    const LONG dash = layout.fontPx * 3 / 2, width = dash + layout.digitPx + WidthOf(canvas.dc(), name);
+    if (x + width > layout.size.cx) break;
+    const double middle = (layout.legend.top + layout.legend.bottom) / 2.0;
+    FillLine(canvas, {x + 0.0, middle}, {x + 0.0 + dash, middle}, layout.lineWidth * 1.6, colors.lines[i]);
+    DrawTextIn(canvas.dc(), name, {x + dash + layout.digitPx, layout.legend.top, layout.size.cx, layout.legend.bottom},
+               colors.text, DT_LEFT);
+    x += width + layout.digitPx * 2;
+  }
+}
+
+// ---- Columns --------------------------------------------------------------------------------------------------------
+
+void StripRenderer::DrawGrid(Canvas& canvas, const RECT& paper, long long from, long long to, LONG x) {
+  const StripLayout& layout = key_.layout;
+  const StripColors& colors = key_.colors;
+  const bool grid = !(key_.style & kStripNoGrid);
+  const StripAxis& axis = layout.axis[0];
+  for (double tick = FirstTick(axis.range.low, axis.step); grid; ++tick) {
+    const LONG y = RowOf(layout, axis.range, tick * axis.step);
+    if (y < paper.top) break;
+    if (y < layout.plot.bottom) FillArea(canvas, {paper.left, y, paper.right, y + 1}, colors.grid);
+  }
+  const double step = layout.timeStep, second = layout.secondsPerColumn;
+  for (double tick = FirstTick(static_cast<double>(from) * second, step); grid; ++tick) {
+    const double column = ColumnOf(tick * step, second);
+    if (column >= static_cast<double>(to)) break;
+    const LONG place = x + static_cast<LONG>(column - static_cast<double>(from));
+    FillArea(canvas, {place, layout.plot.top, place + 1, layout.plot.bottom}, colors.grid);
+  }
+}
+
+// The times below the plot, except those that its edges or the gap of a sweep would cut.
+void StripRenderer::DrawTimes() {
+  const StripLayout& layout = key_.layout;
+  if (layout.labelsPx == 0) return;
+  const RECT& plot = layout.plot;
+  const RECT strip{plot.left, plot.bottom + 1, plot.right, plot.bottom + layout.labelsPx};
+  Canvas canvas(dc_, surface_, shape_);
+  FillArea(canvas, strip, key_.colors.panel);
+  const SelectedObject selected(canvas.dc(), font_);
+  const double step = layout.timeStep, second = layout.secondsPerColumn;
+  const long long first = OldestColumn(layout) + layout.gapPx, last = layout.lastColumn;
+  for (double tick = FirstTick(static_cast<double>(first) * second, step);; ++tick) {
+    const double column = ColumnOf(tick * step, second);
+    if (column > static_cast<double>(last)) break;
+    const std::wstring text = TimeText(tick * step, step, (key_.style & kStripTimeOfDay) != 0);
+    const LONG half = (WidthOf(canvas.dc(), text) + 1) / 2;
+    const auto at = static_cast<long long>(column);
+    const LONG place = PlaceOf(layout, at);
+    const bool isShown = at - half >= first && at + half <= last + 1;
+    if (!isShown || place - half < plot.left || place + half > plot.right) continue;
+    DrawTextIn(canvas.dc(), text, {place - half, strip.top, place + half, strip.bottom}, key_.colors.text, DT_LEFT);
+  }
+}
+
+// Draws columns from..to-1, with `from` at x.
+void StripRenderer::DrawStretch(Canvas& canvas, const StripModel& model, long long from, long long to, LONG x) {
+  const StripLayout& layout = key_.layout;
+  const StripColors& colors = key_.colors;
+  const RECT& plot = layout.plot;
+  const RECT paper{x, plot.top, x + static_cast<LONG>(to - from), plot.bottom + 1};
+  canvas.ClipTo(paper);
+  FillArea(canvas, {paper.left, plot.top, paper.right, plot.bottom}, colors.paper);
+  FillArea(canvas, {paper.left, plot.bottom, paper.right, plot.bottom + 1}, colors.frame);
+  for (int i = 0; i < kStripZones; ++i) {
+    if (!model.zoneShown[i]) continue;
+    const StripZone& zone = model.zones[i];
+    const AxisRange& range = AxisOf(layout, static_cast<int>(zone.channel)).range;
+    const auto row = [&](double value) { return std::clamp(RowOf(layout, range, value), plot.top, plot.bottom); };
+    FillArea(canvas,
+             {paper.left, row(std::max(zone.lower, zone.upper)), paper.right, row(std::min(zone.lower, zone.upper))},
+             colors.zones[i]);
+  }
+  DrawGrid(canvas, paper, from, to, x);
+  for (int i = 0; i < kStripChannels; ++i) {
+    const StripChannelData& channel = model.channels[i];
+    if (!IsShown(channel)) continue;
+    const TraceView view{layout.secondsPerColumn, AxisOf(layout, i).range, layout.lineWidth,
+                         ShownCount(model, channel)};
+    DrawTrace(canvas, rows_, channel.store, view, plot, from, to, x, colors.lines[i]);
+  }
+}
+
+// Draws the displayed part of these columns and, in a sweep, the gap after the newest sample.
+void StripRenderer::DrawColumns(const StripModel& model, long long from, long long to) {
+  const StripLayout& layout = key_.layout;
+  const long long oldest = OldestColumn(layout);
+  from = std::max(from, oldest + layout.gapPx);
+  to = std::min(to, layout.lastColumn + 1);
+  Canvas canvas(dc_, surface_, shape_);
+  while (from < to) {
+    const LONG x = PlaceOf(layout, from);
+    const long long end = std::min(to, from + layout.plot.right - x);
+    DrawStretch(canvas, model, from, end, x);
+    from = end;
+  }
+  for (long long column = oldest; column < oldest + layout.gapPx; ++column) {
+    const LONG x = PlaceOf(layout, column);
+    canvas.ClipTo({x, layout.plot.top, x + 1, layout.size.cy});
+    FillArea(canvas, {x, layout.plot.top, x + 1, layout.plot.bottom}, key_.colors.paper);
+    FillArea(canvas, {x, layout.plot.bottom, x + 1, layout.plot.bottom + 1}, key_.colors.frame);
+  }
+}
+
+void StripRenderer::Scroll(long long columns) {
+  const RECT& plot = key_.layout.plot;
+  const size_t kept = static_cast<size_t>(plot.right - plot.left - columns);
+  GdiFlush();
+  for (LONG y = plot.top; y <= plot.bottom; ++y) {
+    DWORD* row = surface_.Row(y) + plot.left;
+    std::memmove(row, row + columns, kept * sizeof(DWORD));
+  }
+}
+
+// ---- Update ---------------------------------------------------------------------------------------------------------
+
+RECT StripRenderer::Update(StripModel& model, SIZE size, bool redrawAll) {
+  Key key;
+  std::fill_n(reinterpret_cast<BYTE*>(&key), sizeof(key), BYTE{0});  // including padding bytes
+  key.layout = LayoutStrip(model, size);
+  key.colors = ColorsOf(model);
+  key.style = model.style;
+  for (int i = 0; i < kStripChannels; ++i) {
+    key.channels |= IsShown(model.channels[i]) ? 1u << i : 0u;
+    key.infos[i] = model.channels[i].info;
+  }
+  for (int i = 0; i < kStripZones; ++i) {
+    if (model.zoneShown[i]) key.zones[i] = model.zones[i];
+  }
+  const long long last = key.layout.lastColumn, before = key_.layout.lastColumn;
+  key.layout.lastColumn = before;
+  const bool same = drawn_ && !redrawAll && std::memcmp(&key, &key_, sizeof(key)) == 0;
+  key.layout.lastColumn = last;
+  const LONG width = IsRectEmpty(&key.layout.plot) ? 0 : key.layout.plot.right - key.layout.plot.left;
+  const double second = key.layout.secondsPerColumn;
+  const bool held = IsHeld(model);
+  const RECT whole{0, 0, size.cx, size.cy};
+  const RECT paper{key.layout.plot.left, key.layout.plot.top, key.layout.plot.right, size.cy};
+  if (!same || last < before || last - before >= width || (model.removedTo == kNever && !held)) {
+    if (surface_.size().cx != size.cx || surface_.size().cy != size.cy) surface_.Create(size);
+    drawn_ = surface_.bitmap() && rows_.Create(key.layout.plot.bottom - key.layout.plot.top);
+    if (!font_ || key.layout.fontPx != key_.layout.fontPx) FindFont(key.layout.fontPx);
+    std::memcpy(&key_, &key, sizeof(key));
+    if (!drawn_) return {};
+    DrawBackground(model);
+    if (width > 0) {
+      DrawColumns(model, last - width, last + 1);
+      DrawTimes();
+    }
+    model.undrawnFrom = kNever;
+    model.removedTo = -kNever;
+    return whole;
+  }
+  // A frozen chart does not change when samples arrive.
+  if (held || (model.undrawnFrom == kNever && model.removedTo == -kNever && last == before)) return {};
+  key_.layout.lastColumn = last;
+  if (!key_.layout.sweeps && last > before) Scroll(last - before);
+  const double undrawn = std::min(ColumnOf(model.undrawnFrom, second), static_cast<double>(before + 1)) - kReach;
+  const long long from = std::max(static_cast<long long>(std::max(undrawn, -9e15)), last - width);
+  const double removed = ColumnOf(model.removedTo, second) + kReach + 1;
+  const long long removedTo =
+      removed > static_cast<double>(last - width) ? std::min(static_cast<long long>(removed), from) : from;
+  if (removedTo > last - width && removed > static_cast<double>(last - width))
+    DrawColumns(model, last - width, removedTo);
+  DrawColumns(model, from, last + 1);
+  if (last > before) DrawTimes();
+  model.undrawnFrom = kNever;
+  model.removedTo = -kNever;
+  return paper;
+}
+
+}  // namespace kv

@@ -1,0 +1,93 @@
+// Layout, drawing and partial updates of a strip chart. The time axis consists of whole columns of pixels; column 0
+// begins at time 0. Therefore the chart scrolls by whole pixels, and only changed columns are drawn. The thread that
+// owns the control.
+#pragma once
+
+#include <windows.h>
+
+#include <array>
+
+#include "kv/controls/strip_chart/model.h"
+#include "kv/controls/strip_chart/trace.h"
+#include "kv/framework/canvas.h"
+#include "kv/framework/guards.h"
+
+namespace kv {
+
+struct StripAxis {
+  int channel;  // -1: the common axis
+  RECT area;    // the area of its numbers
+  AxisRange range;
+  double step;
+};
+
+struct StripLayout {
+  SIZE size;
+  int fontPx, digitPx;  // character height, digit width
+  RECT legend, plot;
+  int labelsPx;     // height of the times below the plot; 0: none
+  int axes, gapPx;  // gapPx: free columns after the newest sample of a sweep
+  std::array<StripAxis, kStripChannels> axis;
+  double secondsPerColumn, timeStep, lineWidth;
+  long long lastColumn;  // at the right edge, or the newest of a sweep
+  BOOL sweeps;
+};
+StripLayout LayoutStrip(const StripModel& model, SIZE size);
+
+// Conversion between times and x coordinates; for times that are not displayed, x is outside the plot.
+double TimeAtX(const StripLayout& layout, LONG x);
+LONG XOfTime(const StripLayout& layout, double time);
+// The axis of a channel.
+const StripAxis& AxisOf(const StripLayout& layout, int channel);
+
+struct StripColors {
+  COLORREF panel, text, paper, ink, grid, frame, tip, tipText, mark;
+  std::array<COLORREF, kStripChannels> lines;
+  std::array<COLORREF, kStripZones> zones;
+};
+StripColors ColorsOf(const StripModel& model);
+
+std::wstring ChannelName(const StripChannel& channel);
+std::wstring ChannelUnit(const StripChannel& channel);
+LONG WidthOf(HDC dc, const std::wstring& text);
+
+class StripRenderer {
+ public:
+  // Updates the image and returns the changed rectangles; with `redrawAll` draws everything.
+  RECT Update(StripModel& model, SIZE size, bool redrawAll);
+  // The image with cursor, selection, tooltip and focus frame; without them, the image of Update.
+  const Surface& WithMarks(const StripModel& model, bool focused);
+
+  const StripLayout& layoutShown() const { return key_.layout; }
+  const Surface& surface() const { return surface_; }
+  HDC memoryDc() const { return dc_; }
+
+ private:
+  // Everything except the samples on which a column depends; compared byte by byte, without the time at the right edge.
+  struct Key {
+    StripLayout layout;
+    StripColors colors;
+    DWORD style, channels;
+    std::array<StripChannel, kStripChannels> infos;
+    std::array<StripZone, kStripZones> zones;
+  };
+
+  void FindFont(int heightPx);
+  void DrawBackground(const StripModel& model);
+  void DrawColumns(const StripModel& model, long long from, long long to);
+  void DrawStretch(Canvas& canvas, const StripModel& model, long long from, long long to, LONG x);
+  void DrawGrid(Canvas& canvas, const RECT& paper, long long from, long long to, LONG x);
+  void DrawTimes();
+  void Scroll(long long columns);
+  void DrawTip(Canvas& canvas, const StripModel& model);
+
+  Surface surface_, marked_;
+  MemoryDc dc_{nullptr};
+  CoverageShape shape_;
+  TraceRows rows_;
+  OwnedFont font_;
+  Key key_{};
+  bool drawn_ = false;
+};
+
+}  // namespace kv

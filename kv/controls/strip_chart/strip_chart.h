@@ -1,0 +1,160 @@
+// Window class "kvLineRecorder": a strip chart of up to eight channels over time. A ring buffer stores the newest
+// samples of each channel. The chart scrolls or sweeps; the user can freeze the display, zoom, pan, read values at a
+// cursor and select a time range to see its statistics. kv/controls/line_recorder.h registers the class.
+//
+// Styles         The low four bits of the window style select the mode; further bits are options (kStrip... below). The
+//                control copies the style when it is created; change it with kStripStyle.
+// Times          In seconds since an origin that the owner chooses, within +-kStripMaxTime. The times of a channel
+//                never decrease; channels may have different times. With kStripTimeOfDay, multiples of 86,400 are
+//                midnight.
+// Values         In the channel's unit. NaN, infinite values and values beyond +-kStripMaxValue are gaps.
+// Drawing        At every size from 0 x 0 pixels; text and lines are in proportion to the size, the DPI is not used.
+//                Numbers have a decimal point, as in display instruments. New samples are drawn within 50 ms, at most
+//                twenty times a second, or at once with kCommandRedraw. The time that drawing takes depends on the
+//                number of pixels, not of samples. Time increases from left to right in mirrored windows, too.
+// Notifications  kStripNotify..., posted as WM_COMMAND, for changes by the user, not by messages.
+// Accessibility  WM_GETOBJECT: the name is the window text or, without one, the names of the channels. The value is the
+//                values at the cursor or, without one, the newest values.
+// Thread         The thread that owns the window. Timer 5 of the window is reserved for the control.
+//
+// Keyboard and mouse:
+//   Left, Right, Up, Down     pan
+//   +, -, wheel               zoom the time; with Ctrl, the values
+//   Home                      shows the oldest sample
+//   End                       shows the newest sample and follows it
+//   Space                     freezes or releases the display
+//   Ctrl+Left, Ctrl+Right     move the cursor; it also follows the mouse pointer
+//   Shift+Left, Shift+Right   select a time range from the cursor
+//   Ctrl+C                    copies, like WM_COPY
+//   Escape, double click      remove cursor and selection and return to the view that the owner has set
+//   Dragging, Shift+wheel     pan
+//   Shift+dragging            selects a time range
+//
+// Messages:
+//   WM_ENABLE        draws enabled or disabled (style bit kStripDisabled; WS_DISABLED has no effect)
+//   WM_COPY          puts image (CF_BITMAP) and values (CF_UNICODETEXT) on the clipboard. lParam: width and height of
+//                    the image as for the display instrument, each clamped to 16..5120, or 0. The text is a table
+//                    separated by tabs, with the user's decimal separator: one row for each displayed sample or, for
+//                    more than kStripMaxTextRows samples, one row for each column of pixels, with minimum and maximum
+//   WM_PRINTCLIENT   draws the control into the device context in wParam
+//   WM_DROPFILES     is forwarded to the parent
+//   kControlCommand  see below
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+
+#include "kv/framework/control_class.h"
+
+namespace kv {
+
+inline constexpr char kStripChartClass[] = "kvLineRecorder";
+inline constexpr DWORD kStripVersion = 0x20261125;  // in every StripChannel and StripView; others are rejected
+
+// Limits. Capacities are in samples per channel.
+inline constexpr int kStripChannels = 8, kStripZones = 3;
+inline constexpr DWORD kStripDefaultCapacity = 100000, kStripMaxCapacity = 1u << 26;
+inline constexpr double kStripMaxTime = 1e15, kStripMaxValue = 1e300;
+inline constexpr DWORD kStripMaxTextRows = 65536;
+
+// Style bits. In modes not listed here, the chart scrolls (kStripPaper).
+inline constexpr DWORD kStripModeBits = 0x000F;
+inline constexpr DWORD kStripPaper = 0, kStripSweep = 1;
+inline constexpr DWORD kStripOwnAxes = 0x0010;  // each channel has its own value axis
+inline constexpr DWORD kStripNoLegend = 0x0020;
+inline constexpr DWORD kStripDisabled = 0x0040;  // drawn disabled; set and cleared by WM_ENABLE
+inline constexpr DWORD kStripNoGrid = 0x0080;
+inline constexpr DWORD kStripTimeOfDay = 0x0100;     // the time axis shows hours, minutes and seconds
+inline constexpr DWORD kStripNoAxes = 0x0200;        // the axes have no numbers
+inline constexpr DWORD kStripNoStatistics = 0x0400;  // no tooltip with the statistics of the selection
+
+struct StripSample {
+  double time, value;
+};
+static_assert(sizeof(StripSample) == 16);
+
+struct StripSamples {
+  DWORD count;
+  const StripSample* samples;  // used only during the call
+};
+
+inline constexpr DWORD kStripVisible = 1;  // state bit of StripChannel
+struct StripChannel {
+  DWORD version;    // kStripVersion
+  DWORD state;      // kStripVisible
+  char szName[48];  // UTF-8
+  char szUnit[12];  // UTF-8
+  COLORREF color;
+  double minimum, maximum;  // of its axis (kStripOwnAxes); automatic unless finite and minimum < maximum
+};
+static_assert(sizeof(StripChannel) == 88 && offsetof(StripChannel, color) == 68);
+
+// A coloured part of the value range.
+struct StripZone {
+  double lower, upper;
+  COLORREF color;
+  DWORD channel;  // with kStripOwnAxes: the channel whose axis defines the values
+};
+static_assert(sizeof(StripZone) == 24);
+
+// State bits of StripView.
+inline constexpr DWORD kStripFollow = 1;  // the newest sample is at the right edge
+inline constexpr DWORD kStripHold = 2;    // the display is frozen; new samples are stored and shown after its release
+struct StripView {
+  DWORD version;            // kStripVersion
+  DWORD state;              // kStripFollow, kStripHold
+  double span;              // displayed seconds; 0: all stored samples
+  double end;               // the time at the right edge; with kStripFollow, it can only be read
+  double minimum, maximum;  // of the common axis; automatic unless finite and minimum < maximum
+  double zoom, shift;       // the value range is divided by `zoom`, then moved by `shift` times itself; default 1 and 0
+};
+static_assert(sizeof(StripView) == 56 && offsetof(StripView, zoom) == 40);
+
+// The values at a time: of the nearest sample of each channel; NaN if there is none.
+struct StripReading {
+  double time;
+  double values[kStripChannels];  // can only be read
+};
+static_assert(sizeof(StripReading) == 72);
+
+// A time range, including both ends.
+struct StripStretch {
+  double from, to;
+};
+
+// Statistics of the values that are not gaps. Without values, `count` is 0 and the other fields are NaN.
+struct StripStatistics {
+  double count, minimum, maximum, mean;
+  double deviation;  // standard deviation of the sample (n - 1); 0 for a single value
+};
+static_assert(sizeof(StripStatistics) == 40);
+
+// Codes of kControlCommand (low byte of wParam). Each returns 1 on success; it returns 0 and changes nothing when it
+// rejects the address or its content. With kCommandRead the item is copied to lParam. With kCommandRedraw a change is
+// painted before the call returns. wParam's high word is the index of a channel or zone.
+inline constexpr WPARAM kStripRender = 0;     // renders and paints everything; no address
+inline constexpr WPARAM kStripClear = 1;      // removes all samples, cursor and selection; no address
+inline constexpr WPARAM kStripStyle = 3;      // a DWORD: bits to set, or with kCommandRemove to clear; read: the style
+inline constexpr WPARAM kStripChannel = 17;   // a StripChannel; kCommandRemove removes the channel and its samples
+inline constexpr WPARAM kStripAppend = 18;    // StripSamples; all are rejected if one time is not allowed
+inline constexpr WPARAM kStripZone = 20;      // a StripZone; shown with kStripZoneEnable, otherwise hidden
+inline constexpr WPARAM kStripCapacity = 21;  // a DWORD, 1..kStripMaxCapacity; rejected if allocation fails
+inline constexpr WPARAM kStripViewItem = 22;  // a StripView
+// The cursor, a StripReading; kCommandRemove removes it. Reading returns 0 if there is none.
+inline constexpr WPARAM kStripCursor = 23;
+// The selection, a StripStretch; kCommandRemove removes it. Reading returns 0 if there is none.
+inline constexpr WPARAM kStripMark = 24;
+// Read only: StripStatistics of a channel over the selection or, without one, the displayed time range.
+inline constexpr WPARAM kStripStatistics = 25;
+inline constexpr WPARAM kStripCount = 26;  // read only: a DWORD, the number of stored samples of a channel
+// A DWORD: space for at least that many characters, up to 16, at each value axis; it aligns charts above each other.
+inline constexpr WPARAM kStripAxisDigits = 27;
+
+inline constexpr WPARAM kStripZoneEnable = 0x0400;  // kStripZone: shows the zone
+
+// Notification codes.
+inline constexpr WORD kStripNotifyView = 1, kStripNotifyCursor = 2, kStripNotifyMark = 3;
+inline constexpr WORD kStripNotifyPlaced = 4;  // the cursor was placed, by a click without dragging or by keys
+
+}  // namespace kv

@@ -1,0 +1,113 @@
+#include "kv/controls/strip_chart/trace.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <new>
+#include <utility>
+
+#include "kv/controls/strip_chart/sample_store.h"
+#include "kv/framework/bitmaps.h"
+#include "kv/framework/canvas.h"
+
+namespace kv {
+
+namespace {
+
+constexpr unsigned kManySamples = 4;  // per column
+constexpr int kParts = 4;             // parts of a column with fewer samples
+
+// The part of the line between two times; hints speed up the search for its first and last sample.
+Extent PassedBetween(const SampleStore& store, unsigned count, double from, double to, unsigned hint,
+                     unsigned endHint) {
+  const unsigned first = std::min(store.FirstFrom(from, hint), count);
+  const unsigned end = std::min(store.FirstAfter(to, endHint), count);
+  Extent passed = store.ExtentOf(first, end);
+  const auto addBetween = [&](unsigned before, double time) {
+    const double start = store.TimeAt(before), length = store.TimeAt(before + 1) - start;
+    const double value = store.ValueAt(before);
+    passed.Add(value + (store.ValueAt(before + 1) - value) * ((time - start) / length));
+  };
+  if (first > 0 && first < count) addBetween(first - 1, from);
+  if (end > 0 && end < count) addBetween(end - 1, to);
+  return passed;
+}
+
+}  // namespace
+
+bool TraceRows::Create(int height) {
+  if (cells_ && height == height_) return true;
+  cells_.reset(new (std::nothrow) int[static_cast<size_t>(height) + 2]());
+  height_ = cells_ ? height : 0;
+  first_ = height_;
+  last_ = -1;
+  return cells_ != nullptr;
+}
+
+void TraceRows::AddEdge(int height, int weight) {
+  const int row = height / 256, below = height % 256;
+  cells_[row] += weight * (256 - below);
+  cells_[row + 1] += weight * below;
+  first_ = std::min(first_, row);
+  last_ = std::max(last_, row + 1);
+}
+
+void TraceRows::Add(double top, double bottom, int weight) {
+  const auto place = [this](double y) {
+    return static_cast<int>(std::clamp(y, 0.0, static_cast<double>(height_)) * 256 + 0.5);
+  };
+  const int from = place(top), to = place(bottom);
+  if (from >= to) return;
+  AddEdge(from, weight);
+  AddEdge(to, -weight);
+}
+
+void TraceRows::Flush(const Surface& surface, LONG x, LONG top, COLORREF color) {
+  const DWORD pixel = PixelOfColor(color);
+  const size_t stride = static_cast<size_t>(surface.size().cx);
+  DWORD* target = surface.Row(top) + x + stride * first_;
+  int covered = 0;
+  for (int row = first_; row <= last_; ++row, target += stride) {
+    covered += std::exchange(cells_[row], 0);
+    if (row >= height_) continue;
+    const DWORD coverage = (static_cast<DWORD>(covered) * 255 + kWhole * 128) / (kWhole * 256);
+    if (coverage == 255) {
+      *target = pixel;
+    } else if (coverage) {
+      BlendPixels(target, 1, pixel, coverage);
+    }
+  }
+  first_ = height_;
+  last_ = -1;
+}
+
+void DrawTrace(Canvas& canvas, TraceRows& rows, const SampleStore& store, const TraceView& view, const RECT& plot,
+               long long from, long long to, LONG x, COLORREF color) {
+  if (view.count == 0) return;
+  const double column = view.secondsPerColumn, half = view.width / 2, reach = half * 0.6;
+  const double scale = (plot.bottom - plot.top) / (view.range.high - view.range.low);
+  const auto add = [&](const Extent& passed, int weight) {
+    if (passed.empty()) return;
+    rows.Add((view.range.high - passed.high) * scale - half, (view.range.high - passed.low) * scale + half, weight);
+  };
+  canvas.FinishGdi();
+  unsigned first = store.FirstFrom(static_cast<double>(from) * column, store.count() / 2), many = 0;
+  for (; from < to; ++from, ++x) {
+    const double start = static_cast<double>(from);
+    const unsigned next = store.FirstFrom((start + 1) * column, first + many);
+    many = next - first;
+    if (many > kManySamples) {
+      add(PassedBetween(store, view.count, start * column, (start + 1) * column, first, next), TraceRows::kWhole);
+    } else {
+      for (int part = 0; part < kParts; ++part) {
+        const double left = start + static_cast<double>(part) / kParts - reach;
+        add(PassedBetween(store, view.count, left * column, (left + 1.0 / kParts + 2 * reach) * column, first, next),
+            TraceRows::kWhole / kParts);
+      }
+    }
+    rows.Flush(canvas.surface(), x, plot.top, color);
+    first = next;
+  }
+}
+
+}  // namespace kv

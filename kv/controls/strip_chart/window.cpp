@@ -1,0 +1,351 @@
+// The window of a strip chart: painting, mouse and keyboard.
+#include <oleacc.h>
+#include <shellapi.h>
+#include <windowsx.h>
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <new>
+#include <string>
+
+#include "kv/controls/line_recorder.h"
+#include "kv/controls/strip_chart/axis.h"
+#include "kv/controls/strip_chart/control.h"
+#include "kv/controls/strip_chart/model.h"
+#include "kv/controls/strip_chart/renderer.h"
+#include "kv/controls/strip_chart/strip_chart.h"
+#include "kv/framework/accessible.h"
+#include "kv/framework/bitmaps.h"
+#include "kv/framework/canvas.h"
+#include "kv/framework/control_class.h"
+#include "kv/framework/guards.h"
+#include "kv/framework/window_state.h"
+
+namespace kv {
+
+void RefreshStrip(StripChart& chart) {
+  StripModel& model = chart.model;
+  const RECT changed = chart.renderer.Update(model, ClientSize(chart.window), chart.redrawAll);
+  chart.redrawAll = false;
+  if (chart.hovering) model.cursor = TimeAtX(chart.renderer.layoutShown(), chart.pointerX);
+  const bool marks = model.cursorShown || model.marked;
+  if (!IsRectEmpty(&changed)) InvalidateRect(chart.window, marks ? nullptr : &changed, FALSE);
+}
+
+namespace {
+
+constexpr UINT_PTR kShowTimer = 5;
+constexpr LRESULT kNoState = 1;
+constexpr double kKeyPan = 0.1, kKeyZoom = 2, kWheelZoom = 1.25;
+
+bool IsDown(int key) {
+  return GetKeyState(key) < 0;
+}
+
+StripChart* ChartOf(HWND window) {
+  auto* state = WindowState<StripState>(window);
+  return state ? state->chart : nullptr;
+}
+
+// Shows a change by the user and notifies the owner.
+LRESULT Changed(StripChart& chart, WORD notification) {
+  InvalidateRect(chart.window, nullptr, FALSE);
+  NotifyValueChanged(chart.window);
+  PostNotification(chart.window, notification);
+  return 0;
+}
+
+// ---- Accessibility --------------------------------------------------------------------------------------------------
+
+AccessibleText Describe(HWND window) {
+  const StripChart* chart = ChartOf(window);
+  if (!chart) return {};
+  const StripModel& model = chart->model;
+  AccessibleText text{WindowText(window), {}};
+  const bool named = !text.name.empty();
+  const StripReading reading = model.cursorShown ? ReadingAt(model, model.cursor) : NewestReading(model);
+  const StripLayout& layout = chart->renderer.layoutShown();
+  for (int i = 0; i < kStripChannels; ++i) {
+    if (!IsShown(model.channels[i])) continue;
+    const std::wstring name = ChannelName(model.channels[i].info);
+    if (!named) text.name += (text.name.empty() ? L"" : L", ") + name;
+    if (std::isnan(reading.values[i])) continue;
+    const double step = layout.axes ? AxisOf(layout, i).step / 100 : 0.01;
+    const std::wstring unit = ChannelUnit(model.channels[i].info);
+    text.value += (text.value.empty() ? L"" : L", ") + name + L" " + TickText(reading.values[i], step) +
+                  (unit.empty() ? L"" : L" " + unit);
+  }
+  return text;
+}
+
+// ---- Creation, destruction and painting -----------------------------------------------------------------------------
+
+LRESULT OnCreate(HWND window) {
+  auto* state = CreateWindowState<StripState>(window);
+  if (!state) return kNoState;
+  state->chart = new (std::nothrow) StripChart;
+  if (!state->chart) return kNoState;
+  state->chart->window = window;
+  state->chart->model.style = static_cast<DWORD>(GetWindowLongA(window, GWL_STYLE));
+  // Time increases from left to right in all languages.
+  SetWindowLongA(window, GWL_EXSTYLE, GetWindowLongA(window, GWL_EXSTYLE) & ~WS_EX_LAYOUTRTL);
+  DragAcceptFiles(window, TRUE);
+  return 0;
+}
+
+LRESULT OnDestroy(HWND window) {
+  auto* state = WindowState<StripState>(window);
+  if (!state) return kNoState;
+  KillTimer(window, kShowTimer);
+  if (GetCapture() == window) ReleaseCapture();
+  delete state->chart;
+  DestroyWindowState(window, state);
+  return 0;
+}
+
+LRESULT ShowOn(HDC dc, StripChart& chart, bool focused) {
+  const Surface& surface = chart.renderer.WithMarks(chart.model, focused);
+  if (!surface.bitmap()) return 0;
+  const SelectedObject selected(chart.renderer.memoryDc(), surface.bitmap());
+  BitBlt(dc, 0, 0, surface.size().cx, surface.size().cy, chart.renderer.memoryDc(), 0, 0, SRCCOPY);
+  return 0;
+}
+
+LRESULT OnPaint(HWND window, StripChart* chart) {
+  // Before BeginPaint, so that the areas that this invalidates are painted, too.
+  if (chart) RefreshStrip(*chart);
+  const PaintScope paint(window);
+  return chart ? ShowOn(paint.dc(), *chart, GetFocus() == window) : kNoState;
+}
+
+LRESULT OnPrint(StripChart& chart, HDC dc) {
+  RefreshStrip(chart);
+  return ShowOn(dc, chart, false);
+}
+
+LRESULT OnTimer(StripChart& chart, WPARAM timer) {
+  if (timer != kShowTimer) return 0;
+  KillTimer(chart.window, kShowTimer);
+  chart.waiting = false;
+  RefreshStrip(chart);
+  UpdateWindow(chart.window);
+  return 0;
+}
+
+LRESULT OnEnable(StripChart& chart, bool enabled) {
+  chart.model.style = enabled ? chart.model.style & ~kStripDisabled : chart.model.style | kStripDisabled;
+  RepaintNow(chart.window);
+  return 0;
+}
+
+// ---- Mouse ----------------------------------------------------------------------------------------------------------
+
+void SetMark(StripModel& model, double one, double other) {
+  model.mark = {std::min(one, other), std::max(one, other)};
+  model.marked = true;
+}
+
+LRESULT OnMouseMove(StripChart& chart, LONG x) {
+  const StripLayout& layout = chart.renderer.layoutShown();
+  const LONG width = layout.plot.right - layout.plot.left;
+  if (chart.drag == StripChart::Drag::kPan) {
+    if (x == chart.dragX || width <= 0) return 0;
+    chart.dragged = true;
+    PanTime(chart.model, static_cast<double>(chart.dragX - x) / width);
+    chart.dragX = x;
+    return Changed(chart, kStripNotifyView);
+  }
+  if (chart.drag == StripChart::Drag::kMark) {
+    const LONG within = std::clamp(x, layout.plot.left, std::max(layout.plot.right - 1, layout.plot.left));
+    SetMark(chart.model, TimeAtX(layout, chart.dragX), TimeAtX(layout, within));
+    return Changed(chart, kStripNotifyMark);
+  }
+  // Windows also sends this message when something changes under a pointer that rests: the cursor may have moved since.
+  if (x == chart.pointerX) return 0;
+  chart.pointerX = x;
+  const bool inside = x >= layout.plot.left && x < layout.plot.right;
+  if (!inside && !chart.hovering) return 0;
+  if (inside && !chart.hovering) {
+    TRACKMOUSEEVENT leave{sizeof(leave), TME_LEAVE, chart.window, 0};
+    TrackMouseEvent(&leave);
+  }
+  chart.hovering = chart.model.cursorShown = inside;
+  if (inside) chart.model.cursor = TimeAtX(layout, x);
+  return Changed(chart, kStripNotifyCursor);
+}
+
+LRESULT OnMouseLeave(StripChart& chart) {
+  chart.pointerX = LONG_MIN;
+  if (!chart.hovering) return 0;
+  chart.hovering = chart.model.cursorShown = false;
+  return Changed(chart, kStripNotifyCursor);
+}
+
+LRESULT OnButtonDown(HWND window, LONG x, bool shift) {
+  SetFocus(window);
+  SetCapture(window);
+  StripChart* const found = ChartOf(window);  // the window that lost the focus may have destroyed the control
+  if (!found) return kNoState;
+  StripChart& chart = *found;
+  chart.drag = shift ? StripChart::Drag::kMark : StripChart::Drag::kPan;
+  chart.dragX = x;
+  chart.dragged = false;
+  if (!shift && chart.model.marked) {
+    chart.model.marked = false;
+    return Changed(chart, kStripNotifyMark);
+  }
+  return 0;
+}
+
+LRESULT OnButtonUp(StripChart& chart) {
+  if (chart.drag == StripChart::Drag::kPan && !chart.dragged) PostNotification(chart.window, kStripNotifyPlaced);
+  chart.drag = StripChart::Drag::kNone;
+  if (GetCapture() == chart.window) ReleaseCapture();
+  return 0;
+}
+
+LRESULT OnHome(StripChart& chart) {
+  ReturnHome(chart.model);
+  return Changed(chart, kStripNotifyView);
+}
+
+LRESULT OnWheel(StripChart& chart, WPARAM wParam, LPARAM lParam) {
+  chart.wheel += GET_WHEEL_DELTA_WPARAM(wParam);
+  const int notches = chart.wheel / WHEEL_DELTA;
+  if (notches == 0) return 0;
+  chart.wheel -= notches * WHEEL_DELTA;
+  const StripLayout& layout = chart.renderer.layoutShown();
+  POINT place{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
+  ScreenToClient(chart.window, &place);
+  const double width = std::max(layout.plot.right - layout.plot.left, 1L);
+  if (wParam & MK_SHIFT) {
+    PanTime(chart.model, -notches * kKeyPan);
+  } else if (wParam & MK_CONTROL) {
+    ZoomValues(chart.model, std::pow(kWheelZoom, notches));
+  } else {
+    const double about = layout.sweeps ? 1 : std::clamp((place.x - layout.plot.left) / width, 0.0, 1.0);
+    ZoomTime(chart.model, std::pow(kWheelZoom, notches), about);
+  }
+  return Changed(chart, kStripNotifyView);
+}
+
+// ---- Keyboard -------------------------------------------------------------------------------------------------------
+
+// Moves the cursor by a column, or selects from its previous position.
+LRESULT MoveCursor(StripChart& chart, int columns, bool mark) {
+  StripModel& model = chart.model;
+  const StripLayout& layout = chart.renderer.layoutShown();
+  const StripStretch shown = ShownTimes(model);
+  if (!model.cursorShown) model.cursor = (shown.from + shown.to) / 2;
+  const double before = model.cursor, step = layout.secondsPerColumn * columns;
+  model.cursor = std::clamp(before + step, shown.from, shown.to);
+  model.cursorShown = true;
+  chart.hovering = false;
+  if (!mark) {
+    Changed(chart, kStripNotifyCursor);
+    PostNotification(chart.window, kStripNotifyPlaced);
+    return 0;
+  }
+  // Moves the end of the selection at which the cursor was.
+  const double anchor = !model.marked ? before : before == model.mark.from ? model.mark.to : model.mark.from;
+  SetMark(model, anchor, model.cursor);
+  return Changed(chart, kStripNotifyMark);
+}
+
+LRESULT OnArrow(StripChart& chart, int direction, bool control, bool shift) {
+  if (control || shift) return MoveCursor(chart, control ? direction : direction * 8, shift);
+  PanTime(chart.model, direction * kKeyPan);
+  return Changed(chart, kStripNotifyView);
+}
+
+LRESULT OnZoomKey(StripChart& chart, double factor, bool control) {
+  if (control) {
+    ZoomValues(chart.model, factor);
+  } else {
+    ZoomTime(chart.model, factor, (chart.model.view.state & kStripFollow) ? 1 : 0.5);
+  }
+  return Changed(chart, kStripNotifyView);
+}
+
+template <class Step>
+LRESULT Take(StripChart& chart, Step step) {
+  step(chart.model);
+  return Changed(chart, kStripNotifyView);
+}
+
+LRESULT OnKey(StripChart& chart, WPARAM key, bool control, bool shift) {
+  switch (key) {
+    case VK_LEFT: return OnArrow(chart, -1, control, shift);
+    case VK_RIGHT: return OnArrow(chart, 1, control, shift);
+    case VK_UP: return Take(chart, [](StripModel& model) { PanValues(model, kKeyPan); });
+    case VK_DOWN: return Take(chart, [](StripModel& model) { PanValues(model, -kKeyPan); });
+    case VK_ADD:
+    case VK_OEM_PLUS: return OnZoomKey(chart, kKeyZoom, control);
+    case VK_SUBTRACT:
+    case VK_OEM_MINUS: return OnZoomKey(chart, 1 / kKeyZoom, control);
+    case VK_HOME: return Take(chart, ShowOldest);
+    case VK_END: return Take(chart, ShowNewest);
+    case VK_SPACE: return Take(chart, [](StripModel& model) { SetHold(model, !IsHeld(model)); });
+    case VK_ESCAPE: return OnHome(chart);
+    case 'C': return control ? CopyStrip(chart, 0) : 0;
+    default: return 0;
+  }
+}
+
+// The dialog gets Escape, unless there is something to remove.
+LRESULT DialogKeys(const StripChart* chart, WPARAM key) {
+  const bool takesEscape = chart && key == VK_ESCAPE && (chart->model.marked || chart->model.cursorShown);
+  return DLGC_WANTARROWS | DLGC_WANTCHARS | (takesEscape ? DLGC_WANTMESSAGE : 0);
+}
+
+LRESULT OnFocus(HWND window) {
+  InvalidateRect(window, nullptr, FALSE);
+  return 0;
+}
+
+LRESULT HandleMessage(StripChart& chart, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_SIZE: RepaintNow(chart.window); return 0;
+    case WM_ENABLE: return OnEnable(chart, wParam != 0);
+    case WM_TIMER: return OnTimer(chart, wParam);
+    case WM_MOUSEMOVE: return OnMouseMove(chart, GET_X_LPARAM(lParam));
+    case WM_MOUSELEAVE: return OnMouseLeave(chart);
+    case WM_LBUTTONDOWN: return OnButtonDown(chart.window, GET_X_LPARAM(lParam), (wParam & MK_SHIFT) != 0);
+    case WM_LBUTTONUP: return OnButtonUp(chart);
+    case WM_CAPTURECHANGED: chart.drag = StripChart::Drag::kNone; return 0;
+    case WM_LBUTTONDBLCLK: return OnHome(chart);
+    case WM_MOUSEWHEEL: return OnWheel(chart, wParam, lParam);
+    case WM_KEYDOWN: return OnKey(chart, wParam, IsDown(VK_CONTROL), IsDown(VK_SHIFT));
+    case WM_COPY: return CopyStrip(chart, lParam);
+    case WM_PRINTCLIENT: return OnPrint(chart, reinterpret_cast<HDC>(wParam));
+    case WM_SYSCOLORCHANGE: return OnStripCommand(chart, kStripRender, 0);
+    case kControlCommand: return OnStripCommand(chart, wParam, lParam);
+    default: return DefWindowProcA(chart.window, message, wParam, lParam);
+  }
+}
+
+LRESULT CALLBACK StripProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_CREATE: return OnCreate(window);
+    case WM_DESTROY: return OnDestroy(window);
+    case WM_PAINT: return OnPaint(window, ChartOf(window));
+    case WM_GETDLGCODE: return DialogKeys(ChartOf(window), wParam);
+    case WM_SETFOCUS:
+    case WM_KILLFOCUS: return OnFocus(window);
+    case WM_DROPFILES: return SendMessageA(GetParent(window), message, wParam, lParam);
+    case WM_GETOBJECT: return HandleGetObject(window, wParam, lParam, ROLE_SYSTEM_CHART, Describe);
+    default: break;
+  }
+  if (StripChart* chart = ChartOf(window)) return HandleMessage(*chart, message, wParam, lParam);
+  if (message == kControlCommand) return FALSE;
+  return DefWindowProcA(window, message, wParam, lParam);
+}
+
+}  // namespace
+
+BOOL RegisterLineRecorderClass(HINSTANCE instance, BOOL registerIt) {
+  return RegisterControlClass(instance, kStripChartClass, StripProcedure, registerIt);
+}
+
+}  // namespace kv

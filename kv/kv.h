@@ -1,0 +1,68 @@
+// The whole library in one header.
+//
+// Most programs start with kv/toolkit/scaled_dialog.h. The toolkit is built on the other folders, which programs may also
+// use directly.
+#pragma once
+
+#ifdef _WIN64
+#error kv is a 32-bit library: build for Win32
+#endif
+
+// IWYU pragma: begin_exports
+#include "kv/capture/video_capture.h"
+#include "kv/controls/display_instrument.h"
+#include "kv/controls/horizon/horizon.h"
+#include "kv/controls/instrument_block.h"
+#include "kv/controls/line_recorder.h"
+#include "kv/controls/simple_bitmap.h"
+#include "kv/controls/strip_chart/strip_chart.h"
+#include "kv/export/dde_client.h"
+#include "kv/export/flight_track.h"
+#include "kv/export/flight_track_view.h"
+#include "kv/export/kml_export.h"
+#include "kv/export/nmea.h"
+#include "kv/export/terminal_edit.h"
+#include "kv/export/web_links.h"
+#include "kv/framework/bitmaps.h"
+#include "kv/framework/bounded_format.h"
+#include "kv/framework/calendar.h"
+#include "kv/framework/canvas.h"
+#include "kv/framework/control_class.h"
+#include "kv/framework/coverage.h"
+#include "kv/framework/dialog.h"
+#include "kv/framework/dialog_layout.h"
+#include "kv/framework/dialog_texts.h"
+#include "kv/framework/file_dialog.h"
+#include "kv/framework/file_path.h"
+#include "kv/framework/glyph_outline.h"
+#include "kv/framework/guards.h"
+#include "kv/framework/language.h"
+#include "kv/framework/modules.h"
+#include "kv/framework/notification_icon.h"
+#include "kv/framework/numbers.h"
+#include "kv/framework/painting.h"
+#include "kv/framework/shell_launch.h"
+#include "kv/framework/tooltips.h"
+#include "kv/framework/version.h"
+#include "kv/framework/window_position.h"
+#include "kv/framework/window_state.h"
+#include "kv/lists/extended_list.h"
+#include "kv/lists/list_navigation.h"
+#include "kv/resource.h"
+#include "kv/toolkit/appearance.h"
+#include "kv/toolkit/ask_path.h"
+#include "kv/toolkit/classes.h"
+#include "kv/toolkit/dde_conversation.h"
+#include "kv/toolkit/empty_text.h"
+#include "kv/toolkit/horizon.h"
+#include "kv/toolkit/instruments.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/list_columns.h"
+#include "kv/toolkit/locale_text.h"
+#include "kv/toolkit/pages.h"
+#include "kv/toolkit/png_file.h"
+#include "kv/toolkit/scaled_dialog.h"
+#include "kv/toolkit/strip_chart.h"
+#include "kv/toolkit/track_files.h"
+#include "kv/views3d/mesh_model.h"
+// IWYU pragma: end_exports

@@ -1,0 +1,60 @@
+// Typed functions for the display instruments of a dialog (kv/controls/display_instrument.h), selected by control id.
+// Changes are painted at once. All functions return 0 and change nothing when the dialog has no instrument with that
+// id. Main thread only.
+#pragma once
+
+#include <windows.h>
+
+#include <span>
+
+#include "kv/controls/instrument_block.h"
+
+namespace kv {
+
+// Shows a value, clamped to the range: at once, or with `glide` in steps of 20 ms if it is within a fifth of the range.
+// The instrument always ends at the value set last, even if functions below are called during a glide. NaN and
+// ClearInstrumentValue show that there is no value.
+BOOL SetInstrumentValue(HWND dialog, int id, double value, BOOL glide);
+BOOL ClearInstrumentValue(HWND dialog, int id);
+
+// Gets the displayed value, which changes during a glide. Returns 0 and leaves `value` unchanged also when there is no
+// value.
+BOOL GetInstrumentValue(HWND dialog, int id, double* value);
+
+// Sets or clears style bits (kInstrumentReversed, kInstrumentNoCaption, kInstrumentShowTime ...). The mode does not
+// change. To draw the instrument disabled, use EnableWindow.
+BOOL SetInstrumentStyle(HWND dialog, int id, DWORD bits, BOOL set);
+
+// Sets the time or date of a digital readout.
+BOOL SetInstrumentTime(HWND dialog, int id, const SYSTEMTIME& time);
+
+// The name is truncated to 31 bytes of UTF-8, a unit to 5.
+BOOL SetInstrumentName(HWND dialog, int id, const wchar_t* name);
+
+struct InstrumentRange {
+  double minimum = 0, maximum = 100;
+  const wchar_t* unit = nullptr;  // null keeps the unit
+  double step = 0;                // 0: a hundredth of the range
+  int decimals = -1;              // decimals, 0..7; -1: derived from the step
+  bool alwaysSign = false;
+};
+
+// Sets range, step, unit and number format. The value, and the target of a glide, are clamped to the range.
+//
+// The number of integer digits of a numeric readout is the rounded logarithm of its maximum: with a maximum of 250 it
+// is two, and 230 reads "30". Therefore this function raises a readout's maximum to the smallest one that shows every
+// value of the range (317 for 250), and shows the sign if the range has negative values. Values up to the raised
+// maximum are not clamped. The number in a segment bar follows the same rule, but its range is not changed, because the
+// scale depends on it: use a maximum such as 99 or 400.
+BOOL SetInstrumentRange(HWND dialog, int id, const InstrumentRange& range);
+
+BOOL SetInstrumentColor(HWND dialog, int id, COLORREF color);
+
+// Replaces all zones, which are coloured parts of the range; at most three. Bounds are clamped to the range, so set the
+// range first.
+BOOL SetInstrumentZones(HWND dialog, int id, std::span<const InstrumentZone> zones);
+
+// The smallest maximum, at least `maximum`, with which a readout shows all digits of `largest`.
+float ReadableMaximum(double maximum, double largest);
+
+}  // namespace kv

@@ -1,0 +1,483 @@
+#include "kv/toolkit/scaled_dialog.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "kv/framework/bitmaps.h"
+#include "kv/framework/control_class.h"
+#include "kv/framework/dialog.h"
+#include "kv/framework/dialog_layout.h"
+#include "kv/framework/guards.h"
+#include "kv/framework/language.h"
+#include "kv/framework/modules.h"
+#include "kv/framework/tooltips.h"
+#include "kv/framework/window_position.h"
+#include "kv/lists/extended_list.h"
+#include "kv/toolkit/appearance.h"
+#include "kv/toolkit/copy_key.h"
+#include "kv/toolkit/dialog_state.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/mirroring.h"
+#include "kv/toolkit/text_tips.h"
+
+namespace kv {
+
+namespace {
+
+constexpr wchar_t kStateProperty[] = L"kvScaledDialog";
+constexpr int kPageId = INT_MAX;  // greater than every dialog's lastId
+constexpr int kTextPx = 14;       // at scale 1 and 96 DPI
+
+using SharedDialogState = std::shared_ptr<DialogState>;
+
+// The parameters for opening a dialog; valid until WM_INITDIALOG has been handled. The mark is tested because any
+// program may send WM_INITDIALOG.
+struct Opening {
+  static constexpr DWORD kMark = 0x6B764F70;
+  DWORD mark;
+  const ScaledDialog& options;
+  DialogKind kind;
+};
+
+INT_PTR CallDialogProcedure(HWND dialog, const DialogState& state, UINT message, WPARAM wParam, LPARAM lParam) {
+  return state.options.procedure ? state.options.procedure(dialog, message, wParam, lParam) : FALSE;
+}
+
+// The dialog that was asked for last, which most messages are for: looking up its property is a call into the system.
+struct LastDialog {
+  HWND window;
+  const SharedDialogState* state;
+} lastDialog{};
+
+// Windows of the dialog class are ANSI windows, which replace characters outside the code page by question marks:
+// caption messages bypass the class.
+LRESULT CALLBACK WideCaptionProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+  const SharedDialogState state = DialogStateOf(dialog);
+  if (!state) return DefWindowProcW(dialog, message, wParam, lParam);
+  switch (message) {
+    case WM_SETTEXT:
+    case WM_GETTEXT:
+    case WM_GETTEXTLENGTH: return DefWindowProcW(dialog, message, wParam, lParam);
+    default: break;
+  }
+  const LRESULT result = CallWindowProcW(state->classProcedure, dialog, message, wParam, lParam);
+  if (message == WM_NCDESTROY) {
+    if (lastDialog.window == dialog) lastDialog = {};
+    delete static_cast<SharedDialogState*>(RemovePropW(dialog, kStateProperty));
+  }
+  return result;
+}
+
+// ---- Layout ---------------------------------------------------------------------------------------------------------
+
+bool IsInRange(const ScaledDialog& options, HWND control) {
+  const int id = GetDlgCtrlID(control);
+  return id >= options.firstId && id <= std::min(options.lastId, kPageId - 1);
+}
+
+HFONT FontOf(HWND control) {
+  return reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0));
+}
+
+bool TakesListFont(HWND control) {
+  const LONG style = GetWindowLongW(control, GWL_STYLE);
+  switch (ClassifyControl(control)) {
+    case kControlListBox: return !(style & LBS_OWNERDRAWFIXED);
+    case kControlEdit: return style & ES_MULTILINE && IsOfClass(control, L"EDIT");
+    default: return IsOfClass(control, WC_LISTVIEWW);
+  }
+}
+
+// Scaling deletes the fonts that it replaces. Controls share the template's font, and some continue to use it: lists,
+// controls outside the range. Therefore each scaled control first gets a copy.
+void AssignFonts(HWND dialog) {
+  VisitChildren(dialog, [](HWND child) {
+    LOGFONTW description{};
+    if (!GetObjectW(FontOf(child), sizeof(description), &description)) return;
+    if (HFONT copy = CreateFontIndirectW(&description)) {
+      SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(copy), FALSE);
+    }
+  });
+}
+
+void Capture(HWND dialog, DialogState& state) {
+  size_t controls = 0;
+  VisitChildren(dialog, [&](HWND child) {
+    controls += IsInRange(state.options, child);
+    if (SendMessageW(child, WM_GETDLGCODE, 0, 0) & DLGC_DEFPUSHBUTTON) state.hasDefaultButton = true;
+  });
+  state.slots.resize(controls + 1);
+  CaptureLayout(dialog, state.slots.data(), state.options.firstId, std::min(state.options.lastId, kPageId - 1));
+}
+
+// Scaling skips labels without text, which would then show a later text in the template's font: they get a blank. Lines
+// and rectangles must not get one: they store no font, so each scaling would create another one.
+void FillEmptyLabel(HWND control) {
+  const bool isLabel =
+      ClassifyControl(control) == kControlStatic && (GetWindowLongW(control, GWL_STYLE) & SS_TYPEMASK) <= SS_RIGHT;
+  if (isLabel && GetWindowTextLengthW(control) == 0) SetWindowTextW(control, L" ");
+}
+
+// The framework stretches fonts with the dialog, and those of edit controls with their height. Here all texts of a
+// dialog have one size and the font's own proportions.
+void UnstretchFont(HWND control, int textPx) {
+  LOGFONTW font{};
+  const HFONT former = FontOf(control);
+  if (!GetObjectW(former, sizeof(font), &font) || font.lfWidth == 0) return;
+  font.lfHeight = textPx;
+  font.lfWidth = 0;
+  font.lfWeight = FW_NORMAL;
+  SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(CreateFontIndirectW(&font)), FALSE);
+  DeleteObject(former);
+}
+
+// Edit controls align their text to the top. In a dialog that is stretched vertically they are therefore only as high
+// as the text requires, and centred.
+void UnstretchField(HWND dialog, HWND control, const DialogScale& scale) {
+  const bool isField = ClassifyControl(control) == kControlEdit && !(GetWindowLongW(control, GWL_STYLE) & ES_MULTILINE);
+  if (scale.y <= scale.x || !(isField || IsOfClass(control, UPDOWN_CLASSW))) return;
+  RECT place{};
+  GetWindowRect(control, &place);
+  MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
+  const LONG excess = static_cast<LONG>(static_cast<float>(place.bottom - place.top) * (1 - scale.x / scale.y));
+  MoveWindow(control, place.left, place.top + excess / 2, place.right - place.left, place.bottom - place.top - excess,
+             FALSE);
+}
+
+// A list's previous font is its copy of the template's, or the previous common font of the lists.
+void ScaleTexts(HWND dialog, DialogState& state) {
+  const int textPx = TextHeightOf(dialog);
+  OwnedFont font = MakeFont(textPx, FW_NORMAL);
+  VisitChildren(dialog, [&](HWND control) {
+    if (!IsInRange(state.options, control)) return;
+    UnstretchField(dialog, control, state.scale);
+    if (!TakesListFont(control)) return UnstretchFont(control, textPx);
+    const HFONT former = FontOf(control);
+    SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(static_cast<HFONT>(font)), FALSE);
+    if (former != state.listFont) DeleteObject(former);
+    if (ClassifyControl(control) == kControlListBox) SendMessageW(control, LB_SETITEMHEIGHT, 0, textPx + 2);
+  });
+  state.listFont = std::move(font);
+}
+
+void PlaceControls(HWND dialog, DialogState& state) {
+  const ScaledDialog& options = state.options;
+  size_t controls = 0;
+  VisitChildren(dialog, [&](HWND child) {
+    if (!IsInRange(options, child)) return;
+    ++controls;
+    FillEmptyLabel(child);
+  });
+  // A control that was created after the capture has no slot: ApplyLayout would read beyond the last one.
+  if (controls + 1 > state.slots.size()) return;
+  ApplyLayout(dialog, options.bottomMargin, options.leftMargin, options.topMargin, options.firstId,
+              std::min(options.lastId, kPageId - 1), state.slots.data(), &state.scale.x, &state.scale.y, FALSE);
+  ScaleTexts(dialog, state);
+  FixMirroredDialog(dialog);
+  MoveTextTips(dialog, state.textTips);
+  // RDW_ALLCHILDREN: dialogs clip their controls, which have been moved without being painted.
+  RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
+}
+
+SIZE SizeOf(HWND window) {
+  RECT place{};
+  GetWindowRect(window, &place);
+  return {place.right - place.left, place.bottom - place.top};
+}
+
+// ---- Creation and destruction ---------------------------------------------------------------------------------------
+
+SharedDialogState CreateDialogState(HWND dialog, const Opening& opening) {
+  auto state = std::make_shared<DialogState>();
+  state->options = opening.options;
+  state->kind = opening.kind;
+  if (state->options.background != kDefaultBackground)
+    state->background = OwnedBrush(CreateSolidBrush(state->options.background));
+  SetPropW(dialog, kStateProperty, new SharedDialogState(state));
+  state->classProcedure =
+      reinterpret_cast<WNDPROC>(SetWindowLongW(dialog, GWL_WNDPROC, reinterpret_cast<LONG>(WideCaptionProcedure)));
+  if (state->kind == DialogKind::kPage) SetWindowLongW(dialog, GWL_ID, kPageId);
+  if (state->options.accelerators) {
+    state->accelerators = LoadAcceleratorsW(modules.application, state->options.accelerators);
+  }
+  return state;
+}
+
+// Enlarges the window by the height of the menu bar.
+void AddMenu(HWND dialog, DialogState& state) {
+  if (!state.options.menu || state.kind == DialogKind::kPage) return;
+  const LONG before = ClientSize(dialog).cy;
+  ReplaceMenu(dialog, state);
+  const SIZE size = SizeOf(dialog);
+  SetWindowPos(dialog, nullptr, 0, 0, size.cx, size.cy + before - ClientSize(dialog).cy,
+               SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void RestorePosition(HWND dialog, const DialogState& state) {
+  const ScaledDialog& options = state.options;
+  if (options.positionName) WindowPosition(dialog, options.positionName, kPositionRestore);
+  KeepInSight(dialog, state.minimumSize);
+  DWORD maximised = FALSE;
+  if (options.maximisedName) WindowNumber(options.maximisedName, &maximised, kPositionRestore);
+  if (maximised) ShowWindow(dialog, SW_MAXIMIZE);
+}
+
+void Remember(HWND dialog, const ScaledDialog& options) {
+  if (options.positionName) WindowPosition(dialog, options.positionName, kPositionSave);
+  DWORD maximised = IsZoomed(dialog) != FALSE;
+  if (options.maximisedName && !IsIconic(dialog)) WindowNumber(options.maximisedName, &maximised, kPositionSave);
+}
+
+INT_PTR OnInit(HWND dialog, const Opening& opening) {
+  const SharedDialogState state = CreateDialogState(dialog, opening);
+  const ScaledDialog& options = state->options;
+  SetTextsOfLanguage(dialog, options.templateName);
+  AddMenu(dialog, *state);
+  const SIZE asInTemplate = SizeOf(dialog);
+  state->minimumSize = {options.minimumSize.cx ? options.minimumSize.cx : asInTemplate.cx,
+                        options.minimumSize.cy ? options.minimumSize.cy : asInTemplate.cy};
+  const INT_PTR result =
+      CallDialogProcedure(dialog, *state, WM_INITDIALOG, reinterpret_cast<WPARAM>(GetFocus()), options.parameter);
+  AssignFonts(dialog);
+  VisitChildren(dialog, AddCopyKey);
+  Capture(dialog, *state);
+  state->textTips = CreateTextTips(dialog);
+  ShowLanguage(dialog);
+  // The procedure may have destroyed the dialog, here or before.
+  if (!DialogStateOf(dialog)) return result;
+  if (state->kind == DialogKind::kModeless) ModelessDialogs(dialog, nullptr, kModelessAdd);
+  if (state->kind != DialogKind::kPage) RestorePosition(dialog, *state);
+  const SIZE client = ClientSize(dialog);
+  SendMessageW(dialog, WM_SIZE, IsZoomed(dialog) ? SIZE_MAXIMIZED : SIZE_RESTORED, MAKELPARAM(client.cx, client.cy));
+  return state->kind == DialogKind::kPage ? FALSE : result;
+}
+
+void OnDestroy(HWND dialog, DialogState& state) {
+  VisitChildren(dialog, [&](HWND child) {
+    const HFONT font = FontOf(child);
+    if (font != state.listFont) state.fonts.emplace_back(font);
+  });
+  if (state.kind != DialogKind::kPage) Remember(dialog, state.options);
+  if (state.kind == DialogKind::kModeless) ModelessDialogs(dialog, nullptr, kModelessRemove);
+}
+
+// ---- Message handlers -----------------------------------------------------------------------------------------------
+
+void OnPaint(HWND dialog, const DialogState& state) {
+  const PaintScope paint(dialog);
+  RECT client{};
+  GetClientRect(dialog, &client);
+  FillRect(paint.dc(), &client, state.background ? state.background : GetSysColorBrush(COLOR_BTNFACE));
+}
+
+// On a custom background, texts are black or white, depending on contrast.
+INT_PTR OnControlColor(const DialogState& state, HDC dc, HWND control) {
+  // Wine's labels and buttons do not set their reading order.
+  if (GetWindowLongW(control, GWL_EXSTYLE) & WS_EX_RTLREADING) SetTextAlign(dc, GetTextAlign(dc) | TA_RTLREADING);
+  const COLORREF color = state.background ? state.options.background : GetSysColor(COLOR_BTNFACE);
+  const int lightness = 30 * GetRValue(color) + 59 * GetGValue(color) + 11 * GetBValue(color);
+  const COLORREF readable = lightness < 100 * 128 ? RGB(255, 255, 255) : RGB(0, 0, 0);
+  SetTextColor(dc, state.background ? readable : GetSysColor(COLOR_BTNTEXT));
+  SetBkColor(dc, color);
+  return reinterpret_cast<INT_PTR>(state.background ? static_cast<HBRUSH>(state.background)
+                                                    : GetSysColorBrush(COLOR_BTNFACE));
+}
+
+INT_PTR OnSystemColors(HWND dialog, WPARAM wParam, LPARAM lParam) {
+  VisitChildren(dialog, [&](HWND child) { SendMessageW(child, WM_SYSCOLORCHANGE, wParam, lParam); });
+  RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+  return TRUE;
+}
+
+INT_PTR ReturnDialogResult(HWND dialog, LONG result) {
+  SetWindowLongW(dialog, DWL_MSGRESULT, result);
+  return TRUE;
+}
+
+INT_PTR OnSizing(HWND dialog, const DialogState& state, WPARAM edge, LPARAM place) {
+  return ReturnDialogResult(dialog, LimitSizing(static_cast<UINT>(edge), reinterpret_cast<RECT*>(place),
+                                                state.minimumSize.cx, state.minimumSize.cy));
+}
+
+// Rows of an extended list scale with the dialog.
+INT_PTR OnMeasure(HWND dialog, const DialogState& state, MEASUREITEMSTRUCT* request) {
+  if (IsBadWritePtr(request, sizeof(*request))) return FALSE;
+  const HWND control = GetDlgItem(dialog, static_cast<int>(request->CtlID));
+  wchar_t name[ARRAYSIZE(kExtendedListClass)] = L"";
+  std::copy_n(kExtendedListClass, ARRAYSIZE(kExtendedListClass), name);
+  if (!IsOfClass(control, name)) return FALSE;
+  request->itemHeight = std::max(1u, static_cast<UINT>(static_cast<float>(request->itemHeight) * state.scale.y));
+  return TRUE;
+}
+
+INT_PTR OnNotify(const DialogState& state, LPARAM lParam) {
+  if (IsBadReadPtr(reinterpret_cast<const void*>(lParam), sizeof(NMHDR))) return FALSE;
+  const NMHDR head = NotificationOf(lParam);
+  if (head.code != TTN_GETDISPINFOW || head.hwndFrom != state.textTips) return FALSE;
+  ProvideTextTip(state, lParam);
+  return TRUE;
+}
+
+INT_PTR OnClose(HWND dialog, const DialogState& state, INT_PTR result) {
+  if (state.kind == DialogKind::kPage) return TRUE;
+  if (state.kind == DialogKind::kModal) return EndDialog(dialog, result);
+  if (IsWindowEnabled(dialog)) return DestroyWindow(dialog);
+  // The function that opened a box is still on the stack.
+  return SetForegroundWindow(GetLastActivePopup(dialog));
+}
+
+INT_PTR OnCommand(HWND dialog, const DialogState& state, WORD id) {
+  const LanguageMenu& menu = state.options.languageMenu;
+  if (menu.item && id >= menu.firstCommand && id < menu.firstCommand + kLanguageCount) {
+    SwitchLanguage(nullptr, nullptr, static_cast<int>(id - menu.firstCommand));
+    return TRUE;
+  }
+  if (state.kind != DialogKind::kModal || (id != IDOK && id != IDCANCEL)) return FALSE;
+  return OnClose(dialog, state, id);
+}
+
+// Handles messages for which the dialog's procedure returned FALSE.
+INT_PTR HandleDefault(HWND dialog, const DialogState& state, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_PAINT: OnPaint(dialog, state); return TRUE;
+    case WM_CTLCOLORDLG:
+    case WM_CTLCOLORSTATIC:
+    case WM_CTLCOLORBTN: return OnControlColor(state, reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam));
+    case WM_SYSCOLORCHANGE: return OnSystemColors(dialog, wParam, lParam);  // sent only to top-level windows
+    case WM_SIZING: return OnSizing(dialog, state, wParam, lParam);
+    case WM_MEASUREITEM: return OnMeasure(dialog, state, reinterpret_cast<MEASUREITEMSTRUCT*>(lParam));
+    // Controls would query the dialog's class, which is an ANSI class.
+    case WM_NOTIFYFORMAT: return ReturnDialogResult(dialog, NFR_UNICODE);
+    case WM_NOTIFY: return OnNotify(state, lParam);
+    case WM_COMMAND: return OnCommand(dialog, state, LOWORD(wParam));
+    case WM_CLOSE: OnClose(dialog, state, IDCANCEL); return TRUE;
+    default: return FALSE;
+  }
+}
+
+INT_PTR CALLBACK ScaledDialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+  const SharedDialogState state = DialogStateOf(dialog);
+  if (!state) {
+    const auto* opening = reinterpret_cast<const Opening*>(lParam);
+    const bool isOurs =
+        message == WM_INITDIALOG && !IsBadReadPtr(opening, sizeof(*opening)) && opening->mark == Opening::kMark;
+    return isOurs ? OnInit(dialog, *opening) : FALSE;
+  }
+  const bool isSize = message == WM_SIZE && wParam != SIZE_MINIMIZED;
+  if (isSize) PlaceControls(dialog, *state);
+  if (message == WM_DESTROY) OnDestroy(dialog, *state);
+  const INT_PTR result = CallDialogProcedure(dialog, *state, message, wParam, lParam);
+  if (isSize) PlacePage(dialog, *state);
+  return result || !DialogStateOf(dialog) ? result : HandleDefault(dialog, *state, message, wParam, lParam);
+}
+
+}  // namespace
+
+DialogState::~DialogState() {
+  for (HBITMAP bitmap : languageBitmaps) {
+    if (bitmap) DeleteObject(bitmap);
+  }
+}
+
+std::shared_ptr<DialogState> DialogStateOf(HWND dialog) {
+  if (dialog && dialog == lastDialog.window) return *lastDialog.state;
+  const auto* holder = static_cast<const SharedDialogState*>(GetPropW(dialog, kStateProperty));
+  if (!holder) return nullptr;
+  lastDialog = {dialog, holder};
+  return *holder;
+}
+
+bool IsOfClass(HWND window, const wchar_t* name) {
+  wchar_t own[kClassNameCharacters] = L"";
+  GetClassNameW(window, own, kClassNameCharacters);
+  return lstrcmpiW(own, name) == 0;
+}
+
+// String resources are loaded here, so that missing ones are replaced by English.
+void ReplaceTooltips(HWND dialog, DialogState& state) {
+  if (state.tips) DestroyWindow(state.tips);
+  state.tips = nullptr;
+  std::vector<TooltipEntry> entries(state.options.tips.begin(), state.options.tips.end());
+  std::vector<std::wstring> texts(entries.size());
+  for (size_t i = 0; i < entries.size(); ++i) {
+    if (!IS_INTRESOURCE(entries[i].text)) continue;
+    texts[i] = ResourceText(entries[i].text ? LOWORD(entries[i].text) : entries[i].id);
+    entries[i].text = texts[i].c_str();
+  }
+  if (!entries.empty()) {
+    state.tips = CreateTooltips(modules.resources, dialog, entries.data(), static_cast<int>(entries.size()));
+  }
+}
+
+void ShowLanguage(HWND dialog) {
+  const SharedDialogState state = DialogStateOf(dialog);
+  if (!state) return;
+  SetTextsOfLanguage(dialog, state->options.templateName);
+  if (state->kind != DialogKind::kPage) ReplaceMenu(dialog, *state);
+  ReplaceTooltips(dialog, *state);
+  const bool turned = MirrorDialog(dialog);
+  for (const DialogPage& page : std::vector(state->pages)) ShowLanguage(page.window);
+  CallDialogProcedure(dialog, *state, kLanguageChanged, static_cast<WPARAM>(CurrentLanguage()), 0);
+  const SIZE client = ClientSize(dialog);
+  if (turned) SendMessageW(dialog, WM_SIZE, SIZE_RESTORED, MAKELPARAM(client.cx, client.cy));
+  RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+}
+
+HWND CreateScaledDialog(HWND owner, const ScaledDialog& dialog, DialogKind kind) {
+  const Opening opening{Opening::kMark, dialog, kind};
+  HWND window = CreateDialogParamW(modules.application, dialog.templateName, owner, ScaledDialogProcedure,
+                                   reinterpret_cast<LPARAM>(&opening));
+  if (!window) ReportMissing(dialog.templateName);
+  return window;
+}
+
+HWND OpenDialog(HWND owner, const ScaledDialog& dialog) {
+  HWND window = CreateScaledDialog(owner, dialog, DialogKind::kModeless);
+  if (window) ShowWindow(window, SW_SHOW);
+  return window;
+}
+
+INT_PTR RunModalDialog(HWND owner, const ScaledDialog& dialog) {
+  const Opening opening{Opening::kMark, dialog, DialogKind::kModal};
+  const INT_PTR result = DialogBoxParamW(modules.application, dialog.templateName, owner, ScaledDialogProcedure,
+                                         reinterpret_cast<LPARAM>(&opening));
+  if (result == -1) ReportMissing(dialog.templateName);
+  return result;
+}
+
+DialogScale ScaleOf(HWND dialog) {
+  const SharedDialogState state = DialogStateOf(dialog);
+  return state ? state->scale : DialogScale{1, 1};
+}
+
+int TextHeightOf(HWND dialog) {
+  const DialogScale scale = ScaleOf(dialog);
+  const int textPx = MulDiv(kTextPx, GetDeviceCaps(WindowDc(dialog), LOGPIXELSY), USER_DEFAULT_SCREEN_DPI);
+  return std::max(static_cast<int>(static_cast<float>(textPx) * std::min(scale.x, scale.y)), 1);
+}
+
+void EnableControl(HWND dialog, int id, bool enabled) {
+  const HWND control = GetDlgItem(dialog, id);
+  if (!enabled && GetFocus() == control) SetFocus(GetNextDlgTabItem(dialog, control, FALSE));
+  EnableWindow(control, enabled);
+}
+
+void NameControl(HWND dialog, int id, const wchar_t* name) {
+  DefWindowProcW(GetDlgItem(dialog, id), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(name));
+}
+
+NMHDR NotificationOf(LPARAM lParam) {
+  NMHDR head;
+  std::memcpy(&head, reinterpret_cast<const void*>(lParam), sizeof(head));
+  return head;
+}
+
+}  // namespace kv

@@ -1,0 +1,170 @@
+#include "kv/toolkit/strip_chart.h"
+#include <cstddef>
+#include <span>
+
+#include "kv/controls/strip_chart/strip_chart.h"
+#include "kv/framework/control_class.h"
+#include "kv/framework/file_path.h"
+#include "kv/toolkit/control_access.h"
+
+namespace kv {
+
+namespace {
+
+BOOL Send(HWND dialog, int id, WPARAM command, int index, const void* item) {
+  HWND chart = ControlOfClass(dialog, id, kStripChartClass);
+  return chart && SendMessageA(chart, kControlCommand, MAKEWPARAM(command, index), reinterpret_cast<LPARAM>(item));
+}
+
+// Changes a channel with `change`; creates it if it does not exist.
+template <class Change>
+BOOL ChangeChannel(HWND dialog, int id, int channel, Change change) {
+  StripChannel info{};
+  if (!AppendStripChartSamples(dialog, id, channel, {}) ||
+      !Send(dialog, id, kStripChannel | kCommandRead, channel, &info)) {
+    return FALSE;
+  }
+  change(info);
+  return Send(dialog, id, kStripChannel | kCommandRedraw, channel, &info);
+}
+
+template <class Change>
+BOOL ChangeView(HWND dialog, int id, Change change) {
+  StripView view{};
+  if (!Send(dialog, id, kStripViewItem | kCommandRead, 0, &view)) return FALSE;
+  change(view);
+  return Send(dialog, id, kStripViewItem | kCommandRedraw, 0, &view);
+}
+
+}  // namespace
+
+BOOL SetStripChartChannel(HWND dialog, int id, int channel, const StripChannelText& text) {
+  if (!IsReadableText(text.name) || !IsReadableText(text.unit)) return FALSE;
+  return ChangeChannel(dialog, id, channel, [&](StripChannel& info) {
+    StoreText(info.szName, text.name);
+    StoreText(info.szUnit, text.unit);
+    if (text.color != CLR_INVALID) info.color = text.color;
+    info.minimum = text.minimum;
+    info.maximum = text.maximum;
+    info.state |= kStripVisible;
+  });
+}
+
+BOOL ShowStripChartChannel(HWND dialog, int id, int channel, BOOL show) {
+  return ChangeChannel(dialog, id, channel, [&](StripChannel& info) {
+    info.state = show ? info.state | kStripVisible : info.state & ~kStripVisible;
+  });
+}
+
+BOOL AppendStripChartSamples(HWND dialog, int id, int channel, std::span<const StripSample> samples) {
+  const StripSamples item{static_cast<DWORD>(samples.size()), samples.data()};
+  return Send(dialog, id, kStripAppend, channel, &item);
+}
+
+BOOL AppendStripChartValue(HWND dialog, int id, int channel, double time, double value) {
+  const StripSample sample{time, value};
+  return AppendStripChartSamples(dialog, id, channel, {&sample, 1});
+}
+
+double StripChartNow() {
+  constexpr double kTicksPerSecond = 1e7, kSecondsFrom1601To1970 = 11644473600.0;
+  const auto counted = [] {
+    LARGE_INTEGER count, frequency;
+    QueryPerformanceCounter(&count);
+    QueryPerformanceFrequency(&frequency);
+    return static_cast<double>(count.QuadPart) / static_cast<double>(frequency.QuadPart);
+  };
+  static const double start = [&] {
+    FILETIME now, local;
+    GetSystemTimeAsFileTime(&now);
+    FileTimeToLocalFileTime(&now, &local);
+    const ULARGE_INTEGER ticks{{local.dwLowDateTime, local.dwHighDateTime}};
+    return static_cast<double>(ticks.QuadPart) / kTicksPerSecond - kSecondsFrom1601To1970 - counted();
+  }();
+  return start + counted();
+}
+
+BOOL SetStripChartCapacity(HWND dialog, int id, DWORD samples) {
+  return Send(dialog, id, kStripCapacity | kCommandRedraw, 0, &samples);
+}
+
+BOOL SetStripChartAxisDigits(HWND dialog, int id, DWORD digits) {
+  return Send(dialog, id, kStripAxisDigits | kCommandRedraw, 0, &digits);
+}
+
+BOOL SetStripChartView(HWND dialog, int id, double seconds, double minimum, double maximum) {
+  return ChangeView(dialog, id, [&](StripView& view) {
+    view.state |= kStripFollow;
+    view.span = seconds;
+    view.minimum = minimum;
+    view.maximum = maximum;
+    view.zoom = 1;
+    view.shift = 0;
+  });
+}
+
+BOOL ShowStripChartTimes(HWND dialog, int id, StripStretch times) {
+  return ChangeView(dialog, id, [&](StripView& view) {
+    view.state &= ~kStripFollow;
+    view.span = times.to - times.from;
+    view.end = times.to;
+  });
+}
+
+BOOL FollowStripChart(HWND dialog, int id, double seconds) {
+  return ChangeView(dialog, id, [&](StripView& view) {
+    view.state |= kStripFollow;
+    view.span = seconds;
+  });
+}
+
+BOOL GetStripChartTimes(HWND dialog, int id, StripStretch* times) {
+  StripView view{};
+  if (!Send(dialog, id, kStripViewItem | kCommandRead, 0, &view)) return FALSE;
+  *times = {view.end - view.span, view.end};
+  return TRUE;
+}
+
+BOOL SetStripChartCursor(HWND dialog, int id, const double* time) {
+  return Send(dialog, id, time ? kStripCursor : kStripCursor | kCommandRemove, 0, time);
+}
+
+BOOL GetStripChartCursor(HWND dialog, int id, double* time) {
+  StripReading reading{};
+  if (!Send(dialog, id, kStripCursor | kCommandRead, 0, &reading)) return FALSE;
+  *time = reading.time;
+  return TRUE;
+}
+
+BOOL SetStripChartMark(HWND dialog, int id, const StripStretch* stretch) {
+  return Send(dialog, id, stretch ? kStripMark : kStripMark | kCommandRemove, 0, stretch);
+}
+
+BOOL GetStripChartMark(HWND dialog, int id, StripStretch* stretch) {
+  return Send(dialog, id, kStripMark | kCommandRead, 0, stretch);
+}
+
+BOOL ClearStripChart(HWND dialog, int id) {
+  return Send(dialog, id, kStripClear, 0, nullptr);
+}
+
+BOOL HoldStripChart(HWND dialog, int id, BOOL hold) {
+  return ChangeView(dialog, id,
+                    [&](StripView& view) { view.state = hold ? view.state | kStripHold : view.state & ~kStripHold; });
+}
+
+BOOL SetStripChartZones(HWND dialog, int id, std::span<const StripZone> zones) {
+  BOOL done = TRUE;
+  for (int i = 0; i < kStripZones && done; ++i) {
+    const bool shown = static_cast<size_t>(i) < zones.size();
+    const StripZone zone = shown ? zones[i] : StripZone{};
+    done = Send(dialog, id, kStripZone | kCommandRedraw | (shown ? kStripZoneEnable : 0), i, &zone);
+  }
+  return done;
+}
+
+BOOL ReadStripChartStatistics(HWND dialog, int id, int channel, StripStatistics* statistics) {
+  return Send(dialog, id, kStripStatistics | kCommandRead, channel, statistics);
+}
+
+}  // namespace kv

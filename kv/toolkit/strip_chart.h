@@ -1,0 +1,58 @@
+// Typed functions for the strip charts of a dialog (kv/controls/strip_chart/strip_chart.h), selected by control id. All
+// functions return 0 and change nothing when the dialog has no strip chart with that id or the chart rejects an
+// argument. Main thread only.
+#pragma once
+
+#include <windows.h>
+
+#include <span>
+
+#include "kv/controls/strip_chart/strip_chart.h"
+
+namespace kv {
+
+struct StripChannelText {
+  const wchar_t* name;
+  const wchar_t* unit = L"";        // the name is truncated to 47 bytes of UTF-8, the unit to 11
+  COLORREF color = CLR_INVALID;     // CLR_INVALID: unchanged; the default is one of eight colours
+  double minimum = 0, maximum = 0;  // of the channel's own axis; equal: automatic
+};
+// Describes a channel, 0..7, and shows it.
+BOOL SetStripChartChannel(HWND dialog, int id, int channel, const StripChannelText& text);
+BOOL ShowStripChartChannel(HWND dialog, int id, int channel, BOOL show);
+
+// Samples are displayed within 50 ms. All are rejected if a time is earlier than the previous one.
+BOOL AppendStripChartSamples(HWND dialog, int id, int channel, std::span<const StripSample> samples);
+BOOL AppendStripChartValue(HWND dialog, int id, int channel, double time, double value);
+// The local time in seconds since 1970, for charts that show the time of day. It never decreases, even when the clock
+// is set back.
+double StripChartNow();
+
+// Sets the number of samples that each channel stores.
+BOOL SetStripChartCapacity(HWND dialog, int id, DWORD samples);
+// Reserves space for at least that many characters (up to 16) at the value axis, which aligns charts above each other.
+BOOL SetStripChartAxisDigits(HWND dialog, int id, DWORD digits);
+// Sets the displayed time span in seconds (0: all stored samples) and the range of the common axis (equal: automatic).
+// The chart then follows the newest sample.
+BOOL SetStripChartView(HWND dialog, int id, double seconds, double minimum, double maximum);
+// Shows a fixed time range, also while samples are appended; the value range does not change.
+BOOL ShowStripChartTimes(HWND dialog, int id, StripStretch times);
+// Displays the newest seconds and follows the newest sample; the value range does not change.
+BOOL FollowStripChart(HWND dialog, int id, double seconds);
+// The displayed time range, which the user may have changed. `from` equals `to` when all stored samples are shown.
+BOOL GetStripChartTimes(HWND dialog, int id, StripStretch* times);
+// Freezes or releases the display.
+BOOL HoldStripChart(HWND dialog, int id, BOOL hold);
+// The cursor's time, and the selected time range. Null removes it; reading returns 0 if there is none.
+BOOL SetStripChartCursor(HWND dialog, int id, const double* time);
+BOOL GetStripChartCursor(HWND dialog, int id, double* time);
+BOOL SetStripChartMark(HWND dialog, int id, const StripStretch* stretch);
+BOOL GetStripChartMark(HWND dialog, int id, StripStretch* stretch);
+// Removes all samples, the cursor and the selection.
+BOOL ClearStripChart(HWND dialog, int id);
+// Replaces all zones, which are coloured parts of the value range; at most three.
+BOOL SetStripChartZones(HWND dialog, int id, std::span<const StripZone> zones);
+// The statistics of a channel over the selection or, without one, the displayed time range.
+BOOL ReadStripChartStatistics(HWND dialog, int id, int channel, StripStatistics* statistics);
+
+}  // namespace kv

@@ -1,0 +1,27 @@
+// Saves a recorded flight as a KML document for globe viewers, or as waypoints text. Any thread.
+#pragma once
+
+#include <windows.h>
+
+#include <span>
+
+#include "kv/export/flight_track.h"
+#include "kv/export/kml_export.h"
+
+namespace kv {
+
+// A track with an origin in degrees. It refers to the caller's points, which must exist as long as the track is used.
+FlightTrack MakeFlightTrack(double latitude, double longitude, std::span<FlightTrackPoint> points);
+
+// Both functions write the track to `path`, replacing an existing file. If the track has no readable points, the path
+// is not readable, or the file cannot be created or written completely, they return 0 and leave no file.
+
+// Writes a KML document with the appearance in `settings`; the default are the user's settings.
+BOOL WriteKml(const wchar_t* path, const FlightTrack& track, const KmlSettings& settings = ReadKmlSettings());
+
+// Writes one line for each point: longitude and latitude in degrees, altitude in metres, from the fields that the
+// point's kind selects. A point of unknown kind repeats the previous position; for the first point, that is the track's
+// origin.
+BOOL WriteWaypoints(const wchar_t* path, const FlightTrack& track);
+
+}  // namespace kv

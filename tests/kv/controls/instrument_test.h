@@ -1,0 +1,83 @@
+// Shared by the tests of the display instrument's messages and images.
+#pragma once
+
+#include <cstdlib>
+
+#include "kv/controls/display_instrument.h"
+#include "kv/controls/instrument/state.h"
+#include "kv/framework/guards.h"
+#include "kv/framework/window_state.h"
+#include "tests/support/control_test.h"
+
+namespace kv {
+
+inline constexpr DWORD kModes[] = {kModeGauge, kModeDigital, kModeSegmentBar, kModeCompass, kModeCentreBar};
+inline constexpr COLORREF kOrange = RGB(255, 150, 20);
+
+inline LRESULT Send(HWND control, WPARAM wParam, const void* address) {
+  return SendMessageA(control, kControlCommand, wParam, reinterpret_cast<LPARAM>(address));
+}
+
+template <class Item>
+Item Read(HWND control, WPARAM code) {
+  Item item{};
+  Send(control, code | kCommandRead, &item);
+  return item;
+}
+
+inline InstrumentBlock BlockOf(HWND control) {
+  return Read<InstrumentBlock>(control, kCommandBlock);
+}
+
+inline float ValueOf(HWND control) {
+  return Read<float>(control, kCommandValue);
+}
+
+inline void SetValue(HWND control, float value, WPARAM flags = kCommandRedraw) {
+  Send(control, kCommandValue | flags, &value);
+}
+
+inline InstrumentState& Record(HWND control) {
+  return *WindowState<InstrumentState>(control);
+}
+
+inline DWORD Renderings(HWND control) {
+  return Record(control).work.renderings;
+}
+
+// How often a test redraws: the environment variable KV_REDRAWS, or a number that keeps ./test fast.
+inline int RedrawCount(int usual) {
+  const char* redraws = std::getenv("KV_REDRAWS");
+  return redraws ? std::atoi(redraws) : usual;
+}
+
+// The control's image on the screen.
+struct Shown : kvtest::TestBitmap {
+  Shown(HWND control, int width, int height) : TestBitmap(width, height) {
+    kvtest::PumpMessages();
+    const WindowDc window(control);
+    BitBlt(dc(), 0, 0, width, height, window, 0, 0, SRCCOPY);
+  }
+  // The number of pixels for which the predicate, called with colour and position, is true.
+  template <class Test>
+  int CountWhere(Test test) const {
+    int count = 0;
+    for (int i = 0; i < width() * height(); ++i) {
+      const int x = i % width(), y = i / width();
+      count += test(At(x, y), x, y);
+    }
+    return count;
+  }
+  int DifferencesFrom(const Shown& other) const {
+    return CountWhere([&](COLORREF color, int x, int y) { return color != other.At(x, y); });
+  }
+};
+
+class InstrumentTest : public kvtest::ControlTest<RegisterDisplayInstrumentClass> {
+ protected:
+  HWND Create(DWORD style, int width = 120, int height = 120) {
+    return kvtest::CreateControl(parent_, kDisplayInstrumentClass, "Heading", style, {0, 0, width, height}, 77);
+  }
+};
+
+}  // namespace kv

@@ -1,0 +1,427 @@
+// The strip chart: samples, axes and statistics compared with plain loops, image and commands.
+#include "kv/controls/strip_chart/strip_chart.h"
+
+#include <gtest/gtest.h>
+#include <oleacc.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "kv/controls/line_recorder.h"
+#include "kv/controls/strip_chart/axis.h"
+#include "kv/controls/strip_chart/control.h"
+#include "kv/controls/strip_chart/model.h"
+#include "kv/controls/strip_chart/renderer.h"
+#include "kv/controls/strip_chart/sample_store.h"
+#include "kv/framework/canvas.h"
+#include "kv/framework/control_class.h"
+#include "kv/framework/window_state.h"
+#include "tests/support/comma_locale.h"
+#include "tests/support/control_test.h"
+#include "tests/support/test_window.h"
+
+namespace kv {
+namespace {
+
+constexpr double kInfinite = std::numeric_limits<double>::infinity();
+
+// ---- Pure parts -----------------------------------------------------------------------------------------------------
+
+TEST(StripSamples, RangesAndSumsEqualThoseOfPlainLoops) {
+  std::mt19937 random(7);
+  const auto below = [&](unsigned limit) { return static_cast<unsigned>(random() % limit); };
+  for (int round = 0; round < 60; ++round) {
+    SampleStore store;
+    ASSERT_TRUE(store.MakeResized(1 + below(round % 3 ? 300 : 5000), &store));
+    std::vector<StripSample> all;
+    double time = 0;
+    for (int batch = 0; batch < 40; ++batch) {
+      std::vector<StripSample> samples;
+      for (unsigned i = below(200); i > 0; --i) {
+        time += below(3) * 0.5;
+        samples.push_back({time, below(20) == 0 ? NAN : below(1000) - 500.0});
+      }
+      ASSERT_TRUE(store.Append(samples));
+      all.insert(all.end(), samples.begin(), samples.end());
+      ASSERT_TRUE(below(15) || store.MakeResized(1 + below(3000), &store));
+      if (all.size() > store.count()) all.erase(all.begin(), all.end() - store.count());
+      ASSERT_EQ(all.size(), store.count());
+      const unsigned from = below(store.count() + 1), to = from + below(store.count() - from + 1);
+      Extent extent;
+      long double sum = 0, squares = 0, count = 0;
+      for (unsigned i = from; i < to; ++i) {
+        extent.Add(all[i].value);
+        if (!std::isnan(all[i].value)) sum += all[i].value, ++count;
+      }
+      for (unsigned i = from; i < to; ++i) {
+        if (!std::isnan(all[i].value)) squares += std::pow(all[i].value - sum / count, 2);
+      }
+      const Extent found = store.ExtentOf(from, to);
+      ASSERT_EQ(std::pair(extent.low, extent.high), std::pair(found.low, found.high)) << from << ".." << to;
+      const StripStatistics statistics = store.StatisticsOf(from, to);
+      ASSERT_EQ(count, statistics.count);
+      EXPECT_TRUE(count < 1 || std::fabs(sum / count - statistics.mean) < 1e-9);
+      EXPECT_TRUE(count < 2 || std::fabs(std::sqrt(squares / (count - 1)) - statistics.deviation) < 1e-9);
+      const double wanted = time - below(400) * 0.5;
+      const auto first = std::ranges::lower_bound(all, wanted, {}, &StripSample::time);
+      EXPECT_EQ(first - all.begin(), store.FirstFrom(wanted, below(store.count() + 2)));
+      const auto behind = std::ranges::lower_bound(all, wanted + 0.25, {}, &StripSample::time);
+      EXPECT_EQ(behind - all.begin(), store.FirstAfter(wanted, below(store.count() + 2)));
+    }
+  }
+}
+
+TEST(StripSamples, StatisticsArePreciseFarFromZero) {
+  SampleStore store;
+  ASSERT_TRUE(store.MakeResized(1000, &store));
+  std::vector<StripSample> samples(1000);
+  for (int i = 0; i < 1000; ++i) samples[i] = {i * 1.0, 1e9 + i % 2};
+  ASSERT_TRUE(store.Append(samples));
+  EXPECT_NEAR(0.50025, store.StatisticsOf(0, 1000).deviation, 1e-5);
+  EXPECT_EQ(0, store.StatisticsOf(3, 4).deviation);
+  EXPECT_TRUE(std::isnan(store.StatisticsOf(3, 3).mean));
+}
+
+TEST(StripAxes, StepsAreOneTwoAndFive) {
+  for (const auto& [least, step] : {std::pair{0.7, 1.0}, {1, 1}, {1.01, 2}, {0.1, 0.1}, {0.021, 0.05}, {3e7, 5e7}}) {
+    EXPECT_EQ(step, NiceStep(least)) << least;
+  }
+  for (const auto& [least, step] : {std::pair{0.3, 0.5}, {7, 10}, {11, 15}, {61, 120}, {4000, 7200}, {1e5, 172800}}) {
+    EXPECT_EQ(step, TimeStep(least, true)) << least;
+  }
+  using Range = std::tuple<double, double, double, double>;  // values, and the range for them
+  for (const auto& [low, high, from, to] : {Range{3, 97, 0, 100},
+                                            {-0.012, 0.031, -0.02, 0.04},
+                                            {0, 0, -1, 1},
+                                            {50, 50, 44, 56},
+                                            {1e300, 1e300, 9e299, 1.1e300}}) {
+    const AxisRange range = NiceRange(low, high, 5);
+    EXPECT_DOUBLE_EQ(from, range.low);
+    EXPECT_DOUBLE_EQ(to, range.high);
+  }
+  EXPECT_EQ(L"0.30", TickText(0.3, 0.05));
+  EXPECT_EQ(L"0", TickText(-1e-17, 0.1));
+  EXPECT_EQ(L"2.5e7", TickText(2.5e7, 5e6));
+  EXPECT_EQ(L"-12 s", TimeText(-12, 1, false));
+  EXPECT_EQ(L"23:59:58.5", TimeText(-1.5, 0.5, true));
+  EXPECT_EQ(L"00:00:00", TimeText(86399.9, 1, true));
+  EXPECT_EQ(L"07:05", TimeText(86400 * 3 + 7 * 3600 + 300, 60, true));
+}
+
+// ---- The image ------------------------------------------------------------------------------------------------------
+
+int Differences(const Surface& one, const Surface& other) {
+  GdiFlush();
+  const size_t count = static_cast<size_t>(one.size().cx) * one.size().cy;
+  int different = 0;
+  for (size_t i = 0; i < count; ++i) different += one.Row(0)[i] != other.Row(0)[i];
+  return different;
+}
+
+TEST(StripRendering, PartialRedrawEqualsFullRedraw) {
+  std::mt19937 random(11);
+  const auto below = [&](unsigned limit) { return static_cast<unsigned>(random() % limit); };
+  for (const DWORD style : {kStripPaper, kStripSweep, kStripPaper | kStripOwnAxes, kStripSweep | kStripTimeOfDay}) {
+    StripModel model;
+    StripRenderer partial, whole;
+    model.style = style;
+    ASSERT_TRUE(SetStripCapacity(model, 900));
+    ASSERT_TRUE(SetView(model, {kStripVersion, kStripFollow, 10, 0, -12, 12, 1, 0}));
+    ASSERT_TRUE(SetZone(model, 0, {3, 5, RGB(255, 0, 0), 0}, true));
+    double time = 1000.1, last[3] = {time, time, time};
+    int whollyDrawn = 0;
+    for (int step = 0; step < 300; ++step) {
+      time += below(100) * 0.004;
+      const unsigned channel = below(3);  // each channel has its own delay
+      std::vector<StripSample> samples;
+      const unsigned count = below(step % 50 ? 30 : 400);
+      const double pause = (time - last[channel]) / (count + 1);
+      for (unsigned i = 0; i < count; ++i) {
+        const double at = last[channel] += pause;
+        samples.push_back({at, below(40) ? 10 * std::sin(at) + below(100) * 0.03 : NAN});
+      }
+      ASSERT_TRUE(AppendSamples(model, channel, samples));
+      switch (below(60)) {
+        case 0: ZoomTime(model, 0.5 + below(3), 0.5); break;
+        case 1: PanTime(model, below(3) - 1.5); break;
+        case 2: SetHold(model, !IsHeld(model)); break;
+        case 3: ReturnHome(model); break;
+        default: break;
+      }
+      const RECT changed = partial.Update(model, {311, 190}, false);
+      whollyDrawn += changed.right == 311;
+      if (IsHeld(model) && IsRectEmpty(&changed)) continue;  // frozen, even if samples have left the ring
+      whole.Update(model, {311, 190}, true);
+      ASSERT_EQ(0, Differences(partial.surface(), whole.surface())) << style << ", step " << step;
+      const StripLayout& layout = whole.layoutShown();
+      for (LONG y = layout.plot.bottom + 1; y < layout.plot.bottom + layout.labelsPx; ++y) {
+        const DWORD* row = whole.surface().Row(y);
+        ASSERT_EQ(row[310], row[layout.plot.left]) << "a time is cut, step " << step;
+        ASSERT_EQ(row[310], row[layout.plot.right - 1]) << "a time is cut, step " << step;
+      }
+    }
+    EXPECT_LT(whollyDrawn, style & kStripOwnAxes ? 300 : 100);
+  }
+}
+
+// ---- The control ----------------------------------------------------------------------------------------------------
+
+class StripCharts : public kvtest::ControlTest<RegisterLineRecorderClass> {
+ protected:
+  HWND Create(DWORD style = 0, int width = 300, int height = 200) {
+    return kvtest::CreateControl(parent_, kStripChartClass, "", style, {0, 0, width, height}, 77);
+  }
+  static LRESULT Send(HWND chart, WPARAM wParam, const void* address, int index = 0) {
+    return SendMessageA(chart, kControlCommand, MAKEWPARAM(wParam, index), reinterpret_cast<LPARAM>(address));
+  }
+  template <class Item>
+  static Item Read(HWND chart, WPARAM code, int index = 0) {
+    Item item{};
+    Send(chart, code | kCommandRead, &item, index);
+    return item;
+  }
+  static LRESULT Append(HWND chart, const std::vector<StripSample>& samples, int channel = 0) {
+    const StripSamples item{static_cast<DWORD>(samples.size()), samples.data()};
+    return Send(chart, kStripAppend | kCommandRedraw, &item, channel);
+  }
+  static StripModel& Model(HWND chart) { return WindowState<StripState>(chart)->chart->model; }
+  int Notified(WORD code) {
+    kvtest::PumpMessages();
+    return static_cast<int>(std::ranges::count_if(parent_.seen(), [&](const kvtest::SeenMessage& seen) {
+      return seen.message == WM_COMMAND && seen.wParam == MAKEWPARAM(77, code);
+    }));
+  }
+};
+
+TEST_F(StripCharts, RejectsInvalidInputAndLosesNothing) {
+  HWND chart = Create();
+  EXPECT_EQ(1, Append(chart, {{1, 5}, {2, NAN}, {2, kInfinite}, {3, 7}}));
+  for (const double time : {2.9, std::nan(""), kInfinite, -kInfinite, 2e15}) {
+    EXPECT_EQ(0, Append(chart, {{4, 1}, {time, 1}})) << time;
+  }
+  EXPECT_EQ(0, Append(chart, {{1, 1}}, 8));
+  EXPECT_EQ(1, Append(chart, {}));
+  EXPECT_EQ(4u, Read<DWORD>(chart, kStripCount));
+  EXPECT_EQ(2, Read<StripStatistics>(chart, kStripStatistics).count);  // infinity is a gap
+
+  for (const DWORD capacity : {DWORD{0}, kStripMaxCapacity + 1, DWORD{0xFFFFFFFF}}) {
+    EXPECT_EQ(0, Send(chart, kStripCapacity, &capacity));
+  }
+  Append(chart, {{1, 1}}, 1);
+  for (int i = 0; i < kStripChannels; ++i) Append(chart, {{1, 1}}, i);
+  const DWORD tooMuch = kStripMaxCapacity;  // in eight channels: more than a process can allocate
+  EXPECT_EQ(0, Send(chart, kStripCapacity, &tooMuch));
+  EXPECT_EQ(kStripDefaultCapacity, Read<DWORD>(chart, kStripCapacity));
+  const DWORD few = 2;
+  EXPECT_EQ(1, Send(chart, kStripCapacity, &few));
+  EXPECT_EQ(2u, Read<DWORD>(chart, kStripCount));
+  EXPECT_EQ(7, Read<StripStatistics>(chart, kStripStatistics).maximum);
+
+  const std::pair<WPARAM, size_t> items[] = {{kStripStyle, 4},    {kStripChannel, 88},  {kStripZone, 24},
+                                             {kStripCapacity, 4}, {kStripViewItem, 56}, {kStripCursor, 8},
+                                             {kStripMark, 16},    {kStripAppend, 8}};
+  for (const auto& [code, size] : items) {
+    kvtest::GuardedBytes shortOne(size - 1);
+    memset(shortOne.data(), 0xEE, size - 1);
+    EXPECT_EQ(0, Send(chart, code, shortOne.data())) << code;
+    EXPECT_EQ(0, Send(chart, code | kCommandRead, shortOne.data())) << code;
+    EXPECT_EQ('\xEE', *shortOne.as<char>());
+    EXPECT_EQ(0, Send(chart, code, nullptr));
+  }
+  const StripSample one{9, 1};
+  const StripSamples wild{10, reinterpret_cast<const StripSample*>(16)};
+  const StripSamples endless{0x10000001, &one};  // its size in bytes, modulo 2^32, is that of a single sample
+  EXPECT_EQ(0, Send(chart, kStripAppend, &wild));
+  EXPECT_EQ(0, Send(chart, kStripAppend, &endless));
+  StripView view = Read<StripView>(chart, kStripViewItem);
+  for (const auto& [zoom, span] : {std::pair{0.0, 1.0}, {NAN, 1}, {1, -1}, {1, NAN}, {1, kInfinite}}) {
+    view.zoom = zoom, view.span = span;
+    EXPECT_EQ(0, Send(chart, kStripViewItem, &view));
+  }
+  const StripStretch backwards{3, 2};
+  EXPECT_EQ(0, Send(chart, kStripMark, &backwards));
+}
+
+TEST_F(StripCharts, FreezesWhileRecordingAndReadsCursorAndSelection) {
+  HWND chart = Create();
+  std::vector<StripSample> samples;
+  for (int i = 0; i <= 100; ++i) samples.push_back({i * 1.0, i * 2.0});
+  Append(chart, samples);
+  SendMessageA(chart, WM_KEYDOWN, VK_SPACE, 0);
+  EXPECT_EQ(kStripFollow | kStripHold, Read<StripView>(chart, kStripViewItem).state);
+  EXPECT_EQ(1, Append(chart, {{150, 999}}));
+  EXPECT_EQ(100, Read<StripView>(chart, kStripViewItem).end);
+  EXPECT_EQ(200, Read<StripStatistics>(chart, kStripStatistics).maximum);
+  SendMessageA(chart, WM_KEYDOWN, VK_SPACE, 0);
+  EXPECT_EQ(150, Read<StripView>(chart, kStripViewItem).end);
+
+  EXPECT_EQ(0, Send(chart, kStripCursor | kCommandRead, &samples[0]));
+  const StripReading at{.time = 40.4};
+  kvtest::PumpMessages();
+  EXPECT_EQ(1, Send(chart, kStripCursor, &at));
+  EXPECT_TRUE(GetUpdateRect(chart, nullptr, FALSE));
+  EXPECT_EQ(80, Read<StripReading>(chart, kStripCursor).values[0]);
+  EXPECT_EQ(L"1 80", kvtest::ReadAccessible(chart).value);
+  const StripStretch mark{10, 14};
+  EXPECT_EQ(1, Send(chart, kStripMark | kCommandRedraw, &mark));
+  const StripStatistics statistics = Read<StripStatistics>(chart, kStripStatistics);
+  EXPECT_EQ(std::tuple(5, 20, 28, 24),
+            std::tuple(statistics.count, statistics.minimum, statistics.maximum, statistics.mean));
+  EXPECT_NEAR(std::sqrt(10), statistics.deviation, 1e-12);
+
+  Send(chart, kStripCursor | kCommandRemove, nullptr);
+  // The tooltip with statistics is beside the selection, where the plot is empty otherwise.
+  const auto differentPixels = [](const kvtest::TestBitmap& one, const kvtest::TestBitmap& other) {
+    int count = 0;
+    for (int y = 0; y < 200; ++y) {
+      for (int x = 0; x < 300; ++x) count += one.At(x, y) != other.At(x, y);
+    }
+    return count;
+  };
+  kvtest::TestBitmap told(300, 200), silent(300, 200);
+  SendMessageA(chart, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(told.dc()), 0);
+  EXPECT_EQ(1, Send(chart, kStripStyle, &kStripNoStatistics));
+  SendMessageA(chart, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(silent.dc()), 0);
+  EXPECT_EQ(0, silent.CountOf(0xCCCCCC));
+  EXPECT_LT(100, differentPixels(told, silent));
+  EXPECT_EQ(1, Send(chart, kStripMark | kCommandRemove, nullptr));
+  EXPECT_EQ(0, Send(chart, kStripMark | kCommandRead, &samples[0]));
+}
+
+TEST_F(StripCharts, KeysAndMouseZoomPanSelectAndNotifyTheOwner) {
+  HWND chart = Create();
+  std::vector<StripSample> samples;
+  for (int i = 0; i <= 1000; ++i) samples.push_back({i * 1.0, i % 7 * 1.0});
+  Append(chart, samples);
+  UpdateWindow(chart);
+  const auto view = [&] { return Read<StripView>(chart, kStripViewItem); };
+  const auto key = [&](WPARAM code) { SendMessageA(chart, WM_KEYDOWN, code, 0); };
+  key(VK_ADD);
+  key(VK_ADD);
+  EXPECT_EQ(std::tuple(250, 1000), std::tuple(view().span, view().end));
+  key(VK_LEFT);
+  EXPECT_EQ(std::tuple(0u, 975), std::tuple(view().state, view().end));
+  key(VK_HOME);
+  EXPECT_EQ(250, view().end);
+  key(VK_LEFT);  // at the end
+  EXPECT_EQ(250, view().end);
+  Append(chart, {{1001, 3}});
+  EXPECT_EQ(250, view().end);
+  SendMessageA(chart, WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), MAKELPARAM(150, 100));
+  EXPECT_EQ(200, view().span);
+  key(VK_UP);
+  EXPECT_NEAR(0.1, view().shift, 1e-12);
+  key(VK_END);
+  EXPECT_EQ(std::tuple(kStripFollow, 1001), std::tuple(view().state, view().end));
+  EXPECT_EQ(8, Notified(kStripNotifyView));
+
+  UpdateWindow(chart);
+  const LONG left = WindowState<StripState>(chart)->chart->renderer.layoutShown().plot.left;
+  SendMessageA(chart, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(left + 50, 50));
+  SendMessageA(chart, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(left + 100, 50));
+  SendMessageA(chart, WM_LBUTTONUP, 0, MAKELPARAM(left + 100, 50));
+  EXPECT_LT(view().end, 1001 - 30);
+  UpdateWindow(chart);
+  SendMessageA(chart, WM_LBUTTONDOWN, MK_LBUTTON | MK_SHIFT, MAKELPARAM(left + 100, 50));
+  SendMessageA(chart, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(left + 50, 50));
+  SendMessageA(chart, WM_LBUTTONUP, 0, MAKELPARAM(left + 50, 50));
+  const StripStretch mark = Read<StripStretch>(chart, kStripMark);
+  EXPECT_NEAR(50 * WindowState<StripState>(chart)->chart->renderer.layoutShown().secondsPerColumn, mark.to - mark.from,
+              1e-9);
+  EXPECT_EQ(1, Notified(kStripNotifyMark));
+  const DWORD digits = 9, tooMany = 17;
+  EXPECT_EQ(0, Send(chart, kStripAxisDigits, &tooMany));
+  EXPECT_EQ(1, Send(chart, kStripAxisDigits | kCommandRedraw, &digits));
+  const StripLayout& aligned = WindowState<StripState>(chart)->chart->renderer.layoutShown();
+  EXPECT_EQ(10 * aligned.digitPx, aligned.axis[0].area.right - aligned.axis[0].area.left);
+  SendMessageA(chart, WM_MOUSEMOVE, 0, MAKELPARAM(left + 60, 50));
+  EXPECT_EQ(1, Notified(kStripNotifyCursor));
+  EXPECT_EQ(0, Notified(kStripNotifyPlaced));  // both were drags
+  const double elsewhere = 990;
+  EXPECT_EQ(1, Send(chart, kStripCursor | kCommandRedraw, &elsewhere));
+  SendMessageA(chart, WM_MOUSEMOVE, 0, MAKELPARAM(left + 60, 50));  // the pointer rests
+  EXPECT_EQ(elsewhere, Read<StripReading>(chart, kStripCursor).time);
+  SendMessageA(chart, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(left + 60, 50));
+  SendMessageA(chart, WM_LBUTTONUP, 0, MAKELPARAM(left + 60, 50));
+  EXPECT_EQ(1, Notified(kStripNotifyPlaced));
+  BYTE keys[256] = {};
+  keys[VK_CONTROL] = 0x80;
+  SetKeyboardState(keys);
+  key(VK_LEFT);
+  keys[VK_CONTROL] = 0;
+  SetKeyboardState(keys);
+  EXPECT_EQ(2, Notified(kStripNotifyPlaced));
+  EXPECT_EQ(DLGC_WANTMESSAGE, SendMessageA(chart, WM_GETDLGCODE, VK_ESCAPE, 0) & DLGC_WANTMESSAGE);
+  key(VK_ESCAPE);
+  EXPECT_EQ(std::tuple(kStripFollow, 0, 0), std::tuple(view().state, view().span, view().shift));
+  EXPECT_FALSE(Model(chart).marked || Model(chart).cursorShown);
+}
+
+// The text on the clipboard.
+std::wstring ClipboardText(HWND owner) {
+  std::wstring text;
+  if (!OpenClipboard(owner)) return text;
+  if (HANDLE data = GetClipboardData(CF_UNICODETEXT)) {
+    text = static_cast<const wchar_t*>(GlobalLock(data));
+    GlobalUnlock(data);
+  }
+  CloseClipboard();
+  return text;
+}
+
+TEST_F(StripCharts, CopiesItsImageAndAnEqualTable) {
+  HWND chart = Create();
+  StripChannel info{kStripVersion, kStripVisible, "Speed", "m/s", RGB(0, 0, 255), 0, 0};
+  Send(chart, kStripChannel, &info);
+  Append(chart, {{1, 5}, {2, NAN}, {3, 7.25}});
+  Append(chart, {{2, 1}, {2, 2}}, 3);
+  const kvtest::CommaLocale comma;  // the host's locale; the user's has a point
+  SendMessageA(chart, WM_COPY, 0, MAKELPARAM(8, 120));
+  EXPECT_EQ(16, kvtest::ClipboardBitmapSize(parent_).cx);
+  EXPECT_EQ(120, kvtest::ClipboardBitmapSize(parent_).cy);
+  EXPECT_EQ(L"s\tSpeed (m/s)\t4\r\n1\t5\t\r\n2\t\t1\r\n2\t\t2\r\n3\t7.25\t\r\n", ClipboardText(parent_));
+
+  std::vector<StripSample> many;
+  for (DWORD i = 0; i <= kStripMaxTextRows; ++i) many.push_back({4 + i * 0.001, i % 100 * 1.0});
+  Append(chart, many);
+  SendMessageA(chart, WM_COPY, 0, 0);
+  EXPECT_EQ(300, kvtest::ClipboardBitmapSize(parent_).cx);
+  const std::wstring text = ClipboardText(parent_);
+  EXPECT_EQ(0u, text.find(L"s\tSpeed (m/s) min\tSpeed (m/s) max\t"));
+  EXPECT_NE(std::wstring::npos, text.find(L"\t0\t99\t"));
+  EXPECT_LT(std::ranges::count(text, L'\n'), 300);
+}
+
+TEST_F(StripCharts, SurvivesUnusualSizesAndDestructionUnderTheMouse) {
+  for (const int size : {0, 1, 2, 6, 13, 40}) {
+    for (const auto& [width, height] : {std::pair{size, size}, {size, 200}, {300, size}}) {
+      HWND chart = Create(kStripOwnAxes, width, height);
+      for (int i = 0; i < 4; ++i) Append(chart, {{i * 1.0, 1e300}, {i + 0.5, -1e300}, {i + 1.0, 5}}, i);
+      const StripStretch mark{0, 2};
+      Send(chart, kStripMark | kCommandRedraw, &mark);
+      Append(chart, {{500, 5}});
+      EXPECT_EQ(1, Send(chart, kStripRender, nullptr));
+      DestroyWindow(chart);
+    }
+  }
+  HWND chart = Create();
+  Append(chart, {{0, 1}, {10, 2}});
+  SendMessageA(chart, WM_MOUSEMOVE, 0, MAKELPARAM(100, 50));
+  SendMessageA(chart, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(100, 50));
+  const StripSamples none{0, nullptr};
+  Send(chart, kStripAppend, &none);  // its timer runs
+  DestroyWindow(chart);
+  EXPECT_EQ(nullptr, GetCapture());
+  kvtest::PumpMessages();
+}
+
+}  // namespace
+}  // namespace kv

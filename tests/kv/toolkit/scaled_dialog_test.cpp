@@ -1,0 +1,309 @@
+#include "kv/toolkit/scaled_dialog.h"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "kv/framework/bitmaps.h"
+#include "kv/framework/dialog.h"
+#include "kv/framework/guards.h"
+#include "kv/framework/modules.h"
+#include "kv/framework/tooltips.h"
+#include "kv/lists/extended_list.h"
+#include "kv/lists/list_navigation.h"
+#include "tests/support/running_program.h"
+#include "tests/support/test_window.h"
+#include "tests/kv/toolkit/ids.h"
+#include "kv/toolkit/classes.h"
+#include "kv/toolkit/empty_text.h"
+#include "kv/toolkit/keyboard.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/pages.h"
+
+namespace kv {
+namespace {
+
+using kvtest::PlaceOf;
+using kvtest::TextOf;
+
+constexpr COLORREF kGround = RGB(10, 20, 200);
+
+std::vector<UINT> seen;
+UINT answered = 0;   // the message for which the procedure returns TRUE
+UINT destroyAt = 0;  // the message at which it destroys the dialog
+UINT postAtStart = 0;
+
+INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+  seen.push_back(message);
+  if (message == destroyAt) {
+    DestroyWindow(dialog);
+    return TRUE;
+  }
+  if (message == WM_INITDIALOG) {
+    if (lParam != 77) return FALSE;
+    PostMessageW(GetDlgItem(dialog, IDC_EDIT), WM_CHAR, L'Ω', 0);
+    if (postAtStart) PostMessageA(dialog, postAtStart, IDOK, 0);
+    return TRUE;
+  }
+  if (message == WM_APP) {
+    EXPECT_EQ(L"Ω", TextOf(GetDlgItem(dialog, IDC_EDIT)));
+    PostQuitMessage(static_cast<int>(wParam) + 6);
+  }
+  return message == answered;
+}
+
+const TooltipEntry kTips[] = {{IDC_LABEL, MAKEINTRESOURCEW(IDS_ENGLISH_ONLY)}};
+const ScaledDialog kTest{.templateName = L"TEST",
+                         .procedure = Procedure,
+                         .parameter = 77,
+                         .positionName = "Test.Toolkit",
+                         .background = kGround,
+                         .tips = kTips,
+                         .firstId = 100,
+                         .lastId = 199};
+
+class ScaledDialogTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    modules = {.resources = GetModuleHandleA(nullptr), .application = GetModuleHandleA(nullptr)};
+    ASSERT_TRUE(RegisterAllClasses(modules.application, TRUE));
+    ModelessDialogs(nullptr, nullptr, kModelessReset);
+    answered = destroyAt = postAtStart = 0;
+    seen.clear();
+  }
+  void TearDown() override {
+    UnloadLanguages();
+    EXPECT_TRUE(RegisterAllClasses(modules.application, FALSE));
+  }
+};
+
+TEST_F(ScaledDialogTest, ScalesKeepsItsMinimumSizeAndRestoresItsPosition) {
+  HWND dialog = OpenDialog(nullptr, kTest);
+  ASSERT_TRUE(dialog);
+  const SIZE client = ClientSize(dialog);
+  const RECT edit = PlaceOf(dialog, IDC_EDIT), outside = PlaceOf(dialog, IDC_OUTSIDE);
+  RECT window{};
+  GetWindowRect(dialog, &window);
+  const int frameX = window.right - window.left - client.cx, frameY = window.bottom - window.top - client.cy;
+  AddListNavigation(GetDlgItem(dialog, IDC_ROWS));
+  MoveWindow(dialog, 40, 50, 2 * client.cx + frameX, 3 * client.cy + frameY, TRUE);
+  const RECT grown = PlaceOf(dialog, IDC_EDIT), kept = PlaceOf(dialog, IDC_OUTSIDE);
+  EXPECT_EQ(2 * edit.left, grown.left);
+  EXPECT_NEAR(3 * (edit.top + edit.bottom), grown.top + grown.bottom, 2);
+  EXPECT_NEAR(2 * (edit.bottom - edit.top), grown.bottom - grown.top, 1);  // as its text, by the smaller scale
+  EXPECT_TRUE(EqualRect(&outside, &kept));
+  EXPECT_EQ(3, ScaleOf(dialog).y);
+  const auto font = reinterpret_cast<HGDIOBJ>(SendDlgItemMessageA(dialog, IDC_OUTSIDE, WM_GETFONT, 0, 0));
+  EXPECT_EQ(static_cast<DWORD>(OBJ_FONT), GetObjectType(font));  // shared with others, which got new ones
+  for (const int id : {IDC_EMPTY, IDC_LABEL, IDC_EDIT}) {
+    LOGFONTW look{};
+    GetObjectW(reinterpret_cast<HGDIOBJ>(SendDlgItemMessageW(dialog, id, WM_GETFONT, 0, 0)), sizeof(look), &look);
+    EXPECT_EQ(std::tuple(28, 0), std::tuple(look.lfHeight, look.lfWidth)) << id;
+  }
+  EXPECT_EQ(28, TextHeightOf(dialog));
+  SendDlgItemMessageA(dialog, IDC_ROWS, LB_SETCOUNT, 5, 0);
+  EXPECT_EQ(kHeaderRow, ListRowAt(GetDlgItem(dialog, IDC_ROWS), {0, 50}));  // a row of 3 x 17
+  EXPECT_EQ(0u, ListRowAt(GetDlgItem(dialog, IDC_ROWS), {0, 51}));
+  UpdateWindow(dialog);
+  EXPECT_EQ(kGround, GetPixel(WindowDc(dialog), 2, 2));
+
+  RECT dragged{0, 0, 10, 10};
+  EXPECT_EQ(TRUE, SendMessageA(dialog, WM_SIZING, WMSZ_BOTTOMRIGHT, reinterpret_cast<LPARAM>(&dragged)));
+  EXPECT_EQ(std::tuple(window.right - window.left, window.bottom - window.top),
+            std::tuple(dragged.right, dragged.bottom));
+
+  GetWindowRect(dialog, &window);
+  answered = WM_CLOSE;
+  SendMessageA(dialog, WM_CLOSE, 0, 0);
+  EXPECT_TRUE(IsWindow(dialog));
+  EXPECT_TRUE(ModelessDialogs(dialog, nullptr, kModelessRemove));  // the dialog was in the table
+  answered = 0;
+  SendMessageA(dialog, WM_CLOSE, 0, 0);
+  EXPECT_FALSE(IsWindow(dialog));
+  EXPECT_EQ(0u, GetObjectType(font));
+  dialog = OpenDialog(nullptr, kTest);
+  RECT restored{};
+  GetWindowRect(dialog, &restored);
+  EXPECT_TRUE(EqualRect(&window, &restored));
+  DestroyWindow(dialog);
+  EXPECT_FALSE(ModelessDialogs(dialog, nullptr, kModelessRemove));
+}
+
+TEST_F(ScaledDialogTest, TakesAcceleratorsThatTheFocusedControlDoesNotUse) {
+  ScaledDialog keyed = kTest;
+  keyed.accelerators = L"KEYS";
+  HWND dialog = OpenDialog(nullptr, keyed);
+  HWND button = CreateWindowA("BUTTON", "", WS_CHILD | WS_VISIBLE, 0, 0, 9, 9, dialog, nullptr, nullptr, nullptr);
+  const auto isTaken = [&](HWND focused, WPARAM key, bool control) {
+    BYTE keys[256]{};
+    keys[VK_CONTROL] = control ? 0x80 : 0;
+    SetKeyboardState(keys);
+    MSG message{.hwnd = focused, .message = WM_KEYDOWN, .wParam = key};
+    seen.clear();
+    const bool taken = TakeAccelerator(dialog, &message);
+    EXPECT_EQ(taken ? 1 : 0, std::ranges::count(seen, static_cast<UINT>(WM_COMMAND)));
+    return taken;
+  };
+  HWND edit = GetDlgItem(dialog, IDC_EDIT), rows = GetDlgItem(dialog, IDC_ROWS);
+  EXPECT_TRUE(isTaken(rows, 'K', false) && isTaken(rows, 'C', true) && isTaken(rows, VK_SPACE, false));
+  EXPECT_TRUE(isTaken(edit, 'O', true) && isTaken(button, 'K', false));
+  EXPECT_FALSE(isTaken(edit, 'K', false) || isTaken(edit, 'C', true) || isTaken(edit, VK_SPACE, false) ||
+               isTaken(button, VK_SPACE, false) || isTaken(rows, 'X', false));
+  EnableWindow(dialog, FALSE);
+  EXPECT_FALSE(isTaken(rows, 'K', false));  // while a box is open
+  BYTE none[256]{};
+  SetKeyboardState(none);
+  DestroyWindow(dialog);
+}
+
+TEST_F(ScaledDialogTest, SwitchesTheLanguageOfEveryDialogAndFreesTheLibrary) {
+  EXPECT_EQ(0, LoadLanguages(L"test_toolkit"));
+  HWND dialog = OpenDialog(nullptr, kTest), other = OpenDialog(nullptr, kTest);
+  const auto tips = [] {
+    HWND tip = nullptr;
+    // Only this process's: other programs have tooltips, too.
+    do {
+      tip = FindWindowExA(nullptr, tip, "tooltips_class32", nullptr);
+    } while (tip && GetWindowThreadProcessId(tip, nullptr) != GetCurrentThreadId());
+    return tip;
+  };
+  const HWND formerTips = tips();
+  seen.clear();
+  EXPECT_EQ(1, SwitchLanguage(dialog, L"TEST", 1));
+  EXPECT_EQ(1, CurrentLanguage());
+  EXPECT_EQ(2, std::count(seen.begin(), seen.end(), kLanguageChanged));
+  EXPECT_FALSE(IsWindow(formerTips));
+  EXPECT_EQ(1, SendMessageA(tips(), TTM_GETTOOLCOUNT, 0, 0));  // in English, because the language has no text
+  for (HWND each : {dialog, other}) {
+    EXPECT_EQ(L"Prüfung Ω", TextOf(each));
+    EXPECT_EQ(L"Schild", TextOf(GetDlgItem(each, IDC_LABEL)));
+    EXPECT_EQ(L"Outside", TextOf(GetDlgItem(each, IDC_OUTSIDE)));
+  }
+  EXPECT_EQ(L"ja", ResourceText(IDS_BOTH));
+  EXPECT_EQ(L"only", ResourceText(IDS_ENGLISH_ONLY));
+  EXPECT_TRUE(GetModuleHandleA("test_toolkitGE.dll"));
+
+  EXPECT_EQ(0, SwitchLanguage(dialog, nullptr, 0));
+  EXPECT_EQ(L"Label", TextOf(GetDlgItem(dialog, IDC_LABEL)));
+  EXPECT_FALSE(GetModuleHandleA("test_toolkitGE.dll"));
+  SwitchLanguage(dialog, nullptr, 1);
+  DestroyWindow(dialog);
+  DestroyWindow(other);
+  UnloadLanguages();
+  EXPECT_FALSE(GetModuleHandleA("test_toolkitGE.dll"));
+  EXPECT_EQ(1, LoadLanguages(L"test_toolkit"));  // the choice was stored
+}
+
+TEST_F(ScaledDialogTest, RunsAWholeProgramWithAModalDialog) {
+  postAtStart = WM_COMMAND;
+  EXPECT_EQ(IDOK, RunModalDialog(nullptr, kTest));
+  postAtStart = WM_CLOSE;
+  EXPECT_EQ(IDCANCEL, RunModalDialog(nullptr, kTest));
+  const HINSTANCE instance = modules.application;
+  RegisterAllClasses(instance, FALSE);
+  EXPECT_EQ(0, RunDialog(instance, kTest));
+  postAtStart = WM_APP;
+  EXPECT_EQ(IDOK + 6, RunDialog(instance, kTest));
+  EXPECT_EQ(nullptr, FindWindowA("kvDialog", "Test"));
+  EXPECT_EQ(-1, RunDialog(instance, {.templateName = L"MISSING"}));
+  EXPECT_EQ(static_cast<DWORD>(ERROR_RESOURCE_NAME_NOT_FOUND), GetLastError());
+  EXPECT_EQ(-1, RunDialog(instance, {.templateName = L"MISSPELT"}));
+  EXPECT_EQ(static_cast<DWORD>(ERROR_CANNOT_FIND_WND_CLASS), GetLastError());
+  WNDCLASSA ignored{};
+  EXPECT_FALSE(GetClassInfoA(instance, kDialogClass, &ignored));
+  ASSERT_TRUE(RegisterAllClasses(instance, TRUE));
+  EXPECT_FALSE(RegisterAllClasses(instance, TRUE));  // already registered
+}
+
+// The procedure may destroy the dialog in any message; the toolkit must not use it afterwards.
+TEST_F(ScaledDialogTest, MayBeDestroyedByItsProcedureAtAnyTime) {
+  LoadLanguages(L"test_toolkit");
+  constexpr UINT kMessages[] = {WM_INITDIALOG, kLanguageChanged, WM_SIZE, WM_PAINT, WM_NOTIFYFORMAT, WM_CTLCOLORSTATIC};
+  for (const UINT message : kMessages) {
+    destroyAt = message;
+    HWND dialog = OpenDialog(nullptr, kTest);
+    if (IsWindow(dialog)) {
+      SendMessageW(dialog, message, 0, 0);
+      EXPECT_FALSE(IsWindow(dialog));
+    }
+    EXPECT_FALSE(ModelessDialogs(dialog, nullptr, kModelessRemove)) << message;
+  }
+  destroyAt = 0;
+  HWND dialog = OpenDialog(nullptr, kTest);
+  for (const LPARAM address : {0, 1, 77}) SendMessageW(dialog, WM_INITDIALOG, 0, address);
+  for (const int message : {WM_MEASUREITEM, WM_NOTIFY, WM_SIZING}) SendMessageW(dialog, message, 1, 1);
+  DestroyWindow(dialog);
+}
+
+TEST_F(ScaledDialogTest, ShowsATextInAnEmptyFieldOnly) {
+  HWND dialog = OpenDialog(nullptr, kTest);
+  const HWND field = GetDlgItem(dialog, IDC_EDIT);
+  EXPECT_FALSE(SetEmptyText(dialog, IDC_LABEL, L"Hint") || SetEmptyText(dialog, IDC_OUTSIDE + 99, L"Hint"));
+  const auto isGrey = [field] {
+    RedrawWindow(field, nullptr, nullptr, RDW_UPDATENOW);
+    const WindowDc dc(field);
+    const SIZE size = ClientSize(field);
+    for (int i = 0; i < size.cx * size.cy; ++i) {
+      const COLORREF color = GetPixel(dc, i % size.cx, i / size.cx);
+      if (color != GetSysColor(COLOR_WINDOW) && color != GetSysColor(COLOR_WINDOWTEXT)) return true;
+    }
+    return false;
+  };
+  EXPECT_FALSE(isGrey());
+  EXPECT_TRUE(SetEmptyText(dialog, IDC_EDIT, L"Former") && SetEmptyText(dialog, IDC_EDIT, L"Hint"));
+  EXPECT_TRUE(isGrey());
+  EXPECT_EQ(L"", TextOf(field));
+  SendMessageW(field, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L"x"));
+  EXPECT_FALSE(isGrey());
+  SetWindowTextW(field, L"");
+  EXPECT_TRUE(isGrey());
+  DestroyWindow(dialog);
+}
+
+TEST_F(ScaledDialogTest, ShowsPagesThatScaleAndChangeTheLanguage) {
+  LoadLanguages(L"test_toolkit");
+  static const ScaledDialog kFirst{.templateName = L"PAGE", .procedure = Procedure}, kSecond{.templateName = L"PAGE"};
+  HWND dialog = OpenDialog(nullptr, kTest);
+  seen.clear();
+  HWND page = ShowPage(dialog, IDC_ROWS, kFirst);
+  ASSERT_TRUE(page);
+  EXPECT_EQ(1, std::count(seen.begin(), seen.end(), kPageShown));
+  const auto isInPlace = [&](HWND shown) {
+    RECT place{}, window{};
+    GetWindowRect(GetDlgItem(dialog, IDC_ROWS), &place);
+    GetWindowRect(shown, &window);
+    return EqualRect(&place, &window) && IsWindowVisible(shown);
+  };
+  EXPECT_TRUE(isInPlace(page));
+  SetFocus(GetDlgItem(page, IDC_EDIT));
+  HWND other = ShowPage(dialog, IDC_ROWS, kSecond);
+  EXPECT_EQ(GetDlgItem(other, IDC_EDIT), GetFocus());
+  EXPECT_FALSE(IsWindowVisible(page));
+  for (const int language : {15, 0}) {
+    SwitchLanguage(nullptr, nullptr, language);  // the German library replaces the Arabic one
+    EXPECT_EQ(language ? L"Schild" : L"Label", TextOf(GetDlgItem(page, IDC_LABEL)));
+    for (HWND each : {dialog, page, GetDlgItem(page, IDC_LABEL)}) {
+      EXPECT_EQ(language != 0, (GetWindowLongW(each, GWL_EXSTYLE) & WS_EX_LAYOUTRTL) != 0);
+    }
+    MoveWindow(dialog, 30, 30, 500 + language, 400, TRUE);
+    EXPECT_TRUE(isInPlace(other));
+  }
+  EXPECT_EQ(page, ShowPage(dialog, IDC_ROWS, kFirst));
+  EnableControl(page, IDC_EDIT, true);
+  SetFocus(GetDlgItem(page, IDC_EDIT));
+  EnableControl(page, IDC_EDIT, false);
+  EXPECT_TRUE(IsWindowEnabled(GetFocus()));
+  EXPECT_EQ(nullptr, ShowPage(dialog, IDC_ROWS, {.templateName = L"MISSING"}));
+  EXPECT_EQ(page, ShownPage(dialog));
+  DestroyWindow(dialog);
+}
+
+}  // namespace
+}  // namespace kv

@@ -1,0 +1,84 @@
+// The typed functions for strip chart and horizon, with the real controls.
+#include "kv/toolkit/strip_chart.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+#include <tuple>
+
+#include "kv/controls/horizon/horizon.h"
+#include "kv/controls/line_recorder.h"
+#include "kv/controls/strip_chart/strip_chart.h"
+#include "kv/framework/control_class.h"
+#include "tests/support/control_test.h"
+#include "tests/support/test_window.h"
+#include "kv/toolkit/horizon.h"
+
+namespace kv {
+namespace {
+
+constexpr int kId = 31, kHorizonId = 32, kNone = 33;
+
+class TypedCharts : public kvtest::ControlTest<RegisterLineRecorderClass> {};
+
+TEST_F(TypedCharts, DescribeAppendFreezeAndRead) {
+  HWND chart = kvtest::CreateControl(parent_, kStripChartClass, "", 0, {0, 0, 200, 150}, kId);
+  EXPECT_TRUE(SetStripChartChannel(parent_, kId, 2, {.name = std::wstring(30, L'ä').c_str(), .unit = L"°C"}));
+  StripChannel info{};
+  SendMessageA(chart, kControlCommand, MAKEWPARAM(kStripChannel | kCommandRead, 2), reinterpret_cast<LPARAM>(&info));
+  EXPECT_EQ(46u, std::string(info.szName).size());  // whole two-byte characters in 47 bytes
+  const COLORREF color = info.color;
+  EXPECT_TRUE(SetStripChartChannel(parent_, kId, 2, {.name = L"Heat", .unit = L"°C"}));
+  EXPECT_TRUE(ShowStripChartChannel(parent_, kId, 2, FALSE));
+  SendMessageA(chart, kControlCommand, MAKEWPARAM(kStripChannel | kCommandRead, 2), reinterpret_cast<LPARAM>(&info));
+  EXPECT_EQ(std::tuple(color, 0u), std::tuple(info.color, info.state));
+
+  EXPECT_TRUE(SetStripChartCapacity(parent_, kId, 3));
+  EXPECT_TRUE(SetStripChartView(parent_, kId, 100, 0, 0));
+  for (const double time : {1.0, 2.0, 3.0, 4.0}) EXPECT_TRUE(AppendStripChartValue(parent_, kId, 2, time, time * 2));
+  EXPECT_FALSE(AppendStripChartValue(parent_, kId, 2, 3.5, 1));
+  EXPECT_TRUE(HoldStripChart(parent_, kId, TRUE));
+  EXPECT_TRUE(AppendStripChartValue(parent_, kId, 2, 5, 100));
+  StripStatistics statistics{};
+  EXPECT_TRUE(ReadStripChartStatistics(parent_, kId, 2, &statistics));
+  EXPECT_EQ(std::tuple(2, 7), std::tuple(statistics.count, statistics.mean));  // the first two were discarded
+  EXPECT_TRUE(HoldStripChart(parent_, kId, FALSE));
+  EXPECT_TRUE(ReadStripChartStatistics(parent_, kId, 2, &statistics));
+  EXPECT_EQ(100, statistics.maximum);
+  StripStretch times{}, mark{1, 2};
+  EXPECT_TRUE(ShowStripChartTimes(parent_, kId, {2.5, 4.5}));
+  EXPECT_TRUE(GetStripChartTimes(parent_, kId, &times));
+  EXPECT_EQ(std::tuple(2.5, 4.5), std::tuple(times.from, times.to));
+  EXPECT_TRUE(FollowStripChart(parent_, kId, 2) && GetStripChartTimes(parent_, kId, &times));
+  EXPECT_EQ(std::tuple(3, 5), std::tuple(times.from, times.to));
+  EXPECT_TRUE(SetStripChartAxisDigits(parent_, kId, 16));
+  EXPECT_FALSE(SetStripChartAxisDigits(parent_, kId, 17));
+  double cursor = 4;
+  EXPECT_FALSE(GetStripChartCursor(parent_, kId, &cursor) || GetStripChartMark(parent_, kId, &times));
+  EXPECT_TRUE(SetStripChartCursor(parent_, kId, &cursor) && SetStripChartMark(parent_, kId, &mark));
+  cursor = 0;
+  EXPECT_TRUE(GetStripChartCursor(parent_, kId, &cursor) && GetStripChartMark(parent_, kId, &times));
+  EXPECT_EQ(std::tuple(4, 1, 2), std::tuple(cursor, times.from, times.to));
+  EXPECT_TRUE(SetStripChartMark(parent_, kId, nullptr) && SetStripChartCursor(parent_, kId, nullptr));
+  EXPECT_FALSE(GetStripChartCursor(parent_, kId, &cursor) || GetStripChartMark(parent_, kId, &times));
+  EXPECT_TRUE(ClearStripChart(parent_, kId));
+  EXPECT_TRUE(AppendStripChartValue(parent_, kId, 2, 0, 1));  // a time before those that are gone
+  const double before = StripChartNow();
+  EXPECT_LE(before, StripChartNow());
+  EXPECT_FALSE(SetStripChartChannel(parent_, kId, 8, {.name = L"x"}) || SetStripChartCapacity(parent_, kId, 0) ||
+               SetStripChartView(parent_, kNone, 1, 0, 0) || SetStripChartView(parent_, kId, NAN, 0, 0));
+
+  RegisterHorizonClass(GetModuleHandleA(nullptr), TRUE);
+  HWND horizon = kvtest::CreateControl(parent_, kHorizonClass, "", kHorizonTape, {0, 0, 90, 90}, kHorizonId);
+  EXPECT_TRUE(SetHorizonAttitude(parent_, kHorizonId, {3, -4, 0, 90}, FALSE));
+  EXPECT_EQ(L"+3.0°, -4.0°, 090°", kvtest::ReadAccessible(horizon).value);
+  EXPECT_FALSE(SetHorizonAttitude(parent_, kHorizonId, {NAN}, FALSE) || SetHorizonAttitude(parent_, kId, {}, FALSE));
+  EXPECT_TRUE(ClearHorizonAttitude(parent_, kHorizonId));
+  EXPECT_EQ(L"", kvtest::ReadAccessible(horizon).value);
+  DestroyWindow(horizon);
+  RegisterHorizonClass(GetModuleHandleA(nullptr), FALSE);
+}
+
+}  // namespace
+}  // namespace kv
