@@ -8,7 +8,7 @@
 
 #include <windows.h>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "kv/framework/dialog_layout.h"
 
 namespace kv {

@@ -1,5 +1,5 @@
-// The serial link to the camera: finds the camera's port, opens it (38400 baud, 8 data bits, no parity, one stop bit)
-// and reads records on a separate thread. Nothing is sent to the camera, which sends without being asked.
+// The serial link to the camera: finds the camera's port, opens it (camera/camera_port.h) and reads records on a
+// separate thread.
 //
 // Shutdown order, as the main dialog does it: signal hConnectEvent, close the port (this ends a pending read), signal
 // hQuitEvent, wait for the thread, terminate it after a timeout, close its handle and hConnectEvent. Start-up closes
@@ -9,24 +9,11 @@
 #include <windows.h>
 
 #include "app/app_context.h"
+#include "camera/camera_port.h"  // IWYU pragma: export
 
 namespace kv {
 
-inline constexpr DWORD kCameraBaudRate = 38400;
-inline constexpr int kFirstScannedPort = 1;
-inline constexpr int kLastScannedPort = 98;
-// A port is the camera's if it sends more than this number of bytes within kReplyTimeoutMs.
-inline constexpr DWORD kSilentPortBytes = 15;
-inline constexpr DWORD kReplyTimeoutMs = 250;
 inline constexpr DWORD kCommandTimeoutMs = 100;
-
-// Changes the baud rate of an open port. Returns 0 for an invalid handle or when the driver rejects the rate.
-DWORD SetPortBaudRate(HANDLE hPort, DWORD baud);
-
-// Opens COM`portNumber` (1..999) for overlapped I/O with the camera's line settings, empty queues and both modem lines
-// cleared. A read completes when its buffer is full, or when at least one byte was received and none follows for 5 ms:
-// this gap between records realigns the reader. Returns INVALID_HANDLE_VALUE on failure; the caller closes the handle.
-HANDLE OpenCameraPort(int portNumber);
 
 // Sends an optional zero-terminated command, then reads an optional reply of up to 64 bytes (the buffer must have one
 // more byte for a terminator). `hExtraEvent` (may be null) ends the waits early; `overlapped` contains a manual-reset

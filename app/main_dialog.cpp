@@ -9,10 +9,10 @@
 
 #include "app/app_context.h"
 #include "app/camera_link.h"
-#include "app/camera_record.h"
 #include "app/main_dialog_layout.h"
-#include "app/optical_flow_chart.h"
 #include "app/resource_ids.h"
+#include "camera/camera_record.h"
+#include "camera/optical_flow_chart.h"
 #include "kv/export/web_links.h"
 #include "kv/framework/accessible.h"
 #include "kv/framework/bitmaps.h"

@@ -4,10 +4,10 @@
 
 #include "app/app_context.h"
 #include "app/main_dialog.h"
-#include "app/optical_flow_chart.h"
+#include "camera/optical_flow_chart.h"
 #include "kv/controls/display_instrument.h"
-#include "kv/controls/line_recorder.h"
 #include "kv/controls/simple_bitmap.h"
+#include "kv/controls/strip_chart/strip_chart.h"
 #include "kv/framework/dialog.h"
 #include "kv/framework/modules.h"
 #include "kv/framework/window_state.h"

@@ -14,7 +14,7 @@
 
 #include "app/app_context.h"
 #include "app/camera_link.h"
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "camera/ports.h"
 #include "tests/e2e/tarnwick_process.h"
 #include "tests/support/serial_line.h"

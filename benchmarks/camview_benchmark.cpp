@@ -13,7 +13,7 @@
 #include <string>
 #include <string_view>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "camera/files.h"
 #include "camera/ports.h"
 #include "camera/recording.h"

@@ -13,7 +13,6 @@
 
 #include "benchmarks/processor_time.h"
 #include "kv/controls/horizon/horizon.h"
-#include "kv/controls/line_recorder.h"
 #include "kv/controls/strip_chart/strip_chart.h"
 #include "kv/framework/bitmaps.h"
 #include "kv/framework/control_class.h"

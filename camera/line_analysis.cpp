@@ -12,8 +12,8 @@
 #include <utility>
 #include <vector>
 
-#include "app/camera_link.h"
-#include "app/camera_record.h"
+#include "camera/camera_port.h"
+#include "camera/camera_record.h"
 
 namespace camera {
 

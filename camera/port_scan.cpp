@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "app/camera_link.h"
+#include "camera/camera_port.h"
 #include "camera/line_analysis.h"
 #include "camera/ports.h"
 #include "camera/record_stream.h"

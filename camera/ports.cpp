@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "app/camera_link.h"
+#include "camera/camera_port.h"
 
 namespace camera {
 

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "camera/text.h"
 
 namespace camera {

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 
 namespace camera {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "app/camera_link.h"
+#include "camera/camera_port.h"
 #include "camera/files.h"
 #include "camera/ports.h"
 #include "camera/recording.h"

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "camera/files.h"
 #include "camera/record_stream.h"
 #include "camera/recording.h"

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "camtool/arguments.h"
 #include "kv/framework/numbers.h"
 

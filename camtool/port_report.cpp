@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "camera/port_scan.h"
 #include "camera/ports.h"
 #include "camera/record_stream.h"

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "app/camera_link.h"
-#include "app/camera_record.h"
+#include "camera/camera_port.h"
+#include "camera/camera_record.h"
 #include "camera/files.h"
 #include "camera/ports.h"
 #include "camera/recording.h"

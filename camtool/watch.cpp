@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "camera/files.h"
 #include "camera/ports.h"
 #include "camera/record_stream.h"

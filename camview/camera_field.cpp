@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "camera/record_stream.h"
 #include "camview/control_object.h"
 #include "camview/record_store.h"

@@ -14,7 +14,7 @@
 #include "camview/resource_ids.h"
 #include "camview/status_line.h"
 #include "kv/controls/strip_chart/strip_chart.h"
-#include "kv/toolkit/strip_chart.h"
+#include "kv/toolkit/strip_charts.h"
 
 namespace camview {
 

@@ -8,7 +8,7 @@
 #include <span>
 #include <vector>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "camera/record_stream.h"
 #include "camview/record_store.h"
 #include "kv/controls/strip_chart/strip_chart.h"

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "camera/record_stream.h"
 
 namespace camview {

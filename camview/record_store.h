@@ -9,7 +9,7 @@
 #include <span>
 #include <vector>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "camera/record_stream.h"
 
 namespace camview {

@@ -1,7 +1,7 @@
 // Statistics of a stretch of stored records: rate, losses, and each point's range and jitter. Pure.
 #pragma once
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "camera/record_stream.h"
 #include "camview/record_store.h"
 

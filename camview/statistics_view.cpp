@@ -6,7 +6,7 @@
 #include <iterator>
 #include <string>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "camera/ports.h"
 #include "camera/record_stream.h"
 #include "camview/record_store.h"

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "camera/ports.h"
 #include "camera/text.h"
 #include "camview/camera_field.h"
@@ -22,7 +22,7 @@
 #include "kv/controls/strip_chart/strip_chart.h"
 #include "kv/framework/control_class.h"
 #include "kv/toolkit/languages.h"
-#include "kv/toolkit/strip_chart.h"
+#include "kv/toolkit/strip_charts.h"
 
 namespace camview {
 

@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "kv/framework/language.h"
 #include "gallery/pages.h"
+#include "kv/framework/language.h"
 #include "kv/toolkit/languages.h"
 
 namespace gallery {

@@ -5,6 +5,10 @@
 #include <cstring>
 #include <string>
 
+#include "gallery/command_line.h"
+#include "gallery/drawing.h"
+#include "gallery/pages.h"
+#include "gallery/resource_ids.h"
 #include "kv/framework/bitmaps.h"
 #include "kv/framework/control_class.h"
 #include "kv/framework/guards.h"
@@ -13,10 +17,6 @@
 #include "kv/framework/painting.h"
 #include "kv/framework/tooltips.h"
 #include "kv/framework/window_position.h"
-#include "gallery/command_line.h"
-#include "gallery/drawing.h"
-#include "gallery/pages.h"
-#include "gallery/resource_ids.h"
 #include "kv/toolkit/appearance.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/pages.h"

@@ -15,13 +15,13 @@
 
 #include <string>
 
-#include "app/optical_flow_chart.h"
-#include "kv/framework/modules.h"
+#include "camera/optical_flow_chart.h"
 #include "gallery/command_line.h"
 #include "gallery/frame.h"
 #include "gallery/pages.h"
 #include "gallery/pages/mesh_view.h"
 #include "gallery/resource_ids.h"
+#include "kv/framework/modules.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/scaled_dialog.h"
 

@@ -5,8 +5,8 @@
 #include <span>
 #include <string>
 
-#include "kv/framework/tooltips.h"
 #include "gallery/resource_ids.h"
+#include "kv/framework/tooltips.h"
 #include "kv/toolkit/languages.h"
 
 namespace gallery {

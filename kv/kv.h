@@ -1,7 +1,7 @@
 // The whole library in one header.
 //
-// Most programs start with kv/toolkit/scaled_dialog.h. The toolkit is built on the other folders, which programs may also
-// use directly.
+// Most programs start with kv/toolkit/scaled_dialog.h. The toolkit is built on the other folders, which programs may
+// also use directly.
 #pragma once
 
 #ifdef _WIN64
@@ -13,7 +13,6 @@
 #include "kv/controls/display_instrument.h"
 #include "kv/controls/horizon/horizon.h"
 #include "kv/controls/instrument_block.h"
-#include "kv/controls/line_recorder.h"
 #include "kv/controls/simple_bitmap.h"
 #include "kv/controls/strip_chart/strip_chart.h"
 #include "kv/export/dde_client.h"
@@ -54,7 +53,7 @@
 #include "kv/toolkit/classes.h"
 #include "kv/toolkit/dde_conversation.h"
 #include "kv/toolkit/empty_text.h"
-#include "kv/toolkit/horizon.h"
+#include "kv/toolkit/horizons.h"
 #include "kv/toolkit/instruments.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/list_columns.h"
@@ -62,7 +61,7 @@
 #include "kv/toolkit/pages.h"
 #include "kv/toolkit/png_file.h"
 #include "kv/toolkit/scaled_dialog.h"
-#include "kv/toolkit/strip_chart.h"
+#include "kv/toolkit/strip_charts.h"
 #include "kv/toolkit/track_files.h"
 #include "kv/views3d/mesh_model.h"
 // IWYU pragma: end_exports

@@ -47,7 +47,8 @@
 #define KV_BITMAP_SQUARE_BY_WIDTH 0x0010
 #define KV_BITMAP_SQUARE_BY_HEIGHT 0x0020
 
-// kv/lists/extended_list.h, kv/controls/strip_chart/strip_chart.h, kv/controls/horizon/horizon.h, kv/export/flight_track_view.h
+// kv/lists/extended_list.h, kv/controls/strip_chart/strip_chart.h, kv/controls/horizon/horizon.h,
+// kv/export/flight_track_view.h
 #define KV_EXTENDED_LIST "kvExtList"
 #define KV_LINE_RECORDER "kvLineRecorder"
 #define KV_STRIP_SWEEP 0x0001

@@ -17,9 +17,9 @@
 #include <vector>
 
 #include "app/app_context.h"
-#include "app/camera_record.h"
 #include "app/resource_ids.h"
 #include "benchmarks/soak/soak.h"
+#include "camera/camera_record.h"
 #include "camera/ports.h"
 #include "camtool/faults.h"
 #include "tests/support/serial_line.h"

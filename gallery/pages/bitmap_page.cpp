@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "gallery/resource_ids.h"
 #include "kv/controls/simple_bitmap.h"
 #include "kv/framework/bounded_format.h"
-#include "gallery/resource_ids.h"
 #include "kv/toolkit/empty_text.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/scaled_dialog.h"

@@ -5,12 +5,12 @@
 #include <algorithm>
 #include <string>
 
+#include "gallery/resource_ids.h"
 #include "kv/capture/video_capture.h"
 #include "kv/framework/bounded_format.h"
 #include "kv/framework/file_path.h"
 #include "kv/framework/guards.h"
 #include "kv/framework/painting.h"
-#include "gallery/resource_ids.h"
 #include "kv/toolkit/appearance.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/locale_text.h"

@@ -3,11 +3,11 @@
 #include <cmath>
 #include <string>
 
-#include "app/camera_record.h"
-#include "app/optical_flow_chart.h"
+#include "camera/camera_record.h"
+#include "camera/optical_flow_chart.h"
+#include "gallery/resource_ids.h"
 #include "kv/framework/control_class.h"
 #include "kv/framework/numbers.h"
-#include "gallery/resource_ids.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/pages.h"
 #include "kv/toolkit/scaled_dialog.h"

@@ -4,9 +4,9 @@
 
 #include <string>
 
+#include "gallery/resource_ids.h"
 #include "kv/export/dde_client.h"
 #include "kv/framework/bounded_format.h"
-#include "gallery/resource_ids.h"
 #include "kv/toolkit/empty_text.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/scaled_dialog.h"

@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <string>
 
+#include "gallery/resource_ids.h"
 #include "kv/framework/calendar.h"
 #include "kv/framework/dialog.h"
 #include "kv/framework/window_position.h"
-#include "gallery/resource_ids.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/locale_text.h"
 #include "kv/toolkit/pages.h"

@@ -4,9 +4,9 @@
 
 #include <string>
 
-#include "kv/framework/file_path.h"
 #include "gallery/pages/notes_file.h"
 #include "gallery/resource_ids.h"
+#include "kv/framework/file_path.h"
 #include "kv/toolkit/ask_path.h"
 #include "kv/toolkit/empty_text.h"
 #include "kv/toolkit/languages.h"

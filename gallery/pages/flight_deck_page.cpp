@@ -1,21 +1,21 @@
-#include "kv/controls/instrument_block.h"
 #include "gallery/pages.h"
+#include "kv/controls/instrument_block.h"
 
 #include <cmath>
 #include <iterator>
 #include <string>
 #include <vector>
 
-#include "kv/controls/strip_chart/strip_chart.h"
-#include "kv/framework/control_class.h"
 #include "gallery/pages/simulated_flight.h"
 #include "gallery/resource_ids.h"
-#include "kv/toolkit/horizon.h"
+#include "kv/controls/strip_chart/strip_chart.h"
+#include "kv/framework/control_class.h"
+#include "kv/toolkit/horizons.h"
 #include "kv/toolkit/instruments.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/pages.h"
 #include "kv/toolkit/scaled_dialog.h"
-#include "kv/toolkit/strip_chart.h"
+#include "kv/toolkit/strip_charts.h"
 
 namespace gallery {
 

@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "gallery/pages/simulated_flight.h"
+#include "gallery/resource_ids.h"
 #include "kv/export/flight_track.h"
 #include "kv/export/flight_track_view.h"
 #include "kv/export/kml_export.h"
@@ -19,8 +21,6 @@
 #include "kv/framework/painting.h"
 #include "kv/framework/shell_launch.h"
 #include "kv/framework/window_state.h"
-#include "gallery/pages/simulated_flight.h"
-#include "gallery/resource_ids.h"
 #include "kv/toolkit/appearance.h"
 #include "kv/toolkit/empty_text.h"
 #include "kv/toolkit/languages.h"

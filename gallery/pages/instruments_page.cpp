@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "kv/controls/instrument_block.h"
 #include "gallery/pages/simulated_flight.h"
 #include "gallery/resource_ids.h"
+#include "kv/controls/instrument_block.h"
 #include "kv/toolkit/instruments.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/pages.h"

@@ -4,14 +4,14 @@
 
 #include <string>
 
+#include "gallery/frame.h"
+#include "gallery/resource_ids.h"
 #include "kv/framework/bitmaps.h"
 #include "kv/framework/file_path.h"
 #include "kv/framework/guards.h"
 #include "kv/framework/language.h"
 #include "kv/framework/modules.h"
 #include "kv/framework/painting.h"
-#include "gallery/frame.h"
-#include "gallery/resource_ids.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/scaled_dialog.h"
 

@@ -6,9 +6,9 @@
 #include <iterator>
 #include <string>
 
+#include "gallery/resource_ids.h"
 #include "kv/framework/bitmaps.h"
 #include "kv/framework/bounded_format.h"
-#include "gallery/resource_ids.h"
 #include "kv/lists/extended_list.h"
 #include "kv/lists/list_navigation.h"
 #include "kv/toolkit/languages.h"

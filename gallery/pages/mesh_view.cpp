@@ -7,6 +7,9 @@
 #include <cmath>
 #include <ratio>
 
+#include "gallery/pages/multirotor.h"
+#include "gallery/pages/simulated_flight.h"
+#include "gallery/pages/triangle_raster.h"
 #include "kv/framework/bitmaps.h"
 #include "kv/framework/canvas.h"
 #include "kv/framework/control_class.h"
@@ -15,9 +18,6 @@
 #include "kv/framework/numbers.h"
 #include "kv/framework/painting.h"
 #include "kv/framework/window_state.h"
-#include "gallery/pages/multirotor.h"
-#include "gallery/pages/simulated_flight.h"
-#include "gallery/pages/triangle_raster.h"
 #include "kv/views3d/mesh_model.h"
 
 namespace gallery {

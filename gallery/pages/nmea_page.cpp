@@ -5,12 +5,12 @@
 #include <cmath>
 #include <string>
 
+#include "gallery/resource_ids.h"
 #include "kv/export/nmea.h"
 #include "kv/export/terminal_edit.h"
 #include "kv/export/web_links.h"
 #include "kv/framework/guards.h"
 #include "kv/framework/numbers.h"
-#include "gallery/resource_ids.h"
 #include "kv/toolkit/locale_text.h"
 #include "kv/toolkit/pages.h"
 #include "kv/toolkit/scaled_dialog.h"

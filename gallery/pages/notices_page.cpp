@@ -5,9 +5,9 @@
 #include <cstddef>
 #include <string>
 
+#include "gallery/resource_ids.h"
 #include "kv/framework/modules.h"
 #include "kv/framework/notification_icon.h"
-#include "gallery/resource_ids.h"
 #include "kv/toolkit/empty_text.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/locale_text.h"

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "kv/framework/bitmaps.h"
 #include "gallery/drawing.h"
 #include "gallery/frame.h"
 #include "gallery/resource_ids.h"
+#include "kv/framework/bitmaps.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/scaled_dialog.h"
 

@@ -1,5 +1,5 @@
-// Registration of the window class "kvLineRecorder", the strip chart (kv/controls/strip_chart/strip_chart.h). Main thread
-// only.
+// Registration of the window class "kvLineRecorder", the strip chart (kv/controls/strip_chart/strip_chart.h). Main
+// thread only.
 #pragma once
 
 #include <windows.h>

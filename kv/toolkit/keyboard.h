@@ -1,5 +1,5 @@
-// Keys that the dialog manager does not handle; kv/toolkit/scaled_dialog.h lists them. Private to the toolkit. Main thread
-// only.
+// Keys that the dialog manager does not handle; kv/toolkit/scaled_dialog.h lists them. Private to the toolkit. Main
+// thread only.
 #pragma once
 
 #include <windows.h>

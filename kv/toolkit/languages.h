@@ -1,8 +1,8 @@
 // The language of the whole program, which can change while dialogs are open. Main thread only.
 //
-// A language library (kv/framework/language.h) contains the texts of a dialog in one or both of two forms: a template with
-// the dialog's name and the ids of its controls, or strings with the ids KV_TEXT_OF(id of the control or menu item)
-// (resource.h). Texts missing from the library are shown in English.
+// A language library (kv/framework/language.h) contains the texts of a dialog in one or both of two forms: a template
+// with the dialog's name and the ids of its controls, or strings with the ids KV_TEXT_OF(id of the control or menu
+// item) (resource.h). Texts missing from the library are shown in English.
 //
 // Arabic mirrors dialogs, controls of the system's classes and kvExtList. It does not mirror images, instruments, other
 // controls that draw themselves, and controls with the style KV_KEEPS_DIRECTION, whose text is only right-aligned. Edit

@@ -54,8 +54,8 @@ struct ScaledDialog {
   DLGPROC procedure = nullptr;
   LPARAM parameter = 0;  // lParam of WM_INITDIALOG
 
-  // The name under which the position is stored (kv/framework/window_position.h). Null: not stored; the template defines
-  // the position. The restored position is always on a visible part of the desktop.
+  // The name under which the position is stored (kv/framework/window_position.h). Null: not stored; the template
+  // defines the position. The restored position is always on a visible part of the desktop.
   const char* positionName = nullptr;
   // The name under which the maximised state is stored; null: not stored.
   const char* maximisedName = nullptr;
@@ -104,9 +104,9 @@ inline constexpr UINT kControlCopied = WM_APP + 0x3F02;
 // 0 when the dialog is closed, that of PostQuitMessage, or -1 when the dialog cannot be opened.
 int RunDialog(HINSTANCE instance, const ScaledDialog& dialog);
 
-// Opens a modeless dialog, for programs that register the classes and set `modules` (kv/framework/modules.h) themselves.
-// The dialog is in the table of modeless dialogs until it is destroyed. Returns null on failure. IDCANCEL, which Escape
-// sends, does not close it.
+// Opens a modeless dialog, for programs that register the classes and set `modules` (kv/framework/modules.h)
+// themselves. The dialog is in the table of modeless dialogs until it is destroyed. Returns null on failure. IDCANCEL,
+// which Escape sends, does not close it.
 //
 // On failure this function, RunDialog and RunModalDialog write the reason to the debugger (OutputDebugString): the
 // template is missing (last error ERROR_RESOURCE_NAME_NOT_FOUND), or the window class of one of its controls is not

@@ -2,8 +2,8 @@
 // contains the controls; the other languages are libraries built from german.rc and arabic.rc.
 #include <cmath>
 
-#include "kv/kv.h"
 #include "ids.h"
+#include "kv/kv.h"
 
 namespace {
 

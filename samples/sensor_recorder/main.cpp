@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "kv/kv.h"
 #include "ids.h"
+#include "kv/kv.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "kv/kv.h"
 #include "ids.h"
+#include "kv/kv.h"
 
 namespace {
 

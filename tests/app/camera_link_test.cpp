@@ -9,7 +9,7 @@
 #include <thread>
 #include <tuple>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "tests/support/replaced_import.h"
 #include "tests/support/serial_line.h"
 #include "tests/support/test_window.h"

@@ -10,8 +10,8 @@
 #include <utility>
 
 #include "app/app_context.h"
-#include "app/optical_flow_chart.h"
 #include "app/resource_ids.h"
+#include "camera/optical_flow_chart.h"
 #include "kv/framework/bitmaps.h"
 #include "kv/framework/control_class.h"
 #include "kv/framework/dialog.h"

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "app/optical_flow_chart.h"
+#include "camera/optical_flow_chart.h"
 #include "camview/camera_field.h"
 #include "camview/timeline.h"
 #include "camview/window.h"
@@ -22,10 +22,10 @@
 #include "kv/export/flight_track_view.h"
 #include "kv/lists/extended_list.h"
 #include "kv/lists/list_navigation.h"
+#include "kv/toolkit/classes.h"
 #include "tests/support/replaced_import.h"
 #include "tests/support/scarce_objects.h"
 #include "tests/support/test_window.h"
-#include "kv/toolkit/classes.h"
 
 namespace kv {
 namespace {

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "camera/line_analysis.h"
 #include "camera/port_scan.h"
 #include "camera/ports.h"

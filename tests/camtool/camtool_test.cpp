@@ -16,7 +16,7 @@
 #include <tuple>
 #include <utility>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "camera/line_analysis.h"
 #include "camera/recording.h"
 #include "camera/text.h"

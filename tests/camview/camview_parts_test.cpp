@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "camera/record_stream.h"
 #include "camview/envelope.h"
 #include "camview/playback.h"

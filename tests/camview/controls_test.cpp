@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "camview/camera_field.h"
 #include "camview/record_store.h"
 #include "camview/timeline.h"

@@ -20,7 +20,7 @@
 #include <string>
 #include <vector>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "camera/recording.h"
 #include "camera/text.h"
 #include "camview/recording_loader.h"
@@ -30,16 +30,16 @@
 #include "kv/controls/strip_chart/strip_chart.h"
 #include "kv/framework/file_path.h"
 #include "kv/framework/modules.h"
-#include "tests/support/replaced_import.h"
-#include "tests/support/running_program.h"
-#include "tests/support/serial_line.h"
-#include "tests/support/test_window.h"
 #include "kv/toolkit/classes.h"
 #include "kv/toolkit/keyboard.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/scaled_dialog.h"
-#include "kv/toolkit/strip_chart.h"
+#include "kv/toolkit/strip_charts.h"
 #include "kv/toolkit/text_tips.h"
+#include "tests/support/replaced_import.h"
+#include "tests/support/running_program.h"
+#include "tests/support/serial_line.h"
+#include "tests/support/test_window.h"
 
 namespace camview {
 namespace {

@@ -1,8 +1,8 @@
 #include "tests/e2e/tarnwick_process.h"
 #include <string>
 
-#include "app/camera_record.h"
 #include "app/resource_ids.h"
+#include "camera/camera_record.h"
 #include "tests/support/running_program.h"
 #include "tools/uidriver/driver.h"
 

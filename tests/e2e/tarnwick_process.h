@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "tests/support/running_program.h"
 
 namespace kvtest {

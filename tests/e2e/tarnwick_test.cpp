@@ -11,8 +11,8 @@
 #include <thread>
 #include <vector>
 
-#include "app/camera_record.h"
 #include "app/resource_ids.h"
+#include "camera/camera_record.h"
 #include "tests/e2e/tarnwick_process.h"
 #include "tests/support/serial_line.h"
 #include "tests/support/test_window.h"

@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "kv/framework/dialog_texts.h"
 #include "gallery/pages/notes_file.h"
+#include "kv/framework/dialog_texts.h"
 #include "tests/fuzz/targets.h"
 #include "tests/support/test_window.h"
 

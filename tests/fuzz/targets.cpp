@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "camera/record_stream.h"
 #include "camera/recording.h"
 #include "camtool/point_paths.h"

@@ -13,20 +13,18 @@
 #include <utility>
 #include <vector>
 
-#include "app/optical_flow_chart.h"
-#include "kv/framework/bitmaps.h"
-#include "kv/framework/language.h"
-#include "kv/framework/modules.h"
-#include "kv/framework/shell_launch.h"
+#include "camera/optical_flow_chart.h"
 #include "gallery/command_line.h"
 #include "gallery/frame.h"
 #include "gallery/pages.h"
 #include "gallery/pages/mesh_view.h"
 #include "gallery/resource_ids.h"
+#include "kv/framework/bitmaps.h"
+#include "kv/framework/language.h"
+#include "kv/framework/modules.h"
+#include "kv/framework/shell_launch.h"
 #include "kv/lists/extended_list.h"
 #include "kv/lists/list_navigation.h"
-#include "tests/support/running_program.h"
-#include "tests/support/test_window.h"
 #include "kv/toolkit/classes.h"
 #include "kv/toolkit/keyboard.h"
 #include "kv/toolkit/languages.h"
@@ -34,6 +32,8 @@
 #include "kv/toolkit/pages.h"
 #include "kv/toolkit/scaled_dialog.h"
 #include "kv/toolkit/text_tips.h"
+#include "tests/support/running_program.h"
+#include "tests/support/test_window.h"
 
 namespace gallery {
 namespace {

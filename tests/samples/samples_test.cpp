@@ -10,11 +10,11 @@
 #include <utility>
 
 #include "kv/framework/guards.h"
+#include "kv/toolkit/dde_conversation.h"
 #include "samples/instrument_panel/ids.h"
 #include "tests/support/running_program.h"
 #include "tests/support/serial_line.h"
 #include "tests/support/test_window.h"
-#include "kv/toolkit/dde_conversation.h"
 
 namespace {
 
@@ -109,7 +109,7 @@ TEST(Samples, TrackIsExportedInThreeWays) {
   PostMessageW(track.Control(kSpreadsheet), BM_CLICK, 0, 0);
   EXPECT_TRUE(says(L"No spreadsheet is open."));
 
-  const kvtest::RunningProgram spreadsheet(kvtest::BuildFolder(L"tests") / L"export\\dde_server.exe",
+  const kvtest::RunningProgram spreadsheet(kvtest::BuildFolder(L"tests") / L"kv\\export\\dde_server.exe",
                                            L"dde_server.log Excel System,[Book1]Sheet1");
   EXPECT_TRUE(WaitUntil([] { return kv::DdeConversation("Excel", "System").Poke("Selection", "[Book1]Sheet1!R1C1"); },
                         kTimeout));

@@ -49,7 +49,9 @@ DWORD RunningProgram::Close(HWND window) const {
 std::filesystem::path BuildFolder(const wchar_t* name) {
   wchar_t testPrograms[kv::kPathCharacters] = L"";
   kv::ProgramDirectory(testPrograms);
-  return (std::filesystem::path(testPrograms) / L"../.." / name).lexically_normal();
+  std::filesystem::path folder(testPrograms);
+  while (folder.has_relative_path() && !exists(folder / L"CMakeCache.txt")) folder = folder.parent_path();
+  return folder / name;
 }
 
 std::wstring TextOf(HWND window) {

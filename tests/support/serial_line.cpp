@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "app/camera_link.h"
-#include "app/camera_record.h"
+#include "camera/camera_port.h"
+#include "camera/camera_record.h"
 
 namespace kvtest {
 

@@ -7,7 +7,7 @@
 
 #include <string_view>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 
 namespace kvtest {
 

@@ -1,6 +1,6 @@
 // Window class "kvLineRecorder": a strip chart of up to eight channels over time. A ring buffer stores the newest
 // samples of each channel. The chart scrolls or sweeps; the user can freeze the display, zoom, pan, read values at a
-// cursor and select a time range to see its statistics. kv/controls/line_recorder.h registers the class.
+// cursor and select a time range to see its statistics.
 //
 // Styles         The low four bits of the window style select the mode; further bits are options (kStrip... below). The
 //                control copies the style when it is created; change it with kStripStyle.
@@ -156,5 +156,8 @@ inline constexpr WPARAM kStripZoneEnable = 0x0400;  // kStripZone: shows the zon
 // Notification codes.
 inline constexpr WORD kStripNotifyView = 1, kStripNotifyCursor = 2, kStripNotifyMark = 3;
 inline constexpr WORD kStripNotifyPlaced = 4;  // the cursor was placed, by a click without dragging or by keys
+
+// Registers (non-zero flag) or unregisters the class "kvLineRecorder". Returns 0 only when registering fails.
+BOOL RegisterLineRecorderClass(HINSTANCE instance, BOOL registerIt);
 
 }  // namespace kv

@@ -9,7 +9,6 @@
 #include <new>
 #include <string>
 
-#include "kv/controls/line_recorder.h"
 #include "kv/controls/strip_chart/axis.h"
 #include "kv/controls/strip_chart/control.h"
 #include "kv/controls/strip_chart/model.h"

@@ -7,6 +7,8 @@
 
 #include <cstring>
 
+#include "framework/language.h"
+
 namespace {
 
 INT_PTR CALLBACK DialogProcedure(HWND, UINT message, WPARAM, LPARAM) {
@@ -41,7 +43,7 @@ int Run(HINSTANCE instance) {
   SendMessageA(instrument, kv::kControlCommand, kv::kCommandValue | kv::kCommandRead, reinterpret_cast<LPARAM>(&shown));
   if (shown != value) return 5;
   if (!ShowsSomething(instrument)) return 6;
-  int language = 9;
+  int language = kGreek;
   HMODULE greek = kv::LoadLanguageResources(instance, L"outside", L"Outside", &language);
   if (greek == instance || LoadStringW(greek, 1, text, 64) == 0 || std::wcscmp(text, L"\u038E\u03C8\u03BF\u03C2") != 0)
     return 7;

@@ -15,7 +15,6 @@
 #include <utility>
 #include <vector>
 
-#include "kv/controls/line_recorder.h"
 #include "kv/controls/strip_chart/axis.h"
 #include "kv/controls/strip_chart/control.h"
 #include "kv/controls/strip_chart/model.h"

@@ -13,10 +13,10 @@
 
 #include "kv/export/dde_client.h"
 #include "kv/framework/shell_launch.h"
+#include "kv/toolkit/dde_conversation.h"
 #include "tests/support/replaced_import.h"
 #include "tests/support/running_program.h"
 #include "tests/support/test_window.h"
-#include "kv/toolkit/dde_conversation.h"
 
 namespace {
 
@@ -28,7 +28,7 @@ class Server {
  public:
   explicit Server(const std::wstring& arguments) {
     std::filesystem::remove(log_);
-    const auto program = BuildFolder(L"tests") / L"export\\dde_server.exe";
+    const auto program = BuildFolder(L"tests") / L"kv\\export\\dde_server.exe";
     process_ = std::make_unique<kvtest::RunningProgram>(program, L"\"" + log_.wstring() + L"\" " + arguments);
     EXPECT_TRUE(Saw("ready"));
   }
@@ -46,7 +46,7 @@ class Server {
   }
 
  private:
-  const std::filesystem::path log_ = BuildFolder(L"tests") / L"export\\dde_transcript.txt";
+  const std::filesystem::path log_ = BuildFolder(L"tests") / L"kv\\export\\dde_transcript.txt";
   std::unique_ptr<kvtest::RunningProgram> process_;
 };
 

@@ -18,14 +18,14 @@
 #include "kv/framework/tooltips.h"
 #include "kv/lists/extended_list.h"
 #include "kv/lists/list_navigation.h"
-#include "tests/support/running_program.h"
-#include "tests/support/test_window.h"
-#include "tests/kv/toolkit/ids.h"
 #include "kv/toolkit/classes.h"
 #include "kv/toolkit/empty_text.h"
 #include "kv/toolkit/keyboard.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/pages.h"
+#include "tests/kv/toolkit/ids.h"
+#include "tests/support/running_program.h"
+#include "tests/support/test_window.h"
 
 namespace kv {
 namespace {

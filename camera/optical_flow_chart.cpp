@@ -1,4 +1,4 @@
-#include "app/optical_flow_chart.h"
+#include "camera/optical_flow_chart.h"
 
 #include <oleacc.h>
 
@@ -6,7 +6,7 @@
 #include <iterator>
 #include <string>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "kv/framework/accessible.h"
 #include "kv/framework/bitmaps.h"
 #include "kv/framework/control_class.h"

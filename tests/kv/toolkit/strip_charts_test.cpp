@@ -1,5 +1,5 @@
 // The typed functions for strip chart and horizon, with the real controls.
-#include "kv/toolkit/strip_chart.h"
+#include "kv/toolkit/strip_charts.h"
 
 #include <gtest/gtest.h>
 
@@ -8,12 +8,11 @@
 #include <tuple>
 
 #include "kv/controls/horizon/horizon.h"
-#include "kv/controls/line_recorder.h"
 #include "kv/controls/strip_chart/strip_chart.h"
 #include "kv/framework/control_class.h"
+#include "kv/toolkit/horizons.h"
 #include "tests/support/control_test.h"
 #include "tests/support/test_window.h"
-#include "kv/toolkit/horizon.h"
 
 namespace kv {
 namespace {

@@ -1,4 +1,4 @@
-#include "kv/toolkit/horizon.h"
+#include "kv/toolkit/horizons.h"
 
 #include "kv/controls/horizon/horizon.h"
 #include "kv/framework/control_class.h"

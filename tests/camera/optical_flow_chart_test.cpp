@@ -1,4 +1,4 @@
-#include "app/optical_flow_chart.h"
+#include "camera/optical_flow_chart.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "kv/framework/control_class.h"
 #include "kv/framework/guards.h"
 #include "tests/support/test_window.h"

@@ -1,6 +1,6 @@
-// Typed functions for the artificial horizons of a dialog (kv/controls/horizon/horizon.h), selected by control id. Changes
-// are painted at once. All functions return 0 and change nothing when the dialog has no horizon with that id or a
-// number is not finite. Main thread only.
+// Typed functions for the artificial horizons of a dialog (kv/controls/horizon/horizon.h), selected by control id.
+// Changes are painted at once. All functions return 0 and change nothing when the dialog has no horizon with that id or
+// a number is not finite. Main thread only.
 #pragma once
 
 #include <windows.h>

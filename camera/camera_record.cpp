@@ -1,4 +1,4 @@
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 
 #include <algorithm>
 #include <cstdio>

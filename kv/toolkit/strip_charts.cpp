@@ -1,4 +1,4 @@
-#include "kv/toolkit/strip_chart.h"
+#include "kv/toolkit/strip_charts.h"
 #include <cstddef>
 #include <span>
 

@@ -17,7 +17,7 @@
 
 #include <windows.h>
 
-#include "app/camera_record.h"
+#include "camera/camera_record.h"
 #include "kv/framework/control_class.h"
 
 namespace kv {
