@@ -3,7 +3,7 @@
 
     make_pages.py FOLDER VERSION
 
-README.md becomes FOLDER/index.html; the other pages and all images keep their relative paths. Links to headers, samples
+docs/package/start.md becomes FOLDER/index.html, in place of README.md; the other pages and all images keep their relative paths. Links to headers, samples
 and the licence are changed to their paths in the package; a link to a file that is not in the package becomes plain
 text. A missing image is an error. Uses cmark-gfm; the same documents give the same bytes.
 """
@@ -17,15 +17,23 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 STYLE = ROOT / "docs" / "package" / "style.css"
+START = "docs/package/start.md"
+# Pages that the menu of each page links.
 MENU = {
-    "Tarnwick": "README.md",
-    "Troubleshooting": "docs/troubleshooting.md",
+    "Tarnwick": START,
+    "camview": "docs/camview.md",
     "camtool": "docs/camtool.md",
+    "Keys": "docs/keys.md",
+    "Troubleshooting": "docs/troubleshooting.md",
+    "Questions": "docs/faq.md",
+    "Glossary": "docs/glossary.md",
     "Reference": "docs/reference/index.md",
     "Samples": "samples/README.md",
+    "Architecture": "docs/architecture.md",
+    "Changes": "CHANGELOG.md",
 }
 # Files of the package outside of its pages, relative to the folder of the pages.
-ELSEWHERE = {"LICENSE": "../LICENSE.txt", "CHANGELOG.md": "../CHANGELOG.txt"}
+ELSEWHERE = {"LICENSE": "../LICENSE.txt"}
 HEADER = re.compile(r"kv/.*\.h")
 
 
@@ -35,13 +43,13 @@ def slug(heading: str) -> str:
 
 
 def documents() -> list[str]:
-    pages = [ROOT / "README.md", ROOT / "samples" / "README.md", *sorted((ROOT / "docs").rglob("*.md"))]
+    pages = [ROOT / "CHANGELOG.md", ROOT / "samples" / "README.md", *sorted((ROOT / "docs").rglob("*.md"))]
     return [page.relative_to(ROOT).as_posix() for page in pages]
 
 
 def place_of(source: str) -> str:
     """The path of a page or an image of the tree in the folder of the pages."""
-    if source == "README.md":
+    if source in (START, "README.md"):
         return "index.html"
     place = source.removeprefix("docs/").replace("README.md", "index.md")
     return place.removesuffix(".md") + ".html" if place.endswith(".md") else place
@@ -49,7 +57,7 @@ def place_of(source: str) -> str:
 
 def target_of(source: str, pages: list[str]) -> str | None:
     """The target of a link to a file of the tree, relative to the folder of the pages; None if it is not packaged."""
-    if source in pages or source.endswith(".png"):
+    if source in pages or source == "README.md" or source.endswith(".png"):
         return place_of(source)
     if source in ELSEWHERE:
         return ELSEWHERE[source]
@@ -93,13 +101,15 @@ class Page:
             *found.groups(), slug(unescape(re.sub(r"<[^>]*>", "", found.group(2))))), body)
         body = re.sub(r"<thead>\s*<tr>\s*(<th[^>]*></th>\s*)+</tr>\s*</thead>\s*", "", body)
         title = unescape(re.sub(r"<[^>]*>", "", re.search(r"<h1[^>]*>(.*?)</h1>", body).group(1)))
+        if not title.startswith("Tarnwick"):
+            title += " - Tarnwick"
         menu = " ".join(f'<a href="{self.relative(place_of(page))}">{name}</a>' for name, page in MENU.items())
         return f"""<!DOCTYPE html>
 <html lang="en">
 <head>
 <meta charset="utf-8">
 <meta name="viewport" content="width=device-width, initial-scale=1">
-<title>{escape(title)} - Tarnwick {version}</title>
+<title>{escape(title)} {version}</title>
 <link rel="stylesheet" href="{self.relative('style.css')}">
 </head>
 <body>
