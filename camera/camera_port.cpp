@@ -57,19 +57,21 @@ DWORD SetPortBaudRate(HANDLE hPort, DWORD baud) {
   return SetCommState(hPort, &line) != FALSE;
 }
 
+bool ConfigureCameraPort(HANDLE hPort) {
+  if (!SetLine(hPort)) return false;
+  PrepareTransfer(hPort);
+  return true;
+}
+
 HANDLE OpenCameraPort(int portNumber) {
   if (portNumber < 1 || portNumber > 999) return INVALID_HANDLE_VALUE;
   wchar_t name[32];
   FormatBounded(name, sizeof(name), L"\\\\.\\COM%d", portNumber);
   HANDLE port = CreateFileW(name, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                             OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr);
-  if (port == INVALID_HANDLE_VALUE) return port;
-  if (!SetLine(port)) {
-    CloseHandle(port);
-    return INVALID_HANDLE_VALUE;
-  }
-  PrepareTransfer(port);
-  return port;
+  if (port == INVALID_HANDLE_VALUE || ConfigureCameraPort(port)) return port;
+  CloseHandle(port);
+  return INVALID_HANDLE_VALUE;
 }
 
 }  // namespace kv

@@ -19,6 +19,7 @@ std::string Reason(DWORD error) {
   switch (error) {
     case ERROR_FILE_NOT_FOUND:
     case ERROR_PATH_NOT_FOUND: return "it does not exist";
+    case ERROR_WRITE_PROTECT: return "it is write-protected";
     case ERROR_ACCESS_DENIED: return "it is write-protected, a folder, or access is denied";
     case ERROR_SHARING_VIOLATION: return "it is in use by another program";
     case ERROR_DISK_FULL:
@@ -65,10 +66,15 @@ std::string TargetError(const std::string& path, bool overwrite, HANDLE source, 
   }
   LARGE_INTEGER size{};
   GetFileSizeEx(existing, &size);
+  // An administrator may open it for writing elsewhere than on Windows.
+  BY_HANDLE_FILE_INFORMATION attributes{};
+  const bool isProtected =
+      GetFileInformationByHandle(existing, &attributes) && (attributes.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
   const bool isFile = GetFileType(existing) == FILE_TYPE_DISK, isSource = IsSameFile(existing, source);
   CloseHandle(existing);
   *replaces = size.QuadPart > 0;
   if (!isFile) return quoted + isDevice;
+  if (isProtected) return CannotWrite(path, ERROR_WRITE_PROTECT);
   if (isSource) return quoted + " is the file that is read; choose another name";
   return size.QuadPart == 0 || overwrite
              ? std::string()
@@ -223,6 +229,12 @@ bool OpenRecording(const std::string& path, RecordingFile* recording) {
   return false;
 }
 
+double ShareRead(const RecordingFile& recording) {
+  LARGE_INTEGER size{}, at{};
+  if (!GetFileSizeEx(recording.file, &size) || !SetFilePointerEx(recording.file, {}, &at, FILE_CURRENT)) return 0;
+  return size.QuadPart > 0 ? static_cast<double>(at.QuadPart) / static_cast<double>(size.QuadPart) : 0;
+}
+
 bool NextChunk(RecordingFile* recording, Chunk* chunk) {
   while (recording->decoder.hasHeader) {
     switch (DecodeNext(&recording->decoder, chunk)) {
@@ -231,6 +243,8 @@ bool NextChunk(RecordingFile* recording, Chunk* chunk) {
       default: continue;
     }
     if (!ReadPart(recording->file, recording->path, &recording->part, &recording->error)) return false;
+    recording->isStopped = recording->onPart && !recording->onPart();
+    if (recording->isStopped) return false;
     if (recording->part.empty()) break;
     FeedDecoder(&recording->decoder, recording->part);
   }
@@ -240,14 +254,13 @@ bool NextChunk(RecordingFile* recording, Chunk* chunk) {
 
 bool NextRecords(RecordingFile* recording, RecordStream* stream, std::vector<FoundRecord>* records) {
   records->clear();
-  const bool isThere = NextChunk(recording, &recording->chunk);
-  if (isThere) {
+  if (NextChunk(recording, &recording->chunk)) {
     const Chunk& chunk = recording->chunk;
     FeedStream(stream, static_cast<double>(chunk.microseconds) / 1e6, chunk.bytes, records);
-  } else {
-    EndStream(stream);
+    return true;
   }
-  return isThere;
+  EndStream(stream);
+  return false;
 }
 
 void Rewind(RecordingFile* recording) {

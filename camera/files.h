@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -56,6 +57,10 @@ struct RecordingFile {
   RecordingDecoder decoder;
   size_t truncatedBytes = 0;
   OpenFailure failure = OpenFailure::kNone;
+  // Called after each part of the file, at most 64 KB, which may contain no chunk at all. When it returns false,
+  // reading ends as at the end of the file, and `isStopped` is set.
+  std::function<bool()> onPart;
+  bool isStopped = false;
   std::string part;  // read buffer
   Chunk chunk{};
 };
@@ -64,8 +69,11 @@ struct RecordingFile {
 // recording.
 bool OpenRecording(const std::string& path, RecordingFile* recording);
 
-// Reads the next chunk. Returns false at the end of the file, when `truncatedBytes` is set, and when reading fails,
-// with an error message.
+// Returns the fraction of the file that was read, 0 to 1; 0 if its size is unknown.
+double ShareRead(const RecordingFile& recording);
+
+// Reads the next chunk. Returns false at the end of the file, when `truncatedBytes` is set, when reading fails, with an
+// error message, and when `onPart` stops it.
 bool NextChunk(RecordingFile* recording, Chunk* chunk);
 
 // Returns the records that the next chunk completes (often one, sometimes none), found by `stream`, which is ended

@@ -131,8 +131,7 @@ bool LooksLikeText(std::string_view bytes) {
   return !bytes.empty() && static_cast<double>(prints) >= 0.9 * static_cast<double>(bytes.size());
 }
 
-// ---- Probability that the button finds the camera
-// -----------------------------------------------------------------------------------
+// ---- Probability that the button finds the camera -------------------------------------------------------------------
 
 namespace {
 

@@ -34,8 +34,7 @@ bool LooksLikeRecords(std::string_view bytes);
 // Returns whether nearly all bytes are printable.
 bool LooksLikeText(std::string_view bytes);
 
-// ---- Probability that the button finds the camera
-// -----------------------------------------------------------------------------------
+// ---- Probability that the button finds the camera -------------------------------------------------------------------
 //
 // Tarnwick reads a port once. The read starts at any time and ends at the first pause of 5 ms, after 64 bytes, or after
 // 250 ms without bytes; more than 15 bytes make the port the camera's.

@@ -6,9 +6,12 @@
 #include <cmath>
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "camera/camera_port.h"
+#include "camera/text.h"
+#include "kv/framework/file_path.h"
 
 namespace camera {
 
@@ -39,8 +42,7 @@ bool WaitExactlyUntil(double time, HANDLE stop) {
   return true;
 }
 
-// ---- Programs that have a port open
-// --------------------------------------------------------------------------------------------
+// ---- Programs that have a port open ---------------------------------------------------------------------------------
 
 namespace {
 
@@ -83,11 +85,10 @@ std::vector<char> AllHandles() {
 }
 
 std::string ProgramOf(HANDLE process) {
-  char path[MAX_PATH] = "";
+  wchar_t path[MAX_PATH] = L"";
   DWORD size = MAX_PATH;
-  if (!QueryFullProcessImageNameA(process, 0, path, &size)) return "another program";
-  const std::string text(path);
-  return text.substr(text.find_last_of("\\/") + 1);
+  if (!QueryFullProcessImageNameW(process, 0, path, &size)) return "another program";
+  return Narrow(kv::FileNameOf(path));
 }
 
 // Returns whether several programs can open a serial port at the same time, as with Wine.
@@ -172,29 +173,42 @@ void Port::Close() {
 PortStatus OpenPort(int number, const PortHolders* holders, Port* port) {
   port->Close();
   const std::wstring name = L"COM" + std::to_wstring(number), device = L"\\\\.\\" + name;
-  HANDLE probe = CreateFileW(device.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
-                             FILE_FLAG_OVERLAPPED, nullptr);
-  if (probe == INVALID_HANDLE_VALUE) {
+  // Of two programs that start at the same time, the one that creates this mutex first gets the port. The other one
+  // only asks whether the port exists: with read and write access it would be a holder to the first one.
+  port->claim_ = CreateMutexW(nullptr, FALSE, (L"Global\\camtool " + name).c_str());
+  const bool isClaimed = port->claim_ && GetLastError() != ERROR_ALREADY_EXISTS;
+  port->handle_ = CreateFileW(device.c_str(), isClaimed ? GENERIC_READ | GENERIC_WRITE : 0, 0, nullptr, OPEN_EXISTING,
+                              FILE_FLAG_OVERLAPPED, nullptr);
+  if (!port->isOpen()) {
     const DWORD error = GetLastError();
+    port->Close();
     return {StateFor(error), error, {}};
   }
   // Before anything is set: settings and purges would disturb the program that uses the port.
   const PortHolders found = holders ? PortHolders() : FindPortHolders();
   if (!holders) holders = &found;
-  const auto holder = holders->empty() ? holders->end() : holders->find(DeviceName(probe));
-  CloseHandle(probe);
-  if (holder != holders->end()) return {PortState::kBusy, 0, holder->second};
-  // Two programs that start at the same time find no holder; the one that creates this mutex first gets the port.
-  port->claim_ = CreateMutexW(nullptr, FALSE, (L"Global\\camtool " + name).c_str());
-  if (!port->claim_ || GetLastError() == ERROR_ALREADY_EXISTS) {
+  const auto holder = holders->empty() ? holders->end() : holders->find(DeviceName(port->handle_));
+  if (holder != holders->end() || !isClaimed) {
     port->Close();
-    return {PortState::kBusy, 0, "camtool or camview"};
+    return {PortState::kBusy, 0, holder != holders->end() ? holder->second : "camtool or camview"};
   }
-  port->handle_ = kv::OpenCameraPort(number);
-  if (port->isOpen()) return {PortState::kOpened, 0, {}};
+  if (kv::ConfigureCameraPort(port->handle_)) return {PortState::kOpened, 0, {}};
   const DWORD error = GetLastError();
   port->Close();
   return {PortState::kUnusable, error, {}};
+}
+
+int ParsePort(std::string_view text) {
+  if (text.size() < 4 || text.size() > 6) return 0;
+  for (int i = 0; i < 3; ++i) {
+    if ((text[i] & ~0x20) != "COM"[i]) return 0;
+  }
+  int port = 0;
+  for (const char digit : text.substr(3)) {
+    if (digit < '0' || digit > '9') return 0;
+    port = port * 10 + (digit - '0');
+  }
+  return port;
 }
 
 std::string WhyNotOpened(int number, const PortStatus& status) {

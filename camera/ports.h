@@ -6,6 +6,7 @@
 
 #include <map>
 #include <string>
+#include <string_view>
 
 namespace camera {
 
@@ -59,9 +60,13 @@ class Port {
 using PortHolders = std::map<std::wstring, std::string>;
 PortHolders FindPortHolders();
 
-// Opens COM`number` (1 to 999) with the camera's line settings, as Tarnwick does. Closes `port` first. Null `holders`
-// are found if the port exists; who opens several ports finds them once.
+// Opens COM`number` (1 to 999) once, with the camera's line settings, as Tarnwick does. Closes `port` first. A port
+// that is in use keeps its settings and its data; of several programs that open it at the same time, exactly one gets
+// it. Null `holders` are found if the port exists; who opens several ports finds them once.
 PortStatus OpenPort(int number, const PortHolders* holders, Port* port);
+
+// Returns the number of "COM1" to "COM999", ignoring case; 0 for anything else.
+int ParsePort(std::string_view text);
 
 // Returns a sentence with the reason why a port was not opened, and what to do.
 std::string WhyNotOpened(int number, const PortStatus& status);

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace camera {
 
@@ -13,7 +14,8 @@ namespace {
 
 constexpr size_t kChunkHead = 12;
 constexpr size_t kChecksum = 4;
-constexpr size_t kCompactAt = 65536;
+constexpr size_t kMaxHeaderBytes = 65536;
+constexpr std::uint32_t kPolynomial = 0xEDB88320;
 
 // Checksums of a byte followed by 0 to 3 zero bytes, to process four bytes at a time.
 using CrcTables = std::array<std::array<std::uint32_t, 256>, 4>;
@@ -23,7 +25,7 @@ constexpr CrcTables MakeCrcTables() {
   for (std::uint32_t i = 0; i < 256; ++i) {
     std::uint32_t value = i;
     for (std::array<std::uint32_t, 256>& table : tables) {
-      for (int bit = 0; bit < 8; ++bit) value = (value >> 1) ^ (value & 1 ? 0xEDB88320u : 0);
+      for (int bit = 0; bit < 8; ++bit) value = (value >> 1) ^ (value & 1 ? kPolynomial : 0);
       table[i] = value;
     }
   }
@@ -63,7 +65,7 @@ Decoded DecodeHeader(RecordingDecoder* decoder) {
   const bool isWhole = Crc32(file.substr(0, kRecordingHeaderBytes - kChecksum)) == Get(file, 36, 4);
   decoder->version = static_cast<std::uint32_t>(Get(file, 12, 4));
   if (isWhole && decoder->version != kRecordingVersion) return Decoded::kOtherVersion;
-  if (isWhole && size >= kRecordingHeaderBytes && size <= kCompactAt) {
+  if (isWhole && size >= kRecordingHeaderBytes && size <= kMaxHeaderBytes) {
     // Skips the rest of a longer header.
     if (file.size() < size) return Decoded::kNeedMore;
     decoder->header = {Get(file, 16, 8), static_cast<std::uint32_t>(Get(file, 24, 4)),
@@ -78,11 +80,56 @@ Decoded DecodeHeader(RecordingDecoder* decoder) {
   return Decoded::kHeader;
 }
 
-void SkipByte(RecordingDecoder* decoder) {
+void SkipTo(RecordingDecoder* decoder, size_t at) {
+  if (at == decoder->at) return;
   if (!decoder->isSkipping) ++decoder->damageCount;
   decoder->isSkipping = true;
-  ++decoder->damagedBytes;
-  ++decoder->at;
+  decoder->damagedBytes += at - decoder->at;
+  decoder->at = at;
+}
+
+// Returns the first place from `at` on where the two lengths of a chunk agree, or where too few bytes follow.
+size_t FindHead(std::string_view bytes, size_t at) {
+  for (; at + kChunkOverhead <= bytes.size(); ++at) {
+    const std::uint64_t size = Get(bytes, at, 2);
+    if ((Get(bytes, at + 2, 2) ^ 0xFFFF) == size && size <= kMaxChunkBytes) break;
+  }
+  return at;
+}
+
+std::uint32_t AddByte(std::uint32_t crc, char byte) {
+  return (crc >> 8) ^ kCrc[0][(crc ^ static_cast<unsigned char>(byte)) & 0xFF];
+}
+
+// Returns the register after that number of zero bytes: its product with a power of x, modulo the polynomial.
+std::uint32_t AddZeros(std::uint32_t crc, size_t bytes) {
+  static const std::vector<std::uint32_t> powers = [] {
+    std::vector<std::uint32_t> list = {0x80000000};
+    while (list.size() <= kChunkHead + kMaxChunkBytes) list.push_back(AddByte(list.back(), 0));
+    return list;
+  }();
+  std::uint32_t product = 0, factor = powers[bytes];
+  for (; crc != 0; crc <<= 1) {
+    if (crc & 0x80000000) product ^= factor;
+    factor = (factor >> 1) ^ (factor & 1 ? kPolynomial : 0);
+  }
+  return product;
+}
+
+// Returns the checksum of the next `size` bytes. Within damage, up to 4 KB may have to be summed at every fourth byte;
+// registers that are computed once for each byte give the checksum of any part.
+std::uint32_t ChecksumOfNext(RecordingDecoder* decoder, size_t size) {
+  std::vector<std::uint32_t>& sums = decoder->sums;
+  const size_t at = decoder->at;
+  if (sums.empty() && !decoder->isSkipping) return Crc32(std::string_view(decoder->pending).substr(at, size));
+  if (sums.empty() || at - decoder->sumsAt >= sums.size()) {
+    sums.assign(1, 0);
+    decoder->sumsAt = at;
+  }
+  const size_t from = at - decoder->sumsAt;
+  while (sums.size() <= from + size)
+    sums.push_back(AddByte(sums.back(), decoder->pending[decoder->sumsAt + sums.size() - 1]));
+  return ~(sums[from + size] ^ AddZeros(~sums[from], size));
 }
 
 Decoded DecodeChunk(RecordingDecoder* decoder, std::string_view body, std::uint64_t microseconds, Chunk* chunk) {
@@ -104,7 +151,7 @@ std::uint32_t Crc32(std::string_view bytes) {
     crc ^= static_cast<std::uint32_t>(Get(bytes, 0, 4));
     crc = kCrc[3][crc & 0xFF] ^ kCrc[2][(crc >> 8) & 0xFF] ^ kCrc[1][(crc >> 16) & 0xFF] ^ kCrc[0][crc >> 24];
   }
-  for (const char byte : bytes) crc = (crc >> 8) ^ kCrc[0][(crc ^ static_cast<unsigned char>(byte)) & 0xFF];
+  for (const char byte : bytes) crc = AddByte(crc, byte);
   return ~crc;
 }
 
@@ -136,23 +183,21 @@ void FeedDecoder(RecordingDecoder* decoder, std::string_view part) {
   decoder->pending.erase(0, decoder->at);
   decoder->at = 0;
   decoder->pending += part;
+  decoder->sums.clear();
 }
 
 Decoded DecodeNext(RecordingDecoder* decoder, Chunk* chunk) {
   if (!decoder->hasHeader) return DecodeHeader(decoder);
   for (;;) {
+    SkipTo(decoder, FindHead(decoder->pending, decoder->at));
     const std::string_view rest = std::string_view(decoder->pending).substr(decoder->at);
-    if (rest.size() < kChunkOverhead) return Decoded::kNeedMore;
-    const auto size = static_cast<size_t>(Get(rest, 0, 2));
-    if ((Get(rest, 2, 2) ^ 0xFFFF) != size || size > kMaxChunkBytes) {
-      SkipByte(decoder);
-      continue;
-    }
+    const auto size = static_cast<size_t>(rest.size() < kChunkOverhead ? 0 : Get(rest, 0, 2));
     if (rest.size() < size + kChunkOverhead) return Decoded::kNeedMore;
     const std::string_view whole = rest.substr(0, kChunkHead + size);
     const std::uint64_t microseconds = Get(rest, 4, 8);  // a time that goes back makes a huge difference, too
-    if (Crc32(whole) != Get(rest, whole.size(), 4) || microseconds - decoder->endTime > kMaxSilence) {
-      SkipByte(decoder);
+    if (microseconds - decoder->endTime > kMaxSilence ||
+        ChecksumOfNext(decoder, whole.size()) != Get(rest, whole.size(), 4)) {
+      SkipTo(decoder, decoder->at + 1);
       continue;
     }
     decoder->at += size + kChunkOverhead;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace camera {
 
@@ -55,12 +56,16 @@ struct RecordingDecoder {
   std::string pending;  // counted by FinishDecoding
   size_t at = 0;
   bool isSkipping = false;
+  // While skipping: CRC registers, beginning with 0, after the bytes of `pending` from `sumsAt` on.
+  std::vector<std::uint32_t> sums;
+  size_t sumsAt = 0;
 };
 
 // Passes the next part of the file to the decoder.
 void FeedDecoder(RecordingDecoder* decoder, std::string_view part);
 
-// Decodes the next item of the data so far. Damaged chunks are skipped and counted. kNeedMore: feed more or finish.
+// Decodes the next item of the data so far. Damaged chunks are skipped and counted, in a time proportional to their
+// bytes. kNeedMore: feed more or finish.
 // kNoRecording: the file is not a recording. kOtherVersion: it has another format version.
 Decoded DecodeNext(RecordingDecoder* decoder, Chunk* chunk);
 

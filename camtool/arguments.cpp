@@ -135,19 +135,6 @@ bool ParseNumber(std::string_view text, double* number) {
   return *end == '\0' && std::isfinite(*number);
 }
 
-int ParsePort(std::string_view text) {
-  if (text.size() < 4 || text.size() > 6) return 0;
-  for (int i = 0; i < 3; ++i) {
-    if (std::toupper(static_cast<unsigned char>(text[i])) != "COM"[i]) return 0;
-  }
-  int port = 0;
-  for (const char digit : text.substr(3)) {
-    if (digit < '0' || digit > '9') return 0;
-    port = port * 10 + (digit - '0');
-  }
-  return port;
-}
-
 bool ParseTrigger(std::string_view text, Trigger* trigger) {
   const auto read = [&](std::string_view unit, double factor, double* number) {
     if (!text.ends_with(unit)) return false;

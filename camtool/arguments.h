@@ -39,9 +39,6 @@ bool ParseArguments(std::span<const std::string> arguments, std::span<const Opti
 // Parses the whole text as a number.
 bool ParseNumber(std::string_view text, double* number);
 
-// Returns the number of "COM1" to "COM999", ignoring case; 0 for anything else.
-int ParsePort(std::string_view text);
-
 // Parses the frequency of a fault: "5%" or "0.05" is a probability for each record, "50" means every 50th record, "10s"
 // and "500ms" are periods.
 bool ParseTrigger(std::string_view text, Trigger* trigger);

@@ -5,10 +5,11 @@
 #include <cstdio>
 #include <string>
 
+#include "camera/files.h"
 #include "camera/ports.h"
 #include "camera/record_stream.h"
 #include "camera/text.h"
-#include "camtool/arguments.h"
+#include "camtool/commands.h"
 
 namespace camtool {
 
@@ -64,8 +65,18 @@ bool OpenPortOrPrintError(int number, camera::Port* port) {
   return port->isOpen();
 }
 
+int OpenRecordingOrPrintError(const std::string& path, camera::RecordingFile* recording) {
+  if (!camera::OpenRecording(path, recording)) {
+    PrintError(recording->error);
+    return recording->failure == camera::OpenFailure::kEmpty ? kEmpty : kFailed;
+  }
+  StopEvent();
+  recording->onPart = [] { return !IsStopRequested(); };
+  return kDone;
+}
+
 int PortOrPrintError(const std::string& text) {
-  const int port = ParsePort(text);
+  const int port = camera::ParsePort(text);
   if (port == 0) PrintError("\"" + text + "\" is not a port; ports are COM1 to COM999");
   return port;
 }

@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "camera/files.h"
 #include "camera/ports.h"
 #include "camera/record_stream.h"
 
@@ -21,6 +22,10 @@ void PrintError(const std::string& sentence);
 
 // Opens COM`number` or prints the reason for failure to standard error.
 bool OpenPortOrPrintError(int number, camera::Port* port);
+
+// Opens a recording that a stop request ends within 64 KB. Returns kDone, or the exit code after printing the reason
+// for failure to standard error.
+int OpenRecordingOrPrintError(const std::string& path, camera::RecordingFile* recording);
 
 // Parses "COM1" to "COM999". For anything else, returns 0 and prints an error to standard error.
 int PortOrPrintError(const std::string& text);

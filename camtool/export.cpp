@@ -42,12 +42,15 @@ bool WriteRows(Exporter* exporter) {
   ProgressLine progress;
   exporter->buffer = camera::CsvHeader();
   std::vector<camera::FoundRecord> found;
-  while (!IsStopRequested() && NextRecords(&exporter->recording, &exporter->stream, &found)) {
+  exporter->recording.onPart = [&] {
+    if (progress.IsDue()) progress.Show(std::to_string(exporter->stream.records) + " records");
+    return !IsStopRequested();
+  };
+  while (NextRecords(&exporter->recording, &exporter->stream, &found)) {
     for (const camera::FoundRecord& record : found) {
       if (record.isInRange) camera::AppendCsvRow(record, &exporter->buffer);
     }
     if (exporter->buffer.size() >= kBufferBytes && !Flush(exporter)) return false;
-    if (progress.IsDue()) progress.Show(std::to_string(exporter->stream.records) + " records");
   }
   return Flush(exporter);
 }
@@ -57,7 +60,8 @@ int ExportAll(Exporter* exporter) {
   // The reader of standard output has closed it.
   if (!done && exporter->error.empty()) return kDone;
   if (exporter->error.empty()) exporter->error = exporter->recording.error;
-  if (exporter->error.empty() && IsStopRequested()) exporter->error = "interrupted before the end of the recording";
+  if (exporter->error.empty() && exporter->recording.isStopped)
+    exporter->error = "interrupted before the end of the recording";
   if (exporter->error.empty()) camera::PublishOutput(&exporter->out, &exporter->error);
   if (exporter->error.empty()) {
     PrintStreamReport(exporter->stream, DescribeDamage(exporter->recording));
@@ -69,12 +73,9 @@ int ExportAll(Exporter* exporter) {
 
 int RunExport(const std::vector<std::string>& operands) {
   Exporter exporter{};
-  if (!camera::OpenRecording(operands[0], &exporter.recording)) {
-    PrintError(exporter.recording.error);
-    return exporter.recording.failure == camera::OpenFailure::kEmpty ? kEmpty : kFailed;
-  }
-  StopEvent();
-  int result = kFailed;
+  int result = OpenRecordingOrPrintError(operands[0], &exporter.recording);
+  if (result != kDone) return result;
+  result = kFailed;
   const std::string path = operands.size() > 1 ? operands[1] : "-";
   if (camera::OpenOutput(path, settings.overwrite, exporter.recording.file, &exporter.out, &exporter.error)) {
     result = ExportAll(&exporter);

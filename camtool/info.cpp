@@ -116,21 +116,21 @@ void PrintJson(const Facts& facts) {
 
 int RunInfo(const std::vector<std::string>& operands) {
   Facts facts;
-  if (!OpenRecording(operands[0], &facts.file)) {
-    PrintError(facts.file.error);
-    return facts.file.failure == camera::OpenFailure::kEmpty ? kEmpty : kFailed;
-  }
-  StopEvent();
+  if (const int failure = OpenRecordingOrPrintError(operands[0], &facts.file); failure != kDone) return failure;
   std::vector<camera::FoundRecord> found;
   ProgressLine progress;
-  while (!IsStopRequested() && NextRecords(&facts.file, &facts.stream, &found)) {
+  facts.file.onPart = [&] {
+    if (progress.IsDue()) progress.Show(std::to_string(facts.stream.records) + " records");
+    return !IsStopRequested();
+  };
+  while (NextRecords(&facts.file, &facts.stream, &found)) {
     for (const camera::FoundRecord& record : found) {
       for (int i = 0; record.isInRange && i < kv::kPointCount; ++i) AddPoint(record.points[i], &facts.points[i]);
     }
-    if (progress.IsDue()) progress.Show(std::to_string(facts.stream.records) + " records");
   }
   progress.Clear();
-  if (facts.file.error.empty() && IsStopRequested()) facts.file.error = "interrupted before the end of the recording";
+  if (facts.file.error.empty() && facts.file.isStopped)
+    facts.file.error = "interrupted before the end of the recording";
   if (!facts.file.error.empty()) {
     PrintError(facts.file.error);
     return kFailed;

@@ -109,12 +109,9 @@ int RunReplay(const std::vector<std::string>& operands) {
     return kUsageError;
   }
   Player player{};
-  if (!camera::OpenRecording(operands[0], &player.recording)) {
-    PrintError(player.recording.error);
-    return player.recording.failure == camera::OpenFailure::kEmpty ? kEmpty : kFailed;
-  }
-  StopEvent();
-  int result = kNoPort;
+  int result = OpenRecordingOrPrintError(operands[0], &player.recording);
+  if (result != kDone) return result;
+  result = kNoPort;
   if (OpenPortOrPrintError(port, &player.port)) {
     std::fprintf(stderr, "replaying to COM%d; Ctrl+C ends\n", port);
     result = Play(&player, port);

@@ -93,10 +93,7 @@ int EndOf(const Watcher& watcher) {
 
 int WatchRecording(Watcher* watcher, const std::string& path) {
   camera::RecordingFile recording;
-  if (!OpenRecording(path, &recording)) {
-    PrintError(recording.error);
-    return recording.failure == camera::OpenFailure::kEmpty ? kEmpty : kFailed;
-  }
+  if (const int failure = OpenRecordingOrPrintError(path, &recording); failure != kDone) return failure;
   bool isWritten = true;
   while (isWritten && !IsStopRequested() && !watcher->isOver &&
          NextRecords(&recording, &watcher->stream, &watcher->found)) {
@@ -155,7 +152,7 @@ int RunWatch(const std::vector<std::string>& operands) {
   if (!camera::OpenOutput("-", false, nullptr, &watcher.out, &watcher.error)) return EndOf(watcher);
   StopEvent();
   if (settings.csv) watcher.buffer = camera::CsvHeader();
-  const int port = ParsePort(operands[0]);
+  const int port = camera::ParsePort(operands[0]);
   return port > 0 ? WatchPort(&watcher, port) : WatchRecording(&watcher, operands[0]);
 }
 

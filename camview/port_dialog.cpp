@@ -160,15 +160,9 @@ int PortOfName(std::wstring_view name) {
   constexpr wchar_t kBlanks[] = L" \t:";
   const size_t begin = name.find_first_not_of(kBlanks);
   if (begin == name.npos) return 0;
-  name = name.substr(begin, name.find_last_not_of(kBlanks) + 1 - begin);
-  if (name.size() > 3 && CompareStringW(LOCALE_INVARIANT, NORM_IGNORECASE, name.data(), 3, L"COM", 3) == CSTR_EQUAL) {
-    name.remove_prefix(3);
-  }
-  int number = 0;
-  for (const wchar_t digit : name) {
-    if (digit < L'0' || digit > L'9' || number > kHighestPort) return 0;
-    number = number * 10 + (digit - L'0');
-  }
+  const std::string text = camera::Narrow(name.substr(begin, name.find_last_not_of(kBlanks) + 1 - begin));
+  const bool isNumber = text.find_first_not_of("0123456789") == text.npos;
+  const int number = camera::ParsePort(isNumber ? "COM" + text : text);
   return number <= kHighestPort ? number : 0;
 }
 

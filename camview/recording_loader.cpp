@@ -1,7 +1,5 @@
 #include "camview/recording_loader.h"
 
-#include <windows.h>
-
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -17,8 +15,6 @@ namespace camview {
 
 namespace {
 
-constexpr int kProgressChunks = 1024;
-
 LoadOutcome OutcomeOf(camera::OpenFailure failure) {
   switch (failure) {
     case camera::OpenFailure::kEmpty: return LoadOutcome::kEmpty;
@@ -28,18 +24,12 @@ LoadOutcome OutcomeOf(camera::OpenFailure failure) {
   }
 }
 
-double ShareRead(HANDLE file) {
-  LARGE_INTEGER size{}, at{};
-  if (!GetFileSizeEx(file, &size) || !SetFilePointerEx(file, {}, &at, FILE_CURRENT) || size.QuadPart == 0) return 0;
-  return static_cast<double>(at.QuadPart) / static_cast<double>(size.QuadPart);
-}
-
 // Reads to the end, an error or cancellation.
-LoadOutcome ReadRecords(camera::RecordingFile* file, RecordIntake* intake, RecordStore* store, Worker* worker) {
+LoadOutcome ReadRecords(camera::RecordingFile* file, RecordIntake* intake, RecordStore* store) {
   IntakeBatch batch;
   camera::Chunk chunk{};
   std::uint64_t damagedBytes = file->decoder.damagedBytes;
-  for (int chunks = 0; camera::NextChunk(file, &chunk); ++chunks) {
+  while (camera::NextChunk(file, &chunk)) {
     const double seconds = static_cast<double>(chunk.microseconds) / 1e6;
     if (file->decoder.damagedBytes > damagedBytes) {
       AddDamage(intake, seconds, static_cast<long long>(file->decoder.damagedBytes - damagedBytes), &batch);
@@ -48,10 +38,8 @@ LoadOutcome ReadRecords(camera::RecordingFile* file, RecordIntake* intake, Recor
     AddBytes(intake, seconds, chunk.bytes, &batch);
     if (!StoreBatch(&batch, store)) return LoadOutcome::kOutOfMemory;
     if (store->End() >= RecordStore::kMaxCapacity) return LoadOutcome::kTooLong;
-    if (chunks % kProgressChunks != 0) continue;
-    if (worker->IsCancelled()) return LoadOutcome::kCancelled;
-    worker->SetProgress(ShareRead(file->file));
   }
+  if (file->isStopped) return LoadOutcome::kCancelled;
   const double end = static_cast<double>(file->decoder.endTime) / 1e6;
   if (file->decoder.damagedBytes > damagedBytes) {
     AddDamage(intake, end, static_cast<long long>(file->decoder.damagedBytes - damagedBytes), &batch);
@@ -87,7 +75,11 @@ void RecordingLoader::Load() {
     return;
   }
   RecordIntake intake;
-  loaded_.outcome = ReadRecords(&file, &intake, loaded_.store.get(), &worker_);
+  file.onPart = [&] {
+    worker_.SetProgress(camera::ShareRead(file));
+    return !worker_.IsCancelled();
+  };
+  loaded_.outcome = ReadRecords(&file, &intake, loaded_.store.get());
   camera::CloseRecording(&file);
   const camera::RecordingDecoder& decoder = file.decoder;
   loaded_.error = file.error;

@@ -119,6 +119,7 @@ void ExportMarked(View& view) {
                    .port = static_cast<std::uint32_t>(view.status.port)};
   } else {
     task.source = view.recording.path;
+    task.sourceSeconds = view.recording.seconds;
   }
   view.exportTarget = path;
   view.isExporting = view.exporter.Start(task);

@@ -145,13 +145,22 @@ bool AddStore(Export* job) {
 
 // ---------------------------------------------------------------------------------------------------------------------
 
+// Returns whether the source lacks data that it had when it was opened.
+bool WasTruncated(const Export& job, const camera::RecordingFile& recording) {
+  return !job.task.store && !recording.isStopped &&
+         recording.decoder.endTime < std::min(job.to, Microseconds(job.task.sourceSeconds));
+}
+
 bool Write(Export* job, camera::RecordingFile* recording) {
   std::string* error = &job->result->error;
   if (!camera::OpenOutput(job->task.target, job->task.overwrite, recording->file, &job->out, error)) return false;
   const bool isCsv = job->task.format == ExportFormat::kCsv;
   const bool isAdded = job->task.store ? AddStore(job) : isCsv ? AddRows(job, recording) : AddChunks(job, recording);
   if (error->empty()) *error = recording->error;
-  return isAdded && error->empty() && Flush(job, 0) && camera::PublishOutput(&job->out, error);
+  if (error->empty() && isAdded && WasTruncated(*job, *recording)) {
+    *error = "\"" + recording->path + "\" is shorter than when it was opened";
+  }
+  return isAdded && !recording->isStopped && error->empty() && Flush(job, 0) && camera::PublishOutput(&job->out, error);
 }
 
 }  // namespace
@@ -171,6 +180,7 @@ void StretchExporter::Run() {
     result_.error = recording.error;
     return;
   }
+  recording.onPart = [this] { return !worker_.IsCancelled(); };
   result_.isDone = Write(&job, &recording);
   camera::CloseOutput(&job.out);
   camera::CloseRecording(&recording);

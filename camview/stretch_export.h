@@ -12,7 +12,8 @@ namespace camview {
 enum class ExportFormat { kCsv, kRecording };
 
 struct ExportTask {
-  std::string source;  // a recording; "" to export `store`
+  std::string source;        // a recording; "" to export `store`
+  double sourceSeconds = 0;  // its duration when it was opened; an export fails when it is shorter now
   // The records of a live session, which must not change meanwhile, and the header for a recording of them.
   const RecordStore* store = nullptr;
   camera::RecordingHeader header;

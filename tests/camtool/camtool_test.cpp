@@ -194,6 +194,17 @@ TEST(Camtool, RecordsReplaysAndExports) {
   for (const std::string& path : {first, second, csv}) DeleteFileA(path.c_str());
 }
 
+TEST(Camtool, OpensAPortForExactlyOneOfTwo) {
+  if (!SerialLine::CanUnplug()) GTEST_SKIP() << "this machine cannot create a pair of ports";
+  SerialLine line({3, 4});
+  for (int round = 0; round < 4; ++round) {
+    const Camtool one("watch COM3 --seconds 1.5"), other("watch COM3 --seconds 1.5");
+    const int first = one.Wait(), second = other.Wait();
+    EXPECT_EQ(std::pair(camtool::kDone, camtool::kNoPort), std::pair(std::min(first, second), std::max(first, second)))
+        << one.Said() << other.Said();
+  }
+}
+
 TEST(Camtool, WatchesAPortUntilDisconnected) {
   if (!SerialLine::CanUnplug()) GTEST_SKIP() << "this machine cannot create a pair of ports";
   SerialLine line({3, 4});
@@ -221,8 +232,13 @@ TEST(Camtool, KeepsExistingFiles) {
   WriteFileText(csv, "old");
   DeleteFileA(link.c_str());
   ASSERT_TRUE(CreateHardLinkA(link.c_str(), recording.c_str(), nullptr));
-  const std::pair<std::string, const char*> cases[] = {
-      {recording, "is the file that is read"}, {link, "is the file that is read"}, {"NUL", "is a device"}};
+  const std::string empty = TemporaryFile("camtool protected.csv");
+  WriteFileText(empty, "");
+  SetFileAttributesA(empty.c_str(), FILE_ATTRIBUTE_READONLY);
+  const std::pair<std::string, const char*> cases[] = {{empty, "write-protected"},
+                                                       {recording, "is the file that is read"},
+                                                       {link, "is the file that is read"},
+                                                       {"NUL", "is a device"}};
   const auto toTarget = [&](const std::string& target) {
     return camera::Format("export \"%s\" \"%s\" --overwrite", recording.c_str(), target.c_str());
   };
@@ -232,6 +248,8 @@ TEST(Camtool, KeepsExistingFiles) {
     EXPECT_PRED2(Says, run.Said(), reason);
   }
   EXPECT_EQ(bytes, ReadFileText(recording));
+  SetFileAttributesA(empty.c_str(), FILE_ATTRIBUTE_NORMAL);
+  DeleteFileA(empty.c_str());
   {
     // Written, but not replaced at the end, because another program has the target open.
     const std::ifstream holder(csv);

@@ -146,6 +146,22 @@ TEST(CamviewLoader, OpensARunningRecordingAndKeepsLoadedRecordsWhenCancelled) {
   DeleteFileA(path.c_str());
 }
 
+TEST(CamviewLoader, CanBeCancelledWhereNoChunkIsFound) {
+  const std::string path = PathOf("camview zeros.twr");
+  WriteTo(path, kHeader);
+  HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+  SetFilePointer(file, 1 << 30, nullptr, FILE_BEGIN);
+  SetEndOfFile(file);
+  CloseHandle(file);
+  RecordingLoader loader;
+  loader.Start(path);
+  EXPECT_TRUE(kvtest::WaitUntil([&] { return loader.Progress() > 0 || loader.IsDone(); }));
+  loader.Cancel();
+  EXPECT_TRUE(kvtest::WaitUntil([&] { return loader.IsDone(); }, std::chrono::milliseconds(500)));
+  EXPECT_EQ(LoadOutcome::kCancelled, loader.Take().outcome);
+  DeleteFileA(path.c_str());
+}
+
 ExportResult RunExport(const ExportTask& task) {
   StretchExporter exporter;
   exporter.Start(task);
@@ -203,6 +219,13 @@ TEST(CamviewExport, WritesATimeRangeAsRowsAndAsARecording) {
   task.target = source;
   EXPECT_NE(std::string::npos, RunExport(task).error.find("is the file that is read"));
   EXPECT_EQ(bytes, BytesOf(source));
+  task.target = target;
+  task.sourceSeconds = 3;
+  EXPECT_TRUE(RunExport(task).isDone);
+  WriteTo(source, bytes.substr(0, bytes.size() - 100));
+  const std::string rows = BytesOf(target);
+  EXPECT_NE(std::string::npos, RunExport(task).error.find("is shorter than when it was opened"));
+  EXPECT_EQ(rows, BytesOf(target));
   for (const std::string& path : {source, target}) DeleteFileA(path.c_str());
 }
 
