@@ -65,11 +65,12 @@ void RedrawSurface(HWND window, ListState* state, HDC compatibleWith) {
   OwnedBitmap surface(state->hSurface ? std::exchange(state->hSurface, nullptr) : CreateWindowBitmap(window, size));
   if (!surface) return;
   state->bDirty = FALSE;
+  state->dwLayout = GetLayout(compatibleWith);
   state->bRedrawing = TRUE;
   {
     const MemoryDc dc(compatibleWith);
     const SelectedObject selected(dc, surface);
-    SetLayout(dc, GetLayout(compatibleWith));
+    SetLayout(dc, state->dwLayout);
     const RECT whole{0, 0, size.cx, size.cy};
     FillRect(dc, &whole, GetSysColorBrush(COLOR_WINDOW));
     MeasureListRows(window);
@@ -149,7 +150,7 @@ LRESULT OnPaint(HWND window, ListState&) {
     state->bDirty = TRUE;
     return 0;
   }
-  if (state->bDirty) RedrawSurface(window, state, paint.dc());
+  if (state->bDirty || state->dwLayout != GetLayout(paint.dc())) RedrawSurface(window, state, paint.dc());
   if (const ListState* drawn = ListStateOf(window)) {
     ShowSurface(paint.dc(), ClientSize(window), drawn->hSurface, drawn->surfaceSize, drawn->nHorizontalOffset);
   }

@@ -14,6 +14,7 @@ struct ListState {
   BOOL bRedrawing;  // the parent is drawing rows
   LONG nRowHeight;  // as last measured
   SIZE surfaceSize;
+  DWORD dwLayout;    // of the surface, when it was drawn (GetLayout)
   HBITMAP hSurface;  // null until the first paint, and while it is drawn into
   LONG nHorizontalOffset;
   LONG nVerticalOffset;

@@ -5,8 +5,9 @@
 // item) (resource.h). Texts missing from the library are shown in English.
 //
 // Arabic mirrors dialogs, controls of the system's classes and kvExtList. It does not mirror images, instruments, other
-// controls that draw themselves, and controls with the style KV_KEEPS_DIRECTION, whose text is only right-aligned. Edit
-// controls are right-aligned and not mirrored, because their text may be in any language.
+// controls that draw themselves, and controls with the style KV_KEEPS_DIRECTION, whose text is only right-aligned: also
+// a trackbar that moves something which is not mirrored. Edit controls are right-aligned and not mirrored, because
+// their text may be in any language.
 #pragma once
 
 #include <windows.h>

@@ -15,12 +15,17 @@ namespace {
 constexpr LONG kScrollBarAtLeft = WS_EX_LEFTSCROLLBAR | WS_EX_LAYOUTRTL;
 constexpr LONG kMirrored = WS_EX_LAYOUTRTL | WS_EX_RTLREADING, kFromRight = WS_EX_RIGHT | WS_EX_RTLREADING;
 
+// Computes the client area again. The window's own style and its parent's determine the sides of the scroll bars.
+void UpdateFrame(HWND window) {
+  SetWindowPos(window, nullptr, 0, 0, 0, 0, SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 bool SetDirection(HWND window, LONG bits, bool rightToLeft) {
   const LONG style = GetWindowLongW(window, GWL_EXSTYLE);
   const LONG wanted = rightToLeft ? style | bits : style & ~bits;
   if (wanted == style) return false;
   SetWindowLongW(window, GWL_EXSTYLE, wanted);
-  SetWindowPos(window, nullptr, 0, 0, 0, 0, SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+  UpdateFrame(window);
   return true;
 }
 
@@ -66,8 +71,7 @@ bool HasScrollBarOnWrongSide(HWND control) {
 void FixScrollBar(HWND control) {
   if (!HasScrollBarOnWrongSide(control)) return;
   SetWindowSubclass(control, ExchangeSides, 1, 0);
-  SetWindowPos(control, nullptr, 0, 0, 0, 0,
-               SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+  UpdateFrame(control);
 }
 
 // ---- Which controls are mirrored ------------------------------------------------------------------------------------
@@ -98,12 +102,14 @@ void MirrorControl(HWND control) {
 }  // namespace
 
 bool MirrorDialog(HWND dialog) {
-  VisitChildren(dialog, [](HWND child) {
-    if (!DialogStateOf(child)) MirrorControl(child);
-  });
   // A mirrored window passes the style to children that it creates, also to those that must not be mirrored.
   if (IsRightToLeft()) SetDirection(dialog, WS_EX_NOINHERITLAYOUT, true);
-  return SetDirection(dialog, kMirrored, IsRightToLeft());
+  const bool turned = SetDirection(dialog, kMirrored, IsRightToLeft());
+  VisitChildren(dialog, [turned](HWND child) {
+    if (!DialogStateOf(child)) MirrorControl(child);
+    if (turned) UpdateFrame(child);
+  });
+  return turned;
 }
 
 void FixMirroredDialog(HWND dialog) {

@@ -192,8 +192,8 @@ TEST_F(ExtendedList, ReportsVisibleRowsToScreenReaders) {
 }
 
 TEST_F(ExtendedList, IsDrawnFromTheRightWhenMirrored) {
-  SetWindowLongA(list_, GWL_EXSTYLE, WS_EX_LAYOUTRTL);
-  SetWindowPos(list_, nullptr, 0, 0, 0, 0, SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER);
+  Send(LB_SETCOUNT, 3);
+  UpdateWindow(list_);
   parent_.Answer([](HWND, UINT message, WPARAM, LPARAM lParam, LRESULT*) {
     if (message != WM_DRAWITEM) return false;
     const auto* row = reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
@@ -202,7 +202,10 @@ TEST_F(ExtendedList, IsDrawnFromTheRightWhenMirrored) {
     FillRect(row->hDC, &begin, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
     return true;
   });
-  Send(LB_SETCOUNT, 3);
+  SetWindowLongA(list_, GWL_EXSTYLE, WS_EX_LAYOUTRTL);
+  SetWindowPos(list_, nullptr, 0, 0, 0, 0, SWP_FRAMECHANGED | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER);
+  InvalidateRect(list_, nullptr, FALSE);
+  UpdateWindow(list_);
   const WindowDc dc(list_);
   SetLayout(dc, 0);
   RECT client{};

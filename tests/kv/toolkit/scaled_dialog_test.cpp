@@ -267,6 +267,32 @@ TEST_F(ScaledDialogTest, ShowsATextInAnEmptyFieldOnly) {
   DestroyWindow(dialog);
 }
 
+// The widths that a control's frame takes at the left and the right.
+std::pair<LONG, LONG> SideWidths(HWND control) {
+  RECT window{}, client{};
+  GetWindowRect(control, &window);
+  GetClientRect(control, &client);
+  MapWindowPoints(control, nullptr, reinterpret_cast<POINT*>(&client), 2);
+  return {std::min(client.left, client.right) - window.left, window.right - std::max(client.left, client.right)};
+}
+
+// Without a change of the dialog's size.
+TEST_F(ScaledDialogTest, MovesScrollBarsWithTheDirection) {
+  const LONG bar = GetSystemMetrics(SM_CXVSCROLL);
+  for (const int first : {0, 15}) {
+    LoadLanguages(L"test_toolkit", first);  // the German library replaces the Arabic one
+    HWND dialog = OpenDialog(nullptr, kTest);
+    for (const int language : {first, 15 - first, first}) {
+      SwitchLanguage(nullptr, nullptr, language);
+      for (const int id : {IDC_ROWS, IDC_LINES}) {
+        const auto [left, right] = SideWidths(GetDlgItem(dialog, id));
+        EXPECT_EQ(language ? bar : -bar, left - right) << first << ' ' << language << ' ' << id;
+      }
+    }
+    DestroyWindow(dialog);
+  }
+}
+
 TEST_F(ScaledDialogTest, ShowsPagesThatScaleAndChangeTheLanguage) {
   LoadLanguages(L"test_toolkit");
   static const ScaledDialog kFirst{.templateName = L"PAGE", .procedure = Procedure}, kSecond{.templateName = L"PAGE"};
