@@ -127,7 +127,7 @@ void MeasureLive(HWND parent) {
     UpdateWindow(floor);
   });
   DestroyWindow(floor);
-  for (const DWORD style : {kv::kStripPaper, kv::kStripSweep}) {
+  for (const DWORD style : {kv::kStripScroll, kv::kStripSweep}) {
     HWND chart = CreateChart(parent);
     Send(chart, kv::kStripStyle, &style);
     const kv::StripView view{kv::kStripVersion, kv::kStripFollow, 10, 0, -40, 80, 1, 0};

@@ -76,12 +76,12 @@ void DescribeCharts(HWND window) {
   }
 }
 
-bool HasDetails(const ChartFeed& feed, const kv::StripStretch& whole, const kv::StripStretch& shown) {
+bool HasDetails(const ChartFeed& feed, const kv::StripTimeRange& whole, const kv::StripTimeRange& shown) {
   const double from = std::max(shown.from, whole.from), to = std::min(shown.to, whole.to);
   return from >= feed.fine.from && to <= feed.fine.to && (feed.isExact || (to - from) * kFurther >= feed.span);
 }
 
-void FeedCharts(HWND window, const RecordStore& store, const kv::StripStretch& whole, const kv::StripStretch& shown,
+void FeedCharts(HWND window, const RecordStore& store, const kv::StripTimeRange& whole, const kv::StripTimeRange& shown,
                 ChartFeed* feed) {
   feed->span = std::max(std::min(shown.to, whole.to) - std::max(shown.from, whole.from), 0.0);
   const double beside = (shown.to - shown.from) * kMarginSpans;
@@ -96,7 +96,7 @@ void FeedCharts(HWND window, const RecordStore& store, const kv::StripStretch& w
   if (store.IsEmpty() || store.Seconds(store.First()) > whole.from) {
     for (auto& curve : curves) curve.push_back({whole.from, kGap});
   }
-  const kv::StripStretch& fine = feed->fine;
+  const kv::StripTimeRange& fine = feed->fine;
   AddPart(store, {whole.from, fine.from, CoarseBuckets(fine.from - whole.from, length)}, &curves);
   AddPart(store, {fine.from, fine.to, fineBuckets}, &curves);
   AddPart(store, {fine.to, whole.to, CoarseBuckets(whole.to - fine.to, length)}, &curves);

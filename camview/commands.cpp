@@ -48,7 +48,7 @@ void GoToField(const View& view) {
 
 void MarkShown(View& view) {
   if (!RecordsOf(view)) return;
-  const kv::StripStretch shown = ShownSpan(view);
+  const kv::StripTimeRange shown = ShownSpan(view);
   SetMark(view, &shown);
 }
 

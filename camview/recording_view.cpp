@@ -103,7 +103,7 @@ void AskRecordingFile(View& view) {
 void ExportMarked(View& view) {
   const RecordStore* store = RecordsOf(view);
   if (!store || !view.isMarked || view.isExporting || view.isLoading) return;
-  const kv::StripStretch mark = view.mark;
+  const kv::StripTimeRange mark = view.mark;
   std::wstring path = ProposedTarget(view);
   if (!kv::AskSavePath(view.window, kv::ResourceText(IDS_EXPORT_TITLE).c_str(), &path, kRecordingExtension)) return;
   const bool isRecording = lstrcmpiW(kv::ExtensionOf(path.c_str()), kRecordingExtension) == 0;

@@ -59,10 +59,10 @@ void Compute(View& view) {
   view.hasStatistics = store && !store->IsEmpty();
   std::wstring summary = L" ", counts = L" ";
   if (view.hasStatistics) {
-    const kv::StripStretch shown = ShownSpan(view);
-    const kv::StripStretch stretch = view.isMarked ? view.mark
-                                                   : kv::StripStretch{std::max(shown.from, view.playback.begin),
-                                                                      std::min(shown.to, view.playback.end)};
+    const kv::StripTimeRange shown = ShownSpan(view);
+    const kv::StripTimeRange stretch = view.isMarked ? view.mark
+                                                     : kv::StripTimeRange{std::max(shown.from, view.playback.begin),
+                                                                          std::min(shown.to, view.playback.end)};
     view.statistics = ComputeStatistics(*store, stretch.from, stretch.to);
     summary = TextWith(view.isMarked ? IDS_STATISTICS_MARKED : IDS_STATISTICS_SHOWN, TimeAsText(stretch.from).c_str(),
                        TimeAsText(stretch.to).c_str(), kv::NumberText(stretch.to - stretch.from, 3).c_str());

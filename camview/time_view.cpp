@@ -37,7 +37,7 @@ LRESULT Send(const View& view, int id, WPARAM command, const void* item) {
   return SendDlgItemMessageA(view.window, id, kv::kControlCommand, command, reinterpret_cast<LPARAM>(item));
 }
 
-kv::StripStretch WholeOf(const View& view) {
+kv::StripTimeRange WholeOf(const View& view) {
   return {view.playback.begin, view.playback.end};
 }
 
@@ -58,11 +58,11 @@ void ShowTimeText(View& view) {
 }
 
 void ShowMarks(const View& view) {
-  for (const int chart : kCharts) kv::SetStripChartMark(view.window, chart, view.isMarked ? &view.mark : nullptr);
+  for (const int chart : kCharts) kv::SetStripChartSelection(view.window, chart, view.isMarked ? &view.mark : nullptr);
 }
 
 // The charts' span may exceed the whole; it is limited to what fits.
-kv::StripStretch Fitting(const View& view, kv::StripStretch span) {
+kv::StripTimeRange Fitting(const View& view, kv::StripTimeRange span) {
   const double length = std::max(span.to - span.from, 0.001);
   span.to = std::min(span.to, std::max(view.playback.end, view.playback.begin + length));
   span.from = span.to - length;
@@ -107,12 +107,12 @@ void ShowTime(View& view) {
 }
 
 void ScrollToTime(View& view, bool isPlaying) {
-  const kv::StripStretch shown = ShownSpan(view);
+  const kv::StripTimeRange shown = ShownSpan(view);
   const double length = shown.to - shown.from, time = view.playback.position;
   const double last = isPlaying ? shown.from + length * kPlayingPart : shown.to;
   if (time >= shown.from && time <= last) return;
   const double part = isPlaying && time > last && time < last + length ? kPlayingPart : 0.5;
-  const kv::StripStretch requested = Fitting(view, {time - length * part, time + length * (1 - part)});
+  const kv::StripTimeRange requested = Fitting(view, {time - length * part, time + length * (1 - part)});
   if (requested.from != shown.from) ShowSpan(view, requested);
 }
 
@@ -185,13 +185,13 @@ void OnTimeTyped(View& view) {
 
 // ---- What the charts show -------------------------------------------------------------------------------------------
 
-kv::StripStretch ShownSpan(const View& view) {
-  kv::StripStretch shown{};
+kv::StripTimeRange ShownSpan(const View& view) {
+  kv::StripTimeRange shown{};
   kv::GetStripChartTimes(view.window, IDC_CHART_X, &shown);
   return shown;
 }
 
-void ShowSpan(View& view, kv::StripStretch span) {
+void ShowSpan(View& view, kv::StripTimeRange span) {
   const RecordStore* store = RecordsOf(view);
   if (!store) return;
   view.spanSeconds = span.to - span.from;
@@ -218,7 +218,7 @@ void ShowValueRange(View& view) {
   const auto show = [&](int chart, double most) {
     kv::SetStripChartView(view.window, chart, view.spanSeconds, 0, view.fitValues ? 0 : most);
   };
-  const kv::StripStretch shown = ShownSpan(view);
+  const kv::StripTimeRange shown = ShownSpan(view);
   show(IDC_CHART_X, kv::kFieldWidth);
   show(IDC_CHART_Y, kv::kFieldHeight);
   if (IsFollowing(view)) return FollowCharts(view);
@@ -258,7 +258,7 @@ void ShowTimelineRange(View& view) {
                   RecordsOf(view) ? TextWith(IDS_OF_LENGTH, TimeAsText(range.to).c_str()).c_str() : L" ");
 }
 
-void SetMark(View& view, const kv::StripStretch* mark) {
+void SetMark(View& view, const kv::StripTimeRange* mark) {
   view.isMarked = mark != nullptr;
   if (mark) {
     view.mark = {std::clamp(mark->from, view.playback.begin, view.playback.end),
@@ -275,10 +275,10 @@ void SetMark(View& view, const kv::StripStretch* mark) {
 namespace {
 
 void OnChartView(View& view, int chart) {
-  kv::StripStretch shown{}, mark{};
+  kv::StripTimeRange shown{}, mark{};
   kv::GetStripChartTimes(view.window, chart, &shown);
   // Escape has removed the mark.
-  if (view.isMarked && !kv::GetStripChartMark(view.window, chart, &mark)) SetMark(view, nullptr);
+  if (view.isMarked && !kv::GetStripChartSelection(view.window, chart, &mark)) SetMark(view, nullptr);
   if (!RecordsOf(view)) return;
   const bool isNewest = shown.to >= view.playback.end - 1e-6;
   if (IsFollowing(view) && isNewest) {
@@ -311,12 +311,13 @@ void OnChartCursor(View& view, int chart) {
 
 void OnChart(View& view, int chart, WORD code) {
   double time = 0;
-  kv::StripStretch mark{};
+  kv::StripTimeRange mark{};
   switch (code) {
     case kv::kStripNotifyView: return OnChartView(view, chart);
     case kv::kStripNotifyCursor: return OnChartCursor(view, chart);
-    case kv::kStripNotifyMark: return SetMark(view, kv::GetStripChartMark(view.window, chart, &mark) ? &mark : nullptr);
-    case kv::kStripNotifyPlaced:
+    case kv::kStripNotifySelection:
+      return SetMark(view, kv::GetStripChartSelection(view.window, chart, &mark) ? &mark : nullptr);
+    case kv::kStripNotifyCursorSet:
       // A live port continues: its charts are clicked to focus them.
       if (!IsFollowing(view) && kv::GetStripChartCursor(view.window, chart, &time)) SeekTo(view, time);
       return;
@@ -335,7 +336,7 @@ void OnTimeline(View& view, WORD code) {
       return;
     case kTimelineNotifySelection: {
       const bool isSelected = Send(view, IDC_TIMELINE, kTimelineSelection | kv::kCommandRead, &selection) != 0;
-      const kv::StripStretch mark{selection.from, selection.to};
+      const kv::StripTimeRange mark{selection.from, selection.to};
       return SetMark(view, isSelected ? &mark : nullptr);
     }
     case kTimelineNotifyBack: return StepBy(view, -1);

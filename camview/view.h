@@ -44,11 +44,11 @@ struct View {
   std::wstring exportTarget;
   bool isExporting = false;
 
-  Playback playback;         // also for a live port, where its end is now
-  double hovered = kNoTime;  // the time under the pointer in a chart
-  kv::StripStretch shown{};  // the span that the charts were given
+  Playback playback;           // also for a live port, where its end is now
+  double hovered = kNoTime;    // the time under the pointer in a chart
+  kv::StripTimeRange shown{};  // the span that the charts were given
   bool isMarked = false;
-  kv::StripStretch mark{};
+  kv::StripTimeRange mark{};
   ChartFeed feed;
 
   double trailSeconds = 1, spanSeconds = 10;  // 0: the whole recording
@@ -91,10 +91,10 @@ void ScrollToTime(View& view, bool isPlaying);
 void HoldLive(View& view, bool hold);
 // Sets the texts of the play and hold buttons.
 void ShowPlaying(const View& view);
-void SetMark(View& view, const kv::StripStretch* mark);  // null: none
+void SetMark(View& view, const kv::StripTimeRange* mark);  // null: none
 // The span that the charts show; feeds them if more details are needed.
-kv::StripStretch ShownSpan(const View& view);
-void ShowSpan(View& view, kv::StripStretch span);
+kv::StripTimeRange ShownSpan(const View& view);
+void ShowSpan(View& view, kv::StripTimeRange span);
 void SetSpan(View& view, double seconds);  // 0: the whole recording
 // Sets the charts' value range: the whole field, or as the records require.
 void ShowValueRange(View& view);

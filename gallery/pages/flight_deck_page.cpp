@@ -102,14 +102,14 @@ void ShowHold(HWND page) {
   kv::StripView view{};
   SendDlgItemMessageA(page, IDC_DECK_CHART, kv::kControlCommand, kv::kStripViewItem | kv::kCommandRead,
                       reinterpret_cast<LPARAM>(&view));
-  CheckDlgButton(page, IDC_DECK_HOLD, view.state & kv::kStripHold ? BST_CHECKED : BST_UNCHECKED);
+  CheckDlgButton(page, IDC_DECK_HOLD, view.state & kv::kStripFrozen ? BST_CHECKED : BST_UNCHECKED);
 }
 
 INT_PTR OnCommand(HWND page, UINT id, UINT code) {
   switch (id) {
-    case IDC_DECK_HOLD: kv::HoldStripChart(page, IDC_DECK_CHART, IsChecked(page, IDC_DECK_HOLD)); break;
+    case IDC_DECK_HOLD: kv::FreezeStripChart(page, IDC_DECK_CHART, IsChecked(page, IDC_DECK_HOLD)); break;
     case IDC_DECK_SWEEP: SetStyle(page, IDC_DECK_SWEEP, kv::kStripSweep); break;
-    case IDC_DECK_AXES: SetStyle(page, IDC_DECK_AXES, kv::kStripOwnAxes); break;
+    case IDC_DECK_AXES: SetStyle(page, IDC_DECK_AXES, kv::kStripSeparateAxes); break;
     case IDC_DECK_VALID: Fly(page); break;
     case IDC_DECK_CHART:
       if (code == kv::kStripNotifyView) ShowHold(page);

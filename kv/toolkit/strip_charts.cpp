@@ -38,14 +38,14 @@ BOOL ChangeView(HWND dialog, int id, Change change) {
 
 }  // namespace
 
-BOOL SetStripChartChannel(HWND dialog, int id, int channel, const StripChannelText& text) {
-  if (!IsReadableText(text.name) || !IsReadableText(text.unit)) return FALSE;
+BOOL SetStripChartChannel(HWND dialog, int id, int channel, const StripChannelOptions& options) {
+  if (!IsReadableText(options.name) || !IsReadableText(options.unit)) return FALSE;
   return ChangeChannel(dialog, id, channel, [&](StripChannel& info) {
-    StoreText(info.szName, text.name);
-    StoreText(info.szUnit, text.unit);
-    if (text.color != CLR_INVALID) info.color = text.color;
-    info.minimum = text.minimum;
-    info.maximum = text.maximum;
+    StoreText(info.name, options.name);
+    StoreText(info.unit, options.unit);
+    if (options.color != CLR_INVALID) info.color = options.color;
+    info.minimum = options.minimum;
+    info.maximum = options.maximum;
     info.state |= kStripVisible;
   });
 }
@@ -103,7 +103,7 @@ BOOL SetStripChartView(HWND dialog, int id, double seconds, double minimum, doub
   });
 }
 
-BOOL ShowStripChartTimes(HWND dialog, int id, StripStretch times) {
+BOOL ShowStripChartTimes(HWND dialog, int id, StripTimeRange times) {
   return ChangeView(dialog, id, [&](StripView& view) {
     view.state &= ~kStripFollow;
     view.span = times.to - times.from;
@@ -118,7 +118,7 @@ BOOL FollowStripChart(HWND dialog, int id, double seconds) {
   });
 }
 
-BOOL GetStripChartTimes(HWND dialog, int id, StripStretch* times) {
+BOOL GetStripChartTimes(HWND dialog, int id, StripTimeRange* times) {
   StripView view{};
   if (!Send(dialog, id, kStripViewItem | kCommandRead, 0, &view)) return FALSE;
   *times = {view.end - view.span, view.end};
@@ -136,21 +136,22 @@ BOOL GetStripChartCursor(HWND dialog, int id, double* time) {
   return TRUE;
 }
 
-BOOL SetStripChartMark(HWND dialog, int id, const StripStretch* stretch) {
-  return Send(dialog, id, stretch ? kStripMark : kStripMark | kCommandRemove, 0, stretch);
+BOOL SetStripChartSelection(HWND dialog, int id, const StripTimeRange* range) {
+  return Send(dialog, id, range ? kStripSelection : kStripSelection | kCommandRemove, 0, range);
 }
 
-BOOL GetStripChartMark(HWND dialog, int id, StripStretch* stretch) {
-  return Send(dialog, id, kStripMark | kCommandRead, 0, stretch);
+BOOL GetStripChartSelection(HWND dialog, int id, StripTimeRange* range) {
+  return Send(dialog, id, kStripSelection | kCommandRead, 0, range);
 }
 
 BOOL ClearStripChart(HWND dialog, int id) {
   return Send(dialog, id, kStripClear, 0, nullptr);
 }
 
-BOOL HoldStripChart(HWND dialog, int id, BOOL hold) {
-  return ChangeView(dialog, id,
-                    [&](StripView& view) { view.state = hold ? view.state | kStripHold : view.state & ~kStripHold; });
+BOOL FreezeStripChart(HWND dialog, int id, BOOL freeze) {
+  return ChangeView(dialog, id, [&](StripView& view) {
+    view.state = freeze ? view.state | kStripFrozen : view.state & ~kStripFrozen;
+  });
 }
 
 BOOL SetStripChartZones(HWND dialog, int id, std::span<const StripZone> zones) {
@@ -163,7 +164,7 @@ BOOL SetStripChartZones(HWND dialog, int id, std::span<const StripZone> zones) {
   return done;
 }
 
-BOOL ReadStripChartStatistics(HWND dialog, int id, int channel, StripStatistics* statistics) {
+BOOL GetStripChartStatistics(HWND dialog, int id, int channel, StripStatistics* statistics) {
   return Send(dialog, id, kStripStatistics | kCommandRead, channel, statistics);
 }
 

@@ -11,14 +11,14 @@
 
 namespace kv {
 
-struct StripChannelText {
+struct StripChannelOptions {
   const wchar_t* name;
   const wchar_t* unit = L"";        // the name is truncated to 47 bytes of UTF-8, the unit to 11
   COLORREF color = CLR_INVALID;     // CLR_INVALID: unchanged; the default is one of eight colours
   double minimum = 0, maximum = 0;  // of the channel's own axis; equal: automatic
 };
 // Describes a channel, 0..7, and shows it.
-BOOL SetStripChartChannel(HWND dialog, int id, int channel, const StripChannelText& text);
+BOOL SetStripChartChannel(HWND dialog, int id, int channel, const StripChannelOptions& options);
 BOOL ShowStripChartChannel(HWND dialog, int id, int channel, BOOL show);
 
 // Samples are displayed within 50 ms. All are rejected if a time is earlier than the previous one.
@@ -36,23 +36,23 @@ BOOL SetStripChartAxisDigits(HWND dialog, int id, DWORD digits);
 // The chart then follows the newest sample.
 BOOL SetStripChartView(HWND dialog, int id, double seconds, double minimum, double maximum);
 // Shows a fixed time range, also while samples are appended; the value range does not change.
-BOOL ShowStripChartTimes(HWND dialog, int id, StripStretch times);
+BOOL ShowStripChartTimes(HWND dialog, int id, StripTimeRange times);
 // Displays the newest seconds and follows the newest sample; the value range does not change.
 BOOL FollowStripChart(HWND dialog, int id, double seconds);
 // The displayed time range, which the user may have changed. `from` equals `to` when all stored samples are shown.
-BOOL GetStripChartTimes(HWND dialog, int id, StripStretch* times);
+BOOL GetStripChartTimes(HWND dialog, int id, StripTimeRange* times);
 // Freezes or releases the display.
-BOOL HoldStripChart(HWND dialog, int id, BOOL hold);
+BOOL FreezeStripChart(HWND dialog, int id, BOOL freeze);
 // The cursor's time, and the selected time range. Null removes it; reading returns 0 if there is none.
 BOOL SetStripChartCursor(HWND dialog, int id, const double* time);
 BOOL GetStripChartCursor(HWND dialog, int id, double* time);
-BOOL SetStripChartMark(HWND dialog, int id, const StripStretch* stretch);
-BOOL GetStripChartMark(HWND dialog, int id, StripStretch* stretch);
+BOOL SetStripChartSelection(HWND dialog, int id, const StripTimeRange* range);
+BOOL GetStripChartSelection(HWND dialog, int id, StripTimeRange* range);
 // Removes all samples, the cursor and the selection.
 BOOL ClearStripChart(HWND dialog, int id);
 // Replaces all zones, which are coloured parts of the value range; at most three.
 BOOL SetStripChartZones(HWND dialog, int id, std::span<const StripZone> zones);
 // The statistics of a channel over the selection or, without one, the displayed time range.
-BOOL ReadStripChartStatistics(HWND dialog, int id, int channel, StripStatistics* statistics);
+BOOL GetStripChartStatistics(HWND dialog, int id, int channel, StripStatistics* statistics);
 
 }  // namespace kv

@@ -162,7 +162,7 @@ const FuzzedClass kFuzzedClasses[] = {
     {"Horizon", kHorizonClass, kHorizonTape, {WM_COPY, WM_DROPFILES, WM_TIMER, WM_TIMER}},
     {"StripChart",
      kStripChartClass,
-     kStripOwnAxes,
+     kStripSeparateAxes,
      {WM_COPY, WM_DROPFILES, WM_TIMER, WM_KEYDOWN, WM_MOUSEWHEEL, WM_MOUSELEAVE, WM_LBUTTONDBLCLK}},
     {"List", kExtendedListClass, WS_VSCROLL, {WM_CREATE, WM_CREATE, WM_DESTROY, WM_COPY, LB_SETCOUNT, LB_SETCOUNT}},
     {"NavigatedList",

@@ -181,7 +181,7 @@ class CamviewWindow : public testing::Test {
   }
   double ChartCount() const {
     kv::StripStatistics statistics{};
-    kv::ReadStripChartStatistics(window_, IDC_CHART_X, 0, &statistics);
+    kv::GetStripChartStatistics(window_, IDC_CHART_X, 0, &statistics);
     return statistics.count;
   }
   View& view() const { return *ViewOf(window_); }
@@ -326,7 +326,7 @@ TEST_F(CamviewWindow, ChartsShowEachRecordOfALongRecordingOnceTheyAreZoomed) {
     Pump();
   }
   EXPECT_NEAR(500, ChartCount(), 2);
-  kv::StripStretch one{}, other{};
+  kv::StripTimeRange one{}, other{};
   EXPECT_TRUE(kv::GetStripChartTimes(window_, IDC_CHART_X, &one) &&
               kv::GetStripChartTimes(window_, IDC_CHART_Y, &other));
   EXPECT_NEAR(one.from, other.from, 1e-6);

@@ -64,25 +64,25 @@ void AddHead(Table& table, const StripModel& model, bool byColumn) {
   table.text += L"\r\n";
 }
 
-struct Stretch {
+struct IndexRange {
   unsigned from, to;
 };
 
 // The displayed samples of each channel.
-std::array<Stretch, kStripChannels> ShownSamples(const StripModel& model) {
-  const StripStretch shown = ShownTimes(model);
-  std::array<Stretch, kStripChannels> stretches{};
+std::array<IndexRange, kStripChannels> ShownSamples(const StripModel& model) {
+  const StripTimeRange shown = ShownTimes(model);
+  std::array<IndexRange, kStripChannels> ranges{};
   for (int i = 0; i < kStripChannels; ++i) {
     const StripChannelData& channel = model.channels[i];
     if (!IsShown(channel)) continue;
-    stretches[i] = {channel.store.FirstFrom(shown.from),
-                    std::min(channel.store.FirstAfter(shown.to), ShownCount(model, channel))};
+    ranges[i] = {channel.store.FirstFrom(shown.from),
+                 std::min(channel.store.FirstAfter(shown.to), ShownCount(model, channel))};
   }
-  return stretches;
+  return ranges;
 }
 
 // One row for each time at which a channel has a sample; samples of a channel with equal times have separate rows.
-void AddSamples(Table& table, const StripModel& model, std::array<Stretch, kStripChannels> left) {
+void AddSamples(Table& table, const StripModel& model, std::array<IndexRange, kStripChannels> left) {
   for (;;) {
     double time = kNever;
     for (int i = 0; i < kStripChannels; ++i) {
@@ -123,7 +123,7 @@ void AddColumns(Table& table, const StripModel& model, const StripLayout& layout
 std::wstring TableOf(const StripModel& model, const StripLayout& layout) {
   const auto shown = ShownSamples(model);
   DWORD most = 0;
-  for (const Stretch& each : shown) most = std::max(most, DWORD{each.to > each.from ? each.to - each.from : 0});
+  for (const IndexRange& each : shown) most = std::max(most, DWORD{each.to > each.from ? each.to - each.from : 0});
   Table table;
   const bool byColumn = most > kStripMaxTextRows;
   AddHead(table, model, byColumn);
@@ -165,7 +165,7 @@ LRESULT CopyStrip(StripChart& chart, LPARAM requested) {
   renderer->Update(chart.model, size, true);
   chart.model.undrawnFrom = undrawn;
   chart.model.removedTo = removed;
-  const Surface& surface = renderer->WithMarks(chart.model, false);
+  const Surface& surface = renderer->WithOverlay(chart.model, false);
   // Before opening the clipboard, which notifies its previous owner, who may destroy the control.
   const std::wstring table = TableOf(chart.model, renderer->layoutShown());
   HWND window = chart.window;

@@ -82,16 +82,16 @@ bool ExchangeCursor(StripModel& model, WPARAM wParam, LPARAM address) {
   return true;
 }
 
-bool ExchangeMark(StripModel& model, WPARAM wParam, LPARAM address) {
-  if (wParam & kCommandRead) return model.marked && CopyItemOut(model.mark, address);
-  StripStretch mark{};
+bool ExchangeSelection(StripModel& model, WPARAM wParam, LPARAM address) {
+  if (wParam & kCommandRead) return model.hasSelection && CopyItemOut(model.selection, address);
+  StripTimeRange selection{};
   const bool remove = (wParam & kCommandRemove) != 0;
-  if (!remove &&
-      (!CopyItemIn(address, &mark) || !(mark.from <= mark.to) || std::isinf(mark.from) || std::isinf(mark.to))) {
+  if (!remove && (!CopyItemIn(address, &selection) || !(selection.from <= selection.to) || std::isinf(selection.from) ||
+                  std::isinf(selection.to))) {
     return false;
   }
-  model.mark = mark;
-  model.marked = !remove;
+  model.selection = selection;
+  model.hasSelection = !remove;
   return true;
 }
 
@@ -118,7 +118,7 @@ bool DoCommand(StripChart& chart, WPARAM wParam, LPARAM lParam) {
     case kStripAxisDigits: return ExchangeAxisDigits(model, wParam, lParam);
     case kStripViewItem: return ExchangeView(model, wParam, lParam);
     case kStripCursor: return ExchangeCursor(model, wParam, lParam);
-    case kStripMark: return ExchangeMark(model, wParam, lParam);
+    case kStripSelection: return ExchangeSelection(model, wParam, lParam);
     case kStripStatistics: return ReadStatistics(model, index, wParam, lParam);
     case kStripCount: return ReadCount(model, index, wParam, lParam);
     default: return false;

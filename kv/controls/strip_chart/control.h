@@ -18,7 +18,7 @@ struct StripChart {
   bool waiting = false;      // timer 5 runs until new samples are drawn
   bool hovering = false;     // the cursor follows the mouse pointer, at pointerX
   LONG pointerX = LONG_MIN;  // of the last mouse move; LONG_MIN after the pointer has left
-  enum class Drag { kNone, kPan, kMark } drag = Drag::kNone;
+  enum class Drag { kNone, kPan, kSelect } drag = Drag::kNone;
   LONG dragX = 0, wheel = 0;
   bool dragged = false;  // moved since the button was pressed
 };

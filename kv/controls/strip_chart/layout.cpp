@@ -39,7 +39,7 @@ void LayoutAxes(StripLayout& layout, const StripModel& model, RECT* plot) {
     if (axis.area.right * 2 > layout.size.cx) axis.area.right = plot->left;
     plot->left = axis.area.right;
   };
-  if (model.style & kStripOwnAxes) {
+  if (model.style & kStripSeparateAxes) {
     for (int i = 0; i < kStripChannels; ++i) {
       if (IsShown(model.channels[i])) add(i);
     }
@@ -58,9 +58,9 @@ COLORREF Mix(COLORREF from, COLORREF to, int percent) {
   return color;
 }
 
-// Blends the colour with `ink` until it contrasts with `paper`.
-COLORREF Readable(COLORREF color, COLORREF paper, COLORREF ink, double minContrast) {
-  const double background = Luminance(paper) + 0.05;
+// Blends the colour with `ink` until it contrasts with `ground`.
+COLORREF Readable(COLORREF color, COLORREF ground, COLORREF ink, double minContrast) {
+  const double background = Luminance(ground) + 0.05;
   for (int percent = 0; percent < 100; percent += 20) {
     const COLORREF mixed = Mix(color, ink, percent);
     const double contrast = (Luminance(mixed) + 0.05) / background;
@@ -96,7 +96,7 @@ StripLayout LayoutStrip(const StripModel& model, SIZE size) {
     plot.top = lineHeight + margin / 2;
     layout.legend = {0, 0, size.cx, plot.top};
   }
-  if (isLarge && !(model.style & kStripNoAxes)) {
+  if (isLarge) {
     layout.labelsPx = lineHeight;
     plot.bottom = size.cy - lineHeight;
     plot.left = margin / 2;
@@ -105,7 +105,7 @@ StripLayout LayoutStrip(const StripModel& model, SIZE size) {
   plot.bottom = std::max(plot.bottom, plot.top);
   LayoutAxes(layout, model, &plot);
   layout.plot = plot;
-  const StripStretch shown = ShownTimes(model);
+  const StripTimeRange shown = ShownTimes(model);
   const LONG width = std::max(plot.right - plot.left, 1L);
   layout.secondsPerColumn = (shown.to - shown.from) / width;
   layout.timeStep =
@@ -148,22 +148,22 @@ StripColors ColorsOf(const StripModel& model) {
   StripColors colors{};
   colors.panel = GetSysColor(COLOR_BTNFACE);
   colors.text = GetSysColor(disabled ? COLOR_GRAYTEXT : COLOR_BTNTEXT);
-  colors.paper = GetSysColor(disabled ? COLOR_BTNFACE : COLOR_WINDOW);
+  colors.ground = GetSysColor(disabled ? COLOR_BTNFACE : COLOR_WINDOW);
   colors.ink = GetSysColor(disabled ? COLOR_GRAYTEXT : COLOR_WINDOWTEXT);
-  colors.grid = Mix(colors.paper, colors.ink, contrast ? 50 : 14);
-  colors.frame = Mix(colors.paper, colors.ink, contrast ? 100 : 45);
-  colors.tip = GetSysColor(COLOR_INFOBK);
-  colors.tipText = GetSysColor(COLOR_INFOTEXT);
-  colors.mark = GetSysColor(COLOR_HIGHLIGHT);
+  colors.grid = Mix(colors.ground, colors.ink, contrast ? 50 : 14);
+  colors.frame = Mix(colors.ground, colors.ink, contrast ? 100 : 45);
+  colors.tooltip = GetSysColor(COLOR_INFOBK);
+  colors.tooltipText = GetSysColor(COLOR_INFOTEXT);
+  colors.selection = GetSysColor(COLOR_HIGHLIGHT);
   for (int i = 0; i < kStripChannels; ++i) {
     const COLORREF own = model.channels[i].info.color & 0xFFFFFF;
-    colors.lines[i] = disabled ? Mix(Grey(own), colors.paper, 40) : own;
-    colors.lines[i] = Readable(colors.lines[i], colors.paper, colors.ink, contrast ? 4.5 : disabled ? 1.3 : 1.8);
+    colors.lines[i] = disabled ? Mix(Grey(own), colors.ground, 40) : own;
+    colors.lines[i] = Readable(colors.lines[i], colors.ground, colors.ink, contrast ? 4.5 : disabled ? 1.3 : 1.8);
   }
   for (int i = 0; i < kStripZones; ++i) {
     const COLORREF own = disabled ? Grey(model.zones[i].color & 0xFFFFFF) : model.zones[i].color & 0xFFFFFF;
     // In high contrast a zone is drawn faintly.
-    colors.zones[i] = Mix(colors.paper, own, contrast ? 8 : 22);
+    colors.zones[i] = Mix(colors.ground, own, contrast ? 8 : 22);
   }
   return colors;
 }

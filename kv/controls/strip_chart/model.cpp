@@ -33,7 +33,7 @@ bool UseChannel(StripModel& model, unsigned index) {
   if (channel.used) return true;
   if (!SampleStore().MakeResized(model.capacity, &channel.store)) return false;
   channel.info = {.version = kStripVersion, .state = kStripVisible, .color = kChannelColors[index]};
-  channel.info.szName[0] = static_cast<char>('1' + index);
+  channel.info.name[0] = static_cast<char>('1' + index);
   channel.used = true;
   return true;
 }
@@ -57,7 +57,7 @@ void Follow(StripModel& model, bool follow) {
 
 // Shows a time range with this length and end, limited to the stored samples.
 void Show(StripModel& model, double span, double end) {
-  const StripStretch stored = StoredTimes(model);
+  const StripTimeRange stored = StoredTimes(model);
   model.view.span = std::clamp(span, MinSpan(stored.to), 4 * kStripMaxTime);
   Follow(model, end >= stored.to);
   model.view.end = std::clamp(end, std::min(stored.from + model.view.span, stored.to), stored.to);
@@ -79,7 +79,7 @@ bool SetChannel(StripModel& model, unsigned index, const StripChannel& info) {
   if (info.version != kStripVersion || !UseChannel(model, index)) return false;
   StripChannel& own = model.channels[index].info;
   own = info;
-  own.szName[sizeof(own.szName) - 1] = own.szUnit[sizeof(own.szUnit) - 1] = '\0';
+  own.name[sizeof(own.name) - 1] = own.unit[sizeof(own.unit) - 1] = '\0';
   return true;
 }
 
@@ -132,40 +132,40 @@ bool SetView(StripModel& model, const StripView& view) {
                        std::fabs(view.end) <= kStripMaxTime && view.zoom > 1e-6 && view.zoom < 1e6 &&
                        std::fabs(view.shift) < 1e6;
   if (!allowed) return false;
-  const bool hold = (view.state & kStripHold) != 0;
-  SetHold(model, hold);
+  const bool frozen = (view.state & kStripFrozen) != 0;
+  SetFrozen(model, frozen);
   model.view = view;
-  model.view.state &= kStripFollow | kStripHold;
+  model.view.state &= kStripFollow | kStripFrozen;
   if (view.span > 0) model.view.span = std::max(view.span, MinSpan(StoredTimes(model).to));
   model.home = model.view;
-  model.home.state &= ~kStripHold;
+  model.home.state &= ~kStripFrozen;
   return true;
 }
 
 void ClearSamples(StripModel& model) {
   for (StripChannelData& channel : model.channels) channel.store.Clear();
-  model.cursorShown = model.marked = false;
-  SetHold(model, false);
+  model.cursorShown = model.hasSelection = false;
+  SetFrozen(model, false);
   model.view = model.home;
   model.removedTo = kNever;
 }
 
 // ---- Displayed ranges -----------------------------------------------------------------------------------------------
 
-StripStretch StoredTimes(const StripModel& model) {
-  StripStretch stored{kNever, -kNever};
+StripTimeRange StoredTimes(const StripModel& model) {
+  StripTimeRange stored{kNever, -kNever};
   for (const StripChannelData& channel : model.channels) {
     if (!channel.used || channel.store.count() == 0) continue;
     stored.from = std::min(stored.from, channel.store.oldest());
     stored.to = std::max(stored.to, channel.store.newest());
   }
   if (stored.from > stored.to) return {0, 0};
-  if (IsHeld(model)) stored.to = std::max(stored.from, std::min(stored.to, model.heldAt));
+  if (IsFrozen(model)) stored.to = std::max(stored.from, std::min(stored.to, model.frozenAt));
   return stored;
 }
 
-StripStretch ShownTimes(const StripModel& model) {
-  const StripStretch stored = StoredTimes(model);
+StripTimeRange ShownTimes(const StripModel& model) {
+  const StripTimeRange stored = StoredTimes(model);
   const double span =
       model.view.span > 0 ? model.view.span : SpanFor(std::max(stored.to - stored.from, MinSpan(stored.to) * 1000));
   const bool follows = (model.view.state & kStripFollow) || model.view.span == 0;
@@ -175,7 +175,7 @@ StripStretch ShownTimes(const StripModel& model) {
 
 unsigned ShownCount(const StripModel& model, const StripChannelData& channel) {
   const unsigned count = channel.store.count();
-  return IsHeld(model) ? channel.store.FirstAfter(model.heldAt, count) : count;
+  return IsFrozen(model) ? channel.store.FirstAfter(model.frozenAt, count) : count;
 }
 
 bool IsSweep(const StripModel& model) {
@@ -188,7 +188,7 @@ AxisRange RangeOf(const StripModel& model, int channel, int ticks) {
   const double high = forAll ? model.view.maximum : model.channels[channel].info.maximum;
   AxisRange range{low, high};
   if (!IsRange(low, high)) {
-    const StripStretch shown = ShownTimes(model);
+    const StripTimeRange shown = ShownTimes(model);
     Extent extent;
     for (int i = 0; i < kStripChannels; ++i) {
       const StripChannelData& each = model.channels[i];
@@ -207,13 +207,13 @@ AxisRange RangeOf(const StripModel& model, int channel, int ticks) {
 // ---- User's actions -------------------------------------------------------------------------------------------------
 
 void PanTime(StripModel& model, double parts) {
-  const StripStretch shown = ShownTimes(model);
+  const StripTimeRange shown = ShownTimes(model);
   const double span = shown.to - shown.from;
   Show(model, span, shown.to + span * parts);
 }
 
 void ZoomTime(StripModel& model, double factor, double about) {
-  const StripStretch shown = ShownTimes(model);
+  const StripTimeRange shown = ShownTimes(model);
   const double span = shown.to - shown.from;
   const bool follows = shown.to >= StoredTimes(model).to;
   // If the newest sample is displayed, continue to follow it.
@@ -230,7 +230,7 @@ void ZoomValues(StripModel& model, double factor) {
 }
 
 void ShowOldest(StripModel& model) {
-  const StripStretch shown = ShownTimes(model);
+  const StripTimeRange shown = ShownTimes(model);
   Show(model, shown.to - shown.from, -kNever);
 }
 
@@ -238,22 +238,22 @@ void ShowNewest(StripModel& model) {
   Follow(model, true);
 }
 
-void SetHold(StripModel& model, bool hold) {
-  if (hold == IsHeld(model)) return;
-  if (hold) {
-    model.heldAt = StoredTimes(model).to;
-    model.view.state |= kStripHold;
+void SetFrozen(StripModel& model, bool frozen) {
+  if (frozen == IsFrozen(model)) return;
+  if (frozen) {
+    model.frozenAt = StoredTimes(model).to;
+    model.view.state |= kStripFrozen;
   } else {
-    model.view.state &= ~kStripHold;
-    model.undrawnFrom = std::min(model.undrawnFrom, model.heldAt);
+    model.view.state &= ~kStripFrozen;
+    model.undrawnFrom = std::min(model.undrawnFrom, model.frozenAt);
   }
 }
 
 void ReturnHome(StripModel& model) {
-  const DWORD hold = model.view.state & kStripHold;
+  const DWORD frozen = model.view.state & kStripFrozen;
   model.view = model.home;
-  model.view.state |= hold;
-  model.cursorShown = model.marked = false;
+  model.view.state |= frozen;
+  model.cursorShown = model.hasSelection = false;
 }
 
 // ---- Readings and statistics ----------------------------------------------------------------------------------------
@@ -272,11 +272,11 @@ StripReading NewestReading(const StripModel& model) {
 }
 
 StripStatistics ChannelStatistics(const StripModel& model, unsigned index) {
-  const StripStretch stretch = model.marked ? model.mark : ShownTimes(model);
+  const StripTimeRange range = model.hasSelection ? model.selection : ShownTimes(model);
   const StripChannelData& channel = model.channels[index];
   const unsigned limit = ShownCount(model, channel);
-  return channel.store.StatisticsOf(channel.store.FirstFrom(stretch.from),
-                                    std::min(channel.store.FirstAfter(stretch.to), limit));
+  return channel.store.StatisticsOf(channel.store.FirstFrom(range.from),
+                                    std::min(channel.store.FirstAfter(range.to), limit));
 }
 
 }  // namespace kv

@@ -26,16 +26,16 @@ struct StripModel {
   DWORD style = 0, capacity = kStripDefaultCapacity, axisDigits = 0;
   StripView view{kStripVersion, kStripFollow, 0, 0, 0, 0, 1, 0};
   StripView home = view;        // the view that the owner has set
-  double heldAt = 0;            // the newest time when the display was frozen
+  double frozenAt = 0;          // the newest time when the display was frozen
   double undrawnFrom = kNever;  // samples after this time have not been drawn
   double removedTo = -kNever;   // samples before this time were discarded, but are still drawn
-  bool cursorShown = false, marked = false;
+  bool cursorShown = false, hasSelection = false;
   double cursor = 0;
-  StripStretch mark{};
+  StripTimeRange selection{};
 };
 
-inline bool IsHeld(const StripModel& model) {
-  return (model.view.state & kStripHold) != 0;
+inline bool IsFrozen(const StripModel& model) {
+  return (model.view.state & kStripFrozen) != 0;
 }
 inline bool IsShown(const StripChannelData& channel) {
   return channel.used && (channel.info.state & kStripVisible);
@@ -51,12 +51,12 @@ bool SetView(StripModel& model, const StripView& view);
 void ClearSamples(StripModel& model);
 
 // From the oldest to the newest sample that can be displayed; 0 to 0 without samples.
-StripStretch StoredTimes(const StripModel& model);
+StripTimeRange StoredTimes(const StripModel& model);
 // The displayed time range; `to` is the right edge.
-StripStretch ShownTimes(const StripModel& model);
+StripTimeRange ShownTimes(const StripModel& model);
 // The number of samples of a channel that can be displayed: while frozen, those up to the time of freezing.
 unsigned ShownCount(const StripModel& model, const StripChannelData& channel);
-// Whether the chart sweeps; earlier times are shown as in paper mode.
+// Whether the chart sweeps; earlier times are shown as in ground mode.
 bool IsSweep(const StripModel& model);
 
 // The range of a channel's axis, or of the common axis (-1). An automatic range has about `ticks` ticks.
@@ -70,7 +70,7 @@ void PanValues(StripModel& model, double parts);
 void ZoomValues(StripModel& model, double factor);
 void ShowOldest(StripModel& model);
 void ShowNewest(StripModel& model);
-void SetHold(StripModel& model, bool hold);
+void SetFrozen(StripModel& model, bool frozen);
 void ReturnHome(StripModel& model);
 
 StripReading ReadingAt(const StripModel& model, double time);

@@ -60,11 +60,11 @@ LONG PlaceOf(const StripLayout& layout, long long column) {
 }  // namespace
 
 std::wstring ChannelName(const StripChannel& channel) {
-  return Decode(channel.szName);
+  return Decode(channel.name);
 }
 
 std::wstring ChannelUnit(const StripChannel& channel) {
-  return Decode(channel.szUnit);
+  return Decode(channel.unit);
 }
 
 LONG WidthOf(HDC dc, const std::wstring& text) {
@@ -119,18 +119,17 @@ void StripRenderer::DrawBackground(const StripModel& model) {
 
 // ---- Columns --------------------------------------------------------------------------------------------------------
 
-void StripRenderer::DrawGrid(Canvas& canvas, const RECT& paper, long long from, long long to, LONG x) {
+void StripRenderer::DrawGrid(Canvas& canvas, const RECT& ground, long long from, long long to, LONG x) {
   const StripLayout& layout = key_.layout;
   const StripColors& colors = key_.colors;
-  const bool grid = !(key_.style & kStripNoGrid);
   const StripAxis& axis = layout.axis[0];
-  for (double tick = FirstTick(axis.range.low, axis.step); grid; ++tick) {
+  for (double tick = FirstTick(axis.range.low, axis.step);; ++tick) {
     const LONG y = RowOf(layout, axis.range, tick * axis.step);
-    if (y < paper.top) break;
-    if (y < layout.plot.bottom) FillArea(canvas, {paper.left, y, paper.right, y + 1}, colors.grid);
+    if (y < ground.top) break;
+    if (y < layout.plot.bottom) FillArea(canvas, {ground.left, y, ground.right, y + 1}, colors.grid);
   }
   const double step = layout.timeStep, second = layout.secondsPerColumn;
-  for (double tick = FirstTick(static_cast<double>(from) * second, step); grid; ++tick) {
+  for (double tick = FirstTick(static_cast<double>(from) * second, step);; ++tick) {
     const double column = ColumnOf(tick * step, second);
     if (column >= static_cast<double>(to)) break;
     const LONG place = x + static_cast<LONG>(column - static_cast<double>(from));
@@ -163,24 +162,24 @@ void StripRenderer::DrawTimes() {
 }
 
 // Draws columns from..to-1, with `from` at x.
-void StripRenderer::DrawStretch(Canvas& canvas, const StripModel& model, long long from, long long to, LONG x) {
+void StripRenderer::DrawSpan(Canvas& canvas, const StripModel& model, long long from, long long to, LONG x) {
   const StripLayout& layout = key_.layout;
   const StripColors& colors = key_.colors;
   const RECT& plot = layout.plot;
-  const RECT paper{x, plot.top, x + static_cast<LONG>(to - from), plot.bottom + 1};
-  canvas.ClipTo(paper);
-  FillArea(canvas, {paper.left, plot.top, paper.right, plot.bottom}, colors.paper);
-  FillArea(canvas, {paper.left, plot.bottom, paper.right, plot.bottom + 1}, colors.frame);
+  const RECT ground{x, plot.top, x + static_cast<LONG>(to - from), plot.bottom + 1};
+  canvas.ClipTo(ground);
+  FillArea(canvas, {ground.left, plot.top, ground.right, plot.bottom}, colors.ground);
+  FillArea(canvas, {ground.left, plot.bottom, ground.right, plot.bottom + 1}, colors.frame);
   for (int i = 0; i < kStripZones; ++i) {
     if (!model.zoneShown[i]) continue;
     const StripZone& zone = model.zones[i];
     const AxisRange& range = AxisOf(layout, static_cast<int>(zone.channel)).range;
     const auto row = [&](double value) { return std::clamp(RowOf(layout, range, value), plot.top, plot.bottom); };
     FillArea(canvas,
-             {paper.left, row(std::max(zone.lower, zone.upper)), paper.right, row(std::min(zone.lower, zone.upper))},
+             {ground.left, row(std::max(zone.lower, zone.upper)), ground.right, row(std::min(zone.lower, zone.upper))},
              colors.zones[i]);
   }
-  DrawGrid(canvas, paper, from, to, x);
+  DrawGrid(canvas, ground, from, to, x);
   for (int i = 0; i < kStripChannels; ++i) {
     const StripChannelData& channel = model.channels[i];
     if (!IsShown(channel)) continue;
@@ -200,13 +199,13 @@ void StripRenderer::DrawColumns(const StripModel& model, long long from, long lo
   while (from < to) {
     const LONG x = PlaceOf(layout, from);
     const long long end = std::min(to, from + layout.plot.right - x);
-    DrawStretch(canvas, model, from, end, x);
+    DrawSpan(canvas, model, from, end, x);
     from = end;
   }
   for (long long column = oldest; column < oldest + layout.gapPx; ++column) {
     const LONG x = PlaceOf(layout, column);
     canvas.ClipTo({x, layout.plot.top, x + 1, layout.size.cy});
-    FillArea(canvas, {x, layout.plot.top, x + 1, layout.plot.bottom}, key_.colors.paper);
+    FillArea(canvas, {x, layout.plot.top, x + 1, layout.plot.bottom}, key_.colors.ground);
     FillArea(canvas, {x, layout.plot.bottom, x + 1, layout.plot.bottom + 1}, key_.colors.frame);
   }
 }
@@ -242,10 +241,10 @@ RECT StripRenderer::Update(StripModel& model, SIZE size, bool redrawAll) {
   key.layout.lastColumn = last;
   const LONG width = IsRectEmpty(&key.layout.plot) ? 0 : key.layout.plot.right - key.layout.plot.left;
   const double second = key.layout.secondsPerColumn;
-  const bool held = IsHeld(model);
+  const bool frozen = IsFrozen(model);
   const RECT whole{0, 0, size.cx, size.cy};
-  const RECT paper{key.layout.plot.left, key.layout.plot.top, key.layout.plot.right, size.cy};
-  if (!same || last < before || last - before >= width || (model.removedTo == kNever && !held)) {
+  const RECT ground{key.layout.plot.left, key.layout.plot.top, key.layout.plot.right, size.cy};
+  if (!same || last < before || last - before >= width || (model.removedTo == kNever && !frozen)) {
     if (surface_.size().cx != size.cx || surface_.size().cy != size.cy) surface_.Create(size);
     drawn_ = surface_.bitmap() && rows_.Create(key.layout.plot.bottom - key.layout.plot.top);
     if (!font_ || key.layout.fontPx != key_.layout.fontPx) FindFont(key.layout.fontPx);
@@ -261,7 +260,7 @@ RECT StripRenderer::Update(StripModel& model, SIZE size, bool redrawAll) {
     return whole;
   }
   // A frozen chart does not change when samples arrive.
-  if (held || (model.undrawnFrom == kNever && model.removedTo == -kNever && last == before)) return {};
+  if (frozen || (model.undrawnFrom == kNever && model.removedTo == -kNever && last == before)) return {};
   key_.layout.lastColumn = last;
   if (!key_.layout.sweeps && last > before) Scroll(last - before);
   const double undrawn = std::min(ColumnOf(model.undrawnFrom, second), static_cast<double>(before + 1)) - kReach;
@@ -275,7 +274,7 @@ RECT StripRenderer::Update(StripModel& model, SIZE size, bool redrawAll) {
   if (last > before) DrawTimes();
   model.undrawnFrom = kNever;
   model.removedTo = -kNever;
-  return paper;
+  return ground;
 }
 
 }  // namespace kv

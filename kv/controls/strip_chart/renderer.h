@@ -41,7 +41,7 @@ LONG XOfTime(const StripLayout& layout, double time);
 const StripAxis& AxisOf(const StripLayout& layout, int channel);
 
 struct StripColors {
-  COLORREF panel, text, paper, ink, grid, frame, tip, tipText, mark;
+  COLORREF panel, text, ground, ink, grid, frame, tooltip, tooltipText, selection;
   std::array<COLORREF, kStripChannels> lines;
   std::array<COLORREF, kStripZones> zones;
 };
@@ -56,7 +56,7 @@ class StripRenderer {
   // Updates the image and returns the changed rectangles; with `redrawAll` draws everything.
   RECT Update(StripModel& model, SIZE size, bool redrawAll);
   // The image with cursor, selection, tooltip and focus frame; without them, the image of Update.
-  const Surface& WithMarks(const StripModel& model, bool focused);
+  const Surface& WithOverlay(const StripModel& model, bool focused);
 
   const StripLayout& layoutShown() const { return key_.layout; }
   const Surface& surface() const { return surface_; }
@@ -75,13 +75,13 @@ class StripRenderer {
   void FindFont(int heightPx);
   void DrawBackground(const StripModel& model);
   void DrawColumns(const StripModel& model, long long from, long long to);
-  void DrawStretch(Canvas& canvas, const StripModel& model, long long from, long long to, LONG x);
-  void DrawGrid(Canvas& canvas, const RECT& paper, long long from, long long to, LONG x);
+  void DrawSpan(Canvas& canvas, const StripModel& model, long long from, long long to, LONG x);
+  void DrawGrid(Canvas& canvas, const RECT& ground, long long from, long long to, LONG x);
   void DrawTimes();
   void Scroll(long long columns);
-  void DrawTip(Canvas& canvas, const StripModel& model);
+  void DrawTooltip(Canvas& canvas, const StripModel& model);
 
-  Surface surface_, marked_;
+  Surface surface_, overlaid_;
   MemoryDc dc_{nullptr};
   CoverageShape shape_;
   TraceRows rows_;

@@ -58,15 +58,13 @@ inline constexpr DWORD kStripDefaultCapacity = 100000, kStripMaxCapacity = 1u <<
 inline constexpr double kStripMaxTime = 1e15, kStripMaxValue = 1e300;
 inline constexpr DWORD kStripMaxTextRows = 65536;
 
-// Style bits. In modes not listed here, the chart scrolls (kStripPaper).
+// Style bits. In modes not listed here, the chart scrolls (kStripScroll).
 inline constexpr DWORD kStripModeBits = 0x000F;
-inline constexpr DWORD kStripPaper = 0, kStripSweep = 1;
-inline constexpr DWORD kStripOwnAxes = 0x0010;  // each channel has its own value axis
+inline constexpr DWORD kStripScroll = 0, kStripSweep = 1;
+inline constexpr DWORD kStripSeparateAxes = 0x0010;  // each channel has its own value axis
 inline constexpr DWORD kStripNoLegend = 0x0020;
-inline constexpr DWORD kStripDisabled = 0x0040;  // drawn disabled; set and cleared by WM_ENABLE
-inline constexpr DWORD kStripNoGrid = 0x0080;
+inline constexpr DWORD kStripDisabled = 0x0040;      // drawn disabled; set and cleared by WM_ENABLE
 inline constexpr DWORD kStripTimeOfDay = 0x0100;     // the time axis shows hours, minutes and seconds
-inline constexpr DWORD kStripNoAxes = 0x0200;        // the axes have no numbers
 inline constexpr DWORD kStripNoStatistics = 0x0400;  // no tooltip with the statistics of the selection
 
 struct StripSample {
@@ -81,12 +79,12 @@ struct StripSamples {
 
 inline constexpr DWORD kStripVisible = 1;  // state bit of StripChannel
 struct StripChannel {
-  DWORD version;    // kStripVersion
-  DWORD state;      // kStripVisible
-  char szName[48];  // UTF-8
-  char szUnit[12];  // UTF-8
+  DWORD version;  // kStripVersion
+  DWORD state;    // kStripVisible
+  char name[48];  // UTF-8
+  char unit[12];  // UTF-8
   COLORREF color;
-  double minimum, maximum;  // of its axis (kStripOwnAxes); automatic unless finite and minimum < maximum
+  double minimum, maximum;  // of its axis (kStripSeparateAxes); automatic unless finite and minimum < maximum
 };
 static_assert(sizeof(StripChannel) == 88 && offsetof(StripChannel, color) == 68);
 
@@ -94,16 +92,16 @@ static_assert(sizeof(StripChannel) == 88 && offsetof(StripChannel, color) == 68)
 struct StripZone {
   double lower, upper;
   COLORREF color;
-  DWORD channel;  // with kStripOwnAxes: the channel whose axis defines the values
+  DWORD channel;  // with kStripSeparateAxes: the channel whose axis defines the values
 };
 static_assert(sizeof(StripZone) == 24);
 
 // State bits of StripView.
 inline constexpr DWORD kStripFollow = 1;  // the newest sample is at the right edge
-inline constexpr DWORD kStripHold = 2;    // the display is frozen; new samples are stored and shown after its release
+inline constexpr DWORD kStripFrozen = 2;  // the display is frozen; new samples are stored and shown after its release
 struct StripView {
   DWORD version;            // kStripVersion
-  DWORD state;              // kStripFollow, kStripHold
+  DWORD state;              // kStripFollow, kStripFrozen
   double span;              // displayed seconds; 0: all stored samples
   double end;               // the time at the right edge; with kStripFollow, it can only be read
   double minimum, maximum;  // of the common axis; automatic unless finite and minimum < maximum
@@ -119,7 +117,7 @@ struct StripReading {
 static_assert(sizeof(StripReading) == 72);
 
 // A time range, including both ends.
-struct StripStretch {
+struct StripTimeRange {
   double from, to;
 };
 
@@ -143,8 +141,8 @@ inline constexpr WPARAM kStripCapacity = 21;  // a DWORD, 1..kStripMaxCapacity; 
 inline constexpr WPARAM kStripViewItem = 22;  // a StripView
 // The cursor, a StripReading; kCommandRemove removes it. Reading returns 0 if there is none.
 inline constexpr WPARAM kStripCursor = 23;
-// The selection, a StripStretch; kCommandRemove removes it. Reading returns 0 if there is none.
-inline constexpr WPARAM kStripMark = 24;
+// The selection, a StripTimeRange; kCommandRemove removes it. Reading returns 0 if there is none.
+inline constexpr WPARAM kStripSelection = 24;
 // Read only: StripStatistics of a channel over the selection or, without one, the displayed time range.
 inline constexpr WPARAM kStripStatistics = 25;
 inline constexpr WPARAM kStripCount = 26;  // read only: a DWORD, the number of stored samples of a channel
@@ -154,8 +152,8 @@ inline constexpr WPARAM kStripAxisDigits = 27;
 inline constexpr WPARAM kStripZoneEnable = 0x0400;  // kStripZone: shows the zone
 
 // Notification codes.
-inline constexpr WORD kStripNotifyView = 1, kStripNotifyCursor = 2, kStripNotifyMark = 3;
-inline constexpr WORD kStripNotifyPlaced = 4;  // the cursor was placed, by a click without dragging or by keys
+inline constexpr WORD kStripNotifyView = 1, kStripNotifyCursor = 2, kStripNotifySelection = 3;
+inline constexpr WORD kStripNotifyCursorSet = 4;  // the cursor was placed, by a click without dragging or by keys
 
 // Registers (non-zero flag) or unregisters the class "kvLineRecorder". Returns 0 only when registering fails.
 BOOL RegisterLineRecorderClass(HINSTANCE instance, BOOL registerIt);

@@ -28,8 +28,8 @@ void RefreshStrip(StripChart& chart) {
   const RECT changed = chart.renderer.Update(model, ClientSize(chart.window), chart.redrawAll);
   chart.redrawAll = false;
   if (chart.hovering) model.cursor = TimeAtX(chart.renderer.layoutShown(), chart.pointerX);
-  const bool marks = model.cursorShown || model.marked;
-  if (!IsRectEmpty(&changed)) InvalidateRect(chart.window, marks ? nullptr : &changed, FALSE);
+  const bool hasOverlay = model.cursorShown || model.hasSelection;
+  if (!IsRectEmpty(&changed)) InvalidateRect(chart.window, hasOverlay ? nullptr : &changed, FALSE);
 }
 
 namespace {
@@ -104,7 +104,7 @@ LRESULT OnDestroy(HWND window) {
 }
 
 LRESULT ShowOn(HDC dc, StripChart& chart, bool focused) {
-  const Surface& surface = chart.renderer.WithMarks(chart.model, focused);
+  const Surface& surface = chart.renderer.WithOverlay(chart.model, focused);
   if (!surface.bitmap()) return 0;
   const SelectedObject selected(chart.renderer.memoryDc(), surface.bitmap());
   BitBlt(dc, 0, 0, surface.size().cx, surface.size().cy, chart.renderer.memoryDc(), 0, 0, SRCCOPY);
@@ -140,9 +140,9 @@ LRESULT OnEnable(StripChart& chart, bool enabled) {
 
 // ---- Mouse ----------------------------------------------------------------------------------------------------------
 
-void SetMark(StripModel& model, double one, double other) {
-  model.mark = {std::min(one, other), std::max(one, other)};
-  model.marked = true;
+void SelectTimes(StripModel& model, double one, double other) {
+  model.selection = {std::min(one, other), std::max(one, other)};
+  model.hasSelection = true;
 }
 
 LRESULT OnMouseMove(StripChart& chart, LONG x) {
@@ -155,10 +155,10 @@ LRESULT OnMouseMove(StripChart& chart, LONG x) {
     chart.dragX = x;
     return Changed(chart, kStripNotifyView);
   }
-  if (chart.drag == StripChart::Drag::kMark) {
+  if (chart.drag == StripChart::Drag::kSelect) {
     const LONG within = std::clamp(x, layout.plot.left, std::max(layout.plot.right - 1, layout.plot.left));
-    SetMark(chart.model, TimeAtX(layout, chart.dragX), TimeAtX(layout, within));
-    return Changed(chart, kStripNotifyMark);
+    SelectTimes(chart.model, TimeAtX(layout, chart.dragX), TimeAtX(layout, within));
+    return Changed(chart, kStripNotifySelection);
   }
   // Windows also sends this message when something changes under a pointer that rests: the cursor may have moved since.
   if (x == chart.pointerX) return 0;
@@ -187,18 +187,18 @@ LRESULT OnButtonDown(HWND window, LONG x, bool shift) {
   StripChart* const found = ChartOf(window);  // the window that lost the focus may have destroyed the control
   if (!found) return kNoState;
   StripChart& chart = *found;
-  chart.drag = shift ? StripChart::Drag::kMark : StripChart::Drag::kPan;
+  chart.drag = shift ? StripChart::Drag::kSelect : StripChart::Drag::kPan;
   chart.dragX = x;
   chart.dragged = false;
-  if (!shift && chart.model.marked) {
-    chart.model.marked = false;
-    return Changed(chart, kStripNotifyMark);
+  if (!shift && chart.model.hasSelection) {
+    chart.model.hasSelection = false;
+    return Changed(chart, kStripNotifySelection);
   }
   return 0;
 }
 
 LRESULT OnButtonUp(StripChart& chart) {
-  if (chart.drag == StripChart::Drag::kPan && !chart.dragged) PostNotification(chart.window, kStripNotifyPlaced);
+  if (chart.drag == StripChart::Drag::kPan && !chart.dragged) PostNotification(chart.window, kStripNotifyCursorSet);
   chart.drag = StripChart::Drag::kNone;
   if (GetCapture() == chart.window) ReleaseCapture();
   return 0;
@@ -232,24 +232,26 @@ LRESULT OnWheel(StripChart& chart, WPARAM wParam, LPARAM lParam) {
 // ---- Keyboard -------------------------------------------------------------------------------------------------------
 
 // Moves the cursor by a column, or selects from its previous position.
-LRESULT MoveCursor(StripChart& chart, int columns, bool mark) {
+LRESULT MoveCursor(StripChart& chart, int columns, bool select) {
   StripModel& model = chart.model;
   const StripLayout& layout = chart.renderer.layoutShown();
-  const StripStretch shown = ShownTimes(model);
+  const StripTimeRange shown = ShownTimes(model);
   if (!model.cursorShown) model.cursor = (shown.from + shown.to) / 2;
   const double before = model.cursor, step = layout.secondsPerColumn * columns;
   model.cursor = std::clamp(before + step, shown.from, shown.to);
   model.cursorShown = true;
   chart.hovering = false;
-  if (!mark) {
+  if (!select) {
     Changed(chart, kStripNotifyCursor);
-    PostNotification(chart.window, kStripNotifyPlaced);
+    PostNotification(chart.window, kStripNotifyCursorSet);
     return 0;
   }
   // Moves the end of the selection at which the cursor was.
-  const double anchor = !model.marked ? before : before == model.mark.from ? model.mark.to : model.mark.from;
-  SetMark(model, anchor, model.cursor);
-  return Changed(chart, kStripNotifyMark);
+  const double anchor = !model.hasSelection              ? before
+                        : before == model.selection.from ? model.selection.to
+                                                         : model.selection.from;
+  SelectTimes(model, anchor, model.cursor);
+  return Changed(chart, kStripNotifySelection);
 }
 
 LRESULT OnArrow(StripChart& chart, int direction, bool control, bool shift) {
@@ -285,7 +287,7 @@ LRESULT OnKey(StripChart& chart, WPARAM key, bool control, bool shift) {
     case VK_OEM_MINUS: return OnZoomKey(chart, 1 / kKeyZoom, control);
     case VK_HOME: return Take(chart, ShowOldest);
     case VK_END: return Take(chart, ShowNewest);
-    case VK_SPACE: return Take(chart, [](StripModel& model) { SetHold(model, !IsHeld(model)); });
+    case VK_SPACE: return Take(chart, [](StripModel& model) { SetFrozen(model, !IsFrozen(model)); });
     case VK_ESCAPE: return OnHome(chart);
     case 'C': return control ? CopyStrip(chart, 0) : 0;
     default: return 0;
@@ -294,7 +296,7 @@ LRESULT OnKey(StripChart& chart, WPARAM key, bool control, bool shift) {
 
 // The dialog gets Escape, unless there is something to remove.
 LRESULT DialogKeys(const StripChart* chart, WPARAM key) {
-  const bool takesEscape = chart && key == VK_ESCAPE && (chart->model.marked || chart->model.cursorShown);
+  const bool takesEscape = chart && key == VK_ESCAPE && (chart->model.hasSelection || chart->model.cursorShown);
   return DLGC_WANTARROWS | DLGC_WANTCHARS | (takesEscape ? DLGC_WANTMESSAGE : 0);
 }
 

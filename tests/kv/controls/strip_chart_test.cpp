@@ -128,7 +128,8 @@ int Differences(const Surface& one, const Surface& other) {
 TEST(StripRendering, PartialRedrawEqualsFullRedraw) {
   std::mt19937 random(11);
   const auto below = [&](unsigned limit) { return static_cast<unsigned>(random() % limit); };
-  for (const DWORD style : {kStripPaper, kStripSweep, kStripPaper | kStripOwnAxes, kStripSweep | kStripTimeOfDay}) {
+  for (const DWORD style :
+       {kStripScroll, kStripSweep, kStripScroll | kStripSeparateAxes, kStripSweep | kStripTimeOfDay}) {
     StripModel model;
     StripRenderer partial, whole;
     model.style = style;
@@ -151,13 +152,13 @@ TEST(StripRendering, PartialRedrawEqualsFullRedraw) {
       switch (below(60)) {
         case 0: ZoomTime(model, 0.5 + below(3), 0.5); break;
         case 1: PanTime(model, below(3) - 1.5); break;
-        case 2: SetHold(model, !IsHeld(model)); break;
+        case 2: SetFrozen(model, !IsFrozen(model)); break;
         case 3: ReturnHome(model); break;
         default: break;
       }
       const RECT changed = partial.Update(model, {311, 190}, false);
       whollyDrawn += changed.right == 311;
-      if (IsHeld(model) && IsRectEmpty(&changed)) continue;  // frozen, even if samples have left the ring
+      if (IsFrozen(model) && IsRectEmpty(&changed)) continue;  // frozen, even if samples have left the ring
       whole.Update(model, {311, 190}, true);
       ASSERT_EQ(0, Differences(partial.surface(), whole.surface())) << style << ", step " << step;
       const StripLayout& layout = whole.layoutShown();
@@ -167,7 +168,7 @@ TEST(StripRendering, PartialRedrawEqualsFullRedraw) {
         ASSERT_EQ(row[310], row[layout.plot.right - 1]) << "a time is cut, step " << step;
       }
     }
-    EXPECT_LT(whollyDrawn, style & kStripOwnAxes ? 300 : 100);
+    EXPECT_LT(whollyDrawn, style & kStripSeparateAxes ? 300 : 100);
   }
 }
 
@@ -224,9 +225,9 @@ TEST_F(StripCharts, RejectsInvalidInputAndLosesNothing) {
   EXPECT_EQ(2u, Read<DWORD>(chart, kStripCount));
   EXPECT_EQ(7, Read<StripStatistics>(chart, kStripStatistics).maximum);
 
-  const std::pair<WPARAM, size_t> items[] = {{kStripStyle, 4},    {kStripChannel, 88},  {kStripZone, 24},
-                                             {kStripCapacity, 4}, {kStripViewItem, 56}, {kStripCursor, 8},
-                                             {kStripMark, 16},    {kStripAppend, 8}};
+  const std::pair<WPARAM, size_t> items[] = {{kStripStyle, 4},      {kStripChannel, 88},  {kStripZone, 24},
+                                             {kStripCapacity, 4},   {kStripViewItem, 56}, {kStripCursor, 8},
+                                             {kStripSelection, 16}, {kStripAppend, 8}};
   for (const auto& [code, size] : items) {
     kvtest::GuardedBytes shortOne(size - 1);
     memset(shortOne.data(), 0xEE, size - 1);
@@ -245,8 +246,8 @@ TEST_F(StripCharts, RejectsInvalidInputAndLosesNothing) {
     view.zoom = zoom, view.span = span;
     EXPECT_EQ(0, Send(chart, kStripViewItem, &view));
   }
-  const StripStretch backwards{3, 2};
-  EXPECT_EQ(0, Send(chart, kStripMark, &backwards));
+  const StripTimeRange backwards{3, 2};
+  EXPECT_EQ(0, Send(chart, kStripSelection, &backwards));
 }
 
 TEST_F(StripCharts, FreezesWhileRecordingAndReadsCursorAndSelection) {
@@ -255,7 +256,7 @@ TEST_F(StripCharts, FreezesWhileRecordingAndReadsCursorAndSelection) {
   for (int i = 0; i <= 100; ++i) samples.push_back({i * 1.0, i * 2.0});
   Append(chart, samples);
   SendMessageA(chart, WM_KEYDOWN, VK_SPACE, 0);
-  EXPECT_EQ(kStripFollow | kStripHold, Read<StripView>(chart, kStripViewItem).state);
+  EXPECT_EQ(kStripFollow | kStripFrozen, Read<StripView>(chart, kStripViewItem).state);
   EXPECT_EQ(1, Append(chart, {{150, 999}}));
   EXPECT_EQ(100, Read<StripView>(chart, kStripViewItem).end);
   EXPECT_EQ(200, Read<StripStatistics>(chart, kStripStatistics).maximum);
@@ -269,8 +270,8 @@ TEST_F(StripCharts, FreezesWhileRecordingAndReadsCursorAndSelection) {
   EXPECT_TRUE(GetUpdateRect(chart, nullptr, FALSE));
   EXPECT_EQ(80, Read<StripReading>(chart, kStripCursor).values[0]);
   EXPECT_EQ(L"1 80", kvtest::ReadAccessible(chart).value);
-  const StripStretch mark{10, 14};
-  EXPECT_EQ(1, Send(chart, kStripMark | kCommandRedraw, &mark));
+  const StripTimeRange selection{10, 14};
+  EXPECT_EQ(1, Send(chart, kStripSelection | kCommandRedraw, &selection));
   const StripStatistics statistics = Read<StripStatistics>(chart, kStripStatistics);
   EXPECT_EQ(std::tuple(5, 20, 28, 24),
             std::tuple(statistics.count, statistics.minimum, statistics.maximum, statistics.mean));
@@ -291,8 +292,8 @@ TEST_F(StripCharts, FreezesWhileRecordingAndReadsCursorAndSelection) {
   SendMessageA(chart, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(silent.dc()), 0);
   EXPECT_EQ(0, silent.CountOf(0xCCCCCC));
   EXPECT_LT(100, differentPixels(told, silent));
-  EXPECT_EQ(1, Send(chart, kStripMark | kCommandRemove, nullptr));
-  EXPECT_EQ(0, Send(chart, kStripMark | kCommandRead, &samples[0]));
+  EXPECT_EQ(1, Send(chart, kStripSelection | kCommandRemove, nullptr));
+  EXPECT_EQ(0, Send(chart, kStripSelection | kCommandRead, &samples[0]));
 }
 
 TEST_F(StripCharts, KeysAndMouseZoomPanSelectAndNotifyTheOwner) {
@@ -332,10 +333,10 @@ TEST_F(StripCharts, KeysAndMouseZoomPanSelectAndNotifyTheOwner) {
   SendMessageA(chart, WM_LBUTTONDOWN, MK_LBUTTON | MK_SHIFT, MAKELPARAM(left + 100, 50));
   SendMessageA(chart, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(left + 50, 50));
   SendMessageA(chart, WM_LBUTTONUP, 0, MAKELPARAM(left + 50, 50));
-  const StripStretch mark = Read<StripStretch>(chart, kStripMark);
-  EXPECT_NEAR(50 * WindowState<StripState>(chart)->chart->renderer.layoutShown().secondsPerColumn, mark.to - mark.from,
-              1e-9);
-  EXPECT_EQ(1, Notified(kStripNotifyMark));
+  const StripTimeRange selection = Read<StripTimeRange>(chart, kStripSelection);
+  EXPECT_NEAR(50 * WindowState<StripState>(chart)->chart->renderer.layoutShown().secondsPerColumn,
+              selection.to - selection.from, 1e-9);
+  EXPECT_EQ(1, Notified(kStripNotifySelection));
   const DWORD digits = 9, tooMany = 17;
   EXPECT_EQ(0, Send(chart, kStripAxisDigits, &tooMany));
   EXPECT_EQ(1, Send(chart, kStripAxisDigits | kCommandRedraw, &digits));
@@ -343,25 +344,25 @@ TEST_F(StripCharts, KeysAndMouseZoomPanSelectAndNotifyTheOwner) {
   EXPECT_EQ(10 * aligned.digitPx, aligned.axis[0].area.right - aligned.axis[0].area.left);
   SendMessageA(chart, WM_MOUSEMOVE, 0, MAKELPARAM(left + 60, 50));
   EXPECT_EQ(1, Notified(kStripNotifyCursor));
-  EXPECT_EQ(0, Notified(kStripNotifyPlaced));  // both were drags
+  EXPECT_EQ(0, Notified(kStripNotifyCursorSet));  // both were drags
   const double elsewhere = 990;
   EXPECT_EQ(1, Send(chart, kStripCursor | kCommandRedraw, &elsewhere));
   SendMessageA(chart, WM_MOUSEMOVE, 0, MAKELPARAM(left + 60, 50));  // the pointer rests
   EXPECT_EQ(elsewhere, Read<StripReading>(chart, kStripCursor).time);
   SendMessageA(chart, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(left + 60, 50));
   SendMessageA(chart, WM_LBUTTONUP, 0, MAKELPARAM(left + 60, 50));
-  EXPECT_EQ(1, Notified(kStripNotifyPlaced));
+  EXPECT_EQ(1, Notified(kStripNotifyCursorSet));
   BYTE keys[256] = {};
   keys[VK_CONTROL] = 0x80;
   SetKeyboardState(keys);
   key(VK_LEFT);
   keys[VK_CONTROL] = 0;
   SetKeyboardState(keys);
-  EXPECT_EQ(2, Notified(kStripNotifyPlaced));
+  EXPECT_EQ(2, Notified(kStripNotifyCursorSet));
   EXPECT_EQ(DLGC_WANTMESSAGE, SendMessageA(chart, WM_GETDLGCODE, VK_ESCAPE, 0) & DLGC_WANTMESSAGE);
   key(VK_ESCAPE);
   EXPECT_EQ(std::tuple(kStripFollow, 0, 0), std::tuple(view().state, view().span, view().shift));
-  EXPECT_FALSE(Model(chart).marked || Model(chart).cursorShown);
+  EXPECT_FALSE(Model(chart).hasSelection || Model(chart).cursorShown);
 }
 
 // The text on the clipboard.
@@ -402,10 +403,10 @@ TEST_F(StripCharts, CopiesItsImageAndAnEqualTable) {
 TEST_F(StripCharts, SurvivesUnusualSizesAndDestructionUnderTheMouse) {
   for (const int size : {0, 1, 2, 6, 13, 40}) {
     for (const auto& [width, height] : {std::pair{size, size}, {size, 200}, {300, size}}) {
-      HWND chart = Create(kStripOwnAxes, width, height);
+      HWND chart = Create(kStripSeparateAxes, width, height);
       for (int i = 0; i < 4; ++i) Append(chart, {{i * 1.0, 1e300}, {i + 0.5, -1e300}, {i + 1.0, 5}}, i);
-      const StripStretch mark{0, 2};
-      Send(chart, kStripMark | kCommandRedraw, &mark);
+      const StripTimeRange selection{0, 2};
+      Send(chart, kStripSelection | kCommandRedraw, &selection);
       Append(chart, {{500, 5}});
       EXPECT_EQ(1, Send(chart, kStripRender, nullptr));
       DestroyWindow(chart);

@@ -26,7 +26,7 @@ TEST_F(TypedCharts, DescribeAppendFreezeAndRead) {
   EXPECT_TRUE(SetStripChartChannel(parent_, kId, 2, {.name = std::wstring(30, L'ä').c_str(), .unit = L"°C"}));
   StripChannel info{};
   SendMessageA(chart, kControlCommand, MAKEWPARAM(kStripChannel | kCommandRead, 2), reinterpret_cast<LPARAM>(&info));
-  EXPECT_EQ(46u, std::string(info.szName).size());  // whole two-byte characters in 47 bytes
+  EXPECT_EQ(46u, std::string(info.name).size());  // whole two-byte characters in 47 bytes
   const COLORREF color = info.color;
   EXPECT_TRUE(SetStripChartChannel(parent_, kId, 2, {.name = L"Heat", .unit = L"°C"}));
   EXPECT_TRUE(ShowStripChartChannel(parent_, kId, 2, FALSE));
@@ -37,15 +37,15 @@ TEST_F(TypedCharts, DescribeAppendFreezeAndRead) {
   EXPECT_TRUE(SetStripChartView(parent_, kId, 100, 0, 0));
   for (const double time : {1.0, 2.0, 3.0, 4.0}) EXPECT_TRUE(AppendStripChartValue(parent_, kId, 2, time, time * 2));
   EXPECT_FALSE(AppendStripChartValue(parent_, kId, 2, 3.5, 1));
-  EXPECT_TRUE(HoldStripChart(parent_, kId, TRUE));
+  EXPECT_TRUE(FreezeStripChart(parent_, kId, TRUE));
   EXPECT_TRUE(AppendStripChartValue(parent_, kId, 2, 5, 100));
   StripStatistics statistics{};
-  EXPECT_TRUE(ReadStripChartStatistics(parent_, kId, 2, &statistics));
+  EXPECT_TRUE(GetStripChartStatistics(parent_, kId, 2, &statistics));
   EXPECT_EQ(std::tuple(2, 7), std::tuple(statistics.count, statistics.mean));  // the first two were discarded
-  EXPECT_TRUE(HoldStripChart(parent_, kId, FALSE));
-  EXPECT_TRUE(ReadStripChartStatistics(parent_, kId, 2, &statistics));
+  EXPECT_TRUE(FreezeStripChart(parent_, kId, FALSE));
+  EXPECT_TRUE(GetStripChartStatistics(parent_, kId, 2, &statistics));
   EXPECT_EQ(100, statistics.maximum);
-  StripStretch times{}, mark{1, 2};
+  StripTimeRange times{}, selection{1, 2};
   EXPECT_TRUE(ShowStripChartTimes(parent_, kId, {2.5, 4.5}));
   EXPECT_TRUE(GetStripChartTimes(parent_, kId, &times));
   EXPECT_EQ(std::tuple(2.5, 4.5), std::tuple(times.from, times.to));
@@ -54,13 +54,13 @@ TEST_F(TypedCharts, DescribeAppendFreezeAndRead) {
   EXPECT_TRUE(SetStripChartAxisDigits(parent_, kId, 16));
   EXPECT_FALSE(SetStripChartAxisDigits(parent_, kId, 17));
   double cursor = 4;
-  EXPECT_FALSE(GetStripChartCursor(parent_, kId, &cursor) || GetStripChartMark(parent_, kId, &times));
-  EXPECT_TRUE(SetStripChartCursor(parent_, kId, &cursor) && SetStripChartMark(parent_, kId, &mark));
+  EXPECT_FALSE(GetStripChartCursor(parent_, kId, &cursor) || GetStripChartSelection(parent_, kId, &times));
+  EXPECT_TRUE(SetStripChartCursor(parent_, kId, &cursor) && SetStripChartSelection(parent_, kId, &selection));
   cursor = 0;
-  EXPECT_TRUE(GetStripChartCursor(parent_, kId, &cursor) && GetStripChartMark(parent_, kId, &times));
+  EXPECT_TRUE(GetStripChartCursor(parent_, kId, &cursor) && GetStripChartSelection(parent_, kId, &times));
   EXPECT_EQ(std::tuple(4, 1, 2), std::tuple(cursor, times.from, times.to));
-  EXPECT_TRUE(SetStripChartMark(parent_, kId, nullptr) && SetStripChartCursor(parent_, kId, nullptr));
-  EXPECT_FALSE(GetStripChartCursor(parent_, kId, &cursor) || GetStripChartMark(parent_, kId, &times));
+  EXPECT_TRUE(SetStripChartSelection(parent_, kId, nullptr) && SetStripChartCursor(parent_, kId, nullptr));
+  EXPECT_FALSE(GetStripChartCursor(parent_, kId, &cursor) || GetStripChartSelection(parent_, kId, &times));
   EXPECT_TRUE(ClearStripChart(parent_, kId));
   EXPECT_TRUE(AppendStripChartValue(parent_, kId, 2, 0, 1));  // a time before those that are gone
   const double before = StripChartNow();
