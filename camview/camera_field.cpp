@@ -13,7 +13,6 @@
 
 #include "camera/camera_record.h"
 #include "camera/record_stream.h"
-#include "camview/control_object.h"
 #include "camview/record_store.h"
 #include "kv/framework/accessible.h"
 #include "kv/framework/bitmaps.h"
@@ -22,6 +21,7 @@
 #include "kv/framework/coverage.h"
 #include "kv/framework/guards.h"
 #include "kv/framework/numbers.h"
+#include "kv/framework/object_control.h"
 #include "kv/framework/painting.h"
 #include "kv/framework/window_state.h"
 #include "kv/toolkit/appearance.h"
@@ -36,7 +36,7 @@ constexpr COLORREF kPointColors[kv::kPointCount] = {RGB(255, 60, 40), RGB(50, 13
                                                     RGB(116, 255, 198)};
 
 struct Field {
-  HWND window = nullptr;
+  HWND window;
   std::vector<StoredRecord> records;
   double now = 0, trailSeconds = 0;
   bool isDirty = true;
@@ -218,11 +218,7 @@ void Render(const Field& field, kv::Canvas& canvas) {
 
 // Updates the back buffer. Returns false without one.
 bool Update(Field& field) {
-  const SIZE size = kv::ClientSize(field.window);
-  if (field.surface.size().cx != size.cx || field.surface.size().cy != size.cy) {
-    field.surface.Create(size);
-    field.isDirty = true;
-  }
+  if (field.surface.Resize(kv::ClientSize(field.window))) field.isDirty = true;
   if (!field.surface.bitmap()) return false;
   if (field.isDirty) {
     kv::Canvas canvas(field.dc, field.surface, field.shape);
@@ -233,23 +229,19 @@ bool Update(Field& field) {
 }
 
 void ShowOn(Field& field, HDC dc) {
-  if (!Update(field)) return;
-  const kv::SelectedObject selected(field.dc, field.surface.bitmap());
-  BitBlt(dc, 0, 0, field.surface.size().cx, field.surface.size().cy, field.dc, 0, 0, SRCCOPY);
+  if (Update(field)) field.surface.Show(dc, field.dc);
 }
 
 // ---- Message handlers -----------------------------------------------------------------------------------------------
 
-LRESULT OnPaint(HWND window, Field* field) {
+LRESULT OnPaint(HWND window) {
   const kv::PaintScope paint(window);
+  auto* field = kv::ObjectOf<Field>(window);  // erasing may have destroyed the control
   if (!field) return 0;
   ShowOn(*field, paint.dc());
   if (GetFocus() != window) return 0;
   const RECT frame = LayoutField(kv::ClientSize(window)).frame;
-  const RECT mark{frame.left + 2, frame.top + 2, frame.right - 2, frame.bottom - 2};
-  SetTextColor(paint.dc(), RGB(0, 0, 0));
-  SetBkColor(paint.dc(), RGB(255, 255, 255));
-  DrawFocusRect(paint.dc(), &mark);
+  kv::DrawFocusFrame(paint.dc(), {frame.left + 2, frame.top + 2, frame.right - 2, frame.bottom - 2});
   return 0;
 }
 
@@ -277,8 +269,9 @@ LRESULT OnCommand(Field& field, WPARAM wParam, LPARAM lParam) {
   field.now = content.now;
   field.trailSeconds = content.trailSeconds;
   Repaint(field);
-  kv::NotifyValueChanged(field.window);
-  if (wParam & kv::kCommandRedraw) UpdateWindow(field.window);
+  const HWND window = field.window;
+  kv::NotifyValueChanged(window);  // a hook may destroy the control
+  if (wParam & kv::kCommandRedraw) UpdateWindow(window);
   return TRUE;
 }
 
@@ -295,12 +288,11 @@ LRESULT OnCopy(const Field& field, LPARAM requested) {
   return 0;
 }
 
-kv::AccessibleText Describe(HWND window) {
-  const Field* field = ObjectOf<Field>(window);
-  kv::AccessibleText text{kv::WindowText(window), {}};
-  if (!field || field->records.empty()) return text;
+kv::AccessibleText Describe(const Field& field) {
+  kv::AccessibleText text{kv::WindowText(field.window), {}};
+  if (field.records.empty()) return text;
   for (int i = 0; i < kv::kPointCount; ++i) {
-    const kv::CameraPoint& point = field->records.back().points[i];
+    const kv::CameraPoint& point = field.records.back().points[i];
     if (!camera::IsSeen(point)) continue;
     if (!text.value.empty()) text.value += L"; ";
     text.value += std::to_wstring(i + 1) + L": " + std::to_wstring(point.x) + L", " + std::to_wstring(point.y);
@@ -314,6 +306,8 @@ LRESULT HandleMessage(Field& field, UINT message, WPARAM wParam, LPARAM lParam) 
     case WM_SETFOCUS:
     case WM_KILLFOCUS:
     case WM_SYSCOLORCHANGE: return Repaint(field);
+    case WM_PAINT: return OnPaint(field.window);
+    case WM_GETDLGCODE: return DLGC_WANTCHARS;
     case WM_LBUTTONDOWN: SetFocus(field.window); return 0;
     case WM_KEYDOWN: return wParam == 'C' && GetKeyState(VK_CONTROL) < 0 ? OnCopy(field, 0) : 0;
     case WM_COPY: return OnCopy(field, lParam);
@@ -323,21 +317,6 @@ LRESULT HandleMessage(Field& field, UINT message, WPARAM wParam, LPARAM lParam) 
   }
 }
 
-LRESULT CALLBACK FieldProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  Field* field = ObjectOf<Field>(window);
-  switch (message) {
-    case WM_CREATE: return field ? 0 : CreateObject<Field>(window);
-    case WM_DESTROY: return DestroyObject<Field>(window);
-    case WM_PAINT: return OnPaint(window, field);
-    case WM_GETDLGCODE: return DLGC_WANTCHARS;
-    case WM_DROPFILES: return SendMessageA(GetParent(window), message, wParam, lParam);
-    case WM_GETOBJECT: return kv::HandleGetObject(window, wParam, lParam, ROLE_SYSTEM_CHART, Describe);
-    default: break;
-  }
-  if (field) return HandleMessage(*field, message, wParam, lParam);
-  return message == kv::kControlCommand ? FALSE : DefWindowProcA(window, message, wParam, lParam);
-}
-
 }  // namespace
 
 COLORREF PointColor(int point) {
@@ -345,7 +324,8 @@ COLORREF PointColor(int point) {
 }
 
 BOOL RegisterCameraFieldClass(HINSTANCE instance, BOOL registerIt) {
-  return kv::RegisterControlClass(instance, kCameraFieldClass, FieldProcedure, registerIt);
+  return kv::RegisterControlClass(instance, kCameraFieldClass,
+                                  kv::ObjectProcedure<Field, ROLE_SYSTEM_CHART, Describe, HandleMessage>, registerIt);
 }
 
 }  // namespace camview

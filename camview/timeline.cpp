@@ -12,7 +12,6 @@
 #include <vector>
 
 #include "camera/text.h"
-#include "camview/control_object.h"
 #include "camview/playback.h"
 #include "camview/record_store.h"
 #include "kv/framework/accessible.h"
@@ -21,6 +20,8 @@
 #include "kv/framework/control_class.h"
 #include "kv/framework/coverage.h"
 #include "kv/framework/guards.h"
+#include "kv/framework/object_control.h"
+#include "kv/framework/painting.h"
 #include "kv/framework/window_state.h"
 #include "kv/toolkit/appearance.h"
 
@@ -32,7 +33,7 @@ constexpr double kPage = 1 / 20.0;
 constexpr LONG kShortestPx = 2;
 
 struct Timeline {
-  HWND window = nullptr;
+  HWND window;
   TimelineSpan range{0, 0};
   double position = 0;
   bool isSelected = false;
@@ -159,9 +160,7 @@ void Blend(const kv::Surface& surface, const RECT& area, COLORREF color, DWORD c
 
 bool Render(Timeline& timeline, bool isFocused) {
   const SIZE size = kv::ClientSize(timeline.window);
-  if (timeline.surface.size().cx != size.cx || timeline.surface.size().cy != size.cy) {
-    timeline.isDirty = timeline.surface.Create(size) && timeline.background.Create(size);
-  }
+  if (timeline.surface.Resize(size)) timeline.isDirty = timeline.background.Create(size);
   if (!timeline.surface.bitmap() || !timeline.background.bitmap()) return false;
   const TimelineLayout layout = LayoutTimeline(size);
   const TimelineColors colors = ColorsOfTimeline();
@@ -180,19 +179,12 @@ bool Render(Timeline& timeline, bool isFocused) {
   if (timeline.range.to > timeline.range.from) {
     DrawThumb(canvas, layout, colors, XOfTime(layout, timeline.range, timeline.position));
   }
-  if (isFocused) {
-    const RECT frame{0, 0, size.cx, size.cy};
-    SetTextColor(canvas.dc(), RGB(0, 0, 0));
-    SetBkColor(canvas.dc(), RGB(255, 255, 255));
-    DrawFocusRect(canvas.dc(), &frame);
-  }
+  if (isFocused) kv::DrawFocusFrame(canvas.dc(), {0, 0, size.cx, size.cy});
   return true;
 }
 
 void ShowOn(Timeline& timeline, HDC dc, bool isFocused) {
-  if (!Render(timeline, isFocused)) return;
-  const kv::SelectedObject selected(timeline.dc, timeline.surface.bitmap());
-  BitBlt(dc, 0, 0, timeline.surface.size().cx, timeline.surface.size().cy, timeline.dc, 0, 0, SRCCOPY);
+  if (Render(timeline, isFocused)) timeline.surface.Show(dc, timeline.dc);
 }
 
 // ---- Changes --------------------------------------------------------------------------------------------------------
@@ -213,8 +205,8 @@ double Within(const TimelineSpan& range, double time) {
 
 LRESULT Tell(Timeline& timeline, WORD code) {
   Repaint(timeline);
-  kv::NotifyValueChanged(timeline.window);
   kv::PostNotification(timeline.window, code);
+  kv::NotifyValueChanged(timeline.window);  // last: a hook may destroy the control
   return 0;
 }
 
@@ -313,15 +305,17 @@ LRESULT OnCommand(Timeline& timeline, WPARAM wParam, LPARAM lParam) {
   if (!DoCommand(timeline, wParam, lParam)) return FALSE;
   if (wParam & kv::kCommandRead) return TRUE;
   Repaint(timeline);
-  kv::NotifyValueChanged(timeline.window);
-  if (wParam & kv::kCommandRedraw) UpdateWindow(timeline.window);
+  const HWND window = timeline.window;
+  kv::NotifyValueChanged(window);  // a hook may destroy the control
+  if (wParam & kv::kCommandRedraw) UpdateWindow(window);
   return TRUE;
 }
 
 // ---- Message handlers -----------------------------------------------------------------------------------------------
 
-LRESULT OnPaint(HWND window, Timeline* timeline) {
+LRESULT OnPaint(HWND window) {
   const kv::PaintScope paint(window);
+  auto* timeline = kv::ObjectOf<Timeline>(window);  // erasing may have destroyed the control
   if (timeline) ShowOn(*timeline, paint.dc(), GetFocus() == window);
   return 0;
 }
@@ -329,8 +323,7 @@ LRESULT OnPaint(HWND window, Timeline* timeline) {
 LRESULT OnButtonDown(HWND window, LONG x, bool shift) {
   SetFocus(window);
   SetCapture(window);
-  Timeline* const timeline =
-      ObjectOf<Timeline>(window);  // the window that lost the focus may have destroyed the control
+  auto* timeline = kv::ObjectOf<Timeline>(window);  // the window that lost the focus may have destroyed the control
   if (!timeline) return 0;
   const double time = TimeAtX(LayoutTimeline(kv::ClientSize(window)), timeline->range, x);
   timeline->isDragging = true;
@@ -385,13 +378,12 @@ LRESULT OnKey(Timeline& timeline, WPARAM key, bool shift) {
 }
 
 // The dialog gets Escape unless there is a selection to remove.
-LRESULT DialogKeys(const Timeline* timeline, WPARAM key) {
-  return DLGC_WANTARROWS | (timeline && timeline->isSelected && key == VK_ESCAPE ? DLGC_WANTMESSAGE : 0);
+LRESULT DialogKeys(const Timeline& timeline, WPARAM key) {
+  return DLGC_WANTARROWS | (timeline.isSelected && key == VK_ESCAPE ? DLGC_WANTMESSAGE : 0);
 }
 
-kv::AccessibleText Describe(HWND window) {
-  const Timeline* timeline = ObjectOf<Timeline>(window);
-  return {kv::WindowText(window), timeline ? camera::Wide(FormatTime(timeline->position, 3)) : std::wstring()};
+kv::AccessibleText Describe(const Timeline& timeline) {
+  return {kv::WindowText(timeline.window), camera::Wide(FormatTime(timeline.position, 3))};
 }
 
 LRESULT HandleMessage(Timeline& timeline, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -400,6 +392,8 @@ LRESULT HandleMessage(Timeline& timeline, UINT message, WPARAM wParam, LPARAM lP
     case WM_SYSCOLORCHANGE: return RepaintAll(timeline);
     case WM_SETFOCUS:
     case WM_KILLFOCUS: return Repaint(timeline);
+    case WM_PAINT: return OnPaint(timeline.window);
+    case WM_GETDLGCODE: return DialogKeys(timeline, wParam);
     case WM_LBUTTONDOWN: return OnButtonDown(timeline.window, GET_X_LPARAM(lParam), (wParam & MK_SHIFT) != 0);
     case WM_MOUSEMOVE: return OnMouseMove(timeline, GET_X_LPARAM(lParam));
     case WM_LBUTTONUP: return OnButtonUp(timeline);
@@ -412,25 +406,11 @@ LRESULT HandleMessage(Timeline& timeline, UINT message, WPARAM wParam, LPARAM lP
   }
 }
 
-LRESULT CALLBACK TimelineProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  Timeline* timeline = ObjectOf<Timeline>(window);
-  switch (message) {
-    case WM_CREATE: return timeline ? 0 : CreateObject<Timeline>(window);
-    case WM_DESTROY: return DestroyObject<Timeline>(window);
-    case WM_PAINT: return OnPaint(window, timeline);
-    case WM_GETDLGCODE: return DialogKeys(timeline, wParam);
-    case WM_DROPFILES: return SendMessageA(GetParent(window), message, wParam, lParam);
-    case WM_GETOBJECT: return kv::HandleGetObject(window, wParam, lParam, ROLE_SYSTEM_SLIDER, Describe);
-    default: break;
-  }
-  if (timeline) return HandleMessage(*timeline, message, wParam, lParam);
-  return message == kv::kControlCommand ? FALSE : DefWindowProcA(window, message, wParam, lParam);
-}
-
 }  // namespace
 
 BOOL RegisterTimelineClass(HINSTANCE instance, BOOL registerIt) {
-  return kv::RegisterControlClass(instance, kTimelineClass, TimelineProcedure, registerIt);
+  return kv::RegisterControlClass(
+      instance, kTimelineClass, kv::ObjectProcedure<Timeline, ROLE_SYSTEM_SLIDER, Describe, HandleMessage>, registerIt);
 }
 
 }  // namespace camview

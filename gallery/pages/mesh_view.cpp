@@ -1,5 +1,6 @@
 #include "gallery/pages/mesh_view.h"
 
+#include <oleacc.h>
 #include <windowsx.h>
 
 #include <algorithm>
@@ -10,14 +11,15 @@
 #include "gallery/pages/multirotor.h"
 #include "gallery/pages/simulated_flight.h"
 #include "gallery/pages/triangle_raster.h"
+#include "kv/framework/accessible.h"
 #include "kv/framework/bitmaps.h"
 #include "kv/framework/canvas.h"
 #include "kv/framework/control_class.h"
 #include "kv/framework/coverage.h"
 #include "kv/framework/guards.h"
 #include "kv/framework/numbers.h"
+#include "kv/framework/object_control.h"
 #include "kv/framework/painting.h"
-#include "kv/framework/window_state.h"
 #include "kv/views3d/mesh_model.h"
 
 namespace gallery {
@@ -35,12 +37,21 @@ constexpr double kFittingWidth = 530, kFittingHeight = 260, kFittingHeightFromAb
 constexpr DWORD kSkyTop = 0x0C1018, kSkyBottom = 0x26344A, kGlassTint = 0xB8D4FF;
 
 struct MeshView {
+  HWND window;
   Multirotor craft = CreateMultirotor();
   HGLOBAL ground = CreateGround();
-  BOOL dragging = FALSE;
+  bool dragging = false;
   POINT dragPoint{};
   kv::Surface shown, samples;  // `samples` is twice as wide and high
   MeshViewStatistics statistics{0, 0, 0, kFirstTurn, kFirstTilt, 1};
+
+  explicit MeshView(HWND owner) : window(owner) {}
+  ~MeshView() {
+    kv::meshDestroy(craft.mesh);
+    kv::meshDestroy(ground);
+  }
+  MeshView(const MeshView&) = delete;
+  MeshView& operator=(const MeshView&) = delete;
 };
 
 // ---- Drawing --------------------------------------------------------------------------------------------------------
@@ -101,45 +112,39 @@ double FittingScale(const MeshView& view) {
   return view.statistics.zoom * std::min(view.shown.size().cx / kFittingWidth, view.shown.size().cy / height);
 }
 
-void Render(MeshView* view) {
-  if (!view->samples.bitmap()) return;
+void Render(MeshView& view) {
+  if (!view.samples.bitmap()) return;
   const auto start = std::chrono::steady_clock::now();
-  MeshViewStatistics& statistics = view->statistics;
+  MeshViewStatistics& statistics = view.statistics;
   const double bank = Roll(GetTickCount() / 1000.0);
-  for (HGLOBAL mesh : {view->craft.mesh, view->ground}) {
-    kv::meshSetView(mesh, FittingScale(*view), kOversampling, statistics.turn, statistics.tilt,
-                    mesh == view->ground ? 0 : bank, kv::kMeshSetAngleA | kv::kMeshSetAngleB | kv::kMeshSetAngleC);
+  for (HGLOBAL mesh : {view.craft.mesh, view.ground}) {
+    kv::meshSetView(mesh, FittingScale(view), kOversampling, statistics.turn, statistics.tilt,
+                    mesh == view.ground ? 0 : bank, kv::kMeshSetAngleA | kv::kMeshSetAngleB | kv::kMeshSetAngleC);
   }
   GdiFlush();
-  FillVertically(view->samples, kSkyTop, kSkyBottom);
-  if (statistics.tilt > 0) DrawMesh(view->ground, view->samples);
-  statistics.triangles = DrawMesh(view->craft.mesh, view->samples);
-  if (statistics.tilt <= 0) DrawMesh(view->ground, view->samples);
-  ShrinkByTwo(view->samples, view->shown);
+  FillVertically(view.samples, kSkyTop, kSkyBottom);
+  if (statistics.tilt > 0) DrawMesh(view.ground, view.samples);
+  statistics.triangles = DrawMesh(view.craft.mesh, view.samples);
+  if (statistics.tilt <= 0) DrawMesh(view.ground, view.samples);
+  ShrinkByTwo(view.samples, view.shown);
   ++statistics.frames;
   statistics.frameMs = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
 // ---- Messages -------------------------------------------------------------------------------------------------------
 
-LRESULT OnDestroy(HWND window, MeshView* view) {
-  SetWindowLongA(window, GWL_USERDATA, 0);
-  kv::meshDestroy(view->craft.mesh);
-  kv::meshDestroy(view->ground);
-  delete view;
-  return 0;
-}
-
-LRESULT OnSize(HWND window, MeshView* view) {
-  const SIZE size = kv::ClientSize(window);
-  view->samples.Reset();
-  if (view->shown.Create(size)) view->samples.Create({size.cx * kOversampling, size.cy * kOversampling});
+LRESULT OnSize(MeshView& view) {
+  const SIZE size = kv::ClientSize(view.window);
+  view.samples.Reset();
+  if (view.shown.Create(size)) view.samples.Create({size.cx * kOversampling, size.cy * kOversampling});
   Render(view);
   return 0;
 }
 
-LRESULT OnPaint(HWND window, const MeshView* view) {
+LRESULT OnPaint(HWND window) {
   const kv::PaintScope paint(window);
+  auto* view = kv::ObjectOf<MeshView>(window);  // erasing may have destroyed the view
+  if (!view) return 0;
   const SIZE size = view->shown.size();
   const RECT whole{0, 0, size.cx, size.cy};
   kv::ShowBitmap(paint.dc(), whole, view->shown.bitmap(), size);
@@ -147,35 +152,37 @@ LRESULT OnPaint(HWND window, const MeshView* view) {
   return 0;
 }
 
-void Turn(MeshView* view, double turn, double tilt) {
-  view->statistics.turn = std::fmod(view->statistics.turn + turn, 360);
-  view->statistics.tilt = std::clamp(view->statistics.tilt + tilt, -90.0, 90.0);
+void Turn(MeshView& view, double turn, double tilt) {
+  view.statistics.turn = std::fmod(view.statistics.turn + turn, 360);
+  view.statistics.tilt = std::clamp(view.statistics.tilt + tilt, -90.0, 90.0);
 }
 
-LRESULT OnTimer(HWND window, MeshView* view) {
-  TurnRotors(view->craft);
-  if (!view->dragging) Turn(view, kTurnPerFrame, 0);
+LRESULT OnTimer(MeshView& view) {
+  TurnRotors(view.craft);
+  if (!view.dragging) Turn(view, kTurnPerFrame, 0);
   Render(view);
-  InvalidateRect(window, nullptr, FALSE);
-  UpdateWindow(window);
+  InvalidateRect(view.window, nullptr, FALSE);
+  UpdateWindow(view.window);
   return 0;
 }
 
-LRESULT OnButtonDown(HWND window, MeshView* view, POINT point) {
+LRESULT OnButtonDown(HWND window, POINT point) {
   SetFocus(window);
   SetCapture(window);
-  view->dragging = TRUE;
+  auto* view = kv::ObjectOf<MeshView>(window);  // the window that lost the focus may have destroyed the view
+  if (!view) return 0;
+  view->dragging = true;
   view->dragPoint = point;
   return 0;
 }
 
-LRESULT Zoom(MeshView* view, double steps) {
-  view->statistics.zoom = std::clamp(view->statistics.zoom * std::pow(kZoomPerStep, steps), kMinZoom, kMaxZoom);
+LRESULT Zoom(MeshView& view, double steps) {
+  view.statistics.zoom = std::clamp(view.statistics.zoom * std::pow(kZoomPerStep, steps), kMinZoom, kMaxZoom);
   return 0;
 }
 
 // The near side follows the arrow. The timer repaints.
-LRESULT OnKey(MeshView* view, WPARAM key) {
+LRESULT OnKey(MeshView& view, WPARAM key) {
   switch (key) {
     case VK_LEFT: Turn(view, kDegreesPerKey, 0); break;
     case VK_RIGHT: Turn(view, -kDegreesPerKey, 0); break;
@@ -186,9 +193,9 @@ LRESULT OnKey(MeshView* view, WPARAM key) {
     case VK_SUBTRACT:
     case VK_OEM_MINUS: Zoom(view, -1); break;
     case VK_HOME:
-      view->statistics.turn = kFirstTurn;
-      view->statistics.tilt = kFirstTilt;
-      view->statistics.zoom = 1;
+      view.statistics.turn = kFirstTurn;
+      view.statistics.tilt = kFirstTilt;
+      view.statistics.zoom = 1;
       break;
     default: break;
   }
@@ -196,41 +203,43 @@ LRESULT OnKey(MeshView* view, WPARAM key) {
 }
 
 // The near side follows the mouse. The timer repaints.
-LRESULT OnMouseMove(MeshView* view, POINT point) {
-  if (!view->dragging) return 0;
-  Turn(view, -(point.x - view->dragPoint.x) * kDegreesPerPixel, (point.y - view->dragPoint.y) * kDegreesPerPixel);
-  view->dragPoint = point;
+LRESULT OnMouseMove(MeshView& view, POINT point) {
+  if (!view.dragging) return 0;
+  Turn(view, -(point.x - view.dragPoint.x) * kDegreesPerPixel, (point.y - view.dragPoint.y) * kDegreesPerPixel);
+  view.dragPoint = point;
   return 0;
 }
 
-LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  if (message == WM_CREATE) SetWindowLongA(window, GWL_USERDATA, reinterpret_cast<LONG>(new MeshView));
-  auto* view = kv::WindowState<MeshView>(window);
-  if (!view) return DefWindowProcA(window, message, wParam, lParam);
+LRESULT HandleMessage(MeshView& view, UINT message, WPARAM wParam, LPARAM lParam) {
   const POINT point{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
   switch (message) {
-    case WM_DESTROY: return OnDestroy(window, view);
-    case WM_SIZE: return OnSize(window, view);
-    case WM_PAINT: return OnPaint(window, view);
+    case WM_SIZE: return OnSize(view);
+    case WM_PAINT: return OnPaint(view.window);
     case WM_ERASEBKGND: return TRUE;
-    case WM_TIMER: return OnTimer(window, view);
+    case WM_TIMER: return OnTimer(view);
     case WM_GETDLGCODE: return DLGC_WANTARROWS;
     case WM_KEYDOWN: return OnKey(view, wParam);
     case WM_MOUSEWHEEL: return Zoom(view, static_cast<double>(GET_WHEEL_DELTA_WPARAM(wParam)) / WHEEL_DELTA);
     case WM_SETFOCUS:
-    case WM_KILLFOCUS: InvalidateRect(window, nullptr, FALSE); return 0;
-    case WM_LBUTTONDOWN: return OnButtonDown(window, view, point);
+    case WM_KILLFOCUS: InvalidateRect(view.window, nullptr, FALSE); return 0;
+    case WM_LBUTTONDOWN: return OnButtonDown(view.window, point);
     case WM_MOUSEMOVE: return OnMouseMove(view, point);
     case WM_LBUTTONUP: return ReleaseCapture();
-    case WM_CAPTURECHANGED: view->dragging = FALSE; return 0;
-    default: return DefWindowProcA(window, message, wParam, lParam);
+    case WM_CAPTURECHANGED: view.dragging = false; return 0;
+    default: return DefWindowProcA(view.window, message, wParam, lParam);
   }
+}
+
+kv::AccessibleText Describe(const MeshView& view) {
+  return {kv::WindowText(view.window), {}};
 }
 
 }  // namespace
 
 BOOL RegisterMeshViewClass(HINSTANCE instance, BOOL registerIt) {
-  return kv::RegisterControlClass(instance, kMeshViewClass, Procedure, registerIt);
+  return kv::RegisterControlClass(instance, kMeshViewClass,
+                                  kv::ObjectProcedure<MeshView, ROLE_SYSTEM_GRAPHIC, Describe, HandleMessage>,
+                                  registerIt);
 }
 
 void RunMeshView(HWND view, BOOL run) {
@@ -242,7 +251,7 @@ void RunMeshView(HWND view, BOOL run) {
 }
 
 BOOL GetMeshViewStatistics(HWND view, MeshViewStatistics* statistics) {
-  const auto* record = kv::WindowState<MeshView>(view);
+  const auto* record = kv::ObjectOf<MeshView>(view);
   if (!record || IsBadWritePtr(statistics, sizeof(*statistics))) return FALSE;
   *statistics = record->statistics;
   return TRUE;

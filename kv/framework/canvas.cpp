@@ -63,6 +63,18 @@ bool Surface::Create(SIZE size) {
   return true;
 }
 
+bool Surface::Resize(SIZE size) {
+  if (size_.cx == size.cx && size_.cy == size.cy) return false;
+  Create(size);
+  return true;
+}
+
+void Surface::Show(HDC target, HDC memory) const {
+  if (!bitmap_) return;
+  const SelectedObject selected(memory, bitmap_);
+  BitBlt(target, 0, 0, size_.cx, size_.cy, memory, 0, 0, SRCCOPY);
+}
+
 void Surface::Reset() {
   bitmap_.Reset();
   pixels_ = nullptr;

@@ -22,7 +22,11 @@ class Surface {
   // Recreates the bitmap at this size, with undefined content. Returns false, and has no bitmap, when the size is empty
   // or allocation fails.
   bool Create(SIZE size);
+  // The same unless it has this size already. Returns whether the content is undefined now.
+  bool Resize(SIZE size);
   void Reset();
+  // Copies everything to the top left of `target`, if there is a bitmap. `memory` is a memory device context.
+  void Show(HDC target, HDC memory) const;
 
   HBITMAP bitmap() const { return bitmap_; }
   SIZE size() const { return size_; }

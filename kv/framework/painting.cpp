@@ -86,6 +86,14 @@ void DrawRoundedFrame(HDC dc, const RECT& area, int radius, int width, COLORREF 
   RoundRect(dc, area.left, area.top, area.right, area.bottom, 2 * radius, 2 * radius);
 }
 
+void DrawFocusFrame(HDC dc, const RECT& area) {
+  // The dots have the text's colours, whichever the device context has.
+  const COLORREF text = SetTextColor(dc, RGB(0, 0, 0)), background = SetBkColor(dc, RGB(255, 255, 255));
+  DrawFocusRect(dc, &area);
+  SetTextColor(dc, text);
+  SetBkColor(dc, background);
+}
+
 BOOL ReplaceBitmapColor(HDC dc, HBITMAP bitmap, COLORREF from, COLORREF to) {
   BITMAP shape{};
   if (!GetObjectA(bitmap, sizeof(shape), &shape) || shape.bmWidth <= 0 || shape.bmHeight <= 0) return FALSE;

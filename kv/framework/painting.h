@@ -35,6 +35,9 @@ void DrawSunkenFrame(HDC dc, RECT* area);
 // Draws a rounded outline of `width` pixels around `area`, with corners of `radius` pixels. The interior is not filled.
 void DrawRoundedFrame(HDC dc, const RECT& area, int radius, int width, COLORREF color);
 
+// Draws the dotted frame of the keyboard focus just inside `area`.
+void DrawFocusFrame(HDC dc, const RECT& area);
+
 // Replaces every pixel of exactly the colour `from` with `to`, or the nearest colour of the device. `dc` must be
 // compatible with the bitmap, which must not be selected into any device context. Returns 0 if the bitmap cannot be
 // read or written.

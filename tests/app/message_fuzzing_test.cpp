@@ -3,10 +3,15 @@
 // access state that has been freed; nothing else is tested.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <functional>
 #include <memory>
+#include <new>
 #include <random>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -14,6 +19,7 @@
 #include "camview/camera_field.h"
 #include "camview/timeline.h"
 #include "camview/window.h"
+#include "gallery/pages/mesh_view.h"
 #include "kv/controls/display_instrument.h"
 #include "kv/controls/horizon/horizon.h"
 #include "kv/controls/instrument_block.h"
@@ -26,6 +32,63 @@
 #include "tests/support/replaced_import.h"
 #include "tests/support/scarce_objects.h"
 #include "tests/support/test_window.h"
+
+namespace {
+
+// Memory blocks on separate pages, which no other block gets for a while after they are freed: an access to a freed
+// block ends the test.
+class GuardedBlocks {
+ public:
+  static void* Allocate(size_t size) {
+    auto* pages = static_cast<char*>(VirtualAlloc(nullptr, size, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+    if (!pages) return nullptr;
+    isGuarded_[GranuleOf(pages)] = true;
+    return pages + ((0 - size) & 0xFF8);  // ends at the page's end
+  }
+  static bool Owns(const void* block) { return isGuarded_[GranuleOf(block)]; }
+  static void Free(void* block) {
+    MEMORY_BASIC_INFORMATION pages{};
+    VirtualQuery(block, &pages, sizeof(pages));
+    VirtualFree(pages.AllocationBase, 0, MEM_DECOMMIT);
+    void*& oldest = freed_[next_++ % ARRAYSIZE(freed_)];
+    if (oldest) {
+      isGuarded_[GranuleOf(oldest)] = false;
+      VirtualFree(oldest, 0, MEM_RELEASE);
+    }
+    oldest = pages.AllocationBase;
+  }
+
+  static inline bool isOn = false;  // for `new`
+
+ private:
+  static size_t GranuleOf(const void* address) { return reinterpret_cast<std::uintptr_t>(address) >> 16; }
+
+  static inline bool isGuarded_[1 << 16];
+  static inline void* freed_[4000];
+  static inline unsigned next_ = 0;
+};
+
+}  // namespace
+
+// The program's own: objects that are made while a class is fuzzed get guarded blocks.
+void* operator new(size_t size) {
+  void* block = GuardedBlocks::isOn ? GuardedBlocks::Allocate(size) : std::malloc(size ? size : 1);
+  if (!block) std::abort();
+  return block;
+}
+void* operator new(size_t size, const std::nothrow_t&) noexcept {
+  return GuardedBlocks::isOn ? GuardedBlocks::Allocate(size) : std::malloc(size ? size : 1);
+}
+void operator delete(void* block) noexcept {
+  if (block && GuardedBlocks::Owns(block)) {
+    GuardedBlocks::Free(block);
+  } else {
+    std::free(block);
+  }
+}
+void operator delete(void* block, size_t) noexcept {
+  operator delete(block);
+}
 
 namespace kv {
 namespace {
@@ -47,31 +110,50 @@ constexpr UINT kMessages[] = {kCommand,        kCommand,          kCommand,
                               LB_RESETCONTENT, WM_CAPTURECHANGED, LB_SETHORIZONTALEXTENT,
                               WM_CANCELMODE};
 
-// Allocates each of the program's memory blocks on separate pages that are never reused: an access to a freed block
-// ends the test.
+// Guards the program's records and objects.
 class GuardedRecords {
-  static HGLOBAL WINAPI Allocate(UINT, SIZE_T size) {
-    auto* bytes = static_cast<char*>(VirtualAlloc(nullptr, size, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
-    return bytes ? bytes + ((0 - size) & 0xFF8) : nullptr;  // ends at the page's end
-  }
+ public:
+  GuardedRecords() { GuardedBlocks::isOn = true; }
+  ~GuardedRecords() { GuardedBlocks::isOn = false; }
+
+ private:
+  static HGLOBAL WINAPI Allocate(UINT, SIZE_T size) { return GuardedBlocks::Allocate(size); }
   static void* WINAPI Lock(HGLOBAL memory) { return memory; }
   static BOOL WINAPI Unlock(HGLOBAL) { return TRUE; }
-  static HGLOBAL WINAPI Free(HGLOBAL memory) {
+  static SIZE_T WINAPI Size(HGLOBAL memory) {
     MEMORY_BASIC_INFORMATION pages{};
     VirtualQuery(memory, &pages, sizeof(pages));
-    VirtualFree(pages.AllocationBase, 0, MEM_DECOMMIT);
+    return pages.RegionSize - (static_cast<char*>(memory) - static_cast<char*>(pages.BaseAddress));
+  }
+  static HGLOBAL WINAPI Free(HGLOBAL memory) {
+    GuardedBlocks::Free(memory);
     return nullptr;
   }
   const ReplacedImport allocate_{"GlobalAlloc", reinterpret_cast<void*>(Allocate)},
       lock_{"GlobalLock", reinterpret_cast<void*>(Lock)}, unlock_{"GlobalUnlock", reinterpret_cast<void*>(Unlock)},
-      free_{"GlobalFree", reinterpret_cast<void*>(Free)};
+      free_{"GlobalFree", reinterpret_cast<void*>(Free)}, size_{"GlobalSize", reinterpret_cast<void*>(Size)};
 };
 
+struct ValidCommand {
+  WPARAM code;  // 0: none
+  std::span<const std::byte> item;
+};
+
+// Screen readers are told of changed values in the middle of a message, and may destroy the control then.
+unsigned valueChanges;
+void CALLBACK OnValueChange(HWINEVENTHOOK, DWORD, HWND control, LONG, LONG, DWORD, DWORD) {
+  if (++valueChanges % 8 == 0) DestroyWindow(control);
+}
+
 // `make` creates the control, and another one when it has been destroyed. `own` are further messages that the control
-// handles. Messages that would pass a wild pointer to Windows instead of the control are omitted. Sizes are below 300
-// pixels. The environment variable KV_FUZZ sets the number of messages.
-void FuzzMessages(kvtest::RecordingParent& parent, const std::function<HWND()>& make, const std::vector<UINT>& own) {
+// handles, `valid` is a command that it accepts. Messages that would pass a wild pointer to Windows instead of the
+// control are omitted. Sizes are below 300 pixels. The environment variable KV_FUZZ sets the number of messages.
+void FuzzMessages(kvtest::RecordingParent& parent, const std::function<HWND()>& make, const std::vector<UINT>& own,
+                  const ValidCommand& valid) {
   const GuardedRecords guard;
+  const HWINEVENTHOOK hook =
+      SetWinEventHook(EVENT_OBJECT_VALUECHANGE, EVENT_OBJECT_VALUECHANGE, GetModuleHandleA(nullptr), OnValueChange,
+                      GetCurrentProcessId(), 0, WINEVENT_INCONTEXT);
   std::vector<UINT> messages(std::begin(kMessages), std::end(kMessages));
   messages.insert(messages.end(), own.begin(), own.end());
   std::mt19937 random(20080714);
@@ -98,10 +180,17 @@ void FuzzMessages(kvtest::RecordingParent& parent, const std::function<HWND()>& 
                                 address(writable.as<char>() + 500)};
     constexpr WPARAM kMasks[] = {0xFFFFFFFF, 0xFFFFFF1F,
                                  0x1F};  // small numbers more often, because most codes are small
+    if (valid.code && below(8) == 0) {
+      std::ranges::copy(valid.item, writable.as<std::byte>());
+      SendMessageA(control, kCommand, valid.code | (random() & (kCommandRedraw | kHorizonGlide)),
+                   address(writable.data()));
+      return;
+    }
     const UINT message = anyMessage();
     const bool isSize = message == WM_SIZE || message == WM_COPY;
     const LPARAM lParam = isSize ? MAKELPARAM(below(300), below(300)) : addresses[below(ARRAYSIZE(addresses))];
-    SendMessageA(control, message, random() & kMasks[below(ARRAYSIZE(kMasks))], lParam);
+    const WPARAM wParam = message == WM_TIMER ? below(8) : random() & kMasks[below(ARRAYSIZE(kMasks))];
+    SendMessageA(control, message, wParam, lParam);
   };
   parent.Answer([&](HWND, UINT message, WPARAM, LPARAM lParam, LRESULT*) {
     parent.seen().clear();
@@ -140,6 +229,7 @@ void FuzzMessages(kvtest::RecordingParent& parent, const std::function<HWND()>& 
   }
   EXPECT_LT(memoryInUse(), inUse + (4 << 20));  // tolerance for the system's own allocations
   parent.Answer(nullptr);
+  UnhookWinEvent(hook);
   VirtualFree(wild, 0, MEM_RELEASE);
 }
 
@@ -147,23 +237,44 @@ struct FuzzedClass {
   const char *test, *className;
   DWORD style;
   std::vector<UINT> own;
+  ValidCommand valid;
 };
+
+constexpr HorizonAttitude kAttitudes[] = {{kHorizonVersion, 0, 3, 5, 0.1f, 275}};
+const camview::StoredRecord kRecords[] = {{.seconds = 1}, {.seconds = 2}};
+const camview::FieldContent kContents[] = {{ARRAYSIZE(kRecords), kRecords, 2, 1}};
+constexpr StripSample kSamples[] = {{1, 2}, {3, 4}};
+const StripSamples kAppended[] = {{ARRAYSIZE(kSamples), kSamples}};
 
 const std::vector<UINT> kInstrumentOwn{WM_SETTEXT, WM_COPY, WM_DROPFILES, WM_TIMER, WM_TIMER};
 
 const FuzzedClass kFuzzedClasses[] = {
     {"Chart", kChartClass, 0, {WM_CREATE, WM_DESTROY, WM_COPY, WM_DROPFILES}},
-    {"CameraField", camview::kCameraFieldClass, 0, {WM_CREATE, WM_DESTROY, WM_COPY, WM_DROPFILES, WM_KEYDOWN}},
+    {"CameraField",
+     camview::kCameraFieldClass,
+     0,
+     {WM_CREATE, WM_DESTROY, WM_COPY, WM_DROPFILES, WM_KEYDOWN},
+     {camview::kFieldShow, std::as_bytes(std::span(kContents))}},
     {"Timeline",
      camview::kTimelineClass,
      0,
      {WM_CREATE, WM_DESTROY, WM_DROPFILES, WM_KEYDOWN, WM_KEYDOWN, WM_MOUSEWHEEL}},
     {"FlightTrackView", kFlightTrackClass, 0, {WM_CREATE, WM_DESTROY}},
-    {"Horizon", kHorizonClass, kHorizonTape, {WM_COPY, WM_DROPFILES, WM_TIMER, WM_TIMER}},
+    {"Horizon",
+     kHorizonClass,
+     kHorizonTape,
+     {WM_CREATE, WM_DESTROY, WM_COPY, WM_DROPFILES, WM_TIMER, WM_TIMER},
+     {kHorizonValue, std::as_bytes(std::span(kAttitudes))}},
     {"StripChart",
      kStripChartClass,
      kStripSeparateAxes,
-     {WM_COPY, WM_DROPFILES, WM_TIMER, WM_KEYDOWN, WM_MOUSEWHEEL, WM_MOUSELEAVE, WM_LBUTTONDBLCLK}},
+     {WM_CREATE, WM_DESTROY, WM_COPY, WM_DROPFILES, WM_TIMER, WM_KEYDOWN, WM_MOUSEWHEEL, WM_MOUSELEAVE,
+      WM_LBUTTONDBLCLK},
+     {kStripAppend, std::as_bytes(std::span(kAppended))}},
+    {"MeshView",
+     gallery::kMeshViewClass,
+     0,
+     {WM_CREATE, WM_DESTROY, WM_DROPFILES, WM_TIMER, WM_KEYDOWN, WM_MOUSEWHEEL}},
     {"List", kExtendedListClass, WS_VSCROLL, {WM_CREATE, WM_CREATE, WM_DESTROY, WM_COPY, LB_SETCOUNT, LB_SETCOUNT}},
     {"NavigatedList",
      kExtendedListClass,
@@ -186,10 +297,12 @@ class MessageFuzzing : public testing::TestWithParam<FuzzedClass> {
     RegisterAllClasses(GetModuleHandleA(nullptr), TRUE);
     RegisterChartClass(GetModuleHandleA(nullptr), TRUE);
     camview::RegisterControls(GetModuleHandleA(nullptr), TRUE);
+    gallery::RegisterMeshViewClass(GetModuleHandleA(nullptr), TRUE);
     parent_ = std::make_unique<kvtest::RecordingParent>(true, 700, 700);
   }
   static void TearDownTestSuite() {
     parent_.reset();
+    gallery::RegisterMeshViewClass(GetModuleHandleA(nullptr), FALSE);
     camview::RegisterControls(GetModuleHandleA(nullptr), FALSE);
     RegisterChartClass(GetModuleHandleA(nullptr), FALSE);
     RegisterAllClasses(GetModuleHandleA(nullptr), FALSE);
@@ -207,7 +320,7 @@ TEST_P(MessageFuzzing, LeavesAWorkingControlAndNoLeaks) {
     if (fuzzed.test == std::string("NavigatedList")) AddListNavigation(control);
     return control;
   };
-  FuzzMessages(*parent_, make, fuzzed.own);
+  FuzzMessages(*parent_, make, fuzzed.own, fuzzed.valid);
   EXPECT_TRUE(DestroyWindow(make()));
   while (HWND child = GetWindow(*parent_, GW_CHILD)) DestroyWindow(child);
 }

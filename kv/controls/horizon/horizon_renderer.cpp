@@ -316,12 +316,12 @@ void HorizonRenderer::DrawAttitude(Canvas& canvas) {
 
 RECT HorizonRenderer::Update(const HorizonAttitude& attitude, DWORD style, SIZE size, bool redrawAll) {
   const COLORREF panel = GetSysColor(COLOR_BTNFACE);
-  const bool resized = surface_.size().cx != size.cx || surface_.size().cy != size.cy;
+  const bool resized = surface_.Resize(size);
   redrawAll = redrawAll || resized || style != style_ || panel != panel_;
   const HorizonAttitude before = attitude_;
   attitude_ = attitude;
   if (redrawAll) {
-    if (resized && (!surface_.Create(size) || !case_.Create(size))) surface_.Reset();
+    if (resized && !case_.Create(size)) surface_.Reset();
     if (!surface_.bitmap()) return {};
     style_ = style;
     panel_ = panel;

@@ -140,8 +140,9 @@ LRESULT OnStripCommand(StripChart& chart, WPARAM wParam, LPARAM lParam) {
   if (append && !now && !chart.waiting) chart.waiting = SetTimer(chart.window, kShowTimer, kShowMs, nullptr) != 0;
   if (append && now) RefreshStrip(chart);
   if (!append || !(now || chart.waiting)) InvalidateRect(chart.window, nullptr, FALSE);
-  if (now) UpdateWindow(chart.window);
-  if (!render) NotifyValueChanged(chart.window);
+  const HWND window = chart.window;
+  if (now) UpdateWindow(window);  // whoever paints may destroy the control
+  if (!render) NotifyValueChanged(window);
   return TRUE;
 }
 

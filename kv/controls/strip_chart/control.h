@@ -11,7 +11,11 @@
 namespace kv {
 
 struct StripChart {
-  HWND window = nullptr;
+  explicit StripChart(HWND owner) : window(owner) {
+    model.style = static_cast<DWORD>(GetWindowLongA(window, GWL_STYLE));
+  }
+
+  HWND window;
   StripModel model;
   StripRenderer renderer;
   bool redrawAll = true;     // the next update draws everything
@@ -21,11 +25,6 @@ struct StripChart {
   enum class Drag { kNone, kPan, kSelect } drag = Drag::kNone;
   LONG dragX = 0, wheel = 0;
   bool dragged = false;  // moved since the button was pressed
-};
-
-struct StripState {
-  HGLOBAL hMemory;  // of this block
-  StripChart* chart;
 };
 
 // Updates the back buffer and invalidates the changed parts, or everything if there is a cursor or a selection.

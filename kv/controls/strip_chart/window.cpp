@@ -1,12 +1,10 @@
 // The window of a strip chart: painting, mouse and keyboard.
 #include <oleacc.h>
-#include <shellapi.h>
 #include <windowsx.h>
 
 #include <algorithm>
 #include <climits>
 #include <cmath>
-#include <new>
 #include <string>
 
 #include "kv/controls/strip_chart/axis.h"
@@ -19,7 +17,7 @@
 #include "kv/framework/canvas.h"
 #include "kv/framework/control_class.h"
 #include "kv/framework/guards.h"
-#include "kv/framework/window_state.h"
+#include "kv/framework/object_control.h"
 
 namespace kv {
 
@@ -35,36 +33,28 @@ void RefreshStrip(StripChart& chart) {
 namespace {
 
 constexpr UINT_PTR kShowTimer = 5;
-constexpr LRESULT kNoState = 1;
 constexpr double kKeyPan = 0.1, kKeyZoom = 2, kWheelZoom = 1.25;
 
 bool IsDown(int key) {
   return GetKeyState(key) < 0;
 }
 
-StripChart* ChartOf(HWND window) {
-  auto* state = WindowState<StripState>(window);
-  return state ? state->chart : nullptr;
-}
-
 // Shows a change by the user and notifies the owner.
 LRESULT Changed(StripChart& chart, WORD notification) {
   InvalidateRect(chart.window, nullptr, FALSE);
-  NotifyValueChanged(chart.window);
   PostNotification(chart.window, notification);
+  NotifyValueChanged(chart.window);  // last: a hook may destroy the control
   return 0;
 }
 
 // ---- Accessibility --------------------------------------------------------------------------------------------------
 
-AccessibleText Describe(HWND window) {
-  const StripChart* chart = ChartOf(window);
-  if (!chart) return {};
-  const StripModel& model = chart->model;
-  AccessibleText text{WindowText(window), {}};
+AccessibleText Describe(const StripChart& chart) {
+  const StripModel& model = chart.model;
+  AccessibleText text{WindowText(chart.window), {}};
   const bool named = !text.name.empty();
   const StripReading reading = model.cursorShown ? ReadingAt(model, model.cursor) : NewestReading(model);
-  const StripLayout& layout = chart->renderer.layoutShown();
+  const StripLayout& layout = chart.renderer.layoutShown();
   for (int i = 0; i < kStripChannels; ++i) {
     if (!IsShown(model.channels[i])) continue;
     const std::wstring name = ChannelName(model.channels[i].info);
@@ -78,30 +68,7 @@ AccessibleText Describe(HWND window) {
   return text;
 }
 
-// ---- Creation, destruction and painting -----------------------------------------------------------------------------
-
-LRESULT OnCreate(HWND window) {
-  auto* state = CreateWindowState<StripState>(window);
-  if (!state) return kNoState;
-  state->chart = new (std::nothrow) StripChart;
-  if (!state->chart) return kNoState;
-  state->chart->window = window;
-  state->chart->model.style = static_cast<DWORD>(GetWindowLongA(window, GWL_STYLE));
-  // Time increases from left to right in all languages.
-  SetWindowLongA(window, GWL_EXSTYLE, GetWindowLongA(window, GWL_EXSTYLE) & ~WS_EX_LAYOUTRTL);
-  DragAcceptFiles(window, TRUE);
-  return 0;
-}
-
-LRESULT OnDestroy(HWND window) {
-  auto* state = WindowState<StripState>(window);
-  if (!state) return kNoState;
-  KillTimer(window, kShowTimer);
-  if (GetCapture() == window) ReleaseCapture();
-  delete state->chart;
-  DestroyWindowState(window, state);
-  return 0;
-}
+// ---- Painting -------------------------------------------------------------------------------------------------------
 
 LRESULT ShowOn(HDC dc, StripChart& chart, bool focused) {
   const Surface& surface = chart.renderer.WithOverlay(chart.model, focused);
@@ -111,11 +78,11 @@ LRESULT ShowOn(HDC dc, StripChart& chart, bool focused) {
   return 0;
 }
 
-LRESULT OnPaint(HWND window, StripChart* chart) {
-  // Before BeginPaint, so that the areas that this invalidates are painted, too.
-  if (chart) RefreshStrip(*chart);
+LRESULT OnPaint(HWND window, StripChart& chart) {
+  RefreshStrip(chart);  // before BeginPaint, so that the areas that this invalidates are painted, too
   const PaintScope paint(window);
-  return chart ? ShowOn(paint.dc(), *chart, GetFocus() == window) : kNoState;
+  auto* left = ObjectOf<StripChart>(window);  // erasing may have destroyed the control
+  return left ? ShowOn(paint.dc(), *left, GetFocus() == window) : 0;
 }
 
 LRESULT OnPrint(StripChart& chart, HDC dc) {
@@ -184,8 +151,8 @@ LRESULT OnMouseLeave(StripChart& chart) {
 LRESULT OnButtonDown(HWND window, LONG x, bool shift) {
   SetFocus(window);
   SetCapture(window);
-  StripChart* const found = ChartOf(window);  // the window that lost the focus may have destroyed the control
-  if (!found) return kNoState;
+  auto* found = ObjectOf<StripChart>(window);  // the window that lost the focus may have destroyed the control
+  if (!found) return 0;
   StripChart& chart = *found;
   chart.drag = shift ? StripChart::Drag::kSelect : StripChart::Drag::kPan;
   chart.dragX = x;
@@ -242,8 +209,9 @@ LRESULT MoveCursor(StripChart& chart, int columns, bool select) {
   model.cursorShown = true;
   chart.hovering = false;
   if (!select) {
+    const HWND window = chart.window;
     Changed(chart, kStripNotifyCursor);
-    PostNotification(chart.window, kStripNotifyCursorSet);
+    PostNotification(window, kStripNotifyCursorSet);
     return 0;
   }
   // Moves the end of the selection at which the cursor was.
@@ -295,8 +263,8 @@ LRESULT OnKey(StripChart& chart, WPARAM key, bool control, bool shift) {
 }
 
 // The dialog gets Escape, unless there is something to remove.
-LRESULT DialogKeys(const StripChart* chart, WPARAM key) {
-  const bool takesEscape = chart && key == VK_ESCAPE && (chart->model.hasSelection || chart->model.cursorShown);
+LRESULT DialogKeys(const StripChart& chart, WPARAM key) {
+  const bool takesEscape = key == VK_ESCAPE && (chart.model.hasSelection || chart.model.cursorShown);
   return DLGC_WANTARROWS | DLGC_WANTCHARS | (takesEscape ? DLGC_WANTMESSAGE : 0);
 }
 
@@ -307,6 +275,10 @@ LRESULT OnFocus(HWND window) {
 
 LRESULT HandleMessage(StripChart& chart, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
+    case WM_PAINT: return OnPaint(chart.window, chart);
+    case WM_GETDLGCODE: return DialogKeys(chart, wParam);
+    case WM_SETFOCUS:
+    case WM_KILLFOCUS: return OnFocus(chart.window);
     case WM_SIZE: RepaintNow(chart.window); return 0;
     case WM_ENABLE: return OnEnable(chart, wParam != 0);
     case WM_TIMER: return OnTimer(chart, wParam);
@@ -326,27 +298,11 @@ LRESULT HandleMessage(StripChart& chart, UINT message, WPARAM wParam, LPARAM lPa
   }
 }
 
-LRESULT CALLBACK StripProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  switch (message) {
-    case WM_CREATE: return OnCreate(window);
-    case WM_DESTROY: return OnDestroy(window);
-    case WM_PAINT: return OnPaint(window, ChartOf(window));
-    case WM_GETDLGCODE: return DialogKeys(ChartOf(window), wParam);
-    case WM_SETFOCUS:
-    case WM_KILLFOCUS: return OnFocus(window);
-    case WM_DROPFILES: return SendMessageA(GetParent(window), message, wParam, lParam);
-    case WM_GETOBJECT: return HandleGetObject(window, wParam, lParam, ROLE_SYSTEM_CHART, Describe);
-    default: break;
-  }
-  if (StripChart* chart = ChartOf(window)) return HandleMessage(*chart, message, wParam, lParam);
-  if (message == kControlCommand) return FALSE;
-  return DefWindowProcA(window, message, wParam, lParam);
-}
-
 }  // namespace
 
 BOOL RegisterLineRecorderClass(HINSTANCE instance, BOOL registerIt) {
-  return RegisterControlClass(instance, kStripChartClass, StripProcedure, registerIt);
+  return RegisterControlClass(instance, kStripChartClass,
+                              ObjectProcedure<StripChart, ROLE_SYSTEM_CHART, Describe, HandleMessage>, registerIt);
 }
 
 }  // namespace kv

@@ -22,7 +22,7 @@
 #include "kv/controls/strip_chart/sample_store.h"
 #include "kv/framework/canvas.h"
 #include "kv/framework/control_class.h"
-#include "kv/framework/window_state.h"
+#include "kv/framework/object_control.h"
 #include "tests/support/comma_locale.h"
 #include "tests/support/control_test.h"
 #include "tests/support/test_window.h"
@@ -192,7 +192,7 @@ class StripCharts : public kvtest::ControlTest<RegisterLineRecorderClass> {
     const StripSamples item{static_cast<DWORD>(samples.size()), samples.data()};
     return Send(chart, kStripAppend | kCommandRedraw, &item, channel);
   }
-  static StripModel& Model(HWND chart) { return WindowState<StripState>(chart)->chart->model; }
+  static StripModel& Model(HWND chart) { return ObjectOf<StripChart>(chart)->model; }
   int Notified(WORD code) {
     kvtest::PumpMessages();
     return static_cast<int>(std::ranges::count_if(parent_.seen(), [&](const kvtest::SeenMessage& seen) {
@@ -324,7 +324,7 @@ TEST_F(StripCharts, KeysAndMouseZoomPanSelectAndNotifyTheOwner) {
   EXPECT_EQ(8, Notified(kStripNotifyView));
 
   UpdateWindow(chart);
-  const LONG left = WindowState<StripState>(chart)->chart->renderer.layoutShown().plot.left;
+  const LONG left = ObjectOf<StripChart>(chart)->renderer.layoutShown().plot.left;
   SendMessageA(chart, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(left + 50, 50));
   SendMessageA(chart, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(left + 100, 50));
   SendMessageA(chart, WM_LBUTTONUP, 0, MAKELPARAM(left + 100, 50));
@@ -334,13 +334,13 @@ TEST_F(StripCharts, KeysAndMouseZoomPanSelectAndNotifyTheOwner) {
   SendMessageA(chart, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(left + 50, 50));
   SendMessageA(chart, WM_LBUTTONUP, 0, MAKELPARAM(left + 50, 50));
   const StripTimeRange selection = Read<StripTimeRange>(chart, kStripSelection);
-  EXPECT_NEAR(50 * WindowState<StripState>(chart)->chart->renderer.layoutShown().secondsPerColumn,
-              selection.to - selection.from, 1e-9);
+  EXPECT_NEAR(50 * ObjectOf<StripChart>(chart)->renderer.layoutShown().secondsPerColumn, selection.to - selection.from,
+              1e-9);
   EXPECT_EQ(1, Notified(kStripNotifySelection));
   const DWORD digits = 9, tooMany = 17;
   EXPECT_EQ(0, Send(chart, kStripAxisDigits, &tooMany));
   EXPECT_EQ(1, Send(chart, kStripAxisDigits | kCommandRedraw, &digits));
-  const StripLayout& aligned = WindowState<StripState>(chart)->chart->renderer.layoutShown();
+  const StripLayout& aligned = ObjectOf<StripChart>(chart)->renderer.layoutShown();
   EXPECT_EQ(10 * aligned.digitPx, aligned.axis[0].area.right - aligned.axis[0].area.left);
   SendMessageA(chart, WM_MOUSEMOVE, 0, MAKELPARAM(left + 60, 50));
   EXPECT_EQ(1, Notified(kStripNotifyCursor));
