@@ -27,13 +27,14 @@
 // The id of the string with the caption of the program's window.
 #define KV_CAPTION KV_TEXT_OF(0)
 
-// kv/controls/display_instrument.h: one mode and further style bits.
+// kv/controls/display_instrument.h: one mode and further style bits. The modes that depend on it include KV_FITTED.
 #define KV_DISPLAY_INSTRUMENT "kvDisplayInstrument"
+#define KV_FITTED 0x1000
 #define KV_GAUGE 0x0000
-#define KV_READOUT 0x0002
-#define KV_SEGMENT_BAR 0x0003
+#define KV_READOUT (0x0002 | KV_FITTED)
+#define KV_SEGMENT_BAR (0x0003 | KV_FITTED)
 #define KV_COMPASS 0x0004
-#define KV_CENTER_ZERO_BAR 0x0005
+#define KV_CENTER_ZERO_BAR (0x0005 | KV_FITTED)
 #define KV_DISABLED 0x0040
 #define KV_NO_CAPTION 0x0080
 #define KV_SHOW_TIME 0x0100

@@ -37,6 +37,9 @@ inline constexpr DWORD kInstrumentShowTime = 0x0100;   // digital readout: time 
 inline constexpr DWORD kInstrumentShowDate = 0x0200;   // digital readout: date
 inline constexpr DWORD kInstrumentShowAngle = 0x0400;  // digital readout: degrees, minutes, seconds
 inline constexpr DWORD kInstrumentReversed = 0x0800;   // segment bar in the opposite direction
+// Fits texts to the control and the range: readouts and bars show all digits of a number or, without space for them, no
+// number; captions grow with the control; a wide center-zero bar is drawn horizontally. The toolkit always sets it.
+inline constexpr DWORD kInstrumentFitted = 0x1000;
 
 // A coloured part of the range, in the unit of the value.
 struct InstrumentZone {

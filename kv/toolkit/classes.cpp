@@ -25,11 +25,13 @@ using Name = std::string_view;
 static_assert(Name(KV_DIALOG) == kDialogClass && Name(KV_DISPLAY_INSTRUMENT) == kDisplayInstrumentClass &&
               Name(KV_SIMPLE_BITMAP) == kSimpleBitmapClass && Name(KV_EXTENDED_LIST) == kExtendedListClass &&
               Name(KV_FLIGHT_TRACK) == kFlightTrackClass);
-static_assert(KV_GAUGE == kModeGauge && KV_READOUT == kModeDigital && KV_SEGMENT_BAR == kModeSegmentBar &&
-              KV_COMPASS == kModeCompass && KV_CENTER_ZERO_BAR == kModeCentreBar &&
-              KV_DISABLED == kInstrumentDisabled && KV_NO_CAPTION == kInstrumentNoCaption &&
-              KV_SHOW_TIME == kInstrumentShowTime && KV_SHOW_DATE == kInstrumentShowDate &&
-              KV_SHOW_ANGLE == kInstrumentShowAngle && KV_REVERSED == kInstrumentReversed);
+static_assert(KV_GAUGE == kModeGauge && KV_COMPASS == kModeCompass && KV_FITTED == kInstrumentFitted &&
+              KV_READOUT == (kModeDigital | kInstrumentFitted) &&
+              KV_SEGMENT_BAR == (kModeSegmentBar | kInstrumentFitted) &&
+              KV_CENTER_ZERO_BAR == (kModeCentreBar | kInstrumentFitted) && KV_DISABLED == kInstrumentDisabled &&
+              KV_NO_CAPTION == kInstrumentNoCaption && KV_SHOW_TIME == kInstrumentShowTime &&
+              KV_SHOW_DATE == kInstrumentShowDate && KV_SHOW_ANGLE == kInstrumentShowAngle &&
+              KV_REVERSED == kInstrumentReversed);
 static_assert(KV_BITMAP_TRANSPARENT == kBitmapTransparent && KV_BITMAP_SQUARE_BY_WIDTH == kBitmapSquareByWidth &&
               KV_BITMAP_SQUARE_BY_HEIGHT == kBitmapSquareByHeight && KV_KEEPS_DIRECTION == WS_EX_NOINHERITLAYOUT);
 static_assert(Name(KV_LINE_RECORDER) == kStripChartClass && KV_STRIP_SWEEP == kStripSweep &&

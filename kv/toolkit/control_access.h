@@ -16,6 +16,9 @@ inline HWND ControlOfClass(HWND dialog, int id, const char* className) {
   return lstrcmpiA(name, className) == 0 ? control : nullptr;
 }
 
+// Sets kInstrumentFitted if the control is a display instrument: without it, numbers lose digits.
+void FitInstrument(HWND control);
+
 // Stores the text as UTF-8, truncated to whole characters, and fills the rest of the field with zeros.
 template <size_t size>
 void StoreText(char (&field)[size], const wchar_t* text) {

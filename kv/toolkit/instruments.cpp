@@ -11,17 +11,21 @@
 #include "kv/framework/control_class.h"
 #include "kv/framework/file_path.h"
 #include "kv/toolkit/control_access.h"
+#include "kv/toolkit/dialog_state.h"
 
 namespace kv {
 
 namespace {
 
-HWND InstrumentOf(HWND dialog, int id) {
-  return ControlOfClass(dialog, id, kDisplayInstrumentClass);
-}
-
 void Send(HWND instrument, WPARAM command, const void* item) {
   SendMessageA(instrument, kControlCommand, command | kCommandRedraw, reinterpret_cast<LPARAM>(item));
+}
+
+// Also fits an instrument whose template has a plain style.
+HWND InstrumentOf(HWND dialog, int id) {
+  HWND instrument = ControlOfClass(dialog, id, kDisplayInstrumentClass);
+  if (instrument) Send(instrument, kCommandStyle, &kInstrumentFitted);
+  return instrument;
 }
 
 bool ReadBlock(HWND instrument, InstrumentBlock* block) {
@@ -46,9 +50,8 @@ BOOL ChangeBlock(HWND dialog, int id, Change change) {
   return TRUE;
 }
 
-bool IsNumberReadout(DWORD style) {
-  return (style & kInstrumentModeBits) == kModeDigital &&
-         !(style & (kInstrumentShowTime | kInstrumentShowDate | kInstrumentShowAngle));
+bool IsReadout(DWORD style) {
+  return (style & kInstrumentModeBits) == kModeDigital;
 }
 
 // The smallest number of decimals with which a step of this size is visible.
@@ -59,11 +62,8 @@ int DecimalsFor(double step) {
 
 }  // namespace
 
-float ReadableMaximum(double maximum, double largest) {
-  // The readout has trunc(log10(maximum) + 0.5) integer digits.
-  const double digits = std::max(std::floor(std::log10(std::fmax(std::fabs(largest), 1))) + 1, 1.0);
-  const double least = std::ceil(std::pow(10.0, digits - 0.5));
-  return static_cast<float>(std::fabs(maximum) >= least ? maximum : least);
+void FitInstrument(HWND control) {
+  if (IsOfClass(control, L"kvDisplayInstrument")) Send(control, kCommandStyle, &kInstrumentFitted);
 }
 
 BOOL SetInstrumentValue(HWND dialog, int id, double value, BOOL glide) {
@@ -87,7 +87,7 @@ BOOL GetInstrumentValue(HWND dialog, int id, double* value) {
 
 BOOL SetInstrumentStyle(HWND dialog, int id, DWORD bits, BOOL set) {
   HWND instrument = InstrumentOf(dialog, id);
-  bits &= ~kInstrumentModeBits;
+  bits &= ~(kInstrumentModeBits | kInstrumentFitted);
   if (instrument && bits) Send(instrument, kCommandStyle | (set ? 0 : kCommandRemove), &bits);
   return instrument != nullptr;
 }
@@ -104,20 +104,18 @@ BOOL SetInstrumentName(HWND dialog, int id, const wchar_t* name) {
 }
 
 BOOL SetInstrumentRange(HWND dialog, int id, const InstrumentRange& range) {
+  const auto minimum = static_cast<float>(range.minimum), maximum = static_cast<float>(range.maximum);
+  const auto step = static_cast<float>(range.step != 0 ? range.step : (range.maximum - range.minimum) / 100);
+  if (!std::isfinite(minimum) || !std::isfinite(maximum) || minimum == maximum || !std::isfinite(step)) return FALSE;
   return ChangeBlock(dialog, id, [&](InstrumentBlock& block, DWORD style) {
-    const double step = range.step != 0 ? range.step : (range.maximum - range.minimum) / 100;
-    bool sign = range.alwaysSign;
-    block.minimum = static_cast<float>(range.minimum);
-    block.maximum = static_cast<float>(range.maximum);
-    block.step = static_cast<float>(step);
-    const int decimals = range.decimals < 0 ? DecimalsFor(step) : std::min<int>(range.decimals, kFormatDecimals);
-    if (IsNumberReadout(style)) {
-      sign = sign || range.minimum < 0 || range.maximum < 0;
-      // Rounding may give the largest value one digit more.
-      const double largest =
-          std::fmax(std::fabs(range.minimum), std::fabs(range.maximum)) + 0.5 * std::pow(10, -decimals);
-      block.maximum = ReadableMaximum(range.maximum, largest);
-    }
+    const bool readout = IsReadout(style);
+    block.minimum = minimum;
+    block.maximum = maximum;
+    block.step = step;
+    // The decimals of a clock select what it shows, and have nothing to do with a step.
+    const int derived = readout && (style & kInstrumentShowTime) ? 0 : DecimalsFor(step);
+    const int decimals = range.decimals < 0 ? derived : std::min<int>(range.decimals, kFormatDecimals);
+    const bool sign = range.alwaysSign || (readout && std::min(minimum, maximum) < 0);
     block.format = static_cast<BYTE>(decimals | (sign ? kFormatSign : 0));
     if (IsReadableText(range.unit)) StoreText(block.szUnit, range.unit);
   });
@@ -130,6 +128,9 @@ BOOL SetInstrumentColor(HWND dialog, int id, COLORREF color) {
 }
 
 BOOL SetInstrumentZones(HWND dialog, int id, std::span<const InstrumentZone> zones) {
+  for (const InstrumentZone& zone : zones) {
+    if (std::isnan(zone.lower) || std::isnan(zone.upper)) return FALSE;
+  }
   return ChangeBlock(dialog, id, [&](InstrumentBlock& block, DWORD) {
     for (int i = 0; i < kInstrumentZones; ++i) {
       block.state &= ~ZoneEnabledBit(i);

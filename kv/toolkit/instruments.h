@@ -1,6 +1,7 @@
 // Typed functions for the display instruments of a dialog (kv/controls/display_instrument.h), selected by control id.
 // Changes are painted at once. All functions return 0 and change nothing when the dialog has no instrument with that
-// id. Main thread only.
+// id. They set kInstrumentFitted, as the toolkit's dialogs and the styles of kv/resource.h do: a number is shown with
+// all its digits, rounded where there is no space for its decimals, or not at all. Main thread only.
 #pragma once
 
 #include <windows.h>
@@ -21,8 +22,8 @@ BOOL ClearInstrumentValue(HWND dialog, int id);
 // value.
 BOOL GetInstrumentValue(HWND dialog, int id, double* value);
 
-// Sets or clears style bits (kInstrumentReversed, kInstrumentNoCaption, kInstrumentShowTime ...). The mode does not
-// change. To draw the instrument disabled, use EnableWindow.
+// Sets or clears style bits (kInstrumentReversed, kInstrumentNoCaption, kInstrumentShowTime ...). Mode and
+// kInstrumentFitted do not change. To draw the instrument disabled, use EnableWindow.
 BOOL SetInstrumentStyle(HWND dialog, int id, DWORD bits, BOOL set);
 
 // Sets the time or date of a digital readout.
@@ -35,26 +36,19 @@ struct InstrumentRange {
   double minimum = 0, maximum = 100;
   const wchar_t* unit = nullptr;  // null keeps the unit
   double step = 0;                // 0: a hundredth of the range
-  int decimals = -1;              // decimals, 0..7; -1: derived from the step
-  bool alwaysSign = false;
+  int decimals = -1;              // decimals, 0..7; -1: derived from the step. A clock: what it shows, -1 is 0
+  bool alwaysSign = false;        // a readout whose range has negative values always shows the sign
 };
 
-// Sets range, step, unit and number format. The value, and the target of a glide, are clamped to the range.
-//
-// The number of integer digits of a numeric readout is the rounded logarithm of its maximum: with a maximum of 250 it
-// is two, and 230 reads "30". Therefore this function raises a readout's maximum to the smallest one that shows every
-// value of the range (317 for 250), and shows the sign if the range has negative values. Values up to the raised
-// maximum are not clamped. The number in a segment bar follows the same rule, but its range is not changed, because the
-// scale depends on it: use a maximum such as 99 or 400.
+// Sets range, step, unit and number format. The value, and the target of a glide, are clamped to the range. The minimum
+// may be larger than the maximum; then the scale is reversed. Bounds, step and values are stored as 32-bit floats,
+// which have seven significant digits. Returns 0 if a bound or the step is not finite, or both bounds are equal.
 BOOL SetInstrumentRange(HWND dialog, int id, const InstrumentRange& range);
 
 BOOL SetInstrumentColor(HWND dialog, int id, COLORREF color);
 
 // Replaces all zones, which are coloured parts of the range; at most three. Bounds are clamped to the range, so set the
-// range first.
+// range first. Returns 0 if a bound is NaN.
 BOOL SetInstrumentZones(HWND dialog, int id, std::span<const InstrumentZone> zones);
-
-// The smallest maximum, at least `maximum`, with which a readout shows all digits of `largest`.
-float ReadableMaximum(double maximum, double largest);
 
 }  // namespace kv

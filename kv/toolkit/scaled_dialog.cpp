@@ -22,6 +22,7 @@
 #include "kv/framework/window_position.h"
 #include "kv/lists/extended_list.h"
 #include "kv/toolkit/appearance.h"
+#include "kv/toolkit/control_access.h"
 #include "kv/toolkit/copy_key.h"
 #include "kv/toolkit/dialog_state.h"
 #include "kv/toolkit/languages.h"
@@ -248,6 +249,7 @@ INT_PTR OnInit(HWND dialog, const Opening& opening) {
       CallDialogProcedure(dialog, *state, WM_INITDIALOG, reinterpret_cast<WPARAM>(GetFocus()), options.parameter);
   AssignFonts(dialog);
   VisitChildren(dialog, AddCopyKey);
+  VisitChildren(dialog, FitInstrument);
   Capture(dialog, *state);
   state->textTips = CreateTextTips(dialog);
   ShowLanguage(dialog);

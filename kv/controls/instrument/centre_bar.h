@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include "kv/controls/instrument/fixed_text.h"
 #include "kv/controls/instrument_block.h"
 
 namespace kv {
@@ -11,10 +12,14 @@ namespace kv {
 // The deviation: -100 at the minimum, 0 in the middle of the range, 100 at the maximum.
 double CentreDeviation(const InstrumentReading& reading);
 
-// The bar within the display: from the centre line upwards for a positive deviation, otherwise downwards.
-RECT CentreBar(const RECT& display, double deviation);
+// The bar within the display: from the center line upwards for a positive deviation, otherwise downwards. If `wide`,
+// from the center line to the right, otherwise to the left.
+RECT CentreBar(const RECT& display, double deviation, bool wide);
 
-// Top and height of the value's text: 4 pixels from the centre line, on the side opposite to the bar.
-RECT CentreValueBox(const RECT& display, double deviation, int height);
+// The place of the value's text: 4 pixels from the center line, on the side opposite to the bar.
+RECT CentreValueBox(const RECT& display, double deviation, bool wide, int height);
+
+// The number that fits beside the center line; empty if none does.
+FixedText CentreNumber(const RECT& display, const InstrumentBlock& block, DWORD style, bool wide);
 
 }  // namespace kv

@@ -21,7 +21,7 @@ constexpr double kWidth = 0.54, kStroke = 0.115, kBetween = 0.17, kSeparator = 0
 // Margins around the characters.
 constexpr double kMarginX = 0.03, kMarginY = 0.10;
 
-constexpr int kMinHeightWithCaption = 24, kCaptionRightMargin = 4;
+constexpr int kCaptionRightMargin = 4;
 
 constexpr unsigned kLeftSide = kSegmentUpperLeft | kSegmentLowerLeft,
                    kRightSide = kSegmentUpperRight | kSegmentLowerRight, kStem = kStrokeStemUpper | kStrokeStemLower,
@@ -191,7 +191,7 @@ DigitalParts LayOutDigital(const RECT& area, DWORD style) {
   const int height = area.bottom - area.top;
   DigitalParts parts{0, {}, area};
   if (height < kMinHeightWithCaption || (style & kInstrumentNoCaption)) return parts;
-  parts.captionHeight = CaptionFontHeight(height);
+  parts.captionHeight = CaptionFontHeight(height, style);
   parts.caption = {area.left, area.top, area.right - kCaptionRightMargin, area.top + parts.captionHeight};
   parts.display.top += parts.captionHeight;
   return parts;

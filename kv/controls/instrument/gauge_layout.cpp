@@ -322,9 +322,7 @@ GaugeText LayOutGaugeValue(const Dial& dial, const InstrumentBlock& block, TextM
   const InstrumentReading reading = ReadingOf(block);
   const RECT box = GaugeValueBox(dial);
   const int space = box.right - box.left - 2, wanted = Round(std::max(10.0, dial.innerRadius * 0.25));
-  const NumberFormList forms =
-      reading.valid ? NumberForms(reading.value, block.format & kFormatDecimals, (block.format & kFormatSign) != 0)
-                    : NumberFormList{L"---"};
+  const NumberFormList forms = reading.valid ? NumberForms(reading, block.format) : NumberFormList{L"---"};
   // A truncated number would be wrong: the last form is made as small as necessary.
   for (const FixedText& form : forms) {
     const int least = &form == &forms.back() ? 1 : kMinFontHeight;

@@ -36,7 +36,8 @@ BarParts LayOutBar(const RECT& area, DWORD style) {
     const DigitalParts parts = LayOutDigital(area, style & ~kInstrumentNoCaption);
     return {parts.caption, parts.captionHeight, parts.display};
   }
-  const int font = CaptionFontHeight(area.right - area.left);
+  const int font =
+      std::min<int>(CaptionFontHeight(area.right - area.left, style), std::max<LONG>(14, (area.bottom - area.top) / 8));
   BarParts parts{area, font, area};
   parts.caption.bottom = parts.display.top = std::min(area.top + font + 1, area.bottom);
   return parts;
@@ -90,6 +91,19 @@ BarSpan SegmentSpan(double length, int count, int index) {
   return {static_cast<double>(from), static_cast<double>(std::max(from, to))};
 }
 
+FixedText SegmentBarNumber(const RECT& bar, const InstrumentBlock& block, DWORD style) {
+  constexpr int kMinCharacterWidth = 3;
+  const InstrumentReading reading = ReadingOf(block);
+  if (!reading.valid) return NoValueNumber(block, style);
+  // At the minimum, the bar is empty and has no number.
+  if (style & kInstrumentFitted) {
+    const int most = (bar.right - bar.left) / (kMinCharacterWidth + 1) - 2;
+    return reading.value != reading.minimum ? FittedNumber(reading, block.format, most) : FixedText();
+  }
+  const bool shown = block.current > block.minimum && block.current <= block.maximum;
+  return shown ? FixedWidthNumber(reading.value, NumberWidth(block), block.format) : FixedText();
+}
+
 bool IsVerticalBar(const RECT& area) {
   return area.right - area.left <= area.bottom - area.top;
 }
@@ -130,12 +144,7 @@ struct Segment {
 void DrawSegment(Canvas& canvas, const InstrumentAppearance&, const Segment& segment) {
   const RECT& place = segment.place;
   if (!segment.lit) return FillArea(canvas, place, ShadeColor(segment.color, kUnlit));
-  // Shaded as if rounded: brighter in the middle, darker towards both sides.
-  const COLORREF edge = ShadeColor(segment.color, 0.72);
-  if (segment.vertical) return FillRounded(canvas, place, edge, segment.color);
-  const LONG middle = (place.top + place.bottom) / 2;
-  FillAreaDown(canvas, {place.left, place.top, place.right, middle}, edge, segment.color);
-  FillAreaDown(canvas, {place.left, middle, place.right, place.bottom}, segment.color, edge);
+  FillRounded(canvas, place, segment.vertical, ShadeColor(segment.color, 0.72), segment.color);
 }
 
 struct Marker {
@@ -185,35 +194,39 @@ void DrawNumber(Canvas& canvas, const InstrumentAppearance& appearance, const Nu
   for (const wchar_t character : number.text) width += advanceOf(InstrumentGlyph(character));
   const PointD middle{(number.place.left + number.place.right) / 2.0,
                       number.place.top + number.height * kCapitalMiddle};
-  const auto write = [&](double x, double y, COLORREF color) {
-    BeginShape(canvas);
+  const auto add = [&](double x, double y, COLORREF color) {
     for (double passed = -width / 2; const wchar_t character : number.text) {
       const GlyphOutline* glyph = InstrumentGlyph(character);
       const double along = (passed + advanceOf(glyph) / 2) * capital * stretch;
       if (glyph) AddGlyph(canvas, *glyph, {middle.x + x, middle.y + y}, along, capital, 0, color, stretch);
       passed += advanceOf(glyph);
     }
+  };
+  // A wide black edge separates the number from the lit segments, which may have its color. It consists of shifted
+  // numbers; the last number covers its inside.
+  BeginShape(canvas);
+  for (double angle = 0; angle < 360; angle += 45) {
+    const PointD shift = PolarPoint({-1, -1}, number.edge, angle);
+    add(shift.x, shift.y, RGB(0, 0, 0));
+  }
+  FillShape(canvas, RGB(0, 0, 0));
+  const auto write = [&](double shift, COLORREF color) {
+    BeginShape(canvas);
+    add(shift, shift, color);
     FillShape(canvas, color);
   };
-  // Number and lit segments have the same colour: a black edge separates them. It consists of four shifted numbers; the
-  // last number covers its inside.
-  const int edge = number.edge;
-  for (const int x : {-edge, edge}) {
-    for (const int y : {-edge, edge}) write(x - 1, y - 1, RGB(0, 0, 0));
-  }
-  write(0, 0, kValueShadow);
-  write(-1, -1, DisplayColor(appearance));
+  write(0, kValueShadow);
+  const bool fitted = (appearance.style & kInstrumentFitted) != 0;
+  write(-1, fitted ? ShownColor(appearance, RGB(255, 255, 255)) : DisplayColor(appearance));
 }
 
 void AddNumber(ValueLayer& layer, const RECT& bar, const InstrumentBlock& block) {
-  const InstrumentReading reading = ReadingOf(block);
-  // At the minimum, the bar is empty and has no number.
-  if (reading.valid && !(block.current > block.minimum && block.current <= block.maximum)) return;
-  const FixedText text =
-      reading.valid ? FixedWidthNumber(reading.value, NumberWidth(block), block.format) : NoValueNumber(block);
-  const int characterWidth = (bar.right - bar.left) / (static_cast<int>(text.size()) + 2) - 1;
-  if (characterWidth < 1) return;
-  const int height = static_cast<int>(2.5 * characterWidth), edge = std::clamp(height / 30, 1, 2);
+  const DWORD style = layer.appearance().style;
+  const FixedText text = SegmentBarNumber(bar, block, style);
+  int characterWidth = (bar.right - bar.left) / (static_cast<int>(text.size()) + 2) - 1;
+  if (style & kInstrumentFitted) characterWidth = std::min<int>(characterWidth, (bar.bottom - bar.top) / 10);
+  if (characterWidth < 1 || text.empty()) return;
+  const int height = static_cast<int>(2.5 * characterWidth), edge = std::max(1, height / 14);
   const RECT place{bar.left, bar.bottom - height - 2, bar.right, bar.bottom - 2};
   RECT reach = place;
   InflateRect(&reach, 0, edge + 3);
@@ -242,8 +255,9 @@ void AddParts(ValueLayer& layer, const InstrumentBlock& block, const char*) {
     const double value = reading.minimum + (reading.maximum - reading.minimum) * (i + 0.5) / count;
     layer.Add(place, Segment{place, SegmentColor(appearance, value), i < lit, frame.vertical}, DrawSegment);
   }
+  // At an end of the bar, a marker shows nothing.
   const double marker = MarkerPercent(block);
-  if (marker != kNoMarker) layer.Add(frame.area, Marker{frame, marker}, DrawMarker);
+  if (marker > 0 && marker < 100) layer.Add(frame.area, Marker{frame, marker}, DrawMarker);
   if (frame.vertical) AddNumber(layer, frame.area, block);
 }
 

@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include "kv/controls/instrument/fixed_text.h"
 #include "kv/controls/instrument_block.h"
 
 namespace kv {
@@ -24,6 +25,9 @@ struct BarSpan {
 };
 // The range of segment `index` of `count` in a bar of `length` pixels, without the gap to the next segment.
 BarSpan SegmentSpan(double length, int count, int index);
+
+// The number that a vertical bar shows within its frame; empty if none is shown.
+FixedText SegmentBarNumber(const RECT& bar, const InstrumentBlock& block, DWORD style);
 
 bool IsVerticalBar(const RECT& area);
 

@@ -19,6 +19,7 @@ constexpr UINT kWestern = 1252;
 constexpr wchar_t kPadding[] = L"                ";  // 16 blanks before the number, enough for every width
 constexpr wchar_t kDashes[] = L"----------------";
 constexpr size_t kPointSearch = 32;
+constexpr int kMaxDashes = 15, kMaxReadout = 31;  // characters
 
 int DecimalsOf(BYTE format) {
   return format & kFormatDecimals;
@@ -35,6 +36,20 @@ FixedText Format(const wchar_t* format, Arguments... arguments) {
 int IntegerDigits(float maximum) {
   const double magnitude = std::log10(std::fabs(static_cast<double>(maximum)));
   return std::isfinite(magnitude) ? static_cast<int>(magnitude + 0.5) : 0;
+}
+
+bool HasSign(BYTE format) {
+  return (format & kFormatSign) != 0;
+}
+
+// The number of decimals with which at least ten values of the range differ.
+int LeastDecimals(const InstrumentReading& reading) {
+  return static_cast<int>(std::max(0.0, std::ceil(1 - std::log10(std::fabs(reading.maximum - reading.minimum)))));
+}
+
+int LongestNumber(const InstrumentReading& reading, int decimals, bool sign) {
+  return static_cast<int>(std::max(PlainNumber(reading.minimum, decimals, sign).size(),
+                                   PlainNumber(reading.maximum, decimals, sign).size()));
 }
 
 long MillisecondsOfDay(const SYSTEMTIME& time) {
@@ -131,12 +146,27 @@ FixedText PlainNumber(double value, int decimals, bool sign) {
   return zero ? FixedText(text.view().substr(text.view().find_first_not_of(L"+-"))) : text;
 }
 
-NumberFormList NumberForms(double value, int decimals, bool sign) {
+NumberFormList NumberForms(const InstrumentReading& reading, BYTE format) {
   NumberFormList forms;
-  for (; decimals >= 0; --decimals) forms.push_back(PlainNumber(value, decimals, sign));
-  const FixedText power = ShortNumber(value);
+  const int decimals = DecimalsOf(format), least = std::min(decimals, LeastDecimals(reading));
+  for (int i = decimals; i >= least; --i) forms.push_back(PlainNumber(reading.value, i, HasSign(format)));
+  const FixedText power = ShortNumber(reading.value);
   if (power.size() < forms.back().size()) forms.push_back(power);
   return forms;
+}
+
+FixedText FittedNumber(const InstrumentReading& reading, BYTE format, int most) {
+  const int least = std::min(DecimalsOf(format), LeastDecimals(reading));
+  for (int decimals = DecimalsOf(format); decimals >= least; --decimals) {
+    const int width = LongestNumber(reading, decimals, HasSign(format));
+    if (width > most) continue;
+    const FixedText text = PlainNumber(reading.value, decimals, HasSign(format));
+    FixedText padded;
+    while (padded.size() + text.size() < static_cast<size_t>(width)) padded += L' ';
+    return padded + text;
+  }
+  const FixedText power = ShortNumber(reading.value);
+  return static_cast<int>(power.size()) <= most ? power : FixedText();
 }
 
 int NumberWidth(const InstrumentBlock& block) {
@@ -144,8 +174,11 @@ int NumberWidth(const InstrumentBlock& block) {
   return decimals + (decimals > 0 ? 1 : 0) + IntegerDigits(block.maximum) + (block.format & kFormatSign ? 1 : 0);
 }
 
-FixedText NoValueNumber(const InstrumentBlock& block) {
-  const int width = std::max(1, NumberWidth(block));
+FixedText NoValueNumber(const InstrumentBlock& block, DWORD style) {
+  const int width =
+      style & kInstrumentFitted
+          ? std::min(LongestNumber(ReadingOf(block), DecimalsOf(block.format), HasSign(block.format)), kMaxDashes)
+          : std::max(1, NumberWidth(block));
   if (DecimalsOf(block.format) == 0) return std::wstring_view(kDashes).substr(0, width);
   FixedText text = std::wstring_view(kDashes).substr(0, width + 1);
   if (static_cast<size_t>(width) <= text.size()) text[width - 1] = L'.';
@@ -184,9 +217,15 @@ FixedText DigitalText(const InstrumentBlock& block, DWORD style, const SYSTEMTIM
   if (style & kInstrumentShowTime) return TimeText(time, DecimalsOf(block.format), reading.valid);
   if (style & kInstrumentShowDate) return DateText(time, reading.valid);
   if (style & kInstrumentShowAngle) {
-    return reading.valid ? AngleText(reading.value, block.szUnit) : FixedText(L"--.--.--.--");
+    if (!reading.valid) return L"--.--.--.--";
+    const FixedText angle = AngleText(reading.value, block.szUnit);
+    // Without a letter for the hemisphere, a negative angle would look like a positive one.
+    const bool needsSign = (style & kInstrumentFitted) && reading.value < 0 && !IsCharAlphaA(block.szUnit[1]);
+    return needsSign ? FixedText(L"-") + WithoutPadding(angle) : angle;
   }
-  return reading.valid ? FixedWidthNumber(reading.value, NumberWidth(block), block.format) : NoValueNumber(block);
+  if (!reading.valid) return NoValueNumber(block, style);
+  return style & kInstrumentFitted ? FittedNumber(reading, block.format, kMaxReadout)
+                                   : FixedWidthNumber(reading.value, NumberWidth(block), block.format);
 }
 
 }  // namespace kv

@@ -25,16 +25,21 @@ FixedText WithoutPadding(std::wstring_view text);
 // The number with as many digits as it needs; without sign if rounded to zero.
 FixedText PlainNumber(double value, int decimals, bool sign);
 
-// The number, then ever shorter forms, so that the caller can select one that fits: with fewer decimals, and finally,
-// if that is shorter, with three digits and a power of ten. A block's format has at most seven decimals.
+// The number, then ever shorter forms, so that the caller can select one that fits: with fewer decimals, as long as
+// these tell values of the range apart, and finally, if that is shorter, with three digits and a power of ten. A
+// block's format has at most seven decimals.
 using NumberFormList = FixedList<FixedText, 9>;
-NumberFormList NumberForms(double value, int decimals, bool sign);
+NumberFormList NumberForms(const InstrumentReading& reading, BYTE format);
+
+// For kInstrumentFitted: the number in the longest form with at most `most` characters, padded on the left to the
+// length of the longest number of the range. Empty if no form fits.
+FixedText FittedNumber(const InstrumentReading& reading, BYTE format, int most);
 
 // The width in characters for the block's maximum, decimals and sign.
 int NumberWidth(const InstrumentBlock& block);
 
-// Dashes of the block's width, with one after the point.
-FixedText NoValueNumber(const InstrumentBlock& block);
+// Dashes of the width of the block's numbers, with one after the point.
+FixedText NoValueNumber(const InstrumentBlock& block, DWORD style);
 
 // The value as degrees, minutes, seconds, hundredths and the hemisphere letter, separated by points.
 FixedText AngleText(double degrees, const char (&hemispheres)[6]);

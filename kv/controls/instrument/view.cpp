@@ -70,15 +70,19 @@ void DrawTextLine(Canvas& canvas, HFONT font, std::wstring_view text, RECT area,
             align | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
 }
 
-int CaptionFontHeight(int governingSide) {
-  return governingSide < 32 ? 9 : 14;
+int CaptionFontHeight(int governingSide, DWORD style) {
+  constexpr int kSmall = 9, kNormal = 14;
+  if (!(style & kInstrumentFitted)) return governingSide < 32 ? kSmall : kNormal;
+  return std::max({kSmall, std::min(kNormal, governingSide * 3 / 10), governingSide / 5});
 }
 
 void DrawCaption(Canvas& canvas, const RECT& strip, const InstrumentAppearance& appearance, int fontHeight,
                  UINT align) {
-  DrawTextLine(canvas, InstrumentFont(fontHeight, static_cast<int>(fontHeight / 2.5), FW_NORMAL),
-               DecodedName(appearance.block), strip,
-               GetSysColor(IsDisabled(appearance) ? COLOR_GRAYTEXT : COLOR_BTNTEXT), align);
+  const FixedText name = DecodedName(appearance.block);
+  const bool fitted = (appearance.style & kInstrumentFitted) != 0;
+  const int height = fitted ? FittingHeight(name, fontHeight, 9, strip.right - strip.left, FW_NORMAL) : fontHeight;
+  DrawTextLine(canvas, InstrumentFont(height, fitted ? 0 : static_cast<int>(height / 2.5), FW_NORMAL), name, strip,
+               GetSysColor(IsDisabled(appearance) ? COLOR_GRAYTEXT : COLOR_BTNTEXT), fitted ? DT_CENTER : align);
 }
 
 void DrawDisplayWell(Canvas& canvas, RECT area) {
@@ -92,11 +96,16 @@ RECT WithinFrame(RECT area) {
   return area;
 }
 
-void FillRounded(Canvas& canvas, const RECT& area, COLORREF edge, COLORREF color) {
-  RECT left = area, right = area;
-  left.right = right.left = (area.left + area.right) / 2;
-  FillAreaAcross(canvas, left, edge, color);
-  FillAreaAcross(canvas, right, color, edge);
+void FillRounded(Canvas& canvas, const RECT& area, bool vertical, COLORREF edge, COLORREF color) {
+  RECT first = area, second = area;
+  if (vertical) {
+    first.right = second.left = (area.left + area.right) / 2;
+  } else {
+    first.bottom = second.top = (area.top + area.bottom) / 2;
+  }
+  const auto fill = vertical ? FillAreaAcross : FillAreaDown;
+  fill(canvas, first, edge, color);
+  fill(canvas, second, color, edge);
 }
 
 Dial DialIn(const RECT& area) {

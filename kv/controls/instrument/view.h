@@ -42,16 +42,18 @@ int FittingHeight(std::wstring_view text, int height, int least, int width, int 
 // that does not fit ends in an ellipsis, or extends beyond the area with DT_NOCLIP.
 void DrawTextLine(Canvas& canvas, HFONT font, std::wstring_view text, RECT area, COLORREF color, UINT align);
 
-// The caption of rectangular modes: its font height; draws the block's name in the system's text colour.
-int CaptionFontHeight(int governingSide);
+// The caption of rectangular modes: its font height; draws the block's name in the system's text color. With
+// kInstrumentFitted it grows with the control, has the font's own proportions, and is always centered.
+inline constexpr int kMinHeightWithCaption = 24;
+int CaptionFontHeight(int governingSide, DWORD style);
 void DrawCaption(Canvas& canvas, const RECT& strip, const InstrumentAppearance& appearance, int fontHeight, UINT align);
 
 // A black display with a sunken frame: draws it; the area within the frame.
 void DrawDisplayWell(Canvas& canvas, RECT area);
 RECT WithinFrame(RECT area);
 
-// Draws two gradients across the area: from `edge` at both sides to `color` in the middle.
-void FillRounded(Canvas& canvas, const RECT& area, COLORREF edge, COLORREF color);
+// Draws a bar as if rounded: two gradients across it, from `edge` at both sides to `color` in the middle.
+void FillRounded(Canvas& canvas, const RECT& area, bool vertical, COLORREF edge, COLORREF color);
 
 // The geometry of a round case, in pixels.
 struct Dial {

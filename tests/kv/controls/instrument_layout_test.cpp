@@ -109,22 +109,27 @@ TEST(InstrumentText, FixedWidthKeepsTheLowOrderDigits) {
   EXPECT_GE(60u, FixedWidthNumber(3.4e38, 4, 2).size());
   for (const double wild : {1e300, static_cast<double>(NAN)}) EXPECT_FALSE(FixedWidthNumber(wild, 5, 7).empty());
   using Forms = std::vector<std::wstring>;
-  const auto forms = [](double value, int decimals, bool sign) {
-    const NumberFormList list = NumberForms(value, decimals, sign);
+  const auto forms = [](double maximum, double value, int format) {
+    const NumberFormList list = NumberForms({0, maximum, value, true}, static_cast<BYTE>(format));
     return Forms(list.begin(), list.end());
   };
-  EXPECT_EQ((Forms{L"1013.28", L"1013.3", L"1013"}), forms(1013.28, 2, false));
-  EXPECT_EQ((Forms{L"1234567890", L"1.23e9"}), forms(1234567890, 0, false));
-  EXPECT_EQ((Forms{L"-0.3", L"0"}), forms(-0.3, 1, true));  // no sign if rounded to zero
+  EXPECT_EQ((Forms{L"1013.28", L"1013.3", L"1013"}), forms(2000, 1013.28, 2));
+  EXPECT_EQ((Forms{L"1234567890", L"1.23e9"}), forms(2e9, 1234567890, 0));
+  EXPECT_EQ((Forms{L"-0.3", L"0"}), forms(-10, -0.3, kFormatSign | 1));  // no sign if rounded to zero
+  EXPECT_EQ((Forms{L"0.00330", L"0.0033"}), forms(0.0042, 0.0033, 5));   // not "0.0"
 }
 
 TEST(InstrumentText, WidthFollowsTheMaximum) {
   const std::tuple<float, BYTE, int> widths[] = {
       {100, 0, 2}, {999, 0, 3}, {100, kFormatSign | 2, 6}, {0, 0, 0}, {kInfinite, 0, 0}};
   for (const auto& [maximum, format, width] : widths) EXPECT_EQ(width, NumberWidth(Block(0, maximum, 1, format, 0)));
-  EXPECT_EQ(L"--", NoValueNumber(Block(0, 100, 1, 0, 0)));
-  EXPECT_EQ(L"----.-", NoValueNumber(Block(0, 100, 1, 2, 0)));  // one dash after the point for any number of decimals
-  EXPECT_GE(16u, NoValueNumber(Block(0, 3e38f, 1, 7, 0)).size());
+  EXPECT_EQ(L"--", NoValueNumber(Block(0, 100, 1, 0, 0), 0));
+  EXPECT_EQ(L"---", NoValueNumber(Block(0, 100, 1, 0, 0), kInstrumentFitted));
+  // One dash after the point for any number of decimals.
+  EXPECT_EQ(L"----.-", NoValueNumber(Block(0, 100, 1, 2, 0), 0));
+  for (const DWORD style : {DWORD{0}, kInstrumentFitted}) {
+    EXPECT_GE(16u, NoValueNumber(Block(0, 3e38f, 1, 7, 0), style).size());
+  }
 }
 
 TEST(InstrumentText, AnglesTimesAndDates) {
@@ -289,15 +294,19 @@ TEST(InstrumentBars, SegmentsFollowRangeAndStep) {
 }
 
 TEST(InstrumentBars, CentreZeroGrowsFromTheMiddle) {
-  const RECT display{10, 20, 50, 120};
-  // The value in a range up to 100, the bar's ends, and the left edge of the text.
+  const RECT display{10, 20, 50, 120}, turned{20, 10, 120, 50};
+  // The value in a range up to 100, the bar's ends, and the top of the text.
   const std::tuple<float, LONG, LONG, LONG> cases[] = {
       {70, 50, 70, 74}, {30, 70, 90, 54}, {50, 70, 70, 54}, {100, 20, 70, 74}};
   for (const auto& [value, top, bottom, text] : cases) {
     const double deviation = CentreDeviation(ReadingOf(Block(0, 100, 1, 0, value)));
-    const RECT bar = CentreBar(display, deviation);
+    const RECT bar = CentreBar(display, deviation, false);
     EXPECT_EQ(std::tuple(top, bottom, text),
-              std::tuple(bar.top, bar.bottom, CentreValueBox(display, deviation, 12).top));
+              std::tuple(bar.top, bar.bottom, CentreValueBox(display, deviation, false, 12).top));
+    // A wide bar grows to the right; its text ends or begins at the center line.
+    const RECT wide = CentreBar(turned, deviation, true), place = CentreValueBox(turned, deviation, true, 12);
+    EXPECT_EQ(std::tuple(140 - bottom, 140 - top), std::tuple(wide.left, wide.right));
+    EXPECT_EQ(deviation > 0 ? std::tuple(20L, 66L) : std::tuple(74L, 120L), std::tuple(place.left, place.right));
   }
 }
 

@@ -128,7 +128,10 @@ TEST_F(InstrumentRendering, PartialRedrawEqualsFullRedraw) {
                           kModeSegmentBar,
                           kModeSegmentBar | kInstrumentReversed,
                           kModeCompass,
-                          kModeCentreBar};
+                          kModeCentreBar,
+                          kModeDigital | kInstrumentFitted,
+                          kModeSegmentBar | kInstrumentFitted,
+                          kModeCentreBar | kInstrumentFitted};
   const int steps = RedrawCount(160) / static_cast<int>(std::size(styles));
   for (unsigned seed = 1; seed <= 3; ++seed) {
     for (const DWORD style : styles) {
@@ -172,6 +175,42 @@ TEST_F(InstrumentRendering, SeveralThreadsDrawCorrectImages) {
   EXPECT_EQ(east, TurnCard(60, both));
   other.join();
   EXPECT_EQ(west, others);
+}
+
+// A wide center-zero bar is empty without kInstrumentFitted.
+TEST_F(InstrumentRendering, FittedBarsAreDrawnAtEveryShape) {
+  for (const SIZE& size : {SIZE{60, 20}, {120, 40}, {240, 60}, {40, 120}, {90, 90}}) {
+    for (const DWORD fitted : {DWORD{0}, kInstrumentFitted}) {
+      HWND bar = Create(kModeCentreBar | fitted, size.cx, size.cy);
+      SetValue(bar, 60);
+      const Shown shown(bar, size.cx, size.cy);
+      const auto isColored = [](COLORREF color, int, int) { return GetRValue(color) > GetBValue(color) + 100; };
+      const auto isRight = [&](COLORREF color, int x, int y) { return isColored(color, x, y) && x > size.cx / 2; };
+      const bool wide = size.cx > size.cy, empty = wide && !fitted;
+      const int colored = shown.CountWhere(isColored);
+      EXPECT_EQ(empty, colored < size.cx * size.cy / 10) << size.cx;
+      EXPECT_TRUE(!wide || colored == shown.CountWhere(isRight)) << size.cx;
+      const auto isInk = [&](COLORREF color, int x, int y) {
+        return color == RGB(255, 255, 255) && x > 3 && y > 3 && x < size.cx - 3 && y < size.cy - 3;
+      };
+      EXPECT_EQ(empty, shown.CountWhere(isInk) < 10) << size.cx;
+      DestroyWindow(bar);
+    }
+  }
+}
+
+TEST_F(InstrumentRendering, SegmentBarsHaveAMarkerOnlyWithinTheRange) {
+  HWND bar = Create(kModeSegmentBar, 60, 200);
+  InstrumentBlock block = BlockOf(bar);
+  block.state = ZoneEnabledBit(0);
+  for (const float lower : {0.0f, 50.0f, 100.0f}) {
+    block.zones[0] = {lower, 100, kOrange, {}, 0};
+    Send(bar, kCommandBlock | kCommandRedraw, &block);
+    const auto isMarker = [](COLORREF color, int x, int y) {
+      return color == RGB(255, 255, 255) && x > 3 && x < 56 && y < 196;
+    };
+    EXPECT_EQ(lower == 50, Shown(bar, 60, 200).CountWhere(isMarker) > 20) << lower;
+  }
 }
 
 TEST_F(InstrumentRendering, SegmentsStartAtTheConfiguredEnd) {

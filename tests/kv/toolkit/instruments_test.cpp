@@ -8,10 +8,13 @@
 #include <tuple>
 
 #include "kv/controls/display_instrument.h"
+#include "kv/controls/instrument/centre_bar.h"
+#include "kv/controls/instrument/gauge_layout.h"
+#include "kv/controls/instrument/segment_bar.h"
 #include "kv/controls/instrument/text.h"
 #include "kv/controls/instrument_block.h"
-#include "kv/framework/bounded_format.h"
 #include "kv/framework/control_class.h"
+#include "kv/resource.h"
 #include "tests/support/control_test.h"
 #include "tests/support/test_window.h"
 
@@ -36,28 +39,92 @@ class Instruments : public kvtest::ControlTest<RegisterDisplayInstrumentClass> {
   DWORD style_ = 0;
 };
 
-TEST_F(Instruments, ReadoutsShowAllDigitsOfEveryValue) {
-  Make(kModeDigital);
-  // The range, and the decimals that result from a hundredth of it.
-  const std::tuple<double, double, int> ranges[] = {{0, 250, 0},   {0, 100, 0},   {0, 99, 1},    {0, 9.99, 2},
-                                                    {0, 1, 2},     {-10, 10, 1},  {-500, 50, 0}, {-5, -1, 2},
-                                                    {0, 31622, 0}, {0, 999.6, 0}, {0, 0.05, 4}};
-  for (const auto& [minimum, maximum, decimals] : ranges) {
-    ASSERT_TRUE(SetInstrumentRange(parent_, kId, {.minimum = minimum, .maximum = maximum}));
-    for (double value : {minimum, maximum, 0.77 * maximum + 0.23 * minimum}) {
-      ASSERT_TRUE(SetInstrumentValue(parent_, kId, value, FALSE));
-      wchar_t expected[40];
-      FormatBounded(expected, sizeof(expected), minimum < 0 ? L"%+.*f" : L"%.*f", decimals,
-                    static_cast<double>(static_cast<float>(value)));
-      EXPECT_EQ(expected, WithoutPadding(DigitalText(Block(), style_, {}))) << minimum << ".." << maximum;
+constexpr SIZE kSizes[] = {{80, 60}, {60, 200}, {20, 90}, {300, 40}, {16, 16}};
+
+// The number that an instrument of this size shows; empty if it shows none.
+std::wstring ShownNumber(const InstrumentBlock& block, DWORD style, SIZE size) {
+  const RECT area{0, 0, size.cx, size.cy};
+  const auto measure = [](std::wstring_view text, int height, int) {
+    return SIZE{static_cast<LONG>(text.size()) * height / 2, height};
+  };
+  FixedText text;
+  switch (style & kInstrumentModeBits) {
+    case kModeDigital: text = DigitalText(block, style, {}); break;
+    case kModeSegmentBar: text = SegmentBarNumber(area, block, style); break;
+    case kModeCentreBar: text = CentreNumber(area, block, style, size.cx > size.cy); break;
+    default: text = LayOutGaugeValue(DialIn(area), block, measure).text; break;
+  }
+  return std::wstring(WithoutPadding(text));
+}
+
+// Whether the text is the number, rounded to its last digit.
+bool IsNumber(const std::wstring& text, double number) {
+  const size_t power = text.find(L'e'), point = text.find(L'.'), end = std::min(power, text.size());
+  const int decimals = point < end ? static_cast<int>(end - point) - 1 : 0;
+  const double unit = std::pow(10, (power < text.size() ? std::stoi(text.substr(power + 1)) : 0) - decimals);
+  return std::fabs(std::stod(text) - number) <= 0.5001 * unit;
+}
+
+// In every mode, a typed call and a template of the toolkit alone are enough for correct numbers.
+TEST_F(Instruments, ShowNoNumberThatDiffersFromTheValue) {
+  const std::tuple<double, double> ranges[] = {
+      {0, 100},    {0, 250},     {0, 99},      {0, 9.99},  {0, 1},       {-10, 10},    {100, -100}, {200, 50},
+      {-500, 50},  {-5, -1},     {0, 31622},   {0, 999.6}, {0, 0.05},    {1e-7, 2e-7}, {0, 3.2e7},  {-3e38, 3e38},
+      {-0.4, 0.4}, {90000, 1e5}, {-1000, 999}, {0, 1e15},  {31.6, 31.7}, {-12.34, 50}};
+  const DWORD modes[] = {kModeDigital, kModeSegmentBar, kModeCentreBar, kModeGauge};
+  for (const DWORD mode : modes) {
+    Make(mode);
+    for (const auto& [minimum, maximum] : ranges) {
+      ASSERT_TRUE(SetInstrumentRange(parent_, kId, {.minimum = minimum, .maximum = maximum}));
+      for (const double part : {0.0, 0.003, 0.23, 0.5, 0.77, 1.0}) {
+        ASSERT_TRUE(SetInstrumentValue(parent_, kId, minimum + (maximum - minimum) * part, FALSE));
+        const InstrumentBlock block = Block();
+        DWORD style = 0;
+        SendMessageA(control_, kControlCommand, kCommandStyle | kCommandRead, reinterpret_cast<LPARAM>(&style));
+        for (const SIZE& size : kSizes) {
+          const std::wstring text = ShownNumber(block, style, size);
+          EXPECT_TRUE(text.empty() || IsNumber(text, block.current)) << mode << ": " << block.current << " " << text;
+          const bool absent = mode == kModeSegmentBar && part == 0;
+          EXPECT_TRUE(!text.empty() || absent || size.cx < 60 || mode == kModeGauge) << mode << ": " << block.current;
+        }
+      }
     }
   }
-  EXPECT_EQ(317, ReadableMaximum(250, 250));
-  EXPECT_EQ(999, ReadableMaximum(999, 999));
-  Make(kModeGauge);  // a scale's range is not extended
+  const std::tuple<DWORD, float, std::wstring> alone[] = {{KV_READOUT, 100, L"100"},
+                                                          {KV_SEGMENT_BAR, 100, L"100"},
+                                                          {KV_CENTER_ZERO_BAR, -100, L"-100"},
+                                                          {KV_READOUT | KV_SHOW_ANGLE, 7.5, L"7.30.00.00.%"}};
+  for (const auto& [style, value, text] : alone) {
+    Make(style);
+    SendMessageA(control_, kControlCommand, kCommandValue, reinterpret_cast<LPARAM>(&value));
+    EXPECT_EQ(text, ShownNumber(Block(), style, {80, 60}));
+    Make(style & kInstrumentModeBits);
+    ASSERT_TRUE(SetInstrumentValue(parent_, kId, value, FALSE));
+    SendMessageA(control_, kControlCommand, kCommandStyle | kCommandRead, reinterpret_cast<LPARAM>(&style_));
+    EXPECT_TRUE(style_ & kInstrumentFitted);
+  }
+  InstrumentBlock west = Block();
+  west.minimum = -180, west.current = -7.5f;  // the unit has no letters for hemispheres
+  EXPECT_EQ(L"-7.30.00.00.", ShownNumber(west, KV_READOUT | KV_SHOW_ANGLE, {80, 60}).substr(0, 12));
+}
+
+TEST_F(Instruments, RejectRangesWithoutValues) {
+  Make(kModeGauge);
   SetInstrumentRange(parent_, kId, {.maximum = 250, .unit = L"°C", .step = 0.25, .decimals = 9});
-  EXPECT_EQ(std::tuple(250, 0.25f, 7), std::tuple(Block().maximum, Block().step, Block().format));
-  EXPECT_EQ(L"°C", InstrumentUnit(Block()));
+  const InstrumentBlock before = Block();
+  EXPECT_EQ(std::tuple(250, 0.25f, 7), std::tuple(before.maximum, before.step, before.format));
+  EXPECT_EQ(L"°C", InstrumentUnit(before));
+  const InstrumentRange ranges[] = {
+      {.maximum = NAN},  {.minimum = NAN}, {.minimum = 5, .maximum = 5},           {.maximum = INFINITY},
+      {.maximum = 1e39}, {.step = NAN},    {.minimum = 1e9 + 0.01, .maximum = 1e9}};
+  for (const InstrumentRange& range : ranges) EXPECT_FALSE(SetInstrumentRange(parent_, kId, range));
+  const InstrumentZone zone{0, NAN, RGB(1, 2, 3)};
+  EXPECT_FALSE(SetInstrumentZones(parent_, kId, {&zone, 1}));
+  const InstrumentBlock after = Block();
+  EXPECT_EQ(0, memcmp(&before, &after, sizeof(before)));
+  Make(kModeDigital | kInstrumentShowTime);  // hours, minutes, seconds whatever the step
+  EXPECT_TRUE(SetInstrumentRange(parent_, kId, {.maximum = 1}));
+  EXPECT_EQ(0, Block().format);
 }
 
 TEST_F(Instruments, SetsNamesZonesAndValues) {
