@@ -1,58 +1,153 @@
-// Menu, buttons and keys.
+#include "camview/commands.h"
+
 #include <windows.h>
 
-#include <commctrl.h>
-
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstddef>
 #include <iterator>
+#include <optional>
 #include <string>
 
-#include "camview/keys_dialog.h"
+#include "camera/text.h"
+#include "camview/dialogs.h"
+#include "camview/display.h"
+#include "camview/image.h"
 #include "camview/live_source.h"
-#include "camview/playback.h"
+#include "camview/record_store.h"
 #include "camview/resource_ids.h"
+#include "camview/settings.h"
+#include "camview/source.h"
 #include "camview/status_line.h"
-#include "camview/view.h"
+#include "camview/timeline.h"
+#include "camview/view_time.h"
 #include "kv/controls/strip_chart/strip_chart.h"
+#include "kv/framework/bitmaps.h"
+#include "kv/framework/bounded_format.h"
+#include "kv/framework/canvas.h"
+#include "kv/framework/control_class.h"
+#include "kv/framework/file_path.h"
 #include "kv/framework/version.h"
+#include "kv/toolkit/ask_path.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/locale_text.h"
+#include "kv/toolkit/png_file.h"
 
 namespace camview {
 
 namespace {
 
-constexpr double kSpeeds[] = {0.1, 0.2, 0.5, 1, 2, 5, 10, 20, 50, 100};
-constexpr int kNormalSpeed = 3;
+constexpr wchar_t kRecordingExtension[] = L".twr", kCsvExtension[] = L".csv";
 constexpr double kTrails[] = {0, 0.5, 1, 2, 5, 10};
 constexpr double kSpans[] = {1, 5, 10, 30, 60, 600, 3600, 0};
 
-int SpeedIndex(const View& view) {
-  return static_cast<int>(std::ranges::lower_bound(kSpeeds, view.playback.speed - 1e-9) - std::begin(kSpeeds));
+std::wstring Text(UINT id) {
+  return kv::ResourceText(id);
 }
 
-void SelectSpeed(View& view, int index) {
-  index = std::clamp(index, 0, static_cast<int>(std::size(kSpeeds)) - 1);
-  ChangeSpeed(view, kSpeeds[index]);
-  SendDlgItemMessageW(view.window, IDC_SPEED, CB_SETCURSEL, index, 0);
+void Warn(const View& view, const std::wstring& text) {
+  kv::ShowMessage(view.window, text, Text(IDS_CAPTION), MB_ICONWARNING);
 }
 
-void GoToField(const View& view) {
-  if (!RecordsOf(view)) return;
-  SetFocus(GetDlgItem(view.window, IDC_TIME));
-  SendDlgItemMessageW(view.window, IDC_TIME, EM_SETSEL, 0, -1);
+// Returns whether the source for which a dialog was opened is still open; otherwise says that it is not.
+bool IsStillOpen(View& view, unsigned source) {
+  if (view.source.Number() == source) return true;
+  view.display.Say(StatusMark::kWarning, Text(IDS_SOURCE_CHANGED));
+  Update(view);
+  return false;
 }
 
-void MarkShown(View& view) {
-  if (!RecordsOf(view)) return;
-  const kv::StripTimeRange shown = ShownSpan(view);
-  SetMark(view, &shown);
+bool IsExtension(const std::wstring& path, const wchar_t* extension) {
+  return lstrcmpiW(kv::ExtensionOf(path.c_str()), extension) == 0;
 }
 
-// Copies the chart that has the focus, with its values; otherwise the whole image.
+std::wstring WithoutExtension(const std::wstring& path) {
+  return path.substr(0, static_cast<size_t>(kv::ExtensionOf(path.c_str()) - path.c_str()));
+}
+
+// ---- Source ---------------------------------------------------------------------------------------------------------
+
+void AskRecording(View& view) {
+  std::wstring path = FolderOf(Setting::kRecordings) + L"*" + kRecordingExtension;
+  if (kv::AskOpenPath(view.window, Text(IDS_OPEN_TITLE).c_str(), &path)) OpenFile(view, path);
+}
+
+void AskPort(View& view) {
+  const int port = AskForPort(view.window);
+  if (port > 0) Connect(view, port);
+}
+
+void CloseShown(View& view) {
+  if (!view.source.Close()) view.display.Say(StatusMark::kWarning, Text(IDS_EXPORT_RUNS));
+}
+
+std::wstring ProposedRecording(const Source& source) {
+  SYSTEMTIME now{};
+  GetLocalTime(&now);
+  wchar_t name[64] = L"";
+  kv::FormatBounded(name, sizeof(name), L"%s %04d-%02d-%02d %02d.%02d.%02d.twr", source.Name().c_str(), now.wYear,
+                    now.wMonth, now.wDay, now.wHour, now.wMinute, now.wSecond);
+  return FolderOf(Setting::kRecordings) + name;
+}
+
+void ToggleRecording(View& view) {
+  Source& source = view.source;
+  if (!source.IsLive()) return;
+  if (source.Recording().state == LiveRecordingState::kOn) return source.StopRecording();
+  const unsigned number = source.Number();
+  std::wstring path = ProposedRecording(source);
+  if (!kv::AskSavePath(view.window, Text(IDS_RECORD_TITLE).c_str(), &path)) return;
+  if (!IsStillOpen(view, number)) return;
+  StoreFolder(Setting::kRecordings, path);
+  std::string error;
+  if (source.StartRecording(path, &error)) return;
+  Warn(view, TextWith(IDS_RECORDING_FAILED, kv::FileNameOf(path.c_str()), camera::Wide(error).c_str()));
+}
+
+// Returns "FOLDER\NAME 1.15-1.20.csv" for a range of FOLDER\NAME.twr.
+std::wstring ProposedTarget(const Source& source, TimeRange range) {
+  std::wstring path = source.Name();
+  path = source.IsLive() ? FolderOf(Setting::kRecordings) + path : WithoutExtension(path);
+  std::string times = FormatTime(range.from, 0) + "-" + FormatTime(range.to, 0);
+  std::ranges::replace(times, ':', '.');
+  return path + L" " + camera::Wide(times) + kCsvExtension;
+}
+
+void ExportSelection(View& view) {
+  Source& source = view.source;
+  if (!source.Records() || !view.time.selection || source.IsWorking()) return;
+  const TimeRange range = *view.time.selection;
+  const unsigned number = source.Number();
+  std::wstring path = ProposedTarget(source, range);
+  if (!kv::AskSavePath(view.window, Text(IDS_EXPORT_TITLE).c_str(), &path, kRecordingExtension)) return;
+  if (!IsStillOpen(view, number)) return;
+  if (!source.StartExport(range, path, !IsExtension(path, kRecordingExtension))) {
+    view.display.Say(StatusMark::kError, TextWith(IDS_EXPORT_FAILED, kv::FileNameOf(path.c_str()), L""));
+  }
+}
+
+void SayExported(View& view) {
+  const ExportResult& result = view.source.Export().Result();
+  const std::wstring path = camera::Wide(view.source.Export().Task().target);
+  const wchar_t* name = kv::FileNameOf(path.c_str());
+  if (result.isDone) {
+    const std::wstring count = kv::NumberText(static_cast<double>(result.records));
+    return view.display.Say(StatusMark::kGood, TextWith(IDS_EXPORTED, count.c_str(), name));
+  }
+  if (result.error.empty()) return view.display.Say(StatusMark::kNone, Text(IDS_EXPORT_CANCELLED));
+  view.display.Say(StatusMark::kError, TextWith(IDS_EXPORT_FAILED, name, camera::Wide(result.error).c_str()));
+}
+
+// ---- Images ---------------------------------------------------------------------------------------------------------
+
+void CopyImage(View& view) {
+  kv::Surface image;
+  const bool copied = DrawImage(view.window, &image) &&
+                      kv::CopyBitmapToClipboard(view.window, image.bitmap(), image.size(), image.size());
+  view.display.Say(copied ? StatusMark::kGood : StatusMark::kError, Text(copied ? IDS_COPIED : IDS_NOT_COPIED));
+}
+
+// Copies the control that has the focus, with its values; otherwise the whole image.
 void Copy(View& view) {
   const HWND focused = GetFocus();
   for (const int id : {IDC_FIELD, IDC_CHART_X, IDC_CHART_Y}) {
@@ -64,59 +159,148 @@ void Copy(View& view) {
   CopyImage(view);
 }
 
+void SaveImage(View& view) {
+  kv::Surface image;
+  const bool drawn = DrawImage(view.window, &image);  // before the file dialog
+  const std::wstring name = WithoutExtension(kv::FileNameOf(view.source.Name().c_str()));
+  std::wstring path = FolderOf(Setting::kImages) + (name.empty() ? L"camview" : name) + L".png";
+  if (!kv::AskSavePath(view.window, Text(IDS_IMAGE_TITLE).c_str(), &path)) return;
+  StoreFolder(Setting::kImages, path);
+  const bool saved = drawn && kv::SaveBitmapAsPng(image.bitmap(), path.c_str());
+  view.display.Say(saved ? StatusMark::kGood : StatusMark::kError,
+                   TextWith(saved ? IDS_SAVED : IDS_NOT_SAVED, kv::FileNameOf(path.c_str())));
+}
+
+// ---- Time -----------------------------------------------------------------------------------------------------------
+
+void StepBy(View& view, int records) {
+  if (const RecordStore* store = view.source.Records()) Step(&view.time, *store, records);
+}
+
+void TogglePlay(View& view) {
+  ViewTime& time = view.time;
+  if (time.isLive) return Freeze(&time, !time.isFrozen);
+  if (!view.source.Records()) return;
+  Advance(&time, camera::Now());
+  time.isPlaying ? Pause(&time) : Play(&time);
+}
+
+void SelectSpeed(View& view, int index) {
+  Advance(&view.time, camera::Now());
+  SetSpeed(&view.time, kSpeeds[std::clamp(index, 0, static_cast<int>(std::size(kSpeeds)) - 1)]);
+}
+
+void GoToField(const View& view) {
+  if (!view.source.Records()) return;
+  SetFocus(GetDlgItem(view.window, IDC_TIME));
+  SendDlgItemMessageW(view.window, IDC_TIME, EM_SETSEL, 0, -1);
+}
+
+void OnTimeTyped(View& view) {
+  wchar_t text[64] = L"";
+  GetDlgItemTextW(view.window, IDC_TIME, text, ARRAYSIZE(text));
+  double time = 0;
+  if (!ParseTime(camera::Narrow(text), &time)) {
+    view.display.Say(StatusMark::kError, TextWith(IDS_BAD_TIME, text));
+    SendDlgItemMessageW(view.window, IDC_TIME, EM_SETSEL, 0, -1);
+    return;
+  }
+  view.display.TakeBack();
+  SetFocus(GetDlgItem(view.window, IDC_TIMELINE));
+  if (view.source.Records()) Seek(&view.time, time);
+}
+
 // Cancels the innermost activity.
 void OnEscape(View& view) {
-  if (view.isLoading) return view.loader.Cancel();
-  if (view.isExporting) return view.exporter.Cancel();
+  if (view.source.IsWorking()) return view.source.CancelWork();
   if (GetFocus() == GetDlgItem(view.window, IDC_TIME)) {
     SetFocus(GetDlgItem(view.window, IDC_TIMELINE));
-    view.shownTime.clear();
-    return ShowTime(view);
+  } else {
+    view.time.selection.reset();
   }
-  if (view.isMarked) SetMark(view, nullptr);
 }
 
-void ShowAbout(const View& view) {
-  kv::ShowMessage(view.window, TextWith(IDS_ABOUT_TEXT, L"" KV_VERSION_TEXT), kv::ResourceText(IDS_CAPTION),
-                  MB_ICONINFORMATION);
+// ---- Notifications of controls --------------------------------------------------------------------------------------
+
+void OnChart(View& view, int chart, UINT code) {
+  ViewTime& time = view.time;
+  const Charts& charts = view.display.charts();
+  double cursor = 0;
+  const bool hasCursor = charts.CursorOf(chart, &cursor);
+  if (!view.source.Records()) return;
+  switch (code) {
+    case kv::kStripNotifyView:
+      // Escape has removed the selection.
+      if (!charts.SelectionOf(chart)) time.selection.reset();
+      ShowByUser(&time, charts.ShownBy(chart));
+      break;
+    case kv::kStripNotifyCursor:
+      // In the charts of a followed port, the pointer only reads values.
+      if (time.isPlaying || time.IsFollowing()) return;
+      time.hovered = hasCursor ? std::clamp(cursor, time.begin, time.end) : kNoTime;
+      break;
+    case kv::kStripNotifySelection:
+      time.selection.reset();
+      if (const std::optional<TimeRange> selection = charts.SelectionOf(chart)) Select(&time, *selection);
+      break;
+    case kv::kStripNotifyCursorSet:
+      // A followed port continues: its charts are clicked to focus them.
+      if (time.IsFollowing() || !hasCursor) return;
+      Seek(&time, cursor);
+      break;
+    default: return;
+  }
+  view.display.SetChartsChanged();
 }
 
-void CloseShown(View& view) {
-  if (view.isExporting) return ShowLine(view, StatusMark::kWarning, kv::ResourceText(IDS_EXPORT_RUNS));
-  CloseSource(view);
-  ShowSource(view);
+void OnTimeline(View& view, UINT code) {
+  double position = 0;
+  TimeRange selection{};
+  const auto read = [&](WPARAM item, void* value) {
+    return SendDlgItemMessageA(view.window, IDC_TIMELINE, kv::kControlCommand, item | kv::kCommandRead,
+                               reinterpret_cast<LPARAM>(value)) != 0;
+  };
+  switch (code) {
+    case kTimelineNotifyPosition:
+      // The first of several pending notifications has done it.
+      if (!view.source.Records() || !read(kTimelinePosition, &position) || position == view.time.position) return;
+      return Seek(&view.time, position);
+    case kTimelineNotifySelection:
+      view.time.selection.reset();
+      if (read(kTimelineSelection, &selection)) Select(&view.time, selection);
+      return;
+    case kTimelineNotifyBack: return StepBy(view, -1);
+    case kTimelineNotifyForward: return StepBy(view, 1);
+    default: return;
+  }
 }
 
-INT_PTR OnControl(View& view, UINT id, UINT code) {
+bool OnControl(View& view, UINT id, UINT code) {
   switch (id) {
     case IDC_CHART_X:
-    case IDC_CHART_Y: OnChart(view, static_cast<int>(id), static_cast<WORD>(code)); return TRUE;
-    case IDC_TIMELINE: OnTimeline(view, static_cast<WORD>(code)); return TRUE;
+    case IDC_CHART_Y: OnChart(view, static_cast<int>(id), code); return true;
+    case IDC_TIMELINE: OnTimeline(view, code); return true;
     case IDC_SPEED:
       if (code == CBN_SELCHANGE) {
         SelectSpeed(view, static_cast<int>(SendDlgItemMessageW(view.window, IDC_SPEED, CB_GETCURSEL, 0, 0)));
       }
-      return TRUE;
-    case IDC_TIME:
-      // Text that was typed and not entered is discarded.
-      if (code == EN_KILLFOCUS) {
-        view.shownTime.clear();
-        ShowTime(view);
-      }
-      return TRUE;
-    default: return FALSE;
+      return true;
+    case IDC_TIME: return true;
+    default: return false;
   }
 }
 
+// ---- Menu -----------------------------------------------------------------------------------------------------------
+
 bool OnFileCommand(View& view, UINT id) {
   switch (id) {
-    case IDM_OPEN: AskRecordingFile(view); return true;
+    case IDM_OPEN: AskRecording(view); return true;
     case IDM_CONNECT: AskPort(view); return true;
     case IDM_CLOSE_SOURCE: CloseShown(view); return true;
     case IDC_RECORD:
     case IDM_RECORD: ToggleRecording(view); return true;
     case IDC_EXPORT:
-    case IDM_EXPORT: ExportMarked(view); return true;
+    case IDM_EXPORT: ExportSelection(view); return true;
     case IDM_SAVE_IMAGE: SaveImage(view); return true;
     case IDM_COPY: Copy(view); return true;
     case IDM_COPY_IMAGE: CopyImage(view); return true;
@@ -133,9 +317,9 @@ bool OnPlayCommand(View& view, UINT id) {
     case IDM_STEP_BACK: StepBy(view, -1); return true;
     case IDC_STEP_FORWARD:
     case IDM_STEP_FORWARD: StepBy(view, 1); return true;
-    case IDM_SLOWER: SelectSpeed(view, SpeedIndex(view) - 1); return true;
-    case IDM_FASTER: SelectSpeed(view, SpeedIndex(view) + 1); return true;
-    case IDM_NORMAL_SPEED: SelectSpeed(view, kNormalSpeed); return true;
+    case IDM_SLOWER: SelectSpeed(view, SpeedIndex(view.time.speed) - 1); return true;
+    case IDM_FASTER: SelectSpeed(view, SpeedIndex(view.time.speed) + 1); return true;
+    case IDM_NORMAL_SPEED: SelectSpeed(view, SpeedIndex(1)); return true;
     case IDM_GO_TO: GoToField(view); return true;
     default: return false;
   }
@@ -143,23 +327,24 @@ bool OnPlayCommand(View& view, UINT id) {
 
 bool OnViewCommand(View& view, UINT id) {
   if (id >= IDM_TRAIL_FIRST && id < IDM_TRAIL_FIRST + std::size(kTrails)) {
-    view.trailSeconds = kTrails[id - IDM_TRAIL_FIRST];
-    ShowTime(view);
+    view.options.trailSeconds = kTrails[id - IDM_TRAIL_FIRST];
     return true;
   }
   if (id >= IDM_SPAN_FIRST && id < IDM_SPAN_FIRST + std::size(kSpans)) {
-    SetSpan(view, kSpans[id - IDM_SPAN_FIRST]);
+    ShowSeconds(&view.time, kSpans[id - IDM_SPAN_FIRST]);
     return true;
   }
   switch (id) {
-    case IDM_MARK_SHOWN: MarkShown(view); return true;
-    case IDM_REMOVE_MARK: SetMark(view, nullptr); return true;
-    case IDM_FIT_VALUES:
-      view.fitValues = !view.fitValues;
-      ShowValueRange(view);
+    case IDM_SELECT_SHOWN:
+      if (view.source.Records()) Select(&view.time, view.time.shown);
       return true;
+    case IDM_REMOVE_SELECTION: view.time.selection.reset(); return true;
+    case IDM_FIT_VALUES: view.options.fitValues = !view.options.fitValues; return true;
     case IDM_KEYS: ShowKeys(view.window); return true;
-    case IDM_ABOUT: ShowAbout(view); return true;
+    case IDM_ABOUT:
+      kv::ShowMessage(view.window, TextWith(IDS_ABOUT_TEXT, L"" KV_VERSION_TEXT), Text(IDS_CAPTION),
+                      MB_ICONINFORMATION);
+      return true;
     default: return false;
   }
 }
@@ -174,46 +359,70 @@ void CheckOne(HMENU menu, UINT first, const double (&values)[size], double chose
 
 }  // namespace
 
+void OpenFile(View& view, const std::wstring& path) {
+  if (view.source.IsExporting()) {
+    view.display.Say(StatusMark::kWarning, Text(IDS_EXPORT_RUNS));
+  } else if (!view.source.OpenRecording(path)) {
+    view.display.Say(StatusMark::kError, TextWith(IDS_FILE_UNREADABLE, kv::FileNameOf(path.c_str()), L""));
+  } else {
+    StoreFolder(Setting::kRecordings, path);
+  }
+  Update(view);
+}
+
+void Connect(View& view, int port) {
+  if (view.source.OpenPort(port)) {
+    SetFocus(GetDlgItem(view.window, IDC_PLAY));
+  } else {
+    view.display.Say(StatusMark::kWarning, Text(IDS_EXPORT_RUNS));
+  }
+  Update(view);
+}
+
+void OnNews(View& view, SourceNews news) {
+  if (news == SourceNews::kOpened) SetFocus(GetDlgItem(view.window, IDC_TIMELINE));
+  if (news == SourceNews::kLoadCancelled) view.display.Say(StatusMark::kNone, Text(IDS_LOADING_CANCELLED));
+  if (news == SourceNews::kExported) SayExported(view);
+  const StatusLine rejected = DescribeRecording(view.source.Rejected());
+  if (news == SourceNews::kLoadRejected) view.display.Say(rejected.mark, rejected.text);
+  Update(view);
+  if (news == SourceNews::kLoadRejected) Warn(view, rejected.text);
+}
+
 INT_PTR OnCommand(View& view, UINT id, UINT code) {
+  const HWND window = view.window;
+  bool isHandled = true;
   if (id == IDCANCEL || id == IDC_CANCEL_WORK) {
     OnEscape(view);
-    return TRUE;
+  } else if (id == IDOK) {
+    if (GetFocus() == GetDlgItem(window, IDC_TIME)) OnTimeTyped(view);
+  } else {
+    isHandled =
+        OnControl(view, id, code) || OnFileCommand(view, id) || OnPlayCommand(view, id) || OnViewCommand(view, id);
   }
-  if (id == IDOK) {
-    if (GetFocus() == GetDlgItem(view.window, IDC_TIME)) OnTimeTyped(view);
-    return TRUE;
-  }
-  if (OnControl(view, id, code)) return TRUE;
-  return OnFileCommand(view, id) || OnPlayCommand(view, id) || OnViewCommand(view, id);
+  // A dialog may have been open for long.
+  if (isHandled && ViewOf(window)) Update(view);
+  return isHandled;
 }
 
 void PrepareMenu(const View& view, HMENU menu) {
-  const bool isOpen = RecordsOf(view) != nullptr, isLive = IsLive(view);
+  const Source& source = view.source;
+  const bool isOpen = source.Records() != nullptr, isLive = source.IsLive();
   const auto enable = [&](UINT id, bool enabled) {
     EnableMenuItem(menu, id, MF_BYCOMMAND | (enabled ? MF_ENABLED : MF_GRAYED));
   };
-  enable(IDM_CLOSE_SOURCE, isOpen || isLive);
+  enable(IDM_CLOSE_SOURCE, source.IsOpen());
   enable(IDM_RECORD, isLive);
-  enable(IDM_EXPORT, isOpen && view.isMarked && !view.isExporting);
-  for (const UINT id : {IDM_PLAY, IDM_STEP_BACK, IDM_STEP_FORWARD, IDM_GO_TO, IDM_MARK_SHOWN}) enable(id, isOpen);
+  enable(IDM_EXPORT, isOpen && view.time.selection && !source.IsWorking());
+  for (const UINT id : {IDM_PLAY, IDM_STEP_BACK, IDM_STEP_FORWARD, IDM_GO_TO, IDM_SELECT_SHOWN}) enable(id, isOpen);
   for (const UINT id : {IDM_SLOWER, IDM_FASTER, IDM_NORMAL_SPEED}) enable(id, isOpen && !isLive);
-  enable(IDM_REMOVE_MARK, view.isMarked);
-  CheckMenuItem(menu, IDM_FIT_VALUES, view.fitValues ? MF_CHECKED : MF_UNCHECKED);
-  const bool isRecording = view.status.recording == LiveRecordingState::kOn;
+  enable(IDM_REMOVE_SELECTION, view.time.selection.has_value());
+  CheckMenuItem(menu, IDM_FIT_VALUES, view.options.fitValues ? MF_CHECKED : MF_UNCHECKED);
+  const bool isRecording = source.Recording().state == LiveRecordingState::kOn;
   CheckMenuItem(menu, IDM_RECORD, isRecording ? MF_CHECKED : MF_UNCHECKED);
-  CheckOne(menu, IDM_TRAIL_FIRST, kTrails, view.trailSeconds);
-  const double whole = view.playback.end - view.playback.begin;
-  CheckOne(menu, IDM_SPAN_FIRST, kSpans, isOpen && view.spanSeconds == whole ? 0 : view.spanSeconds);
-}
-
-void FillSpeeds(const View& view) {
-  const HWND combo = GetDlgItem(view.window, IDC_SPEED);
-  SendMessageW(combo, CB_RESETCONTENT, 0, 0);
-  for (const double speed : kSpeeds) {
-    const std::wstring text = TextWith(IDS_SPEED_OF, kv::NumberText(speed, speed < 1 ? 1 : 0).c_str());
-    SendMessageW(combo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
-  }
-  SendMessageW(combo, CB_SETCURSEL, SpeedIndex(view), 0);
+  CheckOne(menu, IDM_TRAIL_FIRST, kTrails, view.options.trailSeconds);
+  const double whole = view.time.end - view.time.begin, shown = view.time.shown.Length();
+  CheckOne(menu, IDM_SPAN_FIRST, kSpans, isOpen && shown == whole ? 0 : shown);
 }
 
 }  // namespace camview

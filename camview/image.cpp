@@ -1,23 +1,13 @@
-// An image of field, charts and timeline, for the clipboard and for a file.
+#include "camview/image.h"
+
 #include <windows.h>
 
-#include <cstddef>
-#include <string>
 #include <utility>
 
-#include "camera/text.h"
 #include "camview/resource_ids.h"
-#include "camview/settings.h"
-#include "camview/status_line.h"
-#include "camview/view.h"
-#include "kv/framework/bitmaps.h"
 #include "kv/framework/canvas.h"
-#include "kv/framework/file_path.h"
 #include "kv/framework/guards.h"
 #include "kv/framework/painting.h"
-#include "kv/toolkit/ask_path.h"
-#include "kv/toolkit/languages.h"
-#include "kv/toolkit/png_file.h"
 
 namespace camview {
 
@@ -35,7 +25,8 @@ RECT RectOf(HWND window, int id) {
   return rect;
 }
 
-// Draws the parts at their positions in the window. Returns false when allocation fails.
+}  // namespace
+
 bool DrawImage(HWND window, kv::Surface* image) {
   RECT all{};
   for (const int id : kParts) {
@@ -54,31 +45,6 @@ bool DrawImage(HWND window, kv::Surface* image) {
   }
   GdiFlush();
   return true;
-}
-
-}  // namespace
-
-void CopyImage(View& view) {
-  kv::Surface image;
-  const bool copied = DrawImage(view.window, &image) &&
-                      kv::CopyBitmapToClipboard(view.window, image.bitmap(), image.size(), image.size());
-  ShowLine(view, copied ? StatusMark::kGood : StatusMark::kError,
-           kv::ResourceText(copied ? IDS_COPIED : IDS_NOT_COPIED));
-}
-
-void SaveImage(View& view) {
-  kv::Surface image;
-  const bool drawn = DrawImage(view.window, &image);  // before the file dialog
-  const std::wstring source =
-      view.live ? L"COM" + std::to_wstring(view.status.port) : camera::Wide(view.recording.path);
-  std::wstring name = kv::FileNameOf(source.c_str());
-  name.erase(static_cast<size_t>(kv::ExtensionOf(name.c_str()) - name.c_str()));
-  std::wstring path = FolderOf(Setting::kImages) + (name.empty() ? L"camview" : name) + L".png";
-  if (!kv::AskSavePath(view.window, kv::ResourceText(IDS_IMAGE_TITLE).c_str(), &path)) return;
-  RememberFolder(Setting::kImages, path);
-  const bool saved = drawn && kv::SaveBitmapAsPng(image.bitmap(), path.c_str());
-  ShowLine(view, saved ? StatusMark::kGood : StatusMark::kError,
-           TextWith(saved ? IDS_SAVED : IDS_NOT_SAVED, kv::FileNameOf(path.c_str())));
 }
 
 }  // namespace camview

@@ -1,4 +1,4 @@
-#include "camview/keys_dialog.h"
+#include "camview/dialogs.h"
 
 #include <cstddef>
 #include <string>
@@ -57,12 +57,12 @@ INT_PTR CALLBACK KeysProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM 
 
 }  // namespace
 
-void ShowKeys(HWND owner) {
+void ShowKeys(HWND parent) {
   const Keys keys = ReadKeys();
-  kv::RunModalDialog(owner, {.templateName = L"KEYS",
-                             .procedure = KeysProcedure,
-                             .parameter = reinterpret_cast<LPARAM>(&keys),
-                             .positionName = "Camview.Keys"});
+  kv::RunModalDialog(parent, {.templateName = L"KEYS",
+                              .procedure = KeysProcedure,
+                              .parameter = reinterpret_cast<LPARAM>(&keys),
+                              .positionName = "Camview.Keys"});
 }
 
 }  // namespace camview

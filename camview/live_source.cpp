@@ -4,11 +4,12 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <iterator>
 #include <memory>
 #include <mutex>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -16,7 +17,7 @@
 #include "camera/ports.h"
 #include "camera/record_stream.h"
 #include "camera/recorder.h"
-#include "camview/record_intake.h"
+#include "camview/record_store.h"
 
 namespace camview {
 
@@ -81,7 +82,7 @@ struct LiveSource::Reader {
   void Take(double time, const std::string& bytes);
   void Record(double time, const std::string& bytes);
   void EndRecording();
-  void Publish(double seconds, IntakeBatch* found);
+  void Publish(double seconds, size_t first);
 };
 
 // ---- The thread -----------------------------------------------------------------------------------------------------
@@ -119,11 +120,10 @@ void LiveSource::Reader::Read() {
     const camera::PortReader::Outcome outcome = reader.Read(kTurnMs, stop, &bytes, &time);
     if (outcome == camera::PortReader::Outcome::kBytes) Take(time, bytes);
     if (outcome != camera::PortReader::Outcome::kGone) continue;
-    IntakeBatch rest;
-    EndIntake(&intake, &rest);
     const double seconds = Seconds();
-    Publish(seconds, &rest);
     const std::lock_guard guard(lock);
+    EndIntake(&intake, &batch);
+    Publish(seconds, batch.records.size());
     isOpen = false;
     ++status.interruptions;
     status.state = LiveState::kGone;
@@ -135,22 +135,21 @@ void LiveSource::Reader::Read() {
 void LiveSource::Reader::Take(double time, const std::string& bytes) {
   const double seconds = time - start;
   Record(time, bytes);
-  IntakeBatch found;
-  AddBytes(&intake, seconds, bytes, &found);
-  Publish(seconds, &found);
+  const std::lock_guard guard(lock);
+  const size_t before = batch.records.size();
+  AddBytes(&intake, seconds, bytes, &batch);
+  Publish(seconds, before);
 }
 
-void LiveSource::Reader::Publish(double seconds, IntakeBatch* found) {
-  const std::lock_guard guard(lock);
+// Counts the records of the batch from that one on. Call with `lock` held.
+void LiveSource::Reader::Publish(double seconds, size_t first) {
   times.bytes = std::max(times.bytes, intake.stream.lastArrival);
-  for (const IntakeRecord& one : found->records) {
-    times.record = one.record.seconds;
-    if (HasPoint(one.record)) times.point = one.record.seconds;
-    recent.push_back(one.record.seconds);
+  for (const camera::FoundRecord& record : std::span(batch.records).subspan(first)) {
+    times.record = record.seconds;
+    if (HasPoint(record)) times.point = record.seconds;
+    recent.push_back(record.seconds);
   }
   while (!recent.empty() && recent.front() < seconds - kRateSeconds) recent.pop_front();
-  std::ranges::move(found->records, std::back_inserter(batch.records));
-  std::ranges::move(found->stretches, std::back_inserter(batch.stretches));
   const camera::RecordStream& stream = intake.stream;
   status.bytes = stream.bytes;
   status.records = stream.records;
@@ -166,11 +165,8 @@ void LiveSource::Reader::Record(double time, const std::string& bytes) {
   const bool isWritten = camera::AddToRecording(recorder.get(), time, bytes, &error);
   {
     const std::lock_guard guard(lock);
-    status.recordedBytes += isWritten ? static_cast<long long>(bytes.size()) : 0;
-    if (!isWritten) {
-      status.recording = LiveRecordingState::kFailed;
-      status.recordingError = error;
-    }
+    status.recording.bytes += isWritten ? static_cast<long long>(bytes.size()) : 0;
+    if (!isWritten) status.recording.error = error;
   }
   if (!isWritten) EndRecording();
 }
@@ -179,10 +175,15 @@ void LiveSource::Reader::Record(double time, const std::string& bytes) {
 void LiveSource::Reader::EndRecording() {
   if (!recorder) return;
   const double seconds = camera::EndRecording(recorder.get());
+  // Without data the recording has not taken the place of the file.
+  const bool hasKeptFile = !recorder->file.part.empty();
   camera::CloseOutput(&recorder->file);
   recorder.reset();
   const std::lock_guard guard(lock);
-  status.recordedSeconds = seconds;
+  LiveRecording& recording = status.recording;
+  recording.state = recording.error.empty() ? LiveRecordingState::kComplete : LiveRecordingState::kFailed;
+  recording.seconds = seconds;
+  recording.hasKeptFile = hasKeptFile;
 }
 
 // ---- The main thread ------------------------------------------------------------------------------------------------
@@ -213,10 +214,7 @@ LiveSource::~LiveSource() {
 
 void LiveSource::Take(IntakeBatch* batch) {
   const std::lock_guard guard(reader_->lock);
-  std::ranges::move(reader_->batch.records, std::back_inserter(batch->records));
-  std::ranges::move(reader_->batch.stretches, std::back_inserter(batch->stretches));
-  reader_->batch.records.clear();
-  reader_->batch.stretches.clear();
+  std::swap(*batch, reader_->batch);
 }
 
 LiveStatus LiveSource::Status() const {
@@ -232,7 +230,8 @@ LiveStatus LiveSource::Status() const {
   const bool isFlowing =
       recent.size() > 1 && status.now - recent.back() < kRateSeconds && recent.back() > recent.front();
   if (isFlowing) status.recordsPerSecond = static_cast<double>(recent.size() - 1) / (recent.back() - recent.front());
-  if (status.recording == LiveRecordingState::kOn) status.recordedSeconds = status.now - status.recordingBegan;
+  LiveRecording& recording = status.recording;
+  if (recording.state == LiveRecordingState::kOn) recording.seconds = status.now - recording.began;
   return status;
 }
 
@@ -255,21 +254,13 @@ bool LiveSource::StartRecording(const std::string& path, bool overwrite, std::st
   }
   reader_->recorder = std::move(recorder);
   const std::lock_guard guard(reader_->lock);
-  LiveStatus& status = reader_->status;
-  status.recording = LiveRecordingState::kOn;
-  status.path = path;
-  status.recordingError.clear();
-  status.recordedBytes = 0;
-  status.recordingBegan = reader_->Seconds();
+  reader_->status.recording = {.state = LiveRecordingState::kOn, .path = path, .began = reader_->Seconds()};
   return true;
 }
 
 void LiveSource::StopRecording() {
   const std::lock_guard recordingGuard(reader_->recordingLock);
-  if (!reader_->recorder) return;
   reader_->EndRecording();
-  const std::lock_guard guard(reader_->lock);
-  reader_->status.recording = LiveRecordingState::kOff;
 }
 
 }  // namespace camview

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "camera/ports.h"
-#include "camview/record_intake.h"
+#include "camview/record_store.h"
 
 namespace camview {
 
@@ -43,7 +43,17 @@ struct LineJudgement {
 // Returns the state of an open line. Pure.
 LineJudgement JudgeLine(const LineTimes& times, double now);
 
-enum class LiveRecordingState { kOff, kOn, kFailed };
+enum class LiveRecordingState { kNone, kOn, kComplete, kFailed };
+
+// The current or last recording of a port.
+struct LiveRecording {
+  LiveRecordingState state = LiveRecordingState::kNone;
+  std::string path, error;        // the error is in English
+  double began = 0, seconds = 0;  // start, on the clock of the port, and duration
+  long long bytes = 0;            // that were received and written
+  // Nothing was received, so the file that it should have replaced is as it was.
+  bool hasKeptFile = false;
+};
 
 struct LiveStatus {
   int port = 0;
@@ -55,11 +65,7 @@ struct LiveStatus {
   long long bytes = 0, records = 0, oddRecords = 0, malformedStretches = 0, malformedBytes = 0;
   double recordsPerSecond = 0;  // over the last two seconds
   int interruptions = 0;        // how often the port disappeared
-
-  LiveRecordingState recording = LiveRecordingState::kOff;
-  std::string path, recordingError;                // of the current or last recording; the error is in English
-  double recordingBegan = 0, recordedSeconds = 0;  // start, on the same clock, and duration
-  long long recordedBytes = 0;                     // received bytes
+  LiveRecording recording;
 };
 
 class LiveSource {
@@ -72,7 +78,7 @@ class LiveSource {
   LiveSource(const LiveSource&) = delete;
   LiveSource& operator=(const LiveSource&) = delete;
 
-  // Appends everything received since the last call to `batch`, in order.
+  // Returns in `batch`, which was empty, everything received since the last call, in order.
   void Take(IntakeBatch* batch);
   LiveStatus Status() const;
   // Returns the start as UTC in units of 100 ns since 1601.

@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include "camview/port_dialog.h"
+#include "camview/dialogs.h"
 #include "camview/resource_ids.h"
 #include "camview/status_line.h"
 #include "camview/window.h"

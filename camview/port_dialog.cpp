@@ -1,4 +1,4 @@
-#include "camview/port_dialog.h"
+#include "camview/dialogs.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -147,12 +147,12 @@ INT_PTR CALLBACK PortProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM 
 
 }  // namespace
 
-int AskForPort(HWND owner) {
+int AskForPort(HWND parent) {
   PortDialog state;
-  const INT_PTR result = kv::RunModalDialog(owner, {.templateName = L"PORTS",
-                                                    .procedure = PortProcedure,
-                                                    .parameter = reinterpret_cast<LPARAM>(&state),
-                                                    .positionName = "Camview.Ports"});
+  const INT_PTR result = kv::RunModalDialog(parent, {.templateName = L"PORTS",
+                                                     .procedure = PortProcedure,
+                                                     .parameter = reinterpret_cast<LPARAM>(&state),
+                                                     .positionName = "Camview.Ports"});
   return result > kChosen ? static_cast<int>(result - kChosen) : 0;
 }
 

@@ -9,6 +9,7 @@
 #include <memory>
 #include <new>
 #include <span>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -285,6 +286,63 @@ Extremes RecordStore::ExtremesOf(long long from, long long to) const {
     }
   }
   return extremes;
+}
+
+// ---- Intake
+
+void AddSilence(RecordIntake* intake, double seconds, IntakeBatch* batch) {
+  if (seconds - intake->lastArrival >= camera::kGapSeconds) {
+    batch->stretches.push_back({StretchKind::kSilent, intake->lastArrival, seconds});
+    intake->flags |= kAfterSilence;
+  }
+  intake->lastArrival = seconds;
+}
+
+void AddBytes(RecordIntake* intake, double seconds, std::string_view bytes, IntakeBatch* batch) {
+  AddSilence(intake, seconds, batch);
+  const size_t before = batch->records.size();
+  camera::FeedStream(&intake->stream, seconds, bytes, &batch->records);
+  for (const camera::FoundRecord& record : std::span(batch->records).subspan(before)) {
+    if (record.malformedBytes > 0) {
+      batch->stretches.push_back(
+          {StretchKind::kMalformed, record.malformedSince, record.seconds, record.malformedBytes});
+      intake->flags |= kAfterDamagedBytes;
+    }
+    batch->flags.push_back(static_cast<unsigned char>(intake->flags));
+    intake->flags = 0;
+  }
+}
+
+void AddDamage(RecordIntake* intake, double seconds, long long bytes, IntakeBatch* batch) {
+  batch->stretches.push_back({StretchKind::kDamaged, intake->lastArrival, seconds, bytes});
+  intake->flags |= kAfterDamagedBytes | (seconds - intake->lastArrival >= camera::kGapSeconds ? kAfterSilence : 0);
+  // Silence during that time is unknown.
+  intake->lastArrival = seconds;
+}
+
+void EndIntake(RecordIntake* intake, IntakeBatch* batch) {
+  camera::RecordStream& stream = intake->stream;
+  const long long before = stream.malformedBytes;
+  const double since = stream.open.bytes > 0 ? stream.open.seconds : stream.lastArrival;
+  camera::EndStream(&stream);
+  stream.pending.clear();
+  stream.pieces.clear();
+  if (stream.malformedBytes > before) {
+    batch->stretches.push_back({StretchKind::kMalformed, since, stream.lastArrival, stream.malformedBytes - before});
+    intake->flags |= kAfterDamagedBytes;
+  }
+}
+
+bool StoreBatch(IntakeBatch* batch, RecordStore* store) {
+  for (const Stretch& stretch : batch->stretches) store->AddStretch(stretch);
+  bool isStored = true;
+  for (size_t i = 0; isStored && i < batch->records.size(); ++i) {
+    isStored = store->Append(batch->records[i], batch->flags[i]);
+  }
+  batch->records.clear();
+  batch->flags.clear();
+  batch->stretches.clear();
+  return isStored;
 }
 
 }  // namespace camview

@@ -1,5 +1,6 @@
-// All records of a recording or a live session in 16 bytes each, accessible by number or time, and the stretches in
-// which data are missing. Pure; one thread at a time.
+// All records of a recording or a live port in 16 bytes each, accessible by number or time, and the stretches in which
+// data are missing; and the intake, which finds both in timed bytes, for recordings and live ports alike. Pure; one
+// thread at a time.
 #pragma once
 
 #include <array>
@@ -7,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "camera/camera_record.h"
@@ -113,5 +115,35 @@ class RecordStore {
   std::vector<Stretch> stretches_[kStretchKinds];
   double longestMerged_[kStretchKinds] = {-1, -1, -1};  // seconds; merging never creates longer stretches
 };
+
+// ---- Intake
+
+// What was found since the batch was emptied.
+struct IntakeBatch {
+  std::vector<camera::FoundRecord> records;
+  std::vector<unsigned char> flags;  // of each record: kAfterSilence, kAfterDamagedBytes
+  std::vector<Stretch> stretches;
+};
+
+struct RecordIntake {
+  camera::RecordStream stream;
+  double lastArrival = 0;  // of bytes; initially when the line was opened
+  unsigned flags = 0;      // of the next record
+};
+
+// Adds bytes received at that time, which never decreases, to the batch.
+void AddBytes(RecordIntake* intake, double seconds, std::string_view bytes, IntakeBatch* batch);
+
+// Adds damaged chunks of a recording, between the last bytes and this time.
+void AddDamage(RecordIntake* intake, double seconds, long long bytes, IntakeBatch* batch);
+
+// Adds silence until that time, the end of a recording.
+void AddSilence(RecordIntake* intake, double seconds, IntakeBatch* batch);
+
+// Call when the line was interrupted or has ended: incomplete bytes belong to no record. More may follow.
+void EndIntake(RecordIntake* intake, IntakeBatch* batch);
+
+// Stores a batch and empties it. Returns false when allocation fails; the remaining records are lost.
+bool StoreBatch(IntakeBatch* batch, RecordStore* store);
 
 }  // namespace camview

@@ -7,7 +7,6 @@
 
 #include "camera/files.h"
 #include "camera/recording.h"
-#include "camview/record_intake.h"
 #include "camview/record_store.h"
 #include "camview/worker.h"
 

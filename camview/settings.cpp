@@ -27,7 +27,7 @@ std::wstring FolderOf(Setting kind) {
   return status == ERROR_SUCCESS && type == REG_SZ ? folder : std::wstring();
 }
 
-void RememberFolder(Setting kind, const std::wstring& path) {
+void StoreFolder(Setting kind, const std::wstring& path) {
   wchar_t whole[kv::kPathCharacters] = L"", folder[kv::kPathCharacters] = L"";
   const DWORD length = GetFullPathNameW(path.c_str(), ARRAYSIZE(whole), whole, nullptr);
   if (length == 0 || length >= ARRAYSIZE(whole) || !kv::DirectoryOf(whole, folder, ARRAYSIZE(folder))) return;
@@ -42,7 +42,7 @@ int NumberSetting(const char* name, int fallback) {
   return number <= INT_MAX ? static_cast<int>(number) : fallback;
 }
 
-void RememberNumber(const char* name, int number) {
+void StoreNumber(const char* name, int number) {
   auto stored = static_cast<DWORD>(number);
   kv::WindowNumber(name, &stored, kv::kPositionSave);
 }

@@ -12,10 +12,10 @@ enum class Setting { kRecordings, kImages };
 
 // Returns the folder of the last file of a kind, with a trailing backslash; "" if there is none.
 std::wstring FolderOf(Setting kind);
-void RememberFolder(Setting kind, const std::wstring& path);
+void StoreFolder(Setting kind, const std::wstring& path);
 
 // Values are 0 to 2^31 - 1: milliseconds, or 0 and 1.
 int NumberSetting(const char* name, int fallback);
-void RememberNumber(const char* name, int number);
+void StoreNumber(const char* name, int number);
 
 }  // namespace camview

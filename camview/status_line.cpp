@@ -9,9 +9,9 @@
 
 #include "camera/text.h"
 #include "camview/live_source.h"
-#include "camview/playback.h"
 #include "camview/recording_loader.h"
 #include "camview/resource_ids.h"
+#include "camview/view_time.h"
 #include "kv/framework/bounded_format.h"
 #include "kv/framework/canvas.h"
 #include "kv/framework/coverage.h"
@@ -83,20 +83,7 @@ std::wstring NameOfFile(const std::string& path) {
   return kv::FileNameOf(camera::Wide(path).c_str());
 }
 
-// As high as the characters of the dialog's labels.
-int TextPx(HWND control) {
-  const kv::DialogScale scale = kv::ScaleOf(GetParent(control));
-  return std::max(kv::ToInt(12 * std::min(scale.x, scale.y)), 8);
-}
-
 }  // namespace
-
-void SetStatusLine(HWND window, int id, const StatusLine& line, StatusLine* shown) {
-  if (line == *shown) return;
-  *shown = line;
-  SetDlgItemTextW(window, id, line.text.c_str());
-  InvalidateRect(GetDlgItem(window, id), nullptr, FALSE);
-}
 
 void DrawStatusLine(const DRAWITEMSTRUCT& item, const StatusLine& line) {
   const RECT& area = item.rcItem;
@@ -112,7 +99,7 @@ void DrawStatusLine(const DRAWITEMSTRUCT& item, const StatusLine& line) {
     const double radius = size.cy * 0.36;
     DrawMark(canvas, line.mark, {size.cy * 0.5 + 1, size.cy * 0.5}, radius, background);
     const bool strong = line.mark == StatusMark::kRecording;
-    const kv::OwnedFont font = kv::MakeFont(-TextPx(item.hwndItem), strong ? FW_BOLD : FW_NORMAL);
+    const kv::OwnedFont font = kv::MakeFont(kv::TextHeightOf(GetParent(item.hwndItem)), strong ? FW_BOLD : FW_NORMAL);
     const kv::SelectedObject selected(canvas.dc(), font);
     SetBkMode(canvas.dc(), TRANSPARENT);
     SetTextColor(canvas.dc(), strong ? ColorOf(line.mark) : GetSysColor(COLOR_BTNTEXT));
@@ -197,16 +184,17 @@ StatusLine DescribeLive(const LiveStatus& status) {
   return {StatusMark::kGood, TextWith(IDS_LIVE_RECORDS, status.port, kv::NumberText(status.recordsPerSecond).c_str())};
 }
 
-StatusLine DescribeLiveRecording(const LiveStatus& status) {
-  const std::wstring name = NameOfFile(status.path), length = LengthAsText(status.recordedSeconds);
-  if (status.recording == LiveRecordingState::kOn) {
-    return {StatusMark::kRecording, TextWith(IDS_RECORDING_TO, name.c_str(), length.c_str())};
+StatusLine DescribeLiveRecording(const LiveRecording& recording) {
+  const std::wstring name = NameOfFile(recording.path), length = LengthAsText(recording.seconds);
+  switch (recording.state) {
+    case LiveRecordingState::kNone: return {};
+    case LiveRecordingState::kOn:
+      return {StatusMark::kRecording, TextWith(IDS_RECORDING_TO, name.c_str(), length.c_str())};
+    case LiveRecordingState::kFailed:
+      return {StatusMark::kError, TextWith(IDS_RECORDING_FAILED, name.c_str(), camera::Wide(recording.error).c_str())};
+    case LiveRecordingState::kComplete: break;
   }
-  if (status.recording == LiveRecordingState::kFailed) {
-    return {StatusMark::kError,
-            TextWith(IDS_RECORDING_FAILED, name.c_str(), camera::Wide(status.recordingError).c_str())};
-  }
-  if (status.path.empty()) return {};
+  if (recording.hasKeptFile) return {StatusMark::kWarning, TextWith(IDS_RECORDED_NOTHING, name.c_str())};
   return {StatusMark::kNone, TextWith(IDS_RECORDED_TO, name.c_str(), length.c_str())};
 }
 

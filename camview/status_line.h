@@ -19,8 +19,6 @@ struct StatusLine {
   bool operator==(const StatusLine&) const = default;
 };
 
-// Sets the line of the control if it differs.
-void SetStatusLine(HWND window, int id, const StatusLine& line, StatusLine* shown);
 void DrawStatusLine(const DRAWITEMSTRUCT& item, const StatusLine& line);
 
 // Returns a string resource with its %s and %d replaced, truncated to 1,000 characters.
@@ -34,6 +32,6 @@ std::wstring LengthAsText(double seconds);
 StatusLine DescribeRecording(const LoadedRecording& recording);
 StatusLine DescribeLive(const LiveStatus& status);
 // Describes the current or last recording of a live port.
-StatusLine DescribeLiveRecording(const LiveStatus& status);
+StatusLine DescribeLiveRecording(const LiveRecording& recording);
 
 }  // namespace camview

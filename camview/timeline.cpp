@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "camera/text.h"
-#include "camview/playback.h"
 #include "camview/record_store.h"
+#include "camview/view_time.h"
 #include "kv/framework/accessible.h"
 #include "kv/framework/bitmaps.h"
 #include "kv/framework/canvas.h"
@@ -34,10 +34,10 @@ constexpr LONG kShortestPx = 2;
 
 struct Timeline {
   HWND window;
-  TimelineSpan range{0, 0};
+  TimeRange range{0, 0};
   double position = 0;
   bool isSelected = false;
-  TimelineSpan selection{0, 0};
+  TimeRange selection{0, 0};
   std::vector<Stretch> stretches;
   bool isDragging = false, isSelecting = false;
   double anchor = 0;  // the fixed end of the selection
@@ -62,13 +62,13 @@ TimelineLayout LayoutTimeline(SIZE size) {
   return {{margin, space, right, bottom}, thumb};
 }
 
-LONG XOfTime(const TimelineLayout& layout, const TimelineSpan& range, double time) {
+LONG XOfTime(const TimelineLayout& layout, const TimeRange& range, double time) {
   const double length = range.to - range.from, width = layout.track.right - layout.track.left;
   if (!(length > 0)) return layout.track.left;
   return layout.track.left + static_cast<LONG>(std::clamp((time - range.from) / length, 0.0, 1.0) * width);
 }
 
-double TimeAtX(const TimelineLayout& layout, const TimelineSpan& range, LONG x) {
+double TimeAtX(const TimelineLayout& layout, const TimeRange& range, LONG x) {
   const LONG width = std::max(layout.track.right - layout.track.left, 1L);
   const double part = std::clamp(static_cast<double>(x - layout.track.left) / width, 0.0, 1.0);
   return range.from + (range.to - range.from) * part;
@@ -199,7 +199,7 @@ LRESULT RepaintAll(Timeline& timeline) {
   return Repaint(timeline);
 }
 
-double Within(const TimelineSpan& range, double time) {
+double Within(const TimeRange& range, double time) {
   return std::clamp(time, range.from, range.to);
 }
 
@@ -237,13 +237,13 @@ LRESULT RemoveSelection(Timeline& timeline) {
 
 // ---- Commands -------------------------------------------------------------------------------------------------------
 
-bool IsSpan(const TimelineSpan& span) {
+bool IsSpan(const TimeRange& span) {
   return std::isfinite(span.from) && std::isfinite(span.to) && span.from <= span.to;
 }
 
 bool ExchangeRange(Timeline& timeline, WPARAM wParam, LPARAM lParam) {
   if (wParam & kv::kCommandRead) return kv::CopyItemOut(timeline.range, lParam);
-  TimelineSpan range;
+  TimeRange range;
   if (!kv::CopyItemIn(lParam, &range) || !IsSpan(range)) return false;
   timeline.range = range;
   timeline.position = Within(range, timeline.position);
@@ -283,7 +283,7 @@ bool ExchangeSelection(Timeline& timeline, WPARAM wParam, LPARAM lParam) {
     timeline.isSelected = false;
     return true;
   }
-  TimelineSpan selection;
+  TimeRange selection;
   if (!kv::CopyItemIn(lParam, &selection) || !IsSpan(selection)) return false;
   timeline.selection = {Within(timeline.range, selection.from), Within(timeline.range, selection.to)};
   timeline.isSelected = true;

@@ -20,15 +20,12 @@
 #include <windows.h>
 
 #include "camview/record_store.h"
+#include "camview/view_time.h"
 #include "kv/framework/control_class.h"
 
 namespace camview {
 
 inline constexpr char kTimelineClass[] = "kvTimeline";
-
-struct TimelineSpan {
-  double from, to;  // seconds, from <= to
-};
 
 inline constexpr DWORD kTimelineMaxStretches = 1u << 20;
 struct TimelineMarks {
@@ -38,10 +35,10 @@ struct TimelineMarks {
 
 // Operation codes, the low byte of kControlCommand's wParam; lParam is an address. kCommandRead copies the item to it.
 enum TimelineCommand : BYTE {
-  kTimelineRange = 17,      // a TimelineSpan; limits position and selection
+  kTimelineRange = 17,      // a TimeRange; limits position and selection
   kTimelinePosition = 18,   // a double, clamped to the range
   kTimelineShowMarks = 19,  // TimelineMarks; cannot be read
-  kTimelineSelection = 24,  // a TimelineSpan; kCommandRemove removes it; reading returns 0 without one
+  kTimelineSelection = 24,  // a TimeRange; kCommandRemove removes it; reading returns 0 without one
 };
 
 // Notification codes.

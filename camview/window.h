@@ -1,8 +1,13 @@
-// camview's window. Main thread only.
+// camview's window: what is open, where in its time we are, and what is shown of it. Main thread only.
 #pragma once
+
+#include <windows.h>
 
 #include <string>
 
+#include "camview/display.h"
+#include "camview/source.h"
+#include "camview/view_time.h"
 #include "kv/framework/language.h"
 #include "kv/toolkit/scaled_dialog.h"
 
@@ -15,6 +20,25 @@ struct StartOptions {
   int port = 0;       // to connect to
   int language = kv::kStoredLanguage;
 };
+
+// Commands change source, time and options; then Update brings the display in line.
+struct View {
+  explicit View(HWND dialog) : window(dialog), display(dialog) {}
+
+  HWND window;
+  Source source;
+  ViewTime time;
+  DisplayOptions options;
+  Display display;
+  unsigned shownSource = 0;  // whose range `time` has
+  bool isTicking = false, isUpdating = false, isOutdated = false;
+};
+
+// Returns the window's state; null before it is created and after it is destroyed.
+View* ViewOf(HWND window);
+
+// Updates the range of `time` and all that is shown, and runs the timer while something changes by itself.
+void Update(View& view);
 
 // Returns the window for kv::RunDialog; `options` must outlive it. RegisterControls registers (`registerThem` not 0)
 // the window classes of this folder before, and unregisters them after; it returns 0 on failure.

@@ -13,10 +13,9 @@
 #include "camera/camera_record.h"
 #include "camera/record_stream.h"
 #include "camview/envelope.h"
-#include "camview/playback.h"
-#include "camview/record_intake.h"
 #include "camview/record_store.h"
 #include "camview/statistics.h"
+#include "camview/view_time.h"
 #include "kv/controls/strip_chart/strip_chart.h"
 
 namespace camview {
@@ -30,10 +29,15 @@ camera::FoundRecord RecordAt(double seconds, LONG x = 100) {
   return record;
 }
 
+struct GivenRecord {
+  camera::FoundRecord record;
+  unsigned flags;
+};
+
 // Records of moving points, some of them not seen, with occasional pauses and odd records.
-std::vector<IntakeRecord> Wander(int count) {
+std::vector<GivenRecord> Wander(int count) {
   std::mt19937 random(7);
-  std::vector<IntakeRecord> records;
+  std::vector<GivenRecord> records;
   double seconds = 1;
   for (int i = 0; i < count; ++i) {
     seconds += random() % 997 == 0 ? 5 : 0.01 + (random() % 1000) * 1e-6;
@@ -50,21 +54,21 @@ std::vector<IntakeRecord> Wander(int count) {
   return records;
 }
 
-bool IsSeen(const IntakeRecord& one, int point) {
+bool IsSeen(const GivenRecord& one, int point) {
   const kv::CameraPoint& p = one.record.points[point];
   return one.record.isInRange && p.x != kv::kNoPoint && p.y != kv::kNoPoint;
 }
 
-LONG ValueOf(const IntakeRecord& one, int channel) {
+LONG ValueOf(const GivenRecord& one, int channel) {
   const kv::CameraPoint& point = one.record.points[channel / 2];
   return channel % 2 ? point.y : point.x;
 }
 
 TEST(CamviewStore, ReturnsRecordsAndFindsThemByTime) {
-  const std::vector<IntakeRecord> given = Wander(3 * kBlockRecords + 100);
+  const std::vector<GivenRecord> given = Wander(3 * kBlockRecords + 100);
   RecordStore store;
   EXPECT_EQ(-1, store.At(5));
-  for (const IntakeRecord& one : given) ASSERT_TRUE(store.Append(one.record, one.flags));
+  for (const GivenRecord& one : given) ASSERT_TRUE(store.Append(one.record, one.flags));
   ASSERT_EQ(static_cast<long long>(given.size()), store.End());
   for (size_t i = 0; i < given.size(); ++i) {
     const auto number = static_cast<long long>(i);
@@ -143,10 +147,8 @@ TEST(CamviewIntake, RecordsSilenceDamageAndMalformedBytes) {
   EndIntake(&intake, &batch);
   AddBytes(&intake, 3, record.substr(30) + record, &batch);  // two halves are not a record
   AddSilence(&intake, 9, &batch);
-  std::vector<unsigned> flags(batch.records.size());
-  std::ranges::transform(batch.records, flags.begin(), &IntakeRecord::flags);
-  EXPECT_EQ((std::vector<unsigned>{kAfterSilence, kAfterDamagedBytes, 0, 0, kAfterSilence | kAfterDamagedBytes}),
-            flags);
+  EXPECT_EQ((std::vector<unsigned char>{kAfterSilence, kAfterDamagedBytes, 0, 0, kAfterSilence | kAfterDamagedBytes}),
+            batch.flags);
   RecordStore store;
   EXPECT_TRUE(StoreBatch(&batch, &store));
   EXPECT_EQ(5, store.End());
@@ -164,9 +166,9 @@ TEST(CamviewIntake, RecordsSilenceDamageAndMalformedBytes) {
 }
 
 TEST(CamviewCurves, LoseNoExtremeAndShowGaps) {
-  const std::vector<IntakeRecord> given = Wander(20000);
+  const std::vector<GivenRecord> given = Wander(20000);
   RecordStore store;
-  for (const IntakeRecord& one : given) store.Append(one.record, one.flags);
+  for (const GivenRecord& one : given) store.Append(one.record, one.flags);
   const double end = given.back().record.seconds;
   constexpr int kBuckets = 100;
   Curves curves;
@@ -178,7 +180,7 @@ TEST(CamviewCurves, LoseNoExtremeAndShowGaps) {
       EXPECT_LE(curve.size(), 6u * kBuckets);
       EXPECT_TRUE(std::ranges::is_sorted(curve, {}, &kv::StripSample::time));
       double lowest = 1e9, highest = -1, lowestThere = 1e9, highestThere = -1;
-      for (const IntakeRecord& one : given) {
+      for (const GivenRecord& one : given) {
         if (one.record.seconds < from || one.record.seconds > to || !IsSeen(one, channel / 2)) continue;
         lowestThere = std::min<double>(lowestThere, ValueOf(one, channel));
         highestThere = std::max<double>(highestThere, ValueOf(one, channel));
@@ -220,9 +222,9 @@ TEST(CamviewCurves, LoseNoExtremeAndShowGaps) {
 }
 
 TEST(CamviewStatistics, EqualAPlainComputation) {
-  const std::vector<IntakeRecord> given = Wander(10000);
+  const std::vector<GivenRecord> given = Wander(10000);
   RecordStore store;
-  for (const IntakeRecord& one : given) store.Append(one.record, one.flags);
+  for (const GivenRecord& one : given) store.Append(one.record, one.flags);
   const double from = given[1000].record.seconds, to = given[8999].record.seconds;
   const StretchStatistics statistics = ComputeStatistics(store, from, to);
   EXPECT_EQ(8000, statistics.records);
@@ -233,13 +235,13 @@ TEST(CamviewStatistics, EqualAPlainComputation) {
     const auto each = [&](const auto& take) {
       for (size_t i = 1000; i < 9000; ++i) take(given[i]);
     };
-    each([&](const IntakeRecord& one) {
+    each([&](const GivenRecord& one) {
       records += one.record.isInRange;
       seen += IsSeen(one, point);
       sum += IsSeen(one, point) ? static_cast<double>(one.record.points[point].y) : 0;
     });
     const double mean = sum / seen;
-    each([&](const IntakeRecord& one) {
+    each([&](const GivenRecord& one) {
       if (IsSeen(one, point)) squares += std::pow(static_cast<double>(one.record.points[point].y) - mean, 2);
     });
     const camera::PointSummary& summary = statistics.points[point];
@@ -292,7 +294,7 @@ TEST(CamviewStatistics, CountLostRecords) {
 }
 
 TEST(CamviewPlayback, FollowsAClockAndStopsAtTheEnd) {
-  Playback playback{.begin = 1, .end = 11, .position = 1};
+  ViewTime playback{.begin = 1, .end = 11, .position = 1};
   Advance(&playback, 1000);
   Play(&playback);
   Advance(&playback, 1002);

@@ -125,7 +125,7 @@ class TimelineTest : public kvtest::ControlTest<RegisterTimelineClass> {
   HWND timeline_ = kvtest::CreateControl(parent_, kTimelineClass, "Position", 0, {0, 0, 400, 30}, 9);
 
   void SetUp() override {
-    const TimelineSpan range{0, 100};
+    const TimeRange range{0, 100};
     ASSERT_EQ(1, Send(timeline_, kTimelineRange, &range));
   }
   double Position() const {
@@ -134,7 +134,7 @@ class TimelineTest : public kvtest::ControlTest<RegisterTimelineClass> {
     return position;
   }
   std::pair<double, double> Selection() const {
-    TimelineSpan selection{-1, -1};
+    TimeRange selection{-1, -1};
     Send(timeline_, kTimelineSelection | kv::kCommandRead, &selection);
     return {selection.from, selection.to};
   }
@@ -226,15 +226,15 @@ TEST_F(TimelineTest, MarksStretchesByHeightAndRejectsWhatIsBad) {
   EXPECT_NEAR(6, height(50.05), 1);
   EXPECT_NEAR(1, height(55), 1) << "hollow";
   EXPECT_EQ(18, height(80.1)) << "however short";
-  const TimelineSpan shorter{0, 30};
+  const TimeRange shorter{0, 30};
   EXPECT_EQ(1, Send(timeline_, kTimelineRange, &shorter));
   EXPECT_EQ(30, Position());
 
   GuardedBytes tooShort(7);
-  const TimelineSpan backwards{2, 1}, endless{0, INFINITY};
+  const TimeRange backwards{2, 1}, endless{0, INFINITY};
   const Stretch unknown{static_cast<StretchKind>(3), 1, 2}, wrong{StretchKind::kSilent, NAN, 2};
   const TimelineMarks badMarks[] = {{1, &unknown}, {1, &wrong}, {9, reinterpret_cast<const Stretch*>(16)}};
-  for (const TimelineSpan* bad : {&backwards, &endless}) {
+  for (const TimeRange* bad : {&backwards, &endless}) {
     EXPECT_EQ(0, Send(timeline_, kTimelineRange, bad));
     EXPECT_EQ(0, Send(timeline_, kTimelineSelection, bad));
   }

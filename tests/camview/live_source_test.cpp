@@ -13,7 +13,6 @@
 #include "camera/ports.h"
 #include "camview/live_source.h"
 #include "camview/port_finder.h"
-#include "camview/record_intake.h"
 #include "camview/record_store.h"
 #include "camview/recording_loader.h"
 #include "tests/support/replaced_import.h"
@@ -109,7 +108,7 @@ TEST(CamviewLive, ReconnectsAfterDisconnectionAndContinuesRecording) {
   const LiveStatus status = live.Status();
   EXPECT_GT(status.records, before);
   EXPECT_EQ(1, status.interruptions);
-  EXPECT_EQ(LiveRecordingState::kOn, status.recording);
+  EXPECT_EQ(LiveRecordingState::kOn, status.recording.state);
   // The file, which is intact while it is written, contains the delivered data.
   for (long long bytes = -1; bytes != live.Status().bytes; Sleep(200)) bytes = live.Status().bytes;
   live.Take(&batch);
@@ -117,14 +116,14 @@ TEST(CamviewLive, ReconnectsAfterDisconnectionAndContinuesRecording) {
   EXPECT_TRUE(loaded.isTruncated);
   EXPECT_EQ(0, loaded.damageCount);
   live.StopRecording();
-  EXPECT_EQ(LiveRecordingState::kOff, live.Status().recording);
+  EXPECT_EQ(LiveRecordingState::kComplete, live.Status().recording.state);
   loaded = Load(path);
   EXPECT_FALSE(loaded.isTruncated);
   EXPECT_EQ(3u, loaded.header.port);
   ASSERT_EQ(batch.records.size(), static_cast<size_t>(loaded.store->End()));
-  const double shift = batch.records[0].record.seconds - loaded.store->Seconds(0);
+  const double shift = batch.records[0].seconds - loaded.store->Seconds(0);
   for (size_t i = 0; i < batch.records.size(); ++i) {
-    EXPECT_NEAR(batch.records[i].record.seconds - shift, loaded.store->Seconds(static_cast<long long>(i)), 1e-5);
+    EXPECT_NEAR(batch.records[i].seconds - shift, loaded.store->Seconds(static_cast<long long>(i)), 1e-5);
   }
   RecordStore store;
   EXPECT_TRUE(StoreBatch(&batch, &store));
@@ -160,7 +159,7 @@ TEST(CamviewLive, ReportsTheOwnerOfABusyPortAndAFullDisk) {
   std::string error;
   EXPECT_FALSE(live.StartRecording(PathOf("camview no folder\\a.twr"), false, &error));
   EXPECT_NE("", error);
-  EXPECT_EQ(LiveRecordingState::kOff, live.Status().recording);
+  EXPECT_EQ(LiveRecordingState::kNone, live.Status().recording.state);
 
   // The disk is full during recording: the written part is intact, and the display continues.
   const std::string path = PathOf("camview full.twr");
@@ -174,17 +173,17 @@ TEST(CamviewLive, ReportsTheOwnerOfABusyPortAndAFullDisk) {
     }));
   };
   ASSERT_TRUE(live.StartRecording(path, false, &error)) << error;
-  sendUntil([](const LiveStatus& status) { return status.recordedBytes > 200; });
+  sendUntil([](const LiveStatus& status) { return status.recording.bytes > 200; });
   {
     const kvtest::ReplacedImport full("WriteFile", reinterpret_cast<void*>(WriteToFullDisk));
     ASSERT_TRUE(full.isInPlace());
-    sendUntil([](const LiveStatus& status) { return status.recording == LiveRecordingState::kFailed; });
+    sendUntil([](const LiveStatus& status) { return status.recording.state == LiveRecordingState::kFailed; });
   }
   const LiveStatus failed = live.Status();
-  EXPECT_NE(std::string::npos, failed.recordingError.find("the disk is full")) << failed.recordingError;
+  EXPECT_NE(std::string::npos, failed.recording.error.find("the disk is full")) << failed.recording.error;
   sendUntil([&](const LiveStatus& status) { return status.records > failed.records + 5; });
   const LoadedRecording loaded = Load(path);
-  EXPECT_EQ(failed.recordedBytes, loaded.bytes);
+  EXPECT_EQ(failed.recording.bytes, loaded.bytes);
   EXPECT_EQ(0, loaded.truncatedBytes);
   EXPECT_TRUE(live.StartRecording(path, true, &error)) << error << ": another recording can start";
   live.StopRecording();

@@ -18,9 +18,9 @@
 #include "camera/record_stream.h"
 #include "camera/recording.h"
 #include "camera/text.h"
+#include "camview/exporter.h"
 #include "camview/record_store.h"
 #include "camview/recording_loader.h"
-#include "camview/stretch_export.h"
 #include "tests/support/test_window.h"
 
 namespace camview {
@@ -163,7 +163,7 @@ TEST(CamviewLoader, CanBeCancelledWhereNoChunkIsFound) {
 }
 
 ExportResult RunExport(const ExportTask& task) {
-  StretchExporter exporter;
+  Exporter exporter;
   exporter.Start(task);
   EXPECT_TRUE(kvtest::WaitUntil([&] { return exporter.IsDone(); }, std::chrono::milliseconds(20000)));
   return exporter.Result();
@@ -185,7 +185,7 @@ std::string DecodedFrom(const std::string& path, camera::RecordingHeader* header
 }
 
 TEST(CamviewExport, WritesATimeRangeAsRowsAndAsARecording) {
-  const std::string source = PathOf("camview source.twr"), target = PathOf("camview stretch");
+  const std::string source = PathOf("camview source.twr"), target = PathOf("camview range");
   // A record in two chunks, odd records and garbage: a recording contains them unchanged.
   std::string bytes = kHeader + camera::EncodeChunks(500'000, RecordText(1)),
               requested = "0 " + RecordText(2).substr(0, 20);
@@ -199,33 +199,39 @@ TEST(CamviewExport, WritesATimeRangeAsRowsAndAsARecording) {
   bytes += camera::EncodeChunks(2'000'001, RecordText(5)) + camera::EncodeEnd(3'000'000);
   WriteTo(source, bytes);
   WriteTo(target, "old");
-  ExportTask task{.source = source, .target = target, .format = ExportFormat::kRecording, .from = 1, .to = 2};
-  EXPECT_FALSE(RunExport(task).isDone) << "a file is replaced only on request";
-  EXPECT_EQ("old", BytesOf(target));
-  task.overwrite = true;
+  const LoadedRecording loaded = LoadFile(source);
+  ExportTask task{.store = loaded.store.get(),
+                  .recording = source,
+                  .recordingSeconds = loaded.seconds,
+                  .target = target,
+                  .from = 1,
+                  .to = 2};
   ExportResult result = RunExport(task);
   EXPECT_TRUE(result.isDone) << result.error;
-  EXPECT_EQ(std::pair(4LL, 3LL), std::pair(result.chunks, result.records));
+  EXPECT_EQ(3, result.records);
   camera::RecordingHeader header;
   EXPECT_EQ(requested + "end 1000000", DecodedFrom(target, &header));
   EXPECT_EQ(std::tuple(kStart + 10'000'000, 3u, 38400u), std::tuple(header.startTime, header.port, header.baudRate));
 
-  task.format = ExportFormat::kCsv;
+  task.isCsv = true;
   result = RunExport(task);
   EXPECT_TRUE(result.isDone) << result.error;
   EXPECT_EQ(
       camera::CsvHeader() + "1.010000,2,200,300,400,1023,1023,512,384\n2.000000,4,200,300,400,1023,1023,512,384\n",
       BytesOf(target));
-  task.target = source;
-  EXPECT_NE(std::string::npos, RunExport(task).error.find("is the file that is read"));
-  EXPECT_EQ(bytes, BytesOf(source));
-  task.target = target;
-  task.sourceSeconds = 3;
-  EXPECT_TRUE(RunExport(task).isDone);
-  WriteTo(source, bytes.substr(0, bytes.size() - 100));
-  const std::string rows = BytesOf(target);
-  EXPECT_NE(std::string::npos, RunExport(task).error.find("is shorter than when it was opened"));
-  EXPECT_EQ(rows, BytesOf(target));
+  for (const bool isCsv : {false, true}) {
+    task.isCsv = isCsv;
+    task.target = source;
+    EXPECT_NE(std::string::npos, RunExport(task).error.find("is the file that is read"));
+    EXPECT_EQ(bytes, BytesOf(source));
+    // The recording is truncated after it was read: its bytes are not there any more, but the records were kept.
+    task.target = target;
+    WriteTo(target, "old");
+    WriteTo(source, bytes.substr(0, camera::kRecordingHeaderBytes + 100));
+    EXPECT_EQ(isCsv, RunExport(task).isDone);
+    EXPECT_EQ(isCsv, BytesOf(target) != "old");
+    WriteTo(source, bytes);
+  }
   for (const std::string& path : {source, target}) DeleteFileA(path.c_str());
 }
 
@@ -237,13 +243,13 @@ TEST(CamviewExport, WritesStoredRecords) {
     store.Append(record, 0);
   }
   const std::string target = PathOf("camview stored");
-  ExportTask task{.store = &store, .header = {kStart, 38400, 7}, .target = target, .from = 1.25, .to = 1.8};
+  ExportTask task{
+      .store = &store, .header = {kStart, 38400, 7}, .target = target, .isCsv = true, .from = 1.25, .to = 1.8};
   EXPECT_TRUE(RunExport(task).isDone);
   EXPECT_EQ(
       camera::CsvHeader() + "1.250000,1,200,300,400,1023,1023,512,384\n1.750000,3,200,300,400,1023,1023,512,384\n",
       BytesOf(target));
-  task.format = ExportFormat::kRecording;
-  task.overwrite = true;
+  task.isCsv = false;
   EXPECT_TRUE(RunExport(task).isDone);
   camera::RecordingHeader header;
   EXPECT_EQ("0 " + RecordText(1) + "500000 " + RecordText(3) + "end 550000", DecodedFrom(target, &header));

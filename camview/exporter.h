@@ -1,4 +1,4 @@
-// Exports a stretch as comma-separated values or as a recording, on a separate thread. Main thread only.
+// Exports a range of time as comma-separated values or as a recording, on a separate thread. Main thread only.
 #pragma once
 
 #include <string>
@@ -9,17 +9,14 @@
 
 namespace camview {
 
-enum class ExportFormat { kCsv, kRecording };
-
 struct ExportTask {
-  std::string source;        // a recording; "" to export `store`
-  double sourceSeconds = 0;  // its duration when it was opened; an export fails when it is shorter now
-  // The records of a live session, which must not change meanwhile, and the header for a recording of them.
-  const RecordStore* store = nullptr;
+  const RecordStore* store = nullptr;  // must not change until the export is done
+  // The recording from which the store was read; "": a live port, for whose records `header` begins a recording.
+  std::string recording;
+  double recordingSeconds = 0;  // its duration when it was read
   camera::RecordingHeader header;
   std::string target;
-  ExportFormat format = ExportFormat::kCsv;
-  bool overwrite = false;
+  bool isCsv = false;
   double from = 0, to = 0;  // seconds, both included
 };
 
@@ -27,21 +24,22 @@ struct ExportResult {
   bool isDone = false;
   std::string error;      // in English; "" when it is done or was cancelled
   long long records = 0;  // rows, or records in the chunks
-  long long chunks = 0;   // of a recording
 };
 
 // CSV has the columns of camtool export, with times as shown; records without points are omitted. A recording contains
-// the source's chunks in that stretch, with unchanged bytes and times relative to its new start, which is in its
-// header; from a store, it has a chunk for each record as the camera would have sent it, without malformed bytes. The
-// target is written under a temporary name and then renamed; a failed or cancelled export does not change an existing
-// file. The source itself is rejected as target.
-class StretchExporter {
+// the chunks of the one that was read, with unchanged bytes and times relative to its new start, which is in its
+// header; that one is rejected as target, and also when it has become shorter meanwhile. Of a live port, a recording
+// has a chunk for each record as the camera would have sent it, without malformed bytes. An existing target is
+// replaced; a failed or cancelled export does not change it.
+class Exporter {
  public:
+  // Returns false when no thread could be created.
   bool Start(const ExportTask& task);
   void Cancel() { worker_.Cancel(); }
   bool IsDone() const { return worker_.IsDone(); }
   double Progress() const { return worker_.Progress(); }
   // When IsDone().
+  const ExportTask& Task() const { return task_; }
   const ExportResult& Result() const { return result_; }
 
  private:

@@ -1,4 +1,4 @@
-#include "camview/stretch_export.h"
+#include "camview/exporter.h"
 
 #include <windows.h>
 
@@ -60,7 +60,6 @@ void AddHeader(Export* job, camera::RecordingHeader header) {
 
 void AddChunk(Export* job, std::uint64_t microseconds, std::string_view bytes) {
   job->buffer += camera::EncodeChunks(microseconds - job->from, bytes);
-  ++job->result->chunks;
 }
 
 void AddEnd(Export* job, std::uint64_t sourceEnd) {
@@ -68,31 +67,12 @@ void AddEnd(Export* job, std::uint64_t sourceEnd) {
   job->buffer += camera::EncodeEnd(end - job->from);
 }
 
-void AddRow(Export* job, const camera::FoundRecord& record) {
-  camera::AppendCsvRow(record, &job->buffer);
-  ++job->result->records;
-}
-
-// ---- From a recording -----------------------------------------------------------------------------------------------
-
-// Returns false when cancelled or when writing failed.
-bool AddRows(Export* job, camera::RecordingFile* recording) {
-  job->buffer = camera::CsvHeader();
-  camera::RecordStream stream;
-  std::vector<camera::FoundRecord> found;
-  while (camera::NextRecords(recording, &stream, &found) && recording->chunk.microseconds <= job->to) {
-    for (const camera::FoundRecord& record : found) {
-      if (record.isInRange && Microseconds(record.seconds) >= job->from) AddRow(job, record);
-    }
-    if (!IsInRange(job, recording->chunk.microseconds)) return false;
-  }
-  return true;
-}
-
-bool AddChunks(Export* job, camera::RecordingFile* recording) {
+// Returns false when cancelled or when reading or writing failed.
+bool AddRecording(Export* job, camera::RecordingFile* recording) {
   AddHeader(job, recording->decoder.header);
   camera::RecordStream stream;
   camera::Chunk chunk{};
+  std::string* error = &job->result->error;
   while (camera::NextChunk(recording, &chunk) && chunk.microseconds <= job->to) {
     if (chunk.microseconds >= job->from) {
       AddChunk(job, chunk.microseconds, chunk.bytes);
@@ -100,31 +80,30 @@ bool AddChunks(Export* job, camera::RecordingFile* recording) {
     }
     if (!IsInRange(job, chunk.microseconds)) return false;
   }
+  if (recording->isStopped) return false;
+  const std::uint64_t expected = std::min(job->to, Microseconds(job->task.recordingSeconds));
+  if (error->empty()) *error = recording->error;
+  if (error->empty() && recording->decoder.endTime < expected)
+    *error = "the recording is shorter than when it was opened";
   AddEnd(job, recording->decoder.endTime);
   job->result->records = stream.records;
-  return true;
+  return error->empty();
 }
-
-// ---- From a store ---------------------------------------------------------------------------------------------------
 
 void AddStored(Export* job, const StoredRecord& record) {
   if (record.flags & kOutOfRange) return;
+  ++job->result->records;
   camera::FoundRecord found{};
   found.seconds = record.seconds;
   std::ranges::copy(record.points, found.points);
-  if (job->task.format == ExportFormat::kCsv) {
-    AddRow(job, found);
-    return;
-  }
+  if (job->task.isCsv) return camera::AppendCsvRow(found, &job->buffer);
   char bytes[kv::kRecordLength];
   kv::WriteRecord(found.points, bytes);
   AddChunk(job, Microseconds(record.seconds), {bytes, sizeof(bytes)});
-  ++job->result->records;
 }
 
 bool AddStore(Export* job) {
-  const bool isCsv = job->task.format == ExportFormat::kCsv;
-  if (isCsv) {
+  if (job->task.isCsv) {
     job->buffer = camera::CsvHeader();
   } else {
     AddHeader(job, job->task.header);
@@ -139,33 +118,26 @@ bool AddStore(Export* job) {
     number += static_cast<long long>(count);
     if (!IsInRange(job, Microseconds(batch[count - 1].seconds))) return false;
   }
-  if (!isCsv) AddEnd(job, job->to);
+  if (!job->task.isCsv) AddEnd(job, job->to);
   return true;
-}
-
-// ---------------------------------------------------------------------------------------------------------------------
-
-// Returns whether the source lacks data that it had when it was opened.
-bool WasTruncated(const Export& job, const camera::RecordingFile& recording) {
-  return !job.task.store && !recording.isStopped &&
-         recording.decoder.endTime < std::min(job.to, Microseconds(job.task.sourceSeconds));
 }
 
 bool Write(Export* job, camera::RecordingFile* recording) {
   std::string* error = &job->result->error;
-  if (!camera::OpenOutput(job->task.target, job->task.overwrite, recording->file, &job->out, error)) return false;
-  const bool isCsv = job->task.format == ExportFormat::kCsv;
-  const bool isAdded = job->task.store ? AddStore(job) : isCsv ? AddRows(job, recording) : AddChunks(job, recording);
-  if (error->empty()) *error = recording->error;
-  if (error->empty() && isAdded && WasTruncated(*job, *recording)) {
-    *error = "\"" + recording->path + "\" is shorter than when it was opened";
+  const ExportTask& task = job->task;
+  if (!task.recording.empty() && !camera::OpenRecording(task.recording, recording)) {
+    // Its records are in the store, but not its bytes.
+    if (!task.isCsv) *error = recording->error;
+    if (!task.isCsv) return false;
   }
-  return isAdded && !recording->isStopped && error->empty() && Flush(job, 0) && camera::PublishOutput(&job->out, error);
+  if (!camera::OpenOutput(task.target, true, recording->file, &job->out, error)) return false;
+  const bool isAdded = task.isCsv || task.recording.empty() ? AddStore(job) : AddRecording(job, recording);
+  return isAdded && Flush(job, 0) && camera::PublishOutput(&job->out, error);
 }
 
 }  // namespace
 
-bool StretchExporter::Start(const ExportTask& task) {
+bool Exporter::Start(const ExportTask& task) {
   worker_.Cancel();
   worker_.Wait();
   task_ = task;
@@ -173,13 +145,9 @@ bool StretchExporter::Start(const ExportTask& task) {
   return worker_.Start([this] { Run(); });
 }
 
-void StretchExporter::Run() {
+void Exporter::Run() {
   Export job{task_, &worker_, &result_};
-  camera::RecordingFile recording;
-  if (!task_.store && !camera::OpenRecording(task_.source, &recording)) {
-    result_.error = recording.error;
-    return;
-  }
+  camera::RecordingFile recording;  // also to reject it as target
   recording.onPart = [this] { return !worker_.IsCancelled(); };
   result_.isDone = Write(&job, &recording);
   camera::CloseOutput(&job.out);

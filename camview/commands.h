@@ -1,0 +1,23 @@
+// Menu, buttons, keys, and the notifications of the controls: they change source, time and options, and update the
+// window. Main thread only.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+#include "camview/source.h"
+#include "camview/window.h"
+
+namespace camview {
+
+INT_PTR OnCommand(View& view, UINT id, UINT code);
+// Checks and disables the items of a menu that opens.
+void PrepareMenu(const View& view, HMENU menu);
+
+void OpenFile(View& view, const std::wstring& path);
+void Connect(View& view, int port);
+// Says what has become of work in the background. May show a message box.
+void OnNews(View& view, SourceNews news);
+
+}  // namespace camview

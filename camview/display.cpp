@@ -1,0 +1,335 @@
+#include "camview/display.h"
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <iterator>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "camera/ports.h"
+#include "camera/text.h"
+#include "camview/camera_field.h"
+#include "camview/charts.h"
+#include "camview/live_source.h"
+#include "camview/record_store.h"
+#include "camview/resource_ids.h"
+#include "camview/source.h"
+#include "camview/statistics.h"
+#include "camview/statistics_table.h"
+#include "camview/status_line.h"
+#include "camview/timeline.h"
+#include "camview/view_time.h"
+#include "kv/framework/control_class.h"
+#include "kv/framework/file_path.h"
+#include "kv/lists/list_navigation.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/locale_text.h"
+#include "kv/toolkit/scaled_dialog.h"
+
+namespace camview {
+
+namespace {
+
+constexpr int kProgressSteps = 1000;
+constexpr double kMessageSeconds = 6;
+constexpr double kStatisticsDelay = 0.1;  // not for each step while a selection is dragged or charts scroll
+constexpr double kLiveSeconds = 1;        // between two updates of timeline and statistics
+constexpr long long kMaxTrailRecords = 4096;
+
+template <class Value>
+bool IsNew(const Value& value, Value* shown) {
+  if (value == *shown) return false;
+  *shown = value;
+  return true;
+}
+
+LRESULT Send(HWND window, int id, WPARAM command, const void* item) {
+  return SendDlgItemMessageA(window, id, kv::kControlCommand, command, reinterpret_cast<LPARAM>(item));
+}
+
+void NameControls(HWND window) {
+  constexpr std::pair<int, UINT> kNames[] = {{IDC_FIELD, IDS_FIELD_NAME},
+                                             {IDC_CHART_X, IDS_CHART_X_NAME},
+                                             {IDC_CHART_Y, IDS_CHART_Y_NAME},
+                                             {IDC_TIMELINE, IDS_TIMELINE_NAME},
+                                             {IDC_STATISTICS, IDS_STATISTICS_NAME}};
+  for (const auto& [id, name] : kNames) kv::NameControl(window, id, kv::ResourceText(name).c_str());
+  SendDlgItemMessageW(window, IDC_SPEED, CB_RESETCONTENT, 0, 0);
+  for (const double speed : kSpeeds) {
+    const std::wstring text = TextWith(IDS_SPEED_OF, kv::NumberText(speed, speed < 1 ? 1 : 0).c_str());
+    SendDlgItemMessageW(window, IDC_SPEED, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
+  }
+}
+
+StatusLine Describe(const Source& source, const ViewTime& time) {
+  const std::wstring work = kv::FileNameOf(source.WorkPath().c_str());
+  if (source.IsWorking()) {
+    return {StatusMark::kWaiting, TextWith(source.IsExporting() ? IDS_EXPORTING : IDS_LOADING, work.c_str())};
+  }
+  if (source.IsLive()) {
+    StatusLine line = DescribeLive(source.Status());
+    if (time.isFrozen) line.text += L" " + kv::ResourceText(IDS_LIVE_FROZEN);
+    return line;
+  }
+  if (source.IsOpen()) return DescribeRecording(source.Loaded());
+  return {StatusMark::kNone, kv::ResourceText(IDS_NOTHING_OPEN)};
+}
+
+std::vector<Stretch> SectionsOf(const RecordStore& store) {
+  std::vector<Stretch> all;
+  for (const StretchKind kind : {StretchKind::kSilent, StretchKind::kMalformed, StretchKind::kDamaged}) {
+    const std::vector<Stretch>& own = store.Stretches(kind);
+    all.insert(all.end(), own.begin(), own.end());
+  }
+  return all;
+}
+
+}  // namespace
+
+int SpeedIndex(double speed) {
+  return static_cast<int>(std::ranges::lower_bound(kSpeeds, speed - 1e-9) - std::begin(kSpeeds));
+}
+
+Display::Display(HWND window) : window_(window) {
+  SendDlgItemMessageW(window, IDC_PROGRESS, PBM_SETRANGE32, 0, kProgressSteps);
+  const HWND list = GetDlgItem(window, IDC_STATISTICS);
+  kv::AddListNavigation(list);
+  SendMessageW(list, LB_SETCOUNT, kv::kPointCount, 0);
+}
+
+void Display::Forget() {
+  texts_.clear();
+  line_ = recordingLine_ = message_ = {};
+  isNamed_ = false;
+  speed_ = -1;
+  statisticsKey_.reset();
+}
+
+void Display::Say(StatusMark mark, const std::wstring& text) {
+  message_ = {mark, text};
+  messageUntil_ = camera::Now() + kMessageSeconds;
+}
+
+void Display::Refresh(const Source& source, const ViewTime& time, const DisplayOptions& options) {
+  if (!isNamed_) {
+    NameControls(window_);
+    charts_.Describe(window_);
+  }
+  isNamed_ = true;
+  const double now = camera::Now();
+  // While a port is followed, most of the window changes once a second.
+  isLiveTurn_ = !time.IsFollowing() || now >= liveDue_;
+  if (isLiveTurn_) liveDue_ = now + kLiveSeconds;
+  ShowSource(source, time);
+  ShowWork(source);
+  ShowStatus(source, time);
+  ShowCharts(source, time, options);
+  ShowField(source, time, options);
+  ShowTimeline(source, time);
+  ShowTimeText(source, time);
+  ShowStatistics(source, time);
+}
+
+// ---- Controls -------------------------------------------------------------------------------------------------------
+
+void Display::SetText(int id, const std::wstring& text) {
+  const auto [place, isAdded] = texts_.try_emplace(id, text);
+  if (!isAdded && !IsNew(text, &place->second)) return;
+  SetDlgItemTextW(window_, id, text.c_str());
+}
+
+void Display::Enable(int id, bool enabled) {
+  const auto [place, isAdded] = enabled_.try_emplace(id, enabled);
+  if (isAdded || IsNew(enabled, &place->second)) kv::EnableControl(window_, id, enabled);
+}
+
+void Display::SetVisible(int id, bool visible) {
+  const auto [place, isAdded] = visible_.try_emplace(id, visible);
+  if (isAdded || IsNew(visible, &place->second)) ShowWindow(GetDlgItem(window_, id), visible ? SW_SHOW : SW_HIDE);
+}
+
+// ---- Source ---------------------------------------------------------------------------------------------------------
+
+void Display::ShowSource(const Source& source, const ViewTime& time) {
+  constexpr int kWindow = 0;  // no control has it
+  const std::wstring name = kv::FileNameOf(source.Name().c_str());
+  const std::wstring caption = name.empty() ? kv::ResourceText(IDS_CAPTION) : TextWith(IDS_CAPTION_OF, name.c_str());
+  if (IsNew(caption, &texts_[kWindow])) SetWindowTextW(window_, caption.c_str());
+  const bool isOpen = source.IsOpen(), isLive = source.IsLive();
+  for (const int id : {IDC_PLAY, IDC_STEP_BACK, IDC_STEP_FORWARD, IDC_TIME}) Enable(id, isOpen);
+  Enable(IDC_SPEED, isOpen && !isLive);
+  Enable(IDC_EXPORT, source.Records() && time.selection && !source.IsWorking());
+  SetVisible(IDC_RECORD, isLive);
+  const UINT play = isLive ? (time.isFrozen ? IDS_RESUME : IDS_FREEZE) : time.isPlaying ? IDS_PAUSE : IDS_PLAY;
+  SetText(IDC_PLAY, kv::ResourceText(play));
+  const bool isRecording = source.Recording().state == LiveRecordingState::kOn;
+  SetText(IDC_RECORD, kv::ResourceText(isRecording ? IDS_STOP_RECORDING : IDS_RECORD));
+  if (IsNew(SpeedIndex(time.speed), &speed_)) {
+    SendDlgItemMessageW(window_, IDC_SPEED, CB_SETCURSEL, static_cast<WPARAM>(speed_), 0);
+  }
+}
+
+void Display::ShowWork(const Source& source) {
+  for (const int id : {IDC_PROGRESS, IDC_CANCEL_WORK}) SetVisible(id, source.IsWorking());
+  const int progress = source.IsWorking() ? static_cast<int>(source.Progress() * kProgressSteps) : 0;
+  if (IsNew(progress, &progress_)) {
+    SendDlgItemMessageW(window_, IDC_PROGRESS, PBM_SETPOS, static_cast<WPARAM>(progress), 0);
+  }
+}
+
+void Display::ShowStatus(const Source& source, const ViewTime& time) {
+  if (!message_.text.empty() && camera::Now() >= messageUntil_) message_ = {};
+  const auto show = [&](int id, const StatusLine& line, StatusLine* shown) {
+    if (!IsNew(line, shown)) return;
+    SetText(id, line.text);
+    InvalidateRect(GetDlgItem(window_, id), nullptr, FALSE);
+  };
+  show(IDC_STATUS, message_.text.empty() ? Describe(source, time) : message_, &line_);
+  show(IDC_RECORDING, DescribeLiveRecording(source.Recording()), &recordingLine_);
+  const bool hasRecordingLine = !recordingLine_.text.empty() && !source.IsWorking();
+  const bool isShort = source.IsWorking() || hasRecordingLine;
+  SetVisible(IDC_RECORDING, hasRecordingLine);
+  if (!isShort_ || IsNew(isShort, &*isShort_)) {
+    isShort_ = isShort;
+    PlaceStatus();
+  }
+}
+
+// The status line has the window's width unless there is a control at its right.
+void Display::PlaceStatus() const {
+  RECT status{}, right{};
+  GetWindowRect(GetDlgItem(window_, IDC_STATUS), &status);
+  GetWindowRect(GetDlgItem(window_, IDC_RECORDING), &right);
+  const LONG height = status.bottom - status.top;
+  // In a mirrored window, the control at the end of the line is at its left in screen coordinates.
+  const bool isMirrored = status.left > right.left;
+  const LONG whole = isMirrored ? status.right - right.left : right.right - status.left;
+  const LONG beside = isMirrored ? status.right - right.right : right.left - status.left;
+  const LONG width = isShort_.value_or(false) ? beside - height / 2 : whole;
+  SetWindowPos(GetDlgItem(window_, IDC_STATUS), nullptr, 0, 0, width, height,
+               SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+bool Display::Draw(const DRAWITEMSTRUCT& item) const {
+  switch (item.CtlID) {
+    case IDC_STATISTICS: DrawStatisticsRow(item, statistics_ ? &*statistics_ : nullptr); return true;
+    case IDC_STATUS: DrawStatusLine(item, line_); return true;
+    case IDC_RECORDING: DrawStatusLine(item, recordingLine_); return true;
+    default: return false;
+  }
+}
+
+// ---- Records --------------------------------------------------------------------------------------------------------
+
+void Display::ShowField(const Source& source, const ViewTime& time, const DisplayOptions& options) {
+  const RecordStore* store = source.Records();
+  const double shown = time.Shown(), now = time.IsFollowing() ? source.Status().now : shown;
+  const long long last = store ? store->At(shown) : -1;
+  const FieldKey key{source.Number(), last, shown, now, options.trailSeconds};
+  if (field_ == key) return;
+  field_ = key;
+  fieldRecords_.clear();
+  if (last >= 0) {
+    long long first = options.trailSeconds > 0 ? store->Find(shown - options.trailSeconds) : last;
+    first = std::max({std::min(first, last), last - kMaxTrailRecords, store->First()});
+    fieldRecords_.resize(static_cast<size_t>(last - first + 1));
+    store->Read(first, fieldRecords_);
+    // When no more records arrive, the points are no longer known.
+    if (now - fieldRecords_.back().seconds > kJudgeSeconds) fieldRecords_.clear();
+  }
+  const FieldContent content{static_cast<DWORD>(fieldRecords_.size()), fieldRecords_.data(), now, options.trailSeconds};
+  Send(window_, IDC_FIELD, kFieldShow, &content);
+}
+
+void Display::ShowCharts(const Source& source, const ViewTime& time, const DisplayOptions& options) {
+  const double now = camera::Now();
+  // The charts cost more than the field, and more images a second would not be seen.
+  constexpr double kChartSeconds = 0.075;
+  if (time.IsFollowing() && now < chartsDue_) return;
+  chartsDue_ = now + kChartSeconds;
+  charts_.Show({.store = source.Records(),
+                .source = source.Number(),
+                .whole = {time.begin, time.end},
+                .shown = time.shown,
+                .isFollowing = time.IsFollowing(),
+                .cursor = time.Shown(),
+                .selection = time.selection,
+                .fitValues = options.fitValues});
+}
+
+void Display::ShowTimeline(const Source& source, const ViewTime& time) {
+  if (!isLiveTurn_) return;
+  const TimeRange range{time.begin, time.end};
+  if (timelineRange_ != range) {
+    timelineRange_ = range;
+    Send(window_, IDC_TIMELINE, kTimelineRange, &range);
+  }
+  const RecordStore* store = source.Records();
+  const std::vector<Stretch> sections = store ? SectionsOf(*store) : std::vector<Stretch>();
+  SectionsKey key{source.Number(), 0, 0};
+  for (const Stretch& section : sections) {
+    std::get<1>(key) += static_cast<size_t>(section.count);
+    std::get<2>(key) = std::max(std::get<2>(key), section.to);
+  }
+  if (sections_ != key) {
+    sections_ = key;
+    const TimelineMarks marks{static_cast<DWORD>(sections.size()), sections.data()};
+    Send(window_, IDC_TIMELINE, kTimelineShowMarks, &marks);
+  }
+  if (IsNew(time.position, &timelinePosition_)) Send(window_, IDC_TIMELINE, kTimelinePosition, &time.position);
+  if (timelineSelection_ != time.selection) {
+    timelineSelection_ = time.selection;
+    const TimeRange selection = time.selection.value_or(TimeRange{});
+    Send(window_, IDC_TIMELINE, kTimelineSelection | (time.selection ? 0 : kv::kCommandRemove), &selection);
+  }
+}
+
+void Display::ShowTimeText(const Source& source, const ViewTime& time) {
+  const RecordStore* store = source.Records();
+  if (isLiveTurn_) SetText(IDC_LENGTH, store ? TextWith(IDS_OF_LENGTH, TimeAsText(time.end).c_str()) : L" ");
+  // What is being typed stays; what was not entered is discarded.
+  const bool wasTyping = std::exchange(isTyping_, GetFocus() == GetDlgItem(window_, IDC_TIME));
+  if (isTyping_) return;
+  if (wasTyping) texts_.erase(IDC_TIME);
+  if (isLiveTurn_) SetText(IDC_TIME, store ? TimeAsText(time.Shown()) : L"");
+}
+
+// ---- Statistics -----------------------------------------------------------------------------------------------------
+
+void Display::ShowStatistics(const Source& source, const ViewTime& time) {
+  const RecordStore* store = source.Records();
+  const TimeRange range =
+      time.selection.value_or(TimeRange{std::max(time.shown.from, time.begin), std::min(time.shown.to, time.end)});
+  const bool isSelected = time.selection.has_value();
+  const StatisticsKey key{source.Number(), store ? store->At(range.to) : -1, isSelected, range.from, range.to};
+  if (statisticsKey_ == key || !isLiveTurn_) {
+    if (statisticsKey_ == key) isStatisticsDue_ = false;
+    return;
+  }
+  const double now = camera::Now();
+  if (!isStatisticsDue_) statisticsDue_ = now + (time.IsFollowing() ? 0 : kStatisticsDelay);
+  isStatisticsDue_ = now < statisticsDue_;
+  if (isStatisticsDue_) return;
+  statisticsKey_ = key;
+  statistics_.reset();
+  std::wstring summary = L" ", counts = L" ";
+  if (store) {
+    statistics_ = ComputeStatistics(*store, range.from, range.to);
+    summary = TextWith(isSelected ? IDS_STATISTICS_SELECTED : IDS_STATISTICS_SHOWN, TimeAsText(range.from).c_str(),
+                       TimeAsText(range.to).c_str(), kv::NumberText(range.Length(), 3).c_str());
+    counts = TextWith(IDS_STATISTICS_COUNTS, kv::NumberText(static_cast<double>(statistics_->records)).c_str(),
+                      kv::NumberText(statistics_->recordsPerSecond, 1).c_str(),
+                      kv::NumberText(static_cast<double>(statistics_->lostRecords)).c_str());
+  }
+  SetText(IDC_SUMMARY, summary);
+  SetText(IDC_COUNTS, counts);
+  kv::RedrawList(GetDlgItem(window_, IDC_STATISTICS));
+}
+
+}  // namespace camview

@@ -1,0 +1,90 @@
+// What the window shows: Refresh compares it with what there is to show, and is the only code that changes controls.
+// Changes of source and time, of the language and of the colors all end there. Main thread only.
+#pragma once
+
+#include <windows.h>
+
+#include <map>
+#include <optional>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "camview/charts.h"
+#include "camview/source.h"
+#include "camview/statistics.h"
+#include "camview/status_line.h"
+#include "camview/view_time.h"
+
+namespace camview {
+
+inline constexpr double kSpeeds[] = {0.1, 0.2, 0.5, 1, 2, 5, 10, 20, 50, 100};
+int SpeedIndex(double speed);
+
+struct DisplayOptions {
+  double trailSeconds = 1;
+  bool fitValues = false;
+};
+
+class Display {
+ public:
+  explicit Display(HWND window);
+
+  void Refresh(const Source& source, const ViewTime& time, const DisplayOptions& options);
+  // After a change of the language, the next Refresh shows everything again.
+  void Forget();
+  // Shows a message for some seconds; after that the line describes the source again.
+  void Say(StatusMark mark, const std::wstring& text);
+  void TakeBack() { message_ = {}; }
+  // A message will end, or statistics are to be computed: Refresh should be called soon.
+  bool IsPending() const { return !message_.text.empty() || isStatisticsDue_; }
+
+  // Handles WM_SIZE and WM_DRAWITEM.
+  void PlaceStatus() const;
+  bool Draw(const DRAWITEMSTRUCT& item) const;
+  // The user has changed a chart.
+  void SetChartsChanged() { charts_.SetChangedByUser(); }
+  const Charts& charts() const { return charts_; }
+
+ private:
+  void SetText(int id, const std::wstring& text);
+  void Enable(int id, bool enabled);
+  void SetVisible(int id, bool visible);
+  void ShowSource(const Source& source, const ViewTime& time);
+  void ShowWork(const Source& source);
+  void ShowStatus(const Source& source, const ViewTime& time);
+  void ShowField(const Source& source, const ViewTime& time, const DisplayOptions& options);
+  void ShowCharts(const Source& source, const ViewTime& time, const DisplayOptions& options);
+  void ShowTimeline(const Source& source, const ViewTime& time);
+  void ShowTimeText(const Source& source, const ViewTime& time);
+  void ShowStatistics(const Source& source, const ViewTime& time);
+
+  HWND window_;
+  Charts charts_;
+
+  // What is shown
+  std::map<int, std::wstring> texts_;
+  std::map<int, bool> enabled_, visible_;
+  StatusLine line_, recordingLine_;
+  std::optional<bool> isShort_;  // the status line
+  int speed_ = -1, progress_ = -1;
+  bool isNamed_ = false;
+  using FieldKey = std::tuple<unsigned, long long, double, double, double>;
+  std::optional<FieldKey> field_;
+  std::vector<StoredRecord> fieldRecords_;
+  std::optional<TimeRange> timelineRange_, timelineSelection_;
+  using SectionsKey = std::tuple<unsigned, size_t, double>;
+  std::optional<SectionsKey> sections_;
+  double timelinePosition_ = kNoTime;
+  bool isTyping_ = false;  // a time
+  using StatisticsKey = std::tuple<unsigned, long long, bool, double, double>;
+  std::optional<StatisticsKey> statisticsKey_;
+  std::optional<StretchStatistics> statistics_;
+
+  StatusLine message_;
+  // By camera::Now()
+  double messageUntil_ = 0, statisticsDue_ = 0, chartsDue_ = 0, liveDue_ = 0;
+  bool isStatisticsDue_ = false, isLiveTurn_ = true;
+};
+
+}  // namespace camview

@@ -1,0 +1,140 @@
+// camview's window when sources change: dialogs and work that are under way, and a port that comes and goes.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+
+#include "camera/text.h"
+#include "camview/commands.h"
+#include "camview/live_source.h"
+#include "camview/record_store.h"
+#include "camview/recording_loader.h"
+#include "camview/resource_ids.h"
+#include "camview/source.h"
+#include "camview/window.h"
+#include "tests/camview/window_fixture.h"
+#include "tests/support/serial_line.h"
+#include "tests/support/test_window.h"
+
+namespace camview {
+namespace {
+
+using kvtest::TextOf;
+
+TEST_F(CamviewWindow, AModalDialogFindsItsSourceAgainOrSaysThatItIsGone) {
+  OpenFile(Recording(100));
+  Command(IDM_SELECT_SHOWN);
+  const fs::path other = File(L"camview other.twr");
+  std::ofstream(other, std::ios::binary) << Recording(100'000);
+  const auto drop = [&] {
+    SendMessageW(window_, WM_DROPFILES, reinterpret_cast<WPARAM>(DroppedFile(other)), 0);
+    EXPECT_TRUE(Soon([&] { return !IsWorking(); }));
+  };
+  chosenPath = File(L"camview of the first.csv");
+  whileChoosing = drop;  // on the disabled window
+  Command(IDM_EXPORT);
+  EXPECT_TRUE(Soon([&] { return !IsWorking(); }));
+  EXPECT_EQ(L"camview test.twr – Camera viewer", TextOf(window_));
+  const std::string rows = BytesOf(chosenPath);
+  EXPECT_EQ(101, std::ranges::count(rows, '\n'));
+
+  // A recording that is still being read when the user chooses where to record the port.
+  constexpr int kAbsentPort = 177;
+  const fs::path target = File(L"camview record.twr");
+  Connect(view(), kAbsentPort);
+  camview::OpenFile(view(), other.wstring());
+  chosenPath = target;
+  whileChoosing = [&] { EXPECT_TRUE(Soon([&] { return !IsWorking(); })); };
+  Command(IDM_RECORD);
+  EXPECT_EQ(L"camview other.twr – Camera viewer", TextOf(window_));
+  EXPECT_TRUE(Says(L"has been closed; nothing was written.")) << camera::Narrow(Text(IDC_STATUS));
+  EXPECT_FALSE(fs::exists(target));
+}
+
+TEST_F(CamviewWindow, OpeningAnotherSourceGivesUpALoadAndCompletesARecording) {
+  OpenFile(Recording(100));
+  const fs::path other = File(L"camview other.twr"), target = File(L"camview record.twr");
+  std::ofstream(other, std::ios::binary) << Recording(100'000);
+  constexpr int kAbsentPort = 177;
+  camview::OpenFile(view(), other.wstring());
+  Connect(view(), kAbsentPort);
+  Soon([&] { return view().source.Status().state == LiveState::kAbsent; });
+  EXPECT_TRUE(view().source.IsLive() && !IsWorking());
+
+  chosenPath = target;
+  Command(IDM_RECORD);
+  EXPECT_NE(Text(IDC_RECORDING).find(L"Recording to camview record.twr"), std::wstring::npos);
+  camview::OpenFile(view(), other.wstring());
+  EXPECT_TRUE(Soon([&] { return !IsWorking(); }));
+  EXPECT_EQ(L"camview other.twr – Camera viewer", TextOf(window_));
+  EXPECT_NE(Text(IDC_RECORDING).find(L"Recorded to camview record.twr"), std::wstring::npos);
+  EXPECT_TRUE(IsWindowVisible(Control(IDC_RECORDING)));
+  RecordingLoader loader;
+  loader.Start(camera::Narrow(chosenPath));
+  EXPECT_TRUE(Soon([&] { return loader.IsDone(); }));
+  EXPECT_FALSE(loader.Take().isTruncated);
+
+  // Nothing is received, so the recording does not take the place of the file.
+  Connect(view(), kAbsentPort);
+  std::ofstream(target) << "precious";
+  Command(IDM_RECORD);
+  Command(IDM_RECORD);
+  EXPECT_EQ(L"Nothing was received; camview record.twr is unchanged", Text(IDC_RECORDING));
+  EXPECT_EQ("precious", BytesOf(target));
+}
+
+TEST_F(CamviewWindow, LosesNothingOfAPortThatComesAndGoes) {
+  if (!kvtest::SerialLine::CanUnplug()) GTEST_SKIP() << kvtest::kNoComPair;
+  kvtest::SerialLine line;
+  ASSERT_TRUE(line.isPlugged());
+  const auto [port, farPort] = kvtest::GivenComPair();
+  auto camera = std::make_unique<kvtest::PlayedCamera>(farPort);
+  Open({.port = port});
+  EXPECT_TRUE(Soon([&] { return Says(L"has sent nothing for"); })) << camera::Narrow(Text(IDC_STATUS));
+  int sent = 0;
+  const auto send = [&](int count) {
+    for (int i = 0; i < count; ++i, ++sent) camera->Send(RecordBytes(sent));
+    return Soon([&] { return Records() && Records()->End() == sent; });
+  };
+  EXPECT_TRUE(send(10));
+  EXPECT_TRUE(Soon([&] { return Says(L"records a second."); })) << camera::Narrow(Text(IDC_STATUS));
+  EXPECT_EQ(L"1: 9, 300; 2: 500, 400; 4: 20, 700", Field());
+
+  chosenPath = File(L"camview live.twr");
+  SetFocus(Control(IDC_TIMELINE));
+  Press('R');
+  EXPECT_NE(Text(IDC_RECORDING).find(L"Recording to camview live.twr"), std::wstring::npos);
+  EXPECT_TRUE(send(5));
+  Press(VK_SPACE);  // hold: nothing is lost behind it
+  EXPECT_EQ(L"Resu&me", Text(IDC_PLAY));
+  EXPECT_TRUE(send(5));
+  EXPECT_EQ(L"1: 14, 300; 2: 500, 400; 4: 20, 700", Field());
+  Press(VK_SPACE);
+  EXPECT_TRUE(Soon([&] { return Field() == L"1: 19, 300; 2: 500, 400; 4: 20, 700"; }));
+
+  camera.reset();
+  line.Unplug();
+  EXPECT_TRUE(Soon([&] { return Says(L"is gone; waiting for it"); })) << camera::Narrow(Text(IDC_STATUS));
+  line.PlugIn();
+  camera = std::make_unique<kvtest::PlayedCamera>(farPort);
+  EXPECT_TRUE(Soon([&] { return Says(L"has sent nothing for"); })) << camera::Narrow(Text(IDC_STATUS));
+  EXPECT_TRUE(send(5));
+  EXPECT_TRUE(Soon([&] {
+    camera->Send("garbage ");
+    return Says(L"sends bytes, but no records");
+  }));
+  DestroyWindow(window_);
+  RecordingLoader loader;
+  loader.Start(camera::Narrow(chosenPath));
+  EXPECT_TRUE(Soon([&] { return loader.IsDone(); }));
+  const LoadedRecording recorded = loader.Take();
+  EXPECT_FALSE(recorded.isTruncated);
+  EXPECT_EQ(15, recorded.records);
+}
+
+}  // namespace
+}  // namespace camview
