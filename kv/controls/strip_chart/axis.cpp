@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdarg>
+#include <cstdlib>
 #include <cwchar>
 #include <iterator>
 #include <string>
@@ -18,6 +20,29 @@ constexpr double kClockSteps[] = {1,   2,   5,    10,   15,   30,    60,    120,
 
 int DecimalsOf(double step) {
   return std::max(0, static_cast<int>(std::ceil(-std::log10(step) - 1e-9)));
+}
+
+// With a decimal point, whatever setlocale has set.
+std::wstring Format(const wchar_t* format, ...) {
+  wchar_t text[64] = L"";
+  va_list arguments;
+  va_start(arguments, format);
+  FormatPlainV(text, std::size(text), format, arguments);
+  va_end(arguments);
+  return text;
+}
+
+// 2.5e+007 as 2.5×10⁷.
+std::wstring PowerText(const std::wstring& number) {
+  constexpr wchar_t kSuperscripts[] = L"\x2070\x00B9\x00B2\x00B3\x2074\x2075\x2076\x2077\x2078\x2079";
+  const size_t power = number.find(L'e');
+  if (power == std::wstring::npos) return number;
+  const long exponent = std::wcstol(number.c_str() + power + 1, nullptr, 10);
+  std::wstring text = number.substr(0, power);
+  text = (text == L"1" ? L"" : text == L"-1" ? L"-" : text + L"\x00D7") + L"10";
+  if (exponent < 0) text += L'\x207B';
+  for (const wchar_t digit : std::to_wstring(std::labs(exponent))) text += kSuperscripts[digit - L'0'];
+  return text;
 }
 
 }  // namespace
@@ -50,23 +75,17 @@ AxisRange NiceRange(double low, double high, int ticks) {
   return {std::floor(low / step) * step, std::ceil(high / step) * step};
 }
 
-double FirstTick(double low, double step) {
-  return std::ceil(low / step - 1e-9);
+Ticks TicksBetween(double low, double high, double step) {
+  const double first = std::ceil(low / step - 1e-9), last = std::floor(high / step + 1e-9);
+  return {first, step, static_cast<int>(std::clamp(last - first + 1, 0.0, static_cast<double>(kMaxTicks)))};
 }
 
 std::wstring TickText(double value, double step) {
-  wchar_t text[64];
   const int decimals = DecimalsOf(step);
   if (std::fabs(value) < step / 2) return L"0";
   const bool plain = decimals <= 6 && std::fabs(value) < 1e7;
   const int digits = std::clamp(static_cast<int>(std::ceil(std::log10(std::fabs(value) / step) - 1e-9)) + 1, 1, 15);
-  FormatBounded(text, sizeof(text), plain ? L"%.*f" : L"%.*g", plain ? decimals : digits, value);
-  const std::wstring number = text;
-  const size_t power = number.find(L'e');
-  // The runtime writes an exponent with its sign and up to three digits.
-  return power == std::wstring::npos
-             ? number
-             : number.substr(0, power + 1) + std::to_wstring(std::wcstol(text + power + 1, nullptr, 10));
+  return PowerText(Format(plain ? L"%.*f" : L"%.*g", plain ? decimals : digits, value));
 }
 
 std::wstring TimeText(double seconds, double step, bool clock) {
@@ -76,14 +95,8 @@ std::wstring TimeText(double seconds, double step, bool clock) {
   double ofDay = std::round((seconds - std::floor(seconds / kDay) * kDay) * unit) / unit;
   if (ofDay >= kDay) ofDay = 0;
   const int whole = static_cast<int>(ofDay), hours = whole / 3600, minutes = whole / 60 % 60;
-  wchar_t text[64];
-  if (step >= 60) {
-    FormatBounded(text, sizeof(text), L"%02d:%02d", hours, minutes);
-  } else {
-    FormatBounded(text, sizeof(text), L"%02d:%02d:%0*.*f", hours, minutes, decimals ? decimals + 3 : 2, decimals,
-                  ofDay - whole + whole % 60);
-  }
-  return text;
+  if (step >= 60) return Format(L"%02d:%02d", hours, minutes);
+  return Format(L"%02d:%02d:%0*.*f", hours, minutes, decimals ? decimals + 3 : 2, decimals, ofDay - whole + whole % 60);
 }
 
 }  // namespace kv

@@ -18,8 +18,15 @@ double TimeStep(double least, bool clock);
 // the range has a margin.
 AxisRange NiceRange(double low, double high, int ticks);
 
-// The index of the first tick (a multiple of `step`) at or above a value.
-double FirstTick(double low, double step);
+// The ticks (multiples of `step`) from `low` to `high`: at most kMaxTicks, however large the numbers are.
+inline constexpr int kMaxTicks = 1000;
+struct Ticks {
+  double first, step;  // `first` in steps
+  int count;
+
+  double At(int i) const { return (first + i) * step; }
+};
+Ticks TicksBetween(double low, double high, double step);
 
 // A number with the decimals that the step needs, or with a few digits and a power of ten.
 std::wstring TickText(double value, double step);

@@ -46,6 +46,8 @@ double SpanFor(double length) {
   return 10 * unit;
 }
 
+constexpr double kEmptySpan = 10;  // seconds
+
 // The smallest difference of which doubles of this size can represent a thousandth.
 double MinSpan(double time) {
   return std::max(1e-6, std::fabs(time) * 1e-11);
@@ -63,12 +65,11 @@ void Show(StripModel& model, double span, double end) {
   model.view.end = std::clamp(end, std::min(stored.from + model.view.span, stored.to), stored.to);
 }
 
-double NearestValue(const StripModel& model, const StripChannelData& channel, double time) {
-  const unsigned count = ShownCount(model, channel);
-  if (count == 0) return kNoValue;
-  unsigned index = std::min(channel.store.FirstFrom(time), count - 1);
-  if (index > 0 && time - channel.store.TimeAt(index - 1) < channel.store.TimeAt(index) - time) --index;
-  return channel.store.ValueAt(index);
+// The value of the sample at or before a time. A gap begins with its own sample and lasts until the next one.
+double ValueAt(const StripModel& model, const StripChannelData& channel, double time) {
+  const unsigned count = ShownCount(model, channel), next = channel.store.FirstAfter(time);
+  if (next == 0 || count == 0 || time > channel.store.TimeAt(count - 1)) return kNoValue;
+  return channel.store.ValueAt(std::min(next, count) - 1);
 }
 
 }  // namespace
@@ -90,13 +91,18 @@ bool RemoveChannel(StripModel& model, unsigned index) {
 }
 
 bool AppendSamples(StripModel& model, unsigned index, std::span<const StripSample> samples) {
+  const bool isNew = index < kStripChannels && !model.channels[index].used;
   if (!UseChannel(model, index)) return false;
   SampleStore& store = model.channels[index].store;
   const bool full = store.count() + samples.size() > store.capacity();
   const double last = store.count() ? store.newest() : -kNever;
-  if (!store.Append(samples)) return false;
+  if (!store.Append(samples)) {
+    if (isNew) model.channels[index] = {};
+    return false;
+  }
   if (samples.empty()) return true;
-  model.undrawnFrom = std::min(model.undrawnFrom, std::max(last, store.oldest()));
+  double& from = IsFrozen(model) ? model.hiddenFrom : model.undrawnFrom;
+  from = std::min(from, std::max(last, store.oldest()));
   if (full) model.removedTo = std::max(model.removedTo, store.oldest());
   return true;
 }
@@ -132,11 +138,9 @@ bool SetView(StripModel& model, const StripView& view) {
                        std::fabs(view.end) <= kStripMaxTime && view.zoom > 1e-6 && view.zoom < 1e6 &&
                        std::fabs(view.shift) < 1e6;
   if (!allowed) return false;
-  const bool frozen = (view.state & kStripFrozen) != 0;
-  SetFrozen(model, frozen);
+  SetFrozen(model, (view.state & kStripFrozen) != 0);
   model.view = view;
   model.view.state &= kStripFollow | kStripFrozen;
-  if (view.span > 0) model.view.span = std::max(view.span, MinSpan(StoredTimes(model).to));
   model.home = model.view;
   model.home.state &= ~kStripFrozen;
   return true;
@@ -155,27 +159,31 @@ void ClearSamples(StripModel& model) {
 StripTimeRange StoredTimes(const StripModel& model) {
   StripTimeRange stored{kNever, -kNever};
   for (const StripChannelData& channel : model.channels) {
-    if (!channel.used || channel.store.count() == 0) continue;
+    if (!channel.used || ShownCount(model, channel) == 0) continue;
     stored.from = std::min(stored.from, channel.store.oldest());
     stored.to = std::max(stored.to, channel.store.newest());
   }
-  if (stored.from > stored.to) return {0, 0};
-  if (IsFrozen(model)) stored.to = std::max(stored.from, std::min(stored.to, model.frozenAt));
-  return stored;
+  if (IsFrozen(model)) return {std::min(stored.from, model.frozenAt), model.frozenAt};
+  return stored.from <= stored.to ? stored : StripTimeRange{0, 0};
 }
 
 StripTimeRange ShownTimes(const StripModel& model) {
   const StripTimeRange stored = StoredTimes(model);
-  const double span =
-      model.view.span > 0 ? model.view.span : SpanFor(std::max(stored.to - stored.from, MinSpan(stored.to) * 1000));
+  const bool isEmpty = std::ranges::none_of(model.channels, [](const auto& each) { return each.store.count() > 0; });
   const bool follows = (model.view.state & kStripFollow) || model.view.span == 0;
-  const double end = follows ? stored.to : model.view.end;
+  const double length = stored.to - stored.from;
+  double span = model.view.span, end = follows ? stored.to : model.view.end;
+  if (span == 0) span = isEmpty ? kEmptySpan : SpanFor(length > 0 ? std::max(length, MinSpan(end) * 1000) : 1);
+  span = std::max(span, MinSpan(end));
+  if (isEmpty && follows) end = span;  // an empty chart begins at 0
   return {end - span, end};
 }
 
 unsigned ShownCount(const StripModel& model, const StripChannelData& channel) {
   const unsigned count = channel.store.count();
-  return IsFrozen(model) ? channel.store.FirstAfter(model.frozenAt, count) : count;
+  if (!IsFrozen(model)) return count;
+  const unsigned long long discarded = channel.store.appended() - count;
+  return channel.frozenEnd > discarded ? static_cast<unsigned>(channel.frozenEnd - discarded) : 0;
 }
 
 bool IsSweep(const StripModel& model) {
@@ -200,7 +208,8 @@ AxisRange RangeOf(const StripModel& model, int channel, int ticks) {
     range = extent.empty() ? AxisRange{0, 1} : NiceRange(extent.low, extent.high, ticks);
   }
   const double middle = range.low + (range.high - range.low) * (0.5 + model.view.shift);
-  const double half = (range.high - range.low) / 2 / model.view.zoom;
+  // Not below the differences that doubles of this size can represent.
+  const double half = std::max((range.high - range.low) / 2 / model.view.zoom, std::fabs(middle) * 1e-11);
   return {middle - half, middle + half};
 }
 
@@ -242,10 +251,12 @@ void SetFrozen(StripModel& model, bool frozen) {
   if (frozen == IsFrozen(model)) return;
   if (frozen) {
     model.frozenAt = StoredTimes(model).to;
+    model.hiddenFrom = kNever;
+    for (StripChannelData& channel : model.channels) channel.frozenEnd = channel.store.appended();
     model.view.state |= kStripFrozen;
   } else {
     model.view.state &= ~kStripFrozen;
-    model.undrawnFrom = std::min(model.undrawnFrom, model.frozenAt);
+    model.undrawnFrom = std::min(model.undrawnFrom, model.hiddenFrom);
   }
 }
 
@@ -262,13 +273,19 @@ StripReading ReadingAt(const StripModel& model, double time) {
   StripReading reading{.time = time};
   for (int i = 0; i < kStripChannels; ++i) {
     const StripChannelData& channel = model.channels[i];
-    reading.values[i] = channel.used ? NearestValue(model, channel, time) : kNoValue;
+    reading.values[i] = channel.used ? ValueAt(model, channel, time) : kNoValue;
   }
   return reading;
 }
 
 StripReading NewestReading(const StripModel& model) {
-  return ReadingAt(model, StoredTimes(model).to);
+  StripReading reading{.time = StoredTimes(model).to};
+  for (int i = 0; i < kStripChannels; ++i) {
+    const StripChannelData& channel = model.channels[i];
+    const unsigned count = channel.used ? ShownCount(model, channel) : 0;
+    reading.values[i] = count ? channel.store.ValueAt(count - 1) : kNoValue;
+  }
+  return reading;
 }
 
 StripStatistics ChannelStatistics(const StripModel& model, unsigned index) {

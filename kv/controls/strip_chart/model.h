@@ -17,6 +17,7 @@ struct StripChannelData {
   bool used = false;
   StripChannel info{};
   SampleStore store;
+  unsigned long long frozenEnd = 0;  // samples appended to the store before the display was frozen
 };
 
 struct StripModel {
@@ -28,6 +29,7 @@ struct StripModel {
   StripView home = view;        // the view that the owner has set
   double frozenAt = 0;          // the newest time when the display was frozen
   double undrawnFrom = kNever;  // samples after this time have not been drawn
+  double hiddenFrom = kNever;   // samples after this time will be drawn when the display is released
   double removedTo = -kNever;   // samples before this time were discarded, but are still drawn
   bool cursorShown = false, hasSelection = false;
   double cursor = 0;
@@ -54,7 +56,7 @@ void ClearSamples(StripModel& model);
 StripTimeRange StoredTimes(const StripModel& model);
 // The displayed time range; `to` is the right edge.
 StripTimeRange ShownTimes(const StripModel& model);
-// The number of samples of a channel that can be displayed: while frozen, those up to the time of freezing.
+// The number of samples of a channel that can be displayed: while frozen, those appended before.
 unsigned ShownCount(const StripModel& model, const StripChannelData& channel);
 // Whether the chart sweeps; earlier times are shown as in ground mode.
 bool IsSweep(const StripModel& model);
@@ -73,7 +75,9 @@ void ShowNewest(StripModel& model);
 void SetFrozen(StripModel& model, bool frozen);
 void ReturnHome(StripModel& model);
 
+// The values at a time: of the sample at or before it, unless a gap lies between, or it is after the newest sample.
 StripReading ReadingAt(const StripModel& model, double time);
+// The value of each channel's newest sample.
 StripReading NewestReading(const StripModel& model);
 // The statistics over the selection or, without one, the displayed time range.
 StripStatistics ChannelStatistics(const StripModel& model, unsigned index);

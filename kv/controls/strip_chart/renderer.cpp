@@ -57,6 +57,20 @@ LONG PlaceOf(const StripLayout& layout, long long column) {
   return layout.plot.left + static_cast<LONG>(place < 0 ? place + width : place);
 }
 
+// Calls function(time, column) for each tick in the columns from..to-1. The column alone decides where a tick belongs,
+// so that rounding neither omits nor repeats one where a partial redraw begins.
+template <class Function>
+void ForTimeTicks(const StripLayout& layout, long long from, long long to, Function function) {
+  const double second = layout.secondsPerColumn, step = layout.timeStep;
+  const Ticks ticks =
+      TicksBetween(static_cast<double>(from) * second - step, static_cast<double>(to) * second + step, step);
+  for (int i = 0; i < ticks.count; ++i) {
+    const double column = ColumnOf(ticks.At(i), second);
+    if (column < static_cast<double>(from) || column >= static_cast<double>(to)) continue;
+    function(ticks.At(i), static_cast<long long>(column));
+  }
+}
+
 }  // namespace
 
 std::wstring ChannelName(const StripChannel& channel) {
@@ -93,10 +107,11 @@ void StripRenderer::DrawBackground(const StripModel& model) {
     const StripAxis& axis = layout.axis[i];
     if (axis.area.left == axis.area.right) continue;
     const COLORREF color = axis.channel < 0 ? colors.text : colors.lines[axis.channel];
-    for (double tick = FirstTick(axis.range.low, axis.step);; ++tick) {
-      const LONG y = RowOf(layout, axis.range, tick * axis.step);
-      if (y < plot.top) break;
-      DrawTextIn(canvas.dc(), TickText(tick * axis.step, axis.step),
+    const Ticks ticks = TicksBetween(axis.range.low, axis.range.high, axis.step);
+    for (int tick = 0; tick < ticks.count; ++tick) {
+      const LONG y = RowOf(layout, axis.range, ticks.At(tick));
+      if (y < plot.top || y > plot.bottom) continue;
+      DrawTextIn(canvas.dc(), TickText(ticks.At(tick), axis.step),
                  {axis.area.left, y - layout.fontPx, axis.area.right - layout.digitPx / 2, y + layout.fontPx}, color,
                  DT_RIGHT);
     }
@@ -123,18 +138,15 @@ void StripRenderer::DrawGrid(Canvas& canvas, const RECT& ground, long long from,
   const StripLayout& layout = key_.layout;
   const StripColors& colors = key_.colors;
   const StripAxis& axis = layout.axis[0];
-  for (double tick = FirstTick(axis.range.low, axis.step);; ++tick) {
-    const LONG y = RowOf(layout, axis.range, tick * axis.step);
-    if (y < ground.top) break;
-    if (y < layout.plot.bottom) FillArea(canvas, {ground.left, y, ground.right, y + 1}, colors.grid);
+  const Ticks ticks = TicksBetween(axis.range.low, axis.range.high, axis.step);
+  for (int tick = 0; tick < ticks.count; ++tick) {
+    const LONG y = RowOf(layout, axis.range, ticks.At(tick));
+    if (y >= ground.top && y < layout.plot.bottom) FillArea(canvas, {ground.left, y, ground.right, y + 1}, colors.grid);
   }
-  const double step = layout.timeStep, second = layout.secondsPerColumn;
-  for (double tick = FirstTick(static_cast<double>(from) * second, step);; ++tick) {
-    const double column = ColumnOf(tick * step, second);
-    if (column >= static_cast<double>(to)) break;
-    const LONG place = x + static_cast<LONG>(column - static_cast<double>(from));
+  ForTimeTicks(layout, from, to, [&](double, long long column) {
+    const LONG place = x + static_cast<LONG>(column - from);
     FillArea(canvas, {place, layout.plot.top, place + 1, layout.plot.bottom}, colors.grid);
-  }
+  });
 }
 
 // The times below the plot, except those that its edges or the gap of a sweep would cut.
@@ -146,19 +158,15 @@ void StripRenderer::DrawTimes() {
   Canvas canvas(dc_, surface_, shape_);
   FillArea(canvas, strip, key_.colors.panel);
   const SelectedObject selected(canvas.dc(), font_);
-  const double step = layout.timeStep, second = layout.secondsPerColumn;
   const long long first = OldestColumn(layout) + layout.gapPx, last = layout.lastColumn;
-  for (double tick = FirstTick(static_cast<double>(first) * second, step);; ++tick) {
-    const double column = ColumnOf(tick * step, second);
-    if (column > static_cast<double>(last)) break;
-    const std::wstring text = TimeText(tick * step, step, (key_.style & kStripTimeOfDay) != 0);
-    const LONG half = (WidthOf(canvas.dc(), text) + 1) / 2;
-    const auto at = static_cast<long long>(column);
-    const LONG place = PlaceOf(layout, at);
-    const bool isShown = at - half >= first && at + half <= last + 1;
-    if (!isShown || place - half < plot.left || place + half > plot.right) continue;
-    DrawTextIn(canvas.dc(), text, {place - half, strip.top, place + half, strip.bottom}, key_.colors.text, DT_LEFT);
-  }
+  ForTimeTicks(layout, first, last + 1, [&](double time, long long column) {
+    const std::wstring text = TimeText(time, layout.timeStep, (key_.style & kStripTimeOfDay) != 0);
+    const LONG half = (WidthOf(canvas.dc(), text) + 1) / 2 + 1;  // antialiased edges reach beyond the width
+    const LONG place = PlaceOf(layout, column);
+    const bool isShown = column - half >= first && column + half <= last + 1;
+    if (!isShown || place - half < plot.left || place + half > plot.right) return;
+    DrawTextIn(canvas.dc(), text, {place - half, strip.top, place + half, strip.bottom}, key_.colors.text, DT_CENTER);
+  });
 }
 
 // Draws columns from..to-1, with `from` at x.
@@ -241,10 +249,9 @@ RECT StripRenderer::Update(StripModel& model, SIZE size, bool redrawAll) {
   key.layout.lastColumn = last;
   const LONG width = IsRectEmpty(&key.layout.plot) ? 0 : key.layout.plot.right - key.layout.plot.left;
   const double second = key.layout.secondsPerColumn;
-  const bool frozen = IsFrozen(model);
   const RECT whole{0, 0, size.cx, size.cy};
   const RECT ground{key.layout.plot.left, key.layout.plot.top, key.layout.plot.right, size.cy};
-  if (!same || last < before || last - before >= width || (model.removedTo == kNever && !frozen)) {
+  if (!same || last < before || last - before >= width || model.removedTo == kNever) {
     if (surface_.size().cx != size.cx || surface_.size().cy != size.cy) surface_.Create(size);
     drawn_ = surface_.bitmap() && rows_.Create(key.layout.plot.bottom - key.layout.plot.top);
     if (!font_ || key.layout.fontPx != key_.layout.fontPx) FindFont(key.layout.fontPx);
@@ -259,8 +266,7 @@ RECT StripRenderer::Update(StripModel& model, SIZE size, bool redrawAll) {
     model.removedTo = -kNever;
     return whole;
   }
-  // A frozen chart does not change when samples arrive.
-  if (frozen || (model.undrawnFrom == kNever && model.removedTo == -kNever && last == before)) return {};
+  if (model.undrawnFrom == kNever && model.removedTo == -kNever && last == before) return {};
   key_.layout.lastColumn = last;
   if (!key_.layout.sweeps && last > before) Scroll(last - before);
   const double undrawn = std::min(ColumnOf(model.undrawnFrom, second), static_cast<double>(before + 1)) - kReach;

@@ -23,6 +23,7 @@ bool SampleStore::MakeResized(unsigned capacity, SampleStore* other) const {
   }
   if (!complete) return false;
   for (unsigned i = count_ > capacity ? count_ - capacity : 0; i < count_; ++i) made.Put({TimeAt(i), ValueAt(i)});
+  made.appended_ = appended_;
   *other = std::move(made);
   return true;
 }
@@ -34,6 +35,7 @@ bool SampleStore::Append(std::span<const StripSample> samples) {
     last = sample.time;
   }
   if (capacity_ == 0) return false;
+  appended_ += samples.size();
   if (samples.size() > capacity_) samples = samples.last(capacity_);
   for (const StripSample& sample : samples) Put(sample);
   return true;

@@ -40,6 +40,7 @@ class SampleStore {
 
   unsigned capacity() const { return capacity_; }
   unsigned count() const { return count_; }
+  unsigned long long appended() const { return appended_; }  // including samples that have been discarded
   double TimeAt(unsigned index) const { return times_[Slot(index)]; }
   double ValueAt(unsigned index) const { return values_[Slot(index)]; }
   double oldest() const { return TimeAt(0); }
@@ -66,6 +67,7 @@ class SampleStore {
   unsigned Search(unsigned hint, Reached reached) const;
 
   unsigned capacity_ = 0, first_ = 0, count_ = 0;
+  unsigned long long appended_ = 0;
   std::unique_ptr<double[]> times_, values_;
   std::array<std::unique_ptr<Extent[]>, kLevels> levels_;
 };

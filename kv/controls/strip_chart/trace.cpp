@@ -94,7 +94,8 @@ void DrawTrace(Canvas& canvas, TraceRows& rows, const SampleStore& store, const 
   unsigned first = store.FirstFrom(static_cast<double>(from) * column, store.count() / 2), many = 0;
   for (; from < to; ++from, ++x) {
     const double start = static_cast<double>(from);
-    const unsigned next = store.FirstFrom((start + 1) * column, first + many);
+    // Hidden samples do not count: the column is drawn as if they did not exist.
+    const unsigned next = std::min(store.FirstFrom((start + 1) * column, first + many), std::max(view.count, first));
     many = next - first;
     if (many > kManySamples) {
       add(PassedBetween(store, view.count, start * column, (start + 1) * column, first, next), TraceRows::kWhole);

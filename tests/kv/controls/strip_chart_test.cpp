@@ -1,26 +1,23 @@
-// The strip chart: samples, axes and statistics compared with plain loops, image and commands.
+// The strip chart's window: commands, keyboard and mouse, clipboard.
 #include "kv/controls/strip_chart/strip_chart.h"
 
 #include <gtest/gtest.h>
 #include <oleacc.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstring>
 #include <limits>
-#include <random>
 #include <string>
 #include <tuple>
 #include <utility>
 #include <vector>
 
-#include "kv/controls/strip_chart/axis.h"
 #include "kv/controls/strip_chart/control.h"
 #include "kv/controls/strip_chart/model.h"
 #include "kv/controls/strip_chart/renderer.h"
-#include "kv/controls/strip_chart/sample_store.h"
-#include "kv/framework/canvas.h"
 #include "kv/framework/control_class.h"
 #include "kv/framework/object_control.h"
 #include "tests/support/comma_locale.h"
@@ -31,146 +28,6 @@ namespace kv {
 namespace {
 
 constexpr double kInfinite = std::numeric_limits<double>::infinity();
-
-// ---- Pure parts -----------------------------------------------------------------------------------------------------
-
-TEST(StripSamples, RangesAndSumsEqualThoseOfPlainLoops) {
-  std::mt19937 random(7);
-  const auto below = [&](unsigned limit) { return static_cast<unsigned>(random() % limit); };
-  for (int round = 0; round < 60; ++round) {
-    SampleStore store;
-    ASSERT_TRUE(store.MakeResized(1 + below(round % 3 ? 300 : 5000), &store));
-    std::vector<StripSample> all;
-    double time = 0;
-    for (int batch = 0; batch < 40; ++batch) {
-      std::vector<StripSample> samples;
-      for (unsigned i = below(200); i > 0; --i) {
-        time += below(3) * 0.5;
-        samples.push_back({time, below(20) == 0 ? NAN : below(1000) - 500.0});
-      }
-      ASSERT_TRUE(store.Append(samples));
-      all.insert(all.end(), samples.begin(), samples.end());
-      ASSERT_TRUE(below(15) || store.MakeResized(1 + below(3000), &store));
-      if (all.size() > store.count()) all.erase(all.begin(), all.end() - store.count());
-      ASSERT_EQ(all.size(), store.count());
-      const unsigned from = below(store.count() + 1), to = from + below(store.count() - from + 1);
-      Extent extent;
-      long double sum = 0, squares = 0, count = 0;
-      for (unsigned i = from; i < to; ++i) {
-        extent.Add(all[i].value);
-        if (!std::isnan(all[i].value)) sum += all[i].value, ++count;
-      }
-      for (unsigned i = from; i < to; ++i) {
-        if (!std::isnan(all[i].value)) squares += std::pow(all[i].value - sum / count, 2);
-      }
-      const Extent found = store.ExtentOf(from, to);
-      ASSERT_EQ(std::pair(extent.low, extent.high), std::pair(found.low, found.high)) << from << ".." << to;
-      const StripStatistics statistics = store.StatisticsOf(from, to);
-      ASSERT_EQ(count, statistics.count);
-      EXPECT_TRUE(count < 1 || std::fabs(sum / count - statistics.mean) < 1e-9);
-      EXPECT_TRUE(count < 2 || std::fabs(std::sqrt(squares / (count - 1)) - statistics.deviation) < 1e-9);
-      const double wanted = time - below(400) * 0.5;
-      const auto first = std::ranges::lower_bound(all, wanted, {}, &StripSample::time);
-      EXPECT_EQ(first - all.begin(), store.FirstFrom(wanted, below(store.count() + 2)));
-      const auto behind = std::ranges::lower_bound(all, wanted + 0.25, {}, &StripSample::time);
-      EXPECT_EQ(behind - all.begin(), store.FirstAfter(wanted, below(store.count() + 2)));
-    }
-  }
-}
-
-TEST(StripSamples, StatisticsArePreciseFarFromZero) {
-  SampleStore store;
-  ASSERT_TRUE(store.MakeResized(1000, &store));
-  std::vector<StripSample> samples(1000);
-  for (int i = 0; i < 1000; ++i) samples[i] = {i * 1.0, 1e9 + i % 2};
-  ASSERT_TRUE(store.Append(samples));
-  EXPECT_NEAR(0.50025, store.StatisticsOf(0, 1000).deviation, 1e-5);
-  EXPECT_EQ(0, store.StatisticsOf(3, 4).deviation);
-  EXPECT_TRUE(std::isnan(store.StatisticsOf(3, 3).mean));
-}
-
-TEST(StripAxes, StepsAreOneTwoAndFive) {
-  for (const auto& [least, step] : {std::pair{0.7, 1.0}, {1, 1}, {1.01, 2}, {0.1, 0.1}, {0.021, 0.05}, {3e7, 5e7}}) {
-    EXPECT_EQ(step, NiceStep(least)) << least;
-  }
-  for (const auto& [least, step] : {std::pair{0.3, 0.5}, {7, 10}, {11, 15}, {61, 120}, {4000, 7200}, {1e5, 172800}}) {
-    EXPECT_EQ(step, TimeStep(least, true)) << least;
-  }
-  using Range = std::tuple<double, double, double, double>;  // values, and the range for them
-  for (const auto& [low, high, from, to] : {Range{3, 97, 0, 100},
-                                            {-0.012, 0.031, -0.02, 0.04},
-                                            {0, 0, -1, 1},
-                                            {50, 50, 44, 56},
-                                            {1e300, 1e300, 9e299, 1.1e300}}) {
-    const AxisRange range = NiceRange(low, high, 5);
-    EXPECT_DOUBLE_EQ(from, range.low);
-    EXPECT_DOUBLE_EQ(to, range.high);
-  }
-  EXPECT_EQ(L"0.30", TickText(0.3, 0.05));
-  EXPECT_EQ(L"0", TickText(-1e-17, 0.1));
-  EXPECT_EQ(L"2.5e7", TickText(2.5e7, 5e6));
-  EXPECT_EQ(L"-12 s", TimeText(-12, 1, false));
-  EXPECT_EQ(L"23:59:58.5", TimeText(-1.5, 0.5, true));
-  EXPECT_EQ(L"00:00:00", TimeText(86399.9, 1, true));
-  EXPECT_EQ(L"07:05", TimeText(86400 * 3 + 7 * 3600 + 300, 60, true));
-}
-
-// ---- The image ------------------------------------------------------------------------------------------------------
-
-int Differences(const Surface& one, const Surface& other) {
-  GdiFlush();
-  const size_t count = static_cast<size_t>(one.size().cx) * one.size().cy;
-  int different = 0;
-  for (size_t i = 0; i < count; ++i) different += one.Row(0)[i] != other.Row(0)[i];
-  return different;
-}
-
-TEST(StripRendering, PartialRedrawEqualsFullRedraw) {
-  std::mt19937 random(11);
-  const auto below = [&](unsigned limit) { return static_cast<unsigned>(random() % limit); };
-  for (const DWORD style :
-       {kStripScroll, kStripSweep, kStripScroll | kStripSeparateAxes, kStripSweep | kStripTimeOfDay}) {
-    StripModel model;
-    StripRenderer partial, whole;
-    model.style = style;
-    ASSERT_TRUE(SetStripCapacity(model, 900));
-    ASSERT_TRUE(SetView(model, {kStripVersion, kStripFollow, 10, 0, -12, 12, 1, 0}));
-    ASSERT_TRUE(SetZone(model, 0, {3, 5, RGB(255, 0, 0), 0}, true));
-    double time = 1000.1, last[3] = {time, time, time};
-    int whollyDrawn = 0;
-    for (int step = 0; step < 300; ++step) {
-      time += below(100) * 0.004;
-      const unsigned channel = below(3);  // each channel has its own delay
-      std::vector<StripSample> samples;
-      const unsigned count = below(step % 50 ? 30 : 400);
-      const double pause = (time - last[channel]) / (count + 1);
-      for (unsigned i = 0; i < count; ++i) {
-        const double at = last[channel] += pause;
-        samples.push_back({at, below(40) ? 10 * std::sin(at) + below(100) * 0.03 : NAN});
-      }
-      ASSERT_TRUE(AppendSamples(model, channel, samples));
-      switch (below(60)) {
-        case 0: ZoomTime(model, 0.5 + below(3), 0.5); break;
-        case 1: PanTime(model, below(3) - 1.5); break;
-        case 2: SetFrozen(model, !IsFrozen(model)); break;
-        case 3: ReturnHome(model); break;
-        default: break;
-      }
-      const RECT changed = partial.Update(model, {311, 190}, false);
-      whollyDrawn += changed.right == 311;
-      if (IsFrozen(model) && IsRectEmpty(&changed)) continue;  // frozen, even if samples have left the ring
-      whole.Update(model, {311, 190}, true);
-      ASSERT_EQ(0, Differences(partial.surface(), whole.surface())) << style << ", step " << step;
-      const StripLayout& layout = whole.layoutShown();
-      for (LONG y = layout.plot.bottom + 1; y < layout.plot.bottom + layout.labelsPx; ++y) {
-        const DWORD* row = whole.surface().Row(y);
-        ASSERT_EQ(row[310], row[layout.plot.left]) << "a time is cut, step " << step;
-        ASSERT_EQ(row[310], row[layout.plot.right - 1]) << "a time is cut, step " << step;
-      }
-    }
-    EXPECT_LT(whollyDrawn, style & kStripSeparateAxes ? 300 : 100);
-  }
-}
 
 // ---- The control ----------------------------------------------------------------------------------------------------
 
@@ -208,6 +65,9 @@ TEST_F(StripCharts, RejectsInvalidInputAndLosesNothing) {
     EXPECT_EQ(0, Append(chart, {{4, 1}, {time, 1}})) << time;
   }
   EXPECT_EQ(0, Append(chart, {{1, 1}}, 8));
+  EXPECT_EQ(0, Append(chart, {{2, 1}, {1, 1}}, 5));
+  StripChannel none{};
+  EXPECT_EQ(0, Send(chart, kStripChannel | kCommandRead, &none, 5));  // a rejected append makes no channel
   EXPECT_EQ(1, Append(chart, {}));
   EXPECT_EQ(4u, Read<DWORD>(chart, kStripCount));
   EXPECT_EQ(2, Read<StripStatistics>(chart, kStripStatistics).count);  // infinity is a gap
