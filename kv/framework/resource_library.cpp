@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <bit>
 #include <cstddef>
+#include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <span>
 #include <vector>
@@ -72,6 +74,7 @@ bool ReadSections(Library* library, size_t at) {
   for (IMAGE_SECTION_HEADER& section : library->sections) {
     Read(library->file, at, &section);
     at += sizeof(section);
+    if (section.PointerToRawData == 0) section.SizeOfRawData = 0;  // nothing of the file is mapped
     if (section.Misc.VirtualSize == 0) section.Misc.VirtualSize = section.SizeOfRawData;
     if (section.VirtualAddress < end || section.VirtualAddress % image.SectionAlignment != 0 ||
         !IsWithin(section.VirtualAddress, section.Misc.VirtualSize, image.SizeOfImage) ||
@@ -134,6 +137,26 @@ bool AreTextsWithin(Bytes block) {
   return at <= block.size();
 }
 
+// LoadBitmap trusts the sizes in the header; therefore all colors and rows must be there. Compressed rows have no size
+// that could be tested.
+bool IsBitmapWithin(Bytes block) {
+  BITMAPINFOHEADER header{};
+  if (!Read(block, 0, &header) || header.biSize < sizeof(header) || header.biWidth <= 0 || header.biPlanes != 1 ||
+      header.biClrUsed > 256 || (header.biCompression != BI_RGB && header.biCompression != BI_BITFIELDS)) {
+    return false;
+  }
+  const uint64_t bits = header.biBitCount;
+  if (bits != 1 && bits != 4 && bits != 8 && bits != 16 && bits != 24 && bits != 32) return false;
+  uint64_t size = header.biSize;
+  if (header.biCompression == BI_BITFIELDS && size == sizeof(header)) size += 3 * sizeof(DWORD);  // its masks
+  const uint64_t colors = header.biClrUsed || bits > 8 ? header.biClrUsed : uint64_t{1} << bits;
+  const uint64_t rowSize = (bits * static_cast<DWORD>(header.biWidth) + 31) / 32 * sizeof(DWORD);
+  size += colors * sizeof(RGBQUAD) + rowSize * static_cast<uint64_t>(std::abs(int64_t{header.biHeight}));
+  return size <= block.size();
+}
+
+constexpr WORD kBitmap = 2, kTexts = 6;
+
 struct ResourceTree {
   const Library& library;
   Bytes bytes;
@@ -144,16 +167,18 @@ struct ResourceTree {
     return Read(bytes, at, &length) && IsWithin(at + sizeof(length), length * sizeof(wchar_t), bytes.size());
   }
 
-  bool IsDataValid(DWORD at, bool areTexts) const {
+  bool IsDataValid(DWORD at, WORD type) const {
     IMAGE_RESOURCE_DATA_ENTRY entry{};
     if (!Read(bytes, at, &entry)) return false;
     const Bytes data = library.At(entry.OffsetToData, entry.Size);
-    return data.size() == entry.Size && (!areTexts || AreTextsWithin(data));
+    return data.size() == entry.Size && (type != kTexts || AreTextsWithin(data)) &&
+           (type != kBitmap || IsBitmapWithin(data));
   }
 
-  // Levels 0 to 2 are types, names and languages. Entries with a name precede those with a number.
-  bool IsValid(DWORD at, int level, bool areTexts) {
-    constexpr int kLastLevel = 2, kTexts = 6;
+  // Levels 0 to 2 are types, names and languages. Entries with a name precede those with a number. A type with a name
+  // is 0.
+  bool IsValid(DWORD at, int level, WORD type) {
+    constexpr int kLastLevel = 2;
     IMAGE_RESOURCE_DIRECTORY directory{};
     if (!Read(bytes, at, &directory)) return false;
     const size_t count = size_t{directory.NumberOfNamedEntries} + directory.NumberOfIdEntries;
@@ -166,9 +191,9 @@ struct ResourceTree {
           entry.DataIsDirectory != (level < kLastLevel) || (entry.NameIsString && !IsNameWithin(entry.NameOffset))) {
         return false;
       }
-      if (level == 0) areTexts = !entry.NameIsString && entry.Id == kTexts;
-      if (!(level < kLastLevel ? IsValid(entry.OffsetToDirectory, level + 1, areTexts)
-                               : IsDataValid(entry.OffsetToData, areTexts))) {
+      if (level == 0) type = entry.NameIsString ? 0 : entry.Id;
+      if (!(level < kLastLevel ? IsValid(entry.OffsetToDirectory, level + 1, type)
+                               : IsDataValid(entry.OffsetToData, type))) {
         return false;
       }
     }
@@ -180,7 +205,7 @@ bool AreResourcesValid(const Library& library) {
   const IMAGE_DATA_DIRECTORY& directory = library.directory(IMAGE_DIRECTORY_ENTRY_RESOURCE);
   const Bytes bytes = library.At(directory.VirtualAddress, directory.Size);
   ResourceTree tree{library, bytes, bytes.size() / sizeof(IMAGE_RESOURCE_DIRECTORY_ENTRY)};
-  return !bytes.empty() && tree.IsValid(0, 0, false);
+  return !bytes.empty() && tree.IsValid(0, 0, 0);
 }
 
 // Returns no bytes when the file cannot be read or is too large.
