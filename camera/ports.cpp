@@ -47,9 +47,9 @@ bool WaitExactlyUntil(double time, HANDLE stop) {
 namespace {
 
 // From ntdll, for which not every toolchain has an import library, and which winternl.h declares only in part.
-using QueryObject = NTSTATUS(NTAPI*)(HANDLE, int, void*, ULONG, ULONG*);
+using QueryFile = NTSTATUS(NTAPI*)(HANDLE, IO_STATUS_BLOCK*, void*, ULONG, int);
 using QuerySystem = NTSTATUS(NTAPI*)(int, void*, ULONG, ULONG*);
-constexpr int kObjectName = 1;
+constexpr int kFileNumber = 6, kVolumeDevice = 4;
 constexpr int kExtendedHandles = 64;
 constexpr NTSTATUS kTooSmall = static_cast<NTSTATUS>(0xC0000004);
 
@@ -96,14 +96,20 @@ bool SharesPorts() {
   return GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr;
 }
 
-// Returns the system's name of an open device; "" when it has none.
-std::wstring DeviceName(HANDLE device) {
-  const auto query = Native<QueryObject>("NtQueryObject");
-  alignas(UNICODE_STRING) char reply[2048];
-  ULONG size = 0;
-  if (!query || query(device, kObjectName, reply, sizeof(reply), &size) != 0) return {};
-  const auto* name = reinterpret_cast<const UNICODE_STRING*>(reply);
-  return name->Buffer ? std::wstring(name->Buffer, name->Length / sizeof(wchar_t)) : std::wstring();
+// Returns the device's type and the number of its file; zeros when it has none. Not its name: since version 10, Wine
+// returns an empty one.
+PortHolders::key_type DeviceOf(HANDLE handle) {
+  const auto queryFile = Native<QueryFile>("NtQueryInformationFile");
+  const auto queryVolume = Native<QueryFile>("NtQueryVolumeInformationFile");
+  IO_STATUS_BLOCK status{};
+  LARGE_INTEGER number{};
+  struct {
+    ULONG type, characteristics;
+  } device{};
+  const bool isKnown = queryFile && queryVolume &&
+                       queryFile(handle, &status, &number, sizeof(number), kFileNumber) == 0 &&
+                       queryVolume(handle, &status, &device, sizeof(device), kVolumeDevice) == 0;
+  return isKnown ? PortHolders::key_type(device.type, number.QuadPart) : PortHolders::key_type();
 }
 
 // Adds the other process as a holder if its handle is of a character device.
@@ -111,8 +117,8 @@ void AddHolder(HANDLE process, HANDLE theirs, PortHolders* holders) {
   HANDLE mine = nullptr;
   if (!DuplicateHandle(process, theirs, GetCurrentProcess(), &mine, 0, FALSE, DUPLICATE_SAME_ACCESS)) return;
   if (GetFileType(mine) == FILE_TYPE_CHAR) {
-    const std::wstring name = DeviceName(mine);
-    if (!name.empty()) holders->emplace(name, ProgramOf(process));
+    const PortHolders::key_type device = DeviceOf(mine);
+    if (device.second != 0) holders->emplace(device, ProgramOf(process));
   }
   CloseHandle(mine);
 }
@@ -187,7 +193,7 @@ PortStatus OpenPort(int number, const PortHolders* holders, Port* port) {
   // Before anything is set: settings and purges would disturb the program that uses the port.
   const PortHolders found = holders ? PortHolders() : FindPortHolders();
   if (!holders) holders = &found;
-  const auto holder = holders->empty() ? holders->end() : holders->find(DeviceName(port->handle_));
+  const auto holder = holders->empty() ? holders->end() : holders->find(DeviceOf(port->handle_));
   if (holder != holders->end() || !isClaimed) {
     port->Close();
     return {PortState::kBusy, 0, holder != holders->end() ? holder->second : "camtool or camview"};

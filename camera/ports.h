@@ -7,6 +7,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace camera {
 
@@ -37,6 +38,11 @@ struct PortStatus {
   std::string holder;  // the program that uses a busy port, if known
 };
 
+// The programs that have serial devices open, by the device's type and the number of its file. Empty on Windows, where
+// only one program can open a port; with Wine several can, and each would receive a part of the bytes.
+using PortHolders = std::map<std::pair<ULONG, LONGLONG>, std::string>;
+PortHolders FindPortHolders();
+
 // An open port, which other users of this header cannot open meanwhile. The destructor closes it.
 class Port {
  public:
@@ -50,15 +56,10 @@ class Port {
   void Close();
 
  private:
-  friend PortStatus OpenPort(int number, const std::map<std::wstring, std::string>* holders, Port* port);
+  friend PortStatus OpenPort(int number, const PortHolders* holders, Port* port);
   HANDLE handle_ = INVALID_HANDLE_VALUE;
   HANDLE claim_ = nullptr;
 };
-
-// The programs that have serial devices open, by the device's system name. Empty on Windows, where only one program can
-// open a port; with Wine several can, and each would receive a part of the bytes.
-using PortHolders = std::map<std::wstring, std::string>;
-PortHolders FindPortHolders();
 
 // Opens COM`number` (1 to 999) once, with the camera's line settings, as Tarnwick does. Closes `port` first. A port
 // that is in use keeps its settings and its data; of several programs that open it at the same time, exactly one gets
