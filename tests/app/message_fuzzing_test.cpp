@@ -188,7 +188,9 @@ void FuzzMessages(kvtest::RecordingParent& parent, const std::function<HWND()>& 
     }
     const UINT message = anyMessage();
     const bool isSize = message == WM_SIZE || message == WM_COPY;
-    const LPARAM lParam = isSize ? MAKELPARAM(below(300), below(300)) : addresses[below(ARRAYSIZE(addresses))];
+    LPARAM lParam = isSize ? MAKELPARAM(below(300), below(300)) : addresses[below(ARRAYSIZE(addresses))];
+    // The system reads the MSG of this message, to convert it for a Unicode window.
+    if (message == WM_GETDLGCODE && IsWindowUnicode(control)) lParam = 0;
     const WPARAM wParam = message == WM_TIMER ? below(8) : random() & kMasks[below(ARRAYSIZE(kMasks))];
     SendMessageA(control, message, wParam, lParam);
   };

@@ -199,20 +199,25 @@ TEST(CamviewPorts, AreReportedOnceWithTheirData) {
   PortFinder finder;
   std::map<int, FoundState> states;
   int reports = 0;
-  finder.Start();
+  const auto isAsExpected = [&] {
+    return states[7] == FoundState::kCamera && states[5] == FoundState::kSending && states[9] == FoundState::kSilent &&
+           states[10] == FoundState::kBusy;
+  };
+  // A scan has a time limit, within which a busy machine may open or receive too little: the next one finds the rest.
   EXPECT_TRUE(Within20Seconds([&] {
-    camera.Send(kRecord);
-    talker.Send("hello ");
-    for (const FoundPort& port : finder.Take()) {
-      states[port.number] = port.state;
-      reports += port.number >= 5;
+    reports = 0;
+    for (finder.Start(); !finder.IsDone(); Sleep(5)) {
+      camera.Send(kRecord);
+      talker.Send("hello ");
+      for (const FoundPort& port : finder.Take()) {
+        states[port.number] = port.state;
+        reports += port.number >= 5;
+      }
     }
-    return finder.IsDone();
-  }));
-  EXPECT_EQ(FoundState::kCamera, states[7]);
-  EXPECT_EQ(FoundState::kSending, states[5]);
-  EXPECT_EQ(FoundState::kSilent, states[9]);
-  EXPECT_EQ(FoundState::kBusy, states[10]);
+    return isAsExpected();
+  })) << "states "
+      << static_cast<int>(states[7]) << ' ' << static_cast<int>(states[5]) << ' ' << static_cast<int>(states[9]) << ' '
+      << static_cast<int>(states[10]);
   EXPECT_EQ(6, reports) << "each present port once";
   finder.Start();
   finder.Cancel();
