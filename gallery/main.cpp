@@ -33,8 +33,8 @@ int ShowHelp(HINSTANCE instance, const gallery::StartOptions& options) {
   kv::modules = {.resources = instance, .application = instance};
   kv::LoadLanguages(gallery::kFileStem, options.language);
   const std::wstring& rejected = options.rejected;
-  std::wstring help = gallery::TextWith(IDS_HELP_TEXT, gallery::PageNames().c_str(), gallery::LanguageCodes().c_str());
-  if (!rejected.empty()) help = gallery::TextWith(IDS_HELP_REJECTED, rejected.c_str()) + L"\n\n" + help;
+  std::wstring help = kv::TextWith(IDS_HELP_TEXT, gallery::PageNames(), gallery::LanguageCodes());
+  if (!rejected.empty()) help = kv::TextWith(IDS_HELP_REJECTED, rejected) + L"\n\n" + help;
   if (!kv::PrintText(rejected.empty() ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE, help)) {
     kv::ShowMessage(nullptr, help, kv::ResourceText(IDS_GALLERY_CAPTION),
                     rejected.empty() ? MB_ICONINFORMATION : MB_ICONWARNING);

@@ -28,16 +28,16 @@ const Page kPages[] = {
     {"overview", {.templateName = L"PAGE_OVERVIEW", .procedure = OverviewPageProcedure}},
     {"dialog-services",
      {.templateName = L"PAGE_DIALOG_SERVICES", .procedure = DialogServicesPageProcedure, .tips = kServicesTips}},
-    {"chart", {.templateName = L"PAGE_CHART", .procedure = ChartPageProcedure}},
+    {"chart", {.templateName = L"PAGE_CHART", .procedure = ChartPageProcedure, .tickMs = kChartTickMs}},
     {"bitmap", {.templateName = L"PAGE_BITMAP", .procedure = BitmapPageProcedure}},
-    {"instruments", {.templateName = L"PAGE_INSTRUMENTS", .procedure = InstrumentsPageProcedure}},
-    {"flight-deck", {.templateName = L"PAGE_FLIGHT_DECK", .procedure = FlightDeckPageProcedure}},
+    {"instruments", {.templateName = L"PAGE_INSTRUMENTS", .procedure = InstrumentsPageProcedure, .tickMs = 250}},
+    {"flight-deck", {.templateName = L"PAGE_FLIGHT_DECK", .procedure = FlightDeckPageProcedure, .tickMs = 50}},
     {"list", {.templateName = L"PAGE_LIST", .procedure = ListPageProcedure}},
-    {"mesh", {.templateName = L"PAGE_MESH", .procedure = MeshPageProcedure}},
-    {"capture", {.templateName = L"PAGE_CAPTURE", .procedure = CapturePageProcedure}},
+    {"mesh", {.templateName = L"PAGE_MESH", .procedure = MeshPageProcedure, .tickMs = 1000}},
+    {"capture", {.templateName = L"PAGE_CAPTURE", .procedure = CapturePageProcedure, .tickMs = 66}},
     {"flight", {.templateName = L"PAGE_FLIGHT", .procedure = FlightPageProcedure}},
-    {"nmea", {.templateName = L"PAGE_NMEA_SENTENCE", .procedure = NmeaPageProcedure}},
-    {"dde", {.templateName = L"PAGE_DDE_LINK", .procedure = DdePageProcedure}},
+    {"nmea", {.templateName = L"PAGE_NMEA_SENTENCE", .procedure = NmeaPageProcedure, .tickMs = 500}},
+    {"dde", {.templateName = L"PAGE_DDE_LINK", .procedure = DdePageProcedure, .tickMs = 500}},
     {"language", {.templateName = L"PAGE_LANGUAGE", .procedure = LanguagePageProcedure}},
     {"files", {.templateName = L"PAGE_FILES", .procedure = FilesPageProcedure}},
     {"notices", {.templateName = L"PAGE_NOTICES", .procedure = NoticesPageProcedure}},
@@ -55,10 +55,6 @@ int PageIndex(const wchar_t* name) {
     if (std::wstring(own, own + std::strlen(own)) == name) return static_cast<int>(i);
   }
   return -1;
-}
-
-void SetPageText(HWND page, int controlId, UINT textId) {
-  SetDlgItemTextW(page, controlId, kv::ResourceText(textId).c_str());
 }
 
 }  // namespace gallery

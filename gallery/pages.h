@@ -9,8 +9,6 @@
 #include <span>
 #include <string>
 
-#include "kv/framework/bounded_format.h"
-#include "kv/toolkit/languages.h"
 #include "kv/toolkit/scaled_dialog.h"
 
 namespace gallery {
@@ -26,16 +24,7 @@ std::span<const Page> AllPages();
 // Returns the index of a page by name; -1 when there is none.
 int PageIndex(const wchar_t* name);
 
-// Returns text resource `id` with values inserted by FormatBounded, truncated to 1,000 characters.
-template <class... Values>
-std::wstring TextWith(UINT id, Values... values) {
-  wchar_t text[1000];
-  kv::FormatBounded(text, sizeof(text), kv::ResourceText(id).c_str(), values...);
-  return text;
-}
-
-// Sets a control's text to text resource `textId`.
-void SetPageText(HWND page, int controlId, UINT textId);
+inline constexpr UINT kChartTickMs = 50;  // as in the tool
 
 // The first page: an overview of the gallery and how to use it.
 INT_PTR CALLBACK OverviewPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);

@@ -7,7 +7,6 @@
 
 #include "gallery/resource_ids.h"
 #include "kv/controls/simple_bitmap.h"
-#include "kv/framework/bounded_format.h"
 #include "kv/toolkit/empty_text.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/scaled_dialog.h"
@@ -28,18 +27,13 @@ void Log(HWND page, const wchar_t* line) {
   SendMessageW(log, LB_SETTOPINDEX, 0, 0);
 }
 
-void LogBitmapClick(HWND page, int controlId, UINT textId) {
-  wchar_t line[128];
-  kv::FormatBounded(line, sizeof(line), kv::ResourceText(textId).c_str(), controlId - IDC_BITMAP_PLAIN + 1);
-  Log(page, line);
-}
-
 void OnBitmapNotification(HWND page, int controlId, UINT code) {
+  const auto log = [&](UINT textId) { Log(page, kv::TextWith(textId, controlId - IDC_BITMAP_PLAIN + 1).c_str()); };
   switch (code) {
-    case kv::kBitmapLeftClick: return LogBitmapClick(page, controlId, IDS_BITMAP_LEFT);
-    case kv::kBitmapRightClick: return LogBitmapClick(page, controlId, IDS_BITMAP_RIGHT);
-    case kv::kBitmapMiddleClick: return LogBitmapClick(page, controlId, IDS_BITMAP_MIDDLE);
-    case kv::kBitmapDoubleClick: return LogBitmapClick(page, controlId, IDS_BITMAP_DOUBLE);
+    case kv::kBitmapLeftClick: return log(IDS_BITMAP_LEFT);
+    case kv::kBitmapRightClick: return log(IDS_BITMAP_RIGHT);
+    case kv::kBitmapMiddleClick: return log(IDS_BITMAP_MIDDLE);
+    case kv::kBitmapDoubleClick: return log(IDS_BITMAP_DOUBLE);
     default: return;
   }
 }

@@ -21,8 +21,6 @@ namespace gallery {
 
 namespace {
 
-constexpr UINT_PTR kFrameTimer = 1;
-constexpr UINT kFrameMs = 66;
 constexpr COLORREF kScreenTop = RGB(0x14, 0x18, 0x22), kScreenBottom = RGB(0x26, 0x2E, 0x3E);
 
 // The link exists while the page is shown, so that other programs can use the camera otherwise.
@@ -122,21 +120,19 @@ void ShowRecording(HWND page) {
   std::wstring path(recording.path.begin(), recording.path.end());
   const int length = static_cast<int>(recording.path.size());
   path.resize(MultiByteToWideChar(CP_ACP, 0, recording.path.c_str(), length, path.data(), length));
-  const std::wstring text = TextWith(recording.textId, path.c_str(), RecordingSize().c_str());
-  SetDlgItemTextW(page, IDC_CAPTURE_STATE, text.c_str());
+  kv::SetControlText(page, IDC_CAPTURE_STATE, recording.textId, path, RecordingSize());
 }
 
 void ShowState(HWND page) {
   if (recording.textId) {
     ShowRecording(page);
+  } else if (link) {
+    kv::SetControlText(page, IDC_CAPTURE_STATE, IDS_CAPTURE_STATE, link->frameWidth, link->frameHeight,
+                       link->sourceFormat.header.biBitCount);
   } else {
-    std::wstring text;
-    if (link) {
-      text = TextWith(IDS_CAPTURE_STATE, link->frameWidth, link->frameHeight, link->sourceFormat.header.biBitCount);
-    }
-    SetDlgItemTextW(page, IDC_CAPTURE_STATE, text.c_str());
+    SetDlgItemTextW(page, IDC_CAPTURE_STATE, L"");
   }
-  SetPageText(page, IDC_CAPTURE_RECORD, recording.runs ? IDS_CAPTURE_STOP : IDS_CAPTURE_RECORD);
+  kv::SetControlText(page, IDC_CAPTURE_RECORD, recording.runs ? IDS_CAPTURE_STOP : IDS_CAPTURE_RECORD);
   // Enable before disabling, because the focus may have to move there.
   const int usable = link ? IDC_CAPTURE_RECORD : IDC_CAPTURE_SEARCH;
   kv::EnableControl(page, usable, true);
@@ -168,7 +164,6 @@ void StopRecording(HWND page) {
 // ---- The link -------------------------------------------------------------------------------------------------------
 
 void Disconnect(HWND page) {
-  KillTimer(page, kFrameTimer);
   if (recording.runs) StopRecording(page);
   kv::CloseVideoLink(link);
   link = nullptr;
@@ -178,12 +173,12 @@ INT_PTR Connect(HWND page) {
   Disconnect(page);
   recording = {};
   link = kv::OpenVideoLink(GetDlgItem(page, IDC_CAPTURE_SCREEN));
-  if (link) SetTimer(page, kFrameTimer, kFrameMs, nullptr);
   ShowState(page);
   return TRUE;
 }
 
-INT_PTR OnTimer(HWND page) {
+INT_PTR OnTick(HWND page) {
+  if (!link) return TRUE;
   InvalidateRect(GetDlgItem(page, IDC_CAPTURE_SCREEN), nullptr, FALSE);
   if (!recording.runs) return TRUE;
   if (IsCapturing()) {
@@ -209,8 +204,8 @@ INT_PTR OnCommand(HWND page, UINT command) {
 }
 
 void OnTextsChanged(HWND page) {
-  SetPageText(page, IDC_CAPTURE_SEARCH, IDS_CAPTURE_SEARCH);
-  SetPageText(page, IDC_CAPTURE_SCREEN, IDS_TITLE_FIRST + PAGE_INDEX_CAPTURE);  // its name for screen readers
+  kv::SetControlText(page, IDC_CAPTURE_SEARCH, IDS_CAPTURE_SEARCH);
+  kv::SetControlText(page, IDC_CAPTURE_SCREEN, IDS_TITLE_FIRST + PAGE_INDEX_CAPTURE);  // its name for screen readers
   ShowState(page);
 }
 
@@ -228,7 +223,7 @@ INT_PTR CALLBACK CapturePageProcedure(HWND page, UINT message, WPARAM wParam, LP
   switch (message) {
     case kv::kLanguageChanged: OnTextsChanged(page); break;
     case kv::kPageShown: OnShown(page, wParam != 0); return TRUE;
-    case WM_TIMER: return OnTimer(page);
+    case WM_TIMER: return OnTick(page);
     case WM_DRAWITEM: return OnDrawItem(reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam));
     case WM_DESTROY: Disconnect(page); break;

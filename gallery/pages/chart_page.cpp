@@ -16,8 +16,6 @@ namespace gallery {
 
 namespace {
 
-constexpr UINT kTimer = 1;
-constexpr UINT kTickMs = 50;  // as in the tool
 constexpr DWORD kAllPoints = 15;
 
 // The clock of the simulation, which stops while it is paused.
@@ -31,10 +29,6 @@ kv::CameraPoint PointAt(int index, double time) {
           kv::ToInt(384 + size * std::sin(kTurnsY[index] * time))};
 }
 
-bool IsChecked(HWND page, int controlId) {
-  return IsDlgButtonChecked(page, controlId) == BST_CHECKED;
-}
-
 void Exchange(HWND page, WPARAM flags, kv::FlowPoints* points) {
   SendDlgItemMessageA(page, IDC_CHART_VIEW, kv::kControlCommand, kv::kChartPoints | flags,
                       reinterpret_cast<LPARAM>(points));
@@ -46,7 +40,7 @@ void ShowPositions(HWND page) {
   Exchange(page, kv::kCommandRead, &shown);
   for (int i = 0; i < kv::kPointCount; ++i) {
     const bool visible = (shown.mask & 1u << i) != 0;
-    const std::wstring text = TextWith(IDS_CHART_POSITION, shown.points[i].x, shown.points[i].y);
+    const std::wstring text = kv::TextWith(IDS_CHART_POSITION, shown.points[i].x, shown.points[i].y);
     SetDlgItemTextW(page, IDC_CHART_PLACE + i, visible ? text.c_str() : L"-");
   }
 }
@@ -55,7 +49,7 @@ void ShowPoints(HWND page) {
   kv::FlowPoints points{};
   for (int i = 0; i < kv::kPointCount; ++i) {
     points.points[i] = PointAt(i, seconds);
-    if (IsChecked(page, IDC_CHART_POINT + i)) points.mask |= 1u << i;
+    if (kv::IsChecked(page, IDC_CHART_POINT + i)) points.mask |= 1u << i;
   }
   kv::FlowPoints hidden{.mask = kAllPoints & ~points.mask, .points = {}};
   Exchange(page, kv::kCommandRemove, &hidden);
@@ -63,9 +57,9 @@ void ShowPoints(HWND page) {
   ShowPositions(page);
 }
 
-void OnTimer(HWND page) {
-  if (IsChecked(page, IDC_CHART_PAUSE)) return;
-  seconds += kTickMs / 1000.0;
+void OnTick(HWND page) {
+  if (kv::IsChecked(page, IDC_CHART_PAUSE)) return;
+  seconds += kChartTickMs / 1000.0;
   ShowPoints(page);
 }
 
@@ -79,7 +73,7 @@ void CopyChart(HWND page) {
   const DWORD before = GetClipboardSequenceNumber();
   SendDlgItemMessageA(page, IDC_CHART_VIEW, WM_COPY, 0, MAKELPARAM(kv::kFieldWidth, kv::kFieldHeight));
   const bool copied = GetClipboardSequenceNumber() != before;
-  SetPageText(page, IDC_CHART_RESULT, copied ? IDS_CHART_COPIED : IDS_CHART_NOT_COPIED);
+  kv::SetControlText(page, IDC_CHART_RESULT, copied ? IDS_CHART_COPIED : IDS_CHART_NOT_COPIED);
 }
 
 void OnInit(HWND page) {
@@ -87,18 +81,9 @@ void OnInit(HWND page) {
 }
 
 void OnTextsChanged(HWND page) {
-  SetPageText(page, IDC_CHART_RESULT, IDS_CHART_NOTHING_COPIED);
+  kv::SetControlText(page, IDC_CHART_RESULT, IDS_CHART_NOTHING_COPIED);
   kv::NameControl(page, IDC_CHART_VIEW, kv::ResourceText(IDS_TITLE_FIRST + PAGE_INDEX_CHART).c_str());
   ShowPositions(page);
-}
-
-void OnShown(HWND page, bool shown) {
-  if (shown) {
-    ShowPoints(page);
-    SetTimer(page, kTimer, kTickMs, nullptr);
-  } else {
-    KillTimer(page, kTimer);
-  }
 }
 
 void OnCommand(HWND page, int controlId) {
@@ -118,10 +103,9 @@ void OnCommand(HWND page, int controlId) {
 INT_PTR CALLBACK ChartPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM) {
   switch (message) {
     case WM_INITDIALOG: OnInit(page); break;
-    case WM_TIMER: OnTimer(page); return TRUE;
+    case WM_TIMER: OnTick(page); return TRUE;
     case WM_COMMAND: OnCommand(page, LOWORD(wParam)); return TRUE;
     case kv::kLanguageChanged: OnTextsChanged(page); return TRUE;
-    case kv::kPageShown: OnShown(page, wParam != 0); return TRUE;
     default: break;
   }
   return FALSE;

@@ -24,12 +24,6 @@ constexpr char kPositionName[] = "Gallery.Remembered";
 constexpr int kTrackbarMax = 100;
 constexpr int kMinIntervals = 1, kMaxIntervals = 20, kScrollPage = 4;
 
-// Sets a control's text to string resource `textId`, formatted with the values.
-template <class... Arguments>
-void Show(HWND page, int controlId, UINT textId, Arguments... arguments) {
-  SetDlgItemTextW(page, controlId, TextWith(textId, arguments...).c_str());
-}
-
 // ---- One control of each kind ---------------------------------------------------------------------------------------
 
 void FillSamples(HWND page) {
@@ -61,8 +55,8 @@ void FillSamples(HWND page) {
 
 void ShowScale(HWND page) {
   const kv::DialogScale scale = kv::ScaleOf(page);
-  Show(page, IDC_SERVICES_SCALE, IDS_SERVICES_SCALE, kv::NumberText(scale.x, 2).c_str(),
-       kv::NumberText(scale.y, 2).c_str());
+  kv::SetControlText(page, IDC_SERVICES_SCALE, IDS_SERVICES_SCALE, kv::NumberText(scale.x, 2),
+                     kv::NumberText(scale.y, 2));
 }
 
 // ---- Trackbar and scroll bar ----------------------------------------------------------------------------------------
@@ -72,7 +66,7 @@ void SetIntervals(HWND page, int intervals) {
   kv::SetScrollBarControl(GetDlgItem(page, IDC_SERVICES_SCROLL), kMinIntervals, kMaxIntervals + kScrollPage - 1,
                           kScrollPage, intervals);
   kv::SetTrackbarTicks(GetDlgItem(page, IDC_SERVICES_TRACKBAR), 0, kTrackbarMax, intervals);
-  Show(page, IDC_SERVICES_INTERVALS, IDS_SERVICES_INTERVALS, intervals);
+  kv::SetControlText(page, IDC_SERVICES_INTERVALS, IDS_SERVICES_INTERVALS, intervals);
 }
 
 int Intervals(HWND page, int field) {
@@ -84,8 +78,8 @@ int Intervals(HWND page, int field) {
 }
 
 void ShowTrackbarValue(HWND page) {
-  Show(page, IDC_SERVICES_VALUE, IDS_SERVICES_VALUE,
-       static_cast<int>(SendDlgItemMessageA(page, IDC_SERVICES_TRACKBAR, TBM_GETPOS, 0, 0)));
+  kv::SetControlText(page, IDC_SERVICES_VALUE, IDS_SERVICES_VALUE,
+                     static_cast<int>(SendDlgItemMessageA(page, IDC_SERVICES_TRACKBAR, TBM_GETPOS, 0, 0)));
 }
 
 void OnScroll(HWND page, HWND control, int code) {
@@ -107,7 +101,7 @@ void OnScroll(HWND page, HWND control, int code) {
 void ShowVisits(HWND page) {
   DWORD visits = 0;
   kv::WindowNumber(kVisitsName, &visits, kv::kPositionRestore);
-  Show(page, IDC_SERVICES_VISITS, IDS_SERVICES_VISITS, visits);
+  kv::SetControlText(page, IDC_SERVICES_VISITS, IDS_SERVICES_VISITS, visits);
 }
 
 void CountVisit(HWND page) {
@@ -121,17 +115,17 @@ void CountVisit(HWND page) {
 void RememberPosition(HWND page) {
   const HWND frame = GetParent(page);
   if (!kv::WindowPosition(frame, kPositionName, kv::kPositionSave)) {
-    return SetPageText(page, IDC_SERVICES_PLACE, IDS_SERVICES_NOT_NORMAL);
+    return kv::SetControlText(page, IDC_SERVICES_PLACE, IDS_SERVICES_NOT_NORMAL);
   }
   RECT place{};
   GetWindowRect(frame, &place);
-  Show(page, IDC_SERVICES_PLACE, IDS_SERVICES_PLACE, place.left, place.top, place.right, place.bottom);
+  kv::SetControlText(page, IDC_SERVICES_PLACE, IDS_SERVICES_PLACE, place.left, place.top, place.right, place.bottom);
 }
 
 // ---- Calendar -------------------------------------------------------------------------------------------------------
 
 void ShowTime(HWND page, int controlId, const SYSTEMTIME& time) {
-  Show(page, controlId, IDS_SERVICES_TIME, kv::DateText(time).c_str(), kv::TimeText(time, false).c_str());
+  kv::SetControlText(page, controlId, IDS_SERVICES_TIME, kv::DateText(time), kv::TimeText(time, false));
 }
 
 void ShowCalendar(HWND page) {
@@ -156,7 +150,7 @@ void ShowCalendar(HWND page) {
   ShowTime(page, IDC_SERVICES_BACK, back);
   const std::wstring weekday = kv::ResourceText(IDS_SERVICES_SUNDAY + back.wDayOfWeek);
   if (kv::IsLeapYear(back.wYear)) {
-    Show(page, IDC_SERVICES_WEEKDAY, IDS_SERVICES_LEAP_YEAR, weekday.c_str());
+    kv::SetControlText(page, IDC_SERVICES_WEEKDAY, IDS_SERVICES_LEAP_YEAR, weekday);
   } else {
     SetDlgItemTextW(page, IDC_SERVICES_WEEKDAY, weekday.c_str());
   }
@@ -202,7 +196,7 @@ void OnTextsChanged(HWND page) {
   ShowTrackbarValue(page);
   SetIntervals(page, Intervals(page, SB_ENDSCROLL));
   ShowVisits(page);
-  SetPageText(page, IDC_SERVICES_PLACE, IDS_SERVICES_NO_PLACE);
+  kv::SetControlText(page, IDC_SERVICES_PLACE, IDS_SERVICES_NO_PLACE);
   ShowCalendar(page);
 }
 

@@ -35,13 +35,13 @@ void ProposeFile() {
 }
 
 void ShowStatus(HWND page, UINT textId, const wchar_t* path = L"") {
-  SetDlgItemTextW(page, IDC_FILES_STATUS, TextWith(textId, path).c_str());
+  kv::SetControlText(page, IDC_FILES_STATUS, textId, path);
 }
 
 void ShowTexts(HWND page) {
   wchar_t folder[kv::kPathCharacters] = L"";
   kv::ProgramDirectory(folder);
-  SetDlgItemTextW(page, IDC_FILES_FOLDER, TextWith(IDS_FILES_FOLDER, folder).c_str());
+  kv::SetControlText(page, IDC_FILES_FOLDER, IDS_FILES_FOLDER, folder);
   SetDlgItemTextW(page, IDC_FILES_STATUS, L"");
   kv::SetEmptyText(page, IDC_FILES_NOTES, kv::ResourceText(IDS_FILES_EMPTY));
 }

@@ -3,17 +3,16 @@
 
 #include <cmath>
 #include <iterator>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "gallery/pages/simulated_flight.h"
 #include "gallery/resource_ids.h"
 #include "kv/controls/strip_chart/strip_chart.h"
-#include "kv/framework/control_class.h"
 #include "kv/toolkit/horizons.h"
 #include "kv/toolkit/instruments.h"
 #include "kv/toolkit/languages.h"
-#include "kv/toolkit/pages.h"
 #include "kv/toolkit/scaled_dialog.h"
 #include "kv/toolkit/strip_charts.h"
 
@@ -21,8 +20,6 @@ namespace gallery {
 
 namespace {
 
-constexpr UINT_PTR kFlyTimer = 1;
-constexpr UINT kFlyMs = 50;
 constexpr double kShownSeconds = 60, kSampleSeconds = 0.05;
 constexpr COLORREF kGreen = RGB(0, 200, 80), kAmber = RGB(255, 190, 0), kRed = RGB(240, 48, 32);
 
@@ -40,10 +37,6 @@ constexpr Value kValues[] = {{IDC_DECK_AIRSPEED, IDS_INSTRUMENTS_NAME + 0, L"kn"
 
 double newest = 0;  // the time of the last samples
 
-bool IsChecked(HWND page, int id) {
-  return IsDlgButtonChecked(page, id) == BST_CHECKED;
-}
-
 // Appends the samples since the last call, with a gap while there is no value.
 void Record(HWND page, double until, bool valid) {
   for (int channel = 0; channel < static_cast<int>(std::size(kValues)); ++channel) {
@@ -58,7 +51,7 @@ void Record(HWND page, double until, bool valid) {
 
 INT_PTR Fly(HWND page) {
   const double time = kv::StripChartNow();
-  const bool valid = IsChecked(page, IDC_DECK_VALID);
+  const bool valid = kv::IsChecked(page, IDC_DECK_VALID);
   Record(page, time, valid);
   for (const Value& value : kValues) {
     kv::SetInstrumentValue(page, value.control, valid ? value.at(time) : NAN, TRUE);
@@ -66,6 +59,11 @@ INT_PTR Fly(HWND page) {
   kv::SetInstrumentValue(page, IDC_DECK_HEADING, valid ? std::fmod(Heading(time), 360) : NAN, TRUE);
   if (!valid) return kv::ClearHorizonAttitude(page, IDC_DECK_HORIZON);
   return kv::SetHorizonAttitude(page, IDC_DECK_HORIZON, {Pitch(time), Roll(time), Slip(time), Heading(time)}, FALSE);
+}
+
+void ShowZones(HWND page) {
+  const kv::StripZone zones[] = {{120, 145, kAmber, 0}, {145, 160, kRed, 0}};
+  kv::SetStripChartZones(page, IDC_DECK_CHART, std::span(zones, kv::IsChecked(page, IDC_DECK_ZONES) ? 2 : 0));
 }
 
 void OnInit(HWND page) {
@@ -77,7 +75,9 @@ void OnInit(HWND page) {
   kv::SetInstrumentZones(page, IDC_DECK_AIRSPEED, speeds);
   kv::SetInstrumentColor(page, IDC_DECK_POWER, kGreen);
   kv::SetStripChartView(page, IDC_DECK_CHART, kShownSeconds, 0, 0);
-  for (const int id : {IDC_DECK_AXES, IDC_DECK_VALID}) CheckDlgButton(page, id, BST_CHECKED);
+  for (const int id : {IDC_DECK_AXES, IDC_DECK_LEGEND, IDC_DECK_ZONES, IDC_DECK_VALID})
+    CheckDlgButton(page, id, BST_CHECKED);
+  ShowZones(page);
   newest = kv::StripChartNow() - kShownSeconds;
 }
 
@@ -92,37 +92,23 @@ void ShowTexts(HWND page) {
   kv::NameControl(page, IDC_DECK_HORIZON, kv::ResourceText(IDS_TITLE_FIRST + PAGE_INDEX_FLIGHT_DECK).c_str());
 }
 
-void SetStyle(HWND page, int id, DWORD bits) {
-  const WPARAM code = kv::kStripStyle | kv::kCommandRedraw | (IsChecked(page, id) ? 0 : kv::kCommandRemove);
-  SendDlgItemMessageA(page, IDC_DECK_CHART, kv::kControlCommand, code, reinterpret_cast<LPARAM>(&bits));
-}
-
-// The user can also hold by the keyboard.
-void ShowHold(HWND page) {
-  kv::StripView view{};
-  SendDlgItemMessageA(page, IDC_DECK_CHART, kv::kControlCommand, kv::kStripViewItem | kv::kCommandRead,
-                      reinterpret_cast<LPARAM>(&view));
-  CheckDlgButton(page, IDC_DECK_HOLD, view.state & kv::kStripFrozen ? BST_CHECKED : BST_UNCHECKED);
-}
-
-INT_PTR OnCommand(HWND page, UINT id, UINT code) {
+INT_PTR OnCommand(HWND page, int id, UINT code) {
+  const BOOL checked = kv::IsChecked(page, id);
   switch (id) {
-    case IDC_DECK_HOLD: kv::FreezeStripChart(page, IDC_DECK_CHART, IsChecked(page, IDC_DECK_HOLD)); break;
-    case IDC_DECK_SWEEP: SetStyle(page, IDC_DECK_SWEEP, kv::kStripSweep); break;
-    case IDC_DECK_AXES: SetStyle(page, IDC_DECK_AXES, kv::kStripSeparateAxes); break;
+    case IDC_DECK_HOLD: kv::FreezeStripChart(page, IDC_DECK_CHART, checked); break;
+    case IDC_DECK_SWEEP: kv::SetStripChartStyle(page, IDC_DECK_CHART, kv::kStripSweep, checked); break;
+    case IDC_DECK_AXES: kv::SetStripChartStyle(page, IDC_DECK_CHART, kv::kStripSeparateAxes, checked); break;
+    case IDC_DECK_LEGEND: kv::SetStripChartStyle(page, IDC_DECK_CHART, kv::kStripNoLegend, !checked); break;
+    case IDC_DECK_ZONES: ShowZones(page); break;
     case IDC_DECK_VALID: Fly(page); break;
     case IDC_DECK_CHART:
-      if (code == kv::kStripNotifyView) ShowHold(page);
+      // The user can also freeze it by the keyboard.
+      if (code == kv::kStripNotifyView)
+        CheckDlgButton(page, IDC_DECK_HOLD, kv::IsStripChartFrozen(page, IDC_DECK_CHART));
       break;
     default: break;
   }
   return TRUE;
-}
-
-INT_PTR OnShown(HWND page, bool shown) {
-  if (!shown) return KillTimer(page, kFlyTimer);
-  SetTimer(page, kFlyTimer, kFlyMs, nullptr);
-  return Fly(page);
 }
 
 }  // namespace
@@ -133,7 +119,6 @@ INT_PTR CALLBACK FlightDeckPageProcedure(HWND page, UINT message, WPARAM wParam,
     case WM_TIMER: return Fly(page);
     case kv::kLanguageChanged: ShowTexts(page); break;
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam), HIWORD(wParam));
-    case kv::kPageShown: return OnShown(page, wParam != 0);
     default: break;
   }
   return FALSE;

@@ -10,23 +10,22 @@
 #include "gallery/pages/simulated_flight.h"
 #include "gallery/resource_ids.h"
 #include "kv/export/flight_track.h"
-#include "kv/export/flight_track_view.h"
 #include "kv/export/kml_export.h"
 #include "kv/framework/bitmaps.h"
 #include "kv/framework/canvas.h"
-#include "kv/framework/control_class.h"
 #include "kv/framework/coverage.h"
+#include "kv/framework/file_path.h"
 #include "kv/framework/guards.h"
 #include "kv/framework/numbers.h"
 #include "kv/framework/painting.h"
 #include "kv/framework/shell_launch.h"
-#include "kv/framework/window_state.h"
 #include "kv/toolkit/appearance.h"
 #include "kv/toolkit/empty_text.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/locale_text.h"
 #include "kv/toolkit/pages.h"
 #include "kv/toolkit/scaled_dialog.h"
+#include "kv/toolkit/track_files.h"
 
 namespace gallery {
 
@@ -36,9 +35,10 @@ constexpr COLORREF kPathColor = RGB(0x20, 0x68, 0xC8);
 constexpr int kTintPercent = 18;  // of the path's colour, in the area below the altitude curve
 constexpr size_t kShownBytes = 8000;
 
-// The flight in the view. There is one page and one flight, which exists as long as the program.
+constexpr double kLatitude = 54.4609, kLongitude = -3.0886;  // the start
+
+// There is one page and one flight.
 std::vector<kv::FlightTrackPoint> points;
-kv::FlightTrack track;
 int flightNumber = 0;
 std::wstring shownFile;  // written last; empty if none
 
@@ -57,10 +57,10 @@ void Fly() {
     at.dX += metres * std::sin(course);
     at.dY -= metres * std::cos(course);  // y points south
   }
-  track.nPoints = static_cast<LONG>(points.size());
-  track.lpPoints = points.data();
-  track.dReferenceLatitude = 54.4609;
-  track.dReferenceLongitude = -3.0886;
+}
+
+kv::FlightTrack Track() {
+  return kv::MakeFlightTrack(kLatitude, kLongitude, points);
 }
 
 // ---- The plan -------------------------------------------------------------------------------------------------------
@@ -99,8 +99,7 @@ void DrawLabel(kv::Canvas& canvas, const std::wstring& text, RECT area) {
 
 std::wstring AltitudeText() {
   const auto [lowest, highest] = std::ranges::minmax(points, {}, &kv::FlightTrackPoint::dAltitude);
-  return TextWith(IDS_FLIGHT_ALTITUDE, kv::NumberText(lowest.dAltitude).c_str(),
-                  kv::NumberText(highest.dAltitude).c_str());
+  return kv::TextWith(IDS_FLIGHT_ALTITUDE, kv::NumberText(lowest.dAltitude), kv::NumberText(highest.dAltitude));
 }
 
 // Draws the flight path with its start, and the altitude below.
@@ -120,16 +119,16 @@ void DrawFlight(kv::Canvas& canvas, RECT area, int textPx) {
   profile.top += textPx * 3 / 2;
   const double width = textPx / 8.0;
 
-  std::vector<kv::PointD> altitude =
-      CurveIn(profile, track.nPoints, false, [](int i) { return std::pair(1.0 * i, points[i].dAltitude); });
+  std::vector<kv::PointD> altitude = CurveIn(profile, static_cast<int>(points.size()), false,
+                                             [](int i) { return std::pair(1.0 * i, points[i].dAltitude); });
   altitude.push_back({1.0 * profile.right, 1.0 * area.bottom});
   altitude.push_back({1.0 * profile.left, 1.0 * area.bottom});
   kv::FillPolygon(canvas, altitude, tint);
   altitude.resize(altitude.size() - 2);
   DrawCurve(canvas, altitude, width, ink);
 
-  const std::vector<kv::PointD> path =
-      CurveIn(plan, track.nPoints, true, [](int i) { return std::pair(points[i].dX, -points[i].dY); });
+  const std::vector<kv::PointD> path = CurveIn(plan, static_cast<int>(points.size()), true,
+                                               [](int i) { return std::pair(points[i].dX, -points[i].dY); });
   DrawCurve(canvas, path, width, ink);
   kv::FillDisc(canvas, path.front(), textPx / 3.0, ink);
   const std::wstring start = kv::ResourceText(IDS_FLIGHT_START);
@@ -160,16 +159,12 @@ void DrawPlan(HDC dc, RECT area, int textPx) {
 
 // ---- What was written -----------------------------------------------------------------------------------------------
 
-HWND ViewOf(HWND page) {
-  return GetDlgItem(page, IDC_FLIGHT_VIEW);
-}
-
-// Shows the beginning of a file with its name and size, or that there is none.
-void ShowFile(HWND page, const wchar_t* path) {
+// Shows the beginning of a file with its name and size, or that it could not be written.
+void ShowFile(HWND page, const wchar_t* path, BOOL written) {
   char bytes[kShownBytes];
   size_t count = 0;
   long size = -1;
-  if (FILE* file = _wfopen(path, L"rb")) {
+  if (FILE* file = written ? _wfopen(path, L"rb") : nullptr) {
     count = std::fread(bytes, 1, sizeof(bytes), file);
     std::fseek(file, 0, SEEK_END);
     size = std::ftell(file);
@@ -178,54 +173,45 @@ void ShowFile(HWND page, const wchar_t* path) {
   std::wstring text(bytes, bytes + count);  // ASCII
   if (size > static_cast<long>(count)) text += L"...";
   SetDlgItemTextW(page, IDC_FLIGHT_TEXT, text.c_str());
-  const std::wstring result =
-      TextWith(size < 0 ? IDS_FLIGHT_NO_FILE : IDS_FLIGHT_FILE, path, kv::NumberText(size).c_str());
   shownFile = size < 0 ? L"" : path;
   kv::EnableControl(page, IDC_FLIGHT_FOLDER, size >= 0);
-  SetDlgItemTextW(page, IDC_FLIGHT_RESULT, result.c_str());
+  kv::SetControlText(page, IDC_FLIGHT_RESULT, size < 0 ? IDS_FLIGHT_NO_FILE : IDS_FLIGHT_FILE, path,
+                     kv::NumberText(size));
 }
 
-void ShowKmlFile(HWND page) {
-  const auto* state = kv::WindowState<kv::FlightTrackViewState>(ViewOf(page));
-  if (state) ShowFile(page, state->szKmlPath);
+// In the user's temporary folder.
+std::wstring PathOf(const wchar_t* name) {
+  wchar_t folder[kv::kPathCharacters] = L"";
+  GetTempPathW(kv::kPathCharacters, folder);
+  return std::wstring(folder) + name;
 }
 
 // ---- Commands -------------------------------------------------------------------------------------------------------
 
-bool ExportsAlways(HWND page) {
-  return IsDlgButtonChecked(page, IDC_FLIGHT_ALWAYS) == BST_CHECKED;
+INT_PTR OnExportWaypoints(HWND page) {
+  const std::wstring path = PathOf(L"kvgallery flight.txt");
+  ShowFile(page, path.c_str(), kv::WriteWaypoints(path.c_str(), Track()));
+  return TRUE;
+}
+
+INT_PTR OnExportKml(HWND page) {
+  const std::wstring path = PathOf(L"kvgallery flight.kml");
+  const BOOL written = kv::WriteKml(path.c_str(), Track());
+  ShowFile(page, path.c_str(), written);
+  if (written) kv::OpenInGlobe(path.c_str());
+  return TRUE;
 }
 
 INT_PTR OnNewFlight(HWND page) {
   ++flightNumber;
   Fly();
-  SendMessageA(ViewOf(page), kv::kControlCommand, kv::kTrackRecord, reinterpret_cast<LPARAM>(&track));
   InvalidateRect(GetDlgItem(page, IDC_FLIGHT_PLAN), nullptr, FALSE);
-  if (ExportsAlways(page)) ShowKmlFile(page);
-  return TRUE;
-}
-
-INT_PTR OnExportKml(HWND page) {
-  SendMessageA(ViewOf(page), kv::kControlCommand, kv::kTrackExport | kv::kTrackExportNow, 1);
-  ShowKmlFile(page);
-  return TRUE;
-}
-
-INT_PTR OnExportWaypoints(HWND page) {
-  SendMessageA(ViewOf(page), kv::kControlCommand, kv::kTrackExport | kv::kTrackExportNow, 0);
-  ShowFile(page, kv::kWaypointsPath);
-  return TRUE;
-}
-
-INT_PTR OnExportAlways(HWND page) {
-  const WPARAM flag = ExportsAlways(page) ? kv::kTrackExportAlways : kv::kTrackExportNotAlways;
-  SendMessageA(ViewOf(page), kv::kControlCommand, kv::kTrackExport | flag, 0);
-  return TRUE;
+  return kv::IsChecked(page, IDC_FLIGHT_ALWAYS) ? OnExportKml(page) : TRUE;
 }
 
 INT_PTR OnShowInGlobe(HWND page) {
   constexpr double kViewFromMetres = 600;
-  kv::showPositionInGlobe(page, track.dReferenceLongitude, track.dReferenceLatitude, kViewFromMetres);
+  kv::showPositionInGlobe(page, kLongitude, kLatitude, kViewFromMetres);
   return TRUE;
 }
 
@@ -240,7 +226,6 @@ INT_PTR OnCommand(HWND page, UINT command) {
     case IDC_FLIGHT_NEW: return OnNewFlight(page);
     case IDC_FLIGHT_KML: return OnExportKml(page);
     case IDC_FLIGHT_WAYPOINTS: return OnExportWaypoints(page);
-    case IDC_FLIGHT_ALWAYS: return OnExportAlways(page);
     case IDC_FLIGHT_FOLDER: return OnOpenFolder();
     case IDC_FLIGHT_GLOBE: return OnShowInGlobe(page);
     default: return FALSE;
@@ -257,11 +242,11 @@ INT_PTR OnDrawItem(HWND page, const DRAWITEMSTRUCT* item) {
 void ShowTexts(HWND page) {
   kv::SetEmptyText(page, IDC_FLIGHT_TEXT, kv::ResourceText(IDS_FLIGHT_EMPTY));
   InvalidateRect(GetDlgItem(page, IDC_FLIGHT_PLAN), nullptr, FALSE);
-  SetPageText(page, IDC_FLIGHT_PLAN, IDS_TITLE_FIRST + PAGE_INDEX_FLIGHT);  // its name for screen readers
-  SetPageText(page, IDC_FLIGHT_STATION,
-              kv::isHelmsdeckRunning() ? IDS_FLIGHT_STATION_RUNS : IDS_FLIGHT_STATION_RUNS_NOT);
+  kv::SetControlText(page, IDC_FLIGHT_PLAN, IDS_TITLE_FIRST + PAGE_INDEX_FLIGHT);  // its name for screen readers
+  kv::SetControlText(page, IDC_FLIGHT_STATION,
+                     kv::isHelmsdeckRunning() ? IDS_FLIGHT_STATION_RUNS : IDS_FLIGHT_STATION_RUNS_NOT);
   if (GetWindowTextLengthW(GetDlgItem(page, IDC_FLIGHT_TEXT)) == 0) {
-    SetPageText(page, IDC_FLIGHT_RESULT, IDS_FLIGHT_HINT);
+    kv::SetControlText(page, IDC_FLIGHT_RESULT, IDS_FLIGHT_HINT);
   }
 }
 

@@ -16,9 +16,6 @@ namespace gallery {
 
 namespace {
 
-constexpr UINT_PTR kSampleTimer = 1;
-constexpr UINT kSampleMs = 250;
-
 constexpr COLORREF kGreen = RGB(0, 200, 80), kAmber = RGB(255, 190, 0), kRed = RGB(240, 48, 32),
                    kCyan = RGB(64, 200, 255);
 
@@ -90,10 +87,6 @@ const Instrument kInstruments[] = {
 };
 constexpr int kFirstWithoutState = 14;  // the following show a state, which does not change
 
-bool IsChecked(HWND page, int id) {
-  return IsDlgButtonChecked(page, id) == BST_CHECKED;
-}
-
 void ShowClock(HWND page, int id, bool valid) {
   SYSTEMTIME now;
   GetLocalTime(&now);
@@ -103,8 +96,8 @@ void ShowClock(HWND page, int id, bool valid) {
 
 INT_PTR ShowSample(HWND page) {
   const double seconds = GetTickCount() / 1000.0;
-  const bool valid = IsChecked(page, IDC_INSTRUMENTS_VALID);
-  const BOOL glide = IsChecked(page, IDC_INSTRUMENTS_GLIDE);
+  const bool valid = kv::IsChecked(page, IDC_INSTRUMENTS_VALID);
+  const BOOL glide = kv::IsChecked(page, IDC_INSTRUMENTS_GLIDE);
   int id = IDC_INSTRUMENTS;
   for (const Instrument& instrument : kInstruments) {
     const bool shown = instrument.value && (valid || id - IDC_INSTRUMENTS >= kFirstWithoutState);
@@ -138,27 +131,18 @@ void OnInit(HWND page) {
     kv::SetInstrumentZones(page, id, instrument.zones);
     kv::SetInstrumentColor(page, id++, instrument.color);
   }
-  ShowSample(page);
-}
-
-INT_PTR OnShown(HWND page, bool shown) {
-  if (!shown) return KillTimer(page, kSampleTimer);
-  SetTimer(page, kSampleTimer, kSampleMs, nullptr);
-  return ShowSample(page);
 }
 
 // Replaces the hint with the result.
 INT_PTR OnCopied(HWND page, int id, bool copied) {
   const std::wstring name = kv::ResourceText(IDS_INSTRUMENTS_NAME + kInstruments[id - IDC_INSTRUMENTS].name);
-  const std::wstring text =
-      copied ? TextWith(IDS_INSTRUMENTS_COPIED, name.c_str()) : kv::ResourceText(IDS_CHART_NOT_COPIED);
-  SetDlgItemTextW(page, IDC_INSTRUMENTS_HINT, text.c_str());
+  kv::SetControlText(page, IDC_INSTRUMENTS_HINT, copied ? IDS_INSTRUMENTS_COPIED : IDS_CHART_NOT_COPIED, name);
   return TRUE;
 }
 
 INT_PTR OnCommand(HWND page, int id) {
   if (id == IDC_INSTRUMENTS_ENABLED) {
-    const BOOL enabled = IsChecked(page, IDC_INSTRUMENTS_ENABLED);
+    const BOOL enabled = kv::IsChecked(page, IDC_INSTRUMENTS_ENABLED);
     for (int i = 0; i < kFirstWithoutState; ++i) EnableWindow(GetDlgItem(page, IDC_INSTRUMENTS + i), enabled);
   }
   return id == IDC_INSTRUMENTS_VALID ? ShowSample(page) : TRUE;
@@ -173,7 +157,6 @@ INT_PTR CALLBACK InstrumentsPageProcedure(HWND page, UINT message, WPARAM wParam
     case kv::kLanguageChanged: return OnTextsChanged(page);
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam));
     case kv::kControlCopied: return OnCopied(page, static_cast<int>(wParam), lParam != 0);
-    case kv::kPageShown: return OnShown(page, wParam != 0);
     default: break;
   }
   return FALSE;

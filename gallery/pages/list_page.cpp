@@ -102,8 +102,7 @@ void OnDrawItem(HWND page, const DRAWITEMSTRUCT& item) {
 }
 
 void ShowCost(HWND page) {
-  const std::wstring text = TextWith(IDS_LIST_COST, state.rowsAsked, kv::NumberText(state.rowCount).c_str());
-  SetDlgItemTextW(page, IDC_LIST_COST, text.c_str());
+  kv::SetControlText(page, IDC_LIST_COST, IDS_LIST_COST, state.rowsAsked, kv::NumberText(state.rowCount));
 }
 
 // ---- Driving the list -----------------------------------------------------------------------------------------------
@@ -130,14 +129,9 @@ void Apply(HWND page) {
   if (selected >= firstRow && selected <= lastRow) kv::SelectListRow(list, selected);
 }
 
-// Sets the list's accessible name with the contents of the selected row, which only this page knows.
 void NameList(HWND page) {
-  std::wstring name = kv::ResourceText(IDS_TITLE_FIRST + PAGE_INDEX_LIST);
-  const UINT row = kv::SelectedListRow(ListOf(page));
-  for (int i = 0; row < state.rowCount && i < kColumns; ++i) {
-    name = TextWith(IDS_LIST_CELL, name.c_str(), kv::ListColumnTitle(columns[i]).c_str(), CellText(row, i).c_str());
-  }
-  kv::NameControl(page, IDC_LIST_LIST, name.c_str());
+  kv::NameListRow(ListOf(page), kv::ResourceText(IDS_TITLE_FIRST + PAGE_INDEX_LIST), columns, CellText,
+                  kv::ResourceText(IDS_LIST_CELL));
 }
 
 void SelectRow(HWND page, UINT row) {

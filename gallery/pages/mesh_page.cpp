@@ -1,7 +1,6 @@
 #include "gallery/pages.h"
 
 #include <algorithm>
-#include <string>
 
 #include "gallery/pages/mesh_view.h"
 #include "gallery/resource_ids.h"
@@ -13,9 +12,6 @@
 namespace gallery {
 
 namespace {
-
-constexpr UINT_PTR kStatisticsTimer = 1;
-constexpr UINT kStatisticsMs = 1000;
 
 // The time of the last statistics, and the number of frames until then.
 DWORD shownAt = 0;
@@ -31,15 +27,13 @@ double FramesPerSecond(int frames) {
 
 void ShowStatistics(HWND page) {
   MeshViewStatistics statistics{};
-  if (!GetMeshViewStatistics(GetDlgItem(page, IDC_MESH_VIEW), &statistics)) return;
-  const std::wstring text = TextWith(IDS_MESH_STATISTICS, kv::NumberText(statistics.triangles).c_str(),
-                                     kv::NumberText(FramesPerSecond(statistics.frames)).c_str(),
-                                     kv::NumberText(statistics.frameMs, 1).c_str());
-  SetDlgItemTextW(page, IDC_MESH_STATISTICS, text.c_str());
+  if (!GetMeshViewStatistics(GetDlgItem(page, IDC_MESH_VIEW), &statistics) || statistics.frames == shownFrames) return;
+  kv::SetControlText(page, IDC_MESH_STATISTICS, IDS_MESH_STATISTICS, kv::NumberText(statistics.triangles),
+                     kv::NumberText(FramesPerSecond(statistics.frames)), kv::NumberText(statistics.frameMs, 1));
 }
 
 void ShowTexts(HWND page) {
-  SetPageText(page, IDC_MESH_HINT, IDS_MESH_HINT);
+  kv::SetControlText(page, IDC_MESH_HINT, IDS_MESH_HINT);
   kv::NameControl(page, IDC_MESH_VIEW, kv::ResourceText(IDS_TITLE_FIRST + PAGE_INDEX_MESH).c_str());
 }
 
@@ -47,11 +41,6 @@ void Run(HWND page, bool shown) {
   MeshViewStatistics statistics{};
   if (GetMeshViewStatistics(GetDlgItem(page, IDC_MESH_VIEW), &statistics)) FramesPerSecond(statistics.frames);
   RunMeshView(GetDlgItem(page, IDC_MESH_VIEW), shown);
-  if (shown) {
-    SetTimer(page, kStatisticsTimer, kStatisticsMs, nullptr);
-  } else {
-    KillTimer(page, kStatisticsTimer);
-  }
 }
 
 }  // namespace

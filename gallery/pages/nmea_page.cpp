@@ -11,16 +11,14 @@
 #include "kv/export/web_links.h"
 #include "kv/framework/guards.h"
 #include "kv/framework/numbers.h"
+#include "kv/toolkit/languages.h"
 #include "kv/toolkit/locale_text.h"
-#include "kv/toolkit/pages.h"
 #include "kv/toolkit/scaled_dialog.h"
 
 namespace gallery {
 
 namespace {
 
-constexpr UINT_PTR kTimer = 1;
-constexpr UINT kTimerMs = 500;
 constexpr int kMaxLines = 200;
 
 // The boat's clock: the number of sentences sent.
@@ -34,10 +32,6 @@ kv::GprmcFix FixAt(int sentence) {
           .longitude = kCenterLongitude + kRadius * std::sin(angle),
           .speed = 6.5 + 1.5 * std::sin(3 * angle),
           .course = std::fmod(90 + kv::Degrees(angle), 360.0)};
-}
-
-void ShowValue(HWND page, int controlId, UINT textId, double value, int decimals) {
-  SetDlgItemTextW(page, controlId, TextWith(textId, kv::NumberText(value, decimals).c_str()).c_str());
 }
 
 // The terminal's text scales with the page's, in a scalable font.
@@ -81,10 +75,10 @@ void AppendLine(HWND terminal, const char* text) {
 
 void SendSentence(HWND page) {
   const kv::GprmcFix fix = FixAt(step++);
-  ShowValue(page, IDC_NMEA_LATITUDE, IDS_NMEA_DEGREES, fix.latitude, 5);
-  ShowValue(page, IDC_NMEA_LONGITUDE, IDS_NMEA_DEGREES, fix.longitude, 5);
-  ShowValue(page, IDC_NMEA_SPEED, IDS_NMEA_KNOTS, fix.speed, 1);
-  ShowValue(page, IDC_NMEA_COURSE, IDS_NMEA_DEGREES, fix.course, 1);
+  kv::SetControlText(page, IDC_NMEA_LATITUDE, IDS_NMEA_DEGREES, kv::NumberText(fix.latitude, 5));
+  kv::SetControlText(page, IDC_NMEA_LONGITUDE, IDS_NMEA_DEGREES, kv::NumberText(fix.longitude, 5));
+  kv::SetControlText(page, IDC_NMEA_SPEED, IDS_NMEA_KNOTS, kv::NumberText(fix.speed, 1));
+  kv::SetControlText(page, IDC_NMEA_COURSE, IDS_NMEA_DEGREES, kv::NumberText(fix.course, 1));
   char sentence[kv::kSentenceSize] = "";
   kv::formatGprmc(sentence, fix.latitude, fix.longitude, 0, 0, fix.speed, fix.course, 0, 0, 0);
   AppendLine(GetDlgItem(page, IDC_NMEA_TERMINAL), sentence);
@@ -96,18 +90,8 @@ INT_PTR OnInit(HWND page) {
   return TRUE;
 }
 
-INT_PTR OnShown(HWND page, bool shown) {
-  if (shown) {
-    SendSentence(page);
-    SetTimer(page, kTimer, kTimerMs, nullptr);
-  } else {
-    KillTimer(page, kTimer);
-  }
-  return TRUE;
-}
-
-INT_PTR OnTimer(HWND page) {
-  if (IsDlgButtonChecked(page, IDC_NMEA_MOVING)) SendSentence(page);
+INT_PTR OnTick(HWND page) {
+  if (kv::IsChecked(page, IDC_NMEA_MOVING)) SendSentence(page);
   return TRUE;
 }
 
@@ -125,9 +109,8 @@ INT_PTR OnCommand(HWND page, UINT command) {
 INT_PTR CALLBACK NmeaPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM) {
   switch (message) {
     case WM_INITDIALOG: return OnInit(page);
-    case kv::kPageShown: return OnShown(page, wParam != 0);
     case WM_SIZE: ScaleTerminal(page); return TRUE;
-    case WM_TIMER: return OnTimer(page);
+    case WM_TIMER: return OnTick(page);
     case WM_COMMAND: return OnCommand(page, LOWORD(wParam));
     default: return FALSE;
   }

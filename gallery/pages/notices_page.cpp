@@ -26,7 +26,7 @@ void Report(HWND page, const std::wstring& event) {
   const HWND list = GetDlgItem(page, IDC_NOTICES_EVENTS);
   SYSTEMTIME now;
   GetLocalTime(&now);
-  const std::wstring line = TextWith(IDS_NOTICES_EVENT, kv::TimeText(now, true).c_str(), event.c_str());
+  const std::wstring line = kv::TextWith(IDS_NOTICES_EVENT, kv::TimeText(now, true), event);
   if (SendMessageW(list, LB_GETCOUNT, 0, 0) >= kMaxEvents) SendMessageW(list, LB_DELETESTRING, 0, 0);
   const auto row = SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(line.c_str()));
   SendMessageW(list, LB_SETCURSEL, row, 0);
@@ -56,7 +56,7 @@ void ListenToDevices(HWND page, bool listen) {
 }
 
 void ToggleDevices(HWND page) {
-  ListenToDevices(page, IsDlgButtonChecked(page, IDC_NOTICES_DEVICES) == BST_CHECKED);
+  ListenToDevices(page, kv::IsChecked(page, IDC_NOTICES_DEVICES));
   Report(page, kv::ResourceText(deviceNotifications ? IDS_NOTICES_DEVICES_ON : IDS_NOTICES_DEVICES_OFF));
 }
 
@@ -82,7 +82,7 @@ std::wstring DeviceName(const DEV_BROADCAST_HDR* record) {
 INT_PTR OnDeviceChange(HWND page, WPARAM event, LPARAM record) {
   if (event != DBT_DEVICEARRIVAL && event != DBT_DEVICEREMOVECOMPLETE) return TRUE;
   const std::wstring name = DeviceName(reinterpret_cast<const DEV_BROADCAST_HDR*>(record));
-  Report(page, TextWith(event == DBT_DEVICEARRIVAL ? IDS_NOTICES_ARRIVED : IDS_NOTICES_LEFT, name.c_str()));
+  Report(page, kv::TextWith(event == DBT_DEVICEARRIVAL ? IDS_NOTICES_ARRIVED : IDS_NOTICES_LEFT, name));
   return TRUE;
 }
 

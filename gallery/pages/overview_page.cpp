@@ -47,8 +47,8 @@ INT_PTR OnSize(HWND page) {
 }
 
 void OnTextsChanged(HWND page) {
-  SetPageText(page, IDC_OVERVIEW_TEXT, IDS_OVERVIEW_TEXT);
-  SetPageText(page, IDC_OVERVIEW_INDEX, IDS_TITLE_FIRST + PAGE_INDEX_OVERVIEW);  // its name for screen readers
+  kv::SetControlText(page, IDC_OVERVIEW_TEXT, IDS_OVERVIEW_TEXT);
+  kv::SetControlText(page, IDC_OVERVIEW_INDEX, IDS_TITLE_FIRST + PAGE_INDEX_OVERVIEW);  // its name for screen readers
 }
 
 INT_PTR OnCommand(HWND page, UINT command, UINT code) {

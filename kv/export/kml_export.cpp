@@ -253,7 +253,9 @@ void WriteCoordinates(TextFile& file, const LocalFrame& frame, std::span<const F
   }
 }
 
-void OpenInViewer(const wchar_t* document) {
+}  // namespace
+
+void OpenInGlobe(const wchar_t* document) {
   wchar_t folder[MAX_PATH];
   if (FAILED(SHGetFolderPathW(nullptr, CSIDL_PROGRAM_FILES, nullptr, SHGFP_TYPE_CURRENT, folder))) return;
   const size_t length = std::wcslen(folder);
@@ -262,8 +264,6 @@ void OpenInViewer(const wchar_t* document) {
   FormatBounded(program, sizeof(program), L"%s%s%s", folder, separator, kViewerBelowProgramFiles);
   shellCalls.executeW(nullptr, L"open", program, document, nullptr, SW_SHOWNORMAL);
 }
-
-}  // namespace
 
 BOOL WriteTrackKml(const wchar_t* path, const FlightTrack& track, std::span<const FlightTrackPoint> points,
                    const KmlSettings& settings) {
@@ -290,7 +290,7 @@ BOOL exportTrackKml(FlightTrackViewState* view) {
   if (!WriteTrackKml(view->szKmlPath, *view->lpTrack, points, ReadKmlSettings())) return FALSE;
   // A copy, because starting a program may dispatch messages that destroy the view.
   const std::wstring document = view->szKmlPath;
-  OpenInViewer(document.c_str());
+  OpenInGlobe(document.c_str());
   return TRUE;
 }
 
@@ -335,7 +335,7 @@ BOOL showPositionInGlobe(HWND window, double longitude, double latitude, double 
       file.Close();
     }
   }
-  OpenInViewer(path);
+  OpenInGlobe(path);
   if (IsWindow(window)) SetActiveWindow(GetParent(window));
   return TRUE;
 }

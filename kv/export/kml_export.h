@@ -76,6 +76,9 @@ BOOL exportWaypointsText(FlightTrackViewState* view);
 // previous document, if there is one. Returns 1.
 BOOL showPositionInGlobe(HWND window, double longitude, double latitude, double range);
 
+// Opens a document in the globe viewer. Does nothing if that is not installed.
+void OpenInGlobe(const wchar_t* document);
+
 // Returns whether the maker's ground-station program is running.
 BOOL isHelmsdeckRunning();
 

@@ -26,6 +26,11 @@ DdeConversation::~DdeConversation() {
   if (instance_) DdeUninitialize(instance_);
 }
 
+bool DdeConversation::IsOpen() const {
+  CONVINFO info{.cb = sizeof(info)};
+  return conversation_ && DdeQueryConvInfo(conversation_, QID_SYNC, &info) && info.wStatus & ST_CONNECTED;
+}
+
 BOOL DdeConversation::Execute(const char* command) {
   return IsOpen() && ddeExecute(instance_, conversation_, command);
 }

@@ -16,14 +16,16 @@ namespace kv {
 
 class DdeConversation {
  public:
-  // Initializes the system's DDE library for this conversation and connects; IsOpen tells whether that succeeded. An
-  // empty name matches any service or topic. The destructor ends both.
+  // Initializes the system's DDE library for this conversation and connects. An empty name matches any service or
+  // topic. The destructor ends both.
   DdeConversation(const char* service, const char* topic);
   ~DdeConversation();
   DdeConversation(const DdeConversation&) = delete;
   DdeConversation& operator=(const DdeConversation&) = delete;
 
-  bool IsOpen() const { return conversation_ != nullptr; }
+  // Whether connecting succeeded and the other program has not ended the conversation. The system notices the end when
+  // the thread dispatches messages.
+  bool IsOpen() const;
 
   // Sends a command without waiting for its result. All functions return 0 when the conversation is not open.
   BOOL Execute(const char* command);

@@ -55,6 +55,9 @@ void ReportMissing(const wchar_t* templateName);
 // Resizes the shown page to its control.
 void PlacePage(HWND parent, const DialogState& state);
 
+// Starts or stops the timer of a dialog that has one. A page receives the first tick at once.
+void RunTicks(HWND dialog, bool run);
+
 // Updates the texts of the dialog and its pages to the current language, and notifies their procedures.
 void ShowLanguage(HWND dialog);
 

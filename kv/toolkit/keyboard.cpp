@@ -60,7 +60,7 @@ bool OnReturn(HWND dialog, HWND control) {
     SendMessageW(control, WM_KEYDOWN, VK_RETURN, 0);
     return true;
   }
-  if (ClassifyControl(control) != kControlListBox) return false;
+  if (ClassifyControl(control) != kControlListBox && !IsOfClass(control, L"kvExtList")) return false;
   const WPARAM command = MAKEWPARAM(GetDlgCtrlID(control), LBN_DBLCLK);
   SendMessageW(GetParent(control), WM_COMMAND, command, reinterpret_cast<LPARAM>(control));
   return true;

@@ -14,6 +14,7 @@
 
 #include <string>
 
+#include "kv/framework/bounded_format.h"
 #include "kv/framework/language.h"
 
 namespace kv {
@@ -55,5 +56,27 @@ bool PrintText(DWORD stream, const std::wstring& text);
 
 // A string resource in the current language; if missing, in English; empty if missing there, too.
 std::wstring ResourceText(UINT id);
+
+// A string resource with values (numbers, texts) inserted by FormatBounded, truncated to 1,000 characters.
+inline const wchar_t* FormatArgument(const std::wstring& text) {
+  return text.c_str();
+}
+template <class Value>
+Value FormatArgument(Value value) {
+  return value;
+}
+template <class... Values>
+std::wstring TextWith(UINT id, const Values&... values) {
+  wchar_t text[1000];
+  FormatBounded(text, sizeof(text), ResourceText(id).c_str(), FormatArgument(values)...);
+  return text;
+}
+
+// Sets the text of a control to such a text.
+template <class... Values>
+void SetControlText(HWND dialog, int controlId, UINT textId, const Values&... values) {
+  SetDlgItemTextW(dialog, controlId,
+                  sizeof...(values) ? TextWith(textId, values...).c_str() : ResourceText(textId).c_str());
+}
 
 }  // namespace kv

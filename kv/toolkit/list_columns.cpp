@@ -11,6 +11,7 @@
 #include "kv/lists/list_navigation.h"
 #include "kv/toolkit/appearance.h"
 #include "kv/toolkit/languages.h"
+#include "kv/toolkit/scaled_dialog.h"
 
 namespace kv {
 
@@ -99,6 +100,21 @@ void DrawListRow(const DRAWITEMSTRUCT& item, std::span<const ListColumn> columns
 
 std::wstring ListColumnTitle(const ListColumn& column) {
   return IS_INTRESOURCE(column.title) ? ResourceText(LOWORD(column.title)) : column.title;
+}
+
+void NameListRow(HWND list, const std::wstring& name, std::span<const ListColumn> columns, const ListCellText& text,
+                 const std::wstring& format) {
+  const UINT row = SelectedListRow(list);
+  std::wstring whole = name;
+  wchar_t longer[1000];
+  for (size_t i = 0; row != kNoRow && i < columns.size(); ++i) {
+    const std::wstring title = ListColumnTitle(columns[i]);
+    if (title.empty()) continue;
+    FormatBounded(longer, sizeof(longer), format.c_str(), whole.c_str(), title.c_str(),
+                  text(row, static_cast<int>(i)).c_str());
+    whole = longer;
+  }
+  NameControl(GetParent(list), GetDlgCtrlID(list), whole.c_str());
 }
 
 int ClickedListColumn(HWND list, std::span<const ListColumn> columns) {

@@ -34,6 +34,12 @@ void DrawListRow(const DRAWITEMSTRUCT& item, std::span<const ListColumn> columns
 // A column's title in the current language.
 std::wstring ListColumnTitle(const ListColumn& column);
 
+// Sets the list's accessible name to `name` and, if a row is selected, its cells in columns that have a title: "List,
+// Code: DE". `format` inserts the name so far, a title and a cell. Call it when another row is selected, and when the
+// language has changed.
+void NameListRow(HWND list, const std::wstring& name, std::span<const ListColumn> columns, const ListCellText& text,
+                 const std::wstring& format = L"%s, %s: %s");
+
 // The column whose header was clicked; -1: none. Call it on the notification kListHeader of kv/lists/list_navigation.h.
 int ClickedListColumn(HWND list, std::span<const ListColumn> columns);
 

@@ -12,6 +12,7 @@ namespace {
 void SetShown(HWND page, bool shown) {
   ShowWindow(page, shown ? SW_SHOW : SW_HIDE);
   SendMessageW(page, kPageShown, shown, 0);
+  RunTicks(page, shown);
 }
 
 }  // namespace

@@ -12,7 +12,7 @@
 
 namespace kv {
 
-// Sent to a page when it is shown (wParam 1) or hidden (wParam 0), for example to start or stop timers.
+// Sent to a page when it is shown (wParam 1) or hidden (wParam 0). A regular timer needs no code: see `tickMs`.
 inline constexpr UINT kPageShown = WM_APP + 0x3F01;
 
 // Shows a page instead of the previous one, at the position and size of the control `placeholderId` of `parent`, which

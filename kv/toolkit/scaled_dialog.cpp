@@ -20,7 +20,6 @@
 #include "kv/framework/modules.h"
 #include "kv/framework/tooltips.h"
 #include "kv/framework/window_position.h"
-#include "kv/lists/extended_list.h"
 #include "kv/toolkit/appearance.h"
 #include "kv/toolkit/control_access.h"
 #include "kv/toolkit/copy_key.h"
@@ -259,6 +258,7 @@ INT_PTR OnInit(HWND dialog, const Opening& opening) {
   if (state->kind != DialogKind::kPage) RestorePosition(dialog, *state);
   const SIZE client = ClientSize(dialog);
   SendMessageW(dialog, WM_SIZE, IsZoomed(dialog) ? SIZE_MAXIMIZED : SIZE_RESTORED, MAKELPARAM(client.cx, client.cy));
+  if (state->kind != DialogKind::kPage) RunTicks(dialog, true);
   return state->kind == DialogKind::kPage ? FALSE : result;
 }
 
@@ -313,9 +313,7 @@ INT_PTR OnSizing(HWND dialog, const DialogState& state, WPARAM edge, LPARAM plac
 INT_PTR OnMeasure(HWND dialog, const DialogState& state, MEASUREITEMSTRUCT* request) {
   if (IsBadWritePtr(request, sizeof(*request))) return FALSE;
   const HWND control = GetDlgItem(dialog, static_cast<int>(request->CtlID));
-  wchar_t name[ARRAYSIZE(kExtendedListClass)] = L"";
-  std::copy_n(kExtendedListClass, ARRAYSIZE(kExtendedListClass), name);
-  if (!IsOfClass(control, name)) return FALSE;
+  if (!IsOfClass(control, L"kvExtList")) return FALSE;
   request->itemHeight = std::max(1u, static_cast<UINT>(static_cast<float>(request->itemHeight) * state.scale.y));
   return TRUE;
 }
@@ -433,6 +431,17 @@ void ShowLanguage(HWND dialog) {
   RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
+void RunTicks(HWND dialog, bool run) {
+  const SharedDialogState state = DialogStateOf(dialog);
+  if (!state || !state->options.tickMs) return;
+  if (!run) {
+    KillTimer(dialog, kTickTimer);
+    return;
+  }
+  SetTimer(dialog, kTickTimer, state->options.tickMs, nullptr);
+  if (state->kind == DialogKind::kPage) SendMessageW(dialog, WM_TIMER, kTickTimer, 0);
+}
+
 HWND CreateScaledDialog(HWND owner, const ScaledDialog& dialog, DialogKind kind) {
   const Opening opening{Opening::kMark, dialog, kind};
   HWND window = CreateDialogParamW(modules.application, dialog.templateName, owner, ScaledDialogProcedure,
@@ -470,6 +479,10 @@ void EnableControl(HWND dialog, int id, bool enabled) {
   const HWND control = GetDlgItem(dialog, id);
   if (!enabled && GetFocus() == control) SetFocus(GetNextDlgTabItem(dialog, control, FALSE));
   EnableWindow(control, enabled);
+}
+
+bool IsChecked(HWND dialog, int id) {
+  return IsDlgButtonChecked(dialog, id) == BST_CHECKED;
 }
 
 void NameControl(HWND dialog, int id, const wchar_t* name) {

@@ -81,6 +81,10 @@ struct ScaledDialog {
   // WM_INITDIALOG; it owns the copies and deletes them.
   int firstId = INT_MIN, lastId = INT_MAX - 1;
 
+  // The interval in milliseconds of WM_TIMER with the id kTickTimer; 0: none. A page receives it only while it is
+  // shown, the first one at once.
+  UINT tickMs = 0;
+
   // The size in pixels of the parts of the client area that do not scale, for a toolbar or a status bar.
   int leftMargin = 0, topMargin = 0, bottomMargin = 0;
 
@@ -94,6 +98,8 @@ struct ScaledDialog {
 // Sent to the procedure after WM_INITDIALOG, and when the language has changed: set texts that are not in the template,
 // such as names of instruments and items of lists. wParam is the language.
 inline constexpr UINT kLanguageChanged = WM_APP + 0x3F00;
+
+inline constexpr UINT_PTR kTickTimer = 0x6B76;
 
 // Sent to the procedure when the user copied a display instrument or horizon that is a tab stop. wParam is its id;
 // lParam is 1, or 0 if the clipboard is not available.
@@ -132,6 +138,9 @@ int TextHeightOf(HWND dialog);
 
 // Enables or disables a control. If a control with the focus is disabled, the focus moves to the next one first.
 void EnableControl(HWND dialog, int id, bool enabled);
+
+// Whether a check box or radio button is checked.
+bool IsChecked(HWND dialog, int id);
 
 // Sets the focus to the first control that accepts it. Returns false if there is none.
 bool FocusFirstControl(HWND dialog);

@@ -154,6 +154,15 @@ BOOL FreezeStripChart(HWND dialog, int id, BOOL freeze) {
   });
 }
 
+BOOL IsStripChartFrozen(HWND dialog, int id) {
+  StripView view{};
+  return Send(dialog, id, kStripViewItem | kCommandRead, 0, &view) && view.state & kStripFrozen;
+}
+
+BOOL SetStripChartStyle(HWND dialog, int id, DWORD bits, BOOL set) {
+  return Send(dialog, id, kStripStyle | kCommandRedraw | (set ? 0 : kCommandRemove), 0, &bits);
+}
+
 BOOL SetStripChartZones(HWND dialog, int id, std::span<const StripZone> zones) {
   BOOL done = TRUE;
   for (int i = 0; i < kStripZones && done; ++i) {

@@ -41,8 +41,11 @@ BOOL ShowStripChartTimes(HWND dialog, int id, StripTimeRange times);
 BOOL FollowStripChart(HWND dialog, int id, double seconds);
 // The displayed time range, which the user may have changed. `from` equals `to` when all stored samples are shown.
 BOOL GetStripChartTimes(HWND dialog, int id, StripTimeRange* times);
-// Freezes or releases the display.
+// Freezes or releases the display, which the user may also do by the keyboard.
 BOOL FreezeStripChart(HWND dialog, int id, BOOL freeze);
+BOOL IsStripChartFrozen(HWND dialog, int id);
+// Sets or clears style bits (kStripSweep, kStripSeparateAxes, kStripNoLegend ...).
+BOOL SetStripChartStyle(HWND dialog, int id, DWORD bits, BOOL set);
 // The cursor's time, and the selected time range. Null removes it; reading returns 0 if there is none.
 BOOL SetStripChartCursor(HWND dialog, int id, const double* time);
 BOOL GetStripChartCursor(HWND dialog, int id, double* time);

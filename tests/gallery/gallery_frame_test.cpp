@@ -117,12 +117,15 @@ void DrawAll(HWND frame) {
     drawRow(frame, IDC_PAGE_LIST, i, i, ODS_SELECTED);
     if (i > 0) drawRow(overview, IDC_OVERVIEW_INDEX, i - 1, i, 0);
   }
-  DRAWITEMSTRUCT header{.CtlID = IDC_LIST_LIST, .itemID = kv::kHeaderRow};
-  header.hDC = bitmap.dc();
-  SCROLLINFO width{.cbSize = sizeof(width), .fMask = SIF_RANGE};
-  GetScrollInfo(GetDlgItem(pageAt(PAGE_INDEX_LIST), IDC_LIST_LIST), SB_HORZ, &width);
-  header.rcItem = {0, 0, width.nMax + 1, layout.rowHeight};
-  SendMessageW(pageAt(PAGE_INDEX_LIST), WM_DRAWITEM, IDC_LIST_LIST, reinterpret_cast<LPARAM>(&header));
+  for (const auto& [index, listId] :
+       {std::pair(PAGE_INDEX_LIST, IDC_LIST_LIST), {PAGE_INDEX_LANGUAGE, IDC_LANGUAGE_TABLE}}) {
+    DRAWITEMSTRUCT header{.CtlID = static_cast<UINT>(listId), .itemID = kv::kHeaderRow};
+    header.hDC = bitmap.dc();
+    SCROLLINFO width{.cbSize = sizeof(width), .fMask = SIF_RANGE};
+    GetScrollInfo(GetDlgItem(pageAt(index), listId), SB_HORZ, &width);
+    header.rcItem = {0, 0, width.nMax + 1, layout.rowHeight};
+    SendMessageW(pageAt(index), WM_DRAWITEM, header.CtlID, reinterpret_cast<LPARAM>(&header));
+  }
 }
 
 TEST_F(GalleryFrame, TextsFitTheirControlsInEveryLanguage) {
@@ -285,13 +288,11 @@ TEST_F(GalleryFrame, NumbersAndDatesFollowTheLanguage) {
 TEST_F(GalleryFrame, ArabicMirrorsAllButImagesInstrumentsAndReadouts) {
   for (size_t i = 0; i < AllPages().size(); ++i) SelectPage(frame_, static_cast<int>(i));
   const auto control = [](int page, int id) { return GetDlgItem(PageAt(page), id); };
-  const HWND table = control(PAGE_INDEX_LANGUAGE, IDC_LANGUAGE_TABLE);
   const HWND mirrored[] = {frame_,
                            PageList(),
                            PageAt(PAGE_INDEX_NMEA),
                            control(PAGE_INDEX_NMEA, IDC_NMEA_LABEL + 2),
-                           table,
-                           reinterpret_cast<HWND>(SendMessageW(table, LVM_GETHEADER, 0, 0)),
+                           control(PAGE_INDEX_LANGUAGE, IDC_LANGUAGE_TABLE),
                            control(PAGE_INDEX_LIST, IDC_LIST_LIST)};
   const HWND kept[] = {control(PAGE_INDEX_NMEA, IDC_NMEA_SPEED), control(PAGE_INDEX_INSTRUMENTS, IDC_INSTRUMENTS),
                        control(PAGE_INDEX_BITMAP, IDC_BITMAP_PLAIN), control(PAGE_INDEX_FLIGHT, IDC_FLIGHT_PLAN),
@@ -314,6 +315,7 @@ TEST_F(GalleryFrame, OwnerDrawnControlsHaveAccessibleNamesInEveryScript) {
     int language, page, controlId;
     const wchar_t* name;
   } samples[] = {{9, PAGE_INDEX_LIST, IDC_LIST_LIST, L"Εκτεταμένη λίστα"},
+                 {9, PAGE_INDEX_LANGUAGE, IDC_LANGUAGE_TABLE, L"Γλώσσες"},
                  {9, PAGE_INDEX_MESH, IDC_MESH_VIEW, L"Μοντέλο πλέγματος"},
                  {13, PAGE_INDEX_BITMAP, IDC_BITMAP_CHOSEN, L"4  按名称"}};  // without the access key after it
   for (const auto& sample : samples) {

@@ -6,6 +6,7 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <chrono>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -295,12 +296,16 @@ TEST_F(ScaledDialogTest, MovesScrollBarsWithTheDirection) {
 
 TEST_F(ScaledDialogTest, ShowsPagesThatScaleAndChangeTheLanguage) {
   LoadLanguages(L"test_toolkit");
-  static const ScaledDialog kFirst{.templateName = L"PAGE", .procedure = Procedure}, kSecond{.templateName = L"PAGE"};
+  static const ScaledDialog kFirst{.templateName = L"PAGE", .procedure = Procedure, .tickMs = 10},
+      kSecond{.templateName = L"PAGE"};
   HWND dialog = OpenDialog(nullptr, kTest);
   seen.clear();
   HWND page = ShowPage(dialog, IDC_ROWS, kFirst);
   ASSERT_TRUE(page);
   EXPECT_EQ(1, std::count(seen.begin(), seen.end(), kPageShown));
+  const auto ticks = [] { return std::ranges::count(seen, static_cast<UINT>(WM_TIMER)); };
+  EXPECT_EQ(1, ticks());
+  EXPECT_TRUE(kvtest::WaitUntil([&] { return ticks() >= 3; }));
   const auto isInPlace = [&](HWND shown) {
     RECT place{}, window{};
     GetWindowRect(GetDlgItem(dialog, IDC_ROWS), &place);
@@ -312,6 +317,8 @@ TEST_F(ScaledDialogTest, ShowsPagesThatScaleAndChangeTheLanguage) {
   HWND other = ShowPage(dialog, IDC_ROWS, kSecond);
   EXPECT_EQ(GetDlgItem(other, IDC_EDIT), GetFocus());
   EXPECT_FALSE(IsWindowVisible(page));
+  seen.clear();
+  EXPECT_FALSE(kvtest::WaitUntil([&] { return ticks() > 0; }, std::chrono::milliseconds(50)));
   for (const int language : {15, 0}) {
     SwitchLanguage(nullptr, nullptr, language);  // the German library replaces the Arabic one
     EXPECT_EQ(language ? L"Schild" : L"Label", TextOf(GetDlgItem(page, IDC_LABEL)));

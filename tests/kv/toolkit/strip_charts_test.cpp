@@ -37,7 +37,8 @@ TEST_F(TypedCharts, DescribeAppendFreezeAndRead) {
   EXPECT_TRUE(SetStripChartView(parent_, kId, 100, 0, 0));
   for (const double time : {1.0, 2.0, 3.0, 4.0}) EXPECT_TRUE(AppendStripChartValue(parent_, kId, 2, time, time * 2));
   EXPECT_FALSE(AppendStripChartValue(parent_, kId, 2, 3.5, 1));
-  EXPECT_TRUE(FreezeStripChart(parent_, kId, TRUE));
+  EXPECT_FALSE(IsStripChartFrozen(parent_, kId));
+  EXPECT_TRUE(FreezeStripChart(parent_, kId, TRUE) && IsStripChartFrozen(parent_, kId));
   EXPECT_TRUE(AppendStripChartValue(parent_, kId, 2, 5, 100));
   StripStatistics statistics{};
   EXPECT_TRUE(GetStripChartStatistics(parent_, kId, 2, &statistics));
@@ -45,6 +46,12 @@ TEST_F(TypedCharts, DescribeAppendFreezeAndRead) {
   EXPECT_TRUE(FreezeStripChart(parent_, kId, FALSE));
   EXPECT_TRUE(GetStripChartStatistics(parent_, kId, 2, &statistics));
   EXPECT_EQ(100, statistics.maximum);
+  DWORD style = 0;
+  for (const BOOL set : {TRUE, FALSE}) {
+    EXPECT_TRUE(SetStripChartStyle(parent_, kId, kStripSweep | kStripNoLegend, set));
+    SendMessageA(chart, kControlCommand, kStripStyle | kCommandRead, reinterpret_cast<LPARAM>(&style));
+    EXPECT_EQ(set ? kStripSweep | kStripNoLegend : 0, style & (kStripSweep | kStripNoLegend));
+  }
   StripTimeRange times{}, selection{1, 2};
   EXPECT_TRUE(ShowStripChartTimes(parent_, kId, {2.5, 4.5}));
   EXPECT_TRUE(GetStripChartTimes(parent_, kId, &times));
