@@ -8,6 +8,7 @@
 #include "camera/record_stream.h"
 #include "camera/recording.h"
 #include "camera/text.h"
+#include "kv/framework/output_file.h"
 
 namespace camera {
 
@@ -46,39 +47,19 @@ bool IsSameFile(HANDLE a, HANDLE b) {
          first.nFileIndexHigh == second.nFileIndexHigh && first.nFileIndexLow == second.nFileIndexLow;
 }
 
-// NUL, CON and COM3 are devices in any folder.
-bool IsDeviceName(const std::wstring& path) {
-  wchar_t full[MAX_PATH];
-  const DWORD length = GetFullPathNameW(path.c_str(), MAX_PATH, full, nullptr);
-  return length < MAX_PATH && std::wstring_view(full, length).starts_with(L"\\\\.\\");
+bool IsFile(const std::string& path, HANDLE file) {
+  const HANDLE named = CreateFileW(Wide(path).c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                   nullptr, OPEN_EXISTING, 0, nullptr);
+  const bool isSame = IsSameFile(named, file);
+  if (named != INVALID_HANDLE_VALUE) CloseHandle(named);
+  return isSame;
 }
 
-// Returns the reason why the target must not be written; "" if there is none.
-std::string TargetError(const std::string& path, bool overwrite, HANDLE source, bool* replaces) {
-  const std::string quoted = "\"" + path + "\"";
-  const char* const isDevice = " is a device, not a file; choose another name";
-  if (IsDeviceName(Wide(path))) return quoted + isDevice;
-  HANDLE existing = CreateFileW(Wide(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                OPEN_EXISTING, 0, nullptr);
-  if (existing == INVALID_HANDLE_VALUE) {
-    const DWORD error = GetLastError();
-    return error == ERROR_FILE_NOT_FOUND ? std::string() : CannotWrite(path, error);
-  }
-  LARGE_INTEGER size{};
-  GetFileSizeEx(existing, &size);
-  // An administrator may open it for writing elsewhere than on Windows.
-  BY_HANDLE_FILE_INFORMATION attributes{};
-  const bool isProtected =
-      GetFileInformationByHandle(existing, &attributes) && (attributes.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
-  const bool isFile = GetFileType(existing) == FILE_TYPE_DISK, isSource = IsSameFile(existing, source);
-  CloseHandle(existing);
-  *replaces = size.QuadPart > 0;
-  if (!isFile) return quoted + isDevice;
-  if (isProtected) return CannotWrite(path, ERROR_WRITE_PROTECT);
-  if (isSource) return quoted + " is the file that is read; choose another name";
-  return size.QuadPart == 0 || overwrite
-             ? std::string()
-             : quoted + " exists and was left as it is; choose another name, or add --overwrite";
+bool Fail(OutputFile* output, std::string* error) {
+  output->failure = GetLastError();
+  *error = output->failure == ERROR_BAD_DEVICE ? "\"" + output->path + "\" is a device, not a file; choose another name"
+                                               : CannotWrite(output->path, output->failure);
+  return false;
 }
 
 }  // namespace
@@ -86,56 +67,35 @@ std::string TargetError(const std::string& path, bool overwrite, HANDLE source, 
 bool OpenOutput(const std::string& path, bool overwrite, HANDLE source, OutputFile* output, std::string* error) {
   output->path = path;
   if (path == "-") {
-    output->file = GetStdHandle(STD_OUTPUT_HANDLE);
-    if (!IsUsable(output->file)) *error = "there is no standard output";
-    if (IsSameFile(output->file, source)) *error = "standard output is the file that is read";
+    output->stream = GetStdHandle(STD_OUTPUT_HANDLE);
+    if (!IsUsable(output->stream)) *error = "there is no standard output";
+    if (IsSameFile(output->stream, source)) *error = "standard output is the file that is read";
     return error->empty();
   }
-  *error = TargetError(path, overwrite, source, &output->replaces);
-  if (!error->empty()) return false;
-  output->part = Wide(path + "." + std::to_string(GetCurrentProcessId()) + ".part");
-  output->file = CreateFileW(output->part.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
-                             CREATE_ALWAYS, 0, nullptr);
-  if (output->file == INVALID_HANDLE_VALUE) *error = CannotWrite(path, GetLastError());
+  if (!output->file.Create(Wide(path))) return Fail(output, error);
+  if (IsFile(path, source)) {
+    *error = "\"" + path + "\" is the file that is read; choose another name";
+  } else if (output->file.replaces() && !overwrite) {
+    *error = "\"" + path + "\" exists and was left as it is; choose another name, or add --overwrite";
+  }
+  if (!error->empty()) output->file.Close();
   return error->empty();
 }
 
 bool AppendToOutput(OutputFile* output, std::string_view bytes, std::string* error) {
-  std::string_view rest = bytes;
-  while (!rest.empty()) {
-    DWORD written = 0;
-    const BOOL done = WriteFile(output->file, rest.data(), static_cast<DWORD>(rest.size()), &written, nullptr);
-    const DWORD failure = done ? ERROR_DISK_FULL : GetLastError();
-    rest.remove_prefix(written);
-    if (done && written > 0) continue;
-    // The reader of a pipe may end before the writer.
-    const bool isClosed = GetFileType(output->file) == FILE_TYPE_PIPE;
-    *error = isClosed ? std::string() : CannotWrite(output->path, failure);
-    LARGE_INTEGER before{};
-    before.QuadPart = output->size;
-    if (output->path != "-" && SetFilePointerEx(output->file, before, nullptr, FILE_BEGIN)) SetEndOfFile(output->file);
-    return false;
-  }
-  output->size += static_cast<LONGLONG>(bytes.size());
-  return true;
+  if (output->stream ? kv::WriteBytes(output->stream, bytes) : output->file.Append(bytes)) return true;
+  Fail(output, error);
+  // The reader of a pipe may end before the writer.
+  if (output->stream && GetFileType(output->stream) == FILE_TYPE_PIPE) error->clear();
+  return false;
 }
 
 bool PublishOutput(OutputFile* output, std::string* error) {
-  if (output->part.empty()) return true;
-  FlushFileBuffers(output->file);
-  if (!MoveFileExW(output->part.c_str(), Wide(output->path).c_str(), MOVEFILE_REPLACE_EXISTING)) {
-    *error = CannotWrite(output->path, GetLastError());
-    return false;
-  }
-  output->part.clear();
-  return true;
+  return output->stream || output->file.Publish() || Fail(output, error);
 }
 
 void CloseOutput(OutputFile* output) {
-  if (output->file == INVALID_HANDLE_VALUE || output->path == "-") return;
-  CloseHandle(output->file);
-  output->file = INVALID_HANDLE_VALUE;
-  if (!output->part.empty()) DeleteFileW(output->part.c_str());
+  output->file.Close();
 }
 
 HANDLE OpenForReading(const std::string& path, std::string* error) {

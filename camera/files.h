@@ -10,17 +10,16 @@
 
 #include "camera/record_stream.h"
 #include "camera/recording.h"
+#include "kv/framework/output_file.h"
 
 namespace camera {
 
-// A file that is being written. Until PublishOutput it has a temporary name in the target's folder, so an existing
-// target stays intact.
+// A file that is being written, or standard output. An existing target stays intact until PublishOutput.
 struct OutputFile {
-  HANDLE file = INVALID_HANDLE_VALUE;
-  std::string path;       // of the target, as given by the user; "-" is standard output
-  std::wstring part;      // the temporary name; "" after PublishOutput
-  bool replaces = false;  // the target exists and is not empty
-  LONGLONG size = 0;
+  kv::OutputFile file;
+  HANDLE stream = nullptr;  // standard output
+  std::string path;         // of the target, as given by the user; "-" is standard output
+  DWORD failure = 0;        // the system's error for the last failure, for kv::ErrorText
 };
 
 // Creates the file. Rejects a target that is not empty (unless `overwrite`), a device, and the same file as `source`

@@ -36,17 +36,18 @@ bool BeginRecording(Recorder* recorder, int port, std::string* error) {
   const std::string header = EncodeHeader({TimeOfDay(), kv::kCameraBaudRate, static_cast<std::uint32_t>(port)});
   // A replaced recording remains until the new one contains data.
   return AppendToOutput(&recorder->file, header, error) &&
-         (recorder->file.replaces || PublishOutput(&recorder->file, error));
+         (recorder->file.file.replaces() || PublishOutput(&recorder->file, error));
 }
 
 bool AddToRecording(Recorder* recorder, double time, std::string_view bytes, std::string* error) {
   const std::string chunk = EncodeChunks(Microseconds(time - recorder->start), bytes);
-  const double size = static_cast<double>(recorder->file.size) + static_cast<double>(chunk.size() + kChunkOverhead);
+  const double size =
+      static_cast<double>(recorder->file.file.size()) + static_cast<double>(chunk.size() + kChunkOverhead);
   if (recorder->sizeLimit > 0 && size > recorder->sizeLimit) return false;
   if (!AppendToOutput(&recorder->file, chunk, error) || !PublishOutput(&recorder->file, error)) return false;
   // A crash of this process loses nothing; a power failure loses at most this interval.
-  if (recorder->file.path != "-" && time - recorder->flush >= kFlushSeconds) {
-    FlushFileBuffers(recorder->file.file);
+  if (!recorder->file.stream && time - recorder->flush >= kFlushSeconds) {
+    recorder->file.file.Flush();
     recorder->flush = time;
   }
   return true;

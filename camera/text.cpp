@@ -1,7 +1,5 @@
 #include "camera/text.h"
 
-#include <windows.h>
-
 #include <cstdarg>
 #include <cstdio>
 #include <string>
@@ -39,21 +37,6 @@ std::string Printable(std::string_view bytes) {
     text += prints ? std::string(1, byte) : Format("\\x%02X", code);
   }
   return text;
-}
-
-std::wstring Wide(std::string_view text) {
-  const int characters = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
-  std::wstring wide(static_cast<size_t>(characters), L'\0');
-  MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), wide.data(), characters);
-  return wide;
-}
-
-std::string Narrow(std::wstring_view text) {
-  const int bytes =
-      WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr, nullptr);
-  std::string narrow(static_cast<size_t>(bytes), '\0');
-  WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), narrow.data(), bytes, nullptr, nullptr);
-  return narrow;
 }
 
 }  // namespace camera

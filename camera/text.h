@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "kv/framework/utf8.h"
+
 namespace camera {
 
 // Formats by printf's rules, truncated to 1,000 characters.
@@ -19,9 +21,8 @@ std::string Counted(unsigned long long count, const char* noun);
 // Converts UTF-8 text to a quoted JSON string.
 std::string JsonString(std::string_view text);
 
-// Convert between UTF-8 and UTF-16.
-std::wstring Wide(std::string_view text);
-std::string Narrow(std::wstring_view text);
+using kv::Narrow;
+using kv::Wide;
 
 // Replaces each byte that is not printable, and the backslash, by \xHH.
 std::string Printable(std::string_view bytes);

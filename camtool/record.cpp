@@ -99,15 +99,15 @@ int RecordTo(Recording* recording, int port) {
   const camera::OutputFile& file = recording->recorder.file;
   camera::EndStream(&recording->stream);
   const camera::RecordStream& stream = recording->stream;
-  FILE* out = file.path == "-" ? stderr : stdout;
+  FILE* out = file.stream ? stderr : stdout;
   std::fprintf(out, "%lld records, %lld bytes, %.1f s to %s\n", stream.records, stream.bytes, seconds,
-               file.path == "-" ? "standard output" : file.path.c_str());
+               file.stream ? "standard output" : file.path.c_str());
   if (stream.malformedStretches > 0) {
     std::fprintf(out, "%s; they are in the recording, too\n", camera::DescribeMalformed(stream).c_str());
   }
   if (stream.bytes == 0) {
     PrintError(camera::Format("no data received in %.0f s", seconds) +
-               (file.part.empty() ? "" : "; \"" + file.path + "\" was not changed") +
+               (file.stream || file.file.isPublished() ? "" : "; \"" + file.path + "\" was not changed") +
                "; run \"camtool scan\" to see which ports send");
   }
   if (failure.empty()) return kDone;

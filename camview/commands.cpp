@@ -29,6 +29,7 @@
 #include "kv/framework/file_path.h"
 #include "kv/framework/version.h"
 #include "kv/toolkit/ask_path.h"
+#include "kv/toolkit/error_text.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/locale_text.h"
 #include "kv/toolkit/png_file.h"
@@ -166,9 +167,11 @@ void SaveImage(View& view) {
   std::wstring path = FolderOf(Setting::kImages) + (name.empty() ? L"camview" : name) + L".png";
   if (!kv::AskSavePath(view.window, Text(IDS_IMAGE_TITLE).c_str(), &path)) return;
   StoreFolder(Setting::kImages, path);
-  const bool saved = drawn && kv::SaveBitmapAsPng(image.bitmap(), path.c_str());
-  view.display.Say(saved ? StatusMark::kGood : StatusMark::kError,
-                   TextWith(saved ? IDS_SAVED : IDS_NOT_SAVED, kv::FileNameOf(path.c_str())));
+  const wchar_t* file = kv::FileNameOf(path.c_str());
+  if (drawn && kv::SaveBitmapAsPng(image.bitmap(), path.c_str()))
+    return view.display.Say(StatusMark::kGood, TextWith(IDS_SAVED, file));
+  const std::wstring reason = kv::ErrorText();
+  view.display.Say(StatusMark::kError, TextWith(IDS_NOT_SAVED, file) + L" " + reason);
 }
 
 // ---- Time -----------------------------------------------------------------------------------------------------------

@@ -176,7 +176,7 @@ void LiveSource::Reader::EndRecording() {
   if (!recorder) return;
   const double seconds = camera::EndRecording(recorder.get());
   // Without data the recording has not taken the place of the file.
-  const bool hasKeptFile = !recorder->file.part.empty();
+  const bool hasKeptFile = !recorder->file.file.isPublished();
   camera::CloseOutput(&recorder->file);
   recorder.reset();
   const std::lock_guard guard(lock);

@@ -27,6 +27,14 @@
 // The id of the string with the caption of the program's window.
 #define KV_CAPTION KV_TEXT_OF(0)
 
+// In a program or a language library: the ids of the strings with the reasons that kv/toolkit/error_text.h returns.
+#define KV_REASON_NOT_FOUND 19990     // "There is no such file or folder."
+#define KV_REASON_PROTECTED 19991     // "It is write-protected, or access is denied."
+#define KV_REASON_IN_USE 19992        // "Another program is using it."
+#define KV_REASON_DISK_FULL 19993     // "The disk is full."
+#define KV_REASON_INVALID_NAME 19994  // "The file name is invalid."
+#define KV_REASON_OTHER 19995         // "System error %u."
+
 // kv/controls/display_instrument.h: one mode and further style bits. The modes that depend on it include KV_FITTED.
 #define KV_DISPLAY_INSTRUMENT "kvDisplayInstrument"
 #define KV_FITTED 0x1000

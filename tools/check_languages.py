@@ -24,7 +24,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 TEXT = r'"((?:[^"\\]|\\.|"")*)"'
-STRING = re.compile(r"^\s*(IDS_[\w +*]+?|TEXT_OF\([\w +]+\))\s*,?\s*" + TEXT)
+STRING = re.compile(r"^\s*((?:IDS|KV_REASON)_[\w +*]+?|TEXT_OF\([\w +]+\))\s*,?\s*" + TEXT)
 MENU = re.compile(r"^\s*(?:POPUP|MENUITEM)\s+" + TEXT + r"\s*,\s*(IDM_\w+)")
 CONTROL = re.compile(
     r"^\s*(?:[LCR]TEXT|\w*PUSHBUTTON|GROUPBOX|AUTO\w+|CHECKBOX|RADIOBUTTON|STATE3|CONTROL)\s+"

@@ -9,6 +9,7 @@
 #include "kv/framework/file_path.h"
 #include "kv/toolkit/ask_path.h"
 #include "kv/toolkit/empty_text.h"
+#include "kv/toolkit/error_text.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/scaled_dialog.h"
 
@@ -66,8 +67,9 @@ void Save(HWND page) {
   if (!kv::AskSavePath(GetAncestor(page, GA_ROOT), kv::ResourceText(IDS_FILES_SAVE_TITLE).c_str(), &proposedPath)) {
     return ShowStatus(page, IDS_FILES_CANCELLED);
   }
-  const bool saved = WriteNotes(proposedPath.c_str(), NotesOf(page));
-  ShowStatus(page, saved ? IDS_FILES_SAVED : IDS_FILES_NOT_WRITTEN, proposedPath.c_str());
+  if (WriteNotes(proposedPath.c_str(), NotesOf(page))) return ShowStatus(page, IDS_FILES_SAVED, proposedPath.c_str());
+  const std::wstring reason = kv::ErrorText();
+  ShowStatus(page, IDS_FILES_NOT_WRITTEN, (proposedPath + L" – " + reason).c_str());
 }
 
 INT_PTR OnInit(HWND page) {

@@ -1,7 +1,11 @@
 #include "gallery/pages/notes_file.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
+
+#include "kv/framework/output_file.h"
+#include "kv/framework/utf8.h"
 
 namespace gallery {
 
@@ -23,15 +27,6 @@ bool ReadBytes(const wchar_t* path, std::string* bytes) {
   return done;
 }
 
-bool WriteBytes(const wchar_t* path, const std::string& bytes) {
-  const HANDLE file = CreateFileW(path, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-  if (file == INVALID_HANDLE_VALUE) return false;
-  DWORD written = 0;
-  const bool done =
-      WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) && written == bytes.size();
-  return CloseHandle(file) && done;
-}
-
 }  // namespace
 
 bool DecodeNotes(std::string_view bytes, std::wstring* text) {
@@ -50,14 +45,7 @@ bool ReadNotes(const wchar_t* path, std::wstring* text) {
 }
 
 bool WriteNotes(const wchar_t* path, const std::wstring& text) {
-  const int characters = static_cast<int>(text.size());
-  std::string bytes(WideCharToMultiByte(CP_UTF8, 0, text.data(), characters, nullptr, 0, nullptr, nullptr), '\0');
-  WideCharToMultiByte(CP_UTF8, 0, text.data(), characters, bytes.data(), static_cast<int>(bytes.size()), nullptr,
-                      nullptr);
-  const std::wstring beside = std::wstring(path) + L".new";
-  if (WriteBytes(beside.c_str(), bytes) && MoveFileExW(beside.c_str(), path, MOVEFILE_REPLACE_EXISTING)) return true;
-  DeleteFileW(beside.c_str());
-  return false;
+  return kv::WriteWholeFile(path, kv::Narrow(text));
 }
 
 }  // namespace gallery

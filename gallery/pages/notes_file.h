@@ -18,8 +18,7 @@ bool DecodeNotes(std::string_view bytes, std::wstring* text);
 // change `text`, when it cannot be read, is larger, or is not UTF-8.
 bool ReadNotes(const wchar_t* path, std::wstring* text);
 
-// Replaces the file, without a byte order mark. Writes a temporary file first, so that the old one is intact when the
-// disk is full.
+// Replaces the file, without a byte order mark. Returns false, and does not change it, on failure (GetLastError).
 bool WriteNotes(const wchar_t* path, const std::wstring& text);
 
 }  // namespace gallery

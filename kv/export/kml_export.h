@@ -1,8 +1,8 @@
 // Exports flight tracks as KML documents and waypoints text, and starts the globe viewer that shows the documents.
 //
 // Call on the thread of the flight track view. No messages are shown; the viewer is started through
-// kv/framework/shell_launch.h after the file is written and closed. A file that could not be written completely (a full
-// disk) is deleted, so that it is not taken for a complete flight.
+// kv/framework/shell_launch.h after the file is written and closed. When a file cannot be written completely (a full
+// disk), an existing one is left as it is, and GetLastError returns the reason.
 #pragma once
 
 #include <windows.h>

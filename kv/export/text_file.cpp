@@ -1,19 +1,9 @@
 #include "kv/export/text_file.h"
 
-#include <windows.h>
-
-#include <cstdio>
 #include <cstring>
 #include <string_view>
 
 namespace kv {
-
-TextFile::TextFile(const wchar_t* path) : path_(path), file_(_wfopen(path, L"w")) {}
-
-TextFile::~TextFile() {
-  failed_ = true;
-  Close();
-}
 
 void TextFile::Write(std::string_view text) {
   while (!text.empty()) {
@@ -31,19 +21,21 @@ char* TextFile::LineBuffer() {
 }
 
 bool TextFile::Close() {
-  if (!file_) return false;
   Flush();
-  // Some runtimes' fclose does not report that its flush failed.
-  if (std::fflush(file_) != 0) failed_ = true;
-  if (std::fclose(file_) != 0) failed_ = true;
-  file_ = nullptr;
-  if (failed_) DeleteFileW(path_);
-  return !failed_;
+  return isComplete_ && file_.Publish();
 }
 
 void TextFile::Flush() {
-  if (!failed_ && std::fwrite(buffer_, 1, used_, file_) != used_) failed_ = true;
+  lines_.clear();
+  for (size_t from = 0; from < used_;) {
+    const auto* end = static_cast<const char*>(std::memchr(buffer_ + from, '\n', used_ - from));
+    const size_t to = end ? static_cast<size_t>(end - buffer_) : used_;
+    lines_.append(buffer_ + from, to - from);
+    if (end) lines_ += "\r\n";
+    from = to + 1;
+  }
   used_ = 0;
+  isComplete_ = isComplete_ && file_.Append(lines_);
 }
 
 }  // namespace kv

@@ -1,9 +1,11 @@
-// A text file that is written sequentially, and deleted if it cannot be written completely. One thread per file.
+// A text file that is written sequentially, and replaces its target only when it is complete. One thread per file.
 #pragma once
 
 #include <cstddef>
-#include <cstdio>
+#include <string>
 #include <string_view>
+
+#include "kv/framework/output_file.h"
 
 namespace kv {
 
@@ -12,15 +14,11 @@ class TextFile {
   // Capacity of LineBuffer() in characters.
   static constexpr size_t kLineCapacity = 1024;
 
-  // Creates or truncates the file in the C runtime's text mode: 8-bit characters, and "\n" becomes "\r\n". `path` must
-  // outlive the object.
-  explicit TextFile(const wchar_t* path);
-  // Deletes the file unless Close() has succeeded.
-  ~TextFile();
-  TextFile(const TextFile&) = delete;
-  TextFile& operator=(const TextFile&) = delete;
+  // Begins a file of 8-bit characters, in which "\n" becomes "\r\n".
+  explicit TextFile(const wchar_t* path) : isComplete_(file_.Create(path)) {}
 
-  bool IsOpen() const { return file_ != nullptr; }
+  // Whether nothing has failed yet.
+  bool IsOpen() const { return isComplete_; }
 
   void Write(std::string_view text);
 
@@ -29,16 +27,16 @@ class TextFile {
   char* LineBuffer();
   void CommitLine(const char* end) { used_ = static_cast<size_t>(end - buffer_); }
 
-  // Writes the remaining text and closes the file. If any text could not be written (a full disk), deletes the file and
-  // returns false.
+  // Writes the remaining text and replaces the target. Returns false, and leaves the target as it was, if anything
+  // could not be written (a full disk); GetLastError then returns the reason.
   bool Close();
 
  private:
   void Flush();
 
-  const wchar_t* path_;
-  FILE* file_;
-  bool failed_ = false;
+  OutputFile file_;
+  bool isComplete_;
+  std::string lines_;  // as they are written
   size_t used_ = 0;
   char buffer_[32 * 1024];
 };

@@ -5,9 +5,9 @@
 
 namespace kv {
 
-// Writes the bitmap, which must not be selected into a device context, to `path`, replacing an existing file. Returns 0
-// when the system has no encoder, or the file cannot be created or written completely; then no file is created, and an
-// existing one is unchanged.
-BOOL SaveBitmapAsPng(HBITMAP bitmap, const wchar_t* path);
+// Writes the bitmap, which must not be selected into a device context, to `path`, replacing an existing file. Returns
+// false, and changes no file, when the system has no encoder or the file cannot be written; GetLastError then returns
+// the reason (kv/toolkit/error_text.h).
+bool SaveBitmapAsPng(HBITMAP bitmap, const wchar_t* path);
 
 }  // namespace kv

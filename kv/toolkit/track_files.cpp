@@ -14,12 +14,12 @@ FlightTrack MakeFlightTrack(double latitude, double longitude, std::span<FlightT
           .lpPoints = points.data()};
 }
 
-BOOL WriteKml(const wchar_t* path, const FlightTrack& track, const KmlSettings& settings) {
+bool WriteKml(const wchar_t* path, const FlightTrack& track, const KmlSettings& settings) {
   const std::span<const FlightTrackPoint> points = ReadablePoints(&track);
   return IsReadableText(path) && !points.empty() && WriteTrackKml(path, track, points, settings);
 }
 
-BOOL WriteWaypoints(const wchar_t* path, const FlightTrack& track) {
+bool WriteWaypoints(const wchar_t* path, const FlightTrack& track) {
   const std::span<const FlightTrackPoint> points = ReadablePoints(&track);
   return IsReadableText(path) && !points.empty() && WriteTrackWaypoints(path, track, points);
 }

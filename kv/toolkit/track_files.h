@@ -14,14 +14,15 @@ namespace kv {
 FlightTrack MakeFlightTrack(double latitude, double longitude, std::span<FlightTrackPoint> points);
 
 // Both functions write the track to `path`, replacing an existing file. If the track has no readable points, the path
-// is not readable, or the file cannot be created or written completely, they return 0 and leave no file.
+// is not readable, or the file cannot be written completely, they return false and leave files as they are;
+// GetLastError then returns the reason (kv/toolkit/error_text.h).
 
 // Writes a KML document with the appearance in `settings`; the default are the user's settings.
-BOOL WriteKml(const wchar_t* path, const FlightTrack& track, const KmlSettings& settings = ReadKmlSettings());
+bool WriteKml(const wchar_t* path, const FlightTrack& track, const KmlSettings& settings = ReadKmlSettings());
 
 // Writes one line for each point: longitude and latitude in degrees, altitude in metres, from the fields that the
 // point's kind selects. A point of unknown kind repeats the previous position; for the first point, that is the track's
 // origin.
-BOOL WriteWaypoints(const wchar_t* path, const FlightTrack& track);
+bool WriteWaypoints(const wchar_t* path, const FlightTrack& track);
 
 }  // namespace kv

@@ -26,10 +26,10 @@ void Say(HWND dialog, const std::wstring& text) {
   SetDlgItemTextW(dialog, IDC_STATUS, text.c_str());
 }
 
-void SaveAs(HWND dialog, const wchar_t* name, BOOL write(const wchar_t*)) {
+void SaveAs(HWND dialog, const wchar_t* name, bool write(const wchar_t*)) {
   std::wstring path = name;
   if (!kv::AskSavePath(dialog, L"Save the flight", &path)) return;
-  Say(dialog, (write(path.c_str()) ? L"Written: " : L"This file could not be written: ") + path);
+  Say(dialog, write(path.c_str()) ? L"Written: " + path : path + L" could not be written. " + kv::ErrorText());
 }
 
 // Creates a sheet with one row per point. The selection then contains the name of the sheet: "[Book1]Sheet1!R1C1".
