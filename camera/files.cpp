@@ -1,10 +1,12 @@
 #include "camera/files.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "camera/record_intake.h"
 #include "camera/record_stream.h"
 #include "camera/recording.h"
 #include "camera/text.h"
@@ -156,7 +158,7 @@ bool ReadHeader(RecordingFile* recording) {
   const std::string quoted = "\"" + recording->path + "\"";
   for (;;) {
     switch (DecodeNext(&recording->decoder, &none)) {
-      case Decoded::kHeader: return true;
+      case Decoded::kHeader: recording->damagedBefore = recording->decoder.damagedBytes; return true;
       case Decoded::kNoRecording: return Fail(OpenFailure::kForeign, quoted + " is not a camtool recording", recording);
       case Decoded::kOtherVersion:
         return Fail(OpenFailure::kOtherVersion,
@@ -220,6 +222,22 @@ bool NextRecords(RecordingFile* recording, RecordStream* stream, std::vector<Fou
     return true;
   }
   EndStream(stream);
+  return false;
+}
+
+bool NextBatch(RecordingFile* recording, RecordIntake* intake, IntakeBatch* batch) {
+  const bool isThere = NextChunk(recording, &recording->chunk);
+  const std::uint64_t damaged = recording->decoder.damagedBytes - recording->damagedBefore;
+  const double seconds =
+      static_cast<double>(isThere ? recording->chunk.microseconds : recording->decoder.endTime) / 1e6;
+  if (damaged > 0) AddDamage(intake, seconds, static_cast<long long>(damaged), batch);
+  recording->damagedBefore += damaged;
+  if (isThere) {
+    AddBytes(intake, seconds, recording->chunk.bytes, batch);
+    return true;
+  }
+  EndIntake(intake, batch);
+  if (!recording->isStopped) AddSilence(intake, seconds, batch);
   return false;
 }
 

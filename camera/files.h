@@ -3,11 +3,13 @@
 
 #include <windows.h>
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "camera/record_intake.h"
 #include "camera/record_stream.h"
 #include "camera/recording.h"
 #include "kv/framework/output_file.h"
@@ -60,7 +62,8 @@ struct RecordingFile {
   // reading ends as at the end of the file, and `isStopped` is set.
   std::function<bool()> onPart;
   bool isStopped = false;
-  std::string part;  // read buffer
+  std::string part;                 // read buffer
+  std::uint64_t damagedBefore = 0;  // damaged bytes that NextBatch has added
   Chunk chunk{};
 };
 
@@ -78,6 +81,10 @@ bool NextChunk(RecordingFile* recording, Chunk* chunk);
 // Returns the records that the next chunk completes (often one, sometimes none), found by `stream`, which is ended
 // after the last chunk. Returns false like NextChunk.
 bool NextRecords(RecordingFile* recording, RecordStream* stream, std::vector<FoundRecord>* records);
+
+// Adds what the next chunk contains to the batch; with the last one, what the end of the recording shows. Returns false
+// like NextChunk.
+bool NextBatch(RecordingFile* recording, RecordIntake* intake, IntakeBatch* batch);
 
 // Returns to the first chunk.
 void Rewind(RecordingFile* recording);

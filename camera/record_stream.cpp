@@ -159,6 +159,12 @@ void EndStream(RecordStream* stream) {
   CloseStretch(stream);
 }
 
+void InterruptStream(RecordStream* stream) {
+  EndStream(stream);
+  stream->pending.clear();
+  stream->pieces.clear();
+}
+
 double RecordRate(const RecordStream& stream) {
   const double seconds = stream.lastSeconds - stream.firstSeconds;
   return seconds > 0 ? static_cast<double>(stream.records - 1) / seconds : 0;

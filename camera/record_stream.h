@@ -66,6 +66,9 @@ void FeedStream(RecordStream* stream, double seconds, std::string_view bytes, st
 // Ends an open stretch. Call once, after the last bytes.
 void EndStream(RecordStream* stream);
 
+// Ends an open stretch and drops an incomplete record, as when the line was interrupted. More may follow.
+void InterruptStream(RecordStream* stream);
+
 // Returns the records per second between the first and the last one; 0 with fewer than two.
 double RecordRate(const RecordStream& stream);
 

@@ -21,11 +21,11 @@ namespace camview {
 namespace {
 
 // A record: each word contains ten bits of x and ten of y of a point. The upper twelve bits of the four words together
-// are 44 bits of time (microseconds since the block's first record, at most 203 days) and four flags.
+// are 43 bits of time (microseconds since the block's first record, at most 101 days) and five flags.
 using Entry = std::array<std::uint32_t, kv::kPointCount>;
 static_assert(sizeof(Entry) == 16);
 
-constexpr int kCoordinateBits = 10, kPointBits = 2 * kCoordinateBits, kPartBits = 12, kTimeBits = 44;
+constexpr int kCoordinateBits = 10, kPointBits = 2 * kCoordinateBits, kPartBits = 12, kTimeBits = 43;
 constexpr std::uint32_t kCoordinateMask = (1u << kCoordinateBits) - 1;
 constexpr std::int64_t kMaxBlockTime = std::int64_t{1} << kTimeBits;
 static_assert(kv::kNoPoint == kCoordinateMask);
@@ -154,7 +154,7 @@ bool RecordStore::Append(const camera::FoundRecord& record, unsigned flags) {
   }
   Block* block = BlockFor(microseconds);
   if (!block) return false;
-  flags = (flags & (kAfterSilence | kAfterDamagedBytes)) | (record.isOdd ? kOddRecord : 0) |
+  flags = (flags & (kAfterSilence | kAfterDamagedBytes | kAfterPause)) | (record.isOdd ? kOddRecord : 0) |
           (record.isInRange ? 0 : kOutOfRange);
   const auto place = static_cast<size_t>(block->count++);
   block->entries[place] = Pack(record, static_cast<std::uint64_t>(microseconds - block->base), flags);
@@ -288,60 +288,13 @@ Extremes RecordStore::ExtremesOf(long long from, long long to) const {
   return extremes;
 }
 
-// ---- Intake
-
-void AddSilence(RecordIntake* intake, double seconds, IntakeBatch* batch) {
-  if (seconds - intake->lastArrival >= camera::kGapSeconds) {
-    batch->stretches.push_back({StretchKind::kSilent, intake->lastArrival, seconds});
-    intake->flags |= kAfterSilence;
-  }
-  intake->lastArrival = seconds;
-}
-
-void AddBytes(RecordIntake* intake, double seconds, std::string_view bytes, IntakeBatch* batch) {
-  AddSilence(intake, seconds, batch);
-  const size_t before = batch->records.size();
-  camera::FeedStream(&intake->stream, seconds, bytes, &batch->records);
-  for (const camera::FoundRecord& record : std::span(batch->records).subspan(before)) {
-    if (record.malformedBytes > 0) {
-      batch->stretches.push_back(
-          {StretchKind::kMalformed, record.malformedSince, record.seconds, record.malformedBytes});
-      intake->flags |= kAfterDamagedBytes;
-    }
-    batch->flags.push_back(static_cast<unsigned char>(intake->flags));
-    intake->flags = 0;
-  }
-}
-
-void AddDamage(RecordIntake* intake, double seconds, long long bytes, IntakeBatch* batch) {
-  batch->stretches.push_back({StretchKind::kDamaged, intake->lastArrival, seconds, bytes});
-  intake->flags |= kAfterDamagedBytes | (seconds - intake->lastArrival >= camera::kGapSeconds ? kAfterSilence : 0);
-  // Silence during that time is unknown.
-  intake->lastArrival = seconds;
-}
-
-void EndIntake(RecordIntake* intake, IntakeBatch* batch) {
-  camera::RecordStream& stream = intake->stream;
-  const long long before = stream.malformedBytes;
-  const double since = stream.open.bytes > 0 ? stream.open.seconds : stream.lastArrival;
-  camera::EndStream(&stream);
-  stream.pending.clear();
-  stream.pieces.clear();
-  if (stream.malformedBytes > before) {
-    batch->stretches.push_back({StretchKind::kMalformed, since, stream.lastArrival, stream.malformedBytes - before});
-    intake->flags |= kAfterDamagedBytes;
-  }
-}
-
 bool StoreBatch(IntakeBatch* batch, RecordStore* store) {
   for (const Stretch& stretch : batch->stretches) store->AddStretch(stretch);
   bool isStored = true;
   for (size_t i = 0; isStored && i < batch->records.size(); ++i) {
     isStored = store->Append(batch->records[i], batch->flags[i]);
   }
-  batch->records.clear();
-  batch->flags.clear();
-  batch->stretches.clear();
+  ClearBatch(batch);
   return isStored;
 }
 

@@ -1,6 +1,5 @@
 // All records of a recording or a live port in 16 bytes each, accessible by number or time, and the stretches in which
-// data are missing; and the intake, which finds both in timed bytes, for recordings and live ports alike. Pure; one
-// thread at a time.
+// data are missing. Pure; one thread at a time.
 #pragma once
 
 #include <array>
@@ -8,19 +7,18 @@
 #include <cstdint>
 #include <memory>
 #include <span>
-#include <string_view>
 #include <vector>
 
 #include "camera/camera_record.h"
+#include "camera/record_intake.h"
 #include "camera/record_stream.h"
 
 namespace camview {
 
 // Flags of a record.
-inline constexpr unsigned kOddRecord = 1;          // a number is not all digits
-inline constexpr unsigned kOutOfRange = 2;         // has no points, because a coordinate is not within 0 to 1023
-inline constexpr unsigned kAfterSilence = 4;       // nothing is known of the camera::kGapSeconds or more before it
-inline constexpr unsigned kAfterDamagedBytes = 8;  // malformed bytes or lost chunks before it
+inline constexpr unsigned kOddRecord = 1;   // a number is not all digits
+inline constexpr unsigned kOutOfRange = 2;  // has no points, because a coordinate is not within 0 to 1023
+using camera::kAfterDamagedBytes, camera::kAfterPause, camera::kAfterSilence;
 
 struct StoredRecord {
   double seconds;
@@ -28,19 +26,7 @@ struct StoredRecord {
   unsigned flags;
 };
 
-enum class StretchKind {
-  kSilent,     // no bytes for camera::kGapSeconds or longer
-  kMalformed,  // bytes that belong to no record
-  kDamaged,    // chunks of the recording that cannot be read
-};
-inline constexpr int kStretchKinds = 3;
-
-struct Stretch {
-  StretchKind kind;
-  double from, to;      // seconds
-  long long bytes = 0;  // malformed or damaged ones
-  int count = 1;        // nearby stretches are merged when there are thousands
-};
+using camera::IntakeBatch, camera::kStretchKinds, camera::RecordIntake, camera::Stretch, camera::StretchKind;
 
 // A channel is a coordinate: x of point 1, y of point 1, x of point 2 ...
 inline constexpr int kChannels = 2 * kv::kPointCount;
@@ -115,33 +101,6 @@ class RecordStore {
   std::vector<Stretch> stretches_[kStretchKinds];
   double longestMerged_[kStretchKinds] = {-1, -1, -1};  // seconds; merging never creates longer stretches
 };
-
-// ---- Intake
-
-// What was found since the batch was emptied.
-struct IntakeBatch {
-  std::vector<camera::FoundRecord> records;
-  std::vector<unsigned char> flags;  // of each record: kAfterSilence, kAfterDamagedBytes
-  std::vector<Stretch> stretches;
-};
-
-struct RecordIntake {
-  camera::RecordStream stream;
-  double lastArrival = 0;  // of bytes; initially when the line was opened
-  unsigned flags = 0;      // of the next record
-};
-
-// Adds bytes received at that time, which never decreases, to the batch.
-void AddBytes(RecordIntake* intake, double seconds, std::string_view bytes, IntakeBatch* batch);
-
-// Adds damaged chunks of a recording, between the last bytes and this time.
-void AddDamage(RecordIntake* intake, double seconds, long long bytes, IntakeBatch* batch);
-
-// Adds silence until that time, the end of a recording.
-void AddSilence(RecordIntake* intake, double seconds, IntakeBatch* batch);
-
-// Call when the line was interrupted or has ended: incomplete bytes belong to no record. More may follow.
-void EndIntake(RecordIntake* intake, IntakeBatch* batch);
 
 // Stores a batch and empties it. Returns false when allocation fails; the remaining records are lost.
 bool StoreBatch(IntakeBatch* batch, RecordStore* store);

@@ -1,6 +1,5 @@
 #include "camview/recording_loader.h"
 
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <utility>
@@ -26,26 +25,12 @@ LoadOutcome OutcomeOf(camera::OpenFailure failure) {
 // Reads to the end, an error or cancellation.
 LoadOutcome ReadRecords(camera::RecordingFile* file, RecordIntake* intake, RecordStore* store) {
   IntakeBatch batch;
-  camera::Chunk chunk{};
-  std::uint64_t damagedBytes = file->decoder.damagedBytes;
-  while (camera::NextChunk(file, &chunk)) {
-    const double seconds = static_cast<double>(chunk.microseconds) / 1e6;
-    if (file->decoder.damagedBytes > damagedBytes) {
-      AddDamage(intake, seconds, static_cast<long long>(file->decoder.damagedBytes - damagedBytes), &batch);
-      damagedBytes = file->decoder.damagedBytes;
-    }
-    AddBytes(intake, seconds, chunk.bytes, &batch);
+  while (camera::NextBatch(file, intake, &batch)) {
     if (!StoreBatch(&batch, store)) return LoadOutcome::kOutOfMemory;
     if (store->End() >= RecordStore::kMaxCapacity) return LoadOutcome::kTooLong;
   }
-  if (file->isStopped) return LoadOutcome::kCancelled;
-  const double end = static_cast<double>(file->decoder.endTime) / 1e6;
-  if (file->decoder.damagedBytes > damagedBytes) {
-    AddDamage(intake, end, static_cast<long long>(file->decoder.damagedBytes - damagedBytes), &batch);
-  }
-  EndIntake(intake, &batch);
-  AddSilence(intake, end, &batch);
   StoreBatch(&batch, store);
+  if (file->isStopped) return LoadOutcome::kCancelled;
   return file->error.empty() ? LoadOutcome::kComplete : LoadOutcome::kReadFailed;
 }
 

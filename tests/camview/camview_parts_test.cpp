@@ -147,7 +147,8 @@ TEST(CamviewIntake, RecordsSilenceDamageAndMalformedBytes) {
   EndIntake(&intake, &batch);
   AddBytes(&intake, 3, record.substr(30) + record, &batch);  // two halves are not a record
   AddSilence(&intake, 9, &batch);
-  EXPECT_EQ((std::vector<unsigned char>{kAfterSilence, kAfterDamagedBytes, 0, 0, kAfterSilence | kAfterDamagedBytes}),
+  EXPECT_EQ((std::vector<unsigned char>{kAfterSilence, kAfterDamagedBytes, 0, kAfterPause,
+                                        kAfterSilence | kAfterDamagedBytes}),
             batch.flags);
   RecordStore store;
   EXPECT_TRUE(StoreBatch(&batch, &store));

@@ -1,0 +1,421 @@
+#include "camera/line_model.h"
+
+#include <algorithm>
+#include <cmath>
+#include <complex>
+#include <cstddef>
+#include <iterator>
+#include <numbers>
+#include <numeric>
+#include <utility>
+#include <vector>
+
+namespace camera {
+
+namespace {
+
+constexpr size_t kWindowRecords = 256, kMinRecords = 24;
+constexpr double kWindowSeconds = 8;  // a window with kMinWindowRecords is not longer
+constexpr size_t kMinWindowRecords = 64;
+constexpr size_t kMaxPending = 16;
+constexpr int kMaxSkip = 1024;
+constexpr double kGivenTolerance = 0.02;
+// Arrivals that a USB adapter collects for 16 ms look like those of a camera of that rate.
+constexpr double kAdapterRate = 62.5, kAdapterTolerance = 0.1;
+constexpr double kClearCoherence = 0.8, kFairCoherence = 0.5;
+constexpr size_t kStepRecords = 16;       // with steps of two or more that show another rate
+constexpr double kSingleCoherence = 0.7;  // required to tell which records are lost
+constexpr double kTurn = 2 * std::numbers::pi;
+constexpr double kMaxIrregularShare = 0.1;
+
+double Turns(double number) {
+  return number - std::floor(number + 0.5);  // -0.5 to 0.5
+}
+
+// The unit vector at that fraction of a turn, with an error of 0.003; a record needs one for each window.
+std::complex<float> UnitVector(double turns) {
+  constexpr int kSteps = 1024;
+  static const std::vector<std::complex<float>> table = [] {
+    std::vector<std::complex<float>> vectors(kSteps);
+    for (int i = 0; i < kSteps; ++i) vectors[i] = std::polar(1.0f, static_cast<float>(kTurn * i / kSteps));
+    return vectors;
+  }();
+  return table[static_cast<unsigned>(static_cast<int>(turns * kSteps + 0.5)) % kSteps];
+}
+
+// The power of noise, by the number of windows, that the strongest of some thousand rates does not exceed.
+double NoisePower(size_t windows) {
+  const auto count = static_cast<double>(windows);
+  return 1 + 8 / std::sqrt(count) + 6 / count;
+}
+
+}  // namespace
+
+LineModel::Times LineModel::FirstHalf(const Times& times) {
+  const auto& all = times.seconds;
+  return {{all.begin(), all.begin() + static_cast<std::ptrdiff_t>(all.size() / 2)}, times.isAfterSilence};
+}
+
+LineModel::Times LineModel::SecondHalf(const Times& times) {
+  const auto& all = times.seconds;
+  return {{all.begin() + static_cast<std::ptrdiff_t>(all.size() / 2), all.end()}, false};
+}
+
+LineModel::LineModel(double rate) : givenRate_(rate) {}
+
+void LineModel::AddRecord(double seconds, bool isAfterSilence) {
+  if (isAfterSilence) CloseWindow();
+  if (open_.seconds.empty()) open_.isAfterSilence = isAfterSilence || (windows_.empty() && pending_.empty());
+  open_.seconds.push_back(seconds);
+  const size_t count = open_.seconds.size();
+  const bool isLong = count >= kMinWindowRecords && seconds - open_.seconds.front() >= kWindowSeconds;
+  if (count >= kWindowRecords || isLong) CloseWindow();
+}
+
+void LineModel::Finish() {
+  CloseWindow();
+  if (!pending_.empty()) FindRate();
+  FlushPending();
+}
+
+// ---- Finding the rate -----------------------------------------------------------------------------------------------
+
+// The records' mean position within the period: amplitude 1 if they all arrive at the same position, 0 if anywhere.
+LineModel::Wave LineModel::WaveOf(const std::vector<double>& seconds, double rate) {
+  std::complex<float> sum = 0;
+  for (const double time : seconds) sum += UnitVector((time - seconds.front()) * rate);
+  return {std::abs(sum) / static_cast<double>(seconds.size()), std::arg(sum) / kTurn};
+}
+
+double LineModel::PowerAt(double rate) const {
+  double power = 0, count = 0;
+  for (const Times& times : pending_) {
+    if (times.seconds.size() < kMinRecords) continue;
+    const double amplitude = WaveOf(times.seconds, rate).amplitude;
+    power += amplitude * amplitude * static_cast<double>(times.seconds.size());
+    ++count;
+  }
+  return count > 0 ? power / count : 0;
+}
+
+// Records cannot overtake each other: hardly two of them arrive within the same period. Those of an adapter that
+// collects several do.
+bool LineModel::IsPlausible(double rate, double amplitude) const {
+  if (givenRate_ > 0) return true;
+  long long together = 0, all = 0;
+  for (const Times& times : pending_) {
+    const Wave wave = WaveOf(times.seconds, rate);
+    double before = -1;
+    for (const double time : times.seconds) {
+      const double number = std::round((time - times.seconds.front()) * rate - wave.phase);
+      together += number == before;
+      ++all;
+      before = number;
+    }
+  }
+  const double share = static_cast<double>(together) / static_cast<double>(all);
+  return share <= (amplitude > 0.6 ? 0.05 : 0.4);
+}
+
+// Returns the lowest rate at which the records arrive about as regularly as at the best one: a multiple of the true
+// rate is as regular. 0 = none.
+double LineModel::BestRate(double from, double to, double step) const {
+  const auto steps = static_cast<size_t>((to - from) / step) + 1;
+  std::vector<double> powers(steps, 0.0);
+  size_t windows = 0, records = 0;
+  for (const Times& times : pending_) {
+    const size_t count = times.seconds.size();
+    if (count < kMinRecords) continue;
+    ++windows;
+    records += count;
+    // Turning each record's vector from rate to rate needs no trigonometry.
+    std::vector<std::complex<float>> vectors(count), turns(count);
+    for (size_t i = 0; i < count; ++i) {
+      const double time = times.seconds[i] - times.seconds.front();
+      vectors[i] = std::polar(1.0f, static_cast<float>(kTurn * Turns(time * from)));
+      turns[i] = std::polar(1.0f, static_cast<float>(kTurn * Turns(time * step)));
+    }
+    for (double& power : powers) {
+      float real = 0, imaginary = 0;
+      for (size_t i = 0; i < count; ++i) {
+        const float x = vectors[i].real(), y = vectors[i].imag();
+        real += x;
+        imaginary += y;
+        vectors[i] = {x * turns[i].real() - y * turns[i].imag(), x * turns[i].imag() + y * turns[i].real()};
+      }
+      power += (real * real + imaginary * imaginary) / static_cast<double>(count);
+    }
+  }
+  if (windows == 0) return 0;
+  const double perWindow = static_cast<double>(records) / static_cast<double>(windows);
+  std::vector<std::pair<double, double>> peaks;  // rate, power
+  double highest = 0, highestRate = 0;
+  for (size_t i = 0; i < steps; ++i) {
+    const double power = powers[i] / static_cast<double>(windows);
+    const bool isPeak = (i == 0 || powers[i - 1] <= powers[i]) && (i + 1 == steps || powers[i + 1] < powers[i]);
+    if (!isPeak || power < NoisePower(windows)) continue;
+    // The vertex of the parabola through three powers around it.
+    double rate = from + static_cast<double>(i) * step;
+    for (const double half : {step / 2, step / 4, step / 8}) {
+      const double low = PowerAt(rate - half), middle = PowerAt(rate), high = PowerAt(rate + half);
+      const double curve = low - 2 * middle + high;
+      if (curve < 0) rate += std::clamp(half / 2 * (low - high) / curve, -half, half);
+    }
+    if (power > highest) highestRate = rate;
+    highest = std::max(highest, power);
+    if (IsPlausible(rate, std::sqrt(power / perWindow))) peaks.emplace_back(rate, power);
+  }
+  if (givenRate_ <= 0 && std::abs(highestRate - kAdapterRate) < kAdapterTolerance) return 0;
+  double best = 0;
+  for (const auto& [rate, power] : peaks) best = std::max(best, power);
+  const auto lowest = std::ranges::find_if(peaks, [&](const auto& peak) { return peak.second >= 0.7 * best; });
+  return lowest == peaks.end() ? 0 : lowest->first;
+}
+
+bool LineModel::FindRate() {
+  double fastest = 0, longest = 0;
+  for (const Times& times : pending_) {
+    const double seconds = times.seconds.back() - times.seconds.front();
+    if (times.seconds.size() < kMinRecords || seconds <= 0) continue;
+    fastest = std::max(fastest, static_cast<double>(times.seconds.size() - 1) / seconds);
+    longest = std::max(longest, seconds);
+  }
+  if (longest <= 0) return false;
+  // The camera sends at least as many records as arrive.
+  const double from = givenRate_ > 0 ? givenRate_ * (1 - kGivenTolerance) : std::max(fastest * 0.97, kLowestRate);
+  const double to = givenRate_ > 0 ? givenRate_ * (1 + kGivenTolerance) : kHighestRate;
+  if (from >= to) return false;
+  rate_ = BestRate(from, to, 0.4 / longest);
+  if (rate_ <= 0) return false;
+  coherence_ = 0;
+  size_t records = 0;
+  for (const Times& times : pending_) {
+    const double amplitude = WaveOf(times.seconds, rate_).amplitude;
+    coherence_ += amplitude * amplitude * static_cast<double>(times.seconds.size());
+    records += times.seconds.size();
+  }
+  coherence_ = std::sqrt(coherence_ / static_cast<double>(records));
+  return true;
+}
+
+// ---- Numbering the records ------------------------------------------------------------------------------------------
+
+void LineModel::CloseWindow() {
+  if (open_.seconds.empty()) return;
+  Times times = std::exchange(open_, {});
+  // A window in which the rate changes is divided where it does.
+  while (pending_.empty() && rate_ > 0) {
+    if (Follow(times)) return;
+    if (times.seconds.size() < 2 * kMinRecords) break;
+    Times half = FirstHalf(times);
+    if (!Follow(half)) break;
+    times = SecondHalf(times);
+  }
+  if (windowsToSkip_ > 0) {
+    --windowsToSkip_;
+    AddIrregular(times);
+    return;
+  }
+  pending_.push_back(std::move(times));
+  // Each search takes as long as all windows before it, so it is done for 1, 2, 4, 8 and 16 windows.
+  const size_t count = pending_.size();
+  if ((count & (count - 1)) != 0) return;
+  const bool isFound = FindRate();
+  if (!isFound && count < kMaxPending) return;
+  skip_ = isFound ? 0 : std::clamp(skip_ * 2, static_cast<int>(kMaxPending), kMaxSkip);
+  windowsToSkip_ = skip_;
+  FlushPending();
+}
+
+void LineModel::FlushPending() {
+  for (const Times& times : std::exchange(pending_, {})) Number(times);
+}
+
+void LineModel::Number(const Times& times) {
+  if (rate_ > 0 && Follow(times)) return;
+  if (rate_ <= 0 || times.seconds.size() < 2 * kMinRecords) {
+    AddIrregular(times);
+    return;
+  }
+  Number(FirstHalf(times));
+  Number(SecondHalf(times));
+}
+
+// Numbers the records by the known rate. Returns false if they do not arrive at that rate.
+bool LineModel::Follow(const Times& times) {
+  const Wave wave = WaveOf(times.seconds, rate_);
+  const auto count = static_cast<double>(times.seconds.size());
+  const double power = wave.amplitude * wave.amplitude;
+  if (times.seconds.size() >= kMinRecords) {  // fewer prove nothing against it
+    const double usual = coherence_ * coherence_;
+    if (power < std::max((coherence_ >= kFairCoherence ? 0.64 : 0.3) * usual, 3 / count)) return false;
+    if (givenRate_ <= 0 && !HasSteps(times, wave)) return false;
+  }
+  AddRegular(times, wave);
+  return true;
+}
+
+// Returns whether the records arrive neither faster than the known rate nor at a fraction of it, such as every second
+// time: then the camera more probably sends at another rate.
+bool LineModel::HasSteps(const Times& times, const Wave& wave) const {
+  const double first = times.seconds.front();
+  const auto count = static_cast<double>(times.seconds.size());
+  if (count - 1 > 1.03 * rate_ * (times.seconds.back() - first) + 2) return false;
+  long long divisor = 0, before = std::llround(-wave.phase);
+  for (size_t i = 1; i < times.seconds.size(); ++i) {
+    const long long number = std::llround((times.seconds[i] - first) * rate_ - wave.phase);
+    divisor = std::gcd(divisor, number - before);
+    before = number;
+    if (i % kStepRecords != 0) continue;
+    if (divisor > 1) return false;
+    divisor = 0;
+  }
+  return true;
+}
+
+void LineModel::AddRegular(const Times& times, const Wave& wave) {
+  const double from = times.seconds.front();
+  const Window* last = windows_.empty() ? nullptr : &windows_.back();
+  const bool isJoined = last && !times.isAfterSilence;
+  const double before = last ? std::round(last->phase + last->slope * (last->to - last->from)) : -1;
+  double phase = before + 1 - wave.phase;
+  if (isJoined && last->isRegular && last->slope == rate_) {
+    const double expected = last->phase + last->slope * (from - last->from);
+    phase = std::round(expected + wave.phase) - wave.phase;
+    if (last->records >= static_cast<int>(kMinRecords) && times.seconds.size() >= kMinRecords) {
+      rate_ += 0.4 * (phase - expected) / std::max(from - last->from, 0.1);
+    }
+  } else if (isJoined) {
+    phase += std::max(std::round((from - last->to) * rate_) - 1, 0.0);
+  }
+  windows_.push_back({from, times.seconds.back(), phase, rate_, static_cast<float>(wave.amplitude),
+                      static_cast<int>(times.seconds.size()), true, isJoined});
+  AddLosses(times);
+}
+
+// Numbers the records consecutively; by a given rate if there is one.
+void LineModel::AddIrregular(const Times& times) {
+  const double from = times.seconds.front(), to = times.seconds.back();
+  const Window* last = windows_.empty() ? nullptr : &windows_.back();
+  const bool isJoined = last && !times.isAfterSilence, isGiven = givenRate_ > 0;
+  const double before = last ? std::round(last->phase + last->slope * (last->to - last->from)) : -1;
+  const double phase = isJoined && isGiven
+                           ? last->phase + last->slope * (last->to - last->from) + (from - last->to) * givenRate_
+                           : before + 1;
+  const auto records = static_cast<double>(times.seconds.size());
+  const double slope = isGiven ? givenRate_ : to > from ? (records - 1) / (to - from) : 0;
+  windows_.push_back({from, to, phase, slope, 0, static_cast<int>(times.seconds.size()), isGiven, isJoined});
+}
+
+// Adds the losses of the last window.
+void LineModel::AddLosses(const Times& times) {
+  const Window& window = windows_.back();
+  if (window.coherence < kSingleCoherence) return;
+  const auto numberAt = [&](double time) { return std::round(window.phase + window.slope * (time - window.from)); };
+  double before = times.seconds.front(), number = numberAt(before);
+  if (window.isJoined) {
+    const Window& last = windows_[windows_.size() - 2];
+    before = last.to;
+    number = std::round(last.phase + last.slope * (last.to - last.from));
+  }
+  for (size_t i = window.isJoined ? 0 : 1; i < times.seconds.size(); ++i) {
+    const double time = times.seconds[i], next = numberAt(time);
+    // A record that is late leaves a number out, and the one after it has the same number.
+    const bool isLate = i + 1 < times.seconds.size() && numberAt(times.seconds[i + 1]) == next;
+    const auto lost = static_cast<int>(next - number) - 1 - isLate;
+    if (lost > 0 && losses_.size() < kMaxLosses) losses_.push_back({before, time, lost});
+    hasMoreLosses_ |= lost > 0 && losses_.size() == kMaxLosses;
+    before = time;
+    number = next;
+  }
+}
+
+// ---- Figures --------------------------------------------------------------------------------------------------------
+
+const LineModel::Window* LineModel::WindowAt(double seconds) const {
+  const auto next = std::ranges::upper_bound(windows_, seconds, {}, &Window::from);
+  return next == windows_.begin() ? nullptr : &*std::prev(next);
+}
+
+// Returns the number of the record that arrived at that time.
+long long LineModel::NumberAt(double seconds) const {
+  const Window* window = WindowAt(seconds);
+  double number =
+      window ? std::round(window->phase + window->slope * (std::min(seconds, window->to) - window->from)) : -1;
+  if (window && window != &windows_.back()) return static_cast<long long>(number);
+  // Records that are not evaluated yet are numbered consecutively.
+  const auto count = [&](const std::vector<double>& times) {
+    return static_cast<double>(std::ranges::upper_bound(times, seconds) - times.begin());
+  };
+  for (const Times& times : pending_) number += count(times.seconds);
+  return static_cast<long long>(number + count(open_.seconds));
+}
+
+// Widens the bounds by what is uncertain in this share (0 to 1) of a window.
+void LineModel::AddBounds(const Window& window, double share, LineFigures* figures) const {
+  const double records = window.records * share;
+  const double capacity = (window.to - window.from) * share * kHighestRate;
+  if (!window.isRegular) {
+    figures->lostAtMost += std::llround(std::max(capacity - records, 0.0));
+    return;
+  }
+  const double unsure = window.coherence == 0 ? 0.005 * window.slope * (window.to - window.from) * share : 0;
+  figures->lostAtLeast -= std::llround(std::ceil(unsure));
+  figures->lostAtMost += std::llround(std::ceil(unsure));
+  if (givenRate_ > 0) return;
+  const double multiple = std::floor(kHighestRate / window.slope);
+  if (multiple < 2) return;
+  figures->mayLoseRegularly = true;
+  figures->lostAtMost += std::llround((multiple - 1) * records);
+}
+
+LineFigures LineModel::Figures(const Selection& selection) const {
+  LineFigures figures;
+  const double from = selection.from, to = selection.to;
+  figures.seconds = std::max(to - from, 0.0);
+  figures.records = selection.records;
+  if (figures.seconds > 0) figures.recordsPerSecond = static_cast<double>(figures.records) / figures.seconds;
+  for (auto silence = std::ranges::upper_bound(silences_, from, {}, &Silence::to);
+       silence != silences_.end() && silence->from < to; ++silence) {
+    const double begin = std::max(silence->from, from), seconds = std::min(silence->to, to) - begin;
+    ++figures.silences;
+    figures.silentSeconds += seconds;
+    if (seconds <= figures.longestSilence) continue;
+    figures.longestSilence = seconds;
+    figures.longestSilenceFrom = begin;
+  }
+  if (selection.records <= 0) return figures;
+  const long long before = selection.before >= 0 ? NumberAt(selection.before) : NumberAt(selection.first) - 1;
+  figures.lost = NumberAt(selection.last) - before - selection.records;
+  long long bound = 0;
+  double irregular = 0, all = 0, rates = 0, regular = 0;
+  for (auto window = std::ranges::lower_bound(windows_, from, {}, &Window::to);
+       window != windows_.end() && window->from <= to; ++window) {
+    const double seconds = window->to - window->from;
+    const double share =
+        seconds > 0 ? std::max(std::min(window->to, to) - std::max(window->from, from), 0.0) / seconds : 1;
+    AddBounds(*window, share, &figures);
+    const double records = window->records * share;
+    all += records;
+    irregular += window->isRegular ? 0 : records;
+    regular += window->isRegular ? records : 0;
+    rates += window->isRegular ? records * window->slope : 0;
+    const bool isFirst = !window->isJoined || window == windows_.begin();
+    if (isFirst || !window->isRegular) {
+      bound += window->coherence >= kClearCoherence ? 0 : window->coherence >= kFairCoherence ? 1 : 2;
+    }
+    const double change = isFirst ? 0 : std::abs(window->slope / std::prev(window)->slope - 1);
+    if (window->isRegular && change > kGivenTolerance) bound += kStepRecords;
+  }
+  figures.lostAtLeast = std::max(figures.lostAtLeast + figures.lost - bound, 0LL);
+  figures.lostAtMost = std::max(figures.lostAtMost + figures.lost + bound, figures.lostAtLeast);
+  if (regular > 0) figures.rate = givenRate_ > 0 && coherence_ == 0 ? givenRate_ : rates / regular;
+  const bool isIrregular = irregular > kMaxIrregularShare * all;
+  figures.basis = regular == 0 && all < kMinRecords ? LossBasis::kTooFew
+                  : isIrregular                     ? LossBasis::kIrregular
+                  : givenRate_ > 0                  ? LossBasis::kGiven
+                                                    : LossBasis::kEstimated;
+  return figures;
+}
+
+}  // namespace camera
