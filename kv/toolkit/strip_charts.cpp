@@ -66,6 +66,14 @@ BOOL AppendStripChartValue(HWND dialog, int id, int channel, double time, double
   return AppendStripChartSamples(dialog, id, channel, {&sample, 1});
 }
 
+BOOL SetStripChartSource(HWND dialog, int id, int channel, const StripSource* source) {
+  return Send(dialog, id, source ? kStripSource : kStripSource | kCommandRemove, channel, source);
+}
+
+BOOL UpdateStripChart(HWND dialog, int id) {
+  return Send(dialog, id, kStripUpdate, 0, nullptr);
+}
+
 double StripChartNow() {
   constexpr double kTicksPerSecond = 1e7, kSecondsFrom1601To1970 = 11644473600.0;
   const auto counted = [] {

@@ -24,6 +24,10 @@ BOOL ShowStripChartChannel(HWND dialog, int id, int channel, BOOL show);
 // Samples are displayed within 50 ms. All are rejected if a time is earlier than the previous one.
 BOOL AppendStripChartSamples(HWND dialog, int id, int channel, std::span<const StripSample> samples);
 BOOL AppendStripChartValue(HWND dialog, int id, int channel, double time, double value);
+// Lets the program supply the samples of a channel (see StripSource); null removes the source.
+BOOL SetStripChartSource(HWND dialog, int id, int channel, const StripSource* source);
+// Shows samples that the sources have appended or dropped, within 50 ms.
+BOOL UpdateStripChart(HWND dialog, int id);
 // The local time in seconds since 1970, for charts that show the time of day. It never decreases, even when the clock
 // is set back.
 double StripChartNow();

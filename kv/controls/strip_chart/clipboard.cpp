@@ -72,11 +72,11 @@ struct IndexRange {
 std::array<IndexRange, kStripChannels> ShownSamples(const StripModel& model) {
   const StripTimeRange shown = ShownTimes(model);
   std::array<IndexRange, kStripChannels> ranges{};
-  for (int i = 0; i < kStripChannels; ++i) {
-    const StripChannelData& channel = model.channels[i];
-    if (!IsShown(channel)) continue;
-    ranges[i] = {channel.store.FirstFrom(shown.from),
-                 std::min(channel.store.FirstAfter(shown.to), ShownCount(model, channel))};
+  for (unsigned i = 0; i < kStripChannels; ++i) {
+    if (!IsShown(model.channels[i])) continue;
+    ranges[i] = WithSamples(model, i, [&](const auto& samples) {
+      return IndexRange{samples.FirstFrom(shown.from), std::min(samples.FirstAfter(shown.to), ShownCount(model, i))};
+    });
   }
   return ranges;
 }
@@ -85,17 +85,23 @@ std::array<IndexRange, kStripChannels> ShownSamples(const StripModel& model) {
 void AddSamples(Table& table, const StripModel& model, std::array<IndexRange, kStripChannels> left) {
   for (;;) {
     double time = kNever;
-    for (int i = 0; i < kStripChannels; ++i) {
-      if (left[i].from < left[i].to) time = std::min(time, model.channels[i].store.TimeAt(left[i].from));
+    std::array<StripSample, kStripChannels> next;
+    for (unsigned i = 0; i < kStripChannels; ++i) {
+      next[i].time = kNever;
+      if (left[i].from >= left[i].to) continue;
+      WithSamples(model, i, [&](const auto& samples) {
+        next[i] = {samples.TimeAt(left[i].from), samples.ValueAt(left[i].from)};
+      });
+      time = std::min(time, next[i].time);
     }
     if (time == kNever) return;
     table.AddTime(time, (model.style & kStripTimeOfDay) != 0);
     for (int i = 0; i < kStripChannels; ++i) {
-      const StripChannelData& channel = model.channels[i];
-      if (!IsShown(channel)) continue;
+      if (!IsShown(model.channels[i])) continue;
       table.text += L'\t';
-      if (left[i].from >= left[i].to || channel.store.TimeAt(left[i].from) != time) continue;
-      table.AddNumber(channel.store.ValueAt(left[i].from++));
+      if (next[i].time != time) continue;
+      table.AddNumber(next[i].value);
+      ++left[i].from;
     }
     table.text += L"\r\n";
   }
@@ -106,11 +112,12 @@ void AddColumns(Table& table, const StripModel& model, const StripLayout& layout
   for (long long column = layout.lastColumn - width + 1; column <= layout.lastColumn; ++column) {
     const double start = static_cast<double>(column) * layout.secondsPerColumn;
     table.AddTime(start, (model.style & kStripTimeOfDay) != 0);
-    for (const StripChannelData& channel : model.channels) {
-      if (!IsShown(channel)) continue;
-      const unsigned to =
-          std::min(channel.store.FirstFrom(start + layout.secondsPerColumn), ShownCount(model, channel));
-      const Extent extent = channel.store.ExtentOf(channel.store.FirstFrom(start), to);
+    for (unsigned i = 0; i < kStripChannels; ++i) {
+      if (!IsShown(model.channels[i])) continue;
+      const Extent extent = WithSamples(model, i, [&](const auto& samples) {
+        const unsigned to = std::min(samples.FirstFrom(start + layout.secondsPerColumn), ShownCount(model, i));
+        return samples.ExtentOf(samples.FirstFrom(start), to);
+      });
       for (const double value : {extent.low, extent.high}) {
         table.text += L'\t';
         table.AddNumber(value);

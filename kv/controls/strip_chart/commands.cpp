@@ -39,6 +39,20 @@ bool Append(StripModel& model, unsigned index, LPARAM address) {
   return AppendSamples(model, index, {samples.samples, samples.count});
 }
 
+bool ExchangeSource(StripModel& model, unsigned index, WPARAM wParam, LPARAM address) {
+  if (wParam & kCommandRead) {
+    return index < kStripChannels && model.channels[index].source.numbers &&
+           CopyItemOut(model.channels[index].source, address);
+  }
+  if (wParam & kCommandRemove) return SetSource(model, index, nullptr);
+  StripSource source;
+  if (!CopyItemIn(address, &source)) return false;
+  const auto isCode = [](auto* function) { return !IsBadReadPtr(reinterpret_cast<const void*>(function), 1); };
+  const bool isUsable = isCode(source.numbers) && isCode(source.find) && isCode(source.read) &&
+                        (!source.extent || isCode(source.extent)) && (!source.times || isCode(source.times));
+  return isUsable && SetSource(model, index, &source);
+}
+
 bool ExchangeZone(StripModel& model, unsigned index, WPARAM wParam, LPARAM address) {
   if (wParam & kCommandRead) return index < kStripZones && CopyItemOut(model.zones[index], address);
   StripZone zone;
@@ -101,7 +115,7 @@ bool ReadStatistics(const StripModel& model, unsigned index, WPARAM wParam, LPAR
 
 bool ReadCount(const StripModel& model, unsigned index, WPARAM wParam, LPARAM address) {
   return (wParam & kCommandRead) && index < kStripChannels &&
-         CopyItemOut(DWORD{model.channels[index].store.count()}, address);
+         CopyItemOut(WithSamples(model, index, [](const auto& samples) { return DWORD{samples.count()}; }), address);
 }
 
 bool DoCommand(StripChart& chart, WPARAM wParam, LPARAM lParam) {
@@ -113,6 +127,8 @@ bool DoCommand(StripChart& chart, WPARAM wParam, LPARAM lParam) {
     case kStripStyle: return ExchangeStyle(model, wParam, lParam);
     case kStripChannel: return ExchangeChannel(model, index, wParam, lParam);
     case kStripAppend: return !(wParam & kCommandRead) && Append(model, index, lParam);
+    case kStripSource: return ExchangeSource(model, index, wParam, lParam);
+    case kStripUpdate: return true;
     case kStripZone: return ExchangeZone(model, index, wParam, lParam);
     case kStripCapacity: return ExchangeCapacity(model, wParam, lParam);
     case kStripAxisDigits: return ExchangeAxisDigits(model, wParam, lParam);
@@ -134,7 +150,8 @@ LRESULT OnStripCommand(StripChart& chart, WPARAM wParam, LPARAM lParam) {
   if (!DoCommand(chart, wParam, lParam)) return FALSE;
   if (chart.model.cursor != cursor) chart.hovering = false;  // the owner has moved it away from the pointer
   if (wParam & kCommandRead) return TRUE;
-  const bool render = LOBYTE(wParam) == kStripRender, append = LOBYTE(wParam) == kStripAppend;
+  const bool render = LOBYTE(wParam) == kStripRender;
+  const bool append = LOBYTE(wParam) == kStripAppend || LOBYTE(wParam) == kStripUpdate;
   const bool now = render || (wParam & kCommandRedraw);
   // Samples may arrive faster than the chart can be drawn.
   if (append && !now && !chart.waiting) chart.waiting = SetTimer(chart.window, kShowTimer, kShowMs, nullptr) != 0;

@@ -57,6 +57,18 @@ void Follow(StripModel& model, bool follow) {
   model.view.state = follow ? model.view.state | kStripFollow : model.view.state & ~kStripFollow;
 }
 
+// From the oldest to the newest sample that can be displayed; without samples, `from` > `to`.
+StripTimeRange AllTimes(const StripModel& model) {
+  StripTimeRange all{kNever, -kNever};
+  for (unsigned i = 0; i < kStripChannels; ++i) {
+    if (ShownCount(model, i) == 0 && !model.channels[i].source.times) continue;
+    const StripTimeRange times = WithSamples(model, i, [](const auto& samples) { return samples.times(); });
+    if (times.from > times.to) continue;
+    all = {std::min(all.from, times.from), std::max(all.to, times.to)};
+  }
+  return all;
+}
+
 // Shows a time range with this length and end, limited to the stored samples.
 void Show(StripModel& model, double span, double end) {
   const StripTimeRange stored = StoredTimes(model);
@@ -66,10 +78,14 @@ void Show(StripModel& model, double span, double end) {
 }
 
 // The value of the sample at or before a time. A gap begins with its own sample and lasts until the next one.
-double ValueAt(const StripModel& model, const StripChannelData& channel, double time) {
-  const unsigned count = ShownCount(model, channel), next = channel.store.FirstAfter(time);
-  if (next == 0 || count == 0 || time > channel.store.TimeAt(count - 1)) return kNoValue;
-  return channel.store.ValueAt(std::min(next, count) - 1);
+double ValueAt(const StripModel& model, unsigned index, double time) {
+  return WithSamples(model, index, [&](const auto& samples) {
+    const unsigned count = ShownCount(model, index), next = std::min(samples.FirstAfter(time), count);
+    if (next == 0) return kNoValue;
+    const bool isBetween = time > samples.TimeAt(next - 1);
+    if (isBetween && (next == count || samples.HasGapBefore(next))) return kNoValue;
+    return samples.ValueAt(next - 1);
+  });
 }
 
 }  // namespace
@@ -88,6 +104,35 @@ bool RemoveChannel(StripModel& model, unsigned index) {
   if (index >= kStripChannels || !model.channels[index].used) return false;
   model.channels[index] = {};
   return true;
+}
+
+bool SetSource(StripModel& model, unsigned index, const StripSource* source) {
+  if (source && source->version != kStripVersion) return false;
+  if (!UseChannel(model, index)) return false;
+  StripChannelData& channel = model.channels[index];
+  if (!source && !SampleStore().MakeResized(model.capacity, &channel.store)) return false;
+  if (source) channel.store = {};
+  channel.source = source ? *source : StripSource{};
+  channel.frozenEnd = 0;
+  model.removedTo = kNever;
+  return true;
+}
+
+void NoticeSources(StripModel& model) {
+  for (unsigned i = 0; i < kStripChannels; ++i) {
+    StripChannelData& channel = model.channels[i];
+    if (!channel.source.numbers) continue;
+    const SuppliedSamples samples(channel.source, i);
+    const auto end = static_cast<long long>(samples.appended()), first = end - samples.count();
+    const StripNumbers seen = std::exchange(channel.seen, {first, end});
+    if (end < seen.end || first < seen.first || first >= seen.end) {
+      model.removedTo = kNever;
+      continue;
+    }
+    if (first > seen.first) model.removedTo = std::max(model.removedTo, samples.TimeAt(0));
+    double& from = IsFrozen(model) ? model.hiddenFrom : model.undrawnFrom;
+    if (end > seen.end) from = std::min(from, samples.TimeAt(static_cast<unsigned>(seen.end - first) - 1));
+  }
 }
 
 bool AppendSamples(StripModel& model, unsigned index, std::span<const StripSample> samples) {
@@ -112,14 +157,15 @@ bool SetStripCapacity(StripModel& model, DWORD capacity) {
   bool made = false;
   for (int i = 0; i < kStripChannels; ++i) {
     const StripChannelData& channel = model.channels[i];
-    if (!channel.used) continue;
+    if (!channel.used || channel.source.numbers) continue;
     if (!channel.store.MakeResized(capacity, &stores[i])) return false;
     made = true;
   }
   // Without channels, test whether this capacity can be allocated.
-  if (!made && !stores[0].MakeResized(capacity, &stores[0])) return false;
+  SampleStore test;
+  if (!made && !test.MakeResized(capacity, &test)) return false;
   for (int i = 0; i < kStripChannels; ++i) {
-    if (model.channels[i].used) model.channels[i].store = std::move(stores[i]);
+    if (stores[i].capacity()) model.channels[i].store = std::move(stores[i]);
   }
   model.capacity = capacity;
   model.removedTo = kNever;
@@ -157,19 +203,15 @@ void ClearSamples(StripModel& model) {
 // ---- Displayed ranges -----------------------------------------------------------------------------------------------
 
 StripTimeRange StoredTimes(const StripModel& model) {
-  StripTimeRange stored{kNever, -kNever};
-  for (const StripChannelData& channel : model.channels) {
-    if (!channel.used || ShownCount(model, channel) == 0) continue;
-    stored.from = std::min(stored.from, channel.store.oldest());
-    stored.to = std::max(stored.to, channel.store.newest());
-  }
+  const StripTimeRange stored = AllTimes(model);
   if (IsFrozen(model)) return {std::min(stored.from, model.frozenAt), model.frozenAt};
   return stored.from <= stored.to ? stored : StripTimeRange{0, 0};
 }
 
 StripTimeRange ShownTimes(const StripModel& model) {
   const StripTimeRange stored = StoredTimes(model);
-  const bool isEmpty = std::ranges::none_of(model.channels, [](const auto& each) { return each.store.count() > 0; });
+  const StripTimeRange all = AllTimes(model);
+  const bool isEmpty = all.from > all.to;
   const bool follows = (model.view.state & kStripFollow) || model.view.span == 0;
   const double length = stored.to - stored.from;
   double span = model.view.span, end = follows ? stored.to : model.view.end;
@@ -179,11 +221,13 @@ StripTimeRange ShownTimes(const StripModel& model) {
   return {end - span, end};
 }
 
-unsigned ShownCount(const StripModel& model, const StripChannelData& channel) {
-  const unsigned count = channel.store.count();
-  if (!IsFrozen(model)) return count;
-  const unsigned long long discarded = channel.store.appended() - count;
-  return channel.frozenEnd > discarded ? static_cast<unsigned>(channel.frozenEnd - discarded) : 0;
+unsigned ShownCount(const StripModel& model, unsigned index) {
+  return WithSamples(model, index, [&](const auto& samples) {
+    const unsigned count = samples.count();
+    if (!IsFrozen(model)) return count;
+    const unsigned long long discarded = samples.appended() - count, end = model.channels[index].frozenEnd;
+    return end > discarded ? std::min(static_cast<unsigned>(end - discarded), count) : 0;
+  });
 }
 
 bool IsSweep(const StripModel& model) {
@@ -198,12 +242,13 @@ AxisRange RangeOf(const StripModel& model, int channel, int ticks) {
   if (!IsRange(low, high)) {
     const StripTimeRange shown = ShownTimes(model);
     Extent extent;
-    for (int i = 0; i < kStripChannels; ++i) {
-      const StripChannelData& each = model.channels[i];
-      if (!IsShown(each) || (!forAll && i != channel)) continue;
-      const unsigned from = each.store.FirstFrom(shown.from, each.store.count());
-      const unsigned to = std::min(each.store.FirstAfter(shown.to, each.store.count()), ShownCount(model, each));
-      extent.Add(each.store.ExtentOf(from, to));
+    for (unsigned i = 0; i < kStripChannels; ++i) {
+      if (!IsShown(model.channels[i]) || (!forAll && i != static_cast<unsigned>(channel))) continue;
+      WithSamples(model, i, [&](const auto& samples) {
+        const unsigned from = samples.FirstFrom(shown.from, samples.count());
+        extent.Add(
+            samples.ExtentOf(from, std::min(samples.FirstAfter(shown.to, samples.count()), ShownCount(model, i))));
+      });
     }
     range = extent.empty() ? AxisRange{0, 1} : NiceRange(extent.low, extent.high, ticks);
   }
@@ -252,7 +297,9 @@ void SetFrozen(StripModel& model, bool frozen) {
   if (frozen) {
     model.frozenAt = StoredTimes(model).to;
     model.hiddenFrom = kNever;
-    for (StripChannelData& channel : model.channels) channel.frozenEnd = channel.store.appended();
+    for (unsigned i = 0; i < kStripChannels; ++i) {
+      model.channels[i].frozenEnd = WithSamples(model, i, [](const auto& samples) { return samples.appended(); });
+    }
     model.view.state |= kStripFrozen;
   } else {
     model.view.state &= ~kStripFrozen;
@@ -271,29 +318,26 @@ void ReturnHome(StripModel& model) {
 
 StripReading ReadingAt(const StripModel& model, double time) {
   StripReading reading{.time = time};
-  for (int i = 0; i < kStripChannels; ++i) {
-    const StripChannelData& channel = model.channels[i];
-    reading.values[i] = channel.used ? ValueAt(model, channel, time) : kNoValue;
-  }
+  for (unsigned i = 0; i < kStripChannels; ++i) reading.values[i] = ValueAt(model, i, time);
   return reading;
 }
 
 StripReading NewestReading(const StripModel& model) {
   StripReading reading{.time = StoredTimes(model).to};
-  for (int i = 0; i < kStripChannels; ++i) {
-    const StripChannelData& channel = model.channels[i];
-    const unsigned count = channel.used ? ShownCount(model, channel) : 0;
-    reading.values[i] = count ? channel.store.ValueAt(count - 1) : kNoValue;
+  for (unsigned i = 0; i < kStripChannels; ++i) {
+    const unsigned count = ShownCount(model, i);
+    reading.values[i] =
+        WithSamples(model, i, [&](const auto& samples) { return count ? samples.ValueAt(count - 1) : kNoValue; });
   }
   return reading;
 }
 
 StripStatistics ChannelStatistics(const StripModel& model, unsigned index) {
   const StripTimeRange range = model.hasSelection ? model.selection : ShownTimes(model);
-  const StripChannelData& channel = model.channels[index];
-  const unsigned limit = ShownCount(model, channel);
-  return channel.store.StatisticsOf(channel.store.FirstFrom(range.from),
-                                    std::min(channel.store.FirstAfter(range.to), limit));
+  return WithSamples(model, index, [&](const auto& samples) {
+    return samples.StatisticsOf(samples.FirstFrom(range.from),
+                                std::min(samples.FirstAfter(range.to), ShownCount(model, index)));
+  });
 }
 
 }  // namespace kv

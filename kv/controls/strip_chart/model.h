@@ -8,6 +8,7 @@
 #include "kv/controls/strip_chart/axis.h"
 #include "kv/controls/strip_chart/sample_store.h"
 #include "kv/controls/strip_chart/strip_chart.h"
+#include "kv/controls/strip_chart/supplied_samples.h"
 
 namespace kv {
 
@@ -16,7 +17,9 @@ inline constexpr double kNever = std::numeric_limits<double>::infinity();
 struct StripChannelData {
   bool used = false;
   StripChannel info{};
-  SampleStore store;
+  SampleStore store;                 // empty with a source
+  StripSource source{};              // without functions: the samples are in `store`
+  StripNumbers seen{};               // of the source, when its samples were last drawn
   unsigned long long frozenEnd = 0;  // samples appended to the store before the display was frozen
 };
 
@@ -43,21 +46,31 @@ inline bool IsShown(const StripChannelData& channel) {
   return channel.used && (channel.info.state & kStripVisible);
 }
 
+// Calls function(samples) with the samples of a channel, wherever they are stored.
+template <class Function>
+auto WithSamples(const StripModel& model, unsigned index, Function function) {
+  const StripChannelData& channel = model.channels[index];
+  return channel.source.numbers ? function(SuppliedSamples(channel.source, index)) : function(channel.store);
+}
+
 // These return false and change nothing if the channel does not exist, the struct is invalid or allocation fails.
 bool SetChannel(StripModel& model, unsigned index, const StripChannel& info);
 bool RemoveChannel(StripModel& model, unsigned index);
+bool SetSource(StripModel& model, unsigned index, const StripSource* source);  // null: own samples
 bool AppendSamples(StripModel& model, unsigned index, std::span<const StripSample> samples);
 bool SetStripCapacity(StripModel& model, DWORD capacity);
 bool SetZone(StripModel& model, unsigned index, const StripZone& zone, bool shown);
 bool SetView(StripModel& model, const StripView& view);
 void ClearSamples(StripModel& model);
+// Finds out which samples the sources have added and dropped since the last call.
+void NoticeSources(StripModel& model);
 
 // From the oldest to the newest sample that can be displayed; 0 to 0 without samples.
 StripTimeRange StoredTimes(const StripModel& model);
 // The displayed time range; `to` is the right edge.
 StripTimeRange ShownTimes(const StripModel& model);
 // The number of samples of a channel that can be displayed: while frozen, those appended before.
-unsigned ShownCount(const StripModel& model, const StripChannelData& channel);
+unsigned ShownCount(const StripModel& model, unsigned index);
 // Whether the chart sweeps; earlier times are shown as in ground mode.
 bool IsSweep(const StripModel& model);
 

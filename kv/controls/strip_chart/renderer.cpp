@@ -188,12 +188,12 @@ void StripRenderer::DrawSpan(Canvas& canvas, const StripModel& model, long long 
              colors.zones[i]);
   }
   DrawGrid(canvas, ground, from, to, x);
-  for (int i = 0; i < kStripChannels; ++i) {
-    const StripChannelData& channel = model.channels[i];
-    if (!IsShown(channel)) continue;
-    const TraceView view{layout.secondsPerColumn, AxisOf(layout, i).range, layout.lineWidth,
-                         ShownCount(model, channel)};
-    DrawTrace(canvas, rows_, channel.store, view, plot, from, to, x, colors.lines[i]);
+  for (unsigned i = 0; i < kStripChannels; ++i) {
+    if (!IsShown(model.channels[i])) continue;
+    const TraceView view{layout.secondsPerColumn, AxisOf(layout, i).range, layout.lineWidth, ShownCount(model, i)};
+    WithSamples(model, i, [&](const auto& samples) {
+      DrawTrace(canvas, rows_, samples, view, plot, from, to, x, colors.lines[i]);
+    });
   }
 }
 

@@ -130,27 +130,7 @@ void SampleStore::AddSlots(unsigned from, unsigned to, Extent* extent) const {
 }
 
 StripStatistics SampleStore::StatisticsOf(unsigned from, unsigned to) const {
-  constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
-  to = std::min(to, count_);
-  double number = 0, sum = 0;
-  for (unsigned i = from; i < to; ++i) {
-    const double value = ValueAt(i);
-    if (std::isnan(value)) continue;
-    ++number;
-    sum += value;
-  }
-  if (number == 0) return {0, kNone, kNone, kNone, kNone};
-  const double mean = sum / number;
-  double squares = 0, rest = 0;
-  for (unsigned i = from; i < to; ++i) {
-    const double distance = ValueAt(i) - mean;
-    if (std::isnan(distance)) continue;
-    squares += distance * distance;
-    rest += distance;  // rounding error of the mean
-  }
-  const Extent extent = ExtentOf(from, to);
-  const double variance = number > 1 ? (squares - rest * rest / number) / (number - 1) : 0;
-  return {number, extent.low, extent.high, mean + rest / number, std::sqrt(std::max(variance, 0.0))};
+  return ComputeStatistics(*this, from, to);
 }
 
 }  // namespace kv

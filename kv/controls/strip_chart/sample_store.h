@@ -43,6 +43,8 @@ class SampleStore {
   unsigned long long appended() const { return appended_; }  // including samples that have been discarded
   double TimeAt(unsigned index) const { return times_[Slot(index)]; }
   double ValueAt(unsigned index) const { return values_[Slot(index)]; }
+  bool HasGapBefore(unsigned) const { return false; }  // a gap is a sample of its own
+  StripTimeRange times() const { return count_ ? StripTimeRange{oldest(), newest()} : StripTimeRange{0, -1}; }
   double oldest() const { return TimeAt(0); }
   double newest() const { return TimeAt(count_ - 1); }
 
@@ -71,5 +73,31 @@ class SampleStore {
   std::unique_ptr<double[]> times_, values_;
   std::array<std::unique_ptr<Extent[]>, kLevels> levels_;
 };
+
+// The statistics of samples from..to-1.
+template <class Samples>
+StripStatistics ComputeStatistics(const Samples& samples, unsigned from, unsigned to) {
+  constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+  to = std::min(to, samples.count());
+  double number = 0, sum = 0;
+  for (unsigned i = from; i < to; ++i) {
+    const double value = samples.ValueAt(i);
+    if (std::isnan(value)) continue;
+    ++number;
+    sum += value;
+  }
+  if (number == 0) return {0, kNone, kNone, kNone, kNone};
+  const double mean = sum / number;
+  double squares = 0, rest = 0;
+  for (unsigned i = from; i < to; ++i) {
+    const double distance = samples.ValueAt(i) - mean;
+    if (std::isnan(distance)) continue;
+    squares += distance * distance;
+    rest += distance;  // rounding error of the mean
+  }
+  const Extent extent = samples.ExtentOf(from, to);
+  const double variance = number > 1 ? (squares - rest * rest / number) / (number - 1) : 0;
+  return {number, extent.low, extent.high, mean + rest / number, std::sqrt(std::max(variance, 0.0))};
+}
 
 }  // namespace kv

@@ -1,6 +1,6 @@
 // Window class "kvLineRecorder": a strip chart of up to eight channels over time. A ring buffer stores the newest
-// samples of each channel. The chart scrolls or sweeps; the user can freeze the display, zoom, pan, read values at a
-// cursor and select a time range to see its statistics.
+// samples of each channel; or the program supplies them. The chart scrolls or sweeps; the user can freeze the display,
+// zoom, pan, read values at a cursor and select a time range to see its statistics.
 //
 // Styles         The low four bits of the window style select the mode; further bits are options (kStrip... below). The
 //                control copies the style when it is created; change it with kStripStyle.
@@ -72,9 +72,51 @@ struct StripSample {
 };
 static_assert(sizeof(StripSample) == 16);
 
+// A time range, including both ends.
+struct StripTimeRange {
+  double from, to;
+};
+
 struct StripSamples {
   DWORD count;
   const StripSample* samples;  // used only during the call
+};
+
+// Samples that the program stores itself: the chart copies none of them, as an owner-data list view copies no items. It
+// asks for what its columns of pixels need, so millions of samples are drawn in a few milliseconds.
+//
+// The functions are called on the thread of the window, while it handles a message of any kind. `context` is passed to
+// each of them. They and the context must remain valid until the source is removed or replaced, or the window is
+// destroyed. Change the samples on that thread, too, and not from within the functions, which must not call the chart.
+//
+// Samples have numbers from numbers().first to numbers().end - 1, at most 2^31 - 1 of them; dropping the oldest samples
+// does not change the numbers of the others. Their times never decrease. A gap is a sample without a value (as above),
+// or lies between a sample with kStripGapBefore and the previous one.
+inline constexpr DWORD kStripGapBefore =
+    1;  // state bit of StripSuppliedSample: nothing is known between the two samples
+struct StripSuppliedSample {
+  double time, value;
+  DWORD state;
+};
+struct StripNumbers {
+  long long first, end;
+};
+struct StripExtent {
+  double minimum, maximum;  // minimum > maximum: no values
+};
+struct StripSource {
+  DWORD version;  // kStripVersion
+  void* context;
+  StripNumbers (*numbers)(void* context, int channel);
+  // The first sample at or after a time; `end` if there is none. Times may be rounded.
+  long long (*find)(void* context, int channel, double time);
+  // Stores `count` samples, which exist.
+  void (*read)(void* context, int channel, long long number, DWORD count, StripSuppliedSample* samples);
+  // The minimum and maximum of the values of samples from..to-1. Null: the chart reads the samples, which takes long if
+  // there are millions.
+  StripExtent (*extent)(void* context, int channel, long long from, long long to);
+  // The time range in which the user can move the display, and whose end it follows. Null: that of the samples.
+  StripTimeRange (*times)(void* context, int channel);
 };
 
 inline constexpr DWORD kStripVisible = 1;  // state bit of StripChannel
@@ -109,17 +151,13 @@ struct StripView {
 };
 static_assert(sizeof(StripView) == 56 && offsetof(StripView, zoom) == 40);
 
-// The values at a time: of the nearest sample of each channel; NaN if there is none.
+// The values at a time. A channel's value is that of the sample at or before this time; NaN before its first and after
+// its newest sample and in gaps, from the sample that begins a gap to the next one.
 struct StripReading {
   double time;
   double values[kStripChannels];  // can only be read
 };
 static_assert(sizeof(StripReading) == 72);
-
-// A time range, including both ends.
-struct StripTimeRange {
-  double from, to;
-};
 
 // Statistics of the values that are not gaps. Without values, `count` is 0 and the other fields are NaN.
 struct StripStatistics {
@@ -148,6 +186,12 @@ inline constexpr WPARAM kStripStatistics = 25;
 inline constexpr WPARAM kStripCount = 26;  // read only: a DWORD, the number of stored samples of a channel
 // A DWORD: space for at least that many characters, up to 16, at each value axis; it aligns charts above each other.
 inline constexpr WPARAM kStripAxisDigits = 27;
+
+// A StripSource: the channel's samples are the program's. kStripAppend is rejected then. kCommandRemove removes the
+// source; the channel is empty then. Set the source again when other samples take the place of those shown.
+inline constexpr WPARAM kStripSource = 28;
+// Samples of the sources have been appended or dropped: they are shown as with kStripAppend. No address.
+inline constexpr WPARAM kStripUpdate = 29;
 
 inline constexpr WPARAM kStripZoneEnable = 0x0400;  // kStripZone: shows the zone
 

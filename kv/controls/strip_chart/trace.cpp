@@ -17,19 +17,32 @@ namespace {
 constexpr unsigned kManySamples = 4;  // per column
 constexpr int kParts = 4;             // parts of a column with fewer samples
 
+// Adds the value at a time between the sample `before` and the next one.
+template <class Samples>
+void AddCrossing(const Samples& samples, unsigned before, double time, Extent* passed) {
+  if (samples.HasGapBefore(before + 1)) return;
+  const double start = samples.TimeAt(before), length = samples.TimeAt(before + 1) - start;
+  const double value = samples.ValueAt(before);
+  passed->Add(value + (samples.ValueAt(before + 1) - value) * ((time - start) / length));
+}
+
 // The part of the line between two times; hints speed up the search for its first and last sample.
-Extent PassedBetween(const SampleStore& store, unsigned count, double from, double to, unsigned hint,
-                     unsigned endHint) {
-  const unsigned first = std::min(store.FirstFrom(from, hint), count);
-  const unsigned end = std::min(store.FirstAfter(to, endHint), count);
-  Extent passed = store.ExtentOf(first, end);
-  const auto addBetween = [&](unsigned before, double time) {
-    const double start = store.TimeAt(before), length = store.TimeAt(before + 1) - start;
-    const double value = store.ValueAt(before);
-    passed.Add(value + (store.ValueAt(before + 1) - value) * ((time - start) / length));
-  };
-  if (first > 0 && first < count) addBetween(first - 1, from);
-  if (end > 0 && end < count) addBetween(end - 1, to);
+template <class Samples>
+Extent PassedBetween(const Samples& samples, unsigned count, double from, double to, unsigned hint, unsigned endHint) {
+  const unsigned first = std::min(samples.FirstFrom(from, hint), count);
+  const unsigned end = std::min(samples.FirstAfter(to, endHint), count);
+  Extent passed = samples.ExtentOf(first, end);
+  if (first > 0 && first < count) AddCrossing(samples, first - 1, from, &passed);
+  if (end > 0 && end < count) AddCrossing(samples, end - 1, to, &passed);
+  return passed;
+}
+
+// The same for a column whose samples first..next-1 are known.
+template <class Samples>
+Extent PassedInColumn(const Samples& samples, unsigned count, double from, double to, unsigned first, unsigned next) {
+  Extent passed = samples.ExtentOf(first, next);
+  if (first > 0) AddCrossing(samples, first - 1, from, &passed);
+  if (next < count) AddCrossing(samples, next - 1, to, &passed);
   return passed;
 }
 
@@ -81,7 +94,8 @@ void TraceRows::Flush(const Surface& surface, LONG x, LONG top, COLORREF color) 
   last_ = -1;
 }
 
-void DrawTrace(Canvas& canvas, TraceRows& rows, const SampleStore& store, const TraceView& view, const RECT& plot,
+template <class Samples>
+void DrawTrace(Canvas& canvas, TraceRows& rows, const Samples& samples, const TraceView& view, const RECT& plot,
                long long from, long long to, LONG x, COLORREF color) {
   if (view.count == 0) return;
   const double column = view.secondsPerColumn, half = view.width / 2, reach = half * 0.6;
@@ -91,18 +105,18 @@ void DrawTrace(Canvas& canvas, TraceRows& rows, const SampleStore& store, const 
     rows.Add((view.range.high - passed.high) * scale - half, (view.range.high - passed.low) * scale + half, weight);
   };
   canvas.FinishGdi();
-  unsigned first = store.FirstFrom(static_cast<double>(from) * column, store.count() / 2), many = 0;
+  unsigned first = samples.FirstFrom(static_cast<double>(from) * column, samples.count() / 2), many = 0;
   for (; from < to; ++from, ++x) {
     const double start = static_cast<double>(from);
     // Hidden samples do not count: the column is drawn as if they did not exist.
-    const unsigned next = std::min(store.FirstFrom((start + 1) * column, first + many), std::max(view.count, first));
+    const unsigned next = std::min(samples.FirstFrom((start + 1) * column, first + many), std::max(view.count, first));
     many = next - first;
     if (many > kManySamples) {
-      add(PassedBetween(store, view.count, start * column, (start + 1) * column, first, next), TraceRows::kWhole);
+      add(PassedInColumn(samples, view.count, start * column, (start + 1) * column, first, next), TraceRows::kWhole);
     } else {
       for (int part = 0; part < kParts; ++part) {
         const double left = start + static_cast<double>(part) / kParts - reach;
-        add(PassedBetween(store, view.count, left * column, (left + 1.0 / kParts + 2 * reach) * column, first, next),
+        add(PassedBetween(samples, view.count, left * column, (left + 1.0 / kParts + 2 * reach) * column, first, next),
             TraceRows::kWhole / kParts);
       }
     }
@@ -110,5 +124,10 @@ void DrawTrace(Canvas& canvas, TraceRows& rows, const SampleStore& store, const 
     first = next;
   }
 }
+
+template void DrawTrace(Canvas&, TraceRows&, const SampleStore&, const TraceView&, const RECT&, long long, long long,
+                        LONG, COLORREF);
+template void DrawTrace(Canvas&, TraceRows&, const SuppliedSamples&, const TraceView&, const RECT&, long long,
+                        long long, LONG, COLORREF);
 
 }  // namespace kv

@@ -9,6 +9,7 @@
 
 #include "kv/controls/strip_chart/axis.h"
 #include "kv/controls/strip_chart/sample_store.h"
+#include "kv/controls/strip_chart/supplied_samples.h"
 #include "kv/framework/canvas.h"
 
 namespace kv {
@@ -38,8 +39,10 @@ struct TraceView {
   unsigned count;  // only the first `count` samples are shown
 };
 
-// Draws the columns from..to-1 of the time axis, with `from` at x. Column 0 begins at time 0.
-void DrawTrace(Canvas& canvas, TraceRows& rows, const SampleStore& store, const TraceView& view, const RECT& plot,
+// Draws the columns from..to-1 of the time axis, with `from` at x. Column 0 begins at time 0. Defined for SampleStore
+// and SuppliedSamples.
+template <class Samples>
+void DrawTrace(Canvas& canvas, TraceRows& rows, const Samples& samples, const TraceView& view, const RECT& plot,
                long long from, long long to, LONG x, COLORREF color);
 
 }  // namespace kv

@@ -252,5 +252,117 @@ TEST(StripRendering, ViewsBeyondTheResolutionOfDoublesAreDrawn) {
   EXPECT_GT(renderer.layoutShown().axis[0].step, 1e-4);
 }
 
+// ---- Supplied samples -----------------------------------------------------------------------------------------------
+
+// A program's samples: those of `all` from number `first` on; `reads` counts how many the chart has read.
+struct Supplied {
+  std::vector<StripSuppliedSample> all;
+  long long first = 0;
+  bool hasTimes = false;
+  int reads = 0;
+
+  StripSource Source() {
+    return {kStripVersion, this, Numbers, Find, Read, FindExtent, hasTimes ? FindTimes : nullptr};
+  }
+  static StripNumbers Numbers(void* context, int) {
+    const auto* own = static_cast<Supplied*>(context);
+    return {own->first, static_cast<long long>(own->all.size())};
+  }
+  static long long Find(void* context, int, double time) {
+    const auto& all = static_cast<Supplied*>(context)->all;
+    return std::ranges::lower_bound(all, time, {}, &StripSuppliedSample::time) - all.begin();
+  }
+  static void Read(void* context, int, long long number, DWORD count, StripSuppliedSample* samples) {
+    auto* own = static_cast<Supplied*>(context);
+    own->reads += static_cast<int>(count);
+    ASSERT_TRUE(number >= own->first && number + count <= own->all.size());
+    std::copy_n(own->all.begin() + number, count, samples);
+  }
+  static StripExtent FindExtent(void* context, int, long long from, long long to) {
+    Extent extent;
+    for (; from < to; ++from) extent.Add(static_cast<Supplied*>(context)->all[from].value);
+    return {extent.low, extent.high};
+  }
+  static StripTimeRange FindTimes(void*, int) { return {-5, 500}; }
+};
+
+TEST(StripSources, AreDrawnLikeTheSameSamplesInTheChart) {
+  std::mt19937 random(5);
+  const auto below = [&](unsigned limit) { return static_cast<unsigned>(random() % limit); };
+  for (const DWORD style : {kStripScroll, kStripSweep}) {
+    StripModel own, supplied;
+    Supplied program;
+    const StripSource source = program.Source();
+    StripRenderer one, other, whole;
+    own.style = supplied.style = style;
+    for (StripModel* model : {&own, &supplied}) {
+      ASSERT_TRUE(SetView(*model, {kStripVersion, kStripFollow, 10, 0, -2, 2, 1, 0}));
+    }
+    ASSERT_TRUE(SetSource(supplied, 0, &source));
+    double time = 0;
+    for (int step = 0; step < 120; ++step) {
+      for (unsigned i = below(step % 20 ? 12 : 900); i > 0; --i) {
+        time += below(100) * (step % 3 ? 0.002 : 0.0002);
+        const double value = below(50) ? std::sin(time * 3) : NAN;
+        program.all.push_back({time, value, 0});
+        ASSERT_TRUE(AppendSamples(own, 0, std::array{StripSample{time, value}}));
+      }
+      if (below(20) == 0) SetFrozen(own, !IsFrozen(own)), SetFrozen(supplied, IsFrozen(own));
+      if (below(20) == 0) ZoomTime(own, 2, 0.5), ZoomTime(supplied, 2, 0.5);
+      if (below(20) == 0) ReturnHome(own), ReturnHome(supplied);
+      one.Update(own, {260, 150}, false);
+      NoticeSources(supplied);
+      other.Update(supplied, {260, 150}, false);
+      ASSERT_EQ(0, Differences(one.surface(), other.surface())) << style << ", step " << step;
+    }
+    program.first = static_cast<long long>(program.all.size()) - 500;
+    NoticeSources(supplied);
+    other.Update(supplied, {260, 150}, false);
+    whole.Update(supplied, {260, 150}, true);
+    EXPECT_EQ(0, Differences(whole.surface(), other.surface()));
+  }
+}
+
+TEST(StripSources, NoLineIsDrawnAcrossAGap) {
+  const auto drawn = [](DWORD state) {
+    Supplied program;
+    program.all = {{0, 0.9, 0}, {1, 0.9, 0}, {9, 0.9, state}, {10, 0.9, 0}};
+    const StripSource source = program.Source();
+    StripModel model;
+    SetSource(model, 0, &source);
+    SetView(model, {kStripVersion, kStripFollow, 10, 0, 0, 2, 1, 0});
+    StripRenderer renderer;
+    renderer.Update(model, {300, 200}, true);
+    GdiFlush();
+    const RECT& plot = renderer.layoutShown().plot;
+    const LONG y = plot.top + (plot.bottom - plot.top) * 55 / 100, x = (plot.left + plot.right) / 2 + 5;
+    return renderer.surface().Row(y)[x] != renderer.surface().Row(y + 15)[x];
+  };
+  EXPECT_TRUE(drawn(0));
+  EXPECT_FALSE(drawn(kStripGapBefore));
+}
+
+TEST(StripSources, AreReadForTheColumnsOfPixelsOnly) {
+  Supplied program{.hasTimes = true};
+  for (int i = 0; i < 1000000; ++i)
+    program.all.push_back({i * 1e-4, std::sin(i * 1e-3), i == 500000 ? kStripGapBefore : 0});
+  StripModel model;
+  const StripSource source = program.Source();
+  ASSERT_TRUE(SetSource(model, 2, &source));
+  EXPECT_FALSE(AppendSamples(model, 2, std::array{StripSample{1e6, 1}}));
+  EXPECT_EQ(std::pair(-5.0, 500.0), std::pair(StoredTimes(model).from, StoredTimes(model).to));
+  StripRenderer renderer;
+  renderer.Update(model, {800, 300}, true);
+  EXPECT_LT(program.reads, 800 * 40);
+  const auto& all = program.all;
+  EXPECT_EQ(all[499999].value, ReadingAt(model, all[499999].time).values[2]);
+  EXPECT_TRUE(std::isnan(ReadingAt(model, all[499999].time + 5e-5).values[2]));  // in the gap
+  EXPECT_EQ(all[500000].value, ReadingAt(model, all[500000].time + 5e-5).values[2]);
+  EXPECT_TRUE(std::isnan(ReadingAt(model, 100).values[2]));
+  EXPECT_EQ(1e6, ChannelStatistics(model, 2).count);
+  ASSERT_TRUE(SetSource(model, 2, nullptr));
+  EXPECT_TRUE(AppendSamples(model, 2, std::array{StripSample{1, 1}}));
+}
+
 }  // namespace
 }  // namespace kv
