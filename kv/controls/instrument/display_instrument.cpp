@@ -91,7 +91,8 @@ void StoreShownText(InstrumentState* state) {
 
 InstrumentAppearance AppearanceOf(const InstrumentState& state) {
   InstrumentAppearance appearance{
-      {0, 0, state.nWidth, state.nHeight}, state.dwStyle, {}, state.block, state.work.appearance.reach};
+      {0, 0, state.nWidth, state.nHeight}, state.dwStyle, {}, state.block, state.work.appearance.reach,
+      state.work.appearance.valueExponent};
   std::ranges::transform(kSystemColors, appearance.colors, GetSysColor);
   if (!ReadingOf(state.block).valid) appearance.block.state |= kInstrumentNoValue;
   appearance.block.current = 0;

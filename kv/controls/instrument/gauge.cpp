@@ -21,7 +21,7 @@ namespace {
 // Radii relative to the dial's.
 constexpr double kZoneOuter = 0.97, kZoneInner = 0.91;
 constexpr double kTickOuter = 0.955, kMinorInner = 0.905;
-constexpr double kNeedleTail = 0.17, kHub = 0.10, kIndexTip = 0.94;
+constexpr double kNeedleTail = 0.17, kHub = 0.10, kIndexTip = 0.94, kNeedleTip = 0.9;
 
 RECT Widened(RECT box) {
   // Rounding must not truncate a text.
@@ -91,6 +91,7 @@ void DrawBackground(Canvas& canvas, InstrumentAppearance& appearance) {
   const GaugeLayout layout = LayOutGauge(appearance.area, appearance.block, MeasureText);
   const Dial& dial = layout.dial;
   appearance.reach = static_cast<float>(layout.reach);
+  appearance.valueExponent = layout.valueExponent;
   DrawDialCase(canvas, dial, appearance);
   if (dial.radius <= 0) return;
   DrawZones(canvas, dial, appearance);
@@ -101,19 +102,22 @@ void DrawBackground(Canvas& canvas, InstrumentAppearance& appearance) {
 
 // ---- Value ----------------------------------------------------------------------------------------------------------
 
-// The geometry of a needle, in pixels.
+// The geometry of a needle, in pixels. Its body ends at the labels, from where a thin tip, which hides no label,
+// reaches the marks.
 struct Needle {
-  PointD tip, tail;
+  PointD tip, end, tail;
   double angle, root, point, hub;
 };
 
 Needle NeedleAt(const Dial& dial, double reach, double angle) {
   const double radius = dial.innerRadius;
-  return {.tip = PolarPoint(dial.centre, reach, angle),
+  const double tip = radius < kMinRadiusWithLabels ? reach : std::max(reach, kNeedleTip * radius);
+  return {.tip = PolarPoint(dial.centre, tip, angle),
+          .end = PolarPoint(dial.centre, reach, angle),
           .tail = PolarPoint(dial.centre, -radius * kNeedleTail, angle),
           .angle = angle,
           .root = std::max(1.8, radius * 0.055),
-          .point = std::max(0.6, radius * 0.012),
+          .point = std::max(0.6, radius * 0.01),
           .hub = std::max(2.0, radius * kHub)};
 }
 
@@ -128,21 +132,22 @@ RECT BoundsOfNeedle(const Needle& needle, const Dial& dial, const RECT& limit) {
 void DrawNeedle(Canvas& canvas, const InstrumentAppearance& appearance, const Needle& needle) {
   const Dial dial = DialIn(appearance.area);
   const double edge = std::max(0.5, dial.innerRadius * 0.012);
-  const auto [tip, tail, angle, root, point, hub] = needle;
+  const auto [tip, end, tail, angle, root, point, hub] = needle;
   const PointD across = PolarPoint({0, 0}, 1, angle + 90), centre = dial.centre;
   const auto beside = [&across](PointD place, double distance) {
     return PointD{place.x + across.x * distance, place.y + across.y * distance};
   };
   const auto outline = [&](double wider) {
-    const double half = needle.root + wider, tailHalf = needle.root * 0.75 + wider, tipHalf = needle.point + wider;
-    return std::array{beside(needle.tip, tipHalf),    beside(centre, half),  beside(needle.tail, tailHalf),
-                      beside(needle.tail, -tailHalf), beside(centre, -half), beside(needle.tip, -tipHalf)};
+    const double half = needle.root + wider, tailHalf = needle.root * 0.75 + wider, tipHalf = needle.point + wider / 2;
+    return std::array{beside(needle.tip, tipHalf),   beside(needle.end, tipHalf),    beside(centre, half),
+                      beside(needle.tail, tailHalf), beside(needle.tail, -tailHalf), beside(centre, -half),
+                      beside(needle.end, -tipHalf),  beside(needle.tip, -tipHalf)};
   };
   const COLORREF color = DisplayColor(appearance);
   // A dark edge separates the needle from the labels; two tones give it a ridge.
   FillPolygon(canvas, outline(edge), ColorsOf(appearance).dialBottom);
   FillPolygon(canvas, outline(0), color);
-  const PointD darkHalf[] = {tip, beside(tip, point), beside(dial.centre, root), beside(tail, root * 0.75), tail};
+  const PointD darkHalf[] = {end, beside(end, point), beside(dial.centre, root), beside(tail, root * 0.75), tail};
   FillPolygon(canvas, darkHalf, ShadeColor(color, 0.72));
   FillDisc(canvas, dial.centre, hub + edge, ColorsOf(appearance).dialBottom);
   FillGradientDisc(canvas, dial.centre, hub, RGB(150, 155, 161), RGB(62, 66, 72));
@@ -182,7 +187,7 @@ void AddParts(ValueLayer& layer, const InstrumentBlock& block, const char*) {
   if (dial.radius <= 0) return;
   const RECT window = Widened(GaugeValueBox(dial));
   if (dial.innerRadius >= kMinRadiusWithValue && !layer.Skips(window)) {
-    layer.Add(window, LayOutGaugeValue(dial, block, MeasureText), DrawValueText);
+    layer.Add(window, LayOutGaugeValue(dial, block, appearance.valueExponent, MeasureText), DrawValueText);
   }
   const InstrumentReading reading = ReadingOf(block);
   if (!reading.valid) return;

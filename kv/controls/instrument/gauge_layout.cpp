@@ -229,16 +229,28 @@ double NeedleReach(const Dial& dial) {
   return std::min(reach, valueTop / -std::cos(Radians(kGaugeStart)));
 }
 
+// Whether the unit can have a prefix for this power of ten.
+bool TakesPrefix(const InstrumentBlock& block, int exponent) {
+  constexpr std::wstring_view kPlainUnits[] = {L"A",      L"Bq",     L"C", L"F",   L"H", L"Hz", L"J",
+                                               L"K",      L"L",      L"N", L"S",   L"V", L"W",  L"Pa",
+                                               L"\u03A9", L"\u2126", L"g", L"m/s", L"m", L"s"};
+  return exponent != 0 && std::abs(exponent) <= 12 &&
+         std::ranges::find(kPlainUnits, DecodedUnit(block).view()) != std::end(kPlainUnits);
+}
+
+// The unit with a prefix ("\u00B5A") or a power of ten ("\u00D710\u2076 kn").
 FixedText UnitText(const InstrumentBlock& block, int exponent) {
-  FixedText unit = DecodedUnit(block);
+  constexpr std::wstring_view kPrefixes = L"pn\u00B5m kMGT";
+  constexpr std::wstring_view kDigits = L"\u2070\u00B9\u00B2\u00B3\u2074\u2075\u2076\u2077\u2078\u2079";
+  const FixedText unit = DecodedUnit(block);
   if (exponent == 0) return unit;
-  wchar_t scaled[32];
-  if (exponent == 3) {
-    FormatBounded(scaled, sizeof(scaled), L"\u00D71000 %s", unit.c_str());
-  } else {
-    FormatBounded(scaled, sizeof(scaled), L"\u00D71E%ld %s", static_cast<long>(exponent), unit.c_str());
-  }
-  return scaled;
+  if (TakesPrefix(block, exponent)) return FixedText(kPrefixes.substr(exponent / 3 + 4, 1)) + unit;
+  if (exponent == 3) return FixedText(L"\u00D71000 ") + unit;
+  FixedText power = L"\u00D710";
+  if (exponent < 0) power += L'\u207B';
+  const int magnitude = std::abs(exponent);
+  if (magnitude >= 10) power += kDigits[magnitude / 10];
+  return power + kDigits.substr(magnitude % 10, 1) + L" " + unit;
 }
 
 }  // namespace
@@ -279,7 +291,7 @@ GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, TextMeas
   const Dial dial = DialIn(area);
   const double radius = dial.innerRadius;
   const InstrumentReading reading = ReadingOf(block);
-  GaugeLayout layout{dial, ChooseScale(reading.minimum, reading.maximum, 10), {}, {}, {}, NeedleReach(dial)};
+  GaugeLayout layout{dial, ChooseScale(reading.minimum, reading.maximum, 10), {}, {}, {}, NeedleReach(dial), 0};
   if (radius < kMinRadiusWithName) return layout;
   const DialSpace empty{
       dial,
@@ -308,6 +320,8 @@ GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, TextMeas
   if (layout.labels.empty()) captions = PlaceCaptions(empty, name, DecodedUnit(block), measure);
   layout.name = captions.name;
   layout.unit = captions.unit;
+  const bool scaled = !layout.labels.empty() && TakesPrefix(block, layout.scale.exponent);
+  layout.valueExponent = scaled ? layout.scale.exponent : 0;
   return layout;
 }
 
@@ -318,11 +332,14 @@ RECT GaugeValueBox(const Dial& dial) {
   return BoxAt({dial.centre.x, dial.centre.y + middle}, std::max(24.0, radius * width), height);
 }
 
-GaugeText LayOutGaugeValue(const Dial& dial, const InstrumentBlock& block, TextMeasure measure) {
-  const InstrumentReading reading = ReadingOf(block);
+GaugeText LayOutGaugeValue(const Dial& dial, const InstrumentBlock& block, int exponent, TextMeasure measure) {
+  InstrumentReading reading = ReadingOf(block);
+  for (double* number : {&reading.minimum, &reading.maximum, &reading.value}) *number /= std::pow(10.0, exponent);
+  const int decimals = std::clamp((block.format & kFormatDecimals) + exponent, 0, static_cast<int>(kFormatDecimals));
+  const BYTE format = static_cast<BYTE>(decimals | (block.format & kFormatSign));
   const RECT box = GaugeValueBox(dial);
   const int space = box.right - box.left - 2, wanted = Round(std::max(10.0, dial.innerRadius * 0.25));
-  const NumberFormList forms = reading.valid ? NumberForms(reading, block.format) : NumberFormList{L"---"};
+  const NumberFormList forms = reading.valid ? NumberForms(reading, format) : NumberFormList{L"---"};
   // A truncated number would be wrong: the last form is made as small as necessary.
   for (const FixedText& form : forms) {
     const int least = &form == &forms.back() ? 1 : kMinFontHeight;

@@ -48,7 +48,8 @@ struct GaugeLayout {
   GaugeScale scale;
   GaugeLabels labels;    // empty when there is no space
   GaugeText name, unit;  // below the hub; hidden if they do not fit
-  double reach;          // the needle's length; it does not reach the labels
+  double reach;          // the length of the needle's body; it does not reach the labels
+  int valueExponent;     // the value is divided by ten to this power, because the unit has a prefix for it
 };
 GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, TextMeasure measure);
 
@@ -56,6 +57,6 @@ GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, TextMeas
 inline constexpr double kMinRadiusWithWindow = 40, kMinRadiusWithValue = 20;
 inline constexpr double kMinRadiusWithLabels = 36;
 RECT GaugeValueBox(const Dial& dial);
-GaugeText LayOutGaugeValue(const Dial& dial, const InstrumentBlock& block, TextMeasure measure);
+GaugeText LayOutGaugeValue(const Dial& dial, const InstrumentBlock& block, int exponent, TextMeasure measure);
 
 }  // namespace kv

@@ -28,9 +28,12 @@ struct InstrumentAppearance {
   DWORD style;
   COLORREF colors[ARRAYSIZE(kSystemColors)];
   InstrumentBlock block;  // without the current value; kInstrumentNoValue is set if there is no valid value
-  float reach;            // the length of a gauge's needle in pixels; computed when the background is drawn
+  // Of a gauge, computed when the background is drawn: the length of the needle's body in pixels, and the power of ten
+  // by which the value is divided.
+  float reach;
+  int valueExponent;
 };
-static_assert(sizeof(InstrumentAppearance) == 56 + sizeof(InstrumentBlock));
+static_assert(sizeof(InstrumentAppearance) == 60 + sizeof(InstrumentBlock));
 
 // The parts of a value layer, in order. While the background does not change, the lists of an instrument have the same
 // parts in the same order, but parts at the end may be added or removed.

@@ -20,7 +20,7 @@ struct InstrumentWork {
   InstrumentAppearance appearance;
   DWORD renderings;  // the number of renderings of the back buffer; wraps
   BOOL bExact;       // the running glide ends at the target itself
-  BYTE free[3516];
+  BYTE free[3512];
 };
 
 struct InstrumentState {

@@ -42,9 +42,12 @@ bool HasSign(BYTE format) {
   return (format & kFormatSign) != 0;
 }
 
-// The number of decimals with which at least ten values of the range differ.
-int LeastDecimals(const InstrumentReading& reading) {
-  return static_cast<int>(std::max(0.0, std::ceil(1 - std::log10(std::fabs(reading.maximum - reading.minimum)))));
+// The number of decimals with which at least ten values of the range differ, or as many as the format has; more than
+// those if no format has enough.
+int LeastDecimals(const InstrumentReading& reading, BYTE format) {
+  const double least = std::ceil(1 - std::log10(std::fabs(reading.maximum - reading.minimum)));
+  if (least > kFormatDecimals) return kFormatDecimals + 1;
+  return std::clamp(static_cast<int>(least), 0, DecimalsOf(format));
 }
 
 int LongestNumber(const InstrumentReading& reading, int decimals, bool sign) {
@@ -148,16 +151,16 @@ FixedText PlainNumber(double value, int decimals, bool sign) {
 
 NumberFormList NumberForms(const InstrumentReading& reading, BYTE format) {
   NumberFormList forms;
-  const int decimals = DecimalsOf(format), least = std::min(decimals, LeastDecimals(reading));
-  for (int i = decimals; i >= least; --i) forms.push_back(PlainNumber(reading.value, i, HasSign(format)));
+  for (int i = DecimalsOf(format); i >= LeastDecimals(reading, format); --i) {
+    forms.push_back(PlainNumber(reading.value, i, HasSign(format)));
+  }
   const FixedText power = ShortNumber(reading.value);
-  if (power.size() < forms.back().size()) forms.push_back(power);
+  if (forms.empty() || power.size() < forms.back().size()) forms.push_back(power);
   return forms;
 }
 
 FixedText FittedNumber(const InstrumentReading& reading, BYTE format, int most) {
-  const int least = std::min(DecimalsOf(format), LeastDecimals(reading));
-  for (int decimals = DecimalsOf(format); decimals >= least; --decimals) {
+  for (int decimals = DecimalsOf(format); decimals >= LeastDecimals(reading, format); --decimals) {
     const int width = LongestNumber(reading, decimals, HasSign(format));
     if (width > most) continue;
     const FixedText text = PlainNumber(reading.value, decimals, HasSign(format));

@@ -232,13 +232,32 @@ TEST(InstrumentGauge, NoTwoTextsTouchAtAnySizeAndRange) {
         EXPECT_TRUE(side < 200 || (layout.name.height && layout.unit.box.top > layout.dial.centre.y)) << what;
       }
       if (side < 48) continue;
-      const GaugeText shown = LayOutGaugeValue(layout.dial, block, MeasureByCount);
+      const GaugeText shown = LayOutGaugeValue(layout.dial, block, layout.valueExponent, MeasureByCount);
       EXPECT_GE(shown.height, 7) << what;
       EXPECT_LE(MeasureByCount(shown.text, shown.height, shown.weight).cx, shown.box.right - shown.box.left) << what;
       // At the ends of the scale the needle ends above a value of maximum width, or passes beside it.
       const bool wide = layout.dial.innerRadius < kMinRadiusWithLabels;
       EXPECT_LT(wide ? layout.reach * std::sqrt(0.5) : 0, shown.box.top - centre.y + shown.height * 0.1) << what;
     }
+  }
+}
+
+// Scale, unit and value agree: a prefix applies to all of them, a power of ten only to the scale.
+TEST(InstrumentGauge, LongNumbersGetAPrefixOrAPowerOfTen) {
+  const std::tuple<float, float, int, const char*, const wchar_t*, const wchar_t*> cases[] = {
+      {0.0042f, 0.0033f, 4, "A", L"mA", L"3.3"},
+      {5e-5f, 1.5e-5f, 7, "m/s", L"\u00B5m/s", L"15.0"},
+      {2e6f, 1.5e6f, 0, "Pa", L"MPa", L"1.500000"},
+      {9e6f, 4.5e6f, 0, "kn", L"\u00D710\u2076 kn", L"4500000"},
+      {3e-10f, 1e-10f, 7, "%", L"\u00D710\u207B\u00B9\u00B2 %", L"1e-10"},
+      {20000, 1500, 0, "ft", L"\u00D71000 ft", L"1500"},
+      {250, 100, 0, "V", L"V", L"100"}};
+  for (const auto& [maximum, value, format, unit, shownUnit, shownValue] : cases) {
+    InstrumentBlock block = Block(0, maximum, maximum / 100, static_cast<BYTE>(format), value);
+    strcpy(block.szUnit, unit);
+    const GaugeLayout layout = LayOutGauge({0, 0, 400, 400}, block, MeasureByCount);
+    EXPECT_EQ(shownUnit, layout.unit.text);
+    EXPECT_EQ(shownValue, LayOutGaugeValue(layout.dial, block, layout.valueExponent, MeasureByCount).text);
   }
 }
 

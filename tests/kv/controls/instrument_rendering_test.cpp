@@ -199,6 +199,14 @@ TEST_F(InstrumentRendering, FittedBarsAreDrawnAtEveryShape) {
   }
 }
 
+TEST_F(InstrumentRendering, NeedlesReachTheMarks) {
+  HWND gauge = Create(kModeGauge, 200, 200);
+  SetValue(gauge, 50);  // straight up, over the label
+  const Shown shown(gauge, 200, 200);
+  const auto isRed = [](COLORREF color) { return GetRValue(color) > 150 && GetGValue(color) < 110; };
+  for (int y = 20; y < 80; ++y) EXPECT_TRUE(isRed(shown.At(99, y)) || isRed(shown.At(100, y))) << y;
+}
+
 TEST_F(InstrumentRendering, SegmentBarsHaveAMarkerOnlyWithinTheRange) {
   HWND bar = Create(kModeSegmentBar, 60, 200);
   InstrumentBlock block = BlockOf(bar);

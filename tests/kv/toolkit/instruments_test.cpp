@@ -52,7 +52,7 @@ std::wstring ShownNumber(const InstrumentBlock& block, DWORD style, SIZE size) {
     case kModeDigital: text = DigitalText(block, style, {}); break;
     case kModeSegmentBar: text = SegmentBarNumber(area, block, style); break;
     case kModeCentreBar: text = CentreNumber(area, block, style, size.cx > size.cy); break;
-    default: text = LayOutGaugeValue(DialIn(area), block, measure).text; break;
+    default: text = LayOutGaugeValue(DialIn(area), block, 0, measure).text; break;
   }
   return std::wstring(WithoutPadding(text));
 }
