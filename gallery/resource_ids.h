@@ -55,9 +55,6 @@
 #define IDS_PAGE_FIRST 1000
 #define IDC_PAGE_FIRST 1000
 
-// A text of a language library; see resource.h.
-#define TEXT_OF(id) KV_TEXT_OF(id)
-
 // Overview
 #define IDC_OVERVIEW_TEXT (IDC_PAGE_FIRST + 0)
 #define IDC_OVERVIEW_INDEX (IDC_PAGE_FIRST + 1)

@@ -118,7 +118,7 @@ TEST_F(CamviewWindow, LosesNothingOfAPortThatComesAndGoes) {
 
   camera.reset();
   line.Unplug();
-  EXPECT_TRUE(Soon([&] { return Says(L"is gone; waiting for it"); })) << camera::Narrow(Text(IDC_STATUS));
+  EXPECT_TRUE(Soon([&] { return Says(L"was disconnected; waiting for it"); })) << camera::Narrow(Text(IDC_STATUS));
   line.PlugIn();
   camera = std::make_unique<kvtest::PlayedCamera>(farPort);
   EXPECT_TRUE(Soon([&] { return Says(L"has sent nothing for"); })) << camera::Narrow(Text(IDC_STATUS));

@@ -193,7 +193,7 @@ TEST_F(CamviewWindow, TheProgramTakesAFileAndALanguage) {
                                        L"\"" + files_.back().wstring() + L"\" --language de");
   HWND window = nullptr;
   EXPECT_TRUE(
-      Soon([&] { return (window = program.Find(L"kvDialog", L"camview test.twr – Kamerabetrachter")) != nullptr; }));
+      Soon([&] { return (window = program.Find(L"kvDialog", L"camview test.twr – Kamera-Viewer")) != nullptr; }));
   EXPECT_EQ(0u, program.Close(window));
 }
 
@@ -207,7 +207,7 @@ TEST_F(CamviewWindow, AllTextsFitInBothLanguages) {
   for (const int language : {0, 1}) {
     Command(IDM_LANGUAGE_FIRST + language);
     Settle();
-    EXPECT_EQ(language ? L"camview test.twr – Kamerabetrachter" : L"camview test.twr – Camera viewer", TextOf(window_));
+    EXPECT_EQ(language ? L"camview test.twr – Kamera-Viewer" : L"camview test.twr – Camera viewer", TextOf(window_));
     std::vector<std::wstring> truncated;
     kv::CollectTruncatedTexts(&truncated);
     RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN | RDW_UPDATENOW);
