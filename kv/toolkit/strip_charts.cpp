@@ -57,6 +57,10 @@ BOOL ShowStripChartChannel(HWND dialog, int id, int channel, BOOL show) {
 }
 
 BOOL AppendStripChartSamples(HWND dialog, int id, int channel, std::span<const StripSample> samples) {
+  HWND chart = ControlOfClass(dialog, id, kStripChartClass);
+  if (chart && GetWindowThreadProcessId(chart, nullptr) != GetCurrentThreadId()) {
+    return QueueStripSamples(chart, channel, samples);
+  }
   const StripSamples item{static_cast<DWORD>(samples.size()), samples.data()};
   return Send(dialog, id, kStripAppend, channel, &item);
 }
@@ -90,6 +94,10 @@ double StripChartNow() {
     return static_cast<double>(ticks.QuadPart) / kTicksPerSecond - kSecondsFrom1601To1970 - counted();
   }();
   return start + counted();
+}
+
+BOOL GetStripChartRejected(HWND dialog, int id, DWORD* samples) {
+  return Send(dialog, id, kStripRejected | kCommandRead, 0, samples);
 }
 
 BOOL SetStripChartCapacity(HWND dialog, int id, DWORD samples) {

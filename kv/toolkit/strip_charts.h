@@ -1,6 +1,6 @@
 // Typed functions for the strip charts of a dialog (kv/controls/strip_chart/strip_chart.h), selected by control id. All
 // functions return 0 and change nothing when the dialog has no strip chart with that id or the chart rejects an
-// argument. Main thread only.
+// argument. Main thread only, except where any thread is named.
 #pragma once
 
 #include <windows.h>
@@ -21,7 +21,9 @@ struct StripChannelOptions {
 BOOL SetStripChartChannel(HWND dialog, int id, int channel, const StripChannelOptions& options);
 BOOL ShowStripChartChannel(HWND dialog, int id, int channel, BOOL show);
 
-// Samples are displayed within 50 ms. All are rejected if a time is earlier than the previous one.
+// Samples are displayed within 50 ms. All are rejected if a time is earlier than the previous one. Any thread: another
+// one than the dialog's does not wait for the dialog, which may be closed meanwhile; the samples are queued, or
+// rejected when kStripQueueCapacity samples wait already (see QueueStripSamples).
 BOOL AppendStripChartSamples(HWND dialog, int id, int channel, std::span<const StripSample> samples);
 BOOL AppendStripChartValue(HWND dialog, int id, int channel, double time, double value);
 // Lets the program supply the samples of a channel (see StripSource); null removes the source.
@@ -29,8 +31,11 @@ BOOL SetStripChartSource(HWND dialog, int id, int channel, const StripSource* so
 // Shows samples that the sources have appended or dropped, within 50 ms.
 BOOL UpdateStripChart(HWND dialog, int id);
 // The local time in seconds since 1970, for charts that show the time of day. It never decreases, even when the clock
-// is set back.
+// is set back. Any thread.
 double StripChartNow();
+
+// The number of samples from other threads that were rejected.
+BOOL GetStripChartRejected(HWND dialog, int id, DWORD* samples);
 
 // Sets the number of samples that each channel stores.
 BOOL SetStripChartCapacity(HWND dialog, int id, DWORD samples);

@@ -1,5 +1,8 @@
 // The commands of a strip chart's owner.
+#include <algorithm>
+#include <array>
 #include <cmath>
+#include <vector>
 
 #include "kv/controls/strip_chart/control.h"
 #include "kv/controls/strip_chart/model.h"
@@ -129,6 +132,7 @@ bool DoCommand(StripChart& chart, WPARAM wParam, LPARAM lParam) {
     case kStripAppend: return !(wParam & kCommandRead) && Append(model, index, lParam);
     case kStripSource: return ExchangeSource(model, index, wParam, lParam);
     case kStripUpdate: return true;
+    case kStripRejected: return (wParam & kCommandRead) && CopyItemOut(chart.queue.rejected(), lParam);
     case kStripZone: return ExchangeZone(model, index, wParam, lParam);
     case kStripCapacity: return ExchangeCapacity(model, wParam, lParam);
     case kStripAxisDigits: return ExchangeAxisDigits(model, wParam, lParam);
@@ -141,15 +145,42 @@ bool DoCommand(StripChart& chart, WPARAM wParam, LPARAM lParam) {
   }
 }
 
+// The order of times can be tested where samples are queued only against the newest ones.
+void TellNewest(StripChart& chart) {
+  std::array<double, kStripChannels> newest;
+  for (int i = 0; i < kStripChannels; ++i) {
+    const SampleStore& store = chart.model.channels[i].store;
+    newest[i] = store.count() ? store.newest() : -kStripMaxTime;
+  }
+  chart.queue.SetNewest(newest);
+}
+
 }  // namespace
+
+void TakeQueued(StripChart& chart) {
+  const std::vector<QueuedSample> queued = chart.queue.Take(!chart.waiting);
+  std::vector<StripSample> samples;
+  for (auto each = queued.begin(); each != queued.end();) {
+    const int channel = each->channel;
+    samples.clear();
+    for (; each != queued.end() && each->channel == channel; ++each) samples.push_back(each->sample);
+    if (AppendSamples(chart.model, channel, samples)) continue;
+    // Another thread has appended to the same channel in between: as many as possible.
+    const auto isRejected = [&](const StripSample& one) { return !AppendSamples(chart.model, channel, {&one, 1}); };
+    chart.queue.AddRejected(static_cast<size_t>(std::ranges::count_if(samples, isRejected)));
+  }
+  if (!queued.empty()) TellNewest(chart);
+}
 
 LRESULT OnStripCommand(StripChart& chart, WPARAM wParam, LPARAM lParam) {
   constexpr UINT_PTR kShowTimer = 5;
   constexpr UINT kShowMs = 50;
   const double cursor = chart.model.cursor;
+  TakeQueued(chart);  // in the order of the calls
   if (!DoCommand(chart, wParam, lParam)) return FALSE;
   if (chart.model.cursor != cursor) chart.hovering = false;  // the owner has moved it away from the pointer
   if (wParam & kCommandRead) return TRUE;
+  TellNewest(chart);
   const bool render = LOBYTE(wParam) == kStripRender;
   const bool append = LOBYTE(wParam) == kStripAppend || LOBYTE(wParam) == kStripUpdate;
   const bool now = render || (wParam & kCommandRedraw);

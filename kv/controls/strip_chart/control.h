@@ -7,15 +7,17 @@
 
 #include "kv/controls/strip_chart/model.h"
 #include "kv/controls/strip_chart/renderer.h"
+#include "kv/controls/strip_chart/sample_queue.h"
 
 namespace kv {
 
 struct StripChart {
-  explicit StripChart(HWND owner) : window(owner) {
+  explicit StripChart(HWND owner) : window(owner), queue(owner) {
     model.style = static_cast<DWORD>(GetWindowLongA(window, GWL_STYLE));
   }
 
   HWND window;
+  SampleQueue queue;
   StripModel model;
   StripRenderer renderer;
   bool redrawAll = true;     // the next update draws everything
@@ -27,6 +29,8 @@ struct StripChart {
   bool dragged = false;  // moved since the button was pressed
 };
 
+// Appends the samples that other threads have queued.
+void TakeQueued(StripChart& chart);
 // Updates the back buffer and invalidates the changed parts, or everything if there is a cursor or a selection.
 void RefreshStrip(StripChart& chart);
 // Handles kControlCommand.

@@ -15,7 +15,8 @@
 // Notifications  kStripNotify..., posted as WM_COMMAND, for changes by the user, not by messages.
 // Accessibility  WM_GETOBJECT: the name is the window text or, without one, the names of the channels. The value is the
 //                values at the cursor or, without one, the newest values.
-// Thread         The thread that owns the window. Timer 5 of the window is reserved for the control.
+// Thread         The thread that owns the window; QueueStripSamples can be called by all threads. Timer 5 of the window
+//                is reserved for the control.
 //
 // Keyboard and mouse:
 //   Left, Right, Up, Down     pan
@@ -44,6 +45,7 @@
 #include <windows.h>
 
 #include <cstddef>
+#include <span>
 
 #include "kv/framework/control_class.h"
 
@@ -192,12 +194,24 @@ inline constexpr WPARAM kStripAxisDigits = 27;
 inline constexpr WPARAM kStripSource = 28;
 // Samples of the sources have been appended or dropped: they are shown as with kStripAppend. No address.
 inline constexpr WPARAM kStripUpdate = 29;
+// Read only: a DWORD, the number of samples of QueueStripSamples that were rejected since the chart was created.
+inline constexpr WPARAM kStripRejected = 30;
 
 inline constexpr WPARAM kStripZoneEnable = 0x0400;  // kStripZone: shows the zone
 
 // Notification codes.
 inline constexpr WORD kStripNotifyView = 1, kStripNotifyCursor = 2, kStripNotifySelection = 3;
 inline constexpr WORD kStripNotifyCursorSet = 4;  // the cursor was placed, by a click without dragging or by keys
+
+// Appends samples from any thread, without waiting for the window: they are queued, and shown within about 50 ms. Every
+// command on the window's thread finds those that were queued before. Returns 0 and queues none of them if the window
+// is not, or no longer, a strip chart, if a time is not allowed, or if the queue of the chart is full:
+// kStripQueueCapacity samples wait, because the window's thread has not handled messages for long. The caller decides
+// whether to try again later or to give up; in that case a sample of NaN shows the gap. Only one thread should append
+// to a channel: otherwise samples that another thread overtakes are rejected later (kStripRejected). The chart's window
+// may be destroyed at any time.
+inline constexpr DWORD kStripQueueCapacity = 65536;
+BOOL QueueStripSamples(HWND chart, int channel, std::span<const StripSample> samples);
 
 // Registers (non-zero flag) or unregisters the class "kvLineRecorder". Returns 0 only when registering fails.
 BOOL RegisterLineRecorderClass(HINSTANCE instance, BOOL registerIt);

@@ -23,6 +23,7 @@ namespace kv {
 
 void RefreshStrip(StripChart& chart) {
   StripModel& model = chart.model;
+  TakeQueued(chart);
   NoticeSources(model);
   const RECT changed = chart.renderer.Update(model, ClientSize(chart.window), chart.redrawAll);
   chart.redrawAll = false;

@@ -3,9 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cmath>
+#include <random>
 #include <string>
+#include <thread>
 #include <tuple>
+#include <vector>
 
 #include "kv/controls/horizon/horizon.h"
 #include "kv/controls/strip_chart/strip_chart.h"
@@ -19,10 +23,76 @@ namespace {
 
 constexpr int kId = 31, kHorizonId = 32, kNone = 33;
 
-class TypedCharts : public kvtest::ControlTest<RegisterLineRecorderClass> {};
+class TypedCharts : public kvtest::ControlTest<RegisterLineRecorderClass> {
+ protected:
+  HWND Create() { return kvtest::CreateControl(parent_, kStripChartClass, "", 0, {0, 0, 200, 150}, kId); }
+};
+
+DWORD Count(HWND chart, int channel) {
+  DWORD count = 0;
+  SendMessageA(chart, kControlCommand, MAKEWPARAM(kStripCount | kCommandRead, channel),
+               reinterpret_cast<LPARAM>(&count));
+  return count;
+}
+
+TEST_F(TypedCharts, TakeSamplesFromOtherThreadsInOrder) {
+  HWND chart = Create();
+  const auto onThread = [](auto function) { std::thread(function).join(); };  // nobody handles messages meanwhile
+  onThread([&] {
+    for (int i = 0; i < 1000; ++i) {
+      EXPECT_TRUE(AppendStripChartValue(parent_, kId, i % 3, i, i * 2.0));
+    }
+    EXPECT_FALSE(AppendStripChartValue(parent_, kId, 0, 998, 1));
+    EXPECT_FALSE(AppendStripChartValue(parent_, kId, 8, 2000, 1) || AppendStripChartValue(parent_, kNone, 0, 2000, 1));
+  });
+  EXPECT_TRUE(AppendStripChartValue(parent_, kId, 0, 1000, 7));  // after all that were queued
+  EXPECT_EQ(std::tuple(335, 333, 333), std::tuple(Count(chart, 0), Count(chart, 1), Count(chart, 2)));
+  onThread([&] { EXPECT_FALSE(AppendStripChartValue(parent_, kId, 0, 999.5, 1)); });
+
+  DWORD accepted = 0, rejected = 0;
+  onThread([&] {
+    const std::vector<StripSample> batch(100, {5000, 1});
+    while (AppendStripChartSamples(parent_, kId, 4, batch)) accepted += 100;
+  });
+  EXPECT_EQ(65500u, accepted);
+  EXPECT_EQ(accepted, Count(chart, 4));
+  EXPECT_TRUE(GetStripChartRejected(parent_, kId, &rejected));
+  EXPECT_EQ(102u, rejected);
+  kvtest::PumpMessages();
+  ClearStripChart(parent_, kId);
+  onThread([&] { EXPECT_TRUE(AppendStripChartValue(parent_, kId, 4, 0, 1)); });
+  const DWORD until = GetTickCount() + 5000;
+  while (kvtest::ReadAccessible(chart).value != L"5 1.0000" && GetTickCount() < until) kvtest::PumpMessages();
+  EXPECT_EQ(L"5 1.0000", kvtest::ReadAccessible(chart).value);  // shown without a command
+}
+
+// Four channels from two threads while charts are created and destroyed at any moment.
+TEST_F(TypedCharts, SurviveClosingWhileThreadsAppend) {
+  std::atomic<bool> ends = false;
+  std::atomic<long> accepted = 0;
+  const auto append = [&](int channel) {
+    while (!ends) {
+      const double now = StripChartNow();
+      for (int i = channel; i < channel + 2; ++i) accepted += AppendStripChartValue(parent_, kId, i, now, now);
+      Sleep(1);
+    }
+  };
+  std::thread one(append, 0), other(append, 2);
+  std::mt19937 random(3);
+  for (int round = 0; round < 25; ++round) {
+    HWND chart = Create();
+    const DWORD until = GetTickCount() + random() % 60;
+    while (GetTickCount() < until) kvtest::PumpMessages();
+    DestroyWindow(chart);
+  }
+  ends = true;
+  one.join();
+  other.join();
+  EXPECT_LT(100, accepted);
+}
 
 TEST_F(TypedCharts, DescribeAppendFreezeAndRead) {
-  HWND chart = kvtest::CreateControl(parent_, kStripChartClass, "", 0, {0, 0, 200, 150}, kId);
+  HWND chart = Create();
   EXPECT_TRUE(SetStripChartChannel(parent_, kId, 2, {.name = std::wstring(30, L'ä').c_str(), .unit = L"°C"}));
   StripChannel info{};
   SendMessageA(chart, kControlCommand, MAKEWPARAM(kStripChannel | kCommandRead, 2), reinterpret_cast<LPARAM>(&info));
