@@ -79,7 +79,7 @@ class Display {
   bool isTyping_ = false;  // a time
   using StatisticsKey = std::tuple<unsigned, long long, bool, double, double>;
   std::optional<StatisticsKey> statisticsKey_;
-  std::optional<StretchStatistics> statistics_;
+  std::optional<SelectionStatistics> statistics_;
 
   StatusLine message_;
   // By camera::Now()

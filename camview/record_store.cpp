@@ -91,29 +91,14 @@ std::int64_t TimeOf(const Entry& entry) {
 }  // namespace
 
 struct RecordStore::Block {
+  long long first = 0;    // number of the first record
   std::int64_t base = 0;  // its first record's time, in microseconds
   int count = 0;
   std::array<Entry, kBlockRecords> entries;
   std::array<Extremes, kBlockRecords / kGroupRecords> groups;
   Extremes all;
-  BlockSummary summary;
+  camera::RecordSums sums;
 };
-
-namespace {
-
-void AddToSummary(const camera::FoundRecord& record, unsigned flags, double pause, BlockSummary* summary) {
-  ++summary->records;
-  summary->oddRecords += record.isOdd;
-  summary->outOfRange += !record.isInRange;
-  summary->damaged += (flags & kAfterDamagedBytes) != 0;
-  summary->arrivals += pause >= kTogetherSeconds;
-  summary->longestPause = std::max(summary->longestPause, pause);
-  for (int i = 0; record.isInRange && i < kv::kPointCount; ++i) {
-    camera::AddPoint(record.points[i], &summary->points[i]);
-  }
-}
-
-}  // namespace
 
 RecordStore::RecordStore(long long capacity)
     : maxBlocks_(static_cast<size_t>(std::clamp(capacity, 1LL, kMaxCapacity) + kBlockRecords - 1) / kBlockRecords) {
@@ -140,17 +125,17 @@ RecordStore::Block* RecordStore::BlockFor(std::int64_t microseconds) {
   next->count = 0;
   next->groups.fill(Nothing());
   next->all = Nothing();
-  next->summary = {.first = end_};
+  next->first = end_;
+  next->sums = {};
   blocks_.push_back(std::move(next));
   return blocks_.back().get();
 }
 
 bool RecordStore::Append(const camera::FoundRecord& record, unsigned flags) {
-  std::int64_t microseconds = std::llround(std::clamp(record.seconds * 1e6, 0.0, kMaxTime)), before = microseconds;
+  std::int64_t microseconds = std::llround(std::clamp(record.seconds * 1e6, 0.0, kMaxTime));
   if (!blocks_.empty()) {
     const Block& last = *blocks_.back();
-    before = last.base + TimeOf(last.entries[static_cast<size_t>(last.count) - 1]);
-    microseconds = std::max(microseconds, before);
+    microseconds = std::max(microseconds, last.base + TimeOf(last.entries[static_cast<size_t>(last.count) - 1]));
   }
   Block* block = BlockFor(microseconds);
   if (!block) return false;
@@ -160,12 +145,14 @@ bool RecordStore::Append(const camera::FoundRecord& record, unsigned flags) {
   block->entries[place] = Pack(record, static_cast<std::uint64_t>(microseconds - block->base), flags);
   WidenBy(block->entries[place], &block->groups[place / kGroupRecords]);
   WidenBy(block->entries[place], &block->all);
-  AddToSummary(record, flags, static_cast<double>(microseconds - before) / 1e6, &block->summary);
+  meter_.Add(record, flags, &block->sums);
+  line_.AddRecord(static_cast<double>(microseconds) / 1e6, (flags & kAfterSilence) != 0);
   ++end_;
   return true;
 }
 
 void RecordStore::AddStretch(const Stretch& stretch) {
+  if (stretch.kind == StretchKind::kSilent) line_.AddSilence({stretch.from, stretch.to});
   const auto kind = static_cast<size_t>(stretch.kind);
   std::vector<Stretch>& list = stretches_[kind];
   double& longest = longestMerged_[kind];
@@ -195,12 +182,11 @@ const std::vector<Stretch>& RecordStore::Stretches(StretchKind kind) const {
 // ---- Finding --------------------------------------------------------------------------------------------------------
 
 long long RecordStore::First() const {
-  return blocks_.empty() ? end_ : blocks_.front()->summary.first;
+  return blocks_.empty() ? end_ : blocks_.front()->first;
 }
 
 const RecordStore::Block& RecordStore::BlockOf(long long number) const {
-  const auto next =
-      std::ranges::upper_bound(blocks_, number, {}, [](const auto& block) { return block->summary.first; });
+  const auto next = std::ranges::upper_bound(blocks_, number, {}, [](const auto& block) { return block->first; });
   return **std::prev(next);
 }
 
@@ -212,16 +198,14 @@ StoredRecord RecordStore::Get(long long number) const {
 
 double RecordStore::Seconds(long long number) const {
   const Block& block = BlockOf(number);
-  return static_cast<double>(block.base + TimeOf(block.entries[static_cast<size_t>(number - block.summary.first)])) /
-         1e6;
+  return static_cast<double>(block.base + TimeOf(block.entries[static_cast<size_t>(number - block.first)])) / 1e6;
 }
 
 size_t RecordStore::Read(long long number, std::span<StoredRecord> records) const {
   size_t read = 0;
   while (read < records.size() && number >= First() && number < end_) {
     const Block& block = BlockOf(number);
-    for (auto place = static_cast<int>(number - block.summary.first); place < block.count && read < records.size();
-         ++place) {
+    for (auto place = static_cast<int>(number - block.first); place < block.count && read < records.size(); ++place) {
       const Entry& entry = block.entries[static_cast<size_t>(place)];
       StoredRecord& record = records[read++];
       const std::uint64_t rest = TimeAndFlags(entry);
@@ -245,7 +229,7 @@ long long RecordStore::FindMicroseconds(std::int64_t microseconds) const {
   const Block& block = **std::prev(next);
   const auto begin = block.entries.begin();
   const auto place = std::ranges::lower_bound(begin, begin + block.count, microseconds - block.base, {}, TimeOf);
-  return block.summary.first + (place - begin);
+  return block.first + (place - begin);
 }
 
 long long RecordStore::Find(double seconds) const {
@@ -258,8 +242,22 @@ long long RecordStore::At(double seconds) const {
   return next > First() ? next - 1 : -1;
 }
 
-const BlockSummary& RecordStore::SummaryOf(long long number) const {
-  return BlockOf(number).summary;
+RecordStore::BlockSums RecordStore::SumsOf(long long number) const {
+  const Block& block = BlockOf(number);
+  return {block.first, block.first + block.count, block.sums};
+}
+
+void RecordStore::SetRate(double rate) {
+  camera::LineModel line(rate);
+  for (const camera::Silence& silence : line_.Silences()) line.AddSilence(silence);
+  for (const auto& block : blocks_) {
+    for (const Entry& entry : std::span(block->entries).first(static_cast<size_t>(block->count))) {
+      const std::uint64_t rest = TimeAndFlags(entry);
+      line.AddRecord(static_cast<double>(block->base + TimeIn(rest)) / 1e6, ((rest >> kTimeBits) & kAfterSilence) != 0);
+    }
+  }
+  line.Finish();
+  line_ = std::move(line);
 }
 
 Extremes RecordStore::ExtremesOf(long long from, long long to) const {
@@ -268,9 +266,9 @@ Extremes RecordStore::ExtremesOf(long long from, long long to) const {
   to = std::min(to, end_);
   while (from < to) {
     const Block& block = BlockOf(from);
-    auto place = static_cast<int>(from - block.summary.first);
-    const auto last = static_cast<int>(std::min<long long>(to - block.summary.first, block.count));
-    from = block.summary.first + last;
+    auto place = static_cast<int>(from - block.first);
+    const auto last = static_cast<int>(std::min<long long>(to - block.first, block.count));
+    from = block.first + last;
     if (place == 0 && last == block.count) {
       Widen(block.all, &extremes);
       continue;

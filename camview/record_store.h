@@ -10,8 +10,10 @@
 #include <vector>
 
 #include "camera/camera_record.h"
+#include "camera/line_model.h"
 #include "camera/record_intake.h"
 #include "camera/record_stream.h"
+#include "camera/statistics.h"
 
 namespace camview {
 
@@ -38,19 +40,6 @@ inline constexpr int kMaxMergedStretches = 1000;  // of each kind
 // The minimum and maximum of each channel while its point is seen; lowest > highest if it never is.
 struct Extremes {
   std::array<std::int16_t, kChannels> lowest, highest;
-};
-
-// Records within this time were read together, because a record takes ten times as long on the line.
-inline constexpr double kTogetherSeconds = 0.001;
-
-// Sums of the records of a block.
-struct BlockSummary {
-  long long first = 0;  // number of the first record
-  long long records = 0, oddRecords = 0, outOfRange = 0;
-  long long damaged = 0;    // with kAfterDamagedBytes
-  long long arrivals = 0;   // kTogetherSeconds and more after the record before
-  double longestPause = 0;  // seconds between two of its records, or the first and the one before
-  camera::PointSummary points[kv::kPointCount];
 };
 
 class RecordStore {
@@ -84,8 +73,18 @@ class RecordStore {
   // Returns the last record at that time or earlier, which is the one to show; -1 if there is none.
   long long At(double seconds) const;
 
-  // Returns the sums of the record's block; valid until the store changes.
-  const BlockSummary& SummaryOf(long long number) const;
+  // A block of records with their sums; valid until the store changes.
+  struct BlockSums {
+    long long first, end;  // numbers
+    const camera::RecordSums& sums;
+  };
+  BlockSums SumsOf(long long number) const;  // of the record's block
+  // Silences and losses, of all records that were ever added.
+  const camera::LineModel& Line() const { return line_; }
+  // Evaluates the last records as well; call at the end of a recording.
+  void FinishLine() { line_.Finish(); }
+  // Counts losses by another rate (see LineModel), which takes about 0.1 s for a million records.
+  void SetRate(double rate);
   // Returns the extremes of the records `from` to `to` - 1, using the pyramid where possible.
   Extremes ExtremesOf(long long from, long long to) const;
 
@@ -96,6 +95,8 @@ class RecordStore {
   long long FindMicroseconds(std::int64_t microseconds) const;
 
   size_t maxBlocks_;
+  camera::RecordMeter meter_;
+  camera::LineModel line_;
   std::vector<std::unique_ptr<Block>> blocks_;
   long long end_ = 0;
   std::vector<Stretch> stretches_[kStretchKinds];

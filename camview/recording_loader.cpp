@@ -30,6 +30,7 @@ LoadOutcome ReadRecords(camera::RecordingFile* file, RecordIntake* intake, Recor
     if (store->End() >= RecordStore::kMaxCapacity) return LoadOutcome::kTooLong;
   }
   StoreBatch(&batch, store);
+  store->FinishLine();
   if (file->isStopped) return LoadOutcome::kCancelled;
   return file->error.empty() ? LoadOutcome::kComplete : LoadOutcome::kReadFailed;
 }

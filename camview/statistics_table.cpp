@@ -24,13 +24,13 @@ std::wstring RangeText(const camera::Spread& spread) {
   return std::to_wstring(spread.lowest) + L" \x2013 " + std::to_wstring(spread.highest);
 }
 
-std::wstring CellText(const StretchStatistics& statistics, int point, int column) {
-  const camera::PointSummary& summary = statistics.points[point];
+std::wstring CellText(const SelectionStatistics& statistics, int point, int column) {
+  const camera::PointSummary& summary = statistics.sums.points[point];
   if (column == 0) return std::to_wstring(point + 1);
   if (column == 1) {
-    if (statistics.records == 0) return L"\x2013";
+    if (statistics.sums.records == 0) return L"\x2013";
     // Neither rounds up to 100 % nor down to 0 %.
-    const double percent = SeenShare(statistics, point) * 100;
+    const double percent = camera::SeenShare(statistics.sums, point) * 100;
     const double shown = percent <= 0 || percent >= 100 ? percent : std::clamp(percent, 0.1, 99.9);
     return kv::NumberText(shown, 1) + L" %";
   }
@@ -45,7 +45,7 @@ std::wstring CellText(const StretchStatistics& statistics, int point, int column
 
 }  // namespace
 
-void DrawStatisticsRow(const DRAWITEMSTRUCT& item, const StretchStatistics* statistics) {
+void DrawStatisticsRow(const DRAWITEMSTRUCT& item, const SelectionStatistics* statistics) {
   const auto text = [&](UINT row, int column) {
     if (statistics) return CellText(*statistics, static_cast<int>(row), column);
     return column == 0 ? std::to_wstring(row + 1) : std::wstring();

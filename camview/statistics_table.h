@@ -8,6 +8,6 @@
 namespace camview {
 
 // Handles WM_DRAWITEM of the list: draws its header or a row. Null: there are no statistics.
-void DrawStatisticsRow(const DRAWITEMSTRUCT& item, const StretchStatistics* statistics);
+void DrawStatisticsRow(const DRAWITEMSTRUCT& item, const SelectionStatistics* statistics);
 
 }  // namespace camview

@@ -227,10 +227,9 @@ TEST(CamviewStatistics, EqualAPlainComputation) {
   RecordStore store;
   for (const GivenRecord& one : given) store.Append(one.record, one.flags);
   const double from = given[1000].record.seconds, to = given[8999].record.seconds;
-  const StretchStatistics statistics = ComputeStatistics(store, from, to);
-  EXPECT_EQ(8000, statistics.records);
-  EXPECT_NEAR(7999 / (to - from), statistics.recordsPerSecond, 1e-6);
-  EXPECT_NEAR(0.0105, statistics.spacing, 0.0002);
+  const SelectionStatistics statistics = ComputeStatistics(store, from, to);
+  EXPECT_EQ(8000, statistics.line.records);
+  EXPECT_NEAR(8000 / (to - from), statistics.line.recordsPerSecond, 1e-6);
   for (int point = 0; point < kv::kPointCount; ++point) {
     double seen = 0, records = 0, sum = 0, squares = 0;
     const auto each = [&](const auto& take) {
@@ -245,53 +244,46 @@ TEST(CamviewStatistics, EqualAPlainComputation) {
     each([&](const GivenRecord& one) {
       if (IsSeen(one, point)) squares += std::pow(static_cast<double>(one.record.points[point].y) - mean, 2);
     });
-    const camera::PointSummary& summary = statistics.points[point];
-    EXPECT_NEAR(seen / records, SeenShare(statistics, point), 1e-12);
+    const camera::PointSummary& summary = statistics.sums.points[point];
+    EXPECT_NEAR(seen / records, camera::SeenShare(statistics.sums, point), 1e-12);
     EXPECT_NEAR(mean, camera::Mean(summary.y, summary.seen), 1e-9);
     EXPECT_NEAR(std::sqrt(squares / (seen - 1)), camera::Deviation(summary.y, summary.seen), 1e-9);
   }
-  EXPECT_EQ(0, ComputeStatistics(store, given.back().record.seconds + 1, 1e300).records);
+  EXPECT_EQ(0, ComputeStatistics(store, given.back().record.seconds + 1, 1e300).line.records);
 }
 
-TEST(CamviewStatistics, CountLostRecords) {
-  const auto lost = [](std::initializer_list<std::pair<double, unsigned>> records) {
-    RecordStore store;
-    double seconds = 0;
-    for (int i = 0; i < 100; ++i) store.Append(RecordAt(seconds += 0.01), 0);
-    for (const auto& [pause, flags] : records) store.Append(RecordAt(seconds += pause), flags);
-    const StretchStatistics statistics = ComputeStatistics(store, 0, 1e9);
-    return std::pair(statistics.lostRecords, statistics.lostInSilence);
-  };
-  using Lost = std::pair<long long, long long>;
-  EXPECT_EQ((Lost{0, 0}), lost({{0.014, 0}, {0.006, 0}}));
-  EXPECT_EQ((Lost{3, 0}), lost({{0.02, 0}, {0.03, 0}}));
-  EXPECT_EQ((Lost{2, 0}), lost({{0.01, kAfterDamagedBytes}, {0.03, kAfterDamagedBytes}}));
-  EXPECT_EQ((Lost{2, 0}), lost({{0.01, kAfterDamagedBytes}, {0.01, kAfterDamagedBytes}}));
-  // Records that are late, and catch up.
-  EXPECT_EQ((Lost{0, 0}), lost({{0.03, 0}, {0.0002, 0}, {0.0002, 0}, {0.0096, 0}, {0.018, 0}, {0.002, 0}}));
-  EXPECT_EQ((Lost{1, 0}), lost({{0.03, 0}, {0.0002, 0}, {0.0098, 0}}));
-  EXPECT_EQ((Lost{100, 99}), lost({{0.02, 0}, {1, kAfterSilence}}));
-  // Whole blocks are added up beforehand.
-  RecordStore blocks;
-  for (int i = 0; i < 5 * kBlockRecords; ++i)
-    blocks.Append(RecordAt((i < 3 * kBlockRecords / 2 ? i : i + 3) * 0.01), 0);
-  EXPECT_EQ(3, ComputeStatistics(blocks, 0, 1e9).lostRecords);
-  // An adapter that delivers three records at a time loses none.
+TEST(CamviewStatistics, AddUpAndFollowTheGivenRate) {
   RecordStore store;
-  for (int i = 0; i < 300; ++i) store.Append(RecordAt(std::floor(i / 3.0) * 0.032), 0);
-  EXPECT_EQ(0, ComputeStatistics(store, 0, 100).lostRecords);
-  store.Append(RecordAt(99 * 0.032 + 0.96), kAfterSilence);
-  EXPECT_NEAR(3 * 30 - 1, static_cast<double>(ComputeStatistics(store, 0, 100).lostRecords), 1);
-  // Records that arrive up to 6 ms late, of which some are dropped.
-  RecordStore late;
   std::mt19937 random(1);
-  int dropped = 0;
-  for (int i = 0; i < 20000; ++i) {
-    const bool isDropped = random() % 20 == 0 && i > 0 && i < 19999;
-    dropped += isDropped;
-    if (!isDropped) late.Append(RecordAt(i * 0.01 + random() % 6000 * 1e-6), 0);
+  double last = 0;
+  for (int i = 0; i < 30000; ++i) {
+    const double seconds = i / 90.0;
+    const bool isAfterSilence = seconds - last >= camera::kGapSeconds;
+    if (random() % 20 == 0 || (i % 5000 < 90 && i > 0)) continue;
+    if (isAfterSilence) store.AddStretch({StretchKind::kSilent, last, seconds});
+    store.Append(RecordAt(seconds), isAfterSilence ? kAfterSilence : 0);
+    last = seconds;
   }
-  EXPECT_NEAR(dropped, static_cast<double>(ComputeStatistics(late, 0, 1e9).lostRecords), 0.03 * dropped);
+  store.FinishLine();
+  const double end = last + 0.001;
+  const SelectionStatistics whole = ComputeStatistics(store, 0, end);
+  EXPECT_EQ(6, whole.line.silences);
+  EXPECT_NEAR(6, whole.line.silentSeconds, 0.5);
+  EXPECT_NEAR(30000 * 0.05, static_cast<double>(whole.line.lost), 90);
+  for (int round = 0; round < 50; ++round) {
+    const double cut = end * (random() % 100000) / 1e5;
+    SelectionStatistics sum = ComputeStatistics(store, 0, cut);
+    const SelectionStatistics rest = ComputeStatistics(store, cut, end);
+    AddSums(rest.sums, &sum.sums);
+    EXPECT_EQ(whole.line.lost, sum.line.lost + rest.line.lost);
+    EXPECT_NEAR(whole.line.silentSeconds, sum.line.silentSeconds + rest.line.silentSeconds, 1e-6);
+    EXPECT_EQ(whole.sums.records, sum.sums.records);
+    EXPECT_EQ(whole.sums.points[0].x.sum, sum.sums.points[0].x.sum);
+  }
+  store.SetRate(45);
+  EXPECT_GT(0, ComputeStatistics(store, 0, end).line.lost) << "more records than that";
+  store.SetRate(90);
+  EXPECT_EQ(whole.line.lost, ComputeStatistics(store, 0, end).line.lost);
 }
 
 TEST(CamviewPlayback, FollowsAClockAndStopsAtTheEnd) {

@@ -114,7 +114,7 @@ TEST_F(CamviewWindow, SumsUpAndExportsWhatIsMarked) {
   Press('M', VK_CONTROL);
   Settle();
   EXPECT_EQ(L"Selected: 0:04.500 to 0:05.500 (1.000 s)", Text(IDC_SUMMARY));
-  EXPECT_EQ(L"99 records, 98.0 a second, 2 lost", Text(IDC_COUNTS));
+  EXPECT_EQ(L"99 records, 99.0 a second, 2 lost", Text(IDC_COUNTS));
   const auto save = [&](const wchar_t* name, int command) {
     chosenPath = File(name);
     Command(command);

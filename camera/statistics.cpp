@@ -1,0 +1,36 @@
+#include "camera/statistics.h"
+
+#include "camera/noise.h"
+#include "camera/record_intake.h"
+#include "camera/record_stream.h"
+
+namespace camera {
+
+void AddSums(const RecordSums& other, RecordSums* sums) {
+  sums->records += other.records;
+  sums->oddRecords += other.oddRecords;
+  sums->outOfRange += other.outOfRange;
+  for (int i = 0; i < kv::kPointCount; ++i) {
+    AddSummary(other.points[i], &sums->points[i]);
+    AddNoise(other.noise[i], &sums->noise[i]);
+  }
+}
+
+double SeenShare(const RecordSums& sums, int point) {
+  const long long records = sums.records - sums.outOfRange;
+  return records > 0 ? static_cast<double>(sums.points[point].seen) / static_cast<double>(records) : 0;
+}
+
+void RecordMeter::Add(const FoundRecord& record, unsigned flags, RecordSums* sums) {
+  ++sums->records;
+  sums->oddRecords += record.isOdd;
+  sums->outOfRange += !record.isInRange;
+  const bool isNext = (flags & (kAfterSilence | kAfterDamagedBytes | kAfterPause)) == 0;
+  for (int i = 0; i < kv::kPointCount; ++i) {
+    const kv::CameraPoint point = record.isInRange ? record.points[i] : kv::CameraPoint{kv::kNoPoint, kv::kNoPoint};
+    AddPoint(point, &sums->points[i]);
+    meters_[i].Add(point, isNext, &sums->noise[i]);
+  }
+}
+
+}  // namespace camera
