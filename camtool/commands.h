@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "camtool/arguments.h"
+#include "kv/toolkit/arguments.h"
 
 namespace camtool {
 
@@ -38,7 +38,7 @@ struct Command {
   const char* operands;  // as shown in the help; see ParseArguments
   const char* purpose;   // one line
   const char* details;   // more help; lines end with line feeds
-  std::span<const Option> options;
+  std::span<const kv::Option> options;
   std::span<const int> exitCodes;
   // Runs the command with its operands, after the options' targets are set, and returns the exit code. For kUsageError,
   // main refers to the help.

@@ -7,9 +7,9 @@
 
 #include "camera/files.h"
 #include "camera/record_stream.h"
-#include "camtool/arguments.h"
 #include "camtool/commands.h"
 #include "camtool/console.h"
+#include "kv/toolkit/arguments.h"
 
 namespace camtool {
 
@@ -21,7 +21,7 @@ struct Settings {
   bool overwrite = false;
 } settings;
 
-const Option kOptions[] = {{"--overwrite", nullptr, "replace an existing file", &settings.overwrite}};
+const kv::Option kOptions[] = {{"--overwrite", nullptr, "replace an existing file", &settings.overwrite}};
 
 constexpr int kExits[] = {kDone, kFailed, kUsageError, kDamaged, kEmpty};
 

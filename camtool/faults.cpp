@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "kv/toolkit/arguments.h"
+
 namespace camtool {
 
 namespace {
@@ -49,6 +51,27 @@ void Corrupt(std::mt19937* random, std::string* bytes) {
 }
 
 }  // namespace
+
+bool ParseTrigger(std::string_view text, Trigger* trigger) {
+  const auto read = [&](std::string_view unit, double factor, double* number) {
+    if (!text.ends_with(unit)) return false;
+    if (!kv::ParseNumber(text.substr(0, text.size() - unit.size()), number)) return false;
+    *number *= factor;
+    return true;
+  };
+  double number = 0;
+  if (read("%", 0.01, &number)) {
+    *trigger = {Trigger::kChance, number};
+    return number >= 0 && number <= 1;
+  }
+  if (read("ms", 0.001, &number) || read("s", 1, &number)) {
+    *trigger = {Trigger::kPeriod, number};
+    return number >= 0.001;
+  }
+  if (!kv::ParseNumber(text, &number) || number < 0) return false;
+  *trigger = number < 1 ? Trigger{Trigger::kChance, number} : Trigger{Trigger::kEveryNth, number};
+  return number < 1 || (number == std::floor(number) && number <= 1e9);
+}
 
 FaultInjector MakeFaultInjector(const FaultPlan& plan) {
   return {.plan = plan, .random = std::mt19937(plan.seed)};

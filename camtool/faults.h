@@ -33,6 +33,10 @@ enum Fault {
 inline constexpr std::array<const char*, kFaultCount> kFaultNames = {
     "dropped", "duplicated", "corrupted", "cut", "merged", "garbage bursts", "pauses", "hang-ups", "slow", "fast"};
 
+// Parses the frequency of a fault: "5%" or "0.05" is a probability for each record, "50" means every 50th record, "10s"
+// and "500ms" are periods.
+bool ParseTrigger(std::string_view text, Trigger* trigger);
+
 struct FaultPlan {
   std::array<Trigger, kFaultCount> triggers{};
   double pauseSeconds = 0.5;

@@ -12,9 +12,9 @@
 #include "camera/record_stream.h"
 #include "camera/recording.h"
 #include "camera/text.h"
-#include "camtool/arguments.h"
 #include "camtool/commands.h"
 #include "camtool/console.h"
+#include "kv/toolkit/arguments.h"
 
 namespace camtool {
 
@@ -24,7 +24,7 @@ struct Settings {
   bool json = false;
 } settings;
 
-const Option kOptions[] = {{"--json", nullptr, "print one JSON object instead of text", &settings.json}};
+const kv::Option kOptions[] = {{"--json", nullptr, "print one JSON object instead of text", &settings.json}};
 
 constexpr int kExits[] = {kDone, kFailed, kUsageError, kDamaged, kEmpty};
 

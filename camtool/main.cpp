@@ -2,7 +2,6 @@
 // Results go to standard output, everything else to standard error. See docs/camtool.md.
 #include <windows.h>
 
-#include <shellapi.h>
 #include <timeapi.h>
 
 #include <algorithm>
@@ -13,12 +12,11 @@
 #include <string>
 #include <vector>
 
-#include "camera/text.h"
-#include "camtool/arguments.h"
 #include "camtool/commands.h"
 #include "camtool/console.h"
 #include "kv/framework/modules.h"
 #include "kv/framework/version.h"
+#include "kv/toolkit/arguments.h"
 
 namespace camtool {
 
@@ -46,7 +44,7 @@ void PrintHelp(const Command& command) {
   std::string purpose = command.purpose;
   purpose[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(purpose[0])));
   std::printf("%s\n\n%s.\n%s\noptions:\n%s", Usage(command).c_str(), purpose.c_str(), command.details,
-              DescribeOptions(command.options).c_str());
+              kv::DescribeOptions(command.options).c_str());
   std::puts("\nexit codes:");
   for (const ExitCode& code : kExitCodes) {
     if (std::ranges::find(command.exitCodes, code.code) == command.exitCodes.end()) continue;
@@ -62,18 +60,18 @@ void UseFineTimer() {
 }
 
 int RunCommand(const Command& command, std::span<const std::string> arguments) {
-  if (std::ranges::find(arguments, "--help") != arguments.end()) {
+  if (kv::HasArgument(arguments, "--help")) {
     PrintHelp(command);
     return kDone;
   }
   std::vector<std::string> operands;
-  std::string error;
+  kv::ArgumentError error;
   int result = kUsageError;
-  if (ParseArguments(arguments, command.options, command.operands, &operands, &error)) {
+  if (kv::ParseArguments(arguments, command.options, command.operands, &operands, &error)) {
     UseFineTimer();
     result = command.run(operands);
   } else {
-    PrintError(error);
+    PrintError(error.reason);
   }
   if (result == kUsageError) {
     std::fprintf(stderr, "%s; run \"camtool %s --help\"\n", Usage(command).c_str(), command.name);
@@ -87,7 +85,7 @@ int Run(std::span<const std::string> arguments) {
     return kUsageError;
   }
   const std::string& first = arguments.front();
-  if (first == "--version") {
+  if (kv::HasArgument(arguments, "--version")) {
     std::puts("camtool " KV_VERSION_TEXT);
     return kDone;
   }
@@ -115,13 +113,7 @@ int Run(std::span<const std::string> arguments) {
 
 int main() {
   kv::RestrictLibrarySearch();
-  // Not main's arguments, which cannot represent every file name.
-  int count = 0;
-  LPWSTR* words = CommandLineToArgvW(GetCommandLineW(), &count);
-  std::vector<std::string> arguments;
-  for (int i = 1; i < count; ++i) arguments.push_back(camera::Narrow(words[i]));
-  LocalFree(words);
-  const int result = camtool::Run(arguments);
+  const int result = camtool::Run(kv::ProcessArguments());
   std::fflush(stdout);
   // Not by returning from main: threads that are blocked on a port must not delay the end of the process.
   ExitProcess(static_cast<UINT>(result));

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "camera/camera_record.h"
-#include "camtool/arguments.h"
 #include "kv/framework/numbers.h"
+#include "kv/toolkit/arguments.h"
 
 namespace camtool {
 
@@ -88,7 +88,7 @@ std::vector<std::string_view> SplitColumns(std::string_view line) {
 
 bool ReadCoordinate(std::string_view text, LONG* coordinate, std::string* error) {
   double number = kv::kNoPoint;
-  if (!text.empty() && !ParseNumber(text, &number)) {
+  if (!text.empty() && !kv::ParseNumber(text, &number)) {
     *error = "\"" + std::string(text) + "\" is not a number";
     return false;
   }
@@ -107,7 +107,7 @@ bool ReadRow(const std::vector<std::string_view>& columns, bool hasTimes, PathRo
     *error = hasTimes ? "the time is missing, or a coordinate" : "a coordinate is missing";
     return false;
   }
-  if (hasTimes && (!ParseNumber(columns[0], &row->seconds) || row->seconds < 0 || row->seconds > 1e9)) {
+  if (hasTimes && (!kv::ParseNumber(columns[0], &row->seconds) || row->seconds < 0 || row->seconds > 1e9)) {
     *error = "\"" + std::string(columns[0]) + "\" is not a time in seconds";
     return false;
   }
@@ -121,7 +121,7 @@ bool ReadRow(const std::vector<std::string_view>& columns, bool hasTimes, PathRo
 
 bool IsHeading(const std::vector<std::string_view>& columns) {
   double number = 0;
-  return std::ranges::none_of(columns, [&](std::string_view text) { return ParseNumber(text, &number); }) &&
+  return std::ranges::none_of(columns, [&](std::string_view text) { return kv::ParseNumber(text, &number); }) &&
          std::ranges::any_of(columns, [](std::string_view text) { return !text.empty(); });
 }
 

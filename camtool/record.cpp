@@ -10,9 +10,9 @@
 #include "camera/record_stream.h"
 #include "camera/recorder.h"
 #include "camera/text.h"
-#include "camtool/arguments.h"
 #include "camtool/commands.h"
 #include "camtool/console.h"
+#include "kv/toolkit/arguments.h"
 
 namespace camtool {
 
@@ -21,6 +21,20 @@ namespace {
 constexpr DWORD kTurnMs = 100;
 constexpr DWORD kForwardTimeoutMs = 20;
 
+// A number of bytes with an optional suffix K, M or G (1024 each).
+bool ParseSize(std::string_view text, double* bytes) {
+  constexpr std::string_view kUnits = "KMG";
+  const size_t unit = text.empty() ? kUnits.npos : kUnits.find(static_cast<char>(text.back() & ~0x20));
+  double factor = 1;
+  if (unit != kUnits.npos) {
+    factor = std::pow(1024.0, static_cast<double>(unit + 1));
+    text.remove_suffix(1);
+  }
+  if (!kv::ParseNumber(text, bytes) || *bytes * factor < 1 || *bytes * factor > 1e15) return false;
+  *bytes *= factor;
+  return true;
+}
+
 struct Settings {
   double seconds = 0;  // 0 = no limit
   double size = 0;     // maximum file size in bytes; 0 = no limit
@@ -28,10 +42,10 @@ struct Settings {
   std::string forward;
 } settings;
 
-const Option kOptions[] = {
-    {"--seconds", "SECONDS", "end after this time (default: no limit)", NumberOption{&settings.seconds, 0.1, 1e9}},
+const kv::Option kOptions[] = {
+    {"--seconds", "SECONDS", "end after this time (default: no limit)", kv::NumberOption{&settings.seconds, 0.1, 1e9}},
     {"--size", "BYTES", "end before the file is larger than this, such as 10M (default: no limit)",
-     SizeOption{&settings.size}},
+     kv::ParsedBy<ParseSize>(&settings.size, "a number of bytes, such as 500K or 10M")},
     {"--forward", "PORT", "send the bytes to this port as well, for Tarnwick to show", &settings.forward},
     {"--overwrite", nullptr, "replace an existing file", &settings.overwrite},
 };

@@ -10,9 +10,9 @@
 #include "camera/ports.h"
 #include "camera/recording.h"
 #include "camera/text.h"
-#include "camtool/arguments.h"
 #include "camtool/commands.h"
 #include "camtool/console.h"
+#include "kv/toolkit/arguments.h"
 
 namespace camtool {
 
@@ -28,11 +28,12 @@ struct Settings {
   bool loop = false;
 } settings;
 
-const Option kOptions[] = {
-    {"--speed", "FACTOR", "times as fast; 0.5 is half as fast (default 1)", NumberOption{&settings.speed, 0.001, 1000}},
+const kv::Option kOptions[] = {
+    {"--speed", "FACTOR", "times as fast; 0.5 is half as fast (default 1)",
+     kv::NumberOption{&settings.speed, 0.001, 1000}},
     {"--loop", nullptr, "start again at the end, until Ctrl+C", &settings.loop},
     {"--seconds", "SECONDS", "end after this time (default: at the end of the recording)",
-     NumberOption{&settings.seconds, 0.1, 1e9}},
+     kv::NumberOption{&settings.seconds, 0.1, 1e9}},
 };
 
 constexpr int kExits[] = {kDone, kFailed, kUsageError, kNoPort, kDamaged, kEmpty};

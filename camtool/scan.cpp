@@ -8,10 +8,10 @@
 
 #include "camera/port_scan.h"
 #include "camera/ports.h"
-#include "camtool/arguments.h"
 #include "camtool/commands.h"
 #include "camtool/console.h"
 #include "camtool/port_report.h"
+#include "kv/toolkit/arguments.h"
 
 namespace camtool {
 
@@ -25,7 +25,7 @@ struct Settings {
   bool all = false;
 } settings;
 
-const Option kOptions[] = {
+const kv::Option kOptions[] = {
     {"--watch", nullptr, "scan repeatedly, until Ctrl+C", &settings.watch},
     {"--all", nullptr, "print a line for each absent port, too", &settings.all},
 };

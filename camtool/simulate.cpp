@@ -12,11 +12,11 @@
 #include "camera/ports.h"
 #include "camera/recording.h"
 #include "camera/text.h"
-#include "camtool/arguments.h"
 #include "camtool/commands.h"
 #include "camtool/console.h"
 #include "camtool/faults.h"
 #include "camtool/point_paths.h"
+#include "kv/toolkit/arguments.h"
 
 namespace camtool {
 
@@ -35,29 +35,34 @@ struct Settings {
   FaultPlan faults;
 } settings;
 
-const Option kOptions[] = {
-    {"--rate", "RECORDS", "records a second (default 93)", NumberOption{&settings.rate, 0.1, kMaxRate}},
-    {"--seconds", "SECONDS", "end after this time (default: no limit)", NumberOption{&settings.seconds, 0.1, 1e9}},
+kv::ParsedOption HowOften(Fault fault) {
+  return kv::ParsedBy<ParseTrigger>(&settings.faults.triggers[fault],
+                                    "a probability for each record (5%), a count (50) or a period (10s, 500ms)");
+}
+
+const kv::Option kOptions[] = {
+    {"--rate", "RECORDS", "records a second (default 93)", kv::NumberOption{&settings.rate, 0.1, kMaxRate}},
+    {"--seconds", "SECONDS", "end after this time (default: no limit)", kv::NumberOption{&settings.seconds, 0.1, 1e9}},
     {"--path", "FILE", "points from comma-separated values, as export writes them (default: built-in curves)",
      &settings.path},
-    {"--drop", "HOW-OFTEN", "omit a record", &settings.faults.triggers[kDropFault]},
-    {"--duplicate", "HOW-OFTEN", "send a record twice", &settings.faults.triggers[kDuplicateFault]},
-    {"--corrupt", "HOW-OFTEN", "replace one to three bytes of a record", &settings.faults.triggers[kCorruptFault]},
-    {"--cut", "HOW-OFTEN", "end a record early", &settings.faults.triggers[kCutFault]},
-    {"--merge", "HOW-OFTEN", "let a record run into the next one, without closing bytes",
-     &settings.faults.triggers[kMergeFault]},
-    {"--garbage", "HOW-OFTEN", "send up to 64 random bytes before a record", &settings.faults.triggers[kGarbageFault]},
-    {"--pause", "HOW-OFTEN", "send nothing for some time", &settings.faults.triggers[kPauseFault]},
-    {"--pause-seconds", "SECONDS", "how long (default 0.5)", NumberOption{&settings.faults.pauseSeconds, 0.001, 3600}},
-    {"--hang-up", "HOW-OFTEN", "close the port for some time, then open it again",
-     &settings.faults.triggers[kHangUpFault]},
-    {"--hang-up-seconds", "SECONDS", "how long (default 2)", NumberOption{&settings.faults.hangUpSeconds, 0.001, 3600}},
-    {"--slow", "HOW-OFTEN", "send at a quarter of the rate for some time", &settings.faults.triggers[kSlowFault]},
-    {"--fast", "HOW-OFTEN", "send at three times the rate for some time", &settings.faults.triggers[kFastFault]},
+    {"--drop", "HOW-OFTEN", "omit a record", HowOften(kDropFault)},
+    {"--duplicate", "HOW-OFTEN", "send a record twice", HowOften(kDuplicateFault)},
+    {"--corrupt", "HOW-OFTEN", "replace one to three bytes of a record", HowOften(kCorruptFault)},
+    {"--cut", "HOW-OFTEN", "end a record early", HowOften(kCutFault)},
+    {"--merge", "HOW-OFTEN", "let a record run into the next one, without closing bytes", HowOften(kMergeFault)},
+    {"--garbage", "HOW-OFTEN", "send up to 64 random bytes before a record", HowOften(kGarbageFault)},
+    {"--pause", "HOW-OFTEN", "send nothing for some time", HowOften(kPauseFault)},
+    {"--pause-seconds", "SECONDS", "how long (default 0.5)",
+     kv::NumberOption{&settings.faults.pauseSeconds, 0.001, 3600}},
+    {"--hang-up", "HOW-OFTEN", "close the port for some time, then open it again", HowOften(kHangUpFault)},
+    {"--hang-up-seconds", "SECONDS", "how long (default 2)",
+     kv::NumberOption{&settings.faults.hangUpSeconds, 0.001, 3600}},
+    {"--slow", "HOW-OFTEN", "send at a quarter of the rate for some time", HowOften(kSlowFault)},
+    {"--fast", "HOW-OFTEN", "send at three times the rate for some time", HowOften(kFastFault)},
     {"--stretch-seconds", "SECONDS", "how long slow and fast last (default 2)",
-     NumberOption{&settings.faults.stretchSeconds, 0.01, 3600}},
+     kv::NumberOption{&settings.faults.stretchSeconds, 0.01, 3600}},
     {"--seed", "NUMBER", "the same number gives the same faults (default 1)",
-     NumberOption{&settings.seed, 0, 4294967295.0}},
+     kv::NumberOption{&settings.seed, 0, 4294967295.0}},
 };
 
 constexpr int kExits[] = {kDone, kFailed, kUsageError, kNoPort, kEmpty};

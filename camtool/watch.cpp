@@ -10,9 +10,9 @@
 #include "camera/ports.h"
 #include "camera/record_stream.h"
 #include "camera/text.h"
-#include "camtool/arguments.h"
 #include "camtool/commands.h"
 #include "camtool/console.h"
+#include "kv/toolkit/arguments.h"
 
 namespace camtool {
 
@@ -27,10 +27,10 @@ struct Settings {
   bool csv = false, json = false;
 } settings;
 
-const Option kOptions[] = {
+const kv::Option kOptions[] = {
     {"--csv", nullptr, "comma-separated values, as export writes them", &settings.csv},
     {"--json", nullptr, "a JSON object on each line", &settings.json},
-    {"--seconds", "SECONDS", "end after this time (default: no limit)", NumberOption{&settings.seconds, 0.1, 1e9}},
+    {"--seconds", "SECONDS", "end after this time (default: no limit)", kv::NumberOption{&settings.seconds, 0.1, 1e9}},
 };
 
 constexpr int kExits[] = {kDone, kFailed, kUsageError, kNoPort, kDamaged, kEmpty};

@@ -5,7 +5,6 @@
 #include <cstring>
 #include <string>
 
-#include "gallery/command_line.h"
 #include "gallery/drawing.h"
 #include "gallery/pages.h"
 #include "gallery/resource_ids.h"

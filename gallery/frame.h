@@ -4,12 +4,18 @@
 
 #include <windows.h>
 
-#include "gallery/command_line.h"
+#include "kv/framework/language.h"
 #include "kv/toolkit/scaled_dialog.h"
 
 namespace gallery {
 
 inline constexpr wchar_t kFileStem[] = L"kvgallery";  // of the language libraries and help files
+
+struct StartOptions {
+  int page = -1;                       // -1: the page shown last
+  int language = kv::kStoredLanguage;  // or an index of the language table
+  bool walk = false;
+};
 
 // Returns the frame for these options, which must outlive it. It stores its position, whether it was maximised, and its
 // page.

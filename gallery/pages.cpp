@@ -1,12 +1,14 @@
 #include "gallery/pages.h"
 
-#include <cstring>
+#include <algorithm>
 #include <iterator>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "gallery/resource_ids.h"
 #include "kv/framework/tooltips.h"
+#include "kv/framework/utf8.h"
 #include "kv/toolkit/languages.h"
 
 namespace gallery {
@@ -49,12 +51,15 @@ std::span<const Page> AllPages() {
   return kPages;
 }
 
-int PageIndex(const wchar_t* name) {
-  for (size_t i = 0; i < std::size(kPages); ++i) {
-    const char* own = kPages[i].name;
-    if (std::wstring(own, own + std::strlen(own)) == name) return static_cast<int>(i);
-  }
-  return -1;
+int PageIndex(std::string_view name) {
+  const auto* page = std::ranges::find(kPages, name, [](const Page& each) { return std::string_view(each.name); });
+  return page == std::end(kPages) ? -1 : static_cast<int>(page - kPages);
+}
+
+std::wstring PageNames() {
+  std::wstring names;
+  for (const Page& page : kPages) names += (names.empty() ? L"" : L" ") + kv::Wide(page.name);
+  return names;
 }
 
 }  // namespace gallery

@@ -8,6 +8,7 @@
 
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "kv/toolkit/scaled_dialog.h"
 
@@ -22,7 +23,10 @@ struct Page {
 std::span<const Page> AllPages();
 
 // Returns the index of a page by name; -1 when there is none.
-int PageIndex(const wchar_t* name);
+int PageIndex(std::string_view name);
+
+// Returns the names of all pages, separated by blanks.
+std::wstring PageNames();
 
 inline constexpr UINT kChartTickMs = 50;  // as in the tool
 

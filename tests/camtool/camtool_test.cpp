@@ -301,7 +301,9 @@ TEST(Camtool, RejectsInvalidCommands) {
       {"export nothing.twr", camtool::kFailed, "cannot read \"nothing.twr\""},
       {"info -", camtool::kEmpty, "is empty"},
       {"simulate --help", camtool::kDone, "records a second (default 93)"},
-      {"--version", camtool::kDone, "camtool 0."}};
+      {"--version", camtool::kDone, "camtool 0."},
+      {"record --version", camtool::kDone, "camtool 0."},
+      {"record COM4 nothing.twr --size K", camtool::kUsageError, "a number of bytes"}};
   for (const auto& [arguments, code, said] : cases) {
     const Camtool run(arguments);
     EXPECT_EQ(code, run.Wait()) << arguments;

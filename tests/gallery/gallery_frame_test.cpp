@@ -14,7 +14,6 @@
 #include <vector>
 
 #include "camera/optical_flow_chart.h"
-#include "gallery/command_line.h"
 #include "gallery/frame.h"
 #include "gallery/pages.h"
 #include "gallery/pages/mesh_view.h"
@@ -371,22 +370,6 @@ TEST_F(GalleryFrame, DdePageDetectsThatTheServerEndedTheConversation) {
   EXPECT_TRUE(IsWindowEnabled(GetFocus()));
   DdeUninitialize(server);
   EXPECT_TRUE(kvtest::WaitUntil([&] { return isUsable(IDC_DDE_CONNECT) && !isUsable(IDC_DDE_DISCONNECT); }));
-}
-
-TEST(GalleryCommandLine, SelectsPageAndLanguageAndRejectsUnknownOnes) {
-  const auto parse = [](std::vector<const wchar_t*> words) {
-    words.insert(words.begin(), L"kvgallery");
-    return ParseCommandLine(static_cast<int>(words.size()), words.data());
-  };
-  const StartOptions options = parse({L"--language", L"ge", L"--page", L"list"}), none = parse({});
-  EXPECT_EQ(std::tuple(1, PAGE_INDEX_LIST, L""), std::tuple(options.language, options.page, options.rejected));
-  EXPECT_EQ(std::tuple(kv::kStoredLanguage, -1), std::tuple(none.language, none.page));
-  EXPECT_EQ(12, parse({L"--language", L"ja"}).language);
-  EXPECT_NE(std::wstring::npos, LanguageCodes().find(L"GE/de FR "));
-  EXPECT_TRUE(parse({L"--walk"}).walk && parse({L"--help"}).help);
-  EXPECT_EQ(L"--page liszt", parse({L"--page", L"liszt"}).rejected);
-  EXPECT_EQ(L"--language", parse({L"--language"}).rejected);
-  EXPECT_EQ(L"--pages", parse({L"--pages", L"list"}).rejected);
 }
 
 }  // namespace

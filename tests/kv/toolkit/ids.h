@@ -9,3 +9,4 @@
 #define IDM_KEY 301
 #define IDS_BOTH 1
 #define IDS_ENGLISH_ONLY 2
+#define IDS_REJECTED 3
