@@ -27,6 +27,7 @@ MENU = {
     "Troubleshooting": "docs/troubleshooting.md",
     "Questions": "docs/faq.md",
     "Glossary": "docs/glossary.md",
+    "Translating": "docs/translating.md",
     "Reference": "docs/reference/index.md",
     "Samples": "samples/README.md",
     "Architecture": "docs/architecture.md",
