@@ -23,7 +23,7 @@ std::string Reason(DWORD error) {
     case ERROR_FILE_NOT_FOUND:
     case ERROR_PATH_NOT_FOUND: return "it does not exist";
     case ERROR_WRITE_PROTECT: return "it is write-protected";
-    case ERROR_ACCESS_DENIED: return "it is write-protected, a folder, or access is denied";
+    case ERROR_ACCESS_DENIED: return "access is denied";
     case ERROR_SHARING_VIOLATION: return "it is in use by another program";
     case ERROR_DISK_FULL:
     case ERROR_HANDLE_DISK_FULL: return "the disk is full";
@@ -32,9 +32,22 @@ std::string Reason(DWORD error) {
   }
 }
 
+bool IsFolder(const std::string& path) {
+  const DWORD attributes = GetFileAttributesW(Wide(path).c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+std::string CannotRead(const std::string& path, DWORD error) {
+  return "cannot read \"" + path + "\": " + (IsFolder(path) ? "it is a folder" : Reason(error));
+}
+
 std::string CannotWrite(const std::string& path, DWORD error) {
-  return "cannot write \"" + path +
-         "\": " + (error == ERROR_PATH_NOT_FOUND ? "its folder does not exist" : Reason(error));
+  if (path == "-")
+    return "cannot write to standard output: " + (error == ERROR_INVALID_HANDLE ? "it is closed" : Reason(error));
+  const std::string start = "cannot write \"" + path + "\": ";
+  if (IsFolder(path)) return start + "it is a folder";
+  if (error == ERROR_ACCESS_DENIED) return start + "it is write-protected, or access is denied";
+  return start + (error == ERROR_PATH_NOT_FOUND ? "its folder does not exist" : Reason(error));
 }
 
 bool IsUsable(HANDLE handle) {
@@ -92,6 +105,13 @@ bool AppendToOutput(OutputFile* output, std::string_view bytes, std::string* err
   return false;
 }
 
+bool FlushToOutput(OutputFile* output, size_t atLeast, std::string* buffer, std::string* error) {
+  if (buffer->size() < atLeast) return true;
+  const bool isWritten = AppendToOutput(output, *buffer, error);
+  buffer->clear();
+  return isWritten;
+}
+
 bool PublishOutput(OutputFile* output, std::string* error) {
   return output->stream || output->file.Publish() || Fail(output, error);
 }
@@ -110,7 +130,7 @@ HANDLE OpenForReading(const std::string& path, std::string* error) {
   // Other programs can read a recording while it is written.
   HANDLE file = CreateFileW(Wide(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                             nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
-  if (file == INVALID_HANDLE_VALUE) *error = "cannot read \"" + path + "\": " + Reason(GetLastError());
+  if (file == INVALID_HANDLE_VALUE) *error = CannotRead(path, GetLastError());
   return file;
 }
 
@@ -125,7 +145,7 @@ bool ReadPart(HANDLE file, const std::string& path, std::string* part, std::stri
   DWORD read = 0;
   part->resize(kPartBytes);
   const bool done = ReadFile(file, part->data(), kPartBytes, &read, nullptr) || GetLastError() == ERROR_BROKEN_PIPE;
-  if (!done) *error = "cannot read \"" + path + "\": " + Reason(GetLastError());
+  if (!done) *error = CannotRead(path, GetLastError());
   part->resize(read);
   return done;
 }

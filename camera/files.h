@@ -32,6 +32,10 @@ bool OpenOutput(const std::string& path, bool overwrite, HANDLE source, OutputFi
 // the reader of standard output has closed it.
 bool AppendToOutput(OutputFile* output, std::string_view bytes, std::string* error);
 
+// Appends the buffer and empties it, if it has at least that number of bytes. Returns like AppendToOutput.
+bool FlushToOutput(OutputFile* output, size_t atLeast, std::string* buffer, std::string* error);
+inline constexpr size_t kOutputBuffer = 65536;  // a good size for writing
+
 // Renames the file to its target, replacing it; more bytes can be appended afterwards. Does nothing the second time. On
 // failure returns false, with an error message in `error`, and the target does not change.
 bool PublishOutput(OutputFile* output, std::string* error);

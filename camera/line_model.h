@@ -11,8 +11,8 @@ namespace camera {
 
 // What the line can carry: 41 bytes of 10 bits take 10.7 ms at 38,400 baud.
 inline constexpr double kMaxRecordRate = 38400 / 410.0;
-// Accepted for the camera's rate: what the line carries, with the tolerance of two clocks.
-inline constexpr double kHighestRate = kMaxRecordRate * 1.01, kLowestRate = 2;
+// Accepted for the camera's rate: what the line carries, and 1 % for the tolerance of two clocks.
+inline constexpr double kHighestRate = 94.6, kLowestRate = 2;
 
 // No bytes from `from` to `to` seconds, for kGapSeconds or longer.
 struct Silence {

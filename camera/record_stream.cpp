@@ -115,11 +115,7 @@ void SkipByte(MalformedStretch* open, char byte, double seconds) {
 void FeedStream(RecordStream* stream, double seconds, std::string_view bytes, std::vector<FoundRecord>* found) {
   if (bytes.empty()) return;
   const double gap = stream->lastArrival >= 0 ? seconds - stream->lastArrival : 0;
-  if (gap > stream->longestGap) {
-    stream->longestGap = gap;
-    stream->longestGapStart = stream->lastArrival;
-  }
-  stream->gaps += gap >= kGapSeconds;
+  stream->longestGap = std::max(stream->longestGap, gap);
   stream->lastArrival = seconds;
   stream->bytes += static_cast<long long>(bytes.size());
   stream->pending += bytes;
@@ -179,9 +175,8 @@ double WellFormedShare(const RecordStream& stream) {
 }
 
 std::string DescribeMalformed(const RecordStream& stream) {
-  if (stream.malformedStretches == 0) return "no malformed stretches";
-  return std::to_string(stream.malformedStretches) +
-         (stream.malformedStretches == 1 ? " malformed stretch, " : " malformed stretches, ") +
+  if (stream.malformedStretches == 0) return "no malformed sections";
+  return Counted(static_cast<unsigned long long>(stream.malformedStretches), "malformed section") + ", " +
          Counted(static_cast<unsigned long long>(stream.malformedBytes), "byte");
 }
 

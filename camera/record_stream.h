@@ -44,10 +44,8 @@ struct RecordStream {
   long long malformedStretches = 0;
   double firstSeconds = 0, lastSeconds = 0;  // of the first and the last record
   double longestGap = 0;                     // seconds between two arrivals of bytes
-  double longestGapStart = 0;
-  long long gaps = 0;                       // of kGapSeconds or more
-  FoundRecord last{};                       // valid when there are records
-  std::vector<MalformedStretch> stretches;  // the first kMaxStretches
+  FoundRecord last{};                        // valid when there are records
+  std::vector<MalformedStretch> stretches;   // the first kMaxStretches
 
   std::string pending;  // less than a record between calls; at the end, a truncated record
   struct Piece {
@@ -76,7 +74,7 @@ double RecordRate(const RecordStream& stream);
 // length.
 double WellFormedShare(const RecordStream& stream);
 
-// "1 malformed stretch, 20 bytes"; "no malformed stretches".
+// "1 malformed section, 20 bytes"; "no malformed sections".
 std::string DescribeMalformed(const RecordStream& stream);
 
 // The line of column names, and the line of a record, with line feeds. Seconds (not negative) have six decimals; a

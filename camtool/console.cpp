@@ -66,6 +66,10 @@ bool OpenPortOrPrintError(int number, camera::Port* port) {
 }
 
 int OpenRecordingOrPrintError(const std::string& path, camera::RecordingFile* recording) {
+  if (camera::ParsePort(path) > 0) {
+    PrintError(path + " is a port, not a recording; \"camtool watch " + path + "\" shows what it sends");
+    return kUsageError;
+  }
   if (!camera::OpenRecording(path, recording)) {
     PrintError(recording->error);
     return recording->failure == camera::OpenFailure::kEmpty ? kEmpty : kFailed;
@@ -82,19 +86,25 @@ int PortOrPrintError(const std::string& text) {
 }
 
 void PrintStreamReport(const camera::RecordStream& stream, const std::string& damage) {
-  std::fprintf(stderr, "%lld records; %s", stream.records, DescribeMalformed(stream).c_str());
-  if (stream.leadBytes > 0) std::fprintf(stderr, "; began within a record, %lld bytes of it", stream.leadBytes);
-  if (!stream.pending.empty()) std::fprintf(stderr, "; ended within a record, %zu bytes of it", stream.pending.size());
+  const auto counted = [](long long count, const char* noun) {
+    return camera::Counted(static_cast<unsigned long long>(count), noun);
+  };
+  std::string text = counted(stream.records, "record") + "; " + DescribeMalformed(stream);
+  if (stream.leadBytes > 0) text += "; began within a record, " + counted(stream.leadBytes, "byte") + " of it";
+  if (!stream.pending.empty()) {
+    text += "; ended within a record, " + counted(static_cast<long long>(stream.pending.size()), "byte") + " of it";
+  }
   if (stream.oddRecords > 0) {
-    std::fprintf(stderr, "; %lld odd records (a number is not all digits), read as Tarnwick reads them",
-                 stream.oddRecords);
+    text +=
+        "; " + counted(stream.oddRecords, "odd record") + " (a number is not all digits), read as Tarnwick reads them";
   }
   if (stream.outOfRange > 0) {
-    std::fprintf(stderr, "; %lld of them not exported: a coordinate is not within 0 to 1023", stream.outOfRange);
+    text += "; " + std::to_string(stream.outOfRange) + " of them not exported: a coordinate is not within 0 to 1023";
   }
+  std::fputs(text.c_str(), stderr);
   std::fputs("\n", stderr);
   for (const camera::MalformedStretch& stretch : stream.stretches) {
-    std::fprintf(stderr, "  at %.6f s, %lld bytes: %s%s\n", stretch.seconds, stretch.bytes,
+    std::fprintf(stderr, "  at %.6f s, %s: %s%s\n", stretch.seconds, counted(stretch.bytes, "byte").c_str(),
                  camera::Printable(stretch.sample).c_str(),
                  stretch.bytes > static_cast<long long>(stretch.sample.size()) ? " ..." : "");
   }

@@ -7,6 +7,7 @@
 
 #include "camera/files.h"
 #include "camera/record_stream.h"
+#include "camera/text.h"
 #include "camtool/commands.h"
 #include "camtool/console.h"
 #include "kv/toolkit/arguments.h"
@@ -14,8 +15,6 @@
 namespace camtool {
 
 namespace {
-
-constexpr size_t kBufferBytes = 65536;
 
 struct Settings {
   bool overwrite = false;
@@ -32,27 +31,25 @@ struct Exporter {
   camera::RecordStream stream;
 };
 
-bool Flush(Exporter* exporter) {
-  const bool done = camera::AppendToOutput(&exporter->out, exporter->buffer, &exporter->error);
-  exporter->buffer.clear();
-  return done;
-}
-
 bool WriteRows(Exporter* exporter) {
   ProgressLine progress;
   exporter->buffer = camera::CsvHeader();
+  const auto flush = [&](size_t atLeast) {
+    return FlushToOutput(&exporter->out, atLeast, &exporter->buffer, &exporter->error);
+  };
   std::vector<camera::FoundRecord> found;
   exporter->recording.onPart = [&] {
-    if (progress.IsDue()) progress.Show(std::to_string(exporter->stream.records) + " records");
+    if (progress.IsDue())
+      progress.Show(camera::Counted(static_cast<unsigned long long>(exporter->stream.records), "record"));
     return !IsStopRequested();
   };
   while (NextRecords(&exporter->recording, &exporter->stream, &found)) {
     for (const camera::FoundRecord& record : found) {
       if (record.isInRange) camera::AppendCsvRow(record, &exporter->buffer);
     }
-    if (exporter->buffer.size() >= kBufferBytes && !Flush(exporter)) return false;
+    if (!flush(camera::kOutputBuffer)) return false;
   }
-  return Flush(exporter);
+  return flush(0);
 }
 
 int ExportAll(Exporter* exporter) {

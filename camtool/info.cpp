@@ -1,6 +1,7 @@
-// camtool info: properties and statistics of a recording.
+// camtool info: properties, figures and events of a recording.
 #include <windows.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -8,9 +9,14 @@
 #include <vector>
 
 #include "camera/camera_record.h"
+#include "camera/events.h"
 #include "camera/files.h"
+#include "camera/line_model.h"
+#include "camera/noise.h"
+#include "camera/record_intake.h"
 #include "camera/record_stream.h"
 #include "camera/recording.h"
+#include "camera/statistics.h"
 #include "camera/text.h"
 #include "camtool/commands.h"
 #include "camtool/console.h"
@@ -21,17 +27,32 @@ namespace camtool {
 namespace {
 
 struct Settings {
-  bool json = false;
+  double rate = 0;  // 0 = estimated
+  bool json = false, events = false, csv = false;
 } settings;
 
-const kv::Option kOptions[] = {{"--json", nullptr, "print one JSON object instead of text", &settings.json}};
+const kv::Option kOptions[] = {
+    {"--rate", "RATE", "records a second that the camera sends, to count lost ones (default: estimated)",
+     kv::NumberOption{&settings.rate, camera::kLowestRate, camera::kHighestRate}},
+    {"--events", nullptr, "list silences, losses, malformed bytes, damage and points that are not seen",
+     &settings.events},
+    {"--csv", nullptr, "list the events as comma-separated values", &settings.csv},
+    {"--json", nullptr, "print one JSON object instead of text; with --events, they are in it", &settings.json}};
 
 constexpr int kExits[] = {kDone, kFailed, kUsageError, kDamaged, kEmpty};
 
 struct Facts {
   camera::RecordingFile file;
-  camera::RecordStream stream;
-  camera::PointSummary points[kv::kPointCount];
+  camera::RecordIntake intake;
+  camera::LineModel line;
+  camera::RecordMeter meter;
+  camera::RecordSums sums;
+  camera::EventLog log;
+  // When the recording was read:
+  double seconds = 0;  // duration
+  camera::LineFigures figures;
+  std::vector<camera::Event> events;
+  long long omittedEvents = 0;
 };
 
 // Returns "" when the header has no start time.
@@ -43,14 +64,105 @@ std::string StartOf(const Facts& facts, const char* format) {
   return camera::Format(format, utc.wYear, utc.wMonth, utc.wDay, utc.wHour, utc.wMinute, utc.wSecond);
 }
 
-double Share(const Facts& facts, const camera::PointSummary& point) {
-  const long long records = facts.stream.records - facts.stream.outOfRange;
-  return records > 0 ? static_cast<double>(point.seen) / static_cast<double>(records) : 0;
+double Percent(double part, double whole) {
+  return whole > 0 ? part / whole * 100 : 0;
+}
+
+std::string Number(long long number) {
+  return std::to_string(number);
+}
+
+// Returns what is known of lost records, as a sentence or two.
+std::string DescribeLosses(const camera::LineFigures& figures) {
+  const long long lost = std::max(figures.lost, 0LL);
+  const std::string most = Number(figures.lostAtMost);
+  if (figures.basis == camera::LossBasis::kTooFew) return "unknown: too few records";
+  if (figures.basis == camera::LossBasis::kIrregular) {
+    return "unknown, at most " + most + ": records arrive too irregularly to count single losses; give --rate";
+  }
+  const bool isEstimated = figures.basis == camera::LossBasis::kEstimated;
+  std::string text = isEstimated ? "about " : "";
+  text += Number(lost);
+  if (figures.lostAtLeast != figures.lostAtMost) text += " (" + Number(figures.lostAtLeast) + " to " + most + ")";
+  text += camera::Format(" of %s, %.1f %%, at %s%.2f records/s",
+                         camera::Counted(static_cast<unsigned long long>(figures.records + lost), "record").c_str(),
+                         Percent(static_cast<double>(lost), static_cast<double>(figures.records + lost)),
+                         isEstimated ? "about " : "", figures.rate);
+  if (figures.mayLoseRegularly) {
+    text +=
+        "\n             a loss of every second record would look the same, because the line carries more; give --rate";
+  }
+  return text;
+}
+
+std::string DescribeSilence(const camera::LineFigures& figures) {
+  if (figures.silences == 0) return "never";
+  return camera::Format("%s, %.3f s, %.1f %% of the time; longest %.3f s, at %.3f s",
+                        camera::Counted(static_cast<unsigned long long>(figures.silences), "time").c_str(),
+                        figures.silentSeconds, Percent(figures.silentSeconds, figures.seconds), figures.longestSilence,
+                        figures.longestSilenceFrom);
+}
+
+std::string DescribeNoise(const camera::CoordinateNoise& sums) {
+  const camera::NoiseFigure figure = NoiseOf(sums);
+  return figure.differences == 0 ? "-" : camera::Format("%s%.2f", figure.isBelow ? "<" : "", figure.noise);
+}
+
+std::string DescribeSpread(const camera::Spread& spread, long long seen) {
+  return seen < 2 ? "-" : camera::Format("%.2f", Deviation(spread, seen));
+}
+
+void PrintPoints(const Facts& facts) {
+  std::puts("  point  seen     x             y             peak-to-peak  spread x, y      noise x, y");
+  for (int i = 0; i < kv::kPointCount; ++i) {
+    const camera::PointSummary& point = facts.sums.points[i];
+    const camera::PointNoise& noise = facts.sums.noise[i];
+    std::printf("  %-5d  %5.1f %%", i + 1, SeenShare(facts.sums, i) * 100);
+    if (point.seen > 0) {
+      const std::string spread = DescribeSpread(point.x, point.seen) + ", " + DescribeSpread(point.y, point.seen);
+      std::printf("  %4ld to %4ld  %4ld to %4ld  %4ld, %4ld    %-15s  %s, %s", point.x.lowest, point.x.highest,
+                  point.y.lowest, point.y.highest, point.x.highest - point.x.lowest, point.y.highest - point.y.lowest,
+                  spread.c_str(), DescribeNoise(noise.x).c_str(), DescribeNoise(noise.y).c_str());
+    }
+    std::puts("");
+  }
+}
+
+// The amount with its unit; "" if the event has none.
+std::string DescribeAmount(const camera::Event& event) {
+  const auto amount = static_cast<unsigned long long>(event.amount);
+  switch (event.kind) {
+    case camera::EventKind::kLoss: return camera::Counted(amount, "record");
+    case camera::EventKind::kMalformed:
+    case camera::EventKind::kDamage: return camera::Counted(amount, "byte");
+    case camera::EventKind::kUnseen: return "point " + std::to_string(event.point + 1);
+    default: return {};
+  }
+}
+
+void PrintEvents(const Facts& facts) {
+  std::puts("      seconds    duration  event");
+  for (const camera::Event& event : facts.events) {
+    const std::string amount = DescribeAmount(event);
+    std::printf("  %11.3f  %10.3f  %s%s%s\n", event.from, event.to - event.from, EventName(event.kind),
+                amount.empty() ? "" : ", ", amount.c_str());
+  }
+  if (facts.omittedEvents > 0) std::printf("  and at least %lld more\n", facts.omittedEvents);
+}
+
+void PrintEventRows(const Facts& facts) {
+  std::puts("seconds,duration,event,amount,point");
+  for (const camera::Event& event : facts.events) {
+    std::printf("%.6f,%.6f,%s,%s,%s\n", event.from, event.to - event.from, EventName(event.kind),
+                event.amount > 0 ? Number(event.amount).c_str() : "",
+                event.point >= 0 ? std::to_string(event.point + 1).c_str() : "");
+  }
 }
 
 void PrintText(const Facts& facts) {
   const camera::RecordingDecoder& decoder = facts.file.decoder;
-  const camera::RecordStream& stream = facts.stream;
+  const camera::RecordStream& stream = facts.intake.stream;
+  const camera::LineFigures& figures = facts.figures;
   const std::string start = StartOf(facts, "%04u-%02u-%02u %02u:%02u:%02u UTC"), damage = DescribeDamage(facts.file);
   std::printf("%s\n", facts.file.path.c_str());
   if (start.empty()) {
@@ -59,83 +171,143 @@ void PrintText(const Facts& facts) {
     std::printf("  recorded   %s, COM%u, %u baud\n", start.c_str(), static_cast<unsigned>(decoder.header.port),
                 static_cast<unsigned>(decoder.header.baudRate));
   }
-  std::printf("  length     %.3f s", static_cast<double>(decoder.endTime) / 1e6);
+  std::printf("  length     %.3f s", facts.seconds);
   if (stream.records > 0) std::printf("; records from %.3f s to %.3f s", stream.firstSeconds, stream.lastSeconds);
-  std::printf("\n  records    %lld, %.1f records/s, %lld bytes\n", stream.records, RecordRate(stream), stream.bytes);
-  std::printf("  gaps       longest %.3f s, at %.3f s; %lld longer than %.1f s\n", stream.longestGap,
-              stream.longestGapStart, stream.gaps, camera::kGapSeconds);
+  std::printf("\n  records    %lld, %.1f a second, %s\n", stream.records, figures.recordsPerSecond,
+              camera::Counted(static_cast<unsigned long long>(stream.bytes), "byte").c_str());
+  std::printf("  lost       %s\n  silent     %s\n", DescribeLosses(figures).c_str(), DescribeSilence(figures).c_str());
   std::printf("  malformed  %s\n", DescribeMalformed(stream).c_str());
   if (stream.oddRecords > 0) {
-    std::printf("  odd        %lld records; %lld of them have a coordinate not within 0 to 1023\n", stream.oddRecords,
+    std::printf("  odd        %s; %lld of them with a coordinate that is not within 0 to 1023\n",
+                camera::Counted(static_cast<unsigned long long>(stream.oddRecords), "record").c_str(),
                 stream.outOfRange);
   }
   std::printf("  damage     %s\n", damage.empty() ? "none" : damage.c_str());
-  std::puts("  point  seen     x             y             jitter x, y (standard deviation)");
-  for (int i = 0; i < kv::kPointCount; ++i) {
-    const camera::PointSummary& point = facts.points[i];
-    std::printf("  %-5d  %5.1f %%", i + 1, Share(facts, point) * 100);
-    if (point.seen > 0) {
-      std::printf("  %4ld to %4ld  %4ld to %4ld  %.2f, %.2f", point.x.lowest, point.x.highest, point.y.lowest,
-                  point.y.highest, Deviation(point.x, point.seen), Deviation(point.y, point.seen));
-    }
-    std::puts("");
-  }
+  PrintPoints(facts);
+  if (settings.events) PrintEvents(facts);
 }
 
-std::string Axis(const char* name, const camera::Spread& spread, long long seen) {
-  return camera::Format(",\"%s\":{\"lowest\":%ld,\"highest\":%ld,\"mean\":%.3f,\"deviation\":%.3f}", name,
-                        spread.lowest, spread.highest, Mean(spread, seen), Deviation(spread, seen));
+std::string Axis(const char* name, const camera::Spread& spread, long long seen, const camera::CoordinateNoise& sums) {
+  const camera::NoiseFigure noise = NoiseOf(sums);
+  std::string text = camera::Format(",\"%s\":{\"lowest\":%ld,\"highest\":%ld,\"mean\":%.3f,\"deviation\":", name,
+                                    spread.lowest, spread.highest, Mean(spread, seen));
+  text += seen < 2 ? "null" : camera::Format("%.3f", Deviation(spread, seen));
+  text += ",\"noise\":" + (noise.differences == 0 ? "null" : camera::Format("%.3f", noise.noise));
+  return text + (noise.isBelow ? ",\"noiseIsBelow\":true}" : "}");
+}
+
+void PrintLineJson(const camera::LineFigures& figures) {
+  constexpr const char* kBases[] = {"too few records", "too irregular", "estimated", "given"};
+  const bool isKnown = figures.basis >= camera::LossBasis::kEstimated;
+  std::printf(",\"silences\":%lld,\"silentSeconds\":%.6f,\"longestSilenceSeconds\":%.6f,\"longestSilenceStart\":%.6f",
+              figures.silences, figures.silentSeconds, figures.longestSilence, figures.longestSilenceFrom);
+  std::printf(
+      ",\"lost\":{\"basis\":\"%s\",\"records\":%s,\"atLeast\":%lld,\"atMost\":%lld,\"rate\":%s,"
+      "\"mayBeRegular\":%s}",
+      kBases[static_cast<int>(figures.basis)], isKnown ? Number(std::max(figures.lost, 0LL)).c_str() : "null",
+      figures.lostAtLeast, figures.lostAtMost, isKnown ? camera::Format("%.3f", figures.rate).c_str() : "null",
+      figures.mayLoseRegularly ? "true" : "false");
+}
+
+void PrintEventsJson(const Facts& facts) {
+  std::printf(",\"omittedEvents\":%lld,\"events\":[", facts.omittedEvents);
+  const char* separator = "";
+  for (const camera::Event& event : facts.events) {
+    std::printf("%s{\"seconds\":%.6f,\"duration\":%.6f,\"event\":\"%s\"", separator, event.from, event.to - event.from,
+                EventName(event.kind));
+    if (event.amount > 0) std::printf(",\"amount\":%lld", event.amount);
+    if (event.point >= 0) std::printf(",\"point\":%d", event.point + 1);
+    std::printf("}");
+    separator = ",";
+  }
+  std::printf("]");
 }
 
 void PrintJson(const Facts& facts) {
   const camera::RecordingDecoder& decoder = facts.file.decoder;
-  const camera::RecordStream& stream = facts.stream;
+  const camera::RecordStream& stream = facts.intake.stream;
   const std::string start = StartOf(facts, "\"%04u-%02u-%02uT%02u:%02u:%02uZ\"");
   std::printf("{\"file\":%s,\"start\":%s,\"port\":%u,\"baudRate\":%u,\"seconds\":%.6f,\"complete\":%s,\"bytes\":%lld",
               camera::JsonString(facts.file.path).c_str(), start.empty() ? "null" : start.c_str(),
-              static_cast<unsigned>(decoder.header.port), static_cast<unsigned>(decoder.header.baudRate),
-              static_cast<double>(decoder.endTime) / 1e6, decoder.hasEnd ? "true" : "false", stream.bytes);
+              static_cast<unsigned>(decoder.header.port), static_cast<unsigned>(decoder.header.baudRate), facts.seconds,
+              decoder.hasEnd ? "true" : "false", stream.bytes);
   std::printf(",\"records\":%lld,\"recordsPerSecond\":%.3f,\"firstSeconds\":%.6f,\"lastSeconds\":%.6f", stream.records,
-              RecordRate(stream), stream.firstSeconds, stream.lastSeconds);
-  std::printf(",\"longestGapSeconds\":%.6f,\"longestGapStart\":%.6f,\"gaps\":%lld", stream.longestGap,
-              stream.longestGapStart, stream.gaps);
-  std::printf(",\"malformedStretches\":%lld,\"malformedBytes\":%lld,\"oddRecords\":%lld,\"outOfRangeRecords\":%lld",
+              facts.figures.recordsPerSecond, stream.firstSeconds, stream.lastSeconds);
+  PrintLineJson(facts.figures);
+  std::printf(",\"malformedSections\":%lld,\"malformedBytes\":%lld,\"oddRecords\":%lld,\"outOfRangeRecords\":%lld",
               stream.malformedStretches, stream.malformedBytes, stream.oddRecords, stream.outOfRange);
   std::printf(",\"damagedPlaces\":%llu,\"damagedBytes\":%llu,\"truncatedBytes\":%zu,\"points\":[",
               static_cast<unsigned long long>(decoder.damageCount),
               static_cast<unsigned long long>(decoder.damagedBytes), facts.file.truncatedBytes);
   for (int i = 0; i < kv::kPointCount; ++i) {
-    const camera::PointSummary& point = facts.points[i];
-    std::printf("%s{\"seen\":%.6f", i > 0 ? "," : "", Share(facts, point));
-    if (point.seen > 0)
-      std::printf("%s%s", Axis("x", point.x, point.seen).c_str(), Axis("y", point.y, point.seen).c_str());
+    const camera::PointSummary& point = facts.sums.points[i];
+    const camera::PointNoise& noise = facts.sums.noise[i];
+    std::printf("%s{\"seen\":%.6f", i > 0 ? "," : "", SeenShare(facts.sums, i));
+    if (point.seen > 0) {
+      std::printf("%s%s", Axis("x", point.x, point.seen, noise.x).c_str(),
+                  Axis("y", point.y, point.seen, noise.y).c_str());
+    }
     std::printf("}");
   }
-  std::puts("]}");
+  std::printf("]");
+  if (settings.events) PrintEventsJson(facts);
+  std::puts("}");
+}
+
+void AddBatch(const camera::IntakeBatch& batch, Facts* facts) {
+  for (const camera::Stretch& stretch : batch.stretches) {
+    facts->log.AddStretch(stretch);
+    if (stretch.kind == camera::StretchKind::kSilent) facts->line.AddSilence({stretch.from, stretch.to});
+  }
+  for (size_t i = 0; i < batch.records.size(); ++i) {
+    facts->line.AddRecord(batch.records[i].seconds, (batch.flags[i] & camera::kAfterSilence) != 0);
+    facts->meter.Add(batch.records[i], batch.flags[i], &facts->sums);
+    facts->log.AddRecord(batch.records[i]);
+  }
+}
+
+// Reads the recording to its end. Returns false when stopped or when reading fails.
+bool ReadAll(Facts* facts) {
+  ProgressLine progress;
+  facts->file.onPart = [&] {
+    if (progress.IsDue())
+      progress.Show(camera::Counted(static_cast<unsigned long long>(facts->sums.records), "record"));
+    return !IsStopRequested();
+  };
+  camera::IntakeBatch batch;
+  for (bool isMore = true; isMore; ClearBatch(&batch)) {
+    isMore = NextBatch(&facts->file, &facts->intake, &batch);
+    AddBatch(batch, facts);
+  }
+  if (facts->file.isStopped || !facts->file.error.empty()) return false;
+  const camera::RecordStream& stream = facts->intake.stream;
+  facts->seconds = static_cast<double>(facts->file.decoder.endTime) / 1e6;
+  facts->line.Finish();
+  facts->figures =
+      facts->line.Figures({0, facts->seconds, stream.records, -1, stream.firstSeconds, stream.lastSeconds});
+  facts->events = facts->log.Events(facts->line, facts->seconds, &facts->omittedEvents);
+  return true;
 }
 
 int RunInfo(const std::vector<std::string>& operands) {
-  Facts facts;
-  if (const int failure = OpenRecordingOrPrintError(operands[0], &facts.file); failure != kDone) return failure;
-  std::vector<camera::FoundRecord> found;
-  ProgressLine progress;
-  facts.file.onPart = [&] {
-    if (progress.IsDue()) progress.Show(std::to_string(facts.stream.records) + " records");
-    return !IsStopRequested();
-  };
-  while (NextRecords(&facts.file, &facts.stream, &found)) {
-    for (const camera::FoundRecord& record : found) {
-      for (int i = 0; record.isInRange && i < kv::kPointCount; ++i) AddPoint(record.points[i], &facts.points[i]);
-    }
+  if (settings.csv && settings.json) {
+    PrintError("--csv and --json exclude each other");
+    return kUsageError;
   }
-  progress.Clear();
-  if (facts.file.error.empty() && facts.file.isStopped)
-    facts.file.error = "interrupted before the end of the recording";
-  if (!facts.file.error.empty()) {
-    PrintError(facts.file.error);
+  Facts facts;
+  facts.line = camera::LineModel(settings.rate);
+  if (const int failure = OpenRecordingOrPrintError(operands[0], &facts.file); failure != kDone) return failure;
+  if (!ReadAll(&facts)) {
+    PrintError(facts.file.error.empty() ? "interrupted before the end of the recording" : facts.file.error);
     return kFailed;
   }
-  settings.json ? PrintJson(facts) : PrintText(facts);
+  if (settings.csv) {
+    PrintEventRows(facts);
+  } else if (settings.json) {
+    PrintJson(facts);
+  } else {
+    PrintText(facts);
+  }
   return facts.file.decoder.damageCount > 0 ? kDamaged : kDone;
 }
 
@@ -144,8 +316,10 @@ int RunInfo(const std::vector<std::string>& operands) {
 const Command kInfoCommand = {
     "info",
     "FILE",
-    "summarizes a recording: start, duration, rate, gaps, damage, and the range of each point",
-    "FILE may be - for standard input. A point is seen in a record when neither coordinate is 1023.\n",
+    "summarizes a recording: start, duration, rate, losses, silence, damage, and the range and noise of each point",
+    "FILE may be - for standard input. A point is seen in a record when neither coordinate is 1023. Silent: no bytes "
+    "for\n"
+    "0.5 s or longer. Lost: missing in shorter pauses, counted by the regular times at which the camera sends.\n",
     kOptions,
     kExits,
     RunInfo};

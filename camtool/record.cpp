@@ -5,10 +5,12 @@
 #include <string>
 #include <vector>
 
+#include "camera/camera_record.h"
 #include "camera/files.h"
 #include "camera/ports.h"
 #include "camera/record_stream.h"
 #include "camera/recorder.h"
+#include "camera/recording.h"
 #include "camera/text.h"
 #include "camtool/commands.h"
 #include "camtool/console.h"
@@ -20,6 +22,7 @@ namespace {
 
 constexpr DWORD kTurnMs = 100;
 constexpr DWORD kForwardTimeoutMs = 20;
+constexpr double kSmallestSize = camera::kRecordingHeaderBytes + 2 * camera::kChunkOverhead + kv::kRecordLength;
 
 // A number of bytes with an optional suffix K, M or G (1024 each).
 bool ParseSize(std::string_view text, double* bytes) {
@@ -114,7 +117,9 @@ int RecordTo(Recording* recording, int port) {
   camera::EndStream(&recording->stream);
   const camera::RecordStream& stream = recording->stream;
   FILE* out = file.stream ? stderr : stdout;
-  std::fprintf(out, "%lld records, %lld bytes, %.1f s to %s\n", stream.records, stream.bytes, seconds,
+  std::fprintf(out, "%s, %s, %.1f s to %s\n",
+               camera::Counted(static_cast<unsigned long long>(stream.records), "record").c_str(),
+               camera::Counted(static_cast<unsigned long long>(stream.bytes), "byte").c_str(), seconds,
                file.stream ? "standard output" : file.path.c_str());
   if (stream.malformedStretches > 0) {
     std::fprintf(out, "%s; they are in the recording, too\n", camera::DescribeMalformed(stream).c_str());
@@ -135,6 +140,10 @@ int RunRecord(const std::vector<std::string>& operands) {
   if (port == 0 || (forward == 0 && !settings.forward.empty())) return kUsageError;
   if (forward == port) {
     PrintError("--forward requires another port than the one that is recorded");
+    return kUsageError;
+  }
+  if (settings.size > 0 && settings.size < kSmallestSize) {
+    PrintError(camera::Format("--size requires at least %.0f bytes, for one record", kSmallestSize));
     return kUsageError;
   }
   if (operands[1] == "-" && IsConsole(GetStdHandle(STD_OUTPUT_HANDLE))) {

@@ -18,7 +18,6 @@ namespace camtool {
 
 namespace {
 
-constexpr size_t kBufferBytes = 65536;
 constexpr DWORD kTurnMs = 100;
 constexpr double kSilentSeconds = 5;
 
@@ -62,10 +61,8 @@ void AppendJson(const camera::FoundRecord& record, std::string* text) {
   *text += record.isOdd ? "],\"odd\":true}\n" : "]}\n";
 }
 
-bool Flush(Watcher* watcher) {
-  const bool done = AppendToOutput(&watcher->out, watcher->buffer, &watcher->error);
-  watcher->buffer.clear();
-  return done;
+bool Flush(Watcher* watcher, size_t atLeast = 0) {
+  return FlushToOutput(&watcher->out, atLeast, &watcher->buffer, &watcher->error);
 }
 
 // Prints the last records found, at once if `isLive`. Returns false when they cannot be written.
@@ -81,7 +78,7 @@ bool Show(Watcher* watcher, bool isLive) {
       camera::AppendCsvRow(record, &watcher->buffer);
     }
   }
-  return !(isLive || watcher->buffer.size() >= kBufferBytes) || Flush(watcher);
+  return Flush(watcher, isLive ? 0 : camera::kOutputBuffer);
 }
 
 // Returns the exit code of a watch that ended early, or kDone.

@@ -22,7 +22,6 @@ namespace camview {
 
 namespace {
 
-constexpr size_t kBufferBytes = 65536;
 constexpr size_t kBatchRecords = 256;
 constexpr std::uint64_t kFileTimePerMicrosecond = 10;
 
@@ -41,16 +40,13 @@ struct Export {
 };
 
 bool Flush(Export* job, size_t atLeast) {
-  if (job->buffer.size() < atLeast) return true;
-  const bool isWritten = camera::AppendToOutput(&job->out, job->buffer, &job->result->error);
-  job->buffer.clear();
-  return isWritten;
+  return camera::FlushToOutput(&job->out, atLeast, &job->buffer, &job->result->error);
 }
 
 // Returns whether to continue with data of that time.
 bool IsInRange(Export* job, std::uint64_t microseconds) {
   if (job->to > 0) job->worker->SetProgress(static_cast<double>(microseconds) / static_cast<double>(job->to));
-  return !job->worker->IsCancelled() && Flush(job, kBufferBytes);
+  return !job->worker->IsCancelled() && Flush(job, camera::kOutputBuffer);
 }
 
 void AddHeader(Export* job, camera::RecordingHeader header) {

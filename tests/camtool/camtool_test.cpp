@@ -15,6 +15,7 @@
 #include <thread>
 #include <tuple>
 #include <utility>
+#include <vector>
 
 #include "camera/camera_record.h"
 #include "camera/line_analysis.h"
@@ -174,7 +175,7 @@ TEST(Camtool, RecordsReplaysAndExports) {
   }
   const Camtool toFile("export \"" + first + "\" \"" + csv + "\"");
   EXPECT_EQ(camtool::kDone, toFile.Wait()) << toFile.Said();
-  EXPECT_PRED2(Says, toFile.Said(), "malformed stretches, ");
+  EXPECT_PRED2(Says, toFile.Said(), "malformed sections, ");
   const std::string points = PointsOf(ReadFileText(csv));
   EXPECT_GT(std::ranges::count(points, '\n'), 50);
   const Camtool watch("watch --csv -", first), closed("watch \"" + first + "\"", "NUL", true);
@@ -258,7 +259,7 @@ TEST(Camtool, KeepsExistingFiles) {
     EXPECT_EQ("old", ReadFileText(csv));
   }
   const std::tuple<std::string, const char*, const char*> views[] = {
-      {toTarget(csv), "NUL", "2 records; no malformed stretches; 1 odd"},
+      {toTarget(csv), "NUL", "2 records; no malformed sections; 1 odd record ("},
       {"info \"" + recording + "\"", "NUL", "2025-01-01 00:00:00 UTC, COM3, 38400 baud"},
       {"info -", recording.c_str(), "1      100.0 %   100 to  100   200 to  200"},
       {"info --json -", recording.c_str(),
@@ -289,6 +290,42 @@ TEST(Camtool, KeepsExistingFiles) {
   for (const std::string& path : {recording, link, csv}) DeleteFileA(path.c_str());
 }
 
+TEST(Camtool, TellsLossesAndSilenceApartAndListsThem) {
+  // 93 records a second for 10 s; one is missing, and nothing for 2 s. Point 4 is not seen, point 1 for a while.
+  std::string bytes = camera::EncodeHeader({133801632000000000, 38400, 3});
+  for (int i = 0; i < 930; ++i) {
+    const bool isSilent = i >= 400 && i < 586;
+    if (isSilent || i == 100) continue;
+    const char* const first = i >= 700 && i < 793 ? "1023,1023" : i % 2 ? "0100,0200" : "0102,0200";
+    const auto microseconds = static_cast<std::uint64_t>(1000000 + i * 1000000LL / 93);
+    bytes += camera::EncodeChunks(
+        microseconds, (i == 300 ? "noise" : "") + std::string(first) + ",0300,0400,0512,0384,1023,1023\r\n");
+  }
+  const std::string recording = TemporaryFile("camtool figures.twr");
+  WriteFileText(recording, bytes + camera::EncodeEnd(11500000));
+  const std::pair<const char*, std::vector<const char*>> outputs[] = {
+      {"",
+       {"  records    743, 64.6 a second, 30468 bytes\r\n",
+        "  lost       about 1 of 744 records, 0.1 %, at about 93.00 records/s\r\n",
+        "  silent     3 times, 3.522 s, 30.6 % of the time; longest 2.011 s, at 5.290 s\r\n", "peak-to-peak"}},
+      {"--rate 93", {"  lost       1 of 744 records, 0.1 %, at 93.00 records/s"}},
+      {"--events --json",
+       {"\"silences\":3,\"silentSeconds\":3.5",
+        "\"lost\":{\"basis\":\"estimated\",\"records\":1,\"atLeast\":1,\"atMost\":1,\"rate\":93.00",
+        "\"omittedEvents\":0,\"events\":[{\"seconds\":0.000000,\"duration\":1.000000"}},
+      {"--events",
+       {"        2.065       0.022  lost, 1 record\r\n", "        1.000      10.500  not seen, point 4\r\n"}},
+      {"--csv",
+       {"seconds,duration,event,amount,point\r\n0.000000,1.000000,silence,,\r\n",
+        "\r\n4.225806,0.000000,malformed,5,\r\n", "\r\n8.526881,1.000000,not seen,,1\r\n"}}};
+  for (const auto& [options, lines] : outputs) {
+    const Camtool info("info \"" + recording + "\" " + options);
+    EXPECT_EQ(camtool::kDone, info.Wait()) << options;
+    for (const char* said : lines) EXPECT_PRED2(Says, info.Output(), said);
+  }
+  DeleteFileA(recording.c_str());
+}
+
 TEST(Camtool, RejectsInvalidCommands) {
   const std::tuple<const char*, int, const char*> cases[] = {
       {"", camtool::kUsageError, "camtool COMMAND --help"},
@@ -300,6 +337,10 @@ TEST(Camtool, RejectsInvalidCommands) {
       {"record COM77 nothing.twr", camtool::kNoPort, "COM77 does not exist"},
       {"export nothing.twr", camtool::kFailed, "cannot read \"nothing.twr\""},
       {"info -", camtool::kEmpty, "is empty"},
+      {"info com3", camtool::kUsageError, "com3 is a port, not a recording"},
+      {"info .", camtool::kFailed, "cannot read \".\": it is a folder"},
+      {"info nothing.twr --rate 95", camtool::kUsageError, "--rate requires a number from 2 to 94.6"},
+      {"record COM4 nothing.twr --size 10", camtool::kUsageError, "--size requires at least 113 bytes"},
       {"simulate --help", camtool::kDone, "records a second (default 93)"},
       {"--version", camtool::kDone, "camtool 0."},
       {"record --version", camtool::kDone, "camtool 0."},
