@@ -152,6 +152,25 @@ BOOL GetStripChartCursor(HWND dialog, int id, double* time) {
   return TRUE;
 }
 
+BOOL SetStripChartCursorB(HWND dialog, int id, const double* time) {
+  return Send(dialog, id, time ? kStripCursorB : kStripCursorB | kCommandRemove, 0, time);
+}
+
+BOOL GetStripChartCursorB(HWND dialog, int id, double* time) {
+  StripReading reading{};
+  if (!Send(dialog, id, kStripCursorB | kCommandRead, 0, &reading)) return FALSE;
+  *time = reading.time;
+  return TRUE;
+}
+
+BOOL AddStripChartEvent(HWND dialog, int id, double time, const wchar_t* text) {
+  if (!text) return Send(dialog, id, kStripEventItem | kCommandRemove, 0, nullptr);
+  if (!IsReadableText(text)) return FALSE;
+  StripEvent event{.time = time};
+  StoreText(event.text, text);
+  return Send(dialog, id, kStripEventItem, 0, &event);
+}
+
 BOOL SetStripChartSelection(HWND dialog, int id, const StripTimeRange* range) {
   return Send(dialog, id, range ? kStripSelection : kStripSelection | kCommandRemove, 0, range);
 }

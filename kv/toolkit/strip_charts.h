@@ -6,6 +6,7 @@
 #include <windows.h>
 
 #include <span>
+#include <vector>
 
 #include "kv/controls/strip_chart/strip_chart.h"
 
@@ -60,7 +61,21 @@ BOOL SetStripChartCursor(HWND dialog, int id, const double* time);
 BOOL GetStripChartCursor(HWND dialog, int id, double* time);
 BOOL SetStripChartSelection(HWND dialog, int id, const StripTimeRange* range);
 BOOL GetStripChartSelection(HWND dialog, int id, StripTimeRange* range);
-// Removes all samples, the cursor and the selection.
+// The second cursor, with which the chart shows differences of time and values. Null removes it; reading returns 0 if
+// there is none.
+BOOL SetStripChartCursorB(HWND dialog, int id, const double* time);
+BOOL GetStripChartCursorB(HWND dialog, int id, double* time);
+// Marks a time with a line and a text (55 bytes of UTF-8). Null as text removes all events.
+BOOL AddStripChartEvent(HWND dialog, int id, double time, const wchar_t* text);
+// Reads the samples of a channel back, those within the range; null: all. A gap is a value of NaN.
+BOOL GetStripChartSamples(HWND dialog, int id, int channel, const StripTimeRange* range,
+                          std::vector<StripSample>* samples);
+// Saves the samples of all channels, within the range (null: all), as a file of comma-separated values in UTF-8: a line
+// with the names, then one for each time at which a channel has a sample, with empty fields for other channels and
+// gaps. Numbers have a decimal point. Returns 0, with the reason in GetLastError, and leaves an existing file as it
+// was, when the file cannot be written.
+BOOL SaveStripChartCsv(HWND dialog, int id, const wchar_t* path, const StripTimeRange* range);
+// Removes all samples, events, cursors and the selection.
 BOOL ClearStripChart(HWND dialog, int id);
 // Replaces all zones, which are coloured parts of the value range; at most three.
 BOOL SetStripChartZones(HWND dialog, int id, std::span<const StripZone> zones);

@@ -172,7 +172,7 @@ LRESULT CopyStrip(StripChart& chart, LPARAM requested) {
   renderer->Update(chart.model, size, true);
   chart.model.undrawnFrom = undrawn;
   chart.model.removedTo = removed;
-  const Surface& surface = renderer->WithOverlay(chart.model, false);
+  const Surface& surface = renderer->WithOverlay(chart.model, {}, false);
   // Before opening the clipboard, which notifies its previous owner, who may destroy the control.
   const std::wstring table = TableOf(chart.model, renderer->layoutShown());
   HWND window = chart.window;

@@ -86,16 +86,28 @@ bool ExchangeView(StripModel& model, WPARAM wParam, LPARAM address) {
   return CopyItemIn(address, &view) && SetView(model, view);
 }
 
-bool ExchangeCursor(StripModel& model, WPARAM wParam, LPARAM address) {
-  if (wParam & kCommandRead) return model.cursorShown && CopyItemOut(ReadingAt(model, model.cursor), address);
+bool ExchangeCursor(const StripModel& model, WPARAM wParam, LPARAM address, double* cursor, bool* isShown) {
+  if (wParam & kCommandRead) return *isShown && CopyItemOut(ReadingAt(model, *cursor), address);
   if (wParam & kCommandRemove) {
-    model.cursorShown = false;
+    *isShown = false;
     return true;
   }
   double time = 0;
   if (!CopyItemIn(address, &time) || !(std::fabs(time) <= kStripMaxTime)) return false;
-  model.cursor = time;
-  model.cursorShown = true;
+  *cursor = time;
+  return *isShown = true;
+}
+
+bool ExchangeEvent(StripModel& model, unsigned index, WPARAM wParam, LPARAM address) {
+  if (wParam & kCommandRead) return index < model.events.size() && CopyItemOut(model.events[index], address);
+  if (wParam & kCommandRemove) {
+    model.events.clear();
+    return true;
+  }
+  StripEvent event;
+  if (!CopyItemIn(address, &event) || !(std::fabs(event.time) <= kStripMaxTime)) return false;
+  event.text[sizeof(event.text) - 1] = '\0';
+  AddEvent(model, event);
   return true;
 }
 
@@ -114,6 +126,23 @@ bool ExchangeSelection(StripModel& model, WPARAM wParam, LPARAM address) {
 
 bool ReadStatistics(const StripModel& model, unsigned index, WPARAM wParam, LPARAM address) {
   return (wParam & kCommandRead) && index < kStripChannels && CopyItemOut(ChannelStatistics(model, index), address);
+}
+
+bool ReadBack(const StripModel& model, unsigned index, WPARAM wParam, LPARAM address) {
+  StripReadBack item;
+  if (!(wParam & kCommandRead) || index >= kStripChannels || !CopyItemIn(address, &item)) return false;
+  if (item.capacity > 0x7FFFFFFF / sizeof(StripSample) ||
+      (item.capacity && IsBadWritePtr(item.samples, item.capacity * sizeof(StripSample)))) {
+    return false;
+  }
+  WithSamples(model, index, [&](const auto& samples) {
+    const unsigned from = samples.FirstFrom(item.from), to = samples.FirstAfter(item.to);
+    item.count = to > from ? to - from : 0;
+    for (DWORD i = 0; i < std::min(item.count, item.capacity); ++i) {
+      item.samples[i] = {samples.TimeAt(from + i), samples.ValueAt(from + i)};
+    }
+  });
+  return CopyItemOut(item, address);
 }
 
 bool ReadCount(const StripModel& model, unsigned index, WPARAM wParam, LPARAM address) {
@@ -137,9 +166,12 @@ bool DoCommand(StripChart& chart, WPARAM wParam, LPARAM lParam) {
     case kStripCapacity: return ExchangeCapacity(model, wParam, lParam);
     case kStripAxisDigits: return ExchangeAxisDigits(model, wParam, lParam);
     case kStripViewItem: return ExchangeView(model, wParam, lParam);
-    case kStripCursor: return ExchangeCursor(model, wParam, lParam);
+    case kStripCursor: return ExchangeCursor(model, wParam, lParam, &model.cursor, &model.cursorShown);
+    case kStripCursorB: return ExchangeCursor(model, wParam, lParam, &model.cursorB, &model.cursorBShown);
+    case kStripEventItem: return ExchangeEvent(model, index, wParam, lParam);
     case kStripSelection: return ExchangeSelection(model, wParam, lParam);
     case kStripStatistics: return ReadStatistics(model, index, wParam, lParam);
+    case kStripReadBack: return ReadBack(model, index, wParam, lParam);
     case kStripCount: return ReadCount(model, index, wParam, lParam);
     default: return false;
   }

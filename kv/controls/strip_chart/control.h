@@ -24,8 +24,9 @@ struct StripChart {
   bool waiting = false;      // timer 5 runs until new samples are drawn
   bool hovering = false;     // the cursor follows the mouse pointer, at pointerX
   LONG pointerX = LONG_MIN;  // of the last mouse move; LONG_MIN after the pointer has left
-  enum class Drag { kNone, kPan, kSelect } drag = Drag::kNone;
-  LONG dragX = 0, wheel = 0;
+  enum class Drag { kNone, kPan, kSelect, kZoom } drag = Drag::kNone;
+  LONG dragX = 0, dragY = 0, wheel = 0;
+  RECT zoomed{};         // the part of the plot in which the user is about to zoom
   bool dragged = false;  // moved since the button was pressed
 };
 

@@ -155,6 +155,7 @@ StripColors ColorsOf(const StripModel& model) {
   colors.tooltip = GetSysColor(COLOR_INFOBK);
   colors.tooltipText = GetSysColor(COLOR_INFOTEXT);
   colors.selection = GetSysColor(COLOR_HIGHLIGHT);
+  colors.hidden = GetSysColor(COLOR_GRAYTEXT);
   for (int i = 0; i < kStripChannels; ++i) {
     const COLORREF own = model.channels[i].info.color & 0xFFFFFF;
     colors.lines[i] = disabled ? Mix(Grey(own), colors.ground, 40) : own;

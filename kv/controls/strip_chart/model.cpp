@@ -194,7 +194,9 @@ bool SetView(StripModel& model, const StripView& view) {
 
 void ClearSamples(StripModel& model) {
   for (StripChannelData& channel : model.channels) channel.store.Clear();
-  model.cursorShown = model.hasSelection = false;
+  model.cursorShown = model.cursorBShown = model.hasSelection = false;
+  model.events.clear();
+  model.previous.clear();
   SetFrozen(model, false);
   model.view = model.home;
   model.removedTo = kNever;
@@ -283,6 +285,37 @@ void ZoomValues(StripModel& model, double factor) {
   model.view.zoom = std::clamp(model.view.zoom * factor, 1e-3, 1e5);
 }
 
+void ZoomInto(StripModel& model, const StripTimeRange& times, const AxisRange& range, double low, double high) {
+  constexpr size_t kMaxPrevious = 32;
+  if (model.previous.size() == kMaxPrevious) model.previous.erase(model.previous.begin());
+  model.previous.push_back(model.view);
+  StripView& view = model.view;
+  if (model.style & kStripSeparateAxes) {
+    view.shift += ((low + high) / 2 - 0.5) / view.zoom;
+    ZoomValues(model, 1 / (high - low));
+  } else {
+    view.minimum = range.low + (range.high - range.low) * low;
+    view.maximum = range.low + (range.high - range.low) * high;
+    view.zoom = 1;
+    view.shift = 0;
+  }
+  Show(model, times.to - times.from, times.to);
+}
+
+bool ZoomBack(StripModel& model) {
+  if (model.previous.empty()) return false;
+  const DWORD frozen = model.view.state & kStripFrozen;
+  model.view = model.previous.back();
+  model.view.state = (model.view.state & ~kStripFrozen) | frozen;
+  model.previous.pop_back();
+  return true;
+}
+
+void AddEvent(StripModel& model, const StripEvent& event) {
+  if (model.events.size() == kStripMaxEvents) model.events.erase(model.events.begin());
+  model.events.insert(std::ranges::upper_bound(model.events, event.time, {}, &StripEvent::time), event);
+}
+
 void ShowOldest(StripModel& model) {
   const StripTimeRange shown = ShownTimes(model);
   Show(model, shown.to - shown.from, -kNever);
@@ -311,7 +344,7 @@ void ReturnHome(StripModel& model) {
   const DWORD frozen = model.view.state & kStripFrozen;
   model.view = model.home;
   model.view.state |= frozen;
-  model.cursorShown = model.hasSelection = false;
+  model.cursorShown = model.cursorBShown = model.hasSelection = false;
 }
 
 // ---- Readings and statistics ----------------------------------------------------------------------------------------

@@ -4,6 +4,7 @@
 #include <array>
 #include <limits>
 #include <span>
+#include <vector>
 
 #include "kv/controls/strip_chart/axis.h"
 #include "kv/controls/strip_chart/sample_store.h"
@@ -34,9 +35,11 @@ struct StripModel {
   double undrawnFrom = kNever;  // samples after this time have not been drawn
   double hiddenFrom = kNever;   // samples after this time will be drawn when the display is released
   double removedTo = -kNever;   // samples before this time were discarded, but are still drawn
-  bool cursorShown = false, hasSelection = false;
-  double cursor = 0;
+  bool cursorShown = false, cursorBShown = false, hasSelection = false;
+  double cursor = 0, cursorB = 0;
   StripTimeRange selection{};
+  std::vector<StripEvent> events;   // in the order of their times
+  std::vector<StripView> previous;  // views before zooming into a part; the last one is restored first
 };
 
 inline bool IsFrozen(const StripModel& model) {
@@ -83,6 +86,10 @@ void PanTime(StripModel& model, double parts);
 void ZoomTime(StripModel& model, double factor, double about);
 void PanValues(StripModel& model, double parts);
 void ZoomValues(StripModel& model, double factor);
+// Zooms into a part of the plot: a time range, and a part of the value range (0 at the bottom, 1 at the top).
+void ZoomInto(StripModel& model, const StripTimeRange& times, const AxisRange& range, double low, double high);
+bool ZoomBack(StripModel& model);  // false: there is no previous view
+void AddEvent(StripModel& model, const StripEvent& event);
 void ShowOldest(StripModel& model);
 void ShowNewest(StripModel& model);
 void SetFrozen(StripModel& model, bool frozen);

@@ -1,6 +1,7 @@
-// The overlay of a strip chart: cursor, selection, and a tooltip with values or statistics.
+// The overlay of a strip chart: events, cursors, and a tooltip with values or statistics.
 #include <algorithm>
 #include <array>
+#include <climits>
 #include <cmath>
 #include <string>
 
@@ -12,6 +13,7 @@
 #include "kv/framework/bounded_format.h"
 #include "kv/framework/canvas.h"
 #include "kv/framework/guards.h"
+#include "kv/framework/utf8.h"
 
 namespace kv {
 
@@ -53,16 +55,30 @@ Tooltip StatisticsTooltip(const StripModel& model, const StripLayout& layout) {
   return tooltip;
 }
 
+// Values at the cursor or, with a second one, at both, and the differences.
 Tooltip CursorTooltip(const StripModel& model, const StripLayout& layout) {
-  Tooltip tooltip{.columns = 2};
-  const StripReading reading = ReadingAt(model, model.cursor);
+  const bool isDouble = model.cursorBShown, clock = (model.style & kStripTimeOfDay) != 0;
+  Tooltip tooltip{.columns = isDouble ? 4 : 2};
+  const StripReading reading = ReadingAt(model, model.cursor), other = ReadingAt(model, model.cursorB);
   const double step = std::max(layout.timeStep / 100, 1e-6);
-  tooltip.rows[tooltip.count++] = {-1, {TimeText(reading.time, step, (model.style & kStripTimeOfDay) != 0)}};
+  const std::wstring time = TimeText(reading.time, step, clock);
+  TooltipRow& head = tooltip.rows[tooltip.count++];
+  head = {-1, {time}};
+  if (isDouble) {
+    head.texts = {L"", L"A " + time, L"B " + TimeText(other.time, step, clock),
+                  L"\x0394 " + TimeText(other.time - reading.time, step, false)};
+  }
   for (int i = 0; i < kStripChannels; ++i) {
     const StripChannel& info = model.channels[i].info;
     if (!IsShown(model.channels[i])) continue;
-    const std::wstring value = ValueText(reading.values[i], AxisOf(layout, i));
-    tooltip.rows[tooltip.count++] = {i, {ChannelName(info), value + L" " + ChannelUnit(info)}};
+    const StripAxis& axis = AxisOf(layout, i);
+    const std::wstring unit = ChannelUnit(info), value = ValueText(reading.values[i], axis);
+    TooltipRow& row = tooltip.rows[tooltip.count++];
+    row = {i, {ChannelName(info), value + L" " + unit}};
+    if (isDouble) {
+      row.texts = {ChannelName(info), value, ValueText(other.values[i], axis),
+                   ValueText(other.values[i] - reading.values[i], axis) + L" " + unit};
+    }
   }
   return tooltip;
 }
@@ -71,16 +87,45 @@ bool HasStatistics(const StripModel& model) {
   return model.hasSelection && !(model.style & kStripNoStatistics);
 }
 
-void BlendArea(const Surface& surface, const RECT& area, COLORREF color, DWORD coverage) {
-  RECT seen;
-  const RECT whole{0, 0, surface.size().cx, surface.size().cy};
-  if (!IntersectRect(&seen, &area, &whole)) return;
-  for (LONG y = seen.top; y < seen.bottom; ++y) {
-    BlendPixels(surface.Row(y) + seen.left, seen.right - seen.left, PixelOfColor(color), coverage);
-  }
+}  // namespace
+
+bool HasOverlay(const StripModel& model) {
+  return model.cursorShown || model.cursorBShown || HasStatistics(model) || IsFrozen(model) || !model.events.empty();
 }
 
-}  // namespace
+// Beside the columns from..to, where the box covers the fewest pixels of lines; within the plot if it is wide enough.
+RECT StripRenderer::PlaceTooltip(SIZE size, LONG from, LONG to) const {
+  const StripLayout& layout = key_.layout;
+  const RECT& plot = layout.plot;
+  const LONG margin = layout.fontPx / 2, width = plot.right - plot.left;
+  const LONG least = size.cx <= width ? plot.left : 0,
+             most = (size.cx <= width ? plot.right : layout.size.cx) - size.cx;
+  const auto coveredPixels = [&](const RECT& box) {
+    int count = 0;
+    for (LONG y = std::max(box.top, plot.top); y < std::min(box.bottom, plot.bottom); y += 2) {
+      const DWORD* row = surface_.Row(y);
+      for (LONG x = std::max(box.left, plot.left); x < std::min(box.right, plot.right); x += 2) {
+        count += std::ranges::any_of(key_.colors.lines, [&](COLORREF line) { return row[x] == PixelOfColor(line); });
+      }
+    }
+    return count;
+  };
+  RECT best{};
+  LONG fewest = LONG_MAX;
+  for (const LONG top : {plot.top + margin, std::max(plot.bottom - margin - size.cy, plot.top)}) {
+    for (const LONG left : {to + margin * 2, from - margin * 2 - size.cx}) {
+      const LONG inside = std::max(std::min(left, most), least);
+      const RECT box{inside, top, inside + size.cx, top + size.cy};
+      // Rather on a line than on the cursor, and rather where it was, at the right and the top.
+      const bool isOnCursor = inside <= to && inside + size.cx > from;
+      const LONG covered = coveredPixels(box) + (isOnCursor ? 1 << 20 : 0) + (best.right ? size.cx / 16 : 0);
+      if (covered >= fewest) continue;
+      fewest = covered;
+      best = box;
+    }
+  }
+  return best;
+}
 
 void StripRenderer::DrawTooltip(Canvas& canvas, const StripModel& model) {
   const StripLayout& layout = key_.layout;
@@ -93,7 +138,7 @@ void StripRenderer::DrawTooltip(Canvas& canvas, const StripModel& model) {
   const LONG line = layout.fontPx * 4 / 3, margin = layout.fontPx / 2, swatch = layout.fontPx;
   std::array<LONG, kColumns> widths{};
   for (int row = 0; row < tooltip.count; ++row) {
-    if (!statistics && row == 0) continue;  // the time may use the whole width
+    if (row == 0 && tooltip.columns == 2) continue;  // the time may use the whole width
     for (int column = 0; column < tooltip.columns; ++column) {
       widths[column] = std::max(widths[column], WidthOf(dc, tooltip.rows[row].texts[column]) + margin * 2);
     }
@@ -102,20 +147,16 @@ void StripRenderer::DrawTooltip(Canvas& canvas, const StripModel& model) {
   for (const LONG each : widths) width += each;
   width = std::max(width, WidthOf(dc, tooltip.rows[0].texts[0]) + margin * 2);
   const LONG height = line * tooltip.count + margin;
-  const double place = statistics ? model.selection.to : model.cursor;
-  const LONG x = std::clamp(XOfTime(layout, place), plot.left, plot.right);
-  // To the right of the cursor or, if there is no space, to the left; within the control if possible.
-  LONG left = x + margin * 2;
-  if (left + width > layout.size.cx) left = x - margin * 2 - width;
-  left = std::max(left, 0L);
-  const RECT box{left, plot.top + margin, left + width, plot.top + margin + height};
+  const StripTimeRange place = statistics ? model.selection : StripTimeRange{model.cursor, model.cursor};
+  const auto inPlot = [&](double time) { return std::clamp(XOfTime(layout, time), plot.left, plot.right); };
+  const RECT box = PlaceTooltip({width, height}, inPlot(place.from), inPlot(place.to));
   FillArea(canvas, box, colors.frame);
   FillArea(canvas, {box.left + 1, box.top + 1, box.right - 1, box.bottom - 1}, colors.tooltip);
   SetBkMode(canvas.dc(), TRANSPARENT);
   SetTextColor(canvas.dc(), colors.tooltipText);
   for (int row = 0; row < tooltip.count; ++row) {
     const LONG top = box.top + margin / 2 + row * line;
-    const bool head = row == 0 && !statistics;
+    const bool head = row == 0 && tooltip.columns == 2;
     LONG from = head ? box.left : box.left + margin + swatch;
     if (tooltip.rows[row].channel >= 0) {
       const double middle = top + line / 2.0;
@@ -133,30 +174,78 @@ void StripRenderer::DrawTooltip(Canvas& canvas, const StripModel& model) {
   }
 }
 
-const Surface& StripRenderer::WithOverlay(const StripModel& model, bool focused) {
+// The texts are in up to three rows, beside the sign of a frozen display; one that would cover another is omitted.
+void StripRenderer::DrawEvents(Canvas& canvas, const StripModel& model) {
+  constexpr int kRows = 3;
   const StripLayout& layout = key_.layout;
   const RECT& plot = layout.plot;
-  if (!drawn_ || IsRectEmpty(&plot) || !(model.cursorShown || model.hasSelection || focused)) return surface_;
+  const SelectedObject selected(canvas.dc(), font_);
+  const LONG line = layout.fontPx * 4 / 3, right = plot.right - (IsFrozen(model) ? layout.fontPx * 2 : 0);
+  std::array<LONG, kRows> ends;
+  ends.fill(plot.left - 1);
+  for (const StripEvent& event : model.events) {
+    const LONG x = XOfTime(layout, event.time);
+    if (x < plot.left || x >= plot.right) continue;
+    for (LONG y = plot.top; y < plot.bottom; y += 4) {
+      FillArea(canvas, {x, y, x + 1, std::min(y + 2, plot.bottom)}, key_.colors.ink);
+    }
+    const std::wstring text = Wide(event.text);
+    const LONG width = WidthOf(canvas.dc(), text) + layout.digitPx, left = std::min(x + 2, right - width);
+    const auto row = std::ranges::find_if(ends, [&](LONG end) { return left > end; });
+    if (row == ends.end() || left < plot.left || text.empty()) continue;
+    *row = left + width;
+    RECT area{left, plot.top + 1 + static_cast<LONG>(row - ends.begin()) * line, left + width, 0};
+    area.bottom = area.top + line;
+    canvas.FinishGdi();
+    BlendArea(overlaid_, area, key_.colors.ground, 200);
+    SetBkMode(canvas.dc(), TRANSPARENT);
+    SetTextColor(canvas.dc(), key_.colors.ink);
+    DrawTextW(canvas.dc(), text.data(), static_cast<int>(text.size()), &area,
+              DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_NOCLIP);
+  }
+}
+
+void StripRenderer::DrawCursor(Canvas& canvas, double time, const wchar_t* name) {
+  const RECT& plot = key_.layout.plot;
+  const LONG x = XOfTime(key_.layout, time);
+  if (x < plot.left || x >= plot.right) return;
+  FillArea(canvas, {x, plot.top, x + 1, plot.bottom}, key_.colors.ink);
+  if (!*name || key_.layout.labelsPx == 0) return;
+  const LONG half = key_.layout.digitPx;
+  RECT area{x - half, plot.bottom + 1, x + half, plot.bottom + key_.layout.labelsPx};
+  FillArea(canvas, area, key_.colors.ink);
+  const SelectedObject selected(canvas.dc(), font_);
+  SetBkMode(canvas.dc(), TRANSPARENT);
+  SetTextColor(canvas.dc(), key_.colors.ground);
+  DrawTextW(canvas.dc(), name, -1, &area, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOCLIP);
+}
+
+const Surface& StripRenderer::WithOverlay(const StripModel& model, const RECT& zoomed, bool focused) {
+  const StripLayout& layout = key_.layout;
+  const RECT& plot = layout.plot;
+  if (!drawn_ || IsRectEmpty(&plot) || !(HasOverlay(model) || focused || !IsRectEmpty(&zoomed))) return surface_;
   const SIZE size = surface_.size();
   if ((overlaid_.size().cx != size.cx || overlaid_.size().cy != size.cy) && !overlaid_.Create(size)) return surface_;
   Canvas canvas(dc_, overlaid_, shape_);
   CopyFrom(canvas, surface_);
-  if (model.hasSelection) {
-    LONG from = std::clamp(XOfTime(layout, model.selection.from), plot.left, plot.right);
-    const LONG to = std::clamp(XOfTime(layout, model.selection.to), plot.left - 1, plot.right - 1) + 1;
-    if (from < to) {
-      BlendArea(overlaid_, {from, plot.top, to, plot.bottom}, key_.colors.selection, 60);
-    } else if (layout.sweeps) {  // the selection wraps around the edge
-      BlendArea(overlaid_, {from, plot.top, plot.right, plot.bottom}, key_.colors.selection, 60);
-      BlendArea(overlaid_, {plot.left, plot.top, to, plot.bottom}, key_.colors.selection, 60);
-    }
-  }
-  if (model.cursorShown) {
-    const LONG x = XOfTime(layout, model.cursor);
-    if (x >= plot.left && x < plot.right) FillArea(canvas, {x, plot.top, x + 1, plot.bottom}, key_.colors.ink);
-  }
+  DrawEvents(canvas, model);
+  const bool isDouble = model.cursorShown && model.cursorBShown;
+  if (model.cursorBShown) DrawCursor(canvas, model.cursorB, L"B");
+  if (model.cursorShown) DrawCursor(canvas, model.cursor, isDouble ? L"A" : L"");
   // No tooltip if it would cover the whole plot.
   if ((model.cursorShown || HasStatistics(model)) && layout.labelsPx > 0) DrawTooltip(canvas, model);
+  if (!IsRectEmpty(&zoomed)) {
+    canvas.FinishGdi();
+    BlendArea(overlaid_, zoomed, key_.colors.selection, 60);
+  }
+  if (IsFrozen(model)) {  // the sign of a pause
+    const LONG unit = std::max(layout.fontPx / 4, 2), right = plot.right - 2 * unit, top = plot.top + 2 * unit;
+    const RECT area{right - 5 * unit, top - unit, right + unit, top + 5 * unit};
+    FillArea(canvas, area, key_.colors.ground);
+    for (const LONG bar : {right - 4 * unit, right - unit}) {
+      FillArea(canvas, {bar, top, bar + unit, top + 4 * unit}, key_.colors.ink);
+    }
+  }
   if (focused) {
     const RECT frame{plot.left - 1, plot.top - 1, plot.right + 1, plot.bottom + 1};
     SetTextColor(canvas.dc(), RGB(0, 0, 0));

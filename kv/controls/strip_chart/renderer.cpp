@@ -9,9 +9,11 @@
 #include "kv/controls/strip_chart/model.h"
 #include "kv/controls/strip_chart/strip_chart.h"
 #include "kv/controls/strip_chart/trace.h"
+#include "kv/framework/bitmaps.h"
 #include "kv/framework/canvas.h"
 #include "kv/framework/guards.h"
 #include "kv/framework/numbers.h"
+#include "kv/framework/utf8.h"
 
 namespace kv {
 
@@ -19,12 +21,6 @@ namespace {
 
 constexpr wchar_t kFont[] = L"Arial Unicode MS";
 constexpr int kReach = 2;  // the number of columns beside a sample that its line may touch
-
-std::wstring Decode(const char* text) {
-  wchar_t wide[64] = L"";
-  MultiByteToWideChar(CP_UTF8, 0, text, -1, wide, ARRAYSIZE(wide));
-  return wide;
-}
 
 LONG RowOf(const StripLayout& layout, const AxisRange& range, double value) {
   const RECT& plot = layout.plot;
@@ -73,12 +69,21 @@ void ForTimeTicks(const StripLayout& layout, long long from, long long to, Funct
 
 }  // namespace
 
+void BlendArea(const Surface& surface, const RECT& area, COLORREF color, DWORD coverage) {
+  RECT seen;
+  const RECT whole{0, 0, surface.size().cx, surface.size().cy};
+  if (!IntersectRect(&seen, &area, &whole)) return;
+  for (LONG y = seen.top; y < seen.bottom; ++y) {
+    BlendPixels(surface.Row(y) + seen.left, seen.right - seen.left, PixelOfColor(color), coverage);
+  }
+}
+
 std::wstring ChannelName(const StripChannel& channel) {
-  return Decode(channel.name);
+  return Wide(channel.name);
 }
 
 std::wstring ChannelUnit(const StripChannel& channel) {
-  return Decode(channel.unit);
+  return Wide(channel.unit);
 }
 
 LONG WidthOf(HDC dc, const std::wstring& text) {
@@ -116,20 +121,7 @@ void StripRenderer::DrawBackground(const StripModel& model) {
                  DT_RIGHT);
     }
   }
-  if (IsRectEmpty(&layout.legend)) return;
-  LONG x = plot.left;
-  for (int i = 0; i < kStripChannels; ++i) {
-    if (!IsShown(model.channels[i])) continue;
-    const StripChannel& info = model.channels[i].info;
-    const std::wstring unit = ChannelUnit(info), name = ChannelName(info) + (unit.empty() ? L"" : L" (" + unit + L")");
-    const LONG dash = layout.fontPx * 3 / 2, width = dash + layout.digitPx + WidthOf(canvas.dc(), name);
-    if (x + width > layout.size.cx) break;
-    const double middle = (layout.legend.top + layout.legend.bottom) / 2.0;
-    FillLine(canvas, {x + 0.0, middle}, {x + 0.0 + dash, middle}, layout.lineWidth * 1.6, colors.lines[i]);
-    DrawTextIn(canvas.dc(), name, {x + dash + layout.digitPx, layout.legend.top, layout.size.cx, layout.legend.bottom},
-               colors.text, DT_LEFT);
-    x += width + layout.digitPx * 2;
-  }
+  DrawLegend(canvas, model);
 }
 
 // ---- Columns --------------------------------------------------------------------------------------------------------
@@ -187,6 +179,16 @@ void StripRenderer::DrawSpan(Canvas& canvas, const StripModel& model, long long 
              {ground.left, row(std::max(zone.lower, zone.upper)), ground.right, row(std::min(zone.lower, zone.upper))},
              colors.zones[i]);
   }
+  if (model.hasSelection) {
+    const double first = ColumnOf(model.selection.from, layout.secondsPerColumn) - static_cast<double>(from);
+    const double last = ColumnOf(model.selection.to, layout.secondsPerColumn) - static_cast<double>(from);
+    const double width = static_cast<double>(to - from);
+    canvas.FinishGdi();
+    BlendArea(
+        surface_,
+        {x + ToInt(std::clamp(first, 0.0, width)), plot.top, x + ToInt(std::clamp(last + 1, 0.0, width)), plot.bottom},
+        colors.selection, 60);
+  }
   DrawGrid(canvas, ground, from, to, x);
   for (unsigned i = 0; i < kStripChannels; ++i) {
     if (!IsShown(model.channels[i])) continue;
@@ -236,8 +238,10 @@ RECT StripRenderer::Update(StripModel& model, SIZE size, bool redrawAll) {
   key.layout = LayoutStrip(model, size);
   key.colors = ColorsOf(model);
   key.style = model.style;
+  if (model.hasSelection) key.selection = model.selection;
+  key.hasSelection = model.hasSelection;
   for (int i = 0; i < kStripChannels; ++i) {
-    key.channels |= IsShown(model.channels[i]) ? 1u << i : 0u;
+    key.channels |= (IsShown(model.channels[i]) ? 1u << i : 0u) | (model.channels[i].used ? 0x100u << i : 0u);
     key.infos[i] = model.channels[i].info;
   }
   for (int i = 0; i < kStripZones; ++i) {

@@ -41,7 +41,7 @@ LONG XOfTime(const StripLayout& layout, double time);
 const StripAxis& AxisOf(const StripLayout& layout, int channel);
 
 struct StripColors {
-  COLORREF panel, text, ground, ink, grid, frame, tooltip, tooltipText, selection;
+  COLORREF panel, text, ground, ink, grid, frame, tooltip, tooltipText, selection, hidden;
   std::array<COLORREF, kStripChannels> lines;
   std::array<COLORREF, kStripZones> zones;
 };
@@ -50,16 +50,23 @@ StripColors ColorsOf(const StripModel& model);
 std::wstring ChannelName(const StripChannel& channel);
 std::wstring ChannelUnit(const StripChannel& channel);
 LONG WidthOf(HDC dc, const std::wstring& text);
+void BlendArea(const Surface& surface, const RECT& area, COLORREF color, DWORD coverage);
+
+// Whether the image has an overlay, which changes when the chart scrolls.
+bool HasOverlay(const StripModel& model);
 
 class StripRenderer {
  public:
   // Updates the image and returns the changed rectangles; with `redrawAll` draws everything.
   RECT Update(StripModel& model, SIZE size, bool redrawAll);
-  // The image with cursor, selection, tooltip and focus frame; without them, the image of Update.
-  const Surface& WithOverlay(const StripModel& model, bool focused);
+  // The image with cursors, events, tooltip, `zoomed` part (may be empty) and focus frame; without them, the image of
+  // Update.
+  const Surface& WithOverlay(const StripModel& model, const RECT& zoomed, bool focused);
 
   const StripLayout& layoutShown() const { return key_.layout; }
   const Surface& surface() const { return surface_; }
+  // The channel in whose legend a point is; -1: none.
+  int LegendItemAt(POINT place) const;
   HDC memoryDc() const { return dc_; }
 
  private:
@@ -67,7 +74,8 @@ class StripRenderer {
   struct Key {
     StripLayout layout;
     StripColors colors;
-    DWORD style, channels;
+    DWORD style, channels, hasSelection;
+    StripTimeRange selection;
     std::array<StripChannel, kStripChannels> infos;
     std::array<StripZone, kStripZones> zones;
   };
@@ -79,7 +87,11 @@ class StripRenderer {
   void DrawGrid(Canvas& canvas, const RECT& ground, long long from, long long to, LONG x);
   void DrawTimes();
   void Scroll(long long columns);
+  void DrawLegend(Canvas& canvas, const StripModel& model);
+  void DrawEvents(Canvas& canvas, const StripModel& model);
+  void DrawCursor(Canvas& canvas, double time, const wchar_t* name);
   void DrawTooltip(Canvas& canvas, const StripModel& model);
+  RECT PlaceTooltip(SIZE size, LONG from, LONG to) const;
 
   Surface surface_, overlaid_;
   MemoryDc dc_{nullptr};
@@ -87,6 +99,7 @@ class StripRenderer {
   TraceRows rows_;
   OwnedFont font_;
   Key key_{};
+  std::array<RECT, kStripChannels> legendItems_{};
   bool drawn_ = false;
 };
 

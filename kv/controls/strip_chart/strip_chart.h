@@ -27,8 +27,11 @@
 //   Ctrl+Left, Ctrl+Right     move the cursor; it also follows the mouse pointer
 //   Shift+Left, Shift+Right   select a time range from the cursor
 //   Ctrl+C                    copies, like WM_COPY
-//   Escape, double click      remove cursor and selection and return to the view that the owner has set
+//   Escape, double click      remove cursors and selection and return to the view that the owner has set
 //   Dragging, Shift+wheel     pan
+//   Ctrl+dragging             zooms into a rectangle; Backspace returns to the view before
+//   Ctrl+click, B             set the second cursor; B removes it, too
+//   Click in the legend, 1-8  hide and show a channel
 //   Shift+dragging            selects a time range
 //
 // Messages:
@@ -58,7 +61,7 @@ inline constexpr DWORD kStripVersion = 0x20261125;  // in every StripChannel and
 inline constexpr int kStripChannels = 8, kStripZones = 3;
 inline constexpr DWORD kStripDefaultCapacity = 100000, kStripMaxCapacity = 1u << 26;
 inline constexpr double kStripMaxTime = 1e15, kStripMaxValue = 1e300;
-inline constexpr DWORD kStripMaxTextRows = 65536;
+inline constexpr DWORD kStripMaxTextRows = 65536, kStripMaxEvents = 256;
 
 // Style bits. In modes not listed here, the chart scrolls (kStripScroll).
 inline constexpr DWORD kStripModeBits = 0x000F;
@@ -161,6 +164,21 @@ struct StripReading {
 };
 static_assert(sizeof(StripReading) == 72);
 
+// A vertical line with a text at a time.
+struct StripEvent {
+  double time;
+  char text[56];  // UTF-8
+};
+static_assert(sizeof(StripEvent) == 64);
+
+// Reads samples of a channel back. With a source, gaps between samples are not included.
+struct StripReadBack {
+  double from, to;       // times, including both ends
+  DWORD capacity;        // of `samples`; may be 0
+  StripSample* samples;  // gets the first of them, in the order of their times
+  DWORD count;           // gets the number of samples within from..to, which may exceed the capacity
+};
+
 // Statistics of the values that are not gaps. Without values, `count` is 0 and the other fields are NaN.
 struct StripStatistics {
   double count, minimum, maximum, mean;
@@ -172,7 +190,7 @@ static_assert(sizeof(StripStatistics) == 40);
 // rejects the address or its content. With kCommandRead the item is copied to lParam. With kCommandRedraw a change is
 // painted before the call returns. wParam's high word is the index of a channel or zone.
 inline constexpr WPARAM kStripRender = 0;     // renders and paints everything; no address
-inline constexpr WPARAM kStripClear = 1;      // removes all samples, cursor and selection; no address
+inline constexpr WPARAM kStripClear = 1;      // removes all samples, events, cursors and selection; no address
 inline constexpr WPARAM kStripStyle = 3;      // a DWORD: bits to set, or with kCommandRemove to clear; read: the style
 inline constexpr WPARAM kStripChannel = 17;   // a StripChannel; kCommandRemove removes the channel and its samples
 inline constexpr WPARAM kStripAppend = 18;    // StripSamples; all are rejected if one time is not allowed
@@ -181,6 +199,12 @@ inline constexpr WPARAM kStripCapacity = 21;  // a DWORD, 1..kStripMaxCapacity; 
 inline constexpr WPARAM kStripViewItem = 22;  // a StripView
 // The cursor, a StripReading; kCommandRemove removes it. Reading returns 0 if there is none.
 inline constexpr WPARAM kStripCursor = 23;
+// The second cursor, B: the tooltip of the cursor shows the differences of time and values.
+inline constexpr WPARAM kStripCursorB = 31;
+// A StripEvent, which is added; beyond kStripMaxEvents the earliest is discarded. kCommandRemove removes all.
+inline constexpr WPARAM kStripEventItem = 32;
+// Read only: a StripReadBack.
+inline constexpr WPARAM kStripReadBack = 33;
 // The selection, a StripTimeRange; kCommandRemove removes it. Reading returns 0 if there is none.
 inline constexpr WPARAM kStripSelection = 24;
 // Read only: StripStatistics of a channel over the selection or, without one, the displayed time range.
@@ -201,6 +225,7 @@ inline constexpr WPARAM kStripZoneEnable = 0x0400;  // kStripZone: shows the zon
 
 // Notification codes.
 inline constexpr WORD kStripNotifyView = 1, kStripNotifyCursor = 2, kStripNotifySelection = 3;
+inline constexpr WORD kStripNotifyChannels = 5;   // a channel was hidden or shown
 inline constexpr WORD kStripNotifyCursorSet = 4;  // the cursor was placed, by a click without dragging or by keys
 
 // Appends samples from any thread, without waiting for the window: they are queued, and shown within about 50 ms. Every

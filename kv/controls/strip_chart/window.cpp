@@ -6,6 +6,7 @@
 #include <climits>
 #include <cmath>
 #include <string>
+#include <utility>
 
 #include "kv/controls/strip_chart/axis.h"
 #include "kv/controls/strip_chart/control.h"
@@ -28,8 +29,7 @@ void RefreshStrip(StripChart& chart) {
   const RECT changed = chart.renderer.Update(model, ClientSize(chart.window), chart.redrawAll);
   chart.redrawAll = false;
   if (chart.hovering) model.cursor = TimeAtX(chart.renderer.layoutShown(), chart.pointerX);
-  const bool hasOverlay = model.cursorShown || model.hasSelection;
-  if (!IsRectEmpty(&changed)) InvalidateRect(chart.window, hasOverlay ? nullptr : &changed, FALSE);
+  if (!IsRectEmpty(&changed)) InvalidateRect(chart.window, HasOverlay(model) ? nullptr : &changed, FALSE);
 }
 
 namespace {
@@ -67,13 +67,17 @@ AccessibleText Describe(const StripChart& chart) {
     text.value += (text.value.empty() ? L"" : L", ") + name + L" " + TickText(reading.values[i], step) +
                   (unit.empty() ? L"" : L" " + unit);
   }
+  if (model.cursorShown && model.cursorBShown) {
+    const double step = layout.timeStep > 0 ? layout.timeStep / 100 : 0.01;
+    text.value += L", \x0394 " + TimeText(model.cursorB - model.cursor, step, false);
+  }
   return text;
 }
 
 // ---- Painting -------------------------------------------------------------------------------------------------------
 
 LRESULT ShowOn(HDC dc, StripChart& chart, bool focused) {
-  const Surface& surface = chart.renderer.WithOverlay(chart.model, focused);
+  const Surface& surface = chart.renderer.WithOverlay(chart.model, chart.zoomed, focused);
   if (!surface.bitmap()) return 0;
   const SelectedObject selected(chart.renderer.memoryDc(), surface.bitmap());
   BitBlt(dc, 0, 0, surface.size().cx, surface.size().cy, chart.renderer.memoryDc(), 0, 0, SRCCOPY);
@@ -114,7 +118,16 @@ void SelectTimes(StripModel& model, double one, double other) {
   model.hasSelection = true;
 }
 
-LRESULT OnMouseMove(StripChart& chart, LONG x) {
+// The part between the point where dragging began and this one.
+RECT DraggedPart(const StripChart& chart, LONG x, LONG y) {
+  const RECT& plot = chart.renderer.layoutShown().plot;
+  const auto column = [&](LONG place) { return std::clamp(place, plot.left, plot.right); };
+  const auto row = [&](LONG place) { return std::clamp(place, plot.top, plot.bottom); };
+  return {column(std::min(x, chart.dragX)), row(std::min(y, chart.dragY)), column(std::max(x, chart.dragX)),
+          row(std::max(y, chart.dragY))};
+}
+
+LRESULT OnMouseMove(StripChart& chart, LONG x, LONG y) {
   const StripLayout& layout = chart.renderer.layoutShown();
   const LONG width = layout.plot.right - layout.plot.left;
   if (chart.drag == StripChart::Drag::kPan) {
@@ -128,6 +141,11 @@ LRESULT OnMouseMove(StripChart& chart, LONG x) {
     const LONG within = std::clamp(x, layout.plot.left, std::max(layout.plot.right - 1, layout.plot.left));
     SelectTimes(chart.model, TimeAtX(layout, chart.dragX), TimeAtX(layout, within));
     return Changed(chart, kStripNotifySelection);
+  }
+  if (chart.drag == StripChart::Drag::kZoom) {
+    chart.zoomed = DraggedPart(chart, x, y);
+    InvalidateRect(chart.window, nullptr, FALSE);
+    return 0;
   }
   // Windows also sends this message when something changes under a pointer that rests: the cursor may have moved since.
   if (x == chart.pointerX) return 0;
@@ -150,16 +168,49 @@ LRESULT OnMouseLeave(StripChart& chart) {
   return Changed(chart, kStripNotifyCursor);
 }
 
-LRESULT OnButtonDown(HWND window, LONG x, bool shift) {
+LRESULT ToggleChannel(StripChart& chart, unsigned channel) {
+  if (channel >= kStripChannels || !chart.model.channels[channel].used) return 0;
+  chart.model.channels[channel].info.state ^= kStripVisible;
+  return Changed(chart, kStripNotifyChannels);
+}
+
+LRESULT SetCursorB(StripChart& chart, bool isShown, double time) {
+  chart.model.cursorBShown = isShown;
+  chart.model.cursorB = time;
+  return Changed(chart, kStripNotifyCursor);
+}
+
+// Zooms into the rectangle; after a click, there is none.
+LRESULT EndZoom(StripChart& chart) {
+  constexpr LONG kLeast = 4;  // pixels
+  const RECT part = std::exchange(chart.zoomed, {});
+  const StripLayout& layout = chart.renderer.layoutShown();
+  if (part.right - part.left < kLeast) return SetCursorB(chart, true, TimeAtX(layout, chart.dragX));
+  const double one = TimeAtX(layout, part.left), other = TimeAtX(layout, part.right - 1);
+  const double height = std::max(layout.plot.bottom - layout.plot.top, 1L);
+  const bool isFlat = part.bottom - part.top < kLeast;
+  ZoomInto(chart.model, {std::min(one, other), std::max(one, other)}, layout.axis[0].range,
+           isFlat ? 0 : (layout.plot.bottom - part.bottom) / height,
+           isFlat ? 1 : (layout.plot.bottom - part.top) / height);
+  return Changed(chart, kStripNotifyView);
+}
+
+LRESULT OnButtonDown(HWND window, LONG x, LONG y, bool shift, bool control) {
   SetFocus(window);
+  // The window that lost the focus or the capture may have destroyed the control.
+  if (auto* focused = ObjectOf<StripChart>(window)) {
+    const int item = focused->renderer.LegendItemAt({x, y});
+    if (item >= 0) return ToggleChannel(*focused, static_cast<unsigned>(item));
+  }
   SetCapture(window);
-  auto* found = ObjectOf<StripChart>(window);  // the window that lost the focus may have destroyed the control
+  auto* found = ObjectOf<StripChart>(window);
   if (!found) return 0;
   StripChart& chart = *found;
-  chart.drag = shift ? StripChart::Drag::kSelect : StripChart::Drag::kPan;
+  chart.drag = shift ? StripChart::Drag::kSelect : control ? StripChart::Drag::kZoom : StripChart::Drag::kPan;
   chart.dragX = x;
+  chart.dragY = y;
   chart.dragged = false;
-  if (!shift && chart.model.hasSelection) {
+  if (!shift && !control && chart.model.hasSelection) {
     chart.model.hasSelection = false;
     return Changed(chart, kStripNotifySelection);
   }
@@ -167,9 +218,18 @@ LRESULT OnButtonDown(HWND window, LONG x, bool shift) {
 }
 
 LRESULT OnButtonUp(StripChart& chart) {
+  const HWND window = chart.window;
   if (chart.drag == StripChart::Drag::kPan && !chart.dragged) PostNotification(chart.window, kStripNotifyCursorSet);
-  chart.drag = StripChart::Drag::kNone;
+  const bool isZoom = std::exchange(chart.drag, StripChart::Drag::kNone) == StripChart::Drag::kZoom;
   if (GetCapture() == chart.window) ReleaseCapture();
+  auto* left = ObjectOf<StripChart>(window);  // whoever is told of the capture may have destroyed the control
+  return left && isZoom ? EndZoom(*left) : 0;
+}
+
+LRESULT OnCaptureChanged(StripChart& chart) {
+  chart.drag = StripChart::Drag::kNone;
+  if (GetCapture()) chart.zoomed = {};  // taken away
+  InvalidateRect(chart.window, nullptr, FALSE);
   return 0;
 }
 
@@ -259,14 +319,17 @@ LRESULT OnKey(StripChart& chart, WPARAM key, bool control, bool shift) {
     case VK_END: return Take(chart, ShowNewest);
     case VK_SPACE: return Take(chart, [](StripModel& model) { SetFrozen(model, !IsFrozen(model)); });
     case VK_ESCAPE: return OnHome(chart);
+    case VK_BACK: return ZoomBack(chart.model) ? Changed(chart, kStripNotifyView) : 0;
+    case 'B': return SetCursorB(chart, !chart.model.cursorBShown && chart.model.cursorShown, chart.model.cursor);
     case 'C': return control ? CopyStrip(chart, 0) : 0;
-    default: return 0;
+    default: return control ? 0 : ToggleChannel(chart, key >= VK_NUMPAD1 ? key - VK_NUMPAD1 : key - '1');
   }
 }
 
 // The dialog gets Escape, unless there is something to remove.
 LRESULT DialogKeys(const StripChart& chart, WPARAM key) {
-  const bool takesEscape = key == VK_ESCAPE && (chart.model.hasSelection || chart.model.cursorShown);
+  const bool takesEscape =
+      key == VK_ESCAPE && (chart.model.hasSelection || chart.model.cursorShown || chart.model.cursorBShown);
   return DLGC_WANTARROWS | DLGC_WANTCHARS | (takesEscape ? DLGC_WANTMESSAGE : 0);
 }
 
@@ -284,11 +347,13 @@ LRESULT HandleMessage(StripChart& chart, UINT message, WPARAM wParam, LPARAM lPa
     case WM_SIZE: RepaintNow(chart.window); return 0;
     case WM_ENABLE: return OnEnable(chart, wParam != 0);
     case WM_TIMER: return OnTimer(chart, wParam);
-    case WM_MOUSEMOVE: return OnMouseMove(chart, GET_X_LPARAM(lParam));
+    case WM_MOUSEMOVE: return OnMouseMove(chart, GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam));
     case WM_MOUSELEAVE: return OnMouseLeave(chart);
-    case WM_LBUTTONDOWN: return OnButtonDown(chart.window, GET_X_LPARAM(lParam), (wParam & MK_SHIFT) != 0);
+    case WM_LBUTTONDOWN:
+      return OnButtonDown(chart.window, GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam), (wParam & MK_SHIFT) != 0,
+                          (wParam & MK_CONTROL) != 0);
     case WM_LBUTTONUP: return OnButtonUp(chart);
-    case WM_CAPTURECHANGED: chart.drag = StripChart::Drag::kNone; return 0;
+    case WM_CAPTURECHANGED: return OnCaptureChanged(chart);
     case WM_LBUTTONDBLCLK: return OnHome(chart);
     case WM_MOUSEWHEEL: return OnWheel(chart, wParam, lParam);
     case WM_KEYDOWN: return OnKey(chart, wParam, IsDown(VK_CONTROL), IsDown(VK_SHIFT));

@@ -50,6 +50,11 @@ class StripCharts : public kvtest::ControlTest<RegisterLineRecorderClass> {
     return Send(chart, kStripAppend | kCommandRedraw, &item, channel);
   }
   static StripModel& Model(HWND chart) { return ObjectOf<StripChart>(chart)->model; }
+  struct Printed : kvtest::TestBitmap {
+    Printed(HWND chart, int width) : TestBitmap(width, 200) {
+      SendMessageA(chart, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(dc()), 0);
+    }
+  };
   int Notified(WORD code) {
     kvtest::PumpMessages();
     return static_cast<int>(std::ranges::count_if(parent_.seen(), [&](const kvtest::SeenMessage& seen) {
@@ -223,6 +228,103 @@ TEST_F(StripCharts, KeysAndMouseZoomPanSelectAndNotifyTheOwner) {
   key(VK_ESCAPE);
   EXPECT_EQ(std::tuple(kStripFollow, 0, 0), std::tuple(view().state, view().span, view().shift));
   EXPECT_FALSE(Model(chart).hasSelection || Model(chart).cursorShown);
+}
+
+TEST_F(StripCharts, TheLegendNamesOrCountsAllChannelsAndTogglesThem) {
+  for (const int width : {200, 350, 700}) {
+    HWND chart = Create(0, width, 200);
+    for (int i = 0; i < 6; ++i) {
+      Append(chart, {{0, 1}, {1, 2}}, i);
+      StripChannel info = Read<StripChannel>(chart, kStripChannel, i);
+      strcpy(info.name, "Temperature of the oil");
+      Send(chart, kStripChannel, &info, i);
+    }
+    UpdateWindow(chart);
+    const StripRenderer& renderer = ObjectOf<StripChart>(chart)->renderer;
+    int items = 0;
+    for (LONG x = 0, last = -1; x < width; ++x) {
+      const int item = renderer.LegendItemAt({x, 5});
+      items += item >= 0 && item != last;
+      last = item;
+    }
+    const Printed image(chart, width);
+    int counted = 0;  // dark pixels right of the last item
+    for (int x = width - 1; x >= 0 && renderer.LegendItemAt({x, 5}) < 0; --x) {
+      for (int y = 2; y < 15; ++y) counted += GetRValue(image.At(x, y)) < 100;
+    }
+    EXPECT_EQ(items < 6, counted > 0) << width;
+    EXPECT_EQ(width > 400, items == 6) << width;
+    SendMessageA(chart, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(renderer.layoutShown().plot.left + 3, 5));
+    EXPECT_EQ(0u, Read<StripChannel>(chart, kStripChannel, 0).state);
+    SendMessageA(chart, WM_KEYDOWN, '2', 0);
+    SendMessageA(chart, WM_KEYDOWN, '1', 0);
+    SendMessageA(chart, WM_KEYDOWN, '8', 0);
+    EXPECT_EQ(kStripVisible, Read<StripChannel>(chart, kStripChannel, 0).state);
+    EXPECT_EQ(0u, Read<StripChannel>(chart, kStripChannel, 1).state);
+    EXPECT_EQ(3, Notified(kStripNotifyChannels));
+    DestroyWindow(chart);
+    parent_.seen().clear();
+  }
+}
+
+TEST_F(StripCharts, ZoomsIntoARectangleAndBackAndMeasuresBetweenTwoCursors) {
+  HWND chart = Create();
+  for (int i = 0; i <= 100; ++i) Append(chart, {{i * 1.0, i * 1.0}});
+  UpdateWindow(chart);
+  const StripLayout layout = ObjectOf<StripChart>(chart)->renderer.layoutShown();
+  const RECT& plot = layout.plot;
+  const StripView before = Read<StripView>(chart, kStripViewItem);
+  const auto drag = [&](LONG fromX, LONG fromY, LONG toX, LONG toY) {
+    SendMessageA(chart, WM_LBUTTONDOWN, MK_LBUTTON | MK_CONTROL, MAKELPARAM(fromX, fromY));
+    SendMessageA(chart, WM_MOUSEMOVE, MK_LBUTTON | MK_CONTROL, MAKELPARAM(toX, toY));
+    SendMessageA(chart, WM_LBUTTONUP, MK_CONTROL, MAKELPARAM(toX, toY));
+  };
+  drag(plot.left + 100, plot.bottom, plot.left + 50, (plot.top + plot.bottom) / 2);
+  const StripView zoomed = Read<StripView>(chart, kStripViewItem);
+  EXPECT_NEAR(TimeAtX(layout, plot.left + 99), zoomed.end, 1e-9);
+  EXPECT_NEAR(49 * layout.secondsPerColumn, zoomed.span, 1e-9);
+  EXPECT_EQ(layout.axis[0].range.low, zoomed.minimum);
+  EXPECT_NEAR((layout.axis[0].range.low + layout.axis[0].range.high) / 2, zoomed.maximum, 0.5);
+  SendMessageA(chart, WM_KEYDOWN, VK_BACK, 0);
+  SendMessageA(chart, WM_KEYDOWN, VK_BACK, 0);  // there is no view before
+  const StripView back = Read<StripView>(chart, kStripViewItem);
+  EXPECT_EQ(std::tuple(before.span, before.end, before.maximum), std::tuple(back.span, back.end, back.maximum));
+
+  const double at = 10;
+  EXPECT_EQ(1, Send(chart, kStripCursor | kCommandRedraw, &at));
+  drag(plot.left + 60, 50, plot.left + 60, 50);  // a click
+  EXPECT_NEAR(TimeAtX(layout, plot.left + 60), Read<StripReading>(chart, kStripCursorB).time, 1e-9);
+  EXPECT_NE(std::wstring::npos, kvtest::ReadAccessible(chart).value.find(L"\x0394"));
+  SendMessageA(chart, WM_KEYDOWN, 'B', 0);
+  StripReading none{};
+  EXPECT_EQ(0, Send(chart, kStripCursorB | kCommandRead, &none));
+}
+
+TEST_F(StripCharts, ShowsEventsInTheOrderOfTheirTimesAndAPauseSign) {
+  HWND chart = Create();
+  Append(chart, {{0, 1}, {10, 1}});
+  const auto changed = [&](auto change) {
+    const Printed before(chart, 300);
+    change();
+    const Printed after(chart, 300);
+    int count = 0;
+    for (int y = 0; y < 200; ++y) {
+      for (int x = 0; x < 300; ++x) count += before.At(x, y) != after.At(x, y);
+    }
+    return count;
+  };
+  EXPECT_LT(20, changed([&] { SendMessageA(chart, WM_KEYDOWN, VK_SPACE, 0); }));
+  for (const StripEvent& event : {StripEvent{8, "Stop"}, StripEvent{2, "Start"}}) {
+    EXPECT_LT(50, changed([&] { EXPECT_EQ(1, Send(chart, kStripEventItem, &event)); }));
+  }
+  EXPECT_STREQ("Start", Read<StripEvent>(chart, kStripEventItem, 0).text);
+  EXPECT_STREQ("Stop", Read<StripEvent>(chart, kStripEventItem, 1).text);
+  const StripEvent never{NAN, "x"};
+  EXPECT_EQ(0, Send(chart, kStripEventItem, &never));
+  for (DWORD i = 0; i < kStripMaxEvents; ++i) Send(chart, kStripEventItem, std::array{StripEvent{5, "x"}}.data());
+  EXPECT_STREQ("x", Read<StripEvent>(chart, kStripEventItem, 0).text);  // the earliest were discarded
+  EXPECT_EQ(1, Send(chart, kStripEventItem | kCommandRemove, nullptr));
+  EXPECT_STREQ("", Read<StripEvent>(chart, kStripEventItem, 0).text);
 }
 
 // The text on the clipboard.

@@ -180,6 +180,10 @@ void ComparePartialRedraws(DWORD style, double origin, unsigned seed) {
       case 0: ZoomTime(model, 0.5 + below(3), 0.5); break;
       case 1: PanTime(model, below(3) - 1.5); break;
       case 2: ReturnHome(model); break;
+      case 6:
+        model.hasSelection = !model.hasSelection;
+        model.selection = {time - 3 + below(10) * 0.1, time - below(2)};
+        break;
       case 3:
       case 4:
       case 5: SetFrozen(model, !IsFrozen(model)); break;

@@ -28,6 +28,56 @@ class TypedCharts : public kvtest::ControlTest<RegisterLineRecorderClass> {
   HWND Create() { return kvtest::CreateControl(parent_, kStripChartClass, "", 0, {0, 0, 200, 150}, kId); }
 };
 
+std::string ContentOf(const std::wstring& path) {
+  std::string text(1000, '\0');
+  DWORD read = 0;
+  HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+  ReadFile(file, text.data(), 1000, &read, nullptr);
+  CloseHandle(file);
+  return text.substr(0, read);
+}
+
+TEST_F(TypedCharts, ReadSamplesBackAndSaveThem) {
+  HWND chart = Create();
+  SetStripChartChannel(parent_, kId, 0, {.name = L"Wärme, \"Öl\"", .unit = L"°C"});
+  for (const double time : {1.0, 2.0, 3.0}) AppendStripChartValue(parent_, kId, 0, time, time / 4);
+  for (const double time : {2.0, 2.0, 3.5}) AppendStripChartValue(parent_, kId, 5, time, time < 3 ? time : NAN);
+  std::vector<StripSample> samples;
+  const StripTimeRange range{2, 3};
+  EXPECT_TRUE(GetStripChartSamples(parent_, kId, 0, &range, &samples));
+  ASSERT_EQ(2u, samples.size());
+  EXPECT_EQ(std::tuple(2, 0.5, 3, 0.75),
+            std::tuple(samples[0].time, samples[0].value, samples[1].time, samples[1].value));
+  EXPECT_FALSE(GetStripChartSamples(parent_, kId, 8, nullptr, &samples));
+  StripReadBack wild{0, 10, 3, reinterpret_cast<StripSample*>(16)};
+  EXPECT_FALSE(SendMessageA(chart, kControlCommand, kStripReadBack | kCommandRead, reinterpret_cast<LPARAM>(&wild)));
+
+  wchar_t folder[MAX_PATH];
+  GetTempPathW(MAX_PATH, folder);
+  const std::wstring path = std::wstring(folder) + L"strip chart.csv";
+  ASSERT_TRUE(SaveStripChartCsv(parent_, kId, path.c_str(), nullptr));
+  EXPECT_EQ(
+      "s,\"W\xC3\xA4rme, \"\"\xC3\x96l\"\" (\xC2\xB0"
+      "C)\",6\r\n1,0.25,\r\n2,0.5,2\r\n2,,2\r\n3,0.75,\r\n3.5,,\r\n",
+      ContentOf(path));
+  SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
+  EXPECT_FALSE(SaveStripChartCsv(parent_, kId, path.c_str(), &range));
+  EXPECT_NE(0u, GetLastError());
+  EXPECT_EQ(0u, ContentOf(path).find("s,"));
+  SetFileAttributesW(path.c_str(), 0);
+  DeleteFileW(path.c_str());
+
+  double time = 2;
+  EXPECT_TRUE(AddStripChartEvent(parent_, kId, 2, L"Ventil geöffnet") && SetStripChartCursorB(parent_, kId, &time));
+  time = 0;
+  EXPECT_TRUE(GetStripChartCursorB(parent_, kId, &time));
+  EXPECT_EQ(2, time);
+  EXPECT_TRUE(AddStripChartEvent(parent_, kId, 0, nullptr) && SetStripChartCursorB(parent_, kId, nullptr));
+  EXPECT_FALSE(GetStripChartCursorB(parent_, kId, &time) || AddStripChartEvent(parent_, kId, NAN, L""));
+  const StripSource none{.version = kStripVersion};
+  EXPECT_FALSE(SetStripChartSource(parent_, kId, 0, &none));
+}
+
 DWORD Count(HWND chart, int channel) {
   DWORD count = 0;
   SendMessageA(chart, kControlCommand, MAKEWPARAM(kStripCount | kCommandRead, channel),
