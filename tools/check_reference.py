@@ -17,11 +17,13 @@ from make_pages import slug
 
 ROOT = Path(__file__).resolve().parent.parent
 REFERENCE = ROOT / "docs" / "reference"
+NAMES = REFERENCE / "names.md"  # generated as a whole
 
 HEADERS = re.compile(r"^Headers:.*?\n\n", re.MULTILINE | re.DOTALL)
 INTERFACE = re.compile(r"^## Interface\n.*?(?=^## |\Z)", re.MULTILINE | re.DOTALL)
 EXAMPLE = re.compile(r"From \[`([^`]+)`\]\([^)]*\):\n\n```(?:cpp|rc)\n(.*?)```", re.DOTALL)
-FILE = re.compile(r"(?<![\w/.])(?:app|cam\w+|cmake|docs|gallery|kv|samples|tests|tools|resources)/[\w/]*\w\.(?:h|cpp|rc|py|sh|cmake|txt|md)\b")
+FILE = re.compile(r"(?<![\w/.])(?:app|cam\w+|cmake|docs|gallery|kv|samples|tests|tools|resources)/"
+                  r"[\w/]*\w\.(?:h|cpp|rc|py|sh|cmake|txt|md)\b")
 LINK = re.compile(r"!?\[[^\]]*\]\(([^)\s:]+)\)")
 
 
@@ -97,21 +99,37 @@ def refreshed(page: Path, text: str, places: dict[str, Path]) -> str:
     return text.rstrip("\n") + "\n"
 
 
+def name_index(pages: dict[Path, str]) -> str:
+    """Every declared name with the place that describes it; one page, so that a browser's search finds them."""
+    rows = []
+    for page, text in pages.items():
+        title = text.split("\n", 1)[0].removeprefix("# ")
+        for heading in re.findall(r"^#### (.*)", without_examples(text), re.MULTILINE):
+            rows += [(name.split("::")[-1], name, f"[{title}]({page.name}#{slug(heading)})")
+                     for name in re.findall(r"`([\w:~]+)`", heading)]
+    rows.sort(key=lambda row: (row[0].lower(), row))
+    lines = [f"| `{name}` | {place} |" for _, name, place in rows]
+    return "# All names\n\nFunctions, structs and constants of the library, with the page that describes each.\n\n" \
+        "| Name | Page |\n|---|---|\n" + "\n".join(lines) + "\n"
+
+
 def main() -> int:
     if len(sys.argv) < 2:
         print(__doc__, file=sys.stderr)
         return 2
     pages = {page: page.read_text(encoding="utf-8") for page in [ROOT / "README.md", *sorted(REFERENCE.glob("*.md"))]}
     places = {name: page for page, text in pages.items() for name in headers_of(text)}
+    current = {page: refreshed(page, text, places) for page, text in pages.items() if page != NAMES}
+    current[NAMES] = name_index({page: text for page, text in current.items() if page.parent == REFERENCE})
     if sys.argv[1:] == ["--refresh"]:
-        for page, text in pages.items():
-            page.write_text(refreshed(page, text, places), encoding="utf-8")
+        for page, text in current.items():
+            page.write_text(text, encoding="utf-8")
         return 0
     index = pages[REFERENCE / "index.md"]
     faults = [f"the index does not name {page.name}" for page in pages
               if page.parent == REFERENCE and page.stem != "index" and f"({page.name})" not in index]
-    faults += [f"{page.name} differs from the tree (--refresh)" for page, text in pages.items()
-               if refreshed(page, text, places) != text]
+    faults += [f"{page.name} differs from the tree (--refresh)" for page, text in current.items()
+               if pages.get(page) != text]
     wanted = {Path(header).resolve().relative_to(ROOT).as_posix() for header in sys.argv[1:]}
     faults += [f"no page names {name} among its headers" for name in sorted(wanted - places.keys())]
     documents = [*ROOT.glob("*.md")]

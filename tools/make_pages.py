@@ -3,9 +3,10 @@
 
     make_pages.py FOLDER VERSION
 
-docs/package/start.md becomes FOLDER/index.html, in place of README.md; the other pages and all images keep their relative paths. Links to headers, samples
-and the licence are changed to their paths in the package; a link to a file that is not in the package becomes plain
-text. A missing image is an error. Uses cmark-gfm; the same documents give the same bytes.
+docs/package/start.md becomes FOLDER/index.html, in place of README.md; the other pages and all images keep their
+relative paths. Links to headers, samples and the license are changed to their paths in the package; a link to a file
+that is not in the package becomes plain text. A missing image is an error. Uses cmark-gfm; the same documents give the
+same bytes.
 """
 import posixpath
 import re
