@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Checks or updates the parts of README.md and docs/reference that are copied from the tree, and checks the links of
-all documents.
+"""Checks or updates the parts of README.md, docs/keys.md and docs/reference that are copied from the tree, and checks
+the links of all documents.
 
     check_reference.py HEADER...     checks that the pages are up to date and document every given header
     check_reference.py --refresh     updates the pages
@@ -13,11 +13,13 @@ import sys
 from pathlib import Path
 
 from header_pages import header_section
+from keys_page import with_tables
 from make_pages import slug
 
 ROOT = Path(__file__).resolve().parent.parent
 REFERENCE = ROOT / "docs" / "reference"
 NAMES = REFERENCE / "names.md"  # generated as a whole
+KEYS = ROOT / "docs" / "keys.md"
 
 HEADERS = re.compile(r"^Headers:.*?\n\n", re.MULTILINE | re.DOTALL)
 INTERFACE = re.compile(r"^## Interface\n.*?(?=^## |\Z)", re.MULTILINE | re.DOTALL)
@@ -120,6 +122,8 @@ def main() -> int:
     pages = {page: page.read_text(encoding="utf-8") for page in [ROOT / "README.md", *sorted(REFERENCE.glob("*.md"))]}
     places = {name: page for page, text in pages.items() for name in headers_of(text)}
     current = {page: refreshed(page, text, places) for page, text in pages.items() if page != NAMES}
+    pages[KEYS] = KEYS.read_text(encoding="utf-8")
+    current[KEYS] = with_tables(pages[KEYS], ROOT)
     current[NAMES] = name_index({page: text for page, text in current.items() if page.parent == REFERENCE})
     if sys.argv[1:] == ["--refresh"]:
         for page, text in current.items():
