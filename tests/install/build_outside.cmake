@@ -32,8 +32,8 @@ if(WAY STREQUAL "find_package")
     list(APPEND options -DCMAKE_TOOLCHAIN_FILE=${WORK_DIR}/sdk/lib/cmake/kv/mingw-w64-i686.cmake)
     file(WRITE ${WORK_DIR}/plain/CMakeLists.txt
       "cmake_minimum_required(VERSION 3.25)\nproject(Plain LANGUAGES NONE)\nfind_package(kv CONFIG REQUIRED)\n")
-    execute_process(COMMAND ${CMAKE_COMMAND} -S ${WORK_DIR}/plain -B ${WORK_DIR}/plain -DCMAKE_PREFIX_PATH=${WORK_DIR}/sdk
-      RESULT_VARIABLE result OUTPUT_QUIET ERROR_VARIABLE output)
+    execute_process(COMMAND ${CMAKE_COMMAND} -G ${GENERATOR} -S ${WORK_DIR}/plain -B ${WORK_DIR}/plain
+      -DCMAKE_PREFIX_PATH=${WORK_DIR}/sdk RESULT_VARIABLE result OUTPUT_QUIET ERROR_VARIABLE output)
     if(result EQUAL 0 OR NOT output MATCHES "kv is a 32-bit library")
       message(FATAL_ERROR "A build that is not 32-bit was not rejected:\n${output}")
     endif()
