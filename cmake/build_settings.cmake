@@ -19,12 +19,12 @@ else()
   set(gcc_options
     "$<$<CXX_COMPILER_ID:GNU>:-Wno-restrict;-Wno-array-bounds;-Wno-stringop-overflow;-Wno-stringop-overread;-fpch-preprocess>")
   # SSE2, because with x87's 80 bits calendar and mesh results would depend on the optimiser. Paths of the build machine
-  # are removed, so that builds are reproducible.
+  # are removed, so that builds are reproducible. Not -fdata-sections: with it, GCC stores zeros in the program.
   add_compile_options(
     "$<$<COMPILE_LANGUAGE:C,CXX>:-Wall;-Wextra;-Wno-missing-field-initializers;${gcc_options};-msse2;-mfpmath=sse>"
     "$<$<COMPILE_LANGUAGE:C,CXX>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>"
     "$<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions>"
-    "$<$<AND:$<CONFIG:Release>,$<COMPILE_LANGUAGE:C,CXX>>:-ffunction-sections;-fdata-sections>")
+    "$<$<AND:$<CONFIG:Release>,$<COMPILE_LANGUAGE:C,CXX>>:-ffunction-sections;-fno-asynchronous-unwind-tables>")
   add_link_options(-static -Wl,--no-insert-timestamp "$<$<CONFIG:Release>:-s;-Wl,--gc-sections>")
   set(warnings_are_errors -Werror)
   if(KV_SANITIZE)

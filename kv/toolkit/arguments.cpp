@@ -9,7 +9,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <span>
-#include <sstream>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -103,10 +102,11 @@ bool ParseArguments(std::span<const std::string> arguments, std::span<const Opti
     }
   }
   size_t count = 0;
-  std::istringstream rest{std::string(names)};
-  for (std::string name; rest >> name; ++count) {
-    if (count < operands->size() || name.starts_with('[')) continue;
-    *error = {"", "missing argument " + name};
+  while (!names.empty()) {
+    const std::string_view name = names.substr(0, names.find(' '));
+    names.remove_prefix(std::min(name.size() + 1, names.size()));
+    if (count++ < operands->size() || name.starts_with('[')) continue;
+    *error = {"", "missing argument " + std::string(name)};
     return false;
   }
   if (operands->size() > count) *error = {(*operands)[count], "unexpected argument \"" + (*operands)[count] + "\""};
