@@ -5,6 +5,7 @@
 #include "kv/framework/canvas.h"
 #include "kv/framework/guards.h"
 #include "kv/framework/painting.h"
+#include "kv/framework/per_thread.h"
 
 namespace kv {
 
@@ -141,10 +142,11 @@ void CompositeShapes(const Surface& buffer, SIZE size, LONG left, LONG right, CO
 }  // namespace
 
 void DrawStatusButton(const DRAWITEMSTRUCT& item, int scheme, UINT flags) {
-  thread_local ButtonBuffer buffer;
+  auto* reserved = OfThread<ButtonBuffer>();
   const RECT& area = item.rcItem;
   const SIZE size{area.right - area.left, area.bottom - area.top};
-  if (size.cx <= 0 || size.cy <= 0 || !buffer.Reserve({size.cx, 2 * size.cy})) return;
+  if (size.cx <= 0 || size.cy <= 0 || !reserved || !reserved->Reserve({size.cx, 2 * size.cy})) return;
+  ButtonBuffer& buffer = *reserved;
   const bool pressed = (item.itemState & ODS_SELECTED) != 0;
   const bool focused = (item.itemState & ODS_FOCUS) && !(item.itemState & ODS_NOFOCUSRECT);
   const ButtonColors colors = ButtonColorsOf(scheme, flags, pressed);

@@ -7,6 +7,7 @@
 
 #include "kv/framework/glyph_outline.h"
 #include "kv/framework/guards.h"
+#include "kv/framework/per_thread.h"
 
 namespace kv {
 
@@ -29,20 +30,14 @@ struct SharedByThread : DrawingTools {
   DWORD uses = 0;
 };
 
-SharedByThread* Shared() {
-  thread_local std::unique_ptr<SharedByThread> shared;
-  if (!shared) shared.reset(new (std::nothrow) SharedByThread);
-  return shared.get();
-}
-
 }  // namespace
 
 DrawingTools* InstrumentTools() {
-  return Shared();
+  return OfThread<SharedByThread>();
 }
 
 HFONT InstrumentFont(int height, int width, int weight) {
-  SharedByThread& shared = *Shared();
+  SharedByThread& shared = *OfThread<SharedByThread>();
   ++shared.uses;
   CachedFont* oldest = shared.fonts.data();
   for (CachedFont& cached : shared.fonts) {
@@ -63,7 +58,7 @@ HFONT InstrumentFont(int height, int width, int weight) {
 }
 
 const GlyphOutline* InstrumentGlyph(wchar_t character) {
-  for (CachedGlyph& cached : Shared()->glyphs) {
+  for (CachedGlyph& cached : OfThread<SharedByThread>()->glyphs) {
     if (!cached.outline) {
       cached.outline.reset(new (std::nothrow) GlyphOutline);
       cached.character = character;
