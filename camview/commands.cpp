@@ -132,8 +132,7 @@ void SayExported(View& view) {
   const std::wstring path = camera::Wide(view.source.Export().Task().target);
   const wchar_t* name = kv::FileNameOf(path.c_str());
   if (result.isDone) {
-    const std::wstring count = kv::NumberText(static_cast<double>(result.records));
-    return view.display.Say(StatusMark::kGood, TextWith(IDS_EXPORTED, count.c_str(), name));
+    return view.display.Say(StatusMark::kGood, TextWith(IDS_EXPORTED, RecordsAsText(result.records).c_str(), name));
   }
   if (result.error.empty()) return view.display.Say(StatusMark::kNone, Text(IDS_EXPORT_CANCELLED));
   view.display.Say(StatusMark::kError, TextWith(IDS_EXPORT_FAILED, name, camera::Wide(result.error).c_str()));

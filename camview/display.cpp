@@ -323,7 +323,7 @@ void Display::ShowStatistics(const Source& source, const ViewTime& time) {
     statistics_ = ComputeStatistics(*store, range.from, range.to);
     summary = TextWith(isSelected ? IDS_STATISTICS_SELECTED : IDS_STATISTICS_SHOWN, TimeAsText(range.from).c_str(),
                        TimeAsText(range.to).c_str(), kv::NumberText(range.Length(), 3).c_str());
-    counts = TextWith(IDS_STATISTICS_COUNTS, kv::NumberText(static_cast<double>(statistics_->line.records)).c_str(),
+    counts = TextWith(IDS_STATISTICS_COUNTS, RecordsAsText(statistics_->line.records).c_str(),
                       kv::NumberText(statistics_->line.recordsPerSecond, 1).c_str(),
                       kv::NumberText(static_cast<double>(std::max(statistics_->line.lost, 0LL))).c_str());
   }

@@ -118,6 +118,8 @@
 #define IDS_CLOSE_EXPORT 540
 #define IDS_LOADING_CANCELLED 541
 #define IDS_SOURCE_CHANGED 542
+#define IDS_RECORDS_ONE 543
+#define IDS_RECORDS 544
 
 // A recording that was opened
 #define IDS_FILE_WHOLE 551

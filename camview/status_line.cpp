@@ -119,6 +119,11 @@ std::wstring TextWith(UINT id, ...) {
   return text;
 }
 
+std::wstring RecordsAsText(long long count) {
+  if (count == 1) return kv::ResourceText(IDS_RECORDS_ONE);
+  return TextWith(IDS_RECORDS, kv::NumberText(static_cast<double>(count)).c_str());
+}
+
 std::wstring TimeAsText(double seconds, int decimals) {
   const std::wstring sign = kv::DecimalSign();
   return camera::Wide(FormatTime(seconds, decimals, sign.empty() ? '.' : static_cast<char>(sign[0])));
@@ -148,8 +153,8 @@ StatusLine DescribeRecording(const LoadedRecording& recording) {
     case LoadOutcome::kOutOfMemory: line.text = kv::ResourceText(IDS_FILE_NO_MEMORY) + L" "; break;
   }
   if (recording.records == 0) return rejected(IDS_FILE_NO_RECORDS);
-  line.text += TextWith(IDS_FILE_WHOLE, kv::NumberText(static_cast<double>(recording.records)).c_str(),
-                        TimeAsText(recording.seconds, 1).c_str());
+  line.text +=
+      TextWith(IDS_FILE_WHOLE, RecordsAsText(recording.records).c_str(), TimeAsText(recording.seconds, 1).c_str());
   const size_t whole = line.text.size();
   if (!recording.hasHeader) line.text += L" " + kv::ResourceText(IDS_FILE_NO_HEADER);
   AddCounted(&line.text, recording.damageCount, IDS_FILE_DAMAGED_ONE, IDS_FILE_DAMAGED);

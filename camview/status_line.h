@@ -23,6 +23,8 @@ void DrawStatusLine(const DRAWITEMSTRUCT& item, const StatusLine& line);
 
 // Returns a string resource with its %s and %d replaced, truncated to 1,000 characters.
 std::wstring TextWith(UINT id, ...);
+// Returns "1 record", "2,000 records".
+std::wstring RecordsAsText(long long count);
 // Returns a time since the beginning with this number of decimals, in the format of the language.
 std::wstring TimeAsText(double seconds, int decimals = 3);
 // Returns a duration: "3 s", "1:15".

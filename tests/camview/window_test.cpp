@@ -115,13 +115,14 @@ TEST_F(CamviewWindow, SumsUpAndExportsWhatIsMarked) {
   Settle();
   EXPECT_EQ(L"Selected: 0:04.500 to 0:05.500 (1.000 s)", Text(IDC_SUMMARY));
   EXPECT_EQ(L"99 records, 99.0 a second, 2 lost", Text(IDC_COUNTS));
+  EXPECT_EQ(L"1 record", RecordsAsText(1));
   const auto save = [&](const wchar_t* name, int command) {
     chosenPath = File(name);
     Command(command);
     EXPECT_TRUE(Soon([&] { return !IsWorking(); }));
   };
   save(L"camview range.csv", IDM_EXPORT);
-  EXPECT_TRUE(Says(L"99 records were written to camview range.csv.")) << camera::Narrow(Text(IDC_STATUS));
+  EXPECT_TRUE(Says(L"99 records written to camview range.csv.")) << camera::Narrow(Text(IDC_STATUS));
   const std::string csv = BytesOf(chosenPath);
   EXPECT_EQ(100, std::ranges::count(csv, '\n'));
   save(L"camview range.twr", IDC_EXPORT);
