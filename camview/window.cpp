@@ -59,10 +59,16 @@ INT_PTR OnClose(View& view) {
   return choice != IDYES;
 }
 
-INT_PTR OnDestroy(View& view) {
+// Completes a recording, so that it has its end if the session does.
+INT_PTR OnSave(View& view) {
+  if (view.source.Recording().state == LiveRecordingState::kOn) view.source.StopRecording();
   StoreNumber(kTrailName, static_cast<int>(view.options.trailSeconds * 1000));
   StoreNumber(kSpanName, static_cast<int>(std::min(view.time.liveSpan, 1e6) * 1000));
   StoreNumber(kFitName, view.options.fitValues);
+  return TRUE;
+}
+
+INT_PTR OnDestroy(View& view) {
   const HWND window = view.window;
   KillTimer(window, kTickTimer);
   SetWindowLongW(window, DWL_USER, 0);
@@ -107,6 +113,7 @@ INT_PTR CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARA
     case WM_DRAWITEM: return view->display.Draw(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
     case WM_DROPFILES: return OnDropFiles(*view, reinterpret_cast<HDROP>(wParam));
     case WM_CLOSE: return OnClose(*view);
+    case kv::kSaveState: return OnSave(*view);
     case WM_DESTROY: return OnDestroy(*view);
     case kv::kLanguageChanged: return OnLanguageChanged(*view);
     default: return FALSE;

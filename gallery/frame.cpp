@@ -88,7 +88,7 @@ INT_PTR OnInit(HWND frame, const StartOptions& options) {
   return TRUE;
 }
 
-INT_PTR OnDestroy() {
+INT_PTR OnSave() {
   auto page = static_cast<DWORD>(selectedPage);
   kv::WindowNumber(kLastPageName, &page, kv::kPositionSave);
   return TRUE;
@@ -160,7 +160,7 @@ INT_PTR CALLBACK FrameProcedure(HWND frame, UINT message, WPARAM wParam, LPARAM 
     case WM_COMMAND: return OnCommand(frame, LOWORD(wParam), HIWORD(wParam));
     case WM_TIMER: return OnTimer(frame);
     case WM_HELP: return OnHelp(frame);
-    case WM_DESTROY: return OnDestroy();
+    case kv::kSaveState: return OnSave();
     case kv::kLanguageChanged: return OnLanguageChanged(frame);
     default: return FALSE;
   }

@@ -25,12 +25,6 @@ void WriteValue(const char* name, DWORD type, const void* data, DWORD size) {
   if (key) RegSetValueExA(key, name, 0, type, static_cast<const BYTE*>(data), size);
 }
 
-void WritePosition(const char* name, const RECT& position) {
-  char text[kTextCharacters];
-  FormatBoundedA(text, sizeof(text), "%ld,%ld,%ld,%ld", position.left, position.top, position.right, position.bottom);
-  WriteValue(name, REG_SZ, text, static_cast<DWORD>(std::strlen(text)) + 1);
-}
-
 RECT StoredPosition(HWND window, const char* name) {
   // One byte more than is read, for a value stored without a terminator.
   char text[kTextCharacters] = "";
@@ -51,11 +45,17 @@ BOOL SavePosition(HWND window, const char* name) {
   if (IsIconic(window) || IsZoomed(window)) return FALSE;
   RECT position{};
   GetWindowRect(window, &position);
-  WritePosition(name, position);
+  StorePosition(name, position);
   return TRUE;
 }
 
 }  // namespace
+
+void StorePosition(const char* name, const RECT& position) {
+  char text[kTextCharacters];
+  FormatBoundedA(text, sizeof(text), "%ld,%ld,%ld,%ld", position.left, position.top, position.right, position.bottom);
+  WriteValue(name, REG_SZ, text, static_cast<DWORD>(std::strlen(text)) + 1);
+}
 
 RECT ParsePosition(const char* text) {
   const char* fields[] = {text, text, text, text};
@@ -90,16 +90,24 @@ BOOL WindowPosition(HWND window, const char* name, int mode) {
                    Extent(position.top, position.bottom), SWP_SHOWWINDOW);
       break;
     case kPositionRestoreOnly: SetWindowPos(window, nullptr, position.left, position.top, 0, 0, SWP_NOSIZE); break;
-    default: WritePosition(name, position); break;
+    default: StorePosition(name, position); break;
   }
   return TRUE;
 }
 
 void KeepInSight(HWND window, SIZE minimumSize) {
   constexpr int kGrip = 48;  // of the caption, in pixels
-  RECT rect{}, work{};
+  RECT rect{};
   GetWindowRect(window, &rect);
-  const SIZE size{std::max(rect.right - rect.left, minimumSize.cx), std::max(rect.bottom - rect.top, minimumSize.cy)};
+  MONITORINFO monitor{.cbSize = sizeof(monitor)};
+  GetMonitorInfoA(MonitorFromRect(&rect, MONITOR_DEFAULTTONEAREST), &monitor);
+  RECT work = monitor.rcWork;
+  SIZE size{std::min(rect.right - rect.left, work.right - work.left),
+            std::min(rect.bottom - rect.top, work.bottom - work.top)};
+  // What was shrunk is moved to where it fits.
+  if (size.cx < rect.right - rect.left) rect.left = work.left;
+  if (size.cy < rect.bottom - rect.top) rect.top = work.top;
+  size = {std::max(size.cx, minimumSize.cx), std::max(size.cy, minimumSize.cy)};
   const RECT caption{rect.left + std::min<LONG>(kGrip, size.cx / 2), rect.top,
                      rect.left + std::max<LONG>(size.cx - kGrip, size.cx / 2 + 1),
                      rect.top + GetSystemMetrics(SM_CYCAPTION)};

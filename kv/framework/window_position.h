@@ -22,13 +22,17 @@ inline constexpr int kPositionRestoreOnly = 2;  // restores the position only
 // window is to be saved. Failure to write the registry is ignored.
 BOOL WindowPosition(HWND window, const char* name, int mode);
 
+// Stores a rectangle as saving does.
+void StorePosition(const char* name, const RECT& position);
+
 // Writes (kPositionSave) or reads (kPositionRestore, kPositionRestoreOnly) a 32-bit number. `number` does not change
 // when nothing is stored or the value has more than 4 bytes. Returns 0 for an unreadable name, an unwritable number and
 // any other mode.
 BOOL WindowNumber(const char* name, DWORD* number, int mode);
 
-// Call after restoring a window's position: makes the window at least `minimumSize` large, and centres it on the
-// primary monitor when no monitor shows enough of its caption to drag it.
+// Call after restoring a window's position: shrinks a window that is larger than its monitor's work area, makes it at
+// least `minimumSize` large, and centres it on the primary monitor when no monitor shows enough of its caption to drag
+// it.
 void KeepInSight(HWND window, SIZE minimumSize);
 
 // Parses a stored text: up to four integers separated by commas. A field that is missing, and all after it, repeat the

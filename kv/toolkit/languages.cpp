@@ -1,12 +1,18 @@
 #include "kv/toolkit/languages.h"
-#include <string>
 
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "kv/framework/bitmaps.h"
 #include "kv/framework/dialog_texts.h"
 #include "kv/framework/file_path.h"
 #include "kv/framework/language.h"
 #include "kv/framework/modules.h"
+#include "kv/framework/tooltips.h"
 #include "kv/resource.h"
 #include "kv/toolkit/dialog_state.h"
+#include "kv/toolkit/mirroring.h"
 #include "kv/toolkit/scaled_dialog.h"
 
 namespace kv {
@@ -198,6 +204,37 @@ void ReplaceMenu(HWND dialog, DialogState& state) {
   if (state.options.languageMenu.item) SetLanguageMenu(bar, state);
   SetMenu(dialog, bar);
   if (former) DestroyMenu(former);
+}
+
+// String resources are loaded here, so that missing ones are replaced by English.
+void ReplaceTooltips(HWND dialog, DialogState& state) {
+  if (state.tips) DestroyWindow(state.tips);
+  state.tips = nullptr;
+  std::vector<TooltipEntry> entries(state.options.tips.begin(), state.options.tips.end());
+  std::vector<std::wstring> texts(entries.size());
+  for (size_t i = 0; i < entries.size(); ++i) {
+    if (!IS_INTRESOURCE(entries[i].text)) continue;
+    texts[i] = ResourceText(entries[i].text ? LOWORD(entries[i].text) : entries[i].id);
+    entries[i].text = texts[i].c_str();
+  }
+  if (!entries.empty()) {
+    state.tips = CreateTooltips(modules.resources, dialog, entries.data(), static_cast<int>(entries.size()));
+  }
+}
+
+void ShowLanguage(HWND dialog) {
+  const std::shared_ptr<DialogState> state = DialogStateOf(dialog);
+  if (!state) return;
+  SetTextsOfLanguage(dialog, state->options.templateName);
+  if (state->kind != DialogKind::kPage) ReplaceMenu(dialog, *state);
+  ReplaceTooltips(dialog, *state);
+  const bool turned = MirrorDialog(dialog);
+  for (const DialogPage& page : std::vector(state->pages)) ShowLanguage(page.window);
+  if (state->options.procedure)
+    state->options.procedure(dialog, kLanguageChanged, static_cast<WPARAM>(currentLanguage), 0);
+  const SIZE client = ClientSize(dialog);
+  if (turned) SendMessageW(dialog, WM_SIZE, SIZE_RESTORED, MAKELPARAM(client.cx, client.cy));
+  RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
 }  // namespace kv

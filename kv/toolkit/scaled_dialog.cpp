@@ -19,7 +19,6 @@
 #include "kv/framework/language.h"
 #include "kv/framework/modules.h"
 #include "kv/framework/tooltips.h"
-#include "kv/framework/window_position.h"
 #include "kv/toolkit/appearance.h"
 #include "kv/toolkit/control_access.h"
 #include "kv/toolkit/copy_key.h"
@@ -35,6 +34,7 @@ namespace {
 constexpr wchar_t kStateProperty[] = L"kvScaledDialog";
 constexpr int kPageId = INT_MAX;  // greater than every dialog's lastId
 constexpr int kTextPx = 14;       // at scale 1 and 96 DPI
+constexpr int kMinTextPx = 11;    // at 96 DPI; smaller ones cannot be read
 
 using SharedDialogState = std::shared_ptr<DialogState>;
 
@@ -46,6 +46,11 @@ struct Opening {
   const ScaledDialog& options;
   DialogKind kind;
 };
+
+// Converts pixels at 96 DPI.
+int AtDpi(HWND dialog, int px) {
+  return MulDiv(px, GetDeviceCaps(WindowDc(dialog), LOGPIXELSY), USER_DEFAULT_SCREEN_DPI);
+}
 
 INT_PTR CallDialogProcedure(HWND dialog, const DialogState& state, UINT message, WPARAM wParam, LPARAM lParam) {
   return state.options.procedure ? state.options.procedure(dialog, message, wParam, lParam) : FALSE;
@@ -221,19 +226,19 @@ void AddMenu(HWND dialog, DialogState& state) {
                SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-void RestorePosition(HWND dialog, const DialogState& state) {
-  const ScaledDialog& options = state.options;
-  if (options.positionName) WindowPosition(dialog, options.positionName, kPositionRestore);
-  KeepInSight(dialog, state.minimumSize);
-  DWORD maximised = FALSE;
-  if (options.maximisedName) WindowNumber(options.maximisedName, &maximised, kPositionRestore);
-  if (maximised) ShowWindow(dialog, SW_MAXIMIZE);
+void SaveState(HWND dialog, const DialogState& state, bool endsSession) {
+  if (state.kind != DialogKind::kPage) SavePosition(dialog, state.options);
+  CallDialogProcedure(dialog, state, kSaveState, endsSession, 0);
 }
 
-void Remember(HWND dialog, const ScaledDialog& options) {
-  if (options.positionName) WindowPosition(dialog, options.positionName, kPositionSave);
-  DWORD maximised = IsZoomed(dialog) != FALSE;
-  if (options.maximisedName && !IsIconic(dialog)) WindowNumber(options.maximisedName, &maximised, kPositionSave);
+// The process may end as soon as this returns, whatever the dialog is waiting for.
+INT_PTR OnSessionEnd(HWND dialog, const DialogState& state) {
+  for (const DialogPage& page : std::vector(state.pages)) {
+    if (const SharedDialogState pageState = DialogStateOf(page.window)) SaveState(page.window, *pageState, true);
+  }
+  SaveState(dialog, state, true);
+  PostQuitMessage(0);
+  return TRUE;
 }
 
 INT_PTR OnInit(HWND dialog, const Opening& opening) {
@@ -242,8 +247,12 @@ INT_PTR OnInit(HWND dialog, const Opening& opening) {
   SetTextsOfLanguage(dialog, options.templateName);
   AddMenu(dialog, *state);
   const SIZE asInTemplate = SizeOf(dialog);
-  state->minimumSize = {options.minimumSize.cx ? options.minimumSize.cx : asInTemplate.cx,
-                        options.minimumSize.cy ? options.minimumSize.cy : asInTemplate.cy};
+  // Not so small that texts would be.
+  const auto minimum = [](LONG chosen, LONG ofTemplate) {
+    return chosen ? std::max<LONG>(chosen, MulDiv(ofTemplate, kMinTextPx, kTextPx)) : ofTemplate;
+  };
+  state->minimumSize = {minimum(options.minimumSize.cx, asInTemplate.cx),
+                        minimum(options.minimumSize.cy, asInTemplate.cy)};
   const INT_PTR result =
       CallDialogProcedure(dialog, *state, WM_INITDIALOG, reinterpret_cast<WPARAM>(GetFocus()), options.parameter);
   AssignFonts(dialog);
@@ -267,7 +276,7 @@ void OnDestroy(HWND dialog, DialogState& state) {
     const HFONT font = FontOf(child);
     if (font != state.listFont) state.fonts.emplace_back(font);
   });
-  if (state.kind != DialogKind::kPage) Remember(dialog, state.options);
+  SaveState(dialog, state, false);
   if (state.kind == DialogKind::kModeless) ModelessDialogs(dialog, nullptr, kModelessRemove);
 }
 
@@ -304,17 +313,19 @@ INT_PTR ReturnDialogResult(HWND dialog, LONG result) {
   return TRUE;
 }
 
-INT_PTR OnSizing(HWND dialog, const DialogState& state, WPARAM edge, LPARAM place) {
-  return ReturnDialogResult(dialog, LimitSizing(static_cast<UINT>(edge), reinterpret_cast<RECT*>(place),
-                                                state.minimumSize.cx, state.minimumSize.cy));
+INT_PTR OnMinimumSize(const DialogState& state, MINMAXINFO* limits) {
+  if (IsBadWritePtr(limits, sizeof(*limits))) return FALSE;
+  limits->ptMinTrackSize = {state.minimumSize.cx, state.minimumSize.cy};
+  return TRUE;
 }
 
-// Rows of an extended list scale with the dialog.
+// Rows of an extended list scale with the dialog and the DPI, as texts do.
 INT_PTR OnMeasure(HWND dialog, const DialogState& state, MEASUREITEMSTRUCT* request) {
   if (IsBadWritePtr(request, sizeof(*request))) return FALSE;
   const HWND control = GetDlgItem(dialog, static_cast<int>(request->CtlID));
   if (!IsOfClass(control, L"kvExtList")) return FALSE;
-  request->itemHeight = std::max(1u, static_cast<UINT>(static_cast<float>(request->itemHeight) * state.scale.y));
+  request->itemHeight = std::max(
+      1u, static_cast<UINT>(static_cast<float>(AtDpi(dialog, static_cast<int>(request->itemHeight))) * state.scale.y));
   return TRUE;
 }
 
@@ -352,7 +363,8 @@ INT_PTR HandleDefault(HWND dialog, const DialogState& state, UINT message, WPARA
     case WM_CTLCOLORSTATIC:
     case WM_CTLCOLORBTN: return OnControlColor(state, reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam));
     case WM_SYSCOLORCHANGE: return OnSystemColors(dialog, wParam, lParam);  // sent only to top-level windows
-    case WM_SIZING: return OnSizing(dialog, state, wParam, lParam);
+    case WM_GETMINMAXINFO: return OnMinimumSize(state, reinterpret_cast<MINMAXINFO*>(lParam));
+    case WM_ENDSESSION: return wParam && OnSessionEnd(dialog, state);
     case WM_MEASUREITEM: return OnMeasure(dialog, state, reinterpret_cast<MEASUREITEMSTRUCT*>(lParam));
     // Controls would query the dialog's class, which is an ANSI class.
     case WM_NOTIFYFORMAT: return ReturnDialogResult(dialog, NFR_UNICODE);
@@ -401,36 +413,6 @@ bool IsOfClass(HWND window, const wchar_t* name) {
   return lstrcmpiW(own, name) == 0;
 }
 
-// String resources are loaded here, so that missing ones are replaced by English.
-void ReplaceTooltips(HWND dialog, DialogState& state) {
-  if (state.tips) DestroyWindow(state.tips);
-  state.tips = nullptr;
-  std::vector<TooltipEntry> entries(state.options.tips.begin(), state.options.tips.end());
-  std::vector<std::wstring> texts(entries.size());
-  for (size_t i = 0; i < entries.size(); ++i) {
-    if (!IS_INTRESOURCE(entries[i].text)) continue;
-    texts[i] = ResourceText(entries[i].text ? LOWORD(entries[i].text) : entries[i].id);
-    entries[i].text = texts[i].c_str();
-  }
-  if (!entries.empty()) {
-    state.tips = CreateTooltips(modules.resources, dialog, entries.data(), static_cast<int>(entries.size()));
-  }
-}
-
-void ShowLanguage(HWND dialog) {
-  const SharedDialogState state = DialogStateOf(dialog);
-  if (!state) return;
-  SetTextsOfLanguage(dialog, state->options.templateName);
-  if (state->kind != DialogKind::kPage) ReplaceMenu(dialog, *state);
-  ReplaceTooltips(dialog, *state);
-  const bool turned = MirrorDialog(dialog);
-  for (const DialogPage& page : std::vector(state->pages)) ShowLanguage(page.window);
-  CallDialogProcedure(dialog, *state, kLanguageChanged, static_cast<WPARAM>(CurrentLanguage()), 0);
-  const SIZE client = ClientSize(dialog);
-  if (turned) SendMessageW(dialog, WM_SIZE, SIZE_RESTORED, MAKELPARAM(client.cx, client.cy));
-  RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
-}
-
 void RunTicks(HWND dialog, bool run) {
   const SharedDialogState state = DialogStateOf(dialog);
   if (!state || !state->options.tickMs) return;
@@ -471,8 +453,8 @@ DialogScale ScaleOf(HWND dialog) {
 
 int TextHeightOf(HWND dialog) {
   const DialogScale scale = ScaleOf(dialog);
-  const int textPx = MulDiv(kTextPx, GetDeviceCaps(WindowDc(dialog), LOGPIXELSY), USER_DEFAULT_SCREEN_DPI);
-  return std::max(static_cast<int>(static_cast<float>(textPx) * std::min(scale.x, scale.y)), 1);
+  const int scaled = static_cast<int>(static_cast<float>(AtDpi(dialog, kTextPx)) * std::min(scale.x, scale.y));
+  return std::max(scaled, AtDpi(dialog, kMinTextPx));
 }
 
 void EnableControl(HWND dialog, int id, bool enabled) {

@@ -21,6 +21,8 @@
 //                  double click. The wheel scrolls the control under the mouse. Not in modal dialogs. Display instruments
 //                  and horizons that are tab stops show the focus; Ctrl+C copies their image.
 //   Closing        is delayed while a message box or dialog that the dialog owns is open
+//   End of the     position and settings are saved when the user logs off, also while a box is open, and the message
+//   session        loop ends
 #pragma once
 
 #include <windows.h>
@@ -49,7 +51,7 @@ struct ScaledDialog {
 
   // A dialog procedure, or null. It receives WM_INITDIALOG before the dialog is positioned, and all later messages; the
   // toolkit handles messages for which it returns FALSE. It receives WM_SIZE after the controls have been laid out, and
-  // WM_DESTROY after the position has been saved. If it returns TRUE for WM_CLOSE, the dialog remains open. It may
+  // WM_DESTROY after kSaveState. If it returns TRUE for WM_CLOSE, the dialog remains open. It may
   // destroy the dialog at any time.
   DLGPROC procedure = nullptr;
   LPARAM parameter = 0;  // lParam of WM_INITDIALOG
@@ -60,7 +62,8 @@ struct ScaledDialog {
   // The name under which the maximised state is stored; null: not stored.
   const char* maximisedName = nullptr;
 
-  // Of the whole window, in pixels. 0: the size of the template.
+  // Of the whole window, in pixels; at least the size at which texts are 11 pixels high, at which they stop shrinking.
+  // 0: the size of the template.
   SIZE minimumSize = {};
   COLORREF background = kDefaultBackground;
 
@@ -98,6 +101,10 @@ struct ScaledDialog {
 // Sent to the procedure after WM_INITDIALOG, and when the language has changed: set texts that are not in the template,
 // such as names of instruments and items of lists. wParam is the language.
 inline constexpr UINT kLanguageChanged = WM_APP + 0x3F00;
+
+// Sent to the procedure before WM_DESTROY, and when the session ends (wParam 1; the process may end as soon as the
+// procedure returns): save settings and complete files. The position has been saved.
+inline constexpr UINT kSaveState = WM_APP + 0x3F03;
 
 inline constexpr UINT_PTR kTickTimer = 0x6B76;
 

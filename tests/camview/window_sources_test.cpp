@@ -127,7 +127,9 @@ TEST_F(CamviewWindow, LosesNothingOfAPortThatComesAndGoes) {
     camera->Send("garbage ");
     return Says(L"sends bytes, but no records");
   }));
-  DestroyWindow(window_);
+  SendMessageW(window_, WM_ENDSESSION, TRUE, 0);  // the process may end now
+  MSG quit;
+  PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
   RecordingLoader loader;
   loader.Start(camera::Narrow(chosenPath));
   EXPECT_TRUE(Soon([&] { return loader.IsDone(); }));

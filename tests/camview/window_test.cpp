@@ -202,9 +202,9 @@ TEST_F(CamviewWindow, AllTextsFitInBothLanguages) {
   OpenFile(Recording(1000));
   Command(IDM_SELECT_SHOWN);
   SetWindowPos(window_, nullptr, 0, 0, 1, 1, SWP_NOMOVE | SWP_NOZORDER);
-  RECT smallest{0, 0, 1, 1};
-  SendMessageW(window_, WM_SIZING, WMSZ_BOTTOMRIGHT, reinterpret_cast<LPARAM>(&smallest));
-  SetWindowPos(window_, nullptr, 0, 0, smallest.right, smallest.bottom, SWP_NOMOVE | SWP_NOZORDER);
+  MINMAXINFO limits{};
+  SendMessageW(window_, WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&limits));
+  SetWindowPos(window_, nullptr, 0, 0, limits.ptMinTrackSize.x, limits.ptMinTrackSize.y, SWP_NOMOVE | SWP_NOZORDER);
   for (const int language : {0, 1}) {
     Command(IDM_LANGUAGE_FIRST + language);
     Settle();

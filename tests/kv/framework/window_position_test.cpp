@@ -156,7 +156,7 @@ TEST_F(WindowPositionTest, WindowsOffScreenOrTooSmallAreCorrected) {
                                                   {"a,b,c,d", true},
                                                   {"20,30,620,530", true},
                                                   {std::to_string(screen.cx + 50) + ",0,9999,400", false},
-                                                  {"10," + std::to_string(screen.cy + 5) + ",700,9999", false}};
+                                                  {"10," + std::to_string(screen.cy + 5) + ",700,1600", false}};
   for (const auto& [stored, keepsLeft] : samples) {
     Store(stored);
     kv::WindowPosition(window, kName, kv::kPositionRestore);
@@ -173,6 +173,13 @@ TEST_F(WindowPositionTest, WindowsOffScreenOrTooSmallAreCorrected) {
   kv::WindowPosition(window, kName, kv::kPositionRestore);
   kv::KeepInSight(window, {412, 400});
   EXPECT_EQ("20,30,620,530", Place(window));
+  // From a larger screen.
+  SetWindowPos(window, nullptr, 300, 30, screen.cx + 400, screen.cy + 200, SWP_NOZORDER);
+  kv::KeepInSight(window, {412, 400});
+  RECT work{}, shrunk{};
+  SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
+  GetWindowRect(window, &shrunk);
+  EXPECT_TRUE(EqualRect(&work, &shrunk)) << Place(window);
 }
 
 }  // namespace

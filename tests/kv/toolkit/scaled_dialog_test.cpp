@@ -17,6 +17,7 @@
 #include "kv/framework/guards.h"
 #include "kv/framework/modules.h"
 #include "kv/framework/tooltips.h"
+#include "kv/framework/window_position.h"
 #include "kv/lists/extended_list.h"
 #include "kv/lists/list_navigation.h"
 #include "kv/toolkit/classes.h"
@@ -25,6 +26,7 @@
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/pages.h"
 #include "tests/kv/toolkit/ids.h"
+#include "tests/support/replaced_import.h"
 #include "tests/support/running_program.h"
 #include "tests/support/test_window.h"
 
@@ -115,10 +117,10 @@ TEST_F(ScaledDialogTest, ScalesKeepsItsMinimumSizeAndRestoresItsPosition) {
   UpdateWindow(dialog);
   EXPECT_EQ(kGround, GetPixel(WindowDc(dialog), 2, 2));
 
-  RECT dragged{0, 0, 10, 10};
-  EXPECT_EQ(TRUE, SendMessageA(dialog, WM_SIZING, WMSZ_BOTTOMRIGHT, reinterpret_cast<LPARAM>(&dragged)));
+  MINMAXINFO limits{};
+  SendMessageA(dialog, WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&limits));
   EXPECT_EQ(std::tuple(window.right - window.left, window.bottom - window.top),
-            std::tuple(dragged.right, dragged.bottom));
+            std::tuple(limits.ptMinTrackSize.x, limits.ptMinTrackSize.y));
 
   GetWindowRect(dialog, &window);
   answered = WM_CLOSE;
@@ -223,6 +225,74 @@ TEST_F(ScaledDialogTest, RunsAWholeProgramWithAModalDialog) {
   EXPECT_FALSE(RegisterAllClasses(instance, TRUE));  // already registered
 }
 
+RECT StoredPlace() {
+  HWND window = CreateWindowA("STATIC", "", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+  WindowPosition(window, kTest.positionName, kPositionRestore);
+  RECT place{};
+  GetWindowRect(window, &place);
+  DestroyWindow(window);
+  return place;
+}
+
+TEST_F(ScaledDialogTest, SavesItsStateWhenTheSessionEnds) {
+  HWND dialog = OpenDialog(nullptr, kTest);
+  EnableWindow(dialog, FALSE);  // a box is open
+  SetWindowPos(dialog, nullptr, 61, 62, 500, 400, SWP_NOZORDER);
+  const RECT expected{61, 62, 561, 462};
+  EXPECT_TRUE(SendMessageW(dialog, WM_QUERYENDSESSION, 0, 0));
+  seen.clear();
+  SendMessageW(dialog, WM_ENDSESSION, FALSE, 0);  // another program has refused
+  EXPECT_EQ(0, std::ranges::count(seen, kSaveState));
+  SendMessageW(dialog, WM_ENDSESSION, TRUE, 0);
+  EXPECT_EQ(1, std::ranges::count(seen, kSaveState));
+  const RECT stored = StoredPlace();
+  EXPECT_TRUE(EqualRect(&expected, &stored));
+  MSG message{};
+  EXPECT_TRUE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+  DestroyWindow(dialog);
+  EXPECT_EQ(2, std::ranges::count(seen, kSaveState));
+}
+
+TEST_F(ScaledDialogTest, SavesTheNormalSizeOfAMaximisedOrMinimisedWindow) {
+  for (const int state : {SW_MAXIMIZE, SW_MINIMIZE}) {
+    HWND dialog = OpenDialog(nullptr, kTest);
+    SetWindowPos(dialog, nullptr, 50 + state, 62, 500, 400, SWP_NOZORDER);
+    RECT normal{};
+    GetWindowRect(dialog, &normal);
+    ShowWindow(dialog, state);
+    DestroyWindow(dialog);
+    const RECT stored = StoredPlace();
+    EXPECT_TRUE(EqualRect(&normal, &stored)) << state << ": " << stored.left << ' ' << stored.right;
+  }
+}
+
+int WINAPI HighDpi(HDC, int what) {
+  return what == LOGPIXELSX || what == LOGPIXELSY ? 192 : 32;
+}
+
+TEST_F(ScaledDialogTest, KeepsItsTextsReadable) {
+  ScaledDialog small = kTest;
+  small.positionName = nullptr;
+  small.minimumSize = {1, 1};
+  HWND dialog = OpenDialog(nullptr, small);
+  RECT inTemplate{};
+  GetWindowRect(dialog, &inTemplate);
+  SetWindowPos(dialog, nullptr, 0, 0, 1, 1, SWP_NOMOVE | SWP_NOZORDER);
+  RECT smallest{};
+  GetWindowRect(dialog, &smallest);
+  EXPECT_EQ(MulDiv(inTemplate.right - inTemplate.left, 11, 14), smallest.right - smallest.left);
+  EXPECT_EQ(11, TextHeightOf(dialog));
+  MEASUREITEMSTRUCT row{.CtlType = ODT_LISTBOX, .CtlID = IDC_ROWS, .itemHeight = 40};
+  SendMessageW(dialog, WM_MEASUREITEM, IDC_ROWS, reinterpret_cast<LPARAM>(&row));
+  const kvtest::ReplacedImport dpi("GetDeviceCaps", reinterpret_cast<void*>(HighDpi));
+  ASSERT_TRUE(dpi.isInPlace());
+  MEASUREITEMSTRUCT larger{.CtlType = ODT_LISTBOX, .CtlID = IDC_ROWS, .itemHeight = 40};
+  SendMessageW(dialog, WM_MEASUREITEM, IDC_ROWS, reinterpret_cast<LPARAM>(&larger));
+  EXPECT_NEAR(2 * row.itemHeight, larger.itemHeight, 1);
+  EXPECT_EQ(22, TextHeightOf(dialog));
+  DestroyWindow(dialog);
+}
+
 // The procedure may destroy the dialog in any message; the toolkit must not use it afterwards.
 TEST_F(ScaledDialogTest, MayBeDestroyedByItsProcedureAtAnyTime) {
   LoadLanguages(L"test_toolkit");
@@ -239,7 +309,7 @@ TEST_F(ScaledDialogTest, MayBeDestroyedByItsProcedureAtAnyTime) {
   destroyAt = 0;
   HWND dialog = OpenDialog(nullptr, kTest);
   for (const LPARAM address : {0, 1, 77}) SendMessageW(dialog, WM_INITDIALOG, 0, address);
-  for (const int message : {WM_MEASUREITEM, WM_NOTIFY, WM_SIZING}) SendMessageW(dialog, message, 1, 1);
+  for (const int message : {WM_MEASUREITEM, WM_NOTIFY, WM_GETMINMAXINFO}) SendMessageW(dialog, message, 1, 1);
   DestroyWindow(dialog);
 }
 
