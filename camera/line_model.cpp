@@ -32,6 +32,12 @@ double Turns(double number) {
   return number - std::floor(number + 0.5);  // -0.5 to 0.5
 }
 
+// Rounds a number that is small enough for an int; std::round takes several times as long.
+int Nearest(double number) {
+  constexpr int kAbove = 1 << 20;
+  return static_cast<int>(number + kAbove + 0.5) - kAbove;
+}
+
 // The unit vector at that fraction of a turn, with an error of 0.003; a record needs one for each window.
 std::complex<float> UnitVector(double turns) {
   constexpr int kSteps = 1024;
@@ -261,10 +267,10 @@ bool LineModel::HasSteps(const Times& times, const Wave& wave) const {
   const double first = times.seconds.front();
   const auto count = static_cast<double>(times.seconds.size());
   if (count - 1 > 1.03 * rate_ * (times.seconds.back() - first) + 2) return false;
-  long long divisor = 0, before = std::llround(-wave.phase);
+  int divisor = 0, before = Nearest(-wave.phase);
   for (size_t i = 1; i < times.seconds.size(); ++i) {
-    const long long number = std::llround((times.seconds[i] - first) * rate_ - wave.phase);
-    divisor = std::gcd(divisor, number - before);
+    const int number = Nearest((times.seconds[i] - first) * rate_ - wave.phase);
+    if (divisor != 1) divisor = std::gcd(divisor, number - before);
     before = number;
     if (i % kStepRecords != 0) continue;
     if (divisor > 1) return false;
@@ -311,22 +317,26 @@ void LineModel::AddIrregular(const Times& times) {
 void LineModel::AddLosses(const Times& times) {
   const Window& window = windows_.back();
   if (window.coherence < kSingleCoherence) return;
-  const auto numberAt = [&](double time) { return std::round(window.phase + window.slope * (time - window.from)); };
-  double before = times.seconds.front(), number = numberAt(before);
+  const double base = std::floor(window.phase), phase = window.phase - base;
+  const auto numberAt = [&](double time) { return Nearest(phase + window.slope * (time - window.from)); };
+  double before = times.seconds.front();
+  int number = numberAt(before);
   if (window.isJoined) {
     const Window& last = windows_[windows_.size() - 2];
     before = last.to;
-    number = std::round(last.phase + last.slope * (last.to - last.from));
+    number = Nearest(std::round(last.phase + last.slope * (last.to - last.from)) - base);
   }
-  for (size_t i = window.isJoined ? 0 : 1; i < times.seconds.size(); ++i) {
-    const double time = times.seconds[i], next = numberAt(time);
+  const size_t count = times.seconds.size();
+  int next = numberAt(times.seconds.front());
+  for (size_t i = 0; i < count; ++i) {
+    const int after = i + 1 < count ? numberAt(times.seconds[i + 1]) : next + 1;
     // A record that is late leaves a number out, and the one after it has the same number.
-    const bool isLate = i + 1 < times.seconds.size() && numberAt(times.seconds[i + 1]) == next;
-    const auto lost = static_cast<int>(next - number) - 1 - isLate;
-    if (lost > 0 && losses_.size() < kMaxLosses) losses_.push_back({before, time, lost});
+    const int lost = i > 0 || window.isJoined ? next - number - 1 - (after == next) : 0;
+    if (lost > 0 && losses_.size() < kMaxLosses) losses_.push_back({before, times.seconds[i], lost});
     hasMoreLosses_ |= lost > 0 && losses_.size() == kMaxLosses;
-    before = time;
+    before = times.seconds[i];
     number = next;
+    next = after;
   }
 }
 

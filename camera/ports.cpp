@@ -153,6 +153,8 @@ PortHolders FindPortHolders() {
 namespace {
 
 constexpr DWORD kGatherMs = 1;
+// What the line carries, and what it may carry in addition because clocks and wake-ups are not exact.
+constexpr double kBytesPerSecond = kv::kCameraBaudRate / 10.0, kSlackBytes = 128;
 
 PortState StateFor(DWORD error) {
   switch (error) {
@@ -237,7 +239,8 @@ std::string WhyNotOpened(int number, const PortStatus& status) {
 
 // ---- Reading --------------------------------------------------------------------------------------------------------
 
-PortReader::PortReader(HANDLE port) : port_(port), event_(CreateEventA(nullptr, TRUE, FALSE, nullptr)) {
+PortReader::PortReader(HANDLE port)
+    : port_(port), event_(CreateEventA(nullptr, TRUE, FALSE, nullptr)), firstFrom_(Now()) {
   // A read waits for the first byte and completes with those that are there. In the form for that, Wine's reads wait
   // until they are full; another form, in which reads on Windows do not wait at all, works there.
   COMMTIMEOUTS timeouts{};
@@ -256,6 +259,20 @@ PortReader::~PortReader() {
     GetOverlappedResult(port_, &overlapped_, &read, TRUE);
   }
   CloseHandle(event_);
+}
+
+// Appends the bytes that are there.
+void PortReader::AppendWaiting(std::string* bytes) {
+  DWORD errors = 0, read = 0;
+  COMSTAT state{};
+  if (!ClearCommError(port_, &errors, &state) || state.cbInQue == 0) return;
+  const size_t first = bytes->size();
+  bytes->resize(first + state.cbInQue);
+  if (ReadFile(port_, bytes->data() + first, state.cbInQue, nullptr, &overlapped_) ||
+      GetLastError() == ERROR_IO_PENDING) {
+    GetOverlappedResult(port_, &overlapped_, &read, TRUE);
+  }
+  bytes->resize(first + read);
 }
 
 PortReader::Outcome PortReader::Read(DWORD waitMs, HANDLE stop, std::string* bytes, double* seconds) {
@@ -277,17 +294,12 @@ PortReader::Outcome PortReader::Read(DWORD waitMs, HANDLE stop, std::string* byt
   bytes->assign(buffer_, read);
   // Bytes arrive one by one; a chunk for each would take more space than the bytes.
   Sleep(kGatherMs);
-  DWORD errors = 0;
-  COMSTAT state{};
-  if (!ClearCommError(port_, &errors, &state) || state.cbInQue == 0) return Outcome::kBytes;
-  const size_t first = read;
-  bytes->resize(first + state.cbInQue);
-  read = 0;
-  if (ReadFile(port_, bytes->data() + first, state.cbInQue, nullptr, &overlapped_) ||
-      GetLastError() == ERROR_IO_PENDING) {
-    GetOverlappedResult(port_, &overlapped_, &read, TRUE);
+  AppendWaiting(bytes);
+  if (firstFrom_ > 0) {
+    const double carried = (*seconds - firstFrom_) * kBytesPerSecond + kSlackBytes;
+    if (static_cast<double>(bytes->size()) > carried) bytes->erase(0, bytes->size() - static_cast<size_t>(carried));
+    firstFrom_ = 0;
   }
-  bytes->resize(first + read);
   return Outcome::kBytes;
 }
 

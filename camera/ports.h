@@ -85,15 +85,19 @@ class PortReader {
   enum class Outcome { kBytes, kNothing, kGone };
   // Waits until bytes arrive, `waitMs` have passed or `stop` (may be null) is signalled. Bytes that follow within a
   // millisecond or two are included. `seconds` is the time of the first, by Now(). kGone: the port failed, because its
-  // device was unplugged.
+  // device was unplugged. Bytes that had waited before the port was opened are dropped: not all drivers do that when a
+  // port is opened, and nothing is known of their times.
   Outcome Read(DWORD waitMs, HANDLE stop, std::string* bytes, double* seconds);
 
  private:
+  void AppendWaiting(std::string* bytes);
+
   HANDLE port_;
   HANDLE event_;
   OVERLAPPED overlapped_{};
   char buffer_[4096] = {};
   bool isPending_ = false;
+  double firstFrom_;  // until bytes have arrived: when reading began; then 0
 };
 
 // Writes all bytes. When the other end does not read and the buffers are full, the bytes are lost (kLost), as on a real

@@ -146,12 +146,14 @@ bool RecordStore::Append(const camera::FoundRecord& record, unsigned flags) {
   WidenBy(block->entries[place], &block->groups[place / kGroupRecords]);
   WidenBy(block->entries[place], &block->all);
   meter_.Add(record, flags, &block->sums);
+  log_.AddRecord(record);
   line_.AddRecord(static_cast<double>(microseconds) / 1e6, (flags & kAfterSilence) != 0);
   ++end_;
   return true;
 }
 
 void RecordStore::AddStretch(const Stretch& stretch) {
+  log_.AddStretch(stretch);
   if (stretch.kind == StretchKind::kSilent) line_.AddSilence({stretch.from, stretch.to});
   const auto kind = static_cast<size_t>(stretch.kind);
   std::vector<Stretch>& list = stretches_[kind];

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "camera/camera_record.h"
+#include "camera/events.h"
 #include "camera/line_model.h"
 #include "camera/record_intake.h"
 #include "camera/record_stream.h"
@@ -81,6 +82,8 @@ class RecordStore {
   BlockSums SumsOf(long long number) const;  // of the record's block
   // Silences and losses, of all records that were ever added.
   const camera::LineModel& Line() const { return line_; }
+  // Returns what happened until `end`; `omitted` as in EventLog.
+  std::vector<camera::Event> Events(double end, long long* omitted) const { return log_.Events(line_, end, omitted); }
   // Evaluates the last records as well; call at the end of a recording.
   void FinishLine() { line_.Finish(); }
   // Counts losses by another rate (see LineModel), which takes about 0.1 s for a million records.
@@ -97,6 +100,7 @@ class RecordStore {
   size_t maxBlocks_;
   camera::RecordMeter meter_;
   camera::LineModel line_;
+  camera::EventLog log_;
   std::vector<std::unique_ptr<Block>> blocks_;
   long long end_ = 0;
   std::vector<Stretch> stretches_[kStretchKinds];
