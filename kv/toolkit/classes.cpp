@@ -36,7 +36,8 @@ static_assert(KV_BITMAP_TRANSPARENT == kBitmapTransparent && KV_BITMAP_SQUARE_BY
               KV_BITMAP_SQUARE_BY_HEIGHT == kBitmapSquareByHeight && KV_KEEPS_DIRECTION == WS_EX_NOINHERITLAYOUT);
 static_assert(Name(KV_LINE_RECORDER) == kStripChartClass && KV_STRIP_SWEEP == kStripSweep &&
               KV_STRIP_SEPARATE_AXES == kStripSeparateAxes && KV_STRIP_NO_LEGEND == kStripNoLegend &&
-              KV_STRIP_TIME_OF_DAY == kStripTimeOfDay && KV_STRIP_NO_STATISTICS == kStripNoStatistics);
+              KV_STRIP_LOGARITHMIC == kStripLogarithmic && KV_STRIP_TIME_OF_DAY == kStripTimeOfDay &&
+              KV_STRIP_SYMBOLS == kStripSymbols && KV_STRIP_NO_STATISTICS == kStripNoStatistics);
 
 using Registration = BOOL (*)(HINSTANCE, BOOL);
 constexpr Registration kRegistrations[] = {

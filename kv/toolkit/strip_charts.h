@@ -15,7 +15,7 @@ namespace kv {
 struct StripChannelOptions {
   const wchar_t* name;
   const wchar_t* unit = L"";        // the name is truncated to 47 bytes of UTF-8, the unit to 11
-  COLORREF color = CLR_INVALID;     // CLR_INVALID: unchanged; the default is one of eight colours
+  COLORREF color = CLR_INVALID;     // CLR_INVALID: unchanged; the default is one of eight colors
   double minimum = 0, maximum = 0;  // of the channel's own axis; equal: automatic
 };
 // Describes a channel, 0..7, and shows it.
@@ -77,7 +77,7 @@ BOOL GetStripChartSamples(HWND dialog, int id, int channel, const StripTimeRange
 BOOL SaveStripChartCsv(HWND dialog, int id, const wchar_t* path, const StripTimeRange* range);
 // Removes all samples, events, cursors and the selection.
 BOOL ClearStripChart(HWND dialog, int id);
-// Replaces all zones, which are coloured parts of the value range; at most three.
+// Replaces all zones, which are colored parts of the value range; at most three.
 BOOL SetStripChartZones(HWND dialog, int id, std::span<const StripZone> zones);
 // The statistics of a channel over the selection or, without one, the displayed time range.
 BOOL GetStripChartStatistics(HWND dialog, int id, int channel, StripStatistics* statistics);

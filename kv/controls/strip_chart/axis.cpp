@@ -39,6 +39,7 @@ std::wstring PowerText(const std::wstring& number) {
   if (power == std::wstring::npos) return number;
   const long exponent = std::wcstol(number.c_str() + power + 1, nullptr, 10);
   std::wstring text = number.substr(0, power);
+  if (exponent == 0) return text;
   text = (text == L"1" ? L"" : text == L"-1" ? L"-" : text + L"\x00D7") + L"10";
   if (exponent < 0) text += L'\x207B';
   for (const wchar_t digit : std::to_wstring(std::labs(exponent))) text += kSuperscripts[digit - L'0'];
@@ -78,6 +79,38 @@ AxisRange NiceRange(double low, double high, int ticks) {
 Ticks TicksBetween(double low, double high, double step) {
   const double first = std::ceil(low / step - 1e-9), last = std::floor(high / step + 1e-9);
   return {first, step, static_cast<int>(std::clamp(last - first + 1, 0.0, static_cast<double>(kMaxTicks)))};
+}
+
+std::vector<AxisTick> AxisTicks(const AxisRange& range, double step, bool isLogarithmic) {
+  std::vector<AxisTick> found;
+  const double length = range.high - range.low;
+  constexpr double kFewDecades = 0.7, kTwo = 2, kFour = 4, kMaxPlainDecades = 4.5;
+  const bool isLinear = !isLogarithmic || length < kFewDecades;
+  if (isLinear) {
+    const double low = isLogarithmic ? std::pow(10, range.low) : range.low;
+    const double high = isLogarithmic ? std::pow(10, range.high) : range.high;
+    if (isLogarithmic) step = NiceStep((high - low) * step / length);
+    const Ticks ticks = TicksBetween(low, high, step);
+    for (int i = 0; i < ticks.count; ++i) {
+      found.push_back({AxisPosition(ticks.At(i), isLogarithmic), TickText(ticks.At(i), step)});
+    }
+    return found;
+  }
+  const double decades = std::max(std::round(step), 1.0);
+  const bool asPowers = std::max(-range.low, range.high) > kMaxPlainDecades;
+  const Ticks ticks = TicksBetween(range.low - decades, range.high, decades);
+  for (int i = 0; i < ticks.count; ++i) {
+    const double unit = std::pow(10, ticks.At(i));
+    for (int factor = 1; factor <= (length <= kFour ? 9 : 1); ++factor) {
+      const double position = ticks.At(i) + std::log10(factor);
+      const bool hasText = factor == 1 || (length < kTwo && (factor == 2 || factor == 5));
+      if (position < range.low - 1e-9 || position > range.high + 1e-9) continue;
+      found.push_back({position, !hasText   ? std::wstring()
+                                 : asPowers ? PowerText(Format(L"%.0e", unit * factor))
+                                            : TickText(unit * factor, unit)});
+    }
+  }
+  return found;
 }
 
 std::wstring TickText(double value, double step) {

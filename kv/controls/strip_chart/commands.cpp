@@ -1,4 +1,4 @@
-// The commands of a strip chart's owner.
+// The commands to a strip chart.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -210,7 +210,7 @@ LRESULT OnStripCommand(StripChart& chart, WPARAM wParam, LPARAM lParam) {
   const double cursor = chart.model.cursor;
   TakeQueued(chart);  // in the order of the calls
   if (!DoCommand(chart, wParam, lParam)) return FALSE;
-  if (chart.model.cursor != cursor) chart.hovering = false;  // the owner has moved it away from the pointer
+  if (chart.model.cursor != cursor) chart.hovering = false;  // the program has moved it away from the pointer
   if (wParam & kCommandRead) return TRUE;
   TellNewest(chart);
   const bool render = LOBYTE(wParam) == kStripRender;

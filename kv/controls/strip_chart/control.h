@@ -12,7 +12,7 @@
 namespace kv {
 
 struct StripChart {
-  explicit StripChart(HWND owner) : window(owner), queue(owner) {
+  explicit StripChart(HWND control) : window(control), queue(control) {
     model.style = static_cast<DWORD>(GetWindowLongA(window, GWL_STYLE));
   }
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <vector>
 
 #include "kv/controls/strip_chart/axis.h"
 #include "kv/controls/strip_chart/model.h"
@@ -24,6 +25,12 @@ LONG CharacterCount(const AxisRange& range, double step) {
   return static_cast<LONG>(most);
 }
 
+LONG TextLength(const std::vector<AxisTick>& ticks) {
+  size_t most = 1;
+  for (const AxisTick& tick : ticks) most = std::max(most, tick.text.size());
+  return static_cast<LONG>(most);
+}
+
 // Axes from the outside inwards, as long as the plot keeps most of the width.
 void LayoutAxes(StripLayout& layout, const StripModel& model, RECT* plot) {
   const bool numbers = layout.labelsPx > 0;
@@ -33,7 +40,9 @@ void LayoutAxes(StripLayout& layout, const StripModel& model, RECT* plot) {
     axis.channel = channel;
     axis.range = RangeOf(model, channel, ticks);
     axis.step = NiceStep((axis.range.high - axis.range.low) / ticks);
-    const LONG digits = std::max(CharacterCount(axis.range, axis.step), static_cast<LONG>(model.axisDigits));
+    const LONG count = layout.isLogarithmic ? TextLength(AxisTicks(axis.range, axis.step, true))
+                                            : CharacterCount(axis.range, axis.step);
+    const LONG digits = std::max(count, static_cast<LONG>(model.axisDigits));
     const LONG width = numbers ? (digits + 1) * layout.digitPx : 0;
     axis.area = {plot->left, plot->top, plot->left + width, plot->bottom};
     if (axis.area.right * 2 > layout.size.cx) axis.area.right = plot->left;
@@ -88,6 +97,7 @@ StripLayout LayoutStrip(const StripModel& model, SIZE size) {
   layout.size = size;
   layout.fontPx = std::clamp(static_cast<int>(std::min(size.cx, size.cy * 3 / 2)) / 38, 11, 40);
   layout.digitPx = std::max(1, static_cast<int>(std::ceil(layout.fontPx * kDigitWidth)));
+  if (model.style & kStripSymbols) layout.symbolPx = std::max(4, layout.fontPx * 3 / 8);
   layout.lineWidth = std::max(1.2, layout.fontPx / 9.0);
   const int lineHeight = layout.fontPx * 3 / 2, margin = layout.fontPx / 2;
   const bool isLarge = size.cy >= 8 * layout.fontPx && size.cx >= 14 * layout.digitPx;
@@ -103,6 +113,7 @@ StripLayout LayoutStrip(const StripModel& model, SIZE size) {
   }
   plot.right = std::max(plot.right, plot.left);
   plot.bottom = std::max(plot.bottom, plot.top);
+  layout.isLogarithmic = IsLogarithmic(model);
   LayoutAxes(layout, model, &plot);
   layout.plot = plot;
   const StripTimeRange shown = ShownTimes(model);
@@ -134,6 +145,12 @@ LONG XOfTime(const StripLayout& layout, double time) {
   const auto column = layout.lastColumn - static_cast<long long>(ago);
   return layout.sweeps ? layout.plot.left + static_cast<LONG>((column % width + width) % width)
                        : layout.plot.right - 1 - static_cast<LONG>(ago);
+}
+
+double ReadingStep(const StripLayout& layout, int channel, double value) {
+  constexpr double kParts = 1000;
+  if (layout.isLogarithmic && value != 0) return NiceStep(std::fabs(value) / kParts);
+  return AxisOf(layout, channel).step / 100;
 }
 
 const StripAxis& AxisOf(const StripLayout& layout, int channel) {

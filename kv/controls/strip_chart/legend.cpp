@@ -57,6 +57,9 @@ void StripRenderer::DrawLegend(Canvas& canvas, const StripModel& model) {
     const LONG width = std::min(widths[item++], limit);
     const bool isOn = IsShown(channel);
     FillLine(canvas, {x + 0.0, middle}, {x + 0.0 + dash, middle}, layout.lineWidth * 1.6, key_.colors.lines[i]);
+    if (layout.symbolPx) {
+      DrawSymbol(canvas, i, {x + dash / 2.0, middle}, layout.symbolPx, key_.colors.lines[i], key_.colors.panel);
+    }
     // A channel that is not displayed has a hollow line and a gray name.
     if (!isOn) {
       FillLine(canvas, {x + 1.0, middle}, {x - 1.0 + dash, middle}, layout.lineWidth * 1.6 - 2, key_.colors.panel);

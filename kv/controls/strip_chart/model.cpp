@@ -69,6 +69,15 @@ StripTimeRange AllTimes(const StripModel& model) {
   return all;
 }
 
+// Whole decades for the values above 0.
+AxisRange Decades(const Extent& extent) {
+  constexpr double kSmallest = 1e-6;  // relative to the largest, where there are values of 0 and below
+  if (extent.high <= 0) return {0, 1};
+  const double high = std::ceil(std::log10(extent.high));
+  const double low = std::floor(std::log10(extent.low > 0 ? extent.low : extent.high * kSmallest));
+  return {std::min(low, high - 1), high};
+}
+
 // Shows a time range with this length and end, limited to the stored samples.
 void Show(StripModel& model, double span, double end) {
   const StripTimeRange stored = StoredTimes(model);
@@ -240,8 +249,9 @@ AxisRange RangeOf(const StripModel& model, int channel, int ticks) {
   const bool forAll = channel < 0;
   const double low = forAll ? model.view.minimum : model.channels[channel].info.minimum;
   const double high = forAll ? model.view.maximum : model.channels[channel].info.maximum;
-  AxisRange range{low, high};
-  if (!IsRange(low, high)) {
+  const bool isLogarithmic = IsLogarithmic(model);
+  AxisRange range{AxisPosition(low, isLogarithmic), AxisPosition(high, isLogarithmic)};
+  if (!IsRange(low, high) || (isLogarithmic && low <= 0)) {
     const StripTimeRange shown = ShownTimes(model);
     Extent extent;
     for (unsigned i = 0; i < kStripChannels; ++i) {
@@ -252,7 +262,9 @@ AxisRange RangeOf(const StripModel& model, int channel, int ticks) {
             samples.ExtentOf(from, std::min(samples.FirstAfter(shown.to, samples.count()), ShownCount(model, i))));
       });
     }
-    range = extent.empty() ? AxisRange{0, 1} : NiceRange(extent.low, extent.high, ticks);
+    range = extent.empty()  ? AxisRange{0, 1}
+            : isLogarithmic ? Decades(extent)
+                            : NiceRange(extent.low, extent.high, ticks);
   }
   const double middle = range.low + (range.high - range.low) * (0.5 + model.view.shift);
   // Not below the differences that doubles of this size can represent.
@@ -294,8 +306,12 @@ void ZoomInto(StripModel& model, const StripTimeRange& times, const AxisRange& r
     view.shift += ((low + high) / 2 - 0.5) / view.zoom;
     ZoomValues(model, 1 / (high - low));
   } else {
-    view.minimum = range.low + (range.high - range.low) * low;
-    view.maximum = range.low + (range.high - range.low) * high;
+    const auto value = [&](double part) {
+      const double position = range.low + (range.high - range.low) * part;
+      return IsLogarithmic(model) ? std::pow(10, position) : position;
+    };
+    view.minimum = value(low);
+    view.maximum = value(high);
     view.zoom = 1;
     view.shift = 0;
   }

@@ -30,7 +30,7 @@ struct StripModel {
   std::array<bool, kStripZones> zoneShown{};
   DWORD style = 0, capacity = kStripDefaultCapacity, axisDigits = 0;
   StripView view{kStripVersion, kStripFollow, 0, 0, 0, 0, 1, 0};
-  StripView home = view;        // the view that the owner has set
+  StripView home = view;        // the view that the program has set
   double frozenAt = 0;          // the newest time when the display was frozen
   double undrawnFrom = kNever;  // samples after this time have not been drawn
   double hiddenFrom = kNever;   // samples after this time will be drawn when the display is released
@@ -44,6 +44,9 @@ struct StripModel {
 
 inline bool IsFrozen(const StripModel& model) {
   return (model.view.state & kStripFrozen) != 0;
+}
+inline bool IsLogarithmic(const StripModel& model) {
+  return (model.style & kStripLogarithmic) != 0;
 }
 inline bool IsShown(const StripChannelData& channel) {
   return channel.used && (channel.info.state & kStripVisible);
@@ -77,7 +80,8 @@ unsigned ShownCount(const StripModel& model, unsigned index);
 // Whether the chart sweeps; earlier times are shown as in ground mode.
 bool IsSweep(const StripModel& model);
 
-// The range of a channel's axis, or of the common axis (-1). An automatic range has about `ticks` ticks.
+// The range of a channel's axis, or of the common axis (-1), in values or logarithms. An automatic range has about
+// `ticks` ticks.
 AxisRange RangeOf(const StripModel& model, int channel, int ticks);
 
 // The user's actions. `parts` is relative to the displayed range; `about` is a position in it, 0 at the left, 1 at the

@@ -22,8 +22,8 @@ namespace {
 constexpr int kColumns = 6;
 constexpr wchar_t kNothing[] = L"\x2013";
 
-std::wstring ValueText(double value, const StripAxis& axis) {
-  return std::isnan(value) ? std::wstring(kNothing) : TickText(value, axis.step / 100);
+std::wstring ValueText(double value, const StripLayout& layout, int channel) {
+  return std::isnan(value) ? std::wstring(kNothing) : TickText(value, ReadingStep(layout, channel, value));
 }
 
 // A row of the tooltip: the channel whose colour precedes it, or -1, and its texts from left to right.
@@ -44,13 +44,13 @@ Tooltip StatisticsTooltip(const StripModel& model, const StripLayout& layout) {
   for (int i = 0; i < kStripChannels; ++i) {
     if (!IsShown(model.channels[i])) continue;
     const StripStatistics statistics = ChannelStatistics(model, static_cast<unsigned>(i));
-    const StripAxis& axis = AxisOf(layout, i);
     wchar_t count[32];
     FormatBounded(count, sizeof(count), L"%.0f", statistics.count);
     tooltip.rows[tooltip.count++] = {
         i,
-        {ChannelName(model.channels[i].info), count, ValueText(statistics.minimum, axis),
-         ValueText(statistics.maximum, axis), ValueText(statistics.mean, axis), ValueText(statistics.deviation, axis)}};
+        {ChannelName(model.channels[i].info), count, ValueText(statistics.minimum, layout, i),
+         ValueText(statistics.maximum, layout, i), ValueText(statistics.mean, layout, i),
+         ValueText(statistics.deviation, layout, i)}};
   }
   return tooltip;
 }
@@ -71,13 +71,12 @@ Tooltip CursorTooltip(const StripModel& model, const StripLayout& layout) {
   for (int i = 0; i < kStripChannels; ++i) {
     const StripChannel& info = model.channels[i].info;
     if (!IsShown(model.channels[i])) continue;
-    const StripAxis& axis = AxisOf(layout, i);
-    const std::wstring unit = ChannelUnit(info), value = ValueText(reading.values[i], axis);
+    const std::wstring unit = ChannelUnit(info), value = ValueText(reading.values[i], layout, i);
     TooltipRow& row = tooltip.rows[tooltip.count++];
     row = {i, {ChannelName(info), value + L" " + unit}};
     if (isDouble) {
-      row.texts = {ChannelName(info), value, ValueText(other.values[i], axis),
-                   ValueText(other.values[i] - reading.values[i], axis) + L" " + unit};
+      row.texts = {ChannelName(info), value, ValueText(other.values[i], layout, i),
+                   ValueText(other.values[i] - reading.values[i], layout, i) + L" " + unit};
     }
   }
   return tooltip;

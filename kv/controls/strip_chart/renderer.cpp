@@ -1,6 +1,7 @@
 #include "kv/controls/strip_chart/renderer.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <string>
@@ -92,6 +93,20 @@ LONG WidthOf(HDC dc, const std::wstring& text) {
   return size.cx;
 }
 
+void DrawSymbol(Canvas& canvas, int channel, PointD center, double radius, COLORREF color, COLORREF inside) {
+  const auto draw = [&](double size, COLORREF fill) {
+    const auto at = [&](double x, double y) { return PointD{center.x + x * size, center.y + y * size}; };
+    switch (channel % 4) {
+      case 0: return FillDisc(canvas, center, size, fill);
+      case 1: return FillPolygon(canvas, std::array{at(-.9, -.9), at(.9, -.9), at(.9, .9), at(-.9, .9)}, fill);
+      case 2: return FillPolygon(canvas, std::array{at(0, -1.1), at(1.1, .9), at(-1.1, .9)}, fill);
+      default: return FillPolygon(canvas, std::array{at(0, -1.2), at(1.2, 0), at(0, 1.2), at(-1.2, 0)}, fill);
+    }
+  };
+  draw(radius, color);
+  if (channel >= 4) draw(radius * 0.5, inside);
+}
+
 void StripRenderer::FindFont(int heightPx) {
   font_.Reset(CreateFontW(-heightPx, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_TT_PRECIS,
                           CLIP_DEFAULT_PRECIS, ANTIALIASED_QUALITY, VARIABLE_PITCH | FF_SWISS, kFont));
@@ -112,11 +127,10 @@ void StripRenderer::DrawBackground(const StripModel& model) {
     const StripAxis& axis = layout.axis[i];
     if (axis.area.left == axis.area.right) continue;
     const COLORREF color = axis.channel < 0 ? colors.text : colors.lines[axis.channel];
-    const Ticks ticks = TicksBetween(axis.range.low, axis.range.high, axis.step);
-    for (int tick = 0; tick < ticks.count; ++tick) {
-      const LONG y = RowOf(layout, axis.range, ticks.At(tick));
-      if (y < plot.top || y > plot.bottom) continue;
-      DrawTextIn(canvas.dc(), TickText(ticks.At(tick), axis.step),
+    for (const AxisTick& tick : AxisTicks(axis.range, axis.step, layout.isLogarithmic)) {
+      const LONG y = RowOf(layout, axis.range, tick.position);
+      if (y < plot.top || y > plot.bottom || tick.text.empty()) continue;
+      DrawTextIn(canvas.dc(), tick.text,
                  {axis.area.left, y - layout.fontPx, axis.area.right - layout.digitPx / 2, y + layout.fontPx}, color,
                  DT_RIGHT);
     }
@@ -130,9 +144,8 @@ void StripRenderer::DrawGrid(Canvas& canvas, const RECT& ground, long long from,
   const StripLayout& layout = key_.layout;
   const StripColors& colors = key_.colors;
   const StripAxis& axis = layout.axis[0];
-  const Ticks ticks = TicksBetween(axis.range.low, axis.range.high, axis.step);
-  for (int tick = 0; tick < ticks.count; ++tick) {
-    const LONG y = RowOf(layout, axis.range, ticks.At(tick));
+  for (const AxisTick& tick : AxisTicks(axis.range, axis.step, layout.isLogarithmic)) {
+    const LONG y = RowOf(layout, axis.range, tick.position);
     if (y >= ground.top && y < layout.plot.bottom) FillArea(canvas, {ground.left, y, ground.right, y + 1}, colors.grid);
   }
   ForTimeTicks(layout, from, to, [&](double, long long column) {
@@ -174,7 +187,9 @@ void StripRenderer::DrawSpan(Canvas& canvas, const StripModel& model, long long 
     if (!model.zoneShown[i]) continue;
     const StripZone& zone = model.zones[i];
     const AxisRange& range = AxisOf(layout, static_cast<int>(zone.channel)).range;
-    const auto row = [&](double value) { return std::clamp(RowOf(layout, range, value), plot.top, plot.bottom); };
+    const auto row = [&](double value) {
+      return std::clamp(RowOf(layout, range, AxisPosition(value, layout.isLogarithmic)), plot.top, plot.bottom);
+    };
     FillArea(canvas,
              {ground.left, row(std::max(zone.lower, zone.upper)), ground.right, row(std::min(zone.lower, zone.upper))},
              colors.zones[i]);
@@ -192,10 +207,40 @@ void StripRenderer::DrawSpan(Canvas& canvas, const StripModel& model, long long 
   DrawGrid(canvas, ground, from, to, x);
   for (unsigned i = 0; i < kStripChannels; ++i) {
     if (!IsShown(model.channels[i])) continue;
-    const TraceView view{layout.secondsPerColumn, AxisOf(layout, i).range, layout.lineWidth, ShownCount(model, i)};
+    const TraceView view = ViewOf(model, i);
     WithSamples(model, i, [&](const auto& samples) {
       DrawTrace(canvas, rows_, samples, view, plot, from, to, x, colors.lines[i]);
     });
+    if (layout.symbolPx) DrawSymbols(canvas, model, i, from, to, x);
+  }
+}
+
+TraceView StripRenderer::ViewOf(const StripModel& model, unsigned channel) const {
+  const StripLayout& layout = key_.layout;
+  return {layout.secondsPerColumn, AxisOf(layout, static_cast<int>(channel)).range, layout.lineWidth,
+          layout.isLogarithmic != 0, ShownCount(model, channel)};
+}
+
+// Also the parts of symbols whose centers are beside these columns.
+void StripRenderer::DrawSymbols(Canvas& canvas, const StripModel& model, unsigned channel, long long from, long long to,
+                                LONG x) {
+  const StripLayout& layout = key_.layout;
+  const RECT& plot = layout.plot;
+  const long long distance = std::max(layout.fontPx * 8, 64), offset = distance * channel / kStripChannels;
+  const TraceView view = ViewOf(model, channel);
+  canvas.ClipTo({x, plot.top, x + static_cast<LONG>(to - from), plot.bottom});
+  const long long first = from - layout.symbolPx - 1;
+  long long column = first + ((offset - first) % distance + distance) % distance;
+  for (; column < to + layout.symbolPx + 1; column += distance) {
+    const Extent line =
+        WithSamples(model, channel, [&](const auto& samples) { return LineInColumn(samples, view, column); });
+    if (line.empty() || (layout.isLogarithmic && line.low <= 0)) continue;
+    const double position =
+        (AxisPosition(line.low, layout.isLogarithmic) + AxisPosition(line.high, layout.isLogarithmic)) / 2;
+    const double y =
+        plot.top + (view.range.high - position) / (view.range.high - view.range.low) * (plot.bottom - plot.top);
+    DrawSymbol(canvas, static_cast<int>(channel), {x + static_cast<double>(column - from) + 0.5, y}, layout.symbolPx,
+               key_.colors.lines[channel], key_.colors.ground);
   }
 }
 
@@ -272,10 +317,11 @@ RECT StripRenderer::Update(StripModel& model, SIZE size, bool redrawAll) {
   }
   if (model.undrawnFrom == kNever && model.removedTo == -kNever && last == before) return {};
   key_.layout.lastColumn = last;
+  const int reach = kReach + (key_.layout.symbolPx ? 2 * key_.layout.symbolPx : 0);
   if (!key_.layout.sweeps && last > before) Scroll(last - before);
-  const double undrawn = std::min(ColumnOf(model.undrawnFrom, second), static_cast<double>(before + 1)) - kReach;
+  const double undrawn = std::min(ColumnOf(model.undrawnFrom, second), static_cast<double>(before + 1)) - reach;
   const long long from = std::max(static_cast<long long>(std::max(undrawn, -9e15)), last - width);
-  const double removed = ColumnOf(model.removedTo, second) + kReach + 1;
+  const double removed = ColumnOf(model.removedTo, second) + reach + 1;
   const long long removedTo =
       removed > static_cast<double>(last - width) ? std::min(static_cast<long long>(removed), from) : from;
   if (removedTo > last - width && removed > static_cast<double>(last - width))

@@ -24,19 +24,24 @@ struct StripAxis {
 struct StripLayout {
   SIZE size;
   int fontPx, digitPx;  // character height, digit width
+  int symbolPx;         // radius; 0: none
   RECT legend, plot;
   int labelsPx;     // height of the times below the plot; 0: none
   int axes, gapPx;  // gapPx: free columns after the newest sample of a sweep
   std::array<StripAxis, kStripChannels> axis;
   double secondsPerColumn, timeStep, lineWidth;
   long long lastColumn;  // at the right edge, or the newest of a sweep
-  BOOL sweeps;
+  BOOL sweeps, isLogarithmic;
 };
 StripLayout LayoutStrip(const StripModel& model, SIZE size);
 
 // Conversion between times and x coordinates; for times that are not displayed, x is outside the plot.
 double TimeAtX(const StripLayout& layout, LONG x);
 LONG XOfTime(const StripLayout& layout, double time);
+// The resolution with which a value of the channel is read.
+double ReadingStep(const StripLayout& layout, int channel, double value);
+// The symbol of a channel (kStripSymbols).
+void DrawSymbol(Canvas& canvas, int channel, PointD center, double radius, COLORREF color, COLORREF inside);
 // The axis of a channel.
 const StripAxis& AxisOf(const StripLayout& layout, int channel);
 
@@ -84,6 +89,8 @@ class StripRenderer {
   void DrawBackground(const StripModel& model);
   void DrawColumns(const StripModel& model, long long from, long long to);
   void DrawSpan(Canvas& canvas, const StripModel& model, long long from, long long to, LONG x);
+  TraceView ViewOf(const StripModel& model, unsigned channel) const;
+  void DrawSymbols(Canvas& canvas, const StripModel& model, unsigned channel, long long from, long long to, LONG x);
   void DrawGrid(Canvas& canvas, const RECT& ground, long long from, long long to, LONG x);
   void DrawTimes();
   void Scroll(long long columns);

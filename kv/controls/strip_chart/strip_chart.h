@@ -1,13 +1,14 @@
 // Window class "kvLineRecorder": a strip chart of up to eight channels over time. A ring buffer stores the newest
 // samples of each channel; or the program supplies them. The chart scrolls or sweeps; the user can freeze the display,
-// zoom, pan, read values at a cursor and select a time range to see its statistics.
+// zoom, pan, hide channels, read values at a cursor or between two, and select a time range to see its statistics.
 //
 // Styles         The low four bits of the window style select the mode; further bits are options (kStrip... below). The
 //                control copies the style when it is created; change it with kStripStyle.
-// Times          In seconds since an origin that the owner chooses, within +-kStripMaxTime. The times of a channel
+// Times          In seconds since an origin that the program chooses, within +-kStripMaxTime. The times of a channel
 //                never decrease; channels may have different times. With kStripTimeOfDay, multiples of 86,400 are
 //                midnight.
-// Values         In the channel's unit. NaN, infinite values and values beyond +-kStripMaxValue are gaps.
+// Values         In the channel's unit. NaN, infinite values and values beyond +-kStripMaxValue are gaps, which last until
+//                the next value. What the ring buffer discards disappears, even while the display is frozen.
 // Drawing        At every size from 0 x 0 pixels; text and lines are in proportion to the size, the DPI is not used.
 //                Numbers have a decimal point, as in display instruments. New samples are drawn within 50 ms, at most
 //                twenty times a second, or at once with kCommandRedraw. The time that drawing takes depends on the
@@ -27,7 +28,7 @@
 //   Ctrl+Left, Ctrl+Right     move the cursor; it also follows the mouse pointer
 //   Shift+Left, Shift+Right   select a time range from the cursor
 //   Ctrl+C                    copies, like WM_COPY
-//   Escape, double click      remove cursors and selection and return to the view that the owner has set
+//   Escape, double click      remove cursors and selection and return to the view that the program has set
 //   Dragging, Shift+wheel     pan
 //   Ctrl+dragging             zooms into a rectangle; Backspace returns to the view before
 //   Ctrl+click, B             set the second cursor; B removes it, too
@@ -69,7 +70,9 @@ inline constexpr DWORD kStripScroll = 0, kStripSweep = 1;
 inline constexpr DWORD kStripSeparateAxes = 0x0010;  // each channel has its own value axis
 inline constexpr DWORD kStripNoLegend = 0x0020;
 inline constexpr DWORD kStripDisabled = 0x0040;      // drawn disabled; set and cleared by WM_ENABLE
+inline constexpr DWORD kStripLogarithmic = 0x0080;   // logarithmic value axes; values of 0 and below are not drawn
 inline constexpr DWORD kStripTimeOfDay = 0x0100;     // the time axis shows hours, minutes and seconds
+inline constexpr DWORD kStripSymbols = 0x0200;       // symbols on the lines: colors alone need not tell them apart
 inline constexpr DWORD kStripNoStatistics = 0x0400;  // no tooltip with the statistics of the selection
 
 struct StripSample {
@@ -135,7 +138,7 @@ struct StripChannel {
 };
 static_assert(sizeof(StripChannel) == 88 && offsetof(StripChannel, color) == 68);
 
-// A coloured part of the value range.
+// A colored part of the value range.
 struct StripZone {
   double lower, upper;
   COLORREF color;

@@ -95,14 +95,23 @@ void TraceRows::Flush(const Surface& surface, LONG x, LONG top, COLORREF color) 
 }
 
 template <class Samples>
+Extent LineInColumn(const Samples& samples, const TraceView& view, long long column) {
+  const double start = static_cast<double>(column);
+  const unsigned hint = samples.count() / 2;
+  return PassedBetween(samples, view.count, start * view.secondsPerColumn, (start + 1) * view.secondsPerColumn, hint,
+                       hint);
+}
+
+template <class Samples>
 void DrawTrace(Canvas& canvas, TraceRows& rows, const Samples& samples, const TraceView& view, const RECT& plot,
                long long from, long long to, LONG x, COLORREF color) {
   if (view.count == 0) return;
   const double column = view.secondsPerColumn, half = view.width / 2, reach = half * 0.6;
   const double scale = (plot.bottom - plot.top) / (view.range.high - view.range.low);
   const auto add = [&](const Extent& passed, int weight) {
-    if (passed.empty()) return;
-    rows.Add((view.range.high - passed.high) * scale - half, (view.range.high - passed.low) * scale + half, weight);
+    if (passed.empty() || (view.isLogarithmic && passed.high <= 0)) return;
+    const auto row = [&](double value) { return (view.range.high - AxisPosition(value, view.isLogarithmic)) * scale; };
+    rows.Add(row(passed.high) - half, row(passed.low) + half, weight);
   };
   canvas.FinishGdi();
   unsigned first = samples.FirstFrom(static_cast<double>(from) * column, samples.count() / 2), many = 0;
@@ -125,6 +134,8 @@ void DrawTrace(Canvas& canvas, TraceRows& rows, const Samples& samples, const Tr
   }
 }
 
+template Extent LineInColumn(const SampleStore&, const TraceView&, long long);
+template Extent LineInColumn(const SuppliedSamples&, const TraceView&, long long);
 template void DrawTrace(Canvas&, TraceRows&, const SampleStore&, const TraceView&, const RECT&, long long, long long,
                         LONG, COLORREF);
 template void DrawTrace(Canvas&, TraceRows&, const SuppliedSamples&, const TraceView&, const RECT&, long long,

@@ -35,9 +35,14 @@ class TraceRows {
 struct TraceView {
   double secondsPerColumn;
   AxisRange range;
-  double width;    // line width in pixels
+  double width;  // line width in pixels
+  bool isLogarithmic;
   unsigned count;  // only the first `count` samples are shown
 };
+
+// The part of the line in a column. Defined for SampleStore and SuppliedSamples.
+template <class Samples>
+Extent LineInColumn(const Samples& samples, const TraceView& view, long long column);
 
 // Draws the columns from..to-1 of the time axis, with `from` at x. Column 0 begins at time 0. Defined for SampleStore
 // and SuppliedSamples.

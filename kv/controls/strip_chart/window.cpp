@@ -41,7 +41,7 @@ bool IsDown(int key) {
   return GetKeyState(key) < 0;
 }
 
-// Shows a change by the user and notifies the owner.
+// Shows a change by the user and notifies the parent.
 LRESULT Changed(StripChart& chart, WORD notification) {
   InvalidateRect(chart.window, nullptr, FALSE);
   PostNotification(chart.window, notification);
@@ -62,7 +62,7 @@ AccessibleText Describe(const StripChart& chart) {
     const std::wstring name = ChannelName(model.channels[i].info);
     if (!named) text.name += (text.name.empty() ? L"" : L", ") + name;
     if (std::isnan(reading.values[i])) continue;
-    const double step = layout.axes ? AxisOf(layout, i).step / 100 : 0.01;
+    const double step = layout.axes ? ReadingStep(layout, i, reading.values[i]) : 0.01;
     const std::wstring unit = ChannelUnit(model.channels[i].info);
     text.value += (text.value.empty() ? L"" : L", ") + name + L" " + TickText(reading.values[i], step) +
                   (unit.empty() ? L"" : L" " + unit);
