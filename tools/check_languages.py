@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Checks the translations of the programs, and exchanges them with translators.
 
-    tools/check_languages.py               checks resources/languages/PROGRAM/CODE.rc against the program's English texts
+    tools/check_languages.py               checks resources/languages/PROGRAM/CODE.rc against the English of the program
     tools/check_languages.py --complete    a missing text, which the program shows in English, is an error, too
     tools/check_languages.py --sheet CODE  writes CODE.tsv, a table for a spreadsheet: English, translation, where, note
     tools/check_languages.py --read FILE   takes the translations over from such a table
