@@ -65,6 +65,14 @@ HRESULT FormatBoundedV(wchar_t* buffer, size_t sizeCharacters, const wchar_t* fo
   return Format(buffer, sizeCharacters, format, kHostLocale, arguments);
 }
 
+HRESULT FormatPlain(wchar_t* buffer, size_t sizeBytes, const wchar_t* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  const HRESULT result = FormatPlainV(buffer, sizeBytes / sizeof(wchar_t), format, arguments);
+  va_end(arguments);
+  return result;
+}
+
 HRESULT FormatPlainV(wchar_t* buffer, size_t sizeCharacters, const wchar_t* format, va_list arguments) {
   return Format(buffer, sizeCharacters, format, PlainLocale(), arguments);
 }

@@ -23,8 +23,8 @@ HRESULT FormatBounded(wchar_t* buffer, size_t sizeBytes, const wchar_t* format, 
 // Takes an argument list, and the buffer's size in characters.
 HRESULT FormatBoundedV(wchar_t* buffer, size_t sizeCharacters, const wchar_t* format, va_list arguments);
 
-// For text that other programs read: formats numbers as in the "C" locale, with a decimal point, whatever setlocale has
-// set.
+// For numbers: formats them as in the "C" locale, with a decimal point, whatever setlocale has set.
+HRESULT FormatPlain(wchar_t* buffer, size_t sizeBytes, const wchar_t* format, ...);
 HRESULT FormatPlainV(wchar_t* buffer, size_t sizeCharacters, const wchar_t* format, va_list arguments);
 
 // The same for 8-bit text, which is only written for other programs.

@@ -8,6 +8,22 @@
 
 namespace kv {
 
+double WithoutMinusZero(double value, int decimals) {
+  return std::round(value * std::pow(10.0, decimals)) == 0 ? 0 : value;
+}
+
+double NormalHeading(double degrees) {
+  const double turned = std::fmod(degrees, 360.0);
+  if (std::isnan(turned)) return 0;
+  const double heading = turned < 0 ? turned + 360 : turned;
+  return heading >= 360 ? 0 : heading + 0.0;  // a tiny negative number is rounded up to 360; avoids -0, too
+}
+
+double RoundedHeading(double degrees, int decimals) {
+  const double unit = std::pow(10.0, decimals);
+  return NormalHeading(std::round(NormalHeading(degrees) * unit) / unit);
+}
+
 namespace {
 
 // The limit of the 32-bit arithmetic below for the integer part.

@@ -27,6 +27,16 @@ constexpr double Degrees(double radians) {
   return radians / kRadiansPerDegree;
 }
 
+// For a text with `decimals` digits after the point: returns 0 for a number that would be shown as -0, others
+// unchanged.
+double WithoutMinusZero(double value, int decimals);
+
+// Returns a heading or bearing in degrees from 0 up to, not including, 360; 0 for NaN and infinity.
+double NormalHeading(double degrees);
+
+// The same, rounded for a text: without decimals, 359.6 and -0.2 give 0.
+double RoundedHeading(double degrees, int decimals);
+
 // Fixed-point text, identical to the output of the C runtime's "%.10f" etc. in the "C" locale, but several times
 // faster.
 

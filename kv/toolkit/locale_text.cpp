@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "kv/framework/bounded_format.h"
+#include "kv/framework/numbers.h"
 #include "kv/toolkit/languages.h"
 
 namespace kv {
@@ -32,7 +33,7 @@ UINT Grouping() {
 std::wstring NumberText(double value, int decimals) {
   decimals = std::clamp(decimals, 0, 9);
   wchar_t plain[400], text[800];
-  FormatBounded(plain, sizeof(plain), L"%.*f", decimals, value);
+  FormatPlain(plain, sizeof(plain), L"%.*f", decimals, WithoutMinusZero(value, decimals));
   std::wstring decimal = DecimalSign(), thousand = LocaleText(LOCALE_STHOUSAND);
   const NUMBERFMTW format{
       .NumDigits = static_cast<UINT>(decimals),

@@ -13,6 +13,7 @@
 #include "kv/framework/canvas.h"
 #include "kv/framework/control_class.h"
 #include "kv/framework/guards.h"
+#include "kv/framework/numbers.h"
 #include "kv/framework/object_control.h"
 #include "kv/framework/window_state.h"
 
@@ -98,9 +99,9 @@ AccessibleText Describe(const HorizonState& state) {
   wchar_t text[64] = L"";
   const HorizonAttitude& shown = state.shown;
   if (!(shown.state & kHorizonNoValue)) {
-    FormatBounded(text, sizeof(text),
-                  state.style & kHorizonTape ? L"%+.1f\xB0, %+.1f\xB0, %03.0f\xB0" : L"%+.1f\xB0, %+.1f\xB0",
-                  shown.pitch, shown.roll, shown.heading);
+    FormatPlain(text, sizeof(text),
+                state.style & kHorizonTape ? L"%+.1f\xB0, %+.1f\xB0, %03.0f\xB0" : L"%+.1f\xB0, %+.1f\xB0",
+                WithoutMinusZero(shown.pitch, 1), WithoutMinusZero(shown.roll, 1), RoundedHeading(shown.heading, 0));
   }
   return {WindowText(state.window), text};
 }

@@ -92,8 +92,8 @@ HorizonAttitude NormalAttitude(const HorizonAttitude& attitude) {
   normal.pitch = std::clamp(attitude.pitch, -90.0f, 90.0f);
   normal.roll = static_cast<float>(Wrapped(attitude.roll, -180));
   normal.slip = std::clamp(attitude.slip, -2.0f, 2.0f);
-  normal.heading = static_cast<float>(Wrapped(attitude.heading, 0));
-  if (normal.heading >= 360) normal.heading = 0;  // a tiny negative number is rounded up to 360
+  normal.heading = static_cast<float>(NormalHeading(attitude.heading));
+  if (normal.heading >= 360) normal.heading = 0;  // the float may be
   return normal;
 }
 

@@ -233,13 +233,6 @@ std::array<Direction, 8> Directions() {
            {letters + 10, 2, 315}}};
 }
 
-double NormalHeading(double degrees) {
-  const double turned = std::fmod(degrees, 360.0);
-  if (std::isnan(turned)) return 0;
-  const double heading = turned < 0 ? turned + 360 : turned;
-  return heading >= 360 ? 0 : heading + 0.0;  // a tiny negative number is rounded up to 360; avoids -0, too
-}
-
 double CardAngle(double bearing, double heading) {
   return NormalHeading(bearing - heading);
 }
@@ -254,10 +247,9 @@ int MarkSpacing(double innerRadius) {
 }
 
 FixedText HeadingText(double degrees, int decimals) {
-  const double unit = std::pow(10.0, decimals);
-  const double rounded = NormalHeading(std::round(NormalHeading(degrees) * unit) / unit);
   wchar_t text[32];
-  FormatBounded(text, sizeof(text), L"%0*.*f", decimals > 0 ? 4 + decimals : 3, decimals, rounded);
+  FormatPlain(text, sizeof(text), L"%0*.*f", decimals > 0 ? 4 + decimals : 3, decimals,
+              RoundedHeading(degrees, decimals));
   return text;
 }
 

@@ -18,9 +18,6 @@ struct Direction {
 };
 std::array<Direction, 8> Directions();
 
-// A heading from 0 up to, not including, 360.
-double NormalHeading(double degrees);
-
 // The position of a bearing, in degrees clockwise from the top, while the card shows `heading`.
 double CardAngle(double bearing, double heading);
 

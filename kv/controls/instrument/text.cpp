@@ -28,7 +28,7 @@ int DecimalsOf(BYTE format) {
 template <class... Arguments>
 FixedText Format(const wchar_t* format, Arguments... arguments) {
   wchar_t text[128];
-  FormatBounded(text, sizeof(text), format, arguments...);
+  FormatPlain(text, sizeof(text), format, arguments...);
   return text;
 }
 

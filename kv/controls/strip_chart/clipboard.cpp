@@ -42,7 +42,7 @@ struct Table {
   }
   void AddNumber(double value) {
     wchar_t number[40] = L"";
-    if (std::isfinite(value)) FormatBounded(number, sizeof(number), L"%.15g", value);
+    if (std::isfinite(value)) FormatPlain(number, sizeof(number), L"%.15g", value);
     Add(number);
   }
   void AddTime(double time, bool clock) {

@@ -107,6 +107,10 @@ TEST_F(HorizonControls, AcceptAttitudesAndRejectInvalidOnes) {
   HorizonAttitude attitude = At(5, -10, 0, 275);
   EXPECT_EQ(1, Send(horizon, kHorizonValue | kCommandRedraw | kHorizonGlide, &attitude));  // no value before: at once
   EXPECT_EQ(L"+5.0\xB0, -10.0\xB0, 275\xB0", kvtest::ReadAccessible(horizon).value);
+  HorizonAttitude level = At(-0.04f, 0.04f, 0, 359.6f);
+  EXPECT_EQ(1, Send(horizon, kHorizonValue, &level));
+  EXPECT_EQ(L"+0.0\xB0, +0.0\xB0, 000\xB0", kvtest::ReadAccessible(horizon).value);
+  EXPECT_EQ(1, Send(horizon, kHorizonValue, &attitude));
   for (float HorizonAttitude::* field : {&HorizonAttitude::pitch, &HorizonAttitude::heading}) {
     for (const float wrong : {std::nanf(""), std::numeric_limits<float>::infinity()}) {
       HorizonAttitude bad = attitude;

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <random>
 #include <string>
+#include <utility>
 
 #include "tests/support/comma_locale.h"
 
@@ -31,6 +32,18 @@ TEST(FixedNumber, HasAPointInEveryLocale) {
   EXPECT_EQ("8.5417000000", Ours(8.5417, 10));
   EXPECT_EQ("1000000000.0", Ours(999999999.99, 1));  // the carry exceeds the fast path's range
   EXPECT_EQ("0.5", Ours(0.45000000000000001, 1));    // by the runtime's rounding
+}
+
+TEST(Headings, AreNever360OrMinusZero) {
+  const std::pair<double, double> headings[] = {{-90, 270}, {360, 0}, {-1e-20, 0}, {NAN, 0}, {INFINITY, 0}};
+  for (const auto& [given, normal] : headings) EXPECT_DOUBLE_EQ(normal, NormalHeading(given));
+  for (const double north : {359.6, -0.2, 0.4, -0.0, 720.0}) {
+    EXPECT_EQ(0, RoundedHeading(north, 0)) << north;
+    EXPECT_FALSE(std::signbit(RoundedHeading(north, 0)));
+  }
+  EXPECT_EQ(359.6, RoundedHeading(359.6, 1));
+  for (const double zero : {-0.04, -0.0, 0.04}) EXPECT_FALSE(std::signbit(WithoutMinusZero(zero, 1))) << zero;
+  EXPECT_EQ(-0.06, WithoutMinusZero(-0.06, 1));
 }
 
 TEST(FixedNumber, EqualsTheRuntime) {

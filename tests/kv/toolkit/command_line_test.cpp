@@ -14,6 +14,7 @@
 #include "kv/framework/language.h"
 #include "kv/toolkit/arguments.h"
 #include "kv/toolkit/languages.h"
+#include "kv/toolkit/locale_text.h"
 #include "tests/kv/toolkit/ids.h"
 #include "tests/support/comma_locale.h"
 
@@ -110,6 +111,12 @@ TEST(CommandLines, AreReadOrAnsweredInTheChosenLanguage) {
   EXPECT_NE(std::string::npos, Read({"--language", "xx"}).errors.find("--language xx"));
   EXPECT_EQ(kStoredLanguage, Read({}).line.language);
   EXPECT_NE(std::wstring::npos, LanguageCodes().find(L"GE/de FR "));
+}
+
+TEST(NumberTexts, FollowTheLanguageInEveryLocale) {
+  const kvtest::CommaLocale comma;  // the host's, which is not the language
+  EXPECT_EQ(L"1,234,567.5", NumberText(1234567.5, 1));
+  EXPECT_EQ(L"0.0", NumberText(-0.04, 1));
 }
 
 TEST(CommandLines, HaveNumbersWithAPointInEveryLocale) {
