@@ -143,6 +143,18 @@ RECT BoundsOf(std::span<const PointD> points, double margin, const RECT& limit) 
 
 // ---- Shapes ---------------------------------------------------------------------------------------------------------
 
+// Red and blue are computed in one word.
+void BlendPixels(DWORD* pixels, int count, DWORD color, DWORD coverage) {
+  const DWORD rest = 255 - coverage;
+  const DWORD redBlue = (color & 0xFF00FF) * coverage + 0x800080, green = (color >> 8 & 0xFF) * coverage + 0x80;
+  for (DWORD* end = pixels + count; pixels < end; ++pixels) {
+    DWORD both = (*pixels & 0xFF00FF) * rest + redBlue, one = (*pixels >> 8 & 0xFF) * rest + green;
+    both = (both + (both >> 8 & 0xFF00FF)) >> 8 & 0xFF00FF;
+    one = (one + (one >> 8)) >> 8;
+    *pixels = both | one << 8;
+  }
+}
+
 void BeginShape(Canvas& canvas) {
   const RECT& clip = canvas.clip();
   canvas.shape().Begin({clip.left, clip.top, clip.right, clip.bottom});
@@ -150,15 +162,16 @@ void BeginShape(Canvas& canvas) {
 
 void FillShape(Canvas& canvas, const Paint& paint) {
   canvas.FinishGdi();
-  DWORD color = 0;
-  LONG colorRow = -1;
-  for (CoverageSpan span; canvas.shape().Next(&span);) {
-    if (span.y != colorRow) color = PixelAt(paint, colorRow = span.y);
-    DWORD* pixels = canvas.surface().Row(span.y) + span.x;
-    if (span.coverage == 255) {
-      std::fill_n(pixels, span.count, color);
-    } else {
-      BlendPixels(pixels, span.count, color, span.coverage);
+  int y = 0;
+  for (std::span<const CoverageSpan> spans; !(spans = canvas.shape().NextRow(&y)).empty();) {
+    const DWORD color = PixelAt(paint, y);
+    DWORD* row = canvas.surface().Row(y);
+    for (const CoverageSpan& span : spans) {
+      if (span.coverage == 255) {
+        std::fill_n(row + span.x, span.count, color);
+      } else {
+        BlendPixels(row + span.x, span.count, color, span.coverage);
+      }
     }
   }
 }
@@ -206,18 +219,6 @@ void FillLine(Canvas& canvas, PointD from, PointD to, double width, const Paint&
 }
 
 // ---- Whole pixels ---------------------------------------------------------------------------------------------------
-
-// Red and blue are computed in one word.
-void BlendPixels(DWORD* pixels, int count, DWORD color, DWORD coverage) {
-  const DWORD rest = 255 - coverage;
-  const DWORD redBlue = (color & 0xFF00FF) * coverage + 0x800080, green = (color >> 8 & 0xFF) * coverage + 0x80;
-  for (DWORD* end = pixels + count; pixels < end; ++pixels) {
-    DWORD both = (*pixels & 0xFF00FF) * rest + redBlue, one = (*pixels >> 8 & 0xFF) * rest + green;
-    both = (both + (both >> 8 & 0xFF00FF)) >> 8 & 0xFF00FF;
-    one = (one + (one >> 8)) >> 8;
-    *pixels = both | one << 8;
-  }
-}
 
 void FillArea(Canvas& canvas, const RECT& area, COLORREF color) {
   FillAreaDown(canvas, area, color, color);

@@ -18,27 +18,35 @@ constexpr int kWordBits = 32;
 
 // Rounds half up. The small constant compensates rounding errors of the sum, so that a pixel gets the same level
 // whatever area of its shape is requested.
-std::uint8_t LevelOf(double covered) {
-  return static_cast<std::uint8_t>(std::min(std::fabs(covered), 1.0) * 255 + 0.5001);
+std::uint32_t LevelOf(double covered) {
+  return static_cast<std::uint32_t>(static_cast<int>(std::min(std::fabs(covered), 1.0) * 255 + 0.5001));
 }
 
 }  // namespace
 
-bool CoverageShape::Begin(const PixelArea& area) {
-  area_ = area;
-  added_ = count_ = first_ = last_ = 0;
-  scanning_ = false;
-  width_ = 0;
-  if (area.right <= area.left || area.bottom <= area.top) return true;
-  const int width = area.right - area.left;
-  if (width > rowCapacity_) {
+bool CoverageShape::Reserve(int width, int height) {
+  if (width > widthCapacity_) {
     // Zeroed here, and left zeroed after each row.
     cells_.reset(new (std::nothrow) double[width]());
     touched_.reset(new (std::nothrow) std::uint32_t[width / kWordBits + 1]());
-    rowCapacity_ = cells_ && touched_ ? width : 0;
-    if (!rowCapacity_) return false;
+    spans_.reset(new (std::nothrow) CoverageSpan[width]);
+    widthCapacity_ = cells_ && touched_ && spans_ ? width : 0;
   }
-  width_ = width;
+  if (height > heightCapacity_) {
+    starts_.reset(new (std::nothrow) EdgeIndex[height]);
+    heightCapacity_ = starts_ ? height : 0;
+  }
+  return widthCapacity_ >= width && heightCapacity_ >= height;
+}
+
+bool CoverageShape::Begin(const PixelArea& area) {
+  area_ = area;
+  added_ = count_ = waiting_ = reaching_ = 0;
+  scanning_ = false;
+  width_ = 0;
+  if (area.right <= area.left || area.bottom <= area.top) return true;
+  if (!Reserve(area.right - area.left, area.bottom - area.top)) return false;
+  width_ = area.right - area.left;
   return true;
 }
 
@@ -58,64 +66,82 @@ bool CoverageShape::AddContour(std::span<const PointD> corners) {
     const bool counts = upper.y < lower.y && lower.y > area_.top && upper.y < area_.bottom &&
                         std::min(from.x, to.x) < area_.right;  // an edge further right covers nothing of the area
     if (!counts) continue;
-    edges_[count_++] = {upper.x, (lower.x - upper.x) / (lower.y - upper.y), upper.y, lower.y, down ? -1.0 : 1.0};
+    edges_[count_++] = {upper.x, (lower.x - upper.x) / (lower.y - upper.y), upper.y, lower.y, down ? -1.0 : 1.0,
+                        kNoEdge};
   }
   added_ += static_cast<int>(corners.size());
   return true;
 }
 
-bool CoverageShape::Next(CoverageSpan* span) {
+std::span<const CoverageSpan> CoverageShape::NextRow(int* y) {
   if (!scanning_) {
     scanning_ = true;
-    std::sort(edges_.begin(), edges_.begin() + count_, [](const Edge& a, const Edge& b) { return a.top < b.top; });
-    row_ = area_.top - 1;
-    cell_ = width_;
-  }
-  for (;;) {
-    while (cell_ < width_) {
-      const int cell = cell_;
-      covered_ += std::exchange(cells_[cell], 0.0);
-      touched_[cell / kWordBits] &= ~(1u << cell % kWordBits);
-      cell_ = NextTouched(cell);
-      if (const std::uint8_t level = LevelOf(covered_)) {
-        *span = {area_.left + cell, row_, cell_ - cell, level};
-        return true;
-      }
+    std::fill_n(starts_.get(), width_ ? area_.bottom - area_.top : 0, kNoEdge);
+    for (waiting_ = 0; waiting_ < count_; ++waiting_) {
+      const int row = static_cast<int>(std::max(edges_[waiting_].top - area_.top, 0.0));
+      edges_[waiting_].next = std::exchange(starts_[row], static_cast<EdgeIndex>(waiting_));
     }
-    if (!StartRow()) return false;
+    row_ = area_.top - 1;
   }
+  while (StartRow()) {
+    if (const int spans = TakeSpans()) {
+      *y = row_;
+      return {spans_.get(), static_cast<size_t>(spans)};
+    }
+  }
+  return {};
 }
 
-// Advances to the next row that an edge reaches.
+// Advances to the next row that an edge reaches, and adds all edges to its cells.
 bool CoverageShape::StartRow() {
   ++row_;
-  if (first_ == last_) {
-    if (last_ == count_) {
-      count_ = first_ = last_ = 0;
-      return false;
-    }
-    row_ = std::max(row_, static_cast<int>(std::floor(edges_[last_].top)));
+  if (reaching_ == 0) {
+    if (waiting_ == 0) return false;
+    while (starts_[row_ - area_.top] == kNoEdge) ++row_;
   }
   if (row_ >= area_.bottom) {
-    count_ = first_ = last_ = 0;
+    waiting_ = reaching_ = 0;
     return false;
   }
+  for (EdgeIndex i = starts_[row_ - area_.top]; i != kNoEdge; i = edges_[i].next) {
+    active_[reaching_++] = i;
+    --waiting_;
+  }
   const double top = row_, bottom = row_ + 1.0;
-  while (last_ < count_ && edges_[last_].top < bottom) ++last_;
-  for (int i = first_; i < last_; ++i) {
-    const Edge edge = edges_[i];
+  for (int i = 0; i < reaching_;) {
+    const Edge& edge = edges_[active_[i]];
     const double from = std::max(edge.top, top), to = std::min(edge.bottom, bottom);
     if (to > from) {
       const double origin = edge.x - area_.left;
       AddToRow(origin + edge.slope * (from - edge.top), origin + edge.slope * (to - edge.top),
                edge.direction * (to - from));
     }
-    // Replaces an edge that ends here with the first one.
-    if (edge.bottom <= bottom) edges_[i] = edges_[first_++];
+    if (edge.bottom <= bottom) {
+      active_[i] = active_[--reaching_];
+    } else {
+      ++i;
+    }
   }
-  covered_ = 0;
-  cell_ = touched_[0] & 1 ? 0 : NextTouched(0);
   return true;
+}
+
+// Converts the cells to spans, and clears them. Returns the number of spans.
+int CoverageShape::TakeSpans() {
+  CoverageSpan* span = spans_.get();
+  double covered = 0;
+  int begin = 0;
+  std::uint32_t level = 0;
+  for (int word = 0; word * kWordBits < width_; ++word) {
+    for (std::uint32_t bits = std::exchange(touched_[word], 0); bits; bits &= bits - 1) {
+      const int cell = word * kWordBits + std::countr_zero(bits);
+      if (level) *span++ = {area_.left + begin, cell - begin, level};
+      covered += std::exchange(cells_[cell], 0.0);
+      level = LevelOf(covered);
+      begin = cell;
+    }
+  }
+  if (level) *span++ = {area_.left + begin, width_ - begin, level};
+  return static_cast<int>(span - spans_.get());
 }
 
 // Adds the part of an edge within the row, between two x relative to the area. It covers every pixel to its right by
@@ -155,14 +181,6 @@ void CoverageShape::AddToCell(int cell, double cover) {
   if (cell >= width_) return;
   cells_[cell] += cover;
   touched_[cell / kWordBits] |= 1u << cell % kWordBits;
-}
-
-// Returns the next touched cell after this one, or the end of the row.
-int CoverageShape::NextTouched(int cell) const {
-  int word = ++cell / kWordBits;
-  std::uint32_t bits = cell < width_ ? touched_[word] >> cell % kWordBits << cell % kWordBits : 0;
-  while (bits == 0 && (word + 1) * kWordBits < width_) bits = touched_[++word];
-  return bits ? std::min(word * kWordBits + std::countr_zero(bits), width_) : width_;
 }
 
 }  // namespace kv

@@ -26,18 +26,18 @@ struct PixelArea {
   int left, top, right, bottom;
 };
 
-// Adjacent pixels of one row with equal coverage.
+// Adjacent pixels of one row with equal coverage, 1 to 255; 255 is the whole pixel.
 struct CoverageSpan {
-  int x, y, count;
-  std::uint8_t coverage;  // 1 to 255; 255 is the whole pixel
+  int x, count;
+  std::uint32_t coverage;
 };
 
 class CoverageShape {
  public:
   static constexpr int kMaxEdges = 1024;
 
-  // Begins an empty shape that is limited to `area`. Returns false when the memory for a row cannot be allocated; the
-  // shape then stays empty whatever is added.
+  // Begins an empty shape that is limited to `area`. Returns false when the memory for the area cannot be allocated;
+  // the shape then stays empty whatever is added.
   bool Begin(const PixelArea& area);
 
   // Adds a contour, closed from its last corner to the first. Coordinates are limited to 16 million pixels in both
@@ -48,33 +48,40 @@ class CoverageShape {
   // Returns whether a contour with this number of corners can be added. Does not depend on the area.
   bool HasCapacityFor(size_t corners) const { return corners <= static_cast<size_t>(kMaxEdges - added_); }
 
-  // Returns the covered pixels one span at a time, row by row from the top and from left to right; false at the end,
-  // with the shape empty. After the first call nothing more can be added.
-  bool Next(CoverageSpan* span);
+  // Returns the covered pixels of the next row that has some, from the top, as spans from left to right, which are
+  // valid until the next call; none at the end. After the first call nothing more can be added.
+  std::span<const CoverageSpan> NextRow(int* y);
 
  private:
+  using EdgeIndex = std::uint16_t;
+  static constexpr EdgeIndex kNoEdge = 0xFFFF;
+
   // x is at `top`.
   struct Edge {
     double x, slope, top, bottom;
     double direction;  // 1 downwards, -1 upwards
+    EdgeIndex next;    // of those that begin in the same row
   };
 
+  bool Reserve(int width, int height);
   bool StartRow();
   void AddToRow(double from, double to, double cover);
   void AddToCell(int cell, double cover);
-  int NextTouched(int cell) const;
+  int TakeSpans();
 
   PixelArea area_{};
   int width_ = 0;
-  int rowCapacity_ = 0;
+  int widthCapacity_ = 0, heightCapacity_ = 0;
   std::unique_ptr<double[]> cells_;           // one row: change of coverage from this pixel to the right
   std::unique_ptr<std::uint32_t[]> touched_;  // a bit for each non-zero cell
-  std::array<Edge, kMaxEdges> edges_;         // sorted by top after the first row is requested
-  int added_ = 0;                             // edges of all contours, including those outside the area
-  int count_ = 0, first_ = 0, last_ = 0;      // edges within the area; first_ to last_ reach the row
+  std::unique_ptr<CoverageSpan[]> spans_;
+  std::unique_ptr<EdgeIndex[]> starts_;  // for each row of the area, the first edge that begins in it
+  std::array<Edge, kMaxEdges> edges_;
+  std::array<EdgeIndex, kMaxEdges> active_;     // those that reach the row
+  int added_ = 0;                               // edges of all contours, including those outside the area
+  int count_ = 0, waiting_ = 0, reaching_ = 0;  // edges within the area; of these, below the row, and in `active_`
   bool scanning_ = false;
-  int row_ = 0, cell_ = 0;
-  double covered_ = 0;
+  int row_ = 0;
 };
 
 }  // namespace kv

@@ -1,5 +1,6 @@
 #include "kv/framework/glyph_outline.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -13,8 +14,10 @@ namespace kv {
 
 namespace {
 
-constexpr int kEmHeight = 1024;                            // large enough to make rounding invisible
-constexpr int kLinesPerQuadratic = 4, kLinesPerCubic = 8;  // quadratic curves are more frequent and shorter
+constexpr int kEmHeight = 1024;        // large enough to make rounding invisible
+constexpr double kFlatness = 0.0015;   // the largest distance of a line to its curve, in heights of capitals
+constexpr int kMaxLinesPerCurve = 12;  // of a quadratic curve; cubic ones, which are longer, have kLinesPerCubic
+constexpr int kLinesPerCubic = 8;
 
 // Converts the data of GetGlyphOutlineW to points of an outline.
 class OutlineWriter {
@@ -47,7 +50,9 @@ class OutlineWriter {
     const auto towards = [&control](const PointD& from) {
       return PointD{from.x + (control.x - from.x) * 2 / 3, from.y + (control.y - from.y) * 2 / 3};
     };
-    return AddCurve(towards(last_), towards(end), end, kLinesPerQuadratic);
+    const double bulge = std::hypot(last_.x - 2 * control.x + end.x, last_.y - 2 * control.y + end.y) / 4 / unit_;
+    const int lines = static_cast<int>(std::ceil(std::sqrt(bulge / kFlatness)));
+    return AddCurve(towards(last_), towards(end), end, std::clamp(lines, 1, kMaxLinesPerCurve));
   }
 
   bool EndFigure() {

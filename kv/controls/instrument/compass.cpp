@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <span>
 
 #include "kv/controls/instrument/cache.h"
 #include "kv/controls/instrument/fixed_text.h"
@@ -10,6 +11,7 @@
 #include "kv/controls/instrument/text.h"
 #include "kv/controls/instrument/view.h"
 #include "kv/controls/instrument_block.h"
+#include "kv/framework/bitmaps.h"
 #include "kv/framework/bounded_format.h"
 #include "kv/framework/canvas.h"
 #include "kv/framework/coverage.h"
@@ -85,28 +87,74 @@ Mark MarkAt(int bearing) {
   return bearing % 30 == 0 ? Mark::kThirty : bearing % 10 == 0 ? Mark::kTen : Mark::kFine;
 }
 
-void AddMark(Canvas& canvas, const Dial& dial, Mark mark, double angle) {
+// `direction` is a unit vector.
+void AddMark(Canvas& canvas, const Dial& dial, Mark mark, PointD direction) {
   const double radius = dial.innerRadius;
   const double inner = mark == Mark::kThirty ? kThirtyInner : mark == Mark::kTen ? kTenInner : kFineInner;
   const double width = mark == Mark::kThirty ? std::max(1.3, radius * 0.02)
                        : mark == Mark::kTen  ? std::max(0.85, radius * 0.012)
                                              : radius * 0.007;
-  AddLine(canvas, PolarPoint(dial.centre, radius * inner, angle), PolarPoint(dial.centre, radius * kMarkOuter, angle),
-          std::max(width, 0.7));
+  const double half = std::max(width, 0.7) / 2;
+  const auto at = [&](double along, double aside) {
+    return PointD{dial.centre.x + direction.x * along + direction.y * aside,
+                  dial.centre.y + direction.y * along - direction.x * aside};
+  };
+  const double from = radius * inner, to = radius * kMarkOuter;
+  const PointD corners[] = {at(from, half), at(to, half), at(to, -half), at(from, -half)};
+  canvas.shape().AddContour(corners);
 }
 
-// The marks of a quarter are one shape for each colour: a whole card with a mark for each degree would exceed a shape's
-// capacity of edges.
+// Whether a pixel that is rotated by 90 degrees about the dial's center is another pixel within the clip.
+bool HasSymmetricPixels(const Canvas& canvas, const Dial& dial) {
+  const RECT& clip = canvas.clip();
+  const double radius = dial.innerRadius, difference = dial.centre.y - dial.centre.x;
+  return difference == std::floor(difference) && dial.centre.x - radius >= clip.left &&
+         dial.centre.x + radius <= clip.right && dial.centre.y - radius >= clip.top &&
+         dial.centre.y + radius <= clip.bottom;
+}
+
+// Fills the shape, and its copies that are rotated by 90, 180 and 270 degrees.
+void FillFourTimes(Canvas& canvas, const Dial& dial, COLORREF color) {
+  canvas.FinishGdi();
+  const Surface& surface = canvas.surface();
+  const DWORD pixel = PixelOfColor(color);
+  const int sum = static_cast<int>(dial.centre.x + dial.centre.y) - 1;
+  const int difference = static_cast<int>(dial.centre.y - dial.centre.x);
+  const int right = static_cast<int>(2 * dial.centre.x) - 1, bottom = static_cast<int>(2 * dial.centre.y) - 1;
+  int y = 0;
+  for (std::span<const CoverageSpan> spans; !(spans = canvas.shape().NextRow(&y)).empty();) {
+    for (const CoverageSpan& span : spans) {
+      BlendPixels(surface.Row(y) + span.x, span.count, pixel, span.coverage);
+      BlendPixels(surface.Row(bottom - y) + right - span.x - span.count + 1, span.count, pixel, span.coverage);
+      for (int x = span.x; x < span.x + span.count; ++x) {
+        BlendPixels(surface.Row(x + difference) + sum - y, 1, pixel, span.coverage);
+        BlendPixels(surface.Row(sum - x) + y - difference, 1, pixel, span.coverage);
+      }
+    }
+  }
+}
+
+// The marks of a quarter are one shape for each color: a whole card with a mark for each degree would exceed a shape's
+// capacity of edges. The other quarters are its copies, if possible.
 void DrawMarks(Canvas& canvas, const Dial& dial, const DialColors& colors, double heading) {
   const int spacing = MarkSpacing(dial.innerRadius);
-  for (int quarter = 0; quarter < 360; quarter += 90) {
+  const PointD turn = PolarPoint({0, 0}, 1, spacing);
+  const bool symmetric = HasSymmetricPixels(canvas, dial);
+  for (int quarter = 0; quarter < (symmetric ? 90 : 360); quarter += 90) {
     for (const bool thirty : {false, true}) {
       BeginShape(canvas);
+      PointD direction = PolarPoint({0, 0}, 1, CardAngle(quarter, heading));
       for (int bearing = quarter; bearing < quarter + 90; bearing += spacing) {
         const Mark mark = MarkAt(bearing);
-        if ((mark == Mark::kThirty) == thirty) AddMark(canvas, dial, mark, CardAngle(bearing, heading));
+        if ((mark == Mark::kThirty) == thirty) AddMark(canvas, dial, mark, direction);
+        direction = {-direction.x * turn.y - direction.y * turn.x, direction.x * turn.x - direction.y * turn.y};
       }
-      FillShape(canvas, thirty ? colors.ink : colors.faintInk);
+      const COLORREF color = thirty ? colors.ink : colors.faintInk;
+      if (symmetric) {
+        FillFourTimes(canvas, dial, color);
+      } else {
+        FillShape(canvas, color);
+      }
     }
   }
 }
@@ -148,10 +196,11 @@ void DrawNumbers(Canvas& canvas, const Dial& dial, const InstrumentAppearance& a
   BeginShape(canvas);
   for (int bearing = 0; bearing < 360; bearing += 30) {
     if (bearing % 90 == 0) continue;
-    wchar_t text[8];
-    FormatBounded(text, sizeof(text), L"%ld", static_cast<long>(bearing / 10));
-    AddCardText(canvas, dial, text, lstrlenW(text), kNumbers, dial.innerRadius * 0.095, CardAngle(bearing, heading),
-                ink);
+    const wchar_t digits[] = {static_cast<wchar_t>(L'0' + bearing / 100),
+                              static_cast<wchar_t>(L'0' + bearing / 10 % 10)};
+    const int blanks = bearing < 100 ? 1 : 0;
+    AddCardText(canvas, dial, digits + blanks, 2 - blanks, kNumbers, dial.innerRadius * 0.095,
+                CardAngle(bearing, heading), ink);
   }
   FillShape(canvas, ink);
 }

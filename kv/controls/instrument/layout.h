@@ -39,7 +39,7 @@ static_assert(sizeof(InstrumentAppearance) == 60 + sizeof(InstrumentBlock));
 // parts in the same order, but parts at the end may be added or removed.
 class InstrumentParts {
  public:
-  static constexpr int kMaxParts = 128;
+  static constexpr int kMaxParts = 192;
   struct Part {
     RECT place;
     DWORD hash;  // of the data
@@ -54,7 +54,7 @@ class InstrumentParts {
   int count_ = 0;
 };
 
-// A few rectangles that do not overlap and together contain all added ones.
+// A few rectangles that together contain all added ones.
 class DirtyRects {
  public:
   void Add(RECT area);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <initializer_list>
 
 #include "kv/controls/instrument/cache.h"
 #include "kv/controls/instrument/digital.h"
@@ -177,61 +178,64 @@ void DrawMarker(Canvas& canvas, const InstrumentAppearance& appearance, const Ma
   }
 }
 
-// The number near the bar's bottom.
-struct Number {
-  FixedText text;
-  int characterWidth, height, edge;  // edge: thickness of the black line around the characters
-  RECT place;
+// A character of the number near the bar's bottom.
+struct Character {
+  PointD middle;
+  double capital, stretch;  // the height of capitals in pixels, and the relative width
+  int character, edge;      // edge: thickness of the black line around it
 };
 
-void DrawNumber(Canvas& canvas, const InstrumentAppearance& appearance, const Number& number) {
-  // Relative to the cell's height; relative to the height of capitals.
-  constexpr double kCapitalHeight = 0.65, kCapitalMiddle = 0.485, kDigitWidth = 0.775;
-  const double capital = number.height * kCapitalHeight, stretch = number.characterWidth / (capital * kDigitWidth);
-  // Character advances, relative to the height of capitals. Characters without an outline in the font are blank.
-  const auto advanceOf = [](const GlyphOutline* glyph) { return glyph ? glyph->advance : 0.8; };
-  double width = 0;
-  for (const wchar_t character : number.text) width += advanceOf(InstrumentGlyph(character));
-  const PointD middle{(number.place.left + number.place.right) / 2.0,
-                      number.place.top + number.height * kCapitalMiddle};
-  const auto add = [&](double x, double y, COLORREF color) {
-    for (double passed = -width / 2; const wchar_t character : number.text) {
-      const GlyphOutline* glyph = InstrumentGlyph(character);
-      const double along = (passed + advanceOf(glyph) / 2) * capital * stretch;
-      if (glyph) AddGlyph(canvas, *glyph, {middle.x + x, middle.y + y}, along, capital, 0, color, stretch);
-      passed += advanceOf(glyph);
-    }
-  };
-  // A wide black edge separates the number from the lit segments, which may have its color. It consists of shifted
-  // numbers; the last number covers its inside.
+void DrawAt(Canvas& canvas, const Character& item, std::initializer_list<PointD> shifts, COLORREF color) {
+  const GlyphOutline& glyph = *InstrumentGlyph(static_cast<wchar_t>(item.character));
   BeginShape(canvas);
-  for (double angle = 0; angle < 360; angle += 45) {
-    const PointD shift = PolarPoint({-1, -1}, number.edge, angle);
-    add(shift.x, shift.y, RGB(0, 0, 0));
+  for (const PointD& shift : shifts) {
+    const PointD middle{item.middle.x + shift.x, item.middle.y + shift.y};
+    AddGlyph(canvas, glyph, middle, 0, item.capital, 0, color, item.stretch);
   }
-  FillShape(canvas, RGB(0, 0, 0));
-  const auto write = [&](double shift, COLORREF color) {
-    BeginShape(canvas);
-    add(shift, shift, color);
-    FillShape(canvas, color);
-  };
-  write(0, kValueShadow);
+  FillShape(canvas, color);
+}
+
+// A black edge separates the number from the lit segments, which may have its color: shifted characters, which the
+// character then covers inside.
+void DrawEdge(Canvas& canvas, const InstrumentAppearance&, const Character& item) {
+  const double out = item.edge * 0.75, left = -1 - out, right = out - 1;
+  DrawAt(canvas, item, {{left, left}, {right, left}, {left, right}, {right, right}}, RGB(0, 0, 0));
+}
+
+void DrawCharacter(Canvas& canvas, const InstrumentAppearance& appearance, const Character& item) {
   const bool fitted = (appearance.style & kInstrumentFitted) != 0;
-  write(-1, fitted ? ShownColor(appearance, RGB(255, 255, 255)) : DisplayColor(appearance));
+  DrawAt(canvas, item, {{0, 0}}, kValueShadow);
+  DrawAt(canvas, item, {{-1, -1}}, fitted ? ShownColor(appearance, RGB(255, 255, 255)) : DisplayColor(appearance));
 }
 
 void AddNumber(ValueLayer& layer, const RECT& bar, const InstrumentBlock& block) {
+  // Relative to the cell's height; relative to the height of capitals.
+  constexpr double kCapitalHeight = 0.65, kCapitalMiddle = 0.485, kDigitWidth = 0.775, kBlank = 0.8;
   const DWORD style = layer.appearance().style;
-  const FixedText text = SegmentBarNumber(bar, block, style);
-  int characterWidth = (bar.right - bar.left) / (static_cast<int>(text.size()) + 2) - 1;
+  const FixedText padded = SegmentBarNumber(bar, block, style), text = WithoutPadding(padded);
+  int characterWidth = (bar.right - bar.left) / (static_cast<int>(padded.size()) + 2) - 1;
   if (style & kInstrumentFitted) characterWidth = std::min<int>(characterWidth, (bar.bottom - bar.top) / 10);
-  if (characterWidth < 1 || text.empty()) return;
+  if (characterWidth < 1) return;
   const int height = static_cast<int>(2.5 * characterWidth), edge = std::max(1, height / 14);
-  const RECT place{bar.left, bar.bottom - height - 2, bar.right, bar.bottom - 2};
-  RECT reach = place;
-  InflateRect(&reach, 0, edge + 3);
-  IntersectRect(&reach, &reach, &bar);
-  layer.Add(reach, Number{WithoutPadding(text), characterWidth, height, edge, place}, DrawNumber);
+  const double capital = height * kCapitalHeight, stretch = characterWidth / (capital * kDigitWidth);
+  // Character advances, relative to the height of capitals. Characters without an outline in the font are blank.
+  const auto advanceOf = [](const GlyphOutline* glyph) { return glyph ? glyph->advance : kBlank; };
+  double width = 0;
+  for (const wchar_t character : text) width += advanceOf(InstrumentGlyph(character));
+  // First all edges: those of neighbors overlap.
+  for (const auto draw : {DrawEdge, DrawCharacter}) {
+    const int margin = draw == DrawEdge ? edge + 2 : 2;
+    double x = (bar.left + bar.right - width * capital * stretch) / 2;
+    for (const wchar_t character : text) {
+      const GlyphOutline* glyph = InstrumentGlyph(character);
+      const double half = advanceOf(glyph) * capital * stretch / 2;
+      const PointD middle{x + half, bar.bottom - 2 - height * (1 - kCapitalMiddle)};
+      const PointD corners[] = {{middle.x - half, middle.y - capital * 0.55},
+                                {middle.x + half, middle.y + capital * 0.55}};
+      x += 2 * half;
+      if (glyph) layer.Add(BoundsOf(corners, margin, bar), Character{middle, capital, stretch, character, edge}, draw);
+    }
+  }
 }
 
 RECT SegmentRect(const BarFrame& frame, int count, int index) {

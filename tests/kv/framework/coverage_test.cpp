@@ -16,7 +16,10 @@ constexpr int kSide = 40;
 // The coverage of each pixel.
 struct Levels {
   explicit Levels(CoverageShape& shape) {
-    for (CoverageSpan span; shape.Next(&span);) std::fill_n(&at[span.y][span.x], span.count, span.coverage);
+    int y = 0;
+    for (std::span<const CoverageSpan> spans; !(spans = shape.NextRow(&y)).empty();) {
+      for (const CoverageSpan& span : spans) std::fill_n(&at[y][span.x], span.count, static_cast<int>(span.coverage));
+    }
   }
   int at[kSide][kSide] = {};
 };
