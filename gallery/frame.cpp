@@ -203,8 +203,8 @@ FrameLayout LayoutFor(SIZE client) {
   const auto scaled = [scale](int length) { return kv::ToInt(length * scale); };
   return {.listWidth = scaled(172),
           .rowHeight = scaled(27),
-          .headerHeight = scaled(66),
-          .titleHeight = scaled(33),
+          .headerHeight = scaled(68),
+          .titleHeight = scaled(34),
           .margin = scaled(12),
           .titlePx = scaled(22),
           .textPx = scaled(14)};
@@ -215,14 +215,15 @@ void DrawHeader(HDC dc, const RECT& header, const FrameLayout& layout, int page)
   if (plain) {
     kv::FillSolid(dc, header, GetSysColor(COLOR_BTNFACE));
   } else {
-    kv::FillHorizontalGradient(dc, header, kv::kDialogBlue, RGB(0x60, 0x60, 0xF0));
+    kv::FillHorizontalGradient(dc, header, RGB(0x24, 0x35, 0x5A), RGB(0x3A, 0x55, 0x8A));
   }
   if (page < 0) return;
   const COLORREF color = plain ? GetSysColor(COLOR_BTNTEXT) : RGB(255, 255, 255);
   const int left = header.left + layout.margin, right = header.right - layout.margin;
-  DrawLine(dc, kv::ResourceText(IDS_TITLE_FIRST + page), {left, layout.titleHeight / 8, right, layout.titleHeight},
+  DrawLine(dc, kv::ResourceText(IDS_TITLE_FIRST + page), {left, layout.margin / 2, right, layout.titleHeight},
            {layout.titlePx, FW_SEMIBOLD, color});
-  DrawLines(dc, kv::ResourceText(IDS_DESCRIPTION_FIRST + page), {left, layout.titleHeight, right, layout.headerHeight},
+  DrawLines(dc, kv::ResourceText(IDS_DESCRIPTION_FIRST + page),
+            {left, layout.titleHeight + layout.margin / 6, right, layout.headerHeight},
             {layout.textPx, FW_NORMAL, color});
 }
 

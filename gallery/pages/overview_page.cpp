@@ -7,6 +7,7 @@
 #include "gallery/frame.h"
 #include "gallery/resource_ids.h"
 #include "kv/framework/bitmaps.h"
+#include "kv/toolkit/appearance.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/scaled_dialog.h"
 
@@ -15,6 +16,7 @@ namespace gallery {
 namespace {
 
 constexpr int kMarginPx = 12;
+constexpr int kDescriptionPercent = 65;  // of the text's colour
 
 void FillIndex(HWND page) {
   const HWND index = GetDlgItem(page, IDC_OVERVIEW_INDEX);
@@ -31,10 +33,12 @@ INT_PTR OnDrawItem(HWND page, const DRAWITEMSTRUCT* item) {
   RECT row = item->rcItem;
   InflateRect(&row, -kMarginPx, 0);
   const int middle = (row.top + row.bottom) / 2;
+  const bool isSelected = (item->itemState & ODS_SELECTED) != 0;
   DrawLine(item->hDC, kv::ResourceText(IDS_TITLE_FIRST + index), {row.left, middle - textPx - 2, row.right, middle},
            {textPx, FW_SEMIBOLD, color});
   DrawLine(item->hDC, kv::ResourceText(IDS_DESCRIPTION_FIRST + index),
-           {row.left, middle, row.right, middle + textPx + 2}, {textPx, FW_NORMAL, color});
+           {row.left, middle, row.right, middle + textPx + 2},
+           {textPx, FW_NORMAL, isSelected ? color : kv::ListShade(kDescriptionPercent)});
   return TRUE;
 }
 
@@ -42,7 +46,7 @@ INT_PTR OnDrawItem(HWND page, const DRAWITEMSTRUCT* item) {
 INT_PTR OnSize(HWND page) {
   const HWND index = GetDlgItem(page, IDC_OVERVIEW_INDEX);
   const int share = kv::ClientSize(index).cy / static_cast<int>(AllPages().size() - 1);
-  SendMessageA(index, LB_SETITEMHEIGHT, 0, std::max(share, 2 * kv::TextHeightOf(page) + 4));
+  SendMessageA(index, LB_SETITEMHEIGHT, 0, std::max(share, 3 * kv::TextHeightOf(page) + 2));
   return TRUE;
 }
 

@@ -19,8 +19,8 @@
 #include "kv/framework/language.h"
 #include "kv/framework/modules.h"
 #include "kv/framework/tooltips.h"
-#include "kv/toolkit/appearance.h"
 #include "kv/toolkit/control_access.h"
+#include "kv/toolkit/control_layout.h"
 #include "kv/toolkit/copy_key.h"
 #include "kv/toolkit/dialog_state.h"
 #include "kv/toolkit/languages.h"
@@ -32,9 +32,8 @@ namespace kv {
 namespace {
 
 constexpr wchar_t kStateProperty[] = L"kvScaledDialog";
-constexpr int kPageId = INT_MAX;  // greater than every dialog's lastId
-constexpr int kTextPx = 14;       // at scale 1 and 96 DPI
-constexpr int kMinTextPx = 11;    // at 96 DPI; smaller ones cannot be read
+constexpr int kTextPx = 14;     // at scale 1 and 96 DPI
+constexpr int kMinTextPx = 11;  // at 96 DPI; smaller ones cannot be read
 
 using SharedDialogState = std::shared_ptr<DialogState>;
 
@@ -79,123 +78,6 @@ LRESULT CALLBACK WideCaptionProcedure(HWND dialog, UINT message, WPARAM wParam, 
     delete static_cast<SharedDialogState*>(RemovePropW(dialog, kStateProperty));
   }
   return result;
-}
-
-// ---- Layout ---------------------------------------------------------------------------------------------------------
-
-bool IsInRange(const ScaledDialog& options, HWND control) {
-  const int id = GetDlgCtrlID(control);
-  return id >= options.firstId && id <= std::min(options.lastId, kPageId - 1);
-}
-
-HFONT FontOf(HWND control) {
-  return reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0));
-}
-
-bool TakesListFont(HWND control) {
-  const LONG style = GetWindowLongW(control, GWL_STYLE);
-  switch (ClassifyControl(control)) {
-    case kControlListBox: return !(style & LBS_OWNERDRAWFIXED);
-    case kControlEdit: return style & ES_MULTILINE && IsOfClass(control, L"EDIT");
-    default: return IsOfClass(control, WC_LISTVIEWW);
-  }
-}
-
-// Scaling deletes the fonts that it replaces. Controls share the template's font, and some continue to use it: lists,
-// controls outside the range. Therefore each scaled control first gets a copy.
-void AssignFonts(HWND dialog) {
-  VisitChildren(dialog, [](HWND child) {
-    LOGFONTW description{};
-    if (!GetObjectW(FontOf(child), sizeof(description), &description)) return;
-    if (HFONT copy = CreateFontIndirectW(&description)) {
-      SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(copy), FALSE);
-    }
-  });
-}
-
-void Capture(HWND dialog, DialogState& state) {
-  size_t controls = 0;
-  VisitChildren(dialog, [&](HWND child) {
-    controls += IsInRange(state.options, child);
-    if (SendMessageW(child, WM_GETDLGCODE, 0, 0) & DLGC_DEFPUSHBUTTON) state.hasDefaultButton = true;
-  });
-  state.slots.resize(controls + 1);
-  CaptureLayout(dialog, state.slots.data(), state.options.firstId, std::min(state.options.lastId, kPageId - 1));
-}
-
-// Scaling skips labels without text, which would then show a later text in the template's font: they get a blank. Lines
-// and rectangles must not get one: they store no font, so each scaling would create another one.
-void FillEmptyLabel(HWND control) {
-  const bool isLabel =
-      ClassifyControl(control) == kControlStatic && (GetWindowLongW(control, GWL_STYLE) & SS_TYPEMASK) <= SS_RIGHT;
-  if (isLabel && GetWindowTextLengthW(control) == 0) SetWindowTextW(control, L" ");
-}
-
-// The framework stretches fonts with the dialog, and those of edit controls with their height. Here all texts of a
-// dialog have one size and the font's own proportions.
-void UnstretchFont(HWND control, int textPx) {
-  LOGFONTW font{};
-  const HFONT former = FontOf(control);
-  if (!GetObjectW(former, sizeof(font), &font) || font.lfWidth == 0) return;
-  font.lfHeight = textPx;
-  font.lfWidth = 0;
-  font.lfWeight = FW_NORMAL;
-  SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(CreateFontIndirectW(&font)), FALSE);
-  DeleteObject(former);
-}
-
-// Edit controls align their text to the top. In a dialog that is stretched vertically they are therefore only as high
-// as the text requires, and centred.
-void UnstretchField(HWND dialog, HWND control, const DialogScale& scale) {
-  const bool isField = ClassifyControl(control) == kControlEdit && !(GetWindowLongW(control, GWL_STYLE) & ES_MULTILINE);
-  if (scale.y <= scale.x || !(isField || IsOfClass(control, UPDOWN_CLASSW))) return;
-  RECT place{};
-  GetWindowRect(control, &place);
-  MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
-  const LONG excess = static_cast<LONG>(static_cast<float>(place.bottom - place.top) * (1 - scale.x / scale.y));
-  MoveWindow(control, place.left, place.top + excess / 2, place.right - place.left, place.bottom - place.top - excess,
-             FALSE);
-}
-
-// A list's previous font is its copy of the template's, or the previous common font of the lists.
-void ScaleTexts(HWND dialog, DialogState& state) {
-  const int textPx = TextHeightOf(dialog);
-  OwnedFont font = MakeFont(textPx, FW_NORMAL);
-  VisitChildren(dialog, [&](HWND control) {
-    if (!IsInRange(state.options, control)) return;
-    UnstretchField(dialog, control, state.scale);
-    if (!TakesListFont(control)) return UnstretchFont(control, textPx);
-    const HFONT former = FontOf(control);
-    SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(static_cast<HFONT>(font)), FALSE);
-    if (former != state.listFont) DeleteObject(former);
-    if (ClassifyControl(control) == kControlListBox) SendMessageW(control, LB_SETITEMHEIGHT, 0, textPx + 2);
-  });
-  state.listFont = std::move(font);
-}
-
-void PlaceControls(HWND dialog, DialogState& state) {
-  const ScaledDialog& options = state.options;
-  size_t controls = 0;
-  VisitChildren(dialog, [&](HWND child) {
-    if (!IsInRange(options, child)) return;
-    ++controls;
-    FillEmptyLabel(child);
-  });
-  // A control that was created after the capture has no slot: ApplyLayout would read beyond the last one.
-  if (controls + 1 > state.slots.size()) return;
-  ApplyLayout(dialog, options.bottomMargin, options.leftMargin, options.topMargin, options.firstId,
-              std::min(options.lastId, kPageId - 1), state.slots.data(), &state.scale.x, &state.scale.y, FALSE);
-  ScaleTexts(dialog, state);
-  FixMirroredDialog(dialog);
-  MoveTextTips(dialog, state.textTips);
-  // RDW_ALLCHILDREN: dialogs clip their controls, which have been moved without being painted.
-  RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
-}
-
-SIZE SizeOf(HWND window) {
-  RECT place{};
-  GetWindowRect(window, &place);
-  return {place.right - place.left, place.bottom - place.top};
 }
 
 // ---- Creation and destruction ---------------------------------------------------------------------------------------
@@ -258,7 +140,7 @@ INT_PTR OnInit(HWND dialog, const Opening& opening) {
   AssignFonts(dialog);
   VisitChildren(dialog, AddCopyKey);
   VisitChildren(dialog, FitInstrument);
-  Capture(dialog, *state);
+  CaptureControls(dialog, *state);
   state->textTips = CreateTextTips(dialog);
   ShowLanguage(dialog);
   // The procedure may have destroyed the dialog, here or before.

@@ -10,7 +10,8 @@
 // The template has the class KV_DIALOG and the style KV_RESIZABLE_DIALOG (resource.h). Every dialog has these features:
 //
 //   Fonts          all texts have one size, which follows the smaller scale, and the font's own proportions. The text of a
-//                  label without text becomes a blank.
+//                  label without text becomes a blank. A label of one line is centred vertically, as is the text of a
+//                  box beside it; a field is as high as its text requires.
 //   Tooltips       show the whole text of a truncated label or button
 //   Direction      see languages.h
 //   Colours        labels have the system's colours, or contrast with `background`; colour changes are forwarded to all

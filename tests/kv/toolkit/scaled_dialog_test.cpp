@@ -100,7 +100,9 @@ TEST_F(ScaledDialogTest, ScalesKeepsItsMinimumSizeAndRestoresItsPosition) {
   const RECT grown = PlaceOf(dialog, IDC_EDIT), kept = PlaceOf(dialog, IDC_OUTSIDE);
   EXPECT_EQ(2 * edit.left, grown.left);
   EXPECT_NEAR(3 * (edit.top + edit.bottom), grown.top + grown.bottom, 2);
-  EXPECT_NEAR(2 * (edit.bottom - edit.top), grown.bottom - grown.top, 1);  // as its text, by the smaller scale
+  EXPECT_NEAR(edit.bottom - edit.top + 14, grown.bottom - grown.top,
+              1);  // the edges and its text, by the smaller scale
+  EXPECT_TRUE(GetWindowLongW(GetDlgItem(dialog, IDC_LABEL), GWL_STYLE) & SS_CENTERIMAGE);  // on the field's line
   EXPECT_TRUE(EqualRect(&outside, &kept));
   EXPECT_EQ(3, ScaleOf(dialog).y);
   const auto font = reinterpret_cast<HGDIOBJ>(SendDlgItemMessageA(dialog, IDC_OUTSIDE, WM_GETFONT, 0, 0));
