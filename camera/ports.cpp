@@ -240,7 +240,7 @@ std::string WhyNotOpened(int number, const PortStatus& status) {
 // ---- Reading --------------------------------------------------------------------------------------------------------
 
 PortReader::PortReader(HANDLE port)
-    : port_(port), event_(CreateEventA(nullptr, TRUE, FALSE, nullptr)), firstFrom_(Now()) {
+    : port_(port), event_(CreateEventA(nullptr, TRUE, FALSE, nullptr)), freshSince_(Now()) {
   // A read waits for the first byte and completes with those that are there. In the form for that, Wine's reads wait
   // until they are full; another form, in which reads on Windows do not wait at all, works there.
   COMMTIMEOUTS timeouts{};
@@ -275,6 +275,15 @@ void PortReader::AppendWaiting(std::string* bytes) {
   bytes->resize(first + read);
 }
 
+// After opening, drops what the line cannot have carried since the last read, until a read has no such bytes.
+void PortReader::DropOlderBytes(double seconds, std::string* bytes) {
+  if (freshSince_ == 0) return;
+  const double carried = (seconds - freshSince_) * kBytesPerSecond, size = static_cast<double>(bytes->size());
+  const bool isOlder = size > carried + kSlackBytes;
+  freshSince_ = isOlder ? seconds : 0;
+  if (isOlder) bytes->erase(0, bytes->size() - static_cast<size_t>(carried));
+}
+
 PortReader::Outcome PortReader::Read(DWORD waitMs, HANDLE stop, std::string* bytes, double* seconds) {
   bytes->clear();
   if (!isPending_) {
@@ -295,12 +304,8 @@ PortReader::Outcome PortReader::Read(DWORD waitMs, HANDLE stop, std::string* byt
   // Bytes arrive one by one; a chunk for each would take more space than the bytes.
   Sleep(kGatherMs);
   AppendWaiting(bytes);
-  if (firstFrom_ > 0) {
-    const double carried = (*seconds - firstFrom_) * kBytesPerSecond + kSlackBytes;
-    if (static_cast<double>(bytes->size()) > carried) bytes->erase(0, bytes->size() - static_cast<size_t>(carried));
-    firstFrom_ = 0;
-  }
-  return Outcome::kBytes;
+  DropOlderBytes(*seconds, bytes);
+  return bytes->empty() ? Outcome::kNothing : Outcome::kBytes;
 }
 
 // ---- Writing --------------------------------------------------------------------------------------------------------

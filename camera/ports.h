@@ -91,13 +91,14 @@ class PortReader {
 
  private:
   void AppendWaiting(std::string* bytes);
+  void DropOlderBytes(double seconds, std::string* bytes);
 
   HANDLE port_;
   HANDLE event_;
   OVERLAPPED overlapped_{};
   char buffer_[4096] = {};
   bool isPending_ = false;
-  double firstFrom_;  // until bytes have arrived: when reading began; then 0
+  double freshSince_;  // earlier bytes waited before the port was opened; 0 when there are none any more
 };
 
 // Writes all bytes. When the other end does not read and the buffers are full, the bytes are lost (kLost), as on a real
