@@ -101,7 +101,12 @@ bool TakeKey(HWND dialog, MSG* message) {
     return false;
   }
   if (message->message < WM_KEYFIRST || message->message > WM_KEYLAST) return false;
-  if (!TakesKeys(message->hwnd) && FocusFirstControl(dialog)) message->hwnd = GetFocus();
+  if (!TakesKeys(message->hwnd)) {
+    // IsDialogMessage may search for a neighbor of a hidden control without end.
+    FocusFirstControl(dialog);
+    const HWND focus = GetFocus();
+    message->hwnd = IsChild(dialog, focus) && TakesKeys(focus) ? focus : dialog;
+  }
   if (message->message != WM_KEYDOWN) return false;
   switch (message->wParam) {
     case VK_F6: return SwitchFocus(dialog);

@@ -36,9 +36,9 @@ HWND ShowPage(HWND parent, int placeholderId, const ScaledDialog& page) {
     if (!window) return nullptr;
     state->pages.push_back({&page, window});
   }
-  // A hidden page must not have the focus.
+  // A hidden page must not have the focus. A minimized parent cannot take it.
   const bool hadFocus = former && IsChild(former, GetFocus());
-  if (hadFocus) SetFocus(parent);
+  if (hadFocus && !SetFocus(parent)) SetFocus(nullptr);
   if (former) SetShown(former, false);
   state->shownPage = window;
   state->placeholderId = placeholderId;

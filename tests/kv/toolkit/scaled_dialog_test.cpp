@@ -405,6 +405,15 @@ TEST_F(ScaledDialogTest, ShowsPagesThatScaleAndChangeTheLanguage) {
   SetFocus(GetDlgItem(page, IDC_EDIT));
   EnableControl(page, IDC_EDIT, false);
   EXPECT_TRUE(IsWindowEnabled(GetFocus()));
+  SetFocus(GetDlgItem(page, IDC_OUTSIDE));
+  ShowWindow(dialog, SW_MINIMIZE);
+  EXPECT_EQ(other, ShowPage(dialog, IDC_ROWS, kSecond));
+  EXPECT_FALSE(IsChild(page, GetFocus())) << "a page that is hidden while minimized";
+  MSG key{.hwnd = GetDlgItem(page, IDC_OUTSIDE), .message = WM_KEYDOWN, .wParam = VK_DOWN};
+  EXPECT_FALSE(TakeKey(dialog, &key) || IsChild(page, key.hwnd));
+  ShowWindow(dialog, SW_RESTORE);
+  EXPECT_TRUE(IsWindowVisible(GetFocus()));
+  EXPECT_EQ(page, ShowPage(dialog, IDC_ROWS, kFirst));
   EXPECT_EQ(nullptr, ShowPage(dialog, IDC_ROWS, {.templateName = L"MISSING"}));
   EXPECT_EQ(page, ShownPage(dialog));
   DestroyWindow(dialog);
