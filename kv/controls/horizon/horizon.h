@@ -2,7 +2,8 @@
 // symbol, slip under the roll pointer, and optionally the heading on a tape.
 //
 // Styles         The low four bits of the window style select the mode, round or rectangular; kHorizonTape shows the
-//                heading tape. The control copies the style when it is created; change it with kHorizonStyle.
+//                heading tape, in controls from about 150 pixels. The control copies the style when it is created;
+//                change it with kHorizonStyle.
 // Values         The owner sends a HorizonAttitude. Before the first one, and with kHorizonNoValue, a striped flag
 //                covers the horizon.
 // Gliding        Optionally, the control moves to a new attitude in steps of 20 ms, each a tenth of the remaining

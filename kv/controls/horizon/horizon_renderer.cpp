@@ -24,7 +24,10 @@ constexpr COLORREF kSky = RGB(54, 132, 206), kGround = RGB(136, 92, 46), kRing =
                    kInk = RGB(245, 247, 250), kSymbol = RGB(255, 168, 20), kFlag = RGB(220, 40, 40);
 constexpr double kDegreesShown = 27;  // pitch from the symbol to the edge
 constexpr double kLadderReach = 0.8;  // so that it does not overlap the roll pointer
-constexpr double kMinRadiusWithNumbers = 44;
+constexpr double kMinRadiusWithNumbers = 44, kMinRadiusWithTape = 60, kMinTapeHeight = 16;
+constexpr double kWingInner = 0.44, kWingOuter = 0.74, kWingKnee = 0.09;  // of the symbol, relative to the radius
+constexpr double kLeastStrip = 0.14;  // sky or ground that remains at every pitch, relative to the radius
+constexpr double kSteep = 60;         // degrees of pitch beyond which chevrons point to the horizon
 constexpr int kMaxCorners = 260;
 constexpr wchar_t kFont[] = L"Arial Unicode MS";
 
@@ -64,11 +67,13 @@ HorizonLayout LayoutHorizon(SIZE size, DWORD style) {
   const RECT whole{0, 0, size.cx, size.cy};
   layout.area =
       layout.round ? BoundsOf(corners, 1, whole) : RECT{2, 2, std::max(2L, size.cx - 2), std::max(2L, size.cy - 2)};
-  if ((style & kHorizonTape) && layout.radius >= kMinRadiusWithNumbers) {
-    const double half = layout.radius * 0.62, top = layout.centre.y + layout.radius * 0.62;
+  if ((style & kHorizonTape) && layout.radius >= kMinRadiusWithTape) {
+    const double radius = layout.radius, height = std::max(radius * 0.19, kMinTapeHeight);
+    const double bottom = layout.round ? layout.centre.y + radius * 0.62 + height : layout.area.bottom - 3.0;
+    const double down = std::min((bottom - layout.centre.y) / radius, 1.0);
+    const double half = radius * (layout.round ? std::min(0.62, std::sqrt(1 - down * down)) : 0.62);
     const auto pixel = [](double value) { return static_cast<LONG>(std::lround(value)); };
-    layout.tape = {pixel(layout.centre.x - half), pixel(top), pixel(layout.centre.x + half),
-                   pixel(top + layout.radius * 0.19)};
+    layout.tape = {pixel(layout.centre.x - half), pixel(bottom - height), pixel(layout.centre.x + half), pixel(bottom)};
   }
   return layout;
 }
@@ -158,8 +163,27 @@ void HorizonRenderer::DrawCase() {
   }
 }
 
+// How far the edge of sky and ground is below the symbol. It always stays in sight.
+double HorizonRenderer::EdgeDistance() const {
+  const double most = (1 - kLeastStrip) * layout_.radius;
+  return std::clamp(attitude_.pitch * layout_.pixelsPerDegree, -most, most);
+}
+
+// Whether the symbol, the roll pointer or the tape would cover something of this size.
+bool HorizonRenderer::IsCovered(PointD place, double reach) const {
+  const double radius = layout_.radius, edge = radius * 0.04, x = std::fabs(place.x - layout_.centre.x);
+  const double y = place.y - layout_.centre.y;
+  const bool atWings = x + reach > kWingInner * radius - edge && x - reach < kWingOuter * radius + edge &&
+                       y + reach > -edge && y - reach < kWingKnee * radius + edge;
+  const bool atPointer = x - reach < radius * 0.1 && y - reach < -radius * 0.82;
+  const RECT& tape = layout_.tape;
+  const bool atTape = !IsRectEmpty(&tape) && place.x + reach > tape.left && place.x - reach < tape.right &&
+                      place.y + reach > tape.top && place.y - reach < tape.bottom;
+  return atWings || atPointer || atTape;
+}
+
 void HorizonRenderer::DrawGround(Canvas& canvas) {
-  const double distance = attitude_.pitch * layout_.pixelsPerDegree;
+  const double distance = EdgeDistance();
   const double roll = attitude_.roll;
   if (layout_.round) {
     FillSegment(canvas, layout_.centre, layout_.radius, -distance, -roll, Shown(kSky));
@@ -175,54 +199,84 @@ void HorizonRenderer::DrawGround(Canvas& canvas) {
   FillPolygon(canvas, ground, Shown(kGround));
 }
 
+void HorizonRenderer::AddRung(Canvas& canvas, double degrees) {
+  const double radius = layout_.radius, roll = attitude_.roll, height = std::max(7.0, radius * 0.085);
+  const double up = (degrees - attitude_.pitch) * layout_.pixelsPerDegree;
+  const bool ten = std::fmod(degrees, 10) == 0, five = std::fmod(degrees, 5) == 0;
+  if (degrees == 0 || (!ten && std::fabs(degrees) > kSteep)) return;
+  const double half = radius * (ten ? 0.22 : five ? 0.12 : 0.065);
+  const PointD left = HorizonPoint(layout_, roll, -half, up), right = HorizonPoint(layout_, roll, half, up);
+  const RECT& tape = layout_.tape;
+  const auto onTape = [&](const PointD& end) {
+    return !IsRectEmpty(&tape) && end.y > tape.top - 2 && end.x > tape.left - 2 && end.x < tape.right + 2;
+  };
+  if (onTape(left) || onTape(right)) return;
+  AddLine(canvas, left, right, std::max(1.0, radius / 110));
+  if (!ten || radius < kMinRadiusWithNumbers) return;
+  wchar_t text[8];
+  FormatBounded(text, sizeof(text), L"%d", std::abs(static_cast<int>(degrees)));
+  for (const double side : {-1.0, 1.0}) {
+    // A number that is half covered could be read as another one.
+    const PointD place = HorizonPoint(layout_, roll, side * (half + height * 1.1), up);
+    if (!IsCovered(place, height * 0.7)) AddText(canvas, text, place, height, -roll, Shown(kInk));
+  }
+}
+
 void HorizonRenderer::DrawLadder(Canvas& canvas) {
   const double radius = layout_.radius, roll = attitude_.roll, pitch = attitude_.pitch;
-  const double step = LadderStep(layout_.pixelsPerDegree), width = std::max(1.0, radius / 110);
-  const double horizon = -pitch * layout_.pixelsPerDegree;
-  const COLORREF ink = Shown(kInk);
-  const bool numbers = radius >= kMinRadiusWithNumbers;
-  const double height = std::max(7.0, radius * 0.085);
+  const double step = LadderStep(layout_.pixelsPerDegree), horizon = -EdgeDistance();
   BeginShape(canvas);
-  if (!layout_.round || std::fabs(horizon) < radius) {
-    const double half =
-        layout_.round ? std::sqrt(radius * radius - horizon * horizon) : surface_.size().cx + surface_.size().cy;
-    AddLine(canvas, HorizonPoint(layout_, roll, -half, horizon), HorizonPoint(layout_, roll, half, horizon),
-            std::max(1.5, width * 1.5));
-  }
+  const double half =
+      layout_.round ? std::sqrt(radius * radius - horizon * horizon) : surface_.size().cx + surface_.size().cy;
+  AddLine(canvas, HorizonPoint(layout_, roll, -half, horizon), HorizonPoint(layout_, roll, half, horizon),
+          std::max(1.5, radius / 73));
   const double shown = kLadderReach * radius / layout_.pixelsPerDegree;
   const int first = static_cast<int>(std::ceil(std::max(-90.0, pitch - shown) / step));
   const int last = static_cast<int>(std::floor(std::min(90.0, pitch + shown) / step));
-  for (int i = first; i <= last; ++i) {
-    const double degrees = i * step, up = (degrees - pitch) * layout_.pixelsPerDegree;
-    if (i == 0) continue;
-    const bool ten = std::fmod(degrees, 10) == 0, five = std::fmod(degrees, 5) == 0;
-    const double half = radius * (ten ? 0.24 : five ? 0.13 : 0.07);
-    AddLine(canvas, HorizonPoint(layout_, roll, -half, up), HorizonPoint(layout_, roll, half, up), width);
-    if (!ten || !numbers) continue;
-    wchar_t text[8];
-    FormatBounded(text, sizeof(text), L"%d", std::abs(static_cast<int>(degrees)));
-    for (const double side : {-1.0, 1.0}) {
-      AddText(canvas, text, HorizonPoint(layout_, roll, side * (half + height * 1.1), up), height, -roll, ink);
+  for (int i = first; i <= last; ++i) AddRung(canvas, i * step);
+  FillShape(canvas, Shown(kInk));
+}
+
+// Between the tens of a steep climb or dive, pointing to the horizon.
+void HorizonRenderer::DrawChevrons(Canvas& canvas) {
+  const double radius = layout_.radius, roll = attitude_.roll, width = std::max(1.5, radius * 0.035);
+  const double half = radius * 0.15, rise = 3.2 * layout_.pixelsPerDegree;
+  for (const double wider : {std::max(1.0, radius / 90), 0.0}) {
+    BeginShape(canvas);
+    for (double degrees = kSteep + 5; degrees < 90; degrees += 10) {
+      const double to = attitude_.pitch < 0 ? -1 : 1, up = to * degrees - attitude_.pitch;
+      const double tip = up * layout_.pixelsPerDegree - to * rise / 2;
+      if (std::fabs(tip) > kLadderReach * radius) continue;
+      const PointD middle = HorizonPoint(layout_, roll, 0, tip);
+      if (IsCovered(middle, rise)) continue;
+      for (const double side : {-1.0, 1.0}) {
+        AddLine(canvas, middle, HorizonPoint(layout_, roll, side * half, tip + to * rise), width + 2 * wider);
+      }
     }
+    FillShape(canvas, Shown(wider > 0 ? RGB(20, 20, 22) : kFlag));
   }
-  FillShape(canvas, ink);
 }
 
 // The ring covers parts of the ladder outside the disc. The scale rotates with the horizon; its pointer is fixed.
 void HorizonRenderer::DrawRollScale(Canvas& canvas) {
   const double radius = layout_.radius, size = std::max(4.0, radius * 0.09);
   if (layout_.round) FillAnnularSector(canvas, layout_.centre, radius, layout_.ring, 0, 360, Shown(kRing));
+  const double room = layout_.ring - radius, foot = radius + 0.5, roll = attitude_.roll;
   BeginShape(canvas);
-  for (const int degrees : {0, 10, 20, 30, 45, 60, 90}) {
+  for (const int degrees : {10, 20, 30, 45, 60, 90}) {
     const bool major = degrees % 30 == 0;
-    const double outer = radius + (layout_.ring - radius) * (major ? 0.8 : 0.5);
+    const double outer = radius + room * (major ? 0.85 : 0.45);
     for (const int side : {-1, 1}) {
-      const double angle = static_cast<float>(side * degrees) - attitude_.roll;
-      AddLine(canvas, PolarPoint(layout_.centre, radius + 0.5, angle), PolarPoint(layout_.centre, outer, angle),
-              std::max(1.0, radius / (major ? 60 : 110)));
-      if (degrees == 0) break;
+      const double angle = side * degrees - roll;
+      AddLine(canvas, PolarPoint(layout_.centre, foot, angle), PolarPoint(layout_.centre, outer, angle),
+              std::max(1.0, radius / (major ? 50 : 110)));
     }
   }
+  const double breadth = Degrees(room * 0.6 / radius);
+  const PointD zero[] = {PolarPoint(layout_.centre, foot, -roll),
+                         PolarPoint(layout_.centre, radius + room * 0.9, -roll - breadth),
+                         PolarPoint(layout_.centre, radius + room * 0.9, -roll + breadth)};
+  canvas.shape().AddContour(zero);
   FillShape(canvas, Shown(kInk));
   const PointD top{layout_.centre.x, layout_.centre.y - radius + 1};
   const PointD pointer[] = {top, {top.x + size * 0.75, top.y + size * 1.2}, {top.x - size * 0.75, top.y + size * 1.2}};
@@ -236,13 +290,14 @@ void HorizonRenderer::DrawRollScale(Canvas& canvas) {
 // Draws the shape twice: first dark and wider, so that it contrasts with sky, ground and ladder.
 void HorizonRenderer::DrawSymbol(Canvas& canvas) {
   const PointD& centre = layout_.centre;
-  const double radius = layout_.radius, width = std::max(2.0, radius * 0.04), knee = radius * 0.09;
+  const double radius = layout_.radius, width = std::max(2.0, radius * 0.04), knee = radius * kWingKnee;
   for (const double wider : {std::max(1.0, radius / 70), 0.0}) {
     BeginShape(canvas);
     for (const double side : {-1.0, 1.0}) {
       const auto at = [&](double right, double down) { return PointD{centre.x + side * right, centre.y + down}; };
-      AddLine(canvas, at(radius * 0.62 + wider, 0), at(radius * 0.3 - width / 2 - wider, 0), width + 2 * wider);
-      AddLine(canvas, at(radius * 0.3, -width / 2), at(radius * 0.3, knee + wider), width + 2 * wider);
+      const double inner = radius * kWingInner;
+      AddLine(canvas, at(radius * kWingOuter + wider, 0), at(inner - width / 2 - wider, 0), width + 2 * wider);
+      AddLine(canvas, at(inner, -width / 2), at(inner, knee + wider), width + 2 * wider);
     }
     AddLine(canvas, {centre.x - width / 2 - wider, centre.y}, {centre.x + width / 2 + wider, centre.y},
             width + 2 * wider);
@@ -309,6 +364,7 @@ void HorizonRenderer::DrawAttitude(Canvas& canvas) {
   }
   DrawGround(canvas);
   DrawLadder(canvas);
+  DrawChevrons(canvas);
   DrawRollScale(canvas);
   DrawSymbol(canvas);
   if (!IsRectEmpty(&layout_.tape)) DrawTape(canvas);

@@ -46,7 +46,11 @@ class HorizonRenderer {
   void DrawCase();
   void DrawAttitude(Canvas& canvas);
   void DrawGround(Canvas& canvas);
+  double EdgeDistance() const;
+  bool IsCovered(PointD place, double reach) const;
+  void AddRung(Canvas& canvas, double degrees);
   void DrawLadder(Canvas& canvas);
+  void DrawChevrons(Canvas& canvas);
   void DrawRollScale(Canvas& canvas);
   void DrawSymbol(Canvas& canvas);
   void DrawTape(Canvas& canvas);

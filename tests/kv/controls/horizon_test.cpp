@@ -59,6 +59,68 @@ TEST(Horizons, RotateOppositeToTheRollAndSinkWithThePitch) {
   EXPECT_EQ(std::tuple(90, -170, -2, 0), std::tuple(normal.pitch, normal.roll, normal.slip, normal.heading));
 }
 
+// The number of pixels within a ring around the middle for which `test`, called with color and direction, is true.
+template <class Test>
+int CountInRing(const HorizonRenderer& renderer, double inner, double outer, Test test) {
+  const SIZE size = renderer.surface().size();
+  int count = 0;
+  for (int y = 0; y < size.cy; ++y) {
+    for (int x = 0; x < size.cx; ++x) {
+      const double right = x + 0.5 - size.cx / 2.0, up = size.cy / 2.0 - y - 0.5, distance = std::hypot(right, up);
+      if (distance < inner || distance > outer) continue;
+      count += test(PixelAt(renderer, x, y), std::atan2(right, up) * 180 / std::acos(-1));
+    }
+  }
+  return count;
+}
+
+TEST(Horizons, ShowSkyAndGroundAtEveryPitchAndChevronsWhenSteep) {
+  for (const DWORD style : {kHorizonRound, kHorizonRectangular}) {
+    HorizonRenderer renderer;
+    const HorizonLayout layout = LayoutHorizon({200, 200}, style);
+    for (const float pitch : {0.0f, 30.0f, 75.0f, 90.0f, -75.0f, -90.0f}) {
+      renderer.Update(At(pitch, 20), style, {200, 200}, false);
+      const auto count = [&](auto test) { return CountInRing(renderer, 0, layout.radius, test); };
+      EXPECT_LT(200, count([](COLORREF color, double) { return color == RGB(54, 132, 206); })) << pitch;
+      EXPECT_LT(200, count([](COLORREF color, double) { return color == RGB(136, 92, 46); })) << pitch;
+      const int red = count([](COLORREF color, double) { return color == RGB(220, 40, 40); });
+      EXPECT_EQ(std::fabs(pitch) > 60, red > 10) << pitch;
+    }
+  }
+}
+
+TEST(Horizons, RollScaleHasATriangleAtZeroAndLongerMarksAtThirty) {
+  HorizonRenderer renderer;
+  const HorizonLayout layout = LayoutHorizon({300, 300}, kHorizonRound);
+  for (const float roll : {0.0f, 40.0f}) {
+    renderer.Update(At(0, roll), kHorizonRound, {300, 300}, false);
+    const auto inkAt = [&](double mark) {
+      return CountInRing(renderer, layout.radius + 1, layout.ring, [&](COLORREF color, double direction) {
+        return GetRValue(color) > 150 && std::fabs(std::remainder(direction - mark + roll, 360)) < 4;
+      });
+    };
+    EXPECT_GT(inkAt(0), 1.5 * inkAt(30));
+    EXPECT_GT(inkAt(-30), 1.5 * inkAt(-20));
+    EXPECT_GT(inkAt(60), 1.5 * inkAt(45));
+    EXPECT_LT(3, inkAt(10));
+  }
+}
+
+TEST(Horizons, TapesAreReadableOrOmitted) {
+  for (const DWORD style : {kHorizonRound | kHorizonTape, kHorizonRectangular | kHorizonTape}) {
+    for (LONG side = 0; side < 400; side += 7) {
+      const HorizonLayout layout = LayoutHorizon({side, side + side % 3 * 20}, style);
+      const RECT& tape = layout.tape;
+      EXPECT_EQ(layout.radius < 60, IsRectEmpty(&tape) != FALSE) << side;
+      if (IsRectEmpty(&tape)) continue;
+      EXPECT_LE(15, tape.bottom - tape.top) << side;
+      EXPECT_LE(40, tape.right - tape.left) << side;
+      EXPECT_LE(tape.bottom, layout.area.bottom) << side;
+      EXPECT_GT(tape.top, layout.centre.y + layout.radius * 0.5) << side;
+    }
+  }
+}
+
 TEST(Horizons, PartialRedrawEqualsFullRedraw) {
   std::mt19937 random(5);
   const auto between = [&](float low, float high) {
