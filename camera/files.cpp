@@ -130,7 +130,10 @@ HANDLE OpenForReading(const std::string& path, std::string* error) {
   // Other programs can read a recording while it is written.
   HANDLE file = CreateFileW(Wide(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                             nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
-  if (file == INVALID_HANDLE_VALUE) *error = CannotRead(path, GetLastError());
+  if (file != INVALID_HANDLE_VALUE) return file;
+  const DWORD failure = GetLastError();
+  *error = CannotRead(path, failure);
+  SetLastError(failure);
   return file;
 }
 
@@ -140,13 +143,15 @@ void CloseInput(HANDLE file) {
 
 namespace {
 
-// Reads the next part of a file; 0 bytes at its end.
+// Reads the next part of a file; 0 bytes at its end. On failure, GetLastError says why.
 bool ReadPart(HANDLE file, const std::string& path, std::string* part, std::string* error) {
   DWORD read = 0;
   part->resize(kPartBytes);
   const bool done = ReadFile(file, part->data(), kPartBytes, &read, nullptr) || GetLastError() == ERROR_BROKEN_PIPE;
-  if (!done) *error = CannotRead(path, GetLastError());
+  const DWORD failure = done ? 0 : GetLastError();
+  if (!done) *error = CannotRead(path, failure);
   part->resize(read);
+  SetLastError(failure);
   return done;
 }
 
@@ -189,6 +194,7 @@ bool ReadHeader(RecordingFile* recording) {
     }
     std::string error;
     if (!ReadPart(recording->file, recording->path, &recording->part, &error)) {
+      recording->systemError = GetLastError();
       return Fail(OpenFailure::kUnreadable, error, recording);
     }
     if (recording->part.empty()) {
@@ -205,7 +211,10 @@ bool OpenRecording(const std::string& path, RecordingFile* recording) {
   recording->path = path == "-" ? "standard input" : path;
   std::string error;
   recording->file = OpenForReading(path, &error);
-  if (recording->file == INVALID_HANDLE_VALUE) return Fail(OpenFailure::kUnreadable, error, recording);
+  if (recording->file == INVALID_HANDLE_VALUE) {
+    recording->systemError = GetLastError();
+    return Fail(OpenFailure::kUnreadable, error, recording);
+  }
   if (ReadHeader(recording)) return true;
   CloseRecording(recording);
   return false;
@@ -224,7 +233,10 @@ bool NextChunk(RecordingFile* recording, Chunk* chunk) {
       case Decoded::kNeedMore: break;
       default: continue;
     }
-    if (!ReadPart(recording->file, recording->path, &recording->part, &recording->error)) return false;
+    if (!ReadPart(recording->file, recording->path, &recording->part, &recording->error)) {
+      recording->systemError = GetLastError();
+      return false;
+    }
     recording->isStopped = recording->onPart && !recording->onPart();
     if (recording->isStopped) return false;
     if (recording->part.empty()) break;

@@ -62,6 +62,7 @@ struct RecordingFile {
   RecordingDecoder decoder;
   size_t truncatedBytes = 0;
   OpenFailure failure = OpenFailure::kNone;
+  DWORD systemError = 0;  // with `error`, when the system could not open or read the file: for kv::ErrorText
   // Called after each part of the file, at most 64 KB, which may contain no chunk at all. When it returns false,
   // reading ends as at the end of the file, and `isStopped` is set.
   std::function<bool()> onPart;

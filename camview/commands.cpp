@@ -100,9 +100,9 @@ void ToggleRecording(View& view) {
   if (!kv::AskSavePath(view.window, Text(IDS_RECORD_TITLE).c_str(), &path)) return;
   if (!IsStillOpen(view, number)) return;
   StoreFolder(Setting::kRecordings, path);
-  std::string error;
+  DWORD error = 0;
   if (source.StartRecording(path, &error)) return;
-  Warn(view, TextWith(IDS_RECORDING_FAILED, kv::FileNameOf(path.c_str()), camera::Wide(error).c_str()));
+  Warn(view, TextWith(IDS_RECORDING_FAILED, kv::FileNameOf(path.c_str()), kv::ErrorText(error).c_str()));
 }
 
 // Returns "FOLDER\NAME 1.15-1.20.csv" for a range of FOLDER\NAME.twr.
@@ -123,7 +123,7 @@ void ExportSelection(View& view) {
   if (!kv::AskSavePath(view.window, Text(IDS_EXPORT_TITLE).c_str(), &path, kRecordingExtension)) return;
   if (!IsStillOpen(view, number)) return;
   if (!source.StartExport(range, path, !IsExtension(path, kRecordingExtension))) {
-    view.display.Say(StatusMark::kError, TextWith(IDS_EXPORT_FAILED, kv::FileNameOf(path.c_str()), L""));
+    view.display.Say(StatusMark::kError, TextWith(IDS_NOT_SAVED, kv::FileNameOf(path.c_str())));
   }
 }
 
@@ -134,8 +134,14 @@ void SayExported(View& view) {
   if (result.isDone) {
     return view.display.Say(StatusMark::kGood, TextWith(IDS_EXPORTED, RecordsAsText(result.records).c_str(), name));
   }
-  if (result.error.empty()) return view.display.Say(StatusMark::kNone, Text(IDS_EXPORT_CANCELLED));
-  view.display.Say(StatusMark::kError, TextWith(IDS_EXPORT_FAILED, name, camera::Wide(result.error).c_str()));
+  std::wstring reason;
+  switch (result.failure) {
+    case ExportFailure::kNone: return view.display.Say(StatusMark::kNone, Text(IDS_EXPORT_CANCELLED));
+    case ExportFailure::kSystem: reason = kv::ErrorText(result.systemError); break;
+    case ExportFailure::kTargetIsSource: reason = Text(IDS_REASON_IS_SOURCE); break;
+    case ExportFailure::kSourceIsShorter: reason = Text(IDS_REASON_SHORTER); break;
+  }
+  view.display.Say(StatusMark::kError, TextWith(IDS_EXPORT_FAILED, name, reason.c_str()));
 }
 
 // ---- Images ---------------------------------------------------------------------------------------------------------

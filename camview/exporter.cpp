@@ -39,8 +39,16 @@ struct Export {
   std::string buffer{};
 };
 
+bool Fail(Export* job, ExportFailure failure, DWORD systemError = 0) {
+  job->result->failure = failure;
+  job->result->systemError = systemError;
+  return false;
+}
+
 bool Flush(Export* job, size_t atLeast) {
-  return camera::FlushToOutput(&job->out, atLeast, &job->buffer, &job->result->error);
+  std::string message;
+  return camera::FlushToOutput(&job->out, atLeast, &job->buffer, &message) ||
+         Fail(job, ExportFailure::kSystem, job->out.failure);
 }
 
 // Returns whether to continue with data of that time.
@@ -68,7 +76,6 @@ bool AddRecording(Export* job, camera::RecordingFile* recording) {
   AddHeader(job, recording->decoder.header);
   camera::RecordStream stream;
   camera::Chunk chunk{};
-  std::string* error = &job->result->error;
   while (camera::NextChunk(recording, &chunk) && chunk.microseconds <= job->to) {
     if (chunk.microseconds >= job->from) {
       AddChunk(job, chunk.microseconds, chunk.bytes);
@@ -78,12 +85,11 @@ bool AddRecording(Export* job, camera::RecordingFile* recording) {
   }
   if (recording->isStopped) return false;
   const std::uint64_t expected = std::min(job->to, Microseconds(job->task.recordingSeconds));
-  if (error->empty()) *error = recording->error;
-  if (error->empty() && recording->decoder.endTime < expected)
-    *error = "the recording is shorter than when it was opened";
+  if (recording->systemError) return Fail(job, ExportFailure::kSystem, recording->systemError);
+  if (recording->decoder.endTime < expected) return Fail(job, ExportFailure::kSourceIsShorter);
   AddEnd(job, recording->decoder.endTime);
   job->result->records = stream.records;
-  return error->empty();
+  return true;
 }
 
 void AddStored(Export* job, const StoredRecord& record) {
@@ -119,16 +125,20 @@ bool AddStore(Export* job) {
 }
 
 bool Write(Export* job, camera::RecordingFile* recording) {
-  std::string* error = &job->result->error;
+  std::string message;
   const ExportTask& task = job->task;
-  if (!task.recording.empty() && !camera::OpenRecording(task.recording, recording)) {
+  if (!task.recording.empty() && !camera::OpenRecording(task.recording, recording) && !task.isCsv) {
     // Its records are in the store, but not its bytes.
-    if (!task.isCsv) *error = recording->error;
-    if (!task.isCsv) return false;
+    return recording->systemError ? Fail(job, ExportFailure::kSystem, recording->systemError)
+                                  : Fail(job, ExportFailure::kSourceIsShorter);
   }
-  if (!camera::OpenOutput(task.target, true, recording->file, &job->out, error)) return false;
+  if (!camera::OpenOutput(task.target, true, recording->file, &job->out, &message)) {
+    const DWORD failure = job->out.failure;
+    return Fail(job, failure ? ExportFailure::kSystem : ExportFailure::kTargetIsSource, failure);
+  }
   const bool isAdded = task.isCsv || task.recording.empty() ? AddStore(job) : AddRecording(job, recording);
-  return isAdded && Flush(job, 0) && camera::PublishOutput(&job->out, error);
+  if (!isAdded || !Flush(job, 0)) return false;
+  return camera::PublishOutput(&job->out, &message) || Fail(job, ExportFailure::kSystem, job->out.failure);
 }
 
 }  // namespace

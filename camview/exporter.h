@@ -1,6 +1,8 @@
 // Exports a range of time as comma-separated values or as a recording, on a separate thread. Main thread only.
 #pragma once
 
+#include <windows.h>
+
 #include <string>
 
 #include "camera/recording.h"
@@ -20,10 +22,13 @@ struct ExportTask {
   double from = 0, to = 0;  // seconds, both included
 };
 
+enum class ExportFailure { kNone, kSystem, kTargetIsSource, kSourceIsShorter };
+
 struct ExportResult {
   bool isDone = false;
-  std::string error;      // in English; "" when it is done or was cancelled
-  long long records = 0;  // rows, or records in the chunks
+  ExportFailure failure = ExportFailure::kNone;  // kNone also when it was cancelled
+  DWORD systemError = 0;                         // with kSystem
+  long long records = 0;                         // rows, or records in the chunks
 };
 
 // CSV has the columns of camtool export, with times as shown; records without points are omitted. A recording contains

@@ -81,7 +81,7 @@ struct LiveSource::Reader {
   void Read();
   void Take(double time, const std::string& bytes);
   void Record(double time, const std::string& bytes);
-  void EndRecording();
+  void EndRecording(DWORD systemError = 0);
   void Publish(double seconds, size_t first);
 };
 
@@ -166,13 +166,12 @@ void LiveSource::Reader::Record(double time, const std::string& bytes) {
   {
     const std::lock_guard guard(lock);
     status.recording.bytes += isWritten ? static_cast<long long>(bytes.size()) : 0;
-    if (!isWritten) status.recording.error = error;
   }
-  if (!isWritten) EndRecording();
+  if (!isWritten) EndRecording(recorder->file.failure);
 }
 
 // Call with `recordingLock` held.
-void LiveSource::Reader::EndRecording() {
+void LiveSource::Reader::EndRecording(DWORD systemError) {
   if (!recorder) return;
   const double seconds = camera::EndRecording(recorder.get());
   // Without data the recording has not taken the place of the file.
@@ -181,7 +180,8 @@ void LiveSource::Reader::EndRecording() {
   recorder.reset();
   const std::lock_guard guard(lock);
   LiveRecording& recording = status.recording;
-  recording.state = recording.error.empty() ? LiveRecordingState::kComplete : LiveRecordingState::kFailed;
+  recording.state = systemError ? LiveRecordingState::kFailed : LiveRecordingState::kComplete;
+  recording.systemError = systemError;
   recording.seconds = seconds;
   recording.hasKeptFile = hasKeptFile;
 }
@@ -239,16 +239,15 @@ std::uint64_t LiveSource::startTime() const {
   return reader_->startTime;
 }
 
-bool LiveSource::StartRecording(const std::string& path, bool overwrite, std::string* error) {
+bool LiveSource::StartRecording(const std::string& path, bool overwrite, DWORD* error) {
   const std::lock_guard recordingGuard(reader_->recordingLock);
-  if (reader_->recorder) {
-    *error = "\"" + reader_->recorder->file.path + "\" is being recorded";
-    return false;
-  }
+  *error = 0;
+  if (reader_->recorder) return false;
   auto recorder = std::make_unique<camera::Recorder>();
-  error->clear();
-  if (!camera::OpenOutput(path, overwrite, nullptr, &recorder->file, error)) return false;
-  if (!camera::BeginRecording(recorder.get(), reader_->number, error)) {
+  std::string message;
+  const bool isOpen = camera::OpenOutput(path, overwrite, nullptr, &recorder->file, &message);
+  if (!isOpen || !camera::BeginRecording(recorder.get(), reader_->number, &message)) {
+    *error = recorder->file.failure;
     camera::CloseOutput(&recorder->file);
     return false;
   }

@@ -48,7 +48,8 @@ enum class LiveRecordingState { kNone, kOn, kComplete, kFailed };
 // The current or last recording of a port.
 struct LiveRecording {
   LiveRecordingState state = LiveRecordingState::kNone;
-  std::string path, error;        // the error is in English
+  std::string path;
+  DWORD systemError = 0;          // with kFailed
   double began = 0, seconds = 0;  // start, on the clock of the port, and duration
   long long bytes = 0;            // that were received and written
   // Nothing was received, so the file that it should have replaced is as it was.
@@ -85,9 +86,9 @@ class LiveSource {
   std::uint64_t startTime() const;
 
   // Starts recording to a file, which is intact at any time; gaps in the line do not end the recording. Returns false,
-  // with an error message in `error`, when the file cannot be created or a recording is running. A recording that fails
-  // later (a full disk) ends with kFailed, while reading continues.
-  bool StartRecording(const std::string& path, bool overwrite, std::string* error);
+  // with the system's error in `error`, when the file cannot be created; with 0 when a recording is running or the file
+  // exists. A recording that fails later (a full disk) ends with kFailed, while reading continues.
+  bool StartRecording(const std::string& path, bool overwrite, DWORD* error);
   // Completes the recording before it returns.
   void StopRecording();
 

@@ -55,7 +55,7 @@ void RecordingLoader::Load() {
   loaded_.store = std::make_unique<RecordStore>();
   if (!camera::OpenRecording(loaded_.path, &file)) {
     loaded_.outcome = OutcomeOf(file.failure);
-    loaded_.error = file.error;
+    loaded_.systemError = file.systemError;
     loaded_.version = file.decoder.version;
     return;
   }
@@ -67,7 +67,7 @@ void RecordingLoader::Load() {
   loaded_.outcome = ReadRecords(&file, &intake, loaded_.store.get());
   camera::CloseRecording(&file);
   const camera::RecordingDecoder& decoder = file.decoder;
-  loaded_.error = file.error;
+  loaded_.systemError = file.systemError;
   loaded_.header = decoder.header;
   loaded_.hasHeader = decoder.header.startTime != 0 || decoder.header.baudRate != 0;
   loaded_.seconds = static_cast<double>(decoder.endTime) / 1e6;

@@ -2,6 +2,8 @@
 // write to it meanwhile. Main thread only.
 #pragma once
 
+#include <windows.h>
+
 #include <memory>
 #include <string>
 
@@ -14,8 +16,8 @@ namespace camview {
 enum class LoadOutcome {
   kComplete,    // read to its end; for damage and truncation see the counts
   kCancelled,   // contains what was read
-  kUnreadable,  // cannot be opened; the reason is in `error`
-  kReadFailed,  // reading failed; contains what was read; the reason is in `error`
+  kUnreadable,  // cannot be opened; the reason is `systemError`
+  kReadFailed,  // reading failed; contains what was read; the reason is `systemError`
   kEmpty,       // the file has no bytes
   kForeign,     // not a recording
   kOtherVersion,
@@ -25,7 +27,8 @@ enum class LoadOutcome {
 
 struct LoadedRecording {
   LoadOutcome outcome = LoadOutcome::kComplete;
-  std::string path, error;             // UTF-8; the error is in English, or ""
+  std::string path;                    // UTF-8
+  DWORD systemError = 0;               // with kUnreadable and kReadFailed
   std::unique_ptr<RecordStore> store;  // never null; empty when nothing could be read
   bool hasHeader = false;              // false: the header is damaged, and `header` is 0
   camera::RecordingHeader header;      // start (UTC), port, rate

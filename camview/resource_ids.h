@@ -120,6 +120,8 @@
 #define IDS_SOURCE_CHANGED 542
 #define IDS_RECORDS_ONE 543
 #define IDS_RECORDS 544
+#define IDS_REASON_IS_SOURCE 545
+#define IDS_REASON_SHORTER 546
 
 // A recording that was opened
 #define IDS_FILE_WHOLE 551

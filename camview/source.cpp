@@ -131,7 +131,7 @@ void Source::CancelWork() {
   if (isExporting_) exporter_.Cancel();
 }
 
-bool Source::StartRecording(const std::wstring& path, std::string* error) {
+bool Source::StartRecording(const std::wstring& path, DWORD* error) {
   if (!live_) return false;
   const bool isStarted = live_->StartRecording(camera::Narrow(path), true, error);
   status_ = live_->Status();

@@ -71,7 +71,7 @@ class Source {
   const LoadedRecording& Rejected() const { return rejected_; }
 
   // Records the port to a file, and replaces one. Returns false with an error message in `error`.
-  bool StartRecording(const std::wstring& path, std::string* error);
+  bool StartRecording(const std::wstring& path, DWORD* error);
   void StopRecording();
 
   // Exports a range. Returns false without records, while loading or exporting, or when no thread could be created.

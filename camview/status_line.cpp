@@ -19,6 +19,7 @@
 #include "kv/framework/guards.h"
 #include "kv/framework/numbers.h"
 #include "kv/toolkit/appearance.h"
+#include "kv/toolkit/error_text.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/locale_text.h"
 #include "kv/toolkit/scaled_dialog.h"
@@ -136,7 +137,7 @@ std::wstring LengthAsText(double seconds) {
 }
 
 StatusLine DescribeRecording(const LoadedRecording& recording) {
-  const std::wstring name = NameOfFile(recording.path), why = camera::Wide(recording.error);
+  const std::wstring name = NameOfFile(recording.path), why = kv::ErrorText(recording.systemError);
   const auto rejected = [&](UINT id) {
     return StatusLine{StatusMark::kError, TextWith(id, name.c_str(), why.c_str())};
   };
@@ -196,7 +197,8 @@ StatusLine DescribeLiveRecording(const LiveRecording& recording) {
     case LiveRecordingState::kOn:
       return {StatusMark::kRecording, TextWith(IDS_RECORDING_TO, name.c_str(), length.c_str())};
     case LiveRecordingState::kFailed:
-      return {StatusMark::kError, TextWith(IDS_RECORDING_FAILED, name.c_str(), camera::Wide(recording.error).c_str())};
+      return {StatusMark::kError,
+              TextWith(IDS_RECORDING_FAILED, name.c_str(), kv::ErrorText(recording.systemError).c_str())};
     case LiveRecordingState::kComplete: break;
   }
   if (recording.hasKeptFile) return {StatusMark::kWarning, TextWith(IDS_RECORDED_NOTHING, name.c_str())};

@@ -82,7 +82,7 @@ TEST(CamviewLive, ReconnectsAfterDisconnectionAndContinuesRecording) {
   SerialLine line({3, 4});
   PlayedCamera camera(4);
   EXPECT_TRUE(Within20Seconds([&] { return isInState(LiveState::kSilent); }));
-  std::string error;
+  DWORD error = 0;
   ASSERT_TRUE(live.StartRecording(path, false, &error)) << error;
   EXPECT_FALSE(live.StartRecording(path + "2", false, &error)) << "one at a time";
   const auto send = [&](std::string_view bytes, LiveState state) {
@@ -156,9 +156,9 @@ TEST(CamviewLive, ReportsTheOwnerOfABusyPortAndAFullDisk) {
     LiveSource second(3);
     EXPECT_TRUE(Within20Seconds([&] { return second.Status().state == LiveState::kBusy; }));
   }
-  std::string error;
+  DWORD error = 0;
   EXPECT_FALSE(live.StartRecording(PathOf("camview no folder\\a.twr"), false, &error));
-  EXPECT_NE("", error);
+  EXPECT_EQ(static_cast<DWORD>(ERROR_PATH_NOT_FOUND), error);
   EXPECT_EQ(LiveRecordingState::kNone, live.Status().recording.state);
 
   // The disk is full during recording: the written part is intact, and the display continues.
@@ -180,7 +180,7 @@ TEST(CamviewLive, ReportsTheOwnerOfABusyPortAndAFullDisk) {
     sendUntil([](const LiveStatus& status) { return status.recording.state == LiveRecordingState::kFailed; });
   }
   const LiveStatus failed = live.Status();
-  EXPECT_NE(std::string::npos, failed.recording.error.find("the disk is full")) << failed.recording.error;
+  EXPECT_EQ(static_cast<DWORD>(ERROR_DISK_FULL), failed.recording.systemError);
   sendUntil([&](const LiveStatus& status) { return status.records > failed.records + 5; });
   const LoadedRecording loaded = Load(path);
   EXPECT_EQ(failed.recording.bytes, loaded.bytes);

@@ -99,7 +99,7 @@ TEST(CamviewLoader, LoadsIntactChunksAndReportsDamage) {
     EXPECT_EQ(records, loaded.store->End()) << name;
     EXPECT_EQ(isTruncated, loaded.isTruncated) << name;
     EXPECT_EQ(places, loaded.damageCount) << name;
-    EXPECT_EQ(outcome == LoadOutcome::kComplete, loaded.error.empty()) << name;
+    EXPECT_EQ(0u, loaded.systemError) << name;
   }
   const LoadedRecording whole = LoadBytes(kHeader + chunks + end), hit = LoadBytes(damaged);
   EXPECT_EQ(std::tuple(true, kStart, 3u), std::tuple(whole.hasHeader, whole.header.startTime, whole.header.port));
@@ -116,7 +116,7 @@ TEST(CamviewLoader, LoadsIntactChunksAndReportsDamage) {
   EXPECT_FALSE(LoadBytes(badHeader).hasHeader);
   const LoadedRecording none = LoadFile(PathOf("camview there is none.twr"));
   EXPECT_EQ(LoadOutcome::kUnreadable, none.outcome);
-  EXPECT_NE("", none.error);
+  EXPECT_EQ(static_cast<DWORD>(ERROR_FILE_NOT_FOUND), none.systemError);
 }
 
 TEST(CamviewLoader, OpensARunningRecordingAndKeepsLoadedRecordsWhenCancelled) {
@@ -207,7 +207,7 @@ TEST(CamviewExport, WritesATimeRangeAsRowsAndAsARecording) {
                   .from = 1,
                   .to = 2};
   ExportResult result = RunExport(task);
-  EXPECT_TRUE(result.isDone) << result.error;
+  EXPECT_TRUE(result.isDone) << result.systemError;
   EXPECT_EQ(3, result.records);
   camera::RecordingHeader header;
   EXPECT_EQ(requested + "end 1000000", DecodedFrom(target, &header));
@@ -215,23 +215,29 @@ TEST(CamviewExport, WritesATimeRangeAsRowsAndAsARecording) {
 
   task.isCsv = true;
   result = RunExport(task);
-  EXPECT_TRUE(result.isDone) << result.error;
+  EXPECT_TRUE(result.isDone) << result.systemError;
   EXPECT_EQ(
       camera::CsvHeader() + "1.010000,2,200,300,400,1023,1023,512,384\n2.000000,4,200,300,400,1023,1023,512,384\n",
       BytesOf(target));
   for (const bool isCsv : {false, true}) {
     task.isCsv = isCsv;
     task.target = source;
-    EXPECT_NE(std::string::npos, RunExport(task).error.find("is the file that is read"));
+    EXPECT_EQ(ExportFailure::kTargetIsSource, RunExport(task).failure);
     EXPECT_EQ(bytes, BytesOf(source));
     // The recording is truncated after it was read: its bytes are not there any more, but the records were kept.
     task.target = target;
     WriteTo(target, "old");
     WriteTo(source, bytes.substr(0, camera::kRecordingHeaderBytes + 100));
-    EXPECT_EQ(isCsv, RunExport(task).isDone);
+    result = RunExport(task);
+    EXPECT_EQ(isCsv, result.isDone);
+    EXPECT_EQ(isCsv ? ExportFailure::kNone : ExportFailure::kSourceIsShorter, result.failure);
     EXPECT_EQ(isCsv, BytesOf(target) != "old");
     WriteTo(source, bytes);
   }
+  task.target = PathOf("camview there is none\\a.twr");
+  result = RunExport(task);
+  EXPECT_EQ(std::pair(ExportFailure::kSystem, static_cast<DWORD>(ERROR_PATH_NOT_FOUND)),
+            std::pair(result.failure, result.systemError));
   for (const std::string& path : {source, target}) DeleteFileA(path.c_str());
 }
 
