@@ -282,6 +282,10 @@ void Display::ShowTimeline(const Source& source, const ViewTime& time) {
     const TimelineMarks marks{static_cast<DWORD>(sections.size()), sections.data()};
     Send(window_, IDC_TIMELINE, kTimelineShowMarks, &marks);
   }
+  if (timelineVisible_ != time.shown) {
+    timelineVisible_ = time.shown;
+    Send(window_, IDC_TIMELINE, kTimelineVisible, &time.shown);
+  }
   if (IsNew(time.position, &timelinePosition_)) Send(window_, IDC_TIMELINE, kTimelinePosition, &time.position);
   if (timelineSelection_ != time.selection) {
     timelineSelection_ = time.selection;

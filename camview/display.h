@@ -72,7 +72,7 @@ class Display {
   using FieldKey = std::tuple<unsigned, long long, double, double, double>;
   std::optional<FieldKey> field_;
   std::vector<StoredRecord> fieldRecords_;
-  std::optional<TimeRange> timelineRange_, timelineSelection_;
+  std::optional<TimeRange> timelineRange_, timelineSelection_, timelineVisible_;
   using SectionsKey = std::tuple<unsigned, size_t, double>;
   std::optional<SectionsKey> sections_;
   double timelinePosition_ = kNoTime;

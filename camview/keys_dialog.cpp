@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "camview/resource_ids.h"
+#include "kv/lists/extended_list.h"
 #include "kv/lists/list_navigation.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/list_columns.h"
@@ -15,7 +16,7 @@ namespace camview {
 
 namespace {
 
-const kv::ListColumn kColumns[] = {{MAKEINTRESOURCEW(IDS_COLUMN_KEY), 40}, {MAKEINTRESOURCEW(IDS_COLUMN_ACTION), 60}};
+const kv::ListColumn kColumns[] = {{MAKEINTRESOURCEW(IDS_COLUMN_KEY), 45}, {MAKEINTRESOURCEW(IDS_COLUMN_ACTION), 55}};
 
 using Keys = std::vector<std::pair<std::wstring, std::wstring>>;
 
@@ -40,8 +41,18 @@ INT_PTR OnInit(HWND dialog, LPARAM keys) {
 
 INT_PTR OnDrawItem(HWND dialog, const DRAWITEMSTRUCT& item) {
   const auto& keys = *reinterpret_cast<const Keys*>(GetWindowLongW(dialog, DWL_USER));
-  kv::DrawListRow(item, kColumns,
-                  [&](UINT row, int column) { return column == 0 ? keys[row].first : keys[row].second; });
+  const int textPx = static_cast<int>(item.rcItem.bottom - item.rcItem.top) * 7 / 10;  // as large as the button's
+  if (item.itemID < keys.size() && keys[item.itemID].first.empty()) {
+    // A heading across both columns.
+    const kv::ListColumn heading{keys[item.itemID].second.c_str(), 1};
+    DRAWITEMSTRUCT row = item;
+    row.itemID = kv::kHeaderRow;
+    kv::DrawListRow(row, {&heading, 1}, {}, {}, textPx);
+    return TRUE;
+  }
+  kv::DrawListRow(
+      item, kColumns, [&](UINT row, int column) { return column == 0 ? keys[row].first : keys[row].second; }, {},
+      textPx);
   return TRUE;
 }
 

@@ -37,7 +37,7 @@ struct Timeline {
   TimeRange range{0, 0};
   double position = 0;
   bool isSelected = false;
-  TimeRange selection{0, 0};
+  TimeRange selection{0, 0}, visible{0, 0};
   std::vector<Stretch> stretches;
   bool isDragging = false, isSelecting = false;
   double anchor = 0;  // the fixed end of the selection
@@ -49,6 +49,10 @@ struct Timeline {
 };
 
 // ---- Layout ---------------------------------------------------------------------------------------------------------
+
+double Within(const TimeRange& range, double time) {
+  return std::clamp(time, range.from, range.to);
+}
 
 struct TimelineLayout {
   RECT track;      // between the ends of the range
@@ -152,6 +156,15 @@ void DrawThumb(kv::Canvas& canvas, const TimelineLayout& layout, const TimelineC
   kv::FillArea(canvas, {x, layout.track.top - 1, x + 1, layout.track.bottom + 1}, colors.thumb);
 }
 
+// Above the track's middle, so that it does not hide stretches.
+void DrawVisible(kv::Canvas& canvas, const RECT& track, COLORREF color, LONG left, LONG right) {
+  const LONG thickness = 2, foot = (track.bottom - track.top) / 3;
+  right = std::max(right, left + 2 * thickness);
+  kv::FillArea(canvas, {left, track.top, right, track.top + thickness}, color);
+  kv::FillArea(canvas, {left, track.top, left + thickness, track.top + foot}, color);
+  kv::FillArea(canvas, {right - thickness, track.top, right, track.top + foot}, color);
+}
+
 void Blend(const kv::Surface& surface, const RECT& area, COLORREF color, DWORD coverage) {
   for (LONG y = area.top; y < area.bottom && area.left < area.right; ++y) {
     kv::BlendPixels(surface.Row(y) + area.left, area.right - area.left, kv::PixelOfColor(color), coverage);
@@ -176,6 +189,11 @@ bool Render(Timeline& timeline, bool isFocused) {
     Blend(timeline.surface, {left, track.top, right, track.bottom}, colors.selection, 90);
     kv::FillArea(canvas, {left, track.bottom - 3, right, track.bottom}, colors.selection);
   }
+  const TimeRange visible{Within(timeline.range, timeline.visible.from), Within(timeline.range, timeline.visible.to)};
+  if (visible.Length() > 0 && visible != timeline.range) {
+    DrawVisible(canvas, track, colors.edge, XOfTime(layout, timeline.range, visible.from),
+                XOfTime(layout, timeline.range, visible.to));
+  }
   if (timeline.range.to > timeline.range.from) {
     DrawThumb(canvas, layout, colors, XOfTime(layout, timeline.range, timeline.position));
   }
@@ -197,10 +215,6 @@ LRESULT Repaint(Timeline& timeline) {
 LRESULT RepaintAll(Timeline& timeline) {
   timeline.isDirty = true;
   return Repaint(timeline);
-}
-
-double Within(const TimeRange& range, double time) {
-  return std::clamp(time, range.from, range.to);
 }
 
 LRESULT Tell(Timeline& timeline, WORD code) {
@@ -277,6 +291,14 @@ bool SetMarks(Timeline& timeline, WPARAM wParam, LPARAM lParam) {
   return true;
 }
 
+bool ExchangeVisible(Timeline& timeline, WPARAM wParam, LPARAM lParam) {
+  if (wParam & kv::kCommandRead) return kv::CopyItemOut(timeline.visible, lParam);
+  TimeRange visible;
+  if (!kv::CopyItemIn(lParam, &visible) || !IsSpan(visible)) return false;
+  timeline.visible = visible;
+  return true;
+}
+
 bool ExchangeSelection(Timeline& timeline, WPARAM wParam, LPARAM lParam) {
   if (wParam & kv::kCommandRead) return timeline.isSelected && kv::CopyItemOut(timeline.selection, lParam);
   if (wParam & kv::kCommandRemove) {
@@ -296,6 +318,7 @@ bool DoCommand(Timeline& timeline, WPARAM wParam, LPARAM lParam) {
     case kTimelineRange: return ExchangeRange(timeline, wParam, lParam);
     case kTimelinePosition: return ExchangePosition(timeline, wParam, lParam);
     case kTimelineShowMarks: return SetMarks(timeline, wParam, lParam);
+    case kTimelineVisible: return ExchangeVisible(timeline, wParam, lParam);
     case kTimelineSelection: return ExchangeSelection(timeline, wParam, lParam);
     default: return false;
   }

@@ -38,6 +38,7 @@ enum TimelineCommand : BYTE {
   kTimelineRange = 17,      // a TimeRange; limits position and selection
   kTimelinePosition = 18,   // a double, clamped to the range
   kTimelineShowMarks = 19,  // TimelineMarks; cannot be read
+  kTimelineVisible = 20,    // a TimeRange that other controls show: a bracket at the top, unless it is the whole
   kTimelineSelection = 24,  // a TimeRange; kCommandRemove removes it; reading returns 0 without one
 };
 

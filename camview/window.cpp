@@ -148,6 +148,8 @@ void Update(View& view) {
     if (view.shownSource != source.Number()) {
       view.shownSource = source.Number();
       Restart(&view.time, source.Whole(), source.IsLive());
+      const RecordStore* store = source.Records();
+      if (store && !source.IsLive()) Seek(&view.time, store->Seconds(store->First()));
     }
     if (source.IsLive()) Grow(&view.time, source.Whole());
     view.display.Refresh(source, view.time, view.options);

@@ -95,6 +95,17 @@ BOOL WindowPosition(HWND window, const char* name, int mode) {
   return TRUE;
 }
 
+void PlaceOverOwner(HWND window) {
+  SetWindowLongA(window, GWL_STYLE, GetWindowLongA(window, GWL_STYLE) & ~(WS_MINIMIZEBOX | WS_MAXIMIZEBOX));
+  const HWND owner = GetWindow(window, GW_OWNER);
+  RECT around{}, own{};
+  if (!owner || IsIconic(owner) || !GetWindowRect(owner, &around) || !GetWindowRect(window, &own)) return;
+  const LONG left = (around.left + around.right - (own.right - own.left)) / 2;
+  const LONG top = (around.top + around.bottom - (own.bottom - own.top)) / 2;
+  SetWindowPos(window, nullptr, std::max(left, 0L), std::max(top, 0L), 0, 0,
+               SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 void KeepInSight(HWND window, SIZE minimumSize) {
   constexpr int kGrip = 48;  // of the caption, in pixels
   RECT rect{};

@@ -30,6 +30,9 @@ void StorePosition(const char* name, const RECT& position);
 // any other mode.
 BOOL WindowNumber(const char* name, DWORD* number, int mode);
 
+// Centers a window over its owner, if that is not minimized, and removes its boxes to minimize and maximize it.
+void PlaceOverOwner(HWND window);
+
 // Call after restoring a window's position: shrinks a window that is larger than its monitor's work area, makes it at
 // least `minimumSize` large, and centres it on the primary monitor when no monitor shows enough of its caption to drag
 // it.

@@ -10,6 +10,7 @@ namespace kv {
 void RestorePosition(HWND dialog, const DialogState& state) {
   const ScaledDialog& options = state.options;
   if (options.positionName) WindowPosition(dialog, options.positionName, kPositionRestore);
+  if (state.kind == DialogKind::kModal) PlaceOverOwner(dialog);
   KeepInSight(dialog, state.minimumSize);
   DWORD maximised = FALSE;
   if (options.maximisedName) WindowNumber(options.maximisedName, &maximised, kPositionRestore);

@@ -128,7 +128,8 @@ int RunDialog(HINSTANCE instance, const ScaledDialog& dialog);
 HWND OpenDialog(HWND owner, const ScaledDialog& dialog);
 
 // Runs a modal dialog and returns the id of its button (IDOK, IDCANCEL, or the result that the procedure passes to
-// EndDialog); -1 when it cannot be opened.
+// EndDialog); -1 when it cannot be opened. It is centered over `owner`, with the stored size, and cannot be minimized or
+// maximized.
 INT_PTR RunModalDialog(HWND owner, const ScaledDialog& dialog);
 
 // Dispatches messages until the window is destroyed or the process quits; returns the exit code. Handles the keys of
