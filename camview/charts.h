@@ -1,32 +1,41 @@
-// The two strip charts, of x and of y over time: the visible range with all details that the pixels can show, and the
-// rest coarsely, so that a recording of a day needs only as many samples as a few screens. Main thread only.
+// The two strip charts, of x and of y over time. They ask for the records of the source, and copy none. Main thread
+// only.
 #pragma once
 
 #include <windows.h>
 
 #include <optional>
 
-#include "camview/record_store.h"
+#include "camview/source.h"
 #include "camview/view_time.h"
+#include "kv/controls/strip_chart/strip_chart.h"
 
 namespace camview {
 
-// What the charts should show. Without a store they are empty.
+// What the charts should show of the source. Without records they are empty.
 struct ChartContent {
-  const RecordStore* store = nullptr;
-  unsigned source = 0;  // another number for each source
-  TimeRange whole;      // the range to which they can be scrolled
+  unsigned source = 0;          // Source::Number(); even: none
+  const void* store = nullptr;  // only compared
+  long long records = 0;        // numbers of the records end there
+  TimeRange whole;              // the range in which they can be scrolled
   TimeRange shown;
   bool isFollowing = false;  // new records appear as they are stored
   double cursor = kNoTime;
   std::optional<TimeRange> selection;
   bool fitValues = false;  // the value range fits the records; otherwise it is the whole field
+  bool operator==(const ChartContent&) const = default;
 };
 
 class Charts {
  public:
-  // Call once, and when the language has changed: sets the names of the channels, and shows everything again.
-  void Describe(HWND window);
+  Charts(HWND window, const Source& source);
+  // The charts, which may outlive this, ask no more.
+  ~Charts();
+  Charts(const Charts&) = delete;
+  Charts& operator=(const Charts&) = delete;
+
+  // Sets the names of the channels in the current language.
+  void Describe() const;
   // Updates what differs from the last content.
   void Show(const ChartContent& content);
 
@@ -39,24 +48,26 @@ class Charts {
   void SetChangedByUser() { isChanged_ = true; }
 
  private:
-  struct Feed {
-    TimeRange fine;          // range with details; empty when the charts are empty
-    double shown = 0;        // length of the visible range when the charts were fed
-    bool isExact = false;    // contains each record of `fine`
-    long long next = 0;      // next record to append
-    long long appended = 0;  // records appended since
+  // What a chart asks.
+  struct Axis {
+    const Charts* charts;
+    int coordinate;  // 0: x, 1: y
   };
-  bool HasDetails(const ChartContent& content) const;
-  void Refill(const ChartContent& content);
-  bool Append(const ChartContent& content);
-  void ShowRange(const ChartContent& content);
-  void ShowMarks(const ChartContent& content, bool isOther);
+  static kv::StripNumbers Numbers(void* axis, int point);
+  static long long Find(void* axis, int point, double time);
+  static void Read(void* axis, int point, long long number, DWORD count, kv::StripSuppliedSample* samples);
+  static kv::StripExtent Extent(void* axis, int point, long long from, long long to);
+  static kv::StripTimeRange Times(void* axis, int point);
+  void SetSources(bool supply);
+  void ShowValueRange(const ChartContent& content) const;
+  void ShowRange(const ChartContent& content) const;
+  void ShowMarks(const ChartContent& content, bool isOther) const;
 
-  HWND window_ = nullptr;
-  Feed feed_;
+  HWND window_;
+  const Source& source_;
+  Axis axes_[2] = {{this, 0}, {this, 1}};
   ChartContent last_;
   bool isChanged_ = true;  // the charts may differ from the last content
-  bool needsValueRange_ = true;
 };
 
 }  // namespace camview

@@ -96,7 +96,7 @@ int SpeedIndex(double speed) {
   return static_cast<int>(std::ranges::lower_bound(kSpeeds, speed - 1e-9) - std::begin(kSpeeds));
 }
 
-Display::Display(HWND window) : window_(window) {
+Display::Display(HWND window, const Source& source) : window_(window), charts_(window, source) {
   SendDlgItemMessageW(window, IDC_PROGRESS, PBM_SETRANGE32, 0, kProgressSteps);
   const HWND list = GetDlgItem(window, IDC_STATISTICS);
   kv::AddListNavigation(list);
@@ -119,7 +119,7 @@ void Display::Say(StatusMark mark, const std::wstring& text) {
 void Display::Refresh(const Source& source, const ViewTime& time, const DisplayOptions& options) {
   if (!isNamed_) {
     NameControls(window_);
-    charts_.Describe(window_);
+    charts_.Describe();
   }
   isNamed_ = true;
   const double now = camera::Now();
@@ -253,8 +253,10 @@ void Display::ShowCharts(const Source& source, const ViewTime& time, const Displ
   constexpr double kChartSeconds = 0.075;
   if (time.IsFollowing() && now < chartsDue_) return;
   chartsDue_ = now + kChartSeconds;
-  charts_.Show({.store = source.Records(),
-                .source = source.Number(),
+  const RecordStore* store = source.Records();
+  charts_.Show({.source = source.Number(),
+                .store = store,
+                .records = store ? store->End() : 0,
                 .whole = {time.begin, time.end},
                 .shown = time.shown,
                 .isFollowing = time.IsFollowing(),

@@ -28,7 +28,7 @@ struct DisplayOptions {
 
 class Display {
  public:
-  explicit Display(HWND window);
+  Display(HWND window, const Source& source);
 
   void Refresh(const Source& source, const ViewTime& time, const DisplayOptions& options);
   // After a change of the language, the next Refresh shows everything again.

@@ -28,8 +28,10 @@ const RecordStore* Source::Records() const {
 TimeRange Source::Whole() const {
   const RecordStore* store = Records();
   if (!store) return {};
-  const double first = store->Seconds(store->First()), last = store->Seconds(store->End() - 1);
-  return live_ ? TimeRange{first, last} : TimeRange{0, std::max(loaded_.seconds, last)};
+  const double last = store->Seconds(store->End() - 1);
+  if (!live_) return {0, std::max(loaded_.seconds, last)};
+  // The oldest records may have been dropped.
+  return {store->First() > 0 ? store->Seconds(store->First()) : 0, std::max(status_.now, last)};
 }
 
 std::wstring Source::Name() const {

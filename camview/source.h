@@ -40,7 +40,7 @@ class Source {
   unsigned Number() const { return number_; }
   // The records; null when there are none.
   const RecordStore* Records() const;
-  // The time from the first record or the beginning of a recording to the last record or the end of a recording.
+  // The time from the start, or from the oldest record that is still stored, to the end of a recording or to now.
   TimeRange Whole() const;
   // "COM3", or the path of the recording; "" when nothing is open.
   std::wstring Name() const;

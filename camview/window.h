@@ -23,7 +23,7 @@ struct StartOptions {
 
 // Commands change source, time and options; then Update brings the display in line.
 struct View {
-  explicit View(HWND dialog) : window(dialog), display(dialog) {}
+  explicit View(HWND dialog) : window(dialog), display(dialog, source) {}
 
   HWND window;
   Source source;

@@ -12,11 +12,9 @@
 
 #include "camera/camera_record.h"
 #include "camera/record_stream.h"
-#include "camview/envelope.h"
 #include "camview/record_store.h"
 #include "camview/statistics.h"
 #include "camview/view_time.h"
-#include "kv/controls/strip_chart/strip_chart.h"
 
 namespace camview {
 namespace {
@@ -89,6 +87,30 @@ TEST(CamviewStore, ReturnsRecordsAndFindsThemByTime) {
   EXPECT_EQ(0, store.Find(-1e300));
   EXPECT_EQ(store.End(), store.Find(1e300));
   EXPECT_EQ(store.End() - 1, store.At(1e300));
+}
+
+TEST(CamviewStore, KnowsTheExtremesOfAnyRange) {
+  const std::vector<GivenRecord> given = Wander(3 * kBlockRecords + 100);
+  RecordStore store;
+  for (const GivenRecord& one : given) ASSERT_TRUE(store.Append(one.record, one.flags));
+  std::mt19937 random(3);
+  for (int i = 0; i < 200; ++i) {
+    size_t from = random() % given.size(), to = random() % given.size();
+    if (i % 2) to = from + random() % 200;  // within a few groups
+    if (from > to) std::swap(from, to);
+    to = std::min(to, given.size());
+    const Extremes extremes = store.ExtremesOf(static_cast<long long>(from), static_cast<long long>(to));
+    for (int channel = 0; channel < kChannels; ++channel) {
+      LONG lowest = INT16_MAX, highest = -1;
+      for (size_t n = from; n < to; ++n) {
+        if (!IsSeen(given[n], channel / 2)) continue;
+        lowest = std::min(lowest, ValueOf(given[n], channel));
+        highest = std::max(highest, ValueOf(given[n], channel));
+      }
+      ASSERT_EQ(std::pair(lowest, highest), std::pair(LONG{extremes.lowest[channel]}, LONG{extremes.highest[channel]}))
+          << from << " to " << to;
+    }
+  }
 }
 
 TEST(CamviewStore, FindsTheFirstOfEqualTimesAndSurvivesYears) {
@@ -164,62 +186,6 @@ TEST(CamviewIntake, RecordsSilenceDamageAndMalformedBytes) {
   EXPECT_EQ((Times{{1.01, 1.02}, {3, 3}}), list(StretchKind::kMalformed));
   EXPECT_EQ((Times{{1.5, 2.5}}), list(StretchKind::kDamaged));
   EXPECT_EQ(25, store.Stretches(StretchKind::kMalformed)[0].bytes);
-}
-
-TEST(CamviewCurves, LoseNoExtremeAndShowGaps) {
-  const std::vector<GivenRecord> given = Wander(20000);
-  RecordStore store;
-  for (const GivenRecord& one : given) store.Append(one.record, one.flags);
-  const double end = given.back().record.seconds;
-  constexpr int kBuckets = 100;
-  Curves curves;
-  for (const auto& [from, to] : {std::pair{0.0, end}, {40.0, 90.0}, {50.0, 51.0}, {-5.0, 2 * end}}) {
-    MakeCurves(store, from, to, kBuckets, 0xFF, &curves);
-    for (int channel = 0; channel < kChannels; ++channel) {
-      const auto& curve = curves[channel];
-      ASSERT_FALSE(curve.empty());
-      EXPECT_LE(curve.size(), 6u * kBuckets);
-      EXPECT_TRUE(std::ranges::is_sorted(curve, {}, &kv::StripSample::time));
-      double lowest = 1e9, highest = -1, lowestThere = 1e9, highestThere = -1;
-      for (const GivenRecord& one : given) {
-        if (one.record.seconds < from || one.record.seconds > to || !IsSeen(one, channel / 2)) continue;
-        lowestThere = std::min<double>(lowestThere, ValueOf(one, channel));
-        highestThere = std::max<double>(highestThere, ValueOf(one, channel));
-      }
-      for (const kv::StripSample& sample : curve) {
-        lowest = std::min(lowest, sample.value);  // ignores NaN
-        highest = std::max(highest, sample.value);
-      }
-      EXPECT_LE(lowest, lowestThere);
-      EXPECT_GE(highest, highestThere);
-    }
-  }
-  // Few records: each is a sample, and a curve has gaps where the point is not seen or the line was silent.
-  RecordStore few;
-  for (const double seconds : {1.0, 2.0, 3.0}) few.Append(RecordAt(seconds, 10), 0);
-  few.Append(RecordAt(4, kv::kNoPoint), 0);
-  few.Append(RecordAt(5, 20), 0);
-  few.Append(RecordAt(9, 30), kAfterSilence);
-  MakeCurves(few, 2.5, 8, kBuckets, 2, &curves);
-  EXPECT_TRUE(curves[0].empty()) << "not requested";
-  std::string text;
-  for (const kv::StripSample& sample : curves[1]) {
-    text += std::to_string(std::lround(sample.time)) +
-            (std::isnan(sample.value) ? "- " : "=" + std::to_string(std::lround(sample.value)) + " ");
-  }
-  EXPECT_EQ("2=5 3=5 3- 5=10 5- 9=15 ", text);
-  // Scrolling by some buckets does not change the part that is visible before and after.
-  Curves scrolled;
-  MakeCurves(store, 40, 90, kBuckets, 1, &curves);
-  MakeCurves(store, 45, 95, kBuckets, 1, &scrolled);
-  const auto within = [](const std::vector<kv::StripSample>& curve) {
-    std::vector<std::pair<double, double>> samples;
-    for (const kv::StripSample& s : curve) {
-      if (s.time > 46 && s.time < 89) samples.emplace_back(s.time, std::isnan(s.value) ? -1 : s.value);
-    }
-    return samples;
-  };
-  EXPECT_EQ(within(curves[0]), within(scrolled[0]));
 }
 
 TEST(CamviewStatistics, EqualAPlainComputation) {

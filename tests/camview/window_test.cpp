@@ -150,7 +150,7 @@ TEST_F(CamviewWindow, SumsUpAndExportsWhatIsMarked) {
 TEST_F(CamviewWindow, ChartsShowEachRecordOfALongRecordingOnceTheyAreZoomed) {
   OpenFile(Recording(200'000));
   Command(IDM_SPAN_FIRST + 7);  // the whole recording
-  EXPECT_GT(60'000, ChartCount());
+  EXPECT_EQ(200'000, ChartCount());
   Command(IDM_SPAN_FIRST + 1);  // 5 s
   GoTo(1000);
   EXPECT_NEAR(500, ChartCount(), 2);
