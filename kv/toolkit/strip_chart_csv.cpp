@@ -2,7 +2,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "kv/controls/strip_chart/strip_chart.h"

@@ -7,6 +7,7 @@
 #include <cwchar>
 #include <iterator>
 #include <string>
+#include <vector>
 
 #include "kv/framework/bounded_format.h"
 

@@ -2,10 +2,13 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <vector>
 
 #include "kv/controls/strip_chart/control.h"
 #include "kv/controls/strip_chart/model.h"
+#include "kv/controls/strip_chart/sample_queue.h"
+#include "kv/controls/strip_chart/sample_store.h"
 #include "kv/controls/strip_chart/strip_chart.h"
 #include "kv/framework/accessible.h"
 #include "kv/framework/control_class.h"

@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <limits>
 #include <span>
 #include <utility>
 #include "kv/controls/strip_chart/axis.h"
 #include "kv/controls/strip_chart/sample_store.h"
 #include "kv/controls/strip_chart/strip_chart.h"
+#include "kv/controls/strip_chart/supplied_samples.h"
 
 namespace kv {
 

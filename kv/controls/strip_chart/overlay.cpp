@@ -71,12 +71,12 @@ Tooltip CursorTooltip(const StripModel& model, const StripLayout& layout) {
   for (int i = 0; i < kStripChannels; ++i) {
     const StripChannel& info = model.channels[i].info;
     if (!IsShown(model.channels[i])) continue;
-    const std::wstring unit = ChannelUnit(info), value = ValueText(reading.values[i], layout, i);
+    const std::wstring unit = L" " + ChannelUnit(info), value = ValueText(reading.values[i], layout, i);
     TooltipRow& row = tooltip.rows[tooltip.count++];
-    row = {i, {ChannelName(info), value + L" " + unit}};
+    row = {i, {ChannelName(info), value + unit}};
     if (isDouble) {
       row.texts = {ChannelName(info), value, ValueText(other.values[i], layout, i),
-                   ValueText(other.values[i] - reading.values[i], layout, i) + L" " + unit};
+                   ValueText(other.values[i] - reading.values[i], layout, i) + unit};
     }
   }
   return tooltip;

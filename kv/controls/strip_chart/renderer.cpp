@@ -8,10 +8,12 @@
 
 #include "kv/controls/strip_chart/axis.h"
 #include "kv/controls/strip_chart/model.h"
+#include "kv/controls/strip_chart/sample_store.h"
 #include "kv/controls/strip_chart/strip_chart.h"
 #include "kv/controls/strip_chart/trace.h"
 #include "kv/framework/bitmaps.h"
 #include "kv/framework/canvas.h"
+#include "kv/framework/coverage.h"
 #include "kv/framework/guards.h"
 #include "kv/framework/numbers.h"
 #include "kv/framework/utf8.h"

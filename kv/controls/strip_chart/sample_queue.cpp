@@ -1,8 +1,11 @@
 #include "kv/controls/strip_chart/sample_queue.h"
 
+#include <array>
 #include <cmath>
+#include <cstddef>
 #include <span>
 #include <utility>
+#include <vector>
 
 #include "kv/controls/strip_chart/strip_chart.h"
 #include "kv/framework/control_class.h"

@@ -44,8 +44,14 @@ StripTimeRange SuppliedSamples::times() const {
   return range.from <= range.to && std::max(std::fabs(range.from), std::fabs(range.to)) <= kStripMaxTime ? range : own;
 }
 
-// The program's search may round.
+// In the samples at hand or by the program's search, which may round.
 unsigned SuppliedSamples::FirstFrom(double time, unsigned) const {
+  for (const Group& group : groups_) {
+    const auto begin = group.samples.begin(), end = begin + group.count;
+    if (begin == end || !(begin->time < time && time <= (end - 1)->time)) continue;
+    return group.first +
+           static_cast<unsigned>(std::ranges::lower_bound(begin, end, time, {}, &StripSuppliedSample::time) - begin);
+  }
   const long long found = source_.find(source_.context, channel_, time) - first_;
   auto index = static_cast<unsigned>(std::clamp(found, 0LL, static_cast<long long>(count_)));
   while (index > 0 && TimeAt(index - 1) >= time) --index;

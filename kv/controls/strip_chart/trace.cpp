@@ -1,4 +1,5 @@
 #include "kv/controls/strip_chart/trace.h"
+#include "kv/controls/strip_chart/axis.h"
 
 #include <algorithm>
 #include <cmath>

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <limits>
 #include <random>
 #include <string>
@@ -15,6 +16,7 @@
 #include "kv/controls/strip_chart/model.h"
 #include "kv/controls/strip_chart/renderer.h"
 #include "kv/controls/strip_chart/sample_store.h"
+#include "kv/controls/strip_chart/strip_chart.h"
 #include "kv/framework/canvas.h"
 #include "tests/support/comma_locale.h"
 
@@ -299,11 +301,11 @@ struct Supplied {
     auto* own = static_cast<Supplied*>(context);
     own->reads += static_cast<int>(count);
     ASSERT_TRUE(number >= own->first && number + count <= own->all.size());
-    std::copy_n(own->all.begin() + number, count, samples);
+    std::copy_n(own->all.begin() + static_cast<int>(number), count, samples);
   }
   static StripExtent FindExtent(void* context, int, long long from, long long to) {
     Extent extent;
-    for (; from < to; ++from) extent.Add(static_cast<Supplied*>(context)->all[from].value);
+    for (; from < to; ++from) extent.Add(static_cast<Supplied*>(context)->all[static_cast<size_t>(from)].value);
     return {extent.low, extent.high};
   }
   static StripTimeRange FindTimes(void*, int) { return {-5, 500}; }
