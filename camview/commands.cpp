@@ -22,12 +22,14 @@
 #include "camview/timeline.h"
 #include "camview/view_time.h"
 #include "kv/controls/strip_chart/strip_chart.h"
+#include "kv/export/web_links.h"
 #include "kv/framework/bitmaps.h"
 #include "kv/framework/bounded_format.h"
 #include "kv/framework/canvas.h"
 #include "kv/framework/control_class.h"
 #include "kv/framework/file_path.h"
 #include "kv/framework/version.h"
+#include "kv/toolkit/about_box.h"
 #include "kv/toolkit/ask_path.h"
 #include "kv/toolkit/error_text.h"
 #include "kv/toolkit/languages.h"
@@ -350,8 +352,13 @@ bool OnViewCommand(View& view, UINT id) {
     case IDM_FIT_VALUES: view.options.fitValues = !view.options.fitValues; return true;
     case IDM_KEYS: ShowKeys(view.window); return true;
     case IDM_ABOUT:
-      kv::ShowMessage(view.window, TextWith(IDS_ABOUT_TEXT, L"" KV_VERSION_TEXT), Text(IDS_CAPTION),
-                      MB_ICONINFORMATION);
+      kv::ShowAboutBox(view.window,
+                       {.caption = Text(IDS_CAPTION),
+                        .name = Text(IDS_CAPTION) + std::wstring(L" " KV_VERSION_TEXT),
+                        .description = Text(IDS_ABOUT_TEXT),
+                        .rights = L"\u00A9 2008-2026 korvel\nMIT License",
+                        .address = std::wstring(std::begin(kv::kHomePageAddress), std::end(kv::kHomePageAddress) - 1),
+                        .icon = IDI_CAMVIEW});
       return true;
     default: return false;
   }

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <iterator>
 #include <string>
 
 #include "gallery/drawing.h"
 #include "gallery/pages.h"
 #include "gallery/resource_ids.h"
+#include "kv/export/web_links.h"
 #include "kv/framework/bitmaps.h"
 #include "kv/framework/control_class.h"
 #include "kv/framework/guards.h"
@@ -15,7 +17,9 @@
 #include "kv/framework/numbers.h"
 #include "kv/framework/painting.h"
 #include "kv/framework/tooltips.h"
+#include "kv/framework/version.h"
 #include "kv/framework/window_position.h"
+#include "kv/toolkit/about_box.h"
 #include "kv/toolkit/appearance.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/pages.h"
@@ -142,7 +146,13 @@ INT_PTR OnCommand(HWND frame, UINT command, UINT code) {
       return TRUE;
     case IDM_GALLERY_EXIT: return PostMessageA(frame, WM_CLOSE, 0, 0);
     case IDM_GALLERY_ABOUT:
-      kv::ShowMessage(frame, kv::ResourceText(IDS_ABOUT_TEXT), kv::ResourceText(IDS_ABOUT_CAPTION), MB_ICONINFORMATION);
+      kv::ShowAboutBox(frame,
+                       {.caption = kv::ResourceText(IDS_ABOUT_CAPTION),
+                        .name = kv::ResourceText(IDS_GALLERY_CAPTION) + L" " KV_VERSION_TEXT,
+                        .description = kv::ResourceText(IDS_ABOUT_TEXT),
+                        .rights = L"\u00A9 2008-2026 korvel\nMIT License",
+                        .address = std::wstring(std::begin(kv::kHomePageAddress), std::end(kv::kHomePageAddress) - 1),
+                        .icon = IDI_GALLERY});
       return TRUE;
     case IDM_GALLERY_HELP: return OnHelp(frame);
     case IDM_GALLERY_NEXT_PAGE: return StepPage(frame, 1);

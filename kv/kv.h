@@ -50,6 +50,7 @@
 #include "kv/lists/extended_list.h"
 #include "kv/lists/list_navigation.h"
 #include "kv/resource.h"
+#include "kv/toolkit/about_box.h"
 #include "kv/toolkit/appearance.h"
 #include "kv/toolkit/arguments.h"
 #include "kv/toolkit/ask_path.h"
