@@ -9,9 +9,12 @@
 #include <optional>
 #include <string>
 
+#include "camera/ports.h"
 #include "camera/text.h"
+#include "camview/charts.h"
 #include "camview/dialogs.h"
 #include "camview/display.h"
+#include "camview/exporter.h"
 #include "camview/image.h"
 #include "camview/live_source.h"
 #include "camview/record_store.h"
@@ -21,6 +24,7 @@
 #include "camview/status_line.h"
 #include "camview/timeline.h"
 #include "camview/view_time.h"
+#include "camview/window.h"
 #include "kv/controls/strip_chart/strip_chart.h"
 #include "kv/export/web_links.h"
 #include "kv/framework/bitmaps.h"
@@ -33,7 +37,6 @@
 #include "kv/toolkit/ask_path.h"
 #include "kv/toolkit/error_text.h"
 #include "kv/toolkit/languages.h"
-#include "kv/toolkit/locale_text.h"
 #include "kv/toolkit/png_file.h"
 
 namespace camview {

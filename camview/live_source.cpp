@@ -15,6 +15,7 @@
 
 #include "camera/files.h"
 #include "camera/ports.h"
+#include "camera/record_intake.h"
 #include "camera/record_stream.h"
 #include "camera/recorder.h"
 #include "camview/record_store.h"

@@ -17,7 +17,6 @@
 #include "kv/framework/coverage.h"
 #include "kv/framework/file_path.h"
 #include "kv/framework/guards.h"
-#include "kv/framework/numbers.h"
 #include "kv/toolkit/appearance.h"
 #include "kv/toolkit/error_text.h"
 #include "kv/toolkit/languages.h"
