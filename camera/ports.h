@@ -40,7 +40,7 @@ struct PortStatus {
 
 // The programs that have serial devices open, by the device's type and the number of its file. Empty on Windows, where
 // only one program can open a port; with Wine several can, and each would receive a part of the bytes.
-using PortHolders = std::map<std::pair<ULONG, LONGLONG>, std::string>;
+using PortHolders = std::map<std::pair<ULONG, long long>, std::string>;
 PortHolders FindPortHolders();
 
 // An open port, which other users of this header cannot open meanwhile. The destructor closes it.
