@@ -9,6 +9,7 @@
 #include "kv/framework/guards.h"
 #include "kv/framework/modules.h"
 #include "kv/framework/resource_library.h"
+#include "kv/framework/window_position.h"
 
 namespace kv {
 
@@ -46,7 +47,7 @@ struct ConfigurationPath {
 ConfigurationPath PathOf(const wchar_t* application) {
   ConfigurationPath path;
   if (!IsReadableText(application)) application = L"CommonLanguage";
-  FormatBounded(path.text, sizeof(path.text), L"Software\\korvel\\Configuration\\%.260s", application);
+  FormatBounded(path.text, sizeof(path.text), L"%.200hs\\Configuration\\%.260s", SettingsKey(), application);
   return path;
 }
 

@@ -14,14 +14,26 @@ namespace {
 
 constexpr int kTextCharacters = 256;
 
+const char* settingsKey = nullptr;
+
+struct KeyPath {
+  char text[300];
+};
+
+KeyPath PositionsKey() {
+  KeyPath path;
+  FormatBoundedA(path.text, sizeof(path.text), "%s\\WindowPositions", SettingsKey());
+  return path;
+}
+
 // Reads at most `size` bytes of a value. Returns FALSE, with undefined contents, when it is missing or longer.
 BOOL ReadValue(const char* name, void* data, DWORD size) {
-  const RegistryKey key = RegistryKey::Open(kWindowPositionsKey);
+  const RegistryKey key = RegistryKey::Open(PositionsKey().text);
   return key && RegQueryValueExA(key, name, nullptr, nullptr, static_cast<BYTE*>(data), &size) == ERROR_SUCCESS;
 }
 
 void WriteValue(const char* name, DWORD type, const void* data, DWORD size) {
-  const RegistryKey key = RegistryKey::Create(kWindowPositionsKey);
+  const RegistryKey key = RegistryKey::Create(PositionsKey().text);
   if (key) RegSetValueExA(key, name, 0, type, static_cast<const BYTE*>(data), size);
 }
 
@@ -50,6 +62,14 @@ BOOL SavePosition(HWND window, const char* name) {
 }
 
 }  // namespace
+
+void SetSettingsKey(const char* key) {
+  settingsKey = key;
+}
+
+const char* SettingsKey() {
+  return settingsKey ? settingsKey : "Software\\korvel";
+}
 
 void StorePosition(const char* name, const RECT& position) {
   char text[kTextCharacters];

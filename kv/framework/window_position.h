@@ -1,5 +1,5 @@
-// Stores window positions, and single numbers, in the registry below HKEY_CURRENT_USER,
-// "Software\korvel\WindowPositions". Main thread only; nothing is cached: every call reads or writes the registry.
+// Stores window positions, and single numbers, in the registry below HKEY_CURRENT_USER, in "WindowPositions" of the
+// program's key. Main thread only; nothing is cached: every call reads or writes the registry.
 //
 // In a DPI-aware host, rectangles are stored and restored in the host's pixels, also when the DPI has changed since.
 #pragma once
@@ -7,6 +7,12 @@
 #include <windows.h>
 
 namespace kv {
+
+// Sets the key below HKEY_CURRENT_USER for positions, numbers and the stored language: "Software\\Maker\\Program". The
+// text is not copied. Null, and without this call: "Software\korvel", of the programs of this project. Call it before
+// anything is stored or read; RunDialog does, for a dialog with a `settingsKey`.
+void SetSettingsKey(const char* key);
+const char* SettingsKey();
 
 inline constexpr char kWindowPositionsKey[] = "Software\\korvel\\WindowPositions";
 

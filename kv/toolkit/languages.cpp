@@ -1,5 +1,6 @@
 #include "kv/toolkit/languages.h"
 
+#include <cwchar>
 #include <memory>
 #include <string>
 #include <vector>
@@ -83,6 +84,14 @@ std::wstring TextOfItem(UINT id) {
                                                                  : LoadText(modules.resources, KV_TEXT_OF(id));
 }
 
+// The key behind the tab of an item in English, for a translation without one: a button may have the same text.
+std::wstring KeyOfItem(HMENU menu, int index, const std::wstring& translated) {
+  wchar_t english[256] = L"";
+  GetMenuStringW(menu, static_cast<UINT>(index), english, ARRAYSIZE(english), MF_BYPOSITION);
+  const wchar_t* key = std::wcschr(english, L'\t');
+  return key && translated.find(L'\t') == std::wstring::npos ? key : L"";
+}
+
 void TranslateMenu(HMENU menu) {
   for (int i = 0; i < GetMenuItemCount(menu); ++i) {
     MENUITEMINFOW item{.cbSize = sizeof(item), .fMask = MIIM_ID | MIIM_SUBMENU};
@@ -90,6 +99,7 @@ void TranslateMenu(HMENU menu) {
     TranslateMenu(item.hSubMenu);
     std::wstring text = TextOfItem(item.wID);
     if (text.empty()) continue;
+    text += KeyOfItem(menu, i, text);
     item.fMask = MIIM_STRING;
     item.dwTypeData = text.data();
     SetMenuItemInfoW(menu, i, TRUE, &item);

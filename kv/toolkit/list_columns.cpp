@@ -99,6 +99,7 @@ void DrawListRow(const DRAWITEMSTRUCT& item, std::span<const ListColumn> columns
 }
 
 std::wstring ListColumnTitle(const ListColumn& column) {
+  if (column.titleText) return ResourceText(column.titleText);
   return IS_INTRESOURCE(column.title) ? ResourceText(LOWORD(column.title)) : column.title;
 }
 

@@ -15,6 +15,7 @@ struct ListColumn {
   int width;             // relative to the other columns'; together they fill the list's drawn width
   UINT align = DT_LEFT;  // or DT_RIGHT, DT_CENTER
   bool fixedPitch = false;
+  UINT titleText = 0;  // a string resource instead of `title`, for constexpr tables
 };
 
 // The column by which rows are sorted, for the mark in its header; -1: none.

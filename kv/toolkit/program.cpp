@@ -8,6 +8,7 @@
 #include "kv/framework/dialog.h"
 #include "kv/framework/dialog_template.h"
 #include "kv/framework/modules.h"
+#include "kv/framework/window_position.h"
 #include "kv/toolkit/classes.h"
 #include "kv/toolkit/dialog_state.h"
 #include "kv/toolkit/keyboard.h"
@@ -90,6 +91,7 @@ int RunDialog(HINSTANCE instance, const ScaledDialog& dialog) {
     return kNotOpened;
   }
   ModelessDialogs(nullptr, nullptr, kModelessReset);
+  if (dialog.settingsKey) SetSettingsKey(dialog.settingsKey);
   if (dialog.languages) LoadLanguages(dialog.languages, dialog.language);
   HWND window = OpenDialog(nullptr, dialog);
   const DWORD error = GetLastError();

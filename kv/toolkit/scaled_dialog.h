@@ -97,6 +97,9 @@ struct ScaledDialog {
   const wchar_t* languages = nullptr;
   // The initial language.
   int language = kStoredLanguage;
+  // For RunDialog: the registry key of the program's settings, see SetSettingsKey (kv/framework/window_position.h).
+  // Every program that is not of this project should have its own.
+  const char* settingsKey = nullptr;
 };
 
 // Sent to the procedure after WM_INITDIALOG, and when the language has changed: set texts that are not in the template,

@@ -268,6 +268,33 @@ TEST_F(ScaledDialogTest, SavesTheNormalSizeOfAMaximisedOrMinimisedWindow) {
   }
 }
 
+TEST_F(ScaledDialogTest, StoresUnderTheProgramsOwnKey) {
+  constexpr char kOwn[] = "Software\\Toolkit test\\Own";
+  SetSettingsKey(kOwn);
+  LoadLanguages(L"test_toolkit", 1);
+  DestroyWindow(OpenDialog(nullptr, kTest));
+  SetSettingsKey(nullptr);
+  UnloadLanguages();
+  for (const char* key :
+       {"Software\\Toolkit test\\Own\\WindowPositions", "Software\\Toolkit test\\Own\\Configuration\\test_toolkit"}) {
+    HKEY found = nullptr;
+    EXPECT_EQ(ERROR_SUCCESS, RegOpenKeyExA(HKEY_CURRENT_USER, key, 0, KEY_READ, &found)) << key;
+    RegCloseKey(found);
+    RegDeleteKeyA(HKEY_CURRENT_USER, key);
+  }
+}
+
+TEST_F(ScaledDialogTest, ATranslatedMenuItemKeepsItsKey) {
+  LoadLanguages(L"test_toolkit", 1);
+  ScaledDialog withMenu = kTest;
+  withMenu.menu = L"MENUS";
+  HWND dialog = OpenDialog(nullptr, withMenu);
+  wchar_t text[40] = L"";
+  GetMenuStringW(GetMenu(dialog), IDM_KEY, text, ARRAYSIZE(text), MF_BYCOMMAND);
+  EXPECT_STREQ(L"&Taste\tCtrl+K", text);
+  DestroyWindow(dialog);
+}
+
 int WINAPI HighDpi(HDC, int what) {
   return what == LOGPIXELSX || what == LOGPIXELSY ? 192 : 32;
 }
