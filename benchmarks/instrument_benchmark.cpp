@@ -30,7 +30,7 @@ constexpr Mode kModes[] = {{"gauge", kv::kModeGauge, 20, 80},
                            {"readout", kv::kModeDigital, 20, 80},
                            {"segment bar", kv::kModeSegmentBar, 20, 80},
                            {"compass", kv::kModeCompass, 20, 80},
-                           {"centre bar", kv::kModeCentreBar, -60, 60}};
+                           {"centre bar", kv::kModeCenterBar, -60, 60}};
 
 HWND Create(HWND parent, DWORD style, int left, int top, int size) {
   return CreateWindowExA(0, kv::kDisplayInstrumentClass, "Heading", WS_CHILD | WS_VISIBLE | style, left, top, size,
@@ -125,7 +125,7 @@ void MeasureGliding(HWND parent) {
   const double gliding = PercentOfACore([&] {
     // New targets within gliding distance keep all instruments moving.
     value = value > 35 ? 30.0f : 40.0f;
-    for (HWND control : controls) SetValue(control, value, kv::kValueGlide);
+    for (HWND control : controls) SetValue(control, value, kv::kValueAnimate);
   });
   for (HWND control : controls) DestroyWindow(control);
   for (int i = 0; i < kInstruments; ++i) {

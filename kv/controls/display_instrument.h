@@ -1,22 +1,23 @@
 // Window class "kvDisplayInstrument": shows one measured value as a circular gauge, digital readout (number, time of
-// day, date or angle), segment bar, compass or centre-zero bar.
+// day, date or angle), segment bar, compass or center-zero bar.
 //
 // Styles         The low four bits of the window style select the mode; further bits are options (kMode...,
 //                kInstrument... in kv/controls/instrument_block.h). The control copies the style when it is created.
 //                Change it with kCommandStyle; later changes of the window style have no effect.
-// Values         The owner describes the value with an InstrumentBlock (512 bytes: name, unit, range, step, number
-//                format, colour, zones), then sends values. Values, range, step and zone bounds are in the owner's
+// Values         The program describes the value with an InstrumentBlock (512 bytes: name, unit, range, step, number
+//                format, color, zones), then sends values. Values, range, step and zone bounds are in the program's
 //                unit; the compass uses degrees. Values are clamped to the range.
-// Gliding        Optionally, the control moves to a new value in steps of 20 ms, each a tenth of the remaining
-//                distance. A distance of more than a fifth of the range is not glided: the value is shown at once. A
-//                glide ends within a step of the block or, with kValueExact, at the value itself.
+// Animation      Optionally, the control moves to a new value in steps of 20 ms, each a tenth of the remaining
+//                distance. A distance of more than a fifth of the range is not animated: the value is shown at
+//                once. An animation ends within a step of the block or, with kValueExact, at the value itself.
 // Drawing        At every size from 0 x 0 pixels. The control renders into a back buffer, and renders and invalidates
 //                only the parts that have changed, such as the needle, digits or single segments. Painting copies the
-//                buffer. New system colours are used at the next paint.
+//                buffer. New system colors are used at the next paint.
 // Resources      Each control has one GDI object, a bitmap of its size, and uses eight bytes of memory per pixel. All
 //                controls of a thread share fonts and other objects: up to 50 GDI objects, until the thread ends. The
 //                number of controls is limited only by Windows: 10,000 windows and 10,000 GDI objects per process.
-// DPI            Everything is drawn in proportion to the control's size in pixels; the DPI is not used.
+// DPI            Everything is drawn in proportion to the control's size in pixels, captions with kInstrumentFitted.
+//                The DPI is not used.
 // Notifications  None.
 // Accessibility  WM_GETOBJECT: the name is the block's name. The value is the displayed text with its unit ("42 %",
 //                "11:15:41"), empty if there is no valid value. So name every block, even if no name is drawn.
@@ -48,7 +49,7 @@ inline constexpr char kDisplayInstrumentClass[] = "kvDisplayInstrument";
 // the item is copied to lParam instead of from it. With kCommandRedraw a change is painted before the call returns;
 // otherwise the control is invalidated. Other codes do nothing.
 inline constexpr WPARAM kCommandRender = 0;  // renders and paints everything; no address
-inline constexpr WPARAM kCommandReset = 1;   // the mode's default block, compass and centre-zero bar named "Compass"
+inline constexpr WPARAM kCommandReset = 1;   // the mode's default block, compass and center-zero bar named "Compass"
 inline constexpr WPARAM kCommandStyle = 3;   // a DWORD: bits to set, or with kCommandRemove to clear; read: the style
 inline constexpr WPARAM kCommandBlock = 17;  // an InstrumentBlock; rejected without its version tag
 inline constexpr WPARAM kCommandValue = 18;  // a float; NaN, or writing from an unreadable address, means "no value"
@@ -56,10 +57,11 @@ inline constexpr WPARAM kCommandTime = 19;   // a SYSTEMTIME; only for a digital
 inline constexpr WPARAM kCommandZone = 20;   // an InstrumentZone; its index, in wParam's high word, is clamped to 0..2
 
 // Flags of single commands.
-inline constexpr WPARAM kValueGlide = 0x0200;  // kCommandValue: glide to the value; read: the target of the glide
-// kCommandValue: the control ends at exactly this value, also if a glide is running: the glide is redirected or ended
-// even if this is the current value. Without it, a value equal to the current one or to the glide's target has no
-// effect.
+inline constexpr WPARAM kValueAnimate =
+    0x0200;  // kCommandValue: animate to the value; read: the target of the animation
+// kCommandValue: the control ends at exactly this value, also if an animation is running: the animation is redirected
+// or ended even if this is the current value. Without it, a value equal to the current one or to the animation's target
+// has no effect.
 inline constexpr WPARAM kValueExact = 0x0400;
 inline constexpr WPARAM kZoneEnable = 0x0400;  // kCommandZone: shows the zone; without this flag, hides it
 

@@ -1,4 +1,4 @@
-// The parameter block of a display instrument, which owner and control exchange; the style bits; default blocks; and
+// The parameter block of a display instrument, which program and control exchange; the style bits; default blocks; and
 // the arithmetic of the range. Pure functions; any thread.
 #pragma once
 
@@ -24,11 +24,11 @@ inline constexpr BYTE kFormatSign = 0x10;      // always show a sign
 
 inline constexpr int kInstrumentZones = 3;
 
-inline constexpr COLORREF kRgbBits = 0x00FFFFFF;  // mask of the RGB part of a colour field
+inline constexpr COLORREF kRgbBits = 0x00FFFFFF;  // mask of the RGB part of a color field
 
 // The low four bits of the window style select the mode; values not listed here select the circular gauge.
 inline constexpr DWORD kInstrumentModeBits = 0x000F;
-inline constexpr DWORD kModeGauge = 0, kModeDigital = 2, kModeSegmentBar = 3, kModeCompass = 4, kModeCentreBar = 5;
+inline constexpr DWORD kModeGauge = 0, kModeDigital = 2, kModeSegmentBar = 3, kModeCompass = 4, kModeCenterBar = 5;
 
 // Further style bits.
 inline constexpr DWORD kInstrumentDisabled = 0x0040;   // drawn disabled; set and cleared by WM_ENABLE
@@ -41,12 +41,12 @@ inline constexpr DWORD kInstrumentReversed = 0x0800;   // segment bar in the opp
 // number; captions grow with the control; a wide center-zero bar is drawn horizontally. The toolkit always sets it.
 inline constexpr DWORD kInstrumentFitted = 0x1000;
 
-// A coloured part of the range, in the unit of the value.
+// A colored part of the range, in the unit of the value.
 struct InstrumentZone {
   float lower, upper;
   COLORREF color;
-  BYTE bytes[4];  // for the owner's use, 0 by default
-  DWORD word;     // for the owner's use, 0 by default
+  BYTE bytes[4];  // for the program's use, 0 by default
+  DWORD word;     // for the program's use, 0 by default
 };
 static_assert(sizeof(InstrumentZone) == 20);
 static_assert(offsetof(InstrumentZone, upper) == 4 && offsetof(InstrumentZone, color) == 8 &&
@@ -61,7 +61,7 @@ struct InstrumentBlock {
   BYTE format;      // kFormatDecimals, kFormatSign
   COLORREF color;   // 0x02BBGGRR; the low 24 bits are drawn
   float minimum, maximum;
-  float step;     // also the distance to the target at which gliding stops
+  float step;     // also the distance to the target at which an animation stops
   float current;  // the displayed value
   BYTE reserved68[128];
   InstrumentZone zones[kInstrumentZones];
@@ -89,15 +89,15 @@ InstrumentBlock BuildDefaultBlock(const BlockDefaults& defaults);
 // Clamps a value to the block's range, also if the minimum is larger than the maximum. NaN becomes the lower bound.
 float ClampToRange(const InstrumentBlock& block, float value);
 
-// One step of a glide to `target`: the next displayed value, and whether the glide continues. A distance of more than a
-// fifth of the range, or a glide without a previous value, ends at once. Otherwise the distance decreases by a tenth
-// until it is less than the block's step. With a step smaller than the value's resolution (or 0, NaN or infinite), the
-// glide ends at the target itself.
-struct GlideStep {
+// One step of an animation to `target`: the next displayed value, and whether the animation continues. A distance of
+// more than a fifth of the range, or an animation without a previous value, ends at once. Otherwise the distance
+// decreases by a tenth until it is less than the block's step. With a step smaller than the value's resolution (or 0,
+// NaN or infinite), the animation ends at the target itself.
+struct AnimationStep {
   float current;
   bool moving;
 };
-GlideStep NextGlideStep(const InstrumentBlock& block, float target);
+AnimationStep NextAnimationStep(const InstrumentBlock& block, float target);
 
 // The range and value to draw. The range is never empty: equal, infinite or NaN bounds are replaced by 0 and 100. The
 // minimum may be larger than the maximum; then the scale is reversed.

@@ -61,7 +61,7 @@ HBITMAP LoadFor(HWND window, const char* name) {
 
 }  // namespace
 
-// ---- Layout ---------------------------------------------------------------------------------------------------------
+// ---- Layout
 
 SIZE SimpleBitmapExtent(SIZE client, DWORD style) {
   SIZE extent = client;
@@ -70,7 +70,7 @@ SIZE SimpleBitmapExtent(SIZE client, DWORD style) {
   return extent;
 }
 
-// ---- Drawing --------------------------------------------------------------------------------------------------------
+// ---- Drawing
 
 void DrawSimpleBitmap(HDC dc, SIZE client, DWORD style, HBITMAP bitmap) {
   if (!bitmap) {
@@ -81,7 +81,7 @@ void DrawSimpleBitmap(HDC dc, SIZE client, DWORD style, HBITMAP bitmap) {
   ShowBitmap(dc, {0, 0, extent.cx, extent.cy}, bitmap, BitmapSize(bitmap));
 }
 
-// ---- Message handlers -----------------------------------------------------------------------------------------------
+// ---- Message handlers
 
 namespace {
 

@@ -1,14 +1,14 @@
 // Window class "kvSimpleBitmap": a bitmap resource of the module, stretched into the control. It forwards mouse clicks
 // to the controls beneath it (kv/framework/control_class.h). For decorations in dialog templates. Main thread only.
 //
-// In a DPI-aware host: the bitmap is stretched to the control's size in pixels; the DPI is not used.
+// In a DPI-aware program: the bitmap is stretched to the control's size in pixels; the DPI is not used.
 //
 // Window text: the bitmap's name, at most 256 characters. A number other than 0 (decimal, 0x hexadecimal or 0 octal) is
 // the id of a bitmap resource of the window's module; any other text is a resource name. If the bitmap cannot be
-// loaded, the control shows the button-face colour.
+// loaded, the control shows the button-face color.
 //
 // Styles, read at each use:
-//   kBitmapTransparent    magenta (255, 0, 255) becomes the button-face colour when the bitmap is loaded
+//   kBitmapTransparent    magenta (255, 0, 255) becomes the button-face color when the bitmap is loaded
 //   kBitmapSquareByWidth  the drawn width is at most the client height
 //   kBitmapSquareByHeight the drawn height is at most the drawn width
 // A bitmap smaller than the client area is drawn in the top left corner; the rest is not painted.

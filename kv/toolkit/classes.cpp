@@ -28,7 +28,7 @@ static_assert(Name(KV_DIALOG) == kDialogClass && Name(KV_DISPLAY_INSTRUMENT) == 
 static_assert(KV_GAUGE == kModeGauge && KV_COMPASS == kModeCompass && KV_FITTED == kInstrumentFitted &&
               KV_READOUT == (kModeDigital | kInstrumentFitted) &&
               KV_SEGMENT_BAR == (kModeSegmentBar | kInstrumentFitted) &&
-              KV_CENTER_ZERO_BAR == (kModeCentreBar | kInstrumentFitted) && KV_DISABLED == kInstrumentDisabled &&
+              KV_CENTER_ZERO_BAR == (kModeCenterBar | kInstrumentFitted) && KV_DISABLED == kInstrumentDisabled &&
               KV_NO_CAPTION == kInstrumentNoCaption && KV_SHOW_TIME == kInstrumentShowTime &&
               KV_SHOW_DATE == kInstrumentShowDate && KV_SHOW_ANGLE == kInstrumentShowAngle &&
               KV_REVERSED == kInstrumentReversed);

@@ -16,8 +16,8 @@ BOOL Send(HWND dialog, int id, WPARAM flags, const HorizonAttitude& attitude) {
 
 }  // namespace
 
-BOOL SetHorizonAttitude(HWND dialog, int id, const Attitude& attitude, BOOL glide) {
-  return Send(dialog, id, glide ? kHorizonGlide : 0,
+BOOL SetHorizonAttitude(HWND dialog, int id, const Attitude& attitude, BOOL animate) {
+  return Send(dialog, id, animate ? kHorizonAnimate : 0,
               {kHorizonVersion, 0, static_cast<float>(attitude.pitch), static_cast<float>(attitude.roll),
                static_cast<float>(attitude.slip), static_cast<float>(attitude.heading)});
 }

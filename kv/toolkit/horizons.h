@@ -12,7 +12,7 @@ namespace kv {
 struct Attitude {
   double pitch = 0, roll = 0, slip = 0, heading = 0;
 };
-BOOL SetHorizonAttitude(HWND dialog, int id, const Attitude& attitude, BOOL glide);
+BOOL SetHorizonAttitude(HWND dialog, int id, const Attitude& attitude, BOOL animate);
 // Shows that there is no value.
 BOOL ClearHorizonAttitude(HWND dialog, int id);
 

@@ -33,7 +33,7 @@ bool ReadBlock(HWND instrument, InstrumentBlock* block) {
   return block->version == kInstrumentVersion;
 }
 
-// Changes the parameter block with `change`. Clamps the value, or the target of a glide, to the new range.
+// Changes the parameter block with `change`. Clamps the value, or the target of an animation, to the new range.
 template <class Change>
 BOOL ChangeBlock(HWND dialog, int id, Change change) {
   HWND instrument = InstrumentOf(dialog, id);
@@ -42,11 +42,11 @@ BOOL ChangeBlock(HWND dialog, int id, Change change) {
   DWORD style = 0;
   float target = 0;
   Send(instrument, kCommandStyle | kCommandRead, &style);
-  Send(instrument, kCommandValue | kCommandRead | kValueGlide, &target);
+  Send(instrument, kCommandValue | kCommandRead | kValueAnimate, &target);
   change(block, style);
   block.current = ClampToRange(block, block.current);
   Send(instrument, kCommandBlock, &block);
-  if (!(block.state & kInstrumentNoValue)) Send(instrument, kCommandValue | kValueGlide | kValueExact, &target);
+  if (!(block.state & kInstrumentNoValue)) Send(instrument, kCommandValue | kValueAnimate | kValueExact, &target);
   return TRUE;
 }
 
@@ -66,10 +66,10 @@ void FitInstrument(HWND control) {
   if (IsOfClass(control, L"kvDisplayInstrument")) Send(control, kCommandStyle, &kInstrumentFitted);
 }
 
-BOOL SetInstrumentValue(HWND dialog, int id, double value, BOOL glide) {
+BOOL SetInstrumentValue(HWND dialog, int id, double value, BOOL animate) {
   HWND instrument = InstrumentOf(dialog, id);
   const float item = static_cast<float>(value);
-  if (instrument) Send(instrument, kCommandValue | kValueExact | (glide ? kValueGlide : 0), &item);
+  if (instrument) Send(instrument, kCommandValue | kValueExact | (animate ? kValueAnimate : 0), &item);
   return instrument != nullptr;
 }
 

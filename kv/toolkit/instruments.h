@@ -12,14 +12,14 @@
 
 namespace kv {
 
-// Shows a value, clamped to the range: at once, or with `glide` in steps of 20 ms if it is within a fifth of the range.
-// The instrument always ends at the value set last, even if functions below are called during a glide. NaN and
-// ClearInstrumentValue show that there is no value.
-BOOL SetInstrumentValue(HWND dialog, int id, double value, BOOL glide);
+// Shows a value, clamped to the range: at once, or with `animate` in steps of 20 ms if it is within a fifth of the
+// range. The instrument always ends at the value set last, even if functions below are called during an animation. NaN
+// and ClearInstrumentValue show that there is no value.
+BOOL SetInstrumentValue(HWND dialog, int id, double value, BOOL animate);
 BOOL ClearInstrumentValue(HWND dialog, int id);
 
-// Gets the displayed value, which changes during a glide. Returns 0 and leaves `value` unchanged also when there is no
-// value.
+// Gets the displayed value, which changes during an animation. Returns 0 and leaves `value` unchanged also when there
+// is no value.
 BOOL GetInstrumentValue(HWND dialog, int id, double* value);
 
 // Sets or clears style bits (kInstrumentReversed, kInstrumentNoCaption, kInstrumentShowTime ...). Mode and
@@ -40,14 +40,15 @@ struct InstrumentRange {
   bool alwaysSign = false;        // a readout whose range has negative values always shows the sign
 };
 
-// Sets range, step, unit and number format. The value, and the target of a glide, are clamped to the range. The minimum
-// may be larger than the maximum; then the scale is reversed. Bounds, step and values are stored as 32-bit floats,
-// which have seven significant digits. Returns 0 if a bound or the step is not finite, or both bounds are equal.
+// Sets range, step, unit and number format. The value, and the target of an animation, are clamped to the range. The
+// minimum may be larger than the maximum; then the scale is reversed. Bounds, step and values are stored as 32-bit
+// floats, which have seven significant digits. Returns 0 if a bound or the step is not finite, or both bounds are
+// equal.
 BOOL SetInstrumentRange(HWND dialog, int id, const InstrumentRange& range);
 
 BOOL SetInstrumentColor(HWND dialog, int id, COLORREF color);
 
-// Replaces all zones, which are coloured parts of the range; at most three. Bounds are clamped to the range, so set the
+// Replaces all zones, which are colored parts of the range; at most three. Bounds are clamped to the range, so set the
 // range first. Returns 0 if a bound is NaN.
 BOOL SetInstrumentZones(HWND dialog, int id, std::span<const InstrumentZone> zones);
 

@@ -182,7 +182,7 @@ void FuzzMessages(kvtest::RecordingParent& parent, const std::function<HWND()>& 
                                  0x1F};  // small numbers more often, because most codes are small
     if (valid.code && below(8) == 0) {
       std::ranges::copy(valid.item, writable.as<std::byte>());
-      SendMessageA(control, kCommand, valid.code | (random() & (kCommandRedraw | kHorizonGlide)),
+      SendMessageA(control, kCommand, valid.code | (random() & (kCommandRedraw | kHorizonAnimate)),
                    address(writable.data()));
       return;
     }
@@ -290,7 +290,7 @@ const FuzzedClass kFuzzedClasses[] = {
     {"Digital", kDisplayInstrumentClass, kModeDigital, kInstrumentOwn},
     {"SegmentBar", kDisplayInstrumentClass, kModeSegmentBar, kInstrumentOwn},
     {"Compass", kDisplayInstrumentClass, kModeCompass, kInstrumentOwn},
-    {"CentreBar", kDisplayInstrumentClass, kModeCentreBar, kInstrumentOwn},
+    {"CentreBar", kDisplayInstrumentClass, kModeCenterBar, kInstrumentOwn},
 };
 
 class MessageFuzzing : public testing::TestWithParam<FuzzedClass> {

@@ -21,16 +21,16 @@ namespace kv {
 
 namespace {
 
-constexpr UINT_PTR kGlideTimer = 5;
-constexpr UINT kGlideTickMs = 20;
+constexpr UINT_PTR kAnimationTimer = 5;
+constexpr UINT kAnimationTickMs = 20;
 constexpr int kMinCopySize = 16, kMaxCopySize = 5120;
 
-// ---- State ----------------------------------------------------------------------------------------------------------
+// ---- State
 
 struct HorizonState {
   HWND window;
   DWORD style = static_cast<DWORD>(GetWindowLongA(window, GWL_STYLE));
-  bool redrawAll = true, gliding = false;
+  bool redrawAll = true, animating = false;
   HorizonAttitude shown{kHorizonVersion, kHorizonNoValue, 0, 0, 0, 0}, target = shown;
   HorizonRenderer renderer;
 };
@@ -41,12 +41,12 @@ void Refresh(HorizonState& state) {
   if (!IsRectEmpty(&changed)) InvalidateRect(state.window, &changed, FALSE);
 }
 
-void StopGliding(HorizonState& state) {
-  if (state.gliding) KillTimer(state.window, kGlideTimer);
-  state.gliding = false;
+void StopAnimation(HorizonState& state) {
+  if (state.animating) KillTimer(state.window, kAnimationTimer);
+  state.animating = false;
 }
 
-// ---- Commands -------------------------------------------------------------------------------------------------------
+// ---- Commands
 
 bool ExchangeStyle(HorizonState& state, WPARAM wParam, LPARAM lParam) {
   if (wParam & kCommandRead) return CopyItemOut(state.style, lParam);
@@ -67,13 +67,13 @@ bool ExchangeValue(HorizonState& state, WPARAM wParam, LPARAM lParam) {
   state.target = NormalAttitude(attitude);
   const bool wasValid = !(state.shown.state & kHorizonNoValue);
   state.shown.state = state.target.state = attitude.state & kHorizonNoValue;
-  if ((wParam & kHorizonGlide) && wasValid && !attitude.state) {
-    if (!state.gliding) state.gliding = SetTimer(state.window, kGlideTimer, kGlideTickMs, nullptr) != 0;
+  if ((wParam & kHorizonAnimate) && wasValid && !attitude.state) {
+    if (!state.animating) state.animating = SetTimer(state.window, kAnimationTimer, kAnimationTickMs, nullptr) != 0;
   } else {
-    StopGliding(state);
+    StopAnimation(state);
   }
-  // Without a timer the glide would never end.
-  if (!state.gliding) state.shown = state.target;
+  // Without a timer the animation would never end.
+  if (!state.animating) state.shown = state.target;
   return true;
 }
 
@@ -93,7 +93,7 @@ LRESULT OnCommand(HorizonState& state, WPARAM wParam, LPARAM lParam) {
   return TRUE;
 }
 
-// ---- Message handlers -----------------------------------------------------------------------------------------------
+// ---- Message handlers
 
 AccessibleText Describe(const HorizonState& state) {
   wchar_t text[64] = L"";
@@ -116,10 +116,10 @@ LRESULT OnPaint(HorizonState& state) {
 }
 
 LRESULT OnTimer(HorizonState& state, WPARAM timer) {
-  if (timer != kGlideTimer || !state.gliding) return 0;
+  if (timer != kAnimationTimer || !state.animating) return 0;
   const HWND window = state.window;
-  const bool ends = !GlideAttitude(&state.shown, state.target);
-  if (ends) StopGliding(state);
+  const bool ends = !AnimateAttitude(&state.shown, state.target);
+  if (ends) StopAnimation(state);
   Refresh(state);
   if (ends) NotifyValueChanged(window);
   UpdateWindow(window);
@@ -141,7 +141,7 @@ LRESULT OnCopy(HorizonState& state, LPARAM requested) {
   return 0;
 }
 
-// ---- Messages and registration --------------------------------------------------------------------------------------
+// ---- Messages and registration
 
 LRESULT HandleMessage(HorizonState& state, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {

@@ -4,10 +4,10 @@
 // Styles         The low four bits of the window style select the mode, round or rectangular; kHorizonTape shows the
 //                heading tape, in controls from about 150 pixels. The control copies the style when it is created;
 //                change it with kHorizonStyle.
-// Values         The owner sends a HorizonAttitude. Before the first one, and with kHorizonNoValue, a striped flag
+// Values         The program sends a HorizonAttitude. Before the first one, and with kHorizonNoValue, a striped flag
 //                covers the horizon.
-// Gliding        Optionally, the control moves to a new attitude in steps of 20 ms, each a tenth of the remaining
-//                distance. A distance of more than a fifth of the range is not glided: the attitude is shown at once.
+// Animation      Optionally, the control moves to a new attitude in steps of 20 ms, each a tenth of the remaining
+//                distance. A distance of more than a fifth of the range is not animated: the attitude is shown at once.
 // Drawing        At every size from 0 x 0 pixels. The case is cached; a new attitude redraws only the horizon, a new
 //                heading only the tape. Edges are antialiased. Everything is drawn in proportion to the control's size
 //                in pixels; the DPI is not used. Not mirrored in mirrored windows.
@@ -45,7 +45,7 @@ struct HorizonAttitude {
   DWORD state;    // kHorizonNoValue, or 0
   float pitch;    // degrees, positive: nose up; clamped to +-90
   float roll;     // degrees, positive: right wing down
-  float slip;     // 1: the mark is its own width right of the centre; clamped to +-2
+  float slip;     // 1: the mark is its own width right of the center; clamped to +-2
   float heading;  // degrees clockwise from north
 };
 static_assert(sizeof(HorizonAttitude) == 24);
@@ -57,7 +57,7 @@ inline constexpr WPARAM kHorizonRender = 0;  // renders and paints everything; n
 inline constexpr WPARAM kHorizonStyle = 3;   // a DWORD: bits to set, or with kCommandRemove to clear; read: the style
 inline constexpr WPARAM kHorizonValue = 18;  // a HorizonAttitude; rejected if a number is not finite
 
-inline constexpr WPARAM kHorizonGlide = 0x0200;  // kHorizonValue: glide to the attitude
+inline constexpr WPARAM kHorizonAnimate = 0x0200;  // kHorizonValue: animate to the attitude
 
 // Registers (non-zero flag) or unregisters the class. Returns 0 only when registering fails.
 BOOL RegisterHorizonClass(HINSTANCE instance, BOOL registerIt);

@@ -36,44 +36,44 @@ double Wrapped(double degrees, double from) {
   return (turned < 0 ? turned + 360 : turned) + from;
 }
 
-// The part of a disc beyond a line at `distance` from its centre, in a direction (degrees clockwise from the top).
-void FillSegment(Canvas& canvas, PointD centre, double radius, double distance, double direction, COLORREF color) {
+// The part of a disc beyond a line at `distance` from its center, in a direction (degrees clockwise from the top).
+void FillSegment(Canvas& canvas, PointD center, double radius, double distance, double direction, COLORREF color) {
   if (distance >= radius) return;
   std::array<PointD, kMaxCorners> corners;
   const double half = distance <= -radius ? 180 : Degrees(std::acos(distance / radius));
   const int chords = std::clamp(static_cast<int>(half * 2 / 360 * (kMaxCorners - 1)), 8, kMaxCorners - 1);
   for (int i = 0; i <= chords; ++i) {
-    corners[i] = PolarPoint(centre, radius, direction - half + 2 * half * i / chords);
+    corners[i] = PolarPoint(center, radius, direction - half + 2 * half * i / chords);
   }
   FillPolygon(canvas, {corners.data(), static_cast<size_t>(chords) + 1}, color);
 }
 
 }  // namespace
 
-// ---- Geometry -------------------------------------------------------------------------------------------------------
+// ---- Geometry
 
 HorizonLayout LayoutHorizon(SIZE size, DWORD style) {
   HorizonLayout layout{};
   layout.round = (style & kHorizonModeBits) != kHorizonRectangular;
-  layout.centre = {size.cx / 2.0, size.cy / 2.0};
+  layout.center = {size.cx / 2.0, size.cy / 2.0};
   const double side = std::min(size.cx, size.cy);
   if (side < 4) return layout;
   layout.rim = layout.round ? side / 2 - 0.5 : side / 2;
   layout.ring = layout.round ? layout.rim * 0.94 - 0.5 : layout.rim * 0.92;
   layout.radius = layout.ring * 0.88;
   layout.pixelsPerDegree = layout.radius / kDegreesShown;
-  const PointD corners[] = {{layout.centre.x - layout.ring, layout.centre.y - layout.ring},
-                            {layout.centre.x + layout.ring, layout.centre.y + layout.ring}};
+  const PointD corners[] = {{layout.center.x - layout.ring, layout.center.y - layout.ring},
+                            {layout.center.x + layout.ring, layout.center.y + layout.ring}};
   const RECT whole{0, 0, size.cx, size.cy};
   layout.area =
       layout.round ? BoundsOf(corners, 1, whole) : RECT{2, 2, std::max(2L, size.cx - 2), std::max(2L, size.cy - 2)};
   if ((style & kHorizonTape) && layout.radius >= kMinRadiusWithTape) {
     const double radius = layout.radius, height = std::max(radius * 0.19, kMinTapeHeight);
-    const double bottom = layout.round ? layout.centre.y + radius * 0.62 + height : layout.area.bottom - 3.0;
-    const double down = std::min((bottom - layout.centre.y) / radius, 1.0);
+    const double bottom = layout.round ? layout.center.y + radius * 0.62 + height : layout.area.bottom - 3.0;
+    const double down = std::min((bottom - layout.center.y) / radius, 1.0);
     const double half = radius * (layout.round ? std::min(0.62, std::sqrt(1 - down * down)) : 0.62);
     const auto pixel = [](double value) { return static_cast<LONG>(std::lround(value)); };
-    layout.tape = {pixel(layout.centre.x - half), pixel(bottom - height), pixel(layout.centre.x + half), pixel(bottom)};
+    layout.tape = {pixel(layout.center.x - half), pixel(bottom - height), pixel(layout.center.x + half), pixel(bottom)};
   }
   return layout;
 }
@@ -81,7 +81,7 @@ HorizonLayout LayoutHorizon(SIZE size, DWORD style) {
 PointD HorizonPoint(const HorizonLayout& layout, double roll, double right, double up) {
   // With the right wing down, the horizon is rotated to the left.
   const double sine = std::sin(Radians(roll)), cosine = std::cos(Radians(roll));
-  return {layout.centre.x + right * cosine - up * sine, layout.centre.y - right * sine - up * cosine};
+  return {layout.center.x + right * cosine - up * sine, layout.center.y - right * sine - up * cosine};
 }
 
 double LadderStep(double pixelsPerDegree) {
@@ -102,29 +102,29 @@ HorizonAttitude NormalAttitude(const HorizonAttitude& attitude) {
   return normal;
 }
 
-bool GlideAttitude(HorizonAttitude* shown, const HorizonAttitude& target) {
+bool AnimateAttitude(HorizonAttitude* shown, const HorizonAttitude& target) {
   constexpr double kNear = 0.02;
   bool moving = false;
-  const auto glide = [&moving](float* value, float goal, double range, bool circle) {
+  const auto move = [&moving](float* value, float goal, double range, bool circle) {
     const double way = circle ? Wrapped(static_cast<double>(goal) - *value, -180) : static_cast<double>(goal) - *value;
     const bool arrives = std::fabs(way) <= kNear || std::fabs(way) > range / 5;
     *value = arrives ? goal : static_cast<float>(*value + way / 10);
     moving |= !arrives;
   };
-  glide(&shown->pitch, target.pitch, 180, false);
-  glide(&shown->roll, target.roll, 360, true);
-  glide(&shown->slip, target.slip, 4, false);
-  glide(&shown->heading, target.heading, 360, true);
+  move(&shown->pitch, target.pitch, 180, false);
+  move(&shown->roll, target.roll, 360, true);
+  move(&shown->slip, target.slip, 4, false);
+  move(&shown->heading, target.heading, 360, true);
   *shown = NormalAttitude(*shown);
   return moving;
 }
 
-// ---- Drawing --------------------------------------------------------------------------------------------------------
+// ---- Drawing
 
 COLORREF HorizonRenderer::Shown(COLORREF color) const {
   if (!(style_ & kHorizonDisabled)) return color;
-  const int grey = 84 + (GetRValue(color) * 30 + GetGValue(color) * 59 + GetBValue(color) * 11) / 300;
-  return RGB(grey, grey, grey);
+  const int gray = 84 + (GetRValue(color) * 30 + GetGValue(color) * 59 + GetBValue(color) * 11) / 300;
+  return RGB(gray, gray, gray);
 }
 
 void HorizonRenderer::AddText(Canvas& canvas, const wchar_t* text, PointD place, double height, double degrees,
@@ -157,9 +157,9 @@ void HorizonRenderer::DrawCase() {
   } else if (layout_.rim > 0) {
     const COLORREF light = Shown(RGB(196, 201, 207)), dark = Shown(RGB(62, 66, 72));
     const double inner = layout_.rim - (layout_.rim - layout_.ring) * 0.55;
-    FillGradientDisc(canvas, layout_.centre, layout_.rim, light, dark);
-    FillGradientDisc(canvas, layout_.centre, inner, dark, light);
-    FillDisc(canvas, layout_.centre, layout_.ring, Shown(kRing));
+    FillGradientDisc(canvas, layout_.center, layout_.rim, light, dark);
+    FillGradientDisc(canvas, layout_.center, inner, dark, light);
+    FillDisc(canvas, layout_.center, layout_.ring, Shown(kRing));
   }
 }
 
@@ -171,8 +171,8 @@ double HorizonRenderer::EdgeDistance() const {
 
 // Whether the symbol, the roll pointer or the tape would cover something of this size.
 bool HorizonRenderer::IsCovered(PointD place, double reach) const {
-  const double radius = layout_.radius, edge = radius * 0.04, x = std::fabs(place.x - layout_.centre.x);
-  const double y = place.y - layout_.centre.y;
+  const double radius = layout_.radius, edge = radius * 0.04, x = std::fabs(place.x - layout_.center.x);
+  const double y = place.y - layout_.center.y;
   const bool atWings = x + reach > kWingInner * radius - edge && x - reach < kWingOuter * radius + edge &&
                        y + reach > -edge && y - reach < kWingKnee * radius + edge;
   const bool atPointer = x - reach < radius * 0.1 && y - reach < -radius * 0.82;
@@ -186,8 +186,8 @@ void HorizonRenderer::DrawGround(Canvas& canvas) {
   const double distance = EdgeDistance();
   const double roll = attitude_.roll;
   if (layout_.round) {
-    FillSegment(canvas, layout_.centre, layout_.radius, -distance, -roll, Shown(kSky));
-    FillSegment(canvas, layout_.centre, layout_.radius, distance, 180 - roll, Shown(kGround));
+    FillSegment(canvas, layout_.center, layout_.radius, -distance, -roll, Shown(kSky));
+    FillSegment(canvas, layout_.center, layout_.radius, distance, 180 - roll, Shown(kGround));
     return;
   }
   const double beyond = static_cast<double>(surface_.size().cx) + surface_.size().cy;
@@ -260,7 +260,7 @@ void HorizonRenderer::DrawChevrons(Canvas& canvas) {
 // The ring covers parts of the ladder outside the disc. The scale rotates with the horizon; its pointer is fixed.
 void HorizonRenderer::DrawRollScale(Canvas& canvas) {
   const double radius = layout_.radius, size = std::max(4.0, radius * 0.09);
-  if (layout_.round) FillAnnularSector(canvas, layout_.centre, radius, layout_.ring, 0, 360, Shown(kRing));
+  if (layout_.round) FillAnnularSector(canvas, layout_.center, radius, layout_.ring, 0, 360, Shown(kRing));
   const double room = layout_.ring - radius, foot = radius + 0.5, roll = attitude_.roll;
   BeginShape(canvas);
   for (const int degrees : {10, 20, 30, 45, 60, 90}) {
@@ -268,17 +268,17 @@ void HorizonRenderer::DrawRollScale(Canvas& canvas) {
     const double outer = radius + room * (major ? 0.85 : 0.45);
     for (const int side : {-1, 1}) {
       const double angle = side * degrees - roll;
-      AddLine(canvas, PolarPoint(layout_.centre, foot, angle), PolarPoint(layout_.centre, outer, angle),
+      AddLine(canvas, PolarPoint(layout_.center, foot, angle), PolarPoint(layout_.center, outer, angle),
               std::max(1.0, radius / (major ? 50 : 110)));
     }
   }
   const double breadth = Degrees(room * 0.6 / radius);
-  const PointD zero[] = {PolarPoint(layout_.centre, foot, -roll),
-                         PolarPoint(layout_.centre, radius + room * 0.9, -roll - breadth),
-                         PolarPoint(layout_.centre, radius + room * 0.9, -roll + breadth)};
+  const PointD zero[] = {PolarPoint(layout_.center, foot, -roll),
+                         PolarPoint(layout_.center, radius + room * 0.9, -roll - breadth),
+                         PolarPoint(layout_.center, radius + room * 0.9, -roll + breadth)};
   canvas.shape().AddContour(zero);
   FillShape(canvas, Shown(kInk));
-  const PointD top{layout_.centre.x, layout_.centre.y - radius + 1};
+  const PointD top{layout_.center.x, layout_.center.y - radius + 1};
   const PointD pointer[] = {top, {top.x + size * 0.75, top.y + size * 1.2}, {top.x - size * 0.75, top.y + size * 1.2}};
   FillPolygon(canvas, pointer, Shown(kSymbol));
   const double left = top.x - size * 0.75 + attitude_.slip * size * 1.5, high = top.y + size * 1.4;
@@ -289,17 +289,17 @@ void HorizonRenderer::DrawRollScale(Canvas& canvas) {
 
 // Draws the shape twice: first dark and wider, so that it contrasts with sky, ground and ladder.
 void HorizonRenderer::DrawSymbol(Canvas& canvas) {
-  const PointD& centre = layout_.centre;
+  const PointD& center = layout_.center;
   const double radius = layout_.radius, width = std::max(2.0, radius * 0.04), knee = radius * kWingKnee;
   for (const double wider : {std::max(1.0, radius / 70), 0.0}) {
     BeginShape(canvas);
     for (const double side : {-1.0, 1.0}) {
-      const auto at = [&](double right, double down) { return PointD{centre.x + side * right, centre.y + down}; };
+      const auto at = [&](double right, double down) { return PointD{center.x + side * right, center.y + down}; };
       const double inner = radius * kWingInner;
       AddLine(canvas, at(radius * kWingOuter + wider, 0), at(inner - width / 2 - wider, 0), width + 2 * wider);
       AddLine(canvas, at(inner, -width / 2), at(inner, knee + wider), width + 2 * wider);
     }
-    AddLine(canvas, {centre.x - width / 2 - wider, centre.y}, {centre.x + width / 2 + wider, centre.y},
+    AddLine(canvas, {center.x - width / 2 - wider, center.y}, {center.x + width / 2 + wider, center.y},
             width + 2 * wider);
     FillShape(canvas, wider > 0 ? Shown(RGB(20, 20, 22)) : Shown(kSymbol));
   }
@@ -357,7 +357,7 @@ void HorizonRenderer::DrawAttitude(Canvas& canvas) {
   if (layout_.radius <= 0 || !IntersectRect(&face, &layout_.area, &canvas.clip())) return;
   canvas.ClipTo(face);
   if (attitude_.state & kHorizonNoValue) {
-    if (layout_.round) FillDisc(canvas, layout_.centre, layout_.radius, Shown(RGB(70, 74, 80)));
+    if (layout_.round) FillDisc(canvas, layout_.center, layout_.radius, Shown(RGB(70, 74, 80)));
     DrawSymbol(canvas);
     DrawFlag(canvas);
     return;

@@ -17,7 +17,7 @@ namespace kv {
 struct HorizonLayout {
   RECT area;                 // the moving part, which is redrawn for a new attitude
   RECT tape;                 // of the heading; empty without kHorizonTape
-  PointD centre;             // of the aircraft symbol
+  PointD center;             // of the aircraft symbol
   double rim, ring, radius;  // of the case, the ring with the roll scale, and sky and ground
   double pixelsPerDegree;
   bool round;
@@ -31,8 +31,8 @@ double LadderStep(double pixelsPerDegree);
 
 // The attitude with roll normalized to -180..180 and heading to 0 up to, not including, 360; other fields are clamped.
 HorizonAttitude NormalAttitude(const HorizonAttitude& attitude);
-// The next attitude of a glide to `target`, and whether the glide continues.
-bool GlideAttitude(HorizonAttitude* shown, const HorizonAttitude& target);
+// The next attitude of an animation to `target`, and whether the animation continues.
+bool AnimateAttitude(HorizonAttitude* shown, const HorizonAttitude& target);
 
 class HorizonRenderer {
  public:

@@ -47,7 +47,7 @@ float ClampToRange(const InstrumentBlock& block, float value) {
   return value;
 }
 
-GlideStep NextGlideStep(const InstrumentBlock& block, float target) {
+AnimationStep NextAnimationStep(const InstrumentBlock& block, float target) {
   if (std::isnan(block.current)) return {target, !std::isnan(target)};
   const double step = std::isfinite(block.step) ? std::fabs(static_cast<double>(block.step)) : 0.0;
   const double distance = std::fabs(static_cast<double>(target) - block.current);
@@ -55,7 +55,7 @@ GlideStep NextGlideStep(const InstrumentBlock& block, float target) {
   const double range = std::fabs(static_cast<double>(block.maximum) - block.minimum);
   if (!(distance <= 0.2 * range)) return {target, true};
   const auto next = static_cast<float>((9 * static_cast<double>(block.current) + target) / 10);
-  // When a tenth is rounded to nothing, the glide ends; otherwise the timer would run for ever.
+  // When a tenth is rounded to nothing, the animation ends; otherwise the timer would run for ever.
   return {next == block.current ? target : next, true};
 }
 

@@ -44,13 +44,13 @@ CardLetters LettersOf(double innerRadius) {
   return {0.645, 0.27, 0.645, 0};
 }
 
-// North has the display colour while there is a valid heading and the control is enabled.
+// North has the display color while there is a valid heading and the control is enabled.
 COLORREF NorthColor(const InstrumentAppearance& appearance) {
   return ReadingOf(appearance.block).valid && !IsDisabled(appearance) ? DisplayColor(appearance)
                                                                       : ColorsOf(appearance).ink;
 }
 
-// Adds a text to the shape, along the tangent and upright as seen from the centre of the card.
+// Adds a text to the shape, along the tangent and upright as seen from the center of the card.
 void AddCardText(Canvas& canvas, const Dial& dial, const wchar_t* text, int count, double radius, double height,
                  double angle, COLORREF color) {
   double width = 0;
@@ -59,7 +59,7 @@ void AddCardText(Canvas& canvas, const Dial& dial, const wchar_t* text, int coun
     if (!glyph) return;
     width += glyph->advance * height;
   }
-  const PointD place = PolarPoint(dial.centre, radius * dial.innerRadius, angle);
+  const PointD place = PolarPoint(dial.center, radius * dial.innerRadius, angle);
   double along = -width / 2;
   for (int i = 0; i < count; ++i) {
     const GlyphOutline& glyph = *InstrumentGlyph(text[i]);
@@ -76,7 +76,7 @@ void DrawZones(Canvas& canvas, const Dial& dial, const InstrumentAppearance& app
     if (!std::isfinite(zone.lower) || !std::isfinite(zone.upper)) continue;
     const double from = CardAngle(zone.lower, heading);
     const double sweep = std::clamp(static_cast<double>(zone.upper) - zone.lower, 0.0, 360.0);
-    FillAnnularSector(canvas, dial.centre, inner, kZoneOuter * dial.innerRadius, from, from + sweep,
+    FillAnnularSector(canvas, dial.center, inner, kZoneOuter * dial.innerRadius, from, from + sweep,
                       ShownColor(appearance, zone.color));
   }
 }
@@ -96,8 +96,8 @@ void AddMark(Canvas& canvas, const Dial& dial, Mark mark, PointD direction) {
                                              : radius * 0.007;
   const double half = std::max(width, 0.7) / 2;
   const auto at = [&](double along, double aside) {
-    return PointD{dial.centre.x + direction.x * along + direction.y * aside,
-                  dial.centre.y + direction.y * along - direction.x * aside};
+    return PointD{dial.center.x + direction.x * along + direction.y * aside,
+                  dial.center.y + direction.y * along - direction.x * aside};
   };
   const double from = radius * inner, to = radius * kMarkOuter;
   const PointD corners[] = {at(from, half), at(to, half), at(to, -half), at(from, -half)};
@@ -107,10 +107,10 @@ void AddMark(Canvas& canvas, const Dial& dial, Mark mark, PointD direction) {
 // Whether a pixel that is rotated by 90 degrees about the dial's center is another pixel within the clip.
 bool HasSymmetricPixels(const Canvas& canvas, const Dial& dial) {
   const RECT& clip = canvas.clip();
-  const double radius = dial.innerRadius, difference = dial.centre.y - dial.centre.x;
-  return difference == std::floor(difference) && dial.centre.x - radius >= clip.left &&
-         dial.centre.x + radius <= clip.right && dial.centre.y - radius >= clip.top &&
-         dial.centre.y + radius <= clip.bottom;
+  const double radius = dial.innerRadius, difference = dial.center.y - dial.center.x;
+  return difference == std::floor(difference) && dial.center.x - radius >= clip.left &&
+         dial.center.x + radius <= clip.right && dial.center.y - radius >= clip.top &&
+         dial.center.y + radius <= clip.bottom;
 }
 
 // Fills the shape, and its copies that are rotated by 90, 180 and 270 degrees.
@@ -118,9 +118,9 @@ void FillFourTimes(Canvas& canvas, const Dial& dial, COLORREF color) {
   canvas.FinishGdi();
   const Surface& surface = canvas.surface();
   const DWORD pixel = PixelOfColor(color);
-  const int sum = static_cast<int>(dial.centre.x + dial.centre.y) - 1;
-  const int difference = static_cast<int>(dial.centre.y - dial.centre.x);
-  const int right = static_cast<int>(2 * dial.centre.x) - 1, bottom = static_cast<int>(2 * dial.centre.y) - 1;
+  const int sum = static_cast<int>(dial.center.x + dial.center.y) - 1;
+  const int difference = static_cast<int>(dial.center.y - dial.center.x);
+  const int right = static_cast<int>(2 * dial.center.x) - 1, bottom = static_cast<int>(2 * dial.center.y) - 1;
   int y = 0;
   for (std::span<const CoverageSpan> spans; !(spans = canvas.shape().NextRow(&y)).empty();) {
     for (const CoverageSpan& span : spans) {
@@ -159,7 +159,7 @@ void DrawMarks(Canvas& canvas, const Dial& dial, const DialColors& colors, doubl
   }
 }
 
-// Shapes of one colour that do not touch; drawn together.
+// Shapes of one color that do not touch; drawn together.
 enum class Rank { kNorth, kCardinal, kOther };
 constexpr Rank kRanks[] = {Rank::kOther, Rank::kCardinal, Rank::kNorth};
 
@@ -220,8 +220,8 @@ void DrawRose(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appe
       for (const Direction& direction : Directions()) {
         if (RankOf(direction) != rank) continue;
         const double angle = CardAngle(direction.bearing, heading);
-        const PointD half[] = {PolarPoint(dial.centre, length, angle),
-                               PolarPoint(dial.centre, waist, angle + side * 22.5), dial.centre};
+        const PointD half[] = {PolarPoint(dial.center, length, angle),
+                               PolarPoint(dial.center, waist, angle + side * 22.5), dial.center};
         canvas.shape().AddContour(half);
       }
       FillShape(canvas, ShadeColor(light, side < 0 ? 0.85 : 0.5));
@@ -232,11 +232,11 @@ void DrawRose(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appe
 // The fixed index at the top, which points to the heading.
 void DrawIndex(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appearance) {
   const double radius = dial.innerRadius, half = std::max(3.0, radius * 0.075);
-  const double top = dial.centre.y - dial.radius + std::max(0.5, (dial.radius - radius) * 0.3);
-  const double tip = dial.centre.y - radius * 0.82;
+  const double top = dial.center.y - dial.radius + std::max(0.5, (dial.radius - radius) * 0.3);
+  const double tip = dial.center.y - radius * 0.82;
   const auto triangle = [&](double wider) {
-    return std::array{PointD{dial.centre.x - half - wider, top}, PointD{dial.centre.x + half + wider, top},
-                      PointD{dial.centre.x, tip + 1.6 * wider}};
+    return std::array{PointD{dial.center.x - half - wider, top}, PointD{dial.center.x + half + wider, top},
+                      PointD{dial.center.x, tip + 1.6 * wider}};
   };
   FillPolygon(canvas, triangle(std::max(0.7, radius * 0.012)), ColorsOf(appearance).dialBottom);
   FillPolygon(canvas, triangle(0), DisplayColor(appearance));
@@ -258,9 +258,9 @@ void DrawHeading(Canvas& canvas, const Dial& dial, const InstrumentAppearance& a
                          double boxHeight, COLORREF color, UINT align) {
     const int wanted = std::max(least, static_cast<int>(radius * tall));
     HFONT font = InstrumentFont(FittingHeight(line, wanted, 9, maxWidth, weight), 0, weight);
-    const LONG centre = std::lround(dial.centre.x), half = maxWidth / 2 + 1;
-    const double top = dial.centre.y + radius * (middle - boxHeight / 2);
-    const RECT box{centre - half, std::lround(top), centre + half, std::lround(top + radius * boxHeight)};
+    const LONG center = std::lround(dial.center.x), half = maxWidth / 2 + 1;
+    const double top = dial.center.y + radius * (middle - boxHeight / 2);
+    const RECT box{center - half, std::lround(top), center + half, std::lround(top + radius * boxHeight)};
     DrawTextLine(canvas, font, line, box, color, align);
   };
   write(text, 0.26, 10, width, FW_BOLD, named ? -0.035 : 0, 0.34, colors.ink, DT_CENTER | DT_NOCLIP);
@@ -318,8 +318,8 @@ void DrawCard(Canvas& canvas, const InstrumentAppearance& appearance, const doub
   DrawLetters(canvas, dial, appearance, heading);
   DrawRose(canvas, dial, appearance, heading);
   if (dial.innerRadius >= kMinRadiusWithRose) {
-    FillDisc(canvas, dial.centre, dial.innerRadius * kHub * 1.05, colors.dialBottom);
-    FillGradientDisc(canvas, dial.centre, dial.innerRadius * kHub, colors.window, colors.dialTop);
+    FillDisc(canvas, dial.center, dial.innerRadius * kHub * 1.05, colors.dialBottom);
+    FillGradientDisc(canvas, dial.center, dial.innerRadius * kHub, colors.window, colors.dialTop);
   }
   if (ReadingOf(appearance.block).valid) DrawIndex(canvas, dial, appearance);
   if (dial.innerRadius >= kMinRadiusWithHeading) DrawHeading(canvas, dial, appearance, heading);
@@ -329,8 +329,8 @@ void AddParts(ValueLayer& layer, const InstrumentBlock& block, const char*) {
   const Dial dial = DialIn(layer.appearance().area);
   if (dial.radius <= 0) return;
   const InstrumentReading reading = ReadingOf(block);
-  const PointD corners[] = {{dial.centre.x - dial.innerRadius, dial.centre.y - dial.radius},
-                            {dial.centre.x + dial.innerRadius, dial.centre.y + dial.innerRadius}};
+  const PointD corners[] = {{dial.center.x - dial.innerRadius, dial.center.y - dial.radius},
+                            {dial.center.x + dial.innerRadius, dial.center.y + dial.innerRadius}};
   layer.Add(BoundsOf(corners, 1, layer.appearance().area), reading.valid ? NormalHeading(reading.value) : 0.0,
             DrawCard);
 }

@@ -1,5 +1,5 @@
 // The geometry of the compass: a card with rose, marks and letters that rotates under a fixed index, and the heading in
-// its centre. Pure functions; any thread.
+// its center. Pure functions; any thread.
 #pragma once
 
 #include <array>

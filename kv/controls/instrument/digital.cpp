@@ -155,13 +155,13 @@ DigitBoxes LayOutDigits(const RECT& area, const DigitCells& cells) {
 
 StrokeCorners CornersOf(const DigitBox& box, int stroke) {
   const double t = box.stroke, gap = std::max(box.height * 0.012, 0.12);
-  const double left = t / 2, right = box.width - t / 2, centre = box.width / 2;
+  const double left = t / 2, right = box.width - t / 2, center = box.width / 2;
   const double top = t / 2, middle = box.height / 2, bottom = box.height - t / 2;
   const auto bar = [&](PointD from, PointD to) { return Bar(box, from, to, gap); };
   // Arms end beside the vertical segments.
   const auto arm = [&](double side, double end) {
-    const double x = centre + side * (box.width / 2 - t * 1.15);
-    return Arm(box, {centre, middle}, {x, end});
+    const double x = center + side * (box.width / 2 - t * 1.15);
+    return Arm(box, {center, middle}, {x, end});
   };
   switch (1u << stroke) {
     case kSegmentTop: return bar({left, top}, {right, top});
@@ -173,12 +173,12 @@ StrokeCorners CornersOf(const DigitBox& box, int stroke) {
     case kSegmentMiddle: return bar({left, middle}, {right, middle});
     case kStrokeUpright: {
       const double half = (right - left) * 0.55;
-      return bar({centre, middle - half}, {centre, middle + half});
+      return bar({center, middle - half}, {center, middle + half});
     }
-    case kStrokeMiddleLeft: return bar({left, middle}, {centre, middle});
-    case kStrokeMiddleRight: return bar({centre, middle}, {right, middle});
-    case kStrokeStemUpper: return bar({centre, top}, {centre, middle});
-    case kStrokeStemLower: return bar({centre, middle}, {centre, bottom});
+    case kStrokeMiddleLeft: return bar({left, middle}, {center, middle});
+    case kStrokeMiddleRight: return bar({center, middle}, {right, middle});
+    case kStrokeStemUpper: return bar({center, top}, {center, middle});
+    case kStrokeStemLower: return bar({center, middle}, {center, bottom});
     case kArmUpperLeft: return arm(-1, t);
     case kArmUpperRight: return arm(1, t);
     case kArmLowerRight: return arm(1, box.height - t);
@@ -197,7 +197,7 @@ DigitalParts LayOutDigital(const RECT& area, DWORD style) {
   return parts;
 }
 
-// ---- Background -----------------------------------------------------------------------------------------------------
+// ---- Background
 
 namespace {
 
@@ -208,7 +208,7 @@ void DrawBackground(Canvas& canvas, InstrumentAppearance& appearance) {
   DrawDisplayWell(canvas, parts.display);
 }
 
-// ---- Value ----------------------------------------------------------------------------------------------------------
+// ---- Value
 
 struct Digit {
   DigitBox box;

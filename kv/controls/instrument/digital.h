@@ -26,7 +26,7 @@ enum Segment : unsigned {
   kStrokeMiddleRight = 512,
   kStrokeStemUpper = 1024,  // in the middle between left and right
   kStrokeStemLower = 2048,
-  kArmUpperLeft = 4096,  // from the character's centre towards its corners
+  kArmUpperLeft = 4096,  // from the character's center towards its corners
   kArmUpperRight = 8192,
   kArmLowerRight = 16384,
   kArmLowerLeft = 32768,
@@ -58,7 +58,7 @@ DigitCells CellsOf(const char* text, DWORD style);
 // The text for accessibility: without padding, with separators as characters.
 FixedText ReadableDigits(const char* text, DWORD style);
 
-// The box of a character; all have the same size and are centred in the area.
+// The box of a character; all have the same size and are centered in the area.
 struct DigitBox {
   double left, top, width, height;  // the upright box
   double stroke;                    // thickness of a segment

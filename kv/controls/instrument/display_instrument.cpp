@@ -28,20 +28,20 @@ namespace kv {
 
 namespace {
 
-constexpr UINT_PTR kGlideTimer = 5;
-constexpr UINT kGlideTickMs = 20;
-constexpr LONG kGlideCountdown = 20;
+constexpr UINT_PTR kAnimationTimer = 5;
+constexpr UINT kAnimationTickMs = 20;
+constexpr LONG kAnimationCountdown = 20;
 constexpr size_t kShownTextSize = 32;
 constexpr LRESULT kNoState = 1;
 
-// ---- Record ---------------------------------------------------------------------------------------------------------
+// ---- Record
 
 DWORD ModeOf(const InstrumentState& state) {
   return state.dwStyle & kInstrumentModeBits;
 }
 
 struct ModeDefaults {
-  BlockDefaults compass, centreBar, other;
+  BlockDefaults compass, centerBar, other;
 };
 constexpr BlockDefaults kPlainDefaults{0, 100, 1, 0, 0, "%", "Relative"};
 constexpr ModeDefaults kAtCreation{
@@ -52,7 +52,7 @@ constexpr ModeDefaults kAfterReset{
 
 // `name` is used for the mode without a default name.
 InstrumentBlock DefaultBlock(const ModeDefaults& row, DWORD mode, const char* name) {
-  BlockDefaults defaults = mode == kModeCompass ? row.compass : mode == kModeCentreBar ? row.centreBar : row.other;
+  BlockDefaults defaults = mode == kModeCompass ? row.compass : mode == kModeCenterBar ? row.centerBar : row.other;
   if (!defaults.name) defaults.name = name;
   return BuildDefaultBlock(defaults);
 }
@@ -79,7 +79,7 @@ void MakeBuffers(InstrumentState* state) {
   if (cache->background) state->hBuffer = cache->buffer.bitmap();
 }
 
-// ---- Drawing --------------------------------------------------------------------------------------------------------
+// ---- Drawing
 
 void StoreShownText(InstrumentState* state) {
   const FixedText text = DigitalText(state->block, state->dwStyle, state->time);
@@ -159,7 +159,7 @@ OwnedRegion RegionOf(const DirtyRects& dirty) {
   return region;
 }
 
-// Paints a change before it returns, and only the changed rectangles. In a single call, because twenty gliding
+// Paints a change before it returns, and only the changed rectangles. In a single call, because twenty animated
 // instruments make a thousand of them a second.
 void ShowNow(InstrumentState* state) {
   const DirtyRects dirty = Render(state);
@@ -167,7 +167,7 @@ void ShowNow(InstrumentState* state) {
                RDW_UPDATENOW | RDW_NOCHILDREN | (dirty.empty() ? 0u : RDW_INVALIDATE));
 }
 
-// ---- Commands -------------------------------------------------------------------------------------------------------
+// ---- Commands
 
 // Reading changes nothing: always false.
 template <class Item>
@@ -221,12 +221,12 @@ bool ExchangeBlock(InstrumentState* state, WPARAM wParam, LPARAM address) {
   return true;
 }
 
-void StartGliding(InstrumentState* state) {
-  if (state->bGliding) return;
-  state->bGliding = SetTimer(state->hWnd, kGlideTimer, kGlideTickMs, nullptr) != 0;
-  state->nCountdown = kGlideCountdown;
-  // Without a timer the glide would never end.
-  if (!state->bGliding) state->block.current = state->target;
+void StartAnimation(InstrumentState* state) {
+  if (state->bAnimating) return;
+  state->bAnimating = SetTimer(state->hWnd, kAnimationTimer, kAnimationTickMs, nullptr) != 0;
+  state->nCountdown = kAnimationCountdown;
+  // Without a timer the animation would never end.
+  if (!state->bAnimating) state->block.current = state->target;
 }
 
 bool MoveTo(InstrumentState* state, float value, WPARAM flags) {
@@ -235,8 +235,8 @@ bool MoveTo(InstrumentState* state, float value, WPARAM flags) {
   if (exact ? isCurrent && isTarget : isCurrent || isTarget) return false;
   state->target = value;
   state->work.bExact = exact;
-  if (flags & kValueGlide) {
-    StartGliding(state);
+  if (flags & kValueAnimate) {
+    StartAnimation(state);
   } else {
     state->block.current = value;
   }
@@ -245,7 +245,7 @@ bool MoveTo(InstrumentState* state, float value, WPARAM flags) {
 
 bool ExchangeValue(InstrumentState* state, WPARAM wParam, LPARAM address) {
   InstrumentBlock& block = state->block;
-  if (wParam & kCommandRead) return CopyToCaller(wParam & kValueGlide ? state->target : block.current, address);
+  if (wParam & kCommandRead) return CopyToCaller(wParam & kValueAnimate ? state->target : block.current, address);
   float value = 0;
   bool changed = true;
   if (!CopyFromCaller(address, &value) || std::isnan(value)) {
@@ -306,7 +306,7 @@ LRESULT OnCommand(HWND window, InstrumentState* state, WPARAM wParam, LPARAM lPa
   return 0;
 }
 
-// ---- Accessibility --------------------------------------------------------------------------------------------------
+// ---- Accessibility
 
 FixedText AccessibleValue(const InstrumentState& state) {
   const InstrumentReading reading = ReadingOf(state.block);
@@ -332,7 +332,7 @@ AccessibleText Describe(HWND window) {
   return {std::wstring(DecodedName(state->block).view()), std::wstring(AccessibleValue(*state).view())};
 }
 
-// ---- Message handlers -----------------------------------------------------------------------------------------------
+// ---- Message handlers
 
 LRESULT OnCreate(HWND window, InstrumentState* state) {
   if (state) return 0;  // created already
@@ -352,7 +352,7 @@ LRESULT OnCreate(HWND window, InstrumentState* state) {
 }
 
 LRESULT OnDestroy(HWND window, InstrumentState* state) {
-  KillTimer(window, kGlideTimer);
+  KillTimer(window, kAnimationTimer);
   delete state->work.cache;
   DestroyWindowState(window, state);
   return 0;
@@ -394,25 +394,25 @@ LRESULT OnPaint(HWND window, InstrumentState* state) {
   return 0;
 }
 
-// An exact glide continues within the block's step; when its steps become invisible, it jumps to the target.
-GlideStep NextStep(const InstrumentState& state) {
-  if (!state.work.bExact) return NextGlideStep(state.block, state.target);
+// An exact animation continues within the block's step; when its steps become invisible, it jumps to the target.
+AnimationStep NextStep(const InstrumentState& state) {
+  if (!state.work.bExact) return NextAnimationStep(state.block, state.target);
   InstrumentBlock fine = state.block;
   fine.step = std::min(std::fabs(fine.step), std::fabs(fine.maximum - fine.minimum) / 10000);
-  const GlideStep step = NextGlideStep(fine, state.target);
-  return step.moving || fine.current == state.target ? step : GlideStep{state.target, true};
+  const AnimationStep step = NextAnimationStep(fine, state.target);
+  return step.moving || fine.current == state.target ? step : AnimationStep{state.target, true};
 }
 
 LRESULT OnTimer(InstrumentState* state, WPARAM timer) {
-  if (timer != kGlideTimer) return 0;
-  const GlideStep step = NextStep(*state);
+  if (timer != kAnimationTimer) return 0;
+  const AnimationStep step = NextStep(*state);
   if (step.moving) {
     state->block.current = step.current;
     state->bRedraw = TRUE;
     ShowNow(state);
   } else if (state->nCountdown == 0) {
-    KillTimer(state->hWnd, kGlideTimer);
-    state->bGliding = FALSE;
+    KillTimer(state->hWnd, kAnimationTimer);
+    state->bAnimating = FALSE;
     NotifyValueChanged(state->hWnd);
   } else {
     --state->nCountdown;
@@ -429,7 +429,7 @@ LRESULT CopyToClipboard(InstrumentState* state, LPARAM requested) {
   return 0;
 }
 
-// ---- Window procedure -----------------------------------------------------------------------------------------------
+// ---- Window procedure
 
 LRESULT CALLBACK InstrumentProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   auto* state = WindowState<InstrumentState>(window);
@@ -453,7 +453,7 @@ LRESULT CALLBACK InstrumentProcedure(HWND window, UINT message, WPARAM wParam, L
 
 }  // namespace
 
-// ---- Registration ---------------------------------------------------------------------------------------------------
+// ---- Registration
 
 BOOL RegisterDisplayInstrumentClass(HINSTANCE instance, BOOL registerIt) {
   return RegisterControlClass(instance, kDisplayInstrumentClass, InstrumentProcedure, registerIt);

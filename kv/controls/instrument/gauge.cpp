@@ -16,7 +16,7 @@ namespace kv {
 
 namespace {
 
-// ---- Background -----------------------------------------------------------------------------------------------------
+// ---- Background
 
 // Radii relative to the dial's.
 constexpr double kZoneOuter = 0.97, kZoneInner = 0.91;
@@ -41,7 +41,7 @@ void DrawZones(Canvas& canvas, const Dial& dial, const InstrumentAppearance& app
     if (!(appearance.block.state & ZoneEnabledBit(i))) continue;
     const InstrumentZone& zone = appearance.block.zones[i];
     const double lower = GaugeAngle(reading, zone.lower), upper = GaugeAngle(reading, zone.upper);
-    FillAnnularSector(canvas, dial.centre, inner, kZoneOuter * dial.innerRadius, std::min(lower, upper),
+    FillAnnularSector(canvas, dial.center, inner, kZoneOuter * dial.innerRadius, std::min(lower, upper),
                       std::max(lower, upper), ShownColor(appearance, zone.color));
   }
 }
@@ -64,8 +64,8 @@ void DrawTicks(Canvas& canvas, const Dial& dial, const InstrumentAppearance& app
     if (value < low - slack || value > high + slack) continue;
     const bool major = index % parts == 0;
     const double angle = GaugeAngle(reading, value);
-    FillLine(canvas, PolarPoint(dial.centre, radius * (major ? kMajorInner : kMinorInner), angle),
-             PolarPoint(dial.centre, radius * kTickOuter, angle),
+    FillLine(canvas, PolarPoint(dial.center, radius * (major ? kMajorInner : kMinorInner), angle),
+             PolarPoint(dial.center, radius * kTickOuter, angle),
              major ? std::max(1.25, radius * 0.022) : std::max(0.8, radius * 0.011),
              major ? colors.ink : colors.faintInk);
   }
@@ -100,7 +100,7 @@ void DrawBackground(Canvas& canvas, InstrumentAppearance& appearance) {
   DrawTexts(canvas, layout, appearance);
 }
 
-// ---- Value ----------------------------------------------------------------------------------------------------------
+// ---- Value
 
 // The geometry of a needle, in pixels. Its body ends at the labels, from where a thin tip, which hides no label,
 // reaches the marks.
@@ -112,9 +112,9 @@ struct Needle {
 Needle NeedleAt(const Dial& dial, double reach, double angle) {
   const double radius = dial.innerRadius;
   const double tip = radius < kMinRadiusWithLabels ? reach : std::max(reach, kNeedleTip * radius);
-  return {.tip = PolarPoint(dial.centre, tip, angle),
-          .end = PolarPoint(dial.centre, reach, angle),
-          .tail = PolarPoint(dial.centre, -radius * kNeedleTail, angle),
+  return {.tip = PolarPoint(dial.center, tip, angle),
+          .end = PolarPoint(dial.center, reach, angle),
+          .tail = PolarPoint(dial.center, -radius * kNeedleTail, angle),
           .angle = angle,
           .root = std::max(1.8, radius * 0.055),
           .point = std::max(0.6, radius * 0.01),
@@ -124,8 +124,8 @@ Needle NeedleAt(const Dial& dial, double reach, double angle) {
 RECT BoundsOfNeedle(const Needle& needle, const Dial& dial, const RECT& limit) {
   const PointD ends[] = {needle.tip,
                          needle.tail,
-                         {dial.centre.x - needle.hub, dial.centre.y - needle.hub},
-                         {dial.centre.x + needle.hub, dial.centre.y + needle.hub}};
+                         {dial.center.x - needle.hub, dial.center.y - needle.hub},
+                         {dial.center.x + needle.hub, dial.center.y + needle.hub}};
   return BoundsOf(ends, needle.root + 3 + dial.innerRadius * 0.012, limit);
 }
 
@@ -133,25 +133,25 @@ void DrawNeedle(Canvas& canvas, const InstrumentAppearance& appearance, const Ne
   const Dial dial = DialIn(appearance.area);
   const double edge = std::max(0.5, dial.innerRadius * 0.012);
   const auto [tip, end, tail, angle, root, point, hub] = needle;
-  const PointD across = PolarPoint({0, 0}, 1, angle + 90), centre = dial.centre;
+  const PointD across = PolarPoint({0, 0}, 1, angle + 90), center = dial.center;
   const auto beside = [&across](PointD place, double distance) {
     return PointD{place.x + across.x * distance, place.y + across.y * distance};
   };
   const auto outline = [&](double wider) {
     const double half = needle.root + wider, tailHalf = needle.root * 0.75 + wider, tipHalf = needle.point + wider / 2;
-    return std::array{beside(needle.tip, tipHalf),   beside(needle.end, tipHalf),    beside(centre, half),
-                      beside(needle.tail, tailHalf), beside(needle.tail, -tailHalf), beside(centre, -half),
+    return std::array{beside(needle.tip, tipHalf),   beside(needle.end, tipHalf),    beside(center, half),
+                      beside(needle.tail, tailHalf), beside(needle.tail, -tailHalf), beside(center, -half),
                       beside(needle.end, -tipHalf),  beside(needle.tip, -tipHalf)};
   };
   const COLORREF color = DisplayColor(appearance);
   // A dark edge separates the needle from the labels; two tones give it a ridge.
   FillPolygon(canvas, outline(edge), ColorsOf(appearance).dialBottom);
   FillPolygon(canvas, outline(0), color);
-  const PointD darkHalf[] = {end, beside(end, point), beside(dial.centre, root), beside(tail, root * 0.75), tail};
+  const PointD darkHalf[] = {end, beside(end, point), beside(dial.center, root), beside(tail, root * 0.75), tail};
   FillPolygon(canvas, darkHalf, ShadeColor(color, 0.72));
-  FillDisc(canvas, dial.centre, hub + edge, ColorsOf(appearance).dialBottom);
-  FillGradientDisc(canvas, dial.centre, hub, RGB(150, 155, 161), RGB(62, 66, 72));
-  FillGradientDisc(canvas, dial.centre, hub * 0.62, RGB(70, 74, 80), RGB(112, 117, 123));
+  FillDisc(canvas, dial.center, hub + edge, ColorsOf(appearance).dialBottom);
+  FillGradientDisc(canvas, dial.center, hub, RGB(150, 155, 161), RGB(62, 66, 72));
+  FillGradientDisc(canvas, dial.center, hub * 0.62, RGB(70, 74, 80), RGB(112, 117, 123));
 }
 
 // An index on the rim, as on the compass. Because of the labels, the needle does not reach the marks; the index shows
@@ -161,9 +161,9 @@ struct Index {
 };
 
 Index IndexAt(const Dial& dial, double angle) {
-  const PointD base = PolarPoint(dial.centre, 0.3 * dial.innerRadius + 0.7 * dial.radius, angle);
+  const PointD base = PolarPoint(dial.center, 0.3 * dial.innerRadius + 0.7 * dial.radius, angle);
   const PointD half = PolarPoint({0, 0}, std::max(2.5, dial.innerRadius * 0.05), angle + 90);
-  return {.tip = PolarPoint(dial.centre, dial.innerRadius * kIndexTip, angle),
+  return {.tip = PolarPoint(dial.center, dial.innerRadius * kIndexTip, angle),
           .left = {base.x - half.x, base.y - half.y},
           .right = {base.x + half.x, base.y + half.y}};
 }

@@ -69,8 +69,8 @@ int Round(double value) {
   return static_cast<int>(std::lround(value));
 }
 
-RECT BoxAt(PointD centre, double width, double height) {
-  const int left = Round(centre.x - width / 2), top = Round(centre.y - height / 2);
+RECT BoxAt(PointD center, double width, double height) {
+  const int left = Round(center.x - width / 2), top = Round(center.y - height / 2);
   return {left, top, left + Round(width), top + Round(height)};
 }
 
@@ -98,23 +98,23 @@ struct DialSpace {
   FixedList<RECT, 24> taken;
 };
 
-// The vertical extent of a row of text, downwards from the dial's centre.
+// The vertical extent of a row of text, downwards from the dial's center.
 struct Band {
   double top, bottom;
   bool low;  // the row may be at the lower end, where the needle leaves more space
 };
 
-// Half the width that is available to a row of this height, centred on the dial's vertical axis. Below the hub, the
+// Half the width that is available to a row of this height, centered on the dial's vertical axis. Below the hub, the
 // needle at either end of the scale limits the row near its upper corners, where a text seldom has ink.
 double FreeHalf(const DialSpace& space, double middle, int height) {
-  const PointD centre = space.dial.centre;
+  const PointD center = space.dial.center;
   const double radius = space.dial.innerRadius, ink = height * kInk, top = middle - ink / 2, bottom = middle + ink / 2;
   const double within = kTextOuter * radius, needleEnd = space.reach * -std::cos(Radians(kGaugeStart));
   double half = bottom < within ? std::sqrt(within * within - bottom * bottom) : 0;
   if (top < needleEnd) half = std::min(half, top + 0.15 * ink - kNeedleClearance * radius);
   for (const RECT& box : space.taken) {
-    if (box.bottom <= centre.y + top || box.top >= centre.y + bottom) continue;
-    half = std::min(half, std::max(box.left - centre.x, centre.x - box.right) - space.gap);
+    if (box.bottom <= center.y + top || box.top >= center.y + bottom) continue;
+    half = std::min(half, std::max(box.left - center.x, center.x - box.right) - space.gap);
   }
   return half;
 }
@@ -137,7 +137,7 @@ GaugeText FitText(const DialSpace& space, const Band& band, std::wstring_view te
   while (true) {
     const double width = measure(text, height, FW_NORMAL).cx, middle = MiddleOf(space, band, height);
     const double half = FreeHalf(space, middle, height);
-    const PointD place{space.dial.centre.x, space.dial.centre.y + middle};
+    const PointD place{space.dial.center.x, space.dial.center.y + middle};
     if (width <= 2 * half) return {text, height, FW_NORMAL, BoxAt(place, width + 2, height)};
     if (height == least) return {};
     height = std::clamp(Round(height * 2 * half / width) + 1, least, height - 1);
@@ -147,7 +147,7 @@ GaugeText FitText(const DialSpace& space, const Band& band, std::wstring_view te
 // The rows between the needle's tail and the value: two, or one if there is no space for two.
 FixedList<Band, 2> BandsOf(const DialSpace& space) {
   const double top = kTailEnd * space.dial.innerRadius;
-  const double bottom = GaugeValueBox(space.dial).top - space.dial.centre.y, middle = (top + bottom) / 2;
+  const double bottom = GaugeValueBox(space.dial).top - space.dial.center.y, middle = (top + bottom) / 2;
   if (middle - top < kMinFontHeight * kInk) return {{top, bottom, false}};
   return {{top, middle, true}, {middle, bottom, false}};
 }
@@ -198,8 +198,8 @@ GaugeLabels PlaceLabels(const DialSpace& space, const InstrumentBlock& block, co
         PlainNumber(LabelValue(scale, index), scale.labelDecimals, (block.format & kFormatSign) != 0);
     const SIZE size = measure(text, height, FW_SEMIBOLD);
     const double angle = GaugeAngle(reading, static_cast<double>(index) * scale.step);
-    const PointD centre = LabelCentre(dial.centre, LabelRadius(dial.innerRadius), angle, size);
-    labels.push_back({text, height, FW_SEMIBOLD, BoxAt(centre, size.cx, size.cy)});
+    const PointD center = LabelCenter(dial.center, LabelRadius(dial.innerRadius), angle, size);
+    labels.push_back({text, height, FW_SEMIBOLD, BoxAt(center, size.cx, size.cy)});
   }
   return labels;
 }
@@ -215,7 +215,7 @@ bool ReserveSpace(const GaugeLabels& labels, DialSpace* space) {
       return false;
     }
     space->taken.push_back(ink);
-    const double distance = DistanceTo(ink, space->dial.centre);
+    const double distance = DistanceTo(ink, space->dial.center);
     space->reach = std::min(space->reach, distance - std::max(1.5, space->dial.innerRadius * 0.02));
   }
   return true;
@@ -225,7 +225,7 @@ bool ReserveSpace(const GaugeLabels& labels, DialSpace* space) {
 double NeedleReach(const Dial& dial) {
   const double reach = kNeedleReach * dial.innerRadius;
   if (dial.innerRadius < kMinRadiusWithValue || dial.innerRadius >= kMinRadiusWithLabels) return reach;
-  const double valueTop = InkOf(GaugeValueBox(dial)).top - dial.centre.y - kNeedleClearance * dial.innerRadius;
+  const double valueTop = InkOf(GaugeValueBox(dial)).top - dial.center.y - kNeedleClearance * dial.innerRadius;
   return std::min(reach, valueTop / -std::cos(Radians(kGaugeStart)));
 }
 
@@ -280,11 +280,11 @@ double LabelValue(const GaugeScale& scale, long long index) {
   return static_cast<double>(index) * scale.step / std::pow(10.0, scale.exponent);
 }
 
-PointD LabelCentre(PointD centre, double radius, double degrees, SIZE label) {
+PointD LabelCenter(PointD center, double radius, double degrees, SIZE label) {
   const PointD direction = PolarPoint({0, 0}, 1, degrees);
   // Treats a text as an ellipse within its box, so that all labels appear to have the same distance from the marks.
   const double extent = std::hypot(direction.x * label.cx / 2, direction.y * label.cy / 2 * kInk);
-  return PolarPoint(centre, radius - extent, degrees);
+  return PolarPoint(center, radius - extent, degrees);
 }
 
 GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, TextMeasure measure) {
@@ -297,7 +297,7 @@ GaugeLayout LayOutGauge(const RECT& area, const InstrumentBlock& block, TextMeas
       dial,
       std::max(2.0, radius * 0.04),
       layout.reach,
-      {BoxAt(dial.centre, 2 * kHubClearance * radius, 2 * kHubClearance * radius), GaugeValueBox(dial)}};
+      {BoxAt(dial.center, 2 * kHubClearance * radius, 2 * kHubClearance * radius), GaugeValueBox(dial)}};
   const FixedText name = DecodedName(block);
   Captions captions{};
   if (radius >= kMinRadiusWithLabels) {
@@ -329,7 +329,7 @@ RECT GaugeValueBox(const Dial& dial) {
   const double radius = dial.innerRadius, height = std::max(10.0, radius * kValueHeight);
   const double middle = std::min(kValueMiddle * radius, kValueBottom * radius - height / 2);
   const double width = radius < kMinRadiusWithLabels ? kBareValueWidth : kValueWidth;
-  return BoxAt({dial.centre.x, dial.centre.y + middle}, std::max(24.0, radius * width), height);
+  return BoxAt({dial.center.x, dial.center.y + middle}, std::max(24.0, radius * width), height);
 }
 
 GaugeText LayOutGaugeValue(const Dial& dial, const InstrumentBlock& block, int exponent, TextMeasure measure) {

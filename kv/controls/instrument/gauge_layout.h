@@ -27,13 +27,13 @@ struct GaugeScale {
 GaugeScale ChooseScale(double minimum, double maximum, int maxIntervals);
 double LabelValue(const GaugeScale& scale, long long index);
 
-// The centre of a label of this size that touches a circle of `radius` from the inside, in the given direction.
-PointD LabelCentre(PointD centre, double radius, double degrees, SIZE label);
+// The center of a label of this size that touches a circle of `radius` from the inside, in the given direction.
+PointD LabelCenter(PointD center, double radius, double degrees, SIZE label);
 
 // The extent of a text in a font of this cell height (pixels) and weight.
 using TextMeasure = SIZE (*)(std::wstring_view text, int height, int weight);
 
-// A text, centred in its box. `height` is that of its font's cell; 0: hidden.
+// A text, centered in its box. `height` is that of its font's cell; 0: hidden.
 struct GaugeText {
   FixedText text;
   int height, weight;

@@ -77,7 +77,7 @@ const ModeRenderer& RendererOf(DWORD style) {
     case kModeDigital: return kDigitalRenderer;
     case kModeSegmentBar: return kSegmentBarRenderer;
     case kModeCompass: return kCompassRenderer;
-    case kModeCentreBar: return kCentreBarRenderer;
+    case kModeCenterBar: return kCenterBarRenderer;
     default: return kGaugeRenderer;
   }
 }

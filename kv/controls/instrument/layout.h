@@ -18,7 +18,7 @@
 
 namespace kv {
 
-// The system colours that instruments use.
+// The system colors that instruments use.
 inline constexpr int kSystemColors[] = {COLOR_BTNFACE,     COLOR_BTNTEXT, COLOR_GRAYTEXT,   COLOR_3DSHADOW,
                                         COLOR_3DHIGHLIGHT, COLOR_3DLIGHT, COLOR_3DDKSHADOW, COLOR_WINDOWFRAME};
 
@@ -107,7 +107,7 @@ struct ModeRenderer {
   // Adds the parts that show the block's current value; `text` is the text of a digital readout.
   void (*addParts)(ValueLayer& layer, const InstrumentBlock& block, const char* text);
 };
-extern const ModeRenderer kGaugeRenderer, kDigitalRenderer, kSegmentBarRenderer, kCompassRenderer, kCentreBarRenderer;
+extern const ModeRenderer kGaugeRenderer, kDigitalRenderer, kSegmentBarRenderer, kCompassRenderer, kCenterBarRenderer;
 
 // The renderer of the style's mode.
 const ModeRenderer& RendererOf(DWORD style);

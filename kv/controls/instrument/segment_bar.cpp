@@ -19,7 +19,7 @@
 
 namespace kv {
 
-// ---- Layout --------------------------------------------------------------------------------------------------------
+// ---- Layout
 
 namespace {
 
@@ -109,7 +109,7 @@ bool IsVerticalBar(const RECT& area) {
   return area.right - area.left <= area.bottom - area.top;
 }
 
-// ---- Background ----------------------------------------------------------------------------------------------------
+// ---- Background
 
 namespace {
 
@@ -123,7 +123,7 @@ void DrawBackground(Canvas& canvas, InstrumentAppearance& appearance) {
   DrawDisplayWell(canvas, parts.display);
 }
 
-// ---- Value ---------------------------------------------------------------------------------------------------------
+// ---- Value
 
 COLORREF SegmentColor(const InstrumentAppearance& appearance, double value) {
   for (int i = kInstrumentZones - 1; i >= 0; --i) {

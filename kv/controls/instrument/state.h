@@ -1,4 +1,4 @@
-// The state of a display instrument's window. Private to the control and its tests; owners use the messages of
+// The state of a display instrument's window. Private to the control and its tests; programs use the messages of
 // kv/controls/display_instrument.h.
 #pragma once
 
@@ -19,7 +19,7 @@ struct InstrumentWork {
   BOOL bBackgroundDrawn;   // the cache contains the background of `appearance`
   InstrumentAppearance appearance;
   DWORD renderings;  // the number of renderings of the back buffer; wraps
-  BOOL bExact;       // the running glide ends at the target itself
+  BOOL bExact;       // the running animation ends at the target itself
   BYTE free[3512];
 };
 
@@ -30,12 +30,12 @@ struct InstrumentState {
   LONG nId;
   DWORD dwStyle;         // the window's style at creation, changed only by messages
   BOOL bRedraw;          // the back buffer is out of date
-  BOOL bGliding;         // timer 5 is running
-  LONG nCountdown;       // ticks until a glide that has reached its target stops
+  BOOL bAnimating;       // timer 5 is running
+  LONG nCountdown;       // ticks until an animation that has reached its target stops
   LONG nWidth, nHeight;  // of the back buffer, in pixels
   HBITMAP hBuffer;       // a top-down 32-bit section; null when the client area is empty
   InstrumentBlock block;
-  float target;  // the target of the glide
+  float target;  // the target of the animation
   SYSTEMTIME time;
   char szText[256];  // the last WM_SETTEXT; the first 32 bytes are the text of a digital readout
   InstrumentWork work;
@@ -44,7 +44,7 @@ static_assert(sizeof(InstrumentState) == 4936);
 static_assert(offsetof(InstrumentState, hInstance) == 4 && offsetof(InstrumentState, hWnd) == 8 &&
               offsetof(InstrumentState, hParent) == 12 && offsetof(InstrumentState, nId) == 16 &&
               offsetof(InstrumentState, dwStyle) == 20 && offsetof(InstrumentState, bRedraw) == 24 &&
-              offsetof(InstrumentState, bGliding) == 28 && offsetof(InstrumentState, nCountdown) == 32 &&
+              offsetof(InstrumentState, bAnimating) == 28 && offsetof(InstrumentState, nCountdown) == 32 &&
               offsetof(InstrumentState, nWidth) == 36 && offsetof(InstrumentState, hBuffer) == 44 &&
               offsetof(InstrumentState, block) == 48 && offsetof(InstrumentState, target) == 560 &&
               offsetof(InstrumentState, time) == 564 && offsetof(InstrumentState, szText) == 580 &&

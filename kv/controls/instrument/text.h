@@ -19,7 +19,7 @@ FixedText DecodedUnit(const InstrumentBlock& block);
 // for it: a number that is too large shows its low-order digits, and the point does not move. `format` as in the block.
 FixedText FixedWidthNumber(double value, int width, BYTE format);
 
-// The text without leading blanks, for centring.
+// The text without leading blanks, for centering.
 FixedText WithoutPadding(std::wstring_view text);
 
 // The number with as many digits as it needs; without sign if rounded to zero.

@@ -38,8 +38,8 @@ COLORREF ShownColor(const InstrumentAppearance& appearance, COLORREF color) {
   color &= kRgbBits;
   if (!IsDisabled(appearance)) return color;
   const int lightness = (GetRValue(color) * 30 + GetGValue(color) * 59 + GetBValue(color) * 11) / 100;
-  const int grey = 84 + lightness / 3;
-  return RGB(grey, grey, grey);
+  const int gray = 84 + lightness / 3;
+  return RGB(gray, gray, gray);
 }
 
 SIZE MeasureText(std::wstring_view text, int height, int weight) {
@@ -110,11 +110,11 @@ void FillRounded(Canvas& canvas, const RECT& area, bool vertical, COLORREF edge,
 
 Dial DialIn(const RECT& area) {
   const int width = area.right - area.left, height = area.bottom - area.top;
-  const PointD centre{area.left + width / 2.0, area.top + height / 2.0};
+  const PointD center{area.left + width / 2.0, area.top + height / 2.0};
   const double side = std::min(width, height);
-  if (side < 4) return {centre, 0, 0};
+  if (side < 4) return {center, 0, 0};
   const double radius = side / 2 - (side < 64 ? 0.5 : 1.0 + side / 200);
-  return {centre, radius, radius - std::max(1.25, radius * 0.07)};
+  return {center, radius, radius - std::max(1.25, radius * 0.07)};
 }
 
 void DrawDialCase(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appearance) {
@@ -122,11 +122,11 @@ void DrawDialCase(Canvas& canvas, const Dial& dial, const InstrumentAppearance& 
   if (dial.radius <= 0) return;
   const DialColors colors = ColorsOf(appearance);
   const double rim = dial.radius - dial.innerRadius;
-  FillGradientDisc(canvas, dial.centre, dial.radius, colors.rimTop, colors.rimBottom);
+  FillGradientDisc(canvas, dial.center, dial.radius, colors.rimTop, colors.rimBottom);
   // The inner slope of the rim is lit from the opposite side.
-  FillGradientDisc(canvas, dial.centre, dial.innerRadius + rim * 0.45, colors.rimBottom, colors.rimTop);
-  FillDisc(canvas, dial.centre, dial.innerRadius + rim * 0.12, RGB(10, 11, 13));
-  FillGradientDisc(canvas, dial.centre, dial.innerRadius, colors.dialTop, colors.dialBottom);
+  FillGradientDisc(canvas, dial.center, dial.innerRadius + rim * 0.45, colors.rimBottom, colors.rimTop);
+  FillDisc(canvas, dial.center, dial.innerRadius + rim * 0.12, RGB(10, 11, 13));
+  FillGradientDisc(canvas, dial.center, dial.innerRadius, colors.dialTop, colors.dialBottom);
 }
 
 }  // namespace kv

@@ -1,4 +1,4 @@
-// Shared by the modes of the display instrument: colours, lines of text, the black display, and the round case of gauge
+// Shared by the modes of the display instrument: colors, lines of text, the black display, and the round case of gauge
 // and compass. The thread that owns the control.
 #pragma once
 
@@ -16,7 +16,7 @@ inline bool IsDisabled(const InstrumentAppearance& appearance) {
   return (appearance.style & kInstrumentDisabled) != 0;
 }
 
-// The colours of dials. A disabled instrument has the same shapes in low-contrast greys.
+// The colors of dials. A disabled instrument has the same shapes in low-contrast grays.
 struct DialColors {
   COLORREF rimTop, rimBottom;    // metal rim; exchanged for its inner edge
   COLORREF dialTop, dialBottom;  // dial
@@ -25,7 +25,7 @@ struct DialColors {
 };
 DialColors ColorsOf(const InstrumentAppearance& appearance);
 
-// The colour with which an instrument draws a block's or zone's colour: when disabled, a subdued grey of the same
+// The color with which an instrument draws a block's or zone's color: when disabled, a subdued gray of the same
 // lightness.
 COLORREF ShownColor(const InstrumentAppearance& appearance, COLORREF color);
 inline COLORREF DisplayColor(const InstrumentAppearance& appearance) {
@@ -38,7 +38,7 @@ inline constexpr double kUnlit = 0.2;
 SIZE MeasureText(std::wstring_view text, int height, int weight);
 // The largest cell height, from `least` to `height`, with which the text fits into `width`.
 int FittingHeight(std::wstring_view text, int height, int least, int width, int weight);
-// Draws one line with a transparent background, vertically centred; `align` is DT_LEFT, DT_CENTER or DT_RIGHT. A text
+// Draws one line with a transparent background, vertically centered; `align` is DT_LEFT, DT_CENTER or DT_RIGHT. A text
 // that does not fit ends in an ellipsis, or extends beyond the area with DT_NOCLIP.
 void DrawTextLine(Canvas& canvas, HFONT font, std::wstring_view text, RECT area, COLORREF color, UINT align);
 
@@ -57,11 +57,11 @@ void FillRounded(Canvas& canvas, const RECT& area, bool vertical, COLORREF edge,
 
 // The geometry of a round case, in pixels.
 struct Dial {
-  PointD centre;
+  PointD center;
   double radius;       // outside of the rim
   double innerRadius;  // of the dial within the rim; other sizes are relative to it
 };
-// The largest dial, centred in the area; radius 0 when there is no space.
+// The largest dial, centered in the area; radius 0 when there is no space.
 Dial DialIn(const RECT& area);
 // Draws the panel, the dial's metal rim and the dial.
 void DrawDialCase(Canvas& canvas, const Dial& dial, const InstrumentAppearance& appearance);

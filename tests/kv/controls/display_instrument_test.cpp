@@ -152,24 +152,25 @@ TEST_F(DisplayInstrument, SetTextNamesTheCompassButKeepsTheWindowText) {
   }
 }
 
-TEST_F(DisplayInstrument, GlidesOverSmallDistancesAndStopsItsTimer) {
+TEST_F(DisplayInstrument, AnimatesSmallDistancesAndStopsItsTimer) {
   HWND control = Create(kModeGauge);
   SetValue(control, 50);
-  SetValue(control, 60, kValueGlide);
-  EXPECT_EQ(std::tuple(50.0f, 60.0f), std::tuple(ValueOf(control), Read<float>(control, kCommandValue | kValueGlide)));
+  SetValue(control, 60, kValueAnimate);
+  EXPECT_EQ(std::tuple(50.0f, 60.0f),
+            std::tuple(ValueOf(control), Read<float>(control, kCommandValue | kValueAnimate)));
   SendMessageA(control, WM_TIMER, 5, 0);
   EXPECT_FLOAT_EQ(51.0f, ValueOf(control));
   ASSERT_TRUE(kvtest::WaitUntil([&] { return Record(control).nCountdown < 20; }));
   EXPECT_GT(ValueOf(control), 59.0f);
   EXPECT_LT(ValueOf(control), 60.0f);  // not yet at the target
-  // The test sends the next 20 ticks itself; the tick after them ends the glide.
+  // The test sends the next 20 ticks itself; the tick after them ends the animation.
   for (LONG i = Record(control).nCountdown; i >= 0; --i) {
-    EXPECT_TRUE(Record(control).bGliding);
+    EXPECT_TRUE(Record(control).bAnimating);
     SendMessageA(control, WM_TIMER, 5, 0);
   }
-  EXPECT_FALSE(Record(control).bGliding);
+  EXPECT_FALSE(Record(control).bAnimating);
 
-  SetValue(control, 5, kValueGlide);  // a large jump
+  SetValue(control, 5, kValueAnimate);  // a large jump
   SendMessageA(control, WM_TIMER, 4, 0);
   EXPECT_LT(59.0f, ValueOf(control));
   SendMessageA(control, WM_TIMER, 5, 0);
@@ -215,7 +216,7 @@ TEST_F(DisplayInstrument, ReportsNameAndValueToScreenReaders) {
       {kModeCompass, 0, -90, L"270\u00B0"},
       {kModeDigital | kInstrumentShowAngle, 0, 10.25f, L"10\u00B015'00.00\"%"},
       {kModeDigital | kInstrumentShowTime, 3, 0, L"03:04"},
-      {kModeCentreBar, kFormatSign, NAN, L""}};
+      {kModeCenterBar, kFormatSign, NAN, L""}};
   for (const auto& [style, format, value, text] : cases) {
     HWND control = Create(style);
     const SYSTEMTIME time{2000, 1, 0, 2, 3, 4, 5, 6};

@@ -116,7 +116,7 @@ TEST(Horizons, TapesAreReadableOrOmitted) {
       EXPECT_LE(15, tape.bottom - tape.top) << side;
       EXPECT_LE(40, tape.right - tape.left) << side;
       EXPECT_LE(tape.bottom, layout.area.bottom) << side;
-      EXPECT_GT(tape.top, layout.centre.y + layout.radius * 0.5) << side;
+      EXPECT_GT(tape.top, layout.center.y + layout.radius * 0.5) << side;
     }
   }
 }
@@ -167,7 +167,7 @@ TEST_F(HorizonControls, AcceptAttitudesAndRejectInvalidOnes) {
   EXPECT_EQ(kHorizonNoValue, Read(horizon).state);
   EXPECT_EQ(L"", kvtest::ReadAccessible(horizon).value);
   HorizonAttitude attitude = At(5, -10, 0, 275);
-  EXPECT_EQ(1, Send(horizon, kHorizonValue | kCommandRedraw | kHorizonGlide, &attitude));  // no value before: at once
+  EXPECT_EQ(1, Send(horizon, kHorizonValue | kCommandRedraw | kHorizonAnimate, &attitude));  // no value before: at once
   EXPECT_EQ(L"+5.0\xB0, -10.0\xB0, 275\xB0", kvtest::ReadAccessible(horizon).value);
   HorizonAttitude level = At(-0.04f, 0.04f, 0, 359.6f);
   EXPECT_EQ(1, Send(horizon, kHorizonValue, &level));
@@ -189,11 +189,11 @@ TEST_F(HorizonControls, AcceptAttitudesAndRejectInvalidOnes) {
   EXPECT_EQ(275, Read(horizon).heading);
 
   attitude.pitch = 10, attitude.roll = 178;  // too far: at once; then the shorter way through 180
-  Send(horizon, kHorizonValue | kHorizonGlide, &attitude);
+  Send(horizon, kHorizonValue | kHorizonAnimate, &attitude);
   EXPECT_EQ(5, Read(horizon).pitch);
   EXPECT_TRUE(kvtest::WaitUntil([&] { return Read(horizon).roll == 178 && Read(horizon).pitch > 5; }));
   attitude.roll = -178;
-  Send(horizon, kHorizonValue | kHorizonGlide, &attitude);
+  Send(horizon, kHorizonValue | kHorizonAnimate, &attitude);
   EXPECT_TRUE(kvtest::WaitUntil([&] { return std::fabs(Read(horizon).roll) >= 178 && Read(horizon).roll == -178; }));
   EXPECT_TRUE(kvtest::WaitUntil([&] { return Read(horizon).pitch == 10; }));
 }

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "kv/controls/instrument/centre_bar.h"
+#include "kv/controls/instrument/center_bar.h"
 #include "kv/controls/instrument/compass.h"
 #include "kv/controls/instrument/digital.h"
 #include "kv/controls/instrument/gauge_layout.h"
@@ -64,19 +64,19 @@ TEST(InstrumentBlock, RangeArithmeticAcceptsEveryInput) {
 }
 
 // A step finer than the value's resolution reaches the target and does not keep the timer running.
-TEST(InstrumentBlock, GlidingEndsForEveryStep) {
+TEST(InstrumentBlock, AnimationEndsForEveryStep) {
   for (const float tiny : {1e-30f, 0.0f, NAN, kInfinite}) {
     for (const auto& [from, target] : {std::pair{45.0f, 50.0f}, {-1e-38f, 3.0f}, {NAN, 7.0f}}) {
       InstrumentBlock block = Block(-100, 100, tiny, 0, from);
-      GlideStep step = NextGlideStep(block, target);
-      for (int ticks = 0; step.moving && ticks < 1200; ++ticks, step = NextGlideStep(block, target)) {
+      AnimationStep step = NextAnimationStep(block, target);
+      for (int ticks = 0; step.moving && ticks < 1200; ++ticks, step = NextAnimationStep(block, target)) {
         block.current = step.current;
       }
       EXPECT_FALSE(step.moving);
       EXPECT_EQ(target, block.current) << from << " step " << tiny;
     }
   }
-  EXPECT_FALSE(NextGlideStep(Block(0, 1, 1, 0, NAN), NAN).moving);
+  EXPECT_FALSE(NextAnimationStep(Block(0, 1, 1, 0, NAN), NAN).moving);
 }
 
 TEST(InstrumentText, NamesAndUnitsAreDecoded) {
@@ -201,8 +201,8 @@ TEST(InstrumentGauge, NoTwoTextsTouchAtAnySizeAndRange) {
         if (!text.height) continue;
         texts.push_back(text);
         // The needle passes or stops above the corner of a text, also at the ends of the scale.
-        const double top = text.box.top - layout.dial.centre.y + text.height * 0.22;
-        const double right = text.box.right - layout.dial.centre.x;
+        const double top = text.box.top - layout.dial.center.y + text.height * 0.22;
+        const double right = text.box.right - layout.dial.center.x;
         EXPECT_TRUE(top > layout.reach * std::sqrt(0.5) || right + layout.dial.innerRadius * 0.03 < top) << what;
       }
       for (const GaugeText& text : texts) {
@@ -218,18 +218,18 @@ TEST(InstrumentGauge, NoTwoTextsTouchAtAnySizeAndRange) {
           EXPECT_FALSE(IntersectRect(&common, &boxes[i], &boxes[k])) << what;
         }
       }
-      const PointD centre = layout.dial.centre;
+      const PointD center = layout.dial.center;
       for (const GaugeText& label : layout.labels) {  // none overlaps the needle
-        const double across = std::max({label.box.left - centre.x, centre.x - label.box.right, 0.0});
-        const double down = std::max({label.box.top - centre.y, centre.y - label.box.bottom, 0.0}) + label.height * 0.1;
+        const double across = std::max({label.box.left - center.x, center.x - label.box.right, 0.0});
+        const double down = std::max({label.box.top - center.y, center.y - label.box.bottom, 0.0}) + label.height * 0.1;
         EXPECT_GT(std::hypot(across, down), layout.reach) << what;
       }
       EXPECT_GT(layout.reach, layout.dial.innerRadius * 0.25) << what;
-      EXPECT_TRUE(!layout.name.height || layout.name.box.top > centre.y) << what;
+      EXPECT_TRUE(!layout.name.height || layout.name.box.top > center.y) << what;
       EXPECT_TRUE(side < 115 || layout.unit.height) << what;
       if (side >= 130) {
         EXPECT_GE(layout.labels.size(), 3u) << what;
-        EXPECT_TRUE(side < 200 || (layout.name.height && layout.unit.box.top > layout.dial.centre.y)) << what;
+        EXPECT_TRUE(side < 200 || (layout.name.height && layout.unit.box.top > layout.dial.center.y)) << what;
       }
       if (side < 48) continue;
       const GaugeText shown = LayOutGaugeValue(layout.dial, block, layout.valueExponent, MeasureByCount);
@@ -237,7 +237,7 @@ TEST(InstrumentGauge, NoTwoTextsTouchAtAnySizeAndRange) {
       EXPECT_LE(MeasureByCount(shown.text, shown.height, shown.weight).cx, shown.box.right - shown.box.left) << what;
       // At the ends of the scale the needle ends above a value of maximum width, or passes beside it.
       const bool wide = layout.dial.innerRadius < kMinRadiusWithLabels;
-      EXPECT_LT(wide ? layout.reach * std::sqrt(0.5) : 0, shown.box.top - centre.y + shown.height * 0.1) << what;
+      EXPECT_LT(wide ? layout.reach * std::sqrt(0.5) : 0, shown.box.top - center.y + shown.height * 0.1) << what;
     }
   }
 }
@@ -310,18 +310,18 @@ TEST(InstrumentBars, SegmentsFollowRangeAndStep) {
   EXPECT_DOUBLE_EQ(25, MarkerPercent(block));
 }
 
-TEST(InstrumentBars, CentreZeroGrowsFromTheMiddle) {
+TEST(InstrumentBars, CenterZeroGrowsFromTheMiddle) {
   const RECT display{10, 20, 50, 120}, turned{20, 10, 120, 50};
   // The value in a range up to 100, the bar's ends, and the top of the text.
   const std::tuple<float, LONG, LONG, LONG> cases[] = {
       {70, 50, 70, 74}, {30, 70, 90, 54}, {50, 70, 70, 54}, {100, 20, 70, 74}};
   for (const auto& [value, top, bottom, text] : cases) {
-    const double deviation = CentreDeviation(ReadingOf(Block(0, 100, 1, 0, value)));
-    const RECT bar = CentreBar(display, deviation, false);
+    const double deviation = CenterDeviation(ReadingOf(Block(0, 100, 1, 0, value)));
+    const RECT bar = CenterBar(display, deviation, false);
     EXPECT_EQ(std::tuple(top, bottom, text),
-              std::tuple(bar.top, bar.bottom, CentreValueBox(display, deviation, false, 12).top));
+              std::tuple(bar.top, bar.bottom, CenterValueBox(display, deviation, false, 12).top));
     // A wide bar grows to the right; its text ends or begins at the center line.
-    const RECT wide = CentreBar(turned, deviation, true), place = CentreValueBox(turned, deviation, true, 12);
+    const RECT wide = CenterBar(turned, deviation, true), place = CenterValueBox(turned, deviation, true, 12);
     EXPECT_EQ(std::tuple(140 - bottom, 140 - top), std::tuple(wide.left, wide.right));
     EXPECT_EQ(deviation > 0 ? std::tuple(20L, 66L) : std::tuple(74L, 120L), std::tuple(place.left, place.right));
   }

@@ -26,7 +26,7 @@ namespace {
 
 class InstrumentRendering : public InstrumentTest {};
 
-TEST_F(InstrumentRendering, EveryModeShowsValueColourZoneDisabledAndMissingValue) {
+TEST_F(InstrumentRendering, EveryModeShowsValueColorZoneDisabledAndMissingValue) {
   for (const DWORD mode : kModes) {
     HWND control = Create(mode, 100, 160);
     InstrumentBlock block = BlockOf(control);
@@ -34,7 +34,7 @@ TEST_F(InstrumentRendering, EveryModeShowsValueColourZoneDisabledAndMissingValue
     block.current = block.maximum * 0.8f;
     Send(control, kCommandBlock | kCommandRedraw, &block);
     const Shown first(control, 100, 160);
-    EXPECT_TRUE(mode == kModeCentreBar || first.CountOf(kOrange) > 4) << mode;
+    EXPECT_TRUE(mode == kModeCenterBar || first.CountOf(kOrange) > 4) << mode;
     EXPECT_EQ(0, first.CountOf(RGB(0xCC, 0xCC, 0xCC))) << mode;
     // A dial has an index on its rim.
     const auto index = [](COLORREF color, int x, int y) { return color == kOrange && std::hypot(x - 50, y - 80) > 42; };
@@ -53,15 +53,15 @@ TEST_F(InstrumentRendering, EveryModeShowsValueColourZoneDisabledAndMissingValue
       EXPECT_GT(Shown(control, 100, 160).CountWhere(bluish), 50) << mode;
     }
     EnableWindow(control, FALSE);
-    const auto coloured = [](COLORREF color, int, int) { return abs(GetRValue(color) - GetBValue(color)) > 40; };
-    EXPECT_EQ(0, Shown(control, 100, 160).CountWhere(coloured)) << mode;
+    const auto colored = [](COLORREF color, int, int) { return abs(GetRValue(color) - GetBValue(color)) > 40; };
+    EXPECT_EQ(0, Shown(control, 100, 160).CountWhere(colored)) << mode;
     EnableWindow(control, TRUE);
-    EXPECT_GT(Shown(control, 100, 160).CountWhere(coloured), 0) << mode;
+    EXPECT_GT(Shown(control, 100, 160).CountWhere(colored), 0) << mode;
     DestroyWindow(control);
   }
 }
 
-TEST_F(InstrumentRendering, NewSystemColoursAreUsedAtTheNextPaint) {
+TEST_F(InstrumentRendering, NewSystemColorsAreUsedAtTheNextPaint) {
   HWND control = Create(kModeGauge);
   const INT element = COLOR_BTNFACE;
   const COLORREF before = GetSysColor(element), other = RGB(11, 99, 33);
@@ -112,7 +112,7 @@ void Change(std::mt19937& random, std::span<const HWND> controls) {
     case 4: return send(kCommandValue, upTo(2) ? block.minimum + range * static_cast<float>(upTo(1)) : NAN);
     case 5: return send(kCommandValue, block.minimum + range * static_cast<float>(upTo(10000)) / 10000);
     case 6:
-      send(kCommandValue | kValueGlide, block.current + range * static_cast<float>(upTo(20) - 10) / 100);
+      send(kCommandValue | kValueAnimate, block.current + range * static_cast<float>(upTo(20) - 10) / 100);
       [[fallthrough]];
     default:
       for (HWND control : controls) SendMessageA(control, WM_TIMER, 5, 0);
@@ -128,10 +128,10 @@ TEST_F(InstrumentRendering, PartialRedrawEqualsFullRedraw) {
                           kModeSegmentBar,
                           kModeSegmentBar | kInstrumentReversed,
                           kModeCompass,
-                          kModeCentreBar,
+                          kModeCenterBar,
                           kModeDigital | kInstrumentFitted,
                           kModeSegmentBar | kInstrumentFitted,
-                          kModeCentreBar | kInstrumentFitted};
+                          kModeCenterBar | kInstrumentFitted};
   const int steps = RedrawCount(160) / static_cast<int>(std::size(styles));
   for (unsigned seed = 1; seed <= 3; ++seed) {
     for (const DWORD style : styles) {
@@ -181,7 +181,7 @@ TEST_F(InstrumentRendering, SeveralThreadsDrawCorrectImages) {
 TEST_F(InstrumentRendering, FittedBarsAreDrawnAtEveryShape) {
   for (const SIZE& size : {SIZE{60, 20}, {120, 40}, {240, 60}, {40, 120}, {90, 90}}) {
     for (const DWORD fitted : {DWORD{0}, kInstrumentFitted}) {
-      HWND bar = Create(kModeCentreBar | fitted, size.cx, size.cy);
+      HWND bar = Create(kModeCenterBar | fitted, size.cx, size.cy);
       SetValue(bar, 60);
       const Shown shown(bar, size.cx, size.cy);
       const auto isColored = [](COLORREF color, int, int) { return GetRValue(color) > GetBValue(color) + 100; };

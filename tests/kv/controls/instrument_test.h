@@ -11,7 +11,7 @@
 
 namespace kv {
 
-inline constexpr DWORD kModes[] = {kModeGauge, kModeDigital, kModeSegmentBar, kModeCompass, kModeCentreBar};
+inline constexpr DWORD kModes[] = {kModeGauge, kModeDigital, kModeSegmentBar, kModeCompass, kModeCenterBar};
 inline constexpr COLORREF kOrange = RGB(255, 150, 20);
 
 inline LRESULT Send(HWND control, WPARAM wParam, const void* address) {
@@ -58,7 +58,7 @@ struct Shown : kvtest::TestBitmap {
     const WindowDc window(control);
     BitBlt(dc(), 0, 0, width, height, window, 0, 0, SRCCOPY);
   }
-  // The number of pixels for which the predicate, called with colour and position, is true.
+  // The number of pixels for which the predicate, called with color and position, is true.
   template <class Test>
   int CountWhere(Test test) const {
     int count = 0;

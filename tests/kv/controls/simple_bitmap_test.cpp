@@ -21,7 +21,7 @@ namespace {
 
 constexpr int kBitmapId = 0x7003;
 constexpr COLORREF kRed = RGB(255, 0, 0), kGreen = RGB(0, 255, 0), kBlue = RGB(0, 0, 255), kMagenta = RGB(255, 0, 255);
-constexpr RECT kBeneath{60, 40, 90, 60};  // a position under the centre of the bitmap
+constexpr RECT kBeneath{60, 40, 90, 60};  // a position under the center of the bitmap
 
 HBITMAP Stored(HWND control) {
   return reinterpret_cast<HBITMAP>(GetWindowLongA(control, GWL_USERDATA));
@@ -41,7 +41,7 @@ LRESULT SetText(HWND control, const void* text) {
   return SendMessageA(control, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text));
 }
 
-// The control is at (20, 20)-(120, 80) of its parent, with the mouse above its centre.
+// The control is at (20, 20)-(120, 80) of its parent, with the mouse above its center.
 class SimpleBitmap : public kvtest::ControlTest<RegisterSimpleBitmapClass> {
  protected:
   SimpleBitmap() {

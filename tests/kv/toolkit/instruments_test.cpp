@@ -8,7 +8,7 @@
 #include <tuple>
 
 #include "kv/controls/display_instrument.h"
-#include "kv/controls/instrument/centre_bar.h"
+#include "kv/controls/instrument/center_bar.h"
 #include "kv/controls/instrument/gauge_layout.h"
 #include "kv/controls/instrument/segment_bar.h"
 #include "kv/controls/instrument/text.h"
@@ -51,7 +51,7 @@ std::wstring ShownNumber(const InstrumentBlock& block, DWORD style, SIZE size) {
   switch (style & kInstrumentModeBits) {
     case kModeDigital: text = DigitalText(block, style, {}); break;
     case kModeSegmentBar: text = SegmentBarNumber(area, block, style); break;
-    case kModeCentreBar: text = CentreNumber(area, block, style, size.cx > size.cy); break;
+    case kModeCenterBar: text = CenterNumber(area, block, style, size.cx > size.cy); break;
     default: text = LayOutGaugeValue(DialIn(area), block, 0, measure).text; break;
   }
   return std::wstring(WithoutPadding(text));
@@ -71,7 +71,7 @@ TEST_F(Instruments, ShowNoNumberThatDiffersFromTheValue) {
       {0, 100},    {0, 250},     {0, 99},      {0, 9.99},  {0, 1},       {-10, 10},    {100, -100}, {200, 50},
       {-500, 50},  {-5, -1},     {0, 31622},   {0, 999.6}, {0, 0.05},    {1e-7, 2e-7}, {0, 3.2e7},  {-3e38, 3e38},
       {-0.4, 0.4}, {90000, 1e5}, {-1000, 999}, {0, 1e15},  {31.6, 31.7}, {-12.34, 50}};
-  const DWORD modes[] = {kModeDigital, kModeSegmentBar, kModeCentreBar, kModeGauge};
+  const DWORD modes[] = {kModeDigital, kModeSegmentBar, kModeCenterBar, kModeGauge};
   for (const DWORD mode : modes) {
     Make(mode);
     for (const auto& [minimum, maximum] : ranges) {
@@ -148,7 +148,7 @@ TEST_F(Instruments, SetsNamesZonesAndValues) {
 
   Make(kModeDigital);
   EXPECT_TRUE(
-      SetInstrumentStyle(parent_, kId, kInstrumentShowTime | kModeCentreBar, TRUE));  // the mode does not change
+      SetInstrumentStyle(parent_, kId, kInstrumentShowTime | kModeCenterBar, TRUE));  // the mode does not change
   const SYSTEMTIME time{.wHour = 7, .wMinute = 8};
   EXPECT_TRUE(SetInstrumentTime(parent_, kId, time));
   SYSTEMTIME stored{};
@@ -164,20 +164,22 @@ TEST_F(Instruments, SetsNamesZonesAndValues) {
 }
 
 TEST_F(Instruments, ShowsTheLastValueSet) {
-  const auto set = [this](double value, BOOL glide) { EXPECT_TRUE(SetInstrumentValue(parent_, kId, value, glide)); };
+  const auto set = [this](double value, BOOL animate) {
+    EXPECT_TRUE(SetInstrumentValue(parent_, kId, value, animate));
+  };
   const auto ends = [this](float value) {
     EXPECT_TRUE(kvtest::WaitUntil([&] { return Block().current == value; })) << value << ", not " << Block().current;
-    for (int i = 0; i < 30; ++i) SendMessageA(control_, WM_TIMER, 5, 0);  // no glide to another value continues
+    for (int i = 0; i < 30; ++i) SendMessageA(control_, WM_TIMER, 5, 0);  // no animation to another value continues
     EXPECT_EQ(value, Block().current);
   };
   Make(kModeCompass);
   set(3, TRUE);
-  EXPECT_EQ(0, Block().current);  // still gliding
+  EXPECT_EQ(0, Block().current);  // still moving
   ends(3);
   Make(kModeGauge);
-  for (const BOOL glide : {FALSE, TRUE}) {
+  for (const BOOL animate : {FALSE, TRUE}) {
     set(20, TRUE);
-    set(0, glide);
+    set(0, animate);
     ends(0);
   }
   set(40, FALSE);

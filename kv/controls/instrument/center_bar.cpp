@@ -1,4 +1,4 @@
-#include "kv/controls/instrument/centre_bar.h"
+#include "kv/controls/instrument/center_bar.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,14 +14,14 @@
 
 namespace kv {
 
-// ---- Layout ---------------------------------------------------------------------------------------------------------
+// ---- Layout
 
 namespace {
 
 constexpr int kValueWidth = 5, kValueGap = 4;
 constexpr double kBarEdge = 0.85;  // brightness of the bar's sides
 
-struct CentreParts {
+struct CenterParts {
   RECT caption, display;
   int captionFont;
 };
@@ -30,11 +30,11 @@ bool IsWide(const RECT& area) {
   return area.right - area.left > area.bottom - area.top;
 }
 
-CentreParts LayOutCentreBar(const RECT& area, DWORD style) {
+CenterParts LayOutCenterBar(const RECT& area, DWORD style) {
   const LONG width = area.right - area.left, height = area.bottom - area.top;
   if ((style & kInstrumentFitted) && IsWide(area) && height < kMinHeightWithCaption) return {{}, area, 0};
   const int font = std::min<int>(CaptionFontHeight(std::min(width, height), style), std::max(14L, height / 5));
-  CentreParts parts{area, area, font};
+  CenterParts parts{area, area, font};
   parts.caption.bottom = parts.display.top = std::min(area.top + font + 1, area.bottom);
   return parts;
 }
@@ -48,7 +48,7 @@ SIZE ValueSpace(const RECT& display, bool wide) {
 
 }  // namespace
 
-FixedText CentreNumber(const RECT& display, const InstrumentBlock& block, DWORD style, bool wide) {
+FixedText CenterNumber(const RECT& display, const InstrumentBlock& block, DWORD style, bool wide) {
   constexpr int kMinCharacterWidth = 3;
   const InstrumentReading reading = ReadingOf(block);
   const BYTE format = block.format | kFormatSign;
@@ -58,11 +58,11 @@ FixedText CentreNumber(const RECT& display, const InstrumentBlock& block, DWORD 
              : FixedWidthNumber(reading.value, kValueWidth, format);
 }
 
-double CentreDeviation(const InstrumentReading& reading) {
+double CenterDeviation(const InstrumentReading& reading) {
   return (FractionOf(reading, reading.value) * 100 - 50) * 2;
 }
 
-RECT CentreBar(const RECT& display, double deviation, bool wide) {
+RECT CenterBar(const RECT& display, double deviation, bool wide) {
   const auto lengthIn = [&](LONG half) { return std::lround(std::min(std::fabs(deviation), 100.0) * half / 100); };
   if (wide) {
     const LONG half = std::max(0L, display.right - display.left) / 2, center = display.left + half;
@@ -76,7 +76,7 @@ RECT CentreBar(const RECT& display, double deviation, bool wide) {
                        : RECT{left, center, right, center + lengthIn(half)};
 }
 
-RECT CentreValueBox(const RECT& display, double deviation, bool wide, int height) {
+RECT CenterValueBox(const RECT& display, double deviation, bool wide, int height) {
   if (wide) {
     const LONG center = display.left + (display.right - display.left) / 2;
     const LONG top = display.top + (display.bottom - display.top - height) / 2;
@@ -88,18 +88,18 @@ RECT CentreValueBox(const RECT& display, double deviation, bool wide, int height
   return {display.left, top, display.right, top + height};
 }
 
-// ---- Background -----------------------------------------------------------------------------------------------------
+// ---- Background
 
 namespace {
 
 void DrawBackground(Canvas& canvas, InstrumentAppearance& appearance) {
   FillArea(canvas, appearance.area, GetSysColor(COLOR_BTNFACE));
-  const CentreParts parts = LayOutCentreBar(appearance.area, appearance.style);
+  const CenterParts parts = LayOutCenterBar(appearance.area, appearance.style);
   if (parts.captionFont) DrawCaption(canvas, parts.caption, appearance, parts.captionFont, DT_CENTER);
   DrawDisplayWell(canvas, parts.display);
 }
 
-// ---- Value ----------------------------------------------------------------------------------------------------------
+// ---- Value
 
 struct Bar {
   RECT place;
@@ -110,7 +110,7 @@ void DrawBar(Canvas& canvas, const InstrumentAppearance& appearance, const Bar& 
   FillRounded(canvas, bar.place, !IsWide(appearance.area), ShadeColor(bar.color, kBarEdge), bar.color);
 }
 
-void DrawCentreLine(Canvas& canvas, const InstrumentAppearance& appearance, const RECT& line) {
+void DrawCenterLine(Canvas& canvas, const InstrumentAppearance& appearance, const RECT& line) {
   FillArea(canvas, line, ShownColor(appearance, RGB(255, 255, 255)));
 }
 
@@ -129,12 +129,12 @@ void DrawValueText(Canvas& canvas, const InstrumentAppearance& appearance, const
 // The number in the largest font that fits between the center line and the end of the display; height 0 if none does.
 ValueText LayOutValue(const RECT& display, const InstrumentBlock& block, DWORD style, double deviation, bool wide) {
   const SIZE space = ValueSpace(display, wide);
-  ValueText value{CentreNumber(display, block, style, wide)};
+  ValueText value{CenterNumber(display, block, style, wide)};
   value.characterWidth =
       std::min<int>(space.cx / (static_cast<int>(value.text.size()) + 1), static_cast<int>(space.cy / 2.5));
   value.height = static_cast<int>(2.5 * value.characterWidth);
   value.align = !wide ? DT_CENTER : deviation > 0 ? DT_RIGHT : DT_LEFT;
-  value.place = CentreValueBox(display, deviation, wide, value.height);
+  value.place = CenterValueBox(display, deviation, wide, value.height);
   return value;
 }
 
@@ -143,17 +143,17 @@ void AddParts(ValueLayer& layer, const InstrumentBlock& block, const char*) {
   const bool wide = IsWide(appearance.area);
   // Without kInstrumentFitted, a control that is wider than high shows only an empty display.
   if (wide && !(appearance.style & kInstrumentFitted)) return;
-  const RECT display = WithinFrame(LayOutCentreBar(appearance.area, appearance.style).display);
+  const RECT display = WithinFrame(LayOutCenterBar(appearance.area, appearance.style).display);
   if (IsRectEmpty(&display)) return;
   const InstrumentReading reading = ReadingOf(block);
-  const double deviation = reading.valid ? CentreDeviation(reading) : 0;
-  const RECT bar = CentreBar(display, deviation, wide);
+  const double deviation = reading.valid ? CenterDeviation(reading) : 0;
+  const RECT bar = CenterBar(display, deviation, wide);
   layer.Add(bar, Bar{bar, ShownColor(appearance, SeverityColor(deviation, 100))}, DrawBar);
   const LONG x = display.left + (display.right - display.left) / 2,
              y = display.top + (display.bottom - display.top) / 2;
   const RECT line =
       wide ? RECT{x - 1, display.top, x + 1, display.bottom} : RECT{display.left, y - 1, display.right, y + 1};
-  layer.Add(line, line, DrawCentreLine);
+  layer.Add(line, line, DrawCenterLine);
   const ValueText value = LayOutValue(display, block, appearance.style, deviation, wide);
   if (value.height <= 0 || value.text.empty()) return;
   RECT reach = value.place;
@@ -164,6 +164,6 @@ void AddParts(ValueLayer& layer, const InstrumentBlock& block, const char*) {
 
 }  // namespace
 
-const ModeRenderer kCentreBarRenderer{DrawBackground, AddParts};
+const ModeRenderer kCenterBarRenderer{DrawBackground, AddParts};
 
 }  // namespace kv

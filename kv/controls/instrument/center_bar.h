@@ -1,4 +1,4 @@
-// The geometry of the centre-zero bar, which shows the deviation of the value from the middle of its range. Pure
+// The geometry of the center-zero bar, which shows the deviation of the value from the middle of its range. Pure
 // functions; any thread.
 #pragma once
 
@@ -10,16 +10,16 @@
 namespace kv {
 
 // The deviation: -100 at the minimum, 0 in the middle of the range, 100 at the maximum.
-double CentreDeviation(const InstrumentReading& reading);
+double CenterDeviation(const InstrumentReading& reading);
 
 // The bar within the display: from the center line upwards for a positive deviation, otherwise downwards. If `wide`,
 // from the center line to the right, otherwise to the left.
-RECT CentreBar(const RECT& display, double deviation, bool wide);
+RECT CenterBar(const RECT& display, double deviation, bool wide);
 
 // The place of the value's text: 4 pixels from the center line, on the side opposite to the bar.
-RECT CentreValueBox(const RECT& display, double deviation, bool wide, int height);
+RECT CenterValueBox(const RECT& display, double deviation, bool wide, int height);
 
 // The number that fits beside the center line; empty if none does.
-FixedText CentreNumber(const RECT& display, const InstrumentBlock& block, DWORD style, bool wide);
+FixedText CenterNumber(const RECT& display, const InstrumentBlock& block, DWORD style, bool wide);
 
 }  // namespace kv
