@@ -1,5 +1,6 @@
 #include "camera/statistics.h"
 
+#include "camera/camera_record.h"
 #include "camera/noise.h"
 #include "camera/record_intake.h"
 #include "camera/record_stream.h"

@@ -1,6 +1,7 @@
 // Sums over records, from which the figures of points are computed. Pure; one thread at a time.
 #pragma once
 
+#include "camera/camera_record.h"
 #include "camera/noise.h"
 #include "camera/record_stream.h"
 

@@ -14,7 +14,10 @@
 #include <vector>
 
 #include "camera/camera_record.h"
+#include "camera/line_model.h"
+#include "camera/record_intake.h"
 #include "camera/record_stream.h"
+#include "camera/statistics.h"
 
 namespace camview {
 
