@@ -235,6 +235,24 @@ TEST(StripRendering, PartialRedrawEqualsFullRedraw) {
   }
 }
 
+// At the times of today, rounding must not omit the grid line in the first column of a partial redraw.
+TEST(StripRendering, GridLinesAreDrawnWhereverAPartialRedrawBegins) {
+  for (const double span : {8.0, 10.0, 20.0, 30.0, 60.0}) {
+    for (LONG width = 200; width < 216; ++width) {
+      StripModel model;
+      StripRenderer partial, whole;
+      ASSERT_TRUE(SetView(model, {kStripVersion, kStripFollow, span, 0, 0, 1, 1, 0}));
+      for (int column = 0; column < 150; ++column) {
+        const double second = column ? partial.layoutShown().secondsPerColumn : 0;
+        ASSERT_TRUE(AppendSamples(model, 0, std::array{StripSample{1.7e9 + (column + 0.5) * second, NAN}}));
+        partial.Update(model, {width, 40}, false);
+      }
+      whole.Update(model, {width, 40}, true);
+      ASSERT_EQ(0, Differences(partial.surface(), whole.surface())) << span << ", " << width;
+    }
+  }
+}
+
 TEST(StripRendering, AFrozenChartKeepsItsSamplesUntilItIsReleased) {
   StripModel model;
   StripRenderer renderer, whole;
