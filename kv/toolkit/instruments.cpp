@@ -105,13 +105,15 @@ BOOL SetInstrumentName(HWND dialog, int id, const wchar_t* name) {
 
 BOOL SetInstrumentRange(HWND dialog, int id, const InstrumentRange& range) {
   const auto minimum = static_cast<float>(range.minimum), maximum = static_cast<float>(range.maximum);
-  const auto step = static_cast<float>(range.step != 0 ? range.step : (range.maximum - range.minimum) / 100);
-  if (!std::isfinite(minimum) || !std::isfinite(maximum) || minimum == maximum || !std::isfinite(step)) return FALSE;
+  const double step = range.step != 0 ? range.step : (range.maximum - range.minimum) / 100;
+  if (!std::isfinite(minimum) || !std::isfinite(maximum) || minimum == maximum ||
+      !std::isfinite(static_cast<float>(step)))
+    return FALSE;
   return ChangeBlock(dialog, id, [&](InstrumentBlock& block, DWORD style) {
     const bool readout = IsReadout(style);
     block.minimum = minimum;
     block.maximum = maximum;
-    block.step = step;
+    block.step = static_cast<float>(step);
     // The decimals of a clock select what it shows, and have nothing to do with a step.
     const int derived = readout && (style & kInstrumentShowTime) ? 0 : DecimalsFor(step);
     const int decimals = range.decimals < 0 ? derived : std::min<int>(range.decimals, kFormatDecimals);

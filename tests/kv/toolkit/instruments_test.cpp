@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string>
 #include <tuple>
+#include <utility>
 
 #include "kv/controls/display_instrument.h"
 #include "kv/controls/instrument/center_bar.h"
@@ -118,6 +119,11 @@ TEST_F(Instruments, RejectRangesWithoutValues) {
       {.maximum = NAN},  {.minimum = NAN}, {.minimum = 5, .maximum = 5},           {.maximum = INFINITY},
       {.maximum = 1e39}, {.step = NAN},    {.minimum = 1e9 + 0.01, .maximum = 1e9}};
   for (const InstrumentRange& range : ranges) EXPECT_FALSE(SetInstrumentRange(parent_, kId, range));
+  for (const auto& [step, decimals] : {std::pair{0.01, 2}, {0.25, 1}, {4.0, 0}, {1e-9, 7}}) {
+    EXPECT_TRUE(SetInstrumentRange(parent_, kId, {.step = step}));
+    EXPECT_EQ(decimals, Block().format) << step;
+  }
+  SetInstrumentRange(parent_, kId, {.maximum = 250, .step = 0.25, .decimals = 9});
   const InstrumentZone zone{0, NAN, RGB(1, 2, 3)};
   EXPECT_FALSE(SetInstrumentZones(parent_, kId, {&zone, 1}));
   const InstrumentBlock after = Block();
