@@ -191,7 +191,8 @@ DigitalParts LayOutDigital(const RECT& area, DWORD style) {
   const int height = area.bottom - area.top;
   DigitalParts parts{0, {}, area};
   if (height < kMinHeightWithCaption || (style & kInstrumentNoCaption)) return parts;
-  parts.captionHeight = CaptionFontHeight(height, style);
+  parts.captionHeight =
+      CaptionFontHeight(style & kInstrumentFitted ? std::min<int>(height, area.right - area.left) : height, style);
   parts.caption = {area.left, area.top, area.right - kCaptionRightMargin, area.top + parts.captionHeight};
   parts.display.top += parts.captionHeight;
   return parts;
