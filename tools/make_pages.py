@@ -24,6 +24,7 @@ MENU = {
     "Tarnwick": START,
     "camview": "docs/camview.md",
     "camtool": "docs/camtool.md",
+    "First panel": "docs/first-panel.md",
     "Keys": "docs/keys.md",
     "Troubleshooting": "docs/troubleshooting.md",
     "Questions": "docs/faq.md",

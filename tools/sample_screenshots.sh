@@ -45,6 +45,7 @@ play_sensor() {
 
 # What the screenshot shows at work: the recorder's last minute. The chart has the focus at first.
 operate() {
+  [ "$1" != first_panel ] || sleep 50
   [ "$1" = sensor_recorder ] || return 0
   xdotool key --delay 200 Tab Tab space
   sleep 60
@@ -87,6 +88,7 @@ for size in $sizes; do
       take million_rows Samples.Readings 540 440 sample-million-rows
       take sensor_recorder Samples.SensorRecorder 620 380 sample-sensor-recorder
       take track_export Samples.Track 500 180 sample-track-export
+      take first_panel Samples.FirstPanel 548 271 sample-first-panel
       take speedometer Samples.Speedometer 300 320 sample-speedometer
       ;;
     small )

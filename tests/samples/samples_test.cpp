@@ -71,6 +71,24 @@ TEST(Samples, InstrumentPanelShowsItsInstrumentsInThreeLanguages) {
   EXPECT_EQ(0u, panel.Close());
 }
 
+TEST(Samples, FirstPanelShowsAndSavesWhatItsThreadReads) {
+  Sample panel(L"first_panel", L"First panel");
+  constexpr int kGauge = 101, kChart = 102, kSave = 103, kNameField = 0x47C;
+  EXPECT_TRUE(panel.Shows(panel.PlaceOf(kGauge), 5) && panel.Shows(panel.PlaceOf(kChart), 4));
+  const std::filesystem::path file = std::filesystem::temp_directory_path() / L"kv first panel.csv";
+  std::filesystem::remove(file);
+  HWND dialog = nullptr;
+  PostMessageW(panel.Control(kSave), BM_CLICK, 0, 0);
+  ASSERT_TRUE(WaitUntil([&] { return (dialog = FindWindowW(L"#32770", L"Save the values")) != nullptr; }, kTimeout));
+  ASSERT_TRUE(WaitUntil([&] { return !TextOf(GetDlgItem(dialog, kNameField)).empty(); }, kTimeout));
+  SendDlgItemMessageW(dialog, kNameField, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(file.c_str()));
+  PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+  EXPECT_TRUE(
+      WaitUntil([&] { return std::filesystem::exists(file) && std::filesystem::file_size(file) > 100; }, kTimeout));
+  EXPECT_EQ(0u, panel.Close());
+  std::filesystem::remove(file);
+}
+
 TEST(Samples, MillionRowsAreShownSortedAndNavigatedByKeys) {
   Sample readings(L"million_rows", L"A million readings");
   constexpr int kRows = 101, kStatus = 102;
