@@ -1,4 +1,4 @@
-// Draws shapes from a file, white on black, so that `benchmarks/edge_accuracy` can compare them with another
+// Draws shapes from a file, white on black, so that `benchmarks/run edge_accuracy` can compare them with another
 // renderer's.
 //   drawn_shapes SHAPES PICTURES
 // Each line of SHAPES is one image: its size, then a shape with its parameters.
