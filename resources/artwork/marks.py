@@ -16,6 +16,7 @@ DIGITS = (
 )
 # The chart draws a marker at (x - 15, y - 15): the centre of pixel (15, 15) is the point.
 HOT = 15.5
+FIELD = (30, 40, 60)  # the middle of the dark field
 
 
 def marker(index):
@@ -75,6 +76,12 @@ def _lens(pen, radius, hair, small):
     pen.stroke(circle(24, 24, radius), "steel", 3.4)
 
 
+def on_curve(points, t):
+    """A point of the cubic curve with these four control points."""
+    weights = ((1 - t) ** 3, 3 * t * (1 - t) ** 2, 3 * t * t * (1 - t), t ** 3)
+    return tuple(sum(weight * point[i] for weight, point in zip(weights, points)) for i in range(2))
+
+
 def viewer(side):
     """The dark field with two points and the trails that led to them, over the button that plays them back."""
     pen = Pen(side, side)
@@ -85,17 +92,23 @@ def viewer(side):
     field = rect(hair / 2, hair / 2, 48 - hair, 48 - hair, 5 if small else 9)
     pen.fill(field, "night")
     pen.stroke(field, (120, 144, 180), hair)
-    trails = (((6, 33), (11, 20), (20, 13), (30, 15)), ((7, 43), (12, 34), (18, 29), (25, 31)))
-    for trail, colour in zip(trails[:1] if small else trails, (POINTS[3], POINTS[2])):
-        steps = len(trail) - 1
+    trails = (((5, 38), (6, 22), (16, 11), (33, 13)), ((7, 44), (13, 44), (15, 28), (26, 30)))
+    if small:
+        trails = (((6, 41), (6, 18), (14, 12), (32, 14)),)
+    for trail, color in zip(trails, (POINTS[3], POINTS[2])):
+        steps = 40
         for step in range(steps):
-            alpha = 0.35 + 0.65 * (step + 1) / steps
-            pen.stroke(line(trail[step], trail[step + 1]), colour, 4.5 if small else 2.4, alpha)
+            # Fades by mixing with the field: transparent pieces would show where they overlap.
+            weight = 0.15 + 0.85 * (step + 1) / steps
+            mixed = tuple(round(FIELD[i] + (color[i] - FIELD[i]) * weight) for i in range(3))
+            pen.stroke(line(on_curve(trail, step / steps), on_curve(trail, (step + 1) / steps)), mixed,
+                       5 if small else 2.6)
         x, y = trail[-1]
-        pen.glow(x, y, 9, colour)
-        pen.fill(circle(x, y, 5.5 if small else 3.6), colour)
-        pen.fill(circle(x, y, 1.5), WHITE)
-    play = polygon((25, 22), (46, 34), (25, 46)) if small else polygon((31, 28), (44, 35.5), (31, 43))
-    pen.stroke(play, INK, 5 if small else 3.5)
+        pen.glow(x, y, 12 if small else 9, color)
+        pen.fill(circle(x, y, 7 if small else 3.8), color)
+        pen.fill(circle(x, y, 3 if small else 1.5), WHITE)
+    play = polygon((24, 27), (44, 36.5), (24, 46)) if small else polygon((31, 28), (44, 35.5), (31, 43))
+    if not small:
+        pen.stroke(play, INK, 3.5)
     pen.fill(play, "steel")
     return pen.surface
