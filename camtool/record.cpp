@@ -1,8 +1,10 @@
 // camtool record: records what a port receives.
 #include <windows.h>
 
+#include <cmath>
 #include <cstdio>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "camera/camera_record.h"

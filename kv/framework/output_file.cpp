@@ -1,6 +1,7 @@
 #include "kv/framework/output_file.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
 #include <string_view>
 

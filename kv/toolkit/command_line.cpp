@@ -1,5 +1,6 @@
 #include "kv/toolkit/command_line.h"
 
+#include <cstddef>
 #include <span>
 #include <string>
 #include <string_view>

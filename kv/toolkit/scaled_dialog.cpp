@@ -14,17 +14,14 @@
 #include "kv/framework/bitmaps.h"
 #include "kv/framework/control_class.h"
 #include "kv/framework/dialog.h"
-#include "kv/framework/dialog_layout.h"
 #include "kv/framework/guards.h"
 #include "kv/framework/language.h"
 #include "kv/framework/modules.h"
-#include "kv/framework/tooltips.h"
 #include "kv/toolkit/control_access.h"
 #include "kv/toolkit/control_layout.h"
 #include "kv/toolkit/copy_key.h"
 #include "kv/toolkit/dialog_state.h"
 #include "kv/toolkit/languages.h"
-#include "kv/toolkit/mirroring.h"
 #include "kv/toolkit/text_tips.h"
 
 namespace kv {

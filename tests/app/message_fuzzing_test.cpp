@@ -17,6 +17,7 @@
 
 #include "camera/optical_flow_chart.h"
 #include "camview/camera_field.h"
+#include "camview/record_store.h"
 #include "camview/timeline.h"
 #include "camview/window.h"
 #include "gallery/pages/mesh_view.h"
@@ -26,6 +27,7 @@
 #include "kv/controls/simple_bitmap.h"
 #include "kv/controls/strip_chart/strip_chart.h"
 #include "kv/export/flight_track_view.h"
+#include "kv/framework/control_class.h"
 #include "kv/lists/extended_list.h"
 #include "kv/lists/list_navigation.h"
 #include "kv/toolkit/classes.h"
@@ -145,6 +147,46 @@ void CALLBACK OnValueChange(HWINEVENTHOOK, DWORD, HWND control, LONG, LONG, DWOR
   if (++valueChanges % 8 == 0) DestroyWindow(control);
 }
 
+// Good and bad addresses. Wild ones are never mapped: a control may write to the addresses it receives, but not to the
+// test's memory.
+class Addresses {
+ public:
+  explicit Addresses(std::mt19937& random) : random_(random) {
+    readOnly_.MakeReadOnly();
+    for (size_t i = 0; i < kSize; ++i) Change(i);
+  }
+  ~Addresses() { VirtualFree(wild_, 0, MEM_RELEASE); }
+  Addresses(const Addresses&) = delete;
+  Addresses& operator=(const Addresses&) = delete;
+
+  LPARAM Any() {
+    constexpr unsigned kMany = 7;
+    switch (random_() % kMany) {
+      case 0: return 0;
+      case 1: return 1;
+      case 2: return -1;
+      case 3: return Of(static_cast<char*>(wild_) + random_() % kWildSize);
+      case 4: return Of(readOnly_.data());
+      case 5: return Of(writable_.data());
+      default: return Of(writable_.as<char>() + kSize - 12);
+    }
+  }
+  LPARAM Holding(std::span<const std::byte> item) {
+    std::ranges::copy(item, writable_.as<std::byte>());
+    return Of(writable_.data());
+  }
+  void Change() { Change(random_() % kSize); }
+
+ private:
+  static LPARAM Of(const void* pointer) { return reinterpret_cast<LPARAM>(pointer); }
+  void Change(size_t i) { writable_.as<unsigned char>()[i] = static_cast<unsigned char>(random_()); }
+
+  static constexpr size_t kSize = 512, kWildSize = 1 << 20;
+  std::mt19937& random_;
+  GuardedBytes readOnly_{kSize}, writable_{kSize};
+  void* const wild_ = VirtualAlloc(nullptr, kWildSize, MEM_RESERVE, PAGE_NOACCESS);
+};
+
 // `make` creates the control, and another one when it has been destroyed. `own` are further messages that the control
 // handles, `valid` is a command that it accepts. Messages that would pass a wild pointer to Windows instead of the
 // control are omitted. Sizes are below 300 pixels. The environment variable KV_FUZZ sets the number of messages.
@@ -159,36 +201,21 @@ void FuzzMessages(kvtest::RecordingParent& parent, const std::function<HWND()>& 
   std::mt19937 random(20080714);
   const auto below = [&](unsigned limit) { return static_cast<unsigned>(random() % limit); };
   const auto anyMessage = [&] { return messages[below(static_cast<unsigned>(messages.size()))]; };
-  GuardedBytes readOnly(512);
-  readOnly.MakeReadOnly();
-  GuardedBytes writable(512);
-  for (unsigned i = 0; i < 512; ++i) writable.as<unsigned char>()[i] = static_cast<unsigned char>(random());
-  // Wild addresses are never mapped: a control may write to the addresses it receives, but not to the test's memory.
-  constexpr unsigned kWildSize = 1 << 20;
-  void* const wild = VirtualAlloc(nullptr, kWildSize, MEM_RESERVE, PAGE_NOACCESS);
-  const auto address = [](const void* pointer) { return reinterpret_cast<LPARAM>(pointer); };
+  Addresses addresses(random);
 
   HWND control = make();
   int depth = 0;
   const auto send = [&] {
-    const LPARAM addresses[] = {0,
-                                1,
-                                -1,
-                                address(wild) + static_cast<LPARAM>(below(kWildSize)),
-                                address(readOnly.data()),
-                                address(writable.data()),
-                                address(writable.as<char>() + 500)};
     constexpr WPARAM kMasks[] = {0xFFFFFFFF, 0xFFFFFF1F,
                                  0x1F};  // small numbers more often, because most codes are small
     if (valid.code && below(8) == 0) {
-      std::ranges::copy(valid.item, writable.as<std::byte>());
-      SendMessageA(control, kCommand, valid.code | (random() & (kCommandRedraw | kHorizonAnimate)),
-                   address(writable.data()));
+      const WPARAM flags = random() & (kCommandRedraw | kHorizonAnimate);
+      SendMessageA(control, kCommand, valid.code | flags, addresses.Holding(valid.item));
       return;
     }
     const UINT message = anyMessage();
     const bool isSize = message == WM_SIZE || message == WM_COPY;
-    LPARAM lParam = isSize ? MAKELPARAM(below(300), below(300)) : addresses[below(ARRAYSIZE(addresses))];
+    LPARAM lParam = isSize ? MAKELPARAM(below(300), below(300)) : addresses.Any();
     // The system reads the MSG of this message, to convert it for a Unicode window.
     if (message == WM_GETDLGCODE && IsWindowUnicode(control)) lParam = 0;
     const WPARAM wParam = message == WM_TIMER ? below(8) : random() & kMasks[below(ARRAYSIZE(kMasks))];
@@ -226,13 +253,12 @@ void FuzzMessages(kvtest::RecordingParent& parent, const std::function<HWND()>& 
     if (below(500) == 0) MoveWindow(control, 0, 0, below(300), below(300), TRUE);
     if (below(16) == 0) ShowScrollBar(control, SB_BOTH, FALSE);  // otherwise a bar appears only once
     send();
-    writable.as<unsigned char>()[below(512)] = static_cast<unsigned char>(random());
+    addresses.Change();
     if (i % 64 == 0) PumpMessages();
   }
   EXPECT_LT(memoryInUse(), inUse + (4 << 20));  // tolerance for the system's own allocations
   parent.Answer(nullptr);
   UnhookWinEvent(hook);
-  VirtualFree(wild, 0, MEM_RELEASE);
 }
 
 struct FuzzedClass {
