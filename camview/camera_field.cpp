@@ -59,7 +59,8 @@ FieldLayout LayoutField(SIZE size) {
   FieldLayout layout{};
   layout.unitPx = std::max(0.0, std::min((size.cx - 2) / kWidth, (size.cy - 2) / kHeight));
   const LONG width = static_cast<LONG>(kWidth * layout.unitPx), height = static_cast<LONG>(kHeight * layout.unitPx);
-  const LONG left = (size.cx - width) / 2, top = (size.cy - height) / 2;
+  constexpr LONG left = 1;  // flush with what is above and below
+  const LONG top = (size.cy - height) / 2;
   layout.frame = {left - 1, top - 1, left + width + 1, top + height + 1};
   layout.left = left;
   layout.top = top;

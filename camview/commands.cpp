@@ -8,7 +8,10 @@
 #include <iterator>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "camera/events.h"
+#include "camera/line_model.h"
 #include "camera/ports.h"
 #include "camera/text.h"
 #include "camview/charts.h"
@@ -223,6 +226,58 @@ void OnTimeTyped(View& view) {
   if (view.source.Records()) Seek(&view.time, time);
 }
 
+// An empty field: estimated.
+void OnRateTyped(View& view) {
+  wchar_t text[64] = L"";
+  GetDlgItemTextW(view.window, IDC_RATE, text, ARRAYSIZE(text));
+  double rate = 0;
+  const std::string typed = camera::Narrow(text);
+  const bool isEmpty = typed.find_first_not_of(' ') == typed.npos;
+  const bool isRate = typed.find(':') == typed.npos && ParseTime(typed, &rate) && rate >= camera::kLowestRate &&
+                      rate <= camera::kHighestRate;
+  if (!isEmpty && !isRate) {
+    const std::wstring lowest = kv::NumberText(camera::kLowestRate), highest = kv::NumberText(camera::kHighestRate, 1);
+    view.display.Say(StatusMark::kError, TextWith(IDS_BAD_RATE, text, lowest.c_str(), highest.c_str()));
+    SendDlgItemMessageW(view.window, IDC_RATE, EM_SETSEL, 0, -1);
+    return;
+  }
+  view.display.TakeBack();
+  view.source.SetRate(isEmpty ? 0 : rate);
+}
+
+std::wstring Describe(const camera::Event& event) {
+  const std::wstring length = kv::NumberText(event.to - event.from, 3);
+  const std::wstring amount = kv::NumberText(static_cast<double>(event.amount));
+  switch (event.kind) {
+    case camera::EventKind::kSilence: return TextWith(IDS_EVENT_SILENCE, length.c_str());
+    case camera::EventKind::kLoss: return TextWith(IDS_EVENT_LOSS, length.c_str(), amount.c_str());
+    case camera::EventKind::kMalformed: return TextWith(IDS_EVENT_MALFORMED, length.c_str(), amount.c_str());
+    case camera::EventKind::kDamage: return TextWith(IDS_EVENT_DAMAGE, length.c_str(), amount.c_str());
+    case camera::EventKind::kUnseen: return TextWith(IDS_EVENT_UNSEEN, length.c_str(), event.point + 1);
+  }
+  return {};
+}
+
+// Goes to the next event that begins after, or before, the position.
+void GoToEvent(View& view, bool isForward) {
+  const RecordStore* store = view.source.Records();
+  if (!store) return;
+  constexpr double kSame = 1e-6;
+  long long omitted = 0;
+  const std::vector<camera::Event> events = store->Events(view.time.end, &omitted);
+  const double position = view.time.position;
+  const auto next = isForward ? std::ranges::upper_bound(events, position + kSame, {}, &camera::Event::from)
+                              : std::ranges::lower_bound(events, position - kSame, {}, &camera::Event::from);
+  if (isForward ? next == events.end() : next == events.begin()) {
+    return view.display.Say(StatusMark::kNone, Text(isForward ? IDS_NO_EVENT_AFTER : IDS_NO_EVENT_BEFORE));
+  }
+  const auto found = isForward ? next : std::prev(next);
+  Seek(&view.time, found->from);
+  const std::wstring number = kv::NumberText(static_cast<double>(found - events.begin() + 1));
+  const std::wstring all = kv::NumberText(static_cast<double>(events.size()) + static_cast<double>(omitted));
+  view.display.Say(StatusMark::kNone, TextWith(IDS_EVENT_OF, number.c_str(), all.c_str(), Describe(*found).c_str()));
+}
+
 // Cancels the innermost activity.
 void OnEscape(View& view) {
   if (view.source.IsWorking()) return view.source.CancelWork();
@@ -334,6 +389,10 @@ bool OnPlayCommand(View& view, UINT id) {
     case IDM_FASTER: SelectSpeed(view, SpeedIndex(view.time.speed) + 1); return true;
     case IDM_NORMAL_SPEED: SelectSpeed(view, SpeedIndex(1)); return true;
     case IDM_GO_TO: GoToField(view); return true;
+    case IDC_EVENT_BACK:
+    case IDM_EVENT_BACK: GoToEvent(view, false); return true;
+    case IDC_EVENT_FORWARD:
+    case IDM_EVENT_FORWARD: GoToEvent(view, true); return true;
     default: return false;
   }
 }
@@ -414,6 +473,7 @@ INT_PTR OnCommand(View& view, UINT id, UINT code) {
     OnEscape(view);
   } else if (id == IDOK) {
     if (GetFocus() == GetDlgItem(window, IDC_TIME)) OnTimeTyped(view);
+    if (GetFocus() == GetDlgItem(window, IDC_RATE)) OnRateTyped(view);
   } else {
     isHandled =
         OnControl(view, id, code) || OnFileCommand(view, id) || OnPlayCommand(view, id) || OnViewCommand(view, id);
@@ -432,7 +492,9 @@ void PrepareMenu(const View& view, HMENU menu) {
   enable(IDM_CLOSE_SOURCE, source.IsOpen());
   enable(IDM_RECORD, isLive);
   enable(IDM_EXPORT, isOpen && view.time.selection && !source.IsWorking());
-  for (const UINT id : {IDM_PLAY, IDM_STEP_BACK, IDM_STEP_FORWARD, IDM_GO_TO, IDM_SELECT_SHOWN}) enable(id, isOpen);
+  for (const UINT id :
+       {IDM_PLAY, IDM_STEP_BACK, IDM_STEP_FORWARD, IDM_GO_TO, IDM_EVENT_BACK, IDM_EVENT_FORWARD, IDM_SELECT_SHOWN})
+    enable(id, isOpen);
   for (const UINT id : {IDM_SLOWER, IDM_FASTER, IDM_NORMAL_SPEED}) enable(id, isOpen && !isLive);
   enable(IDM_REMOVE_SELECTION, view.time.selection.has_value());
   CheckMenuItem(menu, IDM_FIT_VALUES, view.options.fitValues ? MF_CHECKED : MF_UNCHECKED);

@@ -81,6 +81,36 @@ StatusLine Describe(const Source& source, const ViewTime& time) {
   return {StatusMark::kNone, kv::ResourceText(IDS_NOTHING_OPEN)};
 }
 
+std::wstring CountsAsText(const camera::LineFigures& line) {
+  const auto number = [](long long count) { return kv::NumberText(static_cast<double>(std::max(count, 0LL))); };
+  const std::wstring lost = number(line.lost);
+  const double percent = 100 * static_cast<double>(std::max(line.lost, 0LL)) /
+                         static_cast<double>(std::max(line.lost + line.records, 1LL));
+  const auto losses = [&]() -> std::wstring {
+    switch (line.basis) {
+      case camera::LossBasis::kTooFew: return kv::ResourceText(IDS_LOST_TOO_FEW);
+      case camera::LossBasis::kIrregular: return kv::ResourceText(IDS_LOST_IRREGULAR);
+      case camera::LossBasis::kGiven: return TextWith(IDS_LOST_GIVEN, lost.c_str(), kv::NumberText(percent, 1).c_str());
+      case camera::LossBasis::kEstimated: break;
+    }
+    if (line.mayLoseRegularly) return TextWith(IDS_LOST_MAY_BE_REGULAR, lost.c_str());
+    if (line.lostAtMost <= 0) return kv::ResourceText(IDS_LOST_NONE);
+    return TextWith(IDS_LOST_ABOUT, lost.c_str(), number(line.lostAtLeast).c_str(), number(line.lostAtMost).c_str());
+  };
+  return TextWith(IDS_STATISTICS_COUNTS, RecordsAsText(line.records).c_str(),
+                  kv::NumberText(line.recordsPerSecond, 1).c_str()) +
+         L"; " + losses();
+}
+
+std::wstring SilencesAsText(const camera::LineFigures& line) {
+  if (line.silences == 0) return kv::ResourceText(IDS_SILENCES_NONE);
+  const std::wstring all = kv::NumberText(line.silentSeconds, 3), at = TimeAsText(line.longestSilenceFrom, 1);
+  const std::wstring percent = kv::NumberText(line.seconds > 0 ? 100 * line.silentSeconds / line.seconds : 0, 1);
+  if (line.silences == 1) return TextWith(IDS_SILENCES_ONE, all.c_str(), percent.c_str(), at.c_str());
+  return TextWith(IDS_SILENCES, kv::NumberText(static_cast<double>(line.silences)).c_str(), all.c_str(),
+                  percent.c_str(), kv::NumberText(line.longestSilence, 3).c_str(), at.c_str());
+}
+
 std::vector<Stretch> SectionsOf(const RecordStore& store) {
   std::vector<Stretch> all;
   for (const StretchKind kind : {StretchKind::kSilent, StretchKind::kMalformed, StretchKind::kDamaged}) {
@@ -100,7 +130,7 @@ Display::Display(HWND window, const Source& source) : window_(window), charts_(w
   SendDlgItemMessageW(window, IDC_PROGRESS, PBM_SETRANGE32, 0, kProgressSteps);
   const HWND list = GetDlgItem(window, IDC_STATISTICS);
   kv::AddListNavigation(list);
-  SendMessageW(list, LB_SETCOUNT, kv::kPointCount, 0);
+  SendMessageW(list, LB_SETCOUNT, kChannels, 0);
 }
 
 void Display::Forget() {
@@ -162,7 +192,8 @@ void Display::ShowSource(const Source& source, const ViewTime& time) {
   const std::wstring caption = name.empty() ? kv::ResourceText(IDS_CAPTION) : TextWith(IDS_CAPTION_OF, name.c_str());
   if (IsNew(caption, &texts_[kWindow])) SetWindowTextW(window_, caption.c_str());
   const bool isOpen = source.IsOpen(), isLive = source.IsLive();
-  for (const int id : {IDC_PLAY, IDC_STEP_BACK, IDC_STEP_FORWARD, IDC_TIME}) Enable(id, isOpen);
+  for (const int id : {IDC_PLAY, IDC_STEP_BACK, IDC_STEP_FORWARD, IDC_EVENT_BACK, IDC_EVENT_FORWARD, IDC_TIME})
+    Enable(id, isOpen);
   Enable(IDC_SPEED, isOpen && !isLive);
   Enable(IDC_EXPORT, source.Records() && time.selection && !source.IsWorking());
   SetVisible(IDC_RECORD, isLive);
@@ -313,7 +344,8 @@ void Display::ShowStatistics(const Source& source, const ViewTime& time) {
   const TimeRange range =
       time.selection.value_or(TimeRange{std::max(time.shown.from, time.begin), std::min(time.shown.to, time.end)});
   const bool isSelected = time.selection.has_value();
-  const StatisticsKey key{source.Number(), store ? store->At(range.to) : -1, isSelected, range.from, range.to};
+  const StatisticsKey key{source.Number(), store ? store->At(range.to) : -1, isSelected, range.from, range.to,
+                          source.Rate()};
   if (statisticsKey_ == key || !isLiveTurn_) {
     if (statisticsKey_ == key) isStatisticsDue_ = false;
     return;
@@ -324,17 +356,17 @@ void Display::ShowStatistics(const Source& source, const ViewTime& time) {
   if (isStatisticsDue_) return;
   statisticsKey_ = key;
   statistics_.reset();
-  std::wstring summary = L" ", counts = L" ";
+  std::wstring summary = L" ", counts = L" ", silences = L" ";
   if (store) {
     statistics_ = ComputeStatistics(*store, range.from, range.to);
     summary = TextWith(isSelected ? IDS_STATISTICS_SELECTED : IDS_STATISTICS_SHOWN, TimeAsText(range.from).c_str(),
                        TimeAsText(range.to).c_str(), kv::NumberText(range.Length(), 3).c_str());
-    counts = TextWith(IDS_STATISTICS_COUNTS, RecordsAsText(statistics_->line.records).c_str(),
-                      kv::NumberText(statistics_->line.recordsPerSecond, 1).c_str(),
-                      kv::NumberText(static_cast<double>(std::max(statistics_->line.lost, 0LL))).c_str());
+    counts = CountsAsText(statistics_->line);
+    silences = SilencesAsText(statistics_->line);
   }
   SetText(IDC_SUMMARY, summary);
   SetText(IDC_COUNTS, counts);
+  SetText(IDC_SILENCES, silences);
   kv::RedrawList(GetDlgItem(window_, IDC_STATISTICS));
 }
 

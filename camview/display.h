@@ -77,7 +77,7 @@ class Display {
   std::optional<SectionsKey> sections_;
   double timelinePosition_ = kNoTime;
   bool isTyping_ = false;  // a time
-  using StatisticsKey = std::tuple<unsigned, long long, bool, double, double>;
+  using StatisticsKey = std::tuple<unsigned, long long, bool, double, double, double>;
   std::optional<StatisticsKey> statisticsKey_;
   std::optional<SelectionStatistics> statistics_;
 

@@ -42,6 +42,11 @@ std::uint64_t Source::StartTime() const {
   return live_ ? live_->startTime() : loaded_.header.startTime;
 }
 
+void Source::SetRate(double rate) {
+  rate_ = rate;
+  if (RecordStore* store = live_ ? received_.get() : loaded_.store.get()) store->SetRate(rate);
+}
+
 // ---- Opening and closing --------------------------------------------------------------------------------------------
 
 // The only place where a source ends. No export runs.
@@ -72,6 +77,7 @@ bool Source::OpenPort(int port) {
   if (!Close()) return false;
   const LiveRecording completed = status_.recording;
   received_ = std::make_unique<RecordStore>();
+  received_->SetRate(rate_);
   live_ = std::make_unique<LiveSource>(port);
   status_ = live_->Status();
   status_.recording = completed;
@@ -103,6 +109,7 @@ SourceNews Source::TakeLoaded() {
   }
   CloseSource();
   loaded_ = std::move(next);
+  if (rate_ > 0) loaded_.store->SetRate(rate_);
   ++number_;
   return SourceNews::kOpened;
 }

@@ -44,6 +44,10 @@ class Source {
   TimeRange Whole() const;
   // "COM3", or the path of the recording; "" when nothing is open.
   std::wstring Name() const;
+  // The records per second that the camera sends, by which losses are counted in this source and those after it; 0:
+  // estimated. Must be 0 or camera::kLowestRate to kHighestRate.
+  double Rate() const { return rate_; }
+  void SetRate(double rate);
   // The start as UTC in units of 100 ns since 1601; 0: unknown.
   std::uint64_t StartTime() const;
 
@@ -83,6 +87,7 @@ class Source {
   SourceNews TakeLoaded();
 
   unsigned number_ = 0;  // odd while a source is open
+  double rate_ = 0;
   LoadedRecording loaded_, rejected_;
   std::unique_ptr<LiveSource> live_;
   std::unique_ptr<RecordStore> received_;

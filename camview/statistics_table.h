@@ -1,4 +1,4 @@
-// The rows of the table of statistics, one for each point. Main thread only.
+// The rows of the table of statistics, one for each channel. Main thread only.
 #pragma once
 
 #include <windows.h>

@@ -21,12 +21,15 @@
 #include "camview/view_time.h"
 #include "kv/framework/file_path.h"
 #include "kv/framework/guards.h"
+#include "kv/framework/tooltips.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/scaled_dialog.h"
 
 namespace camview {
 
 namespace {
+
+const kv::TooltipEntry kTips[] = {{IDC_STATISTICS, MAKEINTRESOURCEW(IDS_STATISTICS_TIP)}};
 
 constexpr UINT kStart = WM_APP + 1;  // opens the source in the command line
 constexpr UINT_PTR kTickTimer = 1;
@@ -166,6 +169,7 @@ kv::ScaledDialog MainWindow(const StartOptions& options) {
       .positionName = "Camview.Main",
       .maximisedName = "Camview.Maximised",
       .minimumSize = {760, 520},
+      .tips = kTips,
       .menu = L"CAMVIEW",
       .languageMenu = {IDM_LANGUAGE_MENU, IDM_LANGUAGE_FIRST, IDB_LANGUAGE_FIRST},
       .accelerators = L"CAMVIEW",

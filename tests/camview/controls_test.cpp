@@ -100,8 +100,8 @@ TEST_F(CameraFieldTest, KeepsItsProportionsAndRejectsWhatIsBad) {
   MoveWindow(field_, 0, 0, 600, 200, TRUE);  // wider than the field
   TestBitmap bitmap(600, 200);
   SendMessageA(field_, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(bitmap.dc()), 0);
-  EXPECT_EQ(GetSysColor(COLOR_BTNFACE), bitmap.At(160, 100));
-  EXPECT_EQ(kBlack, bitmap.At(172, 98));
+  EXPECT_EQ(GetSysColor(COLOR_BTNFACE), bitmap.At(300, 100));
+  EXPECT_EQ(kBlack, bitmap.At(5, 98));
   const StoredRecord record{1, {{1, 2}, kDark, kDark, kDark}, 0};
   EXPECT_EQ(1, Show({record}, 1, 1));
   GuardedBytes tooShort(sizeof(FieldContent) - 1);

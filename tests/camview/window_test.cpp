@@ -64,6 +64,17 @@ TEST_F(CamviewWindow, OpensARecordingAndGoesToTimes) {
   Press(VK_ESCAPE);
   EXPECT_EQ(L"0:05.010", Text(IDC_TIME));
 
+  // From event to event.
+  goTo(L"1");
+  Press(VK_F3);
+  EXPECT_EQ(5.99, view().time.position);
+  EXPECT_TRUE(Says(L"silence of 1.910 s")) << camera::Narrow(Text(IDC_STATUS));
+  Press(VK_F3);
+  EXPECT_EQ(8.89, view().time.position);
+  Press(VK_F3, VK_SHIFT);
+  EXPECT_EQ(5.99, view().time.position);
+  goTo(L"5.01");
+
   // The pointer previews a time, a click goes there.
   const auto move = [&](int x) {
     SendMessageW(Control(IDC_CHART_X), WM_MOUSEMOVE, 0, MAKELPARAM(x, 50));
@@ -114,7 +125,8 @@ TEST_F(CamviewWindow, SumsUpAndExportsWhatIsMarked) {
   Press('M', VK_CONTROL);
   Settle();
   EXPECT_EQ(L"Selected: 0:04.500 to 0:05.500 (1.000 s)", Text(IDC_SUMMARY));
-  EXPECT_EQ(L"99 records, 99.0 a second, 2 lost", Text(IDC_COUNTS));
+  EXPECT_EQ(L"99 records, 99.0 a second; about 2 lost", Text(IDC_COUNTS).substr(0, 39));
+  EXPECT_EQ(L"No silence", Text(IDC_SILENCES));
   EXPECT_EQ(L"1 record", RecordsAsText(1));
   const auto save = [&](const wchar_t* name, int command) {
     chosenPath = File(name);
