@@ -464,6 +464,9 @@ void OnNews(View& view, SourceNews news) {
   if (news == SourceNews::kLoadRejected) view.display.Say(rejected.mark, rejected.text);
   Update(view);
   if (news == SourceNews::kLoadRejected) Warn(view, rejected.text);
+  // The line at the bottom is too short for the whole reason.
+  const StatusLine failed = DescribeLiveRecording(view.source.Recording());
+  if (news == SourceNews::kRecordingFailed) Warn(view, failed.text);
 }
 
 INT_PTR OnCommand(View& view, UINT id, UINT code) {

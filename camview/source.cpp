@@ -115,8 +115,11 @@ SourceNews Source::TakeLoaded() {
 }
 
 SourceNews Source::Tick() {
+  bool hasFailed = false;
   if (live_) {
     LiveStatus status = live_->Status();
+    hasFailed =
+        status.recording.state == LiveRecordingState::kFailed && status_.recording.state == LiveRecordingState::kOn;
     if (status.recording.state == LiveRecordingState::kNone) status.recording = status_.recording;
     status_ = std::move(status);
     // An export reads the store, so new records wait in the port's.
@@ -125,6 +128,7 @@ SourceNews Source::Tick() {
       StoreBatch(&batch_, received_.get());
     }
   }
+  if (hasFailed) return SourceNews::kRecordingFailed;
   if (isLoading_ && loader_.IsDone()) return TakeLoaded();
   if (!isExporting_ || !exporter_.IsDone()) return SourceNews::kNone;
   isExporting_ = false;

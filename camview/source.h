@@ -26,10 +26,11 @@ namespace camview {
 // What Tick has found.
 enum class SourceNews {
   kNone,
-  kOpened,         // a recording
-  kLoadCancelled,  // what was open is still open
-  kLoadRejected,   // the same; the reason is in Rejected()
-  kExported,       // or not: see Export()
+  kOpened,           // a recording
+  kLoadCancelled,    // what was open is still open
+  kLoadRejected,     // the same; the reason is in Rejected()
+  kExported,         // or not: see Export()
+  kRecordingFailed,  // a live recording; the reason is in Recording()
 };
 
 class Source {

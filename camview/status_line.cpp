@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdarg>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 #include "camera/text.h"
@@ -124,6 +125,14 @@ std::wstring RecordsAsText(long long count) {
   return TextWith(IDS_RECORDS, kv::NumberText(static_cast<double>(count)).c_str());
 }
 
+std::wstring ClockAsText(std::uint64_t fileTime) {
+  const FILETIME utc{static_cast<DWORD>(fileTime), static_cast<DWORD>(fileTime >> 32)};
+  SYSTEMTIME universal{}, local{};
+  if (!FileTimeToSystemTime(&utc, &universal) || !SystemTimeToTzSpecificLocalTime(nullptr, &universal, &local))
+    return {};
+  return kv::DateText(local) + L" " + kv::TimeText(local, true);
+}
+
 std::wstring TimeAsText(double seconds, int decimals) {
   const std::wstring sign = kv::DecimalSign();
   return camera::Wide(FormatTime(seconds, decimals, sign.empty() ? '.' : static_cast<char>(sign[0])));
@@ -155,6 +164,10 @@ StatusLine DescribeRecording(const LoadedRecording& recording) {
   if (recording.records == 0) return rejected(IDS_FILE_NO_RECORDS);
   line.text +=
       TextWith(IDS_FILE_WHOLE, RecordsAsText(recording.records).c_str(), TimeAsText(recording.seconds, 1).c_str());
+  if (recording.header.startTime > 0) {
+    line.text += L" " + TextWith(IDS_RECORDED_AT, static_cast<int>(recording.header.port),
+                                 ClockAsText(recording.header.startTime).c_str());
+  }
   const size_t whole = line.text.size();
   if (!recording.hasHeader) line.text += L" " + kv::ResourceText(IDS_FILE_NO_HEADER);
   AddCounted(&line.text, recording.damageCount, IDS_FILE_DAMAGED_ONE, IDS_FILE_DAMAGED);

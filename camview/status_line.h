@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <cstdint>
 #include <string>
 
 #include "camview/live_source.h"
@@ -25,6 +26,9 @@ void DrawStatusLine(const DRAWITEMSTRUCT& item, const StatusLine& line);
 std::wstring TextWith(UINT id, ...);
 // Returns "1 record", "2,000 records".
 std::wstring RecordsAsText(long long count);
+// Returns date and local time of day of a UTC time in units of 100 ns since 1601, in the user's formats; "" if there is
+// no such time.
+std::wstring ClockAsText(std::uint64_t fileTime);
 // Returns a time since the beginning with this number of decimals, in the format of the language.
 std::wstring TimeAsText(double seconds, int decimals = 3);
 // Returns a duration: "3 s", "1:15".

@@ -33,7 +33,8 @@ TEST_F(CamviewWindow, OpensARecordingAndGoesToTimes) {
   bytes[camera::kRecordingHeaderBytes + 700 * chunk + 20] ^= 1;
   OpenFile(bytes);
   EXPECT_EQ(L"camview test.twr – Camera viewer", TextOf(window_));
-  EXPECT_TRUE(Says(L"809 records in 0:10.0. Damaged in 1 place.")) << camera::Narrow(Text(IDC_STATUS));
+  EXPECT_TRUE(Says(L"809 records in 0:10.0. Recorded from COM3, ") && Says(L"Damaged in 1 place."))
+      << camera::Narrow(Text(IDC_STATUS));
   EXPECT_EQ(L"1: 0, 300; 2: 500, 400; 4: 20, 700", Field());
   EXPECT_EQ(L"of 0:10.000", Text(IDC_LENGTH));
 
