@@ -95,7 +95,8 @@ std::wstring CountsAsText(const camera::LineFigures& line) {
     }
     if (line.mayLoseRegularly) return TextWith(IDS_LOST_MAY_BE_REGULAR, lost.c_str());
     if (line.lostAtMost <= 0) return kv::ResourceText(IDS_LOST_NONE);
-    return TextWith(IDS_LOST_ABOUT, lost.c_str(), number(line.lostAtLeast).c_str(), number(line.lostAtMost).c_str());
+    if (line.lostAtLeast == line.lostAtMost) return TextWith(IDS_LOST_ABOUT, lost.c_str());
+    return TextWith(IDS_LOST_BETWEEN, lost.c_str(), number(line.lostAtLeast).c_str(), number(line.lostAtMost).c_str());
   };
   return TextWith(IDS_STATISTICS_COUNTS, RecordsAsText(line.records).c_str(),
                   kv::NumberText(line.recordsPerSecond, 1).c_str()) +
