@@ -40,6 +40,7 @@
 #include "kv/toolkit/ask_path.h"
 #include "kv/toolkit/error_text.h"
 #include "kv/toolkit/languages.h"
+#include "kv/toolkit/locale_text.h"
 #include "kv/toolkit/png_file.h"
 
 namespace camview {
@@ -245,19 +246,6 @@ void OnRateTyped(View& view) {
   view.source.SetRate(isEmpty ? 0 : rate);
 }
 
-std::wstring Describe(const camera::Event& event) {
-  const std::wstring length = kv::NumberText(event.to - event.from, 3);
-  const std::wstring amount = kv::NumberText(static_cast<double>(event.amount));
-  switch (event.kind) {
-    case camera::EventKind::kSilence: return TextWith(IDS_EVENT_SILENCE, length.c_str());
-    case camera::EventKind::kLoss: return TextWith(IDS_EVENT_LOSS, length.c_str(), amount.c_str());
-    case camera::EventKind::kMalformed: return TextWith(IDS_EVENT_MALFORMED, length.c_str(), amount.c_str());
-    case camera::EventKind::kDamage: return TextWith(IDS_EVENT_DAMAGE, length.c_str(), amount.c_str());
-    case camera::EventKind::kUnseen: return TextWith(IDS_EVENT_UNSEEN, length.c_str(), event.point + 1);
-  }
-  return {};
-}
-
 // Goes to the next event that begins after, or before, the position.
 void GoToEvent(View& view, bool isForward) {
   const RecordStore* store = view.source.Records();
@@ -275,7 +263,8 @@ void GoToEvent(View& view, bool isForward) {
   Seek(&view.time, found->from);
   const std::wstring number = kv::NumberText(static_cast<double>(found - events.begin() + 1));
   const std::wstring all = kv::NumberText(static_cast<double>(events.size()) + static_cast<double>(omitted));
-  view.display.Say(StatusMark::kNone, TextWith(IDS_EVENT_OF, number.c_str(), all.c_str(), Describe(*found).c_str()));
+  view.display.Say(StatusMark::kNone,
+                   TextWith(IDS_EVENT_OF, number.c_str(), all.c_str(), DescribeEvent(*found).c_str()));
 }
 
 // Cancels the innermost activity.

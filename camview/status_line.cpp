@@ -217,4 +217,17 @@ StatusLine DescribeLiveRecording(const LiveRecording& recording) {
   return {StatusMark::kNone, TextWith(IDS_RECORDED_TO, name.c_str(), length.c_str())};
 }
 
+std::wstring DescribeEvent(const camera::Event& event) {
+  const std::wstring length = kv::NumberText(event.to - event.from, 3);
+  const std::wstring amount = kv::NumberText(static_cast<double>(event.amount));
+  switch (event.kind) {
+    case camera::EventKind::kSilence: return TextWith(IDS_EVENT_SILENCE, length.c_str());
+    case camera::EventKind::kLoss: return TextWith(IDS_EVENT_LOSS, length.c_str(), amount.c_str());
+    case camera::EventKind::kMalformed: return TextWith(IDS_EVENT_MALFORMED, length.c_str(), amount.c_str());
+    case camera::EventKind::kDamage: return TextWith(IDS_EVENT_DAMAGE, length.c_str(), amount.c_str());
+    case camera::EventKind::kUnseen: return TextWith(IDS_EVENT_UNSEEN, length.c_str(), event.point + 1);
+  }
+  return {};
+}
+
 }  // namespace camview

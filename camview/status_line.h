@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string>
 
+#include "camera/events.h"
 #include "camview/live_source.h"
 #include "camview/recording_loader.h"
 
@@ -39,5 +40,8 @@ StatusLine DescribeRecording(const LoadedRecording& recording);
 StatusLine DescribeLive(const LiveStatus& status);
 // Describes the current or last recording of a live port.
 StatusLine DescribeLiveRecording(const LiveRecording& recording);
+
+// Describes kind, length and amount of an event.
+std::wstring DescribeEvent(const camera::Event& event);
 
 }  // namespace camview
