@@ -168,7 +168,7 @@ kv::ScaledDialog MainWindow(const StartOptions& options) {
       .parameter = reinterpret_cast<LPARAM>(&options),
       .positionName = "Camview.Main",
       .maximisedName = "Camview.Maximised",
-      .minimumSize = {760, 520},
+      .minimumSize = {900, 600},
       .tips = kTips,
       .menu = L"CAMVIEW",
       .languageMenu = {IDM_LANGUAGE_MENU, IDM_LANGUAGE_FIRST, IDB_LANGUAGE_FIRST},
