@@ -35,19 +35,19 @@ struct AppContext {
   DWORD bPaused;        // the display is paused
   DWORD bConnected;     // 1 after a successful connect, 0 after any disconnect
   DWORD dwButtonFlags;  // bits 24..28: status button 1..5 blinks; bit 31: the blink phase
-  HANDLE hQuitEvent;    // manual reset; signalled at shutdown, and ends the reader thread
+  HANDLE hQuitEvent;    // manual reset; signaled at shutdown, and ends the reader thread
   float fScaleX, fScaleY;
   LayoutSlot layout[kLayoutSlots];  // design rectangles; slot 0 is the dialog's client rectangle
   LONG nPort;                       // COM port in use, -1 for none
   HANDLE volatile hPort;            // INVALID_HANDLE_VALUE when closed; main thread writes, reader thread reads
-  HANDLE hConnectEvent;             // manual reset; signalled at every disconnect; no thread waits for it
+  HANDLE hConnectEvent;             // manual reset; signaled at every disconnect; no thread waits for it
   HANDLE hReaderThread;
   DWORD dwReaderThreadId;
   DWORD volatile bChanged;  // set by the reader thread, cleared by the main thread after it has copied the points
   wchar_t szDataFolder[MAX_PATH];   // stored between runs; otherwise unused
   CameraPoint points[kPointCount];  // latest points; written by the reader thread only; zero until the first record
   MainControls controls;            // set when the dialog is created
-  HBITMAP hToolbarStrip;            // the toolbar's own images, on the colour of buttons
+  HBITMAP hToolbarStrip;            // the toolbar's own images, on the color of buttons
 };
 
 // Returns true if all of `context` is readable and writable.

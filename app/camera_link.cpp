@@ -83,9 +83,9 @@ int FindCameraPort(HANDLE hQuitEvent) {
   return -1;
 }
 
-// Reads up to one record, waiting without a timeout until bytes arrive or the quit event is signalled. Returns the
+// Reads up to one record, waiting without a timeout until bytes arrive or the quit event is signaled. Returns the
 // number of bytes. The read itself resets its event. Sets `canContinue` to true when the wait has just shown that the
-// quit event is not signalled.
+// quit event is not signaled.
 DWORD ReadRecord(HANDLE hPort, HANDLE hQuitEvent, char* buffer, OVERLAPPED* overlapped, bool* canContinue) {
   DWORD read = 0;
   if (ReadFile(hPort, buffer, kRecordLength, &read, overlapped)) return read;

@@ -30,7 +30,7 @@ DWORD ConnectCamera(AppContext* context, BOOL connect);
 // Main thread only.
 bool ClosePort(AppContext* context);
 
-// Thread procedure; the parameter is the AppContext. Runs until hQuitEvent is signalled, with or without an open port.
+// Thread procedure; the parameter is the AppContext. Runs until hQuitEvent is signaled, with or without an open port.
 DWORD WINAPI CameraReaderThread(void* parameter);
 
 }  // namespace kv

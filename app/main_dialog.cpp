@@ -66,7 +66,7 @@ MainControls FindControls(HWND dialog) {
   return controls;
 }
 
-// Loads the strip of the toolbar's images on the present colour of buttons.
+// Loads the strip of the toolbar's images on the present color of buttons.
 HBITMAP LoadStrip(HWND dialog) {
   HBITMAP strip = LoadBitmapA(modules.resources, MAKEINTRESOURCEA(IDB_TOOLBAR));
   const WindowDc dc(dialog);
@@ -74,7 +74,7 @@ HBITMAP LoadStrip(HWND dialog) {
   return strip;
 }
 
-// Replaces the toolbar's images after a change of the system colours.
+// Replaces the toolbar's images after a change of the system colors.
 void RefreshToolbarImages(HWND dialog, AppContext* context) {
   HBITMAP strip = LoadStrip(dialog);
   TBREPLACEBITMAP change{nullptr, reinterpret_cast<UINT_PTR>(context->hToolbarStrip), nullptr,
@@ -98,7 +98,7 @@ void SetUpToolbar(HWND dialog, AppContext* context) {
   TBADDBITMAP standard{HINST_COMMCTRL, IDB_STD_LARGE_COLOR};
   SendMessageA(toolbar, TB_ADDBITMAP, kStandardImages, reinterpret_cast<LPARAM>(&standard));
 
-  // The toolbar uses the bitmap until the next change of colours or the end of the process.
+  // The toolbar uses the bitmap until the next change of colors or the end of the process.
   context->hToolbarStrip = LoadStrip(dialog);
   TBADDBITMAP own{nullptr, reinterpret_cast<UINT_PTR>(context->hToolbarStrip)};
   SendMessageA(toolbar, TB_ADDBITMAP, kToolbarImages, reinterpret_cast<LPARAM>(&own));
@@ -217,7 +217,7 @@ void ShowText(HWND button, const wchar_t* text) {
 // ---- Painting -------------------------------------------------------------------------------------------------------
 
 INT_PTR OnSize(HWND dialog, AppContext* context, WPARAM kind) {
-  // A minimised window has no client area; the next WM_SIZE has the real one.
+  // A minimized window has no client area; the next WM_SIZE has the real one.
   if (kind != SIZE_MINIMIZED) LayOutMainDialog(dialog, context);
   return 0;
 }
@@ -393,7 +393,7 @@ INT_PTR OnSessionEnd(HWND dialog, AppContext* context, BOOL ends) {
   return 0;
 }
 
-// Common controls learn about new colours from their parent; the strip's background is one of the colours.
+// Common controls learn about new colors from their parent; the strip's background is one of the colors.
 INT_PTR OnColorChange(HWND dialog, AppContext* context) {
   const MainControls& controls = context->controls;
   for (HWND control : {controls.toolbar, controls.pages, controls.statusBar}) {

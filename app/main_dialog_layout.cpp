@@ -105,7 +105,7 @@ void LayOutMainDialog(HWND dialog, AppContext* context) {
 
 namespace {
 
-// Draws line i in the colour of step i of the gradient from `start` to the dialog's blue.
+// Draws line i in the color of step i of the gradient from `start` to the dialog's blue.
 void DrawBlendedLines(HDC dc, const std::array<BackgroundLine, kBlendSteps>& lines, COLORREF start) {
   for (int i = 0; i < kBlendSteps; ++i) {
     COLORREF color = start;

@@ -1,7 +1,7 @@
 // Measures display instruments: the time in ms to render each mode completely and after a change of the value, the
-// share of a core that twenty gliding instruments use, and the GDI objects of two thousand. The floor is the cost of an
+// share of a core that twenty moving instruments use, and the GDI objects of two thousand. The floor is the cost of an
 // empty control that shows a bitmap of the same size in the same way and renders nothing.
-//   instrument_benchmark [gliding]     only the gliding ones, for tracing their system calls
+//   instrument_benchmark [animation]     only the moving ones, for tracing their system calls
 #include <windows.h>
 
 #include <chrono>
@@ -30,7 +30,7 @@ constexpr Mode kModes[] = {{"gauge", kv::kModeGauge, 20, 80},
                            {"readout", kv::kModeDigital, 20, 80},
                            {"segment bar", kv::kModeSegmentBar, 20, 80},
                            {"compass", kv::kModeCompass, 20, 80},
-                           {"centre bar", kv::kModeCenterBar, -60, 60}};
+                           {"center bar", kv::kModeCenterBar, -60, 60}};
 
 HWND Create(HWND parent, DWORD style, int left, int top, int size) {
   return CreateWindowExA(0, kv::kDisplayInstrumentClass, "Heading", WS_CHILD | WS_VISIBLE | style, left, top, size,
@@ -116,14 +116,14 @@ double PercentOfACore(Work often) {
   return (CpuSeconds() - cpu) / std::chrono::duration<double>(Clock::now() - start).count() * 100;
 }
 
-void MeasureGliding(HWND parent) {
+void MeasureAnimation(HWND parent) {
   HWND controls[kInstruments];
   for (int i = 0; i < kInstruments; ++i) {
     controls[i] = Create(parent, kModes[i % std::size(kModes)].style, i % 5 * 130, i / 5 * 130, 120);
   }
   float value = 30;
-  const double gliding = PercentOfACore([&] {
-    // New targets within gliding distance keep all instruments moving.
+  const double animation = PercentOfACore([&] {
+    // New targets close enough to animate keep all instruments moving.
     value = value > 35 ? 30.0f : 40.0f;
     for (HWND control : controls) SetValue(control, value, kv::kValueAnimate);
   });
@@ -134,7 +134,7 @@ void MeasureGliding(HWND parent) {
   }
   const double floor = PercentOfACore([] {});
   for (HWND control : controls) DestroyWindow(control);
-  printf("%d instruments of 120 pixels gliding: %.1f %% of one core, floor %.1f %%\n", kInstruments, gliding, floor);
+  printf("%d instruments of 120 pixels moving: %.1f %% of one core, floor %.1f %%\n", kInstruments, animation, floor);
 }
 
 // The number of GDI objects that can still be created.
@@ -171,9 +171,9 @@ int main(int count, char** arguments) {
   RegisterClassA(&empty);
   HWND parent = CreateWindowExA(0, "STATIC", "benchmark", WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN, 0, 0, 700, 700,
                                 nullptr, nullptr, instance, nullptr);
-  const bool all = count < 2 || std::strcmp(arguments[1], "gliding") != 0;
+  const bool all = count < 2 || std::strcmp(arguments[1], "animation") != 0;
   if (all) MeasureRendering(parent);
-  MeasureGliding(parent);
+  MeasureAnimation(parent);
   if (all) MeasureMany(parent);
   DestroyWindow(parent);
   return 0;

@@ -139,7 +139,7 @@ void MeasureLive(HWND parent) {
     });
     DestroyWindow(chart);
     printf("live, %-8s                        %8.2f %% of a core, copying the area %.2f %%: %.2f times (required: 2)\n",
-           style == kv::kStripSweep ? "sweep" : "paper", live, copying, live / copying);
+           style == kv::kStripSweep ? "sweep" : "scroll", live, copying, live / copying);
   }
 }
 

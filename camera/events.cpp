@@ -36,11 +36,11 @@ void EventLog::AddRecord(const FoundRecord& record) {
   }
 }
 
-void EventLog::AddStretch(const Stretch& stretch) {
-  const EventKind kind = stretch.kind == StretchKind::kSilent      ? EventKind::kSilence
-                         : stretch.kind == StretchKind::kMalformed ? EventKind::kMalformed
+void EventLog::AddSection(const Section& section) {
+  const EventKind kind = section.kind == SectionKind::kSilent      ? EventKind::kSilence
+                         : section.kind == SectionKind::kMalformed ? EventKind::kMalformed
                                                                    : EventKind::kDamage;
-  Add({kind, stretch.from, stretch.to, stretch.bytes}, &lists_[static_cast<size_t>(kind)]);
+  Add({kind, section.from, section.to, section.bytes}, &lists_[static_cast<size_t>(kind)]);
 }
 
 std::vector<Event> EventLog::Events(const LineModel& line, double end, long long* omitted) const {

@@ -32,7 +32,7 @@ class EventLog {
   static constexpr size_t kMaxEvents = 1 << 14;  // of each kind, and of each point; later ones are counted only
 
   void AddRecord(const FoundRecord& record);
-  void AddStretch(const Stretch& stretch);
+  void AddSection(const Section& section);
 
   // Returns the events with the losses of `line`, in the order of their beginnings. A point that is not seen in the
   // last record is not seen until `end`. `omitted`: set to the number of events that are not in the list; losses beyond

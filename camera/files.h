@@ -36,7 +36,7 @@ bool AppendToOutput(OutputFile* output, std::string_view bytes, std::string* err
 bool FlushToOutput(OutputFile* output, size_t atLeast, std::string* buffer, std::string* error);
 inline constexpr size_t kOutputBuffer = 65536;  // a good size for writing
 
-// Renames the file to its target, replacing it; more bytes can be appended afterwards. Does nothing the second time. On
+// Renames the file to its target, replacing it; more bytes can be appended afterward. Does nothing the second time. On
 // failure returns false, with an error message in `error`, and the target does not change.
 bool PublishOutput(OutputFile* output, std::string* error);
 

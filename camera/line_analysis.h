@@ -28,7 +28,7 @@ std::string ReceiveAtRate(std::string_view sent, int sentRate, int receiverRate)
 std::vector<int> GuessRates(std::string_view received, int receiverRate);
 
 // Returns whether bytes look like parts of records: digits, commas and closing bytes with the commas five bytes apart.
-// For stretches that are too short to contain a record.
+// For sections that are too short to contain a record.
 bool LooksLikeRecords(std::string_view bytes);
 
 // Returns whether nearly all bytes are printable.

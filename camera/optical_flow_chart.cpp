@@ -33,7 +33,7 @@ struct ChartState {
 };
 
 constexpr CameraPoint kHiddenPoint{kNoPoint, kNoPoint};
-constexpr int kMarkerCentre = 15;  // the pixel of a marker icon that lies on the point
+constexpr int kMarkerCenter = 15;  // the pixel of a marker icon that lies on the point
 constexpr int kMinCopySize = 64, kMaxCopySize = 5120;
 
 bool IsShown(const CameraPoint& point) {
@@ -85,7 +85,7 @@ HICON MarkerIcon(int index) {
 void DrawMarkers(HDC dc, const CameraPoint (&points)[kPointCount]) {
   for (int i = 0; i < kPointCount; ++i) {
     if (!IsShown(points[i])) continue;
-    DrawIcon(dc, points[i].x - kMarkerCentre, points[i].y - kMarkerCentre, MarkerIcon(i));
+    DrawIcon(dc, points[i].x - kMarkerCenter, points[i].y - kMarkerCenter, MarkerIcon(i));
   }
 }
 
@@ -99,7 +99,7 @@ void RenderChart(HDC dc, const CameraPoint (&points)[kPointCount]) {
 RECT MarkerBounds(const CameraPoint& point, SIZE size) {
   if (!IsShown(point)) return {};
   constexpr int kRounding = 2;
-  const LONG left = point.x - kMarkerCentre, top = point.y - kMarkerCentre;
+  const LONG left = point.x - kMarkerCenter, top = point.y - kMarkerCenter;
   const LONG right = left + GetSystemMetrics(SM_CXICON), bottom = top + GetSystemMetrics(SM_CYICON);
   return {MulDiv(left, size.cx, kFieldWidth) - kRounding, MulDiv(top, size.cy, kFieldHeight) - kRounding,
           MulDiv(right, size.cx, kFieldWidth) + kRounding, MulDiv(bottom, size.cy, kFieldHeight) + kRounding};
@@ -152,7 +152,7 @@ void MakeBackBuffer(ChartState* state) {
   state->bDirty = TRUE;
 }
 
-// Draws the control's edge in the system's highlight colour. The field inside shows only the points.
+// Draws the control's edge in the system's highlight color. The field inside shows only the points.
 void DrawFocusedEdge(HWND window) {
   RECT rect{}, field{};
   GetWindowRect(window, &rect);

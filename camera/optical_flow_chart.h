@@ -2,7 +2,7 @@
 // (icon resources 1000..1003 of the program's module). The field of 1024 x 768 camera units fills the control without
 // preserving its aspect ratio. There is no grid, text or history. Mouse clicks are ignored; dropped files are forwarded
 // to the parent. When the control has the keyboard focus, its edge, if it has one, is drawn in the system's highlight
-// colour. Styles: none. Notifications: none.
+// color. Styles: none. Notifications: none.
 //
 // Messages:
 //   CHART_CMD (WM_USER + 3)        see ChartCommand; returns 0, or 1 if the state or the address in lParam is invalid

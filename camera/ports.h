@@ -20,7 +20,7 @@ double Now();
 // sets.
 void SleepUntil(double time);
 
-// The same, but returns false as soon as `stop` is signalled.
+// The same, but returns false as soon as `stop` is signaled.
 bool WaitUntil(double time, HANDLE stop);
 
 // The same with a precision of microseconds on an idle machine: busy-waits for the last two milliseconds, by which a
@@ -83,7 +83,7 @@ class PortReader {
   PortReader& operator=(const PortReader&) = delete;
 
   enum class Outcome { kBytes, kNothing, kGone };
-  // Waits until bytes arrive, `waitMs` have passed or `stop` (may be null) is signalled. Bytes that follow within a
+  // Waits until bytes arrive, `waitMs` have passed or `stop` (may be null) is signaled. Bytes that follow within a
   // millisecond or two are included. `seconds` is the time of the first, by Now(). kGone: the port failed, because its
   // device was unplugged. Bytes that had waited before the port was opened are dropped: not all drivers do that when a
   // port is opened, and nothing is known of their times.

@@ -31,7 +31,7 @@ bool IsAfterPause(double seconds, RecordIntake* intake) {
 
 void AddSilence(RecordIntake* intake, double seconds, IntakeBatch* batch) {
   if (seconds - intake->lastArrival >= kGapSeconds) {
-    batch->stretches.push_back({StretchKind::kSilent, intake->lastArrival, seconds});
+    batch->sections.push_back({SectionKind::kSilent, intake->lastArrival, seconds});
     intake->flags |= kAfterSilence;
   }
   intake->lastArrival = seconds;
@@ -43,8 +43,8 @@ void AddBytes(RecordIntake* intake, double seconds, std::string_view bytes, Inta
   FeedStream(&intake->stream, seconds, bytes, &batch->records);
   for (const FoundRecord& record : std::span(batch->records).subspan(before)) {
     if (record.malformedBytes > 0) {
-      batch->stretches.push_back(
-          {StretchKind::kMalformed, record.malformedSince, record.seconds, record.malformedBytes});
+      batch->sections.push_back(
+          {SectionKind::kMalformed, record.malformedSince, record.seconds, record.malformedBytes});
       intake->flags |= kAfterDamagedBytes;
     }
     if (IsAfterPause(record.seconds, intake) && intake->flags == 0) intake->flags = kAfterPause;
@@ -54,7 +54,7 @@ void AddBytes(RecordIntake* intake, double seconds, std::string_view bytes, Inta
 }
 
 void AddDamage(RecordIntake* intake, double seconds, long long bytes, IntakeBatch* batch) {
-  batch->stretches.push_back({StretchKind::kDamaged, intake->lastArrival, seconds, bytes});
+  batch->sections.push_back({SectionKind::kDamaged, intake->lastArrival, seconds, bytes});
   intake->flags |= kAfterDamagedBytes | (seconds - intake->lastArrival >= kGapSeconds ? kAfterSilence : 0);
   // Silence during that time is unknown.
   intake->lastArrival = seconds;
@@ -66,7 +66,7 @@ void EndIntake(RecordIntake* intake, IntakeBatch* batch) {
   const double since = stream.open.bytes > 0 ? stream.open.seconds : stream.lastArrival;
   InterruptStream(&stream);
   if (stream.malformedBytes > before) {
-    batch->stretches.push_back({StretchKind::kMalformed, since, stream.lastArrival, stream.malformedBytes - before});
+    batch->sections.push_back({SectionKind::kMalformed, since, stream.lastArrival, stream.malformedBytes - before});
     intake->flags |= kAfterDamagedBytes;
   }
 }
@@ -74,7 +74,7 @@ void EndIntake(RecordIntake* intake, IntakeBatch* batch) {
 void ClearBatch(IntakeBatch* batch) {
   batch->records.clear();
   batch->flags.clear();
-  batch->stretches.clear();
+  batch->sections.clear();
 }
 
 }  // namespace camera

@@ -9,15 +9,15 @@
 
 namespace camera {
 
-enum class StretchKind {
+enum class SectionKind {
   kSilent,     // no bytes for kGapSeconds or longer
   kMalformed,  // bytes that belong to no record
   kDamaged,    // chunks of the recording that cannot be read
 };
-inline constexpr int kStretchKinds = 3;
+inline constexpr int kSectionKinds = 3;
 
-struct Stretch {
-  StretchKind kind;
+struct Section {
+  SectionKind kind;
   double from, to;      // seconds
   long long bytes = 0;  // malformed or damaged ones
   int count = 1;        // of which it was merged
@@ -32,7 +32,7 @@ inline constexpr unsigned kAfterSilence = 4, kAfterDamagedBytes = 8, kAfterPause
 struct IntakeBatch {
   std::vector<FoundRecord> records;
   std::vector<unsigned char> flags;  // of each record: kAfter...
-  std::vector<Stretch> stretches;
+  std::vector<Section> sections;
 };
 
 struct RecordIntake {

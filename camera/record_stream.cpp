@@ -29,7 +29,7 @@ bool IsNumber(std::string_view field) {
 
 // Returns whether Tarnwick reads other points than a record contains. The last number continues into the closing bytes
 // if they begin with a digit.
-bool IsOdd(std::string_view record) {
+bool HasInvalidNumbers(std::string_view record) {
   for (size_t at = 0; at < kFieldBytes; at += kFieldPitch) {
     if (!IsNumber(record.substr(at, kFieldPitch - 1))) return true;
   }
@@ -65,18 +65,18 @@ bool IsRecord(const char* bytes) {
 }
 
 // Returns its number of malformed bytes.
-long long CloseStretch(RecordStream* stream) {
-  MalformedStretch& open = stream->open;
+long long CloseSection(RecordStream* stream) {
+  MalformedSection& open = stream->open;
   const long long bytes = open.bytes;
   if (bytes == 0) return 0;
   const bool isLead =
-      stream->records == 0 && stream->malformedStretches == 0 && open.bytes < static_cast<long long>(kv::kRecordLength);
+      stream->records == 0 && stream->malformedSections == 0 && open.bytes < static_cast<long long>(kv::kRecordLength);
   if (isLead) {
     stream->leadBytes = open.bytes;
   } else {
     stream->malformedBytes += open.bytes;
-    ++stream->malformedStretches;
-    if (stream->stretches.size() < kMaxStretches) stream->stretches.push_back(open);
+    ++stream->malformedSections;
+    if (stream->sections.size() < kMaxSections) stream->sections.push_back(open);
   }
   open.bytes = 0;
   open.sample.clear();
@@ -88,26 +88,26 @@ void AddRecord(RecordStream* stream, const char* bytes, double seconds, std::vec
   FoundRecord& record = stream->last;
   record.seconds = seconds;
   record.malformedSince = stream->open.seconds;
-  record.malformedBytes = CloseStretch(stream);
-  record.isOdd = !ParseDigits(bytes, record.points);
-  if (record.isOdd) {
+  record.malformedBytes = CloseSection(stream);
+  record.isInvalid = !ParseDigits(bytes, record.points);
+  if (record.isInvalid) {
     char text[kv::kRecordLength + 1] = "";
     std::memcpy(text, bytes, kv::kRecordLength);
-    record.isOdd = IsOdd({bytes, kv::kRecordLength});
+    record.isInvalid = HasInvalidNumbers({bytes, kv::kRecordLength});
     kv::ParseRecord(text, record.points);
   }
   record.isInRange = std::ranges::all_of(record.points, IsInRange);
-  record.isOdd |= !record.isInRange;
+  record.isInvalid |= !record.isInRange;
   if (stream->records++ == 0) stream->firstSeconds = seconds;
   stream->lastSeconds = seconds;
-  stream->oddRecords += record.isOdd;
+  stream->invalidRecords += record.isInvalid;
   stream->outOfRange += !record.isInRange;
   if (found) found->push_back(record);
 }
 
-void SkipByte(MalformedStretch* open, char byte, double seconds) {
+void SkipByte(MalformedSection* open, char byte, double seconds) {
   if (open->bytes++ == 0) open->seconds = seconds;
-  if (open->sample.size() < kStretchSample) open->sample += byte;
+  if (open->sample.size() < kSectionSample) open->sample += byte;
 }
 
 }  // namespace
@@ -152,7 +152,7 @@ void EndStream(RecordStream* stream) {
     stream->pending.clear();
     stream->pieces.clear();
   }
-  CloseStretch(stream);
+  CloseSection(stream);
 }
 
 void InterruptStream(RecordStream* stream) {
@@ -170,13 +170,13 @@ double WellFormedShare(const RecordStream& stream) {
   const auto length = static_cast<double>(kv::kRecordLength);
   const auto good = static_cast<double>(stream.records);
   const double bad =
-      std::max(static_cast<double>(stream.malformedBytes) / length, static_cast<double>(stream.malformedStretches));
+      std::max(static_cast<double>(stream.malformedBytes) / length, static_cast<double>(stream.malformedSections));
   return good > 0 ? good / (good + bad) : 0;
 }
 
 std::string DescribeMalformed(const RecordStream& stream) {
-  if (stream.malformedStretches == 0) return "no malformed sections";
-  return Counted(static_cast<unsigned long long>(stream.malformedStretches), "malformed section") + ", " +
+  if (stream.malformedSections == 0) return "no malformed sections";
+  return Counted(static_cast<unsigned long long>(stream.malformedSections), "malformed section") + ", " +
          Counted(static_cast<unsigned long long>(stream.malformedBytes), "byte");
 }
 

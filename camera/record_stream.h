@@ -16,36 +16,36 @@ namespace camera {
 struct FoundRecord {
   double seconds;  // time of its last byte
   kv::CameraPoint points[kv::kPointCount];
-  bool isOdd;                // a number is not all digits; Tarnwick reads it nevertheless
+  bool isInvalid;            // a number is not all digits; Tarnwick reads it nevertheless
   bool isInRange;            // all coordinates are 0 to 1023
   long long malformedBytes;  // directly before it
   double malformedSince;     // time of the first of them
 };
 
 // Consecutive bytes that do not belong to a record.
-struct MalformedStretch {
+struct MalformedSection {
   double seconds;  // time of its first byte
   long long bytes;
   std::string sample;  // the first bytes
 };
 
-inline constexpr size_t kStretchSample = 24;
-inline constexpr size_t kMaxStretches = 10;
+inline constexpr size_t kSectionSample = 24;
+inline constexpr size_t kMaxSections = 10;
 // Silence of at least this many seconds counts as a gap.
 inline constexpr double kGapSeconds = 0.5;
 
 struct RecordStream {
   long long bytes = 0;
   long long records = 0;
-  long long oddRecords = 0;
-  long long outOfRange = 0;  // of the odd ones
+  long long invalidRecords = 0;
+  long long outOfRange = 0;  // of the invalid ones
   long long leadBytes = 0;   // less than a record at the beginning: the stream began within a record
   long long malformedBytes = 0;
-  long long malformedStretches = 0;
+  long long malformedSections = 0;
   double firstSeconds = 0, lastSeconds = 0;  // of the first and the last record
   double longestGap = 0;                     // seconds between two arrivals of bytes
   FoundRecord last{};                        // valid when there are records
-  std::vector<MalformedStretch> stretches;   // the first kMaxStretches
+  std::vector<MalformedSection> sections;    // the first kMaxSections
 
   std::string pending;  // less than a record between calls; at the end, a truncated record
   struct Piece {
@@ -53,7 +53,7 @@ struct RecordStream {
     double seconds;
   };
   std::vector<Piece> pieces;  // arrival times of its parts
-  MalformedStretch open{};    // the stretch that has not ended, if it has bytes
+  MalformedSection open{};    // the section that has not ended, if it has bytes
   double lastArrival = -1;
 };
 
@@ -61,16 +61,16 @@ struct RecordStream {
 // null.
 void FeedStream(RecordStream* stream, double seconds, std::string_view bytes, std::vector<FoundRecord>* found);
 
-// Ends an open stretch. Call once, after the last bytes.
+// Ends an open section. Call once, after the last bytes.
 void EndStream(RecordStream* stream);
 
-// Ends an open stretch and drops an incomplete record, as when the line was interrupted. More may follow.
+// Ends an open section and drops an incomplete record, as when the line was interrupted. More may follow.
 void InterruptStream(RecordStream* stream);
 
 // Returns the records per second between the first and the last one; 0 with fewer than two.
 double RecordRate(const RecordStream& stream);
 
-// Returns the fraction of well-formed records, 0 to 1. A malformed stretch counts as the number of records of its
+// Returns the fraction of well-formed records, 0 to 1. A malformed section counts as the number of records of its
 // length.
 double WellFormedShare(const RecordStream& stream);
 

@@ -9,7 +9,7 @@ namespace camera {
 
 void AddSums(const RecordSums& other, RecordSums* sums) {
   sums->records += other.records;
-  sums->oddRecords += other.oddRecords;
+  sums->invalidRecords += other.invalidRecords;
   sums->outOfRange += other.outOfRange;
   for (int i = 0; i < kv::kPointCount; ++i) {
     AddSummary(other.points[i], &sums->points[i]);
@@ -24,7 +24,7 @@ double SeenShare(const RecordSums& sums, int point) {
 
 void RecordMeter::Add(const FoundRecord& record, unsigned flags, RecordSums* sums) {
   ++sums->records;
-  sums->oddRecords += record.isOdd;
+  sums->invalidRecords += record.isInvalid;
   sums->outOfRange += !record.isInRange;
   const bool isNext = (flags & (kAfterSilence | kAfterDamagedBytes | kAfterPause)) == 0;
   for (int i = 0; i < kv::kPointCount; ++i) {

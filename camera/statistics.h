@@ -9,7 +9,8 @@ namespace camera {
 
 // Those of adjacent times can be added.
 struct RecordSums {
-  long long records = 0, oddRecords = 0, outOfRange = 0;  // out of range: among the odd ones; they have no points
+  long long records = 0, invalidRecords = 0,
+            outOfRange = 0;  // out of range: among the invalid ones; they have no points
   PointSummary points[kv::kPointCount];
   PointNoise noise[kv::kPointCount];
 };

@@ -94,21 +94,21 @@ void PrintStreamReport(const camera::RecordStream& stream, const std::string& da
   if (!stream.pending.empty()) {
     text += "; ended within a record, " + counted(static_cast<long long>(stream.pending.size()), "byte") + " of it";
   }
-  if (stream.oddRecords > 0) {
-    text +=
-        "; " + counted(stream.oddRecords, "odd record") + " (a number is not all digits), read as Tarnwick reads them";
+  if (stream.invalidRecords > 0) {
+    text += "; " + counted(stream.invalidRecords, "record with invalid numbers") +
+            " (a number is not all digits), read as Tarnwick reads them";
   }
   if (stream.outOfRange > 0) {
     text += "; " + std::to_string(stream.outOfRange) + " of them not exported: a coordinate is not within 0 to 1023";
   }
   std::fputs(text.c_str(), stderr);
   std::fputs("\n", stderr);
-  for (const camera::MalformedStretch& stretch : stream.stretches) {
-    std::fprintf(stderr, "  at %.6f s, %s: %s%s\n", stretch.seconds, counted(stretch.bytes, "byte").c_str(),
-                 camera::Printable(stretch.sample).c_str(),
-                 stretch.bytes > static_cast<long long>(stretch.sample.size()) ? " ..." : "");
+  for (const camera::MalformedSection& section : stream.sections) {
+    std::fprintf(stderr, "  at %.6f s, %s: %s%s\n", section.seconds, counted(section.bytes, "byte").c_str(),
+                 camera::Printable(section.sample).c_str(),
+                 section.bytes > static_cast<long long>(section.sample.size()) ? " ..." : "");
   }
-  const auto more = stream.malformedStretches - static_cast<long long>(stream.stretches.size());
+  const auto more = stream.malformedSections - static_cast<long long>(stream.sections.size());
   if (more > 0) std::fprintf(stderr, "  and %lld more\n", more);
   if (!damage.empty()) PrintError(damage);
 }

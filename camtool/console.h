@@ -30,8 +30,8 @@ int OpenRecordingOrPrintError(const std::string& path, camera::RecordingFile* re
 // Parses "COM1" to "COM999". For anything else, returns 0 and prints an error to standard error.
 int PortOrPrintError(const std::string& text);
 
-// Prints to standard error what the rows of a finished stream do not show: malformed bytes, odd records, and the damage
-// of the recording (`damage`, may be "").
+// Prints to standard error what the rows of a finished stream do not show: malformed bytes, records with invalid
+// numbers, and the damage of the recording (`damage`, may be "").
 void PrintStreamReport(const camera::RecordStream& stream, const std::string& damage);
 
 bool IsConsole(HANDLE handle);

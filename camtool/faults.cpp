@@ -93,7 +93,7 @@ FaultStep InjectFaults(FaultInjector* injector, double seconds, std::string_view
   FaultStep step;
   std::string bytes(record);
   if (fires[kCorruptFault]) Corrupt(&details, &bytes);
-  if (fires[kCutFault] && bytes.size() > 1) bytes.resize(1 + Below(&details, bytes.size() - 1));
+  if (fires[kTruncateFault] && bytes.size() > 1) bytes.resize(1 + Below(&details, bytes.size() - 1));
   if (fires[kDuplicateFault]) bytes += bytes;
   if (fires[kGarbageFault]) bytes = Garbage(&details) + bytes;
   if (fires[kDropFault]) bytes.clear();
@@ -105,9 +105,9 @@ FaultStep InjectFaults(FaultInjector* injector, double seconds, std::string_view
   }
   step.bytes = bytes;
   if (fires[kPauseFault]) step.pauseSeconds = injector->plan.pauseSeconds;
-  if (fires[kHangUpFault]) step.hangUpSeconds = injector->plan.hangUpSeconds;
-  if (fires[kSlowFault]) injector->slowUntil = seconds + injector->plan.stretchSeconds;
-  if (fires[kFastFault]) injector->fastUntil = seconds + injector->plan.stretchSeconds;
+  if (fires[kDisconnectFault]) step.disconnectSeconds = injector->plan.disconnectSeconds;
+  if (fires[kSlowFault]) injector->slowUntil = seconds + injector->plan.rateChangeSeconds;
+  if (fires[kFastFault]) injector->fastUntil = seconds + injector->plan.rateChangeSeconds;
   if (seconds < injector->slowUntil) step.pace *= kSlowPace;
   if (seconds < injector->fastUntil) step.pace *= kFastPace;
   return step;

@@ -17,16 +17,16 @@ struct Trigger {
 };
 
 enum Fault {
-  kDropFault,       // the record is not sent
-  kDuplicateFault,  // it is sent twice, without a pause between
-  kCorruptFault,    // one to three of its bytes are replaced
-  kCutFault,        // it is truncated
-  kMergeFault,      // it loses its closing bytes and runs into the next one
-  kGarbageFault,    // up to 64 random bytes come before it
-  kPauseFault,      // nothing is sent for a while after it
-  kHangUpFault,     // the port is closed after it for a while, then opened again
-  kSlowFault,       // the following records are sent slowly for a while
-  kFastFault,       // the following records are sent too fast for a while
+  kDropFault,        // the record is not sent
+  kDuplicateFault,   // it is sent twice, without a pause between
+  kCorruptFault,     // one to three of its bytes are replaced
+  kTruncateFault,    // it is truncated
+  kMergeFault,       // it loses its closing bytes and runs into the next one
+  kGarbageFault,     // up to 64 random bytes come before it
+  kPauseFault,       // nothing is sent for a while after it
+  kDisconnectFault,  // the port is closed after it for a while, then opened again
+  kSlowFault,        // the following records are sent slowly for a while
+  kFastFault,        // the following records are sent too fast for a while
   kFaultCount
 };
 
@@ -40,8 +40,8 @@ bool ParseTrigger(std::string_view text, Trigger* trigger);
 struct FaultPlan {
   std::array<Trigger, kFaultCount> triggers{};
   double pauseSeconds = 0.5;
-  double hangUpSeconds = 2;
-  double stretchSeconds = 2;  // duration of slow and fast
+  double disconnectSeconds = 2;
+  double rateChangeSeconds = 2;  // duration of slow and fast
   std::uint32_t seed = 1;
 };
 
@@ -52,9 +52,9 @@ inline constexpr double kFastPace = 3;
 // What to send in place of a record.
 struct FaultStep {
   std::string bytes;
-  double pauseSeconds = 0;   // afterwards, nothing is sent
-  double hangUpSeconds = 0;  // afterwards, the port is closed
-  double pace = 1;           // for the next record: 2 = in half the time
+  double pauseSeconds = 0;       // afterward, nothing is sent
+  double disconnectSeconds = 0;  // afterward, the port is closed
+  double pace = 1;               // for the next record: 2 = in half the time
 };
 
 struct FaultInjector {

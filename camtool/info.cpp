@@ -177,9 +177,9 @@ void PrintText(const Facts& facts) {
               camera::Counted(static_cast<unsigned long long>(stream.bytes), "byte").c_str());
   std::printf("  lost       %s\n  silent     %s\n", DescribeLosses(figures).c_str(), DescribeSilence(figures).c_str());
   std::printf("  malformed  %s\n", DescribeMalformed(stream).c_str());
-  if (stream.oddRecords > 0) {
-    std::printf("  odd        %s; %lld of them with a coordinate that is not within 0 to 1023\n",
-                camera::Counted(static_cast<unsigned long long>(stream.oddRecords), "record").c_str(),
+  if (stream.invalidRecords > 0) {
+    std::printf("  invalid    %s; %lld of them with a coordinate that is not within 0 to 1023\n",
+                camera::Counted(static_cast<unsigned long long>(stream.invalidRecords), "record").c_str(),
                 stream.outOfRange);
   }
   std::printf("  damage     %s\n", damage.empty() ? "none" : damage.c_str());
@@ -234,8 +234,8 @@ void PrintJson(const Facts& facts) {
   std::printf(",\"records\":%lld,\"recordsPerSecond\":%.3f,\"firstSeconds\":%.6f,\"lastSeconds\":%.6f", stream.records,
               facts.figures.recordsPerSecond, stream.firstSeconds, stream.lastSeconds);
   PrintLineJson(facts.figures);
-  std::printf(",\"malformedSections\":%lld,\"malformedBytes\":%lld,\"oddRecords\":%lld,\"outOfRangeRecords\":%lld",
-              stream.malformedStretches, stream.malformedBytes, stream.oddRecords, stream.outOfRange);
+  std::printf(",\"malformedSections\":%lld,\"malformedBytes\":%lld,\"invalidRecords\":%lld,\"outOfRangeRecords\":%lld",
+              stream.malformedSections, stream.malformedBytes, stream.invalidRecords, stream.outOfRange);
   std::printf(",\"damagedPlaces\":%llu,\"damagedBytes\":%llu,\"truncatedBytes\":%zu,\"points\":[",
               static_cast<unsigned long long>(decoder.damageCount),
               static_cast<unsigned long long>(decoder.damagedBytes), facts.file.truncatedBytes);
@@ -255,9 +255,9 @@ void PrintJson(const Facts& facts) {
 }
 
 void AddBatch(const camera::IntakeBatch& batch, Facts* facts) {
-  for (const camera::Stretch& stretch : batch.stretches) {
-    facts->log.AddStretch(stretch);
-    if (stretch.kind == camera::StretchKind::kSilent) facts->line.AddSilence({stretch.from, stretch.to});
+  for (const camera::Section& section : batch.sections) {
+    facts->log.AddSection(section);
+    if (section.kind == camera::SectionKind::kSilent) facts->line.AddSilence({section.from, section.to});
   }
   for (size_t i = 0; i < batch.records.size(); ++i) {
     facts->line.AddRecord(batch.records[i].seconds, (batch.flags[i] & camera::kAfterSilence) != 0);

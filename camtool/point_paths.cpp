@@ -20,7 +20,7 @@ namespace camtool {
 namespace {
 
 struct Curve {
-  double centreX, centreY, radiusX, radiusY;  // camera units
+  double centerX, centerY, radiusX, radiusY;  // camera units
   double turnsX, turnsY;                      // turns a minute
   double phase;                               // turns
   double hiddenFrom;                          // seconds into the cycle at which the point disappears
@@ -54,8 +54,8 @@ void PointsAt(double seconds, kv::CameraPoint (&points)[kv::kPointCount]) {
       continue;
     }
     const double minutes = seconds / 60;
-    points[i] = {std::lround(curve.centreX + curve.radiusX * Wave(curve.turnsX * minutes + curve.phase)),
-                 std::lround(curve.centreY + curve.radiusY * Wave(curve.turnsY * minutes))};
+    points[i] = {std::lround(curve.centerX + curve.radiusX * Wave(curve.turnsX * minutes + curve.phase)),
+                 std::lround(curve.centerY + curve.radiusY * Wave(curve.turnsY * minutes))};
   }
 }
 

@@ -8,7 +8,7 @@
 
 namespace camtool {
 
-// Returns the lines for all ports; absent ones are summarised unless `all`.
+// Returns the lines for all ports; absent ones are summarized unless `all`.
 std::string DescribePorts(std::span<const camera::PortReport> reports, bool all);
 
 // Returns which port Tarnwick would select, and the probability that one press of its button finds the camera.

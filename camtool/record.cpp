@@ -123,7 +123,7 @@ int RecordTo(Recording* recording, int port) {
                camera::Counted(static_cast<unsigned long long>(stream.records), "record").c_str(),
                camera::Counted(static_cast<unsigned long long>(stream.bytes), "byte").c_str(), seconds,
                file.stream ? "standard output" : file.path.c_str());
-  if (stream.malformedStretches > 0) {
+  if (stream.malformedSections > 0) {
     std::fprintf(out, "%s; they are in the recording, too\n", camera::DescribeMalformed(stream).c_str());
   }
   if (stream.bytes == 0) {

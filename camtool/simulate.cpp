@@ -48,19 +48,19 @@ const kv::Option kOptions[] = {
     {"--drop", "HOW-OFTEN", "omit a record", HowOften(kDropFault)},
     {"--duplicate", "HOW-OFTEN", "send a record twice", HowOften(kDuplicateFault)},
     {"--corrupt", "HOW-OFTEN", "replace one to three bytes of a record", HowOften(kCorruptFault)},
-    {"--cut", "HOW-OFTEN", "end a record early", HowOften(kCutFault)},
+    {"--truncate", "HOW-OFTEN", "end a record early", HowOften(kTruncateFault)},
     {"--merge", "HOW-OFTEN", "let a record run into the next one, without closing bytes", HowOften(kMergeFault)},
     {"--garbage", "HOW-OFTEN", "send up to 64 random bytes before a record", HowOften(kGarbageFault)},
     {"--pause", "HOW-OFTEN", "send nothing for some time", HowOften(kPauseFault)},
     {"--pause-seconds", "SECONDS", "how long (default 0.5)",
      kv::NumberOption{&settings.faults.pauseSeconds, 0.001, 3600}},
-    {"--hang-up", "HOW-OFTEN", "close the port for some time, then open it again", HowOften(kHangUpFault)},
-    {"--hang-up-seconds", "SECONDS", "how long (default 2)",
-     kv::NumberOption{&settings.faults.hangUpSeconds, 0.001, 3600}},
+    {"--disconnect", "HOW-OFTEN", "close the port for some time, then open it again", HowOften(kDisconnectFault)},
+    {"--disconnect-seconds", "SECONDS", "how long (default 2)",
+     kv::NumberOption{&settings.faults.disconnectSeconds, 0.001, 3600}},
     {"--slow", "HOW-OFTEN", "send at a quarter of the rate for some time", HowOften(kSlowFault)},
     {"--fast", "HOW-OFTEN", "send at three times the rate for some time", HowOften(kFastFault)},
-    {"--stretch-seconds", "SECONDS", "how long slow and fast last (default 2)",
-     kv::NumberOption{&settings.faults.stretchSeconds, 0.01, 3600}},
+    {"--rate-change-seconds", "SECONDS", "how long slow and fast last (default 2)",
+     kv::NumberOption{&settings.faults.rateChangeSeconds, 0.01, 3600}},
     {"--seed", "NUMBER", "the same number gives the same faults (default 1)",
      kv::NumberOption{&settings.seed, 0, 4294967295.0}},
 };
@@ -118,8 +118,8 @@ void Stream(Camera* camera) {
         camera::WritePort(camera->port.handle(), step.bytes.data(), step.bytes.size(), timeoutMs);
     if (!step.bytes.empty()) ++(written == camera::Written::kAll ? camera->sent : camera->lost);
     camera->isGone = written == camera::Written::kGone;
-    due += 1 / (settings.rate * step.pace) + step.pauseSeconds + step.hangUpSeconds;
-    if (step.hangUpSeconds > 0 && !camera->isGone) HangUp(camera, camera->start + due);
+    due += 1 / (settings.rate * step.pace) + step.pauseSeconds + step.disconnectSeconds;
+    if (step.disconnectSeconds > 0 && !camera->isGone) HangUp(camera, camera->start + due);
     if (progress.IsDue()) progress.Show(camera::Format("%7.1f s  %ld records sent", due, camera->sent));
   }
 }

@@ -48,7 +48,7 @@ void AppendText(const camera::FoundRecord& record, std::string* text) {
     const std::string shown = camera::IsSeen(point) ? camera::Format("%ld,%ld", point.x, point.y) : std::string("-");
     *text += camera::Format("  %9s", shown.c_str());
   }
-  *text += record.isOdd ? "  odd\n" : "\n";
+  *text += record.isInvalid ? "  invalid numbers\n" : "\n";
 }
 
 void AppendJson(const camera::FoundRecord& record, std::string* text) {
@@ -58,7 +58,7 @@ void AppendJson(const camera::FoundRecord& record, std::string* text) {
     *text += separator + (camera::IsSeen(point) ? camera::Format("[%ld,%ld]", point.x, point.y) : std::string("null"));
     separator = ',';
   }
-  *text += record.isOdd ? "],\"odd\":true}\n" : "]}\n";
+  *text += record.isInvalid ? "],\"invalid\":true}\n" : "]}\n";
 }
 
 bool Flush(Watcher* watcher, size_t atLeast = 0) {

@@ -50,7 +50,7 @@ struct Field {
 struct FieldLayout {
   RECT frame;  // of one pixel, around the field
   double unitPx, left, top;
-  double markerPx;  // from a marker's centre to its edge
+  double markerPx;  // from a marker's center to its edge
   int fontPx;
 };
 
@@ -77,7 +77,7 @@ kv::PointD PositionOf(const FieldLayout& layout, const kv::CameraPoint& point) {
 // ---- Drawing --------------------------------------------------------------------------------------------------------
 
 struct FieldColors {
-  COLORREF around, field, frame, grid, centre;
+  COLORREF around, field, frame, grid, center;
   std::array<COLORREF, kv::kPointCount> points;
 };
 
@@ -95,7 +95,7 @@ FieldColors ColorsOfField() {
   const COLORREF ink = contrast ? GetSysColor(COLOR_WINDOWTEXT) : RGB(255, 255, 255);
   colors.frame = contrast ? ink : GetSysColor(COLOR_BTNSHADOW);
   colors.grid = Mixed(colors.field, ink, contrast ? 30 : 13);
-  colors.centre = contrast ? colors.field : ink;
+  colors.center = contrast ? colors.field : ink;
   for (int i = 0; i < kv::kPointCount; ++i) colors.points[i] = contrast ? ink : kPointColors[i];
   return colors;
 }
@@ -115,7 +115,7 @@ void DrawFace(kv::Canvas& canvas, const FieldLayout& layout, const FieldColors& 
   canvas.ClipTo(inner);
 }
 
-// Fades to the colour of the field with age: step 0 is the newest.
+// Fades to the color of the field with age: step 0 is the newest.
 COLORREF TrailColor(const FieldColors& colors, int point, int step) {
   return Mixed(colors.points[point], colors.field, 78 * step / kFadeSteps);
 }
@@ -181,7 +181,7 @@ void DrawMarker(kv::Canvas& canvas, const FieldColors& colors, int point, kv::Po
                           {{at.x - r * 1.35, at.y - r}, {at.x + r * 1.35, at.y - r}, {at.x, at.y + r * 1.35}}},
                       color);
   }
-  kv::FillDisc(canvas, at, r * 0.34, colors.centre);
+  kv::FillDisc(canvas, at, r * 0.34, colors.center);
 }
 
 // Below and to the right of the marker; at the edges of the field, above or to the left.

@@ -1,8 +1,8 @@
 // Window class "kvCameraField": shows the camera's field of 1024 x 768 units with its aspect ratio, up to four points
 // at one time, and the trails that led to them.
 //
-// Appearance  Each point has Tarnwick's shape and colour, and its number. A trail is a line that fades with
-//             age; it breaks where the camera did not see the point. In high contrast there are no colours but the
+// Appearance  Each point has Tarnwick's shape and color, and its number. A trail is a line that fades with
+//             age; it breaks where the camera did not see the point. In high contrast there are no colors but the
 //             system's. Rendered only when something has changed. Not mirrored in mirrored windows.
 // Keyboard    Ctrl+C copies. The keyboard focus is shown.
 // Messages    kControlCommand  FieldCommand below; returns 1, or 0 without any change when the address or the data
@@ -37,7 +37,7 @@ enum FieldCommand : BYTE {
   kFieldShow = 18,  // lParam is the address of a FieldContent; kCommandRedraw repaints at once
 };
 
-// Returns the colour of a point on a black background.
+// Returns the color of a point on a black background.
 COLORREF PointColor(int point);
 
 // Registers (`registerIt` not 0) or unregisters the class. Returns 0 only when registering fails.

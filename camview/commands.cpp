@@ -145,7 +145,7 @@ void SayExported(View& view) {
   }
   std::wstring reason;
   switch (result.failure) {
-    case ExportFailure::kNone: return view.display.Say(StatusMark::kNone, Text(IDS_EXPORT_CANCELLED));
+    case ExportFailure::kNone: return view.display.Say(StatusMark::kNone, Text(IDS_EXPORT_CANCELED));
     case ExportFailure::kSystem: reason = kv::ErrorText(result.systemError); break;
     case ExportFailure::kTargetIsSource: reason = Text(IDS_REASON_IS_SOURCE); break;
     case ExportFailure::kSourceIsShorter: reason = Text(IDS_REASON_SHORTER); break;
@@ -447,7 +447,7 @@ void Connect(View& view, int port) {
 
 void OnNews(View& view, SourceNews news) {
   if (news == SourceNews::kOpened) SetFocus(GetDlgItem(view.window, IDC_TIMELINE));
-  if (news == SourceNews::kLoadCancelled) view.display.Say(StatusMark::kNone, Text(IDS_LOADING_CANCELLED));
+  if (news == SourceNews::kLoadCanceled) view.display.Say(StatusMark::kNone, Text(IDS_LOADING_CANCELED));
   if (news == SourceNews::kExported) SayExported(view);
   const StatusLine rejected = DescribeRecording(view.source.Rejected());
   if (news == SourceNews::kLoadRejected) view.display.Say(rejected.mark, rejected.text);

@@ -8,7 +8,7 @@
 namespace camview {
 
 // Asks for a port: lists ports while a scan finds them, with what they send, or accepts a typed name. Returns the
-// number of the chosen port, 1 to 999; 0 when the user cancelled.
+// number of the chosen port, 1 to 999; 0 when the user canceled.
 int AskForPort(HWND parent);
 
 // Parses "COM3", "com3" or "3", with surrounding blanks; 0 for anything else. Pure.

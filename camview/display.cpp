@@ -112,10 +112,10 @@ std::wstring SilencesAsText(const camera::LineFigures& line) {
                   percent.c_str(), kv::NumberText(line.longestSilence, 3).c_str(), at.c_str());
 }
 
-std::vector<Stretch> SectionsOf(const RecordStore& store) {
-  std::vector<Stretch> all;
-  for (const StretchKind kind : {StretchKind::kSilent, StretchKind::kMalformed, StretchKind::kDamaged}) {
-    const std::vector<Stretch>& own = store.Stretches(kind);
+std::vector<Section> SectionsOf(const RecordStore& store) {
+  std::vector<Section> all;
+  for (const SectionKind kind : {SectionKind::kSilent, SectionKind::kMalformed, SectionKind::kDamaged}) {
+    const std::vector<Section>& own = store.Sections(kind);
     all.insert(all.end(), own.begin(), own.end());
   }
   return all;
@@ -305,9 +305,9 @@ void Display::ShowTimeline(const Source& source, const ViewTime& time) {
     Send(window_, IDC_TIMELINE, kTimelineRange, &range);
   }
   const RecordStore* store = source.Records();
-  const std::vector<Stretch> sections = store ? SectionsOf(*store) : std::vector<Stretch>();
+  const std::vector<Section> sections = store ? SectionsOf(*store) : std::vector<Section>();
   SectionsKey key{source.Number(), 0, 0};
-  for (const Stretch& section : sections) {
+  for (const Section& section : sections) {
     std::get<1>(key) += static_cast<size_t>(section.count);
     std::get<2>(key) = std::max(std::get<2>(key), section.to);
   }

@@ -54,7 +54,7 @@ bool Flush(Export* job, size_t atLeast) {
 // Returns whether to continue with data of that time.
 bool IsInRange(Export* job, std::uint64_t microseconds) {
   if (job->to > 0) job->worker->SetProgress(static_cast<double>(microseconds) / static_cast<double>(job->to));
-  return !job->worker->IsCancelled() && Flush(job, camera::kOutputBuffer);
+  return !job->worker->IsCanceled() && Flush(job, camera::kOutputBuffer);
 }
 
 void AddHeader(Export* job, camera::RecordingHeader header) {
@@ -71,7 +71,7 @@ void AddEnd(Export* job, std::uint64_t sourceEnd) {
   job->buffer += camera::EncodeEnd(end - job->from);
 }
 
-// Returns false when cancelled or when reading or writing failed.
+// Returns false when canceled or when reading or writing failed.
 bool AddRecording(Export* job, camera::RecordingFile* recording) {
   AddHeader(job, recording->decoder.header);
   camera::RecordStream stream;
@@ -154,7 +154,7 @@ bool Exporter::Start(const ExportTask& task) {
 void Exporter::Run() {
   Export job{task_, &worker_, &result_};
   camera::RecordingFile recording;  // also to reject it as target
-  recording.onPart = [this] { return !worker_.IsCancelled(); };
+  recording.onPart = [this] { return !worker_.IsCanceled(); };
   result_.isDone = Write(&job, &recording);
   camera::CloseOutput(&job.out);
   camera::CloseRecording(&recording);

@@ -26,7 +26,7 @@ enum class ExportFailure { kNone, kSystem, kTargetIsSource, kSourceIsShorter };
 
 struct ExportResult {
   bool isDone = false;
-  ExportFailure failure = ExportFailure::kNone;  // kNone also when it was cancelled
+  ExportFailure failure = ExportFailure::kNone;  // kNone also when it was canceled
   DWORD systemError = 0;                         // with kSystem
   long long records = 0;                         // rows, or records in the chunks
 };
@@ -35,7 +35,7 @@ struct ExportResult {
 // the chunks of the one that was read, with unchanged bytes and times relative to its new start, which is in its
 // header; that one is rejected as target, and also when it has become shorter meanwhile. Of a live port, a recording
 // has a chunk for each record as the camera would have sent it, without malformed bytes. An existing target is
-// replaced; a failed or cancelled export does not change it.
+// replaced; a failed or canceled export does not change it.
 class Exporter {
  public:
   // Returns false when no thread could be created.

@@ -42,7 +42,7 @@ LiveState StateOf(camera::PortState state, bool wasOpen) {
 
 }  // namespace
 
-LineJudgement JudgeLine(const LineTimes& times, double now) {
+LineJudgment JudgeLine(const LineTimes& times, double now) {
   const double bytes = std::max(times.bytes, times.opened), record = std::max(times.record, times.opened);
   const double point = std::max(times.point, times.opened);
   if (now - bytes >= kJudgeSeconds) return {LiveState::kSilent, bytes};
@@ -154,8 +154,8 @@ void LiveSource::Reader::Publish(double seconds, size_t first) {
   const camera::RecordStream& stream = intake.stream;
   status.bytes = stream.bytes;
   status.records = stream.records;
-  status.oddRecords = stream.oddRecords;
-  status.malformedStretches = stream.malformedStretches;
+  status.invalidRecords = stream.invalidRecords;
+  status.malformedSections = stream.malformedSections;
   status.malformedBytes = stream.malformedBytes;
 }
 
@@ -223,9 +223,9 @@ LiveStatus LiveSource::Status() const {
   LiveStatus status = reader_->status;
   status.now = reader_->Seconds();
   if (reader_->isOpen) {
-    const LineJudgement judgement = JudgeLine(reader_->times, status.now);
-    status.state = judgement.state;
-    status.since = judgement.since;
+    const LineJudgment judgment = JudgeLine(reader_->times, status.now);
+    status.state = judgment.state;
+    status.since = judgment.since;
   }
   const std::deque<double>& recent = reader_->recent;
   const bool isFlowing =

@@ -35,13 +35,13 @@ struct LineTimes {
   double opened = 0, bytes = 0, record = 0, point = 0;
 };
 
-struct LineJudgement {
+struct LineJudgment {
   LiveState state;
   double since;  // kSilent: the last bytes; kMalformed: the last record; kDark: the last point; else the opening
 };
 
 // Returns the state of an open line. Pure.
-LineJudgement JudgeLine(const LineTimes& times, double now);
+LineJudgment JudgeLine(const LineTimes& times, double now);
 
 enum class LiveRecordingState { kNone, kOn, kComplete, kFailed };
 
@@ -60,10 +60,10 @@ struct LiveStatus {
   int port = 0;
   LiveState state = LiveState::kOpening;
   double now = 0;      // seconds since the start, on the clock of the records' times
-  double since = 0;    // see LineJudgement; for a port that is not open, when that was detected
+  double since = 0;    // see LineJudgment; for a port that is not open, when that was detected
   std::string holder;  // with kBusy, the program that uses the port, if known; otherwise ""
   DWORD error = 0;     // with kUnusable, the system error code
-  long long bytes = 0, records = 0, oddRecords = 0, malformedStretches = 0, malformedBytes = 0;
+  long long bytes = 0, records = 0, invalidRecords = 0, malformedSections = 0, malformedBytes = 0;
   double recordsPerSecond = 0;  // over the last two seconds
   int interruptions = 0;        // how often the port disappeared
   LiveRecording recording;

@@ -142,7 +142,7 @@ bool RecordStore::Append(const camera::FoundRecord& record, unsigned flags) {
   }
   Block* block = BlockFor(microseconds);
   if (!block) return false;
-  flags = (flags & (kAfterSilence | kAfterDamagedBytes | kAfterPause)) | (record.isOdd ? kOddRecord : 0) |
+  flags = (flags & (kAfterSilence | kAfterDamagedBytes | kAfterPause)) | (record.isInvalid ? kInvalidRecord : 0) |
           (record.isInRange ? 0 : kOutOfRange);
   const auto place = static_cast<size_t>(block->count++);
   block->entries[place] = Pack(record, static_cast<std::uint64_t>(microseconds - block->base), flags);
@@ -155,13 +155,13 @@ bool RecordStore::Append(const camera::FoundRecord& record, unsigned flags) {
   return true;
 }
 
-void RecordStore::AddStretch(const Stretch& stretch) {
-  log_.AddStretch(stretch);
-  if (stretch.kind == StretchKind::kSilent) line_.AddSilence({stretch.from, stretch.to});
-  const auto kind = static_cast<size_t>(stretch.kind);
-  std::vector<Stretch>& list = stretches_[kind];
+void RecordStore::AddSection(const Section& section) {
+  log_.AddSection(section);
+  if (section.kind == SectionKind::kSilent) line_.AddSilence({section.from, section.to});
+  const auto kind = static_cast<size_t>(section.kind);
+  std::vector<Section>& list = sections_[kind];
   double& longest = longestMerged_[kind];
-  const auto add = [&](const Stretch& next) {
+  const auto add = [&](const Section& next) {
     if (list.empty() || next.to - list.back().from > longest) {
       list.push_back(next);
       return;
@@ -170,18 +170,18 @@ void RecordStore::AddStretch(const Stretch& stretch) {
     list.back().bytes += next.bytes;
     list.back().count += next.count;
   };
-  add(stretch);
-  if (list.size() <= kMaxMergedStretches) return;
+  add(section);
+  if (list.size() <= kMaxMergedSections) return;
   // Leaves so many that this is rare.
   do {
     longest = std::max(longest * 2, 0.01);
-    const std::vector<Stretch> all = std::exchange(list, {});
-    for (const Stretch& one : all) add(one);
-  } while (list.size() > kMaxMergedStretches / 2);
+    const std::vector<Section> all = std::exchange(list, {});
+    for (const Section& one : all) add(one);
+  } while (list.size() > kMaxMergedSections / 2);
 }
 
-const std::vector<Stretch>& RecordStore::Stretches(StretchKind kind) const {
-  return stretches_[static_cast<size_t>(kind)];
+const std::vector<Section>& RecordStore::Sections(SectionKind kind) const {
+  return sections_[static_cast<size_t>(kind)];
 }
 
 // ---- Finding --------------------------------------------------------------------------------------------------------
@@ -292,7 +292,7 @@ Extremes RecordStore::ExtremesOf(long long from, long long to) const {
 }
 
 bool StoreBatch(IntakeBatch* batch, RecordStore* store) {
-  for (const Stretch& stretch : batch->stretches) store->AddStretch(stretch);
+  for (const Section& section : batch->sections) store->AddSection(section);
   bool isStored = true;
   for (size_t i = 0; isStored && i < batch->records.size(); ++i) {
     isStored = store->Append(batch->records[i], batch->flags[i]);

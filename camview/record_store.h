@@ -1,4 +1,4 @@
-// All records of a recording or a live port in 16 bytes each, accessible by number or time, and the stretches in which
+// All records of a recording or a live port in 16 bytes each, accessible by number or time, and the sections in which
 // data are missing. Pure; one thread at a time.
 #pragma once
 
@@ -19,8 +19,8 @@
 namespace camview {
 
 // Flags of a record.
-inline constexpr unsigned kOddRecord = 1;   // a number is not all digits
-inline constexpr unsigned kOutOfRange = 2;  // has no points, because a coordinate is not within 0 to 1023
+inline constexpr unsigned kInvalidRecord = 1;  // a number is not all digits
+inline constexpr unsigned kOutOfRange = 2;     // has no points, because a coordinate is not within 0 to 1023
 using camera::kAfterDamagedBytes, camera::kAfterPause, camera::kAfterSilence;
 
 struct StoredRecord {
@@ -29,14 +29,14 @@ struct StoredRecord {
   unsigned flags;
 };
 
-using camera::IntakeBatch, camera::kStretchKinds, camera::RecordIntake, camera::Stretch, camera::StretchKind;
+using camera::IntakeBatch, camera::kSectionKinds, camera::RecordIntake, camera::Section, camera::SectionKind;
 
 // A channel is a coordinate: x of point 1, y of point 1, x of point 2 ...
 inline constexpr int kChannels = 2 * kv::kPointCount;
 
 inline constexpr int kBlockRecords = 4096;
 inline constexpr int kGroupRecords = 64;
-inline constexpr int kMaxMergedStretches = 1000;  // of each kind
+inline constexpr int kMaxMergedSections = 1000;  // of each kind
 
 // The minimum and maximum of each channel while its point is seen; lowest > highest if it never is.
 struct Extremes {
@@ -57,9 +57,9 @@ class RecordStore {
   // bits; the others are derived from the record. Returns false, without any change, when allocation fails.
   bool Append(const camera::FoundRecord& record, unsigned flags);
 
-  // Adds a stretch; those of a kind in ascending order. Stretches remain when the records around them are dropped.
-  void AddStretch(const Stretch& stretch);
-  const std::vector<Stretch>& Stretches(StretchKind kind) const;
+  // Adds a section; those of a kind in ascending order. Sections remain when the records around them are dropped.
+  void AddSection(const Section& section);
+  const std::vector<Section>& Sections(SectionKind kind) const;
 
   // Records are numbered from 0, and dropping does not change numbers. Records First() to End() - 1 exist.
   long long First() const;
@@ -103,8 +103,8 @@ class RecordStore {
   camera::EventLog log_;
   std::vector<std::unique_ptr<Block>> blocks_;
   long long end_ = 0;
-  std::vector<Stretch> stretches_[kStretchKinds];
-  double longestMerged_[kStretchKinds] = {-1, -1, -1};  // seconds; merging never creates longer stretches
+  std::vector<Section> sections_[kSectionKinds];
+  double longestMerged_[kSectionKinds] = {-1, -1, -1};  // seconds; merging never creates longer sections
 };
 
 // Stores a batch and empties it. Returns false when allocation fails; the remaining records are lost.

@@ -31,7 +31,7 @@ LoadOutcome ReadRecords(camera::RecordingFile* file, RecordIntake* intake, Recor
   }
   StoreBatch(&batch, store);
   store->FinishLine();
-  if (file->isStopped) return LoadOutcome::kCancelled;
+  if (file->isStopped) return LoadOutcome::kCanceled;
   return file->error.empty() ? LoadOutcome::kComplete : LoadOutcome::kReadFailed;
 }
 
@@ -62,7 +62,7 @@ void RecordingLoader::Load() {
   RecordIntake intake;
   file.onPart = [&] {
     worker_.SetProgress(camera::ShareRead(file));
-    return !worker_.IsCancelled();
+    return !worker_.IsCanceled();
   };
   loaded_.outcome = ReadRecords(&file, &intake, loaded_.store.get());
   camera::CloseRecording(&file);
@@ -78,9 +78,9 @@ void RecordingLoader::Load() {
   loaded_.damagedBytes = static_cast<long long>(decoder.damagedBytes);
   loaded_.bytes = intake.stream.bytes;
   loaded_.records = intake.stream.records;
-  loaded_.oddRecords = intake.stream.oddRecords;
+  loaded_.invalidRecords = intake.stream.invalidRecords;
   loaded_.outOfRange = intake.stream.outOfRange;
-  loaded_.malformedStretches = intake.stream.malformedStretches;
+  loaded_.malformedSections = intake.stream.malformedSections;
   loaded_.malformedBytes = intake.stream.malformedBytes;
 }
 

@@ -15,7 +15,7 @@ namespace camview {
 
 enum class LoadOutcome {
   kComplete,    // read to its end; for damage and truncation see the counts
-  kCancelled,   // contains what was read
+  kCanceled,    // contains what was read
   kUnreadable,  // cannot be opened; the reason is `systemError`
   kReadFailed,  // reading failed; contains what was read; the reason is `systemError`
   kEmpty,       // the file has no bytes
@@ -37,8 +37,8 @@ struct LoadedRecording {
   bool isTruncated = false;            // has no end: the recording was interrupted or is running
   long long truncatedBytes = 0;        // of an incomplete last chunk
   long long damageCount = 0, damagedBytes = 0;
-  long long bytes = 0, records = 0, oddRecords = 0, outOfRange = 0;
-  long long malformedStretches = 0, malformedBytes = 0;
+  long long bytes = 0, records = 0, invalidRecords = 0, outOfRange = 0;
+  long long malformedSections = 0, malformedBytes = 0;
 };
 
 class RecordingLoader {

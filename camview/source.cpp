@@ -102,7 +102,7 @@ SourceNews Source::TakeLoaded() {
   isLoading_ = false;
   LoadedRecording next = loader_.Take();
   const bool isEmpty = !next.store || next.store->IsEmpty();
-  if (next.outcome == LoadOutcome::kCancelled && (isEmpty || IsOpen())) return SourceNews::kLoadCancelled;
+  if (next.outcome == LoadOutcome::kCanceled && (isEmpty || IsOpen())) return SourceNews::kLoadCanceled;
   if (isEmpty) {
     rejected_ = std::move(next);
     return SourceNews::kLoadRejected;

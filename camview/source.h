@@ -3,7 +3,7 @@
 //
 //   Work            When another source is opened, or this one is closed
 //   load            is given up when a port is opened; loading another recording cancels it
-//   export          refuses all three until it is done or cancelled, because it reads the records
+//   export          refuses all three until it is done or canceled, because it reads the records
 //   live recording  is completed; Recording() still describes it
 //
 // The old source stays open until the new recording has been read. Code that comes back from a modal dialog compares
@@ -27,7 +27,7 @@ namespace camview {
 enum class SourceNews {
   kNone,
   kOpened,           // a recording
-  kLoadCancelled,    // what was open is still open
+  kLoadCanceled,     // what was open is still open
   kLoadRejected,     // the same; the reason is in Rejected()
   kExported,         // or not: see Export()
   kRecordingFailed,  // a live recording; the reason is in Recording()

@@ -26,7 +26,7 @@ void AddRecords(const RecordStore& store, long long first, long long end, camera
     for (const StoredRecord& stored : std::span(batch).first(count)) {
       camera::FoundRecord record{};
       std::ranges::copy(stored.points, record.points);
-      record.isOdd = (stored.flags & kOddRecord) != 0;
+      record.isInvalid = (stored.flags & kInvalidRecord) != 0;
       record.isInRange = (stored.flags & kOutOfRange) == 0;
       meter.Add(record, stored.flags, sums);
     }

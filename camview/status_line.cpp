@@ -156,7 +156,7 @@ StatusLine DescribeRecording(const LoadedRecording& recording) {
     case LoadOutcome::kForeign: return rejected(IDS_FILE_FOREIGN);
     case LoadOutcome::kOtherVersion: return rejected(IDS_FILE_OTHER_VERSION);
     case LoadOutcome::kComplete: break;
-    case LoadOutcome::kCancelled: line.text = kv::ResourceText(IDS_FILE_CANCELLED) + L" "; break;
+    case LoadOutcome::kCanceled: line.text = kv::ResourceText(IDS_FILE_CANCELED) + L" "; break;
     case LoadOutcome::kReadFailed: line.text = TextWith(IDS_FILE_READ_FAILED, why.c_str()) + L" "; break;
     case LoadOutcome::kTooLong: line.text = kv::ResourceText(IDS_FILE_TOO_LONG) + L" "; break;
     case LoadOutcome::kOutOfMemory: line.text = kv::ResourceText(IDS_FILE_NO_MEMORY) + L" "; break;
@@ -171,8 +171,8 @@ StatusLine DescribeRecording(const LoadedRecording& recording) {
   const size_t whole = line.text.size();
   if (!recording.hasHeader) line.text += L" " + kv::ResourceText(IDS_FILE_NO_HEADER);
   AddCounted(&line.text, recording.damageCount, IDS_FILE_DAMAGED_ONE, IDS_FILE_DAMAGED);
-  AddCounted(&line.text, recording.malformedStretches, IDS_FILE_MALFORMED_ONE, IDS_FILE_MALFORMED);
-  AddCounted(&line.text, recording.oddRecords, IDS_FILE_ODD_ONE, IDS_FILE_ODD);
+  AddCounted(&line.text, recording.malformedSections, IDS_FILE_MALFORMED_ONE, IDS_FILE_MALFORMED);
+  AddCounted(&line.text, recording.invalidRecords, IDS_FILE_INVALID_ONE, IDS_FILE_INVALID);
   if (recording.isTruncated && recording.outcome == LoadOutcome::kComplete) {
     line.text += L" " + kv::ResourceText(IDS_FILE_TRUNCATED);
   }

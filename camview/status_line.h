@@ -1,4 +1,4 @@
-// A status line: a mark, distinguished by shape as well as colour, and a sentence. It is an owner-drawn label whose
+// A status line: a mark, distinguished by shape as well as color, and a sentence. It is an owner-drawn label whose
 // window text is the sentence, for screen readers. Main thread only.
 #pragma once
 

@@ -38,7 +38,7 @@ struct Timeline {
   double position = 0;
   bool isSelected = false;
   TimeRange selection{0, 0}, visible{0, 0};
-  std::vector<Stretch> stretches;
+  std::vector<Section> sections;
   bool isDragging = false, isSelecting = false;
   double anchor = 0;  // the fixed end of the selection
   LONG wheel = 0;
@@ -82,7 +82,7 @@ double TimeAtX(const TimelineLayout& layout, const TimeRange& range, LONG x) {
 
 struct TimelineColors {
   COLORREF panel, track, edge, thumb, selection;
-  std::array<COLORREF, kStretchKinds> kinds;
+  std::array<COLORREF, kSectionKinds> kinds;
 };
 
 TimelineColors ColorsOfTimeline() {
@@ -99,17 +99,17 @@ TimelineColors ColorsOfTimeline() {
 }
 
 // Draws a bar from the bottom, with the height and pattern of its kind.
-void DrawStretch(kv::Canvas& canvas, const RECT& track, const TimelineColors& colors, StretchKind kind, LONG from,
+void DrawSection(kv::Canvas& canvas, const RECT& track, const TimelineColors& colors, SectionKind kind, LONG from,
                  LONG to) {
   const LONG height = track.bottom - track.top;
   const COLORREF color = colors.kinds[static_cast<int>(kind)];
   RECT bar{from, track.top, to, track.bottom};
-  if (kind == StretchKind::kMalformed) bar.top = track.bottom - height / 2;
-  if (kind == StretchKind::kSilent) bar.top = track.bottom - height / 3;
+  if (kind == SectionKind::kMalformed) bar.top = track.bottom - height / 2;
+  if (kind == SectionKind::kSilent) bar.top = track.bottom - height / 3;
   kv::FillArea(canvas, bar, color);
   if (to - from <= 2 * kShortestPx) return;
-  if (kind == StretchKind::kSilent) kv::FillArea(canvas, {from + 1, bar.top + 1, to - 1, bar.bottom}, colors.track);
-  if (kind != StretchKind::kDamaged) return;
+  if (kind == SectionKind::kSilent) kv::FillArea(canvas, {from + 1, bar.top + 1, to - 1, bar.bottom}, colors.track);
+  if (kind != SectionKind::kDamaged) return;
   const RECT whole = canvas.clip();
   canvas.ClipTo({from + 1, track.top, to - 1, track.bottom});
   for (LONG x = from - height; x < to; x += 6) {
@@ -127,19 +127,19 @@ void DrawFace(Timeline& timeline, const TimelineLayout& layout, const TimelineCo
   kv::FillArea(canvas, track, colors.track);
   canvas.ClipTo(track);
   // More severe kinds are drawn over others; of those at the same pixel one is drawn.
-  for (const StretchKind kind : {StretchKind::kSilent, StretchKind::kMalformed, StretchKind::kDamaged}) {
+  for (const SectionKind kind : {SectionKind::kSilent, SectionKind::kMalformed, SectionKind::kDamaged}) {
     LONG from = 0, to = 0;
-    for (const Stretch& stretch : timeline.stretches) {
-      if (stretch.kind != kind) continue;
-      const LONG left = XOfTime(layout, timeline.range, stretch.from);
-      const LONG right = std::max(XOfTime(layout, timeline.range, stretch.to), left + kShortestPx);
+    for (const Section& section : timeline.sections) {
+      if (section.kind != kind) continue;
+      const LONG left = XOfTime(layout, timeline.range, section.from);
+      const LONG right = std::max(XOfTime(layout, timeline.range, section.to), left + kShortestPx);
       if (left > to || to == from) {
-        if (to > from) DrawStretch(canvas, track, colors, kind, from, to);
+        if (to > from) DrawSection(canvas, track, colors, kind, from, to);
         from = left;
       }
       to = std::max(to, right);
     }
-    if (to > from) DrawStretch(canvas, track, colors, kind, from, to);
+    if (to > from) DrawSection(canvas, track, colors, kind, from, to);
   }
 }
 
@@ -156,7 +156,7 @@ void DrawThumb(kv::Canvas& canvas, const TimelineLayout& layout, const TimelineC
   kv::FillArea(canvas, {x, layout.track.top - 1, x + 1, layout.track.bottom + 1}, colors.thumb);
 }
 
-// Above the track's middle, so that it does not hide stretches.
+// Above the track's middle, so that it does not hide sections.
 void DrawVisible(kv::Canvas& canvas, const RECT& track, COLORREF color, LONG left, LONG right) {
   const LONG thickness = 2, foot = (track.bottom - track.top) / 3;
   right = std::max(right, left + 2 * thickness);
@@ -276,17 +276,17 @@ bool ExchangePosition(Timeline& timeline, WPARAM wParam, LPARAM lParam) {
 
 bool SetMarks(Timeline& timeline, WPARAM wParam, LPARAM lParam) {
   TimelineMarks item;
-  if ((wParam & kv::kCommandRead) || !kv::CopyItemIn(lParam, &item) || item.count > kTimelineMaxStretches ||
-      (item.count && IsBadReadPtr(item.stretches, item.count * sizeof(Stretch)))) {
+  if ((wParam & kv::kCommandRead) || !kv::CopyItemIn(lParam, &item) || item.count > kTimelineMaxSections ||
+      (item.count && IsBadReadPtr(item.sections, item.count * sizeof(Section)))) {
     return false;
   }
-  std::vector<Stretch> taken(item.stretches, item.stretches + item.count);
-  for (const Stretch& stretch : taken) {
-    if (stretch.kind < StretchKind::kSilent || stretch.kind > StretchKind::kDamaged ||
-        !IsSpan({stretch.from, stretch.to}))
+  std::vector<Section> taken(item.sections, item.sections + item.count);
+  for (const Section& section : taken) {
+    if (section.kind < SectionKind::kSilent || section.kind > SectionKind::kDamaged ||
+        !IsSpan({section.from, section.to}))
       return false;
   }
-  timeline.stretches = std::move(taken);
+  timeline.sections = std::move(taken);
   timeline.isDirty = true;
   return true;
 }

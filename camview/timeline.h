@@ -1,7 +1,7 @@
 // Window class "kvTimeline": a slider over a whole recording that shows where it is damaged or silent, and in which a
-// stretch can be selected.
+// section can be selected.
 //
-// Appearance  The kinds of stretches differ in height and pattern as well as in colour: lost bytes full and hatched,
+// Appearance  The kinds of sections differ in height and pattern as well as in color: lost bytes full and hatched,
 //             malformed ones half as high, silence a hollow bar. Each is at least two pixels wide. The part that
 //             does not depend on the position is drawn once. Not mirrored in mirrored windows.
 // Keyboard    Left, Right request a step by one record from the parent; PageUp, PageDown move by a twentieth, Home, End to
@@ -27,10 +27,10 @@ namespace camview {
 
 inline constexpr char kTimelineClass[] = "kvTimeline";
 
-inline constexpr DWORD kTimelineMaxStretches = 1u << 20;
+inline constexpr DWORD kTimelineMaxSections = 1u << 20;
 struct TimelineMarks {
-  DWORD count;               // at most kTimelineMaxStretches
-  const Stretch* stretches;  // each kind in ascending order; copied
+  DWORD count;              // at most kTimelineMaxSections
+  const Section* sections;  // each kind in ascending order; copied
 };
 
 // Operation codes, the low byte of kControlCommand's wParam; lParam is an address. kCommandRead copies the item to it.

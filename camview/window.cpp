@@ -167,7 +167,7 @@ kv::ScaledDialog MainWindow(const StartOptions& options) {
       .procedure = WindowProcedure,
       .parameter = reinterpret_cast<LPARAM>(&options),
       .positionName = "Camview.Main",
-      .maximisedName = "Camview.Maximised",
+      .maximizedName = "Camview.Maximized",
       .minimumSize = {900, 600},
       .tips = kTips,
       .menu = L"CAMVIEW",

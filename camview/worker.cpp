@@ -16,7 +16,7 @@ bool Worker::Start(std::function<void()> work) {
   Cancel();
   Wait();
   work_ = std::move(work);
-  isCancelled_ = false;
+  isCanceled_ = false;
   isDone_ = false;
   progress_ = 0;
   thread_ = CreateThread(nullptr, 0, Run, this, 0, nullptr);

@@ -20,7 +20,7 @@ class Worker {
   // Start and Wait on the main thread only.
   bool Start(std::function<void()> work);
   // Requests the function to return soon. Any thread.
-  void Cancel() { isCancelled_ = true; }
+  void Cancel() { isCanceled_ = true; }
   void Wait();
 
   // Any thread.
@@ -28,7 +28,7 @@ class Worker {
   double Progress() const { return progress_; }  // 0 to 1
 
   // For the function itself.
-  bool IsCancelled() const { return isCancelled_; }
+  bool IsCanceled() const { return isCanceled_; }
   void SetProgress(double progress) { progress_ = progress; }
 
  private:
@@ -36,7 +36,7 @@ class Worker {
 
   std::function<void()> work_;
   HANDLE thread_ = nullptr;
-  std::atomic<bool> isCancelled_{false}, isDone_{true};
+  std::atomic<bool> isCanceled_{false}, isDone_{true};
   std::atomic<double> progress_{0};
 };
 

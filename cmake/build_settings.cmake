@@ -18,7 +18,7 @@ else()
   # code. -fpch-preprocess is for compiler caches with precompiled headers.
   set(gcc_options
     "$<$<CXX_COMPILER_ID:GNU>:-Wno-restrict;-Wno-array-bounds;-Wno-stringop-overflow;-Wno-stringop-overread;-fpch-preprocess>")
-  # SSE2, because with x87's 80 bits calendar and mesh results would depend on the optimiser. Paths of the build machine
+  # SSE2, because with x87's 80 bits calendar and mesh results would depend on the optimizer. Paths of the build machine
   # are removed, so that builds are reproducible. Not -fdata-sections: with it, GCC stores zeros in the program.
   add_compile_options(
     "$<$<COMPILE_LANGUAGE:C,CXX>:-Wall;-Wextra;-Wno-missing-field-initializers;${gcc_options};-msse2;-mfpmath=sse>"

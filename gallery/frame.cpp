@@ -186,7 +186,7 @@ kv::ScaledDialog FrameDialog(const StartOptions& options) {
       .procedure = FrameProcedure,
       .parameter = reinterpret_cast<LPARAM>(&options),
       .positionName = "Gallery.Main",
-      .maximisedName = "Gallery.Maximised",
+      .maximizedName = "Gallery.Maximized",
       .minimumSize = {760, 576},
       .tips = kTips,
       .menu = L"MENU_GALLERY",

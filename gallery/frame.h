@@ -17,7 +17,7 @@ struct StartOptions {
   bool walk = false;
 };
 
-// Returns the frame for these options, which must outlive it. It stores its position, whether it was maximised, and its
+// Returns the frame for these options, which must outlive it. It stores its position, whether it was maximized, and its
 // page.
 kv::ScaledDialog FrameDialog(const StartOptions& options);
 

@@ -62,7 +62,7 @@ INT_PTR CALLBACK CapturePageProcedure(HWND page, UINT message, WPARAM wParam, LP
 // Flight export: a sample flight in a flight track view, exported as KML and as waypoints.
 INT_PTR CALLBACK FlightPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
 
-// NMEA: a simulated boat's position as text in a terminal, and the maker's web pages.
+// NMEA: a simulated boat's position as text in a terminal, and the vendor's web pages.
 INT_PTR CALLBACK NmeaPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
 
 // DDE: the link to the spreadsheet program with its state, and a conversation with any DDE server.

@@ -32,7 +32,7 @@ remember() {
     /d "$left,$top,$((left + width)),$((top + height))" >/dev/null 2>&1
 }
 
-colours() { identify -format %k "$1" 2>/dev/null || echo 0; }
+colors() { identify -format %k "$1" 2>/dev/null || echo 0; }
 
 # A sensor on COM3: one number to a line, twenty a second.
 play_sensor() {
@@ -61,7 +61,7 @@ take() {
   for _ in $(seq 60); do
     sleep 0.5
     import -window root -crop "${width}x$height+$left+$top" +repage "$shot"
-    [ "$(colours "$shot")" -ge 8 ] || continue
+    [ "$(colors "$shot")" -ge 8 ] || continue
     seen=$((seen + 1))
     [ "$seen" -ne 1 ] || operate "$sample"
     [ "$seen" -lt 5 ] || break

@@ -49,7 +49,7 @@ make_face() {
 multi_text() { printf '%s\0' "$@" '' | od -An -v -tx1 | tr -s ' \n' ',' | sed 's/^,/hex(7):/; s/,$//'; }
 
 # Fonts that no package provides are replaced by similar ones; scripts that a font lacks come from the fonts linked to it.
-# Wine themes common controls even if no manifest requests it, and ignores the system's colours. The programs request no
+# Wine themes common controls even if no manifest requests it, and ignores the system's colors. The programs request no
 # themes (docs/decisions/no-themes.md), so Windows draws classic controls; this prefix does, too.
 settings() {
   local face links

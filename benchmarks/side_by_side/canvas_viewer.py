@@ -33,7 +33,7 @@ def main():
     window.title("canvas viewer")
     canvas = tkinter.Canvas(window, width=WIDTH, height=HEIGHT, bg="black")
     canvas.pack()
-    marks = [canvas.create_oval(0, 0, 0, 0, outline=colour) for colour in ("red", "green", "blue", "yellow")]
+    marks = [canvas.create_oval(0, 0, 0, 0, outline=color) for color in ("red", "green", "blue", "yellow")]
     label = tkinter.Label(window)
     label.pack()
 

@@ -27,7 +27,7 @@ namespace {
 
 constexpr DWORD kHangMs = 10000;
 constexpr size_t kMaxActions = 25;
-constexpr int kColours[] = {COLOR_BTNFACE, COLOR_WINDOW, COLOR_WINDOWTEXT, COLOR_HIGHLIGHT};
+constexpr int kColors[] = {COLOR_BTNFACE, COLOR_WINDOW, COLOR_WINDOWTEXT, COLOR_HIGHLIGHT};
 
 std::array<DWORD, 4> HandleCounts(HANDLE process) {
   PROCESS_MEMORY_COUNTERS memory{};
@@ -157,9 +157,9 @@ void ChangeSurroundings(Soak* soak) {
     PostMessageA(soak->window, kMessages[Below(soak, static_cast<int>(std::size(kMessages)))], 0, 0);
     return;
   }
-  COLORREF colours[std::size(kColours)];
-  for (COLORREF& colour : colours) colour = soak->random() & 0xFFFFFF;
-  SetSysColors(static_cast<int>(std::size(kColours)), kColours, colours);
+  COLORREF colors[std::size(kColors)];
+  for (COLORREF& color : colors) color = soak->random() & 0xFFFFFF;
+  SetSysColors(static_cast<int>(std::size(kColors)), kColors, colors);
 }
 
 }  // namespace soak
@@ -185,14 +185,14 @@ int main(int argc, char** argv) {
   const std::string folder = camera::Narrow(_wgetenv(L"TEMP")) + "\\tarnwick soak";
   CreateDirectoryA(folder.c_str(), nullptr);
   SetCurrentDirectoryA(folder.c_str());
-  COLORREF ownColours[std::size(soak::kColours)];
-  std::ranges::transform(soak::kColours, ownColours, GetSysColor);
+  COLORREF ownColors[std::size(soak::kColors)];
+  std::ranges::transform(soak::kColors, ownColors, GetSysColor);
   timeBeginPeriod(1);
   int result = 0;
   if (only != "gallery") result |= soak::SoakTool(seconds, seed);
   if (only != "tool") result |= soak::SoakGallery(seconds, seed);
   timeEndPeriod(1);
-  SetSysColors(static_cast<int>(std::size(ownColours)), soak::kColours, ownColours);
+  SetSysColors(static_cast<int>(std::size(ownColors)), soak::kColors, ownColors);
   std::puts(result == 0 ? "\nno failure" : "\nFAILED");
   return result;
 }

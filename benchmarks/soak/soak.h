@@ -74,9 +74,9 @@ void Note(Soak* soak, const char* what, POINT a = {}, POINT b = {});
 void PrintCounts(const Soak& soak);
 
 void PressKey(int key, bool shift = false, bool control = false);
-// Moves, resizes, minimises, maximises or restores the window with the messages of a window manager.
+// Moves, resizes, minimizes, maximizes or restores the window with the messages of a window manager.
 void MoveWindowAbout(Soak* soak);
-// Notifies the window of changed colours, settings, fonts or time; sometimes actually changes the colours.
+// Notifies the window of changed colors, settings, fonts or time; sometimes actually changes the colors.
 void ChangeSurroundings(Soak* soak);
 
 // Each prints its table and returns 0 when nothing crashed, hung or failed to close.

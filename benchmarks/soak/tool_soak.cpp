@@ -48,12 +48,12 @@ constexpr double kUnplugEvery = 17;
 
 camtool::FaultPlan AllFaults(std::uint32_t seed) {
   using camtool::Trigger;
-  camtool::FaultPlan plan{.hangUpSeconds = 1, .seed = seed};
+  camtool::FaultPlan plan{.disconnectSeconds = 1, .seed = seed};
   for (int fault = camtool::kDropFault; fault <= camtool::kGarbageFault; ++fault) {
     plan.triggers[fault] = {Trigger::kChance, 0.01};
   }
   plan.triggers[camtool::kPauseFault] = {Trigger::kPeriod, 7};
-  plan.triggers[camtool::kHangUpFault] = {Trigger::kPeriod, 23};
+  plan.triggers[camtool::kDisconnectFault] = {Trigger::kPeriod, 23};
   plan.triggers[camtool::kSlowFault] = {Trigger::kPeriod, 31};
   plan.triggers[camtool::kFastFault] = {Trigger::kPeriod, 37};
   return plan;
@@ -121,9 +121,9 @@ class HostileCamera {
       const camtool::FaultStep step = camtool::InjectFaults(&faults, due, whole);
       const std::scoped_lock held(line_);
       const bool isTaken = Send(step.bytes);
-      if (step.hangUpSeconds > 0) port_.Close();
+      if (step.disconnectSeconds > 0) port_.Close();
       sent.push_back({camera::Now(), wasHeld || step.bytes != whole, isTaken});
-      due += kRecordSeconds / step.pace + step.pauseSeconds + step.hangUpSeconds;
+      due += kRecordSeconds / step.pace + step.pauseSeconds + step.disconnectSeconds;
     }
   }
 
@@ -212,7 +212,7 @@ void PressConnect(Soak* soak) {
   if (IsIconic(soak->window) || Below(soak, 2)) {
     PostMessageA(soak->window, WM_COMMAND, IDM_CONNECT, 0);
   } else {
-    uidriver::ClickAt(GetDlgItem(soak->window, IDC_TOOLBAR), uidriver::ToolbarButtonCentre(soak->window, IDM_CONNECT));
+    uidriver::ClickAt(GetDlgItem(soak->window, IDC_TOOLBAR), uidriver::ToolbarButtonCenter(soak->window, IDM_CONNECT));
   }
   DWORD_PTR response = 0;
   SendMessageTimeoutA(soak->window, WM_NULL, 0, 0, SMTO_NORMAL, kCopyMs, &response);

@@ -55,7 +55,7 @@ std::wstring NotesOf(HWND page) {
 
 void Open(HWND page) {
   if (!kv::AskOpenPath(GetAncestor(page, GA_ROOT), kv::ResourceText(IDS_FILES_OPEN_TITLE).c_str(), &proposedPath)) {
-    return ShowStatus(page, IDS_FILES_CANCELLED);
+    return ShowStatus(page, IDS_FILES_CANCELED);
   }
   std::wstring notes;
   if (!ReadNotes(proposedPath.c_str(), &notes)) return ShowStatus(page, IDS_FILES_NOT_READ, proposedPath.c_str());
@@ -65,7 +65,7 @@ void Open(HWND page) {
 
 void Save(HWND page) {
   if (!kv::AskSavePath(GetAncestor(page, GA_ROOT), kv::ResourceText(IDS_FILES_SAVE_TITLE).c_str(), &proposedPath)) {
-    return ShowStatus(page, IDS_FILES_CANCELLED);
+    return ShowStatus(page, IDS_FILES_CANCELED);
   }
   if (WriteNotes(proposedPath.c_str(), NotesOf(page))) return ShowStatus(page, IDS_FILES_SAVED, proposedPath.c_str());
   const std::wstring reason = kv::ErrorText();

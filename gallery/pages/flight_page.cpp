@@ -32,7 +32,7 @@ namespace gallery {
 namespace {
 
 constexpr COLORREF kPathColor = RGB(0x20, 0x68, 0xC8);
-constexpr int kTintPercent = 18;  // of the path's colour, in the area below the altitude curve
+constexpr int kTintPercent = 18;  // of the path's color, in the area below the altitude curve
 constexpr size_t kShownBytes = 8000;
 
 constexpr double kLatitude = 54.4609, kLongitude = -3.0886;  // the start
@@ -46,16 +46,16 @@ std::wstring shownFile;  // written last; empty if none
 
 // Two minutes of the simulated flight, each time from a later start.
 void Fly() {
-  constexpr double kSeconds = 122, kStep = 0.5, kMetresPerSecondOfAKnot = 1852.0 / 3600, kMetresPerFoot = 0.3048;
+  constexpr double kSeconds = 122, kStep = 0.5, kMetersPerSecondOfAKnot = 1852.0 / 3600, kMetersPerFoot = 0.3048;
   const double begin = flightNumber * 29.0;
   kv::FlightTrackPoint at{.bKind = kv::kPointLocal};
   points.clear();
   for (double t = begin; t <= begin + kSeconds; t += kStep) {
-    at.dAltitude = Altitude(t) * kMetresPerFoot;
+    at.dAltitude = Altitude(t) * kMetersPerFoot;
     points.push_back(at);
-    const double metres = Airspeed(t) * kMetresPerSecondOfAKnot * kStep, course = kv::Radians(Heading(t));
-    at.dX += metres * std::sin(course);
-    at.dY -= metres * std::cos(course);  // y points south
+    const double meters = Airspeed(t) * kMetersPerSecondOfAKnot * kStep, course = kv::Radians(Heading(t));
+    at.dX += meters * std::sin(course);
+    at.dY -= meters * std::cos(course);  // y points south
   }
 }
 
@@ -65,7 +65,7 @@ kv::FlightTrack Track() {
 
 // ---- The plan -------------------------------------------------------------------------------------------------------
 
-// A line through points that at(i) returns (x to the right, y upwards, in any unit), scaled to the area and centred.
+// A line through points that at(i) returns (x to the right, y upwards, in any unit), scaled to the area and centered.
 template <class At>
 std::vector<kv::PointD> CurveIn(const RECT& area, int count, bool sameScale, At at) {
   double left = at(0).first, right = left, bottom = at(0).second, top = bottom;
@@ -210,8 +210,8 @@ INT_PTR OnNewFlight(HWND page) {
 }
 
 INT_PTR OnShowInGlobe(HWND page) {
-  constexpr double kViewFromMetres = 600;
-  kv::showPositionInGlobe(page, kLongitude, kLatitude, kViewFromMetres);
+  constexpr double kViewFromMeters = 600;
+  kv::showPositionInGlobe(page, kLongitude, kLatitude, kViewFromMeters);
   return TRUE;
 }
 

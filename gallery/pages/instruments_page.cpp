@@ -97,14 +97,14 @@ void ShowClock(HWND page, int id, bool valid) {
 INT_PTR ShowSample(HWND page) {
   const double seconds = GetTickCount() / 1000.0;
   const bool valid = kv::IsChecked(page, IDC_INSTRUMENTS_VALID);
-  const BOOL glide = kv::IsChecked(page, IDC_INSTRUMENTS_GLIDE);
+  const BOOL animate = kv::IsChecked(page, IDC_INSTRUMENTS_ANIMATE);
   int id = IDC_INSTRUMENTS;
   for (const Instrument& instrument : kInstruments) {
     const bool shown = instrument.value && (valid || id - IDC_INSTRUMENTS >= kFirstWithoutState);
     if (instrument.name == kTime || instrument.name == kDate) {
       ShowClock(page, id, valid);
     } else {
-      kv::SetInstrumentValue(page, id, shown ? instrument.value(seconds) : NAN, shown && glide);
+      kv::SetInstrumentValue(page, id, shown ? instrument.value(seconds) : NAN, shown && animate);
     }
     ++id;
   }
@@ -122,7 +122,7 @@ INT_PTR OnTextsChanged(HWND page) {
 }
 
 void OnInit(HWND page) {
-  for (const int id : {IDC_INSTRUMENTS_GLIDE, IDC_INSTRUMENTS_VALID, IDC_INSTRUMENTS_ENABLED}) {
+  for (const int id : {IDC_INSTRUMENTS_ANIMATE, IDC_INSTRUMENTS_VALID, IDC_INSTRUMENTS_ENABLED}) {
     CheckDlgButton(page, id, BST_CHECKED);
   }
   int id = IDC_INSTRUMENTS;

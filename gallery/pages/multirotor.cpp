@@ -14,7 +14,7 @@ namespace gallery {
 namespace {
 
 constexpr std::uint32_t kVertexCapacity = 6000, kTriangleCapacity = 10000;
-constexpr double kRotorReach = 158;  // from the centre to a motor
+constexpr double kRotorReach = 158;  // from the center to a motor
 constexpr double kRotorRadius = 92;
 constexpr double kGroundLevel = -120;
 constexpr std::uint8_t kRingShade = 70, kLineShade = 46;

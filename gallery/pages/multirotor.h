@@ -1,5 +1,5 @@
 // The model of the mesh page, and the ground below. Lengths in model units: the craft is about 480 wide; x to the
-// right, y forward, z up, with the craft's centre at the origin.
+// right, y forward, z up, with the craft's center at the origin.
 #pragma once
 
 #include <windows.h>
@@ -36,7 +36,7 @@ inline Vector Unit(const Vector& a) {
   return a * (1 / Length(a));
 }
 
-// Attributes of a triangle: colour 0x00RRGGBB and these bits.
+// Attributes of a triangle: color 0x00RRGGBB and these bits.
 inline constexpr std::uint32_t kPartGlass = 0x80000000;  // translucent, seen from both sides; shown in the shade of its
                                                          // second vertex
 inline constexpr std::uint32_t kPartShiny = 0x40000000;
@@ -46,7 +46,7 @@ inline constexpr int kRotorRing = 72;
 
 struct Multirotor {
   HGLOBAL mesh;                   // null when allocation failed
-  std::array<int, kRotors> hubs;  // the centre vertex of each rotor, followed by its ring
+  std::array<int, kRotors> hubs;  // the center vertex of each rotor, followed by its ring
 };
 
 // The caller owns both (kv::meshDestroy).

@@ -16,7 +16,7 @@ namespace gallery {
 namespace {
 
 constexpr int kMarginPx = 12;
-constexpr int kDescriptionPercent = 65;  // of the text's colour
+constexpr int kDescriptionPercent = 65;  // of the text's color
 
 void FillIndex(HWND page) {
   const HWND index = GetDlgItem(page, IDC_OVERVIEW_INDEX);

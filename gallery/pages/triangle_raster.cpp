@@ -20,7 +20,7 @@ DWORD Blend(DWORD below, DWORD above, DWORD opacity) {
   return (redAndBlue >> 8 & kRedAndBlue) | (green & 0xFF00);
 }
 
-// Returns the first of `count` pixels whose centre is not before `position`.
+// Returns the first of `count` pixels whose center is not before `position`.
 int FirstPixel(double position, int count) {
   return static_cast<int>(std::clamp(std::ceil(position - 0.5), 0.0, static_cast<double>(count)));
 }

@@ -1,4 +1,4 @@
-// Rasterises flat triangles, and scales a surface down for smooth edges. Colours are 0x00RRGGBB. Any thread; no state.
+// Rasterizes flat triangles, and scales a surface down for smooth edges. Colors are 0x00RRGGBB. Any thread; no state.
 #pragma once
 
 #include <windows.h>
@@ -9,7 +9,7 @@ namespace gallery {
 
 inline constexpr DWORD kOpaque = 256;
 
-// Fills every pixel whose centre is within the triangle, so that adjacent triangles have no gaps or overlaps. Clipped
+// Fills every pixel whose center is within the triangle, so that adjacent triangles have no gaps or overlaps. Clipped
 // to the surface. `opacity` is 0..kOpaque.
 void FillTriangle(const kv::Surface& surface, const kv::PointD (&corners)[3], DWORD color, DWORD opacity);
 

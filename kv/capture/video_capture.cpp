@@ -23,8 +23,8 @@ constexpr size_t kMaxErrorText = 4096;
 
 constexpr DWORD kMaxColors = 256;
 
-// A format with capacity for what Video for Windows reads after the header: a driver's own extension, and a full colour
-// table or colour masks.
+// A format with capacity for what Video for Windows reads after the header: a driver's own extension, and a full color
+// table or color masks.
 struct WholeFormat {
   BITMAPINFOHEADER header;
   RGBQUAD extension[kMaxColors];
@@ -291,7 +291,7 @@ BOOL DrawVideoFrame(VideoLink* link, HDC target, int x, int y, int width, int he
   return StretchBlt(target, x, y, width, height, source, 0, 0, link->frameWidth, link->frameHeight, SRCCOPY);
 }
 
-// The link may have been freed when the last step returns, so it is not accessed afterwards.
+// The link may have been freed when the last step returns, so it is not accessed afterward.
 LRESULT RecordVideo(VideoLink* link, const char* fileName, BOOL start) {
   if (!IsOpen(link)) return 0;
   const HWND capture = link->hCapture;

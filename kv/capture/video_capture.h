@@ -22,7 +22,7 @@ namespace kv {
 
 inline constexpr std::uint32_t kVideoLinkTag = 0x20080509;
 
-// A format as Video for Windows describes it, with only the first entry of a colour table.
+// A format as Video for Windows describes it, with only the first entry of a color table.
 struct VideoFormat {
   BITMAPINFOHEADER header;
   RGBQUAD firstColor;

@@ -1,5 +1,5 @@
 // Window class "kvSimpleBitmap": a bitmap resource of the module, stretched into the control. It forwards mouse clicks
-// to the controls beneath it (kv/framework/control_class.h). For decorations in dialog templates. Main thread only.
+// to the controls behind it (kv/framework/control_class.h). For decorations in dialog templates. Main thread only.
 //
 // In a DPI-aware program: the bitmap is stretched to the control's size in pixels; the DPI is not used.
 //
@@ -22,7 +22,7 @@
 //   WM_GETOBJECT a graphic whose accessible name is the window text, unless that is a number
 //
 // Notifications, posted to the parent as WM_COMMAND after the click has been forwarded:
-//   1      left button pressed, unless the control beneath returned 0 (as a clicked button does)
+//   1      left button pressed, unless the control behind it returned 0 (as a clicked button does)
 //   2, 4   right, middle button pressed
 //   0x8001 double click; the bitmap has been copied to the clipboard
 #pragma once

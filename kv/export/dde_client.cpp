@@ -98,7 +98,7 @@ BOOL RequestDdeText(DWORD instance, HCONV conversation, const char* item, DWORD 
   if (!data) return FALSE;
   std::memset(reply, 0, sizeof(reply));
   DdeGetData(data, reinterpret_cast<BYTE*>(reply), sizeof(reply), 0);
-  // The data handle is not freed: replies belong to the instance and are released when it is uninitialised.
+  // The data handle is not freed: replies belong to the instance and are released when it is uninitialized.
   return TRUE;
 }
 

@@ -1,7 +1,7 @@
 // Dynamic Data Exchange client: connect, execute, request, poke.
 //
 // All text is 8-bit (CP_WINANSI, CF_TEXT). Failures are only reported by a result of 0. Use a conversation on the
-// thread that initialised its instance. While a function waits, the system dispatches messages of this thread.
+// thread that initialized its instance. While a function waits, the system dispatches messages of this thread.
 // Connecting waits for every top-level window of the desktop, so each must dispatch messages.
 //
 // `instance` is the instance identifier from DdeInitializeA. An unreadable text is a failure and is not sent.
@@ -44,9 +44,9 @@ BOOL RequestDdeText(DWORD instance, HCONV conversation, const char* item, DWORD 
 // Starts (`start` not 0) or stops the system's DDE library; `instance` is the address of the instance identifier.
 //
 // Quirk: returns 0 for an address that IsBadWritePtr reports as writable, and continues with one that it reports as not
-// writable. For such an address, starting initialises an instance unless the value is not 0, stopping uninitialises the
+// writable. For such an address, starting initializes an instance unless the value is not 0, stopping uninitializes the
 // instance and sets the value to 0 (a null address does nothing), and both return 1. Returns 0, with nothing
-// initialised, for an address that cannot be read, or that cannot be written after all when starting.
+// initialized, for an address that cannot be read, or that cannot be written after all when starting.
 BOOL ddeStartStop(BOOL start, DWORD* instance);
 
 // The link to the spreadsheet program: a conversation with the program, and one with a new workbook. Use it on one

@@ -11,8 +11,8 @@ namespace kv {
 
 namespace {
 
-constexpr double kMetresPerDegreeEast = 111319.49079327358;  // at the equator
-constexpr double kMetresPerDegreeNorth = 110946.25761734763;
+constexpr double kMetersPerDegreeEast = 111319.49079327358;  // at the equator
+constexpr double kMetersPerDegreeNorth = 110946.25761734763;
 
 // WGS-84
 constexpr double kEquatorRadius = 6378137.0;
@@ -43,14 +43,14 @@ LocalFrame LocalFrameOf(const FlightTrack& track) {
 }
 
 GeodeticPosition PositionFromLocal(const LocalFrame& frame, double x, double y) {
-  return {.longitude = x / kMetresPerDegreeEast / frame.latitudeCosine + frame.longitude,
-          .latitude = frame.latitude - y / kMetresPerDegreeNorth};
+  return {.longitude = x / kMetersPerDegreeEast / frame.latitudeCosine + frame.longitude,
+          .latitude = frame.latitude - y / kMetersPerDegreeNorth};
 }
 
 // Bowring's method. Iterates the parametric latitude (the angle on the auxiliary sphere), stored as sine and cosine, so
 // that poles and equator are not special cases. One iteration suffices near the surface; the others are for points deep
 // below.
-GeodeticPosition PositionFromEarthCentred(double x, double y, double z) {
+GeodeticPosition PositionFromEarthCentered(double x, double y, double z) {
   constexpr int kRounds = 6;
   const double fromAxis = std::hypot(x, y);
   double up = z, out = fromAxis;
@@ -69,7 +69,7 @@ GeodeticPosition PositionFromEarthCentred(double x, double y, double z) {
 GeodeticPosition GeodeticPositionOf(const LocalFrame& frame, const FlightTrackPoint& point, GeodeticPosition previous) {
   switch (point.bKind) {
     case kPointGeodetic: return {.longitude = point.dLongitude, .latitude = point.dLatitude};
-    case kPointEarthCentred: return PositionFromEarthCentred(point.dCentredX, point.dCentredY, point.dCentredZ);
+    case kPointEarthCentered: return PositionFromEarthCentered(point.dCenteredX, point.dCenteredY, point.dCenteredZ);
     case kPointLocal: return PositionFromLocal(frame, point.dX, point.dY);
     default: return previous;
   }

@@ -1,5 +1,5 @@
 // A recorded flight: the data that the owner provides, the positions of its points on the earth, and the state of the
-// window that shows it. Metres and degrees. Pure functions; any thread.
+// window that shows it. Meters and degrees. Pure functions; any thread.
 #pragma once
 
 #include <windows.h>
@@ -11,23 +11,23 @@ namespace kv {
 
 // Which fields of a point contain its position for the waypoints text. The views and the KML document always use dX and
 // dY.
-inline constexpr BYTE kPointGeodetic = 0;      // dLatitude, dLongitude
-inline constexpr BYTE kPointEarthCentred = 1;  // dCentredX, dCentredY, dCentredZ
-inline constexpr BYTE kPointLocal = 2;         // dX, dY
+inline constexpr BYTE kPointGeodetic = 0;       // dLatitude, dLongitude
+inline constexpr BYTE kPointEarthCentered = 1;  // dCenteredX, dCenteredY, dCenteredZ
+inline constexpr BYTE kPointLocal = 2;          // dX, dY
 
 struct FlightTrackPoint {
-  double dX;         // metres east of the track's origin
-  double dY;         // metres south of the track's origin
-  double dAltitude;  // metres above ground, whatever the kind
+  double dX;         // meters east of the track's origin
+  double dY;         // meters south of the track's origin
+  double dAltitude;  // meters above ground, whatever the kind
   BYTE bKind;        // kPoint...
   BYTE reserved[7];
   double dLatitude, dLongitude;  // degrees, WGS-84
-  // Metres from the centre of the earth: x towards latitude 0, longitude 0; y towards longitude 90 east; z towards the
+  // Meters from the center of the earth: x toward latitude 0, longitude 0; y toward longitude 90 east; z toward the
   // north pole.
-  double dCentredX, dCentredY, dCentredZ;
+  double dCenteredX, dCenteredY, dCenteredZ;
 };
 static_assert(sizeof(FlightTrackPoint) == 72 && offsetof(FlightTrackPoint, bKind) == 24 &&
-              offsetof(FlightTrackPoint, dLatitude) == 32 && offsetof(FlightTrackPoint, dCentredX) == 48);
+              offsetof(FlightTrackPoint, dLatitude) == 32 && offsetof(FlightTrackPoint, dCenteredX) == 48);
 
 // The track and its points belong to the caller that passes it to a view.
 struct FlightTrack {
@@ -70,10 +70,10 @@ struct LocalFrame {
 LocalFrame LocalFrameOf(const FlightTrack& track);
 GeodeticPosition PositionFromLocal(const LocalFrame& frame, double x, double y);
 
-// Returns the position on the WGS-84 ellipsoid, accurate to 1e-11 degrees from 60 km above the earth's centre outwards
+// Returns the position on the WGS-84 ellipsoid, accurate to 1e-11 degrees from 60 km above the earth's center outwards
 // (further in, positions are not unique and the result is finite but arbitrary). Longitude -180..180; at a pole and at
-// the centre it follows from the signs of x and y.
-GeodeticPosition PositionFromEarthCentred(double x, double y, double z);
+// the center it follows from the signs of x and y.
+GeodeticPosition PositionFromEarthCentered(double x, double y, double z);
 
 // Returns the position that a point's kind selects; `previous` for an unknown kind.
 GeodeticPosition GeodeticPositionOf(const LocalFrame& frame, const FlightTrackPoint& point, GeodeticPosition previous);

@@ -19,7 +19,7 @@ namespace kv {
 inline constexpr DWORD kKmlExtrude = 2;     // bits of dwFlags
 inline constexpr DWORD kKmlTessellate = 4;  // bit 1 is ignored
 
-// Colours in KML's byte order: alpha, blue, green, red from the highest byte to the lowest.
+// Colors in KML's byte order: alpha, blue, green, red from the highest byte to the lowest.
 struct KmlSettings {
   DWORD dwFlags = 5;
   DWORD dwLineWidth = 5;
@@ -31,11 +31,11 @@ struct KmlSettings {
 
 // Reads HKEY_CURRENT_USER "Software\korvel\Configuration": four bytes of each value, whatever its type. A value that is
 // missing or longer leaves the default; a shorter one replaces only the bytes it has. If the key could be opened, the
-// line's alpha is set to 0xFF and the fill's alpha is computed from the transparency; otherwise both colours are the
+// line's alpha is set to 0xFF and the fill's alpha is computed from the transparency; otherwise both colors are the
 // defaults.
 KmlSettings ReadKmlSettings();
 
-// Returns the fill's alpha, 0..255: the low byte of 255 - transparency * 256 / 100, truncated towards zero and clamped
+// Returns the fill's alpha, 0..255: the low byte of 255 - transparency * 256 / 100, truncated toward zero and clamped
 // to 32 bits. 0 percent gives 255, 25 gives 191, and 100 gives 255 again (the low byte of -1). NaN and plus infinity
 // give 0 (no fill), minus infinity 255.
 DWORD FillAlpha(float transparencyPercent);
@@ -45,7 +45,7 @@ DWORD FillAlpha(float transparencyPercent);
 enum class KmlTemplate : size_t {
   kHeader,     // longitude, latitude, altitude, range, tilt, heading (double)
   kFooter,     // closes what the header opened
-  kTrackHead,  // line colour, line width, fill colour, extrude, tessellate (long)
+  kTrackHead,  // line color, line width, fill color, extrude, tessellate (long)
   kTrackTail,  // closes what the track head opened
   // A placemark for a single point, for hosts; the library writes none.
   kPointHead,  // name (wide text)
@@ -71,7 +71,7 @@ BOOL exportTrackKml(FlightTrackViewState* view);
 // written. A point of unknown kind repeats the previous position, or the track's origin if it is the first.
 BOOL exportWaypointsText(FlightTrackViewState* view);
 
-// Opens the globe viewer at a position (degrees; range in metres), using a document in the temporary folder, and then
+// Opens the globe viewer at a position (degrees; range in meters), using a document in the temporary folder, and then
 // activates the window's parent. The viewer is started even if the document could not be written; it then shows the
 // previous document, if there is one. Returns 1.
 BOOL showPositionInGlobe(HWND window, double longitude, double latitude, double range);
@@ -79,7 +79,7 @@ BOOL showPositionInGlobe(HWND window, double longitude, double latitude, double 
 // Opens a document in the globe viewer. Does nothing if that is not installed.
 void OpenInGlobe(const wchar_t* document);
 
-// Returns whether the maker's ground-station program is running.
+// Returns whether the vendor's ground-station program is running.
 BOOL isHelmsdeckRunning();
 
 // Writes a KML document. Returns 0 when no point has finite coordinates or the file cannot be created or written

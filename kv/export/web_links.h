@@ -1,4 +1,4 @@
-// Opens the maker's web pages. Main thread only.
+// Opens the vendor's web pages. Main thread only.
 #pragma once
 
 #include <windows.h>

@@ -1,6 +1,6 @@
 // Off-screen bitmaps: the back buffer of a control, and bitmaps for the clipboard. Any thread, for its own windows.
 //
-// In a DPI-aware host, sizes are in the host's pixels; nothing depends on the DPI.
+// In a DPI-aware program, sizes are in the program's pixels; nothing depends on the DPI.
 #pragma once
 
 #include <windows.h>
@@ -17,7 +17,7 @@ HBITMAP CreateWindowBitmap(HWND window, SIZE size);
 // Describes a top-down 32-bit bitmap (pixels 0x00RRGGBB, no padding between rows).
 BITMAPINFO TopDownBitmapInfo(int width, int height);
 
-// Returns a colour as a pixel of such a bitmap.
+// Returns a color as a pixel of such a bitmap.
 constexpr DWORD PixelOfColor(COLORREF color) {
   return static_cast<DWORD>(GetRValue(color)) << 16 | static_cast<DWORD>(GetGValue(color)) << 8 | GetBValue(color);
 }

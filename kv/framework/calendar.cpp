@@ -33,7 +33,7 @@ int MonthLength(int year, int month) {
   return kMonthLengths[month];
 }
 
-// 64 bits, because the fields of an unnormalised time reach 2^16.
+// 64 bits, because the fields of an unnormalized time reach 2^16.
 long long MillisecondOfDay(const SYSTEMTIME& time) {
   return ((time.wHour * 60LL + time.wMinute) * 60 + time.wSecond) * 1000 + time.wMilliseconds;
 }

@@ -22,7 +22,7 @@ namespace kv {
 
 inline constexpr int kMillisecondsPerDay = 86400000;
 
-// Returns the value truncated towards zero.
+// Returns the value truncated toward zero.
 double Truncate(double value);
 
 BOOL IsLeapYear(int year);
@@ -43,7 +43,7 @@ int DayOfWeek(int day);
 BOOL DayNumberToTime(double day, SYSTEMTIME* time);
 
 // Returns the week of the year. Week 1 begins on the Monday on or before January 4th and includes the days of the year
-// before that Monday. A week never belongs to a neighbouring year, so a year may end with week 53.
+// before that Monday. A week never belongs to a neighboring year, so a year may end with week 53.
 int WeekNumber(double day);
 
 // Carries values that are out of range into the next field, up to the year, and recomputes the weekday. Each hour above

@@ -37,12 +37,12 @@ int ChordsOf(double radius, double degrees) {
 
 // Corners along an arc, both ends included, on a slightly larger circle, so that the polygon has the area of the
 // sector.
-void PutArc(PointD* corners, PointD centre, double radius, double from, double to, int chords) {
+void PutArc(PointD* corners, PointD center, double radius, double from, double to, int chords) {
   const double step = (to - from) * kRadiansPerDegree / chords, sine = std::sin(step), cosine = std::cos(step);
   const double larger = radius * std::sqrt(step / sine);
   PointD point = PolarPoint({0, 0}, larger, from);
   for (int i = 0; i <= chords; ++i) {
-    corners[i] = {centre.x + point.x, centre.y + point.y};
+    corners[i] = {center.x + point.x, center.y + point.y};
     point = {point.x * cosine - point.y * sine, point.x * sine + point.y * cosine};
   }
 }
@@ -121,9 +121,9 @@ void Canvas::FinishGdi() {
 
 // ---- Geometry -------------------------------------------------------------------------------------------------------
 
-PointD PolarPoint(PointD centre, double radius, double degrees) {
+PointD PolarPoint(PointD center, double radius, double degrees) {
   const double radians = degrees * kRadiansPerDegree;
-  return {centre.x + radius * std::sin(radians), centre.y - radius * std::cos(radians)};
+  return {center.x + radius * std::sin(radians), center.y - radius * std::cos(radians)};
 }
 
 RECT BoundsOf(std::span<const PointD> points, double margin, const RECT& limit) {
@@ -181,24 +181,24 @@ void FillPolygon(Canvas& canvas, std::span<const PointD> corners, const Paint& p
   if (canvas.shape().AddContour(corners)) FillShape(canvas, paint);
 }
 
-void FillDisc(Canvas& canvas, PointD centre, double radius, const Paint& paint) {
-  FillAnnularSector(canvas, centre, 0, radius, 0, 360, paint);
+void FillDisc(Canvas& canvas, PointD center, double radius, const Paint& paint) {
+  FillAnnularSector(canvas, center, 0, radius, 0, 360, paint);
 }
 
-void FillGradientDisc(Canvas& canvas, PointD centre, double radius, COLORREF top, COLORREF bottom) {
-  FillDisc(canvas, centre, radius, Paint(top, bottom, centre.y - radius, centre.y + radius));
+void FillGradientDisc(Canvas& canvas, PointD center, double radius, COLORREF top, COLORREF bottom) {
+  FillDisc(canvas, center, radius, Paint(top, bottom, center.y - radius, center.y + radius));
 }
 
-void FillAnnularSector(Canvas& canvas, PointD centre, double inner, double outer, double from, double to,
+void FillAnnularSector(Canvas& canvas, PointD center, double inner, double outer, double from, double to,
                        const Paint& paint) {
   if (!(to > from) || !(outer > inner) || !(inner >= 0) || !(to - from <= 360)) return;
   std::array<PointD, CoverageShape::kMaxEdges> corners;
   const int chords = ChordsOf(outer, to - from), innerChords = inner > 0 ? ChordsOf(inner, to - from) : 0;
-  PutArc(corners.data(), centre, outer, from, to, chords);
+  PutArc(corners.data(), center, outer, from, to, chords);
   if (innerChords) {
-    PutArc(&corners[chords + 1], centre, inner, to, from, innerChords);
+    PutArc(&corners[chords + 1], center, inner, to, from, innerChords);
   } else {
-    corners[chords + 1] = centre;
+    corners[chords + 1] = center;
   }
   FillPolygon(canvas, {corners.data(), static_cast<size_t>(chords + innerChords) + 2}, paint);
 }

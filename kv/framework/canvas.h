@@ -1,4 +1,4 @@
-// Anti-aliased drawing into a 32-bit bitmap. Shapes are converted to exact area coverage (kv/framework/coverage.h) and
+// Antialiased drawing into a 32-bit bitmap. Shapes are converted to exact area coverage (kv/framework/coverage.h) and
 // blended once, so the result is the same on every system. GDI can draw into the same bitmap in between, for text and
 // frames.
 //
@@ -71,7 +71,7 @@ class Canvas {
   bool gdiKnowsClip_ = true, gdiIsClipped_ = false;
 };
 
-// The fill of a shape: one colour, or a vertical gradient between the heights `from` and `to`.
+// The fill of a shape: one color, or a vertical gradient between the heights `from` and `to`.
 struct Paint {
   Paint(COLORREF color) : top(color), bottom(color) {}
   Paint(COLORREF upper, COLORREF lower, double start, double end) : top(upper), bottom(lower), from(start), to(end) {}
@@ -79,19 +79,19 @@ struct Paint {
   double from = 0, to = 0;
 };
 
-PointD PolarPoint(PointD centre, double radius, double degrees);
+PointD PolarPoint(PointD center, double radius, double degrees);
 // Returns the smallest rectangle of whole pixels around the points and `margin` pixels about them, within `limit`.
 RECT BoundsOf(std::span<const PointD> points, double margin, const RECT& limit);
 
 void FillPolygon(Canvas& canvas, std::span<const PointD> corners, const Paint& paint);
-void FillDisc(Canvas& canvas, PointD centre, double radius, const Paint& paint);
-void FillGradientDisc(Canvas& canvas, PointD centre, double radius, COLORREF top, COLORREF bottom);
+void FillDisc(Canvas& canvas, PointD center, double radius, const Paint& paint);
+void FillGradientDisc(Canvas& canvas, PointD center, double radius, COLORREF top, COLORREF bottom);
 // A sector of up to 360 degrees. With an `inner` radius of 0 it is a pie slice.
-void FillAnnularSector(Canvas& canvas, PointD centre, double inner, double outer, double from, double to,
+void FillAnnularSector(Canvas& canvas, PointD center, double inner, double outer, double from, double to,
                        const Paint& paint);
 void FillLine(Canvas& canvas, PointD from, PointD to, double width, const Paint& paint);
 
-// Fills whole pixels with one colour, or with a gradient from left to right or from top to bottom.
+// Fills whole pixels with one color, or with a gradient from left to right or from top to bottom.
 void FillArea(Canvas& canvas, const RECT& area, COLORREF color);
 void FillAreaAcross(Canvas& canvas, const RECT& area, COLORREF left, COLORREF right);
 void FillAreaDown(Canvas& canvas, const RECT& area, COLORREF top, COLORREF bottom);

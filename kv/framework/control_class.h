@@ -1,5 +1,5 @@
 // What the library's window classes share: registration, the flags of the command message, repainting and notifications
-// to the parent; the kinds of controls; and forwarding mouse input to the control beneath. Main thread only.
+// to the parent; the kinds of controls; and forwarding mouse input to the control behind it. Main thread only.
 #pragma once
 
 #ifdef _WIN64
@@ -62,7 +62,7 @@ ControlKind ClassifyClassName(const char* className);
 // Returns the kind of a window; kControlOther when it does not exist.
 ControlKind ClassifyControl(HWND window);
 
-// In a DPI-aware host, coordinates are in the host's pixels; nothing depends on the DPI.
+// In a DPI-aware program, coordinates are in the program's pixels; nothing depends on the DPI.
 
 // Forwards a mouse message of `window`, or a WM_COMMAND, to the visible siblings under the mouse cursor that accept
 // input (buttons, edits, combo boxes, list boxes, tree views), in z-order.

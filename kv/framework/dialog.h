@@ -1,7 +1,7 @@
 // The window class of the framework's dialogs, the table of modeless dialogs, and helpers for two of their controls.
 // Main thread only.
 //
-// In a DPI-aware host, a dialog has the size that the system computes from its template's units and font.
+// In a DPI-aware program, a dialog has the size that the system computes from its template's units and font.
 #pragma once
 
 #include <windows.h>

@@ -38,7 +38,7 @@ int LayoutSlotOf(HWND dialog, int firstId, int lastId, int id);
 // Give it a blank as text to avoid that. Multi-line edits get the system's stock font, which does not scale; list boxes
 // and other kinds of controls keep their font.
 //
-// In a DPI-aware host, positions and sizes follow the captured ones at any DPI. Fonts are 14 pixels high at scale 1,
+// In a DPI-aware program, positions and sizes follow the captured ones at any DPI. Fonts are 14 pixels high at scale 1,
 // and combo boxes with their lists 512 pixels, at every DPI.
 //
 // Returns 0 when the dialog does not exist or slot 0 is not readable.

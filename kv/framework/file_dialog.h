@@ -1,7 +1,7 @@
 // Open and save dialogs for files. Main thread only. Callers build default paths on ProgramDirectory
 // (kv/framework/file_path.h).
 //
-// In a DPI-aware host, the dialog is the system's own.
+// In a DPI-aware program, the dialog is the system's own.
 #pragma once
 
 #include <windows.h>
@@ -15,7 +15,7 @@ namespace kv {
 // `path`, when the user chose one. The file may not exist; a file chosen for saving may exist, and the caller confirms
 // overwriting.
 //
-// Returns 0, with `path` unchanged, when the user cancelled, when the dialog failed (a message box "Error" shows its
+// Returns 0, with `path` unchanged, when the user canceled, when the dialog failed (a message box "Error" shows its
 // code), or when path or title is not readable or the path not writable.
 //
 // Quirk: saving first creates a folder with the whole proposed path, name included, unless something has that name;

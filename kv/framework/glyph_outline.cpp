@@ -47,12 +47,12 @@ class OutlineWriter {
     return true;
   }
   bool AddQuadratic(const PointD& control, const PointD& end) {
-    const auto towards = [&control](const PointD& from) {
+    const auto toward = [&control](const PointD& from) {
       return PointD{from.x + (control.x - from.x) * 2 / 3, from.y + (control.y - from.y) * 2 / 3};
     };
     const double bulge = std::hypot(last_.x - 2 * control.x + end.x, last_.y - 2 * control.y + end.y) / 4 / unit_;
     const int lines = static_cast<int>(std::ceil(std::sqrt(bulge / kFlatness)));
-    return AddCurve(towards(last_), towards(end), end, std::clamp(lines, 1, kMaxLinesPerCurve));
+    return AddCurve(toward(last_), toward(end), end, std::clamp(lines, 1, kMaxLinesPerCurve));
   }
 
   bool EndFigure() {
@@ -135,14 +135,14 @@ bool OutlineOfCharacter(const wchar_t* faceName, int weight, wchar_t character, 
   return false;
 }
 
-void FillGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD centre, double along, double height, double degrees,
+void FillGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD center, double along, double height, double degrees,
                const Paint& paint, double stretch) {
   BeginShape(canvas);
-  AddGlyph(canvas, glyph, centre, along, height, degrees, paint, stretch);
+  AddGlyph(canvas, glyph, center, along, height, degrees, paint, stretch);
   FillShape(canvas, paint);
 }
 
-void AddGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD centre, double along, double height, double degrees,
+void AddGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD center, double along, double height, double degrees,
               const Paint& paint, double stretch) {
   if (glyph.contours == 0) return;
   if (!canvas.shape().HasCapacityFor(glyph.ends[glyph.contours - 1])) {
@@ -154,7 +154,7 @@ void AddGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD centre, double a
   for (int contour = 0, from = 0; contour < glyph.contours; from = glyph.ends[contour++]) {
     for (int i = from; i < glyph.ends[contour]; ++i) {
       const double x = glyph.points[i].x * height * stretch + along, y = glyph.points[i].y * height;
-      corners[i] = {centre.x + x * cosine - y * sine, centre.y + x * sine + y * cosine};
+      corners[i] = {center.x + x * cosine - y * sine, center.y + x * sine + y * cosine};
     }
     canvas.shape().AddContour({&corners[from], static_cast<size_t>(glyph.ends[contour] - from)});
   }

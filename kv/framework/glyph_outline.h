@@ -28,13 +28,13 @@ struct GlyphOutline {
 bool OutlineOfCharacter(const wchar_t* faceName, int weight, wchar_t character, GlyphOutline* outline);
 
 // Draws an outline, with capitals `height` pixels tall and the width multiplied by `stretch`, moved by `along` on its
-// baseline and rotated about `centre`.
-void FillGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD centre, double along, double height, double degrees,
+// baseline and rotated about `center`.
+void FillGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD center, double along, double height, double degrees,
                const Paint& paint, double stretch = 1);
 
 // Adds the outline to the shape begun with BeginShape. If the shape has no capacity left, it is filled with `paint` and
 // a new one begins; finish with FillShape and the same paint.
-void AddGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD centre, double along, double height, double degrees,
+void AddGlyph(Canvas& canvas, const GlyphOutline& glyph, PointD center, double along, double height, double degrees,
               const Paint& paint, double stretch = 1);
 
 }  // namespace kv

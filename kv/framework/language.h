@@ -4,8 +4,8 @@
 // A language index is 0 to 23; 0 is English. Indexes 19 to 22 are reserved and have no code; 23 has the same code, and
 // so the same files, as 3. Main thread only.
 //
-// In a DPI-aware host, the menu's bitmaps keep the size of the resources; GetSystemMetrics(SM_CXMENUCHECK) returns the
-// size that fits.
+// In a DPI-aware program, the menu's bitmaps keep the size of the resources; GetSystemMetrics(SM_CXMENUCHECK) returns
+// the size that fits.
 #pragma once
 
 #include <windows.h>
@@ -95,7 +95,7 @@ HMENU BuildLanguageMenu(int current, HINSTANCE instance, UINT firstCommand, UINT
 // returns 1.
 BOOL FreeLanguageMenuBitmaps(const HBITMAP* handles);
 
-// Recognises a "yes" that the user typed. Any thread; no state.
+// Recognizes a "yes" that the user typed. Any thread; no state.
 
 // Returns 1 if the first word of `text` means yes, enabled, positive, on or true in the language (an index of the
 // language table), or if it contains "1", "+" or "yes". The comparison ignores case as far as the C runtime's locale

@@ -4,7 +4,7 @@
 // removed is added again with its last properties; the owner need not act. A hidden window receives the taskbar's
 // message, so the thread that adds icons must dispatch messages.
 //
-// In a DPI-aware host, the shell does not scale the icon: pass one of the size GetSystemMetrics(SM_CXSMICON).
+// In a DPI-aware program, the shell does not scale the icon: pass one of the size GetSystemMetrics(SM_CXSMICON).
 #pragma once
 
 #include <windows.h>

@@ -8,7 +8,7 @@
 
 namespace kv {
 
-// Returns the value truncated towards zero, clamped to the range of int; 0 for NaN.
+// Returns the value truncated toward zero, clamped to the range of int; 0 for NaN.
 constexpr int ToInt(double value) {
   if (value >= INT_MAX) return INT_MAX;
   if (value <= INT_MIN) return INT_MIN;

@@ -29,7 +29,7 @@ class OutputFile {
   bool Append(std::string_view bytes);
   LONGLONG size() const { return size_; }
 
-  // Flushes the file and renames it to its target, replacing that. More bytes can be appended afterwards. Does nothing
+  // Flushes the file and renames it to its target, replacing that. More bytes can be appended afterward. Does nothing
   // the second time.
   bool Publish();
   bool isPublished() const { return isPublished_; }

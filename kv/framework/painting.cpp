@@ -87,7 +87,7 @@ void DrawRoundedFrame(HDC dc, const RECT& area, int radius, int width, COLORREF 
 }
 
 void DrawFocusFrame(HDC dc, const RECT& area) {
-  // The dots have the text's colours, whichever the device context has.
+  // The dots have the text's colors, whichever the device context has.
   const COLORREF text = SetTextColor(dc, RGB(0, 0, 0)), background = SetBkColor(dc, RGB(255, 255, 255));
   DrawFocusRect(dc, &area);
   SetTextColor(dc, text);

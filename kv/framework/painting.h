@@ -1,5 +1,5 @@
 // Drawing functions shared by dialogs and controls. They take a device context and rectangles, access no window, and
-// restore the device context. Colours are COLORREF 0x00BBGGRR. Any thread, with its own device contexts and windows.
+// restore the device context. Colors are COLORREF 0x00BBGGRR. Any thread, with its own device contexts and windows.
 #pragma once
 
 #include <windows.h>
@@ -9,16 +9,16 @@ namespace kv {
 // The background blue of the framework's dialogs (red 0x41, green 0x41, blue 0xFF).
 inline constexpr COLORREF kDialogBlue = 0xFF4141;
 
-// Blends two colours: each channel is start + (end - start) * step / steps, truncated towards zero, with the magnitude
+// Blends two colors: each channel is start + (end - start) * step / steps, truncated toward zero, with the magnitude
 // masked to 8 bits. Step 0 gives `start`, step `steps` gives `end`. Returns 0 and writes nothing when `steps` is 0 or
 // `result` is not writable.
 BOOL BlendColor(COLORREF start, COLORREF end, int steps, int step, COLORREF* result);
 
-// Returns the colour with each channel multiplied by `factor` and clamped to 0..255.
+// Returns the color with each channel multiplied by `factor` and clamped to 0..255.
 COLORREF ShadeColor(COLORREF color, double factor);
 
-// Returns a colour for `value` relative to `full`: green at 0, amber at half, red at and above `full`. The magnitude of
-// a negative value is used; NaN, and a `full` that is not positive, give the colour for 0.
+// Returns a color for `value` relative to `full`: green at 0, amber at half, red at and above `full`. The magnitude of
+// a negative value is used; NaN, and a `full` that is not positive, give the color for 0.
 COLORREF SeverityColor(double value, double full);
 
 void FillSolid(HDC dc, const RECT& area, COLORREF color);
@@ -38,7 +38,7 @@ void DrawRoundedFrame(HDC dc, const RECT& area, int radius, int width, COLORREF 
 // Draws the dotted frame of the keyboard focus just inside `area`.
 void DrawFocusFrame(HDC dc, const RECT& area);
 
-// Replaces every pixel of exactly the colour `from` with `to`, or the nearest colour of the device. `dc` must be
+// Replaces every pixel of exactly the color `from` with `to`, or the nearest color of the device. `dc` must be
 // compatible with the bitmap, which must not be selected into any device context. Returns 0 if the bitmap cannot be
 // read or written.
 BOOL ReplaceBitmapColor(HDC dc, HBITMAP bitmap, COLORREF from, COLORREF to);
@@ -47,8 +47,8 @@ BOOL ReplaceBitmapColor(HDC dc, HBITMAP bitmap, COLORREF from, COLORREF to);
 // 4 blue. Buffers are cached per thread.
 inline constexpr int kSchemeAmber = 2, kSchemeGreen = 3, kSchemeBlue = 4;
 inline constexpr UINT kButtonLit = 1;       // brighter
-inline constexpr UINT kButtonGradient = 2;  // vertical gradient instead of one colour
-inline constexpr UINT kButtonPaused = 4;    // two bars at the right, for users who cannot distinguish the colours
+inline constexpr UINT kButtonGradient = 2;  // vertical gradient instead of one color
+inline constexpr UINT kButtonPaused = 4;    // two bars at the right, for users who cannot distinguish the colors
 void DrawStatusButton(const DRAWITEMSTRUCT& item, int scheme, UINT flags);
 
 }  // namespace kv

@@ -38,7 +38,7 @@ struct ButtonColors {
   COLORREF top, bottom, rim;
 };
 
-// The top is lighter than the scheme's colour, but dark enough for white text.
+// The top is lighter than the scheme's color, but dark enough for white text.
 ButtonColors ButtonColorsOf(int scheme, UINT flags, bool pressed) {
   const bool lit = (flags & kButtonLit) != 0;
   const COLORREF color = ShadeColor(SchemeColor(scheme), lit ? 1.0 : 0.8);

@@ -1,6 +1,6 @@
 // Tooltips for the buttons of a toolbar or the controls of a dialog, from a table. Main thread only.
 //
-// In a DPI-aware host, the system draws the tooltips. Recreate a toolbar's tooltips when the DPI changes the size of
+// In a DPI-aware program, the system draws the tooltips. Recreate a toolbar's tooltips when the DPI changes the size of
 // its buttons.
 #pragma once
 

@@ -44,7 +44,8 @@ RECT StoredPosition(HWND window, const char* name) {
   RECT desktop{}, present{};
   GetClientRect(GetDesktopWindow(), &desktop);
   GetWindowRect(window, &present);
-  return CentredPosition({desktop.right, desktop.bottom}, {present.right - present.left, present.bottom - present.top});
+  return CenteredPosition({desktop.right, desktop.bottom},
+                          {present.right - present.left, present.bottom - present.top});
 }
 
 // Returns the distance between two edges, clamped.
@@ -53,7 +54,7 @@ int Extent(LONG from, LONG to) {
 }
 
 BOOL SavePosition(HWND window, const char* name) {
-  // A minimised or maximised rectangle is not worth restoring.
+  // A minimized or maximized rectangle is not worth restoring.
   if (IsIconic(window) || IsZoomed(window)) return FALSE;
   RECT position{};
   GetWindowRect(window, &position);
@@ -94,7 +95,7 @@ RECT ClampPosition(RECT position) {
   return position;
 }
 
-RECT CentredPosition(SIZE desktop, SIZE window) {
+RECT CenteredPosition(SIZE desktop, SIZE window) {
   const LONG left = desktop.cx / 2 - (window.cx >> 1);
   const LONG top = desktop.cy / 2 - (window.cy >> 1);
   return {left, top, left + window.cx, top + window.cy};
@@ -144,10 +145,10 @@ void KeepInSight(HWND window, SIZE minimumSize) {
                      rect.top + GetSystemMetrics(SM_CYCAPTION)};
   if (!MonitorFromRect(&caption, MONITOR_DEFAULTTONULL)) {
     SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
-    const RECT centred = CentredPosition({work.right - work.left, work.bottom - work.top}, size);
+    const RECT centered = CenteredPosition({work.right - work.left, work.bottom - work.top}, size);
     // Keeps the caption reachable even when the window is larger than the screen.
-    rect.left = work.left + std::max(centred.left, 0L);
-    rect.top = work.top + std::max(centred.top, 0L);
+    rect.left = work.left + std::max(centered.left, 0L);
+    rect.top = work.top + std::max(centered.top, 0L);
   }
   SetWindowPos(window, nullptr, rect.left, rect.top, size.cx, size.cy, SWP_NOZORDER | SWP_NOACTIVATE);
 }

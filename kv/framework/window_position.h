@@ -1,7 +1,8 @@
 // Stores window positions, and single numbers, in the registry below HKEY_CURRENT_USER, in "WindowPositions" of the
 // program's key. Main thread only; nothing is cached: every call reads or writes the registry.
 //
-// In a DPI-aware host, rectangles are stored and restored in the host's pixels, also when the DPI has changed since.
+// In a DPI-aware program, rectangles are stored and restored in the program's pixels, also when the DPI has changed
+// since.
 #pragma once
 
 #include <windows.h>
@@ -16,15 +17,15 @@ const char* SettingsKey();
 
 inline constexpr char kWindowPositionsKey[] = "Software\\korvel\\WindowPositions";
 
-inline constexpr int kPositionSave = 0;         // stores the outer rectangle; not while minimised or maximised
+inline constexpr int kPositionSave = 0;         // stores the outer rectangle; not while minimized or maximized
 inline constexpr int kPositionRestore = 1;      // restores position and size, and shows the window
 inline constexpr int kPositionRestoreOnly = 2;  // restores the position only
 
 // Saves or restores the outer rectangle of `window` under the value `name`, as the text "left,top,right,bottom" in
-// screen pixels. When nothing is stored, restoring centres the window on the desktop at its present size. A mode above
+// screen pixels. When nothing is stored, restoring centers the window on the desktop at its present size. A mode above
 // 2 reads the stored text, clamps it as a restore does and stores it again, without moving the window.
 //
-// Returns 0 for a window that does not exist, an unreadable name, a negative mode, and when a minimised or maximised
+// Returns 0 for a window that does not exist, an unreadable name, a negative mode, and when a minimized or maximized
 // window is to be saved. Failure to write the registry is ignored.
 BOOL WindowPosition(HWND window, const char* name, int mode);
 
@@ -40,7 +41,7 @@ BOOL WindowNumber(const char* name, DWORD* number, int mode);
 void PlaceOverOwner(HWND window);
 
 // Call after restoring a window's position: shrinks a window that is larger than its monitor's work area, makes it at
-// least `minimumSize` large, and centres it on the primary monitor when no monitor shows enough of its caption to drag
+// least `minimumSize` large, and centers it on the primary monitor when no monitor shows enough of its caption to drag
 // it.
 void KeepInSight(HWND window, SIZE minimumSize);
 
@@ -53,6 +54,6 @@ RECT ParsePosition(const char* text);
 RECT ClampPosition(RECT position);
 
 // Returns the rectangle of a window of this size in the middle of the desktop.
-RECT CentredPosition(SIZE desktop, SIZE window);
+RECT CenteredPosition(SIZE desktop, SIZE window);
 
 }  // namespace kv

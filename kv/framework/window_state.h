@@ -85,7 +85,7 @@ bool CopyItemIn(LPARAM address, Item* item) {
 // Fills the 24 bytes at `state` with zeros and returns the address; null when they are not writable.
 void* ZeroRecord24(void* state);
 
-// Initialises a lock, which the caller owns and deletes. Always returns 0; does nothing if the memory is not writable.
+// Initializes a lock, which the caller owns and deletes. Always returns 0; does nothing if the memory is not writable.
 int InitLock(CRITICAL_SECTION* lock);
 
 }  // namespace kv

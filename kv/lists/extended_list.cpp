@@ -84,7 +84,7 @@ void RedrawSurface(HWND window, ListState* state, HDC compatibleWith) {
   if (state->bDirty) InvalidateRect(window, nullptr, TRUE);
 }
 
-// Copies the surface, and fills the rest of the client area with the window colour.
+// Copies the surface, and fills the rest of the client area with the window color.
 void ShowSurface(HDC dc, SIZE client, HBITMAP surface, SIZE size, LONG horizontalOffset) {
   if (surface) {
     const LONG left = SurfaceLeft(horizontalOffset, size.cx, client.cx);

@@ -3,8 +3,8 @@
 // rows, however long the list is, and draws into an off-screen surface; scrolling horizontally only shifts the surface.
 // Main thread only.
 //
-// In a DPI-aware host, rows have the height that the parent returns (17 pixels if it does not), a horizontal step is 17
-// pixels at every DPI, and the bars are the system's.
+// In a DPI-aware program, rows have the height that the parent returns (17 pixels if it does not), a horizontal step is
+// 17 pixels at every DPI, and the bars are the system's.
 //
 // Messages:
 //   LB_SETCOUNT             wParam: the number of rows, unsigned, at most 2^32 - 1; repaints
@@ -19,7 +19,7 @@
 // The parent receives, as from an owner-drawn list box, but with control type 0 and no item data:
 //   WM_MEASUREITEM  before each redraw, with a height of 17; a result of 0 or less is replaced by 17
 //   WM_DRAWITEM     with rows: the header (item -1, at the top), then each visible row, across the whole surface. The
-//                   surface is filled with the window colour before
+//                   surface is filled with the window color before
 // The parent may change, resize or destroy the list while it draws; a changed list is redrawn at the next WM_PAINT.
 // Both structs are valid until the parent returns, even if the list is destroyed.
 //
@@ -41,7 +41,7 @@ inline constexpr UINT kHeaderRow = static_cast<UINT>(-1);  // DRAWITEMSTRUCT::it
 BOOL RegisterExtendedListClass(HINSTANCE instance, BOOL registerIt);
 
 // The lists' key below HKEY_CURRENT_USER. A list creates it when the left button is released and when it is destroyed,
-// and stores nothing in it: the key is for the host's settings.
+// and stores nothing in it: the key is for the program's settings.
 inline constexpr char kExtendedListSettingsPath[] = "Software\\korvel\\WindowPositions\\ExtendedListWindows";
 
 // Opens and closes the settings key. Returns 0 when it does not exist or cannot be opened.

@@ -1,4 +1,4 @@
-// Fonts and colours for owner-drawn content that matches the system's controls. Main thread only.
+// Fonts and colors for owner-drawn content that matches the system's controls. Main thread only.
 #pragma once
 
 #include <windows.h>
@@ -16,15 +16,15 @@ OwnedFont MakeFont(int height, int weight);
 // The same with a fixed pitch.
 OwnedFont MakeFixedPitchFont(int height, int weight);
 
-// Draws text with the font and colour of `dc`, a DrawText format and the direction of the current language. Text that
+// Draws text with the font and color of `dc`, a DrawText format and the direction of the current language. Text that
 // does not fit ends in an ellipsis; "&" has no special meaning.
 void DrawFitted(HDC dc, const std::wstring& text, RECT area, UINT format);
 
-// Blends the background colour of lists with `percent` of their text colour. With a low percentage, text on it is
+// Blends the background color of lists with `percent` of their text color. With a low percentage, text on it is
 // readable in high contrast, too.
 COLORREF ListShade(int percent);
 
-// Whether the user has turned on high contrast. Then use only system colours.
+// Whether the user has turned on high contrast. Then use only system colors.
 bool IsHighContrast();
 
 }  // namespace kv

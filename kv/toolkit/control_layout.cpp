@@ -38,7 +38,7 @@ bool IsLabel(HWND control) {
 }
 
 // Beside a field or a box, a label is on the same line at every size of the dialog.
-void CentreOneLineLabel(HWND dialog, HWND control) {
+void CenterOneLineLabel(HWND dialog, HWND control) {
   if (!IsLabel(control) || SizeOf(control).cy >= 2 * TextHeightOf(dialog)) return;
   SetWindowLongW(control, GWL_STYLE, GetWindowLongW(control, GWL_STYLE) | SS_CENTERIMAGE);
 }
@@ -63,7 +63,7 @@ void UnstretchFont(HWND control, int textPx) {
 }
 
 // Edit controls align their text to the top. In a dialog larger than its template they are therefore only as high as
-// the text requires, and centred.
+// the text requires, and centered.
 void UnstretchField(HWND dialog, HWND control, const DialogScale& scale, int textPx) {
   const bool isField = ClassifyControl(control) == kControlEdit && !(GetWindowLongW(control, GWL_STYLE) & ES_MULTILINE);
   if (!isField && !IsOfClass(control, UPDOWN_CLASSW)) return;
@@ -121,7 +121,7 @@ void CaptureControls(HWND dialog, DialogState& state) {
   size_t controls = 0;
   VisitChildren(dialog, [&](HWND child) {
     controls += IsInRange(state.options, child);
-    CentreOneLineLabel(dialog, child);
+    CenterOneLineLabel(dialog, child);
     if (SendMessageW(child, WM_GETDLGCODE, 0, 0) & DLGC_DEFPUSHBUTTON) state.hasDefaultButton = true;
   });
   state.slots.resize(controls + 1);

@@ -1,4 +1,4 @@
-// Where the toolkit's dialogs were: position, size and maximised state.
+// Where the toolkit's dialogs were: position, size and maximized state.
 #include <windows.h>
 
 #include "kv/framework/window_position.h"
@@ -12,15 +12,15 @@ void RestorePosition(HWND dialog, const DialogState& state) {
   if (options.positionName) WindowPosition(dialog, options.positionName, kPositionRestore);
   if (state.kind == DialogKind::kModal) PlaceOverOwner(dialog);
   KeepInSight(dialog, state.minimumSize);
-  DWORD maximised = FALSE;
-  if (options.maximisedName) WindowNumber(options.maximisedName, &maximised, kPositionRestore);
-  if (maximised) ShowWindow(dialog, SW_MAXIMIZE);
+  DWORD maximized = FALSE;
+  if (options.maximizedName) WindowNumber(options.maximizedName, &maximized, kPositionRestore);
+  if (maximized) ShowWindow(dialog, SW_MAXIMIZE);
 }
 
-// Also of a maximised or minimised window, which WindowPosition would not save.
+// Also of a maximized or minimized window, which WindowPosition would not save.
 void SavePosition(HWND dialog, const ScaledDialog& options) {
-  DWORD maximised = IsZoomed(dialog) != FALSE;
-  if (options.maximisedName && !IsIconic(dialog)) WindowNumber(options.maximisedName, &maximised, kPositionSave);
+  DWORD maximized = IsZoomed(dialog) != FALSE;
+  if (options.maximizedName && !IsIconic(dialog)) WindowNumber(options.maximizedName, &maximized, kPositionSave);
   if (!options.positionName || WindowPosition(dialog, options.positionName, kPositionSave)) return;
   WINDOWPLACEMENT placement{.length = sizeof(placement)};
   MONITORINFO monitor{.cbSize = sizeof(monitor)};

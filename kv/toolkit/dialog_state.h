@@ -52,7 +52,7 @@ std::shared_ptr<DialogState> DialogStateOf(HWND dialog);
 HWND CreateScaledDialog(HWND owner, const ScaledDialog& dialog, DialogKind kind);
 void ReportMissing(const wchar_t* templateName);
 
-// Save and restore position, size and maximised state; a page has none.
+// Save and restore position, size and maximized state; a page has none.
 void RestorePosition(HWND dialog, const DialogState& state);
 void SavePosition(HWND dialog, const ScaledDialog& options);
 

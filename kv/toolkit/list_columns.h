@@ -28,7 +28,7 @@ struct ListSorting {
 using ListCellText = std::function<std::wstring(UINT row, int column)>;
 
 // Handles WM_DRAWITEM of a list: draws the header or one row. Rows have alternating shades, the selected row the
-// system's selection colours. The text height is `textPx` pixels; 0: derived from the row height.
+// system's selection colors. The text height is `textPx` pixels; 0: derived from the row height.
 void DrawListRow(const DRAWITEMSTRUCT& item, std::span<const ListColumn> columns, const ListCellText& text,
                  ListSorting sorting = {}, int textPx = 0);
 

@@ -10,11 +10,11 @@
 // The template has the class KV_DIALOG and the style KV_RESIZABLE_DIALOG (resource.h). Every dialog has these features:
 //
 //   Fonts          all texts have one size, which follows the smaller scale, and the font's own proportions. The text of a
-//                  label without text becomes a blank. A label of one line is centred vertically, as is the text of a
+//                  label without text becomes a blank. A label of one line is centered vertically, as is the text of a
 //                  box beside it; a field is as high as its text requires.
 //   Tooltips       show the whole text of a truncated label or button
 //   Direction      see languages.h
-//   Colours        labels have the system's colours, or contrast with `background`; colour changes are forwarded to all
+//   Colors        labels have the system's colors, or contrast with `background`; color changes are forwarded to all
 //                  controls
 //   Notifications  WM_NOTIFY contains wide texts
 //   Keyboard       F6 and Ctrl+Tab move between a dialog and its page (pages.h). Tab leaves a multi-line edit control.
@@ -60,8 +60,8 @@ struct ScaledDialog {
   // The name under which the position is stored (kv/framework/window_position.h). Null: not stored; the template
   // defines the position. The restored position is always on a visible part of the desktop.
   const char* positionName = nullptr;
-  // The name under which the maximised state is stored; null: not stored.
-  const char* maximisedName = nullptr;
+  // The name under which the maximized state is stored; null: not stored.
+  const char* maximizedName = nullptr;
 
   // Of the whole window, in pixels; at least the size at which texts are 11 pixels high, at which they stop shrinking.
   // 0: the size of the template.
@@ -131,8 +131,8 @@ int RunDialog(HINSTANCE instance, const ScaledDialog& dialog);
 HWND OpenDialog(HWND owner, const ScaledDialog& dialog);
 
 // Runs a modal dialog and returns the id of its button (IDOK, IDCANCEL, or the result that the procedure passes to
-// EndDialog); -1 when it cannot be opened. It is centered over `owner`, with the stored size, and cannot be minimized or
-// maximized.
+// EndDialog); -1 when it cannot be opened. It is centered over `owner`, with the stored size, and cannot be minimized
+// or maximized.
 INT_PTR RunModalDialog(HWND owner, const ScaledDialog& dialog);
 
 // Dispatches messages until the window is destroyed or the process quits; returns the exit code. Handles the keys of

@@ -20,7 +20,7 @@ FlightTrack MakeFlightTrack(double latitude, double longitude, std::span<FlightT
 // Writes a KML document with the appearance in `settings`; the default are the user's settings.
 bool WriteKml(const wchar_t* path, const FlightTrack& track, const KmlSettings& settings = ReadKmlSettings());
 
-// Writes one line for each point: longitude and latitude in degrees, altitude in metres, from the fields that the
+// Writes one line for each point: longitude and latitude in degrees, altitude in meters, from the fields that the
 // point's kind selects. A point of unknown kind repeats the previous position; for the first point, that is the track's
 // origin.
 bool WriteWaypoints(const wchar_t* path, const FlightTrack& track);

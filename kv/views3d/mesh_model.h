@@ -35,7 +35,7 @@ struct MeshModel {
   double angleB;  // rotation in the z-y plane
   double angleC;  // rotation in the x-z plane
   double scale;
-  std::uint32_t shadeTable[256];  // colours; initially entry i is the grey of level i
+  std::uint32_t shadeTable[256];  // colors; initially entry i is the gray of level i
 };
 
 struct MeshVertex {
@@ -79,7 +79,7 @@ BOOL meshUnlock(MeshModel* model);
 // The angles that meshSetView sets.
 inline constexpr std::uint8_t kMeshSetAngleA = 1, kMeshSetAngleB = 2, kMeshSetAngleC = 4;
 
-// Sets the scale to factor1 * factor2 in any case, and each angle (degrees) whose flag is set, normalised to -180..180.
+// Sets the scale to factor1 * factor2 in any case, and each angle (degrees) whose flag is set, normalized to -180..180.
 // An angle that is not finite does not change the stored one.
 BOOL meshSetView(HGLOBAL mesh, double factor1, double factor2, double angleA, double angleB, double angleC,
                  std::uint8_t flags);

@@ -79,7 +79,7 @@ def write_index():
 
 
 def write_sheet(name, icons, face, zoom):
-    """The toolbar's images on a toolbar's grey, enlarged without interpolation."""
+    """The toolbar's images on a toolbar's gray, enlarged without interpolation."""
     columns = 11
     cell = (SIDE + 6) * zoom
     rows = -(-len(icons) // columns)

@@ -5,9 +5,9 @@ from palette import INK, WHITE
 from pen import arc, around, circle, curve, join, line, polygon, rect
 
 
-def _waves(pen, x, y, start, end, radii, colour):
+def _waves(pen, x, y, start, end, radii, color):
     for radius in radii:
-        pen.stroke(arc(x, y, radius, start, end), colour, 1.6)
+        pen.stroke(arc(x, y, radius, start, end), color, 1.6)
 
 
 def _shell(x):
@@ -22,11 +22,11 @@ def _plug(pen, x, prongs):
     pen.shape(_shell(x), "amber")
 
 
-def _socket(pen, x, colour):
+def _socket(pen, x, color):
     """The plug's other half, its back at x, looking to the left."""
     with pen.turned(180, x, 12):
         pen.rod(line((x - 6, 12), (x + 1, 12)), "slate", 1.8)
-        pen.shape(_shell(x), colour)
+        pen.shape(_shell(x), color)
 
 
 @icon
@@ -73,8 +73,8 @@ def network(pen):
     pen.stroke(line((12, 8), (12, 12)), INK, 2, butt=True)
     pen.stroke(line((5, 16), (5, 12), (19, 12), (19, 16)), INK, 2)
     pen.shape(rect(7.5, 2.5, 9, 6, 1), "blue")
-    for x, colour in ((1.5, "green"), (14.5, "amber")):
-        pen.shape(rect(x, 15.5, 8, 6, 1), colour)
+    for x, color in ((1.5, "green"), (14.5, "amber")):
+        pen.shape(rect(x, 15.5, 8, 6, 1), color)
 
 
 @icon

@@ -8,8 +8,8 @@ from pen import arc, around, circle, closed, curve, join, line, polygon, rect, s
 @icon
 def gauge(pen):
     pen.shape(circle(12, 12, 9.5), "white")
-    for start, end, colour in ((140, 230, (60, 160, 60)), (230, 310, (240, 170, 30)), (310, 400, (214, 48, 42))):
-        pen.stroke(arc(12, 12, 7, start, end), colour, 2.4, butt=True)
+    for start, end, color in ((140, 230, (60, 160, 60)), (230, 310, (240, 170, 30)), (310, 400, (214, 48, 42))):
+        pen.stroke(arc(12, 12, 7, start, end), color, 2.4, butt=True)
     pen.stroke(line((12, 12), (16.2, 8.2)), INK, 1.8)
     pen.fill(circle(12, 12, 2), INK)
 
@@ -147,7 +147,7 @@ def contrast(pen):
 
 
 @icon
-def colour(pen):
+def color(pen):
     pen.shape(
         curve(
             "M 12 3 C 5.5 3 1.5 7 1.5 12.2 C 1.5 17.6 5.5 21 10 21 C 13.4 21 11.8 18 12.8 16.8 "

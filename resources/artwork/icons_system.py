@@ -56,7 +56,7 @@ def home(pen):
 
 
 @icon
-def favourite(pen):
+def favorite(pen):
     pen.shape(star(12, 12.8, 10.5, 4.4, 5), "amber")
 
 
@@ -159,7 +159,7 @@ def bug(pen):
         pen.fill(circle(x, y, 1.1), INK)
 
 
-def _thick_cross(pen, reach, colour):
+def _thick_cross(pen, reach, color):
     """Arms five pixels wide; the outline of its upper right quarter, turned four times."""
     corners = []
     for turn in range(4):
@@ -167,7 +167,7 @@ def _thick_cross(pen, reach, colour):
             for _ in range(turn):
                 x, y = -y, x
             corners.append((12 + x, 12 + y))
-    pen.shape(polygon(*corners), colour)
+    pen.shape(polygon(*corners), color)
 
 
 @icon

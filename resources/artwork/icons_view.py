@@ -10,16 +10,16 @@ AXES = line((3, 3), (3, 21), (21, 21))
 @icon
 def points(pen):
     pen.shape(rect(1.5, 3.5, 21, 17, 1.5), "night")
-    for (x, y), colour in zip(((7, 8.5), (17, 7.5), (8.5, 15.5), (16.5, 15)), POINTS):
-        pen.glow(x, y, 4, colour)
-        pen.fill(circle(x, y, 1.6), colour)
+    for (x, y), color in zip(((7, 8.5), (17, 7.5), (8.5, 15.5), (16.5, 15)), POINTS):
+        pen.glow(x, y, 4, color)
+        pen.fill(circle(x, y, 1.6), color)
         pen.fill(circle(x, y, 0.8), WHITE)
 
 
 @icon
 def target(pen):
-    for radius, colour in ((9.5, "red"), (6.5, "white"), (3.5, "red")):
-        pen.shape(circle(12, 12, radius), colour)
+    for radius, color in ((9.5, "red"), (6.5, "white"), (3.5, "red")):
+        pen.shape(circle(12, 12, radius), color)
     pen.fill(circle(12, 12, 1.2), WHITE)
 
 
@@ -89,8 +89,8 @@ def table(pen):
 
 @icon
 def bullet_list(pen):
-    for y, colour in ((5, "red"), (12, "amber"), (19, "green")):
-        pen.shape(circle(4.5, y, 2.5), colour)
+    for y, color in ((5, "red"), (12, "amber"), (19, "green")):
+        pen.shape(circle(4.5, y, 2.5), color)
         pen.fill(rect(10, y - 1, 12, 2), (78, 94, 116))
 
 
@@ -108,8 +108,8 @@ def mesh(pen):
 
 @icon
 def layers(pen):
-    for y, colour in ((16, "green"), (11.5, "amber"), (7, "blue")):
-        pen.shape(polygon((12, y - 5), (22, y), (12, y + 5), (2, y)), colour)
+    for y, color in ((16, "green"), (11.5, "amber"), (7, "blue")):
+        pen.shape(polygon((12, y - 5), (22, y), (12, y + 5), (2, y)), color)
 
 
 @icon

@@ -35,17 +35,17 @@ def write_bitmap(path, rows):
 
 
 def _bitmap_image(surface):
-    """An icon's image: 32-bit colours, then the AND mask for systems and functions without alpha support."""
+    """An icon's image: 32-bit colors, then the AND mask for systems and functions without alpha support."""
     rows = pixels_of(surface)
     width, height = len(rows[0]), len(rows)
-    colours = b"".join(bytes((blue, green, red, alpha)) for row in reversed(rows) for red, green, blue, alpha in row)
+    colors = b"".join(bytes((blue, green, red, alpha)) for row in reversed(rows) for red, green, blue, alpha in row)
     mask = b""
     for row in reversed(rows):
         bits = "".join("0" if alpha >= 96 else "1" for _, _, _, alpha in row)
         bits += "0" * (-width % 32)
         mask += int(bits, 2).to_bytes(len(bits) // 8, "big")
-    size = len(colours) + len(mask)
-    return struct.pack("<IiiHHIIiiII", 40, width, 2 * height, 1, 32, 0, size, 0, 0, 0, 0) + colours + mask
+    size = len(colors) + len(mask)
+    return struct.pack("<IiiHHIIiiII", 40, width, 2 * height, 1, 32, 0, size, 0, 0, 0, 0) + colors + mask
 
 
 def _png_image(surface):

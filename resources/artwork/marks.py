@@ -5,7 +5,7 @@ import cairo
 from palette import INK, POINTS, WHITE
 from pen import Pen, arc, circle, line, polygon, rect
 
-# The digits' strokes between the centres of 3 x 5 cells. The smallest chart draws every third row and column of a
+# The digits' strokes between the centers of 3 x 5 cells. The smallest chart draws every third row and column of a
 # marker, so a cell is three pixels: one of them is always drawn.
 CELL = 3
 DIGITS = (
@@ -14,7 +14,7 @@ DIGITS = (
     (((0, 0), (2, 0), (2, 4), (0, 4)), ((0.5, 2), (2, 2))),
     (((0, 0), (0, 2), (2, 2)), ((2, 0), (2, 4))),
 )
-# The chart draws a marker at (x - 15, y - 15): the centre of pixel (15, 15) is the point.
+# The chart draws a marker at (x - 15, y - 15): the center of pixel (15, 15) is the point.
 HOT = 15.5
 FIELD = (30, 40, 60)  # the middle of the dark field
 
@@ -22,18 +22,18 @@ FIELD = (30, 40, 60)  # the middle of the dark field
 def marker(index):
     """A point of light in a solid shape, and its number at the lower right, outside of the shape."""
     pen = Pen(32, 32)
-    colour = POINTS[index]
+    color = POINTS[index]
     shape = (
         circle(HOT, HOT, 6.5),
         rect(HOT - 5.5, HOT - 5.5, 11, 11),
         polygon((HOT, HOT - 9), (HOT + 8, HOT), (HOT, HOT + 9), (HOT - 8, HOT)),
         polygon((HOT - 9, HOT - 6.5), (HOT + 9, HOT - 6.5), (HOT, HOT + 9)),
     )[index]
-    pen.fill(shape, colour)
+    pen.fill(shape, color)
     pen.fill(circle(HOT, HOT, 2.2), WHITE)
-    left, top = 24.5, 18.5  # the centre of the first cell: the digit ends at the icon's edge
+    left, top = 24.5, 18.5  # the center of the first cell: the digit ends at the icon's edge
     for stroke in DIGITS[index]:
-        pen.stroke(line(*((left + CELL * x, top + CELL * y) for x, y in stroke)), colour, CELL)
+        pen.stroke(line(*((left + CELL * x, top + CELL * y) for x, y in stroke)), color, CELL)
     return pen.surface
 
 
@@ -51,9 +51,9 @@ def program(side):
         pen.stroke(field, (120, 144, 180), hair)
     _lens(pen, radius, hair, small)
     places = ((17, 17), (31, 17), (17, 31), (31, 31)) if small else ((17.5, 16.5), (32, 19.5), (16, 29.5), (28.5, 32))
-    for (x, y), colour in zip(places, POINTS):
-        pen.glow(x, y, 5 if small else 7, colour)
-        pen.fill(circle(x, y, 4 if small else 2.6), colour)
+    for (x, y), color in zip(places, POINTS):
+        pen.glow(x, y, 5 if small else 7, color)
+        pen.fill(circle(x, y, 4 if small else 2.6), color)
         pen.fill(circle(x, y, 1.3), WHITE)
     if not small:
         pen.stroke(arc(24, 24, radius - 3.8, 190, 250), WHITE, 1.1, 0.55)

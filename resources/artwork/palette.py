@@ -1,12 +1,12 @@
-"""The colours of all artwork, as (red, green, blue) in 0..255."""
+"""The colors of all artwork, as (red, green, blue) in 0..255."""
 
 INK = (38, 48, 62)  # all outlines and dark details
 WHITE = (255, 255, 255)
 MAGENTA = (255, 0, 255)  # transparent in the toolbar bitmap, not used elsewhere
-# In the middle between the classic and the newer grey of a toolbar: edge pixels are blended with it.
+# In the middle between the classic and the newer gray of a toolbar: edge pixels are blended with it.
 BUTTON_FACE = (226, 224, 220)
 
-# Each family: the light colour at the top left and the dark colour at the bottom right.
+# Each family: the light color at the top left and the dark color at the bottom right.
 FAMILIES = {
     "white": ((255, 255, 255), (224, 231, 239)),
     "steel": ((236, 241, 246), (142, 156, 172)),
@@ -21,5 +21,5 @@ FAMILIES = {
     "brown": ((222, 172, 116), (138, 86, 40)),
 }
 
-# The four tracked points: distinguishable in normal vision and in the three kinds of colour blindness.
+# The four tracked points: distinguishable in normal vision and in the three kinds of color blindness.
 POINTS = ((255, 60, 40), (50, 132, 255), (255, 236, 60), (116, 255, 198))

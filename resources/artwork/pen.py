@@ -2,7 +2,7 @@
 
 A path is a function that adds itself to a cairo context. Coordinates are pixels of the icon, y downwards; angles are
 degrees, clockwise from three o'clock. An outline is one pixel wide, so where it is straight its path runs through pixel
-centres (x.5).
+centers (x.5).
 """
 
 import math
@@ -135,49 +135,49 @@ class Pen:
         self.context.new_path()
         path(self.context)
 
-    def _source(self, colour, alpha):
+    def _source(self, color, alpha):
         """A triple is plain; a named family becomes a gradient over the path, from the light at the top left.
 
         The box is taken in pixels, so that a turned shape is lit from the same side as all others.
         """
-        if not isinstance(colour, str):
-            self.context.set_source_rgba(*(part / 255 for part in colour), alpha)
+        if not isinstance(color, str):
+            self.context.set_source_rgba(*(part / 255 for part in color), alpha)
             return
         matrix = self.context.get_matrix()
         self.context.identity_matrix()
         gradient = cairo.LinearGradient(*self.context.path_extents())
-        for stop, part in enumerate(FAMILIES[colour]):
+        for stop, part in enumerate(FAMILIES[color]):
             gradient.add_color_stop_rgba(stop, *(channel / 255 for channel in part), alpha)
         self.context.set_source(gradient)
         self.context.set_matrix(matrix)
 
-    def fill(self, path, colour, alpha=1.0):
+    def fill(self, path, color, alpha=1.0):
         self._begin(path)
-        self._source(colour, alpha)
+        self._source(color, alpha)
         self.context.fill()
 
-    def stroke(self, path, colour=INK, width=1.0, alpha=1.0, butt=False):
+    def stroke(self, path, color=INK, width=1.0, alpha=1.0, butt=False):
         self._begin(path)
-        self._source(colour, alpha)
+        self._source(color, alpha)
         self.context.set_line_width(width)
         self.context.set_line_cap(cairo.LINE_CAP_BUTT if butt else cairo.LINE_CAP_ROUND)
         self.context.stroke()
 
-    def shape(self, path, colour):
+    def shape(self, path, color):
         """A filled shape with an outline, the usual element of an icon."""
-        self.fill(path, colour)
+        self.fill(path, color)
         self.stroke(path)
 
-    def rod(self, path, colour, width=2.0):
-        """A coloured line with an outline of one pixel on both sides."""
+    def rod(self, path, color, width=2.0):
+        """A colored line with an outline of one pixel on both sides."""
         self.stroke(path, INK, width + 2)
-        self.stroke(path, colour, width)
+        self.stroke(path, color, width)
 
-    def glow(self, x, y, radius, colour, alpha=1.0):
-        """A light that decreases from the centre."""
+    def glow(self, x, y, radius, color, alpha=1.0):
+        """A light that decreases from the center."""
         gradient = cairo.RadialGradient(x, y, 0, x, y, radius)
         for share, strength in ((0.12, 1.0), (0.45, 0.55), (0.7, 0.2), (1, 0)):
-            gradient.add_color_stop_rgba(share, *(part / 255 for part in colour), alpha * strength)
+            gradient.add_color_stop_rgba(share, *(part / 255 for part in color), alpha * strength)
         self._begin(circle(x, y, radius))
         self.context.set_source(gradient)
         self.context.fill()

@@ -2,7 +2,7 @@
 """Draws the images of the gallery's language menu: flags/NAME.bmp and flags/NAME_checked.bmp, and flags.rc, which
 numbers them for the resource compiler. Run it after a change; its output is checked in.
 
-A flag is a function from a position on it (x to the right, y downwards, 0..1) to a colour. Menus show the images as
+A flag is a function from a position on it (x to the right, y downwards, 0..1) to a color. Menus show the images as
 they are, without transparency and at most as large as a check mark, so a flag fills its square up to a thin edge.
 """
 
@@ -14,18 +14,18 @@ from pathlib import Path
 SIZE = 13  # a menu's check mark at 96 DPI
 SAMPLES = 8  # per pixel and direction
 
-WHITE, BLACK, GREY = (255, 255, 255), (24, 24, 24), (176, 176, 184)
+WHITE, BLACK, GRAY = (255, 255, 255), (24, 24, 24), (176, 176, 184)
 RED, BLUE, GREEN, YELLOW = (205, 32, 44), (22, 60, 148), (0, 122, 61), (252, 204, 10)
 NAVY, SKY, ORANGE = (10, 30, 90), (30, 100, 190), (245, 140, 40)
 EDGE, ACCENT = (90, 90, 100), (0x41, 0x41, 0xFF)
 
 
-def rows(*colours):
-    return lambda x, y: colours[min(int(y * len(colours)), len(colours) - 1)]
+def rows(*colors):
+    return lambda x, y: colors[min(int(y * len(colors)), len(colors) - 1)]
 
 
-def columns(*colours):
-    return lambda x, y: colours[min(int(x * len(colours)), len(colours) - 1)]
+def columns(*colors):
+    return lambda x, y: colors[min(int(x * len(colors)), len(colors) - 1)]
 
 
 def nordic(field, cross, inner=None):
@@ -38,16 +38,16 @@ def nordic(field, cross, inner=None):
     return flag
 
 
-def with_disc(field, colour, centre=(0.5, 0.5), radius=0.28):
+def with_disc(field, color, center=(0.5, 0.5), radius=0.28):
     def flag(x, y):
-        return colour if math.hypot(x - centre[0], y - centre[1]) < radius else field(x, y)
+        return color if math.hypot(x - center[0], y - center[1]) < radius else field(x, y)
 
     return flag
 
 
-def star(centre, radius):
+def star(center, radius):
     def inside(x, y):
-        dx, dy = x - centre[0], y - centre[1]
+        dx, dy = x - center[0], y - center[1]
         angle = math.atan2(dx, -dy) % (2 * math.pi / 5)
         angle = min(angle, 2 * math.pi / 5 - angle)
         # The edge from the point (angle 0) to the notch (angle 36 degrees) at 0.38 of the radius.
@@ -75,10 +75,10 @@ def spain(x, y):
 
 
 def portugal(x, y):
-    centre = math.hypot(x - 0.4, y - 0.5)
-    if centre < 0.11:
+    center = math.hypot(x - 0.4, y - 0.5)
+    if center < 0.11:
         return WHITE
-    if centre < 0.23:
+    if center < 0.23:
         return YELLOW
     return GREEN if x < 0.4 else RED
 
@@ -137,7 +137,7 @@ FLAGS = {
     "SW": nordic(SKY, YELLOW),
     "NO": nordic(RED, WHITE, NAVY),
     "FI": nordic(WHITE, BLUE),
-    "none": rows(GREY),
+    "none": rows(GRAY),
     "MX": with_disc(columns(GREEN, WHITE, RED), (150, 100, 50), radius=0.12),
 }
 # By language index; 19 to 22 are reserved, 23 is Mexico.
@@ -157,8 +157,8 @@ def tick(x, y):
     return min(distance(x, y, (5.4, 8.2), corner), distance(x, y, corner, (10.8, 5.2)))
 
 
-def colour_at(flag, x, y, checked):
-    """The colour at a point, in pixels."""
+def color_at(flag, x, y, checked):
+    """The color at a point, in pixels."""
     edge = min(x, y, SIZE - x, SIZE - y)
     if checked:
         if tick(x, y) < 0.9:
@@ -175,8 +175,8 @@ def colour_at(flag, x, y, checked):
 
 def pixel(flag, column, row, checked):
     places = [(i + 0.5) / SAMPLES for i in range(SAMPLES)]
-    seen = [colour_at(flag, column + x, row + y, checked) for x in places for y in places]
-    return tuple(round(sum(colour[part] for colour in seen) / len(seen)) for part in range(3))
+    seen = [color_at(flag, column + x, row + y, checked) for x in places for y in places]
+    return tuple(round(sum(color[part] for color in seen) / len(seen)) for part in range(3))
 
 
 def write_bitmap(path, flag, checked):

@@ -9,7 +9,7 @@
 
 namespace {
 
-// A climbing circle of 400 metres; a real program records its positions.
+// A climbing circle of 400 meters; a real program records its positions.
 std::vector<kv::FlightTrackPoint> MakeFlight() {
   std::vector<kv::FlightTrackPoint> points;
   for (int i = 0; i < 180; ++i) {

@@ -83,7 +83,7 @@ class MainDialogTest : public testing::Test {
     RegQueryValueExA(key, kMainPositionName, nullptr, nullptr, reinterpret_cast<BYTE*>(stored), &size);
     return stored;
   }
-  // The background colour of a status button, beside its text, or the colour of another of its 60 x 16 pixels.
+  // The background color of a status button, beside its text, or the color of another of its 60 x 16 pixels.
   COLORREF Face(int id, int x = 3, int y = 5) {
     kvtest::TestBitmap bitmap(60, 16);
     DRAWITEMSTRUCT item{.CtlType = ODT_BUTTON, .CtlID = static_cast<UINT>(id), .itemAction = ODA_DRAWENTIRE};
@@ -102,7 +102,7 @@ TEST_F(MainDialogTest, StartsIdleWithThePageShown) {
   EXPECT_EQ(0, context_.nTabPage);
   EXPECT_EQ(-1, context_.nPort);
   EXPECT_EQ(INVALID_HANDLE_VALUE, context_.hPort);
-  EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(context_.hConnectEvent, 0)) << "is initially signalled";
+  EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(context_.hConnectEvent, 0)) << "is initially signaled";
   EXPECT_EQ("---", Text(IDC_PORT));
   EXPECT_TRUE(IsWindowVisible(GetDlgItem(dialog_, IDC_CHART)));
   EXPECT_GT(context_.layout[0].width, 500);
@@ -268,7 +268,7 @@ TEST_F(MainDialogTest, BackgroundIsClippedAroundTheControls) {
   EXPECT_EQ(0, GetClipRgn(dc, left)) << "the class's device context would paint the next size around it";
 }
 
-TEST_F(MainDialogTest, FollowsNewSystemColours) {
+TEST_F(MainDialogTest, FollowsNewSystemColors) {
   const INT element = COLOR_BTNFACE;
   const COLORREF before = GetSysColor(element), after = RGB(32, 48, 64);
   SetSysColors(1, &element, &after);

@@ -316,7 +316,7 @@ const FuzzedClass kFuzzedClasses[] = {
     {"Digital", kDisplayInstrumentClass, kModeDigital, kInstrumentOwn},
     {"SegmentBar", kDisplayInstrumentClass, kModeSegmentBar, kInstrumentOwn},
     {"Compass", kDisplayInstrumentClass, kModeCompass, kInstrumentOwn},
-    {"CentreBar", kDisplayInstrumentClass, kModeCenterBar, kInstrumentOwn},
+    {"CenterBar", kDisplayInstrumentClass, kModeCenterBar, kInstrumentOwn},
 };
 
 class MessageFuzzing : public testing::TestWithParam<FuzzedClass> {

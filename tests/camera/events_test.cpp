@@ -41,9 +41,9 @@ TEST(Events, AreListedInOrder) {
   FoundRecord outside = RecordAt(6.5, true);
   outside.isInRange = false;
   log.AddRecord(outside);
-  log.AddStretch({StretchKind::kSilent, 0, 2});
-  log.AddStretch({StretchKind::kDamaged, 3.5, 3.75, 60});
-  log.AddStretch({StretchKind::kMalformed, 5, 5.5, 7});
+  log.AddSection({SectionKind::kSilent, 0, 2});
+  log.AddSection({SectionKind::kDamaged, 3.5, 3.75, 60});
+  log.AddSection({SectionKind::kMalformed, 5, 5.5, 7});
   long long omitted = -1;
   EXPECT_EQ(
       "0.00-2.00 silence 0 -1\n3.00-4.00 not seen 0 0\n3.50-3.75 damage 60 -1\n4.49-4.51 lost 1 -1\n"
@@ -54,7 +54,7 @@ TEST(Events, AreListedInOrder) {
 
 TEST(Events, AreCountedBeyondALimit) {
   EventLog log;
-  for (size_t i = 0; i < EventLog::kMaxEvents + 10; ++i) log.AddStretch({StretchKind::kMalformed, 1, 2, 3});
+  for (size_t i = 0; i < EventLog::kMaxEvents + 10; ++i) log.AddSection({SectionKind::kMalformed, 1, 2, 3});
   long long omitted = 0;
   EXPECT_EQ(EventLog::kMaxEvents, log.Events(LineModel(), 3, &omitted).size());
   EXPECT_EQ(10, omitted);

@@ -94,7 +94,7 @@ TEST(CamtoolFaults, HaveTheirEffectAndFrequencyAndAreReproducible) {
   EXPECT_EQ(record + record, after(kDropFault, every2nd, 4));
   EXPECT_EQ(record + record + record, after(kDuplicateFault, every2nd, 2));
   EXPECT_EQ(record + record.substr(0, 39) + record, after(kMergeFault, every2nd, 3));
-  const std::string cut = after(kCutFault, every2nd, 2);
+  const std::string cut = after(kTruncateFault, every2nd, 2);
   EXPECT_TRUE(cut.size() > 41 && cut.size() < 82 && cut == (record + record).substr(0, cut.size()));
   const std::string garbage = after(kGarbageFault, every2nd, 2);
   EXPECT_TRUE(garbage.size() > 82 && garbage.size() <= 82 + 64 && garbage.ends_with(record));
@@ -103,14 +103,14 @@ TEST(CamtoolFaults, HaveTheirEffectAndFrequencyAndAreReproducible) {
   EXPECT_NEAR(1400, static_cast<double>(after(kDropFault, {Trigger::kChance, 0.3}, 2000).size()) / 41, 70);
 
   FaultPlan plan;
-  plan.triggers[kPauseFault] = plan.triggers[kHangUpFault] = plan.triggers[kSlowFault] = every2nd;
-  plan.stretchSeconds = 0.015;
+  plan.triggers[kPauseFault] = plan.triggers[kDisconnectFault] = plan.triggers[kSlowFault] = every2nd;
+  plan.rateChangeSeconds = 0.015;
   FaultInjector injector = MakeFaultInjector(plan);
   InjectFaults(&injector, 0, kRecord);
   const FaultStep second = InjectFaults(&injector, 0.01, kRecord), third = InjectFaults(&injector, 0.02, kRecord);
   EXPECT_EQ(plan.pauseSeconds, second.pauseSeconds);
-  EXPECT_EQ(plan.hangUpSeconds, second.hangUpSeconds);
-  EXPECT_EQ(kSlowPace, third.pace) << "the stretch continues";
+  EXPECT_EQ(plan.disconnectSeconds, second.disconnectSeconds);
+  EXPECT_EQ(kSlowPace, third.pace) << "the section continues";
   EXPECT_EQ(0, third.pauseSeconds);
 }
 
@@ -322,9 +322,9 @@ TEST(CamtoolStream, FindsRecordsAndCountsBytesBetweenThem) {
     camera::EndStream(&found);
     // The last record's first number is parsed as Tarnwick parses it.
     EXPECT_EQ(std::tuple(3u, 11, 2, 27, 1, 1, 384),
-              std::tuple(records.size(), found.leadBytes, found.malformedStretches, found.malformedBytes,
-                         found.oddRecords, found.last.points[0].x, found.last.points[3].y));
-    EXPECT_EQ("garbage 0100,", found.stretches[0].sample + " " + found.pending);
+              std::tuple(records.size(), found.leadBytes, found.malformedSections, found.malformedBytes,
+                         found.invalidRecords, found.last.points[0].x, found.last.points[3].y));
+    EXPECT_EQ("garbage 0100,", found.sections[0].sample + " " + found.pending);
     EXPECT_NEAR(0.6, camera::WellFormedShare(found), 1e-9);
     if (part == 1) {
       EXPECT_EQ(51, records.front().seconds) << "the time of its last byte";
@@ -338,7 +338,8 @@ TEST(CamtoolStream, FindsRecordsAndCountsBytesBetweenThem) {
                                           std::tuple{record.substr(0, 35) + "-001\r\n", -1L, false}}) {
     camera::RecordStream found;
     camera::FeedStream(&found, 0, odd, nullptr);
-    EXPECT_EQ(std::tuple(1, y, isInRange), std::tuple(found.oddRecords, found.last.points[3].y, found.last.isInRange))
+    EXPECT_EQ(std::tuple(1, y, isInRange),
+              std::tuple(found.invalidRecords, found.last.points[3].y, found.last.isInRange))
         << odd;
   }
   EXPECT_EQ("a\\x0D\\x00\\xFF\\x5C", camera::Printable(std::string_view("a\r\0\xFF\\", 5)));

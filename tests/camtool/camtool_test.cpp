@@ -152,7 +152,7 @@ TEST(Camtool, RecordsReplaysAndExports) {
   {
     const Camtool record("record COM3 \"" + first + "\" --seconds 5");
     ASSERT_TRUE(holdsHeader([&] { return ReadFileText(first); })) << record.Said();
-    const Camtool simulate("simulate COM4 --seconds 2 --garbage 20 --cut 30 --drop 10% --seed 5");
+    const Camtool simulate("simulate COM4 --seconds 2 --garbage 20 --truncate 30 --drop 10% --seed 5");
     EXPECT_EQ(camtool::kDone, simulate.Wait()) << simulate.Said();
     EXPECT_PRED2(Says, simulate.Said(), "(seed 5)");
     EXPECT_EQ(camtool::kDone, record.Wait()) << record.Said();
@@ -270,7 +270,7 @@ TEST(Camtool, KeepsExistingFiles) {
     EXPECT_EQ("old", ReadFileText(csv));
   }
   const std::tuple<std::string, const char*, const char*> views[] = {
-      {toTarget(csv), "NUL", "2 records; no malformed sections; 1 odd record ("},
+      {toTarget(csv), "NUL", "2 records; no malformed sections; 1 record with invalid numbers ("},
       {"info \"" + recording + "\"", "NUL", "2025-01-01 00:00:00 UTC, COM3, 38400 baud"},
       {"info -", recording.c_str(), "1      100.0 %   100 to  100   200 to  200"},
       {"info --json -", recording.c_str(),

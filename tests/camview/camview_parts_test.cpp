@@ -32,7 +32,7 @@ struct GivenRecord {
   unsigned flags;
 };
 
-// Records of moving points, some of them not seen, with occasional pauses and odd records.
+// Records of moving points, some of them not seen, with occasional pauses and records with invalid numbers.
 std::vector<GivenRecord> Wander(int count) {
   std::mt19937 random(7);
   std::vector<GivenRecord> records;
@@ -45,7 +45,7 @@ std::vector<GivenRecord> Wander(int count) {
       if (random() % 8 == 0) point = {kv::kNoPoint, kv::kNoPoint};
     }
     record.isInRange = random() % 500 != 0;
-    record.isOdd = !record.isInRange || random() % 300 == 0;
+    record.isInvalid = !record.isInRange || random() % 300 == 0;
     const bool isSilent = !records.empty() && seconds - records.back().record.seconds >= camera::kGapSeconds;
     records.push_back({record, (isSilent ? kAfterSilence : 0) | (random() % 400 == 0 ? kAfterDamagedBytes : 0)});
   }
@@ -72,7 +72,8 @@ TEST(CamviewStore, ReturnsRecordsAndFindsThemByTime) {
     const auto number = static_cast<long long>(i);
     const StoredRecord got = store.Get(number);
     ASSERT_NEAR(given[i].record.seconds, got.seconds, 0.6e-6);
-    const unsigned own = (given[i].record.isOdd ? kOddRecord : 0) | (given[i].record.isInRange ? 0 : kOutOfRange);
+    const unsigned own =
+        (given[i].record.isInvalid ? kInvalidRecord : 0) | (given[i].record.isInRange ? 0 : kOutOfRange);
     ASSERT_EQ(given[i].flags | own, got.flags);
     for (int point = 0; point < kv::kPointCount; ++point) {
       const kv::CameraPoint none{kv::kNoPoint, kv::kNoPoint};
@@ -138,14 +139,14 @@ TEST(CamviewStore, DropsTheOldestBlockBeyondItsCapacity) {
   EXPECT_EQ(0u, store.Read(0, all));
 }
 
-TEST(CamviewStore, MergesStretchesWhenThereAreThousands) {
+TEST(CamviewStore, MergesSectionsWhenThereAreThousands) {
   RecordStore store;
-  for (int i = 0; i < 50000; ++i) store.AddStretch({StretchKind::kMalformed, i * 0.3, i * 0.3 + 0.1, 7});
-  const auto& list = store.Stretches(StretchKind::kMalformed);
-  ASSERT_LE(list.size(), static_cast<size_t>(kMaxMergedStretches));
+  for (int i = 0; i < 50000; ++i) store.AddSection({SectionKind::kMalformed, i * 0.3, i * 0.3 + 0.1, 7});
+  const auto& list = store.Sections(SectionKind::kMalformed);
+  ASSERT_LE(list.size(), static_cast<size_t>(kMaxMergedSections));
   ASSERT_GE(list.size(), 100u);
   long long bytes = 0, count = 0;
-  for (const Stretch& one : list) {
+  for (const Section& one : list) {
     bytes += one.bytes;
     count += one.count;
   }
@@ -153,7 +154,7 @@ TEST(CamviewStore, MergesStretchesWhenThereAreThousands) {
   EXPECT_EQ(50000, count);
   EXPECT_EQ(0, list.front().from);
   EXPECT_DOUBLE_EQ(49999 * 0.3 + 0.1, list.back().to);
-  EXPECT_TRUE(store.Stretches(StretchKind::kSilent).empty());
+  EXPECT_TRUE(store.Sections(SectionKind::kSilent).empty());
 }
 
 TEST(CamviewIntake, RecordsSilenceDamageAndMalformedBytes) {
@@ -175,17 +176,17 @@ TEST(CamviewIntake, RecordsSilenceDamageAndMalformedBytes) {
   RecordStore store;
   EXPECT_TRUE(StoreBatch(&batch, &store));
   EXPECT_EQ(5, store.End());
-  EXPECT_TRUE(batch.records.empty() && batch.stretches.empty());
-  const auto list = [&](StretchKind kind) {
+  EXPECT_TRUE(batch.records.empty() && batch.sections.empty());
+  const auto list = [&](SectionKind kind) {
     std::vector<std::pair<double, double>> times;
-    for (const Stretch& one : store.Stretches(kind)) times.emplace_back(one.from, one.to);
+    for (const Section& one : store.Sections(kind)) times.emplace_back(one.from, one.to);
     return times;
   };
   using Times = std::vector<std::pair<double, double>>;
-  EXPECT_EQ((Times{{0, 1}, {2.5, 3}, {3, 9}}), list(StretchKind::kSilent));
-  EXPECT_EQ((Times{{1.01, 1.02}, {3, 3}}), list(StretchKind::kMalformed));
-  EXPECT_EQ((Times{{1.5, 2.5}}), list(StretchKind::kDamaged));
-  EXPECT_EQ(25, store.Stretches(StretchKind::kMalformed)[0].bytes);
+  EXPECT_EQ((Times{{0, 1}, {2.5, 3}, {3, 9}}), list(SectionKind::kSilent));
+  EXPECT_EQ((Times{{1.01, 1.02}, {3, 3}}), list(SectionKind::kMalformed));
+  EXPECT_EQ((Times{{1.5, 2.5}}), list(SectionKind::kDamaged));
+  EXPECT_EQ(25, store.Sections(SectionKind::kMalformed)[0].bytes);
 }
 
 TEST(CamviewStatistics, EqualAPlainComputation) {
@@ -226,7 +227,7 @@ TEST(CamviewStatistics, AddUpAndFollowTheGivenRate) {
     const double seconds = i / 90.0;
     const bool isAfterSilence = seconds - last >= camera::kGapSeconds;
     if (random() % 20 == 0 || (i % 5000 < 90 && i > 0)) continue;
-    if (isAfterSilence) store.AddStretch({StretchKind::kSilent, last, seconds});
+    if (isAfterSilence) store.AddSection({SectionKind::kSilent, last, seconds});
     store.Append(RecordAt(seconds), isAfterSilence ? kAfterSilence : 0);
     last = seconds;
   }

@@ -115,7 +115,7 @@ TEST_F(CameraFieldTest, KeepsItsProportionsAndRejectsWhatIsBad) {
   EXPECT_EQ(L"1: 1, 2", kvtest::ReadAccessible(field_).value);
   EXPECT_EQ(1, Show({}, 1, 1));
   EXPECT_EQ(L"", kvtest::ReadAccessible(field_).value);
-  // Numbers as odd records hold them, and times without an order.
+  // Numbers as records with invalid numbers hold them, and times without an order.
   EXPECT_EQ(1, Show({{INFINITY, {{-99999, 9999}}, 0}, {-1e300, {{2147483647, 5}}, 0}, {NAN, {{5, 5}}, 0}}, 0, 1e-300));
   SendMessageA(field_, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(bitmap.dc()), 0);
 }
@@ -202,12 +202,12 @@ TEST_F(TimelineTest, MovesSelectsAndAsksForSteps) {
   EXPECT_EQ(100, Position());
 }
 
-TEST_F(TimelineTest, MarksStretchesByHeightAndRejectsWhatIsBad) {
-  const std::vector<Stretch> stretches{{StretchKind::kDamaged, 10, 20},
-                                       {StretchKind::kMalformed, 30, 40},
-                                       {StretchKind::kSilent, 50, 60},
-                                       {StretchKind::kDamaged, 80, 80}};  // of no length
-  const TimelineMarks marks{4, stretches.data()};
+TEST_F(TimelineTest, MarksSectionsByHeightAndRejectsWhatIsBad) {
+  const std::vector<Section> sections{{SectionKind::kDamaged, 10, 20},
+                                      {SectionKind::kMalformed, 30, 40},
+                                      {SectionKind::kSilent, 50, 60},
+                                      {SectionKind::kDamaged, 80, 80}};  // of no length
+  const TimelineMarks marks{4, sections.data()};
   EXPECT_EQ(1, Send(timeline_, kTimelineShowMarks, &marks));
   double position = 100;
   Send(timeline_, kTimelinePosition, &position);
@@ -232,8 +232,8 @@ TEST_F(TimelineTest, MarksStretchesByHeightAndRejectsWhatIsBad) {
 
   GuardedBytes tooShort(7);
   const TimeRange backwards{2, 1}, endless{0, INFINITY};
-  const Stretch unknown{static_cast<StretchKind>(3), 1, 2}, wrong{StretchKind::kSilent, NAN, 2};
-  const TimelineMarks badMarks[] = {{1, &unknown}, {1, &wrong}, {9, reinterpret_cast<const Stretch*>(16)}};
+  const Section unknown{static_cast<SectionKind>(3), 1, 2}, wrong{SectionKind::kSilent, NAN, 2};
+  const TimelineMarks badMarks[] = {{1, &unknown}, {1, &wrong}, {9, reinterpret_cast<const Section*>(16)}};
   for (const TimeRange* bad : {&backwards, &endless}) {
     EXPECT_EQ(0, Send(timeline_, kTimelineRange, bad));
     EXPECT_EQ(0, Send(timeline_, kTimelineSelection, bad));

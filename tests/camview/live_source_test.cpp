@@ -60,8 +60,8 @@ BOOL WINAPI WriteToFullDisk(HANDLE file, const void* bytes, DWORD size, DWORD* w
 
 TEST(CamviewLive, ClassifiesALineByItsLastData) {
   const auto judge = [](const LineTimes& times, double now) {
-    const LineJudgement judgement = JudgeLine(times, now);
-    return std::pair(judgement.state, judgement.since);
+    const LineJudgment judgment = JudgeLine(times, now);
+    return std::pair(judgment.state, judgment.since);
   };
   EXPECT_EQ(std::pair(LiveState::kOpening, 5.0), judge({5, 2, 2, 2}, 5.5));
   EXPECT_EQ(std::pair(LiveState::kSilent, 5.0), judge({5, 2, 2, 2}, 8));
@@ -127,8 +127,8 @@ TEST(CamviewLive, ReconnectsAfterDisconnectionAndContinuesRecording) {
   }
   RecordStore store;
   EXPECT_TRUE(StoreBatch(&batch, &store));
-  EXPECT_FALSE(store.Stretches(StretchKind::kMalformed).empty());
-  EXPECT_GE(store.Stretches(StretchKind::kSilent).size(), 2u) << "before the first record, and while disconnected";
+  EXPECT_FALSE(store.Sections(SectionKind::kMalformed).empty());
+  EXPECT_GE(store.Sections(SectionKind::kSilent).size(), 2u) << "before the first record, and while disconnected";
   // The beginning of a record from before an interruption and the end of one from after it are not a record.
   const long long records = live.Status().records;
   const auto receive = [&](std::string_view bytes) {

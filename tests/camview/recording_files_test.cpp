@@ -105,10 +105,10 @@ TEST(CamviewLoader, LoadsIntactChunksAndReportsDamage) {
   EXPECT_EQ(std::tuple(true, kStart, 3u), std::tuple(whole.hasHeader, whole.header.startTime, whole.header.port));
   EXPECT_EQ(2, whole.seconds);
   EXPECT_EQ(99, whole.store->Get(99).points[0].x);
-  const std::vector<Stretch> silent = whole.store->Stretches(StretchKind::kSilent);
+  const std::vector<Section> silent = whole.store->Sections(SectionKind::kSilent);
   ASSERT_EQ(1u, silent.size());
   EXPECT_EQ(std::pair(0.99, 2.0), std::pair(silent[0].from, silent[0].to));
-  const std::vector<Stretch> lost = hit.store->Stretches(StretchKind::kDamaged);
+  const std::vector<Section> lost = hit.store->Sections(SectionKind::kDamaged);
   ASSERT_EQ(1u, lost.size());
   EXPECT_EQ(std::tuple(0.49, 0.51, static_cast<long long>(kChunkBytes)),
             std::tuple(lost[0].from, lost[0].to, lost[0].bytes));
@@ -119,7 +119,7 @@ TEST(CamviewLoader, LoadsIntactChunksAndReportsDamage) {
   EXPECT_EQ(static_cast<DWORD>(ERROR_FILE_NOT_FOUND), none.systemError);
 }
 
-TEST(CamviewLoader, OpensARunningRecordingAndKeepsLoadedRecordsWhenCancelled) {
+TEST(CamviewLoader, OpensARunningRecordingAndKeepsLoadedRecordsWhenCanceled) {
   const std::string path = PathOf("camview growing.twr");
   camera::OutputFile out;
   std::string error;
@@ -138,7 +138,7 @@ TEST(CamviewLoader, OpensARunningRecordingAndKeepsLoadedRecordsWhenCancelled) {
   EXPECT_TRUE(kvtest::WaitUntil([&] { return loader.IsDone(); }));
   EXPECT_LT(progress, 1);
   const LoadedRecording part = loader.Take();
-  EXPECT_EQ(LoadOutcome::kCancelled, part.outcome);
+  EXPECT_EQ(LoadOutcome::kCanceled, part.outcome);
   EXPECT_GT(part.store->End(), kMany / 20);
   EXPECT_LT(part.store->End(), kMany);
   EXPECT_EQ(part.records, part.store->End());
@@ -146,7 +146,7 @@ TEST(CamviewLoader, OpensARunningRecordingAndKeepsLoadedRecordsWhenCancelled) {
   DeleteFileA(path.c_str());
 }
 
-TEST(CamviewLoader, CanBeCancelledWhereNoChunkIsFound) {
+TEST(CamviewLoader, CanBeCanceledWhereNoChunkIsFound) {
   const std::string path = PathOf("camview zeros.twr");
   WriteTo(path, kHeader);
   HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
@@ -158,7 +158,7 @@ TEST(CamviewLoader, CanBeCancelledWhereNoChunkIsFound) {
   EXPECT_TRUE(kvtest::WaitUntil([&] { return loader.Progress() > 0 || loader.IsDone(); }));
   loader.Cancel();
   EXPECT_TRUE(kvtest::WaitUntil([&] { return loader.IsDone(); }, std::chrono::milliseconds(500)));
-  EXPECT_EQ(LoadOutcome::kCancelled, loader.Take().outcome);
+  EXPECT_EQ(LoadOutcome::kCanceled, loader.Take().outcome);
   DeleteFileA(path.c_str());
 }
 
@@ -186,7 +186,7 @@ std::string DecodedFrom(const std::string& path, camera::RecordingHeader* header
 
 TEST(CamviewExport, WritesATimeRangeAsRowsAndAsARecording) {
   const std::string source = PathOf("camview source.twr"), target = PathOf("camview range");
-  // A record in two chunks, odd records and garbage: a recording contains them unchanged.
+  // A record in two chunks, records with invalid numbers and garbage: a recording contains them unchanged.
   std::string bytes = kHeader + camera::EncodeChunks(500'000, RecordText(1)),
               requested = "0 " + RecordText(2).substr(0, 20);
   bytes += camera::EncodeChunks(1'000'000, RecordText(2).substr(0, 20));

@@ -201,7 +201,7 @@ TEST_F(CamviewWindow, ChartsShowEachRecordOfALongRecordingOnceTheyAreZoomed) {
   EXPECT_EQ(L"1: 999, 300; 2: 500, 400; 4: 20, 700", Field());
 }
 
-TEST_F(CamviewWindow, OpensADroppedFileAndIsCancelled) {
+TEST_F(CamviewWindow, OpensADroppedFileAndIsCanceled) {
   OpenFile(Recording(1000));
   std::ofstream(File(L"camview dropped.twr"), std::ios::binary) << Recording(300'000);
   SendMessageW(Control(IDC_CHART_Y), WM_DROPFILES, reinterpret_cast<WPARAM>(DroppedFile(files_.back())), 0);
@@ -210,7 +210,7 @@ TEST_F(CamviewWindow, OpensADroppedFileAndIsCancelled) {
   EXPECT_TRUE(Soon([&] { return !IsWorking(); }));
   EXPECT_FALSE(IsWindowVisible(Control(IDC_PROGRESS)));
   EXPECT_TRUE(boxes.empty());
-  EXPECT_EQ(L"Reading was cancelled.", Text(IDC_STATUS));
+  EXPECT_EQ(L"Reading was canceled.", Text(IDC_STATUS));
   EXPECT_EQ(L"camview test.twr – Camera viewer", TextOf(window_));
   SendMessageW(window_, WM_DROPFILES, reinterpret_cast<WPARAM>(DroppedFile(files_.back())), 0);
   EXPECT_TRUE(Soon([&] { return !IsWorking(); }));

@@ -20,7 +20,7 @@ TarnwickProcess::TarnwickProcess(const wchar_t* directory)
 }
 
 bool TarnwickProcess::ClickConnect() const {
-  return uidriver::ClickAt(GetDlgItem(window_, IDC_TOOLBAR), uidriver::ToolbarButtonCentre(window_, IDM_CONNECT));
+  return uidriver::ClickAt(GetDlgItem(window_, IDC_TOOLBAR), uidriver::ToolbarButtonCenter(window_, IDM_CONNECT));
 }
 
 bool TarnwickProcess::WaitForPortText(const std::string& text, DWORD timeoutMs) const {

@@ -21,7 +21,7 @@ class TarnwickProcess : public RunningProgram {
   bool ClickConnect() const;
   // Waits until the port button shows this text.
   bool WaitForPortText(const std::string& text, DWORD timeoutMs = 20000) const;
-  // The screen's colour at a camera position in the chart.
+  // The screen's color at a camera position in the chart.
   COLORREF ChartPixel(const kv::CameraPoint& point) const;
 
   // Closes the window and waits for the process to end. Returns the time that took in ms, or INFINITE when the exit

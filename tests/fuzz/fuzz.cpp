@@ -1,4 +1,4 @@
-// Feeds parsers with random and mutated inputs until one breaks: undefined behaviour, a read beyond the input's end, a
+// Feeds parsers with random and mutated inputs until one breaks: undefined behavior, a read beyond the input's end, a
 // hang of more than ten seconds, or a result that violates the target's contract.
 //
 //   fuzz [--count MILLIONS] [--seed NUMBER] [--only PART-OF-A-NAME]

@@ -280,7 +280,7 @@ TEST_F(GalleryFrame, TheListHandlesItsKeysAndShowsItsSelectedRowAtEverySize) {
   }
 }
 
-// ---- Texts, directions, colours, fonts ------------------------------------------------------------------------------
+// ---- Texts, directions, colors, fonts ------------------------------------------------------------------------------
 
 TEST_F(GalleryFrame, NumbersAndDatesFollowTheLanguage) {
   const SYSTEMTIME day{.wYear = 2026, .wMonth = 11, .wDay = 12}, noDay{.wYear = 2026, .wMonth = 2, .wDay = 31};

@@ -31,7 +31,7 @@ class Sample : public kvtest::RunningProgram {
   }
   HWND window() const { return window_; }
   HWND Control(int id) const { return GetDlgItem(window_, id); }
-  // Whether a part of the client area has at least that many colours.
+  // Whether a part of the client area has at least that many colors.
   bool Shows(RECT part, size_t colors) const {
     return WaitUntil(
         [&] {

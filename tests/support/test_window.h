@@ -58,9 +58,9 @@ class TestBitmap {
   HDC dc() const { return dc_; }
   int width() const { return width_; }
   int height() const { return height_; }
-  // The colour of a pixel; 0xCCCCCC where nothing was drawn.
+  // The color of a pixel; 0xCCCCCC where nothing was drawn.
   COLORREF At(int x, int y) const;
-  // How many pixels have exactly this colour.
+  // How many pixels have exactly this color.
   int CountOf(COLORREF color) const;
   void Fill(std::uint8_t byte);
 

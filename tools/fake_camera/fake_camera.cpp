@@ -38,7 +38,7 @@ struct Format {
   RGBQUAD colors[256];
 };
 
-// The colour table of 8-bit frames: three bits of red, three of green, two of blue.
+// The color table of 8-bit frames: three bits of red, three of green, two of blue.
 Format CurrentFormat() {
   Format format{};
   format.header = {.biSize = sizeof(format.header),
@@ -208,7 +208,7 @@ HWND WINAPI capCreateCaptureWindowW(LPCWSTR name, DWORD style, int x, int y, int
 BOOL WINAPI capGetDriverDescriptionA(UINT wDriverIndex, LPSTR lpszName, int cbName, LPSTR lpszVer, int cbVer) {
   if (wDriverIndex > 31 || !(camera.presentDrivers >> wDriverIndex & 1)) return FALSE;
   const bool nameless = camera.namelessDrivers >> wDriverIndex & 1;
-  lstrcpynA(lpszName, nameless ? "" : "Colour bars", cbName);
+  lstrcpynA(lpszName, nameless ? "" : "Color bars", cbName);
   lstrcpynA(lpszVer, "1.0", cbVer);
   return TRUE;
 }

@@ -1,5 +1,5 @@
 // A simulated camera: an avicap32.dll whose capture window behaves as with a connected driver and generates moving
-// images (colour bars and a frame counter). Tests copy it beside their program, the gallery's screenshots copy it into
+// images (color bars and a frame counter). Tests copy it beside their program, the gallery's screenshots copy it into
 // the prefix's system folder; it is then loaded instead of the system's. It writes no file, but counts the frames to
 // record.
 //
@@ -23,7 +23,7 @@ struct State {
   std::uint32_t rejectingDrivers = 0;  // present, but fail to connect
   LONG width = 320;                    // the frame's size, which a test may change at any time
   LONG height = 240;                   // negative: the top row comes first
-  WORD bitCount = 24;                  // 24, or 8 with a colour table
+  WORD bitCount = 24;                  // 24, or 8 with a color table
   DWORD colorsUsed = 0;
   BOOL rejectsSequenceSetup = FALSE;
   BOOL rejectsCaptureFile = FALSE;

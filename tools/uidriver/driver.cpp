@@ -49,16 +49,16 @@ HWND WaitForTarnwick(DWORD timeoutMs) {
   }
 }
 
-POINT ToolbarButtonCentre(HWND window, int command) {
+POINT ToolbarButtonCenter(HWND window, int command) {
   HWND toolbar = GetDlgItem(window, IDC_TOOLBAR);
   const LRESULT index = SendMessageA(toolbar, TB_COMMANDTOINDEX, command, 0);
   if (index < 0) return {-1, -1};
   const RemoteRect remote(toolbar);
   SendMessageA(toolbar, TB_GETITEMRECT, index, remote.address());
   const RECT place = remote.Read();
-  POINT centre{(place.left + place.right) / 2, (place.top + place.bottom) / 2};
-  ClientToScreen(toolbar, &centre);
-  return centre;
+  POINT center{(place.left + place.right) / 2, (place.top + place.bottom) / 2};
+  ClientToScreen(toolbar, &center);
+  return center;
 }
 
 bool IsToolbarButtonChecked(HWND window, int command) {

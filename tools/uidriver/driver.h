@@ -12,8 +12,8 @@ namespace uidriver {
 // Waits for the main window to be visible; null after `timeoutMs`.
 HWND WaitForTarnwick(DWORD timeoutMs);
 
-// The centre of a toolbar button in screen coordinates; {-1, -1} when there is no such command.
-POINT ToolbarButtonCentre(HWND window, int command);
+// The center of a toolbar button in screen coordinates; {-1, -1} when there is no such command.
+POINT ToolbarButtonCenter(HWND window, int command);
 // Whether the button is pressed in.
 bool IsToolbarButtonChecked(HWND window, int command);
 

@@ -23,9 +23,9 @@ int Fail(const char* message) {
 }
 
 int PrintButton(HWND window) {
-  const POINT centre = uidriver::ToolbarButtonCentre(window, IDM_CONNECT);
-  if (centre.x < 0) return Fail("the toolbar has no connect button");
-  std::printf("%ld %ld\n", centre.x, centre.y);
+  const POINT center = uidriver::ToolbarButtonCenter(window, IDM_CONNECT);
+  if (center.x < 0) return Fail("the toolbar has no connect button");
+  std::printf("%ld %ld\n", center.x, center.y);
   return 0;
 }
 

@@ -74,7 +74,7 @@ PointD Slanted(const DigitBox& box, double x, double y) {
   return {box.left + x + (box.height - y) * kSlant, box.top + y};
 }
 
-// A bar with pointed ends from one node of the character to another, with a gap to its neighbours.
+// A bar with pointed ends from one node of the character to another, with a gap to its neighbors.
 StrokeCorners Bar(const DigitBox& box, PointD from, PointD to, double gap) {
   const double half = box.stroke / 2;
   const bool level = from.y == to.y;

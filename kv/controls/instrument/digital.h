@@ -26,7 +26,7 @@ enum Segment : unsigned {
   kStrokeMiddleRight = 512,
   kStrokeStemUpper = 1024,  // in the middle between left and right
   kStrokeStemLower = 2048,
-  kArmUpperLeft = 4096,  // from the character's center towards its corners
+  kArmUpperLeft = 4096,  // from the character's center toward its corners
   kArmUpperRight = 8192,
   kArmLowerRight = 16384,
   kArmLowerLeft = 32768,

@@ -11,15 +11,15 @@
 namespace kv {
 
 inline constexpr double kGaugeStart = -135, kGaugeSweep = 270;  // degrees clockwise from the top
-inline constexpr double kMajorInner = 0.875;  // the inner end of labelled marks, relative to the radius
+inline constexpr double kMajorInner = 0.875;  // the inner end of labeled marks, relative to the radius
 
 double GaugeAngle(const InstrumentReading& reading, double value);
 
 // Marks of a scale at round numbers: multiples of 1, 2, 2.5 or 5 times a power of ten.
 struct GaugeScale {
-  double step;            // between labelled marks
+  double step;            // between labeled marks
   int parts;              // the number of parts into which minor marks divide a step
-  long long first, last;  // the labelled marks are first * step to last * step
+  long long first, last;  // the labeled marks are first * step to last * step
   int exponent;           // labels are divided by ten to this power, a multiple of 3; 0 unless that makes them shorter
   int labelDecimals;      // decimals of the labels
 };

@@ -1,4 +1,4 @@
-// Layout and colours of a strip chart.
+// Layout and colors of a strip chart.
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -67,7 +67,7 @@ COLORREF Mix(COLORREF from, COLORREF to, int percent) {
   return color;
 }
 
-// Blends the colour with `ink` until it contrasts with `ground`.
+// Blends the color with `ink` until it contrasts with `ground`.
 COLORREF Readable(COLORREF color, COLORREF ground, COLORREF ink, double minContrast) {
   const double background = Luminance(ground) + 0.05;
   for (int percent = 0; percent < 100; percent += 20) {
@@ -78,7 +78,7 @@ COLORREF Readable(COLORREF color, COLORREF ground, COLORREF ink, double minContr
   return ink;
 }
 
-COLORREF Grey(COLORREF color) {
+COLORREF Gray(COLORREF color) {
   const int lightness = (GetRValue(color) * 30 + GetGValue(color) * 59 + GetBValue(color) * 11) / 100;
   return RGB(lightness, lightness, lightness);
 }
@@ -175,11 +175,11 @@ StripColors ColorsOf(const StripModel& model) {
   colors.hidden = GetSysColor(COLOR_GRAYTEXT);
   for (int i = 0; i < kStripChannels; ++i) {
     const COLORREF own = model.channels[i].info.color & 0xFFFFFF;
-    colors.lines[i] = disabled ? Mix(Grey(own), colors.ground, 40) : own;
+    colors.lines[i] = disabled ? Mix(Gray(own), colors.ground, 40) : own;
     colors.lines[i] = Readable(colors.lines[i], colors.ground, colors.ink, contrast ? 4.5 : disabled ? 1.3 : 1.8);
   }
   for (int i = 0; i < kStripZones; ++i) {
-    const COLORREF own = disabled ? Grey(model.zones[i].color & 0xFFFFFF) : model.zones[i].color & 0xFFFFFF;
+    const COLORREF own = disabled ? Gray(model.zones[i].color & 0xFFFFFF) : model.zones[i].color & 0xFFFFFF;
     // In high contrast a zone is drawn faintly.
     colors.zones[i] = Mix(colors.ground, own, contrast ? 8 : 22);
   }

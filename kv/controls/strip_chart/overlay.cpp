@@ -26,7 +26,7 @@ std::wstring ValueText(double value, const StripLayout& layout, int channel) {
   return std::isnan(value) ? std::wstring(kNothing) : TickText(value, ReadingStep(layout, channel, value));
 }
 
-// A row of the tooltip: the channel whose colour precedes it, or -1, and its texts from left to right.
+// A row of the tooltip: the channel whose color precedes it, or -1, and its texts from left to right.
 struct TooltipRow {
   int channel;
   std::array<std::wstring, kColumns> texts;

@@ -15,7 +15,7 @@ INT_PTR CALLBACK DialogProcedure(HWND, UINT message, WPARAM, LPARAM) {
   return message == WM_INITDIALOG;
 }
 
-// Whether the window shows more than one colour.
+// Whether the window shows more than one color.
 bool ShowsSomething(HWND window) {
   RECT rect;
   GetClientRect(window, &rect);

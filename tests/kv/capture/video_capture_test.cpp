@@ -152,7 +152,7 @@ TEST_F(VideoCapture, AChangedFormatIsStretchedIntoTheSameBitmap) {
   EXPECT_EQ(320, link->frameWidth);
   EXPECT_EQ(0xC0C0C0u, PixelOf(0, 0));
   EXPECT_EQ(0x0000C0u, PixelOf(319, 100));
-  // A colour table of 256 entries; the link stores only one.
+  // A color table of 256 entries; the link stores only one.
   camera().width = 320;
   camera().height = 240;
   camera().bitCount = 8;

@@ -14,8 +14,8 @@ namespace {
 
 constexpr double kRadian = std::numbers::pi / 180;
 
-// The earth-centred x, y, z of a position.
-std::array<double, 3> CentredFrom(double latitude, double longitude, double height) {
+// The earth-centered x, y, z of a position.
+std::array<double, 3> CenteredFrom(double latitude, double longitude, double height) {
   constexpr double kRadius = 6378137.0, kFlat = 1 / 298.257223563, kE2 = kFlat * (2 - kFlat);
   const double sine = std::sin(latitude * kRadian);
   const double normal = kRadius / std::sqrt(1 - kE2 * sine * sine);
@@ -29,21 +29,21 @@ void ExpectPosition(double latitude, double longitude, GeodeticPosition found, d
   EXPECT_NEAR(longitude, found.longitude, tolerance);
 }
 
-TEST(EarthCentred, KnownPositions) {
-  ExpectPosition(0, 180, PositionFromEarthCentred(-6378137, 0, 0));
-  ExpectPosition(90, 0, PositionFromEarthCentred(0, 0, 6356752.314245179));
-  ExpectPosition(-90, 0, PositionFromEarthCentred(0, 0, -1e9));
-  ExpectPosition(0, 0, PositionFromEarthCentred(0, 0, 0));
-  ExpectPosition(0, 0, PositionFromEarthCentred(1000, 0, 0));  // not unique at this depth, but a position
-  EXPECT_TRUE(std::isnan(PositionFromEarthCentred(NAN, 0, 1).latitude));
+TEST(EarthCentered, KnownPositions) {
+  ExpectPosition(0, 180, PositionFromEarthCentered(-6378137, 0, 0));
+  ExpectPosition(90, 0, PositionFromEarthCentered(0, 0, 6356752.314245179));
+  ExpectPosition(-90, 0, PositionFromEarthCentered(0, 0, -1e9));
+  ExpectPosition(0, 0, PositionFromEarthCentered(0, 0, 0));
+  ExpectPosition(0, 0, PositionFromEarthCentered(1000, 0, 0));  // not unique at this depth, but a position
+  EXPECT_TRUE(std::isnan(PositionFromEarthCentered(NAN, 0, 1).latitude));
 }
 
-TEST(EarthCentred, RoundTrip) {
+TEST(EarthCentered, RoundTrip) {
   for (const double height : {-6.3e6, -5e6, -1e4, 0.0, 9e3, 4e5, 3.6e7, 1e12}) {
     for (double latitude = -90; latitude <= 90; latitude += 0.25) {
       const double longitude = latitude * 1.99;
-      const auto [x, y, z] = CentredFrom(latitude, longitude, height);
-      const GeodeticPosition found = PositionFromEarthCentred(x, y, z);
+      const auto [x, y, z] = CenteredFrom(latitude, longitude, height);
+      const GeodeticPosition found = PositionFromEarthCentered(x, y, z);
       ASSERT_NEAR(latitude, found.latitude, 1e-11) << height;
       ASSERT_NEAR(std::fabs(latitude) < 90 ? longitude : found.longitude, found.longitude, 1e-11) << height;
     }

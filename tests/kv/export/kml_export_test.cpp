@@ -241,7 +241,7 @@ TEST_F(KmlExport, WaypointsAreComputedByKind) {
              {.dX = 100, .dY = -200, .dAltitude = 5, .bKind = kPointLocal},
              {.dAltitude = 5, .bKind = kPointGeodetic, .dLatitude = 33.25, .dLongitude = -12.5},
              {.dAltitude = 6, .bKind = 3},
-             {.bKind = kPointEarthCentred, .dCentredY = 7e6}});
+             {.bKind = kPointEarthCentered, .dCenteredY = 7e6}});
   EXPECT_TRUE(exportWaypointsText(&view));
   EXPECT_EQ(
       "8.0000000000,47.0000000000,5.0\n8.0013171810,47.0018026746,5.0\n"

@@ -10,7 +10,7 @@ namespace {
 using kvtest::RecordingParent;
 
 // The library remains loaded, as in the program.
-void ClearsAndColoursARealControl(RecordingParent& parent, const char* library, const char* className) {
+void ClearsAndColorsARealControl(RecordingParent& parent, const char* library, const char* className) {
   SCOPED_TRACE(className);
   ASSERT_TRUE(LoadLibraryA(library));
   HWND edit = kvtest::CreateControl(parent, className, "old text", ES_MULTILINE, {0, 0, 300, 200}, 7);
@@ -48,9 +48,9 @@ void ClearsAndColoursARealControl(RecordingParent& parent, const char* library, 
 
 TEST(TerminalEdit, StylesEveryVersionAndLeavesOtherWindowsAlone) {
   RecordingParent parent(true, 300, 200);
-  ClearsAndColoursARealControl(parent, "RichEd32.dll", "RICHEDIT");  // implemented by the newer one
-  ClearsAndColoursARealControl(parent, "RichEd20.dll", "RichEdit20A");
-  ClearsAndColoursARealControl(parent, "RichEd20.dll", "RichEdit20W");
+  ClearsAndColorsARealControl(parent, "RichEd32.dll", "RICHEDIT");  // implemented by the newer one
+  ClearsAndColorsARealControl(parent, "RichEd20.dll", "RichEdit20A");
+  ClearsAndColorsARealControl(parent, "RichEd20.dll", "RichEdit20W");
   kvtest::PumpMessages();
   ASSERT_FALSE(GetUpdateRect(parent, nullptr, FALSE));
   EXPECT_EQ(1, kv::styleTerminalEdit(nullptr));

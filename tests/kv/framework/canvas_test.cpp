@@ -129,7 +129,7 @@ TEST(Glyphs, OutlinesCanBeRotated) {
     EXPECT_EQ(hollow == L'8' ? 3 : hollow == L'0' ? 2 : 1, glyph->contours);
     EXPECT_TRUE(glyph->advance > 0.5 && glyph->advance < 1.5);
   }
-  // An E has its stem at the left: upright it is left of the centre, rotated by 90 degrees above it.
+  // An E has its stem at the left: upright it is left of the center, rotated by 90 degrees above it.
   for (const double turn : {0.0, 90.0}) {
     Board board(60, 60);
     FillGlyph(*board.canvas, *glyph, {30, 30}, 0, 40, turn, kWhite);

@@ -122,7 +122,7 @@ DWORD WINAPI BufferTooSmall() {
 
 // The failure is simulated. Under Wine, a name that does not fit cannot be typed: its dialog copies folder and name
 // into a buffer of its own without testing their length.
-TEST_F(FileDialog, CancellingIsSilentFailureIsReportedAndBothKeepThePath) {
+TEST_F(FileDialog, CancelingIsSilentFailureIsReportedAndBothKeepThePath) {
   std::wstring text;
   const User user({[](HWND dialog) { PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0); },
                    [&](HWND box) {

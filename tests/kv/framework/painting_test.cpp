@@ -24,7 +24,7 @@ void ExpectOnlyWithin(const TestBitmap& bitmap, const RECT& area) {
   }
 }
 
-TEST(Painting, BlendTruncatesTowardsZeroAndMasks) {
+TEST(Painting, BlendTruncatesTowardZeroAndMasks) {
   const COLORREF start = RGB(0, 255, 10), end = RGB(255, 0, 20);
   COLORREF color = kUntouched;
   const std::tuple<int, int, COLORREF> cases[] = {{8, 0, start},

@@ -63,7 +63,7 @@ TEST(ParsePosition, EveryTextGivesFourNumbers) {
       {"99999999999999,-99999999999999,,", "2147483647,-2147483648,0,0"}};
   for (const auto& [text, position] : samples) EXPECT_EQ(position, Text(kv::ParsePosition(text)));
   EXPECT_EQ("0,0,770,580", Text(kv::ClampPosition({-30, -20, 770, 580})));
-  EXPECT_EQ("490,362,791,663", Text(kv::CentredPosition({1281, 1024}, {301, 301})));
+  EXPECT_EQ("490,362,791,663", Text(kv::CenteredPosition({1281, 1024}, {301, 301})));
 }
 
 TEST_F(WindowPositionTest, SavesAndRestores) {
@@ -101,18 +101,18 @@ TEST_F(WindowPositionTest, UnusualTextsAndModes) {
   EXPECT_TRUE(Place(window).starts_with("10,20,10,"));
 }
 
-TEST_F(WindowPositionTest, CentresWithoutAValidText) {
+TEST_F(WindowPositionTest, CentersWithoutAValidText) {
   RECT desktop{};
   GetClientRect(GetDesktopWindow(), &desktop);
-  const std::string centred = Text(kv::CentredPosition({desktop.right, desktop.bottom}, {300, 200}));
+  const std::string centered = Text(kv::CenteredPosition({desktop.right, desktop.bottom}, {300, 200}));
   EXPECT_TRUE(kv::WindowPosition(window, kName, kv::kPositionRestoreOnly));
-  EXPECT_EQ(centred + "|", Place(window) + "|" + Stored());
+  EXPECT_EQ(centered + "|", Place(window) + "|" + Stored());
   SetWindowPos(window, nullptr, 1, 2, 0, 0, SWP_NOSIZE);
   Store(std::string(300, '9'));  // longer than the read limit
   EXPECT_TRUE(kv::WindowPosition(window, kName, kv::kPositionRestoreOnly));
-  EXPECT_EQ(centred, Place(window));
+  EXPECT_EQ(centered, Place(window));
   EXPECT_TRUE(kv::WindowPosition(window, kName, 3));
-  EXPECT_EQ(centred, Stored());
+  EXPECT_EQ(centered, Stored());
 }
 
 TEST_F(WindowPositionTest, RejectsBadArguments) {

@@ -22,7 +22,7 @@ COLORREF RowColor(UINT row) {
   return row == kHeaderRow ? kHeaderColor : RGB(200, row & 0xFF, 100);
 }
 
-// A list with 100 x 85 pixels between its bars. Its parent returns `height_`, draws each row in a different colour and
+// A list with 100 x 85 pixels between its bars. Its parent returns `height_`, draws each row in a different color and
 // records its number.
 class ExtendedList : public kvtest::ControlTest<RegisterExtendedListClass> {
  protected:

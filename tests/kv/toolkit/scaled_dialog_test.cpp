@@ -255,7 +255,7 @@ TEST_F(ScaledDialogTest, SavesItsStateWhenTheSessionEnds) {
   EXPECT_EQ(2, std::ranges::count(seen, kSaveState));
 }
 
-TEST_F(ScaledDialogTest, SavesTheNormalSizeOfAMaximisedOrMinimisedWindow) {
+TEST_F(ScaledDialogTest, SavesTheNormalSizeOfAMaximizedOrMinimizedWindow) {
   for (const int state : {SW_MAXIMIZE, SW_MINIMIZE}) {
     HWND dialog = OpenDialog(nullptr, kTest);
     SetWindowPos(dialog, nullptr, 50 + state, 62, 500, 400, SWP_NOZORDER);
@@ -322,7 +322,7 @@ TEST_F(ScaledDialogTest, KeepsItsTextsReadable) {
   DestroyWindow(dialog);
 }
 
-// The procedure may destroy the dialog in any message; the toolkit must not use it afterwards.
+// The procedure may destroy the dialog in any message; the toolkit must not use it afterward.
 TEST_F(ScaledDialogTest, MayBeDestroyedByItsProcedureAtAnyTime) {
   LoadLanguages(L"test_toolkit");
   constexpr UINT kMessages[] = {WM_INITDIALOG, kLanguageChanged, WM_SIZE, WM_PAINT, WM_NOTIFYFORMAT, WM_CTLCOLORSTATIC};
@@ -346,7 +346,7 @@ TEST_F(ScaledDialogTest, ShowsATextInAnEmptyFieldOnly) {
   HWND dialog = OpenDialog(nullptr, kTest);
   const HWND field = GetDlgItem(dialog, IDC_EDIT);
   EXPECT_FALSE(SetEmptyText(dialog, IDC_LABEL, L"Hint") || SetEmptyText(dialog, IDC_OUTSIDE + 99, L"Hint"));
-  const auto isGrey = [field] {
+  const auto isGray = [field] {
     RedrawWindow(field, nullptr, nullptr, RDW_UPDATENOW);
     const WindowDc dc(field);
     const SIZE size = ClientSize(field);
@@ -356,14 +356,14 @@ TEST_F(ScaledDialogTest, ShowsATextInAnEmptyFieldOnly) {
     }
     return false;
   };
-  EXPECT_FALSE(isGrey());
+  EXPECT_FALSE(isGray());
   EXPECT_TRUE(SetEmptyText(dialog, IDC_EDIT, L"Former") && SetEmptyText(dialog, IDC_EDIT, L"Hint"));
-  EXPECT_TRUE(isGrey());
+  EXPECT_TRUE(isGray());
   EXPECT_EQ(L"", TextOf(field));
   SendMessageW(field, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L"x"));
-  EXPECT_FALSE(isGrey());
+  EXPECT_FALSE(isGray());
   SetWindowTextW(field, L"");
-  EXPECT_TRUE(isGrey());
+  EXPECT_TRUE(isGray());
   DestroyWindow(dialog);
 }
 

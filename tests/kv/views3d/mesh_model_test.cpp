@@ -138,7 +138,7 @@ TEST(MeshModel, UnlockRequiresOneByteAfterTheHeader) {
   GlobalFree(handle);
 }
 
-TEST(MeshSetView, NormalisesTheFlaggedAngles) {
+TEST(MeshSetView, NormalizesTheFlaggedAngles) {
   LockedMesh mesh({});
   const std::pair<double, double> cases[] = {{540, 180},      {-540, -180},      {180, 180},        {-180, -180},
                                              {180.5, -179.5}, {-1000.25, 79.75}, {3600000017.0, 17}};
@@ -158,7 +158,7 @@ TEST(MeshSetView, NormalisesTheFlaggedAngles) {
   EXPECT_EQ(1u, LockCount(mesh.handle));
 }
 
-TEST(MeshProject, RotatesXTowardsYThenZTowardsYThenXTowardsZ) {
+TEST(MeshProject, RotatesXTowardYThenZTowardYThenXTowardZ) {
   LockedMesh mesh({2});
   MeshVertex& vertex = mesh.vertices[0];
   vertex.x = 1;
