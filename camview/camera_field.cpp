@@ -262,7 +262,7 @@ LRESULT OnCommand(Field& field, WPARAM wParam, LPARAM lParam) {
   }
   field.records.assign(content.records, content.records + content.count);
   for (StoredRecord& record : field.records) {
-    // Odd records may contain any number.
+    // Records with invalid numbers may contain any number.
     for (kv::CameraPoint& point : record.points) {
       point = {std::clamp<LONG>(point.x, 0, kv::kNoPoint), std::clamp<LONG>(point.y, 0, kv::kNoPoint)};
     }

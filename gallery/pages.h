@@ -40,7 +40,7 @@ INT_PTR CALLBACK DialogServicesPageProcedure(HWND page, UINT message, WPARAM wPa
 INT_PTR CALLBACK ChartPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
 
 // The bitmap control: unscaled, transparent, square and selected by name; clicks that are forwarded to the controls
-// beneath; and a log of notifications.
+// behind it; and a log of notifications.
 INT_PTR CALLBACK BitmapPageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
 
 // The display instruments: all modes with a simulated flight, their states, and their minimum sizes.

@@ -35,6 +35,16 @@ WORDS = re.compile("|".join([
     r"^\s*type" r"def\b",  # clang-tidy finds it as well, but takes half a minute for the tree
     r"\bspeci" r"fication\b", r"\bPa" r"rt [0-9]+\.[0-9]", r"/wo" r"rk/", r"/tm" r"p/",
 ]), re.IGNORECASE)
+# Words for which the project has others: American spelling, and the glossary of CONTRIBUTING.md.
+OTHER_WORDS = re.compile("|".join([
+    "colo" "ur", "cent" "re(?!l)", "behavio" "ur", "neighbo" "ur", "favo" "ur", r"\bgr" r"ey", "lice" "nce", "met" "re",
+    "(?:initial|normal|recogn|optim|maxim|minim|synchron|summar|raster|organ|general|special)is" r"(?:e|ed|es|er|ing|ation)\b",
+    "cance" "ll(?:ed|ing)", "labe" "ll(?:ed|ing)", "signa" "ll(?:ed|ing)", "judge" "ment", "anti-" "aliased",
+    r"\bplug b" r"utton", r"-aware h" r"ost\b", "own a" "xes", r"\bodd r" r"ecord", r"\bben" r"eath\b", r"\bgl" r"id(?:e|es|ed|ing)\b",
+    "tool " r"tips?\b", "read-" "out", r"\bmak" r"er's\b", "time-" "out",
+]), re.IGNORECASE)
+# Texts in other languages.
+FOREIGN = re.compile(r"resources/(?:languages|help/(?!english))|samples/.*/(?:arabic|german)\.rc|tests/.*(?:german|GR)\.rc")
 TEXT = {".cpp", ".h", ".rc", ".py", ".sh", ".md", ".cmake", ".txt", ".yml", ".json", ".csv", ""}
 
 
@@ -54,6 +64,9 @@ def findings(path):
         word = WORDS.search(line) if suffix in TEXT else None
         if word:
             yield number, f"'{word.group()}' does not belong here"
+        other = OTHER_WORDS.search(line) if suffix in TEXT and not FOREIGN.match(path) else None
+        if other:
+            yield number, f"'{other.group()}': the glossary of CONTRIBUTING.md has another word"
         included = re.match(r'\s*#\s*include\s+"([^"]+)"', line)
         if included and suffix in {".cpp", ".h"} and allowed is not None:
             target = room_of(included.group(1))

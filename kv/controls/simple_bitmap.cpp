@@ -118,7 +118,7 @@ LRESULT OnCopy(HWND window, LPARAM lParam) {
   return 0;
 }
 
-// The control beneath may have destroyed this one; then no notification is posted.
+// The control behind it may have destroyed this one; then no notification is posted.
 void Notify(HWND window, WORD code) {
   if (IsWindow(window)) PostNotification(window, code);
 }

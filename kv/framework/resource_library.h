@@ -7,8 +7,9 @@
 namespace kv {
 
 // Returns true for a 32-bit library whose headers, sections and directories lie within the file, whose resource
-// directory is a tree of types, names and languages with all entries, texts and rows of bitmaps (uncompressed ones only)
-// within the file, and that either has no code or an entry point in a code section. The code itself is not examined.
+// directory is a tree of types, names and languages with all entries, texts and rows of bitmaps (uncompressed ones
+// only) within the file, and that either has no code or an entry point in a code section. The code itself is not
+// examined.
 bool IsResourceLibrary(const wchar_t* path);
 
 }  // namespace kv

@@ -340,8 +340,8 @@ class MessageFuzzing : public testing::TestWithParam<FuzzedClass> {
 
 TEST_P(MessageFuzzing, LeavesAWorkingControlAndNoLeaks) {
   const FuzzedClass& fuzzed = GetParam();
-  kvtest::CreateControl(*parent_, "EDIT", "beneath", 0, {60, 40, 65, 60}, 2);
-  kvtest::CreateControl(*parent_, "BUTTON", "beneath", 0, {0, 0, 60, 60}, 3);
+  kvtest::CreateControl(*parent_, "EDIT", "behind", 0, {60, 40, 65, 60}, 2);
+  kvtest::CreateControl(*parent_, "BUTTON", "behind", 0, {0, 0, 60, 60}, 3);
   const kvtest::ScarceObjects scarce(100);
   const auto make = [&] {
     const HWND control = kvtest::CreateControl(*parent_, fuzzed.className, "101", fuzzed.style, {0, 0, 100, 85}, 4712);

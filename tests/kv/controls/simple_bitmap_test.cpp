@@ -145,7 +145,7 @@ TEST_F(SimpleBitmap, LeftClickClicksTheButtonBeneathOrIsReported) {
   HWND control = Create("101");
   // Not targets: a second bitmap control, a static, and controls that are hidden or elsewhere.
   Create("101");
-  CreateControl(parent_, "STATIC", "beneath", 0, kBeneath, 76);
+  CreateControl(parent_, "STATIC", "behind", 0, kBeneath, 76);
   HWND button = CreateControl(parent_, "BUTTON", "hidden", 0, kBeneath, 77);
   ShowWindow(button, SW_HIDE);
   CreateControl(parent_, "BUTTON", "distant", 0, {71, 40, 90, 60}, 78);
