@@ -119,7 +119,8 @@ def main() -> int:
     if len(sys.argv) < 2:
         print(__doc__, file=sys.stderr)
         return 2
-    pages = {page: page.read_text(encoding="utf-8") for page in [ROOT / "README.md", ROOT / "docs/first-panel.md", *sorted(REFERENCE.glob("*.md"))]}
+    files = [ROOT / "README.md", ROOT / "docs" / "first-panel.md", *sorted(REFERENCE.glob("*.md"))]
+    pages = {page: page.read_text(encoding="utf-8") for page in files}
     places = {name: page for page, text in pages.items() for name in headers_of(text)}
     current = {page: refreshed(page, text, places) for page, text in pages.items() if page != NAMES}
     pages[KEYS] = KEYS.read_text(encoding="utf-8")

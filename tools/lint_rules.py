@@ -38,13 +38,15 @@ WORDS = re.compile("|".join([
 # Words for which the project has others: American spelling, and the glossary of CONTRIBUTING.md.
 OTHER_WORDS = re.compile("|".join([
     "colo" "ur", "cent" "re(?!l)", "behavio" "ur", "neighbo" "ur", "favo" "ur", r"\bgr" r"ey", "lice" "nce", "met" "re",
-    "(?:initial|normal|recogn|optim|maxim|minim|synchron|summar|raster|organ|general|special)is" r"(?:e|ed|es|er|ing|ation)\b",
+    "(?:initial|normal|recogn|optim|maxim|minim|synchron|summar|raster|organ|general|special)is"
+    r"(?:e|ed|es|er|ing|ation)\b",
     "cance" "ll(?:ed|ing)", "labe" "ll(?:ed|ing)", "signa" "ll(?:ed|ing)", "judge" "ment", "anti-" "aliased",
-    r"\bplug b" r"utton", r"-aware h" r"ost\b", "own a" "xes", r"\bodd r" r"ecord", r"\bben" r"eath\b", r"\bgl" r"id(?:e|es|ed|ing)\b",
-    "tool " r"tips?\b", "read-" "out", r"\bmak" r"er's\b", "time-" "out",
+    r"\bplug b" r"utton", r"-aware h" r"ost\b", "own a" "xes", r"\bodd r" r"ecord", r"\bben" r"eath\b",
+    r"\bgl" r"id(?:e|es|ed|ing)\b", "tool " r"tips?\b", "read-" "out", r"\bmak" r"er's\b", "time-" "out",
 ]), re.IGNORECASE)
-# Texts in other languages.
-FOREIGN = re.compile(r"resources/(?:languages|help/(?!english))|samples/.*/(?:arabic|german)\.rc|tests/.*(?:german|GR)\.rc")
+# Texts in other languages, and the glossary itself.
+FOREIGN = re.compile(r"CONTRIBUTING\.md|resources/(?:languages|help/(?!english))|"
+                     r"samples/.*/(?:arabic|german)\.rc|tests/.*(?:german|GR)\.rc")
 TEXT = {".cpp", ".h", ".rc", ".py", ".sh", ".md", ".cmake", ".txt", ".yml", ".json", ".csv", ""}
 
 
