@@ -69,7 +69,7 @@ void StripRenderer::DrawLegend(Canvas& canvas, const StripModel& model) {
     RECT area{x + dash + space, layout.legend.top, x + dash + space + width, layout.legend.bottom};
     const std::wstring text = LegendText(channel.info, hasUnits);
     DrawTextW(dc, text.data(), static_cast<int>(text.size()), &area,
-              DT_LEFT | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
+              DT_LEFT | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_NOCLIP | DT_END_ELLIPSIS);
     legendItems_[i] = {x, layout.legend.top, area.right + space, layout.legend.bottom};
     x += around + width;
   }
