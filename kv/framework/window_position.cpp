@@ -62,6 +62,12 @@ BOOL SavePosition(HWND window, const char* name) {
   return TRUE;
 }
 
+RECT WorkAreaOf(HWND window) {
+  MONITORINFO monitor{.cbSize = sizeof(monitor)};
+  GetMonitorInfoA(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor);
+  return monitor.rcWork;
+}
+
 }  // namespace
 
 void SetSettingsKey(const char* key) {
@@ -127,15 +133,17 @@ void PlaceOverOwner(HWND window) {
                SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+SIZE FitToWorkArea(HWND window, SIZE size) {
+  const RECT work = WorkAreaOf(window);
+  return {std::min(size.cx, work.right - work.left), std::min(size.cy, work.bottom - work.top)};
+}
+
 void KeepInSight(HWND window, SIZE minimumSize) {
   constexpr int kGrip = 48;  // of the caption, in pixels
-  RECT rect{};
+  minimumSize = FitToWorkArea(window, minimumSize);
+  RECT rect{}, work = WorkAreaOf(window);
   GetWindowRect(window, &rect);
-  MONITORINFO monitor{.cbSize = sizeof(monitor)};
-  GetMonitorInfoA(MonitorFromRect(&rect, MONITOR_DEFAULTTONEAREST), &monitor);
-  RECT work = monitor.rcWork;
-  SIZE size{std::min(rect.right - rect.left, work.right - work.left),
-            std::min(rect.bottom - rect.top, work.bottom - work.top)};
+  SIZE size = FitToWorkArea(window, {rect.right - rect.left, rect.bottom - rect.top});
   // What was shrunk is moved to where it fits.
   if (size.cx < rect.right - rect.left) rect.left = work.left;
   if (size.cy < rect.bottom - rect.top) rect.top = work.top;

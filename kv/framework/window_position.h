@@ -40,9 +40,12 @@ BOOL WindowNumber(const char* name, DWORD* number, int mode);
 // Centers a window over its owner, if that is not minimized, and removes its boxes to minimize and maximize it.
 void PlaceOverOwner(HWND window);
 
+// The size, not larger than the work area of the window's monitor.
+SIZE FitToWorkArea(HWND window, SIZE size);
+
 // Call after restoring a window's position: shrinks a window that is larger than its monitor's work area, makes it at
-// least `minimumSize` large, and centers it on the primary monitor when no monitor shows enough of its caption to drag
-// it.
+// least `minimumSize` large if the work area is, and centers it on the primary monitor when no monitor shows enough of
+// its caption to drag it.
 void KeepInSight(HWND window, SIZE minimumSize);
 
 // Parses a stored text: up to four integers separated by commas. A field that is missing, and all after it, repeat the

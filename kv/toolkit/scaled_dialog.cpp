@@ -17,6 +17,7 @@
 #include "kv/framework/guards.h"
 #include "kv/framework/language.h"
 #include "kv/framework/modules.h"
+#include "kv/framework/window_position.h"
 #include "kv/toolkit/control_access.h"
 #include "kv/toolkit/control_layout.h"
 #include "kv/toolkit/copy_key.h"
@@ -192,9 +193,10 @@ INT_PTR ReturnDialogResult(HWND dialog, LONG result) {
   return TRUE;
 }
 
-INT_PTR OnMinimumSize(const DialogState& state, MINMAXINFO* limits) {
+INT_PTR OnMinimumSize(HWND dialog, const DialogState& state, MINMAXINFO* limits) {
   if (IsBadWritePtr(limits, sizeof(*limits))) return FALSE;
-  limits->ptMinTrackSize = {state.minimumSize.cx, state.minimumSize.cy};
+  const SIZE minimum = FitToWorkArea(dialog, state.minimumSize);
+  limits->ptMinTrackSize = {minimum.cx, minimum.cy};
   return TRUE;
 }
 
@@ -242,7 +244,7 @@ INT_PTR HandleDefault(HWND dialog, const DialogState& state, UINT message, WPARA
     case WM_CTLCOLORSTATIC:
     case WM_CTLCOLORBTN: return OnControlColor(state, reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam));
     case WM_SYSCOLORCHANGE: return OnSystemColors(dialog, wParam, lParam);  // sent only to top-level windows
-    case WM_GETMINMAXINFO: return OnMinimumSize(state, reinterpret_cast<MINMAXINFO*>(lParam));
+    case WM_GETMINMAXINFO: return OnMinimumSize(dialog, state, reinterpret_cast<MINMAXINFO*>(lParam));
     case WM_ENDSESSION: return wParam && OnSessionEnd(dialog, state);
     case WM_MEASUREITEM: return OnMeasure(dialog, state, reinterpret_cast<MEASUREITEMSTRUCT*>(lParam));
     // Controls would query the dialog's class, which is an ANSI class.

@@ -64,7 +64,7 @@ struct ScaledDialog {
   const char* maximizedName = nullptr;
 
   // Of the whole window, in pixels; at least the size at which texts are 11 pixels high, at which they stop shrinking.
-  // 0: the size of the template.
+  // 0: the size of the template. A smaller screen limits it.
   SIZE minimumSize = {};
   COLORREF background = kDefaultBackground;
 

@@ -180,6 +180,10 @@ TEST_F(WindowPositionTest, WindowsOffScreenOrTooSmallAreCorrected) {
   SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
   GetWindowRect(window, &shrunk);
   EXPECT_TRUE(EqualRect(&work, &shrunk)) << Place(window);
+  // Neither does a minimum size that the screen has no space for push it over the edge.
+  kv::KeepInSight(window, {screen.cx + 80, screen.cy + 60});
+  GetWindowRect(window, &shrunk);
+  EXPECT_TRUE(EqualRect(&work, &shrunk)) << Place(window);
 }
 
 }  // namespace
