@@ -17,6 +17,17 @@ std::wstring LegendText(const StripChannel& info, bool hasUnit) {
   return ChannelName(info) + (unit.empty() ? L"" : L" (" + unit + L")");
 }
 
+// Leaves out the middle of a text that is too wide, because names of channels often differ only at the end.
+std::wstring Shortened(HDC dc, const std::wstring& text, LONG width) {
+  if (WidthOf(dc, text) <= width) return text;
+  std::wstring shown;
+  for (size_t left = text.size() - 1; left > 0; --left) {
+    shown = text.substr(0, left / 2) + L"\x2026" + text.substr(text.size() - (left - left / 2));
+    if (WidthOf(dc, shown) <= width) break;
+  }
+  return shown;
+}
+
 }  // namespace
 
 void StripRenderer::DrawLegend(Canvas& canvas, const StripModel& model) {
@@ -67,7 +78,7 @@ void StripRenderer::DrawLegend(Canvas& canvas, const StripModel& model) {
     SetTextColor(dc, isOn ? key_.colors.text : key_.colors.hidden);
     SetBkMode(dc, TRANSPARENT);
     RECT area{x + dash + space, layout.legend.top, x + dash + space + width, layout.legend.bottom};
-    const std::wstring text = LegendText(channel.info, hasUnits);
+    const std::wstring text = Shortened(dc, LegendText(channel.info, hasUnits), width);
     DrawTextW(dc, text.data(), static_cast<int>(text.size()), &area,
               DT_LEFT | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_NOCLIP | DT_END_ELLIPSIS);
     legendItems_[i] = {x, layout.legend.top, area.right + space, layout.legend.bottom};

@@ -267,6 +267,26 @@ TEST_F(StripCharts, TheLegendNamesOrCountsAllChannelsAndTogglesThem) {
   }
 }
 
+TEST_F(StripCharts, ShortenedNamesKeepTheirEnds) {
+  HWND chart = Create(0, 350, 200);
+  for (int i = 0; i < 4; ++i) Append(chart, {{0, 1}, {1, 2}}, i);
+  const auto legend = [&](const char* firstName) {
+    for (int i = 0; i < 4; ++i) {
+      StripChannel info = Read<StripChannel>(chart, kStripChannel, i);
+      strcpy(info.name, i == 0 ? firstName : "Cylinder pressure 2");
+      Send(chart, kStripChannel | kCommandRedraw, &info, i);
+    }
+    UpdateWindow(chart);
+    const Printed image(chart, 350);
+    std::vector<COLORREF> pixels;
+    for (int y = 2; y < 15; ++y) {
+      for (int x = 0; x < 350; ++x) pixels.push_back(image.At(x, y));
+    }
+    return pixels;
+  };
+  EXPECT_TRUE(legend("Cylinder pressure 1") != legend("Cylinder pressure 4"));
+}
+
 TEST_F(StripCharts, ZoomsIntoARectangleAndBackAndMeasuresBetweenTwoCursors) {
   HWND chart = Create();
   for (int i = 0; i <= 100; ++i) Append(chart, {{i * 1.0, i * 1.0}});
