@@ -32,6 +32,7 @@ namespace {
 constexpr wchar_t kStateProperty[] = L"kvScaledDialog";
 constexpr int kTextPx = 14;     // at scale 1 and 96 DPI
 constexpr int kMinTextPx = 11;  // at 96 DPI; smaller ones cannot be read
+constexpr int kMinRowPx = 15;   // of a list: for a text of that height
 
 using SharedDialogState = std::shared_ptr<DialogState>;
 
@@ -96,6 +97,21 @@ SharedDialogState CreateDialogState(HWND dialog, const Opening& opening) {
   return state;
 }
 
+// On a screen that is smaller, the system has created the window smaller than its template.
+void RestoreTemplateSize(HWND dialog, const wchar_t* templateName) {
+  HRSRC resource = FindResourceW(modules.application, templateName, MAKEINTRESOURCEW(5));  // RT_DIALOG, in wide form
+  const auto* words = static_cast<const WORD*>(LockResource(LoadResource(modules.application, resource)));
+  if (!words) return;
+  // Width and height follow the number of controls and the position.
+  const WORD* size = words + (words[1] == 0xFFFF ? 11 : 7);
+  RECT area{0, 0, static_cast<short>(size[0]), static_cast<short>(size[1])};
+  if (!MapDialogRect(dialog, &area)) return;
+  const SIZE present = SizeOf(dialog), client = ClientSize(dialog);
+  if (client.cx >= area.right && client.cy >= area.bottom) return;
+  SetWindowPos(dialog, nullptr, 0, 0, present.cx - client.cx + area.right, present.cy - client.cy + area.bottom,
+               SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 // Enlarges the window by the height of the menu bar.
 void AddMenu(HWND dialog, DialogState& state) {
   if (!state.options.menu || state.kind == DialogKind::kPage) return;
@@ -125,6 +141,7 @@ INT_PTR OnInit(HWND dialog, const Opening& opening) {
   const SharedDialogState state = CreateDialogState(dialog, opening);
   const ScaledDialog& options = state->options;
   SetTextsOfLanguage(dialog, options.templateName);
+  if (state->kind != DialogKind::kPage) RestoreTemplateSize(dialog, options.templateName);
   AddMenu(dialog, *state);
   const SIZE asInTemplate = SizeOf(dialog);
   // Not so small that texts would be.
@@ -197,6 +214,8 @@ INT_PTR OnMinimumSize(HWND dialog, const DialogState& state, MINMAXINFO* limits)
   if (IsBadWritePtr(limits, sizeof(*limits))) return FALSE;
   const SIZE minimum = FitToWorkArea(dialog, state.minimumSize);
   limits->ptMinTrackSize = {minimum.cx, minimum.cy};
+  // While it is being created, the controls are where the template has them.
+  if (!state.minimumSize.cx) limits->ptMaxTrackSize = {SHRT_MAX, SHRT_MAX};
   return TRUE;
 }
 
@@ -205,8 +224,9 @@ INT_PTR OnMeasure(HWND dialog, const DialogState& state, MEASUREITEMSTRUCT* requ
   if (IsBadWritePtr(request, sizeof(*request))) return FALSE;
   const HWND control = GetDlgItem(dialog, static_cast<int>(request->CtlID));
   if (!IsOfClass(control, L"kvExtList")) return FALSE;
-  request->itemHeight = std::max(
-      1u, static_cast<UINT>(static_cast<float>(AtDpi(dialog, static_cast<int>(request->itemHeight))) * state.scale.y));
+  const int height = AtDpi(dialog, static_cast<int>(request->itemHeight));
+  request->itemHeight = static_cast<UINT>(
+      std::max(AtDpi(dialog, kMinRowPx), static_cast<int>(static_cast<float>(height) * state.scale.y)));
   return TRUE;
 }
 

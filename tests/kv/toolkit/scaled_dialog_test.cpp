@@ -313,12 +313,27 @@ TEST_F(ScaledDialogTest, KeepsItsTextsReadable) {
   EXPECT_EQ(11, TextHeightOf(dialog));
   MEASUREITEMSTRUCT row{.CtlType = ODT_LISTBOX, .CtlID = IDC_ROWS, .itemHeight = 40};
   SendMessageW(dialog, WM_MEASUREITEM, IDC_ROWS, reinterpret_cast<LPARAM>(&row));
+  // Nor do rows shrink further than their texts.
+  MEASUREITEMSTRUCT usual{.CtlType = ODT_LISTBOX, .CtlID = IDC_ROWS, .itemHeight = 17};
+  SendMessageW(dialog, WM_MEASUREITEM, IDC_ROWS, reinterpret_cast<LPARAM>(&usual));
+  EXPECT_EQ(15u, usual.itemHeight);
   const kvtest::ReplacedImport dpi("GetDeviceCaps", reinterpret_cast<void*>(HighDpi));
   ASSERT_TRUE(dpi.isInPlace());
   MEASUREITEMSTRUCT larger{.CtlType = ODT_LISTBOX, .CtlID = IDC_ROWS, .itemHeight = 40};
   SendMessageW(dialog, WM_MEASUREITEM, IDC_ROWS, reinterpret_cast<LPARAM>(&larger));
   EXPECT_NEAR(2 * row.itemHeight, larger.itemHeight, 1);
   EXPECT_EQ(22, TextHeightOf(dialog));
+  DestroyWindow(dialog);
+}
+
+TEST_F(ScaledDialogTest, FitsOnAScreenSmallerThanItsTemplate) {
+  HWND dialog = OpenDialog(nullptr, {.templateName = L"LARGE"});
+  RECT work{}, window{}, label{};
+  SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+  GetWindowRect(dialog, &window);
+  GetWindowRect(GetDlgItem(dialog, IDC_LABEL), &label);
+  EXPECT_TRUE(EqualRect(&work, &window));
+  EXPECT_TRUE(label.right <= window.right && label.bottom <= window.bottom) << label.right << ',' << label.bottom;
   DestroyWindow(dialog);
 }
 
