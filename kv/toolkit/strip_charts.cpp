@@ -56,13 +56,15 @@ BOOL ShowStripChartChannel(HWND dialog, int id, int channel, BOOL show) {
   });
 }
 
+// The chart is looked up once: a thread that found none must not wait for the next one's thread.
 BOOL AppendStripChartSamples(HWND dialog, int id, int channel, std::span<const StripSample> samples) {
   HWND chart = ControlOfClass(dialog, id, kStripChartClass);
-  if (chart && GetWindowThreadProcessId(chart, nullptr) != GetCurrentThreadId()) {
+  if (!chart) return FALSE;
+  if (GetWindowThreadProcessId(chart, nullptr) != GetCurrentThreadId()) {
     return QueueStripSamples(chart, channel, samples);
   }
   const StripSamples item{static_cast<DWORD>(samples.size()), samples.data()};
-  return Send(dialog, id, kStripAppend, channel, &item);
+  return SendMessageA(chart, kControlCommand, MAKEWPARAM(kStripAppend, channel), reinterpret_cast<LPARAM>(&item)) != 0;
 }
 
 BOOL AppendStripChartValue(HWND dialog, int id, int channel, double time, double value) {
