@@ -6,11 +6,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <filesystem>
-#include <fstream>
-#include <ios>
 #include <iterator>
 #include <string>
-#include <string_view>
 
 #include "camera/files.h"
 #include "camera/text.h"
@@ -21,6 +18,7 @@
 #include "kv/toolkit/error_text.h"
 #include "kv/toolkit/png_file.h"
 #include "kv/toolkit/track_files.h"
+#include "tests/support/files.h"
 #include "tests/support/replaced_import.h"
 
 namespace {
@@ -94,10 +92,8 @@ class OutputFiles : public testing::Test {
   // The content of the target, if there is no other file.
   std::string Only() const {
     if (std::distance(fs::directory_iterator(folder_), {}) != 1) return "several files, or none";
-    std::ifstream file(target_, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    return kvtest::BytesOf(target_);
   }
-  static void Put(const fs::path& path, std::string_view text) { std::ofstream(path) << text; }
 
   const fs::path folder_ = fs::temp_directory_path() / L"output files – файлы";
   const fs::path target_ = folder_ / L"target.txt";
@@ -108,7 +104,7 @@ TEST_F(OutputFiles, AreReplacedOnlyByCompleteOnes) {
                      none = kv::ErrorText(ERROR_PATH_NOT_FOUND), full = kv::ErrorText(ERROR_DISK_FULL);
   for (const auto& [what, write] : kWriters) {
     SCOPED_TRACE(what);
-    Put(target_, "older");
+    kvtest::WriteTo(target_, "older");
     {
       const kvtest::ReplacedImport fullDisk("WriteFile", reinterpret_cast<void*>(WriteHalf));
       EXPECT_TRUE(fullDisk.isInPlace());
@@ -139,7 +135,7 @@ TEST_F(OutputFiles, AreReplacedOnlyByCompleteOnes) {
 TEST_F(OutputFiles, OfEndedProcessesAreRemovedAndThoseOfOthersAreNot) {
   const fs::path abandoned = folder_ / L"target.txt.4711.part", user = folder_ / L"target.txt.my.part",
                  running = folder_ / L"target.txt.4712.part";
-  for (const fs::path& path : {abandoned, user, running, target_}) Put(path, "older");
+  for (const fs::path& path : {abandoned, user, running, target_}) kvtest::WriteTo(path, "older");
   const HANDLE writer = CreateFileW(running.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
                                     OPEN_EXISTING, 0, nullptr);
   EXPECT_TRUE(kv::WriteWholeFile(target_.wstring(), "new"));

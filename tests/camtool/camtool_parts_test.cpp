@@ -23,6 +23,7 @@
 #include "camtool/point_paths.h"
 #include "camtool/port_report.h"
 #include "kv/toolkit/arguments.h"
+#include "tests/support/read_recording.h"
 
 namespace camtool {
 namespace {
@@ -175,33 +176,8 @@ TEST(CamtoolPaths, AreReadFromFilesOfExportAndSpreadsheets) {
   }
 }
 
-struct Read {
-  std::string bytes;
-  size_t chunks = 0, truncated = 0;
-  camera::RecordingDecoder decoder;
-  bool isRecording = true;
-};
-
-Read ReadAll(std::string_view file, size_t partSize) {
-  Read read;
-  for (;;) {
-    camera::Chunk chunk;
-    const camera::Decoded next = camera::DecodeNext(&read.decoder, &chunk);
-    if (next == camera::Decoded::kChunk) {
-      read.bytes += chunk.bytes;
-      ++read.chunks;
-    }
-    read.isRecording = next != camera::Decoded::kNoRecording;
-    if (!read.isRecording) return read;
-    if (next != camera::Decoded::kNeedMore) continue;
-    if (file.empty()) break;
-    const size_t size = std::min(partSize, file.size());
-    camera::FeedDecoder(&read.decoder, file.substr(0, size));
-    file.remove_prefix(size);
-  }
-  read.truncated = camera::FinishDecoding(&read.decoder);
-  return read;
-}
+using kvtest::Read;
+using kvtest::ReadAll;
 
 constexpr size_t kChunkSize = sizeof(kRecord) - 1 + camera::kChunkOverhead;
 constexpr size_t kChunkCount = 8;

@@ -7,8 +7,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <fstream>
-#include <ios>
-#include <iterator>
 #include <stop_token>
 #include <string>
 #include <string_view>
@@ -22,26 +20,12 @@
 #include "camera/recording.h"
 #include "camera/text.h"
 #include "camtool/commands.h"
+#include "tests/support/files.h"
 #include "tests/support/serial_line.h"
 #include "tests/support/test_window.h"
 
 namespace kvtest {
 namespace {
-
-std::string ReadFileText(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
-void WriteFileText(const std::string& path, const std::string& text) {
-  std::ofstream(path, std::ios::binary) << text;
-}
-
-std::string TemporaryFile(const char* name) {
-  char folder[MAX_PATH];
-  GetTempPathA(sizeof(folder), folder);
-  return std::string(folder) + name;
-}
 
 // A run of camtool with its outputs in files.
 class Camtool {
@@ -53,7 +37,7 @@ class Camtool {
     HANDLE files[3];
     files[0] = CreateFileA(input.c_str(), GENERIC_READ, FILE_SHARE_READ, &inherited, OPEN_EXISTING, 0, nullptr);
     for (int i = 0; i < 2; ++i) {
-      paths_[i] = TemporaryFile(i ? "camtool errors " : "camtool output ") + number;
+      paths_[i] = TemporaryPath(i ? "camtool errors " : "camtool output ") + number;
       files[i + 1] =
           CreateFileA(paths_[i].c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS, 0, nullptr);
     }
@@ -89,8 +73,8 @@ class Camtool {
     if (WaitForSingleObject(process_, 30000) != WAIT_OBJECT_0 || !GetExitCodeProcess(process_, &code)) return -1;
     return static_cast<int>(code);
   }
-  std::string Output() const { return ReadFileText(paths_[0]); }
-  std::string Said() const { return Output() + ReadFileText(paths_[1]); }
+  std::string Output() const { return BytesOf(paths_[0]); }
+  std::string Said() const { return Output() + BytesOf(paths_[1]); }
 
  private:
   static inline int count_ = 0;
@@ -143,50 +127,50 @@ TEST(Camtool, ScansSilentBusySendingAndCameraPorts) {
 TEST(Camtool, RecordsReplaysAndExports) {
   if (!SerialLine::CanUnplug()) GTEST_SKIP() << "this machine cannot create a pair of ports";
   SerialLine line({3, 4});
-  const std::string first = TemporaryFile("camtool first é.twr"), second = TemporaryFile("camtool second.twr");
-  const std::string csv = TemporaryFile("camtool points.csv");
+  const std::string first = TemporaryPath("camtool first é.twr"), second = TemporaryPath("camtool second.twr");
+  const std::string csv = TemporaryPath("camtool points.csv");
   for (const std::string& path : {first, second, csv}) DeleteFileA(path.c_str());
   const auto holdsHeader = [](const auto& read) {
     return WaitUntil([&] { return read().size() >= camera::kRecordingHeaderBytes; }, std::chrono::milliseconds(20000));
   };
   {
     const Camtool record("record COM3 \"" + first + "\" --seconds 5");
-    ASSERT_TRUE(holdsHeader([&] { return ReadFileText(first); })) << record.Said();
+    ASSERT_TRUE(holdsHeader([&] { return BytesOf(first); })) << record.Said();
     const Camtool simulate("simulate COM4 --seconds 2 --garbage 20 --truncate 30 --drop 10% --seed 5");
     EXPECT_EQ(camtool::kDone, simulate.Wait()) << simulate.Said();
     EXPECT_PRED2(Says, simulate.Said(), "(seed 5)");
     EXPECT_EQ(camtool::kDone, record.Wait()) << record.Said();
   }
-  const std::string whole = ReadFileText(first);
+  const std::string whole = BytesOf(first);
   const Camtool refused("record COM3 \"" + first + "\" --seconds 1");
   EXPECT_EQ(camtool::kFailed, refused.Wait());
   EXPECT_PRED2(Says, refused.Said(), "exists and was left as it is");
   const Camtool silent("record COM3 \"" + first + "\" --overwrite --seconds 0.2");
   EXPECT_EQ(camtool::kDone, silent.Wait());
   EXPECT_PRED2(Says, silent.Said(), "no data received");
-  EXPECT_EQ(whole, ReadFileText(first)) << "the old file is unchanged until a new one replaces it";
+  EXPECT_EQ(whole, BytesOf(first)) << "the old file is unchanged until a new one replaces it";
   {
     const Camtool record("record COM3 - --seconds 8");
     ASSERT_TRUE(holdsHeader([&] { return record.Output(); })) << record.Said();
     const Camtool replay("replay - COM4 --speed 2", first);
     EXPECT_EQ(camtool::kDone, replay.Wait()) << replay.Said();
     EXPECT_EQ(camtool::kDone, record.Wait()) << record.Said();
-    WriteFileText(second, record.Output());
+    WriteTo(second, record.Output());
   }
   const Camtool toFile("export \"" + first + "\" \"" + csv + "\"");
   EXPECT_EQ(camtool::kDone, toFile.Wait()) << toFile.Said();
   EXPECT_PRED2(Says, toFile.Said(), "malformed sections, ");
-  const std::string points = PointsOf(ReadFileText(csv));
+  const std::string points = PointsOf(BytesOf(csv));
   EXPECT_GT(std::ranges::count(points, '\n'), 50);
   const Camtool watch("watch --csv -", first), closed("watch \"" + first + "\"", "NUL", true);
   EXPECT_EQ(camtool::kDone, watch.Wait());
-  EXPECT_EQ(ReadFileText(csv), watch.Output());
+  EXPECT_EQ(BytesOf(csv), watch.Output());
   EXPECT_EQ(camtool::kDone, closed.Wait());
   EXPECT_EQ("", closed.Said());
 
   // Truncated within the chunk before the last, it gives all but the last rows.
-  const std::string bytes = ReadFileText(second);
-  WriteFileText(second, bytes.substr(0, bytes.size() - 40));
+  const std::string bytes = BytesOf(second);
+  WriteTo(second, bytes.substr(0, bytes.size() - 40));
   const Camtool toOutput("export \"" + second + "\"");
   EXPECT_EQ(camtool::kDone, toOutput.Wait());
   EXPECT_PRED2(Says, toOutput.Said(), "is truncated");
@@ -235,22 +219,17 @@ TEST(Camtool, WatchesAPortUntilDisconnected) {
 }
 
 TEST(Camtool, KeepsExistingFiles) {
-  const std::string recording = TemporaryFile("camtool kept.twr"), link = TemporaryFile("camtool link.twr");
-  const std::string csv = TemporaryFile("camtool kept.csv"), record = "0100,0200,0300,0400,1023,1023,0512,0384";
+  const std::string recording = TemporaryPath("camtool kept.twr"), link = TemporaryPath("camtool link.twr");
+  const std::string csv = TemporaryPath("camtool kept.csv"), record = "0100,0200,0300,0400,1023,1023,0512,0384";
   // The last number of the second record includes closing bytes: export omits the row, which simulate could not read.
   const std::string bytes = camera::EncodeHeader({133801632000000000, 38400, 3}) +
                             camera::EncodeChunks(1, record + "\r\n" + record + "05") + camera::EncodeEnd(2);
-  WriteFileText(recording, bytes);
-  WriteFileText(csv, "old");
+  WriteTo(recording, bytes);
+  WriteTo(csv, "old");
   DeleteFileA(link.c_str());
   ASSERT_TRUE(CreateHardLinkA(link.c_str(), recording.c_str(), nullptr));
-  const std::string empty = TemporaryFile("camtool protected.csv");
-  WriteFileText(empty, "");
-  SetFileAttributesA(empty.c_str(), FILE_ATTRIBUTE_READONLY);
-  const std::pair<std::string, const char*> cases[] = {{empty, "write-protected"},
-                                                       {recording, "is the file that is read"},
-                                                       {link, "is the file that is read"},
-                                                       {"NUL", "is a device"}};
+  const std::pair<std::string, const char*> cases[] = {
+      {recording, "is the file that is read"}, {link, "is the file that is read"}, {"NUL", "is a device"}};
   const auto toTarget = [&](const std::string& target) {
     return camera::Format("export \"%s\" \"%s\" --overwrite", recording.c_str(), target.c_str());
   };
@@ -259,15 +238,13 @@ TEST(Camtool, KeepsExistingFiles) {
     EXPECT_EQ(camtool::kFailed, run.Wait()) << target;
     EXPECT_PRED2(Says, run.Said(), reason);
   }
-  EXPECT_EQ(bytes, ReadFileText(recording));
-  SetFileAttributesA(empty.c_str(), FILE_ATTRIBUTE_NORMAL);
-  DeleteFileA(empty.c_str());
+  EXPECT_EQ(bytes, BytesOf(recording));
   {
     // Written, but not replaced at the end, because another program has the target open.
     const std::ifstream holder(csv);
     const Camtool run(toTarget(csv));
     EXPECT_EQ(camtool::kFailed, run.Wait());
-    EXPECT_EQ("old", ReadFileText(csv));
+    EXPECT_EQ("old", BytesOf(csv));
   }
   const std::tuple<std::string, const char*, const char*> views[] = {
       {toTarget(csv), "NUL", "2 records; no malformed sections; 1 record with invalid numbers ("},
@@ -280,9 +257,9 @@ TEST(Camtool, KeepsExistingFiles) {
     EXPECT_EQ(camtool::kDone, run.Wait()) << arguments;
     EXPECT_PRED2(Says, run.Said(), said);
   }
-  EXPECT_EQ("seconds,x1,y1,x2,y2,x3,y3,x4,y4\n0.000001,100,200,300,400,1023,1023,512,384\n", ReadFileText(csv));
+  EXPECT_EQ("seconds,x1,y1,x2,y2,x3,y3,x4,y4\n0.000001,100,200,300,400,1023,1023,512,384\n", BytesOf(csv));
   WIN32_FIND_DATAA part;
-  EXPECT_EQ(INVALID_HANDLE_VALUE, FindFirstFileA(TemporaryFile("camtool kept*.part").c_str(), &part));
+  EXPECT_EQ(INVALID_HANDLE_VALUE, FindFirstFileA(TemporaryPath("camtool kept*.part").c_str(), &part));
 
   std::string other = bytes;
   other[12] = 2;
@@ -293,7 +270,7 @@ TEST(Camtool, KeepsExistingFiles) {
       {other, camtool::kFailed, "format version 2; this camtool reads version 1"},
       {"x1,y1\n", camtool::kFailed, "is not a camtool recording"}};
   for (const auto& [content, code, reason] : inputs) {
-    WriteFileText(recording, content);
+    WriteTo(recording, content);
     const Camtool read("export \"" + recording + "\"");
     EXPECT_EQ(code, read.Wait());
     EXPECT_PRED2(Says, read.Said(), reason);
@@ -312,8 +289,8 @@ TEST(Camtool, TellsLossesAndSilenceApartAndListsThem) {
     bytes += camera::EncodeChunks(
         microseconds, (i == 300 ? "noise" : "") + std::string(first) + ",0300,0400,0512,0384,1023,1023\r\n");
   }
-  const std::string recording = TemporaryFile("camtool figures.twr");
-  WriteFileText(recording, bytes + camera::EncodeEnd(11500000));
+  const std::string recording = TemporaryPath("camtool figures.twr");
+  WriteTo(recording, bytes + camera::EncodeEnd(11500000));
   const std::pair<const char*, std::vector<const char*>> outputs[] = {
       {"",
        {"  records    743, 64.6 a second, 30468 bytes\r\n",

@@ -15,6 +15,7 @@
 #include "camview/port_finder.h"
 #include "camview/record_store.h"
 #include "camview/recording_loader.h"
+#include "tests/support/files.h"
 #include "tests/support/replaced_import.h"
 #include "tests/support/serial_line.h"
 #include "tests/support/test_window.h"
@@ -24,18 +25,13 @@ namespace {
 
 using kvtest::PlayedCamera;
 using kvtest::SerialLine;
+using kvtest::TemporaryPath;
 
 constexpr char kRecord[] = "0100,0200,0300,0400,1023,1023,0512,0384\r\n";
 constexpr char kDark[] = "1023,1023,1023,1023,1023,1023,1023,1023\r\n";
 
 bool Within20Seconds(const std::function<bool()>& condition) {
   return kvtest::WaitUntil(condition, std::chrono::milliseconds(20000));
-}
-
-std::string PathOf(const char* name) {
-  char folder[MAX_PATH];
-  GetTempPathA(sizeof(folder), folder);
-  return std::string(folder) + name;
 }
 
 LoadedRecording Load(const std::string& path) {
@@ -73,7 +69,7 @@ TEST(CamviewLive, ClassifiesALineByItsLastData) {
 
 TEST(CamviewLive, ReconnectsAfterDisconnectionAndContinuesRecording) {
   if (!SerialLine::CanUnplug()) GTEST_SKIP() << "this machine has no pair of ports that can be unplugged";
-  const std::string path = PathOf("camview live.twr");
+  const std::string path = TemporaryPath("camview live.twr");
   DeleteFileA(path.c_str());
   LiveSource live(3);
   IntakeBatch batch;
@@ -157,12 +153,12 @@ TEST(CamviewLive, ReportsTheOwnerOfABusyPortAndAFullDisk) {
     EXPECT_TRUE(Within20Seconds([&] { return second.Status().state == LiveState::kBusy; }));
   }
   DWORD error = 0;
-  EXPECT_FALSE(live.StartRecording(PathOf("camview no folder\\a.twr"), false, &error));
+  EXPECT_FALSE(live.StartRecording(TemporaryPath("camview no folder\\a.twr"), false, &error));
   EXPECT_EQ(static_cast<DWORD>(ERROR_PATH_NOT_FOUND), error);
   EXPECT_EQ(LiveRecordingState::kNone, live.Status().recording.state);
 
   // The disk is full during recording: the written part is intact, and the display continues.
-  const std::string path = PathOf("camview full.twr");
+  const std::string path = TemporaryPath("camview full.twr");
   DeleteFileA(path.c_str());
   PlayedCamera camera(4);
   const auto sendUntil = [&](const std::function<bool(const LiveStatus&)>& condition) {

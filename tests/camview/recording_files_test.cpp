@@ -5,9 +5,6 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <fstream>
-#include <ios>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -21,27 +18,17 @@
 #include "camview/exporter.h"
 #include "camview/record_store.h"
 #include "camview/recording_loader.h"
+#include "tests/support/files.h"
 #include "tests/support/test_window.h"
 
 namespace camview {
 namespace {
 
+using kvtest::BytesOf;
+using kvtest::TemporaryPath;
+using kvtest::WriteTo;
+
 constexpr std::uint64_t kStart = 133801632000000000;
-
-std::string PathOf(const char* name) {
-  char folder[MAX_PATH];
-  GetTempPathA(sizeof(folder), folder);
-  return std::string(folder) + name;
-}
-
-void WriteTo(const std::string& path, std::string_view bytes) {
-  std::ofstream(path, std::ios::binary) << bytes;
-}
-
-std::string BytesOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 std::string RecordText(int number) {
   return camera::Format("%04d,0200,0300,0400,1023,1023,0512,0384\r\n", number % 1000);
@@ -65,7 +52,7 @@ LoadedRecording LoadFile(const std::string& path) {
 }
 
 LoadedRecording LoadBytes(std::string_view bytes) {
-  const std::string path = PathOf("camview load.twr");
+  const std::string path = TemporaryPath("camview load.twr");
   WriteTo(path, bytes);
   LoadedRecording loaded = LoadFile(path);
   EXPECT_EQ(bytes, BytesOf(path)) << "a recording is not modified";
@@ -114,13 +101,13 @@ TEST(CamviewLoader, LoadsIntactChunksAndReportsDamage) {
             std::tuple(lost[0].from, lost[0].to, lost[0].bytes));
   EXPECT_EQ(kAfterDamagedBytes, hit.store->Get(50).flags);
   EXPECT_FALSE(LoadBytes(badHeader).hasHeader);
-  const LoadedRecording none = LoadFile(PathOf("camview there is none.twr"));
+  const LoadedRecording none = LoadFile(TemporaryPath("camview there is none.twr"));
   EXPECT_EQ(LoadOutcome::kUnreadable, none.outcome);
   EXPECT_EQ(static_cast<DWORD>(ERROR_FILE_NOT_FOUND), none.systemError);
 }
 
 TEST(CamviewLoader, OpensARunningRecordingAndKeepsLoadedRecordsWhenCanceled) {
-  const std::string path = PathOf("camview growing.twr");
+  const std::string path = TemporaryPath("camview growing.twr");
   camera::OutputFile out;
   std::string error;
   ASSERT_TRUE(camera::OpenOutput(path, true, nullptr, &out, &error)) << error;
@@ -147,7 +134,7 @@ TEST(CamviewLoader, OpensARunningRecordingAndKeepsLoadedRecordsWhenCanceled) {
 }
 
 TEST(CamviewLoader, CanBeCanceledWhereNoChunkIsFound) {
-  const std::string path = PathOf("camview zeros.twr");
+  const std::string path = TemporaryPath("camview zeros.twr");
   WriteTo(path, kHeader);
   HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
   SetFilePointer(file, 1 << 30, nullptr, FILE_BEGIN);
@@ -185,7 +172,7 @@ std::string DecodedFrom(const std::string& path, camera::RecordingHeader* header
 }
 
 TEST(CamviewExport, WritesATimeRangeAsRowsAndAsARecording) {
-  const std::string source = PathOf("camview source.twr"), target = PathOf("camview range");
+  const std::string source = TemporaryPath("camview source.twr"), target = TemporaryPath("camview range");
   // A record in two chunks, records with invalid numbers and garbage: a recording contains them unchanged.
   std::string bytes = kHeader + camera::EncodeChunks(500'000, RecordText(1)),
               requested = "0 " + RecordText(2).substr(0, 20);
@@ -234,7 +221,7 @@ TEST(CamviewExport, WritesATimeRangeAsRowsAndAsARecording) {
     EXPECT_EQ(isCsv, BytesOf(target) != "old");
     WriteTo(source, bytes);
   }
-  task.target = PathOf("camview there is none\\a.twr");
+  task.target = TemporaryPath("camview there is none\\a.twr");
   result = RunExport(task);
   EXPECT_EQ(std::pair(ExportFailure::kSystem, static_cast<DWORD>(ERROR_PATH_NOT_FOUND)),
             std::pair(result.failure, result.systemError));
@@ -248,7 +235,7 @@ TEST(CamviewExport, WritesStoredRecords) {
     record.isInRange = i != 2;
     store.Append(record, 0);
   }
-  const std::string target = PathOf("camview stored");
+  const std::string target = TemporaryPath("camview stored");
   ExportTask task{
       .store = &store, .header = {kStart, 38400, 7}, .target = target, .isCsv = true, .from = 1.25, .to = 1.8};
   EXPECT_TRUE(RunExport(task).isDone);

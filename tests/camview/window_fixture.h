@@ -17,7 +17,6 @@
 #include <fstream>
 #include <functional>
 #include <ios>
-#include <iterator>
 #include <memory>
 #include <string>
 #include <utility>
@@ -43,6 +42,7 @@
 #include "kv/toolkit/scaled_dialog.h"
 #include "kv/toolkit/strip_charts.h"
 #include "kv/toolkit/text_tips.h"
+#include "tests/support/files.h"
 #include "tests/support/replaced_import.h"
 #include "tests/support/running_program.h"
 #include "tests/support/serial_line.h"
@@ -71,13 +71,8 @@ inline int WINAPI AnswerBox(HWND, const wchar_t* text, const wchar_t*, UINT) {
   return IDYES;
 }
 
-inline fs::path PathOf(const wchar_t* name) {
-  return fs::temp_directory_path() / name;
-}
-
 inline std::string BytesOf(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
+  return kvtest::BytesOf(path);
 }
 
 inline std::string RecordBytes(int number) {
@@ -131,7 +126,7 @@ class CamviewWindow : public testing::Test {
     ASSERT_TRUE(Soon([&] { return Records() && !view().display.IsPending(); }));
   }
   fs::path File(const wchar_t* name) {
-    files_.push_back(PathOf(name));
+    files_.push_back(fs::temp_directory_path() / name);
     return files_.back();
   }
   void Pump() const {

@@ -16,6 +16,7 @@
 #include "camera/recording.h"
 #include "camtool/point_paths.h"
 #include "kv/framework/window_position.h"
+#include "tests/support/read_recording.h"
 #include "tests/support/test_window.h"
 
 namespace fuzz {
@@ -79,32 +80,8 @@ std::vector<std::string> Recordings() {
   return {file + camera::EncodeEnd(50000), file, file.substr(0, 60)};
 }
 
-struct DecodedFile {
-  std::string bytes;
-  size_t truncated = 0;
-  bool isRecording = true;
-  camera::RecordingDecoder decoder;
-};
-
-DecodedFile Decode(std::string_view file, size_t part) {
-  DecodedFile decoded;
-  for (size_t at = 0;;) {
-    camera::Chunk chunk;
-    const camera::Decoded next = camera::DecodeNext(&decoded.decoder, &chunk);
-    if (next == camera::Decoded::kChunk) decoded.bytes += chunk.bytes;
-    decoded.isRecording = next != camera::Decoded::kNoRecording;
-    if (!decoded.isRecording) return decoded;
-    if (next != camera::Decoded::kNeedMore) continue;
-    if (at >= file.size()) break;
-    camera::FeedDecoder(&decoded.decoder, file.substr(at, part));
-    at += part;
-  }
-  decoded.truncated = camera::FinishDecoding(&decoded.decoder);
-  return decoded;
-}
-
 const char* FeedRecording(std::string_view input, bool* accepted) {
-  const DecodedFile whole = Decode(input, 100000), pieces = Decode(input, 37);
+  const kvtest::Read whole = kvtest::ReadAll(input, 100000), pieces = kvtest::ReadAll(input, 37);
   *accepted = whole.isRecording && whole.decoder.hasEnd && whole.decoder.damageCount == 0;
   if (whole.bytes.size() > input.size()) return "no more comes out than went in";
   if (whole.isRecording != pieces.isRecording || whole.bytes != pieces.bytes || whole.truncated != pieces.truncated) {

@@ -24,25 +24,18 @@ constexpr WORD kAck = 0x8000, kResponse = 0x1000, kRelease = 0x2000;
 constexpr size_t kHeader = offsetof(DDEDATA, Value);  // also that of DDEPOKE
 
 FILE* logFile;
-DWORD started;
 std::string service, topics, mode;
 std::map<std::string, std::string> cells;
+std::map<HWND, std::string> conversations;  // with their topics
 
 void Log(const std::string& line) {
-  fprintf(logFile, "%6lu ms  %s\n", GetTickCount() - started, line.c_str());
+  fprintf(logFile, "%s\n", line.c_str());
   fflush(logFile);
 }
 
 std::string NameOf(UINT_PTR atom) {
   char text[256] = "";
   GlobalGetAtomNameA(static_cast<ATOM>(atom), text, sizeof(text));
-  return text;
-}
-
-// The text of a conversation's window is its topic.
-std::string TopicOf(HWND conversation) {
-  char text[256] = "";
-  GetWindowTextA(conversation, text, sizeof(text));
   return text;
 }
 
@@ -82,8 +75,8 @@ void Initiate(HWND client, ATOM application, ATOM topic) {
   const bool mine = serves && ("," + topics + ",").find("," + askedAbout + ",") != std::string::npos;
   Log("connect " + askedFor + "|" + askedAbout + (mine ? ": accepted" : ": not mine"));
   if (!mine) return;
-  HWND conversation = CreateWindowExA(0, "DdeServerConversation", askedAbout.c_str(), 0, 0, 0, 0, 0, HWND_MESSAGE,
-                                      nullptr, nullptr, nullptr);
+  HWND conversation = CreateWindowExA(0, "DdeServer", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+  conversations[conversation] = askedAbout;
   SendMessageA(client, WM_DDE_ACK, reinterpret_cast<WPARAM>(conversation),
                MAKELPARAM(GlobalAddAtomA(service.c_str()), GlobalAddAtomA(askedAbout.c_str())));
 }
@@ -122,7 +115,7 @@ void Execute(HWND server, HWND client, HGLOBAL command) {
   const std::string bytes = BytesOf(command, 0);
   PostAck(server, client, takes, reinterpret_cast<UINT_PTR>(command));
   if (mode == "leave") PostMessageA(client, WM_DDE_TERMINATE, reinterpret_cast<WPARAM>(server), 0);
-  Log("execute " + TopicOf(server) + " " + Shown(bytes) + (takes ? "" : ": refused"));
+  Log("execute " + conversations[server] + " " + Shown(bytes) + (takes ? "" : ": refused"));
 }
 
 LRESULT CALLBACK Serve(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -138,7 +131,7 @@ LRESULT CALLBACK Serve(HWND window, UINT message, WPARAM wParam, LPARAM lParam) 
       return 0;
     case WM_DDE_EXECUTE: Execute(window, client, reinterpret_cast<HGLOBAL>(lParam)); return 0;
     case WM_DDE_TERMINATE:
-      Log("disconnect " + TopicOf(window));
+      Log("disconnect " + conversations[window]);
       PostMessageA(client, WM_DDE_TERMINATE, reinterpret_cast<WPARAM>(window), 0);
       DestroyWindow(window);
       return 0;
@@ -150,7 +143,6 @@ LRESULT CALLBACK Serve(HWND window, UINT message, WPARAM wParam, LPARAM lParam) 
 
 int main(int count, char** arguments) {
   if (count < 4) return 2;
-  started = GetTickCount();
   logFile = fopen(arguments[1], "a");
   if (!logFile) return 2;
   service = arguments[2];
@@ -158,14 +150,12 @@ int main(int count, char** arguments) {
   if (count > 4) mode = arguments[4];
   WNDCLASSA windowClass{};
   windowClass.lpfnWndProc = Serve;
-  for (const char* name : {"DdeServer", "DdeServerConversation"}) {
-    windowClass.lpszClassName = name;
-    RegisterClassA(&windowClass);
-  }
+  windowClass.lpszClassName = "DdeServer";
+  RegisterClassA(&windowClass);
   // A hidden top-level window: broadcasts reach only top-level windows.
   HWND window = CreateWindowExA(0, "DdeServer", "", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
   if (!window) return 3;
-  Log("ready: " + service + " with " + topics + " " + mode);
+  Log("ready");
   MSG message;
   while (GetMessageA(&message, nullptr, 0, 0) > 0) DispatchMessageA(&message);
   return 0;

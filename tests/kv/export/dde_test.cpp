@@ -3,9 +3,6 @@
 
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <ios>
-#include <iterator>
 #include <memory>
 #include <string>
 #include <utility>
@@ -14,6 +11,7 @@
 #include "kv/export/dde_client.h"
 #include "kv/framework/shell_launch.h"
 #include "kv/toolkit/dde_conversation.h"
+#include "tests/support/files.h"
 #include "tests/support/replaced_import.h"
 #include "tests/support/running_program.h"
 #include "tests/support/test_window.h"
@@ -34,10 +32,7 @@ class Server {
   }
   void Kill() { process_.reset(); }
   // Its log.
-  std::string Log() const {
-    std::ifstream file(log_, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
+  std::string Log() const { return kvtest::BytesOf(log_); }
   // Waits for a text in the log; the server's answer has been dispatched by then.
   bool Saw(const std::string& text) const {
     const bool seen = kvtest::WaitUntil([&] { return Log().find(text) != std::string::npos; });

@@ -4,9 +4,6 @@
 #include <windows.h>
 
 #include <filesystem>
-#include <fstream>
-#include <ios>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,6 +14,7 @@
 #include "kv/toolkit/locale_text.h"
 #include "tests/kv/toolkit/ids.h"
 #include "tests/support/comma_locale.h"
+#include "tests/support/files.h"
 
 namespace kv {
 namespace {
@@ -39,10 +37,7 @@ class StandardStream {
   StandardStream(const StandardStream&) = delete;
   StandardStream& operator=(const StandardStream&) = delete;
 
-  std::string Text() const {
-    std::ifstream file(path_, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
+  std::string Text() const { return kvtest::BytesOf(path_); }
 
  private:
   DWORD stream_;
