@@ -81,12 +81,6 @@ struct FieldColors {
   std::array<COLORREF, kv::kPointCount> points;
 };
 
-COLORREF Mixed(COLORREF from, COLORREF to, int percent) {
-  COLORREF color = from;
-  kv::BlendColor(from, to, 100, percent, &color);
-  return color;
-}
-
 FieldColors ColorsOfField() {
   const bool contrast = kv::IsHighContrast();
   FieldColors colors{};
@@ -94,7 +88,7 @@ FieldColors ColorsOfField() {
   colors.field = contrast ? GetSysColor(COLOR_WINDOW) : RGB(0, 0, 0);
   const COLORREF ink = contrast ? GetSysColor(COLOR_WINDOWTEXT) : RGB(255, 255, 255);
   colors.frame = contrast ? ink : GetSysColor(COLOR_BTNSHADOW);
-  colors.grid = Mixed(colors.field, ink, contrast ? 30 : 13);
+  colors.grid = kv::MixColors(colors.field, ink, contrast ? 30 : 13);
   colors.center = contrast ? colors.field : ink;
   for (int i = 0; i < kv::kPointCount; ++i) colors.points[i] = contrast ? ink : kPointColors[i];
   return colors;
@@ -117,7 +111,7 @@ void DrawFace(kv::Canvas& canvas, const FieldLayout& layout, const FieldColors& 
 
 // Fades to the color of the field with age: step 0 is the newest.
 COLORREF TrailColor(const FieldColors& colors, int point, int step) {
-  return Mixed(colors.points[point], colors.field, 78 * step / kFadeSteps);
+  return kv::MixColors(colors.points[point], colors.field, 78 * step / kFadeSteps);
 }
 
 void DrawTrail(kv::Canvas& canvas, const Field& field, const FieldLayout& layout, const FieldColors& colors,

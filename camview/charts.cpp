@@ -18,6 +18,7 @@
 #include "camview/status_line.h"
 #include "camview/view_time.h"
 #include "kv/controls/strip_chart/strip_chart.h"
+#include "kv/toolkit/languages.h"
 #include "kv/toolkit/strip_charts.h"
 
 namespace camview {
@@ -95,7 +96,7 @@ Charts::~Charts() {
 
 void Charts::Describe() const {
   for (int i = 0; i < kChannels; ++i) {
-    const std::wstring name = TextWith(i % 2 ? IDS_CHANNEL_Y : IDS_CHANNEL_X, i / 2 + 1);
+    const std::wstring name = kv::TextWith(i % 2 ? IDS_CHANNEL_Y : IDS_CHANNEL_X, i / 2 + 1);
     kv::SetStripChartChannel(window_, kCharts[i % 2], i / 2, {.name = name.c_str(), .color = PointColor(i / 2)});
   }
 }

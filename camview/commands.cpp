@@ -111,7 +111,7 @@ void ToggleRecording(View& view) {
   StoreFolder(Setting::kRecordings, path);
   DWORD error = 0;
   if (source.StartRecording(path, &error)) return;
-  Warn(view, TextWith(IDS_RECORDING_FAILED, kv::FileNameOf(path.c_str()), kv::ErrorText(error).c_str()));
+  Warn(view, kv::TextWith(IDS_RECORDING_FAILED, kv::FileNameOf(path.c_str()), kv::ErrorText(error).c_str()));
 }
 
 // Returns "FOLDER\NAME 1.15-1.20.csv" for a range of FOLDER\NAME.twr.
@@ -132,7 +132,7 @@ void ExportSelection(View& view) {
   if (!kv::AskSavePath(view.window, Text(IDS_EXPORT_TITLE).c_str(), &path, kRecordingExtension)) return;
   if (!IsStillOpen(view, number)) return;
   if (!source.StartExport(range, path, !IsExtension(path, kRecordingExtension))) {
-    view.display.Say(StatusMark::kError, TextWith(IDS_NOT_SAVED, kv::FileNameOf(path.c_str())));
+    view.display.Say(StatusMark::kError, kv::TextWith(IDS_NOT_SAVED, kv::FileNameOf(path.c_str())));
   }
 }
 
@@ -141,7 +141,7 @@ void SayExported(View& view) {
   const std::wstring path = camera::Wide(view.source.Export().Task().target);
   const wchar_t* name = kv::FileNameOf(path.c_str());
   if (result.isDone) {
-    return view.display.Say(StatusMark::kGood, TextWith(IDS_EXPORTED, RecordsAsText(result.records).c_str(), name));
+    return view.display.Say(StatusMark::kGood, kv::TextWith(IDS_EXPORTED, RecordsAsText(result.records).c_str(), name));
   }
   std::wstring reason;
   switch (result.failure) {
@@ -150,7 +150,7 @@ void SayExported(View& view) {
     case ExportFailure::kTargetIsSource: reason = Text(IDS_REASON_IS_SOURCE); break;
     case ExportFailure::kSourceIsShorter: reason = Text(IDS_REASON_SHORTER); break;
   }
-  view.display.Say(StatusMark::kError, TextWith(IDS_EXPORT_FAILED, name, reason.c_str()));
+  view.display.Say(StatusMark::kError, kv::TextWith(IDS_EXPORT_FAILED, name, reason.c_str()));
 }
 
 // ---- Images ---------------------------------------------------------------------------------------------------------
@@ -183,9 +183,9 @@ void SaveImage(View& view) {
   StoreFolder(Setting::kImages, path);
   const wchar_t* file = kv::FileNameOf(path.c_str());
   if (drawn && kv::SaveBitmapAsPng(image.bitmap(), path.c_str()))
-    return view.display.Say(StatusMark::kGood, TextWith(IDS_SAVED, file));
+    return view.display.Say(StatusMark::kGood, kv::TextWith(IDS_SAVED, file));
   const std::wstring reason = kv::ErrorText();
-  view.display.Say(StatusMark::kError, TextWith(IDS_NOT_SAVED, file) + L" " + reason);
+  view.display.Say(StatusMark::kError, kv::TextWith(IDS_NOT_SAVED, file) + L" " + reason);
 }
 
 // ---- Time -----------------------------------------------------------------------------------------------------------
@@ -218,7 +218,7 @@ void OnTimeTyped(View& view) {
   GetDlgItemTextW(view.window, IDC_TIME, text, ARRAYSIZE(text));
   double time = 0;
   if (!ParseTime(camera::Narrow(text), &time)) {
-    view.display.Say(StatusMark::kError, TextWith(IDS_BAD_TIME, text));
+    view.display.Say(StatusMark::kError, kv::TextWith(IDS_BAD_TIME, text));
     SendDlgItemMessageW(view.window, IDC_TIME, EM_SETSEL, 0, -1);
     return;
   }
@@ -238,7 +238,7 @@ void OnRateTyped(View& view) {
                       rate <= camera::kHighestRate;
   if (!isEmpty && !isRate) {
     const std::wstring lowest = kv::NumberText(camera::kLowestRate), highest = kv::NumberText(camera::kHighestRate, 1);
-    view.display.Say(StatusMark::kError, TextWith(IDS_BAD_RATE, text, lowest.c_str(), highest.c_str()));
+    view.display.Say(StatusMark::kError, kv::TextWith(IDS_BAD_RATE, text, lowest.c_str(), highest.c_str()));
     SendDlgItemMessageW(view.window, IDC_RATE, EM_SETSEL, 0, -1);
     return;
   }
@@ -264,7 +264,7 @@ void GoToEvent(View& view, bool isForward) {
   const std::wstring number = kv::NumberText(static_cast<double>(found - events.begin() + 1));
   const std::wstring all = kv::NumberText(static_cast<double>(events.size()) + static_cast<double>(omitted));
   view.display.Say(StatusMark::kNone,
-                   TextWith(IDS_EVENT_OF, number.c_str(), all.c_str(), DescribeEvent(*found).c_str()));
+                   kv::TextWith(IDS_EVENT_OF, number.c_str(), all.c_str(), DescribeEvent(*found).c_str()));
 }
 
 // Cancels the innermost activity.
@@ -429,7 +429,7 @@ void OpenFile(View& view, const std::wstring& path) {
   if (view.source.IsExporting()) {
     view.display.Say(StatusMark::kWarning, Text(IDS_EXPORT_RUNS));
   } else if (!view.source.OpenRecording(path)) {
-    view.display.Say(StatusMark::kError, TextWith(IDS_FILE_UNREADABLE, kv::FileNameOf(path.c_str()), L""));
+    view.display.Say(StatusMark::kError, kv::TextWith(IDS_FILE_UNREADABLE, kv::FileNameOf(path.c_str()), L""));
   } else {
     StoreFolder(Setting::kRecordings, path);
   }

@@ -62,7 +62,7 @@ void NameControls(HWND window) {
   for (const auto& [id, name] : kNames) kv::NameControl(window, id, kv::ResourceText(name).c_str());
   SendDlgItemMessageW(window, IDC_SPEED, CB_RESETCONTENT, 0, 0);
   for (const double speed : kSpeeds) {
-    const std::wstring text = TextWith(IDS_SPEED_OF, kv::NumberText(speed, speed < 1 ? 1 : 0).c_str());
+    const std::wstring text = kv::TextWith(IDS_SPEED_OF, kv::NumberText(speed, speed < 1 ? 1 : 0).c_str());
     SendDlgItemMessageW(window, IDC_SPEED, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
   }
 }
@@ -70,7 +70,7 @@ void NameControls(HWND window) {
 StatusLine Describe(const Source& source, const ViewTime& time) {
   const std::wstring work = kv::FileNameOf(source.WorkPath().c_str());
   if (source.IsWorking()) {
-    return {StatusMark::kWaiting, TextWith(source.IsExporting() ? IDS_EXPORTING : IDS_LOADING, work.c_str())};
+    return {StatusMark::kWaiting, kv::TextWith(source.IsExporting() ? IDS_EXPORTING : IDS_LOADING, work.c_str())};
   }
   if (source.IsLive()) {
     StatusLine line = DescribeLive(source.Status());
@@ -90,16 +90,18 @@ std::wstring CountsAsText(const camera::LineFigures& line) {
     switch (line.basis) {
       case camera::LossBasis::kTooFew: return kv::ResourceText(IDS_LOST_TOO_FEW);
       case camera::LossBasis::kIrregular: return kv::ResourceText(IDS_LOST_IRREGULAR);
-      case camera::LossBasis::kGiven: return TextWith(IDS_LOST_GIVEN, lost.c_str(), kv::NumberText(percent, 1).c_str());
+      case camera::LossBasis::kGiven:
+        return kv::TextWith(IDS_LOST_GIVEN, lost.c_str(), kv::NumberText(percent, 1).c_str());
       case camera::LossBasis::kEstimated: break;
     }
-    if (line.mayLoseRegularly) return TextWith(IDS_LOST_MAY_BE_REGULAR, lost.c_str());
+    if (line.mayLoseRegularly) return kv::TextWith(IDS_LOST_MAY_BE_REGULAR, lost.c_str());
     if (line.lostAtMost <= 0) return kv::ResourceText(IDS_LOST_NONE);
-    if (line.lostAtLeast == line.lostAtMost) return TextWith(IDS_LOST_ABOUT, lost.c_str());
-    return TextWith(IDS_LOST_BETWEEN, lost.c_str(), number(line.lostAtLeast).c_str(), number(line.lostAtMost).c_str());
+    if (line.lostAtLeast == line.lostAtMost) return kv::TextWith(IDS_LOST_ABOUT, lost.c_str());
+    return kv::TextWith(IDS_LOST_BETWEEN, lost.c_str(), number(line.lostAtLeast).c_str(),
+                        number(line.lostAtMost).c_str());
   };
-  return TextWith(IDS_STATISTICS_COUNTS, RecordsAsText(line.records).c_str(),
-                  kv::NumberText(line.recordsPerSecond, 1).c_str()) +
+  return kv::TextWith(IDS_STATISTICS_COUNTS, RecordsAsText(line.records).c_str(),
+                      kv::NumberText(line.recordsPerSecond, 1).c_str()) +
          L"; " + losses();
 }
 
@@ -107,9 +109,9 @@ std::wstring SilencesAsText(const camera::LineFigures& line) {
   if (line.silences == 0) return kv::ResourceText(IDS_SILENCES_NONE);
   const std::wstring all = kv::NumberText(line.silentSeconds, 3), at = TimeAsText(line.longestSilenceFrom, 1);
   const std::wstring percent = kv::NumberText(line.seconds > 0 ? 100 * line.silentSeconds / line.seconds : 0, 1);
-  if (line.silences == 1) return TextWith(IDS_SILENCES_ONE, all.c_str(), percent.c_str(), at.c_str());
-  return TextWith(IDS_SILENCES, kv::NumberText(static_cast<double>(line.silences)).c_str(), all.c_str(),
-                  percent.c_str(), kv::NumberText(line.longestSilence, 3).c_str(), at.c_str());
+  if (line.silences == 1) return kv::TextWith(IDS_SILENCES_ONE, all.c_str(), percent.c_str(), at.c_str());
+  return kv::TextWith(IDS_SILENCES, kv::NumberText(static_cast<double>(line.silences)).c_str(), all.c_str(),
+                      percent.c_str(), kv::NumberText(line.longestSilence, 3).c_str(), at.c_str());
 }
 
 std::vector<Section> SectionsOf(const RecordStore& store) {
@@ -190,7 +192,8 @@ void Display::SetVisible(int id, bool visible) {
 void Display::ShowSource(const Source& source, const ViewTime& time) {
   constexpr int kWindow = 0;  // no control has it
   const std::wstring name = kv::FileNameOf(source.Name().c_str());
-  const std::wstring caption = name.empty() ? kv::ResourceText(IDS_CAPTION) : TextWith(IDS_CAPTION_OF, name.c_str());
+  const std::wstring caption =
+      name.empty() ? kv::ResourceText(IDS_CAPTION) : kv::TextWith(IDS_CAPTION_OF, name.c_str());
   if (IsNew(caption, &texts_[kWindow])) SetWindowTextW(window_, caption.c_str());
   const bool isOpen = source.IsOpen(), isLive = source.IsLive();
   for (const int id : {IDC_PLAY, IDC_STEP_BACK, IDC_STEP_FORWARD, IDC_EVENT_BACK, IDC_EVENT_FORWARD, IDC_TIME})
@@ -330,7 +333,7 @@ void Display::ShowTimeline(const Source& source, const ViewTime& time) {
 
 void Display::ShowTimeText(const Source& source, const ViewTime& time) {
   const RecordStore* store = source.Records();
-  if (isLiveTurn_) SetText(IDC_LENGTH, store ? TextWith(IDS_OF_LENGTH, TimeAsText(time.end).c_str()) : L" ");
+  if (isLiveTurn_) SetText(IDC_LENGTH, store ? kv::TextWith(IDS_OF_LENGTH, TimeAsText(time.end).c_str()) : L" ");
   // What is being typed stays; what was not entered is discarded.
   const bool wasTyping = std::exchange(isTyping_, GetFocus() == GetDlgItem(window_, IDC_TIME));
   if (isTyping_) return;
@@ -360,8 +363,8 @@ void Display::ShowStatistics(const Source& source, const ViewTime& time) {
   std::wstring summary = L" ", counts = L" ", silences = L" ";
   if (store) {
     statistics_ = ComputeStatistics(*store, range.from, range.to);
-    summary = TextWith(isSelected ? IDS_STATISTICS_SELECTED : IDS_STATISTICS_SHOWN, TimeAsText(range.from).c_str(),
-                       TimeAsText(range.to).c_str(), kv::NumberText(range.Length(), 3).c_str());
+    summary = kv::TextWith(isSelected ? IDS_STATISTICS_SELECTED : IDS_STATISTICS_SHOWN, TimeAsText(range.from).c_str(),
+                           TimeAsText(range.to).c_str(), kv::NumberText(range.Length(), 3).c_str());
     counts = CountsAsText(statistics_->line);
     silences = SilencesAsText(statistics_->line);
   }

@@ -31,15 +31,15 @@ struct PortDialog {
 };
 
 std::wstring LineOf(const FoundPort& port) {
-  const auto text = [&](UINT id) { return TextWith(id, port.number); };
+  const auto text = [&](UINT id) { return kv::TextWith(id, port.number); };
   switch (port.state) {
     case FoundState::kCamera:
-      return TextWith(IDS_PORT_CAMERA, port.number, kv::NumberText(port.recordsPerSecond).c_str());
+      return kv::TextWith(IDS_PORT_CAMERA, port.number, kv::NumberText(port.recordsPerSecond).c_str());
     case FoundState::kSending: return text(IDS_PORT_SENDING);
     case FoundState::kSilent: return text(IDS_PORT_SILENT);
     case FoundState::kBusy:
       if (port.holder.empty()) return text(IDS_PORT_BUSY);
-      return TextWith(IDS_PORT_BUSY_WITH, port.number, camera::Wide(port.holder).c_str());
+      return kv::TextWith(IDS_PORT_BUSY_WITH, port.number, camera::Wide(port.holder).c_str());
     case FoundState::kAccessDenied: return text(IDS_PORT_DENIED);
     case FoundState::kUnusable: return text(IDS_PORT_UNUSABLE);
     case FoundState::kHangs: return text(IDS_PORT_HANGS);
@@ -112,7 +112,7 @@ INT_PTR OnConnect(HWND dialog) {
   GetDlgItemTextW(dialog, IDC_PORT_NAME, name, ARRAYSIZE(name));
   const int port = PortOfName(name);
   if (port > 0) return EndDialog(dialog, kChosen + port);
-  SetDlgItemTextW(dialog, IDC_PORTS_STATUS, TextWith(IDS_BAD_PORT, name).c_str());
+  SetDlgItemTextW(dialog, IDC_PORTS_STATUS, kv::TextWith(IDS_BAD_PORT, name).c_str());
   SetFocus(GetDlgItem(dialog, IDC_PORT_NAME));
   SendDlgItemMessageW(dialog, IDC_PORT_NAME, EM_SETSEL, 0, -1);
   return TRUE;

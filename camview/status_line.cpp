@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdarg>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -18,6 +17,7 @@
 #include "kv/framework/coverage.h"
 #include "kv/framework/file_path.h"
 #include "kv/framework/guards.h"
+#include "kv/framework/painting.h"
 #include "kv/toolkit/appearance.h"
 #include "kv/toolkit/error_text.h"
 #include "kv/toolkit/languages.h"
@@ -77,7 +77,7 @@ void DrawMark(kv::Canvas& canvas, StatusMark mark, kv::PointD at, double r, COLO
 // Appends a count with a singular or plural text.
 void AddCounted(std::wstring* text, long long count, UINT one, UINT many) {
   if (count == 1) *text += L" " + kv::ResourceText(one);
-  if (count > 1) *text += L" " + TextWith(many, kv::NumberText(static_cast<double>(count)).c_str());
+  if (count > 1) *text += L" " + kv::TextWith(many, kv::NumberText(static_cast<double>(count)).c_str());
 }
 
 std::wstring NameOfFile(const std::string& path) {
@@ -111,18 +111,9 @@ void DrawStatusLine(const DRAWITEMSTRUCT& item, const StatusLine& line) {
   BitBlt(item.hDC, area.left, area.top, size.cx, size.cy, memory, 0, 0, SRCCOPY);
 }
 
-std::wstring TextWith(UINT id, ...) {
-  wchar_t text[1001];
-  va_list values;
-  va_start(values, id);
-  kv::FormatBoundedV(text, ARRAYSIZE(text), kv::ResourceText(id).c_str(), values);
-  va_end(values);
-  return text;
-}
-
 std::wstring RecordsAsText(long long count) {
   if (count == 1) return kv::ResourceText(IDS_RECORDS_ONE);
-  return TextWith(IDS_RECORDS, kv::NumberText(static_cast<double>(count)).c_str());
+  return kv::TextWith(IDS_RECORDS, kv::NumberText(static_cast<double>(count)).c_str());
 }
 
 std::wstring ClockAsText(std::uint64_t fileTime) {
@@ -141,13 +132,13 @@ std::wstring TimeAsText(double seconds, int decimals) {
 std::wstring LengthAsText(double seconds) {
   constexpr double kMinute = 60;
   if (seconds >= kMinute) return TimeAsText(std::floor(seconds), 0);
-  return TextWith(IDS_SECONDS, kv::NumberText(std::floor(std::max(seconds, 0.0))).c_str());
+  return kv::TextWith(IDS_SECONDS, kv::NumberText(std::floor(std::max(seconds, 0.0))).c_str());
 }
 
 StatusLine DescribeRecording(const LoadedRecording& recording) {
   const std::wstring name = NameOfFile(recording.path), why = kv::ErrorText(recording.systemError);
   const auto rejected = [&](UINT id) {
-    return StatusLine{StatusMark::kError, TextWith(id, name.c_str(), why.c_str())};
+    return StatusLine{StatusMark::kError, kv::TextWith(id, name.c_str(), why.c_str())};
   };
   StatusLine line{StatusMark::kGood, {}};
   switch (recording.outcome) {
@@ -157,16 +148,16 @@ StatusLine DescribeRecording(const LoadedRecording& recording) {
     case LoadOutcome::kOtherVersion: return rejected(IDS_FILE_OTHER_VERSION);
     case LoadOutcome::kComplete: break;
     case LoadOutcome::kCanceled: line.text = kv::ResourceText(IDS_FILE_CANCELED) + L" "; break;
-    case LoadOutcome::kReadFailed: line.text = TextWith(IDS_FILE_READ_FAILED, why.c_str()) + L" "; break;
+    case LoadOutcome::kReadFailed: line.text = kv::TextWith(IDS_FILE_READ_FAILED, why.c_str()) + L" "; break;
     case LoadOutcome::kTooLong: line.text = kv::ResourceText(IDS_FILE_TOO_LONG) + L" "; break;
     case LoadOutcome::kOutOfMemory: line.text = kv::ResourceText(IDS_FILE_NO_MEMORY) + L" "; break;
   }
   if (recording.records == 0) return rejected(IDS_FILE_NO_RECORDS);
   line.text +=
-      TextWith(IDS_FILE_WHOLE, RecordsAsText(recording.records).c_str(), TimeAsText(recording.seconds, 1).c_str());
+      kv::TextWith(IDS_FILE_WHOLE, RecordsAsText(recording.records).c_str(), TimeAsText(recording.seconds, 1).c_str());
   if (recording.header.startTime > 0) {
-    line.text += L" " + TextWith(IDS_RECORDED_AT, static_cast<int>(recording.header.port),
-                                 ClockAsText(recording.header.startTime).c_str());
+    line.text += L" " + kv::TextWith(IDS_RECORDED_AT, static_cast<int>(recording.header.port),
+                                     ClockAsText(recording.header.startTime).c_str());
   }
   const size_t whole = line.text.size();
   if (!recording.hasHeader) line.text += L" " + kv::ResourceText(IDS_FILE_NO_HEADER);
@@ -183,23 +174,24 @@ StatusLine DescribeRecording(const LoadedRecording& recording) {
 StatusLine DescribeLive(const LiveStatus& status) {
   const std::wstring since = LengthAsText(status.now - status.since);
   const auto line = [&](StatusMark mark, UINT id) {
-    return StatusLine{mark, TextWith(id, status.port, since.c_str())};
+    return StatusLine{mark, kv::TextWith(id, status.port, since.c_str())};
   };
   switch (status.state) {
     case LiveState::kOpening: return line(StatusMark::kWaiting, IDS_LIVE_OPENING);
     case LiveState::kAbsent: return line(StatusMark::kWarning, IDS_LIVE_ABSENT);
     case LiveState::kBusy:
       if (status.holder.empty()) return line(StatusMark::kError, IDS_LIVE_BUSY);
-      return {StatusMark::kError, TextWith(IDS_LIVE_BUSY_WITH, status.port, camera::Wide(status.holder).c_str())};
+      return {StatusMark::kError, kv::TextWith(IDS_LIVE_BUSY_WITH, status.port, camera::Wide(status.holder).c_str())};
     case LiveState::kAccessDenied: return line(StatusMark::kError, IDS_LIVE_DENIED);
-    case LiveState::kUnusable: return {StatusMark::kError, TextWith(IDS_LIVE_UNUSABLE, status.port, status.error)};
+    case LiveState::kUnusable: return {StatusMark::kError, kv::TextWith(IDS_LIVE_UNUSABLE, status.port, status.error)};
     case LiveState::kGone: return line(StatusMark::kWarning, IDS_LIVE_GONE);
     case LiveState::kSilent: return line(StatusMark::kWarning, IDS_LIVE_SILENT);
     case LiveState::kMalformed: return line(StatusMark::kWarning, IDS_LIVE_MALFORMED);
     case LiveState::kDark: return line(StatusMark::kWarning, IDS_LIVE_DARK);
     case LiveState::kRecords: break;
   }
-  return {StatusMark::kGood, TextWith(IDS_LIVE_RECORDS, status.port, kv::NumberText(status.recordsPerSecond).c_str())};
+  return {StatusMark::kGood,
+          kv::TextWith(IDS_LIVE_RECORDS, status.port, kv::NumberText(status.recordsPerSecond).c_str())};
 }
 
 StatusLine DescribeLiveRecording(const LiveRecording& recording) {
@@ -207,25 +199,25 @@ StatusLine DescribeLiveRecording(const LiveRecording& recording) {
   switch (recording.state) {
     case LiveRecordingState::kNone: return {};
     case LiveRecordingState::kOn:
-      return {StatusMark::kRecording, TextWith(IDS_RECORDING_TO, name.c_str(), length.c_str())};
+      return {StatusMark::kRecording, kv::TextWith(IDS_RECORDING_TO, name.c_str(), length.c_str())};
     case LiveRecordingState::kFailed:
       return {StatusMark::kError,
-              TextWith(IDS_RECORDING_FAILED, name.c_str(), kv::ErrorText(recording.systemError).c_str())};
+              kv::TextWith(IDS_RECORDING_FAILED, name.c_str(), kv::ErrorText(recording.systemError).c_str())};
     case LiveRecordingState::kComplete: break;
   }
-  if (recording.hasKeptFile) return {StatusMark::kWarning, TextWith(IDS_RECORDED_NOTHING, name.c_str())};
-  return {StatusMark::kNone, TextWith(IDS_RECORDED_TO, name.c_str(), length.c_str())};
+  if (recording.hasKeptFile) return {StatusMark::kWarning, kv::TextWith(IDS_RECORDED_NOTHING, name.c_str())};
+  return {StatusMark::kNone, kv::TextWith(IDS_RECORDED_TO, name.c_str(), length.c_str())};
 }
 
 std::wstring DescribeEvent(const camera::Event& event) {
   const std::wstring length = kv::NumberText(event.to - event.from, 3);
   const std::wstring amount = kv::NumberText(static_cast<double>(event.amount));
   switch (event.kind) {
-    case camera::EventKind::kSilence: return TextWith(IDS_EVENT_SILENCE, length.c_str());
-    case camera::EventKind::kLoss: return TextWith(IDS_EVENT_LOSS, length.c_str(), amount.c_str());
-    case camera::EventKind::kMalformed: return TextWith(IDS_EVENT_MALFORMED, length.c_str(), amount.c_str());
-    case camera::EventKind::kDamage: return TextWith(IDS_EVENT_DAMAGE, length.c_str(), amount.c_str());
-    case camera::EventKind::kUnseen: return TextWith(IDS_EVENT_UNSEEN, length.c_str(), event.point + 1);
+    case camera::EventKind::kSilence: return kv::TextWith(IDS_EVENT_SILENCE, length.c_str());
+    case camera::EventKind::kLoss: return kv::TextWith(IDS_EVENT_LOSS, length.c_str(), amount.c_str());
+    case camera::EventKind::kMalformed: return kv::TextWith(IDS_EVENT_MALFORMED, length.c_str(), amount.c_str());
+    case camera::EventKind::kDamage: return kv::TextWith(IDS_EVENT_DAMAGE, length.c_str(), amount.c_str());
+    case camera::EventKind::kUnseen: return kv::TextWith(IDS_EVENT_UNSEEN, length.c_str(), event.point + 1);
   }
   return {};
 }

@@ -23,8 +23,6 @@ struct StatusLine {
 
 void DrawStatusLine(const DRAWITEMSTRUCT& item, const StatusLine& line);
 
-// Returns a string resource with its %s and %d replaced, truncated to 1,000 characters.
-std::wstring TextWith(UINT id, ...);
 // Returns "1 record", "2,000 records".
 std::wstring RecordsAsText(long long count);
 // Returns date and local time of day of a UTC time in units of 100 ns since 1601, in the user's formats; "" if there is

@@ -23,7 +23,6 @@
 #include "kv/framework/object_control.h"
 #include "kv/framework/painting.h"
 #include "kv/framework/window_state.h"
-#include "kv/toolkit/appearance.h"
 
 namespace camview {
 
@@ -165,12 +164,6 @@ void DrawVisible(kv::Canvas& canvas, const RECT& track, COLORREF color, LONG lef
   kv::FillArea(canvas, {right - thickness, track.top, right, track.top + foot}, color);
 }
 
-void Blend(const kv::Surface& surface, const RECT& area, COLORREF color, DWORD coverage) {
-  for (LONG y = area.top; y < area.bottom && area.left < area.right; ++y) {
-    kv::BlendPixels(surface.Row(y) + area.left, area.right - area.left, kv::PixelOfColor(color), coverage);
-  }
-}
-
 bool Render(Timeline& timeline, bool isFocused) {
   const SIZE size = kv::ClientSize(timeline.window);
   if (timeline.surface.Resize(size)) timeline.isDirty = timeline.background.Create(size);
@@ -186,7 +179,7 @@ bool Render(Timeline& timeline, bool isFocused) {
     const LONG left = XOfTime(layout, timeline.range, timeline.selection.from);
     const LONG right = std::min(std::max(XOfTime(layout, timeline.range, timeline.selection.to), left + 1), size.cx);
     canvas.FinishGdi();
-    Blend(timeline.surface, {left, track.top, right, track.bottom}, colors.selection, 90);
+    kv::BlendArea(timeline.surface, {left, track.top, right, track.bottom}, colors.selection, 90);
     kv::FillArea(canvas, {left, track.bottom - 3, right, track.bottom}, colors.selection);
   }
   const TimeRange visible{Within(timeline.range, timeline.visible.from), Within(timeline.range, timeline.visible.to)};

@@ -20,7 +20,6 @@
 #include "kv/framework/version.h"
 #include "kv/framework/window_position.h"
 #include "kv/toolkit/about_box.h"
-#include "kv/toolkit/appearance.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/pages.h"
 #include "kv/toolkit/scaled_dialog.h"

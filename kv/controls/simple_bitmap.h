@@ -1,8 +1,6 @@
 // Window class "kvSimpleBitmap": a bitmap resource of the module, stretched into the control. It forwards mouse clicks
 // to the controls behind it (kv/framework/control_class.h). For decorations in dialog templates. Main thread only.
 //
-// In a DPI-aware program: the bitmap is stretched to the control's size in pixels; the DPI is not used.
-//
 // Window text: the bitmap's name, at most 256 characters. A number other than 0 (decimal, 0x hexadecimal or 0 octal) is
 // the id of a bitmap resource of the window's module; any other text is a resource name. If the bitmap cannot be
 // loaded, the control shows the button-face color.

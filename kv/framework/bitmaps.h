@@ -1,6 +1,4 @@
 // Off-screen bitmaps: the back buffer of a control, and bitmaps for the clipboard. Any thread, for its own windows.
-//
-// In a DPI-aware program, sizes are in the program's pixels; nothing depends on the DPI.
 #pragma once
 
 #include <windows.h>

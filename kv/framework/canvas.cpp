@@ -247,6 +247,15 @@ void FillAreaDown(Canvas& canvas, const RECT& area, COLORREF top, COLORREF botto
   }
 }
 
+void BlendArea(const Surface& surface, const RECT& area, COLORREF color, DWORD coverage) {
+  RECT seen;
+  const RECT whole{0, 0, surface.size().cx, surface.size().cy};
+  if (!IntersectRect(&seen, &area, &whole)) return;
+  for (LONG y = seen.top; y < seen.bottom; ++y) {
+    BlendPixels(surface.Row(y) + seen.left, seen.right - seen.left, PixelOfColor(color), coverage);
+  }
+}
+
 void CopyFrom(Canvas& canvas, const Surface& source) {
   const RECT& clip = canvas.clip();
   canvas.FinishGdi();

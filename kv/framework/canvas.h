@@ -100,6 +100,9 @@ void FillAreaDown(Canvas& canvas, const RECT& area, COLORREF top, COLORREF botto
 // `color` is a pixel (PixelOfColor), coverage 0 to 255. For callers that compute coverage themselves.
 void BlendPixels(DWORD* pixels, int count, DWORD color, DWORD coverage);
 
+// Blends a color into an area of a surface in that way.
+void BlendArea(const Surface& surface, const RECT& area, COLORREF color, DWORD coverage);
+
 // Copies the clip area from a surface of the same size.
 void CopyFrom(Canvas& canvas, const Surface& source);
 

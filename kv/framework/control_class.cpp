@@ -80,6 +80,12 @@ ControlKind ClassifyControl(HWND window) {
   return ClassifyClassName(name);
 }
 
+bool IsOfClass(HWND window, const char* className) {
+  char name[kClassNameCharacters] = "";
+  GetClassNameA(window, name, kClassNameCharacters);
+  return lstrcmpiA(name, className) == 0;
+}
+
 namespace {
 
 // Collected first: a sibling may reorder, move or destroy windows while it handles the message, and two siblings that

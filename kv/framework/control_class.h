@@ -1,5 +1,8 @@
 // What the library's window classes share: registration, the flags of the command message, repainting and notifications
 // to the parent; the kinds of controls; and forwarding mouse input to the control behind it. Main thread only.
+//
+// In a DPI-aware program, coordinates and sizes of the whole library are in the program's pixels. Nothing depends on the
+// DPI, except what its header says.
 #pragma once
 
 #ifdef _WIN64
@@ -62,7 +65,8 @@ ControlKind ClassifyClassName(const char* className);
 // Returns the kind of a window; kControlOther when it does not exist.
 ControlKind ClassifyControl(HWND window);
 
-// In a DPI-aware program, coordinates are in the program's pixels; nothing depends on the DPI.
+// Returns whether a window has exactly that class, ignoring case.
+bool IsOfClass(HWND window, const char* className);
 
 // Forwards a mouse message of `window`, or a WM_COMMAND, to the visible siblings under the mouse cursor that accept
 // input (buttons, edits, combo boxes, list boxes, tree views), in z-order.

@@ -1,7 +1,5 @@
 // Open and save dialogs for files. Main thread only. Callers build default paths on ProgramDirectory
 // (kv/framework/file_path.h).
-//
-// In a DPI-aware program, the dialog is the system's own.
 #pragma once
 
 #include <windows.h>

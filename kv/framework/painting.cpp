@@ -39,6 +39,18 @@ BOOL BlendColor(COLORREF start, COLORREF end, int steps, int step, COLORREF* res
   return TRUE;
 }
 
+COLORREF MixColors(COLORREF start, COLORREF end, int percent) {
+  COLORREF color = start;
+  BlendColor(start, end, 100, percent, &color);
+  return color;
+}
+
+bool IsHighContrast() {
+  HIGHCONTRASTW state{};
+  state.cbSize = sizeof(state);
+  return SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof(state), &state, 0) && state.dwFlags & HCF_HIGHCONTRASTON;
+}
+
 COLORREF ShadeColor(COLORREF color, double factor) {
   const auto shade = [factor](BYTE channel) { return std::clamp(ToInt(std::round(channel * factor)), 0, 255); };
   return RGB(shade(GetRValue(color)), shade(GetGValue(color)), shade(GetBValue(color)));

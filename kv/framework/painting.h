@@ -14,6 +14,12 @@ inline constexpr COLORREF kDialogBlue = 0xFF4141;
 // `result` is not writable.
 BOOL BlendColor(COLORREF start, COLORREF end, int steps, int step, COLORREF* result);
 
+// The same with `percent` steps of 100.
+COLORREF MixColors(COLORREF start, COLORREF end, int percent);
+
+// Whether the user has turned on high contrast. Then use only system colors.
+bool IsHighContrast();
+
 // Returns the color with each channel multiplied by `factor` and clamped to 0..255.
 COLORREF ShadeColor(COLORREF color, double factor);
 

@@ -1,9 +1,9 @@
 #include "kv/framework/tooltips.h"
+#include "kv/framework/control_class.h"
 
 #include <commctrl.h>
 
 #include <cstddef>
-#include <cwchar>
 
 namespace kv {
 
@@ -12,12 +12,6 @@ namespace {
 // Without the last field, which common controls before version 6 do not know.
 constexpr UINT kToolInfoSize = offsetof(TTTOOLINFOW, lpReserved);
 static_assert(kToolInfoSize == 44);
-
-bool IsToolbar(HWND window) {
-  wchar_t name[256] = L"";
-  GetClassNameW(window, name, ARRAYSIZE(name));
-  return std::wcscmp(name, L"ToolbarWindow32") == 0;
-}
 
 bool IsReadableTable(const TooltipEntry* entries, int count) {
   const unsigned long long size = sizeof(TooltipEntry) * static_cast<unsigned long long>(count > 1 ? count : 1);
@@ -44,7 +38,7 @@ HWND CreateTooltips(HINSTANCE instance, HWND owner, const TooltipEntry* entries,
                                     CW_USEDEFAULT, CW_USEDEFAULT, owner, nullptr, instance, nullptr);
   if (!tips) return nullptr;
 
-  const bool toolbar = IsToolbar(owner);
+  const bool toolbar = IsOfClass(owner, TOOLBARCLASSNAMEA);
   wchar_t text[kTooltipCharacters];
   TTTOOLINFOW tool{};
   tool.cbSize = kToolInfoSize;

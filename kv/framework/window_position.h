@@ -1,8 +1,5 @@
 // Stores window positions, and single numbers, in the registry below HKEY_CURRENT_USER, in "WindowPositions" of the
 // program's key. Main thread only; nothing is cached: every call reads or writes the registry.
-//
-// In a DPI-aware program, rectangles are stored and restored in the program's pixels, also when the DPI has changed
-// since.
 #pragma once
 
 #include <windows.h>

@@ -19,9 +19,7 @@ constexpr UINT_PTR kSubclass = 1;
 
 // Returns the state of an extended list; null for any other window, whose user data may be anything.
 ListState* ListOf(HWND window) {
-  char name[ARRAYSIZE(kExtendedListClass) + 1] = "";
-  GetClassNameA(window, name, ARRAYSIZE(name));
-  return lstrcmpiA(name, kExtendedListClass) == 0 ? ListStateOf(window) : nullptr;
+  return IsOfClass(window, kExtendedListClass) ? ListStateOf(window) : nullptr;
 }
 
 ListState* NavigatedListOf(HWND window) {

@@ -45,15 +45,7 @@ void CollectTruncatedTexts(std::vector<std::wstring>* texts) {
 }
 
 COLORREF ListShade(int percent) {
-  COLORREF shade = GetSysColor(COLOR_WINDOW);
-  BlendColor(shade, GetSysColor(COLOR_WINDOWTEXT), 100, percent, &shade);
-  return shade;
-}
-
-bool IsHighContrast() {
-  HIGHCONTRASTW state{};
-  state.cbSize = sizeof(state);
-  return SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof(state), &state, 0) && state.dwFlags & HCF_HIGHCONTRASTON;
+  return MixColors(GetSysColor(COLOR_WINDOW), GetSysColor(COLOR_WINDOWTEXT), percent);
 }
 
 }  // namespace kv

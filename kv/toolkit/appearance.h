@@ -24,7 +24,4 @@ void DrawFitted(HDC dc, const std::wstring& text, RECT area, UINT format);
 // readable in high contrast, too.
 COLORREF ListShade(int percent);
 
-// Whether the user has turned on high contrast. Then use only system colors.
-bool IsHighContrast();
-
 }  // namespace kv

@@ -6,14 +6,14 @@
 #include <algorithm>
 #include <cstring>
 
+#include "kv/framework/control_class.h"
+
 namespace kv {
 
 // The control with that id and class, or null.
 inline HWND ControlOfClass(HWND dialog, int id, const char* className) {
   HWND control = GetDlgItem(dialog, id);
-  char name[64] = "";
-  GetClassNameA(control, name, ARRAYSIZE(name));
-  return lstrcmpiA(name, className) == 0 ? control : nullptr;
+  return IsOfClass(control, className) ? control : nullptr;
 }
 
 // Sets kInstrumentFitted if the control is a display instrument: without it, numbers lose digits.

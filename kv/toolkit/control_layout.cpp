@@ -28,8 +28,8 @@ bool TakesListFont(HWND control) {
   const LONG style = GetWindowLongW(control, GWL_STYLE);
   switch (ClassifyControl(control)) {
     case kControlListBox: return !(style & LBS_OWNERDRAWFIXED);
-    case kControlEdit: return style & ES_MULTILINE && IsOfClass(control, L"EDIT");
-    default: return IsOfClass(control, WC_LISTVIEWW);
+    case kControlEdit: return style & ES_MULTILINE && IsOfClass(control, "EDIT");
+    default: return IsOfClass(control, WC_LISTVIEWA);
   }
 }
 
@@ -66,7 +66,7 @@ void UnstretchFont(HWND control, int textPx) {
 // the text requires, and centered.
 void UnstretchField(HWND dialog, HWND control, const DialogScale& scale, int textPx) {
   const bool isField = ClassifyControl(control) == kControlEdit && !(GetWindowLongW(control, GWL_STYLE) & ES_MULTILINE);
-  if (!isField && !IsOfClass(control, UPDOWN_CLASSW)) return;
+  if (!isField && !IsOfClass(control, UPDOWN_CLASSA)) return;
   RECT place{};
   GetWindowRect(control, &place);
   MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);

@@ -2,7 +2,10 @@
 
 #include <commctrl.h>
 
+#include "kv/controls/display_instrument.h"
+#include "kv/controls/horizon/horizon.h"
 #include "kv/framework/bitmaps.h"
+#include "kv/framework/control_class.h"
 #include "kv/framework/guards.h"
 #include "kv/framework/painting.h"
 #include "kv/toolkit/dialog_state.h"
@@ -45,7 +48,7 @@ LRESULT CALLBACK Procedure(HWND control, UINT message, WPARAM wParam, LPARAM lPa
 }  // namespace
 
 void AddCopyKey(HWND control) {
-  const bool showsImage = IsOfClass(control, L"kvDisplayInstrument") || IsOfClass(control, L"kvHorizon");
+  const bool showsImage = IsOfClass(control, kDisplayInstrumentClass) || IsOfClass(control, kHorizonClass);
   if (showsImage && GetWindowLongW(control, GWL_STYLE) & WS_TABSTOP) SetWindowSubclass(control, Procedure, 1, 0);
 }
 

@@ -83,7 +83,4 @@ void VisitChildren(HWND parent, Visit visit) {
   }
 }
 
-// Whether a window has that class, ignoring case.
-bool IsOfClass(HWND window, const wchar_t* name);
-
 }  // namespace kv

@@ -63,7 +63,7 @@ int DecimalsFor(double step) {
 }  // namespace
 
 void FitInstrument(HWND control) {
-  if (IsOfClass(control, L"kvDisplayInstrument")) Send(control, kCommandStyle, &kInstrumentFitted);
+  if (IsOfClass(control, kDisplayInstrumentClass)) Send(control, kCommandStyle, &kInstrumentFitted);
 }
 
 BOOL SetInstrumentValue(HWND dialog, int id, double value, BOOL animate) {

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "kv/framework/control_class.h"
+#include "kv/lists/extended_list.h"
 #include "kv/toolkit/dialog_state.h"
 #include "kv/toolkit/pages.h"
 
@@ -55,12 +56,12 @@ bool OnReturn(HWND dialog, HWND control) {
     return true;
   }
   if (HasDefaultButton(dialog) || HasDefaultButton(GetParent(control))) return false;
-  if (IsOfClass(control, WC_LISTVIEWW)) {
+  if (IsOfClass(control, WC_LISTVIEWA)) {
     // The control notifies its parent of the key if it receives it.
     SendMessageW(control, WM_KEYDOWN, VK_RETURN, 0);
     return true;
   }
-  if (ClassifyControl(control) != kControlListBox && !IsOfClass(control, L"kvExtList")) return false;
+  if (ClassifyControl(control) != kControlListBox && !IsOfClass(control, kExtendedListClass)) return false;
   const WPARAM command = MAKEWPARAM(GetDlgCtrlID(control), LBN_DBLCLK);
   SendMessageW(GetParent(control), WM_COMMAND, command, reinterpret_cast<LPARAM>(control));
   return true;

@@ -94,7 +94,7 @@ void MirrorControl(HWND control) {
   } else {
     SetDirection(control, kMirrored, IsRightToLeft());
     // The header of a list view is a window of its own.
-    const HWND header = IsOfClass(control, WC_LISTVIEWW) ? ListView_GetHeader(control) : nullptr;
+    const HWND header = IsOfClass(control, WC_LISTVIEWA) ? ListView_GetHeader(control) : nullptr;
     if (header) SetDirection(header, kMirrored, IsRightToLeft());
   }
 }

@@ -18,6 +18,7 @@
 #include "kv/framework/language.h"
 #include "kv/framework/modules.h"
 #include "kv/framework/window_position.h"
+#include "kv/lists/extended_list.h"
 #include "kv/toolkit/control_access.h"
 #include "kv/toolkit/control_layout.h"
 #include "kv/toolkit/copy_key.h"
@@ -223,7 +224,7 @@ INT_PTR OnMinimumSize(HWND dialog, const DialogState& state, MINMAXINFO* limits)
 INT_PTR OnMeasure(HWND dialog, const DialogState& state, MEASUREITEMSTRUCT* request) {
   if (IsBadWritePtr(request, sizeof(*request))) return FALSE;
   const HWND control = GetDlgItem(dialog, static_cast<int>(request->CtlID));
-  if (!IsOfClass(control, L"kvExtList")) return FALSE;
+  if (!IsOfClass(control, kExtendedListClass)) return FALSE;
   const int height = AtDpi(dialog, static_cast<int>(request->itemHeight));
   request->itemHeight = static_cast<UINT>(
       std::max(AtDpi(dialog, kMinRowPx), static_cast<int>(static_cast<float>(height) * state.scale.y)));
@@ -306,12 +307,6 @@ std::shared_ptr<DialogState> DialogStateOf(HWND dialog) {
   if (!holder) return nullptr;
   lastDialog = {dialog, holder};
   return *holder;
-}
-
-bool IsOfClass(HWND window, const wchar_t* name) {
-  wchar_t own[kClassNameCharacters] = L"";
-  GetClassNameW(window, own, kClassNameCharacters);
-  return lstrcmpiW(own, name) == 0;
 }
 
 void RunTicks(HWND dialog, bool run) {

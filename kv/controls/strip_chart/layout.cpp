@@ -61,17 +61,11 @@ double Luminance(COLORREF color) {
   return 0.2126 * channel(GetRValue(color)) + 0.7152 * channel(GetGValue(color)) + 0.0722 * channel(GetBValue(color));
 }
 
-COLORREF Mix(COLORREF from, COLORREF to, int percent) {
-  COLORREF color = from;
-  BlendColor(from, to, 100, percent, &color);
-  return color;
-}
-
 // Blends the color with `ink` until it contrasts with `ground`.
 COLORREF Readable(COLORREF color, COLORREF ground, COLORREF ink, double minContrast) {
   const double background = Luminance(ground) + 0.05;
   for (int percent = 0; percent < 100; percent += 20) {
-    const COLORREF mixed = Mix(color, ink, percent);
+    const COLORREF mixed = MixColors(color, ink, percent);
     const double contrast = (Luminance(mixed) + 0.05) / background;
     if (std::max(contrast, 1 / contrast) >= minContrast) return mixed;
   }
@@ -81,12 +75,6 @@ COLORREF Readable(COLORREF color, COLORREF ground, COLORREF ink, double minContr
 COLORREF Gray(COLORREF color) {
   const int lightness = (GetRValue(color) * 30 + GetGValue(color) * 59 + GetBValue(color) * 11) / 100;
   return RGB(lightness, lightness, lightness);
-}
-
-bool IsHighContrast() {
-  HIGHCONTRASTW contrast{.cbSize = sizeof(contrast)};
-  return SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof(contrast), &contrast, 0) &&
-         (contrast.dwFlags & HCF_HIGHCONTRASTON);
 }
 
 }  // namespace
@@ -167,21 +155,21 @@ StripColors ColorsOf(const StripModel& model) {
   colors.text = GetSysColor(disabled ? COLOR_GRAYTEXT : COLOR_BTNTEXT);
   colors.ground = GetSysColor(disabled ? COLOR_BTNFACE : COLOR_WINDOW);
   colors.ink = GetSysColor(disabled ? COLOR_GRAYTEXT : COLOR_WINDOWTEXT);
-  colors.grid = Mix(colors.ground, colors.ink, contrast ? 50 : 14);
-  colors.frame = Mix(colors.ground, colors.ink, contrast ? 100 : 45);
+  colors.grid = MixColors(colors.ground, colors.ink, contrast ? 50 : 14);
+  colors.frame = MixColors(colors.ground, colors.ink, contrast ? 100 : 45);
   colors.tooltip = GetSysColor(COLOR_INFOBK);
   colors.tooltipText = GetSysColor(COLOR_INFOTEXT);
   colors.selection = GetSysColor(COLOR_HIGHLIGHT);
   colors.hidden = GetSysColor(COLOR_GRAYTEXT);
   for (int i = 0; i < kStripChannels; ++i) {
     const COLORREF own = model.channels[i].info.color & 0xFFFFFF;
-    colors.lines[i] = disabled ? Mix(Gray(own), colors.ground, 40) : own;
+    colors.lines[i] = disabled ? MixColors(Gray(own), colors.ground, 40) : own;
     colors.lines[i] = Readable(colors.lines[i], colors.ground, colors.ink, contrast ? 4.5 : disabled ? 1.3 : 1.8);
   }
   for (int i = 0; i < kStripZones; ++i) {
     const COLORREF own = disabled ? Gray(model.zones[i].color & 0xFFFFFF) : model.zones[i].color & 0xFFFFFF;
     // In high contrast a zone is drawn faintly.
-    colors.zones[i] = Mix(colors.ground, own, contrast ? 8 : 22);
+    colors.zones[i] = MixColors(colors.ground, own, contrast ? 8 : 22);
   }
   return colors;
 }

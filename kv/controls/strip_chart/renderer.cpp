@@ -72,15 +72,6 @@ void ForTimeTicks(const StripLayout& layout, long long from, long long to, Funct
 
 }  // namespace
 
-void BlendArea(const Surface& surface, const RECT& area, COLORREF color, DWORD coverage) {
-  RECT seen;
-  const RECT whole{0, 0, surface.size().cx, surface.size().cy};
-  if (!IntersectRect(&seen, &area, &whole)) return;
-  for (LONG y = seen.top; y < seen.bottom; ++y) {
-    BlendPixels(surface.Row(y) + seen.left, seen.right - seen.left, PixelOfColor(color), coverage);
-  }
-}
-
 std::wstring ChannelName(const StripChannel& channel) {
   return Wide(channel.name);
 }

@@ -55,7 +55,6 @@ StripColors ColorsOf(const StripModel& model);
 std::wstring ChannelName(const StripChannel& channel);
 std::wstring ChannelUnit(const StripChannel& channel);
 LONG WidthOf(HDC dc, const std::wstring& text);
-void BlendArea(const Surface& surface, const RECT& area, COLORREF color, DWORD coverage);
 
 // Whether the image has an overlay, which changes when the chart scrolls.
 bool HasOverlay(const StripModel& model);
