@@ -9,7 +9,6 @@
 #include "kv/framework/control_class.h"
 #include "kv/framework/numbers.h"
 #include "kv/toolkit/languages.h"
-#include "kv/toolkit/pages.h"
 #include "kv/toolkit/scaled_dialog.h"
 
 namespace gallery {

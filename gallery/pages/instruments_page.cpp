@@ -9,7 +9,6 @@
 #include "kv/controls/instrument_block.h"
 #include "kv/toolkit/instruments.h"
 #include "kv/toolkit/languages.h"
-#include "kv/toolkit/pages.h"
 #include "kv/toolkit/scaled_dialog.h"
 
 namespace gallery {

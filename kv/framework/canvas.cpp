@@ -8,6 +8,7 @@
 
 #include "kv/framework/bitmaps.h"
 #include "kv/framework/coverage.h"
+#include "kv/framework/guards.h"
 #include "kv/framework/numbers.h"
 
 namespace kv {

@@ -1,8 +1,8 @@
 // What the library's window classes share: registration, the flags of the command message, repainting and notifications
 // to the parent; the kinds of controls; and forwarding mouse input to the control behind it. Main thread only.
 //
-// In a DPI-aware program, coordinates and sizes of the whole library are in the program's pixels. Nothing depends on the
-// DPI, except what its header says.
+// In a DPI-aware program, coordinates and sizes of the whole library are in the program's pixels. Nothing depends on
+// the DPI, except what its header says.
 #pragma once
 
 #ifdef _WIN64

@@ -150,7 +150,7 @@ bool IsBitmapWithin(Bytes block) {
   uint64_t size = header.biSize;
   if (header.biCompression == BI_BITFIELDS && size == sizeof(header)) size += 3 * sizeof(DWORD);  // its masks
   const uint64_t colors = header.biClrUsed || bits > 8 ? header.biClrUsed : uint64_t{1} << bits;
-  const uint64_t rowSize = (bits * static_cast<DWORD>(header.biWidth) + 31) / 32 * sizeof(DWORD);
+  const uint64_t rowSize = (uint64_t{bits} * static_cast<DWORD>(header.biWidth) + 31) / 32 * sizeof(DWORD);
   size += colors * sizeof(RGBQUAD) + rowSize * static_cast<uint64_t>(std::abs(int64_t{header.biHeight}));
   return size <= block.size();
 }

@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 
+#include "kv/framework/bounded_format.h"
 #include "kv/framework/guards.h"
 #include "kv/framework/painting.h"
 #include "kv/lists/extended_list.h"

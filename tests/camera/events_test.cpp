@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "camera/camera_record.h"
 #include "camera/line_model.h"
 #include "camera/record_intake.h"
 #include "camera/record_stream.h"

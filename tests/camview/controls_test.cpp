@@ -12,6 +12,7 @@
 #include "camview/camera_field.h"
 #include "camview/record_store.h"
 #include "camview/timeline.h"
+#include "camview/view_time.h"
 #include "kv/framework/control_class.h"
 #include "tests/support/control_test.h"
 #include "tests/support/replaced_import.h"
