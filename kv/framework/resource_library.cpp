@@ -148,9 +148,9 @@ bool IsBitmapWithin(Bytes block) {
   const uint64_t bits = header.biBitCount;
   if (bits != 1 && bits != 4 && bits != 8 && bits != 16 && bits != 24 && bits != 32) return false;
   uint64_t size = header.biSize;
-  if (header.biCompression == BI_BITFIELDS && size == sizeof(header)) size += 3 * sizeof(DWORD);  // its masks
+  if (header.biCompression == BI_BITFIELDS && size == sizeof(header)) size += uint64_t{3} * sizeof(DWORD);  // its masks
   const uint64_t colors = header.biClrUsed || bits > 8 ? header.biClrUsed : uint64_t{1} << bits;
-  const uint64_t rowSize = (uint64_t{bits} * static_cast<DWORD>(header.biWidth) + 31) / 32 * sizeof(DWORD);
+  const uint64_t rowSize = (bits * static_cast<DWORD>(header.biWidth) + 31) / 32 * sizeof(DWORD);
   size += colors * sizeof(RGBQUAD) + rowSize * static_cast<uint64_t>(std::abs(int64_t{header.biHeight}));
   return size <= block.size();
 }
