@@ -8,7 +8,6 @@
 #include "kv/framework/control_class.h"
 #include "kv/framework/guards.h"
 #include "kv/framework/painting.h"
-#include "kv/toolkit/dialog_state.h"
 #include "kv/toolkit/scaled_dialog.h"
 
 namespace kv {

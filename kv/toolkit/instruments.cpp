@@ -11,7 +11,6 @@
 #include "kv/framework/control_class.h"
 #include "kv/framework/file_path.h"
 #include "kv/toolkit/control_access.h"
-#include "kv/toolkit/dialog_state.h"
 
 namespace kv {
 

@@ -43,6 +43,7 @@ std::vector<LONG> Measured(const Motion& motion, double sigma) {
   std::mt19937 random(3);
   std::normal_distribution<> normal;
   std::vector<LONG> values;
+  values.reserve(kRecords);
   for (int i = 0; i < kRecords; ++i) values.push_back(std::lround(motion(i / kRate) + sigma * normal(random)));
   return values;
 }

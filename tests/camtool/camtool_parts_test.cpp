@@ -239,7 +239,7 @@ Read ReadPlainly(std::string_view file) {
     return value;
   };
   for (size_t at = camera::kRecordingHeaderBytes; at < file.size();) {
-    const size_t size = at + camera::kChunkOverhead <= file.size() ? number(at, 2) : 0;
+    const size_t size = at + camera::kChunkOverhead <= file.size() ? static_cast<size_t>(number(at, 2)) : 0;
     const bool isHead = at + camera::kChunkOverhead <= file.size() && (number(at + 2, 2) ^ 0xFFFF) == size &&
                         size <= camera::kMaxChunkBytes;
     if (at + camera::kChunkOverhead + (isHead ? size : 0) > file.size()) {

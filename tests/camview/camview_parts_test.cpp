@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <initializer_list>
 #include <random>
 #include <string>
@@ -11,7 +12,9 @@
 #include <vector>
 
 #include "camera/camera_record.h"
+#include "camera/record_intake.h"
 #include "camera/record_stream.h"
+#include "camera/statistics.h"
 #include "camview/record_store.h"
 #include "camview/statistics.h"
 #include "camview/view_time.h"

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <ios>
 #include <memory>
 #include <string>
 
@@ -17,8 +18,8 @@
 #include "camview/source.h"
 #include "camview/window.h"
 #include "tests/camview/window_fixture.h"
+#include "tests/support/running_program.h"
 #include "tests/support/serial_line.h"
-#include "tests/support/test_window.h"
 
 namespace camview {
 namespace {
