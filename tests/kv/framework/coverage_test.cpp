@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstring>
 #include <random>
+#include <span>
 #include <vector>
 
 namespace kv {

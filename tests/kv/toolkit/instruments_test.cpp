@@ -2,17 +2,21 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <tuple>
 #include <utility>
 
 #include "kv/controls/display_instrument.h"
 #include "kv/controls/instrument/center_bar.h"
+#include "kv/controls/instrument/fixed_text.h"
 #include "kv/controls/instrument/gauge_layout.h"
 #include "kv/controls/instrument/segment_bar.h"
 #include "kv/controls/instrument/text.h"
+#include "kv/controls/instrument/view.h"
 #include "kv/controls/instrument_block.h"
 #include "kv/framework/control_class.h"
 #include "kv/resource.h"
