@@ -3,6 +3,7 @@
 //   contact_sheets FOLDER [SHEET]     writes all sheets, or one, as SHEET.png
 #include <windows.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -11,9 +12,11 @@
 #include <vector>
 
 #include "kv/controls/display_instrument.h"
+#include "kv/controls/horizon/horizon.h"
 #include "kv/controls/horizon/horizon_renderer.h"
 #include "kv/controls/instrument/state.h"
-#include "kv/framework/bitmaps.h"
+#include "kv/controls/instrument_block.h"
+#include "kv/framework/control_class.h"
 #include "kv/framework/guards.h"
 #include "kv/framework/painting.h"
 #include "kv/framework/window_state.h"
@@ -62,9 +65,9 @@ const Sheet kSheets[] = {
 constexpr int kGap = 8;
 
 // Lays out images from left to right in rows, and copies them to one bitmap.
-class Picture {
+class SheetBitmap {
  public:
-  Picture(SIZE size) : size_(size) {
+  explicit SheetBitmap(SIZE size) : size_(size) {
     surface_.Create(size);
     const kv::SelectedObject selected(dc_, surface_.bitmap());
     kv::FillSolid(dc_, {0, 0, size.cx, size.cy}, GetSysColor(COLOR_BTNFACE));
@@ -105,7 +108,7 @@ SIZE SizeOfSheet(std::span<const SIZE> sizes, int rows) {
 
 bool Draw(HWND parent, const Sheet& sheet, const std::string& folder) {
   constexpr int kId = 7;
-  Picture picture(SizeOfSheet(sheet.sizes, static_cast<int>(std::size(kRanges))));
+  SheetBitmap bitmap(SizeOfSheet(sheet.sizes, static_cast<int>(std::size(kRanges))));
   for (const Case& shown : kRanges) {
     for (const SIZE& size : sheet.sizes) {
       HWND control = CreateWindowExA(0, kv::kDisplayInstrumentClass, "", WS_CHILD | sheet.style, 0, 0, size.cx, size.cy,
@@ -123,29 +126,29 @@ bool Draw(HWND parent, const Sheet& sheet, const std::string& folder) {
       SendMessageA(control, kv::kControlCommand, kv::kCommandRender, 0);
       const auto* state = kv::WindowState<kv::InstrumentState>(control);
       if (state->bRedraw) SendMessageA(control, WM_COPY, 0, 0);  // an invisible control is not painted
-      picture.Add(state->hBuffer, size);
+      bitmap.Add(state->hBuffer, size);
       DestroyWindow(control);
     }
-    picture.EndRow();
+    bitmap.EndRow();
   }
-  return picture.Save(folder + sheet.name + ".png");
+  return bitmap.Save(folder + sheet.name + ".png");
 }
 
 bool DrawHorizons(const std::string& folder) {
   constexpr SIZE kSizes[] = {{64, 64}, {120, 120}, {200, 200}, {320, 240}, {300, 300}};
   constexpr float kAttitudes[][2] = {{0, 0},    {10, -20}, {-7, 30},  {25, 60}, {-40, 5},
                                      {65, -10}, {80, 0},   {-85, 45}, {88, 170}};
-  Picture picture(SizeOfSheet(kSizes, static_cast<int>(std::size(kAttitudes))));
+  SheetBitmap bitmap(SizeOfSheet(kSizes, static_cast<int>(std::size(kAttitudes))));
   for (const auto& [pitch, roll] : kAttitudes) {
     for (const SIZE& size : kSizes) {
       kv::HorizonRenderer renderer;
       const DWORD style = kv::kHorizonTape | (size.cx == size.cy ? kv::kHorizonRound : kv::kHorizonRectangular);
       renderer.Update({kv::kHorizonVersion, 0, pitch, roll, 0.5f, 327}, style, size, true);
-      picture.Add(renderer.surface().bitmap(), size);
+      bitmap.Add(renderer.surface().bitmap(), size);
     }
-    picture.EndRow();
+    bitmap.EndRow();
   }
-  return picture.Save(folder + "horizon.png");
+  return bitmap.Save(folder + "horizon.png");
 }
 
 }  // namespace

@@ -15,7 +15,6 @@
 #include "camview/record_store.h"
 #include "camview/resource_ids.h"
 #include "camview/source.h"
-#include "camview/status_line.h"
 #include "camview/view_time.h"
 #include "kv/controls/strip_chart/strip_chart.h"
 #include "kv/toolkit/languages.h"

@@ -12,8 +12,8 @@
 #include <utility>
 #include <vector>
 
+#include "camera/line_model.h"
 #include "camera/ports.h"
-#include "camera/text.h"
 #include "camview/camera_field.h"
 #include "camview/charts.h"
 #include "camview/live_source.h"

@@ -1,3 +1,4 @@
+#include "camera/ports.h"
 #include "camview/dialogs.h"
 
 #include <algorithm>
@@ -9,7 +10,6 @@
 #include "camera/text.h"
 #include "camview/port_finder.h"
 #include "camview/resource_ids.h"
-#include "camview/status_line.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/locale_text.h"
 #include "kv/toolkit/scaled_dialog.h"

@@ -7,12 +7,12 @@
 #include <cstdint>
 #include <string>
 
+#include "camera/events.h"
 #include "camera/text.h"
 #include "camview/live_source.h"
 #include "camview/recording_loader.h"
 #include "camview/resource_ids.h"
 #include "camview/view_time.h"
-#include "kv/framework/bounded_format.h"
 #include "kv/framework/canvas.h"
 #include "kv/framework/coverage.h"
 #include "kv/framework/file_path.h"

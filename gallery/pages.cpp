@@ -9,7 +9,6 @@
 #include "gallery/resource_ids.h"
 #include "kv/framework/tooltips.h"
 #include "kv/framework/utf8.h"
-#include "kv/toolkit/languages.h"
 
 namespace gallery {
 

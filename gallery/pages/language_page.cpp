@@ -13,7 +13,6 @@
 #include "kv/framework/guards.h"
 #include "kv/framework/language.h"
 #include "kv/framework/modules.h"
-#include "kv/lists/extended_list.h"
 #include "kv/lists/list_navigation.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/list_columns.h"

@@ -68,8 +68,10 @@ bool WriteBytes(HANDLE file, std::string_view bytes) {
     DWORD written = 0;
     if (!WriteFile(file, bytes.data(), static_cast<DWORD>(std::min(bytes.size(), kMaxBytes)), &written, nullptr))
       return false;
-    if (written == 0) SetLastError(ERROR_DISK_FULL);
-    if (written == 0) return false;
+    if (written == 0) {
+      SetLastError(ERROR_DISK_FULL);
+      return false;
+    }
     bytes.remove_prefix(written);
   }
   return true;

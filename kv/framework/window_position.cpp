@@ -21,7 +21,7 @@ struct KeyPath {
 };
 
 KeyPath PositionsKey() {
-  KeyPath path;
+  KeyPath path{};
   FormatBoundedA(path.text, sizeof(path.text), "%s\\WindowPositions", SettingsKey());
   return path;
 }

@@ -10,9 +10,9 @@
 #include "kv/framework/dialog_layout.h"
 #include "kv/framework/guards.h"
 #include "kv/toolkit/appearance.h"
-#include "kv/toolkit/control_access.h"
 #include "kv/toolkit/dialog_state.h"
 #include "kv/toolkit/mirroring.h"
+#include "kv/toolkit/scaled_dialog.h"
 #include "kv/toolkit/text_tips.h"
 
 namespace kv {

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <chrono>
 #include <cmath>
+#include <stop_token>
 #include <string>
 #include <thread>
 
@@ -23,7 +24,7 @@ double ReadSensor() {
   return 60 + 25 * std::sin(seconds / 4) + 3 * std::sin(seconds * 3);
 }
 
-void ReadValues(std::stop_token stop, HWND panel) {
+void ReadValues(const std::stop_token& stop, HWND panel) {
   while (!stop.stop_requested()) {
     newest = ReadSensor();
     kv::AppendStripChartValue(panel, IDC_CHART, 0, kv::StripChartNow(), newest);

@@ -64,8 +64,10 @@ BOOL WINAPI WriteHalf(HANDLE file, const void* bytes, DWORD size, DWORD* written
   LARGE_INTEGER at{};
   SetFilePointerEx(file, {}, &at, FILE_CURRENT);
   *written = 0;
-  if (at.QuadPart > 0) SetLastError(ERROR_DISK_FULL);
-  if (at.QuadPart > 0) return FALSE;
+  if (at.QuadPart > 0) {
+    SetLastError(ERROR_DISK_FULL);
+    return FALSE;
+  }
   using Function = BOOL(WINAPI*)(HANDLE, const void*, DWORD, DWORD*, OVERLAPPED*);
   static const auto write =
       reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32"), "WriteFile")));

@@ -4,14 +4,17 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
+#include <ios>
 #include <string>
 #include <vector>
 
 #include "camera/recording.h"
 #include "camera/text.h"
 #include "camview/resource_ids.h"
+#include "camview/status_line.h"
 #include "camview/view_time.h"
 #include "camview/window.h"
 #include "kv/controls/strip_chart/strip_chart.h"
@@ -20,7 +23,6 @@
 #include "kv/toolkit/text_tips.h"
 #include "tests/camview/window_fixture.h"
 #include "tests/support/running_program.h"
-#include "tests/support/test_window.h"
 
 namespace camview {
 namespace {

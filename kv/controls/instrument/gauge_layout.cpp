@@ -10,7 +10,6 @@
 #include "kv/controls/instrument/text.h"
 #include "kv/controls/instrument/view.h"
 #include "kv/controls/instrument_block.h"
-#include "kv/framework/bounded_format.h"
 #include "kv/framework/canvas.h"
 #include "kv/framework/coverage.h"
 #include "kv/framework/numbers.h"

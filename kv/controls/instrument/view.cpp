@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "kv/controls/instrument/cache.h"
+#include "kv/controls/instrument/fixed_text.h"
 #include "kv/controls/instrument/layout.h"
 #include "kv/controls/instrument/text.h"
 #include "kv/controls/instrument_block.h"

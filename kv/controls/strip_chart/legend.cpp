@@ -1,6 +1,7 @@
 // The legend of a strip chart: every channel, shortened as far as needed, and how many did not fit.
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <string>
 
 #include "kv/controls/strip_chart/model.h"

@@ -141,8 +141,9 @@ void NoticeSources(StripModel& model) {
       continue;
     }
     if (first > seen.first) model.removedTo = std::max(model.removedTo, samples.TimeAt(0));
+    if (end == seen.end) continue;
     double& from = IsFrozen(model) ? model.hiddenFrom : model.undrawnFrom;
-    if (end > seen.end) from = std::min(from, samples.TimeAt(static_cast<unsigned>(seen.end - first) - 1));
+    from = std::min(from, samples.TimeAt(static_cast<unsigned>(seen.end - first) - 1));
   }
 }
 

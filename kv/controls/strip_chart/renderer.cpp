@@ -11,7 +11,6 @@
 #include "kv/controls/strip_chart/sample_store.h"
 #include "kv/controls/strip_chart/strip_chart.h"
 #include "kv/controls/strip_chart/trace.h"
-#include "kv/framework/bitmaps.h"
 #include "kv/framework/canvas.h"
 #include "kv/framework/coverage.h"
 #include "kv/framework/guards.h"
