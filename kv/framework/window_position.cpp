@@ -127,9 +127,11 @@ void PlaceOverOwner(HWND window) {
   const HWND owner = GetWindow(window, GW_OWNER);
   RECT around{}, own{};
   if (!owner || IsIconic(owner) || !GetWindowRect(owner, &around) || !GetWindowRect(window, &own)) return;
+  // On the owner's monitor, whose work area may begin at negative coordinates.
+  const RECT work = WorkAreaOf(owner);
   const LONG left = (around.left + around.right - (own.right - own.left)) / 2;
   const LONG top = (around.top + around.bottom - (own.bottom - own.top)) / 2;
-  SetWindowPos(window, nullptr, std::max(left, 0L), std::max(top, 0L), 0, 0,
+  SetWindowPos(window, nullptr, std::max(left, work.left), std::max(top, work.top), 0, 0,
                SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 

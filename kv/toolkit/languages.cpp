@@ -11,6 +11,7 @@
 #include "kv/framework/language.h"
 #include "kv/framework/modules.h"
 #include "kv/framework/tooltips.h"
+#include "kv/framework/utf8.h"
 #include "kv/resource.h"
 #include "kv/toolkit/dialog_state.h"
 #include "kv/toolkit/mirroring.h"
@@ -179,10 +180,7 @@ int ShowMessage(HWND owner, const std::wstring& text, const std::wstring& captio
 }
 
 bool PrintText(DWORD stream, const std::wstring& text) {
-  const int characters = static_cast<int>(text.size());
-  std::string bytes(WideCharToMultiByte(CP_UTF8, 0, text.c_str(), characters, nullptr, 0, nullptr, nullptr), '\0');
-  WideCharToMultiByte(CP_UTF8, 0, text.c_str(), characters, bytes.data(), static_cast<int>(bytes.size()), nullptr,
-                      nullptr);
+  const std::string bytes = Narrow(text);
   DWORD written = 0;
   return WriteFile(GetStdHandle(stream), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) != 0;
 }

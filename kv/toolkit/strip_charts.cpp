@@ -36,6 +36,17 @@ BOOL ChangeView(HWND dialog, int id, Change change) {
   return Send(dialog, id, kStripViewItem | kCommandRedraw, 0, &view);
 }
 
+BOOL SetCursorTime(HWND dialog, int id, WPARAM cursor, const double* time) {
+  return Send(dialog, id, time ? cursor : cursor | kCommandRemove, 0, time);
+}
+
+BOOL GetCursorTime(HWND dialog, int id, WPARAM cursor, double* time) {
+  StripReading reading{};
+  if (!Send(dialog, id, cursor | kCommandRead, 0, &reading)) return FALSE;
+  *time = reading.time;
+  return TRUE;
+}
+
 }  // namespace
 
 BOOL SetStripChartChannel(HWND dialog, int id, int channel, const StripChannelOptions& options) {
@@ -144,25 +155,19 @@ BOOL GetStripChartTimes(HWND dialog, int id, StripTimeRange* times) {
 }
 
 BOOL SetStripChartCursor(HWND dialog, int id, const double* time) {
-  return Send(dialog, id, time ? kStripCursor : kStripCursor | kCommandRemove, 0, time);
+  return SetCursorTime(dialog, id, kStripCursor, time);
 }
 
 BOOL GetStripChartCursor(HWND dialog, int id, double* time) {
-  StripReading reading{};
-  if (!Send(dialog, id, kStripCursor | kCommandRead, 0, &reading)) return FALSE;
-  *time = reading.time;
-  return TRUE;
+  return GetCursorTime(dialog, id, kStripCursor, time);
 }
 
 BOOL SetStripChartCursorB(HWND dialog, int id, const double* time) {
-  return Send(dialog, id, time ? kStripCursorB : kStripCursorB | kCommandRemove, 0, time);
+  return SetCursorTime(dialog, id, kStripCursorB, time);
 }
 
 BOOL GetStripChartCursorB(HWND dialog, int id, double* time) {
-  StripReading reading{};
-  if (!Send(dialog, id, kStripCursorB | kCommandRead, 0, &reading)) return FALSE;
-  *time = reading.time;
-  return TRUE;
+  return GetCursorTime(dialog, id, kStripCursorB, time);
 }
 
 BOOL AddStripChartEvent(HWND dialog, int id, double time, const wchar_t* text) {
