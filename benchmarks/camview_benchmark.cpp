@@ -79,7 +79,7 @@ void Measure(const char* name, const std::string& path) {
         const double width = (to - from) / kColumns;
         const long long first = store.Find(from + column * width), end = store.Find(from + (column + 1) * width);
         for (int channel = 0; channel < camview::kChannels; ++channel) {
-          sum += store.ExtremesOf(first, end).highest[static_cast<size_t>(channel)];
+          sum += store.ExtremesOf(first, end, channel).highest;
         }
       }
     });

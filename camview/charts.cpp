@@ -73,10 +73,9 @@ void Charts::Read(void* axis, int point, long long number, DWORD count, kv::Stri
 
 kv::StripExtent Charts::Extent(void* axis, int point, long long from, long long to) {
   const RecordStore* store = static_cast<Axis*>(axis)->charts->source_.Records();
-  const auto channel = static_cast<size_t>(2 * point + static_cast<Axis*>(axis)->coordinate);
   if (!store) return {1, 0};
-  const Extremes extremes = store->ExtremesOf(from, to);
-  return {static_cast<double>(extremes.lowest[channel]), static_cast<double>(extremes.highest[channel])};
+  const ChannelExtremes extremes = store->ExtremesOf(from, to, 2 * point + static_cast<Axis*>(axis)->coordinate);
+  return {static_cast<double>(extremes.lowest), static_cast<double>(extremes.highest)};
 }
 
 kv::StripTimeRange Charts::Times(void* axis, int) {

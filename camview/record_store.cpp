@@ -37,6 +37,11 @@ static_assert(kv::kNoPoint == kCoordinateMask);
 constexpr double kRounding = 0.01;  // microseconds
 constexpr double kMaxTime = 1e18;   // microseconds
 
+// The minimum and maximum of each channel while its point is seen; lowest > highest if it never is.
+struct Extremes {
+  std::array<std::int16_t, kChannels> lowest, highest;
+};
+
 constexpr Extremes Nothing() {
   Extremes nothing{};
   nothing.lowest.fill(INT16_MAX);
@@ -44,23 +49,20 @@ constexpr Extremes Nothing() {
   return nothing;
 }
 
-void Widen(const Extremes& other, Extremes* extremes) {
-  for (int i = 0; i < kChannels; ++i) {
-    extremes->lowest[i] = std::min(extremes->lowest[i], other.lowest[i]);
-    extremes->highest[i] = std::max(extremes->highest[i], other.highest[i]);
-  }
+bool IsSeen(std::uint32_t word) {
+  return (word & kCoordinateMask) != kCoordinateMask &&
+         ((word >> kCoordinateBits) & kCoordinateMask) != kCoordinateMask;
 }
 
 void WidenBy(const Entry& entry, Extremes* extremes) {
   for (int point = 0; point < kv::kPointCount; ++point) {
-    const std::uint32_t x = entry[point] & kCoordinateMask, y = (entry[point] >> kCoordinateBits) & kCoordinateMask;
-    if (x == kCoordinateMask || y == kCoordinateMask) continue;
-    const std::int16_t values[] = {static_cast<std::int16_t>(x), static_cast<std::int16_t>(y)};
+    if (!IsSeen(entry[point])) continue;
     for (int axis = 0; axis < 2; ++axis) {
+      const auto value = static_cast<std::int16_t>((entry[point] >> (axis * kCoordinateBits)) & kCoordinateMask);
       std::int16_t& lowest = extremes->lowest[2 * point + axis];
       std::int16_t& highest = extremes->highest[2 * point + axis];
-      lowest = std::min(lowest, values[axis]);
-      highest = std::max(highest, values[axis]);
+      lowest = std::min(lowest, value);
+      highest = std::max(highest, value);
     }
   }
 }
@@ -93,14 +95,19 @@ std::int64_t TimeOf(const Entry& entry) {
 
 }  // namespace
 
-struct RecordStore::Block {
-  long long first = 0;    // number of the first record
-  std::int64_t base = 0;  // its first record's time, in microseconds
-  int count = 0;
+struct RecordStore::Records {
   std::array<Entry, kBlockRecords> entries;
   std::array<Extremes, kBlockRecords / kGroupRecords> groups;
   Extremes all;
   camera::RecordSums sums;
+};
+
+// Searches read no more of a block than this, so that those of a day stay in the processor's cache.
+struct RecordStore::Block {
+  long long first;    // number of the first record
+  std::int64_t base;  // its time, in microseconds
+  int count;
+  std::unique_ptr<Records> records;
 };
 
 RecordStore::RecordStore(long long capacity)
@@ -114,41 +121,41 @@ RecordStore::~RecordStore() = default;
 
 // Returns the block for a record of that time; null when allocation fails.
 RecordStore::Block* RecordStore::BlockFor(std::int64_t microseconds) {
-  Block* last = blocks_.empty() ? nullptr : blocks_.back().get();
+  Block* last = blocks_.empty() ? nullptr : &blocks_.back();
   if (last && last->count < kBlockRecords && microseconds - last->base < kMaxBlockTime) return last;
-  std::unique_ptr<Block> next;
+  std::unique_ptr<Records> next;
   if (blocks_.size() == maxBlocks_) {
-    next = std::move(blocks_.front());
+    next = std::move(blocks_.front().records);
     blocks_.erase(blocks_.begin());
   } else {
-    next.reset(new (std::nothrow) Block);
+    next.reset(new (std::nothrow) Records);
     if (!next) return nullptr;
   }
-  next->base = microseconds;
-  next->count = 0;
   next->groups.fill(Nothing());
   next->all = Nothing();
-  next->first = end_;
   next->sums = {};
-  blocks_.push_back(std::move(next));
-  return blocks_.back().get();
+  blocks_.push_back({end_, microseconds, 0, std::move(next)});
+  return &blocks_.back();
 }
 
 bool RecordStore::Append(const camera::FoundRecord& record, unsigned flags) {
-  std::int64_t microseconds = std::llround(std::clamp(record.seconds * 1e6, 0.0, kMaxTime));
+  // llround takes a sixth of the time in which a recording is opened.
+  auto microseconds = static_cast<std::int64_t>(std::clamp(record.seconds * 1e6, 0.0, kMaxTime) + 0.5);
   if (!blocks_.empty()) {
-    const Block& last = *blocks_.back();
-    microseconds = std::max(microseconds, last.base + TimeOf(last.entries[static_cast<size_t>(last.count) - 1]));
+    const Block& last = blocks_.back();
+    microseconds =
+        std::max(microseconds, last.base + TimeOf(last.records->entries[static_cast<size_t>(last.count) - 1]));
   }
   Block* block = BlockFor(microseconds);
   if (!block) return false;
   flags = (flags & (kAfterSilence | kAfterDamagedBytes | kAfterPause)) | (record.isInvalid ? kInvalidRecord : 0) |
           (record.isInRange ? 0 : kOutOfRange);
   const auto place = static_cast<size_t>(block->count++);
-  block->entries[place] = Pack(record, static_cast<std::uint64_t>(microseconds - block->base), flags);
-  WidenBy(block->entries[place], &block->groups[place / kGroupRecords]);
-  WidenBy(block->entries[place], &block->all);
-  meter_.Add(record, flags, &block->sums);
+  Records& records = *block->records;
+  records.entries[place] = Pack(record, static_cast<std::uint64_t>(microseconds - block->base), flags);
+  WidenBy(records.entries[place], &records.groups[place / kGroupRecords]);
+  WidenBy(records.entries[place], &records.all);
+  meter_.Add(record, flags, &records.sums);
   log_.AddRecord(record);
   line_.AddRecord(static_cast<double>(microseconds) / 1e6, (flags & kAfterSilence) != 0);
   ++end_;
@@ -187,12 +194,11 @@ const std::vector<Section>& RecordStore::Sections(SectionKind kind) const {
 // ---- Finding --------------------------------------------------------------------------------------------------------
 
 long long RecordStore::First() const {
-  return blocks_.empty() ? end_ : blocks_.front()->first;
+  return blocks_.empty() ? end_ : blocks_.front().first;
 }
 
 const RecordStore::Block& RecordStore::BlockOf(long long number) const {
-  const auto next = std::ranges::upper_bound(blocks_, number, {}, [](const auto& block) { return block->first; });
-  return **std::prev(next);
+  return *std::prev(std::ranges::upper_bound(blocks_, number, {}, &Block::first));
 }
 
 StoredRecord RecordStore::Get(long long number) const {
@@ -203,7 +209,8 @@ StoredRecord RecordStore::Get(long long number) const {
 
 double RecordStore::Seconds(long long number) const {
   const Block& block = BlockOf(number);
-  return static_cast<double>(block.base + TimeOf(block.entries[static_cast<size_t>(number - block.first)])) / 1e6;
+  return static_cast<double>(block.base + TimeOf(block.records->entries[static_cast<size_t>(number - block.first)])) /
+         1e6;
 }
 
 size_t RecordStore::Read(long long number, std::span<StoredRecord> records) const {
@@ -211,7 +218,7 @@ size_t RecordStore::Read(long long number, std::span<StoredRecord> records) cons
   while (read < records.size() && number >= First() && number < end_) {
     const Block& block = BlockOf(number);
     for (auto place = static_cast<int>(number - block.first); place < block.count && read < records.size(); ++place) {
-      const Entry& entry = block.entries[static_cast<size_t>(place)];
+      const Entry& entry = block.records->entries[static_cast<size_t>(place)];
       StoredRecord& record = records[read++];
       const std::uint64_t rest = TimeAndFlags(entry);
       record.seconds = static_cast<double>(block.base + TimeIn(rest)) / 1e6;
@@ -229,66 +236,75 @@ size_t RecordStore::Read(long long number, std::span<StoredRecord> records) cons
 // Returns the first record at that time or later.
 long long RecordStore::FindMicroseconds(std::int64_t microseconds) const {
   // The first of several records with the same time may be in the previous block.
-  const auto next = std::ranges::lower_bound(blocks_, microseconds, {}, [](const auto& block) { return block->base; });
+  const auto next = std::ranges::lower_bound(blocks_, microseconds, {}, &Block::base);
   if (next == blocks_.begin()) return First();
-  const Block& block = **std::prev(next);
-  const auto begin = block.entries.begin();
+  const Block& block = *std::prev(next);
+  const auto begin = block.records->entries.begin();
   const auto place = std::ranges::lower_bound(begin, begin + block.count, microseconds - block.base, {}, TimeOf);
   return block.first + (place - begin);
 }
 
 long long RecordStore::Find(double seconds) const {
-  return FindMicroseconds(std::llround(std::ceil(std::clamp(seconds * 1e6 - kRounding, -1.0, kMaxTime))));
+  return FindMicroseconds(static_cast<std::int64_t>(std::ceil(std::clamp(seconds * 1e6 - kRounding, -1.0, kMaxTime))));
 }
 
 long long RecordStore::At(double seconds) const {
-  const long long next =
-      FindMicroseconds(std::llround(std::floor(std::clamp(seconds * 1e6 + kRounding, -1.0, kMaxTime))) + 1);
+  const long long next = FindMicroseconds(
+      static_cast<std::int64_t>(std::floor(std::clamp(seconds * 1e6 + kRounding, -1.0, kMaxTime))) + 1);
   return next > First() ? next - 1 : -1;
 }
 
 RecordStore::BlockSums RecordStore::SumsOf(long long number) const {
   const Block& block = BlockOf(number);
-  return {block.first, block.first + block.count, block.sums};
+  return {block.first, block.first + block.count, block.records->sums};
 }
 
 void RecordStore::SetRate(double rate) {
   camera::LineModel line(rate);
   for (const camera::Silence& silence : line_.Silences()) line.AddSilence(silence);
-  for (const auto& block : blocks_) {
-    for (const Entry& entry : std::span(block->entries).first(static_cast<size_t>(block->count))) {
+  for (const Block& block : blocks_) {
+    for (const Entry& entry : std::span(block.records->entries).first(static_cast<size_t>(block.count))) {
       const std::uint64_t rest = TimeAndFlags(entry);
-      line.AddRecord(static_cast<double>(block->base + TimeIn(rest)) / 1e6, ((rest >> kTimeBits) & kAfterSilence) != 0);
+      line.AddRecord(static_cast<double>(block.base + TimeIn(rest)) / 1e6, ((rest >> kTimeBits) & kAfterSilence) != 0);
     }
   }
   line.Finish();
   line_ = std::move(line);
 }
 
-Extremes RecordStore::ExtremesOf(long long from, long long to) const {
-  Extremes extremes = Nothing();
+ChannelExtremes RecordStore::ExtremesOf(long long from, long long to, int channel) const {
+  const auto place = static_cast<size_t>(channel), point = place / 2;
+  const int shift = channel % 2 ? kCoordinateBits : 0;
+  ChannelExtremes found;
+  const auto widen = [&](int lowest, int highest) {
+    found = {std::min(found.lowest, lowest), std::max(found.highest, highest)};
+  };
+  const auto widenByAll = [&](const Extremes& all) { widen(all.lowest[place], all.highest[place]); };
   from = std::max(from, First());
   to = std::min(to, end_);
   while (from < to) {
     const Block& block = BlockOf(from);
-    auto place = static_cast<int>(from - block.first);
-    const auto last = static_cast<int>(std::min<long long>(to - block.first, block.count));
-    from = block.first + last;
-    if (place == 0 && last == block.count) {
-      Widen(block.all, &extremes);
+    const Records& records = *block.records;
+    auto next = static_cast<size_t>(from - block.first);
+    const auto end = static_cast<size_t>(std::min<long long>(to - block.first, block.count));
+    from = block.first + static_cast<long long>(end);
+    if (next == 0 && from == block.first + block.count) {
+      widenByAll(records.all);
       continue;
     }
-    while (place < last) {
-      const bool isGroup = place % kGroupRecords == 0 && place + kGroupRecords <= last;
-      if (isGroup) {
-        Widen(block.groups[static_cast<size_t>(place / kGroupRecords)], &extremes);
-      } else {
-        WidenBy(block.entries[static_cast<size_t>(place)], &extremes);
+    while (next < end) {
+      if (next % kGroupRecords == 0 && next + kGroupRecords <= end) {
+        widenByAll(records.groups[next / kGroupRecords]);
+        next += kGroupRecords;
+        continue;
       }
-      place += isGroup ? kGroupRecords : 1;
+      const std::uint32_t word = records.entries[next++][point];
+      if (!IsSeen(word)) continue;
+      const auto value = static_cast<int>((word >> shift) & kCoordinateMask);
+      widen(value, value);
     }
   }
-  return extremes;
+  return found;
 }
 
 bool StoreBatch(IntakeBatch* batch, RecordStore* store) {

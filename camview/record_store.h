@@ -38,9 +38,9 @@ inline constexpr int kBlockRecords = 4096;
 inline constexpr int kGroupRecords = 64;
 inline constexpr int kMaxMergedSections = 1000;  // of each kind
 
-// The minimum and maximum of each channel while its point is seen; lowest > highest if it never is.
-struct Extremes {
-  std::array<std::int16_t, kChannels> lowest, highest;
+// The minimum and maximum of a channel while its point is seen; lowest > highest if it never is.
+struct ChannelExtremes {
+  int lowest = INT16_MAX, highest = -1;
 };
 
 class RecordStore {
@@ -64,7 +64,7 @@ class RecordStore {
   // Records are numbered from 0, and dropping does not change numbers. Records First() to End() - 1 exist.
   long long First() const;
   long long End() const { return end_; }
-  bool IsEmpty() const { return blocks_.empty(); }
+  bool IsEmpty() const { return end_ == 0; }
   StoredRecord Get(long long number) const;  // within First() .. End() - 1
   double Seconds(long long number) const;    // of the same record
   // Copies records starting with that number; returns how many exist.
@@ -89,10 +89,11 @@ class RecordStore {
   // Counts losses by another rate (see LineModel), which takes about 0.1 s for a million records.
   void SetRate(double rate);
   // Returns the extremes of the records `from` to `to` - 1, using the pyramid where possible.
-  Extremes ExtremesOf(long long from, long long to) const;
+  ChannelExtremes ExtremesOf(long long from, long long to, int channel) const;
 
  private:
   struct Block;
+  struct Records;
   const Block& BlockOf(long long number) const;
   Block* BlockFor(std::int64_t microseconds);
   long long FindMicroseconds(std::int64_t microseconds) const;
@@ -101,7 +102,7 @@ class RecordStore {
   camera::RecordMeter meter_;
   camera::LineModel line_;
   camera::EventLog log_;
-  std::vector<std::unique_ptr<Block>> blocks_;
+  std::vector<Block> blocks_;
   long long end_ = 0;
   std::vector<Section> sections_[kSectionKinds];
   double longestMerged_[kSectionKinds] = {-1, -1, -1};  // seconds; merging never creates longer sections

@@ -103,7 +103,6 @@ TEST(CamviewStore, KnowsTheExtremesOfAnyRange) {
     if (i % 2) to = from + random() % 200;  // within a few groups
     if (from > to) std::swap(from, to);
     to = std::min(to, given.size());
-    const Extremes extremes = store.ExtremesOf(static_cast<long long>(from), static_cast<long long>(to));
     for (int channel = 0; channel < kChannels; ++channel) {
       LONG lowest = INT16_MAX, highest = -1;
       for (size_t n = from; n < to; ++n) {
@@ -111,7 +110,9 @@ TEST(CamviewStore, KnowsTheExtremesOfAnyRange) {
         lowest = std::min(lowest, ValueOf(given[n], channel));
         highest = std::max(highest, ValueOf(given[n], channel));
       }
-      ASSERT_EQ(std::pair(lowest, highest), std::pair(LONG{extremes.lowest[channel]}, LONG{extremes.highest[channel]}))
+      const ChannelExtremes extremes =
+          store.ExtremesOf(static_cast<long long>(from), static_cast<long long>(to), channel);
+      ASSERT_EQ(std::pair(lowest, highest), std::pair(LONG{extremes.lowest}, LONG{extremes.highest}))
           << from << " to " << to;
     }
   }
