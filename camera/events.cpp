@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <string>
 #include <tuple>
 #include <vector>
 
@@ -10,12 +11,23 @@
 #include "camera/line_model.h"
 #include "camera/record_intake.h"
 #include "camera/record_stream.h"
+#include "camera/text.h"
 
 namespace camera {
 
 const char* EventName(EventKind kind) {
   constexpr std::array<const char*, kEventKinds> kNames = {"silence", "lost", "malformed", "damage", "not seen"};
   return kNames[static_cast<size_t>(kind)];
+}
+
+std::string EventCsvHeader() {
+  return "seconds,duration,event,amount,point\n";
+}
+
+void AppendEventCsvRow(const Event& event, std::string* text) {
+  *text += Format("%.6f,%.6f,%s,%s,%s\n", event.from, event.to - event.from, EventName(event.kind),
+                  event.amount > 0 ? std::to_string(event.amount).c_str() : "",
+                  event.point >= 0 ? std::to_string(event.point + 1).c_str() : "");
 }
 
 void EventLog::Add(const Event& event, std::vector<Event>* list) {

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <string>
 #include <vector>
 
 #include "camera/camera_record.h"
@@ -25,6 +26,10 @@ struct Event {
   long long amount = 0;  // kLoss: records; kMalformed, kDamage: bytes
   int point = -1;        // kUnseen: 0 to 3
 };
+
+// The line of column names, and the line of an event, with line feeds. Numbers that a kind does not have are empty.
+std::string EventCsvHeader();
+void AppendEventCsvRow(const Event& event, std::string* text);
 
 // Collects events while records are added.
 class EventLog {

@@ -151,12 +151,9 @@ void PrintEvents(const Facts& facts) {
 }
 
 void PrintEventRows(const Facts& facts) {
-  std::puts("seconds,duration,event,amount,point");
-  for (const camera::Event& event : facts.events) {
-    std::printf("%.6f,%.6f,%s,%s,%s\n", event.from, event.to - event.from, EventName(event.kind),
-                event.amount > 0 ? Number(event.amount).c_str() : "",
-                event.point >= 0 ? std::to_string(event.point + 1).c_str() : "");
-  }
+  std::string rows = camera::EventCsvHeader();
+  for (const camera::Event& event : facts.events) camera::AppendEventCsvRow(event, &rows);
+  std::fputs(rows.c_str(), stdout);
 }
 
 void PrintText(const Facts& facts) {

@@ -10,13 +10,13 @@
 #include <string>
 #include <vector>
 
-#include "camera/events.h"
 #include "camera/line_model.h"
 #include "camera/ports.h"
 #include "camera/text.h"
 #include "camview/charts.h"
 #include "camview/dialogs.h"
 #include "camview/display.h"
+#include "camview/events_view.h"
 #include "camview/exporter.h"
 #include "camview/image.h"
 #include "camview/live_source.h"
@@ -116,11 +116,9 @@ void ToggleRecording(View& view) {
 
 // Returns "FOLDER\NAME 1.15-1.20.csv" for a range of FOLDER\NAME.twr.
 std::wstring ProposedTarget(const Source& source, TimeRange range) {
-  std::wstring path = source.Name();
-  path = source.IsLive() ? FolderOf(Setting::kRecordings) + path : WithoutExtension(path);
   std::string times = FormatTime(range.from, 0) + "-" + FormatTime(range.to, 0);
   std::ranges::replace(times, ':', '.');
-  return path + L" " + camera::Wide(times) + kCsvExtension;
+  return ProposedPath(source) + L" " + camera::Wide(times) + kCsvExtension;
 }
 
 void ExportSelection(View& view) {
@@ -171,6 +169,7 @@ void Copy(View& view) {
       return;
     }
   }
+  if (focused == GetDlgItem(view.window, IDC_EVENTS)) return CopyEvents(view);
   CopyImage(view);
 }
 
@@ -246,25 +245,13 @@ void OnRateTyped(View& view) {
   view.source.SetRate(isEmpty ? 0 : rate);
 }
 
-// Goes to the next event that begins after, or before, the position.
-void GoToEvent(View& view, bool isForward) {
-  const RecordStore* store = view.source.Records();
-  if (!store) return;
-  constexpr double kSame = 1e-6;
-  long long omitted = 0;
-  const std::vector<camera::Event> events = store->Events(view.time.end, &omitted);
-  const double position = view.time.position;
-  const auto next = isForward ? std::ranges::upper_bound(events, position + kSame, {}, &camera::Event::from)
-                              : std::ranges::lower_bound(events, position - kSame, {}, &camera::Event::from);
-  if (isForward ? next == events.end() : next == events.begin()) {
-    return view.display.Say(StatusMark::kNone, Text(isForward ? IDS_NO_EVENT_AFTER : IDS_NO_EVENT_BEFORE));
-  }
-  const auto found = isForward ? next : std::prev(next);
-  Seek(&view.time, found->from);
-  const std::wstring number = kv::NumberText(static_cast<double>(found - events.begin() + 1));
-  const std::wstring all = kv::NumberText(static_cast<double>(events.size()) + static_cast<double>(omitted));
-  view.display.Say(StatusMark::kNone,
-                   kv::TextWith(IDS_EVENT_OF, number.c_str(), all.c_str(), DescribeEvent(*found).c_str()));
+// Shows the statistics, or the events in their place.
+void ShowEvents(View& view, bool show) {
+  const HWND hidden = GetDlgItem(view.window, show ? IDC_STATISTICS : IDC_EVENTS);
+  const bool hadFocus = GetFocus() == hidden;
+  view.options.showEvents = show;
+  Update(view);
+  if (show || hadFocus) SetFocus(GetDlgItem(view.window, show ? IDC_EVENTS : IDC_STATISTICS));
 }
 
 // Cancels the innermost activity.
@@ -337,6 +324,7 @@ bool OnControl(View& view, UINT id, UINT code) {
     case IDC_CHART_X:
     case IDC_CHART_Y: OnChart(view, static_cast<int>(id), code); return true;
     case IDC_TIMELINE: OnTimeline(view, code); return true;
+    case IDC_EVENTS: OnEventList(view, code); return true;
     case IDC_SPEED:
       if (code == CBN_SELCHANGE) {
         SelectSpeed(view, static_cast<int>(SendDlgItemMessageW(view.window, IDC_SPEED, CB_GETCURSEL, 0, 0)));
@@ -358,6 +346,7 @@ bool OnFileCommand(View& view, UINT id) {
     case IDM_RECORD: ToggleRecording(view); return true;
     case IDC_EXPORT:
     case IDM_EXPORT: ExportSelection(view); return true;
+    case IDM_EXPORT_EVENTS: ExportEvents(view); return true;
     case IDM_SAVE_IMAGE: SaveImage(view); return true;
     case IDM_COPY: Copy(view); return true;
     case IDM_COPY_IMAGE: CopyImage(view); return true;
@@ -400,6 +389,9 @@ bool OnViewCommand(View& view, UINT id) {
       if (view.source.Records()) Select(&view.time, view.time.shown);
       return true;
     case IDM_REMOVE_SELECTION: view.time.selection.reset(); return true;
+    case IDM_SHOW_STATISTICS: ShowEvents(view, false); return true;
+    case IDM_SHOW_EVENTS: ShowEvents(view, true); return true;
+    case IDM_TOGGLE_EVENTS: ShowEvents(view, !view.options.showEvents); return true;
     case IDM_FIT_VALUES: view.options.fitValues = !view.options.fitValues; return true;
     case IDM_KEYS: ShowKeys(view.window); return true;
     case IDM_ABOUT:
@@ -424,6 +416,10 @@ void CheckOne(HMENU menu, UINT first, const double (&values)[size], double chose
 }
 
 }  // namespace
+
+std::wstring ProposedPath(const Source& source) {
+  return source.IsLive() ? FolderOf(Setting::kRecordings) + source.Name() : WithoutExtension(source.Name());
+}
 
 void OpenFile(View& view, const std::wstring& path) {
   if (view.source.IsExporting()) {
@@ -488,6 +484,9 @@ void PrepareMenu(const View& view, HMENU menu) {
        {IDM_PLAY, IDM_STEP_BACK, IDM_STEP_FORWARD, IDM_GO_TO, IDM_EVENT_BACK, IDM_EVENT_FORWARD, IDM_SELECT_SHOWN})
     enable(id, isOpen);
   for (const UINT id : {IDM_SLOWER, IDM_FASTER, IDM_NORMAL_SPEED}) enable(id, isOpen && !isLive);
+  enable(IDM_EXPORT_EVENTS, isOpen);
+  CheckMenuRadioItem(menu, IDM_SHOW_STATISTICS, IDM_SHOW_EVENTS,
+                     view.options.showEvents ? IDM_SHOW_EVENTS : IDM_SHOW_STATISTICS, MF_BYCOMMAND);
   enable(IDM_REMOVE_SELECTION, view.time.selection.has_value());
   CheckMenuItem(menu, IDM_FIT_VALUES, view.options.fitValues ? MF_CHECKED : MF_UNCHECKED);
   const bool isRecording = source.Recording().state == LiveRecordingState::kOn;

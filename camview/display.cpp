@@ -12,10 +12,13 @@
 #include <utility>
 #include <vector>
 
+#include "camera/events.h"
 #include "camera/line_model.h"
 #include "camera/ports.h"
 #include "camview/camera_field.h"
 #include "camview/charts.h"
+#include "camview/event_table.h"
+#include "camview/events_view.h"
 #include "camview/live_source.h"
 #include "camview/record_store.h"
 #include "camview/resource_ids.h"
@@ -25,6 +28,7 @@
 #include "camview/status_line.h"
 #include "camview/timeline.h"
 #include "camview/view_time.h"
+#include "kv/framework/bitmaps.h"
 #include "kv/framework/control_class.h"
 #include "kv/framework/file_path.h"
 #include "kv/lists/list_navigation.h"
@@ -54,11 +58,9 @@ LRESULT Send(HWND window, int id, WPARAM command, const void* item) {
 }
 
 void NameControls(HWND window) {
-  constexpr std::pair<int, UINT> kNames[] = {{IDC_FIELD, IDS_FIELD_NAME},
-                                             {IDC_CHART_X, IDS_CHART_X_NAME},
-                                             {IDC_CHART_Y, IDS_CHART_Y_NAME},
-                                             {IDC_TIMELINE, IDS_TIMELINE_NAME},
-                                             {IDC_STATISTICS, IDS_STATISTICS_NAME}};
+  constexpr std::pair<int, UINT> kNames[] = {{IDC_FIELD, IDS_FIELD_NAME},           {IDC_CHART_X, IDS_CHART_X_NAME},
+                                             {IDC_CHART_Y, IDS_CHART_Y_NAME},       {IDC_TIMELINE, IDS_TIMELINE_NAME},
+                                             {IDC_STATISTICS, IDS_STATISTICS_NAME}, {IDC_EVENTS, IDS_EVENTS_NAME}};
   for (const auto& [id, name] : kNames) kv::NameControl(window, id, kv::ResourceText(name).c_str());
   SendDlgItemMessageW(window, IDC_SPEED, CB_RESETCONTENT, 0, 0);
   for (const double speed : kSpeeds) {
@@ -67,60 +69,50 @@ void NameControls(HWND window) {
   }
 }
 
-StatusLine Describe(const Source& source, const ViewTime& time) {
+// `line`: the figures of the whole line.
+StatusLine Describe(const Source& source, const ViewTime& time, const std::wstring& line) {
   const std::wstring work = kv::FileNameOf(source.WorkPath().c_str());
   if (source.IsWorking()) {
     return {StatusMark::kWaiting, kv::TextWith(source.IsExporting() ? IDS_EXPORTING : IDS_LOADING, work.c_str())};
   }
   if (source.IsLive()) {
-    StatusLine line = DescribeLive(source.Status());
-    if (time.isFrozen) line.text += L" " + kv::ResourceText(IDS_LIVE_FROZEN);
-    return line;
+    StatusLine status = DescribeLive(source.Status());
+    if (time.isFrozen) status.text += L" " + kv::ResourceText(IDS_LIVE_FROZEN);
+    if (!line.empty()) status.text += L" " + kv::TextWith(IDS_LINE_IN, LengthAsText(time.end).c_str(), line.c_str());
+    return status;
   }
-  if (source.IsOpen()) return DescribeRecording(source.Loaded());
+  if (source.IsOpen()) return DescribeRecording(source.Loaded(), line);
   return {StatusMark::kNone, kv::ResourceText(IDS_NOTHING_OPEN)};
 }
 
-std::wstring CountsAsText(const camera::LineFigures& line) {
-  const auto number = [](long long count) { return kv::NumberText(static_cast<double>(std::max(count, 0LL))); };
-  const std::wstring lost = number(line.lost);
-  const double percent = 100 * static_cast<double>(std::max(line.lost, 0LL)) /
-                         static_cast<double>(std::max(line.lost + line.records, 1LL));
-  const auto losses = [&]() -> std::wstring {
-    switch (line.basis) {
-      case camera::LossBasis::kTooFew: return kv::ResourceText(IDS_LOST_TOO_FEW);
-      case camera::LossBasis::kIrregular: return kv::ResourceText(IDS_LOST_IRREGULAR);
-      case camera::LossBasis::kGiven:
-        return kv::TextWith(IDS_LOST_GIVEN, lost.c_str(), kv::NumberText(percent, 1).c_str());
-      case camera::LossBasis::kEstimated: break;
-    }
-    if (line.mayLoseRegularly) return kv::TextWith(IDS_LOST_MAY_BE_REGULAR, lost.c_str());
-    if (line.lostAtMost <= 0) return kv::ResourceText(IDS_LOST_NONE);
-    if (line.lostAtLeast == line.lostAtMost) return kv::TextWith(IDS_LOST_ABOUT, lost.c_str());
-    return kv::TextWith(IDS_LOST_BETWEEN, lost.c_str(), number(line.lostAtLeast).c_str(),
-                        number(line.lostAtMost).c_str());
-  };
-  return kv::TextWith(IDS_STATISTICS_COUNTS, RecordsAsText(line.records).c_str(),
-                      kv::NumberText(line.recordsPerSecond, 1).c_str()) +
-         L"; " + losses();
-}
-
-std::wstring SilencesAsText(const camera::LineFigures& line) {
-  if (line.silences == 0) return kv::ResourceText(IDS_SILENCES_NONE);
-  const std::wstring all = kv::NumberText(line.silentSeconds, 3), at = TimeAsText(line.longestSilenceFrom, 1);
-  const std::wstring percent = kv::NumberText(line.seconds > 0 ? 100 * line.silentSeconds / line.seconds : 0, 1);
-  if (line.silences == 1) return kv::TextWith(IDS_SILENCES_ONE, all.c_str(), percent.c_str(), at.c_str());
-  return kv::TextWith(IDS_SILENCES, kv::NumberText(static_cast<double>(line.silences)).c_str(), all.c_str(),
-                      percent.c_str(), kv::NumberText(line.longestSilence, 3).c_str(), at.c_str());
-}
-
-std::vector<Section> SectionsOf(const RecordStore& store) {
-  std::vector<Section> all;
-  for (const SectionKind kind : {SectionKind::kSilent, SectionKind::kMalformed, SectionKind::kDamaged}) {
-    const std::vector<Section>& own = store.Sections(kind);
-    all.insert(all.end(), own.begin(), own.end());
+// Each kind in ascending order.
+std::vector<TimelineMark> MarksOf(const RecordStore& store, const EventTable& events, const ViewTime& time) {
+  constexpr std::pair<SectionKind, camera::EventKind> kKinds[] = {
+      {SectionKind::kSilent, camera::EventKind::kSilence},
+      {SectionKind::kMalformed, camera::EventKind::kMalformed},
+      {SectionKind::kDamaged, camera::EventKind::kDamage}};
+  std::vector<TimelineMark> marks;
+  for (const auto& [kind, mark] : kKinds) {
+    for (const Section& section : store.Sections(kind)) marks.push_back({mark, section.from, section.to});
   }
-  return all;
+  const double first = store.Seconds(store.First());
+  for (const camera::Event& event : events.Events()) {
+    // A point that is never seen is probably not there.
+    const bool isUnseen = event.kind == camera::EventKind::kUnseen && (event.from > first || event.to < time.end);
+    if (isUnseen || event.kind == camera::EventKind::kLoss) marks.push_back({event.kind, event.from, event.to});
+  }
+  return marks;
+}
+
+size_t SectionsIn(const RecordStore& store, double* last) {
+  size_t count = 0;
+  for (const SectionKind kind : {SectionKind::kSilent, SectionKind::kMalformed, SectionKind::kDamaged}) {
+    for (const Section& section : store.Sections(kind)) {
+      count += static_cast<size_t>(section.count);
+      *last = std::max(*last, section.to);
+    }
+  }
+  return count;
 }
 
 }  // namespace
@@ -134,6 +126,7 @@ Display::Display(HWND window, const Source& source) : window_(window), charts_(w
   const HWND list = GetDlgItem(window, IDC_STATISTICS);
   kv::AddListNavigation(list);
   SendMessageW(list, LB_SETCOUNT, kChannels, 0);
+  kv::AddListNavigation(GetDlgItem(window, IDC_EVENTS));
 }
 
 void Display::Forget() {
@@ -142,6 +135,7 @@ void Display::Forget() {
   isNamed_ = false;
   speed_ = -1;
   statisticsKey_.reset();
+  eventsVersion_.reset();
 }
 
 void Display::Say(StatusMark mark, const std::wstring& text) {
@@ -149,7 +143,7 @@ void Display::Say(StatusMark mark, const std::wstring& text) {
   messageUntil_ = camera::Now() + kMessageSeconds;
 }
 
-void Display::Refresh(const Source& source, const ViewTime& time, const DisplayOptions& options) {
+void Display::Refresh(const Source& source, const ViewTime& time, EventTable* events, const DisplayOptions& options) {
   if (!isNamed_) {
     NameControls(window_);
     charts_.Describe();
@@ -159,12 +153,15 @@ void Display::Refresh(const Source& source, const ViewTime& time, const DisplayO
   // While a port is followed, most of the window changes once a second.
   isLiveTurn_ = !time.IsFollowing() || now >= liveDue_;
   if (isLiveTurn_) liveDue_ = now + kLiveSeconds;
+  SetVisible(IDC_STATISTICS, !options.showEvents);
+  SetVisible(IDC_EVENTS, options.showEvents);
   ShowSource(source, time);
   ShowWork(source);
+  ShowEvents(source, time, events);
   ShowStatus(source, time);
   ShowCharts(source, time, options);
   ShowField(source, time, options);
-  ShowTimeline(source, time);
+  ShowTimeline(source, time, *events);
   ShowTimeText(source, time);
   ShowStatistics(source, time);
 }
@@ -225,7 +222,7 @@ void Display::ShowStatus(const Source& source, const ViewTime& time) {
     SetText(id, line.text);
     InvalidateRect(GetDlgItem(window_, id), nullptr, FALSE);
   };
-  show(IDC_STATUS, message_.text.empty() ? Describe(source, time) : message_, &line_);
+  show(IDC_STATUS, message_.text.empty() ? Describe(source, time, lineText_) : message_, &line_);
   show(IDC_RECORDING, DescribeLiveRecording(source.Recording()), &recordingLine_);
   const bool hasRecordingLine = !recordingLine_.text.empty() && !source.IsWorking();
   const bool isShort = source.IsWorking() || hasRecordingLine;
@@ -254,6 +251,9 @@ void Display::PlaceStatus() const {
 bool Display::Draw(const DRAWITEMSTRUCT& item) const {
   switch (item.CtlID) {
     case IDC_STATISTICS: DrawStatisticsRow(item, statistics_ ? &*statistics_ : nullptr); return true;
+    case IDC_EVENTS:
+      if (events_) DrawEventRow(item, *events_);
+      return true;
     case IDC_STATUS: DrawStatusLine(item, line_); return true;
     case IDC_RECORDING: DrawStatusLine(item, recordingLine_); return true;
     default: return false;
@@ -300,7 +300,7 @@ void Display::ShowCharts(const Source& source, const ViewTime& time, const Displ
                 .fitValues = options.fitValues});
 }
 
-void Display::ShowTimeline(const Source& source, const ViewTime& time) {
+void Display::ShowTimeline(const Source& source, const ViewTime& time, const EventTable& events) {
   if (!isLiveTurn_) return;
   const TimeRange range{time.begin, time.end};
   if (timelineRange_ != range) {
@@ -308,15 +308,12 @@ void Display::ShowTimeline(const Source& source, const ViewTime& time) {
     Send(window_, IDC_TIMELINE, kTimelineRange, &range);
   }
   const RecordStore* store = source.Records();
-  const std::vector<Section> sections = store ? SectionsOf(*store) : std::vector<Section>();
-  SectionsKey key{source.Number(), 0, 0};
-  for (const Section& section : sections) {
-    std::get<1>(key) += static_cast<size_t>(section.count);
-    std::get<2>(key) = std::max(std::get<2>(key), section.to);
-  }
-  if (sections_ != key) {
-    sections_ = key;
-    const TimelineMarks marks{static_cast<DWORD>(sections.size()), sections.data()};
+  double last = 0;
+  const size_t sections = store ? SectionsIn(*store, &last) : 0;
+  if (const MarksKey key{source.Number(), sections, last, events.Version()}; marks_ != key) {
+    marks_ = key;
+    const std::vector<TimelineMark> list = store ? MarksOf(*store, events, time) : std::vector<TimelineMark>();
+    const TimelineMarks marks{static_cast<DWORD>(list.size()), list.data()};
     Send(window_, IDC_TIMELINE, kTimelineShowMarks, &marks);
   }
   if (timelineVisible_ != time.shown) {
@@ -372,6 +369,40 @@ void Display::ShowStatistics(const Source& source, const ViewTime& time) {
   SetText(IDC_COUNTS, counts);
   SetText(IDC_SILENCES, silences);
   kv::RedrawList(GetDlgItem(window_, IDC_STATISTICS));
+}
+
+// ---- Events ---------------------------------------------------------------------------------------------------------
+
+void Display::ShowEvents(const Source& source, const ViewTime& time, EventTable* events) {
+  events_ = events;
+  const double now = camera::Now();
+  if (!time.isLive || eventsSource_ != source.Number() || now >= eventsDue_) {
+    eventsDue_ = now + kLiveSeconds;
+    eventsSource_ = source.Number();
+    const RecordStore* store = source.Records();
+    events->Update(source.Number(), store, source.Rate(), time.end);
+    if (eventsVersion_ != events->Version())
+      lineText_ = store ? LineAsText(LineFiguresOf(*store, time.begin, time.end)) : std::wstring();
+  }
+  ShowEventRows(time, *events);
+}
+
+void Display::ShowEventRows(const ViewTime& time, const EventTable& events) {
+  const HWND list = GetDlgItem(window_, IDC_EVENTS);
+  const bool isChanged = eventsVersion_ != events.Version();
+  const UINT lowest = kv::ListRowAt(list, {0, kv::ClientSize(list).cy - 1});
+  const bool isEndShown = !eventRow_ || lowest == kv::kNoRow || lowest >= *eventRow_;
+  if (isChanged) {
+    eventsVersion_ = events.Version();
+    SendMessageW(list, LB_SETCOUNT, EventRows(events), 0);
+  }
+  // While a port is followed, a list that the user has scrolled back stays where it is.
+  if (time.IsFollowing() && !isEndShown) return;
+  const UINT row = static_cast<UINT>(events.Current(time.position).value_or(kv::kNoRow));
+  if (eventRow_ == row && (!isChanged || kv::SelectedListRow(list) == row)) return;
+  eventRow_ = row;
+  kv::SelectListRow(list, row);
+  NameEventRow(list, events);
 }
 
 }  // namespace camview

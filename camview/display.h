@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "camview/charts.h"
+#include "camview/event_table.h"
 #include "camview/source.h"
 #include "camview/statistics.h"
 #include "camview/status_line.h"
@@ -24,13 +25,15 @@ int SpeedIndex(double speed);
 struct DisplayOptions {
   double trailSeconds = 1;
   bool fitValues = false;
+  bool showEvents = false;  // in the place of the statistics
 };
 
 class Display {
  public:
   Display(HWND window, const Source& source);
 
-  void Refresh(const Source& source, const ViewTime& time, const DisplayOptions& options);
+  // Also brings `events`, which must exist as long as the window, up to date.
+  void Refresh(const Source& source, const ViewTime& time, EventTable* events, const DisplayOptions& options);
   // After a change of the language, the next Refresh shows everything again.
   void Forget();
   // Shows a message for some seconds; after that the line describes the source again.
@@ -55,9 +58,11 @@ class Display {
   void ShowStatus(const Source& source, const ViewTime& time);
   void ShowField(const Source& source, const ViewTime& time, const DisplayOptions& options);
   void ShowCharts(const Source& source, const ViewTime& time, const DisplayOptions& options);
-  void ShowTimeline(const Source& source, const ViewTime& time);
+  void ShowTimeline(const Source& source, const ViewTime& time, const EventTable& events);
   void ShowTimeText(const Source& source, const ViewTime& time);
   void ShowStatistics(const Source& source, const ViewTime& time);
+  void ShowEvents(const Source& source, const ViewTime& time, EventTable* events);
+  void ShowEventRows(const ViewTime& time, const EventTable& events);
 
   HWND window_;
   Charts charts_;
@@ -66,6 +71,7 @@ class Display {
   std::map<int, std::wstring> texts_;
   std::map<int, bool> enabled_, visible_;
   StatusLine line_, recordingLine_;
+  std::wstring lineText_;        // in the status line: losses and silence
   std::optional<bool> isShort_;  // the status line
   int speed_ = -1, progress_ = -1;
   bool isNamed_ = false;
@@ -73,8 +79,11 @@ class Display {
   std::optional<FieldKey> field_;
   std::vector<StoredRecord> fieldRecords_;
   std::optional<TimeRange> timelineRange_, timelineSelection_, timelineVisible_;
-  using SectionsKey = std::tuple<unsigned, size_t, double>;
-  std::optional<SectionsKey> sections_;
+  using MarksKey = std::tuple<unsigned, size_t, double, unsigned>;
+  std::optional<MarksKey> marks_;
+  const EventTable* events_ = nullptr;
+  std::optional<unsigned> eventsSource_, eventsVersion_;
+  std::optional<UINT> eventRow_;
   double timelinePosition_ = kNoTime;
   bool isTyping_ = false;  // a time
   using StatisticsKey = std::tuple<unsigned, long long, bool, double, double, double>;
@@ -83,7 +92,7 @@ class Display {
 
   StatusLine message_;
   // By camera::Now()
-  double messageUntil_ = 0, statisticsDue_ = 0, chartsDue_ = 0, liveDue_ = 0;
+  double messageUntil_ = 0, statisticsDue_ = 0, chartsDue_ = 0, liveDue_ = 0, eventsDue_ = 0;
   bool isStatisticsDue_ = false, isLiveTurn_ = true;
 };
 

@@ -36,8 +36,7 @@ void AddRecords(const RecordStore& store, long long first, long long end, camera
 
 }  // namespace
 
-SelectionStatistics ComputeStatistics(const RecordStore& store, double from, double to) {
-  SelectionStatistics statistics{};
+camera::LineFigures LineFiguresOf(const RecordStore& store, double from, double to) {
   const long long first = store.Find(from), end = store.At(to) + 1;
   camera::LineModel::Selection selection{from, to, std::max(end - first, 0LL), -1, 0, 0};
   if (first < end) {
@@ -45,7 +44,12 @@ SelectionStatistics ComputeStatistics(const RecordStore& store, double from, dou
     selection.last = store.Seconds(end - 1);
     if (first > store.First()) selection.before = store.Seconds(first - 1);
   }
-  statistics.line = store.Line().Figures(selection);
+  return store.Line().Figures(selection);
+}
+
+SelectionStatistics ComputeStatistics(const RecordStore& store, double from, double to) {
+  SelectionStatistics statistics{.line = LineFiguresOf(store, from, to), .sums = {}};
+  const long long first = store.Find(from), end = store.At(to) + 1;
   for (long long number = first; number < end;) {
     const RecordStore::BlockSums block = store.SumsOf(number);
     const long long next = std::min(block.end, end);

@@ -5,11 +5,14 @@
 #include <algorithm>
 #include <string>
 
+#include "camera/line_model.h"
 #include "camera/noise.h"
 #include "camera/record_stream.h"
 #include "camera/statistics.h"
 #include "camview/resource_ids.h"
 #include "camview/statistics.h"
+#include "camview/status_line.h"
+#include "kv/toolkit/languages.h"
 #include "kv/toolkit/list_columns.h"
 #include "kv/toolkit/locale_text.h"
 
@@ -57,7 +60,54 @@ std::wstring CellText(const camera::RecordSums& sums, int channel, int column) {
   }
 }
 
+std::wstring CountText(long long count) {
+  return kv::NumberText(static_cast<double>(std::max(count, 0LL)));
+}
+
+// `isShort`: without range and share.
+std::wstring LossesAsText(const camera::LineFigures& line, bool isShort) {
+  const std::wstring lost = CountText(line.lost);
+  const double percent = 100 * static_cast<double>(std::max(line.lost, 0LL)) /
+                         static_cast<double>(std::max(line.lost + line.records, 1LL));
+  switch (line.basis) {
+    case camera::LossBasis::kTooFew: return kv::ResourceText(IDS_LOST_TOO_FEW);
+    case camera::LossBasis::kIrregular: return kv::ResourceText(IDS_LOST_IRREGULAR);
+    case camera::LossBasis::kGiven:
+      return kv::TextWith(IDS_LOST_GIVEN, lost.c_str(), kv::NumberText(percent, 1).c_str());
+    case camera::LossBasis::kEstimated: break;
+  }
+  if (line.mayLoseRegularly) return kv::TextWith(IDS_LOST_MAY_BE_REGULAR, lost.c_str());
+  if (line.lostAtMost <= 0) return kv::ResourceText(IDS_LOST_NONE);
+  if (isShort || line.lostAtLeast == line.lostAtMost) return kv::TextWith(IDS_LOST_ABOUT, lost.c_str());
+  return kv::TextWith(IDS_LOST_BETWEEN, lost.c_str(), CountText(line.lostAtLeast).c_str(),
+                      CountText(line.lostAtMost).c_str());
+}
+
 }  // namespace
+
+std::wstring CountsAsText(const camera::LineFigures& line) {
+  return kv::TextWith(IDS_STATISTICS_COUNTS, RecordsAsText(line.records).c_str(),
+                      kv::NumberText(line.recordsPerSecond, 1).c_str()) +
+         L"; " + LossesAsText(line, false);
+}
+
+std::wstring SilencesAsText(const camera::LineFigures& line) {
+  if (line.silences == 0) return kv::ResourceText(IDS_SILENCES_NONE);
+  const std::wstring all = kv::NumberText(line.silentSeconds, 3), at = TimeAsText(line.longestSilenceFrom, 1);
+  const std::wstring percent = kv::NumberText(line.seconds > 0 ? 100 * line.silentSeconds / line.seconds : 0, 1);
+  if (line.silences == 1) return kv::TextWith(IDS_SILENCES_ONE, all.c_str(), percent.c_str(), at.c_str());
+  return kv::TextWith(IDS_SILENCES, kv::NumberText(static_cast<double>(line.silences)).c_str(), all.c_str(),
+                      percent.c_str(), kv::NumberText(line.longestSilence, 3).c_str(), at.c_str());
+}
+
+std::wstring LineAsText(const camera::LineFigures& line) {
+  const std::wstring losses = line.basis == camera::LossBasis::kTooFew ? L"" : LossesAsText(line, true);
+  if (line.silences == 0) return losses;
+  const std::wstring seconds = kv::NumberText(line.silentSeconds, 1), count = CountText(line.silences);
+  return losses + (losses.empty() ? L"" : L"; ") +
+         (line.silences == 1 ? kv::TextWith(IDS_SILENCES_SHORT_ONE, seconds.c_str())
+                             : kv::TextWith(IDS_SILENCES_SHORT, count.c_str(), seconds.c_str()));
+}
 
 void DrawStatisticsRow(const DRAWITEMSTRUCT& item, const SelectionStatistics* statistics) {
   const auto text = [&](UINT row, int column) {

@@ -1,11 +1,21 @@
-// The rows of the table of statistics, one for each channel. Main thread only.
+// The figures of the line as text, and the rows of the table of statistics, one for each channel. Main thread only.
 #pragma once
 
 #include <windows.h>
 
+#include <string>
+
+#include "camera/line_model.h"
 #include "camview/statistics.h"
 
 namespace camview {
+
+// Returns "9,300 records, 93.0 a second; about 20 lost (18 to 22)".
+std::wstring CountsAsText(const camera::LineFigures& line);
+// Returns "2 silences, 6.000 s (6.0 %), longest 4.000 s at 0:20.0".
+std::wstring SilencesAsText(const camera::LineFigures& line);
+// Returns both in short: "about 20 lost; 2 silences, 6.0 s"; "" when there are no such figures.
+std::wstring LineAsText(const camera::LineFigures& line);
 
 // Handles WM_DRAWITEM of the list: draws its header or a row. Null: there are no statistics.
 void DrawStatisticsRow(const DRAWITEMSTRUCT& item, const SelectionStatistics* statistics);

@@ -135,7 +135,7 @@ std::wstring LengthAsText(double seconds) {
   return kv::TextWith(IDS_SECONDS, kv::NumberText(std::floor(std::max(seconds, 0.0))).c_str());
 }
 
-StatusLine DescribeRecording(const LoadedRecording& recording) {
+StatusLine DescribeRecording(const LoadedRecording& recording, const std::wstring& figures) {
   const std::wstring name = NameOfFile(recording.path), why = kv::ErrorText(recording.systemError);
   const auto rejected = [&](UINT id) {
     return StatusLine{StatusMark::kError, kv::TextWith(id, name.c_str(), why.c_str())};
@@ -153,8 +153,9 @@ StatusLine DescribeRecording(const LoadedRecording& recording) {
     case LoadOutcome::kOutOfMemory: line.text = kv::ResourceText(IDS_FILE_NO_MEMORY) + L" "; break;
   }
   if (recording.records == 0) return rejected(IDS_FILE_NO_RECORDS);
-  line.text +=
-      kv::TextWith(IDS_FILE_WHOLE, RecordsAsText(recording.records).c_str(), TimeAsText(recording.seconds, 1).c_str());
+  const std::wstring records = RecordsAsText(recording.records), seconds = TimeAsText(recording.seconds, 1);
+  line.text += figures.empty() ? kv::TextWith(IDS_FILE_WHOLE, records.c_str(), seconds.c_str())
+                               : kv::TextWith(IDS_FILE_WHOLE_LINE, records.c_str(), seconds.c_str(), figures.c_str());
   if (recording.header.startTime > 0) {
     line.text += L" " + kv::TextWith(IDS_RECORDED_AT, static_cast<int>(recording.header.port),
                                      ClockAsText(recording.header.startTime).c_str());

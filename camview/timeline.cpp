@@ -11,8 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "camera/events.h"
 #include "camera/text.h"
-#include "camview/record_store.h"
 #include "camview/view_time.h"
 #include "kv/framework/accessible.h"
 #include "kv/framework/bitmaps.h"
@@ -37,7 +37,7 @@ struct Timeline {
   double position = 0;
   bool isSelected = false;
   TimeRange selection{0, 0}, visible{0, 0};
-  std::vector<Section> sections;
+  std::vector<TimelineMark> marks;
   bool isDragging = false, isSelecting = false;
   double anchor = 0;  // the fixed end of the selection
   LONG wheel = 0;
@@ -81,7 +81,7 @@ double TimeAtX(const TimelineLayout& layout, const TimeRange& range, LONG x) {
 
 struct TimelineColors {
   COLORREF panel, track, edge, thumb, selection;
-  std::array<COLORREF, kSectionKinds> kinds;
+  std::array<COLORREF, camera::kEventKinds> kinds;
 };
 
 TimelineColors ColorsOfTimeline() {
@@ -92,24 +92,43 @@ TimelineColors ColorsOfTimeline() {
   colors.edge = GetSysColor(contrast ? COLOR_WINDOWTEXT : COLOR_BTNSHADOW);
   colors.thumb = GetSysColor(contrast ? COLOR_WINDOWTEXT : COLOR_BTNTEXT);
   colors.selection = GetSysColor(COLOR_HIGHLIGHT);
-  colors.kinds = {RGB(120, 120, 120), RGB(220, 130, 0), RGB(200, 30, 30)};
+  colors.kinds = {RGB(120, 120, 120), RGB(150, 40, 170), RGB(220, 130, 0), RGB(200, 30, 30), RGB(40, 100, 190)};
   if (contrast) colors.kinds.fill(GetSysColor(COLOR_WINDOWTEXT));
   return colors;
 }
 
-// Draws a bar from the bottom, with the height and pattern of its kind.
-void DrawSection(kv::Canvas& canvas, const RECT& track, const TimelineColors& colors, SectionKind kind, LONG from,
-                 LONG to) {
-  const LONG height = track.bottom - track.top;
-  const COLORREF color = colors.kinds[static_cast<int>(kind)];
-  RECT bar{from, track.top, to, track.bottom};
-  if (kind == SectionKind::kMalformed) bar.top = track.bottom - height / 2;
-  if (kind == SectionKind::kSilent) bar.top = track.bottom - height / 3;
+LONG HeightOf(camera::EventKind kind, LONG track) {
+  switch (kind) {
+    case camera::EventKind::kSilence: return track / 3;
+    case camera::EventKind::kLoss: return track * 2 / 3;
+    case camera::EventKind::kMalformed: return track / 2;
+    case camera::EventKind::kUnseen: return track * 4 / 9;
+    default: return track;
+  }
+}
+
+// Draws a mark from the bottom, with the height and pattern of its kind.
+void DrawMark(kv::Canvas& canvas, const RECT& track, const TimelineColors& colors, camera::EventKind kind, LONG from,
+              LONG to) {
+  constexpr LONG kDash = 5, kPause = 3, kComb = 4;
+  const COLORREF color = colors.kinds[static_cast<size_t>(kind)];
+  const RECT bar{from, track.bottom - HeightOf(kind, track.bottom - track.top), to, track.bottom};
+  if (kind == camera::EventKind::kUnseen) {
+    for (LONG x = from; x < to; x += kDash + kPause)
+      kv::FillArea(canvas, {x, bar.top, std::min(x + kDash, to), bar.top + 2}, color);
+    return;
+  }
+  if (kind == camera::EventKind::kLoss) {
+    for (LONG x = from; x < to; x += kComb) kv::FillArea(canvas, {x, bar.top, x + kShortestPx, bar.bottom}, color);
+    return;
+  }
   kv::FillArea(canvas, bar, color);
   if (to - from <= 2 * kShortestPx) return;
-  if (kind == SectionKind::kSilent) kv::FillArea(canvas, {from + 1, bar.top + 1, to - 1, bar.bottom}, colors.track);
-  if (kind != SectionKind::kDamaged) return;
+  if (kind == camera::EventKind::kSilence)
+    kv::FillArea(canvas, {from + 1, bar.top + 1, to - 1, bar.bottom}, colors.track);
+  if (kind != camera::EventKind::kDamage) return;
   const RECT whole = canvas.clip();
+  const LONG height = track.bottom - track.top;
   canvas.ClipTo({from + 1, track.top, to - 1, track.bottom});
   for (LONG x = from - height; x < to; x += 6) {
     kv::FillLine(canvas, {x + 0.0, track.bottom + 0.0}, {x + 0.0 + height, track.top + 0.0}, 1.2, colors.track);
@@ -125,20 +144,21 @@ void DrawFace(Timeline& timeline, const TimelineLayout& layout, const TimelineCo
   kv::FillArea(canvas, {track.left - 1, track.top - 1, track.right + 1, track.bottom + 1}, colors.edge);
   kv::FillArea(canvas, track, colors.track);
   canvas.ClipTo(track);
+  using enum camera::EventKind;
   // More severe kinds are drawn over others; of those at the same pixel one is drawn.
-  for (const SectionKind kind : {SectionKind::kSilent, SectionKind::kMalformed, SectionKind::kDamaged}) {
+  for (const camera::EventKind kind : {kSilence, kUnseen, kLoss, kMalformed, kDamage}) {
     LONG from = 0, to = 0;
-    for (const Section& section : timeline.sections) {
-      if (section.kind != kind) continue;
-      const LONG left = XOfTime(layout, timeline.range, section.from);
-      const LONG right = std::max(XOfTime(layout, timeline.range, section.to), left + kShortestPx);
+    for (const TimelineMark& mark : timeline.marks) {
+      if (mark.kind != kind) continue;
+      const LONG left = XOfTime(layout, timeline.range, mark.from);
+      const LONG right = std::max(XOfTime(layout, timeline.range, mark.to), left + kShortestPx);
       if (left > to || to == from) {
-        if (to > from) DrawSection(canvas, track, colors, kind, from, to);
+        if (to > from) DrawMark(canvas, track, colors, kind, from, to);
         from = left;
       }
       to = std::max(to, right);
     }
-    if (to > from) DrawSection(canvas, track, colors, kind, from, to);
+    if (to > from) DrawMark(canvas, track, colors, kind, from, to);
   }
 }
 
@@ -155,7 +175,7 @@ void DrawThumb(kv::Canvas& canvas, const TimelineLayout& layout, const TimelineC
   kv::FillArea(canvas, {x, layout.track.top - 1, x + 1, layout.track.bottom + 1}, colors.thumb);
 }
 
-// Above the track's middle, so that it does not hide sections.
+// Above the track's middle, so that it hides few marks.
 void DrawVisible(kv::Canvas& canvas, const RECT& track, COLORREF color, LONG left, LONG right) {
   const LONG thickness = 2, foot = (track.bottom - track.top) / 3;
   right = std::max(right, left + 2 * thickness);
@@ -269,17 +289,16 @@ bool ExchangePosition(Timeline& timeline, WPARAM wParam, LPARAM lParam) {
 
 bool SetMarks(Timeline& timeline, WPARAM wParam, LPARAM lParam) {
   TimelineMarks item;
-  if ((wParam & kv::kCommandRead) || !kv::CopyItemIn(lParam, &item) || item.count > kTimelineMaxSections ||
-      (item.count && IsBadReadPtr(item.sections, item.count * sizeof(Section)))) {
+  if ((wParam & kv::kCommandRead) || !kv::CopyItemIn(lParam, &item) || item.count > kTimelineMaxMarks ||
+      (item.count && IsBadReadPtr(item.marks, item.count * sizeof(TimelineMark)))) {
     return false;
   }
-  std::vector<Section> taken(item.sections, item.sections + item.count);
-  for (const Section& section : taken) {
-    if (section.kind < SectionKind::kSilent || section.kind > SectionKind::kDamaged ||
-        !IsSpan({section.from, section.to}))
-      return false;
+  std::vector<TimelineMark> taken(item.marks, item.marks + item.count);
+  for (const TimelineMark& mark : taken) {
+    const int kind = static_cast<int>(mark.kind);
+    if (kind < 0 || kind >= camera::kEventKinds || !IsSpan({mark.from, mark.to})) return false;
   }
-  timeline.sections = std::move(taken);
+  timeline.marks = std::move(taken);
   timeline.isDirty = true;
   return true;
 }

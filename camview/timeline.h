@@ -1,9 +1,10 @@
-// Window class "kvTimeline": a slider over a whole recording that shows where it is damaged or silent, and in which a
-// section can be selected.
+// Window class "kvTimeline": a slider over a whole recording that marks its events, and in which a time can be
+// selected.
 //
-// Appearance  The kinds of sections differ in height and pattern as well as in color: lost bytes full and hatched,
-//             malformed ones half as high, silence a hollow bar. Each is at least two pixels wide. The part that
-//             does not depend on the position is drawn once. Not mirrored in mirrored windows.
+// Appearance  The kinds of marks differ in height and pattern as well as in color: damage is full and hatched, losses
+//             are lines of two thirds of the height, malformed bytes a solid bar of half the height, silence a hollow
+//             bar of a third; where a point is not seen, there is a dashed line above that. Each is at least two pixels
+//             wide. The part that does not depend on the position is drawn once. Not mirrored in mirrored windows.
 // Keyboard    Left, Right request a step by one record from the parent; PageUp, PageDown move by a twentieth, Home, End to
 //             the ends. With Shift they select from the previous position. Escape removes the selection.
 // Mouse       Clicking and dragging move the position; with Shift they select. The wheel requests steps.
@@ -19,7 +20,7 @@
 
 #include <windows.h>
 
-#include "camview/record_store.h"
+#include "camera/events.h"
 #include "camview/view_time.h"
 #include "kv/framework/control_class.h"
 
@@ -27,10 +28,15 @@ namespace camview {
 
 inline constexpr char kTimelineClass[] = "kvTimeline";
 
-inline constexpr DWORD kTimelineMaxSections = 1u << 20;
+struct TimelineMark {
+  camera::EventKind kind;
+  double from, to;  // seconds
+};
+
+inline constexpr DWORD kTimelineMaxMarks = 1u << 20;
 struct TimelineMarks {
-  DWORD count;              // at most kTimelineMaxSections
-  const Section* sections;  // each kind in ascending order; copied
+  DWORD count;                // at most kTimelineMaxMarks
+  const TimelineMark* marks;  // each kind in ascending order; copied
 };
 
 // Operation codes, the low byte of kControlCommand's wParam; lParam is an address. kCommandRead copies the item to it.

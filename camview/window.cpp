@@ -33,12 +33,14 @@ const kv::TooltipEntry kTips[] = {{IDC_STATISTICS, MAKEINTRESOURCEW(IDS_STATISTI
 constexpr UINT kStart = WM_APP + 1;  // opens the source in the command line
 constexpr UINT_PTR kTickTimer = 1;
 constexpr UINT kTickMs = 50;
-constexpr char kTrailName[] = "Camview.TrailMs", kSpanName[] = "Camview.SpanMs", kFitName[] = "Camview.FitValues";
+constexpr char kTrailName[] = "Camview.TrailMs", kSpanName[] = "Camview.SpanMs", kFitName[] = "Camview.FitValues",
+               kEventsName[] = "Camview.Events";
 
 INT_PTR OnInit(HWND window, LPARAM options) {
   auto view = std::make_unique<View>(window);
   view->options = {.trailSeconds = NumberSetting(kTrailName, 1000) / 1000.0,
-                   .fitValues = NumberSetting(kFitName, 0) != 0};
+                   .fitValues = NumberSetting(kFitName, 0) != 0,
+                   .showEvents = NumberSetting(kEventsName, 0) != 0};
   view->time.liveSpan = std::max(NumberSetting(kSpanName, 10000), 10) / 1000.0;
   view->time.shown = {0, view->time.liveSpan};
   SetWindowLongW(window, DWL_USER, reinterpret_cast<LONG>(view.release()));
@@ -67,6 +69,7 @@ INT_PTR OnSave(View& view) {
   StoreNumber(kTrailName, static_cast<int>(view.options.trailSeconds * 1000));
   StoreNumber(kSpanName, static_cast<int>(std::min(view.time.liveSpan, 1e6) * 1000));
   StoreNumber(kFitName, view.options.fitValues);
+  StoreNumber(kEventsName, view.options.showEvents);
   return TRUE;
 }
 
@@ -154,7 +157,7 @@ void Update(View& view) {
       if (store && !source.IsLive()) Seek(&view.time, store->Seconds(store->First()));
     }
     if (source.IsLive()) Grow(&view.time, source.Whole());
-    view.display.Refresh(source, view.time, view.options);
+    view.display.Refresh(source, view.time, &view.events, view.options);
   }
   view.isUpdating = false;
   UpdateTimer(view);

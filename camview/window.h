@@ -6,6 +6,7 @@
 #include <string>
 
 #include "camview/display.h"
+#include "camview/event_table.h"
 #include "camview/source.h"
 #include "camview/view_time.h"
 #include "kv/framework/language.h"
@@ -28,6 +29,7 @@ struct View {
   HWND window;
   Source source;
   ViewTime time;
+  EventTable events;
   DisplayOptions options;
   Display display;
   unsigned shownSource = 0;  // whose range `time` has

@@ -1,6 +1,9 @@
 #include "kv/framework/bitmaps.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <string>
 
 #include "kv/framework/guards.h"
 
@@ -59,6 +62,24 @@ BOOL PutBitmapOnClipboard(HWND window, HBITMAP bitmap) {
   const BOOL taken = SetClipboardData(CF_BITMAP, bitmap) != nullptr;
   if (taken) owned.Release();
   CloseClipboard();
+  return taken;
+}
+
+BOOL CopyTextToClipboard(HWND window, const std::wstring& text, BOOL addIt) {
+  const size_t bytes = (text.size() + 1) * sizeof(wchar_t);
+  const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, bytes);
+  void* target = memory ? GlobalLock(memory) : nullptr;
+  BOOL taken = FALSE;
+  if (target) {
+    std::memcpy(target, text.c_str(), bytes);
+    GlobalUnlock(memory);
+    if (OpenClipboard(window)) {
+      if (!addIt) EmptyClipboard();
+      taken = SetClipboardData(CF_UNICODETEXT, memory) != nullptr;
+      CloseClipboard();
+    }
+  }
+  if (memory && !taken) GlobalFree(memory);
   return taken;
 }
 

@@ -35,4 +35,8 @@ BOOL CopyBitmapToClipboard(HWND window, HBITMAP bitmap, SIZE bitmapSize, SIZE si
 // the result is FALSE.
 BOOL PutBitmapOnClipboard(HWND window, HBITMAP bitmap);
 
+// Puts the text on the clipboard as CF_UNICODETEXT, or adds it (`addIt` not 0) to what `window` has put there. Returns
+// FALSE like CopyBitmapToClipboard.
+BOOL CopyTextToClipboard(HWND window, const std::wstring& text, BOOL addIt = FALSE);
+
 }  // namespace kv

@@ -15,6 +15,7 @@
 #include "camera/record_intake.h"
 #include "camera/record_stream.h"
 #include "camera/statistics.h"
+#include "camview/event_table.h"
 #include "camview/record_store.h"
 #include "camview/statistics.h"
 #include "camview/view_time.h"
@@ -191,6 +192,35 @@ TEST(CamviewIntake, RecordsSilenceDamageAndMalformedBytes) {
   EXPECT_EQ((Times{{1.01, 1.02}, {3, 3}}), list(SectionKind::kMalformed));
   EXPECT_EQ((Times{{1.5, 2.5}}), list(SectionKind::kDamaged));
   EXPECT_EQ(25, store.Sections(SectionKind::kMalformed)[0].bytes);
+}
+
+TEST(CamviewEvents, HaveOneCurrentEvent) {
+  RecordStore store;
+  for (int i = 0; i < 100; ++i) store.Append({.seconds = i * 0.1, .isInRange = true}, 0);
+  for (const double from : {1.0, 2.0, 4.0}) store.AddSection({SectionKind::kMalformed, from, from + 0.5, 9});
+  store.AddSection({SectionKind::kDamaged, 2, 3, 9});
+  EventTable table;
+  table.Update(1, &store, 0, 10);
+  ASSERT_EQ(4u, table.Events().size());
+  EXPECT_EQ(std::nullopt, table.Current(0.5));
+  EXPECT_EQ(std::nullopt, table.Next(0.5, false));
+  EXPECT_EQ(0u, table.Next(0.5, true));
+  EXPECT_EQ(0u, table.Next(1.7, false)) << "to the beginning of the current one";
+  // Both of two that begin at once are reached.
+  table.GoTo(1);
+  EXPECT_EQ(2u, table.Next(2, true));
+  table.GoTo(2);
+  EXPECT_EQ(1u, table.Next(2, false));
+  table.GoTo(1);
+  EXPECT_EQ(0u, table.Next(2, false));
+  EXPECT_EQ(3u, table.Current(9));
+  EXPECT_EQ(std::nullopt, table.Next(9, true));
+  // It remains the current one while others are added.
+  const unsigned version = table.Version();
+  store.AddSection({SectionKind::kSilent, 0.2, 0.8});
+  table.Update(1, &store, 0, 11);
+  EXPECT_EQ(2u, table.Current(2));
+  EXPECT_NE(version, table.Version());
 }
 
 TEST(CamviewStatistics, EqualAPlainComputation) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "camera/camera_record.h"
+#include "camera/events.h"
 #include "camview/camera_field.h"
 #include "camview/record_store.h"
 #include "camview/timeline.h"
@@ -203,12 +204,11 @@ TEST_F(TimelineTest, MovesSelectsAndAsksForSteps) {
   EXPECT_EQ(100, Position());
 }
 
-TEST_F(TimelineTest, MarksSectionsByHeightAndRejectsWhatIsBad) {
-  const std::vector<Section> sections{{SectionKind::kDamaged, 10, 20},
-                                      {SectionKind::kMalformed, 30, 40},
-                                      {SectionKind::kSilent, 50, 60},
-                                      {SectionKind::kDamaged, 80, 80}};  // of no length
-  const TimelineMarks marks{4, sections.data()};
+TEST_F(TimelineTest, MarksEventsByHeightAndRejectsWhatIsBad) {
+  using enum camera::EventKind;
+  const std::vector<TimelineMark> list{{kDamage, 10, 20}, {kMalformed, 30, 40}, {kSilence, 50, 60},
+                                       {kUnseen, 62, 70}, {kLoss, 75, 75},      {kDamage, 80, 80}};  // of no length
+  const TimelineMarks marks{6, list.data()};
   EXPECT_EQ(1, Send(timeline_, kTimelineShowMarks, &marks));
   double position = 100;
   Send(timeline_, kTimelinePosition, &position);
@@ -226,6 +226,8 @@ TEST_F(TimelineTest, MarksSectionsByHeightAndRejectsWhatIsBad) {
   EXPECT_NEAR(9, height(35), 1);
   EXPECT_NEAR(6, height(50.05), 1);
   EXPECT_NEAR(1, height(55), 1) << "hollow";
+  EXPECT_NEAR(2, height(62.5), 1) << "a dashed line";
+  EXPECT_NEAR(12, height(75.1), 1);
   EXPECT_EQ(18, height(80.1)) << "however short";
   const TimeRange shorter{0, 30};
   EXPECT_EQ(1, Send(timeline_, kTimelineRange, &shorter));
@@ -233,8 +235,8 @@ TEST_F(TimelineTest, MarksSectionsByHeightAndRejectsWhatIsBad) {
 
   GuardedBytes tooShort(7);
   const TimeRange backwards{2, 1}, endless{0, INFINITY};
-  const Section unknown{static_cast<SectionKind>(3), 1, 2}, wrong{SectionKind::kSilent, NAN, 2};
-  const TimelineMarks badMarks[] = {{1, &unknown}, {1, &wrong}, {9, reinterpret_cast<const Section*>(16)}};
+  const TimelineMark unknown{static_cast<camera::EventKind>(5), 1, 2}, wrong{kSilence, NAN, 2};
+  const TimelineMarks badMarks[] = {{1, &unknown}, {1, &wrong}, {9, reinterpret_cast<const TimelineMark*>(16)}};
   for (const TimeRange* bad : {&backwards, &endless}) {
     EXPECT_EQ(0, Send(timeline_, kTimelineRange, bad));
     EXPECT_EQ(0, Send(timeline_, kTimelineSelection, bad));

@@ -19,6 +19,7 @@
 #include "camview/window.h"
 #include "kv/controls/strip_chart/strip_chart.h"
 #include "kv/framework/file_path.h"
+#include "kv/lists/list_navigation.h"
 #include "kv/toolkit/strip_charts.h"
 #include "kv/toolkit/text_tips.h"
 #include "tests/camview/window_fixture.h"
@@ -29,13 +30,21 @@ namespace {
 
 using kvtest::TextOf;
 
+std::wstring ClipboardText() {
+  std::wstring text;
+  if (!OpenClipboard(nullptr)) return text;
+  if (HANDLE data = GetClipboardData(CF_UNICODETEXT)) text = static_cast<const wchar_t*>(GlobalLock(data));
+  CloseClipboard();
+  return text;
+}
+
 TEST_F(CamviewWindow, OpensARecordingAndGoesToTimes) {
   std::string bytes = Recording(1000, [](int i) { return i >= 600 && i < 790; });
   const size_t chunk = camera::EncodeChunks(0, RecordBytes(0)).size();
   bytes[camera::kRecordingHeaderBytes + 700 * chunk + 20] ^= 1;
   OpenFile(bytes);
   EXPECT_EQ(L"camview test.twr – Camera viewer", TextOf(window_));
-  EXPECT_TRUE(Says(L"809 records in 0:10.0. Recorded from COM3, ") && Says(L"Damaged in 1 place."))
+  EXPECT_TRUE(Says(L"809 records in 0:10.0: too irregular to count losses; 1 silence, 1.9 s. Recorded from COM3, ") && Says(L"Damaged in 1 place."))
       << camera::Narrow(Text(IDC_STATUS));
   EXPECT_EQ(L"1: 0, 300; 2: 500, 400; 4: 20, 700", Field());
   EXPECT_EQ(L"of 0:10.000", Text(IDC_LENGTH));
@@ -76,6 +85,28 @@ TEST_F(CamviewWindow, OpensARecordingAndGoesToTimes) {
   EXPECT_EQ(8.89, view().time.position);
   Press(VK_F3, VK_SHIFT);
   EXPECT_EQ(5.99, view().time.position);
+  goTo(L"5.01");
+
+  // The list, the keys and the position have one current event.
+  SetFocus(Control(IDC_TIMELINE));
+  Press(VK_F4);
+  EXPECT_TRUE(GetFocus() == Control(IDC_EVENTS) && !IsWindowVisible(Control(IDC_STATISTICS)));
+  EXPECT_EQ(0u, kv::SelectedListRow(Control(IDC_EVENTS))) << "point 3 is never seen";
+  Press(VK_DOWN);
+  EXPECT_EQ(5.99, view().time.position);
+  Press(VK_F3);
+  EXPECT_EQ(2u, kv::SelectedListRow(Control(IDC_EVENTS)));
+  EXPECT_EQ(L"Events, Time: 0:08.890, Event: damage, Length: 0.020 s, Amount: 57 bytes", Text(IDC_EVENTS));
+  Press('C', VK_CONTROL);
+  EXPECT_EQ(
+      L"Time\tEvent\tLength\tAmount\r\n0:00.000\tnot seen\t10.000 s\tpoint 3\r\n"
+      L"0:05.990\tsilence\t1.910 s\t\r\n0:08.890\tdamage\t0.020 s\t57 bytes\r\n",
+      ClipboardText());
+  chosenPath = File(L"camview events.csv");
+  Command(IDM_EXPORT_EVENTS);
+  EXPECT_EQ("seconds,duration,event,amount,point\n0.000000,10.000000,not seen,,3\n", BytesOf(chosenPath).substr(0, 67));
+  SetFocus(Control(IDC_TIMELINE));
+  Press(VK_F4);
   goTo(L"5.01");
 
   // The pointer previews a time, a click goes there.

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
 #include <memory>
 #include <new>
 #include <string>
@@ -142,25 +141,6 @@ std::wstring TableOf(const StripModel& model, const StripLayout& layout) {
   return table.text;
 }
 
-bool OfferText(HWND window, HGLOBAL memory) {
-  if (!OpenClipboard(window)) return false;
-  const bool taken = SetClipboardData(CF_UNICODETEXT, memory) != nullptr;
-  CloseClipboard();
-  return taken;
-}
-
-void AddTextToClipboard(HWND window, const std::wstring& text) {
-  const size_t bytes = (text.size() + 1) * sizeof(wchar_t);
-  const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, bytes);
-  if (!memory) return;
-  void* target = GlobalLock(memory);
-  if (target) {
-    std::memcpy(target, text.c_str(), bytes);
-    GlobalUnlock(memory);
-  }
-  if (!target || !OfferText(window, memory)) GlobalFree(memory);
-}
-
 }  // namespace
 
 LRESULT CopyStrip(StripChart& chart, LPARAM requested) {
@@ -177,7 +157,7 @@ LRESULT CopyStrip(StripChart& chart, LPARAM requested) {
   const std::wstring table = TableOf(chart.model, renderer->layoutShown());
   HWND window = chart.window;
   if (surface.bitmap() && CopyBitmapToClipboard(window, surface.bitmap(), size, size))
-    AddTextToClipboard(window, table);
+    CopyTextToClipboard(window, table, TRUE);
   return 0;
 }
 
