@@ -70,7 +70,9 @@ void UpdateEvents(View& view) {
 }  // namespace
 
 void DrawEventRow(const DRAWITEMSTRUCT& item, const EventTable& events) {
-  kv::DrawListRow(item, kColumns, [&](UINT row, int column) { return CellText(events, row, column); });
+  const auto text = [&](UINT row, int column) { return CellText(events, row, column); };
+  // As in the table of statistics.
+  kv::DrawListRow(item, kColumns, text, {}, static_cast<int>(item.rcItem.bottom - item.rcItem.top) * 7 / 10);
 }
 
 void NameEventRow(HWND list, const EventTable& events) {
