@@ -301,9 +301,12 @@ PortReader::Outcome PortReader::Read(DWORD waitMs, HANDLE stop, std::string* byt
   DWORD read = 0;
   if (!GetOverlappedResult(port_, &overlapped_, &read, FALSE) || read == 0) return Outcome::kGone;
   bytes->assign(buffer_, read);
-  // Bytes arrive one by one; a chunk for each would take more space than the bytes.
-  Sleep(kGatherMs);
-  AppendWaiting(bytes);
+  // Bytes may arrive one by one; a chunk for each would take more space than the bytes. After a line's end there is a
+  // pause.
+  if (bytes->back() != '\n') {
+    Sleep(kGatherMs);
+    AppendWaiting(bytes);
+  }
   DropOlderBytes(*seconds, bytes);
   return bytes->empty() ? Outcome::kNothing : Outcome::kBytes;
 }

@@ -39,7 +39,7 @@ struct Field {
   HWND window;
   std::vector<StoredRecord> records;
   double now = 0, trailSeconds = 0;
-  bool isDirty = true;
+  bool isDirty = true, isFocused = false;
   kv::Surface surface;
   kv::CoverageShape shape;
   kv::MemoryDc dc{nullptr};
@@ -223,8 +223,11 @@ bool Update(Field& field) {
   return true;
 }
 
-void ShowOn(Field& field, HDC dc) {
-  if (Update(field)) field.surface.Show(dc, field.dc);
+void ShowOn(Field& field, HDC dc, bool isFocused) {
+  if (!Update(field)) return;
+  field.surface.Show(dc, field.dc);
+  const RECT frame = LayoutField(field.surface.size()).frame;
+  if (isFocused) kv::DrawFocusFrame(dc, {frame.left + 2, frame.top + 2, frame.right - 2, frame.bottom - 2});
 }
 
 // ---- Message handlers -----------------------------------------------------------------------------------------------
@@ -232,11 +235,7 @@ void ShowOn(Field& field, HDC dc) {
 LRESULT OnPaint(HWND window) {
   const kv::PaintScope paint(window);
   auto* field = kv::ObjectOf<Field>(window);  // erasing may have destroyed the control
-  if (!field) return 0;
-  ShowOn(*field, paint.dc());
-  if (GetFocus() != window) return 0;
-  const RECT frame = LayoutField(kv::ClientSize(window)).frame;
-  kv::DrawFocusFrame(paint.dc(), {frame.left + 2, frame.top + 2, frame.right - 2, frame.bottom - 2});
+  if (field) ShowOn(*field, paint.dc(), field->isFocused);
   return 0;
 }
 
@@ -263,10 +262,14 @@ LRESULT OnCommand(Field& field, WPARAM wParam, LPARAM lParam) {
   }
   field.now = content.now;
   field.trailSeconds = content.trailSeconds;
-  Repaint(field);
-  const HWND window = field.window;
-  kv::NotifyValueChanged(window);  // a hook may destroy the control
-  if (wParam & kv::kCommandRedraw) UpdateWindow(window);
+  field.isDirty = true;
+  if (wParam & kv::kCommandRedraw) {
+    // Not by WM_PAINT, which takes several calls into the system.
+    ShowOn(field, kv::WindowDc(field.window), field.isFocused);
+  } else {
+    Repaint(field);
+  }
+  kv::NotifyValueChanged(field.window);  // last: a hook may destroy the control
   return TRUE;
 }
 
@@ -297,16 +300,16 @@ kv::AccessibleText Describe(const Field& field) {
 
 LRESULT HandleMessage(Field& field, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
-    case WM_SIZE:
     case WM_SETFOCUS:
-    case WM_KILLFOCUS:
+    case WM_KILLFOCUS: field.isFocused = message == WM_SETFOCUS; return Repaint(field);
+    case WM_SIZE:
     case WM_SYSCOLORCHANGE: return Repaint(field);
     case WM_PAINT: return OnPaint(field.window);
     case WM_GETDLGCODE: return DLGC_WANTCHARS;
     case WM_LBUTTONDOWN: SetFocus(field.window); return 0;
     case WM_KEYDOWN: return wParam == 'C' && GetKeyState(VK_CONTROL) < 0 ? OnCopy(field, 0) : 0;
     case WM_COPY: return OnCopy(field, lParam);
-    case WM_PRINTCLIENT: ShowOn(field, reinterpret_cast<HDC>(wParam)); return 0;
+    case WM_PRINTCLIENT: ShowOn(field, reinterpret_cast<HDC>(wParam), false); return 0;
     case kv::kControlCommand: return OnCommand(field, wParam, lParam);
     default: return DefWindowProcA(field.window, message, wParam, lParam);
   }

@@ -17,6 +17,7 @@
 #include "camview/source.h"
 #include "camview/view_time.h"
 #include "kv/controls/strip_chart/strip_chart.h"
+#include "kv/framework/control_class.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/strip_charts.h"
 
@@ -84,7 +85,8 @@ kv::StripTimeRange Charts::Times(void* axis, int) {
 
 // ---- What they show -------------------------------------------------------------------------------------------------
 
-Charts::Charts(HWND window, const Source& source) : window_(window), source_(source) {
+Charts::Charts(HWND window, const Source& source)
+    : window_(window), windows_{GetDlgItem(window, IDC_CHART_X), GetDlgItem(window, IDC_CHART_Y)}, source_(source) {
   for (const int chart : kCharts) kv::SetStripChartAxisDigits(window, chart, kAxisDigits);
 }
 
@@ -147,7 +149,8 @@ void Charts::Show(const ChartContent& content) {
       (IsScrolling(content) ? content.shown.Length() == before.shown.Length() : content.shown == before.shown);
   if (!isRangeSame) ShowRange(content);
   if (content.records != before.records || content.whole != before.whole) {
-    for (const int chart : kCharts) kv::UpdateStripChart(window_, chart);
+    // At once: the charts' timers for that would be as frequent as this call.
+    for (HWND chart : windows_) SendMessageA(chart, kv::kControlCommand, kv::kStripUpdate | kv::kCommandRedraw, 0);
   }
   ShowMarks(content, isOther);
   last_ = content;

@@ -63,7 +63,7 @@ class Charts {
   void ShowRange(const ChartContent& content) const;
   void ShowMarks(const ChartContent& content, bool isOther) const;
 
-  HWND window_;
+  HWND window_, windows_[2];
   const Source& source_;
   Axis axes_[2] = {{this, 0}, {this, 1}};
   ChartContent last_;

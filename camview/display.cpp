@@ -121,7 +121,8 @@ int SpeedIndex(double speed) {
   return static_cast<int>(std::ranges::lower_bound(kSpeeds, speed - 1e-9) - std::begin(kSpeeds));
 }
 
-Display::Display(HWND window, const Source& source) : window_(window), charts_(window, source) {
+Display::Display(HWND window, const Source& source)
+    : window_(window), fieldWindow_(GetDlgItem(window, IDC_FIELD)), charts_(window, source) {
   SendDlgItemMessageW(window, IDC_PROGRESS, PBM_SETRANGE32, 0, kProgressSteps);
   const HWND list = GetDlgItem(window, IDC_STATISTICS);
   kv::AddListNavigation(list);
@@ -279,7 +280,7 @@ void Display::ShowField(const Source& source, const ViewTime& time, const Displa
     if (now - fieldRecords_.back().seconds > kJudgeSeconds) fieldRecords_.clear();
   }
   const FieldContent content{static_cast<DWORD>(fieldRecords_.size()), fieldRecords_.data(), now, options.trailSeconds};
-  Send(window_, IDC_FIELD, kFieldShow, &content);
+  SendMessageA(fieldWindow_, kv::kControlCommand, kFieldShow | kv::kCommandRedraw, reinterpret_cast<LPARAM>(&content));
 }
 
 void Display::ShowCharts(const Source& source, const ViewTime& time, const DisplayOptions& options) {
@@ -329,13 +330,14 @@ void Display::ShowTimeline(const Source& source, const ViewTime& time, const Eve
 }
 
 void Display::ShowTimeText(const Source& source, const ViewTime& time) {
+  if (!isLiveTurn_) return;
   const RecordStore* store = source.Records();
-  if (isLiveTurn_) SetText(IDC_LENGTH, store ? kv::TextWith(IDS_OF_LENGTH, TimeAsText(time.end).c_str()) : L" ");
+  SetText(IDC_LENGTH, store ? kv::TextWith(IDS_OF_LENGTH, TimeAsText(time.end).c_str()) : L" ");
   // What is being typed stays; what was not entered is discarded.
   const bool wasTyping = std::exchange(isTyping_, GetFocus() == GetDlgItem(window_, IDC_TIME));
   if (isTyping_) return;
   if (wasTyping) texts_.erase(IDC_TIME);
-  if (isLiveTurn_) SetText(IDC_TIME, store ? TimeAsText(time.Shown()) : L"");
+  SetText(IDC_TIME, store ? TimeAsText(time.Shown()) : L"");
 }
 
 // ---- Statistics -----------------------------------------------------------------------------------------------------
@@ -388,6 +390,7 @@ void Display::ShowEvents(const Source& source, const ViewTime& time, EventTable*
 }
 
 void Display::ShowEventRows(const ViewTime& time, const EventTable& events) {
+  if (!isLiveTurn_) return;
   const HWND list = GetDlgItem(window_, IDC_EVENTS);
   const bool isChanged = eventsVersion_ != events.Version();
   const UINT lowest = kv::ListRowAt(list, {0, kv::ClientSize(list).cy - 1});

@@ -64,7 +64,7 @@ class Display {
   void ShowEvents(const Source& source, const ViewTime& time, EventTable* events);
   void ShowEventRows(const ViewTime& time, const EventTable& events);
 
-  HWND window_;
+  HWND window_, fieldWindow_;
   Charts charts_;
 
   // What is shown

@@ -81,13 +81,17 @@ INT_PTR OnDestroy(View& view) {
   return FALSE;
 }
 
-INT_PTR OnTick(View& view) {
+// Called by the system itself: tooltips look up a property of the window for each message to it, which takes a call
+// into the system.
+void CALLBACK OnTick(HWND window, UINT, UINT_PTR, DWORD) {
+  View* const found = ViewOf(window);
+  if (!found) return;
+  View& view = *found;
   const SourceNews news = view.source.Tick();
   Advance(&view.time, camera::Now());
   Update(view);
   // May show a message box.
   if (news != SourceNews::kNone) OnNews(view, news);
-  return TRUE;
 }
 
 INT_PTR OnLanguageChanged(View& view) {
@@ -112,7 +116,6 @@ INT_PTR CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARA
   switch (message) {
     case kStart: return OnStart(*view, *reinterpret_cast<const StartOptions*>(lParam));
     case WM_SIZE: view->display.PlaceStatus(); return FALSE;
-    case WM_TIMER: return wParam == kTickTimer ? OnTick(*view) : FALSE;
     case WM_COMMAND: return OnCommand(*view, LOWORD(wParam), HIWORD(wParam));
     case WM_INITMENUPOPUP: PrepareMenu(*view, reinterpret_cast<HMENU>(wParam)); return TRUE;
     case WM_DRAWITEM: return view->display.Draw(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
@@ -130,7 +133,7 @@ void UpdateTimer(View& view) {
   if (moves == view.isTicking) return;
   view.isTicking = moves;
   if (moves) {
-    SetTimer(view.window, kTickTimer, kTickMs, nullptr);
+    SetTimer(view.window, kTickTimer, kTickMs, OnTick);
   } else {
     KillTimer(view.window, kTickTimer);
   }

@@ -221,10 +221,13 @@ LRESULT OnStripCommand(StripChart& chart, WPARAM wParam, LPARAM lParam) {
   const bool now = render || (wParam & kCommandRedraw);
   // Samples may arrive faster than the chart can be drawn.
   if (append && !now && !chart.waiting) chart.waiting = SetTimer(chart.window, kShowTimer, kShowMs, nullptr) != 0;
-  if (append && now) RefreshStrip(chart);
-  if (!append || !(now || chart.waiting)) InvalidateRect(chart.window, nullptr, FALSE);
   const HWND window = chart.window;
-  if (now) UpdateWindow(window);  // whoever paints may destroy the control
+  if (append && now) {
+    ShowNow(chart);
+  } else if (!append || !chart.waiting) {
+    InvalidateRect(window, nullptr, FALSE);
+    if (now) UpdateWindow(window);  // whoever paints may destroy the control
+  }
   if (!render) NotifyValueChanged(window);
   return TRUE;
 }

@@ -20,8 +20,9 @@ struct StripChart {
   SampleQueue queue;
   StripModel model;
   StripRenderer renderer;
-  bool redrawAll = true;     // the next update draws everything
-  bool waiting = false;      // timer 5 runs until new samples are drawn
+  bool redrawAll = true;  // the next update draws everything
+  bool waiting = false;   // timer 5 runs until new samples are drawn
+  bool focused = false;
   bool hovering = false;     // the cursor follows the mouse pointer, at pointerX
   LONG pointerX = LONG_MIN;  // of the last mouse move; LONG_MIN after the pointer has left
   enum class Drag { kNone, kPan, kSelect, kZoom } drag = Drag::kNone;
@@ -32,8 +33,8 @@ struct StripChart {
 
 // Appends the samples that other threads have queued.
 void TakeQueued(StripChart& chart);
-// Updates the back buffer and invalidates the changed parts, or everything if there is a cursor or a selection.
-void RefreshStrip(StripChart& chart);
+// Shows what has changed at once. Not by WM_PAINT, which takes several calls into the system.
+void ShowNow(StripChart& chart);
 // Handles kControlCommand.
 LRESULT OnStripCommand(StripChart& chart, WPARAM wParam, LPARAM lParam);
 // Handles WM_COPY.

@@ -22,14 +22,34 @@
 
 namespace kv {
 
-void RefreshStrip(StripChart& chart) {
+namespace {
+
+// Updates the image; returns what has changed in the window.
+RECT Refresh(StripChart& chart) {
   StripModel& model = chart.model;
   TakeQueued(chart);
   NoticeSources(model);
-  const RECT changed = chart.renderer.Update(model, ClientSize(chart.window), chart.redrawAll);
+  const SIZE size = ClientSize(chart.window);
+  const RECT changed = chart.renderer.Update(model, size, chart.redrawAll);
   chart.redrawAll = false;
   if (chart.hovering) model.cursor = TimeAtX(chart.renderer.layoutShown(), chart.pointerX);
-  if (!IsRectEmpty(&changed)) InvalidateRect(chart.window, HasOverlay(model) ? nullptr : &changed, FALSE);
+  return IsRectEmpty(&changed) || !HasOverlay(model) ? changed : RECT{0, 0, size.cx, size.cy};
+}
+
+LRESULT ShowOn(HDC dc, StripChart& chart, const RECT& area, bool focused) {
+  const Surface& surface = chart.renderer.WithOverlay(chart.model, chart.zoomed, focused);
+  if (!surface.bitmap()) return 0;
+  const SelectedObject selected(chart.renderer.memoryDc(), surface.bitmap());
+  BitBlt(dc, area.left, area.top, area.right - area.left, area.bottom - area.top, chart.renderer.memoryDc(), area.left,
+         area.top, SRCCOPY);
+  return 0;
+}
+
+}  // namespace
+
+void ShowNow(StripChart& chart) {
+  const RECT changed = Refresh(chart);
+  if (!IsRectEmpty(&changed)) ShowOn(WindowDc(chart.window), chart, changed, chart.focused);
 }
 
 namespace {
@@ -76,32 +96,31 @@ AccessibleText Describe(const StripChart& chart) {
 
 // ---- Painting -------------------------------------------------------------------------------------------------------
 
-LRESULT ShowOn(HDC dc, StripChart& chart, bool focused) {
-  const Surface& surface = chart.renderer.WithOverlay(chart.model, chart.zoomed, focused);
-  if (!surface.bitmap()) return 0;
-  const SelectedObject selected(chart.renderer.memoryDc(), surface.bitmap());
-  BitBlt(dc, 0, 0, surface.size().cx, surface.size().cy, chart.renderer.memoryDc(), 0, 0, SRCCOPY);
-  return 0;
+RECT Whole(const StripChart& chart) {
+  const SIZE size = chart.renderer.surface().size();
+  return {0, 0, size.cx, size.cy};
 }
 
 LRESULT OnPaint(HWND window, StripChart& chart) {
-  RefreshStrip(chart);  // before BeginPaint, so that the areas that this invalidates are painted, too
+  const RECT changed = Refresh(chart);
+  // Before BeginPaint, so that it is painted, too.
+  if (!IsRectEmpty(&changed)) InvalidateRect(window, &changed, FALSE);
   const PaintScope paint(window);
   auto* left = ObjectOf<StripChart>(window);  // erasing may have destroyed the control
-  return left ? ShowOn(paint.dc(), *left, GetFocus() == window) : 0;
+  return left ? ShowOn(paint.dc(), *left, Whole(*left), left->focused) : 0;
 }
 
 LRESULT OnPrint(StripChart& chart, HDC dc) {
-  RefreshStrip(chart);
-  return ShowOn(dc, chart, false);
+  const RECT changed = Refresh(chart);
+  if (!IsRectEmpty(&changed)) InvalidateRect(chart.window, &changed, FALSE);
+  return ShowOn(dc, chart, Whole(chart), false);
 }
 
 LRESULT OnTimer(StripChart& chart, WPARAM timer) {
   if (timer != kShowTimer) return 0;
   KillTimer(chart.window, kShowTimer);
   chart.waiting = false;
-  RefreshStrip(chart);
-  UpdateWindow(chart.window);
+  ShowNow(chart);
   return 0;
 }
 
@@ -333,8 +352,9 @@ LRESULT DialogKeys(const StripChart& chart, WPARAM key) {
   return DLGC_WANTARROWS | DLGC_WANTCHARS | (takesEscape ? DLGC_WANTMESSAGE : 0);
 }
 
-LRESULT OnFocus(HWND window) {
-  InvalidateRect(window, nullptr, FALSE);
+LRESULT OnFocus(StripChart& chart, bool focused) {
+  chart.focused = focused;
+  InvalidateRect(chart.window, nullptr, FALSE);
   return 0;
 }
 
@@ -343,7 +363,7 @@ LRESULT HandleMessage(StripChart& chart, UINT message, WPARAM wParam, LPARAM lPa
     case WM_PAINT: return OnPaint(chart.window, chart);
     case WM_GETDLGCODE: return DialogKeys(chart, wParam);
     case WM_SETFOCUS:
-    case WM_KILLFOCUS: return OnFocus(chart.window);
+    case WM_KILLFOCUS: return OnFocus(chart, message == WM_SETFOCUS);
     case WM_SIZE: RepaintNow(chart.window); return 0;
     case WM_ENABLE: return OnEnable(chart, wParam != 0);
     case WM_TIMER: return OnTimer(chart, wParam);
