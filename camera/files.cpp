@@ -226,6 +226,48 @@ double ShareRead(const RecordingFile& recording) {
   return size.QuadPart > 0 ? static_cast<double>(at.QuadPart) / static_cast<double>(size.QuadPart) : 0;
 }
 
+namespace {
+
+bool MayBeContinued(const RecordingFile& recording) {
+  return recording.isFollowed && !recording.decoder.hasEnd && recording.error.empty();
+}
+
+// Reads the header once more.
+std::string HeaderOf(HANDLE file) {
+  std::string header(kRecordingHeaderBytes, '\0');
+  DWORD read = 0;
+  const bool isRead = SetFilePointer(file, 0, nullptr, FILE_BEGIN) == 0 &&
+                      ReadFile(file, header.data(), kRecordingHeaderBytes, &read, nullptr);
+  header.resize(isRead ? read : 0);
+  return header;
+}
+
+}  // namespace
+
+FileGrowth LookForMore(RecordingFile* recording) {
+  LARGE_INTEGER size{}, at{};
+  HANDLE file = recording->file;
+  if (!GetFileSizeEx(file, &size) || !SetFilePointerEx(file, {}, &at, FILE_CURRENT)) {
+    recording->systemError = GetLastError();
+    return FileGrowth::kFailed;
+  }
+  if (size.QuadPart < at.QuadPart) return FileGrowth::kReplaced;
+  // A file that was written anew may have become longer again.
+  const std::string header = HeaderOf(file);
+  if (!SetFilePointerEx(file, at, nullptr, FILE_BEGIN) || header.empty()) {
+    recording->systemError = GetLastError();
+    return FileGrowth::kFailed;
+  }
+  if (recording->start.empty()) recording->start = header;
+  if (header != recording->start) return FileGrowth::kReplaced;
+  if (size.QuadPart > at.QuadPart) return FileGrowth::kLonger;
+  if (IsFile(recording->path, file)) return FileGrowth::kSame;
+  const DWORD attributes = GetFileAttributesW(Wide(recording->path).c_str());
+  const DWORD failure = attributes == INVALID_FILE_ATTRIBUTES ? GetLastError() : 0;
+  if (failure == 0) return FileGrowth::kReplaced;
+  return failure == ERROR_FILE_NOT_FOUND || failure == ERROR_PATH_NOT_FOUND ? FileGrowth::kGone : FileGrowth::kSame;
+}
+
 bool NextChunk(RecordingFile* recording, Chunk* chunk) {
   while (recording->decoder.hasHeader) {
     switch (DecodeNext(&recording->decoder, chunk)) {
@@ -242,7 +284,9 @@ bool NextChunk(RecordingFile* recording, Chunk* chunk) {
     if (recording->part.empty()) break;
     FeedDecoder(&recording->decoder, recording->part);
   }
-  recording->truncatedBytes = FinishDecoding(&recording->decoder);
+  RecordingDecoder& decoder = recording->decoder;
+  recording->truncatedBytes =
+      MayBeContinued(*recording) ? decoder.pending.size() - decoder.at : FinishDecoding(&decoder);
   return false;
 }
 
@@ -268,6 +312,7 @@ bool NextBatch(RecordingFile* recording, RecordIntake* intake, IntakeBatch* batc
     AddBytes(intake, seconds, recording->chunk.bytes, batch);
     return true;
   }
+  if (MayBeContinued(*recording)) return false;
   EndIntake(intake, batch);
   if (!recording->isStopped) AddSilence(intake, seconds, batch);
   return false;

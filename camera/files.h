@@ -67,6 +67,10 @@ struct RecordingFile {
   // reading ends as at the end of the file, and `isStopped` is set.
   std::function<bool()> onPart;
   bool isStopped = false;
+  // The recording may still be written: at the end of the file without that of the recording, functions that read
+  // return false as after the last chunk, but leave what is incomplete, and can be called again for what is appended.
+  bool isFollowed = false;
+  std::string start;                // of the file, once LookForMore has read it
   std::string part;                 // read buffer
   std::uint64_t damagedBefore = 0;  // damaged bytes that NextBatch has added
   Chunk chunk{};
@@ -90,6 +94,16 @@ bool NextRecords(RecordingFile* recording, RecordStream* stream, std::vector<Fou
 // Adds what the next chunk contains to the batch; with the last one, what the end of the recording shows. Returns false
 // like NextChunk.
 bool NextBatch(RecordingFile* recording, RecordIntake* intake, IntakeBatch* batch);
+
+// Whether a recording that was read to the end of the file can be read on.
+enum class FileGrowth {
+  kSame,
+  kLonger,
+  kReplaced,  // is shorter than what was read, has another header, or another file has its name
+  kGone,      // no file has its name
+  kFailed,    // the reason is in `systemError`
+};
+FileGrowth LookForMore(RecordingFile* recording);
 
 // Returns to the first chunk.
 void Rewind(RecordingFile* recording);

@@ -195,7 +195,7 @@ void StepBy(View& view, int records) {
 
 void TogglePlay(View& view) {
   ViewTime& time = view.time;
-  if (time.isLive) return Freeze(&time, !time.isFrozen);
+  if (time.isLive && !time.isPlaying) return Freeze(&time, !time.isFrozen);
   if (!view.source.Records()) return;
   Advance(&time, camera::Now());
   time.isPlaying ? Pause(&time) : Play(&time);
@@ -492,8 +492,7 @@ void PrepareMenu(const View& view, HMENU menu) {
   const bool isRecording = source.Recording().state == LiveRecordingState::kOn;
   CheckMenuItem(menu, IDM_RECORD, isRecording ? MF_CHECKED : MF_UNCHECKED);
   CheckOne(menu, IDM_TRAIL_FIRST, kTrails, view.options.trailSeconds);
-  const double whole = view.time.end - view.time.begin, shown = view.time.shown.Length();
-  CheckOne(menu, IDM_SPAN_FIRST, kSpans, isOpen && shown == whole ? 0 : shown);
+  CheckOne(menu, IDM_SPAN_FIRST, kSpans, view.time.showsAll ? 0 : view.time.shown.Length());
 }
 
 }  // namespace camview

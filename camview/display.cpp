@@ -81,7 +81,11 @@ StatusLine Describe(const Source& source, const ViewTime& time, const std::wstri
     if (!line.empty()) status.text += L" " + kv::TextWith(IDS_LINE_IN, LengthAsText(time.end).c_str(), line.c_str());
     return status;
   }
-  if (source.IsOpen()) return DescribeRecording(source.Loaded(), line);
+  if (source.IsOpen()) {
+    StatusLine status = DescribeRecording(source.Loaded(), line);
+    if (source.IsGrowing() && time.isFrozen) status.text += L" " + kv::ResourceText(IDS_FILE_FROZEN);
+    return status;
+  }
   return {StatusMark::kNone, kv::ResourceText(IDS_NOTHING_OPEN)};
 }
 
@@ -199,7 +203,8 @@ void Display::ShowSource(const Source& source, const ViewTime& time) {
   Enable(IDC_SPEED, isOpen && !isLive);
   Enable(IDC_EXPORT, source.Records() && time.selection && !source.IsWorking());
   SetVisible(IDC_RECORD, isLive);
-  const UINT play = isLive ? (time.isFrozen ? IDS_RESUME : IDS_FREEZE) : time.isPlaying ? IDS_PAUSE : IDS_PLAY;
+  const UINT follow = time.isFrozen ? IDS_RESUME : IDS_FREEZE;
+  const UINT play = time.isPlaying ? IDS_PAUSE : time.isLive ? follow : IDS_PLAY;
   SetText(IDC_PLAY, kv::ResourceText(play));
   const bool isRecording = source.Recording().state == LiveRecordingState::kOn;
   SetText(IDC_RECORD, kv::ResourceText(isRecording ? IDS_STOP_RECORDING : IDS_RECORD));
@@ -265,7 +270,7 @@ bool Display::Draw(const DRAWITEMSTRUCT& item) const {
 
 void Display::ShowField(const Source& source, const ViewTime& time, const DisplayOptions& options) {
   const RecordStore* store = source.Records();
-  const double shown = time.Shown(), now = time.IsFollowing() ? source.Status().now : shown;
+  const double shown = time.Shown(), now = time.IsFollowing() && source.IsLive() ? source.Status().now : shown;
   const long long last = store ? store->At(shown) : -1;
   const FieldKey key{source.Number(), last, shown, now, options.trailSeconds};
   if (field_ == key) return;
@@ -331,13 +336,13 @@ void Display::ShowTimeline(const Source& source, const ViewTime& time, const Eve
 
 void Display::ShowTimeText(const Source& source, const ViewTime& time) {
   if (!isLiveTurn_) return;
-  const RecordStore* store = source.Records();
-  SetText(IDC_LENGTH, store ? kv::TextWith(IDS_OF_LENGTH, TimeAsText(time.end).c_str()) : L" ");
+  const bool isOpen = source.IsOpen();
+  SetText(IDC_LENGTH, isOpen ? kv::TextWith(IDS_OF_LENGTH, TimeAsText(time.end).c_str()) : L" ");
   // What is being typed stays; what was not entered is discarded.
   const bool wasTyping = std::exchange(isTyping_, GetFocus() == GetDlgItem(window_, IDC_TIME));
   if (isTyping_) return;
   if (wasTyping) texts_.erase(IDC_TIME);
-  SetText(IDC_TIME, store ? TimeAsText(time.Shown()) : L"");
+  SetText(IDC_TIME, isOpen ? TimeAsText(time.Shown()) : L"");
 }
 
 // ---- Statistics -----------------------------------------------------------------------------------------------------

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "camera/files.h"
-#include "camera/recording.h"
 #include "camview/record_store.h"
+#include "camview/recording_follower.h"
 #include "camview/worker.h"
 
 namespace camview {
@@ -51,7 +51,8 @@ LoadedRecording RecordingLoader::Take() {
 }
 
 void RecordingLoader::Load() {
-  camera::RecordingFile file;
+  auto reader = std::make_unique<RecordingReader>();
+  camera::RecordingFile& file = reader->file;
   loaded_.store = std::make_unique<RecordStore>();
   if (!camera::OpenRecording(loaded_.path, &file)) {
     loaded_.outcome = OutcomeOf(file.failure);
@@ -59,29 +60,17 @@ void RecordingLoader::Load() {
     loaded_.version = file.decoder.version;
     return;
   }
-  RecordIntake intake;
+  file.isFollowed = true;
   file.onPart = [&] {
     worker_.SetProgress(camera::ShareRead(file));
     return !worker_.IsCanceled();
   };
-  loaded_.outcome = ReadRecords(&file, &intake, loaded_.store.get());
-  camera::CloseRecording(&file);
-  const camera::RecordingDecoder& decoder = file.decoder;
-  loaded_.systemError = file.systemError;
-  loaded_.header = decoder.header;
-  loaded_.hasHeader = decoder.header.startTime != 0 || decoder.header.baudRate != 0;
-  loaded_.seconds = static_cast<double>(decoder.endTime) / 1e6;
+  loaded_.outcome = ReadRecords(&file, &reader->intake, loaded_.store.get());
+  file.onPart = nullptr;
+  static_cast<RecordingFigures&>(loaded_) = FiguresOf(*reader);
   // Only a recording that was read completely can be known to be truncated.
-  loaded_.isTruncated = loaded_.outcome == LoadOutcome::kComplete && !decoder.hasEnd;
-  loaded_.truncatedBytes = static_cast<long long>(file.truncatedBytes);
-  loaded_.damageCount = static_cast<long long>(decoder.damageCount);
-  loaded_.damagedBytes = static_cast<long long>(decoder.damagedBytes);
-  loaded_.bytes = intake.stream.bytes;
-  loaded_.records = intake.stream.records;
-  loaded_.invalidRecords = intake.stream.invalidRecords;
-  loaded_.outOfRange = intake.stream.outOfRange;
-  loaded_.malformedSections = intake.stream.malformedSections;
-  loaded_.malformedBytes = intake.stream.malformedBytes;
+  loaded_.isTruncated = loaded_.outcome == LoadOutcome::kComplete && loaded_.isTruncated;
+  if (loaded_.isTruncated) loaded_.reader = std::move(reader);
 }
 
 }  // namespace camview

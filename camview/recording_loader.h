@@ -7,8 +7,8 @@
 #include <memory>
 #include <string>
 
-#include "camera/recording.h"
 #include "camview/record_store.h"
+#include "camview/recording_follower.h"
 #include "camview/worker.h"
 
 namespace camview {
@@ -25,20 +25,14 @@ enum class LoadOutcome {
   kOutOfMemory,  // contains what could be stored
 };
 
-struct LoadedRecording {
+struct LoadedRecording : RecordingFigures {
   LoadOutcome outcome = LoadOutcome::kComplete;
   std::string path;                    // UTF-8
-  DWORD systemError = 0;               // with kUnreadable and kReadFailed
   std::unique_ptr<RecordStore> store;  // never null; empty when nothing could be read
-  bool hasHeader = false;              // false: the header is damaged, and `header` is 0
-  camera::RecordingHeader header;      // start (UTC), port, rate
   std::uint32_t version = 0;           // of a file with kOtherVersion
-  double seconds = 0;                  // duration: the time of its end, or of the last bytes
-  bool isTruncated = false;            // has no end: the recording was interrupted or is running
-  long long truncatedBytes = 0;        // of an incomplete last chunk
-  long long damageCount = 0, damagedBytes = 0;
-  long long bytes = 0, records = 0, invalidRecords = 0, outOfRange = 0;
-  long long malformedSections = 0, malformedBytes = 0;
+  // Of a recording without an end that was read to the end of the file: reads on. Otherwise null.
+  std::unique_ptr<RecordingReader> reader;
+  FollowState following = FollowState::kNone;
 };
 
 class RecordingLoader {

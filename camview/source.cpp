@@ -27,11 +27,10 @@ const RecordStore* Source::Records() const {
 
 TimeRange Source::Whole() const {
   const RecordStore* store = Records();
-  if (!store) return {};
-  const double last = store->Seconds(store->End() - 1);
-  if (!live_) return {0, std::max(loaded_.seconds, last)};
+  const double now = live_ ? status_.now : loaded_.seconds;
+  if (!store) return {0, now};
   // The oldest records may have been dropped.
-  return {store->First() > 0 ? store->Seconds(store->First()) : 0, std::max(status_.now, last)};
+  return {store->First() > 0 ? store->Seconds(store->First()) : 0, std::max(now, store->Seconds(store->End() - 1))};
 }
 
 std::wstring Source::Name() const {
@@ -59,6 +58,7 @@ void Source::CloseSource() {
     completed = live_->Status().recording;
   }
   live_.reset();
+  follower_.reset();
   received_.reset();
   batch_ = {};
   loaded_ = {};
@@ -110,25 +110,34 @@ SourceNews Source::TakeLoaded() {
   CloseSource();
   loaded_ = std::move(next);
   if (rate_ > 0) loaded_.store->SetRate(rate_);
+  if (loaded_.reader) follower_ = std::make_unique<RecordingFollower>(std::move(loaded_.reader));
   ++number_;
   return SourceNews::kOpened;
 }
 
+void Source::TakeReceived() {
+  LiveStatus status = live_->Status();
+  if (status.recording.state == LiveRecordingState::kNone) status.recording = status_.recording;
+  status_ = std::move(status);
+  // An export reads the store, so new records wait in the port's.
+  if (isExporting_) return;
+  live_->Take(&batch_);
+  StoreBatch(&batch_, received_.get());
+}
+
+void Source::TakeAppended() {
+  loaded_.following = follower_->Take(&batch_, &loaded_);
+  if (!StoreBatch(&batch_, loaded_.store.get())) loaded_.outcome = LoadOutcome::kOutOfMemory;
+  if (!IsFinal(loaded_.following) && loaded_.outcome == LoadOutcome::kComplete) return;
+  loaded_.store->FinishLine();
+  follower_.reset();
+}
+
 SourceNews Source::Tick() {
-  bool hasFailed = false;
-  if (live_) {
-    LiveStatus status = live_->Status();
-    hasFailed =
-        status.recording.state == LiveRecordingState::kFailed && status_.recording.state == LiveRecordingState::kOn;
-    if (status.recording.state == LiveRecordingState::kNone) status.recording = status_.recording;
-    status_ = std::move(status);
-    // An export reads the store, so new records wait in the port's.
-    if (!isExporting_) {
-      live_->Take(&batch_);
-      StoreBatch(&batch_, received_.get());
-    }
-  }
-  if (hasFailed) return SourceNews::kRecordingFailed;
+  const bool wasRecording = Recording().state == LiveRecordingState::kOn;
+  if (live_) TakeReceived();
+  if (follower_ && !isExporting_) TakeAppended();
+  if (wasRecording && Recording().state == LiveRecordingState::kFailed) return SourceNews::kRecordingFailed;
   if (isLoading_ && loader_.IsDone()) return TakeLoaded();
   if (!isExporting_ || !exporter_.IsDone()) return SourceNews::kNone;
   isExporting_ = false;

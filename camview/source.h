@@ -1,13 +1,19 @@
 // What is open: nothing, a recording or a live port, with its records; and the background work on it: loading the next
-// recording, exporting, recording the port. Only OpenRecording, OpenPort and Close change the source:
+// recording, following one that is still being written, exporting, recording the port. Only OpenRecording, OpenPort and
+// Close change the source:
 //
 //   Work            When another source is opened, or this one is closed
 //   load            is given up when a port is opened; loading another recording cancels it
+//   following       ends; nothing that it has read is lost, because it is in the file
 //   export          refuses all three until it is done or canceled, because it reads the records
 //   live recording  is completed; Recording() still describes it
 //
 // The old source stays open until the new recording has been read. Code that comes back from a modal dialog compares
 // Number() with its value before.
+//
+// A recording that was opened without an end is followed until the end comes, reading fails or it is replaced; the
+// follower owns the file and the reader's place in it, the source takes what it has read. During an export, what was
+// received from a port or read from the file waits.
 //
 // Main thread only.
 #pragma once
@@ -18,6 +24,7 @@
 #include "camview/exporter.h"
 #include "camview/live_source.h"
 #include "camview/record_store.h"
+#include "camview/recording_follower.h"
 #include "camview/recording_loader.h"
 #include "camview/view_time.h"
 
@@ -54,6 +61,9 @@ class Source {
 
   // Of a recording; its store is null for a live port and when nothing is open.
   const LoadedRecording& Loaded() const { return loaded_; }
+  // Whether that is followed, and whether it grows at present.
+  bool IsFollowed() const { return follower_ != nullptr; }
+  bool IsGrowing() const { return follower_ && loaded_.following == FollowState::kGrowing; }
   // Of a live port, as of the last Tick.
   const LiveStatus& Status() const { return status_; }
   // The recording of this port or, before there is one, that which closing the last port has completed.
@@ -65,9 +75,10 @@ class Source {
   bool OpenPort(int port);
   bool Close();
 
-  // Receives records, and takes the result of loading or exporting. Call it regularly while IsBusy().
+  // Receives records, and takes the result of loading or exporting. Call it regularly while IsBusy(), and twice a
+  // second while IsFollowed().
   SourceNews Tick();
-  bool IsBusy() const { return live_ || IsWorking(); }
+  bool IsBusy() const { return live_ || IsGrowing() || IsWorking(); }
   bool IsWorking() const { return isLoading_ || isExporting_; }
   bool IsExporting() const { return isExporting_; }
   std::wstring WorkPath() const;  // of the file that is read or written
@@ -86,10 +97,13 @@ class Source {
  private:
   void CloseSource();
   SourceNews TakeLoaded();
+  void TakeReceived();
+  void TakeAppended();
 
   unsigned number_ = 0;  // odd while a source is open
   double rate_ = 0;
   LoadedRecording loaded_, rejected_;
+  std::unique_ptr<RecordingFollower> follower_;
   std::unique_ptr<LiveSource> live_;
   std::unique_ptr<RecordStore> received_;
   IntakeBatch batch_;

@@ -80,6 +80,17 @@ void AddCounted(std::wstring* text, long long count, UINT one, UINT many) {
   if (count > 1) *text += L" " + kv::TextWith(many, kv::NumberText(static_cast<double>(count)).c_str());
 }
 
+// Why a recording has no end.
+std::wstring DescribeMissingEnd(const LoadedRecording& recording, const std::wstring& why) {
+  switch (recording.following) {
+    case FollowState::kGrowing: return L" " + kv::ResourceText(IDS_FILE_GROWING);
+    case FollowState::kGone: return L" " + kv::ResourceText(IDS_FILE_GONE);
+    case FollowState::kReplaced: return L" " + kv::ResourceText(IDS_FILE_REPLACED);
+    case FollowState::kFailed: return L" " + kv::TextWith(IDS_FILE_READ_FAILED, why.c_str());
+    default: return recording.isTruncated ? L" " + kv::ResourceText(IDS_FILE_TRUNCATED) : std::wstring();
+  }
+}
+
 std::wstring NameOfFile(const std::string& path) {
   return kv::FileNameOf(camera::Wide(path).c_str());
 }
@@ -165,10 +176,11 @@ StatusLine DescribeRecording(const LoadedRecording& recording, const std::wstrin
   AddCounted(&line.text, recording.damageCount, IDS_FILE_DAMAGED_ONE, IDS_FILE_DAMAGED);
   AddCounted(&line.text, recording.malformedSections, IDS_FILE_MALFORMED_ONE, IDS_FILE_MALFORMED);
   AddCounted(&line.text, recording.invalidRecords, IDS_FILE_INVALID_ONE, IDS_FILE_INVALID);
-  if (recording.isTruncated && recording.outcome == LoadOutcome::kComplete) {
-    line.text += L" " + kv::ResourceText(IDS_FILE_TRUNCATED);
-  }
-  if (line.text.size() > whole || recording.outcome != LoadOutcome::kComplete) line.mark = StatusMark::kWarning;
+  const bool isComplete = recording.outcome == LoadOutcome::kComplete;
+  const std::wstring missing = isComplete ? DescribeMissingEnd(recording, why) : std::wstring();
+  if (recording.following != FollowState::kGrowing) line.text += missing;
+  if (line.text.size() > whole || !isComplete) line.mark = StatusMark::kWarning;
+  if (recording.following == FollowState::kGrowing) line.text += missing;
   return line;
 }
 

@@ -18,6 +18,15 @@ constexpr double kPlayingPart = 0.85;
 
 // A live port begins at the left edge of the charts, until they are full.
 void ShowEnd(ViewTime* time) {
+  if (time->showsAll) {
+    // In steps, because the charts are drawn anew for each.
+    constexpr double kStep = 1.1, kShortest = 10;
+    const double length = std::max(time->end - time->begin, kShortest);
+    const bool fits =
+        time->shown.from == time->begin && time->shown.to >= time->end && time->shown.Length() <= length * kStep;
+    if (!fits) time->shown = {time->begin, time->begin + length * kStep};
+    return;
+  }
   const double to = std::max(time->end, time->begin + time->liveSpan);
   time->shown = {to - time->liveSpan, to};
 }
@@ -28,6 +37,7 @@ void ScrollToPosition(ViewTime* time) {
   const double length = shown.Length(), position = time->position;
   const double last = time->isPlaying ? shown.from + length * kPlayingPart : shown.to;
   if (position >= shown.from && position <= last) return;
+  if (time->showsAll) return ShowSeconds(time, 0);
   const bool isNext = time->isPlaying && position > last && position < last + length;
   const double part = isNext ? kPlayingPart : 0.5;
   ShowRange(time, {position - length * part, position + length * (1 - part)});
@@ -43,11 +53,12 @@ void MoveTo(ViewTime* time, double position) {
 }  // namespace
 
 void Restart(ViewTime* time, TimeRange whole, bool isLive) {
-  *time = {.speed = time->speed, .clock = time->clock, .isLive = isLive, .liveSpan = time->liveSpan};
+  *time = {
+      .speed = time->speed, .clock = time->clock, .isLive = isLive, .liveSpan = time->liveSpan, .showsAll = !isLive};
   Grow(time, whole);
   time->position = whole.from;
   if (isLive || whole.Length() <= 0) return ShowEnd(time);
-  ShowRange(time, whole);
+  ShowSeconds(time, 0);
 }
 
 void Grow(ViewTime* time, TimeRange whole) {
@@ -58,12 +69,23 @@ void Grow(ViewTime* time, TimeRange whole) {
   ShowEnd(time);
 }
 
+void SetLive(ViewTime* time, bool isLive) {
+  if (time->isLive == isLive) return;
+  time->isLive = isLive;
+  if (isLive) {
+    time->isFrozen = time->isPlaying || time->position < time->end;
+    if (!time->showsAll) time->liveSpan = std::max(time->shown.Length(), kShortestShown);
+  } else if (time->showsAll) {
+    ShowSeconds(time, 0);
+  }
+}
+
 void Advance(ViewTime* time, double clock) {
   if (time->isPlaying) {
     time->position += std::max(clock - time->clock, 0.0) * time->speed;
     if (time->position >= time->end) {
       time->position = time->end;
-      time->isPlaying = false;
+      time->isPlaying = time->isFrozen = false;
     }
     ScrollToPosition(time);
   }
@@ -103,7 +125,9 @@ void Freeze(ViewTime* time, bool freeze) {
   if (!time->isLive || time->isFrozen == freeze) return;
   time->isFrozen = freeze;
   time->hovered = kNoTime;
-  if (!freeze) Grow(time, {time->begin, time->end});
+  if (freeze) return;
+  time->isPlaying = false;
+  Grow(time, {time->begin, time->end});
 }
 
 void Select(ViewTime* time, TimeRange selection) {
@@ -112,6 +136,7 @@ void Select(ViewTime* time, TimeRange selection) {
 }
 
 void ShowRange(ViewTime* time, TimeRange range) {
+  time->showsAll = false;
   const double length = std::max(range.Length(), kShortestShown);
   if (time->isLive) time->liveSpan = length;
   if (time->IsFollowing()) return ShowEnd(time);
@@ -122,12 +147,18 @@ void ShowRange(ViewTime* time, TimeRange range) {
 }
 
 void ShowSeconds(ViewTime* time, double seconds) {
-  if (seconds <= 0) return ShowRange(time, {time->begin, std::max(time->end, time->begin + kShortestShown)});
+  if (seconds <= 0) {
+    time->showsAll = true;
+    if (time->IsFollowing()) return ShowEnd(time);
+    time->shown = {time->begin, std::max(time->end, time->begin + kShortestShown)};
+    return;
+  }
   ShowRange(time, {time->position - seconds / 2, time->position + seconds / 2});
 }
 
 void ShowByUser(ViewTime* time, TimeRange range) {
   constexpr double kRounding = 1e-6;
+  time->showsAll = !time->IsFollowing() && range.from <= time->begin && range.to >= time->end;
   if (time->IsFollowing() && range.to >= time->end - kRounding) {
     time->liveSpan = std::max(range.Length(), kShortestShown);
     return ShowEnd(time);

@@ -30,11 +30,13 @@ struct ViewTime {
   bool isPlaying = false;
   double clock = 0;
 
-  bool isLive = false, isFrozen = false;  // a live port that is not frozen is followed: the position is its end
-  double hovered = kNoTime;               // the time under the pointer in a chart
+  // A live port, or a recording that grows. Unless it is frozen, it is followed: the position is its end.
+  bool isLive = false, isFrozen = false;
+  double hovered = kNoTime;  // the time under the pointer in a chart
   std::optional<TimeRange> selection;
   TimeRange shown;  // by the charts
   double liveSpan = 10;
+  bool showsAll = false;  // `shown` grows with what is followed
 
   bool IsFollowing() const { return isLive && !isFrozen; }
   // The time that all parts of the window show.
@@ -48,10 +50,14 @@ void Restart(ViewTime* time, TimeRange whole, bool isLive);
 // Sets the range of a source that grows. A followed one moves to its end.
 void Grow(ViewTime* time, TimeRange whole);
 
+// A recording has turned out to grow: it is followed if the position is at its end, otherwise like a frozen port. Or it
+// does not grow any more.
+void SetLive(ViewTime* time, bool isLive);
+
 // ---- Position -------------------------------------------------------------------------------------------------------
 
-// Advances the position to that time of the clock, and stops at the end; the charts scroll along. Call before the other
-// functions, which do not use the clock, and before reading `position`.
+// Advances the position to that time of the clock, and stops at the end or follows it if it grows; the charts scroll
+// along. Call before the other functions, which do not use the clock, and before reading `position`.
 void Advance(ViewTime* time, double clock);
 
 // Starts playback; at the end, from the beginning.

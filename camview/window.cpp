@@ -32,7 +32,7 @@ const kv::TooltipEntry kTips[] = {{IDC_STATISTICS, MAKEINTRESOURCEW(IDS_STATISTI
 
 constexpr UINT kStart = WM_APP + 1;  // opens the source in the command line
 constexpr UINT_PTR kTickTimer = 1;
-constexpr UINT kTickMs = 50;
+constexpr UINT kTickMs = 50, kWatchMs = 500;
 constexpr char kTrailName[] = "Camview.TrailMs", kSpanName[] = "Camview.SpanMs", kFitName[] = "Camview.FitValues",
                kEventsName[] = "Camview.Events";
 
@@ -130,10 +130,11 @@ INT_PTR CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARA
 
 void UpdateTimer(View& view) {
   const bool moves = view.source.IsBusy() || view.time.isPlaying || view.display.IsPending();
-  if (moves == view.isTicking) return;
-  view.isTicking = moves;
-  if (moves) {
-    SetTimer(view.window, kTickTimer, kTickMs, OnTick);
+  const UINT tickMs = moves ? kTickMs : view.source.IsFollowed() ? kWatchMs : 0;
+  if (tickMs == view.tickMs) return;
+  view.tickMs = tickMs;
+  if (tickMs > 0) {
+    SetTimer(view.window, kTickTimer, tickMs, OnTick);
   } else {
     KillTimer(view.window, kTickTimer);
   }
@@ -159,7 +160,12 @@ void Update(View& view) {
       const RecordStore* store = source.Records();
       if (store && !source.IsLive()) Seek(&view.time, store->Seconds(store->First()));
     }
-    if (source.IsLive()) Grow(&view.time, source.Whole());
+    const TimeRange whole = source.Whole();
+    const bool grows = source.IsLive() || source.IsGrowing();
+    // Also with the last part of a recording.
+    if (grows || whole.to > view.time.end) SetLive(&view.time, true);
+    Grow(&view.time, whole);
+    SetLive(&view.time, grows);
     view.display.Refresh(source, view.time, &view.events, view.options);
   }
   view.isUpdating = false;

@@ -33,7 +33,8 @@ struct View {
   DisplayOptions options;
   Display display;
   unsigned shownSource = 0;  // whose range `time` has
-  bool isTicking = false, isUpdating = false, isOutdated = false;
+  UINT tickMs = 0;           // of the timer; 0: it does not run
+  bool isUpdating = false, isOutdated = false;
 };
 
 // Returns the window's state; null before it is created and after it is destroyed.

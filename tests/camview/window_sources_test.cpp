@@ -3,12 +3,14 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
 #include <ios>
 #include <memory>
 #include <string>
 
+#include "camera/recording.h"
 #include "camera/text.h"
 #include "camview/commands.h"
 #include "camview/live_source.h"
@@ -86,6 +88,64 @@ TEST_F(CamviewWindow, OpeningAnotherSourceGivesUpALoadAndCompletesARecording) {
   Command(IDM_RECORD);
   EXPECT_EQ(L"Nothing was received; camview record.twr is unchanged", Text(IDC_RECORDING));
   EXPECT_EQ("precious", BytesOf(target));
+}
+
+TEST_F(CamviewWindow, FollowsARecordingThatIsStillBeingWritten) {
+  const std::string whole = Recording(300);
+  const size_t end = camera::EncodeEnd(0).size(), chunk = (whole.size() - end - camera::kRecordingHeaderBytes) / 300;
+  const auto until = [&](size_t records) { return camera::kRecordingHeaderBytes + records * chunk; };
+  const auto append = [&](const fs::path& path, size_t from, size_t to) {
+    std::ofstream(path, std::ios::binary | std::ios::app) << whole.substr(from, to - from);
+  };
+  const auto hasRecords = [&](long long records) { return Soon([&] { return Records()->End() == records; }); };
+  OpenFile(whole.substr(0, until(100) + 9));
+  const fs::path path = files_.back(), renamed = File(L"camview renamed.twr");
+  EXPECT_TRUE(Says(L"The end is missing")) << camera::Narrow(Text(IDC_STATUS));
+  EXPECT_EQ(0, view().time.position);
+  EXPECT_FALSE(view().time.isLive);
+  SetFocus(Control(IDC_TIMELINE));
+  Press(VK_END);
+  append(path, until(100) + 9, until(200));
+  EXPECT_TRUE(hasRecords(200));
+  EXPECT_TRUE(Says(L"It is still being written.")) << camera::Narrow(Text(IDC_STATUS));
+  EXPECT_EQ(1.99, view().time.position) << "it was at the end";
+  EXPECT_TRUE(view().time.shown.from == 0 && view().time.shown.to >= 1.99) << "the whole grows";
+  Press(VK_SPACE);
+  append(path, until(200), until(250));
+  EXPECT_TRUE(hasRecords(250));
+  EXPECT_EQ(1.99, view().time.position);
+  EXPECT_EQ(L"Resu&me", Text(IDC_PLAY));
+  Press(VK_SPACE);
+  EXPECT_EQ(2.49, view().time.position);
+  // An export reads the records, which do not change meanwhile.
+  Command(IDM_SELECT_SHOWN);
+  chosenPath = File(L"camview range.csv");
+  Command(IDM_EXPORT);
+  fs::rename(path, renamed);
+  append(renamed, until(250), until(280));
+  EXPECT_TRUE(hasRecords(280));
+  const std::string rows = BytesOf(chosenPath);
+  EXPECT_EQ(251, std::ranges::count(rows, '\n'));
+  EXPECT_TRUE(Soon([&] { return Says(L"was deleted or renamed"); })) << camera::Narrow(Text(IDC_STATUS));
+  append(renamed, until(280), whole.size());
+  EXPECT_TRUE(hasRecords(300) && Soon([&] { return !view().source.IsFollowed(); }));
+  EXPECT_TRUE(Says(L"300 records in 0:03.0") && !Says(L"The end") && !Says(L"deleted"))
+      << camera::Narrow(Text(IDC_STATUS));
+  EXPECT_EQ(3, view().time.position);
+  EXPECT_TRUE(Soon([&] { return view().tickMs == 0; }));
+
+  // Written anew while it is followed; and the window is closed while it is.
+  for (const bool isLonger : {false, true}) {
+    std::ofstream(path, std::ios::binary) << whole.substr(0, until(100));
+    camview::OpenFile(view(), path.wstring());
+    EXPECT_TRUE(Soon([&] { return view().source.IsFollowed() && Records()->End() == 100; }));
+    append(path, until(100), until(110));
+    EXPECT_TRUE(hasRecords(110));
+    const std::string other = camera::EncodeHeader({1}) + whole.substr(camera::kRecordingHeaderBytes);
+    std::ofstream(path, std::ios::binary) << other.substr(0, until(isLonger ? 200 : 50));
+    EXPECT_TRUE(Soon([&] { return Says(L"was shortened or replaced"); })) << camera::Narrow(Text(IDC_STATUS));
+    EXPECT_EQ(110, Records()->End());
+  }
 }
 
 TEST_F(CamviewWindow, LosesNothingOfAPortThatComesAndGoes) {
