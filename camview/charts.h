@@ -1,16 +1,21 @@
-// The two strip charts, of x and of y over time. They ask for the records of the source, and copy none. Main thread
-// only.
+// The strip charts, of x, of y, and of the time between records over time. They ask for the records of the source, and
+// copy none. Main thread only.
 #pragma once
 
 #include <windows.h>
 
+#include <array>
+#include <iterator>
 #include <optional>
 
+#include "camview/resource_ids.h"
 #include "camview/source.h"
 #include "camview/view_time.h"
 #include "kv/controls/strip_chart/strip_chart.h"
 
 namespace camview {
+
+inline constexpr int kCharts[] = {IDC_CHART_X, IDC_CHART_Y, IDC_INTERVALS};
 
 // What the charts should show of the source. Without records they are empty.
 struct ChartContent {
@@ -23,6 +28,7 @@ struct ChartContent {
   double cursor = kNoTime;
   std::optional<TimeRange> selection;
   bool fitValues = false;  // the value range fits the records; otherwise it is the whole field
+  std::array<bool, std::size(kCharts)> isVisible{true, true, false};  // the others are not updated
   bool operator==(const ChartContent&) const = default;
 };
 
@@ -39,7 +45,7 @@ class Charts {
   // Updates what differs from the last content.
   void Show(const ChartContent& content);
 
-  // What the user has made a chart (IDC_CHART_X or IDC_CHART_Y) show.
+  // What the user has made a chart show.
   TimeRange ShownBy(int chart) const;
   // False without a cursor, or a selection.
   bool CursorOf(int chart, double* time) const;
@@ -51,22 +57,26 @@ class Charts {
   // What a chart asks.
   struct Axis {
     const Charts* charts;
-    int coordinate;  // 0: x, 1: y
+    int coordinate;  // 0: x, 1: y, 2: time between records
   };
   static kv::StripNumbers Numbers(void* axis, int point);
   static long long Find(void* axis, int point, double time);
   static void Read(void* axis, int point, long long number, DWORD count, kv::StripSuppliedSample* samples);
   static kv::StripExtent Extent(void* axis, int point, long long from, long long to);
+  static void ReadIntervals(void* axis, int, long long number, DWORD count, kv::StripSuppliedSample* samples);
+  static kv::StripExtent ExtentOfIntervals(void* axis, int, long long from, long long to);
   static kv::StripTimeRange Times(void* axis, int point);
   void SetSources(bool supply);
-  void ShowValueRange(const ChartContent& content) const;
+  TimeRange RangeOfIntervals(const ChartContent& content) const;
+  void ShowValueRange(const ChartContent& content, int chart) const;
   void ShowRange(const ChartContent& content) const;
   void ShowMarks(const ChartContent& content, bool isOther) const;
 
-  HWND window_, windows_[2];
+  HWND window_, windows_[std::size(kCharts)];
   const Source& source_;
-  Axis axes_[2] = {{this, 0}, {this, 1}};
+  Axis axes_[std::size(kCharts)] = {{this, 0}, {this, 1}, {this, 2}};
   ChartContent last_;
+  TimeRange intervals_;    // milliseconds from the lowest to the highest that its chart shows
   bool isChanged_ = true;  // the charts may differ from the last content
 };
 

@@ -20,6 +20,7 @@
 #include "camview/exporter.h"
 #include "camview/image.h"
 #include "camview/live_source.h"
+#include "camview/menu.h"
 #include "camview/record_store.h"
 #include "camview/resource_ids.h"
 #include "camview/settings.h"
@@ -48,8 +49,6 @@ namespace camview {
 namespace {
 
 constexpr wchar_t kRecordingExtension[] = L".twr", kCsvExtension[] = L".csv";
-constexpr double kTrails[] = {0, 0.5, 1, 2, 5, 10};
-constexpr double kSpans[] = {1, 5, 10, 30, 60, 600, 3600, 0};
 
 std::wstring Text(UINT id) {
   return kv::ResourceText(id);
@@ -163,7 +162,8 @@ void CopyImage(View& view) {
 // Copies the control that has the focus, with its values; otherwise the whole image.
 void Copy(View& view) {
   const HWND focused = GetFocus();
-  for (const int id : {IDC_FIELD, IDC_CHART_X, IDC_CHART_Y}) {
+  for (const int id :
+       {IDC_FIELD, IDC_SCATTER, IDC_CHART_X, IDC_CHART_Y, IDC_HISTOGRAM_X, IDC_HISTOGRAM_Y, IDC_INTERVALS}) {
     if (focused == GetDlgItem(view.window, id)) {
       SendMessageW(focused, WM_COPY, 0, 0);
       return;
@@ -322,7 +322,8 @@ void OnTimeline(View& view, UINT code) {
 bool OnControl(View& view, UINT id, UINT code) {
   switch (id) {
     case IDC_CHART_X:
-    case IDC_CHART_Y: OnChart(view, static_cast<int>(id), code); return true;
+    case IDC_CHART_Y:
+    case IDC_INTERVALS: OnChart(view, static_cast<int>(id), code); return true;
     case IDC_TIMELINE: OnTimeline(view, code); return true;
     case IDC_EVENTS: OnEventList(view, code); return true;
     case IDC_SPEED:
@@ -384,6 +385,14 @@ bool OnViewCommand(View& view, UINT id) {
     ShowSeconds(&view.time, kSpans[id - IDM_SPAN_FIRST]);
     return true;
   }
+  if (id >= IDM_LEFT_FIRST && id < IDM_LEFT_FIRST + kLeftViews) {
+    view.options.left = static_cast<LeftView>(id - IDM_LEFT_FIRST);
+    return true;
+  }
+  if (id >= IDM_RIGHT_FIRST && id < IDM_RIGHT_FIRST + kRightViews) {
+    view.options.right = static_cast<RightView>(id - IDM_RIGHT_FIRST);
+    return true;
+  }
   switch (id) {
     case IDM_SELECT_SHOWN:
       if (view.source.Records()) Select(&view.time, view.time.shown);
@@ -405,14 +414,6 @@ bool OnViewCommand(View& view, UINT id) {
       return true;
     default: return false;
   }
-}
-
-template <size_t size>
-void CheckOne(HMENU menu, UINT first, const double (&values)[size], double chosen) {
-  const auto* found = std::ranges::find_if(values, [&](double value) { return std::fabs(value - chosen) < 1e-6; });
-  const auto index = static_cast<UINT>(found - values);
-  for (UINT i = 0; i < size; ++i) CheckMenuItem(menu, first + i, MF_UNCHECKED);
-  if (index < size) CheckMenuRadioItem(menu, first, first + size - 1, first + index, MF_BYCOMMAND);
 }
 
 }  // namespace
@@ -469,30 +470,6 @@ INT_PTR OnCommand(View& view, UINT id, UINT code) {
   // A dialog may have been open for long.
   if (isHandled && ViewOf(window)) Update(view);
   return isHandled;
-}
-
-void PrepareMenu(const View& view, HMENU menu) {
-  const Source& source = view.source;
-  const bool isOpen = source.Records() != nullptr, isLive = source.IsLive();
-  const auto enable = [&](UINT id, bool enabled) {
-    EnableMenuItem(menu, id, MF_BYCOMMAND | (enabled ? MF_ENABLED : MF_GRAYED));
-  };
-  enable(IDM_CLOSE_SOURCE, source.IsOpen());
-  enable(IDM_RECORD, isLive);
-  enable(IDM_EXPORT, isOpen && view.time.selection && !source.IsWorking());
-  for (const UINT id :
-       {IDM_PLAY, IDM_STEP_BACK, IDM_STEP_FORWARD, IDM_GO_TO, IDM_EVENT_BACK, IDM_EVENT_FORWARD, IDM_SELECT_SHOWN})
-    enable(id, isOpen);
-  for (const UINT id : {IDM_SLOWER, IDM_FASTER, IDM_NORMAL_SPEED}) enable(id, isOpen && !isLive);
-  enable(IDM_EXPORT_EVENTS, isOpen);
-  CheckMenuRadioItem(menu, IDM_SHOW_STATISTICS, IDM_SHOW_EVENTS,
-                     view.options.showEvents ? IDM_SHOW_EVENTS : IDM_SHOW_STATISTICS, MF_BYCOMMAND);
-  enable(IDM_REMOVE_SELECTION, view.time.selection.has_value());
-  CheckMenuItem(menu, IDM_FIT_VALUES, view.options.fitValues ? MF_CHECKED : MF_UNCHECKED);
-  const bool isRecording = source.Recording().state == LiveRecordingState::kOn;
-  CheckMenuItem(menu, IDM_RECORD, isRecording ? MF_CHECKED : MF_UNCHECKED);
-  CheckOne(menu, IDM_TRAIL_FIRST, kTrails, view.options.trailSeconds);
-  CheckOne(menu, IDM_SPAN_FIRST, kSpans, view.time.showsAll ? 0 : view.time.shown.Length());
 }
 
 }  // namespace camview

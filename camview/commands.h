@@ -12,8 +12,6 @@
 namespace camview {
 
 INT_PTR OnCommand(View& view, UINT id, UINT code);
-// Checks and disables the items of a menu that opens.
-void PrepareMenu(const View& view, HMENU menu);
 
 // Returns the path of the recording without its extension, or the port's name in the folder of recordings.
 std::wstring ProposedPath(const Source& source);

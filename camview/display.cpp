@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <initializer_list>
 #include <iterator>
 #include <string>
 #include <utility>
@@ -58,9 +59,16 @@ LRESULT Send(HWND window, int id, WPARAM command, const void* item) {
 }
 
 void NameControls(HWND window) {
-  constexpr std::pair<int, UINT> kNames[] = {{IDC_FIELD, IDS_FIELD_NAME},           {IDC_CHART_X, IDS_CHART_X_NAME},
-                                             {IDC_CHART_Y, IDS_CHART_Y_NAME},       {IDC_TIMELINE, IDS_TIMELINE_NAME},
-                                             {IDC_STATISTICS, IDS_STATISTICS_NAME}, {IDC_EVENTS, IDS_EVENTS_NAME}};
+  constexpr std::pair<int, UINT> kNames[] = {{IDC_FIELD, IDS_FIELD_NAME},
+                                             {IDC_SCATTER, IDS_SCATTER_NAME},
+                                             {IDC_CHART_X, IDS_CHART_X_NAME},
+                                             {IDC_CHART_Y, IDS_CHART_Y_NAME},
+                                             {IDC_HISTOGRAM_X, IDS_HISTOGRAM_X_NAME},
+                                             {IDC_HISTOGRAM_Y, IDS_HISTOGRAM_Y_NAME},
+                                             {IDC_INTERVALS, IDS_INTERVALS_NAME},
+                                             {IDC_TIMELINE, IDS_TIMELINE_NAME},
+                                             {IDC_STATISTICS, IDS_STATISTICS_NAME},
+                                             {IDC_EVENTS, IDS_EVENTS_NAME}};
   for (const auto& [id, name] : kNames) kv::NameControl(window, id, kv::ResourceText(name).c_str());
   SendDlgItemMessageW(window, IDC_SPEED, CB_RESETCONTENT, 0, 0);
   for (const double speed : kSpeeds) {
@@ -87,6 +95,11 @@ StatusLine Describe(const Source& source, const ViewTime& time, const std::wstri
     return status;
   }
   return {StatusMark::kNone, kv::ResourceText(IDS_NOTHING_OPEN)};
+}
+
+// The selection or, without one, what is shown.
+TimeRange StatisticsRange(const ViewTime& time) {
+  return time.selection.value_or(TimeRange{std::max(time.shown.from, time.begin), std::min(time.shown.to, time.end)});
 }
 
 // Each kind in ascending order.
@@ -126,7 +139,7 @@ int SpeedIndex(double speed) {
 }
 
 Display::Display(HWND window, const Source& source)
-    : window_(window), fieldWindow_(GetDlgItem(window, IDC_FIELD)), charts_(window, source) {
+    : window_(window), fieldWindow_(GetDlgItem(window, IDC_FIELD)), charts_(window, source), distributions_(window) {
   SendDlgItemMessageW(window, IDC_PROGRESS, PBM_SETRANGE32, 0, kProgressSteps);
   const HWND list = GetDlgItem(window, IDC_STATISTICS);
   kv::AddListNavigation(list);
@@ -164,11 +177,18 @@ void Display::Refresh(const Source& source, const ViewTime& time, EventTable* ev
   ShowWork(source);
   ShowEvents(source, time, events);
   ShowStatus(source, time);
+  ShowViews(options);
   ShowCharts(source, time, options);
   ShowField(source, time, options);
   ShowTimeline(source, time, *events);
   ShowTimeText(source, time);
   ShowStatistics(source, time);
+  distributions_.Show({.source = source.Number(),
+                       .store = source.Records(),
+                       .range = StatisticsRange(time),
+                       .isScatter = options.left == LeftView::kScatter,
+                       .isHistogram = options.right == RightView::kHistograms,
+                       .isFollowing = time.IsFollowing()});
 }
 
 // ---- Controls -------------------------------------------------------------------------------------------------------
@@ -187,6 +207,16 @@ void Display::Enable(int id, bool enabled) {
 void Display::SetVisible(int id, bool visible) {
   const auto [place, isAdded] = visible_.try_emplace(id, visible);
   if (isAdded || IsNew(visible, &place->second)) ShowWindow(GetDlgItem(window_, id), visible ? SW_SHOW : SW_HIDE);
+}
+
+// Of controls at one place; the focus stays there.
+void Display::ShowOneOf(std::initializer_list<int> ids, int shown) {
+  SetVisible(shown, true);
+  for (const int id : ids) {
+    if (id == shown) continue;
+    if (GetFocus() == GetDlgItem(window_, id)) SetFocus(GetDlgItem(window_, shown));
+    SetVisible(id, false);
+  }
 }
 
 // ---- Source ---------------------------------------------------------------------------------------------------------
@@ -268,7 +298,17 @@ bool Display::Draw(const DRAWITEMSTRUCT& item) const {
 
 // ---- Records --------------------------------------------------------------------------------------------------------
 
+void Display::ShowViews(const DisplayOptions& options) {
+  const bool isHistogram = options.right == RightView::kHistograms;
+  ShowOneOf({IDC_FIELD, IDC_SCATTER}, options.left == LeftView::kScatter ? IDC_SCATTER : IDC_FIELD);
+  ShowOneOf({IDC_CHART_X, IDC_HISTOGRAM_X}, isHistogram ? IDC_HISTOGRAM_X : IDC_CHART_X);
+  ShowOneOf({IDC_CHART_Y, IDC_HISTOGRAM_Y, IDC_INTERVALS}, isHistogram                              ? IDC_HISTOGRAM_Y
+                                                           : options.right == RightView::kIntervals ? IDC_INTERVALS
+                                                                                                    : IDC_CHART_Y);
+}
+
 void Display::ShowField(const Source& source, const ViewTime& time, const DisplayOptions& options) {
+  if (options.left != LeftView::kField) return field_.reset();
   const RecordStore* store = source.Records();
   const double shown = time.Shown(), now = time.IsFollowing() && source.IsLive() ? source.Status().now : shown;
   const long long last = store ? store->At(shown) : -1;
@@ -303,7 +343,9 @@ void Display::ShowCharts(const Source& source, const ViewTime& time, const Displ
                 .isFollowing = time.IsFollowing(),
                 .cursor = time.Shown(),
                 .selection = time.selection,
-                .fitValues = options.fitValues});
+                .fitValues = options.fitValues,
+                .isVisible = {options.right != RightView::kHistograms, options.right == RightView::kCharts,
+                              options.right == RightView::kIntervals}});
 }
 
 void Display::ShowTimeline(const Source& source, const ViewTime& time, const EventTable& events) {
@@ -349,8 +391,7 @@ void Display::ShowTimeText(const Source& source, const ViewTime& time) {
 
 void Display::ShowStatistics(const Source& source, const ViewTime& time) {
   const RecordStore* store = source.Records();
-  const TimeRange range =
-      time.selection.value_or(TimeRange{std::max(time.shown.from, time.begin), std::min(time.shown.to, time.end)});
+  const TimeRange range = StatisticsRange(time);
   const bool isSelected = time.selection.has_value();
   const StatisticsKey key{source.Number(), store ? store->At(range.to) : -1, isSelected, range.from, range.to,
                           source.Rate()};

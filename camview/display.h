@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <initializer_list>
 #include <map>
 #include <optional>
 #include <string>
@@ -11,6 +12,7 @@
 #include <vector>
 
 #include "camview/charts.h"
+#include "camview/distribution_display.h"
 #include "camview/event_table.h"
 #include "camview/source.h"
 #include "camview/statistics.h"
@@ -22,10 +24,16 @@ namespace camview {
 inline constexpr double kSpeeds[] = {0.1, 0.2, 0.5, 1, 2, 5, 10, 20, 50, 100};
 int SpeedIndex(double speed);
 
+enum class LeftView { kField, kScatter };
+enum class RightView { kCharts, kHistograms, kIntervals };
+inline constexpr int kLeftViews = 2, kRightViews = 3;
+
 struct DisplayOptions {
   double trailSeconds = 1;
   bool fitValues = false;
   bool showEvents = false;  // in the place of the statistics
+  LeftView left = LeftView::kField;
+  RightView right = RightView::kCharts;
 };
 
 class Display {
@@ -40,7 +48,7 @@ class Display {
   void Say(StatusMark mark, const std::wstring& text);
   void TakeBack() { message_ = {}; }
   // A message will end, or statistics are to be computed: Refresh should be called soon.
-  bool IsPending() const { return !message_.text.empty() || isStatisticsDue_; }
+  bool IsPending() const { return !message_.text.empty() || isStatisticsDue_ || distributions_.IsPending(); }
 
   // Handles WM_SIZE and WM_DRAWITEM.
   void PlaceStatus() const;
@@ -53,9 +61,11 @@ class Display {
   void SetText(int id, const std::wstring& text);
   void Enable(int id, bool enabled);
   void SetVisible(int id, bool visible);
+  void ShowOneOf(std::initializer_list<int> ids, int shown);
   void ShowSource(const Source& source, const ViewTime& time);
   void ShowWork(const Source& source);
   void ShowStatus(const Source& source, const ViewTime& time);
+  void ShowViews(const DisplayOptions& options);
   void ShowField(const Source& source, const ViewTime& time, const DisplayOptions& options);
   void ShowCharts(const Source& source, const ViewTime& time, const DisplayOptions& options);
   void ShowTimeline(const Source& source, const ViewTime& time, const EventTable& events);
@@ -66,6 +76,7 @@ class Display {
 
   HWND window_, fieldWindow_;
   Charts charts_;
+  DistributionDisplay distributions_;
 
   // What is shown
   std::map<int, std::wstring> texts_;

@@ -13,8 +13,13 @@ namespace camview {
 
 namespace {
 
-constexpr int kParts[] = {IDC_FIELD, IDC_CHART_X, IDC_CHART_Y, IDC_TIMELINE};
+constexpr int kParts[] = {IDC_FIELD,       IDC_SCATTER,     IDC_CHART_X,   IDC_CHART_Y,
+                          IDC_HISTOGRAM_X, IDC_HISTOGRAM_Y, IDC_INTERVALS, IDC_TIMELINE};
 constexpr int kMargin = 8;
+
+bool IsShown(HWND window, int id) {
+  return GetWindowLongW(GetDlgItem(window, id), GWL_STYLE) & WS_VISIBLE;
+}
 
 RECT RectOf(HWND window, int id) {
   RECT rect{};
@@ -39,6 +44,7 @@ bool DrawImage(HWND window, kv::Surface* image) {
   const kv::SelectedObject selected(dc, image->bitmap());
   kv::FillSolid(dc, {0, 0, image->size().cx, image->size().cy}, GetSysColor(COLOR_BTNFACE));
   for (const int id : kParts) {
+    if (!IsShown(window, id)) continue;
     const RECT rect = RectOf(window, id);
     SetViewportOrgEx(dc, rect.left - all.left, rect.top - all.top, nullptr);
     SendDlgItemMessageW(window, id, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(static_cast<HDC>(dc)), PRF_CLIENT);

@@ -49,6 +49,11 @@ constexpr Extremes Nothing() {
   return nothing;
 }
 
+void Widen(const Intervals& other, Intervals* intervals) {
+  intervals->shortest = std::min(intervals->shortest, other.shortest);
+  intervals->longest = std::max(intervals->longest, other.longest);
+}
+
 bool IsSeen(std::uint32_t word) {
   return (word & kCoordinateMask) != kCoordinateMask &&
          ((word >> kCoordinateBits) & kCoordinateMask) != kCoordinateMask;
@@ -99,6 +104,9 @@ struct RecordStore::Records {
   std::array<Entry, kBlockRecords> entries;
   std::array<Extremes, kBlockRecords / kGroupRecords> groups;
   Extremes all;
+  Intervals before;  // of the first record
+  std::array<Intervals, kBlockRecords / kGroupRecords> intervals;
+  Intervals allIntervals;
   camera::RecordSums sums;
 };
 
@@ -133,6 +141,8 @@ RecordStore::Block* RecordStore::BlockFor(std::int64_t microseconds) {
   }
   next->groups.fill(Nothing());
   next->all = Nothing();
+  next->before = next->allIntervals = {};
+  next->intervals.fill({});
   next->sums = {};
   blocks_.push_back({end_, microseconds, 0, std::move(next)});
   return &blocks_.back();
@@ -141,10 +151,12 @@ RecordStore::Block* RecordStore::BlockFor(std::int64_t microseconds) {
 bool RecordStore::Append(const camera::FoundRecord& record, unsigned flags) {
   // llround takes a sixth of the time in which a recording is opened.
   auto microseconds = static_cast<std::int64_t>(std::clamp(record.seconds * 1e6, 0.0, kMaxTime) + 0.5);
+  Intervals before;
   if (!blocks_.empty()) {
     const Block& last = blocks_.back();
-    microseconds =
-        std::max(microseconds, last.base + TimeOf(last.records->entries[static_cast<size_t>(last.count) - 1]));
+    const std::int64_t previous = last.base + TimeOf(last.records->entries[static_cast<size_t>(last.count) - 1]);
+    microseconds = std::max(microseconds, previous);
+    before = {microseconds - previous, microseconds - previous};
   }
   Block* block = BlockFor(microseconds);
   if (!block) return false;
@@ -155,6 +167,9 @@ bool RecordStore::Append(const camera::FoundRecord& record, unsigned flags) {
   records.entries[place] = Pack(record, static_cast<std::uint64_t>(microseconds - block->base), flags);
   WidenBy(records.entries[place], &records.groups[place / kGroupRecords]);
   WidenBy(records.entries[place], &records.all);
+  if (place == 0) records.before = before;
+  Widen(before, &records.intervals[place / kGroupRecords]);
+  Widen(before, &records.allIntervals);
   meter_.Add(record, flags, &records.sums);
   log_.AddRecord(record);
   line_.AddRecord(static_cast<double>(microseconds) / 1e6, (flags & kAfterSilence) != 0);
@@ -272,6 +287,34 @@ void RecordStore::SetRate(double rate) {
   line_ = std::move(line);
 }
 
+// Calls `ofBlock` with the records of whole blocks, `ofGroup` with those of others and the number of a whole group, and
+// `ofRecord` with the remaining entries.
+template <class OfBlock, class OfGroup, class OfRecord>
+void RecordStore::ForParts(long long from, long long to, const OfBlock& ofBlock, const OfGroup& ofGroup,
+                           const OfRecord& ofRecord) const {
+  from = std::max(from, First());
+  to = std::min(to, end_);
+  while (from < to) {
+    const auto& block = BlockOf(from);
+    const Records& records = *block.records;
+    auto next = static_cast<size_t>(from - block.first);
+    const auto end = static_cast<size_t>(std::min<long long>(to - block.first, block.count));
+    from = block.first + static_cast<long long>(end);
+    if (next == 0 && from == block.first + block.count) {
+      ofBlock(records);
+      continue;
+    }
+    while (next < end) {
+      if (next % kGroupRecords == 0 && next + kGroupRecords <= end) {
+        ofGroup(records, next / kGroupRecords);
+        next += kGroupRecords;
+      } else {
+        ofRecord(records, next++);
+      }
+    }
+  }
+}
+
 ChannelExtremes RecordStore::ExtremesOf(long long from, long long to, int channel) const {
   const auto place = static_cast<size_t>(channel), point = place / 2;
   const int shift = channel % 2 ? kCoordinateBits : 0;
@@ -280,30 +323,28 @@ ChannelExtremes RecordStore::ExtremesOf(long long from, long long to, int channe
     found = {std::min(found.lowest, lowest), std::max(found.highest, highest)};
   };
   const auto widenByAll = [&](const Extremes& all) { widen(all.lowest[place], all.highest[place]); };
-  from = std::max(from, First());
-  to = std::min(to, end_);
-  while (from < to) {
-    const Block& block = BlockOf(from);
-    const Records& records = *block.records;
-    auto next = static_cast<size_t>(from - block.first);
-    const auto end = static_cast<size_t>(std::min<long long>(to - block.first, block.count));
-    from = block.first + static_cast<long long>(end);
-    if (next == 0 && from == block.first + block.count) {
-      widenByAll(records.all);
-      continue;
-    }
-    while (next < end) {
-      if (next % kGroupRecords == 0 && next + kGroupRecords <= end) {
-        widenByAll(records.groups[next / kGroupRecords]);
-        next += kGroupRecords;
-        continue;
-      }
-      const std::uint32_t word = records.entries[next++][point];
-      if (!IsSeen(word)) continue;
-      const auto value = static_cast<int>((word >> shift) & kCoordinateMask);
-      widen(value, value);
-    }
-  }
+  ForParts(
+      from, to, [&](const Records& records) { widenByAll(records.all); },
+      [&](const Records& records, size_t group) { widenByAll(records.groups[group]); },
+      [&](const Records& records, size_t number) {
+        const std::uint32_t word = records.entries[number][point];
+        if (!IsSeen(word)) return;
+        const auto value = static_cast<int>((word >> shift) & kCoordinateMask);
+        widen(value, value);
+      });
+  return found;
+}
+
+Intervals RecordStore::IntervalsOf(long long from, long long to) const {
+  Intervals found;
+  ForParts(
+      from, to, [&](const Records& records) { Widen(records.allIntervals, &found); },
+      [&](const Records& records, size_t group) { Widen(records.intervals[group], &found); },
+      [&](const Records& records, size_t number) {
+        if (number == 0) return Widen(records.before, &found);
+        const std::int64_t interval = TimeOf(records.entries[number]) - TimeOf(records.entries[number - 1]);
+        Widen({interval, interval}, &found);
+      });
   return found;
 }
 

@@ -43,6 +43,12 @@ struct ChannelExtremes {
   int lowest = INT16_MAX, highest = -1;
 };
 
+// The shortest and the longest time between a record and the previous one, in microseconds; shortest > longest if there
+// is none.
+struct Intervals {
+  std::int64_t shortest = INT64_MAX, longest = -1;
+};
+
 class RecordStore {
  public:
   static constexpr long long kMaxCapacity = 1 << 25;  // 0.5 GB; four days at 93 records a second
@@ -90,6 +96,8 @@ class RecordStore {
   void SetRate(double rate);
   // Returns the extremes of the records `from` to `to` - 1, using the pyramid where possible.
   ChannelExtremes ExtremesOf(long long from, long long to, int channel) const;
+  // The same of the times before these records.
+  Intervals IntervalsOf(long long from, long long to) const;
 
  private:
   struct Block;
@@ -97,6 +105,9 @@ class RecordStore {
   const Block& BlockOf(long long number) const;
   Block* BlockFor(std::int64_t microseconds);
   long long FindMicroseconds(std::int64_t microseconds) const;
+  template <class OfBlock, class OfGroup, class OfRecord>
+  void ForParts(long long from, long long to, const OfBlock& ofBlock, const OfGroup& ofGroup,
+                const OfRecord& ofRecord) const;
 
   size_t maxBlocks_;
   camera::RecordMeter meter_;

@@ -12,7 +12,9 @@
 #include "camview/camera_field.h"
 #include "camview/commands.h"
 #include "camview/display.h"
+#include "camview/distribution_view.h"
 #include "camview/live_source.h"
+#include "camview/menu.h"
 #include "camview/record_store.h"
 #include "camview/resource_ids.h"
 #include "camview/settings.h"
@@ -35,12 +37,15 @@ constexpr UINT_PTR kTickTimer = 1;
 constexpr UINT kTickMs = 50, kWatchMs = 500;
 constexpr char kTrailName[] = "Camview.TrailMs", kSpanName[] = "Camview.SpanMs", kFitName[] = "Camview.FitValues",
                kEventsName[] = "Camview.Events";
+constexpr char kLeftName[] = "Camview.Left", kRightName[] = "Camview.Right";
 
 INT_PTR OnInit(HWND window, LPARAM options) {
   auto view = std::make_unique<View>(window);
   view->options = {.trailSeconds = NumberSetting(kTrailName, 1000) / 1000.0,
                    .fitValues = NumberSetting(kFitName, 0) != 0,
-                   .showEvents = NumberSetting(kEventsName, 0) != 0};
+                   .showEvents = NumberSetting(kEventsName, 0) != 0,
+                   .left = static_cast<LeftView>(NumberSetting(kLeftName, 0) % kLeftViews),
+                   .right = static_cast<RightView>(NumberSetting(kRightName, 0) % kRightViews)};
   view->time.liveSpan = std::max(NumberSetting(kSpanName, 10000), 10) / 1000.0;
   view->time.shown = {0, view->time.liveSpan};
   SetWindowLongW(window, DWL_USER, reinterpret_cast<LONG>(view.release()));
@@ -70,6 +75,8 @@ INT_PTR OnSave(View& view) {
   StoreNumber(kSpanName, static_cast<int>(std::min(view.time.liveSpan, 1e6) * 1000));
   StoreNumber(kFitName, view.options.fitValues);
   StoreNumber(kEventsName, view.options.showEvents);
+  StoreNumber(kLeftName, static_cast<int>(view.options.left));
+  StoreNumber(kRightName, static_cast<int>(view.options.right));
   return TRUE;
 }
 
@@ -191,7 +198,8 @@ kv::ScaledDialog MainWindow(const StartOptions& options) {
 
 BOOL RegisterControls(HINSTANCE instance, BOOL registerThem) {
   const BOOL field = RegisterCameraFieldClass(instance, registerThem);
-  return RegisterTimelineClass(instance, registerThem) && field;
+  const BOOL distribution = RegisterDistributionClass(instance, registerThem);
+  return RegisterTimelineClass(instance, registerThem) && field && distribution;
 }
 
 }  // namespace camview

@@ -17,6 +17,7 @@
 
 #include "camera/optical_flow_chart.h"
 #include "camview/camera_field.h"
+#include "camview/distribution_view.h"
 #include "camview/record_store.h"
 #include "camview/timeline.h"
 #include "camview/window.h"
@@ -271,6 +272,8 @@ struct FuzzedClass {
 constexpr HorizonAttitude kAttitudes[] = {{kHorizonVersion, 0, 3, 5, 0.1f, 275}};
 const camview::StoredRecord kRecords[] = {{.seconds = 1}, {.seconds = 2}};
 const camview::FieldContent kContents[] = {{ARRAYSIZE(kRecords), kRecords, 2, 1}};
+constexpr DWORD kCounts[] = {3, 0, 9};
+constexpr camview::DistributionContent kDistributions[] = {{{{510, 0, 3, 1, kCounts}, {}, {0, 0, 3, 1, kCounts}}}};
 constexpr StripSample kSamples[] = {{1, 2}, {3, 4}};
 const StripSamples kAppended[] = {{ARRAYSIZE(kSamples), kSamples}};
 
@@ -283,6 +286,11 @@ const FuzzedClass kFuzzedClasses[] = {
      0,
      {WM_CREATE, WM_DESTROY, WM_COPY, WM_DROPFILES, WM_KEYDOWN},
      {camview::kFieldShow, std::as_bytes(std::span(kContents))}},
+    {"Distribution",
+     camview::kDistributionClass,
+     camview::kDistributionOfX,
+     {WM_CREATE, WM_DESTROY, WM_COPY, WM_DROPFILES, WM_KEYDOWN, WM_KEYDOWN, WM_MOUSELEAVE, WM_LBUTTONDBLCLK},
+     {camview::kDistributionShow, std::as_bytes(std::span(kDistributions))}},
     {"Timeline",
      camview::kTimelineClass,
      0,

@@ -15,6 +15,7 @@
 #include "camera/record_intake.h"
 #include "camera/record_stream.h"
 #include "camera/statistics.h"
+#include "camview/distributions.h"
 #include "camview/event_table.h"
 #include "camview/record_store.h"
 #include "camview/statistics.h"
@@ -285,6 +286,54 @@ TEST(CamviewStatistics, AddUpAndFollowTheGivenRate) {
   EXPECT_GT(0, ComputeStatistics(store, 0, end).line.lost) << "more records than that";
   store.SetRate(90);
   EXPECT_EQ(whole.line.lost, ComputeStatistics(store, 0, end).line.lost);
+}
+
+// Of a range that moves as a user or a live port moves it, counted in parts, while old records are dropped.
+TEST(CamviewDistributions, EqualAPlainCount) {
+  const std::vector<GivenRecord> given = Wander(100'000);
+  RecordStore store(20LL * kBlockRecords);
+  size_t added = 0;
+  Distributions distributions;
+  std::mt19937 random(5);
+  long long first = 0, end = 0;
+  for (int round = 0; round < 25; ++round) {
+    while (added < std::min<size_t>(given.size(), (round + 1) * 4000)) {
+      store.Append(given[added].record, given[added].flags);
+      ++added;
+    }
+    const auto length = static_cast<unsigned>(store.End() - store.First());
+    first = round % 3 ? first + random() % 6000 : store.First() + random() % length;
+    end = round % 3 ? end + random() % 9000 : first + random() % length;
+    const long long most = 1 + random() % 20'000;
+    for (int i = 0; i < 3 && random() % 4 == 0; ++i) distributions.Count(store, first - 999, end + 999, most);
+    while (!distributions.Count(store, first, end, most)) {
+    }
+    const auto from = static_cast<size_t>(std::max(first, store.First()));
+    const auto to = static_cast<size_t>(std::min(end, store.End()));
+    for (int point = 0; point < kv::kPointCount; ++point) {
+      std::vector<DWORD> plain(1024 * 1024);
+      long long seen = 0, sum = 0;
+      for (size_t i = from; i < to; ++i) {
+        if (!IsSeen(given[i], point)) continue;
+        const kv::CameraPoint& place = given[i].record.points[point];
+        ++plain[static_cast<size_t>(place.y * 1024 + place.x)];
+        ++seen;
+        sum += place.y;
+      }
+      CountGrid grid = distributions.PlacesOf(point);
+      const GridFigures figures = FiguresOf(grid), ofY = FiguresOf(HistogramOf(grid, 1));
+      ASSERT_EQ(std::pair(seen, sum), std::pair(figures.count, figures.y.sum)) << first << " to " << end;
+      ASSERT_EQ(std::pair(seen, sum), std::pair(ofY.count, ofY.x.sum));
+      ASSERT_EQ(figures.y.squares, ofY.x.squares);
+      ASSERT_EQ(seen, FiguresOf(Binned(HistogramOf(grid, 0), 7)).count);
+      size_t differences = 0;
+      for (LONG row = 0; row < grid.height; ++row) {
+        const DWORD* expected = plain.data() + (grid.top + row) * 1024 + grid.left;
+        for (LONG column = 0; column < grid.width; ++column) differences += expected[column] != grid.At(column, row);
+      }
+      ASSERT_EQ(0u, differences);
+    }
+  }
 }
 
 TEST(CamviewPlayback, FollowsAClockAndStopsAtTheEnd) {

@@ -1,20 +1,25 @@
-// camview's field and timeline as controls: pixels, keys, mouse, and what they reject.
+// camview's field, distributions and timeline as controls: pixels, keys, mouse, and what they reject.
 #include <gtest/gtest.h>
 #include <windows.h>
 
 #include <oleacc.h>
 
+#include <algorithm>
 #include <cmath>
+#include <initializer_list>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "camera/camera_record.h"
 #include "camera/events.h"
 #include "camview/camera_field.h"
+#include "camview/distribution_view.h"
 #include "camview/record_store.h"
 #include "camview/timeline.h"
 #include "camview/view_time.h"
 #include "kv/framework/control_class.h"
+#include "kv/framework/painting.h"
 #include "tests/support/control_test.h"
 #include "tests/support/replaced_import.h"
 #include "tests/support/test_window.h"
@@ -120,6 +125,115 @@ TEST_F(CameraFieldTest, KeepsItsProportionsAndRejectsWhatIsBad) {
   // Numbers as records with invalid numbers hold them, and times without an order.
   EXPECT_EQ(1, Show({{INFINITY, {{-99999, 9999}}, 0}, {-1e300, {{2147483647, 5}}, 0}, {NAN, {{5, 5}}, 0}}, 0, 1e-300));
   SendMessageA(field_, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(bitmap.dc()), 0);
+}
+
+class DistributionTest : public kvtest::ControlTest<RegisterDistributionClass> {
+ protected:
+  HWND histogram_ = kvtest::CreateControl(parent_, kDistributionClass, "x", kDistributionOfX, {0, 0, 500, 300}, 7);
+  HWND scatter_ = kvtest::CreateControl(parent_, kDistributionClass, "Places", 0, {0, 0, 500, 300}, 8);
+  static constexpr DWORD kCounts[] = {1, 3, 0, 4}, kFar[] = {5}, kPlaces[] = {0, 2, 6, 0, 1, 1};
+
+  void SetUp() override {
+    const DistributionContent content{{{510, 0, 4, 1, kCounts}, {}, {100, 0, 1, 1, kFar}}};
+    ASSERT_EQ(1, Send(histogram_, kDistributionShow, &content));
+    const DistributionContent places{{{510, 20, 2, 3, kPlaces}}};
+    ASSERT_EQ(1, Send(scatter_, kDistributionShow, &places));
+  }
+  static std::wstring Value(HWND control) { return kvtest::ReadAccessible(control).value; }
+  static void Press(HWND control, std::initializer_list<WPARAM> keys) {
+    for (const WPARAM key : keys) SendMessageA(control, WM_KEYDOWN, key, 0);
+  }
+};
+
+TEST_F(DistributionTest, TellsItsFiguresAndReadsCellsByKeysAndPointer) {
+  EXPECT_EQ(L"x1: mean 511.88, spread 1.25, 510 to 513; x2: –; x3: mean 100.00, spread 0.00, 100 to 100; x4: –",
+            Value(histogram_));
+  EXPECT_EQ(L"x1: mean 510.30, spread 0.48, 510 to 511; y1: mean 21.00, spread 0.67, 20 to 22; x2",
+            Value(scatter_).substr(0, 83));
+  Press(histogram_, {VK_RIGHT});
+  EXPECT_EQ(L"x1: mean", Value(histogram_).substr(0, 8)) << "no cursor for four points";
+  Press(histogram_, {'1', VK_RIGHT});
+  EXPECT_EQ(L"x1 = 512: 0 records, 0.0 %", Value(histogram_)) << "begins at the mean";
+  Press(histogram_, {VK_RIGHT, VK_RIGHT});
+  EXPECT_EQ(L"x1 = 513: 4 records, 50.0 %", Value(histogram_)) << "stays within the values";
+  Press(histogram_, {VK_HOME});
+  EXPECT_EQ(L"x1 = 510: 1 record, 12.5 %", Value(histogram_));
+  EXPECT_TRUE(SendMessageA(histogram_, WM_GETDLGCODE, VK_ESCAPE, 0) & DLGC_WANTMESSAGE);
+  Press(histogram_, {VK_ESCAPE});
+  EXPECT_EQ(L"x1: mean 511.88, spread 1.25, 510 to 513", Value(histogram_));
+  Press(histogram_, {VK_ESCAPE});
+  EXPECT_FALSE(SendMessageA(histogram_, WM_GETDLGCODE, VK_ESCAPE, 0) & DLGC_WANTMESSAGE);
+  Press(histogram_, {VK_NUMPAD2, VK_RIGHT});
+  EXPECT_EQ(L"x2: –", Value(histogram_));
+
+  Press(scatter_, {'1', VK_UP, VK_DOWN, VK_LEFT, VK_UP});
+  EXPECT_EQ(L"1 = 510, 21: 6 records, 60.0 %", Value(scatter_));
+  SendMessageA(scatter_, WM_LBUTTONDBLCLK, 0, MAKELPARAM(100, 100));
+  // The middle of the first panel's plot, at 133, 72, is between the values 510 and 511.
+  SendMessageA(scatter_, WM_MOUSEMOVE, 0, MAKELPARAM(138, 72));
+  EXPECT_EQ(L"1 = 511, 21: 0 records, 0.0 %", Value(scatter_));
+  SendMessageA(scatter_, WM_MOUSELEAVE, 0, 0);
+  EXPECT_EQ(L"x1: mean", Value(scatter_).substr(0, 8));
+}
+
+TEST_F(DistributionTest, DrawsBarsInProportionAndCopiesItsCounts) {
+  TestBitmap bitmap(500, 300);
+  const auto draw = [&](HWND control) {
+    SendMessageA(control, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(bitmap.dc()), 0);
+    EXPECT_EQ(0, bitmap.CountOf(0xCCCCCC));
+  };
+  Press(histogram_, {'1'});
+  draw(histogram_);
+  const COLORREF bar = kv::MixColors(PointColor(0), GetSysColor(COLOR_WINDOWTEXT), 20);
+  std::vector<int> heights;
+  int before = 0;
+  for (int x = 0; x < 500; ++x) {
+    int height = 0;
+    for (int y = 0; y < 300; ++y) height += bitmap.At(x, y) == bar;
+    if (height > 0 && before == 0) heights.push_back(0);
+    if (height > 0) heights.back() = std::max(heights.back(), height);
+    before = height;
+  }
+  ASSERT_EQ(3u, heights.size());
+  EXPECT_NEAR(3, heights[1] / static_cast<double>(heights[0]), 0.1);
+  EXPECT_NEAR(4, heights[2] / static_cast<double>(heights[0]), 0.1);
+  draw(scatter_);
+  EXPECT_LT(40, bitmap.CountOf(PointColor(0))) << "the cell with the highest count";
+  {
+    const kvtest::ReplacedImport contrast("SystemParametersInfoW", reinterpret_cast<void*>(WantHighContrast));
+    SendMessageA(scatter_, WM_SYSCOLORCHANGE, 0, 0);
+    draw(scatter_);
+    EXPECT_EQ(0, bitmap.CountOf(PointColor(0)));
+    EXPECT_LT(40, bitmap.CountOf(GetSysColor(COLOR_WINDOWTEXT)));
+  }
+  SendMessageA(histogram_, WM_COPY, 0, MAKELPARAM(200, 100));
+  EXPECT_EQ(200, kvtest::ClipboardBitmapSize(parent_).cx);
+  EXPECT_EQ(L"x\tx1\r\n510\t1\r\n511\t3\r\n512\t0\r\n513\t4\r\n", kvtest::ClipboardText(parent_));
+  SendMessageA(scatter_, WM_COPY, 0, 0);
+  EXPECT_EQ(
+      L"x\ty\t1\t2\t3\t4\r\n511\t20\t2\t0\t0\t0\r\n510\t21\t6\t0\t0\t0\r\n510\t22\t1\t0\t0\t0\r\n"
+      L"511\t22\t1\t0\t0\t0\r\n",
+      kvtest::ClipboardText(parent_));
+  // Every cell of the field: larger cells, none lost.
+  const std::vector<DWORD> all(1023 * 767, 1);
+  const DistributionContent whole{{{}, {0, 0, 1023, 767, all.data()}}};
+  ASSERT_EQ(1, Send(scatter_, kDistributionShow, &whole));
+  SendMessageA(scatter_, WM_COPY, 0, 0);
+  const std::wstring table = kvtest::ClipboardText(parent_);
+  EXPECT_EQ(1 + 256 * 192, std::ranges::count(table, L'\n'));
+  EXPECT_EQ(L"\r\n1020\t764\t0\t9\t0\t0\r\n", table.substr(table.size() - 20));
+
+  GuardedBytes tooShort(sizeof(DistributionContent) - 1);
+  EXPECT_EQ(0, Send(histogram_, kDistributionShow, tooShort.data()));
+  for (const DistributionCounts& bad : {DistributionCounts{-1, 0, 4, 1, kCounts},
+                                        {1021, 0, 4, 1, kCounts},
+                                        {0, 0, 2, 2, kCounts},
+                                        {0, 0, 4, 0, kCounts},
+                                        {0, 0, 4, 1, nullptr}}) {
+    const DistributionContent content{{bad}};
+    EXPECT_EQ(0, Send(histogram_, kDistributionShow, &content));
+  }
+  EXPECT_EQ(L"x1: mean 511.88", Value(histogram_).substr(0, 15));
 }
 
 class TimelineTest : public kvtest::ControlTest<RegisterTimelineClass> {

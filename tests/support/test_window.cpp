@@ -119,6 +119,17 @@ SIZE ClipboardBitmapSize(HWND owner, const TestBitmap* copyTo) {
   return {shape.bmWidth, shape.bmHeight};
 }
 
+std::wstring ClipboardText(HWND owner) {
+  std::wstring text;
+  if (!OpenClipboard(owner)) return text;
+  if (HANDLE data = GetClipboardData(CF_UNICODETEXT)) {
+    text = static_cast<const wchar_t*>(GlobalLock(data));
+    GlobalUnlock(data);
+  }
+  CloseClipboard();
+  return text;
+}
+
 RECT PlaceOf(HWND dialog, int id) {
   RECT place{};
   GetWindowRect(GetDlgItem(dialog, id), &place);

@@ -75,6 +75,9 @@ class TestBitmap {
 // The size of the bitmap on the clipboard, negative when there is none; copies its pixels to `copyTo`.
 SIZE ClipboardBitmapSize(HWND owner, const TestBitmap* copyTo = nullptr);
 
+// The text on the clipboard.
+std::wstring ClipboardText(HWND owner);
+
 // A control's rectangle in its dialog's client area.
 RECT PlaceOf(HWND dialog, int id);
 

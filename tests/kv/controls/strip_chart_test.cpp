@@ -347,18 +347,6 @@ TEST_F(StripCharts, ShowsEventsInTheOrderOfTheirTimesAndAPauseSign) {
   EXPECT_STREQ("", Read<StripEvent>(chart, kStripEventItem, 0).text);
 }
 
-// The text on the clipboard.
-std::wstring ClipboardText(HWND owner) {
-  std::wstring text;
-  if (!OpenClipboard(owner)) return text;
-  if (HANDLE data = GetClipboardData(CF_UNICODETEXT)) {
-    text = static_cast<const wchar_t*>(GlobalLock(data));
-    GlobalUnlock(data);
-  }
-  CloseClipboard();
-  return text;
-}
-
 TEST_F(StripCharts, CopiesItsImageAndAnEqualTable) {
   HWND chart = Create();
   StripChannel info{kStripVersion, kStripVisible, "Speed", "m/s", RGB(0, 0, 255), 0, 0};
@@ -369,14 +357,14 @@ TEST_F(StripCharts, CopiesItsImageAndAnEqualTable) {
   SendMessageA(chart, WM_COPY, 0, MAKELPARAM(8, 120));
   EXPECT_EQ(16, kvtest::ClipboardBitmapSize(parent_).cx);
   EXPECT_EQ(120, kvtest::ClipboardBitmapSize(parent_).cy);
-  EXPECT_EQ(L"s\tSpeed (m/s)\t4\r\n1\t5\t\r\n2\t\t1\r\n2\t\t2\r\n3\t7.25\t\r\n", ClipboardText(parent_));
+  EXPECT_EQ(L"s\tSpeed (m/s)\t4\r\n1\t5\t\r\n2\t\t1\r\n2\t\t2\r\n3\t7.25\t\r\n", kvtest::ClipboardText(parent_));
 
   std::vector<StripSample> many;
   for (DWORD i = 0; i <= kStripMaxTextRows; ++i) many.push_back({4 + i * 0.001, i % 100 * 1.0});
   Append(chart, many);
   SendMessageA(chart, WM_COPY, 0, 0);
   EXPECT_EQ(300, kvtest::ClipboardBitmapSize(parent_).cx);
-  const std::wstring text = ClipboardText(parent_);
+  const std::wstring text = kvtest::ClipboardText(parent_);
   EXPECT_EQ(0u, text.find(L"s\tSpeed (m/s) min\tSpeed (m/s) max\t"));
   EXPECT_NE(std::wstring::npos, text.find(L"\t0\t99\t"));
   EXPECT_LT(std::ranges::count(text, L'\n'), 300);
