@@ -22,6 +22,27 @@ COLORREF Between(COLORREF from, COLORREF to, double part) {
              channel(GetBValue(from), GetBValue(to)));
 }
 
+// One channel of a gradient over `width` pixels, from pixel `index` on: the nearest level at the center of each pixel.
+// Without a division per pixel, because bars are many small gradients.
+class ChannelRamp {
+ public:
+  ChannelRamp(int from, int to, int width, int index) : step_(2 * (to - from)), unit_(2 * width) {
+    const int start = (2 * from + 1) * width + (to - from) * (2 * index + 1);
+    level_ = start / unit_;
+    rest_ = start % unit_;
+  }
+  BYTE Next() {
+    const int level = level_;
+    for (rest_ += step_; rest_ >= unit_; rest_ -= unit_) ++level_;
+    for (; rest_ < 0; rest_ += unit_) --level_;
+    return static_cast<BYTE>(level);
+  }
+
+ private:
+  int step_, unit_;  // in parts of which `unit_` are one level
+  int level_, rest_;
+};
+
 DWORD PixelAt(const Paint& paint, LONG y) {
   if (paint.top == paint.bottom) return PixelOfColor(paint.top);
   return PixelOfColor(Between(paint.top, paint.bottom, (y + 0.5 - paint.from) / (paint.to - paint.from)));
@@ -230,9 +251,11 @@ void FillAreaAcross(Canvas& canvas, const RECT& area, COLORREF left, COLORREF ri
   if (!IntersectRect(&seen, &area, &canvas.clip())) return;
   canvas.FinishGdi();
   DWORD* first = canvas.surface().Row(seen.top);
-  for (LONG x = seen.left; x < seen.right; ++x) {
-    first[x] = PixelOfColor(Between(left, right, (x + 0.5 - area.left) / (area.right - area.left)));
-  }
+  const int width = area.right - area.left, skipped = seen.left - area.left;
+  const auto ramp = [=](BYTE from, BYTE to) { return ChannelRamp(from, to, width, skipped); };
+  ChannelRamp red = ramp(GetRValue(left), GetRValue(right)), green = ramp(GetGValue(left), GetGValue(right));
+  ChannelRamp blue = ramp(GetBValue(left), GetBValue(right));
+  for (LONG x = seen.left; x < seen.right; ++x) first[x] = PixelOfColor(RGB(red.Next(), green.Next(), blue.Next()));
   for (LONG y = seen.top + 1; y < seen.bottom; ++y) {
     std::memcpy(canvas.surface().Row(y) + seen.left, first + seen.left, (seen.right - seen.left) * sizeof(DWORD));
   }

@@ -53,6 +53,7 @@ bool CoverageShape::Begin(const PixelArea& area) {
 bool CoverageShape::AddContour(std::span<const PointD> corners) {
   if (scanning_ || width_ == 0 || !HasCapacityFor(corners.size())) return false;
   const int before = count_;
+  double right = area_.left;
   for (size_t i = 0; i < corners.size(); ++i) {
     const PointD &a = corners[i], &b = corners[i + 1 < corners.size() ? i + 1 : 0];
     if (std::isnan(a.x) || std::isnan(a.y)) {
@@ -65,10 +66,12 @@ bool CoverageShape::AddContour(std::span<const PointD> corners) {
     const PointD &upper = down ? from : to, &lower = down ? to : from;
     const bool counts = upper.y < lower.y && lower.y > area_.top && upper.y < area_.bottom &&
                         std::min(from.x, to.x) < area_.right;  // an edge further right covers nothing of the area
+    right = std::max(right, from.x);
     if (!counts) continue;
     edges_[count_++] = {upper.x, (lower.x - upper.x) / (lower.y - upper.y), upper.y, lower.y, down ? -1.0 : 1.0,
                         kNoEdge};
   }
+  if (right <= area_.left) count_ = before;  // the whole contour is to the left, where its edges cancel each other
   added_ += static_cast<int>(corners.size());
   return true;
 }
@@ -113,8 +116,13 @@ bool CoverageShape::StartRow() {
     const double from = std::max(edge.top, top), to = std::min(edge.bottom, bottom);
     if (to > from) {
       const double origin = edge.x - area_.left;
-      AddToRow(origin + edge.slope * (from - edge.top), origin + edge.slope * (to - edge.top),
-               edge.direction * (to - from));
+      const double begin = origin + edge.slope * (from - edge.top), end = origin + edge.slope * (to - edge.top);
+      const int cell = static_cast<int>(begin);
+      if (begin >= 0 && end >= 0 && begin < width_ && static_cast<int>(end) == cell) {  // most edges are steep
+        AddToPixel(cell, (begin + end) / 2 - cell, edge.direction * (to - from));
+      } else {
+        AddToRow(begin, end, edge.direction * (to - from));
+      }
     }
     if (edge.bottom <= bottom) {
       active_[i] = active_[--reaching_];
@@ -134,9 +142,11 @@ int CoverageShape::TakeSpans() {
   for (int word = 0; word * kWordBits < width_; ++word) {
     for (std::uint32_t bits = std::exchange(touched_[word], 0); bits; bits &= bits - 1) {
       const int cell = word * kWordBits + std::countr_zero(bits);
-      if (level) *span++ = {area_.left + begin, cell - begin, level};
       covered += std::exchange(cells_[cell], 0.0);
-      level = LevelOf(covered);
+      const std::uint32_t next = LevelOf(covered);
+      if (next == level) continue;  // within another contour
+      if (level) *span++ = {area_.left + begin, cell - begin, level};
+      level = next;
       begin = cell;
     }
   }
@@ -159,25 +169,27 @@ void CoverageShape::AddToRow(double from, double to, double cover) {
     cover -= here;
     from = 0;
   }
-  const auto add = [this](int cell, double begin, double end, double here) {
-    const double free = (begin + end) / 2 - cell;  // the part of this pixel to the left of the edge
-    AddToCell(cell, here * (1 - free));
-    AddToCell(cell + 1, here * free);
-  };
   int cell = static_cast<int>(from);
   if (to > cell + 1) {
-    const double coverPerPixel = cover / (to - from);
-    for (; to > cell + 1 && cell < width_; ++cell) {
-      const double here = coverPerPixel * (cell + 1 - from);
-      add(cell, from, cell + 1, here);
-      cover -= here;
-      from = cell + 1;
+    const double coverPerPixel = cover / (to - from), first = coverPerPixel * (cell + 1 - from);
+    AddToPixel(cell, (from + cell + 1) / 2 - cell, first);
+    cover -= first;
+    for (++cell; to > cell + 1 && cell < width_; ++cell) {
+      AddToPixel(cell, 0.5, coverPerPixel);
+      cover -= coverPerPixel;
     }
+    from = cell;
   }
-  add(cell, from, to, cover);
+  AddToPixel(cell, (from + to) / 2 - cell, cover);
 }
 
-void CoverageShape::AddToCell(int cell, double cover) {
+// Adds a part of an edge within a pixel, of which `left` is the part to the left of the edge.
+inline void CoverageShape::AddToPixel(int cell, double left, double cover) {
+  AddToCell(cell, cover * (1 - left));
+  AddToCell(cell + 1, cover * left);
+}
+
+inline void CoverageShape::AddToCell(int cell, double cover) {
   if (cell >= width_) return;
   cells_[cell] += cover;
   touched_[cell / kWordBits] |= 1u << cell % kWordBits;

@@ -66,6 +66,7 @@ class CoverageShape {
   bool Reserve(int width, int height);
   bool StartRow();
   void AddToRow(double from, double to, double cover);
+  void AddToPixel(int cell, double left, double cover);
   void AddToCell(int cell, double cover);
   int TakeSpans();
 

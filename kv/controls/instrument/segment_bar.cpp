@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <initializer_list>
+#include <span>
 
 #include "kv/controls/instrument/cache.h"
 #include "kv/controls/instrument/digital.h"
@@ -86,9 +87,9 @@ int LitSegments(double percent, int count) {
 
 BarSpan SegmentSpan(double length, int count, int index) {
   const double pitch = length / count;
-  const double gap = pitch < 3 ? 0 : std::clamp(std::round(pitch * 0.18), 1.0, 4.0);
+  const int gap = pitch < 3 ? 0 : std::clamp(RoundLength(pitch * 0.18), 1, 4);
   // Whole pixels: sharp edges are more important than exactly equal lengths.
-  const int from = RoundLength(pitch * index), to = RoundLength(pitch * (index + 1)) - static_cast<int>(gap);
+  const int from = RoundLength(pitch * index), to = RoundLength(pitch * (index + 1)) - gap;
   return {static_cast<double>(from), static_cast<double>(std::max(from, to))};
 }
 
@@ -195,10 +196,26 @@ void DrawAt(Canvas& canvas, const Character& item, std::initializer_list<PointD>
   FillShape(canvas, color);
 }
 
+// The pixels of a character that is drawn with shifts of up to `reach` pixels.
+RECT InkOf(const GlyphOutline& glyph, const Character& item, double reach, const RECT& bar) {
+  const std::span points(glyph.points.data(), glyph.ends[glyph.contours - 1]);
+  const auto [left, right] = std::ranges::minmax(points, {}, &GlyphOutline::Point::x);
+  const auto [top, bottom] = std::ranges::minmax(points, {}, &GlyphOutline::Point::y);
+  const auto at = [&item](float x, float y) {
+    return PointD{item.middle.x + x * item.capital * item.stretch, item.middle.y + y * item.capital};
+  };
+  const PointD corners[] = {at(left.x, top.y), at(right.x, bottom.y)};
+  return BoundsOf(corners, reach, bar);
+}
+
 // A black edge separates the number from the lit segments, which may have its color: shifted characters, which the
 // character then covers inside.
+double EdgeReach(int edge) {
+  return edge * 0.75 + 1;
+}
+
 void DrawEdge(Canvas& canvas, const InstrumentAppearance&, const Character& item) {
-  const double out = item.edge * 0.75, left = -1 - out, right = out - 1;
+  const double left = -EdgeReach(item.edge), right = -left - 2;
   DrawAt(canvas, item, {{left, left}, {right, left}, {left, right}, {right, right}}, RGB(0, 0, 0));
 }
 
@@ -224,16 +241,15 @@ void AddNumber(ValueLayer& layer, const RECT& bar, const InstrumentBlock& block)
   for (const wchar_t character : text) width += advanceOf(InstrumentGlyph(character));
   // First all edges: those of neighbors overlap.
   for (const auto draw : {DrawEdge, DrawCharacter}) {
-    const int margin = draw == DrawEdge ? edge + 2 : 2;
+    const double reach = draw == DrawEdge ? EdgeReach(edge) : 1;
     double x = (bar.left + bar.right - width * capital * stretch) / 2;
     for (const wchar_t character : text) {
       const GlyphOutline* glyph = InstrumentGlyph(character);
       const double half = advanceOf(glyph) * capital * stretch / 2;
       const PointD middle{x + half, bar.bottom - 2 - height * (1 - kCapitalMiddle)};
-      const PointD corners[] = {{middle.x - half, middle.y - capital * 0.55},
-                                {middle.x + half, middle.y + capital * 0.55}};
       x += 2 * half;
-      if (glyph) layer.Add(BoundsOf(corners, margin, bar), Character{middle, capital, stretch, character, edge}, draw);
+      const Character item{middle, capital, stretch, character, edge};
+      if (glyph) layer.Add(InkOf(*glyph, item, reach, bar), item, draw);
     }
   }
 }
