@@ -188,9 +188,11 @@ void Charts::ShowMarks(const ChartContent& content, bool isOther) const {
   const bool isCursorSame =
       !isOther && isFollowing == last_.isFollowing && (isFollowing || (!isChanged_ && content.cursor == last_.cursor));
   const bool isSelectionSame = !isChanged_ && !isOther && content.selection == last_.selection;
+  const bool isCursorBSame = !isChanged_ && !isOther && content.cursorB == last_.cursorB;
   const kv::StripTimeRange selected = Plain(content.selection.value_or(TimeRange{}));
   ForVisible(content, [&](int chart) {
     if (!isCursorSame) kv::SetStripChartCursor(window_, chart, hasCursor ? &content.cursor : nullptr);
+    if (!isCursorBSame) kv::SetStripChartCursorB(window_, chart, content.cursorB ? &*content.cursorB : nullptr);
     if (!isSelectionSame) kv::SetStripChartSelection(window_, chart, content.selection ? &selected : nullptr);
   });
 }
@@ -231,6 +233,12 @@ TimeRange Charts::ShownBy(int chart) const {
 
 bool Charts::CursorOf(int chart, double* time) const {
   return kv::GetStripChartCursor(window_, chart, time) != 0;
+}
+
+std::optional<double> Charts::CursorBOf(int chart) const {
+  double time = 0;
+  if (!kv::GetStripChartCursorB(window_, chart, &time)) return std::nullopt;
+  return time;
 }
 
 std::optional<TimeRange> Charts::SelectionOf(int chart) const {

@@ -26,6 +26,7 @@ struct ChartContent {
   TimeRange shown;
   bool isFollowing = false;  // new records appear as they are stored
   double cursor = kNoTime;
+  std::optional<double> cursorB;
   std::optional<TimeRange> selection;
   bool fitValues = false;  // the value range fits the records; otherwise it is the whole field
   std::array<bool, std::size(kCharts)> isVisible{true, true, false};  // the others are not updated
@@ -49,6 +50,7 @@ class Charts {
   TimeRange ShownBy(int chart) const;
   // False without a cursor, or a selection.
   bool CursorOf(int chart, double* time) const;
+  std::optional<double> CursorBOf(int chart) const;
   std::optional<TimeRange> SelectionOf(int chart) const;
   // The user has changed cursor, selection or range of a chart, so that it differs from the last content.
   void SetChangedByUser() { isChanged_ = true; }

@@ -10,7 +10,6 @@
 #include <string>
 #include <vector>
 
-#include "camera/line_model.h"
 #include "camera/ports.h"
 #include "camera/text.h"
 #include "camview/charts.h"
@@ -27,6 +26,7 @@
 #include "camview/source.h"
 #include "camview/status_line.h"
 #include "camview/timeline.h"
+#include "camview/typed_fields.h"
 #include "camview/view_time.h"
 #include "camview/window.h"
 #include "kv/controls/strip_chart/strip_chart.h"
@@ -212,37 +212,18 @@ void GoToField(const View& view) {
   SendDlgItemMessageW(view.window, IDC_TIME, EM_SETSEL, 0, -1);
 }
 
-void OnTimeTyped(View& view) {
-  wchar_t text[64] = L"";
-  GetDlgItemTextW(view.window, IDC_TIME, text, ARRAYSIZE(text));
-  double time = 0;
-  if (!ParseTime(camera::Narrow(text), &time)) {
-    view.display.Say(StatusMark::kError, kv::TextWith(IDS_BAD_TIME, text));
-    SendDlgItemMessageW(view.window, IDC_TIME, EM_SETSEL, 0, -1);
-    return;
+// Sets the second cursor where the first one is, or removes it.
+void ToggleCursorB(View& view) {
+  ViewTime& time = view.time;
+  if (!view.source.Records()) return;
+  if (time.cursorB) return time.cursorB.reset();
+  double at = time.Shown();
+  // In the charts of a followed port, the first cursor is at the pointer.
+  if (time.IsFollowing()) {
+    const Charts& charts = view.display.charts();
+    if (!charts.CursorOf(IDC_CHART_X, &at)) charts.CursorOf(IDC_CHART_Y, &at);
   }
-  view.display.TakeBack();
-  SetFocus(GetDlgItem(view.window, IDC_TIMELINE));
-  if (view.source.Records()) Seek(&view.time, time);
-}
-
-// An empty field: estimated.
-void OnRateTyped(View& view) {
-  wchar_t text[64] = L"";
-  GetDlgItemTextW(view.window, IDC_RATE, text, ARRAYSIZE(text));
-  double rate = 0;
-  const std::string typed = camera::Narrow(text);
-  const bool isEmpty = typed.find_first_not_of(' ') == typed.npos;
-  const bool isRate = typed.find(':') == typed.npos && ParseTime(typed, &rate) && rate >= camera::kLowestRate &&
-                      rate <= camera::kHighestRate;
-  if (!isEmpty && !isRate) {
-    const std::wstring lowest = kv::NumberText(camera::kLowestRate), highest = kv::NumberText(camera::kHighestRate, 1);
-    view.display.Say(StatusMark::kError, kv::TextWith(IDS_BAD_RATE, text, lowest.c_str(), highest.c_str()));
-    SendDlgItemMessageW(view.window, IDC_RATE, EM_SETSEL, 0, -1);
-    return;
-  }
-  view.display.TakeBack();
-  view.source.SetRate(isEmpty ? 0 : rate);
+  SetCursorB(&time, at);
 }
 
 // Shows the statistics, or the events in their place.
@@ -261,6 +242,7 @@ void OnEscape(View& view) {
     SetFocus(GetDlgItem(view.window, IDC_TIMELINE));
   } else {
     view.time.selection.reset();
+    view.time.cursorB.reset();
   }
 }
 
@@ -274,14 +256,19 @@ void OnChart(View& view, int chart, UINT code) {
   if (!view.source.Records()) return;
   switch (code) {
     case kv::kStripNotifyView:
-      // Escape has removed the selection.
+      // Escape has removed the selection and the second cursor.
       if (!charts.SelectionOf(chart)) time.selection.reset();
+      if (!charts.CursorBOf(chart)) time.cursorB.reset();
       ShowByUser(&time, charts.ShownBy(chart));
       break;
     case kv::kStripNotifyCursor:
       // In the charts of a followed port, the pointer only reads values.
       if (time.isPlaying || time.IsFollowing()) return;
       time.hovered = hasCursor ? std::clamp(cursor, time.begin, time.end) : kNoTime;
+      break;
+    case kv::kStripNotifyCursorB:
+      time.cursorB.reset();
+      if (const std::optional<double> at = charts.CursorBOf(chart)) SetCursorB(&time, *at);
       break;
     case kv::kStripNotifySelection:
       time.selection.reset();
@@ -398,6 +385,7 @@ bool OnViewCommand(View& view, UINT id) {
       if (view.source.Records()) Select(&view.time, view.time.shown);
       return true;
     case IDM_REMOVE_SELECTION: view.time.selection.reset(); return true;
+    case IDM_CURSOR_B: ToggleCursorB(view); return true;
     case IDM_SHOW_STATISTICS: ShowEvents(view, false); return true;
     case IDM_SHOW_EVENTS: ShowEvents(view, true); return true;
     case IDM_TOGGLE_EVENTS: ShowEvents(view, !view.options.showEvents); return true;

@@ -342,6 +342,7 @@ void Display::ShowCharts(const Source& source, const ViewTime& time, const Displ
                 .shown = time.shown,
                 .isFollowing = time.IsFollowing(),
                 .cursor = time.Shown(),
+                .cursorB = time.cursorB,
                 .selection = time.selection,
                 .fitValues = options.fitValues,
                 .isVisible = {options.right != RightView::kHistograms, options.right == RightView::kCharts,

@@ -43,6 +43,8 @@ void PrepareMenu(const View& view, HMENU menu) {
   CheckMenuRadioItem(menu, IDM_SHOW_STATISTICS, IDM_SHOW_EVENTS,
                      view.options.showEvents ? IDM_SHOW_EVENTS : IDM_SHOW_STATISTICS, MF_BYCOMMAND);
   enable(IDM_REMOVE_SELECTION, view.time.selection.has_value());
+  enable(IDM_CURSOR_B, isOpen);
+  CheckMenuItem(menu, IDM_CURSOR_B, view.time.cursorB ? MF_CHECKED : MF_UNCHECKED);
   CheckMenuItem(menu, IDM_FIT_VALUES, view.options.fitValues ? MF_CHECKED : MF_UNCHECKED);
   const bool isRecording = source.Recording().state == LiveRecordingState::kOn;
   CheckMenuItem(menu, IDM_RECORD, isRecording ? MF_CHECKED : MF_UNCHECKED);

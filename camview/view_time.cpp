@@ -135,6 +135,18 @@ void Select(ViewTime* time, TimeRange selection) {
                      std::clamp(selection.to, time->begin, time->end)};
 }
 
+void SelectAndShow(ViewTime* time, TimeRange selection) {
+  constexpr double kMargin = 0.05;  // at each side, so that its ends are seen
+  MoveTo(time, selection.from);
+  Select(time, selection);
+  const double margin = time->selection->Length() * kMargin;
+  ShowRange(time, {time->selection->from - margin, time->selection->to + margin});
+}
+
+void SetCursorB(ViewTime* time, double at) {
+  time->cursorB = std::clamp(at, time->begin, time->end);
+}
+
 void ShowRange(ViewTime* time, TimeRange range) {
   time->showsAll = false;
   const double length = std::max(range.Length(), kShortestShown);
@@ -195,6 +207,20 @@ bool ParseTime(std::string_view text, double* seconds) {
   }
   *seconds = total;
   return std::isfinite(total);
+}
+
+bool ParseTimeRange(std::string_view text, TimeRange* range) {
+  for (const std::string_view sign : {"-", "\xE2\x80\x93", "..", "+"}) {
+    const size_t at = text.find(sign);
+    if (at == text.npos) continue;
+    TimeRange parsed;
+    if (!ParseTime(text.substr(0, at), &parsed.from) || !ParseTime(text.substr(at + sign.size()), &parsed.to))
+      return false;
+    if (sign == "+") parsed.to += parsed.from;
+    *range = parsed;
+    return true;
+  }
+  return false;
 }
 
 std::string FormatTime(double seconds, int decimals, char sign) {

@@ -34,7 +34,8 @@ struct ViewTime {
   bool isLive = false, isFrozen = false;
   double hovered = kNoTime;  // the time under the pointer in a chart
   std::optional<TimeRange> selection;
-  TimeRange shown;  // by the charts
+  std::optional<double> cursorB;  // what the charts compare with the shown time
+  TimeRange shown;                // by the charts
   double liveSpan = 10;
   bool showsAll = false;  // `shown` grows with what is followed
 
@@ -75,6 +76,10 @@ void Freeze(ViewTime* time, bool freeze);
 
 // Selects what of it exists.
 void Select(ViewTime* time, TimeRange selection);
+// Selects the same, moves to its beginning and shows it in the charts; freezes a live port.
+void SelectAndShow(ViewTime* time, TimeRange selection);
+// Sets the second cursor, within the source.
+void SetCursorB(ViewTime* time, double at);
 // Shows a range in the charts, moved and shortened so that it lies within the source. For one that is followed, shows
 // as many seconds before its end.
 void ShowRange(ViewTime* time, TimeRange range);
@@ -89,6 +94,10 @@ void ShowByUser(ViewTime* time, TimeRange range);
 // Parses "75.2", "1:15" or "1:02:03.5": seconds, minutes and seconds, with hours. Both . and , are decimal signs;
 // surrounding blanks are allowed. Minutes and seconds after a colon are below 60. Returns false for anything else.
 bool ParseTime(std::string_view text, double* seconds);
+
+// Parses two times with "-", "–" (UTF-8) or ".." between them, or a time, "+" and a length: "1:10 - 1:25.5",
+// "1:10 + 15". Returns false for anything else, but the second time may be before the first.
+bool ParseTimeRange(std::string_view text, TimeRange* range);
 
 // Formats "0:00.000", "1:15.200" or "1:02:03.500" with this number of decimals (0 to 6); `sign` is the decimal sign.
 std::string FormatTime(double seconds, int decimals, char sign = '.');

@@ -30,7 +30,8 @@ namespace camview {
 
 namespace {
 
-const kv::TooltipEntry kTips[] = {{IDC_STATISTICS, MAKEINTRESOURCEW(IDS_STATISTICS_TIP)}};
+const kv::TooltipEntry kTips[] = {{IDC_STATISTICS, MAKEINTRESOURCEW(IDS_STATISTICS_TIP)},
+                                  {IDC_TIME, MAKEINTRESOURCEW(IDS_TIME_TIP)}};
 
 constexpr UINT kStart = WM_APP + 1;  // opens the source in the command line
 constexpr UINT_PTR kTickTimer = 1;

@@ -37,7 +37,8 @@ static_assert(KV_BITMAP_TRANSPARENT == kBitmapTransparent && KV_BITMAP_SQUARE_BY
 static_assert(Name(KV_LINE_RECORDER) == kStripChartClass && KV_STRIP_SWEEP == kStripSweep &&
               KV_STRIP_SEPARATE_AXES == kStripSeparateAxes && KV_STRIP_NO_LEGEND == kStripNoLegend &&
               KV_STRIP_LOGARITHMIC == kStripLogarithmic && KV_STRIP_TIME_OF_DAY == kStripTimeOfDay &&
-              KV_STRIP_SYMBOLS == kStripSymbols && KV_STRIP_NO_STATISTICS == kStripNoStatistics);
+              KV_STRIP_SYMBOLS == kStripSymbols && KV_STRIP_NO_STATISTICS == kStripNoStatistics &&
+              KV_STRIP_ELAPSED == kStripElapsed);
 static_assert(Name(KV_HORIZON) == kHorizonClass && KV_HORIZON_RECTANGULAR == kHorizonRectangular &&
               KV_HORIZON_TAPE == kHorizonTape);
 

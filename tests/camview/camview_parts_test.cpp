@@ -381,6 +381,23 @@ TEST(CamviewTime, IsParsedAndFormatted) {
     EXPECT_EQ(expected >= 0, ParseTime(text, &seconds)) << text;
     EXPECT_DOUBLE_EQ(expected, seconds) << text;
   }
+  const std::pair<const char*, TimeRange> ranges[] = {{"1:10 - 1:25,5", {70, 85.5}},
+                                                      {"5\xE2\x80\x93"
+                                                       "7",
+                                                       {5, 7}},
+                                                      {" 1.5..2.5 ", {1.5, 2.5}},
+                                                      {"1:10 + 15", {70, 85}},
+                                                      {"7-5", {7, 5}},
+                                                      {"5", {}},
+                                                      {"5 -", {}},
+                                                      {"-5", {}},
+                                                      {"1-2-3", {}},
+                                                      {"+5", {}}};
+  for (const auto& [text, expected] : ranges) {
+    TimeRange range;
+    EXPECT_EQ(expected != TimeRange{}, ParseTimeRange(text, &range)) << text;
+    EXPECT_EQ(expected, range) << text;
+  }
   EXPECT_EQ("0:00.000", FormatTime(0, 3));
   EXPECT_EQ("1:15,2", FormatTime(75.2, 1, ','));
   EXPECT_EQ("1:02:03", FormatTime(3723.4, 0));

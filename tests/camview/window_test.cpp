@@ -9,6 +9,7 @@
 #include <fstream>
 #include <ios>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "camera/recording.h"
@@ -72,7 +73,7 @@ TEST_F(CamviewWindow, OpensARecordingAndGoesToTimes) {
   EXPECT_EQ(L"", Field()) << "long after the last record";
   goTo(L"5.01");
   goTo(L"soon");
-  EXPECT_TRUE(Says(L"\"soon\" is not a time."));
+  EXPECT_TRUE(Says(L"\"soon\" is not a time or range."));
   EXPECT_EQ(5.01, view().time.position);
   Press(VK_ESCAPE);
   EXPECT_EQ(L"0:05.010", Text(IDC_TIME));
@@ -192,6 +193,47 @@ TEST_F(CamviewWindow, SumsUpAndExportsWhatIsMarked) {
   EXPECT_EQ(L"camview foreign.twr is not a recording.", boxes[0]);
   EXPECT_EQ(L"camview test.twr – Camera viewer", TextOf(window_));
   EXPECT_TRUE(Records());
+}
+
+TEST_F(CamviewWindow, SelectsATypedRangeAndComparesWithASecondCursor) {
+  OpenFile(Recording(1000));
+  const auto type = [&](const wchar_t* text) {
+    Press('G', VK_CONTROL);
+    SetDlgItemTextW(window_, IDC_TIME, text);
+    Press(VK_RETURN);
+  };
+  const ViewTime& time = view().time;
+  type(L"2 \x2013 4.5");
+  EXPECT_TRUE(time.selection == TimeRange(2, 4.5) && time.position == 2) << camera::Narrow(Text(IDC_STATUS));
+  EXPECT_NEAR(2.75, time.shown.Length(), 1e-9);
+  type(L"4 - 2");
+  EXPECT_TRUE(Says(L"\"4 - 2\" ends before it begins."));
+  type(L"20 + 5");
+  EXPECT_TRUE(Says(L"\"20 + 5\" is outside of 0:00.000 to 0:10.000."));
+  EXPECT_TRUE(time.selection == TimeRange(2, 4.5) && time.position == 2);
+
+  // Both charts show both cursors, wherever they are set.
+  const auto cursorsOf = [&](int chart) {
+    std::pair<double, double> times(-1, -1);
+    kv::GetStripChartCursor(window_, chart, &times.first);
+    kv::GetStripChartCursorB(window_, chart, &times.second);
+    return times;
+  };
+  SetFocus(Control(IDC_TIMELINE));
+  Press('B');
+  GoTo(3);
+  EXPECT_EQ(std::pair(3.0, 2.0), cursorsOf(IDC_CHART_X));
+  EXPECT_EQ(cursorsOf(IDC_CHART_X), cursorsOf(IDC_CHART_Y));
+  SendMessageW(Control(IDC_CHART_Y), WM_LBUTTONDOWN, MK_LBUTTON | MK_CONTROL, MAKELPARAM(200, 50));
+  SendMessageW(Control(IDC_CHART_Y), WM_LBUTTONUP, MK_CONTROL, MAKELPARAM(200, 50));
+  Pump();
+  EXPECT_NE(2, time.cursorB);
+  EXPECT_EQ(cursorsOf(IDC_CHART_X), cursorsOf(IDC_CHART_Y));
+  EXPECT_TRUE(time.selection);
+  SendMessageW(Control(IDC_CHART_Y), WM_KEYDOWN, VK_ESCAPE, 0);
+  Pump();
+  EXPECT_EQ(std::pair(3.0, -1.0), cursorsOf(IDC_CHART_X));
+  EXPECT_FALSE(time.selection);
 }
 
 TEST_F(CamviewWindow, CountsLossesByTheCamerasRate) {

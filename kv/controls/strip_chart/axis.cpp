@@ -59,8 +59,8 @@ double NiceStep(double least) {
   return exponent < -1 ? 1 / std::pow(10, -exponent - 1) : std::pow(10, exponent + 1);
 }
 
-double TimeStep(double least, bool clock) {
-  if (!clock || least <= 0.5) return NiceStep(least);
+double TimeStep(double least, TimeFormat format) {
+  if (format == TimeFormat::kSeconds || least <= 0.5) return NiceStep(least);
   const double* step = std::ranges::lower_bound(kClockSteps, least);
   return step != std::end(kClockSteps) ? *step : kDay * NiceStep(least / kDay);
 }
@@ -122,15 +122,23 @@ std::wstring TickText(double value, double step) {
   return PowerText(Format(plain ? L"%.*f" : L"%.*g", plain ? decimals : digits, value));
 }
 
-std::wstring TimeText(double seconds, double step, bool clock) {
-  if (!clock) return TickText(seconds, step) + L" s";
-  const int decimals = std::min(DecimalsOf(step), 6);
+std::wstring TimeText(double seconds, double step, TimeFormat format) {
+  if (format == TimeFormat::kSeconds) return TickText(seconds, step) + L" s";
+  const int decimals = std::min(DecimalsOf(step), 6), secondsWidth = decimals ? decimals + 3 : 2;
   const double unit = std::pow(10, decimals);
+  if (format == TimeFormat::kElapsed) {
+    const double size = std::round(std::fabs(seconds) * unit) / unit, inMinutes = std::floor(size / 60);
+    const double hours = std::floor(inMinutes / 60), rest = size - inMinutes * 60;
+    const wchar_t* sign = seconds < 0 && size > 0 ? L"-" : L"";
+    if (hours > 0)
+      return Format(L"%ls%.0f:%02.0f:%0*.*f", sign, hours, inMinutes - hours * 60, secondsWidth, decimals, rest);
+    return Format(L"%ls%.0f:%0*.*f", sign, inMinutes, secondsWidth, decimals, rest);
+  }
   double ofDay = std::round((seconds - std::floor(seconds / kDay) * kDay) * unit) / unit;
   if (ofDay >= kDay) ofDay = 0;
   const int whole = static_cast<int>(ofDay), hours = whole / 3600, minutes = whole / 60 % 60;
   if (step >= 60) return Format(L"%02d:%02d", hours, minutes);
-  return Format(L"%02d:%02d:%0*.*f", hours, minutes, decimals ? decimals + 3 : 2, decimals, ofDay - whole + whole % 60);
+  return Format(L"%02d:%02d:%0*.*f", hours, minutes, secondsWidth, decimals, ofDay - whole + whole % 60);
 }
 
 }  // namespace kv

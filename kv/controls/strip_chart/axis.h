@@ -20,8 +20,10 @@ inline double AxisPosition(double value, bool isLogarithmic) {
 
 // The smallest number of the form 1, 2 or 5 times a power of ten that is at least `least` (positive).
 double NiceStep(double least);
-// The same for times in seconds. With `clock`, steps from a second to a day divide a minute, an hour or a day.
-double TimeStep(double least, bool clock);
+
+enum class TimeFormat { kSeconds, kTimeOfDay, kElapsed };
+// The same for times in seconds. Unless in seconds, steps from a second to a day divide a minute, an hour or a day.
+double TimeStep(double least, TimeFormat format);
 
 // A range that contains `low` to `high` and ends on multiples of a step, with about `ticks` steps. If both are equal,
 // the range has a margin.
@@ -46,7 +48,7 @@ std::vector<AxisTick> AxisTicks(const AxisRange& range, double step, bool isLoga
 
 // A number with the decimals that the step needs, or with a few digits and a power of ten.
 std::wstring TickText(double value, double step);
-// A time in seconds with unit, or the time of day.
-std::wstring TimeText(double seconds, double step, bool clock);
+// "75.2 s"; "00:01:15.2" or "00:01"; "1:15.2", "1:02:03" or "-0:05".
+std::wstring TimeText(double seconds, double step, TimeFormat format);
 
 }  // namespace kv

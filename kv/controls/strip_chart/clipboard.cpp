@@ -44,14 +44,15 @@ struct Table {
     if (std::isfinite(value)) FormatPlain(number, sizeof(number), L"%.15g", value);
     Add(number);
   }
-  void AddTime(double time, bool clock) {
-    if (clock) return Add(TimeText(time, 0.001, true));
+  void AddTime(double time, TimeFormat format) {
+    // Spreadsheets would take elapsed minutes for hours.
+    if (format == TimeFormat::kTimeOfDay) return Add(TimeText(time, 0.001, format));
     AddNumber(time);
   }
 };
 
 void AddHead(Table& table, const StripModel& model, bool byColumn) {
-  table.text = model.style & kStripTimeOfDay ? L"h:min:s" : L"s";
+  table.text = TimeFormatOf(model.style) == TimeFormat::kTimeOfDay ? L"h:min:s" : L"s";
   for (const StripChannelData& channel : model.channels) {
     if (!IsShown(channel)) continue;
     const std::wstring unit = ChannelUnit(channel.info);
@@ -94,7 +95,7 @@ void AddSamples(Table& table, const StripModel& model, std::array<IndexRange, kS
       time = std::min(time, next[i].time);
     }
     if (time == kNever) return;
-    table.AddTime(time, (model.style & kStripTimeOfDay) != 0);
+    table.AddTime(time, TimeFormatOf(model.style));
     for (int i = 0; i < kStripChannels; ++i) {
       if (!IsShown(model.channels[i])) continue;
       table.text += L'\t';
@@ -110,7 +111,7 @@ void AddColumns(Table& table, const StripModel& model, const StripLayout& layout
   const long long width = std::max(layout.plot.right - layout.plot.left, 1L);
   for (long long column = layout.lastColumn - width + 1; column <= layout.lastColumn; ++column) {
     const double start = static_cast<double>(column) * layout.secondsPerColumn;
-    table.AddTime(start, (model.style & kStripTimeOfDay) != 0);
+    table.AddTime(start, TimeFormatOf(model.style));
     for (unsigned i = 0; i < kStripChannels; ++i) {
       if (!IsShown(model.channels[i])) continue;
       const Extent extent = WithSamples(model, i, [&](const auto& samples) {

@@ -107,8 +107,7 @@ StripLayout LayoutStrip(const StripModel& model, SIZE size) {
   const StripTimeRange shown = ShownTimes(model);
   const LONG width = std::max(plot.right - plot.left, 1L);
   layout.secondsPerColumn = (shown.to - shown.from) / width;
-  layout.timeStep =
-      TimeStep(layout.secondsPerColumn * layout.digitPx * kLabelCharacters, (model.style & kStripTimeOfDay) != 0);
+  layout.timeStep = TimeStep(layout.secondsPerColumn * layout.digitPx * kLabelCharacters, TimeFormatOf(model.style));
   layout.lastColumn = static_cast<long long>(std::floor(shown.to / layout.secondsPerColumn));
   layout.sweeps = IsSweep(model);
   layout.gapPx = layout.sweeps ? std::max(3L, width / 60) : 0;

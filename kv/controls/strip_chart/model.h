@@ -48,6 +48,11 @@ inline bool IsFrozen(const StripModel& model) {
 inline bool IsLogarithmic(const StripModel& model) {
   return (model.style & kStripLogarithmic) != 0;
 }
+inline TimeFormat TimeFormatOf(DWORD style) {
+  return style & kStripElapsed     ? TimeFormat::kElapsed
+         : style & kStripTimeOfDay ? TimeFormat::kTimeOfDay
+                                   : TimeFormat::kSeconds;
+}
 inline bool IsShown(const StripChannelData& channel) {
   return channel.used && (channel.info.state & kStripVisible);
 }

@@ -57,16 +57,17 @@ Tooltip StatisticsTooltip(const StripModel& model, const StripLayout& layout) {
 
 // Values at the cursor or, with a second one, at both, and the differences.
 Tooltip CursorTooltip(const StripModel& model, const StripLayout& layout) {
-  const bool isDouble = model.cursorBShown, clock = (model.style & kStripTimeOfDay) != 0;
+  const bool isDouble = model.cursorBShown;
+  const TimeFormat format = TimeFormatOf(model.style);
   Tooltip tooltip{.columns = isDouble ? 4 : 2};
   const StripReading reading = ReadingAt(model, model.cursor), other = ReadingAt(model, model.cursorB);
   const double step = std::max(layout.timeStep / 100, 1e-6);
-  const std::wstring time = TimeText(reading.time, step, clock);
+  const std::wstring time = TimeText(reading.time, step, format);
   TooltipRow& head = tooltip.rows[tooltip.count++];
   head = {-1, {time}};
   if (isDouble) {
-    head.texts = {L"", L"A " + time, L"B " + TimeText(other.time, step, clock),
-                  L"\x0394 " + TimeText(other.time - reading.time, step, false)};
+    head.texts = {L"", L"A " + time, L"B " + TimeText(other.time, step, format),
+                  L"\x0394 " + TimeText(other.time - reading.time, step, TimeFormat::kSeconds)};
   }
   for (int i = 0; i < kStripChannels; ++i) {
     const StripChannel& info = model.channels[i].info;

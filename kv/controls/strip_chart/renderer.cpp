@@ -157,7 +157,7 @@ void StripRenderer::DrawTimes() {
   const SelectedObject selected(canvas.dc(), font_);
   const long long first = OldestColumn(layout) + layout.gapPx, last = layout.lastColumn;
   ForTimeTicks(layout, first, last + 1, [&](double time, long long column) {
-    const std::wstring text = TimeText(time, layout.timeStep, (key_.style & kStripTimeOfDay) != 0);
+    const std::wstring text = TimeText(time, layout.timeStep, TimeFormatOf(key_.style));
     const LONG half = (WidthOf(canvas.dc(), text) + 1) / 2 + 1;  // antialiased edges reach beyond the width
     const LONG place = PlaceOf(layout, column);
     const bool isShown = column - half >= first && column + half <= last + 1;

@@ -74,6 +74,7 @@ inline constexpr DWORD kStripLogarithmic = 0x0080;   // logarithmic value axes; 
 inline constexpr DWORD kStripTimeOfDay = 0x0100;     // the time axis shows hours, minutes and seconds
 inline constexpr DWORD kStripSymbols = 0x0200;       // symbols on the lines: colors alone need not tell them apart
 inline constexpr DWORD kStripNoStatistics = 0x0400;  // no tooltip with the statistics of the selection
+inline constexpr DWORD kStripElapsed = 0x0800;       // times are minutes and seconds, 1:15, or with hours, 1:02:03
 
 struct StripSample {
   double time, value;
@@ -229,6 +230,7 @@ inline constexpr WPARAM kStripZoneEnable = 0x0400;  // kStripZone: shows the zon
 // Notification codes.
 inline constexpr WORD kStripNotifyView = 1, kStripNotifyCursor = 2, kStripNotifySelection = 3;
 inline constexpr WORD kStripNotifyChannels = 5;   // a channel was hidden or shown
+inline constexpr WORD kStripNotifyCursorB = 6;    // the second cursor was set or removed
 inline constexpr WORD kStripNotifyCursorSet = 4;  // the cursor was placed, by a click without dragging or by keys
 
 // Appends samples from any thread, without waiting for the window: they are queued, and shown within about 50 ms. Every

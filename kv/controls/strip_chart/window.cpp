@@ -89,7 +89,7 @@ AccessibleText Describe(const StripChart& chart) {
   }
   if (model.cursorShown && model.cursorBShown) {
     const double step = layout.timeStep > 0 ? layout.timeStep / 100 : 0.01;
-    text.value += L", \x0394 " + TimeText(model.cursorB - model.cursor, step, false);
+    text.value += L", \x0394 " + TimeText(model.cursorB - model.cursor, step, TimeFormat::kSeconds);
   }
   return text;
 }
@@ -196,7 +196,7 @@ LRESULT ToggleChannel(StripChart& chart, unsigned channel) {
 LRESULT SetCursorB(StripChart& chart, bool isShown, double time) {
   chart.model.cursorBShown = isShown;
   chart.model.cursorB = time;
-  return Changed(chart, kStripNotifyCursor);
+  return Changed(chart, kStripNotifyCursorB);
 }
 
 // Zooms into the rectangle; after a click, there is none.

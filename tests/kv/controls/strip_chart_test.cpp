@@ -318,6 +318,7 @@ TEST_F(StripCharts, ZoomsIntoARectangleAndBackAndMeasuresBetweenTwoCursors) {
   SendMessageA(chart, WM_KEYDOWN, 'B', 0);
   StripReading none{};
   EXPECT_EQ(0, Send(chart, kStripCursorB | kCommandRead, &none));
+  EXPECT_EQ(2, Notified(kStripNotifyCursorB));
 }
 
 TEST_F(StripCharts, ShowsEventsInTheOrderOfTheirTimesAndAPauseSign) {

@@ -85,7 +85,7 @@ TEST(StripAxes, StepsAreOneTwoAndFive) {
     EXPECT_EQ(step, NiceStep(least)) << least;
   }
   for (const auto& [least, step] : {std::pair{0.3, 0.5}, {7, 10}, {11, 15}, {61, 120}, {4000, 7200}, {1e5, 172800}}) {
-    EXPECT_EQ(step, TimeStep(least, true)) << least;
+    EXPECT_EQ(step, TimeStep(least, TimeFormat::kTimeOfDay)) << least;
   }
   using Range = std::tuple<double, double, double, double>;  // values, and the range for them
   for (const auto& [low, high, from, to] : {Range{3, 97, 0, 100},
@@ -111,12 +111,21 @@ TEST(StripAxes, StepsAreOneTwoAndFive) {
   {
     const kvtest::CommaLocale comma;
     EXPECT_EQ(L"0.30", TickText(0.3, 0.05));
-    EXPECT_EQ(L"23:59:58.5", TimeText(-1.5, 0.5, true));
+    EXPECT_EQ(L"23:59:58.5", TimeText(-1.5, 0.5, TimeFormat::kTimeOfDay));
   }
-  EXPECT_EQ(L"-12 s", TimeText(-12, 1, false));
-  EXPECT_EQ(L"23:59:58.5", TimeText(-1.5, 0.5, true));
-  EXPECT_EQ(L"00:00:00", TimeText(86399.9, 1, true));
-  EXPECT_EQ(L"07:05", TimeText(86400 * 3 + 7 * 3600 + 300, 60, true));
+  EXPECT_EQ(L"-12 s", TimeText(-12, 1, TimeFormat::kSeconds));
+  EXPECT_EQ(L"23:59:58.5", TimeText(-1.5, 0.5, TimeFormat::kTimeOfDay));
+  EXPECT_EQ(L"00:00:00", TimeText(86399.9, 1, TimeFormat::kTimeOfDay));
+  EXPECT_EQ(L"07:05", TimeText(86400 * 3 + 7 * 3600 + 300, 60, TimeFormat::kTimeOfDay));
+  using Elapsed = std::tuple<double, double, std::wstring>;
+  for (const auto& [seconds, step, text] : {Elapsed{75.2, 0.1, L"1:15.2"},
+                                            {59.9996, 0.001, L"1:00.000"},
+                                            {3723, 60, L"1:02:03"},
+                                            {360000, 1, L"100:00:00"},
+                                            {-5, 1, L"-0:05"},
+                                            {-0.4, 1, L"0:00"}}) {
+    EXPECT_EQ(text, TimeText(seconds, step, TimeFormat::kElapsed));
+  }
 }
 
 TEST(StripReadings, NoValueIsReadWhereNoneWasMeasured) {
