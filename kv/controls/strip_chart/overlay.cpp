@@ -93,8 +93,9 @@ bool HasOverlay(const StripModel& model) {
   return model.cursorShown || model.cursorBShown || HasStatistics(model) || IsFrozen(model) || !model.events.empty();
 }
 
-// Beside the columns from..to, where the box covers the fewest pixels of lines; within the plot if it is wide enough.
-RECT StripRenderer::PlaceTooltip(SIZE size, LONG from, LONG to) const {
+// Beside the columns from..to or the `other` one, where the box covers the fewest pixels of lines; within the plot if
+// it is wide enough.
+RECT StripRenderer::PlaceTooltip(SIZE size, LONG from, LONG to, LONG other) const {
   const StripLayout& layout = key_.layout;
   const RECT& plot = layout.plot;
   const LONG margin = layout.fontPx / 2, width = plot.right - plot.left;
@@ -113,12 +114,14 @@ RECT StripRenderer::PlaceTooltip(SIZE size, LONG from, LONG to) const {
   RECT best{};
   LONG fewest = LONG_MAX;
   for (const LONG top : {plot.top + margin, std::max(plot.bottom - margin - size.cy, plot.top)}) {
-    for (const LONG left : {to + margin * 2, from - margin * 2 - size.cx}) {
+    for (const LONG left :
+         {to + margin * 2, from - margin * 2 - size.cx, other + margin * 2, other - margin * 2 - size.cx}) {
       const LONG inside = std::max(std::min(left, most), least);
       const RECT box{inside, top, inside + size.cx, top + size.cy};
-      // Rather on a line than on the cursor, and rather where it was, at the right and the top.
-      const bool isOnCursor = inside <= to && inside + size.cx > from;
-      const LONG covered = coveredPixels(box) + (isOnCursor ? 1 << 20 : 0) + (best.right ? size.cx / 16 : 0);
+      // Rather on a line than on a cursor, and rather where it was, at the right and the top.
+      const auto isOn = [&](LONG first, LONG last) { return inside <= last && inside + size.cx > first; };
+      const LONG covered = coveredPixels(box) + (isOn(from, to) ? 1 << 21 : 0) + (isOn(other, other) ? 1 << 20 : 0) +
+                           (best.right ? size.cx / 16 : 0);
       if (covered >= fewest) continue;
       fewest = covered;
       best = box;
@@ -149,7 +152,8 @@ void StripRenderer::DrawTooltip(Canvas& canvas, const StripModel& model) {
   const LONG height = line * tooltip.count + margin;
   const StripTimeRange place = statistics ? model.selection : StripTimeRange{model.cursor, model.cursor};
   const auto inPlot = [&](double time) { return std::clamp(XOfTime(layout, time), plot.left, plot.right); };
-  const RECT box = PlaceTooltip({width, height}, inPlot(place.from), inPlot(place.to));
+  const double other = !statistics && model.cursorBShown ? model.cursorB : place.from;
+  const RECT box = PlaceTooltip({width, height}, inPlot(place.from), inPlot(place.to), inPlot(other));
   FillArea(canvas, box, colors.frame);
   FillArea(canvas, {box.left + 1, box.top + 1, box.right - 1, box.bottom - 1}, colors.tooltip);
   SetBkMode(canvas.dc(), TRANSPARENT);

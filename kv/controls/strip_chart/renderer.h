@@ -97,7 +97,7 @@ class StripRenderer {
   void DrawEvents(Canvas& canvas, const StripModel& model);
   void DrawCursor(Canvas& canvas, double time, const wchar_t* name);
   void DrawTooltip(Canvas& canvas, const StripModel& model);
-  RECT PlaceTooltip(SIZE size, LONG from, LONG to) const;
+  RECT PlaceTooltip(SIZE size, LONG from, LONG to, LONG other) const;
 
   Surface surface_, overlaid_;
   MemoryDc dc_{nullptr};
