@@ -1,5 +1,5 @@
-// How long camview takes to open a recording and to make the curves and statistics of it, and how much memory that
-// needs. The recordings are made in the folder for temporary files, and removed.
+// How long camview takes to open a recording and to make the curves, statistics and distributions of it, and how much
+// memory that needs. The recordings are made in the folder for temporary files, and removed.
 //
 //   camview_benchmark            an hour and a day at 93 records a second
 #include <windows.h>
@@ -17,6 +17,7 @@
 #include "camera/files.h"
 #include "camera/ports.h"
 #include "camera/recording.h"
+#include "camview/distributions.h"
 #include "camview/record_store.h"
 #include "camview/recording_loader.h"
 #include "camview/statistics.h"
@@ -88,9 +89,26 @@ void Measure(const char* name, const std::string& path) {
   const double middle = loaded.seconds / 2, hour = curve(std::max(middle - 1800, 0.0), middle + 1800);
   const double minute = curve(middle - 30, middle + 30);
   const double statistics = Milliseconds([&] { camview::ComputeStatistics(store, 0, loaded.seconds); });
+  // As the window counts: in parts, between which it handles messages.
+  constexpr long long kPart = 1 << 20;
+  camview::Distributions distributions;
+  double counting = 0, longest = 0;
+  for (bool isCounted = false; !isCounted;) {
+    const double part = Milliseconds([&] { isCounted = distributions.Count(store, 0, store.End(), kPart); });
+    counting += part;
+    longest = std::max(longest, part);
+  }
+  const double showing = Milliseconds([&] {
+    for (int point = 0; point < kv::kPointCount; ++point) {
+      const camview::CountGrid places = distributions.PlacesOf(point);
+      for (const int coordinate : {0, 1}) sum += camview::FiguresOf(camview::HistogramOf(places, coordinate)).highest;
+    }
+  });
   if (sum < 0) std::printf("  no points\n");
   std::printf("  eight curves: all %.1f ms, an hour %.1f ms, a minute %.1f ms; statistics of all %.0f ms\n", whole,
               hour, minute, statistics);
+  std::printf("  distributions of all: counted in %.0f ms, the longest part %.0f ms; histograms of that %.1f ms\n",
+              counting, longest, showing);
 }
 
 }  // namespace

@@ -221,7 +221,9 @@ void ToggleCursorB(View& view) {
   // In the charts of a followed port, the first cursor is at the pointer.
   if (time.IsFollowing()) {
     const Charts& charts = view.display.charts();
-    if (!charts.CursorOf(IDC_CHART_X, &at)) charts.CursorOf(IDC_CHART_Y, &at);
+    for (const int chart : kCharts) {
+      if (charts.CursorOf(chart, &at)) break;
+    }
   }
   SetCursorB(&time, at);
 }

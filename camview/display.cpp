@@ -154,6 +154,7 @@ void Display::Forget() {
   speed_ = -1;
   statisticsKey_.reset();
   eventsVersion_.reset();
+  distributions_.Forget();
 }
 
 void Display::Say(StatusMark mark, const std::wstring& text) {

@@ -25,6 +25,8 @@ class DistributionDisplay {
   // Counts a part of the records with each call, so that a day of them does not stop the window, and shows the counts
   // when all are counted. A followed range is taken once a second.
   void Show(const Content& content);
+  // After a change of the language, the next Show shows the counts again.
+  void Forget() { shown_.reset(); }
   // There is more to count: Show should be called soon.
   bool IsPending() const { return isDue_; }
 

@@ -169,7 +169,7 @@ void DrawReading(kv::Canvas& canvas, const PanelLayout& layout, const PanelColor
 PanelLayout LayoutPanel(const RECT& area, int fontPx, size_t digits, bool isScatter, const CountGrid& grid) {
   PanelLayout layout{.fontPx = fontPx, .digitPx = std::max(fontPx * 56 / 100, 1), .bin = 1, .isScatter = isScatter};
   const LONG gap = std::max(fontPx / 4, 2);
-  layout.header = {area.left, area.top, area.right, area.top + fontPx + 2 * gap};
+  layout.header = {area.left + gap, area.top, area.right, area.top + fontPx + 2 * gap};
   RECT& plot = layout.plot;
   plot = {area.left + static_cast<LONG>(digits) * layout.digitPx + 2 * gap, layout.header.bottom,
           area.right - 2 * layout.digitPx, area.bottom - fontPx - 3 * gap};

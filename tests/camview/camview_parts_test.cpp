@@ -117,6 +117,15 @@ TEST(CamviewStore, KnowsTheExtremesOfAnyRange) {
       ASSERT_EQ(std::pair(lowest, highest), std::pair(LONG{extremes.lowest}, LONG{extremes.highest}))
           << from << " to " << to;
     }
+    std::int64_t shortest = INT64_MAX, longest = -1;
+    for (size_t n = std::max<size_t>(from, 1); n < to; ++n) {
+      const double before = store.Seconds(static_cast<long long>(n) - 1);
+      const std::int64_t interval = std::llround((store.Seconds(static_cast<long long>(n)) - before) * 1e6);
+      shortest = std::min(shortest, interval);
+      longest = std::max(longest, interval);
+    }
+    const Intervals intervals = store.IntervalsOf(static_cast<long long>(from), static_cast<long long>(to));
+    ASSERT_EQ(std::pair(shortest, longest), std::pair(intervals.shortest, intervals.longest)) << from << " to " << to;
   }
 }
 

@@ -14,12 +14,14 @@
 
 #include "camera/recording.h"
 #include "camera/text.h"
+#include "camview/camera_field.h"
 #include "camview/resource_ids.h"
 #include "camview/status_line.h"
 #include "camview/view_time.h"
 #include "camview/window.h"
 #include "kv/controls/strip_chart/strip_chart.h"
 #include "kv/framework/file_path.h"
+#include "kv/framework/painting.h"
 #include "kv/lists/list_navigation.h"
 #include "kv/toolkit/strip_charts.h"
 #include "kv/toolkit/text_tips.h"
@@ -300,7 +302,14 @@ TEST_F(CamviewWindow, ShowsDistributionsAndIntervalsOfTheSelection) {
   EXPECT_EQ(L"x\tx1\r\n500\t1\r\n501\t1\r\n", kvtest::ClipboardText(window_).substr(0, 20));
   Command(IDM_LANGUAGE_FIRST + 1);
   EXPECT_EQ(L"x1 = 500: 1 Datensatz, 9,1 %", value(IDC_HISTOGRAM_X));
+  EXPECT_TRUE(view().display.IsPending()) << "the numbers in it are to be drawn again";
   Command(IDM_LANGUAGE_FIRST);
+  Command(IDM_COPY_IMAGE);
+  const SIZE size = kvtest::ClipboardBitmapSize(window_);
+  const kvtest::TestBitmap image(size.cx, size.cy);
+  kvtest::ClipboardBitmapSize(window_, &image);
+  EXPECT_LT(20, image.CountOf(PointColor(1))) << "the scatter plot of point 2";
+  EXPECT_LT(100, image.CountOf(kv::MixColors(PointColor(0), GetSysColor(COLOR_WINDOWTEXT), 20))) << "bars";
 
   // The silence is a gap; after it, there is its length.
   Press(VK_F9);
