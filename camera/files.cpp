@@ -2,8 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "camera/record_intake.h"
@@ -143,16 +145,65 @@ void CloseInput(HANDLE file) {
 
 namespace {
 
-// Reads the next part of a file; 0 bytes at its end. On failure, GetLastError says why.
-bool ReadPart(HANDLE file, const std::string& path, std::string* part, std::string* error) {
+struct Part {
+  HANDLE file;
+  std::string bytes;
+  DWORD failure = 0;
+};
+
+void Read(Part* part) {
   DWORD read = 0;
-  part->resize(kPartBytes);
-  const bool done = ReadFile(file, part->data(), kPartBytes, &read, nullptr) || GetLastError() == ERROR_BROKEN_PIPE;
-  const DWORD failure = done ? 0 : GetLastError();
-  if (!done) *error = CannotRead(path, failure);
-  part->resize(read);
-  SetLastError(failure);
-  return done;
+  part->bytes.resize(kPartBytes);
+  const bool done =
+      ReadFile(part->file, part->bytes.data(), kPartBytes, &read, nullptr) || GetLastError() == ERROR_BROKEN_PIPE;
+  part->failure = done ? 0 : GetLastError();
+  part->bytes.resize(read);
+}
+
+DWORD WINAPI ReadOnThread(void* share) {
+  const std::unique_ptr<std::shared_ptr<Part>> part(static_cast<std::shared_ptr<Part>*>(share));
+  Read(part->get());
+  return 0;
+}
+
+// Returns false if `stop` was signaled before there was something to read; then the thread remains blocked. Cancelling
+// its read would not work everywhere.
+bool ReadUnlessStopped(const std::shared_ptr<Part>& part, HANDLE stop) {
+  auto* share = new std::shared_ptr<Part>(part);
+  HANDLE thread = CreateThread(nullptr, 0, ReadOnThread, share, 0, nullptr);
+  if (!thread) {
+    delete share;
+    Read(part.get());
+    return true;
+  }
+  const HANDLE waits[] = {thread, stop};
+  const bool isRead = WaitForMultipleObjects(2, waits, FALSE, INFINITE) == WAIT_OBJECT_0;
+  CloseHandle(thread);
+  return isRead;
+}
+
+// Reads the next part of a file; 0 bytes at its end, or when `stop` (may be null) is signaled. On failure, GetLastError
+// says why.
+bool ReadPart(HANDLE file, const std::string& path, HANDLE stop, std::string* bytes, std::string* error) {
+  const auto part = std::make_shared<Part>(Part{file, std::move(*bytes)});
+  bytes->clear();
+  if (!stop || GetFileType(file) == FILE_TYPE_DISK) {
+    Read(part.get());
+  } else if (!ReadUnlessStopped(part, stop)) {
+    return true;
+  }
+  *bytes = std::move(part->bytes);
+  if (part->failure) *error = CannotRead(path, part->failure);
+  SetLastError(part->failure);
+  return part->failure == 0;
+}
+
+bool ReadNext(RecordingFile* recording, std::string* error) {
+  const bool isRead = ReadPart(recording->file, recording->path, recording->stop, &recording->part, error);
+  if (!isRead) recording->systemError = GetLastError();
+  recording->isStopped = (recording->onPart && !recording->onPart()) ||
+                         (recording->stop && WaitForSingleObject(recording->stop, 0) == WAIT_OBJECT_0);
+  return isRead;
 }
 
 }  // namespace
@@ -161,7 +212,7 @@ bool ReadWholeFile(const std::string& path, size_t limit, std::string* bytes, st
   HANDLE file = OpenForReading(path, error);
   if (file == INVALID_HANDLE_VALUE) return false;
   std::string part;
-  while (ReadPart(file, path, &part, error) && !part.empty() && bytes->size() <= limit) *bytes += part;
+  while (ReadPart(file, path, nullptr, &part, error) && !part.empty() && bytes->size() <= limit) *bytes += part;
   CloseInput(file);
   if (bytes->size() > limit) *error = "\"" + path + "\" is larger than " + std::to_string(limit) + " bytes";
   return error->empty();
@@ -193,10 +244,8 @@ bool ReadHeader(RecordingFile* recording) {
       default: break;
     }
     std::string error;
-    if (!ReadPart(recording->file, recording->path, &recording->part, &error)) {
-      recording->systemError = GetLastError();
-      return Fail(OpenFailure::kUnreadable, error, recording);
-    }
+    if (!ReadNext(recording, &error)) return Fail(OpenFailure::kUnreadable, error, recording);
+    if (recording->isStopped) return Fail(OpenFailure::kStopped, "interrupted", recording);
     if (recording->part.empty()) {
       // Truncated within the header: a recording without chunks.
       return !recording->decoder.pending.empty() || Fail(OpenFailure::kEmpty, quoted + " is empty", recording);
@@ -275,12 +324,7 @@ bool NextChunk(RecordingFile* recording, Chunk* chunk) {
       case Decoded::kNeedMore: break;
       default: continue;
     }
-    if (!ReadPart(recording->file, recording->path, &recording->part, &recording->error)) {
-      recording->systemError = GetLastError();
-      return false;
-    }
-    recording->isStopped = recording->onPart && !recording->onPart();
-    if (recording->isStopped) return false;
+    if (!ReadNext(recording, &recording->error) || recording->isStopped) return false;
     if (recording->part.empty()) break;
     FeedDecoder(&recording->decoder, recording->part);
   }

@@ -54,7 +54,7 @@ bool ReadWholeFile(const std::string& path, size_t limit, std::string* bytes, st
 // ---- Recordings -----------------------------------------------------------------------------------------------------
 
 // The reason for a failure of OpenRecording.
-enum class OpenFailure { kNone, kUnreadable, kEmpty, kForeign, kOtherVersion };
+enum class OpenFailure { kNone, kUnreadable, kEmpty, kForeign, kOtherVersion, kStopped };
 
 struct RecordingFile {
   HANDLE file = INVALID_HANDLE_VALUE;
@@ -66,6 +66,9 @@ struct RecordingFile {
   // Called after each part of the file, at most 64 KB, which may contain no chunk at all. When it returns false,
   // reading ends as at the end of the file, and `isStopped` is set.
   std::function<bool()> onPart;
+  // An event that ends reading in the same way when it is signaled, even while a pipe or a console has nothing to read;
+  // null: none.
+  HANDLE stop = nullptr;
   bool isStopped = false;
   // The recording may still be written: at the end of the file without that of the recording, functions that read
   // return false as after the last chunk, but leave what is incomplete, and can be called again for what is appended.

@@ -70,12 +70,11 @@ int OpenRecordingOrPrintError(const std::string& path, camera::RecordingFile* re
     PrintError(path + " is a port, not a recording; \"camtool watch " + path + "\" shows what it sends");
     return kUsageError;
   }
+  recording->stop = StopEvent();
   if (!camera::OpenRecording(path, recording)) {
     PrintError(recording->error);
     return recording->failure == camera::OpenFailure::kEmpty ? kEmpty : kFailed;
   }
-  StopEvent();
-  recording->onPart = [] { return !IsStopRequested(); };
   return kDone;
 }
 

@@ -41,7 +41,7 @@ bool WriteRows(Exporter* exporter) {
   exporter->recording.onPart = [&] {
     if (progress.IsDue())
       progress.Show(camera::Counted(static_cast<unsigned long long>(exporter->stream.records), "record"));
-    return !IsStopRequested();
+    return true;
   };
   while (NextRecords(&exporter->recording, &exporter->stream, &found)) {
     for (const camera::FoundRecord& record : found) {

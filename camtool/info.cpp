@@ -269,7 +269,7 @@ bool ReadAll(Facts* facts) {
   facts->file.onPart = [&] {
     if (progress.IsDue())
       progress.Show(camera::Counted(static_cast<unsigned long long>(facts->sums.records), "record"));
-    return !IsStopRequested();
+    return true;
   };
   camera::IntakeBatch batch;
   for (bool isMore = true; isMore; ClearBatch(&batch)) {

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "camera/camera_record.h"
+#include "camera/files.h"
 #include "camera/line_analysis.h"
 #include "camera/recording.h"
 #include "camera/text.h"
@@ -276,6 +277,39 @@ TEST(Camtool, KeepsExistingFiles) {
     EXPECT_PRED2(Says, read.Said(), reason);
   }
   for (const std::string& path : {recording, link, csv}) DeleteFileA(path.c_str());
+}
+
+TEST(Camtool, CanBeStoppedWhileItsInputIsSilent) {
+  const std::string whole =
+      camera::EncodeHeader({133801632000000000, 38400, 3}) + camera::EncodeChunks(1, "0100,0200,0300,0400,") + "\x05";
+  HANDLE before = GetStdHandle(STD_INPUT_HANDLE), stop = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+  for (const size_t sent : {size_t{0}, size_t{20}, whole.size()}) {
+    HANDLE input, pipe;
+    ASSERT_TRUE(CreatePipe(&input, &pipe, nullptr, 0));
+    DWORD written = 0;
+    ASSERT_TRUE(sent == 0 || WriteFile(pipe, whole.data(), static_cast<DWORD>(sent), &written, nullptr));
+    SetStdHandle(STD_INPUT_HANDLE, input);
+    ResetEvent(stop);
+    camera::RecordingFile recording;
+    camera::Chunk chunk;
+    recording.stop = stop;
+    ULONGLONG stoppedMs = 0;
+    const std::jthread stopper([&] {
+      Sleep(100);
+      stoppedMs = GetTickCount64();
+      SetEvent(stop);
+    });
+    const bool isOpen = camera::OpenRecording("-", &recording);
+    EXPECT_EQ(sent == whole.size(), isOpen);
+    EXPECT_EQ(isOpen, camera::NextChunk(&recording, &chunk));
+    EXPECT_FALSE(camera::NextChunk(&recording, &chunk));
+    EXPECT_TRUE(recording.isStopped);
+    EXPECT_GT(stoppedMs + 500, GetTickCount64());
+    CloseHandle(pipe);
+    CloseHandle(input);
+  }
+  SetStdHandle(STD_INPUT_HANDLE, before);
+  CloseHandle(stop);
 }
 
 TEST(Camtool, TellsLossesAndSilenceApartAndListsThem) {
