@@ -74,7 +74,8 @@ void DrawTextLine(Canvas& canvas, HFONT font, std::wstring_view text, RECT area,
 int CaptionFontHeight(int governingSide, DWORD style) {
   constexpr int kSmall = 9, kNormal = 14;
   if (!(style & kInstrumentFitted)) return governingSide < 32 ? kSmall : kNormal;
-  return std::max({kSmall, std::min(kNormal, governingSide * 3 / 10), governingSide / 5});
+  // Captions of neighbors of different sizes do not differ as much as their sizes.
+  return std::max(kSmall, std::min(governingSide * 3 / 10, 10 + governingSide / 12));
 }
 
 void DrawCaption(Canvas& canvas, const RECT& strip, const InstrumentAppearance& appearance, int fontHeight,
