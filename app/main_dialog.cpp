@@ -40,6 +40,8 @@ namespace {
 #define WIDE_TEXT(text) WIDE_TEXT_(text)
 
 // The strip's images follow the standard images of the common controls.
+constexpr UINT kAboutItem = 0x9000;  // of the system menu
+
 constexpr int kStandardImages = 15, kToolbarImages = 88;
 constexpr int kConnectImage = 32;
 constexpr COLORREF kTransparentColor = RGB(255, 0, 255);
@@ -102,6 +104,13 @@ void SetUpToolbar(HWND dialog, AppContext* context) {
   context->hToolbarStrip = LoadStrip(dialog);
   TBADDBITMAP own{nullptr, reinterpret_cast<UINT_PTR>(context->hToolbarStrip)};
   SendMessageA(toolbar, TB_ADDBITMAP, kToolbarImages, reinterpret_cast<LPARAM>(&own));
+}
+
+// Beside the commands of the window, because the dialog has no menu bar.
+void SetUpSystemMenu(HWND dialog) {
+  const HMENU menu = GetSystemMenu(dialog, FALSE);
+  AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+  AppendMenuW(menu, MF_STRING, kAboutItem, L"About Tarnwick...");
 }
 
 void SetUpTooltips(HWND dialog, HWND toolbar) {
@@ -188,6 +197,7 @@ INT_PTR SetUpMainDialog(HWND dialog, AppContext* context) {
   CaptureLayout(dialog, context->layout, kScaledIdFirst, kScaledIdLast);
   SetUpToolbar(dialog, context);
   SetUpTooltips(dialog, context->controls.toolbar);
+  SetUpSystemMenu(dialog);
   SetUpStatusButtons(context->controls);
   StartReader(context);
   SetUpPages(dialog, context);
@@ -325,6 +335,12 @@ INT_PTR OnCommand(HWND dialog, AppContext* context, UINT command) {
   return 0;
 }
 
+INT_PTR OnSystemCommand(HWND dialog, WPARAM command) {
+  if (command != kAboutItem) return 0;
+  MessageBoxA(dialog, "Tarnwick " TARNWICK_VERSION_LINE, "About Tarnwick", MB_ICONINFORMATION);
+  return 1;
+}
+
 INT_PTR OnNotify(HWND dialog, AppContext* context, const NMHDR* notice) {
   if (IsBadReadPtr(notice, sizeof(*notice)) || notice->idFrom != IDC_PAGES || notice->code != TCN_SELCHANGE) return 0;
   const auto page = static_cast<int>(SendMessageA(context->controls.pages, TCM_GETCURSEL, 0, 0));
@@ -436,6 +452,7 @@ INT_PTR CALLBACK MainDialogProcedure(HWND dialog, UINT message, WPARAM wParam, L
   switch (message) {
     case WM_INITDIALOG: return SetUpMainDialog(dialog, reinterpret_cast<AppContext*>(lParam));
     case WM_MEASUREITEM: return IsBadReadPtr(reinterpret_cast<void*>(lParam), sizeof(MEASUREITEMSTRUCT)) ? 1 : 0;
+    case WM_SYSCOMMAND: return OnSystemCommand(dialog, wParam);
     case WM_CTLCOLORBTN: return OnButtonColor(reinterpret_cast<HWND>(lParam));
     case WM_SIZING:
       return LimitSizing(static_cast<UINT>(wParam), reinterpret_cast<RECT*>(lParam), kMinWidth, kMinHeight);

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "kv/framework/accessible.h"
 #include "kv/framework/bitmaps.h"
 #include "kv/framework/control_class.h"
 #include "kv/framework/dialog.h"
@@ -19,6 +20,7 @@
 #include "kv/framework/modules.h"
 #include "kv/framework/window_position.h"
 #include "kv/lists/extended_list.h"
+#include "kv/toolkit/about_box.h"
 #include "kv/toolkit/control_access.h"
 #include "kv/toolkit/control_layout.h"
 #include "kv/toolkit/copy_key.h"
@@ -31,9 +33,10 @@ namespace kv {
 namespace {
 
 constexpr wchar_t kStateProperty[] = L"kvScaledDialog";
-constexpr int kTextPx = 14;     // at scale 1 and 96 DPI
-constexpr int kMinTextPx = 11;  // at 96 DPI; smaller ones cannot be read
-constexpr int kMinRowPx = 15;   // of a list: for a text of that height
+constexpr int kTextPx = 14;          // at scale 1 and 96 DPI
+constexpr int kMinTextPx = 11;       // at 96 DPI; smaller ones cannot be read
+constexpr UINT kAboutItem = 0x9000;  // the system uses the low four bits
+constexpr int kMinRowPx = 15;        // of a list: for a text of that height
 
 using SharedDialogState = std::shared_ptr<DialogState>;
 
@@ -123,6 +126,13 @@ void AddMenu(HWND dialog, DialogState& state) {
                SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+void AddAboutItem(HWND dialog, const DialogState& state) {
+  if (!state.options.version || state.kind == DialogKind::kPage) return;
+  const HMENU menu = GetSystemMenu(dialog, FALSE);
+  AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+  AppendMenuW(menu, MF_STRING, kAboutItem, L"About...");
+}
+
 void SaveState(HWND dialog, const DialogState& state, bool endsSession) {
   if (state.kind != DialogKind::kPage) SavePosition(dialog, state.options);
   CallDialogProcedure(dialog, state, kSaveState, endsSession, 0);
@@ -144,6 +154,7 @@ INT_PTR OnInit(HWND dialog, const Opening& opening) {
   SetTextsOfLanguage(dialog, options.templateName);
   if (state->kind != DialogKind::kPage) RestoreTemplateSize(dialog, options.templateName);
   AddMenu(dialog, *state);
+  AddAboutItem(dialog, *state);
   const SIZE asInTemplate = SizeOf(dialog);
   // Not so small that texts would be.
   const auto minimum = [](LONG chosen, LONG ofTemplate) {
@@ -257,6 +268,12 @@ INT_PTR OnCommand(HWND dialog, const DialogState& state, WORD id) {
   return OnClose(dialog, state, id);
 }
 
+INT_PTR OnSystemCommand(HWND dialog, const DialogState& state, WPARAM command) {
+  if (command != kAboutItem || !state.options.version) return FALSE;
+  ShowAboutBox(dialog, {.caption = L"About", .name = WindowText(dialog) + L" " + state.options.version});
+  return TRUE;
+}
+
 // Handles messages for which the dialog's procedure returned FALSE.
 INT_PTR HandleDefault(HWND dialog, const DialogState& state, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
@@ -272,6 +289,7 @@ INT_PTR HandleDefault(HWND dialog, const DialogState& state, UINT message, WPARA
     case WM_NOTIFYFORMAT: return ReturnDialogResult(dialog, NFR_UNICODE);
     case WM_NOTIFY: return OnNotify(state, lParam);
     case WM_COMMAND: return OnCommand(dialog, state, LOWORD(wParam));
+    case WM_SYSCOMMAND: return OnSystemCommand(dialog, state, wParam);
     case WM_CLOSE: OnClose(dialog, state, IDCANCEL); return TRUE;
     default: return FALSE;
   }

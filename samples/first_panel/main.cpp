@@ -70,6 +70,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
   return kv::RunDialog(instance, {.templateName = L"PANEL",
                                   .procedure = Panel,
                                   .positionName = "Samples.FirstPanel",
+                                  .version = L"1.0",
                                   .minimumSize = {480, 260},
                                   .tickMs = kTickMs});
 }

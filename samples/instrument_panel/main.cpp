@@ -55,6 +55,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
   return kv::RunDialog(instance, {.templateName = L"PANEL",
                                   .procedure = Panel,
                                   .positionName = "Samples.InstrumentPanel",
+                                  .version = L"1.0",
                                   .minimumSize = {460, 380},
                                   .menu = L"PANEL",
                                   .languageMenu = {IDM_LANGUAGE, IDM_FIRST_LANGUAGE},

@@ -73,6 +73,7 @@ INT_PTR CALLBACK Readings(HWND dialog, UINT message, WPARAM wParam, LPARAM lPara
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
   MakeReadings();
-  return kv::RunDialog(instance,
-                       {.templateName = L"READINGS", .procedure = Readings, .positionName = "Samples.Readings"});
+  return kv::RunDialog(
+      instance,
+      {.templateName = L"READINGS", .procedure = Readings, .positionName = "Samples.Readings", .version = L"1.0"});
 }

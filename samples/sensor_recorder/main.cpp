@@ -84,5 +84,6 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
   return kv::RunDialog(instance, {.templateName = L"RECORDER",
                                   .procedure = Recorder,
                                   .positionName = "Samples.SensorRecorder",
+                                  .version = L"1.0",
                                   .minimumSize = {420, 260}});
 }

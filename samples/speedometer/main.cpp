@@ -16,6 +16,8 @@ INT_PTR CALLBACK Speedometer(HWND dialog, UINT message, WPARAM, LPARAM) {
 }  // namespace
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
-  return kv::RunDialog(
-      instance, {.templateName = L"SPEEDOMETER", .procedure = Speedometer, .positionName = "Samples.Speedometer"});
+  return kv::RunDialog(instance, {.templateName = L"SPEEDOMETER",
+                                  .procedure = Speedometer,
+                                  .positionName = "Samples.Speedometer",
+                                  .version = L"1.0"});
 }

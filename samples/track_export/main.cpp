@@ -65,5 +65,7 @@ INT_PTR CALLBACK TrackExport(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
 }  // namespace
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
-  return kv::RunDialog(instance, {.templateName = L"TRACK", .procedure = TrackExport, .positionName = "Samples.Track"});
+  return kv::RunDialog(
+      instance,
+      {.templateName = L"TRACK", .procedure = TrackExport, .positionName = "Samples.Track", .version = L"1.0"});
 }

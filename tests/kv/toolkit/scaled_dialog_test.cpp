@@ -299,6 +299,30 @@ int WINAPI HighDpi(HDC, int what) {
   return what == LOGPIXELSX || what == LOGPIXELSY ? 192 : 32;
 }
 
+std::wstring aboutText;
+
+// Reads the about box, and closes it.
+void CALLBACK ReadAboutBox(HWND, UINT, UINT_PTR timer, DWORD) {
+  const HWND box = FindWindowW(L"#32770", L"About");
+  if (!box) return;
+  KillTimer(nullptr, timer);
+  for (HWND child = GetWindow(box, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+    aboutText += kvtest::TextOf(child) + L"|";
+  }
+  PostMessageW(box, WM_COMMAND, IDOK, 0);
+}
+
+TEST_F(ScaledDialogTest, ShowsItsVersionFromTheSystemMenu) {
+  ScaledDialog versioned = kTest;
+  versioned.version = L"1.2";
+  HWND dialog = OpenDialog(nullptr, versioned);
+  const HMENU menu = GetSystemMenu(dialog, FALSE);
+  SetTimer(nullptr, 0, 20, ReadAboutBox);
+  SendMessageW(dialog, WM_SYSCOMMAND, GetMenuItemID(menu, GetMenuItemCount(menu) - 1), 0);
+  EXPECT_NE(std::wstring::npos, aboutText.find(kvtest::TextOf(dialog) + L" 1.2|"));
+  DestroyWindow(dialog);
+}
+
 TEST_F(ScaledDialogTest, KeepsItsTextsReadable) {
   ScaledDialog small = kTest;
   small.positionName = nullptr;
