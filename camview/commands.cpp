@@ -20,6 +20,7 @@
 #include "camview/image.h"
 #include "camview/live_source.h"
 #include "camview/menu.h"
+#include "camview/recent_files.h"
 #include "camview/record_store.h"
 #include "camview/resource_ids.h"
 #include "camview/settings.h"
@@ -31,9 +32,7 @@
 #include "camview/window.h"
 #include "kv/controls/strip_chart/strip_chart.h"
 #include "kv/export/web_links.h"
-#include "kv/framework/bitmaps.h"
 #include "kv/framework/bounded_format.h"
-#include "kv/framework/canvas.h"
 #include "kv/framework/control_class.h"
 #include "kv/framework/file_path.h"
 #include "kv/framework/version.h"
@@ -42,7 +41,6 @@
 #include "kv/toolkit/error_text.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/locale_text.h"
-#include "kv/toolkit/png_file.h"
 
 namespace camview {
 
@@ -150,14 +148,7 @@ void SayExported(View& view) {
   view.display.Say(StatusMark::kError, kv::TextWith(IDS_EXPORT_FAILED, name, reason.c_str()));
 }
 
-// ---- Images ---------------------------------------------------------------------------------------------------------
-
-void CopyImage(View& view) {
-  kv::Surface image;
-  const bool copied = DrawImage(view.window, &image) &&
-                      kv::CopyBitmapToClipboard(view.window, image.bitmap(), image.size(), image.size());
-  view.display.Say(copied ? StatusMark::kGood : StatusMark::kError, Text(copied ? IDS_COPIED : IDS_NOT_COPIED));
-}
+// ---- Copying --------------------------------------------------------------------------------------------------------
 
 // Copies the control that has the focus, with its values; otherwise the whole image.
 void Copy(View& view) {
@@ -171,20 +162,6 @@ void Copy(View& view) {
   }
   if (focused == GetDlgItem(view.window, IDC_EVENTS)) return CopyEvents(view);
   CopyImage(view);
-}
-
-void SaveImage(View& view) {
-  kv::Surface image;
-  const bool drawn = DrawImage(view.window, &image);  // before the file dialog
-  const std::wstring name = WithoutExtension(kv::FileNameOf(view.source.Name().c_str()));
-  std::wstring path = FolderOf(Setting::kImages) + (name.empty() ? L"camview" : name) + L".png";
-  if (!kv::AskSavePath(view.window, Text(IDS_IMAGE_TITLE).c_str(), &path)) return;
-  StoreFolder(Setting::kImages, path);
-  const wchar_t* file = kv::FileNameOf(path.c_str());
-  if (drawn && kv::SaveBitmapAsPng(image.bitmap(), path.c_str()))
-    return view.display.Say(StatusMark::kGood, kv::TextWith(IDS_SAVED, file));
-  const std::wstring reason = kv::ErrorText();
-  view.display.Say(StatusMark::kError, kv::TextWith(IDS_NOT_SAVED, file) + L" " + reason);
 }
 
 // ---- Time -----------------------------------------------------------------------------------------------------------
@@ -250,6 +227,11 @@ void OnEscape(View& view) {
 
 // ---- Notifications of controls --------------------------------------------------------------------------------------
 
+bool IsUnderPointer(HWND control) {
+  POINT point{};
+  return GetCapture() == control || (GetCursorPos(&point) && WindowFromPoint(point) == control);
+}
+
 void OnChart(View& view, int chart, UINT code) {
   ViewTime& time = view.time;
   const Charts& charts = view.display.charts();
@@ -266,7 +248,10 @@ void OnChart(View& view, int chart, UINT code) {
     case kv::kStripNotifyCursor:
       // In the charts of a followed port, the pointer only reads values.
       if (time.isPlaying || time.IsFollowing()) return;
-      time.hovered = hasCursor ? std::clamp(cursor, time.begin, time.end) : kNoTime;
+      // This notification may be older than the pointer's leaving, after which another chart has shown its cursor here.
+      time.hovered = hasCursor && IsUnderPointer(GetDlgItem(view.window, chart))
+                         ? std::clamp(cursor, time.begin, time.end)
+                         : kNoTime;
       break;
     case kv::kStripNotifyCursorB:
       time.cursorB.reset();
@@ -328,6 +313,11 @@ bool OnControl(View& view, UINT id, UINT code) {
 // ---- Menu -----------------------------------------------------------------------------------------------------------
 
 bool OnFileCommand(View& view, UINT id) {
+  if (id >= IDM_RECENT_FIRST && id < IDM_RECENT_FIRST + kMaxRecentFiles) {
+    const size_t number = id - IDM_RECENT_FIRST;
+    if (number < view.recentFiles.size()) OpenFile(view, std::wstring(view.recentFiles[number]));
+    return true;
+  }
   switch (id) {
     case IDM_OPEN: AskRecording(view); return true;
     case IDM_CONNECT: AskPort(view); return true;
@@ -433,12 +423,18 @@ void Connect(View& view, int port) {
 }
 
 void OnNews(View& view, SourceNews news) {
-  if (news == SourceNews::kOpened) SetFocus(GetDlgItem(view.window, IDC_TIMELINE));
+  if (news == SourceNews::kOpened) {
+    AddRecentFile(view.source.Name());
+    SetFocus(GetDlgItem(view.window, IDC_TIMELINE));
+  }
   if (news == SourceNews::kLoadCanceled) view.display.Say(StatusMark::kNone, Text(IDS_LOADING_CANCELED));
   if (news == SourceNews::kExported) SayExported(view);
   const StatusLine rejected = DescribeRecording(view.source.Rejected());
   if (news == SourceNews::kLoadRejected) view.display.Say(rejected.mark, rejected.text);
   Update(view);
+  const DWORD error = view.source.Rejected().systemError;
+  const bool isMissing = error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+  if (news == SourceNews::kLoadRejected && isMissing) RemoveRecentFile(camera::Wide(view.source.Rejected().path));
   if (news == SourceNews::kLoadRejected) Warn(view, rejected.text);
   // The line at the bottom is too short for the whole reason.
   const StatusLine failed = DescribeLiveRecording(view.source.Recording());

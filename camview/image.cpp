@@ -2,12 +2,24 @@
 
 #include <windows.h>
 
+#include <string>
 #include <utility>
 
+#include "camview/commands.h"
 #include "camview/resource_ids.h"
+#include "camview/settings.h"
+#include "camview/source.h"
+#include "camview/status_line.h"
+#include "camview/window.h"
+#include "kv/framework/bitmaps.h"
 #include "kv/framework/canvas.h"
+#include "kv/framework/file_path.h"
 #include "kv/framework/guards.h"
 #include "kv/framework/painting.h"
+#include "kv/toolkit/ask_path.h"
+#include "kv/toolkit/error_text.h"
+#include "kv/toolkit/languages.h"
+#include "kv/toolkit/png_file.h"
 
 namespace camview {
 
@@ -30,8 +42,6 @@ RECT RectOf(HWND window, int id) {
   return rect;
 }
 
-}  // namespace
-
 bool DrawImage(HWND window, kv::Surface* image) {
   RECT all{};
   for (const int id : kParts) {
@@ -51,6 +61,30 @@ bool DrawImage(HWND window, kv::Surface* image) {
   }
   GdiFlush();
   return true;
+}
+
+}  // namespace
+
+void CopyImage(View& view) {
+  kv::Surface image;
+  const bool copied = DrawImage(view.window, &image) &&
+                      kv::CopyBitmapToClipboard(view.window, image.bitmap(), image.size(), image.size());
+  view.display.Say(copied ? StatusMark::kGood : StatusMark::kError,
+                   kv::ResourceText(copied ? IDS_COPIED : IDS_NOT_COPIED));
+}
+
+void SaveImage(View& view) {
+  kv::Surface image;
+  const bool drawn = DrawImage(view.window, &image);  // before the file dialog
+  const std::wstring whole = ProposedPath(view.source), name = kv::FileNameOf(whole.c_str());
+  std::wstring path = FolderOf(Setting::kImages) + (name.empty() ? L"camview" : name) + L".png";
+  if (!kv::AskSavePath(view.window, kv::ResourceText(IDS_IMAGE_TITLE).c_str(), &path)) return;
+  StoreFolder(Setting::kImages, path);
+  const wchar_t* file = kv::FileNameOf(path.c_str());
+  if (drawn && kv::SaveBitmapAsPng(image.bitmap(), path.c_str()))
+    return view.display.Say(StatusMark::kGood, kv::TextWith(IDS_SAVED, file));
+  const std::wstring reason = kv::ErrorText();
+  view.display.Say(StatusMark::kError, kv::TextWith(IDS_NOT_SAVED, file) + L" " + reason);
 }
 
 }  // namespace camview

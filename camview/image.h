@@ -1,13 +1,12 @@
 // An image of field, charts and timeline, for the clipboard and for a file. Main thread only.
 #pragma once
 
-#include <windows.h>
-
-#include "kv/framework/canvas.h"
+#include "camview/window.h"
 
 namespace camview {
 
-// Draws the controls at their positions in the window. Returns false when allocation fails.
-bool DrawImage(HWND window, kv::Surface* image);
+// Copies the image to the clipboard, or saves it in a file that the user chooses, and says what has become of it.
+void CopyImage(View& view);
+void SaveImage(View& view);
 
 }  // namespace camview

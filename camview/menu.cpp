@@ -8,6 +8,7 @@
 
 #include "camview/display.h"
 #include "camview/live_source.h"
+#include "camview/recent_files.h"
 #include "camview/resource_ids.h"
 #include "camview/source.h"
 #include "camview/window.h"
@@ -26,7 +27,8 @@ void CheckOne(HMENU menu, UINT first, const double (&values)[size], double chose
 
 }  // namespace
 
-void PrepareMenu(const View& view, HMENU menu) {
+void PrepareMenu(View& view, HMENU menu) {
+  FillRecentMenu(menu, &view.recentFiles);
   const Source& source = view.source;
   const bool isOpen = source.Records() != nullptr, isLive = source.IsLive();
   const auto enable = [&](UINT id, bool enabled) {

@@ -12,6 +12,6 @@ inline constexpr double kTrails[] = {0, 0.5, 1, 2, 5, 10};
 inline constexpr double kSpans[] = {1, 5, 10, 30, 60, 600, 3600, 0};
 
 // Checks and disables the items of a menu that opens.
-void PrepareMenu(const View& view, HMENU menu);
+void PrepareMenu(View& view, HMENU menu);
 
 }  // namespace camview

@@ -52,6 +52,10 @@
 #define IDC_KEYS 171
 #define IDC_KEYS_CLOSE 172
 
+// Recent files
+#define IDM_RECENT_MENU 161
+#define IDM_RECENT_FIRST 162
+
 // Commands
 #define IDM_FILE_MENU 201
 #define IDM_PLAY_MENU 202
@@ -265,3 +269,15 @@
 #define IDS_RANGE_REVERSED 731
 #define IDS_RANGE_OUTSIDE 732
 #define IDS_TIME_TIP 733
+
+// Tooltips
+#define IDS_RATE_TIP 662
+#define IDS_EXPORT_TIP 663
+#define IDS_RECORD_TIP 664
+#define IDS_TIMELINE_TIP 665
+#define IDS_SPEED_TIP 666
+#define IDS_PLAY_TIP 725
+#define IDS_STEP_BACK_TIP 726
+#define IDS_STEP_FORWARD_TIP 727
+#define IDS_EVENT_BACK_TIP 728
+#define IDS_EVENT_FORWARD_TIP 729

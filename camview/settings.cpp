@@ -11,8 +11,6 @@ namespace camview {
 
 namespace {
 
-constexpr wchar_t kKey[] = L"Software\\korvel\\Camview";
-
 const wchar_t* ValueOf(Setting kind) {
   return kind == Setting::kRecordings ? L"RecordingFolder" : L"ImageFolder";
 }
@@ -22,7 +20,7 @@ const wchar_t* ValueOf(Setting kind) {
 std::wstring FolderOf(Setting kind) {
   wchar_t folder[kv::kPathCharacters] = L"";
   DWORD bytes = sizeof(folder) - sizeof(wchar_t), type = 0;
-  const kv::RegistryKey key = kv::RegistryKey::Open(kKey);
+  const kv::RegistryKey key = kv::RegistryKey::Open(kSettingsKey);
   const LSTATUS status = RegQueryValueExW(key, ValueOf(kind), nullptr, &type, reinterpret_cast<BYTE*>(folder), &bytes);
   return status == ERROR_SUCCESS && type == REG_SZ ? folder : std::wstring();
 }
@@ -31,7 +29,7 @@ void StoreFolder(Setting kind, const std::wstring& path) {
   wchar_t whole[kv::kPathCharacters] = L"", folder[kv::kPathCharacters] = L"";
   const DWORD length = GetFullPathNameW(path.c_str(), ARRAYSIZE(whole), whole, nullptr);
   if (length == 0 || length >= ARRAYSIZE(whole) || !kv::DirectoryOf(whole, folder, ARRAYSIZE(folder))) return;
-  const kv::RegistryKey key = kv::RegistryKey::Create(kKey);
+  const kv::RegistryKey key = kv::RegistryKey::Create(kSettingsKey);
   RegSetValueExW(key, ValueOf(kind), 0, REG_SZ, reinterpret_cast<const BYTE*>(folder),
                  static_cast<DWORD>(lstrlenW(folder) + 1) * sizeof(wchar_t));
 }

@@ -8,6 +8,8 @@
 
 namespace camview {
 
+inline constexpr wchar_t kSettingsKey[] = L"Software\\korvel\\Camview";
+
 enum class Setting { kRecordings, kImages };
 
 // Returns the folder of the last file of a kind, with a trailing backslash; "" if there is none.

@@ -11,6 +11,7 @@
 #include "camera/ports.h"
 #include "camview/camera_field.h"
 #include "camview/commands.h"
+#include "camview/context_menu.h"
 #include "camview/display.h"
 #include "camview/distribution_view.h"
 #include "camview/live_source.h"
@@ -31,7 +32,17 @@ namespace camview {
 namespace {
 
 const kv::TooltipEntry kTips[] = {{IDC_STATISTICS, MAKEINTRESOURCEW(IDS_STATISTICS_TIP)},
-                                  {IDC_TIME, MAKEINTRESOURCEW(IDS_TIME_TIP)}};
+                                  {IDC_PLAY, MAKEINTRESOURCEW(IDS_PLAY_TIP)},
+                                  {IDC_STEP_BACK, MAKEINTRESOURCEW(IDS_STEP_BACK_TIP)},
+                                  {IDC_STEP_FORWARD, MAKEINTRESOURCEW(IDS_STEP_FORWARD_TIP)},
+                                  {IDC_EVENT_BACK, MAKEINTRESOURCEW(IDS_EVENT_BACK_TIP)},
+                                  {IDC_EVENT_FORWARD, MAKEINTRESOURCEW(IDS_EVENT_FORWARD_TIP)},
+                                  {IDC_SPEED, MAKEINTRESOURCEW(IDS_SPEED_TIP)},
+                                  {IDC_TIME, MAKEINTRESOURCEW(IDS_TIME_TIP)},
+                                  {IDC_RATE, MAKEINTRESOURCEW(IDS_RATE_TIP)},
+                                  {IDC_EXPORT, MAKEINTRESOURCEW(IDS_EXPORT_TIP)},
+                                  {IDC_RECORD, MAKEINTRESOURCEW(IDS_RECORD_TIP)},
+                                  {IDC_TIMELINE, MAKEINTRESOURCEW(IDS_TIMELINE_TIP)}};
 
 constexpr UINT kStart = WM_APP + 1;  // opens the source in the command line
 constexpr UINT_PTR kTickTimer = 1;
@@ -126,6 +137,7 @@ INT_PTR CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARA
     case WM_SIZE: view->display.PlaceStatus(); return FALSE;
     case WM_COMMAND: return OnCommand(*view, LOWORD(wParam), HIWORD(wParam));
     case WM_INITMENUPOPUP: PrepareMenu(*view, reinterpret_cast<HMENU>(wParam)); return TRUE;
+    case WM_CONTEXTMENU: return ShowContextMenu(window, reinterpret_cast<HWND>(wParam), lParam);
     case WM_DRAWITEM: return view->display.Draw(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
     case WM_DROPFILES: return OnDropFiles(*view, reinterpret_cast<HDROP>(wParam));
     case WM_CLOSE: return OnClose(*view);

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <string>
+#include <vector>
 
 #include "camview/display.h"
 #include "camview/event_table.h"
@@ -32,8 +33,9 @@ struct View {
   EventTable events;
   DisplayOptions options;
   Display display;
-  unsigned shownSource = 0;  // whose range `time` has
-  UINT tickMs = 0;           // of the timer; 0: it does not run
+  std::vector<std::wstring> recentFiles;  // as the menu shows them
+  unsigned shownSource = 0;               // whose range `time` has
+  UINT tickMs = 0;                        // of the timer; 0: it does not run
   bool isUpdating = false, isOutdated = false;
 };
 

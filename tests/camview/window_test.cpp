@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <ios>
 #include <string>
 #include <utility>
@@ -15,6 +16,7 @@
 #include "camera/recording.h"
 #include "camera/text.h"
 #include "camview/camera_field.h"
+#include "camview/commands.h"
 #include "camview/resource_ids.h"
 #include "camview/status_line.h"
 #include "camview/view_time.h"
@@ -26,6 +28,7 @@
 #include "kv/toolkit/strip_charts.h"
 #include "kv/toolkit/text_tips.h"
 #include "tests/camview/window_fixture.h"
+#include "tests/support/replaced_import.h"
 #include "tests/support/running_program.h"
 
 namespace camview {
@@ -115,6 +118,9 @@ TEST_F(CamviewWindow, OpensARecordingAndGoesToTimes) {
 
   // The pointer previews a time, a click goes there.
   const auto move = [&](int x) {
+    POINT at{x, 50};
+    ClientToScreen(Control(IDC_CHART_X), &at);
+    SetCursorPos(at.x, at.y);
     SendMessageW(Control(IDC_CHART_X), WM_MOUSEMOVE, 0, MAKELPARAM(x, 50));
     Pump();
   };
@@ -133,6 +139,87 @@ TEST_F(CamviewWindow, OpensARecordingAndGoesToTimes) {
   SendMessageW(Control(IDC_CHART_X), WM_LBUTTONUP, 0, MAKELPARAM(300, 50));
   Pump();
   EXPECT_NE(5.01, view().time.position);
+
+  // After the pointer has left, a notification of a chart that still shows the cursor is late.
+  SetCursorPos(0, 0);
+  EXPECT_TRUE(Soon([&] { return std::isnan(view().time.hovered); }));
+  view().time.hovered = 3;
+  Update(view());
+  SendMessageW(window_, WM_COMMAND, MAKEWPARAM(IDC_CHART_Y, kv::kStripNotifyCursor), 0);
+  EXPECT_TRUE(std::isnan(view().time.hovered));
+}
+
+std::function<void(HMENU)> onMenu;
+
+BOOL WINAPI TrackMenu(HMENU menu, UINT, int, int, int, HWND window, const RECT*) {
+  SendMessageW(window, WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(menu), 0);
+  onMenu(menu);
+  return TRUE;
+}
+
+TEST_F(CamviewWindow, HasMenusOfItsParts) {
+  const kvtest::ReplacedImport track("TrackPopupMenu", reinterpret_cast<void*>(TrackMenu));
+  OpenFile(Recording(1000));
+  const auto ask = [&](int id) { SendMessageW(window_, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(Control(id)), -1); };
+  onMenu = [&](HMENU menu) {
+    EXPECT_EQ(Control(IDC_CHART_Y), GetFocus());
+    EXPECT_EQ(0u, GetMenuState(menu, IDM_SELECT_SHOWN, MF_BYCOMMAND) & MF_GRAYED);
+    EXPECT_NE(0u, GetMenuState(menu, IDM_EXPORT, MF_BYCOMMAND) & MF_GRAYED);
+    EXPECT_NE(0u, GetMenuState(menu, IDM_SPAN_FIRST + 7, MF_BYCOMMAND) & MF_CHECKED);
+    Command(IDM_CLOSE_SOURCE);  // meanwhile
+    PostMessageW(window_, WM_COMMAND, IDM_SPAN_FIRST, 0);
+  };
+  ask(IDC_CHART_Y);
+  Pump();
+  EXPECT_FALSE(view().source.IsOpen());
+  bool isShown = false;
+  onMenu = [&](HMENU) { isShown = true; };
+  ask(IDC_PLAY);
+  EXPECT_FALSE(isShown);
+  onMenu = [&](HMENU) { DestroyWindow(window_); };
+  ask(IDC_TIMELINE);
+}
+
+TEST_F(CamviewWindow, ListsRecentFiles) {
+  const std::wstring names[] = {L"camview a & b.twr", L"camview two.twr"};
+  Open({});
+  const HMENU file = GetSubMenu(GetMenu(window_), 0);
+  const auto open = [&](const std::wstring& path) {
+    camview::OpenFile(view(), path);
+    EXPECT_TRUE(Soon([&] { return !IsWorking(); }));
+  };
+  const auto listed = [&] {
+    SendMessageW(window_, WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(file), 0);
+    std::wstring list;
+    for (UINT id = IDM_RECENT_FIRST; id < IDM_RECENT_FIRST + 9; ++id) {
+      wchar_t text[200] = L"";
+      GetMenuStringW(file, id, text, ARRAYSIZE(text), MF_BYCOMMAND);
+      list += std::wstring(text).substr(0, std::wstring(text).find(L'\t')) + L'|';
+    }
+    return list.substr(0, list.find(L"||"));
+  };
+  EXPECT_EQ(L"", listed());
+  for (const std::wstring& name : names) {
+    std::ofstream(File(name.c_str()), std::ios::binary) << Recording(50);
+    open(files_.back().wstring());
+  }
+  EXPECT_EQ(L"&1 camview two.twr|&2 camview a && b.twr", listed());
+  // The list changes under the open menu; the command is that of what was shown.
+  open(files_[0].wstring());
+  Command(IDM_RECENT_FIRST + 1);
+  EXPECT_TRUE(Soon([&] { return !IsWorking(); }));
+  EXPECT_EQ(L"camview a & b.twr – Camera viewer", TextOf(window_));
+  EXPECT_EQ(L"&1 camview a && b.twr|&2 camview two.twr", listed());
+  fs::remove(files_[1]);
+  Command(IDM_RECENT_FIRST + 1);
+  EXPECT_TRUE(Soon([&] { return !IsWorking() && !boxes.empty(); }));
+  EXPECT_EQ(L"&1 camview a && b.twr", listed());
+  // No more than eight.
+  for (int i = 0; i < 9; ++i) {
+    std::ofstream(File((L"camview " + std::to_wstring(i) + L".twr").c_str()), std::ios::binary) << Recording(50);
+    open(files_.back().wstring());
+  }
+  EXPECT_NE(listed().find(L"|&8 camview 1.twr"), std::wstring::npos);
 }
 
 TEST_F(CamviewWindow, PlaysToTheEndAtAnySpeed) {
