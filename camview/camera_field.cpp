@@ -59,8 +59,7 @@ FieldLayout LayoutField(SIZE size) {
   FieldLayout layout{};
   layout.unitPx = std::max(0.0, std::min((size.cx - 2) / kWidth, (size.cy - 2) / kHeight));
   const LONG width = static_cast<LONG>(kWidth * layout.unitPx), height = static_cast<LONG>(kHeight * layout.unitPx);
-  constexpr LONG left = 1;  // flush with what is above and below
-  const LONG top = (size.cy - height) / 2;
+  const LONG left = (size.cx - width) / 2, top = (size.cy - height) / 2;
   layout.frame = {left - 1, top - 1, left + width + 1, top + height + 1};
   layout.left = left;
   layout.top = top;
@@ -84,9 +83,9 @@ struct FieldColors {
 FieldColors ColorsOfField() {
   const bool contrast = kv::IsHighContrast();
   FieldColors colors{};
-  colors.around = GetSysColor(COLOR_BTNFACE);
   colors.field = contrast ? GetSysColor(COLOR_WINDOW) : RGB(0, 0, 0);
   const COLORREF ink = contrast ? GetSysColor(COLOR_WINDOWTEXT) : RGB(255, 255, 255);
+  colors.around = contrast ? colors.field : kv::MixColors(colors.field, ink, 20);
   colors.frame = contrast ? ink : GetSysColor(COLOR_BTNSHADOW);
   colors.grid = kv::MixColors(colors.field, ink, contrast ? 30 : 13);
   colors.center = contrast ? colors.field : ink;
@@ -98,7 +97,9 @@ void DrawFace(kv::Canvas& canvas, const FieldLayout& layout, const FieldColors& 
   const SIZE size = canvas.surface().size();
   const RECT& frame = layout.frame;
   const RECT inner{frame.left + 1, frame.top + 1, frame.right - 1, frame.bottom - 1};
-  kv::FillArea(canvas, {0, 0, size.cx, size.cy}, colors.around);
+  // A frame around the whole control, so that it is flush with its neighbors whatever its shape.
+  kv::FillArea(canvas, {0, 0, size.cx, size.cy}, colors.frame);
+  kv::FillArea(canvas, {1, 1, size.cx - 1, size.cy - 1}, colors.around);
   kv::FillArea(canvas, frame, colors.frame);
   kv::FillArea(canvas, inner, colors.field);
   for (int i = 1; i < 4; ++i) {

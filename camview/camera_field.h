@@ -1,9 +1,10 @@
 // Window class "kvCameraField": shows the camera's field of 1024 x 768 units with its aspect ratio, up to four points
 // at one time, and the trails that led to them.
 //
-// Appearance  Each point has Tarnwick's shape and color, and its number. A trail is a line that fades with
-//             age; it breaks where the camera did not see the point. In high contrast there are no colors but the
-//             system's. Rendered only when something has changed. Not mirrored in mirrored windows.
+// Appearance  The field is in the middle of the control, within a frame. Each point has Tarnwick's shape and color, and
+//             its number. A trail is a line that fades with age; it breaks where the camera did not see the point. In
+//             high contrast there are no colors but the system's. Rendered only when something has changed. Not
+//             mirrored in mirrored windows.
 // Keyboard    Ctrl+C copies. The keyboard focus is shown.
 // Messages    kControlCommand  FieldCommand below; returns 1, or 0 without any change when the address or the data
 //                              is invalid
