@@ -53,6 +53,15 @@ kv::StripTimeRange Plain(TimeRange range) {
   return {range.from, range.to};
 }
 
+kv::StripExtent ExtentInMs(const RecordStore* store, long long from, long long to) {
+  const Intervals found = store ? store->IntervalsOf(from, to) : Intervals{};
+  if (found.shortest > found.longest) return {1, 0};
+  const auto ms = [](std::int64_t microseconds) {
+    return std::max(static_cast<double>(microseconds) / 1000, kLeastIntervalMs);
+  };
+  return {ms(found.shortest), ms(found.longest)};
+}
+
 }  // namespace
 
 // ---- What the charts ask --------------------------------------------------------------------------------------------
@@ -112,13 +121,7 @@ void Charts::ReadIntervals(void* axis, int, long long number, DWORD count, kv::S
 }
 
 kv::StripExtent Charts::ExtentOfIntervals(void* axis, int, long long from, long long to) {
-  const RecordStore* store = static_cast<Axis*>(axis)->charts->source_.Records();
-  const Intervals found = store ? store->IntervalsOf(from, to) : Intervals{};
-  if (found.shortest > found.longest) return {1, 0};
-  const auto ms = [](std::int64_t microseconds) {
-    return std::max(static_cast<double>(microseconds) / 1000, kLeastIntervalMs);
-  };
-  return {ms(found.shortest), ms(found.longest)};
+  return ExtentInMs(static_cast<Axis*>(axis)->charts->source_.Records(), from, to);
 }
 
 kv::StripTimeRange Charts::Times(void* axis, int) {
@@ -160,7 +163,7 @@ void Charts::SetSources(bool supply) {
 // From the decade of the shortest one of all records to that of the longest, but no less than two around the camera's.
 TimeRange Charts::RangeOfIntervals(const ChartContent& content) const {
   if (!content.isVisible[2] || content.fitValues) return {};
-  const kv::StripExtent all = ExtentOfIntervals(const_cast<Axis*>(&axes_[2]), 0, 0, content.records);
+  const kv::StripExtent all = ExtentInMs(source_.Records(), 0, content.records);
   if (all.minimum > all.maximum) return {1, 100};
   return {std::min(std::pow(10, std::floor(std::log10(all.minimum))), 1.0),
           std::max(std::pow(10, std::ceil(std::log10(all.maximum))), 100.0)};

@@ -189,7 +189,8 @@ void Display::Refresh(const Source& source, const ViewTime& time, EventTable* ev
                        .range = StatisticsRange(time),
                        .isScatter = options.left == LeftView::kScatter,
                        .isHistogram = options.right == RightView::kHistograms,
-                       .isFollowing = time.IsFollowing()});
+                       .isFollowing = time.IsFollowing(),
+                       .isTurn = isLiveTurn_});
 }
 
 // ---- Controls -------------------------------------------------------------------------------------------------------

@@ -16,7 +16,6 @@ namespace {
 
 constexpr long long kCountedAtOnce = 1 << 20;  // records; about 30 ms
 constexpr double kDelay = 0.1;                 // not for each step while a selection is dragged or charts scroll
-constexpr double kLiveSeconds = 1;
 
 using Grids = std::array<CountGrid, kv::kPointCount>;
 
@@ -34,13 +33,11 @@ void Send(HWND window, int id, const Grids& grids) {
 
 // Takes what is to be shown. Returns whether that differs from what is.
 bool DistributionDisplay::Take(const Content& content) {
-  const double now = camera::Now();
   const RecordStore* store = content.store;
   const bool isSame = counted_ && counted_->source == content.source && counted_->store == store;
   const bool isVisible =
       isSame && counted_->isScatter == content.isScatter && counted_->isHistogram == content.isHistogram;
-  if (content.isFollowing && now < takeDue_ && isVisible) return counted_ != shown_;
-  takeDue_ = now + kLiveSeconds;
+  if (!content.isTurn && isVisible) return counted_ != shown_;
   const Key key{content.source,
                 store,
                 store ? store->Find(content.range.from) : 0,

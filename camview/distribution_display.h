@@ -21,9 +21,10 @@ class DistributionDisplay {
     TimeRange range;
     bool isScatter, isHistogram;  // what is visible
     bool isFollowing;
+    bool isTurn;  // the range may be taken now
   };
   // Counts a part of the records with each call, so that a day of them does not stop the window, and shows the counts
-  // when all are counted. A followed range is taken once a second.
+  // when all are counted.
   void Show(const Content& content);
   // After a change of the language, the next Show shows the counts again.
   void Forget() { shown_.reset(); }
@@ -44,7 +45,7 @@ class DistributionDisplay {
   HWND window_;
   Distributions distributions_;
   std::optional<Key> counted_, shown_;  // what is being counted, and what is shown
-  double due_ = 0, takeDue_ = 0;        // by camera::Now()
+  double due_ = 0;                      // by camera::Now()
   bool isDue_ = false;
 };
 

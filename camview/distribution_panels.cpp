@@ -99,10 +99,9 @@ void DrawCells(kv::Canvas& canvas, const PanelLayout& layout, const PanelColors&
     for (LONG column = 0; column < cells.width; ++column) {
       const DWORD count = cells.At(column, row);
       if (count == 0) continue;
-      const int percent =
-          kFaintest + static_cast<int>((100 - kFaintest) * (std::log2(1.0 + count) - 1) / std::max(most - 1, 1e-9));
+      const double part = most > 1 ? (std::log2(1.0 + count) - 1) / (most - 1) : 1;
       kv::FillArea(canvas, CellRect(layout, cells.left + column, cells.top + row),
-                   kv::MixColors(colors.plot, content.color, std::clamp(percent, kFaintest, 100)));
+                   kv::MixColors(colors.plot, content.color, kFaintest + static_cast<int>((100 - kFaintest) * part)));
     }
   }
 }

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <climits>
 #include <cmath>
 #include <cstddef>
 #include <cstdlib>
@@ -150,11 +151,14 @@ RECT PanelArea(const DistributionView& view, SIZE size, int point) {
 }
 
 PanelLayout LayoutOf(const DistributionView& view, SIZE size, int point) {
+  const RECT area = PanelArea(view, size, point);
   size_t digits = 4;
-  for (int i = 0; i < kv::kPointCount && !IsScatter(view); ++i) {
-    digits = std::max(digits, kv::NumberText(static_cast<double>(view.points[i].figures.highest)).size());
+  for (const PointCounts& each : view.points) {
+    // A cell of several values may have a higher count.
+    const LONG bin = 1 + 2 * each.grid.width / std::max(area.right - area.left, 1L);
+    if (!IsScatter(view)) digits = std::max(digits, kv::NumberText(1.0 * each.figures.highest * bin).size());
   }
-  return LayoutPanel(PanelArea(view, size, point), FontPx(size), digits, IsScatter(view), view.points[point].grid);
+  return LayoutPanel(area, FontPx(size), digits, IsScatter(view), view.points[point].grid);
 }
 
 // The size of the cells in the window.
