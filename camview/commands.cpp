@@ -40,7 +40,6 @@
 #include "kv/toolkit/ask_path.h"
 #include "kv/toolkit/error_text.h"
 #include "kv/toolkit/languages.h"
-#include "kv/toolkit/locale_text.h"
 
 namespace camview {
 

@@ -52,7 +52,8 @@ bool DistributionDisplay::Take(const Content& content) {
 void DistributionDisplay::Show(const Content& content) {
   if (!content.isScatter && !content.isHistogram) {
     distributions_.Clear();
-    counted_ = shown_ = std::nullopt;
+    counted_.reset();
+    shown_.reset();
   }
   if ((!content.isScatter && !content.isHistogram) || !Take(content)) {
     isDue_ = false;

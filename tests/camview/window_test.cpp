@@ -17,11 +17,13 @@
 #include "camera/text.h"
 #include "camview/camera_field.h"
 #include "camview/commands.h"
+#include "camview/display.h"
 #include "camview/resource_ids.h"
 #include "camview/status_line.h"
 #include "camview/view_time.h"
 #include "camview/window.h"
 #include "kv/controls/strip_chart/strip_chart.h"
+#include "kv/framework/control_class.h"
 #include "kv/framework/file_path.h"
 #include "kv/framework/painting.h"
 #include "kv/lists/list_navigation.h"
@@ -30,6 +32,7 @@
 #include "tests/camview/window_fixture.h"
 #include "tests/support/replaced_import.h"
 #include "tests/support/running_program.h"
+#include "tests/support/test_window.h"
 
 namespace camview {
 namespace {
