@@ -7,6 +7,7 @@
 #include <iterator>
 #include <numbers>
 #include <numeric>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -25,6 +26,7 @@ constexpr double kAdapterRate = 62.5, kAdapterTolerance = 0.1;
 constexpr double kClearCoherence = 0.8, kFairCoherence = 0.5;
 constexpr size_t kStepRecords = 16;       // with steps of two or more that show another rate
 constexpr double kSingleCoherence = 0.7;  // required to tell which records are lost
+constexpr size_t kLateRecords = 16;       // after which late ones have been made up for
 constexpr double kTurn = 2 * std::numbers::pi;
 constexpr double kMaxIrregularShare = 0.1;
 
@@ -319,24 +321,26 @@ void LineModel::AddLosses(const Times& times) {
   if (window.coherence < kSingleCoherence) return;
   const double base = std::floor(window.phase), phase = window.phase - base;
   const auto numberAt = [&](double time) { return Nearest(phase + window.slope * (time - window.from)); };
+  const size_t count = times.seconds.size();
+  // Each record's number less those of the records before it in the window: rises where records are missing.
+  std::vector<int> excess(count);
+  for (size_t i = 0; i < count; ++i) excess[i] = numberAt(times.seconds[i]) - static_cast<int>(i);
   double before = times.seconds.front();
-  int number = numberAt(before);
+  int level = excess.front();
   if (window.isJoined) {
     const Window& last = windows_[windows_.size() - 2];
     before = last.to;
-    number = Nearest(std::round(last.phase + last.slope * (last.to - last.from)) - base);
+    level = Nearest(std::round(last.phase + last.slope * (last.to - last.from)) - base) + 1;
   }
-  const size_t count = times.seconds.size();
-  int next = numberAt(times.seconds.front());
-  for (size_t i = 0; i < count; ++i) {
-    const int after = i + 1 < count ? numberAt(times.seconds[i + 1]) : next + 1;
-    // A record that is late leaves a number out, and the one after it has the same number.
-    const int lost = i > 0 || window.isJoined ? next - number - 1 - (after == next) : 0;
+  for (size_t i = 0; i < count; before = times.seconds[i++]) {
+    if (excess[i] == level) continue;
+    // Records that are late leave numbers out, which those after them make up for.
+    const auto soon = std::span(excess).subspan(i, std::min(kLateRecords, count - i));
+    const auto [lowest, highest] = std::ranges::minmax(soon);
+    const int lost = lowest - level;
     if (lost > 0 && losses_.size() < kMaxLosses) losses_.push_back({before, times.seconds[i], lost});
     hasMoreLosses_ |= lost > 0 && losses_.size() == kMaxLosses;
-    before = times.seconds[i];
-    number = next;
-    next = after;
+    level = std::clamp(level, lowest, highest);
   }
 }
 

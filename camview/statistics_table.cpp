@@ -78,6 +78,7 @@ std::wstring LossesAsText(const camera::LineFigures& line, bool isShort) {
   }
   if (line.mayLoseRegularly) return kv::TextWith(IDS_LOST_MAY_BE_REGULAR, lost.c_str());
   if (line.lostAtMost <= 0) return kv::ResourceText(IDS_LOST_NONE);
+  if (line.lost <= 0) return kv::TextWith(IDS_LOST_AT_MOST, CountText(line.lostAtMost).c_str());
   if (isShort || line.lostAtLeast == line.lostAtMost) return kv::TextWith(IDS_LOST_ABOUT, lost.c_str());
   return kv::TextWith(IDS_LOST_BETWEEN, lost.c_str(), CountText(line.lostAtLeast).c_str(),
                       CountText(line.lostAtMost).c_str());
