@@ -166,7 +166,7 @@ DWORD WINAPI ReadOnThread(void* share) {
   return 0;
 }
 
-// Returns false if `stop` was signaled before there was something to read; then the thread remains blocked. Cancelling
+// Returns false if `stop` was signaled before there was something to read; then the thread remains blocked. Canceling
 // its read would not work everywhere.
 bool ReadUnlessStopped(const std::shared_ptr<Part>& part, HANDLE stop) {
   auto* share = new std::shared_ptr<Part>(part);

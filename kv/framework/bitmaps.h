@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <string>
+
 namespace kv {
 
 // Returns the window's client size in pixels.

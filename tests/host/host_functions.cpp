@@ -182,6 +182,10 @@ INT WINAPI lstrlenW(LPCWSTR text) {
 INT WINAPI lstrcmpW(LPCWSTR one, LPCWSTR other) {
   return std::wcscmp(one, other);
 }
+BOOL WINAPI IsCharAlphaA(CHAR character) {
+  const int upper = character & ~0x20;
+  return upper >= 'A' && upper <= 'Z';
+}
 INT WINAPI MulDiv(INT number, INT factor, INT divisor) {
   const long long product = static_cast<long long>(number) * factor;
   return static_cast<INT>((product + (product < 0 ? -1 : 1) * divisor / 2) / divisor);
@@ -258,6 +262,16 @@ void WINAPI GetLocalTime(SYSTEMTIME* now) {
           .wMinute = word(parts.tm_min),
           .wSecond = word(parts.tm_sec),
           .wMilliseconds = word(time.tv_nsec / 1000000)};
+}
+BOOL WINAPI QueryPerformanceFrequency(LARGE_INTEGER* frequency) {
+  frequency->QuadPart = 1'000'000'000;
+  return TRUE;
+}
+BOOL WINAPI QueryPerformanceCounter(LARGE_INTEGER* count) {
+  timespec time{};
+  clock_gettime(CLOCK_MONOTONIC, &time);
+  count->QuadPart = time.tv_sec * 1'000'000'000LL + time.tv_nsec;
+  return TRUE;
 }
 ULONGLONG WINAPI GetTickCount64() {
   timespec time{};
