@@ -153,6 +153,7 @@ void Display::Forget() {
   speed_ = -1;
   statisticsKey_.reset();
   eventsVersion_.reset();
+  eventRow_.reset();
   distributions_.Forget();
 }
 

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
+#include <optional>
 #include <random>
 #include <string>
 #include <utility>
@@ -376,6 +377,43 @@ TEST(CamviewPlayback, FollowsAClockAndStopsAtTheEnd) {
     Step(&playback, store, step.first);
     EXPECT_EQ(step.second, playback.position) << position << " by " << step.first;
   }
+}
+
+TEST(CamviewTime, ShowsTheLastSecondsOrAllOfWhatIsFollowed) {
+  ViewTime time;
+  Restart(&time, {0, 3}, true);
+  EXPECT_EQ((TimeRange{0, 10}), time.shown);
+  Grow(&time, {0, 100});
+  EXPECT_EQ((TimeRange{90, 100}), time.shown);
+  ShowSeconds(&time, 60);
+  EXPECT_EQ((TimeRange{40, 100}), time.shown);
+  ShowSeconds(&time, 0);
+  int steps = 0;
+  for (double end = 100, shown = time.shown.to; end < 200; end += 0.05, shown = time.shown.to) {
+    Grow(&time, {0, end});
+    EXPECT_TRUE(time.shown.from == 0 && time.shown.to >= end && time.shown.to < end * 1.11);
+    steps += time.shown.to != shown;
+  }
+  EXPECT_NEAR(7, steps, 1) << "each draws the charts anew";
+  Freeze(&time, true);
+  ShowSeconds(&time, 10);
+  Freeze(&time, false);
+  EXPECT_EQ(10, time.shown.Length());
+  // A recording that turns out to grow is followed only from its end.
+  Restart(&time, {0, 50}, false);
+  SetLive(&time, true);
+  EXPECT_TRUE(time.isFrozen && !time.IsFollowing());
+  SetLive(&time, false);
+  Play(&time);
+  SetLive(&time, true);
+  Advance(&time, time.clock + 1);
+  Grow(&time, {0, 60});
+  EXPECT_EQ(1, time.position);
+  Advance(&time, time.clock + 100);
+  Grow(&time, {0, 70});
+  EXPECT_EQ(70, time.position);
+  SetLive(&time, false);
+  EXPECT_EQ((TimeRange{0, 70}), time.shown);
 }
 
 TEST(CamviewTime, IsParsedAndFormatted) {

@@ -67,6 +67,7 @@ TEST_F(CamviewWindow, OpeningAnotherSourceGivesUpALoadAndCompletesARecording) {
   Connect(view(), kAbsentPort);
   Soon([&] { return view().source.Status().state == LiveState::kAbsent; });
   EXPECT_TRUE(view().source.IsLive() && !IsWorking());
+  EXPECT_TRUE(Soon([&] { return view().time.position > 0.1 && Text(IDC_TIME) > L"0:00.000"; })) << "without records";
 
   chosenPath = target;
   Command(IDM_RECORD);
