@@ -11,7 +11,7 @@ sizes="default small large german"
 "$root/tools/wine_prefix.sh"
 cd "$root"
 quietly "configuring" cmake --preset release
-quietly "building the samples" cmake --build --preset release --target instrument_panel million_rows sensor_recorder track_export speedometer
+quietly "building the samples" cmake --build --preset release --target first_panel instrument_panel million_rows sensor_recorder track_export speedometer
 mkdir -p "$shots"
 
 finish() {
