@@ -104,6 +104,7 @@ void OnEventList(View& view, UINT code) {
   const HWND list = GetDlgItem(view.window, IDC_EVENTS);
   const UINT row = kv::SelectedListRow(list);
   if ((code != LBN_SELCHANGE && code != LBN_DBLCLK) || row >= view.events.Events().size()) return;
+  view.display.TakeBack();
   GoTo(view, row);
 }
 

@@ -1,5 +1,7 @@
 #include "kv/toolkit/languages.h"
 
+#include <commctrl.h>
+
 #include <cwchar>
 #include <memory>
 #include <string>
@@ -16,6 +18,7 @@
 #include "kv/toolkit/dialog_state.h"
 #include "kv/toolkit/mirroring.h"
 #include "kv/toolkit/scaled_dialog.h"
+#include "kv/toolkit/text_tips.h"
 
 namespace kv {
 
@@ -227,6 +230,7 @@ void ReplaceTooltips(HWND dialog, DialogState& state) {
   }
   if (!entries.empty()) {
     state.tips = CreateTooltips(modules.resources, dialog, entries.data(), static_cast<int>(entries.size()));
+    SendMessageW(state.tips, TTM_SETMAXTIPWIDTH, 0, kMaxTipPx);
   }
 }
 

@@ -72,7 +72,8 @@ struct ScaledDialog {
   SIZE minimumSize = {};
   COLORREF background = kDefaultBackground;
 
-  // Tooltips of controls. Without a text, a string resource of the current language is used.
+  // Tooltips of controls; long texts have several lines. Without a text, a string resource of the current language is
+  // used.
   std::span<const TooltipEntry> tips = {};
 
   // The menu bar: a menu resource of the program's module.

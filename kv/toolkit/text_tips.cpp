@@ -153,7 +153,7 @@ HWND CreateTextTips(HWND dialog) {
   const HWND tips = CreateWindowExW(0, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX, 0, 0, 0, 0,
                                     dialog, nullptr, nullptr, nullptr);
   VisitTips(dialog, [tips](TTTOOLINFOW* tool) { SendMessageW(tips, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(tool)); });
-  SendMessageW(tips, TTM_SETMAXTIPWIDTH, 0, 400);
+  SendMessageW(tips, TTM_SETMAXTIPWIDTH, 0, kMaxTipPx);
   return tips;
 }
 

@@ -11,6 +11,8 @@ namespace kv {
 
 struct DialogState;
 
+inline constexpr int kMaxTipPx = 400;  // longer texts have several lines
+
 // The first truncated text of a control of a standard class (label, button, combo box, list box, tab control, list
 // view's header) in its current font; empty when no text is truncated or the control has another class.
 std::wstring TruncatedTextOf(HWND control);
