@@ -135,7 +135,7 @@ TEST_F(CamviewWindow, FollowsARecordingThatIsStillBeingWritten) {
   EXPECT_EQ(3, view().time.position);
   EXPECT_TRUE(Soon([&] { return view().tickMs == 0; }));
 
-  // Written anew while it is followed; and the window is closed while it is.
+  // Written anew while it is followed; then another source is opened, and the window closed, while it is.
   for (const bool isLonger : {false, true}) {
     std::ofstream(path, std::ios::binary) << whole.substr(0, until(100));
     camview::OpenFile(view(), path.wstring());
@@ -146,6 +146,14 @@ TEST_F(CamviewWindow, FollowsARecordingThatIsStillBeingWritten) {
     std::ofstream(path, std::ios::binary) << other.substr(0, until(isLonger ? 200 : 50));
     EXPECT_TRUE(Soon([&] { return Says(L"was shortened or replaced"); })) << camera::Narrow(Text(IDC_STATUS));
     EXPECT_EQ(110, Records()->End());
+  }
+  for (const bool isOther : {true, false}) {
+    std::ofstream(path, std::ios::binary) << whole.substr(0, until(100));
+    camview::OpenFile(view(), path.wstring());
+    EXPECT_TRUE(Soon([&] { return view().source.IsFollowed(); }));
+    append(path, until(100), until(110));
+    if (isOther) Connect(view(), 177);
+    EXPECT_EQ(isOther, !view().source.IsFollowed());
   }
 }
 
