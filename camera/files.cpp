@@ -293,7 +293,23 @@ std::string HeaderOf(HANDLE file) {
 
 }  // namespace
 
+void PauseReading(RecordingFile* recording) {
+  if (recording->file == INVALID_HANDLE_VALUE) return;
+  SetFilePointerEx(recording->file, {}, &recording->pausedAt, FILE_CURRENT);
+  CloseRecording(recording);
+}
+
 FileGrowth LookForMore(RecordingFile* recording) {
+  const auto isMissing = [](DWORD failure) {
+    return failure == ERROR_FILE_NOT_FOUND || failure == ERROR_PATH_NOT_FOUND;
+  };
+  if (recording->file == INVALID_HANDLE_VALUE) {
+    std::string unused;
+    recording->file = OpenForReading(recording->path, &unused);
+    if (recording->file == INVALID_HANDLE_VALUE)
+      return isMissing(GetLastError()) ? FileGrowth::kGone : FileGrowth::kSame;
+    SetFilePointerEx(recording->file, recording->pausedAt, nullptr, FILE_BEGIN);
+  }
   LARGE_INTEGER size{}, at{};
   HANDLE file = recording->file;
   if (!GetFileSizeEx(file, &size) || !SetFilePointerEx(file, {}, &at, FILE_CURRENT)) {
@@ -314,7 +330,7 @@ FileGrowth LookForMore(RecordingFile* recording) {
   const DWORD attributes = GetFileAttributesW(Wide(recording->path).c_str());
   const DWORD failure = attributes == INVALID_FILE_ATTRIBUTES ? GetLastError() : 0;
   if (failure == 0) return FileGrowth::kReplaced;
-  return failure == ERROR_FILE_NOT_FOUND || failure == ERROR_PATH_NOT_FOUND ? FileGrowth::kGone : FileGrowth::kSame;
+  return isMissing(failure) ? FileGrowth::kGone : FileGrowth::kSame;
 }
 
 bool NextChunk(RecordingFile* recording, Chunk* chunk) {

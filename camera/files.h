@@ -74,6 +74,7 @@ struct RecordingFile {
   // return false as after the last chunk, but leave what is incomplete, and can be called again for what is appended.
   bool isFollowed = false;
   std::string start;                // of the file, once LookForMore has read it
+  LARGE_INTEGER pausedAt = {};      // with PauseReading
   std::string part;                 // read buffer
   std::uint64_t damagedBefore = 0;  // damaged bytes that NextBatch has added
   Chunk chunk{};
@@ -107,6 +108,8 @@ enum class FileGrowth {
   kFailed,    // the reason is in `systemError`
 };
 FileGrowth LookForMore(RecordingFile* recording);
+// Closes the file until LookForMore, so that it can be replaced.
+void PauseReading(RecordingFile* recording);
 
 // Returns to the first chunk.
 void Rewind(RecordingFile* recording);

@@ -81,7 +81,10 @@ FollowState RecordingFollower::Shared::ReadOn() {
     case camera::FileGrowth::kSame: break;
   }
   const bool isQuiet = grown == 0 || camera::Now() - grown >= kQuietSeconds;
-  return isQuiet ? FollowState::kWaiting : FollowState::kGrowing;
+  if (!isQuiet) return FollowState::kGrowing;
+  // Windows cannot replace a file that is open, and this recording was probably interrupted.
+  camera::PauseReading(&reader->file);
+  return FollowState::kWaiting;
 }
 
 FollowState RecordingFollower::Shared::ReadAppended() {

@@ -106,6 +106,8 @@ TEST_F(CamviewWindow, FollowsARecordingThatIsStillBeingWritten) {
   EXPECT_FALSE(view().time.isLive);
   SetFocus(Control(IDC_TIMELINE));
   Press(VK_END);
+  const DWORD start = GetTickCount();
+  Soon([&] { return GetTickCount() - start > 1200; });  // closed meanwhile, and opened again
   append(path, until(100) + 9, until(200));
   EXPECT_TRUE(hasRecords(200));
   EXPECT_TRUE(Says(L"It is still being written.")) << camera::Narrow(Text(IDC_STATUS));
