@@ -11,7 +11,7 @@
 #include "camview/commands.h"
 #include "camview/event_table.h"
 #include "camview/resource_ids.h"
-#include "camview/settings.h"
+#include "camview/source.h"
 #include "camview/status_line.h"
 #include "camview/view_time.h"
 #include "camview/window.h"

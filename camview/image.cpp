@@ -8,7 +8,6 @@
 #include "camview/commands.h"
 #include "camview/resource_ids.h"
 #include "camview/settings.h"
-#include "camview/source.h"
 #include "camview/status_line.h"
 #include "camview/window.h"
 #include "kv/framework/bitmaps.h"

@@ -28,7 +28,7 @@ void Store(const std::vector<std::wstring>& paths) {
   for (const std::wstring& path : paths) list += path + L'\0';
   list += L'\0';
   RegSetValueExW(kv::RegistryKey::Create(kSettingsKey), kValue, 0, REG_MULTI_SZ,
-                 reinterpret_cast<const BYTE*>(list.c_str()), static_cast<DWORD>(list.size() * sizeof(wchar_t)));
+                 reinterpret_cast<const BYTE*>(list.c_str()), static_cast<DWORD>(list.size()) * sizeof(wchar_t));
 }
 
 // "&3 recording.twr", with the folder at the right; long folders are shortened in their middle.
@@ -36,7 +36,7 @@ std::wstring MenuText(size_t number, const std::wstring& path) {
   constexpr size_t kLongest = 40, kPart = 18;
   std::wstring name = kv::FileNameOf(path.c_str());
   std::wstring folder = path.substr(0, path.size() - name.size());
-  if (folder.size() > kLongest) folder = folder.substr(0, kPart) + L"\x2026" + folder.substr(folder.size() - kPart);
+  if (folder.size() > kLongest) folder.replace(kPart, folder.size() - 2 * kPart, L"\x2026");
   for (size_t at = 0; (at = name.find(L'&', at)) != name.npos; at += 2) name.insert(at, 1, L'&');
   return L"&" + std::to_wstring(number) + L" " + name + L"\t" + folder;
 }
@@ -45,7 +45,7 @@ std::wstring MenuText(size_t number, const std::wstring& path) {
 
 std::vector<std::wstring> RecentFiles() {
   std::wstring list(kMaxRecentFiles * kv::kPathCharacters + 1, L'\0');
-  DWORD bytes = static_cast<DWORD>((list.size() - 1) * sizeof(wchar_t)), type = 0;
+  DWORD bytes = static_cast<DWORD>(list.size() - 1) * sizeof(wchar_t), type = 0;
   const LSTATUS status = RegQueryValueExW(kv::RegistryKey::Open(kSettingsKey), kValue, nullptr, &type,
                                           reinterpret_cast<BYTE*>(list.data()), &bytes);
   std::vector<std::wstring> paths;

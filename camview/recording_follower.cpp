@@ -12,6 +12,7 @@
 #include "camera/files.h"
 #include "camera/ports.h"
 #include "camera/record_intake.h"
+#include "camera/record_stream.h"
 #include "camera/recording.h"
 
 namespace camview {
@@ -60,7 +61,7 @@ struct RecordingFollower::Shared {
   void Run();
   FollowState ReadOn();
   FollowState ReadAppended();
-  bool Publish(FollowState state);
+  bool Publish(FollowState now);
 };
 
 // ---- The thread -----------------------------------------------------------------------------------------------------

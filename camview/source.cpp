@@ -13,6 +13,7 @@
 #include "camview/exporter.h"
 #include "camview/live_source.h"
 #include "camview/record_store.h"
+#include "camview/recording_follower.h"
 #include "camview/recording_loader.h"
 #include "camview/view_time.h"
 

@@ -102,7 +102,7 @@ std::wstring SilencesAsText(const camera::LineFigures& line) {
 }
 
 std::wstring LineAsText(const camera::LineFigures& line) {
-  const std::wstring losses = line.basis == camera::LossBasis::kTooFew ? L"" : LossesAsText(line, true);
+  std::wstring losses = line.basis == camera::LossBasis::kTooFew ? L"" : LossesAsText(line, true);
   if (line.silences == 0) return losses;
   const std::wstring seconds = kv::NumberText(line.silentSeconds, 1), count = CountText(line.silences);
   return losses + (losses.empty() ? L"" : L"; ") +

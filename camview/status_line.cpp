@@ -10,6 +10,7 @@
 #include "camera/events.h"
 #include "camera/text.h"
 #include "camview/live_source.h"
+#include "camview/recording_follower.h"
 #include "camview/recording_loader.h"
 #include "camview/resource_ids.h"
 #include "camview/view_time.h"

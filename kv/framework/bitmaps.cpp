@@ -65,22 +65,30 @@ BOOL PutBitmapOnClipboard(HWND window, HBITMAP bitmap) {
   return taken;
 }
 
+namespace {
+
+bool OfferText(HWND window, HGLOBAL memory, BOOL addIt) {
+  if (!OpenClipboard(window)) return false;
+  if (!addIt) EmptyClipboard();
+  const bool taken = SetClipboardData(CF_UNICODETEXT, memory) != nullptr;
+  CloseClipboard();
+  return taken;
+}
+
+}  // namespace
+
 BOOL CopyTextToClipboard(HWND window, const std::wstring& text, BOOL addIt) {
   const size_t bytes = (text.size() + 1) * sizeof(wchar_t);
   const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, bytes);
-  void* target = memory ? GlobalLock(memory) : nullptr;
-  BOOL taken = FALSE;
+  if (!memory) return FALSE;
+  void* target = GlobalLock(memory);
   if (target) {
     std::memcpy(target, text.c_str(), bytes);
     GlobalUnlock(memory);
-    if (OpenClipboard(window)) {
-      if (!addIt) EmptyClipboard();
-      taken = SetClipboardData(CF_UNICODETEXT, memory) != nullptr;
-      CloseClipboard();
-    }
   }
-  if (memory && !taken) GlobalFree(memory);
-  return taken;
+  if (target && OfferText(window, memory, addIt)) return TRUE;
+  GlobalFree(memory);
+  return FALSE;
 }
 
 }  // namespace kv

@@ -35,14 +35,6 @@ namespace {
 
 using kvtest::TextOf;
 
-std::wstring ClipboardText() {
-  std::wstring text;
-  if (!OpenClipboard(nullptr)) return text;
-  if (HANDLE data = GetClipboardData(CF_UNICODETEXT)) text = static_cast<const wchar_t*>(GlobalLock(data));
-  CloseClipboard();
-  return text;
-}
-
 TEST_F(CamviewWindow, OpensARecordingAndGoesToTimes) {
   std::string bytes = Recording(1000, [](int i) { return i >= 600 && i < 790; });
   const size_t chunk = camera::EncodeChunks(0, RecordBytes(0)).size();
@@ -107,7 +99,7 @@ TEST_F(CamviewWindow, OpensARecordingAndGoesToTimes) {
   EXPECT_EQ(
       L"Time\tEvent\tLength\tAmount\r\n0:00.000\tnot seen\t10.000 s\tpoint 3\r\n"
       L"0:05.990\tsilence\t1.910 s\t\r\n0:08.890\tdamage\t0.020 s\t57 bytes\r\n",
-      ClipboardText());
+      kvtest::ClipboardText(window_));
   chosenPath = File(L"camview events.csv");
   Command(IDM_EXPORT_EVENTS);
   EXPECT_EQ("seconds,duration,event,amount,point\n0.000000,10.000000,not seen,,3\n", BytesOf(chosenPath).substr(0, 67));
