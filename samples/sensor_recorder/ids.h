@@ -1,5 +1,5 @@
 #define IDC_CHART 101
 #define IDC_PORT 102
 #define IDC_CONNECT 103
-#define IDC_HOLD 104
+#define IDC_FREEZE 104
 #define IDC_STATUS 105

@@ -72,7 +72,7 @@ INT_PTR CALLBACK Recorder(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
     case WM_TIMER: ReadPort(dialog); return TRUE;
     case WM_COMMAND:
       if (LOWORD(wParam) == IDC_CONNECT) Connect(dialog);
-      if (LOWORD(wParam) == IDC_HOLD) kv::FreezeStripChart(dialog, IDC_CHART, IsDlgButtonChecked(dialog, IDC_HOLD));
+      if (LOWORD(wParam) == IDC_FREEZE) kv::FreezeStripChart(dialog, IDC_CHART, IsDlgButtonChecked(dialog, IDC_FREEZE));
       return FALSE;
     default: return FALSE;
   }
