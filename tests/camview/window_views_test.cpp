@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <cmath>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -45,9 +46,11 @@ TEST_F(CamviewWindow, ShowsDistributionsAndIntervalsOfTheSelection) {
     const RECT place = kvtest::PlaceOf(window_, IDC_HISTOGRAM_Y);
     const kvtest::TestBitmap bitmap(place.right - place.left, place.bottom - place.top);
     SendMessageW(Control(IDC_HISTOGRAM_Y), WM_PRINTCLIENT, reinterpret_cast<WPARAM>(bitmap.dc()), 0);
-    std::vector<COLORREF> pixels;
-    for (int i = 0; i < bitmap.width() * bitmap.height(); ++i)
-      pixels.push_back(bitmap.At(i % bitmap.width(), i / bitmap.width()));
+    const int width = bitmap.width();
+    std::vector<COLORREF> pixels(static_cast<size_t>(width * bitmap.height()));
+    for (size_t i = 0; i < pixels.size(); ++i) {
+      pixels[i] = bitmap.At(static_cast<int>(i) % width, static_cast<int>(i) / width);
+    }
     return pixels;
   };
   const std::vector<COLORREF> english = drawn();
