@@ -84,7 +84,8 @@ std::wstring MeanText(const camera::Spread& spread, long long count) {
 }
 
 std::wstring SpreadText(const camera::Spread& spread, long long count) {
-  return count < 2 ? kNone : kv::NumberText(camera::Deviation(spread, count), 2);
+  const double deviation = camera::Deviation(spread, count);
+  return count < 2 ? kNone : kv::NumberText(deviation, deviation < 100 ? 2 : 1);
 }
 
 // "x1: 512.31 ± 1.02".
