@@ -442,16 +442,16 @@ void Display::ShowEventRows(const ViewTime& time, const EventTable& events) {
   if (!isLiveTurn_) return;
   const HWND list = GetDlgItem(window_, IDC_EVENTS);
   const bool isChanged = eventsVersion_ != events.Version();
-  const UINT lowest = kv::ListRowAt(list, {0, kv::ClientSize(list).cy - 1});
-  const bool isEndShown = !eventRow_ || lowest == kv::kNoRow || lowest >= *eventRow_;
   if (isChanged) {
     eventsVersion_ = events.Version();
     SendMessageW(list, LB_SETCOUNT, EventRows(events), 0);
   }
-  // While a port is followed, a list that the user has scrolled back stays where it is.
-  if (time.IsFollowing() && !isEndShown) return;
   const UINT row = static_cast<UINT>(events.Current(time.position).value_or(kv::kNoRow));
   if (eventRow_ == row && (!isChanged || kv::SelectedListRow(list) == row)) return;
+  // While a port is followed, a list that the user has scrolled back stays where it is.
+  const UINT lowest = kv::ListRowAt(list, {0, kv::ClientSize(list).cy - 1});
+  const UINT last = eventRow_.value_or(kv::kNoRow);
+  if (time.IsFollowing() && last != kv::kNoRow && lowest != kv::kNoRow && lowest < last) return;
   eventRow_ = row;
   kv::SelectListRow(list, row);
   NameEventRow(list, events);

@@ -19,6 +19,7 @@
 #include "camview/resource_ids.h"
 #include "camview/source.h"
 #include "camview/window.h"
+#include "kv/lists/list_navigation.h"
 #include "tests/camview/window_fixture.h"
 #include "tests/support/running_program.h"
 #include "tests/support/serial_line.h"
@@ -181,7 +182,8 @@ TEST_F(CamviewWindow, LosesNothingOfAPortThatComesAndGoes) {
   Press('R');
   EXPECT_NE(Text(IDC_RECORDING).find(L"Recording to camview live.twr"), std::wstring::npos);
   EXPECT_TRUE(send(5));
-  Press(VK_SPACE);  // hold: nothing is lost behind it
+  Command(IDM_SHOW_EVENTS);
+  Press(VK_SPACE);  // freeze: nothing is lost behind it
   EXPECT_EQ(L"Resu&me", Text(IDC_PLAY));
   EXPECT_TRUE(send(5));
   EXPECT_EQ(L"1: 14, 300; 2: 500, 400; 4: 20, 700", Field());
@@ -195,6 +197,7 @@ TEST_F(CamviewWindow, LosesNothingOfAPortThatComesAndGoes) {
   camera = std::make_unique<kvtest::PlayedCamera>(farPort);
   EXPECT_TRUE(Soon([&] { return Says(L"has sent nothing for"); })) << camera::Narrow(Text(IDC_STATUS));
   EXPECT_TRUE(send(5));
+  EXPECT_TRUE(Soon([&] { return kv::SelectedListRow(Control(IDC_EVENTS)) + 1 == view().events.Events().size(); }));
   EXPECT_TRUE(Soon([&] {
     camera->Send("garbage ");
     return Says(L"sends bytes, but no records");
