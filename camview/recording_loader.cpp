@@ -70,7 +70,7 @@ void RecordingLoader::Load() {
   static_cast<RecordingFigures&>(loaded_) = FiguresOf(*reader);
   // Only a recording that was read completely can be known to be truncated.
   loaded_.isTruncated = loaded_.outcome == LoadOutcome::kComplete && loaded_.isTruncated;
-  if (loaded_.isTruncated) loaded_.reader = std::move(reader);
+  if (loaded_.isTruncated && file.decoder.hasHeader) loaded_.reader = std::move(reader);
 }
 
 }  // namespace camview

@@ -102,7 +102,8 @@ bool Source::Close() {
 SourceNews Source::TakeLoaded() {
   isLoading_ = false;
   LoadedRecording next = loader_.Take();
-  const bool isEmpty = !next.store || next.store->IsEmpty();
+  // A recording that has just begun may be waiting for the camera.
+  const bool isEmpty = (!next.store || next.store->IsEmpty()) && !next.reader;
   if (next.outcome == LoadOutcome::kCanceled && (isEmpty || IsOpen())) return SourceNews::kLoadCanceled;
   if (isEmpty) {
     rejected_ = std::move(next);

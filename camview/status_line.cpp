@@ -164,7 +164,13 @@ StatusLine DescribeRecording(const LoadedRecording& recording, const std::wstrin
     case LoadOutcome::kTooLong: line.text = kv::ResourceText(IDS_FILE_TOO_LONG) + L" "; break;
     case LoadOutcome::kOutOfMemory: line.text = kv::ResourceText(IDS_FILE_NO_MEMORY) + L" "; break;
   }
-  if (recording.records == 0) return rejected(IDS_FILE_NO_RECORDS);
+  const bool isComplete = recording.outcome == LoadOutcome::kComplete;
+  const std::wstring missing = isComplete ? DescribeMissingEnd(recording, why) : std::wstring();
+  if (recording.records == 0) {
+    StatusLine none = rejected(IDS_FILE_NO_RECORDS);
+    none.text += missing;
+    return none;
+  }
   const std::wstring records = RecordsAsText(recording.records), seconds = TimeAsText(recording.seconds, 1);
   line.text += figures.empty() ? kv::TextWith(IDS_FILE_WHOLE, records.c_str(), seconds.c_str())
                                : kv::TextWith(IDS_FILE_WHOLE_LINE, records.c_str(), seconds.c_str(), figures.c_str());
@@ -177,8 +183,6 @@ StatusLine DescribeRecording(const LoadedRecording& recording, const std::wstrin
   AddCounted(&line.text, recording.damageCount, IDS_FILE_DAMAGED_ONE, IDS_FILE_DAMAGED);
   AddCounted(&line.text, recording.malformedSections, IDS_FILE_MALFORMED_ONE, IDS_FILE_MALFORMED);
   AddCounted(&line.text, recording.invalidRecords, IDS_FILE_INVALID_ONE, IDS_FILE_INVALID);
-  const bool isComplete = recording.outcome == LoadOutcome::kComplete;
-  const std::wstring missing = isComplete ? DescribeMissingEnd(recording, why) : std::wstring();
   if (recording.following != FollowState::kGrowing) line.text += missing;
   if (line.text.size() > whole || !isComplete) line.mark = StatusMark::kWarning;
   if (recording.following == FollowState::kGrowing) line.text += missing;

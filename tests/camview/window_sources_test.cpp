@@ -151,10 +151,11 @@ TEST_F(CamviewWindow, FollowsARecordingThatIsStillBeingWritten) {
     EXPECT_EQ(110, Records()->End());
   }
   for (const bool isOther : {true, false}) {
-    std::ofstream(path, std::ios::binary) << whole.substr(0, until(100));
+    std::ofstream(path, std::ios::binary) << whole.substr(0, until(0));
     camview::OpenFile(view(), path.wstring());
-    EXPECT_TRUE(Soon([&] { return view().source.IsFollowed(); }));
-    append(path, until(100), until(110));
+    EXPECT_TRUE(Soon([&] { return view().source.IsFollowed() && Says(L"contains no records."); }));
+    append(path, until(0), until(110));
+    EXPECT_TRUE(Soon([&] { return Records() && view().time.position == 1.09; }));
     if (isOther) Connect(view(), 177);
     EXPECT_EQ(isOther, !view().source.IsFollowed());
   }
