@@ -215,7 +215,7 @@ void Display::SetVisible(int id, bool visible) {
 void Display::ShowOneOf(std::initializer_list<int> ids, int shown) {
   SetVisible(shown, true);
   for (const int id : ids) {
-    if (id == shown) continue;
+    if (const auto known = visible_.find(id); id == shown || (known != visible_.end() && !known->second)) continue;
     if (GetFocus() == GetDlgItem(window_, id)) SetFocus(GetDlgItem(window_, shown));
     SetVisible(id, false);
   }
