@@ -103,6 +103,9 @@ void Pause(ViewTime* time) {
 }
 
 void Seek(ViewTime* time, double position) {
+  // What grows may have grown since the user has seen its end.
+  constexpr double kSinceSeen = 0.1;
+  if (time->isLive && position >= time->end - kSinceSeen) return Freeze(time, false);
   MoveTo(time, position);
 }
 

@@ -64,7 +64,7 @@ void Advance(ViewTime* time, double clock);
 // Starts playback; at the end, from the beginning.
 void Play(ViewTime* time);
 void Pause(ViewTime* time);
-// Moves within the range and scrolls the charts to it; freezes a live port.
+// Moves within the range and scrolls the charts to it; freezes a live port, or follows it at its end.
 void Seek(ViewTime* time, double position);
 void SetSpeed(ViewTime* time, double speed);  // within kSlowest .. kFastest
 // Pauses, and moves by `by` records forwards or backwards from the current one.

@@ -404,6 +404,9 @@ TEST(CamviewTime, ShowsTheLastSecondsOrAllOfWhatIsFollowed) {
   Restart(&time, {0, 50}, false);
   SetLive(&time, true);
   EXPECT_TRUE(time.isFrozen && !time.IsFollowing());
+  Seek(&time, 50);
+  EXPECT_TRUE(time.IsFollowing());
+  Seek(&time, 0);
   SetLive(&time, false);
   Play(&time);
   SetLive(&time, true);
