@@ -11,6 +11,7 @@
 #include "kv/controls/strip_chart/sample_store.h"
 #include "kv/controls/strip_chart/strip_chart.h"
 #include "kv/controls/strip_chart/trace.h"
+#include "kv/framework/bitmaps.h"
 #include "kv/framework/canvas.h"
 #include "kv/framework/coverage.h"
 #include "kv/framework/guards.h"
@@ -156,12 +157,18 @@ void StripRenderer::DrawTimes() {
   FillArea(canvas, strip, key_.colors.panel);
   const SelectedObject selected(canvas.dc(), font_);
   const long long first = OldestColumn(layout) + layout.gapPx, last = layout.lastColumn;
-  ForTimeTicks(layout, first, last + 1, [&](double time, long long column) {
+  const auto next = static_cast<long long>(layout.timeStep / layout.secondsPerColumn) + 1;
+  timesKept_ = layout.sweeps ? 0 : next;
+  ForTimeTicks(layout, first, last + 1 + next, [&](double time, long long column) {
     const std::wstring text = TimeText(time, layout.timeStep, TimeFormatOf(key_.style));
     const LONG half = (WidthOf(canvas.dc(), text) + 1) / 2 + 1;  // antialiased edges reach beyond the width
+    // The next one to appear at the right, and the first one to disappear at the left.
+    const long long missing = column + half - last - 1, left = column - half - first;
+    if (missing > 0) timesKept_ = std::min(timesKept_, missing - 1);
+    if (missing > 0 || left < 0) return;
+    timesKept_ = std::min(timesKept_, left);
     const LONG place = PlaceOf(layout, column);
-    const bool isShown = column - half >= first && column + half <= last + 1;
-    if (!isShown || place - half < plot.left || place + half > plot.right) return;
+    if (place - half < plot.left || place + half > plot.right) return;
     DrawTextIn(canvas.dc(), text, {place - half, strip.top, place + half, strip.bottom}, key_.colors.text, DT_CENTER);
   });
 }
@@ -260,11 +267,14 @@ void StripRenderer::DrawColumns(const StripModel& model, long long from, long lo
 void StripRenderer::Scroll(long long columns) {
   const RECT& plot = key_.layout.plot;
   const size_t kept = static_cast<size_t>(plot.right - plot.left - columns);
+  const LONG bottom = plot.bottom + std::max(key_.layout.labelsPx, 1);
   GdiFlush();
-  for (LONG y = plot.top; y <= plot.bottom; ++y) {
+  for (LONG y = plot.top; y < bottom; ++y) {
     DWORD* row = surface_.Row(y) + plot.left;
     std::memmove(row, row + columns, kept * sizeof(DWORD));
+    if (y > plot.bottom) std::fill_n(row + kept, columns, PixelOfColor(key_.colors.panel));
   }
+  timesKept_ -= columns;
 }
 
 // ---- Update ---------------------------------------------------------------------------------------------------------
@@ -319,7 +329,8 @@ RECT StripRenderer::Update(StripModel& model, SIZE size, bool redrawAll) {
   if (removedTo > last - width && removed > static_cast<double>(last - width))
     DrawColumns(model, last - width, removedTo);
   DrawColumns(model, from, last + 1);
-  if (last > before) DrawTimes();
+  // Drawing text takes longer than the rest.
+  if (last > before && (key_.layout.sweeps || timesKept_ < 0)) DrawTimes();
   model.undrawnFrom = kNever;
   model.removedTo = -kNever;
   return ground;

@@ -107,6 +107,7 @@ class StripRenderer {
   Key key_{};
   std::array<RECT, kStripChannels> legendItems_{};
   bool drawn_ = false;
+  long long timesKept_ = 0;  // columns by which the chart can scroll until another time is shown, or one no more
 };
 
 }  // namespace kv
