@@ -28,6 +28,7 @@
 #include "tests/camview/window_fixture.h"
 #include "tests/support/replaced_import.h"
 #include "tests/support/running_program.h"
+#include "tests/support/test_window.h"
 
 namespace camview {
 namespace {
