@@ -76,8 +76,8 @@ void NameControls(HWND window) {
   }
 }
 
-// `line`: the figures of the whole line.
-StatusLine Describe(const Source& source, const ViewTime& time, const std::wstring& line) {
+// `line`: the figures of the whole line. `isGapless`: nothing is lost or silent, as far as they tell.
+StatusLine Describe(const Source& source, const ViewTime& time, const std::wstring& line, bool isGapless) {
   const std::wstring work = kv::FileNameOf(source.WorkPath().c_str());
   if (source.IsWorking()) {
     return {StatusMark::kWaiting, kv::TextWith(source.IsExporting() ? IDS_EXPORTING : IDS_LOADING, work.c_str())};
@@ -90,6 +90,7 @@ StatusLine Describe(const Source& source, const ViewTime& time, const std::wstri
   }
   if (source.IsOpen()) {
     StatusLine status = DescribeRecording(source.Loaded(), line);
+    if (status.mark == StatusMark::kGood && !isGapless) status.mark = StatusMark::kWarning;
     if (source.IsGrowing() && time.isFrozen) status.text += L" " + kv::ResourceText(IDS_FILE_FROZEN);
     return status;
   }
@@ -260,7 +261,7 @@ void Display::ShowStatus(const Source& source, const ViewTime& time) {
     SetText(id, line.text);
     InvalidateRect(GetDlgItem(window_, id), nullptr, FALSE);
   };
-  show(IDC_STATUS, message_.text.empty() ? Describe(source, time, lineText_) : message_, &line_);
+  show(IDC_STATUS, message_.text.empty() ? Describe(source, time, lineText_, isGapless_) : message_, &line_);
   show(IDC_RECORDING, DescribeLiveRecording(source.Recording()), &recordingLine_);
   const bool hasRecordingLine = !recordingLine_.text.empty() && !source.IsWorking();
   const bool isShort = source.IsWorking() || hasRecordingLine;
@@ -432,8 +433,11 @@ void Display::ShowEvents(const Source& source, const ViewTime& time, EventTable*
     eventsSource_ = source.Number();
     const RecordStore* store = source.Records();
     events->Update(source.Number(), store, source.Rate(), time.end);
-    if (eventsVersion_ != events->Version())
-      lineText_ = store ? LineAsText(LineFiguresOf(*store, time.begin, time.end)) : std::wstring();
+    if (eventsVersion_ != events->Version()) {
+      const camera::LineFigures line = store ? LineFiguresOf(*store, time.begin, time.end) : camera::LineFigures();
+      lineText_ = store ? LineAsText(line) : std::wstring();
+      isGapless_ = line.lostAtLeast <= 0 && line.silences == 0;
+    }
   }
   ShowEventRows(time, *events);
 }
