@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "camera/events.h"
+#include "camera/line_model.h"
 #include "camera/ports.h"
 #include "camview/camera_field.h"
 #include "camview/charts.h"
