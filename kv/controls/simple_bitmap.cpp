@@ -1,6 +1,7 @@
 #include "kv/controls/simple_bitmap.h"
 
 #include <oleacc.h>
+#include <shellapi.h>
 
 #include <algorithm>
 #include <cstdlib>

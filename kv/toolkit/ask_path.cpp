@@ -1,5 +1,6 @@
 #include "kv/toolkit/ask_path.h"
 
+#include <cderr.h>
 #include <commdlg.h>
 
 #include <algorithm>

@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <commdlg.h>
+#include <shellapi.h>
 #include <shlobj.h>
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 #include "kv/framework/file_dialog.h"
 
+#include <cderr.h>
 #include <commdlg.h>
 #include <gtest/gtest.h>
 

@@ -1,5 +1,6 @@
 #include "kv/framework/notification_icon.h"
 
+#include <combaseapi.h>
 #include <dbt.h>
 #include <gtest/gtest.h>
 
