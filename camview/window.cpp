@@ -100,17 +100,13 @@ INT_PTR OnDestroy(View& view) {
   return FALSE;
 }
 
-// Called by the system itself: tooltips look up a property of the window for each message to it, which takes a call
-// into the system.
-void CALLBACK OnTick(HWND window, UINT, UINT_PTR, DWORD) {
-  View* const found = ViewOf(window);
-  if (!found) return;
-  View& view = *found;
+INT_PTR OnTick(View& view) {
   const SourceNews news = view.source.Tick();
   Advance(&view.time, camera::Now());
   Update(view);
   // May show a message box.
   if (news != SourceNews::kNone) OnNews(view, news);
+  return TRUE;
 }
 
 INT_PTR OnLanguageChanged(View& view) {
@@ -135,6 +131,7 @@ INT_PTR CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARA
   switch (message) {
     case kStart: return OnStart(*view, *reinterpret_cast<const StartOptions*>(lParam));
     case WM_SIZE: view->display.PlaceStatus(); return FALSE;
+    case WM_TIMER: return wParam == kTickTimer ? OnTick(*view) : FALSE;
     case WM_COMMAND: return OnCommand(*view, LOWORD(wParam), HIWORD(wParam));
     case WM_INITMENUPOPUP: PrepareMenu(*view, reinterpret_cast<HMENU>(wParam)); return TRUE;
     case WM_CONTEXTMENU: return ShowContextMenu(window, reinterpret_cast<HWND>(wParam), lParam);
@@ -154,7 +151,8 @@ void UpdateTimer(View& view) {
   if (tickMs == view.tickMs) return;
   view.tickMs = tickMs;
   if (tickMs > 0) {
-    SetTimer(view.window, kTickTimer, tickMs, OnTick);
+    // Without a procedure, which Wine 10 does not call from the message loop of a dialog.
+    SetTimer(view.window, kTickTimer, tickMs, nullptr);
   } else {
     KillTimer(view.window, kTickTimer);
   }
