@@ -14,7 +14,6 @@
 #include <vector>
 
 #include "camera/events.h"
-#include "camera/line_model.h"
 #include "camera/ports.h"
 #include "camview/camera_field.h"
 #include "camview/charts.h"
@@ -77,8 +76,8 @@ void NameControls(HWND window) {
   }
 }
 
-// `line`: the figures of the whole line. `isGapless`: nothing is lost or silent, as far as they tell.
-StatusLine Describe(const Source& source, const ViewTime& time, const std::wstring& line, bool isGapless) {
+// `line`: the figures of the whole line.
+StatusLine Describe(const Source& source, const ViewTime& time, const StatusLine& line) {
   const std::wstring work = kv::FileNameOf(source.WorkPath().c_str());
   if (source.IsWorking()) {
     return {StatusMark::kWaiting, kv::TextWith(source.IsExporting() ? IDS_EXPORTING : IDS_LOADING, work.c_str())};
@@ -86,12 +85,12 @@ StatusLine Describe(const Source& source, const ViewTime& time, const std::wstri
   if (source.IsLive()) {
     StatusLine status = DescribeLive(source.Status());
     if (time.isFrozen) status.text += L" " + kv::ResourceText(IDS_LIVE_FROZEN);
-    if (!line.empty()) status.text += L" " + kv::TextWith(IDS_LINE_IN, LengthAsText(time.end).c_str(), line.c_str());
+    if (!line.text.empty())
+      status.text += L" " + kv::TextWith(IDS_LINE_IN, LengthAsText(time.end).c_str(), line.text.c_str());
     return status;
   }
   if (source.IsOpen()) {
     StatusLine status = DescribeRecording(source.Loaded(), line);
-    if (status.mark == StatusMark::kGood && !isGapless) status.mark = StatusMark::kWarning;
     if (source.IsGrowing() && time.isFrozen) status.text += L" " + kv::ResourceText(IDS_FILE_FROZEN);
     return status;
   }
@@ -262,7 +261,7 @@ void Display::ShowStatus(const Source& source, const ViewTime& time) {
     SetText(id, line.text);
     InvalidateRect(GetDlgItem(window_, id), nullptr, FALSE);
   };
-  show(IDC_STATUS, message_.text.empty() ? Describe(source, time, lineText_, isGapless_) : message_, &line_);
+  show(IDC_STATUS, message_.text.empty() ? Describe(source, time, wholeLine_) : message_, &line_);
   show(IDC_RECORDING, DescribeLiveRecording(source.Recording()), &recordingLine_);
   const bool hasRecordingLine = !recordingLine_.text.empty() && !source.IsWorking();
   const bool isShort = source.IsWorking() || hasRecordingLine;
@@ -434,11 +433,8 @@ void Display::ShowEvents(const Source& source, const ViewTime& time, EventTable*
     eventsSource_ = source.Number();
     const RecordStore* store = source.Records();
     events->Update(source.Number(), store, source.Rate(), time.end);
-    if (eventsVersion_ != events->Version()) {
-      const camera::LineFigures line = store ? LineFiguresOf(*store, time.begin, time.end) : camera::LineFigures();
-      lineText_ = store ? LineAsText(line) : std::wstring();
-      isGapless_ = line.lostAtLeast <= 0 && line.silences == 0;
-    }
+    if (eventsVersion_ != events->Version())
+      wholeLine_ = store ? DescribeLine(LineFiguresOf(*store, time.begin, time.end)) : StatusLine();
   }
   ShowEventRows(time, *events);
 }

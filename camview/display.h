@@ -82,8 +82,7 @@ class Display {
   std::map<int, std::wstring> texts_;
   std::map<int, bool> enabled_, visible_;
   StatusLine line_, recordingLine_;
-  std::wstring lineText_;  // in the status line: losses and silence
-  bool isGapless_ = true;
+  StatusLine wholeLine_;         // in the status line: losses and silence
   std::optional<bool> isShort_;  // the status line
   int speed_ = -1, progress_ = -1;
   bool isNamed_ = false;

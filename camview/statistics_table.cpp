@@ -101,13 +101,16 @@ std::wstring SilencesAsText(const camera::LineFigures& line) {
                       percent.c_str(), kv::NumberText(line.longestSilence, 3).c_str(), at.c_str());
 }
 
-std::wstring LineAsText(const camera::LineFigures& line) {
-  std::wstring losses = line.basis == camera::LossBasis::kTooFew ? L"" : LossesAsText(line, true);
-  if (line.silences == 0) return losses;
+StatusLine DescribeLine(const camera::LineFigures& line) {
+  const bool isWhole = line.lostAtLeast <= 0 && line.silences == 0;
+  StatusLine described{isWhole ? StatusMark::kGood : StatusMark::kWarning,
+                       line.basis == camera::LossBasis::kTooFew ? L"" : LossesAsText(line, true)};
+  if (line.silences == 0) return described;
   const std::wstring seconds = kv::NumberText(line.silentSeconds, 1), count = CountText(line.silences);
-  return losses + (losses.empty() ? L"" : L"; ") +
-         (line.silences == 1 ? kv::TextWith(IDS_SILENCES_SHORT_ONE, seconds.c_str())
-                             : kv::TextWith(IDS_SILENCES_SHORT, count.c_str(), seconds.c_str()));
+  if (!described.text.empty()) described.text += L"; ";
+  described.text += line.silences == 1 ? kv::TextWith(IDS_SILENCES_SHORT_ONE, seconds.c_str())
+                                       : kv::TextWith(IDS_SILENCES_SHORT, count.c_str(), seconds.c_str());
+  return described;
 }
 
 void DrawStatisticsRow(const DRAWITEMSTRUCT& item, const SelectionStatistics* statistics) {

@@ -7,6 +7,7 @@
 
 #include "camera/line_model.h"
 #include "camview/statistics.h"
+#include "camview/status_line.h"
 
 namespace camview {
 
@@ -14,8 +15,9 @@ namespace camview {
 std::wstring CountsAsText(const camera::LineFigures& line);
 // Returns "2 silences, 6.000 s (6.0 %), longest 4.000 s at 0:20.0".
 std::wstring SilencesAsText(const camera::LineFigures& line);
-// Returns both in short: "about 20 lost; 2 silences, 6.0 s"; "" when there are no such figures.
-std::wstring LineAsText(const camera::LineFigures& line);
+// Describes both in short: "about 20 lost; 2 silences, 6.0 s"; "" when there are no such figures. A warning if records
+// are certainly lost, or if there is a silence.
+StatusLine DescribeLine(const camera::LineFigures& line);
 
 // Handles WM_DRAWITEM of the list: draws its header or a row. Null: there are no statistics.
 void DrawStatisticsRow(const DRAWITEMSTRUCT& item, const SelectionStatistics* statistics);

@@ -147,7 +147,7 @@ std::wstring LengthAsText(double seconds) {
   return kv::TextWith(IDS_SECONDS, kv::NumberText(std::floor(std::max(seconds, 0.0))).c_str());
 }
 
-StatusLine DescribeRecording(const LoadedRecording& recording, const std::wstring& figures) {
+StatusLine DescribeRecording(const LoadedRecording& recording, const StatusLine& figures) {
   const std::wstring name = NameOfFile(recording.path), why = kv::ErrorText(recording.systemError);
   const auto rejected = [&](UINT id) {
     return StatusLine{StatusMark::kError, kv::TextWith(id, name.c_str(), why.c_str())};
@@ -172,8 +172,9 @@ StatusLine DescribeRecording(const LoadedRecording& recording, const std::wstrin
     return none;
   }
   const std::wstring records = RecordsAsText(recording.records), seconds = TimeAsText(recording.seconds, 1);
-  line.text += figures.empty() ? kv::TextWith(IDS_FILE_WHOLE, records.c_str(), seconds.c_str())
-                               : kv::TextWith(IDS_FILE_WHOLE_LINE, records.c_str(), seconds.c_str(), figures.c_str());
+  line.text += figures.text.empty()
+                   ? kv::TextWith(IDS_FILE_WHOLE, records.c_str(), seconds.c_str())
+                   : kv::TextWith(IDS_FILE_WHOLE_LINE, records.c_str(), seconds.c_str(), figures.text.c_str());
   if (recording.header.startTime > 0) {
     line.text += L" " + kv::TextWith(IDS_RECORDED_AT, static_cast<int>(recording.header.port),
                                      ClockAsText(recording.header.startTime).c_str());
@@ -184,7 +185,7 @@ StatusLine DescribeRecording(const LoadedRecording& recording, const std::wstrin
   AddCounted(&line.text, recording.malformedSections, IDS_FILE_MALFORMED_ONE, IDS_FILE_MALFORMED);
   AddCounted(&line.text, recording.invalidRecords, IDS_FILE_INVALID_ONE, IDS_FILE_INVALID);
   if (recording.following != FollowState::kGrowing) line.text += missing;
-  if (line.text.size() > whole || !isComplete) line.mark = StatusMark::kWarning;
+  if (line.text.size() > whole || !isComplete || figures.mark == StatusMark::kWarning) line.mark = StatusMark::kWarning;
   if (recording.following == FollowState::kGrowing) line.text += missing;
   return line;
 }

@@ -33,8 +33,8 @@ std::wstring TimeAsText(double seconds, int decimals = 3);
 // Returns a duration: "3 s", "1:15".
 std::wstring LengthAsText(double seconds);
 
-// Describe a recording, with `figures` of its line ("about 20 lost"; may be empty), and a live port.
-StatusLine DescribeRecording(const LoadedRecording& recording, const std::wstring& figures = {});
+// Describe a recording, with `figures` of its line ("about 20 lost"; may be empty) and their warning, and a live port.
+StatusLine DescribeRecording(const LoadedRecording& recording, const StatusLine& figures = {});
 StatusLine DescribeLive(const LiveStatus& status);
 // Describes the current or last recording of a live port.
 StatusLine DescribeLiveRecording(const LiveRecording& recording);

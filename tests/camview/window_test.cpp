@@ -13,10 +13,13 @@
 #include <utility>
 #include <vector>
 
+#include "camera/line_model.h"
 #include "camera/recording.h"
 #include "camera/text.h"
 #include "camview/commands.h"
+#include "camview/recording_loader.h"
 #include "camview/resource_ids.h"
+#include "camview/statistics_table.h"
 #include "camview/status_line.h"
 #include "camview/view_time.h"
 #include "camview/window.h"
@@ -314,6 +317,18 @@ TEST_F(CamviewWindow, SelectsATypedRangeAndComparesWithASecondCursor) {
   Pump();
   EXPECT_EQ(std::pair(3.0, -1.0), cursorsOf(IDC_CHART_X));
   EXPECT_FALSE(time.selection);
+}
+
+TEST_F(CamviewWindow, WarnsOfARecordingWithLossesOrSilences) {
+  LoadedRecording recording;
+  recording.records = 100;
+  recording.hasHeader = true;
+  const auto markOf = [&](const camera::LineFigures& line) {
+    return DescribeRecording(recording, DescribeLine(line)).mark;
+  };
+  EXPECT_EQ(StatusMark::kGood, markOf({.lost = 0, .lostAtMost = 1}));
+  EXPECT_EQ(StatusMark::kWarning, markOf({.lost = 1, .lostAtLeast = 1, .lostAtMost = 1}));
+  EXPECT_EQ(StatusMark::kWarning, markOf({.silences = 1, .silentSeconds = 2}));
 }
 
 TEST_F(CamviewWindow, CountsLossesByTheCamerasRate) {
