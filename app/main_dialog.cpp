@@ -39,9 +39,8 @@ namespace {
 #define WIDE_TEXT_(text) L##text
 #define WIDE_TEXT(text) WIDE_TEXT_(text)
 
+constexpr UINT kAboutItem = 0x9000;  // of the system menu; the system uses the low four bits
 // The strip's images follow the standard images of the common controls.
-constexpr UINT kAboutItem = 0x9000;  // of the system menu
-
 constexpr int kStandardImages = 15, kToolbarImages = 88;
 constexpr int kConnectImage = 32;
 constexpr COLORREF kTransparentColor = RGB(255, 0, 255);
@@ -336,7 +335,7 @@ INT_PTR OnCommand(HWND dialog, AppContext* context, UINT command) {
 }
 
 INT_PTR OnSystemCommand(HWND dialog, WPARAM command) {
-  if (command != kAboutItem) return 0;
+  if ((command & 0xFFF0) != kAboutItem) return 0;
   MessageBoxA(dialog, "Tarnwick " TARNWICK_VERSION_LINE, "About Tarnwick", MB_ICONINFORMATION);
   return 1;
 }

@@ -64,7 +64,7 @@ LRESULT CALLBACK Procedure(HWND control, UINT message, WPARAM wParam, LPARAM lPa
 
 void AddCopyKey(HWND control) {
   const bool showsImage = IsOfClass(control, kDisplayInstrumentClass) || IsOfClass(control, kHorizonClass);
-  if (!showsImage || !(GetWindowLongW(control, GWL_STYLE) & WS_TABSTOP)) return;
+  if (!showsImage || !(GetWindowLongW(control, GWL_STYLE) & WS_TABSTOP) || originalProcedures.contains(control)) return;
   const LONG original = SetWindowLongA(control, GWL_WNDPROC, reinterpret_cast<LONG>(Procedure));
   originalProcedures[control] = reinterpret_cast<WNDPROC>(original);
 }

@@ -269,7 +269,7 @@ INT_PTR OnCommand(HWND dialog, const DialogState& state, WORD id) {
 }
 
 INT_PTR OnSystemCommand(HWND dialog, const DialogState& state, WPARAM command) {
-  if (command != kAboutItem || !state.options.version) return FALSE;
+  if ((command & 0xFFF0) != kAboutItem || !state.options.version) return FALSE;
   ShowAboutBox(dialog, {.caption = L"About", .name = WindowText(dialog) + L" " + state.options.version});
   return TRUE;
 }
