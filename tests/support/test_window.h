@@ -63,6 +63,19 @@ class TestBitmap {
   // How many pixels have exactly this color.
   int CountOf(COLORREF color) const;
   void Fill(std::uint8_t byte);
+  // The number of pixels for which the predicate, called with color and position, is true.
+  template <class Test>
+  int CountWhere(Test test) const {
+    int count = 0;
+    for (int i = 0; i < width_ * height_; ++i) {
+      const int x = i % width_, y = i / width_;
+      count += test(At(x, y), x, y);
+    }
+    return count;
+  }
+  int DifferencesFrom(const TestBitmap& other) const {
+    return CountWhere([&](COLORREF color, int x, int y) { return color != other.At(x, y); });
+  }
 
  private:
   int width_, height_;

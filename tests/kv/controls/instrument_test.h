@@ -58,19 +58,6 @@ struct Shown : kvtest::TestBitmap {
     const WindowDc window(control);
     BitBlt(dc(), 0, 0, width, height, window, 0, 0, SRCCOPY);
   }
-  // The number of pixels for which the predicate, called with color and position, is true.
-  template <class Test>
-  int CountWhere(Test test) const {
-    int count = 0;
-    for (int i = 0; i < width() * height(); ++i) {
-      const int x = i % width(), y = i / width();
-      count += test(At(x, y), x, y);
-    }
-    return count;
-  }
-  int DifferencesFrom(const Shown& other) const {
-    return CountWhere([&](COLORREF color, int x, int y) { return color != other.At(x, y); });
-  }
 };
 
 class InstrumentTest : public kvtest::ControlTest<RegisterDisplayInstrumentClass> {

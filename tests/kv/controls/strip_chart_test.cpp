@@ -144,19 +144,12 @@ TEST_F(StripCharts, FreezesWhileRecordingAndReadsCursorAndSelection) {
 
   Send(chart, kStripCursor | kCommandRemove, nullptr);
   // The tooltip with statistics is beside the selection, where the plot is empty otherwise.
-  const auto differentPixels = [](const kvtest::TestBitmap& one, const kvtest::TestBitmap& other) {
-    int count = 0;
-    for (int y = 0; y < 200; ++y) {
-      for (int x = 0; x < 300; ++x) count += one.At(x, y) != other.At(x, y);
-    }
-    return count;
-  };
   kvtest::TestBitmap told(300, 200), silent(300, 200);
   SendMessageA(chart, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(told.dc()), 0);
   EXPECT_EQ(1, Send(chart, kStripStyle, &kStripNoStatistics));
   SendMessageA(chart, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(silent.dc()), 0);
   EXPECT_EQ(0, silent.CountOf(0xCCCCCC));
-  EXPECT_LT(100, differentPixels(told, silent));
+  EXPECT_LT(100, silent.DifferencesFrom(told));
   EXPECT_EQ(1, Send(chart, kStripSelection | kCommandRemove, nullptr));
   EXPECT_EQ(0, Send(chart, kStripSelection | kCommandRead, &samples[0]));
 }
@@ -328,11 +321,7 @@ TEST_F(StripCharts, ShowsEventsInTheOrderOfTheirTimesAndAPauseSign) {
     const Printed before(chart, 300);
     change();
     const Printed after(chart, 300);
-    int count = 0;
-    for (int y = 0; y < 200; ++y) {
-      for (int x = 0; x < 300; ++x) count += before.At(x, y) != after.At(x, y);
-    }
-    return count;
+    return after.DifferencesFrom(before);
   };
   EXPECT_LT(20, changed([&] { SendMessageA(chart, WM_KEYDOWN, VK_SPACE, 0); }));
   for (const StripEvent& event : {StripEvent{8, "Stop"}, StripEvent{2, "Start"}}) {
