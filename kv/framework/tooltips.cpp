@@ -1,9 +1,10 @@
 #include "kv/framework/tooltips.h"
-#include "kv/framework/control_class.h"
 
 #include <commctrl.h>
 
 #include <cstddef>
+
+#include "kv/framework/control_class.h"
 
 namespace kv {
 

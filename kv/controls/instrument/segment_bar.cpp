@@ -208,12 +208,13 @@ RECT InkOf(const GlyphOutline& glyph, const Character& item, double reach, const
   return BoundsOf(corners, reach, bar);
 }
 
-// A black edge separates the number from the lit segments, which may have its color: shifted characters, which the
-// character then covers inside.
+// How far the edge of a number reaches beyond its characters, in pixels.
 double EdgeReach(int edge) {
   return edge * 0.75 + 1;
 }
 
+// A black edge separates the number from the lit segments, which may have its color: shifted characters, which the
+// character then covers inside.
 void DrawEdge(Canvas& canvas, const InstrumentAppearance&, const Character& item) {
   const double left = -EdgeReach(item.edge), right = -left - 2;
   DrawAt(canvas, item, {{left, left}, {right, left}, {left, right}, {right, right}}, RGB(0, 0, 0));

@@ -229,9 +229,9 @@ inline constexpr WPARAM kStripZoneEnable = 0x0400;  // kStripZone: shows the zon
 
 // Notification codes.
 inline constexpr WORD kStripNotifyView = 1, kStripNotifyCursor = 2, kStripNotifySelection = 3;
+inline constexpr WORD kStripNotifyCursorSet = 4;  // the cursor was placed, by a click without dragging or by keys
 inline constexpr WORD kStripNotifyChannels = 5;   // a channel was hidden or shown
 inline constexpr WORD kStripNotifyCursorB = 6;    // the second cursor was set or removed
-inline constexpr WORD kStripNotifyCursorSet = 4;  // the cursor was placed, by a click without dragging or by keys
 
 // Appends samples from any thread, without waiting for the window: they are queued, and shown within about 50 ms. Every
 // command on the window's thread finds those that were queued before. Returns 0 and queues none of them if the window
