@@ -1,4 +1,4 @@
-// Off-screen bitmaps: the back buffer of a control; and bitmaps and text for the clipboard. Any thread, for its own windows.
+// Off-screen bitmaps: a control's back buffer; and bitmaps and text for the clipboard. Any thread, for its own windows.
 #pragma once
 
 #include <windows.h>
