@@ -32,7 +32,6 @@ namespace {
 constexpr double kHighest[] = {kv::kFieldWidth, kv::kFieldHeight};
 constexpr DWORD kAxisDigits = 5;  // of the longest interval shown without powers
 constexpr double kNoValue = std::numeric_limits<double>::quiet_NaN();
-constexpr DWORD kBatchRecords = 256;
 // Records that arrive together have a place on the logarithmic axis.
 constexpr double kLeastIntervalMs = 0.1;
 constexpr COLORREF kIntervalColor = RGB(126, 78, 178);  // unlike the points
@@ -79,19 +78,13 @@ long long Charts::Find(void* axis, int, double time) {
 void Charts::Read(void* axis, int point, long long number, DWORD count, kv::StripSuppliedSample* samples) {
   const RecordStore* store = static_cast<Axis*>(axis)->charts->source_.Records();
   const bool isX = static_cast<Axis*>(axis)->coordinate == 0;
-  std::array<StoredRecord, kBatchRecords> batch;
-  while (store && count > 0) {
-    const size_t read = store->Read(number, {batch.data(), std::min(count, kBatchRecords)});
-    if (read == 0) return;
-    for (size_t i = 0; i < read; ++i) {
-      const kv::CameraPoint& place = batch[i].points[point];
-      const double value = static_cast<double>(isX ? place.x : place.y);
-      *samples++ = {batch[i].seconds, camera::IsSeen(place) ? value : kNoValue,
-                    batch[i].flags & kAfterSilence ? kv::kStripGapBefore : 0};
-    }
-    number += static_cast<long long>(read);
-    count -= static_cast<DWORD>(read);
-  }
+  if (!store) return;
+  ForRecords(*store, number, number + count, [&](const StoredRecord& record) {
+    const kv::CameraPoint& place = record.points[point];
+    const double value = static_cast<double>(isX ? place.x : place.y);
+    *samples++ = {record.seconds, camera::IsSeen(place) ? value : kNoValue,
+                  record.flags & kAfterSilence ? kv::kStripGapBefore : 0};
+  });
 }
 
 kv::StripExtent Charts::Extent(void* axis, int point, long long from, long long to) {
@@ -105,19 +98,12 @@ void Charts::ReadIntervals(void* axis, int, long long number, DWORD count, kv::S
   const RecordStore* store = static_cast<Axis*>(axis)->charts->source_.Records();
   if (!store) return;
   double before = number > store->First() ? store->Seconds(number - 1) : kNoValue;
-  std::array<StoredRecord, kBatchRecords> batch;
-  while (count > 0) {
-    const size_t read = store->Read(number, {batch.data(), std::min(count, kBatchRecords)});
-    if (read == 0) return;
-    for (size_t i = 0; i < read; ++i) {
-      const double ms = (batch[i].seconds - before) * 1000;
-      *samples++ = {batch[i].seconds, std::isnan(ms) ? ms : std::max(ms, kLeastIntervalMs),
-                    batch[i].flags & kAfterSilence ? kv::kStripGapBefore : 0};
-      before = batch[i].seconds;
-    }
-    number += static_cast<long long>(read);
-    count -= static_cast<DWORD>(read);
-  }
+  ForRecords(*store, number, number + count, [&](const StoredRecord& record) {
+    const double ms = (record.seconds - before) * 1000;
+    *samples++ = {record.seconds, std::isnan(ms) ? ms : std::max(ms, kLeastIntervalMs),
+                  record.flags & kAfterSilence ? kv::kStripGapBefore : 0};
+    before = record.seconds;
+  });
 }
 
 kv::StripExtent Charts::ExtentOfIntervals(void* axis, int, long long from, long long to) {

@@ -1,10 +1,8 @@
 #include "camview/distributions.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <new>
-#include <span>
 
 #include "camera/camera_record.h"
 #include "camera/record_stream.h"
@@ -15,7 +13,6 @@ namespace camview {
 namespace {
 
 constexpr size_t kSide = kv::kNoPoint + 1, kCellsOfPoint = kSide * kSide, kCells = kCellsOfPoint * kv::kPointCount;
-constexpr size_t kBatchRecords = 512;
 
 size_t IndexOf(const CountGrid& grid, LONG column, LONG row) {
   return static_cast<size_t>(row) * static_cast<size_t>(grid.width) + static_cast<size_t>(column);
@@ -109,21 +106,13 @@ bool Distributions::Restart(long long first) {
 }
 
 void Distributions::Add(const RecordStore& store, long long from, long long to, DWORD amount) {
-  std::array<StoredRecord, kBatchRecords> batch;
-  while (from < to) {
-    const auto requested = static_cast<size_t>(std::min<long long>(kBatchRecords, to - from));
-    const size_t count = store.Read(from, {batch.data(), requested});
-    if (count == 0) return;
-    for (const StoredRecord& record : std::span(batch).first(count)) {
-      DWORD* counts = counts_.get();
-      for (const kv::CameraPoint& point : record.points) {
-        if (camera::IsSeen(point))
-          counts[static_cast<size_t>(point.y) * kSide + static_cast<size_t>(point.x)] += amount;
-        counts += kCellsOfPoint;
-      }
+  ForRecords(store, from, to, [&](const StoredRecord& record) {
+    DWORD* counts = counts_.get();
+    for (const kv::CameraPoint& point : record.points) {
+      if (camera::IsSeen(point)) counts[static_cast<size_t>(point.y) * kSide + static_cast<size_t>(point.x)] += amount;
+      counts += kCellsOfPoint;
     }
-    from += static_cast<long long>(count);
-  }
+  });
 }
 
 bool Distributions::Count(const RecordStore& store, long long first, long long end, long long most) {

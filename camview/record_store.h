@@ -2,6 +2,7 @@
 // data are missing. Pure; one thread at a time.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -118,6 +119,19 @@ class RecordStore {
   std::vector<Section> sections_[kSectionKinds];
   double longestMerged_[kSectionKinds] = {-1, -1, -1};  // seconds; merging never creates longer sections
 };
+
+// Calls use(record) with the records `from` to `to` - 1, those that exist.
+template <class Use>
+void ForRecords(const RecordStore& store, long long from, long long to, const Use& use) {
+  std::array<StoredRecord, 256> batch;
+  while (from < to) {
+    const auto most = static_cast<size_t>(std::min<long long>(batch.size(), to - from));
+    const auto read = std::span(batch).first(store.Read(from, {batch.data(), most}));
+    if (read.empty()) return;
+    for (const StoredRecord& record : read) use(record);
+    from += static_cast<long long>(read.size());
+  }
+}
 
 // Stores a batch and empties it. Returns false when allocation fails; the remaining records are lost.
 bool StoreBatch(IntakeBatch* batch, RecordStore* store);

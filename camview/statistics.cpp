@@ -1,9 +1,6 @@
 #include "camview/statistics.h"
 
 #include <algorithm>
-#include <array>
-#include <cstddef>
-#include <span>
 
 #include "camera/line_model.h"
 #include "camera/record_stream.h"
@@ -14,24 +11,16 @@ namespace camview {
 
 namespace {
 
-constexpr size_t kBatchRecords = 512;
-
 // Adds records one by one.
 void AddRecords(const RecordStore& store, long long first, long long end, camera::RecordSums* sums) {
-  std::array<StoredRecord, kBatchRecords> batch;
   camera::RecordMeter meter;
-  while (first < end) {
-    const auto requested = static_cast<size_t>(std::min<long long>(kBatchRecords, end - first));
-    const size_t count = store.Read(first, {batch.data(), requested});
-    for (const StoredRecord& stored : std::span(batch).first(count)) {
-      camera::FoundRecord record{};
-      std::ranges::copy(stored.points, record.points);
-      record.isInvalid = (stored.flags & kInvalidRecord) != 0;
-      record.isInRange = (stored.flags & kOutOfRange) == 0;
-      meter.Add(record, stored.flags, sums);
-    }
-    first += static_cast<long long>(count);
-  }
+  ForRecords(store, first, end, [&](const StoredRecord& stored) {
+    camera::FoundRecord record{};
+    std::ranges::copy(stored.points, record.points);
+    record.isInvalid = (stored.flags & kInvalidRecord) != 0;
+    record.isInRange = (stored.flags & kOutOfRange) == 0;
+    meter.Add(record, stored.flags, sums);
+  });
 }
 
 }  // namespace
