@@ -121,17 +121,6 @@ std::vector<TimelineMark> MarksOf(const RecordStore& store, const EventTable& ev
   return marks;
 }
 
-size_t SectionsIn(const RecordStore& store, double* last) {
-  size_t count = 0;
-  for (const SectionKind kind : {SectionKind::kSilent, SectionKind::kMalformed, SectionKind::kDamaged}) {
-    for (const Section& section : store.Sections(kind)) {
-      count += static_cast<size_t>(section.count);
-      *last = std::max(*last, section.to);
-    }
-  }
-  return count;
-}
-
 }  // namespace
 
 int SpeedIndex(double speed) {
@@ -359,11 +348,9 @@ void Display::ShowTimeline(const Source& source, const ViewTime& time, const Eve
     timelineRange_ = range;
     Send(window_, IDC_TIMELINE, kTimelineRange, &range);
   }
-  const RecordStore* store = source.Records();
-  double last = 0;
-  const size_t sections = store ? SectionsIn(*store, &last) : 0;
-  if (const MarksKey key{source.Number(), sections, last, events.Version()}; marks_ != key) {
-    marks_ = key;
+  if (marksVersion_ != events.Version()) {
+    marksVersion_ = events.Version();
+    const RecordStore* store = source.Records();
     const std::vector<TimelineMark> list = store ? MarksOf(*store, events, time) : std::vector<TimelineMark>();
     const TimelineMarks marks{static_cast<DWORD>(list.size()), list.data()};
     Send(window_, IDC_TIMELINE, kTimelineShowMarks, &marks);

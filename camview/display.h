@@ -90,10 +90,8 @@ class Display {
   std::optional<FieldKey> field_;
   std::vector<StoredRecord> fieldRecords_;
   std::optional<TimeRange> timelineRange_, timelineSelection_, timelineVisible_;
-  using MarksKey = std::tuple<unsigned, size_t, double, unsigned>;
-  std::optional<MarksKey> marks_;
   const EventTable* events_ = nullptr;
-  std::optional<unsigned> eventsSource_, eventsVersion_;
+  std::optional<unsigned> eventsSource_, eventsVersion_, marksVersion_;
   std::optional<UINT> eventRow_;
   double timelinePosition_ = kNoTime;
   bool isTyping_ = false;  // a time
