@@ -126,7 +126,6 @@ void LiveSource::Reader::Read() {
     EndIntake(&intake, &batch);
     Publish(seconds, batch.records.size());
     isOpen = false;
-    ++status.interruptions;
     status.state = LiveState::kGone;
     status.since = seconds;
     return;
@@ -151,12 +150,8 @@ void LiveSource::Reader::Publish(double seconds, size_t first) {
     recent.push_back(record.seconds);
   }
   while (!recent.empty() && recent.front() < seconds - kRateSeconds) recent.pop_front();
-  const camera::RecordStream& stream = intake.stream;
-  status.bytes = stream.bytes;
-  status.records = stream.records;
-  status.invalidRecords = stream.invalidRecords;
-  status.malformedSections = stream.malformedSections;
-  status.malformedBytes = stream.malformedBytes;
+  status.bytes = intake.stream.bytes;
+  status.records = intake.stream.records;
 }
 
 void LiveSource::Reader::Record(double time, const std::string& bytes) {

@@ -63,9 +63,8 @@ struct LiveStatus {
   double since = 0;    // see LineJudgment; for a port that is not open, when that was detected
   std::string holder;  // with kBusy, the program that uses the port, if known; otherwise ""
   DWORD error = 0;     // with kUnusable, the system error code
-  long long bytes = 0, records = 0, invalidRecords = 0, malformedSections = 0, malformedBytes = 0;
+  long long bytes = 0, records = 0;
   double recordsPerSecond = 0;  // over the last two seconds
-  int interruptions = 0;        // how often the port disappeared
   LiveRecording recording;
 };
 

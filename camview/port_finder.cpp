@@ -41,8 +41,7 @@ std::vector<FoundPort> PortFinder::Take() {
     if (!report.isComplete && !isDone_) continue;
     const bool isAbsent = report.isComplete && report.port.state == camera::PortState::kAbsent;
     if (isAbsent || !taken_.insert(report.number).second) continue;
-    ports.push_back(
-        {report.number, StateOf(report), report.port.holder, camera::RecordRate(report.stream), report.stream.bytes});
+    ports.push_back({report.number, StateOf(report), report.port.holder, camera::RecordRate(report.stream)});
   }
   return ports;
 }

@@ -17,7 +17,6 @@ struct FoundPort {
   FoundState state;
   std::string holder;           // with kBusy, the program that uses it, if known; otherwise ""
   double recordsPerSecond = 0;  // of a camera
-  long long bytes = 0;          // received
 };
 
 // Reads all ports at once for about a second. Absent ones are not reported. A port that is open in this program is
@@ -26,8 +25,6 @@ class PortFinder {
  public:
   // Starts or restarts.
   void Start();
-  // Closes the ports within 50 ms; ports not yet returned are never reported.
-  void Cancel() { scan_.reset(); }
   // Returns whether all ports have been reported.
   bool IsDone() const { return !scan_ || isDone_; }
   // Returns the ports found since the last call, each once: unusable ones at once, others after a second.

@@ -70,16 +70,15 @@ void AddRecentFile(const std::wstring& path) {
   Store(paths);
 }
 
-bool FillRecentMenu(HMENU file, std::vector<std::wstring>* paths) {
+void FillRecentMenu(HMENU file, std::vector<std::wstring>* paths) {
   MENUITEMINFOW item{.cbSize = sizeof(item), .fMask = MIIM_SUBMENU};
-  if (!GetMenuItemInfoW(file, IDM_RECENT_MENU, FALSE, &item) || !item.hSubMenu) return false;
+  if (!GetMenuItemInfoW(file, IDM_RECENT_MENU, FALSE, &item) || !item.hSubMenu) return;
   while (DeleteMenu(item.hSubMenu, 0, MF_BYPOSITION)) {
   }
   *paths = RecentFiles();
   for (size_t i = 0; i < paths->size(); ++i)
     AppendMenuW(item.hSubMenu, MF_STRING, IDM_RECENT_FIRST + i, MenuText(i + 1, (*paths)[i]).c_str());
   EnableMenuItem(file, IDM_RECENT_MENU, MF_BYCOMMAND | (paths->empty() ? MF_GRAYED : MF_ENABLED));
-  return true;
 }
 
 }  // namespace camview

@@ -16,7 +16,7 @@ void AddRecentFile(const std::wstring& path);
 void RemoveRecentFile(const std::wstring& path);
 
 // Fills the menu IDM_RECENT_MENU in the menu `file`; returns the paths in it, by their commands from IDM_RECENT_FIRST
-// on. Does nothing, and returns false, for other menus.
-bool FillRecentMenu(HMENU file, std::vector<std::wstring>* paths);
+// on. Does nothing for other menus.
+void FillRecentMenu(HMENU file, std::vector<std::wstring>* paths);
 
 }  // namespace camview

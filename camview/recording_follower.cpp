@@ -34,13 +34,10 @@ RecordingFigures FiguresOf(const RecordingReader& reader) {
           .isTruncated = !decoder.hasEnd,
           .truncatedBytes = static_cast<long long>(reader.file.truncatedBytes),
           .damageCount = static_cast<long long>(decoder.damageCount),
-          .damagedBytes = static_cast<long long>(decoder.damagedBytes),
+          .malformedSections = stream.malformedSections,
           .bytes = stream.bytes,
           .records = stream.records,
-          .invalidRecords = stream.invalidRecords,
-          .outOfRange = stream.outOfRange,
-          .malformedSections = stream.malformedSections,
-          .malformedBytes = stream.malformedBytes};
+          .invalidRecords = stream.invalidRecords};
 }
 
 struct RecordingFollower::Shared {

@@ -22,9 +22,8 @@ struct RecordingFigures {
   double seconds = 0;              // duration: the time of its end, or of the last bytes
   bool isTruncated = false;        // has no end: the recording was interrupted or is running
   long long truncatedBytes = 0;    // of an incomplete last chunk
-  long long damageCount = 0, damagedBytes = 0;
-  long long bytes = 0, records = 0, invalidRecords = 0, outOfRange = 0;
-  long long malformedSections = 0, malformedBytes = 0;
+  long long damageCount = 0, malformedSections = 0;
+  long long bytes = 0, records = 0, invalidRecords = 0;
 };
 
 // An open recording and the reader's place in it.

@@ -57,7 +57,6 @@ void RecordingLoader::Load() {
   if (!camera::OpenRecording(loaded_.path, &file)) {
     loaded_.outcome = OutcomeOf(file.failure);
     loaded_.systemError = file.systemError;
-    loaded_.version = file.decoder.version;
     return;
   }
   file.isFollowed = true;

@@ -29,7 +29,6 @@ struct LoadedRecording : RecordingFigures {
   LoadOutcome outcome = LoadOutcome::kComplete;
   std::string path;                    // UTF-8
   std::unique_ptr<RecordStore> store;  // never null; empty when nothing could be read
-  std::uint32_t version = 0;           // of a file with kOtherVersion
   // Of a recording without an end that was read to the end of the file: reads on. Otherwise null.
   std::unique_ptr<RecordingReader> reader;
   FollowState following = FollowState::kNone;

@@ -103,7 +103,6 @@ TEST(CamviewLive, ReconnectsAfterDisconnectionAndContinuesRecording) {
   send(kRecord, LiveState::kRecords);
   const LiveStatus status = live.Status();
   EXPECT_GT(status.records, before);
-  EXPECT_EQ(1, status.interruptions);
   EXPECT_EQ(LiveRecordingState::kOn, status.recording.state);
   // The file, which is intact while it is written, contains the delivered data.
   for (long long bytes = -1; bytes != live.Status().bytes; Sleep(200)) bytes = live.Status().bytes;
@@ -215,10 +214,6 @@ TEST(CamviewPorts, AreReportedOnceWithTheirData) {
       << static_cast<int>(states[7]) << ' ' << static_cast<int>(states[5]) << ' ' << static_cast<int>(states[9]) << ' '
       << static_cast<int>(states[10]);
   EXPECT_EQ(6, reports) << "each present port once";
-  finder.Start();
-  finder.Cancel();
-  EXPECT_TRUE(finder.IsDone());
-  EXPECT_TRUE(finder.Take().empty());
 }
 
 }  // namespace
