@@ -208,7 +208,6 @@ void TakeQueued(StripChart& chart) {
 }
 
 LRESULT OnStripCommand(StripChart& chart, WPARAM wParam, LPARAM lParam) {
-  constexpr UINT_PTR kShowTimer = 5;
   constexpr UINT kShowMs = 50;
   const double cursor = chart.model.cursor;
   TakeQueued(chart);  // in the order of the calls

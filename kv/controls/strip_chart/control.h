@@ -11,6 +11,8 @@
 
 namespace kv {
 
+inline constexpr UINT_PTR kShowTimer = 5;
+
 struct StripChart {
   explicit StripChart(HWND control) : window(control), queue(control) {
     model.style = static_cast<DWORD>(GetWindowLongA(window, GWL_STYLE));
@@ -21,7 +23,7 @@ struct StripChart {
   StripModel model;
   StripRenderer renderer;
   bool redrawAll = true;  // the next update draws everything
-  bool waiting = false;   // timer 5 runs until new samples are drawn
+  bool waiting = false;   // kShowTimer runs until new samples are drawn
   bool focused = false;
   bool hovering = false;     // the cursor follows the mouse pointer, at pointerX
   LONG pointerX = LONG_MIN;  // of the last mouse move; LONG_MIN after the pointer has left

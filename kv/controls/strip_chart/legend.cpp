@@ -76,20 +76,15 @@ void StripRenderer::DrawLegend(Canvas& canvas, const StripModel& model) {
     if (!isOn) {
       FillLine(canvas, {x + 1.0, middle}, {x - 1.0 + dash, middle}, layout.lineWidth * 1.6 - 2, key_.colors.panel);
     }
-    SetTextColor(dc, isOn ? key_.colors.text : key_.colors.hidden);
-    SetBkMode(dc, TRANSPARENT);
-    RECT area{x + dash + space, layout.legend.top, x + dash + space + width, layout.legend.bottom};
-    const std::wstring text = Shortened(dc, LegendText(channel.info, hasUnits), width);
-    DrawTextW(dc, text.data(), static_cast<int>(text.size()), &area,
-              DT_LEFT | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_NOCLIP | DT_END_ELLIPSIS);
+    const RECT area{x + dash + space, layout.legend.top, x + dash + space + width, layout.legend.bottom};
+    DrawTextIn(dc, Shortened(dc, LegendText(channel.info, hasUnits), width), area,
+               isOn ? key_.colors.text : key_.colors.hidden, DT_LEFT | DT_END_ELLIPSIS);
     legendItems_[i] = {x, layout.legend.top, area.right + space, layout.legend.bottom};
     x += around + width;
   }
   if (shown == count) return;
-  const std::wstring more = L"+" + std::to_wstring(count - shown);
-  RECT area{x, layout.legend.top, layout.size.cx, layout.legend.bottom};
-  SetTextColor(dc, key_.colors.text);
-  DrawTextW(dc, more.data(), -1, &area, DT_LEFT | DT_VCENTER | DT_SINGLELINE | DT_NOCLIP);
+  DrawTextIn(dc, L"+" + std::to_wstring(count - shown), {x, layout.legend.top, layout.size.cx, layout.legend.bottom},
+             key_.colors.text, DT_LEFT);
 }
 
 int StripRenderer::LegendItemAt(POINT place) const {

@@ -387,8 +387,8 @@ StripReading NewestReading(const StripModel& model) {
 StripStatistics ChannelStatistics(const StripModel& model, unsigned index) {
   const StripTimeRange range = model.hasSelection ? model.selection : ShownTimes(model);
   return WithSamples(model, index, [&](const auto& samples) {
-    return samples.StatisticsOf(samples.FirstFrom(range.from),
-                                std::min(samples.FirstAfter(range.to), ShownCount(model, index)));
+    return StatisticsOf(samples, samples.FirstFrom(range.from),
+                        std::min(samples.FirstAfter(range.to), ShownCount(model, index)));
   });
 }
 

@@ -13,6 +13,7 @@
 #include "kv/framework/bounded_format.h"
 #include "kv/framework/canvas.h"
 #include "kv/framework/guards.h"
+#include "kv/framework/painting.h"
 #include "kv/framework/utf8.h"
 
 namespace kv {
@@ -156,8 +157,6 @@ void StripRenderer::DrawTooltip(Canvas& canvas, const StripModel& model) {
   const RECT box = PlaceTooltip({width, height}, inPlot(place.from), inPlot(place.to), inPlot(other));
   FillArea(canvas, box, colors.frame);
   FillArea(canvas, {box.left + 1, box.top + 1, box.right - 1, box.bottom - 1}, colors.tooltip);
-  SetBkMode(canvas.dc(), TRANSPARENT);
-  SetTextColor(canvas.dc(), colors.tooltipText);
   for (int row = 0; row < tooltip.count; ++row) {
     const LONG top = box.top + margin / 2 + row * line;
     const bool head = row == 0 && tooltip.columns == 2;
@@ -169,10 +168,8 @@ void StripRenderer::DrawTooltip(Canvas& canvas, const StripModel& model) {
     }
     for (int column = 0; column < tooltip.columns; ++column) {
       const LONG to = head ? box.right : from + widths[column];
-      RECT cell{from + margin, top, to - margin, top + line};
-      const std::wstring& text = tooltip.rows[row].texts[column];
-      DrawTextW(canvas.dc(), text.data(), static_cast<int>(text.size()), &cell,
-                (column == 0 ? DT_LEFT : DT_RIGHT) | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_NOCLIP);
+      DrawTextIn(canvas.dc(), tooltip.rows[row].texts[column], {from + margin, top, to - margin, top + line},
+                 colors.tooltipText, column == 0 ? DT_LEFT : DT_RIGHT);
       from = to;
     }
   }
@@ -202,10 +199,7 @@ void StripRenderer::DrawEvents(Canvas& canvas, const StripModel& model) {
     area.bottom = area.top + line;
     canvas.FinishGdi();
     BlendArea(overlaid_, area, key_.colors.ground, 200);
-    SetBkMode(canvas.dc(), TRANSPARENT);
-    SetTextColor(canvas.dc(), key_.colors.ink);
-    DrawTextW(canvas.dc(), text.data(), static_cast<int>(text.size()), &area,
-              DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_NOCLIP);
+    DrawTextIn(canvas.dc(), text, area, key_.colors.ink, DT_CENTER);
   }
 }
 
@@ -216,20 +210,18 @@ void StripRenderer::DrawCursor(Canvas& canvas, double time, const wchar_t* name)
   FillArea(canvas, {x, plot.top, x + 1, plot.bottom}, key_.colors.ink);
   if (!*name || key_.layout.labelsPx == 0) return;
   const LONG half = key_.layout.digitPx;
-  RECT area{x - half, plot.bottom + 1, x + half, plot.bottom + key_.layout.labelsPx};
+  const RECT area{x - half, plot.bottom + 1, x + half, plot.bottom + key_.layout.labelsPx};
   FillArea(canvas, area, key_.colors.ink);
   const SelectedObject selected(canvas.dc(), font_);
-  SetBkMode(canvas.dc(), TRANSPARENT);
-  SetTextColor(canvas.dc(), key_.colors.ground);
-  DrawTextW(canvas.dc(), name, -1, &area, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOCLIP);
+  DrawTextIn(canvas.dc(), name, area, key_.colors.ground, DT_CENTER);
 }
 
 const Surface& StripRenderer::WithOverlay(const StripModel& model, const RECT& zoomed, bool focused) {
   const StripLayout& layout = key_.layout;
   const RECT& plot = layout.plot;
   if (!drawn_ || IsRectEmpty(&plot) || !(HasOverlay(model) || focused || !IsRectEmpty(&zoomed))) return surface_;
-  const SIZE size = surface_.size();
-  if ((overlaid_.size().cx != size.cx || overlaid_.size().cy != size.cy) && !overlaid_.Create(size)) return surface_;
+  overlaid_.Resize(surface_.size());
+  if (!overlaid_.bitmap()) return surface_;
   Canvas canvas(dc_, overlaid_, shape_);
   CopyFrom(canvas, surface_);
   DrawEvents(canvas, model);
@@ -251,10 +243,7 @@ const Surface& StripRenderer::WithOverlay(const StripModel& model, const RECT& z
     }
   }
   if (focused) {
-    const RECT frame{plot.left - 1, plot.top - 1, plot.right + 1, plot.bottom + 1};
-    SetTextColor(canvas.dc(), RGB(0, 0, 0));
-    SetBkColor(canvas.dc(), RGB(255, 255, 255));
-    DrawFocusRect(canvas.dc(), &frame);
+    DrawFocusFrame(canvas.dc(), {plot.left - 1, plot.top - 1, plot.right + 1, plot.bottom + 1});
   }
   return overlaid_;
 }

@@ -30,13 +30,6 @@ LONG RowOf(const StripLayout& layout, const AxisRange& range, double value) {
   return plot.top + ToInt(std::floor((range.high - value) / (range.high - range.low) * (plot.bottom - plot.top)));
 }
 
-void DrawTextIn(HDC dc, const std::wstring& text, RECT area, COLORREF color, UINT align) {
-  SetBkMode(dc, TRANSPARENT);
-  SetTextColor(dc, color);
-  DrawTextW(dc, text.data(), static_cast<int>(text.size()), &area,
-            align | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_NOCLIP);
-}
-
 double ColumnOf(double time, double secondsPerColumn) {
   return std::floor(time / secondsPerColumn);
 }
@@ -84,6 +77,13 @@ LONG WidthOf(HDC dc, const std::wstring& text) {
   SIZE size{};
   GetTextExtentPoint32W(dc, text.data(), static_cast<int>(text.size()), &size);
   return size.cx;
+}
+
+void DrawTextIn(HDC dc, const std::wstring& text, RECT area, COLORREF color, UINT align) {
+  SetBkMode(dc, TRANSPARENT);
+  SetTextColor(dc, color);
+  DrawTextW(dc, text.data(), static_cast<int>(text.size()), &area,
+            align | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_NOCLIP);
 }
 
 void DrawSymbol(Canvas& canvas, int channel, PointD center, double radius, COLORREF color, COLORREF inside) {
@@ -303,7 +303,7 @@ RECT StripRenderer::Update(StripModel& model, SIZE size, bool redrawAll) {
   const RECT whole{0, 0, size.cx, size.cy};
   const RECT ground{key.layout.plot.left, key.layout.plot.top, key.layout.plot.right, size.cy};
   if (!same || last < before || last - before >= width || model.removedTo == kNever) {
-    if (surface_.size().cx != size.cx || surface_.size().cy != size.cy) surface_.Create(size);
+    surface_.Resize(size);
     drawn_ = surface_.bitmap() && rows_.Create(key.layout.plot.bottom - key.layout.plot.top);
     if (!font_ || key.layout.fontPx != key_.layout.fontPx) FindFont(key.layout.fontPx);
     std::memcpy(&key_, &key, sizeof(key));

@@ -55,6 +55,8 @@ StripColors ColorsOf(const StripModel& model);
 std::wstring ChannelName(const StripChannel& channel);
 std::wstring ChannelUnit(const StripChannel& channel);
 LONG WidthOf(HDC dc, const std::wstring& text);
+// Draws a line of text, which its area does not clip; `align`: DT_... flags.
+void DrawTextIn(HDC dc, const std::wstring& text, RECT area, COLORREF color, UINT align);
 
 // Whether the image has an overlay, which changes when the chart scrolls.
 bool HasOverlay(const StripModel& model);

@@ -129,8 +129,4 @@ void SampleStore::AddSlots(unsigned from, unsigned to, Extent* extent) const {
   }
 }
 
-StripStatistics SampleStore::StatisticsOf(unsigned from, unsigned to) const {
-  return ComputeStatistics(*this, from, to);
-}
-
 }  // namespace kv

@@ -54,7 +54,6 @@ class SampleStore {
   unsigned FirstAfter(double time, unsigned hint = 0) const;
 
   Extent ExtentOf(unsigned from, unsigned to) const;
-  StripStatistics StatisticsOf(unsigned from, unsigned to) const;
 
  private:
   static constexpr int kLevels = 5, kFanOutBits = 5;  // a block contains 32 blocks of the level below
@@ -76,7 +75,7 @@ class SampleStore {
 
 // The statistics of samples from..to-1.
 template <class Samples>
-StripStatistics ComputeStatistics(const Samples& samples, unsigned from, unsigned to) {
+StripStatistics StatisticsOf(const Samples& samples, unsigned from, unsigned to) {
   constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
   to = std::min(to, samples.count());
   double number = 0, sum = 0;

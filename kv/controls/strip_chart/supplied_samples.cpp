@@ -76,8 +76,4 @@ Extent SuppliedSamples::ExtentOf(unsigned from, unsigned to) const {
   return extent;
 }
 
-StripStatistics SuppliedSamples::StatisticsOf(unsigned from, unsigned to) const {
-  return ComputeStatistics(*this, from, to);
-}
-
 }  // namespace kv

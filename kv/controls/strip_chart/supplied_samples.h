@@ -25,7 +25,6 @@ class SuppliedSamples {
   unsigned FirstFrom(double time, unsigned hint = 0) const;
   unsigned FirstAfter(double time, unsigned hint = 0) const;
   Extent ExtentOf(unsigned from, unsigned to) const;
-  StripStatistics StatisticsOf(unsigned from, unsigned to) const;
 
  private:
   // Samples are read in groups, because neighbors are needed next. One group would be replaced too often where two

@@ -54,7 +54,6 @@ void ShowNow(StripChart& chart) {
 
 namespace {
 
-constexpr UINT_PTR kShowTimer = 5;
 constexpr double kKeyPan = 0.1, kKeyZoom = 2, kWheelZoom = 1.25;
 
 bool IsDown(int key) {

@@ -56,7 +56,7 @@ TEST(StripSamples, RangesAndSumsEqualThoseOfPlainLoops) {
       }
       const Extent found = store.ExtentOf(from, to);
       ASSERT_EQ(std::pair(extent.low, extent.high), std::pair(found.low, found.high)) << from << ".." << to;
-      const StripStatistics statistics = store.StatisticsOf(from, to);
+      const StripStatistics statistics = StatisticsOf(store, from, to);
       ASSERT_EQ(count, statistics.count);
       EXPECT_TRUE(count < 1 || std::fabs(sum / count - statistics.mean) < 1e-9);
       EXPECT_TRUE(count < 2 || std::fabs(std::sqrt(squares / (count - 1)) - statistics.deviation) < 1e-9);
@@ -75,9 +75,9 @@ TEST(StripSamples, StatisticsArePreciseFarFromZero) {
   std::vector<StripSample> samples(1000);
   for (int i = 0; i < 1000; ++i) samples[i] = {i * 1.0, 1e9 + i % 2};
   ASSERT_TRUE(store.Append(samples));
-  EXPECT_NEAR(0.50025, store.StatisticsOf(0, 1000).deviation, 1e-5);
-  EXPECT_EQ(0, store.StatisticsOf(3, 4).deviation);
-  EXPECT_TRUE(std::isnan(store.StatisticsOf(3, 3).mean));
+  EXPECT_NEAR(0.50025, StatisticsOf(store, 0, 1000).deviation, 1e-5);
+  EXPECT_EQ(0, StatisticsOf(store, 3, 4).deviation);
+  EXPECT_TRUE(std::isnan(StatisticsOf(store, 3, 3).mean));
 }
 
 TEST(StripAxes, StepsAreOneTwoAndFive) {
