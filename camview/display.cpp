@@ -46,9 +46,9 @@ constexpr double kStatisticsDelay = 0.1;  // not for each step while a selection
 constexpr double kLiveSeconds = 1;        // between two updates of timeline and statistics
 constexpr long long kMaxTrailRecords = 4096;
 
-template <class Value>
-bool IsNew(const Value& value, Value* shown) {
-  if (value == *shown) return false;
+template <class Value, class Shown>
+bool IsNew(const Value& value, Shown* shown) {
+  if (*shown == value) return false;
   *shown = value;
   return true;
 }
@@ -186,26 +186,22 @@ void Display::Refresh(const Source& source, const ViewTime& time, EventTable* ev
 // ---- Controls -------------------------------------------------------------------------------------------------------
 
 void Display::SetText(int id, const std::wstring& text) {
-  const auto [place, isAdded] = texts_.try_emplace(id, text);
-  if (!isAdded && !IsNew(text, &place->second)) return;
-  SetDlgItemTextW(window_, id, text.c_str());
+  if (IsNew(text, &texts_[id])) SetDlgItemTextW(window_, id, text.c_str());
 }
 
 void Display::Enable(int id, bool enabled) {
-  const auto [place, isAdded] = enabled_.try_emplace(id, enabled);
-  if (isAdded || IsNew(enabled, &place->second)) kv::EnableControl(window_, id, enabled);
+  if (IsNew(enabled, &enabled_[id])) kv::EnableControl(window_, id, enabled);
 }
 
 void Display::SetVisible(int id, bool visible) {
-  const auto [place, isAdded] = visible_.try_emplace(id, visible);
-  if (isAdded || IsNew(visible, &place->second)) ShowWindow(GetDlgItem(window_, id), visible ? SW_SHOW : SW_HIDE);
+  if (IsNew(visible, &visible_[id])) ShowWindow(GetDlgItem(window_, id), visible ? SW_SHOW : SW_HIDE);
 }
 
 // Of controls at one place; the focus stays there.
 void Display::ShowOneOf(std::initializer_list<int> ids, int shown) {
   SetVisible(shown, true);
   for (const int id : ids) {
-    if (const auto known = visible_.find(id); id == shown || (known != visible_.end() && !known->second)) continue;
+    if (id == shown || visible_[id] == false) continue;
     if (GetFocus() == GetDlgItem(window_, id)) SetFocus(GetDlgItem(window_, shown));
     SetVisible(id, false);
   }
@@ -255,10 +251,7 @@ void Display::ShowStatus(const Source& source, const ViewTime& time) {
   const bool hasRecordingLine = !recordingLine_.text.empty() && !source.IsWorking();
   const bool isShort = source.IsWorking() || hasRecordingLine;
   SetVisible(IDC_RECORDING, hasRecordingLine);
-  if (!isShort_ || IsNew(isShort, &*isShort_)) {
-    isShort_ = isShort;
-    PlaceStatus();
-  }
+  if (IsNew(isShort, &isShort_)) PlaceStatus();
 }
 
 // The status line has the window's width unless there is a control at its right.
@@ -305,8 +298,7 @@ void Display::ShowField(const Source& source, const ViewTime& time, const Displa
   const double shown = time.Shown(), now = time.IsFollowing() && source.IsLive() ? source.Status().now : shown;
   const long long last = store ? store->At(shown) : -1;
   const FieldKey key{source.Number(), last, shown, now, options.trailSeconds};
-  if (field_ == key) return;
-  field_ = key;
+  if (!IsNew(key, &field_)) return;
   fieldRecords_.clear();
   if (last >= 0) {
     long long first = options.trailSeconds > 0 ? store->Find(shown - options.trailSeconds) : last;
@@ -344,24 +336,16 @@ void Display::ShowCharts(const Source& source, const ViewTime& time, const Displ
 void Display::ShowTimeline(const Source& source, const ViewTime& time, const EventTable& events) {
   if (!isLiveTurn_) return;
   const TimeRange range{time.begin, time.end};
-  if (timelineRange_ != range) {
-    timelineRange_ = range;
-    Send(window_, IDC_TIMELINE, kTimelineRange, &range);
-  }
-  if (marksVersion_ != events.Version()) {
-    marksVersion_ = events.Version();
+  if (IsNew(range, &timelineRange_)) Send(window_, IDC_TIMELINE, kTimelineRange, &range);
+  if (IsNew(events.Version(), &marksVersion_)) {
     const RecordStore* store = source.Records();
     const std::vector<TimelineMark> list = store ? MarksOf(*store, events, time) : std::vector<TimelineMark>();
     const TimelineMarks marks{static_cast<DWORD>(list.size()), list.data()};
     Send(window_, IDC_TIMELINE, kTimelineShowMarks, &marks);
   }
-  if (timelineVisible_ != time.shown) {
-    timelineVisible_ = time.shown;
-    Send(window_, IDC_TIMELINE, kTimelineVisible, &time.shown);
-  }
+  if (IsNew(time.shown, &timelineVisible_)) Send(window_, IDC_TIMELINE, kTimelineVisible, &time.shown);
   if (IsNew(time.position, &timelinePosition_)) Send(window_, IDC_TIMELINE, kTimelinePosition, &time.position);
-  if (timelineSelection_ != time.selection) {
-    timelineSelection_ = time.selection;
+  if (IsNew(time.selection, &timelineSelection_)) {
     const TimeRange selection = time.selection.value_or(TimeRange{});
     Send(window_, IDC_TIMELINE, kTimelineSelection | (time.selection ? 0 : kv::kCommandRemove), &selection);
   }
@@ -429,11 +413,8 @@ void Display::ShowEvents(const Source& source, const ViewTime& time, EventTable*
 void Display::ShowEventRows(const ViewTime& time, const EventTable& events) {
   if (!isLiveTurn_) return;
   const HWND list = GetDlgItem(window_, IDC_EVENTS);
-  const bool isChanged = eventsVersion_ != events.Version();
-  if (isChanged) {
-    eventsVersion_ = events.Version();
-    SendMessageW(list, LB_SETCOUNT, EventRows(events), 0);
-  }
+  const bool isChanged = IsNew(events.Version(), &eventsVersion_);
+  if (isChanged) SendMessageW(list, LB_SETCOUNT, EventRows(events), 0);
   const UINT row = static_cast<UINT>(events.Current(time.position).value_or(kv::kNoRow));
   if (eventRow_ == row && (!isChanged || kv::SelectedListRow(list) == row)) return;
   // While a port is followed, a list that the user has scrolled back stays where it is.

@@ -79,8 +79,8 @@ class Display {
   DistributionDisplay distributions_;
 
   // What is shown
-  std::map<int, std::wstring> texts_;
-  std::map<int, bool> enabled_, visible_;
+  std::map<int, std::optional<std::wstring>> texts_;
+  std::map<int, std::optional<bool>> enabled_, visible_;
   StatusLine line_, recordingLine_;
   StatusLine wholeLine_;         // in the status line: losses and silence
   std::optional<bool> isShort_;  // the status line
