@@ -241,8 +241,8 @@ LRESULT OnCommand(DistributionView& view, WPARAM wParam, LPARAM lParam) {
   for (int i = 0; i < kv::kPointCount; ++i) {
     const DistributionCounts& given = content.points[i];
     CountGrid& grid = view.points[i].grid;
-    grid = {.left = given.left,
-            .top = given.top,
+    grid = {.left = given.width ? given.left : 0,
+            .top = given.width ? given.top : 0,
             .width = static_cast<LONG>(given.width),
             .height = static_cast<LONG>(given.height)};
     grid.counts.assign(given.counts, given.counts + given.width * given.height);

@@ -135,7 +135,7 @@ class DistributionTest : public kvtest::ControlTest<RegisterDistributionClass> {
   static constexpr DWORD kCounts[] = {1, 3, 0, 4}, kFar[] = {5}, kPlaces[] = {0, 2, 6, 0, 1, 1};
 
   void SetUp() override {
-    const DistributionContent content{{{510, 0, 4, 1, kCounts}, {}, {100, 0, 1, 1, kFar}}};
+    const DistributionContent content{{{510, 0, 4, 1, kCounts}, {LONG_MIN, LONG_MAX}, {100, 0, 1, 1, kFar}}};
     ASSERT_EQ(1, Send(histogram_, kDistributionShow, &content));
     const DistributionContent places{{{510, 20, 2, 3, kPlaces}}};
     ASSERT_EQ(1, Send(scatter_, kDistributionShow, &places));
