@@ -2,10 +2,10 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <memory>
 #include <new>
 #include <string>
-#include <string_view>
 
 #include "kv/controls/strip_chart/axis.h"
 #include "kv/controls/strip_chart/control.h"
@@ -29,15 +29,9 @@ struct Table {
   wchar_t separator[4] = L".";
 
   Table() { GetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, separator, ARRAYSIZE(separator)); }
-  // The decimal separator that setlocale has set.
-  void Add(std::wstring_view number) {
-    for (const wchar_t character : number) {
-      if (character == L'.' || character == L',') {
-        text += separator;
-      } else {
-        text += character;
-      }
-    }
+  void Add(std::wstring number) {
+    if (const size_t point = number.find(L'.'); point != number.npos) number.replace(point, 1, separator);
+    text += number;
   }
   void AddNumber(double value) {
     wchar_t number[40] = L"";
