@@ -11,6 +11,7 @@
 #include "camera/record_intake.h"
 #include "camera/record_stream.h"
 #include "camera/recording.h"
+#include "camera/shared_thread.h"
 #include "camera/text.h"
 #include "kv/framework/output_file.h"
 
@@ -151,29 +152,21 @@ struct Part {
   DWORD failure = 0;
 };
 
-void Read(Part* part) {
+void Read(Part& part) {
   DWORD read = 0;
-  part->bytes.resize(kPartBytes);
+  part.bytes.resize(kPartBytes);
   const bool done =
-      ReadFile(part->file, part->bytes.data(), kPartBytes, &read, nullptr) || GetLastError() == ERROR_BROKEN_PIPE;
-  part->failure = done ? 0 : GetLastError();
-  part->bytes.resize(read);
-}
-
-DWORD WINAPI ReadOnThread(void* share) {
-  const std::unique_ptr<std::shared_ptr<Part>> part(static_cast<std::shared_ptr<Part>*>(share));
-  Read(part->get());
-  return 0;
+      ReadFile(part.file, part.bytes.data(), kPartBytes, &read, nullptr) || GetLastError() == ERROR_BROKEN_PIPE;
+  part.failure = done ? 0 : GetLastError();
+  part.bytes.resize(read);
 }
 
 // Returns false if `stop` was signaled before there was something to read; then the thread remains blocked. Canceling
 // its read would not work everywhere.
 bool ReadUnlessStopped(const std::shared_ptr<Part>& part, HANDLE stop) {
-  auto* share = new std::shared_ptr<Part>(part);
-  HANDLE thread = CreateThread(nullptr, 0, ReadOnThread, share, 0, nullptr);
+  HANDLE thread = StartShared<&Read>(part);
   if (!thread) {
-    delete share;
-    Read(part.get());
+    Read(*part);
     return true;
   }
   const HANDLE waits[] = {thread, stop};
@@ -188,7 +181,7 @@ bool ReadPart(HANDLE file, const std::string& path, HANDLE stop, std::string* by
   const auto part = std::make_shared<Part>(Part{file, std::move(*bytes)});
   bytes->clear();
   if (!stop || GetFileType(file) == FILE_TYPE_DISK) {
-    Read(part.get());
+    Read(*part);
   } else if (!ReadUnlessStopped(part, stop)) {
     return true;
   }

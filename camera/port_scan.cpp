@@ -13,6 +13,7 @@
 #include "camera/line_analysis.h"
 #include "camera/ports.h"
 #include "camera/record_stream.h"
+#include "camera/shared_thread.h"
 
 namespace camera {
 
@@ -93,24 +94,21 @@ struct PortScan::Probe {
   std::shared_ptr<const PortHolders> holders;
   double start = 0;
   std::atomic<bool> isStopped{false}, isDone{false};
+
+  void Run();
 };
 
-DWORD WINAPI PortScan::RunProbe(void* parameter) {
-  const std::unique_ptr<std::shared_ptr<Probe>> share(static_cast<std::shared_ptr<Probe>*>(parameter));
-  Probe* probe = share->get();
-  PortReport& report = probe->report;
+void PortScan::Probe::Run() {
   Port port;
-  report.port = OpenPort(report.number, probe->holders.get(), &port);
+  report.port = OpenPort(report.number, holders.get(), &port);
   if (port.isOpen()) {
-    Listen(port.handle(), probe->start + kListenSeconds, probe->isStopped, &report);
+    Listen(port.handle(), start + kListenSeconds, isStopped, &report);
     const bool isGarbage = !IsCamera(report) && report.stream.bytes > 0 && !LooksLikeText(report.sample);
-    if (isGarbage && !report.wasDisconnected)
-      TryRates(port.handle(), probe->start + kTryRatesUntil, probe->isStopped, &report);
+    if (isGarbage && !report.wasDisconnected) TryRates(port.handle(), start + kTryRatesUntil, isStopped, &report);
     port.Close();
   }
   report.isComplete = true;
-  probe->isDone = true;
-  return 0;
+  isDone = true;
 }
 
 std::shared_ptr<PortScan::Probe> PortScan::StartProbe(int number, double start,
@@ -119,13 +117,7 @@ std::shared_ptr<PortScan::Probe> PortScan::StartProbe(int number, double start,
   probe->report.number = number;
   probe->holders = holders;
   probe->start = start;
-  auto* share = new std::shared_ptr<Probe>(probe);
-  HANDLE thread = CreateThread(nullptr, kProbeStack, RunProbe, share, STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
-  if (thread) {
-    CloseHandle(thread);
-  } else {
-    delete share;
-  }
+  if (HANDLE thread = StartShared<&Probe::Run>(probe, kProbeStack)) CloseHandle(thread);
   return probe;
 }
 

@@ -50,7 +50,6 @@ class PortScan {
  private:
   struct Probe;
   static std::shared_ptr<Probe> StartProbe(int number, double start, const std::shared_ptr<const PortHolders>& holders);
-  static DWORD WINAPI RunProbe(void* parameter);
 
   double start_ = 0;
   std::vector<std::shared_ptr<Probe>> probes_;

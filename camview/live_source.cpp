@@ -18,6 +18,7 @@
 #include "camera/record_intake.h"
 #include "camera/record_stream.h"
 #include "camera/recorder.h"
+#include "camera/shared_thread.h"
 #include "camview/record_store.h"
 
 namespace camview {
@@ -184,19 +185,11 @@ void LiveSource::Reader::EndRecording(DWORD systemError) {
 
 // ---- The main thread ------------------------------------------------------------------------------------------------
 
-DWORD WINAPI LiveSource::RunReader(void* share) {
-  const std::unique_ptr<std::shared_ptr<Reader>> reader(static_cast<std::shared_ptr<Reader>*>(share));
-  (*reader)->Run();
-  return 0;
-}
-
 LiveSource::LiveSource(int port) : reader_(std::make_shared<Reader>()) {
   reader_->number = reader_->status.port = port;
   reader_->start = camera::Now();
   reader_->startTime = camera::TimeOfDay();
-  auto* share = new std::shared_ptr<Reader>(reader_);
-  thread_ = CreateThread(nullptr, 0, RunReader, share, 0, nullptr);
-  if (!thread_) delete share;
+  thread_ = camera::StartShared<&Reader::Run>(reader_);
 }
 
 LiveSource::~LiveSource() {

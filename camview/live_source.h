@@ -93,7 +93,6 @@ class LiveSource {
 
  private:
   struct Reader;
-  static DWORD WINAPI RunReader(void* share);
 
   std::shared_ptr<Reader> reader_;  // shared with the thread
   HANDLE thread_;

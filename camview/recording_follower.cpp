@@ -14,6 +14,7 @@
 #include "camera/record_intake.h"
 #include "camera/record_stream.h"
 #include "camera/recording.h"
+#include "camera/shared_thread.h"
 
 namespace camview {
 
@@ -113,20 +114,12 @@ bool RecordingFollower::Shared::Publish(FollowState now) {
 
 // ---- The main thread ------------------------------------------------------------------------------------------------
 
-DWORD WINAPI RecordingFollower::Run(void* share) {
-  const std::unique_ptr<std::shared_ptr<Shared>> shared(static_cast<std::shared_ptr<Shared>*>(share));
-  (*shared)->Run();
-  return 0;
-}
-
 RecordingFollower::RecordingFollower(std::unique_ptr<RecordingReader> reader) : shared_(std::make_shared<Shared>()) {
   Shared& shared = *shared_;
   shared.reader = std::move(reader);
   shared.reader->file.onPart = [&shared] { return !shared.isStopped; };
   shared.figures = FiguresOf(*shared.reader);
-  auto* share = new std::shared_ptr<Shared>(shared_);
-  thread_ = CreateThread(nullptr, 0, Run, share, 0, nullptr);
-  if (!thread_) delete share;
+  thread_ = camera::StartShared<&Shared::Run>(shared_);
 }
 
 RecordingFollower::~RecordingFollower() {

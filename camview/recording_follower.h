@@ -69,7 +69,6 @@ class RecordingFollower {
 
  private:
   struct Shared;
-  static DWORD WINAPI Run(void* share);
 
   std::shared_ptr<Shared> shared_;  // with the thread
   HANDLE thread_;
