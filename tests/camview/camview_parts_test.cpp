@@ -404,8 +404,8 @@ TEST(CamviewTime, ShowsTheLastSecondsOrAllOfWhatIsFollowed) {
   Restart(&time, {0, 50}, false);
   SetLive(&time, true);
   EXPECT_TRUE(time.isFrozen && !time.IsFollowing());
-  Seek(&time, 50);
-  EXPECT_TRUE(time.IsFollowing());
+  Seek(&time, 49.95);
+  EXPECT_TRUE(time.IsFollowing()) << "it may have grown since the user has seen its end";
   Seek(&time, 0);
   SetLive(&time, false);
   Play(&time);
@@ -418,6 +418,11 @@ TEST(CamviewTime, ShowsTheLastSecondsOrAllOfWhatIsFollowed) {
   EXPECT_EQ(70, time.position);
   SetLive(&time, false);
   EXPECT_EQ((TimeRange{0, 70}), time.shown);
+  time.hovered = 35;
+  ShowByUser(&time, {20, 40});
+  EXPECT_EQ(30, time.hovered) << "another time is under the pointer";
+  ShowRange(&time, {-5, 5});
+  EXPECT_EQ((TimeRange{0, 10}), time.shown);
 }
 
 TEST(CamviewTime, IsParsedAndFormatted) {

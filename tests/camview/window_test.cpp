@@ -234,7 +234,7 @@ TEST_F(CamviewWindow, PlaysToTheEndAtAnySpeed) {
   EXPECT_TRUE(Soon([&] { return view().tickMs == 0; })) << "no timer while nothing moves";
 }
 
-TEST_F(CamviewWindow, SumsUpAndExportsWhatIsMarked) {
+TEST_F(CamviewWindow, SumsUpAndExportsWhatIsSelected) {
   const std::string recording = Recording(1000, [](int i) { return i == 499 || i == 500; });
   OpenFile(recording);
   SetFocus(Control(IDC_TIMELINE));
