@@ -422,22 +422,27 @@ void Connect(View& view, int port) {
 }
 
 void OnNews(View& view, SourceNews news) {
-  if (news == SourceNews::kOpened) {
-    AddRecentFile(view.source.Name());
-    SetFocus(GetDlgItem(view.window, IDC_TIMELINE));
+  const LoadedRecording& rejected = view.source.Rejected();
+  StatusLine warning;
+  switch (news) {
+    case SourceNews::kNone: break;
+    case SourceNews::kOpened:
+      AddRecentFile(view.source.Name());
+      SetFocus(GetDlgItem(view.window, IDC_TIMELINE));
+      break;
+    case SourceNews::kLoadCanceled: view.display.Say(StatusMark::kNone, Text(IDS_LOADING_CANCELED)); break;
+    case SourceNews::kLoadRejected:
+      warning = DescribeRecording(rejected);
+      view.display.Say(warning.mark, warning.text);
+      if (rejected.systemError == ERROR_FILE_NOT_FOUND || rejected.systemError == ERROR_PATH_NOT_FOUND)
+        RemoveRecentFile(camera::Wide(rejected.path));
+      break;
+    case SourceNews::kExported: SayExported(view); break;
+    // The line at the bottom is too short for the whole reason.
+    case SourceNews::kRecordingFailed: warning = DescribeLiveRecording(view.source.Recording()); break;
   }
-  if (news == SourceNews::kLoadCanceled) view.display.Say(StatusMark::kNone, Text(IDS_LOADING_CANCELED));
-  if (news == SourceNews::kExported) SayExported(view);
-  const StatusLine rejected = DescribeRecording(view.source.Rejected());
-  if (news == SourceNews::kLoadRejected) view.display.Say(rejected.mark, rejected.text);
   Update(view);
-  const DWORD error = view.source.Rejected().systemError;
-  const bool isMissing = error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
-  if (news == SourceNews::kLoadRejected && isMissing) RemoveRecentFile(camera::Wide(view.source.Rejected().path));
-  if (news == SourceNews::kLoadRejected) Warn(view, rejected.text);
-  // The line at the bottom is too short for the whole reason.
-  const StatusLine failed = DescribeLiveRecording(view.source.Recording());
-  if (news == SourceNews::kRecordingFailed) Warn(view, failed.text);
+  if (!warning.text.empty()) Warn(view, warning.text);
 }
 
 INT_PTR OnCommand(View& view, UINT id, UINT code) {
