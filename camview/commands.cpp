@@ -422,7 +422,7 @@ void Connect(View& view, int port) {
 }
 
 void OnNews(View& view, SourceNews news) {
-  const LoadedRecording& rejected = view.source.Rejected();
+  const auto& rejected = view.source.Rejected();
   StatusLine warning;
   switch (news) {
     case SourceNews::kNone: break;
