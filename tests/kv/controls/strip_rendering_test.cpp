@@ -367,7 +367,7 @@ TEST(StripSources, AreDrawnLikeTheSameSamplesInTheChart) {
       other.Update(supplied, {260, 150}, false);
       ASSERT_EQ(0, Differences(one.surface(), other.surface())) << style << ", step " << step;
     }
-    program.first = static_cast<long long>(program.all.size()) - 500;
+    program.first = static_cast<long long>(program.all.size()) - 20;  // of those displayed
     NoticeSources(supplied);
     other.Update(supplied, {260, 150}, false);
     whole.Update(supplied, {260, 150}, true);
