@@ -50,6 +50,12 @@ class StripCharts : public kvtest::ControlTest<RegisterLineRecorderClass> {
     return Send(chart, kStripAppend | kCommandRedraw, &item, channel);
   }
   static StripModel& Model(HWND chart) { return ObjectOf<StripChart>(chart)->model; }
+  static const StripLayout& Layout(HWND chart) { return ObjectOf<StripChart>(chart)->renderer.layoutShown(); }
+  static void Drag(HWND chart, WPARAM keys, POINT from, POINT to) {
+    SendMessageA(chart, WM_LBUTTONDOWN, MK_LBUTTON | keys, MAKELPARAM(from.x, from.y));
+    SendMessageA(chart, WM_MOUSEMOVE, MK_LBUTTON | keys, MAKELPARAM(to.x, to.y));
+    SendMessageA(chart, WM_LBUTTONUP, keys, MAKELPARAM(to.x, to.y));
+  }
   struct Printed : kvtest::TestBitmap {
     Printed(HWND chart, int width) : TestBitmap(width, 200) {
       SendMessageA(chart, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(dc()), 0);
@@ -182,23 +188,21 @@ TEST_F(StripCharts, KeysAndMouseZoomPanSelectAndNotifyTheOwner) {
   EXPECT_EQ(8, Notified(kStripNotifyView));
 
   UpdateWindow(chart);
-  const LONG left = ObjectOf<StripChart>(chart)->renderer.layoutShown().plot.left;
-  SendMessageA(chart, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(left + 50, 50));
-  SendMessageA(chart, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(left + 100, 50));
-  SendMessageA(chart, WM_LBUTTONUP, 0, MAKELPARAM(left + 100, 50));
+  const LONG left = Layout(chart).plot.left;
+  Drag(chart, 0, {left + 50, 50}, {left + 100, 50});
   EXPECT_LT(view().end, 1001 - 30);
   UpdateWindow(chart);
-  SendMessageA(chart, WM_LBUTTONDOWN, MK_LBUTTON | MK_SHIFT, MAKELPARAM(left + 100, 50));
-  SendMessageA(chart, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(left + 50, 50));
-  SendMessageA(chart, WM_LBUTTONUP, 0, MAKELPARAM(left + 50, 50));
-  const StripTimeRange selection = Read<StripTimeRange>(chart, kStripSelection);
-  EXPECT_NEAR(50 * ObjectOf<StripChart>(chart)->renderer.layoutShown().secondsPerColumn, selection.to - selection.from,
-              1e-9);
+  Drag(chart, MK_SHIFT, {left + 100, 50}, {left + 50, 50});
+  const auto selectedColumns = [&] {
+    const StripTimeRange selection = Read<StripTimeRange>(chart, kStripSelection);
+    return (selection.to - selection.from) / Layout(chart).secondsPerColumn;
+  };
+  EXPECT_NEAR(50, selectedColumns(), 1e-6);
   EXPECT_EQ(1, Notified(kStripNotifySelection));
   const DWORD digits = 9, tooMany = 17;
   EXPECT_EQ(0, Send(chart, kStripAxisDigits, &tooMany));
   EXPECT_EQ(1, Send(chart, kStripAxisDigits | kCommandRedraw, &digits));
-  const StripLayout& aligned = ObjectOf<StripChart>(chart)->renderer.layoutShown();
+  const StripLayout& aligned = Layout(chart);
   EXPECT_EQ(10 * aligned.digitPx, aligned.axis[0].area.right - aligned.axis[0].area.left);
   SendMessageA(chart, WM_MOUSEMOVE, 0, MAKELPARAM(left + 60, 50));
   EXPECT_EQ(1, Notified(kStripNotifyCursor));
@@ -207,16 +211,16 @@ TEST_F(StripCharts, KeysAndMouseZoomPanSelectAndNotifyTheOwner) {
   EXPECT_EQ(1, Send(chart, kStripCursor | kCommandRedraw, &elsewhere));
   SendMessageA(chart, WM_MOUSEMOVE, 0, MAKELPARAM(left + 60, 50));  // the pointer rests
   EXPECT_EQ(elsewhere, Read<StripReading>(chart, kStripCursor).time);
-  SendMessageA(chart, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(left + 60, 50));
-  SendMessageA(chart, WM_LBUTTONUP, 0, MAKELPARAM(left + 60, 50));
+  Drag(chart, 0, {left + 60, 50}, {left + 60, 50});
   EXPECT_EQ(1, Notified(kStripNotifyCursorSet));
-  BYTE keys[256] = {};
-  keys[VK_CONTROL] = 0x80;
-  SetKeyboardState(keys);
-  key(VK_LEFT);
-  keys[VK_CONTROL] = 0;
-  SetKeyboardState(keys);
+  for (const int held : {VK_CONTROL, VK_SHIFT, VK_SHIFT, 0}) {
+    BYTE keys[256] = {};
+    keys[held] = 0x80;
+    SetKeyboardState(keys);
+    if (held) key(VK_LEFT);
+  }
   EXPECT_EQ(2, Notified(kStripNotifyCursorSet));
+  EXPECT_NEAR(16, selectedColumns(), 1e-6);
   EXPECT_EQ(DLGC_WANTMESSAGE, SendMessageA(chart, WM_GETDLGCODE, VK_ESCAPE, 0) & DLGC_WANTMESSAGE);
   key(VK_ESCAPE);
   EXPECT_EQ(std::tuple(kStripFollow, 0, 0), std::tuple(view().state, view().span, view().shift));
@@ -247,7 +251,7 @@ TEST_F(StripCharts, TheLegendNamesOrCountsAllChannelsAndTogglesThem) {
     }
     EXPECT_EQ(items < 6, counted > 0) << width;
     EXPECT_EQ(width > 400, items == 6) << width;
-    SendMessageA(chart, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(renderer.layoutShown().plot.left + 3, 5));
+    SendMessageA(chart, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(Layout(chart).plot.left + 3, 5));
     EXPECT_EQ(0u, Read<StripChannel>(chart, kStripChannel, 0).state);
     SendMessageA(chart, WM_KEYDOWN, '2', 0);
     SendMessageA(chart, WM_KEYDOWN, '1', 0);
@@ -260,13 +264,14 @@ TEST_F(StripCharts, TheLegendNamesOrCountsAllChannelsAndTogglesThem) {
   }
 }
 
-TEST_F(StripCharts, ShortenedNamesKeepTheirEnds) {
+TEST_F(StripCharts, ShortenedNamesHaveNoUnitsAndKeepTheirEnds) {
   HWND chart = Create(0, 350, 200);
   for (int i = 0; i < 4; ++i) Append(chart, {{0, 1}, {1, 2}}, i);
-  const auto legend = [&](const char* firstName) {
+  const auto legend = [&](const char* firstName, const char* unit = "") {
     for (int i = 0; i < 4; ++i) {
       StripChannel info = Read<StripChannel>(chart, kStripChannel, i);
       strcpy(info.name, i == 0 ? firstName : "Cylinder pressure 2");
+      strcpy(info.unit, unit);
       Send(chart, kStripChannel | kCommandRedraw, &info, i);
     }
     UpdateWindow(chart);
@@ -278,34 +283,31 @@ TEST_F(StripCharts, ShortenedNamesKeepTheirEnds) {
     return pixels;
   };
   EXPECT_TRUE(legend("Cylinder pressure 1") != legend("Cylinder pressure 4"));
+  EXPECT_TRUE(legend("Cylinder pressure 1") == legend("Cylinder pressure 1", "bar"));
 }
 
 TEST_F(StripCharts, ZoomsIntoARectangleAndBackAndMeasuresBetweenTwoCursors) {
   HWND chart = Create();
   for (int i = 0; i <= 100; ++i) Append(chart, {{i * 1.0, i * 1.0}});
   UpdateWindow(chart);
-  const StripLayout layout = ObjectOf<StripChart>(chart)->renderer.layoutShown();
+  const StripLayout layout = Layout(chart);
   const RECT& plot = layout.plot;
   const StripView before = Read<StripView>(chart, kStripViewItem);
-  const auto drag = [&](LONG fromX, LONG fromY, LONG toX, LONG toY) {
-    SendMessageA(chart, WM_LBUTTONDOWN, MK_LBUTTON | MK_CONTROL, MAKELPARAM(fromX, fromY));
-    SendMessageA(chart, WM_MOUSEMOVE, MK_LBUTTON | MK_CONTROL, MAKELPARAM(toX, toY));
-    SendMessageA(chart, WM_LBUTTONUP, MK_CONTROL, MAKELPARAM(toX, toY));
-  };
-  drag(plot.left + 100, plot.bottom, plot.left + 50, (plot.top + plot.bottom) / 2);
+  Drag(chart, MK_CONTROL, {plot.left + 100, plot.bottom}, {plot.left + 50, (plot.top + plot.bottom) / 2});
   const StripView zoomed = Read<StripView>(chart, kStripViewItem);
   EXPECT_NEAR(TimeAtX(layout, plot.left + 99), zoomed.end, 1e-9);
   EXPECT_NEAR(49 * layout.secondsPerColumn, zoomed.span, 1e-9);
   EXPECT_EQ(layout.axis[0].range.low, zoomed.minimum);
   EXPECT_NEAR((layout.axis[0].range.low + layout.axis[0].range.high) / 2, zoomed.maximum, 0.5);
-  SendMessageA(chart, WM_KEYDOWN, VK_BACK, 0);
-  SendMessageA(chart, WM_KEYDOWN, VK_BACK, 0);  // there is no view before
+  Drag(chart, MK_CONTROL, {plot.left + 50, 50}, {plot.left + 100, 52});
+  EXPECT_EQ(layout.axis[0].range.high, Read<StripView>(chart, kStripViewItem).maximum) << "all values in a flat part";
+  for (int i = 0; i < 3; ++i) SendMessageA(chart, WM_KEYDOWN, VK_BACK, 0);  // there are two views before
   const StripView back = Read<StripView>(chart, kStripViewItem);
   EXPECT_EQ(std::tuple(before.span, before.end, before.maximum), std::tuple(back.span, back.end, back.maximum));
 
   const double at = 10;
   EXPECT_EQ(1, Send(chart, kStripCursor | kCommandRedraw, &at));
-  drag(plot.left + 60, 50, plot.left + 60, 50);  // a click
+  Drag(chart, MK_CONTROL, {plot.left + 60, 50}, {plot.left + 60, 50});  // a click
   EXPECT_NEAR(TimeAtX(layout, plot.left + 60), Read<StripReading>(chart, kStripCursorB).time, 1e-9);
   EXPECT_NE(std::wstring::npos, kvtest::ReadAccessible(chart).value.find(L'\x0394'));
   SendMessageA(chart, WM_KEYDOWN, 'B', 0);
@@ -343,7 +345,7 @@ TEST_F(StripCharts, CopiesItsImageAndAnEqualTable) {
   Send(chart, kStripChannel, &info);
   Append(chart, {{1, 5}, {2, NAN}, {3, 7.25}});
   Append(chart, {{2, 1}, {2, 2}}, 3);
-  const kvtest::CommaLocale comma;  // the host's locale; the user's has a point
+  const kvtest::CommaLocale comma;  // the program's locale; the user's has a point
   SendMessageA(chart, WM_COPY, 0, MAKELPARAM(8, 120));
   EXPECT_EQ(16, kvtest::ClipboardBitmapSize(parent_).cx);
   EXPECT_EQ(120, kvtest::ClipboardBitmapSize(parent_).cy);

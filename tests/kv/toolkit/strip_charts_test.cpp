@@ -13,8 +13,11 @@
 #include <vector>
 
 #include "kv/controls/horizon/horizon.h"
+#include "kv/controls/strip_chart/control.h"
+#include "kv/controls/strip_chart/model.h"
 #include "kv/controls/strip_chart/strip_chart.h"
 #include "kv/framework/control_class.h"
+#include "kv/framework/object_control.h"
 #include "kv/toolkit/horizons.h"
 #include "tests/support/control_test.h"
 #include "tests/support/files.h"
@@ -86,9 +89,16 @@ TEST_F(TypedCharts, TakeSamplesFromOtherThreadsInOrder) {
     EXPECT_FALSE(AppendStripChartValue(parent_, kId, 0, 998, 1));
     EXPECT_FALSE(AppendStripChartValue(parent_, kId, 8, 2000, 1) || AppendStripChartValue(parent_, kNone, 0, 2000, 1));
   });
+  MSG posted;
+  EXPECT_TRUE(PeekMessageA(&posted, chart, kControlCommand, kControlCommand, PM_REMOVE));
+  EXPECT_FALSE(PeekMessageA(&posted, chart, kControlCommand, kControlCommand, PM_REMOVE)) << "one for all samples";
   EXPECT_TRUE(AppendStripChartValue(parent_, kId, 0, 1000, 7));  // after all that were queued
   EXPECT_EQ(std::tuple(335, 333, 333), std::tuple(Count(chart, 0), Count(chart, 1), Count(chart, 2)));
   onThread([&] { EXPECT_FALSE(AppendStripChartValue(parent_, kId, 0, 999.5, 1)); });
+  // Overtaken by those of another thread: the others are appended.
+  const StripSample late[] = {{6, 1}, {12, 1}}, between{10, 1};
+  ASSERT_TRUE(QueueStripSamples(chart, 3, late) && AppendSamples(ObjectOf<StripChart>(chart)->model, 3, {&between, 1}));
+  EXPECT_EQ(2u, Count(chart, 3));
 
   DWORD accepted = 0, rejected = 0;
   onThread([&] {
@@ -98,7 +108,7 @@ TEST_F(TypedCharts, TakeSamplesFromOtherThreadsInOrder) {
   EXPECT_EQ(65500u, accepted);
   EXPECT_EQ(accepted, Count(chart, 4));
   EXPECT_TRUE(GetStripChartRejected(parent_, kId, &rejected));
-  EXPECT_EQ(102u, rejected);
+  EXPECT_EQ(103u, rejected);
   kvtest::PumpMessages();
   ClearStripChart(parent_, kId);
   onThread([&] { EXPECT_TRUE(AppendStripChartValue(parent_, kId, 4, 0, 1)); });
