@@ -89,6 +89,8 @@ TEST_F(Instruments, ShowNoNumberThatDiffersFromTheValue) {
         for (const SIZE& size : kSizes) {
           const std::wstring text = ShownNumber(block, style, size);
           EXPECT_TRUE(text.empty() || IsNumber(text, block.current)) << mode << ": " << block.current << " " << text;
+          const bool isSigned = mode == kModeDigital && std::min(minimum, maximum) < 0 && block.current > 0;
+          EXPECT_TRUE(!isSigned || text.starts_with(L'+') || text.find(L'e') != text.npos) << text;
           const bool absent = mode == kModeSegmentBar && part == 0;
           EXPECT_TRUE(!text.empty() || absent || size.cx < 60 || mode == kModeGauge) << mode << ": " << block.current;
         }
