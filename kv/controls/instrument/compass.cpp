@@ -32,7 +32,7 @@ constexpr double kHub = 0.31;
 constexpr double kMinRadiusWithHeading = 19, kMinRadiusWithNumbers = 88, kMinRadiusWithEightLetters = 42,
                  kMinRadiusWithRose = 26, kMinRadiusWithName = 52, kMinRadiusWithDecimals = 60;
 
-constexpr int kMinNameHeight = 9;
+constexpr int kMinNameHeight = 9, kMinHeadingHeight = 9;
 
 struct CardLetters {
   double radius, cardinalHeight, otherRadius, otherHeight;
@@ -247,17 +247,19 @@ void DrawHeading(Canvas& canvas, const Dial& dial, const InstrumentAppearance& a
   const DialColors colors = ColorsOf(appearance);
   const bool valid = ReadingOf(appearance.block).valid, small = radius < kMinRadiusWithRose;
   const int decimals = radius >= kMinRadiusWithDecimals ? appearance.block.format & kFormatDecimals : 0;
-  // A small card has no space for a unit between its letters.
-  const FixedText text = !valid  ? FixedText(L"---")
-                         : small ? HeadingText(heading, decimals)
-                                 : HeadingText(heading, decimals) + DecodedUnit(appearance.block);
   const int width = static_cast<int>(radius * (small ? 0.9 : 2 * kHub * 0.93)), nameWidth = width * 5 / 6;
+  FixedText text = valid ? HeadingText(heading, decimals) : FixedText(L"---");
+  // A small card has no space for a unit between its letters.
+  if (valid && !small) {
+    const FixedText whole = text + DecodedUnit(appearance.block);
+    if (MeasureText(whole, kMinHeadingHeight, FW_BOLD).cx <= width) text = whole;
+  }
   const FixedText name = DecodedName(appearance.block);
   const bool named = radius >= kMinRadiusWithName && MeasureText(name, kMinNameHeight, FW_NORMAL).cx <= width;
   const auto write = [&](const FixedText& line, double tall, int least, int maxWidth, int weight, double middle,
                          double boxHeight, COLORREF color, UINT align) {
     const int wanted = std::max(least, static_cast<int>(radius * tall));
-    HFONT font = InstrumentFont(FittingHeight(line, wanted, 9, maxWidth, weight), 0, weight);
+    HFONT font = InstrumentFont(FittingHeight(line, wanted, kMinHeadingHeight, maxWidth, weight), 0, weight);
     const LONG center = std::lround(dial.center.x), half = maxWidth / 2 + 1;
     const double top = dial.center.y + radius * (middle - boxHeight / 2);
     const RECT box{center - half, std::lround(top), center + half, std::lround(top + radius * boxHeight)};

@@ -232,7 +232,10 @@ void AddNumber(ValueLayer& layer, const RECT& bar, const InstrumentBlock& block)
   const DWORD style = layer.appearance().style;
   const FixedText padded = SegmentBarNumber(bar, block, style), text = WithoutPadding(padded);
   int characterWidth = (bar.right - bar.left) / (static_cast<int>(padded.size()) + 2) - 1;
-  if (style & kInstrumentFitted) characterWidth = std::min<int>(characterWidth, (bar.bottom - bar.top) / 10);
+  if (style & kInstrumentFitted) {  // a small part of the bar, but readable
+    const int length = bar.bottom - bar.top;
+    characterWidth = std::min(characterWidth, std::max(length / 10, std::min(5, length * 2 / 5)));
+  }
   if (characterWidth < 1) return;
   const int height = static_cast<int>(2.5 * characterWidth), edge = std::max(1, height / 14);
   const double capital = height * kCapitalHeight, stretch = characterWidth / (capital * kDigitWidth);

@@ -18,8 +18,9 @@ std::wstring LegendText(const StripChannel& info, bool hasUnit) {
   return ChannelName(info) + (unit.empty() ? L"" : L" (" + unit + L")");
 }
 
-// Leaves out the middle of a text that is too wide, because names of channels often differ only at the end.
-std::wstring Shortened(HDC dc, const std::wstring& text, LONG width) {
+}  // namespace
+
+std::wstring ShortenedText(HDC dc, const std::wstring& text, LONG width) {
   if (WidthOf(dc, text) <= width) return text;
   std::wstring shown;
   for (size_t left = text.size() - 1; left > 0; --left) {
@@ -29,15 +30,13 @@ std::wstring Shortened(HDC dc, const std::wstring& text, LONG width) {
   return shown;
 }
 
-}  // namespace
-
 void StripRenderer::DrawLegend(Canvas& canvas, const StripModel& model) {
   const StripLayout& layout = key_.layout;
   legendItems_.fill({});
   if (IsRectEmpty(&layout.legend)) return;
   HDC dc = canvas.dc();
   const LONG dash = layout.fontPx * 3 / 2, space = layout.digitPx, around = dash + 3 * space;
-  const LONG available = layout.size.cx - layout.plot.left, least = 4 * space;
+  const LONG available = layout.size.cx - layout.plot.left, least = 6 * space;
   const auto& channels = model.channels;
   const int count = static_cast<int>(std::ranges::count_if(channels, &StripChannelData::used));
   std::array<LONG, kStripChannels> widths{};
@@ -77,7 +76,7 @@ void StripRenderer::DrawLegend(Canvas& canvas, const StripModel& model) {
       FillLine(canvas, {x + 1.0, middle}, {x - 1.0 + dash, middle}, layout.lineWidth * 1.6 - 2, key_.colors.panel);
     }
     const RECT area{x + dash + space, layout.legend.top, x + dash + space + width, layout.legend.bottom};
-    DrawTextIn(dc, Shortened(dc, LegendText(channel.info, hasUnits), width), area,
+    DrawTextIn(dc, ShortenedText(dc, LegendText(channel.info, hasUnits), width), area,
                isOn ? key_.colors.text : key_.colors.hidden, DT_LEFT | DT_END_ELLIPSIS);
     legendItems_[i] = {x, layout.legend.top, area.right + space, layout.legend.bottom};
     x += around + width;

@@ -3,6 +3,7 @@
 #include <array>
 #include <climits>
 #include <cmath>
+#include <numeric>
 #include <string>
 
 #include "kv/controls/strip_chart/axis.h"
@@ -41,17 +42,16 @@ struct Tooltip {
 Tooltip StatisticsTooltip(const StripModel& model, const StripLayout& layout) {
   Tooltip tooltip{.columns = 6};
   // Symbols, so that no translation is needed.
-  tooltip.rows[tooltip.count++] = {-1, {L"", L"n", L"min", L"max", L"\x00B5", L"\x03C3"}};
+  tooltip.rows[tooltip.count++] = {-1, {L"", L"min", L"max", L"\x00B5", L"\x03C3", L"n"}};
   for (int i = 0; i < kStripChannels; ++i) {
     if (!IsShown(model.channels[i])) continue;
     const StripStatistics statistics = ChannelStatistics(model, static_cast<unsigned>(i));
     wchar_t count[32];
     FormatBounded(count, sizeof(count), L"%.0f", statistics.count);
-    tooltip.rows[tooltip.count++] = {
-        i,
-        {ChannelName(model.channels[i].info), count, ValueText(statistics.minimum, layout, i),
-         ValueText(statistics.maximum, layout, i), ValueText(statistics.mean, layout, i),
-         ValueText(statistics.deviation, layout, i)}};
+    tooltip.rows[tooltip.count++] = {i,
+                                     {ChannelName(model.channels[i].info), ValueText(statistics.minimum, layout, i),
+                                      ValueText(statistics.maximum, layout, i), ValueText(statistics.mean, layout, i),
+                                      ValueText(statistics.deviation, layout, i), count}};
   }
   return tooltip;
 }
@@ -88,6 +88,27 @@ bool HasStatistics(const StripModel& model) {
   return model.hasSelection && !(model.style & kStripNoStatistics);
 }
 
+// Makes the tooltip fit into the plot, beside the axes: shortens the names, then omits the last columns and channels.
+// Returns the width of all columns together.
+LONG FitTooltip(HDC dc, const StripLayout& layout, Tooltip* tooltip, std::array<LONG, kColumns>* widths, SIZE space) {
+  const auto sum = [&] { return std::accumulate(widths->begin(), widths->begin() + tooltip->columns, 0L); };
+  const LONG name = widths->front(), least = std::min<LONG>(name, layout.digitPx * 8);
+  const LONG rows = std::max(space.cy / (layout.fontPx * 4 / 3), 2L);
+  if (tooltip->count > rows) {
+    tooltip->rows[rows - 1] = {-1, {L"+" + std::to_wstring(tooltip->count - rows + 1)}};
+    tooltip->count = static_cast<int>(rows);
+  }
+  while (tooltip->columns > 2 && sum() - name + least > space.cx) --tooltip->columns;
+  if (sum() <= space.cx) return sum();
+  widths->front() = std::max<LONG>(layout.fontPx, name - (sum() - space.cx));
+  for (int i = 0; i < tooltip->count; ++i) {
+    if (tooltip->rows[i].channel < 0) continue;
+    std::wstring& text = tooltip->rows[i].texts[0];
+    text = ShortenedText(dc, text, widths->front() - layout.fontPx / 2 * 2);
+  }
+  return sum();
+}
+
 }  // namespace
 
 bool HasOverlay(const StripModel& model) {
@@ -96,7 +117,7 @@ bool HasOverlay(const StripModel& model) {
 
 // Beside the columns from..to or the `other` one, where the box covers the fewest pixels of lines; within the plot if
 // it is wide enough.
-RECT StripRenderer::PlaceTooltip(SIZE size, LONG from, LONG to, LONG other) const {
+RECT StripRenderer::PlaceTooltip(SIZE size, LONG bottom, LONG from, LONG to, LONG other) const {
   const StripLayout& layout = key_.layout;
   const RECT& plot = layout.plot;
   const LONG margin = layout.fontPx / 2, width = plot.right - plot.left;
@@ -114,7 +135,7 @@ RECT StripRenderer::PlaceTooltip(SIZE size, LONG from, LONG to, LONG other) cons
   };
   RECT best{};
   LONG fewest = LONG_MAX;
-  for (const LONG top : {plot.top + margin, std::max(plot.bottom - margin - size.cy, plot.top)}) {
+  for (const LONG top : {plot.top + margin, std::max(bottom - size.cy, plot.top)}) {
     for (const LONG left :
          {to + margin * 2, from - margin * 2 - size.cx, other + margin * 2, other - margin * 2 - size.cx}) {
       const LONG inside = std::max(std::min(left, most), least);
@@ -136,30 +157,32 @@ void StripRenderer::DrawTooltip(Canvas& canvas, const StripModel& model) {
   const StripColors& colors = key_.colors;
   const RECT& plot = layout.plot;
   const bool statistics = HasStatistics(model);
-  const Tooltip tooltip = statistics ? StatisticsTooltip(model, layout) : CursorTooltip(model, layout);
+  Tooltip tooltip = statistics ? StatisticsTooltip(model, layout) : CursorTooltip(model, layout);
   HDC dc = canvas.dc();
   const SelectedObject selected(dc, font_);
   const LONG line = layout.fontPx * 4 / 3, margin = layout.fontPx / 2, swatch = layout.fontPx;
   std::array<LONG, kColumns> widths{};
-  for (int row = 0; row < tooltip.count; ++row) {
-    if (row == 0 && tooltip.columns == 2) continue;  // the time may use the whole width
+  const bool hasTitle = !tooltip.rows[0].texts[0].empty();  // the time, which may use the whole width
+  for (int row = hasTitle; row < tooltip.count; ++row) {
     for (int column = 0; column < tooltip.columns; ++column) {
       widths[column] = std::max(widths[column], WidthOf(dc, tooltip.rows[row].texts[column]) + margin * 2);
     }
   }
-  LONG width = margin + swatch;
-  for (const LONG each : widths) width += each;
-  width = std::max(width, WidthOf(dc, tooltip.rows[0].texts[0]) + margin * 2);
+  // The names of two cursors are at the bottom.
+  const LONG bottom = plot.bottom - (model.cursorBShown ? layout.labelsPx : margin);
+  const SIZE space{plot.right - plot.left - margin - swatch, bottom - plot.top - margin};
+  const LONG columns = FitTooltip(dc, layout, &tooltip, &widths, space);
+  const LONG width = std::max(margin + swatch + columns, WidthOf(dc, tooltip.rows[0].texts[0]) + margin * 2);
   const LONG height = line * tooltip.count + margin;
   const StripTimeRange place = statistics ? model.selection : StripTimeRange{model.cursor, model.cursor};
   const auto inPlot = [&](double time) { return std::clamp(XOfTime(layout, time), plot.left, plot.right); };
   const double other = !statistics && model.cursorBShown ? model.cursorB : place.from;
-  const RECT box = PlaceTooltip({width, height}, inPlot(place.from), inPlot(place.to), inPlot(other));
+  const RECT box = PlaceTooltip({width, height}, bottom, inPlot(place.from), inPlot(place.to), inPlot(other));
   FillArea(canvas, box, colors.frame);
   FillArea(canvas, {box.left + 1, box.top + 1, box.right - 1, box.bottom - 1}, colors.tooltip);
   for (int row = 0; row < tooltip.count; ++row) {
     const LONG top = box.top + margin / 2 + row * line;
-    const bool head = row == 0 && tooltip.columns == 2;
+    const bool head = row == 0 && hasTitle;
     LONG from = head ? box.left : box.left + margin + swatch;
     if (tooltip.rows[row].channel >= 0) {
       const double middle = top + line / 2.0;
@@ -209,8 +232,9 @@ void StripRenderer::DrawCursor(Canvas& canvas, double time, const wchar_t* name)
   if (x < plot.left || x >= plot.right) return;
   FillArea(canvas, {x, plot.top, x + 1, plot.bottom}, key_.colors.ink);
   if (!*name || key_.layout.labelsPx == 0) return;
+  // Within the plot: below it are the times.
   const LONG half = key_.layout.digitPx;
-  const RECT area{x - half, plot.bottom + 1, x + half, plot.bottom + key_.layout.labelsPx};
+  const RECT area{x - half, plot.bottom - key_.layout.labelsPx, x + half, plot.bottom};
   FillArea(canvas, area, key_.colors.ink);
   const SelectedObject selected(canvas.dc(), font_);
   DrawTextIn(canvas.dc(), name, area, key_.colors.ground, DT_CENTER);

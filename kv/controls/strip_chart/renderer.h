@@ -57,6 +57,8 @@ std::wstring ChannelUnit(const StripChannel& channel);
 LONG WidthOf(HDC dc, const std::wstring& text);
 // Draws a line of text, which its area does not clip; `align`: DT_... flags.
 void DrawTextIn(HDC dc, const std::wstring& text, RECT area, COLORREF color, UINT align);
+// Leaves out the middle of a text that is too wide, because names of channels often differ only at the end.
+std::wstring ShortenedText(HDC dc, const std::wstring& text, LONG width);
 
 // Whether the image has an overlay, which changes when the chart scrolls.
 bool HasOverlay(const StripModel& model);
@@ -99,7 +101,7 @@ class StripRenderer {
   void DrawEvents(Canvas& canvas, const StripModel& model);
   void DrawCursor(Canvas& canvas, double time, const wchar_t* name);
   void DrawTooltip(Canvas& canvas, const StripModel& model);
-  RECT PlaceTooltip(SIZE size, LONG from, LONG to, LONG other) const;
+  RECT PlaceTooltip(SIZE size, LONG bottom, LONG from, LONG to, LONG other) const;
 
   Surface surface_, overlaid_;
   MemoryDc dc_{nullptr};

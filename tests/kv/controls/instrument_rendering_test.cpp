@@ -221,6 +221,14 @@ TEST_F(InstrumentRendering, SegmentBarsHaveAMarkerOnlyWithinTheRange) {
   }
 }
 
+TEST_F(InstrumentRendering, NumbersOfLowSegmentBarsAreReadable) {
+  HWND bar = Create(kModeSegmentBar | kInstrumentFitted, 48, 48);
+  SetValue(bar, 42);
+  EXPECT_LT(10, Shown(bar, 48, 48).CountWhere([](COLORREF color, int x, int y) {
+    return x > 3 && x < 44 && y > 20 && y < 44 && GetGValue(color) > 220;
+  }));
+}
+
 TEST_F(InstrumentRendering, SegmentsStartAtTheConfiguredEnd) {
   HWND bar = Create(kModeSegmentBar, 60, 200);
   SetValue(bar, 30);
