@@ -27,6 +27,10 @@
 // The id of the string with the caption of the program's window.
 #define KV_CAPTION KV_TEXT_OF(0)
 
+// In a program or a language library: the id of the string for the system menu's item with the version, and for the
+// caption of the about box (ScaledDialog::version); without it they are English.
+#define KV_ABOUT 19989  // "About"
+
 // In a program or a language library: the ids of the strings with the reasons that kv/toolkit/error_text.h returns.
 #define KV_REASON_NOT_FOUND 19990     // "There is no such file or folder."
 #define KV_REASON_PROTECTED 19991     // "It is write-protected, or access is denied."

@@ -79,6 +79,23 @@ void UnstretchField(HWND dialog, HWND control, const DialogScale& scale, int tex
              FALSE);
 }
 
+// The framework gives a combo box's field the height of its text: it is centered in its place, too.
+void CenterComboBox(HWND dialog, HWND control, const DialogState& state) {
+  if (ClassifyControl(control) != kControlComboBox) return;
+  if ((GetWindowLongW(control, GWL_STYLE) & CBS_DROPDOWNLIST) == CBS_SIMPLE) return;
+  const ScaledDialog& options = state.options;
+  const int slot = LayoutSlotOf(dialog, options.firstId, std::min(options.lastId, kPageId - 1), GetDlgCtrlID(control));
+  RECT place{};
+  GetWindowRect(control, &place);
+  MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
+  const LONG height = place.bottom - place.top,
+             edges = height - static_cast<LONG>(SendMessageW(control, CB_GETITEMHEIGHT, static_cast<WPARAM>(-1), 0));
+  const LONG excess = static_cast<LONG>(static_cast<float>(state.slots[slot].height + edges) * state.scale.y) - height;
+  if (excess <= 0) return;
+  SetWindowPos(control, nullptr, place.left, place.top + excess / 2, 0, 0,
+               SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOREDRAW);
+}
+
 // A list's previous font is its copy of the template's, or the previous common font of the lists.
 void ScaleTexts(HWND dialog, DialogState& state) {
   const int textPx = TextHeightOf(dialog);
@@ -86,7 +103,10 @@ void ScaleTexts(HWND dialog, DialogState& state) {
   VisitChildren(dialog, [&](HWND control) {
     if (!IsInRange(state.options, control)) return;
     UnstretchField(dialog, control, state.scale, textPx);
-    if (!TakesListFont(control)) return UnstretchFont(control, textPx);
+    if (!TakesListFont(control)) {
+      UnstretchFont(control, textPx);
+      return CenterComboBox(dialog, control, state);
+    }
     const HFONT former = FontOf(control);
     SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(static_cast<HFONT>(font)), FALSE);
     if (former != state.listFont) DeleteObject(former);

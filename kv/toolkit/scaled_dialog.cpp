@@ -20,6 +20,7 @@
 #include "kv/framework/modules.h"
 #include "kv/framework/window_position.h"
 #include "kv/lists/extended_list.h"
+#include "kv/resource.h"
 #include "kv/toolkit/about_box.h"
 #include "kv/toolkit/control_access.h"
 #include "kv/toolkit/control_layout.h"
@@ -126,11 +127,21 @@ void AddMenu(HWND dialog, DialogState& state) {
                SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+std::wstring AboutTitle() {
+  const std::wstring title = ResourceText(KV_ABOUT);
+  return title.empty() ? L"About" : title;
+}
+
+void NameAboutItem(HMENU menu) {
+  ModifyMenuW(menu, kAboutItem, MF_BYCOMMAND | MF_STRING, kAboutItem, (AboutTitle() + L"...").c_str());
+}
+
 void AddAboutItem(HWND dialog, const DialogState& state) {
   if (!state.options.version || state.kind == DialogKind::kPage) return;
   const HMENU menu = GetSystemMenu(dialog, FALSE);
   AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
-  AppendMenuW(menu, MF_STRING, kAboutItem, L"About...");
+  AppendMenuW(menu, MF_STRING, kAboutItem, L"");
+  NameAboutItem(menu);
 }
 
 void SaveState(HWND dialog, const DialogState& state, bool endsSession) {
@@ -270,7 +281,7 @@ INT_PTR OnCommand(HWND dialog, const DialogState& state, WORD id) {
 
 INT_PTR OnSystemCommand(HWND dialog, const DialogState& state, WPARAM command) {
   if ((command & 0xFFF0) != kAboutItem || !state.options.version) return FALSE;
-  ShowAboutBox(dialog, {.caption = L"About", .name = WindowText(dialog) + L" " + state.options.version});
+  ShowAboutBox(dialog, {.caption = AboutTitle(), .name = WindowText(dialog) + L" " + state.options.version});
   return TRUE;
 }
 
@@ -290,6 +301,9 @@ INT_PTR HandleDefault(HWND dialog, const DialogState& state, UINT message, WPARA
     case WM_NOTIFY: return OnNotify(state, lParam);
     case WM_COMMAND: return OnCommand(dialog, state, LOWORD(wParam));
     case WM_SYSCOMMAND: return OnSystemCommand(dialog, state, wParam);
+    case WM_INITMENUPOPUP:  // the language may have changed
+      if (HIWORD(lParam) && state.options.version) NameAboutItem(reinterpret_cast<HMENU>(wParam));
+      return FALSE;
     case WM_CLOSE: OnClose(dialog, state, IDCANCEL); return TRUE;
     default: return FALSE;
   }

@@ -63,8 +63,8 @@ struct ScaledDialog {
   // The name under which the maximized state is stored; null: not stored.
   const char* maximizedName = nullptr;
 
-  // The program's version. The system menu then ends with the item "About...", which shows it with icon 1 and the
-  // caption. Null: no item; ShowAboutBox (about_box.h) shows more, from any menu.
+  // The program's version. The system menu then ends with the item "About..." (KV_ABOUT), which shows it with icon 1
+  // and the caption. Null: no item; ShowAboutBox (about_box.h) shows more, from any menu.
   const wchar_t* version = nullptr;
 
   // Of the whole window, in pixels; at least the size at which texts are 11 pixels high, at which they stop shrinking.

@@ -5,6 +5,7 @@
 #define IDC_ROWS 103
 #define IDC_EMPTY 104
 #define IDC_LINES 105
+#define IDC_COMBO 106
 #define IDC_OUTSIDE 201
 #define IDM_KEY 301
 #define IDS_BOTH 1

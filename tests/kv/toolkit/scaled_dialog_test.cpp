@@ -103,6 +103,8 @@ TEST_F(ScaledDialogTest, ScalesKeepsItsMinimumSizeAndRestoresItsPosition) {
   EXPECT_NEAR(edit.bottom - edit.top + 14, grown.bottom - grown.top,
               1);  // the edges and its text, by the smaller scale
   EXPECT_TRUE(GetWindowLongW(GetDlgItem(dialog, IDC_LABEL), GWL_STYLE) & SS_CENTERIMAGE);  // on the field's line
+  const RECT combo = PlaceOf(dialog, IDC_COMBO);
+  EXPECT_NEAR(grown.top + grown.bottom, combo.top + combo.bottom, 8);  // so is a combo box
   EXPECT_TRUE(EqualRect(&outside, &kept));
   EXPECT_EQ(3, ScaleOf(dialog).y);
   const auto font = reinterpret_cast<HGDIOBJ>(SendDlgItemMessageA(dialog, IDC_OUTSIDE, WM_GETFONT, 0, 0));
@@ -303,7 +305,7 @@ std::wstring aboutText;
 
 // Reads the about box, and closes it.
 void CALLBACK ReadAboutBox(HWND, UINT, UINT_PTR timer, DWORD) {
-  const HWND box = FindWindowW(L"#32770", L"About");
+  const HWND box = FindWindowW(L"#32770", CurrentLanguage() ? L"Info" : L"About");
   if (!box) return;
   KillTimer(nullptr, timer);
   for (HWND child = GetWindow(box, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
@@ -316,10 +318,19 @@ TEST_F(ScaledDialogTest, ShowsItsVersionFromTheSystemMenu) {
   ScaledDialog versioned = kTest;
   versioned.version = L"1.2";
   HWND dialog = OpenDialog(nullptr, versioned);
+  LoadLanguages(L"test_toolkit");
   const HMENU menu = GetSystemMenu(dialog, FALSE);
-  SetTimer(nullptr, 0, 20, ReadAboutBox);
-  SendMessageW(dialog, WM_SYSCOMMAND, GetMenuItemID(menu, GetMenuItemCount(menu) - 1), 0);
-  EXPECT_NE(std::wstring::npos, aboutText.find(kvtest::TextOf(dialog) + L" 1.2|"));
+  const UINT item = GetMenuItemID(menu, GetMenuItemCount(menu) - 1);
+  for (const int language : {0, 1}) {
+    SwitchLanguage(dialog, nullptr, language);
+    SendMessageW(dialog, WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(menu), MAKELPARAM(0, TRUE));
+    wchar_t text[32] = L"";
+    GetMenuStringW(menu, item, text, ARRAYSIZE(text), MF_BYCOMMAND);
+    EXPECT_STREQ(language ? L"Info..." : L"About...", text);
+    SetTimer(nullptr, 0, 20, ReadAboutBox);
+    SendMessageW(dialog, WM_SYSCOMMAND, item, 0);
+    EXPECT_NE(std::wstring::npos, aboutText.find(kvtest::TextOf(dialog) + L" 1.2|")) << language;
+  }
   DestroyWindow(dialog);
 }
 
