@@ -16,7 +16,7 @@ namespace camview {
 
 namespace {
 
-const kv::ListColumn kColumns[] = {{MAKEINTRESOURCEW(IDS_COLUMN_KEY), 45}, {MAKEINTRESOURCEW(IDS_COLUMN_ACTION), 55}};
+const kv::ListColumn kColumns[] = {{MAKEINTRESOURCEW(IDS_COLUMN_KEY), 42}, {MAKEINTRESOURCEW(IDS_COLUMN_ACTION), 58}};
 
 using Keys = std::vector<std::pair<std::wstring, std::wstring>>;
 

@@ -197,7 +197,7 @@ kv::ScaledDialog MainWindow(const StartOptions& options) {
       .parameter = reinterpret_cast<LPARAM>(&options),
       .positionName = "Camview.Main",
       .maximizedName = "Camview.Maximized",
-      .minimumSize = {900, 600},
+      .minimumSize = {900, 640},
       .tips = kTips,
       .menu = L"CAMVIEW",
       .languageMenu = {IDM_LANGUAGE_MENU, IDM_LANGUAGE_FIRST, IDB_LANGUAGE_FIRST},

@@ -409,11 +409,11 @@ TEST_F(CamviewWindow, AllTextsFitInBothLanguages) {
   SendMessageW(window_, WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&limits));
   SetWindowPos(window_, nullptr, 0, 0, limits.ptMinTrackSize.x, limits.ptMinTrackSize.y, SWP_NOMOVE | SWP_NOZORDER);
   for (const int language : {0, 1}) {
+    std::vector<std::wstring> truncated;
+    kv::CollectTruncatedTexts(&truncated);  // from now on: lists do not draw rows again that have not changed
     Command(IDM_LANGUAGE_FIRST + language);
     Settle();
     EXPECT_EQ(language ? L"camview test.twr – Kamera-Viewer" : L"camview test.twr – Camera viewer", TextOf(window_));
-    std::vector<std::wstring> truncated;
-    kv::CollectTruncatedTexts(&truncated);
     RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN | RDW_UPDATENOW);
     kv::CollectTruncatedTexts(nullptr);
     for (HWND child = GetWindow(window_, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
