@@ -20,11 +20,13 @@ constexpr double kWindowSeconds = 8;  // a window with kMinWindowRecords is not 
 constexpr size_t kMinWindowRecords = 64;
 constexpr size_t kMaxPending = 16;
 constexpr int kMaxSkip = 1024;
-constexpr double kGivenTolerance = 0.02;
+constexpr double kGivenTolerance = 0.02, kGivenPower = 4;
 // Arrivals that a USB adapter collects for 16 ms look like those of a camera of that rate.
 constexpr double kAdapterRate = 62.5, kAdapterTolerance = 0.1;
 constexpr double kClearCoherence = 0.8, kFairCoherence = 0.5;
 constexpr size_t kStepRecords = 16;       // with steps of two or more that show another rate
+constexpr double kChangeRecords = 20;     // how exactly the place is found where the rate changes
+constexpr double kTie = 0.02;             // for the new one, of two rates at which a record would be regular
 constexpr double kSingleCoherence = 0.7;  // required to tell which records are lost
 constexpr size_t kLateRecords = 16;       // after which late ones have been made up for
 constexpr double kTurn = 2 * std::numbers::pi;
@@ -51,6 +53,10 @@ std::complex<float> UnitVector(double turns) {
   return table[static_cast<unsigned>(static_cast<int>(turns * kSteps + 0.5)) % kSteps];
 }
 
+double CosineOf(double turns) {
+  return UnitVector(turns - std::floor(turns)).real();
+}
+
 // The power of noise, by the number of windows, that the strongest of some thousand rates does not exceed.
 double NoisePower(size_t windows) {
   const auto count = static_cast<double>(windows);
@@ -58,16 +64,6 @@ double NoisePower(size_t windows) {
 }
 
 }  // namespace
-
-LineModel::Times LineModel::FirstHalf(const Times& times) {
-  const auto& all = times.seconds;
-  return {{all.begin(), all.begin() + static_cast<std::ptrdiff_t>(all.size() / 2)}, times.isAfterSilence};
-}
-
-LineModel::Times LineModel::SecondHalf(const Times& times) {
-  const auto& all = times.seconds;
-  return {{all.begin() + static_cast<std::ptrdiff_t>(all.size() / 2), all.end()}, false};
-}
 
 LineModel::LineModel(double rate) : givenRate_(rate) {}
 
@@ -126,7 +122,8 @@ bool LineModel::IsPlausible(double rate, double amplitude) const {
 }
 
 // Returns the lowest rate at which the records arrive about as regularly as at the best one: a multiple of the true
-// rate is as regular. 0 = none.
+// rate is as regular. Near a given rate, returns the nearest one: where an adapter collects records, others are as
+// regular. 0 = none.
 double LineModel::BestRate(double from, double to, double step) const {
   const auto steps = static_cast<size_t>((to - from) / step) + 1;
   std::vector<double> powers(steps, 0.0);
@@ -161,7 +158,7 @@ double LineModel::BestRate(double from, double to, double step) const {
   for (size_t i = 0; i < steps; ++i) {
     const double power = powers[i] / static_cast<double>(windows);
     const bool isPeak = (i == 0 || powers[i - 1] <= powers[i]) && (i + 1 == steps || powers[i + 1] < powers[i]);
-    if (!isPeak || power < NoisePower(windows)) continue;
+    if (!isPeak || power < (givenRate_ > 0 ? kGivenPower : NoisePower(windows))) continue;
     // The vertex of the parabola through three powers around it.
     double rate = from + static_cast<double>(i) * step;
     for (const double half : {step / 2, step / 4, step / 8}) {
@@ -176,8 +173,13 @@ double LineModel::BestRate(double from, double to, double step) const {
   if (givenRate_ <= 0 && std::abs(highestRate - kAdapterRate) < kAdapterTolerance) return 0;
   double best = 0;
   for (const auto& [rate, power] : peaks) best = std::max(best, power);
-  const auto lowest = std::ranges::find_if(peaks, [&](const auto& peak) { return peak.second >= 0.7 * best; });
-  return lowest == peaks.end() ? 0 : lowest->first;
+  if (best < NoisePower(windows)) return 0;
+  double found = 0;
+  for (const auto& [rate, power] : peaks) {
+    const bool isBetter = found == 0 || (givenRate_ > 0 && std::abs(rate - givenRate_) < std::abs(found - givenRate_));
+    if (isBetter && power >= (givenRate_ > 0 ? 0.3 : 0.7) * best) found = rate;
+  }
+  return found;
 }
 
 bool LineModel::FindRate() {
@@ -214,10 +216,16 @@ void LineModel::CloseWindow() {
   // A window in which the rate changes is divided where it does.
   while (pending_.empty() && rate_ > 0) {
     if (Follow(times)) return;
-    if (times.seconds.size() < 2 * kMinRecords) break;
-    Times half = FirstHalf(times);
-    if (!Follow(half)) break;
-    times = SecondHalf(times);
+    size_t count = times.seconds.size() / 2;
+    while (count >= kMinRecords && !Follow(times.First(count))) count /= 2;
+    if (count < kMinRecords) {
+      count = RecordsBeforeChange(times);
+      const Times before = times.First(count);
+      if (count > 0) AddRegular(before, WaveOf(before.seconds, rate_));
+      times = times.Rest(count);
+      break;
+    }
+    times = times.Rest(count);
   }
   if (windowsToSkip_ > 0) {
     --windowsToSkip_;
@@ -235,6 +243,21 @@ void LineModel::CloseWindow() {
   FlushPending();
 }
 
+// Returns how many of the records still arrive at the times of the last window; 0 if all do.
+size_t LineModel::RecordsBeforeChange(const Times& times) const {
+  if (windows_.empty() || !windows_.back().isRegular || times.isAfterSilence) return 0;
+  const Window& last = windows_.back();
+  double gain = 0, best = 0;
+  size_t same = 0;
+  for (size_t i = 0; i < times.seconds.size(); ++i) {
+    gain += CosineOf(last.phase + last.slope * (times.seconds[i] - last.from)) - last.coherence / 2;
+    if (gain <= best) continue;
+    best = gain;
+    same = i + 1;
+  }
+  return same < times.seconds.size() ? same : 0;
+}
+
 void LineModel::FlushPending() {
   for (const Times& times : std::exchange(pending_, {})) Number(times);
 }
@@ -245,8 +268,9 @@ void LineModel::Number(const Times& times) {
     AddIrregular(times);
     return;
   }
-  Number(FirstHalf(times));
-  Number(SecondHalf(times));
+  const size_t half = times.seconds.size() / 2;
+  Number(times.First(half));
+  Number(times.Rest(half));
 }
 
 // Numbers the records by the known rate. Returns false if they do not arrive at that rate.
@@ -282,9 +306,12 @@ bool LineModel::HasSteps(const Times& times, const Wave& wave) const {
 }
 
 void LineModel::AddRegular(const Times& times, const Wave& wave) {
-  const double from = times.seconds.front();
   const Window* last = windows_.empty() ? nullptr : &windows_.back();
   const bool isJoined = last && !times.isAfterSilence;
+  const bool isRegular = isJoined && last->isRegular;
+  const bool isChange = isRegular && std::abs(last->slope / rate_ - 1) > kGivenTolerance;
+  if (isChange && !last_.seconds.empty()) return AddFromChange(times, wave);
+  const double from = times.seconds.front();
   const double before = last ? std::round(last->phase + last->slope * (last->to - last->from)) : -1;
   double phase = before + 1 - wave.phase;
   if (isJoined && last->isRegular && last->slope == rate_) {
@@ -298,7 +325,42 @@ void LineModel::AddRegular(const Times& times, const Wave& wave) {
   }
   windows_.push_back({from, times.seconds.back(), phase, rate_, static_cast<float>(wave.amplitude),
                       static_cast<int>(times.seconds.size()), true, isJoined});
+  const bool isFull = last_.seconds.size() >= 2 * kWindowRecords && times.seconds.size() >= kMinWindowRecords;
+  if (!isRegular || isChange || isFull || last_.seconds.empty()) {
+    last_ = {{}, times.isAfterSilence};
+    lastWindows_ = 0;
+    lossesBefore_ = losses_.size();
+  }
+  last_.seconds.insert(last_.seconds.end(), times.seconds.begin(), times.seconds.end());
+  ++lastWindows_;
   AddLosses(times);
+}
+
+// Adds the first window of a new rate, and divides it and the one before it where the rate most probably changed.
+void LineModel::AddFromChange(const Times& times, const Wave& wave) {
+  const Window old = windows_.back();
+  Times all = std::exchange(last_, {});
+  const double from = times.seconds.front();
+  all.seconds.insert(all.seconds.end(), times.seconds.begin(), times.seconds.end());
+  double gain = 0, best = 0;
+  size_t change = 0;
+  for (size_t i = 0; i < all.seconds.size(); ++i) {
+    const double time = all.seconds[i];
+    gain += CosineOf(old.phase + old.slope * (time - old.from)) - CosineOf((time - from) * rate_ - wave.phase) - kTie;
+    if (gain <= best) continue;
+    best = gain;
+    change = i + 1;
+  }
+  windows_.resize(windows_.size() - lastWindows_);
+  losses_.resize(lossesBefore_);
+  const double rate = std::exchange(rate_, old.slope);
+  const Times before = all.First(change);
+  if (change > 0) AddRegular(before, WaveOf(before.seconds, rate_));
+  last_ = {};
+  rate_ = rate;
+  if (change == all.seconds.size()) return;
+  const Times after = change > 0 ? all.Rest(change) : all;
+  AddRegular(after, WaveOf(after.seconds, rate_));
 }
 
 // Numbers the records consecutively; by a given rate if there is one.
@@ -419,7 +481,9 @@ LineFigures LineModel::Figures(const Selection& selection) const {
       bound += window->coherence >= kClearCoherence ? 0 : window->coherence >= kFairCoherence ? 1 : 2;
     }
     const double change = isFirst ? 0 : std::abs(window->slope / std::prev(window)->slope - 1);
-    if (window->isRegular && change > kGivenTolerance) bound += kStepRecords;
+    if (window->isRegular && change > kGivenTolerance)
+      bound +=
+          std::llround(kChangeRecords / std::max(std::min(window->coherence, std::prev(window)->coherence), 0.15f));
   }
   figures.lostAtLeast = std::max(figures.lostAtLeast + figures.lost - bound, 0LL);
   figures.lostAtMost = std::max(figures.lostAtMost + figures.lost + bound, figures.lostAtLeast);

@@ -94,12 +94,12 @@ class LineModel {
   struct Times {
     std::vector<double> seconds;
     bool isAfterSilence;
+    Times First(size_t count) const { return {{seconds.data(), seconds.data() + count}, isAfterSilence}; }
+    Times Rest(size_t count) const { return {{seconds.data() + count, seconds.data() + seconds.size()}, false}; }
   };
   struct Wave {
     double amplitude, phase;
   };
-  static Times FirstHalf(const Times& times);
-  static Times SecondHalf(const Times& times);
   static Wave WaveOf(const std::vector<double>& seconds, double rate);
   void CloseWindow();
   bool Follow(const Times& times);
@@ -108,8 +108,10 @@ class LineModel {
   double PowerAt(double rate) const;
   bool IsPlausible(double rate, double amplitude) const;
   void AddRegular(const Times& times, const Wave& wave);
+  void AddFromChange(const Times& times, const Wave& wave);
   void AddIrregular(const Times& times);
   void AddLosses(const Times& times);
+  size_t RecordsBeforeChange(const Times& times) const;
   void FlushPending();
   void Number(const Times& times);
   bool HasSteps(const Times& times, const Wave& wave) const;
@@ -120,6 +122,8 @@ class LineModel {
   double givenRate_;
   double rate_ = 0, coherence_ = 0;  // of the windows that are followed; 0 = none
   Times open_{};
+  Times last_{};  // of the last windows of one rate
+  size_t lastWindows_ = 0, lossesBefore_ = 0;
   std::vector<Times> pending_;        // until a rate is found
   int windowsToSkip_ = 0, skip_ = 0;  // without a search, after failures
   std::vector<Window> windows_;
