@@ -1,5 +1,7 @@
 #include "camera/statistics.h"
 
+#include <algorithm>
+
 #include "camera/camera_record.h"
 #include "camera/noise.h"
 #include "camera/record_intake.h"
@@ -19,7 +21,11 @@ void AddSums(const RecordSums& other, RecordSums* sums) {
 
 double SeenShare(const RecordSums& sums, int point) {
   const long long records = sums.records - sums.outOfRange;
-  return records > 0 ? static_cast<double>(sums.points[point].seen) / static_cast<double>(records) : 0;
+  return records > 0 ? static_cast<double>(sums.points[point].seen) / static_cast<double>(records) : -1;
+}
+
+double PercentOf(double share) {
+  return share <= 0 || share >= 1 ? 100 * share : std::clamp(100 * share, 0.1, 99.9);
 }
 
 void RecordMeter::Add(const FoundRecord& record, unsigned flags, RecordSums* sums) {

@@ -17,8 +17,11 @@ struct RecordSums {
 
 void AddSums(const RecordSums& other, RecordSums* sums);
 
-// Returns the fraction, 0 to 1, of the records with points in which this point is seen.
+// Returns the fraction, 0 to 1, of the records with points in which this point is seen; negative if there are none.
 double SeenShare(const RecordSums& sums, int point);
+
+// Returns a share as a percentage to be shown with one decimal: it does not round to 0 or 100 unless it is that.
+double PercentOf(double share);
 
 // Adds records, in order, to sums.
 class RecordMeter {

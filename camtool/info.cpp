@@ -72,6 +72,11 @@ std::string Number(long long number) {
   return std::to_string(number);
 }
 
+// Returns the number with that format, or `none` if it is not known.
+std::string KnownOr(const char* none, bool isKnown, const char* format, double number) {
+  return isKnown ? camera::Format(format, number) : none;
+}
+
 // Returns what is known of lost records, as a sentence or two.
 std::string DescribeLosses(const camera::LineFigures& figures) {
   const long long lost = std::max(figures.lost, 0LL);
@@ -109,7 +114,11 @@ std::string DescribeNoise(const camera::CoordinateNoise& sums) {
 }
 
 std::string DescribeSpread(const camera::Spread& spread, long long seen) {
-  return seen < 2 ? "-" : camera::Format("%.2f", Deviation(spread, seen));
+  return KnownOr("-", seen >= 2, "%.2f", Deviation(spread, seen));
+}
+
+std::string DescribePeaks(const camera::Spread& spread, long long seen) {
+  return KnownOr("-", seen >= 2, "%.0f", static_cast<double>(spread.highest - spread.lowest));
 }
 
 void PrintPoints(const Facts& facts) {
@@ -117,12 +126,14 @@ void PrintPoints(const Facts& facts) {
   for (int i = 0; i < kv::kPointCount; ++i) {
     const camera::PointSummary& point = facts.sums.points[i];
     const camera::PointNoise& noise = facts.sums.noise[i];
-    std::printf("  %-5d  %5.1f %%", i + 1, SeenShare(facts.sums, i) * 100);
+    const double seen = SeenShare(facts.sums, i);
+    std::printf("  %-5d  %7s", i + 1, KnownOr("-", seen >= 0, "%.1f %%", camera::PercentOf(seen)).c_str());
     if (point.seen > 0) {
       const std::string spread = DescribeSpread(point.x, point.seen) + ", " + DescribeSpread(point.y, point.seen);
-      std::printf("  %4ld to %4ld  %4ld to %4ld  %4ld, %4ld    %-15s  %s, %s", point.x.lowest, point.x.highest,
-                  point.y.lowest, point.y.highest, point.x.highest - point.x.lowest, point.y.highest - point.y.lowest,
-                  spread.c_str(), DescribeNoise(noise.x).c_str(), DescribeNoise(noise.y).c_str());
+      std::printf("  %4ld to %4ld  %4ld to %4ld  %4s, %4s    %-15s  %s, %s", point.x.lowest, point.x.highest,
+                  point.y.lowest, point.y.highest, DescribePeaks(point.x, point.seen).c_str(),
+                  DescribePeaks(point.y, point.seen).c_str(), spread.c_str(), DescribeNoise(noise.x).c_str(),
+                  DescribeNoise(noise.y).c_str());
     }
     std::puts("");
   }
@@ -170,7 +181,8 @@ void PrintText(const Facts& facts) {
   }
   std::printf("  length     %.3f s", facts.seconds);
   if (stream.records > 0) std::printf("; records from %.3f s to %.3f s", stream.firstSeconds, stream.lastSeconds);
-  std::printf("\n  records    %lld, %.1f a second, %s\n", stream.records, figures.recordsPerSecond,
+  std::printf("\n  records    %lld, %s%s\n", stream.records,
+              KnownOr("", facts.seconds > 0, "%.1f a second, ", figures.recordsPerSecond).c_str(),
               camera::Counted(static_cast<unsigned long long>(stream.bytes), "byte").c_str());
   std::printf("  lost       %s\n  silent     %s\n", DescribeLosses(figures).c_str(), DescribeSilence(figures).c_str());
   std::printf("  malformed  %s\n", DescribeMalformed(stream).c_str());
@@ -188,21 +200,22 @@ std::string Axis(const char* name, const camera::Spread& spread, long long seen,
   const camera::NoiseFigure noise = NoiseOf(sums);
   std::string text = camera::Format(",\"%s\":{\"lowest\":%ld,\"highest\":%ld,\"mean\":%.3f,\"deviation\":", name,
                                     spread.lowest, spread.highest, Mean(spread, seen));
-  text += seen < 2 ? "null" : camera::Format("%.3f", Deviation(spread, seen));
-  text += ",\"noise\":" + (noise.differences == 0 ? "null" : camera::Format("%.3f", noise.noise));
+  text += KnownOr("null", seen >= 2, "%.3f", Deviation(spread, seen));
+  text += ",\"noise\":" + KnownOr("null", noise.differences > 0, "%.3f", noise.noise);
   return text + (noise.isBelow ? ",\"noiseIsBelow\":true}" : "}");
 }
 
 void PrintLineJson(const camera::LineFigures& figures) {
   constexpr const char* kBases[] = {"too few records", "too irregular", "estimated", "given"};
   const bool isKnown = figures.basis >= camera::LossBasis::kEstimated;
-  std::printf(",\"silences\":%lld,\"silentSeconds\":%.6f,\"longestSilenceSeconds\":%.6f,\"longestSilenceStart\":%.6f",
-              figures.silences, figures.silentSeconds, figures.longestSilence, figures.longestSilenceFrom);
+  std::printf(",\"silences\":%lld,\"silentSeconds\":%.6f,\"longestSilenceSeconds\":%.6f,\"longestSilenceStart\":%s",
+              figures.silences, figures.silentSeconds, figures.longestSilence,
+              KnownOr("null", figures.silences > 0, "%.6f", figures.longestSilenceFrom).c_str());
   std::printf(
       ",\"lost\":{\"basis\":\"%s\",\"records\":%s,\"atLeast\":%lld,\"atMost\":%lld,\"rate\":%s,"
       "\"mayBeRegular\":%s}",
       kBases[static_cast<int>(figures.basis)], isKnown ? Number(std::max(figures.lost, 0LL)).c_str() : "null",
-      figures.lostAtLeast, figures.lostAtMost, isKnown ? camera::Format("%.3f", figures.rate).c_str() : "null",
+      figures.lostAtLeast, figures.lostAtMost, KnownOr("null", isKnown, "%.3f", figures.rate).c_str(),
       figures.mayLoseRegularly ? "true" : "false");
 }
 
@@ -228,8 +241,11 @@ void PrintJson(const Facts& facts) {
               camera::JsonString(facts.file.path).c_str(), start.empty() ? "null" : start.c_str(),
               static_cast<unsigned>(decoder.header.port), static_cast<unsigned>(decoder.header.baudRate), facts.seconds,
               decoder.hasEnd ? "true" : "false", stream.bytes);
-  std::printf(",\"records\":%lld,\"recordsPerSecond\":%.3f,\"firstSeconds\":%.6f,\"lastSeconds\":%.6f", stream.records,
-              facts.figures.recordsPerSecond, stream.firstSeconds, stream.lastSeconds);
+  const bool hasRecords = stream.records > 0;
+  std::printf(",\"records\":%lld,\"recordsPerSecond\":%s,\"firstSeconds\":%s,\"lastSeconds\":%s", stream.records,
+              KnownOr("null", facts.seconds > 0, "%.3f", facts.figures.recordsPerSecond).c_str(),
+              KnownOr("null", hasRecords, "%.6f", stream.firstSeconds).c_str(),
+              KnownOr("null", hasRecords, "%.6f", stream.lastSeconds).c_str());
   PrintLineJson(facts.figures);
   std::printf(",\"malformedSections\":%lld,\"malformedBytes\":%lld,\"invalidRecords\":%lld,\"outOfRangeRecords\":%lld",
               stream.malformedSections, stream.malformedBytes, stream.invalidRecords, stream.outOfRange);
@@ -239,7 +255,8 @@ void PrintJson(const Facts& facts) {
   for (int i = 0; i < kv::kPointCount; ++i) {
     const camera::PointSummary& point = facts.sums.points[i];
     const camera::PointNoise& noise = facts.sums.noise[i];
-    std::printf("%s{\"seen\":%.6f", i > 0 ? "," : "", SeenShare(facts.sums, i));
+    const double seen = SeenShare(facts.sums, i);
+    std::printf("%s{\"seen\":%s", i > 0 ? "," : "", KnownOr("null", seen >= 0, "%.6f", seen).c_str());
     if (point.seen > 0) {
       std::printf("%s%s", Axis("x", point.x, point.seen, noise.x).c_str(),
                   Axis("y", point.y, point.seen, noise.y).c_str());

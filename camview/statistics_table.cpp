@@ -32,11 +32,8 @@ std::wstring NameOf(int channel) {
 }
 
 std::wstring SeenText(const camera::RecordSums& sums, int point) {
-  if (sums.records == 0) return kNone;
-  // Neither rounds up to 100 % nor down to 0 %.
-  const double percent = camera::SeenShare(sums, point) * 100;
-  const double shown = percent <= 0 || percent >= 100 ? percent : std::clamp(percent, 0.1, 99.9);
-  return kv::NumberText(shown, 1) + L" %";
+  const double share = camera::SeenShare(sums, point);
+  return share < 0 ? kNone : kv::NumberText(camera::PercentOf(share), 1) + L" %";
 }
 
 std::wstring NoiseText(const camera::CoordinateNoise& noise) {

@@ -345,6 +345,15 @@ TEST(Camtool, TellsLossesAndSilenceApartAndListsThem) {
     EXPECT_EQ(camtool::kDone, info.Wait()) << options;
     for (const char* said : lines) EXPECT_PRED2(Says, info.Output(), said);
   }
+  // What was not measured has no figure.
+  for (const int records : {0, 1}) {
+    const std::string chunk = camera::EncodeChunks(0, "0100,0200,0300,0400,0512,0384,1023,1023\r\n");
+    WriteTo(recording, bytes.substr(0, camera::kRecordingHeaderBytes) + (records > 0 ? chunk : ""));
+    const Camtool info("info \"" + recording + "\""), json("info --json \"" + recording + "\"");
+    EXPECT_EQ(camtool::kDone, info.Wait() + json.Wait());
+    EXPECT_PRED2(Says, info.Output(), records > 0 ? " 200 to  200     -,    -    -, -  " : "\r\n  1            -\r\n");
+    EXPECT_PRED2(Says, json.Output(), records > 0 ? ",\"records\":1,\"recordsPerSecond\":null," : "{\"seen\":null}");
+  }
   DeleteFileA(recording.c_str());
 }
 

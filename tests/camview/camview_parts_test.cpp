@@ -263,6 +263,7 @@ TEST(CamviewStatistics, EqualAPlainComputation) {
     EXPECT_NEAR(std::sqrt(squares / (seen - 1)), camera::Deviation(summary.y, summary.seen), 1e-9);
   }
   EXPECT_EQ(0, ComputeStatistics(store, given.back().record.seconds + 1, 1e300).line.records);
+  EXPECT_TRUE(camera::PercentOf(1e-4) == 0.1 && camera::PercentOf(0.9999) == 99.9 && camera::PercentOf(1) == 100);
 }
 
 TEST(CamviewStatistics, AddUpAndFollowTheGivenRate) {
