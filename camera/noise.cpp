@@ -21,7 +21,10 @@ constexpr int kStepsOfDoubling = 4, kSingleBits = 6;
 constexpr int kRestRecords = 32;
 // The variance of a third difference (1, -3, 3, -1) of independent values of variance 1.
 constexpr double kDifferenceVariance = 20;
-constexpr double kOutlier = 5;  // standard deviations: a step of the point, not noise
+// Two standard errors of the variance from one difference; neighbors are not independent.
+constexpr double kVarianceError = 4.3;
+constexpr double kPlaceError = 0.1;  // of the cosine
+constexpr double kOutlier = 5;       // standard deviations: a step of the point, not noise
 constexpr double kPi = std::numbers::pi;
 
 size_t BinOf(LONG size) {
@@ -121,17 +124,21 @@ NoiseFigure NoiseOf(const CoordinateNoise& sums) {
       count += sums.differences[bin];
       squares += sums.differences[bin] * size * size;
     }
+    if (count < kFewestDifferences) return {};
     figure.differences = static_cast<long long>(count);
-    if (count == 0) return figure;
     variance = squares / count;
     const double next = std::max(kOutlier * std::sqrt(variance), 2.0);
     if (next >= limit) break;
     limit = next;
   }
   const double rounded = variance / kDifferenceVariance;
-  const double exact = ExactVariance(rounded, PlaceOf(sums, rounded));
-  figure.isBelow = exact == 0;
-  figure.noise = figure.isBelow ? kSmallestNoise : std::sqrt(exact);
+  const Place place = PlaceOf(sums, rounded);
+  const double error = kVarianceError / std::sqrt(static_cast<double>(figure.differences));
+  const auto noiseAt = [&](double factor, double cosine) {
+    return std::sqrt(ExactVariance(rounded * factor, {place.cosine + cosine, place.sineSquared}));
+  };
+  figure.isBelow = noiseAt(1 - error, 0) == 0;
+  figure.noise = figure.isBelow ? std::max(noiseAt(1 + error, kPlaceError), kSmallestNoise) : noiseAt(1, 0);
   return figure;
 }
 

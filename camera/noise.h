@@ -11,9 +11,11 @@
 
 namespace camera {
 
-// The noise of a coordinate below which the rounding to whole pixels dominates, so that no figure can be given. From
-// 0.3 pixels on the figure is within 5 % of the truth, given enough records.
-inline constexpr double kSmallestNoise = 0.25;
+// The noise of a coordinate below which the rounding to whole pixels dominates, so that no figure can be given; more
+// where a point rests between two whole pixels, and with fewer records.
+inline constexpr double kSmallestNoise = 0.28;
+// Fewer differences give no figure; 100 give one with an error of about 10 %, 1,000 of 3 %.
+inline constexpr long long kFewestDifferences = 20;
 
 // Third differences by their size: 0 to 63 one by one, larger ones in four steps for each doubling.
 inline constexpr size_t kNoiseBins = 96;
@@ -34,10 +36,9 @@ struct PointNoise {
 void AddNoise(const PointNoise& other, PointNoise* noise);
 
 struct NoiseFigure {
-  // From which it was computed; 0 = no figure. 100 give an error of about 10 %, 1,000 of 3 %.
-  long long differences = 0;
-  double noise = 0;      // standard deviation in pixels
-  bool isBelow = false;  // less than kSmallestNoise, which `noise` then is
+  long long differences = 0;  // from which it was computed; 0 = no figure
+  double noise = 0;           // standard deviation in pixels
+  bool isBelow = false;       // less than `noise`, which then is kSmallestNoise or more
 };
 
 NoiseFigure NoiseOf(const CoordinateNoise& sums);

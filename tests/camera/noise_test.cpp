@@ -33,6 +33,7 @@ struct Case {
 const Case kCases[] = {
     {"rests at 500", 0.3, [](double) { return 500.0; }},
     {"rests at 500.25", 0.3, [](double) { return 500.25; }},
+    {"rests at 500.36", 0.4, [](double) { return 500.36; }},
     {"rests at 500.5", 0.4, [](double) { return 500.5; }},
     {"drifts 0.25 px/s", 0.3, [](double seconds) { return 400 + 0.25 * seconds; }},
     {"swings 1 Hz, 100 px", 0.3, [](double seconds) { return 500 + 100 * std::sin(2 * std::numbers::pi * seconds); }},
@@ -63,12 +64,9 @@ TEST(Noise, IsThatOfThePointWithoutItsMotion) {
       const NoiseFigure figure = NoiseOf(noise.x);
       std::printf("%-20s %7.2f %8.2f %s%7.3f\n", name, sigma, Deviation(summary.x, summary.seen),
                   figure.isBelow ? "<" : " ", figure.noise);
-      if (sigma < from) {
-        EXPECT_LT(figure.noise, from) << name;
-        continue;
-      }
-      EXPECT_NEAR(sigma, figure.noise, 0.05 * sigma) << name;
-      EXPECT_FALSE(figure.isBelow) << name;
+      EXPECT_EQ(sigma < from, figure.isBelow) << name;
+      EXPECT_LT(figure.isBelow ? sigma : std::abs(figure.noise / sigma - 1), figure.isBelow ? figure.noise : 0.05)
+          << name;
     }
   }
 }
