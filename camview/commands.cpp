@@ -213,11 +213,16 @@ void ShowEvents(View& view, bool show) {
   if (show || hadFocus) SetFocus(GetDlgItem(view.window, show ? IDC_EVENTS : IDC_STATISTICS));
 }
 
-// Cancels the innermost activity.
+// Cancels the innermost activity. Escape is an accelerator, so that work is canceled whichever control has the focus.
 void OnEscape(View& view) {
   if (view.source.IsWorking()) return view.source.CancelWork();
-  if (GetFocus() == GetDlgItem(view.window, IDC_TIME)) {
+  const HWND focused = GetFocus();
+  const int id = GetDlgCtrlID(focused);
+  if (id == IDC_TIME || id == IDC_RATE) {
     SetFocus(GetDlgItem(view.window, IDC_TIMELINE));
+  } else if ((id == IDC_SCATTER || id == IDC_HISTOGRAM_X || id == IDC_HISTOGRAM_Y) &&
+             SendMessageW(focused, WM_GETDLGCODE, VK_ESCAPE, 0) & DLGC_WANTMESSAGE) {
+    SendMessageW(focused, WM_KEYDOWN, VK_ESCAPE, 0);
   } else {
     view.time.selection.reset();
     view.time.cursorB.reset();
@@ -304,7 +309,8 @@ bool OnControl(View& view, UINT id, UINT code) {
         SelectSpeed(view, static_cast<int>(SendDlgItemMessageW(view.window, IDC_SPEED, CB_GETCURSEL, 0, 0)));
       }
       return true;
-    case IDC_TIME: return true;
+    case IDC_TIME:
+    case IDC_RATE: return true;
     default: return false;
   }
 }
@@ -448,8 +454,10 @@ void OnNews(View& view, SourceNews news) {
 INT_PTR OnCommand(View& view, UINT id, UINT code) {
   const HWND window = view.window;
   bool isHandled = true;
-  if (id == IDCANCEL || id == IDC_CANCEL_WORK) {
+  if (id == IDCANCEL) {
     OnEscape(view);
+  } else if (id == IDC_CANCEL_WORK) {
+    view.source.CancelWork();
   } else if (id == IDOK) {
     if (GetFocus() == GetDlgItem(window, IDC_TIME)) OnTimeTyped(view);
     if (GetFocus() == GetDlgItem(window, IDC_RATE)) OnRateTyped(view);

@@ -173,6 +173,7 @@ void Display::Refresh(const Source& source, const ViewTime& time, EventTable* ev
   ShowField(source, time, options);
   ShowTimeline(source, time, *events);
   ShowTimeText(source, time);
+  SetTypedText(IDC_RATE, RateAsText(source.Rate()));
   ShowStatistics(source, time);
   distributions_.Show({.source = source.Number(),
                        .store = source.Records(),
@@ -187,6 +188,12 @@ void Display::Refresh(const Source& source, const ViewTime& time, EventTable* ev
 
 void Display::SetText(int id, const std::wstring& text) {
   if (IsNew(text, &texts_[id])) SetDlgItemTextW(window_, id, text.c_str());
+}
+
+// What is being typed stays; what was not entered is discarded.
+void Display::SetTypedText(int id, const std::wstring& text) {
+  if (GetFocus() != GetDlgItem(window_, id)) return SetText(id, text);
+  texts_.erase(id);
 }
 
 void Display::Enable(int id, bool enabled) {
@@ -355,11 +362,7 @@ void Display::ShowTimeText(const Source& source, const ViewTime& time) {
   if (!isLiveTurn_) return;
   const bool isOpen = source.IsOpen();
   SetText(IDC_LENGTH, isOpen ? kv::TextWith(IDS_OF_LENGTH, TimeAsText(time.end).c_str()) : L" ");
-  // What is being typed stays; what was not entered is discarded.
-  const bool wasTyping = std::exchange(isTyping_, GetFocus() == GetDlgItem(window_, IDC_TIME));
-  if (isTyping_) return;
-  if (wasTyping) texts_.erase(IDC_TIME);
-  SetText(IDC_TIME, isOpen ? TimeAsText(time.Shown()) : L"");
+  SetTypedText(IDC_TIME, isOpen ? TimeAsText(time.Shown()) : L"");
 }
 
 // ---- Statistics -----------------------------------------------------------------------------------------------------

@@ -59,6 +59,7 @@ class Display {
 
  private:
   void SetText(int id, const std::wstring& text);
+  void SetTypedText(int id, const std::wstring& text);
   void Enable(int id, bool enabled);
   void SetVisible(int id, bool visible);
   void ShowOneOf(std::initializer_list<int> ids, int shown);
@@ -94,7 +95,6 @@ class Display {
   std::optional<unsigned> eventsSource_, eventsVersion_, marksVersion_;
   std::optional<UINT> eventRow_;
   double timelinePosition_ = kNoTime;
-  bool isTyping_ = false;  // a time
   using StatisticsKey = std::tuple<unsigned, long long, bool, double, double, double>;
   std::optional<StatisticsKey> statisticsKey_;
   std::optional<SelectionStatistics> statistics_;

@@ -141,6 +141,13 @@ std::wstring TimeAsText(double seconds, int decimals) {
   return camera::Wide(FormatTime(seconds, decimals, sign.empty() ? '.' : static_cast<char>(sign[0])));
 }
 
+std::wstring RateAsText(double rate) {
+  if (rate <= 0) return {};
+  std::wstring text = camera::Wide(camera::Format("%.6g", rate));
+  if (const std::wstring sign = kv::DecimalSign(); !sign.empty()) std::ranges::replace(text, L'.', sign[0]);
+  return text;
+}
+
 std::wstring LengthAsText(double seconds) {
   constexpr double kMinute = 60;
   if (seconds >= kMinute) return TimeAsText(std::floor(seconds), 0);

@@ -30,6 +30,8 @@ std::wstring RecordsAsText(long long count);
 std::wstring ClockAsText(std::uint64_t fileTime);
 // Returns a time since the beginning with this number of decimals, in the format of the language.
 std::wstring TimeAsText(double seconds, int decimals = 3);
+// Returns a rate as typed, "92.9"; "" for 0.
+std::wstring RateAsText(double rate);
 // Returns a duration: "3 s", "1:15".
 std::wstring LengthAsText(double seconds);
 

@@ -151,7 +151,8 @@ void DrawFace(Timeline& timeline, const TimelineLayout& layout, const TimelineCo
     LONG from = 0, to = 0;
     for (const TimelineMark& mark : timeline.marks) {
       if (mark.kind != kind) continue;
-      const LONG left = XOfTime(layout, timeline.range, mark.from);
+      // Also a mark at the end is seen.
+      const LONG left = std::min(XOfTime(layout, timeline.range, mark.from), track.right - kShortestPx);
       const LONG right = std::max(XOfTime(layout, timeline.range, mark.to), left + kShortestPx);
       if (left > to || to == from) {
         if (to > from) DrawMark(canvas, track, colors, kind, from, to);
@@ -408,14 +409,8 @@ LRESULT OnKey(Timeline& timeline, WPARAM key, bool shift) {
     case VK_NEXT: return MoveTo(timeline, position + length * kPage, shift);
     case VK_HOME: return MoveTo(timeline, timeline.range.from, shift);
     case VK_END: return MoveTo(timeline, timeline.range.to, shift);
-    case VK_ESCAPE: return RemoveSelection(timeline);
     default: return 0;
   }
-}
-
-// The dialog gets Escape unless there is a selection to remove.
-LRESULT DialogKeys(const Timeline& timeline, WPARAM key) {
-  return DLGC_WANTARROWS | (timeline.isSelected && key == VK_ESCAPE ? DLGC_WANTMESSAGE : 0);
 }
 
 kv::AccessibleText Describe(const Timeline& timeline) {
@@ -429,7 +424,7 @@ LRESULT HandleMessage(Timeline& timeline, UINT message, WPARAM wParam, LPARAM lP
     case WM_SETFOCUS:
     case WM_KILLFOCUS: return Repaint(timeline);
     case WM_PAINT: return OnPaint(timeline.window);
-    case WM_GETDLGCODE: return DialogKeys(timeline, wParam);
+    case WM_GETDLGCODE: return DLGC_WANTARROWS;
     case WM_LBUTTONDOWN: return OnButtonDown(timeline.window, GET_X_LPARAM(lParam), (wParam & MK_SHIFT) != 0);
     case WM_MOUSEMOVE: return OnMouseMove(timeline, GET_X_LPARAM(lParam));
     case WM_LBUTTONUP: return OnButtonUp(timeline);
