@@ -52,7 +52,10 @@ void EventLog::AddSection(const Section& section) {
   const EventKind kind = section.kind == SectionKind::kSilent      ? EventKind::kSilence
                          : section.kind == SectionKind::kMalformed ? EventKind::kMalformed
                                                                    : EventKind::kDamage;
-  Add({kind, section.from, section.to, section.bytes}, &lists_[static_cast<size_t>(kind)]);
+  std::vector<Event>& list = lists_[static_cast<size_t>(kind)];
+  if (section.count > 0) return Add({kind, section.from, section.to, section.bytes}, &list);
+  // Unless the one that it continues is not listed.
+  if (!list.empty() && list.back().to == section.from) list.back().to = section.to;
 }
 
 std::vector<Event> EventLog::Events(const LineModel& line, double end, long long* omitted) const {

@@ -65,9 +65,14 @@ bool IsSameFile(HANDLE a, HANDLE b) {
          first.nFileIndexHigh == second.nFileIndexHigh && first.nFileIndexLow == second.nFileIndexLow;
 }
 
+// For its identity.
+HANDLE OpenNamed(const std::string& path) {
+  return CreateFileW(Wide(path).c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                     OPEN_EXISTING, 0, nullptr);
+}
+
 bool IsFile(const std::string& path, HANDLE file) {
-  const HANDLE named = CreateFileW(Wide(path).c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                   nullptr, OPEN_EXISTING, 0, nullptr);
+  const HANDLE named = OpenNamed(path);
   const bool isSame = IsSameFile(named, file);
   if (named != INVALID_HANDLE_VALUE) CloseHandle(named);
   return isSame;
@@ -81,6 +86,13 @@ bool Fail(OutputFile* output, std::string* error) {
 }
 
 }  // namespace
+
+bool IsSameFile(const std::string& path, const std::string& other) {
+  const HANDLE file = OpenNamed(other);
+  const bool isSame = IsFile(path, file);
+  if (file != INVALID_HANDLE_VALUE) CloseHandle(file);
+  return isSame;
+}
 
 bool OpenOutput(const std::string& path, bool overwrite, HANDLE source, OutputFile* output, std::string* error) {
   output->path = path;

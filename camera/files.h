@@ -84,6 +84,9 @@ struct RecordingFile {
 // recording.
 bool OpenRecording(const std::string& path, RecordingFile* recording);
 
+// Returns whether both names are of the same existing file.
+bool IsSameFile(const std::string& path, const std::string& other);
+
 // Returns the fraction of the file that was read, 0 to 1; 0 if its size is unknown.
 double ShareRead(const RecordingFile& recording);
 

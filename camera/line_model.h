@@ -63,6 +63,7 @@ class LineModel {
   // before it, so no records are missing there.
   void AddRecord(double seconds, bool isAfterSilence);
   void AddSilence(const Silence& silence) { silences_.push_back(silence); }  // in ascending order
+  void ContinueSilence(double to) { silences_.back().to = to; }              // the last one
   // Evaluates the last records, which otherwise wait for others. More may follow.
   void Finish();
 

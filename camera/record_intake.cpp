@@ -30,15 +30,17 @@ bool IsAfterPause(double seconds, RecordIntake* intake) {
 }  // namespace
 
 void AddSilence(RecordIntake* intake, double seconds, IntakeBatch* batch) {
-  if (seconds - intake->lastArrival >= kGapSeconds) {
-    batch->sections.push_back({SectionKind::kSilent, intake->lastArrival, seconds});
-    intake->flags |= kAfterSilence;
-  }
+  if (!intake->isSilent && seconds - intake->lastArrival < kGapSeconds) return;
+  batch->sections.push_back({SectionKind::kSilent, intake->lastArrival, seconds, 0, intake->isSilent ? 0 : 1});
+  intake->flags |= kAfterSilence;
   intake->lastArrival = seconds;
+  intake->isSilent = true;
 }
 
 void AddBytes(RecordIntake* intake, double seconds, std::string_view bytes, IntakeBatch* batch) {
   AddSilence(intake, seconds, batch);
+  intake->lastArrival = seconds;
+  intake->isSilent = false;
   const size_t before = batch->records.size();
   FeedStream(&intake->stream, seconds, bytes, &batch->records);
   for (const FoundRecord& record : std::span(batch->records).subspan(before)) {
@@ -58,6 +60,7 @@ void AddDamage(RecordIntake* intake, double seconds, long long bytes, IntakeBatc
   intake->flags |= kAfterDamagedBytes | (seconds - intake->lastArrival >= kGapSeconds ? kAfterSilence : 0);
   // Silence during that time is unknown.
   intake->lastArrival = seconds;
+  intake->isSilent = false;
 }
 
 void EndIntake(RecordIntake* intake, IntakeBatch* batch) {

@@ -20,7 +20,7 @@ struct Section {
   SectionKind kind;
   double from, to;      // seconds
   long long bytes = 0;  // malformed or damaged ones
-  int count = 1;        // of which it was merged
+  int count = 1;        // of which it was merged; 0: silence that continues the previous one
 };
 
 // What is known of the time between a record and the one before it: nothing for kGapSeconds or more, because of silence
@@ -41,6 +41,7 @@ struct RecordIntake {
   double lastRecord = -1;  // negative: none
   double usualPause = 0;   // between records, seconds; a quarter of them are shorter
   unsigned flags = 0;      // of the next record
+  bool isSilent = false;   // silence until `lastArrival` was added, which continues until bytes arrive
 };
 
 // Adds bytes received at that time, which never decreases, to the batch.
@@ -49,7 +50,7 @@ void AddBytes(RecordIntake* intake, double seconds, std::string_view bytes, Inta
 // Adds damaged chunks of a recording, between the last bytes and this time.
 void AddDamage(RecordIntake* intake, double seconds, long long bytes, IntakeBatch* batch);
 
-// Adds silence until that time, the end of a recording.
+// Adds silence until that time: the end of a recording, or the present of a live port.
 void AddSilence(RecordIntake* intake, double seconds, IntakeBatch* batch);
 
 // Call when the line was interrupted or has ended: incomplete bytes belong to no record. More may follow.

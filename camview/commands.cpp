@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "camera/files.h"
 #include "camera/ports.h"
 #include "camera/text.h"
 #include "camview/charts.h"
@@ -123,7 +124,7 @@ void ExportSelection(View& view) {
   const TimeRange range = *view.time.selection;
   const unsigned number = source.Number();
   std::wstring path = ProposedTarget(source, range);
-  if (!kv::AskSavePath(view.window, Text(IDS_EXPORT_TITLE).c_str(), &path, kRecordingExtension)) return;
+  if (!AskTarget(view, IDS_EXPORT_TITLE, &path, kRecordingExtension)) return;
   if (!IsStillOpen(view, number)) return;
   if (!source.StartExport(range, path, !IsExtension(path, kRecordingExtension))) {
     view.display.Say(StatusMark::kError, kv::TextWith(IDS_NOT_SAVED, kv::FileNameOf(path.c_str())));
@@ -405,6 +406,15 @@ bool OnViewCommand(View& view, UINT id) {
 
 std::wstring ProposedPath(const Source& source) {
   return source.IsLive() ? FolderOf(Setting::kRecordings) + source.Name() : WithoutExtension(source.Name());
+}
+
+bool AskTarget(View& view, UINT title, std::wstring* path, const wchar_t* otherExtension) {
+  if (!kv::AskSavePath(view.window, Text(title).c_str(), path, otherExtension)) return false;
+  if (view.source.IsLive() || !camera::IsSameFile(camera::Narrow(*path), camera::Narrow(view.source.Name())))
+    return true;
+  view.display.Say(StatusMark::kError,
+                   kv::TextWith(IDS_EXPORT_FAILED, kv::FileNameOf(path->c_str()), Text(IDS_REASON_IS_SOURCE).c_str()));
+  return false;
 }
 
 void OpenFile(View& view, const std::wstring& path) {

@@ -426,6 +426,7 @@ void Display::ShowEventRows(const ViewTime& time, const EventTable& events) {
   if (time.IsFollowing() && last != kv::kNoRow && lowest != kv::kNoRow && lowest < last) return;
   eventRow_ = row;
   kv::SelectListRow(list, row);
+  if (row == kv::kNoRow) kv::ScrollListTo(list, 0);  // before the first event
   NameEventRow(list, events);
 }
 

@@ -19,7 +19,6 @@
 #include "kv/framework/file_path.h"
 #include "kv/framework/output_file.h"
 #include "kv/lists/list_navigation.h"
-#include "kv/toolkit/ask_path.h"
 #include "kv/toolkit/error_text.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/list_columns.h"
@@ -128,7 +127,7 @@ void ExportEvents(View& view) {
   std::string rows = camera::EventCsvHeader();
   for (const camera::Event& event : view.events.Events()) camera::AppendEventCsvRow(event, &rows);
   std::wstring path = ProposedPath(view.source) + L" " + kv::ResourceText(IDS_EVENTS_NAME) + L".csv";
-  if (!kv::AskSavePath(view.window, kv::ResourceText(IDS_EVENTS_TITLE).c_str(), &path)) return;
+  if (!AskTarget(view, IDS_EVENTS_TITLE, &path)) return;
   const wchar_t* name = kv::FileNameOf(path.c_str());
   if (kv::WriteWholeFile(path, rows)) return view.display.Say(StatusMark::kGood, kv::TextWith(IDS_EVENTS_SAVED, name));
   const std::wstring reason = kv::ErrorText();

@@ -15,7 +15,6 @@
 #include "kv/framework/file_path.h"
 #include "kv/framework/guards.h"
 #include "kv/framework/painting.h"
-#include "kv/toolkit/ask_path.h"
 #include "kv/toolkit/error_text.h"
 #include "kv/toolkit/languages.h"
 #include "kv/toolkit/png_file.h"
@@ -77,7 +76,7 @@ void SaveImage(View& view) {
   const bool drawn = DrawImage(view.window, &image);  // before the file dialog
   const std::wstring whole = ProposedPath(view.source), name = kv::FileNameOf(whole.c_str());
   std::wstring path = FolderOf(Setting::kImages) + (name.empty() ? L"camview" : name) + L".png";
-  if (!kv::AskSavePath(view.window, kv::ResourceText(IDS_IMAGE_TITLE).c_str(), &path)) return;
+  if (!AskTarget(view, IDS_IMAGE_TITLE, &path)) return;
   StoreFolder(Setting::kImages, path);
   const wchar_t* file = kv::FileNameOf(path.c_str());
   if (drawn && kv::SaveBitmapAsPng(image.bitmap(), path.c_str()))

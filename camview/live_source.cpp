@@ -106,6 +106,7 @@ bool LiveSource::Reader::Open() {
     times.opened = Seconds();
     return true;
   }
+  AddSilence(&intake, Seconds(), &batch);
   const LiveState state = StateOf(opened.state, times.opened > 0);
   if (state != status.state) status.since = Seconds();
   status.state = state;
@@ -121,6 +122,10 @@ void LiveSource::Reader::Read() {
   while (!isStopped) {
     const camera::PortReader::Outcome outcome = reader.Read(kTurnMs, stop, &bytes, &time);
     if (outcome == camera::PortReader::Outcome::kBytes) Take(time, bytes);
+    if (outcome == camera::PortReader::Outcome::kNothing) {
+      const std::lock_guard guard(lock);
+      AddSilence(&intake, Seconds(), &batch);
+    }
     if (outcome != camera::PortReader::Outcome::kGone) continue;
     const double seconds = Seconds();
     const std::lock_guard guard(lock);

@@ -179,9 +179,14 @@ bool RecordStore::Append(const camera::FoundRecord& record, unsigned flags) {
 
 void RecordStore::AddSection(const Section& section) {
   log_.AddSection(section);
-  if (section.kind == SectionKind::kSilent) line_.AddSilence({section.from, section.to});
   const auto kind = static_cast<size_t>(section.kind);
   std::vector<Section>& list = sections_[kind];
+  if (section.count == 0) {
+    line_.ContinueSilence(section.to);
+    list.back().to = section.to;
+    return;
+  }
+  if (section.kind == SectionKind::kSilent) line_.AddSilence({section.from, section.to});
   double& longest = longestMerged_[kind];
   const auto add = [&](const Section& next) {
     if (list.empty() || next.to - list.back().from > longest) {

@@ -186,6 +186,8 @@ TEST(CamviewIntake, RecordsSilenceDamageAndMalformedBytes) {
   AddBytes(&intake, 2.5, record.substr(0, 30), &batch);
   EndIntake(&intake, &batch);
   AddBytes(&intake, 3, record.substr(30) + record, &batch);  // two halves are not a record
+  AddSilence(&intake, 3.4, &batch);                          // too short
+  AddSilence(&intake, 8.7, &batch);
   AddSilence(&intake, 9, &batch);
   EXPECT_EQ((std::vector<unsigned char>{kAfterSilence, kAfterDamagedBytes, 0, kAfterPause,
                                         kAfterSilence | kAfterDamagedBytes}),
@@ -200,7 +202,13 @@ TEST(CamviewIntake, RecordsSilenceDamageAndMalformedBytes) {
     return times;
   };
   using Times = std::vector<std::pair<double, double>>;
-  EXPECT_EQ((Times{{0, 1}, {2.5, 3}, {3, 9}}), list(SectionKind::kSilent));
+  EXPECT_EQ((Times{{0, 1}, {2.5, 3}, {3, 9}}), list(SectionKind::kSilent)) << "continued by less than half a second";
+  long long omitted = 0;
+  EXPECT_EQ(9, store.Line().Silences().at(2).to);
+  const auto isListed = [](const camera::Event& event) {
+    return event.kind == camera::EventKind::kSilence && event.from == 3 && event.to == 9;
+  };
+  EXPECT_TRUE(std::ranges::any_of(store.Events(9, &omitted), isListed));
   EXPECT_EQ((Times{{1.01, 1.02}, {3, 3}}), list(SectionKind::kMalformed));
   EXPECT_EQ((Times{{1.5, 2.5}}), list(SectionKind::kDamaged));
   EXPECT_EQ(25, store.Sections(SectionKind::kMalformed)[0].bytes);

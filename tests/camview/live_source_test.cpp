@@ -139,6 +139,11 @@ TEST(CamviewLive, ReconnectsAfterDisconnectionAndContinuesRecording) {
   EXPECT_TRUE(Within20Seconds([&] { return isInState(LiveState::kSilent); }));
   receive(std::string_view(kRecord).substr(20));
   EXPECT_EQ(records, live.Status().records);
+  EXPECT_TRUE(Within20Seconds([&] {
+    batch = {};
+    live.Take(&batch);
+    return !batch.sections.empty() && batch.sections.back().kind == SectionKind::kSilent;
+  })) << "before it ends";
   DeleteFileA(path.c_str());
 }
 
