@@ -283,7 +283,7 @@ double ShareRead(const RecordingFile& recording) {
 namespace {
 
 bool MayBeContinued(const RecordingFile& recording) {
-  return recording.isFollowed && !recording.decoder.hasEnd && recording.error.empty();
+  return recording.isFollowed && !recording.decoder.hasEnd;
 }
 
 // Reads the header once more.
@@ -308,11 +308,15 @@ FileGrowth LookForMore(RecordingFile* recording) {
   const auto isMissing = [](DWORD failure) {
     return failure == ERROR_FILE_NOT_FOUND || failure == ERROR_PATH_NOT_FOUND;
   };
+  recording->error.clear();
+  recording->systemError = 0;
   if (recording->file == INVALID_HANDLE_VALUE) {
     std::string unused;
     recording->file = OpenForReading(recording->path, &unused);
-    if (recording->file == INVALID_HANDLE_VALUE)
-      return isMissing(GetLastError()) ? FileGrowth::kGone : FileGrowth::kSame;
+    if (recording->file == INVALID_HANDLE_VALUE) {
+      recording->systemError = GetLastError();
+      return isMissing(recording->systemError) ? FileGrowth::kGone : FileGrowth::kFailed;
+    }
     SetFilePointerEx(recording->file, recording->pausedAt, nullptr, FILE_BEGIN);
   }
   LARGE_INTEGER size{}, at{};

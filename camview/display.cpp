@@ -371,8 +371,8 @@ void Display::ShowStatistics(const Source& source, const ViewTime& time) {
   const RecordStore* store = source.Records();
   const TimeRange range = StatisticsRange(time);
   const bool isSelected = time.selection.has_value();
-  const StatisticsKey key{source.Number(), store ? store->At(range.to) : -1, isSelected, range.from, range.to,
-                          source.Rate()};
+  const StatisticsKey key{source.Number(), store ? store->At(range.to) : -1, isSelected, range.from,
+                          range.to,        store ? store->LineRevision() : 0};
   if (statisticsKey_ == key || !isLiveTurn_) {
     if (statisticsKey_ == key) isStatisticsDue_ = false;
     return;
@@ -406,7 +406,7 @@ void Display::ShowEvents(const Source& source, const ViewTime& time, EventTable*
     eventsDue_ = now + kLiveSeconds;
     eventsSource_ = source.Number();
     const RecordStore* store = source.Records();
-    events->Update(source.Number(), store, source.Rate(), time.end);
+    events->Update(source.Number(), store, time.end);
     if (eventsVersion_ != events->Version())
       wholeLine_ = store ? DescribeLine(LineFiguresOf(*store, time.begin, time.end)) : StatusLine();
   }

@@ -95,7 +95,7 @@ class Display {
   std::optional<unsigned> eventsSource_, eventsVersion_, marksVersion_;
   std::optional<UINT> eventRow_;
   double timelinePosition_ = kNoTime;
-  using StatisticsKey = std::tuple<unsigned, long long, bool, double, double, double>;
+  using StatisticsKey = std::tuple<unsigned, long long, bool, double, double, unsigned>;
   std::optional<StatisticsKey> statisticsKey_;
   std::optional<SelectionStatistics> statistics_;
 

@@ -21,8 +21,8 @@ std::tuple<double, camera::EventKind, int> PlaceOf(const camera::Event& event) {
 
 }  // namespace
 
-void EventTable::Update(unsigned source, const RecordStore* store, double rate, double end) {
-  const std::tuple key(source, store ? store->End() : 0, rate, end);
+void EventTable::Update(unsigned source, const RecordStore* store, double end) {
+  const std::tuple key(source, store ? store->End() : 0, store ? store->LineRevision() : 0, end);
   if (key_ == key) return;
   if (!key_ || std::get<0>(*key_) != source) chosen_.reset();
   key_ = key;

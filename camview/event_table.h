@@ -15,8 +15,8 @@ namespace camview {
 class EventTable {
  public:
   // Lists the events of a source until `end`, if they may have changed: `source` is Source::Number(), `store` null
-  // without records, `rate` Source::Rate().
-  void Update(unsigned source, const RecordStore* store, double rate, double end);
+  // without records.
+  void Update(unsigned source, const RecordStore* store, double end);
 
   const std::vector<camera::Event>& Events() const { return events_; }
   // The number of events that are not listed.
@@ -36,7 +36,7 @@ class EventTable {
   std::vector<camera::Event> events_;
   long long omitted_ = 0;
   unsigned version_ = 0;
-  std::optional<std::tuple<unsigned, long long, double, double>> key_;
+  std::optional<std::tuple<unsigned, long long, unsigned, double>> key_;
   std::optional<camera::Event> chosen_;  // found again by its beginning, kind and point
 };
 

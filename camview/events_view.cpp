@@ -63,7 +63,7 @@ void GoTo(View& view, size_t event) {
 
 void UpdateEvents(View& view) {
   const Source& source = view.source;
-  view.events.Update(source.Number(), source.Records(), source.Rate(), view.time.end);
+  view.events.Update(source.Number(), source.Records(), view.time.end);
 }
 
 }  // namespace

@@ -186,7 +186,10 @@ void RecordStore::AddSection(const Section& section) {
     list.back().to = section.to;
     return;
   }
-  if (section.kind == SectionKind::kSilent) line_.AddSilence({section.from, section.to});
+  if (section.kind == SectionKind::kSilent) {
+    line_.AddSilence({section.from, section.to});
+    ++lineRevision_;
+  }
   double& longest = longestMerged_[kind];
   const auto add = [&](const Section& next) {
     if (list.empty() || next.to - list.back().from > longest) {
@@ -288,8 +291,8 @@ void RecordStore::SetRate(double rate) {
       line.AddRecord(static_cast<double>(block.base + TimeIn(rest)) / 1e6, ((rest >> kTimeBits) & kAfterSilence) != 0);
     }
   }
-  line.Finish();
   line_ = std::move(line);
+  FinishLine();
 }
 
 // Calls `ofBlock` with the records of whole blocks, `ofGroup` with those of others and the number of a whole group, and

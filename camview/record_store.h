@@ -92,9 +92,14 @@ class RecordStore {
   // Returns what happened until `end`; `omitted` as in EventLog.
   std::vector<camera::Event> Events(double end, long long* omitted) const { return log_.Events(line_, end, omitted); }
   // Evaluates the last records as well; call at the end of a recording.
-  void FinishLine() { line_.Finish(); }
+  void FinishLine() {
+    line_.Finish();
+    ++lineRevision_;
+  }
   // Counts losses by another rate (see LineModel), which takes about 0.1 s for a million records.
   void SetRate(double rate);
+  // Changes when losses and silences of a time change, although it contains no more records.
+  unsigned LineRevision() const { return lineRevision_; }
   // Returns the extremes of the records `from` to `to` - 1, using the pyramid where possible.
   ChannelExtremes ExtremesOf(long long from, long long to, int channel) const;
   // The same of the times before these records.
@@ -113,6 +118,7 @@ class RecordStore {
   size_t maxBlocks_;
   camera::RecordMeter meter_;
   camera::LineModel line_;
+  unsigned lineRevision_ = 0;
   camera::EventLog log_;
   std::vector<Block> blocks_;
   long long end_ = 0;

@@ -59,6 +59,7 @@ struct RecordingFollower::Shared {
   void Run();
   FollowState ReadOn();
   FollowState ReadAppended();
+  FollowState Fail();
   bool Publish(FollowState now);
 };
 
@@ -75,7 +76,7 @@ FollowState RecordingFollower::Shared::ReadOn() {
   switch (camera::LookForMore(&reader->file)) {
     case camera::FileGrowth::kLonger: return ReadAppended();
     case camera::FileGrowth::kReplaced: return FollowState::kReplaced;
-    case camera::FileGrowth::kFailed: return FollowState::kFailed;
+    case camera::FileGrowth::kFailed: return Fail();
     case camera::FileGrowth::kGone: return FollowState::kGone;
     case camera::FileGrowth::kSame: break;
   }
@@ -91,8 +92,14 @@ FollowState RecordingFollower::Shared::ReadAppended() {
   while (camera::NextBatch(&reader->file, &reader->intake, &found)) {
     if (found.records.size() >= kMaxWaiting && !Publish(FollowState::kGrowing)) break;
   }
-  if (!reader->file.error.empty()) return FollowState::kFailed;
+  if (!reader->file.error.empty()) return Fail();
   return reader->file.decoder.hasEnd ? FollowState::kEnded : FollowState::kGrowing;
+}
+
+// A drive may come back, but not for the open file.
+FollowState RecordingFollower::Shared::Fail() {
+  camera::PauseReading(&reader->file);
+  return FollowState::kFailed;
 }
 
 // Hands over what was found, when that before has been taken. Returns false when the thread should end.

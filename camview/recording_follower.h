@@ -44,9 +44,9 @@ enum class FollowState {
   kWaiting,   // nothing was appended for kQuietSeconds
   kGrowing,   // is being written
   kGone,      // no file has its name any more; what is still appended is read
+  kFailed,    // cannot be read at present; the reason is `systemError`
   kEnded,     // complete
   kReplaced,  // is shorter than what was read, or another file has its name
-  kFailed,    // cannot be read any more; the reason is `systemError`
 };
 inline bool IsFinal(FollowState state) {
   return state >= FollowState::kEnded;

@@ -256,6 +256,7 @@
 #define IDS_FILE_REPLACED 718
 #define IDS_FILE_GONE 719
 #define IDS_FILE_FROZEN 724
+#define IDS_FILE_RETRIED 740
 
 // Distributions
 #define IDS_SCATTER_NAME 671

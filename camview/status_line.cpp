@@ -87,7 +87,7 @@ std::wstring DescribeMissingEnd(const LoadedRecording& recording, const std::wst
     case FollowState::kGrowing: return L" " + kv::ResourceText(IDS_FILE_GROWING);
     case FollowState::kGone: return L" " + kv::ResourceText(IDS_FILE_GONE);
     case FollowState::kReplaced: return L" " + kv::ResourceText(IDS_FILE_REPLACED);
-    case FollowState::kFailed: return L" " + kv::TextWith(IDS_FILE_READ_FAILED, why.c_str());
+    case FollowState::kFailed: return L" " + kv::TextWith(IDS_FILE_RETRIED, why.c_str());
     default: return recording.isTruncated ? L" " + kv::ResourceText(IDS_FILE_TRUNCATED) : std::wstring();
   }
 }

@@ -220,7 +220,7 @@ TEST(CamviewEvents, HaveOneCurrentEvent) {
   for (const double from : {1.0, 2.0, 4.0}) store.AddSection({SectionKind::kMalformed, from, from + 0.5, 9});
   store.AddSection({SectionKind::kDamaged, 2, 3, 9});
   EventTable table;
-  table.Update(1, &store, 0, 10);
+  table.Update(1, &store, 10);
   ASSERT_EQ(4u, table.Events().size());
   EXPECT_EQ(std::nullopt, table.Current(0.5));
   EXPECT_EQ(std::nullopt, table.Next(0.5, false));
@@ -238,7 +238,7 @@ TEST(CamviewEvents, HaveOneCurrentEvent) {
   // It remains the current one while others are added.
   const unsigned version = table.Version();
   store.AddSection({SectionKind::kSilent, 0.2, 0.8});
-  table.Update(1, &store, 0, 11);
+  table.Update(1, &store, 11);
   EXPECT_EQ(2u, table.Current(2));
   EXPECT_NE(version, table.Version());
 }

@@ -92,6 +92,11 @@ TEST_F(CamviewWindow, OpeningAnotherSourceGivesUpALoadAndCompletesARecording) {
   EXPECT_EQ("precious", BytesOf(target));
 }
 
+BOOL WINAPI FailToRead(HANDLE, void*, DWORD, DWORD*, OVERLAPPED*) {
+  SetLastError(ERROR_NETNAME_DELETED);
+  return FALSE;
+}
+
 TEST_F(CamviewWindow, FollowsARecordingThatIsStillBeingWritten) {
   const std::string whole = Recording(300);
   const size_t end = camera::EncodeEnd(0).size(), chunk = (whole.size() - end - camera::kRecordingHeaderBytes) / 300;
@@ -119,17 +124,23 @@ TEST_F(CamviewWindow, FollowsARecordingThatIsStillBeingWritten) {
   EXPECT_TRUE(hasRecords(250));
   EXPECT_EQ(1.99, view().time.position);
   EXPECT_EQ(L"Resu&me", Text(IDC_PLAY));
+  {
+    const kvtest::ReplacedImport failing("ReadFile", reinterpret_cast<void*>(FailToRead));
+    append(path, until(250), until(260));
+    EXPECT_TRUE(Soon([&] { return Says(L"cannot be read; trying again."); })) << camera::Narrow(Text(IDC_STATUS));
+  }
+  EXPECT_TRUE(hasRecords(260) && Says(L"It is still being written."));
   Press(VK_SPACE);
-  EXPECT_EQ(2.49, view().time.position);
+  EXPECT_EQ(2.59, view().time.position);
   // An export reads the records, which do not change meanwhile.
   Command(IDM_SELECT_SHOWN);
   chosenPath = File(L"camview range.csv");
   Command(IDM_EXPORT);
   fs::rename(path, renamed);
-  append(renamed, until(250), until(280));
+  append(renamed, until(260), until(280));
   EXPECT_TRUE(hasRecords(280));
   const std::string rows = BytesOf(chosenPath);
-  EXPECT_EQ(251, std::ranges::count(rows, '\n'));
+  EXPECT_EQ(261, std::ranges::count(rows, '\n'));
   EXPECT_TRUE(Soon([&] { return Says(L"was deleted or renamed"); })) << camera::Narrow(Text(IDC_STATUS));
   append(renamed, until(280), whole.size());
   EXPECT_TRUE(hasRecords(300) && Soon([&] { return !view().source.IsFollowed(); }));
