@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "camera/camera_record.h"
+#include "camera/events.h"
 #include "camera/record_intake.h"
 #include "camera/record_stream.h"
 #include "camera/statistics.h"

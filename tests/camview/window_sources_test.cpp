@@ -21,6 +21,7 @@
 #include "camview/window.h"
 #include "kv/lists/list_navigation.h"
 #include "tests/camview/window_fixture.h"
+#include "tests/support/replaced_import.h"
 #include "tests/support/running_program.h"
 #include "tests/support/serial_line.h"
 
