@@ -257,12 +257,8 @@ class TimelineTest : public kvtest::ControlTest<RegisterTimelineClass> {
     return {selection.from, selection.to};
   }
   void Key(WPARAM key, bool shift = false) const {
-    BYTE keys[256] = {};
-    keys[VK_SHIFT] = shift ? 0x80 : 0;
-    SetKeyboardState(keys);
+    kvtest::HoldKey(shift ? VK_SHIFT : 0);
     SendMessageA(timeline_, WM_KEYDOWN, key, 0);
-    keys[VK_SHIFT] = 0;
-    SetKeyboardState(keys);
   }
   int Notified(WORD code) {
     kvtest::PumpMessages();

@@ -149,13 +149,10 @@ class CamviewWindow : public testing::Test {
     return false;
   }
   void Press(WPARAM key, int heldKey = 0) const {
-    BYTE keys[256] = {};
-    keys[heldKey] = 0x80;
-    SetKeyboardState(keys);
+    kvtest::HoldKey(heldKey);
     PostMessageW(GetFocus(), WM_KEYDOWN, key, 1);
     Pump();
-    keys[heldKey] = 0;
-    SetKeyboardState(keys);
+    kvtest::HoldKey(0);
   }
   void Command(int id) const {
     SendMessageW(window_, WM_COMMAND, static_cast<WPARAM>(id), 0);

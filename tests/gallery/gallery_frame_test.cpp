@@ -67,9 +67,7 @@ class GalleryFrame : public testing::Test {
     }
   }
   static void Press(WPARAM key, int heldKey = 0) {
-    BYTE keys[256] = {};
-    keys[heldKey] = heldKey ? 0x80 : 0;
-    SetKeyboardState(keys);
+    kvtest::HoldKey(heldKey);
     PostMessageW(GetFocus(), WM_KEYDOWN, key, 1);
     Pump();
   }

@@ -172,6 +172,12 @@ void PumpMessages() {
   }
 }
 
+void HoldKey(int key) {
+  BYTE keys[256] = {};
+  keys[key] = key ? 0x80 : 0;
+  SetKeyboardState(keys);
+}
+
 bool WaitUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit) {
   const auto end = std::chrono::steady_clock::now() + limit;
   for (;;) {

@@ -126,6 +126,9 @@ class GuardedBytes {
 // Committed memory of the process, in bytes.
 SIZE_T MemoryInUse();
 
+// Makes a key appear as held to this thread, and all others as released; 0: none is held.
+void HoldKey(int key);
+
 // Dispatches all queued messages.
 void PumpMessages();
 

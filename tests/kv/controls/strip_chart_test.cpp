@@ -219,9 +219,7 @@ TEST_F(StripCharts, KeysAndMouseZoomPanSelectAndNotifyTheOwner) {
   Drag(chart, 0, {left + 60, 50}, {left + 60, 50});
   EXPECT_EQ(1, Notified(kStripNotifyCursorSet));
   for (const int held : {VK_CONTROL, VK_SHIFT, VK_SHIFT, 0}) {
-    BYTE keys[256] = {};
-    keys[held] = 0x80;
-    SetKeyboardState(keys);
+    kvtest::HoldKey(held);
     if (held) key(VK_LEFT);
   }
   EXPECT_EQ(2, Notified(kStripNotifyCursorSet));

@@ -149,9 +149,7 @@ TEST_F(ScaledDialogTest, TakesAcceleratorsThatTheFocusedControlDoesNotUse) {
   HWND dialog = OpenDialog(nullptr, keyed);
   HWND button = CreateWindowA("BUTTON", "", WS_CHILD | WS_VISIBLE, 0, 0, 9, 9, dialog, nullptr, nullptr, nullptr);
   const auto isTaken = [&](HWND focused, WPARAM key, bool control) {
-    BYTE keys[256]{};
-    keys[VK_CONTROL] = control ? 0x80 : 0;
-    SetKeyboardState(keys);
+    kvtest::HoldKey(control ? VK_CONTROL : 0);
     MSG message{.hwnd = focused, .message = WM_KEYDOWN, .wParam = key};
     seen.clear();
     const bool taken = TakeAccelerator(dialog, &message);
@@ -165,8 +163,6 @@ TEST_F(ScaledDialogTest, TakesAcceleratorsThatTheFocusedControlDoesNotUse) {
                isTaken(button, VK_SPACE, false) || isTaken(rows, 'X', false));
   EnableWindow(dialog, FALSE);
   EXPECT_FALSE(isTaken(rows, 'K', false));  // while a box is open
-  BYTE none[256]{};
-  SetKeyboardState(none);
   DestroyWindow(dialog);
 }
 

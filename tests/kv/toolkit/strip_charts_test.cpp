@@ -112,9 +112,8 @@ TEST_F(TypedCharts, TakeSamplesFromOtherThreadsInOrder) {
   kvtest::PumpMessages();
   ClearStripChart(parent_, kId);
   onThread([&] { EXPECT_TRUE(AppendStripChartValue(parent_, kId, 4, 0, 1)); });
-  const DWORD until = GetTickCount() + 5000;
-  while (kvtest::ReadAccessible(chart).value != L"5 1.0000" && GetTickCount() < until) kvtest::PumpMessages();
-  EXPECT_EQ(L"5 1.0000", kvtest::ReadAccessible(chart).value);  // shown without a command
+  // Shown without a command.
+  EXPECT_TRUE(kvtest::WaitUntil([&] { return kvtest::ReadAccessible(chart).value == L"5 1.0000"; }));
 }
 
 // Four channels from two threads while charts are created and destroyed at any moment.
