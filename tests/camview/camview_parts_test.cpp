@@ -242,6 +242,8 @@ TEST(CamviewEvents, HaveOneCurrentEvent) {
   table.Update(1, &store, 11);
   EXPECT_EQ(2u, table.Current(2));
   EXPECT_NE(version, table.Version());
+  table.Update(2, &store, 0, 11);
+  EXPECT_EQ(3u, table.Current(2)) << "of another source";
 }
 
 TEST(CamviewStatistics, EqualAPlainComputation) {
@@ -254,22 +256,18 @@ TEST(CamviewStatistics, EqualAPlainComputation) {
   EXPECT_NEAR(8000 / (to - from), statistics.line.recordsPerSecond, 1e-6);
   for (int point = 0; point < kv::kPointCount; ++point) {
     double seen = 0, records = 0, sum = 0, squares = 0;
-    const auto each = [&](const auto& take) {
-      for (size_t i = 1000; i < 9000; ++i) take(given[i]);
-    };
-    each([&](const GivenRecord& one) {
-      records += one.record.isInRange;
-      seen += IsSeen(one, point);
-      sum += IsSeen(one, point) ? static_cast<double>(one.record.points[point].y) : 0;
-    });
+    for (size_t i = 1000; i < 9000; ++i) {
+      const auto y = static_cast<double>(given[i].record.points[point].y), one = IsSeen(given[i], point) ? 1.0 : 0.0;
+      records += given[i].record.isInRange;
+      seen += one;
+      sum += one * y;
+      squares += one * y * y;
+    }
     const double mean = sum / seen;
-    each([&](const GivenRecord& one) {
-      if (IsSeen(one, point)) squares += std::pow(static_cast<double>(one.record.points[point].y) - mean, 2);
-    });
     const camera::PointSummary& summary = statistics.sums.points[point];
     EXPECT_NEAR(seen / records, camera::SeenShare(statistics.sums, point), 1e-12);
     EXPECT_NEAR(mean, camera::Mean(summary.y, summary.seen), 1e-9);
-    EXPECT_NEAR(std::sqrt(squares / (seen - 1)), camera::Deviation(summary.y, summary.seen), 1e-9);
+    EXPECT_NEAR(std::sqrt((squares - sum * mean) / (seen - 1)), camera::Deviation(summary.y, summary.seen), 1e-9);
   }
   EXPECT_EQ(0, ComputeStatistics(store, given.back().record.seconds + 1, 1e300).line.records);
   EXPECT_TRUE(camera::PercentOf(1e-4) == 0.1 && camera::PercentOf(0.9999) == 99.9 && camera::PercentOf(1) == 100);

@@ -76,6 +76,12 @@ inline std::string BytesOf(const fs::path& path) {
   return kvtest::BytesOf(path);
 }
 
+inline HANDLE exportMayEnd = nullptr;
+
+inline BOOL WINAPI FlushLast(HANDLE) {
+  return WaitForSingleObject(exportMayEnd, INFINITE) == WAIT_OBJECT_0;
+}
+
 inline std::string RecordBytes(int number) {
   const kv::CameraPoint points[kv::kPointCount] = {{number % 1000, 300}, {500, 400}, {1023, 1023}, {20, 700}};
   char record[kv::kRecordLength];
@@ -154,6 +160,33 @@ class CamviewWindow : public testing::Test {
     Pump();
     kvtest::HoldKey(0);
   }
+  void TypeTime(const wchar_t* time) const {
+    Press('G', VK_CONTROL);
+    SetDlgItemTextW(window_, IDC_TIME, time);
+    Press(VK_RETURN);
+  }
+  void Load(const fs::path& path) const {
+    camview::OpenFile(view(), path.wstring());
+    EXPECT_TRUE(EndsWork());
+  }
+  void Rest(DWORD ms) const {
+    const DWORD start = GetTickCount();
+    Soon([&] { return GetTickCount() - start > ms; });
+  }
+  // Whether the records are the same until the end of an export, which reads them.
+  bool KeepsRecordsDuringExport(const std::function<void()>& arrive) {
+    Command(IDM_SELECT_SHOWN);
+    chosenPath = File(L"camview range.csv");
+    const kvtest::ReplacedImport flush("FlushFileBuffers", reinterpret_cast<void*>(FlushLast));
+    exportMayEnd = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    Command(IDM_EXPORT);
+    const long long end = Records()->End();
+    arrive();
+    Rest(1200);
+    const bool isSame = IsWorking() && Records()->End() == end;
+    SetEvent(exportMayEnd);
+    return EndsWork() && CloseHandle(exportMayEnd) && isSame;
+  }
   void Command(int id) const {
     SendMessageW(window_, WM_COMMAND, static_cast<WPARAM>(id), 0);
     Pump();
@@ -195,6 +228,9 @@ class CamviewWindow : public testing::Test {
   View& view() const { return *ViewOf(window_); }
   const RecordStore* Records() const { return view().source.Records(); }
   bool IsWorking() const { return view().source.IsWorking(); }
+  bool EndsWork() const {
+    return Soon([&] { return !IsWorking(); });
+  }
 
   const kvtest::ReplacedImport save_{"GetSaveFileNameW", reinterpret_cast<void*>(ChoosePath)},
       open_{"GetOpenFileNameW", reinterpret_cast<void*>(ChoosePath)},

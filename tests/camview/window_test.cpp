@@ -36,8 +36,6 @@
 namespace camview {
 namespace {
 
-using kvtest::TextOf;
-
 TEST_F(CamviewWindow, OpensARecordingAndGoesToTimes) {
   std::string bytes = Recording(1000, [](int i) { return i >= 600 && i < 790; });
   const size_t chunk = camera::EncodeChunks(0, RecordBytes(0)).size();
@@ -50,13 +48,7 @@ TEST_F(CamviewWindow, OpensARecordingAndGoesToTimes) {
   EXPECT_EQ(L"1: 0, 300; 2: 500, 400; 4: 20, 700", Field());
   EXPECT_EQ(L"of 0:10.000", Text(IDC_LENGTH));
 
-  const auto goTo = [&](const wchar_t* time) {
-    Press('G', VK_CONTROL);
-    EXPECT_EQ(Control(IDC_TIME), GetFocus());
-    SetDlgItemTextW(window_, IDC_TIME, time);
-    Press(VK_RETURN);
-  };
-  goTo(L"0:05");
+  TypeTime(L"0:05");
   EXPECT_EQ(L"1: 500, 300; 2: 500, 400; 4: 20, 700", Field());
   double cursor = 0;
   EXPECT_TRUE(kv::GetStripChartCursor(window_, IDC_CHART_Y, &cursor));
@@ -66,19 +58,19 @@ TEST_F(CamviewWindow, OpensARecordingAndGoesToTimes) {
   EXPECT_EQ(5.02, view().time.position);
   EXPECT_EQ(L"0:05.020", Text(IDC_TIME));
   Press(VK_OEM_COMMA);
-  goTo(L"6.5");
+  TypeTime(L"6.5");
   EXPECT_EQ(L"1: 599, 300; 2: 500, 400; 4: 20, 700", Field());
-  goTo(L"7.5");
+  TypeTime(L"7.5");
   EXPECT_EQ(L"", Field()) << "long after the last record";
-  goTo(L"5.01");
-  goTo(L"soon");
+  TypeTime(L"5.01");
+  TypeTime(L"soon");
   EXPECT_TRUE(Says(L"\"soon\" is not a time or range."));
   EXPECT_EQ(5.01, view().time.position);
   Press(VK_ESCAPE);
   EXPECT_EQ(L"0:05.010", Text(IDC_TIME));
 
   // From event to event.
-  goTo(L"1");
+  TypeTime(L"1");
   Press(VK_F3);
   EXPECT_EQ(5.99, view().time.position);
   EXPECT_TRUE(Says(L"silence of 1.910 s")) << camera::Narrow(Text(IDC_STATUS));
@@ -86,7 +78,7 @@ TEST_F(CamviewWindow, OpensARecordingAndGoesToTimes) {
   EXPECT_EQ(8.89, view().time.position);
   Press(VK_F3, VK_SHIFT);
   EXPECT_EQ(5.99, view().time.position);
-  goTo(L"5.01");
+  TypeTime(L"5.01");
 
   // The list, the keys and the position have one current event.
   SetFocus(Control(IDC_TIMELINE));
@@ -108,7 +100,7 @@ TEST_F(CamviewWindow, OpensARecordingAndGoesToTimes) {
   EXPECT_EQ("seconds,duration,event,amount,point\n0.000000,10.000000,not seen,,3\n", BytesOf(chosenPath).substr(0, 67));
   SetFocus(Control(IDC_TIMELINE));
   Press(VK_F4);
-  goTo(L"5.01");
+  TypeTime(L"5.01");
 
   // The pointer previews a time, a click goes there.
   const auto move = [&](int x) {
@@ -178,10 +170,6 @@ TEST_F(CamviewWindow, ListsRecentFiles) {
   const std::wstring names[] = {L"camview a & b.twr", L"camview two.twr"};
   Open({});
   const HMENU file = GetSubMenu(GetMenu(window_), 0);
-  const auto open = [&](const std::wstring& path) {
-    camview::OpenFile(view(), path);
-    EXPECT_TRUE(Soon([&] { return !IsWorking(); }));
-  };
   const auto listed = [&] {
     SendMessageW(window_, WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(file), 0);
     std::wstring list;
@@ -195,13 +183,13 @@ TEST_F(CamviewWindow, ListsRecentFiles) {
   EXPECT_EQ(L"", listed());
   for (const std::wstring& name : names) {
     std::ofstream(File(name.c_str()), std::ios::binary) << Recording(50);
-    open(files_.back().wstring());
+    Load(files_.back());
   }
   EXPECT_EQ(L"&1 camview two.twr|&2 camview a && b.twr", listed());
   // The list changes under the open menu; the command is that of what was shown.
-  open(files_[0].wstring());
+  Load(files_[0]);
   Command(IDM_RECENT_FIRST + 1);
-  EXPECT_TRUE(Soon([&] { return !IsWorking(); }));
+  EXPECT_TRUE(EndsWork());
   EXPECT_EQ(L"camview a & b.twr – Camera viewer", TextOf(window_));
   EXPECT_EQ(L"&1 camview a && b.twr|&2 camview two.twr", listed());
   fs::remove(files_[1]);
@@ -211,7 +199,7 @@ TEST_F(CamviewWindow, ListsRecentFiles) {
   // No more than eight.
   for (int i = 0; i < 9; ++i) {
     std::ofstream(File((L"camview " + std::to_wstring(i) + L".twr").c_str()), std::ios::binary) << Recording(50);
-    open(files_.back().wstring());
+    Load(files_.back());
   }
   EXPECT_NE(listed().find(L"|&8 camview 1.twr"), std::wstring::npos);
 }
@@ -250,7 +238,7 @@ TEST_F(CamviewWindow, SumsUpAndExportsWhatIsSelected) {
   const auto save = [&](const wchar_t* name, int command) {
     chosenPath = File(name);
     Command(command);
-    EXPECT_TRUE(Soon([&] { return !IsWorking(); }));
+    EXPECT_TRUE(EndsWork());
   };
   save(L"camview range.csv", IDM_EXPORT);
   EXPECT_TRUE(Says(L"99 records written to camview range.csv.")) << camera::Narrow(Text(IDC_STATUS));
@@ -274,7 +262,7 @@ TEST_F(CamviewWindow, SumsUpAndExportsWhatIsSelected) {
   SendMessageW(window_, WM_COMMAND, IDM_OPEN, 0);
   Press(VK_ESCAPE);
   EXPECT_TRUE(view().time.selection) << "cancels what runs first";
-  EXPECT_TRUE(Soon([&] { return !IsWorking(); }));
+  EXPECT_TRUE(EndsWork());
   ASSERT_EQ(1u, boxes.size());
   EXPECT_EQ(L"camview foreign.twr is not a recording.", boxes[0]);
   EXPECT_EQ(L"camview test.twr – Camera viewer", TextOf(window_));
@@ -286,18 +274,13 @@ TEST_F(CamviewWindow, SumsUpAndExportsWhatIsSelected) {
 
 TEST_F(CamviewWindow, SelectsATypedRangeAndComparesWithASecondCursor) {
   OpenFile(Recording(1000));
-  const auto type = [&](const wchar_t* text) {
-    Press('G', VK_CONTROL);
-    SetDlgItemTextW(window_, IDC_TIME, text);
-    Press(VK_RETURN);
-  };
   const ViewTime& time = view().time;
-  type(L"2 \x2013 4.5");
+  TypeTime(L"2 \x2013 4.5");
   EXPECT_TRUE(time.selection == TimeRange(2, 4.5) && time.position == 2) << camera::Narrow(Text(IDC_STATUS));
   EXPECT_NEAR(2.75, time.shown.Length(), 1e-9);
-  type(L"4 - 2");
+  TypeTime(L"4 - 2");
   EXPECT_TRUE(Says(L"\"4 - 2\" ends before it begins."));
-  type(L"20 + 5");
+  TypeTime(L"20 + 5");
   EXPECT_TRUE(Says(L"\"20 + 5\" is outside of 0:00.000 to 0:10.000."));
   EXPECT_TRUE(time.selection == TimeRange(2, 4.5) && time.position == 2);
 
@@ -357,6 +340,10 @@ TEST_F(CamviewWindow, CountsLossesByTheCamerasRate) {
   enter(L"");
   Settle();
   EXPECT_NE(Text(IDC_COUNTS).find(L"about 2 lost"), std::wstring::npos);
+  enter(L"50");
+  Load(files_[0]);
+  Settle();
+  EXPECT_EQ(L"1,799 records, 45.0 a second; 2 lost (0.1 %)", Text(IDC_COUNTS)) << "of the next recording, too";
 }
 
 TEST_F(CamviewWindow, ChartsShowEachRecordOfALongRecordingOnceTheyAreZoomed) {
@@ -387,13 +374,13 @@ TEST_F(CamviewWindow, OpensADroppedFileAndIsCanceled) {
   SendMessageW(Control(IDC_CHART_Y), WM_DROPFILES, reinterpret_cast<WPARAM>(DroppedFile(files_.back())), 0);
   EXPECT_TRUE(IsWindowVisible(Control(IDC_PROGRESS)));
   SendMessageW(window_, WM_COMMAND, IDCANCEL, 0);
-  EXPECT_TRUE(Soon([&] { return !IsWorking(); }));
+  EXPECT_TRUE(EndsWork());
   EXPECT_FALSE(IsWindowVisible(Control(IDC_PROGRESS)));
   EXPECT_TRUE(boxes.empty());
   EXPECT_EQ(L"Reading was canceled.", Text(IDC_STATUS));
   EXPECT_EQ(L"camview test.twr – Camera viewer", TextOf(window_));
   SendMessageW(window_, WM_DROPFILES, reinterpret_cast<WPARAM>(DroppedFile(files_.back())), 0);
-  EXPECT_TRUE(Soon([&] { return !IsWorking(); }));
+  EXPECT_TRUE(EndsWork());
   EXPECT_EQ(L"camview dropped.twr – Camera viewer", TextOf(window_));
   EXPECT_EQ(300'000, Records()->End());
 }
