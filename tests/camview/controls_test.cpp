@@ -29,14 +29,11 @@ namespace camview {
 namespace {
 
 using kvtest::GuardedBytes;
+using kvtest::Send;
 using kvtest::TestBitmap;
 
 constexpr kv::CameraPoint kDark{kv::kNoPoint, kv::kNoPoint};
 constexpr COLORREF kBlack = RGB(0, 0, 0);
-
-LRESULT Send(HWND control, WPARAM command, const void* item) {
-  return SendMessageA(control, kv::kControlCommand, command, reinterpret_cast<LPARAM>(item));
-}
 
 class CameraFieldTest : public kvtest::ControlTest<RegisterCameraFieldClass> {
  protected:
@@ -246,11 +243,7 @@ class TimelineTest : public kvtest::ControlTest<RegisterTimelineClass> {
     const TimeRange range{0, 100};
     ASSERT_EQ(1, Send(timeline_, kTimelineRange, &range));
   }
-  double Position() const {
-    double position = -1;
-    Send(timeline_, kTimelinePosition | kv::kCommandRead, &position);
-    return position;
-  }
+  double Position() const { return kvtest::Read<double>(timeline_, kTimelinePosition); }
   std::pair<double, double> Selection() const {
     TimeRange selection{-1, -1};
     Send(timeline_, kTimelineSelection | kv::kCommandRead, &selection);

@@ -16,7 +16,6 @@
 #include "camera/line_model.h"
 #include "camera/recording.h"
 #include "camera/text.h"
-#include "camview/commands.h"
 #include "camview/recording_loader.h"
 #include "camview/resource_ids.h"
 #include "camview/statistics_table.h"

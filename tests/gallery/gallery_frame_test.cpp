@@ -22,6 +22,7 @@
 #include "kv/framework/language.h"
 #include "kv/framework/modules.h"
 #include "kv/framework/shell_launch.h"
+#include "kv/framework/utf8.h"
 #include "kv/lists/extended_list.h"
 #include "kv/lists/list_navigation.h"
 #include "kv/toolkit/classes.h"
@@ -88,12 +89,6 @@ class GalleryFrame : public testing::Test {
 
 // ---- All languages --------------------------------------------------------------------------------------------------
 
-std::string Narrow(const std::wstring& text) {
-  char bytes[1000] = "";
-  WideCharToMultiByte(CP_UTF8, 0, text.c_str(), -1, bytes, sizeof(bytes) - 1, nullptr, nullptr);
-  return bytes;
-}
-
 // Makes the windows draw the rows of their lists, and the frame's header with each page, off screen.
 void DrawAll(HWND frame) {
   const auto pageAt = [frame](int index) { return kv::PageWindow(frame, AllPages()[index].dialog); };
@@ -143,8 +138,8 @@ bool FitsNarrower(HWND control) {
 
 TEST_F(GalleryFrame, TextsFitTheirControlsInEveryLanguage) {
   const auto report = [](int width, const char* page, const std::wstring& text) {
-    ADD_FAILURE() << Narrow(kv::kLanguages[kv::CurrentLanguage()].code) << " at " << width << ", " << page << ": "
-                  << Narrow(text);
+    ADD_FAILURE() << kv::Narrow(kv::kLanguages[kv::CurrentLanguage()].code) << " at " << width << ", " << page << ": "
+                  << kv::Narrow(text);
   };
   for (const SIZE size : {SIZE{760, 576}, SIZE{1600, 1000}}) {
     Size(size.cx, size.cy);

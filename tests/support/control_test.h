@@ -7,9 +7,23 @@
 
 #include <memory>
 
+#include "kv/framework/control_class.h"
 #include "tests/support/test_window.h"
 
 namespace kvtest {
+
+// Sends a command; `index` is the high word of wParam.
+inline LRESULT Send(HWND control, WPARAM wParam, const void* address, WPARAM index = 0) {
+  return SendMessageA(control, kv::kControlCommand, wParam | index << 16, reinterpret_cast<LPARAM>(address));
+}
+
+// Returns the item that a command reads.
+template <class Item>
+Item Read(HWND control, WPARAM code, WPARAM index = 0) {
+  Item item{};
+  Send(control, code | kv::kCommandRead, &item, index);
+  return item;
+}
 
 template <BOOL (*Register)(HINSTANCE, BOOL)>
 class ControlTest : public testing::Test {

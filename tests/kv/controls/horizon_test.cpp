@@ -147,19 +147,14 @@ TEST(Horizons, PartialRedrawEqualsFullRedraw) {
   }
 }
 
+using kvtest::Send;
+
 class HorizonControls : public kvtest::ControlTest<RegisterHorizonClass> {
  protected:
   HWND Create(DWORD style, int width = 120, int height = 120) {
     return kvtest::CreateControl(parent_, kHorizonClass, "Attitude", style, {0, 0, width, height}, 77);
   }
-  static LRESULT Send(HWND horizon, WPARAM wParam, const void* address) {
-    return SendMessageA(horizon, kControlCommand, wParam, reinterpret_cast<LPARAM>(address));
-  }
-  static HorizonAttitude Read(HWND horizon) {
-    HorizonAttitude attitude{};
-    Send(horizon, kHorizonValue | kCommandRead, &attitude);
-    return attitude;
-  }
+  static HorizonAttitude Read(HWND horizon) { return kvtest::Read<HorizonAttitude>(horizon, kHorizonValue); }
 };
 
 TEST_F(HorizonControls, AcceptAttitudesAndRejectInvalidOnes) {

@@ -14,16 +14,7 @@ namespace kv {
 inline constexpr DWORD kModes[] = {kModeGauge, kModeDigital, kModeSegmentBar, kModeCompass, kModeCenterBar};
 inline constexpr COLORREF kOrange = RGB(255, 150, 20);
 
-inline LRESULT Send(HWND control, WPARAM wParam, const void* address) {
-  return SendMessageA(control, kControlCommand, wParam, reinterpret_cast<LPARAM>(address));
-}
-
-template <class Item>
-Item Read(HWND control, WPARAM code) {
-  Item item{};
-  Send(control, code | kCommandRead, &item);
-  return item;
-}
+using kvtest::Read, kvtest::Send;
 
 inline InstrumentBlock BlockOf(HWND control) {
   return Read<InstrumentBlock>(control, kCommandBlock);

@@ -27,6 +27,8 @@
 namespace kv {
 namespace {
 
+using kvtest::Read, kvtest::Send;
+
 constexpr double kInfinite = std::numeric_limits<double>::infinity();
 
 // ---- The control ----------------------------------------------------------------------------------------------------
@@ -35,15 +37,6 @@ class StripCharts : public kvtest::ControlTest<RegisterLineRecorderClass> {
  protected:
   HWND Create(DWORD style = 0, int width = 300, int height = 200) {
     return kvtest::CreateControl(parent_, kStripChartClass, "", style, {0, 0, width, height}, 77);
-  }
-  static LRESULT Send(HWND chart, WPARAM wParam, const void* address, int index = 0) {
-    return SendMessageA(chart, kControlCommand, MAKEWPARAM(wParam, index), reinterpret_cast<LPARAM>(address));
-  }
-  template <class Item>
-  static Item Read(HWND chart, WPARAM code, int index = 0) {
-    Item item{};
-    Send(chart, code | kCommandRead, &item, index);
-    return item;
   }
   static LRESULT Append(HWND chart, const std::vector<StripSample>& samples, int channel = 0) {
     const StripSamples item{static_cast<DWORD>(samples.size()), samples.data()};

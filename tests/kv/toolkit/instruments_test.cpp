@@ -33,15 +33,9 @@ class Instruments : public kvtest::ControlTest<RegisterDisplayInstrumentClass> {
   void Make(DWORD style) {
     if (control_) DestroyWindow(control_);
     control_ = CreateControl(parent_, kDisplayInstrumentClass, "", style, {0, 0, 80, 60}, kId);
-    style_ = style;
   }
-  InstrumentBlock Block() {
-    InstrumentBlock block{};
-    SendMessageA(control_, kControlCommand, kCommandBlock | kCommandRead, reinterpret_cast<LPARAM>(&block));
-    return block;
-  }
+  InstrumentBlock Block() { return kvtest::Read<InstrumentBlock>(control_, kCommandBlock); }
   HWND control_ = nullptr;
-  DWORD style_ = 0;
 };
 
 constexpr SIZE kSizes[] = {{80, 60}, {60, 200}, {20, 90}, {300, 40}, {16, 16}};
@@ -84,8 +78,7 @@ TEST_F(Instruments, ShowNoNumberThatDiffersFromTheValue) {
       for (const double part : {0.0, 0.003, 0.23, 0.5, 0.77, 1.0}) {
         ASSERT_TRUE(SetInstrumentValue(parent_, kId, minimum + (maximum - minimum) * part, FALSE));
         const InstrumentBlock block = Block();
-        DWORD style = 0;
-        SendMessageA(control_, kControlCommand, kCommandStyle | kCommandRead, reinterpret_cast<LPARAM>(&style));
+        const auto style = kvtest::Read<DWORD>(control_, kCommandStyle);
         for (const SIZE& size : kSizes) {
           const std::wstring text = ShownNumber(block, style, size);
           EXPECT_TRUE(text.empty() || IsNumber(text, block.current)) << mode << ": " << block.current << " " << text;
@@ -103,12 +96,11 @@ TEST_F(Instruments, ShowNoNumberThatDiffersFromTheValue) {
                                                           {KV_READOUT | KV_SHOW_ANGLE, 7.5, L"7.30.00.00.%"}};
   for (const auto& [style, value, text] : alone) {
     Make(style);
-    SendMessageA(control_, kControlCommand, kCommandValue, reinterpret_cast<LPARAM>(&value));
+    kvtest::Send(control_, kCommandValue, &value);
     EXPECT_EQ(text, ShownNumber(Block(), style, {80, 60}));
     Make(style & kInstrumentModeBits);
     ASSERT_TRUE(SetInstrumentValue(parent_, kId, value, FALSE));
-    SendMessageA(control_, kControlCommand, kCommandStyle | kCommandRead, reinterpret_cast<LPARAM>(&style_));
-    EXPECT_TRUE(style_ & kInstrumentFitted);
+    EXPECT_TRUE(kvtest::Read<DWORD>(control_, kCommandStyle) & kInstrumentFitted);
   }
   InstrumentBlock west = Block();
   west.minimum = -180, west.current = -7.5f;  // the unit has no letters for hemispheres
@@ -163,8 +155,7 @@ TEST_F(Instruments, SetsNamesZonesAndValues) {
       SetInstrumentStyle(parent_, kId, kInstrumentShowTime | kModeCenterBar, TRUE));  // the mode does not change
   const SYSTEMTIME time{.wHour = 7, .wMinute = 8};
   EXPECT_TRUE(SetInstrumentTime(parent_, kId, time));
-  SYSTEMTIME stored{};
-  SendMessageA(control_, kControlCommand, kCommandTime | kCommandRead, reinterpret_cast<LPARAM>(&stored));
+  const auto stored = kvtest::Read<SYSTEMTIME>(control_, kCommandTime);
   EXPECT_EQ(0, memcmp(&time, &stored, sizeof(time)));
 
   CreateControl(parent_, "BUTTON", "", 0, {0, 0, 9, 9}, kId + 1);

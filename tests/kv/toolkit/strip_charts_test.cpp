@@ -46,7 +46,7 @@ TEST_F(TypedCharts, ReadSamplesBackAndSaveThem) {
             std::tuple(samples[0].time, samples[0].value, samples[1].time, samples[1].value));
   EXPECT_FALSE(GetStripChartSamples(parent_, kId, 8, nullptr, &samples));
   StripReadBack wild{0, 10, 3, reinterpret_cast<StripSample*>(16)};
-  EXPECT_FALSE(SendMessageA(chart, kControlCommand, kStripReadBack | kCommandRead, reinterpret_cast<LPARAM>(&wild)));
+  EXPECT_FALSE(kvtest::Send(chart, kStripReadBack | kCommandRead, &wild));
 
   const std::filesystem::path path = std::filesystem::temp_directory_path() / L"strip chart.csv";
   ASSERT_TRUE(SaveStripChartCsv(parent_, kId, path.c_str(), nullptr));
@@ -72,11 +72,8 @@ TEST_F(TypedCharts, ReadSamplesBackAndSaveThem) {
   EXPECT_FALSE(SetStripChartSource(parent_, kId, 0, &none));
 }
 
-DWORD Count(HWND chart, int channel) {
-  DWORD count = 0;
-  SendMessageA(chart, kControlCommand, MAKEWPARAM(kStripCount | kCommandRead, channel),
-               reinterpret_cast<LPARAM>(&count));
-  return count;
+DWORD Count(HWND chart, WPARAM channel) {
+  return kvtest::Read<DWORD>(chart, kStripCount, channel);
 }
 
 TEST_F(TypedCharts, TakeSamplesFromOtherThreadsInOrder) {
@@ -148,13 +145,12 @@ TEST_F(TypedCharts, SurviveClosingWhileThreadsAppend) {
 TEST_F(TypedCharts, DescribeAppendFreezeAndRead) {
   HWND chart = Create();
   EXPECT_TRUE(SetStripChartChannel(parent_, kId, 2, {.name = std::wstring(30, L'ä').c_str(), .unit = L"°C"}));
-  StripChannel info{};
-  SendMessageA(chart, kControlCommand, MAKEWPARAM(kStripChannel | kCommandRead, 2), reinterpret_cast<LPARAM>(&info));
+  auto info = kvtest::Read<StripChannel>(chart, kStripChannel, 2);
   EXPECT_EQ(46u, std::string(info.name).size());  // whole two-byte characters in 47 bytes
   const COLORREF color = info.color;
   EXPECT_TRUE(SetStripChartChannel(parent_, kId, 2, {.name = L"Heat", .unit = L"°C"}));
   EXPECT_TRUE(ShowStripChartChannel(parent_, kId, 2, FALSE));
-  SendMessageA(chart, kControlCommand, MAKEWPARAM(kStripChannel | kCommandRead, 2), reinterpret_cast<LPARAM>(&info));
+  info = kvtest::Read<StripChannel>(chart, kStripChannel, 2);
   EXPECT_EQ(std::tuple(color, 0u), std::tuple(info.color, info.state));
 
   EXPECT_TRUE(SetStripChartCapacity(parent_, kId, 3));
@@ -166,10 +162,9 @@ TEST_F(TypedCharts, DescribeAppendFreezeAndRead) {
   StripStatistics statistics{};
   EXPECT_TRUE(GetStripChartStatistics(parent_, kId, 2, &statistics) && FreezeStripChart(parent_, kId, FALSE));
   EXPECT_EQ(std::tuple(3, 6), std::tuple(statistics.count, statistics.mean));  // the first was discarded
-  DWORD style = 0;
   for (const BOOL set : {TRUE, FALSE}) {
     EXPECT_TRUE(SetStripChartStyle(parent_, kId, kStripSweep | kStripNoLegend, set));
-    SendMessageA(chart, kControlCommand, kStripStyle | kCommandRead, reinterpret_cast<LPARAM>(&style));
+    const auto style = kvtest::Read<DWORD>(chart, kStripStyle);
     EXPECT_EQ(set ? kStripSweep | kStripNoLegend : 0, style & (kStripSweep | kStripNoLegend));
   }
   StripTimeRange times{}, selection{1, 2};
