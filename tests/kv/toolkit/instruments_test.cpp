@@ -18,7 +18,6 @@
 #include "kv/controls/instrument/text.h"
 #include "kv/controls/instrument/view.h"
 #include "kv/controls/instrument_block.h"
-#include "kv/framework/control_class.h"
 #include "kv/resource.h"
 #include "tests/support/control_test.h"
 #include "tests/support/test_window.h"
