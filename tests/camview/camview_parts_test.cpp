@@ -242,7 +242,7 @@ TEST(CamviewEvents, HaveOneCurrentEvent) {
   table.Update(1, &store, 11);
   EXPECT_EQ(2u, table.Current(2));
   EXPECT_NE(version, table.Version());
-  table.Update(2, &store, 0, 11);
+  table.Update(2, &store, 11);
   EXPECT_EQ(3u, table.Current(2)) << "of another source";
 }
 
