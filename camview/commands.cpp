@@ -423,6 +423,7 @@ void OpenFile(View& view, const std::wstring& path) {
   } else if (!view.source.OpenRecording(path)) {
     view.display.Say(StatusMark::kError, kv::TextWith(IDS_FILE_UNREADABLE, kv::FileNameOf(path.c_str()), L""));
   } else {
+    view.display.TakeBack();
     StoreFolder(Setting::kRecordings, path);
   }
   Update(view);

@@ -24,8 +24,13 @@ namespace {
 constexpr int kColumns = 6;
 constexpr wchar_t kNothing[] = L"\x2013";
 
+// As precise as a reading of `size`.
+std::wstring ValueText(double value, const StripLayout& layout, int channel, double size) {
+  return std::isnan(value) ? std::wstring(kNothing) : TickText(value, ReadingStep(layout, channel, size));
+}
+
 std::wstring ValueText(double value, const StripLayout& layout, int channel) {
-  return std::isnan(value) ? std::wstring(kNothing) : TickText(value, ReadingStep(layout, channel, value));
+  return ValueText(value, layout, channel, value);
 }
 
 // A row of the tooltip: the channel whose color precedes it, or -1, and its texts from left to right.
@@ -77,8 +82,9 @@ Tooltip CursorTooltip(const StripModel& model, const StripLayout& layout) {
     TooltipRow& row = tooltip.rows[tooltip.count++];
     row = {i, {ChannelName(info), value + unit}};
     if (isDouble) {
-      row.texts = {ChannelName(info), value, ValueText(other.values[i], layout, i),
-                   ValueText(other.values[i] - reading.values[i], layout, i) + unit};
+      const double a = reading.values[i], b = other.values[i];
+      row.texts = {ChannelName(info), value, ValueText(b, layout, i),
+                   ValueText(b - a, layout, i, std::max(std::fabs(a), std::fabs(b))) + unit};
     }
   }
   return tooltip;

@@ -75,6 +75,8 @@ AccessibleText Describe(const StripChart& chart) {
   AccessibleText text{WindowText(chart.window), {}};
   const bool named = !text.name.empty();
   const StripReading reading = model.cursorShown ? ReadingAt(model, model.cursor) : NewestReading(model);
+  const bool isDouble = model.cursorShown && model.cursorBShown;
+  const StripReading other = isDouble ? ReadingAt(model, model.cursorB) : reading;
   const StripLayout& layout = chart.renderer.layoutShown();
   for (int i = 0; i < kStripChannels; ++i) {
     if (!IsShown(model.channels[i])) continue;
@@ -85,10 +87,14 @@ AccessibleText Describe(const StripChart& chart) {
     const std::wstring unit = ChannelUnit(model.channels[i].info);
     text.value += (text.value.empty() ? L"" : L", ") + name + L" " + TickText(reading.values[i], step) +
                   (unit.empty() ? L"" : L" " + unit);
+    if (!isDouble || std::isnan(other.values[i])) continue;
+    const double coarse = layout.axes ? std::max(step, ReadingStep(layout, i, other.values[i])) : step;
+    text.value += L" (\x0394 " + TickText(other.values[i] - reading.values[i], coarse) + L")";
   }
-  if (model.cursorShown && model.cursorBShown) {
+  if (isDouble) {
     const double step = layout.timeStep > 0 ? layout.timeStep / 100 : 0.01;
-    text.value += L", \x0394 " + TimeText(model.cursorB - model.cursor, step, TimeFormat::kSeconds);
+    text.value += (text.value.empty() ? L"\x0394 " : L", \x0394 ") +
+                  TimeText(model.cursorB - model.cursor, step, TimeFormat::kSeconds);
   }
   return text;
 }
