@@ -238,9 +238,9 @@ void StripRenderer::DrawCursor(Canvas& canvas, double time, const wchar_t* name)
   if (x < plot.left || x >= plot.right) return;
   FillArea(canvas, {x, plot.top, x + 1, plot.bottom}, key_.colors.ink);
   if (!*name || key_.layout.labelsPx == 0) return;
-  // Within the plot: below it are the times.
-  const LONG half = key_.layout.digitPx;
-  const RECT area{x - half, plot.bottom - key_.layout.labelsPx, x + half, plot.bottom};
+  // Within the plot: beside it are the axes.
+  const LONG half = key_.layout.digitPx, left = std::max(std::min(x + half, plot.right) - 2 * half, plot.left);
+  const RECT area{left, plot.bottom - key_.layout.labelsPx, left + 2 * half, plot.bottom};
   FillArea(canvas, area, key_.colors.ink);
   const SelectedObject selected(canvas.dc(), font_);
   DrawTextIn(canvas.dc(), name, area, key_.colors.ground, DT_CENTER);

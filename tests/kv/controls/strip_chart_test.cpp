@@ -142,18 +142,22 @@ TEST_F(StripCharts, FreezesWhileRecordingAndReadsCursorAndSelection) {
   EXPECT_NEAR(std::sqrt(10), statistics.deviation, 1e-12);
 
   Send(chart, kStripCursor | kCommandRemove, nullptr);
-  // The tooltip with statistics is beside the selection, where the plot is empty otherwise, and never on the axis.
+  // The tooltip with statistics is beside the selection, where the plot is empty otherwise. Neither it nor the name of
+  // a cursor is on the axis.
   StripChannel info = Read<StripChannel>(chart, kStripChannel);
   strcpy(info.name, "A name that is too long for this plot");
   EXPECT_EQ(1, Send(chart, kStripChannel, &info));
+  const StripLayout& layout = ObjectOf<StripChart>(chart)->renderer.layoutShown();
+  const StripReading atLeft{.time = TimeAtX(layout, layout.plot.left)};
+  EXPECT_EQ(1, Send(chart, kStripCursorB, &atLeft));
   kvtest::TestBitmap told(300, 200), silent(300, 200);
   SendMessageA(chart, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(told.dc()), 0);
+  Send(chart, kStripCursorB | kCommandRemove, nullptr);
   EXPECT_EQ(1, Send(chart, kStripStyle, &kStripNoStatistics));
   SendMessageA(chart, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(silent.dc()), 0);
   EXPECT_EQ(0, silent.CountOf(0xCCCCCC));
   EXPECT_LT(100, silent.DifferencesFrom(told));
-  const LONG left = ObjectOf<StripChart>(chart)->renderer.layoutShown().plot.left;
-  for (int y = 0; y < 200; ++y) EXPECT_EQ(silent.At(left - 2, y), told.At(left - 2, y)) << y;
+  for (int y = 0; y < 200; ++y) EXPECT_EQ(silent.At(layout.plot.left - 2, y), told.At(layout.plot.left - 2, y)) << y;
   EXPECT_EQ(1, Send(chart, kStripSelection | kCommandRemove, nullptr));
   EXPECT_EQ(0, Send(chart, kStripSelection | kCommandRead, &samples[0]));
 }
