@@ -48,7 +48,7 @@ struct RecordingFollower::Shared {
   // Used by the thread only.
   std::unique_ptr<RecordingReader> reader;
   camera::IntakeBatch found;
-  double grown = 0;  // by camera::Now()
+  double grown = -kQuietSeconds;  // by camera::Now()
 
   std::mutex lock;  // guards the following members
   camera::IntakeBatch batch;
@@ -80,8 +80,7 @@ FollowState RecordingFollower::Shared::ReadOn() {
     case camera::FileGrowth::kGone: return FollowState::kGone;
     case camera::FileGrowth::kSame: break;
   }
-  const bool isQuiet = grown == 0 || camera::Now() - grown >= kQuietSeconds;
-  if (!isQuiet) return FollowState::kGrowing;
+  if (camera::Now() - grown < kQuietSeconds) return FollowState::kGrowing;
   // Windows cannot replace a file that is open, and this recording was probably interrupted.
   camera::PauseReading(&reader->file);
   return FollowState::kWaiting;

@@ -166,7 +166,11 @@ TEST_F(DistributionTest, TellsItsFiguresAndReadsCellsByKeysAndPointer) {
   EXPECT_EQ(L"x2: –", Value(histogram_));
 
   Press(scatter_, {'1', VK_UP, VK_DOWN, VK_LEFT, VK_UP});
-  EXPECT_EQ(L"1 = 510, 21: 6 records, 60.0 %", Value(scatter_));
+  POINT pointer{};
+  GetCursorPos(&pointer);
+  ScreenToClient(scatter_, &pointer);
+  SendMessageA(scatter_, WM_MOUSEMOVE, 0, MAKELPARAM(pointer.x, pointer.y));
+  EXPECT_EQ(L"1 = 510, 21: 6 records, 60.0 %", Value(scatter_)) << "the pointer rests";
   SendMessageA(scatter_, WM_LBUTTONDBLCLK, 0, MAKELPARAM(100, 100));
   // The middle of the first panel's plot, at 133, 72, is between the values 510 and 511.
   SendMessageA(scatter_, WM_MOUSEMOVE, 0, MAKELPARAM(138, 72));
@@ -217,7 +221,9 @@ TEST_F(DistributionTest, DrawsBarsInProportionAndCopiesItsCounts) {
   const std::vector<DWORD> all(1023 * 767, 1);
   const DistributionContent whole{{{}, {0, 0, 1023, 767, all.data()}}};
   ASSERT_EQ(1, Send(scatter_, kDistributionShow, &whole));
-  SendMessageA(scatter_, WM_COPY, 0, 0);
+  SendMessageA(scatter_, WM_COPY, 0, MAKELPARAM(64, 64));
+  draw(scatter_);
+  EXPECT_LT(4000, bitmap.CountOf(PointColor(1))) << "a copy has other cells";
   const std::wstring table = kvtest::ClipboardText(parent_);
   EXPECT_EQ(1 + 256 * 192, std::ranges::count(table, L'\n'));
   EXPECT_EQ(L"\r\n1020\t764\t0\t9\t0\t0\r\n", table.substr(table.size() - 20));

@@ -112,7 +112,11 @@ TEST_F(CamviewWindow, FollowsARecordingThatIsStillBeingWritten) {
   EXPECT_FALSE(view().time.isLive);
   SetFocus(Control(IDC_TIMELINE));
   Press(VK_END);
-  Rest(1200);  // closed meanwhile, and opened again
+  const auto isClosed = [&] {
+    const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    return file != INVALID_HANDLE_VALUE && CloseHandle(file);
+  };
+  EXPECT_TRUE(Soon(isClosed)) << "so that it can be replaced";
   append(path, until(100) + 9, until(200));
   EXPECT_TRUE(hasRecords(200));
   EXPECT_TRUE(Says(L"It is still being written.")) << camera::Narrow(Text(IDC_STATUS));
