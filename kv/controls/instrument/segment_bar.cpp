@@ -94,12 +94,12 @@ BarSpan SegmentSpan(double length, int count, int index) {
 }
 
 FixedText SegmentBarNumber(const RECT& bar, const InstrumentBlock& block, DWORD style) {
-  constexpr int kMinCharacterWidth = 3;
+  constexpr int kMinCharacterWidth = 4;
   const InstrumentReading reading = ReadingOf(block);
   if (!reading.valid) return NoValueNumber(block, style);
   // At the minimum, the bar is empty and has no number.
   if (style & kInstrumentFitted) {
-    const int most = (bar.right - bar.left) / (kMinCharacterWidth + 1) - 2;
+    const int most = (bar.right - bar.left - 2) / kMinCharacterWidth;
     return reading.value != reading.minimum ? FittedNumber(reading, block.format, most) : FixedText();
   }
   const bool shown = block.current > block.minimum && block.current <= block.maximum;
@@ -231,10 +231,12 @@ void AddNumber(ValueLayer& layer, const RECT& bar, const InstrumentBlock& block)
   constexpr double kCapitalHeight = 0.65, kCapitalMiddle = 0.485, kDigitWidth = 0.775, kBlank = 0.8;
   const DWORD style = layer.appearance().style;
   const FixedText padded = SegmentBarNumber(bar, block, style), text = WithoutPadding(padded);
-  int characterWidth = (bar.right - bar.left) / (static_cast<int>(padded.size()) + 2) - 1;
-  if (style & kInstrumentFitted) {  // a small part of the bar, but readable
-    const int length = bar.bottom - bar.top;
-    characterWidth = std::min(characterWidth, std::max(length / 10, std::min(5, length * 2 / 5)));
+  const int count = static_cast<int>(padded.size()), breadth = bar.right - bar.left, length = bar.bottom - bar.top;
+  int characterWidth = breadth / (count + 2) - 1;
+  if ((style & kInstrumentFitted) && count > 0) {  // a small part of the bar, but readable
+    constexpr int kReadable = 5;
+    characterWidth = std::min(std::max(characterWidth, std::min(kReadable, (breadth - 2) / count)),
+                              std::max(length / 10, std::min(kReadable, length * 2 / 5)));
   }
   if (characterWidth < 1) return;
   const int height = static_cast<int>(2.5 * characterWidth), edge = std::max(1, height / 14);

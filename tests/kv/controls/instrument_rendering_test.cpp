@@ -221,12 +221,14 @@ TEST_F(InstrumentRendering, SegmentBarsHaveAMarkerOnlyWithinTheRange) {
   }
 }
 
-TEST_F(InstrumentRendering, NumbersOfLowSegmentBarsAreReadable) {
-  HWND bar = Create(kModeSegmentBar | kInstrumentFitted, 48, 48);
-  SetValue(bar, 42);
-  EXPECT_LT(10, Shown(bar, 48, 48).CountWhere([](COLORREF color, int x, int y) {
-    return x > 3 && x < 44 && y > 20 && y < 44 && GetGValue(color) > 220;
-  }));
+TEST_F(InstrumentRendering, NumbersOfSmallSegmentBarsAreReadable) {
+  for (const SIZE size : {SIZE{48, 48}, SIZE{24, 90}}) {
+    HWND bar = Create(kModeSegmentBar | kInstrumentFitted, size.cx, size.cy);
+    SetValue(bar, 42);
+    EXPECT_LT(10, Shown(bar, size.cx, size.cy).CountWhere([&](COLORREF color, int x, int y) {
+      return x > 3 && x < size.cx - 4 && y > 20 && y < size.cy - 4 && GetGValue(color) > 220;
+    })) << size.cx;
+  }
 }
 
 TEST_F(InstrumentRendering, SegmentsStartAtTheConfiguredEnd) {
