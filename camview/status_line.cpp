@@ -78,7 +78,7 @@ void DrawMark(kv::Canvas& canvas, StatusMark mark, kv::PointD at, double r, COLO
 // Appends a count with a singular or plural text.
 void AddCounted(std::wstring* text, long long count, UINT one, UINT many) {
   if (count == 1) *text += L" " + kv::ResourceText(one);
-  if (count > 1) *text += L" " + kv::TextWith(many, kv::NumberText(static_cast<double>(count)).c_str());
+  if (count > 1) *text += L" " + kv::TextWith(many, kv::NumberText(static_cast<double>(count)));
 }
 
 // Why a recording has no end.
@@ -87,9 +87,16 @@ std::wstring DescribeMissingEnd(const LoadedRecording& recording, const std::wst
     case FollowState::kGrowing: return L" " + kv::ResourceText(IDS_FILE_GROWING);
     case FollowState::kGone: return L" " + kv::ResourceText(IDS_FILE_GONE);
     case FollowState::kReplaced: return L" " + kv::ResourceText(IDS_FILE_REPLACED);
-    case FollowState::kFailed: return L" " + kv::TextWith(IDS_FILE_RETRIED, why.c_str());
+    case FollowState::kFailed: return L" " + kv::TextWith(IDS_FILE_RETRIED, why);
     default: return recording.isTruncated ? L" " + kv::ResourceText(IDS_FILE_TRUNCATED) : std::wstring();
   }
+}
+
+// With the decimal sign of the language.
+std::wstring InLanguage(const std::string& number) {
+  std::wstring text = camera::Wide(number);
+  if (const std::wstring sign = kv::DecimalSign(); !sign.empty()) std::ranges::replace(text, L'.', sign[0]);
+  return text;
 }
 
 std::wstring NameOfFile(const std::string& path) {
@@ -125,7 +132,7 @@ void DrawStatusLine(const DRAWITEMSTRUCT& item, const StatusLine& line) {
 
 std::wstring RecordsAsText(long long count) {
   if (count == 1) return kv::ResourceText(IDS_RECORDS_ONE);
-  return kv::TextWith(IDS_RECORDS, kv::NumberText(static_cast<double>(count)).c_str());
+  return kv::TextWith(IDS_RECORDS, kv::NumberText(static_cast<double>(count)));
 }
 
 std::wstring ClockAsText(std::uint64_t fileTime) {
@@ -137,28 +144,22 @@ std::wstring ClockAsText(std::uint64_t fileTime) {
 }
 
 std::wstring TimeAsText(double seconds, int decimals) {
-  const std::wstring sign = kv::DecimalSign();
-  return camera::Wide(FormatTime(seconds, decimals, sign.empty() ? '.' : static_cast<char>(sign[0])));
+  return InLanguage(FormatTime(seconds, decimals));
 }
 
 std::wstring RateAsText(double rate) {
-  if (rate <= 0) return {};
-  std::wstring text = camera::Wide(camera::Format("%.6g", rate));
-  if (const std::wstring sign = kv::DecimalSign(); !sign.empty()) std::ranges::replace(text, L'.', sign[0]);
-  return text;
+  return rate > 0 ? InLanguage(camera::Format("%.6g", rate)) : std::wstring();
 }
 
 std::wstring LengthAsText(double seconds) {
   constexpr double kMinute = 60;
   if (seconds >= kMinute) return TimeAsText(std::floor(seconds), 0);
-  return kv::TextWith(IDS_SECONDS, kv::NumberText(std::floor(std::max(seconds, 0.0))).c_str());
+  return kv::TextWith(IDS_SECONDS, kv::NumberText(std::floor(std::max(seconds, 0.0))));
 }
 
 StatusLine DescribeRecording(const LoadedRecording& recording, const StatusLine& figures) {
   const std::wstring name = NameOfFile(recording.path), why = kv::ErrorText(recording.systemError);
-  const auto rejected = [&](UINT id) {
-    return StatusLine{StatusMark::kError, kv::TextWith(id, name.c_str(), why.c_str())};
-  };
+  const auto rejected = [&](UINT id) { return StatusLine{StatusMark::kError, kv::TextWith(id, name, why)}; };
   StatusLine line{StatusMark::kGood, {}};
   switch (recording.outcome) {
     case LoadOutcome::kUnreadable: return rejected(IDS_FILE_UNREADABLE);
@@ -167,7 +168,7 @@ StatusLine DescribeRecording(const LoadedRecording& recording, const StatusLine&
     case LoadOutcome::kOtherVersion: return rejected(IDS_FILE_OTHER_VERSION);
     case LoadOutcome::kComplete: break;
     case LoadOutcome::kCanceled: line.text = kv::ResourceText(IDS_FILE_CANCELED) + L" "; break;
-    case LoadOutcome::kReadFailed: line.text = kv::TextWith(IDS_FILE_READ_FAILED, why.c_str()) + L" "; break;
+    case LoadOutcome::kReadFailed: line.text = kv::TextWith(IDS_FILE_READ_FAILED, why) + L" "; break;
     case LoadOutcome::kTooLong: line.text = kv::ResourceText(IDS_FILE_TOO_LONG) + L" "; break;
     case LoadOutcome::kOutOfMemory: line.text = kv::ResourceText(IDS_FILE_NO_MEMORY) + L" "; break;
   }
@@ -179,12 +180,11 @@ StatusLine DescribeRecording(const LoadedRecording& recording, const StatusLine&
     return none;
   }
   const std::wstring records = RecordsAsText(recording.records), seconds = TimeAsText(recording.seconds, 1);
-  line.text += figures.text.empty()
-                   ? kv::TextWith(IDS_FILE_WHOLE, records.c_str(), seconds.c_str())
-                   : kv::TextWith(IDS_FILE_WHOLE_LINE, records.c_str(), seconds.c_str(), figures.text.c_str());
+  line.text += figures.text.empty() ? kv::TextWith(IDS_FILE_WHOLE, records, seconds)
+                                    : kv::TextWith(IDS_FILE_WHOLE_LINE, records, seconds, figures.text);
   if (recording.header.startTime > 0) {
     line.text += L" " + kv::TextWith(IDS_RECORDED_AT, static_cast<int>(recording.header.port),
-                                     ClockAsText(recording.header.startTime).c_str());
+                                     ClockAsText(recording.header.startTime));
   }
   const size_t whole = line.text.size();
   if (!recording.hasHeader) line.text += L" " + kv::ResourceText(IDS_FILE_NO_HEADER);
@@ -199,15 +199,13 @@ StatusLine DescribeRecording(const LoadedRecording& recording, const StatusLine&
 
 StatusLine DescribeLive(const LiveStatus& status) {
   const std::wstring since = LengthAsText(status.now - status.since);
-  const auto line = [&](StatusMark mark, UINT id) {
-    return StatusLine{mark, kv::TextWith(id, status.port, since.c_str())};
-  };
+  const auto line = [&](StatusMark mark, UINT id) { return StatusLine{mark, kv::TextWith(id, status.port, since)}; };
   switch (status.state) {
     case LiveState::kOpening: return line(StatusMark::kWaiting, IDS_LIVE_OPENING);
     case LiveState::kAbsent: return line(StatusMark::kWarning, IDS_LIVE_ABSENT);
     case LiveState::kBusy:
       if (status.holder.empty()) return line(StatusMark::kError, IDS_LIVE_BUSY);
-      return {StatusMark::kError, kv::TextWith(IDS_LIVE_BUSY_WITH, status.port, camera::Wide(status.holder).c_str())};
+      return {StatusMark::kError, kv::TextWith(IDS_LIVE_BUSY_WITH, status.port, camera::Wide(status.holder))};
     case LiveState::kAccessDenied: return line(StatusMark::kError, IDS_LIVE_DENIED);
     case LiveState::kUnusable: return {StatusMark::kError, kv::TextWith(IDS_LIVE_UNUSABLE, status.port, status.error)};
     case LiveState::kGone: return line(StatusMark::kWarning, IDS_LIVE_GONE);
@@ -216,34 +214,31 @@ StatusLine DescribeLive(const LiveStatus& status) {
     case LiveState::kDark: return line(StatusMark::kWarning, IDS_LIVE_DARK);
     case LiveState::kRecords: break;
   }
-  return {StatusMark::kGood,
-          kv::TextWith(IDS_LIVE_RECORDS, status.port, kv::NumberText(status.recordsPerSecond).c_str())};
+  return {StatusMark::kGood, kv::TextWith(IDS_LIVE_RECORDS, status.port, kv::NumberText(status.recordsPerSecond))};
 }
 
 StatusLine DescribeLiveRecording(const LiveRecording& recording) {
   const std::wstring name = NameOfFile(recording.path), length = LengthAsText(recording.seconds);
   switch (recording.state) {
     case LiveRecordingState::kNone: return {};
-    case LiveRecordingState::kOn:
-      return {StatusMark::kRecording, kv::TextWith(IDS_RECORDING_TO, name.c_str(), length.c_str())};
+    case LiveRecordingState::kOn: return {StatusMark::kRecording, kv::TextWith(IDS_RECORDING_TO, name, length)};
     case LiveRecordingState::kFailed:
-      return {StatusMark::kError,
-              kv::TextWith(IDS_RECORDING_FAILED, name.c_str(), kv::ErrorText(recording.systemError).c_str())};
+      return {StatusMark::kError, kv::TextWith(IDS_RECORDING_FAILED, name, kv::ErrorText(recording.systemError))};
     case LiveRecordingState::kComplete: break;
   }
-  if (recording.hasKeptFile) return {StatusMark::kWarning, kv::TextWith(IDS_RECORDED_NOTHING, name.c_str())};
-  return {StatusMark::kNone, kv::TextWith(IDS_RECORDED_TO, name.c_str(), length.c_str())};
+  if (recording.hasKeptFile) return {StatusMark::kWarning, kv::TextWith(IDS_RECORDED_NOTHING, name)};
+  return {StatusMark::kNone, kv::TextWith(IDS_RECORDED_TO, name, length)};
 }
 
 std::wstring DescribeEvent(const camera::Event& event) {
   const std::wstring length = kv::NumberText(event.to - event.from, 3);
   const std::wstring amount = kv::NumberText(static_cast<double>(event.amount));
   switch (event.kind) {
-    case camera::EventKind::kSilence: return kv::TextWith(IDS_EVENT_SILENCE, length.c_str());
-    case camera::EventKind::kLoss: return kv::TextWith(IDS_EVENT_LOSS, length.c_str(), amount.c_str());
-    case camera::EventKind::kMalformed: return kv::TextWith(IDS_EVENT_MALFORMED, length.c_str(), amount.c_str());
-    case camera::EventKind::kDamage: return kv::TextWith(IDS_EVENT_DAMAGE, length.c_str(), amount.c_str());
-    case camera::EventKind::kUnseen: return kv::TextWith(IDS_EVENT_UNSEEN, length.c_str(), event.point + 1);
+    case camera::EventKind::kSilence: return kv::TextWith(IDS_EVENT_SILENCE, length);
+    case camera::EventKind::kLoss: return kv::TextWith(IDS_EVENT_LOSS, length, amount);
+    case camera::EventKind::kMalformed: return kv::TextWith(IDS_EVENT_MALFORMED, length, amount);
+    case camera::EventKind::kDamage: return kv::TextWith(IDS_EVENT_DAMAGE, length, amount);
+    case camera::EventKind::kUnseen: return kv::TextWith(IDS_EVENT_UNSEEN, length, event.point + 1);
   }
   return {};
 }

@@ -226,7 +226,7 @@ bool ParseTimeRange(std::string_view text, TimeRange* range) {
   return false;
 }
 
-std::string FormatTime(double seconds, int decimals, char sign) {
+std::string FormatTime(double seconds, int decimals) {
   const double unit = std::pow(10.0, std::clamp(decimals, 0, 6));
   const auto units = std::llround(std::max(seconds, 0.0) * unit);
   const auto perSecond = static_cast<long long>(unit);
@@ -234,7 +234,7 @@ std::string FormatTime(double seconds, int decimals, char sign) {
   std::string text =
       whole >= 3600 ? camera::Format("%lld:%02lld", whole / 3600, whole / 60 % 60) : camera::Format("%lld", whole / 60);
   text += camera::Format(":%02lld", whole % 60);
-  if (decimals > 0) text += camera::Format("%c%0*lld", sign, decimals, units % perSecond);
+  if (decimals > 0) text += camera::Format(".%0*lld", decimals, units % perSecond);
   return text;
 }
 

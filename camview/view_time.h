@@ -99,7 +99,7 @@ bool ParseTime(std::string_view text, double* seconds);
 // "1:10 + 15". Returns false for anything else, but the second time may be before the first.
 bool ParseTimeRange(std::string_view text, TimeRange* range);
 
-// Formats "0:00.000", "1:15.200" or "1:02:03.500" with this number of decimals (0 to 6); `sign` is the decimal sign.
-std::string FormatTime(double seconds, int decimals, char sign = '.');
+// Formats "0:00.000", "1:15.200" or "1:02:03.500" with this number of decimals (0 to 6).
+std::string FormatTime(double seconds, int decimals);
 
 }  // namespace camview

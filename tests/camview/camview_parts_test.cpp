@@ -463,7 +463,7 @@ TEST(CamviewTime, IsParsedAndFormatted) {
     EXPECT_EQ(expected, range) << text;
   }
   EXPECT_EQ("0:00.000", FormatTime(0, 3));
-  EXPECT_EQ("1:15,2", FormatTime(75.2, 1, ','));
+  EXPECT_EQ("1:15.2", FormatTime(75.2, 1));
   EXPECT_EQ("1:02:03", FormatTime(3723.4, 0));
   EXPECT_EQ("1:00:00.00", FormatTime(3599.999, 2)) << "rounding carries into all fields";
 }
