@@ -108,7 +108,7 @@ void ToggleRecording(View& view) {
   StoreFolder(Setting::kRecordings, path);
   DWORD error = 0;
   if (source.StartRecording(path, &error)) return;
-  Warn(view, kv::TextWith(IDS_RECORDING_FAILED, kv::FileNameOf(path.c_str()), kv::ErrorText(error).c_str()));
+  Warn(view, kv::TextWith(IDS_RECORDING_FAILED, kv::FileNameOf(path.c_str()), kv::ErrorText(error)));
 }
 
 // Returns "FOLDER\NAME 1.15-1.20.csv" for a range of FOLDER\NAME.twr.
@@ -136,7 +136,7 @@ void SayExported(View& view) {
   const std::wstring path = camera::Wide(view.source.Export().Task().target);
   const wchar_t* name = kv::FileNameOf(path.c_str());
   if (result.isDone) {
-    return view.display.Say(StatusMark::kGood, kv::TextWith(IDS_EXPORTED, RecordsAsText(result.records).c_str(), name));
+    return view.display.Say(StatusMark::kGood, kv::TextWith(IDS_EXPORTED, RecordsAsText(result.records), name));
   }
   std::wstring reason;
   switch (result.failure) {
@@ -145,7 +145,7 @@ void SayExported(View& view) {
     case ExportFailure::kTargetIsSource: reason = Text(IDS_REASON_IS_SOURCE); break;
     case ExportFailure::kSourceIsShorter: reason = Text(IDS_REASON_SHORTER); break;
   }
-  view.display.Say(StatusMark::kError, kv::TextWith(IDS_EXPORT_FAILED, name, reason.c_str()));
+  view.display.Say(StatusMark::kError, kv::TextWith(IDS_EXPORT_FAILED, name, reason));
 }
 
 // ---- Copying --------------------------------------------------------------------------------------------------------
@@ -413,7 +413,7 @@ bool AskTarget(View& view, UINT title, std::wstring* path, const wchar_t* otherE
   if (view.source.IsLive() || !camera::IsSameFile(camera::Narrow(*path), camera::Narrow(view.source.Name())))
     return true;
   view.display.Say(StatusMark::kError,
-                   kv::TextWith(IDS_EXPORT_FAILED, kv::FileNameOf(path->c_str()), Text(IDS_REASON_IS_SOURCE).c_str()));
+                   kv::TextWith(IDS_EXPORT_FAILED, kv::FileNameOf(path->c_str()), Text(IDS_REASON_IS_SOURCE)));
   return false;
 }
 

@@ -71,7 +71,7 @@ void NameControls(HWND window) {
   for (const auto& [id, name] : kNames) kv::NameControl(window, id, kv::ResourceText(name).c_str());
   SendDlgItemMessageW(window, IDC_SPEED, CB_RESETCONTENT, 0, 0);
   for (const double speed : kSpeeds) {
-    const std::wstring text = kv::TextWith(IDS_SPEED_OF, kv::NumberText(speed, speed < 1 ? 1 : 0).c_str());
+    const std::wstring text = kv::TextWith(IDS_SPEED_OF, kv::NumberText(speed, speed < 1 ? 1 : 0));
     SendDlgItemMessageW(window, IDC_SPEED, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
   }
 }
@@ -80,13 +80,12 @@ void NameControls(HWND window) {
 StatusLine Describe(const Source& source, const ViewTime& time, const StatusLine& line) {
   const std::wstring work = kv::FileNameOf(source.WorkPath().c_str());
   if (source.IsWorking()) {
-    return {StatusMark::kWaiting, kv::TextWith(source.IsExporting() ? IDS_EXPORTING : IDS_LOADING, work.c_str())};
+    return {StatusMark::kWaiting, kv::TextWith(source.IsExporting() ? IDS_EXPORTING : IDS_LOADING, work)};
   }
   if (source.IsLive()) {
     StatusLine status = DescribeLive(source.Status());
     if (time.isFrozen) status.text += L" " + kv::ResourceText(IDS_LIVE_FROZEN);
-    if (!line.text.empty())
-      status.text += L" " + kv::TextWith(IDS_LINE_IN, LengthAsText(time.end).c_str(), line.text.c_str());
+    if (!line.text.empty()) status.text += L" " + kv::TextWith(IDS_LINE_IN, LengthAsText(time.end), line.text);
     return status;
   }
   if (source.IsOpen()) {
@@ -219,8 +218,7 @@ void Display::ShowOneOf(std::initializer_list<int> ids, int shown) {
 void Display::ShowSource(const Source& source, const ViewTime& time) {
   constexpr int kWindow = 0;  // no control has it
   const std::wstring name = kv::FileNameOf(source.Name().c_str());
-  const std::wstring caption =
-      name.empty() ? kv::ResourceText(IDS_CAPTION) : kv::TextWith(IDS_CAPTION_OF, name.c_str());
+  const std::wstring caption = name.empty() ? kv::ResourceText(IDS_CAPTION) : kv::TextWith(IDS_CAPTION_OF, name);
   if (IsNew(caption, &texts_[kWindow])) SetWindowTextW(window_, caption.c_str());
   const bool isOpen = source.IsOpen(), isLive = source.IsLive();
   for (const int id : {IDC_PLAY, IDC_STEP_BACK, IDC_STEP_FORWARD, IDC_EVENT_BACK, IDC_EVENT_FORWARD, IDC_TIME})
@@ -361,7 +359,7 @@ void Display::ShowTimeline(const Source& source, const ViewTime& time, const Eve
 void Display::ShowTimeText(const Source& source, const ViewTime& time) {
   if (!isLiveTurn_) return;
   const bool isOpen = source.IsOpen();
-  SetText(IDC_LENGTH, isOpen ? kv::TextWith(IDS_OF_LENGTH, TimeAsText(time.end).c_str()) : L" ");
+  SetText(IDC_LENGTH, isOpen ? kv::TextWith(IDS_OF_LENGTH, TimeAsText(time.end)) : L" ");
   SetTypedText(IDC_TIME, isOpen ? TimeAsText(time.Shown()) : L"");
 }
 
@@ -386,8 +384,8 @@ void Display::ShowStatistics(const Source& source, const ViewTime& time) {
   std::wstring summary = L" ", counts = L" ", silences = L" ";
   if (store) {
     statistics_ = ComputeStatistics(*store, range.from, range.to);
-    summary = kv::TextWith(isSelected ? IDS_STATISTICS_SELECTED : IDS_STATISTICS_SHOWN, TimeAsText(range.from).c_str(),
-                           TimeAsText(range.to).c_str(), kv::NumberText(range.Length(), 3).c_str());
+    summary = kv::TextWith(isSelected ? IDS_STATISTICS_SELECTED : IDS_STATISTICS_SHOWN, TimeAsText(range.from),
+                           TimeAsText(range.to), kv::NumberText(range.Length(), 3));
     counts = CountsAsText(statistics_->line);
     silences = SilencesAsText(statistics_->line);
   }

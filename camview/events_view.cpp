@@ -38,20 +38,20 @@ std::wstring AmountText(const camera::Event& event) {
     case camera::EventKind::kSilence: return {};
     case camera::EventKind::kLoss: return RecordsAsText(event.amount);
     case camera::EventKind::kUnseen: return kv::TextWith(IDS_EVENT_POINT, event.point + 1);
-    default: return kv::TextWith(IDS_EVENT_BYTES, kv::NumberText(static_cast<double>(event.amount)).c_str());
+    default: return kv::TextWith(IDS_EVENT_BYTES, kv::NumberText(static_cast<double>(event.amount)));
   }
 }
 
 std::wstring CellText(const EventTable& events, size_t row, int column) {
   if (row >= events.Events().size()) {
     if (column != 1 || events.Omitted() == 0) return {};
-    return kv::TextWith(IDS_EVENTS_OMITTED, kv::NumberText(static_cast<double>(events.Omitted())).c_str());
+    return kv::TextWith(IDS_EVENTS_OMITTED, kv::NumberText(static_cast<double>(events.Omitted())));
   }
   const camera::Event& event = events.Events()[row];
   switch (column) {
     case 0: return TimeAsText(event.from);
     case 1: return kv::ResourceText(IDS_EVENT_KIND_FIRST + static_cast<UINT>(event.kind));
-    case 2: return kv::TextWith(IDS_SECONDS, kv::NumberText(event.to - event.from, 3).c_str());
+    case 2: return kv::TextWith(IDS_SECONDS, kv::NumberText(event.to - event.from, 3));
     default: return AmountText(event);
   }
 }
@@ -95,8 +95,7 @@ void GoToEvent(View& view, bool isForward) {
   const std::wstring number = kv::NumberText(static_cast<double>(*next + 1));
   const std::wstring all =
       kv::NumberText(static_cast<double>(events.Events().size()) + static_cast<double>(events.Omitted()));
-  view.display.Say(StatusMark::kNone, kv::TextWith(IDS_EVENT_OF, number.c_str(), all.c_str(),
-                                                   DescribeEvent(events.Events()[*next]).c_str()));
+  view.display.Say(StatusMark::kNone, kv::TextWith(IDS_EVENT_OF, number, all, DescribeEvent(events.Events()[*next])));
 }
 
 void OnEventList(View& view, UINT code) {

@@ -33,13 +33,12 @@ struct PortDialog {
 std::wstring LineOf(const FoundPort& port) {
   const auto text = [&](UINT id) { return kv::TextWith(id, port.number); };
   switch (port.state) {
-    case FoundState::kCamera:
-      return kv::TextWith(IDS_PORT_CAMERA, port.number, kv::NumberText(port.recordsPerSecond).c_str());
+    case FoundState::kCamera: return kv::TextWith(IDS_PORT_CAMERA, port.number, kv::NumberText(port.recordsPerSecond));
     case FoundState::kSending: return text(IDS_PORT_SENDING);
     case FoundState::kSilent: return text(IDS_PORT_SILENT);
     case FoundState::kBusy:
       if (port.holder.empty()) return text(IDS_PORT_BUSY);
-      return kv::TextWith(IDS_PORT_BUSY_WITH, port.number, camera::Wide(port.holder).c_str());
+      return kv::TextWith(IDS_PORT_BUSY_WITH, port.number, camera::Wide(port.holder));
     case FoundState::kAccessDenied: return text(IDS_PORT_DENIED);
     case FoundState::kUnusable: return text(IDS_PORT_UNUSABLE);
     case FoundState::kHangs: return text(IDS_PORT_HANGS);

@@ -69,23 +69,20 @@ std::wstring LossesAsText(const camera::LineFigures& line, bool isShort) {
   switch (line.basis) {
     case camera::LossBasis::kTooFew: return kv::ResourceText(IDS_LOST_TOO_FEW);
     case camera::LossBasis::kIrregular: return kv::ResourceText(IDS_LOST_IRREGULAR);
-    case camera::LossBasis::kGiven:
-      return kv::TextWith(IDS_LOST_GIVEN, lost.c_str(), kv::NumberText(percent, 1).c_str());
+    case camera::LossBasis::kGiven: return kv::TextWith(IDS_LOST_GIVEN, lost, kv::NumberText(percent, 1));
     case camera::LossBasis::kEstimated: break;
   }
-  if (line.mayLoseRegularly) return kv::TextWith(IDS_LOST_MAY_BE_REGULAR, lost.c_str());
+  if (line.mayLoseRegularly) return kv::TextWith(IDS_LOST_MAY_BE_REGULAR, lost);
   if (line.lostAtMost <= 0) return kv::ResourceText(IDS_LOST_NONE);
-  if (line.lost <= 0) return kv::TextWith(IDS_LOST_AT_MOST, CountText(line.lostAtMost).c_str());
-  if (isShort || line.lostAtLeast == line.lostAtMost) return kv::TextWith(IDS_LOST_ABOUT, lost.c_str());
-  return kv::TextWith(IDS_LOST_BETWEEN, lost.c_str(), CountText(line.lostAtLeast).c_str(),
-                      CountText(line.lostAtMost).c_str());
+  if (line.lost <= 0) return kv::TextWith(IDS_LOST_AT_MOST, CountText(line.lostAtMost));
+  if (isShort || line.lostAtLeast == line.lostAtMost) return kv::TextWith(IDS_LOST_ABOUT, lost);
+  return kv::TextWith(IDS_LOST_BETWEEN, lost, CountText(line.lostAtLeast), CountText(line.lostAtMost));
 }
 
 }  // namespace
 
 std::wstring CountsAsText(const camera::LineFigures& line) {
-  return kv::TextWith(IDS_STATISTICS_COUNTS, RecordsAsText(line.records).c_str(),
-                      kv::NumberText(line.recordsPerSecond, 1).c_str()) +
+  return kv::TextWith(IDS_STATISTICS_COUNTS, RecordsAsText(line.records), kv::NumberText(line.recordsPerSecond, 1)) +
          L"; " + LossesAsText(line, false);
 }
 
@@ -93,9 +90,9 @@ std::wstring SilencesAsText(const camera::LineFigures& line) {
   if (line.silences == 0) return kv::ResourceText(IDS_SILENCES_NONE);
   const std::wstring all = kv::NumberText(line.silentSeconds, 3), at = TimeAsText(line.longestSilenceFrom, 1);
   const std::wstring percent = kv::NumberText(line.seconds > 0 ? 100 * line.silentSeconds / line.seconds : 0, 1);
-  if (line.silences == 1) return kv::TextWith(IDS_SILENCES_ONE, all.c_str(), percent.c_str(), at.c_str());
-  return kv::TextWith(IDS_SILENCES, kv::NumberText(static_cast<double>(line.silences)).c_str(), all.c_str(),
-                      percent.c_str(), kv::NumberText(line.longestSilence, 3).c_str(), at.c_str());
+  if (line.silences == 1) return kv::TextWith(IDS_SILENCES_ONE, all, percent, at);
+  return kv::TextWith(IDS_SILENCES, kv::NumberText(static_cast<double>(line.silences)), all, percent,
+                      kv::NumberText(line.longestSilence, 3), at);
 }
 
 StatusLine DescribeLine(const camera::LineFigures& line) {
@@ -105,8 +102,8 @@ StatusLine DescribeLine(const camera::LineFigures& line) {
   if (line.silences == 0) return described;
   const std::wstring seconds = kv::NumberText(line.silentSeconds, 1), count = CountText(line.silences);
   if (!described.text.empty()) described.text += L"; ";
-  described.text += line.silences == 1 ? kv::TextWith(IDS_SILENCES_SHORT_ONE, seconds.c_str())
-                                       : kv::TextWith(IDS_SILENCES_SHORT, count.c_str(), seconds.c_str());
+  described.text += line.silences == 1 ? kv::TextWith(IDS_SILENCES_SHORT_ONE, seconds)
+                                       : kv::TextWith(IDS_SILENCES_SHORT, count, seconds);
   return described;
 }
 

@@ -31,7 +31,7 @@ std::wstring GoTo(ViewTime* time, const wchar_t* text) {
   if (!ParseTimeRange(typed, &range)) return kv::TextWith(IDS_BAD_TIME, text);
   if (range.to <= range.from) return kv::TextWith(IDS_RANGE_REVERSED, text);
   if (range.from >= time->end || range.to <= time->begin) {
-    return kv::TextWith(IDS_RANGE_OUTSIDE, text, TimeAsText(time->begin).c_str(), TimeAsText(time->end).c_str());
+    return kv::TextWith(IDS_RANGE_OUTSIDE, text, TimeAsText(time->begin), TimeAsText(time->end));
   }
   SelectAndShow(time, range);
   return {};
@@ -63,7 +63,7 @@ void OnRateTyped(View& view) {
                       rate <= camera::kHighestRate;
   if (!isEmpty && !isRate) {
     const std::wstring lowest = kv::NumberText(camera::kLowestRate), highest = kv::NumberText(camera::kHighestRate, 1);
-    view.display.Say(StatusMark::kError, kv::TextWith(IDS_BAD_RATE, text, lowest.c_str(), highest.c_str()));
+    view.display.Say(StatusMark::kError, kv::TextWith(IDS_BAD_RATE, text, lowest, highest));
     SendDlgItemMessageW(view.window, IDC_RATE, EM_SETSEL, 0, -1);
     return;
   }
