@@ -267,7 +267,7 @@ bool OpenRecording(const std::string& path, RecordingFile* recording) {
   recording->file = OpenForReading(path, &error);
   if (recording->file == INVALID_HANDLE_VALUE) {
     recording->systemError = GetLastError();
-    return Fail(OpenFailure::kUnreadable, error, recording);
+    return Fail(IsFolder(path) ? OpenFailure::kForeign : OpenFailure::kUnreadable, error, recording);
   }
   if (ReadHeader(recording)) return true;
   CloseRecording(recording);

@@ -29,7 +29,7 @@ struct ChartContent {
   std::optional<double> cursorB;
   std::optional<TimeRange> selection;
   bool fitValues = false;  // the value range fits the records; otherwise it is the whole field
-  std::array<bool, std::size(kCharts)> isVisible{true, true, false};  // the others are not updated
+  std::array<bool, std::size(kCharts)> isVisible{};  // the others are not updated
   bool operator==(const ChartContent&) const = default;
 };
 

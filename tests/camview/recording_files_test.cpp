@@ -104,6 +104,7 @@ TEST(CamviewLoader, LoadsIntactChunksAndReportsDamage) {
   const LoadedRecording none = LoadFile(TemporaryPath("camview there is none.twr"));
   EXPECT_EQ(LoadOutcome::kUnreadable, none.outcome);
   EXPECT_EQ(static_cast<DWORD>(ERROR_FILE_NOT_FOUND), none.systemError);
+  EXPECT_EQ(LoadOutcome::kForeign, LoadFile(TemporaryPath("")).outcome) << "a folder";
 }
 
 TEST(CamviewLoader, OpensARunningRecordingAndKeepsLoadedRecordsWhenCanceled) {

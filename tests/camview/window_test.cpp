@@ -23,6 +23,7 @@
 #include "camview/view_time.h"
 #include "camview/window.h"
 #include "kv/controls/strip_chart/strip_chart.h"
+#include "kv/framework/control_class.h"
 #include "kv/framework/file_path.h"
 #include "kv/lists/list_navigation.h"
 #include "kv/toolkit/strip_charts.h"
@@ -168,6 +169,10 @@ TEST_F(CamviewWindow, HasMenusOfItsParts) {
 TEST_F(CamviewWindow, ListsRecentFiles) {
   const std::wstring names[] = {L"camview a & b.twr", L"camview two.twr"};
   Open({});
+  kv::StripView shown{};
+  SendMessageW(Control(IDC_CHART_Y), kv::kControlCommand, kv::kStripViewItem | kv::kCommandRead,
+               reinterpret_cast<LPARAM>(&shown));
+  EXPECT_EQ(768, shown.maximum) << "the whole field, also without a source";
   const HMENU file = GetSubMenu(GetMenu(window_), 0);
   const auto listed = [&] {
     SendMessageW(window_, WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(file), 0);
