@@ -350,7 +350,11 @@ bool NextChunk(RecordingFile* recording, Chunk* chunk) {
       default: continue;
     }
     if (!ReadNext(recording, &recording->error) || recording->isStopped) return false;
-    if (recording->part.empty()) break;
+    if (recording->part.empty()) {
+      const Decoded last = DecodeAtEnd(&recording->decoder, chunk);
+      if (last == Decoded::kChunk) return true;
+      if (last == Decoded::kNeedMore) break;
+    }
     FeedDecoder(&recording->decoder, recording->part);
   }
   RecordingDecoder& decoder = recording->decoder;

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace camera {
@@ -203,6 +204,18 @@ Decoded DecodeNext(RecordingDecoder* decoder, Chunk* chunk) {
     decoder->at += size + kChunkOverhead;
     return DecodeChunk(decoder, whole.substr(kChunkHead), microseconds, chunk);
   }
+}
+
+Decoded DecodeAtEnd(RecordingDecoder* decoder, Chunk* chunk) {
+  RecordingDecoder next = *decoder;
+  while (next.hasHeader && next.pending.size() - next.at > kChunkOverhead) {
+    SkipTo(&next, next.at + 1);
+    const Decoded decoded = DecodeNext(&next, chunk);
+    if (decoded == Decoded::kNeedMore) continue;
+    *decoder = std::move(next);
+    return decoded;
+  }
+  return Decoded::kNeedMore;
 }
 
 size_t FinishDecoding(RecordingDecoder* decoder) {

@@ -69,6 +69,10 @@ void FeedDecoder(RecordingDecoder* decoder, std::string_view part);
 // kNoRecording: the file is not a recording. kOtherVersion: it has another format version.
 Decoded DecodeNext(RecordingDecoder* decoder, Chunk* chunk);
 
+// Decodes the next item at the end of the file so far, where DecodeNext needs more: what begins like a chunk but is
+// incomplete is damage if an intact chunk follows in it. Otherwise returns kNeedMore without any change.
+Decoded DecodeAtEnd(RecordingDecoder* decoder, Chunk* chunk);
+
 // Call after the whole file. Returns the number of bytes of an incomplete last chunk.
 size_t FinishDecoding(RecordingDecoder* decoder);
 

@@ -41,7 +41,7 @@ bool DistributionDisplay::Take(const Content& content) {
   const Key key{content.source,
                 store,
                 store ? store->Find(content.range.from) : 0,
-                store ? store->At(content.range.to) + 1 : 0,
+                store ? store->EndOf(content.range.to) : 0,
                 content.isScatter,
                 content.isHistogram};
   if (!isSame) distributions_.Clear();

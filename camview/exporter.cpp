@@ -76,8 +76,10 @@ bool AddRecording(Export* job, camera::RecordingFile* recording) {
   AddHeader(job, recording->decoder.header);
   camera::RecordStream stream;
   camera::Chunk chunk{};
+  const RecordStore& store = *job->task.store;
+  const bool isToEnd = store.EndOf(job->task.to) == store.End();
   while (camera::NextChunk(recording, &chunk) && chunk.microseconds <= job->to) {
-    if (chunk.microseconds >= job->from) {
+    if (chunk.microseconds >= job->from && (chunk.microseconds < job->to || isToEnd)) {
       AddChunk(job, chunk.microseconds, chunk.bytes);
       camera::FeedStream(&stream, 0, chunk.bytes, nullptr);
     }
@@ -111,7 +113,7 @@ bool AddStore(Export* job) {
     AddHeader(job, job->task.header);
   }
   const RecordStore& store = *job->task.store;
-  const long long end = store.At(job->task.to) + 1;
+  const long long end = store.EndOf(job->task.to);
   std::array<StoredRecord, kBatchRecords> batch;
   for (long long number = store.Find(job->task.from); number < end;) {
     const auto requested = static_cast<size_t>(std::min<long long>(kBatchRecords, end - number));

@@ -19,7 +19,7 @@ struct ExportTask {
   camera::RecordingHeader header;
   std::string target;
   bool isCsv = false;
-  double from = 0, to = 0;  // seconds, both included
+  double from = 0, to = 0;  // seconds; of a record at `to`, see RecordStore::EndOf
 };
 
 enum class ExportFailure { kNone, kSystem, kTargetIsSource, kSourceIsShorter };

@@ -81,6 +81,10 @@ class RecordStore {
   // Returns the last record at that time or earlier, which is the one to show; -1 if there is none.
   long long At(double seconds) const;
 
+  // Returns the first record that does not belong to a selection that ends at that time: records at its end belong to
+  // the next selection, except for the last of all.
+  long long EndOf(double seconds) const { return At(seconds) + 1 == end_ ? end_ : Find(seconds); }
+
   // A block of records with their sums; valid until the store changes.
   struct BlockSums {
     long long first, end;  // numbers

@@ -26,7 +26,7 @@ void AddRecords(const RecordStore& store, long long first, long long end, camera
 }  // namespace
 
 camera::LineFigures LineFiguresOf(const RecordStore& store, double from, double to) {
-  const long long first = store.Find(from), end = store.At(to) + 1;
+  const long long first = store.Find(from), end = store.EndOf(to);
   camera::LineModel::Selection selection{from, to, std::max(end - first, 0LL), -1, 0, 0};
   if (first < end) {
     selection.first = store.Seconds(first);
@@ -38,7 +38,7 @@ camera::LineFigures LineFiguresOf(const RecordStore& store, double from, double 
 
 SelectionStatistics ComputeStatistics(const RecordStore& store, double from, double to) {
   SelectionStatistics statistics{.line = LineFiguresOf(store, from, to), .sums = {}};
-  const long long first = store.Find(from), end = store.At(to) + 1;
+  const long long first = store.Find(from), end = store.EndOf(to);
   for (long long number = first; number < end;) {
     const RecordStore::BlockSums block = store.SumsOf(number);
     const long long next = std::min(block.end, end);

@@ -7,7 +7,7 @@
 
 namespace camview {
 
-// Of the records from `from` to `to` seconds, both included.
+// Of the records from `from` to before `to` seconds; see RecordStore::EndOf.
 struct SelectionStatistics {
   camera::LineFigures line;
   camera::RecordSums sums;

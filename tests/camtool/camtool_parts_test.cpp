@@ -238,17 +238,23 @@ Read ReadPlainly(std::string_view file) {
     for (int i = 0; i < bytes; ++i) value |= std::uint64_t{static_cast<unsigned char>(file[at + i])} << (8 * i);
     return value;
   };
+  const auto isChunkAt = [&](size_t at) {
+    if (at + camera::kChunkOverhead > file.size()) return false;
+    const auto size = static_cast<size_t>(number(at, 2));
+    return (number(at + 2, 2) ^ 0xFFFF) == size && at + camera::kChunkOverhead + size <= file.size() &&
+           camera::Crc32(file.substr(at, 12 + size)) == number(at + 12 + size, 4) && number(at + 4, 8) >= time;
+  };
   for (size_t at = camera::kRecordingHeaderBytes; at < file.size();) {
-    const size_t size = at + camera::kChunkOverhead <= file.size() ? static_cast<size_t>(number(at, 2)) : 0;
-    const bool isHead = at + camera::kChunkOverhead <= file.size() && (number(at + 2, 2) ^ 0xFFFF) == size &&
-                        size <= camera::kMaxChunkBytes;
-    if (at + camera::kChunkOverhead + (isHead ? size : 0) > file.size()) {
+    const bool isChunk = isChunkAt(at), hasHead = at + camera::kChunkOverhead <= file.size();
+    const auto size = static_cast<size_t>(hasHead ? number(at, 2) : 0);
+    const bool isHead = hasHead && (number(at + 2, 2) ^ 0xFFFF) == size && size <= camera::kMaxChunkBytes;
+    size_t next = at + camera::kChunkOverhead + (isHead ? size : 0) > file.size() ? at : file.size() + 1;
+    while (next < file.size() && !isChunkAt(next)) ++next;
+    if (next == file.size()) {
       if (isSkipping) read.decoder.damagedBytes += file.size() - at;
       if (!isSkipping) read.truncated = file.size() - at;
       return read;
     }
-    const bool isChunk =
-        isHead && camera::Crc32(file.substr(at, 12 + size)) == number(at + 12 + size, 4) && number(at + 4, 8) >= time;
     if (isChunk) {
       time = number(at + 4, 8);
       read.bytes += file.substr(at + 12, size);

@@ -180,11 +180,12 @@ TEST(CamviewExport, WritesATimeRangeAsRowsAndAsARecording) {
   bytes += camera::EncodeChunks(1'000'000, RecordText(2).substr(0, 20));
   for (const auto& [time, text] : {std::pair{1'010'000ull, RecordText(2).substr(20) + "\xFFgarbage"},
                                    {1'020'000ull, std::string("0003,0200,0300,0400,1023,1023,0512,0384059")},
-                                   {2'000'000ull, RecordText(4)}}) {
+                                   {1'999'999ull, RecordText(4)}}) {
     bytes += camera::EncodeChunks(time, text);
     requested += camera::Format("%llu ", time - 1'000'000) + text;
   }
-  bytes += camera::EncodeChunks(2'000'001, RecordText(5)) + camera::EncodeEnd(3'000'000);
+  bytes += camera::EncodeChunks(2'000'000, RecordText(5)) + camera::EncodeChunks(2'500'000, RecordText(6)) +
+           camera::EncodeEnd(3'000'000);
   WriteTo(source, bytes);
   WriteTo(target, "old");
   const LoadedRecording loaded = LoadFile(source);
@@ -205,7 +206,7 @@ TEST(CamviewExport, WritesATimeRangeAsRowsAndAsARecording) {
   result = RunExport(task);
   EXPECT_TRUE(result.isDone) << result.systemError;
   EXPECT_EQ(
-      camera::CsvHeader() + "1.010000,2,200,300,400,1023,1023,512,384\n2.000000,4,200,300,400,1023,1023,512,384\n",
+      camera::CsvHeader() + "1.010000,2,200,300,400,1023,1023,512,384\n1.999999,4,200,300,400,1023,1023,512,384\n",
       BytesOf(target));
   for (const bool isCsv : {false, true}) {
     task.isCsv = isCsv;

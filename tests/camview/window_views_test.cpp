@@ -36,10 +36,10 @@ TEST_F(CamviewWindow, ShowsDistributionsAndIntervalsOfTheSelection) {
   Select(&view().time, {5, 5.1});
   Update(view());
   Settle();
-  EXPECT_EQ(L"x1: mean 505.00, spread 3.32, 500 to 510", value(IDC_HISTOGRAM_X).substr(0, 40));
+  EXPECT_EQ(L"x1: mean 504.50, spread 3.03, 500 to 509", value(IDC_HISTOGRAM_X).substr(0, 40));
   Press('1');
   Press(VK_HOME);
-  EXPECT_EQ(L"x1 = 500: 1 record, 9.1 %", value(IDC_HISTOGRAM_X));
+  EXPECT_EQ(L"x1 = 500: 1 record, 10.0 %", value(IDC_HISTOGRAM_X));
   Press('C', VK_CONTROL);
   EXPECT_EQ(L"x\tx1\r\n500\t1\r\n501\t1\r\n", kvtest::ClipboardText(window_).substr(0, 20));
   const auto drawn = [&] {
@@ -56,7 +56,7 @@ TEST_F(CamviewWindow, ShowsDistributionsAndIntervalsOfTheSelection) {
   const std::vector<COLORREF> english = drawn();
   Command(IDM_LANGUAGE_FIRST + 1);
   Settle();
-  EXPECT_EQ(L"x1 = 500: 1 Datensatz, 9,1 %", value(IDC_HISTOGRAM_X));
+  EXPECT_EQ(L"x1 = 500: 1 Datensatz, 10,0 %", value(IDC_HISTOGRAM_X));
   EXPECT_NE(english, drawn()) << "its numbers, too";
   Command(IDM_LANGUAGE_FIRST);
   const auto pixelsOf = [&](COLORREF color) {

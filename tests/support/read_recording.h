@@ -22,7 +22,8 @@ inline Read ReadAll(std::string_view file, size_t partSize) {
   Read read;
   for (;;) {
     camera::Chunk chunk;
-    const camera::Decoded next = camera::DecodeNext(&read.decoder, &chunk);
+    camera::Decoded next = camera::DecodeNext(&read.decoder, &chunk);
+    if (next == camera::Decoded::kNeedMore && file.empty()) next = camera::DecodeAtEnd(&read.decoder, &chunk);
     if (next == camera::Decoded::kChunk) {
       read.bytes += chunk.bytes;
       ++read.chunks;
