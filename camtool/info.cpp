@@ -322,6 +322,12 @@ int RunInfo(const std::vector<std::string>& operands) {
   } else {
     PrintText(facts);
   }
+  const bool isWritten = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+  // The reader of a pipe may end before the writer.
+  if (!isWritten && GetFileType(GetStdHandle(STD_OUTPUT_HANDLE)) != FILE_TYPE_PIPE) {
+    PrintError("cannot write to standard output: it is closed, or the disk is full");
+    return kFailed;
+  }
   return facts.file.decoder.damageCount > 0 ? kDamaged : kDone;
 }
 

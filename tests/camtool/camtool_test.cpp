@@ -31,18 +31,20 @@ namespace {
 // A run of camtool with its outputs in files.
 class Camtool {
  public:
-  // `input` is a file for its standard input; with `isClosed` its standard output is a closed pipe.
-  explicit Camtool(const std::string& arguments, const std::string& input = "NUL", bool isClosed = false) {
+  enum class Output { kWritten, kClosedPipe, kReadOnly };
+
+  // `input` is a file for its standard input.
+  explicit Camtool(const std::string& arguments, const std::string& input = "NUL", Output output = Output::kWritten) {
     const std::string number = std::to_string(++count_);
     SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
     HANDLE files[3];
     files[0] = CreateFileA(input.c_str(), GENERIC_READ, FILE_SHARE_READ, &inherited, OPEN_EXISTING, 0, nullptr);
     for (int i = 0; i < 2; ++i) {
       paths_[i] = TemporaryPath(i ? "camtool errors " : "camtool output ") + number;
-      files[i + 1] =
-          CreateFileA(paths_[i].c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS, 0, nullptr);
+      const DWORD access = i == 0 && output == Output::kReadOnly ? GENERIC_READ : GENERIC_WRITE;
+      files[i + 1] = CreateFileA(paths_[i].c_str(), access, FILE_SHARE_READ, &inherited, CREATE_ALWAYS, 0, nullptr);
     }
-    if (HANDLE reader; isClosed) {
+    if (HANDLE reader; output == Output::kClosedPipe) {
       CloseHandle(files[1]);
       CreatePipe(&reader, &files[1], &inherited, 0);
       CloseHandle(reader);
@@ -163,7 +165,7 @@ TEST(Camtool, RecordsReplaysAndExports) {
   EXPECT_PRED2(Says, toFile.Said(), "malformed sections, ");
   const std::string points = PointsOf(BytesOf(csv));
   EXPECT_GT(std::ranges::count(points, '\n'), 50);
-  const Camtool watch("watch --csv -", first), closed("watch \"" + first + "\"", "NUL", true);
+  const Camtool watch("watch --csv -", first), closed("watch \"" + first + "\"", "NUL", Camtool::Output::kClosedPipe);
   EXPECT_EQ(camtool::kDone, watch.Wait());
   EXPECT_EQ(BytesOf(csv), watch.Output());
   EXPECT_EQ(camtool::kDone, closed.Wait());
@@ -345,6 +347,9 @@ TEST(Camtool, TellsLossesAndSilenceApartAndListsThem) {
     EXPECT_EQ(camtool::kDone, info.Wait()) << options;
     for (const char* said : lines) EXPECT_PRED2(Says, info.Output(), said);
   }
+  const Camtool unwritten("info \"" + recording + "\"", "NUL", Camtool::Output::kReadOnly);
+  EXPECT_EQ(camtool::kFailed, unwritten.Wait());
+  EXPECT_PRED2(Says, unwritten.Said(), "cannot write to standard output");
   // What was not measured has no figure.
   for (const int records : {0, 1}) {
     const std::string chunk = camera::EncodeChunks(0, "0100,0200,0300,0400,0512,0384,1023,1023\r\n");
