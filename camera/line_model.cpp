@@ -15,22 +15,19 @@ namespace camera {
 
 namespace {
 
-constexpr size_t kWindowRecords = 256, kMinRecords = 24;
+constexpr size_t kWindowRecords = 256;
 constexpr double kWindowSeconds = 8;  // a window with kMinWindowRecords is not longer
 constexpr size_t kMinWindowRecords = 64;
 constexpr size_t kMaxPending = 16;
 constexpr int kMaxSkip = 1024;
-constexpr double kGivenTolerance = 0.02, kGivenPower = 4;
+constexpr double kGivenPower = 4;  // of a rate near the given one
 // Arrivals that a USB adapter collects for 16 ms look like those of a camera of that rate.
 constexpr double kAdapterRate = 62.5, kAdapterTolerance = 0.1;
-constexpr double kClearCoherence = 0.8, kFairCoherence = 0.5;
 constexpr size_t kStepRecords = 16;       // with steps of two or more that show another rate
-constexpr double kChangeRecords = 20;     // how exactly the place is found where the rate changes
 constexpr double kTie = 0.02;             // for the new one, of two rates at which a record would be regular
 constexpr double kSingleCoherence = 0.7;  // required to tell which records are lost
 constexpr size_t kLateRecords = 16;       // after which late ones have been made up for
 constexpr double kTurn = 2 * std::numbers::pi;
-constexpr double kMaxIrregularShare = 0.1;
 
 double Turns(double number) {
   return number - std::floor(number + 0.5);  // -0.5 to 0.5
@@ -55,6 +52,15 @@ std::complex<float> UnitVector(double turns) {
 
 double CosineOf(double turns) {
   return UnitVector(turns - std::floor(turns)).real();
+}
+
+// Three records in the time of one have been collected by a program or adapter that was busy: their times show nothing.
+bool IsCollected(const std::vector<double>& seconds, size_t i) {
+  const size_t end = std::min(i + 3, seconds.size());
+  for (size_t last = std::max<size_t>(i, 2); last < end; ++last) {
+    if (seconds[last] - seconds[last - 2] < 1 / kMaxRecordRate) return true;
+  }
+  return false;
 }
 
 // The power of noise, by the number of windows, that the strongest of some thousand rates does not exceed.
@@ -87,8 +93,13 @@ void LineModel::Finish() {
 // The records' mean position within the period: amplitude 1 if they all arrive at the same position, 0 if anywhere.
 LineModel::Wave LineModel::WaveOf(const std::vector<double>& seconds, double rate) {
   std::complex<float> sum = 0;
-  for (const double time : seconds) sum += UnitVector((time - seconds.front()) * rate);
-  return {std::abs(sum) / static_cast<double>(seconds.size()), std::arg(sum) / kTurn};
+  size_t count = 0;
+  for (size_t i = 0; i < seconds.size(); ++i) {
+    if (IsCollected(seconds, i)) continue;
+    sum += UnitVector((seconds[i] - seconds.front()) * rate);
+    ++count;
+  }
+  return {std::abs(sum) / static_cast<double>(std::max<size_t>(count, 1)), std::arg(sum) / kTurn};
 }
 
 double LineModel::PowerAt(double rate) const {
@@ -110,14 +121,15 @@ bool LineModel::IsPlausible(double rate, double amplitude) const {
   for (const Times& times : pending_) {
     const Wave wave = WaveOf(times.seconds, rate);
     double before = -1;
-    for (const double time : times.seconds) {
-      const double number = std::round((time - times.seconds.front()) * rate - wave.phase);
+    for (size_t i = 0; i < times.seconds.size(); ++i) {
+      if (IsCollected(times.seconds, i)) continue;
+      const double number = std::round((times.seconds[i] - times.seconds.front()) * rate - wave.phase);
       together += number == before;
       ++all;
       before = number;
     }
   }
-  const double share = static_cast<double>(together) / static_cast<double>(all);
+  const double share = static_cast<double>(together) / static_cast<double>(std::max(all, 1LL));
   return share <= (amplitude > 0.6 ? 0.05 : 0.4);
 }
 
@@ -137,7 +149,8 @@ double LineModel::BestRate(double from, double to, double step) const {
     std::vector<std::complex<float>> vectors(count), turns(count);
     for (size_t i = 0; i < count; ++i) {
       const double time = times.seconds[i] - times.seconds.front();
-      vectors[i] = std::polar(1.0f, static_cast<float>(kTurn * Turns(time * from)));
+      vectors[i] =
+          std::polar(IsCollected(times.seconds, i) ? 0.0f : 1.0f, static_cast<float>(kTurn * Turns(time * from)));
       turns[i] = std::polar(1.0f, static_cast<float>(kTurn * Turns(time * step)));
     }
     for (double& power : powers) {
@@ -404,96 +417,6 @@ void LineModel::AddLosses(const Times& times) {
     hasMoreLosses_ |= lost > 0 && losses_.size() == kMaxLosses;
     level = std::clamp(level, lowest, highest);
   }
-}
-
-// ---- Figures --------------------------------------------------------------------------------------------------------
-
-const LineModel::Window* LineModel::WindowAt(double seconds) const {
-  const auto next = std::ranges::upper_bound(windows_, seconds, {}, &Window::from);
-  return next == windows_.begin() ? nullptr : &*std::prev(next);
-}
-
-// Returns the number of the record that arrived at that time.
-long long LineModel::NumberAt(double seconds) const {
-  const Window* window = WindowAt(seconds);
-  double number =
-      window ? std::round(window->phase + window->slope * (std::min(seconds, window->to) - window->from)) : -1;
-  if (window && window != &windows_.back()) return static_cast<long long>(number);
-  // Records that are not evaluated yet are numbered consecutively.
-  const auto count = [&](const std::vector<double>& times) {
-    return static_cast<double>(std::ranges::upper_bound(times, seconds) - times.begin());
-  };
-  for (const Times& times : pending_) number += count(times.seconds);
-  return static_cast<long long>(number + count(open_.seconds));
-}
-
-// Widens the bounds by what is uncertain in this share (0 to 1) of a window.
-void LineModel::AddBounds(const Window& window, double share, LineFigures* figures) const {
-  const double records = window.records * share;
-  const double capacity = (window.to - window.from) * share * kHighestRate;
-  if (!window.isRegular) {
-    figures->lostAtMost += std::llround(std::max(capacity - records, 0.0));
-    return;
-  }
-  const double unsure = window.coherence == 0 ? 0.005 * window.slope * (window.to - window.from) * share : 0;
-  figures->lostAtLeast -= std::llround(std::ceil(unsure));
-  figures->lostAtMost += std::llround(std::ceil(unsure));
-  if (givenRate_ > 0) return;
-  const double multiple = std::floor(kHighestRate / window.slope);
-  if (multiple < 2) return;
-  figures->mayLoseRegularly = true;
-  figures->lostAtMost += std::llround((multiple - 1) * records);
-}
-
-LineFigures LineModel::Figures(const Selection& selection) const {
-  LineFigures figures;
-  const double from = selection.from, to = selection.to;
-  figures.seconds = std::max(to - from, 0.0);
-  figures.records = selection.records;
-  if (figures.seconds > 0) figures.recordsPerSecond = static_cast<double>(figures.records) / figures.seconds;
-  for (auto silence = std::ranges::upper_bound(silences_, from, {}, &Silence::to);
-       silence != silences_.end() && silence->from < to; ++silence) {
-    const double begin = std::max(silence->from, from), seconds = std::min(silence->to, to) - begin;
-    ++figures.silences;
-    figures.silentSeconds += seconds;
-    if (seconds <= figures.longestSilence) continue;
-    figures.longestSilence = seconds;
-    figures.longestSilenceFrom = begin;
-  }
-  if (selection.records <= 0) return figures;
-  const long long before = selection.before >= 0 ? NumberAt(selection.before) : NumberAt(selection.first) - 1;
-  figures.lost = NumberAt(selection.last) - before - selection.records;
-  long long bound = 0;
-  double irregular = 0, all = 0, rates = 0, regular = 0;
-  for (auto window = std::ranges::lower_bound(windows_, from, {}, &Window::to);
-       window != windows_.end() && window->from <= to; ++window) {
-    const double seconds = window->to - window->from;
-    const double share =
-        seconds > 0 ? std::max(std::min(window->to, to) - std::max(window->from, from), 0.0) / seconds : 1;
-    AddBounds(*window, share, &figures);
-    const double records = window->records * share;
-    all += records;
-    irregular += window->isRegular ? 0 : records;
-    regular += window->isRegular ? records : 0;
-    rates += window->isRegular ? records * window->slope : 0;
-    const bool isFirst = !window->isJoined || window == windows_.begin();
-    if (isFirst || !window->isRegular) {
-      bound += window->coherence >= kClearCoherence ? 0 : window->coherence >= kFairCoherence ? 1 : 2;
-    }
-    const double change = isFirst ? 0 : std::abs(window->slope / std::prev(window)->slope - 1);
-    if (window->isRegular && change > kGivenTolerance)
-      bound +=
-          std::llround(kChangeRecords / std::max(std::min(window->coherence, std::prev(window)->coherence), 0.15f));
-  }
-  figures.lostAtLeast = std::max(figures.lostAtLeast + figures.lost - bound, 0LL);
-  figures.lostAtMost = std::max(figures.lostAtMost + figures.lost + bound, figures.lostAtLeast);
-  if (regular > 0) figures.rate = givenRate_ > 0 && coherence_ == 0 ? givenRate_ : rates / regular;
-  const bool isIrregular = irregular > kMaxIrregularShare * all;
-  figures.basis = regular == 0 && all < kMinRecords ? LossBasis::kTooFew
-                  : isIrregular                     ? LossBasis::kIrregular
-                  : givenRate_ > 0                  ? LossBasis::kGiven
-                                                    : LossBasis::kEstimated;
-  return figures;
 }
 
 }  // namespace camera

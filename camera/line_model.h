@@ -83,6 +83,8 @@ class LineModel {
   bool HasMoreLosses() const { return hasMoreLosses_; }
 
  private:
+  static constexpr size_t kMinRecords = 24;  // of a window in which a rate can be found
+  static constexpr double kGivenTolerance = 0.02, kFairCoherence = 0.5;
   // Consecutive records that are numbered by one straight line: number = phase + slope * (seconds - from), rounded.
   struct Window {
     double from, to;      // seconds, of the first and the last record

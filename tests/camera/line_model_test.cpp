@@ -91,6 +91,11 @@ auto Batched(double seconds) {
   return [=](double time, Random&) { return std::ceil(time / seconds) * seconds; };
 }
 
+// Something is busy for that time, once in 0.9 s.
+auto Stalled(double seconds) {
+  return [=](double time, Random&) { return std::max(time, std::floor(time / 0.9) * 0.9 + seconds); };
+}
+
 auto Losing(double share) {
   return [=](int, Random& random) { return share > 0 && Uniform(random) < share; };
 }
@@ -116,6 +121,7 @@ std::vector<Line> Lines() {
       add("jitter 2 ms", share, Jittered(0.002));
       add("jitter 3 ms", share, Jittered(0.003));
       add("batches of 16 ms", share, Batched(0.016));
+      add("stalls of 150 ms", share, Stalled(0.15));
     }
     lines.push_back(
         {std::to_string(static_cast<int>(rate)) + "/s, every second lost", rate, LosingEvery(2), Late(0.001)});
