@@ -22,8 +22,9 @@ void ShowEnd(ViewTime* time) {
     // In steps, because the charts are drawn anew for each.
     constexpr double kStep = 1.1, kShortest = 10;
     const double length = std::max(time->end - time->begin, kShortest);
+    const double shown = time->shown.Length();
     const bool fits =
-        time->shown.from == time->begin && time->shown.to >= time->end && time->shown.Length() <= length * kStep;
+        time->shown.from == time->begin && time->shown.to >= time->end && shown > 0 && shown <= length * kStep;
     if (!fits) time->shown = {time->begin, time->begin + length * kStep};
     return;
   }

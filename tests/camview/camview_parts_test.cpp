@@ -432,6 +432,8 @@ TEST(CamviewTime, ShowsTheLastSecondsOrAllOfWhatIsFollowed) {
   EXPECT_EQ(30, time.hovered) << "another time is under the pointer";
   ShowRange(&time, {-5, 5});
   EXPECT_EQ((TimeRange{0, 10}), time.shown);
+  Restart(&time, {0, 0}, false);
+  EXPECT_EQ((TimeRange{0, 11}), time.shown) << "nothing is open";
 }
 
 TEST(CamviewTime, IsParsedAndFormatted) {
