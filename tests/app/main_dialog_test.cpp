@@ -13,12 +13,12 @@
 #include "app/resource_ids.h"
 #include "camera/optical_flow_chart.h"
 #include "kv/framework/bitmaps.h"
-#include "kv/framework/control_class.h"
 #include "kv/framework/dialog.h"
 #include "kv/framework/guards.h"
 #include "kv/framework/modules.h"
 #include "kv/framework/painting.h"
 #include "kv/framework/window_position.h"
+#include "tests/support/control_test.h"
 #include "tests/support/test_window.h"
 
 namespace kv {
@@ -66,12 +66,7 @@ class MainDialogTest : public testing::Test {
     GetDlgItemTextA(dialog_, id, text, sizeof(text));
     return text;
   }
-  FlowPoints Shown() {
-    FlowPoints points{};
-    SendDlgItemMessageA(dialog_, IDC_CHART, kControlCommand, kCommandRead | kChartPoints,
-                        reinterpret_cast<LPARAM>(&points));
-    return points;
-  }
+  FlowPoints Shown() { return kvtest::Read<FlowPoints>(GetDlgItem(dialog_, IDC_CHART), kChartPoints); }
   void Arrive(LONG x, LONG y) {
     context_.points[0] = {x, y};
     context_.bChanged = TRUE;

@@ -200,6 +200,9 @@ class CamviewWindow : public testing::Test {
     EXPECT_TRUE(Soon([&] { return !view().display.IsPending(); }));
   }
   HWND Control(int id) const { return GetDlgItem(window_, id); }
+  void Draw(int id, const kvtest::TestBitmap& bitmap) const {
+    SendMessageW(Control(id), WM_PRINTCLIENT, reinterpret_cast<WPARAM>(bitmap.dc()), 0);
+  }
   std::wstring Text(int id) const { return TextOf(Control(id)); }
   bool Says(const wchar_t* part) const { return Text(IDC_STATUS).find(part) != std::wstring::npos; }
   std::wstring Field() const { return kvtest::ReadAccessible(Control(IDC_FIELD)).value; }

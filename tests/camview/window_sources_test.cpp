@@ -24,6 +24,7 @@
 #include "tests/support/replaced_import.h"
 #include "tests/support/running_program.h"
 #include "tests/support/serial_line.h"
+#include "tests/support/test_window.h"
 
 namespace camview {
 namespace {
@@ -216,6 +217,12 @@ TEST_F(CamviewWindow, LosesNothingOfAPortThatComesAndGoes) {
     camera->Send("garbage ");
     return Says(L"sends bytes, but no records");
   }));
+  EXPECT_TRUE(send(1));
+  EXPECT_TRUE(Soon([&] {
+    const kvtest::TestBitmap timeline(2000, 60);
+    Draw(IDC_TIMELINE, timeline);
+    return timeline.CountOf(RGB(220, 130, 0)) > 0;
+  })) << "what was malformed, while the port is followed";
   SendMessageW(window_, WM_ENDSESSION, TRUE, 0);  // the process may end now
   MSG quit;
   PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
@@ -224,7 +231,7 @@ TEST_F(CamviewWindow, LosesNothingOfAPortThatComesAndGoes) {
   EXPECT_TRUE(Soon([&] { return loader.IsDone(); }));
   const LoadedRecording recorded = loader.Take();
   EXPECT_FALSE(recorded.isTruncated);
-  EXPECT_EQ(15, recorded.records);
+  EXPECT_EQ(16, recorded.records);
 }
 
 }  // namespace

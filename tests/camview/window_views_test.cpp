@@ -3,9 +3,7 @@
 #include <windows.h>
 
 #include <cmath>
-#include <cstddef>
 #include <string>
-#include <vector>
 
 #include "camview/camera_field.h"
 #include "camview/display.h"
@@ -13,9 +11,9 @@
 #include "camview/view_time.h"
 #include "camview/window.h"
 #include "kv/controls/strip_chart/strip_chart.h"
-#include "kv/framework/control_class.h"
 #include "kv/framework/painting.h"
 #include "tests/camview/window_fixture.h"
+#include "tests/support/control_test.h"
 #include "tests/support/test_window.h"
 
 namespace camview {
@@ -42,22 +40,13 @@ TEST_F(CamviewWindow, ShowsDistributionsAndIntervalsOfTheSelection) {
   EXPECT_EQ(L"x1 = 500: 1 record, 10.0 %", value(IDC_HISTOGRAM_X));
   Press('C', VK_CONTROL);
   EXPECT_EQ(L"x\tx1\r\n500\t1\r\n501\t1\r\n", kvtest::ClipboardText(window_).substr(0, 20));
-  const auto drawn = [&] {
-    const RECT place = kvtest::PlaceOf(window_, IDC_HISTOGRAM_Y);
-    const kvtest::TestBitmap bitmap(place.right - place.left, place.bottom - place.top);
-    SendMessageW(Control(IDC_HISTOGRAM_Y), WM_PRINTCLIENT, reinterpret_cast<WPARAM>(bitmap.dc()), 0);
-    const int width = bitmap.width();
-    std::vector<COLORREF> pixels(static_cast<size_t>(width * bitmap.height()));
-    for (size_t i = 0; i < pixels.size(); ++i) {
-      pixels[i] = bitmap.At(static_cast<int>(i) % width, static_cast<int>(i) / width);
-    }
-    return pixels;
-  };
-  const std::vector<COLORREF> english = drawn();
+  const kvtest::TestBitmap english(500, 500), german(500, 500);
+  Draw(IDC_HISTOGRAM_Y, english);
   Command(IDM_LANGUAGE_FIRST + 1);
   Settle();
   EXPECT_EQ(L"x1 = 500: 1 Datensatz, 10,0 %", value(IDC_HISTOGRAM_X));
-  EXPECT_NE(english, drawn()) << "its numbers, too";
+  Draw(IDC_HISTOGRAM_Y, german);
+  EXPECT_LT(0, german.DifferencesFrom(english)) << "its numbers, too";
   Command(IDM_LANGUAGE_FIRST);
   const auto pixelsOf = [&](COLORREF color) {
     Command(IDM_COPY_IMAGE);
@@ -77,10 +66,7 @@ TEST_F(CamviewWindow, ShowsDistributionsAndIntervalsOfTheSelection) {
   EXPECT_TRUE(IsWindowVisible(Control(IDC_INTERVALS)) && !IsWindowVisible(Control(IDC_CHART_Y)));
   const auto interval = [&](double time) {
     GoTo(time);
-    kv::StripReading reading{};
-    SendDlgItemMessageW(window_, IDC_INTERVALS, kv::kControlCommand, kv::kStripCursor | kv::kCommandRead,
-                        reinterpret_cast<LPARAM>(&reading));
-    return reading.values[0];
+    return kvtest::Read<kv::StripReading>(Control(IDC_INTERVALS), kv::kStripCursor).values[0];
   };
   EXPECT_NEAR(10, interval(4.5), 0.001);
   EXPECT_NEAR(20, interval(5), 0.001) << "one is lost";
