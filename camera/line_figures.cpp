@@ -63,6 +63,7 @@ LineFigures LineModel::Figures(const Selection& selection) const {
   for (auto silence = std::ranges::upper_bound(silences_, from, {}, &Silence::to);
        silence != silences_.end() && silence->from < to; ++silence) {
     const double begin = std::max(silence->from, from), seconds = std::min(silence->to, to) - begin;
+    if (seconds <= 0) continue;
     ++figures.silences;
     figures.silentSeconds += seconds;
     if (seconds <= figures.longestSilence) continue;

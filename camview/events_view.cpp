@@ -38,7 +38,7 @@ std::wstring AmountText(const camera::Event& event) {
     case camera::EventKind::kSilence: return {};
     case camera::EventKind::kLoss: return RecordsAsText(event.amount);
     case camera::EventKind::kUnseen: return kv::TextWith(IDS_EVENT_POINT, event.point + 1);
-    default: return kv::TextWith(IDS_EVENT_BYTES, kv::NumberText(static_cast<double>(event.amount)));
+    default: return BytesAsText(event.amount);
   }
 }
 

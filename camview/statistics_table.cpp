@@ -69,7 +69,9 @@ std::wstring LossesAsText(const camera::LineFigures& line, bool isShort) {
   switch (line.basis) {
     case camera::LossBasis::kTooFew: return kv::ResourceText(IDS_LOST_TOO_FEW);
     case camera::LossBasis::kIrregular: return kv::ResourceText(IDS_LOST_IRREGULAR);
-    case camera::LossBasis::kGiven: return kv::TextWith(IDS_LOST_GIVEN, lost, kv::NumberText(percent, 1));
+    case camera::LossBasis::kGiven:
+      if (!isShort && line.lostAtLeast != line.lostAtMost) break;
+      return kv::TextWith(IDS_LOST_GIVEN, lost, kv::NumberText(percent, 1));
     case camera::LossBasis::kEstimated: break;
   }
   if (line.mayLoseRegularly) return kv::TextWith(IDS_LOST_MAY_BE_REGULAR, lost);
@@ -82,6 +84,7 @@ std::wstring LossesAsText(const camera::LineFigures& line, bool isShort) {
 }  // namespace
 
 std::wstring CountsAsText(const camera::LineFigures& line) {
+  if (line.seconds <= 0) return RecordsAsText(line.records);
   return kv::TextWith(IDS_STATISTICS_COUNTS, RecordsAsText(line.records), kv::NumberText(line.recordsPerSecond, 1)) +
          L"; " + LossesAsText(line, false);
 }

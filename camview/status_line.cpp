@@ -75,10 +75,13 @@ void DrawMark(kv::Canvas& canvas, StatusMark mark, kv::PointD at, double r, COLO
   }
 }
 
-// Appends a count with a singular or plural text.
+// A count with a singular or plural text.
+std::wstring CountedText(long long count, UINT one, UINT many) {
+  return count == 1 ? kv::ResourceText(one) : kv::TextWith(many, kv::NumberText(static_cast<double>(count)));
+}
+
 void AddCounted(std::wstring* text, long long count, UINT one, UINT many) {
-  if (count == 1) *text += L" " + kv::ResourceText(one);
-  if (count > 1) *text += L" " + kv::TextWith(many, kv::NumberText(static_cast<double>(count)));
+  if (count > 0) *text += L" " + CountedText(count, one, many);
 }
 
 // Why a recording has no end.
@@ -131,8 +134,11 @@ void DrawStatusLine(const DRAWITEMSTRUCT& item, const StatusLine& line) {
 }
 
 std::wstring RecordsAsText(long long count) {
-  if (count == 1) return kv::ResourceText(IDS_RECORDS_ONE);
-  return kv::TextWith(IDS_RECORDS, kv::NumberText(static_cast<double>(count)));
+  return CountedText(count, IDS_RECORDS_ONE, IDS_RECORDS);
+}
+
+std::wstring BytesAsText(long long count) {
+  return CountedText(count, IDS_EVENT_BYTES_ONE, IDS_EVENT_BYTES);
 }
 
 std::wstring ClockAsText(std::uint64_t fileTime) {
@@ -237,7 +243,7 @@ std::wstring DescribeEvent(const camera::Event& event) {
     case camera::EventKind::kSilence: return kv::TextWith(IDS_EVENT_SILENCE, length);
     case camera::EventKind::kLoss: return kv::TextWith(IDS_EVENT_LOSS, length, amount);
     case camera::EventKind::kMalformed: return kv::TextWith(IDS_EVENT_MALFORMED, length, amount);
-    case camera::EventKind::kDamage: return kv::TextWith(IDS_EVENT_DAMAGE, length, amount);
+    case camera::EventKind::kDamage: return kv::TextWith(IDS_EVENT_DAMAGE, length, BytesAsText(event.amount));
     case camera::EventKind::kUnseen: return kv::TextWith(IDS_EVENT_UNSEEN, length, event.point + 1);
   }
   return {};

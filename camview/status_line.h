@@ -25,6 +25,7 @@ void DrawStatusLine(const DRAWITEMSTRUCT& item, const StatusLine& line);
 
 // Returns "1 record", "2,000 records".
 std::wstring RecordsAsText(long long count);
+std::wstring BytesAsText(long long count);
 // Returns date and local time of day of a UTC time in units of 100 ns since 1601, in the user's formats; "" if there is
 // no such time.
 std::wstring ClockAsText(std::uint64_t fileTime);

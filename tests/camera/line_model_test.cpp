@@ -232,6 +232,7 @@ TEST(LineModel, HasFiguresThatAddUp) {
   EXPECT_EQ(1, silent.silences);
   EXPECT_EQ(2, silent.silentSeconds);
   EXPECT_EQ(end - 3, silent.longestSilenceFrom);
+  EXPECT_EQ(0, FiguresOf(model, arrivals, end - 1, end - 1).silences);
 }
 
 TEST(LineModel, GivesNoFigureWithoutRegularRecords) {

@@ -322,6 +322,16 @@ TEST_F(CamviewWindow, WarnsOfARecordingWithLossesOrSilences) {
   EXPECT_EQ(StatusMark::kGood, markOf({.lost = 0, .lostAtMost = 1}));
   EXPECT_EQ(StatusMark::kWarning, markOf({.lost = 1, .lostAtLeast = 1, .lostAtMost = 1}));
   EXPECT_EQ(StatusMark::kWarning, markOf({.silences = 1, .silentSeconds = 2}));
+  const camera::LineFigures given{.seconds = 10,
+                                  .records = 890,
+                                  .recordsPerSecond = 89,
+                                  .basis = camera::LossBasis::kGiven,
+                                  .lost = 40,
+                                  .lostAtLeast = 38,
+                                  .lostAtMost = 42};
+  EXPECT_EQ(L"890 records, 89.0 a second; about 40 lost (38 to 42)", CountsAsText(given));
+  EXPECT_EQ(L"1 record", CountsAsText({.records = 1}));
+  EXPECT_EQ(L"1 byte", BytesAsText(1));
 }
 
 TEST_F(CamviewWindow, CountsLossesByTheCamerasRate) {
