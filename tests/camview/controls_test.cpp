@@ -310,6 +310,14 @@ TEST_F(TimelineTest, MovesSelectsAndAsksForSteps) {
   EXPECT_NEAR(76, Selection().second, 0.7);
   EXPECT_EQ(2, Notified(kTimelineNotifySelection)) << "removed and selected";
   EXPECT_EQ(100, Position());
+  mouse(WM_LBUTTONDOWN, MK_LBUTTON, 200);
+  SendMessageA(timeline_, WM_CAPTURECHANGED, 0, 0);
+  mouse(WM_MOUSEMOVE, MK_LBUTTON, 300);
+  EXPECT_NEAR(50, Position(), 0.5) << "the capture was taken away";
+  const TimeRange selection{20, 30};
+  EXPECT_EQ(1, Send(timeline_, kTimelineSelection, &selection));
+  Key(VK_END, true);
+  EXPECT_EQ(std::pair(20.0, 100.0), Selection());
 }
 
 TEST_F(TimelineTest, MarksEventsByHeightAndRejectsWhatIsBad) {
