@@ -372,7 +372,7 @@ void LineModel::AddFromChange(const Times& times, const Wave& wave) {
   last_ = {};
   rate_ = rate;
   if (change == all.seconds.size()) return;
-  const Times after = change > 0 ? all.Rest(change) : all;
+  const Times after = all.Rest(change);
   AddRegular(after, WaveOf(after.seconds, rate_));
 }
 

@@ -98,7 +98,9 @@ class LineModel {
     std::vector<double> seconds;
     bool isAfterSilence;
     Times First(size_t count) const { return {{seconds.data(), seconds.data() + count}, isAfterSilence}; }
-    Times Rest(size_t count) const { return {{seconds.data() + count, seconds.data() + seconds.size()}, false}; }
+    Times Rest(size_t count) const {
+      return {{seconds.data() + count, seconds.data() + seconds.size()}, count == 0 && isAfterSilence};
+    }
   };
   struct Wave {
     double amplitude, phase;

@@ -126,6 +126,10 @@ std::vector<Line> Lines() {
     lines.push_back(
         {std::to_string(static_cast<int>(rate)) + "/s, every second lost", rate, LosingEvery(2), Late(0.001)});
   }
+  lines.push_back(
+      {"93/s, silence before 3 s of 20 ms jitter", 93,
+       [](int number, Random&) { return number >= 3000 && number < 3060; },
+       [](double time, Random& random) { return time > 32.9 && time < 36 ? time + 0.02 * Uniform(random) : time; }});
   lines.push_back({"93/s, batches of 16 ms, every third lost", 93, LosingEvery(3), Batched(0.016)});
   for (const double later : {46.5, 46.0, 60.0}) {
     for (const double share : {0.0, 0.02, 0.3, 0.5, 0.6})
