@@ -147,8 +147,8 @@ class CamviewWindow : public testing::Test {
       DispatchMessageW(&message);
     }
   }
-  bool Soon(const std::function<bool()>& condition) const {
-    for (const DWORD start = GetTickCount(); GetTickCount() - start < 20000; Sleep(5)) {
+  bool Soon(const std::function<bool()>& condition, DWORD ms = 20000) const {
+    for (const DWORD start = GetTickCount(); GetTickCount() - start < ms; Sleep(5)) {
       Pump();
       if (condition()) return true;
     }
@@ -170,8 +170,7 @@ class CamviewWindow : public testing::Test {
     EXPECT_TRUE(EndsWork());
   }
   void Rest(DWORD ms) const {
-    const DWORD start = GetTickCount();
-    Soon([&] { return GetTickCount() - start > ms; });
+    Soon([] { return false; }, ms);
   }
   // Whether the records are the same until the end of an export, which reads them.
   bool KeepsRecordsDuringExport(const std::function<void()>& arrive) {
@@ -180,10 +179,9 @@ class CamviewWindow : public testing::Test {
     const kvtest::ReplacedImport flush("FlushFileBuffers", reinterpret_cast<void*>(FlushLast));
     exportMayEnd = CreateEventA(nullptr, TRUE, FALSE, nullptr);
     Command(IDM_EXPORT);
-    const long long end = Records()->End();
+    const auto isDifferent = [&, end = Records()->End()] { return !IsWorking() || Records()->End() != end; };
     arrive();
-    Rest(1200);
-    const bool isSame = IsWorking() && Records()->End() == end;
+    const bool isSame = !Soon(isDifferent, 1200);
     SetEvent(exportMayEnd);
     return EndsWork() && CloseHandle(exportMayEnd) && isSame;
   }
