@@ -78,13 +78,13 @@ Tooltip CursorTooltip(const StripModel& model, const StripLayout& layout) {
   for (int i = 0; i < kStripChannels; ++i) {
     const StripChannel& info = model.channels[i].info;
     if (!IsShown(model.channels[i])) continue;
-    const std::wstring unit = L" " + ChannelUnit(info), value = ValueText(reading.values[i], layout, i);
+    const double a = reading.values[i], b = other.values[i], last = isDouble ? b - a : a;
+    const std::wstring unit = std::isnan(last) ? L"" : L" " + ChannelUnit(info), value = ValueText(a, layout, i);
     TooltipRow& row = tooltip.rows[tooltip.count++];
     row = {i, {ChannelName(info), value + unit}};
     if (isDouble) {
-      const double a = reading.values[i], b = other.values[i];
       row.texts = {ChannelName(info), value, ValueText(b, layout, i),
-                   ValueText(b - a, layout, i, std::max(std::fabs(a), std::fabs(b))) + unit};
+                   ValueText(last, layout, i, std::max(std::fabs(a), std::fabs(b))) + unit};
     }
   }
   return tooltip;
